@@ -1,0 +1,47 @@
+# What every target of the tree has in common: warnings, sanitizers, static Windows executables; and the one
+# way to declare a library, a program and a test.
+
+add_library(kv_options INTERFACE)
+target_compile_options(kv_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor
+                                            -Wold-style-cast -Wconversion -Wno-sign-conversion -fno-strict-aliasing)
+if(KV_SANITIZE)
+    target_compile_options(kv_options INTERFACE -O1 -fsanitize=address,undefined -fno-sanitize-recover=all
+                                                -fno-omit-frame-pointer)
+    target_link_options(kv_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(WIN32)
+    # One static executable: no DLL beyond the system's own.
+    target_link_options(kv_options INTERFACE -static)
+    target_compile_definitions(kv_options INTERFACE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX)
+endif()
+
+# kv_library(NAME SOURCES … LINK …): a static library; headers are named from the root of the tree's src/.
+function(kv_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}")
+    target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE kv_options)
+endfunction()
+
+# kv_program(NAME SOURCES … LINK …)
+function(kv_program name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}")
+    target_link_libraries(${name} PRIVATE ${ARG_LINK} kv_options)
+endfunction()
+
+# kv_test(NAME LABEL … SOURCES … LINK …): a GoogleTest program. On Linux each of its tests is a test of
+# ctest; under Wine, where a start costs half a second, the program is one.
+# LABEL says what it needs: "unit" nothing, "server" a development server, "wine", "screen".
+function(kv_test name)
+    cmake_parse_arguments(ARG "" "LABEL" "SOURCES;LINK" ${ARGN})
+    kv_program(${name} SOURCES ${ARG_SOURCES} LINK ${ARG_LINK} GTest::gmock GTest::gtest_main)
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    if(WIN32)
+        add_test(NAME ${name} COMMAND "${PROJECT_SOURCE_DIR}/tests/run-under-wine" $<TARGET_FILE:${name}>)
+        set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600)
+    else()
+        gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 300)
+    endif()
+endfunction()

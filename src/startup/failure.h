@@ -1,0 +1,93 @@
+// Failures: what a routine raises, the current error that it leaves behind, and the one way to arm a handler.
+// Knows no log, no window and no database.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace kv {
+
+/// The number of every failure that the program raises for itself, 0x80040001.
+inline constexpr std::int32_t kProgramFailure = static_cast<std::int32_t>(0x80040001U);
+
+/// The failures of the run time, with the numbers and texts that its documentation gives them.
+namespace run_time {
+inline constexpr std::int32_t kInvalidProcedureCall = 5;
+inline constexpr std::int32_t kOverflow = 6;
+inline constexpr std::int32_t kOutOfMemory = 7;
+inline constexpr std::int32_t kSubscriptOutOfRange = 9;
+inline constexpr std::int32_t kTypeMismatch = 13;
+inline constexpr std::int32_t kInternalError = 51;
+inline constexpr std::int32_t kFileNotFound = 53;
+inline constexpr std::int32_t kDeviceIoError = 57;
+inline constexpr std::int32_t kFileAlreadyExists = 58;
+inline constexpr std::int32_t kDiskFull = 61;
+inline constexpr std::int32_t kPermissionDenied = 70;
+inline constexpr std::int32_t kPathFileAccessError = 75;
+inline constexpr std::int32_t kPathNotFound = 76;
+inline constexpr std::int32_t kObjectVariableNotSet = 91;
+inline constexpr std::int32_t kInvalidUseOfNull = 94;
+inline constexpr std::int32_t kCannotCreateObject = 429;
+inline constexpr std::int32_t kAutomationError = 440;
+
+/// The text of one of the numbers above; "Application-defined or object-defined error" for any other.
+const char* Description(std::int32_t number);
+} // namespace run_time
+
+/// A raised failure. Three fields, as the current error has them.
+class Failure : public std::exception {
+  public:
+    Failure(std::int32_t number, std::string source, std::string description)
+        : number_(number), source_(std::move(source)), description_(std::move(description)) {}
+
+    std::int32_t Number() const { return number_; }
+    const std::string& Source() const { return source_; }
+    const std::string& Description() const { return description_; }
+    const char* what() const noexcept override { return description_.c_str(); }
+
+  private:
+    std::int32_t number_;
+    std::string source_;
+    std::string description_;
+};
+
+/// The state that a raised failure leaves behind: number 0 means none. A routine that arms a handler clears
+/// it, when it arms it and again when it leaves.
+struct ErrorState {
+    std::int32_t number = 0;
+    std::string source;
+    std::string description;
+};
+
+/// The current error of the one thread that the program has.
+const ErrorState& CurrentError();
+void ClearCurrentError();
+
+/// Sets the current error and throws the Failure.
+[[noreturn]] void RaiseFailure(std::int32_t number, std::string source, std::string description);
+/// Raises one of run_time's numbers with its text, the program's name as the source.
+[[noreturn]] void RaiseRunTimeFailure(std::int32_t number);
+
+/// To be called inside a catch (...): gives what is in flight as a Failure and makes it the current error.
+/// What the system reported (a file error, no memory) becomes the run time's failure of the same meaning;
+/// this is the one place where it does.
+Failure TranslateInFlight();
+
+/// Runs `body` with a failure handler armed. A failure goes to `handler` (which takes a const Failure&), and
+/// behind it the routine goes on at its exit label: this function returns. The current error is cleared when
+/// the handler is armed, and again on leaving. A failure inside `handler` is the caller's.
+template <class Body, class Handler>
+void WithFailureHandler(Body&& body, Handler&& handler) {
+    ClearCurrentError();
+    try {
+        std::forward<Body>(body)();
+    } catch (...) {
+        const Failure failure = TranslateInFlight();
+        std::forward<Handler>(handler)(failure);
+    }
+    ClearCurrentError();
+}
+
+} // namespace kv
