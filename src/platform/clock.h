@@ -1,0 +1,20 @@
+// The local date and time.
+#pragma once
+
+namespace platform {
+
+/// A point in local time, as a calendar and a clock on the wall show it.
+struct LocalTime {
+    int year = 0;
+    int month = 0; ///< 1 to 12
+    int day = 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+
+    friend bool operator==(const LocalTime&, const LocalTime&) = default;
+};
+
+LocalTime Now();
+
+} // namespace platform

@@ -1,0 +1,64 @@
+// The two objects through which packages are stored on a server and listed: on Windows the COM classes
+// "DTS.Package" and "DTS.Application", called late bound; on Linux the package store of the server's msdb.
+// Text is 8-bit; the program above decides what is installed and in which order.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/clock.h"
+
+namespace platform {
+
+/// A call on one of the two objects failed: what COM or the server reported.
+class PackageError : public std::exception {
+  public:
+    PackageError(std::int32_t number, std::string source, std::string description);
+
+    /// The HRESULT on Windows; on Linux the number that ADO over ODBC gives for the SQLSTATE.
+    std::int32_t Number() const { return number_; }
+    const std::string& Source() const { return source_; }
+    const char* what() const noexcept override { return description_.c_str(); }
+
+  private:
+    std::int32_t number_;
+    std::string source_;
+    std::string description_;
+};
+
+struct PackageInfo {
+    std::string name;
+    std::string description;
+    LocalTime creation_date;
+};
+
+/// One package. Every member throws PackageError.
+class DtsPackage {
+  public:
+    virtual ~DtsPackage() = default;
+    /// Removes the newest stored version of the package of that name.
+    virtual void RemoveFromSQLServer(const std::string& server, const std::string& user,
+                                     const std::string& password, const std::string& package_name) = 0;
+    virtual void LoadFromStorageFile(const std::string& path, const std::string& password) = 0;
+    virtual void SaveToSQLServer(const std::string& server, const std::string& user,
+                                 const std::string& password) = 0;
+};
+
+class DtsApplication {
+  public:
+    virtual ~DtsApplication() = default;
+    /// Calls `take` for every stored version of every package, in the server's order. Throws PackageError;
+    /// what was taken before stays with the caller.
+    virtual void EnumPackageInfos(const std::string& server, const std::string& user,
+                                  const std::string& password,
+                                  const std::function<void(const PackageInfo&)>& take) = 0;
+};
+
+/// Null where the system has no such class.
+std::unique_ptr<DtsPackage> CreateDtsPackage();
+std::unique_ptr<DtsApplication> CreateDtsApplication();
+
+} // namespace platform
