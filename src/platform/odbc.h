@@ -1,0 +1,253 @@
+// ODBC, thinly: owners of its three handles, what its calls report, and the calls themselves. Text is 8-bit,
+// code page 1252. Knows no database layer above it: what an error means is the caller's business.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace platform::odbc {
+
+/// One diagnostic record. What a driver does not tell is empty.
+struct Diagnostic {
+    std::string sql_state; ///< five characters; class "01" is a message, all others are errors
+    std::int32_t native_error = 0;
+    std::string message; ///< with the components that it passed in front: "[FreeTDS][SQL Server]..."
+    std::string server;
+    std::string procedure;
+    std::optional<std::int32_t> line; ///< within the batch or the procedure, from 1
+    std::optional<std::int32_t> severity;
+    std::optional<std::int32_t> state;
+
+    /// True for a message that came with success.
+    bool IsMessage() const { return sql_state.starts_with("01"); }
+};
+
+/// The text without the names of the components that it passed. Brackets that the server wrote stay.
+std::string_view WithoutOrigin(std::string_view message);
+
+/// A call failed. Carries every record of that call, in ODBC's order: errors before messages.
+class OdbcError : public std::exception {
+  public:
+    OdbcError(const char* function, std::vector<Diagnostic> diagnostics);
+
+    /// The ODBC function that failed; a literal.
+    const char* Function() const { return function_; }
+    /// At least one record, whatever the driver left behind.
+    const std::vector<Diagnostic>& Diagnostics() const { return diagnostics_; }
+    /// True if the connection can't be used any more (SQLSTATE class 08).
+    bool ConnectionLost() const;
+    const char* what() const noexcept override { return diagnostics_.front().message.c_str(); }
+
+  private:
+    const char* function_;
+    std::vector<Diagnostic> diagnostics_;
+};
+
+/// The standard's type numbers; a driver's own numbers (xml, sql_variant) occur as values without a name.
+enum class SqlType : std::int16_t {
+    Unknown = 0,
+    Char = 1,
+    Numeric = 2,
+    Decimal = 3,
+    Integer = 4,
+    SmallInt = 5,
+    Float = 6,
+    Real = 7,
+    Double = 8,
+    VarChar = 12,
+    Date = 91,
+    Time = 92,
+    Timestamp = 93,
+    LongVarChar = -1,
+    Binary = -2,
+    VarBinary = -3,
+    LongVarBinary = -4,
+    BigInt = -5,
+    TinyInt = -6,
+    Bit = -7,
+    WChar = -8,
+    WVarChar = -9,
+    WLongVarChar = -10,
+    Guid = -11,
+    Variant = -150,
+};
+
+enum class HandleKind : std::int16_t { Environment = 1, Connection = 2, Statement = 3 };
+
+/// Every record that the handle holds; may be empty.
+std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle);
+
+/// The one owner of an ODBC handle, and the messages that came with its successful calls.
+class Handle {
+  public:
+    /// Throws OdbcError with the parent's records.
+    Handle(HandleKind kind, HandleKind parent_kind, void* parent);
+    Handle(Handle&& other) noexcept;
+    Handle& operator=(Handle&& other) noexcept;
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+    ~Handle();
+
+    /// SQLHENV, SQLHDBC or SQLHSTMT; the handle stays the owner's.
+    void* Get() const { return handle_; }
+    /// Looks at a call's return code: collects what came with success, throws OdbcError on failure.
+    /// False if the code was SQL_NO_DATA.
+    bool Check(const char* function, int return_code);
+    /// The messages since the last call of this, oldest first.
+    std::vector<Diagnostic> TakeMessages();
+
+  private:
+    void Free() noexcept;
+
+    HandleKind kind_;
+    void* handle_ = nullptr;
+    std::vector<Diagnostic> messages_;
+};
+
+/// The driver manager, version 3. One for a program is enough; must outlive its connections.
+class Environment {
+  public:
+    Environment();
+    void* Get() const { return handle_.Get(); }
+
+  private:
+    Handle handle_;
+};
+
+/// One connection. Its destructor disconnects; its statements must be gone by then.
+class Connection {
+  public:
+    explicit Connection(const Environment& environment);
+    Connection(Connection&&) noexcept = default;
+    Connection& operator=(Connection&& other) noexcept;
+    ~Connection();
+
+    /// Connects without asking anybody for what is missing. The driver gives up after `login_timeout`
+    /// seconds; 0 means no limit.
+    void DriverConnect(const std::string& connection_string, unsigned login_timeout);
+    /// The size of a packet of the protocol in bytes; to be set before connecting.
+    void SetPacketSize(unsigned bytes);
+    /// What the connection answers for an information type whose value is text (SQL_SERVER_NAME and so on).
+    std::string Info(std::uint16_t type);
+    void Disconnect();
+    bool Connected() const { return connected_; }
+    std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
+    void* Get() const { return handle_.Get(); }
+
+  private:
+    void Close() noexcept;
+
+    Handle handle_;
+    bool connected_ = false;
+};
+
+/// Text and bytes are told apart by type, since both are bytes.
+struct Bytes {
+    std::string data;
+    friend bool operator==(const Bytes&, const Bytes&) = default;
+};
+
+/// A date and a time of day.
+struct Timestamp {
+    std::int16_t year = 0;
+    std::uint16_t month = 0; ///< 1 to 12
+    std::uint16_t day = 0;
+    std::uint16_t hour = 0;
+    std::uint16_t minute = 0;
+    std::uint16_t second = 0;
+    std::uint32_t nanosecond = 0;
+    friend bool operator==(const Timestamp&, const Timestamp&) = default;
+};
+
+/// The 16 bytes of a GUID, in the order in which memory holds them: three numbers, then eight bytes.
+struct Guid {
+    std::uint32_t data1 = 0;
+    std::uint16_t data2 = 0;
+    std::uint16_t data3 = 0;
+    std::uint8_t data4[8] = {};
+    friend bool operator==(const Guid&, const Guid&) = default;
+};
+
+/// A value; no alternative but the first means NULL. Whole numbers of every width are int64, decimals and
+/// money are text, as are the types that the standard does not know.
+using Value = std::variant<std::monostate, bool, std::int64_t, double, std::string, Bytes, Timestamp, Guid>;
+
+enum class Direction : std::uint8_t { Input, InputOutput, Output };
+
+/// A parameter marker's value.
+struct Parameter {
+    SqlType type = SqlType::VarChar; ///< what the server is told; the value is converted by the driver
+    Value value;                     ///< what goes in
+    Direction direction = Direction::Input;
+    /// Characters or bytes at most; digits for decimals. 0: as long as the value.
+    std::size_t size = 0;
+    std::int16_t decimal_digits = 0;
+};
+
+/// One column of the current result.
+struct Column {
+    std::string name;
+    SqlType type = SqlType::Unknown;
+    std::size_t size = 0; ///< characters, bytes or digits; 0 where there is no limit
+    std::int16_t decimal_digits = 0;
+    bool nullable = true;
+    std::size_t display_size = 0; ///< characters that the widest value takes; 0 where there is no limit
+
+    /// True for a column that is not bound but read in pieces.
+    bool IsLong() const;
+};
+
+/// One statement of a connection, which must outlive it. Every call throws OdbcError; behind a failed Execute
+/// or MoreResults the results that follow are still there, to be had by further calls of MoreResults.
+class Statement {
+  public:
+    explicit Statement(const Connection& connection);
+    Statement(Statement&& other) noexcept;
+    Statement& operator=(Statement&& other) noexcept;
+    ~Statement();
+
+    /// Seconds that a call may take before it fails with HYT00; 0 means no limit.
+    void SetQueryTimeout(unsigned seconds);
+
+    /// Runs the text. Having nothing to tell (DDL, statements under NOCOUNT) is success.
+    void ExecDirect(const std::string& sql);
+    void Prepare(const std::string& sql);
+    /// Binds a copy of `parameter` to the marker at `position`, counted from 1.
+    void Bind(std::uint16_t position, const Parameter& parameter);
+    void Execute();
+    /// The value of a bound parameter. One that is output has its value when MoreResults has given false.
+    Value ParameterValue(std::uint16_t position) const;
+
+    /// Goes to the next result and drops what is left of this one. False: there is none.
+    bool MoreResults();
+    /// 0 for a result without columns.
+    std::uint16_t ColumnCount();
+    /// The columns of the current result; empty for a result without columns.
+    std::vector<Column> Columns();
+    /// Rows touched by a result without columns; -1 where nothing was counted, and for most results with
+    /// columns until their last row has been read.
+    std::int64_t RowCount();
+
+    /// The catalogue of all stored procedures, as a result of this statement.
+    void Procedures();
+    /// The catalogue of the parameters of the procedure, by its name without ";1".
+    void ProcedureColumns(const std::string& procedure);
+
+    std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
+    Handle& Owner() { return handle_; }
+    void* Get() const { return handle_.Get(); }
+
+  private:
+    struct BoundParameter;
+
+    Handle handle_;
+    std::vector<std::unique_ptr<BoundParameter>> parameters_;
+};
+
+} // namespace platform::odbc
