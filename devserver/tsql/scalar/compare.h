@@ -1,0 +1,34 @@
+// The server's one collation, after SQL_Latin1_General_CP1_CI_AS: letters compare without case, accents
+// count, blanks at the end don't. And the comparison of values of any two types.
+//
+// The order: blank, control characters, punctuation and symbols (as in code page 1252), digits, Latin
+// letters, everything else by lower-case code point. Accents decide only between texts whose letters are
+// equal, the first that differs first; ae, oe, ss and their ligatures differ as accents do.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "devserver/tsql/value.h"
+
+namespace devsql {
+
+/// Negative, 0 or positive. For SQLite's collation callback too.
+int CompareText(std::string_view a, std::string_view b);
+
+/// A key that compares by its bytes as CompareText compares the texts; equal keys are equal texts. For
+/// hashing and grouping.
+std::string SortKey(std::string_view text);
+
+/// Compares two values of different or equal types: the one of lower precedence is converted to the type of
+/// the other, with that conversion's errors. NULL sorts before everything and equals NULL, so that it serves
+/// ORDER BY, GROUP BY, MIN and MAX; predicates look for NULL first.
+int CompareValues(const Value& a, const Type& a_type, const Value& b, const Type& b_type);
+
+/// Compares two values of the same data type (lengths, precision and scale may differ) without conversion.
+int CompareSameType(const Value& a, const Value& b, TypeId type);
+
+/// A key for hashing and grouping values of one type: equal keys are equal values.
+std::string ValueKey(const Value& value, TypeId type);
+
+} // namespace devsql

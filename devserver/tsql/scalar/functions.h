@@ -1,0 +1,46 @@
+// The built-in scalar functions whose result follows from their arguments alone, as one table, and the
+// formatting of RAISERROR. Functions that ask the session (GETDATE, SUSER_NAME, OBJECT_ID) are the engine's.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "devserver/tsql/value.h"
+
+namespace devsql {
+
+/// `max_arguments` of a function that takes as many as one likes.
+inline constexpr int kAnyNumber = 254;
+
+struct ScalarFunction {
+    std::string_view name; ///< upper case
+    int min_arguments = 0;
+    int max_arguments = 0;
+    /// The result's type. Raises 8116 for a type that the function doesn't take.
+    Type (*result_type)(std::span<const Type> arguments);
+    /// The result, of that type. As many values as types. DATEADD, DATEDIFF, DATEPART and DATENAME take the
+    /// word for the part as a text in their first argument.
+    Value (*evaluate)(std::span<const Value> arguments, std::span<const Type> types);
+};
+
+/// Without regard to case; null if there is no such function here.
+const ScalarFunction* FindFunction(std::string_view name);
+std::span<const ScalarFunction> AllFunctions();
+
+/// Raises 174 or 189 when `count` arguments are too few or too many.
+void CheckArgumentCount(const ScalarFunction& function, std::size_t count);
+
+/// An argument of RAISERROR or FORMATMESSAGE.
+struct FormatArgument {
+    Value value;
+    Type type;
+};
+
+/// RAISERROR's text with its arguments: %d %i %u %o %x %X %s with flags, width and precision ("*" too), "%%".
+/// A NULL or missing argument reads "(null)". Raises 2786 where an argument doesn't fit its place, 2787 for a
+/// format it doesn't know, 2748 for a type that can't be an argument, 2747 for more than 20 arguments.
+std::string FormatRaiserror(std::string_view text, std::span<const FormatArgument> arguments);
+
+} // namespace devsql

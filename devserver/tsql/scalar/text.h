@@ -1,0 +1,54 @@
+// Text in its encodings: UTF-8 inside, UTF-16LE and code page 1252 at the edges; lengths and cuts in UTF-16
+// units, as the server's length and position functions count; upper and lower case.
+// Knows nothing of collation: see compare.h.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace devsql {
+
+// All texts are UTF-8 in which a lone surrogate may stand in three bytes (WTF-8), so that any UTF-16 text
+// round trips. Bytes that are no UTF-8 read as U+FFFD.
+
+/// Reads the character at `position` and moves behind it; `position` < `text.size()`.
+char32_t DecodeUtf8(std::string_view text, std::size_t& position);
+/// Appends one code point; a low surrogate behind a high one at the end of `text` joins it to one character.
+void AppendUtf8(std::string& text, char32_t character);
+
+std::u16string ToUtf16(std::string_view text);
+std::string FromUtf16(std::u16string_view text);
+/// The bytes of the UTF-16LE form, without mark.
+std::string ToUtf16Le(std::string_view text);
+/// From the bytes of UTF-16LE; an odd last byte is left away.
+std::string FromUtf16Le(std::string_view bytes);
+/// A byte for each UTF-16 unit; "?" for what code page 1252 lacks. The five bytes it leaves undefined stand
+/// for the code points of the same value.
+std::string ToCodePage1252(std::string_view text);
+std::string FromCodePage1252(std::string_view bytes);
+/// `text` with "?" for each UTF-16 unit that a varchar could not hold.
+std::string NarrowToCodePage1252(std::string_view text);
+
+/// `left` followed by `right`, with a surrogate pair at the seam joined to one character.
+std::string Concatenate(std::string_view left, std::string_view right);
+
+/// UTF-16 units.
+std::size_t TextLength(std::string_view text);
+/// `count` units from `start` (from 0) on, both cut to what is there. Cutting through a pair leaves lone
+/// surrogates.
+std::string SubText(std::string_view text, std::size_t start, std::size_t count = std::string_view::npos);
+/// Without the blanks (U+0020) at its end.
+std::string_view TrimTrailingBlanks(std::string_view text);
+
+/// Simple case mapping of one character: Latin, Greek, Cyrillic, Armenian and full-width letters.
+char32_t ToUpper(char32_t character);
+char32_t ToLower(char32_t character);
+std::string ToUpper(std::string_view text);
+std::string ToLower(std::string_view text);
+/// ASCII letters only; for keywords and names of the language.
+std::string AsciiUpper(std::string_view text);
+/// Equal but for the case of ASCII letters.
+bool AsciiEqual(std::string_view a, std::string_view b);
+
+} // namespace devsql

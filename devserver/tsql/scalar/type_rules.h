@@ -1,0 +1,144 @@
+// What follows from types alone: names, catalogue ids, precedence, result types of operators and of the
+// constructs that choose one of several values, and which conversions are allowed.
+// Knows nothing of values.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "devserver/tsql/value.h"
+
+namespace devsql {
+
+// ------------------------------------------------------------------ kinds of types
+
+bool IsInteger(TypeId id);     ///< tinyint, smallint, int, bigint (not bit)
+bool IsDecimal(TypeId id);     ///< decimal, numeric
+bool IsMoney(TypeId id);       ///< money, smallmoney
+bool IsApproximate(TypeId id); ///< real, float
+bool IsNumber(TypeId id);      ///< all of the above and bit
+bool IsDateTime(TypeId id);    ///< datetime, smalldatetime
+bool IsCharacter(TypeId id);   ///< char, varchar, nchar, nvarchar, text, ntext
+bool IsUnicode(TypeId id);     ///< nchar, nvarchar, ntext
+bool IsBinary(TypeId id);      ///< binary, varbinary, image, timestamp
+bool IsFixedLength(TypeId id); ///< char, nchar, binary: padded to their length
+bool IsOldLob(TypeId id);      ///< text, ntext, image: neither compared nor computed with
+bool HasLength(TypeId id);     ///< declared with a length
+
+// ------------------------------------------------------------------ making types
+
+/// A type without length, precision and scale. timestamp and the others that need none.
+constexpr Type Simple(TypeId id) {
+    return Type{id, 0, 0, 0};
+}
+constexpr Type Sized(TypeId id, std::int32_t length) {
+    return Type{id, length, 0, 0};
+}
+constexpr Type DecimalType(int precision, int scale, TypeId id = TypeId::Decimal) {
+    return Type{id, 0, static_cast<std::uint8_t>(precision), static_cast<std::uint8_t>(scale)};
+}
+
+/// The type of the literal NULL: an int to every client, but it takes on the type of what it meets in
+/// CommonType, OperatorType and the functions. The mark stands in the length, which an int doesn't use.
+inline constexpr Type kUntypedNull{TypeId::Int, -2, 0, 0};
+inline bool IsUntypedNull(const Type& type) {
+    return type == kUntypedNull;
+}
+/// `type`, or plain int for the untyped NULL; before a type leaves the expression (columns, SELECT INTO).
+Type Settled(const Type& type);
+
+/// The literal's or declared length fitted to its kind: more than 8000 bytes or 4000 characters become (max).
+Type FittedLength(TypeId id, std::int64_t length);
+
+// ------------------------------------------------------------------ names and catalogue
+
+/// One row of systypes: what the catalogue, INFORMATION_SCHEMA and ODBC call a type.
+struct SystemType {
+    TypeId id;
+    std::string_view name;       ///< "int", as users write it
+    std::uint8_t xtype;          ///< systypes.xtype, sys.types.system_type_id
+    std::uint8_t user_type;      ///< systypes.usertype, of SQL Server's own types
+    std::uint8_t tds_type;       ///< systypes.type
+    std::int32_t storage_length; ///< bytes; 0 for those declared with a length or precision
+    std::uint8_t precision;      ///< decimal digits of numbers, characters of dates; 0 for others
+    std::uint8_t scale;
+    std::int16_t odbc_type;             ///< ODBC 2's SQL type, as sp_columns and sp_datatype_info give it
+    std::string_view literal_prefix;    ///< of sp_datatype_info; empty for none
+    std::string_view literal_suffix;    ///< of sp_datatype_info; empty for none
+    std::string_view create_parameters; ///< of sp_datatype_info; empty for none
+};
+
+std::span<const SystemType> SystemTypes();
+const SystemType& SystemTypeOf(TypeId id);
+/// "decimal": the name alone.
+std::string_view TypeName(TypeId id);
+/// "decimal(18,2)", "varchar(max)", "int": the name with what it is declared with.
+std::string FullTypeName(const Type& type);
+/// By name or synonym ("integer", "character varying", "rowversion", "double precision", "national char
+/// varying" with single blanks), without regard to case; none if there is no such type. sysname is the
+/// caller's, since it is a user type.
+std::optional<TypeId> FindTypeId(std::string_view name);
+
+/// The type of a declaration. `first` and `second` are what stands in the parentheses; `max` for (max);
+/// `default_length` what char types and binary have without length: 1 in declarations, 30 in CAST and
+/// CONVERT. Raises 1001, 2716, 2717, 2750, 2751, 131, 192 as CREATE TABLE and DECLARE do. `name` is the name
+/// for messages.
+Type DeclaredType(TypeId id, std::optional<std::int64_t> first, std::optional<std::int64_t> second, bool max,
+                  std::int32_t default_length, std::string_view name);
+
+/// Bytes that a value of the type takes at most, as syscolumns.length, COL_LENGTH; -1 for (max), 16 for text,
+/// ntext and image, 5 to 17 for decimals.
+std::int32_t StorageBytes(const Type& type);
+/// syscolumns.prec, INFORMATION_SCHEMA's precisions: digits or characters of the type.
+std::int32_t TypePrecision(const Type& type);
+/// Digits behind the point; none for types that have none.
+std::optional<std::int32_t> TypeScale(const Type& type);
+
+// ------------------------------------------------------------------ conversions between types
+
+enum class Allowed : std::uint8_t { Implicit, Explicit, Never };
+
+Allowed ConversionAllowed(TypeId from, TypeId to);
+/// Raises 206 (operand type clash) or 257 (implicit conversion not allowed) if assigning is not allowed.
+void RequireImplicit(TypeId from, TypeId to);
+
+// ------------------------------------------------------------------ result types
+
+enum class BinaryOperator : std::uint8_t { Add, Subtract, Multiply, Divide, Modulo, BitAnd, BitOr, BitXor };
+enum class UnaryOperator : std::uint8_t { Plus, Minus, BitNot };
+
+/// "add", "subtract" ...: as messages name the operator.
+std::string_view OperatorWord(BinaryOperator op);
+
+/// Higher is stronger: the operand of lower precedence is converted to the type of the other.
+int Precedence(TypeId id);
+
+/// The type of UNION, CASE, COALESCE, IIF: the stronger type, wide enough for both. Raises 206 where neither
+/// converts to the other.
+Type CommonType(const Type& a, const Type& b);
+/// Of at least one type.
+Type CommonType(std::span<const Type> types);
+
+/// The type of `left op right`. Raises 402 (incompatible types), 8117 (invalid type for the operator), 206,
+/// 257.
+Type OperatorType(BinaryOperator op, const Type& left, const Type& right);
+Type OperatorType(UnaryOperator op, const Type& operand);
+/// Raises 402 or 306 or 206 if the two can't be compared with `op` ("equal to", "less than", ...).
+void RequireComparable(const Type& left, const Type& right, std::string_view op);
+
+/// The decimal that holds every value of an integer, bit, money or decimal type.
+Type AsDecimalType(const Type& type);
+/// Digits cut to the 38 there are: the scale gives way, but not below 6 nor below what it was.
+Type ReducedDecimal(int precision, int scale);
+
+// Result types of aggregates. Each raises 8117 for types it doesn't take.
+
+Type SumType(const Type& type);
+Type AverageType(const Type& type);
+/// MIN, MAX: the type itself.
+Type ExtremeType(const Type& type, std::string_view function);
+
+} // namespace devsql
