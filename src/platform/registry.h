@@ -1,0 +1,78 @@
+// The registry, at the level of the platform's own calls: handles, error numbers, raw bytes. What the numbers
+// mean to the program is decided above. On Linux a .reg file stands in its place.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace platform {
+
+/// An open key, or a hive. Nothing closes it by itself: callers close keys with CloseKey, and the program
+/// leaves some open on purpose.
+using RegistryHandle = std::intptr_t;
+
+/// The hives as signed 32-bit numbers; as a RegistryHandle they are sign-extended.
+inline constexpr std::int32_t kHkeyCurrentUser = -2147483647;
+inline constexpr std::int32_t kHkeyLocalMachine = -2147483646;
+
+/// Accesses to a key.
+inline constexpr std::uint32_t kKeyQueryValue = 1;
+inline constexpr std::uint32_t kKeyAllAccess = 0xF003F;
+
+/// The one type of value that the program writes.
+inline constexpr std::uint32_t kRegSz = 1;
+
+/// The platform's error numbers, for what callers and tests tell apart.
+namespace registry_error {
+inline constexpr std::int32_t kSuccess = 0;
+inline constexpr std::int32_t kFileNotFound = 2;
+inline constexpr std::int32_t kAccessDenied = 5;
+inline constexpr std::int32_t kInvalidHandle = 6;
+inline constexpr std::int32_t kBadNetPath = 53;
+inline constexpr std::int32_t kInvalidParameter = 87;
+inline constexpr std::int32_t kDiskFull = 112;
+inline constexpr std::int32_t kMoreData = 234;
+inline constexpr std::int32_t kBadDb = 1009; ///< the store is damaged
+inline constexpr std::int32_t kCantOpen = 1011;
+inline constexpr std::int32_t kCantRead = 1012;
+inline constexpr std::int32_t kCantWrite = 1013;
+} // namespace registry_error
+
+struct OpenedKey {
+    std::int32_t error = registry_error::kSuccess;
+    RegistryHandle key = 0; ///< only if error is 0
+};
+
+struct QueriedValue {
+    std::int32_t error = registry_error::kSuccess;
+    /// What lies in the buffer if error is 0: the stored bytes, the NUL at a text's end included. Text is in
+    /// the 8-bit code page; a text that is stored without a NUL gets one where the buffer has room for it.
+    std::string bytes;
+};
+
+/// Opens an existing key; 2 if there is none.
+OpenedKey OpenKey(RegistryHandle root, const std::string& subkey, std::uint32_t access);
+
+/// Opens a key, and makes it with the class `key_class` if it is absent.
+OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::string& key_class,
+                    std::uint32_t access);
+
+/// The bytes of a value of any type; the empty name is the key's default value. 2 if there is no such value,
+/// 234 if it has more bytes than `buffer_size`.
+QueriedValue QueryValue(RegistryHandle key, const std::string& name, std::size_t buffer_size);
+
+/// Stores the bytes of `data`, no NUL counted, and gives an error number, 0 for success.
+std::int32_t SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
+                      const std::string& data);
+
+std::int32_t CloseKey(RegistryHandle key);
+
+/// A root on another computer, whose name may begin with two backslashes.
+OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive);
+
+/// The system's text for an error number, its CR LF included; empty if the system has none or the text does
+/// not fit into `buffer_size` characters.
+std::string SystemMessage(std::int32_t error, std::size_t buffer_size);
+
+} // namespace platform
