@@ -1,0 +1,28 @@
+#include "platform/terminal.h"
+
+#include <unistd.h>
+
+namespace platform {
+
+void WriteToTerminal(const std::string& text) {
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t written = ::write(STDERR_FILENO, text.data() + done, text.size() - done);
+        if (written <= 0) {
+            return; // a closed error channel is no reason to stop a run
+        }
+        done += static_cast<std::size_t>(written);
+    }
+}
+
+bool TerminalIsInteractive() {
+    return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
+}
+
+void WaitForEnter() {
+    char c = '\0';
+    while (::read(STDIN_FILENO, &c, 1) == 1 && c != '\n') {
+    }
+}
+
+} // namespace platform

@@ -1,0 +1,16 @@
+// How a message box reads on a terminal.
+#pragma once
+
+#include <string>
+
+#include "platform/message_box.h"
+
+namespace platform {
+
+/// "title: text" in lines of the terminal, marked with "!" for an exclamation and "X" for a critical message.
+std::string MessageAsLines(const std::string& text, MessageIcon icon, const std::string& title);
+
+/// Writes the message to the terminal, and waits for Enter where someone can press it.
+void ShowMessageOnTerminal(const std::string& text, MessageIcon icon, const std::string& title);
+
+} // namespace platform

@@ -1,0 +1,42 @@
+// A small window with a label and a progress bar. What it shows and when is decided above.
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace platform {
+
+/// In twips, 1/1440 inch; 15 of them are a pixel at 96 DPI.
+struct TwipsRect {
+    int left = 0;
+    int top = 0;
+    int width = 0;
+    int height = 0;
+};
+
+struct StatusWindowLayout {
+    std::string caption;
+    int client_width = 0;  ///< twips
+    int client_height = 0; ///< twips
+    TwipsRect label;
+    TwipsRect bar;
+};
+
+class StatusWindow {
+  public:
+    virtual ~StatusWindow() = default;
+    /// `value` lies between `min` and `max`.
+    virtual void SetBar(float min, float max, float value) = 0;
+    /// The text stands on the screen when this returns.
+    virtual void SetLabel(const std::string& text) = 0;
+    /// Non-modal; topmost from its activation on.
+    virtual void Show() = 0;
+};
+
+/// A window, or, where none can be shown, one that tells its progress on the terminal. Never null.
+std::unique_ptr<StatusWindow> CreateStatusWindow(const StatusWindowLayout& layout);
+
+/// The one for the terminal.
+std::unique_ptr<StatusWindow> CreateTerminalStatus(const std::string& caption);
+
+} // namespace platform

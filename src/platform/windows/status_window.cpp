@@ -1,0 +1,127 @@
+#include "platform/status_window.h"
+
+#include "platform/windows/desktop.h"
+
+#include <commctrl.h>
+
+namespace platform {
+namespace {
+
+constexpr char kClassName[] = "KVStatusWindow";
+constexpr int kTwipsPerInch = 1440;
+
+int ScreenDpi() {
+    const HDC screen = ::GetDC(nullptr);
+    const int dpi = ::GetDeviceCaps(screen, LOGPIXELSX);
+    ::ReleaseDC(nullptr, screen);
+    return dpi;
+}
+
+class Font {
+  public:
+    Font() {
+        NONCLIENTMETRICSA metrics{};
+        metrics.cbSize = sizeof metrics;
+        ::SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+        font_ = ::CreateFontIndirectA(&metrics.lfMessageFont);
+    }
+    Font(const Font&) = delete;
+    Font& operator=(const Font&) = delete;
+    ~Font() { ::DeleteObject(font_); }
+
+    HFONT Get() const { return font_; }
+
+  private:
+    HFONT font_ = nullptr;
+};
+
+LRESULT CALLBACK StatusProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case WM_ACTIVATE:
+        if (LOWORD(wparam) != WA_INACTIVE) {
+            // No other window may cover the progress of a run that nobody has started by hand.
+            ::SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0,
+                           SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+        }
+        return 0;
+    case WM_CLOSE:
+        return 0; // the run ends the window
+    default:
+        return ::DefWindowProcA(window, message, wparam, lparam);
+    }
+}
+
+class NativeStatusWindow : public StatusWindow {
+  public:
+    explicit NativeStatusWindow(const StatusWindowLayout& layout) : dpi_(ScreenDpi()) {
+        const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_PROGRESS_CLASS};
+        ::InitCommonControlsEx(&controls);
+        window_ = CreateFrame(layout);
+        label_ = CreateChild("STATIC", SS_LEFT | SS_NOPREFIX, layout.label);
+        bar_ = CreateChild(PROGRESS_CLASSA, 0, layout.bar);
+        ::SendMessageA(label_, WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), FALSE);
+    }
+    NativeStatusWindow(const NativeStatusWindow&) = delete;
+    NativeStatusWindow& operator=(const NativeStatusWindow&) = delete;
+    ~NativeStatusWindow() override { ::DestroyWindow(window_); }
+
+    void SetBar(float min, float max, float value) override {
+        ::SendMessageA(bar_, PBM_SETRANGE32, static_cast<WPARAM>(min), static_cast<LPARAM>(max));
+        ::SendMessageA(bar_, PBM_SETPOS, static_cast<WPARAM>(value), 0);
+        ::UpdateWindow(bar_);
+    }
+
+    void SetLabel(const std::string& text) override {
+        ::SetWindowTextA(label_, text.c_str());
+        ::UpdateWindow(label_);
+    }
+
+    void Show() override { ::ShowWindow(window_, SW_SHOWNORMAL); }
+
+  private:
+    int Pixels(int twips) const { return ::MulDiv(twips, dpi_, kTwipsPerInch); }
+
+    HWND CreateFrame(const StatusWindowLayout& layout) const {
+        const HINSTANCE instance = ::GetModuleHandleA(nullptr);
+        WNDCLASSA window_class{};
+        window_class.lpfnWndProc = StatusProcedure;
+        window_class.hInstance = instance;
+        window_class.hCursor = ::LoadCursorA(nullptr, IDC_ARROW);
+        window_class.hbrBackground = ::GetSysColorBrush(COLOR_BTNFACE);
+        window_class.lpszClassName = kClassName;
+        ::RegisterClassA(&window_class);
+
+        constexpr DWORD kStyle = WS_POPUP | WS_CAPTION;
+        RECT frame{0, 0, Pixels(layout.client_width), Pixels(layout.client_height)};
+        ::AdjustWindowRect(&frame, kStyle, FALSE);
+        const int width = frame.right - frame.left;
+        const int height = frame.bottom - frame.top;
+        return ::CreateWindowExA(0, kClassName, layout.caption.c_str(), kStyle,
+                                 (::GetSystemMetrics(SM_CXSCREEN) - width) / 2,
+                                 (::GetSystemMetrics(SM_CYSCREEN) - height) / 2, width, height, nullptr,
+                                 nullptr, instance, nullptr);
+    }
+
+    HWND CreateChild(const char* class_name, DWORD style, const TwipsRect& place) const {
+        return ::CreateWindowExA(0, class_name, "", WS_CHILD | WS_VISIBLE | style, Pixels(place.left),
+                                 Pixels(place.top), Pixels(place.width), Pixels(place.height), window_,
+                                 nullptr, ::GetModuleHandleA(nullptr), nullptr);
+    }
+
+    int dpi_;
+    Font font_;
+    HWND window_ = nullptr;
+    HWND label_ = nullptr;
+    HWND bar_ = nullptr;
+};
+
+} // namespace
+
+std::unique_ptr<StatusWindow> CreateStatusWindow(const StatusWindowLayout& layout) {
+    if (!DesktopIsVisible()) {
+        return CreateTerminalStatus(layout.caption);
+    }
+    return std::make_unique<NativeStatusWindow>(layout);
+}
+
+} // namespace platform

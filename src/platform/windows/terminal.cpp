@@ -1,0 +1,45 @@
+#include "platform/terminal.h"
+
+#include "platform/windows/lean_windows.h"
+
+namespace platform {
+namespace {
+
+/// A program of the window subsystem has no console of its own; the one that it was started from can be
+/// joined.
+HANDLE Channel(DWORD which) {
+    HANDLE handle = ::GetStdHandle(which);
+    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {
+        ::AttachConsole(ATTACH_PARENT_PROCESS);
+        handle = ::GetStdHandle(which);
+    }
+    return handle == INVALID_HANDLE_VALUE ? nullptr : handle;
+}
+
+bool IsConsole(HANDLE handle) {
+    DWORD mode = 0;
+    return handle != nullptr && ::GetConsoleMode(handle, &mode) != 0;
+}
+
+} // namespace
+
+void WriteToTerminal(const std::string& text) {
+    if (const HANDLE channel = Channel(STD_ERROR_HANDLE)) {
+        DWORD written = 0;
+        ::WriteFile(channel, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    }
+}
+
+bool TerminalIsInteractive() {
+    return IsConsole(Channel(STD_INPUT_HANDLE)) && IsConsole(Channel(STD_ERROR_HANDLE));
+}
+
+void WaitForEnter() {
+    const HANDLE channel = Channel(STD_INPUT_HANDLE);
+    char c = '\0';
+    DWORD count = 0;
+    while (::ReadFile(channel, &c, 1, &count, nullptr) != 0 && count == 1 && c != '\n') {
+    }
+}
+
+} // namespace platform
