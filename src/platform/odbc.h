@@ -124,7 +124,7 @@ class Environment {
 class Connection {
   public:
     explicit Connection(const Environment& environment);
-    Connection(Connection&&) noexcept = default;
+    Connection(Connection&& other) noexcept;
     Connection& operator=(Connection&& other) noexcept;
     ~Connection();
 
@@ -136,7 +136,10 @@ class Connection {
     /// What the connection answers for an information type whose value is text (SQL_SERVER_NAME and so on).
     std::string Info(std::uint16_t type);
     void Disconnect();
+    /// True between DriverConnect and Disconnect, also when the server has gone meanwhile.
     bool Connected() const { return connected_; }
+    /// True if the driver has noticed that the server has gone.
+    bool Dead();
     std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
     void* Get() const { return handle_.Get(); }
 
@@ -236,7 +239,8 @@ class Statement {
 
     /// The catalogue of all stored procedures, as a result of this statement.
     void Procedures();
-    /// The catalogue of the parameters of the procedure, by its name without ";1".
+    /// The catalogue of the parameters of the procedures whose names match: "_" and "%" in the name, which
+    /// goes without ";1", are wildcards.
     void ProcedureColumns(const std::string& procedure);
 
     std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }

@@ -1,0 +1,248 @@
+// Handles, diagnostics and connections.
+#include "platform/odbc.h"
+
+#include <array>
+#include <utility>
+
+#include "platform/odbc_api.h"
+
+namespace platform::odbc {
+namespace {
+
+static_assert(static_cast<SQLSMALLINT>(HandleKind::Environment) == SQL_HANDLE_ENV);
+static_assert(static_cast<SQLSMALLINT>(HandleKind::Connection) == SQL_HANDLE_DBC);
+static_assert(static_cast<SQLSMALLINT>(HandleKind::Statement) == SQL_HANDLE_STMT);
+
+/// The server's name for itself as the last of the components in front of a message.
+constexpr std::string_view kServerComponent = "[SQL Server]";
+
+/// ODBC takes its input text by pointers to non-const.
+SQLCHAR* Text(const std::string& text) {
+    return const_cast<SQLCHAR*>(reinterpret_cast<const SQLCHAR*>(text.data()));
+}
+
+/// ODBC takes small numbers as attribute values in place of a pointer to them.
+SQLPOINTER AttributeValue(std::uintptr_t number) {
+    return reinterpret_cast<SQLPOINTER>(number);
+}
+
+std::string DiagnosticText(HandleKind kind, void* handle, SQLSMALLINT record, SQLSMALLINT field) {
+    std::array<char, 512> buffer{};
+    SQLSMALLINT length = 0;
+    const SQLRETURN code = SQLGetDiagField(static_cast<SQLSMALLINT>(kind), handle, record, field,
+                                           buffer.data(), static_cast<SQLSMALLINT>(buffer.size()), &length);
+    return SQL_SUCCEEDED(code) ? std::string(buffer.data()) : std::string();
+}
+
+/// Drivers write these fields as 16 or as 32 bits; the buffer is zeroed, so that both read alike.
+std::optional<std::int32_t> DiagnosticNumber(HandleKind kind, void* handle, SQLSMALLINT record,
+                                             SQLSMALLINT field) {
+    std::int32_t number = 0;
+    SQLSMALLINT length = 0;
+    const SQLRETURN code = SQLGetDiagField(static_cast<SQLSMALLINT>(kind), handle, record, field, &number,
+                                           static_cast<SQLSMALLINT>(sizeof number), &length);
+    return SQL_SUCCEEDED(code) ? std::optional(number) : std::nullopt;
+}
+
+bool ReadRecord(HandleKind kind, void* handle, SQLSMALLINT record, Diagnostic& diagnostic) {
+    std::array<SQLCHAR, 6> state{};
+    SQLINTEGER native = 0;
+    SQLSMALLINT length = 0;
+    std::vector<SQLCHAR> text(1024);
+    SQLRETURN code = SQL_SUCCESS;
+    for (;;) {
+        code = SQLGetDiagRec(static_cast<SQLSMALLINT>(kind), handle, record, state.data(), &native,
+                             text.data(), static_cast<SQLSMALLINT>(text.size()), &length);
+        if (code != SQL_SUCCESS_WITH_INFO || static_cast<std::size_t>(length) < text.size()) {
+            break;
+        }
+        text.resize(static_cast<std::size_t>(length) + 1);
+    }
+    if (!SQL_SUCCEEDED(code)) {
+        return false;
+    }
+    diagnostic.sql_state = reinterpret_cast<const char*>(state.data());
+    diagnostic.native_error = native;
+    diagnostic.message = reinterpret_cast<const char*>(text.data());
+    diagnostic.server = DiagnosticText(kind, handle, record, kDiagServerName);
+    diagnostic.procedure = DiagnosticText(kind, handle, record, kDiagServerProcedure);
+    diagnostic.line = DiagnosticNumber(kind, handle, record, kDiagServerLine);
+    diagnostic.severity = DiagnosticNumber(kind, handle, record, kDiagServerSeverity);
+    diagnostic.state = DiagnosticNumber(kind, handle, record, kDiagServerState);
+    return true;
+}
+
+/// An error without a record would be an error without a word.
+std::vector<Diagnostic> OrPlaceholder(const char* function, std::vector<Diagnostic> diagnostics) {
+    if (diagnostics.empty()) {
+        Diagnostic placeholder;
+        placeholder.sql_state = "HY000";
+        placeholder.message = std::string(function) + " failed, and the driver left no record of the reason";
+        diagnostics.push_back(std::move(placeholder));
+    }
+    return diagnostics;
+}
+
+} // namespace
+
+std::string_view WithoutOrigin(std::string_view message) {
+    // All components stand in front, each in brackets, the server's last. Behind it the text is the server's
+    // own, and may itself begin with a bracket.
+    std::size_t end = 0;
+    while (end < message.size() && message[end] == '[') {
+        const std::size_t close = message.find(']', end);
+        if (close == std::string_view::npos) {
+            break;
+        }
+        const bool last = message.substr(end, close + 1 - end) == kServerComponent;
+        end = close + 1;
+        if (last) {
+            break;
+        }
+    }
+    return message.substr(end);
+}
+
+OdbcError::OdbcError(const char* function, std::vector<Diagnostic> diagnostics)
+    : function_(function), diagnostics_(OrPlaceholder(function, std::move(diagnostics))) {}
+
+bool OdbcError::ConnectionLost() const {
+    for (const Diagnostic& diagnostic : diagnostics_) {
+        if (diagnostic.sql_state.starts_with("08")) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle) {
+    std::vector<Diagnostic> diagnostics;
+    Diagnostic diagnostic;
+    for (SQLSMALLINT record = 1; ReadRecord(kind, handle, record, diagnostic); ++record) {
+        diagnostics.push_back(std::move(diagnostic));
+        diagnostic = {};
+    }
+    return diagnostics;
+}
+
+Handle::Handle(HandleKind kind, HandleKind parent_kind, void* parent) : kind_(kind) {
+    const SQLRETURN code = SQLAllocHandle(static_cast<SQLSMALLINT>(kind), parent, &handle_);
+    if (!SQL_SUCCEEDED(code)) {
+        handle_ = nullptr;
+        throw OdbcError("SQLAllocHandle",
+                        parent != nullptr ? ReadDiagnostics(parent_kind, parent) : std::vector<Diagnostic>());
+    }
+}
+
+Handle::Handle(Handle&& other) noexcept
+    : kind_(other.kind_),
+      handle_(std::exchange(other.handle_, nullptr)),
+      messages_(std::move(other.messages_)) {}
+
+Handle& Handle::operator=(Handle&& other) noexcept {
+    if (this != &other) {
+        Free();
+        kind_ = other.kind_;
+        handle_ = std::exchange(other.handle_, nullptr);
+        messages_ = std::move(other.messages_);
+    }
+    return *this;
+}
+
+Handle::~Handle() {
+    Free();
+}
+
+void Handle::Free() noexcept {
+    if (handle_ != nullptr) {
+        SQLFreeHandle(static_cast<SQLSMALLINT>(kind_), handle_);
+        handle_ = nullptr;
+    }
+}
+
+bool Handle::Check(const char* function, int return_code) {
+    if (return_code == SQL_SUCCESS) {
+        return true;
+    }
+    std::vector<Diagnostic> diagnostics = ReadDiagnostics(kind_, handle_);
+    if (return_code != SQL_SUCCESS_WITH_INFO && return_code != SQL_NO_DATA) {
+        throw OdbcError(function, std::move(diagnostics));
+    }
+    for (Diagnostic& diagnostic : diagnostics) {
+        messages_.push_back(std::move(diagnostic));
+    }
+    return return_code != SQL_NO_DATA;
+}
+
+std::vector<Diagnostic> Handle::TakeMessages() {
+    return std::exchange(messages_, {});
+}
+
+Environment::Environment() : handle_(HandleKind::Environment, HandleKind::Environment, nullptr) {
+    handle_.Check("SQLSetEnvAttr", SQLSetEnvAttr(handle_.Get(), SQL_ATTR_ODBC_VERSION,
+                                                 AttributeValue(SQL_OV_ODBC3), SQL_IS_INTEGER));
+}
+
+Connection::Connection(const Environment& environment)
+    : handle_(HandleKind::Connection, HandleKind::Environment, environment.Get()) {}
+
+Connection::Connection(Connection&& other) noexcept
+    : handle_(std::move(other.handle_)), connected_(std::exchange(other.connected_, false)) {}
+
+Connection& Connection::operator=(Connection&& other) noexcept {
+    if (this != &other) {
+        Close();
+        handle_ = std::move(other.handle_);
+        connected_ = std::exchange(other.connected_, false);
+    }
+    return *this;
+}
+
+Connection::~Connection() {
+    Close();
+}
+
+void Connection::Close() noexcept {
+    if (std::exchange(connected_, false)) {
+        SQLDisconnect(handle_.Get());
+    }
+}
+
+void Connection::DriverConnect(const std::string& connection_string, unsigned login_timeout) {
+    handle_.Check("SQLSetConnectAttr", SQLSetConnectAttr(handle_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
+                                                         AttributeValue(login_timeout), SQL_IS_UINTEGER));
+    std::array<SQLCHAR, 1024> completed{};
+    SQLSMALLINT length = 0;
+    handle_.Check("SQLDriverConnect",
+                  SQLDriverConnect(handle_.Get(), nullptr, Text(connection_string), SQL_NTS, completed.data(),
+                                   static_cast<SQLSMALLINT>(completed.size()), &length, SQL_DRIVER_NOPROMPT));
+    connected_ = true;
+}
+
+void Connection::SetPacketSize(unsigned bytes) {
+    handle_.Check("SQLSetConnectAttr", SQLSetConnectAttr(handle_.Get(), SQL_ATTR_PACKET_SIZE,
+                                                         AttributeValue(bytes), SQL_IS_UINTEGER));
+}
+
+std::string Connection::Info(std::uint16_t type) {
+    std::array<char, 512> text{};
+    SQLSMALLINT length = 0;
+    handle_.Check("SQLGetInfo", SQLGetInfo(handle_.Get(), type, text.data(),
+                                           static_cast<SQLSMALLINT>(text.size()), &length));
+    return text.data();
+}
+
+void Connection::Disconnect() {
+    if (std::exchange(connected_, false)) {
+        handle_.Check("SQLDisconnect", SQLDisconnect(handle_.Get()));
+    }
+}
+
+bool Connection::Dead() {
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    const SQLRETURN code =
+        SQLGetConnectAttr(handle_.Get(), SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
+    return SQL_SUCCEEDED(code) && dead == SQL_CD_TRUE;
+}
+
+} // namespace platform::odbc

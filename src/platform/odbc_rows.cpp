@@ -1,0 +1,200 @@
+// Rows of a result. The array size is set when the statement has run: set before, the drivers of this server
+// open a cursor on the server in place of sending the rows.
+#include "platform/odbc_rows.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+#include "platform/odbc_types.h"
+
+namespace platform::odbc {
+namespace {
+
+/// Room for a block, in bytes, and the most rows that are worth one.
+constexpr std::size_t kBlockBytes = 256 * 1024;
+constexpr std::size_t kMaxBlockRows = 512;
+/// Bytes that a long value is read in at a time.
+constexpr std::size_t kPieceBytes = 64 * 1024;
+
+/// A column that is bound, with a value and an indicator for each row of the block.
+struct BoundColumn {
+    SQLSMALLINT c_type = SQL_C_CHAR;
+    std::size_t width = 0;
+    std::vector<char> data;
+    std::vector<SQLLEN> indicators;
+};
+
+std::size_t WidthOf(const Column& column, SQLSMALLINT c_type) {
+    const std::size_t fixed = FixedSize(c_type);
+    if (fixed != 0) {
+        return fixed;
+    }
+    // Text takes a character more for the NUL behind it; a decimal's sign and point are in its display size.
+    return std::max(column.size, column.display_size) + 1;
+}
+
+SQLPOINTER AttributeValue(std::uintptr_t number) {
+    return reinterpret_cast<SQLPOINTER>(number);
+}
+
+} // namespace
+
+struct RowReader::State {
+    Statement* statement = nullptr;
+    std::vector<Column> columns;
+    std::vector<BoundColumn> bound; ///< of the columns in front of the first long one
+    std::vector<SQLUSMALLINT> row_status;
+    std::vector<char> piece;
+    std::size_t block_rows = 1;
+    SQLULEN fetched = 0;
+    std::size_t next = 0; ///< row of the block that Next gives
+    bool ended = false;   ///< a further fetch would be out of order
+
+    ~State() { Release(); }
+    void Layout();
+    void BindAll();
+    bool FetchBlock();
+    Value BoundValue(std::size_t column, std::size_t row) const;
+    Value LongValue(std::size_t column);
+    void Release() noexcept;
+};
+
+void RowReader::State::Layout() {
+    std::size_t row_bytes = 0;
+    for (const Column& column : columns) {
+        // The drivers of this server read columns in pieces only behind the last bound one, and only from
+        // blocks of one row.
+        if (column.IsLong()) {
+            break;
+        }
+        BoundColumn& next_bound = bound.emplace_back();
+        next_bound.c_type = BufferType(column.type);
+        next_bound.width = WidthOf(column, next_bound.c_type);
+        row_bytes += next_bound.width + sizeof(SQLLEN);
+    }
+    if (bound.size() == columns.size()) {
+        block_rows =
+            std::clamp<std::size_t>(kBlockBytes / std::max<std::size_t>(row_bytes, 1), 1, kMaxBlockRows);
+    }
+    for (BoundColumn& column : bound) {
+        column.data.resize(column.width * block_rows);
+        column.indicators.resize(block_rows);
+    }
+    row_status.resize(block_rows);
+}
+
+void RowReader::State::BindAll() {
+    Handle& handle = statement->Owner();
+    handle.Check("SQLSetStmtAttr", SQLSetStmtAttr(handle.Get(), SQL_ATTR_ROW_ARRAY_SIZE,
+                                                  AttributeValue(block_rows), SQL_IS_UINTEGER));
+    handle.Check("SQLSetStmtAttr",
+                 SQLSetStmtAttr(handle.Get(), SQL_ATTR_ROWS_FETCHED_PTR, &fetched, SQL_IS_POINTER));
+    handle.Check("SQLSetStmtAttr",
+                 SQLSetStmtAttr(handle.Get(), SQL_ATTR_ROW_STATUS_PTR, row_status.data(), SQL_IS_POINTER));
+    SQLUSMALLINT number = 0;
+    for (BoundColumn& column : bound) {
+        ++number;
+        handle.Check("SQLBindCol", SQLBindCol(handle.Get(), number, column.c_type, column.data.data(),
+                                              static_cast<SQLLEN>(column.width), column.indicators.data()));
+    }
+}
+
+bool RowReader::State::FetchBlock() {
+    Handle& handle = statement->Owner();
+    next = 0;
+    fetched = 0;
+    const SQLRETURN code = SQLFetch(handle.Get());
+    const auto rows_end =
+        row_status.begin() + static_cast<std::ptrdiff_t>(std::min<SQLULEN>(fetched, block_rows));
+    if (code == SQL_SUCCESS_WITH_INFO && std::find(row_status.begin(), rows_end, SQL_ROW_ERROR) != rows_end) {
+        throw OdbcError("SQLFetch", ReadDiagnostics(HandleKind::Statement, handle.Get()));
+    }
+    ended = !handle.Check("SQLFetch", code) || fetched == 0;
+    return !ended;
+}
+
+Value RowReader::State::BoundValue(std::size_t column, std::size_t row) const {
+    const BoundColumn& buffer = bound[column];
+    const SQLLEN indicator = buffer.indicators[row];
+    const std::size_t room = buffer.c_type == SQL_C_BINARY ? buffer.width : buffer.width - 1;
+    const bool varies = FixedSize(buffer.c_type) == 0;
+    if (varies && indicator != SQL_NULL_DATA &&
+        (indicator < 0 || static_cast<std::size_t>(indicator) > room)) {
+        Diagnostic cut;
+        cut.sql_state = "01004";
+        cut.message = "The column '" + columns[column].name + "' holds a value of " +
+                      std::to_string(indicator) + " bytes, more than the " + std::to_string(room) +
+                      " of its description";
+        throw OdbcError("SQLFetch", {std::move(cut)});
+    }
+    return ReadValue(buffer.c_type, buffer.data.data() + row * buffer.width, indicator);
+}
+
+Value RowReader::State::LongValue(std::size_t column) {
+    Handle& handle = statement->Owner();
+    const SQLSMALLINT c_type = BufferType(columns[column].type);
+    piece.resize(kPieceBytes);
+    const std::size_t room = c_type == SQL_C_CHAR ? piece.size() - 1 : piece.size();
+    std::string whole;
+    for (bool first = true;; first = false) {
+        SQLLEN indicator = 0;
+        const SQLRETURN code = SQLGetData(handle.Get(), static_cast<SQLUSMALLINT>(column + 1), c_type,
+                                          piece.data(), static_cast<SQLLEN>(piece.size()), &indicator);
+        const bool got = code == SQL_SUCCESS_WITH_INFO || handle.Check("SQLGetData", code);
+        if (!got) {
+            break;
+        }
+        if (indicator == SQL_NULL_DATA) {
+            return {};
+        }
+        if (const std::size_t fixed = FixedSize(c_type); first && fixed != 0) {
+            return ReadValue(c_type, piece.data(), indicator);
+        }
+        const bool cut = indicator == SQL_NO_TOTAL || static_cast<std::size_t>(indicator) > room;
+        whole.append(piece.data(), cut ? room : static_cast<std::size_t>(indicator));
+        if (!cut) {
+            break;
+        }
+    }
+    return c_type == SQL_C_BINARY ? Value(Bytes{std::move(whole)}) : Value(std::move(whole));
+}
+
+void RowReader::State::Release() noexcept {
+    // Whatever these answer: the buffers go now, and the statement must not know them any more.
+    SQLFreeStmt(statement->Get(), SQL_UNBIND);
+    SQLSetStmtAttr(statement->Get(), SQL_ATTR_ROW_STATUS_PTR, nullptr, SQL_IS_POINTER);
+    SQLSetStmtAttr(statement->Get(), SQL_ATTR_ROWS_FETCHED_PTR, nullptr, SQL_IS_POINTER);
+    SQLSetStmtAttr(statement->Get(), SQL_ATTR_ROW_ARRAY_SIZE, AttributeValue(1), SQL_IS_UINTEGER);
+}
+
+RowReader::RowReader(Statement& statement) : state_(std::make_unique<State>()) {
+    state_->statement = &statement;
+    state_->columns = statement.Columns();
+    state_->Layout();
+    state_->BindAll();
+}
+
+RowReader::RowReader(RowReader&&) noexcept = default;
+RowReader::~RowReader() = default;
+
+const std::vector<Column>& RowReader::Columns() const {
+    return state_->columns;
+}
+
+bool RowReader::Next(std::vector<Value>& row) {
+    State& state = *state_;
+    if (state.next >= state.fetched && (state.ended || !state.FetchBlock())) {
+        return false;
+    }
+    row.resize(state.columns.size());
+    for (std::size_t column = 0; column < row.size(); ++column) {
+        row[column] =
+            column < state.bound.size() ? state.BoundValue(column, state.next) : state.LongValue(column);
+    }
+    ++state.next;
+    return true;
+}
+
+} // namespace platform::odbc

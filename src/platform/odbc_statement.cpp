@@ -1,0 +1,144 @@
+// Statements: running, results, columns and parameters.
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "platform/odbc.h"
+#include "platform/odbc_api.h"
+#include "platform/odbc_types.h"
+
+namespace platform::odbc {
+namespace {
+
+SQLCHAR* Text(const std::string& text) {
+    return const_cast<SQLCHAR*>(reinterpret_cast<const SQLCHAR*>(text.data()));
+}
+
+std::size_t NumericAttribute(Handle& handle, SQLUSMALLINT column, SQLUSMALLINT field) {
+    SQLLEN number = 0;
+    handle.Check("SQLColAttribute",
+                 SQLColAttribute(handle.Get(), column, field, nullptr, 0, nullptr, &number));
+    return number > 0 ? static_cast<std::size_t>(number) : 0;
+}
+
+Column DescribeColumn(Handle& handle, SQLUSMALLINT number) {
+    std::array<SQLCHAR, 512> name{};
+    SQLSMALLINT name_length = 0;
+    SQLSMALLINT type = 0;
+    SQLULEN size = 0;
+    SQLSMALLINT decimal_digits = 0;
+    SQLSMALLINT nullable = 0;
+    handle.Check("SQLDescribeCol",
+                 SQLDescribeCol(handle.Get(), number, name.data(), static_cast<SQLSMALLINT>(name.size()),
+                                &name_length, &type, &size, &decimal_digits, &nullable));
+    Column column;
+    column.name = reinterpret_cast<const char*>(name.data());
+    column.type = static_cast<SqlType>(type);
+    column.size = size;
+    column.decimal_digits = decimal_digits;
+    column.nullable = nullable != SQL_NO_NULLS;
+    column.display_size = NumericAttribute(handle, number, SQL_DESC_DISPLAY_SIZE);
+    return column;
+}
+
+} // namespace
+
+/// The buffer that a parameter marker is bound to for as long as the statement may run.
+struct Statement::BoundParameter {
+    ValueBuffer buffer;
+    SQLLEN indicator = 0;
+};
+
+Statement::Statement(const Connection& connection)
+    : handle_(HandleKind::Statement, HandleKind::Connection, connection.Get()) {}
+Statement::Statement(Statement&&) noexcept = default;
+// The handle goes before the buffers that are bound to it.
+Statement& Statement::operator=(Statement&& other) noexcept {
+    handle_ = std::move(other.handle_);
+    parameters_ = std::move(other.parameters_);
+    return *this;
+}
+Statement::~Statement() = default;
+
+void Statement::SetQueryTimeout(unsigned seconds) {
+    handle_.Check("SQLSetStmtAttr",
+                  SQLSetStmtAttr(handle_.Get(), SQL_ATTR_QUERY_TIMEOUT,
+                                 reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(seconds)),
+                                 SQL_IS_UINTEGER));
+}
+
+void Statement::ExecDirect(const std::string& sql) {
+    handle_.Check("SQLExecDirect",
+                  SQLExecDirect(handle_.Get(), Text(sql), static_cast<SQLINTEGER>(sql.size())));
+}
+
+void Statement::Prepare(const std::string& sql) {
+    handle_.Check("SQLPrepare", SQLPrepare(handle_.Get(), Text(sql), static_cast<SQLINTEGER>(sql.size())));
+}
+
+void Statement::Bind(std::uint16_t position, const Parameter& parameter) {
+    auto bound = std::make_unique<BoundParameter>();
+    bound->buffer = MakeParameterBuffer(parameter);
+    bound->indicator = bound->buffer.null ? SQL_NULL_DATA : static_cast<SQLLEN>(bound->buffer.length);
+    constexpr std::array kDirections = {SQL_PARAM_INPUT, SQL_PARAM_INPUT_OUTPUT, SQL_PARAM_OUTPUT};
+    const ParameterShape shape = ShapeOf(parameter, bound->buffer);
+    handle_.Check(
+        "SQLBindParameter",
+        SQLBindParameter(handle_.Get(), position,
+                         static_cast<SQLSMALLINT>(kDirections[static_cast<std::size_t>(parameter.direction)]),
+                         bound->buffer.c_type, static_cast<SQLSMALLINT>(parameter.type), shape.size,
+                         shape.decimal_digits, bound->buffer.data.data(),
+                         static_cast<SQLLEN>(bound->buffer.data.size()), &bound->indicator));
+    if (parameters_.size() < position) {
+        parameters_.resize(position);
+    }
+    parameters_[position - 1U] = std::move(bound);
+}
+
+void Statement::Execute() {
+    handle_.Check("SQLExecute", SQLExecute(handle_.Get()));
+}
+
+Value Statement::ParameterValue(std::uint16_t position) const {
+    const BoundParameter& bound = *parameters_.at(position - 1U);
+    return ReadValue(bound.buffer.c_type, bound.buffer.data.data(), bound.indicator);
+}
+
+bool Statement::MoreResults() {
+    return handle_.Check("SQLMoreResults", SQLMoreResults(handle_.Get()));
+}
+
+std::uint16_t Statement::ColumnCount() {
+    SQLSMALLINT count = 0;
+    handle_.Check("SQLNumResultCols", SQLNumResultCols(handle_.Get(), &count));
+    return static_cast<std::uint16_t>(std::max<SQLSMALLINT>(count, 0));
+}
+
+std::vector<Column> Statement::Columns() {
+    const std::uint16_t count = ColumnCount();
+    std::vector<Column> columns;
+    columns.reserve(count);
+    for (std::uint16_t number = 1; number <= count; ++number) {
+        columns.push_back(DescribeColumn(handle_, number));
+    }
+    return columns;
+}
+
+std::int64_t Statement::RowCount() {
+    SQLLEN count = -1;
+    handle_.Check("SQLRowCount", SQLRowCount(handle_.Get(), &count));
+    return count;
+}
+
+void Statement::Procedures() {
+    handle_.Check("SQLProcedures", SQLProcedures(handle_.Get(), nullptr, 0, nullptr, 0, nullptr, 0));
+}
+
+void Statement::ProcedureColumns(const std::string& procedure) {
+    handle_.Check("SQLProcedureColumns",
+                  SQLProcedureColumns(handle_.Get(), nullptr, 0, nullptr, 0, Text(procedure),
+                                      static_cast<SQLSMALLINT>(procedure.size()), nullptr, 0));
+}
+
+} // namespace platform::odbc

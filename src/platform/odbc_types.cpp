@@ -1,0 +1,186 @@
+// The table of buffer types, and values to and from their buffers.
+#include "platform/odbc_types.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <type_traits>
+
+namespace platform::odbc {
+namespace {
+
+struct TypeRow {
+    SqlType type;
+    SQLSMALLINT c_type;
+};
+
+/// Types that are not here travel as text.
+constexpr std::array kBufferTypes = {
+    TypeRow{SqlType::Bit, SQL_C_BIT},
+    TypeRow{SqlType::TinyInt, SQL_C_SBIGINT},
+    TypeRow{SqlType::SmallInt, SQL_C_SBIGINT},
+    TypeRow{SqlType::Integer, SQL_C_SBIGINT},
+    TypeRow{SqlType::BigInt, SQL_C_SBIGINT},
+    TypeRow{SqlType::Real, SQL_C_DOUBLE},
+    TypeRow{SqlType::Float, SQL_C_DOUBLE},
+    TypeRow{SqlType::Double, SQL_C_DOUBLE},
+    TypeRow{SqlType::Timestamp, SQL_C_TYPE_TIMESTAMP},
+    TypeRow{SqlType::Guid, SQL_C_GUID},
+    TypeRow{SqlType::Binary, SQL_C_BINARY},
+    TypeRow{SqlType::VarBinary, SQL_C_BINARY},
+    TypeRow{SqlType::LongVarBinary, SQL_C_BINARY},
+};
+
+/// The widest text that a type without a limit of its own gives: a decimal of 38 digits, sign and point.
+constexpr std::size_t kNumberText = 64;
+constexpr std::size_t kMaxPrecision = 38;
+constexpr std::size_t kMaxInRow = 8000;
+
+template <class T>
+T Load(const char* data) {
+    T value;
+    std::memcpy(&value, data, sizeof value);
+    return value;
+}
+
+template <class T>
+std::vector<char> Store(const T& value) {
+    static_assert(std::is_trivially_copyable_v<T>);
+    std::vector<char> data(sizeof value);
+    std::memcpy(data.data(), &value, sizeof value);
+    return data;
+}
+
+Timestamp FromOdbc(const SQL_TIMESTAMP_STRUCT& from) {
+    return {from.year,
+            from.month,
+            from.day,
+            from.hour,
+            from.minute,
+            from.second,
+            static_cast<std::uint32_t>(from.fraction)};
+}
+
+SQL_TIMESTAMP_STRUCT ToOdbc(const Timestamp& from) {
+    SQL_TIMESTAMP_STRUCT to{};
+    to.year = from.year;
+    to.month = from.month;
+    to.day = from.day;
+    to.hour = from.hour;
+    to.minute = from.minute;
+    to.second = from.second;
+    to.fraction = from.nanosecond;
+    return to;
+}
+
+/// Writes a value's bytes, and says what they are.
+struct Encode {
+    ValueBuffer& buffer;
+
+    void operator()(std::monostate) const { buffer.null = true; }
+    void operator()(bool value) const { Fixed(SQL_C_BIT, static_cast<unsigned char>(value)); }
+    void operator()(std::int64_t value) const { Fixed(SQL_C_SBIGINT, value); }
+    void operator()(double value) const { Fixed(SQL_C_DOUBLE, value); }
+    void operator()(const std::string& value) const { Varying(SQL_C_CHAR, value); }
+    void operator()(const Bytes& value) const { Varying(SQL_C_BINARY, value.data); }
+    void operator()(const Timestamp& value) const { Fixed(SQL_C_TYPE_TIMESTAMP, ToOdbc(value)); }
+    void operator()(const Guid& value) const { Fixed(SQL_C_GUID, value); }
+
+    template <class T>
+    void Fixed(SQLSMALLINT c_type, const T& value) const {
+        buffer.c_type = c_type;
+        buffer.data = Store(value);
+        buffer.length = sizeof value;
+    }
+    void Varying(SQLSMALLINT c_type, const std::string& value) const {
+        buffer.c_type = c_type;
+        buffer.data.assign(value.begin(), value.end());
+        buffer.length = value.size();
+    }
+};
+
+} // namespace
+
+SQLSMALLINT BufferType(SqlType type) {
+    const auto* row = std::ranges::find(kBufferTypes, type, &TypeRow::type);
+    return row != kBufferTypes.end() ? row->c_type : static_cast<SQLSMALLINT>(SQL_C_CHAR);
+}
+
+std::size_t FixedSize(SQLSMALLINT c_type) {
+    switch (c_type) {
+    case SQL_C_BIT:
+        return 1;
+    case SQL_C_SBIGINT:
+        return sizeof(std::int64_t);
+    case SQL_C_DOUBLE:
+        return sizeof(double);
+    case SQL_C_TYPE_TIMESTAMP:
+        return sizeof(SQL_TIMESTAMP_STRUCT);
+    case SQL_C_GUID:
+        return sizeof(Guid);
+    default:
+        return 0;
+    }
+}
+
+Value ReadValue(SQLSMALLINT c_type, const char* data, SQLLEN indicator) {
+    if (indicator == SQL_NULL_DATA) {
+        return {};
+    }
+    switch (c_type) {
+    case SQL_C_BIT:
+        return *data != 0;
+    case SQL_C_SBIGINT:
+        return Load<std::int64_t>(data);
+    case SQL_C_DOUBLE:
+        return Load<double>(data);
+    case SQL_C_TYPE_TIMESTAMP:
+        return FromOdbc(Load<SQL_TIMESTAMP_STRUCT>(data));
+    case SQL_C_GUID:
+        return Load<Guid>(data);
+    case SQL_C_BINARY:
+        return Bytes{std::string(data, static_cast<std::size_t>(indicator))};
+    default:
+        return std::string(data, static_cast<std::size_t>(indicator));
+    }
+}
+
+ValueBuffer MakeParameterBuffer(const Parameter& parameter) {
+    ValueBuffer buffer;
+    buffer.c_type = BufferType(parameter.type);
+    std::visit(Encode{buffer}, parameter.value);
+    const std::size_t fixed = FixedSize(buffer.c_type);
+    std::size_t room = std::max<std::size_t>(fixed, 1);
+    if (fixed == 0 && parameter.direction != Direction::Input) {
+        room = std::max(parameter.size, kNumberText);
+    }
+    // One byte more than the text, for the NUL that the driver puts behind it.
+    buffer.data.resize(std::max(buffer.data.size(), room) + (fixed == 0 ? 1 : 0));
+    return buffer;
+}
+
+ParameterShape ShapeOf(const Parameter& parameter, const ValueBuffer& buffer) {
+    switch (parameter.type) {
+    case SqlType::Numeric:
+    case SqlType::Decimal:
+        return {parameter.size != 0 ? parameter.size : kMaxPrecision, parameter.decimal_digits};
+    case SqlType::Timestamp:
+        return {23, 3};
+    case SqlType::Guid:
+        return {36, 0};
+    default:
+        break;
+    }
+    const std::size_t size = std::max({parameter.size, buffer.length, std::size_t{1}});
+    return {size, parameter.decimal_digits};
+}
+
+bool Column::IsLong() const {
+    constexpr std::array kLongTypes = {SqlType::LongVarChar, SqlType::WLongVarChar, SqlType::LongVarBinary,
+                                       SqlType::Variant};
+    const bool varies = FixedSize(BufferType(type)) == 0;
+    return std::ranges::find(kLongTypes, type) != kLongTypes.end() ||
+           (varies && (size == 0 || size > kMaxInRow));
+}
+
+} // namespace platform::odbc
