@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "platform/files.h"
+#include "platform/packages.h"
 
 namespace kv {
 namespace {
@@ -67,6 +68,8 @@ Failure FailureInFlight() {
         return failure;
     } catch (const platform::FileError& error) {
         return RunTimeFailure(NumberOf(error.Fault()));
+    } catch (const platform::PackageError& error) {
+        return {error.Number(), error.Source(), error.what()};
     } catch (const std::bad_alloc&) {
         return RunTimeFailure(run_time::kOutOfMemory);
     } catch (const std::exception& error) {

@@ -1,0 +1,25 @@
+// CWaitCursor: the hourglass for as long as the object lives.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/pending_events.h"
+
+namespace kv {
+
+/// Nested objects unwind in their own order, each restoring the pointer that it found.
+class CWaitCursor {
+  public:
+    CWaitCursor() : pointer_(platform::MousePointer()) {
+        platform::SetMousePointer(platform::kHourglassPointer);
+        platform::RunPendingEvents();
+    }
+    CWaitCursor(const CWaitCursor&) = delete;
+    CWaitCursor& operator=(const CWaitCursor&) = delete;
+    ~CWaitCursor() { platform::SetMousePointer(pointer_); }
+
+  private:
+    std::int16_t pointer_;
+};
+
+} // namespace kv

@@ -1,0 +1,76 @@
+// The entry of the program: the one place that knows both faces.
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/command_line.h"
+#include "platform/files.h"
+#include "platform/main_window.h"
+#include "platform/message_box.h"
+#include "platform/terminal.h"
+#include "startup/failure.h"
+#include "startup/main_routine.h"
+#include "unattended/automatic_install.h"
+
+namespace {
+
+class ProgramFaces : public kv::Faces {
+  public:
+    void DoAutomaticUpgrade(const std::string& /*strScriptFolder*/) override {
+        platform::WriteToTerminal(
+            platform::ExecutableName() +
+            ": /upgradedb: the unattended upgrade is not built yet; nothing was done.\n");
+    }
+
+    void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Server,
+                            const std::string& User, const std::string& Password,
+                            const std::string& SQLDataPath, bool InstallDb, bool InstallSp,
+                            bool InstallDts) override {
+        kv::DoAutomaticInstall(ScriptFolder, Server, User, Password, SQLDataPath, InstallDb, InstallSp,
+                               InstallDts);
+    }
+
+    void ShowMainWindow() override {
+        window_ = platform::ShowPlainWindow(platform::ExecutableName(),
+                                            "The console is not built yet. The unattended installation is: "
+                                            "start the program with /help to see its "
+                                            "arguments.");
+    }
+
+    void ShowHelp(const std::string& text) override {
+        platform::ShowMessageBox(text, platform::MessageIcon::None, platform::ExecutableName());
+    }
+
+    /// Returns when the window is closed; at once if there is none.
+    void RunUntilClosed() {
+        if (window_) {
+            window_->RunUntilClosed();
+        }
+    }
+
+  private:
+    std::unique_ptr<platform::PlainWindow> window_;
+};
+
+/// What ends the program when a failure finds no handler: the run time's fatal error box.
+void ShowFatalError() {
+    const kv::Failure failure = kv::TranslateInFlight();
+    platform::ShowMessageBox("Run-time error '" + std::to_string(failure.Number()) + "':\r\n\r\n" +
+                                 failure.Description(),
+                             platform::MessageIcon::Critical, platform::ExecutableName());
+}
+
+} // namespace
+
+// There is no exit code: whatever the outcome, the process ends the same way.
+int main(int argc, char** argv) {
+    try {
+        const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+        ProgramFaces faces;
+        kv::Main(platform::RawCommandLine(arguments, {"scriptfolder", "sqldatapath"}), faces);
+        faces.RunUntilClosed();
+    } catch (...) {
+        ShowFatalError();
+    }
+    return 0;
+}

@@ -1,0 +1,175 @@
+#include "scripts/sql_script_mgr.h"
+
+#include <memory>
+
+#include "platform/files.h"
+#include "platform/packages.h"
+#include "platform/process.h"
+#include "scripts/query_tool.h"
+#include "scripts/script_files.h"
+#include "scripts/token_passes.h"
+#include "startup/error_log.h"
+#include "startup/failure.h"
+#include "startup/text.h"
+
+namespace kv {
+namespace {
+
+constexpr char kClassName[] = "CSQLScriptMgr";
+
+std::string Numbered(const char* operation, std::int32_t number) {
+    return std::string(kClassName) + operation + std::to_string(number) + ")";
+}
+
+std::string Quoted(const std::string& text) {
+    return '"' + text + '"';
+}
+
+/// The path writers cut a trailing "\", which turns the root of a drive into the drive alone.
+std::string WithDriveRootRepair(const std::string& path) {
+    return !path.empty() && path.back() == ':' ? path + '\\' : path;
+}
+
+} // namespace
+
+CSQLScriptMgr::CSQLScriptMgr() {
+    ResetDbErrors(DbErrors_);
+    query_tool_path_ = FindQueryTool();
+}
+
+void CSQLScriptMgr::ScriptFolder(const std::string& value) {
+    script_folder_ = value;
+    if (script_folder_.empty() || script_folder_.back() != '\\') {
+        script_folder_ += '\\';
+    }
+}
+
+bool CSQLScriptMgr::CreateModifiedScript(eSQLScript script, const std::string& strFile) const {
+    const std::string path = TemplatePath(script, script_folder_, strFile);
+    if (!platform::FileExists(path)) {
+        return false;
+    }
+    WriteDataFile(ReplaceFileContent(ReadFileContent(path)), ModifiedScriptName(script, strFile));
+    return true;
+}
+
+std::string CSQLScriptMgr::ReplaceFileContent(std::string_view strFileContent) const {
+    // Server and domain tokens choose the case of their value by their own; the other values keep theirs. The
+    // single paths go in without the drive root repair, those of the pair with it: templates rely on both.
+    return ReplaceTokens(strFileContent,
+                         {
+                             {"###SERVER###", false, UpperCase(SelectedServer())},
+                             {"###server###", false, LowerCase(SelectedServer())},
+                             {"###USERID###", true, SelectedUser()},
+                             {"###PASSWORD###", true, SelectedPassword()},
+                             {"###DATAPATH###", true, SelectedSQLDataPath()},
+                             {"###UNCREPLDATAPATH###", true, SelectedSQLUNCReplDataPath()},
+                             {"###DOMAIN###", false, UpperCase(domain_)},
+                             {"###SERVERA###", false, UpperCase(ServerA())},
+                             {"###SERVERB###", false, UpperCase(ServerB())},
+                             {"###servera###", false, LowerCase(ServerA())},
+                             {"###serverb###", false, LowerCase(ServerB())},
+                             {"###USERIDA###", true, UserA()},
+                             {"###USERIDB###", true, UserB()},
+                             {"###PASSWORDA###", true, PasswordA()},
+                             {"###PASSWORDB###", true, PasswordB()},
+                             {"###DATAPATHA###", true, WithDriveRootRepair(SQLDataPathA())},
+                             {"###DATAPATHB###", true, WithDriveRootRepair(SQLDataPathB())},
+                             {"###UNCREPLDATAPATHA###", true, WithDriveRootRepair(SQLUNCReplDataPathA())},
+                             {"###UNCREPLDATAPATHB###", true, WithDriveRootRepair(SQLUNCReplDataPathB())},
+                         });
+}
+
+bool CSQLScriptMgr::ExecuteSQLScript(eSQLScript script, const std::string& strFile) const {
+    bool result = false;
+    WithFailureHandler(
+        [&] {
+            // The three values stand unquoted: an empty password leaves " -P " directly in front of " -i ".
+            std::string parameters =
+                " -S " + SelectedServer() + " -U " + SelectedUser() + " -P " + SelectedPassword();
+            const std::string folder = DataFolder() + "\\";
+            parameters += " -i " + Quoted(folder + ModifiedScriptName(script, strFile));
+            parameters += " -o " + Quoted(folder + OutputFileName(script, strFile));
+
+            constexpr std::int32_t kNoLimit = -1;
+            constexpr std::int32_t kNormalWindow = 1;
+            constexpr std::int32_t kHighPriority = 128;
+            result = RunProcessAndWait(Quoted(query_tool_path_), parameters, "", kNoLimit, kNormalWindow,
+                                       kHighPriority);
+        },
+        [&](const Failure&) { WriteErrorLog(Numbered("::ExecuteSQLScript(", script)); });
+    return result;
+}
+
+bool CSQLScriptMgr::RunProcessAndWait(const std::string& program, const std::string& parameters,
+                                      const std::string& working_folder, std::int32_t wait_milliseconds,
+                                      std::int32_t /*show_state*/, std::int32_t /*priority*/) const {
+    // Show state and priority reach no field of the record: the tool's console window stays hidden.
+    platform::ShellExecuteInfo info;
+    info.mask = platform::kNoCloseProcess;
+    info.verb = "open";
+    info.file = program;
+    info.parameters = parameters;
+    info.directory = working_folder;
+    std::unique_ptr<platform::Process> process;
+    if (!platform::ShellExecuteProgram(info, process)) {
+        return false;
+    }
+    if (process) {
+        process->Wait(static_cast<std::uint32_t>(wait_milliseconds));
+    }
+    return true;
+}
+
+bool CSQLScriptMgr::DTSPackageExist(eDTSPackage package) const {
+    return platform::FileExists(script_folder_ + PackageFileName(package));
+}
+
+bool CSQLScriptMgr::InstallDTSPackage(eDTSPackage package) const {
+    bool result = false;
+    WithFailureHandler(
+        [&] {
+            const std::string& server = SelectedServer();
+            const std::string& user = SelectedUser();
+            const std::string& password = SelectedPassword();
+            if (script_folder_.empty() || !platform::FolderHoldsFile(script_folder_)) {
+                RaiseFailure(kProgramFailure, kClassName, "No valid script folder was specified!");
+            }
+            const std::unique_ptr<platform::DtsPackage> object = platform::CreateDtsPackage();
+            if (!object) {
+                RaiseFailure(kProgramFailure, kClassName,
+                             "Installing SQL DTS package failed! Can not create DTS.Package object.");
+            }
+            // A package that is not there to be removed is no failure, and no other failure of this call is
+            // noticed.
+            WithFailureHandler(
+                [&] { object->RemoveFromSQLServer(server, user, password, PackageName(package)); },
+                [](const Failure&) {});
+            object->LoadFromStorageFile(script_folder_ + PackageFileName(package), "");
+            object->SaveToSQLServer(server, user, password);
+            result = true;
+        },
+        [&](const Failure&) { WriteErrorLog(Numbered("::InstallDTSPackage(", package)); });
+    return result;
+}
+
+bool CSQLScriptMgr::GetInstalledDTSPackages(std::vector<DTSPackageInfo>& arrPackages) const {
+    bool result = false;
+    WithFailureHandler(
+        [&] {
+            arrPackages.assign(1, {});
+            const std::unique_ptr<platform::DtsApplication> object = platform::CreateDtsApplication();
+            if (!object) {
+                RaiseRunTimeFailure(run_time::kCannotCreateObject);
+            }
+            object->EnumPackageInfos(
+                SelectedServer(), SelectedUser(), SelectedPassword(), [&](const platform::PackageInfo& info) {
+                    arrPackages.push_back({info.name, info.description, info.creation_date});
+                });
+            result = true;
+        },
+        [](const Failure&) { WriteErrorLog(std::string(kClassName) + "::GetInstalledDTSPackages()"); });
+    return result;
+}
+
+} // namespace kv
