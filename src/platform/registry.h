@@ -44,13 +44,6 @@ struct OpenedKey {
     RegistryHandle key = 0; ///< only if error is 0
 };
 
-struct QueriedValue {
-    std::int32_t error = registry_error::kSuccess;
-    /// What lies in the buffer if error is 0: the stored bytes, the NUL at a text's end included. Text is in
-    /// the 8-bit code page; a text that is stored without a NUL gets one where the buffer has room for it.
-    std::string bytes;
-};
-
 /// Opens an existing key; 2 if there is none.
 OpenedKey OpenKey(RegistryHandle root, const std::string& subkey, std::uint32_t access);
 
@@ -58,9 +51,11 @@ OpenedKey OpenKey(RegistryHandle root, const std::string& subkey, std::uint32_t 
 OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::string& key_class,
                     std::uint32_t access);
 
-/// The bytes of a value of any type; the empty name is the key's default value. 2 if there is no such value,
-/// 234 if it has more bytes than `buffer_size`.
-QueriedValue QueryValue(RegistryHandle key, const std::string& name, std::size_t buffer_size);
+/// Copies the bytes of a value of any type to the beginning of `buffer` and leaves the rest of it as it is;
+/// the empty name is the key's default value. Text comes in the 8-bit code page, with its NUL; one that is
+/// stored without a NUL gets one where the buffer has room. 2 if there is no such value, 234 if it does not
+/// fit.
+std::int32_t QueryValue(RegistryHandle key, const std::string& name, std::string& buffer);
 
 /// Stores the bytes of `data`, no NUL counted, and gives an error number, 0 for success.
 std::int32_t SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,

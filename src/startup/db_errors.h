@@ -53,7 +53,7 @@ void CollectDbErrors(DbErrors& arrErrors, const ado::Errors& errors);
 std::string FormatDbErrors(const DbErrors& arrErrors);
 
 /// The head of every manager class: its errors and the members that present them. A manager derives from it
-/// and fills DbErrors_ with the routines above.
+/// and fills db_errors_ with the routines above.
 class ManagerErrors {
   public:
     /// One message box with all errors, none if there are none. A second call shows the same again.
@@ -67,7 +67,7 @@ class ManagerErrors {
   protected:
     ~ManagerErrors() = default;
 
-    DbErrors DbErrors_;
+    DbErrors db_errors_;
 };
 
 } // namespace kv

@@ -3,7 +3,15 @@
 
 #include <string>
 
+#include "platform/clock.h"
+#include "startup/failure.h"
+
 namespace kv {
+
+/// The line without its line end: the long form if there is an error, which the ordinary way through
+/// WriteErrorLog never has.
+std::string ErrorLogLine(const platform::LocalTime& time, const std::string& strSource,
+                         const ErrorState& error);
 
 /// Appends one line that begins with the local date and time, " : Error in " and `strSource`, to the
 /// program's log. The log folder is the default value of the log key (registry_locations.h); reading it
