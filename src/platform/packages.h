@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/clock.h"
 
@@ -16,9 +17,11 @@ namespace platform {
 /// A call on one of the two objects failed: what COM or the server reported.
 class PackageError : public std::exception {
   public:
-    PackageError(std::int32_t number, std::string source, std::string description);
+    PackageError(std::int32_t number, std::string source, std::string description)
+        : number_(number), source_(std::move(source)), description_(std::move(description)) {}
 
-    /// The HRESULT on Windows; on Linux the number that ADO over ODBC gives for the SQLSTATE.
+    /// The HRESULT on Windows. On Linux the number that ADO over ODBC gives for the SQLSTATE; for a package
+    /// file the HRESULT that Windows has for the same fault of a storage file.
     std::int32_t Number() const { return number_; }
     const std::string& Source() const { return source_; }
     const char* what() const noexcept override { return description_.c_str(); }
