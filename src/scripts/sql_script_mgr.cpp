@@ -33,7 +33,7 @@ std::string WithDriveRootRepair(const std::string& path) {
 } // namespace
 
 CSQLScriptMgr::CSQLScriptMgr() {
-    ResetDbErrors(DbErrors_);
+    ResetDbErrors(db_errors_);
     query_tool_path_ = FindQueryTool();
 }
 

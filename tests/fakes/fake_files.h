@@ -1,0 +1,52 @@
+// The file services in memory, for tests that link this in the place of the system's. Fails on demand.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/files.h"
+
+namespace fakes {
+
+/// Paths are kept with "/" and without a separator at their end; both separators are taken.
+class FakeFiles {
+  public:
+    /// An empty file system with the program's own folder and the folders above it.
+    FakeFiles();
+    FakeFiles(const FakeFiles&) = delete;
+    FakeFiles& operator=(const FakeFiles&) = delete;
+    ~FakeFiles();
+
+    /// The one that the services work on. Fails the test's program if there is none.
+    static FakeFiles& Current();
+
+    void AddFolder(const std::string& path);
+    void AddFile(const std::string& path, const std::string& content);
+    bool HasFolder(const std::string& path) const;
+    bool HasFile(const std::string& path) const;
+    const std::string& Content(const std::string& path) const;
+
+    /// The next call of the operation ("read", "write", "append", "delete", "copy", "create folder") on the
+    /// path fails.
+    void FailNext(const std::string& operation, const std::string& path, platform::FileFault fault);
+
+    /// Every changing call as "operation path", in order.
+    const std::vector<std::string>& Log() const { return log_; }
+
+    static std::string Plain(std::string path);
+    void Check(const std::string& operation, const std::string& path);
+    void Record(const std::string& operation, const std::string& path);
+
+    std::string executable_folder = R"(C:\Lotkeeper\Server)";
+    std::string executable_name = "KVLSQLDbMgr";
+    std::map<std::string, std::string> files;
+    std::set<std::string> folders;
+
+  private:
+    std::map<std::pair<std::string, std::string>, platform::FileFault> failures_;
+    std::vector<std::string> log_;
+};
+
+} // namespace fakes

@@ -1,0 +1,30 @@
+// The screen without one: message boxes, the status window, pending events and the mouse pointer, recorded in
+// the order of the calls. For tests that link this in the place of the system's services.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace fakes {
+
+class FakeScreen {
+  public:
+    FakeScreen();
+    FakeScreen(const FakeScreen&) = delete;
+    FakeScreen& operator=(const FakeScreen&) = delete;
+    ~FakeScreen();
+    static FakeScreen& Current();
+
+    /// One line a call: "box [icon] title: text", "window made CAPTION", "label TEXT", "bar MIN MAX VALUE",
+    /// "show", "window gone", "events", "pointer N".
+    std::vector<std::string> calls;
+    std::int16_t pointer = 0;
+
+    /// How many of the calls begin so.
+    int Count(const std::string& beginning) const;
+    /// The calls that begin so, without that beginning.
+    std::vector<std::string> Behind(const std::string& beginning) const;
+};
+
+} // namespace fakes
