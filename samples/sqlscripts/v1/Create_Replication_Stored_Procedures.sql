@@ -93,9 +93,13 @@ AS
 	IF @intResult <> 0
 		RETURN 1
 
-	EXEC @intResult = sp_dropsubscription @publication = @strPublication, @article = N'all', @subscriber = N'all'
-	IF @intResult = 0
-		EXEC @intResult = sp_droppublication @publication = @strPublication
+	/* An installation that failed half way may have published the database without a publication. */
+	IF EXISTS (SELECT * FROM dbo.syspublications WHERE name = @strPublication)
+	BEGIN
+		EXEC @intResult = sp_dropsubscription @publication = @strPublication, @article = N'all', @subscriber = N'all'
+		IF @intResult = 0
+			EXEC @intResult = sp_droppublication @publication = @strPublication
+	END
 	IF @intResult = 0
 		EXEC @intResult = sp_replicationdboption @dbname = @strDb, @optname = N'publish', @value = N'false'
 	IF @intResult <> 0
