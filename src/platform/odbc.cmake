@@ -8,3 +8,6 @@ if(WIN32)
 else()
     target_link_libraries(kv_odbc INTERFACE kv_odbc_calls odbc)
 endif()
+
+# The query tool's keyboard.
+kv_library(kv_console_input SOURCES ${KV_SYSTEM}/console_input.cpp)

@@ -1,0 +1,66 @@
+// OSQL.EXE: puts the tool together with the real server, files and terminal.
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/console_input.h"
+#include "platform/files.h"
+#include "querytool/odbc_server.h"
+#include "querytool/tool.h"
+
+namespace {
+
+using namespace querytool;
+
+std::unique_ptr<Output> OpenOutput(const Switches& switches) {
+    if (switches.output_file.empty()) {
+        return std::make_unique<StandardOutput>();
+    }
+    return std::make_unique<FileOutput>(switches.output_file);
+}
+
+/// The password that the switches do not give.
+std::string FindPassword() {
+    if (const char* const password = std::getenv("OSQLPASSWORD")) {
+        return password;
+    }
+    return platform::InputIsTerminal() ? platform::AskPassword("Password: ") : std::string();
+}
+
+int Run(const ParsedLine& line, Output& output) {
+    const Switches& switches = line.switches;
+    if (line.error) {
+        output.Write(*line.error + "\n");
+        return kFailed;
+    }
+    if (!switches.user) {
+        output.Write("No login: trusted connections are not supported; use -U and -P.\n");
+        return kFailed;
+    }
+    OdbcServer server;
+    StreamLines standard_input(std::cin);
+    const std::string password = switches.password ? *switches.password : FindPassword();
+    return RunTool(switches, password, server, standard_input, output);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        const ParsedLine line = ParseSwitches(std::vector<std::string>(argv + 1, argv + argc));
+        if (line.switches.help) {
+            std::cout << HelpText();
+            return kSuccess;
+        }
+        const std::unique_ptr<Output> output = OpenOutput(line.switches);
+        const int exit_code = Run(line, *output);
+        output->Flush();
+        return exit_code;
+    } catch (const std::exception& error) {
+        std::cerr << "OSQL: " << error.what() << "\n";
+        return kFailed;
+    }
+}

@@ -1,0 +1,119 @@
+#include "querytool/odbc_server.h"
+
+#include <string_view>
+#include <utility>
+
+#include "platform/odbc_rows.h"
+
+namespace querytool {
+namespace {
+
+using platform::odbc::OdbcError;
+using platform::odbc::RowReader;
+using platform::odbc::Statement;
+
+std::string Quoted(std::string_view value) {
+    const bool plain = value.find_first_of("[]{}(),;?*=!@ ") == std::string_view::npos;
+    if (plain) {
+        return std::string(value);
+    }
+    std::string quoted = "{";
+    for (const char c : value) {
+        quoted += c;
+        if (c == '}') {
+            quoted += c;
+        }
+    }
+    return quoted + "}";
+}
+
+void Tell(const std::vector<Diagnostic>& diagnostics, ResultSink& sink) {
+    for (const Diagnostic& diagnostic : diagnostics) {
+        sink.Message(diagnostic);
+    }
+}
+
+} // namespace
+
+std::string ConnectionString(const LoginSettings& settings) {
+    // A comma parts the server's name from its port, so that value stands as it is.
+    std::string text = "Driver={SQL Server};Server=" + settings.server + ";Uid=" + Quoted(settings.user) +
+                       ";Pwd=" + Quoted(settings.password) + ";App=OSQL;";
+    if (!settings.database.empty()) {
+        text += "Database=" + Quoted(settings.database) + ";";
+    }
+    if (!settings.workstation.empty()) {
+        text += "WSID=" + Quoted(settings.workstation) + ";";
+    }
+    return text;
+}
+
+bool OdbcServer::Connect(const LoginSettings& settings, ResultSink& sink) {
+    query_timeout_ = settings.query_timeout;
+    try {
+        environment_.emplace();
+        connection_.emplace(*environment_);
+        if (settings.packet_size != 0) {
+            connection_->SetPacketSize(settings.packet_size);
+        }
+        connection_->DriverConnect(ConnectionString(settings), settings.login_timeout);
+    } catch (const OdbcError& error) {
+        Tell(error.Diagnostics(), sink);
+        return false;
+    }
+    Tell(connection_->TakeMessages(), sink);
+    return true;
+}
+
+void OdbcServer::TakeResult(Statement& statement, ResultSink& sink) {
+    Tell(statement.TakeMessages(), sink);
+    if (statement.ColumnCount() != 0) {
+        RowReader rows(statement);
+        sink.ResultBegin(rows.Columns());
+        std::vector<Value> row;
+        while (rows.Next(row)) {
+            sink.Row(row);
+        }
+    }
+    sink.ResultEnd(statement.RowCount());
+    Tell(statement.TakeMessages(), sink);
+}
+
+/// Takes a step of a batch; what fails goes to the sink. False: the connection is lost.
+template <class Step>
+bool OdbcServer::Try(ResultSink& sink, Step&& step) {
+    try {
+        std::forward<Step>(step)();
+        return true;
+    } catch (const OdbcError& error) {
+        Tell(error.Diagnostics(), sink);
+        return !error.ConnectionLost() && !connection_->Dead();
+    }
+}
+
+bool OdbcServer::Run(const std::string& batch, ResultSink& sink) {
+    bool alive = true;
+    const bool started = Try(sink, [&] {
+        Statement statement(*connection_);
+        if (query_timeout_ != 0) {
+            statement.SetQueryTimeout(query_timeout_);
+        }
+        alive = Try(sink, [&] {
+            statement.ExecDirect(batch);
+            TakeResult(statement, sink);
+        });
+        bool more = true;
+        while (alive && more) {
+            alive = Try(sink, [&] {
+                more = statement.MoreResults();
+                if (more) {
+                    TakeResult(statement, sink);
+                }
+            });
+            Tell(statement.TakeMessages(), sink);
+        }
+    });
+    return started && alive;
+}
+
+} // namespace querytool

@@ -1,0 +1,29 @@
+// The server behind ODBC.
+#pragma once
+
+#include <optional>
+
+#include "platform/odbc.h"
+#include "querytool/server.h"
+
+namespace querytool {
+
+/// The string that connects to the server; values that would break it stand between braces.
+std::string ConnectionString(const LoginSettings& settings);
+
+class OdbcServer : public Server {
+  public:
+    bool Connect(const LoginSettings& settings, ResultSink& sink) override;
+    bool Run(const std::string& batch, ResultSink& sink) override;
+
+  private:
+    void TakeResult(platform::odbc::Statement& statement, ResultSink& sink);
+    template <class Step>
+    bool Try(ResultSink& sink, Step&& step);
+
+    std::optional<platform::odbc::Environment> environment_;
+    std::optional<platform::odbc::Connection> connection_;
+    unsigned query_timeout_ = 0;
+};
+
+} // namespace querytool

@@ -1,0 +1,55 @@
+#include "querytool/output.h"
+
+#include <iostream>
+
+#include "platform/files.h"
+
+namespace querytool {
+namespace {
+
+/// What may wait before it is appended to the file.
+constexpr std::size_t kPendingBytes = 256 * 1024;
+
+} // namespace
+
+void StandardOutput::Write(std::string_view text) {
+    std::cout << text;
+}
+
+void StandardOutput::WriteError(std::string_view text) {
+    std::cout.flush();
+    std::cerr << text;
+}
+
+void StandardOutput::Flush() {
+    std::cout.flush();
+}
+
+FileOutput::FileOutput(std::string path) : path_(std::move(path)) {
+    platform::WriteWholeFile(path_, {});
+}
+
+void FileOutput::Write(std::string_view text) {
+    for (const char c : text) {
+        if (c == '\n') {
+            pending_ += '\r';
+        }
+        pending_ += c;
+    }
+    if (pending_.size() >= kPendingBytes) {
+        Flush();
+    }
+}
+
+void FileOutput::WriteError(std::string_view text) {
+    std::cerr << text;
+}
+
+void FileOutput::Flush() {
+    if (!pending_.empty()) {
+        platform::AppendToFile(path_, pending_);
+        pending_.clear();
+    }
+}
+
+} // namespace querytool

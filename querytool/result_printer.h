@@ -1,0 +1,51 @@
+// How results and messages look on paper. Knows neither servers nor files.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "querytool/output.h"
+#include "querytool/server.h"
+#include "querytool/switches.h"
+
+namespace querytool {
+
+/// The text of a value as it stands in the column; "NULL" for NULL.
+std::string CellText(const Column& column, const Value& value);
+
+/// Prints what a batch gives, and remembers what the exit code depends on.
+class ResultPrinter : public ResultSink {
+  public:
+    /// Both must outlive the printer.
+    ResultPrinter(const Switches& switches, Output& output) : switches_(switches), output_(output) {}
+
+    void ResultBegin(const std::vector<Column>& columns) override;
+    void Row(const std::vector<Value>& values) override;
+    void ResultEnd(std::int64_t rows) override;
+    void Message(const Diagnostic& diagnostic) override;
+
+    /// True if an error has come since the last call of ForgetErrors.
+    bool ErrorSeen() const { return error_seen_; }
+    void ForgetErrors() { error_seen_ = false; }
+    /// The first value of the last result, as text; empty if there was none.
+    const std::string& FirstValue() const { return first_value_; }
+
+  private:
+    struct Field {
+        std::size_t width = 0;
+        bool right = false; ///< numbers stand at the right
+    };
+
+    void WriteHeading();
+    void WriteCells(const std::vector<std::string>& cells);
+
+    const Switches& switches_;
+    Output& output_;
+    std::vector<Column> columns_;
+    std::vector<Field> fields_;
+    std::int64_t rows_ = 0;
+    std::string first_value_;
+    bool error_seen_ = false;
+};
+
+} // namespace querytool

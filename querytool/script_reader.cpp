@@ -1,0 +1,130 @@
+#include "querytool/script_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+namespace querytool {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+std::string_view Trim(std::string_view text) {
+    const std::size_t begin = text.find_first_not_of(kBlanks);
+    if (begin == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
+
+char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool SameWord(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, Lower, Lower);
+}
+
+bool BeginsWithWord(std::string_view text, std::string_view word) {
+    return text.size() >= word.size() && SameWord(text.substr(0, word.size()), word);
+}
+
+struct WordRow {
+    std::string_view word;
+    LineKind kind;
+};
+
+/// Commands that are a line of their own.
+constexpr std::array kWords = {
+    WordRow{"RESET", LineKind::Reset},
+    WordRow{"QUIT", LineKind::Quit},
+    WordRow{"EXIT", LineKind::Quit},
+    WordRow{"ED", LineKind::Refused},
+};
+
+/// Commands with something behind them that are not supported.
+constexpr std::array<std::string_view, 2> kRefusedPrefixes = {":r", "!!"};
+
+/// GO, or GO and a number.
+std::optional<LineMeaning> AsTerminator(std::string_view line, std::string_view terminator) {
+    if (!BeginsWithWord(line, terminator)) {
+        return std::nullopt;
+    }
+    const std::string_view rest = line.substr(terminator.size());
+    if (rest.empty()) {
+        return LineMeaning{LineKind::Run, 1, {}};
+    }
+    const std::string_view number = Trim(rest);
+    LineMeaning meaning{LineKind::Run, 1, {}};
+    const char* const end = number.data() + number.size();
+    const auto [stop, error] = std::from_chars(number.data(), end, meaning.count);
+    const bool parted = kBlanks.find(rest.front()) != std::string_view::npos;
+    return parted && error == std::errc() && stop == end ? std::optional(meaning) : std::nullopt;
+}
+
+/// EXIT(query), with or without a query.
+std::optional<LineMeaning> AsExitRun(std::string_view line) {
+    constexpr std::string_view kExit = "EXIT";
+    if (!BeginsWithWord(line, kExit)) {
+        return std::nullopt;
+    }
+    const std::string_view rest = Trim(line.substr(kExit.size()));
+    if (rest.size() < 2 || rest.front() != '(' || rest.back() != ')') {
+        return std::nullopt;
+    }
+    return LineMeaning{LineKind::ExitRun, 1, Trim(rest.substr(1, rest.size() - 2))};
+}
+
+} // namespace
+
+std::optional<std::string_view> TextLines::Next() {
+    if (at_ >= text_.size()) {
+        return std::nullopt;
+    }
+    const std::string_view rest = std::string_view(text_).substr(at_);
+    const std::size_t end = rest.find_first_of("\r\n");
+    if (end == std::string_view::npos) {
+        at_ = text_.size();
+        return rest;
+    }
+    const bool carriage_return = rest[end] == '\r';
+    const bool both = carriage_return && end + 1 < rest.size() && rest[end + 1] == '\n';
+    const std::size_t length = end + (both ? 2 : 1);
+    at_ += length;
+    if (carriage_return && !both) {
+        mended_.assign(rest.substr(0, length)).push_back('\n');
+        return mended_;
+    }
+    return rest.substr(0, length);
+}
+
+std::optional<std::string_view> StreamLines::Next() {
+    if (!std::getline(stream_, line_)) {
+        return std::nullopt;
+    }
+    line_.push_back('\n');
+    return line_;
+}
+
+LineMeaning MeaningOf(std::string_view line, std::string_view terminator) {
+    const std::string_view text = Trim(line);
+    if (const auto run = AsTerminator(text, terminator)) {
+        return *run;
+    }
+    if (const auto exit = AsExitRun(text)) {
+        return *exit;
+    }
+    for (const WordRow& row : kWords) {
+        if (SameWord(text, row.word)) {
+            return {row.kind, 1, row.word};
+        }
+    }
+    for (const std::string_view prefix : kRefusedPrefixes) {
+        if (BeginsWithWord(text, prefix)) {
+            return {LineKind::Refused, 1, prefix};
+        }
+    }
+    return {};
+}
+
+} // namespace querytool
