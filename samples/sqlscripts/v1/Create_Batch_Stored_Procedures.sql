@@ -731,7 +731,7 @@ DECLARE curGrant CURSOR LOCAL STATIC FOR
 	SELECT	name
 	FROM	dbo.sysobjects
 	WHERE	xtype = 'P' AND name LIKE N'sp%' AND name NOT LIKE N'sp%Replication' AND name NOT LIKE N'spStd%'
-		AND name NOT IN (N'spUpgradeDatabase', N'spReplicationPair')
+		AND name NOT IN (N'spUpgradeDatabase', N'spReplicationPair', N'spTableCounts')
 OPEN curGrant
 FETCH NEXT FROM curGrant INTO @strProcedure
 WHILE @@FETCH_STATUS = 0

@@ -145,7 +145,7 @@ END
 GO
 
 INSERT INTO dbo.Events (Severity, Category, Message)
-	SELECT	0, 'INSTALL', N'Default data of version ' + k.Value + N' inserted on ' + @@SERVERNAME
+	SELECT	0, 'INSTALL', N'Default data of version ' + k.Value + N' inserted on ' + ISNULL(@@SERVERNAME, N'###SERVER###')
 	FROM	dbo.LKConfig k
 	WHERE	k.ParameterName = N'DatabaseVersion'
 		AND NOT EXISTS (SELECT * FROM dbo.Events WHERE Category = 'INSTALL')
