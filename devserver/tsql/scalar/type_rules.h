@@ -47,7 +47,17 @@ inline constexpr Type kUntypedNull{TypeId::Int, -2, 0, 0};
 inline bool IsUntypedNull(const Type& type) {
     return type == kUntypedNull;
 }
-/// `type`, or plain int for the untyped NULL; before a type leaves the expression (columns, SELECT INTO).
+
+/// The type of an integer literal: an int that carries the count of its digits in `precision`, because next
+/// to a decimal a literal counts as numeric(digits, 0) and not as numeric(10, 0): 1.0 / 3 has six digits, not
+/// twelve.
+constexpr Type IntLiteralType(int digits) {
+    return Type{TypeId::Int, 0, static_cast<std::uint8_t>(digits), 0};
+}
+
+/// `type` without what only the two types above carry. Every type that leaves an expression (columns, SELECT
+/// INTO, parameters) goes through it; OperatorType and CommonType give settled types, unless all that
+/// CommonType was given is the untyped NULL.
 Type Settled(const Type& type);
 
 /// The literal's or declared length fitted to its kind: more than 8000 bytes or 4000 characters become (max).
@@ -82,12 +92,19 @@ std::string FullTypeName(const Type& type);
 /// caller's, since it is a user type.
 std::optional<TypeId> FindTypeId(std::string_view name);
 
+/// What a declaration is for, as its errors name it.
+struct DeclarationPlace {
+    std::string_view kind = "type"; ///< "column", "parameter", "convert specification"
+    std::string_view name;          ///< of the column or parameter; empty: the type's own
+    int ordinal = 1;                ///< of the column or parameter, from 1
+};
+
 /// The type of a declaration. `first` and `second` are what stands in the parentheses; `max` for (max);
 /// `default_length` what char types and binary have without length: 1 in declarations, 30 in CAST and
-/// CONVERT. Raises 1001, 2716, 2717, 2750, 2751, 131, 192 as CREATE TABLE and DECLARE do. `name` is the name
-/// for messages.
+/// CONVERT. float(1) to float(24) is real. Raises 102, 131, 192, 1001, 2716, 2717, 2750 as CREATE TABLE and
+/// DECLARE do.
 Type DeclaredType(TypeId id, std::optional<std::int64_t> first, std::optional<std::int64_t> second, bool max,
-                  std::int32_t default_length, std::string_view name);
+                  std::int32_t default_length, const DeclarationPlace& place = {});
 
 /// Bytes that a value of the type takes at most, as syscolumns.length, COL_LENGTH; -1 for (max), 16 for text,
 /// ntext and image, 5 to 17 for decimals.

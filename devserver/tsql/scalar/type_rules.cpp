@@ -1,0 +1,200 @@
+// Kinds of types, the matrix of conversions and the type that several values have in common.
+#include "devserver/tsql/scalar/type_rules.h"
+
+#include <algorithm>
+#include <array>
+
+#include "devserver/tsql/scalar/sql_error.h"
+
+namespace devsql {
+
+namespace {
+
+using enum TypeId;
+
+// What converts to what: a row for each kind of source, a column for each kind of target.
+enum Kind : std::uint8_t {
+    kBinary,
+    kChar,
+    kNChar,
+    kDate,
+    kDecimal,
+    kFloat,
+    kInteger,
+    kMoney,
+    kBit,
+    kTimestamp,
+    kGuid,
+    kImage,
+    kNText,
+    kText,
+};
+
+Kind KindOf(TypeId id) {
+    // In the order of TypeId.
+    constexpr std::array kinds = {kBit,     kInteger, kInteger, kInteger, kInteger, kDecimal,
+                                  kDecimal, kMoney,   kMoney,   kFloat,   kFloat,   kDate,
+                                  kDate,    kChar,    kChar,    kNChar,   kNChar,   kText,
+                                  kNText,   kBinary,  kBinary,  kImage,   kGuid,    kTimestamp};
+    return kinds.at(static_cast<std::size_t>(id));
+}
+
+// i: implicitly, e: by CAST and CONVERT alone, -: never.
+// Columns: binary char nchar date decimal float integer money bit timestamp guid image ntext text.
+constexpr std::array<std::string_view, 14> kConversions = {
+    "iiiii-iiiiii--", // binary
+    "eiiiiiiiieiiii", // char
+    "eiiiiiiii-i-ii", // nchar
+    "eiiieeeeee----", // date
+    "iiiiiiiiii----", // decimal
+    "iiiiiiiii-----", // float
+    "iiiiiiiiii----", // integer
+    "iiiiiiiiii----", // money
+    "iiiiiiiiii----", // bit
+    "ii-ii-iiii-i--", // timestamp
+    "iii-------i---", // uniqueidentifier
+    "i--------i-i--", // image
+    "-ii---------ii", // ntext
+    "-ii---------ii", // text
+};
+
+/// The longer of two lengths of char or binary types; (max) is the longest.
+std::int32_t Longer(std::int32_t a, std::int32_t b) {
+    return a == kMaxLength || b == kMaxLength ? kMaxLength : std::max(a, b);
+}
+
+Type CommonDecimal(const Type& a, const Type& b) {
+    const Type x = AsDecimalType(a);
+    const Type y = AsDecimalType(b);
+    const int scale = std::max(x.scale, y.scale);
+    const int whole = std::max(x.precision - x.scale, y.precision - y.scale);
+    // Whole digits come first: a value too large is an error, a value too fine only loses digits.
+    return DecimalType(std::min(38, whole + scale), std::min(scale, 38 - whole),
+                       a.id == Numeric || b.id == Numeric ? Numeric : TypeId::Decimal);
+}
+
+} // namespace
+
+bool IsInteger(TypeId id) {
+    return id == TinyInt || id == SmallInt || id == Int || id == BigInt;
+}
+
+bool IsDecimal(TypeId id) {
+    return id == TypeId::Decimal || id == Numeric;
+}
+
+bool IsMoney(TypeId id) {
+    return id == Money || id == SmallMoney;
+}
+
+bool IsApproximate(TypeId id) {
+    return id == Real || id == Float;
+}
+
+bool IsNumber(TypeId id) {
+    return id == Bit || IsInteger(id) || IsDecimal(id) || IsMoney(id) || IsApproximate(id);
+}
+
+bool IsDateTime(TypeId id) {
+    return id == TypeId::DateTime || id == SmallDateTime;
+}
+
+bool IsCharacter(TypeId id) {
+    return id == Char || id == VarChar || id == Text || IsUnicode(id);
+}
+
+bool IsUnicode(TypeId id) {
+    return id == NChar || id == NVarChar || id == NText;
+}
+
+bool IsBinary(TypeId id) {
+    return id == Binary || id == VarBinary || id == Image || id == Timestamp;
+}
+
+bool IsFixedLength(TypeId id) {
+    return id == Char || id == NChar || id == Binary;
+}
+
+bool IsOldLob(TypeId id) {
+    return id == Text || id == NText || id == Image;
+}
+
+bool HasLength(TypeId id) {
+    return IsFixedLength(id) || id == VarChar || id == NVarChar || id == VarBinary;
+}
+
+Type Settled(const Type& type) {
+    return type.id == Int ? Simple(Int) : type;
+}
+
+Allowed ConversionAllowed(TypeId from, TypeId to) {
+    switch (kConversions.at(KindOf(from)).at(KindOf(to))) {
+    case 'i':
+        return Allowed::Implicit;
+    case 'e':
+        return Allowed::Explicit;
+    default:
+        return Allowed::Never;
+    }
+}
+
+void RequireImplicit(TypeId from, TypeId to) {
+    const Allowed allowed = ConversionAllowed(from, to);
+    if (allowed != Allowed::Implicit) {
+        Raise(allowed == Allowed::Never ? 206 : 257, {TypeName(from), TypeName(to)});
+    }
+}
+
+int Precedence(TypeId id) {
+    // From the weakest to the strongest. decimal and numeric are one type under two names.
+    constexpr std::array order = {
+        Binary,           VarBinary, Char,  VarChar,       NChar,           NVarChar,
+        UniqueIdentifier, Timestamp, Image, Text,          NText,           Bit,
+        TinyInt,          SmallInt,  Int,   BigInt,        SmallMoney,      Money,
+        Numeric,          Real,      Float, SmallDateTime, TypeId::DateTime};
+    const TypeId one = id == TypeId::Decimal ? Numeric : id;
+    return static_cast<int>(std::find(order.begin(), order.end(), one) - order.begin());
+}
+
+Type CommonType(const Type& a, const Type& b) {
+    if (IsUntypedNull(a) || IsUntypedNull(b)) {
+        const Type& other = IsUntypedNull(a) ? b : a;
+        return IsUntypedNull(other) ? other : Settled(other);
+    }
+    const Type& strong = Precedence(b.id) > Precedence(a.id) ? b : a;
+    const Type& weak = &strong == &a ? b : a;
+    if (strong.id != weak.id) {
+        RequireImplicit(weak.id, strong.id);
+    }
+    const bool exact = IsNumber(weak.id) && !IsApproximate(weak.id);
+    if (IsDecimal(strong.id) && exact) {
+        return CommonDecimal(a, b);
+    }
+    const bool both_text = IsCharacter(a.id) && IsCharacter(b.id);
+    const bool both_binary = IsBinary(a.id) && IsBinary(b.id);
+    if (!HasLength(strong.id) || !(both_text || both_binary)) {
+        return Settled(strong);
+    }
+    // nchar meets varchar: of Unicode because of the one, of varying length because of the other.
+    const bool varying = !IsFixedLength(a.id) || !IsFixedLength(b.id);
+    const TypeId id = strong.id == NChar && varying ? NVarChar : strong.id;
+    const std::int32_t length = Longer(a.length, b.length);
+    return length == kMaxLength ? Sized(id, kMaxLength) : FittedLength(id, length);
+}
+
+Type CommonType(std::span<const Type> types) {
+    Type common = kUntypedNull;
+    for (const Type& type : types) {
+        common = CommonType(common, type);
+    }
+    return common;
+}
+
+void RequireComparable(const Type& left, const Type& right, std::string_view op) {
+    if (IsOldLob(left.id) || IsOldLob(right.id)) {
+        Raise(402, {TypeName(left.id), TypeName(right.id), op});
+    }
+    CommonType(left, right);
+}
+
+} // namespace devsql
