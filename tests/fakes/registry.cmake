@@ -1,0 +1,2 @@
+kv_fake(fake_registry fake_registry.cpp)
+kv_fake(fake_clock fake_clock.cpp)
