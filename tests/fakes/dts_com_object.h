@@ -1,0 +1,87 @@
+// The base of the stand-in's objects: IDispatch over a table of member names, each call recorded. Knows
+// nothing of packages.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "fakes/dts_com_record.h"
+
+namespace fakes {
+
+/// How many objects are alive: while there are any, the DLL must stay.
+long LiveObjects();
+
+/// Counts references; the first is its maker's. It owns itself until the last one is released.
+class CountedObject {
+  public:
+    CountedObject();
+    CountedObject(const CountedObject&) = delete;
+    CountedObject& operator=(const CountedObject&) = delete;
+    virtual ~CountedObject();
+
+    ULONG AddReference() { return ++references_; }
+    ULONG ReleaseReference();
+
+    /// A new object with one reference, the caller's.
+    template <class Object, class... Arguments>
+    static Object* Make(Arguments&&... arguments) {
+        const auto object = std::make_shared<Object>(std::forward<Arguments>(arguments)...);
+        object->self_ = object;
+        return object.get();
+    }
+
+  private:
+    ULONG references_ = 1;
+    std::shared_ptr<CountedObject> self_;
+};
+
+/// The arguments of a call in reading order.
+class ReceivedArguments {
+  public:
+    explicit ReceivedArguments(const DISPPARAMS& parameters) : parameters_(parameters) {}
+
+    std::size_t Count() const { return parameters_.cArgs; }
+    /// Throws PackageError where the argument is no string.
+    std::string Text(std::size_t index) const;
+
+  private:
+    const DISPPARAMS& parameters_;
+};
+
+class RecordedObject : public IDispatch, public CountedObject {
+  public:
+    struct Member {
+        const wchar_t* name;
+        DISPID id;
+        std::size_t arguments;
+    };
+
+    /// `name` stands in the record in front of each line.
+    RecordedObject(std::string name, std::vector<Member> members);
+    ~RecordedObject() override;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return AddReference(); }
+    ULONG STDMETHODCALLTYPE Release() override { return ReleaseReference(); }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID locale,
+                                            DISPID* ids) override;
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                                     VARIANT* result, EXCEPINFO* exception, UINT* argument) override;
+
+  protected:
+    /// Does what the member does and gives its result; may throw PackageError.
+    virtual platform::Variant Run(DISPID id, const ReceivedArguments& arguments) = 0;
+
+  private:
+    std::string name_;
+    std::vector<Member> members_;
+};
+
+/// A variant that holds the one reference of a new object.
+platform::Variant Holding(IDispatch* object);
+
+} // namespace fakes

@@ -1,0 +1,15 @@
+kv_fake(fake_packages fake_packages.cpp)
+
+if(WIN32)
+    # The stand-in for the COM classes lies beside the executables that use it.
+    add_library(dts_com_server SHARED dts_com_server.cpp dts_com_object.cpp dts_com_record.cpp
+                                      dts_com_server.def)
+    set_target_properties(dts_com_server PROPERTIES PREFIX "")
+    # The interfaces of COM end by Release and have no virtual destructors.
+    set_source_files_properties(dts_com_server.cpp dts_com_object.cpp
+                                PROPERTIES COMPILE_OPTIONS -Wno-non-virtual-dtor)
+    target_include_directories(dts_com_server PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(dts_com_server PRIVATE kv_packages kv_package_store kv_options)
+    # The names of the entry points without the "@n" that x86 adds.
+    target_link_options(dts_com_server PRIVATE -Wl,--kill-at)
+endif()

@@ -1,0 +1,7 @@
+kv_test(package_file_test LABEL unit SOURCES package_file_test.cpp LINK kv_package_store)
+if(WIN32)
+    kv_test(packages_com_test LABEL wine SOURCES windows/packages_test.cpp LINK kv_packages)
+    add_dependencies(packages_com_test dts_com_server)
+    # It registers the stand-in's classes and takes them out again.
+    set_tests_properties(packages_com_test PROPERTIES RESOURCE_LOCK dts_classes)
+endif()
