@@ -1,0 +1,36 @@
+// A query tool of the tests: writes its arguments, one a line between brackets, to the file behind -o.
+// --sleep N waits N milliseconds first; --exit N ends with that code; --silent writes nothing.
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/files.h"
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    std::string output;
+    int code = 0;
+    bool silent = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const bool has_next = i + 1 < arguments.size();
+        if (arguments[i] == "-o" && has_next) {
+            output = arguments[i + 1];
+        } else if (arguments[i] == "--sleep" && has_next) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(arguments[i + 1].c_str())));
+        } else if (arguments[i] == "--exit" && has_next) {
+            code = std::atoi(arguments[i + 1].c_str());
+        } else if (arguments[i] == "--silent") {
+            silent = true;
+        }
+    }
+    if (!silent) {
+        std::string text;
+        for (const std::string& argument : arguments) {
+            text += '[' + argument + "]\n";
+        }
+        platform::WriteWholeFile(output, text);
+    }
+    return code;
+}

@@ -1,0 +1,36 @@
+// A fresh folder for one test, gone with all that it holds when the test ends.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <string>
+
+namespace support {
+
+class TempFolder {
+  public:
+    TempFolder() {
+        static std::atomic<int> counter{0};
+        const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+        path_ = std::filesystem::temp_directory_path() /
+                ("kv-test-" + std::to_string(now) + "-" + std::to_string(counter++));
+        std::filesystem::create_directories(path_);
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::permissions(path_, std::filesystem::perms::owner_all, ignored);
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    const std::filesystem::path& Path() const { return path_; }
+    /// A path below the folder, with "\" between.
+    std::string operator/(const std::string& name) const { return path_.string() + "\\" + name; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+} // namespace support
