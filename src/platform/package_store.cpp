@@ -38,23 +38,16 @@ constexpr auto kInvalidParameter = static_cast<std::int32_t>(0x80070057U);
 constexpr const char* kSource = "Package store";
 
 [[noreturn]] void Rethrow(const odbc::OdbcError& error) {
-    const std::vector<odbc::Diagnostic>& all = error.Diagnostics();
-    const odbc::Diagnostic* first = all.data();
-    for (const odbc::Diagnostic& diagnostic : all) {
-        if (!diagnostic.IsMessage()) {
-            first = &diagnostic;
-            break;
-        }
-    }
+    const odbc::Diagnostic& first = error.Diagnostics().front();
     std::int32_t number = kOtherState;
     for (const StateNumber& known : kNumbers) {
-        if (known.sql_state == first->sql_state) {
+        if (known.sql_state == first.sql_state) {
             number = known.number;
         }
     }
     throw PackageError(number, kSource,
-                       std::string(odbc::WithoutOrigin(first->message)) + " (SQLSTATE " + first->sql_state +
-                           ", error " + std::to_string(first->native_error) + ")");
+                       std::string(odbc::WithoutOrigin(first.message)) + " (SQLSTATE " + first.sql_state +
+                           ", error " + std::to_string(first.native_error) + ")");
 }
 
 /// A connection to a server's msdb for the one call that it serves.

@@ -1,4 +1,5 @@
 kv_fake(fake_packages fake_packages.cpp)
+kv_fake(dts_odbc dts_odbc.cpp)
 
 if(WIN32)
     # The stand-in for the COM classes lies beside the executables that use it.
@@ -10,6 +11,8 @@ if(WIN32)
                                 PROPERTIES COMPILE_OPTIONS -Wno-non-virtual-dtor)
     target_include_directories(dts_com_server PRIVATE "${PROJECT_SOURCE_DIR}/tests")
     target_link_libraries(dts_com_server PRIVATE kv_packages kv_package_store kv_options)
-    # The names of the entry points without the "@n" that x86 adds.
-    target_link_options(dts_com_server PRIVATE -Wl,--kill-at)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+        # The entry points lose the "@n" that x86 adds to their names.
+        target_link_options(dts_com_server PRIVATE -Wl,--enable-stdcall-fixup)
+    endif()
 endif()

@@ -1,4 +1,5 @@
 kv_test(package_file_test LABEL unit SOURCES package_file_test.cpp LINK kv_package_store)
+kv_test(package_store_test LABEL unit SOURCES package_store_test.cpp LINK dts_odbc kv_package_store)
 if(WIN32)
     kv_test(packages_com_test LABEL wine SOURCES windows/packages_test.cpp LINK kv_packages)
     add_dependencies(packages_com_test dts_com_server)
