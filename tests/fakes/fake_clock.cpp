@@ -2,11 +2,15 @@
 
 namespace {
 
-platform::LocalTime now{2006, 5, 12, 14, 3, 22};
+platform::LocalTime now;
 
 } // namespace
 
-void fakes::SetClock(const platform::LocalTime& time) {
+fakes::FakeClock::FakeClock() {
+    now = {2006, 5, 12, 14, 3, 22};
+}
+
+void fakes::FakeClock::Set(const platform::LocalTime& time) {
     now = time;
 }
 

@@ -1,11 +1,15 @@
-// A clock that stands still, in the place of the system's: link fake_clock.cpp into a test.
+// A clock that stands still, in the place of the system's. A test that makes one has it linked in.
 #pragma once
 
 #include "platform/clock.h"
 
 namespace fakes {
 
-/// 2006-05-12 14:03:22 until it is set.
-void SetClock(const platform::LocalTime& time);
+class FakeClock {
+  public:
+    /// Stands at 2006-05-12 14:03:22.
+    FakeClock();
+    void Set(const platform::LocalTime& time);
+};
 
 } // namespace fakes

