@@ -13,7 +13,7 @@ const platform::StatusWindowLayout& Layout() {
 
 } // namespace
 
-frmStatus::frmStatus() : window_(platform::CreateStatusWindow(Layout())) {
+frmStatus::frmStatus() : window_(platform::MakeStatusWindow(Layout())) {
     UpdateBar();
 }
 

@@ -16,6 +16,9 @@ static_assert(static_cast<SQLSMALLINT>(HandleKind::Statement) == SQL_HANDLE_STMT
 /// The server's name for itself as the last of the components in front of a message.
 constexpr std::string_view kServerComponent = "[SQL Server]";
 
+/// The file of the driver that is reached by way of unixODBC, also under Wine.
+constexpr std::string_view kDriverBehindUnixOdbc = "libtdsodbc";
+
 /// ODBC takes its input text by pointers to non-const.
 SQLCHAR* Text(const std::string& text) {
     return const_cast<SQLCHAR*>(reinterpret_cast<const SQLCHAR*>(text.data()));
@@ -34,14 +37,15 @@ std::string DiagnosticText(HandleKind kind, void* handle, SQLSMALLINT record, SQ
     return SQL_SUCCEEDED(code) ? std::string(buffer.data()) : std::string();
 }
 
-/// Drivers write these fields as 16 or as 32 bits; the buffer is zeroed, so that both read alike.
+/// Drivers write these fields as 16 or as 32 bits; the buffer is zeroed, so that both read alike. unixODBC's
+/// own records have zeros.
 std::optional<std::int32_t> DiagnosticNumber(HandleKind kind, void* handle, SQLSMALLINT record,
                                              SQLSMALLINT field) {
     std::int32_t number = 0;
     SQLSMALLINT length = 0;
     const SQLRETURN code = SQLGetDiagField(static_cast<SQLSMALLINT>(kind), handle, record, field, &number,
                                            static_cast<SQLSMALLINT>(sizeof number), &length);
-    return SQL_SUCCEEDED(code) ? std::optional(number) : std::nullopt;
+    return SQL_SUCCEEDED(code) && number != 0 ? std::optional(number) : std::nullopt;
 }
 
 bool ReadRecord(HandleKind kind, void* handle, SQLSMALLINT record, Diagnostic& diagnostic) {
@@ -65,10 +69,17 @@ bool ReadRecord(HandleKind kind, void* handle, SQLSMALLINT record, Diagnostic& d
     diagnostic.native_error = native;
     diagnostic.message = reinterpret_cast<const char*>(text.data());
     diagnostic.server = DiagnosticText(kind, handle, record, kDiagServerName);
+    if (diagnostic.server.empty()) {
+        diagnostic.server = DiagnosticText(kind, handle, record, SQL_DIAG_SERVER_NAME);
+    }
     diagnostic.procedure = DiagnosticText(kind, handle, record, kDiagServerProcedure);
     diagnostic.line = DiagnosticNumber(kind, handle, record, kDiagServerLine);
     diagnostic.severity = DiagnosticNumber(kind, handle, record, kDiagServerSeverity);
     diagnostic.state = DiagnosticNumber(kind, handle, record, kDiagServerState);
+    if (!diagnostic.severity) {
+        // Seen with FreeTDS 1.3: it knows no severity field, and puts the severity where the state belongs.
+        diagnostic.severity = std::exchange(diagnostic.state, std::nullopt);
+    }
     return true;
 }
 
@@ -115,12 +126,21 @@ bool OdbcError::ConnectionLost() const {
     return false;
 }
 
-std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle) {
+std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle, bool failed) {
     std::vector<Diagnostic> diagnostics;
     Diagnostic diagnostic;
+    bool error_found = false;
     for (SQLSMALLINT record = 1; ReadRecord(kind, handle, record, diagnostic); ++record) {
+        diagnostic.error = !diagnostic.sql_state.starts_with("01");
+        error_found = error_found || diagnostic.error;
         diagnostics.push_back(std::move(diagnostic));
         diagnostic = {};
+    }
+    if (failed && !error_found) {
+        // unixODBC tells a driver that it can't load by 01000.
+        for (Diagnostic& reason : diagnostics) {
+            reason.error = true;
+        }
     }
     return diagnostics;
 }
@@ -129,8 +149,8 @@ Handle::Handle(HandleKind kind, HandleKind parent_kind, void* parent) : kind_(ki
     const SQLRETURN code = SQLAllocHandle(static_cast<SQLSMALLINT>(kind), parent, &handle_);
     if (!SQL_SUCCEEDED(code)) {
         handle_ = nullptr;
-        throw OdbcError("SQLAllocHandle",
-                        parent != nullptr ? ReadDiagnostics(parent_kind, parent) : std::vector<Diagnostic>());
+        throw OdbcError("SQLAllocHandle", parent != nullptr ? ReadDiagnostics(parent_kind, parent, true)
+                                                            : std::vector<Diagnostic>());
     }
 }
 
@@ -164,8 +184,9 @@ bool Handle::Check(const char* function, int return_code) {
     if (return_code == SQL_SUCCESS) {
         return true;
     }
-    std::vector<Diagnostic> diagnostics = ReadDiagnostics(kind_, handle_);
-    if (return_code != SQL_SUCCESS_WITH_INFO && return_code != SQL_NO_DATA) {
+    const bool failed = return_code != SQL_SUCCESS_WITH_INFO && return_code != SQL_NO_DATA;
+    std::vector<Diagnostic> diagnostics = ReadDiagnostics(kind_, handle_, failed);
+    if (failed) {
         throw OdbcError(function, std::move(diagnostics));
     }
     for (Diagnostic& diagnostic : diagnostics) {
@@ -243,6 +264,10 @@ bool Connection::Dead() {
     const SQLRETURN code =
         SQLGetConnectAttr(handle_.Get(), SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
     return SQL_SUCCEEDED(code) && dead == SQL_CD_TRUE;
+}
+
+bool Connection::DropsResultsBehindError() {
+    return Info(SQL_DRIVER_NAME).starts_with(kDriverBehindUnixOdbc);
 }
 
 } // namespace platform::odbc

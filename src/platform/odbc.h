@@ -15,17 +15,15 @@ namespace platform::odbc {
 
 /// One diagnostic record. What a driver does not tell is empty.
 struct Diagnostic {
-    std::string sql_state; ///< five characters; class "01" is a message, all others are errors
+    std::string sql_state; ///< five characters
+    bool error = true;     ///< false for a message: SQLSTATE class "01" beside success or beside an error
     std::int32_t native_error = 0;
     std::string message; ///< with the components that it passed in front: "[FreeTDS][SQL Server]..."
     std::string server;
     std::string procedure;
     std::optional<std::int32_t> line; ///< within the batch or the procedure, from 1
     std::optional<std::int32_t> severity;
-    std::optional<std::int32_t> state;
-
-    /// True for a message that came with success.
-    bool IsMessage() const { return sql_state.starts_with("01"); }
+    std::optional<std::int32_t> state; ///< FreeTDS does not tell it
 };
 
 /// The text without the names of the components that it passed. Brackets that the server wrote stay.
@@ -80,8 +78,8 @@ enum class SqlType : std::int16_t {
 
 enum class HandleKind : std::int16_t { Environment = 1, Connection = 2, Statement = 3 };
 
-/// Every record that the handle holds; may be empty.
-std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle);
+/// Every record that the handle holds; may be empty. `failed` tells whether the call that left them did.
+std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle, bool failed);
 
 /// The one owner of an ODBC handle, and the messages that came with its successful calls.
 class Handle {
@@ -140,6 +138,10 @@ class Connection {
     bool Connected() const { return connected_; }
     /// True if the driver has noticed that the server has gone.
     bool Dead();
+    /// True if the results behind a failed first statement of a batch can't be had, and the server's work on
+    /// them is cut short: unixODBC takes a statement whose execution has failed for one without results.
+    /// Statement::KeepResultsBehindError helps.
+    bool DropsResultsBehindError();
     std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
     void* Get() const { return handle_.Get(); }
 
@@ -217,6 +219,11 @@ class Statement {
 
     /// Seconds that a call may take before it fails with HYT00; 0 means no limit.
     void SetQueryTimeout(unsigned seconds);
+
+    /// Makes the next ExecDirect keep the results behind an error, where Connection::DropsResultsBehindError
+    /// says that it would not. Runs an empty PRINT, which resets the session's @@ERROR and @@ROWCOUNT; other
+    /// statements may run between this and the ExecDirect.
+    void KeepResultsBehindError();
 
     /// Runs the text. Having nothing to tell (DDL, statements under NOCOUNT) is success.
     void ExecDirect(const std::string& sql);

@@ -109,10 +109,13 @@ bool RowReader::State::FetchBlock() {
     const auto rows_end =
         row_status.begin() + static_cast<std::ptrdiff_t>(std::min<SQLULEN>(fetched, block_rows));
     if (code == SQL_SUCCESS_WITH_INFO && std::find(row_status.begin(), rows_end, SQL_ROW_ERROR) != rows_end) {
-        throw OdbcError("SQLFetch", ReadDiagnostics(HandleKind::Statement, handle.Get()));
+        throw OdbcError("SQLFetch", ReadDiagnostics(HandleKind::Statement, handle.Get(), true));
     }
-    ended = !handle.Check("SQLFetch", code) || fetched == 0;
-    return !ended;
+    const bool got = handle.Check("SQLFetch", code) && fetched != 0;
+    // A block that is not full is the last one. Asking once more would be harmless but for FreeTDS, which
+    // then reads on behind the result and loses the message that stands there.
+    ended = !got || fetched < block_rows;
+    return got;
 }
 
 Value RowReader::State::BoundValue(std::size_t column, std::size_t row) const {

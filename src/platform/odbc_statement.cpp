@@ -68,6 +68,14 @@ void Statement::SetQueryTimeout(unsigned seconds) {
                                  SQL_IS_UINTEGER));
 }
 
+void Statement::KeepResultsBehindError() {
+    // unixODBC 2.3 remembers a failed execution as "no results" only for a statement without a cursor. It
+    // takes a successful execution, whatever it gave, for a cursor; a message is the one success that FreeTDS
+    // does not answer with SQL_NO_DATA and that leaves nothing to be fetched.
+    ExecDirect("PRINT ''");
+    TakeMessages();
+}
+
 void Statement::ExecDirect(const std::string& sql) {
     handle_.Check("SQLExecDirect",
                   SQLExecDirect(handle_.Get(), Text(sql), static_cast<SQLINTEGER>(sql.size())));

@@ -34,9 +34,9 @@ class StatusWindow {
 };
 
 /// A window, or, where none can be shown, one that tells its progress on the terminal. Never null.
-std::unique_ptr<StatusWindow> CreateStatusWindow(const StatusWindowLayout& layout);
+std::unique_ptr<StatusWindow> MakeStatusWindow(const StatusWindowLayout& layout);
 
 /// The one for the terminal.
-std::unique_ptr<StatusWindow> CreateTerminalStatus(const std::string& caption);
+std::unique_ptr<StatusWindow> MakeTerminalStatus(const std::string& caption);
 
 } // namespace platform

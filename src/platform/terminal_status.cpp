@@ -58,7 +58,7 @@ class TerminalStatus : public StatusWindow {
 
 } // namespace
 
-std::unique_ptr<StatusWindow> CreateTerminalStatus(const std::string& caption) {
+std::unique_ptr<StatusWindow> MakeTerminalStatus(const std::string& caption) {
     return std::make_unique<TerminalStatus>(caption);
 }
 

@@ -72,7 +72,7 @@ class RecordedStatusWindow : public StatusWindow {
 
 } // namespace
 
-std::unique_ptr<StatusWindow> CreateStatusWindow(const StatusWindowLayout& layout) {
+std::unique_ptr<StatusWindow> MakeStatusWindow(const StatusWindowLayout& layout) {
     return std::make_unique<RecordedStatusWindow>(layout);
 }
 

@@ -3,8 +3,8 @@
 
 namespace platform {
 
-std::unique_ptr<StatusWindow> CreateStatusWindow(const StatusWindowLayout& layout) {
-    return CreateTerminalStatus(layout.caption);
+std::unique_ptr<StatusWindow> MakeStatusWindow(const StatusWindowLayout& layout) {
+    return MakeTerminalStatus(layout.caption);
 }
 
 } // namespace platform

@@ -117,9 +117,9 @@ class NativeStatusWindow : public StatusWindow {
 
 } // namespace
 
-std::unique_ptr<StatusWindow> CreateStatusWindow(const StatusWindowLayout& layout) {
+std::unique_ptr<StatusWindow> MakeStatusWindow(const StatusWindowLayout& layout) {
     if (!DesktopIsVisible()) {
-        return CreateTerminalStatus(layout.caption);
+        return MakeTerminalStatus(layout.caption);
     }
     return std::make_unique<NativeStatusWindow>(layout);
 }
