@@ -1,0 +1,163 @@
+// The arguments as one table. See options.h.
+#include "devserver/options.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <fstream>
+
+#ifndef DEVSQLSERVER_VERSION
+#error "the build gives the version"
+#endif
+
+namespace devsql {
+
+namespace {
+
+std::uint16_t ParsePort(const std::string& text) {
+    std::uint16_t port = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stopped, error] = std::from_chars(text.data(), end, port);
+    if (text.empty() || error != std::errc{} || stopped != end) {
+        throw UsageError("--port: \"" + text + "\" is no port from 0 to 65535");
+    }
+    return port;
+}
+
+void TakeRoot(ProgramOptions& options, const std::string& value) {
+    options.engine.root = value;
+}
+
+void TakePort(ProgramOptions& options, const std::string& value) {
+    options.port = ParsePort(value);
+}
+
+void TakeLogins(ProgramOptions& options, const std::string& value) {
+    options.logins_file = value;
+}
+
+void TakeName(ProgramOptions& options, const std::string& value) {
+    options.engine.server_name = value;
+}
+
+void TakeDrive(ProgramOptions& options, const std::string& value) {
+    if (value.size() < 3 || std::isalpha(static_cast<unsigned char>(value[0])) == 0 || value[1] != '=') {
+        throw UsageError("--drive: \"" + value + "\" is not a letter, \"=\" and a folder");
+    }
+    const char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(value[0])));
+    if (!options.engine.drives.emplace(std::string(1, letter), value.substr(2)).second) {
+        throw UsageError(std::string("--drive: ") + letter + " is given twice");
+    }
+}
+
+struct Argument {
+    const char* name;
+    bool required;
+    bool repeats;
+    void (*take)(ProgramOptions& options, const std::string& value);
+};
+
+constexpr std::array<Argument, 5> kArguments{{
+    {"--root", true, false, TakeRoot},
+    {"--port", true, false, TakePort},
+    {"--logins", true, false, TakeLogins},
+    {"--drive", false, true, TakeDrive},
+    {"--name", false, false, TakeName},
+}};
+
+bool Contains(const std::vector<std::string>& texts, const std::string& text) {
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+const Argument& FindArgument(const std::string& name) {
+    const auto* const found = std::find_if(kArguments.begin(), kArguments.end(),
+                                           [&](const Argument& argument) { return name == argument.name; });
+    if (found == kArguments.end()) {
+        throw UsageError("unknown argument \"" + name + "\"");
+    }
+    return *found;
+}
+
+} // namespace
+
+ProgramOptions ParseArguments(const std::vector<std::string>& arguments) {
+    ProgramOptions options;
+    if (Contains(arguments, "--help") || Contains(arguments, "--version")) {
+        options.action = Contains(arguments, "--help") ? Action::Help : Action::Version;
+        return options;
+    }
+    std::vector<std::string> seen;
+    for (std::size_t i = 0; i < arguments.size(); i += 2) {
+        const Argument& argument = FindArgument(arguments[i]);
+        if (!argument.repeats && Contains(seen, argument.name)) {
+            throw UsageError(std::string(argument.name) + " is given twice");
+        }
+        if (i + 1 == arguments.size() || arguments[i + 1].empty()) {
+            throw UsageError(std::string(argument.name) + " needs a value");
+        }
+        argument.take(options, arguments[i + 1]);
+        seen.emplace_back(argument.name);
+    }
+    for (const Argument& argument : kArguments) {
+        if (argument.required && !Contains(seen, argument.name)) {
+            throw UsageError(std::string(argument.name) + " is missing");
+        }
+    }
+    return options;
+}
+
+std::map<std::string, std::string> ParseLogins(std::istream& lines, const std::string& file_name) {
+    std::map<std::string, std::string> logins;
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        if (!line.empty() && line.back() == '\r') {
+            line.pop_back();
+        }
+        if (line.find_first_not_of(" \t") == std::string::npos || line.front() == '#') {
+            continue;
+        }
+        const std::size_t colon = line.find(':');
+        const std::string where = file_name + ", line " + std::to_string(number) + ": ";
+        if (colon == std::string::npos || colon == 0) {
+            throw UsageError(where + "not a name, a colon and a password");
+        }
+        if (!logins.emplace(line.substr(0, colon), line.substr(colon + 1)).second) {
+            throw UsageError(where + "the login \"" + line.substr(0, colon) + "\" is there twice");
+        }
+    }
+    return logins;
+}
+
+std::map<std::string, std::string> ReadLogins(const std::filesystem::path& file) {
+    std::ifstream lines(file);
+    if (!lines || std::filesystem::is_directory(file)) {
+        throw UsageError("--logins: cannot read " + file.string());
+    }
+    return ParseLogins(lines, file.string());
+}
+
+std::string HelpText() {
+    return R"(usage: devsqlserver --root DIR --port N --logins FILE [--drive D=DIR ...] [--name NAME]
+
+A development server: it speaks TDS 7.1 to 7.4 on 127.0.0.1 and understands the T-SQL that installation
+scripts use. It is not SQL Server; it is made for trying, rehearsing and testing, and refuses what it does
+not know. It is for no production data.
+
+  --root DIR      holds the system databases; made if it is absent
+  --port N        the TCP port on 127.0.0.1; 0 takes a free one
+  --logins FILE   a line name:password for each login; lines that begin with # are passed over
+  --drive D=DIR   the folder that stands for the drive D: in the paths that clients write
+  --name NAME     the server's name (@@SERVERNAME)
+  --help          shows this text
+  --version       shows the version
+
+It prints "devsqlserver: ready on 127.0.0.1:N" when it takes connections. SIGTERM or SIGINT ends it.
+)";
+}
+
+std::string VersionText() {
+    return std::string("devsqlserver ") + DEVSQLSERVER_VERSION + " (a development server, not SQL Server)\n";
+}
+
+} // namespace devsql

@@ -1,0 +1,45 @@
+// The command line of devsqlserver and its file of logins.
+// Knows nothing of what is done with them.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <istream>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "devserver/tsql/engine.h"
+
+namespace devsql {
+
+/// A command line or a file of logins that can't be used; what() says why, for the operator.
+class UsageError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+enum class Action : std::uint8_t { Serve, Help, Version };
+
+struct ProgramOptions {
+    Action action = Action::Serve;
+    std::uint16_t port = 0;
+    std::filesystem::path logins_file;
+    EngineOptions engine; ///< without the logins
+};
+
+/// `arguments` without the program's name. Throws UsageError.
+ProgramOptions ParseArguments(const std::vector<std::string>& arguments);
+
+/// A line `name:password` for each login; the password is all behind the first colon. Blank lines and lines
+/// that begin with "#" are passed over. Throws UsageError, naming `file_name` and the line.
+std::map<std::string, std::string> ParseLogins(std::istream& lines, const std::string& file_name);
+
+/// The same from a file. Throws UsageError.
+std::map<std::string, std::string> ReadLogins(const std::filesystem::path& file);
+
+std::string HelpText();
+std::string VersionText();
+
+} // namespace devsql

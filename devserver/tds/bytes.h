@@ -1,0 +1,81 @@
+// Little-endian numbers and counted strings to and from byte strings. Every read is checked against the end.
+// Knows no message in particular.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "devserver/tds/protocol_error.h"
+
+namespace devsql::tds {
+
+template <std::unsigned_integral T>
+void AppendLe(std::string& out, T value) {
+    for (std::size_t i = 0; i < sizeof(T); ++i) {
+        out.push_back(static_cast<char>(static_cast<std::uint8_t>(value >> (8 * i))));
+    }
+}
+
+inline void AppendByte(std::string& out, std::uint8_t value) {
+    out.push_back(static_cast<char>(value));
+}
+
+template <std::unsigned_integral T>
+void AppendBe(std::string& out, T value) {
+    for (std::size_t i = sizeof(T); i-- > 0;) {
+        out.push_back(static_cast<char>(static_cast<std::uint8_t>(value >> (8 * i))));
+    }
+}
+
+/// Walks over bytes that it does not own. A read behind the end throws ProtocolError (StreamEnded).
+class ByteReader {
+  public:
+    explicit ByteReader(std::string_view data) : data_(data) {}
+
+    std::size_t position() const { return position_; }
+    std::size_t left() const { return data_.size() - position_; }
+    bool AtEnd() const { return left() == 0; }
+
+    std::string_view Take(std::size_t count) {
+        if (count > left()) {
+            throw StreamEnded();
+        }
+        const std::string_view taken = data_.substr(position_, count);
+        position_ += count;
+        return taken;
+    }
+
+    std::uint8_t Byte() { return static_cast<std::uint8_t>(Take(1).front()); }
+
+    template <std::unsigned_integral T>
+    T Le() {
+        const std::string_view bytes = Take(sizeof(T));
+        std::uint64_t value = 0;
+        for (std::size_t i = sizeof(T); i-- > 0;) {
+            value = value << 8 | static_cast<std::uint8_t>(bytes[i]);
+        }
+        return static_cast<T>(value);
+    }
+
+    std::uint16_t Be16() {
+        const std::uint8_t high = Byte();
+        return static_cast<std::uint16_t>(high << 8 | Byte());
+    }
+
+    /// The next byte without moving; the end is an error.
+    std::uint8_t Peek() {
+        if (AtEnd()) {
+            throw StreamEnded();
+        }
+        return static_cast<std::uint8_t>(data_[position_]);
+    }
+
+  private:
+    std::string_view data_;
+    std::size_t position_ = 0;
+};
+
+} // namespace devsql::tds

@@ -1,0 +1,91 @@
+// One client from its first packet to its last: login, then requests until it goes.
+// Two threads: one reads, and so hears an attention or the end of the client while the other runs a request.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "devserver/tds/login.h"
+#include "devserver/tds/packets.h"
+#include "devserver/tds/requests.h"
+#include "devserver/tds/response.h"
+#include "devserver/tds/socket.h"
+#include "devserver/tds/tokens.h"
+#include "devserver/tsql/engine.h"
+
+namespace devsql::tds {
+
+class Connection {
+  public:
+    /// `refused` lets the client come as far as its login and tells it then that there are too many.
+    /// `engine` must outlive the connection. `login_time` is what a client has for its login.
+    Connection(Socket socket, Engine& engine, bool refused,
+               std::chrono::milliseconds login_time = std::chrono::seconds(30));
+
+    /// Serves the client until it goes or is thrown out. Throws nothing.
+    void Run();
+    /// Ends the connection soon, whatever it is at. May be called from any thread.
+    void Stop();
+
+  private:
+    /// Prelogin and login, with their answers. False when the client did not come in.
+    bool Enter();
+    std::optional<ClientMessage> ReadLogin(std::chrono::steady_clock::time_point deadline);
+    bool LogIn(const ClientMessage& message);
+    void AnswerLogin(const Login& login, Response& response);
+    /// Logs in as the client asked, with the settings that its kind expects; null when refused.
+    std::unique_ptr<Session> OpenSession(ResultSink& sink);
+    /// Sends an error as the only thing in an answer, of which the client's version may not be known yet.
+    void Refuse(const ProtocolError& error);
+
+    // The reading thread.
+    void ReadRequests();
+    /// Waits for bytes; false when the connection is to end.
+    bool WaitForInput();
+    bool Deliver(ClientMessage message);
+    void EndWork();
+
+    // The working thread.
+    void Work();
+    /// False when the connection is to end.
+    bool Serve(const ClientMessage& message);
+    void RunRequest(const ClientMessage& message, Response& response);
+    void RunBatch(const ClientMessage& message, Response& response);
+    void RunCalls(const ClientMessage& message, Response& response);
+    void RunTransaction(const ClientMessage& message, Response& response);
+    bool ResetSession(Response& response);
+    bool FinishRequest(Response& response);
+
+    /// Asks the running call to end. `mutex_` is held.
+    void CancelRunning();
+    Response MakeResponse();
+
+    const Socket socket_;
+    Engine& engine_;
+    const bool refused_;
+    const std::chrono::milliseconds login_time_;
+    PacketWriter packets_;
+    TokenWriter tokens_;
+    LoginRequest login_request_;
+    bool ansi_ = true;
+    std::uint64_t last_transaction_ = 0;
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    /// Used by the working thread; exchanged, cancelled and asked whether it ended under `mutex_`.
+    std::unique_ptr<Session> session_;
+    std::deque<ClientMessage> waiting_; ///< at most one
+    bool busy_ = false;                 ///< a request is being run
+    bool attention_ = false;            ///< the client waits for the acknowledgement
+    bool closing_ = false;
+    bool work_ended_ = false;
+    std::atomic<bool> cancelled_ = false; ///< the running request's output is not wanted any more
+};
+
+} // namespace devsql::tds

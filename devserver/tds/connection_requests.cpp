@@ -1,0 +1,203 @@
+// The working thread of a connection: takes requests one by one and runs them. See connection.h.
+#include "devserver/tds/connection.h"
+#include "devserver/tds/quiet_sink.h"
+
+namespace devsql::tds {
+
+namespace {
+
+Message ErrorMessage(const ProtocolError& error) {
+    return {error.number(), error.severity(), 1, error.what(), {}, 1};
+}
+
+/// An exception out of the language is a defect of this server; the client is told what it says.
+Message InternalError(const std::exception& error) {
+    return {error_number::kInternal,
+            kRequestSeverity,
+            1,
+            std::string("A system assertion check has failed: ") + error.what(),
+            {},
+            1};
+}
+
+ProtocolError NotServed(PacketType type) {
+    if (type == PacketType::BulkLoad) {
+        return {error_number::kNotSupported, kRequestSeverity,
+                "Bulk load is not supported by this development server."};
+    }
+    return {error_number::kInputStream, kFatalSeverity,
+            "A packet of the type " + std::to_string(static_cast<unsigned>(type)) +
+                " is not expected from a client that has logged in. The session will be terminated."};
+}
+
+} // namespace
+
+void Connection::Work() {
+    std::unique_lock lock(mutex_);
+    while (!closing_) {
+        if (attention_) {
+            // Nothing runs: what was still waiting is taken back, and the acknowledgement stands alone.
+            waiting_.clear();
+            attention_ = false;
+            cancelled_ = false;
+            lock.unlock();
+            Response response = MakeResponse();
+            response.Finish(true);
+            lock.lock();
+        } else if (!waiting_.empty()) {
+            const ClientMessage message = std::move(waiting_.front());
+            waiting_.pop_front();
+            busy_ = true;
+            lock.unlock();
+            const bool stays = Serve(message);
+            lock.lock();
+            closing_ = closing_ || !stays;
+        } else {
+            changed_.wait(lock);
+        }
+    }
+    work_ended_ = true;
+    changed_.notify_all();
+}
+
+bool Connection::Serve(const ClientMessage& message) {
+    Response response = MakeResponse();
+    bool stays = true;
+    try {
+        RunRequest(message, response);
+    } catch (const ProtocolError& error) {
+        response.Send(ErrorMessage(error));
+        stays = error.severity() < kFatalSeverity;
+    } catch (const std::exception& error) {
+        response.Send(InternalError(error));
+    }
+    response.End();
+    return FinishRequest(response) && stays;
+}
+
+bool Connection::FinishRequest(Response& response) {
+    bool attention = false;
+    bool ended = false;
+    {
+        const std::lock_guard lock(mutex_);
+        busy_ = false;
+        attention = attention_;
+        attention_ = false;
+        cancelled_ = closing_;
+        ended = session_ == nullptr || session_->Ended();
+    }
+    response.Finish(attention);
+    return !ended && !response.lost();
+}
+
+void Connection::RunRequest(const ClientMessage& message, Response& response) {
+    if (message.ignore) {
+        // Taken back by the client before it was whole; it waits for a DONE that says so.
+        response.Write([](TokenWriter& tokens) {
+            tokens.WriteDone(DoneToken::Done, done_status::kError | done_status::kMore, Command::None, 0);
+        });
+        return;
+    }
+    constexpr std::uint8_t kReset = packet_status::kResetConnection | packet_status::kResetKeepTransaction;
+    if ((message.first_status & kReset) != 0 && !ResetSession(response)) {
+        return;
+    }
+    switch (message.type) {
+    case PacketType::SqlBatch:
+        return RunBatch(message, response);
+    case PacketType::Rpc:
+        return RunCalls(message, response);
+    case PacketType::TransactionManager:
+        return RunTransaction(message, response);
+    default:
+        throw NotServed(message.type);
+    }
+}
+
+void Connection::RunBatch(const ClientMessage& message, Response& response) {
+    response.Begin(Response::Kind::Batch);
+    session_->ExecuteBatch(ParseBatch(message.data, tokens_.version()), response);
+}
+
+void Connection::RunCalls(const ClientMessage& message, Response& response) {
+    const RpcRequest request = ParseRpc(message.data, tokens_.version());
+    for (std::size_t i = 0; i < request.calls.size() && !cancelled_.load() && !response.lost(); ++i) {
+        if (i > 0) {
+            response.End();
+        }
+        response.Begin(Response::Kind::Procedure);
+        session_->ExecuteProcedure(request.calls[i], response);
+    }
+    if (request.error) {
+        response.End();
+        response.Begin(Response::Kind::Procedure);
+        throw ProtocolError(*request.error);
+    }
+}
+
+void Connection::RunTransaction(const ClientMessage& message, Response& response) {
+    const TransactionRequest request = ParseTransaction(message.data, tokens_.version());
+    response.Begin(Response::Kind::Batch);
+    session_->ExecuteBatch(request.statement, response);
+    if (response.failed() || !request.changes) {
+        return;
+    }
+    if (request.change == Environment::BeginTransaction) {
+        ++last_transaction_;
+    }
+    response.Write([&](TokenWriter& tokens) { tokens.WriteTransaction(request.change, last_transaction_); });
+    if (request.next_statement.empty()) {
+        return;
+    }
+    session_->ExecuteBatch(request.next_statement, response);
+    if (!response.failed()) {
+        ++last_transaction_;
+        response.Write([&](TokenWriter& tokens) {
+            tokens.WriteTransaction(Environment::BeginTransaction, last_transaction_);
+        });
+    }
+}
+
+bool Connection::ResetSession(Response& response) {
+    std::unique_ptr<Session> old;
+    {
+        const std::lock_guard lock(mutex_);
+        old = std::move(session_);
+    }
+    const std::string database = old->Database();
+    // The old session's temporary tables and transaction go before the new one comes, as if the client had
+    // gone and come again.
+    old.reset();
+    QuietSink sink;
+    std::unique_ptr<Session> fresh = OpenSession(sink);
+    if (!fresh) {
+        response.Send(sink.error().value_or(Message{
+            error_number::kLoginFailed, kFatalSeverity, 1, "The connection could not be reset.", {}, 1}));
+        return false;
+    }
+    const std::string now = fresh->Database();
+    packets_.SetSessionId(fresh->Id());
+    {
+        const std::lock_guard lock(mutex_);
+        session_ = std::move(fresh);
+    }
+    response.Write([&](TokenWriter& tokens) {
+        tokens.WriteResetAcknowledged();
+        if (now != database) {
+            tokens.WriteDatabaseChange(database, now);
+        }
+    });
+    return true;
+}
+
+std::unique_ptr<Session> Connection::OpenSession(ResultSink& sink) {
+    std::unique_ptr<Session> session = engine_.Login(login_request_, sink);
+    if (session && !ansi_) {
+        // Clients of the older library expect "text" in double quotes to be a text.
+        QuietSink quiet;
+        session->ExecuteBatch("SET QUOTED_IDENTIFIER OFF", quiet);
+    }
+    return session;
+}
+
+} // namespace devsql::tds

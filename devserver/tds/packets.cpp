@@ -1,0 +1,122 @@
+// The packet layer: see packets.h.
+#include "devserver/tds/packets.h"
+
+#include <algorithm>
+#include <array>
+
+#include "devserver/tds/bytes.h"
+#include "devserver/tds/protocol_error.h"
+
+namespace devsql::tds {
+
+namespace {
+
+struct Header {
+    PacketType type;
+    std::uint8_t status;
+    std::size_t payload; ///< bytes behind the header
+};
+
+ProtocolError BadPacket(const std::string& what) {
+    return {error_number::kPacketLength, kFatalSeverity,
+            "The network packet is invalid (" + what + "); the connection has been closed."};
+}
+
+bool IsKnown(PacketType type) {
+    using enum PacketType;
+    static constexpr std::array<PacketType, 9> kKnown{SqlBatch, OldLogin,           Rpc,  Attention, BulkLoad,
+                                                      Login,    TransactionManager, Sspi, PreLogin};
+    return std::find(kKnown.begin(), kKnown.end(), type) != kKnown.end();
+}
+
+Header ParseHeader(const std::array<char, kHeaderSize>& bytes) {
+    ByteReader reader(std::string_view(bytes.data(), bytes.size()));
+    const auto type = static_cast<PacketType>(reader.Byte());
+    const std::uint8_t status = reader.Byte();
+    const std::size_t length = reader.Be16();
+    // Told at once: whoever speaks another protocol would only wait for an answer.
+    if (!IsKnown(type)) {
+        throw BadPacket("the type " + std::to_string(static_cast<unsigned>(type)));
+    }
+    if (length < kHeaderSize || length > kLargestPacket) {
+        throw BadPacket("a length of " + std::to_string(length));
+    }
+    return {type, status, length - kHeaderSize};
+}
+
+} // namespace
+
+std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit,
+                                         std::optional<std::chrono::steady_clock::time_point> deadline) {
+    ClientMessage message;
+    for (bool first = true;; first = false) {
+        std::array<char, kHeaderSize> bytes{};
+        if (!socket.ReadExactly(bytes.data(), bytes.size(), deadline)) {
+            if (first) {
+                return std::nullopt;
+            }
+            throw ConnectionLost("the peer closed in the middle of a message");
+        }
+        const Header header = ParseHeader(bytes);
+        if (first) {
+            message.type = header.type;
+            message.first_status = header.status;
+        } else if (header.type != message.type) {
+            throw BadPacket("a packet of another type within a message");
+        }
+        const std::size_t before = message.data.size();
+        if (before + header.payload > limit) {
+            throw BadPacket("a message of more than " + std::to_string(limit) + " bytes");
+        }
+        message.data.resize(before + header.payload);
+        if (header.payload > 0 &&
+            !socket.ReadExactly(message.data.data() + before, header.payload, deadline)) {
+            throw ConnectionLost("the peer closed in the middle of a packet");
+        }
+        // An attention has no body, and some clients leave its end bit away.
+        if ((header.status & packet_status::kEndOfMessage) != 0 || header.type == PacketType::Attention) {
+            message.ignore = (header.status & packet_status::kIgnore) != 0;
+            return message;
+        }
+    }
+}
+
+void PacketWriter::Begin() {
+    packet_.assign(kHeaderSize, '\0');
+}
+
+void PacketWriter::SetPacketSize(std::size_t size) {
+    packet_size_ = std::clamp(size, kSmallestPacket, kLargestPacket);
+}
+
+void PacketWriter::Append(std::string_view bytes) {
+    while (!bytes.empty()) {
+        // A full packet is sent only when more follows: the last one has to say that it is the last.
+        if (packet_.size() >= packet_size_) {
+            SendPacket(false);
+        }
+        const std::size_t fits = std::min(bytes.size(), packet_size_ - packet_.size());
+        packet_.append(bytes.substr(0, fits));
+        bytes.remove_prefix(fits);
+    }
+}
+
+void PacketWriter::EndMessage() {
+    SendPacket(true);
+    packet_number_ = 1;
+}
+
+void PacketWriter::SendPacket(bool last) {
+    std::string header;
+    AppendByte(header, static_cast<std::uint8_t>(PacketType::Response));
+    AppendByte(header, last ? packet_status::kEndOfMessage : std::uint8_t{0});
+    AppendBe(header, static_cast<std::uint16_t>(packet_.size()));
+    AppendBe(header, session_id_);
+    AppendByte(header, packet_number_++);
+    AppendByte(header, 0);
+    packet_.replace(0, kHeaderSize, header);
+    socket_.Write(packet_);
+    Begin();
+}
+
+} // namespace devsql::tds

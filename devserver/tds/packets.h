@@ -1,0 +1,54 @@
+// Packets on the wire: a request put together from its packets, an answer cut into packets.
+// Knows nothing of what the messages say.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "devserver/tds/socket.h"
+#include "devserver/tds/wire.h"
+
+namespace devsql::tds {
+
+/// One whole message of the client.
+struct ClientMessage {
+    PacketType type = PacketType::SqlBatch;
+    std::uint8_t first_status = 0; ///< of the first packet, which is where a reset is asked for
+    bool ignore = false;           ///< the client took the message back with its last packet
+    std::string data;
+};
+
+/// Reads the next message. None when the peer closed between two messages. Throws ConnectionLost as the
+/// socket does, and when `deadline` passed; ProtocolError (fatal) for a packet that can't be or a message
+/// longer than `limit`, after which the stream makes no sense any more.
+std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit,
+                                         std::optional<std::chrono::steady_clock::time_point> deadline);
+
+/// Cuts an answer into packets and sends each when it is full. Throws ConnectionLost.
+class PacketWriter {
+  public:
+    explicit PacketWriter(const Socket& socket) : socket_(socket) { Begin(); }
+
+    void Append(std::string_view bytes);
+    /// Sends what is there as the last packet of the answer; the next one starts with packet number 1.
+    void EndMessage();
+    /// Bytes of a packet, header and all, from the next packet on. Nothing may stand in the current one.
+    void SetPacketSize(std::size_t size);
+    void SetSessionId(std::int32_t id) { session_id_ = static_cast<std::uint16_t>(id); }
+
+  private:
+    void Begin();
+    void SendPacket(bool last);
+
+    const Socket& socket_;
+    std::string packet_;
+    std::size_t packet_size_ = kLoginPacket;
+    std::uint16_t session_id_ = 0;
+    std::uint8_t packet_number_ = 1;
+};
+
+} // namespace devsql::tds

@@ -1,0 +1,41 @@
+// What a logged-in client may ask: a batch, calls of procedures, a step of a transaction. Only reading it.
+// Knows nothing of sessions.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "devserver/tds/protocol_error.h"
+#include "devserver/tds/wire.h"
+#include "devserver/tsql/engine.h"
+
+namespace devsql::tds {
+
+/// The text of a batch, in UTF-8. Throws ProtocolError (4002).
+std::string ParseBatch(std::string_view data, Version version);
+
+struct RpcRequest {
+    std::vector<RpcCall> calls;
+    /// What was wrong with the call behind the last of these. A call that is wrong does not undo those
+    /// before.
+    std::optional<ProtocolError> error;
+};
+
+/// The calls of an RPC message. The procedures that clients name by number come with their names.
+RpcRequest ParseRpc(std::string_view data, Version version);
+
+/// A step of a transaction as drivers ask for it without a statement.
+struct TransactionRequest {
+    std::string statement; ///< the same in T-SQL
+    Environment change = Environment::BeginTransaction;
+    bool changes = true;        ///< false for savepoints, which change nothing for the client
+    std::string next_statement; ///< begins the transaction that is to follow at once; may be empty
+};
+
+/// Throws ProtocolError: 4002, 40510 for what is not supported (distributed transactions).
+TransactionRequest ParseTransaction(std::string_view data, Version version);
+
+} // namespace devsql::tds

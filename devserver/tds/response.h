@@ -1,0 +1,87 @@
+// What a request gives, in the order and with the DONE tokens that clients expect: more to come, error,
+// count. Knows nothing of requests.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "devserver/tds/tokens.h"
+#include "devserver/tsql/engine.h"
+
+namespace devsql::tds {
+
+/// Takes what the language gives for one request. Nothing is thrown into the language for what happens on the
+/// network: once the client is gone, or has asked to stop, what still comes is dropped and `stop` is called.
+class Response : public ResultSink {
+  public:
+    enum class Kind : std::uint8_t { Batch, Procedure };
+
+    /// `cancelled` turns true when the client asks to stop; `stop` asks the language to end soon.
+    Response(TokenWriter& tokens, PacketWriter& packets, const std::atomic<bool>& cancelled,
+             std::function<void()> stop)
+        : tokens_(tokens), packets_(packets), cancelled_(cancelled), stop_(std::move(stop)) {}
+
+    void Columns(const std::vector<Column>& columns) override;
+    void Row(const std::vector<Value>& values) override;
+    void StatementDone(Command command, std::optional<std::int64_t> rows, bool in_procedure) override;
+    void Send(const Message& message) override;
+    void DatabaseChanged(const std::string& from, const std::string& to) override;
+    void OutputParameter(const std::string& name, const Type& type, const Value& value) override;
+    void ReturnStatus(std::int32_t status) override;
+
+    /// Begins a part of the request: the batch, or one of its procedure calls.
+    void Begin(Kind kind);
+    /// Ends the part: return status, output parameters and the token that ends a procedure.
+    void End();
+    /// A token between two parts, such as an environment change.
+    void Write(const std::function<void(TokenWriter&)>& write);
+    /// Ends the answer; with `attention` the last token acknowledges it.
+    void Finish(bool attention);
+    /// True when an error was sent since Begin.
+    bool failed() const { return failed_; }
+    bool lost() const { return lost_; }
+
+  private:
+    struct PendingDone {
+        DoneToken token;
+        std::uint16_t status;
+        Command command;
+        std::int64_t rows;
+    };
+    struct Output {
+        std::string name;
+        Type type;
+        Value value;
+    };
+
+    /// Runs `write` unless the client is gone or has asked to stop.
+    template <class Writing>
+    void Guarded(Writing write);
+    /// Writes the DONE that was held back because nobody knew whether more follows.
+    void WritePending(bool more);
+    void Hold(DoneToken token, std::uint16_t status, Command command, std::int64_t rows);
+    /// A statement that failed without a DONE of its own gets one before something else begins.
+    void EndFailedStatement();
+    DoneToken StatementToken(bool in_procedure) const;
+    void WriteProcedureEnd();
+
+    TokenWriter& tokens_;
+    PacketWriter& packets_;
+    const std::atomic<bool>& cancelled_;
+    std::function<void()> stop_;
+
+    Kind kind_ = Kind::Batch;
+    std::optional<PendingDone> pending_;
+    std::vector<Output> outputs_;
+    std::optional<std::int32_t> return_status_;
+    bool rows_open_ = false;       ///< a result set has begun and has not ended
+    bool statement_error_ = false; ///< an error that no DONE has told of yet
+    bool failed_ = false;
+    bool lost_ = false;
+};
+
+} // namespace devsql::tds

@@ -1,0 +1,73 @@
+// A thread for each client. See server.h.
+#include "devserver/tds/server.h"
+
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "devserver/tds/connection.h"
+
+namespace devsql::tds {
+
+namespace {
+
+/// Clients beyond the limit that may be told about it at a time; who comes then is cut off without a word.
+constexpr std::size_t kRefusedAtATime = 32;
+
+} // namespace
+
+struct Server::Client {
+    Client(Socket socket, Engine& engine, bool refused, std::chrono::milliseconds login_time)
+        : connection(std::move(socket), engine, refused, login_time), thread([this] {
+              connection.Run();
+              ended = true;
+          }) {}
+    ~Client() { thread.join(); }
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
+
+    std::atomic<bool> ended = false;
+    Connection connection;
+    std::thread thread; ///< begins when all above stands
+};
+
+Server::Server(Engine& engine, const ServerOptions& options)
+    : engine_(engine), options_(options), listener_(options.port) {}
+
+Server::~Server() = default;
+
+void Server::Run() {
+    while (std::optional<Socket> socket = listener_.Accept()) {
+        Serve(std::move(*socket));
+    }
+    for (const std::unique_ptr<Client>& client : clients_) {
+        client->connection.Stop();
+    }
+    clients_.clear();
+}
+
+void Server::Stop() {
+    listener_.Wake();
+}
+
+void Server::Serve(Socket socket) {
+    const std::size_t present = Reap();
+    if (present >= options_.connection_limit + kRefusedAtATime) {
+        return;
+    }
+    try {
+        clients_.push_back(std::make_unique<Client>(
+            std::move(socket), engine_, present >= options_.connection_limit, options_.login_time));
+    } catch (const std::system_error&) {
+        // No thread is left for this client. The others go on.
+        return;
+    }
+}
+
+std::size_t Server::Reap() {
+    clients_.remove_if([](const std::unique_ptr<Client>& client) { return client->ended.load(); });
+    return clients_.size();
+}
+
+} // namespace devsql::tds

@@ -1,0 +1,52 @@
+// The listening server: takes clients, gives each a connection, ends them all.
+// Knows nothing of what they say.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <mutex>
+
+#include "devserver/tds/socket.h"
+#include "devserver/tsql/engine.h"
+
+namespace devsql::tds {
+
+struct ServerOptions {
+    std::uint16_t port = 0;             ///< 0 takes a free one
+    std::size_t connection_limit = 200; ///< clients beyond are told so and go
+    std::chrono::milliseconds login_time = std::chrono::seconds(30);
+};
+
+class Server {
+  public:
+    /// Listens from here on. `engine` must outlive the server. Throws std::runtime_error when the port can't
+    /// be had.
+    Server(Engine& engine, const ServerOptions& options);
+    ~Server();
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+
+    std::uint16_t port() const { return listener_.port(); }
+    /// Serves until Stop, and comes back when the last connection has ended.
+    void Run();
+    /// Ends Run. May be called from any thread, once or more.
+    void Stop();
+
+  private:
+    struct Client;
+
+    void Serve(Socket socket);
+    /// Forgets the clients that are gone; tells how many are left.
+    std::size_t Reap();
+
+    Engine& engine_;
+    ServerOptions options_;
+    Listener listener_;
+    std::list<std::unique_ptr<Client>> clients_; ///< touched by the thread in Run alone
+};
+
+} // namespace devsql::tds

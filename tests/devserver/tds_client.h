@@ -1,0 +1,88 @@
+// A small client of the protocol for the tests: sends bytes as it is told, reads answers, takes tokens apart.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "devserver/tds/socket.h"
+#include "devserver/tds/wire.h"
+
+namespace devsql::fakes {
+
+/// The fields of a login message, written as a client of `version` writes them.
+struct LoginFields {
+    std::uint32_t version = 0x74000004;
+    std::uint32_t packet_size = 4096;
+    std::uint8_t option_flags2 = 0x02; // a driver that expects the ANSI settings
+    std::uint8_t option_flags3 = 0;
+    std::string host = "bench";
+    std::string user = "sa";
+    std::string password = "secret";
+    std::string application = "tests";
+    std::string server = "localhost";
+    std::string database;
+    std::string features; ///< the feature extension's data; sent when not empty
+};
+
+std::string Utf16(std::string_view ascii);
+std::string LoginMessage(const LoginFields& fields);
+std::string PreLoginMessage();
+/// A batch with the headers of 7.2.
+std::string BatchMessage(std::string_view sql);
+/// Packets of one message, header and all.
+std::string Packets(std::uint8_t type, std::string_view data, std::size_t packet_size = 4096,
+                    std::uint8_t first_status = 0);
+
+/// One token of an answer, its fields taken apart as far as the tests look at them.
+struct Token {
+    std::uint8_t type = 0;
+    std::string body; ///< without the token's byte and, where it has one, its length
+    // ERROR and INFO
+    std::int32_t number = 0;
+    std::uint8_t severity = 0;
+    std::int32_t line = 0;
+    std::string text;
+    // DONE and its kin
+    std::uint16_t status = 0;
+    std::int64_t rows = 0;
+};
+
+/// Takes an answer apart. Columns may be of the types IntN, NVarChar and BigVarChar, chunked or not. Throws
+/// std::runtime_error for what is no token.
+std::vector<Token> ParseTokens(std::string_view data, tds::Version version = tds::Version::V74);
+/// "COLUMNS ROW ROW DONE(0x10,2)": what came, in order, with status and rows of each DONE.
+std::string Summary(const std::vector<Token>& tokens);
+
+class TdsClient {
+  public:
+    explicit TdsClient(tds::Socket socket) : socket_(std::move(socket)) {}
+    /// Connects to 127.0.0.1. Throws std::runtime_error.
+    static TdsClient Connect(std::uint16_t port);
+
+    void SendRaw(std::string_view bytes) const { socket_.Write(bytes); }
+    void Send(tds::PacketType type, std::string_view data) const {
+        SendRaw(Packets(static_cast<std::uint8_t>(type), data, packet_size_));
+    }
+    /// The data of the next answer; none when the server closed. Throws ConnectionLost after ten seconds.
+    std::optional<std::string> Receive();
+    /// Prelogin and login; the answer to the login.
+    std::string LogIn(const LoginFields& fields = {});
+    std::string Batch(std::string_view sql);
+    /// The lengths of the packets of the last answer, and their header's session id.
+    const std::vector<std::size_t>& packet_lengths() const { return packet_lengths_; }
+    std::uint16_t session_id() const { return session_id_; }
+    void set_packet_size(std::size_t size) { packet_size_ = size; }
+    const tds::Socket& socket() const { return socket_; }
+
+  private:
+    tds::Socket socket_;
+    std::size_t packet_size_ = 4096;
+    std::vector<std::size_t> packet_lengths_;
+    std::uint16_t session_id_ = 0;
+};
+
+} // namespace devsql::fakes
