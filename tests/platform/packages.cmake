@@ -5,4 +5,6 @@ if(WIN32)
     add_dependencies(packages_com_test dts_com_server)
     # It registers the stand-in's classes and takes them out again.
     set_tests_properties(packages_com_test PROPERTIES RESOURCE_LOCK dts_classes)
+else()
+    kv_test(packages_linux_test LABEL unit SOURCES linux/packages_test.cpp LINK dts_odbc kv_packages)
 endif()
