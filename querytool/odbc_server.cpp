@@ -1,5 +1,7 @@
 #include "querytool/odbc_server.h"
 
+#include <algorithm>
+#include <array>
 #include <string_view>
 #include <utility>
 
@@ -25,6 +27,19 @@ std::string Quoted(std::string_view value) {
         }
     }
     return quoted + "}";
+}
+
+/// Statements that are kept ready: as many batches may ask for the last one's outcome in a row.
+constexpr std::size_t kStock = 8;
+
+/// True if the batch asks the session for the outcome of the statement before.
+bool AsksForLastBatch(std::string_view batch) {
+    constexpr std::array<std::string_view, 2> kVariables = {"@@ERROR", "@@ROWCOUNT"};
+    const auto same_letter = [](char a, char b) { return (a >= 'a' && a <= 'z' ? a - 'a' + 'A' : a) == b; };
+    return std::ranges::any_of(kVariables, [&](std::string_view variable) {
+        return std::search(batch.begin(), batch.end(), variable.begin(), variable.end(), same_letter) !=
+               batch.end();
+    });
 }
 
 void Tell(const std::vector<Diagnostic>& diagnostics, ResultSink& sink) {
@@ -65,6 +80,24 @@ bool OdbcServer::Connect(const LoginSettings& settings, ResultSink& sink) {
     return true;
 }
 
+/// A statement to run the batch with, made ready to keep what stands behind an error. That resets @@ERROR and
+/// @@ROWCOUNT, which a batch may ask for what the one before it left: such a batch takes a statement from the
+/// stock, which is filled up before others.
+Statement OdbcServer::NextStatement(const std::string& batch) {
+    if (!keeps_results_) {
+        keeps_results_ = !connection_->DropsResultsBehindError();
+    }
+    if (*keeps_results_) {
+        return Statement(*connection_);
+    }
+    while (stock_.size() < kStock && (stock_.empty() || !AsksForLastBatch(batch))) {
+        stock_.emplace_back(*connection_).KeepResultsBehindError();
+    }
+    Statement statement = std::move(stock_.back());
+    stock_.pop_back();
+    return statement;
+}
+
 void OdbcServer::TakeResult(Statement& statement, ResultSink& sink) {
     Tell(statement.TakeMessages(), sink);
     if (statement.ColumnCount() != 0) {
@@ -94,7 +127,7 @@ bool OdbcServer::Try(ResultSink& sink, Step&& step) {
 bool OdbcServer::Run(const std::string& batch, ResultSink& sink) {
     bool alive = true;
     const bool started = Try(sink, [&] {
-        Statement statement(*connection_);
+        Statement statement = NextStatement(batch);
         if (query_timeout_ != 0) {
             statement.SetQueryTimeout(query_timeout_);
         }

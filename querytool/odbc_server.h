@@ -2,6 +2,8 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "platform/odbc.h"
 #include "querytool/server.h"
@@ -17,12 +19,15 @@ class OdbcServer : public Server {
     bool Run(const std::string& batch, ResultSink& sink) override;
 
   private:
+    platform::odbc::Statement NextStatement(const std::string& batch);
     void TakeResult(platform::odbc::Statement& statement, ResultSink& sink);
     template <class Step>
     bool Try(ResultSink& sink, Step&& step);
 
     std::optional<platform::odbc::Environment> environment_;
     std::optional<platform::odbc::Connection> connection_;
+    std::vector<platform::odbc::Statement> stock_; ///< goes before the connection
+    std::optional<bool> keeps_results_;            ///< what the driver does, once it was asked
     unsigned query_timeout_ = 0;
 };
 

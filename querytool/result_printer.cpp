@@ -143,7 +143,7 @@ class LineBuilder {
 };
 
 int LevelOf(const Diagnostic& diagnostic) {
-    return diagnostic.severity.value_or(diagnostic.IsMessage() ? 0 : kCommonErrorLevel);
+    return diagnostic.severity.value_or(diagnostic.error ? kCommonErrorLevel : 0);
 }
 
 /// "Msg 208, Level 16, State 1, Server X, Procedure p, Line 1", as far as the driver tells.

@@ -1,10 +1,11 @@
 // Handles, diagnostics and connections.
 #include "platform/odbc.h"
 
-#include <array>
+#include <cstdint>
 #include <utility>
 
 #include "platform/odbc_api.h"
+#include "platform/odbc_types.h"
 
 namespace platform::odbc {
 namespace {
@@ -19,22 +20,17 @@ constexpr std::string_view kServerComponent = "[SQL Server]";
 /// The file of the driver that is reached by way of unixODBC, also under Wine.
 constexpr std::string_view kDriverBehindUnixOdbc = "libtdsodbc";
 
-/// ODBC takes its input text by pointers to non-const.
-SQLCHAR* Text(const std::string& text) {
-    return const_cast<SQLCHAR*>(reinterpret_cast<const SQLCHAR*>(text.data()));
-}
-
 /// ODBC takes small numbers as attribute values in place of a pointer to them.
 SQLPOINTER AttributeValue(std::uintptr_t number) {
     return reinterpret_cast<SQLPOINTER>(number);
 }
 
 std::string DiagnosticText(HandleKind kind, void* handle, SQLSMALLINT record, SQLSMALLINT field) {
-    std::array<char, 512> buffer{};
+    TextBuffer text(512);
     SQLSMALLINT length = 0;
-    const SQLRETURN code = SQLGetDiagField(static_cast<SQLSMALLINT>(kind), handle, record, field,
-                                           buffer.data(), static_cast<SQLSMALLINT>(buffer.size()), &length);
-    return SQL_SUCCEEDED(code) ? std::string(buffer.data()) : std::string();
+    const SQLRETURN code = SQLGetDiagFieldW(static_cast<SQLSMALLINT>(kind), handle, record, field,
+                                            text.Data(), text.ByteCount<SQLSMALLINT>(), &length);
+    return SQL_SUCCEEDED(code) ? text.Text() : std::string();
 }
 
 /// Drivers write these fields as 16 or as 32 bits; the buffer is zeroed, so that both read alike. unixODBC's
@@ -43,31 +39,32 @@ std::optional<std::int32_t> DiagnosticNumber(HandleKind kind, void* handle, SQLS
                                              SQLSMALLINT field) {
     std::int32_t number = 0;
     SQLSMALLINT length = 0;
-    const SQLRETURN code = SQLGetDiagField(static_cast<SQLSMALLINT>(kind), handle, record, field, &number,
-                                           static_cast<SQLSMALLINT>(sizeof number), &length);
+    const SQLRETURN code = SQLGetDiagFieldW(static_cast<SQLSMALLINT>(kind), handle, record, field, &number,
+                                            static_cast<SQLSMALLINT>(sizeof number), &length);
     return SQL_SUCCEEDED(code) && number != 0 ? std::optional(number) : std::nullopt;
 }
 
 bool ReadRecord(HandleKind kind, void* handle, SQLSMALLINT record, Diagnostic& diagnostic) {
-    std::array<SQLCHAR, 6> state{};
+    constexpr std::size_t kStateRoom = SQL_SQLSTATE_SIZE + 1;
+    TextBuffer state(kStateRoom);
     SQLINTEGER native = 0;
     SQLSMALLINT length = 0;
-    std::vector<SQLCHAR> text(1024);
+    TextBuffer text(1024);
     SQLRETURN code = SQL_SUCCESS;
     for (;;) {
-        code = SQLGetDiagRec(static_cast<SQLSMALLINT>(kind), handle, record, state.data(), &native,
-                             text.data(), static_cast<SQLSMALLINT>(text.size()), &length);
-        if (code != SQL_SUCCESS_WITH_INFO || static_cast<std::size_t>(length) < text.size()) {
+        code = SQLGetDiagRecW(static_cast<SQLSMALLINT>(kind), handle, record, state.Data(), &native,
+                              text.Data(), text.CharacterCount<SQLSMALLINT>(), &length);
+        if (code != SQL_SUCCESS_WITH_INFO || static_cast<std::size_t>(length) < text.Characters()) {
             break;
         }
-        text.resize(static_cast<std::size_t>(length) + 1);
+        text = TextBuffer(static_cast<std::size_t>(length) + 1);
     }
     if (!SQL_SUCCEEDED(code)) {
         return false;
     }
-    diagnostic.sql_state = reinterpret_cast<const char*>(state.data());
+    diagnostic.sql_state = state.Text();
     diagnostic.native_error = native;
-    diagnostic.message = reinterpret_cast<const char*>(text.data());
+    diagnostic.message = text.Text();
     diagnostic.server = DiagnosticText(kind, handle, record, kDiagServerName);
     if (diagnostic.server.empty()) {
         diagnostic.server = DiagnosticText(kind, handle, record, SQL_DIAG_SERVER_NAME);
@@ -230,27 +227,26 @@ void Connection::Close() noexcept {
 }
 
 void Connection::DriverConnect(const std::string& connection_string, unsigned login_timeout) {
-    handle_.Check("SQLSetConnectAttr", SQLSetConnectAttr(handle_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
-                                                         AttributeValue(login_timeout), SQL_IS_UINTEGER));
-    std::array<SQLCHAR, 1024> completed{};
+    handle_.Check("SQLSetConnectAttr", SQLSetConnectAttrW(handle_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
+                                                          AttributeValue(login_timeout), SQL_IS_UINTEGER));
+    TextArgument text(connection_string);
     SQLSMALLINT length = 0;
-    handle_.Check("SQLDriverConnect",
-                  SQLDriverConnect(handle_.Get(), nullptr, Text(connection_string), SQL_NTS, completed.data(),
-                                   static_cast<SQLSMALLINT>(completed.size()), &length, SQL_DRIVER_NOPROMPT));
+    handle_.Check("SQLDriverConnect", SQLDriverConnectW(handle_.Get(), nullptr, text.Data(), SQL_NTS, nullptr,
+                                                        0, &length, SQL_DRIVER_NOPROMPT));
     connected_ = true;
 }
 
 void Connection::SetPacketSize(unsigned bytes) {
-    handle_.Check("SQLSetConnectAttr", SQLSetConnectAttr(handle_.Get(), SQL_ATTR_PACKET_SIZE,
-                                                         AttributeValue(bytes), SQL_IS_UINTEGER));
+    handle_.Check("SQLSetConnectAttr", SQLSetConnectAttrW(handle_.Get(), SQL_ATTR_PACKET_SIZE,
+                                                          AttributeValue(bytes), SQL_IS_UINTEGER));
 }
 
 std::string Connection::Info(std::uint16_t type) {
-    std::array<char, 512> text{};
+    TextBuffer text(512);
     SQLSMALLINT length = 0;
-    handle_.Check("SQLGetInfo", SQLGetInfo(handle_.Get(), type, text.data(),
-                                           static_cast<SQLSMALLINT>(text.size()), &length));
-    return text.data();
+    handle_.Check("SQLGetInfo",
+                  SQLGetInfoW(handle_.Get(), type, text.Data(), text.ByteCount<SQLSMALLINT>(), &length));
+    return text.Text();
 }
 
 void Connection::Disconnect() {
@@ -262,7 +258,7 @@ void Connection::Disconnect() {
 bool Connection::Dead() {
     SQLUINTEGER dead = SQL_CD_FALSE;
     const SQLRETURN code =
-        SQLGetConnectAttr(handle_.Get(), SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
+        SQLGetConnectAttrW(handle_.Get(), SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
     return SQL_SUCCEEDED(code) && dead == SQL_CD_TRUE;
 }
 

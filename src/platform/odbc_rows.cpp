@@ -20,8 +20,8 @@ constexpr std::size_t kPieceBytes = 64 * 1024;
 
 /// A column that is bound, with a value and an indicator for each row of the block.
 struct BoundColumn {
-    SQLSMALLINT c_type = SQL_C_CHAR;
-    std::size_t width = 0;
+    SQLSMALLINT c_type = SQL_C_WCHAR;
+    std::size_t width = 0; ///< bytes of a value
     std::vector<char> data;
     std::vector<SQLLEN> indicators;
 };
@@ -32,7 +32,13 @@ std::size_t WidthOf(const Column& column, SQLSMALLINT c_type) {
         return fixed;
     }
     // Text takes a character more for the NUL behind it; a decimal's sign and point are in its display size.
-    return std::max(column.size, column.display_size) + 1;
+    return c_type == SQL_C_BINARY ? column.size
+                                  : (std::max(column.size, column.display_size) + 1) * sizeof(char16_t);
+}
+
+/// Bytes of a value that a buffer of `size` bytes takes: text has a NUL behind it.
+std::size_t RoomFor(SQLSMALLINT c_type, std::size_t size) {
+    return c_type == SQL_C_WCHAR ? size - sizeof(char16_t) : size;
 }
 
 SQLPOINTER AttributeValue(std::uintptr_t number) {
@@ -87,12 +93,12 @@ void RowReader::State::Layout() {
 
 void RowReader::State::BindAll() {
     Handle& handle = statement->Owner();
-    handle.Check("SQLSetStmtAttr", SQLSetStmtAttr(handle.Get(), SQL_ATTR_ROW_ARRAY_SIZE,
-                                                  AttributeValue(block_rows), SQL_IS_UINTEGER));
+    handle.Check("SQLSetStmtAttr", SQLSetStmtAttrW(handle.Get(), SQL_ATTR_ROW_ARRAY_SIZE,
+                                                   AttributeValue(block_rows), SQL_IS_UINTEGER));
     handle.Check("SQLSetStmtAttr",
-                 SQLSetStmtAttr(handle.Get(), SQL_ATTR_ROWS_FETCHED_PTR, &fetched, SQL_IS_POINTER));
+                 SQLSetStmtAttrW(handle.Get(), SQL_ATTR_ROWS_FETCHED_PTR, &fetched, SQL_IS_POINTER));
     handle.Check("SQLSetStmtAttr",
-                 SQLSetStmtAttr(handle.Get(), SQL_ATTR_ROW_STATUS_PTR, row_status.data(), SQL_IS_POINTER));
+                 SQLSetStmtAttrW(handle.Get(), SQL_ATTR_ROW_STATUS_PTR, row_status.data(), SQL_IS_POINTER));
     SQLUSMALLINT number = 0;
     for (BoundColumn& column : bound) {
         ++number;
@@ -121,7 +127,7 @@ bool RowReader::State::FetchBlock() {
 Value RowReader::State::BoundValue(std::size_t column, std::size_t row) const {
     const BoundColumn& buffer = bound[column];
     const SQLLEN indicator = buffer.indicators[row];
-    const std::size_t room = buffer.c_type == SQL_C_BINARY ? buffer.width : buffer.width - 1;
+    const std::size_t room = RoomFor(buffer.c_type, buffer.width);
     const bool varies = FixedSize(buffer.c_type) == 0;
     if (varies && indicator != SQL_NULL_DATA &&
         (indicator < 0 || static_cast<std::size_t>(indicator) > room)) {
@@ -139,9 +145,9 @@ Value RowReader::State::LongValue(std::size_t column) {
     Handle& handle = statement->Owner();
     const SQLSMALLINT c_type = BufferType(columns[column].type);
     piece.resize(kPieceBytes);
-    const std::size_t room = c_type == SQL_C_CHAR ? piece.size() - 1 : piece.size();
+    const std::size_t room = RoomFor(c_type, piece.size());
     std::string whole;
-    for (bool first = true;; first = false) {
+    for (;;) {
         SQLLEN indicator = 0;
         const SQLRETURN code = SQLGetData(handle.Get(), static_cast<SQLUSMALLINT>(column + 1), c_type,
                                           piece.data(), static_cast<SQLLEN>(piece.size()), &indicator);
@@ -152,7 +158,7 @@ Value RowReader::State::LongValue(std::size_t column) {
         if (indicator == SQL_NULL_DATA) {
             return {};
         }
-        if (const std::size_t fixed = FixedSize(c_type); first && fixed != 0) {
+        if (FixedSize(c_type) != 0) {
             return ReadValue(c_type, piece.data(), indicator);
         }
         const bool cut = indicator == SQL_NO_TOTAL || static_cast<std::size_t>(indicator) > room;
@@ -161,15 +167,15 @@ Value RowReader::State::LongValue(std::size_t column) {
             break;
         }
     }
-    return c_type == SQL_C_BINARY ? Value(Bytes{std::move(whole)}) : Value(std::move(whole));
+    return ReadValue(c_type, whole.data(), static_cast<SQLLEN>(whole.size()));
 }
 
 void RowReader::State::Release() noexcept {
     // Whatever these answer: the buffers go now, and the statement must not know them any more.
     SQLFreeStmt(statement->Get(), SQL_UNBIND);
-    SQLSetStmtAttr(statement->Get(), SQL_ATTR_ROW_STATUS_PTR, nullptr, SQL_IS_POINTER);
-    SQLSetStmtAttr(statement->Get(), SQL_ATTR_ROWS_FETCHED_PTR, nullptr, SQL_IS_POINTER);
-    SQLSetStmtAttr(statement->Get(), SQL_ATTR_ROW_ARRAY_SIZE, AttributeValue(1), SQL_IS_UINTEGER);
+    SQLSetStmtAttrW(statement->Get(), SQL_ATTR_ROW_STATUS_PTR, nullptr, SQL_IS_POINTER);
+    SQLSetStmtAttrW(statement->Get(), SQL_ATTR_ROWS_FETCHED_PTR, nullptr, SQL_IS_POINTER);
+    SQLSetStmtAttrW(statement->Get(), SQL_ATTR_ROW_ARRAY_SIZE, AttributeValue(1), SQL_IS_UINTEGER);
 }
 
 RowReader::RowReader(Statement& statement) : state_(std::make_unique<State>()) {

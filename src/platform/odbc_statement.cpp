@@ -11,29 +11,25 @@
 namespace platform::odbc {
 namespace {
 
-SQLCHAR* Text(const std::string& text) {
-    return const_cast<SQLCHAR*>(reinterpret_cast<const SQLCHAR*>(text.data()));
-}
-
 std::size_t NumericAttribute(Handle& handle, SQLUSMALLINT column, SQLUSMALLINT field) {
     SQLLEN number = 0;
     handle.Check("SQLColAttribute",
-                 SQLColAttribute(handle.Get(), column, field, nullptr, 0, nullptr, &number));
+                 SQLColAttributeW(handle.Get(), column, field, nullptr, 0, nullptr, &number));
     return number > 0 ? static_cast<std::size_t>(number) : 0;
 }
 
 Column DescribeColumn(Handle& handle, SQLUSMALLINT number) {
-    std::array<SQLCHAR, 512> name{};
+    TextBuffer name(512);
     SQLSMALLINT name_length = 0;
     SQLSMALLINT type = 0;
     SQLULEN size = 0;
     SQLSMALLINT decimal_digits = 0;
     SQLSMALLINT nullable = 0;
     handle.Check("SQLDescribeCol",
-                 SQLDescribeCol(handle.Get(), number, name.data(), static_cast<SQLSMALLINT>(name.size()),
-                                &name_length, &type, &size, &decimal_digits, &nullable));
+                 SQLDescribeColW(handle.Get(), number, name.Data(), name.CharacterCount<SQLSMALLINT>(),
+                                 &name_length, &type, &size, &decimal_digits, &nullable));
     Column column;
-    column.name = reinterpret_cast<const char*>(name.data());
+    column.name = name.Text();
     column.type = static_cast<SqlType>(type);
     column.size = size;
     column.decimal_digits = decimal_digits;
@@ -63,9 +59,9 @@ Statement::~Statement() = default;
 
 void Statement::SetQueryTimeout(unsigned seconds) {
     handle_.Check("SQLSetStmtAttr",
-                  SQLSetStmtAttr(handle_.Get(), SQL_ATTR_QUERY_TIMEOUT,
-                                 reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(seconds)),
-                                 SQL_IS_UINTEGER));
+                  SQLSetStmtAttrW(handle_.Get(), SQL_ATTR_QUERY_TIMEOUT,
+                                  reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(seconds)),
+                                  SQL_IS_UINTEGER));
 }
 
 void Statement::KeepResultsBehindError() {
@@ -77,12 +73,13 @@ void Statement::KeepResultsBehindError() {
 }
 
 void Statement::ExecDirect(const std::string& sql) {
-    handle_.Check("SQLExecDirect",
-                  SQLExecDirect(handle_.Get(), Text(sql), static_cast<SQLINTEGER>(sql.size())));
+    TextArgument text(sql);
+    handle_.Check("SQLExecDirect", SQLExecDirectW(handle_.Get(), text.Data(), text.Size<SQLINTEGER>()));
 }
 
 void Statement::Prepare(const std::string& sql) {
-    handle_.Check("SQLPrepare", SQLPrepare(handle_.Get(), Text(sql), static_cast<SQLINTEGER>(sql.size())));
+    TextArgument text(sql);
+    handle_.Check("SQLPrepare", SQLPrepareW(handle_.Get(), text.Data(), text.Size<SQLINTEGER>()));
 }
 
 void Statement::Bind(std::uint16_t position, const Parameter& parameter) {
@@ -140,13 +137,14 @@ std::int64_t Statement::RowCount() {
 }
 
 void Statement::Procedures() {
-    handle_.Check("SQLProcedures", SQLProcedures(handle_.Get(), nullptr, 0, nullptr, 0, nullptr, 0));
+    handle_.Check("SQLProcedures", SQLProceduresW(handle_.Get(), nullptr, 0, nullptr, 0, nullptr, 0));
 }
 
 void Statement::ProcedureColumns(const std::string& procedure) {
+    TextArgument name(procedure);
     handle_.Check("SQLProcedureColumns",
-                  SQLProcedureColumns(handle_.Get(), nullptr, 0, nullptr, 0, Text(procedure),
-                                      static_cast<SQLSMALLINT>(procedure.size()), nullptr, 0));
+                  SQLProcedureColumnsW(handle_.Get(), nullptr, 0, nullptr, 0, name.Data(),
+                                       name.Size<SQLSMALLINT>(), nullptr, 0));
 }
 
 } // namespace platform::odbc

@@ -81,7 +81,10 @@ struct Encode {
     void operator()(bool value) const { Fixed(SQL_C_BIT, static_cast<unsigned char>(value)); }
     void operator()(std::int64_t value) const { Fixed(SQL_C_SBIGINT, value); }
     void operator()(double value) const { Fixed(SQL_C_DOUBLE, value); }
-    void operator()(const std::string& value) const { Varying(SQL_C_CHAR, value); }
+    void operator()(const std::string& value) const {
+        const std::u16string wide = Widen(value);
+        Varying(SQL_C_WCHAR, {reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(char16_t)});
+    }
     void operator()(const Bytes& value) const { Varying(SQL_C_BINARY, value.data); }
     void operator()(const Timestamp& value) const { Fixed(SQL_C_TYPE_TIMESTAMP, ToOdbc(value)); }
     void operator()(const Guid& value) const { Fixed(SQL_C_GUID, value); }
@@ -92,7 +95,7 @@ struct Encode {
         buffer.data = Store(value);
         buffer.length = sizeof value;
     }
-    void Varying(SQLSMALLINT c_type, const std::string& value) const {
+    void Varying(SQLSMALLINT c_type, std::string_view value) const {
         buffer.c_type = c_type;
         buffer.data.assign(value.begin(), value.end());
         buffer.length = value.size();
@@ -103,7 +106,7 @@ struct Encode {
 
 SQLSMALLINT BufferType(SqlType type) {
     const auto* row = std::ranges::find(kBufferTypes, type, &TypeRow::type);
-    return row != kBufferTypes.end() ? row->c_type : static_cast<SQLSMALLINT>(SQL_C_CHAR);
+    return row != kBufferTypes.end() ? row->c_type : static_cast<SQLSMALLINT>(SQL_C_WCHAR);
 }
 
 std::size_t FixedSize(SQLSMALLINT c_type) {
@@ -141,7 +144,8 @@ Value ReadValue(SQLSMALLINT c_type, const char* data, SQLLEN indicator) {
     case SQL_C_BINARY:
         return Bytes{std::string(data, static_cast<std::size_t>(indicator))};
     default:
-        return std::string(data, static_cast<std::size_t>(indicator));
+        return Narrow({reinterpret_cast<const char16_t*>(data),
+                       static_cast<std::size_t>(indicator) / sizeof(char16_t)});
     }
 }
 
@@ -154,8 +158,10 @@ ValueBuffer MakeParameterBuffer(const Parameter& parameter) {
     if (fixed == 0 && parameter.direction != Direction::Input) {
         room = std::max(parameter.size, kNumberText);
     }
-    // One byte more than the text, for the NUL that the driver puts behind it.
-    buffer.data.resize(std::max(buffer.data.size(), room) + (fixed == 0 ? 1 : 0));
+    if (buffer.c_type == SQL_C_WCHAR) {
+        room = (room + 1) * sizeof(char16_t); // and the NUL that the driver puts behind it
+    }
+    buffer.data.resize(std::max(buffer.data.size(), room));
     return buffer;
 }
 
@@ -171,7 +177,9 @@ ParameterShape ShapeOf(const Parameter& parameter, const ValueBuffer& buffer) {
     default:
         break;
     }
-    const std::size_t size = std::max({parameter.size, buffer.length, std::size_t{1}});
+    const std::size_t length =
+        buffer.c_type == SQL_C_WCHAR ? buffer.length / sizeof(char16_t) : buffer.length;
+    const std::size_t size = std::max({parameter.size, length, std::size_t{1}});
     return {size, parameter.decimal_digits};
 }
 

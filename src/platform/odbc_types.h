@@ -3,14 +3,55 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "platform/code_page.h"
 #include "platform/odbc.h"
 #include "platform/odbc_api.h"
 
 namespace platform::odbc {
 
-/// What a column of the type is bound as; SQL_C_CHAR where nothing fits better.
+static_assert(sizeof(SQLWCHAR) == sizeof(char16_t));
+
+/// A text on its way into a call. The wide calls are used, and the text is converted here: what the narrow
+/// ones take their bytes for depends on the driver manager, the driver and the locale (docs/odbc.md).
+class TextArgument {
+  public:
+    explicit TextArgument(std::string_view text) : wide_(Widen(text)) {}
+    SQLWCHAR* Data() { return reinterpret_cast<SQLWCHAR*>(wide_.data()); }
+    /// In characters.
+    template <class Length>
+    Length Size() const {
+        return static_cast<Length>(wide_.size());
+    }
+
+  private:
+    std::u16string wide_;
+};
+
+/// Room for a text that a call writes.
+class TextBuffer {
+  public:
+    explicit TextBuffer(std::size_t characters) : wide_(characters, u'\0') {}
+    SQLWCHAR* Data() { return reinterpret_cast<SQLWCHAR*>(wide_.data()); }
+    std::size_t Characters() const { return wide_.size(); }
+    template <class Length>
+    Length CharacterCount() const {
+        return static_cast<Length>(wide_.size());
+    }
+    template <class Length>
+    Length ByteCount() const {
+        return static_cast<Length>(wide_.size() * sizeof(char16_t));
+    }
+    /// Up to the NUL.
+    std::string Text() const { return Narrow(wide_.c_str()); }
+
+  private:
+    std::u16string wide_;
+};
+
+/// What a column of the type is bound as; SQL_C_WCHAR where nothing fits better.
 SQLSMALLINT BufferType(SqlType type);
 /// Bytes that one value of the buffer type takes; 0 for text and bytes, whose length varies.
 std::size_t FixedSize(SQLSMALLINT c_type);
@@ -19,9 +60,9 @@ Value ReadValue(SQLSMALLINT c_type, const char* data, SQLLEN indicator);
 
 /// A value as a parameter marker is bound to it.
 struct ValueBuffer {
-    SQLSMALLINT c_type = SQL_C_CHAR;
+    SQLSMALLINT c_type = SQL_C_WCHAR;
     std::vector<char> data; ///< never empty
-    std::size_t length = 0; ///< of the value that goes in
+    std::size_t length = 0; ///< of the value that goes in, in bytes
     bool null = false;
 };
 
