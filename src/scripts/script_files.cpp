@@ -40,9 +40,17 @@ std::string DataFolder() {
 }
 
 std::string ReadFileContent(const std::string& path) {
-    const std::string raw = platform::ReadWholeFile(path);
+    std::string raw = platform::ReadWholeFile(path);
     std::size_t size = 0;
-    ForEachLine(raw, [&](std::string_view line) { size += line.size() + kLineEnd.size(); });
+    bool is_ended_by_cr_lf = true;
+    ForEachLine(raw, [&](std::string_view line) {
+        size += line.size() + kLineEnd.size();
+        const auto end = static_cast<std::size_t>(line.data() - raw.data()) + line.size();
+        is_ended_by_cr_lf = is_ended_by_cr_lf && raw.compare(end, kLineEnd.size(), kLineEnd) == 0;
+    });
+    if (is_ended_by_cr_lf) {
+        return raw; // the usual template: nothing to change, and no second copy of a large one
+    }
     std::string content;
     content.reserve(size);
     ForEachLine(raw, [&](std::string_view line) { content.append(line).append(kLineEnd); });

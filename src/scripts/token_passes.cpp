@@ -53,7 +53,8 @@ std::string RunPass(const std::string& text, const TokenPass& pass) {
         }
         at = text.find('#', at);
     }
-    return copied == 0 ? text : result.append(text, copied);
+    result.append(text, copied);
+    return result;
 }
 
 std::string RunAllPasses(std::string_view run, const std::vector<TokenPass>& passes) {
@@ -144,7 +145,8 @@ std::string ReplaceTokens(std::string_view text, const std::vector<TokenPass>& p
         result.append(text.substr(copied, replacement.begin - copied)).append(*replacement.result);
         copied = replacement.end;
     }
-    return result.append(text.substr(copied));
+    result.append(text.substr(copied));
+    return result;
 }
 
 } // namespace kv
