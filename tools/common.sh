@@ -1,0 +1,52 @@
+# What ./demo, ./check and ./bench have in common: telling what they do, packages, builds, Wine.
+# To be sourced from the root of the checkout.
+
+export DEBIAN_FRONTEND=noninteractive
+# Compiled objects of earlier runs are taken again, also after the build tree is gone.
+export CCACHE_DIR="${CCACHE_DIR:-$PWD/build/ccache}" CCACHE_MAXSIZE="${CCACHE_MAXSIZE:-2G}"
+
+BUILD_PACKAGES="build-essential cmake ninja-build ccache libgtest-dev libgmock-dev libbenchmark-dev unixodbc-dev libsqlite3-dev"
+RUN_PACKAGES="tdsodbc freetds-bin python3 python3-pymssql"
+WINDOWS_PACKAGES="g++-mingw-w64-x86-64 g++-mingw-w64-i686 wine wine64 xvfb openbox"
+STYLE_PACKAGES="clang-format clang-tidy"
+
+started=$SECONDS
+
+# say TEXT: one line on what is being done, with the time since the start.
+say() { printf '[%2d:%02d] %s\n' $(((SECONDS - started) / 60)) $(((SECONDS - started) % 60)) "$*"; }
+
+# need PACKAGE…: installs what is missing.
+need() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed' || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    local root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || { echo "missing packages, and neither root nor sudo to install them: ${missing[*]}" >&2; exit 1; }
+        root=(sudo)
+    fi
+    say "installing ${#missing[@]} packages: ${missing[*]}"
+    mkdir -p build
+    if ! { "${root[@]}" apt-get update -qq && "${root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"; } > build/packages.log 2>&1; then
+        tail -20 build/packages.log >&2
+        echo "the packages could not be installed; the whole output is in build/packages.log" >&2
+        exit 1
+    fi
+}
+
+# build PRESET [TARGET…]: configures once and builds; quiet unless it fails.
+build() {
+    local preset=$1
+    shift
+    say "building $preset${*:+: $*}"
+    mkdir -p build
+    local log=build/$preset.log
+    if ! { { [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset"; } && cmake --build --preset "$preset" ${*:+--target "$@"}; } > "$log" 2>&1; then
+        grep -E 'error|warning|Error|FAILED|undefined' "$log" | head -40 >&2
+        tail -5 "$log" >&2
+        echo "the build failed; the whole output is in $log" >&2
+        exit 1
+    fi
+}
