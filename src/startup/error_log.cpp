@@ -22,11 +22,19 @@ class WritingMark {
     ~WritingMark() { writing = false; }
 };
 
-/// A plain file of that name answers the directory lookup too, and then nothing is made.
+/// A plain file of that name answers the directory lookup too, and then nothing is made. Another process may
+/// have made the folder since the lookup.
 void MakeDataFolder() {
     const std::string folder = platform::ExecutableFolder() + "\\Data";
-    if (!platform::FolderExists(folder) && !platform::FileExists(folder)) {
+    if (platform::FolderExists(folder) || platform::FileExists(folder)) {
+        return;
+    }
+    try {
         platform::CreateFolder(folder);
+    } catch (const platform::FileError& error) {
+        if (error.Fault() != platform::FileFault::AlreadyExists) {
+            throw;
+        }
     }
 }
 

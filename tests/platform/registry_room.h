@@ -19,6 +19,9 @@ class RegistryRoom {
     std::string Key() const;
     std::string Key(const std::string& below) const { return Key() + "\\" + below; }
 
+    /// From here on HKEY_LOCAL_MACHINE is an empty one of the room's own, as far as this process sees.
+    void OwnLocalMachine();
+
     /// Stores exactly these bytes, without the NUL that the ordinary calls add to a text. Text is in the
     /// 8-bit code page.
     void Put(std::int32_t hive, const std::string& key, const std::string& name, std::uint32_t type,

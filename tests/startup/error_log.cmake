@@ -10,6 +10,9 @@ if(WIN32)
     set(registry_system windows)
 else()
     set(registry_system linux)
+    kv_test(startup_damaged_registry_test LABEL unit
+            SOURCES damaged_registry_test.cpp
+            LINK fake_files fake_clock kv_startup)
 endif()
 kv_test(startup_on_this_system_test LABEL unit
         SOURCES startup_on_this_system_test.cpp ../platform/${registry_system}/registry_room.cpp

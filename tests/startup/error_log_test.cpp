@@ -102,6 +102,12 @@ TEST_F(ErrorLog, TakesAPlainFileForTheDataFolder) {
     EXPECT_TRUE(files_.HasFile(kLogFile));
 }
 
+TEST_F(ErrorLog, TakesADataFolderThatAnotherProcessMadeMeanwhile) {
+    files_.FailNext("create folder", kDataFolder, platform::FileFault::AlreadyExists);
+    WriteErrorLog("a");
+    EXPECT_TRUE(files_.HasFile(kLogFile));
+}
+
 TEST_F(ErrorLog, ReadsTheDefaultValueOfTheLogKeyOnce) {
     WriteErrorLog("a");
     EXPECT_EQ(registry_.Calls(),

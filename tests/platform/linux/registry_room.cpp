@@ -43,6 +43,9 @@ std::string RegistryRoom::Key() const {
     return "SOFTWARE\\KVLSQLDbMgrTest";
 }
 
+/// The whole file is the room's.
+void RegistryRoom::OwnLocalMachine() {}
+
 void RegistryRoom::Put(std::int32_t hive, const std::string& key, const std::string& name, std::uint32_t type,
                        const std::string& bytes) {
     std::ofstream file(File(), std::ios::app | std::ios::binary);

@@ -33,11 +33,20 @@ RegistryRoom::RegistryRoom() {
 }
 
 RegistryRoom::~RegistryRoom() {
+    ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
     Clear(Key());
 }
 
 std::string RegistryRoom::Key() const {
     return "SOFTWARE\\KVLSQLDbMgrTest" + std::to_string(::GetCurrentProcessId());
+}
+
+void RegistryRoom::OwnLocalMachine() {
+    HKEY machine = nullptr;
+    Must(::RegCreateKeyA(HKEY_CURRENT_USER, Key("LocalMachine").c_str(), &machine));
+    const LSTATUS error = ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine);
+    ::RegCloseKey(machine);
+    Must(error);
 }
 
 void RegistryRoom::Put(std::int32_t hive, const std::string& key, const std::string& name, std::uint32_t type,
