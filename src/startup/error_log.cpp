@@ -49,11 +49,11 @@ std::string DateAndTime(const platform::LocalTime& time) {
 
 std::string ErrorLogLine(const platform::LocalTime& time, const std::string& strSource,
                          const ErrorState& error) {
-    const std::string line = DateAndTime(time) + " : Error in " + strSource;
-    if (error.number == 0) {
-        return line;
+    std::string line = DateAndTime(time) + " : Error in " + strSource;
+    if (error.number != 0) {
+        line += " : " + std::to_string(error.number) + ", " + error.description;
     }
-    return line + " : " + std::to_string(error.number) + ", " + error.description;
+    return line;
 }
 
 void WriteErrorLog(const std::string& strSource) {

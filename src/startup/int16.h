@@ -30,7 +30,10 @@ class Int16 {
     friend constexpr Int16 operator*(Int16 left, Int16 right) {
         return Int16(std::int64_t{left.value_} * right.value_);
     }
-    friend constexpr auto operator<=>(Int16, Int16) = default;
+    friend constexpr bool operator==(Int16, Int16) = default;
+    friend constexpr std::strong_ordering operator<=>(Int16 left, Int16 right) {
+        return left.value_ <=> right.value_;
+    }
 
   private:
     static constexpr std::int16_t Checked(std::int64_t value) {

@@ -24,7 +24,7 @@ const std::string kSound =
     "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVIK\\QUORLEN\\Log]\r\n@=\"D:\\\\Log\"\r\n";
 
 class DamagedRegistry : public testing::Test {
-  protected:
+  public:
     DamagedRegistry() {
         std::string pattern = (fs::temp_directory_path() / "kv_damaged_XXXXXX").string();
         folder_ = ::mkdtemp(pattern.data());
@@ -37,6 +37,7 @@ class DamagedRegistry : public testing::Test {
         fs::remove_all(folder_);
     }
 
+  protected:
     void Put(const std::string& name, const std::string& bytes) const {
         std::ofstream(folder_ / name, std::ios::binary) << bytes;
     }

@@ -26,7 +26,7 @@ constexpr const char* kLine = "2006-05-12 14:03:22 : Error in ";
 /// The log key is the program's own, one for the whole system: it is left without a value where there is
 /// none.
 class ThisSystem : public testing::Test {
-  protected:
+  public:
     ThisSystem()
         : start_(fs::current_path()),
           folder_(fs::temp_directory_path() / ("kv_startup_" + std::to_string(std::random_device{}()))) {
@@ -43,6 +43,7 @@ class ThisSystem : public testing::Test {
         fs::remove_all(folder_);
     }
 
+  protected:
     std::string Log() const {
         std::ifstream file(folder_ / "Log" / (platform::ExecutableName() + ".log"), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};

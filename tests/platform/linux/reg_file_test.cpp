@@ -79,8 +79,12 @@ TEST(RegFile, PassesOverCommentsBlankLinesAndBlanks) {
 
 TEST(RegFile, ReadsEveryKindOfLineEndAndNoneBehindTheLastLine) {
     for (const std::string end : {"\r\n", "\n", "\r"}) {
-        const RegFile file("REGEDIT4" + end + end + "[HKLM\\A]" + end + "\"v\"=\"one\"" + end +
-                           "\"w\"=\"two\"");
+        std::string bytes;
+        for (const char* line : {"REGEDIT4", "", "[HKLM\\A]", "\"v\"=\"one\""}) {
+            bytes += line;
+            bytes += end;
+        }
+        const RegFile file(bytes + "\"w\"=\"two\"");
         EXPECT_EQ(TextOf(file, "A", "v"), "one");
         EXPECT_EQ(TextOf(file, "A", "w"), "two");
     }

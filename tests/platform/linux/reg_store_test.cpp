@@ -32,7 +32,7 @@ namespace fs = std::filesystem;
 constexpr const char* kKey = R"(SOFTWARE\Orvik\Test)";
 
 class RegStore : public testing::Test {
-  protected:
+  public:
     RegStore() {
         std::string pattern = (fs::temp_directory_path() / "kv_reg_store_XXXXXX").string();
         folder_ = ::mkdtemp(pattern.data());
@@ -45,6 +45,7 @@ class RegStore : public testing::Test {
         fs::remove_all(folder_);
     }
 
+  protected:
     fs::path File() const { return folder_ / "registry.reg"; }
 
     void Put(const std::string& bytes) const { Put(File(), bytes); }
