@@ -7,4 +7,9 @@ if(WIN32)
     set_tests_properties(packages_com_test PROPERTIES RESOURCE_LOCK dts_classes)
 else()
     kv_test(packages_linux_test LABEL unit SOURCES linux/packages_test.cpp LINK dts_odbc kv_packages)
+    kv_test(packages_server_test
+            LABEL server
+            SOURCES linux/packages_server_test.cpp
+            LINK dts_dev_server kv_packages)
+    add_dependencies(packages_server_test devsqlserver)
 endif()
