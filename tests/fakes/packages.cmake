@@ -15,4 +15,9 @@ if(WIN32)
         # The entry points lose the "@n" that x86 adds to their names.
         target_link_options(dts_com_server PRIVATE -Wl,--enable-stdcall-fixup)
     endif()
+else()
+    kv_fake(dts_dev_server dts_dev_server.cpp)
+    target_compile_definitions(dts_dev_server
+        PRIVATE KV_DEVSQLSERVER="$<TARGET_FILE:devsqlserver>"
+                KV_ODBC_CONFIG="${PROJECT_SOURCE_DIR}/src/platform/odbc_config")
 endif()

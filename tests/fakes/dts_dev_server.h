@@ -1,0 +1,32 @@
+// A development server of a test's own: started on a free port in a fresh folder, stopped and cleared away.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include <sys/types.h>
+
+namespace fakes {
+
+/// One login: sa, with the password "Test-1".
+class DevServer {
+  public:
+    /// Throws std::runtime_error when the server is not ready after a minute.
+    DevServer();
+    DevServer(const DevServer&) = delete;
+    DevServer& operator=(const DevServer&) = delete;
+    ~DevServer();
+
+    /// "127.0.0.1,port", as a connection string names it.
+    std::string Name() const { return "127.0.0.1," + std::to_string(port_); }
+    void Stop();
+
+  private:
+    int Start(const std::filesystem::path& logins);
+
+    std::filesystem::path folder_;
+    pid_t process_ = 0;
+    int port_ = 0;
+};
+
+} // namespace fakes
