@@ -61,6 +61,9 @@ class Package final : public RecordedObject {
             file_ = platform::ReadPackageFile(arguments.Text(0));
         } else if (id == kRemove) {
             platform::PackageStore(ServerOf(arguments)).RemoveNewest(arguments.Text(6));
+        } else if (file_.content.empty()) {
+            throw platform::PackageError(E_UNEXPECTED, "DTS.Package",
+                                         "No package is loaded that could be saved");
         } else {
             platform::PackageStore(ServerOf(arguments)).Add(file_);
         }
