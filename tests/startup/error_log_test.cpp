@@ -99,7 +99,7 @@ TEST_F(ErrorLog, LeavesADataFolderThatIsThere) {
 TEST_F(ErrorLog, TakesAPlainFileForTheDataFolder) {
     files_.AddFile(kDataFolder, "");
     WriteErrorLog("a");
-    EXPECT_TRUE(files_.HasFile(kLogFile));
+    EXPECT_EQ(files_.Log(), (std::vector<std::string>{std::string("append ") + kLogFile}));
 }
 
 TEST_F(ErrorLog, TakesADataFolderThatAnotherProcessMadeMeanwhile) {
