@@ -28,7 +28,8 @@ int CompareValues(const Value& a, const Type& a_type, const Value& b, const Type
 /// Compares two values of the same data type (lengths, precision and scale may differ) without conversion.
 int CompareSameType(const Value& a, const Value& b, TypeId type);
 
-/// A key for hashing and grouping values of one type: equal keys are equal values.
-std::string ValueKey(const Value& value, TypeId type);
+/// A key for hashing and grouping values of one type: equal keys are equal values. NULL alone has the empty
+/// key.
+std::string ValueKey(const Value& value);
 
 } // namespace devsql

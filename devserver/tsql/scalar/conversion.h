@@ -37,10 +37,11 @@ struct Literal {
     Value value;
 };
 
-/// 42 is an int, 4200000000 and 1.50 are numeric, 1e0 is a float. `text` as the lexer has cut it out: digits,
-/// a point, an exponent, no sign. Raises 1007 beyond 38 digits, 168 beyond the range of float.
+/// 42 is an int (of IntLiteralType), 4200000000 and 1.50 are numeric, 1e0 is a float. `text` as the lexer has
+/// cut it out: digits, a point, an exponent, no sign. Raises 1007 beyond 38 digits, 168 beyond the range of
+/// float.
 Literal ParseNumberLiteral(std::string_view text);
-/// "$1.5", "$" (0), also "£" and "€": money. Commas are left out. Raises 1007 beyond its range.
+/// "$1.5", "$" (0), also "£" and "€": money. Commas are left out. Raises 151 beyond its range.
 Literal ParseMoneyLiteral(std::string_view text);
 /// "0x", "0xAB", "0xABC" (0x0ABC): varbinary.
 Literal ParseBinaryLiteral(std::string_view text);

@@ -18,11 +18,13 @@ struct ScalarFunction {
     std::string_view name; ///< upper case
     int min_arguments = 0;
     int max_arguments = 0;
-    /// The result's type. Raises 8116 for a type that the function doesn't take.
+    /// The result's type; call it through ResultType.
     Type (*result_type)(std::span<const Type> arguments);
     /// The result, of that type. As many values as types. DATEADD, DATEDIFF, DATEPART and DATENAME take the
     /// word for the part as a text in their first argument.
     Value (*evaluate)(std::span<const Value> arguments, std::span<const Type> types);
+    /// True for the few that take text, ntext and image.
+    bool takes_old_lobs = false;
 };
 
 /// Without regard to case; null if there is no such function here.
@@ -31,6 +33,22 @@ std::span<const ScalarFunction> AllFunctions();
 
 /// Raises 174 or 189 when `count` arguments are too few or too many.
 void CheckArgumentCount(const ScalarFunction& function, std::size_t count);
+
+/// The type of the function's result. Raises 8116 for a type that the function doesn't take.
+Type ResultType(const ScalarFunction& function, std::span<const Type> arguments);
+
+/// The generator behind RAND: RAND(seed) begins a sequence, RAND() of the session goes on with it.
+class RandomSequence {
+  public:
+    explicit RandomSequence(std::int32_t seed);
+
+    /// Above 0 and below 1.
+    double Next();
+
+  private:
+    std::int64_t first_;
+    std::int64_t second_;
+};
 
 /// An argument of RAISERROR or FORMATMESSAGE.
 struct FormatArgument {

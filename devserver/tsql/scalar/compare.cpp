@@ -1,0 +1,290 @@
+// The weights behind the collation, and the comparison of values.
+#include "devserver/tsql/scalar/compare.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/conversion_parts.h"
+#include "devserver/tsql/scalar/decimal.h"
+#include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/scalar/type_rules.h"
+
+namespace devsql {
+
+namespace {
+
+/// A letter that sorts with others: with one base letter, or with two as ligatures do.
+struct Accented {
+    char16_t letter; ///< lower case
+    char first;
+    std::uint8_t
+        accent; ///< 1 grave, 2 acute, 3 circumflex, 4 tilde, 5 diaeresis, 6 ring, 7 cedilla, 8 macron,
+                ///< 9 breve, 10 ogonek, 11 dot, 12 caron, 13 stroke, 14 double acute, 15 other
+    char second = 0;
+};
+
+constexpr std::array kAccented = {
+    Accented{u'ª', 'a', 15},      Accented{u'²', '2', 15}, Accented{u'³', '3', 15},
+    Accented{u'¹', '1', 15},      Accented{u'º', 'o', 15}, Accented{u'ß', 's', 15, 's'},
+    Accented{u'à', 'a', 1},       Accented{u'á', 'a', 2},  Accented{u'â', 'a', 3},
+    Accented{u'ã', 'a', 4},       Accented{u'ä', 'a', 5},  Accented{u'å', 'a', 6},
+    Accented{u'æ', 'a', 15, 'e'}, Accented{u'ç', 'c', 7},  Accented{u'è', 'e', 1},
+    Accented{u'é', 'e', 2},       Accented{u'ê', 'e', 3},  Accented{u'ë', 'e', 5},
+    Accented{u'ì', 'i', 1},       Accented{u'í', 'i', 2},  Accented{u'î', 'i', 3},
+    Accented{u'ï', 'i', 5},       Accented{u'ð', 'd', 15}, Accented{u'ñ', 'n', 4},
+    Accented{u'ò', 'o', 1},       Accented{u'ó', 'o', 2},  Accented{u'ô', 'o', 3},
+    Accented{u'õ', 'o', 4},       Accented{u'ö', 'o', 5},  Accented{u'ø', 'o', 13},
+    Accented{u'ù', 'u', 1},       Accented{u'ú', 'u', 2},  Accented{u'û', 'u', 3},
+    Accented{u'ü', 'u', 5},       Accented{u'ý', 'y', 2},  Accented{u'þ', 't', 15, 'h'},
+    Accented{u'ÿ', 'y', 5},       Accented{u'ā', 'a', 8},  Accented{u'ă', 'a', 9},
+    Accented{u'ą', 'a', 10},      Accented{u'ć', 'c', 2},  Accented{u'ĉ', 'c', 3},
+    Accented{u'ċ', 'c', 11},      Accented{u'č', 'c', 12}, Accented{u'ď', 'd', 12},
+    Accented{u'đ', 'd', 13},      Accented{u'ē', 'e', 8},  Accented{u'ĕ', 'e', 9},
+    Accented{u'ė', 'e', 11},      Accented{u'ę', 'e', 10}, Accented{u'ě', 'e', 12},
+    Accented{u'ĝ', 'g', 3},       Accented{u'ğ', 'g', 9},  Accented{u'ġ', 'g', 11},
+    Accented{u'ģ', 'g', 7},       Accented{u'ĥ', 'h', 3},  Accented{u'ħ', 'h', 13},
+    Accented{u'ĩ', 'i', 4},       Accented{u'ī', 'i', 8},  Accented{u'ĭ', 'i', 9},
+    Accented{u'į', 'i', 10},      Accented{u'ı', 'i', 15}, Accented{u'ĵ', 'j', 3},
+    Accented{u'ķ', 'k', 7},       Accented{u'ĺ', 'l', 2},  Accented{u'ļ', 'l', 7},
+    Accented{u'ľ', 'l', 12},      Accented{u'ŀ', 'l', 11}, Accented{u'ł', 'l', 13},
+    Accented{u'ń', 'n', 2},       Accented{u'ņ', 'n', 7},  Accented{u'ň', 'n', 12},
+    Accented{u'ō', 'o', 8},       Accented{u'ŏ', 'o', 9},  Accented{u'ő', 'o', 14},
+    Accented{u'œ', 'o', 15, 'e'}, Accented{u'ŕ', 'r', 2},  Accented{u'ŗ', 'r', 7},
+    Accented{u'ř', 'r', 12},      Accented{u'ś', 's', 2},  Accented{u'ŝ', 's', 3},
+    Accented{u'ş', 's', 7},       Accented{u'š', 's', 12}, Accented{u'ţ', 't', 7},
+    Accented{u'ť', 't', 12},      Accented{u'ŧ', 't', 13}, Accented{u'ũ', 'u', 4},
+    Accented{u'ū', 'u', 8},       Accented{u'ŭ', 'u', 9},  Accented{u'ů', 'u', 6},
+    Accented{u'ű', 'u', 14},      Accented{u'ų', 'u', 10}, Accented{u'ŵ', 'w', 3},
+    Accented{u'ŷ', 'y', 3},       Accented{u'ź', 'z', 2},  Accented{u'ż', 'z', 11},
+    Accented{u'ž', 'z', 12},      Accented{u'ƒ', 'f', 15},
+};
+
+// Bytes of a sort key. The separator is below every weight, so that a text sorts before what it begins.
+constexpr char kSeparator = 1;
+constexpr unsigned char kFirstWeight = 2;
+constexpr unsigned char kPlainAccent = 2;
+/// Leads the code point of a character that has no weight of its own; above all weights.
+constexpr unsigned char kByCodePoint = 0xF8;
+
+constexpr bool IsLowerLetter(unsigned c) {
+    return c >= 'a' && c <= 'z';
+}
+
+constexpr bool IsAsciiAlphanumeric(unsigned c) {
+    return IsLowerLetter(c) || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+/// Weights of U+0000 to U+00FF: blank, control characters, punctuation and symbols, digits, letters.
+constexpr std::array<unsigned char, 256> MakeWeights() {
+    std::array<unsigned char, 256> weights{};
+    unsigned char next = kFirstWeight;
+    weights[' '] = next++;
+    const auto is_control = [](unsigned c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); };
+    for (unsigned c = 0; c < 256; ++c) {
+        weights[c] = is_control(c) ? next++ : weights[c];
+    }
+    for (unsigned c = 0x21; c < 256; ++c) {
+        if (weights[c] == 0 && !IsAsciiAlphanumeric(c) && c < 0xC0) {
+            weights[c] = next++;
+        }
+    }
+    weights[0xD7] = next++;
+    weights[0xF7] = next++;
+    for (unsigned c = '0'; c <= '9'; ++c) {
+        weights[c] = next++;
+    }
+    for (unsigned c = 'a'; c <= 'z'; ++c) {
+        weights[c] = next++;
+        weights[c - 'a' + 'A'] = weights[c];
+    }
+    return weights;
+}
+
+constexpr std::array<unsigned char, 256> kWeights = MakeWeights();
+
+const Accented* FindAccented(char32_t letter) {
+    const auto* found = std::find_if(kAccented.begin(), kAccented.end(),
+                                     [letter](const Accented& row) { return row.letter == letter; });
+    return found == kAccented.end() ? nullptr : found;
+}
+
+void AppendWeights(char32_t c, std::string& primary, std::string& accents) {
+    const auto plain = [&](unsigned char weight, unsigned char accent) {
+        primary += static_cast<char>(weight);
+        accents += static_cast<char>(kPlainAccent + accent);
+    };
+    if (c < 0x80) {
+        plain(kWeights[c], 0);
+        return;
+    }
+    const char32_t lower = ToLower(c);
+    if (const Accented* row = FindAccented(lower)) {
+        plain(kWeights[static_cast<unsigned char>(row->first)], row->accent);
+        if (row->second != 0) {
+            plain(kWeights[static_cast<unsigned char>(row->second)], row->accent);
+        }
+    } else if (lower < 0x100 && kWeights[lower] != 0) {
+        plain(kWeights[lower], 0);
+    } else {
+        plain(kByCodePoint, 0);
+        primary += static_cast<char>(lower >> 16);
+        primary += static_cast<char>(lower >> 8);
+        primary += static_cast<char>(lower);
+    }
+}
+
+int Sign(int order) {
+    return (order > 0) - (order < 0);
+}
+
+template <typename T>
+int Order(const T& a, const T& b) {
+    return a < b ? -1 : static_cast<int>(b < a);
+}
+
+/// The shorter one counts as filled up with zeros.
+int CompareBytes(std::string_view a, std::string_view b) {
+    const std::size_t common = std::min(a.size(), b.size());
+    if (const int order = std::memcmp(a.data(), b.data(), common); order != 0) {
+        return Sign(order);
+    }
+    const auto rest = [common](std::string_view bytes) {
+        return bytes.find_first_not_of('\0', common) != std::string_view::npos;
+    };
+    return static_cast<int>(rest(a)) - static_cast<int>(rest(b));
+}
+
+/// The last group decides first, the first group last, as SQL Server orders them.
+std::string GuidOrderKey(const Guid& guid) {
+    constexpr std::array<std::size_t, 16> order = {10, 11, 12, 13, 14, 15, 8, 9, 7, 6, 5, 4, 3, 2, 1, 0};
+    std::string key;
+    for (const std::size_t at : order) {
+        key += static_cast<char>(guid.bytes[at]);
+    }
+    return key;
+}
+
+std::string DecimalKey(Decimal value) {
+    while (value.scale > 0 && value.unscaled % 10 == 0) {
+        value.unscaled /= 10;
+        --value.scale;
+    }
+    return DecimalText(value);
+}
+
+bool IsExact(TypeId id) {
+    return IsNumber(id) && !IsApproximate(id);
+}
+
+Decimal ExactValue(const Value& value) {
+    const auto* integer = std::get_if<std::int64_t>(&value);
+    return integer != nullptr ? Decimal{*integer, 0} : std::get<Decimal>(value);
+}
+
+} // namespace
+
+std::string SortKey(std::string_view text) {
+    text = TrimTrailingBlanks(text);
+    std::string key;
+    std::string accents;
+    key.reserve(text.size() + 1);
+    for (std::size_t i = 0; i < text.size();) {
+        AppendWeights(DecodeUtf8(text, i), key, accents);
+    }
+    const std::size_t last = accents.find_last_not_of(static_cast<char>(kPlainAccent));
+    if (last != std::string::npos) {
+        key += kSeparator;
+        key.append(accents, 0, last + 1);
+    }
+    return key;
+}
+
+int CompareText(std::string_view a, std::string_view b) {
+    a = TrimTrailingBlanks(a);
+    b = TrimTrailingBlanks(b);
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        const auto x = static_cast<unsigned char>(a[i]);
+        const auto y = static_cast<unsigned char>(b[i]);
+        if (x >= 0x80 || y >= 0x80) {
+            // What stands before is equal and without accents, so the rest decides alone.
+            return Sign(SortKey(a.substr(i)).compare(SortKey(b.substr(i))));
+        }
+        if (kWeights[x] != kWeights[y]) {
+            return kWeights[x] < kWeights[y] ? -1 : 1;
+        }
+    }
+    return Order(a.size(), b.size());
+}
+
+int CompareSameType(const Value& a, const Value& b, TypeId type) {
+    if (IsNull(a) || IsNull(b)) {
+        return static_cast<int>(IsNull(b)) - static_cast<int>(IsNull(a));
+    }
+    if (IsCharacter(type)) {
+        return CompareText(std::get<std::string>(a), std::get<std::string>(b));
+    }
+    if (IsBinary(type)) {
+        return CompareBytes(std::get<Bytes>(a).data, std::get<Bytes>(b).data);
+    }
+    if (IsApproximate(type)) {
+        return Order(std::get<double>(a), std::get<double>(b));
+    }
+    if (IsDecimal(type) || IsMoney(type)) {
+        return CompareDecimals(std::get<Decimal>(a), std::get<Decimal>(b));
+    }
+    if (IsDateTime(type)) {
+        const auto& x = std::get<DateTime>(a);
+        const auto& y = std::get<DateTime>(b);
+        return x.days != y.days ? Order(x.days, y.days) : Order(x.ticks, y.ticks);
+    }
+    if (type == TypeId::UniqueIdentifier) {
+        return Sign(GuidOrderKey(std::get<Guid>(a)).compare(GuidOrderKey(std::get<Guid>(b))));
+    }
+    return Order(std::get<std::int64_t>(a), std::get<std::int64_t>(b));
+}
+
+int CompareValues(const Value& a, const Type& a_type, const Value& b, const Type& b_type) {
+    if (IsNull(a) || IsNull(b)) {
+        return CompareSameType(a, b, a_type.id);
+    }
+    const bool both_text = IsCharacter(a_type.id) && IsCharacter(b_type.id);
+    if (a_type.id == b_type.id || both_text) {
+        return CompareSameType(a, b, a_type.id);
+    }
+    if (IsExact(a_type.id) && IsExact(b_type.id)) {
+        return CompareDecimals(ExactValue(a), ExactValue(b));
+    }
+    const Type common = CommonType(a_type, b_type);
+    return CompareSameType(Convert(a, a_type, common), Convert(b, b_type, common), common.id);
+}
+
+std::string ValueKey(const Value& value) {
+    struct Visitor {
+        std::string operator()(std::monostate) const { return {}; }
+        std::string operator()(std::int64_t v) const { return BigEndian(static_cast<std::uint64_t>(v), 8); }
+        std::string operator()(double v) const {
+            const double positive_zero = v == 0 ? 0 : v;
+            std::string bytes(sizeof v, '\0');
+            std::memcpy(bytes.data(), &positive_zero, sizeof v);
+            return bytes;
+        }
+        std::string operator()(const Decimal& v) const { return DecimalKey(v); }
+        std::string operator()(const DateTime& v) const {
+            return BigEndian(static_cast<std::uint32_t>(v.days), 4) +
+                   BigEndian(static_cast<std::uint32_t>(v.ticks), 4);
+        }
+        std::string operator()(const std::string& v) const { return SortKey(v); }
+        std::string operator()(const Bytes& v) const {
+            return v.data.substr(0, v.data.find_last_not_of('\0') + 1);
+        }
+        std::string operator()(const Guid& v) const { return GuidOrderKey(v); }
+    };
+    // NULL alone has the empty key.
+    return IsNull(value) ? std::string() : "=" + std::visit(Visitor{}, value);
+}
+
+} // namespace devsql

@@ -1,0 +1,246 @@
+// Conversions to binary and uniqueidentifier: the bytes of each type.
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include "devserver/tsql/scalar/conversion_parts.h"
+#include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/decimal.h"
+#include "devserver/tsql/scalar/sql_error.h"
+#include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/scalar/type_rules.h"
+
+namespace devsql {
+
+namespace {
+
+/// Where the bytes of a printed uniqueidentifier lie in memory.
+constexpr std::array<std::size_t, 16> kGuidOrder = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+/// "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX".
+constexpr std::size_t kGuidLength = 36;
+constexpr std::array<std::size_t, 4> kGuidDashes = {8, 13, 18, 23};
+
+int HexValue(char c) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    const std::size_t found = digits.find(c >= 'a' && c <= 'f' ? static_cast<char>(c - 'a' + 'A') : c);
+    return found == std::string_view::npos ? -1 : static_cast<int>(found);
+}
+
+std::string DateBytes(const DateTime& value, const Type& type) {
+    if (type.id == TypeId::DateTime) {
+        return BigEndian(static_cast<std::uint32_t>(value.days), 4) +
+               BigEndian(static_cast<std::uint32_t>(value.ticks), 4);
+    }
+    return BigEndian(static_cast<std::uint32_t>(value.days), 2) +
+           BigEndian(static_cast<std::uint32_t>(value.ticks / (60 * kTicksPerSecond)), 2);
+}
+
+std::string ExactBytes(const Decimal& value, const Type& type) {
+    if (!IsMoney(type.id)) {
+        return DecimalBytes(value, type.precision);
+    }
+    return BigEndian(static_cast<std::uint64_t>(value.unscaled), type.id == TypeId::Money ? 8 : 4);
+}
+
+std::string DoubleBytes(double value, const Type& type) {
+    return type.id == TypeId::Float ? BigEndian(std::bit_cast<std::uint64_t>(value), 8)
+                                    : BigEndian(std::bit_cast<std::uint32_t>(static_cast<float>(value)), 4);
+}
+
+std::string TextBytes(const std::string& text, const Type& from, const Type& to, Style style) {
+    if (style != 1 && style != 2) {
+        return IsUnicode(from.id) ? ToUtf16Le(text) : ToCodePage1252(text);
+    }
+    std::string_view digits = TrimTrailingBlanks(text);
+    const bool prefixed = AsciiEqual(digits.substr(0, 2), "0x");
+    const auto bytes =
+        prefixed == (style == 1) ? BytesFromHex(digits.substr(prefixed ? 2 : 0), false) : std::nullopt;
+    if (!bytes) {
+        Raise(8114, {TypeName(from.id), TypeName(to.id)});
+    }
+    return *bytes;
+}
+
+/// Numbers keep their lowest bytes; text and bytes keep their first.
+std::string FitNumber(std::string bytes, const Type& to) {
+    if (!HasLength(to.id) || to.length == kMaxLength) {
+        return bytes;
+    }
+    const auto room = static_cast<std::size_t>(to.length);
+    if (bytes.size() > room) {
+        return bytes.substr(bytes.size() - room);
+    }
+    return to.id == TypeId::Binary ? bytes.insert(0, room - bytes.size(), '\0') : bytes;
+}
+
+} // namespace
+
+Value ToBinary(const Value& value, const Type& from, const Type& target, Style style) {
+    const Type to = target.id == TypeId::Timestamp ? Sized(TypeId::Binary, 8) : target;
+    struct Visitor {
+        const Type& from;
+        const Type& to;
+        Style style;
+
+        std::string operator()(std::monostate) const { return {}; }
+        std::string operator()(std::int64_t v) const {
+            const auto width = static_cast<std::size_t>(SystemTypeOf(from.id).storage_length);
+            return FitNumber(BigEndian(static_cast<std::uint64_t>(v), width), to);
+        }
+        std::string operator()(double v) const { return FitNumber(DoubleBytes(v, from), to); }
+        std::string operator()(const Decimal& v) const { return FitNumber(ExactBytes(v, from), to); }
+        std::string operator()(const DateTime& v) const { return FitNumber(DateBytes(v, from), to); }
+        std::string operator()(const std::string& v) const {
+            return FitBytes(TextBytes(v, from, to, style), to);
+        }
+        std::string operator()(const Bytes& v) const { return FitBytes(v.data, to); }
+        std::string operator()(const Guid& v) const { return FitBytes(GuidBytes(v), to); }
+    };
+    return Bytes{std::visit(Visitor{from, to, style}, value)};
+}
+
+Value ToGuid(const Value& value, const Type&) {
+    if (const auto* bytes = std::get_if<Bytes>(&value)) {
+        return GuidFromBytes(bytes->data);
+    }
+    const auto* text = std::get_if<std::string>(&value);
+    if (text == nullptr) {
+        return std::get<Guid>(value);
+    }
+    std::string_view digits = *text;
+    if (!digits.empty() && digits.front() == '{') {
+        digits.remove_prefix(1);
+    }
+    std::string hex(digits.substr(0, kGuidLength));
+    for (auto dash = kGuidDashes.rbegin(); dash != kGuidDashes.rend(); ++dash) {
+        if (hex.size() != kGuidLength - static_cast<std::size_t>(dash - kGuidDashes.rbegin()) ||
+            hex[*dash] != '-') {
+            Raise(8169);
+        }
+        hex.erase(*dash, 1);
+    }
+    const auto bytes = BytesFromHex(hex, false);
+    if (!bytes) {
+        Raise(8169);
+    }
+    Guid guid;
+    std::copy(bytes->begin(), bytes->end(), guid.bytes.begin());
+    return guid;
+}
+
+std::string FitBytes(std::string bytes, const Type& to) {
+    if (!HasLength(to.id) || to.length == kMaxLength) {
+        return bytes;
+    }
+    const auto room = static_cast<std::size_t>(to.length);
+    if (bytes.size() > room || to.id == TypeId::Binary) {
+        bytes.resize(room, '\0');
+    }
+    return bytes;
+}
+
+std::string HexText(std::string_view bytes) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(bytes.size() * 2);
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text;
+}
+
+std::string GuidText(const Guid& guid) {
+    std::string text = HexText(std::string(guid.bytes.begin(), guid.bytes.end()));
+    for (const std::size_t dash : kGuidDashes) {
+        text.insert(dash, 1, '-');
+    }
+    return text;
+}
+
+std::string BigEndian(std::uint64_t value, std::size_t count) {
+    std::string bytes(count, '\0');
+    for (std::size_t i = count; i-- > 0; value >>= 8) {
+        bytes[i] = static_cast<char>(value & 0xFF);
+    }
+    return bytes;
+}
+
+std::uint64_t FromBigEndian(std::string_view bytes) {
+    std::uint64_t value = 0;
+    for (const char c : bytes) {
+        value = (value << 8) | static_cast<unsigned char>(c);
+    }
+    return value;
+}
+
+std::string DecimalBytes(const Decimal& value, int precision) {
+    Int128 left = value.unscaled < 0 ? -value.unscaled : value.unscaled;
+    std::string bytes = {static_cast<char>(precision), static_cast<char>(value.scale), '\0',
+                         static_cast<char>(value.unscaled < 0 ? 0 : 1)};
+    do {
+        for (int i = 0; i < 4; ++i, left >>= 8) {
+            bytes += static_cast<char>(left & 0xFF);
+        }
+    } while (left != 0);
+    return bytes;
+}
+
+std::optional<Decimal> DecimalFromBytes(std::string_view bytes) {
+    constexpr std::size_t head = 4;
+    if (bytes.size() <= head || bytes.size() > head + 16) {
+        return std::nullopt;
+    }
+    const auto scale = static_cast<unsigned char>(bytes[1]);
+    Int128 magnitude = 0;
+    for (std::size_t i = bytes.size(); i-- > head;) {
+        if (magnitude >= PowerOfTen(kMaxDigits) / 256 + 1) {
+            return std::nullopt;
+        }
+        magnitude = magnitude * 256 + static_cast<unsigned char>(bytes[i]);
+    }
+    if (scale > kMaxDigits || !FitsPrecision(magnitude, kMaxDigits)) {
+        return std::nullopt;
+    }
+    return Decimal{bytes[3] == '\0' ? -magnitude : magnitude, scale};
+}
+
+std::string GuidBytes(const Guid& guid) {
+    std::string bytes;
+    for (const std::size_t at : kGuidOrder) {
+        bytes += static_cast<char>(guid.bytes[at]);
+    }
+    return bytes;
+}
+
+Guid GuidFromBytes(std::string_view bytes) {
+    Guid guid;
+    for (std::size_t i = 0; i < std::min(bytes.size(), kGuidOrder.size()); ++i) {
+        guid.bytes[kGuidOrder[i]] = static_cast<unsigned char>(bytes[i]);
+    }
+    return guid;
+}
+
+std::optional<std::string> BytesFromHex(std::string_view digits, bool odd) {
+    std::string bytes;
+    int high = digits.size() % 2 == 1 && odd ? 0 : -1;
+    if (digits.size() % 2 == 1 && !odd) {
+        return std::nullopt;
+    }
+    for (const char c : digits) {
+        const int value = HexValue(c);
+        if (value < 0) {
+            return std::nullopt;
+        }
+        if (high < 0) {
+            high = value;
+        } else {
+            bytes += static_cast<char>(high * 16 + value);
+            high = -1;
+        }
+    }
+    return bytes;
+}
+
+} // namespace devsql

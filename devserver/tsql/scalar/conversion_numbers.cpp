@@ -1,0 +1,377 @@
+// Conversions to integers, decimals, money and floats, with the overflow error that each pair of types has.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "devserver/tsql/scalar/conversion_parts.h"
+#include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/decimal.h"
+#include "devserver/tsql/scalar/sql_error.h"
+#include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/scalar/type_rules.h"
+
+namespace devsql {
+
+namespace {
+
+constexpr int kMoneyScale = 4;
+
+struct IntegerRange {
+    TypeId id;
+    std::int64_t least;
+    std::int64_t most;
+    std::size_t bytes;
+    std::string_view column; ///< how message 244 calls the type
+};
+
+constexpr std::array kIntegerRanges = {
+    IntegerRange{TypeId::Bit, 0, 1, 1, "BIT"},
+    IntegerRange{TypeId::TinyInt, 0, 255, 1, "INT1"},
+    IntegerRange{TypeId::SmallInt, -32768, 32767, 2, "INT2"},
+    IntegerRange{TypeId::Int, INT32_MIN, INT32_MAX, 4, ""},
+    IntegerRange{TypeId::BigInt, INT64_MIN, INT64_MAX, 8, ""},
+};
+
+const IntegerRange& RangeOf(TypeId id) {
+    return *std::find_if(kIntegerRanges.begin(), kIntegerRanges.end(),
+                         [id](const IntegerRange& range) { return range.id == id; });
+}
+
+bool InRange(std::int64_t value, const IntegerRange& range) {
+    return value >= range.least && value <= range.most;
+}
+
+/// Messages call decimal numeric.
+std::string_view MessageName(TypeId id) {
+    return id == TypeId::Decimal ? TypeName(TypeId::Numeric) : TypeName(id);
+}
+
+[[noreturn]] void Overflow(std::string_view from, TypeId to) {
+    throw MakeError(8115, {from, MessageName(to)}, 2);
+}
+
+[[noreturn]] void BadFormat(const Type& from, TypeId to) {
+    throw MakeError(8114, {TypeName(from.id), MessageName(to)}, 5);
+}
+
+Value IntegerFromInteger(std::int64_t value, const IntegerRange& range) {
+    if (range.id == TypeId::Bit) {
+        return std::int64_t{value != 0};
+    }
+    if (!InRange(value, range)) {
+        if (range.bytes < 4) {
+            Raise(220, {TypeName(range.id), std::to_string(value)});
+        }
+        Overflow("expression", range.id);
+    }
+    return value;
+}
+
+Value IntegerFromDecimal(const Decimal& value, const Type& from, const IntegerRange& range) {
+    if (range.id == TypeId::Bit) {
+        return std::int64_t{value.unscaled != 0};
+    }
+    // numeric loses its fraction, money is rounded.
+    const auto whole = ToInt64(value, IsMoney(from.id) ? Rounding::HalfUp : Rounding::TowardZero);
+    if (!whole || !InRange(*whole, range)) {
+        Overflow(IsMoney(from.id) ? "expression" : "numeric", range.id);
+    }
+    return *whole;
+}
+
+Value IntegerFromDouble(double value, const IntegerRange& range) {
+    if (range.id == TypeId::Bit) {
+        return std::int64_t{value != 0};
+    }
+    // The doubles next to the limits of bigint are whole numbers; 2^63 itself is already too large.
+    const double whole = std::trunc(value);
+    constexpr double limit = 9223372036854775808.0;
+    if (!(whole >= -limit && whole < limit)) {
+        if (range.id == TypeId::BigInt) {
+            Overflow("expression", range.id);
+        }
+        Raise(232, {TypeName(range.id), FixedText(value, 6)});
+    }
+    if (!InRange(static_cast<std::int64_t>(whole), range)) {
+        Raise(232, {TypeName(range.id), FixedText(value, 6)});
+    }
+    return static_cast<std::int64_t>(whole);
+}
+
+Value IntegerFromDate(const DateTime& value, const IntegerRange& range) {
+    const std::int64_t days = value.days + (value.ticks >= kTicksPerDay / 2 ? 1 : 0);
+    if (range.id == TypeId::Bit) {
+        return std::int64_t{days != 0};
+    }
+    if (!InRange(days, range)) {
+        Overflow("expression", range.id);
+    }
+    return days;
+}
+
+Value BitFromText(const std::string& text, const Type& from) {
+    const std::string_view word = TrimBlanks(text);
+    if (AsciiEqual(word, "true") || AsciiEqual(word, "false")) {
+        return std::int64_t{AsciiEqual(word, "true")};
+    }
+    const ParsedInteger parsed = ParseInteger(text);
+    if (!parsed.valid) {
+        Raise(245, {TypeName(from.id), text, "bit"});
+    }
+    return std::int64_t{!parsed.value || *parsed.value != 0};
+}
+
+Value IntegerFromText(const std::string& text, const Type& from, const IntegerRange& range) {
+    if (range.id == TypeId::Bit) {
+        return BitFromText(text, from);
+    }
+    const ParsedInteger parsed = ParseInteger(text);
+    if (!parsed.valid) {
+        if (range.id == TypeId::BigInt) {
+            BadFormat(from, range.id);
+        }
+        Raise(245, {TypeName(from.id), text, TypeName(range.id)});
+    }
+    if (!parsed.value || !InRange(*parsed.value, range)) {
+        if (range.id == TypeId::BigInt) {
+            Overflow("expression", range.id);
+        }
+        if (range.id == TypeId::Int) {
+            Raise(248, {TypeName(from.id), text});
+        }
+        Raise(244, {TypeName(from.id), text, range.column});
+    }
+    return *parsed.value;
+}
+
+Value IntegerFromBytes(std::string_view bytes, const IntegerRange& range) {
+    const std::string_view last = bytes.substr(bytes.size() - std::min(bytes.size(), range.bytes));
+    const std::uint64_t raw = FromBigEndian(last);
+    switch (range.id) {
+    case TypeId::Bit:
+        return std::int64_t{raw != 0};
+    case TypeId::SmallInt:
+        return std::int64_t{static_cast<std::int16_t>(raw)};
+    case TypeId::Int:
+        return std::int64_t{static_cast<std::int32_t>(raw)};
+    default:
+        return static_cast<std::int64_t>(raw);
+    }
+}
+
+// ------------------------------------------------------------------ decimals
+
+/// The number to be fitted into the target, and what an overflow calls its source.
+struct Exact {
+    std::optional<Decimal> value;
+    std::string_view source;
+};
+
+Exact ExactFromText(const std::string& text, const Type& from, const Type& to) {
+    if (IsMoney(to.id)) {
+        const ParsedMoney parsed = ParseMoney(text);
+        if (!parsed.valid) {
+            Raise(to.id == TypeId::Money ? 235 : 293);
+        }
+        return {parsed.value, "expression"};
+    }
+    const ParsedDecimal parsed = ParseDecimal(TrimBlanks(text), to.scale);
+    if (!parsed.valid) {
+        BadFormat(from, to.id);
+    }
+    return {parsed.value, TypeName(from.id)};
+}
+
+Exact ExactFromBytes(std::string_view bytes, const Type& from, const Type& to) {
+    if (IsMoney(to.id)) {
+        const std::int64_t raw = to.id == TypeId::Money
+                                     ? static_cast<std::int64_t>(FromBigEndian(bytes))
+                                     : static_cast<std::int32_t>(FromBigEndian(bytes) & 0xFFFFFFFFU);
+        return {Decimal{raw, kMoneyScale}, "expression"};
+    }
+    const auto value = DecimalFromBytes(bytes);
+    if (!value) {
+        BadFormat(from, to.id);
+    }
+    return {value, MessageName(from.id)};
+}
+
+Exact ExactOf(const Value& value, const Type& from, const Type& to, int scale) {
+    struct Visitor {
+        const Type& from;
+        const Type& to;
+        int scale;
+
+        Exact operator()(std::monostate) const { return {}; }
+        Exact operator()(std::int64_t v) const { return {Decimal{v, 0}, MessageName(from.id)}; }
+        Exact operator()(double v) const { return {FromDouble(v, scale), MessageName(from.id)}; }
+        Exact operator()(const Decimal& v) const { return {v, MessageName(from.id)}; }
+        Exact operator()(const DateTime& v) const {
+            return {FromDouble(ToDayNumber(v), scale), "expression"};
+        }
+        Exact operator()(const std::string& v) const { return ExactFromText(v, from, to); }
+        Exact operator()(const Bytes& v) const { return ExactFromBytes(v.data, from, to); }
+        Exact operator()(const Guid&) const { return {}; }
+    };
+    return std::visit(Visitor{from, to, scale}, value);
+}
+
+} // namespace
+
+Value ToInteger(const Value& value, const Type& from, TypeId to) {
+    const IntegerRange& range = RangeOf(to);
+    struct Visitor {
+        const Type& from;
+        const IntegerRange& range;
+
+        Value operator()(std::monostate) const { return {}; }
+        Value operator()(std::int64_t v) const { return IntegerFromInteger(v, range); }
+        Value operator()(double v) const { return IntegerFromDouble(v, range); }
+        Value operator()(const Decimal& v) const { return IntegerFromDecimal(v, from, range); }
+        Value operator()(const DateTime& v) const { return IntegerFromDate(v, range); }
+        Value operator()(const std::string& v) const { return IntegerFromText(v, from, range); }
+        Value operator()(const Bytes& v) const { return IntegerFromBytes(v.data, range); }
+        Value operator()(const Guid&) const { return {}; }
+    };
+    return std::visit(Visitor{from, range}, value);
+}
+
+Value ToDecimalOrMoney(const Value& value, const Type& from, const Type& to) {
+    const int scale = IsMoney(to.id) ? kMoneyScale : to.scale;
+    const Exact exact = ExactOf(value, from, to, scale);
+    const auto fitted = exact.value ? Rescale(*exact.value, scale) : std::nullopt;
+    const bool fits = fitted && (IsMoney(to.id) ? MoneyInRange(fitted->unscaled, to.id)
+                                                : FitsPrecision(fitted->unscaled, to.precision));
+    if (!fits) {
+        Overflow(exact.source, to.id);
+    }
+    return *fitted;
+}
+
+Value ToApproximate(const Value& value, const Type& from, TypeId to) {
+    double result = 0;
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+        result = static_cast<double>(*integer);
+    } else if (const auto* decimal = std::get_if<Decimal>(&value)) {
+        result = ToDouble(*decimal);
+    } else if (const auto* date = std::get_if<DateTime>(&value)) {
+        result = ToDayNumber(*date);
+    } else if (const auto* text = std::get_if<std::string>(&value)) {
+        const auto parsed = ParseFloat(*text);
+        if (!parsed) {
+            BadFormat(from, to);
+        }
+        result = *parsed;
+    } else {
+        result = std::get<double>(value);
+    }
+    if (to == TypeId::Real) {
+        if (std::fabs(result) > static_cast<double>(std::numeric_limits<float>::max())) {
+            Raise(232, {TypeName(to), FixedText(result, 6)});
+        }
+        result = static_cast<double>(static_cast<float>(result));
+    }
+    if (!std::isfinite(result)) {
+        Overflow("expression", to);
+    }
+    return result;
+}
+
+ParsedInteger ParseInteger(std::string_view text) {
+    text = TrimBlanks(text);
+    const bool negative = !text.empty() && text.front() == '-';
+    if (!text.empty() && (negative || text.front() == '+')) {
+        text.remove_prefix(1);
+    }
+    text = TrimBlanks(text);
+    const bool digits = std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (!digits) {
+        return {};
+    }
+    const std::string number = (negative ? "-" : "") + std::string(text.empty() ? "0" : text);
+    std::int64_t value = 0;
+    const auto end = std::from_chars(number.data(), number.data() + number.size(), value);
+    return {true, end.ec == std::errc() ? std::optional<std::int64_t>(value) : std::nullopt};
+}
+
+std::optional<double> ParseFloat(std::string_view text) {
+    text = TrimBlanks(text);
+    if (text.empty()) {
+        return 0.0;
+    }
+    const bool plus = text.front() == '+';
+    text.remove_prefix(plus ? 1 : 0);
+    // from_chars takes words such as "inf" too, which no float of the server is.
+    const bool number = std::all_of(text.begin(), text.end(), [](char c) {
+        return (c >= '0' && c <= '9') || std::string_view("+-.eE").find(c) != std::string_view::npos;
+    });
+    double value = 0;
+    const auto end = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (!number || text.empty() || (plus && text.front() == '-') || end.ptr != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    if (end.ec == std::errc::result_out_of_range) {
+        // Too small reads as 0, too large as infinite; the sign of the exponent tells which.
+        const std::size_t exponent = text.find_first_of("eE");
+        const bool tiny =
+            exponent != std::string_view::npos && exponent + 1 < text.size() && text[exponent + 1] == '-';
+        return tiny ? 0.0 : std::numeric_limits<double>::infinity();
+    }
+    return value;
+}
+
+ParsedMoney ParseMoney(std::string_view text) {
+    std::string digits;
+    bool currency = false;
+    for (std::size_t i = 0; i < text.size();) {
+        const char32_t c = DecodeUtf8(text, i);
+        const bool sign = c == U'$' || c == U'£' || c == U'¥' || c == U'€' || c == U'¢' || c == U'¤';
+        if (sign) {
+            if (currency || digits.find_first_of("0123456789.") != std::string::npos) {
+                return {};
+            }
+            currency = true;
+        } else if (c < 0x80 && c != U',') {
+            digits += static_cast<char>(c);
+        } else if (c >= 0x80) {
+            return {};
+        }
+    }
+    std::string_view number = TrimBlanks(digits);
+    const bool negative = !number.empty() && number.front() == '-';
+    if (!number.empty() && (negative || number.front() == '+')) {
+        number = TrimBlanks(number.substr(1));
+    }
+    if (number.empty() || number == ".") {
+        return {true, Decimal{0, kMoneyScale}};
+    }
+    if (number.front() == '-' || number.front() == '+') {
+        return {};
+    }
+    const ParsedDecimal parsed = ParseDecimal(number, kMoneyScale);
+    if (!parsed.valid || !parsed.value) {
+        return {parsed.valid, std::nullopt};
+    }
+    const Int128 unscaled = parsed.value->unscaled;
+    return {true, Decimal{negative ? -unscaled : unscaled, parsed.value->scale}};
+}
+
+bool MoneyInRange(Int128 unscaled, TypeId id) {
+    return id == TypeId::Money ? unscaled >= INT64_MIN && unscaled <= INT64_MAX
+                               : unscaled >= INT32_MIN && unscaled <= INT32_MAX;
+}
+
+std::string_view TrimBlanks(std::string_view text) {
+    const auto is_blank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+    while (!text.empty() && is_blank(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && is_blank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+} // namespace devsql

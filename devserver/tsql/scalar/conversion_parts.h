@@ -1,0 +1,78 @@
+// The conversions by their target, and the small tools that they and the functions share. Values are never
+// NULL here, and the pair of types is known to be convertible.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "devserver/tsql/scalar/date_parser.h"
+#include "devserver/tsql/value.h"
+
+namespace devsql {
+
+using Style = std::optional<int>;
+
+/// bit and the integers.
+Value ToInteger(const Value& value, const Type& from, TypeId to);
+Value ToDecimalOrMoney(const Value& value, const Type& from, const Type& to);
+Value ToApproximate(const Value& value, const Type& from, TypeId to);
+Value ToDate(const Value& value, const Type& from, TypeId to, Style style);
+Value ToText(const Value& value, const Type& from, const Type& to, Style style);
+Value ToBinary(const Value& value, const Type& from, const Type& to, Style style);
+Value ToGuid(const Value& value, const Type& from);
+
+// ------------------------------------------------------------------ text
+
+/// The value written out, whatever its length. Raises 281 for a style that its type doesn't have.
+std::string WriteText(const Value& value, const Type& type, Style style);
+/// A datetime in one of CONVERT's styles; raises 281 for others.
+std::string WriteDate(const DateTime& value, const Type& type, int style);
+/// Cut to the length of `to`, padded if it is fixed, with "?" for what a char can't hold.
+std::string FitText(std::string text, const Type& to);
+std::string FitBytes(std::string bytes, const Type& to);
+/// "1.5", "1e+020": with so many digits, as SQL Server writes floats.
+std::string FloatText(double value, int digits, bool scientific);
+/// "%f" with six digits behind the point, as in message 232.
+std::string FixedText(double value, int digits_behind_point);
+std::string HexText(std::string_view bytes);
+std::string GuidText(const Guid& guid);
+
+// ------------------------------------------------------------------ bytes
+
+/// The lowest `count` bytes, the highest first.
+std::string BigEndian(std::uint64_t value, std::size_t count);
+/// The last eight bytes at most, the first highest.
+std::uint64_t FromBigEndian(std::string_view bytes);
+/// A decimal as binary has it: precision, scale, 0, sign, the digits as a number, lowest byte first.
+std::string DecimalBytes(const Decimal& value, int precision);
+std::optional<Decimal> DecimalFromBytes(std::string_view bytes);
+/// As it lies in memory: the first three groups with the lowest byte first.
+std::string GuidBytes(const Guid& guid);
+Guid GuidFromBytes(std::string_view bytes);
+/// Pairs of hexadecimal digits; an odd count is refused unless `odd` allows it.
+std::optional<std::string> BytesFromHex(std::string_view digits, bool odd);
+
+// ------------------------------------------------------------------ numbers and dates
+
+/// The whole number that a text holds: sign, digits, blanks around; an empty text is 0.
+struct ParsedInteger {
+    bool valid = false;
+    std::optional<std::int64_t> value; ///< none beyond 64 bits
+};
+ParsedInteger ParseInteger(std::string_view text);
+/// A float in a text; none if it holds something else. Infinite beyond the range.
+std::optional<double> ParseFloat(std::string_view text);
+/// A money amount with currency sign and commas; see ParsedDecimal.
+struct ParsedMoney {
+    bool valid = false;
+    std::optional<Decimal> value;
+};
+ParsedMoney ParseMoney(std::string_view text);
+bool MoneyInRange(Int128 unscaled, TypeId id);
+/// The order of a date in digits that a style of CONVERT asks for.
+DateOrder OrderOfStyle(Style style);
+std::string_view TrimBlanks(std::string_view text);
+
+} // namespace devsql

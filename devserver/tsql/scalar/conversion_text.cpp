@@ -1,0 +1,148 @@
+// Conversions to text: how each type is written, and what happens when it doesn't fit.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "devserver/tsql/scalar/conversion_parts.h"
+#include "devserver/tsql/scalar/decimal.h"
+#include "devserver/tsql/scalar/sql_error.h"
+#include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/scalar/type_rules.h"
+
+namespace devsql {
+
+namespace {
+
+[[noreturn]] void InvalidStyle(int style, const Type& type) {
+    throw MakeError(281, {std::to_string(style), TypeName(type.id)});
+}
+
+std::string MoneyText(const Decimal& value, const Type& type, int style) {
+    // 0 two digits, 1 with commas, 2 and 126 all four digits.
+    if (style == 2 || style == 126) {
+        return DecimalText(value);
+    }
+    if (style != 0 && style != 1) {
+        InvalidStyle(style, type);
+    }
+    std::string text = DecimalText(*Rescale(value, 2));
+    if (style == 1) {
+        const std::size_t first = text.front() == '-' ? 1 : 0;
+        for (std::size_t at = text.size() - 3; at > first + 3; at -= 3) {
+            text.insert(at - 3, 1, ',');
+        }
+    }
+    return text;
+}
+
+std::string FloatStyleText(double value, const Type& type, int style) {
+    constexpr int digits[] = {6, 8, 16, 17};
+    if (style < 0 || style > 3) {
+        InvalidStyle(style, type);
+    }
+    return FloatText(value, digits[style], style != 0);
+}
+
+std::string BinaryText(std::string_view bytes, int style) {
+    return style == 1 ? "0x" + HexText(bytes) : HexText(bytes);
+}
+
+/// What doesn't fit is an error of its own for each type, or the star of the small integers.
+std::string Crowded(const Value& value, const Type& from, const Type& to) {
+    const std::string_view target = TypeName(to.id);
+    if (IsMoney(from.id)) {
+        Raise(from.id == TypeId::Money ? 234 : 292, {target});
+    }
+    if (IsApproximate(from.id)) {
+        Raise(232, {target, FixedText(std::get<double>(value), 6)});
+    }
+    if (from.id == TypeId::UniqueIdentifier) {
+        Raise(8170);
+    }
+    if (IsDecimal(from.id)) {
+        throw MakeError(8115, {TypeName(TypeId::Numeric), target}, 5);
+    }
+    if (from.id == TypeId::BigInt || IsUnicode(to.id)) {
+        throw MakeError(8115, {"expression", target}, 2);
+    }
+    return "*";
+}
+
+} // namespace
+
+std::string FloatText(double value, int digits, bool scientific) {
+    std::array<char, 64> buffer{};
+    const auto end = scientific ? std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                                std::chars_format::scientific, digits - 1)
+                                : std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                                std::chars_format::general, digits);
+    std::string text(buffer.data(), end.ptr);
+    // An exponent has three digits.
+    if (const std::size_t mark = text.find('e'); mark != std::string::npos) {
+        const std::size_t first = mark + 2;
+        text.insert(first, 3 - std::min<std::size_t>(3, text.size() - first), '0');
+    }
+    return text;
+}
+
+std::string FixedText(double value, int digits_behind_point) {
+    // The largest double has 309 digits before the point.
+    std::array<char, 400> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                   std::chars_format::fixed, digits_behind_point);
+    return {buffer.data(), end.ptr};
+}
+
+std::string WriteText(const Value& value, const Type& type, Style style) {
+    struct Visitor {
+        const Type& type;
+        int style;
+
+        std::string operator()(std::monostate) const { return {}; }
+        std::string operator()(std::int64_t v) const { return std::to_string(v); }
+        std::string operator()(double v) const { return FloatStyleText(v, type, style); }
+        std::string operator()(const Decimal& v) const {
+            return IsMoney(type.id) ? MoneyText(v, type, style) : DecimalText(v);
+        }
+        std::string operator()(const DateTime& v) const { return WriteDate(v, type, style); }
+        std::string operator()(const std::string& v) const { return v; }
+        std::string operator()(const Bytes& v) const {
+            return style == 1 || style == 2 ? BinaryText(v.data, style) : FromCodePage1252(v.data);
+        }
+        std::string operator()(const Guid& v) const { return GuidText(v); }
+    };
+    return std::visit(Visitor{type, style.value_or(0)}, value);
+}
+
+std::string FitText(std::string text, const Type& to) {
+    if (!IsUnicode(to.id)) {
+        text = NarrowToCodePage1252(text);
+    }
+    if (!HasLength(to.id) || to.length == kMaxLength) {
+        return text;
+    }
+    const auto room = static_cast<std::size_t>(to.length);
+    const std::size_t length = TextLength(text);
+    if (length > room) {
+        return SubText(text, 0, room);
+    }
+    return IsFixedLength(to.id) ? text.append(room - length, ' ') : text;
+}
+
+Value ToText(const Value& value, const Type& from, const Type& to, Style style) {
+    const auto* bytes = std::get_if<Bytes>(&value);
+    const bool hex = style == 1 || style == 2;
+    if (bytes != nullptr && !hex) {
+        return FitText(IsUnicode(to.id) ? FromUtf16Le(bytes->data) : FromCodePage1252(bytes->data), to);
+    }
+    std::string text = WriteText(value, from, style);
+    const bool may_be_cut = IsCharacter(from.id) || IsDateTime(from.id) || bytes != nullptr;
+    const bool limited = HasLength(to.id) && to.length != kMaxLength;
+    if (!may_be_cut && limited && TextLength(text) > static_cast<std::size_t>(to.length)) {
+        text = Crowded(value, from, to);
+    }
+    return FitText(std::move(text), to);
+}
+
+} // namespace devsql

@@ -1,0 +1,330 @@
+// 256-bit products and digit-by-digit division behind decimal.h.
+#include "devserver/tsql/scalar/decimal.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+
+namespace devsql {
+
+namespace {
+
+__extension__ typedef unsigned __int128 UInt128;
+
+struct UInt256 {
+    UInt128 high = 0;
+    UInt128 low = 0;
+};
+
+constexpr std::array<Int128, kMaxDigits + 1> MakePowers() {
+    std::array<Int128, kMaxDigits + 1> powers{};
+    powers[0] = 1;
+    for (std::size_t i = 1; i < powers.size(); ++i) {
+        powers[i] = powers[i - 1] * 10;
+    }
+    return powers;
+}
+
+constexpr auto kPowers = MakePowers();
+
+UInt128 Magnitude(Int128 value) {
+    return value < 0 ? ~static_cast<UInt128>(value) + 1 : static_cast<UInt128>(value);
+}
+
+Int128 WithSign(UInt128 magnitude, bool negative) {
+    const auto value = static_cast<Int128>(magnitude);
+    return negative ? -value : value;
+}
+
+UInt256 Multiply(UInt128 a, UInt128 b) {
+    constexpr UInt128 mask = ~std::uint64_t{0};
+    const UInt128 low_low = (a & mask) * (b & mask);
+    const UInt128 low_high = (a & mask) * (b >> 64);
+    const UInt128 high_low = (a >> 64) * (b & mask);
+    const UInt128 middle = (low_low >> 64) + (low_high & mask) + (high_low & mask);
+    return {(a >> 64) * (b >> 64) + (low_high >> 64) + (high_low >> 64) + (middle >> 64),
+            (middle << 64) | (low_low & mask)};
+}
+
+bool Less(const UInt256& a, const UInt256& b) {
+    return a.high != b.high ? a.high < b.high : a.low < b.low;
+}
+
+UInt256 Subtract(const UInt256& a, const UInt256& b) {
+    return {a.high - b.high - (a.low < b.low ? 1 : 0), a.low - b.low};
+}
+
+UInt256 ShiftLeft(const UInt256& a) {
+    return {(a.high << 1) | (a.low >> 127), a.low << 1};
+}
+
+struct Quotient {
+    UInt256 quotient;
+    UInt128 remainder = 0;
+};
+
+/// Bit by bit; the divisor is below 2^127.
+Quotient Divide(const UInt256& dividend, UInt128 divisor) {
+    if (dividend.high == 0) {
+        return {{0, dividend.low / divisor}, dividend.low % divisor};
+    }
+    Quotient result;
+    for (int bit = 255; bit >= 0; --bit) {
+        const UInt128 word = bit >= 128 ? dividend.high : dividend.low;
+        result.remainder = (result.remainder << 1) | ((word >> (bit % 128)) & 1);
+        result.quotient = ShiftLeft(result.quotient);
+        if (result.remainder >= divisor) {
+            result.remainder -= divisor;
+            result.quotient.low |= 1;
+        }
+    }
+    return result;
+}
+
+bool InRange(UInt128 magnitude) {
+    return magnitude < static_cast<UInt128>(kPowers[kMaxDigits]);
+}
+
+std::optional<Decimal> MakeDecimal(const UInt256& magnitude, bool negative, int scale) {
+    if (magnitude.high != 0 || !InRange(magnitude.low)) {
+        return std::nullopt;
+    }
+    return Decimal{WithSign(magnitude.low, negative), static_cast<std::uint8_t>(scale)};
+}
+
+/// magnitude / 10^digits.
+UInt256 DropDigits(const UInt256& magnitude, int digits, Rounding rounding) {
+    UInt256 value = magnitude;
+    for (int left = digits; left > 0;) {
+        // A dropped half is seen only in the last step, so the digits before it are cut.
+        const int step = std::min(left, kMaxDigits - 1);
+        const auto divisor = static_cast<UInt128>(kPowers[static_cast<std::size_t>(step)]);
+        const Quotient parts = Divide(value, divisor);
+        value = parts.quotient;
+        left -= step;
+        if (left == 0 && rounding == Rounding::HalfUp && parts.remainder >= divisor - parts.remainder) {
+            value.low += 1;
+            value.high += value.low == 0 ? 1 : 0;
+        }
+    }
+    return value;
+}
+
+std::optional<UInt256> Scaled(Int128 value, int digits) {
+    if (digits > kMaxDigits) {
+        return value == 0 ? std::optional<UInt256>(UInt256{}) : std::nullopt;
+    }
+    return Multiply(Magnitude(value), static_cast<UInt128>(PowerOfTen(digits)));
+}
+
+} // namespace
+
+Int128 PowerOfTen(int exponent) {
+    return kPowers.at(static_cast<std::size_t>(exponent));
+}
+
+bool FitsPrecision(Int128 unscaled, int precision) {
+    return Magnitude(unscaled) < static_cast<UInt128>(PowerOfTen(precision));
+}
+
+int DigitCount(Int128 value) {
+    int digits = 1;
+    while (digits < kMaxDigits && !FitsPrecision(value, digits)) {
+        ++digits;
+    }
+    return digits;
+}
+
+std::optional<Decimal> Rescale(const Decimal& value, int scale, Rounding rounding) {
+    const bool negative = value.unscaled < 0;
+    if (scale >= value.scale) {
+        const auto scaled = Scaled(value.unscaled, scale - value.scale);
+        return scaled ? MakeDecimal(*scaled, negative, scale) : std::nullopt;
+    }
+    return MakeDecimal(DropDigits({0, Magnitude(value.unscaled)}, value.scale - scale, rounding), negative,
+                       scale);
+}
+
+std::optional<Decimal> AddDecimals(const Decimal& a, const Decimal& b, int scale) {
+    const auto x = Rescale(a, scale);
+    const auto y = Rescale(b, scale);
+    if (!x || !y) {
+        return std::nullopt;
+    }
+    // Two values below 10^38 stay within 127 bits only one at a time.
+    const bool same_sign = (x->unscaled < 0) == (y->unscaled < 0);
+    if (same_sign) {
+        return MakeDecimal({0, Magnitude(x->unscaled) + Magnitude(y->unscaled)}, x->unscaled < 0, scale);
+    }
+    return Decimal{x->unscaled + y->unscaled, static_cast<std::uint8_t>(scale)};
+}
+
+std::optional<Decimal> MultiplyDecimals(const Decimal& a, const Decimal& b, int scale) {
+    const bool negative = (a.unscaled < 0) != (b.unscaled < 0);
+    const UInt256 product = Multiply(Magnitude(a.unscaled), Magnitude(b.unscaled));
+    const int surplus = a.scale + b.scale - scale;
+    if (surplus >= 0) {
+        return MakeDecimal(DropDigits(product, surplus, Rounding::HalfUp), negative, scale);
+    }
+    const auto whole = MakeDecimal(product, negative, a.scale + b.scale);
+    return whole ? Rescale(*whole, scale) : std::nullopt;
+}
+
+std::optional<Decimal> DivideDecimals(const Decimal& a, const Decimal& b, int scale) {
+    const bool negative = (a.unscaled < 0) != (b.unscaled < 0);
+    const UInt128 divisor = Magnitude(b.unscaled);
+    UInt128 quotient = Magnitude(a.unscaled) / divisor;
+    UInt256 remainder{0, Magnitude(a.unscaled) % divisor};
+    int digits = scale + b.scale - a.scale;
+    for (; digits > 0; --digits) {
+        const UInt256 twice = ShiftLeft(remainder);
+        const UInt256 eight = ShiftLeft(ShiftLeft(twice));
+        remainder = {eight.high + twice.high, eight.low + twice.low};
+        remainder.high += remainder.low < eight.low ? 1 : 0;
+        unsigned digit = 0;
+        while (!Less(remainder, {0, divisor})) {
+            remainder = Subtract(remainder, {0, divisor});
+            ++digit;
+        }
+        if (!InRange(quotient)) {
+            return std::nullopt;
+        }
+        // Below 10^38, so ten times as much may leave 128 bits.
+        const UInt256 next = Multiply(quotient, 10);
+        if (next.high != 0) {
+            return std::nullopt;
+        }
+        quotient = next.low + digit;
+    }
+    return MakeDecimal(DropDigits({0, quotient}, -digits, Rounding::TowardZero), negative, scale);
+}
+
+std::optional<Decimal> DecimalRemainder(const Decimal& a, const Decimal& b, int scale) {
+    const int common = std::max(a.scale, b.scale);
+    const auto dividend = Scaled(a.unscaled, common - a.scale);
+    const auto divisor = Rescale(b, common);
+    if (!dividend) {
+        return std::nullopt;
+    }
+    if (!divisor) {
+        // A divisor with so many more whole digits than the dividend can hold: the dividend is left over.
+        return Rescale(a, scale);
+    }
+    const UInt128 rest = Divide(*dividend, Magnitude(divisor->unscaled)).remainder;
+    return Rescale({WithSign(rest, a.unscaled < 0), static_cast<std::uint8_t>(common)}, scale);
+}
+
+int CompareDecimals(const Decimal& a, const Decimal& b) {
+    const bool negative = a.unscaled < 0;
+    if (negative != (b.unscaled < 0)) {
+        return negative ? -1 : 1;
+    }
+    const int common = std::max(a.scale, b.scale);
+    const UInt256 x = Multiply(Magnitude(a.unscaled), static_cast<UInt128>(PowerOfTen(common - a.scale)));
+    const UInt256 y = Multiply(Magnitude(b.unscaled), static_cast<UInt128>(PowerOfTen(common - b.scale)));
+    const int order = Less(x, y) ? -1 : static_cast<int>(Less(y, x));
+    return negative ? -order : order;
+}
+
+std::string DecimalText(const Decimal& value) {
+    std::string digits;
+    for (UInt128 left = Magnitude(value.unscaled); left != 0; left /= 10) {
+        digits += static_cast<char>('0' + static_cast<int>(left % 10));
+    }
+    digits.resize(std::max<std::size_t>(digits.size(), value.scale + 1U), '0');
+    std::reverse(digits.begin(), digits.end());
+    if (value.scale != 0) {
+        digits.insert(digits.size() - value.scale, 1, '.');
+    }
+    return value.unscaled < 0 ? "-" + digits : digits;
+}
+
+double ToDouble(const Decimal& value) {
+    const std::string text = DecimalText(value);
+    double result = 0;
+    std::from_chars(text.data(), text.data() + text.size(), result);
+    return result;
+}
+
+std::optional<Decimal> FromDouble(double value, int scale) {
+    if (!std::isfinite(value)) {
+        return std::nullopt;
+    }
+    // d.dddddddddddddddde±xx: the 17 digits as a whole number, and where its point belongs.
+    std::array<char, 40> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
+                                   std::chars_format::scientific, 16);
+    const std::string_view text(buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data()));
+    const std::size_t mark = text.find('e');
+    std::int64_t digits = 0;
+    const std::string mantissa = std::string(text.substr(0, 1)) + std::string(text.substr(2, mark - 2));
+    std::from_chars(mantissa.data(), mantissa.data() + mantissa.size(), digits);
+    int exponent = 0;
+    const std::size_t first = mark + (text[mark + 1] == '+' ? 2 : 1);
+    std::from_chars(text.data() + first, text.data() + text.size(), exponent);
+
+    const int point = 16 - exponent; // digits behind the point
+    UInt256 magnitude{0, static_cast<UInt128>(digits)};
+    if (point > scale) {
+        magnitude = point - scale > 2 * kMaxDigits ? UInt256{}
+                                                   : DropDigits(magnitude, point - scale, Rounding::HalfUp);
+    } else {
+        const auto scaled = Scaled(digits, scale - point);
+        if (!scaled) {
+            return std::nullopt;
+        }
+        magnitude = *scaled;
+    }
+    return MakeDecimal(magnitude, value < 0, scale);
+}
+
+std::optional<std::int64_t> ToInt64(const Decimal& value, Rounding rounding) {
+    const auto whole = Rescale(value, 0, rounding);
+    if (!whole || whole->unscaled > INT64_MAX || whole->unscaled < INT64_MIN) {
+        return std::nullopt;
+    }
+    return static_cast<std::int64_t>(whole->unscaled);
+}
+
+ParsedDecimal ParseDecimal(std::string_view text, int most_scale) {
+    const bool negative = !text.empty() && text.front() == '-';
+    if (!text.empty() && (negative || text.front() == '+')) {
+        text.remove_prefix(1);
+    }
+    UInt128 magnitude = 0;
+    int scale = 0;
+    bool point = false;
+    bool any_digit = false;
+    bool in_range = true;
+    bool rounded = false;
+    for (const char c : text) {
+        if (c == '.' && !point) {
+            point = true;
+            continue;
+        }
+        if (c < '0' || c > '9') {
+            return {};
+        }
+        any_digit = true;
+        if (point && scale == most_scale) {
+            // The first digit beyond the last place decides; the others change nothing.
+            magnitude += !rounded && c >= '5' ? 1 : 0;
+            rounded = true;
+            continue;
+        }
+        in_range = in_range && magnitude < static_cast<UInt128>(kPowers[kMaxDigits - 1]);
+        magnitude = in_range ? magnitude * 10 + static_cast<unsigned>(c - '0') : magnitude;
+        scale += point ? 1 : 0;
+    }
+    if (!any_digit) {
+        return {};
+    }
+    if (!in_range || !InRange(magnitude)) {
+        return {true, std::nullopt};
+    }
+    return {true, Decimal{WithSign(magnitude, negative), static_cast<std::uint8_t>(scale)}};
+}
+
+} // namespace devsql

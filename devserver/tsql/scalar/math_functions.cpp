@@ -1,0 +1,294 @@
+// Number functions. Those of trigonometry and logarithms compute in float; the others keep the type they get.
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include "devserver/tsql/scalar/arithmetic.h"
+#include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/decimal.h"
+#include "devserver/tsql/scalar/function_tables.h"
+#include "devserver/tsql/scalar/sql_error.h"
+
+namespace devsql {
+
+namespace {
+
+constexpr std::int32_t kInvalidFloatOperation = 3623;
+
+/// The type in which a function computes: small integers become int, bit and text float, smallmoney money.
+Type WorkingType(const Type& type) {
+    if (IsInteger(type.id)) {
+        return Simple(type.id == TypeId::BigInt ? TypeId::BigInt : TypeId::Int);
+    }
+    if (IsMoney(type.id)) {
+        return Simple(TypeId::Money);
+    }
+    return IsDecimal(type.id) ? type : Simple(TypeId::Float);
+}
+
+Type WorkingTypeOfFirst(Types types) {
+    return WorkingType(types[0]);
+}
+
+/// A decimal loses its fraction.
+Type WholeType(Types types) {
+    const Type type = WorkingType(types[0]);
+    return IsDecimal(type.id) ? DecimalType(type.precision, 0, type.id) : type;
+}
+
+/// Powers of decimals need all digits.
+Type PowerType(Types types) {
+    const Type type = WorkingType(types[0]);
+    return IsDecimal(type.id) ? DecimalType(kMaxDigits, type.scale, type.id) : type;
+}
+
+Value Float(double value) {
+    if (std::isnan(value)) {
+        Raise(kInvalidFloatOperation);
+    }
+    if (std::isinf(value)) {
+        Raise(8115, {"expression", TypeName(TypeId::Float)}, 2);
+    }
+    return value;
+}
+
+template <double (*Function)(double)>
+Value OfFloat(Values values, Types types) {
+    return Float(Function(FloatOf(values[0], types[0])));
+}
+
+double Square(double x) {
+    return x * x;
+}
+
+double Cotangent(double x) {
+    return 1 / std::tan(x);
+}
+
+/// Of 0 there is no logarithm, and infinite is no float.
+double Defined(double x, double result) {
+    return x > 0 ? result : std::nan("");
+}
+
+double NaturalLog(double x) {
+    return Defined(x, std::log(x));
+}
+
+double DecimalLog(double x) {
+    return Defined(x, std::log10(x));
+}
+
+Value Log(Values values, Types types) {
+    const double result = NaturalLog(FloatOf(values[0], types[0]));
+    return Float(values.size() == 1 ? result : result / NaturalLog(FloatOf(values[1], types[1])));
+}
+
+Value ArcTangent2(Values values, Types types) {
+    return Float(std::atan2(FloatOf(values[0], types[0]), FloatOf(values[1], types[1])));
+}
+
+Value Pi(Values, Types) {
+    return std::numbers::pi;
+}
+
+/// The argument in the type in which the function computes.
+Value Working(Values values, Types types) {
+    return Convert(values[0], types[0], WorkingType(types[0]));
+}
+
+bool IsNegative(const Value& value) {
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+        return *integer < 0;
+    }
+    const auto* number = std::get_if<double>(&value);
+    return number != nullptr ? *number < 0 : std::get<Decimal>(value).unscaled < 0;
+}
+
+Value Abs(Values values, Types types) {
+    const Value value = Working(values, types);
+    return IsNegative(value) ? Evaluate(UnaryOperator::Minus, value, WorkingType(types[0])) : value;
+}
+
+Value Sign(Values values, Types types) {
+    const Type type = WorkingType(types[0]);
+    const Value value = Working(values, types);
+    const bool zero = std::visit(
+        [](const auto& v) {
+            using T = std::decay_t<decltype(v)>;
+            if constexpr (std::is_arithmetic_v<T>) {
+                return v == 0;
+            } else if constexpr (std::is_same_v<T, Decimal>) {
+                return v.unscaled == 0;
+            } else {
+                return false;
+            }
+        },
+        value);
+    const std::int64_t sign = IsNegative(value) ? -1 : static_cast<std::int64_t>(!zero);
+    return Convert(sign, Simple(TypeId::Int), type);
+}
+
+/// Down for FLOOR, up for CEILING.
+Value Whole(Values values, Types types, bool up) {
+    const Value value = Working(values, types);
+    if (const auto* number = std::get_if<double>(&value)) {
+        return up ? std::ceil(*number) : std::floor(*number);
+    }
+    const auto* decimal = std::get_if<Decimal>(&value);
+    if (decimal == nullptr) {
+        return value;
+    }
+    Decimal whole = *Rescale(*decimal, 0, Rounding::TowardZero);
+    const bool exact = CompareDecimals(whole, *decimal) == 0;
+    if (!exact && (decimal->unscaled > 0) == up) {
+        whole.unscaled += up ? 1 : -1;
+    }
+    return Convert(whole, DecimalType(kMaxDigits, 0), WholeType(types));
+}
+
+Value Ceiling(Values values, Types types) {
+    return Whole(values, types, true);
+}
+
+Value Floor(Values values, Types types) {
+    return Whole(values, types, false);
+}
+
+Value RoundFloat(double value, int digits, bool cut) {
+    // 10^308 is the largest power that a float holds.
+    constexpr int most = 308;
+    if (digits > most || digits < -most) {
+        return digits > 0 ? value : 0.0;
+    }
+    const double power = std::pow(10.0, std::abs(digits));
+    const double scaled = digits >= 0 ? value * power : value / power;
+    if (!std::isfinite(scaled)) {
+        return value;
+    }
+    const double whole = cut ? std::trunc(scaled) : std::round(scaled);
+    return digits >= 0 ? whole / power : whole * power;
+}
+
+Decimal RoundDecimal(const Decimal& value, int digits, bool cut) {
+    if (digits >= value.scale) {
+        return value;
+    }
+    if (-digits > kMaxDigits) {
+        return {0, value.scale};
+    }
+    const Rounding rounding = cut ? Rounding::TowardZero : Rounding::HalfUp;
+    if (digits >= 0) {
+        return *Rescale(*Rescale(value, digits, rounding), value.scale);
+    }
+    // Before the point: the number of tens, hundreds, ..., then as many zeros.
+    const Int128 power = PowerOfTen(-digits);
+    const Int128 whole = Rescale(value, 0, Rounding::TowardZero)->unscaled;
+    Int128 count = whole / power;
+    const Int128 rest = whole % power;
+    const Int128 size = rest < 0 ? -rest : rest;
+    if (!cut && size >= power - size) {
+        count += whole < 0 ? -1 : 1;
+    }
+    return Decimal{count * power, 0};
+}
+
+Value Round(Values values, Types types) {
+    const Type type = WorkingType(types[0]);
+    const Value value = Working(values, types);
+    const int digits = static_cast<int>(IntOf(values[1], types[1]));
+    const bool cut = values.size() > 2 && IntOf(values[2], types[2]) != 0;
+    if (const auto* number = std::get_if<double>(&value)) {
+        return RoundFloat(*number, digits, cut);
+    }
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+        return Convert(RoundDecimal({*integer, 0}, digits, cut), DecimalType(kMaxDigits, 0), type);
+    }
+    const Decimal rounded = RoundDecimal(std::get<Decimal>(value), digits, cut);
+    // A decimal of so many digits that the round number has one more doesn't fit: 8115.
+    return Convert(rounded, DecimalType(kMaxDigits, rounded.scale), type);
+}
+
+Value Power(Values values, Types types) {
+    const double result = std::pow(FloatOf(values[0], types[0]), FloatOf(values[1], types[1]));
+    return Convert(Float(result), Simple(TypeId::Float), PowerType(types));
+}
+
+Value Scaled(Values values, Types types, double factor) {
+    const Type type = PowerType(types);
+    return Convert(Float(FloatOf(values[0], types[0]) * factor), Simple(TypeId::Float), type);
+}
+
+Value Radians(Values values, Types types) {
+    return Scaled(values, types, std::numbers::pi / 180);
+}
+
+Value Degrees(Values values, Types types) {
+    return Scaled(values, types, 180 / std::numbers::pi);
+}
+
+Value Rand(Values values, Types types) {
+    return RandomSequence(static_cast<std::int32_t>(IntOf(values[0], types[0]))).Next();
+}
+
+constexpr auto kFloatType = Always<TypeId::Float>;
+
+constexpr ScalarFunction kFunctions[] = {
+    {"ABS", 1, 1, WorkingTypeOfFirst, NullIfAnyNull<Abs>},
+    {"SIGN", 1, 1, WorkingTypeOfFirst, NullIfAnyNull<Sign>},
+    {"CEILING", 1, 1, WholeType, NullIfAnyNull<Ceiling>},
+    {"FLOOR", 1, 1, WholeType, NullIfAnyNull<Floor>},
+    {"ROUND", 2, 3, WorkingTypeOfFirst, NullIfAnyNull<Round>},
+    {"POWER", 2, 2, PowerType, NullIfAnyNull<Power>},
+    {"RADIANS", 1, 1, PowerType, NullIfAnyNull<Radians>},
+    {"DEGREES", 1, 1, PowerType, NullIfAnyNull<Degrees>},
+    {"SQRT", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::sqrt>>},
+    {"SQUARE", 1, 1, kFloatType, NullIfAnyNull<OfFloat<Square>>},
+    {"EXP", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::exp>>},
+    {"LOG", 1, 2, kFloatType, NullIfAnyNull<Log>},
+    {"LOG10", 1, 1, kFloatType, NullIfAnyNull<OfFloat<DecimalLog>>},
+    {"SIN", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::sin>>},
+    {"COS", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::cos>>},
+    {"TAN", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::tan>>},
+    {"COT", 1, 1, kFloatType, NullIfAnyNull<OfFloat<Cotangent>>},
+    {"ASIN", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::asin>>},
+    {"ACOS", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::acos>>},
+    {"ATAN", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::atan>>},
+    {"ATN2", 2, 2, kFloatType, NullIfAnyNull<ArcTangent2>},
+    {"PI", 0, 0, kFloatType, Pi},
+    {"RAND", 1, 1, kFloatType, NullIfAnyNull<Rand>},
+};
+
+// Two multiplicative generators, combined: P. L'Ecuyer, Efficient and Portable Combined Random Number
+// Generators, 1988. That the server uses it shows in the published results of RAND(100): 0.715436657367485,
+// then 0.28463380767982, then 0.0131039082850364.
+constexpr std::int64_t kFirstModulus = 2147483563;
+constexpr std::int64_t kSecondModulus = 2147483399;
+constexpr std::int64_t kFirstFactor = 40014;
+constexpr std::int64_t kSecondFactor = 40692;
+constexpr std::int64_t kSecondSeed = 67890;
+
+} // namespace
+
+RandomSequence::RandomSequence(std::int32_t seed) : first_(seed), second_(kSecondSeed) {
+    // A generator of this kind never leaves 0, so no seed may begin there.
+    first_ = ((first_ % kFirstModulus) + kFirstModulus) % kFirstModulus;
+    if (first_ == 0) {
+        first_ = 12345;
+    }
+}
+
+double RandomSequence::Next() {
+    first_ = first_ * kFirstFactor % kFirstModulus;
+    second_ = second_ * kSecondFactor % kSecondModulus;
+    std::int64_t difference = first_ - second_;
+    if (difference < 1) {
+        difference += kFirstModulus - 1;
+    }
+    return static_cast<double>(difference) / static_cast<double>(kFirstModulus);
+}
+
+std::span<const ScalarFunction> MathFunctions() {
+    return kFunctions;
+}
+
+} // namespace devsql
