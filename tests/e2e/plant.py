@@ -1,0 +1,291 @@
+# What the whole-way tests stand on: a development server, and a machine with the program installed on it, its
+# registry, its query tool and its packages. Linux, or Windows under Wine: the tests are the same.
+import os
+import re
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+import pymssql
+
+TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+TEMPLATES = ("Create_Batch_Database", "Insert_Default_Data", "Create_Batch_Stored_Procedures")
+PACKAGES = ("StdSynchronize", "UpgradeDatabase_V1_to_V2", "BatchOverviewExport", "BatchOverviewRecalcExport",
+            "BatchSummaryExport", "BatchSummaryRecalcExport")
+USER, PASSWORD = "lk_admin", "Pass_1!"
+
+
+class DevServer:
+    """A development server of its own; use it in a with statement."""
+
+    def __init__(self, program, folder, drives=()):
+        self.program, self.folder, self.drives = program, folder, drives
+        self.root = os.path.join(folder, "server")
+        self.logins = os.path.join(folder, "logins")
+        self.port = 0
+        self.process = None
+        os.makedirs(folder, exist_ok=True)
+        with open(os.open(self.logins, os.O_CREAT | os.O_WRONLY, 0o600), "w") as file:
+            file.write(f"{USER}:{PASSWORD}\nempty:\n")
+
+    def start(self):
+        arguments = [self.program, "--root", self.root, "--port", str(self.port), "--logins", self.logins]
+        for drive in self.drives:
+            arguments += ["--drive", drive]
+        self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE, text=True)
+        ready = self.process.stdout.readline()
+        match = re.fullmatch(r"devsqlserver: ready on 127\.0\.0\.1:(\d+)\n", ready)
+        if match is None:
+            self.kill()
+            raise RuntimeError(f"the server did not start: {ready!r}")
+        self.port = int(match.group(1))
+        return self
+
+    def stop(self, signal_number=signal.SIGTERM):
+        if self.process is not None and self.process.poll() is None:
+            self.process.send_signal(signal_number)
+            try:
+                self.process.wait(20)
+            except subprocess.TimeoutExpired:
+                self.process.kill()
+                self.process.wait()
+        if self.process is not None:
+            self.process.stdout.close()
+            self.process = None
+
+    def kill(self):
+        self.stop(signal.SIGKILL)
+
+    __enter__ = start
+
+    def __exit__(self, *_):
+        self.stop()
+
+    @property
+    def name(self):
+        return f"127.0.0.1,{self.port}"
+
+    def connect(self, database="master"):
+        return pymssql.connect(server="127.0.0.1", port=str(self.port), user=USER, password=PASSWORD,
+                               database=database, autocommit=True, login_timeout=10, timeout=60)
+
+    def ask(self, statement, database="master"):
+        """The rows of the first result, read by pymssql."""
+        with self.connect(database) as connection, connection.cursor() as cursor:
+            cursor.execute(statement)
+            return [tuple(row) for row in cursor.fetchall()] if cursor.description else []
+
+    def column(self, statement, database="master"):
+        return sorted(row[0] for row in self.ask(statement, database))
+
+    def ask_bsqldb(self, statement, database="master"):
+        """The lines that the client bsqldb reads, columns separated by a bar."""
+        configuration = os.path.join(self.folder, "freetds.conf")
+        with open(configuration, "w") as file:
+            file.write(f"[dev]\nhost = 127.0.0.1\nport = {self.port}\ntds version = 7.1\nclient charset = UTF-8\n")
+        run = subprocess.run(["bsqldb", "-S", "dev", "-U", USER, "-P", PASSWORD, "-D", database, "-t", "|", "-q"],
+                             input=statement, env=dict(os.environ, FREETDSCONF=configuration, FREETDS=configuration),
+                             capture_output=True, text=True, timeout=60)
+        if run.returncode != 0:
+            raise RuntimeError(f"bsqldb: {run.stderr}")
+        return [line.strip() for line in run.stdout.splitlines() if line.strip()]
+
+
+class Machine:
+    """A computer with the program on it. `binaries` is the bin folder of a build tree."""
+
+    def __init__(self, binaries, folder, wine=False):
+        self.binaries, self.folder, self.wine = binaries, folder, wine
+        self.install = os.path.join(folder, "Server")
+        self.tools = os.path.join(folder, "Client Tools")
+        self.log_folder = os.path.join(folder, "Log")
+        self.scripts = os.path.join(folder, "sql scripts")
+        self.data = os.path.join(folder, "SQL Data")
+        for path in (self.install, os.path.join(self.tools, "Binn"), self.log_folder, self.data):
+            os.makedirs(path)
+        extension = ".exe" if wine else ""
+        self.program = os.path.join(self.install, "KVLSQLDbMgr" + extension)
+        shutil.copy(os.path.join(binaries, "KVLSQLDbMgr" + extension), self.program)
+        self.tool = os.path.join(self.tools, "Binn", "OSQL.EXE")
+        shutil.copy(os.path.join(binaries, "OSQL.EXE"), self.tool)
+        shutil.copytree(os.path.join(TOP, "samples", "sqlscripts", "v1"), self.scripts)
+        self.odbc = os.path.join(folder, "odbc")
+        os.mkdir(self.odbc)
+        with open(os.path.join(self.odbc, "odbcinst.ini"), "w") as file:
+            file.write("[SQL Server]\nDescription = FreeTDS under the name of the system's driver\n"
+                       f"Driver = {freetds_driver()}\n")
+        self.environment = dict(os.environ, ODBCSYSINI=self.odbc, HOME=folder, XDG_CONFIG_HOME=folder,
+                                KVLSQLDBMGR_REGISTRY=os.path.join(folder, "registry.reg"))
+        self.environment.pop("DISPLAY", None)
+        self.dts_record = os.path.join(folder, "dts.txt")
+        if wine:
+            self.environment.update(KV_DTS_STORE="1", KV_DTS_RECORD=self.native(self.dts_record))
+        self.set_registry()
+
+    def native(self, path):
+        """A path as the program is told it: its own system's."""
+        return "Z:" + path.replace("/", "\\") if self.wine else path
+
+    def drives(self):
+        """The drive letters that a server beside this machine must know."""
+        return ("Z=/",) if self.wine else ()
+
+    def set_registry(self, version="14.0.1000.169", tools=None, log=None):
+        """Everything that the program reads; None leaves a key out."""
+        def key(name, *values):
+            return f"[HKEY_LOCAL_MACHINE\\SOFTWARE\\{name}]\n" + "".join(value + "\n" for value in values) + "\n"
+
+        def text(value):
+            return '"' + self.native(value).replace("\\", "\\\\") + '"'
+
+        client = "Microsoft\\Microsoft SQL Server\\{}\\Tools\\ClientSetup"
+        content = "REGEDIT4\n\n" + key("ORVIK\\QUORLEN\\Log", "@=" + text(log or self.log_folder))
+        content += key("Microsoft\\Microsoft SQL Server\\KV_BATCH\\MSSQLServer\\CurrentVersion",
+                       f'"CurrentVersion"="{version}"')
+        for number in ("80", "90", "120", "140"):
+            content += key(client.format(number), '"SQLPath"=' + text(tools or self.tools))
+        path = os.path.join(self.folder, "registry.reg")
+        with open(path, "w") as file:
+            file.write(content)
+        if self.wine:
+            # The prefix has one registry for all tests: what an earlier one left goes first.
+            wipe = os.path.join(self.folder, "wipe.reg")
+            with open(wipe, "w") as file:
+                file.write("REGEDIT4\n\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVIK]\n\n"
+                           "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Microsoft SQL Server]\n")
+            for file in (wipe, path):
+                self.under_wine("regedit.exe", "/S", self.native(file)).check_returncode()
+
+    def under_wine(self, *arguments, timeout=120):
+        return subprocess.run([os.path.join(TOP, "tests", "run-under-wine"), *arguments], env=self.wine_environment(),
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace",
+                              timeout=timeout, cwd=self.install)
+
+    def wine_environment(self):
+        # Wine's prefix is the project's and not the test's; its own folder is where HOME says.
+        environment = dict(self.environment, HOME=os.environ.get("HOME", "/root"))
+        return environment
+
+    def run(self, *arguments, timeout=300):
+        """Runs the program unattended to its end; gives what it said on the terminal."""
+        if self.wine:
+            return self.under_wine(self.program, *arguments, timeout=timeout).stderr
+        return subprocess.run([self.program, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, errors="replace", timeout=timeout,
+                              cwd=self.install).stderr
+
+    def start(self, *arguments):
+        command = [self.program, *arguments]
+        if self.wine:
+            command.insert(0, os.path.join(TOP, "tests", "run-under-wine"))
+        return subprocess.Popen(command, env=self.wine_environment() if self.wine else self.environment,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                cwd=self.install)
+
+    def login(self, server, user=USER, password=PASSWORD):
+        return ["/scriptfolder", self.native(self.scripts), "/server", server.name, "/user", user, "/password",
+                password]
+
+    def install_arguments(self, server, *what, **login):
+        return [*self.login(server, **login), "/sqldatapath", self.native(self.data), *what]
+
+    def log_lines(self):
+        """The log's lines without their date, which is checked to be one."""
+        path = os.path.join(self.log_folder, "KVLSQLDbMgr.log")
+        if not os.path.exists(path):
+            return []
+        with open(path, encoding="cp1252", newline="") as file:
+            lines = file.read().split("\r\n")
+        assert lines.pop() == "", "the last line has no end"
+        date = r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d"
+        assert all(re.match(date + " : Error in ", line) for line in lines), lines
+        return [line[len("2006-05-12 14:03:22"):] for line in lines]
+
+    def data_files(self):
+        folder = os.path.join(self.install, "Data")
+        return sorted(os.listdir(folder)) if os.path.isdir(folder) else []
+
+    def output(self, name):
+        """What the query tool printed for a script."""
+        with open(os.path.join(self.install, "Data", name + ".txt"), encoding="cp1252", newline="") as file:
+            return file.read()
+
+    def write_template(self, name, content):
+        with open(os.path.join(self.scripts, name + ".sql"), "wb") as file:
+            file.write(content)
+
+    def read_modified(self, name):
+        with open(os.path.join(self.install, "Data", name + ".sql"), "rb") as file:
+            return file.read()
+
+    def dispose(self):
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+
+def freetds_driver():
+    for folder in ("/usr/lib/x86_64-linux-gnu/odbc", "/usr/lib/odbc", "/usr/lib64"):
+        path = os.path.join(folder, "libtdsodbc.so")
+        if os.path.exists(path):
+            return path
+    raise RuntimeError("libtdsodbc.so was not found; the package tdsodbc brings it")
+
+
+def wait_for(condition, seconds=30):
+    """Asks until the condition holds; for what another process brings about."""
+    end = time.monotonic() + seconds
+    while not condition():
+        if time.monotonic() > end:
+            raise RuntimeError("waited in vain")
+        time.sleep(0.02)
+
+
+def fresh_folder():
+    return tempfile.mkdtemp(prefix="kv-e2e-")
+
+
+# The templates as an independent client would run them: tokens replaced and batches split here, not by the program.
+
+def modified_template(folder, name, values):
+    def value(match):
+        token = match.group(1)
+        text = values.get(token.lower(), "")
+        if token in ("server", "servera", "serverb"):
+            return text.lower()
+        return text.upper() if token in ("SERVER", "SERVERA", "SERVERB", "DOMAIN") else text
+
+    with open(os.path.join(folder, name + ".sql"), encoding="cp1252", newline="") as file:
+        return re.sub(r"###([A-Za-z]+)###", value, file.read())
+
+
+def install_by_pymssql(server, folder, names, values):
+    with server.connect() as connection, connection.cursor() as cursor:
+        for name in names:
+            for batch in re.split(r"(?mi)^GO\r?$\n?", modified_template(folder, name, values)):
+                if batch.strip():
+                    cursor.execute(batch)
+                    while cursor.nextset():
+                        pass
+
+
+def contents(server, database="Batch"):
+    """Everything that a database holds, for comparison: objects, columns, rows, procedure texts."""
+    tables = server.column("SELECT name FROM sysobjects WHERE xtype = 'U'", database)
+    rows = {}
+    for table in tables:
+        columns = server.ask("SELECT COLUMN_NAME, DATA_TYPE FROM INFORMATION_SCHEMA.COLUMNS "
+                             f"WHERE TABLE_NAME = '{table}' ORDER BY ORDINAL_POSITION", database)
+        # When and under which identifier a row was made differs from run to run.
+        steady = [f"[{name}]" for name, kind in columns if kind not in
+                  ("timestamp", "uniqueidentifier", "datetime", "smalldatetime", "text", "ntext", "image")]
+        rows[table] = sorted(map(repr, server.ask(f"SELECT {', '.join(steady)} FROM [{table}]", database)))
+    return {
+        "objects": server.ask("SELECT name, xtype FROM sysobjects WHERE xtype IN ('U', 'V', 'P') ORDER BY name",
+                              database),
+        "columns": server.ask("SELECT TABLE_NAME, COLUMN_NAME, ORDINAL_POSITION, DATA_TYPE, IS_NULLABLE "
+                              "FROM INFORMATION_SCHEMA.COLUMNS ORDER BY TABLE_NAME, ORDINAL_POSITION", database),
+        "rows": rows,
+        "texts": {name: server.ask(f"exec sp_helptext '{name}'", database) for name in
+                  server.column("SELECT name FROM sysobjects WHERE xtype IN ('P', 'V')", database)},
+    }
