@@ -244,8 +244,9 @@ void ResultPrinter::Message(const Diagnostic& diagnostic) {
         (switches_.error_level && level < *switches_.error_level)) {
         return;
     }
-    // What the driver says for itself has no number of the server's, nor has PRINT.
-    const bool numbered = diagnostic.native_error != 0 && (error || switches_.error_level);
+    // PRINT has no number, and what the driver says for itself stands at no line.
+    const bool from_batch = diagnostic.native_error != 0 && (diagnostic.severity || diagnostic.line);
+    const bool numbered = from_batch && (error || switches_.error_level);
     std::string text = numbered ? HeadOf(diagnostic) : std::string();
     text += platform::odbc::WithoutOrigin(diagnostic.message);
     text += "\n";

@@ -1,6 +1,8 @@
 // Handles, diagnostics and connections.
 #include "platform/odbc.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <utility>
 
@@ -19,6 +21,10 @@ constexpr std::string_view kServerComponent = "[SQL Server]";
 
 /// The file of the driver that is reached by way of unixODBC, also under Wine.
 constexpr std::string_view kDriverBehindUnixOdbc = "libtdsodbc";
+
+/// The class of the SQLSTATEs that tell of a connection that is not there.
+constexpr std::string_view kConnectionClass = "08";
+constexpr const char* kCommunicationFailure = "08S01";
 
 /// ODBC takes small numbers as attribute values in place of a pointer to them.
 SQLPOINTER AttributeValue(std::uintptr_t number) {
@@ -42,6 +48,23 @@ std::optional<std::int32_t> DiagnosticNumber(HandleKind kind, void* handle, SQLS
     const SQLRETURN code = SQLGetDiagFieldW(static_cast<SQLSMALLINT>(kind), handle, record, field, &number,
                                             static_cast<SQLSMALLINT>(sizeof number), &length);
     return SQL_SUCCEEDED(code) && number != 0 ? std::optional(number) : std::nullopt;
+}
+
+/// What FreeTDS reports for itself has its own numbers and stands at line -1, which no message of a server
+/// does. Seen with FreeTDS 1.3: a server that dies behind the first result of a batch is told by success with
+/// the message 20017, and every call from then on fails with "Unknown error".
+void MendOwnRecord(Diagnostic& diagnostic) {
+    constexpr std::int32_t kNoLine = 0xFFFF;
+    constexpr std::array kLost = {20004, 20006, 20017,
+                                  20047}; // reading, writing, end of data, dead connection
+    if (diagnostic.line != kNoLine) {
+        return;
+    }
+    diagnostic.line.reset();
+    diagnostic.severity.reset();
+    if (std::ranges::find(kLost, diagnostic.native_error) != kLost.end()) {
+        diagnostic.sql_state = kCommunicationFailure;
+    }
 }
 
 bool ReadRecord(HandleKind kind, void* handle, SQLSMALLINT record, Diagnostic& diagnostic) {
@@ -77,6 +100,7 @@ bool ReadRecord(HandleKind kind, void* handle, SQLSMALLINT record, Diagnostic& d
         // Seen with FreeTDS 1.3: it knows no severity field, and puts the severity where the state belongs.
         diagnostic.severity = std::exchange(diagnostic.state, std::nullopt);
     }
+    MendOwnRecord(diagnostic);
     return true;
 }
 
@@ -89,6 +113,12 @@ std::vector<Diagnostic> OrPlaceholder(const char* function, std::vector<Diagnost
         diagnostics.push_back(std::move(placeholder));
     }
     return diagnostics;
+}
+
+bool IsLost(const std::vector<Diagnostic>& diagnostics) {
+    return std::ranges::any_of(diagnostics, [](const Diagnostic& diagnostic) {
+        return diagnostic.sql_state.starts_with(kConnectionClass);
+    });
 }
 
 } // namespace
@@ -115,12 +145,7 @@ OdbcError::OdbcError(const char* function, std::vector<Diagnostic> diagnostics)
     : function_(function), diagnostics_(OrPlaceholder(function, std::move(diagnostics))) {}
 
 bool OdbcError::ConnectionLost() const {
-    for (const Diagnostic& diagnostic : diagnostics_) {
-        if (diagnostic.sql_state.starts_with("08")) {
-            return true;
-        }
-    }
-    return false;
+    return IsLost(diagnostics_);
 }
 
 std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle, bool failed) {
@@ -181,9 +206,9 @@ bool Handle::Check(const char* function, int return_code) {
     if (return_code == SQL_SUCCESS) {
         return true;
     }
-    const bool failed = return_code != SQL_SUCCESS_WITH_INFO && return_code != SQL_NO_DATA;
-    std::vector<Diagnostic> diagnostics = ReadDiagnostics(kind_, handle_, failed);
-    if (failed) {
+    const bool succeeded = return_code == SQL_SUCCESS_WITH_INFO || return_code == SQL_NO_DATA;
+    std::vector<Diagnostic> diagnostics = ReadDiagnostics(kind_, handle_, !succeeded);
+    if (!succeeded || IsLost(diagnostics)) {
         throw OdbcError(function, std::move(diagnostics));
     }
     for (Diagnostic& diagnostic : diagnostics) {

@@ -188,7 +188,7 @@ enum class Direction : std::uint8_t { Input, InputOutput, Output };
 /// A parameter marker's value.
 struct Parameter {
     SqlType type = SqlType::VarChar; ///< what the server is told; the value is converted by the driver
-    Value value;                     ///< what goes in
+    Value value{};                   ///< what goes in
     Direction direction = Direction::Input;
     /// Characters or bytes at most; digits for decimals. 0: as long as the value.
     std::size_t size = 0;

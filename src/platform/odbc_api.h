@@ -13,6 +13,13 @@
 #include <sql.h>
 #include <sqlext.h>
 
+/// What SQLColAttribute writes numbers to, as the system's header declares it.
+#if defined(_WIN32) && !defined(_WIN64)
+using OdbcColumnNumber = SQLPOINTER;
+#else
+using OdbcColumnNumber = SQLLEN*;
+#endif
+
 /// Diagnostic fields and column types that the drivers for this server add to the standard's.
 inline constexpr SQLSMALLINT kDiagServerState = -1150;
 inline constexpr SQLSMALLINT kDiagServerSeverity = -1151;

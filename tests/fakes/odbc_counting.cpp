@@ -1,0 +1,466 @@
+#include "fakes/odbc_counting.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <memory>
+
+#include "platform/code_page.h"
+#include "platform/odbc_api.h"
+
+namespace fakes {
+namespace {
+
+constexpr std::size_t kTextSize = 20;
+
+struct Binding {
+    SQLSMALLINT c_type = 0;
+    char* data = nullptr;
+    SQLLEN width = 0;
+    SQLLEN* indicators = nullptr;
+};
+
+struct FakeHandle {
+    SQLSMALLINT kind = 0;
+    FakeHandle* parent = nullptr;
+    std::size_t children = 0;
+    bool connected = false;
+    std::vector<OdbcRecord> records;
+    std::size_t result = 0; ///< of the statement; one behind the last: none
+    bool has_result = false;
+    std::size_t next_row = 0;
+    std::size_t long_read = 0;
+    SQLULEN array_size = 1;
+    SQLULEN* rows_fetched = nullptr;
+    SQLUSMALLINT* row_status = nullptr;
+    std::map<SQLUSMALLINT, Binding> bindings;
+};
+
+OdbcCounting counting;
+std::map<void*, std::unique_ptr<FakeHandle>> handles;
+
+void Complain(std::string what) {
+    counting.violations.push_back(std::move(what));
+}
+
+FakeHandle* Find(void* handle, const char* function) {
+    const auto found = handles.find(handle);
+    if (found == handles.end()) {
+        Complain(std::string(function) + " with a handle that is not open");
+        return nullptr;
+    }
+    return found->second.get();
+}
+
+/// Begins a call: null if it is to fail. `code` is then what it answers.
+FakeHandle* Begin(void* handle, const char* function, SQLRETURN& code) {
+    FakeHandle* const fake = Find(handle, function);
+    code = SQL_INVALID_HANDLE;
+    if (fake == nullptr) {
+        return nullptr;
+    }
+    fake->records.clear();
+    if (++counting.calls == counting.failing_call) {
+        counting.failed_function = function;
+        fake->records.push_back({.state = "HY000", .native = 4711, .message = "[fake]made to fail"});
+        code = SQL_ERROR;
+        return nullptr;
+    }
+    code = SQL_SUCCESS;
+    return fake;
+}
+
+const OdbcResult& ResultOf(const FakeHandle& fake) {
+    return counting.results.at(fake.result);
+}
+
+/// Goes to the result at `index`.
+SQLRETURN Enter(FakeHandle& fake, std::size_t index) {
+    fake.has_result = index < counting.results.size();
+    fake.result = index;
+    fake.next_row = 0;
+    if (!fake.has_result) {
+        return SQL_NO_DATA;
+    }
+    const OdbcResult& result = counting.results[index];
+    fake.records = result.records;
+    if (result.fails) {
+        return SQL_ERROR;
+    }
+    return result.records.empty() ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
+}
+
+std::string Narrowed(const SQLWCHAR* text, SQLINTEGER length) {
+    const auto* const wide = reinterpret_cast<const char16_t*>(text);
+    return platform::Narrow(length == SQL_NTS ? std::u16string_view(wide)
+                                              : std::u16string_view(wide, static_cast<std::size_t>(length)));
+}
+
+/// Writes a text as ODBC does: cut to the room, always with a NUL. `room` and the answer are characters.
+SQLRETURN WriteText(const std::string& text, SQLWCHAR* to, SQLSMALLINT room, SQLSMALLINT* length) {
+    const std::u16string wide = platform::Widen(text);
+    if (length != nullptr) {
+        *length = static_cast<SQLSMALLINT>(wide.size());
+    }
+    const std::size_t size = std::min(wide.size(), static_cast<std::size_t>(room) - 1);
+    std::memcpy(to, wide.data(), size * sizeof(char16_t));
+    to[size] = 0;
+    return size < wide.size() ? SQL_SUCCESS_WITH_INFO : SQL_SUCCESS;
+}
+
+const OdbcRecord* RecordOf(void* handle, SQLSMALLINT number, const char* function) {
+    const FakeHandle* const fake = Find(handle, function);
+    const bool there =
+        fake != nullptr && number >= 1 && static_cast<std::size_t>(number) <= fake->records.size();
+    return there ? &fake->records[static_cast<std::size_t>(number) - 1] : nullptr;
+}
+
+std::u16string CellText(std::size_t row) {
+    return platform::Widen("row " + std::to_string(row) + " \x80");
+}
+
+void WriteCell(const Binding& binding, std::size_t at, std::size_t row) {
+    char* const to = binding.data + static_cast<std::size_t>(binding.width) * at;
+    if (binding.c_type == SQL_C_SBIGINT) {
+        const auto number = static_cast<std::int64_t>(row);
+        std::memcpy(to, &number, sizeof number);
+        binding.indicators[at] = sizeof number;
+        return;
+    }
+    const std::u16string text = CellText(row);
+    std::memcpy(to, text.c_str(), (text.size() + 1) * sizeof(char16_t));
+    binding.indicators[at] = static_cast<SQLLEN>(text.size() * sizeof(char16_t));
+}
+
+} // namespace
+
+OdbcCounting& Counting() {
+    return counting;
+}
+
+void ResetCounting() {
+    counting = {};
+    handles.clear();
+}
+
+} // namespace fakes
+
+using namespace fakes; // the functions below belong to no namespace
+
+extern "C" {
+
+SQLRETURN SQL_API SQLAllocHandle(SQLSMALLINT kind, SQLHANDLE parent, SQLHANDLE* handle) {
+    SQLRETURN code = SQL_SUCCESS;
+    FakeHandle* owner = nullptr;
+    if (kind != SQL_HANDLE_ENV) {
+        owner = Begin(parent, "SQLAllocHandle", code);
+        if (owner == nullptr) {
+            return code;
+        }
+    } else if (++counting.calls == counting.failing_call) {
+        counting.failed_function = "SQLAllocHandle";
+        return SQL_ERROR;
+    }
+    auto fake = std::make_unique<FakeHandle>();
+    fake->kind = kind;
+    fake->parent = owner;
+    if (owner != nullptr) {
+        ++owner->children;
+        if (kind == SQL_HANDLE_STMT && !owner->connected) {
+            Complain("a statement of a connection that is not open");
+        }
+    }
+    *handle = fake.get();
+    handles[*handle] = std::move(fake);
+    counting.most_handles = std::max(counting.most_handles, ++counting.open_handles);
+    return code;
+}
+
+SQLRETURN SQL_API SQLFreeHandle(SQLSMALLINT kind, SQLHANDLE handle) {
+    FakeHandle* const fake = Find(handle, "SQLFreeHandle");
+    if (fake == nullptr) {
+        return SQL_INVALID_HANDLE;
+    }
+    if (fake->kind != kind || fake->children != 0 || fake->connected) {
+        Complain("a handle of kind " + std::to_string(kind) + " freed while it was in use");
+    }
+    if (fake->parent != nullptr) {
+        --fake->parent->children;
+    }
+    handles.erase(handle);
+    --counting.open_handles;
+    return SQL_SUCCESS;
+}
+
+SQLRETURN SQL_API SQLSetEnvAttr(SQLHENV handle, SQLINTEGER, SQLPOINTER, SQLINTEGER) {
+    SQLRETURN code = SQL_SUCCESS;
+    Begin(handle, "SQLSetEnvAttr", code);
+    return code;
+}
+
+SQLRETURN SQL_API SQLSetConnectAttrW(SQLHDBC handle, SQLINTEGER, SQLPOINTER, SQLINTEGER) {
+    SQLRETURN code = SQL_SUCCESS;
+    Begin(handle, "SQLSetConnectAttr", code);
+    return code;
+}
+
+SQLRETURN SQL_API SQLGetConnectAttrW(SQLHDBC handle, SQLINTEGER, SQLPOINTER value, SQLINTEGER, SQLINTEGER*) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (Begin(handle, "SQLGetConnectAttr", code) != nullptr) {
+        *static_cast<SQLUINTEGER*>(value) = SQL_CD_FALSE;
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLDriverConnectW(SQLHDBC handle, SQLHWND, SQLWCHAR* text, SQLSMALLINT length, SQLWCHAR*,
+                                    SQLSMALLINT, SQLSMALLINT*, SQLUSMALLINT) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLDriverConnect", code)) {
+        counting.last_connection_string = Narrowed(text, length);
+        fake->connected = true;
+        ++counting.open_connections;
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLDisconnect(SQLHDBC handle) {
+    FakeHandle* const fake = Find(handle, "SQLDisconnect");
+    if (fake == nullptr || !fake->connected) {
+        Complain("SQLDisconnect without a connection");
+        return SQL_ERROR;
+    }
+    if (fake->children != 0) {
+        Complain("SQLDisconnect with statements open");
+    }
+    fake->connected = false;
+    --counting.open_connections;
+    return SQL_SUCCESS;
+}
+
+SQLRETURN SQL_API SQLGetInfoW(SQLHDBC handle, SQLUSMALLINT, SQLPOINTER text, SQLSMALLINT bytes,
+                              SQLSMALLINT* length) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (Begin(handle, "SQLGetInfo", code) != nullptr) {
+        code = WriteText("fake.so", static_cast<SQLWCHAR*>(text),
+                         static_cast<SQLSMALLINT>(bytes / SQLSMALLINT{sizeof(SQLWCHAR)}), length);
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLGetDiagRecW(SQLSMALLINT, SQLHANDLE handle, SQLSMALLINT number, SQLWCHAR* state,
+                                 SQLINTEGER* native, SQLWCHAR* text, SQLSMALLINT room, SQLSMALLINT* length) {
+    const OdbcRecord* const record = RecordOf(handle, number, "SQLGetDiagRec");
+    if (record == nullptr) {
+        return SQL_NO_DATA;
+    }
+    WriteText(record->state, state, SQL_SQLSTATE_SIZE + 1, nullptr);
+    *native = record->native;
+    return WriteText(record->message, text, room, length);
+}
+
+SQLRETURN SQL_API SQLGetDiagFieldW(SQLSMALLINT, SQLHANDLE handle, SQLSMALLINT number, SQLSMALLINT field,
+                                   SQLPOINTER value, SQLSMALLINT bytes, SQLSMALLINT* length) {
+    const OdbcRecord* const record = RecordOf(handle, number, "SQLGetDiagField");
+    if (record == nullptr) {
+        return SQL_NO_DATA;
+    }
+    if (field == kDiagServerName) {
+        return WriteText(record->server, static_cast<SQLWCHAR*>(value),
+                         static_cast<SQLSMALLINT>(bytes / SQLSMALLINT{sizeof(SQLWCHAR)}), length);
+    }
+    const std::map<SQLSMALLINT, std::optional<std::int32_t>> numbers = {
+        {kDiagServerLine, record->line},
+        {kDiagServerSeverity, record->severity},
+        {kDiagServerState, record->server_state},
+    };
+    const auto found = numbers.find(field);
+    if (found == numbers.end() || !found->second) {
+        return SQL_ERROR;
+    }
+    // The line has 16 bits only, as drivers write it.
+    std::memcpy(value, &*found->second,
+                field == kDiagServerLine ? sizeof(std::int16_t) : sizeof(std::int32_t));
+    return SQL_SUCCESS;
+}
+
+SQLRETURN SQL_API SQLSetStmtAttrW(SQLHSTMT handle, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLSetStmtAttr", code)) {
+        if (attribute == SQL_ATTR_ROW_ARRAY_SIZE) {
+            fake->array_size = reinterpret_cast<std::uintptr_t>(value);
+        } else if (attribute == SQL_ATTR_ROWS_FETCHED_PTR) {
+            fake->rows_fetched = static_cast<SQLULEN*>(value);
+        } else if (attribute == SQL_ATTR_ROW_STATUS_PTR) {
+            fake->row_status = static_cast<SQLUSMALLINT*>(value);
+        }
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLExecDirectW(SQLHSTMT handle, SQLWCHAR* text, SQLINTEGER length) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLExecDirect", code)) {
+        counting.last_statement = Narrowed(text, length);
+        code = Enter(*fake, 0);
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLPrepareW(SQLHSTMT handle, SQLWCHAR* text, SQLINTEGER length) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (Begin(handle, "SQLPrepare", code) != nullptr) {
+        counting.last_statement = Narrowed(text, length);
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLBindParameter(SQLHSTMT handle, SQLUSMALLINT, SQLSMALLINT, SQLSMALLINT, SQLSMALLINT,
+                                   SQLULEN, SQLSMALLINT, SQLPOINTER, SQLLEN, SQLLEN*) {
+    SQLRETURN code = SQL_SUCCESS;
+    Begin(handle, "SQLBindParameter", code);
+    return code;
+}
+
+SQLRETURN SQL_API SQLExecute(SQLHSTMT handle) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLExecute", code)) {
+        code = Enter(*fake, 0);
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLMoreResults(SQLHSTMT handle) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLMoreResults", code)) {
+        code = Enter(*fake, fake->result + 1);
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLNumResultCols(SQLHSTMT handle, SQLSMALLINT* count) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLNumResultCols", code)) {
+        *count = 0;
+        if (fake->has_result && ResultOf(*fake).columns) {
+            *count = ResultOf(*fake).with_long_column ? 3 : 2;
+        }
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLDescribeColW(SQLHSTMT handle, SQLUSMALLINT number, SQLWCHAR* name, SQLSMALLINT room,
+                                  SQLSMALLINT* length, SQLSMALLINT* type, SQLULEN* size, SQLSMALLINT* digits,
+                                  SQLSMALLINT* nullable) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (Begin(handle, "SQLDescribeCol", code) != nullptr) {
+        const SQLSMALLINT types[] = {SQL_INTEGER, SQL_VARCHAR, SQL_LONGVARCHAR};
+        const SQLULEN sizes[] = {10, kTextSize, 0x7FFFFFFF};
+        WriteText("column" + std::to_string(number), name, room, length);
+        *type = types[number - 1];
+        *size = sizes[number - 1];
+        *digits = 0;
+        *nullable = SQL_NULLABLE;
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLColAttributeW(SQLHSTMT handle, SQLUSMALLINT number, SQLUSMALLINT, SQLPOINTER,
+                                   SQLSMALLINT, SQLSMALLINT*, OdbcColumnNumber value) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (Begin(handle, "SQLColAttribute", code) != nullptr) {
+        *static_cast<SQLLEN*>(value) = number == 1 ? 11 : kTextSize;
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLRowCount(SQLHSTMT handle, SQLLEN* count) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLRowCount", code)) {
+        *count = fake->has_result ? static_cast<SQLLEN>(ResultOf(*fake).row_count) : -1;
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLBindCol(SQLHSTMT handle, SQLUSMALLINT number, SQLSMALLINT c_type, SQLPOINTER data,
+                             SQLLEN width, SQLLEN* indicators) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLBindCol", code)) {
+        fake->bindings[number] = {c_type, static_cast<char*>(data), width, indicators};
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLFetch(SQLHSTMT handle) {
+    SQLRETURN code = SQL_SUCCESS;
+    FakeHandle* const fake = Begin(handle, "SQLFetch", code);
+    if (fake == nullptr) {
+        return code;
+    }
+    ++counting.fetches;
+    const std::size_t left = ResultOf(*fake).rows - fake->next_row;
+    const std::size_t count = std::min<std::size_t>(left, fake->array_size);
+    for (std::size_t i = 0; i < count; ++i) {
+        for (const auto& [number, binding] : fake->bindings) {
+            WriteCell(binding, i, fake->next_row + i);
+        }
+        if (fake->row_status != nullptr) {
+            fake->row_status[i] = SQL_ROW_SUCCESS;
+        }
+    }
+    fake->next_row += count;
+    fake->long_read = 0;
+    if (fake->rows_fetched != nullptr) {
+        *fake->rows_fetched = count;
+    }
+    return count == 0 ? SQL_NO_DATA : SQL_SUCCESS;
+}
+
+SQLRETURN SQL_API SQLGetData(SQLHSTMT handle, SQLUSMALLINT number, SQLSMALLINT, SQLPOINTER data, SQLLEN room,
+                             SQLLEN* indicator) {
+    SQLRETURN code = SQL_SUCCESS;
+    FakeHandle* const fake = Begin(handle, "SQLGetData", code);
+    if (fake == nullptr) {
+        return code;
+    }
+    if (fake->array_size != 1 || fake->bindings.count(number) != 0) {
+        Complain("SQLGetData of a bound column or from a block");
+    }
+    const std::size_t left = ResultOf(*fake).long_size - fake->long_read;
+    const std::size_t characters = static_cast<std::size_t>(room) / sizeof(char16_t) - 1;
+    const std::size_t count = std::min(left, characters);
+    const std::u16string text(count, u'x');
+    std::memcpy(data, text.c_str(), (count + 1) * sizeof(char16_t));
+    *indicator = static_cast<SQLLEN>(left * sizeof(char16_t));
+    fake->long_read += count;
+    return count < left ? SQL_SUCCESS_WITH_INFO : SQL_SUCCESS;
+}
+
+SQLRETURN SQL_API SQLFreeStmt(SQLHSTMT handle, SQLUSMALLINT option) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLFreeStmt", code)) {
+        if (option == SQL_UNBIND) {
+            fake->bindings.clear();
+        }
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLProceduresW(SQLHSTMT handle, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*,
+                                 SQLSMALLINT) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLProcedures", code)) {
+        code = Enter(*fake, 0);
+    }
+    return code;
+}
+
+SQLRETURN SQL_API SQLProcedureColumnsW(SQLHSTMT handle, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT,
+                                       SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
+    SQLRETURN code = SQL_SUCCESS;
+    if (FakeHandle* const fake = Begin(handle, "SQLProcedureColumns", code)) {
+        code = Enter(*fake, 0);
+    }
+    return code;
+}
+
+} // extern "C"
