@@ -14,10 +14,12 @@ using platform::odbc::OdbcError;
 using platform::odbc::RowReader;
 using platform::odbc::Statement;
 
-std::string Quoted(std::string_view value) {
-    const bool plain = value.find_first_of("[]{}(),;?*=!@ ") == std::string_view::npos;
-    if (plain) {
-        return std::string(value);
+/// Braces only where a value would otherwise end early or lose its blanks: FreeTDS does not take a doubled
+/// "}" back to one, so that a value with both needs is left to the drivers that do.
+std::string Quoted(const std::string& value) {
+    const bool blanks = !value.empty() && (value.front() == ' ' || value.back() == ' ');
+    if (!blanks && value.find(';') == std::string::npos && !value.starts_with("{")) {
+        return value;
     }
     std::string quoted = "{";
     for (const char c : value) {
