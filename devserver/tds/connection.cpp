@@ -83,7 +83,7 @@ Response Connection::MakeResponse() {
 
 void Connection::Refuse(const ProtocolError& error) {
     Response response = MakeResponse();
-    response.Send({error.number(), error.severity(), 1, error.what(), {}, 1});
+    response.Send(ErrorMessage(error));
     response.End();
     response.Finish(false);
 }
@@ -95,8 +95,12 @@ bool Connection::Enter() {
         return message && LogIn(*message);
     } catch (const ProtocolError& error) {
         Refuse(error);
-        return false;
+    } catch (const ConnectionLost&) {
+        throw;
+    } catch (const std::exception& error) {
+        Refuse(InternalError(error));
     }
+    return false;
 }
 
 std::optional<ClientMessage> Connection::ReadLogin(std::chrono::steady_clock::time_point deadline) {
@@ -107,6 +111,10 @@ std::optional<ClientMessage> Connection::ReadLogin(std::chrono::steady_clock::ti
         packets_.Append(PreLoginAnswer());
         packets_.EndMessage();
         message = ReadMessage(socket_, kLargestLoginMessage, deadline);
+    }
+    if (message && message->type == PacketType::OldLogin) {
+        // A client of before 7.0 would read an error in another layout: it gets the end and no answer.
+        return std::nullopt;
     }
     if (message && message->type != PacketType::Login) {
         throw BeforeLogin();

@@ -6,20 +6,6 @@ namespace devsql::tds {
 
 namespace {
 
-Message ErrorMessage(const ProtocolError& error) {
-    return {error.number(), error.severity(), 1, error.what(), {}, 1};
-}
-
-/// An exception out of the language is a defect of this server; the client is told what it says.
-Message InternalError(const std::exception& error) {
-    return {error_number::kInternal,
-            kRequestSeverity,
-            1,
-            std::string("A system assertion check has failed: ") + error.what(),
-            {},
-            1};
-}
-
 ProtocolError NotServed(PacketType type) {
     if (type == PacketType::BulkLoad) {
         return {error_number::kNotSupported, kRequestSeverity,
@@ -69,7 +55,7 @@ bool Connection::Serve(const ClientMessage& message) {
         response.Send(ErrorMessage(error));
         stays = error.severity() < kFatalSeverity;
     } catch (const std::exception& error) {
-        response.Send(InternalError(error));
+        response.Send(ErrorMessage(InternalError(error)));
     }
     response.End();
     return FinishRequest(response) && stays;
@@ -93,9 +79,7 @@ bool Connection::FinishRequest(Response& response) {
 void Connection::RunRequest(const ClientMessage& message, Response& response) {
     if (message.ignore) {
         // Taken back by the client before it was whole; it waits for a DONE that says so.
-        response.Write([](TokenWriter& tokens) {
-            tokens.WriteDone(DoneToken::Done, done_status::kError | done_status::kMore, Command::None, 0);
-        });
+        response.Fail();
         return;
     }
     constexpr std::uint8_t kReset = packet_status::kResetConnection | packet_status::kResetKeepTransaction;

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "devserver/tsql/engine.h"
+
 namespace devsql::tds {
 
 /// Numbers and texts are those that SQL Server's documentation gives for the same mistakes.
@@ -48,6 +50,16 @@ inline ProtocolError StreamEnded() {
     return {error_number::kStreamEnded, kRequestSeverity,
             "The incoming tabular data stream (TDS) protocol stream is incorrect. The stream ended "
             "unexpectedly."};
+}
+
+/// An exception out of the language is a defect of this server; the client is told what it says.
+inline ProtocolError InternalError(const std::exception& error) {
+    return {error_number::kInternal, kRequestSeverity,
+            std::string("A system assertion check has failed: ") + error.what()};
+}
+
+inline Message ErrorMessage(const ProtocolError& error) {
+    return {error.number(), error.severity(), 1, error.what(), {}, 1};
 }
 
 } // namespace devsql::tds

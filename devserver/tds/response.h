@@ -37,6 +37,8 @@ class Response : public ResultSink {
     void Begin(Kind kind);
     /// Ends the part: return status, output parameters and the token that ends a procedure.
     void End();
+    /// Makes the DONE that follows tell of an error for which there is no message.
+    void Fail() { statement_error_ = true; }
     /// A token between two parts, such as an environment change.
     void Write(const std::function<void(TokenWriter&)>& write);
     /// Ends the answer; with `attention` the last token acknowledges it.

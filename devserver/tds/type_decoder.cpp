@@ -199,14 +199,12 @@ Value ReadDecimal(const Context& context, std::string_view bytes) {
     for (int i = 0; i < context.type.precision; ++i) {
         limit *= 10;
     }
-    Int128 magnitude = 0;
-    for (std::size_t i = digits.size(); i-- > 0;) {
-        // 16 bytes hold up to 3.4 * 10^38, twice what the signed type does.
-        if (magnitude > limit) {
-            throw InvalidValue(context);
-        }
-        magnitude = magnitude * 256 + static_cast<std::uint8_t>(digits[i]);
+    // 16 bytes hold up to 3.4 * 10^38, twice what the signed type does.
+    const std::uint64_t high = digits.size() > 8 ? AnyNumber(digits.substr(8)) : 0;
+    if (high >> 63 != 0) {
+        throw InvalidValue(context);
     }
+    const Int128 magnitude = static_cast<Int128>(high) << 64 | AnyNumber(digits.substr(0, 8));
     if (magnitude >= limit) {
         throw InvalidValue(context);
     }

@@ -4,6 +4,7 @@
 #include <arpa/inet.h>
 #include <array>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <stdexcept>
 #include <sys/socket.h>
 
@@ -287,16 +288,36 @@ std::string Summary(const std::vector<Token>& tokens) {
     for (const Token& token : tokens) {
         summary += summary.empty() ? "" : " ";
         switch (token.type) {
-        case 0x81: summary += "COLUMNS"; break;
-        case 0xD1: summary += "ROW"; break;
-        case 0x79: summary += "STATUS"; break;
-        case 0xAC: summary += "VALUE"; break;
-        case 0xFD: summary += done("DONE", token); break;
-        case 0xFE: summary += done("DONEPROC", token); break;
-        case 0xFF: summary += done("DONEINPROC", token); break;
-        case 0xAA: summary += "ERROR(" + std::to_string(token.number) + ")"; break;
-        case 0xAB: summary += "INFO(" + std::to_string(token.number) + ")"; break;
-        case 0xAD: summary += "LOGINACK"; break;
+        case 0x81:
+            summary += "COLUMNS";
+            break;
+        case 0xD1:
+            summary += "ROW";
+            break;
+        case 0x79:
+            summary += "STATUS";
+            break;
+        case 0xAC:
+            summary += "VALUE";
+            break;
+        case 0xFD:
+            summary += done("DONE", token);
+            break;
+        case 0xFE:
+            summary += done("DONEPROC", token);
+            break;
+        case 0xFF:
+            summary += done("DONEINPROC", token);
+            break;
+        case 0xAA:
+            summary += "ERROR(" + std::to_string(token.number) + ")";
+            break;
+        case 0xAB:
+            summary += "INFO(" + std::to_string(token.number) + ")";
+            break;
+        case 0xAD:
+            summary += "LOGINACK";
+            break;
         default:
             summary += "ENV(" + std::to_string(static_cast<int>(token.body.at(0))) + ")";
             break;
@@ -306,7 +327,7 @@ std::string Summary(const std::vector<Token>& tokens) {
 }
 
 TdsClient TdsClient::Connect(std::uint16_t port) {
-    tds::FileDescriptor descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    tds::FileDescriptor descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
@@ -314,6 +335,9 @@ TdsClient TdsClient::Connect(std::uint16_t port) {
     if (connect(descriptor.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         throw std::runtime_error("cannot connect to the server of the test");
     }
+    // An attention is to go out behind its batch at once.
+    const int on = 1;
+    setsockopt(descriptor.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return TdsClient(tds::Socket(std::move(descriptor)));
 }
 

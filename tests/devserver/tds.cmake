@@ -1,0 +1,17 @@
+# The protocol of the development server: against a language of the tests, and the program with clients that
+# are not ours.
+kv_test(devsql_tds_tests LABEL unit
+    SOURCES
+        options_test.cpp
+        tds_client.cpp
+        tds_connection_test.cpp
+        tds_hostile_test.cpp
+        tds_login_test.cpp
+        tds_packets_test.cpp
+        tds_requests_test.cpp
+        tds_response_test.cpp
+        tds_server_test.cpp
+        tds_tokens_test.cpp
+        tds_type_decoder_test.cpp
+        tds_type_encoder_test.cpp
+    LINK devsql_tds devsql_options)
