@@ -55,6 +55,7 @@ class ScriptMgrTest : public ::testing::Test {
         return lines;
     }
 
+    fakes::FakeClock clock_;
     fakes::FakeFiles files_;
     fakes::FakeProcesses processes_;
     fakes::FakeRegistry registry_;

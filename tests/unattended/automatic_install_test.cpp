@@ -164,6 +164,15 @@ TEST_F(AutomaticInstall, AFailingLogGoesOnToTheCallerAndTheWindowIsGone) {
     EXPECT_EQ(screen_.calls.back(), "window gone");
 }
 
+TEST_F(AutomaticInstall, ADataFolderThatCannotBeMadeFailsInTheLogToo) {
+    // The log makes that folder as well, so the failure finds no handler that is free.
+    files_.executable_folder = R"(X:\None)";
+    EXPECT_THROW(Run(true, true, true), platform::FileError);
+    EXPECT_EQ(screen_.calls.back(), "window gone");
+    EXPECT_TRUE(LogLines().empty());
+    EXPECT_TRUE(processes_.started.empty());
+}
+
 TEST_F(AutomaticInstall, AMissingPackageFileIsSkippedAndTheBarStillMoves) {
     files_.files.erase("S:/Scripts/BatchOverviewExport.dts");
     Run(false, false, true);
