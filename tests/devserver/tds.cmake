@@ -15,3 +15,7 @@ kv_test(devsql_tds_tests LABEL unit
         tds_type_decoder_test.cpp
         tds_type_encoder_test.cpp
     LINK devsql_tds devsql_options)
+
+add_test(NAME devserver_clients
+         COMMAND /usr/bin/python3 "${CMAKE_CURRENT_SOURCE_DIR}/clients/test_clients.py" $<TARGET_FILE:devsqlserver>)
+set_tests_properties(devserver_clients PROPERTIES LABELS server TIMEOUT 300)
