@@ -1,0 +1,632 @@
+// The catalogue's tables, and the reading and writing of definitions.
+#include "devserver/storage/catalogue.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/type_rules.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+constexpr std::string_view kSchema = R"(
+CREATE TABLE {db}.devsql_objects(id INTEGER PRIMARY KEY, schema TEXT COLLATE TSQL, name TEXT COLLATE TSQL, type TEXT,
+    parent INTEGER, text TEXT, quoted_identifier INTEGER, ansi_nulls INTEGER, encrypted INTEGER, shipped INTEGER,
+    created INTEGER, disabled INTEGER DEFAULT 0);
+CREATE UNIQUE INDEX {db}.devsql_objects_name ON devsql_objects(name, schema);
+CREATE INDEX {db}.devsql_objects_parent ON devsql_objects(parent);
+CREATE TABLE {db}.devsql_columns(object INTEGER, id INTEGER, position INTEGER, name TEXT COLLATE TSQL, type INTEGER,
+    length INTEGER, precision INTEGER, scale INTEGER, user_type TEXT, nullable INTEGER, identity INTEGER, seed INTEGER,
+    increment INTEGER, row_guid INTEGER, default_text TEXT, default_name TEXT, default_id INTEGER, computed TEXT,
+    output INTEGER, has_default INTEGER, PRIMARY KEY(object, id)) WITHOUT ROWID;
+CREATE TABLE {db}.devsql_indexes(object INTEGER, id INTEGER, name TEXT COLLATE TSQL, is_unique INTEGER,
+    primary_key INTEGER, is_constraint INTEGER, clustered INTEGER, PRIMARY KEY(object, id)) WITHOUT ROWID;
+CREATE TABLE {db}.devsql_index_columns(object INTEGER, id INTEGER, ordinal INTEGER, column_id INTEGER,
+    descending INTEGER, PRIMARY KEY(object, id, ordinal)) WITHOUT ROWID;
+CREATE TABLE {db}.devsql_foreign_keys(id INTEGER PRIMARY KEY, object INTEGER, referenced INTEGER, on_delete INTEGER,
+    on_update INTEGER);
+CREATE TABLE {db}.devsql_foreign_key_columns(id INTEGER, ordinal INTEGER, column_id INTEGER,
+    referenced_column INTEGER, PRIMARY KEY(id, ordinal)) WITHOUT ROWID;
+CREATE TABLE {db}.devsql_identities(object INTEGER PRIMARY KEY, value INTEGER);
+CREATE TABLE {db}.devsql_types(schema TEXT COLLATE TSQL, name TEXT COLLATE TSQL, type INTEGER, length INTEGER,
+    precision INTEGER, scale INTEGER, nullable INTEGER, PRIMARY KEY(name, schema));
+CREATE TABLE {db}.devsql_users(id INTEGER PRIMARY KEY, name TEXT COLLATE TSQL UNIQUE, login TEXT COLLATE TSQL,
+    role INTEGER, created INTEGER);
+CREATE TABLE {db}.devsql_members(role INTEGER, member INTEGER, PRIMARY KEY(role, member)) WITHOUT ROWID;
+CREATE TABLE {db}.devsql_schemas(name TEXT COLLATE TSQL PRIMARY KEY, owner TEXT COLLATE TSQL);
+CREATE TABLE {db}.devsql_permissions(object INTEGER, grantee INTEGER, permission TEXT, state TEXT,
+    PRIMARY KEY(object, grantee, permission)) WITHOUT ROWID;
+CREATE TABLE {db}.devsql_settings(name TEXT PRIMARY KEY, value);
+INSERT INTO {db}.devsql_settings VALUES('timestamp', 2000), ('next_id', 21575115);
+INSERT INTO {db}.devsql_schemas VALUES('dbo', 'dbo');
+INSERT INTO {db}.devsql_users VALUES(0, 'public', NULL, 1, 0), (1, 'dbo', 'sa', 0, 0), (2, 'guest', NULL, 0, 0),
+    (3, 'INFORMATION_SCHEMA', NULL, 0, 0), (4, 'sys', NULL, 0, 0),
+    (16384, 'db_owner', NULL, 1, 0), (16385, 'db_accessadmin', NULL, 1, 0), (16386, 'db_securityadmin', NULL, 1, 0),
+    (16387, 'db_ddladmin', NULL, 1, 0), (16389, 'db_backupoperator', NULL, 1, 0), (16390, 'db_datareader', NULL, 1, 0),
+    (16391, 'db_datawriter', NULL, 1, 0), (16392, 'db_denydatareader', NULL, 1, 0),
+    (16393, 'db_denydatawriter', NULL, 1, 0);
+INSERT INTO {db}.devsql_members VALUES(16384, 1);
+)";
+
+std::string WithAlias(std::string_view text, const std::string& alias) {
+    const std::string quoted = QuoteName(alias);
+    std::string result;
+    std::size_t at = 0;
+    for (std::size_t found = text.find("{db}"); found != std::string_view::npos; found = text.find("{db}", at)) {
+        result += text.substr(at, found - at);
+        result += quoted;
+        at = found + 4;
+    }
+    return result += text.substr(at);
+}
+
+std::int64_t NowTicks() {
+    const DateTime now = Now();
+    return std::int64_t{now.days} * kTicksPerDay + now.ticks;
+}
+
+Type ReadType(const SqliteStatement& row, int column) {
+    return {static_cast<TypeId>(row.Int(column)), static_cast<std::int32_t>(row.Int(column + 1)),
+            static_cast<std::uint8_t>(row.Int(column + 2)), static_cast<std::uint8_t>(row.Int(column + 3))};
+}
+
+void BindTypeAt(SqliteStatement& statement, int index, const Type& type) {
+    statement.BindInt(index, static_cast<int>(type.id))
+        .BindInt(index + 1, type.length)
+        .BindInt(index + 2, type.precision)
+        .BindInt(index + 3, type.scale);
+}
+
+/// The columns of a select from devsql_columns, in the order in which ReadColumn takes them.
+constexpr std::string_view kColumnFields =
+    "id, name, type, length, precision, scale, user_type, nullable, identity, seed, increment, row_guid, "
+    "default_text, default_name, computed";
+
+ColumnDef ReadColumn(const SqliteStatement& row) {
+    ColumnDef column;
+    column.id = static_cast<int>(row.Int(0));
+    column.name = row.Text(1);
+    column.type = ReadType(row, 2);
+    column.user_type = row.Text(6);
+    column.nullable = row.Int(7) != 0;
+    column.identity = row.Int(8) != 0;
+    column.seed = row.Int(9);
+    column.increment = row.Int(10);
+    column.row_guid = row.Int(11) != 0;
+    column.default_text = row.Text(12);
+    column.default_name = row.Text(13);
+    column.computed = row.Text(14);
+    return column;
+}
+
+ObjectDef ReadObject(const SqliteStatement& row) {
+    ObjectDef object;
+    object.id = row.Int(0);
+    object.schema = row.Text(1);
+    object.name = row.Text(2);
+    object.type = row.Text(3);
+    object.parent = row.Int(4);
+    object.text = row.Text(5);
+    object.quoted_identifier = row.Int(6) != 0;
+    object.ansi_nulls = row.Int(7) != 0;
+    object.encrypted = row.Int(8) != 0;
+    object.shipped = row.Int(9) != 0;
+    return object;
+}
+
+constexpr std::string_view kObjectFields =
+    "id, schema, name, type, parent, text, quoted_identifier, ansi_nulls, encrypted, shipped";
+
+} // namespace
+
+bool IsTableOrModule(std::string_view object_type) {
+    return object_type == "U" || object_type == "V" || object_type == "P";
+}
+
+// ------------------------------------------------------------------ definitions
+
+const ColumnDef* TableDef::Find(std::string_view column) const {
+    for (const ColumnDef& candidate : columns) {
+        if (CompareText(candidate.name, column) == 0) {
+            return &candidate;
+        }
+    }
+    return nullptr;
+}
+
+const ColumnDef& TableDef::ById(int column) const {
+    return columns[IndexOf(column)];
+}
+
+std::size_t TableDef::IndexOf(int column) const {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].id == column) {
+            return i;
+        }
+    }
+    throw std::logic_error("no such column id in " + name);
+}
+
+const ColumnDef* TableDef::IdentityColumn() const {
+    const auto found = std::find_if(columns.begin(), columns.end(), [](const ColumnDef& c) { return c.identity; });
+    return found == columns.end() ? nullptr : &*found;
+}
+
+std::string TableDef::Qualified() const {
+    return QuoteName(alias) + "." + QuoteName(physical);
+}
+
+std::string CreateTableText(const TableDef& table) {
+    std::string text = "CREATE TABLE " + table.Qualified() + "(";
+    for (const ColumnDef& column : table.columns) {
+        // No declared types: SQLite must not turn what codec.h has laid down into anything else.
+        text += (&column == &table.columns.front() ? "" : ", ") + QuoteName(column.name);
+        if (IsCharacter(column.type.id)) {
+            text += " COLLATE " + std::string(kCollation);
+        }
+    }
+    return text + ")";
+}
+
+namespace {
+std::string IndexName(const TableDef& table, const IndexDef& index) {
+    return "ix_" + std::to_string(table.id) + "_" + std::to_string(index.id);
+}
+} // namespace
+
+std::string CreateIndexText(const TableDef& table, const IndexDef& index) {
+    std::string text = std::string("CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " + QuoteName(table.alias) +
+                       "." + QuoteName(IndexName(table, index)) + " ON " + QuoteName(table.physical) + "(";
+    for (const KeyColumn& key : index.columns) {
+        const ColumnDef& column = table.ById(key.column);
+        std::string item = QuoteName(column.name);
+        if (index.unique && column.nullable) {
+            // T-SQL holds two NULLs in a unique index for equal, SQLite doesn't: this blob stands for NULL.
+            item = "coalesce(" + item + ", x'00DEADBEEF00')";
+        }
+        if (IsCharacter(column.type.id)) {
+            item += " COLLATE " + std::string(kCollation);
+        }
+        text += (&key == &index.columns.front() ? "" : ", ") + item + (key.descending ? " DESC" : "");
+    }
+    return text + ")";
+}
+
+std::string DropIndexText(const TableDef& table, const IndexDef& index) {
+    return "DROP INDEX " + QuoteName(table.alias) + "." + QuoteName(IndexName(table, index));
+}
+
+// ------------------------------------------------------------------ the catalogue
+
+Catalogue::Catalogue(SqliteConnection& connection, std::string alias)
+    : connection_(connection), alias_(std::move(alias)) {}
+
+SqliteStatement Catalogue::Prepare(std::string_view text) {
+    return connection_.Prepare(WithAlias(text, alias_));
+}
+
+void Catalogue::Create() {
+    connection_.Execute(WithAlias(kSchema, alias_));
+}
+
+std::int64_t Catalogue::Version() {
+    SqliteStatement row = Prepare("PRAGMA {db}.user_version");
+    return row.Step() ? row.Int(0) : 0;
+}
+
+void Catalogue::Touch() {
+    connection_.Execute("PRAGMA " + QuoteName(alias_) + ".user_version = " + std::to_string(Version() + 1));
+}
+
+std::optional<ObjectDef> Catalogue::FindObject(std::string_view schema, std::string_view name) {
+    SqliteStatement row = Prepare("SELECT " + std::string(kObjectFields) +
+                                  " FROM {db}.devsql_objects WHERE name = ?1 AND schema = ?2");
+    row.BindText(1, name).BindText(2, schema);
+    return row.Step() ? std::optional(ReadObject(row)) : std::nullopt;
+}
+
+std::optional<ObjectDef> Catalogue::FindObject(std::int64_t id) {
+    SqliteStatement row = Prepare("SELECT " + std::string(kObjectFields) + " FROM {db}.devsql_objects WHERE id = ?1");
+    row.BindInt(1, id);
+    return row.Step() ? std::optional(ReadObject(row)) : std::nullopt;
+}
+
+std::int64_t Catalogue::NextId() {
+    // SQL Server's ids lie far apart and fit a signed int; so do these.
+    Prepare("UPDATE {db}.devsql_settings SET value = value + 16000057 - "
+            "CASE WHEN value > 2100000000 THEN 2099000019 ELSE 0 END WHERE name = 'next_id'")
+        .Run();
+    SqliteStatement row = Prepare("SELECT value FROM {db}.devsql_settings WHERE name = 'next_id'");
+    row.Step();
+    const std::int64_t id = row.Int(0);
+    return FindObject(id) ? NextId() : id;
+}
+
+std::int64_t Catalogue::AddObject(ObjectDef object) {
+    if (object.id == 0) {
+        object.id = NextId();
+    }
+    SqliteStatement insert = Prepare("INSERT INTO {db}.devsql_objects(id, schema, name, type, parent, text, "
+                                     "quoted_identifier, ansi_nulls, encrypted, shipped, created) "
+                                     "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)");
+    insert.BindInt(1, object.id).BindText(2, object.schema).BindText(3, object.name).BindText(4, object.type);
+    insert.BindInt(5, object.parent).BindText(6, object.text).BindInt(7, object.quoted_identifier);
+    insert.BindInt(8, object.ansi_nulls).BindInt(9, object.encrypted).BindInt(10, object.shipped);
+    insert.BindInt(11, NowTicks()).Run();
+    Touch();
+    return object.id;
+}
+
+void Catalogue::ReplaceText(const ObjectDef& object) {
+    SqliteStatement update = Prepare("UPDATE {db}.devsql_objects SET text = ?2, quoted_identifier = ?3, "
+                                     "ansi_nulls = ?4, encrypted = ?5 WHERE id = ?1");
+    update.BindInt(1, object.id).BindText(2, object.text).BindInt(3, object.quoted_identifier);
+    update.BindInt(4, object.ansi_nulls).BindInt(5, object.encrypted).Run();
+    Touch();
+}
+
+void Catalogue::RemoveObject(std::int64_t id) {
+    for (const std::string_view text :
+         {"DELETE FROM {db}.devsql_foreign_key_columns WHERE id IN "
+          "(SELECT id FROM {db}.devsql_foreign_keys WHERE object = ?1 OR id = ?1)",
+          "DELETE FROM {db}.devsql_foreign_keys WHERE object = ?1 OR id = ?1",
+          "DELETE FROM {db}.devsql_columns WHERE object = ?1", "DELETE FROM {db}.devsql_indexes WHERE object = ?1",
+          "DELETE FROM {db}.devsql_index_columns WHERE object = ?1",
+          "DELETE FROM {db}.devsql_identities WHERE object = ?1",
+          "DELETE FROM {db}.devsql_permissions WHERE object = ?1",
+          "DELETE FROM {db}.devsql_objects WHERE id = ?1 OR parent = ?1"}) {
+        Prepare(text).BindInt(1, id).Run();
+    }
+    Touch();
+}
+
+void Catalogue::RenameObject(std::int64_t id, std::string_view name) {
+    const std::optional<ObjectDef> object = FindObject(id);
+    if (object && object->type == "U") {
+        const std::string physical = PhysicalName(object->schema, name);
+        connection_.Execute("ALTER TABLE " + QuoteName(alias_) + "." +
+                            QuoteName(PhysicalName(object->schema, object->name)) + " RENAME TO " +
+                            QuoteName(physical));
+    }
+    Prepare("UPDATE {db}.devsql_objects SET name = ?2 WHERE id = ?1").BindInt(1, id).BindText(2, name).Run();
+    if (object && (object->type == "PK" || object->type == "UQ")) {
+        Prepare("UPDATE {db}.devsql_indexes SET name = ?2 WHERE object = ?1 AND name = ?3")
+            .BindInt(1, object->parent)
+            .BindText(2, name)
+            .BindText(3, object->name)
+            .Run();
+    }
+    Touch();
+}
+
+// ------------------------------------------------------------------ tables
+
+std::string Catalogue::PhysicalName(std::string_view schema, std::string_view name) const {
+    const std::string lower = ToLower(name);
+    std::string physical = AsciiEqual(schema, "dbo") ? std::string() : std::string(schema) + ".";
+    if (physical.empty() && (lower.starts_with("sqlite_") || lower.starts_with("devsql_") || lower.starts_with("ix_"))) {
+        physical = "dbo.";
+    }
+    return physical + std::string(name);
+}
+
+TablePtr Catalogue::LoadTable(std::int64_t id) {
+    const std::optional<ObjectDef> object = FindObject(id);
+    if (!object || object->type != "U") {
+        return nullptr;
+    }
+    auto table = std::make_shared<TableDef>();
+    table->id = id;
+    table->alias = alias_;
+    table->schema = object->schema;
+    table->name = object->name;
+    table->physical = PhysicalName(object->schema, object->name);
+    SqliteStatement row = Prepare("SELECT " + std::string(kColumnFields) +
+                                  " FROM {db}.devsql_columns WHERE object = ?1 ORDER BY position");
+    row.BindInt(1, id);
+    while (row.Step()) {
+        table->columns.push_back(ReadColumn(row));
+    }
+    LoadIndexes(*table);
+    LoadForeignKeys(*table);
+    SqliteStatement check =
+        Prepare("SELECT id, name, text, disabled FROM {db}.devsql_objects WHERE parent = ?1 AND type = 'C'");
+    check.BindInt(1, id);
+    while (check.Step()) {
+        table->checks.push_back({check.Int(0), check.Text(1), check.Text(2), check.Int(3) != 0});
+    }
+    return table;
+}
+
+void Catalogue::LoadIndexes(TableDef& table) {
+    SqliteStatement row = Prepare("SELECT id, name, is_unique, primary_key, is_constraint, clustered "
+                                  "FROM {db}.devsql_indexes WHERE object = ?1 ORDER BY id");
+    row.BindInt(1, table.id);
+    while (row.Step()) {
+        IndexDef index{static_cast<int>(row.Int(0)), row.Text(1),     row.Int(2) != 0, row.Int(3) != 0,
+                       row.Int(4) != 0,              row.Int(5) != 0, {}};
+        SqliteStatement column = Prepare("SELECT column_id, descending FROM {db}.devsql_index_columns "
+                                         "WHERE object = ?1 AND id = ?2 ORDER BY ordinal");
+        column.BindInt(1, table.id).BindInt(2, index.id);
+        while (column.Step()) {
+            index.columns.push_back({static_cast<int>(column.Int(0)), column.Int(1) != 0});
+        }
+        table.indexes.push_back(std::move(index));
+    }
+}
+
+void Catalogue::LoadForeignKeys(TableDef& table) {
+    SqliteStatement row = Prepare("SELECT k.id, o.name, k.object, k.referenced, k.on_delete, k.on_update, o.disabled "
+                                  "FROM {db}.devsql_foreign_keys k JOIN {db}.devsql_objects o ON o.id = k.id "
+                                  "WHERE k.object = ?1 OR k.referenced = ?1");
+    row.BindInt(1, table.id);
+    while (row.Step()) {
+        ForeignKeyDef key;
+        key.id = row.Int(0);
+        key.name = row.Text(1);
+        key.table = row.Int(2);
+        key.referenced = row.Int(3);
+        key.on_delete = static_cast<OnChange>(row.Int(4));
+        key.on_update = static_cast<OnChange>(row.Int(5));
+        key.disabled = row.Int(6) != 0;
+        SqliteStatement column = Prepare("SELECT column_id, referenced_column FROM {db}.devsql_foreign_key_columns "
+                                         "WHERE id = ?1 ORDER BY ordinal");
+        column.BindInt(1, key.id);
+        while (column.Step()) {
+            key.columns.push_back(static_cast<int>(column.Int(0)));
+            key.referenced_columns.push_back(static_cast<int>(column.Int(1)));
+        }
+        if (key.table == table.id) {
+            table.foreign_keys.push_back(key);
+        }
+        if (key.referenced == table.id) {
+            table.referencing.push_back(std::move(key));
+        }
+    }
+}
+
+void Catalogue::AddTable(TableDef table) {
+    ObjectDef object;
+    object.id = table.id;
+    object.schema = table.schema;
+    object.name = table.name;
+    object.type = "U";
+    AddObject(object);
+    connection_.Execute(CreateTableText(table));
+    int position = 0;
+    for (const ColumnDef& column : table.columns) {
+        AddColumn(table.id, column, position++);
+    }
+}
+
+void Catalogue::AddColumn(std::int64_t table, const ColumnDef& column, int position) {
+    SqliteStatement insert =
+        Prepare("INSERT INTO {db}.devsql_columns(object, id, position, name, type, length, precision, scale, user_type, "
+                "nullable, identity, seed, increment, row_guid, default_text, default_name, default_id, computed) "
+                "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, ?17, ?18)");
+    insert.BindInt(1, table).BindInt(2, column.id).BindInt(3, position).BindText(4, column.name);
+    BindTypeAt(insert, 5, column.type);
+    insert.BindText(9, column.user_type).BindInt(10, column.nullable).BindInt(11, column.identity);
+    insert.BindInt(12, column.seed).BindInt(13, column.increment).BindInt(14, column.row_guid);
+    insert.BindText(15, column.default_text).BindText(16, column.default_name).BindInt(17, 0);
+    insert.BindText(18, column.computed).Run();
+    if (!column.default_name.empty()) {
+        UpdateColumn(table, column);
+    }
+    Touch();
+}
+
+void Catalogue::UpdateColumn(std::int64_t table, const ColumnDef& column) {
+    SqliteStatement update =
+        Prepare("UPDATE {db}.devsql_columns SET name = ?3, type = ?4, length = ?5, precision = ?6, scale = ?7, "
+                "user_type = ?8, nullable = ?9, default_text = ?10, default_name = ?11, default_id = ?12 "
+                "WHERE object = ?1 AND id = ?2");
+    SqliteStatement drop = Prepare("DELETE FROM {db}.devsql_objects WHERE type = 'D' AND id = "
+                                   "(SELECT default_id FROM {db}.devsql_columns WHERE object = ?1 AND id = ?2)");
+    drop.BindInt(1, table).BindInt(2, column.id).Run();
+    std::int64_t default_id = 0;
+    if (!column.default_name.empty()) {
+        ObjectDef object;
+        object.schema = FindObject(table)->schema;
+        object.name = column.default_name;
+        object.type = "D";
+        object.parent = table;
+        object.text = column.default_text;
+        default_id = AddObject(object);
+    }
+    update.BindInt(1, table).BindInt(2, column.id).BindText(3, column.name);
+    BindTypeAt(update, 4, column.type);
+    update.BindText(8, column.user_type).BindInt(9, column.nullable).BindText(10, column.default_text);
+    update.BindText(11, column.default_name).BindInt(12, default_id).Run();
+    Touch();
+}
+
+void Catalogue::RemoveColumn(std::int64_t table, int column) {
+    Prepare("DELETE FROM {db}.devsql_columns WHERE object = ?1 AND id = ?2").BindInt(1, table).BindInt(2, column).Run();
+    Touch();
+}
+
+void Catalogue::AddIndex(const TableDef& table, IndexDef index) {
+    if (index.constraint) {
+        ObjectDef object;
+        object.schema = table.schema;
+        object.name = index.name;
+        object.type = index.primary_key ? "PK" : "UQ";
+        object.parent = table.id;
+        AddObject(object);
+    }
+    connection_.Execute(CreateIndexText(table, index));
+    Prepare("INSERT INTO {db}.devsql_indexes VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)")
+        .BindInt(1, table.id)
+        .BindInt(2, index.id)
+        .BindText(3, index.name)
+        .BindInt(4, index.unique)
+        .BindInt(5, index.primary_key)
+        .BindInt(6, index.constraint)
+        .BindInt(7, index.clustered)
+        .Run();
+    int ordinal = 1;
+    for (const KeyColumn& key : index.columns) {
+        Prepare("INSERT INTO {db}.devsql_index_columns VALUES(?1, ?2, ?3, ?4, ?5)")
+            .BindInt(1, table.id)
+            .BindInt(2, index.id)
+            .BindInt(3, ordinal++)
+            .BindInt(4, key.column)
+            .BindInt(5, key.descending)
+            .Run();
+    }
+    Touch();
+}
+
+void Catalogue::RemoveIndex(const TableDef& table, const IndexDef& index) {
+    connection_.Execute(DropIndexText(table, index));
+    for (const std::string_view text : {"DELETE FROM {db}.devsql_indexes WHERE object = ?1 AND id = ?2",
+                                        "DELETE FROM {db}.devsql_index_columns WHERE object = ?1 AND id = ?2"}) {
+        Prepare(text).BindInt(1, table.id).BindInt(2, index.id).Run();
+    }
+    if (index.constraint) {
+        Prepare("DELETE FROM {db}.devsql_objects WHERE parent = ?1 AND name = ?2 AND type IN ('PK', 'UQ')")
+            .BindInt(1, table.id)
+            .BindText(2, index.name)
+            .Run();
+    }
+    Touch();
+}
+
+void Catalogue::AddForeignKey(const ForeignKeyDef& key) {
+    ObjectDef object;
+    object.id = key.id;
+    object.schema = FindObject(key.table)->schema;
+    object.name = key.name;
+    object.type = "F";
+    object.parent = key.table;
+    AddObject(object);
+    Prepare("INSERT INTO {db}.devsql_foreign_keys VALUES(?1, ?2, ?3, ?4, ?5)")
+        .BindInt(1, key.id)
+        .BindInt(2, key.table)
+        .BindInt(3, key.referenced)
+        .BindInt(4, static_cast<int>(key.on_delete))
+        .BindInt(5, static_cast<int>(key.on_update))
+        .Run();
+    for (std::size_t i = 0; i < key.columns.size(); ++i) {
+        Prepare("INSERT INTO {db}.devsql_foreign_key_columns VALUES(?1, ?2, ?3, ?4)")
+            .BindInt(1, key.id)
+            .BindInt(2, static_cast<int>(i + 1))
+            .BindInt(3, key.columns[i])
+            .BindInt(4, key.referenced_columns[i])
+            .Run();
+    }
+    Touch();
+}
+
+void Catalogue::AddCheck(std::int64_t table, const CheckDef& check) {
+    ObjectDef object;
+    object.id = check.id;
+    object.schema = FindObject(table)->schema;
+    object.name = check.name;
+    object.type = "C";
+    object.parent = table;
+    object.text = check.text;
+    AddObject(object);
+}
+
+void Catalogue::SetDisabled(std::int64_t constraint, bool disabled) {
+    Prepare("UPDATE {db}.devsql_objects SET disabled = ?2 WHERE id = ?1").BindInt(1, constraint).BindInt(2, disabled).Run();
+    Touch();
+}
+
+std::optional<std::int64_t> Catalogue::IdentityValue(std::int64_t table) {
+    SqliteStatement row = Prepare("SELECT value FROM {db}.devsql_identities WHERE object = ?1");
+    row.BindInt(1, table);
+    return row.Step() ? std::optional(row.Int(0)) : std::nullopt;
+}
+
+void Catalogue::SetIdentityValue(std::int64_t table, std::optional<std::int64_t> value) {
+    if (value) {
+        Prepare("INSERT OR REPLACE INTO {db}.devsql_identities VALUES(?1, ?2)").BindInt(1, table).BindInt(2, *value).Run();
+    } else {
+        Prepare("DELETE FROM {db}.devsql_identities WHERE object = ?1").BindInt(1, table).Run();
+    }
+}
+
+std::int64_t Catalogue::LastTimestamp() {
+    SqliteStatement row = Prepare("SELECT value FROM {db}.devsql_settings WHERE name = 'timestamp'");
+    row.Step();
+    return row.Int(0);
+}
+
+std::int64_t Catalogue::NextTimestamp() {
+    Prepare("UPDATE {db}.devsql_settings SET value = value + 1 WHERE name = 'timestamp'").Run();
+    return LastTimestamp();
+}
+
+// ------------------------------------------------------------------ procedures, views, types
+
+std::vector<ParameterDef> Catalogue::Parameters(std::int64_t procedure) {
+    std::vector<ParameterDef> parameters;
+    SqliteStatement row = Prepare("SELECT name, type, length, precision, scale, user_type, default_text, has_default, "
+                                  "output FROM {db}.devsql_columns WHERE object = ?1 ORDER BY id");
+    row.BindInt(1, procedure);
+    while (row.Step()) {
+        parameters.push_back({row.Text(0), ReadType(row, 1), row.Text(5), row.Text(6), row.Int(7) != 0, row.Int(8) != 0});
+    }
+    return parameters;
+}
+
+void Catalogue::SetParameters(std::int64_t procedure, const std::vector<ParameterDef>& parameters) {
+    Prepare("DELETE FROM {db}.devsql_columns WHERE object = ?1").BindInt(1, procedure).Run();
+    int id = 1;
+    for (const ParameterDef& parameter : parameters) {
+        SqliteStatement insert =
+            Prepare("INSERT INTO {db}.devsql_columns(object, id, position, name, type, length, precision, scale, "
+                    "user_type, nullable, default_text, has_default, output) "
+                    "VALUES(?1, ?2, ?2, ?3, ?4, ?5, ?6, ?7, ?8, 1, ?9, ?10, ?11)");
+        insert.BindInt(1, procedure).BindInt(2, id++).BindText(3, parameter.name);
+        BindTypeAt(insert, 4, parameter.type);
+        insert.BindText(8, parameter.user_type).BindText(9, parameter.default_text);
+        insert.BindInt(10, parameter.has_default).BindInt(11, parameter.output).Run();
+    }
+    Touch();
+}
+
+void Catalogue::SetViewColumns(std::int64_t view, const std::vector<ColumnDef>& columns) {
+    Prepare("DELETE FROM {db}.devsql_columns WHERE object = ?1").BindInt(1, view).Run();
+    int position = 0;
+    for (const ColumnDef& column : columns) {
+        AddColumn(view, column, position++);
+    }
+    Touch();
+}
+
+std::optional<UserTypeDef> Catalogue::FindType(std::string_view schema, std::string_view name) {
+    SqliteStatement row = Prepare("SELECT schema, name, type, length, precision, scale, nullable FROM {db}.devsql_types "
+                                  "WHERE name = ?1 AND (schema = ?2 OR ?2 = '')");
+    row.BindText(1, name).BindText(2, schema);
+    if (!row.Step()) {
+        return std::nullopt;
+    }
+    return UserTypeDef{row.Text(0), row.Text(1), ReadType(row, 2), row.Int(6) != 0};
+}
+
+void Catalogue::AddType(const UserTypeDef& type) {
+    SqliteStatement insert = Prepare("INSERT INTO {db}.devsql_types VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)");
+    insert.BindText(1, type.schema).BindText(2, type.name);
+    BindTypeAt(insert, 3, type.type);
+    insert.BindInt(7, type.nullable).Run();
+    Touch();
+}
+
+bool Catalogue::RemoveType(std::string_view schema, std::string_view name) {
+    Prepare("DELETE FROM {db}.devsql_types WHERE name = ?1 AND (schema = ?2 OR ?2 = '')")
+        .BindText(1, name)
+        .BindText(2, schema)
+        .Run();
+    const bool removed = connection_.Changes() > 0;
+    Touch();
+    return removed;
+}
+
+} // namespace devsql

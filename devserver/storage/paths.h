@@ -1,0 +1,19 @@
+// Paths as clients write them (either separator, drive letters) and where they lie on this machine.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace devsql {
+
+/// Upper-case drive letter ("D") to the folder that stands for its root.
+using DriveMap = std::map<std::string, std::filesystem::path>;
+
+/// The place of a client's path: "D:\x\y.mdf" below the folder of drive D, "\srv\x" and "/srv/x" as they are.
+/// None for a drive that isn't mapped, for a relative path and for an empty one.
+std::optional<std::filesystem::path> LocalPath(std::string_view client_path, const DriveMap& drives);
+
+} // namespace devsql

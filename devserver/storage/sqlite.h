@@ -1,0 +1,161 @@
+// SQLite behind a few small classes: a connection, its statements, its errors. Values go in and come out in
+// the server's own form (codec.h). Knows nothing of T-SQL.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <atomic>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "devserver/tsql/value.h"
+
+namespace devsql {
+
+/// What SQLite refuses: `code` is its extended result code, the text its message.
+class StorageError : public std::runtime_error {
+  public:
+    StorageError(int code, const std::string& message) : std::runtime_error(message), code_(code) {}
+
+    int code() const noexcept { return code_; }
+    int primary_code() const noexcept { return code_ & 0xFF; }
+
+  private:
+    int code_;
+};
+
+class SqliteConnection;
+
+/// A prepared statement. Goes back to its connection's cache when it ends; must not outlive the connection.
+class SqliteStatement {
+  public:
+    SqliteStatement(SqliteStatement&& other) noexcept;
+    SqliteStatement& operator=(SqliteStatement&& other) noexcept;
+    SqliteStatement(const SqliteStatement&) = delete;
+    SqliteStatement& operator=(const SqliteStatement&) = delete;
+    ~SqliteStatement();
+
+    // Parameters, from 1.
+    SqliteStatement& Bind(int index, const Value& value, const Type& type);
+    SqliteStatement& BindInt(int index, std::int64_t value);
+    SqliteStatement& BindText(int index, std::string_view value);
+    SqliteStatement& BindNull(int index);
+
+    /// True: a row stands ready. Throws StorageError, or what a function of ours threw.
+    bool Step();
+    /// Runs to the end; rows are passed over.
+    void Run();
+    void Reset();
+
+    // Columns of the row, from 0.
+    Value Column(int index, const Type& type) const;
+    std::int64_t Int(int index) const;
+    std::string Text(int index) const;
+    bool Null(int index) const;
+    int ColumnCount() const;
+
+  private:
+    friend class SqliteConnection;
+    SqliteStatement(SqliteConnection& connection, sqlite3_stmt* handle, std::string text);
+
+    SqliteConnection* connection_ = nullptr;
+    sqlite3_stmt* handle_ = nullptr;
+    std::string text_;
+};
+
+/// The arguments and the result of a function that SQLite calls back.
+class FunctionCall {
+  public:
+    FunctionCall(sqlite3_context* context, std::span<sqlite3_value*> arguments)
+        : context_(context), arguments_(arguments) {}
+
+    std::size_t size() const { return arguments_.size(); }
+    std::int64_t Int(std::size_t index) const;
+    Value Argument(std::size_t index, const Type& type) const;
+    void Result(const Value& value, const Type& type) const;
+    /// The result is that argument, whatever it is.
+    void PassOn(std::size_t index) const;
+
+  private:
+    sqlite3_context* context_;
+    std::span<sqlite3_value*> arguments_;
+};
+
+/// An aggregate: one object for each group.
+class Aggregate {
+  public:
+    virtual ~Aggregate() = default;
+    virtual void Step(const FunctionCall& call) = 0;
+    virtual void Finish(const FunctionCall& call) = 0;
+};
+
+/// A connection to one main file; used by one thread at a time, except Interrupt.
+class SqliteConnection {
+  public:
+    /// Opens or makes `file`. Throws StorageError.
+    explicit SqliteConnection(const std::filesystem::path& file);
+    ~SqliteConnection();
+    SqliteConnection(const SqliteConnection&) = delete;
+    SqliteConnection& operator=(const SqliteConnection&) = delete;
+
+    SqliteStatement Prepare(const std::string& text);
+    /// One or more statements without results and parameters.
+    void Execute(const std::string& text);
+    /// Attaches `file` under `alias` and brings it into the server's journal mode.
+    void Attach(const std::filesystem::path& file, const std::string& alias);
+    void Detach(const std::string& alias);
+    /// True between BEGIN and the end of a transaction, also when SQLite has ended it by itself.
+    bool InTransaction() const;
+    std::int64_t Changes() const;
+    std::int64_t LastRowId() const;
+    /// May be called from any thread.
+    void Interrupt();
+    /// Called while a lock is waited for, with the milliseconds so far: false gives up.
+    void OnBusy(std::function<bool(int waited)> handler) { busy_ = std::move(handler); }
+
+    using Function = std::function<void(const FunctionCall&)>;
+    using MakeAggregate = std::function<std::unique_ptr<Aggregate>()>;
+    void AddFunction(const std::string& name, Function function);
+    void AddAggregate(const std::string& name, MakeAggregate make);
+
+    /// Keeps what a callback threw until the statement that called it has failed.
+    void Keep(std::exception_ptr error) { pending_ = std::move(error); }
+
+  private:
+    friend class SqliteStatement;
+    struct AggregateMaker {
+        SqliteConnection* connection;
+        MakeAggregate make;
+    };
+
+    [[noreturn]] void Fail(int code);
+    void Release(std::string text, sqlite3_stmt* handle);
+    void ClearCache();
+    static int Busy(void* self, int count);
+
+    sqlite3* handle_ = nullptr;
+    std::multimap<std::string, sqlite3_stmt*, std::less<>> idle_;
+    std::exception_ptr pending_;
+    std::function<bool(int)> busy_;
+    std::vector<std::unique_ptr<std::pair<SqliteConnection*, Function>>> functions_;
+    std::vector<std::unique_ptr<AggregateMaker>> aggregates_;
+};
+
+/// `name` between double quotes, for SQLite's SQL.
+std::string QuoteName(std::string_view name);
+/// `text` between single quotes, for SQLite's SQL.
+std::string QuoteText(std::string_view text);
+
+/// The name of the server's collation in SQLite's SQL.
+inline constexpr std::string_view kCollation = "TSQL";
+
+} // namespace devsql

@@ -1,0 +1,558 @@
+// SELECT: its parts in SQLite's SQL.
+#include "devserver/tsql/binder.h"
+#include "devserver/tsql/evaluator.h"
+#include "devserver/tsql/scalar/arithmetic.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/conversion.h"
+
+namespace devsql {
+
+struct Binder::SelectParts {
+    Scope scope;
+    std::string from;
+    BoundPtr where;
+    std::vector<BoundPtr> keys;
+    BoundPtr having;
+    std::vector<Column> columns;
+    std::vector<BoundPtr> items; ///< one for each column
+    std::vector<std::string> variables;
+    std::string order;
+    std::string limit;
+};
+
+namespace {
+
+bool Same(std::string_view a, std::string_view b) {
+    return CompareText(a, b) == 0;
+}
+
+/// What an item is called when it has no alias: a column keeps its name.
+std::string NameOf(const ast::Expr& expr) {
+    const auto* column = std::get_if<ast::ColumnExpr>(&expr.node);
+    return column == nullptr ? std::string() : column->name.last();
+}
+
+/// "ORDER BY 2": the number; 0 for anything else.
+std::int64_t Ordinal(const ast::Expr& expr) {
+    const auto* literal = std::get_if<ast::LiteralExpr>(&expr.node);
+    const auto* number = literal == nullptr ? nullptr : std::get_if<std::int64_t>(&literal->value);
+    return number == nullptr ? 0 : *number;
+}
+
+/// The position from 1 of the output column that an ORDER BY item means by number or alias; 0 for none.
+std::size_t OutputPosition(const ast::Expr& expr, const std::vector<Column>& columns) {
+    if (const std::int64_t ordinal = Ordinal(expr); ordinal != 0) {
+        if (ordinal < 1 || ordinal > static_cast<std::int64_t>(columns.size())) {
+            RaiseError(108, {std::to_string(ordinal)});
+        }
+        return static_cast<std::size_t>(ordinal);
+    }
+    const auto* column = std::get_if<ast::ColumnExpr>(&expr.node);
+    if (column != nullptr && column->name.parts.size() == 1) {
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            if (Same(columns[i].name, column->name.last())) {
+                return i + 1;
+            }
+        }
+    }
+    return 0;
+}
+
+bool HasAggregate(const Bound& node, int depth) {
+    if (node.kind == BoundKind::Sql) {
+        return node.aggregate && node.depth == depth;
+    }
+    for (const BoundPtr& child : node.children) {
+        if (HasAggregate(*child, depth)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+BoundQuery Binder::BindQuery(const ast::Query& query, const Scope* outer) {
+    CommonTables level{common_, {}};
+    CommonTables* const saved = common_;
+    if (!query.with.empty()) {
+        common_ = &level;
+        BindWith(query.with);
+    }
+    const bool saved_window = std::exchange(allow_window_, false);
+    const bool saved_aggregates = std::exchange(allow_aggregates_, false);
+    const bool saved_in = std::exchange(in_aggregate_, false);
+    BoundQuery bound = BindTerm(*query.body, outer, &query);
+    allow_window_ = saved_window;
+    allow_aggregates_ = saved_aggregates;
+    in_aggregate_ = saved_in;
+    common_ = saved;
+    return bound;
+}
+
+void Binder::BindWith(const std::vector<ast::CommonTable>& tables) {
+    for (const ast::CommonTable& table : tables) {
+        CommonTables::Entry entry;
+        entry.name = table.name;
+        const auto* operation = std::get_if<ast::SetOperation>(&table.query->body->node);
+        BoundQuery query;
+        if (operation != nullptr && operation->op == ast::SetOp::UnionAll) {
+            query.sql = BindRecursive(table, entry);
+            query.columns = entry.columns;
+        } else {
+            query = BindQuery(*table.query);
+        }
+        entry.sql = query.sql;
+        entry.recursive = false;
+        entry.columns = query.columns;
+        for (std::size_t i = 0; i < entry.columns.size(); ++i) {
+            if (!table.columns.empty()) {
+                if (table.columns.size() != entry.columns.size()) {
+                    RaiseError(table.columns.size() < entry.columns.size() ? 8158 : 8159, {table.name});
+                }
+                entry.columns[i].name = table.columns[i];
+            }
+            if (entry.columns[i].name.empty()) {
+                RaiseError(8155, {std::to_string(i + 1), table.name});
+            }
+        }
+        common_->entries.push_back(std::move(entry));
+    }
+}
+
+/// "anchor UNION ALL rest", where the rest may name the table itself. The whole stands in a query of its own.
+std::string Binder::BindRecursive(const ast::CommonTable& table, CommonTables::Entry& entry) {
+    const auto& operation = std::get<ast::SetOperation>(table.query->body->node);
+    BoundQuery anchor = BindTerm(*operation.left, nullptr, nullptr);
+    CommonTables::Entry self;
+    self.name = table.name;
+    self.sql = NextAlias();
+    self.columns = anchor.columns;
+    self.recursive = true;
+    for (std::size_t i = 0; i < self.columns.size() && i < table.columns.size(); ++i) {
+        self.columns[i].name = table.columns[i];
+    }
+    const std::string name = self.sql;
+    CommonTables level{common_, {std::move(self)}};
+    CommonTables* const saved = std::exchange(common_, &level);
+    BoundQuery rest = BindTerm(*operation.right, nullptr, nullptr);
+    common_ = saved;
+    if (rest.columns.size() != anchor.columns.size()) {
+        RaiseError(205);
+    }
+    std::vector<Type> types;
+    std::string names;
+    for (std::size_t i = 0; i < anchor.columns.size(); ++i) {
+        types.push_back(anchor.columns[i].type);
+        names += (i == 0 ? "c" : ", c") + std::to_string(i + 1);
+    }
+    rest = Unified(rest, types);
+    entry.columns = anchor.columns;
+    return "WITH RECURSIVE " + name + "(" + names + ") AS (SELECT * FROM (" + anchor.sql + ") UNION ALL " + rest.sql +
+           ") SELECT * FROM " + name;
+}
+
+BoundQuery Binder::BindTerm(const ast::QueryTerm& term, const Scope* outer, const ast::Query* whole) {
+    if (const auto* core = std::get_if<ast::SelectCore>(&term.node)) {
+        return BindSelect(*core, outer, whole);
+    }
+    BoundQuery bound = BindSetOperation(std::get<ast::SetOperation>(term.node), outer);
+    if (whole != nullptr && !whole->order_by.empty()) {
+        bound.sql = "SELECT * FROM (" + bound.sql + ")" + OrderOfColumns(*whole, bound.columns);
+    }
+    return bound;
+}
+
+/// The query with its columns converted to `types`.
+BoundQuery Binder::Unified(const BoundQuery& query, const std::vector<Type>& types) {
+    BoundQuery unified{"SELECT ", query.columns};
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        const std::string name = "c" + std::to_string(i + 1);
+        unified.sql += (i == 0 ? "" : ", ") +
+                       emission_.EmitCollated(MakeConvert(MakeSql(name, query.columns[i].type), types[i])) + " AS " + name;
+        unified.columns[i].type = types[i];
+        unified.columns[i].identity = false;
+    }
+    unified.sql += " FROM (" + query.sql + ")";
+    return unified;
+}
+
+BoundQuery Binder::BindSetOperation(const ast::SetOperation& operation, const Scope* outer) {
+    BoundQuery left = BindTerm(*operation.left, outer, nullptr);
+    BoundQuery right = BindTerm(*operation.right, outer, nullptr);
+    if (left.columns.size() != right.columns.size()) {
+        RaiseError(205);
+    }
+    std::vector<Type> types;
+    for (std::size_t i = 0; i < left.columns.size(); ++i) {
+        types.push_back(CommonType(left.columns[i].type, right.columns[i].type));
+        left.columns[i].nullable = left.columns[i].nullable || right.columns[i].nullable;
+    }
+    constexpr std::string_view kWords[] = {" UNION ", " UNION ALL ", " EXCEPT ", " INTERSECT "};
+    BoundQuery bound = Unified(left, types);
+    bound.sql += std::string(kWords[static_cast<std::size_t>(operation.op)]) + Unified(right, types).sql;
+    return bound;
+}
+
+// ------------------------------------------------------------------ one SELECT
+
+BoundQuery Binder::BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole) {
+    SelectParts parts;
+    BindSelectParts(core, outer, whole, parts);
+    BoundQuery bound;
+    bound.sql = EmitSelect(parts, core.distinct);
+    bound.columns = std::move(parts.columns);
+    return bound;
+}
+
+void Binder::BindSelectParts(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
+                             SelectParts& parts) {
+    parts.scope.outer = outer;
+    parts.scope.depth = outer == nullptr ? 0 : outer->depth + 1;
+    if (!core.from.empty()) {
+        parts.from = BindFrom(core.from, parts.scope);
+    }
+    if (core.where) {
+        parts.where = BindCondition(*core.where, &parts.scope);
+    }
+    for (const ast::ExprPtr& key : core.group_by) {
+        BoundPtr bound = BindValue(*key, &parts.scope);
+        if (IsOldLob(bound->type.id)) {
+            RaiseError(306);
+        }
+        if (!NeedsSql(*bound)) {
+            RaiseError(164);
+        }
+        parts.keys.push_back(std::move(bound));
+    }
+    allow_aggregates_ = true;
+    if (core.having) {
+        parts.having = BindCondition(*core.having, &parts.scope);
+    }
+    allow_window_ = true;
+    BindItems(core, parts.scope, parts);
+    if (whole != nullptr && !whole->order_by.empty()) {
+        parts.order = OrderClause(*whole, parts, parts.scope, core.distinct);
+    }
+    allow_window_ = false;
+    allow_aggregates_ = false;
+    CheckGrouping(parts, core);
+    if (core.top) {
+        parts.limit = LimitClause(core, core.top->percent ? EmitSelect(parts, core.distinct) : "");
+    }
+}
+
+std::string Binder::EmitSelect(const SelectParts& parts, bool distinct) {
+    std::string sql = distinct ? "SELECT DISTINCT " : "SELECT ";
+    for (std::size_t i = 0; i < parts.items.size(); ++i) {
+        const BoundPtr& item = parts.items[i];
+        if (distinct && IsOldLob(item->type.id)) {
+            RaiseError(421, {TypeName(item->type.id)});
+        }
+        sql += (i == 0 ? "" : ", ") + (distinct ? emission_.EmitCollated(item) : emission_.Emit(item)) + " AS c" +
+               std::to_string(i + 1);
+    }
+    if (!parts.from.empty()) {
+        sql += " FROM " + parts.from;
+    }
+    if (parts.where) {
+        sql += " WHERE " + emission_.EmitCondition(parts.where);
+    }
+    for (std::size_t i = 0; i < parts.keys.size(); ++i) {
+        sql += (i == 0 ? " GROUP BY " : ", ") + emission_.EmitCollated(parts.keys[i]);
+    }
+    if (parts.having) {
+        // SQLite wants a GROUP BY before HAVING; all rows are one group without.
+        sql += (parts.keys.empty() ? " GROUP BY NULL HAVING " : " HAVING ") + emission_.EmitCondition(parts.having);
+    }
+    return sql + parts.order + parts.limit;
+}
+
+void Binder::ExpandStar(const ast::SelectItem& item, const Scope& scope, SelectParts& parts) const {
+    bool found = false;
+    if (scope.sources.empty()) {
+        RaiseError(263);
+    }
+    for (const ScopeSource& source : scope.sources) {
+        if (!item.star_of.empty() && !Same(source.exposed, item.star_of.last())) {
+            continue;
+        }
+        found = true;
+        for (const ScopeColumn& column : source.columns) {
+            auto node = std::make_shared<Bound>(*MakeSql(column.sql, column.type, column.nullable));
+            node->column = source.exposed + "." + column.name;
+            node->depth = scope.depth;
+            node->identity = column.identity;
+            parts.columns.push_back({column.name, column.type, column.nullable, column.identity});
+            parts.items.push_back(std::move(node));
+            parts.variables.emplace_back();
+        }
+    }
+    if (!found) {
+        RaiseError(107, {item.star_of.text()});
+    }
+}
+
+void Binder::BindItems(const ast::SelectCore& core, const Scope& scope, SelectParts& parts) {
+    for (const ast::SelectItem& item : core.items) {
+        if (item.star) {
+            ExpandStar(item, scope, parts);
+            continue;
+        }
+        BoundPtr value = BindValue(*item.expr, &scope);
+        const Type type = Settled(value->type);
+        if (IsUntypedNull(value->type)) {
+            value = MakeConstant({}, type);
+        }
+        // An assigned item has no name, so that ORDER BY never takes it for an output column.
+        const std::string name = !item.variable.empty() ? "" : item.alias.empty() ? NameOf(*item.expr) : item.alias;
+        parts.columns.push_back({name, type, value->nullable,
+                                 value->kind == BoundKind::Sql && value->identity});
+        parts.items.push_back(std::move(value));
+        parts.variables.push_back(item.variable);
+    }
+}
+
+void Binder::CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth, std::string_view clause,
+                          bool grouped) const {
+    for (const BoundPtr& key : keys) {
+        if (SameExpression(item, *key)) {
+            return;
+        }
+    }
+    if (item.kind == BoundKind::Sql && !item.aggregate && !item.column.empty() && item.depth == depth) {
+        if (clause == "ORDER BY") {
+            RaiseError(8127, {item.column});
+        }
+        if (clause == "HAVING") {
+            RaiseError(8121, {item.column});
+        }
+        RaiseError(grouped ? 8120 : 8118, {item.column});
+    }
+    for (const BoundPtr& child : item.children) {
+        CheckGrouped(*child, keys, depth, clause, grouped);
+    }
+}
+
+/// With GROUP BY or an aggregate, every column outside an aggregate must be one of the keys.
+void Binder::CheckGrouping(const SelectParts& parts, const ast::SelectCore& core) const {
+    bool grouping = !core.group_by.empty() || parts.having != nullptr;
+    for (const BoundPtr& item : parts.items) {
+        grouping = grouping || HasAggregate(*item, parts.scope.depth);
+    }
+    if (!grouping) {
+        return;
+    }
+    for (const BoundPtr& item : parts.items) {
+        CheckGrouped(*item, parts.keys, parts.scope.depth, "SELECT", !core.group_by.empty());
+    }
+    if (parts.having) {
+        CheckGrouped(*parts.having, parts.keys, parts.scope.depth, "HAVING", true);
+    }
+}
+
+std::string Binder::OrderClause(const ast::Query& query, const SelectParts& parts, const Scope& scope, bool distinct) {
+    std::string clause = " ORDER BY ";
+    for (const ast::OrderItem& item : query.order_by) {
+        std::string text;
+        const std::size_t position = OutputPosition(*item.expr, parts.columns);
+        if (position != 0) {
+            text = std::to_string(position);
+            if (IsCharacter(parts.columns[position - 1].type.id)) {
+                text += " COLLATE " + std::string(kCollation);
+            }
+            if (IsOldLob(parts.columns[position - 1].type.id)) {
+                RaiseError(420, {TypeName(parts.columns[position - 1].type.id)});
+            }
+        } else {
+            BoundPtr value = BindValue(*item.expr, &scope);
+            bool selected = false;
+            for (std::size_t i = 0; i < parts.items.size() && !selected; ++i) {
+                if (SameExpression(*value, *parts.items[i])) {
+                    selected = true;
+                }
+            }
+            if (distinct && !selected) {
+                RaiseError(145);
+            }
+            if (!parts.keys.empty()) {
+                CheckGrouped(*value, parts.keys, scope.depth, "ORDER BY", true);
+            }
+            text = NeedsSql(*value) ? emission_.EmitCollated(value) : "NULL";
+        }
+        clause += (&item == &query.order_by.front() ? "" : ", ") + text + (item.descending ? " DESC" : "");
+    }
+    return clause;
+}
+
+std::string Binder::OrderOfColumns(const ast::Query& query, const std::vector<Column>& columns) {
+    std::string clause = " ORDER BY ";
+    for (const ast::OrderItem& item : query.order_by) {
+        const std::size_t position = OutputPosition(*item.expr, columns);
+        if (position == 0) {
+            RaiseError(104);
+        }
+        clause += (&item == &query.order_by.front() ? "c" : ", c") + std::to_string(position);
+        if (IsCharacter(columns[position - 1].type.id)) {
+            clause += " COLLATE " + std::string(kCollation);
+        }
+        clause += item.descending ? " DESC" : "";
+    }
+    return clause;
+}
+
+std::string Binder::LimitClause(const ast::SelectCore& core, const std::string& counted) {
+    BoundPtr count = BindValue(*core.top->count, nullptr);
+    const Value value = Compute(*count, session_);
+    if (IsNull(value)) {
+        RaiseError(1060);
+    }
+    if (core.top->percent) {
+        const double percent = std::get<double>(Convert(value, count->type, Simple(TypeId::Float)));
+        return " LIMIT (SELECT CAST(ceil(count(*) * " + emission_.Parameter(percent, Simple(TypeId::Float)) +
+               " / 100.0) AS INTEGER) FROM (" + counted + "))";
+    }
+    const auto rows = std::get<std::int64_t>(Convert(value, count->type, Simple(TypeId::BigInt)));
+    if (rows < 0) {
+        RaiseError(1060);
+    }
+    return " LIMIT " + std::to_string(rows);
+}
+
+// ------------------------------------------------------------------ SELECT @v = …
+
+BoundQuery Binder::BindAssignment(const ast::Query& query, std::vector<AssignmentItem>& items) {
+    const auto* core = std::get_if<ast::SelectCore>(&query.body->node);
+    if (core == nullptr) {
+        RaiseError(10734);
+    }
+    CommonTables level{common_, {}};
+    CommonTables* const saved = common_;
+    if (!query.with.empty()) {
+        common_ = &level;
+        BindWith(query.with);
+    }
+    SelectParts parts;
+    BindSelectParts(*core, nullptr, &query, parts);
+    common_ = saved;
+    // The leaves are selected and the items computed over them row by row, so that an item may use what the
+    // row before has assigned.
+    std::vector<BoundPtr> leaves;
+    for (std::size_t i = 0; i < parts.items.size(); ++i) {
+        if (parts.variables[i].empty()) {
+            RaiseError(141);
+        }
+        items.push_back({parts.variables[i], WithSlots(parts.items[i], leaves)});
+    }
+    BoundQuery bound;
+    SelectParts selected = std::move(parts);
+    selected.items = leaves;
+    selected.columns.clear();
+    for (const BoundPtr& leaf : leaves) {
+        selected.columns.push_back({"", leaf->condition ? Simple(TypeId::Bit) : leaf->type, true, false});
+    }
+    if (leaves.empty()) {
+        selected.items.push_back(MakeConstant(std::int64_t{1}, Simple(TypeId::Int)));
+        selected.columns.push_back({"", Simple(TypeId::Int), false, false});
+    }
+    bound.sql = EmitSelect(selected, false);
+    bound.columns = selected.columns;
+    return bound;
+}
+
+// ------------------------------------------------------------------ FROM
+
+std::string Binder::BindFrom(const std::vector<ast::TableSourcePtr>& sources, Scope& scope) {
+    std::string text;
+    for (const ast::TableSourcePtr& source : sources) {
+        // A comma binds less than a JOIN in T-SQL and as much in SQLite: joined sources go into parentheses.
+        const bool joined = std::holds_alternative<ast::JoinSource>(source->node);
+        std::string item = BindSource(*source, scope);
+        if (joined && sources.size() > 1) {
+            item = "(" + item + ")";
+        }
+        text += (text.empty() ? "" : " CROSS JOIN ") + item;
+    }
+    return text;
+}
+
+std::string Binder::BindSource(const ast::TableSource& source, Scope& scope) {
+    if (const auto* named = std::get_if<ast::NamedSource>(&source.node)) {
+        return BindNamed(*named, scope);
+    }
+    if (const auto* derived = std::get_if<ast::DerivedSource>(&source.node)) {
+        return BindDerived(*derived, scope);
+    }
+    return BindJoin(std::get<ast::JoinSource>(source.node), scope);
+}
+
+std::string Binder::BindDerived(const ast::DerivedSource& derived, Scope& scope) {
+    BoundQuery query = BindQuery(*derived.query, scope.outer);
+    ScopeSource source{derived.alias, {}, NextAlias(), {}, nullptr};
+    if (!derived.columns.empty() && derived.columns.size() != query.columns.size()) {
+        RaiseError(derived.columns.size() < query.columns.size() ? 8158 : 8159, {derived.alias});
+    }
+    for (std::size_t i = 0; i < query.columns.size(); ++i) {
+        const Column& column = query.columns[i];
+        const std::string& name = derived.columns.empty() ? column.name : derived.columns[i];
+        if (name.empty()) {
+            RaiseError(8155, {std::to_string(i + 1), derived.alias});
+        }
+        source.columns.push_back({name, column.type, column.nullable, column.identity,
+                                  source.sql_alias + ".c" + std::to_string(i + 1)});
+    }
+    std::string sql = "(" + query.sql + ") AS " + source.sql_alias;
+    scope.sources.push_back(std::move(source));
+    return sql;
+}
+
+std::string Binder::BindJoin(const ast::JoinSource& join, Scope& scope) {
+    constexpr std::string_view kWords[] = {" JOIN ", " LEFT JOIN ", " RIGHT JOIN ", " FULL JOIN ", " CROSS JOIN "};
+    const std::size_t first = scope.sources.size();
+    std::string left = BindSource(*join.left, scope);
+    const std::size_t middle = scope.sources.size();
+    std::string right = BindSource(*join.right, scope);
+    if (std::holds_alternative<ast::JoinSource>(join.right->node)) {
+        right = "(" + right + ")";
+    }
+    const auto make_nullable = [&](std::size_t from, std::size_t to) {
+        for (std::size_t i = from; i < to; ++i) {
+            for (ScopeColumn& column : scope.sources[i].columns) {
+                column.nullable = true;
+            }
+        }
+    };
+    if (join.kind == ast::JoinKind::Left || join.kind == ast::JoinKind::Full) {
+        make_nullable(middle, scope.sources.size());
+    }
+    if (join.kind == ast::JoinKind::Right || join.kind == ast::JoinKind::Full) {
+        make_nullable(first, middle);
+    }
+    std::string sql = left + std::string(kWords[static_cast<std::size_t>(join.kind)]) + right;
+    if (join.on) {
+        sql += " ON " + emission_.EmitCondition(BindCondition(*join.on, &scope));
+    }
+    return sql;
+}
+
+std::vector<Column> DescribeView(SessionCore& session, const ast::CreateModuleStatement& view) {
+    Emission emission(session);
+    Binder binder(session, emission);
+    std::vector<Column> columns = binder.BindQuery(*view.query).columns;
+    if (!view.columns.empty()) {
+        if (view.columns.size() != columns.size()) {
+            RaiseError(4502, {view.name.text()});
+        }
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            columns[i].name = view.columns[i];
+        }
+    }
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].name.empty()) {
+            RaiseError(4511, {std::to_string(i + 1)});
+        }
+    }
+    return columns;
+}
+
+} // namespace devsql

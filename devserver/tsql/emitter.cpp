@@ -1,0 +1,191 @@
+#include "devserver/tsql/emitter.h"
+
+#include <array>
+
+#include "devserver/storage/codec.h"
+#include "devserver/tsql/evaluator.h"
+#include "devserver/tsql/session_core.h"
+
+namespace devsql {
+namespace {
+
+constexpr std::array<std::string_view, 6> kCompareSymbols = {"=", "<>", "<", "<=", ">", ">="};
+
+/// A conversion that leaves SQLite's form of the value as it is.
+bool ChangesNothing(const Bound& convert) {
+    const Type& from = convert.children[0]->type;
+    const Type& to = convert.type;
+    if (convert.children.size() > 1 || !SameEncoding(from, to)) {
+        return false;
+    }
+    if (IsCharacter(to.id) || IsBinary(to.id)) {
+        return convert.assignment && !IsFixedLength(to.id) && (IsUnicode(to.id) || !IsUnicode(from.id)) &&
+               (to.length == kMaxLength || IsOldLob(to.id) || (from.length != kMaxLength && from.length <= to.length));
+    }
+    if (IsInteger(from.id) || from.id == TypeId::Bit) {
+        return to.id != TypeId::Bit && Precedence(from.id) <= Precedence(to.id);
+    }
+    if (IsDecimal(from.id) && IsDecimal(to.id)) {
+        return from.precision <= to.precision;
+    }
+    return from.id == to.id || (from.id == TypeId::Real && to.id == TypeId::Float) ||
+           (from.id == TypeId::SmallDateTime && to.id == TypeId::DateTime) ||
+           (from.id == TypeId::SmallMoney && to.id == TypeId::Money);
+}
+
+} // namespace
+
+Emission::Emission(SessionCore& session) : session_(session) {}
+
+Emission::~Emission() {
+    for (const std::int64_t operation : operations_) {
+        session_.RemoveOperation(operation);
+    }
+}
+
+std::string Emission::Parameter(const Value& value, const Type& type) {
+    for (std::size_t i = 0; i < parameters_.size(); ++i) {
+        if (parameters_[i].first == value && parameters_[i].second == type) {
+            return "?" + std::to_string(i + 1);
+        }
+    }
+    parameters_.emplace_back(value, type);
+    return "?" + std::to_string(parameters_.size());
+}
+
+void Emission::BindAll(SqliteStatement& statement) const {
+    int index = 1;
+    for (const auto& [value, type] : parameters_) {
+        statement.Bind(index++, value, type);
+    }
+}
+
+bool Emission::IsNative(const Bound& expression) const {
+    switch (expression.kind) {
+    case BoundKind::Sql:
+    case BoundKind::Case:
+        return true;
+    case BoundKind::Convert:
+        return ChangesNothing(expression) && IsNative(*expression.children[0]);
+    default:
+        return expression.condition && expression.kind != BoundKind::Like && NeedsSql(expression);
+    }
+}
+
+/// As WithSlots, but what SQLite can compute by itself stays whole.
+BoundPtr Emission::Extract(const BoundPtr& expression, std::vector<BoundPtr>& leaves) const {
+    if (!NeedsSql(*expression)) {
+        return expression;
+    }
+    if (IsNative(*expression)) {
+        leaves.push_back(expression);
+        auto slot = std::make_shared<Bound>();
+        slot->kind = BoundKind::Slot;
+        slot->type = expression->type;
+        slot->condition = expression->condition;
+        slot->slot = leaves.size() - 1;
+        return slot;
+    }
+    auto copy = std::make_shared<Bound>(*expression);
+    for (BoundPtr& child : copy->children) {
+        child = Extract(child, leaves);
+    }
+    return copy;
+}
+
+std::string Emission::EmitOperation(const BoundPtr& expression) {
+    if (IsConstant(*expression)) {
+        try {
+            return Parameter(Compute(*expression, session_), expression->type);
+        } catch (const SqlError&) {
+            // It fails when, and only if, a row asks for it.
+        }
+    }
+    std::vector<BoundPtr> leaves;
+    const std::int64_t number = session_.AddOperation(Extract(expression, leaves));
+    operations_.push_back(number);
+    std::string call = "tsql(" + std::to_string(number);
+    for (const BoundPtr& leaf : leaves) {
+        call += ", " + (leaf->condition ? EmitCondition(leaf) : Emit(leaf));
+    }
+    return call + ")";
+}
+
+std::string Emission::Emit(const BoundPtr& expression) {
+    if (expression->condition) {
+        return EmitCondition(expression);
+    }
+    switch (expression->kind) {
+    case BoundKind::Constant:
+        return Parameter(expression->constant, expression->type);
+    case BoundKind::Variable:
+        return Parameter(session_.FindVariable(expression->text).value, expression->type);
+    case BoundKind::Sql:
+        return expression->text;
+    case BoundKind::Case:
+        return NeedsSql(*expression) ? EmitCase(*expression) : EmitOperation(expression);
+    case BoundKind::Convert:
+        if (ChangesNothing(*expression)) {
+            return Emit(expression->children[0]);
+        }
+        return EmitOperation(expression);
+    default:
+        return EmitOperation(expression);
+    }
+}
+
+std::string Emission::EmitCollated(const BoundPtr& expression) {
+    std::string text = Emit(expression);
+    return IsCharacter(expression->type.id) ? text + " COLLATE " + std::string(kCollation) : text;
+}
+
+std::string Emission::EmitCase(const Bound& expression) {
+    std::string text = "CASE";
+    std::size_t i = 0;
+    for (; i + 1 < expression.children.size(); i += 2) {
+        text += " WHEN " + EmitCondition(expression.children[i]) + " THEN " + Emit(expression.children[i + 1]);
+    }
+    if (i < expression.children.size()) {
+        text += " ELSE " + Emit(expression.children[i]);
+    }
+    return text + " END";
+}
+
+std::string Emission::EmitJunction(const Bound& condition, std::string_view word) {
+    std::string text = "(";
+    for (const BoundPtr& child : condition.children) {
+        text += (&child == &condition.children.front() ? "" : std::string(" ") + std::string(word) + " ") +
+                EmitCondition(child);
+    }
+    return text + ")";
+}
+
+std::string Emission::EmitCondition(const BoundPtr& condition) {
+    switch (condition->kind) {
+    case BoundKind::Sql:
+        return condition->text;
+    case BoundKind::Compare:
+        return "(" + EmitCollated(condition->children[0]) + " " +
+               std::string(kCompareSymbols[static_cast<std::size_t>(condition->compare)]) + " " +
+               Emit(condition->children[1]) + ")";
+    case BoundKind::And:
+        return EmitJunction(*condition, "AND");
+    case BoundKind::Or:
+        return EmitJunction(*condition, "OR");
+    case BoundKind::Not:
+        return "(NOT " + EmitCondition(condition->children[0]) + ")";
+    case BoundKind::IsNull:
+        return "(" + Emit(condition->children[0]) + " IS NULL)";
+    case BoundKind::InList: {
+        std::string text = "(" + EmitCollated(condition->children[0]) + " IN (";
+        for (std::size_t i = 1; i < condition->children.size(); ++i) {
+            text += (i == 1 ? "" : ", ") + Emit(condition->children[i]);
+        }
+        return text + "))";
+    }
+    default:
+        return EmitOperation(condition);
+    }
+}
+
+} // namespace devsql

@@ -1,0 +1,619 @@
+// Statements of control and procedure: what stands between the queries.
+#include <array>
+
+#include "devserver/tsql/parser_impl.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+
+using namespace ast;
+
+StatementList Parser::ParseStatementsUntilEnd() {
+    StatementList list;
+    while (true) {
+        while (TakeSymbol(";")) {
+        }
+        if (AtEnd() || IsWord("END")) {
+            return list;
+        }
+        StatementPtr statement = ParseStatement();
+        if (statement) {
+            list.push_back(std::move(statement));
+        }
+    }
+}
+
+StatementPtr Parser::ParseStatement() {
+    const Depth depth(*this);
+    const std::int32_t line = Peek().line;
+    StatementPtr statement = ParseStatementNode();
+    statement->line = line;
+    module_allowed_ = false;
+    TakeSymbol(";");
+    return statement;
+}
+
+StatementPtr Parser::ParseStatementNode() {
+    if (StatementPtr statement = ParseDataStatement()) {
+        return statement;
+    }
+    if (StatementPtr statement = ParseControlStatement()) {
+        return statement;
+    }
+    if (StatementPtr statement = ParseMaintenance()) {
+        return statement;
+    }
+    if (IsName() && IsSymbol(":", 1)) {
+        LabelStatement label{TakeName()};
+        Take();
+        return Wrap(std::move(label));
+    }
+    SyntaxError();
+}
+
+StatementPtr Parser::ParseDataStatement() {
+    if (IsWord("SELECT") || IsSymbol("(")) {
+        return Wrap(ParseQuery());
+    }
+    if (IsWord("WITH")) {
+        std::vector<CommonTable> with = ParseWith();
+        if (IsWord("UPDATE")) {
+            UpdateStatement update = ParseUpdate();
+            update.with = std::move(with);
+            return Wrap(std::move(update));
+        }
+        if (IsWord("DELETE")) {
+            DeleteStatement statement = ParseDelete();
+            statement.with = std::move(with);
+            return Wrap(std::move(statement));
+        }
+        if (IsWord("INSERT")) {
+            InsertStatement insert = ParseInsert();
+            if (!insert.query) {
+                SyntaxError();
+            }
+            insert.query->with = std::move(with);
+            return Wrap(std::move(insert));
+        }
+        QueryPtr query = ParseQuery();
+        query->with = std::move(with);
+        return Wrap(std::move(query));
+    }
+    if (IsWord("INSERT")) {
+        return Wrap(ParseInsert());
+    }
+    if (IsWord("UPDATE")) {
+        if (IsWord("STATISTICS", 1)) {
+            return nullptr;
+        }
+        return Wrap(ParseUpdate());
+    }
+    if (IsWord("DELETE")) {
+        return Wrap(ParseDelete());
+    }
+    if (TakeWord("TRUNCATE")) {
+        ExpectWord("TABLE");
+        return Wrap(TruncateStatement{TakeObjectName()});
+    }
+    return nullptr;
+}
+
+StatementPtr Parser::ParseControlStatement() {
+    const Token& token = Peek();
+    if (token.kind != TokenKind::Word) {
+        return nullptr;
+    }
+    struct Entry {
+        std::string_view word;
+        StatementPtr (Parser::*parse)();
+    };
+    // Each takes its own first word.
+    static constexpr Entry kEntries[] = {
+        {"DECLARE", &Parser::ParseDeclare}, {"SET", &Parser::ParseSet},         {"IF", &Parser::ParseIf},
+        {"BEGIN", &Parser::ParseBegin},     {"EXEC", &Parser::ParseExecute},    {"EXECUTE", &Parser::ParseExecute},
+        {"CREATE", &Parser::ParseCreate},   {"ALTER", &Parser::ParseAlter},     {"DROP", &Parser::ParseDrop},
+        {"FETCH", &Parser::ParseFetch},     {"WAITFOR", &Parser::ParseWaitfor}, {"RAISERROR", &Parser::ParseRaiserror},
+    };
+    for (const Entry& entry : kEntries) {
+        if (IsWord(entry.word)) {
+            return (this->*entry.parse)();
+        }
+    }
+    if (TakeWord("WHILE")) {
+        WhileStatement loop;
+        loop.condition = ParseCondition();
+        ++loops_;
+        loop.body = ParseStatement();
+        --loops_;
+        return Wrap(std::move(loop));
+    }
+    if (IsWord("BREAK") || IsWord("CONTINUE")) {
+        if (loops_ == 0) {
+            Fail(IsWord("BREAK") ? 135 : 136);
+        }
+        return AsciiEqual(Take().text, "BREAK") ? Wrap(BreakStatement{}) : Wrap(ContinueStatement{});
+    }
+    if (TakeWord("RETURN")) {
+        const bool value = !AtEnd() && !IsSymbol(";") && (Peek().kind != TokenKind::Word || IsWord("NULL") ||
+                                                          IsWord("CASE") || IsWord("CONVERT") || IsWord("COALESCE") ||
+                                                          (IsName() && IsSymbol("(", 1)));
+        return Wrap(ReturnStatement{value ? ParseValue() : nullptr});
+    }
+    if (TakeWord("GOTO")) {
+        return Wrap(GotoStatement{TakeName()});
+    }
+    if (TakeWord("PRINT")) {
+        return Wrap(PrintStatement{ParseValue()});
+    }
+    if (TakeWord("USE")) {
+        return Wrap(UseStatement{TakeName()});
+    }
+    constexpr std::array<std::pair<std::string_view, TransactionAction>, 3> kTransactions = {
+        {{"COMMIT", TransactionAction::Commit},
+         {"ROLLBACK", TransactionAction::Rollback},
+         {"SAVE", TransactionAction::Save}}};
+    for (const auto& [word, action] : kTransactions) {
+        if (TakeWord(word)) {
+            return ParseTransaction(action);
+        }
+    }
+    constexpr std::array<std::pair<std::string_view, CursorAction>, 3> kCursors = {
+        {{"OPEN", CursorAction::Open}, {"CLOSE", CursorAction::Close}, {"DEALLOCATE", CursorAction::Deallocate}}};
+    for (const auto& [word, action] : kCursors) {
+        if (TakeWord(word)) {
+            TakeWord("GLOBAL");
+            return Wrap(
+                CursorStatement{action, Peek().kind == TokenKind::Variable ? TakeVariable() : TakeName()});
+        }
+    }
+    constexpr std::array<std::pair<std::string_view, GrantAction>, 3> kGrants = {
+        {{"GRANT", GrantAction::Grant}, {"DENY", GrantAction::Deny}, {"REVOKE", GrantAction::Revoke}}};
+    for (const auto& [word, action] : kGrants) {
+        if (TakeWord(word)) {
+            return ParseGrant(action);
+        }
+    }
+    return IsWord("THROW") ? ParseThrow() : nullptr;
+}
+
+StatementPtr Parser::ParseBegin() {
+    ExpectWord("BEGIN");
+    if (TakeWord("TRY")) {
+        return ParseTry();
+    }
+    if (IsWord("DISTRIBUTED")) {
+        Unsupported("DISTRIBUTED TRANSACTION");
+    }
+    if (IsWord("TRAN") || IsWord("TRANSACTION")) {
+        return ParseTransaction(TransactionAction::Begin);
+    }
+    TakeSymbol(";");
+    BlockStatement block;
+    block.statements = ParseStatementsUntilEnd();
+    ExpectWord("END");
+    if (block.statements.empty()) {
+        --next_;
+        SyntaxError(); // An empty block is refused here as there.
+    }
+    return Wrap(std::move(block));
+}
+
+StatementList Parser::ParseBlock(std::string_view what) {
+    TakeSymbol(";");
+    StatementList list = ParseStatementsUntilEnd();
+    ExpectWord("END");
+    ExpectWord(what);
+    return list;
+}
+
+StatementPtr Parser::ParseTry() {
+    TryStatement statement;
+    statement.body = ParseBlock("TRY");
+    TakeSymbol(";");
+    ExpectWord("BEGIN");
+    ExpectWord("CATCH");
+    statement.handler = ParseBlock("CATCH");
+    return Wrap(std::move(statement));
+}
+
+StatementPtr Parser::ParseIf() {
+    ExpectWord("IF");
+    IfStatement statement;
+    statement.condition = ParseCondition();
+    statement.then = ParseStatement();
+    if (TakeWord("ELSE")) {
+        statement.otherwise = ParseStatement();
+    }
+    return Wrap(std::move(statement));
+}
+
+// ------------------------------------------------------------------ DECLARE, SET
+
+StatementPtr Parser::ParseDeclare() {
+    ExpectWord("DECLARE");
+    if (Peek().kind != TokenKind::Variable) {
+        return ParseCursorDeclaration(TakeName());
+    }
+    DeclareStatement declare;
+    do {
+        declare.declarations.push_back(ParseDeclaration());
+    } while (TakeSymbol(","));
+    return Wrap(std::move(declare));
+}
+
+Declaration Parser::ParseDeclaration() {
+    Declaration declaration;
+    declaration.name = TakeVariable();
+    Declare(declaration.name);
+    TakeWord("AS");
+    if (TakeWord("TABLE")) {
+        declaration.table = ParseTableDefinition();
+    } else if (TakeWord("CURSOR")) {
+        declaration.cursor = true;
+    } else {
+        declaration.type = ParseType();
+        if (TakeSymbol("=")) {
+            declaration.value = ParseValue();
+        }
+    }
+    return declaration;
+}
+
+StatementPtr Parser::ParseCursorDeclaration(std::string name) {
+    CursorDeclareStatement cursor;
+    cursor.name = std::move(name);
+    TakeOneOf({"INSENSITIVE"});
+    cursor.scroll = TakeWord("SCROLL");
+    ExpectWord("CURSOR");
+    while (!IsWord("FOR")) {
+        if (TakeWord("SCROLL") || TakeWord("STATIC") || TakeWord("KEYSET") || TakeWord("DYNAMIC")) {
+            cursor.scroll = true;
+        } else if (TakeWord("LOCAL")) {
+            cursor.local = true;
+        } else if (TakeWord("READ_ONLY") || TakeWord("FAST_FORWARD")) {
+            cursor.read_only = true;
+        } else if (TakeOneOf({"GLOBAL", "FORWARD_ONLY", "OPTIMISTIC", "SCROLL_LOCKS", "TYPE_WARNING"}) < 0) {
+            SyntaxError();
+        }
+    }
+    ExpectWord("FOR");
+    // ParseQuery would take "FOR UPDATE" and "FOR READ ONLY" for a clause that it refuses.
+    cursor.query = std::make_unique<Query>();
+    cursor.query->line = Peek().line;
+    if (IsWord("WITH")) {
+        cursor.query->with = ParseWith();
+    }
+    cursor.query->body = ParseUnion();
+    if (IsWord("ORDER")) {
+        cursor.query->order_by = ParseOrderBy();
+    }
+    SkipQueryOptions();
+    if (TakeWords({"FOR", "READ", "ONLY"})) {
+        cursor.read_only = true;
+    } else if (TakeWords({"FOR", "UPDATE"})) {
+        if (TakeWord("OF")) {
+            do {
+                TakeName();
+            } while (TakeSymbol(","));
+        }
+    }
+    return Wrap(std::move(cursor));
+}
+
+StatementPtr Parser::ParseSet() {
+    ExpectWord("SET");
+    return Peek().kind == TokenKind::Variable ? ParseSetVariable() : ParseSetOption();
+}
+
+StatementPtr Parser::ParseSetVariable() {
+    SetVariableStatement set;
+    set.name = TakeVariable();
+    RequireDeclared(set.name);
+    constexpr std::array<std::pair<std::string_view, BinaryOperator>, 5> kCompound = {
+        {{"+=", BinaryOperator::Add},
+         {"-=", BinaryOperator::Subtract},
+         {"*=", BinaryOperator::Multiply},
+         {"/=", BinaryOperator::Divide},
+         {"%=", BinaryOperator::Modulo}}};
+    for (const auto& [symbol, op] : kCompound) {
+        if (TakeSymbol(symbol)) {
+            set.op = op;
+            set.value = ParseValue();
+            return Wrap(std::move(set));
+        }
+    }
+    ExpectSymbol("=");
+    if (IsWord("CURSOR")) {
+        --next_; // ParseCursorDeclaration wants to see its keyword.
+        Take();
+        return ParseCursorDeclaration(set.name);
+    }
+    set.value = ParseValue();
+    return Wrap(std::move(set));
+}
+
+StatementPtr Parser::ParseSetOption() {
+    SetOptionStatement set;
+    if (TakeWord("IDENTITY_INSERT")) {
+        set.options = {"IDENTITY_INSERT"};
+        set.table = TakeObjectName();
+    } else if (TakeWords({"TRANSACTION", "ISOLATION", "LEVEL"})) {
+        set.options = {"TRANSACTION ISOLATION LEVEL"};
+        set.value = AsciiUpper(Take().text);
+        if (set.value == "READ" || set.value == "REPEATABLE") {
+            set.value += " " + AsciiUpper(Take().text);
+        }
+        return Wrap(std::move(set));
+    } else if (TakeWord("STATISTICS")) {
+        set.options = {"STATISTICS " + AsciiUpper(Take().text)};
+    } else {
+        do {
+            if (Peek().kind != TokenKind::Word) {
+                SyntaxError();
+            }
+            set.options.push_back(AsciiUpper(Take().text));
+        } while (TakeSymbol(","));
+    }
+    if (IsWord("ON") || IsWord("OFF")) {
+        set.value = AsciiUpper(Take().text);
+    } else if (Peek().kind == TokenKind::Word) {
+        set.value = AsciiUpper(Take().text);
+    } else {
+        set.expr = ParseValue();
+    }
+    for (const std::string& option : set.options) { // Takes effect while the batch is parsed.
+        if (option == "QUOTED_IDENTIFIER" || option == "ANSI_DEFAULTS") {
+            quoted_identifier_ = set.value == "ON";
+        }
+    }
+    return Wrap(std::move(set));
+}
+
+// ------------------------------------------------------------------ EXECUTE
+
+StatementPtr Parser::ParseExecute() {
+    Take();
+    if (IsSymbol("(")) {
+        Take();
+        ExecuteStringStatement statement{ParseValue()};
+        ExpectSymbol(")");
+        if (IsWord("AT")) {
+            Unsupported("AT");
+        }
+        return Wrap(std::move(statement));
+    }
+    if (IsWord("AS") && (IsWord("USER", 1) || IsWord("LOGIN", 1) || IsWord("CALLER", 1))) {
+        UnsupportedStatement("EXECUTE AS");
+    }
+    return Wrap(ParseProcedureCall());
+}
+
+ExecuteStatement Parser::ParseProcedureCall() {
+    ExecuteStatement call;
+    if (Peek().kind == TokenKind::Variable) {
+        RequireDeclared(Peek().text);
+        if (IsSymbol("=", 1)) {
+            call.return_variable = TakeVariable();
+            Take();
+        }
+    }
+    if (Peek().kind == TokenKind::Variable) {
+        call.procedure_variable = TakeVariable();
+        RequireDeclared(call.procedure_variable);
+    } else {
+        call.procedure = TakeObjectName();
+        if (IsSymbol(";") && Peek(1).kind == TokenKind::Integer) { // "name;1"
+            Take();
+            if (Take().text != "1") {
+                Unsupported("procedure number");
+            }
+        }
+    }
+    const auto begins_argument = [this] {
+        switch (Peek().kind) {
+        case TokenKind::Word:
+            return IsName() ? !IsSymbol(":", 1) : IsWord("NULL") || IsWord("DEFAULT");
+        case TokenKind::Symbol:
+            return IsSymbol("-") || IsSymbol("+");
+        case TokenKind::End:
+            return false;
+        default:
+            return true;
+        }
+    };
+    if (begins_argument()) {
+        do {
+            call.arguments.push_back(ParseArgument());
+        } while (TakeSymbol(","));
+    }
+    if (TakeWord("WITH")) {
+        ExpectWord("RECOMPILE");
+    }
+    return call;
+}
+
+Argument Parser::ParseArgument() {
+    Argument argument;
+    if (Peek().kind == TokenKind::Variable && IsSymbol("=", 1)) {
+        argument.name = TakeVariable();
+        Take();
+    }
+    if (TakeWord("DEFAULT")) {
+        return argument;
+    }
+    const bool variable = Peek().kind == TokenKind::Variable;
+    if (IsName() && Peek().kind != TokenKind::DoubleQuoted) {
+        // A bare word is a string: sp_help MyTable.
+        argument.value = Make(LiteralExpr{Sized(TypeId::NVarChar, 128), Value(Take().text)});
+    } else if (Peek().kind == TokenKind::DoubleQuoted) {
+        argument.value = Make(LiteralExpr{Sized(TypeId::NVarChar, 4000), Value(Take().text)});
+    } else {
+        argument.value = ParseUnary();
+    }
+    if (variable && (TakeWord("OUTPUT") || TakeWord("OUT"))) {
+        argument.output = true;
+    }
+    return argument;
+}
+
+// ------------------------------------------------------------------ messages, waiting, transactions
+
+StatementPtr Parser::ParseRaiserror() {
+    ExpectWord("RAISERROR");
+    RaiserrorStatement raise;
+    const bool parenthesis = TakeSymbol("(");
+    raise.message = ParseValue();
+    if (!parenthesis) { // RAISERROR 50001 'text', of the oldest scripts
+        TakeSymbol(",");
+        raise.arguments.push_back(ParseValue());
+        return Wrap(std::move(raise));
+    }
+    ExpectSymbol(",");
+    raise.severity = ParseValue();
+    ExpectSymbol(",");
+    raise.state = ParseValue();
+    while (TakeSymbol(",")) {
+        raise.arguments.push_back(ParseValue());
+    }
+    ExpectSymbol(")");
+    if (TakeWord("WITH")) {
+        do {
+            const int option = TakeOneOf({"NOWAIT", "LOG", "SETERROR"});
+            if (option < 0) {
+                SyntaxError();
+            }
+            raise.set_error = raise.set_error || option == 2;
+        } while (TakeSymbol(","));
+    }
+    return Wrap(std::move(raise));
+}
+
+StatementPtr Parser::ParseThrow() {
+    ExpectWord("THROW");
+    ThrowStatement statement;
+    if (Peek().kind == TokenKind::Integer || Peek().kind == TokenKind::Variable) {
+        statement.number = ParseValue();
+        ExpectSymbol(",");
+        statement.message = ParseValue();
+        ExpectSymbol(",");
+        statement.state = ParseValue();
+    }
+    return Wrap(std::move(statement));
+}
+
+StatementPtr Parser::ParseWaitfor() {
+    ExpectWord("WAITFOR");
+    WaitforStatement wait;
+    wait.until = TakeWord("TIME");
+    if (!wait.until) {
+        ExpectWord("DELAY");
+    }
+    wait.time = ParsePrimary();
+    return Wrap(std::move(wait));
+}
+
+StatementPtr Parser::ParseTransaction(TransactionAction action) {
+    TransactionStatement statement{action, {}};
+    const bool word = TakeOneOf({"TRAN", "TRANSACTION", "WORK"}) >= 0;
+    if (!word && action == TransactionAction::Save) {
+        SyntaxError();
+    }
+    if (word && (IsName() && !IsSymbol(":", 1) && !IsWord("THROW"))) {
+        statement.name = TakeName();
+    } else if (word && Peek().kind == TokenKind::Variable) {
+        RequireDeclared(Peek().text);
+        statement.name = TakeVariable();
+    }
+    if (action == TransactionAction::Begin && TakeWords({"WITH", "MARK"})) {
+        Unsupported("WITH MARK");
+    }
+    return Wrap(std::move(statement));
+}
+
+StatementPtr Parser::ParseFetch() {
+    ExpectWord("FETCH");
+    FetchStatement fetch;
+    const int direction = TakeOneOf({"NEXT", "PRIOR", "FIRST", "LAST", "ABSOLUTE", "RELATIVE"});
+    if (direction >= 0) {
+        fetch.direction = static_cast<FetchDirection>(direction);
+        if (direction >= 4) {
+            fetch.offset = ParseUnary();
+        }
+        ExpectWord("FROM");
+    } else {
+        TakeWord("FROM");
+    }
+    TakeWord("GLOBAL");
+    fetch.name = Peek().kind == TokenKind::Variable ? TakeVariable() : TakeName();
+    if (TakeWord("INTO")) {
+        do {
+            RequireDeclared(Peek().text);
+            fetch.into.push_back(TakeVariable());
+        } while (TakeSymbol(","));
+    }
+    return Wrap(std::move(fetch));
+}
+
+StatementPtr Parser::ParseMaintenance() {
+    if (TakeWord("CHECKPOINT")) {
+        return Wrap(MaintenanceStatement{"CHECKPOINT"});
+    }
+    if (TakeWords({"UPDATE", "STATISTICS"})) {
+        TakeObjectName();
+        if (TakeWord("WITH")) {
+            ExpectWord("FULLSCAN");
+        }
+        return Wrap(MaintenanceStatement{"UPDATE STATISTICS"});
+    }
+    if (TakeWord("RECONFIGURE")) {
+        if (TakeWord("WITH")) {
+            ExpectWord("OVERRIDE");
+        }
+        return Wrap(MaintenanceStatement{"RECONFIGURE"});
+    }
+    if (TakeWord("KILL")) {
+        return Wrap(KillStatement{TakeInteger()});
+    }
+    if (IsWord("DBCC")) {
+        return ParseDbcc();
+    }
+    constexpr std::array<std::string_view, 14> kRefused = {
+        "BACKUP", "RESTORE",    "BULK",     "DUMP",    "LOAD",     "READTEXT", "WRITETEXT",
+        "UPDATETEXT", "SHUTDOWN", "SETUSER", "MERGE", "DISABLE", "ENABLE",   "REVERT"};
+    for (const std::string_view word : kRefused) {
+        if (IsWord(word)) {
+            UnsupportedStatement(word);
+        }
+    }
+    return nullptr;
+}
+
+StatementPtr Parser::ParseDbcc() {
+    ExpectWord("DBCC");
+    const std::string name = AsciiUpper(Take().text);
+    // These tidy or check what this server has no need to tidy and checks by itself.
+    constexpr std::array<std::string_view, 8> kAccepted = {"CHECKDB",     "CHECKTABLE",       "SHRINKDATABASE",
+                                                           "SHRINKFILE",  "DBREINDEX",        "UPDATEUSAGE",
+                                                           "FREEPROCCACHE", "DROPCLEANBUFFERS"};
+    bool accepted = false;
+    for (const std::string_view word : kAccepted) {
+        accepted = accepted || word == name;
+    }
+    if (!accepted) {
+        Unsupported("DBCC " + name);
+    }
+    if (TakeSymbol("(")) {
+        while (!TakeSymbol(")")) {
+            if (AtEnd()) {
+                SyntaxError();
+            }
+            Take();
+        }
+    }
+    if (TakeWords({"WITH", "NO_INFOMSGS"})) {
+        TakeSymbol(";");
+    }
+    return Wrap(MaintenanceStatement{"DBCC " + name});
+}
+
+} // namespace devsql

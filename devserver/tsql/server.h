@@ -1,0 +1,73 @@
+// The engine: what all sessions share. Which session uses which database, who is thrown out, where files lie.
+#pragma once
+
+#include <condition_variable>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+
+#include "devserver/storage/databases.h"
+#include "devserver/tsql/engine.h"
+
+namespace devsql {
+
+class SessionCore;
+
+class Server : public Engine {
+  public:
+    /// Throws std::runtime_error.
+    explicit Server(EngineOptions options);
+    ~Server() override;
+
+    std::unique_ptr<Session> Login(const LoginRequest& request, ResultSink& sink) override;
+    const std::string& ServerName() const override { return options_.server_name; }
+
+    const EngineOptions& options() const { return options_; }
+    std::filesystem::path MasterFile() const { return options_.root / "master.mdf"; }
+
+    void Register(SessionCore& session);
+    void Unregister(SessionCore& session);
+    /// Counts the session among the database's users. Raises 924 where another one holds it for itself alone,
+    /// 952 while it is being dropped or detached.
+    void Enter(const DatabaseInfo& database, SessionCore& session);
+    void Leave(const std::string& folded_name, SessionCore& session);
+    /// Keeps everybody out until Reopen. False if another session uses the database.
+    bool CloseTo(const std::string& folded_name, const SessionCore& session);
+    void Reopen(const std::string& folded_name);
+    /// Ends all other sessions that use the database: their transactions are rolled back.
+    void ThrowOut(const std::string& folded_name, const SessionCore& by);
+    void Kill(std::int32_t id, const SessionCore& by);
+    /// One row of sp_who.
+    struct SessionInfo {
+        std::int32_t id;
+        std::string login;
+        std::string host;
+        std::string application;
+        std::string database;
+    };
+    std::vector<SessionInfo> Sessions();
+
+  private:
+    struct Usage {
+        std::set<SessionCore*> sessions;
+        bool closed = false;
+    };
+
+    void CreateSystemDatabases();
+    void RunBootstrap();
+    bool PasswordFits(SqliteConnection& connection, const LoginRequest& request) const;
+    void End(SessionCore& session, const SessionCore& by);
+
+    EngineOptions options_;
+    std::mutex mutex_;
+    std::map<std::string, Usage> usage_;
+    std::map<std::int32_t, SessionCore*> sessions_;
+    std::set<SessionCore*> ending_; ///< being ended by another session, and not to be destroyed meanwhile
+    std::condition_variable ended_;
+    std::int32_t next_session_ = 51;
+};
+
+} // namespace devsql

@@ -1,0 +1,26 @@
+// Runs the statements that read and write rows.
+#pragma once
+
+#include "devserver/tsql/ast.h"
+#include "devserver/tsql/session_core.h"
+
+namespace devsql {
+
+/// An expression outside a query; it may hold subqueries.
+Value ComputeExpression(SessionCore& session, const ast::Expr& expr, Type* type = nullptr);
+bool TestExpression(SessionCore& session, const ast::Expr& condition);
+/// SET @v = …, and every other assignment to a variable.
+void AssignTo(SessionCore& session, std::string_view variable, const Value& value, const Type& type);
+
+/// SELECT: to the client, into variables or into a new table.
+void RunSelect(SessionCore& session, const ast::Query& query);
+/// The whole result, in memory.
+RowSet FetchAll(SessionCore& session, const ast::Query& query);
+/// Takes a statement's rows for INSERT … EXEC; see interpreter.cpp.
+using RunNested = std::function<RowSet(const ast::Statement&)>;
+void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const RunNested& execute);
+void RunUpdate(SessionCore& session, const ast::UpdateStatement& update);
+void RunDelete(SessionCore& session, const ast::DeleteStatement& statement);
+void RunTruncate(SessionCore& session, const ast::TruncateStatement& truncate);
+
+} // namespace devsql
