@@ -266,6 +266,8 @@ constexpr std::int64_t kSecondModulus = 2147483399;
 constexpr std::int64_t kFirstFactor = 40014;
 constexpr std::int64_t kSecondFactor = 40692;
 constexpr std::int64_t kSecondSeed = 67890;
+/// 1 / kFirstModulus to seven digits, as in the paper; the published results show that it was not made finer.
+constexpr double kScale = 4.656613e-10;
 
 } // namespace
 
@@ -284,7 +286,7 @@ double RandomSequence::Next() {
     if (difference < 1) {
         difference += kFirstModulus - 1;
     }
-    return static_cast<double>(difference) / static_cast<double>(kFirstModulus);
+    return static_cast<double>(difference) * kScale;
 }
 
 std::span<const ScalarFunction> MathFunctions() {

@@ -179,7 +179,7 @@ Type CommonType(const Type& a, const Type& b) {
     const bool varying = !IsFixedLength(a.id) || !IsFixedLength(b.id);
     const TypeId id = strong.id == NChar && varying ? NVarChar : strong.id;
     const std::int32_t length = Longer(a.length, b.length);
-    return length == kMaxLength ? Sized(id, kMaxLength) : FittedLength(id, length);
+    return Sized(id, length == kMaxLength ? length : std::min(length, IsUnicode(id) ? 4000 : 8000));
 }
 
 Type CommonType(std::span<const Type> types) {
