@@ -29,6 +29,7 @@ TEST(TdsServer, ManyClientsAreServedAtOnce) {
     server.engine.script.on_batch = Answer;
     std::atomic<int> good = 0;
     std::vector<std::thread> threads;
+    threads.reserve(50);
     for (int i = 0; i < 50; ++i) {
         threads.emplace_back([&] {
             TdsClient client = server.LoggedIn();
