@@ -31,10 +31,9 @@ class ProgramFaces : public kv::Faces {
     }
 
     void ShowMainWindow() override {
-        window_ = platform::ShowPlainWindow(platform::ExecutableName(),
-                                            "The console is not built yet. The unattended installation is: "
-                                            "start the program with /help to see its "
-                                            "arguments.");
+        window_ = platform::ShowPlainWindow(
+            platform::ExecutableName(),
+            "The console is not built yet. The unattended installation stands: /help tells its arguments.");
     }
 
     void ShowHelp(const std::string& text) override {
