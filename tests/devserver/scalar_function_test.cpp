@@ -79,6 +79,7 @@ TEST(Rounding, GoesBothSidesOfThePoint) {
         {"ROUND", {Whole(-1250), Whole(-2)}, "-1300"},
         {"ROUND", {Whole(1250), Whole(2)}, "1250"},
         {"ROUND", {Whole(1250), Whole(-50)}, "0"},
+        {"ROUND", {Num("1.5"), Whole(INT32_MIN)}, "0.0"},
         {"ROUND", {Real(2.345), Whole(1)}, "2.3"},
         {"ROUND", {Real(-2.5), Whole(0)}, "-3"},
         {"ROUND", {As("1.2355", kMoney), Whole(2)}, "1.24"},

@@ -9,6 +9,7 @@ namespace {
 std::string Formatted(std::string_view text, const std::vector<Typed>& values) {
     return Outcome([&] {
         std::vector<FormatArgument> arguments;
+        arguments.reserve(values.size());
         for (const Typed& value : values) {
             arguments.push_back({value.value, value.type});
         }
@@ -68,6 +69,7 @@ TEST(Raiserror, CutsALongMessage) {
     const std::string message = Formatted("%s", {Text(std::string(3000, 'x'))});
     EXPECT_EQ(message, std::string(2044, 'x') + "...");
     EXPECT_EQ(Formatted("%s", {Text(std::string(2047, 'x'))}).size(), 2047U);
+    EXPECT_EQ(Formatted("%*d", {Whole(INT64_MIN, TypeId::BigInt), Whole(1)}).size(), 2047U);
     EXPECT_EQ(Formatted("%2000000000d", {Whole(1)}).size(), 2047U) << "no width takes the server's memory";
 }
 

@@ -173,7 +173,7 @@ Decimal RoundDecimal(const Decimal& value, int digits, bool cut) {
     if (digits >= value.scale) {
         return value;
     }
-    if (-digits > kMaxDigits) {
+    if (digits < -kMaxDigits) {
         return {0, value.scale};
     }
     const Rounding rounding = cut ? Rounding::TowardZero : Rounding::HalfUp;

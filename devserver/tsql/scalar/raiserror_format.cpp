@@ -1,6 +1,7 @@
 // The placeholders of RAISERROR: "%", flags, width, precision, size and kind, as printf has them.
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 
 #include "devserver/tsql/scalar/functions.h"
 #include "devserver/tsql/scalar/sql_error.h"
@@ -88,7 +89,8 @@ class Formatter {
                 RefuseType();
             }
             p.left = p.left || *number < 0;
-            return std::min(static_cast<std::size_t>(*number < 0 ? -*number : *number), kMostWidth);
+            const auto most = static_cast<std::int64_t>(kMostWidth);
+            return static_cast<std::size_t>(std::abs(std::clamp(*number, -most, most)));
         }
         std::size_t count = 0;
         while (Peek() >= '0' && Peek() <= '9') {
