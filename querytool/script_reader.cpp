@@ -77,6 +77,10 @@ std::optional<LineMeaning> AsExitRun(std::string_view line) {
 
 } // namespace
 
+TextLines::TextLines(std::string text) : text_(std::move(text)) {
+    std::ranges::replace(text_, '\0', ' ');
+}
+
 std::optional<std::string_view> TextLines::Next() {
     if (at_ >= text_.size()) {
         return std::nullopt;
@@ -102,6 +106,7 @@ std::optional<std::string_view> StreamLines::Next() {
     if (!std::getline(stream_, line_)) {
         return std::nullopt;
     }
+    std::ranges::replace(line_, '\0', ' ');
     line_.push_back('\n');
     return line_;
 }

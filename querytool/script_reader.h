@@ -22,7 +22,7 @@ class LineSource {
 /// does not take it for a line's end, and a comment would go on to the end of the batch.
 class TextLines : public LineSource {
   public:
-    explicit TextLines(std::string text) : text_(std::move(text)) {}
+    explicit TextLines(std::string text);
     std::optional<std::string_view> Next() override;
 
   private:
@@ -31,7 +31,7 @@ class TextLines : public LineSource {
     std::string mended_;
 };
 
-/// The lines of a stream, each asked for when it is needed.
+/// The lines of a stream, each asked for when it is needed. NUL bytes become blanks here too.
 class StreamLines : public LineSource {
   public:
     explicit StreamLines(std::istream& stream) : stream_(stream) {}

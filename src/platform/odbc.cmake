@@ -1,7 +1,8 @@
 # kv_odbc_calls is the layer without the driver manager, so that a test can put a counting one in its place;
 # kv_odbc is the layer with the system's.
 kv_library(kv_code_page SOURCES code_page.cpp)
-kv_library(kv_odbc_calls SOURCES odbc.cpp odbc_statement.cpp odbc_types.cpp odbc_rows.cpp LINK kv_code_page)
+kv_library(kv_odbc_calls SOURCES odbc.cpp odbc_statement.cpp odbc_types.cpp odbc_rows.cpp
+                                 ${KV_SYSTEM}/odbc_driver.cpp LINK kv_code_page)
 
 add_library(kv_odbc INTERFACE)
 if(WIN32)

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/odbc_api.h"
+#include "platform/odbc_driver.h"
 #include "platform/odbc_types.h"
 
 namespace platform::odbc {
@@ -222,6 +223,7 @@ std::vector<Diagnostic> Handle::TakeMessages() {
 }
 
 Environment::Environment() : handle_(HandleKind::Environment, HandleKind::Environment, nullptr) {
+    PrepareDriver();
     handle_.Check("SQLSetEnvAttr", SQLSetEnvAttr(handle_.Get(), SQL_ATTR_ODBC_VERSION,
                                                  AttributeValue(SQL_OV_ODBC3), SQL_IS_INTEGER));
 }

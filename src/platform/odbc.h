@@ -225,7 +225,8 @@ class Statement {
     /// statements may run between this and the ExecDirect.
     void KeepResultsBehindError();
 
-    /// Runs the text. Having nothing to tell (DDL, statements under NOCOUNT) is success.
+    /// Runs the text. Having nothing to tell (DDL, statements under NOCOUNT) is success. A text with a NUL
+    /// byte is refused.
     void ExecDirect(const std::string& sql);
     void Prepare(const std::string& sql);
     /// Binds a copy of `parameter` to the marker at `position`, counted from 1.

@@ -38,6 +38,16 @@ Column DescribeColumn(Handle& handle, SQLUSMALLINT number) {
     return column;
 }
 
+/// FreeTDS takes a NUL for the end of a statement's text and would run what stands in front of it.
+void RefuseNul(const char* function, const std::string& sql) {
+    if (sql.find('\0') != std::string::npos) {
+        Diagnostic refusal;
+        refusal.sql_state = "HY000";
+        refusal.message = "The statement holds a NUL byte, which the driver would take for its end";
+        throw OdbcError(function, {std::move(refusal)});
+    }
+}
+
 } // namespace
 
 /// The buffer that a parameter marker is bound to for as long as the statement may run.
@@ -73,11 +83,13 @@ void Statement::KeepResultsBehindError() {
 }
 
 void Statement::ExecDirect(const std::string& sql) {
+    RefuseNul("SQLExecDirect", sql);
     TextArgument text(sql);
     handle_.Check("SQLExecDirect", SQLExecDirectW(handle_.Get(), text.Data(), text.Size<SQLINTEGER>()));
 }
 
 void Statement::Prepare(const std::string& sql) {
+    RefuseNul("SQLPrepare", sql);
     TextArgument text(sql);
     handle_.Check("SQLPrepare", SQLPrepareW(handle_.Get(), text.Data(), text.Size<SQLINTEGER>()));
 }

@@ -20,6 +20,7 @@ class RunningServer {
     RunningServer(const RunningServer&) = delete;
     RunningServer& operator=(const RunningServer&) = delete;
 
+    std::uint16_t Port() const { return server_.port(); }
     TdsClient Connect() const { return TdsClient::Connect(server_.port()); }
     /// A client that has logged in.
     TdsClient LoggedIn(const LoginFields& fields = {}) const {

@@ -295,7 +295,7 @@ TEST_F(Odbc, TextGoesToTheDriverAndComesBackInCodePage1252) {
     connection.DriverConnect("Pwd=\x80\x9F\xFF;", 0);
     EXPECT_EQ(Counting().last_connection_string, "Pwd=\x80\x9F\xFF;");
     Statement statement(connection);
-    const std::string sql("PRINT '\x81\x8D\xE4\0b'", 13);
+    const std::string sql = "PRINT '\x81\x8D\xE4'";
     statement.ExecDirect(sql);
     EXPECT_EQ(Counting().last_statement, sql);
 }

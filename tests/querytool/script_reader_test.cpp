@@ -40,8 +40,8 @@ TEST(TextLines, AnEmptyTextHasNoLine) {
     EXPECT_TRUE(LinesOf("").empty());
 }
 
-TEST(TextLines, ANulByteIsALetterLikeAnother) {
-    EXPECT_EQ(LinesOf(std::string("a\0b\nc", 5)), (Lines{std::string("a\0b\n", 4), "c"}));
+TEST(TextLines, ANulByteIsABlankSinceItWouldEndTheBatch) {
+    EXPECT_EQ(LinesOf(std::string("a\0b\nc", 5)), (Lines{"a b\n", "c"}));
 }
 
 TEST(StreamLines, GiveTheSameLines) {

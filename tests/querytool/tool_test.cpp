@@ -208,7 +208,7 @@ TEST_F(ToolFiles, AScriptWithNulBytesAndWithoutALastLineEndIsSentWhole) {
     platform::WriteWholeFile(Path("a.sql"), batch + "GO\r\nlast");
     switches.input_file = Path("a.sql");
     EXPECT_EQ(Run(""), kSuccess);
-    ExpectBatches({batch, "last"});
+    ExpectBatches({"SELECT ' \xE4'\r\n", "last"});
 }
 
 TEST_F(ToolFiles, AnEmptyScriptRunsNothing) {
