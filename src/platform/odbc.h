@@ -133,6 +133,7 @@ class Connection {
     void SetPacketSize(unsigned bytes);
     /// What the connection answers for an information type whose value is text (SQL_SERVER_NAME and so on).
     std::string Info(std::uint16_t type);
+    /// Its statements must be gone by now: ODBC frees them with the connection.
     void Disconnect();
     /// True between DriverConnect and Disconnect, also when the server has gone meanwhile.
     bool Connected() const { return connected_; }

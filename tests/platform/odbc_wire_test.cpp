@@ -459,8 +459,10 @@ TEST_F(OdbcDyingServer, BehindAResultIsALostConnection) {
 
 TEST_F(OdbcDyingServer, EveryFurtherStatementFails) {
     Dying([](ResultSink&) {});
-    Statement statement(connection_);
-    EXPECT_THROW(statement.ExecDirect("y"), OdbcError);
+    {
+        Statement statement(connection_);
+        EXPECT_THROW(statement.ExecDirect("y"), OdbcError);
+    }
     EXPECT_NO_THROW(connection_.Disconnect());
 }
 
