@@ -86,10 +86,7 @@ bool OdbcServer::Connect(const LoginSettings& settings, ResultSink& sink) {
 /// @@ROWCOUNT, which a batch may ask for what the one before it left: such a batch takes a statement from the
 /// stock, which is filled up before others.
 Statement OdbcServer::NextStatement(const std::string& batch) {
-    if (!keeps_results_) {
-        keeps_results_ = !connection_->DropsResultsBehindError();
-    }
-    if (*keeps_results_) {
+    if (!connection_->DropsResultsBehindError()) {
         return Statement(*connection_);
     }
     while (stock_.size() < kStock && (stock_.empty() || !AsksForLastBatch(batch))) {

@@ -27,7 +27,6 @@ class OdbcServer : public Server {
     std::optional<platform::odbc::Environment> environment_;
     std::optional<platform::odbc::Connection> connection_;
     std::vector<platform::odbc::Statement> stock_; ///< goes before the connection
-    std::optional<bool> keeps_results_;            ///< what the driver does, once it was asked
     unsigned query_timeout_ = 0;
 };
 

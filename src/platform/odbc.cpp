@@ -239,6 +239,7 @@ Connection& Connection::operator=(Connection&& other) noexcept {
         Close();
         handle_ = std::move(other.handle_);
         connected_ = std::exchange(other.connected_, false);
+        free_tds_ = other.free_tds_;
     }
     return *this;
 }
@@ -261,6 +262,7 @@ void Connection::DriverConnect(const std::string& connection_string, unsigned lo
     handle_.Check("SQLDriverConnect", SQLDriverConnectW(handle_.Get(), nullptr, text.Data(), SQL_NTS, nullptr,
                                                         0, &length, SQL_DRIVER_NOPROMPT));
     connected_ = true;
+    free_tds_ = Info(SQL_DRIVER_NAME).starts_with(kDriverBehindUnixOdbc);
 }
 
 void Connection::SetPacketSize(unsigned bytes) {
@@ -287,10 +289,6 @@ bool Connection::Dead() {
     const SQLRETURN code =
         SQLGetConnectAttrW(handle_.Get(), SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
     return SQL_SUCCEEDED(code) && dead == SQL_CD_TRUE;
-}
-
-bool Connection::DropsResultsBehindError() {
-    return Info(SQL_DRIVER_NAME).starts_with(kDriverBehindUnixOdbc);
 }
 
 } // namespace platform::odbc

@@ -142,7 +142,9 @@ class Connection {
     /// True if the results behind a failed first statement of a batch can't be had, and the server's work on
     /// them is cut short: unixODBC takes a statement whose execution has failed for one without results.
     /// Statement::KeepResultsBehindError helps.
-    bool DropsResultsBehindError();
+    bool DropsResultsBehindError() const { return free_tds_; }
+    /// True if the driver is FreeTDS, whose ways differ from the system's driver's in several places.
+    bool BehindFreeTds() const { return free_tds_; }
     std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
     void* Get() const { return handle_.Get(); }
 
@@ -151,6 +153,7 @@ class Connection {
 
     Handle handle_;
     bool connected_ = false;
+    bool free_tds_ = false;
 };
 
 /// Text and bytes are told apart by type, since both are bytes.
@@ -255,11 +258,14 @@ class Statement {
     std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
     Handle& Owner() { return handle_; }
     void* Get() const { return handle_.Get(); }
+    /// True if the current result has columns, and it is already known that it has no row.
+    bool KnownEmpty();
 
   private:
     struct BoundParameter;
 
     Handle handle_;
+    bool counts_no_rows_ = false; ///< a row count of 0 is a count, not a blank
     std::vector<std::unique_ptr<BoundParameter>> parameters_;
 };
 

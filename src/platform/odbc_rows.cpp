@@ -181,6 +181,8 @@ void RowReader::State::Release() noexcept {
 RowReader::RowReader(Statement& statement) : state_(std::make_unique<State>()) {
     state_->statement = &statement;
     state_->columns = statement.Columns();
+    // FreeTDS has then read the result to its end, and a fetch would read on, as behind a last block.
+    state_->ended = statement.KnownEmpty();
     state_->Layout();
     state_->BindAll();
 }

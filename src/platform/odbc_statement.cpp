@@ -57,12 +57,14 @@ struct Statement::BoundParameter {
 };
 
 Statement::Statement(const Connection& connection)
-    : handle_(HandleKind::Statement, HandleKind::Connection, connection.Get()) {}
+    : handle_(HandleKind::Statement, HandleKind::Connection, connection.Get()),
+      counts_no_rows_(connection.BehindFreeTds()) {}
 Statement::Statement(Statement&&) noexcept = default;
 // The handle goes before the buffers that are bound to it.
 Statement& Statement::operator=(Statement&& other) noexcept {
     handle_ = std::move(other.handle_);
     parameters_ = std::move(other.parameters_);
+    counts_no_rows_ = other.counts_no_rows_;
     return *this;
 }
 Statement::~Statement() = default;
@@ -146,6 +148,10 @@ std::int64_t Statement::RowCount() {
     SQLLEN count = -1;
     handle_.Check("SQLRowCount", SQLRowCount(handle_.Get(), &count));
     return count;
+}
+
+bool Statement::KnownEmpty() {
+    return counts_no_rows_ && RowCount() == 0;
 }
 
 void Statement::Procedures() {
