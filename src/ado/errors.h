@@ -1,8 +1,9 @@
-// The errors and messages that the last call on a connection left, as ADO presents them. Plain data: knows no
-// driver and no program above.
+// The errors and messages that the last call on a connection left, as ADO presents them, and what a failing
+// call throws. Plain data: knows no driver and no program above.
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -19,7 +20,7 @@ struct Error {
     std::string SQLState;
 };
 
-/// The collection of a connection, in the order in which the driver ranks its records.
+/// The collection of a connection: errors in front of messages.
 class Errors {
   public:
     Errors() = default;
@@ -41,6 +42,48 @@ class Errors {
 
   private:
     std::vector<Error> errors_;
+};
+
+/// A failing call: the first error that the server or the driver reported, or one of the numbers below.
+class CallError : public std::exception {
+  public:
+    CallError(std::int32_t number, std::string source, std::string description)
+        : number_(number), source_(std::move(source)), description_(std::move(description)) {}
+
+    std::int32_t Number() const { return number_; }
+    const std::string& Source() const { return source_; }
+    const char* what() const noexcept override { return description_.c_str(); }
+
+  private:
+    std::int32_t number_;
+    std::string source_;
+    std::string description_;
+};
+
+/// Failures of the layer itself, which no connection's Errors holds.
+inline constexpr std::int32_t kArgumentsInConflict = 3001;
+inline constexpr std::int32_t kNoCurrentRecord = 3021;
+inline constexpr std::int32_t kFeatureNotAvailable = 3251;
+inline constexpr std::int32_t kItemNotFound = 3265;
+inline constexpr std::int32_t kObjectClosed = 3704;
+inline constexpr std::int32_t kObjectOpen = 3705;
+
+/// Throws the CallError of one of these numbers with its text. `source` is the object's class;
+/// `detail`, if there is one, goes behind the text and names what was refused.
+[[noreturn]] void RaiseOwnError(std::int32_t number, const char* source, const std::string& detail = {});
+
+/// Why a value could not be converted.
+enum class ConversionFault : std::uint8_t { Overflow, TypeMismatch, InvalidUseOfNull };
+
+/// A conversion that the readers' language refuses. A failure of the run time, not of a call.
+class ConversionError : public std::exception {
+  public:
+    explicit ConversionError(ConversionFault fault) : fault_(fault) {}
+    ConversionFault Fault() const { return fault_; }
+    const char* what() const noexcept override { return "a value cannot be converted"; }
+
+  private:
+    ConversionFault fault_;
 };
 
 } // namespace ado

@@ -4,6 +4,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "ado/errors.h"
 #include "platform/files.h"
 #include "platform/packages.h"
 
@@ -57,6 +58,18 @@ std::int32_t NumberOf(platform::FileFault fault) {
     return run_time::kDeviceIoError;
 }
 
+std::int32_t NumberOf(ado::ConversionFault fault) {
+    switch (fault) {
+    case ado::ConversionFault::Overflow:
+        return run_time::kOverflow;
+    case ado::ConversionFault::TypeMismatch:
+        return run_time::kTypeMismatch;
+    case ado::ConversionFault::InvalidUseOfNull:
+        break;
+    }
+    return run_time::kInvalidUseOfNull;
+}
+
 Failure RunTimeFailure(std::int32_t number) {
     return {number, platform::ExecutableName(), run_time::Description(number)};
 }
@@ -70,6 +83,10 @@ Failure FailureInFlight() {
         return RunTimeFailure(NumberOf(error.Fault()));
     } catch (const platform::PackageError& error) {
         return {error.Number(), error.Source(), error.what()};
+    } catch (const ado::CallError& error) {
+        return {error.Number(), error.Source(), error.what()};
+    } catch (const ado::ConversionError& error) {
+        return RunTimeFailure(NumberOf(error.Fault()));
     } catch (const std::bad_alloc&) {
         return RunTimeFailure(run_time::kOutOfMemory);
     } catch (const std::exception& error) {

@@ -1,0 +1,50 @@
+#include "admin/synchronize_db_mgr.h"
+
+#include <array>
+
+#include "admin/replication_job.h"
+
+namespace kv {
+bool CSynchronizeDbMgr::GetDatabases(std::vector<std::string>& arrDatabase) {
+    return ListDatabases("use [master] exec sp_helpdb", arrDatabase);
+}
+
+bool CSynchronizeDbMgr::GetDatabaseInfo(const std::string& strDbName, std::string& strDataFileName,
+                                        std::string& strDataFilePath, std::string& strLogFileName,
+                                        std::string& strLogFilePath) {
+    return ReadDatabaseInfo(strDbName, {strDataFileName, strDataFilePath, strLogFileName, strLogFilePath});
+}
+
+std::string CSynchronizeDbMgr::SynchronizeStatement(const std::string& strSourceDb,
+                                                    const std::string& strDestDb) const {
+    const std::string& other_server = UseServerA() ? ServerB() : ServerA();
+    const std::string& other_user = UseServerA() ? UserB() : UserA();
+    const std::string& other_password = UseServerA() ? PasswordB() : PasswordA();
+    // The source server's login goes in twice: at the head, and in the pairs behind the databases.
+    const std::array<const std::string*, 10> arguments = {
+        &SelectedUser(), &SelectedPassword(), &other_server,   &SelectedServer(), &strDestDb,
+        &strSourceDb,    &other_user,         &SelectedUser(), &other_password,   &SelectedPassword()};
+    std::string statement = "spStdSynchronize N'";
+    const char* between = "";
+    for (const std::string* argument : arguments) {
+        statement += between + *argument;
+        between = "', N'";
+    }
+    return statement + "'";
+}
+
+bool CSynchronizeDbMgr::Synchronize(const std::string& strSourceDb, const std::string& strDestDb) {
+    return RunOperation(ErrorSource("Synchronize", strSourceDb, strDestDb), [&](Operation& operation) {
+        operation.OpenStandard(strSourceDb);
+        const bool replicates = ServerHasReplicationJob(operation);
+        if (replicates) {
+            operation.Execute(kUninstallReplication);
+        }
+        operation.Execute(SynchronizeStatement(strSourceDb, strDestDb));
+        if (replicates) {
+            operation.Execute(kInstallReplication);
+        }
+    });
+}
+
+} // namespace kv

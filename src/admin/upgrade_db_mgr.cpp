@@ -1,0 +1,120 @@
+#include "admin/upgrade_db_mgr.h"
+
+#include "platform/files.h"
+#include "startup/int16.h"
+
+namespace kv {
+namespace {
+
+constexpr char kVersionQuery[] = "SELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'";
+/// A database without a version entry counts as this.
+constexpr std::int16_t kFirstVersion = 1;
+
+std::string Unicode(const std::string& text) {
+    return "N'" + text + "'";
+}
+
+/// The version that the first row holds; `version` stays where there is none.
+void ReadVersion(Operation& operation, Int16& version) {
+    const auto rows = operation.Execute(kVersionQuery);
+    if (rows && !(rows->Eof() && rows->Bof())) {
+        version = Int16(rows->Fields().Item(0).Value().ToInt16());
+    }
+}
+
+std::string Digits(Int16 number) {
+    return std::to_string(number.Value());
+}
+
+} // namespace
+
+bool CUpgradeDbMgr::GetDatabases(std::vector<std::string>& arrDatabase) {
+    return ListDatabases("exec sp_helpdb", arrDatabase);
+}
+
+bool CUpgradeDbMgr::GetDatabaseInfo(const std::string& strDbName, std::string& strDataFileName,
+                                    std::string& strDataFilePath, std::string& strLogFileName,
+                                    std::string& strLogFilePath) {
+    return ReadDatabaseInfo(strDbName, {strDataFileName, strDataFilePath, strLogFileName, strLogFilePath});
+}
+
+bool CUpgradeDbMgr::RemoveDatabase(const std::string& strDbName) {
+    return RunOperation(ErrorSource("RemoveDatabase", strDbName), [&](Operation& operation) {
+        operation.OpenStandard("master");
+        const std::string guard =
+            "IF EXISTS (SELECT name FROM master.dbo.sysdatabases WHERE name = N'" + strDbName + "') ";
+        operation.Execute(guard + "ALTER DATABASE [" + strDbName +
+                          "] SET SINGLE_USER WITH ROLLBACK IMMEDIATE");
+        operation.Execute(guard + "ALTER DATABASE [" + strDbName + "] SET MULTI_USER");
+        operation.Execute(guard + "DROP DATABASE [" + strDbName + "]");
+    });
+}
+
+bool CUpgradeDbMgr::RenameDatabase(const std::string& strDbName, const std::string& strNewDbName) {
+    return RunOperation(ErrorSource("RenameDatabase", strDbName, strNewDbName), [&](Operation& operation) {
+        std::string data_name;
+        std::string data_path;
+        std::string log_name;
+        std::string log_path;
+        if (!GetDatabaseInfo(strDbName, data_name, data_path, log_name, log_path)) {
+            operation.Fail("Database information could not be found for '" + strDbName + "'!");
+        }
+        operation.OpenStandard("master");
+        const std::string new_data_path = SelectedSQLDataPath() + "\\" + strNewDbName + "_data.mdf";
+        const std::string new_log_path = SelectedSQLDataPath() + "\\" + strNewDbName + "_log.ldf";
+
+        operation.Execute("use master");
+        operation.Execute("ALTER DATABASE [" + strDbName + "] SET SINGLE_USER WITH ROLLBACK IMMEDIATE");
+        operation.Execute("ALTER DATABASE [" + strDbName + "] SET MULTI_USER");
+        // No brackets from here on: a name that needs them fails before anything has been changed.
+        operation.Execute("ALTER DATABASE " + strDbName + " MODIFY NAME = " + strNewDbName);
+        operation.Execute("ALTER DATABASE " + strNewDbName + " MODIFY FILE (NAME=" + data_name +
+                          ", NEWNAME=" + strNewDbName + "_data)");
+        operation.Execute("ALTER DATABASE " + strNewDbName + " MODIFY FILE (NAME=" + log_name +
+                          ", NEWNAME=" + strNewDbName + "_log)");
+        operation.Execute("sp_detach_db " + Unicode(strNewDbName) + ", N'true'");
+        platform::CopyFileOver(data_path, new_data_path);
+        platform::CopyFileOver(log_path, new_log_path);
+        platform::DeleteFileAt(data_path);
+        platform::DeleteFileAt(log_path);
+        operation.Execute("sp_attach_db " + Unicode(strNewDbName) + ", " + Unicode(new_data_path) + ", " +
+                          Unicode(new_log_path));
+    });
+}
+
+bool CUpgradeDbMgr::UpgradeDatabase(const std::string& strDbName, const std::string& strSourceDBName) {
+    return RunOperation(
+        ErrorSource("UpgradeDatabase", strDbName, strSourceDBName), [&](Operation& operation) {
+            Int16 source_version(kFirstVersion);
+            Int16 version(kFirstVersion);
+            operation.Create();
+            operation.SetTimeouts(kTimeoutSeconds);
+            operation.SetDatabase(strSourceDBName);
+            operation.Open();
+            ReadVersion(operation, source_version);
+            operation.Close();
+            operation.SetDatabase(strDbName);
+            operation.Open();
+            ReadVersion(operation, version);
+
+            if (version == Int16(kFirstVersion)) {
+                operation.Fail("A destination databases with version 1 can not be upgraded!");
+            }
+            if (version == source_version) {
+                operation.Fail("The source and destination databases have the same version: " +
+                               Digits(version));
+            }
+            if (version < source_version) {
+                operation.Fail(
+                    "The destination database version is older than the source have the same version. "
+                    "Dest. ver.: " +
+                    Digits(version) + " Soucrce. ver.: " + Digits(source_version));
+            }
+            operation.Execute("spUninstallReplication");
+            operation.Execute("spUpgradeDatabase " + Digits(source_version) + ", " + Digits(version) + ", " +
+                              Unicode(strSourceDBName) + ", " + Unicode(strDbName) + ", " +
+                              Unicode(SelectedUser()) + ", " + Unicode(SelectedPassword()));
+        });
+}
+
+} // namespace kv

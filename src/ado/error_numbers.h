@@ -1,0 +1,17 @@
+// What a driver's diagnostic record becomes as an error of a connection's collection: inner header of the
+// layer.
+#pragma once
+
+#include "ado/errors.h"
+#include "platform/odbc.h"
+
+namespace ado {
+
+/// The record as the collection holds it. Its source is the component that the record comes from, its text
+/// the driver's, with the components that it passed in front.
+Error ErrorOf(const platform::odbc::Diagnostic& diagnostic);
+
+/// The collection of all records, in the order in which they came but errors in front of messages.
+Errors ErrorsOf(const std::vector<platform::odbc::Diagnostic>& diagnostics);
+
+} // namespace ado

@@ -1,0 +1,83 @@
+#include "ado/recordset.h"
+
+#include <utility>
+
+#include "ado/errors.h"
+
+namespace ado {
+namespace {
+
+constexpr char kSource[] = "ADODB.Recordset";
+
+} // namespace
+
+const std::string& Field::Name() const {
+    return recordset_->field_names_[index_];
+}
+
+const Variant& Field::Value() const {
+    if (recordset_->Eof()) {
+        RaiseOwnError(kNoCurrentRecord, "ADODB.Field");
+    }
+    return recordset_->current_[index_];
+}
+
+std::int32_t Fields::Count() const {
+    return static_cast<std::int32_t>(recordset_->field_names_.size());
+}
+
+Field Fields::Item(std::int32_t index) const {
+    if (index < 0 || index >= Count()) {
+        RaiseOwnError(kItemNotFound, "ADODB.Fields");
+    }
+    return {*recordset_, static_cast<std::size_t>(index)};
+}
+
+Recordset::Recordset(std::vector<std::string> field_names, RowStore rows)
+    : open_(true),
+      field_names_(std::move(field_names)),
+      rows_(std::move(rows)),
+      current_(field_names_.size()) {
+    ReadRow();
+}
+
+void Recordset::CheckOpen() const {
+    if (!open_) {
+        RaiseOwnError(kObjectClosed, kSource);
+    }
+}
+
+void Recordset::ReadRow() {
+    if (position_ < rows_.RowCount()) {
+        rows_.Read(next_, current_);
+    }
+}
+
+bool Recordset::Eof() const {
+    CheckOpen();
+    return position_ >= rows_.RowCount();
+}
+
+bool Recordset::Bof() const {
+    CheckOpen();
+    return rows_.RowCount() == 0; // there is no way back in front of the first row
+}
+
+void Recordset::MoveFirst() {
+    if (Bof()) {
+        RaiseOwnError(kNoCurrentRecord, kSource);
+    }
+    position_ = 0;
+    next_ = {};
+    ReadRow();
+}
+
+void Recordset::MoveNext() {
+    if (Eof()) {
+        RaiseOwnError(kNoCurrentRecord, kSource);
+    }
+    ++position_;
+    ReadRow();
+}
+
+} // namespace ado

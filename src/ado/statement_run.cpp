@@ -1,0 +1,124 @@
+#include "ado/statement_run.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/odbc_rows.h"
+
+namespace ado {
+namespace {
+
+namespace odbc = platform::odbc;
+
+/// Makes the layer's value of the driver's.
+struct ToVariant {
+    odbc::SqlType type;
+
+    Variant operator()(std::monostate) const { return Null(); }
+    Variant operator()(bool value) const { return value; }
+    Variant operator()(std::int64_t value) const { return value; }
+    Variant operator()(double value) const {
+        return type == odbc::SqlType::Real ? Variant(static_cast<float>(value)) : Variant(value);
+    }
+    Variant operator()(std::string& value) const {
+        const bool exact = type == odbc::SqlType::Decimal || type == odbc::SqlType::Numeric;
+        return exact ? Variant(Decimal{std::move(value)}) : Variant(std::move(value));
+    }
+    Variant operator()(odbc::Bytes& value) const { return std::move(value); }
+    Variant operator()(const odbc::Timestamp& value) const { return value; }
+    Variant operator()(const odbc::Guid& value) const {
+        char text[40];
+        std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", value.data1,
+                      unsigned{value.data2}, unsigned{value.data3}, unsigned{value.data4[0]},
+                      unsigned{value.data4[1]}, unsigned{value.data4[2]}, unsigned{value.data4[3]},
+                      unsigned{value.data4[4]}, unsigned{value.data4[5]}, unsigned{value.data4[6]},
+                      unsigned{value.data4[7]});
+        return text;
+    }
+};
+
+std::unique_ptr<Recordset> ReadRows(odbc::Statement& statement) {
+    odbc::RowReader reader(statement);
+    const std::vector<odbc::Column>& columns = reader.Columns();
+    std::vector<std::string> names;
+    for (const odbc::Column& column : columns) {
+        names.push_back(column.name);
+    }
+    RowStore store;
+    std::vector<odbc::Value> from;
+    std::vector<Variant> row(columns.size());
+    while (reader.Next(from)) {
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            row[i] = std::visit(ToVariant{columns[i].type}, from[i]);
+        }
+        store.Append(row);
+    }
+    return std::make_unique<Recordset>(std::move(names), std::move(store));
+}
+
+/// True if the server itself reported the failure, so that it goes on with the results behind it. What the
+/// driver reports (a time-out, a server that is gone) ends the statement: asked again it would fail again,
+/// for ever.
+bool IsServers(const odbc::OdbcError& error) {
+    return !error.ConnectionLost() &&
+           std::ranges::any_of(error.Diagnostics(), [](const odbc::Diagnostic& diagnostic) {
+               return diagnostic.severity.has_value();
+           });
+}
+
+} // namespace
+
+/// Makes one call. False: there is nothing behind it.
+template <class Call>
+bool StatementRun::Step(Call call) {
+    bool more = false;
+    try {
+        more = call();
+    } catch (const odbc::OdbcError& error) {
+        diagnostics_.insert(diagnostics_.end(), error.Diagnostics().begin(), error.Diagnostics().end());
+        failed_ = failed_ || !rows_;
+        more = IsServers(error);
+    }
+    for (odbc::Diagnostic& message : statement_.TakeMessages()) {
+        diagnostics_.push_back(std::move(message));
+    }
+    return more;
+}
+
+void StatementRun::TakeResult() {
+    if (statement_.ColumnCount() != 0) {
+        // Of the results behind the first nothing is wanted but what the server reports with them.
+        if (!std::exchange(has_result_, true)) {
+            rows_ = ReadRows(statement_);
+        }
+        return;
+    }
+    // Neither columns nor a count: a change of the database, a message. No result.
+    const std::int64_t count = statement_.RowCount();
+    if (count >= 0 && !std::exchange(has_result_, true)) {
+        records_affected_ = count;
+    }
+}
+
+void StatementRun::Run(const std::string& sql) {
+    bool more = Step([&] {
+        statement_.ExecDirect(sql);
+        TakeResult();
+        return true;
+    });
+    while (more) {
+        more = Step([&] {
+            const bool found = statement_.MoreResults();
+            if (found) {
+                TakeResult();
+            }
+            return found;
+        });
+    }
+}
+
+std::unique_ptr<Recordset> StatementRun::TakeRecordset() {
+    return rows_ ? std::move(rows_) : std::make_unique<Recordset>();
+}
+
+} // namespace ado

@@ -1,0 +1,67 @@
+// A value as a field hands it out, and the conversions that the language of its readers has for it. Knows no
+// connection and no program above.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "ado/errors.h"
+#include "platform/odbc.h"
+
+namespace ado {
+
+/// The database's NULL.
+struct Null {
+    friend bool operator==(Null, Null) = default;
+};
+
+/// An exact number: digits, perhaps with a sign in front and a point.
+struct Decimal {
+    std::string digits;
+    friend bool operator==(const Decimal&, const Decimal&) = default;
+};
+
+/// A date and a time of day.
+using Date = platform::odbc::Timestamp;
+using ByteArray = platform::odbc::Bytes;
+
+class Variant {
+  public:
+    /// Whole numbers of every width are one kind. The first is Empty: nothing was ever assigned.
+    using Storage = std::variant<std::monostate, Null, bool, std::int64_t, float, double, Decimal, Date,
+                                 std::string, ByteArray>;
+
+    Variant() = default;
+    Variant(Null value) : storage_(value) {}
+    Variant(bool value) : storage_(value) {}
+    Variant(int value) : storage_(std::int64_t{value}) {}
+    Variant(std::int64_t value) : storage_(value) {}
+    Variant(float value) : storage_(value) {}
+    Variant(double value) : storage_(value) {}
+    Variant(Decimal value) : storage_(std::move(value)) {}
+    Variant(const Date& value) : storage_(value) {}
+    Variant(std::string value) : storage_(std::move(value)) {}
+    Variant(const char* value) : storage_(std::string(value)) {}
+    Variant(ByteArray value) : storage_(std::move(value)) {}
+
+    bool IsEmpty() const { return std::holds_alternative<std::monostate>(storage_); }
+    bool IsNull() const { return std::holds_alternative<Null>(storage_); }
+    const Storage& Get() const { return storage_; }
+
+    /// The text of the value, in the forms of a machine set to English (United States); bytes as 0x and
+    /// hexadecimal digits. Throws ConversionError (InvalidUseOfNull).
+    std::string ToString() const;
+    /// The signed 16-bit integer nearest to the value, a half going to the even neighbour; True is -1. Text
+    /// is read as a number: blanks around it are borne, a sign, a point and an exponent understood.
+    /// Throws ConversionError.
+    std::int16_t ToInt16() const;
+
+    friend bool operator==(const Variant&, const Variant&) = default;
+
+  private:
+    Storage storage_;
+};
+
+} // namespace ado
