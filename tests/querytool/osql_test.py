@@ -1,0 +1,204 @@
+# OSQL.EXE as it is run: its command line, its files, its exit code, against a server that gives what the test asks
+# for, dies and keeps silent. The second argument is the tool; a third, "--wine", runs it under Wine.
+#
+#   osql_test.py DIRECTIVE_SERVER OSQL.EXE [--wine]
+import os
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+TOP = os.path.dirname(os.path.dirname(HERE))
+
+
+class Plant:
+    """The server, and a folder for the tool's files."""
+
+    def __init__(self, server, tool, wine):
+        self.tool, self.wine = tool, wine
+        self.folder = tempfile.mkdtemp(prefix="osql test ")  # with a blank, as installations have it
+        self.server = subprocess.Popen([server], stdout=subprocess.PIPE, text=True)
+        self.port = int(self.server.stdout.readline())
+        self.environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "platform", "odbc_config"))
+        self.environment.pop("OSQLPASSWORD", None)
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def native(self, name):
+        """A path as the tool is told it."""
+        path = self.path(name)
+        return "Z:" + path.replace("/", "\\") if self.wine else path
+
+    def run(self, *arguments, user="sa", password=("-Psecret",), port=None, stdin=b""):
+        """Exit code and standard output."""
+        command = [os.path.join(TOP, "tests", "run-under-wine")] if self.wine else []
+        command += [self.tool, "-S", f"127.0.0.1,{port or self.port}", "-U", user, *password, *arguments]
+        done = subprocess.run(command, input=stdin, stdout=subprocess.PIPE, env=self.environment, timeout=120,
+                              cwd=self.folder)
+        return done.returncode, done.stdout.replace(b"\r\n", b"\n")
+
+    def write(self, name, content):
+        with open(self.path(name), "wb") as file:
+            file.write(content)
+
+    def read(self, name):
+        with open(self.path(name), "rb") as file:
+            return file.read()
+
+    def stop(self):
+        self.server.kill()
+        self.server.wait()
+        self.server.stdout.close()
+        shutil.rmtree(self.folder)
+
+
+class Osql(unittest.TestCase):
+    def setUp(self):
+        self.plant = Plant(*ARGUMENTS)
+
+    def tearDown(self):
+        self.plant.stop()
+
+    def script(self, content, *switches, **how):
+        """Runs a script file into an output file: exit code and what the file holds."""
+        self.plant.write("a.sql", content)
+        code, printed = self.plant.run("-i", self.plant.native("a.sql"), "-o", self.plant.native("a.txt"), *switches,
+                                       **how)
+        self.assertEqual(printed, b"")
+        return code, self.plant.read("a.txt")
+
+    def test_a_script_runs_whole_and_its_output_stands_in_the_file(self):
+        code, output = self.script(b"rows 2\r\nprint hello\r\nGO\r\nerror 50000\r\nrows 1\r\nGO\r\ntouched 1\r\ngo")
+        self.assertEqual(code, 0)
+        self.assertEqual(output.decode("cp1252").split("\r\n"), [
+            "1> 2> 3>  id          name         ",
+            " ----------- ------------ ",
+            "           1 row 1        ",
+            "           2 NULL         ",
+            "",
+            "(2 rows affected)",
+            "hello",
+            "1> 2> 3> Msg 50000, Level 16, Server DIRECT, Line 1",
+            "Made to fail.",
+            " id          name         ",
+            " ----------- ------------ ",
+            "           1 row 1        ",
+            "",
+            "(1 row affected)",
+            "1> 2> (1 row affected)",
+            "1> "])
+
+    def test_text_of_the_code_page_comes_back_as_it_was(self):
+        text = bytes(b for b in range(0xA0, 0x100)) + "€ŠŽœ™’".encode("cp1252")
+        code, output = self.script(b"print " + text + b"\nGO\n", "-n")
+        self.assertEqual((code, output), (0, text + b"\r\n"))
+
+    def test_a_marked_unicode_file_is_understood(self):
+        for encoding in ("utf-8-sig", "utf-16"):
+            code, output = self.script("print café €\nGO\n".encode(encoding), "-n")
+            self.assertEqual((code, output), (0, "café €\r\n".encode("cp1252")))
+
+    def test_every_line_end_ends_a_line(self):
+        for end in (b"\r\n", b"\n", b"\r"):
+            code, output = self.script(end.join([b"print a", b"GO", b"print b", b"GO 2", b"print c"]), "-n")
+            self.assertEqual((code, output), (0, b"a\r\nb\r\nb\r\nc\r\n"))
+
+    def test_nul_bytes_do_not_end_a_batch(self):
+        code, output = self.script(b"-- a\0b\nprint behind\nGO\n", "-n")
+        self.assertEqual((code, output), (0, b"behind\r\n"))
+
+    def test_an_empty_script_gives_an_empty_output(self):
+        self.assertEqual(self.script(b"", "-n"), (0, b""))
+
+    def test_a_very_large_batch_arrives_whole(self):
+        batch = b"length\n" + b"-- padding of the batch\n" * 1_000_000
+        code, output = self.script(batch + b"GO\n", "-n", "-h-1")
+        self.assertEqual((code, output.split()[0]), (0, str(len(batch)).encode()))
+
+    def test_an_empty_password_does_not_swallow_the_next_switch(self):
+        code, output = self.script(b"print in\nGO\n", "-n", user="guest", password=("-P",))
+        self.assertEqual((code, output), (0, b"in\r\n"))
+        code, output = self.script(b"print in\nGO\n", "-n", user="guest", password=("-P", ""))
+        self.assertEqual((code, output), (0, b"in\r\n"))
+
+    def test_a_refused_login_stands_in_the_output_file(self):
+        code, output = self.script(b"print in\nGO\n", password=("-P", "wrong"))
+        self.assertEqual(code, 1)
+        self.assertIn(b"Login failed for user 'sa'.\r\n", output)
+
+    def test_a_server_that_is_not_there_stands_in_the_output_file(self):
+        with socket.socket() as unused:
+            unused.bind(("127.0.0.1", 0))
+            code, output = self.script(b"print in\nGO\n", port=unused.getsockname()[1])
+        self.assertEqual(code, 1)
+        self.assertIn(b"Unable to connect", output)
+
+    def test_a_server_that_keeps_silent_ends_with_the_login_time_out(self):
+        with socket.socket() as silent:
+            silent.bind(("127.0.0.1", 0))
+            silent.listen()
+            begin = time.monotonic()
+            code, output = self.script(b"print in\nGO\n", "-l", "1", port=silent.getsockname()[1])
+            self.assertLess(time.monotonic() - begin, 30)
+        self.assertEqual(code, 1)
+        self.assertIn(b"Timeout expired", output)
+
+    def test_a_server_that_dies_in_the_middle_is_told_and_nothing_hangs(self):
+        code, output = self.script(b"print first\nGO\ndie 50000\nGO\nprint never\nGO\n", "-n")
+        self.assertEqual(code, 1)
+        self.assertTrue(output.startswith(b"first\r\n"), output[:100])
+        self.assertTrue(output.endswith(b"The connection to the server is lost.\r\n"), output[-200:])
+        self.assertNotIn(b"never", output)
+
+    def test_a_batch_that_takes_too_long_is_told_and_the_next_one_runs(self):
+        code, output = self.script(b"wait\nGO\nprint next\nGO\n", "-n", "-t", "1")
+        self.assertEqual(code, 0)
+        self.assertIn(b"Timeout expired\r\n", output)
+        self.assertTrue(output.endswith(b"next\r\n"), output)
+
+    def test_a_script_that_is_not_there_is_named_in_the_output_file(self):
+        code, _ = self.plant.run("-i", self.plant.native("nosuch.sql"), "-o", self.plant.native("a.txt"))
+        self.assertEqual(code, 1)
+        self.assertIn(b"nosuch.sql", self.plant.read("a.txt"))
+
+    def test_an_output_file_that_cannot_be_made_is_a_failure(self):
+        code, printed = self.plant.run("-Q", "print a", "-o", self.plant.native("nosuch/a.txt"))
+        self.assertEqual((code, printed), (1, b""))
+
+    def test_a_wrong_switch_is_named_in_the_output_file(self):
+        code, output = self.script(b"print a\nGO\n", "-Z")
+        self.assertEqual(code, 1)
+        self.assertIn(b"-Z", output)
+        code, output = self.script(b"print a\nGO\n", "-E")
+        self.assertEqual(code, 1)
+        self.assertIn(b"trusted connections are not supported", output)
+
+    def test_the_first_error_stops_a_script_on_request(self):
+        code, output = self.script(b"error 50000\nGO\nprint never\nGO\n", "-n", "-b")
+        self.assertEqual(code, 1)
+        self.assertNotIn(b"never", output)
+
+    def test_a_query_runs_and_its_output_is_printed(self):
+        self.assertEqual(self.plant.run("-n", "-Q", "print *"), (0, b"*\n"))
+
+    def test_without_a_script_the_standard_input_is_read(self):
+        self.assertEqual(self.plant.run("-n", stdin=b"print a\nGO\nprint b"), (0, b"a\nb\n"))
+
+    def test_exit_gives_a_querys_value_as_exit_code(self):
+        code, _ = self.plant.run("-n", stdin=b"print a\nEXIT(length)\n")
+        self.assertEqual(code, len("print a\nlength"))
+
+    def test_the_help_names_the_version(self):
+        code, printed = self.plant.run("-?")
+        self.assertEqual(code, 0)
+        self.assertIn(b"version", printed)
+
+
+if __name__ == "__main__":
+    ARGUMENTS = (sys.argv[1], sys.argv[2], "--wine" in sys.argv[3:])
+    unittest.main(argv=[sys.argv[0], "-v"])
