@@ -14,10 +14,11 @@ namespace {
 /// Which printed byte stands at each place of the order in which SQL Server compares uniqueidentifiers.
 constexpr std::array<std::size_t, 16> kGuidOrder = {10, 11, 12, 13, 14, 15, 8, 9, 7, 6, 5, 4, 3, 2, 1, 0};
 
+__extension__ typedef unsigned __int128 Bits128;
 using Int128Bytes = std::array<unsigned char, 16>;
 
 Int128Bytes LongDecimal(Int128 number) {
-    auto bits = static_cast<unsigned __int128>(number);
+    auto bits = static_cast<Bits128>(number);
     Int128Bytes bytes{};
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         bytes[bytes.size() - 1 - i] = static_cast<unsigned char>(bits & 0xFF);
@@ -28,7 +29,7 @@ Int128Bytes LongDecimal(Int128 number) {
 }
 
 Int128 FromLongDecimal(std::span<const unsigned char> bytes) {
-    unsigned __int128 bits = 0;
+    Bits128 bits = 0;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         bits = (bits << 8) | (i == 0 ? bytes[i] ^ 0x80U : bytes[i]);
     }

@@ -1,6 +1,7 @@
 // ALTER TABLE, CREATE INDEX, DROP INDEX.
 #include <algorithm>
 
+#include "devserver/storage/databases.h"
 #include "devserver/tsql/definitions.h"
 #include "devserver/tsql/parser.h"
 #include "devserver/tsql/row_writer.h"
@@ -308,7 +309,7 @@ void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, 
     column.type = Binder(session, emission).ResolveType(definition.type, 1, &column.user_type, &type_nullable);
     column.nullable = definition.nullable.value_or(type_nullable);
     for (const IndexDef& index : table->indexes) {
-        if (IndexUses(index, column.id) && (index.primary_key && column.nullable || column.type.id != found->type.id)) {
+        if (IndexUses(index, column.id) && ((index.primary_key && column.nullable) || column.type.id != found->type.id)) {
             RaiseError(4922, {"ALTER TABLE ALTER COLUMN", found->name});
         }
     }

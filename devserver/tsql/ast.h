@@ -530,7 +530,7 @@ struct AlterRoleStatement {
 
 struct CursorDeclareStatement {
     std::string name; ///< a cursor variable has its "@"
-    QueryPtr query;
+    std::shared_ptr<Query> query; ///< outlives its batch with a global cursor
     bool scroll = false;
     bool local = false;
     bool read_only = false;

@@ -76,6 +76,9 @@ class Binder {
     BoundQuery BindQuery(const ast::Query& query, const Scope* outer = nullptr);
     /// The query's first term's items as expressions over the leaves that `sql` selects.
     BoundQuery BindAssignment(const ast::Query& query, std::vector<AssignmentItem>& items);
+    /// A cursor's query. Where its rows are those of one table, `table` is set and the row number follows the
+    /// columns.
+    BoundQuery BindCursor(const ast::Query& query, TablePtr& table);
     /// FROM with its sources put into `scope`.
     std::string BindFrom(const std::vector<ast::TableSourcePtr>& sources, Scope& scope);
     void BindWith(const std::vector<ast::CommonTable>& tables);

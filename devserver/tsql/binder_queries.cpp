@@ -1,6 +1,10 @@
 // SELECT: its parts in SQLite's SQL.
 #include "devserver/tsql/binder.h"
+
+#include <algorithm>
+
 #include "devserver/tsql/evaluator.h"
+#include "devserver/tsql/row_writer.h"
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
@@ -457,6 +461,28 @@ BoundQuery Binder::BindAssignment(const ast::Query& query, std::vector<Assignmen
     }
     bound.sql = EmitSelect(selected, false);
     bound.columns = selected.columns;
+    return bound;
+}
+
+BoundQuery Binder::BindCursor(const ast::Query& query, TablePtr& table) {
+    const auto* core = std::get_if<ast::SelectCore>(&query.body->node);
+    table = nullptr;
+    if (core == nullptr || core->distinct || !core->group_by.empty() || core->having || core->from.size() != 1 ||
+        !query.with.empty() || !std::holds_alternative<ast::NamedSource>(core->from[0]->node)) {
+        return BindQuery(query);
+    }
+    SelectParts parts;
+    BindSelectParts(*core, nullptr, &query, parts);
+    const ScopeSource& source = parts.scope.sources[0];
+    const bool grouped = std::any_of(parts.items.begin(), parts.items.end(),
+                                     [](const BoundPtr& item) { return HasAggregate(*item, 0); });
+    BoundQuery bound;
+    bound.columns = parts.columns;
+    if (source.table && !grouped) {
+        table = source.table;
+        parts.items.push_back(MakeSql(source.sql_alias + "." + RowWriter::RowIdName(*table), Simple(TypeId::BigInt)));
+    }
+    bound.sql = EmitSelect(parts, false);
     return bound;
 }
 

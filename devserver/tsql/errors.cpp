@@ -6,22 +6,32 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<MessageTemplate, 6> kOwnMessages = {{
+constexpr std::array<MessageTemplate, 14> kOwnMessages = {{
     {321, 15, "\"%1\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
               "function or to the CHANGETABLE function, ensure that your database compatibility mode is set to 90."},
     {1222, 16, "Lock request time out period exceeded."},
     {8624, 16, "Internal error of the development server: %1"},
-    {14262, 16, "The specified %1 ('%2') does not exist."},
+    {596, 21, "Cannot continue the execution because the session is in the kill state."},
+    {628, 16, "Cannot issue SAVE TRANSACTION when there is no active transaction."},
+    {952, 16, "Database '%1' is in transition. Try the statement later."},
+    {1105, 17, "Could not allocate space for object '%1' in database '%2' because the '%3' filegroup is full."},
+    {10704, 15, "To rethrow an error, a THROW statement must be used inside a CATCH block."},
+    {10734, 15, "Variable assignment is not allowed in a statement containing a top level UNION, INTERSECT or EXCEPT "
+                "operator."},
+    {14043, 16, "The parameter %1 cannot be NULL."},
+    {14261, 16, "The specified %1 ('%2') already exists."},
+    {14590, 16, "DTS Package '%1' already exists with a different ID in this category or with this version (%2)."},
     {40510, 16, "Statement '%1' is not supported in this version of SQL Server."},
     {40517, 16, "Keyword or statement option '%1' is not supported in this version of SQL Server."},
 }};
 
-std::string Filled(std::string_view text, std::initializer_list<std::string_view> arguments) {
+template <class Arguments>
+std::string Filled(std::string_view text, const Arguments& arguments) {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '%' && i + 1 < text.size() && text[i + 1] >= '1' && text[i + 1] <= '9') {
             const auto index = static_cast<std::size_t>(text[++i] - '1');
-            result += index < arguments.size() ? *(arguments.begin() + index) : std::string_view();
+            result += index < arguments.size() ? std::string_view(*(arguments.begin() + index)) : std::string_view();
         } else {
             result += text[i];
         }
@@ -44,6 +54,16 @@ SqlError ErrorOf(std::int32_t number, std::initializer_list<std::string_view> ar
 
 void RaiseError(std::int32_t number, std::initializer_list<std::string_view> arguments, std::uint8_t state) {
     throw ErrorOf(number, arguments, state);
+}
+
+std::optional<std::string> NumberedText(std::int32_t number, const std::vector<std::string>& arguments) {
+    const MessageTemplate* found = FindMessage(number);
+    for (const MessageTemplate& message : kOwnMessages) {
+        if (found == nullptr && message.number == number) {
+            found = &message;
+        }
+    }
+    return found == nullptr ? std::nullopt : std::optional(Filled(found->text, arguments));
 }
 
 } // namespace devsql

@@ -3,7 +3,10 @@
 #pragma once
 
 #include <initializer_list>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "devserver/tsql/scalar/sql_error.h"
 
@@ -14,5 +17,8 @@ namespace devsql {
 SqlError ErrorOf(std::int32_t number, std::initializer_list<std::string_view> arguments = {}, std::uint8_t state = 1);
 [[noreturn]] void RaiseError(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
                              std::uint8_t state = 1);
+
+/// The text of any message with its arguments put in; none for a number that has no message.
+std::optional<std::string> NumberedText(std::int32_t number, const std::vector<std::string>& arguments);
 
 } // namespace devsql

@@ -278,7 +278,7 @@ StatementPtr Parser::ParseCursorDeclaration(std::string name) {
     }
     ExpectWord("FOR");
     // ParseQuery would take "FOR UPDATE" and "FOR READ ONLY" for a clause that it refuses.
-    cursor.query = std::make_unique<Query>();
+    cursor.query = std::make_shared<Query>();
     cursor.query->line = Peek().line;
     if (IsWord("WITH")) {
         cursor.query->with = ParseWith();

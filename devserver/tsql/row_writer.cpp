@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "devserver/storage/databases.h"
 #include "devserver/tsql/evaluator.h"
 #include "devserver/tsql/parser.h"
 #include "devserver/tsql/scalar/compare.h"

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "devserver/tsql/evaluator.h"
+#include "devserver/tsql/parser.h"
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/server.h"
@@ -77,12 +78,10 @@ SessionCore::SessionCore(Server& owner, std::int32_t session_id, std::string log
 }
 
 SessionCore::~SessionCore() {
-    AbandonTransaction();
-    ReleaseDatabases();
-    if (database_ != "master") {
-        ReleaseDatabase(database_);
-    }
+    // First out of the list, so that nobody ends a session that is ending by itself.
     server.Unregister(*this);
+    AbandonTransaction();
+    ReleaseEverything();
 }
 
 void SessionCore::RegisterFunctions() {
@@ -132,6 +131,16 @@ std::int64_t SessionCore::AddOperation(BoundPtr operation) {
 
 void SessionCore::RemoveOperation(std::int64_t number) {
     operations_.erase(number);
+}
+
+std::int32_t SessionCore::AddPrepared(std::string declarations, std::string text) {
+    prepared_[next_prepared_] = {std::move(declarations), std::move(text)};
+    return next_prepared_++;
+}
+
+const SessionCore::Prepared* SessionCore::FindPrepared(std::int32_t handle) const {
+    const auto found = prepared_.find(handle);
+    return found == prepared_.end() ? nullptr : &found->second;
 }
 
 // ------------------------------------------------------------------ databases
@@ -228,11 +237,17 @@ void SessionCore::ReleaseDatabase(const std::string& name) {
     server.Leave(folded, *this);
 }
 
+void SessionCore::ReleaseEverything() {
+    ReleaseDatabases();
+    ReleaseDatabase(std::exchange(database_, "master"));
+}
+
 bool SessionCore::Holds(const std::string& name) const {
     return attached_.contains(Folded(name));
 }
 
-TablePtr SessionCore::Table(Catalogue& catalogue, std::int64_t table_id) {
+/// What is kept of a database, emptied if its catalogue has changed.
+SessionCore::Attached* SessionCore::Current(Catalogue& catalogue) {
     for (auto& [name, attached] : attached_) {
         if (attached.catalogue.get() != &catalogue) {
             continue;
@@ -240,15 +255,28 @@ TablePtr SessionCore::Table(Catalogue& catalogue, std::int64_t table_id) {
         const std::int64_t version = catalogue.Version();
         if (attached.version != version) {
             attached.tables.clear();
+            attached.modules.clear();
             attached.version = version;
         }
-        TablePtr& table = attached.tables[table_id];
-        if (!table) {
-            table = catalogue.LoadTable(table_id);
-        }
-        return table;
+        return &attached;
     }
-    return catalogue.LoadTable(table_id);
+    throw std::logic_error("a catalogue that is not attached");
+}
+
+TablePtr SessionCore::Table(Catalogue& catalogue, std::int64_t table_id) {
+    TablePtr& table = Current(catalogue)->tables[table_id];
+    if (!table) {
+        table = catalogue.LoadTable(table_id);
+    }
+    return table;
+}
+
+std::shared_ptr<const ast::CreateModuleStatement> SessionCore::Module(Catalogue& catalogue, const ObjectDef& object) {
+    auto& module = Current(catalogue)->modules[object.id];
+    if (!module) {
+        module = std::make_shared<const ast::CreateModuleStatement>(ParseModule(object.text, object.quoted_identifier));
+    }
+    return module;
 }
 
 void SessionCore::ForgetTables() {

@@ -71,7 +71,7 @@ struct RowSet {
 };
 
 struct Cursor {
-    std::shared_ptr<ast::CursorDeclareStatement> declaration;
+    std::shared_ptr<const ast::Query> query;
     bool open = false;
     bool scroll = false;
     RowSet rows;
@@ -112,10 +112,16 @@ class SessionCore {
     /// That of the running frame.
     Catalogue& CurrentDatabase();
     const std::string& CurrentDatabaseName() const;
+    /// That of the session itself, which USE changes.
+    const std::string& SessionDatabase() const { return database_; }
     void Use(const std::string& name);
+    /// A procedure's tree, parsed once while the catalogue's version stands.
+    std::shared_ptr<const ast::CreateModuleStatement> Module(Catalogue& catalogue, const ObjectDef& object);
     /// Lets go of every database but the current one; between batches, outside transactions.
     void ReleaseDatabases();
     void ReleaseDatabase(const std::string& name);
+    /// Every database, for a session that has been thrown out.
+    void ReleaseEverything();
     bool Holds(const std::string& name) const;
     /// A table by its object, from the cache while the catalogue's version stands.
     TablePtr Table(Catalogue& catalogue, std::int64_t id);
@@ -148,6 +154,15 @@ class SessionCore {
     void RemoveOperation(std::int64_t number);
     /// SQLite's name of SUM or AVG over that type.
     std::string SumFunction(const Type& type, bool average);
+
+    // ---- prepared statements
+    struct Prepared {
+        std::string declarations;
+        std::string text;
+    };
+    std::int32_t AddPrepared(std::string declarations, std::string text);
+    const Prepared* FindPrepared(std::int32_t handle) const;
+    void RemovePrepared(std::int32_t handle) { prepared_.erase(handle); }
 
     // ---- transactions (transactions.cpp)
     void BeginTransaction(const std::string& name);
@@ -190,12 +205,12 @@ class SessionCore {
     std::string identity_insert; ///< the table under SET IDENTITY_INSERT ON, as "database.schema.table"
     std::int32_t line = 1;       ///< of the running statement
     std::vector<CaughtError> caught;
-    std::map<std::int32_t, std::int64_t> prepared_handles;
 
     /// Held while a call runs; who throws a session out takes it to close what the session holds.
     std::mutex running;
 
   private:
+    using Temporaries = std::map<std::string, TablePtr, std::less<>>;
     void RegisterFunctions();
     void Callback(const FunctionCall& call);
     void Evict();
@@ -212,11 +227,15 @@ class SessionCore {
         std::int64_t last_use = 0;
         std::int64_t version = -1;
         std::map<std::int64_t, TablePtr> tables;
+        std::map<std::int64_t, std::shared_ptr<const ast::CreateModuleStatement>> modules;
     };
+    Attached* Current(Catalogue& catalogue);
 
     ResultSink* sink_ = nullptr;
+    std::map<std::int32_t, Prepared> prepared_;
+    std::int32_t next_prepared_ = 1;
     std::map<std::string, Attached, std::less<>> attached_; ///< folded name
-    std::map<std::string, TablePtr, std::less<>> temporary_;
+    Temporaries temporary_;
     struct Operation {
         BoundPtr expression;
         std::vector<Type> slots;
@@ -232,7 +251,6 @@ class SessionCore {
     std::string database_ = "master";
     int transaction_count_ = 0;
     int writes_ = 0; ///< nesting of Write
-    using Temporaries = std::map<std::string, TablePtr, std::less<>>;
     struct Savepoint {
         std::string name; ///< folded
         Temporaries temporary;

@@ -145,7 +145,8 @@ bool TestExpression(SessionCore& session, const ast::Expr& condition) {
 
 void AssignTo(SessionCore& session, std::string_view name, const Value& value, const Type& type) {
     Variable& variable = session.FindVariable(name);
-    variable.value = AssignVariable(value, type, variable.type);
+    // NULL is of every type, also where its own would not convert.
+    variable.value = IsNull(value) ? Value() : AssignVariable(value, type, variable.type);
 }
 
 void RunSelect(SessionCore& session, const ast::Query& query) {
@@ -191,6 +192,25 @@ RowSet FetchAll(SessionCore& session, const ast::Query& query) {
         set.rows.push_back(std::move(values));
     }
     return set;
+}
+
+void OpenRows(SessionCore& session, Cursor& cursor) {
+    Emission emission(session);
+    Binder binder(session, emission);
+    const BoundQuery bound = binder.BindCursor(*cursor.query, cursor.table);
+    cursor.rows = {bound.columns, {}};
+    cursor.row_ids.clear();
+    QueryRows rows(session, emission, bound);
+    while (rows.Next()) {
+        std::vector<Value> values;
+        for (std::size_t i = 0; i < bound.columns.size(); ++i) {
+            values.push_back(rows.Column(i, bound.columns[i].type));
+        }
+        if (cursor.table) {
+            cursor.row_ids.push_back(std::get<std::int64_t>(rows.Column(values.size(), Simple(TypeId::BigInt))));
+        }
+        cursor.rows.rows.push_back(std::move(values));
+    }
 }
 
 // ------------------------------------------------------------------ INSERT

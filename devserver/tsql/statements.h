@@ -16,6 +16,8 @@ void AssignTo(SessionCore& session, std::string_view variable, const Value& valu
 void RunSelect(SessionCore& session, const ast::Query& query);
 /// The whole result, in memory.
 RowSet FetchAll(SessionCore& session, const ast::Query& query);
+/// Fills a cursor, with the row numbers of its table where WHERE CURRENT OF can use them.
+void OpenRows(SessionCore& session, Cursor& cursor);
 /// Takes a statement's rows for INSERT … EXEC; see interpreter.cpp.
 using RunNested = std::function<RowSet(const ast::Statement&)>;
 void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const RunNested& execute);

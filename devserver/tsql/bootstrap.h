@@ -1,0 +1,14 @@
+// The part of the system databases that is T-SQL: msdb's package store and job tables, master's tables and
+// procedures for replication.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace devsql {
+
+/// Rises when the batches change; a server whose files are of an older one runs them again.
+inline constexpr int kBootstrapVersion = 1;
+std::span<const std::string_view> BootstrapBatches();
+
+} // namespace devsql

@@ -1,0 +1,515 @@
+#include "devserver/tsql/catalogue_procedures.h"
+
+#include <algorithm>
+
+#include "devserver/storage/databases.h"
+#include "devserver/tsql/binder.h"
+#include "devserver/tsql/parser.h"
+#include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/like.h"
+#include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server.h"
+
+namespace devsql {
+namespace {
+
+constexpr Type kName = Sized(TypeId::NVarChar, 128);
+constexpr Type kSmallInt = Simple(TypeId::SmallInt);
+constexpr Type kInt = Simple(TypeId::Int);
+
+/// A result set row by row.
+class Table {
+  public:
+    Table(SessionCore& session, const std::vector<Column>& columns) : session_(session) {
+        session.sink().Columns(columns);
+    }
+    void Row(const std::vector<Value>& values) {
+        session_.sink().Row(values);
+        ++rows_;
+    }
+    void End() { session_.Done(Command::Select, rows_); }
+
+  private:
+    SessionCore& session_;
+    std::int64_t rows_ = 0;
+};
+
+Value OrNull(const std::string& text) {
+    return text.empty() ? Value() : Value(text);
+}
+
+// ------------------------------------------------------------------ databases
+
+std::string DateText(std::int64_t ticks) {
+    const CivilTime civil = ToCivil({static_cast<std::int32_t>(ticks / kTicksPerDay), 0});
+    return std::string(MonthName(civil.month).substr(0, 3)) + (civil.day < 10 ? "  " : " ") + std::to_string(civil.day) +
+           " " + std::to_string(civil.year);
+}
+
+std::string SizeText(const DatabaseInfo& info) {
+    std::error_code error;
+    std::uintmax_t bytes = 0;
+    for (const DatabaseFile& file : info.files) {
+        const std::uintmax_t size = std::filesystem::file_size(file.path, error);
+        bytes += error ? 0 : size;
+    }
+    const std::uintmax_t hundredths = bytes * 100 / (1024 * 1024);
+    std::string text = std::to_string(hundredths / 100) + "." + (hundredths % 100 < 10 ? "0" : "") +
+                       std::to_string(hundredths % 100) + " MB";
+    return std::string(13 - std::min<std::size_t>(13, text.size()), ' ') + text;
+}
+
+std::string StatusText(const DatabaseInfo& info) {
+    std::string text = "Status=ONLINE, Updateability=READ_WRITE, UserAccess=";
+    text += info.Option("SINGLE_USER") ? "SINGLE_USER" : "MULTI_USER";
+    const auto recovery = info.options.find("RECOVERY");
+    return text + ", Recovery=" + (recovery == info.options.end() ? "FULL" : recovery->second) + ", Version=539";
+}
+
+void FileRows(Table& table, const DatabaseInfo& info) {
+    for (const DatabaseFile& file : info.files) {
+        table.Row({file.name, std::int64_t{file.id}, file.client_path, OrNull(file.file_group), file.size, file.max_size,
+                   file.growth, std::string(file.log ? "log only" : "data only")});
+    }
+}
+
+std::vector<Column> FileColumns() {
+    return {{"name", kName, false, false},
+            {"fileid", kSmallInt, true, false},
+            {"filename", Sized(TypeId::NVarChar, 260), true, false},
+            {"filegroup", kName, true, false},
+            {"size", Sized(TypeId::NVarChar, 18), true, false},
+            {"maxsize", Sized(TypeId::NVarChar, 18), true, false},
+            {"growth", Sized(TypeId::NVarChar, 18), true, false},
+            {"usage", Sized(TypeId::VarChar, 9), true, false}};
+}
+
+std::int32_t HelpDb(SystemCall& call) {
+    SessionCore& session = call.session();
+    const std::string name = call.Text("@dbname");
+    std::vector<DatabaseInfo> list = ListDatabases(session.connection);
+    if (!name.empty()) {
+        const std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+        if (!info) {
+            RaiseError(15010, {name});
+        }
+        list = {*info};
+    }
+    std::sort(list.begin(), list.end(), [](const DatabaseInfo& a, const DatabaseInfo& b) {
+        return ToLower(a.name) < ToLower(b.name);
+    });
+    Table table(session, {{"name", kName, true, false},
+                          {"db_size", Sized(TypeId::NVarChar, 13), true, false},
+                          {"owner", kName, true, false},
+                          {"dbid", kSmallInt, true, false},
+                          {"created", Sized(TypeId::NVarChar, 11), true, false},
+                          {"status", Sized(TypeId::NVarChar, 600), true, false},
+                          {"compatibility_level", Simple(TypeId::TinyInt), true, false}});
+    for (const DatabaseInfo& info : list) {
+        table.Row({info.name, SizeText(info), info.owner, std::int64_t{info.id}, DateText(info.created), StatusText(info),
+                   std::int64_t{140}});
+    }
+    table.End();
+    if (!name.empty()) {
+        Table files(session, FileColumns());
+        FileRows(files, list[0]);
+        files.End();
+    }
+    return 0;
+}
+
+std::int32_t HelpFile(SystemCall& call) {
+    SessionCore& session = call.session();
+    const DatabaseInfo info = *FindDatabase(session.connection, session.CurrentDatabaseName());
+    Table table(session, FileColumns());
+    if (call.IsNull("@filename")) {
+        FileRows(table, info);
+    } else {
+        DatabaseInfo one = info;
+        std::erase_if(one.files, [&](const DatabaseFile& f) { return Folded(f.name) != Folded(call.Text("@filename")); });
+        if (one.files.empty()) {
+            RaiseError(15325, {call.Text("@filename")});
+        }
+        FileRows(table, one);
+    }
+    table.End();
+    return 0;
+}
+
+std::int32_t Who(SystemCall& call) {
+    SessionCore& session = call.session();
+    Table table(session, {{"spid", kSmallInt, true, false},
+                          {"ecid", kSmallInt, true, false},
+                          {"status", Sized(TypeId::NChar, 30), true, false},
+                          {"loginame", kName, true, false},
+                          {"hostname", Sized(TypeId::NChar, 128), true, false},
+                          {"blk", Sized(TypeId::Char, 5), true, false},
+                          {"dbname", kName, true, false},
+                          {"cmd", Sized(TypeId::NChar, 16), true, false}});
+    for (const Server::SessionInfo& info : session.server.Sessions()) {
+        const bool own = info.id == session.id;
+        table.Row({std::int64_t{info.id}, std::int64_t{0}, std::string(own ? "runnable" : "sleeping"), info.login, info.host,
+                   std::string("0"), info.database.empty() ? std::string("master") : info.database,
+                   std::string(own ? "SELECT" : "AWAITING COMMAND")});
+    }
+    table.End();
+    return 0;
+}
+
+// ------------------------------------------------------------------ objects
+
+std::int32_t Help(SystemCall& call) {
+    SessionCore& session = call.session();
+    if (call.IsNull("@objname")) {
+        call.Run("SELECT o.name AS Name, 'dbo' AS Owner, CASE o.xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view' "
+                 "WHEN 'P' THEN 'stored procedure' WHEN 'PK' THEN 'primary key cns' WHEN 'UQ' THEN 'unique cns' WHEN 'F' "
+                 "THEN 'foreign key cns' WHEN 'C' THEN 'check cns' ELSE 'default (maybe cns)' END AS Object_type "
+                 "FROM sysobjects o ORDER BY Object_type, Name");
+        return 0;
+    }
+    const std::string name = call.Text("@objname");
+    const ast::Name parsed = ParseName(name);
+    const ObjectPlace place = parsed.empty() ? ObjectPlace{} : PlaceOf(session, parsed);
+    const std::optional<ObjectDef> object =
+        parsed.empty() ? std::nullopt : session.CurrentDatabase().FindObject(place.schema, place.name);
+    if (!object) {
+        RaiseError(15009, {name, session.CurrentDatabaseName()});
+    }
+    const std::vector<std::string> values = {std::to_string(object->id)};
+    call.Run("SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view' WHEN 'P' THEN "
+             "'stored procedure' ELSE 'constraint' END AS Type, crdate AS Created_datetime FROM sysobjects "
+             "WHERE id = CONVERT(int, @p1)",
+             values);
+    if (object->type == "P") {
+        call.Run("SELECT c.name AS Parameter_name, t.name AS Type, c.length AS Length, c.prec AS Prec, c.scale AS Scale, "
+                 "c.colid AS Param_order, c.collation AS Collation FROM syscolumns c JOIN systypes t ON t.xtype = c.xtype AND "
+                 "t.xusertype = t.xtype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colid",
+                 values);
+        return 0;
+    }
+    call.Run("SELECT c.name AS Column_name, t.name AS Type, CASE c.iscomputed WHEN 1 THEN 'yes' ELSE 'no' END AS Computed, "
+             "c.length AS Length, c.prec AS Prec, c.scale AS Scale, CASE c.isnullable WHEN 1 THEN 'yes' ELSE 'no' END AS "
+             "Nullable, c.collation AS Collation FROM syscolumns c JOIN systypes t ON t.xtype = c.xtype AND t.xusertype = "
+             "t.xtype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colorder",
+             values);
+    if (object->type != "U") {
+        return 0;
+    }
+    call.Run("SELECT name AS [Identity], IDENT_SEED(OBJECT_NAME(id)) AS Seed, IDENT_INCR(OBJECT_NAME(id)) AS Increment, "
+             "0 AS [Not For Replication] FROM syscolumns WHERE id = CONVERT(int, @p1) AND colstat & 1 = 1",
+             values);
+    call.Run("SELECT name AS index_name, CASE WHEN indid = 1 THEN 'clustered' ELSE 'nonclustered' END AS index_description "
+             "FROM sysindexes WHERE id = CONVERT(int, @p1) AND indid > 0",
+             values);
+    return 0;
+}
+
+// ------------------------------------------------------------------ for ODBC and its kin
+
+std::int32_t DatatypeInfo(SystemCall& call) {
+    const std::int64_t wanted = call.Int("@data_type");
+    Table table(call.session(), {{"TYPE_NAME", kName, false, false},
+                                 {"DATA_TYPE", kSmallInt, false, false},
+                                 {"PRECISION", kInt, true, false},
+                                 {"LITERAL_PREFIX", Sized(TypeId::VarChar, 32), true, false},
+                                 {"LITERAL_SUFFIX", Sized(TypeId::VarChar, 32), true, false},
+                                 {"CREATE_PARAMS", Sized(TypeId::VarChar, 32), true, false},
+                                 {"NULLABLE", kSmallInt, false, false},
+                                 {"CASE_SENSITIVE", kSmallInt, false, false},
+                                 {"SEARCHABLE", kSmallInt, false, false},
+                                 {"UNSIGNED_ATTRIBUTE", kSmallInt, true, false},
+                                 {"MONEY", kSmallInt, false, false},
+                                 {"AUTO_INCREMENT", kSmallInt, true, false},
+                                 {"LOCAL_TYPE_NAME", kName, true, false},
+                                 {"MINIMUM_SCALE", kSmallInt, true, false},
+                                 {"MAXIMUM_SCALE", kSmallInt, true, false},
+                                 {"SQL_DATA_TYPE", kSmallInt, false, false},
+                                 {"SQL_DATETIME_SUB", kSmallInt, true, false},
+                                 {"NUM_PREC_RADIX", kInt, true, false},
+                                 {"INTERVAL_PRECISION", kSmallInt, true, false},
+                                 {"USERTYPE", kSmallInt, true, false}});
+    std::vector<const SystemType*> types;
+    for (const SystemType& type : SystemTypes()) {
+        if (wanted == 0 || type.odbc_type == wanted) {
+            types.push_back(&type);
+        }
+    }
+    std::stable_sort(types.begin(), types.end(),
+                     [](const SystemType* a, const SystemType* b) { return a->odbc_type < b->odbc_type; });
+    for (const SystemType* type : types) {
+        const bool number = IsNumber(type->id);
+        const bool text = IsCharacter(type->id);
+        const std::int64_t digits = type->precision != 0                               ? type->precision
+                                    : IsUnicode(type->id)                              ? (IsOldLob(type->id) ? 1073741823 : 4000)
+                                    : IsOldLob(type->id)                               ? 2147483647
+                                    : type->id == TypeId::Timestamp                    ? 8
+                                    : HasLength(type->id)                              ? 8000
+                                                                                       : type->storage_length;
+        table.Row({std::string(type->name), std::int64_t{type->odbc_type}, digits, OrNull(std::string(type->literal_prefix)),
+                   OrNull(std::string(type->literal_suffix)), OrNull(std::string(type->create_parameters)),
+                   std::int64_t{type->id != TypeId::Timestamp}, std::int64_t{0},
+                   std::int64_t{IsOldLob(type->id) ? (text ? 1 : 0) : text || IsDateTime(type->id) ? 3 : 2},
+                   number ? Value(std::int64_t{type->id == TypeId::TinyInt}) : Value(), std::int64_t{IsMoney(type->id)},
+                   number ? Value(std::int64_t{0}) : Value(), std::string(type->name),
+                   IsInteger(type->id) || IsDecimal(type->id) ? Value(std::int64_t{0}) : Value(),
+                   IsDecimal(type->id) ? Value(std::int64_t{38}) : IsInteger(type->id) ? Value(std::int64_t{0}) : Value(),
+                   std::int64_t{IsDateTime(type->id) ? 9 : type->odbc_type},
+                   IsDateTime(type->id) ? Value(std::int64_t{3}) : Value(),
+                   number ? Value(std::int64_t{IsApproximate(type->id) ? 2 : 10}) : Value(), Value(),
+                   std::int64_t{type->user_type}});
+    }
+    table.End();
+    return 0;
+}
+
+/// LIKE with "\\" before a character that stands for itself, as drivers write patterns, and "[_]".
+bool LikeName(const std::string& name, const std::string& pattern) {
+    return Like(name, pattern, U'\\', true);
+}
+
+std::string Pattern(SystemCall& call, std::string_view name) {
+    return call.IsNull(name) ? "%" : call.Text(name);
+}
+
+std::int32_t Tables(SystemCall& call) {
+    std::string types = AsciiUpper(call.Text("@table_type"));
+    if (types.empty()) {
+        types = "'TABLE','VIEW','SYSTEM TABLE'";
+    }
+    call.Run("SELECT CONVERT(sysname, DB_NAME()) AS TABLE_QUALIFIER, CONVERT(sysname, TABLE_SCHEMA) AS TABLE_OWNER, "
+             "CONVERT(sysname, TABLE_NAME) AS TABLE_NAME, CONVERT(varchar(32), CASE TABLE_TYPE WHEN 'VIEW' THEN 'VIEW' ELSE "
+             "'TABLE' END) AS TABLE_TYPE, CONVERT(varchar(254), NULL) AS REMARKS FROM INFORMATION_SCHEMA.TABLES "
+             "WHERE TABLE_NAME LIKE @p1 AND TABLE_SCHEMA LIKE @p2 AND CHARINDEX('''' + CASE TABLE_TYPE WHEN 'VIEW' THEN "
+             "'VIEW' ELSE 'TABLE' END + '''', @p3) > 0 ORDER BY TABLE_TYPE, TABLE_OWNER, TABLE_NAME",
+             {Pattern(call, "@table_name"), Pattern(call, "@table_owner"), types});
+    return 0;
+}
+
+/// One row of sp_columns and sp_sproc_columns: what both tell of a type.
+struct TypeFacts {
+    std::int64_t data_type;
+    std::string name;
+    std::int64_t precision;
+    std::int64_t length;
+    Value scale;
+    Value radix;
+    Value octets;
+    std::int64_t sql_data_type;
+    Value datetime_sub;
+    std::int64_t ss_type;
+};
+
+TypeFacts FactsOf(const Type& type, bool nullable, bool identity) {
+    const SystemType& system = SystemTypeOf(type.id);
+    TypeFacts facts{};
+    facts.data_type = type.length == kMaxLength ? (IsUnicode(type.id) ? -10 : IsCharacter(type.id) ? -1 : -4) : system.odbc_type;
+    facts.name = std::string(system.name) + (identity ? " identity" : "");
+    const std::optional<std::int32_t> scale = TypeScale(type);
+    facts.precision = type.length == kMaxLength ? (IsUnicode(type.id) ? 1073741823 : 2147483647) : TypePrecision(type);
+    facts.length = IsDecimal(type.id) || IsMoney(type.id) ? facts.precision + 2
+                   : IsDateTime(type.id)                 ? 16
+                   : IsOldLob(type.id) || type.length == kMaxLength ? 2147483647
+                                                                    : StorageBytes(type);
+    facts.scale = IsNumber(type.id) && !IsApproximate(type.id) && scale ? Value(std::int64_t{*scale})
+                  : type.id == TypeId::DateTime                         ? Value(std::int64_t{3})
+                  : type.id == TypeId::SmallDateTime                    ? Value(std::int64_t{0})
+                                                                        : Value();
+    facts.radix = IsNumber(type.id) && type.id != TypeId::Bit ? Value(std::int64_t{IsApproximate(type.id) ? 2 : 10}) : Value();
+    facts.octets = IsCharacter(type.id) || IsBinary(type.id) ? Value(facts.length) : Value();
+    facts.sql_data_type = IsDateTime(type.id) ? 9 : facts.data_type;
+    facts.datetime_sub = IsDateTime(type.id) ? Value(std::int64_t{3}) : Value();
+    // The nullable form of the type, as the data stream calls it.
+    struct NullableForm {
+        TypeId id;
+        std::int64_t form;
+    };
+    constexpr NullableForm kForms[] = {{TypeId::Int, 38},      {TypeId::SmallInt, 38}, {TypeId::TinyInt, 38},
+                                       {TypeId::BigInt, 108},  {TypeId::Bit, 50},      {TypeId::Real, 109},
+                                       {TypeId::Float, 109},   {TypeId::Money, 110},   {TypeId::SmallMoney, 110},
+                                       {TypeId::DateTime, 111}, {TypeId::SmallDateTime, 111}};
+    facts.ss_type = system.tds_type;
+    for (const NullableForm& form : kForms) {
+        if (nullable && form.id == type.id) {
+            facts.ss_type = form.form;
+        }
+    }
+    return facts;
+}
+
+/// All that match: sysobjects of the database by pattern.
+struct ListedObject {
+    std::int64_t id;
+    std::string schema;
+    std::string name;
+};
+
+std::vector<ListedObject> Matching(SystemCall& call, std::string_view types, const std::string& name,
+                                   const std::string& owner) {
+    SqliteStatement row = call.session().CurrentDatabase().Prepare(
+        "SELECT id, schema, name FROM {db}.devsql_objects WHERE type IN (" + std::string(types) + ") ORDER BY schema, name");
+    std::vector<ListedObject> list;
+    while (row.Step()) {
+        ListedObject object{row.Int(0), row.Text(1), row.Text(2)};
+        if (LikeName(object.name, name) && LikeName(object.schema, owner)) {
+            list.push_back(std::move(object));
+        }
+    }
+    return list;
+}
+
+std::int32_t Columns(SystemCall& call) {
+    SessionCore& session = call.session();
+    Table table(session, {{"TABLE_QUALIFIER", kName, true, false},
+                          {"TABLE_OWNER", kName, true, false},
+                          {"TABLE_NAME", kName, false, false},
+                          {"COLUMN_NAME", kName, false, false},
+                          {"DATA_TYPE", kSmallInt, false, false},
+                          {"TYPE_NAME", kName, false, false},
+                          {"PRECISION", kInt, true, false},
+                          {"LENGTH", kInt, true, false},
+                          {"SCALE", kSmallInt, true, false},
+                          {"RADIX", kSmallInt, true, false},
+                          {"NULLABLE", kSmallInt, false, false},
+                          {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
+                          {"COLUMN_DEF", Sized(TypeId::NVarChar, 4000), true, false},
+                          {"SQL_DATA_TYPE", kSmallInt, false, false},
+                          {"SQL_DATETIME_SUB", kSmallInt, true, false},
+                          {"CHAR_OCTET_LENGTH", kInt, true, false},
+                          {"ORDINAL_POSITION", kInt, false, false},
+                          {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
+                          {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
+    for (const ListedObject& object : Matching(call, "'U', 'V'", Pattern(call, "@table_name"), Pattern(call, "@table_owner"))) {
+        SqliteStatement row = session.CurrentDatabase().Prepare(
+            "SELECT name, type, length, precision, scale, nullable, identity, default_text FROM {db}.devsql_columns "
+            "WHERE object = ?1 ORDER BY position");
+        row.BindInt(1, object.id);
+        std::int64_t ordinal = 0;
+        while (row.Step()) {
+            ++ordinal;
+            if (!LikeName(row.Text(0), Pattern(call, "@column_name"))) {
+                continue;
+            }
+            const Type type{static_cast<TypeId>(row.Int(1)), static_cast<std::int32_t>(row.Int(2)),
+                            static_cast<std::uint8_t>(row.Int(3)), static_cast<std::uint8_t>(row.Int(4))};
+            const bool nullable = row.Int(5) != 0;
+            const TypeFacts facts = FactsOf(type, nullable, row.Int(6) != 0);
+            table.Row({session.CurrentDatabaseName(), object.schema, object.name, row.Text(0), facts.data_type, facts.name,
+                       facts.precision, facts.length, facts.scale, facts.radix, std::int64_t{nullable}, Value(),
+                       OrNull(row.Text(7)), facts.sql_data_type, facts.datetime_sub, facts.octets, ordinal,
+                       std::string(nullable ? "YES" : "NO"), facts.ss_type});
+        }
+    }
+    table.End();
+    return 0;
+}
+
+std::int32_t StoredProcedures(SystemCall& call) {
+    SessionCore& session = call.session();
+    Table table(session, {{"PROCEDURE_QUALIFIER", kName, true, false},
+                          {"PROCEDURE_OWNER", kName, true, false},
+                          {"PROCEDURE_NAME", Sized(TypeId::NVarChar, 134), false, false},
+                          {"NUM_INPUT_PARAMS", kInt, false, false},
+                          {"NUM_OUTPUT_PARAMS", kInt, false, false},
+                          {"NUM_RESULT_SETS", kInt, false, false},
+                          {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
+                          {"PROCEDURE_TYPE", kSmallInt, false, false}});
+    for (const ListedObject& object : Matching(call, "'P'", Pattern(call, "@sp_name"), Pattern(call, "@sp_owner"))) {
+        table.Row({session.CurrentDatabaseName(), object.schema, object.name + ";1", std::int64_t{-1}, std::int64_t{-1},
+                   std::int64_t{-1}, Value(), std::int64_t{2}});
+    }
+    table.End();
+    return 0;
+}
+
+std::int32_t ProcedureColumns(SystemCall& call) {
+    SessionCore& session = call.session();
+    Table table(session, {{"PROCEDURE_QUALIFIER", kName, true, false},
+                          {"PROCEDURE_OWNER", kName, true, false},
+                          {"PROCEDURE_NAME", Sized(TypeId::NVarChar, 134), false, false},
+                          {"COLUMN_NAME", kName, false, false},
+                          {"COLUMN_TYPE", kSmallInt, false, false},
+                          {"DATA_TYPE", kSmallInt, false, false},
+                          {"TYPE_NAME", kName, false, false},
+                          {"PRECISION", kInt, true, false},
+                          {"LENGTH", kInt, true, false},
+                          {"SCALE", kSmallInt, true, false},
+                          {"RADIX", kSmallInt, true, false},
+                          {"NULLABLE", kSmallInt, false, false},
+                          {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
+                          {"COLUMN_DEF", Sized(TypeId::NVarChar, 4000), true, false},
+                          {"SQL_DATA_TYPE", kSmallInt, false, false},
+                          {"SQL_DATETIME_SUB", kSmallInt, true, false},
+                          {"CHAR_OCTET_LENGTH", kInt, true, false},
+                          {"ORDINAL_POSITION", kInt, false, false},
+                          {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
+                          {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
+    const auto row = [&](const ListedObject& object, const std::string& name, std::int64_t kind, const Type& type,
+                         bool nullable, std::int64_t ordinal) {
+        const TypeFacts facts = FactsOf(type, true, false);
+        table.Row({session.CurrentDatabaseName(), object.schema, object.name + ";1", name, kind, facts.data_type, facts.name,
+                   facts.precision, facts.length, facts.scale, facts.radix, std::int64_t{nullable}, Value(), Value(),
+                   facts.sql_data_type, facts.datetime_sub, facts.octets, ordinal, std::string(nullable ? "YES" : "NO"),
+                   facts.ss_type});
+    };
+    constexpr std::int64_t kInput = 1;
+    constexpr std::int64_t kInputOutput = 2;
+    constexpr std::int64_t kReturnValue = 5;
+    for (const ListedObject& object :
+         Matching(call, "'P'", Pattern(call, "@procedure_name"), Pattern(call, "@procedure_owner"))) {
+        if (LikeName("@RETURN_VALUE", Pattern(call, "@column_name"))) {
+            row(object, "@RETURN_VALUE", kReturnValue, kInt, false, 0);
+        }
+        std::int64_t ordinal = 0;
+        for (const ParameterDef& parameter : session.CurrentDatabase().Parameters(object.id)) {
+            ++ordinal;
+            if (LikeName(parameter.name, Pattern(call, "@column_name"))) {
+                row(object, parameter.name, parameter.output ? kInputOutput : kInput, parameter.type, true, ordinal);
+            }
+        }
+    }
+    table.End();
+    return 0;
+}
+
+std::int32_t PrimaryKeys(SystemCall& call) {
+    call.Run("SELECT CONVERT(sysname, DB_NAME()) AS TABLE_QUALIFIER, k.TABLE_SCHEMA AS TABLE_OWNER, k.TABLE_NAME, "
+             "k.COLUMN_NAME, CONVERT(smallint, k.ORDINAL_POSITION) AS KEY_SEQ, k.CONSTRAINT_NAME AS PK_NAME "
+             "FROM INFORMATION_SCHEMA.KEY_COLUMN_USAGE k JOIN INFORMATION_SCHEMA.TABLE_CONSTRAINTS c ON "
+             "c.CONSTRAINT_NAME = k.CONSTRAINT_NAME AND c.CONSTRAINT_TYPE = 'PRIMARY KEY' WHERE k.TABLE_NAME = @p1 "
+             "ORDER BY TABLE_OWNER, TABLE_NAME, KEY_SEQ",
+             {call.Text("@table_name")});
+    return 0;
+}
+
+constexpr SystemProcedure kProcedures[] = {
+    {"sp_helpdb", "@dbname sysname = NULL", HelpDb},
+    {"sp_helpfile", "@filename sysname = NULL", HelpFile},
+    {"sp_who", "@loginame sysname = NULL", Who},
+    {"sp_who2", "@loginame sysname = NULL", Who},
+    {"sp_help", "@objname nvarchar(776) = NULL", Help},
+    {"sp_datatype_info", "@data_type int = 0, @ODBCVer tinyint = 2", DatatypeInfo},
+    {"sp_tables",
+     "@table_name nvarchar(384) = NULL, @table_owner nvarchar(384) = NULL, @table_qualifier sysname = NULL, "
+     "@table_type varchar(100) = NULL, @fUsePattern bit = 1",
+     Tables},
+    {"sp_columns",
+     "@table_name nvarchar(384), @table_owner nvarchar(384) = NULL, @table_qualifier sysname = NULL, "
+     "@column_name nvarchar(384) = NULL, @ODBCVer int = 2, @fUsePattern bit = 1",
+     Columns},
+    {"sp_stored_procedures",
+     "@sp_name nvarchar(390) = NULL, @sp_owner nvarchar(384) = NULL, @sp_qualifier sysname = NULL, @fUsePattern bit = 1",
+     StoredProcedures},
+    {"sp_sproc_columns",
+     "@procedure_name nvarchar(390) = '%', @procedure_owner nvarchar(384) = NULL, @procedure_qualifier sysname = NULL, "
+     "@column_name nvarchar(384) = NULL, @ODBCVer int = 2, @fUsePattern bit = 1",
+     ProcedureColumns},
+    {"sp_pkeys", "@table_name sysname, @table_owner sysname = NULL, @table_qualifier sysname = NULL", PrimaryKeys},
+};
+
+} // namespace
+
+std::span<const SystemProcedure> CatalogueProcedures() {
+    return kProcedures;
+}
+
+} // namespace devsql

@@ -1,0 +1,536 @@
+// Functions and global variables whose value is the session's, the database's or the clock's.
+#include <algorithm>
+#include <array>
+
+#include "devserver/tsql/binder.h"
+#include "devserver/tsql/parser.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server.h"
+#include "devserver/tsql/version.h"
+
+namespace devsql {
+namespace {
+
+using Values = std::span<const Value>;
+using Types = std::span<const Type>;
+
+constexpr Type kInt = Simple(TypeId::Int);
+constexpr Type kName = Sized(TypeId::NVarChar, 128);
+
+std::string TextOf(Values values, Types types, std::size_t index) {
+    return index < values.size() && !IsNull(values[index]) ? ValueText(values[index], types[index]) : std::string();
+}
+
+std::optional<std::int64_t> IntOf(Values values, Types types, std::size_t index) {
+    if (index >= values.size() || IsNull(values[index])) {
+        return std::nullopt;
+    }
+    return std::get<std::int64_t>(Convert(values[index], types[index], Simple(TypeId::BigInt)));
+}
+
+struct Found {
+    Catalogue* catalogue = nullptr;
+    ObjectDef object;
+};
+
+std::optional<Found> FindNamed(SessionCore& session, const std::string& text) {
+    const ast::Name name = ParseName(text);
+    if (name.empty() || name.parts.size() > 3) {
+        return std::nullopt;
+    }
+    const ObjectPlace place = PlaceOf(session, name);
+    if (!FindDatabase(session.connection, place.database)) {
+        return std::nullopt;
+    }
+    Catalogue& catalogue = session.Database(place.database);
+    std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
+    return object ? std::optional(Found{&catalogue, std::move(*object)}) : std::nullopt;
+}
+
+// ------------------------------------------------------------------ objects
+
+Value ObjectId(SessionCore& session, Values values, Types types) {
+    const std::string text = TextOf(values, types, 0);
+    const ast::Name name = ParseName(text);
+    if (!name.empty() && name.last().starts_with("#")) {
+        const TablePtr table = session.FindTemporary(name.last());
+        return table ? Value(table->id) : Value();
+    }
+    const std::optional<Found> found = FindNamed(session, text);
+    if (!found) {
+        return {};
+    }
+    const std::string kind = AsciiUpper(TrimTrailingBlanks(TextOf(values, types, 1)));
+    return kind.empty() || kind == found->object.type ? Value(found->object.id) : Value();
+}
+
+Value ObjectName(SessionCore& session, Values values, Types types) {
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
+    return object ? Value(object->name) : Value();
+}
+
+bool HasIndex(const TableDef& table, bool (*test)(const IndexDef&)) {
+    for (const IndexDef& index : table.indexes) {
+        if (test(index)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+Value ObjectProperty(SessionCore& session, Values values, Types types) {
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
+    if (!object) {
+        return {};
+    }
+    const std::string property = AsciiUpper(TextOf(values, types, 1));
+    struct KindProperty {
+        std::string_view name;
+        std::string_view type;
+    };
+    constexpr std::array<KindProperty, 11> kKinds = {{{"ISUSERTABLE", "U"},
+                                                      {"ISTABLE", "U"},
+                                                      {"ISVIEW", "V"},
+                                                      {"ISPROCEDURE", "P"},
+                                                      {"ISPRIMARYKEY", "PK"},
+                                                      {"ISUNIQUECNST", "UQ"},
+                                                      {"ISFOREIGNKEY", "F"},
+                                                      {"ISCHECKCNST", "C"},
+                                                      {"ISDEFAULTCNST", "D"},
+                                                      {"ISTRIGGER", "TR"},
+                                                      {"ISSCALARFUNCTION", "FN"}}};
+    for (const KindProperty& kind : kKinds) {
+        if (kind.name == property) {
+            return std::int64_t{object->type == kind.type};
+        }
+    }
+    if (property == "ISCONSTRAINT") {
+        return std::int64_t{!IsTableOrModule(object->type)};
+    }
+    if (property == "ISMSSHIPPED") {
+        return std::int64_t{object->shipped};
+    }
+    if (property == "ISSYSTEMTABLE" || property == "ISINLINEFUNCTION" || property == "ISTABLEFUNCTION" ||
+        property == "ISEXTENDEDPROC" || property == "ISRULE" || property == "ISREPLPROC" || property == "EXECISSTARTUP") {
+        return std::int64_t{0};
+    }
+    if (property == "OWNERID") {
+        return std::int64_t{1};
+    }
+    if (property == "EXECISQUOTEDIDENTON" || property == "ISQUOTEDIDENTON") {
+        return std::int64_t{object->quoted_identifier};
+    }
+    if (property == "EXECISANSINULLSON" || property == "ISANSINULLSON") {
+        return std::int64_t{object->ansi_nulls};
+    }
+    if (property == "ISENCRYPTED") {
+        return std::int64_t{object->encrypted};
+    }
+    const TablePtr table = object->type == "U" ? session.Table(session.CurrentDatabase(), *id) : nullptr;
+    if (!table) {
+        return {};
+    }
+    if (property == "TABLEHASPRIMARYKEY") {
+        return std::int64_t{HasIndex(*table, [](const IndexDef& index) { return index.primary_key; })};
+    }
+    if (property == "TABLEHASINDEX") {
+        return std::int64_t{!table->indexes.empty()};
+    }
+    if (property == "TABLEHASCLUSTINDEX") {
+        return std::int64_t{HasIndex(*table, [](const IndexDef& index) { return index.clustered; })};
+    }
+    if (property == "TABLEHASUNIQUECNST") {
+        return std::int64_t{
+            HasIndex(*table, [](const IndexDef& index) { return index.constraint && !index.primary_key; })};
+    }
+    if (property == "TABLEHASIDENTITY") {
+        return std::int64_t{table->IdentityColumn() != nullptr};
+    }
+    if (property == "TABLEHASFOREIGNKEY") {
+        return std::int64_t{!table->foreign_keys.empty()};
+    }
+    if (property == "TABLEHASFOREIGNREF") {
+        return std::int64_t{!table->referencing.empty()};
+    }
+    if (property == "TABLEHASCHECKCNST") {
+        return std::int64_t{!table->checks.empty()};
+    }
+    if (property == "TABLEHASTIMESTAMP") {
+        return std::int64_t{std::any_of(table->columns.begin(), table->columns.end(),
+                                        [](const ColumnDef& column) { return column.type.id == TypeId::Timestamp; })};
+    }
+    return {};
+}
+
+TablePtr TableById(SessionCore& session, Values values, Types types, std::size_t index) {
+    const std::optional<std::int64_t> id = IntOf(values, types, index);
+    const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
+    return object && object->type == "U" ? session.Table(session.CurrentDatabase(), *id) : nullptr;
+}
+
+Value ColumnProperty(SessionCore& session, Values values, Types types) {
+    const TablePtr table = TableById(session, values, types, 0);
+    const ColumnDef* column = table ? table->Find(TextOf(values, types, 1)) : nullptr;
+    if (column == nullptr) {
+        return {};
+    }
+    const std::string property = AsciiUpper(TextOf(values, types, 2));
+    if (property == "ISIDENTITY") {
+        return std::int64_t{column->identity};
+    }
+    if (property == "ALLOWSNULL") {
+        return std::int64_t{column->nullable};
+    }
+    if (property == "ISCOMPUTED") {
+        return std::int64_t{!column->computed.empty()};
+    }
+    if (property == "ISROWGUIDCOL") {
+        return std::int64_t{column->row_guid};
+    }
+    if (property == "COLUMNID") {
+        return std::int64_t{column->id};
+    }
+    if (property == "PRECISION") {
+        return std::int64_t{TypePrecision(column->type)};
+    }
+    if (property == "SCALE") {
+        const std::optional<std::int32_t> scale = TypeScale(column->type);
+        return scale ? Value(std::int64_t{*scale}) : Value();
+    }
+    if (property == "ISIDNOTFORREPL" || property == "ISOUTPARAM" || property == "ISINDEXABLE") {
+        return std::int64_t{property == "ISINDEXABLE" && !IsOldLob(column->type.id)};
+    }
+    if (property == "USESANSITRIM") {
+        return std::int64_t{1};
+    }
+    return {};
+}
+
+Value ColLength(SessionCore& session, Values values, Types types) {
+    const std::optional<Found> found = FindNamed(session, TextOf(values, types, 0));
+    const TablePtr table = found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const ColumnDef* column = table ? table->Find(TextOf(values, types, 1)) : nullptr;
+    return column == nullptr ? Value() : Value(std::int64_t{StorageBytes(column->type)});
+}
+
+Value ColName(SessionCore& session, Values values, Types types) {
+    const TablePtr table = TableById(session, values, types, 0);
+    const std::optional<std::int64_t> id = IntOf(values, types, 1);
+    for (const ColumnDef& column : table ? table->columns : std::vector<ColumnDef>()) {
+        if (id && column.id == *id) {
+            return column.name;
+        }
+    }
+    return {};
+}
+
+Value IdentityInfo(SessionCore& session, const std::string& name, int what) {
+    const std::optional<Found> found = FindNamed(session, name);
+    const TablePtr table = found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const ColumnDef* column = table ? table->IdentityColumn() : nullptr;
+    if (column == nullptr) {
+        return {};
+    }
+    std::int64_t value = what == 1 ? column->seed : column->increment;
+    if (what == 0) {
+        value = found->catalogue->IdentityValue(table->id).value_or(column->seed);
+    }
+    return Decimal{value, 0};
+}
+
+// ------------------------------------------------------------------ databases and server
+
+Value DbId(SessionCore& session, Values values, Types types) {
+    const std::string name = values.empty() ? session.CurrentDatabaseName() : TextOf(values, types, 0);
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+    return info ? Value(std::int64_t{info->id}) : Value();
+}
+
+Value DbName(SessionCore& session, Values values, Types types) {
+    if (values.empty()) {
+        return session.CurrentDatabaseName();
+    }
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    for (const DatabaseInfo& info : ListDatabases(session.connection)) {
+        if (id && info.id == *id) {
+            return info.name;
+        }
+    }
+    return {};
+}
+
+/// Numbers as texts: the one type that stands for sql_variant here.
+Value ServerProperty(SessionCore& session, Values values, Types types) {
+    const std::string property = AsciiUpper(TextOf(values, types, 0));
+    const std::string& server = session.server.ServerName();
+    const std::size_t slash = server.find('\\');
+    if (property == "SERVERNAME") {
+        return server;
+    }
+    if (property == "MACHINENAME" || property == "COMPUTERNAMEPHYSICALNETBIOS") {
+        return server.substr(0, slash);
+    }
+    if (property == "INSTANCENAME") {
+        return slash == std::string::npos ? Value() : Value(server.substr(slash + 1));
+    }
+    struct Property {
+        std::string_view name;
+        std::string_view value;
+    };
+    static constexpr std::array<Property, 12> kProperties = {{{"PRODUCTVERSION", kProductVersion},
+                                                              {"PRODUCTLEVEL", "RTM"},
+                                                              {"EDITION", "Development Server (SQLite)"},
+                                                              {"ENGINEEDITION", "4"},
+                                                              {"COLLATION", "SQL_Latin1_General_CP1_CI_AS"},
+                                                              {"ISCLUSTERED", "0"},
+                                                              {"ISFULLTEXTINSTALLED", "0"},
+                                                              {"ISINTEGRATEDSECURITYONLY", "0"},
+                                                              {"ISSINGLEUSER", "0"},
+                                                              {"LICENSETYPE", "DISABLED"},
+                                                              {"SQLCHARSETNAME", "iso_1"},
+                                                              {"RESOURCEVERSION", kProductVersion}}};
+    for (const Property& entry : kProperties) {
+        if (entry.name == property) {
+            return std::string(entry.value);
+        }
+    }
+    return {};
+}
+
+Value DatabasePropertyEx(SessionCore& session, Values values, Types types) {
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, TextOf(values, types, 0));
+    if (!info) {
+        return {};
+    }
+    const std::string property = AsciiUpper(TextOf(values, types, 1));
+    const auto option = [&](const std::string& name, const std::string& otherwise) {
+        const auto found = info->options.find(name);
+        return found == info->options.end() ? otherwise : found->second;
+    };
+    if (property == "STATUS") {
+        return std::string("ONLINE");
+    }
+    if (property == "COLLATION") {
+        return option("COLLATE", "SQL_Latin1_General_CP1_CI_AS");
+    }
+    if (property == "RECOVERY") {
+        return option("RECOVERY", "FULL");
+    }
+    if (property == "USERACCESS") {
+        return std::string(info->Option("SINGLE_USER") ? "SINGLE_USER" : "MULTI_USER");
+    }
+    if (property == "UPDATEABILITY") {
+        return std::string("READ_WRITE");
+    }
+    if (property == "ISPUBLISHED") {
+        return std::string(info->Option("PUBLISHED") ? "1" : "0");
+    }
+    if (property == "VERSION") {
+        return std::string("539");
+    }
+    if (property.starts_with("IS")) {
+        return std::string(info->Option(property.substr(2)) ? "1" : "0");
+    }
+    return {};
+}
+
+Value HasDbAccess(SessionCore& session, Values values, Types types) {
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, TextOf(values, types, 0));
+    return info ? Value(std::int64_t{1}) : Value();
+}
+
+Value SuserSid(SessionCore& session, Values values, Types types) {
+    const std::string name = values.empty() ? session.login : TextOf(values, types, 0);
+    SqliteStatement row = session.connection.Prepare("SELECT sid FROM devsql_logins WHERE name = ?1");
+    row.BindText(1, name);
+    return row.Step() ? row.Column(0, Sized(TypeId::VarBinary, 85)) : Value();
+}
+
+Value SuserName(SessionCore& session, Values values, Types types) {
+    if (values.empty() || types[0].id == TypeId::Int) {
+        return session.login;
+    }
+    SqliteStatement row = session.connection.Prepare("SELECT name FROM devsql_logins WHERE sid = ?1");
+    row.Bind(1, values[0], types[0]);
+    return row.Step() ? Value(row.Text(0)) : Value();
+}
+
+std::string CurrentUser(SessionCore& session) {
+    SqliteStatement row =
+        session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_users WHERE login = ?1 AND id > 4");
+    row.BindText(1, session.login);
+    return row.Step() ? row.Text(0) : "dbo";
+}
+
+Value UserName(SessionCore& session, Values values, Types types) {
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    if (!id) {
+        return CurrentUser(session);
+    }
+    SqliteStatement row = session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_users WHERE id = ?1");
+    row.BindInt(1, *id);
+    return row.Step() ? Value(row.Text(0)) : Value();
+}
+
+Value UserId(SessionCore& session, Values values, Types types) {
+    SqliteStatement row = session.CurrentDatabase().Prepare("SELECT id FROM {db}.devsql_users WHERE name = ?1");
+    row.BindText(1, values.empty() ? CurrentUser(session) : TextOf(values, types, 0));
+    return row.Step() ? Value(row.Int(0)) : Value();
+}
+
+Value IsMember(SessionCore& session, Values values, Types types) {
+    const std::string role = TextOf(values, types, 0);
+    return std::int64_t{AsciiEqual(role, "db_owner") || AsciiEqual(role, "public") || AsciiEqual(role, "sysadmin")} |
+           std::int64_t{!CurrentUser(session).empty() && AsciiEqual(role, "dbcreator")};
+}
+
+Value CursorStatus(SessionCore& session, Values values, Types types) {
+    const std::shared_ptr<Cursor> cursor = session.FindCursor(TextOf(values, types, 1));
+    return std::int64_t{!cursor ? -3 : cursor->open ? (cursor->rows.rows.empty() ? 0 : 1) : -1};
+}
+
+const Message* Caught(const SessionCore& session) {
+    return session.caught.empty() ? nullptr : &session.caught.back().message;
+}
+
+Value TypeIdOf(SessionCore&, Values values, Types types) {
+    const std::optional<TypeId> id = FindTypeId(TextOf(values, types, 0));
+    return id ? Value(std::int64_t{SystemTypeOf(*id).xtype}) : Value();
+}
+
+Value TypeNameOf(SessionCore&, Values values, Types types) {
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    for (const SystemType& type : SystemTypes()) {
+        if (id && type.xtype == *id) {
+            return std::string(type.name);
+        }
+    }
+    return {};
+}
+
+// ------------------------------------------------------------------ the table
+
+constexpr SessionFunction kFunctions[] = {
+    {"GETDATE", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
+    {"CURRENT_TIMESTAMP", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
+    {"NOW", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
+    {"GETUTCDATE", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return UtcNow(); }, true},
+    {"OBJECT_ID", 1, 2, kInt, ObjectId, false},
+    {"OBJECT_NAME", 1, 1, kName, ObjectName, false},
+    {"OBJECTPROPERTY", 2, 2, kInt, ObjectProperty, false},
+    {"OBJECTPROPERTYEX", 2, 2, kInt, ObjectProperty, false},
+    {"COLUMNPROPERTY", 3, 3, kInt, ColumnProperty, false},
+    {"COL_LENGTH", 2, 2, Simple(TypeId::SmallInt), ColLength, false},
+    {"COL_NAME", 2, 2, kName, ColName, false},
+    {"IDENT_CURRENT", 1, 1, DecimalType(38, 0), [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 0); }, false},
+    {"IDENT_SEED", 1, 1, DecimalType(38, 0), [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 1); }, false},
+    {"IDENT_INCR", 1, 1, DecimalType(38, 0), [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 2); }, false},
+    {"SCOPE_IDENTITY", 0, 0, DecimalType(38, 0),
+     [](SessionCore& s, Values, Types) -> Value {
+         return s.frame().has_scope_identity ? Value(Decimal{s.frame().scope_identity, 0}) : Value();
+     },
+     true},
+    {"DB_ID", 0, 1, Simple(TypeId::SmallInt), DbId, false},
+    {"DB_NAME", 0, 1, kName, DbName, false},
+    {"SERVERPROPERTY", 1, 1, Sized(TypeId::NVarChar, 256), ServerProperty, false},
+    {"DATABASEPROPERTYEX", 2, 2, Sized(TypeId::NVarChar, 256), DatabasePropertyEx, false},
+    {"DATABASEPROPERTY", 2, 2, Sized(TypeId::NVarChar, 256), DatabasePropertyEx, false},
+    {"HAS_DBACCESS", 1, 1, kInt, HasDbAccess, false},
+    {"SUSER_SID", 0, 1, Sized(TypeId::VarBinary, 85), SuserSid, false},
+    {"SUSER_NAME", 0, 1, kName, SuserName, false},
+    {"SUSER_SNAME", 0, 1, kName, SuserName, false},
+    {"ORIGINAL_LOGIN", 0, 0, kName, SuserName, true},
+    {"SYSTEM_USER", 0, 0, kName, SuserName, true},
+    {"USER_NAME", 0, 1, kName, UserName, false},
+    {"USER", 0, 0, kName, UserName, true},
+    {"CURRENT_USER", 0, 0, kName, UserName, true},
+    {"SESSION_USER", 0, 0, kName, UserName, true},
+    {"USER_ID", 0, 1, Simple(TypeId::SmallInt), UserId, false},
+    {"SCHEMA_NAME", 0, 1, kName, [](SessionCore&, Values, Types) -> Value { return std::string("dbo"); }, false},
+    {"SCHEMA_ID", 0, 1, kInt, [](SessionCore&, Values, Types) -> Value { return std::int64_t{1}; }, false},
+    {"IS_MEMBER", 1, 1, kInt, IsMember, false},
+    {"IS_SRVROLEMEMBER", 1, 2, kInt, IsMember, false},
+    {"PERMISSIONS", 0, 2, kInt, [](SessionCore&, Values, Types) -> Value { return std::int64_t{0x1F1F1F1F}; }, false},
+    {"HOST_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.host_name; }, true},
+    {"APP_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.application; }, true},
+    {"XACT_STATE", 0, 0, Simple(TypeId::SmallInt),
+     [](SessionCore& s, Values, Types) -> Value {
+         return std::int64_t{s.doomed ? -1 : s.transaction_count() > 0 ? 1 : 0};
+     },
+     true},
+    {"CURSOR_STATUS", 2, 2, Simple(TypeId::SmallInt), CursorStatus, false},
+    {"TYPE_ID", 1, 1, kInt, TypeIdOf, false},
+    {"TYPE_NAME", 1, 1, kName, TypeNameOf, false},
+    {"ERROR_NUMBER", 0, 0, kInt, [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(std::int64_t{Caught(s)->number}) : Value(); }, true},
+    {"ERROR_SEVERITY", 0, 0, kInt, [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(std::int64_t{Caught(s)->severity}) : Value(); }, true},
+    {"ERROR_STATE", 0, 0, kInt, [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(std::int64_t{Caught(s)->state}) : Value(); }, true},
+    {"ERROR_LINE", 0, 0, kInt, [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(std::int64_t{Caught(s)->line}) : Value(); }, true},
+    {"ERROR_MESSAGE", 0, 0, Sized(TypeId::NVarChar, 4000), [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(Caught(s)->text) : Value(); }, true},
+    {"ERROR_PROCEDURE", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return Caught(s) && !Caught(s)->procedure.empty() ? Value(Caught(s)->procedure) : Value(); }, true},
+};
+
+struct GlobalVariable {
+    std::string_view name;
+    Type type;
+    Value (*value)(SessionCore& session);
+};
+
+constexpr GlobalVariable kGlobals[] = {
+    {"@@ERROR", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.last_error}; }},
+    {"@@ROWCOUNT", kInt, [](SessionCore& s) -> Value { return s.row_count; }},
+    {"@@TRANCOUNT", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.transaction_count()}; }},
+    {"@@IDENTITY", DecimalType(38, 0, TypeId::Numeric), [](SessionCore& s) -> Value { return s.last_identity ? Value(Decimal{*s.last_identity, 0}) : Value(); }},
+    {"@@FETCH_STATUS", kInt, [](SessionCore& s) -> Value { return s.fetch_status; }},
+    {"@@NESTLEVEL", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.nesting() - 1}; }},
+    {"@@PROCID", kInt, [](SessionCore& s) -> Value { return s.frame().procedure_id; }},
+    {"@@SPID", Simple(TypeId::SmallInt), [](SessionCore& s) -> Value { return std::int64_t{s.id}; }},
+    {"@@SERVERNAME", kName, [](SessionCore& s) -> Value { return s.server.ServerName(); }},
+    {"@@SERVICENAME", kName, [](SessionCore&) -> Value { return std::string("MSSQLSERVER"); }},
+    {"@@VERSION", Sized(TypeId::NVarChar, 300), [](SessionCore&) -> Value { return std::string(kVersionText); }},
+    {"@@MICROSOFTVERSION", kInt, [](SessionCore&) -> Value { return std::int64_t{0x0E0003E8}; }},
+    {"@@LANGUAGE", kName, [](SessionCore&) -> Value { return std::string("us_english"); }},
+    {"@@LANGID", Simple(TypeId::SmallInt), [](SessionCore&) -> Value { return std::int64_t{0}; }},
+    {"@@DATEFIRST", Simple(TypeId::TinyInt), [](SessionCore& s) -> Value { return s.options.datefirst; }},
+    {"@@TEXTSIZE", kInt, [](SessionCore& s) -> Value { return s.options.textsize; }},
+    {"@@LOCK_TIMEOUT", kInt, [](SessionCore& s) -> Value { return s.options.lock_timeout; }},
+    {"@@MAX_PRECISION", Simple(TypeId::TinyInt), [](SessionCore&) -> Value { return std::int64_t{38}; }},
+    {"@@MAX_CONNECTIONS", kInt, [](SessionCore&) -> Value { return std::int64_t{32767}; }},
+    {"@@CURSOR_ROWS", kInt, [](SessionCore&) -> Value { return std::int64_t{0}; }},
+    {"@@OPTIONS", kInt, [](SessionCore& s) -> Value { return std::int64_t{(s.options.nocount ? 512 : 0) | (s.options.quoted_identifier ? 256 : 0) | (s.options.ansi_nulls ? 32 : 0) | (s.options.xact_abort ? 16384 : 0) | 4096}; }},
+    {"@@DBTS", Sized(TypeId::VarBinary, 8),
+     [](SessionCore& s) -> Value {
+         std::string bytes(8, '\0');
+         auto number = static_cast<std::uint64_t>(s.CurrentDatabase().LastTimestamp());
+         for (std::size_t i = 8; i-- > 0; number >>= 8) {
+             bytes[i] = static_cast<char>(number & 0xFF);
+         }
+         return Bytes{bytes};
+     }},
+};
+
+} // namespace
+
+const SessionFunction* FindSessionFunction(std::string_view name) {
+    for (const SessionFunction& function : kFunctions) {
+        if (function.name == name) {
+            return &function;
+        }
+    }
+    return nullptr;
+}
+
+BoundPtr SessionCore::Global(std::string_view name) {
+    for (const GlobalVariable& variable : kGlobals) {
+        if (AsciiEqual(variable.name, name)) {
+            return MakeConstant(variable.value(*this), variable.type);
+        }
+    }
+    RaiseError(137, {name});
+}
+
+} // namespace devsql

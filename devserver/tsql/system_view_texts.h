@@ -1,0 +1,18 @@
+// The texts of the catalogue's views.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace devsql {
+
+struct SystemViewSource {
+    std::string_view schema;
+    std::string_view name;
+    std::string_view columns; ///< "name type, …"
+    std::string_view text;    ///< SQLite's SQL; its columns are named as `columns` has them
+};
+
+std::span<const SystemViewSource> SystemViewSources();
+
+} // namespace devsql
