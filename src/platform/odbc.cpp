@@ -27,11 +27,6 @@ constexpr std::string_view kDriverBehindUnixOdbc = "libtdsodbc";
 constexpr std::string_view kConnectionClass = "08";
 constexpr const char* kCommunicationFailure = "08S01";
 
-/// ODBC takes small numbers as attribute values in place of a pointer to them.
-SQLPOINTER AttributeValue(std::uintptr_t number) {
-    return reinterpret_cast<SQLPOINTER>(number);
-}
-
 std::string DiagnosticText(HandleKind kind, void* handle, SQLSMALLINT record, SQLSMALLINT field) {
     TextBuffer text(512);
     SQLSMALLINT length = 0;

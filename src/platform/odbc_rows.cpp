@@ -41,10 +41,6 @@ std::size_t RoomFor(SQLSMALLINT c_type, std::size_t size) {
     return c_type == SQL_C_WCHAR ? size - sizeof(char16_t) : size;
 }
 
-SQLPOINTER AttributeValue(std::uintptr_t number) {
-    return reinterpret_cast<SQLPOINTER>(number);
-}
-
 } // namespace
 
 struct RowReader::State {

@@ -70,10 +70,8 @@ Statement& Statement::operator=(Statement&& other) noexcept {
 Statement::~Statement() = default;
 
 void Statement::SetQueryTimeout(unsigned seconds) {
-    handle_.Check("SQLSetStmtAttr",
-                  SQLSetStmtAttrW(handle_.Get(), SQL_ATTR_QUERY_TIMEOUT,
-                                  reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(seconds)),
-                                  SQL_IS_UINTEGER));
+    handle_.Check("SQLSetStmtAttr", SQLSetStmtAttrW(handle_.Get(), SQL_ATTR_QUERY_TIMEOUT,
+                                                    AttributeValue(seconds), SQL_IS_UINTEGER));
 }
 
 void Statement::KeepResultsBehindError() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,11 @@
 namespace platform::odbc {
 
 static_assert(sizeof(SQLWCHAR) == sizeof(char16_t));
+
+/// ODBC takes small numbers as attribute values in place of a pointer to them.
+inline SQLPOINTER AttributeValue(std::uintptr_t number) {
+    return reinterpret_cast<SQLPOINTER>(number); // NOLINT(performance-no-int-to-ptr): the call wants it so
+}
 
 /// A text on its way into a call. The wide calls are used, and the text is converted here: what the narrow
 /// ones take their bytes for depends on the driver manager, the driver and the locale (docs/odbc.md).

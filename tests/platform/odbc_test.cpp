@@ -25,7 +25,6 @@ static_assert(!std::is_copy_constructible_v<Statement> && std::is_nothrow_move_c
 class Odbc : public ::testing::Test {
   protected:
     Odbc() { fakes::ResetCounting(); }
-    ~Odbc() override { fakes::ResetCounting(); }
 
     void ExpectNothingLeft() const {
         EXPECT_EQ(Counting().open_handles, 0U);

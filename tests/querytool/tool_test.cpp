@@ -190,7 +190,7 @@ class ToolFiles : public Tool {
                   ("osql_test_" + std::to_string(std::random_device{}()))) {
         std::filesystem::create_directory(folder_);
     }
-    ~ToolFiles() override { std::filesystem::remove_all(folder_); }
+    void TearDown() override { std::filesystem::remove_all(folder_); }
 
     std::string Path(const char* name) const { return (folder_ / name).string(); }
     std::filesystem::path folder_;
