@@ -1,0 +1,215 @@
+#include "fakes/fake_ado.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+namespace fakes {
+namespace {
+
+FakeAdo* current = nullptr;
+constexpr char kExecute[] = "Execute 1 ";
+
+} // namespace
+
+AdoAnswer Rows(std::vector<AdoRow> rows) {
+    AdoAnswer answer;
+    const std::size_t fields = rows.empty() ? 1 : rows.front().size();
+    for (std::size_t i = 0; i < fields; ++i) {
+        answer.fields.push_back("column" + std::to_string(i));
+    }
+    answer.rows = std::move(rows);
+    return answer;
+}
+
+AdoAnswer Failing(std::int32_t number, const std::string& description) {
+    AdoAnswer answer;
+    answer.errors = {{number, description, "SQL Server", 50000, "42000"}};
+    answer.fails = true;
+    return answer;
+}
+
+AdoAnswer WithErrors(const std::vector<std::int32_t>& numbers) {
+    AdoAnswer answer;
+    for (const std::int32_t number : numbers) {
+        answer.errors.push_back({number, "error " + std::to_string(number), "SQL Server", 0, "01000"});
+    }
+    return answer;
+}
+
+FakeAdo::FakeAdo() {
+    current = this;
+}
+
+FakeAdo::~FakeAdo() {
+    current = nullptr;
+}
+
+FakeAdo& FakeAdo::Current() {
+    if (current == nullptr) {
+        std::fputs("a connection was used, and the test has no FakeAdo\n", stderr);
+        std::abort();
+    }
+    return *current;
+}
+
+void FakeAdo::Answer(const std::string& statement, AdoAnswer answer) {
+    answers_[statement].push_back(std::move(answer));
+}
+
+std::vector<std::string> FakeAdo::Statements() const {
+    std::vector<std::string> statements;
+    for (const std::string& call : calls) {
+        if (call.starts_with(kExecute)) {
+            statements.push_back(call.substr(sizeof kExecute - 1));
+        }
+    }
+    return statements;
+}
+
+AdoAnswer FakeAdo::Take(const std::string& call) {
+    const auto found = answers_.find(call);
+    if (found == answers_.end() || found->second.empty()) {
+        return {};
+    }
+    AdoAnswer answer = std::move(found->second.front());
+    found->second.erase(found->second.begin());
+    return answer;
+}
+
+} // namespace fakes
+
+namespace ado {
+
+using fakes::AdoAnswer;
+using fakes::FakeAdo;
+
+struct Connection::Impl {
+    Impl() { ++FakeAdo::Current().connections; }
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+    ~Impl() {
+        --FakeAdo::Current().connections;
+        if (open) {
+            --FakeAdo::Current().open_connections;
+            ++FakeAdo::Current().closed_by_going;
+        }
+    }
+
+    void Record(const std::string& call) const { FakeAdo::Current().calls.push_back(call); }
+    AdoAnswer Take(const std::string& call) {
+        AdoAnswer answer = FakeAdo::Current().Take(call);
+        errors = ado::Errors(answer.errors);
+        if (answer.fails) {
+            if (answer.errors.empty()) {
+                throw CallError(-2147467259, "fake", "Unspecified error");
+            }
+            const Error& first = answer.errors.front();
+            throw CallError(first.Number, first.Source, first.Description);
+        }
+        return answer;
+    }
+
+    std::int32_t cursor_location = adUseServer;
+    std::string connection_string;
+    std::int32_t connection_timeout = 15;
+    std::int32_t command_timeout = 30;
+    ado::Errors errors;
+    bool open = false;
+};
+
+Connection::Connection() : impl_(std::make_unique<Impl>()) {}
+Connection::Connection(Connection&&) noexcept = default;
+Connection& Connection::operator=(Connection&&) noexcept = default;
+Connection::~Connection() = default;
+
+void Connection::CursorLocation(std::int32_t value) {
+    impl_->Record("CursorLocation " + std::to_string(value));
+    impl_->cursor_location = value;
+}
+std::int32_t Connection::CursorLocation() const {
+    return impl_->cursor_location;
+}
+
+void Connection::ConnectionString(const std::string& value) {
+    impl_->Record("ConnectionString " + value);
+    impl_->connection_string = value;
+}
+const std::string& Connection::ConnectionString() const {
+    return impl_->connection_string;
+}
+
+void Connection::ConnectionTimeout(std::int32_t seconds) {
+    impl_->Record("ConnectionTimeout " + std::to_string(seconds));
+    impl_->connection_timeout = seconds;
+}
+std::int32_t Connection::ConnectionTimeout() const {
+    return impl_->connection_timeout;
+}
+
+void Connection::CommandTimeout(std::int32_t seconds) {
+    impl_->Record("CommandTimeout " + std::to_string(seconds));
+    impl_->command_timeout = seconds;
+}
+std::int32_t Connection::CommandTimeout() const {
+    return impl_->command_timeout;
+}
+
+void Connection::Open(const std::string& connection_string, const std::string& user,
+                      const std::string& password, std::int32_t options) {
+    impl_->Record("Open '" + connection_string + "' '" + user + "' '" + password + "' " +
+                  std::to_string(options));
+    if (impl_->open) {
+        RaiseOwnError(kObjectOpen, "fake");
+    }
+    impl_->Take("Open");
+    if (impl_->connection_string.empty()) {
+        throw CallError(-2147467259, "fake", "Data source name not found and no default driver specified");
+    }
+    impl_->open = true;
+    ++FakeAdo::Current().open_connections;
+}
+
+std::unique_ptr<Recordset> Connection::Execute(const std::string& command_text,
+                                               std::int64_t& records_affected, std::int32_t options) {
+    impl_->Record("Execute " + std::to_string(options) + " " + command_text);
+    if (!impl_->open) {
+        RaiseOwnError(kObjectClosed, "fake");
+    }
+    AdoAnswer answer = impl_->Take(command_text);
+    records_affected = -1;
+    if (answer.no_recordset) {
+        return nullptr;
+    }
+    if (answer.fields.empty()) {
+        return std::make_unique<Recordset>();
+    }
+    RowStore rows;
+    for (const fakes::AdoRow& row : answer.rows) {
+        rows.Append(row);
+    }
+    return std::make_unique<Recordset>(std::move(answer.fields), std::move(rows));
+}
+
+std::int32_t Connection::State() const {
+    return impl_->open ? adStateOpen : adStateClosed;
+}
+
+void Connection::Close() {
+    impl_->Record("Close");
+    if (!impl_->open) {
+        RaiseOwnError(kObjectClosed, "fake");
+    }
+    impl_->Take("Close");
+    impl_->open = false;
+    --FakeAdo::Current().open_connections;
+}
+
+const ado::Errors& Connection::Errors() const {
+    if (FakeAdo::Current().on_errors_read) {
+        FakeAdo::Current().on_errors_read();
+    }
+    return impl_->errors;
+}
+
+} // namespace ado
