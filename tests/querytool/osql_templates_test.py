@@ -1,0 +1,88 @@
+# The sample templates run whole through OSQL.EXE on a development server, and what they made stands there, asked by
+# the tool itself and by a client that is not ours.
+#
+#   osql_templates_test.py DEVSQLSERVER OSQL.EXE SCRIPT_FOLDER [--wine]
+import os
+import subprocess
+import sys
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+TOP = os.path.dirname(os.path.dirname(HERE))
+sys.path.insert(0, os.path.join(TOP, "tests", "samples"))
+
+from installed_samples_test import PASSWORD, TEMPLATES, USER, Server, modified  # noqa: E402
+
+
+class Templates(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.server = Server(PROGRAM)
+        cls.addClassCleanup(cls.server.stop)
+        cls.codes, cls.outputs = {}, {}
+        for name in TEMPLATES:
+            path = os.path.join(cls.server.root, name + ".sql")
+            with open(path, "w", encoding="cp1252", newline="") as file:
+                file.write(modified(os.path.join(FOLDER, name + ".sql"), cls.server.data))
+            output = os.path.join(cls.server.root, name + ".txt")
+            cls.codes[name] = cls.tool("-i", cls.native(path), "-o", cls.native(output)).returncode
+            with open(output, encoding="cp1252") as file:
+                cls.outputs[name] = file.read()
+
+    @classmethod
+    def native(cls, path):
+        return "Z:" + path.replace("/", "\\") if WINE else path
+
+    @classmethod
+    def tool(cls, *arguments):
+        command = [os.path.join(TOP, "tests", "run-under-wine")] if WINE else []
+        command += [TOOL, "-S", f"127.0.0.1,{cls.server.port}", "-U", USER, "-P", PASSWORD, *arguments]
+        environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "platform", "odbc_config"))
+        return subprocess.run(command, stdout=subprocess.PIPE, env=environment, timeout=300, stdin=subprocess.DEVNULL)
+
+    def ask(self, query):
+        """The words that the tool prints for a query, without headings and counts."""
+        done = self.tool("-d", "Batch", "-n", "-h-1", "-w", "500", "-Q", "SET NOCOUNT ON " + query)
+        self.assertEqual(done.returncode, 0, done.stdout)
+        return done.stdout.decode("cp1252").split()
+
+    def test_every_template_runs_without_an_error(self):
+        for name in TEMPLATES:
+            errors = [line for line in self.outputs[name].splitlines() if "Msg " in line or "lost" in line]
+            self.assertEqual((self.codes[name], errors), (0, []), name)
+
+    def test_every_batch_of_a_template_was_run(self):
+        for name in TEMPLATES:
+            self.assertTrue(self.outputs[name].endswith("1> "), self.outputs[name][-200:])
+
+    def test_tables_and_procedures_stand_as_another_client_sees_them(self):
+        with self.server.connect("Batch") as connection, connection.cursor() as cursor:
+            for kind in ("U", "P", "V"):
+                cursor.execute("SELECT name FROM sysobjects WHERE xtype = %s ORDER BY name", (kind,))
+                names = [row[0] for row in cursor.fetchall()]
+                self.assertTrue(names, kind)
+                self.assertEqual(self.ask(f"SELECT name FROM sysobjects WHERE xtype = '{kind}' ORDER BY name"), names)
+
+    def test_the_version_is_read_as_the_program_reads_it(self):
+        with self.server.connect("Batch") as connection, connection.cursor() as cursor:
+            cursor.execute("SELECT * FROM LKConfig")
+            row = [value for row in cursor.fetchall() for value in row if row[0] == "DatabaseVersion"]
+        self.assertTrue(row)
+        words = self.ask("SELECT * FROM LKConfig WHERE 1 = 1")
+        for value in row:
+            for word in str(value).split():
+                self.assertIn(word, words)
+
+    def test_a_login_that_is_refused_is_told(self):
+        command = [os.path.join(TOP, "tests", "run-under-wine")] if WINE else []
+        command += [TOOL, "-S", f"127.0.0.1,{self.server.port}", "-U", USER, "-P", "-Q", "SELECT 1"]
+        environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "platform", "odbc_config"))
+        done = subprocess.run(command, stdout=subprocess.PIPE, env=environment, timeout=60)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(f"Login failed for user '{USER}'.", done.stdout.decode())
+
+
+if __name__ == "__main__":
+    PROGRAM, TOOL, FOLDER = sys.argv[1:4]
+    WINE = "--wine" in sys.argv[4:]
+    unittest.main(argv=[sys.argv[0], "-v"])
