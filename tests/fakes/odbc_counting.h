@@ -27,9 +27,9 @@ struct OdbcResult {
     bool with_long_column = false;
     std::size_t rows = 0;
     std::int64_t row_count = -1;
-    std::size_t long_size = 0;       ///< characters of each long text
+    std::size_t long_size = 0;         ///< characters of each long text
     std::vector<OdbcRecord> records{}; ///< come with it, by SQL_SUCCESS_WITH_INFO
-    bool fails = false;              ///< the call that should give it fails, with its records
+    bool fails = false;                ///< the call that should give it fails, with its records
 };
 
 /// What the fake holds. One for the process, since ODBC's functions know no other place.
