@@ -6,8 +6,8 @@
 
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/date_time.h"
-#include "devserver/tsql/scalar/type_rules.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/scalar/type_rules.h"
 
 namespace devsql {
 namespace {
@@ -55,7 +55,8 @@ std::string WithAlias(std::string_view text, const std::string& alias) {
     const std::string quoted = QuoteName(alias);
     std::string result;
     std::size_t at = 0;
-    for (std::size_t found = text.find("{db}"); found != std::string_view::npos; found = text.find("{db}", at)) {
+    for (std::size_t found = text.find("{db}"); found != std::string_view::npos;
+         found = text.find("{db}", at)) {
         result += text.substr(at, found - at);
         result += quoted;
         at = found + 4;
@@ -151,7 +152,8 @@ std::size_t TableDef::IndexOf(int column) const {
 }
 
 const ColumnDef* TableDef::IdentityColumn() const {
-    const auto found = std::find_if(columns.begin(), columns.end(), [](const ColumnDef& c) { return c.identity; });
+    const auto found =
+        std::find_if(columns.begin(), columns.end(), [](const ColumnDef& c) { return c.identity; });
     return found == columns.end() ? nullptr : &*found;
 }
 
@@ -178,8 +180,9 @@ std::string IndexName(const TableDef& table, const IndexDef& index) {
 } // namespace
 
 std::string CreateIndexText(const TableDef& table, const IndexDef& index) {
-    std::string text = std::string("CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " + QuoteName(table.alias) +
-                       "." + QuoteName(IndexName(table, index)) + " ON " + QuoteName(table.physical) + "(";
+    std::string text = std::string("CREATE ") + (index.unique ? "UNIQUE " : "") + "INDEX " +
+                       QuoteName(table.alias) + "." + QuoteName(IndexName(table, index)) + " ON " +
+                       QuoteName(table.physical) + "(";
     for (const KeyColumn& key : index.columns) {
         const ColumnDef& column = table.ById(key.column);
         std::string item = QuoteName(column.name);
@@ -229,7 +232,8 @@ std::optional<ObjectDef> Catalogue::FindObject(std::string_view schema, std::str
 }
 
 std::optional<ObjectDef> Catalogue::FindObject(std::int64_t id) {
-    SqliteStatement row = Prepare("SELECT " + std::string(kObjectFields) + " FROM {db}.devsql_objects WHERE id = ?1");
+    SqliteStatement row =
+        Prepare("SELECT " + std::string(kObjectFields) + " FROM {db}.devsql_objects WHERE id = ?1");
     row.BindInt(1, id);
     return row.Step() ? std::optional(ReadObject(row)) : std::nullopt;
 }
@@ -273,7 +277,8 @@ void Catalogue::RemoveObject(std::int64_t id) {
          {"DELETE FROM {db}.devsql_foreign_key_columns WHERE id IN "
           "(SELECT id FROM {db}.devsql_foreign_keys WHERE object = ?1 OR id = ?1)",
           "DELETE FROM {db}.devsql_foreign_keys WHERE object = ?1 OR id = ?1",
-          "DELETE FROM {db}.devsql_columns WHERE object = ?1", "DELETE FROM {db}.devsql_indexes WHERE object = ?1",
+          "DELETE FROM {db}.devsql_columns WHERE object = ?1",
+          "DELETE FROM {db}.devsql_indexes WHERE object = ?1",
           "DELETE FROM {db}.devsql_index_columns WHERE object = ?1",
           "DELETE FROM {db}.devsql_identities WHERE object = ?1",
           "DELETE FROM {db}.devsql_permissions WHERE object = ?1",
@@ -307,7 +312,8 @@ void Catalogue::RenameObject(std::int64_t id, std::string_view name) {
 std::string Catalogue::PhysicalName(std::string_view schema, std::string_view name) const {
     const std::string lower = ToLower(name);
     std::string physical = AsciiEqual(schema, "dbo") ? std::string() : std::string(schema) + ".";
-    if (physical.empty() && (lower.starts_with("sqlite_") || lower.starts_with("devsql_") || lower.starts_with("ix_"))) {
+    if (physical.empty() &&
+        (lower.starts_with("sqlite_") || lower.starts_with("devsql_") || lower.starts_with("ix_"))) {
         physical = "dbo.";
     }
     return physical + std::string(name);
@@ -346,8 +352,13 @@ void Catalogue::LoadIndexes(TableDef& table) {
                                   "FROM {db}.devsql_indexes WHERE object = ?1 ORDER BY id");
     row.BindInt(1, table.id);
     while (row.Step()) {
-        IndexDef index{static_cast<int>(row.Int(0)), row.Text(1),     row.Int(2) != 0, row.Int(3) != 0,
-                       row.Int(4) != 0,              row.Int(5) != 0, {}};
+        IndexDef index{static_cast<int>(row.Int(0)),
+                       row.Text(1),
+                       row.Int(2) != 0,
+                       row.Int(3) != 0,
+                       row.Int(4) != 0,
+                       row.Int(5) != 0,
+                       {}};
         SqliteStatement column = Prepare("SELECT column_id, descending FROM {db}.devsql_index_columns "
                                          "WHERE object = ?1 AND id = ?2 ORDER BY ordinal");
         column.BindInt(1, table.id).BindInt(2, index.id);
@@ -359,9 +370,10 @@ void Catalogue::LoadIndexes(TableDef& table) {
 }
 
 void Catalogue::LoadForeignKeys(TableDef& table) {
-    SqliteStatement row = Prepare("SELECT k.id, o.name, k.object, k.referenced, k.on_delete, k.on_update, o.disabled "
-                                  "FROM {db}.devsql_foreign_keys k JOIN {db}.devsql_objects o ON o.id = k.id "
-                                  "WHERE k.object = ?1 OR k.referenced = ?1");
+    SqliteStatement row =
+        Prepare("SELECT k.id, o.name, k.object, k.referenced, k.on_delete, k.on_update, o.disabled "
+                "FROM {db}.devsql_foreign_keys k JOIN {db}.devsql_objects o ON o.id = k.id "
+                "WHERE k.object = ?1 OR k.referenced = ?1");
     row.BindInt(1, table.id);
     while (row.Step()) {
         ForeignKeyDef key;
@@ -372,8 +384,9 @@ void Catalogue::LoadForeignKeys(TableDef& table) {
         key.on_delete = static_cast<OnChange>(row.Int(4));
         key.on_update = static_cast<OnChange>(row.Int(5));
         key.disabled = row.Int(6) != 0;
-        SqliteStatement column = Prepare("SELECT column_id, referenced_column FROM {db}.devsql_foreign_key_columns "
-                                         "WHERE id = ?1 ORDER BY ordinal");
+        SqliteStatement column =
+            Prepare("SELECT column_id, referenced_column FROM {db}.devsql_foreign_key_columns "
+                    "WHERE id = ?1 ORDER BY ordinal");
         column.BindInt(1, key.id);
         while (column.Step()) {
             key.columns.push_back(static_cast<int>(column.Int(0)));
@@ -403,10 +416,11 @@ void Catalogue::AddTable(TableDef table) {
 }
 
 void Catalogue::AddColumn(std::int64_t table, const ColumnDef& column, int position) {
-    SqliteStatement insert =
-        Prepare("INSERT INTO {db}.devsql_columns(object, id, position, name, type, length, precision, scale, user_type, "
-                "nullable, identity, seed, increment, row_guid, default_text, default_name, default_id, computed) "
-                "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, ?17, ?18)");
+    SqliteStatement insert = Prepare(
+        "INSERT INTO {db}.devsql_columns(object, id, position, name, type, length, precision, scale, "
+        "user_type, "
+        "nullable, identity, seed, increment, row_guid, default_text, default_name, default_id, computed) "
+        "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, ?17, ?18)");
     insert.BindInt(1, table).BindInt(2, column.id).BindInt(3, position).BindText(4, column.name);
     BindTypeAt(insert, 5, column.type);
     insert.BindText(9, column.user_type).BindInt(10, column.nullable).BindInt(11, column.identity);
@@ -420,12 +434,13 @@ void Catalogue::AddColumn(std::int64_t table, const ColumnDef& column, int posit
 }
 
 void Catalogue::UpdateColumn(std::int64_t table, const ColumnDef& column) {
-    SqliteStatement update =
-        Prepare("UPDATE {db}.devsql_columns SET name = ?3, type = ?4, length = ?5, precision = ?6, scale = ?7, "
-                "user_type = ?8, nullable = ?9, default_text = ?10, default_name = ?11, default_id = ?12 "
-                "WHERE object = ?1 AND id = ?2");
-    SqliteStatement drop = Prepare("DELETE FROM {db}.devsql_objects WHERE type = 'D' AND id = "
-                                   "(SELECT default_id FROM {db}.devsql_columns WHERE object = ?1 AND id = ?2)");
+    SqliteStatement update = Prepare(
+        "UPDATE {db}.devsql_columns SET name = ?3, type = ?4, length = ?5, precision = ?6, scale = ?7, "
+        "user_type = ?8, nullable = ?9, default_text = ?10, default_name = ?11, default_id = ?12 "
+        "WHERE object = ?1 AND id = ?2");
+    SqliteStatement drop =
+        Prepare("DELETE FROM {db}.devsql_objects WHERE type = 'D' AND id = "
+                "(SELECT default_id FROM {db}.devsql_columns WHERE object = ?1 AND id = ?2)");
     drop.BindInt(1, table).BindInt(2, column.id).Run();
     std::int64_t default_id = 0;
     if (!column.default_name.empty()) {
@@ -445,7 +460,10 @@ void Catalogue::UpdateColumn(std::int64_t table, const ColumnDef& column) {
 }
 
 void Catalogue::RemoveColumn(std::int64_t table, int column) {
-    Prepare("DELETE FROM {db}.devsql_columns WHERE object = ?1 AND id = ?2").BindInt(1, table).BindInt(2, column).Run();
+    Prepare("DELETE FROM {db}.devsql_columns WHERE object = ?1 AND id = ?2")
+        .BindInt(1, table)
+        .BindInt(2, column)
+        .Run();
     Touch();
 }
 
@@ -483,8 +501,9 @@ void Catalogue::AddIndex(const TableDef& table, IndexDef index) {
 
 void Catalogue::RemoveIndex(const TableDef& table, const IndexDef& index) {
     connection_.Execute(DropIndexText(table, index));
-    for (const std::string_view text : {"DELETE FROM {db}.devsql_indexes WHERE object = ?1 AND id = ?2",
-                                        "DELETE FROM {db}.devsql_index_columns WHERE object = ?1 AND id = ?2"}) {
+    for (const std::string_view text :
+         {"DELETE FROM {db}.devsql_indexes WHERE object = ?1 AND id = ?2",
+          "DELETE FROM {db}.devsql_index_columns WHERE object = ?1 AND id = ?2"}) {
         Prepare(text).BindInt(1, table.id).BindInt(2, index.id).Run();
     }
     if (index.constraint) {
@@ -503,9 +522,9 @@ void Catalogue::AddForeignKey(const ForeignKeyDef& key) {
     object.name = key.name;
     object.type = "F";
     object.parent = key.table;
-    AddObject(object);
+    const std::int64_t id = AddObject(object);
     Prepare("INSERT INTO {db}.devsql_foreign_keys VALUES(?1, ?2, ?3, ?4, ?5)")
-        .BindInt(1, key.id)
+        .BindInt(1, id)
         .BindInt(2, key.table)
         .BindInt(3, key.referenced)
         .BindInt(4, static_cast<int>(key.on_delete))
@@ -513,7 +532,7 @@ void Catalogue::AddForeignKey(const ForeignKeyDef& key) {
         .Run();
     for (std::size_t i = 0; i < key.columns.size(); ++i) {
         Prepare("INSERT INTO {db}.devsql_foreign_key_columns VALUES(?1, ?2, ?3, ?4)")
-            .BindInt(1, key.id)
+            .BindInt(1, id)
             .BindInt(2, static_cast<int>(i + 1))
             .BindInt(3, key.columns[i])
             .BindInt(4, key.referenced_columns[i])
@@ -534,7 +553,10 @@ void Catalogue::AddCheck(std::int64_t table, const CheckDef& check) {
 }
 
 void Catalogue::SetDisabled(std::int64_t constraint, bool disabled) {
-    Prepare("UPDATE {db}.devsql_objects SET disabled = ?2 WHERE id = ?1").BindInt(1, constraint).BindInt(2, disabled).Run();
+    Prepare("UPDATE {db}.devsql_objects SET disabled = ?2 WHERE id = ?1")
+        .BindInt(1, constraint)
+        .BindInt(2, disabled)
+        .Run();
     Touch();
 }
 
@@ -546,7 +568,10 @@ std::optional<std::int64_t> Catalogue::IdentityValue(std::int64_t table) {
 
 void Catalogue::SetIdentityValue(std::int64_t table, std::optional<std::int64_t> value) {
     if (value) {
-        Prepare("INSERT OR REPLACE INTO {db}.devsql_identities VALUES(?1, ?2)").BindInt(1, table).BindInt(2, *value).Run();
+        Prepare("INSERT OR REPLACE INTO {db}.devsql_identities VALUES(?1, ?2)")
+            .BindInt(1, table)
+            .BindInt(2, *value)
+            .Run();
     } else {
         Prepare("DELETE FROM {db}.devsql_identities WHERE object = ?1").BindInt(1, table).Run();
     }
@@ -567,11 +592,13 @@ std::int64_t Catalogue::NextTimestamp() {
 
 std::vector<ParameterDef> Catalogue::Parameters(std::int64_t procedure) {
     std::vector<ParameterDef> parameters;
-    SqliteStatement row = Prepare("SELECT name, type, length, precision, scale, user_type, default_text, has_default, "
-                                  "output FROM {db}.devsql_columns WHERE object = ?1 ORDER BY id");
+    SqliteStatement row =
+        Prepare("SELECT name, type, length, precision, scale, user_type, default_text, has_default, "
+                "output FROM {db}.devsql_columns WHERE object = ?1 ORDER BY id");
     row.BindInt(1, procedure);
     while (row.Step()) {
-        parameters.push_back({row.Text(0), ReadType(row, 1), row.Text(5), row.Text(6), row.Int(7) != 0, row.Int(8) != 0});
+        parameters.push_back(
+            {row.Text(0), ReadType(row, 1), row.Text(5), row.Text(6), row.Int(7) != 0, row.Int(8) != 0});
     }
     return parameters;
 }
@@ -580,10 +607,10 @@ void Catalogue::SetParameters(std::int64_t procedure, const std::vector<Paramete
     Prepare("DELETE FROM {db}.devsql_columns WHERE object = ?1").BindInt(1, procedure).Run();
     int id = 1;
     for (const ParameterDef& parameter : parameters) {
-        SqliteStatement insert =
-            Prepare("INSERT INTO {db}.devsql_columns(object, id, position, name, type, length, precision, scale, "
-                    "user_type, nullable, default_text, has_default, output) "
-                    "VALUES(?1, ?2, ?2, ?3, ?4, ?5, ?6, ?7, ?8, 1, ?9, ?10, ?11)");
+        SqliteStatement insert = Prepare(
+            "INSERT INTO {db}.devsql_columns(object, id, position, name, type, length, precision, scale, "
+            "user_type, nullable, default_text, has_default, output) "
+            "VALUES(?1, ?2, ?2, ?3, ?4, ?5, ?6, ?7, ?8, 1, ?9, ?10, ?11)");
         insert.BindInt(1, procedure).BindInt(2, id++).BindText(3, parameter.name);
         BindTypeAt(insert, 4, parameter.type);
         insert.BindText(8, parameter.user_type).BindText(9, parameter.default_text);
@@ -602,8 +629,9 @@ void Catalogue::SetViewColumns(std::int64_t view, const std::vector<ColumnDef>& 
 }
 
 std::optional<UserTypeDef> Catalogue::FindType(std::string_view schema, std::string_view name) {
-    SqliteStatement row = Prepare("SELECT schema, name, type, length, precision, scale, nullable FROM {db}.devsql_types "
-                                  "WHERE name = ?1 AND (schema = ?2 OR ?2 = '')");
+    SqliteStatement row =
+        Prepare("SELECT schema, name, type, length, precision, scale, nullable FROM {db}.devsql_types "
+                "WHERE name = ?1 AND (schema = ?2 OR ?2 = '')");
     row.BindText(1, name).BindText(2, schema);
     if (!row.Step()) {
         return std::nullopt;

@@ -71,7 +71,7 @@ struct TableDef {
     std::string alias; ///< of the attached database in SQLite: "main", "db7", "temp"
     std::string schema;
     std::string name;
-    std::string physical; ///< the table's name in SQLite
+    std::string physical;           ///< the table's name in SQLite
     std::vector<ColumnDef> columns; ///< in their order
     std::vector<IndexDef> indexes;
     std::vector<ForeignKeyDef> foreign_keys;

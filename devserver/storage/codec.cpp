@@ -121,7 +121,8 @@ Value DecodeDecimal(sqlite3_value* value, std::uint8_t scale) {
         return Decimal{sqlite3_value_int64(value), scale};
     }
     const std::string blob = BlobOf(value);
-    return Decimal{FromLongDecimal({reinterpret_cast<const unsigned char*>(blob.data()), blob.size()}), scale};
+    return Decimal{FromLongDecimal({reinterpret_cast<const unsigned char*>(blob.data()), blob.size()}),
+                   scale};
 }
 
 DateTime DecodeDateTime(std::int64_t ticks) {

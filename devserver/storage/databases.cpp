@@ -27,12 +27,13 @@ DatabaseInfo ReadDatabase(SqliteConnection& connection, const SqliteStatement& r
     info.name = row.Text(1);
     info.owner = row.Text(2);
     info.created = row.Int(3);
-    SqliteStatement file = connection.Prepare("SELECT id, name, client_path, path, log, file_group, size, max_size, "
-                                              "growth FROM devsql_files WHERE database = ?1 ORDER BY id");
+    SqliteStatement file =
+        connection.Prepare("SELECT id, name, client_path, path, log, file_group, size, max_size, "
+                           "growth FROM devsql_files WHERE database = ?1 ORDER BY id");
     file.BindInt(1, info.id);
     while (file.Step()) {
-        info.files.push_back({static_cast<int>(file.Int(0)), file.Text(1), file.Text(2), file.Text(3), file.Int(4) != 0,
-                              file.Text(5), file.Text(6), file.Text(7), file.Text(8)});
+        info.files.push_back({static_cast<int>(file.Int(0)), file.Text(1), file.Text(2), file.Text(3),
+                              file.Int(4) != 0, file.Text(5), file.Text(6), file.Text(7), file.Text(8)});
     }
     SqliteStatement option = connection.Prepare("SELECT name, value FROM devsql_options WHERE database = ?1");
     option.BindInt(1, info.id);
@@ -65,8 +66,8 @@ constexpr std::array<std::uint32_t, 64> kRound = {
 void HashBlock(Digest& digest, const unsigned char* block) {
     std::array<std::uint32_t, 64> w{};
     for (std::size_t i = 0; i < 16; ++i) {
-        w[i] = static_cast<std::uint32_t>(block[4 * i] << 24 | block[4 * i + 1] << 16 | block[4 * i + 2] << 8 |
-                                          block[4 * i + 3]);
+        w[i] = static_cast<std::uint32_t>(block[4 * i] << 24 | block[4 * i + 1] << 16 |
+                                          block[4 * i + 2] << 8 | block[4 * i + 3]);
     }
     for (std::size_t i = 16; i < 64; ++i) {
         const std::uint32_t a = w[i - 15];
@@ -96,7 +97,8 @@ std::string Sha256(std::string text) {
     for (int shift = 56; shift >= 0; shift -= 8) {
         text += static_cast<char>(bits >> shift & 0xFF);
     }
-    Digest digest = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a, 0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
+    Digest digest = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+                     0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
     for (std::size_t at = 0; at < text.size(); at += 64) {
         HashBlock(digest, reinterpret_cast<const unsigned char*>(text.data() + at));
     }
@@ -121,14 +123,16 @@ void CreateDatabaseList(SqliteConnection& connection) {
 }
 
 std::optional<DatabaseInfo> FindDatabase(SqliteConnection& connection, std::string_view name) {
-    SqliteStatement row = connection.Prepare("SELECT id, name, owner, created FROM devsql_databases WHERE name = ?1");
+    SqliteStatement row =
+        connection.Prepare("SELECT id, name, owner, created FROM devsql_databases WHERE name = ?1");
     row.BindText(1, name);
     return row.Step() ? std::optional(ReadDatabase(connection, row)) : std::nullopt;
 }
 
 std::vector<DatabaseInfo> ListDatabases(SqliteConnection& connection) {
     std::vector<DatabaseInfo> list;
-    SqliteStatement row = connection.Prepare("SELECT id, name, owner, created FROM devsql_databases ORDER BY id");
+    SqliteStatement row =
+        connection.Prepare("SELECT id, name, owner, created FROM devsql_databases ORDER BY id");
     while (row.Step()) {
         list.push_back(ReadDatabase(connection, row));
     }
@@ -137,8 +141,9 @@ std::vector<DatabaseInfo> ListDatabases(SqliteConnection& connection) {
 
 int AddDatabase(SqliteConnection& connection, DatabaseInfo database) {
     connection.Execute("SAVEPOINT add_database");
-    SqliteStatement free = connection.Prepare("SELECT min(id) + 1 FROM (SELECT 0 AS id UNION SELECT id FROM devsql_databases) "
-                                              "WHERE id + 1 NOT IN (SELECT id FROM devsql_databases)");
+    SqliteStatement free =
+        connection.Prepare("SELECT min(id) + 1 FROM (SELECT 0 AS id UNION SELECT id FROM devsql_databases) "
+                           "WHERE id + 1 NOT IN (SELECT id FROM devsql_databases)");
     free.Step();
     database.id = static_cast<int>(free.Int(0));
     free.Reset();
@@ -162,7 +167,8 @@ void RemoveDatabase(SqliteConnection& connection, int id) {
     const std::string number = std::to_string(id);
     connection.Execute("SAVEPOINT remove_database; DELETE FROM devsql_databases WHERE id = " + number +
                        "; DELETE FROM devsql_files WHERE database = " + number +
-                       "; DELETE FROM devsql_options WHERE database = " + number + "; RELEASE remove_database");
+                       "; DELETE FROM devsql_options WHERE database = " + number +
+                       "; RELEASE remove_database");
 }
 
 void UpdateDatabase(SqliteConnection& connection, const DatabaseInfo& database) {
@@ -173,8 +179,8 @@ void UpdateDatabase(SqliteConnection& connection, const DatabaseInfo& database) 
             .BindText(2, database.name)
             .BindText(3, database.owner)
             .Run();
-        for (const char* text :
-             {"DELETE FROM devsql_files WHERE database = ?1", "DELETE FROM devsql_options WHERE database = ?1"}) {
+        for (const char* text : {"DELETE FROM devsql_files WHERE database = ?1",
+                                 "DELETE FROM devsql_options WHERE database = ?1"}) {
             connection.Prepare(text).BindInt(1, database.id).Run();
         }
         for (const DatabaseFile& file : database.files) {
@@ -216,8 +222,10 @@ std::optional<LoginInfo> FindLogin(SqliteConnection& connection, std::string_vie
 }
 
 void SaveLogin(SqliteConnection& connection, const LoginInfo& login) {
-    connection.Prepare("INSERT INTO devsql_logins VALUES(?1, ?2, ?3, ?4, ?5, CASE WHEN ?1 = 'sa' THEN x'01' ELSE "
-                       "randomblob(16) END) ON CONFLICT(name) DO UPDATE SET hash = ?2, database = ?3, administrator = ?4")
+    connection
+        .Prepare("INSERT INTO devsql_logins VALUES(?1, ?2, ?3, ?4, ?5, CASE WHEN ?1 = 'sa' THEN x'01' ELSE "
+                 "randomblob(16) END) ON CONFLICT(name) DO UPDATE SET hash = ?2, database = ?3, "
+                 "administrator = ?4")
         .BindText(1, login.name)
         .BindText(2, login.password_hash)
         .BindText(3, login.database)

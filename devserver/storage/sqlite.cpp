@@ -42,7 +42,9 @@ SqliteStatement::SqliteStatement(SqliteConnection& connection, sqlite3_stmt* han
     : connection_(&connection), handle_(handle), text_(std::move(text)) {}
 
 SqliteStatement::SqliteStatement(SqliteStatement&& other) noexcept
-    : connection_(other.connection_), handle_(std::exchange(other.handle_, nullptr)), text_(std::move(other.text_)) {}
+    : connection_(other.connection_),
+      handle_(std::exchange(other.handle_, nullptr)),
+      text_(std::move(other.text_)) {}
 
 SqliteStatement& SqliteStatement::operator=(SqliteStatement&& other) noexcept {
     std::swap(connection_, other.connection_);
@@ -68,8 +70,8 @@ SqliteStatement& SqliteStatement::BindInt(int index, std::int64_t value) {
 }
 
 SqliteStatement& SqliteStatement::BindText(int index, std::string_view value) {
-    sqlite3_bind_text64(handle_, index, value.data() == nullptr ? "" : value.data(), value.size(), SQLITE_TRANSIENT,
-                        SQLITE_UTF8);
+    sqlite3_bind_text64(handle_, index, value.data() == nullptr ? "" : value.data(), value.size(),
+                        SQLITE_TRANSIENT, SQLITE_UTF8);
     return *this;
 }
 
@@ -176,7 +178,8 @@ void StepAggregate(sqlite3_context* context, int count, sqlite3_value** argument
 template <class Maker>
 void FinishAggregate(sqlite3_context* context) {
     auto& maker = *static_cast<Maker*>(sqlite3_user_data(context));
-    const std::unique_ptr<Aggregate> group(Group(context, maker)); // SQLite calls this once, also after an error
+    const std::unique_ptr<Aggregate> group(
+        Group(context, maker)); // SQLite calls this once, also after an error
     try {
         group->Finish(FunctionCall(context, {}));
     } catch (...) {
@@ -198,7 +201,8 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file) {
         throw StorageError(code, file.string() + ": " + message);
     }
     sqlite3_extended_result_codes(handle_, 1);
-    sqlite3_create_collation_v2(handle_, std::string(kCollation).c_str(), SQLITE_UTF8, nullptr, Compare, nullptr);
+    sqlite3_create_collation_v2(handle_, std::string(kCollation).c_str(), SQLITE_UTF8, nullptr, Compare,
+                                nullptr);
     sqlite3_busy_handler(handle_, Busy, this);
     // Double-quoted names never fall back to strings: a wrong name must be an error.
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
@@ -242,7 +246,8 @@ SqliteStatement SqliteConnection::Prepare(const std::string& text) {
         return SqliteStatement(*this, handle, text);
     }
     sqlite3_stmt* handle = nullptr;
-    const int code = sqlite3_prepare_v2(handle_, text.c_str(), static_cast<int>(text.size() + 1), &handle, nullptr);
+    const int code =
+        sqlite3_prepare_v2(handle_, text.c_str(), static_cast<int>(text.size() + 1), &handle, nullptr);
     if (code != SQLITE_OK) {
         throw StorageError(code, std::string(sqlite3_errmsg(handle_)) + " in: " + text);
     }
@@ -307,8 +312,8 @@ void SqliteConnection::Interrupt() {
 
 void SqliteConnection::AddFunction(const std::string& name, Function function) {
     functions_.push_back(std::make_unique<FunctionEntry>(this, std::move(function)));
-    sqlite3_create_function_v2(handle_, name.c_str(), -1, SQLITE_UTF8, functions_.back().get(), CallFunction, nullptr,
-                               nullptr, nullptr);
+    sqlite3_create_function_v2(handle_, name.c_str(), -1, SQLITE_UTF8, functions_.back().get(), CallFunction,
+                               nullptr, nullptr, nullptr);
 }
 
 void SqliteConnection::AddAggregate(const std::string& name, MakeAggregate make) {

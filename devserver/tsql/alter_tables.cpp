@@ -33,7 +33,8 @@ Target FindTable(SessionCore& session, const ast::Name& name) {
 }
 
 /// Index and unique constraint over rows that are there already.
-void AddIndexChecked(SessionCore& session, Catalogue& catalogue, const TableDef& table, const IndexDef& index) {
+void AddIndexChecked(SessionCore& session, Catalogue& catalogue, const TableDef& table,
+                     const IndexDef& index) {
     try {
         catalogue.AddIndex(table, index);
     } catch (const StorageError& error) {
@@ -69,47 +70,56 @@ std::string DatabaseNameOf(SessionCore& session, const Catalogue& catalogue) {
     return "master";
 }
 
-void RequireCheck(SessionCore& session, const Catalogue& catalogue, const TablePtr& table, const CheckDef& check) {
+void RequireCheck(SessionCore& session, const Catalogue& catalogue, const TablePtr& table,
+                  const CheckDef& check) {
     Emission emission(session);
     Binder binder(session, emission);
     Scope scope;
     scope.sources.push_back(binder.SourceOf(table, table->name, "t"));
     const ast::ExprPtr expr = ParseExpression(check.text);
     const std::string condition = emission.EmitCondition(binder.BindCondition(*expr, &scope));
-    SqliteStatement row = session.connection.Prepare("SELECT 1 FROM " + table->Qualified() + " AS t WHERE (" + condition +
-                                                     ") = 0 LIMIT 1");
+    SqliteStatement row = session.connection.Prepare("SELECT 1 FROM " + table->Qualified() + " AS t WHERE (" +
+                                                     condition + ") = 0 LIMIT 1");
     emission.BindAll(row);
     if (row.Step()) {
-        RaiseError(547, {"ALTER TABLE", "CHECK", check.name, DatabaseNameOf(session, catalogue),
-                         table->schema + "." + table->name, ""}, 0);
+        RaiseError(547,
+                   {"ALTER TABLE", "CHECK", check.name, DatabaseNameOf(session, catalogue),
+                    table->schema + "." + table->name, ""},
+                   0);
     }
 }
 
-void RequireParents(SessionCore& session, Catalogue& catalogue, const TableDef& table, const ForeignKeyDef& key) {
+void RequireParents(SessionCore& session, Catalogue& catalogue, const TableDef& table,
+                    const ForeignKeyDef& key) {
     const TablePtr parent = catalogue.LoadTable(key.referenced);
     std::string joined;
     std::string filled;
     for (std::size_t i = 0; i < key.columns.size(); ++i) {
         const std::string own = "t." + QuoteName(table.ById(key.columns[i]).name);
-        joined += (i == 0 ? "" : " AND ") + ("p." + QuoteName(parent->ById(key.referenced_columns[i]).name) + " = " + own);
+        joined += (i == 0 ? "" : " AND ") +
+                  ("p." + QuoteName(parent->ById(key.referenced_columns[i]).name) + " = " + own);
         filled += " AND " + own + " IS NOT NULL";
     }
-    SqliteStatement row = session.connection.Prepare("SELECT 1 FROM " + table.Qualified() + " AS t WHERE NOT EXISTS "
-                                                     "(SELECT 1 FROM " + parent->Qualified() + " AS p WHERE " + joined +
-                                                     ")" + filled + " LIMIT 1");
+    SqliteStatement row =
+        session.connection.Prepare("SELECT 1 FROM " + table.Qualified() +
+                                   " AS t WHERE NOT EXISTS "
+                                   "(SELECT 1 FROM " +
+                                   parent->Qualified() + " AS p WHERE " + joined + ")" + filled + " LIMIT 1");
     if (row.Step()) {
-        RaiseError(547, {"ALTER TABLE", "FOREIGN KEY", key.name, DatabaseNameOf(session, catalogue),
-                         parent->schema + "." + parent->name,
-                         ", column '" + parent->ById(key.referenced_columns[0]).name + "'"}, 0);
+        RaiseError(547,
+                   {"ALTER TABLE", "FOREIGN KEY", key.name, DatabaseNameOf(session, catalogue),
+                    parent->schema + "." + parent->name,
+                    ", column '" + parent->ById(key.referenced_columns[0]).name + "'"},
+                   0);
     }
 }
 
 /// Gives every row its value of a new column, through the writer that knows identities and defaults.
 void FillColumn(SessionCore& session, const Target& target, const ColumnDef& column, bool with_default) {
     RowWriter writer(session, target, "ALTER TABLE");
-    SqliteStatement update = session.connection.Prepare("UPDATE " + target.table->Qualified() + " SET " +
-                                                        QuoteName(column.name) + " = ?1 WHERE " +
-                                                        RowWriter::RowIdName(*target.table) + " = ?2");
+    SqliteStatement update =
+        session.connection.Prepare("UPDATE " + target.table->Qualified() + " SET " + QuoteName(column.name) +
+                                   " = ?1 WHERE " + RowWriter::RowIdName(*target.table) + " = ?2");
     std::int64_t next = column.seed;
     for (const StoredRow& row : RowWriter::Read(session, *target.table, "1", {})) {
         Value value;
@@ -154,7 +164,8 @@ void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const
     TableDef& after = builder.table();
     for (std::size_t i = before->columns.size(); i < after.columns.size(); ++i) {
         const ColumnDef& column = after.columns[i];
-        session.connection.Execute("ALTER TABLE " + after.Qualified() + " ADD COLUMN " + QuoteName(column.name) +
+        session.connection.Execute("ALTER TABLE " + after.Qualified() + " ADD COLUMN " +
+                                   QuoteName(column.name) +
                                    (IsCharacter(column.type.id) ? " COLLATE TSQL" : ""));
         catalogue.AddColumn(after.id, column, static_cast<int>(i));
     }
@@ -225,7 +236,8 @@ void DropColumns(SessionCore& session, const ast::AlterTableStatement& alter, co
         if (table->columns.size() == 1) {
             RaiseError(4923, {name, table->name});
         }
-        session.connection.Execute("ALTER TABLE " + table->Qualified() + " DROP COLUMN " + QuoteName(column->name));
+        session.connection.Execute("ALTER TABLE " + table->Qualified() + " DROP COLUMN " +
+                                   QuoteName(column->name));
         target.catalogue->RemoveColumn(table->id, column->id);
     }
 }
@@ -240,7 +252,8 @@ void DropConstraint(const std::string& name, Catalogue& catalogue, const TableDe
             for (const KeyColumn& part : index.columns) {
                 ids.push_back(part.column);
             }
-            if (std::is_permutation(ids.begin(), ids.end(), key.referenced_columns.begin(), key.referenced_columns.end())) {
+            if (std::is_permutation(ids.begin(), ids.end(), key.referenced_columns.begin(),
+                                    key.referenced_columns.end())) {
                 const std::optional<ObjectDef> other = catalogue.FindObject(key.table);
                 RaiseError(3725, {name, other ? other->name : "", key.name});
             }
@@ -306,22 +319,27 @@ void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, 
     column.user_type.clear();
     bool type_nullable = true;
     Emission emission(session);
-    column.type = Binder(session, emission).ResolveType(definition.type, 1, &column.user_type, &type_nullable);
+    column.type =
+        Binder(session, emission).ResolveType(definition.type, 1, &column.user_type, &type_nullable);
     column.nullable = definition.nullable.value_or(type_nullable);
     for (const IndexDef& index : table->indexes) {
-        if (IndexUses(index, column.id) && ((index.primary_key && column.nullable) || column.type.id != found->type.id)) {
+        if (IndexUses(index, column.id) &&
+            ((index.primary_key && column.nullable) || column.type.id != found->type.id)) {
             RaiseError(4922, {"ALTER TABLE ALTER COLUMN", found->name});
         }
     }
-    SqliteStatement update = session.connection.Prepare("UPDATE " + table->Qualified() + " SET " +
-                                                        QuoteName(column.name) + " = ?1 WHERE " +
-                                                        RowWriter::RowIdName(*table) + " = ?2");
+    SqliteStatement update =
+        session.connection.Prepare("UPDATE " + table->Qualified() + " SET " + QuoteName(column.name) +
+                                   " = ?1 WHERE " + RowWriter::RowIdName(*table) + " = ?2");
     const std::size_t position = table->IndexOf(column.id);
     for (const StoredRow& row : RowWriter::Read(session, *table, "1", {})) {
         const Value value = Assign(row.values[position], found->type, column.type);
         if (IsNull(value) && !column.nullable) {
-            RaiseError(515, {column.name, DatabaseNameOf(session, *target.catalogue) + "." + table->schema + "." + table->name,
-                             "ALTER TABLE"}, 2);
+            RaiseError(515,
+                       {column.name,
+                        DatabaseNameOf(session, *target.catalogue) + "." + table->schema + "." + table->name,
+                        "ALTER TABLE"},
+                       2);
         }
         update.Bind(1, value, column.type).BindInt(2, row.row_id).Run();
     }
@@ -446,7 +464,8 @@ void RunDropIndex(SessionCore& session, const ast::DropIndexStatement& drop) {
             RaiseError(3701, {"drop", "index", name.text() + "." + index_name}, 7);
         }
         if (found->constraint) {
-            RaiseError(3723, {name.text() + "." + index_name, found->primary_key ? "PRIMARY KEY" : "UNIQUE KEY"});
+            RaiseError(3723,
+                       {name.text() + "." + index_name, found->primary_key ? "PRIMARY KEY" : "UNIQUE KEY"});
         }
         if (target.catalogue == nullptr) {
             RaiseError(40517, {"DROP INDEX of a temporary table"});

@@ -529,7 +529,7 @@ struct AlterRoleStatement {
 };
 
 struct CursorDeclareStatement {
-    std::string name; ///< a cursor variable has its "@"
+    std::string name;             ///< a cursor variable has its "@"
     std::shared_ptr<Query> query; ///< outlives its batch with a global cursor
     bool scroll = false;
     bool local = false;

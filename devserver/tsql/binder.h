@@ -92,7 +92,8 @@ class Binder {
     // ---- names (binder_names.cpp)
     /// The table that a statement writes to. Raises 208, 4405.
     Target BindTarget(const ast::Name& name);
-    ScopeSource SourceOf(const TablePtr& table, const std::string& exposed, const std::string& sql_alias) const;
+    ScopeSource SourceOf(const TablePtr& table, const std::string& exposed,
+                         const std::string& sql_alias) const;
     std::string NextAlias() { return "t" + std::to_string(++aliases_); }
 
   private:
@@ -102,13 +103,15 @@ class Binder {
     BoundQuery BindTerm(const ast::QueryTerm& term, const Scope* outer, const ast::Query* whole);
     BoundQuery BindSetOperation(const ast::SetOperation& operation, const Scope* outer);
     BoundQuery BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole);
-    void BindSelectParts(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole, SelectParts& parts);
+    void BindSelectParts(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
+                         SelectParts& parts);
     void BindItems(const ast::SelectCore& core, const Scope& scope, SelectParts& parts);
     void ExpandStar(const ast::SelectItem& item, const Scope& scope, SelectParts& parts) const;
     void CheckGrouping(const SelectParts& parts, const ast::SelectCore& core) const;
-    void CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth, std::string_view clause,
-                      bool grouped) const;
-    std::string OrderClause(const ast::Query& query, const SelectParts& parts, const Scope& scope, bool distinct);
+    void CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth,
+                      std::string_view clause, bool grouped) const;
+    std::string OrderClause(const ast::Query& query, const SelectParts& parts, const Scope& scope,
+                            bool distinct);
     std::string OrderOfColumns(const ast::Query& query, const std::vector<Column>& columns);
     std::string LimitClause(const ast::SelectCore& core, const std::string& counted);
     std::string EmitSelect(const SelectParts& parts, bool distinct);
@@ -120,7 +123,8 @@ class Binder {
 
     // binder_names.cpp
     std::string BindNamed(const ast::NamedSource& named, Scope& scope);
-    std::string BindView(Catalogue& catalogue, const ObjectDef& view, const std::string& exposed, Scope& scope);
+    std::string BindView(Catalogue& catalogue, const ObjectDef& view, const std::string& exposed,
+                         Scope& scope);
     bool BindSystemView(const std::string& database, const std::string& schema, const std::string& name,
                         const std::string& exposed, const ast::Name& written, Scope& scope, std::string& sql);
     const CommonTables::Entry* FindCommon(const std::string& name) const;

@@ -10,9 +10,9 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<std::string_view, 13> kAggregates = {"COUNT", "COUNT_BIG", "SUM",  "AVG",  "MIN",
-                                                          "MAX",   "STDEV",     "STDEVP", "VAR", "VARP",
-                                                          "CHECKSUM_AGG", "GROUPING", "STRING_AGG"};
+constexpr std::array<std::string_view, 13> kAggregates = {
+    "COUNT",  "COUNT_BIG", "SUM",  "AVG",          "MIN",      "MAX",       "STDEV",
+    "STDEVP", "VAR",       "VARP", "CHECKSUM_AGG", "GROUPING", "STRING_AGG"};
 constexpr std::array<std::string_view, 4> kRankings = {"ROW_NUMBER", "RANK", "DENSE_RANK", "NTILE"};
 
 /// DATEADD(day, …): the first argument is a word, not a column.
@@ -63,7 +63,8 @@ BoundPtr Binder::BindCall(const ast::CallExpr& call, const Scope* scope) {
     }
     if (function != nullptr) {
         CheckArgumentCount(*function, arguments.size());
-        auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Function, function->result_type(types), std::move(arguments)));
+        auto node = std::make_shared<Bound>(
+            *MakeNode(BoundKind::Function, function->result_type(types), std::move(arguments)));
         node->function = function;
         node->nullable = true;
         if (name == "ISNULL" && node->children.size() == 2) {
@@ -136,13 +137,15 @@ BoundPtr Binder::BindDateCall(const ast::CallExpr& call, const Scope* scope, con
         RaiseError(155, {word->name.last(), ToLower(call.name) + " option"});
     }
     const std::string& part = word->name.last();
-    std::vector<BoundPtr> arguments = {MakeConstant(part, Sized(TypeId::VarChar, static_cast<std::int32_t>(part.size())))};
+    std::vector<BoundPtr> arguments = {
+        MakeConstant(part, Sized(TypeId::VarChar, static_cast<std::int32_t>(part.size())))};
     std::vector<Type> types = {arguments[0]->type};
     for (std::size_t i = 1; i < call.arguments.size(); ++i) {
         arguments.push_back(BindValue(*call.arguments[i], scope));
         types.push_back(arguments.back()->type);
     }
-    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Function, function.result_type(types), std::move(arguments)));
+    auto node = std::make_shared<Bound>(
+        *MakeNode(BoundKind::Function, function.result_type(types), std::move(arguments)));
     node->function = &function;
     return node;
 }
@@ -204,7 +207,8 @@ BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
     }
     if (name == "MIN" || name == "MAX") {
         const Type type = ExtremeType(operand->type, ToLower(name));
-        return Aggregated((name == "MIN" ? "min(" : "max(") + emission_.EmitCollated(operand) + ")", type, depth);
+        return Aggregated((name == "MIN" ? "min(" : "max(") + emission_.EmitCollated(operand) + ")", type,
+                          depth);
     }
     if (name == "SUM" || name == "AVG") {
         BoundPtr result = BindSum(operand, distinct, name == "AVG");
@@ -217,13 +221,15 @@ BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
         RaiseError(8117, {TypeName(operand->type.id), ToLower(name)});
     }
     const BoundPtr number = MakeConvert(operand, Simple(TypeId::Float));
-    return Aggregated("tsql_" + ToLower(name) + "(" + distinct + emission_.Emit(number) + ")", Simple(TypeId::Float), depth);
+    return Aggregated("tsql_" + ToLower(name) + "(" + distinct + emission_.Emit(number) + ")",
+                      Simple(TypeId::Float), depth);
 }
 
 /// SUM and AVG by the server's own aggregates, which overflow and round as each type does.
 BoundPtr Binder::BindSum(const BoundPtr& operand, const std::string& distinct, bool average) {
     const Type type = average ? AverageType(operand->type) : SumType(operand->type);
-    return MakeSql(session_.SumFunction(operand->type, average) + "(" + distinct + emission_.Emit(operand) + ")", type);
+    return MakeSql(
+        session_.SumFunction(operand->type, average) + "(" + distinct + emission_.Emit(operand) + ")", type);
 }
 
 // ------------------------------------------------------------------ window functions
@@ -253,9 +259,11 @@ BoundPtr Binder::BindWindow(const ast::CallExpr& call, const Scope* scope) {
         }
         std::string argument;
         if (name == "NTILE" && call.arguments.size() == 1) {
-            argument = emission_.Emit(MakeConvert(BindValue(*call.arguments[0], scope), Simple(TypeId::BigInt)));
+            argument =
+                emission_.Emit(MakeConvert(BindValue(*call.arguments[0], scope), Simple(TypeId::BigInt)));
         }
-        return MakeSql(ToLower(name) + "(" + argument + ")" + OverClause(*call.over, scope), Simple(TypeId::BigInt), false);
+        return MakeSql(ToLower(name) + "(" + argument + ")" + OverClause(*call.over, scope),
+                       Simple(TypeId::BigInt), false);
     }
     if (!Contains(kAggregates, name) || name == "SUM" || name == "AVG" || call.distinct) {
         RaiseError(40517, {name + " with OVER"});

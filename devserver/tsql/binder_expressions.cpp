@@ -7,8 +7,9 @@
 namespace devsql {
 namespace {
 
-constexpr std::string_view kCompareNames[] = {"equal to",           "not equal to", "less than",
-                                              "less than or equal to", "greater than", "greater than or equal to"};
+constexpr std::string_view kCompareNames[] = {"equal to",     "not equal to",
+                                              "less than",    "less than or equal to",
+                                              "greater than", "greater than or equal to"};
 
 template <class... Handlers>
 struct Overloaded : Handlers... {
@@ -68,7 +69,8 @@ BoundPtr Binder::BindNode(const ast::Expr& expr, const Scope* scope) {
             [&](const ast::ColumnExpr& e) { return BindColumn(e, scope); },
             [&](const ast::UnaryExpr& e) {
                 BoundPtr operand = BindValue(*e.operand, scope);
-                auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Unary, OperatorType(e.op, operand->type), {operand}));
+                auto node = std::make_shared<Bound>(
+                    *MakeNode(BoundKind::Unary, OperatorType(e.op, operand->type), {operand}));
                 node->unary = e.op;
                 return BoundPtr(node);
             },
@@ -206,8 +208,8 @@ BoundPtr Binder::BindCase(const ast::CaseExpr& expr, const Scope* scope) {
                                      : BindCondition(*when, scope);
         branches.emplace_back(std::move(condition), BindValue(*then, scope));
     }
-    return BindChoice(std::move(branches), expr.otherwise ? BindValue(*expr.otherwise, scope)
-                                                          : MakeConstant({}, kUntypedNull));
+    return BindChoice(std::move(branches),
+                      expr.otherwise ? BindValue(*expr.otherwise, scope) : MakeConstant({}, kUntypedNull));
 }
 
 BoundPtr Binder::BindCast(const ast::CastExpr& cast, const Scope* scope) {
@@ -230,10 +232,12 @@ BoundPtr Binder::BindSubquery(const ast::Query& query, const Scope* scope) {
     if (bound.columns.size() != 1) {
         RaiseError(116);
     }
-    // SQLite takes the first of several rows; T-SQL wants at most one. Two are fetched and the second refused.
+    // SQLite takes the first of several rows; T-SQL wants at most one. Two are fetched and the second
+    // refused.
     const std::string alias = NextAlias();
-    return MakeSql("(SELECT tsql_single(" + alias + ".c1, " + alias + ".n) FROM (SELECT c1, count(*) OVER () AS n FROM (" +
-                       bound.sql + ") LIMIT 2) AS " + alias + " LIMIT 1)",
+    return MakeSql("(SELECT tsql_single(" + alias + ".c1, " + alias +
+                       ".n) FROM (SELECT c1, count(*) OVER () AS n FROM (" + bound.sql + ") LIMIT 2) AS " +
+                       alias + " LIMIT 1)",
                    bound.columns[0].type);
 }
 

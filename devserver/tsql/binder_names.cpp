@@ -26,7 +26,8 @@ bool Names(const ScopeSource& source, const ast::Name& name) {
     }
     const std::string& schema = name.parts[qualifiers - 2];
     const std::size_t own = source.name.parts.size();
-    const std::string own_schema = own > 1 && !source.name.parts[own - 2].empty() ? source.name.parts[own - 2] : "dbo";
+    const std::string own_schema =
+        own > 1 && !source.name.parts[own - 2].empty() ? source.name.parts[own - 2] : "dbo";
     return schema.empty() || SameName(schema, own_schema);
 }
 
@@ -44,7 +45,8 @@ ObjectPlace PlaceOf(SessionCore& session, const ast::Name& name) {
     return place;
 }
 
-ScopeSource Binder::SourceOf(const TablePtr& table, const std::string& exposed, const std::string& sql_alias) const {
+ScopeSource Binder::SourceOf(const TablePtr& table, const std::string& exposed,
+                             const std::string& sql_alias) const {
     ScopeSource source;
     source.exposed = exposed;
     source.sql_alias = sql_alias;
@@ -72,8 +74,8 @@ std::string Binder::BindNamed(const ast::NamedSource& named, Scope& scope) {
     const std::string exposed = named.alias.empty() ? last : named.alias;
     const std::string alias = NextAlias();
     for (const ScopeSource& other : scope.sources) {
-        if (SameName(other.exposed, exposed) && (!named.alias.empty() || other.name.empty() ||
-                                                 other.name.text() == named.name.text())) {
+        if (SameName(other.exposed, exposed) &&
+            (!named.alias.empty() || other.name.empty() || other.name.text() == named.name.text())) {
             RaiseError(named.alias.empty() ? 1013 : 1011, {exposed, exposed});
         }
     }
@@ -125,14 +127,15 @@ std::string Binder::BindNamed(const ast::NamedSource& named, Scope& scope) {
         return sql;
     }
     std::string sql;
-    if (BindSystemView(place.database, named.name.parts.size() > 1 ? place.schema : "", place.name, exposed, named.name,
-                       scope, sql)) {
+    if (BindSystemView(place.database, named.name.parts.size() > 1 ? place.schema : "", place.name, exposed,
+                       named.name, scope, sql)) {
         return sql;
     }
     RaiseError(208, {named.name.text()});
 }
 
-std::string Binder::BindView(Catalogue& catalogue, const ObjectDef& view, const std::string& exposed, Scope& scope) {
+std::string Binder::BindView(Catalogue& catalogue, const ObjectDef& view, const std::string& exposed,
+                             Scope& scope) {
     if (++view_depth_ > kDeepestView) {
         RaiseError(217);
     }
@@ -150,7 +153,8 @@ std::string Binder::BindView(Catalogue& catalogue, const ObjectDef& view, const 
     for (std::size_t i = 0; i < query.columns.size(); ++i) {
         const Column& column = query.columns[i];
         source.columns.push_back({module.columns.empty() ? column.name : module.columns[i], column.type,
-                                  column.nullable, column.identity, source.sql_alias + ".c" + std::to_string(i + 1)});
+                                  column.nullable, column.identity,
+                                  source.sql_alias + ".c" + std::to_string(i + 1)});
     }
     std::string sql = "(" + query.sql + ") AS " + source.sql_alias;
     scope.sources.push_back(std::move(source));
@@ -158,7 +162,8 @@ std::string Binder::BindView(Catalogue& catalogue, const ObjectDef& view, const 
 }
 
 bool Binder::BindSystemView(const std::string& database, const std::string& schema, const std::string& name,
-                            const std::string& exposed, const ast::Name& written, Scope& scope, std::string& sql) {
+                            const std::string& exposed, const ast::Name& written, Scope& scope,
+                            std::string& sql) {
     const SystemView* view = FindSystemView(schema, name);
     if (view == nullptr) {
         return false;

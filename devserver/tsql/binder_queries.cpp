@@ -152,8 +152,8 @@ std::string Binder::BindRecursive(const ast::CommonTable& table, CommonTables::E
     }
     rest = Unified(rest, types);
     entry.columns = anchor.columns;
-    return "WITH RECURSIVE " + name + "(" + names + ") AS (SELECT * FROM (" + anchor.sql + ") UNION ALL " + rest.sql +
-           ") SELECT * FROM " + name;
+    return "WITH RECURSIVE " + name + "(" + names + ") AS (SELECT * FROM (" + anchor.sql + ") UNION ALL " +
+           rest.sql + ") SELECT * FROM " + name;
 }
 
 BoundQuery Binder::BindTerm(const ast::QueryTerm& term, const Scope* outer, const ast::Query* whole) {
@@ -173,7 +173,8 @@ BoundQuery Binder::Unified(const BoundQuery& query, const std::vector<Type>& typ
     for (std::size_t i = 0; i < types.size(); ++i) {
         const std::string name = "c" + std::to_string(i + 1);
         unified.sql += (i == 0 ? "" : ", ") +
-                       emission_.EmitCollated(MakeConvert(MakeSql(name, query.columns[i].type), types[i])) + " AS " + name;
+                       emission_.EmitCollated(MakeConvert(MakeSql(name, query.columns[i].type), types[i])) +
+                       " AS " + name;
         unified.columns[i].type = types[i];
         unified.columns[i].identity = false;
     }
@@ -253,8 +254,8 @@ std::string Binder::EmitSelect(const SelectParts& parts, bool distinct) {
         if (distinct && IsOldLob(item->type.id)) {
             RaiseError(421, {TypeName(item->type.id)});
         }
-        sql += (i == 0 ? "" : ", ") + (distinct ? emission_.EmitCollated(item) : emission_.Emit(item)) + " AS c" +
-               std::to_string(i + 1);
+        sql += (i == 0 ? "" : ", ") + (distinct ? emission_.EmitCollated(item) : emission_.Emit(item)) +
+               " AS c" + std::to_string(i + 1);
     }
     if (!parts.from.empty()) {
         sql += " FROM " + parts.from;
@@ -267,7 +268,8 @@ std::string Binder::EmitSelect(const SelectParts& parts, bool distinct) {
     }
     if (parts.having) {
         // SQLite wants a GROUP BY before HAVING; all rows are one group without.
-        sql += (parts.keys.empty() ? " GROUP BY NULL HAVING " : " HAVING ") + emission_.EmitCondition(parts.having);
+        sql += (parts.keys.empty() ? " GROUP BY NULL HAVING " : " HAVING ") +
+               emission_.EmitCondition(parts.having);
     }
     return sql + parts.order + parts.limit;
 }
@@ -309,16 +311,18 @@ void Binder::BindItems(const ast::SelectCore& core, const Scope& scope, SelectPa
             value = MakeConstant({}, type);
         }
         // An assigned item has no name, so that ORDER BY never takes it for an output column.
-        const std::string name = !item.variable.empty() ? "" : item.alias.empty() ? NameOf(*item.expr) : item.alias;
-        parts.columns.push_back({name, type, value->nullable,
-                                 value->kind == BoundKind::Sql && value->identity});
+        const std::string name = !item.variable.empty() ? ""
+                                 : item.alias.empty()   ? NameOf(*item.expr)
+                                                        : item.alias;
+        parts.columns.push_back(
+            {name, type, value->nullable, value->kind == BoundKind::Sql && value->identity});
         parts.items.push_back(std::move(value));
         parts.variables.push_back(item.variable);
     }
 }
 
-void Binder::CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth, std::string_view clause,
-                          bool grouped) const {
+void Binder::CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth,
+                          std::string_view clause, bool grouped) const {
     for (const BoundPtr& key : keys) {
         if (SameExpression(item, *key)) {
             return;
@@ -355,7 +359,8 @@ void Binder::CheckGrouping(const SelectParts& parts, const ast::SelectCore& core
     }
 }
 
-std::string Binder::OrderClause(const ast::Query& query, const SelectParts& parts, const Scope& scope, bool distinct) {
+std::string Binder::OrderClause(const ast::Query& query, const SelectParts& parts, const Scope& scope,
+                                bool distinct) {
     std::string clause = " ORDER BY ";
     for (const ast::OrderItem& item : query.order_by) {
         std::string text;
@@ -467,8 +472,9 @@ BoundQuery Binder::BindAssignment(const ast::Query& query, std::vector<Assignmen
 BoundQuery Binder::BindCursor(const ast::Query& query, TablePtr& table) {
     const auto* core = std::get_if<ast::SelectCore>(&query.body->node);
     table = nullptr;
-    if (core == nullptr || core->distinct || !core->group_by.empty() || core->having || core->from.size() != 1 ||
-        !query.with.empty() || !std::holds_alternative<ast::NamedSource>(core->from[0]->node)) {
+    if (core == nullptr || core->distinct || !core->group_by.empty() || core->having ||
+        core->from.size() != 1 || !query.with.empty() ||
+        !std::holds_alternative<ast::NamedSource>(core->from[0]->node)) {
         return BindQuery(query);
     }
     SelectParts parts;
@@ -480,7 +486,8 @@ BoundQuery Binder::BindCursor(const ast::Query& query, TablePtr& table) {
     bound.columns = parts.columns;
     if (source.table && !grouped) {
         table = source.table;
-        parts.items.push_back(MakeSql(source.sql_alias + "." + RowWriter::RowIdName(*table), Simple(TypeId::BigInt)));
+        parts.items.push_back(
+            MakeSql(source.sql_alias + "." + RowWriter::RowIdName(*table), Simple(TypeId::BigInt)));
     }
     bound.sql = EmitSelect(parts, false);
     return bound;
@@ -533,7 +540,8 @@ std::string Binder::BindDerived(const ast::DerivedSource& derived, Scope& scope)
 }
 
 std::string Binder::BindJoin(const ast::JoinSource& join, Scope& scope) {
-    constexpr std::string_view kWords[] = {" JOIN ", " LEFT JOIN ", " RIGHT JOIN ", " FULL JOIN ", " CROSS JOIN "};
+    constexpr std::string_view kWords[] = {" JOIN ", " LEFT JOIN ", " RIGHT JOIN ", " FULL JOIN ",
+                                           " CROSS JOIN "};
     const std::size_t first = scope.sources.size();
     std::string left = BindSource(*join.left, scope);
     const std::size_t middle = scope.sources.size();

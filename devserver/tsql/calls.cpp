@@ -37,7 +37,9 @@ class CaptureSink : public ResultSink {
     }
     void StatementDone(Command, std::optional<std::int64_t>, bool) override {}
     void Send(const Message& message) override { outer_.Send(message); }
-    void DatabaseChanged(const std::string& from, const std::string& to) override { outer_.DatabaseChanged(from, to); }
+    void DatabaseChanged(const std::string& from, const std::string& to) override {
+        outer_.DatabaseChanged(from, to);
+    }
     void OutputParameter(const std::string&, const Type&, const Value&) override {}
     void ReturnStatus(std::int32_t) override {}
 
@@ -186,11 +188,13 @@ CallResult Interpreter::CallStored(const ObjectDef& object, Catalogue& catalogue
     result.status = std::exchange(return_value_, 0);
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const bool output = arguments[i].output && formal[positions[i]].output;
-        result.outputs.push_back(output ? std::optional(frame.variables[ToUpper(formal[positions[i]].name)]) : std::nullopt);
+        result.outputs.push_back(output ? std::optional(frame.variables[ToUpper(formal[positions[i]].name)])
+                                        : std::nullopt);
     }
     if (session_.transaction_count() != transactions) {
         // Said in the name of the procedure, whose business it was.
-        const std::string counts[] = {std::to_string(transactions), std::to_string(session_.transaction_count())};
+        const std::string counts[] = {std::to_string(transactions),
+                                      std::to_string(session_.transaction_count())};
         const SqlError error = ErrorOf(266, {counts[0], counts[1]}, 2);
         session_.Print({266, error.severity(), 2, error.text(), object.name, session_.line});
         session_.last_error = 266;
@@ -204,7 +208,8 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
     Catalogue& catalogue = session_.Database(place.database);
     if (const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
         object && object->type == "P") {
-        return CallStored(*object, catalogue, placed ? place.database : session_.CurrentDatabaseName(), arguments);
+        return CallStored(*object, catalogue, placed ? place.database : session_.CurrentDatabaseName(),
+                          arguments);
     }
     if (const SystemProcedure* system = FindSystemProcedure(place.name)) {
         const std::string database = placed ? place.database : session_.CurrentDatabaseName();
@@ -240,8 +245,10 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
     }
     if (ToLower(place.name).starts_with("sp_")) { // A procedure of master that serves every database.
         Catalogue& master = session_.Database("master");
-        if (const std::optional<ObjectDef> object = master.FindObject("dbo", place.name); object && object->type == "P") {
-            return CallStored(*object, master, placed ? place.database : session_.CurrentDatabaseName(), arguments);
+        if (const std::optional<ObjectDef> object = master.FindObject("dbo", place.name);
+            object && object->type == "P") {
+            return CallStored(*object, master, placed ? place.database : session_.CurrentDatabaseName(),
+                              arguments);
         }
     }
     RaiseError(2812, {name.text()}, 62);
@@ -329,7 +336,8 @@ void Interpreter::RunCall(const RpcCall& call) {
     RunGuarded([&] {
         session_.line = 1;
         std::string text = call.procedure;
-        if (const std::size_t number = text.rfind(";1"); number != std::string::npos && number + 2 == text.size()) {
+        if (const std::size_t number = text.rfind(";1");
+            number != std::string::npos && number + 2 == text.size()) {
             text.resize(number);
         }
         const ast::Name name = ParseName(text);
@@ -359,7 +367,8 @@ void Interpreter::RunCall(const RpcCall& call) {
         session_.sink().ReturnStatus(result.status);
         for (std::size_t i = 0; i < result.outputs.size(); ++i) {
             if (result.outputs[i]) {
-                session_.sink().OutputParameter(call.parameters[i].name, result.outputs[i]->type, result.outputs[i]->value);
+                session_.sink().OutputParameter(call.parameters[i].name, result.outputs[i]->type,
+                                                result.outputs[i]->value);
             }
         }
     });

@@ -42,8 +42,8 @@ Value OrNull(const std::string& text) {
 
 std::string DateText(std::int64_t ticks) {
     const CivilTime civil = ToCivil({static_cast<std::int32_t>(ticks / kTicksPerDay), 0});
-    return std::string(MonthName(civil.month).substr(0, 3)) + (civil.day < 10 ? "  " : " ") + std::to_string(civil.day) +
-           " " + std::to_string(civil.year);
+    return std::string(MonthName(civil.month).substr(0, 3)) + (civil.day < 10 ? "  " : " ") +
+           std::to_string(civil.day) + " " + std::to_string(civil.year);
 }
 
 std::string SizeText(const DatabaseInfo& info) {
@@ -63,13 +63,14 @@ std::string StatusText(const DatabaseInfo& info) {
     std::string text = "Status=ONLINE, Updateability=READ_WRITE, UserAccess=";
     text += info.Option("SINGLE_USER") ? "SINGLE_USER" : "MULTI_USER";
     const auto recovery = info.options.find("RECOVERY");
-    return text + ", Recovery=" + (recovery == info.options.end() ? "FULL" : recovery->second) + ", Version=539";
+    return text + ", Recovery=" + (recovery == info.options.end() ? "FULL" : recovery->second) +
+           ", Version=539";
 }
 
 void FileRows(Table& table, const DatabaseInfo& info) {
     for (const DatabaseFile& file : info.files) {
-        table.Row({file.name, std::int64_t{file.id}, file.client_path, OrNull(file.file_group), file.size, file.max_size,
-                   file.growth, std::string(file.log ? "log only" : "data only")});
+        table.Row({file.name, std::int64_t{file.id}, file.client_path, OrNull(file.file_group), file.size,
+                   file.max_size, file.growth, std::string(file.log ? "log only" : "data only")});
     }
 }
 
@@ -95,9 +96,8 @@ std::int32_t HelpDb(SystemCall& call) {
         }
         list = {*info};
     }
-    std::sort(list.begin(), list.end(), [](const DatabaseInfo& a, const DatabaseInfo& b) {
-        return ToLower(a.name) < ToLower(b.name);
-    });
+    std::sort(list.begin(), list.end(),
+              [](const DatabaseInfo& a, const DatabaseInfo& b) { return ToLower(a.name) < ToLower(b.name); });
     Table table(session, {{"name", kName, true, false},
                           {"db_size", Sized(TypeId::NVarChar, 13), true, false},
                           {"owner", kName, true, false},
@@ -106,8 +106,8 @@ std::int32_t HelpDb(SystemCall& call) {
                           {"status", Sized(TypeId::NVarChar, 600), true, false},
                           {"compatibility_level", Simple(TypeId::TinyInt), true, false}});
     for (const DatabaseInfo& info : list) {
-        table.Row({info.name, SizeText(info), info.owner, std::int64_t{info.id}, DateText(info.created), StatusText(info),
-                   std::int64_t{140}});
+        table.Row({info.name, SizeText(info), info.owner, std::int64_t{info.id}, DateText(info.created),
+                   StatusText(info), std::int64_t{140}});
     }
     table.End();
     if (!name.empty()) {
@@ -126,7 +126,9 @@ std::int32_t HelpFile(SystemCall& call) {
         FileRows(table, info);
     } else {
         DatabaseInfo one = info;
-        std::erase_if(one.files, [&](const DatabaseFile& f) { return Folded(f.name) != Folded(call.Text("@filename")); });
+        std::erase_if(one.files, [&](const DatabaseFile& f) {
+            return Folded(f.name) != Folded(call.Text("@filename"));
+        });
         if (one.files.empty()) {
             RaiseError(15325, {call.Text("@filename")});
         }
@@ -148,8 +150,9 @@ std::int32_t Who(SystemCall& call) {
                           {"cmd", Sized(TypeId::NChar, 16), true, false}});
     for (const Server::SessionInfo& info : session.server.Sessions()) {
         const bool own = info.id == session.id;
-        table.Row({std::int64_t{info.id}, std::int64_t{0}, std::string(own ? "runnable" : "sleeping"), info.login, info.host,
-                   std::string("0"), info.database.empty() ? std::string("master") : info.database,
+        table.Row({std::int64_t{info.id}, std::int64_t{0}, std::string(own ? "runnable" : "sleeping"),
+                   info.login, info.host, std::string("0"),
+                   info.database.empty() ? std::string("master") : info.database,
                    std::string(own ? "SELECT" : "AWAITING COMMAND")});
     }
     table.End();
@@ -161,10 +164,13 @@ std::int32_t Who(SystemCall& call) {
 std::int32_t Help(SystemCall& call) {
     SessionCore& session = call.session();
     if (call.IsNull("@objname")) {
-        call.Run("SELECT o.name AS Name, 'dbo' AS Owner, CASE o.xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view' "
-                 "WHEN 'P' THEN 'stored procedure' WHEN 'PK' THEN 'primary key cns' WHEN 'UQ' THEN 'unique cns' WHEN 'F' "
-                 "THEN 'foreign key cns' WHEN 'C' THEN 'check cns' ELSE 'default (maybe cns)' END AS Object_type "
-                 "FROM sysobjects o ORDER BY Object_type, Name");
+        call.Run(
+            "SELECT o.name AS Name, 'dbo' AS Owner, CASE o.xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN "
+            "'view' "
+            "WHEN 'P' THEN 'stored procedure' WHEN 'PK' THEN 'primary key cns' WHEN 'UQ' THEN 'unique cns' "
+            "WHEN 'F' "
+            "THEN 'foreign key cns' WHEN 'C' THEN 'check cns' ELSE 'default (maybe cns)' END AS Object_type "
+            "FROM sysobjects o ORDER BY Object_type, Name");
         return 0;
     }
     const std::string name = call.Text("@objname");
@@ -176,29 +182,37 @@ std::int32_t Help(SystemCall& call) {
         RaiseError(15009, {name, session.CurrentDatabaseName()});
     }
     const std::vector<std::string> values = {std::to_string(object->id)};
-    call.Run("SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view' WHEN 'P' THEN "
+    call.Run("SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN "
+             "'view' WHEN 'P' THEN "
              "'stored procedure' ELSE 'constraint' END AS Type, crdate AS Created_datetime FROM sysobjects "
              "WHERE id = CONVERT(int, @p1)",
              values);
     if (object->type == "P") {
-        call.Run("SELECT c.name AS Parameter_name, t.name AS Type, c.length AS Length, c.prec AS Prec, c.scale AS Scale, "
-                 "c.colid AS Param_order, c.collation AS Collation FROM syscolumns c JOIN systypes t ON t.xtype = c.xtype AND "
+        call.Run("SELECT c.name AS Parameter_name, t.name AS Type, c.length AS Length, c.prec AS Prec, "
+                 "c.scale AS Scale, "
+                 "c.colid AS Param_order, c.collation AS Collation FROM syscolumns c JOIN systypes t ON "
+                 "t.xtype = c.xtype AND "
                  "t.xusertype = t.xtype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colid",
                  values);
         return 0;
     }
-    call.Run("SELECT c.name AS Column_name, t.name AS Type, CASE c.iscomputed WHEN 1 THEN 'yes' ELSE 'no' END AS Computed, "
-             "c.length AS Length, c.prec AS Prec, c.scale AS Scale, CASE c.isnullable WHEN 1 THEN 'yes' ELSE 'no' END AS "
-             "Nullable, c.collation AS Collation FROM syscolumns c JOIN systypes t ON t.xtype = c.xtype AND t.xusertype = "
+    call.Run("SELECT c.name AS Column_name, t.name AS Type, CASE c.iscomputed WHEN 1 THEN 'yes' ELSE 'no' "
+             "END AS Computed, "
+             "c.length AS Length, c.prec AS Prec, c.scale AS Scale, CASE c.isnullable WHEN 1 THEN 'yes' ELSE "
+             "'no' END AS "
+             "Nullable, c.collation AS Collation FROM syscolumns c JOIN systypes t ON t.xtype = c.xtype AND "
+             "t.xusertype = "
              "t.xtype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colorder",
              values);
     if (object->type != "U") {
         return 0;
     }
-    call.Run("SELECT name AS [Identity], IDENT_SEED(OBJECT_NAME(id)) AS Seed, IDENT_INCR(OBJECT_NAME(id)) AS Increment, "
+    call.Run("SELECT name AS [Identity], IDENT_SEED(OBJECT_NAME(id)) AS Seed, IDENT_INCR(OBJECT_NAME(id)) AS "
+             "Increment, "
              "0 AS [Not For Replication] FROM syscolumns WHERE id = CONVERT(int, @p1) AND colstat & 1 = 1",
              values);
-    call.Run("SELECT name AS index_name, CASE WHEN indid = 1 THEN 'clustered' ELSE 'nonclustered' END AS index_description "
+    call.Run("SELECT name AS index_name, CASE WHEN indid = 1 THEN 'clustered' ELSE 'nonclustered' END AS "
+             "index_description "
              "FROM sysindexes WHERE id = CONVERT(int, @p1) AND indid > 0",
              values);
     return 0;
@@ -239,23 +253,35 @@ std::int32_t DatatypeInfo(SystemCall& call) {
     for (const SystemType* type : types) {
         const bool number = IsNumber(type->id);
         const bool text = IsCharacter(type->id);
-        const std::int64_t digits = type->precision != 0                               ? type->precision
-                                    : IsUnicode(type->id)                              ? (IsOldLob(type->id) ? 1073741823 : 4000)
-                                    : IsOldLob(type->id)                               ? 2147483647
-                                    : type->id == TypeId::Timestamp                    ? 8
-                                    : HasLength(type->id)                              ? 8000
-                                                                                       : type->storage_length;
-        table.Row({std::string(type->name), std::int64_t{type->odbc_type}, digits, OrNull(std::string(type->literal_prefix)),
-                   OrNull(std::string(type->literal_suffix)), OrNull(std::string(type->create_parameters)),
-                   std::int64_t{type->id != TypeId::Timestamp}, std::int64_t{0},
-                   std::int64_t{IsOldLob(type->id) ? (text ? 1 : 0) : text || IsDateTime(type->id) ? 3 : 2},
-                   number ? Value(std::int64_t{type->id == TypeId::TinyInt}) : Value(), std::int64_t{IsMoney(type->id)},
-                   number ? Value(std::int64_t{0}) : Value(), std::string(type->name),
+        const std::int64_t digits = type->precision != 0            ? type->precision
+                                    : IsUnicode(type->id)           ? (IsOldLob(type->id) ? 1073741823 : 4000)
+                                    : IsOldLob(type->id)            ? 2147483647
+                                    : type->id == TypeId::Timestamp ? 8
+                                    : HasLength(type->id)           ? 8000
+                                                                    : type->storage_length;
+        table.Row({std::string(type->name),
+                   std::int64_t{type->odbc_type},
+                   digits,
+                   OrNull(std::string(type->literal_prefix)),
+                   OrNull(std::string(type->literal_suffix)),
+                   OrNull(std::string(type->create_parameters)),
+                   std::int64_t{type->id != TypeId::Timestamp},
+                   std::int64_t{0},
+                   std::int64_t{IsOldLob(type->id)             ? (text ? 1 : 0)
+                                : text || IsDateTime(type->id) ? 3
+                                                               : 2},
+                   number ? Value(std::int64_t{type->id == TypeId::TinyInt}) : Value(),
+                   std::int64_t{IsMoney(type->id)},
+                   number ? Value(std::int64_t{0}) : Value(),
+                   std::string(type->name),
                    IsInteger(type->id) || IsDecimal(type->id) ? Value(std::int64_t{0}) : Value(),
-                   IsDecimal(type->id) ? Value(std::int64_t{38}) : IsInteger(type->id) ? Value(std::int64_t{0}) : Value(),
+                   IsDecimal(type->id)   ? Value(std::int64_t{38})
+                   : IsInteger(type->id) ? Value(std::int64_t{0})
+                                         : Value(),
                    std::int64_t{IsDateTime(type->id) ? 9 : type->odbc_type},
                    IsDateTime(type->id) ? Value(std::int64_t{3}) : Value(),
-                   number ? Value(std::int64_t{IsApproximate(type->id) ? 2 : 10}) : Value(), Value(),
+                   number ? Value(std::int64_t{IsApproximate(type->id) ? 2 : 10}) : Value(),
+                   Value(),
                    std::int64_t{type->user_type}});
     }
     table.End();
@@ -276,12 +302,16 @@ std::int32_t Tables(SystemCall& call) {
     if (types.empty()) {
         types = "'TABLE','VIEW','SYSTEM TABLE'";
     }
-    call.Run("SELECT CONVERT(sysname, DB_NAME()) AS TABLE_QUALIFIER, CONVERT(sysname, TABLE_SCHEMA) AS TABLE_OWNER, "
-             "CONVERT(sysname, TABLE_NAME) AS TABLE_NAME, CONVERT(varchar(32), CASE TABLE_TYPE WHEN 'VIEW' THEN 'VIEW' ELSE "
-             "'TABLE' END) AS TABLE_TYPE, CONVERT(varchar(254), NULL) AS REMARKS FROM INFORMATION_SCHEMA.TABLES "
-             "WHERE TABLE_NAME LIKE @p1 AND TABLE_SCHEMA LIKE @p2 AND CHARINDEX('''' + CASE TABLE_TYPE WHEN 'VIEW' THEN "
-             "'VIEW' ELSE 'TABLE' END + '''', @p3) > 0 ORDER BY TABLE_TYPE, TABLE_OWNER, TABLE_NAME",
-             {Pattern(call, "@table_name"), Pattern(call, "@table_owner"), types});
+    call.Run(
+        "SELECT CONVERT(sysname, DB_NAME()) AS TABLE_QUALIFIER, CONVERT(sysname, TABLE_SCHEMA) AS "
+        "TABLE_OWNER, "
+        "CONVERT(sysname, TABLE_NAME) AS TABLE_NAME, CONVERT(varchar(32), CASE TABLE_TYPE WHEN 'VIEW' THEN "
+        "'VIEW' ELSE "
+        "'TABLE' END) AS TABLE_TYPE, CONVERT(varchar(254), NULL) AS REMARKS FROM INFORMATION_SCHEMA.TABLES "
+        "WHERE TABLE_NAME LIKE @p1 AND TABLE_SCHEMA LIKE @p2 AND CHARINDEX('''' + CASE TABLE_TYPE WHEN "
+        "'VIEW' THEN "
+        "'VIEW' ELSE 'TABLE' END + '''', @p3) > 0 ORDER BY TABLE_TYPE, TABLE_OWNER, TABLE_NAME",
+        {Pattern(call, "@table_name"), Pattern(call, "@table_owner"), types});
     return 0;
 }
 
@@ -302,19 +332,25 @@ struct TypeFacts {
 TypeFacts FactsOf(const Type& type, bool nullable, bool identity) {
     const SystemType& system = SystemTypeOf(type.id);
     TypeFacts facts{};
-    facts.data_type = type.length == kMaxLength ? (IsUnicode(type.id) ? -10 : IsCharacter(type.id) ? -1 : -4) : system.odbc_type;
+    facts.data_type = type.length == kMaxLength ? (IsUnicode(type.id)     ? -10
+                                                   : IsCharacter(type.id) ? -1
+                                                                          : -4)
+                                                : system.odbc_type;
     facts.name = std::string(system.name) + (identity ? " identity" : "");
     const std::optional<std::int32_t> scale = TypeScale(type);
-    facts.precision = type.length == kMaxLength ? (IsUnicode(type.id) ? 1073741823 : 2147483647) : TypePrecision(type);
-    facts.length = IsDecimal(type.id) || IsMoney(type.id) ? facts.precision + 2
-                   : IsDateTime(type.id)                 ? 16
+    facts.precision =
+        type.length == kMaxLength ? (IsUnicode(type.id) ? 1073741823 : 2147483647) : TypePrecision(type);
+    facts.length = IsDecimal(type.id) || IsMoney(type.id)           ? facts.precision + 2
+                   : IsDateTime(type.id)                            ? 16
                    : IsOldLob(type.id) || type.length == kMaxLength ? 2147483647
                                                                     : StorageBytes(type);
     facts.scale = IsNumber(type.id) && !IsApproximate(type.id) && scale ? Value(std::int64_t{*scale})
                   : type.id == TypeId::DateTime                         ? Value(std::int64_t{3})
                   : type.id == TypeId::SmallDateTime                    ? Value(std::int64_t{0})
                                                                         : Value();
-    facts.radix = IsNumber(type.id) && type.id != TypeId::Bit ? Value(std::int64_t{IsApproximate(type.id) ? 2 : 10}) : Value();
+    facts.radix = IsNumber(type.id) && type.id != TypeId::Bit
+                      ? Value(std::int64_t{IsApproximate(type.id) ? 2 : 10})
+                      : Value();
     facts.octets = IsCharacter(type.id) || IsBinary(type.id) ? Value(facts.length) : Value();
     facts.sql_data_type = IsDateTime(type.id) ? 9 : facts.data_type;
     facts.datetime_sub = IsDateTime(type.id) ? Value(std::int64_t{3}) : Value();
@@ -323,10 +359,11 @@ TypeFacts FactsOf(const Type& type, bool nullable, bool identity) {
         TypeId id;
         std::int64_t form;
     };
-    constexpr NullableForm kForms[] = {{TypeId::Int, 38},      {TypeId::SmallInt, 38}, {TypeId::TinyInt, 38},
-                                       {TypeId::BigInt, 108},  {TypeId::Bit, 50},      {TypeId::Real, 109},
-                                       {TypeId::Float, 109},   {TypeId::Money, 110},   {TypeId::SmallMoney, 110},
-                                       {TypeId::DateTime, 111}, {TypeId::SmallDateTime, 111}};
+    constexpr NullableForm kForms[] = {
+        {TypeId::Int, 38},       {TypeId::SmallInt, 38},      {TypeId::TinyInt, 38},
+        {TypeId::BigInt, 108},   {TypeId::Bit, 50},           {TypeId::Real, 109},
+        {TypeId::Float, 109},    {TypeId::Money, 110},        {TypeId::SmallMoney, 110},
+        {TypeId::DateTime, 111}, {TypeId::SmallDateTime, 111}};
     facts.ss_type = system.tds_type;
     for (const NullableForm& form : kForms) {
         if (nullable && form.id == type.id) {
@@ -346,7 +383,8 @@ struct ListedObject {
 std::vector<ListedObject> Matching(SystemCall& call, std::string_view types, const std::string& name,
                                    const std::string& owner) {
     SqliteStatement row = call.session().CurrentDatabase().Prepare(
-        "SELECT id, schema, name FROM {db}.devsql_objects WHERE type IN (" + std::string(types) + ") ORDER BY schema, name");
+        "SELECT id, schema, name FROM {db}.devsql_objects WHERE type IN (" + std::string(types) +
+        ") ORDER BY schema, name");
     std::vector<ListedObject> list;
     while (row.Step()) {
         ListedObject object{row.Int(0), row.Text(1), row.Text(2)};
@@ -378,10 +416,12 @@ std::int32_t Columns(SystemCall& call) {
                           {"ORDINAL_POSITION", kInt, false, false},
                           {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
                           {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
-    for (const ListedObject& object : Matching(call, "'U', 'V'", Pattern(call, "@table_name"), Pattern(call, "@table_owner"))) {
-        SqliteStatement row = session.CurrentDatabase().Prepare(
-            "SELECT name, type, length, precision, scale, nullable, identity, default_text FROM {db}.devsql_columns "
-            "WHERE object = ?1 ORDER BY position");
+    for (const ListedObject& object :
+         Matching(call, "'U', 'V'", Pattern(call, "@table_name"), Pattern(call, "@table_owner"))) {
+        SqliteStatement row =
+            session.CurrentDatabase().Prepare("SELECT name, type, length, precision, scale, nullable, "
+                                              "identity, default_text FROM {db}.devsql_columns "
+                                              "WHERE object = ?1 ORDER BY position");
         row.BindInt(1, object.id);
         std::int64_t ordinal = 0;
         while (row.Step()) {
@@ -393,10 +433,11 @@ std::int32_t Columns(SystemCall& call) {
                             static_cast<std::uint8_t>(row.Int(3)), static_cast<std::uint8_t>(row.Int(4))};
             const bool nullable = row.Int(5) != 0;
             const TypeFacts facts = FactsOf(type, nullable, row.Int(6) != 0);
-            table.Row({session.CurrentDatabaseName(), object.schema, object.name, row.Text(0), facts.data_type, facts.name,
-                       facts.precision, facts.length, facts.scale, facts.radix, std::int64_t{nullable}, Value(),
-                       OrNull(row.Text(7)), facts.sql_data_type, facts.datetime_sub, facts.octets, ordinal,
-                       std::string(nullable ? "YES" : "NO"), facts.ss_type});
+            table.Row({session.CurrentDatabaseName(), object.schema, object.name, row.Text(0),
+                       facts.data_type, facts.name, facts.precision, facts.length, facts.scale, facts.radix,
+                       std::int64_t{nullable}, Value(), OrNull(row.Text(7)), facts.sql_data_type,
+                       facts.datetime_sub, facts.octets, ordinal, std::string(nullable ? "YES" : "NO"),
+                       facts.ss_type});
         }
     }
     table.End();
@@ -413,9 +454,10 @@ std::int32_t StoredProcedures(SystemCall& call) {
                           {"NUM_RESULT_SETS", kInt, false, false},
                           {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
                           {"PROCEDURE_TYPE", kSmallInt, false, false}});
-    for (const ListedObject& object : Matching(call, "'P'", Pattern(call, "@sp_name"), Pattern(call, "@sp_owner"))) {
-        table.Row({session.CurrentDatabaseName(), object.schema, object.name + ";1", std::int64_t{-1}, std::int64_t{-1},
-                   std::int64_t{-1}, Value(), std::int64_t{2}});
+    for (const ListedObject& object :
+         Matching(call, "'P'", Pattern(call, "@sp_name"), Pattern(call, "@sp_owner"))) {
+        table.Row({session.CurrentDatabaseName(), object.schema, object.name + ";1", std::int64_t{-1},
+                   std::int64_t{-1}, std::int64_t{-1}, Value(), std::int64_t{2}});
     }
     table.End();
     return 0;
@@ -443,12 +485,28 @@ std::int32_t ProcedureColumns(SystemCall& call) {
                           {"ORDINAL_POSITION", kInt, false, false},
                           {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
                           {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
-    const auto row = [&](const ListedObject& object, const std::string& name, std::int64_t kind, const Type& type,
-                         bool nullable, std::int64_t ordinal) {
+    const auto row = [&](const ListedObject& object, const std::string& name, std::int64_t kind,
+                         const Type& type, bool nullable, std::int64_t ordinal) {
         const TypeFacts facts = FactsOf(type, true, false);
-        table.Row({session.CurrentDatabaseName(), object.schema, object.name + ";1", name, kind, facts.data_type, facts.name,
-                   facts.precision, facts.length, facts.scale, facts.radix, std::int64_t{nullable}, Value(), Value(),
-                   facts.sql_data_type, facts.datetime_sub, facts.octets, ordinal, std::string(nullable ? "YES" : "NO"),
+        table.Row({session.CurrentDatabaseName(),
+                   object.schema,
+                   object.name + ";1",
+                   name,
+                   kind,
+                   facts.data_type,
+                   facts.name,
+                   facts.precision,
+                   facts.length,
+                   facts.scale,
+                   facts.radix,
+                   std::int64_t{nullable},
+                   Value(),
+                   Value(),
+                   facts.sql_data_type,
+                   facts.datetime_sub,
+                   facts.octets,
+                   ordinal,
+                   std::string(nullable ? "YES" : "NO"),
                    facts.ss_type});
     };
     constexpr std::int64_t kInput = 1;
@@ -463,7 +521,8 @@ std::int32_t ProcedureColumns(SystemCall& call) {
         for (const ParameterDef& parameter : session.CurrentDatabase().Parameters(object.id)) {
             ++ordinal;
             if (LikeName(parameter.name, Pattern(call, "@column_name"))) {
-                row(object, parameter.name, parameter.output ? kInputOutput : kInput, parameter.type, true, ordinal);
+                row(object, parameter.name, parameter.output ? kInputOutput : kInput, parameter.type, true,
+                    ordinal);
             }
         }
     }
@@ -472,12 +531,14 @@ std::int32_t ProcedureColumns(SystemCall& call) {
 }
 
 std::int32_t PrimaryKeys(SystemCall& call) {
-    call.Run("SELECT CONVERT(sysname, DB_NAME()) AS TABLE_QUALIFIER, k.TABLE_SCHEMA AS TABLE_OWNER, k.TABLE_NAME, "
-             "k.COLUMN_NAME, CONVERT(smallint, k.ORDINAL_POSITION) AS KEY_SEQ, k.CONSTRAINT_NAME AS PK_NAME "
-             "FROM INFORMATION_SCHEMA.KEY_COLUMN_USAGE k JOIN INFORMATION_SCHEMA.TABLE_CONSTRAINTS c ON "
-             "c.CONSTRAINT_NAME = k.CONSTRAINT_NAME AND c.CONSTRAINT_TYPE = 'PRIMARY KEY' WHERE k.TABLE_NAME = @p1 "
-             "ORDER BY TABLE_OWNER, TABLE_NAME, KEY_SEQ",
-             {call.Text("@table_name")});
+    call.Run(
+        "SELECT CONVERT(sysname, DB_NAME()) AS TABLE_QUALIFIER, k.TABLE_SCHEMA AS TABLE_OWNER, k.TABLE_NAME, "
+        "k.COLUMN_NAME, CONVERT(smallint, k.ORDINAL_POSITION) AS KEY_SEQ, k.CONSTRAINT_NAME AS PK_NAME "
+        "FROM INFORMATION_SCHEMA.KEY_COLUMN_USAGE k JOIN INFORMATION_SCHEMA.TABLE_CONSTRAINTS c ON "
+        "c.CONSTRAINT_NAME = k.CONSTRAINT_NAME AND c.CONSTRAINT_TYPE = 'PRIMARY KEY' WHERE k.TABLE_NAME = "
+        "@p1 "
+        "ORDER BY TABLE_OWNER, TABLE_NAME, KEY_SEQ",
+        {call.Text("@table_name")});
     return 0;
 }
 
@@ -497,13 +558,16 @@ constexpr SystemProcedure kProcedures[] = {
      "@column_name nvarchar(384) = NULL, @ODBCVer int = 2, @fUsePattern bit = 1",
      Columns},
     {"sp_stored_procedures",
-     "@sp_name nvarchar(390) = NULL, @sp_owner nvarchar(384) = NULL, @sp_qualifier sysname = NULL, @fUsePattern bit = 1",
+     "@sp_name nvarchar(390) = NULL, @sp_owner nvarchar(384) = NULL, @sp_qualifier sysname = NULL, "
+     "@fUsePattern bit = 1",
      StoredProcedures},
     {"sp_sproc_columns",
-     "@procedure_name nvarchar(390) = '%', @procedure_owner nvarchar(384) = NULL, @procedure_qualifier sysname = NULL, "
+     "@procedure_name nvarchar(390) = '%', @procedure_owner nvarchar(384) = NULL, @procedure_qualifier "
+     "sysname = NULL, "
      "@column_name nvarchar(384) = NULL, @ODBCVer int = 2, @fUsePattern bit = 1",
      ProcedureColumns},
-    {"sp_pkeys", "@table_name sysname, @table_owner sysname = NULL, @table_qualifier sysname = NULL", PrimaryKeys},
+    {"sp_pkeys", "@table_name sysname, @table_owner sysname = NULL, @table_qualifier sysname = NULL",
+     PrimaryKeys},
 };
 
 } // namespace

@@ -16,8 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kLogText =
-    "Log file of a database of the development server. The data file holds the whole database, log included.\r\n";
+constexpr std::string_view kLogText = "Log file of a database of the development server. The data file holds "
+                                      "the whole database, log included.\r\n";
 
 /// What SQLite leaves beside a file while it is open.
 constexpr std::array<std::string_view, 3> kCompanions = {"-wal", "-shm", "-journal"};
@@ -61,7 +61,10 @@ std::string InKilobytes(const std::string& size, std::string_view fallback) {
         return size;
     }
     const std::string unit = size.substr(size.size() - 2);
-    const std::int64_t factor = unit == "KB" ? 1 : unit == "MB" ? 1024 : unit == "GB" ? 1024 * 1024 : 1024LL * 1024 * 1024;
+    const std::int64_t factor = unit == "KB"   ? 1
+                                : unit == "MB" ? 1024
+                                : unit == "GB" ? 1024 * 1024
+                                               : 1024LL * 1024 * 1024;
     return std::to_string(std::stoll(size) * factor) + " KB";
 }
 
@@ -87,9 +90,12 @@ std::vector<DatabaseFile> FilesOf(SessionCore& session, const ast::CreateDatabas
         file.log = log;
         const std::size_t ordinal = files.size() + 1;
         file.id = static_cast<int>(ordinal);
-        file.name = !spec.name.empty() ? spec.name : create.name + (log ? "_log" : files.empty() ? "" : std::to_string(ordinal));
-        file.client_path = !spec.path.empty() ? spec.path
-                                              : (root / (create.name + (log ? "_log.ldf" : ".mdf"))).string();
+        file.name = !spec.name.empty() ? spec.name
+                                       : create.name + (log             ? "_log"
+                                                        : files.empty() ? ""
+                                                                        : std::to_string(ordinal));
+        file.client_path =
+            !spec.path.empty() ? spec.path : (root / (create.name + (log ? "_log.ldf" : ".mdf"))).string();
         file.path = PlaceOfNewFile(session, file.client_path);
         file.file_group = log ? "" : spec.file_group.empty() ? "PRIMARY" : spec.file_group;
         file.size = InKilobytes(spec.size, log ? "1024 KB" : "2048 KB");
@@ -219,7 +225,8 @@ void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement&
     try {
         info.files = FilesOf(session, create);
     } catch (const SqlError& error) {
-        session.Print({error.number(), error.severity(), error.state(), error.text(), session.frame().procedure, session.line});
+        session.Print({error.number(), error.severity(), error.state(), error.text(),
+                       session.frame().procedure, session.line});
         RaiseError(1802, {}, 4);
     }
     try {
@@ -311,7 +318,9 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
         log.log = true;
         log.name = name + "_log";
         log.path = info.files[0].path.parent_path() / (name + "_log.ldf");
-        log.client_path = info.files[0].client_path.substr(0, info.files[0].client_path.find_last_of("/\\") + 1) + name + "_log.ldf";
+        log.client_path =
+            info.files[0].client_path.substr(0, info.files[0].client_path.find_last_of("/\\") + 1) + name +
+            "_log.ldf";
         log.file_group.clear();
         WriteLogFile(log);
         info.files.push_back(std::move(log));
@@ -324,8 +333,9 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
 namespace {
 
 void ModifyFile(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseStatement& alter) {
-    const auto file = std::find_if(info.files.begin(), info.files.end(),
-                                   [&](const DatabaseFile& candidate) { return Same(candidate.name, alter.name); });
+    const auto file = std::find_if(info.files.begin(), info.files.end(), [&](const DatabaseFile& candidate) {
+        return Same(candidate.name, alter.name);
+    });
     if (file == info.files.end()) {
         RaiseError(5041, {alter.name});
     }
@@ -336,8 +346,8 @@ void ModifyFile(SessionCore& session, DatabaseInfo info, const ast::AlterDatabas
             }
         }
         file->name = alter.new_name;
-        session.Print({5021, 0, 1, "The file name '" + alter.new_name + "' has been set.", session.frame().procedure,
-                       session.line});
+        session.Print({5021, 0, 1, "The file name '" + alter.new_name + "' has been set.",
+                       session.frame().procedure, session.line});
     }
     const ast::FileSpec& spec = alter.files[0];
     file->size = InKilobytes(spec.size, file->size);
@@ -357,8 +367,8 @@ void ModifyName(SessionCore& session, DatabaseInfo info, const std::string& new_
     const Exclusive exclusive(session, info.name, 5030, "");
     info.name = new_name;
     UpdateDatabase(session.connection, info);
-    session.Print({5018, 0, 1, "The database name '" + new_name + "' has been set.", session.frame().procedure,
-                   session.line});
+    session.Print({5018, 0, 1, "The database name '" + new_name + "' has been set.",
+                   session.frame().procedure, session.line});
 }
 
 void AddFiles(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseStatement& alter) {
@@ -386,13 +396,30 @@ void AddFiles(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseS
 }
 
 /// Options that are kept and shown; those of access have their effect too.
-constexpr std::array<std::string_view, 24> kOptions = {
-    "RECOVERY",        "AUTO_SHRINK",       "AUTO_CLOSE",          "AUTO_CREATE_STATISTICS",
-    "AUTO_UPDATE_STATISTICS", "TORN_PAGE_DETECTION", "PAGE_VERIFY", "ANSI_NULL_DEFAULT",
-    "ANSI_NULLS",      "ANSI_PADDING",      "ANSI_WARNINGS",       "ARITHABORT",
-    "CONCAT_NULL_YIELDS_NULL", "NUMERIC_ROUNDABORT", "QUOTED_IDENTIFIER", "RECURSIVE_TRIGGERS",
-    "CURSOR_CLOSE_ON_COMMIT", "CURSOR_DEFAULT", "DB_CHAINING",     "TRUSTWORTHY",
-    "COMPATIBILITY_LEVEL", "ALLOW_SNAPSHOT_ISOLATION", "READ_COMMITTED_SNAPSHOT", "PARAMETERIZATION"};
+constexpr std::array<std::string_view, 24> kOptions = {"RECOVERY",
+                                                       "AUTO_SHRINK",
+                                                       "AUTO_CLOSE",
+                                                       "AUTO_CREATE_STATISTICS",
+                                                       "AUTO_UPDATE_STATISTICS",
+                                                       "TORN_PAGE_DETECTION",
+                                                       "PAGE_VERIFY",
+                                                       "ANSI_NULL_DEFAULT",
+                                                       "ANSI_NULLS",
+                                                       "ANSI_PADDING",
+                                                       "ANSI_WARNINGS",
+                                                       "ARITHABORT",
+                                                       "CONCAT_NULL_YIELDS_NULL",
+                                                       "NUMERIC_ROUNDABORT",
+                                                       "QUOTED_IDENTIFIER",
+                                                       "RECURSIVE_TRIGGERS",
+                                                       "CURSOR_CLOSE_ON_COMMIT",
+                                                       "CURSOR_DEFAULT",
+                                                       "DB_CHAINING",
+                                                       "TRUSTWORTHY",
+                                                       "COMPATIBILITY_LEVEL",
+                                                       "ALLOW_SNAPSHOT_ISOLATION",
+                                                       "READ_COMMITTED_SNAPSHOT",
+                                                       "PARAMETERIZATION"};
 
 } // namespace
 

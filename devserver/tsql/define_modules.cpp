@@ -27,7 +27,8 @@ const KindInfo* InfoOf(ast::ObjectKind kind) {
     return nullptr;
 }
 
-std::vector<ParameterDef> DefineParameters(SessionCore& session, const std::vector<ast::Parameter>& parameters) {
+std::vector<ParameterDef> DefineParameters(SessionCore& session,
+                                           const std::vector<ast::Parameter>& parameters) {
     std::vector<ParameterDef> defined;
     for (const ast::Parameter& parameter : parameters) {
         ParameterDef definition;
@@ -102,7 +103,8 @@ void DropObject(SessionCore& session, const KindInfo& info, const ast::Name& nam
     if (object->type != info.type) {
         for (const KindInfo& other : kKinds) {
             if (other.type == object->type) {
-                RaiseError(3705, {AsciiUpper(info.word), name.text(), other.word, "DROP " + AsciiUpper(other.word)});
+                RaiseError(
+                    3705, {AsciiUpper(info.word), name.text(), other.word, "DROP " + AsciiUpper(other.word)});
             }
         }
     }
@@ -122,8 +124,9 @@ void DropType(SessionCore& session, const ast::Name& name, bool if_exists) {
         }
         RaiseError(218, {name.text()});
     }
-    SqliteStatement used = catalogue.Prepare(
-        "SELECT o.name FROM {db}.devsql_columns c JOIN {db}.devsql_objects o ON o.id = c.object WHERE c.user_type = ?1");
+    SqliteStatement used =
+        catalogue.Prepare("SELECT o.name FROM {db}.devsql_columns c JOIN {db}.devsql_objects o ON o.id = "
+                          "c.object WHERE c.user_type = ?1");
     if (used.BindText(1, type->schema + "." + type->name).Step()) {
         RaiseError(3732, {name.text(), used.Text(0)});
     }
@@ -196,7 +199,8 @@ void RunDrop(SessionCore& session, const ast::DropStatement& drop) {
         case ast::ObjectKind::Schema:
             DropPrincipal(session, drop.kind, name.last(), drop.if_exists);
             break;
-        default: { // Functions, triggers, defaults and rules can't be made here, so none is there to be dropped.
+        default: { // Functions, triggers, defaults and rules can't be made here, so none is there to be
+                   // dropped.
             constexpr std::string_view kWords[] = {"function", "trigger", "default", "rule"};
             const std::string_view word = drop.kind == ast::ObjectKind::Function  ? kWords[0]
                                           : drop.kind == ast::ObjectKind::Trigger ? kWords[1]

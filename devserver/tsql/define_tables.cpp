@@ -138,7 +138,8 @@ void TableBuilder::AddColumn(const ast::ColumnDefinition& definition) {
     }
     bool type_nullable = true;
     Emission emission(session_);
-    column.type = Binder(session_, emission).ResolveType(definition.type, 1, &column.user_type, &type_nullable);
+    column.type =
+        Binder(session_, emission).ResolveType(definition.type, 1, &column.user_type, &type_nullable);
     column.nullable = definition.nullable.value_or(type_nullable && column.type.id != TypeId::Timestamp);
     column.row_guid = definition.row_guid;
     if (definition.identity) {
@@ -288,17 +289,18 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
         }
         key.referenced_columns.push_back(definition->id);
     }
-    const bool any_key = std::any_of(referenced->indexes.begin(), referenced->indexes.end(), [&](const IndexDef& index) {
-        std::vector<int> ids;
-        for (const KeyColumn& part : index.columns) {
-            ids.push_back(part.column);
-        }
-        if (constraint.referenced_columns.empty() && index.primary_key) {
-            key.referenced_columns = ids;
-        }
-        return index.unique && std::is_permutation(ids.begin(), ids.end(), key.referenced_columns.begin(),
-                                                   key.referenced_columns.end());
-    });
+    const bool any_key =
+        std::any_of(referenced->indexes.begin(), referenced->indexes.end(), [&](const IndexDef& index) {
+            std::vector<int> ids;
+            for (const KeyColumn& part : index.columns) {
+                ids.push_back(part.column);
+            }
+            if (constraint.referenced_columns.empty() && index.primary_key) {
+                key.referenced_columns = ids;
+            }
+            return index.unique && std::is_permutation(ids.begin(), ids.end(), key.referenced_columns.begin(),
+                                                       key.referenced_columns.end());
+        });
     if (constraint.referenced_columns.empty() && key.referenced_columns.empty()) {
         RaiseError(1773, {key.name, referenced->name});
     }

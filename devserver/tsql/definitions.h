@@ -64,7 +64,8 @@ void RunCreatePrincipal(SessionCore& session, const ast::CreatePrincipalStatemen
 void RunAlterRole(SessionCore& session, const ast::AlterRoleStatement& alter);
 void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string& name, bool if_exists);
 /// Each raises what its procedure does: 15007, 15023, 15025, 15401, 15410, ...
-void AddLogin(SessionCore& session, const std::string& name, const std::string& password, const std::string& database);
+void AddLogin(SessionCore& session, const std::string& name, const std::string& password,
+              const std::string& database);
 void AddUser(SessionCore& session, const std::string& login, const std::string& name);
 void AddRole(SessionCore& session, const std::string& name);
 void SetRoleMember(SessionCore& session, const std::string& role, const std::string& member, bool add);

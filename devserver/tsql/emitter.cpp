@@ -20,7 +20,8 @@ bool ChangesNothing(const Bound& convert) {
     }
     if (IsCharacter(to.id) || IsBinary(to.id)) {
         return convert.assignment && !IsFixedLength(to.id) && (IsUnicode(to.id) || !IsUnicode(from.id)) &&
-               (to.length == kMaxLength || IsOldLob(to.id) || (from.length != kMaxLength && from.length <= to.length));
+               (to.length == kMaxLength || IsOldLob(to.id) ||
+                (from.length != kMaxLength && from.length <= to.length));
     }
     if (IsInteger(from.id) || from.id == TypeId::Bit) {
         return to.id != TypeId::Bit && Precedence(from.id) <= Precedence(to.id);
@@ -143,7 +144,8 @@ std::string Emission::EmitCase(const Bound& expression) {
     std::string text = "CASE";
     std::size_t i = 0;
     for (; i + 1 < expression.children.size(); i += 2) {
-        text += " WHEN " + EmitCondition(expression.children[i]) + " THEN " + Emit(expression.children[i + 1]);
+        text +=
+            " WHEN " + EmitCondition(expression.children[i]) + " THEN " + Emit(expression.children[i + 1]);
     }
     if (i < expression.children.size()) {
         text += " ELSE " + Emit(expression.children[i]);

@@ -6,21 +6,33 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<MessageTemplate, 14> kOwnMessages = {{
-    {321, 15, "\"%1\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
-              "function or to the CHANGETABLE function, ensure that your database compatibility mode is set to 90."},
+constexpr std::array<MessageTemplate, 22> kOwnMessages = {{
+    {321, 15,
+     "\"%1\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
+     "function or to the CHANGETABLE function, ensure that your database compatibility mode is set to 90."},
     {1222, 16, "Lock request time out period exceeded."},
     {8624, 16, "Internal error of the development server: %1"},
+    {420, 16, "The %1 data type cannot be used in an ORDER BY clause."},
     {596, 21, "Cannot continue the execution because the session is in the kill state."},
     {628, 16, "Cannot issue SAVE TRANSACTION when there is no active transaction."},
     {952, 16, "Database '%1' is in transition. Try the statement later."},
-    {1105, 17, "Could not allocate space for object '%1' in database '%2' because the '%3' filegroup is full."},
+    {1088, 16, "Cannot find the object \"%1\" because it does not exist or you do not have permissions."},
+    {1105, 17,
+     "Could not allocate space for object '%1' in database '%2' because the '%3' filegroup is full."},
+    {2010, 16, "Cannot perform alter on '%1' because it is an incompatible object type."},
     {10704, 15, "To rethrow an error, a THROW statement must be used inside a CATCH block."},
-    {10734, 15, "Variable assignment is not allowed in a statement containing a top level UNION, INTERSECT or EXCEPT "
-                "operator."},
+    {10734, 15,
+     "Variable assignment is not allowed in a statement containing a top level UNION, INTERSECT or EXCEPT "
+     "operator."},
+    {10753, 15, "The function '%1' must have an OVER clause."},
     {14043, 16, "The parameter %1 cannot be NULL."},
     {14261, 16, "The specified %1 ('%2') already exists."},
-    {14590, 16, "DTS Package '%1' already exists with a different ID in this category or with this version (%2)."},
+    {15150, 16, "Cannot drop the %1 '%2'."},
+    {15241, 16, "Usage: sp_dboption [dbname [, optname [, 'true' | 'false']]]"},
+    {15325, 16, "The current database does not contain a file named '%1'."},
+    {15471, 10, "The text for object '%1' is encrypted."},
+    {14590, 16,
+     "DTS Package '%1' already exists with a different ID in this category or with this version (%2)."},
     {40510, 16, "Statement '%1' is not supported in this version of SQL Server."},
     {40517, 16, "Keyword or statement option '%1' is not supported in this version of SQL Server."},
 }};
@@ -31,7 +43,8 @@ std::string Filled(std::string_view text, const Arguments& arguments) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '%' && i + 1 < text.size() && text[i + 1] >= '1' && text[i + 1] <= '9') {
             const auto index = static_cast<std::size_t>(text[++i] - '1');
-            result += index < arguments.size() ? std::string_view(*(arguments.begin() + index)) : std::string_view();
+            result += index < arguments.size() ? std::string_view(*(arguments.begin() + index))
+                                               : std::string_view();
         } else {
             result += text[i];
         }

@@ -14,7 +14,8 @@ namespace devsql {
 
 /// An error of the message table, or of the server's own few: 321, 40510 ("Statement '%1' is not supported"),
 /// 40517 ("Keyword or statement option '%1' is not supported").
-SqlError ErrorOf(std::int32_t number, std::initializer_list<std::string_view> arguments = {}, std::uint8_t state = 1);
+SqlError ErrorOf(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
+                 std::uint8_t state = 1);
 [[noreturn]] void RaiseError(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
                              std::uint8_t state = 1);
 

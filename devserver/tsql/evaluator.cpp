@@ -191,7 +191,8 @@ bool NeedsSql(const Bound& node) {
 bool IsConstant(const Bound& node) {
     if (node.kind == BoundKind::Sql || node.kind == BoundKind::Slot || node.kind == BoundKind::Variable ||
         node.kind == BoundKind::Session ||
-        (node.kind == BoundKind::Function && (node.function->name == "NEWID" || node.function->name == "RAND"))) {
+        (node.kind == BoundKind::Function &&
+         (node.function->name == "NEWID" || node.function->name == "RAND"))) {
         return false;
     }
     for (const BoundPtr& child : node.children) {

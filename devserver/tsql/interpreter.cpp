@@ -23,14 +23,14 @@ constexpr std::uint8_t kFirstError = 11;
 
 /// Errors that end the batch and roll its transaction back: a value that isn't what its type wants, a lost
 /// fight for a lock.
-constexpr std::array<std::int32_t, 15> kBatchErrors = {241,  242,  244,  245,  248,  295,  8169, 8170,
-                                                       1205, 3930, 3609, 217,  8624, 235,  296};
+constexpr std::array<std::int32_t, 15> kBatchErrors = {241,  242,  244,  245, 248,  295, 8169, 8170,
+                                                       1205, 3930, 3609, 217, 8624, 235, 296};
 
 /// Errors that SQL Server finds when it compiles the statement: they end the procedure or the batch.
 constexpr std::array<std::int32_t, 52> kScopeErrors = {
-    102,  104,  107,  108,  109,  110,  116,  120,  121,  128,  130,  137,  141,  145,  147,  156, 164, 174,
-    189,  195,  205,  206,  207,  208,  209,  213,  257,  259,  263,  264,  271,  272,  273,  306, 402, 420,
-    421,  529,  1011, 1013, 1046, 1087, 4104, 8101, 8116, 8117, 8118, 8120, 8121, 8127, 8133, 8155};
+    102, 104, 107,  108,  109,  110,  116,  120,  121,  128,  130,  137,  141,  145,  147,  156, 164, 174,
+    189, 195, 205,  206,  207,  208,  209,  213,  257,  259,  263,  264,  271,  272,  273,  306, 402, 420,
+    421, 529, 1011, 1013, 1046, 1087, 4104, 8101, 8116, 8117, 8118, 8120, 8121, 8127, 8133, 8155};
 
 /// The statement has been terminated: said behind the errors of rows.
 constexpr std::array<std::int32_t, 10> kRowErrors = {515, 547, 2601, 2627, 8152, 8115, 8134, 220, 232, 512};
@@ -45,8 +45,23 @@ struct Overloaded : Handlers... {
     using Handlers::operator()...;
 };
 
+/// The statements that open a transaction under SET IMPLICIT_TRANSACTIONS ON.
+bool BeginsImplicitly(const ast::Statement& statement) {
+    return std::holds_alternative<ast::QueryPtr>(statement.node) ||
+           std::holds_alternative<ast::InsertStatement>(statement.node) ||
+           std::holds_alternative<ast::UpdateStatement>(statement.node) ||
+           std::holds_alternative<ast::DeleteStatement>(statement.node) ||
+           std::holds_alternative<ast::TruncateStatement>(statement.node) ||
+           std::holds_alternative<ast::CreateTableStatement>(statement.node) ||
+           std::holds_alternative<ast::AlterTableStatement>(statement.node) ||
+           std::holds_alternative<ast::DropStatement>(statement.node) ||
+           std::holds_alternative<ast::GrantStatement>(statement.node) ||
+           std::holds_alternative<ast::FetchStatement>(statement.node);
+}
+
 Message MessageOf(const SessionCore& session, const SqlError& error) {
-    return {error.number(), error.severity(), error.state(), error.text(), session.frame().procedure, session.line};
+    return {error.number(), error.severity(),          error.state(),
+            error.text(),   session.frame().procedure, session.line};
 }
 
 SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
@@ -73,7 +88,8 @@ void Interpreter::RunGuarded(const std::function<void()>& work) {
     } catch (const ScopeAborted&) {
     } catch (const LocatedError& error) {
         session_.last_error = error.number();
-        session_.Print({error.number(), error.severity(), error.state(), error.text(), session_.frame().procedure, error.line()});
+        session_.Print({error.number(), error.severity(), error.state(), error.text(),
+                        session_.frame().procedure, error.line()});
     } catch (const SqlError& error) {
         session_.last_error = error.number();
         session_.Print(MessageOf(session_, error));
@@ -102,9 +118,10 @@ void Interpreter::RunBatch(std::string_view sql) {
         session_.line = 1;
         const Batch batch = ParseBatch(sql, {session_.options.quoted_identifier, {}});
         if (session_.options.parseonly) {
-            const bool ends = std::any_of(batch.statements.begin(), batch.statements.end(), [](const ast::StatementPtr& s) {
-                return std::holds_alternative<ast::SetOptionStatement>(s->node);
-            });
+            const bool ends =
+                std::any_of(batch.statements.begin(), batch.statements.end(), [](const ast::StatementPtr& s) {
+                    return std::holds_alternative<ast::SetOptionStatement>(s->node);
+                });
             if (!ends) {
                 return;
             }
@@ -283,31 +300,30 @@ Interpreter::Flow Interpreter::RunWhile(const ast::WhileStatement& loop) {
 }
 
 Interpreter::Flow Interpreter::Execute(const ast::Statement& statement) {
-    const Flow flow = std::visit(
-        Overloaded{
-            [&](const ast::IfStatement& s) {
-                if (TestExpression(session_, *s.condition)) {
-                    return RunStatement(*s.then);
-                }
-                return s.otherwise ? RunStatement(*s.otherwise) : Flow::Next;
-            },
-            [&](const ast::WhileStatement& s) { return RunWhile(s); },
-            [&](const ast::BlockStatement& s) { return RunList(s.statements); },
-            [&](const ast::TryStatement& s) { return RunTry(s); },
-            [&](const ast::BreakStatement&) { return Flow::Break; },
-            [&](const ast::ContinueStatement&) { return Flow::Continue; },
-            [&](const ast::GotoStatement& s) {
-                goto_label_ = s.label;
-                return Flow::Goto;
-            },
-            [&](const ast::LabelStatement&) { return Flow::Next; },
-            [&](const ast::ReturnStatement& s) {
-                Return(s);
-                return Flow::Return;
-            },
-            [&](const auto&) { return ExecuteSimple(statement); },
-        },
-        statement.node);
+    const Flow flow = std::visit(Overloaded{
+                                     [&](const ast::IfStatement& s) {
+                                         if (TestExpression(session_, *s.condition)) {
+                                             return RunStatement(*s.then);
+                                         }
+                                         return s.otherwise ? RunStatement(*s.otherwise) : Flow::Next;
+                                     },
+                                     [&](const ast::WhileStatement& s) { return RunWhile(s); },
+                                     [&](const ast::BlockStatement& s) { return RunList(s.statements); },
+                                     [&](const ast::TryStatement& s) { return RunTry(s); },
+                                     [&](const ast::BreakStatement&) { return Flow::Break; },
+                                     [&](const ast::ContinueStatement&) { return Flow::Continue; },
+                                     [&](const ast::GotoStatement& s) {
+                                         goto_label_ = s.label;
+                                         return Flow::Goto;
+                                     },
+                                     [&](const ast::LabelStatement&) { return Flow::Next; },
+                                     [&](const ast::ReturnStatement& s) {
+                                         Return(s);
+                                         return Flow::Return;
+                                     },
+                                     [&](const auto&) { return ExecuteSimple(statement); },
+                                 },
+                                 statement.node);
     return flow;
 }
 
@@ -316,6 +332,10 @@ Interpreter::Flow Interpreter::ExecuteSimple(const ast::Statement& statement) {
                             std::holds_alternative<ast::UpdateStatement>(statement.node) ||
                             std::holds_alternative<ast::DeleteStatement>(statement.node))) {
         RaiseError(3930);
+    }
+    if (session_.options.implicit_transactions && session_.transaction_count() == 0 &&
+        BeginsImplicitly(statement)) {
+        session_.BeginTransaction("");
     }
     const bool keeps_error = std::holds_alternative<ast::DeclareStatement>(statement.node);
     bool sets_count = true;
@@ -331,7 +351,9 @@ Interpreter::Flow Interpreter::ExecuteSimple(const ast::Statement& statement) {
             [&](const ast::ExecuteStatement& s) { return ExecuteCall(s), true; },
             [&](const ast::ExecuteStringStatement& s) { return ExecuteString(s), true; },
             [&](const ast::TransactionStatement& s) { return Transaction(s), session_.row_count = 0, true; },
-            [&](const ast::UseStatement& s) { return session_.Use(s.database), session_.row_count = 0, true; },
+            [&](const ast::UseStatement& s) {
+                return session_.Use(s.database), session_.row_count = 0, true;
+            },
             [&](const ast::QueryPtr& s) { return RunSelect(session_, *s), true; },
             [&](const ast::InsertStatement& s) {
                 RunInsert(session_, s, [this](const ast::Statement& nested) { return Capture(nested); });

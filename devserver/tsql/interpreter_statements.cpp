@@ -60,15 +60,17 @@ struct Switch {
     std::string_view name;
     bool Options::*member;
 };
-constexpr std::array<Switch, 9> kSwitches = {{{"NOCOUNT", &Options::nocount},
-                                              {"XACT_ABORT", &Options::xact_abort},
-                                              {"ANSI_NULLS", &Options::ansi_nulls},
-                                              {"QUOTED_IDENTIFIER", &Options::quoted_identifier},
-                                              {"CONCAT_NULL_YIELDS_NULL", &Options::concat_null_yields_null},
-                                              {"NOEXEC", &Options::noexec},
-                                              {"PARSEONLY", &Options::parseonly},
-                                              {"FMTONLY", &Options::fmtonly},
-                                              {"ANSI_DEFAULTS", &Options::quoted_identifier}}};
+constexpr std::array<Switch, 11> kSwitches = {{{"NOCOUNT", &Options::nocount},
+                                               {"XACT_ABORT", &Options::xact_abort},
+                                               {"ANSI_NULLS", &Options::ansi_nulls},
+                                               {"QUOTED_IDENTIFIER", &Options::quoted_identifier},
+                                               {"CONCAT_NULL_YIELDS_NULL", &Options::concat_null_yields_null},
+                                               {"NOEXEC", &Options::noexec},
+                                               {"PARSEONLY", &Options::parseonly},
+                                               {"FMTONLY", &Options::fmtonly},
+                                               {"ANSI_DEFAULTS", &Options::quoted_identifier},
+                                               {"IMPLICIT_TRANSACTIONS", &Options::implicit_transactions},
+                                               {"CURSOR_CLOSE_ON_COMMIT", &Options::cursor_close_on_commit}}};
 
 /// Options that clients send at login and scripts carry along: this server always works as with the value
 /// that stands here, whatever is set, and a script that sets the other value is told so.
@@ -76,15 +78,13 @@ struct Fixed {
     std::string_view name;
     std::string_view value; ///< empty: any
 };
-constexpr std::array<Fixed, 19> kFixed = {{{"ANSI_WARNINGS", ""},
+constexpr std::array<Fixed, 17> kFixed = {{{"ANSI_WARNINGS", ""},
                                            {"ANSI_PADDING", ""},
                                            {"ANSI_NULL_DFLT_ON", ""},
                                            {"ANSI_NULL_DFLT_OFF", "OFF"},
                                            {"ARITHABORT", ""},
                                            {"ARITHIGNORE", "OFF"},
                                            {"NUMERIC_ROUNDABORT", "OFF"},
-                                           {"IMPLICIT_TRANSACTIONS", "OFF"},
-                                           {"CURSOR_CLOSE_ON_COMMIT", "OFF"},
                                            {"REMOTE_PROC_TRANSACTIONS", ""},
                                            {"FORCEPLAN", ""},
                                            {"SHOWPLAN_TEXT", "OFF"},
@@ -206,12 +206,14 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
     std::int64_t severity = raise.severity ? Number(session_, *raise.severity, 16) : 16;
     const std::int64_t state = raise.state ? Number(session_, *raise.state, 1) : 1;
     if (!raise.severity) { // RAISERROR 50001 'text'
-        number = static_cast<std::int32_t>(std::get<std::int64_t>(Convert(message, type, Simple(TypeId::Int))));
+        number =
+            static_cast<std::int32_t>(std::get<std::int64_t>(Convert(message, type, Simple(TypeId::Int))));
         text = ValueText(arguments.at(0).value, arguments.at(0).type);
     } else if (IsCharacter(type.id)) {
         text = FormatRaiserror(IsNull(message) ? "" : std::get<std::string>(message), arguments);
     } else {
-        number = static_cast<std::int32_t>(std::get<std::int64_t>(Convert(message, type, Simple(TypeId::Int))));
+        number =
+            static_cast<std::int32_t>(std::get<std::int64_t>(Convert(message, type, Simple(TypeId::Int))));
         std::vector<std::string> texts;
         for (const FormatArgument& argument : arguments) {
             texts.push_back(IsNull(argument.value) ? "(null)" : ValueText(argument.value, argument.type));
@@ -226,9 +228,12 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
         RaiseError(2754);
     }
     severity = std::max<std::int64_t>(0, severity);
-    const Message sent = {number, static_cast<std::uint8_t>(severity == 10 ? 0 : severity),
-                          static_cast<std::uint8_t>(state < 0 || state > 255 ? 1 : state), text,
-                          session_.frame().procedure, session_.line};
+    const Message sent = {number,
+                          static_cast<std::uint8_t>(severity == 10 ? 0 : severity),
+                          static_cast<std::uint8_t>(state < 0 || state > 255 ? 1 : state),
+                          text,
+                          session_.frame().procedure,
+                          session_.line};
     session_.last_error = severity > 10 || raise.set_error ? number : 0;
     if (severity > 10 && tries_ > 0) {
         throw Failure{sent, false};
@@ -255,7 +260,8 @@ void Interpreter::Throw(const ast::ThrowStatement& statement) {
     }
     session_.last_error = message.number;
     if (tries_ > 0) {
-        session_.doomed = session_.doomed || (session_.options.xact_abort && session_.transaction_count() > 0);
+        session_.doomed =
+            session_.doomed || (session_.options.xact_abort && session_.transaction_count() > 0);
         throw Failure{message, true};
     }
     session_.Print(message);
@@ -313,6 +319,9 @@ void Interpreter::Transaction(const ast::TransactionStatement& statement) {
     case ast::TransactionAction::Save:
         session_.SaveTransaction(name);
         break;
+    }
+    if (session_.options.cursor_close_on_commit && session_.transaction_count() == 0) {
+        session_.CloseCursors();
     }
     session_.Done(Command::None, std::nullopt);
 }

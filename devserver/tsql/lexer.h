@@ -11,11 +11,11 @@
 namespace devsql {
 
 enum class TokenKind : std::uint8_t {
-    Word,         ///< identifier or keyword, unquoted; also #temp and ##temp
-    Bracketed,    ///< [identifier]
-    DoubleQuoted, ///< "…": an identifier or a string, as SET QUOTED_IDENTIFIER has it
-    Variable,     ///< @name and @@name
-    String,       ///< '…'
+    Word,          ///< identifier or keyword, unquoted; also #temp and ##temp
+    Bracketed,     ///< [identifier]
+    DoubleQuoted,  ///< "…": an identifier or a string, as SET QUOTED_IDENTIFIER has it
+    Variable,      ///< @name and @@name
+    String,        ///< '…'
     UnicodeString, ///< N'…'
     Integer,
     Decimal, ///< digits with a point

@@ -167,7 +167,8 @@ ColumnDefinition Parser::ParseColumn() {
         TakeWord("PERSISTED");
         return column;
     }
-    if (AsciiEqual(column.name, "timestamp") && (IsSymbol(",") || IsSymbol(")") || IsWord("NOT") || IsWord("NULL"))) {
+    if (AsciiEqual(column.name, "timestamp") &&
+        (IsSymbol(",") || IsSymbol(")") || IsWord("NOT") || IsWord("NULL"))) {
         column.type.name.parts = {"timestamp"}; // The one type that may stand without a column's name.
     } else {
         column.type = ParseType();
@@ -326,9 +327,10 @@ void Parser::SkipIndexOptions() {
     Take();
     const bool parenthesis = TakeSymbol("(");
     constexpr std::array<std::string_view, 13> kOptions = {
-        "FILLFACTOR",      "PAD_INDEX",       "STATISTICS_NORECOMPUTE", "IGNORE_DUP_KEY", "ALLOW_ROW_LOCKS",
-        "ALLOW_PAGE_LOCKS", "SORT_IN_TEMPDB", "ONLINE",                 "MAXDOP",         "DATA_COMPRESSION",
-        "DROP_EXISTING",    "OPTIMIZE_FOR_SEQUENTIAL_KEY", "XML_COMPRESSION"};
+        "FILLFACTOR",      "PAD_INDEX",        "STATISTICS_NORECOMPUTE", "IGNORE_DUP_KEY",
+        "ALLOW_ROW_LOCKS", "ALLOW_PAGE_LOCKS", "SORT_IN_TEMPDB",         "ONLINE",
+        "MAXDOP",          "DATA_COMPRESSION", "DROP_EXISTING",          "OPTIMIZE_FOR_SEQUENTIAL_KEY",
+        "XML_COMPRESSION"};
     do {
         bool known = false;
         for (const std::string_view option : kOptions) {
@@ -461,8 +463,8 @@ StatementPtr Parser::ParseDropIndex() {
 
 StatementPtr Parser::ParseModule(ObjectKind kind, bool alter, bool or_alter) {
     if (!module_allowed_) {
-        Fail(111, {std::string(alter ? "ALTER " : "CREATE ") +
-                   (kind == ObjectKind::View ? "VIEW" : "PROCEDURE")});
+        Fail(111,
+             {std::string(alter ? "ALTER " : "CREATE ") + (kind == ObjectKind::View ? "VIEW" : "PROCEDURE")});
     }
     CreateModuleStatement module = kind == ObjectKind::View ? ParseViewModule() : ParseProcedureModule();
     module.kind = kind;

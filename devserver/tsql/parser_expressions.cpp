@@ -11,12 +11,14 @@ using ast::CompareOp;
 bool IsPredicate(const ast::Expr& expr) {
     return std::holds_alternative<ast::CompareExpr>(expr.node) ||
            std::holds_alternative<ast::QuantifiedExpr>(expr.node) ||
-           std::holds_alternative<ast::LogicExpr>(expr.node) || std::holds_alternative<ast::NotExpr>(expr.node) ||
+           std::holds_alternative<ast::LogicExpr>(expr.node) ||
+           std::holds_alternative<ast::NotExpr>(expr.node) ||
            std::holds_alternative<ast::IsNullExpr>(expr.node) ||
            std::holds_alternative<ast::BetweenExpr>(expr.node) ||
            std::holds_alternative<ast::InListExpr>(expr.node) ||
            std::holds_alternative<ast::InQueryExpr>(expr.node) ||
-           std::holds_alternative<ast::LikeExpr>(expr.node) || std::holds_alternative<ast::ExistsExpr>(expr.node);
+           std::holds_alternative<ast::LikeExpr>(expr.node) ||
+           std::holds_alternative<ast::ExistsExpr>(expr.node);
 }
 
 struct ComparisonSymbol {
@@ -24,8 +26,8 @@ struct ComparisonSymbol {
     CompareOp op;
 };
 constexpr ComparisonSymbol kComparisons[] = {
-    {"=", CompareOp::Equal},         {"<>", CompareOp::NotEqual}, {"!=", CompareOp::NotEqual},
-    {"<", CompareOp::Less},          {"<=", CompareOp::LessEqual}, {">", CompareOp::Greater},
+    {"=", CompareOp::Equal},         {"<>", CompareOp::NotEqual},     {"!=", CompareOp::NotEqual},
+    {"<", CompareOp::Less},          {"<=", CompareOp::LessEqual},    {">", CompareOp::Greater},
     {">=", CompareOp::GreaterEqual}, {"!<", CompareOp::GreaterEqual}, {"!>", CompareOp::LessEqual}};
 
 struct OperatorSymbol {
@@ -326,7 +328,8 @@ bool Parser::BeginsQuery(std::size_t ahead) const {
             }
             ++end;
         } while (open > 0);
-        if (!IsSymbol(")", end) && !IsWord("UNION", end) && !IsWord("EXCEPT", end) && !IsWord("INTERSECT", end)) {
+        if (!IsSymbol(")", end) && !IsWord("UNION", end) && !IsWord("EXCEPT", end) &&
+            !IsWord("INTERSECT", end)) {
             return false;
         }
     }

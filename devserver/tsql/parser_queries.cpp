@@ -11,9 +11,10 @@ using namespace ast;
 namespace {
 /// Hints that ask for a way of reading or locking, not for a result: this server's own way serves.
 constexpr std::array<std::string_view, 19> kTableHints = {
-    "NOLOCK",  "READUNCOMMITTED", "READCOMMITTED", "REPEATABLEREAD", "SERIALIZABLE", "HOLDLOCK",  "UPDLOCK",
-    "XLOCK",   "ROWLOCK",         "PAGLOCK",       "TABLOCK",        "TABLOCKX",     "READPAST",  "FASTFIRSTROW",
-    "NOEXPAND", "NOWAIT",         "INDEX",         "FORCESEEK",      "READCOMMITTEDLOCK"};
+    "NOLOCK",   "READUNCOMMITTED", "READCOMMITTED", "REPEATABLEREAD",   "SERIALIZABLE",
+    "HOLDLOCK", "UPDLOCK",         "XLOCK",         "ROWLOCK",          "PAGLOCK",
+    "TABLOCK",  "TABLOCKX",        "READPAST",      "FASTFIRSTROW",     "NOEXPAND",
+    "NOWAIT",   "INDEX",           "FORCESEEK",     "READCOMMITTEDLOCK"};
 
 bool IsTableHint(std::string_view word) {
     for (const std::string_view hint : kTableHints) {
@@ -237,7 +238,8 @@ bool Parser::ParseJoinKind(JoinKind& kind) {
     if (which < 0) {
         return false;
     }
-    constexpr std::array<JoinKind, 4> kKinds = {JoinKind::Inner, JoinKind::Left, JoinKind::Right, JoinKind::Full};
+    constexpr std::array<JoinKind, 4> kKinds = {JoinKind::Inner, JoinKind::Left, JoinKind::Right,
+                                                JoinKind::Full};
     kind = kKinds[static_cast<std::size_t>(which)];
     TakeWord("OUTER");
     hint();
@@ -311,8 +313,8 @@ TableSourcePtr Parser::ParseTableSource() {
         RequireDeclared(Peek().text);
         named.name.parts = {Take().text};
     } else {
-        for (const std::string_view function : {"OPENQUERY", "OPENROWSET", "OPENDATASOURCE", "OPENXML",
-                                                "CONTAINSTABLE", "FREETEXTTABLE"}) {
+        for (const std::string_view function :
+             {"OPENQUERY", "OPENROWSET", "OPENDATASOURCE", "OPENXML", "CONTAINSTABLE", "FREETEXTTABLE"}) {
             if (IsWord(function)) {
                 Unsupported(function);
             }

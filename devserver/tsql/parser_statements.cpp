@@ -109,10 +109,12 @@ StatementPtr Parser::ParseControlStatement() {
     };
     // Each takes its own first word.
     static constexpr Entry kEntries[] = {
-        {"DECLARE", &Parser::ParseDeclare}, {"SET", &Parser::ParseSet},         {"IF", &Parser::ParseIf},
-        {"BEGIN", &Parser::ParseBegin},     {"EXEC", &Parser::ParseExecute},    {"EXECUTE", &Parser::ParseExecute},
-        {"CREATE", &Parser::ParseCreate},   {"ALTER", &Parser::ParseAlter},     {"DROP", &Parser::ParseDrop},
-        {"FETCH", &Parser::ParseFetch},     {"WAITFOR", &Parser::ParseWaitfor}, {"RAISERROR", &Parser::ParseRaiserror},
+        {"DECLARE", &Parser::ParseDeclare}, {"SET", &Parser::ParseSet},
+        {"IF", &Parser::ParseIf},           {"BEGIN", &Parser::ParseBegin},
+        {"EXEC", &Parser::ParseExecute},    {"EXECUTE", &Parser::ParseExecute},
+        {"CREATE", &Parser::ParseCreate},   {"ALTER", &Parser::ParseAlter},
+        {"DROP", &Parser::ParseDrop},       {"FETCH", &Parser::ParseFetch},
+        {"WAITFOR", &Parser::ParseWaitfor}, {"RAISERROR", &Parser::ParseRaiserror},
     };
     for (const Entry& entry : kEntries) {
         if (IsWord(entry.word)) {
@@ -134,9 +136,9 @@ StatementPtr Parser::ParseControlStatement() {
         return AsciiEqual(Take().text, "BREAK") ? Wrap(BreakStatement{}) : Wrap(ContinueStatement{});
     }
     if (TakeWord("RETURN")) {
-        const bool value = !AtEnd() && !IsSymbol(";") && (Peek().kind != TokenKind::Word || IsWord("NULL") ||
-                                                          IsWord("CASE") || IsWord("CONVERT") || IsWord("COALESCE") ||
-                                                          (IsName() && IsSymbol("(", 1)));
+        const bool value = !AtEnd() && !IsSymbol(";") &&
+                           (Peek().kind != TokenKind::Word || IsWord("NULL") || IsWord("CASE") ||
+                            IsWord("CONVERT") || IsWord("COALESCE") || (IsName() && IsSymbol("(", 1)));
         return Wrap(ReturnStatement{value ? ParseValue() : nullptr});
     }
     if (TakeWord("GOTO")) {
@@ -158,7 +160,9 @@ StatementPtr Parser::ParseControlStatement() {
         }
     }
     constexpr std::array<std::pair<std::string_view, CursorAction>, 3> kCursors = {
-        {{"OPEN", CursorAction::Open}, {"CLOSE", CursorAction::Close}, {"DEALLOCATE", CursorAction::Deallocate}}};
+        {{"OPEN", CursorAction::Open},
+         {"CLOSE", CursorAction::Close},
+         {"DEALLOCATE", CursorAction::Deallocate}}};
     for (const auto& [word, action] : kCursors) {
         if (TakeWord(word)) {
             TakeWord("GLOBAL");
@@ -578,7 +582,7 @@ StatementPtr Parser::ParseMaintenance() {
         return ParseDbcc();
     }
     constexpr std::array<std::string_view, 14> kRefused = {
-        "BACKUP", "RESTORE",    "BULK",     "DUMP",    "LOAD",     "READTEXT", "WRITETEXT",
+        "BACKUP",     "RESTORE",  "BULK",    "DUMP",  "LOAD",    "READTEXT", "WRITETEXT",
         "UPDATETEXT", "SHUTDOWN", "SETUSER", "MERGE", "DISABLE", "ENABLE",   "REVERT"};
     for (const std::string_view word : kRefused) {
         if (IsWord(word)) {
@@ -592,9 +596,9 @@ StatementPtr Parser::ParseDbcc() {
     ExpectWord("DBCC");
     const std::string name = AsciiUpper(Take().text);
     // These tidy or check what this server has no need to tidy and checks by itself.
-    constexpr std::array<std::string_view, 8> kAccepted = {"CHECKDB",     "CHECKTABLE",       "SHRINKDATABASE",
-                                                           "SHRINKFILE",  "DBREINDEX",        "UPDATEUSAGE",
-                                                           "FREEPROCCACHE", "DROPCLEANBUFFERS"};
+    constexpr std::array<std::string_view, 8> kAccepted = {
+        "CHECKDB",   "CHECKTABLE",  "SHRINKDATABASE", "SHRINKFILE",
+        "DBREINDEX", "UPDATEUSAGE", "FREEPROCCACHE",  "DROPCLEANBUFFERS"};
     bool accepted = false;
     for (const std::string_view word : kAccepted) {
         accepted = accepted || word == name;

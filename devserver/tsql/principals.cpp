@@ -42,15 +42,35 @@ void AddPrincipal(SessionCore& session, const std::string& name, const std::stri
 }
 
 /// What GRANT knows.
-constexpr std::array<std::string_view, 24> kPermissions = {
-    "ALL",          "ALL PRIVILEGES",  "SELECT",           "INSERT",          "UPDATE",       "DELETE",
-    "EXECUTE",      "EXEC",            "REFERENCES",       "CREATE TABLE",    "CREATE VIEW",  "CREATE PROCEDURE",
-    "CREATE DATABASE", "CREATE DEFAULT", "CREATE FUNCTION", "CREATE RULE",    "BACKUP DATABASE", "BACKUP LOG",
-    "CONNECT",      "CONTROL",         "ALTER",            "VIEW DEFINITION", "TAKE OWNERSHIP", "CREATE SCHEMA"};
+constexpr std::array<std::string_view, 24> kPermissions = {"ALL",
+                                                           "ALL PRIVILEGES",
+                                                           "SELECT",
+                                                           "INSERT",
+                                                           "UPDATE",
+                                                           "DELETE",
+                                                           "EXECUTE",
+                                                           "EXEC",
+                                                           "REFERENCES",
+                                                           "CREATE TABLE",
+                                                           "CREATE VIEW",
+                                                           "CREATE PROCEDURE",
+                                                           "CREATE DATABASE",
+                                                           "CREATE DEFAULT",
+                                                           "CREATE FUNCTION",
+                                                           "CREATE RULE",
+                                                           "BACKUP DATABASE",
+                                                           "BACKUP LOG",
+                                                           "CONNECT",
+                                                           "CONTROL",
+                                                           "ALTER",
+                                                           "VIEW DEFINITION",
+                                                           "TAKE OWNERSHIP",
+                                                           "CREATE SCHEMA"};
 
 } // namespace
 
-void AddLogin(SessionCore& session, const std::string& name, const std::string& password, const std::string& database) {
+void AddLogin(SessionCore& session, const std::string& name, const std::string& password,
+              const std::string& database) {
     if (FindLogin(session.connection, name)) {
         RaiseError(15025, {name});
     }
@@ -61,7 +81,8 @@ void AddLogin(SessionCore& session, const std::string& name, const std::string& 
         RaiseError(15010, {database});
     }
     session.Write("main", [&] {
-        SaveLogin(session.connection, {name, HashPassword(password), database.empty() ? "master" : database, false});
+        SaveLogin(session.connection,
+                  {name, HashPassword(password), database.empty() ? "master" : database, false});
     });
 }
 
@@ -70,7 +91,8 @@ void AddUser(SessionCore& session, const std::string& login, const std::string& 
         RaiseError(15007, {login});
     }
     Catalogue& catalogue = session.CurrentDatabase();
-    SqliteStatement known = catalogue.Prepare("SELECT name FROM {db}.devsql_users WHERE login = ?1 AND id > 4");
+    SqliteStatement known =
+        catalogue.Prepare("SELECT name FROM {db}.devsql_users WHERE login = ?1 AND id > 4");
     if (known.BindText(1, login).Step()) {
         RaiseError(15063);
     }
@@ -155,7 +177,9 @@ void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string
         }
         used.Reset();
         session.Write(catalogue.alias(), [&] {
-            catalogue.Prepare("DELETE FROM {db}.devsql_schemas WHERE name = ?1 AND name <> 'dbo'").BindText(1, name).Run();
+            catalogue.Prepare("DELETE FROM {db}.devsql_schemas WHERE name = ?1 AND name <> 'dbo'")
+                .BindText(1, name)
+                .Run();
             if (session.connection.Changes() == 0 && !if_exists) {
                 RaiseError(15151, {"drop", "schema", name});
             }
@@ -171,7 +195,7 @@ void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string
         RaiseError(15151, {"drop", role ? "role" : "user", name});
     }
     if (principal->id <= 4 || (principal->id >= 16384 && principal->id < 16400)) {
-        RaiseError(15150, {name});
+        RaiseError(15150, {role ? "role" : "user", name});
     }
     session.Write(catalogue.alias(), [&] {
         SqliteStatement members = catalogue.Prepare("SELECT 1 FROM {db}.devsql_members WHERE role = ?1");
@@ -216,7 +240,9 @@ void RunGrant(SessionCore& session, const ast::GrantStatement& grant) {
             }
             for (const std::string& permission : grant.permissions) {
                 if (grant.action == ast::GrantAction::Revoke) {
-                    catalogue.Prepare("DELETE FROM {db}.devsql_permissions WHERE object = ?1 AND grantee = ?2 AND permission = ?3")
+                    catalogue
+                        .Prepare("DELETE FROM {db}.devsql_permissions WHERE object = ?1 AND grantee = ?2 AND "
+                                 "permission = ?3")
                         .BindInt(1, object)
                         .BindInt(2, principal->id)
                         .BindText(3, permission)

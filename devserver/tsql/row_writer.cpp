@@ -25,7 +25,8 @@ std::string KeyText(const TableDef& table, const std::vector<int>& columns, cons
 std::string KeyCondition(const TableDef& table, const std::vector<int>& columns) {
     std::string text;
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        text += (i == 0 ? "" : " AND ") + QuoteName(table.ById(columns[i]).name) + " = ?" + std::to_string(i + 1);
+        text +=
+            (i == 0 ? "" : " AND ") + QuoteName(table.ById(columns[i]).name) + " = ?" + std::to_string(i + 1);
     }
     return text;
 }
@@ -33,7 +34,10 @@ std::string KeyCondition(const TableDef& table, const std::vector<int>& columns)
 } // namespace
 
 RowWriter::RowWriter(SessionCore& session, Target target, std::string statement)
-    : session_(session), target_(std::move(target)), table_(*target_.table), statement_(std::move(statement)) {
+    : session_(session),
+      target_(std::move(target)),
+      table_(*target_.table),
+      statement_(std::move(statement)) {
     BindExpressions();
 }
 
@@ -79,9 +83,10 @@ BoundPtr RowWriter::BindOverRow(const std::string& text) {
     const std::function<BoundPtr(const BoundPtr&)> place = [&](const BoundPtr& node) -> BoundPtr {
         auto copy = std::make_shared<Bound>(*node);
         if (node->kind == BoundKind::Slot) {
-            const auto column = std::find_if(table_.columns.begin(), table_.columns.end(), [&](const ColumnDef& c) {
-                return QuoteName(c.name) == leaves[node->slot]->text;
-            });
+            const auto column =
+                std::find_if(table_.columns.begin(), table_.columns.end(), [&](const ColumnDef& c) {
+                    return QuoteName(c.name) == leaves[node->slot]->text;
+                });
             if (column == table_.columns.end()) {
                 RaiseError(1046); // A subquery.
             }
@@ -136,7 +141,8 @@ void RowWriter::FillIdentity(std::size_t index, std::optional<Value>& value) {
     const bool scaled = IsDecimal(column.type.id);
     std::int64_t number = 0;
     if (value) {
-        number = scaled ? static_cast<std::int64_t>(std::get<Decimal>(*value).unscaled) : std::get<std::int64_t>(*value);
+        number = scaled ? static_cast<std::int64_t>(std::get<Decimal>(*value).unscaled)
+                        : std::get<std::int64_t>(*value);
         const bool ahead = !identity_ || (column.increment > 0 ? number > *identity_ : number < *identity_);
         identity_ = ahead ? number : *identity_;
     } else {
@@ -189,7 +195,8 @@ void RowWriter::Complete(RowValues& row) {
         }
     }
     for (const auto& [id, expression] : computed_) {
-        row[table_.IndexOf(id)] = Convert(Compute(*expression, session_, row), expression->type, table_.ById(id).type);
+        row[table_.IndexOf(id)] =
+            Convert(Compute(*expression, session_, row), expression->type, table_.ById(id).type);
     }
 }
 
@@ -219,8 +226,8 @@ void RowWriter::Store(const RowValues& row, std::optional<std::int64_t> row_id) 
         names += ", " + RowIdName(table_);
         places += ", ?" + std::to_string(row.size() + 1);
     }
-    SqliteStatement insert =
-        session_.connection.Prepare("INSERT INTO " + table_.Qualified() + "(" + names + ") VALUES(" + places + ")");
+    SqliteStatement insert = session_.connection.Prepare("INSERT INTO " + table_.Qualified() + "(" + names +
+                                                         ") VALUES(" + places + ")");
     for (std::size_t i = 0; i < row.size(); ++i) {
         insert.Bind(static_cast<int>(i + 1), row[i], table_.columns[i].type);
     }
@@ -256,14 +263,16 @@ void RowWriter::ExplainUnique(const StorageError& error, const RowValues& row) {
         }
         const std::string key = KeyText(table_, ids, row);
         if (index.constraint) {
-            RaiseError(2627, {index.primary_key ? "PRIMARY KEY" : "UNIQUE KEY", index.name, TableName(), key});
+            RaiseError(2627,
+                       {index.primary_key ? "PRIMARY KEY" : "UNIQUE KEY", index.name, TableName(), key});
         }
         RaiseError(2601, {TableName(), index.name, key});
     }
     throw error;
 }
 
-bool RowWriter::KeyChanged(const std::vector<int>& columns, const RowValues& before, const RowValues& after) const {
+bool RowWriter::KeyChanged(const std::vector<int>& columns, const RowValues& before,
+                           const RowValues& after) const {
     return std::any_of(columns.begin(), columns.end(), [&](int id) {
         const std::size_t index = table_.IndexOf(id);
         return before[index] != after[index];
@@ -293,10 +302,11 @@ void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValu
     }
     std::string assignments;
     for (std::size_t i = 0; i < table_.columns.size(); ++i) {
-        assignments += (i == 0 ? "" : ", ") + QuoteName(table_.columns[i].name) + " = ?" + std::to_string(i + 2);
+        assignments +=
+            (i == 0 ? "" : ", ") + QuoteName(table_.columns[i].name) + " = ?" + std::to_string(i + 2);
     }
-    SqliteStatement update = session_.connection.Prepare("UPDATE " + table_.Qualified() + " SET " + assignments +
-                                                         " WHERE " + RowIdName(table_) + " = ?1");
+    SqliteStatement update = session_.connection.Prepare(
+        "UPDATE " + table_.Qualified() + " SET " + assignments + " WHERE " + RowIdName(table_) + " = ?1");
     for (std::size_t i = 0; i < after.size(); ++i) {
         if (keys) {
             Store(after[i], before[i].row_id);
@@ -330,7 +340,8 @@ void RowWriter::Delete(const std::vector<StoredRow>& rows) {
 void RowWriter::Finish() {
     for (const Removed& removed : removed_) {
         for (const ForeignKeyDef& key : table_.referencing) {
-            if (!key.disabled && (!removed.after || KeyChanged(key.referenced_columns, removed.before, *removed.after))) {
+            if (!key.disabled &&
+                (!removed.after || KeyChanged(key.referenced_columns, removed.before, *removed.after))) {
                 ReleaseChildren(key, removed.before, removed.after ? &*removed.after : nullptr);
             }
         }
@@ -353,14 +364,17 @@ void RowWriter::Finish() {
 
 void RowWriter::ForeignKeyError(const ForeignKeyDef& key, std::string_view kind, const TableDef& other,
                                 std::string_view column) const {
-    RaiseError(547, {statement_, kind, key.name, DatabaseName(), other.schema + "." + other.name,
-                     ", column '" + std::string(column) + "'"}, 0);
+    RaiseError(547,
+               {statement_, kind, key.name, DatabaseName(), other.schema + "." + other.name,
+                ", column '" + std::string(column) + "'"},
+               0);
 }
 
 void RowWriter::RequireParent(const ForeignKeyDef& key, const RowValues& row) {
     const TablePtr parent = session_.Table(*target_.catalogue, key.referenced);
-    SqliteStatement find = session_.connection.Prepare("SELECT 1 FROM " + parent->Qualified() + " WHERE " +
-                                                       KeyCondition(*parent, key.referenced_columns) + " LIMIT 1");
+    SqliteStatement find =
+        session_.connection.Prepare("SELECT 1 FROM " + parent->Qualified() + " WHERE " +
+                                    KeyCondition(*parent, key.referenced_columns) + " LIMIT 1");
     for (std::size_t i = 0; i < key.columns.size(); ++i) {
         const std::size_t index = table_.IndexOf(key.columns[i]);
         if (IsNull(row[index])) {
@@ -376,7 +390,8 @@ void RowWriter::RequireParent(const ForeignKeyDef& key, const RowValues& row) {
     }
 }
 
-std::vector<StoredRow> RowWriter::Read(SessionCore& session, const TableDef& table, const std::string& condition,
+std::vector<StoredRow> RowWriter::Read(SessionCore& session, const TableDef& table,
+                                       const std::string& condition,
                                        const std::vector<std::pair<Value, Type>>& parameters) {
     std::string names = RowIdName(table);
     for (const ColumnDef& column : table.columns) {
@@ -412,8 +427,9 @@ void RowWriter::ReleaseChildren(const ForeignKeyDef& key, const RowValues& befor
         }
     }
     // The same key may still be there, in another row or in this one under another spelling.
-    SqliteStatement still = session_.connection.Prepare("SELECT 1 FROM " + table_.Qualified() + " WHERE " +
-                                                        KeyCondition(table_, key.referenced_columns) + " LIMIT 1");
+    SqliteStatement still =
+        session_.connection.Prepare("SELECT 1 FROM " + table_.Qualified() + " WHERE " +
+                                    KeyCondition(table_, key.referenced_columns) + " LIMIT 1");
     for (std::size_t i = 0; i < key.referenced_columns.size(); ++i) {
         const std::size_t index = table_.IndexOf(key.referenced_columns[i]);
         still.Bind(static_cast<int>(i + 1), before[index], table_.columns[index].type);
@@ -428,7 +444,8 @@ void RowWriter::ReleaseChildren(const ForeignKeyDef& key, const RowValues& befor
     const OnChange action = after == nullptr ? key.on_delete : key.on_update;
     if (action == OnChange::NoAction) {
         const bool same = key.table == key.referenced;
-        ForeignKeyError(key, same ? "SAME TABLE REFERENCE" : "REFERENCE", *child, child->ById(key.columns[0]).name);
+        ForeignKeyError(key, same ? "SAME TABLE REFERENCE" : "REFERENCE", *child,
+                        child->ById(key.columns[0]).name);
     }
     Cascade(key, child, std::move(rows), after);
 }
@@ -436,7 +453,8 @@ void RowWriter::ReleaseChildren(const ForeignKeyDef& key, const RowValues& befor
 void RowWriter::Cascade(const ForeignKeyDef& key, const TablePtr& child, std::vector<StoredRow> rows,
                         const RowValues* after) {
     const OnChange action = after == nullptr ? key.on_delete : key.on_update;
-    RowWriter writer(session_, {child, target_.catalogue}, after == nullptr && action == OnChange::Cascade ? "DELETE" : "UPDATE");
+    RowWriter writer(session_, {child, target_.catalogue},
+                     after == nullptr && action == OnChange::Cascade ? "DELETE" : "UPDATE");
     if (after == nullptr && action == OnChange::Cascade) {
         writer.Delete(rows);
         writer.Finish();
@@ -449,9 +467,11 @@ void RowWriter::Cascade(const ForeignKeyDef& key, const TablePtr& child, std::ve
             const std::size_t index = child->IndexOf(key.columns[i]);
             if (action == OnChange::Cascade) {
                 const std::size_t parent = table_.IndexOf(key.referenced_columns[i]);
-                values[index] = Convert((*after)[parent], table_.columns[parent].type, child->columns[index].type);
+                values[index] =
+                    Convert((*after)[parent], table_.columns[parent].type, child->columns[index].type);
             } else {
-                values[index] = action == OnChange::SetNull ? Value() : writer.DefaultOf(child->columns[index]);
+                values[index] =
+                    action == OnChange::SetNull ? Value() : writer.DefaultOf(child->columns[index]);
             }
         }
         changed.push_back(std::move(values));

@@ -40,7 +40,8 @@ class RowWriter {
     /// SQLite's name for the row number of a table, which may have a column named "rowid".
     static std::string RowIdName(const TableDef& table);
     /// All rows for which `condition` (over the table itself) holds.
-    static std::vector<StoredRow> Read(SessionCore& session, const TableDef& table, const std::string& condition,
+    static std::vector<StoredRow> Read(SessionCore& session, const TableDef& table,
+                                       const std::string& condition,
                                        const std::vector<std::pair<Value, Type>>& parameters);
 
   private:
@@ -57,7 +58,8 @@ class RowWriter {
     void Store(const RowValues& row, std::optional<std::int64_t> row_id);
     void RequireParent(const ForeignKeyDef& key, const RowValues& row);
     void ReleaseChildren(const ForeignKeyDef& key, const RowValues& before, const RowValues* after);
-    void Cascade(const ForeignKeyDef& key, const TablePtr& child, std::vector<StoredRow> rows, const RowValues* after);
+    void Cascade(const ForeignKeyDef& key, const TablePtr& child, std::vector<StoredRow> rows,
+                 const RowValues* after);
     bool KeyChanged(const std::vector<int>& columns, const RowValues& before, const RowValues& after) const;
     [[noreturn]] void ExplainUnique(const StorageError& error, const RowValues& row);
     [[noreturn]] void ForeignKeyError(const ForeignKeyDef& key, std::string_view kind, const TableDef& other,

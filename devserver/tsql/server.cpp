@@ -23,7 +23,8 @@ class BootstrapSink : public ResultSink {
     void StatementDone(Command, std::optional<std::int64_t>, bool) override {}
     void Send(const Message& message) override {
         if (message.severity > 10 && error.empty()) {
-            error = std::to_string(message.number) + " " + message.text + " (line " + std::to_string(message.line) + ")";
+            error = std::to_string(message.number) + " " + message.text + " (line " +
+                    std::to_string(message.line) + ")";
         }
     }
     void DatabaseChanged(const std::string&, const std::string&) override {}
@@ -71,7 +72,8 @@ Server::~Server() = default;
 
 void Server::CreateSystemDatabases() {
     SqliteConnection connection(MasterFile());
-    const bool fresh = !connection.Prepare("SELECT 1 FROM sqlite_master WHERE name = 'devsql_objects'").Step();
+    const bool fresh =
+        !connection.Prepare("SELECT 1 FROM sqlite_master WHERE name = 'devsql_objects'").Step();
     connection.Execute("BEGIN IMMEDIATE");
     CreateDatabaseList(connection);
     if (fresh) {
@@ -107,10 +109,12 @@ void Server::CreateSystemDatabases() {
             UpdateDatabase(connection, *info);
         }
     }
-    connection.Execute("INSERT OR IGNORE INTO devsql_servers(id, name, product, provider, source) VALUES(0, " +
-                       QuoteText(options_.server_name) + ", 'SQL Server', 'SQLOLEDB', " +
-                       QuoteText(options_.server_name) + ")");
-    connection.Execute("UPDATE devsql_servers SET name = " + QuoteText(options_.server_name) + " WHERE id = 0");
+    connection.Execute(
+        "INSERT OR IGNORE INTO devsql_servers(id, name, product, provider, source) VALUES(0, " +
+        QuoteText(options_.server_name) + ", 'SQL Server', 'SQLOLEDB', " + QuoteText(options_.server_name) +
+        ")");
+    connection.Execute("UPDATE devsql_servers SET name = " + QuoteText(options_.server_name) +
+                       " WHERE id = 0");
     for (const auto& [name, password] : options_.logins) {
         const std::optional<LoginInfo> known = FindLogin(connection, name);
         SaveLogin(connection, {known ? known->name : name, "", known ? known->database : "master", true});
@@ -125,7 +129,8 @@ void Server::CreateSystemDatabases() {
 void Server::RunBootstrap() {
     {
         SqliteConnection connection(MasterFile());
-        SqliteStatement row = connection.Prepare("SELECT value FROM devsql_settings WHERE name = 'bootstrap'");
+        SqliteStatement row =
+            connection.Prepare("SELECT value FROM devsql_settings WHERE name = 'bootstrap'");
         if (row.Step() && row.Int(0) == kBootstrapVersion) {
             return;
         }
@@ -142,8 +147,7 @@ void Server::RunBootstrap() {
     }
     SqliteConnection connection(MasterFile());
     connection.Execute("INSERT OR REPLACE INTO devsql_settings VALUES('bootstrap', " +
-                       std::to_string(kBootstrapVersion) +
-                       "); UPDATE devsql_objects SET shipped = 1");
+                       std::to_string(kBootstrapVersion) + "); UPDATE devsql_objects SET shipped = 1");
     SqliteConnection msdb(options_.root / "msdb.mdf");
     msdb.Execute("UPDATE devsql_objects SET shipped = 1");
 }
@@ -182,9 +186,9 @@ std::unique_ptr<Session> Server::Login(const LoginRequest& request, ResultSink& 
         } while (sessions_.contains(id));
     }
     auto session = std::make_unique<ClientSession>(*this, id, request, login ? login->name : request.user);
-    const std::string database = !request.database.empty()                 ? request.database
-                                 : login && !login->database.empty()       ? login->database
-                                                                            : "master";
+    const std::string database = !request.database.empty()           ? request.database
+                                 : login && !login->database.empty() ? login->database
+                                                                     : "master";
     try {
         session->Enter(database, sink);
     } catch (const SqlError&) {

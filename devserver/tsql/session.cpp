@@ -4,7 +4,8 @@
 
 namespace devsql {
 
-ClientSession::ClientSession(Server& server, std::int32_t id, const LoginRequest& request, const std::string& login)
+ClientSession::ClientSession(Server& server, std::int32_t id, const LoginRequest& request,
+                             const std::string& login)
     : core_(server, id, login) {
     core_.host_name = request.host_name;
     core_.application = request.application;
@@ -13,7 +14,8 @@ ClientSession::ClientSession(Server& server, std::int32_t id, const LoginRequest
 void ClientSession::Run(ResultSink& sink, const std::function<void()>& work) {
     const std::lock_guard lock(core_.running);
     if (core_.ended) {
-        sink.Send({596, 21, 1, "Cannot continue the execution because the session is in the kill state.", "", 1});
+        sink.Send(
+            {596, 21, 1, "Cannot continue the execution because the session is in the kill state.", "", 1});
         return;
     }
     core_.cancelled = false;

@@ -42,7 +42,8 @@ class VarianceAggregate : public Aggregate {
 
     void Step(const FunctionCall& call) override { sum_.Add(call.Argument(0, Simple(TypeId::Float))); }
     void Finish(const FunctionCall& call) override {
-        call.Result(deviation_ ? sum_.Deviation(population_) : sum_.Variance(population_), Simple(TypeId::Float));
+        call.Result(deviation_ ? sum_.Deviation(population_) : sum_.Variance(population_),
+                    Simple(TypeId::Float));
     }
 
   private:
@@ -99,10 +100,12 @@ void SessionCore::RegisterFunctions() {
 }
 
 std::string SessionCore::SumFunction(const Type& type, bool average) {
-    std::string name = std::string(average ? "tsql_avg_" : "tsql_sum_") + std::to_string(static_cast<int>(type.id)) +
-                       "_" + std::to_string(type.precision) + "_" + std::to_string(type.scale);
+    std::string name = std::string(average ? "tsql_avg_" : "tsql_sum_") +
+                       std::to_string(static_cast<int>(type.id)) + "_" + std::to_string(type.precision) +
+                       "_" + std::to_string(type.scale);
     if (sum_functions_.insert(name).second) {
-        connection.AddAggregate(name, [type, average] { return std::make_unique<SumAggregate>(type, average); });
+        connection.AddAggregate(name,
+                                [type, average] { return std::make_unique<SumAggregate>(type, average); });
     }
     return name;
 }
@@ -167,7 +170,8 @@ Catalogue& SessionCore::Database(const std::string& name) {
             connection.Attach(info->DataFile().path, alias);
         } catch (const StorageError& error) {
             server.Leave(folded, *this);
-            RaiseError(5120, {info->DataFile().client_path, std::to_string(error.primary_code()), error.what()});
+            RaiseError(5120,
+                       {info->DataFile().client_path, std::to_string(error.primary_code()), error.what()});
         }
     }
     Attached attached;
@@ -271,10 +275,12 @@ TablePtr SessionCore::Table(Catalogue& catalogue, std::int64_t table_id) {
     return table;
 }
 
-std::shared_ptr<const ast::CreateModuleStatement> SessionCore::Module(Catalogue& catalogue, const ObjectDef& object) {
+std::shared_ptr<const ast::CreateModuleStatement> SessionCore::Module(Catalogue& catalogue,
+                                                                      const ObjectDef& object) {
     auto& module = Current(catalogue)->modules[object.id];
     if (!module) {
-        module = std::make_shared<const ast::CreateModuleStatement>(ParseModule(object.text, object.quoted_identifier));
+        module = std::make_shared<const ast::CreateModuleStatement>(
+            ParseModule(object.text, object.quoted_identifier));
     }
     return module;
 }
@@ -293,7 +299,8 @@ TablePtr SessionCore::FindTemporary(const std::string& name) const {
 }
 
 void SessionCore::AddTemporary(TableDef table) {
-    temporary_[Folded(table.name)] = std::make_shared<const TableDef>(std::move(table));
+    const std::string name = Folded(table.name);
+    temporary_[name] = std::make_shared<const TableDef>(std::move(table));
 }
 
 void SessionCore::DropTemporary(const std::string& name) {
@@ -350,15 +357,33 @@ std::shared_ptr<Cursor> SessionCore::FindCursor(const std::string& name) {
     return global == global_cursors.end() ? nullptr : global->second;
 }
 
+void SessionCore::CloseCursors() {
+    const auto close = [](auto& cursors) {
+        for (auto& [name, cursor] : cursors) {
+            if (cursor) {
+                cursor->open = false;
+            }
+        }
+    };
+    close(global_cursors);
+    for (Frame* frame = frame_; frame != nullptr; frame = frame->caller) {
+        close(frame->cursors);
+    }
+}
+
 // ------------------------------------------------------------------ messages and ends
 
 void SessionCore::Print(const Message& message) {
-    sink_->Send(message);
+    Message sent = message;
+    // Severity 10 goes to clients as 0, for the sake of older ones.
+    sent.severity = message.severity == 10 ? 0 : message.severity;
+    sink_->Send(sent);
 }
 
-void SessionCore::Info(std::int32_t number, std::initializer_list<std::string_view> arguments, std::uint8_t state) {
+void SessionCore::Info(std::int32_t number, std::initializer_list<std::string_view> arguments,
+                       std::uint8_t state) {
     const SqlError error = ErrorOf(number, arguments, state);
-    sink_->Send({number, error.severity(), state, error.text(), frame_->procedure, line});
+    Print({number, error.severity(), state, error.text(), frame_->procedure, line});
 }
 
 void SessionCore::Done(Command command, std::optional<std::int64_t> rows) {

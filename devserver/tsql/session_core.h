@@ -48,7 +48,8 @@ struct Options {
     bool ansi_nulls = true;
     bool quoted_identifier = true;
     bool concat_null_yields_null = true;
-    bool implicit_transactions = false;
+    bool implicit_transactions = false; ///< a statement that reads or writes begins a transaction
+    bool cursor_close_on_commit = false;
     bool noexec = false;
     bool parseonly = false;
     bool fmtonly = false;
@@ -148,6 +149,7 @@ class SessionCore {
     BoundPtr Global(std::string_view name);
     std::shared_ptr<Cursor> FindCursor(const std::string& name);
     std::map<std::string, std::shared_ptr<Cursor>, std::less<>> global_cursors;
+    void CloseCursors();
 
     // ---- expressions that SQLite calls back for
     std::int64_t AddOperation(BoundPtr operation);

@@ -1,6 +1,7 @@
 // Functions and global variables whose value is the session's, the database's or the clock's.
 #include <algorithm>
 #include <array>
+#include <random>
 
 #include "devserver/tsql/binder.h"
 #include "devserver/tsql/parser.h"
@@ -21,7 +22,8 @@ constexpr Type kInt = Simple(TypeId::Int);
 constexpr Type kName = Sized(TypeId::NVarChar, 128);
 
 std::string TextOf(Values values, Types types, std::size_t index) {
-    return index < values.size() && !IsNull(values[index]) ? ValueText(values[index], types[index]) : std::string();
+    return index < values.size() && !IsNull(values[index]) ? ValueText(values[index], types[index])
+                                                           : std::string();
 }
 
 std::optional<std::int64_t> IntOf(Values values, Types types, std::size_t index) {
@@ -116,7 +118,8 @@ Value ObjectProperty(SessionCore& session, Values values, Types types) {
         return std::int64_t{object->shipped};
     }
     if (property == "ISSYSTEMTABLE" || property == "ISINLINEFUNCTION" || property == "ISTABLEFUNCTION" ||
-        property == "ISEXTENDEDPROC" || property == "ISRULE" || property == "ISREPLPROC" || property == "EXECISSTARTUP") {
+        property == "ISEXTENDEDPROC" || property == "ISRULE" || property == "ISREPLPROC" ||
+        property == "EXECISSTARTUP") {
         return std::int64_t{0};
     }
     if (property == "OWNERID") {
@@ -161,8 +164,9 @@ Value ObjectProperty(SessionCore& session, Values values, Types types) {
         return std::int64_t{!table->checks.empty()};
     }
     if (property == "TABLEHASTIMESTAMP") {
-        return std::int64_t{std::any_of(table->columns.begin(), table->columns.end(),
-                                        [](const ColumnDef& column) { return column.type.id == TypeId::Timestamp; })};
+        return std::int64_t{
+            std::any_of(table->columns.begin(), table->columns.end(),
+                        [](const ColumnDef& column) { return column.type.id == TypeId::Timestamp; })};
     }
     return {};
 }
@@ -213,7 +217,8 @@ Value ColumnProperty(SessionCore& session, Values values, Types types) {
 
 Value ColLength(SessionCore& session, Values values, Types types) {
     const std::optional<Found> found = FindNamed(session, TextOf(values, types, 0));
-    const TablePtr table = found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const TablePtr table =
+        found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
     const ColumnDef* column = table ? table->Find(TextOf(values, types, 1)) : nullptr;
     return column == nullptr ? Value() : Value(std::int64_t{StorageBytes(column->type)});
 }
@@ -231,7 +236,8 @@ Value ColName(SessionCore& session, Values values, Types types) {
 
 Value IdentityInfo(SessionCore& session, const std::string& name, int what) {
     const std::optional<Found> found = FindNamed(session, name);
-    const TablePtr table = found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const TablePtr table =
+        found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
     const ColumnDef* column = table ? table->IdentityColumn() : nullptr;
     if (column == nullptr) {
         return {};
@@ -372,20 +378,23 @@ Value UserName(SessionCore& session, Values values, Types types) {
     if (!id) {
         return CurrentUser(session);
     }
-    SqliteStatement row = session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_users WHERE id = ?1");
+    SqliteStatement row =
+        session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_users WHERE id = ?1");
     row.BindInt(1, *id);
     return row.Step() ? Value(row.Text(0)) : Value();
 }
 
 Value UserId(SessionCore& session, Values values, Types types) {
-    SqliteStatement row = session.CurrentDatabase().Prepare("SELECT id FROM {db}.devsql_users WHERE name = ?1");
+    SqliteStatement row =
+        session.CurrentDatabase().Prepare("SELECT id FROM {db}.devsql_users WHERE name = ?1");
     row.BindText(1, values.empty() ? CurrentUser(session) : TextOf(values, types, 0));
     return row.Step() ? Value(row.Int(0)) : Value();
 }
 
 Value IsMember(SessionCore& session, Values values, Types types) {
     const std::string role = TextOf(values, types, 0);
-    return std::int64_t{AsciiEqual(role, "db_owner") || AsciiEqual(role, "public") || AsciiEqual(role, "sysadmin")} |
+    return std::int64_t{AsciiEqual(role, "db_owner") || AsciiEqual(role, "public") ||
+                        AsciiEqual(role, "sysadmin")} |
            std::int64_t{!CurrentUser(session).empty() && AsciiEqual(role, "dbcreator")};
 }
 
@@ -413,13 +422,30 @@ Value TypeNameOf(SessionCore&, Values values, Types types) {
     return {};
 }
 
+/// Random, version 4.
+Value NewId(SessionCore&, Values, Types) {
+    static thread_local std::mt19937_64 random{std::random_device{}()};
+    Guid guid;
+    for (std::uint8_t& byte : guid.bytes) {
+        byte = static_cast<std::uint8_t>(random());
+    }
+    guid.bytes[6] = static_cast<std::uint8_t>((guid.bytes[6] & 0x0F) | 0x40);
+    guid.bytes[8] = static_cast<std::uint8_t>((guid.bytes[8] & 0x3F) | 0x80);
+    return guid;
+}
+
 // ------------------------------------------------------------------ the table
 
 constexpr SessionFunction kFunctions[] = {
-    {"GETDATE", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
-    {"CURRENT_TIMESTAMP", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
+    {"GETDATE", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); },
+     true},
+    {"CURRENT_TIMESTAMP", 0, 0, Simple(TypeId::DateTime),
+     [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
     {"NOW", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
-    {"GETUTCDATE", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return UtcNow(); }, true},
+    {"GETUTCDATE", 0, 0, Simple(TypeId::DateTime),
+     [](SessionCore&, Values, Types) -> Value { return UtcNow(); }, true},
+    {"NEWID", 0, 0, Simple(TypeId::UniqueIdentifier), NewId, false},
+    {"NEWSEQUENTIALID", 0, 0, Simple(TypeId::UniqueIdentifier), NewId, false},
     {"OBJECT_ID", 1, 2, kInt, ObjectId, false},
     {"OBJECT_NAME", 1, 1, kName, ObjectName, false},
     {"OBJECTPROPERTY", 2, 2, kInt, ObjectProperty, false},
@@ -427,9 +453,12 @@ constexpr SessionFunction kFunctions[] = {
     {"COLUMNPROPERTY", 3, 3, kInt, ColumnProperty, false},
     {"COL_LENGTH", 2, 2, Simple(TypeId::SmallInt), ColLength, false},
     {"COL_NAME", 2, 2, kName, ColName, false},
-    {"IDENT_CURRENT", 1, 1, DecimalType(38, 0), [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 0); }, false},
-    {"IDENT_SEED", 1, 1, DecimalType(38, 0), [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 1); }, false},
-    {"IDENT_INCR", 1, 1, DecimalType(38, 0), [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 2); }, false},
+    {"IDENT_CURRENT", 1, 1, DecimalType(38, 0),
+     [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 0); }, false},
+    {"IDENT_SEED", 1, 1, DecimalType(38, 0),
+     [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 1); }, false},
+    {"IDENT_INCR", 1, 1, DecimalType(38, 0),
+     [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 2); }, false},
     {"SCOPE_IDENTITY", 0, 0, DecimalType(38, 0),
      [](SessionCore& s, Values, Types) -> Value {
          return s.frame().has_scope_identity ? Value(Decimal{s.frame().scope_identity, 0}) : Value();
@@ -451,11 +480,13 @@ constexpr SessionFunction kFunctions[] = {
     {"CURRENT_USER", 0, 0, kName, UserName, true},
     {"SESSION_USER", 0, 0, kName, UserName, true},
     {"USER_ID", 0, 1, Simple(TypeId::SmallInt), UserId, false},
-    {"SCHEMA_NAME", 0, 1, kName, [](SessionCore&, Values, Types) -> Value { return std::string("dbo"); }, false},
+    {"SCHEMA_NAME", 0, 1, kName, [](SessionCore&, Values, Types) -> Value { return std::string("dbo"); },
+     false},
     {"SCHEMA_ID", 0, 1, kInt, [](SessionCore&, Values, Types) -> Value { return std::int64_t{1}; }, false},
     {"IS_MEMBER", 1, 1, kInt, IsMember, false},
     {"IS_SRVROLEMEMBER", 1, 2, kInt, IsMember, false},
-    {"PERMISSIONS", 0, 2, kInt, [](SessionCore&, Values, Types) -> Value { return std::int64_t{0x1F1F1F1F}; }, false},
+    {"PERMISSIONS", 0, 2, kInt, [](SessionCore&, Values, Types) -> Value { return std::int64_t{0x1F1F1F1F}; },
+     false},
     {"HOST_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.host_name; }, true},
     {"APP_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.application; }, true},
     {"XACT_STATE", 0, 0, Simple(TypeId::SmallInt),
@@ -466,12 +497,34 @@ constexpr SessionFunction kFunctions[] = {
     {"CURSOR_STATUS", 2, 2, Simple(TypeId::SmallInt), CursorStatus, false},
     {"TYPE_ID", 1, 1, kInt, TypeIdOf, false},
     {"TYPE_NAME", 1, 1, kName, TypeNameOf, false},
-    {"ERROR_NUMBER", 0, 0, kInt, [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(std::int64_t{Caught(s)->number}) : Value(); }, true},
-    {"ERROR_SEVERITY", 0, 0, kInt, [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(std::int64_t{Caught(s)->severity}) : Value(); }, true},
-    {"ERROR_STATE", 0, 0, kInt, [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(std::int64_t{Caught(s)->state}) : Value(); }, true},
-    {"ERROR_LINE", 0, 0, kInt, [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(std::int64_t{Caught(s)->line}) : Value(); }, true},
-    {"ERROR_MESSAGE", 0, 0, Sized(TypeId::NVarChar, 4000), [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(Caught(s)->text) : Value(); }, true},
-    {"ERROR_PROCEDURE", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return Caught(s) && !Caught(s)->procedure.empty() ? Value(Caught(s)->procedure) : Value(); }, true},
+    {"ERROR_NUMBER", 0, 0, kInt,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) ? Value(std::int64_t{Caught(s)->number}) : Value();
+     },
+     true},
+    {"ERROR_SEVERITY", 0, 0, kInt,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) ? Value(std::int64_t{Caught(s)->severity}) : Value();
+     },
+     true},
+    {"ERROR_STATE", 0, 0, kInt,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) ? Value(std::int64_t{Caught(s)->state}) : Value();
+     },
+     true},
+    {"ERROR_LINE", 0, 0, kInt,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) ? Value(std::int64_t{Caught(s)->line}) : Value();
+     },
+     true},
+    {"ERROR_MESSAGE", 0, 0, Sized(TypeId::NVarChar, 4000),
+     [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(Caught(s)->text) : Value(); },
+     true},
+    {"ERROR_PROCEDURE", 0, 0, kName,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) && !Caught(s)->procedure.empty() ? Value(Caught(s)->procedure) : Value();
+     },
+     true},
 };
 
 struct GlobalVariable {
@@ -484,14 +537,18 @@ constexpr GlobalVariable kGlobals[] = {
     {"@@ERROR", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.last_error}; }},
     {"@@ROWCOUNT", kInt, [](SessionCore& s) -> Value { return s.row_count; }},
     {"@@TRANCOUNT", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.transaction_count()}; }},
-    {"@@IDENTITY", DecimalType(38, 0, TypeId::Numeric), [](SessionCore& s) -> Value { return s.last_identity ? Value(Decimal{*s.last_identity, 0}) : Value(); }},
+    {"@@IDENTITY", DecimalType(38, 0, TypeId::Numeric),
+     [](SessionCore& s) -> Value {
+         return s.last_identity ? Value(Decimal{*s.last_identity, 0}) : Value();
+     }},
     {"@@FETCH_STATUS", kInt, [](SessionCore& s) -> Value { return s.fetch_status; }},
     {"@@NESTLEVEL", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.nesting() - 1}; }},
     {"@@PROCID", kInt, [](SessionCore& s) -> Value { return s.frame().procedure_id; }},
     {"@@SPID", Simple(TypeId::SmallInt), [](SessionCore& s) -> Value { return std::int64_t{s.id}; }},
     {"@@SERVERNAME", kName, [](SessionCore& s) -> Value { return s.server.ServerName(); }},
     {"@@SERVICENAME", kName, [](SessionCore&) -> Value { return std::string("MSSQLSERVER"); }},
-    {"@@VERSION", Sized(TypeId::NVarChar, 300), [](SessionCore&) -> Value { return std::string(kVersionText); }},
+    {"@@VERSION", Sized(TypeId::NVarChar, 300),
+     [](SessionCore&) -> Value { return std::string(kVersionText); }},
     {"@@MICROSOFTVERSION", kInt, [](SessionCore&) -> Value { return std::int64_t{0x0E0003E8}; }},
     {"@@LANGUAGE", kName, [](SessionCore&) -> Value { return std::string("us_english"); }},
     {"@@LANGID", Simple(TypeId::SmallInt), [](SessionCore&) -> Value { return std::int64_t{0}; }},
@@ -501,7 +558,11 @@ constexpr GlobalVariable kGlobals[] = {
     {"@@MAX_PRECISION", Simple(TypeId::TinyInt), [](SessionCore&) -> Value { return std::int64_t{38}; }},
     {"@@MAX_CONNECTIONS", kInt, [](SessionCore&) -> Value { return std::int64_t{32767}; }},
     {"@@CURSOR_ROWS", kInt, [](SessionCore&) -> Value { return std::int64_t{0}; }},
-    {"@@OPTIONS", kInt, [](SessionCore& s) -> Value { return std::int64_t{(s.options.nocount ? 512 : 0) | (s.options.quoted_identifier ? 256 : 0) | (s.options.ansi_nulls ? 32 : 0) | (s.options.xact_abort ? 16384 : 0) | 4096}; }},
+    {"@@OPTIONS", kInt,
+     [](SessionCore& s) -> Value {
+         return std::int64_t{(s.options.nocount ? 512 : 0) | (s.options.quoted_identifier ? 256 : 0) |
+                             (s.options.ansi_nulls ? 32 : 0) | (s.options.xact_abort ? 16384 : 0) | 4096};
+     }},
     {"@@DBTS", Sized(TypeId::VarBinary, 8),
      [](SessionCore& s) -> Value {
          std::string bytes(8, '\0');

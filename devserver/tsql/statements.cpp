@@ -36,7 +36,9 @@ bool IsAssignment(const ast::Query& query) {
 class QueryRows {
   public:
     QueryRows(SessionCore& session, const Emission& emission, const BoundQuery& query)
-        : session_(session), statement_(session.connection.Prepare(query.sql)), limit_(session.options.rowcount) {
+        : session_(session),
+          statement_(session.connection.Prepare(query.sql)),
+          limit_(session.options.rowcount) {
         emission.BindAll(statement_);
     }
 
@@ -207,7 +209,8 @@ void OpenRows(SessionCore& session, Cursor& cursor) {
             values.push_back(rows.Column(i, bound.columns[i].type));
         }
         if (cursor.table) {
-            cursor.row_ids.push_back(std::get<std::int64_t>(rows.Column(values.size(), Simple(TypeId::BigInt))));
+            cursor.row_ids.push_back(
+                std::get<std::int64_t>(rows.Column(values.size(), Simple(TypeId::BigInt))));
         }
         cursor.rows.rows.push_back(std::move(values));
     }
@@ -222,7 +225,8 @@ bool IdentityInsertOn(SessionCore& session, const Target& target) {
 }
 
 /// The positions of the table's columns that the statement gives, in its order.
-std::vector<std::size_t> InsertColumns(SessionCore& session, const ast::InsertStatement& insert, const Target& target) {
+std::vector<std::size_t> InsertColumns(SessionCore& session, const ast::InsertStatement& insert,
+                                       const Target& target) {
     const TableDef& table = *target.table;
     const bool identity_on = IdentityInsertOn(session, target);
     std::vector<std::size_t> positions;
@@ -275,8 +279,8 @@ void Put(const TableDef& table, std::size_t position, const Value& value, const 
 
 /// VALUES: with several rows, each column takes its type from all of them only in UNION; here each value is
 /// assigned by itself.
-std::vector<GivenRow> ValueRows(SessionCore& session, const ast::InsertStatement& insert, const TableDef& table,
-                                const std::vector<std::size_t>& positions) {
+std::vector<GivenRow> ValueRows(SessionCore& session, const ast::InsertStatement& insert,
+                                const TableDef& table, const std::vector<std::size_t>& positions) {
     std::vector<GivenRow> rows;
     for (const std::vector<ast::ExprPtr>& given : insert.rows) {
         if (given.size() != positions.size()) {
@@ -299,8 +303,8 @@ std::vector<GivenRow> ValueRows(SessionCore& session, const ast::InsertStatement
     return rows;
 }
 
-std::vector<GivenRow> QueryRowsFor(const RowSet& source, const ast::InsertStatement& insert, const TableDef& table,
-                                   const std::vector<std::size_t>& positions) {
+std::vector<GivenRow> QueryRowsFor(const RowSet& source, const ast::InsertStatement& insert,
+                                   const TableDef& table, const std::vector<std::size_t>& positions) {
     if (source.columns.size() != positions.size()) {
         if (insert.columns.empty() || insert.execute) {
             RaiseError(213);
@@ -346,7 +350,8 @@ void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const R
         }
         if (insert.top) {
             const Value limit = ComputeExpression(session, *insert.top->count);
-            rows.resize(std::min(rows.size(), static_cast<std::size_t>(std::max<std::int64_t>(0, std::get<std::int64_t>(limit)))));
+            rows.resize(std::min(rows.size(), static_cast<std::size_t>(
+                                                  std::max<std::int64_t>(0, std::get<std::int64_t>(limit)))));
         }
         RowWriter writer(session, target, "INSERT");
         for (GivenRow& row : rows) {

@@ -42,7 +42,8 @@ Target TargetOfSource(SessionCore& session, Binder& binder, const ScopeSource& s
 }
 
 Selection Select(SessionCore& session, Binder& binder, Emission& emission, const ast::Name& table,
-                 const std::vector<ast::TableSourcePtr>& from, const ast::Expr* where, const std::string& cursor) {
+                 const std::vector<ast::TableSourcePtr>& from, const ast::Expr* where,
+                 const std::string& cursor) {
     Selection selection;
     if (!from.empty()) {
         selection.from = binder.BindFrom(from, selection.scope);
@@ -82,8 +83,8 @@ Selection Select(SessionCore& session, Binder& binder, Emission& emission, const
             RaiseError(16931);
         }
         const std::int64_t row = found->row_ids[static_cast<std::size_t>(found->position)];
-        selection.where = " WHERE " + selection.alias + "." + RowWriter::RowIdName(*selection.target.table) + " = " +
-                          std::to_string(row);
+        selection.where = " WHERE " + selection.alias + "." + RowWriter::RowIdName(*selection.target.table) +
+                          " = " + std::to_string(row);
     }
     return selection;
 }
@@ -209,9 +210,11 @@ void UpdateRows(SessionCore& session, const ast::UpdateStatement& update, Binder
             for (const BoundAssignment& assignment : assignments) {
                 const ColumnDef* column = assignment.column ? &table.columns[*assignment.column] : nullptr;
                 const Type type = assignment.value ? assignment.value->type : column->type;
-                const Value value = assignment.value ? Compute(*assignment.value, session, slots) : writer.DefaultOf(*column);
+                const Value value =
+                    assignment.value ? Compute(*assignment.value, session, slots) : writer.DefaultOf(*column);
                 if (column != nullptr) {
-                    changed[*assignment.column] = Assign(value, IsNull(value) ? column->type : type, column->type);
+                    changed[*assignment.column] =
+                        Assign(value, IsNull(value) ? column->type : type, column->type);
                 }
                 if (!assignment.variable.empty()) {
                     AssignTo(session, assignment.variable, value, type);
@@ -245,8 +248,8 @@ void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
     Emission emission(session);
     Binder binder(session, emission);
     binder.BindWith(statement.with);
-    const Selection selection =
-        Select(session, binder, emission, statement.table, statement.from, statement.where.get(), statement.cursor);
+    const Selection selection = Select(session, binder, emission, statement.table, statement.from,
+                                       statement.where.get(), statement.cursor);
     std::int64_t count = 0;
     session.Write(selection.target.table->alias, [&] {
         const TableDef& table = *selection.target.table;

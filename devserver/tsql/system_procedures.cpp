@@ -73,9 +73,9 @@ std::int32_t RunParameterized(SystemCall& call, const std::string& text, const s
         definition.output = parameter.output;
         formal.push_back(std::move(definition));
     }
-    const std::vector<ActualArgument> values(call.actual().begin() + static_cast<std::ptrdiff_t>(
-                                                 std::min(first_value, call.actual().size())),
-                                             call.actual().end());
+    const std::vector<ActualArgument> values(
+        call.actual().begin() + static_cast<std::ptrdiff_t>(std::min(first_value, call.actual().size())),
+        call.actual().end());
     Frame frame;
     frame.database = session.frame().database == session.SessionDatabase() ? "" : session.frame().database;
     const std::vector<std::size_t> positions = BindArguments(session, "sp_executesql", formal, values, frame);
@@ -216,7 +216,8 @@ std::int32_t DbOptionProcedure(SystemCall& call) {
     const DatabaseInfo info = *FindDatabase(session.connection, database);
     if (call.IsNull("@optvalue")) {
         const auto option = info.options.find(std::string(found->option));
-        const bool on = option != info.options.end() && (option->second == "ON" || option->second == "SIMPLE");
+        const bool on =
+            option != info.options.end() && (option->second == "ON" || option->second == "SIMPLE");
         call.Run("SELECT @p1 AS OptionName, CASE @p2 WHEN N'1' THEN 'ON' ELSE 'OFF' END AS CurrentSetting",
                  {std::string(found->name), on ? "1" : "0"});
         return 0;
@@ -296,9 +297,11 @@ std::int32_t Rename(SystemCall& call) {
     }
     const std::optional<ObjectDef> object =
         name.empty() ? std::nullopt
-                     : catalogue.FindObject(name.parts.size() > 1 ? name.parts[name.parts.size() - 2] : "dbo", name.last());
+                     : catalogue.FindObject(name.parts.size() > 1 ? name.parts[name.parts.size() - 2] : "dbo",
+                                            name.last());
     if (!object) {
-        RaiseError(part.empty() ? 15225 : 15248, {part.empty() ? old_text : kind, session.CurrentDatabaseName(), "(null)"});
+        RaiseError(part.empty() ? 15225 : 15248,
+                   {part.empty() ? old_text : kind, session.CurrentDatabaseName(), "(null)"});
     }
     session.Write(catalogue.alias(), [&] {
         if (part.empty()) {
@@ -314,8 +317,8 @@ std::int32_t Rename(SystemCall& call) {
             if (column == nullptr) {
                 RaiseError(15248, {"COLUMN"});
             }
-            session.connection.Execute("ALTER TABLE " + table->Qualified() + " RENAME COLUMN " + QuoteName(column->name) +
-                                       " TO " + QuoteName(new_name));
+            session.connection.Execute("ALTER TABLE " + table->Qualified() + " RENAME COLUMN " +
+                                       QuoteName(column->name) + " TO " + QuoteName(new_name));
             ColumnDef renamed = *column;
             renamed.name = new_name;
             catalogue.UpdateColumn(table->id, renamed);
@@ -462,7 +465,8 @@ std::int32_t AddServerRoleMember(SystemCall& call) {
 }
 
 std::int32_t ChangeDbOwner(SystemCall& call) {
-    std::optional<DatabaseInfo> info = FindDatabase(call.session().connection, call.session().CurrentDatabaseName());
+    std::optional<DatabaseInfo> info =
+        FindDatabase(call.session().connection, call.session().CurrentDatabaseName());
     const std::string login = call.Text("@loginame");
     if (!FindLogin(call.session().connection, login)) {
         RaiseError(15007, {login});
@@ -486,10 +490,12 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_prepexec", "...", PrepareAndExecute},
     {"sp_unprepare", "@handle int", Unprepare},
     {"sp_sqlexec", "@statement nvarchar(max)", Execute},
-    {"sp_detach_db", "@dbname sysname = NULL, @skipchecks nvarchar(10) = NULL, @keepfulltextindexfile nvarchar(10) = NULL",
+    {"sp_detach_db",
+     "@dbname sysname = NULL, @skipchecks nvarchar(10) = NULL, @keepfulltextindexfile nvarchar(10) = NULL",
      DetachDb},
     {"sp_attach_db",
-     "@dbname sysname, @filename1 nvarchar(260), @filename2 nvarchar(260) = NULL, @filename3 nvarchar(260) = NULL, "
+     "@dbname sysname, @filename1 nvarchar(260), @filename2 nvarchar(260) = NULL, @filename3 nvarchar(260) = "
+     "NULL, "
      "@filename4 nvarchar(260) = NULL, @filename5 nvarchar(260) = NULL, @filename6 nvarchar(260) = NULL, "
      "@filename7 nvarchar(260) = NULL, @filename8 nvarchar(260) = NULL, @filename9 nvarchar(260) = NULL, "
      "@filename10 nvarchar(260) = NULL, @filename11 nvarchar(260) = NULL, @filename12 nvarchar(260) = NULL, "
@@ -500,7 +506,8 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_dboption", "@dbname sysname = NULL, @optname varchar(35) = NULL, @optvalue varchar(10) = NULL",
      DbOptionProcedure},
     {"sp_renamedb", "@dbname sysname, @newname sysname", RenameDb},
-    {"sp_addtype", "@typename sysname, @phystype sysname, @nulltype varchar(8) = NULL, @owner sysname = NULL", AddType},
+    {"sp_addtype", "@typename sysname, @phystype sysname, @nulltype varchar(8) = NULL, @owner sysname = NULL",
+     AddType},
     {"sp_droptype", "@typename sysname", DropType},
     {"sp_rename", "@objname nvarchar(1035), @newname sysname, @objtype varchar(13) = NULL", Rename},
     {"sp_helptext", "@objname nvarchar(776), @columnname sysname = NULL", HelpText},
@@ -527,7 +534,8 @@ constexpr SystemProcedure kProcedures[] = {
 } // namespace
 
 const SystemProcedure* FindSystemProcedure(std::string_view name) {
-    for (const std::span<const SystemProcedure> list : {std::span<const SystemProcedure>(kProcedures), CatalogueProcedures()}) {
+    for (const std::span<const SystemProcedure> list :
+         {std::span<const SystemProcedure>(kProcedures), CatalogueProcedures()}) {
         for (const SystemProcedure& procedure : list) {
             if (AsciiEqual(procedure.name, name)) {
                 return &procedure;

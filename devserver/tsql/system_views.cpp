@@ -29,9 +29,10 @@ std::vector<SystemColumn> ParseColumns(std::string_view text) {
     }
     for (const ast::Parameter& parameter : ParseParameters(parameters)) {
         const std::string& name = parameter.type.name.last();
-        const Type type = AsciiEqual(name, "sysname") ? Sized(TypeId::NVarChar, 128)
-                                                      : DeclaredType(*FindTypeId(name), parameter.type.first,
-                                                                     parameter.type.second, parameter.type.max, 1);
+        const Type type = AsciiEqual(name, "sysname")
+                              ? Sized(TypeId::NVarChar, 128)
+                              : DeclaredType(*FindTypeId(name), parameter.type.first, parameter.type.second,
+                                             parameter.type.max, 1);
         columns.push_back({parameter.name.substr(1), type});
     }
     return columns;
@@ -57,7 +58,8 @@ const SystemView* FindSystemView(std::string_view schema, std::string_view name)
     static const std::vector<SystemView> views = LoadViews();
     const bool any_owner = schema.empty() || AsciiEqual(schema, "dbo") || AsciiEqual(schema, "sys");
     for (const SystemView& view : views) {
-        if (AsciiEqual(view.name, name) && (view.schema.empty() ? any_owner : AsciiEqual(view.schema, schema))) {
+        if (AsciiEqual(view.name, name) &&
+            (view.schema.empty() ? any_owner : AsciiEqual(view.schema, schema))) {
             return &view;
         }
     }
@@ -71,13 +73,15 @@ std::string SystemViewText(const SystemView& view, const std::string& alias, con
     for (const SystemType& type : SystemTypes()) {
         types += (types.size() == 7 ? "" : ",");
         types += "(" + std::to_string(static_cast<int>(type.id)) + "," + QuoteText(type.name) + "," +
-                 std::to_string(type.xtype) + "," + std::to_string(type.user_type) + "," + std::to_string(type.tds_type) +
-                 "," + std::to_string(type.storage_length) + "," + std::to_string(type.precision) + "," +
-                 std::to_string(type.odbc_type) + ")";
+                 std::to_string(type.xtype) + "," + std::to_string(type.user_type) + "," +
+                 std::to_string(type.tds_type) + "," + std::to_string(type.storage_length) + "," +
+                 std::to_string(type.precision) + "," + std::to_string(type.odbc_type) + ")";
     }
     Replace(text, "{types}",
-            "(SELECT column1 AS type, column2 AS type_name, column3 AS xtype, column4 AS usertype, column5 AS tds, "
-            "column6 AS bytes, column7 AS digits, column8 AS odbc FROM " + types + "))");
+            "(SELECT column1 AS type, column2 AS type_name, column3 AS xtype, column4 AS usertype, column5 "
+            "AS tds, "
+            "column6 AS bytes, column7 AS digits, column8 AS odbc FROM " +
+                types + "))");
     Replace(text, "{db}", QuoteName(alias));
     Replace(text, "{name}", QuoteText(database));
     return text;

@@ -1,8 +1,8 @@
 // Transactions: SQLite's begins with the first write of T-SQL's, so that one that only reads sees every
 // commit of others, as READ COMMITTED does, and holds no lock.
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/session_core.h"
 #include "devserver/tsql/server.h"
+#include "devserver/tsql/session_core.h"
 
 namespace devsql {
 namespace {
