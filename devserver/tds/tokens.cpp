@@ -92,10 +92,12 @@ void TokenWriter::WriteEnvironment(Environment change, std::string_view new_valu
 
 void TokenWriter::WriteMessage(const Message& message) {
     constexpr std::uint8_t kFirstError = 11;
+    // For clients' sake SQL Server gives severity 10 as 0; some take 10 for an error.
+    constexpr std::uint8_t kInformation = 10;
     std::string body;
     AppendLe(body, static_cast<std::uint32_t>(message.number));
     AppendByte(body, message.state);
-    AppendByte(body, message.severity);
+    AppendByte(body, message.severity == kInformation ? std::uint8_t{0} : message.severity);
     AppendLongText(body, message.text, kLongestMessage);
     AppendShortText(body, server_name_);
     AppendShortText(body, message.procedure);

@@ -43,6 +43,20 @@ TEST(TdsTokens, AMessageUpToSeverityTenIsInformation) {
     EXPECT_EQ(first(11), "AA");
 }
 
+TEST(TdsTokens, SeverityTenIsGivenAsZero) {
+    const auto severity = [](std::uint8_t given) {
+        constexpr std::size_t kPlace = 3 * (1 + 2 + 4 + 1); // behind token, length, number and state
+        return Written(Version::V74,
+                       [=](TokenWriter& tokens) {
+                           tokens.WriteMessage({5701, given, 1, "x", "", 1});
+                       })
+            .substr(kPlace, 2);
+    };
+    EXPECT_EQ(severity(10), "00");
+    EXPECT_EQ(severity(9), "09");
+    EXPECT_EQ(severity(11), "0B");
+}
+
 TEST(TdsTokens, ALongMessageIsCutToWhatATokenHolds) {
     const std::string hex = Written(Version::V74, [](TokenWriter& tokens) {
         tokens.WriteMessage({50000, 16, 1, std::string(100000, 'x'), std::string(1000, 'p'), 1});
