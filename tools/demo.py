@@ -50,7 +50,7 @@ def template(machine, name):
 
 
 def in_template(machine, name, kind):
-    return sorted(re.findall(rf"(?mi)^CREATE {kind} \[?dbo\]?\.\[?(\w+)\]?", template(machine, name)))
+    return sorted(re.findall(rf"(?mi)\bCREATE {kind} \[?dbo\]?\.\[?(\w+)\]?", template(machine, name)))
 
 
 def verify(server, machine):
@@ -61,8 +61,9 @@ def verify(server, machine):
     check('the database "Batch" stands on the server', "Batch" in databases(server))
     check("its data file and its log file lie in the data folder",
           sorted(os.listdir(machine.data)) == ["Batch_data.mdf", "Batch_log.ldf"])
-    tables = in_template(machine, "Create_Batch_Database", "TABLE")
-    check(f"its {len(tables)} tables are those of the template",
+    tables = sorted(in_template(machine, "Create_Batch_Database", "TABLE") +
+                    in_template(machine, "Create_Batch_Stored_Procedures", "TABLE"))
+    check(f"its {len(tables)} tables are those of the templates",
           server.column("SELECT name FROM sysobjects WHERE xtype = 'U'", "Batch") == tables)
     procedures = in_template(machine, "Create_Batch_Stored_Procedures", "PROCEDURE")
     check(f"its {len(procedures)} stored procedures are those of the template",

@@ -279,7 +279,7 @@ def contents(server, database="Batch"):
         # When and under which identifier a row was made differs from run to run.
         steady = [f"[{name}]" for name, kind in columns if kind not in
                   ("timestamp", "uniqueidentifier", "datetime", "smalldatetime", "text", "ntext", "image")]
-        rows[table] = sorted(map(repr, server.ask(f"SELECT {', '.join(steady)} FROM [{table}]", database)))
+        rows[table] = sorted(server.ask(f"SELECT {', '.join(steady)} FROM [{table}]", database), key=repr)
     return {
         "objects": server.ask("SELECT name, xtype FROM sysobjects WHERE xtype IN ('U', 'V', 'P') ORDER BY name",
                               database),

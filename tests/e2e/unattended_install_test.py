@@ -64,7 +64,7 @@ class WholeWay(unittest.TestCase):
             return file.read()
 
     def named_in_template(self, name, kind):
-        return sorted(re.findall(rf"(?mi)^CREATE {kind} \[?dbo\]?\.\[?(\w+)\]?", self.template(name)))
+        return sorted(re.findall(rf"(?mi)\bCREATE {kind} \[?dbo\]?\.\[?(\w+)\]?", self.template(name)))
 
 
 
@@ -75,7 +75,8 @@ class Installation(WholeWay):
         self.assertIn("Batch", self.databases())
         self.assertEqual(sorted(os.listdir(self.machine.data)), ["Batch_data.mdf", "Batch_log.ldf"])
         self.assertEqual(self.server.column("SELECT name FROM sysobjects WHERE xtype = 'U'", "Batch"),
-                         self.named_in_template("Create_Batch_Database", "TABLE"))
+                         sorted(self.named_in_template("Create_Batch_Database", "TABLE") +
+                                self.named_in_template("Create_Batch_Stored_Procedures", "TABLE")))
         self.assertEqual(self.server.column("SELECT name FROM sysobjects WHERE xtype = 'V'", "Batch"),
                          self.named_in_template("Create_Batch_Database", "VIEW"))
         procedures = self.named_in_template("Create_Batch_Stored_Procedures", "PROCEDURE")
@@ -87,27 +88,33 @@ class Installation(WholeWay):
 
     def test_it_is_what_an_independent_client_makes_of_the_templates(self):
         self.install("/installdb")
-        values = {"server": self.server.name, "servera": self.server.name, "userid": USER, "userida": USER,
-                  "password": PASSWORD, "passworda": PASSWORD}
         other_folder = os.path.join(self.folder, "other data")
         os.mkdir(other_folder)
-        values.update(datapath=self.machine.native(other_folder), datapatha=self.machine.native(other_folder))
         with DevServer(self.dev_server, os.path.join(self.folder, "other"), self.machine.drives()) as other:
+            values = {"server": other.name, "userid": USER, "password": PASSWORD, "datapath": self.told(other_folder)}
+            values.update({name + "a": value for name, value in values.items()})
             install_by_pymssql(other, self.machine.scripts, TEMPLATES, values)
             theirs = contents(other)
+            other_name = other.name
         ours = contents(self.server)
-        # The two databases lie in folders of their own, and the tables say so.
-        def plain(rows):
-            return [row.replace("other data", "SQL Data").replace("\\\\", "\\").replace(
-                self.machine.native(self.machine.data), "F").replace(
-                self.machine.native(os.path.join(self.folder, "SQL Data")), "F") for row in rows]
-
-        self.assertEqual({table: plain(rows) for table, rows in ours["rows"].items()},
-                         {table: plain(rows) for table, rows in theirs["rows"].items()})
+        # Each server has a name and a data folder of its own, and the tables say so.
+        self.assertEqual(self.plain(ours["rows"], self.machine.data, self.server.name),
+                         self.plain(theirs["rows"], other_folder, other_name))
         self.assertGreater(sum(len(rows) for rows in ours["rows"].values()), 20)
+        self.assertEqual(self.plain(ours["texts"], self.machine.data, self.server.name),
+                         self.plain(theirs["texts"], other_folder, other_name))
         for what in ("objects", "columns"):
             self.assertEqual(ours[what], theirs[what])
-        self.assertEqual(ours["texts"].keys(), theirs["texts"].keys())
+
+    def told(self, path):
+        """A path as the program tells it to the server: with backslashes on every system."""
+        return self.machine.native(path).replace("/", "\\")
+
+    def plain(self, lists, data_folder, server_name):
+        def without_names(text):
+            return text.replace(repr(self.told(data_folder))[1:-1], "FOLDER").replace(server_name, "SERVER")
+
+        return {name: [without_names(repr(row)) for row in rows] for name, rows in lists.items()}
 
     def test_the_procedures_alone_go_into_a_database_that_stands(self):
         self.install("/installdb")
