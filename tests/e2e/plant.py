@@ -176,6 +176,15 @@ class Machine:
                               capture_output=True, text=True, errors="replace", timeout=timeout,
                               cwd=self.install).stderr
 
+    def on_a_screen(self, *arguments):
+        """As run(), with a screen; under Wine alone."""
+        return subprocess.run([os.path.join(TOP, "tests", "with-screen"), os.path.join(TOP, "tests", "run-under-wine"),
+                               self.program, *arguments],
+                              env=dict(self.wine_environment(), **{name: os.environ[name] for name in
+                                                                   ("DISPLAY",) if "KV_SCREEN" in os.environ}),
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", timeout=300,
+                              cwd=self.install).stderr
+
     def start(self, *arguments):
         command = [self.program, *arguments]
         if self.wine:

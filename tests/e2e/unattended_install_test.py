@@ -162,6 +162,15 @@ class Installation(WholeWay):
                      "[3/4] Installing batch stored procedures...", "[4/4] Ended."):
             self.assertIn(text, said)
 
+    def test_progress_is_shown_in_a_window_where_there_is_a_display(self):
+        if not self.wine:
+            self.assertIn("[0/4]", self.install("/installsp"))  # no native window here: the terminal in any case
+            return
+        said = self.machine.on_a_screen(*self.machine.install_arguments(self.server, "/installdb"))
+        self.assertNotIn("Initializing installation", said)
+        self.assert_quiet()
+        self.assertTrue(self.batch_exists())
+
     def test_a_password_may_be_empty(self):
         self.install("/installdb", user="empty", password="")
         self.assert_quiet()
@@ -362,7 +371,7 @@ class CommandLine(WholeWay):
 
 
 if __name__ == "__main__":
-    WholeWay.dev_server, WholeWay.binaries = sys.argv[1], sys.argv[2]
+    WholeWay.dev_server, WholeWay.binaries = map(os.path.abspath, sys.argv[1:3])
     rest = sys.argv[3:]
     if "--wine" in rest:
         rest.remove("--wine")
