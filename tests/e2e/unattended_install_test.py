@@ -97,7 +97,7 @@ class Installation(WholeWay):
             theirs = contents(other)
             other_name = other.name
         ours = contents(self.server)
-        # Each server has a name and a data folder of its own, and the tables say so.
+        # Each server has a name and a data folder of its own and a time of installation, and the tables say so.
         self.assertEqual(self.plain(ours["rows"], self.machine.data, self.server.name),
                          self.plain(theirs["rows"], other_folder, other_name))
         self.assertGreater(sum(len(rows) for rows in ours["rows"].values()), 20)
@@ -112,7 +112,8 @@ class Installation(WholeWay):
 
     def plain(self, lists, data_folder, server_name):
         def without_names(text):
-            return text.replace(repr(self.told(data_folder))[1:-1], "FOLDER").replace(server_name, "SERVER")
+            text = text.replace(repr(self.told(data_folder))[1:-1], "FOLDER").replace(server_name, "SERVER")
+            return re.sub(r"\d{4}-\d\d-\d\d[ T]\d\d:\d\d:\d\d", "TIME", text)
 
         return {name: [without_names(repr(row)) for row in rows] for name, rows in lists.items()}
 
