@@ -102,7 +102,9 @@ class Binder {
     // binder_queries.cpp
     BoundQuery BindTerm(const ast::QueryTerm& term, const Scope* outer, const ast::Query* whole);
     BoundQuery BindSetOperation(const ast::SetOperation& operation, const Scope* outer);
-    BoundQuery BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole);
+    /// With `types`, the items are converted to them.
+    BoundQuery BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
+                          const std::vector<Type>* types = nullptr);
     void BindSelectParts(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
                          SelectParts& parts);
     void BindItems(const ast::SelectCore& core, const Scope& scope, SelectParts& parts);

@@ -184,6 +184,7 @@ BoundPtr Binder::BindColumn(const ast::ColumnExpr& column, const Scope* scope) c
     bool qualifier_known = name.parts.size() == 1;
     for (const Scope* level = scope; level != nullptr; level = level->outer) {
         const ScopeColumn* found = nullptr;
+        const ScopeSource* found_in = nullptr;
         for (const ScopeSource& source : level->sources) {
             if (name.parts.size() > 1 && !Names(source, name)) {
                 continue;
@@ -197,11 +198,13 @@ BoundPtr Binder::BindColumn(const ast::ColumnExpr& column, const Scope* scope) c
                     RaiseError(209, {name.last()});
                 }
                 found = &candidate;
+                found_in = &source;
             }
         }
         if (found != nullptr) {
             auto node = std::make_shared<Bound>(*MakeSql(found->sql, found->type, found->nullable));
-            node->column = name.text();
+            node->source = found_in->exposed;
+            node->column = found->name;
             node->depth = level->depth;
             node->identity = found->identity;
             return node;

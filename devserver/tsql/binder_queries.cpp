@@ -139,10 +139,10 @@ std::string Binder::BindRecursive(const ast::CommonTable& table, CommonTables::E
     const std::string name = self.sql;
     CommonTables level{common_, {std::move(self)}};
     CommonTables* const saved = std::exchange(common_, &level);
-    BoundQuery rest = BindTerm(*operation.right, nullptr, nullptr);
-    common_ = saved;
-    if (rest.columns.size() != anchor.columns.size()) {
-        RaiseError(205);
+    // SQLite wants the recursive name in the FROM of the member itself, so nothing may be put around it.
+    const auto* core = std::get_if<ast::SelectCore>(&operation.right->node);
+    if (core == nullptr) {
+        RaiseError(40517, {"several recursive members in " + table.name});
     }
     std::vector<Type> types;
     std::string names;
@@ -150,7 +150,8 @@ std::string Binder::BindRecursive(const ast::CommonTable& table, CommonTables::E
         types.push_back(anchor.columns[i].type);
         names += (i == 0 ? "c" : ", c") + std::to_string(i + 1);
     }
-    rest = Unified(rest, types);
+    const BoundQuery rest = BindSelect(*core, nullptr, nullptr, &types);
+    common_ = saved;
     entry.columns = anchor.columns;
     return "WITH RECURSIVE " + name + "(" + names + ") AS (SELECT * FROM (" + anchor.sql + ") UNION ALL " +
            rest.sql + ") SELECT * FROM " + name;
@@ -201,9 +202,18 @@ BoundQuery Binder::BindSetOperation(const ast::SetOperation& operation, const Sc
 
 // ------------------------------------------------------------------ one SELECT
 
-BoundQuery Binder::BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole) {
+BoundQuery Binder::BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
+                              const std::vector<Type>* types) {
     SelectParts parts;
     BindSelectParts(core, outer, whole, parts);
+    if (types != nullptr) {
+        if (types->size() != parts.items.size()) {
+            RaiseError(205);
+        }
+        for (std::size_t i = 0; i < types->size(); ++i) {
+            parts.items[i] = MakeConvert(parts.items[i], (*types)[i]);
+        }
+    }
     BoundQuery bound;
     bound.sql = EmitSelect(parts, core.distinct);
     bound.columns = std::move(parts.columns);
@@ -286,7 +296,8 @@ void Binder::ExpandStar(const ast::SelectItem& item, const Scope& scope, SelectP
         found = true;
         for (const ScopeColumn& column : source.columns) {
             auto node = std::make_shared<Bound>(*MakeSql(column.sql, column.type, column.nullable));
-            node->column = source.exposed + "." + column.name;
+            node->source = source.exposed;
+            node->column = column.name;
             node->depth = scope.depth;
             node->identity = column.identity;
             parts.columns.push_back({column.name, column.type, column.nullable, column.identity});
@@ -330,12 +341,12 @@ void Binder::CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, 
     }
     if (item.kind == BoundKind::Sql && !item.aggregate && !item.column.empty() && item.depth == depth) {
         if (clause == "ORDER BY") {
-            RaiseError(8127, {item.column});
+            RaiseError(8127, {item.source, item.column});
         }
         if (clause == "HAVING") {
-            RaiseError(8121, {item.column});
+            RaiseError(8121, {item.source, item.column});
         }
-        RaiseError(grouped ? 8120 : 8118, {item.column});
+        RaiseError(grouped ? 8120 : 8118, {item.source, item.column});
     }
     for (const BoundPtr& child : item.children) {
         CheckGrouped(*child, keys, depth, clause, grouped);

@@ -47,7 +47,8 @@ struct Bound {
 
     Value constant;           ///< Constant
     std::string text;         ///< Sql: the text; Variable: the name
-    std::string column;       ///< Sql: of a column reference, as messages name it
+    std::string source;       ///< Sql: of a column reference, the table as the query calls it
+    std::string column;       ///< Sql: of a column reference
     int depth = 0;            ///< Sql: of a column reference, the query it belongs to
     bool aggregate = false;   ///< Sql: the call of an aggregate
     bool identity = false;    ///< Sql: an identity column

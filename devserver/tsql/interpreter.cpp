@@ -27,10 +27,10 @@ constexpr std::array<std::int32_t, 15> kBatchErrors = {241,  242,  244,  245, 24
                                                        1205, 3930, 3609, 217, 8624, 235, 296};
 
 /// Errors that SQL Server finds when it compiles the statement: they end the procedure or the batch.
-constexpr std::array<std::int32_t, 52> kScopeErrors = {
-    102, 104, 107,  108,  109,  110,  116,  120,  121,  128,  130,  137,  141,  145,  147,  156, 164, 174,
-    189, 195, 205,  206,  207,  208,  209,  213,  257,  259,  263,  264,  271,  272,  273,  306, 402, 420,
-    421, 529, 1011, 1013, 1046, 1087, 4104, 8101, 8116, 8117, 8118, 8120, 8121, 8127, 8133, 8155};
+constexpr std::array<std::int32_t, 53> kScopeErrors = {
+    102, 104, 107,  108,  109,  110,  116, 120,  121,  128,  130,  137,  141,  145,  147,  156,  164, 174,
+    189, 195, 205,  206,  207,  208,  209, 213,  257,  259,  263,  264,  271,  272,  273,  306,  402, 420,
+    421, 529, 1011, 1013, 1046, 1087, 911, 4104, 8101, 8116, 8117, 8118, 8120, 8121, 8127, 8133, 8155};
 
 /// The statement has been terminated: said behind the errors of rows.
 constexpr std::array<std::int32_t, 10> kRowErrors = {515, 547, 2601, 2627, 8152, 8115, 8134, 220, 232, 512};
@@ -204,6 +204,9 @@ Interpreter::Flow Interpreter::RunList(const ast::StatementList& list) {
 Interpreter::Flow Interpreter::RunStatement(const ast::Statement& statement) {
     session_.CheckCancelled();
     session_.line = statement.line;
+    changes_rows_ = std::holds_alternative<ast::InsertStatement>(statement.node) ||
+                    std::holds_alternative<ast::UpdateStatement>(statement.node) ||
+                    std::holds_alternative<ast::DeleteStatement>(statement.node);
     if (session_.options.noexec && !std::holds_alternative<ast::SetOptionStatement>(statement.node)) {
         return Flow::Next;
     }
@@ -233,18 +236,19 @@ void Interpreter::Report(const SqlError& error) {
         return;
     }
     const bool ends_batch = Contains(kBatchErrors, message.number) || session_.options.xact_abort;
-    if (tries_ > 0) {
+    const bool compiled = Contains(kScopeErrors, message.number);
+    if (tries_ > (compiled ? tries_at_[session_.nesting()] : 0)) {
         session_.doomed = session_.doomed || (ends_batch && session_.transaction_count() > 0);
-        throw Failure{message, ends_batch};
+        throw Failure{message, compiled ? session_.nesting() : 0};
     }
     session_.Print(message);
-    if (Contains(kRowErrors, message.number)) {
+    if (changes_rows_ && Contains(kRowErrors, message.number)) {
         session_.Info(3621, {}, 0);
     }
     if (ends_batch) {
         AbortBatch();
     }
-    if (Contains(kScopeErrors, message.number)) {
+    if (compiled) {
         throw ScopeAborted{};
     }
 }
@@ -257,17 +261,26 @@ void Interpreter::AbortBatch() {
 }
 
 Interpreter::Flow Interpreter::RunTry(const ast::TryStatement& statement) {
+    const int nesting = session_.nesting();
     const std::size_t caught = session_.caught.size();
+    const auto leave = [&] {
+        --tries_;
+        --tries_at_[nesting];
+    };
     ++tries_;
+    ++tries_at_[nesting];
     try {
         const Flow flow = RunList(statement.body);
-        --tries_;
+        leave();
         return flow;
     } catch (const Failure& failure) {
-        --tries_;
+        leave();
+        if (failure.uncaught_at == nesting) {
+            throw;
+        }
         session_.caught.push_back({failure.message});
     } catch (...) {
-        --tries_;
+        leave();
         throw;
     }
     Flow flow = Flow::Next;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -29,7 +30,9 @@ struct CallResult {
 /// An error on its way to a CATCH block, its message complete.
 struct Failure {
     Message message;
-    bool aborts_batch = false;
+    /// An error that was found when the statement was compiled is not caught in the frame that it stands in,
+    /// only in a caller's: the nesting at which no TRY takes it; 0 for any other error.
+    int uncaught_at = 0;
 };
 
 class Interpreter {
@@ -98,7 +101,9 @@ class Interpreter {
     SessionCore& session_;
     std::string goto_label_;
     std::int32_t return_value_ = 0;
-    int tries_ = 0; ///< TRY blocks that are open, in all frames
+    bool changes_rows_ = false;   ///< the running statement is INSERT, UPDATE or DELETE
+    int tries_ = 0;               ///< TRY blocks that are open, in all frames
+    std::map<int, int> tries_at_; ///< the same by nesting
 };
 
 /// The variables of a call: `actual` put into `formal`. Raises 201, 8144, 8145, 8146, 8143. For each actual

@@ -178,7 +178,8 @@ void Interpreter::SetOption(const ast::SetOptionStatement& set) {
 void Interpreter::Print(const ast::PrintStatement& print) {
     Type type;
     const Value value = ComputeExpression(session_, *print.value, &type);
-    const std::string text = IsNull(value) ? " " : ValueText(value, type);
+    std::string text = IsNull(value) ? std::string() : ValueText(value, type);
+    text = text.empty() ? " " : text; // As SQL Server sends an empty text.
     session_.Print({0, 0, 1, SubText(text, 0, 8000), session_.frame().procedure, session_.line});
 }
 
@@ -225,7 +226,7 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
         text = *known;
     }
     if (severity > 18) {
-        RaiseError(2754);
+        RaiseError(2754, {"18"});
     }
     severity = std::max<std::int64_t>(0, severity);
     const Message sent = {number,
@@ -236,7 +237,7 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
                           session_.line};
     session_.last_error = severity > 10 || raise.set_error ? number : 0;
     if (severity > 10 && tries_ > 0) {
-        throw Failure{sent, false};
+        throw Failure{sent};
     }
     session_.Print(sent);
 }
@@ -262,7 +263,7 @@ void Interpreter::Throw(const ast::ThrowStatement& statement) {
     if (tries_ > 0) {
         session_.doomed =
             session_.doomed || (session_.options.xact_abort && session_.transaction_count() > 0);
-        throw Failure{message, true};
+        throw Failure{message};
     }
     session_.Print(message);
     AbortBatch();

@@ -307,7 +307,8 @@ void Parser::SyntaxError() const {
 }
 
 void Parser::Fail(std::int32_t number, std::initializer_list<std::string_view> arguments) const {
-    throw LocatedError(ErrorOf(number, arguments), Peek().line);
+    constexpr std::int32_t kUndeclared = 137; // The one error here whose state isn't 1.
+    throw LocatedError(ErrorOf(number, arguments, number == kUndeclared ? 2 : 1), Peek().line);
 }
 
 void Parser::Unsupported(std::string_view what) const {

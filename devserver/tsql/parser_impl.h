@@ -118,6 +118,7 @@ class Parser {
     ast::TableSourcePtr ParseJoined();
     ast::TableSourcePtr ParseTableSource();
     ast::TableSourcePtr ParseParenthesizedSource();
+    ast::QueryPtr ParseValues();
     bool ParseJoinKind(ast::JoinKind& kind);
     void SkipTableHints();
     void SkipQueryOptions();

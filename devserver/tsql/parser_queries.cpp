@@ -282,15 +282,40 @@ TableSourcePtr Parser::ParseJoined() {
     return left;
 }
 
+/// "VALUES (1, 2), (3, 4)" as a query: SELECT 1, 2 UNION ALL SELECT 3, 4.
+QueryPtr Parser::ParseValues() {
+    auto query = std::make_unique<Query>();
+    query->line = Peek().line;
+    ExpectWord("VALUES");
+    do {
+        ExpectSymbol("(");
+        SelectCore row;
+        for (ExprPtr& value : ParseExprList()) {
+            row.items.emplace_back();
+            row.items.back().expr = std::move(value);
+        }
+        ExpectSymbol(")");
+        auto term = std::make_unique<QueryTerm>();
+        term->node = std::move(row);
+        if (query->body) {
+            auto both = std::make_unique<QueryTerm>();
+            both->node = SetOperation{SetOp::UnionAll, std::move(query->body), std::move(term)};
+            term = std::move(both);
+        }
+        query->body = std::move(term);
+    } while (TakeSymbol(","));
+    return query;
+}
+
 TableSourcePtr Parser::ParseParenthesizedSource() {
     ExpectSymbol("(");
-    if (!BeginsQuery()) {
+    if (!BeginsQuery() && !IsWord("VALUES")) {
         TableSourcePtr inner = ParseJoined();
         ExpectSymbol(")");
         return inner;
     }
     DerivedSource derived;
-    derived.query = ParseQuery();
+    derived.query = IsWord("VALUES") ? ParseValues() : ParseQuery();
     ExpectSymbol(")");
     ParseAlias(derived.alias);
     if (derived.alias.empty()) {

@@ -58,6 +58,10 @@ std::string RowWriter::TableName() const {
     return target_.catalogue == nullptr ? table_.name : table_.schema + "." + table_.name;
 }
 
+std::string RowWriter::IdentityKey() const {
+    return table_.alias + "." + std::to_string(table_.id);
+}
+
 std::string RowWriter::RowIdName(const TableDef& table) {
     for (const char* name : {"rowid", "_rowid_", "oid"}) {
         if (table.Find(name) == nullptr) {
@@ -137,6 +141,12 @@ void RowWriter::FillIdentity(std::size_t index, std::optional<Value>& value) {
                    known != session_.temporary_identities.end()) {
             identity_ = known->second;
         }
+        if (const auto given = session_.given_identities.find(IdentityKey());
+            given != session_.given_identities.end()) {
+            const bool ahead = !identity_ || (column.increment > 0 ? given->second > *identity_
+                                                                   : given->second < *identity_);
+            identity_ = ahead ? given->second : *identity_;
+        }
     }
     const bool scaled = IsDecimal(column.type.id);
     std::int64_t number = 0;
@@ -160,6 +170,7 @@ void RowWriter::FillIdentity(std::size_t index, std::optional<Value>& value) {
     }
     identity_dirty_ = true;
     identity_given_ = number;
+    session_.given_identities[IdentityKey()] = *identity_;
 }
 
 void RowWriter::Insert(std::vector<std::optional<Value>> given) {

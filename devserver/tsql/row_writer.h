@@ -66,6 +66,7 @@ class RowWriter {
                                       std::string_view column) const;
     std::string DatabaseName() const;
     std::string TableName() const;
+    std::string IdentityKey() const;
 
     SessionCore& session_;
     Target target_;

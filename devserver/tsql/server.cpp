@@ -140,7 +140,7 @@ void Server::RunBootstrap() {
     ClientSession session(*this, 1, request, "sa");
     BootstrapSink sink;
     for (const std::string_view batch : BootstrapBatches()) {
-        session.ExecuteBatch(batch, sink);
+        session.ExecuteBatch(batch.substr(batch.find_first_not_of('\n')), sink);
         if (!sink.error.empty()) {
             throw std::runtime_error("bootstrap: " + sink.error + " in " + std::string(batch.substr(0, 200)));
         }

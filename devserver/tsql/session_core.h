@@ -137,6 +137,8 @@ class SessionCore {
     std::int64_t NextTemporaryId() { return next_temporary_id_--; }
     /// The last identity of a temporary table.
     std::map<std::int64_t, std::int64_t> temporary_identities;
+    /// The last identity given in a table ("db7.12345"): a rollback does not give it back.
+    std::map<std::string, std::int64_t> given_identities;
 
     // ---- frames and variables
     Frame& frame() { return *frame_; }

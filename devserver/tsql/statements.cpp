@@ -82,7 +82,7 @@ void SelectIntoVariables(SessionCore& session, const ast::Query& query) {
         }
     }
     session.row_count = rows.count();
-    session.Done(Command::Select, rows.count());
+    session.Done(Command::None, std::nullopt);
 }
 
 /// SELECT … INTO: the table is made from the query's columns.

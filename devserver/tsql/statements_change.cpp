@@ -285,6 +285,7 @@ void RunTruncate(SessionCore& session, const ast::TruncateStatement& truncate) {
     }
     session.Write(target.table->alias, [&] {
         session.connection.Execute("DELETE FROM " + target.table->Qualified());
+        session.given_identities.erase(target.table->alias + "." + std::to_string(target.table->id));
         if (target.catalogue != nullptr) {
             target.catalogue->SetIdentityValue(target.table->id, std::nullopt);
         } else {

@@ -315,7 +315,7 @@ constexpr std::array kViews = {
         "is_identity bit, is_computed bit, default_object_id int",
         "SELECT c.object AS object_id, c.name, c.id AS column_id, t.xtype AS system_type_id, t.xtype AS "
         "user_type_id, " COLUMN_BYTES " AS max_length, coalesce(CASE WHEN t.type_name IN ('char', 'varchar', "
-                                      "'nchar', 'nvarchar', 'binary', "
+        "'nchar', 'nvarchar', 'binary', "
         "'varbinary') THEN 0 ELSE " COLUMN_DIGITS " END, 0) AS precision, coalesce(" COLUMN_SCALE
         ", 0) AS scale, "
         "CASE WHEN t.type_name IN ('char', 'varchar', 'nchar', 'nvarchar', 'text', 'ntext') THEN "

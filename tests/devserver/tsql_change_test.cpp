@@ -1,0 +1,289 @@
+// INSERT, UPDATE, DELETE: rows, identities, counts.
+#include "devserver/tsql_test_database.h"
+
+namespace devsql::test {
+namespace {
+
+using Change = TsqlTest;
+
+TEST_F(Change, InsertFillsDefaultsIdentitiesAndNulls) {
+    EXPECT_EQ(Run(R"(
+create table t (id int identity(100, 10), a varchar(5) null, b int not null default (7), c as a + '!')
+insert t (a) values ('x')
+insert t default values
+insert into t (b, a) values (default, 'y'), (9, null)
+select * from t
+select @@identity, scope_identity(), ident_current('t'), @@rowcount)"),
+              R"(
+(1)
+(1)
+(2)
+id|a|b|c
+100|x|7|x!
+110|NULL|7|NULL
+120|y|7|y!
+130|NULL|9|NULL
+(4)
+|||
+130|130|130|4
+(1)
+)");
+}
+
+TEST_F(Change, IdentityInsertTakesTheGivenValueAndGoesOnFromIt) {
+    EXPECT_EQ(Run(R"(
+create table t (id int identity, a int)
+set identity_insert t on
+insert t (id, a) values (50, 1)
+insert t (a) values (1)
+GO
+set identity_insert t off
+insert t (a) values (2)
+insert t (id, a) values (1, 1)
+GO
+select id from t)"),
+              R"(
+(1)
+Msg 545.16.1 L5: Explicit value must be specified for identity column in table 't' either when IDENTITY_INSERT is set to ON or when a replication user is inserting into a NOT FOR REPLICATION identity column.
+(1)
+Msg 544.16.1 L4: Cannot insert explicit value for identity column in table 't' when IDENTITY_INSERT is set to OFF.
+id
+50
+51
+(2)
+)");
+}
+
+TEST_F(Change, AnIdentityIsNotGivenTwiceAfterARollback) {
+    EXPECT_EQ(Run(R"(
+create table t (id int identity, a int not null)
+insert t values (1)
+insert t values (null)
+begin tran
+insert t values (2)
+rollback
+insert t values (3)
+select id from t)"),
+              R"(
+(1)
+Msg 515.16.2 L4: Cannot insert the value NULL into column 'a', table 'tempdb.dbo.t'; column does not allow nulls. INSERT fails.
+> The statement has been terminated.
+(1)
+(1)
+id
+1
+4
+(2)
+)");
+}
+
+TEST_F(Change, InsertFromSelectAndFromAProcedure) {
+    EXPECT_EQ(Run(R"(
+create table t (a int, b varchar(10))
+insert t select 1, 'x' union all select 2, 'y'
+insert t (b, a) select b, a + 10 from t
+GO
+create procedure p as select 7, 'z' select 8, 'w'
+GO
+insert t exec p
+insert t exec ('select 9, ''v''')
+select * from t order by a)"),
+              R"(
+(2)
+(2)
+(2)
+(1)
+a|b
+1|x
+2|y
+7|z
+8|w
+9|v
+11|x
+12|y
+(7)
+)");
+}
+
+TEST_F(Change, UpdateFromAJoinChangesEachRowOnce) {
+    EXPECT_EQ(Run(R"(
+create table t (id int, n int)
+create table s (id int, n int)
+insert t values (1, 0), (2, 0), (3, 0)
+insert s values (1, 5), (1, 6), (2, 7)
+update t set n = s.n from t join s on s.id = t.id
+update x set n = n + 1 from t x where x.id = 3
+select id, case when n > 0 then 'yes' end from t)"),
+              R"(
+(3)
+(3)
+(2)
+(1)
+id|
+1|yes
+2|yes
+3|yes
+(3)
+)");
+}
+
+TEST_F(Change, UpdateMayShiftAKeyOverItsNeighbours) {
+    EXPECT_EQ(Run(R"(
+create table t (id int primary key)
+insert t values (1), (2), (3)
+update t set id = id + 1
+select id from t order by id)"),
+              R"(
+(3)
+(3)
+id
+2
+3
+4
+(3)
+)");
+}
+
+TEST_F(Change, UpdateAssignsVariables) {
+    EXPECT_EQ(Run(R"(
+create table counter (n int)
+insert counter values (41)
+declare @old int, @new int
+update counter set @old = n, @new = n = n + 1
+select @old, @new, n from counter)"),
+              R"(
+(1)
+(1)
+||n
+41|42|42
+(1)
+)");
+}
+
+TEST_F(Change, DeleteWithJoinTopAndExists) {
+    EXPECT_EQ(Run(R"(
+create table t (id int)
+insert t values (1), (2), (3), (4), (5)
+delete from t where id = 1
+delete x from t x join (select 2 as id) y on y.id = x.id
+delete top (1) from t
+delete t where exists (select * from t z where z.id > t.id)
+select id from t
+delete t
+select @@rowcount)"),
+              R"(
+(5)
+(1)
+(1)
+(1)
+(1)
+id
+5
+(1)
+(1)
+
+1
+(1)
+)");
+}
+
+TEST_F(Change, TruncateStartsTheIdentityAnew) {
+    EXPECT_EQ(Run(R"(
+create table t (id int identity(5, 1), a int)
+insert t values (1), (2)
+truncate table t
+insert t values (3)
+select * from t)"),
+              R"(
+(2)
+(1)
+id|a
+5|3
+(1)
+)");
+}
+
+TEST_F(Change, SelectIntoMakesTheTable) {
+    EXPECT_EQ(Run(R"(
+create table t (id int identity, name varchar(10) not null, price money null)
+insert t values ('a', 1.5)
+select id, name, price * 2 as twice into copy from t
+insert copy (name) values ('b')
+select * from copy
+select column_name, data_type, is_nullable from information_schema.columns where table_name = 'copy')"),
+              R"(
+(1)
+(1)
+(1)
+id|name|twice
+1|a|3.0000
+2|b|NULL
+(2)
+column_name|data_type|is_nullable
+id|int|NO
+name|varchar|NO
+twice|money|YES
+(3)
+)");
+}
+
+TEST_F(Change, TimestampsRiseWithEveryChange) {
+    EXPECT_EQ(Run(R"(
+create table t (id int, stamp timestamp)
+insert t (id) values (1), (2)
+declare @before binary(8), @after binary(8)
+select @before = stamp from t where id = 1
+update t set id = 1 where id = 1
+select @after = stamp from t where id = 1
+select case when @after > @before then 'later' end, (select count(distinct stamp) from t)
+insert t values (1, 0x01))"),
+              R"(
+(2)
+(1)
+|
+later|2
+(1)
+Msg 213.16.1 L9: Column name or number of supplied values does not match table definition.
+)");
+}
+
+TEST_F(Change, ValuesOfEveryTypeComeBackAsTheyWere) {
+    EXPECT_EQ(Run(R"(
+create table t (a bit, b tinyint, c smallint, d bigint, e decimal(5,2), f money, g smallmoney, h real, i float, j datetime,
+    k smalldatetime, l char(4), m varchar(4), n nchar(4), o nvarchar(4), p text, q ntext, r binary(3), s varbinary(3),
+    u image, v uniqueidentifier, w varchar(max))
+insert t values (1, 255, -32768, 9223372036854775807, 999.99, -922337203685477.5808, 1.5, 0.5, 1e100, '99991231 23:59:59.997',
+    '2079-06-06', 'ab', 'ab', N'äöü', N'€', 'text', N'Ω', 0x01, 0x0102, 0xFF, '6F9619FF-8B86-D011-B42D-00C04FC964FF', 'x')
+insert t default values
+select * from t)"),
+              R"(
+(1)
+(1)
+a|b|c|d|e|f|g|h|i|j|k|l|m|n|o|p|q|r|s|u|v|w
+1|255|-32768|9223372036854775807|999.99|-922337203685477.5808|1.5000|0.5|1e+100|9999-12-31 23:59:59.997|2079-06-06 00:00:00.000|ab  |ab|äöü |€|text|Ω|0x010000|0x0102|0xFF|6F9619FF-8B86-D011-B42D-00C04FC964FF|x
+NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL
+(2)
+)");
+}
+
+TEST_F(Change, ATooLongTextIsRefusedAndBlanksAreCut) {
+    EXPECT_EQ(Run(R"(
+create table t (a varchar(3))
+insert t values ('abc  ')
+insert t values ('abcd')
+update t set a = 'wxyz'
+select a + '|' from t)"),
+              R"(
+(1)
+Msg 8152.16.1 L4: String or binary data would be truncated.
+> The statement has been terminated.
+Msg 8152.16.1 L5: String or binary data would be truncated.
+> The statement has been terminated.
+
+abc|
+(1)
+)");
+}
+
+} // namespace
+} // namespace devsql::test

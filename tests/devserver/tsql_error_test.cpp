@@ -1,0 +1,175 @@
+// The common mistakes and their numbers, and what is refused by name.
+#include "devserver/tsql_test_database.h"
+
+namespace devsql::test {
+namespace {
+
+class Mistakes : public TsqlTest {
+  protected:
+    Mistakes() {
+        client.Run(R"(
+create table t (id int not null primary key, name varchar(5) null, g uniqueidentifier null)
+create table u (id int not null)
+insert t values (1, 'a', null)
+)");
+    }
+
+    void Expect(std::initializer_list<std::pair<const char*, int>> cases) {
+        for (const auto& [sql, number] : cases) {
+            client.Run(sql);
+            ASSERT_FALSE(client.messages.empty()) << sql << ": no message, expected " << number;
+            EXPECT_EQ(client.messages.at(0).number, number) << sql << ": " << client.messages.at(0).text;
+        }
+    }
+};
+
+TEST_F(Mistakes, OfSyntax) {
+    Expect({{"select 1 from", 102},
+            {"select * from t where", 102},
+            {"select * form t", 102},
+            {"select from t", 156},
+            {"select id id2 id3 from t", 102},
+            {"select 'abc", 105},
+            {"select [abc", 105},
+            {"/* never ends", 113},
+            {"select * from t where id", 4145},
+            {"if 1 print 'x'", 4145},
+            {"begin end", 102},
+            {"print @x", 137},
+            {"declare @x int, @X int", 134},
+            {"break", 135},
+            {"continue", 136},
+            {"select 1 create procedure p as print 1", 111},
+            {"create nonsense x", 343}});
+}
+
+TEST_F(Mistakes, OfNames) {
+    Expect({{"select * from nosuch", 208},
+            {"select nosuch from t", 207},
+            {"select x.id from t", 4104},
+            {"select id from t, u", 209},
+            {"select * from t, t", 1013},
+            {"select * from t a, u a", 1011},
+            {"insert nosuch values (1)", 208},
+            {"insert t (nosuch) values (1)", 207},
+            {"update t set nosuch = 1", 207},
+            {"delete nosuch", 208},
+            {"use nosuch", 911},
+            {"select * from nosuch..t", 911},
+            {"select * from server.db.dbo.t", 7202},
+            {"exec nosuch", 2812},
+            {"select nosuch(1)", 195},
+            {"select @@nosuch", 137},
+            {"drop table nosuch", 3701},
+            {"exec sp_helptext nosuch", 15009},
+            {"exec sp_help nosuch", 15009}});
+}
+
+TEST_F(Mistakes, OfTypesAndValues) {
+    Expect({{"select convert(int, 'abc')", 245},
+            {"select convert(datetime, 'abc')", 241},
+            {"select convert(datetime, '20241301')", 242},
+            {"select convert(uniqueidentifier, 'abc')", 8169},
+            {"select convert(decimal(5,2), 'abc')", 8114},
+            {"select convert(tinyint, 256)", 220},
+            {"select 2147483647 + 1", 8115},
+            {"select 1 / 0", 8134},
+            {"select convert(int, g) from t", 529},
+            {"select * from t where g = 1", 206},
+            {"select left('a')", 174},
+            {"select 1 union select 1, 2", 205},
+            {"select 1 union select g from t", 206},
+            {"insert t values (1)", 213},
+            {"insert t (id) values (1, 2)", 110},
+            {"insert t (id, name) values (1)", 109},
+            {"insert t (id) select 1, 2", 121},
+            {"insert t (id, name) select 1", 120},
+            {"insert t (id, id) values (1, 1)", 264},
+            {"insert t values (1, 'b', null)", 2627},
+            {"insert t values (null, 'b', null)", 515},
+            {"insert t values (2, 'too long', null)", 8152},
+            {"select (select 1 union select 2)", 512},
+            {"select * from t where id in (select id, name from t)", 116},
+            {"select * from t where count(*) = 1", 147},
+            {"select max(count(*)) from t", 130},
+            {"select top 1 id, case when 1 = 1 then null else null end from t", 8133},
+            {"create table x (a text, primary key (a))", 1919},
+            {"declare @x text", 2739},
+            {"return 5", 178},
+            {"commit", 3902},
+            {"rollback", 3903},
+            {"create database master", 1801},
+            {"drop database master", 3708},
+            {"drop database nosuch", 3701},
+            {"kill 9999", 6106}});
+}
+
+TEST_F(Mistakes, WhatIsNotSupportedIsRefusedByName) {
+    Expect({{"create trigger x on t for insert as print 1", 40510},
+            {"create function f () returns int as begin return 1 end", 40510},
+            {"backup database master to disk = 'x'", 40510},
+            {"restore database master from disk = 'x'", 40510},
+            {"bulk insert t from 'x'", 40510},
+            {"merge t using u on 1 = 1 when matched then delete", 40510},
+            {"create rule r as @x > 1", 40510},
+            {"select * from openquery(x, 'y')", 40517},
+            {"select * from t for xml auto", 40517},
+            {"select id from t group by id with rollup", 40517},
+            {"select top 1 with ties id from t order by id", 40517},
+            {"select * from t cross apply u", 40517},
+            {"select dbo.f(1)", 40517},
+            {"insert t output inserted.id values (5, '', null)", 40517},
+            {"create table ##t (a int)", 40517},
+            {"alter database tempdb set offline", 40517},
+            {"begin distributed transaction", 40517},
+            {"declare @x xml", 2715},
+            {"declare @x date", 2715},
+            {"select * from t with (nosuchhint)", 321}});
+}
+
+TEST_F(Mistakes, OfSyntaxAreToldBeforeAnythingRuns) {
+    EXPECT_EQ(Run("print 'first'\nselect * form t"), "\nMsg 102.15.1 L2: Incorrect syntax near 'form'.\n");
+}
+
+TEST_F(Mistakes, NameTheirLine) {
+    EXPECT_EQ(Run("print 'a'\n\nselect *\nfrom nosuch"),
+              "\n> a\nMsg 208.16.1 L3: Invalid object name 'nosuch'.\n");
+}
+
+TEST_F(Mistakes, TheBatchEndsWhereSqlServerEndsIt) {
+    EXPECT_EQ(
+        Run("insert t values (1, '', null) print 'goes on'"),
+        "\nMsg 2627.14.1 L1: Violation of PRIMARY KEY constraint 'PK__t__D7C2D6D6'. Cannot insert duplicate "
+        "key in "
+        "object 'dbo.t'. The duplicate key value is (1).\n> The statement has been terminated.\n> goes on\n");
+    EXPECT_EQ(Run("select * from nosuch print 'not'"), "\nMsg 208.16.1 L1: Invalid object name 'nosuch'.\n");
+    EXPECT_EQ(Run("exec nosuch print 'goes on'").substr(0, 4), "\nMsg");
+}
+
+TEST_F(Mistakes, HostileTextsEndInAnErrorAndNotInACrash) {
+    const std::string deep = "select " + std::string(5000, '(') + "1" + std::string(5000, ')');
+    client.Run(deep);
+    EXPECT_EQ(client.messages.at(0).number, 191);
+    std::string blocks;
+    for (int i = 0; i < 3000; ++i) {
+        blocks += "begin ";
+    }
+    client.Run(blocks);
+    EXPECT_EQ(client.messages.at(0).number, 191);
+    std::string chain = "select 1";
+    for (int i = 0; i < 20000; ++i) {
+        chain += " + 1";
+    }
+    client.Run(chain);
+    EXPECT_FALSE(client.messages.empty() && client.last_row.empty());
+    std::string ors = "select 1 where 1 = 0";
+    for (int i = 0; i < 20000; ++i) {
+        ors += " or 1 = 0";
+    }
+    client.Run(ors);
+    client.Run("print 'alive'");
+    EXPECT_EQ(client.messages.at(0).text, "alive");
+}
+
+} // namespace
+} // namespace devsql::test

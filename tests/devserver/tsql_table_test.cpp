@@ -1,0 +1,215 @@
+// CREATE, ALTER and DROP of tables and indexes; temporary tables, table variables, user types.
+#include "devserver/tsql_test_database.h"
+
+namespace devsql::test {
+namespace {
+
+using Tables = TsqlTest;
+
+TEST_F(Tables, AlterTableAddsChangesAndDropsColumns) {
+    EXPECT_EQ(Run(R"(
+create table t (id int not null, a varchar(5))
+insert t values (1, '12'), (2, '34')
+alter table t add b int null, c int not null default 9, n int identity
+select * from t
+alter table t alter column a int
+select a + 1 from t
+alter table t drop column b
+select * from t)"),
+              R"(
+(2)
+id|a|b|c|n
+1|12|NULL|9|1
+2|34|NULL|9|2
+(2)
+
+13
+35
+(2)
+id|a|c|n
+1|12|9|1
+2|34|9|2
+(2)
+)");
+}
+
+TEST_F(Tables, AlterTableRefusesWhatTheRowsCannotBear) {
+    EXPECT_EQ(Run(R"(
+create table t (id int null)
+insert t values (null)
+GO
+alter table t alter column id int not null
+GO
+alter table t add b int not null
+GO
+alter table t alter column nosuch int
+GO
+alter table nosuch add x int)"),
+              R"(
+(1)
+Msg 515.16.2 L1: Cannot insert the value NULL into column 'id', table 'tempdb.dbo.t'; column does not allow nulls. ALTER TABLE fails.
+Msg 4901.16.1 L1: ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition specified, or the column being added is an identity or timestamp column, or alternatively if none of the previous conditions are satisfied the table must be empty to allow addition of this column. Column 'b' cannot be added to non-empty table 't' because it does not satisfy these conditions.
+Msg 4924.16.1 L1: ALTER TABLE ALTER COLUMN failed because column 'nosuch' does not exist in table 't'.
+Msg 4902.16.1 L1: Cannot find the object "nosuch" because it does not exist or you do not have permissions.
+)");
+}
+
+TEST_F(Tables, AUniqueIndexOverDuplicatesIsRefused) {
+    EXPECT_EQ(Run(R"(
+create table t (a varchar(5))
+insert t values ('x'), ('X')
+create unique index ix on t (a))"),
+              R"(
+(2)
+Msg 1505.16.1 L4: The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo.t' and the index name 'ix'. The duplicate key value is (x).
+)");
+}
+
+TEST_F(Tables, DefinitionErrorsHaveTheirNumbers) {
+    client.Run("create table t (id int primary key, c varchar(10))\nGO\ncreate clustered index ci on t (c)");
+    const std::pair<const char*, int> cases[] = {
+        {"create table t (id int)", 2714},
+        {"create table x (a int, A int)", 2705},
+        {"create table x (a nosuchtype)", 2715},
+        {"create table x (a int identity, b int identity)", 2744},
+        {"create table x (a varchar(10) identity)", 2749},
+        {"create table x (a int primary key, b int primary key)", 8110},
+        {"create table x (a varchar(9000))", 131},
+        {"create table nosuch.x (a int)", 2760},
+        {"alter table t add constraint pk2 primary key (c)", 1779},
+        {"create clustered index ci2 on t (c)", 1902},
+        {"create index ci on t (id)", 1913},
+        {"create index i on t (nosuch)", 1911},
+        {"create index i on nosuch (a)", 1088},
+        {"drop index t.nosuch", 3701},
+        {"drop table nosuch", 3701},
+        {"drop view t", 3705},
+        {"exec sp_addtype 'int', 'int'", 219},
+    };
+    for (const auto& [sql, number] : cases) {
+        client.Run(sql);
+        ASSERT_FALSE(client.messages.empty()) << sql;
+        EXPECT_EQ(client.messages.at(0).number, number) << sql << ": " << client.messages.at(0).text;
+    }
+}
+
+TEST_F(Tables, TemporaryTablesBelongToTheirSession) {
+    EXPECT_EQ(
+        Run("create table #t (a int)\ninsert #t values (1)\nGO\nselect * from #t\nselect a into #u from #t"),
+        R"(
+(1)
+a
+1
+(1)
+(1)
+)");
+    Client other = server.Login("tempdb");
+    EXPECT_EQ(other.Run("select * from #t"), "Msg 208.16.1 L1: Invalid object name '#t'.\n");
+    EXPECT_EQ(other.Run("create table #t (b int) select * from #t"), "b\n(0)\n");
+    EXPECT_EQ(Run("drop table #t\nselect object_id('tempdb..#t')\nselect * from #u"),
+              "\n\nNULL\n(1)\na\n1\n(1)\n");
+}
+
+TEST_F(Tables, TableVariablesKeepTheirRowsThroughARollback) {
+    EXPECT_EQ(Run(R"(
+declare @log table (id int identity primary key, text varchar(20) default 'none')
+insert @log (text) values ('before')
+begin tran
+insert @log default values
+rollback
+select * from @log
+GO
+select * from @log)"),
+              R"(
+(1)
+(1)
+id|text
+1|before
+2|none
+(2)
+Msg 1087.15.1 L1: Must declare the table variable "@log".
+)");
+}
+
+TEST_F(Tables, ATemporaryTableMadeInATransactionGoesWithIt) {
+    EXPECT_EQ(Run("begin tran\ncreate table #t (a int)\nrollback\nselect * from #t"),
+              "\nMsg 208.16.1 L4: Invalid object name '#t'.\n");
+}
+
+TEST_F(Tables, UserTypesServeColumnsAndVariables) {
+    EXPECT_EQ(Run(R"(
+exec sp_addtype 'label', 'nvarchar(5)', 'NOT NULL'
+create table t (id int, a label, b dbo.label null)
+declare @x label
+set @x = N'abcdefgh'
+insert t values (1, @x, null)
+select * from t
+insert t values (2, null, null)
+GO
+exec sp_droptype 'label'
+drop table t
+exec sp_droptype 'label')"),
+              R"(
+(1)
+id|a|b
+1|abcde|NULL
+(1)
+Msg 515.16.2 L8: Cannot insert the value NULL into column 'a', table 'tempdb.dbo.t'; column does not allow nulls. INSERT fails.
+> The statement has been terminated.
+Msg 3732.16.1 sp_droptype L1: Cannot drop type 'label' because it is being referenced by object 't'. There may be other objects that reference this type.
+return -6
+)");
+}
+
+TEST_F(Tables, SpRenameRenamesTablesColumnsAndIndexes) {
+    EXPECT_EQ(Run(R"(
+create table t (a int constraint pk_t primary key)
+insert t values (1)
+exec sp_rename 't', 'u'
+exec sp_rename 'u.a', 'b', 'COLUMN'
+select b from u
+insert u values (1)
+GO
+select * from t)"),
+              R"(
+(1)
+> Caution: Changing any part of an object name could break scripts and stored procedures.
+> Caution: Changing any part of an object name could break scripts and stored procedures.
+b
+1
+(1)
+Msg 2627.14.1 L7: Violation of PRIMARY KEY constraint 'pk_t'. Cannot insert duplicate key in object 'dbo.u'. The duplicate key value is (1).
+> The statement has been terminated.
+Msg 208.16.1 L1: Invalid object name 't'.
+)");
+}
+
+TEST_F(Tables, NamesWithBlanksQuotesAndOwnWordsWork) {
+    EXPECT_EQ(Run(R"(
+create table [my "odd" table] ([select] int, [a b] int, [rowid] int, [c]]d] int)
+insert [my "odd" table] values (1, 2, 3, 4)
+update [my "odd" table] set [a b] = [select] + 5
+select [a b], "rowid", [c]]d] from dbo.[MY "ODD" TABLE]
+create table sqlite_master (x int)
+insert sqlite_master values (1)
+select x from sqlite_master
+create table devsql_objects (y int)
+select count(*) from devsql_objects)"),
+              R"(
+(1)
+(1)
+a b|rowid|c]d
+6|3|4
+(1)
+(1)
+x
+1
+(1)
+
+0
+(1)
+)");
+}
+
+} // namespace
+} // namespace devsql::test
