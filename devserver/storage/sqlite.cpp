@@ -281,8 +281,10 @@ void SqliteConnection::Execute(const std::string& text) {
 void SqliteConnection::Attach(const std::filesystem::path& file, const std::string& alias) {
     Execute("ATTACH " + QuoteText(file.string()) + " AS " + QuoteName(alias));
     try {
-        Execute("PRAGMA " + QuoteName(alias) + ".journal_mode=WAL; PRAGMA " + QuoteName(alias) +
-                ".synchronous=NORMAL");
+        if (!InTransaction()) { // Within one, neither can be changed; the file has its journal mode already.
+            Execute("PRAGMA " + QuoteName(alias) + ".journal_mode=WAL; PRAGMA " + QuoteName(alias) +
+                    ".synchronous=NORMAL");
+        }
     } catch (...) {
         Detach(alias);
         throw;

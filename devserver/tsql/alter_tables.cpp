@@ -140,8 +140,7 @@ void FillColumn(SessionCore& session, const Target& target, const ColumnDef& col
 void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const Target& target) {
     Catalogue& catalogue = *target.catalogue;
     const TablePtr before = catalogue.LoadTable(target.table->id);
-    TableDef empty = *before;
-    TableBuilder builder(session, &catalogue, empty);
+    TableBuilder builder(session, &catalogue, *before, true);
     for (const ast::ColumnDefinition& column : alter.definition.columns) {
         builder.AddColumn(column);
         for (const ast::Constraint& constraint : column.constraints) {
@@ -150,6 +149,7 @@ void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const
     }
     bool check = true;
     for (const ast::Constraint& constraint : alter.definition.constraints) {
+        builder.AddConstraint(constraint, "");
         if (constraint.kind == ast::ConstraintKind::PrimaryKey) {
             for (const ast::IndexColumn& key : constraint.columns) {
                 const ColumnDef* column = before->Find(key.name);
@@ -158,7 +158,6 @@ void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const
                 }
             }
         }
-        builder.AddConstraint(constraint, "");
         check = check && constraint.with_check;
     }
     TableDef& after = builder.table();

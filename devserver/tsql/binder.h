@@ -134,6 +134,7 @@ class Binder {
 
     // binder_expressions.cpp
     BoundPtr BindNode(const ast::Expr& expr, const Scope* scope);
+    BoundPtr BindLogic(const ast::LogicExpr& logic, const Scope* scope);
     BoundPtr BindCompare(ast::CompareOp op, BoundPtr left, BoundPtr right) const;
     BoundPtr BindInList(const ast::InListExpr& in, const Scope* scope);
     BoundPtr BindInQuery(const ast::InQueryExpr& in, const Scope* scope);

@@ -87,11 +87,7 @@ BoundPtr Binder::BindNode(const ast::Expr& expr, const Scope* scope) {
                 return BindCompare(e.op, std::move(left), BindValue(*e.right, scope));
             },
             [&](const ast::QuantifiedExpr& e) { return BindQuantified(e, scope); },
-            [&](const ast::LogicExpr& e) {
-                BoundPtr left = BindCondition(*e.left, scope);
-                return MakeCondition(e.conjunction ? BoundKind::And : BoundKind::Or,
-                                     {left, BindCondition(*e.right, scope)});
-            },
+            [&](const ast::LogicExpr& e) { return BindLogic(e, scope); },
             [&](const ast::NotExpr& e) {
                 return MakeCondition(BoundKind::Not, {BindCondition(*e.operand, scope)});
             },
@@ -112,6 +108,24 @@ BoundPtr Binder::BindNode(const ast::Expr& expr, const Scope* scope) {
             [&](const ast::CallExpr& e) { return BindCall(e, scope); },
         },
         expr.node);
+}
+
+/// "a AND b AND c" as one condition of three: a chain must not become as deep as it is long.
+BoundPtr Binder::BindLogic(const ast::LogicExpr& logic, const Scope* scope) {
+    std::vector<const ast::Expr*> operands = {logic.right.get()};
+    const ast::Expr* left = logic.left.get();
+    for (const auto* inner = std::get_if<ast::LogicExpr>(&left->node);
+         inner != nullptr && inner->conjunction == logic.conjunction;
+         inner = std::get_if<ast::LogicExpr>(&left->node)) {
+        operands.push_back(inner->right.get());
+        left = inner->left.get();
+    }
+    operands.push_back(left);
+    std::vector<BoundPtr> children;
+    for (auto operand = operands.rbegin(); operand != operands.rend(); ++operand) {
+        children.push_back(BindCondition(**operand, scope));
+    }
+    return MakeCondition(logic.conjunction ? BoundKind::And : BoundKind::Or, std::move(children));
 }
 
 BoundPtr Binder::BindCompare(ast::CompareOp op, BoundPtr left, BoundPtr right) const {

@@ -184,19 +184,42 @@ BoundQuery Binder::Unified(const BoundQuery& query, const std::vector<Type>& typ
 }
 
 BoundQuery Binder::BindSetOperation(const ast::SetOperation& operation, const Scope* outer) {
-    BoundQuery left = BindTerm(*operation.left, outer, nullptr);
-    BoundQuery right = BindTerm(*operation.right, outer, nullptr);
-    if (left.columns.size() != right.columns.size()) {
-        RaiseError(205);
+    // A chain of one operator is written flat: SQLite nests queries less deep than scripts are long.
+    std::vector<const ast::QueryTerm*> terms = {operation.right.get()};
+    const ast::QueryTerm* left = operation.left.get();
+    for (const auto* inner = std::get_if<ast::SetOperation>(&left->node);
+         inner != nullptr && inner->op == operation.op; inner = std::get_if<ast::SetOperation>(&left->node)) {
+        terms.push_back(inner->right.get());
+        left = inner->left.get();
     }
+    terms.push_back(left);
+    std::vector<BoundQuery> queries;
     std::vector<Type> types;
-    for (std::size_t i = 0; i < left.columns.size(); ++i) {
-        types.push_back(CommonType(left.columns[i].type, right.columns[i].type));
-        left.columns[i].nullable = left.columns[i].nullable || right.columns[i].nullable;
+    for (auto term = terms.rbegin(); term != terms.rend(); ++term) {
+        BoundQuery query = BindTerm(**term, outer, nullptr);
+        if (!queries.empty() && query.columns.size() != types.size()) {
+            RaiseError(205);
+        }
+        for (std::size_t i = 0; i < query.columns.size(); ++i) {
+            if (queries.empty()) {
+                types.push_back(query.columns[i].type);
+            } else {
+                types[i] = CommonType(types[i], query.columns[i].type);
+                queries[0].columns[i].nullable = queries[0].columns[i].nullable || query.columns[i].nullable;
+            }
+        }
+        queries.push_back(std::move(query));
     }
     constexpr std::string_view kWords[] = {" UNION ", " UNION ALL ", " EXCEPT ", " INTERSECT "};
-    BoundQuery bound = Unified(left, types);
-    bound.sql += std::string(kWords[static_cast<std::size_t>(operation.op)]) + Unified(right, types).sql;
+    const std::string word(kWords[static_cast<std::size_t>(operation.op)]);
+    constexpr std::size_t kGroup = 400; // SQLite takes 500 terms in one compound.
+    BoundQuery bound = Unified(queries[0], types);
+    for (std::size_t i = 1; i < queries.size(); ++i) {
+        if (i % kGroup == 0) {
+            bound.sql = "SELECT * FROM (" + bound.sql + ")";
+        }
+        bound.sql += word + Unified(queries[i], types).sql;
+    }
     return bound;
 }
 

@@ -228,7 +228,7 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
         session_.last_error = 0;
         session_.Push(frame);
         try {
-            result.status = system->run(call);
+            result.status = RunSystem(*system, call);
         } catch (...) {
             session_.Pop();
             throw;

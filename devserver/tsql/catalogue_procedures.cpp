@@ -360,10 +360,11 @@ TypeFacts FactsOf(const Type& type, bool nullable, bool identity) {
         std::int64_t form;
     };
     constexpr NullableForm kForms[] = {
-        {TypeId::Int, 38},       {TypeId::SmallInt, 38},      {TypeId::TinyInt, 38},
-        {TypeId::BigInt, 108},   {TypeId::Bit, 50},           {TypeId::Real, 109},
-        {TypeId::Float, 109},    {TypeId::Money, 110},        {TypeId::SmallMoney, 110},
-        {TypeId::DateTime, 111}, {TypeId::SmallDateTime, 111}};
+        {TypeId::Decimal, 106},      {TypeId::Numeric, 108},    {TypeId::Int, 38},
+        {TypeId::SmallInt, 38},      {TypeId::TinyInt, 38},     {TypeId::BigInt, 108},
+        {TypeId::Bit, 50},           {TypeId::Real, 109},       {TypeId::Float, 109},
+        {TypeId::Money, 110},        {TypeId::SmallMoney, 110}, {TypeId::DateTime, 111},
+        {TypeId::SmallDateTime, 111}};
     facts.ss_type = system.tds_type;
     for (const NullableForm& form : kForms) {
         if (nullable && form.id == type.id) {

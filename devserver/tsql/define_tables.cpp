@@ -86,8 +86,8 @@ TableDef NewTemporary(SessionCore& session, const std::string& name) {
 
 } // namespace
 
-TableBuilder::TableBuilder(SessionCore& session, Catalogue* catalogue, TableDef table)
-    : session_(session), catalogue_(catalogue), table_(std::move(table)) {}
+TableBuilder::TableBuilder(SessionCore& session, Catalogue* catalogue, TableDef table, bool altering)
+    : session_(session), catalogue_(catalogue), table_(std::move(table)), altering_(altering) {}
 
 std::string TableBuilder::MadeName(std::string_view prefix, std::string_view column) const {
     std::uint64_t hash = static_cast<std::uint64_t>(table_.id) * 2654435761U;
@@ -196,7 +196,7 @@ void TableBuilder::AddKey(const ast::Constraint& constraint, const std::string& 
     int highest = 1;
     for (const IndexDef& other : table_.indexes) {
         if (primary && other.primary_key) {
-            RaiseError(catalogue_ != nullptr && other.name != constraint.name ? 1779 : 8110, {table_.name});
+            RaiseError(altering_ ? 1779 : 8110, {table_.name});
         }
         if (other.clustered && index.clustered) {
             if (constraint.clustering_given) {

@@ -19,7 +19,7 @@ void DeclareTable(SessionCore& session, const std::string& name, const ast::Tabl
 class TableBuilder {
   public:
     /// `catalogue` is null for a temporary table.
-    TableBuilder(SessionCore& session, Catalogue* catalogue, TableDef table);
+    TableBuilder(SessionCore& session, Catalogue* catalogue, TableDef table, bool altering = false);
 
     void AddColumn(const ast::ColumnDefinition& column);
     void AddConstraint(const ast::Constraint& constraint, const std::string& column);
@@ -40,6 +40,7 @@ class TableBuilder {
     SessionCore& session_;
     Catalogue* catalogue_;
     TableDef table_;
+    bool altering_;
     std::vector<ForeignKeyDef> foreign_keys_;
 };
 

@@ -6,11 +6,15 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<MessageTemplate, 22> kOwnMessages = {{
+constexpr std::array<MessageTemplate, 23> kOwnMessages = {{
     {321, 15,
      "\"%1\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
      "function or to the CHANGETABLE function, ensure that your database compatibility mode is set to 90."},
     {1222, 16, "Lock request time out period exceeded."},
+    {8623, 16,
+     "The query processor ran out of internal resources and could not produce a query plan. This is a rare "
+     "event "
+     "and only expected for extremely complex queries. Please simplify the query."},
     {8624, 16, "Internal error of the development server: %1"},
     {420, 16, "The %1 data type cannot be used in an ORDER BY clause."},
     {596, 21, "Cannot continue the execution because the session is in the kill state."},

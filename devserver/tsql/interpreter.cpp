@@ -10,6 +10,7 @@
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/server.h"
 #include "devserver/tsql/statements.h"
+#include "devserver/tsql/system_procedures.h"
 
 namespace devsql {
 namespace {
@@ -70,6 +71,13 @@ SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
     case SQLITE_LOCKED:
         return session.options.lock_timeout >= 0 ? ErrorOf(1222, {}, 51)
                                                  : ErrorOf(1205, {std::to_string(session.id), "lock"}, 51);
+    case SQLITE_TOOBIG:
+    case SQLITE_ERROR: // A statement too large for SQLite: depth, columns, terms of a compound.
+        return std::string_view(error.what()).find("oo many") != std::string_view::npos ||
+                       std::string_view(error.what()).find("oo large") != std::string_view::npos ||
+                       std::string_view(error.what()).find("stack overflow") != std::string_view::npos
+                   ? ErrorOf(8623)
+                   : ErrorOf(8624, {error.what()});
     case SQLITE_FULL:
         return ErrorOf(1105, {"", "", "PRIMARY"}, 2);
     default:
@@ -188,6 +196,23 @@ void Interpreter::RunScope(const ast::StatementList& list) {
     }
 }
 
+/// An error in a system procedure is the procedure's own: it is told in its name and the call gives 1.
+std::int32_t Interpreter::RunSystem(const SystemProcedure& procedure, SystemCall& call) {
+    constexpr std::int32_t kFailed = 1;
+    try {
+        try {
+            return procedure.run(call);
+        } catch (const SqlError& error) {
+            Report(error);
+        } catch (const StorageError& error) {
+            Report(error);
+        }
+    } catch (const ScopeAborted&) {
+        return kFailed;
+    }
+    return kFailed;
+}
+
 Interpreter::Flow Interpreter::RunList(const ast::StatementList& list) {
     for (std::size_t i = 0; i < list.size(); ++i) {
         const Flow flow = RunStatement(*list[i]);
@@ -242,7 +267,7 @@ void Interpreter::Report(const SqlError& error) {
         throw Failure{message, compiled ? session_.nesting() : 0};
     }
     session_.Print(message);
-    if (changes_rows_ && Contains(kRowErrors, message.number)) {
+    if (changes_rows_ && !ends_batch && Contains(kRowErrors, message.number)) {
         session_.Info(3621, {}, 0);
     }
     if (ends_batch) {

@@ -12,6 +12,9 @@
 
 namespace devsql {
 
+struct SystemProcedure;
+class SystemCall;
+
 /// What a caller hands to a parameter.
 struct ActualArgument {
     std::string name; ///< with "@"; empty: by position
@@ -57,6 +60,7 @@ class Interpreter {
     enum class Flow : std::uint8_t { Next, Break, Continue, Return, Goto };
 
     // interpreter.cpp
+    std::int32_t RunSystem(const SystemProcedure& procedure, SystemCall& call);
     void RunGuarded(const std::function<void()>& work);
     Flow RunList(const ast::StatementList& list);
     /// A procedure's body: errors that end a scope end here.

@@ -12,7 +12,7 @@ namespace {
 constexpr int kDeepest = 250;
 
 /// Sorted. The reserved words of SQL Server 2000, which its successors kept.
-constexpr std::array<std::string_view, 173> kReservedWords = {"ADD",
+constexpr std::array<std::string_view, 174> kReservedWords = {"ADD",
                                                               "ALL",
                                                               "ALTER",
                                                               "AND",
@@ -107,6 +107,7 @@ constexpr std::array<std::string_view, 173> kReservedWords = {"ADD",
                                                               "LIKE",
                                                               "LINENO",
                                                               "LOAD",
+                                                              "MERGE",
                                                               "NATIONAL",
                                                               "NOCHECK",
                                                               "NONCLUSTERED",
@@ -381,9 +382,9 @@ void Parser::Declare(const std::string& variable) {
     }
 }
 
-void Parser::RequireDeclared(const std::string& variable) const {
+void Parser::RequireDeclared(const std::string& variable, std::int32_t error) const {
     if (!variable.starts_with("@@") && !declared_.contains(ToUpper(variable))) {
-        Fail(137, {variable});
+        Fail(error, {variable});
     }
 }
 

@@ -63,6 +63,14 @@ bool Contains(const std::string_view (&words)[Count], const Token& token) {
 
 } // namespace
 
+/// "a + b + c + …" makes a tree as deep as it is long.
+void Parser::RequireShort(int links) const {
+    constexpr int kLongest = 900;
+    if (links > kLongest) {
+        Fail(191);
+    }
+}
+
 ast::ExprPtr Parser::ParseExpr() {
     const Depth depth(*this);
     return ParseOr();
@@ -88,7 +96,8 @@ ast::ExprPtr Parser::ParseValue() {
 
 ast::ExprPtr Parser::ParseOr() {
     ast::ExprPtr left = ParseAnd();
-    while (IsWord("OR")) {
+    for (int links = 0; IsWord("OR"); ++links) {
+        RequireShort(links);
         if (!IsPredicate(*left)) {
             Fail(4145, {Peek().text});
         }
@@ -104,7 +113,8 @@ ast::ExprPtr Parser::ParseOr() {
 
 ast::ExprPtr Parser::ParseAnd() {
     ast::ExprPtr left = ParseNot();
-    while (IsWord("AND")) {
+    for (int links = 0; IsWord("AND"); ++links) {
+        RequireShort(links);
         if (!IsPredicate(*left)) {
             Fail(4145, {Peek().text});
         }
@@ -196,7 +206,8 @@ ast::ExprPtr Parser::ParseComparison(ast::ExprPtr left, CompareOp op) {
 
 ast::ExprPtr Parser::ParseAdditive() {
     ast::ExprPtr left = ParseMultiplicative();
-    while (true) {
+    for (int links = 0;; ++links) {
+        RequireShort(links);
         const OperatorSymbol* found = nullptr;
         for (const OperatorSymbol& candidate : kAdditive) {
             if (IsSymbol(candidate.symbol)) {
@@ -216,7 +227,8 @@ ast::ExprPtr Parser::ParseAdditive() {
 
 ast::ExprPtr Parser::ParseMultiplicative() {
     ast::ExprPtr left = ParseUnary();
-    while (true) {
+    for (int links = 0;; ++links) {
+        RequireShort(links);
         const OperatorSymbol* found = nullptr;
         for (const OperatorSymbol& candidate : kMultiplicative) {
             if (IsSymbol(candidate.symbol)) {

@@ -64,11 +64,12 @@ class Parser {
     ast::Name TakeObjectName();
     std::string TakeVariable();
     void Declare(const std::string& variable);
-    void RequireDeclared(const std::string& variable) const;
+    void RequireDeclared(const std::string& variable, std::int32_t error = 137) const;
     std::string Text(std::size_t begin, std::size_t end) const;
     std::size_t PreviousEnd() const;
 
     // ---- expressions (parser_expressions.cpp)
+    void RequireShort(int links) const;
     ast::ExprPtr ParseExpr();
     ast::ExprPtr ParseCondition();
     ast::ExprPtr ParseValue();

@@ -72,7 +72,8 @@ std::vector<CommonTable> Parser::ParseWith() {
 
 QueryTermPtr Parser::ParseUnion() {
     QueryTermPtr left = ParseIntersect();
-    while (IsWord("UNION") || IsWord("EXCEPT")) {
+    for (int links = 0; IsWord("UNION") || IsWord("EXCEPT"); ++links) {
+        RequireShort(links);
         SetOp op = SetOp::Except;
         if (AsciiEqual(Take().text, "UNION")) {
             op = TakeWord("ALL") ? SetOp::UnionAll : SetOp::Union;
@@ -335,7 +336,7 @@ TableSourcePtr Parser::ParseTableSource() {
     }
     NamedSource named;
     if (Peek().kind == TokenKind::Variable) {
-        RequireDeclared(Peek().text);
+        RequireDeclared(Peek().text, 1087);
         named.name.parts = {Take().text};
     } else {
         for (const std::string_view function :
@@ -418,7 +419,7 @@ InsertStatement Parser::ParseInsert() {
     insert.top = ParseTop();
     TakeWord("INTO");
     if (Peek().kind == TokenKind::Variable) {
-        RequireDeclared(Peek().text);
+        RequireDeclared(Peek().text, 1087);
         insert.table.parts = {Take().text};
     } else {
         insert.table = TakeObjectName();
@@ -510,7 +511,7 @@ UpdateStatement Parser::ParseUpdate() {
     ExpectWord("UPDATE");
     update.top = ParseTop();
     if (Peek().kind == TokenKind::Variable) {
-        RequireDeclared(Peek().text);
+        RequireDeclared(Peek().text, 1087);
         update.table.parts = {Take().text};
     } else {
         update.table = TakeObjectName();
@@ -537,7 +538,7 @@ DeleteStatement Parser::ParseDelete() {
     statement.top = ParseTop();
     TakeWord("FROM");
     if (Peek().kind == TokenKind::Variable) {
-        RequireDeclared(Peek().text);
+        RequireDeclared(Peek().text, 1087);
         statement.table.parts = {Take().text};
     } else {
         statement.table = TakeObjectName();

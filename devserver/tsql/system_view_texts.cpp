@@ -78,7 +78,7 @@ constexpr std::array kViews = {
         "('char', "
         "'varchar', 'nchar', 'nvarchar', 'text', 'ntext') THEN 'SQL_Latin1_General_CP1_CI_AS' END AS "
         "collation "
-        "FROM {db}.devsql_columns c JOIN {types} t ON t.type = c.type"},
+        "FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type"},
     SystemViewSource{
         "", "sysindexes",
         "id int, status int, first binary(6), indid smallint, root binary(6), minlen smallint, keycnt "
@@ -323,19 +323,20 @@ constexpr std::array kViews = {
         "is_ansi_padded, c.row_guid AS "
         "is_rowguidcol, c.identity AS is_identity, coalesce(c.computed, '') <> '' AS is_computed, "
         "coalesce(c.default_id, 0) AS "
-        "default_object_id FROM {db}.devsql_columns c JOIN {types} t ON t.type = c.type JOIN "
+        "default_object_id FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN "
         "{db}.devsql_objects o ON "
         "o.id = c.object AND o.type IN ('U', 'V')"},
-    SystemViewSource{"sys", "parameters",
-                     "object_id int, name sysname, parameter_id int, system_type_id tinyint, user_type_id "
-                     "int, max_length smallint, "
-                     "precision tinyint, scale tinyint, is_output bit, has_default_value bit",
-                     "SELECT c.object AS object_id, c.name, c.id AS parameter_id, t.xtype AS system_type_id, "
-                     "t.xtype AS user_type_id, " COLUMN_BYTES
-                     " AS max_length, c.precision, c.scale, c.output AS is_output, 0 AS has_default_value "
-                     "FROM {db}.devsql_columns c JOIN {types} t ON t.type = c.type JOIN {db}.devsql_objects "
-                     "o ON o.id = c.object AND "
-                     "o.type = 'P'"},
+    SystemViewSource{
+        "sys", "parameters",
+        "object_id int, name sysname, parameter_id int, system_type_id tinyint, user_type_id "
+        "int, max_length smallint, "
+        "precision tinyint, scale tinyint, is_output bit, has_default_value bit",
+        "SELECT c.object AS object_id, c.name, c.id AS parameter_id, t.xtype AS system_type_id, "
+        "t.xtype AS user_type_id, " COLUMN_BYTES
+        " AS max_length, c.precision, c.scale, c.output AS is_output, 0 AS has_default_value "
+        "FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN {db}.devsql_objects "
+        "o ON o.id = c.object AND "
+        "o.type = 'P'"},
     SystemViewSource{"sys", "identity_columns",
                      "object_id int, name sysname, column_id int, seed_value bigint, increment_value bigint, "
                      "last_value bigint",
@@ -527,7 +528,7 @@ constexpr std::array kViews = {
         "- 1) END AS "
         "DOMAIN_SCHEMA, CASE WHEN coalesce(c.user_type, '') LIKE '%.%' THEN substr(c.user_type, "
         "instr(c.user_type, '.') + 1) "
-        "END AS DOMAIN_NAME FROM {db}.devsql_columns c JOIN {types} t ON t.type = c.type JOIN "
+        "END AS DOMAIN_NAME FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN "
         "{db}.devsql_objects o ON o.id = "
         "c.object AND o.type IN ('U', 'V')"},
     SystemViewSource{"INFORMATION_SCHEMA", "ROUTINES",
@@ -543,24 +544,24 @@ constexpr std::array kViews = {
                      "o.encrypted THEN NULL ELSE substr(o.text, 1, 4000) END AS ROUTINE_DEFINITION, "
                      "o.created AS CREATED, o.created AS "
                      "LAST_ALTERED FROM {db}.devsql_objects o WHERE o.type = 'P'"},
-    SystemViewSource{"INFORMATION_SCHEMA", "PARAMETERS",
-                     "SPECIFIC_CATALOG sysname, SPECIFIC_SCHEMA sysname, SPECIFIC_NAME sysname, "
-                     "ORDINAL_POSITION int, PARAMETER_MODE "
-                     "nvarchar(10), IS_RESULT nvarchar(10), PARAMETER_NAME sysname, DATA_TYPE sysname, "
-                     "CHARACTER_MAXIMUM_LENGTH int, "
-                     "NUMERIC_PRECISION tinyint, NUMERIC_SCALE int",
-                     "SELECT {name} AS SPECIFIC_CATALOG, o.schema AS SPECIFIC_SCHEMA, o.name AS "
-                     "SPECIFIC_NAME, c.id AS ORDINAL_POSITION, "
-                     "CASE WHEN c.output THEN 'INOUT' ELSE 'IN' END AS PARAMETER_MODE, 'NO' AS IS_RESULT, "
-                     "c.name AS PARAMETER_NAME, "
-                     "t.type_name AS DATA_TYPE, CASE WHEN t.type_name IN ('char', 'varchar', 'nchar', "
-                     "'nvarchar', 'binary', 'varbinary') "
-                     "THEN c.length END AS CHARACTER_MAXIMUM_LENGTH, CASE WHEN t.type_name IN ('decimal', "
-                     "'numeric') THEN c.precision "
-                     "WHEN t.digits > 0 THEN t.digits END AS NUMERIC_PRECISION, " COLUMN_SCALE
-                     " AS NUMERIC_SCALE FROM "
-                     "{db}.devsql_columns c JOIN {types} t ON t.type = c.type JOIN {db}.devsql_objects o ON "
-                     "o.id = c.object AND o.type = 'P'"},
+    SystemViewSource{
+        "INFORMATION_SCHEMA", "PARAMETERS",
+        "SPECIFIC_CATALOG sysname, SPECIFIC_SCHEMA sysname, SPECIFIC_NAME sysname, "
+        "ORDINAL_POSITION int, PARAMETER_MODE "
+        "nvarchar(10), IS_RESULT nvarchar(10), PARAMETER_NAME sysname, DATA_TYPE sysname, "
+        "CHARACTER_MAXIMUM_LENGTH int, "
+        "NUMERIC_PRECISION tinyint, NUMERIC_SCALE int",
+        "SELECT {name} AS SPECIFIC_CATALOG, o.schema AS SPECIFIC_SCHEMA, o.name AS "
+        "SPECIFIC_NAME, c.id AS ORDINAL_POSITION, "
+        "CASE WHEN c.output THEN 'INOUT' ELSE 'IN' END AS PARAMETER_MODE, 'NO' AS IS_RESULT, "
+        "c.name AS PARAMETER_NAME, "
+        "t.type_name AS DATA_TYPE, CASE WHEN t.type_name IN ('char', 'varchar', 'nchar', "
+        "'nvarchar', 'binary', 'varbinary') "
+        "THEN c.length END AS CHARACTER_MAXIMUM_LENGTH, CASE WHEN t.type_name IN ('decimal', "
+        "'numeric') THEN c.precision "
+        "WHEN t.digits > 0 THEN t.digits END AS NUMERIC_PRECISION, " COLUMN_SCALE " AS NUMERIC_SCALE FROM "
+        "{db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN {db}.devsql_objects o ON "
+        "o.id = c.object AND o.type = 'P'"},
     SystemViewSource{"INFORMATION_SCHEMA", "TABLE_CONSTRAINTS",
                      "CONSTRAINT_CATALOG sysname, CONSTRAINT_SCHEMA sysname, CONSTRAINT_NAME sysname, "
                      "TABLE_CATALOG sysname, TABLE_SCHEMA "

@@ -46,7 +46,7 @@ select id from t)"),
 (1)
 Msg 545.16.1 L5: Explicit value must be specified for identity column in table 't' either when IDENTITY_INSERT is set to ON or when a replication user is inserting into a NOT FOR REPLICATION identity column.
 (1)
-Msg 544.16.1 L4: Cannot insert explicit value for identity column in table 't' when IDENTITY_INSERT is set to OFF.
+Msg 544.16.1 L3: Cannot insert explicit value for identity column in table 't' when IDENTITY_INSERT is set to OFF.
 id
 50
 51

@@ -122,7 +122,7 @@ print 'goes on')"),
               R"(
 Msg 208.16.1 L1: Invalid object name 'nosuch'.
 > caught Invalid object name 'nosuch'.
-Msg 208.16.1 broken L1: Invalid object name 'nosuch'.
+Msg 208.16.1 broken L2: Invalid object name 'nosuch'.
 return -6
 > goes on
 )");
@@ -180,8 +180,8 @@ open c)"),
 id|name
 1|a
 (1)
-Msg 16917.16.2 L20: Cursor is not open.
-Msg 16916.16.1 L22: A cursor with the name 'c' does not exist.
+Msg 16917.16.1 L19: Cursor is not open.
+Msg 16916.16.1 L21: A cursor with the name 'c' does not exist.
 )");
 }
 
@@ -231,7 +231,7 @@ Msg 16916.16.1 L1: A cursor with the name 'l' does not exist.
 TEST_F(Control, SetOptionsAreKnownOrRefused) {
     EXPECT_EQ(Run("set nocount on\nselect 1\nset nocount off\nset ansi_warnings, arithabort on\nset "
                   "concat_null_yields_null on"),
-              "\n\n1\n(1)\n");
+              "\n\n1\n");
     const std::pair<const char*, int> cases[] = {{"set nosuchoption on", 195},
                                                  {"set showplan_text on", 40517},
                                                  {"set datefirst 1", 40517},

@@ -113,7 +113,7 @@ TEST_F(Database, CannotBeDroppedOrDetachedWhileAnotherSessionUsesIt) {
     EXPECT_EQ(Run("drop database Batch"),
               "\nMsg 3702.16.1 L1: Cannot drop database \"Batch\" because it is currently in use.\n");
     EXPECT_EQ(Run("exec sp_detach_db 'Batch'"), "\nMsg 3703.16.1 sp_detach_db L1: Cannot detach the database "
-                                                "'Batch' because it is currently in use.\n");
+                                                "'Batch' because it is currently in use.\nreturn 1\n");
     other.Run("use master");
     EXPECT_EQ(Run("drop database Batch"), "\n");
     EXPECT_FALSE(std::filesystem::exists(Drive("Batch_data.mdf")));
@@ -216,6 +216,7 @@ SIMPLE|MULTI_USER|NULL
 FULL
 (1)
 Msg 40517.16.1 sp_dboption L7: Keyword or statement option 'sp_dboption 'nosuch'' is not supported in this version of SQL Server.
+return 1
 )");
 }
 

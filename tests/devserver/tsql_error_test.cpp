@@ -8,7 +8,7 @@ class Mistakes : public TsqlTest {
   protected:
     Mistakes() {
         client.Run(R"(
-create table t (id int not null primary key, name varchar(5) null, g uniqueidentifier null)
+create table t (id int not null constraint pk_t primary key, name varchar(5) null, g uniqueidentifier null)
 create table u (id int not null)
 insert t values (1, 'a', null)
 )");
@@ -34,7 +34,7 @@ TEST_F(Mistakes, OfSyntax) {
             {"/* never ends", 113},
             {"select * from t where id", 4145},
             {"if 1 print 'x'", 4145},
-            {"begin end", 102},
+            {"begin end", 156},
             {"print @x", 137},
             {"declare @x int, @X int", 134},
             {"break", 135},
@@ -139,7 +139,7 @@ TEST_F(Mistakes, NameTheirLine) {
 TEST_F(Mistakes, TheBatchEndsWhereSqlServerEndsIt) {
     EXPECT_EQ(
         Run("insert t values (1, '', null) print 'goes on'"),
-        "\nMsg 2627.14.1 L1: Violation of PRIMARY KEY constraint 'PK__t__D7C2D6D6'. Cannot insert duplicate "
+        "\nMsg 2627.14.1 L1: Violation of PRIMARY KEY constraint 'pk_t'. Cannot insert duplicate "
         "key in "
         "object 'dbo.t'. The duplicate key value is (1).\n> The statement has been terminated.\n> goes on\n");
     EXPECT_EQ(Run("select * from nosuch print 'not'"), "\nMsg 208.16.1 L1: Invalid object name 'nosuch'.\n");

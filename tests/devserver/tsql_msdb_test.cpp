@@ -59,7 +59,7 @@ one|1|first|sa|2|0x0102|1|0
 
 TEST_F(Msdb, WhatIsNotThereIsError14262) {
     EXPECT_EQ(Run("exec msdb..sp_drop_dtspackage 'nosuch', null, null"),
-              "\nMsg 14262.16.1 sp_drop_dtspackage L18: The specified DTS Package ('nosuch') does not "
+              "\nMsg 14262.16.1 sp_drop_dtspackage L19: The specified DTS Package ('nosuch') does not "
               "exist.\nreturn 1\n");
     client.Run("exec msdb..sp_get_dtspackage 'nosuch', null, null");
     EXPECT_EQ(client.messages.at(0).number, 14262);

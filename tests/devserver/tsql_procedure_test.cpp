@@ -201,6 +201,7 @@ x
 abc
 (1)
 Msg 214.16.2 sp_executesql L6: Procedure expects parameter '@statement' of type 'ntext/nchar/nvarchar'.
+return 1
 )");
 }
 

@@ -66,13 +66,13 @@ class Samples : public TsqlTest {
 TEST_F(Samples, RunWholeAndInstallWhatTheySay) {
     InstallAll();
     EXPECT_EQ(Run("use Batch\nSELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'"),
-              "\nValue\n1\n(1)\n");
+              "\nValue\n1\n");
     EXPECT_TRUE(std::filesystem::exists(server.folder.path() / "drive" / "Batch_data.mdf"));
     EXPECT_TRUE(std::filesystem::exists(server.folder.path() / "drive" / "Batch_log.ldf"));
     EXPECT_EQ(Run("select count(*) from sysobjects where name in ('spInstallReplication', "
                   "'spUninstallReplication', "
                   "'spUpgradeDatabase', 'spStdSynchronize') and xtype = 'P'"),
-              "\n\n4\n(1)\n");
+              "\n\n4\n");
 }
 
 TEST_F(Samples, MayRunASecondTime) {
@@ -99,7 +99,7 @@ exec @r = spSetConfig N'EventKeepDays', N'30'
 exec @r = spGetConfig N'EventKeepDays', @v output
 print @v
 exec @r = spSetConfig N'DatabaseVersion', N'2')");
-    EXPECT_EQ(text, "> 1\n> 30\nMsg 50000.16.1 spSetConfig L8: The parameter 'DatabaseVersion' belongs to "
+    EXPECT_EQ(text, "> 1\n> 30\nMsg 50000.16.1 spSetConfig L10: The parameter 'DatabaseVersion' belongs to "
                     "the installation and "
                     "can not be set.\nreturn 1\n");
 }

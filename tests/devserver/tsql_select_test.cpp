@@ -140,7 +140,7 @@ TEST_F(Select, GroupsWithAggregatesOfEachType) {
     EXPECT_EQ(Run(R"(
 select unit_id, count(*) n, sum(cost) s, avg(cost) a, min(started) first, max(id) last
 from batch group by unit_id having count(*) > 0 order by unit_id
-select sum(id), avg(id), sum(volume), avg(volume), count(volume), count(distinct unit_id) from unit, batch
+select sum(unit.id), avg(unit.id), sum(volume), avg(volume), count(volume), count(distinct unit_id) from unit, batch
 select sum(volume) from unit where id > 99)"),
               R"(
 unit_id|n|s|a|first|last
@@ -213,7 +213,7 @@ select 1 union all select 1
 select 1.5 union all select 2
 select id from unit except select 2
 select id from unit intersect select 2
-select 'A' union select 'a ')"),
+select count(*) from (select 'A' a union select 'a ') q)"),
               R"(
 id
 1
@@ -237,7 +237,7 @@ id
 2
 (1)
 
-A
+1
 (1)
 )");
 }
