@@ -99,6 +99,9 @@ class Session {
     /// True once the session has been thrown out (SET SINGLE_USER WITH ROLLBACK IMMEDIATE by another client,
     /// a fatal error): the connection is to be closed after the running call.
     virtual bool Ended() const = 0;
+    /// @@TRANCOUNT: how many transactions are open, one in the other. Asked between calls: drivers keep track
+    /// of it and must be told when a batch has begun or ended one.
+    virtual std::int32_t TransactionCount() const = 0;
 };
 
 struct LoginRequest {

@@ -19,6 +19,7 @@ class ClientSession : public Session {
     std::string Database() const override { return core_.SessionDatabase(); }
     std::int32_t Id() const override { return core_.id; }
     bool Ended() const override { return core_.ended; }
+    std::int32_t TransactionCount() const override { return core_.transaction_count(); }
 
     /// Enters the database that the login asks for. Raises 911.
     void Enter(const std::string& database, ResultSink& sink);

@@ -68,10 +68,12 @@ class FakeSession : public Session {
     std::string Database() const override { return database_; }
     std::int32_t Id() const override { return id_; }
     bool Ended() const override { return ended_; }
+    std::int32_t TransactionCount() const override { return transactions_; }
 
     bool cancelled() const { return cancelled_; }
     void End() { ended_ = true; }
     void Use(const std::string& database) { database_ = database; }
+    void SetTransactions(std::int32_t count) { transactions_ = count; }
     /// Runs until cancelled; false when that did not happen within ten seconds.
     bool WaitForCancel() const {
         for (int i = 0; i < 5000 && !cancelled_; ++i) {
@@ -84,6 +86,7 @@ class FakeSession : public Session {
     FakeScript& script_;
     std::int32_t id_;
     std::string database_;
+    std::int32_t transactions_ = 0;
     std::atomic<bool> cancelled_ = false;
     std::atomic<bool> ended_ = false;
 };

@@ -39,6 +39,7 @@ class DirectiveSession : public Session {
     std::string Database() const override { return "master"; }
     std::int32_t Id() const override { return 51; }
     bool Ended() const override { return false; }
+    std::int32_t TransactionCount() const override { return 0; }
 
   private:
     struct Text {
