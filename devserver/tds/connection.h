@@ -60,6 +60,9 @@ class Connection {
     void RunCalls(const ClientMessage& message, Response& response);
     void RunTransaction(const ClientMessage& message, Response& response);
     bool ResetSession(Response& response);
+    /// Tells the client that a transaction is open, or none any more, if it believes otherwise: its driver
+    /// sends commit and rollback only while it knows of one.
+    void TellTransaction(Response& response, Environment ended_by);
     bool FinishRequest(Response& response);
 
     /// Asks the running call to end. `mutex_` is held.
@@ -75,6 +78,7 @@ class Connection {
     LoginRequest login_request_;
     bool ansi_ = true;
     std::uint64_t last_transaction_ = 0;
+    std::uint64_t known_transaction_ = 0; ///< the number that the client knows; 0 for none
 
     std::mutex mutex_;
     std::condition_variable changed_;

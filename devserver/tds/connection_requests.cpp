@@ -57,6 +57,7 @@ bool Connection::Serve(const ClientMessage& message) {
     } catch (const std::exception& error) {
         response.Send(ErrorMessage(InternalError(error)));
     }
+    TellTransaction(response, Environment::RollbackTransaction);
     response.End();
     return FinishRequest(response) && stays;
 }
@@ -123,23 +124,29 @@ void Connection::RunTransaction(const ClientMessage& message, Response& response
     const TransactionRequest request = ParseTransaction(message.data, tokens_.version());
     response.Begin(Response::Kind::Batch);
     session_->ExecuteBatch(request.statement, response);
-    if (response.failed() || !request.changes) {
+    TellTransaction(response, request.ended_by);
+    // Also behind a commit that found nothing to commit: a driver that believes to be in a transaction would
+    // roll nothing back.
+    if (!request.next_statement.empty() && session_->TransactionCount() == 0) {
+        session_->ExecuteBatch(request.next_statement, response);
+    }
+}
+
+void Connection::TellTransaction(Response& response, Environment ended_by) {
+    // Only 7.2 and later know of it. What is not told now, since nobody listens, is told after the next
+    // request.
+    if (!Has72(tokens_.version()) || session_ == nullptr || cancelled_.load()) {
         return;
     }
-    if (request.change == Environment::BeginTransaction) {
-        ++last_transaction_;
-    }
-    response.Write([&](TokenWriter& tokens) { tokens.WriteTransaction(request.change, last_transaction_); });
-    if (request.next_statement.empty()) {
+    const bool open = session_->TransactionCount() > 0;
+    if (open == (known_transaction_ != 0)) {
         return;
     }
-    session_->ExecuteBatch(request.next_statement, response);
-    if (!response.failed()) {
-        ++last_transaction_;
-        response.Write([&](TokenWriter& tokens) {
-            tokens.WriteTransaction(Environment::BeginTransaction, last_transaction_);
-        });
-    }
+    const std::uint64_t number = open ? ++last_transaction_ : known_transaction_;
+    known_transaction_ = open ? number : 0;
+    response.Write([&](TokenWriter& tokens) {
+        tokens.WriteTransaction(open ? Environment::BeginTransaction : ended_by, number);
+    });
 }
 
 bool Connection::ResetSession(Response& response) {

@@ -177,22 +177,15 @@ TransactionRequest ParseTransaction(std::string_view data, Version version) {
         request.statement = ReadBegin(reader);
         break;
     case kCommit:
-        request.change = Environment::CommitTransaction;
+        request.ended_by = Environment::CommitTransaction;
         request.statement = "COMMIT TRANSACTION" + ReadName(reader);
         ReadNext(reader, request);
         break;
     case kRollback:
-        request.change = Environment::RollbackTransaction;
-        request.statement = "ROLLBACK TRANSACTION";
-        // With a name it may go back to a savepoint, and the transaction stays.
-        if (const std::string name = ReadName(reader); !name.empty()) {
-            request.statement += name;
-            request.changes = false;
-        }
+        request.statement = "ROLLBACK TRANSACTION" + ReadName(reader);
         ReadNext(reader, request);
         break;
     case kSave:
-        request.changes = false;
         request.statement = "SAVE TRANSACTION" + ReadName(reader);
         break;
     default:

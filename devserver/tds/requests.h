@@ -30,8 +30,8 @@ RpcRequest ParseRpc(std::string_view data, Version version);
 /// A step of a transaction as drivers ask for it without a statement.
 struct TransactionRequest {
     std::string statement; ///< the same in T-SQL
-    Environment change = Environment::BeginTransaction;
-    bool changes = true;        ///< false for savepoints, which change nothing for the client
+    /// What the client is to be told when the transaction has ended by it.
+    Environment ended_by = Environment::RollbackTransaction;
     std::string next_statement; ///< begins the transaction that is to follow at once; may be empty
 };
 

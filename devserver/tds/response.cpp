@@ -151,10 +151,7 @@ void Response::End() {
 }
 
 void Response::Write(const std::function<void(TokenWriter&)>& write) {
-    Guarded([&] {
-        WritePending(true);
-        write(tokens_);
-    });
+    Guarded([&] { write(tokens_); });
 }
 
 void Response::Finish(bool attention) {

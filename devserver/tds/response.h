@@ -39,7 +39,7 @@ class Response : public ResultSink {
     void End();
     /// Makes the DONE that follows tell of an error for which there is no message.
     void Fail() { statement_error_ = true; }
-    /// A token between two parts, such as an environment change.
+    /// A token that belongs to the statement whose DONE may be held back, such as an environment change.
     void Write(const std::function<void(TokenWriter&)>& write);
     /// Ends the answer; with `attention` the last token acknowledges it.
     void Finish(bool attention);

@@ -49,6 +49,9 @@ void RunScript(FakeSession& session, std::string_view sql, ResultSink& sink) {
     } else if (sql == "wrong") {
         sink.Send({102, 15, 1, "Incorrect syntax near 'wrong'.", {}, 1});
     } else {
+        if (sql.starts_with("BEGIN") || sql.starts_with("COMMIT") || sql.starts_with("ROLLBACK")) {
+            session.SetTransactions(sql.starts_with("BEGIN") ? 1 : 0);
+        }
         sink.StatementDone(Command::None, std::nullopt, false);
     }
 }
@@ -210,14 +213,32 @@ TEST_F(TdsConnection, TransactionsOfTheDriverBecomeStatements) {
     TdsClient client = server_.LoggedIn();
     const std::string headers = FromHex("04000000");
     client.Send(PacketType::TransactionManager, headers + FromHex("0500 00 00"));
-    EXPECT_EQ(Summarize(client.Receive()), "DONE(01,0) ENV(8) DONE(00,0)");
+    EXPECT_EQ(Summarize(client.Receive()), "ENV(8) DONE(00,0)");
     client.Send(PacketType::TransactionManager, headers + FromHex("0700 00 01 00 00"));
-    EXPECT_EQ(Summarize(client.Receive()), "DONE(01,0) ENV(9) DONE(01,0) ENV(8) DONE(00,0)");
+    EXPECT_EQ(Summarize(client.Receive()), "ENV(9) DONE(01,0) ENV(8) DONE(00,0)");
     client.Send(PacketType::TransactionManager, headers + FromHex("0800 00 00"));
-    EXPECT_EQ(Summarize(client.Receive()), "DONE(01,0) ENV(10) DONE(00,0)");
+    EXPECT_EQ(Summarize(client.Receive()), "ENV(10) DONE(00,0)");
     const std::vector<std::string> expected{"BEGIN TRANSACTION", "COMMIT TRANSACTION", "BEGIN TRANSACTION",
                                             "ROLLBACK TRANSACTION"};
     EXPECT_EQ(script().batches, expected);
+}
+
+TEST_F(TdsConnection, ATransactionThatABatchEndsIsToldToTheDriver) {
+    TdsClient client = server_.LoggedIn();
+    client.Send(PacketType::TransactionManager, FromHex("04000000 0500 00 00"));
+    client.Receive();
+    EXPECT_EQ(Summarize(client.Batch("ROLLBACK")), "ENV(10) DONE(00,0)");
+    EXPECT_EQ(Summarize(client.Batch("ROLLBACK")), "DONE(00,0)");
+    EXPECT_EQ(Summarize(client.Batch("BEGIN TRAN")), "ENV(8) DONE(00,0)");
+    EXPECT_EQ(Summarize(client.Batch("BEGIN TRAN")), "DONE(00,0)");
+}
+
+TEST_F(TdsConnection, AClientOf71IsToldOfNoTransactions) {
+    LoginFields fields;
+    fields.version = 0x71000001;
+    TdsClient client = server_.LoggedIn(fields);
+    client.Send(PacketType::SqlBatch, Utf16("BEGIN TRAN"));
+    EXPECT_EQ(Summarize(client.Receive(), Version::V71), "DONE(00,0)");
 }
 
 TEST_F(TdsConnection, ATransactionThatFailsChangesNothingForTheClient) {

@@ -108,14 +108,12 @@ TEST(TdsTransaction, StepsBecomeStatements) {
     EXPECT_EQ(parse("0500 04 02 6100").statement,
               "SET TRANSACTION ISOLATION LEVEL SERIALIZABLE BEGIN TRANSACTION [a]");
     EXPECT_EQ(parse("0700 00 00").statement, "COMMIT TRANSACTION");
-    EXPECT_EQ(parse("0700 00 00").change, Environment::CommitTransaction);
+    EXPECT_EQ(parse("0700 00 00").ended_by, Environment::CommitTransaction);
     EXPECT_EQ(parse("0700 00 01 02 00").next_statement,
               "SET TRANSACTION ISOLATION LEVEL READ COMMITTED BEGIN TRANSACTION");
     EXPECT_EQ(parse("0800 00 00").statement, "ROLLBACK TRANSACTION");
-    EXPECT_TRUE(parse("0800 00 00").changes);
-    EXPECT_FALSE(parse("0800 02 6100 00").changes);
+    EXPECT_EQ(parse("0800 02 6100 00").statement, "ROLLBACK TRANSACTION [a]");
     EXPECT_EQ(parse("0900 04 61005D00").statement, "SAVE TRANSACTION [a]]]");
-    EXPECT_FALSE(parse("0900 04 61005D00").changes);
 }
 
 TEST(TdsTransaction, DistributedTransactionsAreRefused) {

@@ -330,6 +330,26 @@ class Odbc(unittest.TestCase):
                 self.assertEqual(connection.execute("SELECT @@TRANCOUNT"), [("0",)])
                 connection.close()
 
+    def test_a_transaction_that_a_batch_ends_is_followed_by_another(self):
+        for version in TDS_VERSIONS:
+            with self.subTest(version):
+                connection = connect_odbc(version)
+                connection.set_autocommit(False)
+                connection.execute("CREATE TABLE #t (a int)")
+                connection.end_transaction(commit=True)
+                connection.execute("ROLLBACK")
+                if version == "7.1":  # asks @@TRANCOUNT first
+                    connection.end_transaction(commit=True)
+                else:
+                    with self.assertRaises(odbc.OdbcError) as caught:
+                        connection.end_transaction(commit=True)
+                    self.assertEqual(caught.exception.records[0][1], 3902)
+                connection.execute("INSERT INTO #t VALUES (1)")
+                connection.end_transaction(commit=False)
+                self.assertEqual(connection.execute("SELECT a FROM #t"), [])
+                connection.end_transaction(commit=True)
+                connection.close()
+
     def test_a_prepared_statement_takes_its_parameter(self):
         for version in TDS_VERSIONS:
             with self.subTest(version):
