@@ -148,11 +148,11 @@ class Catalogue {
     TablePtr LoadTable(std::int64_t id);
     std::string PhysicalName(std::string_view schema, std::string_view name) const;
     /// The table with its columns, indexes, keys and checks; SQLite's own table and indexes too.
-    void AddTable(TableDef table);
+    void AddTable(const TableDef& table);
     void AddColumn(std::int64_t table, const ColumnDef& column, int position);
     void UpdateColumn(std::int64_t table, const ColumnDef& column);
     void RemoveColumn(std::int64_t table, int column);
-    void AddIndex(const TableDef& table, IndexDef index);
+    void AddIndex(const TableDef& table, const IndexDef& index);
     void RemoveIndex(const TableDef& table, const IndexDef& index);
     void AddForeignKey(const ForeignKeyDef& key);
     void AddCheck(std::int64_t table, const CheckDef& check);

@@ -157,7 +157,7 @@ void CallFunction(sqlite3_context* context, int count, sqlite3_value** arguments
 
 template <class Maker>
 Aggregate* Group(sqlite3_context* context, Maker& maker) {
-    auto** slot = static_cast<Aggregate**>(sqlite3_aggregate_context(context, sizeof(Aggregate*)));
+    auto** slot = static_cast<Aggregate**>(sqlite3_aggregate_context(context, sizeof(void*)));
     if (*slot == nullptr) {
         *slot = maker.make().release();
     }

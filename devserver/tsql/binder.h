@@ -135,7 +135,7 @@ class Binder {
     // binder_expressions.cpp
     BoundPtr BindNode(const ast::Expr& expr, const Scope* scope);
     BoundPtr BindLogic(const ast::LogicExpr& logic, const Scope* scope);
-    BoundPtr BindCompare(ast::CompareOp op, BoundPtr left, BoundPtr right) const;
+    BoundPtr BindCompare(ast::CompareOp op, const BoundPtr& left, const BoundPtr& right) const;
     BoundPtr BindInList(const ast::InListExpr& in, const Scope* scope);
     BoundPtr BindInQuery(const ast::InQueryExpr& in, const Scope* scope);
     BoundPtr BindQuantified(const ast::QuantifiedExpr& expr, const Scope* scope);
@@ -146,7 +146,8 @@ class Binder {
     BoundPtr BindSubquery(const ast::Query& query, const Scope* scope);
     // binder_calls.cpp
     BoundPtr BindCall(const ast::CallExpr& call, const Scope* scope);
-    BoundPtr BindChoice(std::vector<std::pair<BoundPtr, BoundPtr>> branches, BoundPtr otherwise) const;
+    BoundPtr BindChoice(const std::vector<std::pair<BoundPtr, BoundPtr>>& branches,
+                        const BoundPtr& otherwise) const;
     BoundPtr BindAggregate(const ast::CallExpr& call, const Scope* scope);
     BoundPtr BindSum(const BoundPtr& operand, const std::string& distinct, bool average);
     BoundPtr BindWindow(const ast::CallExpr& call, const Scope* scope);

@@ -107,7 +107,7 @@ BoundPtr Binder::BindSpecialCall(const ast::CallExpr& call, const Scope* scope) 
             BoundPtr null = MakeCondition(BoundKind::IsNull, {value});
             branches.emplace_back(MakeCondition(BoundKind::Not, {null}), value);
         }
-        return BindChoice(std::move(branches), bind(call.arguments.size() - 1));
+        return BindChoice(branches, bind(call.arguments.size() - 1));
     }
     if (AsciiEqual(call.name, "NULLIF")) {
         expect(2);
@@ -119,7 +119,7 @@ BoundPtr Binder::BindSpecialCall(const ast::CallExpr& call, const Scope* scope) 
         expect(3);
         std::vector<std::pair<BoundPtr, BoundPtr>> branches;
         branches.emplace_back(BindCondition(*call.arguments[0], scope), bind(1));
-        return BindChoice(std::move(branches), bind(2));
+        return BindChoice(branches, bind(2));
     }
     if (AsciiEqual(call.name, "IDENTITY")) {
         RaiseError(40517, {"IDENTITY function"});
@@ -151,7 +151,8 @@ BoundPtr Binder::BindDateCall(const ast::CallExpr& call, const Scope* scope, con
 }
 
 /// A CASE whose values all take the type of the strongest.
-BoundPtr Binder::BindChoice(std::vector<std::pair<BoundPtr, BoundPtr>> branches, BoundPtr otherwise) const {
+BoundPtr Binder::BindChoice(const std::vector<std::pair<BoundPtr, BoundPtr>>& branches,
+                            const BoundPtr& otherwise) const {
     std::vector<Type> types;
     bool typed = false;
     bool nullable = otherwise->nullable;
@@ -167,11 +168,11 @@ BoundPtr Binder::BindChoice(std::vector<std::pair<BoundPtr, BoundPtr>> branches,
     }
     const Type type = CommonType(types);
     std::vector<BoundPtr> children;
-    for (auto& [condition, value] : branches) {
-        children.push_back(std::move(condition));
-        children.push_back(MakeConvert(std::move(value), type));
+    for (const auto& [condition, value] : branches) {
+        children.push_back(condition);
+        children.push_back(MakeConvert(value, type));
     }
-    children.push_back(MakeConvert(std::move(otherwise), type));
+    children.push_back(MakeConvert(otherwise, type));
     auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Case, type, std::move(children)));
     node->nullable = nullable;
     return node;

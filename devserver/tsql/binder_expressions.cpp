@@ -1,6 +1,7 @@
 // Expressions: types, implicit conversions, predicates over queries.
 #include "devserver/tsql/binder.h"
 #include "devserver/tsql/evaluator.h"
+#include "devserver/tsql/overloaded.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
 
@@ -10,11 +11,6 @@ namespace {
 constexpr std::string_view kCompareNames[] = {"equal to",     "not equal to",
                                               "less than",    "less than or equal to",
                                               "greater than", "greater than or equal to"};
-
-template <class... Handlers>
-struct Overloaded : Handlers... {
-    using Handlers::operator()...;
-};
 
 /// Old and new types alike compare as their stronger one; fixed lengths must not pad.
 Type ComparisonType(const Type& a, const Type& b) {
@@ -84,7 +80,7 @@ BoundPtr Binder::BindNode(const ast::Expr& expr, const Scope* scope) {
             },
             [&](const ast::CompareExpr& e) {
                 BoundPtr left = BindValue(*e.left, scope);
-                return BindCompare(e.op, std::move(left), BindValue(*e.right, scope));
+                return BindCompare(e.op, left, BindValue(*e.right, scope));
             },
             [&](const ast::QuantifiedExpr& e) { return BindQuantified(e, scope); },
             [&](const ast::LogicExpr& e) { return BindLogic(e, scope); },
@@ -128,7 +124,7 @@ BoundPtr Binder::BindLogic(const ast::LogicExpr& logic, const Scope* scope) {
     return MakeCondition(logic.conjunction ? BoundKind::And : BoundKind::Or, std::move(children));
 }
 
-BoundPtr Binder::BindCompare(ast::CompareOp op, BoundPtr left, BoundPtr right) const {
+BoundPtr Binder::BindCompare(ast::CompareOp op, const BoundPtr& left, const BoundPtr& right) const {
     const std::string_view name = kCompareNames[static_cast<std::size_t>(op)];
     RequireComparable(left->type, right->type, name);
     const Type type = ComparisonType(left->type, right->type);
@@ -222,7 +218,7 @@ BoundPtr Binder::BindCase(const ast::CaseExpr& expr, const Scope* scope) {
                                      : BindCondition(*when, scope);
         branches.emplace_back(std::move(condition), BindValue(*then, scope));
     }
-    return BindChoice(std::move(branches),
+    return BindChoice(branches,
                       expr.otherwise ? BindValue(*expr.otherwise, scope) : MakeConstant({}, kUntypedNull));
 }
 

@@ -6,6 +6,7 @@
 
 #include "devserver/tsql/definitions.h"
 #include "devserver/tsql/located_error.h"
+#include "devserver/tsql/overloaded.h"
 #include "devserver/tsql/parser.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/server.h"
@@ -40,11 +41,6 @@ template <std::size_t Count>
 bool Contains(const std::array<std::int32_t, Count>& numbers, std::int32_t number) {
     return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
 }
-
-template <class... Handlers>
-struct Overloaded : Handlers... {
-    using Handlers::operator()...;
-};
 
 /// The statements that open a transaction under SET IMPLICIT_TRANSACTIONS ON.
 bool BeginsImplicitly(const ast::Statement& statement) {

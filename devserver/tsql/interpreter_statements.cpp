@@ -216,6 +216,7 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
         number =
             static_cast<std::int32_t>(std::get<std::int64_t>(Convert(message, type, Simple(TypeId::Int))));
         std::vector<std::string> texts;
+        texts.reserve(arguments.size());
         for (const FormatArgument& argument : arguments) {
             texts.push_back(IsNull(argument.value) ? "(null)" : ValueText(argument.value, argument.type));
         }

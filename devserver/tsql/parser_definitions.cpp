@@ -445,8 +445,7 @@ StatementPtr Parser::ParseDropIndex() {
     do {
         Name name = TakeObjectName();
         if (TakeWord("ON")) {
-            const std::string index = name.last();
-            drop.indexes.emplace_back(TakeObjectName(), index);
+            drop.indexes.emplace_back(TakeObjectName(), name.last());
         } else { // "table.index"
             const std::string index = name.last();
             name.parts.pop_back();

@@ -448,7 +448,7 @@ void RowWriter::ReleaseChildren(const ForeignKeyDef& key, const RowValues& befor
     if (still.Step()) {
         return;
     }
-    std::vector<StoredRow> rows = Read(session_, *child, KeyCondition(*child, key.columns), parameters);
+    const std::vector<StoredRow> rows = Read(session_, *child, KeyCondition(*child, key.columns), parameters);
     if (rows.empty()) {
         return;
     }
@@ -458,10 +458,10 @@ void RowWriter::ReleaseChildren(const ForeignKeyDef& key, const RowValues& befor
         ForeignKeyError(key, same ? "SAME TABLE REFERENCE" : "REFERENCE", *child,
                         child->ById(key.columns[0]).name);
     }
-    Cascade(key, child, std::move(rows), after);
+    Cascade(key, child, rows, after);
 }
 
-void RowWriter::Cascade(const ForeignKeyDef& key, const TablePtr& child, std::vector<StoredRow> rows,
+void RowWriter::Cascade(const ForeignKeyDef& key, const TablePtr& child, const std::vector<StoredRow>& rows,
                         const RowValues* after) {
     const OnChange action = after == nullptr ? key.on_delete : key.on_update;
     RowWriter writer(session_, {child, target_.catalogue},

@@ -58,7 +58,7 @@ class RowWriter {
     void Store(const RowValues& row, std::optional<std::int64_t> row_id);
     void RequireParent(const ForeignKeyDef& key, const RowValues& row);
     void ReleaseChildren(const ForeignKeyDef& key, const RowValues& before, const RowValues* after);
-    void Cascade(const ForeignKeyDef& key, const TablePtr& child, std::vector<StoredRow> rows,
+    void Cascade(const ForeignKeyDef& key, const TablePtr& child, const std::vector<StoredRow>& rows,
                  const RowValues* after);
     bool KeyChanged(const std::vector<int>& columns, const RowValues& before, const RowValues& after) const;
     [[noreturn]] void ExplainUnique(const StorageError& error, const RowValues& row);

@@ -127,8 +127,6 @@ constexpr std::array kViews = {
         "SELECT id, 1 AS number, number AS colid, 2 AS status, NULL AS ctext, 2 AS texttype, 0 AS language, "
         "encrypted, "
         "0 AS compressed, CASE WHEN encrypted THEN NULL ELSE substr(part, 1, 4000) END AS text FROM piece"},
-    SystemViewSource{"", "sysdepends", "id int, depid int, number smallint, depnumber smallint",
-                     "SELECT 0 AS id, 0 AS depid, 0 AS number, 0 AS depnumber WHERE 0"},
     SystemViewSource{
         "", "systypes",
         "name sysname, xtype tinyint, status tinyint, xusertype smallint, length smallint, xprec tinyint, "
@@ -235,9 +233,6 @@ constexpr std::array kViews = {
         "datasource, id > 0 AS isremote, 1 AS rpc, coalesce(publisher, 0) AS pub, coalesce(subscriber, 0) AS "
         "sub, "
         "coalesce(distributor, 0) AS dist, 0 AS dpub, 1 AS rpcout, 1 AS dataaccess FROM main.devsql_servers"},
-    SystemViewSource{"", "sysconfigures",
-                     "value int, config smallint, comment nvarchar(255), status smallint",
-                     "SELECT 0 AS value, 0 AS config, '' AS comment, 0 AS status WHERE 0"},
     // ---------------------------------------------------------------- SQL Server 2005's views
     SystemViewSource{
         "sys", "databases",
