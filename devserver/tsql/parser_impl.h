@@ -144,6 +144,7 @@ class Parser {
     }
     ast::StatementPtr ParseDataStatement();
     ast::StatementPtr ParseControlStatement();
+    ast::StatementPtr ParseActionStatement();
     ast::StatementPtr ParseBegin();
     ast::StatementPtr ParseTry();
     ast::StatementPtr ParseIf();

@@ -150,6 +150,11 @@ StatementPtr Parser::ParseControlStatement() {
     if (TakeWord("USE")) {
         return Wrap(UseStatement{TakeName()});
     }
+    return IsWord("THROW") ? ParseThrow() : ParseActionStatement();
+}
+
+/// Statements whose first word is an action on something named: a transaction, a cursor, a right.
+StatementPtr Parser::ParseActionStatement() {
     constexpr std::array<std::pair<std::string_view, TransactionAction>, 3> kTransactions = {
         {{"COMMIT", TransactionAction::Commit},
          {"ROLLBACK", TransactionAction::Rollback},
@@ -177,7 +182,7 @@ StatementPtr Parser::ParseControlStatement() {
             return ParseGrant(action);
         }
     }
-    return IsWord("THROW") ? ParseThrow() : nullptr;
+    return nullptr;
 }
 
 StatementPtr Parser::ParseBegin() {

@@ -84,6 +84,41 @@ bool HasIndex(const TableDef& table, bool (*test)(const IndexDef&)) {
     return false;
 }
 
+/// OBJECTPROPERTY's properties of tables alone.
+Value TableProperty(const TableDef& table, std::string_view property) {
+    if (property == "TABLEHASPRIMARYKEY") {
+        return std::int64_t{HasIndex(table, [](const IndexDef& index) { return index.primary_key; })};
+    }
+    if (property == "TABLEHASINDEX") {
+        return std::int64_t{!table.indexes.empty()};
+    }
+    if (property == "TABLEHASCLUSTINDEX") {
+        return std::int64_t{HasIndex(table, [](const IndexDef& index) { return index.clustered; })};
+    }
+    if (property == "TABLEHASUNIQUECNST") {
+        return std::int64_t{
+            HasIndex(table, [](const IndexDef& index) { return index.constraint && !index.primary_key; })};
+    }
+    if (property == "TABLEHASIDENTITY") {
+        return std::int64_t{table.IdentityColumn() != nullptr};
+    }
+    if (property == "TABLEHASFOREIGNKEY") {
+        return std::int64_t{!table.foreign_keys.empty()};
+    }
+    if (property == "TABLEHASFOREIGNREF") {
+        return std::int64_t{!table.referencing.empty()};
+    }
+    if (property == "TABLEHASCHECKCNST") {
+        return std::int64_t{!table.checks.empty()};
+    }
+    if (property == "TABLEHASTIMESTAMP") {
+        return std::int64_t{
+            std::any_of(table.columns.begin(), table.columns.end(),
+                        [](const ColumnDef& column) { return column.type.id == TypeId::Timestamp; })};
+    }
+    return {};
+}
+
 Value ObjectProperty(SessionCore& session, Values values, Types types) {
     const std::optional<std::int64_t> id = IntOf(values, types, 0);
     const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
@@ -135,40 +170,7 @@ Value ObjectProperty(SessionCore& session, Values values, Types types) {
         return std::int64_t{object->encrypted};
     }
     const TablePtr table = object->type == "U" ? session.Table(session.CurrentDatabase(), *id) : nullptr;
-    if (!table) {
-        return {};
-    }
-    if (property == "TABLEHASPRIMARYKEY") {
-        return std::int64_t{HasIndex(*table, [](const IndexDef& index) { return index.primary_key; })};
-    }
-    if (property == "TABLEHASINDEX") {
-        return std::int64_t{!table->indexes.empty()};
-    }
-    if (property == "TABLEHASCLUSTINDEX") {
-        return std::int64_t{HasIndex(*table, [](const IndexDef& index) { return index.clustered; })};
-    }
-    if (property == "TABLEHASUNIQUECNST") {
-        return std::int64_t{
-            HasIndex(*table, [](const IndexDef& index) { return index.constraint && !index.primary_key; })};
-    }
-    if (property == "TABLEHASIDENTITY") {
-        return std::int64_t{table->IdentityColumn() != nullptr};
-    }
-    if (property == "TABLEHASFOREIGNKEY") {
-        return std::int64_t{!table->foreign_keys.empty()};
-    }
-    if (property == "TABLEHASFOREIGNREF") {
-        return std::int64_t{!table->referencing.empty()};
-    }
-    if (property == "TABLEHASCHECKCNST") {
-        return std::int64_t{!table->checks.empty()};
-    }
-    if (property == "TABLEHASTIMESTAMP") {
-        return std::int64_t{
-            std::any_of(table->columns.begin(), table->columns.end(),
-                        [](const ColumnDef& column) { return column.type.id == TypeId::Timestamp; })};
-    }
-    return {};
+    return table ? TableProperty(*table, property) : Value();
 }
 
 TablePtr TableById(SessionCore& session, Values values, Types types, std::size_t index) {
