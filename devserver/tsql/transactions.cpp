@@ -1,5 +1,10 @@
 // Transactions: SQLite's begins with the first write of T-SQL's, so that one that only reads sees every
 // commit of others, as READ COMMITTED does, and holds no lock.
+#include <chrono>
+#include <thread>
+
+#include <sqlite3.h>
+
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/server.h"
 #include "devserver/tsql/session_core.h"
@@ -56,10 +61,28 @@ void SessionCore::BeginStorage() {
     }
 }
 
-/// Takes the write lock before anything is read, so that what is read is what will be changed.
+/// Takes the write lock before anything is read, so that what is read is what will be changed. Where the
+/// transaction has read of this file before, SQLite does not ask the busy handler, and the waiting is done
+/// here; what it read must then still be the last commit (SQLITE_BUSY_SNAPSHOT says that it is not).
 void SessionCore::LockForWriting(const std::string& alias) {
-    if (alias != "temp") {
-        connection.Prepare("DELETE FROM " + QuoteName(alias) + ".devsql_settings WHERE 0").Run();
+    if (alias == "temp") {
+        return;
+    }
+    using std::chrono::milliseconds;
+    constexpr milliseconds kPause(5);
+    const auto begun = std::chrono::steady_clock::now();
+    for (;;) {
+        try {
+            connection.Prepare("DELETE FROM " + QuoteName(alias) + ".devsql_settings WHERE 0").Run();
+            return;
+        } catch (const StorageError& error) {
+            const auto waited =
+                std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begun).count();
+            if (error.code() != SQLITE_BUSY || !WaitForLock(static_cast<int>(waited))) {
+                throw;
+            }
+        }
+        std::this_thread::sleep_for(kPause);
     }
 }
 

@@ -119,9 +119,12 @@ TEST_F(SessionTest, ADeadlockEndsOneOfTheTwo) {
     b.Run("begin tran update Two..t set n = 2");
     std::thread crossing([&] { b.Run("update One..t set n = 2 commit"); });
     a.Run("set lock_timeout 100 update Two..t set n = 1");
-    EXPECT_EQ(a.messages.at(0).number, 1222);
+    const auto told = a.messages;
     a.Run("rollback");
     crossing.join();
+    ASSERT_EQ(b.messages.size(), 0U) << b.messages.at(0).number << b.messages.at(0).text;
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told.at(0).number, 1222);
     EXPECT_EQ(a.Run("select (select n from One..t), (select n from Two..t)"), "|\n2|2\n(1)\n");
 }
 
