@@ -36,14 +36,31 @@ need() {
     fi
 }
 
-# build PRESET [TARGET…]: configures once and builds; quiet unless it fails.
+# watch LOG PID: until the process ends, every 15 seconds how far the build or ctest has come.
+watch() {
+    local log=$1 pid=$2 last= now
+    while kill -0 "$pid" 2>/dev/null; do
+        for _ in $(seq 30); do
+            sleep 0.5
+            kill -0 "$pid" 2>/dev/null || return 0
+        done
+        now=$(grep -oE '^ *\[?[0-9]+/[0-9]+\]?' "$log" | tail -1)
+        [ "$now" = "$last" ] || say "  $now"
+        last=$now
+    done
+}
+
+# build PRESET [TARGET…]: configures once and builds; tells how far it is, and the errors if it fails.
 build() {
-    local preset=$1
+    local preset=$1 pid
     shift
     say "building $preset${*:+: $*}"
     mkdir -p build
     local log=build/$preset.log
-    if ! { { [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset"; } && cmake --build --preset "$preset" ${*:+--target "$@"}; } > "$log" 2>&1; then
+    { { [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset"; } && cmake --build --preset "$preset" ${*:+--target "$@"}; } > "$log" 2>&1 &
+    pid=$!
+    watch "$log" $pid
+    if ! wait $pid; then
         grep -E 'error|warning|Error|FAILED|undefined' "$log" | head -40 >&2
         tail -5 "$log" >&2
         echo "the build failed; the whole output is in $log" >&2
