@@ -102,7 +102,7 @@ double ParseNumber(std::string_view text) {
         throw ConversionError(ConversionFault::TypeMismatch);
     }
     text = text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-    if (text.starts_with('+')) {
+    if (text.starts_with('+') && !text.starts_with("+-")) {
         text.remove_prefix(1);
     }
     // Words for infinity and the like, and a second sign, are no numbers.
