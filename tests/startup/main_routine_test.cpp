@@ -50,7 +50,7 @@ TEST_F(MainRoutine, WhatOnlyLooksLikeHelpOpensTheWindowWithoutHelp) {
 
 TEST_F(MainRoutine, HelpBeatsEverythingElse) {
     for (const std::string& line : {std::string(R"(/upgradedb /scriptfolder c:\s /help)"),
-                                   std::string(kLogin) + R"(/sqldatapath d:\data /installdb -help)"}) {
+                                    std::string(kLogin) + R"(/sqldatapath d:\data /installdb -help)"}) {
         const MainDecision decision = DecideWay(line);
         EXPECT_EQ(decision.way, MainWay::Window) << line;
         EXPECT_TRUE(decision.show_help) << line;

@@ -206,8 +206,8 @@ std::string ReadWholeFile(const std::string& path) {
     if (::fstat(file.Get(), &info) != 0) {
         Fail(path, errno);
     }
-    // The size is a hint: a file that grows, or one without a size, is read to its end all the same. One byte more
-    // than the size lets the end be seen without growing, which would hold a large file twice.
+    // The size is a hint: a file that grows, or one without a size, is read to its end all the same. One byte
+    // more than the size lets the end be seen without growing, which would hold a large file twice.
     std::string content(static_cast<std::size_t>(std::max<off_t>(info.st_size, 0)) + 1, '\0');
     std::size_t filled = 0;
     for (;;) {
