@@ -363,9 +363,7 @@ StatementPtr Parser::ParseSetOption() {
             set.options.push_back(AsciiUpper(Take().text));
         } while (TakeSymbol(","));
     }
-    if (IsWord("ON") || IsWord("OFF")) {
-        set.value = AsciiUpper(Take().text);
-    } else if (Peek().kind == TokenKind::Word) {
+    if (IsWord("ON") || IsWord("OFF") || Peek().kind == TokenKind::Word) {
         set.value = AsciiUpper(Take().text);
     } else {
         set.expr = ParseValue();

@@ -41,6 +41,7 @@ std::unique_ptr<Recordset> ReadRows(odbc::Statement& statement) {
     odbc::RowReader reader(statement);
     const std::vector<odbc::Column>& columns = reader.Columns();
     std::vector<std::string> names;
+    names.reserve(columns.size());
     for (const odbc::Column& column : columns) {
         names.push_back(column.name);
     }

@@ -73,6 +73,7 @@ bool ShellExecuteProgram(const ShellExecuteInfo& info, std::unique_ptr<Process>&
     std::vector<std::string> arguments = SplitArguments(info.parameters);
     arguments.insert(arguments.begin(), program);
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) {
         pointers.push_back(argument.data());
     }
