@@ -2,6 +2,7 @@
 // Runs nothing on a server.
 #include <algorithm>
 #include <array>
+#include <ostream>
 #include <set>
 #include <sstream>
 #include <string>
@@ -31,6 +32,11 @@ struct ScriptFolder {
     std::string path;
     std::string version;
 };
+
+/// What GoogleTest calls the parameter; without it, it prints the bytes.
+void PrintTo(const ScriptFolder& folder, std::ostream* out) {
+    *out << folder.path;
+}
 
 std::string ReadTemplate(const ScriptFolder& folder, eSQLScript script) {
     return platform::ReadWholeFile(TemplatePath(script, folder.path + "/", ""));
