@@ -7,19 +7,17 @@
 #include "platform/files.h"
 #include "platform/main_window.h"
 #include "platform/message_box.h"
-#include "platform/terminal.h"
 #include "startup/failure.h"
 #include "startup/main_routine.h"
 #include "unattended/automatic_install.h"
+#include "unattended/automatic_upgrade.h"
 
 namespace {
 
 class ProgramFaces : public kv::Faces {
   public:
-    void DoAutomaticUpgrade(const std::string& /*strScriptFolder*/) override {
-        platform::WriteToTerminal(
-            platform::ExecutableName() +
-            ": /upgradedb: the unattended upgrade is not built yet; nothing was done.\n");
+    void DoAutomaticUpgrade(const std::string& strScriptFolder) override {
+        kv::DoAutomaticUpgrade(strScriptFolder);
     }
 
     void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Server,

@@ -2,16 +2,13 @@
 
 #include <memory>
 
-#include "console/status_form.h"
 #include "platform/pending_events.h"
-#include "scripts/sql_script_mgr.h"
 #include "startup/error_log.h"
 #include "startup/failure.h"
+#include "unattended/script_steps.h"
 
 namespace kv {
 namespace {
-
-constexpr char kModule[] = "modMain";
 
 struct Flags {
     bool db;
@@ -24,54 +21,23 @@ float StepCount(const Flags& install) {
     return 2.0F + (install.db ? 4.0F : 0.0F) + (install.sp ? 2.0F : 0.0F) + (install.dts ? 6.0F : 0.0F);
 }
 
-void Step(frmStatus& status) {
-    status.StepProgessBar(Int16(1));
-}
-
-void ModifyScript(const CSQLScriptMgr& scripts, frmStatus& status, eSQLScript script, const char* name) {
-    if (!scripts.CreateModifiedScript(script, "")) {
-        RaiseFailure(kProgramFailure, kModule,
-                     std::string("The script '") + name + "' could not be modified!");
-    }
-    Step(status);
-}
-
-void RunScript(const CSQLScriptMgr& scripts, frmStatus& status, eSQLScript script, const char* text) {
-    status.StatusText(text);
-    scripts.ExecuteSQLScript(script, ""); // the result is not looked at: the next script runs in any case
-    Step(status);
-}
-
-void InstallPackages(const CSQLScriptMgr& scripts, frmStatus& status) {
-    status.StatusText("Installing DTS packages...");
-    for (const eDTSPackage package : kDtsPackages) {
-        if (scripts.DTSPackageExist(package)) {
-            scripts.InstallDTSPackage(package);
-        }
-        Step(status);
-    }
-}
-
 void RunSequence(const CSQLScriptMgr& scripts, frmStatus& status, const Flags& install) {
-    Step(status);
+    StepBar(status);
     status.StatusText("Modifying sql scripts...");
     if (install.db) {
-        ModifyScript(scripts, status, sqlCreateBatchDatabase, "Create Batch Database");
-        ModifyScript(scripts, status, sqlInsertDefaultData, "Insert Batch Default Data");
+        ModifyScript(scripts, status, kCreateBatchDatabase);
+        ModifyScript(scripts, status, kInsertDefaultData);
     }
     if (install.sp) {
-        ModifyScript(scripts, status, sqlCreateBatchStoredProcedures, "Create Batch Stored Procedures");
+        ModifyScript(scripts, status, kCreateStoredProcedures);
     }
-    if (!scripts.IsOSQLAvailable()) { // tested also by a run of packages alone, which does not use the tool
-        RaiseFailure(kProgramFailure, kModule, "The query tool OSQL.EXE was not found!");
-    }
-    Step(status);
+    RequireQueryTool(scripts, status); // asked also by a run of packages alone, which does not use the tool
     if (install.db) {
-        RunScript(scripts, status, sqlCreateBatchDatabase, "Installing the new database...");
-        RunScript(scripts, status, sqlInsertDefaultData, "Inserting batch default data...");
+        RunScript(scripts, status, kCreateBatchDatabase);
+        RunScript(scripts, status, kInsertDefaultData);
     }
     if (install.sp) {
-        RunScript(scripts, status, sqlCreateBatchStoredProcedures, "Installing batch stored procedures...");
+        RunScript(scripts, status, kCreateStoredProcedures);
     }
     if (install.dts) {
         InstallPackages(scripts, status);

@@ -42,6 +42,9 @@ class OpenObject {
 void Called(const std::string& member, std::vector<std::string> arguments) {
     auto& fake = fakes::FakePackages::Current();
     fake.calls.push_back({member, std::move(arguments)});
+    if (fake.on_call) {
+        fake.on_call();
+    }
     if (const auto failure = fake.failures.find(member); failure != fake.failures.end()) {
         throw PackageError(failure->second);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <map>
 #include <string>
@@ -35,6 +36,9 @@ class FakePackages {
     /// What the enumeration gives; after `enumerated_before_failure` of them it fails.
     std::vector<platform::PackageInfo> installed;
     std::size_t enumerated_before_failure = std::numeric_limits<std::size_t>::max();
+
+    /// Called behind every call that was recorded.
+    std::function<void()> on_call;
 
     std::vector<PackageCall> calls;
     int packages_created = 0;

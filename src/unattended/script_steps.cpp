@@ -1,0 +1,44 @@
+#include "unattended/script_steps.h"
+
+#include <string>
+
+#include "startup/failure.h"
+
+namespace kv {
+
+void StepBar(frmStatus& status) {
+    status.StepProgessBar(Int16(1));
+}
+
+void ModifyScript(const CSQLScriptMgr& scripts, frmStatus& status, const UnattendedScript& script) {
+    if (!scripts.CreateModifiedScript(script.script, "")) {
+        RaiseFailure(kProgramFailure, kUnattendedModule,
+                     std::string("The script '") + script.name + "' could not be modified!");
+    }
+    StepBar(status);
+}
+
+void RequireQueryTool(const CSQLScriptMgr& scripts, frmStatus& status) {
+    if (!scripts.IsOSQLAvailable()) {
+        RaiseFailure(kProgramFailure, kUnattendedModule, "The query tool OSQL.EXE was not found!");
+    }
+    StepBar(status);
+}
+
+void RunScript(const CSQLScriptMgr& scripts, frmStatus& status, const UnattendedScript& script) {
+    status.StatusText(script.running);
+    scripts.ExecuteSQLScript(script.script, "");
+    StepBar(status);
+}
+
+void InstallPackages(const CSQLScriptMgr& scripts, frmStatus& status) {
+    status.StatusText("Installing DTS packages...");
+    for (const eDTSPackage package : kDtsPackages) {
+        if (scripts.DTSPackageExist(package)) {
+            scripts.InstallDTSPackage(package);
+        }
+        StepBar(status);
+    }
+}
+
+} // namespace kv

@@ -1,0 +1,225 @@
+// The sequence of the unattended upgrade where nothing stands in its way.
+#include "unattended/automatic_upgrade.h"
+
+#include "unattended/upgrade_fixture.h"
+
+namespace kv {
+namespace {
+
+/// An ADO operation that opens by the standard sequence on "master".
+Lines OnMaster(const Lines& statements) {
+    Lines calls = {"CursorLocation 3",
+                   "ConnectionString Driver={SQL Server};Server=NodeA;Database=master;Uid=lk_admin;Pwd=pw;",
+                   "CommandTimeout 300", "ConnectionTimeout 300", "Open '' '' '' -1"};
+    for (const std::string& statement : statements) {
+        // A line of the files' stands between the statements that it came between.
+        const bool file = statement.starts_with("copy ") || statement.starts_with("delete ");
+        calls.push_back(file ? statement : "Execute 1 " + statement);
+    }
+    calls.emplace_back("Close");
+    return calls;
+}
+
+Lines Joined(const std::vector<Lines>& parts) {
+    Lines all;
+    for (const Lines& part : parts) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
+std::string BarAt(int place) {
+    return "bar 0 17 " + std::to_string(place);
+}
+
+/// A step of the bar and the text behind it.
+Lines Next(int place, const std::string& text) {
+    return {BarAt(place), "label " + text, "events"};
+}
+
+class UpgradeOrder : public AutomaticUpgrade {
+  protected:
+    const Lines rename_ = OnMaster({
+        "use master",
+        "ALTER DATABASE [Batch] SET SINGLE_USER WITH ROLLBACK IMMEDIATE",
+        "ALTER DATABASE [Batch] SET MULTI_USER",
+        "ALTER DATABASE Batch MODIFY NAME = TmpBatchUpgradeDb",
+        "ALTER DATABASE TmpBatchUpgradeDb MODIFY FILE (NAME=Batch_data, NEWNAME=TmpBatchUpgradeDb_data)",
+        "ALTER DATABASE TmpBatchUpgradeDb MODIFY FILE (NAME=Batch_log, NEWNAME=TmpBatchUpgradeDb_log)",
+        "sp_detach_db N'TmpBatchUpgradeDb', N'true'",
+        std::string("copy ") + kOldData + " " + kNewData,
+        std::string("copy ") + kOldLog + " " + kNewLog,
+        std::string("delete ") + kOldData,
+        std::string("delete ") + kOldLog,
+        std::string("sp_attach_db N'TmpBatchUpgradeDb', N'") + kNewData + "', N'" + kNewLog + "'",
+    });
+
+    Lines Removal() const {
+        const std::string guard = kGuard;
+        return OnMaster({guard + "ALTER DATABASE [TmpBatchUpgradeDb] SET SINGLE_USER WITH ROLLBACK IMMEDIATE",
+                         guard + "ALTER DATABASE [TmpBatchUpgradeDb] SET MULTI_USER",
+                         guard + "DROP DATABASE [TmpBatchUpgradeDb]"});
+    }
+    static Lines Modifying() {
+        Lines lines = Next(3, "Modifying sql scripts...");
+        for (int place = 4; place <= 7; ++place) {
+            lines.push_back(BarAt(place));
+        }
+        lines.insert(lines.end(), {"label Installing the new database...", "events",
+                                   R"(create folder C:\Lotkeeper\Server\Data)"});
+        for (const char* script :
+             {"Create_Batch_Database", "Insert_Default_Data", "Create_Batch_Stored_Procedures"}) {
+            lines.push_back(R"(write C:\Lotkeeper\Server\Data\)" + std::string(script) + ".sql");
+        }
+        return lines;
+    }
+    static Lines Packages() {
+        Lines lines;
+        for (const eDTSPackage package : kDtsPackages) {
+            if (package != kDtsPackages.front()) {
+                lines.push_back(BarAt(10 + static_cast<int>(package)));
+            }
+            lines.push_back("RemoveFromSQLServer " + PackageName(package));
+            lines.emplace_back("LoadFromStorageFile ");
+            lines.emplace_back("SaveToSQLServer pw");
+        }
+        return lines;
+    }
+    static Lines TakingOver() {
+        const std::string head = "ConnectionString Driver={SQL Server};Server=NodeA;Database=";
+        return {"CursorLocation 3",
+                "CommandTimeout 300",
+                "ConnectionTimeout 300",
+                head + "TmpBatchUpgradeDb;Uid=lk_admin;Pwd=pw;",
+                "Open '' '' '' -1",
+                std::string("Execute 1 ") + kVersionQuery,
+                "Close",
+                head + "Batch;Uid=lk_admin;Pwd=pw;",
+                "Open '' '' '' -1",
+                std::string("Execute 1 ") + kVersionQuery,
+                "Execute 1 spUninstallReplication",
+                "Execute 1 spUpgradeDatabase 1, 2, N'TmpBatchUpgradeDb', N'Batch', N'lk_admin', N'pw'"};
+    }
+};
+
+// The end of an operation and the step of the bar behind it are noted together, the screen's first.
+TEST_F(UpgradeOrder, IsThisAndNoOther) {
+    RunToTheEnd();
+    Lines wanted = Joined({{"window made Installing / Upgrading Lotkeeper database", "bar 0 100 0", BarAt(0),
+                            "label Retrieving upgrade information...", "events", "show", "events"},
+                           OnMaster({kFileQuery}),
+                           Next(1, "Deleting existing temporary database..."),
+                           Removal(),
+                           Next(2, "Renaming existing database..."),
+                           OnMaster({kFileQuery}),
+                           rename_,
+                           Modifying(),
+                           {"run Create_Batch_Database"},
+                           Next(8, "Installing batch stored procedures..."),
+                           {"run Create_Batch_Stored_Procedures"},
+                           Next(9, "Inserting batch default data..."),
+                           {"run Insert_Default_Data"},
+                           Next(10, "Installing DTS packages..."),
+                           Packages(),
+                           Next(16, "Upgrading database 'Batch' from 'TmpBatchUpgradeDb'..."),
+                           TakingOver(),
+                           {BarAt(17), "window gone", "Close"}});
+    // A "Close" is noted with what comes next, behind the screen's lines of that moment.
+    const auto without = [](Lines lines) {
+        std::erase(lines, "Close");
+        return lines;
+    };
+    EXPECT_EQ(without(journal_), without(wanted));
+    EXPECT_EQ(std::count(journal_.begin(), journal_.end(), "Close"),
+              std::count(wanted.begin(), wanted.end(), "Close"));
+    EXPECT_TRUE(LogLines().empty());
+}
+
+TEST_F(AutomaticUpgrade, TheBarMovesExactlyToItsEnd) {
+    RunToTheEnd();
+    EXPECT_EQ(Bar(), "17 / 17 17");
+}
+
+TEST_F(AutomaticUpgrade, LoginIsReadFromTheRegistry) {
+    RunToTheEnd();
+    Lines asked;
+    for (const std::string& call : registry_.Calls()) {
+        if (call.starts_with("Query ") && asked.size() < 3) {
+            asked.push_back(call);
+        }
+    }
+    EXPECT_EQ(asked, (Lines{"Query ServerName", "Query UserID", "Query PWD"}));
+    for (const auto& info : processes_.started) {
+        EXPECT_EQ(info.parameters.find(" -S NodeA -U lk_admin -P pw -i "), 0U) << info.parameters;
+    }
+    EXPECT_EQ(packages_.calls.front().arguments, (Lines{"NodeA", "lk_admin", "pw", "StdSynchronize"}));
+}
+
+TEST_F(AutomaticUpgrade, PasswordOfTheRegistryIsUsedAsItStands) {
+    const std::string password = " =Ab%20\\3D\xE4+/== ";
+    Login("NodeA", "lk_admin", password.c_str());
+    RunToTheEnd();
+    EXPECT_EQ(ado_.calls[1],
+              "ConnectionString Driver={SQL Server};Server=NodeA;Database=master;Uid=lk_admin;Pwd=" +
+                  password + ";");
+    EXPECT_EQ(processes_.started.front().parameters.find(" -S NodeA -U lk_admin -P " + password + " -i "),
+              0U);
+    EXPECT_EQ(packages_.calls.front().arguments[2], password);
+    EXPECT_TRUE(ado_.Statements().back().ends_with(", N'" + password + "'"));
+}
+
+TEST_F(AutomaticUpgrade, NewFilesGoWhereTheOldDataFileLies) {
+    RunToTheEnd();
+    EXPECT_EQ(files_.Content(R"(C:\Lotkeeper\Server\Data\Create_Batch_Database.sql)"),
+              "USE NODEA D:\\Old Data\r\n\r\n");
+    EXPECT_EQ(Files(), "--xx");
+    EXPECT_EQ(files_.Content(kNewData), "old rows");
+    EXPECT_EQ(files_.Content(kNewLog), "old log");
+}
+
+// Each of the two managers takes one backslash off the end.
+TEST_F(AutomaticUpgrade, DataPathIsCutBehindItsLastBackslash) {
+    struct Case {
+        const char* file;
+        const char* folder;
+    };
+    for (const Case& one : {Case{R"(D:\A\B\Batch.mdf)", R"(D:\A\B)"}, Case{R"(D:\Batch.mdf)", "D:"},
+                            Case{R"(D:\A\\Batch.mdf)", R"(D:\A)"}, Case{R"(\Batch.mdf)", ""},
+                            Case{"Batch.mdf", "Batch.mdf"}, Case{"/a/Batch.mdf", "/a/Batch.mdf"}}) {
+        SCOPED_TRACE(one.file);
+        AnswerFiles(one.file, kOldLog);
+        Run();
+        EXPECT_EQ(files_.Content(R"(C:\Lotkeeper\Server\Data\Create_Batch_Database.sql)"),
+                  std::string("USE NODEA ") + one.folder + "\r\n\r\n");
+    }
+}
+
+TEST_F(AutomaticUpgrade, WithoutPackageFilesTheBarStillMovesAndTheUpgradeFollows) {
+    for (const eDTSPackage package : kDtsPackages) {
+        files_.files.erase("S:/Scripts/" + PackageFileName(package));
+    }
+    RunToTheEnd();
+    EXPECT_TRUE(packages_.calls.empty());
+    EXPECT_EQ(Bar(), "17 / 17 17");
+    EXPECT_TRUE(ado_.Statements().back().starts_with("spUpgradeDatabase 1, 2, "));
+    EXPECT_TRUE(LogLines().empty());
+}
+
+TEST_F(AutomaticUpgrade, ASecondRunWorksTheSameWay) {
+    RunToTheEnd();
+    const Lines first = journal_;
+    journal_.clear();
+    AddOldFiles();
+    files_.folders.erase(fakes::FakeFiles::Plain(kDataFolder));
+    RunToTheEnd();
+    Lines second = journal_;
+    // What differs: the modified scripts of the first run are replaced.
+    std::erase_if(second, [](const std::string& line) {
+        return line.starts_with(std::string("delete ") + kDataFolder);
+    });
+    EXPECT_EQ(second, first);
+    EXPECT_TRUE(LogLines().empty());
+}
+
+} // namespace
+} // namespace kv
