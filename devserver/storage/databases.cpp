@@ -88,29 +88,6 @@ void HashBlock(Digest& digest, const unsigned char* block) {
     }
 }
 
-std::string Sha256(std::string text) {
-    const std::uint64_t bits = text.size() * 8;
-    text += '\x80';
-    while (text.size() % 64 != 56) {
-        text += '\0';
-    }
-    for (int shift = 56; shift >= 0; shift -= 8) {
-        text += static_cast<char>(bits >> shift & 0xFF);
-    }
-    Digest digest = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
-                     0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
-    for (std::size_t at = 0; at < text.size(); at += 64) {
-        HashBlock(digest, reinterpret_cast<const unsigned char*>(text.data() + at));
-    }
-    std::string hex;
-    for (const std::uint32_t word : digest) {
-        for (int shift = 28; shift >= 0; shift -= 4) {
-            hex += "0123456789abcdef"[word >> shift & 0xF];
-        }
-    }
-    return hex;
-}
-
 } // namespace
 
 bool DatabaseInfo::Option(const std::string& option) const {
@@ -236,6 +213,29 @@ void SaveLogin(SqliteConnection& connection, const LoginInfo& login) {
 
 void RemoveLogin(SqliteConnection& connection, std::string_view name) {
     connection.Prepare("DELETE FROM devsql_logins WHERE name = ?1").BindText(1, name).Run();
+}
+
+std::string Sha256(std::string text) {
+    const std::uint64_t bits = text.size() * 8;
+    text += '\x80';
+    while (text.size() % 64 != 56) {
+        text += '\0';
+    }
+    for (int shift = 56; shift >= 0; shift -= 8) {
+        text += static_cast<char>(bits >> shift & 0xFF);
+    }
+    Digest digest = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+                     0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
+    for (std::size_t at = 0; at < text.size(); at += 64) {
+        HashBlock(digest, reinterpret_cast<const unsigned char*>(text.data() + at));
+    }
+    std::string hex;
+    for (const std::uint32_t word : digest) {
+        for (int shift = 28; shift >= 0; shift -= 4) {
+            hex += "0123456789abcdef"[word >> shift & 0xF];
+        }
+    }
+    return hex;
 }
 
 std::string HashPassword(std::string_view password) {

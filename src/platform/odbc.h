@@ -224,6 +224,10 @@ class Statement {
     /// Seconds that a call may take before it fails with HYT00; 0 means no limit.
     void SetQueryTimeout(unsigned seconds);
 
+    /// Asks what the statement runs to end; the running call then fails (HY008). The one call that another
+    /// thread may make.
+    void Cancel() noexcept;
+
     /// Makes the next ExecDirect keep the results behind an error, where Connection::DropsResultsBehindError
     /// says that it would not. Runs an empty PRINT, which resets the session's @@ERROR and @@ROWCOUNT; other
     /// statements may run between this and the ExecDirect.

@@ -74,6 +74,10 @@ void Statement::SetQueryTimeout(unsigned seconds) {
                                                     AttributeValue(seconds), SQL_IS_UINTEGER));
 }
 
+void Statement::Cancel() noexcept {
+    SQLCancel(handle_.Get()); // Whatever it answers: the running call tells what became of it.
+}
+
 void Statement::KeepResultsBehindError() {
     // unixODBC 2.3 remembers a failed execution as "no results" only for a statement without a cursor. It
     // takes a successful execution, whatever it gave, for a cursor; a message is the one success that FreeTDS

@@ -329,6 +329,12 @@ SQLRETURN SQL_API SQLExecute(SQLHSTMT handle) {
     return code;
 }
 
+SQLRETURN SQL_API SQLCancel(SQLHSTMT handle) {
+    SQLRETURN code = SQL_SUCCESS;
+    Begin(handle, "SQLCancel", code);
+    return code;
+}
+
 SQLRETURN SQL_API SQLMoreResults(SQLHSTMT handle) {
     SQLRETURN code = SQL_SUCCESS;
     if (FakeHandle* const fake = Begin(handle, "SQLMoreResults", code)) {

@@ -1,0 +1,213 @@
+#include "devserver/linked/odbc_remote.h"
+
+#include <algorithm>
+#include <mutex>
+
+#include "devserver/linked/odbc_values.h"
+#include "devserver/tsql/scalar/text.h"
+#include "platform/odbc.h"
+#include "platform/odbc_rows.h"
+
+namespace devsql {
+namespace {
+
+namespace odbc = platform::odbc;
+
+constexpr std::uint8_t kErrorSeverity = 16;
+constexpr std::string_view kTimedOut = "HYT00";
+constexpr std::string_view kCancelled = "HY008";
+
+/// What the server itself reported has a severity; what driver and driver manager report has none.
+bool IsServers(const odbc::Diagnostic& diagnostic) {
+    return diagnostic.severity.has_value();
+}
+
+Message MessageOf(const odbc::Diagnostic& diagnostic) {
+    Message message;
+    message.number = diagnostic.native_error;
+    message.severity = static_cast<std::uint8_t>(diagnostic.severity.value_or(kErrorSeverity));
+    message.state = static_cast<std::uint8_t>(diagnostic.state.value_or(1));
+    message.text = FromCodePage1252(std::string(odbc::WithoutOrigin(diagnostic.message)));
+    message.procedure = FromCodePage1252(diagnostic.procedure);
+    message.line = diagnostic.line.value_or(1);
+    return message;
+}
+
+/// A value of a connection string. Braces only where they are needed: drivers differ in what they take
+/// within.
+std::string Quoted(const std::string& value) {
+    const bool plain = value.find(';') == std::string::npos && !value.starts_with('{') &&
+                       !value.starts_with(' ') && !value.ends_with(' ');
+    if (plain) {
+        return value;
+    }
+    std::string quoted = "{";
+    for (const char c : value) {
+        quoted += c == '}' ? "}}" : std::string(1, c);
+    }
+    return quoted + "}";
+}
+
+std::string ConnectionString(const RemoteSource& source) {
+    std::string text = "Driver={SQL Server};";
+    const auto add = [&](const char* name, const std::string& value) {
+        if (!value.empty()) {
+            text += std::string(name) + "=" + Quoted(value) + ";";
+        }
+    };
+    add("Server", source.address);
+    add("Database", source.catalog);
+    add("Uid", source.user);
+    text += "Pwd=" + Quoted(source.password) + ";";
+    add("App", source.application);
+    return ToCodePage1252(text + source.provider_string);
+}
+
+class OdbcRemote : public RemoteConnection {
+  public:
+    explicit OdbcRemote(const RemoteSource& source)
+        : connection_(environment_), query_seconds_(source.query_seconds) {
+        try {
+            connection_.DriverConnect(ConnectionString(source), source.connect_seconds);
+        } catch (const odbc::OdbcError& error) {
+            throw ConnectFailure(error);
+        }
+    }
+
+    void Run(const std::string& sql, RemoteSink& sink) override {
+        odbc::Statement statement(connection_);
+        statement.SetQueryTimeout(query_seconds_);
+        const Running running(*this, statement);
+        if (connection_.DropsResultsBehindError()) {
+            Step(statement, sink, [&] { return statement.KeepResultsBehindError(), true; });
+        }
+        bool more = Step(statement, sink, [&] {
+            statement.ExecDirect(ToCodePage1252(sql));
+            TakeResult(statement, sink);
+            return true;
+        });
+        while (more) {
+            more = Step(statement, sink, [&] {
+                const bool found = statement.MoreResults();
+                if (found) {
+                    TakeResult(statement, sink);
+                }
+                return found;
+            });
+        }
+    }
+
+    void Cancel() override {
+        const std::lock_guard lock(mutex_);
+        if (running_ != nullptr) {
+            running_->Cancel();
+        }
+    }
+
+  private:
+    /// The statement that Cancel means, for as long as it runs.
+    class Running {
+      public:
+        Running(OdbcRemote& remote, odbc::Statement& statement) : remote_(remote) {
+            const std::lock_guard lock(remote_.mutex_);
+            remote_.running_ = &statement;
+        }
+        ~Running() {
+            const std::lock_guard lock(remote_.mutex_);
+            remote_.running_ = nullptr;
+        }
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+
+      private:
+        OdbcRemote& remote_;
+    };
+
+    static RemoteFailure ConnectFailure(const odbc::OdbcError& error) {
+        const std::vector<odbc::Diagnostic>& records = error.Diagnostics();
+        const auto server = std::ranges::find_if(records, IsServers);
+        if (server != records.end()) {
+            return {RemoteFailure::Kind::Refused, MessageOf(*server)};
+        }
+        const bool no_driver = std::ranges::any_of(records, [](const odbc::Diagnostic& record) {
+            // IM002, IM003: the driver manager finds no driver of the name; 01000: it can't load the file.
+            return record.sql_state.starts_with("IM") || record.sql_state == "01000";
+        });
+        return {no_driver ? RemoteFailure::Kind::NoDriver : RemoteFailure::Kind::Unreachable,
+                MessageOf(records.front())};
+    }
+
+    /// Makes one call and passes on what the server says. False: there is nothing behind it.
+    template <class Call>
+    bool Step(odbc::Statement& statement, RemoteSink& sink, Call call) {
+        bool more = false;
+        try {
+            more = call();
+        } catch (const odbc::OdbcError& error) {
+            more = PassOn(error, sink);
+        }
+        for (const odbc::Diagnostic& message : statement.TakeMessages()) {
+            if (IsServers(message)) {
+                sink.Said(MessageOf(message));
+            }
+        }
+        return more;
+    }
+
+    static bool PassOn(const odbc::OdbcError& error, RemoteSink& sink) {
+        const std::vector<odbc::Diagnostic>& records = error.Diagnostics();
+        for (const odbc::Diagnostic& record : records) {
+            if (IsServers(record)) {
+                sink.Said(MessageOf(record));
+            }
+        }
+        const bool servers = std::ranges::any_of(records, IsServers);
+        if (error.ConnectionLost() || !servers) {
+            const std::string& state = records.front().sql_state;
+            throw RemoteFailure(state == kTimedOut || state == kCancelled ? RemoteFailure::Kind::TimedOut
+                                                                          : RemoteFailure::Kind::Lost,
+                                MessageOf(records.front()));
+        }
+        return true;
+    }
+
+    static void TakeResult(odbc::Statement& statement, RemoteSink& sink) {
+        if (statement.ColumnCount() == 0) {
+            const std::int64_t count = statement.RowCount();
+            if (count >= 0) {
+                sink.Count(count);
+            }
+            return;
+        }
+        odbc::RowReader reader(statement);
+        std::vector<Column> columns;
+        for (const odbc::Column& column : reader.Columns()) {
+            columns.push_back(ColumnOfOdbc(column));
+        }
+        sink.Columns(columns);
+        std::vector<odbc::Value> from;
+        std::vector<Value> row(columns.size());
+        while (reader.Next(from)) {
+            for (std::size_t i = 0; i < row.size(); ++i) {
+                row[i] = ValueOfOdbc(from[i], columns[i].type);
+            }
+            sink.Row(row);
+        }
+    }
+
+    // One environment for each connection: driver managers may hold the environment's lock while a driver
+    // waits for its server, and that server may be this program itself.
+    odbc::Environment environment_;
+    odbc::Connection connection_;
+    unsigned query_seconds_;
+    std::mutex mutex_;
+    odbc::Statement* running_ = nullptr;
+};
+
+} // namespace
+
+std::unique_ptr<RemoteConnection> ConnectByOdbc(const RemoteSource& source) {
+    return std::make_unique<OdbcRemote>(source);
+}
+
+} // namespace devsql

@@ -1,0 +1,14 @@
+// Columns and values as ODBC hands them over, in the server's own form. Knows nothing of connections.
+#pragma once
+
+#include "devserver/tsql/engine.h"
+#include "platform/odbc.h"
+
+namespace devsql {
+
+/// A type that the server has no equal for becomes nvarchar(max).
+Column ColumnOfOdbc(const platform::odbc::Column& column);
+/// Of the type that ColumnOfOdbc gave.
+Value ValueOfOdbc(const platform::odbc::Value& value, const Type& type);
+
+} // namespace devsql

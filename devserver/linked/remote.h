@@ -1,0 +1,76 @@
+// What the language sees of another server: a connection that runs T-SQL there and hands back what comes, in
+// order. Knows nothing of how it is reached, nor of what the language wants with it.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "devserver/tsql/engine.h"
+
+namespace devsql {
+
+/// Where another server is and who logs in there. Texts are UTF-8.
+struct RemoteSource {
+    std::string address;         ///< HOST, "HOST,PORT", HOST\INSTANCE
+    std::string provider_string; ///< attributes of a connection string; put behind those made of the others
+    std::string catalog;         ///< the database; empty: the login's default
+    std::string user;
+    std::string password;
+    std::string application; ///< what the other server is told of who calls
+    unsigned connect_seconds = 15;
+    unsigned query_seconds = 600; ///< 0: no limit
+};
+
+/// Takes what a batch gives at the other server, in order.
+class RemoteSink {
+  public:
+    virtual ~RemoteSink() = default;
+    /// Begins a result set.
+    virtual void Columns(const std::vector<Column>& columns) = 0;
+    virtual void Row(const std::vector<Value>& values) = 0;
+    /// A statement without result set has touched so many rows.
+    virtual void Count(std::int64_t rows) = 0;
+    /// An error or a message of the other server.
+    virtual void Said(const Message& message) = 0;
+};
+
+/// The other server can't be reached or used: what was said about it, by the way there or by the server
+/// itself.
+class RemoteFailure : public std::exception {
+  public:
+    enum class Kind : std::uint8_t {
+        NoDriver,    ///< nothing on this system leads to such a server
+        Refused,     ///< the server answered, and said no: `message` is its error
+        Unreachable, ///< nobody answered, or not in time
+        Lost,        ///< the connection broke while it was used
+        TimedOut,    ///< a batch took too long, or was cancelled; the connection can still be used
+    };
+    RemoteFailure(Kind kind, Message message) : kind_(kind), message_(std::move(message)) {}
+    Kind kind() const { return kind_; }
+    const Message& message() const { return message_; }
+    const char* what() const noexcept override { return message_.text.c_str(); }
+
+  private:
+    Kind kind_;
+    Message message_;
+};
+
+/// One connection; used by one thread at a time, except Cancel.
+class RemoteConnection {
+  public:
+    virtual ~RemoteConnection() = default;
+    /// Runs a batch to its end. Errors of the other server go to the sink. Throws RemoteFailure, and what the
+    /// sink throws, which ends the batch there.
+    virtual void Run(const std::string& sql, RemoteSink& sink) = 0;
+    /// Asks the running batch to end soon; from any thread, at any time.
+    virtual void Cancel() = 0;
+};
+
+/// Throws RemoteFailure.
+using RemoteConnector = std::function<std::unique_ptr<RemoteConnection>(const RemoteSource&)>;
+
+} // namespace devsql
