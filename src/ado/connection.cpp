@@ -1,12 +1,9 @@
 // The connection over ODBC. Each has a driver manager's environment of its own, so that nothing outlives it.
 #include "ado/connection.h"
 
-#include <optional>
-#include <utility>
-
+#include "ado/connection_impl.h"
 #include "ado/error_numbers.h"
 #include "ado/statement_run.h"
-#include "platform/odbc.h"
 
 namespace ado {
 namespace {
@@ -14,13 +11,6 @@ namespace {
 namespace odbc = platform::odbc;
 
 constexpr char kSource[] = "ADODB.Connection";
-
-/// What is there from Open to Close.
-struct Session {
-    odbc::Environment environment;
-    odbc::Connection connection{environment};
-    bool drops_results_behind_error = false;
-};
 
 unsigned Seconds(std::int32_t value) {
     return value > 0 ? static_cast<unsigned>(value) : 0;
@@ -38,31 +28,47 @@ void RefuseOptions(std::int32_t options, bool text_allowed) {
 
 } // namespace
 
-struct Connection::Impl {
-    std::int32_t cursor_location = adUseServer;
-    std::string connection_string;
-    std::int32_t connection_timeout = 15; // seconds, as the next one: what they are when nobody sets them
-    std::int32_t command_timeout = 30;
-    ado::Errors errors;
-    std::unique_ptr<Session> session;
+void Connection::Impl::CheckOpen(bool wanted) const {
+    if ((session != nullptr) != wanted) {
+        RaiseOwnError(wanted ? kObjectClosed : kObjectOpen, kSource);
+    }
+}
 
-    void CheckOpen(bool wanted) const {
-        if ((session != nullptr) != wanted) {
-            RaiseOwnError(wanted ? kObjectClosed : kObjectOpen, kSource);
+std::unique_ptr<Session> Connection::Impl::Connect() const {
+    auto made = std::make_unique<Session>();
+    made->connection.DriverConnect(connection_string, Seconds(connection_timeout));
+    made->drops_results_behind_error = made->connection.DropsResultsBehindError();
+    return made;
+}
+
+std::unique_ptr<Recordset> Connection::Impl::Run(const Work& work, std::int64_t& records_affected) {
+    errors.Clear();
+    try {
+        odbc::Statement statement(session->connection);
+        statement.SetQueryTimeout(Seconds(work.timeout));
+        if (work.results_behind_error && session->drops_results_behind_error) {
+            statement.KeepResultsBehindError();
         }
+        StatementRun run(statement);
+        run.Run([&] { work.start(statement); });
+        errors = ErrorsOf(run.Diagnostics());
+        records_affected = run.RecordsAffected();
+        if (run.Failed()) {
+            Raise(errors.Item(0));
+        }
+        if (work.finish) {
+            work.finish(statement);
+        }
+        return run.TakeRecordset();
+    } catch (const odbc::OdbcError& error) {
+        Fail(error);
     }
-    std::unique_ptr<Session> Connect() const {
-        auto made = std::make_unique<Session>();
-        made->connection.DriverConnect(connection_string, Seconds(connection_timeout));
-        made->drops_results_behind_error = made->connection.DropsResultsBehindError();
-        return made;
-    }
-    /// What the database reported becomes the errors and, the first of it, the failure.
-    [[noreturn]] void Fail(const odbc::OdbcError& error) {
-        errors = ErrorsOf(error.Diagnostics());
-        Raise(errors.Item(0));
-    }
-};
+}
+
+void Connection::Impl::Fail(const odbc::OdbcError& error) {
+    errors = ErrorsOf(error.Diagnostics());
+    Raise(errors.Item(0));
+}
 
 Connection::Connection() : impl_(std::make_unique<Impl>()) {}
 Connection::Connection(Connection&&) noexcept = default;
@@ -133,24 +139,10 @@ std::unique_ptr<Recordset> Connection::Execute(const std::string& command_text,
                                                std::int64_t& records_affected, std::int32_t options) {
     impl_->CheckOpen(true);
     RefuseOptions(options, true);
-    impl_->errors.Clear();
-    try {
-        odbc::Statement statement(impl_->session->connection);
-        statement.SetQueryTimeout(Seconds(impl_->command_timeout));
-        if (impl_->session->drops_results_behind_error) {
-            statement.KeepResultsBehindError();
-        }
-        StatementRun run(statement);
-        run.Run(command_text);
-        impl_->errors = ErrorsOf(run.Diagnostics());
-        records_affected = run.RecordsAffected();
-        if (run.Failed()) {
-            Raise(impl_->errors.Item(0));
-        }
-        return run.TakeRecordset();
-    } catch (const odbc::OdbcError& error) {
-        impl_->Fail(error);
-    }
+    return impl_->Run({.timeout = impl_->command_timeout,
+                       .results_behind_error = true,
+                       .start = [&](odbc::Statement& statement) { statement.ExecDirect(command_text); }},
+                      records_affected);
 }
 
 std::int32_t Connection::State() const {

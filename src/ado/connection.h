@@ -16,6 +16,8 @@ inline constexpr std::int32_t adUseClient = 3;
 /// The option that says nothing, and the one that says that a command is text.
 inline constexpr std::int32_t adOptionUnspecified = -1;
 inline constexpr std::int32_t adCmdText = 1;
+/// The catalogue of the stored procedures.
+inline constexpr std::int32_t adSchemaProcedures = 16;
 
 /// Every failure is a CallError: the first of Errors where the server or the driver reported it, one of the
 /// layer's own numbers where the call itself was wrong.
@@ -56,14 +58,21 @@ class Connection {
     /// to look for it may.
     std::unique_ptr<Recordset> Execute(const std::string& command_text, std::int64_t& records_affected,
                                        std::int32_t options);
+    /// A catalogue of the database: adSchemaProcedures, of which the fields PROCEDURE_CATALOG,
+    /// PROCEDURE_SCHEMA and PROCEDURE_NAME ("name;1") are promised. Other numbers are refused with
+    /// kFeatureNotAvailable.
+    std::unique_ptr<Recordset> OpenSchema(std::int32_t schema);
     /// adStateOpen from Open to Close, also when the server has gone meanwhile.
     std::int32_t State() const;
     /// Recordsets stay. Errors too.
     void Close();
-    /// What the last Open or Execute left.
+    /// What the last call that asked the server left: Open, Execute, OpenSchema, or one of a command.
     const ado::Errors& Errors() const;
 
   private:
+    friend class Command;
+    friend class Parameters;
+
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

@@ -14,6 +14,7 @@ constexpr std::int32_t kCannotConvert = -2147217913;   // 0x80040E07
 constexpr std::int32_t kDataOverflow = -2147217833;    // 0x80040E57
 constexpr std::int32_t kTimeOut = -2147217871;         // 0x80040E31
 constexpr std::int32_t kLoginFailed = -2147217843;     // 0x80040E4D
+constexpr std::int32_t kNoCommandText = -2147217908;   // 0x80040E0C
 constexpr std::int32_t kUnspecified = -2147467259;     // 0x80004005
 
 struct StateNumber {
@@ -58,6 +59,14 @@ Error ErrorOf(const platform::odbc::Diagnostic& diagnostic) {
     error.Source = SourceOf(diagnostic.message);
     error.NativeError = diagnostic.native_error;
     error.SQLState = diagnostic.sql_state;
+    return error;
+}
+
+Error NoCommandText() {
+    Error error;
+    error.Number = kNoCommandText;
+    error.Description = "Command text was not set for the command object.";
+    error.Source = "ODBC";
     return error;
 }
 

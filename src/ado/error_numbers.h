@@ -11,6 +11,9 @@ namespace ado {
 /// the driver's, with the components that it passed in front.
 Error ErrorOf(const platform::odbc::Diagnostic& diagnostic);
 
+/// What the provider reports where a command has no text: no driver is asked then.
+Error NoCommandText();
+
 /// The collection of all records, in the order in which they came but errors in front of messages.
 Errors ErrorsOf(const std::vector<platform::odbc::Diagnostic>& diagnostics);
 

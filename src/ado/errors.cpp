@@ -21,6 +21,9 @@ constexpr std::array kOwnTexts = {
                            "ordinal."},
     OwnText{kObjectClosed, "Operation is not allowed when the object is closed."},
     OwnText{kObjectOpen, "Operation is not allowed when the object is open."},
+    OwnText{kInvalidConnection,
+            "The connection cannot be used to perform this operation. It is either closed "
+            "or invalid in this context."},
 };
 
 } // namespace

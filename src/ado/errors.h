@@ -67,6 +67,7 @@ inline constexpr std::int32_t kFeatureNotAvailable = 3251;
 inline constexpr std::int32_t kItemNotFound = 3265;
 inline constexpr std::int32_t kObjectClosed = 3704;
 inline constexpr std::int32_t kObjectOpen = 3705;
+inline constexpr std::int32_t kInvalidConnection = 3709;
 
 /// Throws the CallError of one of these numbers with its text. `source` is the object's class;
 /// `detail`, if there is one, goes behind the text and names what was refused.

@@ -1,5 +1,6 @@
 #include "ado/recordset.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "ado/errors.h"
@@ -31,6 +32,18 @@ Field Fields::Item(std::int32_t index) const {
         RaiseOwnError(kItemNotFound, "ADODB.Fields");
     }
     return {*recordset_, static_cast<std::size_t>(index)};
+}
+
+Field Fields::Item(std::string_view name) const {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    const std::vector<std::string>& names = recordset_->field_names_;
+    const auto found = std::ranges::find_if(names, [&](const std::string& candidate) {
+        return std::ranges::equal(candidate, name, {}, lower, lower);
+    });
+    if (found == names.end()) {
+        RaiseOwnError(kItemNotFound, "ADODB.Fields", std::string(name));
+    }
+    return {*recordset_, static_cast<std::size_t>(found - names.begin())};
 }
 
 Recordset::Recordset(std::vector<std::string> field_names, RowStore rows)

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ado/row_store.h"
@@ -36,6 +37,8 @@ class Fields {
     std::int32_t Count() const;
     /// The first has the index 0. Throws kItemNotFound.
     Field Item(std::int32_t index) const;
+    /// By its name, without regard to case. Throws kItemNotFound.
+    Field Item(std::string_view name) const;
 
   private:
     const Recordset* recordset_;

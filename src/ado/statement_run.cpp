@@ -3,39 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "ado/odbc_values.h"
 #include "platform/odbc_rows.h"
 
 namespace ado {
 namespace {
 
 namespace odbc = platform::odbc;
-
-/// Makes the layer's value of the driver's.
-struct ToVariant {
-    odbc::SqlType type;
-
-    Variant operator()(std::monostate) const { return Null(); }
-    Variant operator()(bool value) const { return value; }
-    Variant operator()(std::int64_t value) const { return value; }
-    Variant operator()(double value) const {
-        return type == odbc::SqlType::Real ? Variant(static_cast<float>(value)) : Variant(value);
-    }
-    Variant operator()(std::string& value) const {
-        const bool exact = type == odbc::SqlType::Decimal || type == odbc::SqlType::Numeric;
-        return exact ? Variant(Decimal{std::move(value)}) : Variant(std::move(value));
-    }
-    Variant operator()(odbc::Bytes& value) const { return std::move(value); }
-    Variant operator()(const odbc::Timestamp& value) const { return value; }
-    Variant operator()(const odbc::Guid& value) const {
-        char text[40];
-        std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", value.data1,
-                      unsigned{value.data2}, unsigned{value.data3}, unsigned{value.data4[0]},
-                      unsigned{value.data4[1]}, unsigned{value.data4[2]}, unsigned{value.data4[3]},
-                      unsigned{value.data4[4]}, unsigned{value.data4[5]}, unsigned{value.data4[6]},
-                      unsigned{value.data4[7]});
-        return text;
-    }
-};
 
 std::unique_ptr<Recordset> ReadRows(odbc::Statement& statement) {
     odbc::RowReader reader(statement);
@@ -50,7 +24,7 @@ std::unique_ptr<Recordset> ReadRows(odbc::Statement& statement) {
     std::vector<Variant> row(columns.size());
     while (reader.Next(from)) {
         for (std::size_t i = 0; i < columns.size(); ++i) {
-            row[i] = std::visit(ToVariant{columns[i].type}, from[i]);
+            row[i] = VariantOf(columns[i].type, from[i]);
         }
         store.Append(row);
     }
@@ -101,9 +75,9 @@ void StatementRun::TakeResult() {
     }
 }
 
-void StatementRun::Run(const std::string& sql) {
+void StatementRun::Run(const std::function<void()>& start) {
     bool more = Step([&] {
-        statement_.ExecDirect(sql);
+        start();
         TakeResult();
         return true;
     });

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -10,13 +11,13 @@
 
 namespace ado {
 
-/// Collects what a statement gives. `start` begins it; the results are taken until there is none.
+/// Collects what a statement gives: its results are taken until there is none.
 class StatementRun {
   public:
     explicit StatementRun(platform::odbc::Statement& statement) : statement_(statement) {}
 
-    /// Runs `sql`. Throws nothing that the database reported.
-    void Run(const std::string& sql);
+    /// Runs what `start` begins. Throws nothing that the database reported.
+    void Run(const std::function<void()>& start);
 
     /// True if the call that ran it has to fail.
     bool Failed() const { return failed_; }

@@ -1,0 +1,74 @@
+#include "ado/ado_types.h"
+
+#include <algorithm>
+#include <array>
+
+namespace ado {
+namespace {
+
+using platform::odbc::SqlType;
+
+/// Types of ODBC 2, which drivers give to whoever asks as its version 2 does.
+constexpr auto kDate2 = static_cast<SqlType>(9);
+constexpr auto kTime2 = static_cast<SqlType>(10);
+constexpr auto kTimestamp2 = static_cast<SqlType>(11);
+/// The server's own number for XML.
+constexpr auto kXml = static_cast<SqlType>(-152);
+
+/// What ADO over ODBC makes of each type. Of several rows with one of ADO's numbers, the first is what goes
+/// back to the driver.
+constexpr std::array kTypes = {
+    AdoType{adVarWChar, SqlType::WVarChar, TypeKind::Sized},
+    AdoType{adVarChar, SqlType::VarChar, TypeKind::Sized},
+    AdoType{adChar, SqlType::Char, TypeKind::Sized},
+    AdoType{adWChar, SqlType::WChar, TypeKind::Sized},
+    AdoType{adLongVarChar, SqlType::LongVarChar, TypeKind::Long},
+    AdoType{adLongVarWChar, SqlType::WLongVarChar, TypeKind::Long},
+    AdoType{adLongVarWChar, kXml, TypeKind::Long},
+    AdoType{adBinary, SqlType::Binary, TypeKind::Sized},
+    AdoType{adVarBinary, SqlType::VarBinary, TypeKind::Sized},
+    AdoType{adLongVarBinary, SqlType::LongVarBinary, TypeKind::Long},
+    AdoType{adNumeric, SqlType::Numeric, TypeKind::Decimal, 0, true},
+    AdoType{adNumeric, SqlType::Decimal, TypeKind::Decimal, 0, true},
+    AdoType{adBoolean, SqlType::Bit},
+    AdoType{adUnsignedTinyInt, SqlType::TinyInt, TypeKind::Fixed, 3},
+    AdoType{adSmallInt, SqlType::SmallInt, TypeKind::Fixed, 5, true},
+    AdoType{adInteger, SqlType::Integer, TypeKind::Fixed, 10, true},
+    AdoType{adBigInt, SqlType::BigInt, TypeKind::Fixed, 19, true},
+    AdoType{adSingle, SqlType::Real, TypeKind::Fixed, 7, true},
+    AdoType{adDouble, SqlType::Double, TypeKind::Fixed, 15, true},
+    AdoType{adDouble, SqlType::Float, TypeKind::Fixed, 15, true},
+    AdoType{adDBTimeStamp, SqlType::Timestamp, TypeKind::Decimal},
+    AdoType{adDBTimeStamp, kTimestamp2, TypeKind::Decimal},
+    AdoType{adDBDate, SqlType::Date, TypeKind::Fixed, 10},
+    AdoType{adDBDate, kDate2, TypeKind::Fixed, 10},
+    AdoType{adDBTime, SqlType::Time, TypeKind::Fixed, 8},
+    AdoType{adDBTime, kTime2, TypeKind::Fixed, 8},
+    AdoType{adGUID, SqlType::Guid},
+    AdoType{adVariant, SqlType::Variant, TypeKind::Sized},
+};
+
+constexpr const AdoType& kText = kTypes.front();
+
+constexpr AdoType kCurrency{adCurrency, SqlType::Decimal, TypeKind::Decimal, 0, true};
+constexpr std::array<std::string_view, 2> kMoneyNames = {"money", "smallmoney"};
+
+} // namespace
+
+const AdoType& AdoTypeOf(SqlType sql_type, std::string_view type_name) {
+    if (std::ranges::find(kMoneyNames, type_name) != kMoneyNames.end()) {
+        return kCurrency;
+    }
+    const auto* const row = std::ranges::find(kTypes, sql_type, &AdoType::sql_type);
+    return row != kTypes.end() ? *row : kText;
+}
+
+const AdoType& AdoTypeOf(std::int32_t number) {
+    if (number == adCurrency) {
+        return kCurrency;
+    }
+    const auto* const row = std::ranges::find(kTypes, number, &AdoType::number);
+    return row != kTypes.end() ? *row : kText;
+}
+
+} // namespace ado

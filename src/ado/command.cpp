@@ -1,0 +1,280 @@
+// A command over ODBC: the parameters from the driver's catalogue, the call in ODBC's own form.
+#include "ado/command.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
+
+#include "ado/ado_types.h"
+#include "ado/connection_impl.h"
+#include "ado/error_numbers.h"
+#include "ado/odbc_values.h"
+#include "ado/procedure_name.h"
+
+namespace ado {
+namespace {
+
+namespace odbc = platform::odbc;
+
+constexpr char kSource[] = "ADODB.Command";
+
+/// Characters or bytes that are kept free for a value that comes back of a type without a limit.
+constexpr std::int32_t kMaxOutput = 1024 * 1024;
+
+// ------------------------------------------------------------------ the catalogue of parameters
+
+/// The columns of SQLProcedureColumns, which are promised by their place; from 0.
+enum CatalogueColumn : std::int32_t {
+    kOwner = 1,
+    kProcedureName = 2,
+    kColumnName = 3,
+    kColumnType = 4,
+    kDataType = 5,
+    kTypeName = 6,
+    kColumnSize = 7,
+    kDecimalDigits = 9,
+    kNullable = 11,
+};
+
+/// ADO's directions by ODBC's kinds of columns. The columns of a result, which are there too, have none.
+constexpr std::int32_t kNoParameter = -1;
+constexpr std::array<std::int32_t, 6> kDirections = {adParamUnknown, adParamInput,  adParamInputOutput,
+                                                     kNoParameter,   adParamOutput, adParamReturnValue};
+
+/// One row of the catalogue.
+class CatalogueRow {
+  public:
+    explicit CatalogueRow(const Recordset& rows) : rows_(rows) {}
+
+    std::string Text(CatalogueColumn column) const {
+        const Variant& value = Value(column);
+        return value.IsNull() ? std::string() : value.ToString();
+    }
+    /// 0 for NULL and for what is no whole number.
+    std::int64_t Number(CatalogueColumn column) const {
+        const auto* const number = std::get_if<std::int64_t>(&Value(column).Get());
+        return number != nullptr ? *number : 0;
+    }
+    std::int32_t Direction() const {
+        const std::int64_t kind = Number(kColumnType);
+        const bool known = kind >= 0 && kind < static_cast<std::int64_t>(kDirections.size());
+        return known ? kDirections[static_cast<std::size_t>(kind)] : adParamUnknown;
+    }
+    /// True if the row is of the procedure with this name. Its number stands behind the name, in most
+    /// drivers.
+    bool IsOf(const ProcedureName& wanted) const {
+        const std::string listed = Text(kProcedureName);
+        const std::size_t end = listed.rfind(';');
+        const std::string number = end == std::string::npos ? "1" : listed.substr(end + 1);
+        return SameName(listed.substr(0, end), wanted.name) && number == wanted.number &&
+               (wanted.owner.empty() || SameName(Text(kOwner), wanted.owner));
+    }
+
+  private:
+    const Variant& Value(CatalogueColumn column) const { return rows_.Fields().Item(column).Value(); }
+
+    const Recordset& rows_;
+};
+
+/// The greatest number that the field takes stands for a greater one.
+template <class Field>
+Field Fitted(std::int64_t number) {
+    return static_cast<Field>(std::clamp<std::int64_t>(number, 0, std::numeric_limits<Field>::max()));
+}
+
+Parameter ParameterOf(const CatalogueRow& row) {
+    const AdoType& type = AdoTypeOf(static_cast<odbc::SqlType>(row.Number(kDataType)), row.Text(kTypeName));
+    const bool sized = type.kind == TypeKind::Sized || type.kind == TypeKind::Long;
+    Parameter parameter;
+    parameter.Name(row.Text(kColumnName));
+    parameter.Direction(row.Direction());
+    parameter.Type(type.number);
+    parameter.Attributes((type.is_signed ? adParamSigned : 0) |
+                         (row.Number(kNullable) != 0 ? adParamNullable : 0) |
+                         (type.kind == TypeKind::Long ? adParamLong : 0));
+    parameter.Precision(type.precision);
+    if (type.kind == TypeKind::Decimal) {
+        parameter.Precision(Fitted<std::uint8_t>(row.Number(kColumnSize)));
+        parameter.NumericScale(Fitted<std::uint8_t>(row.Number(kDecimalDigits)));
+    }
+    if (sized) {
+        const std::int64_t size = row.Number(kColumnSize); // 0: no limit
+        parameter.Size(Fitted<std::int32_t>(size > 0 ? size : std::numeric_limits<std::int32_t>::max()));
+    }
+    return parameter;
+}
+
+/// The parameters of the first of the procedures that have the name, one for each owner.
+std::vector<Parameter> ParametersOf(Recordset& rows, const ProcedureName& name) {
+    std::vector<Parameter> parameters;
+    std::string owner;
+    for (; !rows.Eof(); rows.MoveNext()) {
+        const CatalogueRow row(rows);
+        if (!row.IsOf(name) || row.Direction() == kNoParameter) {
+            continue;
+        }
+        if (parameters.empty()) {
+            owner = row.Text(kOwner);
+        }
+        if (row.Text(kOwner) == owner) {
+            parameters.push_back(ParameterOf(row));
+        }
+    }
+    return parameters;
+}
+
+// ------------------------------------------------------------------ the call
+
+bool GivesBack(const Parameter& parameter) {
+    return parameter.Direction() != adParamInput && parameter.Direction() != adParamUnknown;
+}
+
+/// A parameter that is left out of the call, for the procedure's default. What goes out only, has none.
+bool IsLeftToDefault(const Parameter& parameter) {
+    return parameter.Value().IsEmpty() && parameter.Direction() != adParamOutput &&
+           parameter.Direction() != adParamReturnValue;
+}
+
+odbc::Direction DirectionOf(const Parameter& parameter) {
+    if (!GivesBack(parameter)) {
+        return odbc::Direction::Input;
+    }
+    return parameter.Direction() == adParamInputOutput ? odbc::Direction::InputOutput
+                                                       : odbc::Direction::Output;
+}
+
+odbc::Parameter Bound(const Parameter& parameter) {
+    const AdoType& type = AdoTypeOf(parameter.Type());
+    odbc::Parameter bound;
+    bound.type = type.sql_type;
+    bound.direction = DirectionOf(parameter);
+    if (bound.direction != odbc::Direction::Output) {
+        bound.value = OdbcValueOf(parameter.Value());
+    }
+    const bool decimal = type.kind == TypeKind::Decimal;
+    bound.size = decimal ? parameter.Precision()
+                         : static_cast<std::size_t>(std::clamp(parameter.Size(), 0, kMaxOutput));
+    bound.decimal_digits = decimal ? parameter.NumericScale() : std::int16_t{0};
+    return bound;
+}
+
+/// A call of a procedure: its text, and the parameters that have a marker in it, in the order of the markers.
+class Call {
+  public:
+    Call(const std::string& procedure, std::vector<Parameter>& parameters) {
+        std::string arguments;
+        std::size_t needed = 0; // the text up to the last one that is not left out
+        for (Parameter& parameter : parameters) {
+            if (parameter.Direction() == adParamReturnValue) {
+                bound_.insert(bound_.begin(), &parameter);
+                text_ = "{? = call ";
+                continue;
+            }
+            if (!IsLeftToDefault(parameter)) {
+                bound_.push_back(&parameter);
+                arguments += '?';
+                needed = arguments.size();
+            }
+            arguments += ',';
+        }
+        text_ += procedure;
+        if (needed != 0) {
+            text_ += '(' + arguments.substr(0, needed) + ')';
+        }
+        text_ += '}';
+    }
+
+    void Start(odbc::Statement& statement) const {
+        for (std::size_t i = 0; i < bound_.size(); ++i) {
+            statement.Bind(Marker(i), Bound(*bound_[i]));
+        }
+        statement.ExecDirect(text_);
+    }
+
+    void TakeOutput(const odbc::Statement& statement) const {
+        for (std::size_t i = 0; i < bound_.size(); ++i) {
+            Parameter& parameter = *bound_[i];
+            if (GivesBack(parameter)) {
+                odbc::Value value = statement.ParameterValue(Marker(i));
+                parameter.Value(VariantOf(AdoTypeOf(parameter.Type()).sql_type, value));
+            }
+        }
+    }
+
+  private:
+    static std::uint16_t Marker(std::size_t index) { return static_cast<std::uint16_t>(index + 1); }
+
+    std::string text_ = "{call ";
+    std::vector<Parameter*> bound_;
+};
+
+} // namespace
+
+Command::Command() = default;
+Command::~Command() = default;
+
+void Command::ActiveConnection(Connection& connection) {
+    connection_ = &connection;
+}
+
+void Command::CommandText(const std::string& value) {
+    command_text_ = value;
+}
+
+void Command::CommandType(std::int32_t value) {
+    if (value != adCmdStoredProc) {
+        RaiseOwnError(kFeatureNotAvailable, kSource, "command type " + std::to_string(value));
+    }
+    command_type_ = value;
+}
+
+void Command::CommandTimeout(std::int32_t seconds) {
+    command_timeout_ = seconds;
+}
+
+Connection& Command::Ready() const {
+    if (connection_ == nullptr || connection_->State() == adStateClosed) {
+        RaiseOwnError(kInvalidConnection, kSource);
+    }
+    if (command_type_ != adCmdStoredProc) {
+        RaiseOwnError(kFeatureNotAvailable, kSource, "command type " + std::to_string(command_type_));
+    }
+    if (command_text_.empty()) {
+        const Error error = NoCommandText();
+        connection_->impl_->errors = Errors({error});
+        throw CallError(error.Number, error.Source, error.Description);
+    }
+    return *connection_;
+}
+
+std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std::int32_t options) {
+    Connection& connection = Ready();
+    if (options != adOptionUnspecified) {
+        RaiseOwnError(kArgumentsInConflict, kSource, "option " + std::to_string(options));
+    }
+    const Call call(command_text_, parameters_.items_);
+    return connection.impl_->Run({.timeout = command_timeout_,
+                                  .results_behind_error = true,
+                                  .start = [&](odbc::Statement& statement) { call.Start(statement); },
+                                  .finish = [&](odbc::Statement& statement) { call.TakeOutput(statement); }},
+                                 records_affected);
+}
+
+void Parameters::Refresh() {
+    items_.clear();
+    Connection& connection = command_->Ready();
+    const ProcedureName name = ParseProcedureName(command_->command_text_);
+    if (!name.database.empty()) {
+        RaiseOwnError(kFeatureNotAvailable, kSource, "the parameters of a procedure of another database");
+    }
+    std::int64_t ignored = 0;
+    const std::unique_ptr<Recordset> rows = connection.impl_->Run(
+        {.timeout = command_->command_timeout_,
+         .start =
+             [&](odbc::Statement& statement) { statement.ProcedureColumns(CataloguePattern(name.name)); }},
+        ignored);
+    items_ = ParametersOf(*rows, name);
+}
+
+} // namespace ado

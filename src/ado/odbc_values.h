@@ -1,0 +1,16 @@
+// Values between the layer and the driver: inner header of the layer.
+#pragma once
+
+#include "ado/variant.h"
+#include "platform/odbc.h"
+
+namespace ado {
+
+/// The layer's value of the driver's, which may be emptied by it. `type` tells what the driver's value does
+/// not: a single from a double, a decimal from a text.
+Variant VariantOf(platform::odbc::SqlType type, platform::odbc::Value& value);
+
+/// The driver's value of the layer's; no value of Empty and of Null.
+platform::odbc::Value OdbcValueOf(const Variant& value);
+
+} // namespace ado

@@ -1,0 +1,87 @@
+// A parameter of a stored procedure and the collection of a command's. A Parameter is plain data: it stands
+// free of any command and connection, and outlives both. Knows no driver.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ado/variant.h"
+
+namespace ado {
+
+/// What Direction holds; 0 where the catalogue does not say.
+enum ParameterDirection : std::int32_t {
+    adParamUnknown = 0,
+    adParamInput = 1,
+    adParamOutput = 2,
+    adParamInputOutput = 3,
+    adParamReturnValue = 4,
+};
+
+/// The bits of Attributes.
+enum ParameterAttributes : std::int32_t {
+    adParamSigned = 16,
+    adParamNullable = 64,
+    adParamLong = 128,
+};
+
+/// A value is kept as it is assigned; it becomes one of the parameter's type when the command runs.
+class Parameter {
+  public:
+    std::int32_t Attributes() const { return attributes_; }
+    void Attributes(std::int32_t value) { attributes_ = value; }
+    std::int32_t Direction() const { return direction_; }
+    void Direction(std::int32_t value) { direction_ = value; }
+    const std::string& Name() const { return name_; }
+    void Name(const std::string& value) { name_ = value; }
+    /// Digits behind the point.
+    std::uint8_t NumericScale() const { return numeric_scale_; }
+    void NumericScale(std::uint8_t value) { numeric_scale_ = value; }
+    /// Digits in all.
+    std::uint8_t Precision() const { return precision_; }
+    void Precision(std::uint8_t value) { precision_ = value; }
+    /// Characters or bytes at most; 0 for types whose size does not vary.
+    std::int32_t Size() const { return size_; }
+    void Size(std::int32_t value) { size_ = value; }
+    /// A number of ado_types.h.
+    std::int32_t Type() const { return type_; }
+    void Type(std::int32_t value) { type_ = value; }
+    /// Empty: the procedure's default, if it goes in.
+    const Variant& Value() const { return value_; }
+    void Value(Variant value) { value_ = std::move(value); }
+
+  private:
+    std::int32_t attributes_ = 0;
+    std::int32_t direction_ = adParamInput;
+    std::string name_;
+    std::uint8_t numeric_scale_ = 0;
+    std::uint8_t precision_ = 0;
+    std::int32_t size_ = 0;
+    std::int32_t type_ = 0;
+    Variant value_;
+};
+
+class Command;
+
+/// The parameters of a command, in the order of the server's catalogue, the return value first.
+class Parameters {
+  public:
+    std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
+    /// The first has the index 0. Throws kItemNotFound. Good until the next Refresh.
+    Parameter& Item(std::int32_t index);
+    /// Asks the server for the parameters of the command's procedure and rebuilds the collection from its
+    /// answer, with empty values. A procedure that the server does not know has none. Throws CallError; the
+    /// collection is then empty.
+    void Refresh();
+
+  private:
+    friend class Command;
+    explicit Parameters(const Command& command) : command_(&command) {}
+
+    const Command* command_;
+    std::vector<Parameter> items_;
+};
+
+} // namespace ado
