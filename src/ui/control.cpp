@@ -1,0 +1,31 @@
+#include "ui/control.h"
+
+#include "ui/form.h"
+
+namespace ui {
+
+Control::Control(Form& form, const ControlDesign& design, int id, Control* parent)
+    : form_(form), design_(design), id_(id), parent_(parent) {}
+
+std::optional<int> Control::Index() const {
+    return design_.name.index == kNoIndex ? std::nullopt : std::optional<int>(design_.name.index);
+}
+
+void Control::Enabled(bool value) {
+    if (enabled_ != value) {
+        enabled_ = value;
+        Notify(Property::Enabled);
+    }
+}
+
+void Control::Notify(Property property) const {
+    form_.Notify(*this, property);
+}
+
+void Control::Fire(const Handler& handler) {
+    if (handler) {
+        handler();
+    }
+}
+
+} // namespace ui

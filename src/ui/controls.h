@@ -1,0 +1,170 @@
+// The kinds of controls but for lists. What a member does when the program calls it stands here; what the
+// operator does comes through operator.h.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ui/control.h"
+
+namespace ui {
+
+class Frame : public Control {
+  public:
+    static constexpr ui::Kind kKind = ui::Kind::Frame;
+    using Control::Control;
+    const char* Caption() const { return Design().caption; }
+};
+
+class PictureBox : public Control {
+  public:
+    static constexpr ui::Kind kKind = ui::Kind::PictureBox;
+    using Control::Control;
+};
+
+class Label : public Control {
+  public:
+    static constexpr ui::Kind kKind = ui::Kind::Label;
+    Label(Form& form, const ControlDesign& design, int id, Control* parent);
+
+    const std::string& Caption() const { return caption_; }
+    void Caption(const std::string& value);
+    Colour ForeColor() const { return fore_color_; }
+    void ForeColor(Colour value);
+
+  private:
+    std::string caption_;
+    Colour fore_color_ = kButtonText;
+};
+
+class TextBox : public Control {
+  public:
+    static constexpr ui::Kind kKind = ui::Kind::TextBox;
+    TextBox(Form& form, const ControlDesign& design, int id, Control* parent);
+
+    const std::string& Text() const { return text_; }
+    /// A different text fires Change. The selection goes to the beginning.
+    void Text(const std::string& value);
+
+    /// The operator cannot change the text.
+    bool Locked() const { return locked_; }
+    void Locked(bool value);
+    Colour BackColor() const { return back_color_; }
+    void BackColor(Colour value);
+
+    /// In characters; the selection ends where the text ends.
+    std::size_t SelStart() const { return sel_start_; }
+    void SelStart(std::size_t value);
+    std::size_t SelLength() const { return sel_length_; }
+    void SelLength(std::size_t value);
+
+    Handler on_change;
+
+    /// For operator.h: the text that the operator has made of it, and where the selection is then.
+    void TakeEdit(std::string text, std::size_t sel_start);
+    /// For operator.h: the operator's selection.
+    void TakeSelection(std::size_t start, std::size_t length);
+
+  private:
+    std::string text_;
+    bool locked_;
+    Colour back_color_;
+    std::size_t sel_start_ = 0;
+    std::size_t sel_length_ = 0;
+};
+
+class CommandButton : public Control {
+  public:
+    static constexpr ui::Kind kKind = ui::Kind::CommandButton;
+    using Control::Control;
+    const char* Caption() const { return Design().caption; }
+
+    Handler on_click;
+
+    /// For operator.h.
+    void TakeClick() const { Fire(on_click); }
+};
+
+class CheckBox : public Control {
+  public:
+    static constexpr ui::Kind kKind = ui::Kind::CheckBox;
+    using Control::Control;
+    const char* Caption() const { return Design().caption; }
+
+    /// 1 is ticked, 0 is clear. Setting it fires nothing.
+    int Value() const { return value_; }
+    void Value(int value);
+
+    Handler on_click;
+
+    /// For operator.h: the tick turns over, and Click fires.
+    void TakeClick();
+
+  private:
+    int value_ = 0;
+};
+
+/// The option buttons with the same parent are a group, of which one at most is selected.
+class OptionButton : public Control {
+  public:
+    static constexpr ui::Kind kKind = ui::Kind::OptionButton;
+    OptionButton(Form& form, const ControlDesign& design, int id, Control* parent);
+
+    const std::string& Caption() const { return caption_; }
+    void Caption(const std::string& value);
+    /// Selecting one clears the others of its group. Setting it fires nothing.
+    bool Value() const { return value_; }
+    void Value(bool value);
+
+    Handler on_click;
+
+    /// For operator.h: selected, and Click fires.
+    void TakeClick();
+
+  private:
+    std::string caption_;
+    bool value_;
+};
+
+class ProgressBar : public Control {
+  public:
+    static constexpr ui::Kind kKind = ui::Kind::ProgressBar;
+    using Control::Control;
+
+    float Min() const { return min_; }
+    void Min(float value);
+    float Max() const { return max_; }
+    void Max(float value);
+    float Value() const { return value_; }
+    void Value(float value);
+
+  private:
+    float min_ = 0;
+    float max_ = 100;
+    float value_ = 0;
+};
+
+class TabControl : public Control {
+  public:
+    static constexpr ui::Kind kKind = ui::Kind::TabControl;
+    TabControl(Form& form, const ControlDesign& design, int id, Control* parent);
+
+    int Tabs() const { return static_cast<int>(enabled_tabs_.size()); }
+    const char* TabCaption(int tab) const;
+    /// The active tab, from 0. The program may activate a disabled one; setting it fires nothing.
+    int Tab() const { return tab_; }
+    void Tab(int value);
+    bool TabEnabled(int tab) const { return enabled_tabs_.at(static_cast<std::size_t>(tab)); }
+    void TabEnabled(int tab, bool value);
+
+    Handler on_click;
+
+    /// For operator.h: another tab is active, and Click fires.
+    void TakeChoice(int tab);
+
+  private:
+    int tab_ = 0;
+    std::vector<bool> enabled_tabs_;
+};
+
+} // namespace ui

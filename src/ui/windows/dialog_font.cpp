@@ -1,0 +1,44 @@
+#include "ui/windows/dialog_font.h"
+
+namespace ui {
+namespace {
+
+using DpiFunction = UINT(WINAPI*)(HWND);
+
+/// Windows 10 and later have a scale for each monitor; the call is looked up because Windows 7 has it not.
+DpiFunction FindDpiFunction() {
+    const HMODULE user = ::GetModuleHandleA("user32.dll");
+    return reinterpret_cast<DpiFunction>(reinterpret_cast<void*>(::GetProcAddress(user, "GetDpiForWindow")));
+}
+
+} // namespace
+
+int SystemDpi() {
+    const HDC screen = ::GetDC(nullptr);
+    const int dpi = ::GetDeviceCaps(screen, LOGPIXELSX);
+    ::ReleaseDC(nullptr, screen);
+    return dpi;
+}
+
+int DpiOf(HWND window) {
+    static const DpiFunction dpi_for_window = FindDpiFunction();
+    const int dpi = dpi_for_window == nullptr ? 0 : static_cast<int>(dpi_for_window(window));
+    return dpi == 0 ? SystemDpi() : dpi;
+}
+
+DialogFont::DialogFont(int dpi) {
+    NONCLIENTMETRICSA metrics{};
+    metrics.cbSize = sizeof metrics;
+    ::SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    LOGFONTA& font = metrics.lfMessageFont;
+    font.lfHeight = ::MulDiv(font.lfHeight, dpi, SystemDpi());
+    font_ = ::CreateFontIndirectA(&font);
+}
+
+DialogFont::~DialogFont() {
+    if (font_ != nullptr) {
+        ::DeleteObject(font_);
+    }
+}
+
+} // namespace ui

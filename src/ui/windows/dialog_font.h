@@ -1,0 +1,37 @@
+// The system's font for dialogs and the scale of a monitor. It knows no control.
+#pragma once
+
+#include <utility>
+
+#include "platform/windows/lean_windows.h"
+
+namespace ui {
+
+/// Pixels per inch that places on the design are given for.
+inline constexpr int kDesignDpi = 96;
+
+/// Pixels per inch of the whole desktop, as the process was told them at its start.
+int SystemDpi();
+/// Pixels per inch of the monitor that the window is on; SystemDpi where the system has no scale for each monitor.
+int DpiOf(HWND window);
+
+/// The font of the system's own dialogs, for a monitor of that many pixels per inch. Owns the font.
+class DialogFont {
+  public:
+    explicit DialogFont(int dpi);
+    DialogFont(DialogFont&& other) noexcept : font_(std::exchange(other.font_, nullptr)) {}
+    DialogFont& operator=(DialogFont&& other) noexcept {
+        std::swap(font_, other.font_);
+        return *this;
+    }
+    DialogFont(const DialogFont&) = delete;
+    DialogFont& operator=(const DialogFont&) = delete;
+    ~DialogFont();
+
+    HFONT Get() const { return font_; }
+
+  private:
+    HFONT font_ = nullptr;
+};
+
+} // namespace ui

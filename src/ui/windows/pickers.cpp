@@ -1,0 +1,105 @@
+#include "ui/windows/pickers.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include <commdlg.h>
+#include <objbase.h>
+#include <shlobj.h>
+
+namespace ui {
+namespace {
+
+/// The dialogs walk folders through objects of the shell, which want the thread's apartment entered.
+class Apartment {
+  public:
+    Apartment() : entered_(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+    ~Apartment() {
+        if (entered_) {
+            ::CoUninitialize();
+        }
+    }
+
+  private:
+    bool entered_;
+};
+
+struct FreeItemList {
+    void operator()(ITEMIDLIST* list) const { ::CoTaskMemFree(list); }
+};
+
+struct FreeLocal {
+    void operator()(char* block) const { ::LocalFree(block); }
+};
+
+/// A copy that the dialog's callback can be given the address of.
+std::unique_ptr<char, FreeLocal> LocalCopy(const std::string& text) {
+    std::unique_ptr<char, FreeLocal> copy(static_cast<char*>(::LocalAlloc(LPTR, text.size() + 1)));
+    if (copy) {
+        std::memcpy(copy.get(), text.c_str(), text.size() + 1);
+    }
+    return copy;
+}
+
+int CALLBACK BrowseCallback(HWND window, UINT message, LPARAM /*lparam*/, LPARAM data) {
+    if (message == BFFM_INITIALIZED) {
+        ::SendMessageA(window, BFFM_SETSELECTIONA, static_cast<WPARAM>(-1), data);
+    }
+    return 0;
+}
+
+/// The size by which the dialog knows the record that ends in the template's name; on x86 these are the 76 bytes
+/// that every version of the dialog has taken. On x64 it is the whole record.
+constexpr DWORD OpenRecordSize() {
+    return sizeof(void*) == 4 ? OPENFILENAME_SIZE_VERSION_400A : sizeof(OPENFILENAMEA);
+}
+
+} // namespace
+
+std::string BrowseForFolder(HWND owner, const std::string& title, const std::string& start_folder) {
+    const Apartment apartment;
+    BROWSEINFOA info{};
+    info.hwndOwner = owner;
+    info.lpszTitle = title.c_str();
+    info.ulFlags = BIF_RETURNONLYFSDIRS | BIF_DONTGOBELOWDOMAIN;
+    info.lpfn = BrowseCallback;
+    std::unique_ptr<char, FreeLocal> start;
+    if (!start_folder.empty()) {
+        start = LocalCopy(start_folder);
+        info.lParam = reinterpret_cast<LPARAM>(start.get());
+    }
+    const std::unique_ptr<ITEMIDLIST, FreeItemList> chosen(::SHBrowseForFolderA(&info));
+    if (!chosen) {
+        return start_folder;
+    }
+    std::string path(MAX_PATH, ' ');
+    if (::SHGetPathFromIDListA(chosen.get(), path.data()) == 0) {
+        return start_folder;
+    }
+    return path.c_str();
+}
+
+std::string BrowseForFile(const std::string& title, const std::string& filter, HWND owner,
+                          const std::string& start_folder) {
+    const Apartment apartment;
+    std::string pairs = filter;
+    std::replace(pairs.begin(), pairs.end(), '|', '\0');
+    pairs.push_back('\0'); // and the one that every std::string has behind it
+    std::string path(MAX_PATH, '\0');
+    OPENFILENAMEA record{};
+    record.lStructSize = OpenRecordSize();
+    record.hwndOwner = owner;
+    record.lpstrFilter = pairs.c_str();
+    record.nFilterIndex = 1;
+    record.lpstrFile = path.data();
+    record.nMaxFile = MAX_PATH;
+    record.lpstrTitle = title.c_str();
+    record.lpstrInitialDir = start_folder.empty() ? nullptr : start_folder.c_str();
+    record.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY;
+    return ::GetOpenFileNameA(&record) != 0 ? std::string(path.c_str()) : std::string();
+}
+
+} // namespace ui
