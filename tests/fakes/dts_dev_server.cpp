@@ -42,16 +42,29 @@ std::filesystem::path NewFolder() {
 
 DevServer::DevServer() : folder_(NewFolder()) {
     setenv("ODBCSYSINI", KV_ODBC_CONFIG, 1); // the driver "SQL Server", wherever the tests run
-    const std::filesystem::path logins = folder_ / "logins";
-    std::ofstream(logins) << "sa:Test-1\n";
-    const int output = Start(logins);
+    std::ofstream(folder_ / "logins") << "sa:Test-1\n";
+    std::filesystem::permissions(folder_ / "logins",
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    try {
+        StartAndWait();
+    } catch (const std::runtime_error&) {
+        std::filesystem::remove_all(folder_);
+        throw;
+    }
+}
+
+void DevServer::StartAndWait() {
+    const int output = Start(folder_ / "logins");
     const std::string line = ReadLine(output);
     close(output);
     if (std::sscanf(line.c_str(), "devsqlserver: ready on 127.0.0.1:%d", &port_) != 1) {
         Stop();
-        std::filesystem::remove_all(folder_);
         throw std::runtime_error("the development server did not start: " + line);
     }
+}
+
+void DevServer::StartAgain() {
+    StartAndWait();
 }
 
 int DevServer::Start(const std::filesystem::path& logins) {
@@ -77,12 +90,20 @@ int DevServer::Start(const std::filesystem::path& logins) {
     return ends[0];
 }
 
-void DevServer::Stop() {
+void DevServer::End(int signal_number) {
     if (process_ != 0) {
-        kill(process_, SIGTERM);
+        kill(process_, signal_number);
         waitpid(process_, nullptr, 0);
         process_ = 0;
     }
+}
+
+void DevServer::Stop() {
+    End(SIGTERM);
+}
+
+void DevServer::Kill() {
+    End(SIGKILL);
 }
 
 DevServer::~DevServer() {

@@ -19,9 +19,18 @@ class DevServer {
 
     /// "127.0.0.1,port", as a connection string names it.
     std::string Name() const { return "127.0.0.1," + std::to_string(port_); }
+    int Port() const { return port_; }
+    /// A folder of the test's own beside the server's root, gone with the server.
+    const std::filesystem::path& Folder() const { return folder_; }
     void Stop();
+    /// Ends it where it stands. To be called once for each start, from any thread.
+    void Kill();
+    /// Starts it again behind a Stop or a Kill, on what it left and on a new port.
+    void StartAgain();
 
   private:
+    void StartAndWait();
+    void End(int signal_number);
     int Start(const std::filesystem::path& logins);
 
     std::filesystem::path folder_;
