@@ -1,13 +1,15 @@
-// devsqlserver: opens the engine, serves it on loopback, ends on SIGTERM or SIGINT.
+// devsqlserver: opens the engine, serves it on loopback, ends when the system asks it to.
 // Knows of protocol and language only that they exist.
-#include <csignal>
 #include <exception>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "devserver/options.h"
+#include "devserver/system/end_signal.h"
+#include "devserver/tds/browser.h"
 #include "devserver/tds/server.h"
 #include "devserver/tsql/engine.h"
 
@@ -16,34 +18,29 @@ namespace {
 constexpr int kUsageFailure = 2;
 constexpr int kFailure = 1;
 
-/// The signals that end the server. Blocked in every thread, so that the main thread can wait for them.
-sigset_t EndSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
-    return signals;
-}
-
-void Serve(devsql::EngineOptions engine_options, std::uint16_t port) {
-    const sigset_t signals = EndSignals();
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    // A client that goes while it is written to is an error of that write, not the end of the server.
-    std::signal(SIGPIPE, SIG_IGN);
-    const auto engine = devsql::OpenEngine(std::move(engine_options));
-    devsql::tds::ServerOptions options;
-    options.port = port;
-    devsql::tds::Server server(*engine, options);
+void Serve(devsql::ProgramOptions options) {
+    const devsql::system::EndSignal end;
+    const auto engine = devsql::OpenEngine(std::move(options.engine));
+    devsql::tds::ServerOptions server_options;
+    server_options.port = options.port;
+    devsql::tds::Server server(*engine, server_options);
+    std::optional<devsql::tds::Browser> browser;
+    if (options.browser_port) {
+        browser.emplace(devsql::tds::BrowserEntry{engine->ServerName(), server.port()},
+                        *options.browser_port);
+    }
     std::thread running([&server] { server.Run(); });
     std::cout << "devsqlserver: ready on 127.0.0.1:" << server.port() << std::endl;
-    int signal = 0;
-    sigwait(&signals, &signal);
+    if (browser) {
+        std::cout << "devsqlserver: answers as SQL Browser on UDP 127.0.0.1:" << browser->port() << std::endl;
+    }
+    end.Wait();
     server.Stop();
     running.join();
 }
 
 int Run(const std::vector<std::string>& arguments) {
-    const devsql::ProgramOptions options = devsql::ParseArguments(arguments);
+    devsql::ProgramOptions options = devsql::ParseArguments(arguments);
     switch (options.action) {
     case devsql::Action::Help:
         std::cout << devsql::HelpText();
@@ -54,9 +51,8 @@ int Run(const std::vector<std::string>& arguments) {
     case devsql::Action::Serve:
         break;
     }
-    devsql::EngineOptions engine = options.engine;
-    engine.logins = devsql::ReadLogins(options.logins_file);
-    Serve(std::move(engine), options.port);
+    options.engine.logins = devsql::ReadLogins(options.logins_file);
+    Serve(std::move(options));
     return 0;
 }
 

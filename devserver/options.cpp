@@ -7,6 +7,9 @@
 #include <charconv>
 #include <fstream>
 
+#include "devserver/system/file_rights.h"
+#include "devserver/tds/browser.h"
+
 #ifndef DEVSQLSERVER_VERSION
 #error "the build gives the version"
 #endif
@@ -15,12 +18,15 @@ namespace devsql {
 
 namespace {
 
-std::uint16_t ParsePort(const std::string& text) {
+/// What an instance may be called, as SQL Server's setup has it.
+constexpr std::size_t kLongestInstance = 16;
+
+std::uint16_t ParsePort(const char* argument, const std::string& text) {
     std::uint16_t port = 0;
     const char* const end = text.data() + text.size();
     const auto [stopped, error] = std::from_chars(text.data(), end, port);
     if (text.empty() || error != std::errc{} || stopped != end) {
-        throw UsageError("--port: \"" + text + "\" is no port from 0 to 65535");
+        throw UsageError(std::string(argument) + ": \"" + text + "\" is no port from 0 to 65535");
     }
     return port;
 }
@@ -30,7 +36,7 @@ void TakeRoot(ProgramOptions& options, const std::string& value) {
 }
 
 void TakePort(ProgramOptions& options, const std::string& value) {
-    options.port = ParsePort(value);
+    options.port = ParsePort("--port", value);
 }
 
 void TakeLogins(ProgramOptions& options, const std::string& value) {
@@ -38,7 +44,35 @@ void TakeLogins(ProgramOptions& options, const std::string& value) {
 }
 
 void TakeName(ProgramOptions& options, const std::string& value) {
-    options.engine.server_name = value;
+    if (value.find('\\') != std::string::npos) {
+        throw UsageError("--name: \"" + value + "\" is no name of a computer; --instance names the instance");
+    }
+    // The instance may have been told before.
+    const std::string& known = options.engine.server_name;
+    const std::size_t slash = known.find('\\');
+    options.engine.server_name = value + (slash == std::string::npos ? "" : known.substr(slash));
+}
+
+void TakeInstance(ProgramOptions& options, const std::string& value) {
+    const auto fits = [](unsigned char c) {
+        return std::isalnum(c) != 0 || c == '_' || c == '$' || c == '#';
+    };
+    const auto first = static_cast<unsigned char>(value.front());
+    if (value.size() > kLongestInstance || !std::all_of(value.begin(), value.end(), fits) ||
+        (std::isalpha(first) == 0 && first != '_')) {
+        throw UsageError("--instance: \"" + value +
+                         "\" is no name of an instance: at most 16 letters, digits, \"_\", \"$\", \"#\", "
+                         "beginning with a letter or \"_\"");
+    }
+    options.engine.server_name += "\\" + value;
+}
+
+void TakeBrowser(ProgramOptions& options, const std::string&) {
+    options.browser_port = options.browser_port.value_or(tds::kBrowserPort);
+}
+
+void TakeBrowserPort(ProgramOptions& options, const std::string& value) {
+    options.browser_port = ParsePort("--browser-port", value);
 }
 
 void TakeDrive(ProgramOptions& options, const std::string& value) {
@@ -55,15 +89,19 @@ struct Argument {
     const char* name;
     bool required;
     bool repeats;
+    bool has_value;
     void (*take)(ProgramOptions& options, const std::string& value);
 };
 
-constexpr std::array<Argument, 5> kArguments{{
-    {"--root", true, false, TakeRoot},
-    {"--port", true, false, TakePort},
-    {"--logins", true, false, TakeLogins},
-    {"--drive", false, true, TakeDrive},
-    {"--name", false, false, TakeName},
+constexpr std::array<Argument, 8> kArguments{{
+    {"--root", true, false, true, TakeRoot},
+    {"--port", true, false, true, TakePort},
+    {"--instance", false, false, true, TakeInstance},
+    {"--logins", true, false, true, TakeLogins},
+    {"--drive", false, true, true, TakeDrive},
+    {"--browser", false, false, false, TakeBrowser},
+    {"--browser-port", false, false, true, TakeBrowserPort},
+    {"--name", false, false, true, TakeName},
 }};
 
 bool Contains(const std::vector<std::string>& texts, const std::string& text) {
@@ -88,15 +126,15 @@ ProgramOptions ParseArguments(const std::vector<std::string>& arguments) {
         return options;
     }
     std::vector<std::string> seen;
-    for (std::size_t i = 0; i < arguments.size(); i += 2) {
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
         const Argument& argument = FindArgument(arguments[i]);
         if (!argument.repeats && Contains(seen, argument.name)) {
             throw UsageError(std::string(argument.name) + " is given twice");
         }
-        if (i + 1 == arguments.size() || arguments[i + 1].empty()) {
+        if (argument.has_value && (i + 1 == arguments.size() || arguments[i + 1].empty())) {
             throw UsageError(std::string(argument.name) + " needs a value");
         }
-        argument.take(options, arguments[i + 1]);
+        argument.take(options, argument.has_value ? arguments[++i] : std::string());
         seen.emplace_back(argument.name);
     }
     for (const Argument& argument : kArguments) {
@@ -134,25 +172,35 @@ std::map<std::string, std::string> ReadLogins(const std::filesystem::path& file)
     if (!lines || std::filesystem::is_directory(file)) {
         throw UsageError("--logins: cannot read " + file.string());
     }
+    if (system::OthersHaveRights(file)) {
+        throw UsageError("--logins: " + file.string() +
+                         " holds passwords and others than its owner have rights to it; take them away");
+    }
     return ParseLogins(lines, file.string());
 }
 
 std::string HelpText() {
-    return R"(usage: devsqlserver --root DIR --port N --logins FILE [--drive D=DIR ...] [--name NAME]
+    return R"(usage: devsqlserver --root DIR --port N [--instance NAME] --logins FILE [--drive X=DIR ...] [--browser]
+                    [--browser-port N] [--name NAME]
 
 A development server: it speaks TDS 7.1 to 7.4 on 127.0.0.1 and understands the T-SQL that installation
 scripts use. It is not SQL Server; it is made for trying, rehearsing and testing, and refuses what it does
 not know. It is for no production data.
 
-  --root DIR      holds the system databases; made if it is absent
-  --port N        the TCP port on 127.0.0.1; 0 takes a free one
-  --logins FILE   a line name:password for each login; lines that begin with # are passed over
-  --drive D=DIR   the folder that stands for the drive D: in the paths that clients write
-  --name NAME     the server's name (@@SERVERNAME)
-  --help          shows this text
-  --version       shows the version
+  --root DIR        holds the system databases; made if it is absent
+  --port N          the TCP port on 127.0.0.1; 0 takes a free one
+  --instance NAME   the server is called COMPUTER\NAME (@@SERVERNAME); without it, COMPUTER
+  --logins FILE     a line name:password for each login; lines that begin with # are passed over; refused where
+                    others than its owner may read it
+  --drive X=DIR     the folder that stands for the drive X: in the paths that clients write
+  --browser         answers as SQL Browser on UDP port 1434, so that clients find the port by the instance's name
+  --browser-port N  the same on another port; 0 takes a free one
+  --name NAME       the computer's name in the server's name; DEVSQLSERVER without it
+  --help            shows this text
+  --version         shows the version
 
-It prints "devsqlserver: ready on 127.0.0.1:N" when it takes connections. SIGTERM or SIGINT ends it.
+It prints "devsqlserver: ready on 127.0.0.1:N" when it takes connections. SIGTERM or SIGINT, on Windows Ctrl-C or
+closing its console, ends it.
 )";
 }
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <istream>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -26,7 +27,8 @@ struct ProgramOptions {
     Action action = Action::Serve;
     std::uint16_t port = 0;
     std::filesystem::path logins_file;
-    EngineOptions engine; ///< without the logins
+    std::optional<std::uint16_t> browser_port; ///< none: no answers as SQL Browser
+    EngineOptions engine;                      ///< without the logins
 };
 
 /// `arguments` without the program's name. Throws UsageError.
@@ -36,7 +38,8 @@ ProgramOptions ParseArguments(const std::vector<std::string>& arguments);
 /// that begin with "#" are passed over. Throws UsageError, naming `file_name` and the line.
 std::map<std::string, std::string> ParseLogins(std::istream& lines, const std::string& file_name);
 
-/// The same from a file. Throws UsageError.
+/// The same from a file, which is refused where others than its owner may read it: it holds passwords. Throws
+/// UsageError.
 std::map<std::string, std::string> ReadLogins(const std::filesystem::path& file);
 
 std::string HelpText();

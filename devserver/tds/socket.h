@@ -1,5 +1,4 @@
-// TCP on loopback: owned descriptors, whole reads and writes, a listener, a way to wake a waiting thread.
-// Knows nothing of TDS.
+// TCP on loopback: whole reads and writes, a listener, a way to wake a waiting thread. Knows nothing of TDS.
 #pragma once
 
 #include <chrono>
@@ -10,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "devserver/system/sockets.h"
+
 namespace devsql::tds {
 
 /// The peer is gone, or the network failed.
@@ -18,28 +19,10 @@ class ConnectionLost : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Owns a file descriptor, or nothing (-1).
-class FileDescriptor {
-  public:
-    FileDescriptor() = default;
-    explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
-    FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    FileDescriptor& operator=(FileDescriptor&& other) noexcept;
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    ~FileDescriptor();
-
-    int get() const { return descriptor_; }
-    bool valid() const { return descriptor_ >= 0; }
-
-  private:
-    int descriptor_ = -1;
-};
-
 /// A connected stream. Reading and writing may be done by two threads at a time, one each; Shutdown by any.
 class Socket {
   public:
-    explicit Socket(FileDescriptor descriptor) : descriptor_(std::move(descriptor)) {}
+    explicit Socket(system::SocketHandle handle) : handle_(std::move(handle)) {}
 
     /// True when bytes (or the end) can be read within `timeout`.
     bool WaitReadable(std::chrono::milliseconds timeout) const;
@@ -56,7 +39,21 @@ class Socket {
     void FinishWriting() const;
 
   private:
-    FileDescriptor descriptor_;
+    system::SocketHandle handle_;
+};
+
+/// Makes a thread come back that waits for a socket.
+class WakeUp {
+  public:
+    WakeUp() : handle_(system::SelfConnected()) {}
+
+    /// Now and from then on. May be called from any thread; throws nothing, since a socket that is its own
+    /// peer takes every datagram or drops it.
+    void Wake() const { system::Send(handle_, "w"); }
+    const system::SocketHandle& handle() const { return handle_; }
+
+  private:
+    system::SocketHandle handle_;
 };
 
 /// Listens on 127.0.0.1 alone.
@@ -69,11 +66,11 @@ class Listener {
     /// The next client; none after Wake. Failures that pass (no descriptors left) are waited out.
     std::optional<Socket> Accept() const;
     /// Makes Accept return none, now and from then on. May be called from any thread.
-    void Wake() const;
+    void Wake() const { wake_.Wake(); }
 
   private:
-    FileDescriptor descriptor_;
-    FileDescriptor wake_;
+    system::SocketHandle handle_;
+    WakeUp wake_;
     std::uint16_t port_ = 0;
 };
 

@@ -327,18 +327,19 @@ std::string Summary(const std::vector<Token>& tokens) {
 }
 
 TdsClient TdsClient::Connect(std::uint16_t port) {
-    tds::FileDescriptor descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    system::SocketHandle handle(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (connect(descriptor.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    if (connect(static_cast<int>(handle.get()), reinterpret_cast<const sockaddr*>(&address),
+                sizeof address) != 0) {
         throw std::runtime_error("cannot connect to the server of the test");
     }
     // An attention is to go out behind its batch at once.
     const int on = 1;
-    setsockopt(descriptor.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    return TdsClient(tds::Socket(std::move(descriptor)));
+    setsockopt(static_cast<int>(handle.get()), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    return TdsClient(tds::Socket(std::move(handle)));
 }
 
 std::optional<std::string> TdsClient::Receive() {

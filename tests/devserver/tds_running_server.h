@@ -55,7 +55,7 @@ inline std::pair<tds::Socket, tds::Socket> SocketPair() {
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         throw std::runtime_error("no socket pair");
     }
-    return {tds::Socket(tds::FileDescriptor(ends[0])), tds::Socket(tds::FileDescriptor(ends[1]))};
+    return {tds::Socket(system::SocketHandle(ends[0])), tds::Socket(system::SocketHandle(ends[1]))};
 }
 
 } // namespace devsql::fakes

@@ -15,13 +15,14 @@ PASSWORD = "pass:word with blanks"
 
 
 class DevServer:
-    def __init__(self, program):
+    def __init__(self, program, *more):
+        """`program` may be a list: what runs it stands before it. `more` are further arguments."""
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="devsqlserver-"))
         self.logins = self.folder / "logins"
         self.logins.write_text(f"# logins of the test\n\n{USER}:{PASSWORD}\n")
         self.logins.chmod(0o600)
         self.process = subprocess.Popen(
-            [program, "--root", str(self.folder / "root"), "--port", "0", "--logins", str(self.logins)],
+            [*([program] if isinstance(program, str) else program), "--root", str(self.folder / "root"), "--port", "0", "--logins", str(self.logins), *more],
             stdout=subprocess.PIPE,
             text=True,
         )
@@ -29,6 +30,9 @@ class DevServer:
         match = re.fullmatch(r"devsqlserver: ready on 127\.0\.0\.1:(\d+)\n", ready)
         if not match:
             self.process.kill()
+            self.process.wait()
+            self.process.stdout.close()
+            shutil.rmtree(self.folder)
             raise AssertionError(f"the server said {ready!r}")
         self.port = int(match[1])
 

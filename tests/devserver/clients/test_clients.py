@@ -6,6 +6,7 @@ usage: test_clients.py DEVSQLSERVER [unittest's arguments]. A client that is mis
 import datetime
 import decimal
 import os
+import re
 import shutil
 import socket
 import subprocess
@@ -370,6 +371,44 @@ class Odbc(unittest.TestCase):
                 connection.close()
 
 
+class Browser(unittest.TestCase):
+    def test_tells_the_port_of_its_instance_to_who_asks(self):
+        server = DevServer(PROGRAM, "--name", "NODE1", "--instance", "KV_BATCH", "--browser-port", "0")
+        try:
+            port = int(re.fullmatch(r".* UDP 127\.0\.0\.1:(\d+)\n", server.process.stdout.readline())[1])
+            with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as client:
+                client.settimeout(10)
+                client.sendto(b"\x04KV_BATCH\0", ("127.0.0.1", port))
+                answer = client.recv(4096)
+            self.assertIn(f"ServerName;NODE1;InstanceName;KV_BATCH;".encode(), answer)
+            self.assertIn(f";tcp;{server.port};;".encode(), answer)
+        finally:
+            self.assertEqual(server.stop(), 0)
+
+    def test_clients_find_the_instance_by_its_name(self):
+        # Clients ask at this one port, and one program on a machine has it: another run of this test may.
+        for _ in range(120):
+            try:
+                server = DevServer(PROGRAM, "--name", "localhost", "--instance", "KV_BATCH", "--browser")
+                break
+            except AssertionError:
+                time.sleep(0.5)
+        else:
+            self.fail("UDP port 1434 is taken by another program")
+        try:
+            done = run_tool(
+                ["tsql", "-S", "localhost\\KV_BATCH", "-U", USER, "-P", PASSWORD, "-o", "fhq"],
+                "SELECT @@SERVERNAME\ngo\nexit\n", "7.4",
+            )
+            self.assertIn("localhost\\KV_BATCH", done.stdout, done.stderr)
+            with pymssql.connect(server="localhost\\kv_batch", user=USER, password=PASSWORD) as connection:
+                cursor = connection.cursor()
+                cursor.execute("SELECT SERVERPROPERTY('InstanceName')")
+                self.assertEqual(cursor.fetchone(), ("KV_BATCH",))
+        finally:
+            self.assertEqual(server.stop(), 0)
+
+
 class Program(unittest.TestCase):
     def run_program(self, *arguments):
         return subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, timeout=30)
@@ -390,9 +429,18 @@ class Program(unittest.TestCase):
     def test_a_file_of_logins_that_is_wrong_is_named_with_its_line(self):
         file = SERVER.folder / "wrong"
         file.write_text("sa:x\nno login\n")
+        file.chmod(0o600)
         done = self.run_program("--root", str(SERVER.folder / "r"), "--port", "0", "--logins", str(file))
         self.assertEqual(done.returncode, 2)
         self.assertIn(f"{file}, line 2", done.stderr)
+
+    def test_a_file_of_logins_that_others_may_read_is_refused(self):
+        file = SERVER.folder / "open"
+        file.write_text("sa:x\n")
+        file.chmod(0o640)
+        done = self.run_program("--root", str(SERVER.folder / "r"), "--port", "0", "--logins", str(file))
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(f"{file} holds passwords", done.stderr)
 
     def test_a_port_that_is_taken_is_an_error(self):
         done = self.run_program(

@@ -1,0 +1,48 @@
+// The console's events: Ctrl-C, Ctrl-Break, its closing, the end of the Windows session.
+#include "devserver/system/end_signal.h"
+
+#include <windows.h>
+
+namespace devsql::system {
+
+namespace {
+
+/// The system gives a program five seconds after its console was closed.
+constexpr DWORD kEndTime = 10000;
+
+/// A handle of an event for the life of the process: the handler runs in a thread of the system and may come
+/// at any time.
+HANDLE Asked() {
+    static const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    return event;
+}
+
+HANDLE Ended() {
+    static const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    return event;
+}
+
+BOOL WINAPI OnConsoleEvent(DWORD) {
+    SetEvent(Asked());
+    // Behind a closed console the process ends when this comes back, whatever its other threads are at.
+    WaitForSingleObject(Ended(), kEndTime);
+    return TRUE;
+}
+
+} // namespace
+
+EndSignal::EndSignal() {
+    Asked();
+    Ended();
+    SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
+}
+
+EndSignal::~EndSignal() {
+    SetEvent(Ended());
+}
+
+void EndSignal::Wait() const {
+    WaitForSingleObject(Asked(), INFINITE);
+}
+
+} // namespace devsql::system
