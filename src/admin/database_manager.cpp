@@ -7,10 +7,10 @@
 
 namespace kv {
 
-void Operation::OpenStandard(const std::string& strDatabase) {
+void Operation::OpenStandard(const std::string& strDatabase, std::int32_t seconds) {
     Create();
     SetDatabase(strDatabase);
-    SetTimeouts(kTimeoutSeconds);
+    SetTimeouts(seconds);
     Open();
 }
 
@@ -36,12 +36,28 @@ void Operation::Close() {
     connection_->Close();
 }
 
-std::unique_ptr<ado::Recordset> Operation::Execute(const std::string& statement) {
+std::unique_ptr<ado::Recordset> Operation::Execute(const std::string& statement, std::int32_t options) {
     std::int64_t records_affected = 0; // asked for and never read
-    std::unique_ptr<ado::Recordset> recordset =
-        connection_->Execute(statement, records_affected, ado::adCmdText);
-    CollectDbErrors(manager_.db_errors_, connection_->Errors());
+    std::unique_ptr<ado::Recordset> recordset = connection_->Execute(statement, records_affected, options);
+    Collect();
     return recordset;
+}
+
+std::unique_ptr<ado::Recordset> Operation::OpenSchema(std::int32_t schema) {
+    std::unique_ptr<ado::Recordset> recordset = connection_->OpenSchema(schema);
+    Collect();
+    return recordset;
+}
+
+std::unique_ptr<ado::Recordset> Operation::Execute(ado::Command& command) {
+    std::int64_t records_affected = 0;
+    std::unique_ptr<ado::Recordset> recordset = command.Execute(records_affected, ado::adOptionUnspecified);
+    Collect();
+    return recordset;
+}
+
+void Operation::Collect() {
+    CollectDbErrors(manager_.db_errors_, connection_->Errors());
 }
 
 void Operation::Fail(const std::string& description) const {
@@ -53,7 +69,7 @@ void Operation::CleanUp() {
         return;
     }
     // Errors that came in an order that cannot be stored have failed the steps, and fail here again.
-    CollectDbErrors(manager_.db_errors_, connection_->Errors());
+    Collect();
     if (connection_->State() != ado::adStateClosed) {
         connection_->Close();
     }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "admin/server_pair_settings.h"
+#include "ado/command.h"
 #include "ado/connection.h"
 #include "startup/db_errors.h"
 
@@ -23,8 +24,8 @@ class Operation {
   public:
     explicit Operation(DatabaseManager& manager) : manager_(manager) {}
 
-    /// The standard open sequence.
-    void OpenStandard(const std::string& strDatabase);
+    /// The standard open sequence. `seconds` is both time-outs.
+    void OpenStandard(const std::string& strDatabase, std::int32_t seconds = kTimeoutSeconds);
 
     // Its pieces, for an operation with an order of its own.
 
@@ -35,8 +36,16 @@ class Operation {
     void Open();
     void Close();
 
-    /// Runs the statement and collects what the server reported. Null if no recordset came back.
-    std::unique_ptr<ado::Recordset> Execute(const std::string& statement);
+    // Each collects what the server reported. Null if no recordset came back.
+
+    std::unique_ptr<ado::Recordset> Execute(const std::string& statement,
+                                            std::int32_t options = ado::adCmdText);
+    std::unique_ptr<ado::Recordset> OpenSchema(std::int32_t schema);
+    /// Runs the command, whose connection is this operation's.
+    std::unique_ptr<ado::Recordset> Execute(ado::Command& command);
+
+    /// For a command. There is one from OpenStandard or Create on.
+    ado::Connection& Connection() { return *connection_; }
 
     /// Raises a failure of the operation's own, with the class as its source.
     [[noreturn]] void Fail(const std::string& description) const;
@@ -44,6 +53,7 @@ class Operation {
   private:
     friend class DatabaseManager;
 
+    void Collect();
     /// Collects, closes and releases, if there is a connection.
     void CleanUp();
 

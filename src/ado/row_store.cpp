@@ -5,19 +5,12 @@
 #include <cstring>
 #include <type_traits>
 
+#include "ado/packed_number.h"
+
 namespace ado {
 namespace {
 
 constexpr std::size_t kChunkBytes = std::size_t{1024} * 1024;
-
-/// Seven bits to a byte, the lowest first; the top bit says that more follow.
-void PutNumber(std::string& to, std::uint64_t number) {
-    while (number >= 0x80) {
-        to += static_cast<char>((number & 0x7F) | 0x80);
-        number >>= 7U;
-    }
-    to += static_cast<char>(number);
-}
 
 class Writer {
   public:
@@ -83,17 +76,7 @@ class Reader {
         return value;
     }
 
-    std::uint64_t Number() {
-        std::uint64_t number = 0;
-        unsigned shift = 0;
-        for (;; shift += 7) {
-            const auto byte = static_cast<unsigned char>(from_[offset_++]);
-            number |= std::uint64_t{byte & 0x7FU} << shift;
-            if (byte < 0x80) {
-                return number;
-            }
-        }
-    }
+    std::uint64_t Number() { return TakeNumber(from_, offset_); }
     std::string Text() {
         const std::size_t size = Number();
         std::string text = from_.substr(offset_, size);

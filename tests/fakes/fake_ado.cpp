@@ -118,6 +118,28 @@ struct Connection::Impl {
     bool open = false;
 };
 
+namespace {
+
+std::unique_ptr<Recordset> RecordsetOf(AdoAnswer answer) {
+    if (answer.no_recordset) {
+        return nullptr;
+    }
+    if (answer.fields.empty()) {
+        return std::make_unique<Recordset>();
+    }
+    RowStore rows;
+    for (const fakes::AdoRow& row : answer.rows) {
+        rows.Append(row);
+    }
+    return std::make_unique<Recordset>(std::move(answer.fields), std::move(rows));
+}
+
+std::string Shown(const Variant& value) {
+    return value.IsEmpty() ? "(Empty)" : value.IsNull() ? "(Null)" : value.ToString();
+}
+
+} // namespace
+
 Connection::Connection() : impl_(std::make_unique<Impl>()) {}
 Connection::Connection(Connection&&) noexcept = default;
 Connection& Connection::operator=(Connection&&) noexcept = default;
@@ -176,19 +198,14 @@ std::unique_ptr<Recordset> Connection::Execute(const std::string& command_text,
     if (!impl_->open) {
         RaiseOwnError(kObjectClosed, "fake");
     }
-    AdoAnswer answer = impl_->Take(command_text);
     records_affected = -1;
-    if (answer.no_recordset) {
-        return nullptr;
-    }
-    if (answer.fields.empty()) {
-        return std::make_unique<Recordset>();
-    }
-    RowStore rows;
-    for (const fakes::AdoRow& row : answer.rows) {
-        rows.Append(row);
-    }
-    return std::make_unique<Recordset>(std::move(answer.fields), std::move(rows));
+    return RecordsetOf(impl_->Take(command_text));
+}
+
+std::unique_ptr<Recordset> Connection::OpenSchema(std::int32_t schema) {
+    const std::string call = "OpenSchema " + std::to_string(schema);
+    impl_->Record(call);
+    return RecordsetOf(impl_->Take(call));
 }
 
 std::int32_t Connection::State() const {
@@ -210,6 +227,64 @@ const ado::Errors& Connection::Errors() const {
         FakeAdo::Current().on_errors_read();
     }
     return impl_->errors;
+}
+
+Command::Command() {
+    ++FakeAdo::Current().commands;
+}
+Command::~Command() {
+    --FakeAdo::Current().commands;
+}
+
+void Command::ActiveConnection(Connection& connection) {
+    FakeAdo::Current().calls.emplace_back("Command.ActiveConnection");
+    connection_ = &connection;
+}
+
+void Command::CommandText(const std::string& value) {
+    FakeAdo::Current().calls.push_back("Command.CommandText " + value);
+    command_text_ = value;
+}
+
+void Command::CommandType(std::int32_t value) {
+    FakeAdo::Current().calls.push_back("Command.CommandType " + std::to_string(value));
+    command_type_ = value;
+}
+
+void Command::CommandTimeout(std::int32_t seconds) {
+    FakeAdo::Current().calls.push_back("Command.CommandTimeout " + std::to_string(seconds));
+    command_timeout_ = seconds;
+}
+
+Connection& Command::Ready() const {
+    if (connection_ == nullptr || connection_->State() == adStateClosed) {
+        RaiseOwnError(kInvalidConnection, "fake");
+    }
+    return *connection_;
+}
+
+std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std::int32_t options) {
+    std::string call = "call " + command_text_;
+    std::string values = " " + std::to_string(options);
+    for (const Parameter& parameter : parameters_.items_) {
+        values += " " + parameter.Name() + "=" + Shown(parameter.Value());
+    }
+    FakeAdo::Current().calls.push_back(call + values);
+    AdoAnswer answer = Ready().impl_->Take(call);
+    for (Parameter& parameter : parameters_.items_) {
+        const auto given = answer.output.find(parameter.Name());
+        if (given != answer.output.end()) {
+            parameter.Value(given->second);
+        }
+    }
+    records_affected = -1;
+    return RecordsetOf(std::move(answer));
+}
+
+void Parameters::Refresh() {
+    FakeAdo::Current().calls.emplace_back("Refresh");
+    items_.clear();
+    items_ = command_->Ready().impl_->Take("Refresh").parameters;
 }
 
 } // namespace ado

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "ado/command.h"
 #include "ado/connection.h"
 
 namespace fakes {
@@ -21,6 +22,9 @@ struct AdoAnswer {
     std::vector<ado::Error> errors{}; ///< what the connection's Errors holds then
     bool fails = false;               ///< the call fails, with the first of `errors` or with none
     bool no_recordset = false;
+    std::vector<ado::Parameter> parameters{}; ///< what Refresh makes of the collection
+    /// What the call of a procedure gives back, by the parameter's name.
+    std::map<std::string, ado::Variant> output{};
 };
 
 /// Rows without a field's name to them: the fields are called column0 and so on.
@@ -39,18 +43,20 @@ class FakeAdo {
     /// The one that the connections work on. Ends the test's program if there is none.
     static FakeAdo& Current();
 
-    /// Adds an answer for a statement, or for "Open" and "Close". Its answers are given one for each call; a
-    /// call beyond the last succeeds and gives nothing.
+    /// Adds an answer for a statement, or for "Open", "Close", "OpenSchema 16", "Refresh" and "call NAME".
+    /// Its answers are given one for each call; a call beyond the last succeeds and gives nothing.
     void Answer(const std::string& statement, AdoAnswer answer);
     /// The statements alone, in order.
     std::vector<std::string> Statements() const;
 
     /// Every call in order, as "CommandTimeout 300", "ConnectionString Driver=...", "Open '' '' '' -1",
-    /// "Execute 1 text", "Close".
+    /// "Execute 1 text", "Close"; of commands "Command.CommandText name" and so on, "Refresh", and
+    /// "call name -1 @a=1 @b=(Empty)" with the values that go in.
     std::vector<std::string> calls;
     std::size_t connections = 0;      ///< objects alive
     std::size_t open_connections = 0; ///< opened and neither closed nor gone
     std::size_t closed_by_going = 0;  ///< objects that were gone while they were open
+    std::size_t commands = 0;         ///< objects alive
 
     /// Called whenever a connection's Errors are read.
     std::function<void()> on_errors_read;
