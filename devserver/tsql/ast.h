@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -141,6 +142,14 @@ struct CallExpr {
 };
 
 struct Expr {
+    Expr();
+    Expr(Expr&&) noexcept;
+    Expr& operator=(Expr&&) noexcept;
+    ~Expr();
+    template <typename Node>
+    explicit Expr(Node&& from, std::int32_t at)
+        : node(std::in_place_type<std::remove_cvref_t<Node>>, std::forward<Node>(from)), line(at) {}
+
     std::variant<LiteralExpr, VariableExpr, ColumnExpr, UnaryExpr, BinaryExpr, CompareExpr, QuantifiedExpr,
                  LogicExpr, NotExpr, IsNullExpr, BetweenExpr, InListExpr, InQueryExpr, LikeExpr, ExistsExpr,
                  SubqueryExpr, CaseExpr, CastExpr, CallExpr>
@@ -178,6 +187,11 @@ struct JoinSource {
     ExprPtr on; ///< null for CROSS
 };
 struct TableSource {
+    TableSource();
+    TableSource(TableSource&&) noexcept;
+    TableSource& operator=(TableSource&&) noexcept;
+    ~TableSource();
+
     std::variant<NamedSource, DerivedSource, JoinSource> node;
 };
 
@@ -206,6 +220,11 @@ struct SetOperation {
     QueryTermPtr right;
 };
 struct QueryTerm {
+    QueryTerm();
+    QueryTerm(QueryTerm&&) noexcept;
+    QueryTerm& operator=(QueryTerm&&) noexcept;
+    ~QueryTerm();
+
     std::variant<SelectCore, SetOperation> node;
 };
 
@@ -216,6 +235,11 @@ struct CommonTable {
 };
 
 struct Query {
+    Query();
+    Query(Query&&) noexcept;
+    Query& operator=(Query&&) noexcept;
+    ~Query();
+
     std::vector<CommonTable> with;
     QueryTermPtr body;
     std::vector<OrderItem> order_by;
@@ -557,6 +581,14 @@ struct KillStatement {
 };
 
 struct Statement {
+    Statement();
+    Statement(Statement&&) noexcept;
+    Statement& operator=(Statement&&) noexcept;
+    ~Statement();
+    template <typename Node>
+    explicit Statement(Node&& from, std::int32_t at)
+        : node(std::in_place_type<std::remove_cvref_t<Node>>, std::forward<Node>(from)), line(at) {}
+
     std::variant<DeclareStatement, SetVariableStatement, SetOptionStatement, IfStatement, WhileStatement,
                  BlockStatement, BreakStatement, ContinueStatement, ReturnStatement, GotoStatement,
                  LabelStatement, PrintStatement, RaiserrorStatement, ThrowStatement, WaitforStatement,

@@ -96,11 +96,8 @@ class Parser {
     std::vector<ast::ExprPtr> ParseExprList();
     bool BeginsQuery(std::size_t ahead = 0) const;
     template <class Node>
-    ast::ExprPtr Make(Node node) const {
-        auto expr = std::make_unique<ast::Expr>();
-        expr->node = std::move(node);
-        expr->line = Peek().line;
-        return expr;
+    ast::ExprPtr Make(Node&& node) const {
+        return std::make_unique<ast::Expr>(std::forward<Node>(node), Peek().line);
     }
     ast::TypeSpec ParseType();
 
@@ -137,10 +134,8 @@ class Parser {
     ast::StatementList ParseStatementsUntilEnd();
     ast::StatementList ParseBlock(std::string_view what);
     template <class Node>
-    static ast::StatementPtr Wrap(Node node) {
-        auto statement = std::make_unique<ast::Statement>();
-        statement->node = std::move(node);
-        return statement;
+    static ast::StatementPtr Wrap(Node&& node) {
+        return std::make_unique<ast::Statement>(std::forward<Node>(node), 1);
     }
     ast::StatementPtr ParseDataStatement();
     ast::StatementPtr ParseControlStatement();
