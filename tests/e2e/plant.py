@@ -1,7 +1,9 @@
 # What the whole-way tests stand on: a development server, and a machine with the program installed on it, its
 # registry, its query tool and its packages. Linux, or Windows under Wine: the tests are the same.
+import fcntl
 import os
 import re
+import shlex
 import shutil
 import signal
 import subprocess
@@ -96,8 +98,14 @@ class DevServer:
 class Machine:
     """A computer with the program on it. `binaries` is the bin folder of a build tree."""
 
+    registry_lock = None
+
     def __init__(self, binaries, folder, wine=False):
         self.binaries, self.folder, self.wine = binaries, folder, wine
+        if wine and not Machine.registry_lock:
+            # The prefix has one registry: one program of such tests has it at a time, to its end.
+            Machine.registry_lock = open(os.path.join(TOP, "build", "wine.registry.lock"), "w")
+            fcntl.flock(Machine.registry_lock, fcntl.LOCK_EX)
         self.install = os.path.join(folder, "Server")
         self.tools = os.path.join(folder, "Client Tools")
         self.log_folder = os.path.join(folder, "Log")
@@ -110,7 +118,7 @@ class Machine:
         shutil.copy(os.path.join(binaries, "KVLSQLDbMgr" + extension), self.program)
         self.tool = os.path.join(self.tools, "Binn", "OSQL.EXE")
         shutil.copy(os.path.join(binaries, "OSQL.EXE"), self.tool)
-        shutil.copytree(os.path.join(TOP, "samples", "sqlscripts", "v1"), self.scripts)
+        self.set_scripts("v1")
         self.odbc = os.path.join(folder, "odbc")
         os.mkdir(self.odbc)
         with open(os.path.join(self.odbc, "odbcinst.ini"), "w") as file:
@@ -132,8 +140,8 @@ class Machine:
         """The drive letters that a server beside this machine must know."""
         return ("Z=/",) if self.wine else ()
 
-    def set_registry(self, version="14.0.1000.169", tools=None, log=None):
-        """Everything that the program reads; None leaves a key out."""
+    def set_registry(self, version="14.0.1000.169", tools=None, log=None, login=None):
+        """Everything that the program reads. `login` is server, user and password; without it there is no such key."""
         def key(name, *values):
             return f"[HKEY_LOCAL_MACHINE\\SOFTWARE\\{name}]\n" + "".join(value + "\n" for value in values) + "\n"
 
@@ -146,6 +154,9 @@ class Machine:
                        f'"CurrentVersion"="{version}"')
         for number in ("80", "90", "120", "140"):
             content += key(client.format(number), '"SQLPath"=' + text(tools or self.tools))
+        if login:
+            values = [f'"{name}"="{value}"' for name, value in zip(("ServerName", "UserID", "PWD"), login)]
+            content += key("Orvik\\Quorlen\\Lotkeeper\\Login", *values)
         path = os.path.join(self.folder, "registry.reg")
         with open(path, "w") as file:
             file.write(content)
@@ -155,7 +166,8 @@ class Machine:
             with open(wipe, "w") as file:
                 file.write("REGEDIT4\n\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVIK]\n\n"
                            "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Microsoft SQL Server]\n")
-            for file in (wipe, path):
+            self.registry_files = (wipe, path)
+            for file in self.registry_files:
                 self.under_wine("regedit.exe", "/S", self.native(file)).check_returncode()
 
     def under_wine(self, *arguments, timeout=120):
@@ -177,11 +189,14 @@ class Machine:
                               cwd=self.install).stderr
 
     def on_a_screen(self, *arguments):
-        """As run(), with a screen; under Wine alone."""
-        return subprocess.run([os.path.join(TOP, "tests", "with-screen"), os.path.join(TOP, "tests", "run-under-wine"),
-                               self.program, *arguments],
-                              env=dict(self.wine_environment(), **{name: os.environ[name] for name in
-                                                                   ("DISPLAY",) if "KV_SCREEN" in os.environ}),
+        """As run(), with a screen; under Wine alone, where runs with a screen have a registry of their own."""
+        runner = os.path.join(TOP, "tests", "run-under-wine")
+        command = "".join(shlex.join([runner, "regedit.exe", "/S", self.native(file)]) + " && "
+                          for file in self.registry_files) + "exec " + shlex.join([runner, self.program, *arguments])
+        environment = self.wine_environment()
+        if "KV_SCREEN" in os.environ:
+            environment["DISPLAY"] = os.environ["DISPLAY"]
+        return subprocess.run([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command], env=environment,
                               stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", timeout=300,
                               cwd=self.install).stderr
 
@@ -220,6 +235,11 @@ class Machine:
         """What the query tool printed for a script."""
         with open(os.path.join(self.install, "Data", name + ".txt"), encoding="cp1252", newline="") as file:
             return file.read()
+
+    def set_scripts(self, version):
+        """Puts the sample scripts of a version into the script folder, in the place of what is there."""
+        shutil.rmtree(self.scripts, ignore_errors=True)
+        shutil.copytree(os.path.join(TOP, "samples", "sqlscripts", version), self.scripts)
 
     def write_template(self, name, content):
         with open(os.path.join(self.scripts, name + ".sql"), "wb") as file:
