@@ -226,7 +226,8 @@ TEST_P(SampleFiles, PackagesHaveAHeadThatTheProgramReadsAndTheNameOfTheirFile) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, SampleFiles,
-                         ::testing::Values(ScriptFolder{std::string(KV_SAMPLES_DIR) + "/v1", "1"}),
+                         ::testing::Values(ScriptFolder{std::string(KV_SAMPLES_DIR) + "/v1", "1"},
+                                           ScriptFolder{std::string(KV_SAMPLES_DIR) + "/v2", "2"}),
                          [](const auto& tested) { return "v" + tested.param.version; });
 
 } // namespace
