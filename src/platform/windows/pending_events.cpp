@@ -1,11 +1,24 @@
 #include "platform/pending_events.h"
 
-#include "platform/windows/lean_windows.h"
+#include "platform/windows/message_queue.h"
 
 namespace platform {
 namespace {
 std::int16_t current_pointer = kDefaultPointer;
+MessageFilter current_filter = nullptr;
 } // namespace
+
+void SetMessageFilter(MessageFilter filter) {
+    current_filter = filter;
+}
+
+void Deliver(MSG& message) {
+    if (current_filter != nullptr && current_filter(message)) {
+        return;
+    }
+    ::TranslateMessage(&message);
+    ::DispatchMessageA(&message);
+}
 
 void RunPendingEvents() {
     MSG message{};
@@ -15,8 +28,7 @@ void RunPendingEvents() {
             ::PostQuitMessage(static_cast<int>(message.wParam));
             return;
         }
-        ::TranslateMessage(&message);
-        ::DispatchMessageA(&message);
+        Deliver(message);
     }
 }
 

@@ -12,7 +12,8 @@ inline constexpr int kDesignDpi = 96;
 
 /// Pixels per inch of the whole desktop, as the process was told them at its start.
 int SystemDpi();
-/// Pixels per inch of the monitor that the window is on; SystemDpi where the system has no scale for each monitor.
+/// Pixels per inch of the monitor that the window is on; SystemDpi where the system has no scale for each
+/// monitor.
 int DpiOf(HWND window);
 
 /// The font of the system's own dialogs, for a monitor of that many pixels per inch. Owns the font.

@@ -51,15 +51,16 @@ int CALLBACK BrowseCallback(HWND window, UINT message, LPARAM /*lparam*/, LPARAM
     return 0;
 }
 
-/// The size by which the dialog knows the record that ends in the template's name; on x86 these are the 76 bytes
-/// that every version of the dialog has taken. On x64 it is the whole record.
+/// The size by which the dialog knows the record that ends in the template's name; on x86 these are the 76
+/// bytes that every version of the dialog has taken. On x64 it is the whole record.
 constexpr DWORD OpenRecordSize() {
     return sizeof(void*) == 4 ? OPENFILENAME_SIZE_VERSION_400A : sizeof(OPENFILENAMEA);
 }
 
 } // namespace
 
-std::string BrowseForFolder(HWND owner, const std::string& title, const std::string& start_folder) {
+std::optional<std::string> BrowseForFolder(HWND owner, const std::string& title,
+                                           const std::string& start_folder) {
     const Apartment apartment;
     BROWSEINFOA info{};
     info.hwndOwner = owner;
@@ -73,17 +74,17 @@ std::string BrowseForFolder(HWND owner, const std::string& title, const std::str
     }
     const std::unique_ptr<ITEMIDLIST, FreeItemList> chosen(::SHBrowseForFolderA(&info));
     if (!chosen) {
-        return start_folder;
+        return std::nullopt;
     }
     std::string path(MAX_PATH, ' ');
     if (::SHGetPathFromIDListA(chosen.get(), path.data()) == 0) {
-        return start_folder;
+        return std::nullopt;
     }
-    return path.c_str();
+    return std::string(path.c_str());
 }
 
-std::string BrowseForFile(const std::string& title, const std::string& filter, HWND owner,
-                          const std::string& start_folder) {
+std::optional<std::string> BrowseForFile(const std::string& title, const std::string& filter, HWND owner,
+                                         const std::string& start_folder) {
     const Apartment apartment;
     std::string pairs = filter;
     std::replace(pairs.begin(), pairs.end(), '|', '\0');
@@ -99,7 +100,10 @@ std::string BrowseForFile(const std::string& title, const std::string& filter, H
     record.lpstrTitle = title.c_str();
     record.lpstrInitialDir = start_folder.empty() ? nullptr : start_folder.c_str();
     record.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY;
-    return ::GetOpenFileNameA(&record) != 0 ? std::string(path.c_str()) : std::string();
+    if (::GetOpenFileNameA(&record) == 0) {
+        return std::nullopt;
+    }
+    return std::string(path.c_str());
 }
 
 } // namespace ui

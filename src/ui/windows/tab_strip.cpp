@@ -7,8 +7,8 @@ namespace ui {
 
 TabStrip::TabStrip(HWND parent, int id, const std::vector<std::string>& captions)
     : window_(::CreateWindowExA(0, WC_TABCONTROLA, "",
-                                WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | TCS_OWNERDRAWFIXED,
-                                0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                                WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | TCS_OWNERDRAWFIXED, 0,
+                                0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
                                 ::GetModuleHandleA(nullptr), nullptr)),
       enabled_(captions.size(), true) {
     ::SetWindowSubclass(window_, Procedure, 0, reinterpret_cast<DWORD_PTR>(this));

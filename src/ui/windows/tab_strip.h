@@ -1,5 +1,5 @@
-// The native tab control, with tabs that can be disabled: grey, and not to be chosen by mouse or keyboard. The
-// system's own has none. It knows nothing of pages.
+// The native tab control, with tabs that can be disabled: grey, and not to be chosen by mouse or keyboard.
+// The system's own has none. It knows nothing of pages.
 #pragma once
 
 #include <string>
@@ -11,8 +11,8 @@ namespace ui {
 
 class TabStrip {
   public:
-    /// Makes the control as a child of `parent`, which owns it. `parent` gets its messages: TCN_SELCHANGE when
-    /// the operator has chosen a tab, and WM_DRAWITEM for each tab, to be handed to Draw.
+    /// Makes the control as a child of `parent`, which owns it. `parent` gets its messages: TCN_SELCHANGE
+    /// when the operator has chosen a tab, and WM_DRAWITEM for each tab, to be handed to Draw.
     TabStrip(HWND parent, int id, const std::vector<std::string>& captions);
     TabStrip(const TabStrip&) = delete;
     TabStrip& operator=(const TabStrip&) = delete;
@@ -23,8 +23,8 @@ class TabStrip {
     /// Tells nobody.
     void Select(int index);
     void Enable(int index, bool enabled);
-    /// Chooses the next tab in that direction (1 or -1) that can be chosen, as the operator does; `around` goes
-    /// on at the other end. Nothing happens where there is none.
+    /// Chooses the next tab in that direction (1 or -1) that can be chosen, as the operator does; `around`
+    /// goes on at the other end. Nothing happens where there is none.
     void ChooseNext(int direction, bool around);
     void Draw(const DRAWITEMSTRUCT& item) const;
 

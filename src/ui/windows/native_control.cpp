@@ -1,0 +1,187 @@
+#include "ui/windows/native_control.h"
+
+#include <string>
+
+#include "ui/windows/container.h"
+
+#include <commctrl.h>
+
+namespace ui {
+namespace {
+
+constexpr int kExecutePicture = 2; // the icon's number among the resources
+constexpr int kShownListItems = 12;
+
+constexpr DWORD kChild = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS;
+constexpr DWORD kField = kChild | WS_TABSTOP;
+
+struct Recipe {
+    const char* window_class = "";
+    DWORD style = 0;
+    DWORD extended_style = 0;
+    std::string text;
+};
+
+Recipe FrameRecipe(const Control& control) {
+    return {WC_BUTTONA, kChild | WS_CLIPCHILDREN | BS_GROUPBOX, WS_EX_CONTROLPARENT,
+            static_cast<const Frame&>(control).Caption()};
+}
+
+Recipe PictureBoxRecipe(const Control& /*control*/) {
+    return {WC_STATICA, kChild | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, ""};
+}
+
+Recipe LabelRecipe(const Control& /*control*/) {
+    return {WC_STATICA, kChild | SS_LEFT, 0, ""};
+}
+
+Recipe TextBoxRecipe(const Control& control) {
+    const bool multi_line = (control.Design().traits & kMultiLine) != 0;
+    const DWORD lines =
+        multi_line ? DWORD{ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL | WS_HSCROLL} : DWORD{0};
+    return {WC_EDITA, kField | ES_AUTOHSCROLL | lines, WS_EX_CLIENTEDGE, ""};
+}
+
+Recipe CommandButtonRecipe(const Control& control) {
+    const bool picture = (control.Design().traits & kPicture) != 0;
+    const DWORD look = picture ? DWORD{BS_ICON} : DWORD{0};
+    // What is not seen is what a screen reader says.
+    return {WC_BUTTONA, kField | BS_PUSHBUTTON | look, 0,
+            picture ? control.Design().tool_tip : control.Design().caption};
+}
+
+Recipe CheckBoxRecipe(const Control& control) {
+    return {WC_BUTTONA, kField | BS_AUTOCHECKBOX, 0, control.Design().caption};
+}
+
+Recipe OptionButtonRecipe(const Control& /*control*/) {
+    return {WC_BUTTONA, kField | BS_AUTORADIOBUTTON, 0, ""};
+}
+
+Recipe ComboBoxRecipe(const Control& control) {
+    const DWORD kind = static_cast<const ComboBox&>(control).IsDropDownList() ? DWORD{CBS_DROPDOWNLIST}
+                                                                              : DWORD{CBS_DROPDOWN};
+    return {WC_COMBOBOXA, kField | WS_VSCROLL | CBS_AUTOHSCROLL | kind, 0, ""};
+}
+
+Recipe ListBoxRecipe(const Control& /*control*/) {
+    return {WC_LISTBOXA, kField | WS_VSCROLL | WS_HSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT,
+            WS_EX_CLIENTEDGE, ""};
+}
+
+Recipe ListViewRecipe(const Control& /*control*/) {
+    return {WC_LISTVIEWA, kField | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+            WS_EX_CLIENTEDGE, ""};
+}
+
+Recipe ProgressBarRecipe(const Control& /*control*/) {
+    return {PROGRESS_CLASSA, kChild, 0, ""};
+}
+
+using RecipeFunction = Recipe (*)(const Control&);
+
+RecipeFunction RecipeOf(Kind kind) {
+    switch (kind) {
+    case Kind::Frame:
+        return FrameRecipe;
+    case Kind::PictureBox:
+        return PictureBoxRecipe;
+    case Kind::Label:
+        return LabelRecipe;
+    case Kind::TextBox:
+        return TextBoxRecipe;
+    case Kind::CommandButton:
+        return CommandButtonRecipe;
+    case Kind::CheckBox:
+        return CheckBoxRecipe;
+    case Kind::OptionButton:
+        return OptionButtonRecipe;
+    case Kind::ComboBox:
+        return ComboBoxRecipe;
+    case Kind::ListBox:
+        return ListBoxRecipe;
+    case Kind::ListView:
+        return ListViewRecipe;
+    case Kind::ProgressBar:
+        return ProgressBarRecipe;
+    case Kind::Form:
+    case Kind::TabControl:
+        break;
+    }
+    return nullptr; // both are windows of classes of their own, made elsewhere
+}
+
+/// The selected field of a combo box has the height of its font; the list below it belongs to the window's
+/// size.
+void PlaceComboBox(HWND window, const RECT& place) {
+    const int height = place.bottom - place.top;
+    const auto row = static_cast<int>(::SendMessageA(window, CB_GETITEMHEIGHT, 0, 0));
+    ::SetWindowPos(window, nullptr, place.left, place.top, place.right - place.left,
+                   height + row * kShownListItems, SWP_NOZORDER | SWP_NOACTIVATE);
+    RECT now{};
+    ::GetWindowRect(window, &now);
+    const auto field = static_cast<int>(::SendMessageA(window, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0));
+    const int wanted = field + height - (now.bottom - now.top);
+    ::SendMessageA(window, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), wanted);
+}
+
+} // namespace
+
+HWND MakeNativeControl(const Control& control, HWND parent) {
+    const Recipe recipe = RecipeOf(control.Kind())(control);
+    const HINSTANCE instance = ::GetModuleHandleA(nullptr);
+    const HWND window = ::CreateWindowExA(
+        recipe.extended_style, recipe.window_class, recipe.text.c_str(), recipe.style, 0, 0, 0, 0, parent,
+        reinterpret_cast<HMENU>(static_cast<INT_PTR>(control.Id())), instance, nullptr);
+    if ((recipe.extended_style & WS_EX_CONTROLPARENT) != 0) {
+        MakeContainer(window);
+    }
+    if (control.Kind() == Kind::TextBox) {
+        ::SendMessageA(window, EM_SETLIMITTEXT, 0, 0); // as much as there is memory for
+    }
+    if ((control.Design().traits & kPicture) != 0) {
+        const HANDLE picture =
+            ::LoadImageA(instance, MAKEINTRESOURCEA(kExecutePicture), IMAGE_ICON,
+                         ::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON), LR_SHARED);
+        ::SendMessageA(window, BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(picture));
+    }
+    return window;
+}
+
+int Scaled(int twips, int dpi) {
+    constexpr int kTwipsPerInch = 1440;
+    return ::MulDiv(twips, dpi, kTwipsPerInch);
+}
+
+void PlaceNativeControl(const NativeControl& native, POINT origin, int dpi) {
+    // The edges are scaled and not the sizes, so that what lies side by side stays so.
+    const Place& design = native.control->Design().place;
+    const RECT place{origin.x + Scaled(design.left, dpi), origin.y + Scaled(design.top, dpi),
+                     origin.x + Scaled(design.left + design.width, dpi),
+                     origin.y + Scaled(design.top + design.height, dpi)};
+    if (native.control->Kind() == Kind::ComboBox) {
+        PlaceComboBox(native.window, place);
+        return;
+    }
+    ::SetWindowPos(native.window, nullptr, place.left, place.top, place.right - place.left,
+                   place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+std::string WindowText(HWND window) {
+    std::string text(static_cast<std::size_t>(::GetWindowTextLengthA(window)) + 1, '\0');
+    const int length = ::GetWindowTextA(window, text.data(), static_cast<int>(text.size()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+COLORREF ToColorRef(Colour colour) {
+    constexpr Colour kSystem = 0x80000000;
+    return (colour & kSystem) != 0 ? ::GetSysColor(static_cast<int>(colour & ~kSystem)) : COLORREF{colour};
+}
+
+HBRUSH SystemBrush(Colour colour) {
+    constexpr Colour kSystem = 0x80000000;
+    return ::GetSysColorBrush((colour & kSystem) != 0 ? static_cast<int>(colour & ~kSystem) : COLOR_BTNFACE);
+}
+
+} // namespace ui

@@ -1,0 +1,43 @@
+// One native control for each control of a form: how each kind is made, placed and shown as its control
+// stands. It knows nothing of the window around it.
+#pragma once
+
+#include <cstdint>
+
+#include "ui/form.h"
+
+#include "platform/windows/lean_windows.h"
+
+namespace ui {
+
+struct NativeControl {
+    Control* control = nullptr;
+    HWND window = nullptr;   ///< owned by the form's window
+    std::uint32_t stale = 0; ///< one bit for each Property that the native control may not show yet
+};
+
+constexpr std::uint32_t Bit(Property property) {
+    return std::uint32_t{1} << static_cast<unsigned>(property);
+}
+
+/// Makes the window of a control of any kind but a tab control, without size and place.
+HWND MakeNativeControl(const Control& control, HWND parent);
+
+/// The twips of a design on a monitor of that many pixels per inch.
+int Scaled(int twips, int dpi);
+
+/// Puts it where the design has it, moved by `origin` pixels.
+void PlaceNativeControl(const NativeControl& native, POINT origin, int dpi);
+
+/// Brings the native control in line with what is stale, and leaves alone what agrees. Not for a tab control.
+void BringInLine(NativeControl& native);
+
+/// The text of a native control.
+std::string WindowText(HWND window);
+
+/// A colour as the program writes it.
+COLORREF ToColorRef(Colour colour);
+/// The brush of a system colour, owned by the system; that of a button's face for any other colour.
+HBRUSH SystemBrush(Colour colour);
+
+} // namespace ui

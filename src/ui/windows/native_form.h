@@ -1,0 +1,83 @@
+// The window of a form: native controls, made, filled, kept in line and listened to. It decides nothing: what
+// the operator does goes to the form through operator.h.
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <vector>
+
+#include "ui/toolkit.h"
+#include "ui/windows/dialog_font.h"
+#include "ui/windows/native_control.h"
+#include "ui/windows/tab_strip.h"
+
+namespace ui {
+
+class NativeForm final : public Window, private Mirror {
+  public:
+    /// With an owner it is a dialog above it. Throws nothing of its own; the window is there, unseen.
+    NativeForm(Form& form, HWND owner);
+    NativeForm(const NativeForm&) = delete;
+    NativeForm& operator=(const NativeForm&) = delete;
+    ~NativeForm() override;
+
+    void Show() override;
+    void RunUntilClosed() override;
+
+    /// The window of a form; null if none shows it.
+    static HWND HandleOf(const Form& form);
+
+  private:
+    void Changed(const Control& control, Property property) override;
+
+    // native_form.cpp: making and placing
+    void MakeFrame(HWND owner);
+    void MakeControls();
+    HWND MakeControl(Control& control);
+    HWND ParentOf(const Control& control) const;
+    bool BeginsGroup(std::size_t index) const;
+    void AddToolTips();
+    void LayOut(int dpi);
+    void FitClient(int width, int height);
+    POINT OriginOf(const Control& control, int dpi) const;
+    void CentreOn(HWND owner);
+
+    // native_form_events.cpp: in line, and listening
+    static NativeForm* OfWindow(HWND window);
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+    static bool Filter(MSG& message);
+    LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
+    bool FilterKey(const MSG& message);
+    void BringAllInLine();
+    void BringTabsInLine(NativeControl& native);
+    void TakeFormChange(Property property);
+    void Stale(std::size_t index, Property property);
+    void GiveFocus(HWND control) const;
+    void GiveFocusToSomeone() const;
+    void TrackFocus();
+    NativeControl* Find(HWND window);
+    NativeControl* FindById(int id);
+    void TakeCommand(int id, WORD code);
+    void Report(NativeControl& native, WORD code);
+    LRESULT TakeNotice(const NMHDR& notice);
+    LRESULT ColourControl(UINT message, WPARAM wparam, LPARAM lparam);
+    void PressCancel();
+    void TakeDpi(int dpi, const RECT& place);
+
+    /// Those that there are, in the order of their making.
+    static std::vector<NativeForm*>& All();
+
+    Form& form_;
+    HWND window_ = nullptr;
+    HWND tool_tips_ = nullptr;
+    DialogFont font_;
+    std::vector<NativeControl> natives_;
+    std::unique_ptr<TabStrip> tabs_;
+    int tabs_index_ = -1;       ///< the tab control's place among the controls
+    bool told_ = false;         ///< a message that brings the window in line is in the queue
+    bool showing_ = false;      ///< what native controls tell now is this class's own doing
+    bool focus_wanted_ = false; ///< by the form, and not given yet
+    std::exception_ptr thrown_;
+};
+
+} // namespace ui

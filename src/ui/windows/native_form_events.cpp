@@ -1,0 +1,397 @@
+// The events of a form's window: what the form changes is shown, what the operator does is told to the form.
+#include <algorithm>
+
+#include "platform/pending_events.h"
+#include "platform/windows/message_queue.h"
+#include "ui/operator.h"
+#include "ui/windows/native_form.h"
+#include "ui/windows/native_list_view.h"
+
+namespace ui {
+namespace {
+
+/// In the queue when something is not shown yet. Posted messages come before input and painting.
+constexpr UINT kBringInLine = WM_APP;
+constexpr UINT kDpiChanged = 0x02E0; // WM_DPICHANGED, which headers for Windows 7 do not have
+
+bool IsPressed(int key) {
+    return ::GetKeyState(key) < 0;
+}
+
+} // namespace
+
+// --- what the form changes
+
+void NativeForm::Stale(std::size_t index, Property property) {
+    natives_[index].stale |= Bit(property);
+    if (!told_) {
+        told_ = ::PostMessageA(window_, kBringInLine, 0, 0) != 0;
+    }
+}
+
+void NativeForm::Changed(const Control& control, Property property) {
+    if (control.Kind() == Kind::Form) {
+        TakeFormChange(property);
+        return;
+    }
+    const auto index = static_cast<std::size_t>(control.Id() - form_.Controls().front()->Id());
+    if (property == Property::Refresh) {
+        BringAllInLine();
+        ::RedrawWindow(natives_[index].window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+        return;
+    }
+    Stale(index, property);
+}
+
+void NativeForm::TakeFormChange(Property property) {
+    switch (property) {
+    case Property::Caption:
+        ::SetWindowTextA(window_, form_.Caption().c_str());
+        return;
+    case Property::Focus:
+        focus_wanted_ = true;
+        if (!told_) {
+            told_ = ::PostMessageA(window_, kBringInLine, 0, 0) != 0;
+        }
+        return;
+    case Property::Painting:
+        BringAllInLine();
+        ::LockWindowUpdate(form_.PaintingLocked() ? window_ : nullptr);
+        return;
+    case Property::Unloaded:
+        // The owner takes input again before this window goes: else the focus would go to another program.
+        if (const HWND owner = ::GetWindow(window_, GW_OWNER); owner != nullptr) {
+            ::EnableWindow(owner, TRUE);
+        }
+        ::ShowWindow(window_, SW_HIDE);
+        return;
+    default:
+        BringAllInLine();
+        ::UpdateWindow(window_);
+        return;
+    }
+}
+
+void NativeForm::BringAllInLine() {
+    const bool before = std::exchange(showing_, true);
+    told_ = false;
+    for (std::size_t index = 0; index < natives_.size(); ++index) {
+        NativeControl& native = natives_[index];
+        if (native.stale == 0) {
+            continue;
+        }
+        if (static_cast<int>(index) == tabs_index_) {
+            BringTabsInLine(native);
+        } else {
+            BringInLine(native);
+        }
+    }
+    showing_ = before;
+    if (std::exchange(focus_wanted_, false) && form_.Focused() != nullptr) {
+        const NativeControl* native = FindById(form_.Focused()->Id());
+        GiveFocus(native->window);
+    }
+}
+
+void NativeForm::BringTabsInLine(NativeControl& native) {
+    const auto& tabs = static_cast<const TabControl&>(*native.control);
+    native.stale = 0;
+    for (int tab = 0; tab < tabs.Tabs(); ++tab) {
+        tabs_->Enable(tab, tabs.TabEnabled(tab));
+    }
+    if (tabs_->Selected() != tabs.Tab()) {
+        tabs_->Select(tabs.Tab());
+    }
+    const HWND focus = ::GetFocus();
+    for (const NativeControl& page : natives_) {
+        if (page.control->Parent() != native.control) {
+            continue;
+        }
+        const bool shown = page.control->Index() == tabs.Tab();
+        if (shown != ((::GetWindowLongPtrA(page.window, GWL_STYLE) & WS_VISIBLE) != 0)) {
+            ::ShowWindow(page.window, shown ? SW_SHOWNA : SW_HIDE);
+        }
+        if (!shown && focus != nullptr && ::IsChild(page.window, focus) != 0) {
+            ::SetFocus(tabs_->Window());
+        }
+    }
+}
+
+// --- the focus
+
+/// As the Tab key does it: the text of a box is selected, and a button becomes the one that Enter presses.
+void NativeForm::GiveFocus(HWND control) const {
+    ::SendMessageA(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
+}
+
+/// A control that is disabled loses the focus, and with it the keyboard would be dead.
+void NativeForm::GiveFocusToSomeone() const {
+    if (::GetActiveWindow() != window_ || ::GetFocus() != nullptr) {
+        return;
+    }
+    HWND last = nullptr;
+    for (const NativeControl& native : natives_) {
+        if (native.control == form_.Focused()) {
+            last = native.window;
+        }
+    }
+    const HWND next = ::GetNextDlgTabItem(window_, last, FALSE);
+    if (next != nullptr) {
+        GiveFocus(next);
+    }
+}
+
+void NativeForm::TrackFocus() {
+    const HWND focus = ::GetFocus();
+    if (focus == nullptr || ::IsChild(window_, focus) == 0) {
+        return; // in another window, or nowhere while a control is disabled: the form keeps what it knows
+    }
+    NativeControl* native = Find(focus);
+    if (native == nullptr) {
+        native = Find(::GetParent(focus)); // the text field of a combo box
+    }
+    if (native != nullptr && native->control != form_.Focused()) {
+        FocusMoved(form_, native->control);
+    }
+}
+
+// --- what the operator does
+
+NativeControl* NativeForm::Find(HWND window) {
+    const auto found = std::find_if(natives_.begin(), natives_.end(), [window](const NativeControl& native) {
+        return native.window == window;
+    });
+    return found == natives_.end() ? nullptr : &*found;
+}
+
+NativeControl* NativeForm::FindById(int id) {
+    const auto found = std::find_if(natives_.begin(), natives_.end(),
+                                    [id](const NativeControl& native) { return native.control->Id() == id; });
+    return found == natives_.end() ? nullptr : &*found;
+}
+
+void NativeForm::TakeCommand(int id, WORD code) {
+    if (showing_) {
+        return;
+    }
+    if (id == IDCANCEL) {
+        PressCancel();
+        return;
+    }
+    if (id == IDOK) { // Enter
+        NativeControl* focused = Find(::GetFocus());
+        if (focused != nullptr && focused->control->Kind() == Kind::CommandButton) {
+            ::SendMessageA(focused->window, BM_CLICK, 0, 0);
+        }
+        return;
+    }
+    if (NativeControl* native = FindById(id); native != nullptr) {
+        TrackFocus();
+        Report(*native, code);
+    }
+}
+
+void NativeForm::PressCancel() {
+    for (const NativeControl& native : natives_) {
+        if ((native.control->Design().traits & kCancel) != 0) {
+            ::SendMessageA(native.window, BM_CLICK, 0, 0);
+        }
+    }
+}
+
+void NativeForm::Report(NativeControl& native, WORD code) {
+    Control& control = *native.control;
+    const auto index = static_cast<std::size_t>(&native - natives_.data());
+    switch (control.Kind()) {
+    case Kind::TextBox:
+        if (code == EN_CHANGE) {
+            Edit(static_cast<TextBox&>(control), WindowText(native.window));
+        }
+        break;
+    case Kind::CommandButton:
+        if (code == BN_CLICKED) {
+            Click(static_cast<CommandButton&>(control));
+        }
+        break;
+    case Kind::CheckBox:
+        if (code == BN_CLICKED) {
+            Stale(index, Property::Value); // the native tick has turned, whatever the form makes of it
+            Click(static_cast<CheckBox&>(control));
+        }
+        break;
+    case Kind::OptionButton:
+        if (code == BN_CLICKED) {
+            Stale(index, Property::Value);
+            Click(static_cast<OptionButton&>(control));
+        }
+        break;
+    case Kind::ComboBox:
+        if (code == CBN_SELCHANGE) {
+            Choose(static_cast<ComboBox&>(control),
+                   static_cast<int>(::SendMessageA(native.window, CB_GETCURSEL, 0, 0)));
+        } else if (code == CBN_EDITCHANGE) {
+            Edit(static_cast<ComboBox&>(control), WindowText(native.window));
+        }
+        break;
+    case Kind::ListBox:
+        if (code == LBN_SELCHANGE) {
+            Choose(static_cast<ListBox&>(control),
+                   static_cast<int>(::SendMessageA(native.window, LB_GETCURSEL, 0, 0)));
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+LRESULT NativeForm::TakeNotice(const NMHDR& notice) {
+    NativeControl* native = Find(notice.hwndFrom);
+    if (native == nullptr) {
+        return 0;
+    }
+    if (native->control->Kind() == Kind::ListView && notice.code == LVN_GETDISPINFOA) {
+        auto& wanted = *reinterpret_cast<NMLVDISPINFOA*>(const_cast<NMHDR*>(&notice));
+        GiveCell(static_cast<const ListView&>(*native->control), wanted);
+    }
+    if (native->control->Kind() == Kind::TabControl && notice.code == TCN_SELCHANGE && !showing_) {
+        TrackFocus();
+        Stale(static_cast<std::size_t>(tabs_index_), Property::Tab);
+        Choose(static_cast<TabControl&>(*native->control), tabs_->Selected());
+    }
+    return 0;
+}
+
+// --- the window
+
+LRESULT NativeForm::ColourControl(UINT message, WPARAM wparam, LPARAM lparam) {
+    const auto paper = reinterpret_cast<HDC>(wparam);
+    const NativeControl* native = Find(reinterpret_cast<HWND>(lparam));
+    const LRESULT usual = ::DefDlgProcA(window_, message, wparam, lparam);
+    if (native == nullptr || ::IsWindowEnabled(native->window) == 0) {
+        return usual;
+    }
+    if (native->control->Kind() == Kind::Label) {
+        ::SetTextColor(paper, ToColorRef(static_cast<const Label&>(*native->control).ForeColor()));
+        ::SetBkColor(paper, ::GetSysColor(COLOR_BTNFACE));
+        return reinterpret_cast<LRESULT>(::GetSysColorBrush(COLOR_BTNFACE));
+    }
+    if (native->control->Kind() == Kind::TextBox) {
+        const Colour background = static_cast<const TextBox&>(*native->control).BackColor();
+        ::SetTextColor(paper, ::GetSysColor(COLOR_WINDOWTEXT));
+        ::SetBkColor(paper, ToColorRef(background));
+        return reinterpret_cast<LRESULT>(SystemBrush(background));
+    }
+    return usual;
+}
+
+void NativeForm::TakeDpi(int dpi, const RECT& place) {
+    ::SetWindowPos(window_, nullptr, place.left, place.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    LayOut(dpi);
+    ::InvalidateRect(window_, nullptr, TRUE);
+}
+
+LRESULT NativeForm::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+    case kBringInLine:
+        BringAllInLine();
+        return 0;
+    case WM_COMMAND:
+        TakeCommand(LOWORD(wparam), HIWORD(wparam));
+        return 0;
+    case WM_NOTIFY:
+        return TakeNotice(*reinterpret_cast<const NMHDR*>(lparam));
+    case WM_NOTIFYFORMAT:
+        return NFR_ANSI;
+    case WM_DRAWITEM:
+        tabs_->Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
+        return TRUE;
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLOREDIT:
+        return ColourControl(message, wparam, lparam);
+    case WM_SETCURSOR:
+        if (platform::MousePointer() == platform::kHourglassPointer) {
+            ::SetCursor(::LoadCursorA(nullptr, IDC_WAIT));
+            return TRUE;
+        }
+        break;
+    case WM_CLOSE:
+        Close(form_);
+        return 0;
+    case WM_ENDSESSION:
+        if (wparam != FALSE) {
+            Close(form_);
+        }
+        return 0;
+    case kDpiChanged:
+        TakeDpi(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
+        return 0;
+    default:
+        break;
+    }
+    return ::DefDlgProcA(window_, message, wparam, lparam);
+}
+
+/// A failure may not pass through the system's own frames: it waits for the loop that delivered the message.
+LRESULT CALLBACK NativeForm::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    NativeForm* form = OfWindow(window);
+    if (form == nullptr) {
+        return ::DefDlgProcA(window, message, wparam, lparam);
+    }
+    try {
+        return form->Handle(message, wparam, lparam);
+    } catch (...) {
+        form->thrown_ = std::current_exception();
+        return 0;
+    }
+}
+
+/// Ctrl+Tab and Ctrl+Page Down, with Shift and Page Up backwards, from wherever the focus is.
+bool NativeForm::FilterKey(const MSG& message) {
+    if (!tabs_ || message.message != WM_KEYDOWN || !IsPressed(VK_CONTROL)) {
+        return false;
+    }
+    switch (message.wParam) {
+    case VK_TAB:
+        tabs_->ChooseNext(IsPressed(VK_SHIFT) ? -1 : 1, true);
+        return true;
+    case VK_NEXT:
+        tabs_->ChooseNext(1, true);
+        return true;
+    case VK_PRIOR:
+        tabs_->ChooseNext(-1, true);
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool NativeForm::Filter(MSG& message) {
+    const HWND window = message.hwnd == nullptr ? nullptr : ::GetAncestor(message.hwnd, GA_ROOT);
+    NativeForm* form = OfWindow(window);
+    return form != nullptr && (form->FilterKey(message) || ::IsDialogMessageA(window, &message) != 0);
+}
+
+void NativeForm::Show() {
+    BringAllInLine();
+    ::ShowWindow(window_, SW_SHOWNORMAL);
+    if (::GetActiveWindow() == window_ && form_.Focused() == nullptr) {
+        GiveFocus(::GetNextDlgTabItem(window_, tabs_ ? tabs_->Window() : nullptr, FALSE));
+    }
+    ::UpdateWindow(window_);
+}
+
+void NativeForm::RunUntilClosed() {
+    MSG message{};
+    while (!form_.Unloaded() && ::GetMessageA(&message, nullptr, 0, 0) > 0) {
+        platform::Deliver(message);
+        if (thrown_) {
+            std::rethrow_exception(std::exchange(thrown_, nullptr));
+        }
+        if (!form_.Unloaded()) {
+            TrackFocus();
+            GiveFocusToSomeone();
+        }
+    }
+}
+
+} // namespace ui

@@ -1,0 +1,39 @@
+// An operator's hands for tests on a screen: real mouse and keyboard input, windows found by their
+// identifiers, pictures of what is shown. It knows no program and no toolkit.
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "platform/windows/lean_windows.h"
+
+namespace hands {
+
+/// Waits until the condition holds, letting this thread's windows run meanwhile; false after ten seconds.
+bool WaitFor(const std::function<bool()>& condition);
+
+/// The window below `top`, at any depth, with this identifier; null if there is none.
+HWND Child(HWND top, int id);
+std::string Text(HWND window);
+std::string ClassOf(HWND window);
+/// Where the window is in the client area of another.
+RECT PlaceIn(HWND window, HWND other);
+
+/// Brings the window to the front and waits until the keyboard goes to it.
+bool Activate(HWND window);
+
+/// Presses the left button there, in the window's client area.
+void ClickAt(HWND window, int x, int y);
+/// In the middle of the window.
+void Click(HWND window);
+/// The keys of these characters: letters, digits, blanks and what stands on a US keyboard.
+void Type(const std::string& text);
+/// Presses a key while others are held.
+void Press(WORD key, std::initializer_list<WORD> held = {});
+
+/// Writes what the screen shows of the window with its frame into a bitmap file.
+bool TakePicture(HWND window, const std::string& path);
+
+} // namespace hands
