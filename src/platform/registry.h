@@ -18,6 +18,7 @@ inline constexpr std::int32_t kHkeyLocalMachine = -2147483646;
 
 /// Accesses to a key.
 inline constexpr std::uint32_t kKeyQueryValue = 1;
+inline constexpr std::uint32_t kKeySetValue = 2;
 inline constexpr std::uint32_t kKeyAllAccess = 0xF003F;
 
 /// The one type of value that the program writes.

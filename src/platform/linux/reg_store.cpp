@@ -12,11 +12,11 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/linux/config_folder.h"
 #include "platform/registry.h"
 
 namespace platform {
@@ -262,19 +262,6 @@ void Change(const std::string& named, const std::function<void(RegFile&)>& chang
     NewFile replacement(path);
     replacement.Write(after);
     replacement.Place();
-}
-
-std::string ConfigFolder() {
-    const char* configured = std::getenv("XDG_CONFIG_HOME");
-    if (configured != nullptr && configured[0] == '/') {
-        return configured;
-    }
-    const char* home = std::getenv("HOME");
-    if (home == nullptr || home[0] == '\0') {
-        const passwd* user = ::getpwuid(::geteuid());
-        home = user == nullptr ? nullptr : user->pw_dir;
-    }
-    return home == nullptr ? std::string{} : std::string(home) + "/.config";
 }
 
 } // namespace

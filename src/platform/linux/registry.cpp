@@ -19,7 +19,6 @@ namespace {
 
 using namespace registry_error;
 
-constexpr std::uint32_t kKeySetValue = 2;
 
 struct Hive {
     RegistryHandle handle;
