@@ -1,0 +1,121 @@
+// frmMain: the status line, the block of settings, and the database lists.
+#include "admin/upgrade_db_mgr.h"
+#include "console/main_form.h"
+#include "platform/pending_events.h"
+#include "startup/error_log.h"
+#include "startup/failure.h"
+
+namespace kv {
+namespace {
+
+struct DatabaseList {
+    int tab;
+    const char* combo;
+    bool keep_text;
+    bool other_server; ///< shows the databases of the server that is not selected
+};
+
+/// In the order of filling. A name typed as the destination of an upgrade is kept, since that database need
+/// not be there yet.
+constexpr std::array kDatabaseLists = {
+    DatabaseList{kSynchronizeTab, "cboSynchronizeSourceDatabase", false, false},
+    DatabaseList{kSynchronizeTab, "cboSynchronizeDestDatabase", false, true},
+    DatabaseList{kUpgradeTab, "cboRenameDatabase", false, false},
+    DatabaseList{kUpgradeTab, "cboUpgradeDatabaseDest", true, false},
+    DatabaseList{kUpgradeTab, "cboUpgradeDatabaseSource", false, false},
+    DatabaseList{kUpgradeTab, "cboRemoveDatabase", false, false},
+    DatabaseList{kReplicationTab, "cboSQLReplicationDatabase", false, false},
+    DatabaseList{kViewDataTab, "cboViewDataDatabase", false, false},
+    DatabaseList{kStoredProcTab, "cboStoredProcDatabase", false, false},
+};
+
+} // namespace
+
+void frmMain::InitStatus(Int16 intMax, const std::string& strText) {
+    prbStatus_.Min(0);
+    prbStatus_.Max(intMax < Int16(0) ? 1 : static_cast<float>(intMax.Value()));
+    prbStatus_.Value(0);
+    ShowStatusText(strText);
+}
+
+void frmMain::StepStatus(const std::string& strText) {
+    if (prbStatus_.Max() > prbStatus_.Value()) {
+        prbStatus_.Value(prbStatus_.Value() + 1);
+    }
+    ShowStatusText(strText);
+}
+
+void frmMain::ResetStatus(const std::string& strText) {
+    prbStatus_.Min(0);
+    prbStatus_.Value(0);
+    prbStatus_.Max(1);
+    ShowStatusText(strText);
+}
+
+void frmMain::ShowStatusText(const std::string& strText) {
+    lblStatus_.Caption(strText);
+    lblStatus_.Refresh();
+    platform::RunPendingEvents();
+}
+
+void frmMain::FillSettings(ServerPairSettings& settings, bool blnUseServerA) const {
+    const ServerFields a = FieldsOf(0);
+    const ServerFields b = FieldsOf(1);
+    settings.UseServerA(blnUseServerA);
+    settings.ServerA(a.name);
+    settings.ServerB(b.name);
+    settings.UserA(a.user);
+    settings.UserB(b.user);
+    settings.PasswordA(a.password);
+    settings.PasswordB(b.password);
+    settings.SQLDataPathA(a.data_path);
+    settings.SQLDataPathB(b.data_path);
+    settings.SQLUNCReplDataPathA(a.replication_path);
+    settings.SQLUNCReplDataPathB(b.replication_path);
+}
+
+void frmMain::UpdateDatabaseLists(int intTab, bool blnUseServerA) {
+    if (loading_) {
+        return;
+    }
+    CUpgradeDbMgr manager;
+    WithFailureHandler(
+        [&] {
+            FillSettings(manager, blnUseServerA);
+            // An operation that failed leaves no names: the lists empty out.
+            std::vector<std::string> arrDatabase;
+            manager.GetDatabases(arrDatabase);
+            for (const DatabaseList& list : kDatabaseLists) {
+                if (list.tab != intTab) {
+                    continue;
+                }
+                if (list.other_server) {
+                    manager.UseServerA(!blnUseServerA);
+                    manager.GetDatabases(arrDatabase);
+                }
+                FillDatabaseCombo(form_.Get<ui::ComboBox>(list.combo), arrDatabase, list.keep_text);
+            }
+        },
+        [](const Failure&) { WriteErrorLog("frmMain::UpdateDatabaseLists"); });
+    manager.ShowDbError();
+}
+
+void frmMain::FillDatabaseCombo(ui::ComboBox& combo, const std::vector<std::string>& arrDatabase,
+                                bool keep_text) {
+    const std::string text = combo.Text();
+    combo.Clear();
+    int selected = 0;
+    for (std::size_t i = 1; i < arrDatabase.size(); ++i) {
+        combo.AddItem(arrDatabase[i]);
+        if (arrDatabase[i] == text) {
+            selected = combo.ListCount() - 1;
+        }
+    }
+    if (keep_text) {
+        combo.Text(text);
+    } else if (combo.ListCount() > 0) {
+        combo.Text(combo.List(selected));
+    }
+}
+
+} // namespace kv

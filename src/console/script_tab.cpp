@@ -1,0 +1,270 @@
+#include "console/script_tab.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+#include "ado/variant.h"
+#include "console/exclamation.h"
+#include "console/folder_browser.h"
+#include "console/main_form.h"
+#include "console/wait_cursor.h"
+#include "startup/error_log.h"
+#include "startup/failure.h"
+#include "ui/toolkit.h"
+
+namespace kv {
+namespace {
+
+constexpr std::chrono::milliseconds kScriptWait{2000};
+constexpr std::chrono::milliseconds kEndWait{3000};
+
+struct ScriptStep {
+    const char* check_box;
+    eSQLScript script;
+    const char* text;
+};
+
+struct PackageStep {
+    const char* check_box;
+    eDTSPackage package;
+    const char* text;
+};
+
+constexpr std::array kCreateSteps = {
+    ScriptStep{"chkCreateInstallBatchDatabase", sqlCreateBatchDatabase,
+               "Create modified batch database script..."},
+    ScriptStep{"chkCreateInstallBatchDefaultData", sqlInsertDefaultData,
+               "Create modified batch default data script..."},
+    ScriptStep{"chkCreateInstallBatchStoredProcedures", sqlCreateBatchStoredProcedures,
+               "Create modified batch stored procedure script..."},
+    ScriptStep{"chkCreateInstallSQLServerReplication", sqlCreateReplicationStoredProcedures,
+               "Create modified batch sql server replication script..."},
+    ScriptStep{"chkCreateInstallScriptFile", sqlUserDefinedScript, "Create modified user defined script..."},
+};
+
+/// In another order than they are created: the default data want the stored procedures.
+constexpr std::array kInstallSteps = {
+    ScriptStep{"chkCreateInstallBatchDatabase", sqlCreateBatchDatabase, "Install batch database..."},
+    ScriptStep{"chkCreateInstallBatchStoredProcedures", sqlCreateBatchStoredProcedures,
+               "Install batch stored procedures..."},
+    ScriptStep{"chkCreateInstallBatchDefaultData", sqlInsertDefaultData, "Install batch default data..."},
+    ScriptStep{"chkCreateInstallSQLServerReplication", sqlCreateReplicationStoredProcedures,
+               "Install batch sql server replication..."},
+    ScriptStep{"chkCreateInstallScriptFile", sqlUserDefinedScript, "Install user defined script file..."},
+};
+
+constexpr std::array kPackageSteps = {
+    PackageStep{"chkStandardSynchronize", dtsStdSynchronize, "Install Standard Synchronize DTS package..."},
+    PackageStep{"chkUpgradeDatabaseV1ToV2", dtsUpgradeDatabaseV1ToV2,
+                "Install Upgrade Database V1 to V2 DTS package..."},
+    PackageStep{"chkBatchOverviewExport", dtsBatchOverviewExport,
+                "Install Batch Overview Export DTS package..."},
+    PackageStep{"chkBatchOverviewRecalcExport", dtsBatchOverviewRecalcExport,
+                "Install Batch Overview Recalculation Export DTS package..."},
+    PackageStep{"chkBatchSummaryExport", dtsBatchSummaryExport,
+                "Install Batch Summary Export DTS package..."},
+    PackageStep{"chkBatchSummaryRecalcExport", dtsBatchSummaryRecalcExport,
+                "Install Batch Summary Recalculation Export DTS package..."},
+};
+
+/// As the program shows a date and time everywhere.
+std::string TextOf(const platform::LocalTime& time) {
+    ado::Date date{};
+    date.year = static_cast<decltype(date.year)>(time.year);
+    date.month = static_cast<decltype(date.month)>(time.month);
+    date.day = static_cast<decltype(date.day)>(time.day);
+    date.hour = static_cast<decltype(date.hour)>(time.hour);
+    date.minute = static_cast<decltype(date.minute)>(time.minute);
+    date.second = static_cast<decltype(date.second)>(time.second);
+    return ado::Variant(date).ToString();
+}
+
+} // namespace
+
+ScriptTab::ScriptTab(frmMain& main)
+    : main_(main),
+      cmdCreateInstall_(main.Form().Get<ui::CommandButton>("cmdCreateInstall")),
+      edtCreateInstallScriptFile_(main.Form().Get<ui::TextBox>("edtCreateInstallScriptFile")),
+      chkCreateInstallScriptFile_(main.Form().Get<ui::CheckBox>("chkCreateInstallScriptFile")) {
+    ui::Form& form = main.Form();
+    cmdCreateInstall_.on_click = [this] { cmdCreateInstall_Click(); };
+    form.Get<ui::CommandButton>("cmdGetInstalledPackages").on_click = [this] {
+        cmdGetInstalledPackages_Click();
+    };
+    form.Get<ui::CommandButton>("cmdBrowseForScriptFile").on_click = [this] {
+        cmdBrowseForScriptFile_Click();
+    };
+    edtCreateInstallScriptFile_.on_change = [this] { UpdateScriptFileBox(); };
+}
+
+void ScriptTab::UpdateScriptFileBox() {
+    const std::string& file = edtCreateInstallScriptFile_.Text();
+    chkCreateInstallScriptFile_.Enabled(!file.empty() && platform::FileExists(file));
+    if (!chkCreateInstallScriptFile_.Enabled()) {
+        chkCreateInstallScriptFile_.Value(0);
+    }
+}
+
+void ScriptTab::cmdBrowseForScriptFile_Click() {
+    edtCreateInstallScriptFile_.Text(BrowseForFile("Browse for script file", "Script Files (*.sql)|*.sql",
+                                                   main_.Form(), edtCreateInstallScriptFile_.Text()));
+}
+
+std::unique_ptr<CSQLScriptMgr> ScriptTab::MakeManager() const {
+    auto manager = std::make_unique<CSQLScriptMgr>();
+    manager->ScriptFolder(main_.Form().Get<ui::TextBox>("edtScriptFolder").Text());
+    manager->Domain(main_.Form().Get<ui::TextBox>("edtDomainName").Text());
+    main_.FillSettings(*manager, main_.Form().Get<ui::OptionButton>("optScriptCurrentServer", 0).Value());
+    return manager;
+}
+
+bool ScriptTab::Ticked(const char* check_box) const {
+    return main_.Form().Get<ui::CheckBox>(check_box).Value() == 1;
+}
+
+int ScriptTab::TickedScripts() const {
+    return static_cast<int>(std::count_if(kCreateSteps.begin(), kCreateSteps.end(),
+                                          [this](const ScriptStep& step) { return Ticked(step.check_box); }));
+}
+
+int ScriptTab::TickedPackages() const {
+    return static_cast<int>(
+        std::count_if(kPackageSteps.begin(), kPackageSteps.end(),
+                      [this](const PackageStep& step) { return Ticked(step.check_box); }));
+}
+
+bool ScriptTab::InstallsScripts() const {
+    return main_.Form().Get<ui::OptionButton>("optCreateInstallScriptFiles", 1).Value();
+}
+
+std::string ScriptTab::FileOf(eSQLScript script) const {
+    return script == sqlUserDefinedScript ? edtCreateInstallScriptFile_.Text() : std::string();
+}
+
+void ScriptTab::cmdCreateInstall_Click() {
+    const CWaitCursor wait;
+    std::unique_ptr<CSQLScriptMgr> manager;
+    Run run = Run::Completed;
+    WithFailureHandler([&] { run = RunTicked(manager); },
+                       [](const Failure&) { WriteErrorLog("frmMain::cmdCreateInstall_Click"); });
+    if (run == Run::Refused) {
+        return;
+    }
+    GiveButtonBack();
+    if (manager) {
+        manager->ShowDbError();
+    }
+    main_.ResetStatus("");
+}
+
+ScriptTab::Run ScriptTab::RunTicked(std::unique_ptr<CSQLScriptMgr>& manager) {
+    cmdCreateInstall_.Enabled(false);
+    const int items = TickedScripts() + TickedPackages();
+    const int steps = TickedScripts() * (InstallsScripts() ? 2 : 1) + TickedPackages();
+    // One step more than the run takes: the bar never quite fills.
+    main_.InitStatus(Int16(steps + 2), "Initializing...");
+    if (items == 0) {
+        ShowExclamation("No scripts or DTS packages selected!");
+        GiveButtonBack();
+        return Run::Refused; // the status line goes on saying "Initializing..."
+    }
+    manager = MakeManager();
+    // The folder's setter ends it in "\", so that an empty box means the root of the current drive.
+    if (manager->ScriptFolder().empty() || !platform::FolderHoldsFile(manager->ScriptFolder())) {
+        return Refuse("You must specify a script folder!");
+    }
+    const bool created = CreateScripts(*manager);
+    const bool found = AnyPackageExists(*manager);
+    if (!created && !found) {
+        return Refuse("No scripts or DTS packages were found in the script folder!");
+    }
+    if (InstallsScripts()) {
+        if (!manager->IsOSQLAvailable()) {
+            return Refuse("The query tool OSQL.EXE was not found!");
+        }
+        InstallScripts(*manager);
+    }
+    InstallPackages(*manager);
+    main_.StepStatus("Installation completed...");
+    ui::Wait(kEndWait);
+    return Run::Completed;
+}
+
+bool ScriptTab::CreateScripts(const CSQLScriptMgr& manager) {
+    bool any = false;
+    for (const ScriptStep& step : kCreateSteps) {
+        if (Ticked(step.check_box)) {
+            main_.StepStatus(step.text);
+            any = manager.CreateModifiedScript(step.script, FileOf(step.script)) || any;
+            ui::Wait(kScriptWait);
+        }
+    }
+    return any;
+}
+
+bool ScriptTab::AnyPackageExists(const CSQLScriptMgr& manager) const {
+    return std::any_of(kPackageSteps.begin(), kPackageSteps.end(), [&](const PackageStep& step) {
+        return Ticked(step.check_box) && manager.DTSPackageExist(step.package);
+    });
+}
+
+void ScriptTab::InstallScripts(const CSQLScriptMgr& manager) {
+    for (const ScriptStep& step : kInstallSteps) {
+        if (Ticked(step.check_box)) {
+            main_.StepStatus(step.text);
+            // Whether it worked stands in the tool's output. A script whose template was missing is tried as
+            // well, and runs an older modified one if that is still there.
+            manager.ExecuteSQLScript(step.script, FileOf(step.script));
+            ui::Wait(kScriptWait);
+        }
+    }
+}
+
+void ScriptTab::InstallPackages(const CSQLScriptMgr& manager) {
+    for (const PackageStep& step : kPackageSteps) {
+        if (Ticked(step.check_box)) {
+            main_.StepStatus(step.text);
+            manager.InstallDTSPackage(step.package);
+        }
+    }
+}
+
+ScriptTab::Run ScriptTab::Refuse(const char* message) {
+    ShowExclamation(message);
+    GiveButtonBack();
+    main_.ResetStatus("");
+    return Run::Refused;
+}
+
+void ScriptTab::GiveButtonBack() {
+    cmdCreateInstall_.Enabled(true);
+    main_.Form().SetFocus(cmdCreateInstall_);
+}
+
+std::string DescribePackages(const std::vector<DTSPackageInfo>& arrPackages) {
+    std::string text;
+    for (std::size_t i = 1; i < arrPackages.size(); ++i) {
+        if (i > 1) {
+            text += "\r\n----------------------------------------------\r\n\r\n";
+        }
+        text += arrPackages[i].name + "\r\n";
+        text += arrPackages[i].description + "\r\n";
+        text += "Created: " + TextOf(arrPackages[i].creationDate) + "\r\n";
+    }
+    return text;
+}
+
+void ScriptTab::cmdGetInstalledPackages_Click() {
+    const std::unique_ptr<CSQLScriptMgr> manager = MakeManager();
+    std::vector<DTSPackageInfo> arrPackages;
+    const std::string text =
+        manager->GetInstalledDTSPackages(arrPackages)
+            ? DescribePackages(arrPackages)
+            : "Information about installed packages could not be read from the SQL Server installation!";
+    if (!text.empty()) {
+        platform::ShowMessageBox(text, platform::MessageIcon::None, platform::ExecutableName());
+    }
+}
+
+} // namespace kv

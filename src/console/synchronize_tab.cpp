@@ -1,0 +1,59 @@
+#include "console/synchronize_tab.h"
+
+#include "admin/synchronize_db_mgr.h"
+#include "console/exclamation.h"
+#include "console/main_form.h"
+#include "console/wait_cursor.h"
+#include "startup/error_log.h"
+#include "startup/failure.h"
+
+namespace kv {
+
+SynchronizeTab::SynchronizeTab(frmMain& main)
+    : main_(main),
+      server_a_(main.Form().Get<ui::OptionButton>("optSynchronizeSourceServer", 0)),
+      source_(main.Form().Get<ui::ComboBox>("cboSynchronizeSourceDatabase")),
+      dest_(main.Form().Get<ui::ComboBox>("cboSynchronizeDestDatabase")),
+      cmdSynchronize_(main.Form().Get<ui::CommandButton>("cmdSynchronize")) {
+    main.RefillOnServerChoice(kSynchronizeTab);
+    cmdSynchronize_.on_click = [this] { cmdSynchronize_Click(); };
+}
+
+void SynchronizeTab::cmdSynchronize_Click() {
+    const CWaitCursor wait;
+    CSynchronizeDbMgr manager;
+    bool refused = false;
+    WithFailureHandler([&] { refused = !Synchronize(manager); },
+                       [](const Failure&) { WriteErrorLog("frmMain::cmdSynchronize_Click"); });
+    if (refused) {
+        return;
+    }
+    GiveButtonBack();
+    manager.ShowDbError();
+    main_.ResetStatus("");
+}
+
+bool SynchronizeTab::Synchronize(CSynchronizeDbMgr& manager) {
+    cmdSynchronize_.Enabled(false);
+    main_.InitStatus(Int16(2), "Initializing...");
+    main_.FillSettings(manager, server_a_.Value());
+    // As typed: the same server under two spellings passes.
+    if (manager.ServerA() == manager.ServerB() && source_.Text() == dest_.Text()) {
+        ShowExclamation("Different source and destination database must be specified!");
+        GiveButtonBack();
+        main_.ResetStatus("");
+        return false;
+    }
+    main_.StepStatus("Synchronizing databases...");
+    manager.Synchronize(source_.Text(), dest_.Text());
+    // Whether or not it succeeded.
+    main_.StepStatus("Synchronization completed...");
+    return true;
+}
+
+void SynchronizeTab::GiveButtonBack() {
+    cmdSynchronize_.Enabled(true);
+    main_.Form().SetFocus(cmdSynchronize_);
+}
+
+} // namespace kv

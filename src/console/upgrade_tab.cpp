@@ -1,0 +1,84 @@
+#include "console/upgrade_tab.h"
+
+#include <vector>
+
+#include "admin/upgrade_db_mgr.h"
+#include "console/exclamation.h"
+#include "console/main_form.h"
+#include "console/wait_cursor.h"
+#include "startup/error_log.h"
+#include "startup/failure.h"
+
+namespace kv {
+
+UpgradeTab::UpgradeTab(frmMain& main)
+    : main_(main),
+      server_a_(main.Form().Get<ui::OptionButton>("optUpgradeCurrentServer", 0)),
+      edtRenameNewDatabase_(main.Form().Get<ui::TextBox>("edtRenameNewDatabase")),
+      cmdRename_(main.Form().Get<ui::CommandButton>("cmdRename")) {
+    main.RefillOnServerChoice(kUpgradeTab);
+    cmdRename_.on_click = [this] {
+        RunCommand(cmdRename_, "frmMain::cmdRename_Click",
+                   [this](CUpgradeDbMgr& manager) { return Rename(manager); });
+    };
+    auto& upgrade = main.Form().Get<ui::CommandButton>("cmdUpgrade");
+    upgrade.on_click = [this, &upgrade] {
+        RunCommand(upgrade, "frmMain::cmdUpgrade_Click", [this](CUpgradeDbMgr& manager) {
+            manager.UpgradeDatabase(Chosen("cboUpgradeDatabaseDest"), Chosen("cboUpgradeDatabaseSource"));
+            return true;
+        });
+    };
+    auto& remove = main.Form().Get<ui::CommandButton>("cmdRemove");
+    remove.on_click = [this, &remove] {
+        RunCommand(remove, "frmMain::cmdRemove_Click", [this](CUpgradeDbMgr& manager) {
+            manager.RemoveDatabase(Chosen("cboRemoveDatabase"));
+            return true;
+        });
+    };
+}
+
+const std::string& UpgradeTab::Chosen(const char* combo) const {
+    return main_.Form().Get<ui::ComboBox>(combo).Text();
+}
+
+void UpgradeTab::RunCommand(ui::CommandButton& button, const char* log_source, const Work& work) {
+    const CWaitCursor wait;
+    CUpgradeDbMgr manager;
+    bool refused = false;
+    WithFailureHandler(
+        [&] {
+            button.Enabled(false);
+            main_.FillSettings(manager, server_a_.Value());
+            refused = !work(manager);
+        },
+        [&](const Failure&) { WriteErrorLog(log_source); });
+    if (refused) {
+        return;
+    }
+    main_.UpdateDatabaseLists(kUpgradeTab, server_a_.Value());
+    GiveBack(button);
+    manager.ShowDbError();
+}
+
+bool UpgradeTab::Rename(CUpgradeDbMgr& manager) {
+    const std::string& new_name = edtRenameNewDatabase_.Text();
+    // Where the names cannot be read there is nothing to compare with, and the server decides.
+    std::vector<std::string> arrDatabase;
+    manager.GetDatabases(arrDatabase);
+    for (std::size_t i = 1; i < arrDatabase.size(); ++i) {
+        if (arrDatabase[i] == new_name) {
+            ShowExclamation("The database '" + new_name + "' already exist!");
+            GiveBack(cmdRename_);
+            return false;
+        }
+    }
+    manager.RenameDatabase(Chosen("cboRenameDatabase"), new_name);
+    return true;
+}
+
+void UpgradeTab::GiveBack(ui::CommandButton& button) {
+    button.Enabled(true);
+    main_.Form().SetFocus(button);
+}
+
+} // namespace kv
