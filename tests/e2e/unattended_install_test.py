@@ -350,7 +350,7 @@ class BadInput(WholeWay):
 
 
 class CommandLine(WholeWay):
-    NOT_BUILT = "The console is not built yet."
+    NO_WINDOW = "The console cannot show its window here."
 
     def test_lines_that_ask_for_nothing_open_the_window_and_touch_nothing(self):
         for arguments in ([], ["/frobnicate"], ["/installdb"], ["/upgradedb"],
@@ -358,7 +358,7 @@ class CommandLine(WholeWay):
                           ["/upgradedb", "/scriptfolder", self.machine.native("/no such folder")],
                           [*self.machine.login(self.server), "/installdb"]):
             said = self.machine.run(*arguments)
-            self.assertIn(self.NOT_BUILT, said, arguments)
+            self.assertIn(self.NO_WINDOW, said, arguments)
             self.assertNotIn("following command arguments", said)
         self.assertEqual(self.machine.log_lines(), [])
         self.assertEqual(self.machine.data_files(), [])
@@ -366,7 +366,7 @@ class CommandLine(WholeWay):
 
     def test_help_beats_everything(self):
         said = self.install("/installdb", "-HELP").replace("\r", "")
-        self.assertIn(self.NOT_BUILT, said)
+        self.assertIn(self.NO_WINDOW, said)
         self.assertIn("The following command arguments can be defined:\n\n/help\n", said)
         self.assertFalse(self.batch_exists())
 
