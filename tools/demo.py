@@ -7,8 +7,14 @@ import shutil
 import subprocess
 import sys
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "e2e"))
-from plant import PACKAGES, TEMPLATES, USER, DevServer, Machine  # noqa: E402
+TOP = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+sys.path[:0] = [os.path.join(TOP, "tests", "e2e"), os.path.join(TOP, "tests", "samples")]
+from plant import PACKAGES, PASSWORD, TEMPLATES, USER, DevServer, Machine  # noqa: E402
+from upgraded_samples_test import RENAMED, USE_OF_VERSION_1  # noqa: E402
+
+TEMPORARY = "TmpBatchUpgradeDb"
+# What a synchronisation leaves to each server: its own settings, and figures that it works out itself.
+OWN_TABLES = ("LKConfig", "BatchSummary")
 
 
 def heading(text):
@@ -21,81 +27,152 @@ def check(claim, holds):
         sys.exit(1)
 
 
-def databases(server):
-    return server.ask_bsqldb("SELECT name FROM master.dbo.sysdatabases ORDER BY name\n")
+class Node:
+    """A computer of the pair: its server, and the program beside it."""
+
+    def __init__(self, name, binaries, folder):
+        self.name = name
+        self.machine = Machine(binaries, os.path.join(folder, "machine"))
+        self.server = DevServer(os.path.join(binaries, "devsqlserver"), os.path.join(folder, "server"))
+
+    def databases(self):
+        return self.server.ask_bsqldb("SELECT name FROM master.dbo.sysdatabases ORDER BY name\n")
+
+    def packages(self):
+        return self.server.ask_bsqldb("SELECT name FROM msdb.dbo.sysdtspackages ORDER BY name\n")
+
+    def files(self):
+        """What lies in the data folder; while a database is in use, the server has companions of its data file."""
+        return sorted(name for name in os.listdir(self.machine.data) if not name.endswith(("-wal", "-shm")))
+
+    def version(self, database="Batch"):
+        lines = self.server.ask_bsqldb("SELECT Value FROM LKConfig WHERE ParameterName = 'DatabaseVersion'\n", database)
+        return lines[0] if lines else "(none)"
+
+    def tables(self, database="Batch"):
+        return self.server.column("SELECT name FROM sysobjects WHERE xtype = 'U'", database)
+
+    def count(self, table, database="Batch"):
+        return int(self.server.ask_bsqldb(f"SELECT COUNT(*) FROM [{table}]\n", database)[0])
+
+    def columns(self, table, database="Batch"):
+        return [row[0] for row in self.server.ask("SELECT COLUMN_NAME FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = "
+                                                  f"'{table}' AND DATA_TYPE <> 'timestamp'", database)]
+
+    def rows(self, table, columns, database="Batch"):
+        names = ", ".join(f"[{name}]" for name in columns)
+        return sorted(self.server.ask(f"SELECT {names} FROM dbo.[{table}]", database), key=repr)
+
+    def show(self):
+        for database in self.databases():
+            if database in ("Batch", TEMPORARY):
+                print(f"   {self.name}: {database}, version {self.version(database)}, "
+                      f"{sum(self.count(table, database) for table in self.tables(database))} rows in "
+                      f"{len(self.tables(database))} tables")
+        print(f"   {self.name}: databases {', '.join(self.databases())}")
+        print(f"   {self.name}: packages  {', '.join(self.packages()) or '(none)'}")
+        print(f"   {self.name}: files in the data folder {', '.join(self.files()) or '(none)'}", flush=True)
+
+    def run_program(self, *arguments):
+        shown = [f'"{argument}"' if " " in argument else argument for argument in arguments]
+        print(f"   {self.name}: KVLSQLDbMgr " + " ".join(shown), flush=True)
+        for line in self.machine.run(*arguments, timeout=600).splitlines():
+            print("   | " + line, flush=True)
+
+    def check_quiet(self, lines=()):
+        check(f"{self.name}: the program logged no failure", self.machine.log_lines() == list(lines))
+        for name in TEMPLATES:
+            check(f"{self.name}: the query tool reported no error for {name}.sql",
+                  not re.search(r"Msg \d+, Level 1[1-9]", self.machine.output(name)))
+
+    def in_template(self, name, kind):
+        with open(os.path.join(self.machine.scripts, name + ".sql"), encoding="cp1252") as file:
+            return sorted(re.findall(rf"(?mi)\bCREATE {kind} \[?dbo\]?\.\[?(\w+)\]?", file.read()))
 
 
-def packages(server):
-    return server.ask_bsqldb("SELECT name FROM msdb.dbo.sysdtspackages ORDER BY name\n")
-
-
-def show_server(server, machine):
-    print(f"   databases: {', '.join(databases(server))}")
-    print(f"   packages:  {', '.join(packages(server)) or '(none)'}")
-    print(f"   files in the data folder: {', '.join(sorted(os.listdir(machine.data))) or '(none)'}", flush=True)
-
-
-def run_program(machine, arguments):
-    shown = [f'"{argument}"' if " " in argument else argument for argument in arguments]
-    print("   KVLSQLDbMgr " + " ".join(shown), flush=True)
-    result = subprocess.run([machine.program, *arguments], env=machine.environment, stdin=subprocess.DEVNULL,
-                            stderr=subprocess.PIPE, text=True, cwd=machine.install, timeout=600)
-    for line in result.stderr.splitlines():
-        print("   | " + line, flush=True)
-
-
-def template(machine, name):
-    with open(os.path.join(machine.scripts, name + ".sql"), encoding="cp1252") as file:
-        return file.read()
-
-
-def in_template(machine, name, kind):
-    return sorted(re.findall(rf"(?mi)\bCREATE {kind} \[?dbo\]?\.\[?(\w+)\]?", template(machine, name)))
-
-
-def verify(server, machine):
-    check("the program logged no failure", machine.log_lines() == [])
-    for name in TEMPLATES:
-        check(f"the query tool reported no error for {name}.sql",
-              not re.search(r"Msg \d+, Level 1[1-9]", machine.output(name)))
-    check('the database "Batch" stands on the server', "Batch" in databases(server))
-    check("its data file and its log file lie in the data folder",
-          sorted(os.listdir(machine.data)) == ["Batch_data.mdf", "Batch_log.ldf"])
-    tables = sorted(in_template(machine, "Create_Batch_Database", "TABLE") +
-                    in_template(machine, "Create_Batch_Stored_Procedures", "TABLE"))
-    check(f"its {len(tables)} tables are those of the templates",
-          server.column("SELECT name FROM sysobjects WHERE xtype = 'U'", "Batch") == tables)
-    procedures = in_template(machine, "Create_Batch_Stored_Procedures", "PROCEDURE")
-    check(f"its {len(procedures)} stored procedures are those of the template",
+def install(node):
+    machine, server = node.machine, node.server
+    node.show()
+    check(f'{node.name}: there is no database "Batch"', "Batch" not in node.databases())
+    node.run_program(*machine.install_arguments(server, "/installdb", "/installsp", "/installdts"))
+    node.show()
+    node.check_quiet()
+    check(f"{node.name}: data file and log file lie in the data folder", node.files() == ["Batch_data.mdf", "Batch_log.ldf"])
+    tables = sorted(node.in_template("Create_Batch_Database", "TABLE") +
+                    node.in_template("Create_Batch_Stored_Procedures", "TABLE"))
+    check(f"{node.name}: the {len(tables)} tables are those of the templates", node.tables() == tables)
+    procedures = node.in_template("Create_Batch_Stored_Procedures", "PROCEDURE")
+    check(f"{node.name}: the {len(procedures)} stored procedures are those of the template",
           server.column("SELECT name FROM sysobjects WHERE xtype = 'P'", "Batch") == procedures)
-    version = server.ask_bsqldb("SELECT Value FROM LKConfig WHERE ParameterName = 'DatabaseVersion'\n", "Batch")
-    check(f"LKConfig says DatabaseVersion {version[0] if version else '(nothing)'}", version == ["1"])
-    check(f"the {len(PACKAGES)} packages are stored", sorted(packages(server)) == sorted(PACKAGES))
-    print("   rows:")
-    for table in tables:
-        print(f"     {table:<24} {server.ask_bsqldb(f'SELECT COUNT(*) FROM [{table}]' + chr(10), 'Batch')[0]:>6}")
-    check("the default data are there", int(server.ask_bsqldb("SELECT COUNT(*) FROM LKConfig\n", "Batch")[0]) > 1)
+    check(f"{node.name}: LKConfig says DatabaseVersion 1", node.version() == "1")
+    check(f"{node.name}: the {len(PACKAGES)} packages are stored", sorted(node.packages()) == sorted(PACKAGES))
+    check(f"{node.name}: the default data are there", node.count("LKConfig") > 1 and node.count("Units") == 4)
+
+
+def use(node):
+    """Some days of a plant, so that there is something to carry over."""
+    for statement in USE_OF_VERSION_1:
+        node.server.ask(statement, "Batch")
+    for table in node.tables():
+        print(f"     {table:<24} {node.count(table):>6}")
+    check(f"{node.name}: every table has rows", all(node.count(table) for table in node.tables()))
+
+
+def upgrade(node):
+    old = {table: node.rows(table, node.columns(table)) for table in node.tables()}
+    node.machine.set_scripts("v2")
+    node.machine.set_registry(login=(node.server.name, USER, PASSWORD))
+    print(f"   {node.name}: before")
+    node.show()
+    node.run_program("/upgradedb", "/scriptfolder", node.machine.scripts)
+    print(f"   {node.name}: after")
+    node.show()
+    node.check_quiet()
+    check(f"{node.name}: version 1 is out of the way as {TEMPORARY}, Batch is version 2",
+          (node.version(TEMPORARY), node.version()) == ("1", "2"))
+    check(f"{node.name}: both databases have their files in the folder of the old ones", node.files() ==
+          ["Batch_data.mdf", "Batch_log.ldf", TEMPORARY + "_data.mdf", TEMPORARY + "_log.ldf"])
+    check(f"{node.name}: {TEMPORARY} holds what Batch held, row for row",
+          {table: node.rows(table, node.columns(table, TEMPORARY), TEMPORARY) for table in node.tables(TEMPORARY)} == old)
+    check_carried_over(node, old)
+
+
+def check_carried_over(node, old):
+    print(f"     {'table':<24} {'version 1':>10} {'version 2':>10}")
+    for table in sorted(old):
+        print(f"     {table:<24} {len(old[table]):>10} {node.count(table):>10}", flush=True)
+    for table in sorted(set(old) - {"Batches", "Events", "LKConfig"}):
+        names = [RENAMED.get(table, {}).get(name, name) for name in node.columns(table, TEMPORARY)]
+        check(f"{node.name}: {table} is the same, row for row", node.rows(table, names) == old[table])
+    overview = ["BatchName", "RecipeName", "UnitName", "OrderNo", "CustomerName", "StatusText", "StartTime", "EndTime",
+                "Cost", "Yield"]
+    check(f"{node.name}: Batches and the new table Orders together say what Batches said",
+          node.rows("vBatchOverview", overview) == node.rows("vBatchOverview", overview, TEMPORARY))
+    check(f"{node.name}: Events holds the old ones and one of the upgrade", node.count("Events") == len(old["Events"]) + 1)
 
 
 def main():
     binaries = os.path.abspath(sys.argv[1])
     folder = os.path.abspath("build/demo")
     shutil.rmtree(folder, ignore_errors=True)
-    machine = Machine(binaries, os.path.join(folder, "machine"))
-    heading("A development server, started for this run")
-    with DevServer(os.path.join(binaries, "devsqlserver"), os.path.join(folder, "server")) as server:
-        print(f"   {server.name}, login {USER}")
-        print("   " + " ".join(server.ask_bsqldb("SELECT @@VERSION\n"))[:110])
-        heading("On the server before (asked by bsqldb)")
-        show_server(server, machine)
-        check('there is no database "Batch"', "Batch" not in databases(server))
-        heading("The unattended installation")
-        run_program(machine, machine.install_arguments(server, "/installdb", "/installsp", "/installdts"))
-        heading("On the server after (asked by bsqldb and pymssql)")
-        show_server(server, machine)
-        verify(server, machine)
-    heading("Done: everything above was verified, and the server is stopped.")
-    print(f"   The modified scripts and the query tool's output: {os.path.relpath(machine.install)}/Data")
+    a, b = (Node(f"Server {name}", binaries, os.path.join(folder, name)) for name in "AB")
+    heading("Two development servers, started for this run")
+    with a.server, b.server:
+        for node in (a, b):
+            print(f"   {node.name}: {node.server.name}, login {USER}")
+        print("   " + " ".join(a.server.ask_bsqldb("SELECT @@VERSION\n"))[:110])
+        heading("The unattended installation of version 1 on both (asked by bsqldb and pymssql)")
+        for node in (a, b):
+            install(node)
+        heading("Server A is used for a while")
+        use(a)
+        heading("The unattended upgrade to version 2 on both")
+        for node in (a, b):
+            upgrade(node)
+    heading("Done: everything above was verified, and the servers are stopped.")
+    for node in (a, b):
+        print(f"   {node.name}: the modified scripts and the query tool's output are in "
+              f"{os.path.relpath(node.machine.install)}/Data")
 
 
 if __name__ == "__main__":
