@@ -17,15 +17,23 @@ constexpr std::uint8_t kErrorSeverity = 16;
 constexpr std::string_view kTimedOut = "HYT00";
 constexpr std::string_view kCancelled = "HY008";
 
-/// What the server itself reported has a severity; what driver and driver manager report has none.
+/// What the server itself reported has a severity and a line; what driver and driver manager report has none.
+/// The severity of a message is 0, which reads as none.
 bool IsServers(const odbc::Diagnostic& diagnostic) {
-    return diagnostic.severity.has_value();
+    return diagnostic.severity.has_value() || diagnostic.line.has_value();
+}
+
+/// The same before there is a connection: FreeTDS tells neither severity nor line then.
+bool IsRefusal(const odbc::Diagnostic& diagnostic) {
+    return IsServers(diagnostic) || diagnostic.sql_state.starts_with("28") ||
+           diagnostic.sql_state.starts_with("42");
 }
 
 Message MessageOf(const odbc::Diagnostic& diagnostic) {
     Message message;
     message.number = diagnostic.native_error;
-    message.severity = static_cast<std::uint8_t>(diagnostic.severity.value_or(kErrorSeverity));
+    message.severity = static_cast<std::uint8_t>(
+        diagnostic.severity.value_or(diagnostic.error ? kErrorSeverity : std::uint8_t{0}));
     message.state = static_cast<std::uint8_t>(diagnostic.state.value_or(1));
     message.text = FromCodePage1252(std::string(odbc::WithoutOrigin(diagnostic.message)));
     message.procedure = FromCodePage1252(diagnostic.procedure);
@@ -125,7 +133,7 @@ class OdbcRemote : public RemoteConnection {
 
     static RemoteFailure ConnectFailure(const odbc::OdbcError& error) {
         const std::vector<odbc::Diagnostic>& records = error.Diagnostics();
-        const auto server = std::ranges::find_if(records, IsServers);
+        const auto server = std::ranges::find_if(records, IsRefusal);
         if (server != records.end()) {
             return {RemoteFailure::Kind::Refused, MessageOf(*server)};
         }
@@ -161,8 +169,11 @@ class OdbcRemote : public RemoteConnection {
                 sink.Said(MessageOf(record));
             }
         }
-        const bool servers = std::ranges::any_of(records, IsServers);
-        if (error.ConnectionLost() || !servers) {
+        // An error of the server's own may be of the class "08" (911 is), and ends nothing.
+        const bool lost = std::ranges::any_of(records, [](const odbc::Diagnostic& record) {
+            return record.sql_state.starts_with("08") && !IsServers(record);
+        });
+        if (lost || std::ranges::none_of(records, IsServers)) {
             const std::string& state = records.front().sql_state;
             throw RemoteFailure(state == kTimedOut || state == kCancelled ? RemoteFailure::Kind::TimedOut
                                                                           : RemoteFailure::Kind::Lost,
