@@ -6,8 +6,8 @@ export DEBIAN_FRONTEND=noninteractive
 export CCACHE_DIR="${CCACHE_DIR:-$PWD/build/ccache}" CCACHE_MAXSIZE="${CCACHE_MAXSIZE:-2G}"
 
 BUILD_PACKAGES="build-essential cmake ninja-build ccache libgtest-dev libgmock-dev libbenchmark-dev unixodbc-dev libsqlite3-dev"
-RUN_PACKAGES="tdsodbc freetds-bin python3 python3-pymssql"
-WINDOWS_PACKAGES="g++-mingw-w64-x86-64 g++-mingw-w64-i686 wine wine64 xvfb openbox"
+RUN_PACKAGES="tdsodbc freetds-bin python3 python3-pymssql python3-pyodbc python3-tds"
+WINDOWS_PACKAGES="g++-mingw-w64-x86-64 g++-mingw-w64-i686 wine wine64 xvfb openbox tcl"
 STYLE_PACKAGES="clang-format clang-tidy"
 
 started=$SECONDS

@@ -7,88 +7,112 @@
 #include <thread>
 
 #include "devserver/tsql_test_database.h"
+#include "support/temp_folder.h"
 
 namespace devsql::test {
 namespace {
 
-/// In a process of its own: opens the server below `root`, inserts 1, 2, 3, … and writes each number into the
-/// pipe once its commit is done.
-[[noreturn]] void InsertForever(const std::filesystem::path& root, int pipe) {
-    EngineOptions options;
-    options.root = root;
-    options.logins = {{"sa", "secret"}};
-    const std::unique_ptr<Engine> engine = OpenEngine(options);
-    Transcript sink;
-    LoginRequest request;
-    request.user = "sa";
-    request.password = "secret";
-    request.database = "Crash";
-    const std::unique_ptr<Session> session = engine->Login(request, sink);
-    session->ExecuteBatch("declare @last int select @last = isnull(max(id), 0) from t", sink);
-    for (;;) {
-        Transcript row;
-        session->ExecuteBatch(
-            "insert t select isnull(max(id), 0) + 1, replicate('x', 500) from t select max(id) from t", row);
-        const auto number = static_cast<std::int32_t>(std::get<std::int64_t>(row.last_row.at(0)));
-        if (write(pipe, &number, sizeof number) != sizeof number) {
-            _exit(1);
-        }
-    }
-}
+constexpr int kKills = 100;
 
-TEST(Crash, EveryCommittedRowIsThereAfterAKill) {
-    TestServer server;
-    const std::filesystem::path root = server.folder.path() / "crash";
-    {
+/// A server on the files below `root` and a client in the database Crash, or in master.
+struct OpenServer {
+    explicit OpenServer(const std::filesystem::path& root, const std::string& database = "Crash") {
         EngineOptions options;
         options.root = root;
         options.logins = {{"sa", "secret"}};
-        const std::unique_ptr<Engine> engine = OpenEngine(options);
-        Transcript sink;
+        engine = OpenEngine(options);
         LoginRequest request;
         request.user = "sa";
         request.password = "secret";
-        Client client(engine->Login(request, sink));
-        client.Run("create database Crash\nGO\nuse Crash\ncreate table t (id int primary key, filler "
-                   "varchar(1000))");
+        request.database = database;
+        Transcript sink;
+        session = engine->Login(request, sink);
+    }
+
+    std::unique_ptr<Engine> engine;
+    std::unique_ptr<Session> session;
+};
+
+/// What a server found when it came back, and then the number of each row that it committed.
+struct Report {
+    std::int32_t number;
+    std::int32_t found; ///< rows that were there, -1 once they were told
+};
+
+/// In a process of its own: opens the server below `root`, tells what it found, inserts the next numbers and
+/// writes each into the pipe once its commit is done.
+[[noreturn]] void InsertForever(const std::filesystem::path& root, int pipe) {
+    const OpenServer server(root);
+    const auto tell = [pipe](const Transcript& row, std::int32_t found) {
+        const auto number = static_cast<std::int32_t>(std::get<std::int64_t>(row.last_row.at(0)));
+        const Report report{number, found};
+        if (write(pipe, &report, sizeof report) != sizeof report) {
+            _exit(1);
+        }
+    };
+    Transcript found;
+    server.session->ExecuteBatch("select isnull(max(id), 0), count(*) from t", found);
+    tell(found, static_cast<std::int32_t>(std::get<std::int64_t>(found.last_row.at(1))));
+    for (;;) {
+        Transcript row;
+        server.session->ExecuteBatch(
+            "insert t select isnull(max(id), 0) + 1, replicate('x', 500) from t select max(id) from t", row);
+        tell(row, -1);
+    }
+}
+
+bool Read(int pipe, Report& report) {
+    return read(pipe, &report, sizeof report) == static_cast<ssize_t>(sizeof report);
+}
+
+/// Starts the process that inserts, kills it at some moment, and gives the last number that it told of. What
+/// it found at its start must be all that was told of before, and at most one row more, which was committed
+/// and not yet told.
+std::int32_t RunAndKill(const std::filesystem::path& root, std::int32_t committed,
+                        std::chrono::microseconds life) {
+    int ends[2];
+    if (pipe(ends) != 0) {
+        throw std::runtime_error("no pipe");
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        close(ends[0]);
+        InsertForever(root, ends[1]);
+    }
+    close(ends[1]);
+    Report report{};
+    EXPECT_TRUE(Read(ends[0], report)) << "the server did not come back";
+    EXPECT_GE(report.number, committed);
+    EXPECT_LE(report.number, committed + 1);
+    EXPECT_EQ(report.found, report.number) << "a row is missing";
+    committed = report.number;
+    std::this_thread::sleep_for(life);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    while (Read(ends[0], report)) {
+        committed = report.number;
+    }
+    close(ends[0]);
+    return committed;
+}
+
+TEST(Crash, EveryCommittedRowIsThereAfterEachOfAHundredKills) {
+    const support::TempFolder folder;
+    const std::filesystem::path root = folder.Path();
+    {
+        Transcript sink;
+        OpenServer(root, "master")
+            .session->ExecuteBatch(
+                "create database Crash exec('use Crash create table t (id int primary key, filler "
+                "varchar(1000))')",
+                sink);
     }
     std::mt19937 random{std::random_device{}()};
     std::int32_t committed = 0;
-    for (int round = 0; round < 12; ++round) {
-        int ends[2];
-        ASSERT_EQ(pipe(ends), 0);
-        const pid_t child = fork();
-        if (child == 0) {
-            close(ends[0]);
-            InsertForever(root, ends[1]);
-        }
-        close(ends[1]);
-        std::int32_t number = 0;
-        ASSERT_EQ(read(ends[0], &number, sizeof number), static_cast<ssize_t>(sizeof number));
-        committed = number;
-        std::this_thread::sleep_for(std::chrono::milliseconds(random() % 40));
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
-        while (read(ends[0], &number, sizeof number) == static_cast<ssize_t>(sizeof number)) {
-            committed = number;
-        }
-        close(ends[0]);
+    for (int round = 0; round < kKills && !HasFailure(); ++round) {
+        committed = RunAndKill(root, committed, std::chrono::microseconds(random() % 20000));
     }
-    EngineOptions options;
-    options.root = root;
-    options.logins = {{"sa", "secret"}};
-    const std::unique_ptr<Engine> engine = OpenEngine(options);
-    Transcript sink;
-    LoginRequest request;
-    request.user = "sa";
-    request.password = "secret";
-    request.database = "Crash";
-    Client client(engine->Login(request, sink));
-    client.Run("select max(id), count(*) from t");
-    const std::int64_t highest = std::get<std::int64_t>(client.last_row.at(0));
-    EXPECT_GE(highest, committed);
-    EXPECT_LE(highest, committed + 1); // One may have been committed and not yet told.
-    EXPECT_EQ(std::get<std::int64_t>(client.last_row.at(1)), highest);
+    EXPECT_GT(committed, 0) << "the kills came before anything was written";
 }
 
 } // namespace

@@ -21,27 +21,37 @@ class DevServer:
         self.logins = self.folder / "logins"
         self.logins.write_text(f"# logins of the test\n\n{USER}:{PASSWORD}\n")
         self.logins.chmod(0o600)
-        self.process = subprocess.Popen(
-            [*([program] if isinstance(program, str) else program), "--root", str(self.folder / "root"), "--port", "0", "--logins", str(self.logins), *more],
-            stdout=subprocess.PIPE,
-            text=True,
-        )
+        self.command = [
+            *([program] if isinstance(program, str) else program),
+            "--root", str(self.folder / "root"), "--port", "0", "--logins", str(self.logins), *more,
+        ]
+        try:
+            self.start()
+        except AssertionError:
+            shutil.rmtree(self.folder)
+            raise
+
+    def start(self):
+        """Starts it, again after kill: on the same folder, at a port that may be another."""
+        self.process = subprocess.Popen(self.command, stdout=subprocess.PIPE, text=True)
         ready = self.process.stdout.readline()
         match = re.fullmatch(r"devsqlserver: ready on 127\.0\.0\.1:(\d+)\n", ready)
         if not match:
-            self.process.kill()
-            self.process.wait()
-            self.process.stdout.close()
-            shutil.rmtree(self.folder)
+            self.kill()
             raise AssertionError(f"the server said {ready!r}")
         self.port = int(match[1])
 
-    def stop(self):
+    def kill(self):
+        """Ends it without a word, as a crash does."""
+        self.process.kill()
+        self.process.wait()
+        self.process.stdout.close()
+
+    def stop(self, by=signal.SIGTERM):
         """Ends the server as an operator does; its exit code."""
-        self.process.send_signal(signal.SIGTERM)
+        self.process.send_signal(by)
         try:
             return self.process.wait(timeout=30)
         finally:
-            self.process.kill()
-            self.process.stdout.close()
+            self.kill()
             shutil.rmtree(self.folder)
