@@ -4,6 +4,7 @@
 #include <bit>
 #include <random>
 
+#include "devserver/storage/paths.h"
 #include "devserver/tsql/scalar/date_time.h"
 
 namespace devsql {
@@ -32,7 +33,7 @@ DatabaseInfo ReadDatabase(SqliteConnection& connection, const SqliteStatement& r
                            "growth FROM devsql_files WHERE database = ?1 ORDER BY id");
     file.BindInt(1, info.id);
     while (file.Step()) {
-        info.files.push_back({static_cast<int>(file.Int(0)), file.Text(1), file.Text(2), file.Text(3),
+        info.files.push_back({static_cast<int>(file.Int(0)), file.Text(1), file.Text(2), PathOf(file.Text(3)),
                               file.Int(4) != 0, file.Text(5), file.Text(6), file.Text(7), file.Text(8)});
     }
     SqliteStatement option = connection.Prepare("SELECT name, value FROM devsql_options WHERE database = ?1");
@@ -166,7 +167,7 @@ void UpdateDatabase(SqliteConnection& connection, const DatabaseInfo& database) 
                 .BindInt(2, file.id)
                 .BindText(3, file.name)
                 .BindText(4, file.client_path)
-                .BindText(5, file.path.string())
+                .BindText(5, Utf8(file.path))
                 .BindInt(6, file.log)
                 .BindText(7, file.file_group)
                 .BindText(8, file.size)

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "devserver/storage/codec.h"
+#include "devserver/storage/paths.h"
 #include "devserver/tsql/scalar/compare.h"
 
 namespace devsql {
@@ -193,12 +194,13 @@ void FinishAggregate(sqlite3_context* context) {
 // ------------------------------------------------------------------ connections
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& file) {
-    const int code = sqlite3_open_v2(
-        file.c_str(), &handle_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int code =
+        sqlite3_open_v2(Utf8(file).c_str(), &handle_,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     if (code != SQLITE_OK) {
         const std::string message = handle_ == nullptr ? "out of memory" : sqlite3_errmsg(handle_);
         sqlite3_close_v2(handle_);
-        throw StorageError(code, file.string() + ": " + message);
+        throw StorageError(code, Utf8(file) + ": " + message);
     }
     sqlite3_extended_result_codes(handle_, 1);
     sqlite3_create_collation_v2(handle_, std::string(kCollation).c_str(), SQLITE_UTF8, nullptr, Compare,
@@ -208,7 +210,10 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file) {
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     try {
-        Execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; PRAGMA temp_store=FILE");
+        // A file takes its journal mode once, when it is made and there is nothing to lose: eight waits for
+        // the disk at each start and each CREATE DATABASE otherwise.
+        Execute("PRAGMA synchronous=OFF; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
+                "PRAGMA temp_store=FILE");
     } catch (...) {
         sqlite3_close_v2(handle_);
         throw;
@@ -279,7 +284,7 @@ void SqliteConnection::Execute(const std::string& text) {
 }
 
 void SqliteConnection::Attach(const std::filesystem::path& file, const std::string& alias) {
-    Execute("ATTACH " + QuoteText(file.string()) + " AS " + QuoteName(alias));
+    Execute("ATTACH " + QuoteText(Utf8(file)) + " AS " + QuoteName(alias));
     try {
         if (!InTransaction()) { // Within one, neither can be changed; the file has its journal mode already.
             Execute("PRAGMA " + QuoteName(alias) + ".journal_mode=WAL; PRAGMA " + QuoteName(alias) +

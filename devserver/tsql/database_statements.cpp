@@ -95,7 +95,7 @@ std::vector<DatabaseFile> FilesOf(SessionCore& session, const ast::CreateDatabas
                                                         : files.empty() ? ""
                                                                         : std::to_string(ordinal));
         file.client_path =
-            !spec.path.empty() ? spec.path : (root / (create.name + (log ? "_log.ldf" : ".mdf"))).string();
+            !spec.path.empty() ? spec.path : Utf8(root / PathOf(create.name + (log ? "_log.ldf" : ".mdf")));
         file.path = PlaceOfNewFile(session, file.client_path);
         file.file_group = log ? "" : spec.file_group.empty() ? "PRIMARY" : spec.file_group;
         file.size = InKilobytes(spec.size, log ? "1024 KB" : "2048 KB");
@@ -151,7 +151,7 @@ void RemoveFiles(const std::vector<DatabaseFile>& files) {
     for (const DatabaseFile& file : files) {
         fs::remove(file.path, ignored);
         for (const std::string_view companion : kCompanions) {
-            fs::remove(file.path.string() + std::string(companion), ignored);
+            fs::remove(PathOf(Utf8(file.path) + std::string(companion)), ignored);
         }
     }
 }
@@ -297,7 +297,7 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
         file.path = *path;
         file.client_path = client_path;
         file.log = !IsDatabaseFile(*path);
-        file.name = path->stem().string();
+        file.name = Utf8(path->stem());
         file.file_group = file.log ? "" : "PRIMARY";
         file.size = std::to_string(std::max<std::uintmax_t>(1, fs::file_size(*path, error) / 1024)) + " KB";
         file.max_size = "Unlimited";

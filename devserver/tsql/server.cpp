@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "devserver/storage/catalogue.h"
+#include "devserver/storage/paths.h"
 #include "devserver/tsql/bootstrap.h"
 #include "devserver/tsql/errors.h"
 #include "devserver/tsql/session.h"
@@ -39,7 +40,7 @@ DatabaseFile SystemFile(const std::filesystem::path& root, const std::string& na
     file.id = log ? 2 : 1;
     file.name = log ? name + "log" : name == "master" ? "master" : name + "dev";
     file.path = root / (name + (log ? "log.ldf" : ".mdf"));
-    file.client_path = file.path.string();
+    file.client_path = Utf8(file.path);
     file.log = log;
     file.file_group = log ? "" : "PRIMARY";
     file.size = "2048 KB";
@@ -55,7 +56,7 @@ Server::Server(EngineOptions options) : options_(std::move(options)) {
     options_.root = std::filesystem::absolute(options_.root);
     std::filesystem::create_directories(options_.root, error);
     if (!std::filesystem::is_directory(options_.root)) {
-        throw std::runtime_error("the root folder " + options_.root.string() + " can't be made");
+        throw std::runtime_error("the root folder " + Utf8(options_.root) + " can't be made");
     }
     // It holds the data of all users and the hashes of their passwords.
     std::filesystem::permissions(options_.root, std::filesystem::perms::owner_all, error);
@@ -63,7 +64,7 @@ Server::Server(EngineOptions options) : options_(std::move(options)) {
         CreateSystemDatabases();
         RunBootstrap();
     } catch (const std::exception& failure) {
-        throw std::runtime_error("the system databases in " + options_.root.string() +
+        throw std::runtime_error("the system databases in " + Utf8(options_.root) +
                                  " can't be opened: " + failure.what());
     }
 }
