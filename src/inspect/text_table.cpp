@@ -54,6 +54,14 @@ std::int32_t TextTable::RowUpperBound() const {
     return static_cast<std::int32_t>(row_count_) - 1;
 }
 
+std::size_t TextTable::Bytes() const {
+    std::size_t bytes = chunks_.capacity() * sizeof(Chunk);
+    for (const Chunk& chunk : chunks_) {
+        bytes += chunk.cells.capacity() + chunk.row_starts.capacity() * sizeof(std::uint32_t);
+    }
+    return bytes;
+}
+
 std::string TextTable::operator()(std::int32_t column, std::int32_t row) const {
     if (column < 0 || column > ColumnUpperBound() || row < 0 || row > RowUpperBound()) {
         RaiseRunTimeFailure(run_time::kSubscriptOutOfRange);

@@ -23,6 +23,8 @@ class TextTable {
 
     std::int32_t ColumnUpperBound() const;
     std::int32_t RowUpperBound() const;
+    /// What it holds in memory, in bytes.
+    std::size_t Bytes() const;
     std::string operator()(std::int32_t column, std::int32_t row) const;
 
   private:
