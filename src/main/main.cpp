@@ -3,12 +3,14 @@
 #include <string>
 #include <vector>
 
+#include "console/main_form.h"
 #include "platform/command_line.h"
 #include "platform/files.h"
-#include "platform/main_window.h"
 #include "platform/message_box.h"
+#include "platform/terminal.h"
 #include "startup/failure.h"
 #include "startup/main_routine.h"
+#include "ui/toolkit.h"
 #include "unattended/automatic_install.h"
 #include "unattended/automatic_upgrade.h"
 
@@ -29,9 +31,16 @@ class ProgramFaces : public kv::Faces {
     }
 
     void ShowMainWindow() override {
-        window_ = platform::ShowPlainWindow(
-            platform::ExecutableName(),
-            "The console is not built yet. The unattended installation stands: /help tells its arguments.");
+        console_ = std::make_unique<kv::frmMain>();
+        window_ = ui::MakeWindow(console_->Form());
+        if (!window_) {
+            platform::WriteToTerminal(platform::ExecutableName() +
+                                      ": The console cannot show its window here. The unattended runs need "
+                                      "none: /help tells their arguments.\n");
+            return;
+        }
+        console_->Load();
+        window_->Show();
     }
 
     void ShowHelp(const std::string& text) override {
@@ -46,7 +55,8 @@ class ProgramFaces : public kv::Faces {
     }
 
   private:
-    std::unique_ptr<platform::PlainWindow> window_;
+    std::unique_ptr<kv::frmMain> console_;
+    std::unique_ptr<ui::Window> window_; // goes first: it mirrors the form
 };
 
 /// What ends the program when a failure finds no handler: the run time's fatal error box.

@@ -1,0 +1,26 @@
+// What is remembered for the user, in memory. Records reads and writes; fails on demand.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace fakes {
+
+class FakeUserSettings {
+  public:
+    FakeUserSettings();
+    FakeUserSettings(const FakeUserSettings&) = delete;
+    FakeUserSettings& operator=(const FakeUserSettings&) = delete;
+    ~FakeUserSettings();
+    static FakeUserSettings& Current();
+
+    /// By "application/section/key".
+    std::map<std::string, std::string> texts;
+    /// Every place read, and every place written with its text behind a "=", in order.
+    std::vector<std::string> reads;
+    std::vector<std::string> writes;
+    bool writes_fail = false;
+};
+
+} // namespace fakes

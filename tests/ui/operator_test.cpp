@@ -1,0 +1,142 @@
+// What an operator's act fires, and where it does nothing.
+#include "ui/operator.h"
+
+#include <gtest/gtest.h>
+
+#include "ui/recorded_form.h"
+
+namespace {
+
+class Operator : public ::testing::Test {
+  protected:
+    ui::Form form_{ui_tests::SmallDesign()};
+    ui::TextBox& text_ = form_.Get<ui::TextBox>("text");
+    ui::ComboBox& list_ = form_.Get<ui::ComboBox>("list");
+    ui::ComboBox& free_ = form_.Get<ui::ComboBox>("free");
+    ui::TabControl& tabs_ = form_.Get<ui::TabControl>("tabs");
+    ui::CommandButton& button_ = form_.Get<ui::CommandButton>("button");
+};
+
+TEST_F(Operator, TypingFiresChangeForEachCharacter) {
+    std::vector<std::string> seen;
+    text_.on_change = [&] { seen.push_back(text_.Text()); };
+    EXPECT_TRUE(ui::Type(text_, "abc"));
+    EXPECT_EQ(seen, (std::vector<std::string>{"a", "ab", "abc"}));
+    free_.on_change = [&] { seen.push_back(free_.Text()); };
+    EXPECT_TRUE(ui::Type(free_, "xy"));
+    EXPECT_EQ(seen.back(), "xy");
+    EXPECT_EQ(seen.size(), 5U);
+}
+
+TEST_F(Operator, TypingTakesThePlaceOfTheSelection) {
+    text_.Text("old text");
+    ui::SelectAll(text_);
+    ui::Type(text_, "new");
+    EXPECT_EQ(text_.Text(), "new");
+    text_.SelStart(0);
+    ui::Type(text_, "a ");
+    EXPECT_EQ(text_.Text(), "a new");
+}
+
+TEST_F(Operator, AnEditIsOneChangeAndNoneWhereTheTextIsTheSame) {
+    int changes = 0;
+    text_.on_change = [&] { ++changes; };
+    EXPECT_TRUE(ui::Edit(text_, "pasted"));
+    EXPECT_TRUE(ui::Edit(text_, "pasted"));
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(Operator, WhatIsLockedOrDisabledOrADropDownListTakesNoText) {
+    EXPECT_FALSE(ui::Type(form_.Get<ui::TextBox>("locked"), "a"));
+    EXPECT_FALSE(ui::Edit(form_.Get<ui::TextBox>("locked"), "a"));
+    EXPECT_FALSE(ui::Type(list_, "a"));
+    text_.Enabled(false);
+    EXPECT_FALSE(ui::Type(text_, "a"));
+    EXPECT_EQ(text_.Text(), "");
+}
+
+TEST_F(Operator, TypingStopsWhereAHandlerDisablesTheBox) {
+    text_.on_change = [&] { text_.Enabled(text_.Text().size() < 2); };
+    EXPECT_FALSE(ui::Type(text_, "abc"));
+    EXPECT_EQ(text_.Text(), "ab");
+}
+
+TEST_F(Operator, ChoosingFiresClickAndNoChange) {
+    int clicks = 0;
+    int changes = 0;
+    for (ui::ComboBox* combo : {&list_, &free_}) {
+        combo->AddItem("a");
+        combo->AddItem("b");
+        combo->on_click = [&] { ++clicks; };
+        combo->on_change = [&] { ++changes; };
+        EXPECT_TRUE(ui::Choose(*combo, 1));
+        EXPECT_EQ(combo->Text(), "b");
+        EXPECT_FALSE(ui::Choose(*combo, 2));
+        EXPECT_FALSE(ui::Choose(*combo, -1));
+    }
+    EXPECT_EQ(clicks, 2);
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(Operator, ACheckBoxTurnsOverAndAnOptionIsSelected) {
+    auto& check = form_.Get<ui::CheckBox>("check");
+    std::vector<int> values;
+    check.on_click = [&] { values.push_back(check.Value()); };
+    ui::Click(check);
+    ui::Click(check);
+    EXPECT_EQ(values, (std::vector<int>{1, 0}));
+    int clicks = 0;
+    auto& option = form_.Get<ui::OptionButton>("option", 1);
+    option.on_click = [&] { ++clicks; };
+    ui::Click(option);
+    ui::Click(option);
+    EXPECT_TRUE(option.Value());
+    EXPECT_EQ(clicks, 2);
+}
+
+TEST_F(Operator, ATabIsClickedOnceAndADisabledOneNotAtAll) {
+    int clicks = 0;
+    tabs_.on_click = [&] { ++clicks; };
+    tabs_.TabEnabled(2, false);
+    EXPECT_FALSE(ui::Choose(tabs_, 2));
+    EXPECT_TRUE(ui::Choose(tabs_, 1));
+    EXPECT_TRUE(ui::Choose(tabs_, 1));
+    EXPECT_EQ(tabs_.Tab(), 1);
+    EXPECT_EQ(clicks, 1);
+}
+
+TEST_F(Operator, AControlCanBeUsedOnlyWithAllItLiesOn) {
+    int clicks = 0;
+    button_.on_click = [&] { ++clicks; };
+    EXPECT_TRUE(ui::Click(button_));
+    for (ui::Control* control : {static_cast<ui::Control*>(&button_), form_.Find("inner"),
+                                 form_.Find("page", 0), static_cast<ui::Control*>(&tabs_)}) {
+        control->Enabled(false);
+        EXPECT_FALSE(ui::Click(button_)) << control->Name();
+        control->Enabled(true);
+    }
+    ui::Choose(tabs_, 1);
+    EXPECT_FALSE(ui::Click(button_)) << "on a tab that is not shown";
+    EXPECT_TRUE(ui::Click(form_.Get<ui::CommandButton>("far")));
+    EXPECT_EQ(clicks, 1);
+}
+
+TEST_F(Operator, AClickBringsTheFocusWithIt) {
+    ui::Click(button_);
+    EXPECT_EQ(form_.Focused(), &button_);
+}
+
+TEST_F(Operator, ClosingUnloadsAndNothingCanBeUsedAfterwards) {
+    bool unloaded = false;
+    form_.on_unload = [&] { unloaded = true; };
+    ui::Close(form_);
+    EXPECT_TRUE(unloaded);
+    EXPECT_FALSE(ui::Click(button_));
+}
+
+TEST_F(Operator, AFailureOfAHandlerGoesToWhoReportedTheAct) {
+    button_.on_click = [] { throw ui::Refusal("failed"); };
+    EXPECT_THROW(ui::Click(button_), ui::Refusal);
+}
+
+} // namespace
