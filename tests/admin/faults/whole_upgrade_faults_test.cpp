@@ -1,0 +1,320 @@
+// The whole unattended upgrade, as a program of its own with its query tool, with a fault at each statement
+// that goes to the server: what stands afterwards, what the log says, and that the old rows are still to be
+// had. The scripts are small ones of the test's own.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+
+#include "admin/faults/fault_room.h"
+#include "platform/files.h"
+#include "platform/process.h"
+#include "support/temp_folder.h"
+
+namespace kv {
+namespace {
+
+namespace fs = std::filesystem;
+using support::Fault;
+
+constexpr char kCreateDatabase[] = R"(IF EXISTS (SELECT * FROM master.dbo.sysdatabases WHERE name = N'Batch')
+    RAISERROR (N'Batch exists', 16, 127)
+GO
+CREATE DATABASE [Batch] ON (NAME = Batch_data, FILENAME = N'###DATAPATH###\Batch_data.mdf')
+    LOG ON (NAME = Batch_log, FILENAME = N'###DATAPATH###\Batch_log.ldf')
+GO
+USE [Batch]
+GO
+CREATE TABLE LKConfig (ParameterName nvarchar(50), Value nvarchar(50)) CREATE TABLE Things (a int)
+GO
+)";
+constexpr char kGuard[] = R"(IF NOT EXISTS (SELECT * FROM master.dbo.sysdatabases WHERE name = N'Batch')
+    RAISERROR (N'no Batch', 16, 127)
+GO
+USE [Batch]
+GO
+)";
+constexpr char kCreateProcedures[] = R"(CREATE PROCEDURE spUninstallReplication AS RETURN
+GO
+CREATE PROCEDURE spUpgradeDatabase @old int, @new int, @source nvarchar(50), @destination nvarchar(50),
+    @user nvarchar(50), @password nvarchar(50) AS INSERT Things SELECT a FROM TmpBatchUpgradeDb.dbo.Things
+GO
+)";
+constexpr char kInsertData[] =
+    R"(IF NOT EXISTS (SELECT * FROM LKConfig WHERE ParameterName = 'DatabaseVersion')
+    INSERT LKConfig VALUES ('DatabaseVersion', '2')
+GO
+)";
+
+// The lines of the log.
+constexpr char kInfo[] = "CUpgradeDbMgr::GetDatabaseInfo('Batch')";
+constexpr char kAbort[] = "modMain::DoAutomaticUpgrade";
+constexpr char kRemove[] = "CUpgradeDbMgr::RemoveDatabase('TmpBatchUpgradeDb')";
+constexpr char kRename[] = "CUpgradeDbMgr::RenameDatabase('Batch', 'TmpBatchUpgradeDb')";
+constexpr char kPackage[] = "CSQLScriptMgr::InstallDTSPackage(0)";
+constexpr char kUpgrade[] = "CUpgradeDbMgr::UpgradeDatabase('Batch', 'TmpBatchUpgradeDb')";
+
+/// What stands, as "version:rows" of each database, and the packages.
+struct Outcome {
+    std::string state;
+    Lines log;
+};
+
+/// A statement as it goes to the server, known by its beginning; what comes of a run in which it alone fails,
+/// and of one whose server ends with it.
+struct UpgradeStep {
+    const char* event;
+    Outcome fails;
+    Outcome ends;
+    /// The program itself waits for it and gives up; the query tool and the packages have no limit.
+    bool limited = true;
+};
+
+const Outcome kGood = {"Batch=2:3 Tmp=1:3 packages=1", {}};
+
+std::vector<UpgradeStep> Information() {
+    const Outcome untouched = {"Batch=1:3 Tmp=1:7 packages=0", {kInfo, kAbort}};
+    return {{"login", untouched, untouched}, {"use [Batch] exec sp_helpfile", untouched, untouched}};
+}
+
+/// With the temporary database of an earlier run still there, the old one cannot take its name and stays.
+std::vector<UpgradeStep> Removal() {
+    const Outcome fails = {"Batch=1:3 Tmp=1:7 packages=1", {kRemove, kRename, kUpgrade}};
+    const Outcome ends = {"Batch=1:3 Tmp=1:7 packages=0", {kRemove, kInfo, kRename, kPackage, kUpgrade}};
+    Outcome fails_single = fails;
+    Outcome ends_single = ends;
+    fails_single.state = "Batch=1:3 Tmp=1:7 single packages=1";
+    ends_single.state = "Batch=1:3 Tmp=1:7 single packages=0";
+    return {{"login", fails, ends},
+            {"IF EXISTS (SELECT name FROM master.dbo.sysdatabases WHERE name = N'TmpBatchUpgradeDb') ALTER "
+             "DATABASE "
+             "[TmpBatchUpgradeDb] SET SINGLE_USER",
+             fails, ends},
+            {"IF EXISTS (SELECT name FROM master.dbo.sysdatabases WHERE name = N'TmpBatchUpgradeDb') ALTER "
+             "DATABASE "
+             "[TmpBatchUpgradeDb] SET MULTI_USER",
+             fails_single, ends_single},
+            {"IF EXISTS (SELECT name FROM master.dbo.sysdatabases WHERE name = N'TmpBatchUpgradeDb') DROP "
+             "DATABASE",
+             fails, ends}};
+}
+
+std::vector<UpgradeStep> Renaming() {
+    const Outcome inner_fails = {"Batch=1:3 Tmp=none packages=1", {kInfo, kRename, kUpgrade}};
+    const Outcome inner_ends = {"Batch=1:3 Tmp=none packages=0", {kInfo, kRename, kPackage, kUpgrade}};
+    const Outcome fails = {"Batch=1:3 Tmp=none packages=1", {kRename, kUpgrade}};
+    const Outcome ends = {"Batch=1:3 Tmp=none packages=0", {kRename, kPackage, kUpgrade}};
+    const Outcome fails_single = {"Batch=1:3 single Tmp=none packages=1", {kRename, kUpgrade}};
+    const Outcome ends_single = {"Batch=1:3 single Tmp=none packages=0", {kRename, kPackage, kUpgrade}};
+    // Once the name is changed the rest of the run finds what it needs.
+    const Outcome renamed_fails = {kGood.state, {kRename}};
+    const Outcome renamed_ends = {"Batch=none Tmp=1:3 packages=0", {kRename, kPackage, kUpgrade}};
+    const Outcome detached_fails = {"Batch=2:0 Tmp=none packages=1 detached 3", {kRename, kUpgrade}};
+    const Outcome detached_ends = {"Batch=none Tmp=none packages=0 detached 3",
+                                   {kRename, kPackage, kUpgrade}};
+    return {{"login", inner_fails, inner_ends},
+            {"use [Batch] exec sp_helpfile", inner_fails, inner_ends},
+            {"login", fails, ends},
+            {"use master", fails, ends},
+            {"ALTER DATABASE [Batch] SET SINGLE_USER", fails, ends},
+            {"ALTER DATABASE [Batch] SET MULTI_USER", fails_single, ends_single},
+            {"ALTER DATABASE Batch MODIFY NAME", fails, ends},
+            {"ALTER DATABASE TmpBatchUpgradeDb MODIFY FILE", renamed_fails, renamed_ends},
+            {"ALTER DATABASE TmpBatchUpgradeDb MODIFY FILE", renamed_fails, renamed_ends},
+            {"sp_detach_db", renamed_fails, renamed_ends},
+            {"sp_attach_db", detached_fails, detached_ends}};
+}
+
+std::vector<UpgradeStep> Scripts() {
+    const Outcome nothing_fails = {"Batch=none Tmp=1:3 packages=1", {kUpgrade}};
+    const Outcome nothing_ends = {"Batch=none Tmp=1:3 packages=0", {kPackage, kUpgrade}};
+    const Outcome empty_fails = {"Batch=empty Tmp=1:3 packages=1", {kUpgrade}};
+    const Outcome empty_ends = {"Batch=empty Tmp=1:3 packages=0", {kPackage, kUpgrade}};
+    const Outcome helpless_fails = {"Batch=2:0 Tmp=1:3 packages=1", {kUpgrade}};
+    const Outcome unversioned_fails = {"Batch=-:0 Tmp=1:3 packages=1", {kUpgrade}};
+    const Outcome unversioned_ends = {"Batch=-:0 Tmp=1:3 packages=0", {kPackage, kUpgrade}};
+    return {{"login", nothing_fails, nothing_ends, false},
+            {"SET QUOTED_IDENTIFIER OFF", nothing_fails, nothing_ends, false},
+            {"IF EXISTS", nothing_fails, nothing_ends, false},
+            {"CREATE DATABASE", nothing_fails, nothing_ends, false},
+            {"USE [Batch]", empty_fails, empty_ends, false},
+            {"CREATE TABLE", empty_fails, empty_ends, false},
+            {"", kGood, unversioned_ends, false}, // the blank line that every modified script ends in
+            {"login", helpless_fails, unversioned_ends, false},
+            {"SET QUOTED_IDENTIFIER OFF", helpless_fails, unversioned_ends, false},
+            {"IF NOT EXISTS", helpless_fails, unversioned_ends, false},
+            {"USE [Batch]", helpless_fails, unversioned_ends, false},
+            {"CREATE PROCEDURE spUninstallReplication", helpless_fails, unversioned_ends, false},
+            {"CREATE PROCEDURE spUpgradeDatabase", helpless_fails, unversioned_ends, false},
+            {"", kGood, unversioned_ends, false},
+            {"login", unversioned_fails, unversioned_ends, false},
+            {"SET QUOTED_IDENTIFIER OFF", unversioned_fails, unversioned_ends, false},
+            {"IF NOT EXISTS", unversioned_fails, unversioned_ends, false},
+            {"USE [Batch]", unversioned_fails, unversioned_ends, false},
+            {"IF NOT EXISTS", unversioned_fails, unversioned_ends, false},
+            {"", kGood, {"Batch=2:0 Tmp=1:3 packages=0", {kPackage, kUpgrade}}, false}};
+}
+
+/// Removing the package of an earlier time comes first, and a failure there is not noticed.
+std::vector<UpgradeStep> Packages() {
+    const Outcome unnoticed = kGood;
+    const Outcome fails = {"Batch=2:3 Tmp=1:3 packages=0", {kPackage}};
+    const Outcome ends = {"Batch=2:0 Tmp=1:3 packages=0", {kPackage, kUpgrade}};
+    return {{"login", unnoticed, ends, false},
+            {"call", unnoticed, ends, false},
+            {"login", fails, ends, false},
+            {"call", fails, ends, false}};
+}
+
+std::vector<UpgradeStep> TakingOver() {
+    const Outcome fails = {"Batch=2:0 Tmp=1:3 packages=1", {kUpgrade}};
+    return {{"login", fails, fails},
+            {"SELECT Value FROM LKConfig", fails, fails},
+            {"login", fails, fails},
+            {"SELECT Value FROM LKConfig", fails, fails},
+            {"spUninstallReplication", fails, fails},
+            {"spUpgradeDatabase 1, 2, ", fails, fails}};
+}
+
+std::vector<UpgradeStep> AllSteps() {
+    std::vector<UpgradeStep> all;
+    for (const auto& part : {Information(), Removal(), Renaming(), Scripts(), Packages(), TakingOver()}) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
+void Write(const fs::path& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+/// Everything that is the same for all runs: the programs, the scripts and, in "model", the server.
+void PreparePlant(const fs::path& plant) {
+    const fs::path binaries = platform::ExecutableFolder();
+    fs::create_directories(plant / "scripts");
+    fs::create_directory(plant / "model");
+    fs::copy(binaries / "upgrade_runner", plant / "KVLSQLDbMgr");
+    fs::copy(binaries / "OSQL.EXE", plant / "OSQL.EXE");
+    fs::copy(fs::path(KV_SAMPLES) / "StdSynchronize.dts", plant / "scripts");
+    Write(plant / "scripts" / "Create_Batch_Database.sql", kCreateDatabase);
+    Write(plant / "scripts" / "Create_Batch_Stored_Procedures.sql", std::string(kGuard) + kCreateProcedures);
+    Write(plant / "scripts" / "Insert_Default_Data.sql", std::string(kGuard) + kInsertData);
+    MakeModel(
+        [](FaultRoom& room) {
+            for (const auto& [name, rows] : {std::pair("Batch", 3), std::pair("TmpBatchUpgradeDb", 7)}) {
+                room.CreateDatabase(
+                    name, {"CREATE TABLE LKConfig (ParameterName nvarchar(50), Value nvarchar(50))",
+                           "INSERT LKConfig VALUES ('DatabaseVersion', '1')", "CREATE TABLE Things (a int)",
+                           "DECLARE @i int SET @i = 0 WHILE @i < " + std::to_string(rows) +
+                               " BEGIN INSERT Things VALUES (@i) SET @i = @i + 1 END"});
+            }
+        },
+        plant / "model");
+}
+
+/// The machine of one run: the program in a folder of its own, the query tool, the registry.
+void RunUpgrade(FaultRoom& room, const fs::path& plant) {
+    const fs::path machine = room.Folder() / "machine";
+    fs::create_directories(machine / "tools" / "Binn");
+    fs::create_hard_link(plant / "KVLSQLDbMgr", machine / "KVLSQLDbMgr");
+    fs::create_hard_link(plant / "OSQL.EXE", machine / "tools" / "Binn" / "OSQL.EXE");
+    const std::string hive = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\";
+    const std::string sql_server = hive + "Microsoft\\Microsoft SQL Server\\";
+    Write(room.Folder() / "registry.reg",
+          "REGEDIT4\n\n" + hive + "ORVIK\\QUORLEN\\Log]\n@=\"" + (room.Folder() / "Log").string() + "\"\n\n" +
+              hive + "Orvik\\Quorlen\\Lotkeeper\\Login]\n\"ServerName\"=\"" + room.ServerName() +
+              "\"\n\"UserID\"=\"sa\"\n\"PWD\"=\"Test-1\"\n\n" + sql_server +
+              "KV_BATCH\\MSSQLServer\\CurrentVersion]\n\"CurrentVersion\"=\"14.0.1000.169\"\n\n" +
+              sql_server + "140\\Tools\\ClientSetup]\n\"SQLPath\"=\"" + (machine / "tools").string() +
+              "\"\n");
+    platform::ShellExecuteInfo info;
+    info.mask = platform::kNoCloseProcess;
+    info.file = (machine / "KVLSQLDbMgr").string();
+    info.parameters = "\"" + (plant / "scripts").string() + "/\"";
+    std::unique_ptr<platform::Process> process;
+    ASSERT_TRUE(platform::ShellExecuteProgram(info, process));
+    process->Wait(platform::kInfiniteWait);
+}
+
+std::string DatabaseState(const FaultRoom& room, const std::string& name) {
+    if (!room.HasDatabase(name)) {
+        return "none";
+    }
+    const std::string single =
+        room.AskOne("master", "SELECT DATABASEPROPERTYEX('" + name + "', 'UserAccess')") == "MULTI_USER"
+            ? ""
+            : " single";
+    if (room.Ask("master", "SELECT name FROM " + name + ".dbo.sysobjects WHERE name = 'LKConfig'").empty()) {
+        return "empty" + single;
+    }
+    const std::string version = room.AskOne("master", "SELECT Value FROM " + name + ".dbo.LKConfig");
+    return (version.empty() ? "-" : version) + ":" +
+           room.AskOne("master", "SELECT COUNT(*) FROM " + name + ".dbo.Things") + single;
+}
+
+std::string State(FaultRoom& room) {
+    const std::string batch = DatabaseState(room, "Batch");
+    const std::string temporary = DatabaseState(room, "TmpBatchUpgradeDb");
+    std::string state = "Batch=" + batch + " Tmp=" + temporary +
+                        " packages=" + room.AskOne("msdb", "SELECT COUNT(*) FROM sysdtspackages");
+    if (!batch.starts_with("1:3") && !temporary.starts_with("1:3")) {
+        // Nobody has the old rows: they lie in the files that were moved.
+        const std::string files = (room.OldFolder() / "TmpBatchUpgradeDb_").string();
+        room.Ask("master", "sp_attach_db N'Rescue', N'" + files + "data.mdf', N'" + files + "log.ldf'");
+        state += " detached " + room.AskOne("Rescue", "SELECT COUNT(*) FROM Things");
+    }
+    return state;
+}
+
+void ExpectEvents(FaultRoom& room, const std::vector<UpgradeStep>& steps) {
+    const Lines events = room.Proxy().Events();
+    std::string all;
+    for (const std::string& event : events) {
+        all += event + "\n";
+    }
+    ASSERT_EQ(events.size(), steps.size()) << all;
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        EXPECT_TRUE(events[i].starts_with(steps[i].event))
+            << i << ": " << events[i] << "\nnot " << steps[i].event;
+    }
+}
+
+void Try(const fs::path& plant, const std::vector<UpgradeStep>& steps, std::size_t step, Fault fault) {
+    FaultRoom room(plant / "model");
+    room.Proxy().Ignore("PRINT ''");
+    room.Proxy().Arm(step, fault);
+    RunUpgrade(room, plant);
+    EXPECT_EQ(room.Proxy().Struck(), fault != Fault::None);
+    if (fault == Fault::KillBefore) {
+        room.Server().StartAgain();
+    }
+    const bool good = fault == Fault::None || fault == Fault::Slow;
+    const Outcome& wanted = good ? kGood : fault == Fault::KillBefore ? steps[step].ends : steps[step].fails;
+    EXPECT_EQ(State(room), wanted.state);
+    EXPECT_EQ(room.LogLines(), wanted.log);
+    if (good) {
+        ExpectEvents(room, steps);
+    }
+}
+
+TEST(WholeUpgradeFaults, LeaveTheOldRowsWhateverStatementFails) {
+    const support::TempFolder folder;
+    const fs::path plant = folder.Path();
+    PreparePlant(plant);
+    const std::vector<UpgradeStep> steps = AllSteps();
+    std::vector<support::Case> cases = {{"no fault", [&] { Try(plant, steps, 0, Fault::None); }}};
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        for (const Fault fault :
+             {Fault::CutBefore, Fault::KillBefore, steps[i].limited ? Fault::HangBefore : Fault::Slow}) {
+            cases.push_back(
+                {std::string(support::NameOf(fault)) + " at " + std::to_string(i) + " " + steps[i].event,
+                 [&, i, fault] { Try(plant, steps, i, fault); }});
+        }
+    }
+    support::RunInChildren(cases, kFaultsAtOnce);
+    std::printf("unattended upgrade: %zu faults tried at %zu steps\n", cases.size() - 1, steps.size());
+}
+
+} // namespace
+} // namespace kv

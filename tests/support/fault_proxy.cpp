@@ -1,0 +1,313 @@
+#include "support/fault_proxy.h"
+
+#include <array>
+#include <chrono>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace support {
+namespace {
+
+constexpr std::size_t kHeaderSize = 8;
+constexpr unsigned char kBatch = 0x01;
+constexpr unsigned char kCall = 0x03;
+constexpr unsigned char kAttention = 0x06;
+constexpr unsigned char kLogin = 0x10;
+constexpr unsigned char kEndOfMessage = 0x01;
+constexpr std::chrono::milliseconds kSlow{200};
+constexpr int kPollMilliseconds = 50; ///< how soon a link sees that the proxy ends
+
+/// A socket, closed by its owner.
+class Socket {
+  public:
+    explicit Socket(int fd) : fd_(fd) {}
+    Socket(Socket&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+    Socket(const Socket&) = delete;
+    Socket& operator=(const Socket&) = delete;
+    Socket& operator=(Socket&&) = delete;
+    ~Socket() {
+        if (fd_ >= 0) {
+            close(fd_);
+        }
+    }
+    int Get() const { return fd_; }
+
+    /// False if the other end has gone.
+    bool Send(const std::string& bytes) const {
+        for (std::size_t at = 0; at < bytes.size();) {
+            const ssize_t sent = send(fd_, bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
+            if (sent <= 0) {
+                return false;
+            }
+            at += static_cast<std::size_t>(sent);
+        }
+        return true;
+    }
+
+  private:
+    int fd_;
+};
+
+sockaddr_in Loopback(int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+/// One end of a link: what has come and was not taken yet.
+struct End {
+    explicit End(Socket taken) : socket(std::move(taken)) {}
+
+    /// Reads what there is. False if there will be nothing more.
+    bool Read() {
+        std::array<char, 65536> buffer{};
+        const ssize_t count = recv(socket.Get(), buffer.data(), buffer.size(), 0);
+        if (count <= 0) {
+            return false;
+        }
+        pending.append(buffer.data(), static_cast<std::size_t>(count));
+        return true;
+    }
+
+    /// Takes a whole message, all its packets; none if it has not come whole.
+    std::optional<std::string> TakeMessage() {
+        std::size_t at = 0;
+        while (pending.size() >= at + kHeaderSize) {
+            const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(pending[at + i]); };
+            const bool last = (byte(1) & kEndOfMessage) != 0;
+            const std::size_t length = std::size_t{byte(2)} << 8U | byte(3);
+            if (length < kHeaderSize || pending.size() < at + length) {
+                return std::nullopt;
+            }
+            at += length;
+            if (last) {
+                std::string message = pending.substr(0, at);
+                pending.erase(0, at);
+                return message;
+            }
+        }
+        return std::nullopt;
+    }
+
+    Socket socket;
+    std::string pending;
+};
+
+unsigned char KindOf(const std::string& message) {
+    return static_cast<unsigned char>(message.front());
+}
+
+/// The text of a batch, one byte for each UTF-16 unit: the statements of the tests have no other characters.
+std::string TextOf(const std::string& message) {
+    std::string body;
+    for (std::size_t at = 0; at + kHeaderSize <= message.size();) {
+        const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(message[at + i]); };
+        const std::size_t length = std::size_t{byte(2)} << 8U | byte(3);
+        body.append(message, at + kHeaderSize, length - kHeaderSize);
+        at += length;
+    }
+    // From version 7.2 of the protocol on, headers stand in front; their whole length comes first.
+    const std::size_t headers = body.size() >= 4 ? static_cast<unsigned char>(body[0]) : 0;
+    std::string text;
+    for (std::size_t at = headers; at + 1 < body.size(); at += 2) {
+        text += body[at];
+    }
+    return text;
+}
+
+/// What a message is called as an event; empty for one that is none.
+std::string EventOf(const std::string& message) {
+    switch (KindOf(message)) {
+    case kLogin:
+        return "login";
+    case kCall:
+        return "call";
+    case kBatch:
+        return TextOf(message);
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+const char* NameOf(Fault fault) {
+    constexpr std::array kNames = {"none",        "slow",       "cut before",  "cut after",
+                                   "hang before", "hang after", "kill before", "kill after"};
+    return kNames.at(static_cast<std::size_t>(fault));
+}
+
+/// One connection of a client and its connection to the server.
+class FaultProxy::Link {
+  public:
+    Link(FaultProxy& proxy, Socket client, Socket server)
+        : proxy_(proxy), client_(std::move(client)), server_(std::move(server)) {}
+
+    void Run() {
+        while (!proxy_.ending_ && Turn()) {
+        }
+    }
+
+  private:
+    /// Waits for what comes and hands it on. False: the link is over.
+    bool Turn() {
+        std::array<pollfd, 2> waiting = {pollfd{client_.socket.Get(), POLLIN, 0},
+                                         pollfd{server_.socket.Get(), POLLIN, 0}};
+        if (poll(waiting.data(), waiting.size(), kPollMilliseconds) <= 0) {
+            return true;
+        }
+        if (waiting[1].revents != 0 && (!server_.Read() || !FromServer())) {
+            return false;
+        }
+        if (waiting[0].revents != 0) {
+            if (!client_.Read()) {
+                return false;
+            }
+            while (const std::optional<std::string> message = client_.TakeMessage()) {
+                if (!FromClient(*message)) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    bool FromServer() {
+        switch (fault_) {
+        case Fault::HangAfter:
+            return true; // stays where it is
+        case Fault::CutAfter:
+        case Fault::KillAfter:
+            if (!server_.TakeMessage()) {
+                return true;
+            }
+            Strike(); // the answer is whole, so what was asked for is done
+            return false;
+        default:
+            return client_.socket.Send(std::exchange(server_.pending, {}));
+        }
+    }
+
+    bool FromClient(const std::string& message) {
+        if (KindOf(message) == kAttention) {
+            return Cancelled(message);
+        }
+        if (const std::string event = EventOf(message); !event.empty()) {
+            fault_ = proxy_.Note(event);
+        }
+        switch (fault_) {
+        case Fault::CutBefore:
+        case Fault::KillBefore:
+            Strike();
+            return false;
+        case Fault::HangBefore:
+            return true;
+        case Fault::Slow:
+            std::this_thread::sleep_for(kSlow);
+            [[fallthrough]];
+        default:
+            return server_.socket.Send(message);
+        }
+    }
+
+    /// The client has given up waiting: whatever was held back is over.
+    bool Cancelled(const std::string& message) {
+        if (std::exchange(fault_, Fault::None) == Fault::HangAfter &&
+            !client_.socket.Send(std::exchange(server_.pending, {}))) {
+            return false;
+        }
+        return server_.socket.Send(message);
+    }
+
+    void Strike() {
+        if (fault_ == Fault::KillBefore || fault_ == Fault::KillAfter) {
+            proxy_.kill_server_();
+        }
+    }
+
+    FaultProxy& proxy_;
+    End client_;
+    End server_;
+    Fault fault_ = Fault::None; ///< what the latest message suffers
+};
+
+FaultProxy::FaultProxy(int server_port, std::function<void()> kill_server)
+    : kill_server_(std::move(kill_server)), server_port_(server_port) {
+    listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = Loopback(0);
+    socklen_t size = sizeof address;
+    auto* const raw = reinterpret_cast<sockaddr*>(&address);
+    if (listener_ < 0 || bind(listener_, raw, size) != 0 || listen(listener_, SOMAXCONN) != 0 ||
+        getsockname(listener_, raw, &size) != 0) {
+        throw std::runtime_error("no port can be had for a proxy");
+    }
+    port_ = ntohs(address.sin_port);
+    acceptor_ = std::thread([this] { Accept(); });
+}
+
+FaultProxy::~FaultProxy() {
+    ending_ = true;
+    acceptor_.join();
+    close(listener_);
+    for (std::thread& link : links_) {
+        link.join();
+    }
+}
+
+void FaultProxy::Accept() {
+    while (!ending_) {
+        pollfd waiting{listener_, POLLIN, 0};
+        if (poll(&waiting, 1, kPollMilliseconds) != 1) {
+            continue;
+        }
+        Socket client(accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC));
+        Socket server(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_in address = Loopback(server_port_);
+        if (connect(server.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+            continue; // no server: the client finds itself alone
+        }
+        links_.emplace_back([this, client = std::move(client), server = std::move(server)]() mutable {
+            Link(*this, std::move(client), std::move(server)).Run();
+        });
+    }
+}
+
+void FaultProxy::Arm(std::size_t event, Fault fault) {
+    const std::lock_guard lock(mutex_);
+    armed_event_ = event;
+    armed_fault_ = fault;
+}
+
+std::vector<std::string> FaultProxy::Events() const {
+    const std::lock_guard lock(mutex_);
+    return events_;
+}
+
+void FaultProxy::Ignore(std::string text) {
+    const std::lock_guard lock(mutex_);
+    ignored_ = std::move(text);
+}
+
+Fault FaultProxy::Note(std::string event) {
+    const std::lock_guard lock(mutex_);
+    if (event == ignored_) {
+        return Fault::None;
+    }
+    events_.push_back(std::move(event));
+    if (events_.size() - 1 != armed_event_ || armed_fault_ == Fault::None) {
+        return Fault::None;
+    }
+    struck_ = true;
+    return armed_fault_;
+}
+
+} // namespace support

@@ -1,0 +1,57 @@
+// Stands in front of the driver manager and makes every time-out that a program sets a second long, so that a
+// test need not wait five minutes. Linked into a test's own executable, whose functions are found before a
+// library's.
+#include "support/short_time_outs.h"
+
+#include <cstdlib>
+#include <set>
+#include <utility>
+
+#include <dlfcn.h>
+
+#include "platform/odbc_api.h"
+
+namespace support {
+namespace {
+
+std::set<std::uintptr_t>& Seen() {
+    static std::set<std::uintptr_t> seen;
+    return seen;
+}
+
+template <class Function>
+Function Next(const char* name) {
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+/// A second, where there is a limit.
+SQLPOINTER Shortened(SQLPOINTER value) {
+    const auto seconds = reinterpret_cast<std::uintptr_t>(value);
+    Seen().insert(seconds);
+    return reinterpret_cast<SQLPOINTER>(seconds == 0 ? std::uintptr_t{0} : std::uintptr_t{1});
+}
+
+} // namespace
+
+std::set<std::uintptr_t> TakeTimeOuts() {
+    return std::exchange(Seen(), {});
+}
+
+} // namespace support
+
+extern "C" {
+
+SQLRETURN SQL_API SQLSetStmtAttrW(SQLHSTMT statement, SQLINTEGER attribute, SQLPOINTER value,
+                                  SQLINTEGER length) {
+    static const auto next = support::Next<decltype(&SQLSetStmtAttrW)>("SQLSetStmtAttrW");
+    return next(statement, attribute, attribute == SQL_ATTR_QUERY_TIMEOUT ? support::Shortened(value) : value,
+                length);
+}
+
+SQLRETURN SQL_API SQLSetConnectAttrW(SQLHDBC connection, SQLINTEGER attribute, SQLPOINTER value,
+                                     SQLINTEGER length) {
+    static const auto next = support::Next<decltype(&SQLSetConnectAttrW)>("SQLSetConnectAttrW");
+    return next(connection, attribute,
+                attribute == SQL_ATTR_LOGIN_TIMEOUT ? support::Shortened(value) : value, length);
+}
+}

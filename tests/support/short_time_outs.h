@@ -1,0 +1,12 @@
+// What the program asked for before short_time_outs.cpp cut it to a second. Linux only.
+#pragma once
+
+#include <cstdint>
+#include <set>
+
+namespace support {
+
+/// The limits in seconds that were set since the last call of this, for statements and for connecting.
+std::set<std::uintptr_t> TakeTimeOuts();
+
+} // namespace support

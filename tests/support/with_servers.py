@@ -1,0 +1,44 @@
+# Runs a test program beside two development servers, on Linux or under Wine.
+#
+#   with_servers.py DEVSQLSERVER PROGRAM [--wine] [ARGUMENT …]
+#
+# The program finds in its environment: KV_SERVER_A and KV_SERVER_B, names as a connection string has them; KV_USER and
+# KV_PASSWORD; KV_SILENT, a server that takes connections and never answers; KV_FOLDER, a fresh folder that the program
+# and both servers reach, as the program's system writes it; and the driver "SQL Server".
+import os
+import shutil
+import socket
+import subprocess
+import sys
+
+TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(TOP, "tests", "e2e"))
+
+from plant import PASSWORD, USER, DevServer, freetds_driver, fresh_folder  # noqa: E402
+
+
+def main(server_program, program, *arguments):
+    wine = "--wine" in arguments
+    arguments = [argument for argument in arguments if argument != "--wine"]
+    folder = fresh_folder()
+    try:
+        with open(os.path.join(folder, "odbcinst.ini"), "w") as file:
+            file.write(f"[SQL Server]\nDriver = {freetds_driver()}\n")
+        drives = ("Z=/",) if wine else ()
+        with DevServer(server_program, os.path.join(folder, "a"), drives) as a, \
+                DevServer(server_program, os.path.join(folder, "b"), drives) as b, \
+                socket.create_server(("127.0.0.1", 0)) as silent:
+            environment = dict(os.environ, ODBCSYSINI=folder, KV_SERVER_A=a.name, KV_SERVER_B=b.name, KV_USER=USER,
+                               KV_PASSWORD=PASSWORD, KV_SILENT=f"127.0.0.1,{silent.getsockname()[1]}",
+                               KV_FOLDER="Z:" + folder.replace("/", "\\") if wine else folder)
+            command = [program, *arguments]
+            if wine:
+                environment.pop("DISPLAY", None)
+                command.insert(0, os.path.join(TOP, "tests", "run-under-wine"))
+            return subprocess.run(command, env=environment, stdin=subprocess.DEVNULL).returncode
+    finally:
+        shutil.rmtree(folder, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
