@@ -151,6 +151,82 @@ def check_carried_over(node, old):
     check(f"{node.name}: Events holds the old ones and one of the upgrade", node.count("Events") == len(old["Events"]) + 1)
 
 
+class Pair:
+    """The two nodes as an operator's console on Server A sees them. The program's command line has no argument for what
+    the console's tabs do, so a small program calls the same managers."""
+
+    def __init__(self, a, b):
+        self.a, self.b = a, b
+        self.tool = os.path.join(a.machine.install, "server_pair_tool")
+        shutil.copy(os.path.join(a.machine.binaries, "server_pair_tool"), self.tool)
+        self.settings = os.path.join(a.machine.folder, "pair.txt")
+        with open(self.settings, "w") as file:
+            for letter, node in (("A", a), ("B", b)):
+                file.write(f"Server{letter}={node.server.name}\nUser{letter}={USER}\nPassword{letter}={PASSWORD}\n"
+                           f"SQLDataPath{letter}={node.machine.data}\nSQLUNCReplDataPath{letter}={node.machine.data}\n")
+            file.write(f"ScriptFolder={a.machine.scripts}\n")
+
+    def run(self, selected, *command):
+        """Runs an operation with the node as the selected server; gives what it printed."""
+        letter = "a" if selected is self.a else "b"
+        print(f"   {selected.name} selected: {' '.join(command)}", flush=True)
+        run = subprocess.run([self.tool, self.settings, letter, *command], env=self.a.machine.environment,
+                             stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", timeout=600)
+        for line in run.stderr.splitlines():
+            print("   | " + line, flush=True)
+        check(f"{selected.name}: {command[0]} ran to its end", run.returncode == 0)
+        return run.stdout.strip()
+
+    def other(self, node):
+        return self.b if node is self.a else self.a
+
+
+def differing(a, b):
+    """The tables that do not hold the same rows."""
+    return [table for table in a.tables() if table not in OWN_TABLES and
+            a.rows(table, a.columns(table)) != b.rows(table, b.columns(table))]
+
+
+def synchronise(pair, source):
+    destination = pair.other(source)
+    print(f"   tables that differ before: {', '.join(differing(source, destination)) or '(none)'}")
+    wanted = {table: source.rows(table, source.columns(table)) for table in source.tables()}
+    pair.run(source, "synchronize", "Batch", "Batch")
+    tables = [table for table in source.tables() if table not in OWN_TABLES]
+    print(f"     {'table':<24} {source.name:>10} {destination.name:>10}")
+    for table in tables:
+        print(f"     {table:<24} {source.count(table):>10} {destination.count(table):>10}", flush=True)
+    check(f"the {len(tables)} tables of {destination.name} hold what those of {source.name} held, row for row",
+          all(destination.rows(table, destination.columns(table)) == wanted[table] for table in tables))
+    check(f"{destination.name} keeps its own settings",
+          destination.server.ask("SELECT Value FROM LKConfig WHERE ParameterName = 'ServerA'", "Batch") ==
+          [(destination.server.name,)])
+
+
+def replicate(pair):
+    """Replication on, a synchronisation with it on, and off."""
+    a, b = pair.a, pair.b
+    jobs = ("SELECT j.name FROM msdb.dbo.sysjobs j INNER JOIN msdb.dbo.syscategories c ON c.category_id = j.category_id "
+            "WHERE c.category_class = 1 AND c.name = N'REPL-Distribution'")
+    pair.run(a, "create-replication-procedures")
+    check(f"{a.name}: the query tool reported no error",
+          not re.search(r"Msg \d+, Level 1[1-9]", a.machine.output("Create_Replication_Stored_Procedures")))
+    check("replication is off", pair.run(a, "is-replication-installed", "Batch") == "not installed" and not a.server.ask(jobs))
+    pair.run(a, "install-replication", "Batch")
+    print("   a development server keeps publications, subscriptions and jobs; it carries no row over by itself")
+    job = a.server.ask(jobs)
+    check("replication is on", pair.run(a, "is-replication-installed", "Batch") == "installed" and len(job) == 1)
+    print(f"   {a.name}: job {job[0][0]}")
+    articles = a.server.column("SELECT name FROM sysarticles", "Batch")
+    check(f"{len(articles)} tables are published to {b.name}",
+          articles == [table for table in a.tables() if table not in OWN_TABLES])
+    a.server.ask("EXEC dbo.spEndBatch 1001, 480", "Batch")
+    synchronise(pair, a)
+    check("the synchronisation took replication off and put it back", a.server.ask(jobs) == job)
+    pair.run(a, "uninstall-replication", "Batch")
+    check("replication is off", pair.run(a, "is-replication-installed", "Batch") == "not installed" and not a.server.ask(jobs))
+
+
 def main():
     binaries = os.path.abspath(sys.argv[1])
     folder = os.path.abspath("build/demo")
@@ -169,6 +245,14 @@ def main():
         heading("The unattended upgrade to version 2 on both")
         for node in (a, b):
             upgrade(node)
+        pair = Pair(a, b)
+        heading("Server A is synchronised with Server B")
+        synchronise(pair, a)
+        heading("The other way round, after some work on Server B")
+        b.server.ask("EXEC dbo.spStartBatch N'B-9', 1, 3, 250, 'A-19', N'Nord', 3 EXEC dbo.spBlockLot 'W-0001'", "Batch")
+        synchronise(pair, b)
+        heading("Replication from Server A to Server B")
+        replicate(pair)
     heading("Done: everything above was verified, and the servers are stopped.")
     for node in (a, b):
         print(f"   {node.name}: the modified scripts and the query tool's output are in "

@@ -36,7 +36,9 @@ class DevServer:
         arguments = [self.program, "--root", self.root, "--port", str(self.port), "--logins", self.logins]
         for drive in self.drives:
             arguments += ["--drive", drive]
-        self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE, text=True)
+        # It reaches linked servers by the driver of this name, wherever the test runs.
+        environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "platform", "odbc_config"))
+        self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE, text=True, env=environment)
         ready = self.process.stdout.readline()
         match = re.fullmatch(r"devsqlserver: ready on 127\.0\.0\.1:(\d+)\n", ready)
         if match is None:

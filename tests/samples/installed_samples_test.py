@@ -16,6 +16,8 @@ import uuid
 
 import pymssql
 
+# The driver by which a server reaches linked servers, wherever the tests run.
+ODBC_CONFIG = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "src", "platform", "odbc_config")
 USER, PASSWORD = "lk_admin", "Pass_1!"
 TEMPLATES = ("Create_Batch_Database", "Insert_Default_Data", "Create_Batch_Stored_Procedures",
              "Create_Replication_Stored_Procedures")
@@ -32,7 +34,8 @@ class Server:
         self.data = os.path.join(self.root, "data")
         os.mkdir(self.data)
         self.process = subprocess.Popen([program, "--root", os.path.join(self.root, "server"), "--port", "0",
-                                         "--logins", logins], stdout=subprocess.PIPE, text=True)
+                                         "--logins", logins], stdout=subprocess.PIPE, text=True,
+                                        env=dict(os.environ, ODBCSYSINI=ODBC_CONFIG))
         ready = self.process.stdout.readline()
         match = re.match(r"devsqlserver: ready on 127\.0\.0\.1:(\d+)", ready)
         if match is None:
@@ -56,10 +59,11 @@ class Server:
         shutil.rmtree(self.root)
 
 
-def modified(template, data_path):
-    """The template as an unattended run makes it: nothing is known of Server B, the domain, the UNC paths."""
+def modified(template, data_path, more=()):
+    """The template as an unattended run makes it: nothing is known of Server B, the domain, the UNC paths. `more` are
+    values that the console knows."""
     values = {"server": "NODE1", "servera": "NODE1", "userid": USER, "userida": USER, "password": PASSWORD,
-              "passworda": PASSWORD, "datapath": data_path, "datapatha": data_path}
+              "passworda": PASSWORD, "datapath": data_path, "datapatha": data_path, **dict(more)}
 
     def value(match):
         name = match.group(1)
