@@ -110,7 +110,7 @@ void Connection::RunCalls(const ClientMessage& message, Response& response) {
         if (i > 0) {
             response.End();
         }
-        response.Begin(Response::Kind::Procedure);
+        response.BeginCall(request.calls[i]);
         session_->ExecuteProcedure(request.calls[i], response);
     }
     if (request.error) {

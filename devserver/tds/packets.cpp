@@ -101,6 +101,12 @@ void PacketWriter::Append(std::string_view bytes) {
     }
 }
 
+void PacketWriter::Flush() {
+    if (packet_.size() > kHeaderSize) {
+        SendPacket(false);
+    }
+}
+
 void PacketWriter::EndMessage() {
     SendPacket(true);
     packet_number_ = 1;

@@ -34,6 +34,8 @@ class PacketWriter {
     explicit PacketWriter(const Socket& socket) : socket_(socket) { Begin(); }
 
     void Append(std::string_view bytes);
+    /// Sends what is there now; more of the answer follows.
+    void Flush();
     /// Sends what is there as the last packet of the answer; the next one starts with packet number 1.
     void EndMessage();
     /// Bytes of a packet, header and all, from the next packet on. Nothing may stand in the current one.

@@ -117,6 +117,13 @@ void Response::ReturnStatus(std::int32_t status) {
     }
 }
 
+void Response::Flush() {
+    Guarded([&] {
+        WritePending(true);
+        packets_.Flush();
+    });
+}
+
 void Response::WriteProcedureEnd() {
     const bool error = statement_error_;
     WritePending(true);
@@ -126,9 +133,9 @@ void Response::WriteProcedureEnd() {
     return_status_.reset();
     statement_error_ = false;
     rows_open_ = false;
-    std::uint16_t ordinal = 0;
+    std::size_t ordinal = 0;
     for (const Output& output : std::exchange(outputs_, {})) {
-        tokens_.WriteReturnValue(ordinal++, output.name, output.type, output.value);
+        tokens_.WriteReturnValue(PlaceOf(output.name, ordinal++), output.name, output.type, output.value);
     }
     Hold(DoneToken::DoneProcedure, error ? done_status::kError : done_status::kFinal, Command::None, 0);
 }
@@ -136,8 +143,28 @@ void Response::WriteProcedureEnd() {
 void Response::Begin(Kind kind) {
     kind_ = kind;
     failed_ = false;
+    passed_.clear();
     outputs_.clear();
     return_status_.reset();
+}
+
+void Response::BeginCall(const RpcCall& call) {
+    Begin(Kind::Procedure);
+    for (std::size_t i = 0; i < call.parameters.size(); ++i) {
+        if (call.parameters[i].output) {
+            passed_.push_back({call.parameters[i].name, static_cast<std::uint16_t>(i)});
+        }
+    }
+}
+
+std::uint16_t Response::PlaceOf(const std::string& name, std::size_t ordinal) const {
+    // Parameters passed by name may stand in another order than the procedure has them.
+    for (const Passed& passed : passed_) {
+        if (passed.name == name && !name.empty()) {
+            return passed.place;
+        }
+    }
+    return ordinal < passed_.size() ? passed_[ordinal].place : static_cast<std::uint16_t>(ordinal);
 }
 
 void Response::End() {

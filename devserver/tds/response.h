@@ -32,9 +32,12 @@ class Response : public ResultSink {
     void DatabaseChanged(const std::string& from, const std::string& to) override;
     void OutputParameter(const std::string& name, const Type& type, const Value& value) override;
     void ReturnStatus(std::int32_t status) override;
+    void Flush() override;
 
     /// Begins a part of the request: the batch, or one of its procedure calls.
     void Begin(Kind kind);
+    /// Begins a call: its output parameters are told with their places in it.
+    void BeginCall(const RpcCall& call);
     /// Ends the part: return status, output parameters and the token that ends a procedure.
     void End();
     /// Makes the DONE that follows tell of an error for which there is no message.
@@ -60,6 +63,12 @@ class Response : public ResultSink {
         Value value;
     };
 
+    /// A parameter of the call that was passed for output.
+    struct Passed {
+        std::string name;
+        std::uint16_t place;
+    };
+
     /// Runs `write` unless the client is gone or has asked to stop.
     template <class Writing>
     void Guarded(Writing write);
@@ -69,6 +78,8 @@ class Response : public ResultSink {
     /// A statement that failed without a DONE of its own gets one before something else begins.
     void EndFailedStatement();
     DoneToken StatementToken(bool in_procedure) const;
+    /// The place in the call of the output parameter that comes as the `ordinal`th.
+    std::uint16_t PlaceOf(const std::string& name, std::size_t ordinal) const;
     void WriteProcedureEnd();
 
     TokenWriter& tokens_;
@@ -78,6 +89,7 @@ class Response : public ResultSink {
 
     Kind kind_ = Kind::Batch;
     std::optional<PendingDone> pending_;
+    std::vector<Passed> passed_;
     std::vector<Output> outputs_;
     std::optional<std::int32_t> return_status_;
     bool rows_open_ = false;       ///< a result set has begun and has not ended

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "devserver/tds/bytes.h"
+#include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
 
 namespace devsql::tds {
@@ -131,6 +132,16 @@ void AppendDateTime(std::string& out, const WireForm& form, const Value& value) 
     AppendLe(out, static_cast<std::uint16_t>(time.ticks / kTicksPerMinute));
 }
 
+/// Days since 0001-01-01 in three bytes.
+void AppendDate(std::string& out, const WireForm& form, const Value& value) {
+    constexpr std::int32_t kDaysTo1900 = 693595;
+    const std::int32_t days = Get<DateTime>(value, "date").days + kDaysTo1900;
+    AppendByte(out, static_cast<std::uint8_t>(form.size));
+    for (int shift = 0; shift < 24; shift += 8) {
+        AppendByte(out, static_cast<std::uint8_t>(days >> shift));
+    }
+}
+
 void AppendDecimal(std::string& out, const WireForm& form, const Value& value) {
     const Int128 unscaled = Rescale(Get<Decimal>(value, "decimal"), form.scale, "decimal");
     const Int128 limit = PowerOfTen(form.precision);
@@ -242,6 +253,13 @@ void AppendNVarChar(std::string& out, const WireForm& form, const Value& value) 
     AppendCounted(out, form, [&] { AppendWide(out, text); });
 }
 
+/// Clients of before 7.3 get a date as the text that it is written in.
+void AppendDateText(std::string& out, const WireForm& form, const Value& value) {
+    const Type date{TypeId::Date, 0, 0, 0};
+    const Type text{TypeId::NVarChar, 10, 0, 0};
+    AppendNVarChar(out, form, Convert(value, date, text));
+}
+
 void AppendNChar(std::string& out, const WireForm& form, const Value& value) {
     static constexpr std::string_view kWideBlank{" \0", 2};
     const std::string& text = Get<std::string>(value, "text");
@@ -301,7 +319,7 @@ const TypeEncoder::Entry& TypeEncoder::EntryOf(TypeId id) {
     using enum TypeId;
     constexpr std::uint32_t kLongest = 0x7FFFFFFF;
     constexpr std::uint32_t kLongestWide = 0x7FFFFFFE;
-    static constexpr std::array<Entry, 24> kEntries{{
+    static constexpr std::array<Entry, 25> kEntries{{
         {Bit, WireType::BitN, 1, 0, WireType::BitN, AppendBit},
         {TinyInt, WireType::IntN, 1, 0, WireType::IntN, AppendInteger},
         {SmallInt, WireType::IntN, 2, 0, WireType::IntN, AppendInteger},
@@ -326,6 +344,7 @@ const TypeEncoder::Entry& TypeEncoder::EntryOf(TypeId id) {
         {Image, WireType::Image, kLongest, 1, WireType::Image, AppendVarBinary},
         {UniqueIdentifier, WireType::Guid, 16, 0, WireType::Guid, AppendGuid},
         {Timestamp, WireType::BigBinary, 8, 0, WireType::BigBinary, AppendBinary},
+        {Date, WireType::DateN, 3, 0, WireType::DateN, AppendDate},
     }};
     const Entry& entry = kEntries.at(static_cast<std::size_t>(id));
     if (entry.id != id) {
@@ -339,6 +358,13 @@ TypeEncoder::TypeEncoder(const Type& type, Version version)
     const Entry& entry = EntryOf(type.id);
     form_.type = entry.wire;
     form_.size = entry.size;
+    if (type.id == TypeId::Date && !Has73(version)) {
+        constexpr std::uint32_t kBytesOfDateText = 20;
+        form_.type = WireType::NVarChar;
+        form_.size = kBytesOfDateText;
+        append_ = AppendDateText;
+        return;
+    }
     if (entry.wire == WireType::DecimalN || entry.wire == WireType::NumericN) {
         form_.precision = std::clamp<std::uint8_t>(type.precision, 1, kMaxDigits);
         form_.scale = std::min(type.scale, form_.precision);
@@ -375,6 +401,9 @@ bool TypeEncoder::HasTableName() const {
 
 void TypeEncoder::AppendTypeInfo(std::string& out) const {
     AppendByte(out, static_cast<std::uint8_t>(form_.type));
+    if (form_.type == WireType::DateN) { // The one type of fixed length that doesn't say it.
+        return;
+    }
     if (HasLongLength(form_.type)) {
         AppendLe(out, form_.size);
     } else if (HasShortLength(form_.type)) {

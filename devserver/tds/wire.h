@@ -45,6 +45,11 @@ constexpr bool Has72(Version version) {
     return version >= Version::V72;
 }
 
+/// 7.3 brought date and the other types of time.
+constexpr bool Has73(Version version) {
+    return version >= Version::V73A;
+}
+
 namespace token {
 inline constexpr std::uint8_t kReturnStatus = 0x79;
 inline constexpr std::uint8_t kColumnMetadata = 0x81;

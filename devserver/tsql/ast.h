@@ -200,6 +200,9 @@ struct Top {
     bool percent = false;
 };
 
+/// GROUP BY … WITH ROLLUP: also each shorter list of the keys from the left; WITH CUBE: each choice of keys.
+enum class GroupingSets : std::uint8_t { One, Rollup, Cube };
+
 struct SelectCore {
     bool distinct = false;
     std::optional<Top> top;
@@ -208,6 +211,7 @@ struct SelectCore {
     std::vector<TableSourcePtr> from;
     ExprPtr where;
     std::vector<ExprPtr> group_by;
+    GroupingSets grouping = GroupingSets::One;
     ExprPtr having;
 };
 
@@ -243,6 +247,8 @@ struct Query {
     std::vector<CommonTable> with;
     QueryTermPtr body;
     std::vector<OrderItem> order_by;
+    ExprPtr offset; ///< OFFSET … ROWS; may be null
+    ExprPtr fetch;  ///< FETCH NEXT … ROWS ONLY; may be null
     std::int32_t line = 1;
 };
 
@@ -349,6 +355,8 @@ struct RaiserrorStatement {
     ExprPtr state;
     std::vector<ExprPtr> arguments;
     bool set_error = false;
+    bool log = false;     ///< WITH LOG: what a severity above 18 wants
+    bool no_wait = false; ///< WITH NOWAIT: goes to the client at once
 };
 struct ThrowStatement {
     ExprPtr number; ///< null: THROW alone
@@ -388,6 +396,12 @@ struct UseStatement {
     std::string database;
 };
 
+/// OUTPUT items [INTO table (columns)]: over the rows "inserted" and "deleted".
+struct OutputClause {
+    std::vector<SelectItem> items;
+    Name into; ///< empty: to the client
+    std::vector<std::string> columns;
+};
 struct InsertStatement {
     Name table;
     std::vector<std::string> columns;
@@ -396,6 +410,7 @@ struct InsertStatement {
     StatementPtr execute;
     bool default_values = false;
     std::optional<Top> top;
+    std::vector<OutputClause> outputs;
 };
 struct Assignment {
     std::string column;
@@ -411,6 +426,7 @@ struct UpdateStatement {
     std::string cursor; ///< WHERE CURRENT OF
     std::optional<Top> top;
     std::vector<CommonTable> with;
+    std::vector<OutputClause> outputs;
 };
 struct DeleteStatement {
     Name table;
@@ -419,6 +435,7 @@ struct DeleteStatement {
     std::string cursor;
     std::optional<Top> top;
     std::vector<CommonTable> with;
+    std::vector<OutputClause> outputs;
 };
 struct TruncateStatement {
     Name table;
@@ -515,12 +532,12 @@ struct CreateDatabaseStatement {
     std::vector<FileSpec> logs;
     bool attach = false;
 };
-enum class AlterDatabaseAction : std::uint8_t { ModifyName, ModifyFile, AddFile, AddFileGroup, Set };
+enum class AlterDatabaseAction : std::uint8_t { ModifyName, ModifyFile, AddFile, AddFileGroup, Set, Owner };
 struct AlterDatabaseStatement {
     std::string database;
     AlterDatabaseAction action = AlterDatabaseAction::Set;
     std::string name;     ///< MODIFY NAME, MODIFY FILE (NAME = …), ADD FILEGROUP
-    std::string new_name; ///< MODIFY FILE (NEWNAME = …)
+    std::string new_name; ///< MODIFY FILE (NEWNAME = …); the login that becomes the owner
     std::vector<FileSpec> files;
     bool log_file = false;
     std::vector<std::pair<std::string, std::string>> options; ///< upper case; SINGLE_USER has the value ""
@@ -576,6 +593,13 @@ struct FetchStatement {
 struct MaintenanceStatement {
     std::string name;
 };
+/// DBCC CHECKIDENT ('table' [, RESEED [, value] | NORESEED])
+struct CheckIdentityStatement {
+    std::string table;
+    bool reseed = true;
+    bool silent = false; ///< WITH NO_INFOMSGS
+    ExprPtr value;       ///< may be null
+};
 struct KillStatement {
     std::int64_t session = 0;
 };
@@ -597,7 +621,8 @@ struct Statement {
                  CreateTableStatement, AlterTableStatement, DropStatement, CreateIndexStatement,
                  DropIndexStatement, CreateModuleStatement, CreateDatabaseStatement, AlterDatabaseStatement,
                  GrantStatement, CreatePrincipalStatement, CreateTypeStatement, AlterRoleStatement,
-                 CursorDeclareStatement, CursorStatement, FetchStatement, MaintenanceStatement, KillStatement>
+                 CursorDeclareStatement, CursorStatement, FetchStatement, MaintenanceStatement,
+                 CheckIdentityStatement, KillStatement>
         node;
     std::int32_t line = 1;
 };

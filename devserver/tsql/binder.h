@@ -10,6 +10,7 @@
 #include "devserver/tsql/ast.h"
 #include "devserver/tsql/bound.h"
 #include "devserver/tsql/emitter.h"
+#include "devserver/tsql/remote_tables.h"
 #include "devserver/tsql/session_core.h"
 
 namespace devsql {
@@ -42,6 +43,7 @@ struct Scope {
 struct BoundQuery {
     std::string sql;
     std::vector<Column> columns;
+    std::vector<bool> untyped_nulls = {}; ///< which columns are NULL alone, which takes any type in a UNION
 };
 
 /// What a name in FROM may mean besides tables: the WITH of the queries around.
@@ -65,7 +67,8 @@ struct AssignmentItem {
 /// A target that UPDATE, DELETE and INSERT name.
 struct Target {
     TablePtr table;
-    Catalogue* catalogue = nullptr; ///< null for temporary tables
+    Catalogue* catalogue = nullptr;                ///< null for temporary tables
+    std::shared_ptr<RemoteTable> remote = nullptr; ///< of a linked server's table; `table` is then its copy
 };
 
 class Binder {
@@ -115,8 +118,14 @@ class Binder {
     std::string OrderClause(const ast::Query& query, const SelectParts& parts, const Scope& scope,
                             bool distinct);
     std::string OrderOfColumns(const ast::Query& query, const std::vector<Column>& columns);
+    /// OFFSET and FETCH of a whole query; empty without.
+    std::string OffsetClause(const ast::Query& query);
+    std::int64_t RowNumber(const ast::Expr& expr, std::int32_t null_error);
     std::string LimitClause(const ast::SelectCore& core, const std::string& counted);
     std::string EmitSelect(const SelectParts& parts, bool distinct);
+    static BoundPtr WithoutKeys(const BoundPtr& node, const std::vector<BoundPtr>& keys,
+                                const std::vector<bool>& absent);
+    std::string EmitGroups(const SelectParts& parts, bool distinct, const std::vector<bool>& absent);
     std::string BindSource(const ast::TableSource& source, Scope& scope);
     std::string BindJoin(const ast::JoinSource& join, Scope& scope);
     std::string BindDerived(const ast::DerivedSource& derived, Scope& scope);
@@ -131,6 +140,7 @@ class Binder {
                         const std::string& exposed, const ast::Name& written, Scope& scope, std::string& sql);
     const CommonTables::Entry* FindCommon(const std::string& name) const;
     BoundPtr BindColumn(const ast::ColumnExpr& column, const Scope* scope) const;
+    std::shared_ptr<RemoteTable> Remote(const ast::Name& name);
 
     // binder_expressions.cpp
     BoundPtr BindNode(const ast::Expr& expr, const Scope* scope);
@@ -159,6 +169,7 @@ class Binder {
     Emission& emission_;
     int aliases_ = 0;
     int view_depth_ = 0;
+    std::vector<std::shared_ptr<RemoteTable>> remote_tables_; ///< of the statement, each fetched once
     CommonTables common_root_;
     CommonTables* common_ = &common_root_;
     std::string database_; ///< of the view being bound; empty: the frame's
@@ -176,7 +187,8 @@ struct ObjectPlace {
     std::string schema;
     std::string name;
 };
-/// Raises 7202 for a name of four parts.
+/// A name of four parts means this server where the first is its own name. Raises 7202 for an unknown server,
+/// 117 for a linked one.
 ObjectPlace PlaceOf(SessionCore& session, const ast::Name& name);
 
 } // namespace devsql

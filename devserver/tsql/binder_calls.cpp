@@ -195,7 +195,13 @@ BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
     if (call.arguments.size() != 1) {
         RaiseError(174, {ToLower(call.name), "1"});
     }
-    if (name == "CHECKSUM_AGG" || name == "GROUPING" || name == "STRING_AGG") {
+    if (name == "GROUPING") { // The query that has the keys puts its value in.
+        BoundPtr key = BindValue(*call.arguments[0], scope);
+        auto node = std::make_shared<Bound>(*Aggregated("0", Simple(TypeId::TinyInt), depth, false));
+        node->children.push_back(std::move(key));
+        return node;
+    }
+    if (name == "CHECKSUM_AGG" || name == "STRING_AGG") {
         RaiseError(40517, {name});
     }
     in_aggregate_ = true;

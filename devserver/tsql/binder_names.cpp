@@ -34,14 +34,23 @@ bool Names(const ScopeSource& source, const ast::Name& name) {
 } // namespace
 
 ObjectPlace PlaceOf(SessionCore& session, const ast::Name& name) {
-    const std::size_t count = name.parts.size();
-    if (count == 4) {
-        RaiseError(7202, {name.parts[0]});
+    if (session.remote().Means(name)) {
+        session.remote().Find(name.parts[0]);
+        RaiseError(117, {"object", name.text(), "2"});
     }
+    constexpr std::size_t kServerParts = 4;
+    if (name.parts.size() == kServerParts) { // This server, under its own name.
+        return PlaceOf(session, {{name.parts.begin() + 1, name.parts.end()}});
+    }
+    const std::size_t count = name.parts.size();
     ObjectPlace place;
     place.name = name.last();
     place.schema = count > 1 && !name.parts[count - 2].empty() ? name.parts[count - 2] : "dbo";
     place.database = count > 2 && !name.parts[0].empty() ? name.parts[0] : session.CurrentDatabaseName();
+    if (IsGlobalTable(place.name)) {
+        place.database = "tempdb";
+        place.schema = "dbo";
+    }
     return place;
 }
 
@@ -91,7 +100,7 @@ std::string Binder::BindNamed(const ast::NamedSource& named, Scope& scope) {
         }
         return add_table(table);
     }
-    if (last.starts_with("#")) {
+    if (IsSessionTable(last)) {
         const TablePtr table = session_.FindTemporary(last);
         if (!table) {
             RaiseError(208, {named.name.text()});
@@ -110,8 +119,18 @@ std::string Binder::BindNamed(const ast::NamedSource& named, Scope& scope) {
             return (entry->recursive ? entry->sql : "(" + entry->sql + ")") + " AS " + alias;
         }
     }
+    if (session_.remote().Means(named.name)) {
+        const std::shared_ptr<RemoteTable> remote = Remote(named.name);
+        remote->Fill();
+        std::string sql = add_table(remote->table());
+        for (ScopeColumn& column : scope.sources.back().columns) {
+            column.identity = false; // SELECT … INTO takes no identity over from another server.
+        }
+        return sql;
+    }
     ObjectPlace place = PlaceOf(session_, named.name);
-    if (!database_.empty() && (named.name.parts.size() < 3 || named.name.parts[0].empty())) {
+    if (!database_.empty() && !IsGlobalTable(last) &&
+        (named.name.parts.size() < 3 || named.name.parts[0].empty())) {
         place.database = database_;
     }
     Catalogue& catalogue = session_.Database(place.database);
@@ -219,6 +238,16 @@ BoundPtr Binder::BindColumn(const ast::ColumnExpr& column, const Scope* scope) c
     RaiseError(207, {name.last()});
 }
 
+/// The same table twice in a statement is one.
+std::shared_ptr<RemoteTable> Binder::Remote(const ast::Name& name) {
+    for (const std::shared_ptr<RemoteTable>& table : remote_tables_) {
+        if (Folded(table->name().text()) == Folded(name.text())) {
+            return table;
+        }
+    }
+    return remote_tables_.emplace_back(std::make_shared<RemoteTable>(session_, name));
+}
+
 Target Binder::BindTarget(const ast::Name& name) {
     Target target;
     if (name.last().starts_with("@")) {
@@ -228,11 +257,16 @@ Target Binder::BindTarget(const ast::Name& name) {
         }
         return target;
     }
-    if (name.last().starts_with("#")) {
+    if (IsSessionTable(name.last())) {
         target.table = session_.FindTemporary(name.last());
         if (!target.table) {
             RaiseError(208, {name.text()});
         }
+        return target;
+    }
+    if (session_.remote().Means(name)) {
+        target.remote = Remote(name);
+        target.table = target.remote->table();
         return target;
     }
     const ObjectPlace place = PlaceOf(session_, name);

@@ -20,6 +20,8 @@ struct Binder::SelectParts {
     std::vector<Column> columns;
     std::vector<BoundPtr> items; ///< one for each column
     std::vector<std::string> variables;
+    std::vector<bool> untyped_nulls;
+    ast::GroupingSets grouping = ast::GroupingSets::One;
     std::string order;
     std::string limit;
 };
@@ -60,6 +62,11 @@ std::size_t OutputPosition(const ast::Expr& expr, const std::vector<Column>& col
         }
     }
     return 0;
+}
+
+/// GROUPING(key), as BindAggregate leaves it.
+bool IsGrouping(const Bound& node) {
+    return node.kind == BoundKind::Sql && node.aggregate && !node.children.empty();
 }
 
 bool HasAggregate(const Bound& node, int depth) {
@@ -163,7 +170,8 @@ BoundQuery Binder::BindTerm(const ast::QueryTerm& term, const Scope* outer, cons
     }
     BoundQuery bound = BindSetOperation(std::get<ast::SetOperation>(term.node), outer);
     if (whole != nullptr && !whole->order_by.empty()) {
-        bound.sql = "SELECT * FROM (" + bound.sql + ")" + OrderOfColumns(*whole, bound.columns);
+        bound.sql = "SELECT * FROM (" + bound.sql + ")" + OrderOfColumns(*whole, bound.columns) +
+                    OffsetClause(*whole);
     }
     return bound;
 }
@@ -201,14 +209,19 @@ BoundQuery Binder::BindSetOperation(const ast::SetOperation& operation, const Sc
             RaiseError(205);
         }
         for (std::size_t i = 0; i < query.columns.size(); ++i) {
+            const bool untyped = i < query.untyped_nulls.size() && query.untyped_nulls[i];
+            const Type type = untyped ? kUntypedNull : query.columns[i].type;
             if (queries.empty()) {
-                types.push_back(query.columns[i].type);
+                types.push_back(type);
             } else {
-                types[i] = CommonType(types[i], query.columns[i].type);
+                types[i] = CommonType(types[i], type);
                 queries[0].columns[i].nullable = queries[0].columns[i].nullable || query.columns[i].nullable;
             }
         }
         queries.push_back(std::move(query));
+    }
+    for (Type& type : types) {
+        type = Settled(type);
     }
     constexpr std::string_view kWords[] = {" UNION ", " UNION ALL ", " EXCEPT ", " INTERSECT "};
     const std::string word(kWords[static_cast<std::size_t>(operation.op)]);
@@ -240,6 +253,7 @@ BoundQuery Binder::BindSelect(const ast::SelectCore& core, const Scope* outer, c
     BoundQuery bound;
     bound.sql = EmitSelect(parts, core.distinct);
     bound.columns = std::move(parts.columns);
+    bound.untyped_nulls = std::move(parts.untyped_nulls);
     return bound;
 }
 
@@ -263,6 +277,7 @@ void Binder::BindSelectParts(const ast::SelectCore& core, const Scope* outer, co
         }
         parts.keys.push_back(std::move(bound));
     }
+    parts.grouping = core.grouping;
     allow_aggregates_ = true;
     if (core.having) {
         parts.having = BindCondition(*core.having, &parts.scope);
@@ -275,15 +290,26 @@ void Binder::BindSelectParts(const ast::SelectCore& core, const Scope* outer, co
     allow_window_ = false;
     allow_aggregates_ = false;
     CheckGrouping(parts, core);
+    if (whole != nullptr && whole->offset) {
+        if (core.top) {
+            RaiseError(10741);
+        }
+        parts.limit = OffsetClause(*whole);
+    }
     if (core.top) {
         parts.limit = LimitClause(core, core.top->percent ? EmitSelect(parts, core.distinct) : "");
     }
 }
 
-std::string Binder::EmitSelect(const SelectParts& parts, bool distinct) {
+std::string Binder::EmitGroups(const SelectParts& parts, bool distinct, const std::vector<bool>& absent) {
+    const bool whole = std::find(absent.begin(), absent.end(), true) == absent.end() &&
+                       parts.grouping == ast::GroupingSets::One;
+    const auto of_set = [&](const BoundPtr& node) {
+        return whole ? node : WithoutKeys(node, parts.keys, absent);
+    };
     std::string sql = distinct ? "SELECT DISTINCT " : "SELECT ";
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
-        const BoundPtr& item = parts.items[i];
+        const BoundPtr item = of_set(parts.items[i]);
         if (distinct && IsOldLob(item->type.id)) {
             RaiseError(421, {TypeName(item->type.id)});
         }
@@ -296,15 +322,68 @@ std::string Binder::EmitSelect(const SelectParts& parts, bool distinct) {
     if (parts.where) {
         sql += " WHERE " + emission_.EmitCondition(parts.where);
     }
+    std::string keys;
     for (std::size_t i = 0; i < parts.keys.size(); ++i) {
-        sql += (i == 0 ? " GROUP BY " : ", ") + emission_.EmitCollated(parts.keys[i]);
+        if (!absent[i]) {
+            keys += (keys.empty() ? "" : ", ") + emission_.EmitCollated(parts.keys[i]);
+        }
+    }
+    // SQLite wants a GROUP BY before HAVING; all rows are one group without.
+    if (!parts.keys.empty() || parts.having) {
+        sql += " GROUP BY " + (keys.empty() ? "NULL" : keys);
     }
     if (parts.having) {
-        // SQLite wants a GROUP BY before HAVING; all rows are one group without.
-        sql += (parts.keys.empty() ? " GROUP BY NULL HAVING " : " HAVING ") +
-               emission_.EmitCondition(parts.having);
+        sql += " HAVING " + emission_.EmitCondition(of_set(parts.having));
     }
-    return sql + parts.order + parts.limit;
+    return sql;
+}
+
+/// An expression as a grouping set without the keys in `absent` has it: they are NULL there.
+BoundPtr Binder::WithoutKeys(const BoundPtr& node, const std::vector<BoundPtr>& keys,
+                             const std::vector<bool>& absent) {
+    const auto find = [&](const Bound& wanted) {
+        std::size_t key = 0;
+        while (key < keys.size() && !SameExpression(wanted, *keys[key])) {
+            ++key;
+        }
+        return key;
+    };
+    if (IsGrouping(*node)) {
+        return MakeConstant(std::int64_t{absent[find(*node->children[0])]}, node->type);
+    }
+    if (const std::size_t key = find(*node); key < keys.size()) {
+        return absent[key] ? MakeConstant({}, node->type) : node;
+    }
+    auto copy = std::make_shared<Bound>(*node);
+    for (BoundPtr& child : copy->children) {
+        child = WithoutKeys(child, keys, absent);
+    }
+    return copy;
+}
+
+/// One query, or with ROLLUP and CUBE one for each grouping set.
+std::string Binder::EmitSelect(const SelectParts& parts, bool distinct) {
+    const std::size_t keys = parts.keys.size();
+    if (parts.grouping == ast::GroupingSets::One) {
+        return EmitGroups(parts, distinct, std::vector<bool>(keys)) + parts.order + parts.limit;
+    }
+    constexpr std::size_t kMostKeys = 10; // As SQL Server has it.
+    if (keys > kMostKeys) {
+        RaiseError(40517, {"more than 10 keys under ROLLUP or CUBE"});
+    }
+    std::string sql;
+    for (std::size_t set = 0; set < (std::size_t{1} << keys); ++set) {
+        std::vector<bool> absent(keys);
+        bool rolled_up = true; // The absent ones are the last ones.
+        for (std::size_t key = 0; key < keys; ++key) {
+            absent[key] = ((set >> (keys - 1 - key)) & 1) != 0;
+            rolled_up = rolled_up && (key == 0 || !absent[key - 1] || absent[key]);
+        }
+        if (parts.grouping == ast::GroupingSets::Cube || rolled_up) {
+            sql += (sql.empty() ? "" : " UNION ALL ") + EmitGroups(parts, distinct, absent);
+        }
+    }
+    return "SELECT * FROM (" + sql + ")" + parts.order + parts.limit;
 }
 
 void Binder::ExpandStar(const ast::SelectItem& item, const Scope& scope, SelectParts& parts) const {
@@ -342,6 +421,8 @@ void Binder::BindItems(const ast::SelectCore& core, const Scope& scope, SelectPa
         BoundPtr value = BindValue(*item.expr, &scope);
         const Type type = Settled(value->type);
         if (IsUntypedNull(value->type)) {
+            parts.untyped_nulls.resize(parts.columns.size() + 1);
+            parts.untyped_nulls.back() = true;
             value = MakeConstant({}, type);
         }
         // An assigned item has no name, so that ORDER BY never takes it for an output column.
@@ -357,10 +438,14 @@ void Binder::BindItems(const ast::SelectCore& core, const Scope& scope, SelectPa
 
 void Binder::CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth,
                           std::string_view clause, bool grouped) const {
+    const Bound& wanted = IsGrouping(item) ? *item.children[0] : item;
     for (const BoundPtr& key : keys) {
-        if (SameExpression(item, *key)) {
+        if (SameExpression(wanted, *key)) {
             return;
         }
+    }
+    if (IsGrouping(item)) {
+        RaiseError(8161);
     }
     if (item.kind == BoundKind::Sql && !item.aggregate && !item.column.empty() && item.depth == depth) {
         if (clause == "ORDER BY") {
@@ -409,19 +494,24 @@ std::string Binder::OrderClause(const ast::Query& query, const SelectParts& part
             }
         } else {
             BoundPtr value = BindValue(*item.expr, &scope);
-            bool selected = false;
-            for (std::size_t i = 0; i < parts.items.size() && !selected; ++i) {
-                if (SameExpression(*value, *parts.items[i])) {
-                    selected = true;
-                }
+            std::size_t selected = 0;
+            for (std::size_t i = 0; i < parts.items.size() && selected == 0; ++i) {
+                selected = SameExpression(*value, *parts.items[i]) ? i + 1 : 0;
             }
-            if (distinct && !selected) {
+            if (distinct && selected == 0) {
                 RaiseError(145);
             }
             if (!parts.keys.empty()) {
                 CheckGrouped(*value, parts.keys, scope.depth, "ORDER BY", true);
             }
             text = NeedsSql(*value) ? emission_.EmitCollated(value) : "NULL";
+            if (parts.grouping != ast::GroupingSets::One) { // Over all sets, an order can only name columns.
+                if (selected == 0) {
+                    RaiseError(40517, {"ORDER BY of what is not selected with ROLLUP or CUBE"});
+                }
+                text = std::to_string(selected) +
+                       (IsCharacter(value->type.id) ? " COLLATE " + std::string(kCollation) : "");
+            }
         }
         clause += (&item == &query.order_by.front() ? "" : ", ") + text + (item.descending ? " DESC" : "");
     }
@@ -442,6 +532,32 @@ std::string Binder::OrderOfColumns(const ast::Query& query, const std::vector<Co
         clause += item.descending ? " DESC" : "";
     }
     return clause;
+}
+
+std::int64_t Binder::RowNumber(const ast::Expr& expr, std::int32_t null_error) {
+    const BoundPtr bound = BindValue(expr, nullptr);
+    const Value value = Compute(*bound, session_);
+    if (IsNull(value)) {
+        RaiseError(null_error);
+    }
+    return std::get<std::int64_t>(Convert(value, bound->type, Simple(TypeId::BigInt)));
+}
+
+std::string Binder::OffsetClause(const ast::Query& query) {
+    if (!query.offset) {
+        return {};
+    }
+    constexpr std::int32_t kBadOffset = 10742;
+    constexpr std::int32_t kBadFetch = 10744;
+    const std::int64_t offset = RowNumber(*query.offset, kBadOffset);
+    if (offset < 0) {
+        RaiseError(kBadOffset);
+    }
+    const std::int64_t fetch = query.fetch ? RowNumber(*query.fetch, kBadFetch) : -1;
+    if (query.fetch && fetch < 1) {
+        RaiseError(kBadFetch);
+    }
+    return " LIMIT " + std::to_string(fetch) + " OFFSET " + std::to_string(offset);
 }
 
 std::string Binder::LimitClause(const ast::SelectCore& core, const std::string& counted) {

@@ -5,7 +5,7 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<std::string_view, 18> kBatches = {
+constexpr std::array<std::string_view, 17> kBatches = {
     R"(
 USE msdb
 )",
@@ -209,14 +209,8 @@ RETURN 0
 )",
     R"(
 USE master
-)",
-    R"(
-CREATE OR ALTER PROCEDURE dbo.sp_helpserver @server sysname = NULL
-AS
-SET NOCOUNT ON
-SELECT srvname AS name, srvname AS network_name, srvid AS id FROM master.dbo.sysservers
-WHERE @server IS NULL OR srvname = @server
-RETURN 0
+IF OBJECT_ID('dbo.sp_helpserver') IS NOT NULL -- of an older version; it is no T-SQL any more
+    DROP PROCEDURE dbo.sp_helpserver
 )",
     R"(
 CREATE OR ALTER PROCEDURE dbo.sp_helpuser @name_in_db sysname = NULL

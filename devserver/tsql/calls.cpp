@@ -203,6 +203,9 @@ CallResult Interpreter::CallStored(const ObjectDef& object, Catalogue& catalogue
 }
 
 CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> arguments) {
+    if (session_.remote().Means(name)) {
+        return CallRemote(name, arguments);
+    }
     const ObjectPlace place = PlaceOf(session_, name);
     const bool placed = name.parts.size() > 2;
     Catalogue& catalogue = session_.Database(place.database);

@@ -5,6 +5,7 @@
 #include "devserver/storage/databases.h"
 #include "devserver/tsql/binder.h"
 #include "devserver/tsql/parser.h"
+#include "devserver/tsql/procedure_table.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/like.h"
 #include "devserver/tsql/scalar/text.h"
@@ -13,30 +14,8 @@
 namespace devsql {
 namespace {
 
-constexpr Type kName = Sized(TypeId::NVarChar, 128);
 constexpr Type kSmallInt = Simple(TypeId::SmallInt);
 constexpr Type kInt = Simple(TypeId::Int);
-
-/// A result set row by row.
-class Table {
-  public:
-    Table(SessionCore& session, const std::vector<Column>& columns) : session_(session) {
-        session.sink().Columns(columns);
-    }
-    void Row(const std::vector<Value>& values) {
-        session_.sink().Row(values);
-        ++rows_;
-    }
-    void End() { session_.Done(Command::Select, rows_); }
-
-  private:
-    SessionCore& session_;
-    std::int64_t rows_ = 0;
-};
-
-Value OrNull(const std::string& text) {
-    return text.empty() ? Value() : Value(text);
-}
 
 // ------------------------------------------------------------------ databases
 
@@ -67,18 +46,18 @@ std::string StatusText(const DatabaseInfo& info) {
            ", Version=539";
 }
 
-void FileRows(Table& table, const DatabaseInfo& info) {
+void FileRows(ProcedureTable& table, const DatabaseInfo& info) {
     for (const DatabaseFile& file : info.files) {
-        table.Row({file.name, std::int64_t{file.id}, file.client_path, OrNull(file.file_group), file.size,
+        table.Row({file.name, std::int64_t{file.id}, file.client_path, TextOrNull(file.file_group), file.size,
                    file.max_size, file.growth, std::string(file.log ? "log only" : "data only")});
     }
 }
 
 std::vector<Column> FileColumns() {
-    return {{"name", kName, false, false},
+    return {{"name", kSysName, false, false},
             {"fileid", kSmallInt, true, false},
             {"filename", Sized(TypeId::NVarChar, 260), true, false},
-            {"filegroup", kName, true, false},
+            {"filegroup", kSysName, true, false},
             {"size", Sized(TypeId::NVarChar, 18), true, false},
             {"maxsize", Sized(TypeId::NVarChar, 18), true, false},
             {"growth", Sized(TypeId::NVarChar, 18), true, false},
@@ -98,20 +77,20 @@ std::int32_t HelpDb(SystemCall& call) {
     }
     std::sort(list.begin(), list.end(),
               [](const DatabaseInfo& a, const DatabaseInfo& b) { return ToLower(a.name) < ToLower(b.name); });
-    Table table(session, {{"name", kName, true, false},
-                          {"db_size", Sized(TypeId::NVarChar, 13), true, false},
-                          {"owner", kName, true, false},
-                          {"dbid", kSmallInt, true, false},
-                          {"created", Sized(TypeId::NVarChar, 11), true, false},
-                          {"status", Sized(TypeId::NVarChar, 600), true, false},
-                          {"compatibility_level", Simple(TypeId::TinyInt), true, false}});
+    ProcedureTable table(session, {{"name", kSysName, true, false},
+                                   {"db_size", Sized(TypeId::NVarChar, 13), true, false},
+                                   {"owner", kSysName, true, false},
+                                   {"dbid", kSmallInt, true, false},
+                                   {"created", Sized(TypeId::NVarChar, 11), true, false},
+                                   {"status", Sized(TypeId::NVarChar, 600), true, false},
+                                   {"compatibility_level", Simple(TypeId::TinyInt), true, false}});
     for (const DatabaseInfo& info : list) {
         table.Row({info.name, SizeText(info), info.owner, std::int64_t{info.id}, DateText(info.created),
                    StatusText(info), std::int64_t{140}});
     }
     table.End();
     if (!name.empty()) {
-        Table files(session, FileColumns());
+        ProcedureTable files(session, FileColumns());
         FileRows(files, list[0]);
         files.End();
     }
@@ -121,7 +100,7 @@ std::int32_t HelpDb(SystemCall& call) {
 std::int32_t HelpFile(SystemCall& call) {
     SessionCore& session = call.session();
     const DatabaseInfo info = *FindDatabase(session.connection, session.CurrentDatabaseName());
-    Table table(session, FileColumns());
+    ProcedureTable table(session, FileColumns());
     if (call.IsNull("@filename")) {
         FileRows(table, info);
     } else {
@@ -140,14 +119,14 @@ std::int32_t HelpFile(SystemCall& call) {
 
 std::int32_t Who(SystemCall& call) {
     SessionCore& session = call.session();
-    Table table(session, {{"spid", kSmallInt, true, false},
-                          {"ecid", kSmallInt, true, false},
-                          {"status", Sized(TypeId::NChar, 30), true, false},
-                          {"loginame", kName, true, false},
-                          {"hostname", Sized(TypeId::NChar, 128), true, false},
-                          {"blk", Sized(TypeId::Char, 5), true, false},
-                          {"dbname", kName, true, false},
-                          {"cmd", Sized(TypeId::NChar, 16), true, false}});
+    ProcedureTable table(session, {{"spid", kSmallInt, true, false},
+                                   {"ecid", kSmallInt, true, false},
+                                   {"status", Sized(TypeId::NChar, 30), true, false},
+                                   {"loginame", kSysName, true, false},
+                                   {"hostname", Sized(TypeId::NChar, 128), true, false},
+                                   {"blk", Sized(TypeId::Char, 5), true, false},
+                                   {"dbname", kSysName, true, false},
+                                   {"cmd", Sized(TypeId::NChar, 16), true, false}});
     for (const Server::SessionInfo& info : session.server.Sessions()) {
         const bool own = info.id == session.id;
         table.Row({std::int64_t{info.id}, std::int64_t{0}, std::string(own ? "runnable" : "sleeping"),
@@ -222,26 +201,26 @@ std::int32_t Help(SystemCall& call) {
 
 std::int32_t DatatypeInfo(SystemCall& call) {
     const std::int64_t wanted = call.Int("@data_type");
-    Table table(call.session(), {{"TYPE_NAME", kName, false, false},
-                                 {"DATA_TYPE", kSmallInt, false, false},
-                                 {"PRECISION", kInt, true, false},
-                                 {"LITERAL_PREFIX", Sized(TypeId::VarChar, 32), true, false},
-                                 {"LITERAL_SUFFIX", Sized(TypeId::VarChar, 32), true, false},
-                                 {"CREATE_PARAMS", Sized(TypeId::VarChar, 32), true, false},
-                                 {"NULLABLE", kSmallInt, false, false},
-                                 {"CASE_SENSITIVE", kSmallInt, false, false},
-                                 {"SEARCHABLE", kSmallInt, false, false},
-                                 {"UNSIGNED_ATTRIBUTE", kSmallInt, true, false},
-                                 {"MONEY", kSmallInt, false, false},
-                                 {"AUTO_INCREMENT", kSmallInt, true, false},
-                                 {"LOCAL_TYPE_NAME", kName, true, false},
-                                 {"MINIMUM_SCALE", kSmallInt, true, false},
-                                 {"MAXIMUM_SCALE", kSmallInt, true, false},
-                                 {"SQL_DATA_TYPE", kSmallInt, false, false},
-                                 {"SQL_DATETIME_SUB", kSmallInt, true, false},
-                                 {"NUM_PREC_RADIX", kInt, true, false},
-                                 {"INTERVAL_PRECISION", kSmallInt, true, false},
-                                 {"USERTYPE", kSmallInt, true, false}});
+    ProcedureTable table(call.session(), {{"TYPE_NAME", kSysName, false, false},
+                                          {"DATA_TYPE", kSmallInt, false, false},
+                                          {"PRECISION", kInt, true, false},
+                                          {"LITERAL_PREFIX", Sized(TypeId::VarChar, 32), true, false},
+                                          {"LITERAL_SUFFIX", Sized(TypeId::VarChar, 32), true, false},
+                                          {"CREATE_PARAMS", Sized(TypeId::VarChar, 32), true, false},
+                                          {"NULLABLE", kSmallInt, false, false},
+                                          {"CASE_SENSITIVE", kSmallInt, false, false},
+                                          {"SEARCHABLE", kSmallInt, false, false},
+                                          {"UNSIGNED_ATTRIBUTE", kSmallInt, true, false},
+                                          {"MONEY", kSmallInt, false, false},
+                                          {"AUTO_INCREMENT", kSmallInt, true, false},
+                                          {"LOCAL_TYPE_NAME", kSysName, true, false},
+                                          {"MINIMUM_SCALE", kSmallInt, true, false},
+                                          {"MAXIMUM_SCALE", kSmallInt, true, false},
+                                          {"SQL_DATA_TYPE", kSmallInt, false, false},
+                                          {"SQL_DATETIME_SUB", kSmallInt, true, false},
+                                          {"NUM_PREC_RADIX", kInt, true, false},
+                                          {"INTERVAL_PRECISION", kSmallInt, true, false},
+                                          {"USERTYPE", kSmallInt, true, false}});
     std::vector<const SystemType*> types;
     for (const SystemType& type : SystemTypes()) {
         if (wanted == 0 || type.odbc_type == wanted) {
@@ -262,9 +241,9 @@ std::int32_t DatatypeInfo(SystemCall& call) {
         table.Row({std::string(type->name),
                    std::int64_t{type->odbc_type},
                    digits,
-                   OrNull(std::string(type->literal_prefix)),
-                   OrNull(std::string(type->literal_suffix)),
-                   OrNull(std::string(type->create_parameters)),
+                   TextOrNull(std::string(type->literal_prefix)),
+                   TextOrNull(std::string(type->literal_suffix)),
+                   TextOrNull(std::string(type->create_parameters)),
                    std::int64_t{type->id != TypeId::Timestamp},
                    std::int64_t{0},
                    std::int64_t{IsOldLob(type->id)             ? (text ? 1 : 0)
@@ -279,7 +258,7 @@ std::int32_t DatatypeInfo(SystemCall& call) {
                    : IsInteger(type->id) ? Value(std::int64_t{0})
                                          : Value(),
                    std::int64_t{IsDateTime(type->id) ? 9 : type->odbc_type},
-                   IsDateTime(type->id) ? Value(std::int64_t{3}) : Value(),
+                   IsDateTime(type->id) ? Value(std::int64_t{type->id == TypeId::Date ? 1 : 3}) : Value(),
                    number ? Value(std::int64_t{IsApproximate(type->id) ? 2 : 10}) : Value(),
                    Value(),
                    std::int64_t{type->user_type}});
@@ -341,6 +320,7 @@ TypeFacts FactsOf(const Type& type, bool nullable, bool identity) {
     facts.precision =
         type.length == kMaxLength ? (IsUnicode(type.id) ? 1073741823 : 2147483647) : TypePrecision(type);
     facts.length = IsDecimal(type.id) || IsMoney(type.id)           ? facts.precision + 2
+                   : type.id == TypeId::Date                        ? 6
                    : IsDateTime(type.id)                            ? 16
                    : IsOldLob(type.id) || type.length == kMaxLength ? 2147483647
                                                                     : StorageBytes(type);
@@ -353,7 +333,7 @@ TypeFacts FactsOf(const Type& type, bool nullable, bool identity) {
                       : Value();
     facts.octets = IsCharacter(type.id) || IsBinary(type.id) ? Value(facts.length) : Value();
     facts.sql_data_type = IsDateTime(type.id) ? 9 : facts.data_type;
-    facts.datetime_sub = IsDateTime(type.id) ? Value(std::int64_t{3}) : Value();
+    facts.datetime_sub = IsDateTime(type.id) ? Value(std::int64_t{type.id == TypeId::Date ? 1 : 3}) : Value();
     // The nullable form of the type, as the data stream calls it.
     struct NullableForm {
         TypeId id;
@@ -398,25 +378,25 @@ std::vector<ListedObject> Matching(SystemCall& call, std::string_view types, con
 
 std::int32_t Columns(SystemCall& call) {
     SessionCore& session = call.session();
-    Table table(session, {{"TABLE_QUALIFIER", kName, true, false},
-                          {"TABLE_OWNER", kName, true, false},
-                          {"TABLE_NAME", kName, false, false},
-                          {"COLUMN_NAME", kName, false, false},
-                          {"DATA_TYPE", kSmallInt, false, false},
-                          {"TYPE_NAME", kName, false, false},
-                          {"PRECISION", kInt, true, false},
-                          {"LENGTH", kInt, true, false},
-                          {"SCALE", kSmallInt, true, false},
-                          {"RADIX", kSmallInt, true, false},
-                          {"NULLABLE", kSmallInt, false, false},
-                          {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
-                          {"COLUMN_DEF", Sized(TypeId::NVarChar, 4000), true, false},
-                          {"SQL_DATA_TYPE", kSmallInt, false, false},
-                          {"SQL_DATETIME_SUB", kSmallInt, true, false},
-                          {"CHAR_OCTET_LENGTH", kInt, true, false},
-                          {"ORDINAL_POSITION", kInt, false, false},
-                          {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
-                          {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
+    ProcedureTable table(session, {{"TABLE_QUALIFIER", kSysName, true, false},
+                                   {"TABLE_OWNER", kSysName, true, false},
+                                   {"TABLE_NAME", kSysName, false, false},
+                                   {"COLUMN_NAME", kSysName, false, false},
+                                   {"DATA_TYPE", kSmallInt, false, false},
+                                   {"TYPE_NAME", kSysName, false, false},
+                                   {"PRECISION", kInt, true, false},
+                                   {"LENGTH", kInt, true, false},
+                                   {"SCALE", kSmallInt, true, false},
+                                   {"RADIX", kSmallInt, true, false},
+                                   {"NULLABLE", kSmallInt, false, false},
+                                   {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
+                                   {"COLUMN_DEF", Sized(TypeId::NVarChar, 4000), true, false},
+                                   {"SQL_DATA_TYPE", kSmallInt, false, false},
+                                   {"SQL_DATETIME_SUB", kSmallInt, true, false},
+                                   {"CHAR_OCTET_LENGTH", kInt, true, false},
+                                   {"ORDINAL_POSITION", kInt, false, false},
+                                   {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
+                                   {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
     for (const ListedObject& object :
          Matching(call, "'U', 'V'", Pattern(call, "@table_name"), Pattern(call, "@table_owner"))) {
         SqliteStatement row =
@@ -436,7 +416,7 @@ std::int32_t Columns(SystemCall& call) {
             const TypeFacts facts = FactsOf(type, nullable, row.Int(6) != 0);
             table.Row({session.CurrentDatabaseName(), object.schema, object.name, row.Text(0),
                        facts.data_type, facts.name, facts.precision, facts.length, facts.scale, facts.radix,
-                       std::int64_t{nullable}, Value(), OrNull(row.Text(7)), facts.sql_data_type,
+                       std::int64_t{nullable}, Value(), TextOrNull(row.Text(7)), facts.sql_data_type,
                        facts.datetime_sub, facts.octets, ordinal, std::string(nullable ? "YES" : "NO"),
                        facts.ss_type});
         }
@@ -447,14 +427,14 @@ std::int32_t Columns(SystemCall& call) {
 
 std::int32_t StoredProcedures(SystemCall& call) {
     SessionCore& session = call.session();
-    Table table(session, {{"PROCEDURE_QUALIFIER", kName, true, false},
-                          {"PROCEDURE_OWNER", kName, true, false},
-                          {"PROCEDURE_NAME", Sized(TypeId::NVarChar, 134), false, false},
-                          {"NUM_INPUT_PARAMS", kInt, false, false},
-                          {"NUM_OUTPUT_PARAMS", kInt, false, false},
-                          {"NUM_RESULT_SETS", kInt, false, false},
-                          {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
-                          {"PROCEDURE_TYPE", kSmallInt, false, false}});
+    ProcedureTable table(session, {{"PROCEDURE_QUALIFIER", kSysName, true, false},
+                                   {"PROCEDURE_OWNER", kSysName, true, false},
+                                   {"PROCEDURE_NAME", Sized(TypeId::NVarChar, 134), false, false},
+                                   {"NUM_INPUT_PARAMS", kInt, false, false},
+                                   {"NUM_OUTPUT_PARAMS", kInt, false, false},
+                                   {"NUM_RESULT_SETS", kInt, false, false},
+                                   {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
+                                   {"PROCEDURE_TYPE", kSmallInt, false, false}});
     for (const ListedObject& object :
          Matching(call, "'P'", Pattern(call, "@sp_name"), Pattern(call, "@sp_owner"))) {
         table.Row({session.CurrentDatabaseName(), object.schema, object.name + ";1", std::int64_t{-1},
@@ -466,26 +446,26 @@ std::int32_t StoredProcedures(SystemCall& call) {
 
 std::int32_t ProcedureColumns(SystemCall& call) {
     SessionCore& session = call.session();
-    Table table(session, {{"PROCEDURE_QUALIFIER", kName, true, false},
-                          {"PROCEDURE_OWNER", kName, true, false},
-                          {"PROCEDURE_NAME", Sized(TypeId::NVarChar, 134), false, false},
-                          {"COLUMN_NAME", kName, false, false},
-                          {"COLUMN_TYPE", kSmallInt, false, false},
-                          {"DATA_TYPE", kSmallInt, false, false},
-                          {"TYPE_NAME", kName, false, false},
-                          {"PRECISION", kInt, true, false},
-                          {"LENGTH", kInt, true, false},
-                          {"SCALE", kSmallInt, true, false},
-                          {"RADIX", kSmallInt, true, false},
-                          {"NULLABLE", kSmallInt, false, false},
-                          {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
-                          {"COLUMN_DEF", Sized(TypeId::NVarChar, 4000), true, false},
-                          {"SQL_DATA_TYPE", kSmallInt, false, false},
-                          {"SQL_DATETIME_SUB", kSmallInt, true, false},
-                          {"CHAR_OCTET_LENGTH", kInt, true, false},
-                          {"ORDINAL_POSITION", kInt, false, false},
-                          {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
-                          {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
+    ProcedureTable table(session, {{"PROCEDURE_QUALIFIER", kSysName, true, false},
+                                   {"PROCEDURE_OWNER", kSysName, true, false},
+                                   {"PROCEDURE_NAME", Sized(TypeId::NVarChar, 134), false, false},
+                                   {"COLUMN_NAME", kSysName, false, false},
+                                   {"COLUMN_TYPE", kSmallInt, false, false},
+                                   {"DATA_TYPE", kSmallInt, false, false},
+                                   {"TYPE_NAME", kSysName, false, false},
+                                   {"PRECISION", kInt, true, false},
+                                   {"LENGTH", kInt, true, false},
+                                   {"SCALE", kSmallInt, true, false},
+                                   {"RADIX", kSmallInt, true, false},
+                                   {"NULLABLE", kSmallInt, false, false},
+                                   {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
+                                   {"COLUMN_DEF", Sized(TypeId::NVarChar, 4000), true, false},
+                                   {"SQL_DATA_TYPE", kSmallInt, false, false},
+                                   {"SQL_DATETIME_SUB", kSmallInt, true, false},
+                                   {"CHAR_OCTET_LENGTH", kInt, true, false},
+                                   {"ORDINAL_POSITION", kInt, false, false},
+                                   {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
+                                   {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
     const auto row = [&](const ListedObject& object, const std::string& name, std::int64_t kind,
                          const Type& type, bool nullable, std::int64_t ordinal) {
         const TypeFacts facts = FactsOf(type, true, false);
@@ -531,17 +511,13 @@ std::int32_t ProcedureColumns(SystemCall& call) {
     return 0;
 }
 
-std::int32_t PrimaryKeys(SystemCall& call) {
-    call.Run(
-        "SELECT CONVERT(sysname, DB_NAME()) AS TABLE_QUALIFIER, k.TABLE_SCHEMA AS TABLE_OWNER, k.TABLE_NAME, "
-        "k.COLUMN_NAME, CONVERT(smallint, k.ORDINAL_POSITION) AS KEY_SEQ, k.CONSTRAINT_NAME AS PK_NAME "
-        "FROM INFORMATION_SCHEMA.KEY_COLUMN_USAGE k JOIN INFORMATION_SCHEMA.TABLE_CONSTRAINTS c ON "
-        "c.CONSTRAINT_NAME = k.CONSTRAINT_NAME AND c.CONSTRAINT_TYPE = 'PRIMARY KEY' WHERE k.TABLE_NAME = "
-        "@p1 "
-        "ORDER BY TABLE_OWNER, TABLE_NAME, KEY_SEQ",
-        {call.Text("@table_name")});
-    return 0;
-}
+constexpr std::string_view kColumnsParameters =
+    "@table_name nvarchar(384), @table_owner nvarchar(384) = NULL, @table_qualifier sysname = NULL, "
+    "@column_name nvarchar(384) = NULL, @ODBCVer int = 2, @fUsePattern bit = 1";
+constexpr std::string_view kProcedureColumnsParameters =
+    "@procedure_name nvarchar(390) = '%', @procedure_owner nvarchar(384) = NULL, @procedure_qualifier "
+    "sysname = NULL, @column_name nvarchar(384) = NULL, @ODBCVer int = 2, @fUsePattern bit = 1";
+constexpr std::string_view kTypeParameters = "@data_type int = 0, @ODBCVer tinyint = 2";
 
 constexpr SystemProcedure kProcedures[] = {
     {"sp_helpdb", "@dbname sysname = NULL", HelpDb},
@@ -549,26 +525,23 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_who", "@loginame sysname = NULL", Who},
     {"sp_who2", "@loginame sysname = NULL", Who},
     {"sp_help", "@objname nvarchar(776) = NULL", Help},
-    {"sp_datatype_info", "@data_type int = 0, @ODBCVer tinyint = 2", DatatypeInfo},
+    {"sp_datatype_info", kTypeParameters, DatatypeInfo},
+    {"sp_datatype_info_90", kTypeParameters, DatatypeInfo},
+    {"sp_datatype_info_100", kTypeParameters, DatatypeInfo},
     {"sp_tables",
      "@table_name nvarchar(384) = NULL, @table_owner nvarchar(384) = NULL, @table_qualifier sysname = NULL, "
      "@table_type varchar(100) = NULL, @fUsePattern bit = 1",
      Tables},
-    {"sp_columns",
-     "@table_name nvarchar(384), @table_owner nvarchar(384) = NULL, @table_qualifier sysname = NULL, "
-     "@column_name nvarchar(384) = NULL, @ODBCVer int = 2, @fUsePattern bit = 1",
-     Columns},
+    {"sp_columns", kColumnsParameters, Columns},
+    {"sp_columns_90", kColumnsParameters, Columns},
+    {"sp_columns_100", kColumnsParameters, Columns},
     {"sp_stored_procedures",
      "@sp_name nvarchar(390) = NULL, @sp_owner nvarchar(384) = NULL, @sp_qualifier sysname = NULL, "
      "@fUsePattern bit = 1",
      StoredProcedures},
-    {"sp_sproc_columns",
-     "@procedure_name nvarchar(390) = '%', @procedure_owner nvarchar(384) = NULL, @procedure_qualifier "
-     "sysname = NULL, "
-     "@column_name nvarchar(384) = NULL, @ODBCVer int = 2, @fUsePattern bit = 1",
-     ProcedureColumns},
-    {"sp_pkeys", "@table_name sysname, @table_owner sysname = NULL, @table_qualifier sysname = NULL",
-     PrimaryKeys},
+    {"sp_sproc_columns", kProcedureColumnsParameters, ProcedureColumns},
+    {"sp_sproc_columns_90", kProcedureColumnsParameters, ProcedureColumns},
+    {"sp_sproc_columns_100", kProcedureColumnsParameters, ProcedureColumns},
 };
 
 } // namespace

@@ -8,5 +8,9 @@
 namespace devsql {
 
 std::span<const SystemProcedure> CatalogueProcedures();
+/// Those on keys and indexes.
+std::span<const SystemProcedure> KeyProcedures();
+/// Extended properties.
+std::span<const SystemProcedure> PropertyProcedures();
 
 } // namespace devsql

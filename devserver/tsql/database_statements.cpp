@@ -200,6 +200,13 @@ class Exclusive {
     std::string name_;
 };
 
+/// What is published can't go. Raises 3724.
+void RequireUnpublished(const DatabaseInfo& info, std::string_view verb) {
+    if (info.Option("PUBLISHED") || info.Option("DISTRIBUTOR")) {
+        RaiseError(3724, {verb, "database", info.name});
+    }
+}
+
 } // namespace
 
 void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement& create) {
@@ -254,6 +261,7 @@ void DropDatabase(SessionCore& session, const std::string& name, bool if_exists)
     if (IsSystemDatabase(name)) {
         RaiseError(3708, {"drop", "database", name, "database"});
     }
+    RequireUnpublished(*info, "drop");
     const Exclusive exclusive(session, info->name, 3702, "");
     RemoveDatabase(session.connection, info->id);
     RemoveFiles(info->files);
@@ -265,6 +273,7 @@ void DetachDatabase(SessionCore& session, const std::string& name) {
     if (IsSystemDatabase(name)) {
         RaiseError(3708, {"detach", "database", name, "database"});
     }
+    RequireUnpublished(info, "detach");
     const Exclusive exclusive(session, info.name, 3703, "database");
     {
         // The last one to close a file brings its write-ahead log back into it.
@@ -396,7 +405,7 @@ void AddFiles(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseS
 }
 
 /// Options that are kept and shown; those of access have their effect too.
-constexpr std::array<std::string_view, 24> kOptions = {"RECOVERY",
+constexpr std::array<std::string_view, 31> kOptions = {"RECOVERY",
                                                        "AUTO_SHRINK",
                                                        "AUTO_CLOSE",
                                                        "AUTO_CREATE_STATISTICS",
@@ -419,7 +428,39 @@ constexpr std::array<std::string_view, 24> kOptions = {"RECOVERY",
                                                        "COMPATIBILITY_LEVEL",
                                                        "ALLOW_SNAPSHOT_ISOLATION",
                                                        "READ_COMMITTED_SNAPSHOT",
-                                                       "PARAMETERIZATION"};
+                                                       "PARAMETERIZATION",
+                                                       "AUTO_UPDATE_STATISTICS_ASYNC",
+                                                       "DATE_CORRELATION_OPTIMIZATION",
+                                                       "HONOR_BROKER_PRIORITY",
+                                                       "DISABLE_BROKER",
+                                                       "TARGET_RECOVERY_TIME",
+                                                       "DELAYED_DURABILITY",
+                                                       "MIXED_PAGE_ALLOCATION"};
+
+/// An offline database is in nobody's hands, and its files may be copied.
+void SetOffline(SessionCore& session, DatabaseInfo info, bool offline, bool rollback_immediate) {
+    if (offline && (IsSystemDatabase(info.name) || Same(info.name, session.SessionDatabase()))) {
+        RaiseError(IsSystemDatabase(info.name) ? 5058 : 5070, {offline ? "OFFLINE" : "ONLINE", info.name});
+    }
+    const std::string folded = Folded(info.name);
+    session.ReleaseDatabase(info.name);
+    if (offline && rollback_immediate) {
+        session.server.ThrowOut(folded, session);
+    } else if (offline && !session.server.CloseTo(folded, session)) {
+        RaiseError(5070, {info.name});
+    }
+    info.options["OFFLINE"] = offline ? "ON" : "OFF";
+    UpdateDatabase(session.connection, info);
+    session.server.Reopen(folded);
+}
+
+void ChangeOwner(SessionCore& session, DatabaseInfo info, const std::string& login) {
+    if (!FindLogin(session.connection, login)) {
+        RaiseError(15151, {"find", "principal", login});
+    }
+    info.owner = login;
+    UpdateDatabase(session.connection, info);
+}
 
 } // namespace
 
@@ -442,9 +483,12 @@ void SetDatabaseOption(SessionCore& session, const std::string& database, const 
         session.server.Reopen(folded);
         return;
     }
-    if (option == "OFFLINE" || option == "ONLINE" || option == "READ_ONLY" || option == "READ_WRITE" ||
-        option == "EMERGENCY") {
-        RaiseError(40517, {option});
+    if (option == "OFFLINE" || option == "ONLINE") {
+        SetOffline(session, std::move(info), option == "OFFLINE", rollback_immediate);
+        return;
+    }
+    if (option == "READ_WRITE" || (option == "FILESTREAM" && value == "OFF")) {
+        return; // That is how every database is.
     }
     if (option == "COLLATE" || std::find(kOptions.begin(), kOptions.end(), option) != kOptions.end()) {
         info.options[option] = value;
@@ -475,6 +519,9 @@ void RunAlterDatabase(SessionCore& session, const ast::AlterDatabaseStatement& a
         UpdateDatabase(session.connection, info);
         break;
     }
+    case ast::AlterDatabaseAction::Owner:
+        ChangeOwner(session, RequireDatabase(session, name, 5011), alter.new_name);
+        break;
     case ast::AlterDatabaseAction::Set:
         for (const auto& [option, value] : alter.options) {
             SetDatabaseOption(session, name, option, value, alter.rollback_immediate);

@@ -57,7 +57,7 @@ std::vector<ColumnDef> ViewColumns(const std::vector<Column>& columns) {
 }
 
 void DropTable(SessionCore& session, const ast::Name& name, bool if_exists) {
-    if (name.last().starts_with("#")) {
+    if (IsSessionTable(name.last())) {
         const TablePtr table = session.FindTemporary(name.last());
         if (!table) {
             if (if_exists) {
@@ -87,7 +87,7 @@ void DropTable(SessionCore& session, const ast::Name& name, bool if_exists) {
 }
 
 void DropObject(SessionCore& session, const KindInfo& info, const ast::Name& name, bool if_exists) {
-    if (name.last().starts_with("#") && info.kind == ast::ObjectKind::Table) {
+    if (IsSessionTable(name.last()) && info.kind == ast::ObjectKind::Table) {
         DropTable(session, name, if_exists);
         return;
     }

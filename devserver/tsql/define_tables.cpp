@@ -325,12 +325,9 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
 
 void RunCreateTable(SessionCore& session, const ast::CreateTableStatement& create) {
     const std::string& name = create.table.last();
-    if (name.starts_with("#")) {
+    if (IsSessionTable(name)) {
         if (session.FindTemporary(name)) {
             RaiseError(2714, {name}, 6);
-        }
-        if (name.starts_with("##")) {
-            RaiseError(40517, {"global temporary table"});
         }
         session.Write("temp", [&] {
             TableBuilder builder(session, nullptr, NewTemporary(session, name));
@@ -357,6 +354,9 @@ void RunCreateTable(SessionCore& session, const ast::CreateTableStatement& creat
             RequireFreeNames(catalogue, builder);
             StoreTable(catalogue, builder, builder.table());
         });
+        if (IsGlobalTable(name)) {
+            session.OwnGlobalTable(name);
+        }
     }
     session.Done(Command::None, std::nullopt);
 }
@@ -392,7 +392,7 @@ void RequireFreeNames(Catalogue& catalogue, TableBuilder& builder) {
 }
 
 void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vector<Column>& columns) {
-    const bool temporary = name.last().starts_with("#");
+    const bool temporary = IsSessionTable(name.last());
     const ObjectPlace place = PlaceOf(session, name);
     Catalogue* catalogue = temporary ? nullptr : &session.Database(place.database);
     TableDef table = temporary ? NewTemporary(session, name.last()) : TableDef{};
@@ -431,6 +431,9 @@ void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vect
             catalogue->AddTable(table);
         }
     });
+    if (IsGlobalTable(table.name)) {
+        session.OwnGlobalTable(table.name);
+    }
 }
 
 void DeclareTable(SessionCore& session, const std::string& name, const ast::TableDefinition& definition) {

@@ -30,7 +30,7 @@ bool ChangesNothing(const Bound& convert) {
         return from.precision <= to.precision;
     }
     return from.id == to.id || (from.id == TypeId::Real && to.id == TypeId::Float) ||
-           (from.id == TypeId::SmallDateTime && to.id == TypeId::DateTime) ||
+           ((from.id == TypeId::SmallDateTime || from.id == TypeId::Date) && to.id == TypeId::DateTime) ||
            (from.id == TypeId::SmallMoney && to.id == TypeId::Money);
 }
 

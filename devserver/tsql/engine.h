@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -64,6 +65,9 @@ class ResultSink {
     virtual void OutputParameter(const std::string& name, const Type& type, const Value& value) = 0;
     /// The return status of a procedure.
     virtual void ReturnStatus(std::int32_t status) = 0;
+    /// What was given so far is to reach the client now (RAISERROR … WITH NOWAIT). For a sink that holds
+    /// nothing back there is nothing to do.
+    virtual void Flush() {}
 };
 
 /// One parameter of a procedure call.
@@ -112,12 +116,17 @@ struct LoginRequest {
     std::string application;
 };
 
+class RemoteConnection;
+struct RemoteSource;
+
 struct EngineOptions {
     std::filesystem::path root;                ///< holds the system databases; made if absent
     std::map<std::string, std::string> logins; ///< name, password; names compare without case
     /// Upper-case drive letter ("D") to the folder that stands for its root.
     std::map<std::string, std::filesystem::path> drives;
     std::string server_name = "DEVSQLSERVER"; ///< @@SERVERNAME
+    /// Connects to linked servers (linked/remote.h); none: they can't be reached.
+    std::function<std::unique_ptr<RemoteConnection>(const RemoteSource&)> connect_remote{};
 };
 
 class Engine {

@@ -1,12 +1,16 @@
 #include "devserver/tsql/errors.h"
 
+#include <algorithm>
 #include <array>
+#include <span>
 #include <string>
+
+#include "devserver/tsql/linked_messages.h"
 
 namespace devsql {
 namespace {
 
-constexpr std::array<MessageTemplate, 23> kOwnMessages = {{
+constexpr std::array<MessageTemplate, 35> kOwnMessages = {{
     {321, 15,
      "\"%1\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
      "function or to the CHANGETABLE function, ensure that your database compatibility mode is set to 90."},
@@ -24,22 +28,48 @@ constexpr std::array<MessageTemplate, 23> kOwnMessages = {{
     {1105, 17,
      "Could not allocate space for object '%1' in database '%2' because the '%3' filegroup is full."},
     {2010, 16, "Cannot perform alter on '%1' because it is an incompatible object type."},
+    {7997, 16, "'%1' does not contain an identity column."},
+    {7998, 10, "Checking identity information: current identity value '%1', current column value '%2'."},
+    {8161, 15,
+     "Argument 1 of the GROUPING function does not match any of the expressions in the GROUP BY clause."},
+    {15135, 16,
+     "Object is invalid. Extended properties are not permitted on '%1', or the object does not exist."},
+    {15217, 16, "Property cannot be updated or deleted. Property '%1' does not exist for '%2'."},
+    {15233, 16, "Property cannot be added. Property '%1' already exists for '%2'."},
+    {15252, 16, "The primary or foreign key table name must be given."},
     {10704, 15, "To rethrow an error, a THROW statement must be used inside a CATCH block."},
     {10734, 15,
      "Variable assignment is not allowed in a statement containing a top level UNION, INTERSECT or EXCEPT "
      "operator."},
+    {10705, 16, "Subqueries are not allowed in the OUTPUT clause."},
+    {10741, 15, "A TOP can not be used in the same query or sub-query as a OFFSET."},
+    {10742, 15, "The offset specified in a OFFSET clause may not be negative."},
+    {10744, 15, "The number of rows provided for a FETCH clause must be greater then zero."},
     {10753, 15, "The function '%1' must have an OVER clause."},
     {14043, 16, "The parameter %1 cannot be NULL."},
     {14261, 16, "The specified %1 ('%2') already exists."},
     {15150, 16, "Cannot drop the %1 '%2'."},
     {15241, 16, "Usage: sp_dboption [dbname [, optname [, 'true' | 'false']]]"},
     {15325, 16, "The current database does not contain a file named '%1'."},
+    {15600, 15, "An invalid parameter or option was specified for procedure '%1'."},
     {15471, 10, "The text for object '%1' is encrypted."},
     {14590, 16,
      "DTS Package '%1' already exists with a different ID in this category or with this version (%2)."},
     {40510, 16, "Statement '%1' is not supported in this version of SQL Server."},
     {40517, 16, "Keyword or statement option '%1' is not supported in this version of SQL Server."},
 }};
+
+/// What the message table doesn't have.
+const MessageTemplate* FindOwn(std::int32_t number) {
+    for (const std::span<const MessageTemplate> list :
+         {std::span<const MessageTemplate>(kOwnMessages), LinkedMessages()}) {
+        const auto found = std::ranges::find(list, number, &MessageTemplate::number);
+        if (found != list.end()) {
+            return &*found;
+        }
+    }
+    return nullptr;
+}
 
 template <class Arguments>
 std::string Filled(std::string_view text, const Arguments& arguments) {
@@ -60,10 +90,8 @@ std::string Filled(std::string_view text, const Arguments& arguments) {
 
 SqlError ErrorOf(std::int32_t number, std::initializer_list<std::string_view> arguments, std::uint8_t state) {
     if (FindMessage(number) == nullptr) {
-        for (const MessageTemplate& message : kOwnMessages) {
-            if (message.number == number) {
-                return SqlError(number, message.severity, state, Filled(message.text, arguments));
-            }
+        if (const MessageTemplate* own = FindOwn(number)) {
+            return SqlError(number, own->severity, state, Filled(own->text, arguments));
         }
     }
     return MakeError(number, arguments, state);
@@ -75,11 +103,7 @@ void RaiseError(std::int32_t number, std::initializer_list<std::string_view> arg
 
 std::optional<std::string> NumberedText(std::int32_t number, const std::vector<std::string>& arguments) {
     const MessageTemplate* found = FindMessage(number);
-    for (const MessageTemplate& message : kOwnMessages) {
-        if (found == nullptr && message.number == number) {
-            found = &message;
-        }
-    }
+    found = found == nullptr ? FindOwn(number) : found;
     return found == nullptr ? std::nullopt : std::optional(Filled(found->text, arguments));
 }
 

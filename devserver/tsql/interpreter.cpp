@@ -429,6 +429,7 @@ Interpreter::Flow Interpreter::ExecuteDefinition(const ast::Statement& statement
                    [&](const ast::CreateTypeStatement& s) { RunCreateType(session_, s); },
                    [&](const ast::AlterRoleStatement& s) { RunAlterRole(session_, s); },
                    [&](const ast::MaintenanceStatement&) { session_.Done(Command::None, std::nullopt); },
+                   [&](const ast::CheckIdentityStatement& s) { RunCheckIdentity(session_, s); },
                    [&](const ast::KillStatement& s) {
                        session_.server.Kill(static_cast<std::int32_t>(s.session), session_);
                        session_.Done(Command::None, std::nullopt);

@@ -97,6 +97,9 @@ class Interpreter {
     void ExecuteCall(const ast::ExecuteStatement& call);
     void ExecuteString(const ast::ExecuteStringStatement& statement);
     RowSet Capture(const ast::Statement& statement);
+    // remote_calls.cpp
+    CallResult CallRemote(const ast::Name& name, const std::vector<ActualArgument>& arguments);
+    // calls.cpp
     std::vector<ActualArgument> Arguments(const ast::ExecuteStatement& call);
     CallResult CallStored(const ObjectDef& object, Catalogue& catalogue, const std::string& database,
                           std::vector<ActualArgument>& arguments);

@@ -226,9 +226,12 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
         }
         text = *known;
     }
-    if (severity > 18) {
-        RaiseError(2754, {"18"});
+    constexpr std::int64_t kHighestUnlogged = 18;
+    constexpr std::int64_t kFirstFatal = 20;
+    if (severity > kHighestUnlogged && !raise.log) {
+        RaiseError(2754, {std::to_string(kHighestUnlogged)});
     }
+    severity = std::min<std::int64_t>(severity, 25);
     severity = std::max<std::int64_t>(0, severity);
     const Message sent = {number,
                           static_cast<std::uint8_t>(severity == 10 ? 0 : severity),
@@ -237,10 +240,19 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
                           session_.frame().procedure,
                           session_.line};
     session_.last_error = severity > 10 || raise.set_error ? number : 0;
+    if (severity >= kFirstFatal) { // The connection ends with it, whatever TRY stands around.
+        session_.Print(sent);
+        session_.ended = true;
+        session_.cancelled = true;
+        AbortBatch();
+    }
     if (severity > 10 && tries_ > 0) {
         throw Failure{sent};
     }
     session_.Print(sent);
+    if (raise.no_wait) {
+        session_.sink().Flush();
+    }
 }
 
 void Interpreter::Throw(const ast::ThrowStatement& statement) {

@@ -212,8 +212,18 @@ class Lexer {
 
     void Money() {
         Advance();
-        while (IsDigit(At()) || At() == '.' || (At() == ',' && IsDigit(At(1)) && IsDigit(At(2)))) {
+        // A comma groups thousands: "$1,000.50". Elsewhere it ends the number, as in "($19.00,17)".
+        const auto groups = [this] {
+            return At() == ',' && IsDigit(At(1)) && IsDigit(At(2)) && IsDigit(At(3)) && !IsDigit(At(4));
+        };
+        while (IsDigit(At()) || groups()) {
             Advance();
+        }
+        if (At() == '.') {
+            Advance();
+            while (IsDigit(At())) {
+                Advance();
+            }
         }
         Add(TokenKind::Money, std::string(source_.substr(begin_, position_ - begin_)));
     }

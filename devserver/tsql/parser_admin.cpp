@@ -11,6 +11,12 @@ using namespace ast;
 StatementPtr Parser::ParseCreateDatabase() {
     CreateDatabaseStatement create;
     create.name = TakeName();
+    if (TakeWord("CONTAINMENT")) {
+        ExpectSymbol("=");
+        if (!TakeWord("NONE")) {
+            Unsupported("CONTAINMENT = " + AsciiUpper(Peek().text));
+        }
+    }
     if (TakeWord("ON")) {
         TakeWord("PRIMARY");
         create.files = ParseFileSpecs();
@@ -26,6 +32,10 @@ StatementPtr Parser::ParseCreateDatabase() {
             SyntaxError();
         }
         create.attach = true;
+    }
+    if (TakeWords({"WITH", "CATALOG_COLLATION"})) {
+        ExpectSymbol("=");
+        Take();
     }
     if (IsWord("WITH") || (IsWord("AS") && IsWord("SNAPSHOT", 1))) {
         Unsupported(Peek().text);
@@ -141,6 +151,22 @@ StatementPtr Parser::ParseAlterDatabase() {
     return Wrap(std::move(alter));
 }
 
+/// ALTER AUTHORIZATION ON DATABASE::name TO login
+StatementPtr Parser::ParseAuthorization() {
+    AlterDatabaseStatement alter;
+    ExpectWord("ON");
+    if (!IsWord("DATABASE") || !IsSymbol("::", 1)) {
+        Unsupported("ALTER AUTHORIZATION ON " + AsciiUpper(Peek().text));
+    }
+    Take();
+    Take();
+    alter.action = AlterDatabaseAction::Owner;
+    alter.database = TakeName();
+    ExpectWord("TO");
+    alter.new_name = TakeName();
+    return Wrap(std::move(alter));
+}
+
 StatementPtr Parser::ParseModifyFile(AlterDatabaseStatement alter) {
     alter.action = AlterDatabaseAction::ModifyFile;
     FileSpec file;
@@ -182,6 +208,14 @@ void Parser::ParseDatabaseOptions(AlterDatabaseStatement& alter) {
     do {
         std::string option = AsciiUpper(Take().text);
         std::string value;
+        if (option == "FILESTREAM" && TakeSymbol("(")) { // FILESTREAM (NON_TRANSACTED_ACCESS = OFF)
+            ExpectWord("NON_TRANSACTED_ACCESS");
+            ExpectSymbol("=");
+            value = AsciiUpper(Take().text);
+            ExpectSymbol(")");
+            alter.options.emplace_back(std::move(option), std::move(value));
+            continue;
+        }
         TakeSymbol("=");
         if (IsWord("ON") || IsWord("OFF")) {
             value = AsciiUpper(Take().text);
@@ -190,8 +224,9 @@ void Parser::ParseDatabaseOptions(AlterDatabaseStatement& alter) {
             }
         } else if (Peek().kind == TokenKind::Integer) {
             value = Take().text;
+            TakeOneOf({"SECONDS", "MINUTES"});
         } else if (option == "RECOVERY" || option == "CURSOR_DEFAULT" || option == "PAGE_VERIFY" ||
-                   option == "PARAMETERIZATION") {
+                   option == "PARAMETERIZATION" || option == "DELAYED_DURABILITY") {
             value = AsciiUpper(Take().text);
         }
         alter.options.emplace_back(std::move(option), std::move(value));
@@ -251,6 +286,9 @@ StatementPtr Parser::ParseGrant(GrantAction action) {
         grant.grantees.push_back(TakeWord("PUBLIC") ? "public" : TakeName());
     } while (TakeSymbol(","));
     grant.grant_option = TakeWords({"WITH", "GRANT", "OPTION"});
+    if (TakeWord("AS")) { // In whose name: rights are kept, not enforced.
+        TakeName();
+    }
     TakeWord("CASCADE");
     return Wrap(std::move(grant));
 }

@@ -113,6 +113,8 @@ StatementPtr Parser::ParseRaiserror() {
             if (option < 0) {
                 SyntaxError();
             }
+            raise.no_wait = raise.no_wait || option == 0;
+            raise.log = raise.log || option == 1;
             raise.set_error = raise.set_error || option == 2;
         } while (TakeSymbol(","));
     }
@@ -208,6 +210,9 @@ StatementPtr Parser::ParseMaintenance() {
     if (IsWord("DBCC")) {
         return ParseDbcc();
     }
+    if (StatementPtr truncation = ParseLogTruncation()) {
+        return truncation;
+    }
     constexpr std::array<std::string_view, 14> kRefused = {
         "BACKUP",     "RESTORE",  "BULK",    "DUMP",  "LOAD",    "READTEXT", "WRITETEXT",
         "UPDATETEXT", "SHUTDOWN", "SETUSER", "MERGE", "DISABLE", "ENABLE",   "REVERT"};
@@ -219,9 +224,51 @@ StatementPtr Parser::ParseMaintenance() {
     return nullptr;
 }
 
+/// DUMP TRANSACTION x WITH NO_LOG, BACKUP LOG x WITH TRUNCATE_ONLY: there is nothing to cut off the log here.
+StatementPtr Parser::ParseLogTruncation() {
+    const bool log = (IsWord("DUMP") || IsWord("BACKUP")) &&
+                     (IsWord("TRAN", 1) || IsWord("TRANSACTION", 1) || IsWord("LOG", 1));
+    if (!log || !IsWord("WITH", 3) || !(IsWord("NO_LOG", 4) || IsWord("TRUNCATE_ONLY", 4))) {
+        return nullptr;
+    }
+    Take();
+    Take();
+    TakeName();
+    Take();
+    Take();
+    return Wrap(MaintenanceStatement{"BACKUP LOG"});
+}
+
+StatementPtr Parser::ParseCheckIdentity() {
+    CheckIdentityStatement check;
+    ExpectSymbol("(");
+    if (Peek().kind == TokenKind::String || Peek().kind == TokenKind::UnicodeString ||
+        Peek().kind == TokenKind::DoubleQuoted) {
+        check.table = Take().text;
+    } else {
+        check.table = TakeObjectName().text();
+    }
+    if (TakeSymbol(",")) {
+        const int action = TakeOneOf({"RESEED", "NORESEED"});
+        if (action < 0) {
+            SyntaxError();
+        }
+        check.reseed = action == 0;
+        if (check.reseed && TakeSymbol(",")) {
+            check.value = ParseValue();
+        }
+    }
+    ExpectSymbol(")");
+    check.silent = TakeWords({"WITH", "NO_INFOMSGS"});
+    return Wrap(std::move(check));
+}
+
 StatementPtr Parser::ParseDbcc() {
     ExpectWord("DBCC");
     const std::string name = AsciiUpper(Take().text);
+    if (name == "CHECKIDENT") {
+        return ParseCheckIdentity();
+    }
     // These tidy or check what this server has no need to tidy and checks by itself.
     constexpr std::array<std::string_view, 8> kAccepted = {
         "CHECKDB",   "CHECKTABLE",  "SHRINKDATABASE", "SHRINKFILE",

@@ -214,6 +214,23 @@ Parser::Parser(std::string_view source, const ParseOptions& options)
     for (const std::string& variable : options.variables) {
         declared_.insert(ToUpper(variable));
     }
+    FindClosings();
+}
+
+void Parser::FindClosings() {
+    closing_.resize(tokens_.size());
+    std::vector<std::size_t> open;
+    for (std::size_t i = 0; i < tokens_.size(); ++i) {
+        if (tokens_[i].kind != TokenKind::Symbol) {
+            continue;
+        }
+        if (tokens_[i].text == "(") {
+            open.push_back(i);
+        } else if (tokens_[i].text == ")" && !open.empty()) {
+            closing_[open.back()] = i;
+            open.pop_back();
+        }
+    }
 }
 
 const Token& Parser::Peek(std::size_t ahead) const {
@@ -537,11 +554,31 @@ ast::ExprPtr ParseExpression(std::string_view text, bool quoted_identifier) {
     return Parser(text, {quoted_identifier, {}}).ParseWholeExpression();
 }
 
+namespace {
+
+/// OBJECT_ID('dbo.Order Details'): in an argument a name may hold blanks without being quoted.
+ast::Name PlainName(std::string_view text) {
+    ast::Name name;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find('.', begin), text.size());
+        const std::string_view part = text.substr(begin, end - begin);
+        if (part.find_first_of("[]\"'") != std::string_view::npos || name.parts.size() == 4) {
+            return {};
+        }
+        name.parts.emplace_back(part);
+        begin = end + 1;
+    }
+    return name.last().empty() ? ast::Name{} : name;
+}
+
+} // namespace
+
 ast::Name ParseName(std::string_view text) {
     try {
-        return Parser(text, {}).ParseWholeName();
+        ast::Name name = Parser(text, {}).ParseWholeName();
+        return name.empty() ? PlainName(text) : name;
     } catch (const SqlError&) {
-        return {};
+        return PlainName(text);
     }
 }
 

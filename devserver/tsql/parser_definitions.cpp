@@ -72,6 +72,9 @@ StatementPtr Parser::ParseAlter() {
     if (TakeWord("DATABASE")) {
         return ParseAlterDatabase();
     }
+    if (TakeWord("AUTHORIZATION")) {
+        return ParseAuthorization();
+    }
     if (TakeWord("PROCEDURE") || TakeWord("PROC")) {
         return ParseModule(ObjectKind::Procedure, true, false);
     }
@@ -497,9 +500,10 @@ CreateModuleStatement Parser::ParseProcedureModule() {
         do {
             const int option = TakeOneOf({"RECOMPILE", "ENCRYPTION"});
             if (option < 0) {
-                Unsupported(Peek().text);
+                ParseExecuteAs();
             }
-            (option == 0 ? module.recompile : module.encrypted) = true;
+            module.recompile = module.recompile || option == 0;
+            module.encrypted = module.encrypted || option == 1;
         } while (TakeSymbol(","));
     }
     if (TakeWords({"FOR", "REPLICATION"})) {
@@ -508,6 +512,17 @@ CreateModuleStatement Parser::ParseProcedureModule() {
     ExpectWord("AS");
     module.body = ParseStatementsUntilEnd();
     return module;
+}
+
+/// WITH EXECUTE AS CALLER, OWNER or SELF: every login may do everything, so that it is all one.
+void Parser::ParseExecuteAs() {
+    if (!(IsWord("EXECUTE") || IsWord("EXEC")) || !IsWord("AS", 1) ||
+        !(IsWord("CALLER", 2) || IsWord("OWNER", 2) || IsWord("SELF", 2))) {
+        Unsupported(Peek().text);
+    }
+    Take();
+    Take();
+    Take();
 }
 
 Parameter Parser::ParseParameter() {

@@ -1,4 +1,6 @@
 // Expressions and conditions, by precedence.
+#include <algorithm>
+
 #include "devserver/tsql/parser_impl.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
@@ -330,22 +332,21 @@ ast::ExprPtr Parser::ParseLiteral() {
 /// A parenthesis may open a query of its own or only the first operand of one: what stands behind its end
 /// tells "((SELECT 1) UNION (SELECT 2))" from "((SELECT 1) + 2)".
 bool Parser::BeginsQuery(std::size_t ahead) const {
-    for (; IsSymbol("(", ahead); ++ahead) {
-        std::size_t end = ahead;
-        int open = 0;
-        do {
-            open += IsSymbol("(", end) ? 1 : IsSymbol(")", end) ? -1 : 0;
-            if (Peek(end).kind == TokenKind::End) {
-                return false;
-            }
-            ++end;
-        } while (open > 0);
-        if (!IsSymbol(")", end) && !IsWord("UNION", end) && !IsWord("EXCEPT", end) &&
-            !IsWord("INTERSECT", end)) {
+    std::size_t first = next_ + ahead;
+    while (closing_[std::min(first, closing_.size() - 1)] != 0) {
+        ++first;
+    }
+    if (!IsWord("SELECT", first - next_) && !IsWord("WITH", first - next_)) {
+        return false;
+    }
+    for (std::size_t open = next_ + ahead; open < first; ++open) {
+        const std::size_t behind = closing_[open] + 1 - next_;
+        if (!IsSymbol(")", behind) && !IsWord("UNION", behind) && !IsWord("EXCEPT", behind) &&
+            !IsWord("INTERSECT", behind)) {
             return false;
         }
     }
-    return IsWord("SELECT", ahead) || IsWord("WITH", ahead);
+    return true;
 }
 
 ast::ExprPtr Parser::ParseParenthesized() {

@@ -52,6 +52,7 @@ class Parser {
     void ExpectSymbol(std::string_view symbol);
     /// The index of the word in `words` that stands here, which is taken; -1 if none does.
     int TakeOneOf(std::initializer_list<std::string_view> words);
+    void FindClosings();
     [[noreturn]] void SyntaxError() const;
     [[noreturn]] void Fail(std::int32_t number, std::initializer_list<std::string_view> arguments = {}) const;
     [[noreturn]] void Unsupported(std::string_view what) const;
@@ -110,6 +111,7 @@ class Parser {
     ast::SelectItem ParseSelectItem();
     void ParseAlias(std::string& alias);
     bool BeginsAlias() const;
+    void ParseGroupBy(ast::SelectCore& core);
     std::optional<ast::Top> ParseTop();
     std::vector<ast::CommonTable> ParseWith();
     std::vector<ast::TableSourcePtr> ParseFrom();
@@ -121,6 +123,8 @@ class Parser {
     void SkipTableHints();
     void SkipQueryOptions();
     std::vector<ast::OrderItem> ParseOrderBy();
+    void ParseOffset(ast::Query& query);
+    void ParseOutputs(std::vector<ast::OutputClause>& outputs);
     ast::InsertStatement ParseInsert();
     void ParseInsertSource(ast::InsertStatement& insert);
     ast::UpdateStatement ParseUpdate();
@@ -159,6 +163,8 @@ class Parser {
     ast::StatementPtr ParseFetch();
     ast::StatementPtr ParseMaintenance();
     ast::StatementPtr ParseDbcc();
+    ast::StatementPtr ParseCheckIdentity();
+    ast::StatementPtr ParseLogTruncation();
 
     // ---- definitions (parser_definitions.cpp)
     ast::StatementPtr ParseCreate();
@@ -194,6 +200,8 @@ class Parser {
     ast::StatementPtr ParseAlterDatabase();
     void ParseDatabaseOptions(ast::AlterDatabaseStatement& alter);
     ast::StatementPtr ParseModifyFile(ast::AlterDatabaseStatement alter);
+    ast::StatementPtr ParseAuthorization();
+    void ParseExecuteAs();
     ast::StatementPtr ParseGrant(ast::GrantAction action);
     ast::StatementPtr ParseCreatePrincipal(ast::ObjectKind kind);
     ast::StatementPtr ParseCreateType();
@@ -201,6 +209,8 @@ class Parser {
 
     std::string_view source_;
     std::vector<Token> tokens_;
+    /// For each "(" where its ")" stands; 0 for other tokens, and for one that is never closed.
+    std::vector<std::size_t> closing_;
     std::size_t next_ = 0;
     bool quoted_identifier_;
     std::set<std::string> declared_; ///< upper case

@@ -37,8 +37,8 @@ QueryPtr Parser::ParseQuery() {
     if (IsWord("ORDER")) {
         query->order_by = ParseOrderBy();
     }
-    if (IsWord("OFFSET")) {
-        Unsupported("OFFSET");
+    if (!query->order_by.empty() && TakeWord("OFFSET")) {
+        ParseOffset(*query);
     }
     if (IsWord("COMPUTE")) {
         Unsupported("COMPUTE");
@@ -129,16 +129,32 @@ SelectCore Parser::ParseSelectCore() {
     }
     if (TakeWords({"GROUP", "BY"})) {
         TakeWord("ALL");
-        core.group_by = ParseExprList();
-        if (IsWord("WITH") && (IsWord("ROLLUP", 1) || IsWord("CUBE", 1))) {
-            Take();
-            Unsupported(AsciiUpper(Peek().text));
-        }
+        ParseGroupBy(core);
     }
     if (TakeWord("HAVING")) {
         core.having = ParseCondition();
     }
     return core;
+}
+
+/// Keys; "keys WITH ROLLUP", "ROLLUP (keys)", and the same with CUBE.
+void Parser::ParseGroupBy(SelectCore& core) {
+    const auto grouping = [](int word) { return word == 0 ? GroupingSets::Rollup : GroupingSets::Cube; };
+    if ((IsWord("ROLLUP") || IsWord("CUBE")) && IsSymbol("(", 1)) {
+        core.grouping = grouping(TakeOneOf({"ROLLUP", "CUBE"}));
+        ExpectSymbol("(");
+        core.group_by = ParseExprList();
+        ExpectSymbol(")");
+        if (IsSymbol(",")) {
+            Unsupported("several grouping sets");
+        }
+        return;
+    }
+    core.group_by = ParseExprList();
+    if (IsWord("WITH") && (IsWord("ROLLUP", 1) || IsWord("CUBE", 1))) {
+        Take();
+        core.grouping = grouping(TakeOneOf({"ROLLUP", "CUBE"}));
+    }
 }
 
 std::optional<Top> Parser::ParseTop() {
@@ -398,6 +414,25 @@ void Parser::SkipQueryOptions() {
     }
 }
 
+/// OFFSET n ROWS [FETCH NEXT m ROWS ONLY]
+void Parser::ParseOffset(Query& query) {
+    const auto rows = [this] {
+        if (TakeOneOf({"ROW", "ROWS"}) < 0) {
+            SyntaxError();
+        }
+    };
+    query.offset = ParseValue();
+    rows();
+    if (TakeWord("FETCH")) {
+        if (TakeOneOf({"FIRST", "NEXT"}) < 0) {
+            SyntaxError();
+        }
+        query.fetch = ParseValue();
+        rows();
+        ExpectWord("ONLY");
+    }
+}
+
 std::vector<OrderItem> Parser::ParseOrderBy() {
     ExpectWord("ORDER");
     ExpectWord("BY");
@@ -433,11 +468,31 @@ InsertStatement Parser::ParseInsert() {
         } while (TakeSymbol(","));
         ExpectSymbol(")");
     }
-    if (IsWord("OUTPUT")) {
-        Unsupported("OUTPUT");
-    }
+    ParseOutputs(insert.outputs);
     ParseInsertSource(insert);
     return insert;
+}
+
+/// OUTPUT … INTO …, and a second OUTPUT that goes to the client.
+void Parser::ParseOutputs(std::vector<OutputClause>& outputs) {
+    while (TakeWord("OUTPUT")) {
+        OutputClause clause;
+        do {
+            clause.items.push_back(ParseSelectItem());
+        } while (TakeSymbol(","));
+        if (TakeWord("INTO")) {
+            if (Peek().kind == TokenKind::Variable) {
+                RequireDeclared(Peek().text, 1087);
+                clause.into.parts = {Take().text};
+            } else {
+                clause.into = TakeObjectName();
+            }
+            if (IsSymbol("(")) {
+                clause.columns = ParseNameList();
+            }
+        }
+        outputs.push_back(std::move(clause));
+    }
 }
 
 void Parser::ParseInsertSource(InsertStatement& insert) {
@@ -521,9 +576,7 @@ UpdateStatement Parser::ParseUpdate() {
     do {
         update.assignments.push_back(ParseAssignment());
     } while (TakeSymbol(","));
-    if (IsWord("OUTPUT")) {
-        Unsupported("OUTPUT");
-    }
+    ParseOutputs(update.outputs);
     if (TakeWord("FROM")) {
         update.from = ParseFrom();
     }
@@ -544,9 +597,7 @@ DeleteStatement Parser::ParseDelete() {
         statement.table = TakeObjectName();
     }
     SkipTableHints();
-    if (IsWord("OUTPUT")) {
-        Unsupported("OUTPUT");
-    }
+    ParseOutputs(statement.outputs);
     if (TakeWord("FROM")) {
         statement.from = ParseFrom();
     }

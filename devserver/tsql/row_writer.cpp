@@ -7,6 +7,7 @@
 #include "devserver/tsql/parser.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/server.h"
 
 namespace devsql {
 namespace {
@@ -31,6 +32,15 @@ std::string KeyCondition(const TableDef& table, const std::vector<int>& columns)
     return text;
 }
 
+std::vector<RowValues> ValuesOf(const std::vector<StoredRow>& rows) {
+    std::vector<RowValues> values;
+    values.reserve(rows.size());
+    for (const StoredRow& row : rows) {
+        values.push_back(row.values);
+    }
+    return values;
+}
+
 } // namespace
 
 RowWriter::RowWriter(SessionCore& session, Target target, std::string statement)
@@ -38,7 +48,16 @@ RowWriter::RowWriter(SessionCore& session, Target target, std::string statement)
       target_(std::move(target)),
       table_(*target_.table),
       statement_(std::move(statement)) {
-    BindExpressions();
+    if (!target_.remote) {
+        BindExpressions();
+    }
+}
+
+bool RowWriter::IsRemote() const {
+    if (target_.remote && observer_) {
+        RaiseError(405);
+    }
+    return target_.remote != nullptr;
 }
 
 std::string RowWriter::DatabaseName() const {
@@ -124,6 +143,9 @@ void RowWriter::BindExpressions() {
 }
 
 Value RowWriter::DefaultOf(const ColumnDef& column) {
+    if (IsRemote()) {
+        RaiseError(40517, {"DEFAULT in an UPDATE of a linked server's table"});
+    }
     const auto found = defaults_.find(column.id);
     if (found == defaults_.end()) {
         return {};
@@ -174,6 +196,10 @@ void RowWriter::FillIdentity(std::size_t index, std::optional<Value>& value) {
 }
 
 void RowWriter::Insert(std::vector<std::optional<Value>> given) {
+    if (IsRemote()) {
+        remote_rows_.push_back(std::move(given));
+        return;
+    }
     RowValues row(table_.columns.size());
     for (std::size_t i = 0; i < row.size(); ++i) {
         const ColumnDef& column = table_.columns[i];
@@ -187,6 +213,9 @@ void RowWriter::Insert(std::vector<std::optional<Value>> given) {
     Complete(row);
     CheckRow(row);
     Store(row, std::nullopt);
+    if (observer_) {
+        observer_(nullptr, &row);
+    }
     if (!table_.foreign_keys.empty()) {
         new_rows_.push_back(std::move(row));
     }
@@ -196,8 +225,10 @@ void RowWriter::Insert(std::vector<std::optional<Value>> given) {
 void RowWriter::Complete(RowValues& row) {
     for (std::size_t i = 0; i < row.size(); ++i) {
         const ColumnDef& column = table_.columns[i];
-        if (column.type.id == TypeId::Timestamp && target_.catalogue != nullptr) {
-            auto number = static_cast<std::uint64_t>(target_.catalogue->NextTimestamp());
+        if (column.type.id == TypeId::Timestamp) {
+            auto number = static_cast<std::uint64_t>(target_.catalogue != nullptr
+                                                         ? target_.catalogue->NextTimestamp()
+                                                         : session_.server.NextTemporaryTimestamp());
             std::string bytes(8, '\0');
             for (std::size_t byte = 8; byte-- > 0; number >>= 8) {
                 bytes[byte] = static_cast<char>(number & 0xFF);
@@ -291,6 +322,10 @@ bool RowWriter::KeyChanged(const std::vector<int>& columns, const RowValues& bef
 }
 
 void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValues> after) {
+    if (IsRemote()) {
+        target_.remote->Update(ValuesOf(before), after);
+        return;
+    }
     bool keys = false;
     for (std::size_t i = 0; i < after.size(); ++i) {
         Complete(after[i]);
@@ -328,6 +363,9 @@ void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValu
             }
             update.Run();
         }
+        if (observer_) {
+            observer_(&before[i].values, &after[i]);
+        }
         if (!table_.foreign_keys.empty()) {
             new_rows_.push_back(after[i]);
         }
@@ -338,10 +376,17 @@ void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValu
 }
 
 void RowWriter::Delete(const std::vector<StoredRow>& rows) {
+    if (IsRemote()) {
+        target_.remote->Delete(ValuesOf(rows));
+        return;
+    }
     SqliteStatement remove = session_.connection.Prepare("DELETE FROM " + table_.Qualified() + " WHERE " +
                                                          RowIdName(table_) + " = ?1");
     for (const StoredRow& row : rows) {
         remove.BindInt(1, row.row_id).Run();
+        if (observer_) {
+            observer_(&row.values, nullptr);
+        }
         if (!table_.referencing.empty()) {
             removed_.push_back({row.values, std::nullopt});
         }
@@ -349,6 +394,10 @@ void RowWriter::Delete(const std::vector<StoredRow>& rows) {
 }
 
 void RowWriter::Finish() {
+    if (!remote_rows_.empty()) {
+        target_.remote->Insert(remote_rows_);
+        return;
+    }
     for (const Removed& removed : removed_) {
         for (const ForeignKeyDef& key : table_.referencing) {
             if (!key.disabled &&

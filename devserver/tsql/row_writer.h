@@ -2,6 +2,7 @@
 // identity, checks, unique keys, foreign keys with their cascades. Used inside SessionCore::Write.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -33,6 +34,10 @@ class RowWriter {
     /// Checks what can only be checked when all rows are written, and keeps the identity. Call it last.
     void Finish();
 
+    /// Is told of every row that this writer itself changes (not of cascades), old and new; null for none.
+    using Observer = std::function<void(const RowValues* before, const RowValues* after)>;
+    void Observe(Observer observer) { observer_ = std::move(observer); }
+
     std::optional<std::int64_t> last_identity() const { return identity_given_; }
     /// The default's value, of the column's type.
     Value DefaultOf(const ColumnDef& column);
@@ -61,6 +66,9 @@ class RowWriter {
     void Cascade(const ForeignKeyDef& key, const TablePtr& child, const std::vector<StoredRow>& rows,
                  const RowValues* after);
     bool KeyChanged(const std::vector<int>& columns, const RowValues& before, const RowValues& after) const;
+    /// True where the rows go to a linked server, which itself holds them to what the table promises. Raises
+    /// 405 where the statement has an OUTPUT clause.
+    bool IsRemote() const;
     [[noreturn]] void ExplainUnique(const StorageError& error, const RowValues& row);
     [[noreturn]] void ForeignKeyError(const ForeignKeyDef& key, std::string_view kind, const TableDef& other,
                                       std::string_view column) const;
@@ -72,10 +80,12 @@ class RowWriter {
     Target target_;
     const TableDef& table_;
     std::string statement_;
+    Observer observer_;
     std::vector<Check> checks_;
     std::map<int, BoundPtr> defaults_; ///< by column id
     std::map<int, BoundPtr> computed_;
     std::vector<RowValues> new_rows_; ///< for the foreign keys at the end
+    std::vector<std::vector<std::optional<Value>>> remote_rows_; ///< go together, at the end
     struct Removed {
         RowValues before;
         std::optional<RowValues> after;

@@ -9,6 +9,8 @@
 
 #include "devserver/storage/catalogue.h"
 #include "devserver/storage/paths.h"
+#include "devserver/storage/linked_servers.h"
+#include "devserver/storage/publications.h"
 #include "devserver/tsql/bootstrap.h"
 #include "devserver/tsql/errors.h"
 #include "devserver/tsql/session.h"
@@ -77,6 +79,8 @@ void Server::CreateSystemDatabases() {
         !connection.Prepare("SELECT 1 FROM sqlite_master WHERE name = 'devsql_objects'").Step();
     connection.Execute("BEGIN IMMEDIATE");
     CreateDatabaseList(connection);
+    CreateServerList(connection);
+    CreatePublicationList(connection);
     if (fresh) {
         Catalogue(connection, "main").Create();
     }

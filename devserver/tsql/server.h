@@ -1,6 +1,7 @@
 // The engine: what all sessions share. Which session uses which database, who is thrown out, where files lie.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <filesystem>
 #include <map>
@@ -27,6 +28,8 @@ class Server : public Engine {
 
     const EngineOptions& options() const { return options_; }
     std::filesystem::path MasterFile() const { return options_.root / "master.mdf"; }
+    /// What seals the passwords of linked logins.
+    std::filesystem::path LinkedKeyFile() const { return options_.root / "linked_logins.key"; }
 
     void Register(SessionCore& session);
     void Unregister(SessionCore& session);
@@ -40,6 +43,8 @@ class Server : public Engine {
     /// Ends all other sessions that use the database: their transactions are rolled back.
     void ThrowOut(const std::string& folded_name, const SessionCore& by);
     void Kill(std::int32_t id, const SessionCore& by);
+    /// The next value of a timestamp column of a temporary table, which lies in no database's file.
+    std::int64_t NextTemporaryTimestamp() { return ++temporary_timestamp_; }
     /// One row of sp_who.
     struct SessionInfo {
         std::int32_t id;
@@ -68,6 +73,7 @@ class Server : public Engine {
     std::set<SessionCore*> ending_; ///< being ended by another session, and not to be destroyed meanwhile
     std::condition_variable ended_;
     std::int32_t next_session_ = 51;
+    std::atomic<std::int64_t> temporary_timestamp_ = 2000;
 };
 
 } // namespace devsql

@@ -9,6 +9,7 @@ ClientSession::ClientSession(Server& server, std::int32_t id, const LoginRequest
     : core_(server, id, login) {
     core_.host_name = request.host_name;
     core_.application = request.application;
+    core_.password = request.password;
 }
 
 void ClientSession::Run(ResultSink& sink, const std::function<void()>& work) {
@@ -22,6 +23,7 @@ void ClientSession::Run(ResultSink& sink, const std::function<void()>& work) {
     core_.ExchangeSink(&sink);
     work();
     core_.ExchangeSink(nullptr);
+    core_.remote().Release();
     if (core_.transaction_count() == 0) {
         core_.ReleaseDatabases();
     }

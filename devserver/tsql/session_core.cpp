@@ -71,7 +71,11 @@ std::string Folded(std::string_view name) {
 }
 
 SessionCore::SessionCore(Server& owner, std::int32_t session_id, std::string login_name)
-    : server(owner), connection(owner.MasterFile()), id(session_id), login(std::move(login_name)) {
+    : server(owner),
+      connection(owner.MasterFile()),
+      id(session_id),
+      login(std::move(login_name)),
+      remote_(*this) {
     base_.database.clear();
     RegisterFunctions();
     connection.OnBusy([this](int waited) { return WaitForLock(waited); });
@@ -82,6 +86,8 @@ SessionCore::~SessionCore() {
     // First out of the list, so that nobody ends a session that is ending by itself.
     server.Unregister(*this);
     AbandonTransaction();
+    cancelled = false;
+    DropGlobalTables();
     ReleaseEverything();
 }
 
@@ -303,6 +309,32 @@ void SessionCore::AddTemporary(TableDef table) {
     temporary_[name] = std::make_shared<const TableDef>(std::move(table));
 }
 
+bool IsGlobalTable(std::string_view name) {
+    return name.starts_with("##");
+}
+
+bool IsSessionTable(std::string_view name) {
+    return name.starts_with("#") && !IsGlobalTable(name);
+}
+
+void SessionCore::DropGlobalTables() {
+    for (const std::string& name : std::exchange(global_tables_, {})) {
+        try {
+            Catalogue& catalogue = Database("tempdb");
+            const std::optional<ObjectDef> object = catalogue.FindObject("dbo", name);
+            if (object && object->type == "U") {
+                const TablePtr table = Table(catalogue, object->id);
+                Write(catalogue.alias(), [&] {
+                    connection.Execute("DROP TABLE " + table->Qualified());
+                    catalogue.RemoveObject(object->id);
+                });
+            }
+        } catch (const std::exception&) { // The next start makes tempdb anew.
+            return;
+        }
+    }
+}
+
 void SessionCore::DropTemporary(const std::string& name) {
     const auto found = temporary_.find(Folded(name));
     if (found != temporary_.end()) {
@@ -399,6 +431,7 @@ void SessionCore::CheckCancelled() const {
 void SessionCore::Cancel() {
     cancelled = true;
     connection.Interrupt();
+    remote_.Cancel();
 }
 
 } // namespace devsql

@@ -20,11 +20,19 @@
 #include "devserver/tsql/bound.h"
 #include "devserver/tsql/engine.h"
 #include "devserver/tsql/errors.h"
+#include "devserver/tsql/remote_servers.h"
 
 namespace devsql {
 
 class Server;
 class SessionCore;
+
+/// The form of a name that equals that of every other spelling of it.
+std::string Folded(std::string_view name);
+
+/// "#t": seen by one session alone. "##t" is not.
+bool IsSessionTable(std::string_view name);
+bool IsGlobalTable(std::string_view name);
 
 /// The client has asked for an end, or the session has been thrown out.
 struct Cancelled {};
@@ -133,6 +141,9 @@ class SessionCore {
     void AddTemporary(TableDef table);
     void ReplaceTemporary(const TableDef& table);
     void DropTemporary(const std::string& name);
+    /// Tables named ## are tempdb's and everybody's; they go with the session that made them.
+    void OwnGlobalTable(const std::string& name) { global_tables_.insert(Folded(name)); }
+    void DropGlobalTables();
     TablePtr FindTableVariable(std::string_view name) const;
     std::int64_t NextTemporaryId() { return next_temporary_id_--; }
     /// The last identity of a temporary table.
@@ -174,6 +185,9 @@ class SessionCore {
     void RollbackTransaction(const std::string& name);
     void SaveTransaction(const std::string& name);
     int transaction_count() const { return transaction_count_; }
+    bool has_savepoints() const { return !savepoints_.empty(); }
+    /// The session's connections to linked servers.
+    RemoteServers& remote() { return remote_; }
     /// Rolls back whatever is open; for the end of a session and for errors that abort.
     void AbandonTransaction();
     /// Runs one statement that writes to `alias`, whole or not at all; commits it outside a transaction.
@@ -201,6 +215,7 @@ class SessionCore {
     const std::string login;
     std::string host_name;
     std::string application;
+    std::string password; ///< as the client logged in with it; linked servers are logged in to with it
 
     std::int32_t last_error = 0;
     std::int64_t row_count = 0;
@@ -236,10 +251,12 @@ class SessionCore {
     Attached* Current(Catalogue& catalogue);
 
     ResultSink* sink_ = nullptr;
+    RemoteServers remote_;
     std::map<std::int32_t, Prepared> prepared_;
     std::int32_t next_prepared_ = 1;
     std::map<std::string, Attached, std::less<>> attached_; ///< folded name
     Temporaries temporary_;
+    std::set<std::string> global_tables_; ///< folded names
     struct Operation {
         BoundPtr expression;
         std::vector<Type> slots;
@@ -263,8 +280,5 @@ class SessionCore {
     std::string transaction_name_;
     Temporaries temporary_before_; ///< as they were when the transaction began
 };
-
-/// The form of a name that equals that of every other spelling of it.
-std::string Folded(std::string_view name);
 
 } // namespace devsql

@@ -57,7 +57,7 @@ std::optional<Found> FindNamed(SessionCore& session, const std::string& text) {
 Value ObjectId(SessionCore& session, Values values, Types types) {
     const std::string text = TextOf(values, types, 0);
     const ast::Name name = ParseName(text);
-    if (!name.empty() && name.last().starts_with("#")) {
+    if (!name.empty() && IsSessionTable(name.last())) {
         const TablePtr table = session.FindTemporary(name.last());
         return table ? Value(table->id) : Value();
     }
@@ -444,6 +444,10 @@ constexpr SessionFunction kFunctions[] = {
     {"CURRENT_TIMESTAMP", 0, 0, Simple(TypeId::DateTime),
      [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
     {"NOW", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
+    {"SYSDATETIME", 0, 0, Simple(TypeId::DateTime),
+     [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
+    {"SYSUTCDATETIME", 0, 0, Simple(TypeId::DateTime),
+     [](SessionCore&, Values, Types) -> Value { return UtcNow(); }, true},
     {"GETUTCDATE", 0, 0, Simple(TypeId::DateTime),
      [](SessionCore&, Values, Types) -> Value { return UtcNow(); }, true},
     {"NEWID", 0, 0, Simple(TypeId::UniqueIdentifier), NewId, false},
@@ -471,6 +475,8 @@ constexpr SessionFunction kFunctions[] = {
     {"SERVERPROPERTY", 1, 1, Sized(TypeId::NVarChar, 256), ServerProperty, false},
     {"DATABASEPROPERTYEX", 2, 2, Sized(TypeId::NVarChar, 256), DatabasePropertyEx, false},
     {"DATABASEPROPERTY", 2, 2, Sized(TypeId::NVarChar, 256), DatabasePropertyEx, false},
+    {"FULLTEXTSERVICEPROPERTY", 1, 1, kInt,
+     [](SessionCore&, Values, Types) -> Value { return std::int64_t{0}; }, true},
     {"HAS_DBACCESS", 1, 1, kInt, HasDbAccess, false},
     {"SUSER_SID", 0, 1, Sized(TypeId::VarBinary, 85), SuserSid, false},
     {"SUSER_NAME", 0, 1, kName, SuserName, false},

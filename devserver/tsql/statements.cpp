@@ -3,6 +3,7 @@
 
 #include "devserver/tsql/definitions.h"
 #include "devserver/tsql/evaluator.h"
+#include "devserver/tsql/output_rows.h"
 #include "devserver/tsql/row_writer.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
@@ -324,6 +325,23 @@ std::vector<GivenRow> QueryRowsFor(const RowSet& source, const ast::InsertStatem
 
 } // namespace
 
+void InsertRows(SessionCore& session, const ast::Name& table, const std::vector<std::string>& columns,
+                const RowSet& source) {
+    ast::InsertStatement insert;
+    insert.table = table;
+    insert.columns = columns;
+    Emission emission(session);
+    const Target target = Binder(session, emission).BindTarget(table);
+    session.Write(target.table->alias, [&] {
+        const std::vector<std::size_t> positions = InsertColumns(session, insert, target);
+        RowWriter writer(session, target, "INSERT");
+        for (GivenRow& row : QueryRowsFor(source, insert, *target.table, positions)) {
+            writer.Insert(std::move(row));
+        }
+        writer.Finish();
+    });
+}
+
 void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const RunNested& execute) {
     std::optional<RowSet> executed; // The procedure runs first: it may open and end transactions of its own.
     if (insert.execute) {
@@ -335,6 +353,7 @@ void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const R
         target = Binder(session, emission).BindTarget(insert.table);
     }
     std::int64_t count = 0;
+    OutputRows output(session, insert.outputs, *target.table, OutputRows::kInserted);
     session.Write(target.table->alias, [&] {
         const TableDef& table = *target.table;
         const std::vector<std::size_t> positions = InsertColumns(session, insert, target);
@@ -354,22 +373,26 @@ void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const R
                                                   std::max<std::int64_t>(0, std::get<std::int64_t>(limit)))));
         }
         RowWriter writer(session, target, "INSERT");
+        if (!insert.outputs.empty()) {
+            writer.Observe(output.Observer());
+        }
         for (GivenRow& row : rows) {
             session.CheckCancelled();
             writer.Insert(std::move(row));
         }
         writer.Finish();
         count = static_cast<std::int64_t>(rows.size());
-        if (table.IdentityColumn() != nullptr && count > 0) {
+        if (writer.last_identity() && count > 0) {
             session.last_identity = writer.last_identity();
             session.frame().scope_identity = *writer.last_identity();
             session.frame().has_scope_identity = true;
         } else if (count > 0) {
             session.last_identity.reset();
         }
+        output.Store();
     });
     session.row_count = count;
-    session.Done(Command::Insert, count);
+    output.End(Command::Insert, count);
 }
 
 } // namespace devsql

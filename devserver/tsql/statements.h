@@ -21,8 +21,13 @@ void OpenRows(SessionCore& session, Cursor& cursor);
 /// Takes a statement's rows for INSERT … EXEC; see interpreter.cpp.
 using RunNested = std::function<RowSet(const ast::Statement&)>;
 void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const RunNested& execute);
+/// Rows that another statement has made (OUTPUT … INTO), without a count of their own.
+void InsertRows(SessionCore& session, const ast::Name& table, const std::vector<std::string>& columns,
+                const RowSet& source);
 void RunUpdate(SessionCore& session, const ast::UpdateStatement& update);
 void RunDelete(SessionCore& session, const ast::DeleteStatement& statement);
 void RunTruncate(SessionCore& session, const ast::TruncateStatement& truncate);
+/// DBCC CHECKIDENT. Raises 2501, 7997.
+void RunCheckIdentity(SessionCore& session, const ast::CheckIdentityStatement& check);
 
 } // namespace devsql

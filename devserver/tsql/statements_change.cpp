@@ -2,6 +2,8 @@
 #include <set>
 
 #include "devserver/tsql/evaluator.h"
+#include "devserver/tsql/output_rows.h"
+#include "devserver/tsql/parser.h"
 #include "devserver/tsql/row_writer.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
@@ -61,6 +63,9 @@ Selection Select(SessionCore& session, Binder& binder, Emission& emission, const
                 break;
             }
         }
+    }
+    if (selection.target.remote) {
+        selection.target.remote->Fill();
     }
     if (selection.alias.empty()) {
         selection.alias = binder.NextAlias();
@@ -178,7 +183,7 @@ std::vector<BoundAssignment> BindAssignments(Binder& binder, const ast::UpdateSt
 }
 
 void UpdateRows(SessionCore& session, const ast::UpdateStatement& update, Binder& binder, Emission& emission,
-                const Selection& selection, std::int64_t& count) {
+                const Selection& selection, OutputRows& output, std::int64_t& count) {
     const TableDef& table = *selection.target.table;
     std::vector<BoundPtr> leaves;
     const std::vector<BoundAssignment> assignments = BindAssignments(binder, update, selection, leaves);
@@ -189,6 +194,9 @@ void UpdateRows(SessionCore& session, const ast::UpdateStatement& update, Binder
     sql += " FROM " + selection.from + selection.where;
     const std::int64_t limit = RowLimit(session, update.top);
     RowWriter writer(session, selection.target, "UPDATE");
+    if (!update.outputs.empty()) {
+        writer.Observe(output.Observer());
+    }
     std::vector<StoredRow> before;
     std::vector<RowValues> after;
     {
@@ -226,6 +234,7 @@ void UpdateRows(SessionCore& session, const ast::UpdateStatement& update, Binder
     }
     writer.Update(before, std::move(after));
     writer.Finish();
+    output.Store();
     count = static_cast<std::int64_t>(before.size());
 }
 
@@ -238,10 +247,12 @@ void RunUpdate(SessionCore& session, const ast::UpdateStatement& update) {
     binder.BindWith(update.with);
     const Selection selection =
         Select(session, binder, emission, update.table, update.from, update.where.get(), update.cursor);
+    OutputRows output(session, update.outputs, *selection.target.table,
+                      OutputRows::kInserted | OutputRows::kDeleted);
     session.Write(selection.target.table->alias,
-                  [&] { UpdateRows(session, update, binder, emission, selection, count); });
+                  [&] { UpdateRows(session, update, binder, emission, selection, output, count); });
     session.row_count = count;
-    session.Done(Command::Update, count);
+    output.End(Command::Update, count);
 }
 
 void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
@@ -250,6 +261,7 @@ void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
     binder.BindWith(statement.with);
     const Selection selection = Select(session, binder, emission, statement.table, statement.from,
                                        statement.where.get(), statement.cursor);
+    OutputRows output(session, statement.outputs, *selection.target.table, OutputRows::kDeleted);
     std::int64_t count = 0;
     session.Write(selection.target.table->alias, [&] {
         const TableDef& table = *selection.target.table;
@@ -267,17 +279,110 @@ void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
             }
         }
         RowWriter writer(session, selection.target, "DELETE");
+        if (!statement.outputs.empty()) {
+            writer.Observe(output.Observer());
+        }
         writer.Delete(rows);
         writer.Finish();
+        output.Store();
         count = static_cast<std::int64_t>(rows.size());
     });
     session.row_count = count;
-    session.Done(Command::Delete, count);
+    output.End(Command::Delete, count);
+}
+
+namespace {
+
+/// The last identity given in a table: what this session knows of goes before what is stored.
+std::optional<std::int64_t> LastIdentity(SessionCore& session, const Target& target) {
+    const auto& given = session.given_identities;
+    if (const auto known = given.find(target.table->alias + "." + std::to_string(target.table->id));
+        known != given.end()) {
+        return known->second;
+    }
+    if (target.catalogue != nullptr) {
+        return target.catalogue->IdentityValue(target.table->id);
+    }
+    const auto known = session.temporary_identities.find(target.table->id);
+    return known == session.temporary_identities.end() ? std::nullopt : std::optional(known->second);
+}
+
+void SetIdentity(SessionCore& session, const Target& target, std::optional<std::int64_t> value) {
+    session.given_identities.erase(target.table->alias + "." + std::to_string(target.table->id));
+    if (target.catalogue != nullptr) {
+        target.catalogue->SetIdentityValue(target.table->id, value);
+    } else if (value) {
+        session.temporary_identities[target.table->id] = *value;
+    } else {
+        session.temporary_identities.erase(target.table->id);
+    }
+}
+
+/// The outermost value that stands in the identity column; none for an empty table.
+std::optional<std::int64_t> OutermostIdentity(SessionCore& session, const TableDef& table,
+                                              const ColumnDef& column) {
+    SqliteStatement row =
+        session.connection.Prepare(std::string("SELECT ") + (column.increment < 0 ? "min(" : "max(") +
+                                   QuoteName(column.name) + ") FROM " + table.Qualified());
+    row.Step();
+    const Value value = row.Column(0, column.type);
+    return IsNull(value)
+               ? std::nullopt
+               : std::optional(std::get<std::int64_t>(Convert(value, column.type, Simple(TypeId::BigInt))));
+}
+
+} // namespace
+
+void RunCheckIdentity(SessionCore& session, const ast::CheckIdentityStatement& check) {
+    const ast::Name name = ParseName(check.table);
+    Emission emission(session);
+    Target target;
+    try {
+        target = Binder(session, emission).BindTarget(name.empty() ? ast::Name{{check.table}} : name);
+    } catch (const SqlError& error) {
+        if (error.number() != 208) {
+            throw;
+        }
+        RaiseError(2501, {check.table}, 45);
+    }
+    const ColumnDef* column = target.table->IdentityColumn();
+    if (column == nullptr) {
+        RaiseError(7997, {target.table->name});
+    }
+    std::optional<std::int64_t> wanted;
+    if (check.value) {
+        Type type;
+        const Value value = ComputeExpression(session, *check.value, &type);
+        wanted = std::get<std::int64_t>(Convert(value, type, Simple(TypeId::BigInt)));
+    }
+    const std::optional<std::int64_t> current = LastIdentity(session, target);
+    const std::optional<std::int64_t> outermost = OutermostIdentity(session, *target.table, *column);
+    if (check.reseed) {
+        std::optional<std::int64_t> next = current;
+        if (wanted) { // Where no row has ever been, the first one gets the value itself.
+            next = current ? *wanted : *wanted - column->increment;
+        } else if (outermost && current &&
+                   (column->increment < 0 ? *outermost < *current : *outermost > *current)) {
+            next = outermost;
+        }
+        session.Write(target.table->alias, [&] { SetIdentity(session, target, next); });
+    }
+    if (!check.silent) {
+        const auto text = [](const std::optional<std::int64_t>& number) {
+            return number ? std::to_string(*number) : "NULL";
+        };
+        session.Info(7998, {text(current), text(wanted ? wanted : outermost)});
+        session.Info(2528, {});
+    }
+    session.Done(Command::None, std::nullopt);
 }
 
 void RunTruncate(SessionCore& session, const ast::TruncateStatement& truncate) {
     Emission emission(session);
     const Target target = Binder(session, emission).BindTarget(truncate.table);
+    if (target.remote) {
+        RaiseError(117, {"object", truncate.table.text(), "2"});
+    }
     for (const ForeignKeyDef& key : target.table->referencing) {
         if (key.table != target.table->id) {
             RaiseError(4712, {target.table->name});
@@ -285,12 +390,7 @@ void RunTruncate(SessionCore& session, const ast::TruncateStatement& truncate) {
     }
     session.Write(target.table->alias, [&] {
         session.connection.Execute("DELETE FROM " + target.table->Qualified());
-        session.given_identities.erase(target.table->alias + "." + std::to_string(target.table->id));
-        if (target.catalogue != nullptr) {
-            target.catalogue->SetIdentityValue(target.table->id, std::nullopt);
-        } else {
-            session.temporary_identities.erase(target.table->id);
-        }
+        SetIdentity(session, target, std::nullopt);
     });
     session.Done(Command::None, std::nullopt);
 }

@@ -8,7 +8,9 @@
 #include "devserver/tsql/binder.h"
 #include "devserver/tsql/catalogue_procedures.h"
 #include "devserver/tsql/definitions.h"
+#include "devserver/tsql/linked_procedures.h"
 #include "devserver/tsql/parser.h"
+#include "devserver/tsql/replication_procedures.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
@@ -60,6 +62,15 @@ std::string TextOf(const ActualArgument& argument) {
     return IsNull(argument.value) ? std::string() : ValueText(argument.value, argument.type);
 }
 
+/// Drivers declare what they send by its type on the wire. Times come as datetime (tds/type_decoder.h), whose
+/// name then serves: the server has no columns of time and datetimeoffset.
+ast::TypeSpec ParameterType(const ast::TypeSpec& declared) {
+    const std::string& name = declared.name.last();
+    return AsciiEqual(name, "time") || AsciiEqual(name, "datetimeoffset")
+               ? ast::TypeSpec{{{"datetime"}}, {}, {}, false}
+               : declared;
+}
+
 /// sp_executesql and sp_prepare: parameters declared in a text, values behind.
 std::int32_t RunParameterized(SystemCall& call, const std::string& text, const std::string& declarations,
                               std::size_t first_value) {
@@ -69,7 +80,7 @@ std::int32_t RunParameterized(SystemCall& call, const std::string& text, const s
         ParameterDef definition;
         definition.name = parameter.name;
         Emission emission(session);
-        definition.type = Binder(session, emission).ResolveType(parameter.type, 1);
+        definition.type = Binder(session, emission).ResolveType(ParameterType(parameter.type), 1);
         definition.output = parameter.output;
         formal.push_back(std::move(definition));
     }
@@ -535,7 +546,8 @@ constexpr SystemProcedure kProcedures[] = {
 
 const SystemProcedure* FindSystemProcedure(std::string_view name) {
     for (const std::span<const SystemProcedure> list :
-         {std::span<const SystemProcedure>(kProcedures), CatalogueProcedures()}) {
+         {std::span<const SystemProcedure>(kProcedures), CatalogueProcedures(), KeyProcedures(),
+          PropertyProcedures(), LinkedProcedures(), DistributorProcedures(), PublicationProcedures()}) {
         for (const SystemProcedure& procedure : list) {
             if (AsciiEqual(procedure.name, name)) {
                 return &procedure;

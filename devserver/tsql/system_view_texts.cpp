@@ -34,25 +34,28 @@ namespace {
 
 constexpr std::array kViews = {
     // ---------------------------------------------------------------- SQL Server 2000's tables
-    SystemViewSource{"", "sysobjects",
-                     "name sysname, id int, xtype char(2), uid smallint, info smallint, status int, "
-                     "base_schema_ver int, replinfo int, "
-                     "parent_obj int, crdate datetime, ftcatid smallint, schema_ver int, stats_schema_ver "
-                     "int, type char(2), "
-                     "userstat smallint, sysstat smallint, indexdel smallint, refdate datetime, version int, "
-                     "deltrig int, instrig int, "
-                     "updtrig int, seltrig int, category int, cache smallint",
-                     "SELECT o.name, o.id, CASE WHEN length(o.type) = 1 THEN o.type || ' ' ELSE o.type END "
-                     "AS xtype, 1 AS uid, 0 AS info, "
-                     "0 AS status, 0 AS base_schema_ver, 0 AS replinfo, o.parent AS parent_obj, o.created AS "
-                     "crdate, 0 AS ftcatid, "
-                     "0 AS schema_ver, 0 AS stats_schema_ver, CASE WHEN o.type IN ('PK', 'UQ') THEN 'K ' "
-                     "WHEN length(o.type) = 1 THEN "
-                     "o.type || ' ' ELSE o.type END AS type, 1 AS userstat, 0 AS sysstat, 0 AS indexdel, "
-                     "o.created AS refdate, "
-                     "0 AS version, 0 AS deltrig, 0 AS instrig, 0 AS updtrig, 0 AS seltrig, CASE WHEN "
-                     "o.shipped THEN 2 ELSE 0 END AS "
-                     "category, 0 AS cache FROM {db}.devsql_objects o"},
+    SystemViewSource{
+        "", "sysobjects",
+        "name sysname, id int, xtype char(2), uid smallint, info smallint, status int, "
+        "base_schema_ver int, replinfo int, "
+        "parent_obj int, crdate datetime, ftcatid smallint, schema_ver int, stats_schema_ver "
+        "int, type char(2), "
+        "userstat smallint, sysstat smallint, indexdel smallint, refdate datetime, version int, "
+        "deltrig int, instrig int, "
+        "updtrig int, seltrig int, category int, cache smallint",
+        "SELECT o.name, o.id, CASE WHEN length(o.type) = 1 THEN o.type || ' ' ELSE o.type END "
+        "AS xtype, 1 AS uid, 0 AS info, "
+        "0 AS status, 0 AS base_schema_ver, 0 AS replinfo, o.parent AS parent_obj, o.created AS "
+        "crdate, 0 AS ftcatid, "
+        "0 AS schema_ver, 0 AS stats_schema_ver, CASE WHEN o.type IN ('PK', 'UQ') THEN 'K ' "
+        "WHEN length(o.type) = 1 THEN "
+        "o.type || ' ' ELSE o.type END AS type, 1 AS userstat, CASE o.type WHEN 'U' THEN 3 WHEN 'V' THEN 2 "
+        "WHEN 'P' THEN 4 WHEN 'PK' THEN 9 WHEN 'UQ' THEN 9 WHEN 'F' THEN 11 WHEN 'C' THEN 7 "
+        "WHEN 'D' THEN 6 ELSE 0 END AS sysstat, 0 AS indexdel, "
+        "o.created AS refdate, "
+        "0 AS version, 0 AS deltrig, 0 AS instrig, 0 AS updtrig, 0 AS seltrig, CASE WHEN "
+        "o.shipped THEN 2 ELSE 0 END AS "
+        "category, 0 AS cache FROM {db}.devsql_objects o"},
     SystemViewSource{
         "", "syscolumns",
         "name sysname, id int, xtype tinyint, typestat tinyint, xusertype smallint, length smallint, xprec "
@@ -188,6 +191,13 @@ constexpr std::array kViews = {
                      "f.name, f.client_path AS "
                      "filename FROM main.devsql_files f JOIN main.devsql_databases d ON d.id = f.database "
                      "WHERE d.name = {name}"},
+    SystemViewSource{"", "sysaltfiles",
+                     "fileid smallint, groupid smallint, size int, maxsize int, growth int, status int, perf "
+                     "int, dbid smallint, name nchar(128), filename nchar(260)",
+                     "SELECT f.id AS fileid, CASE WHEN f.log THEN 0 ELSE 1 END AS groupid, CAST(f.size AS "
+                     "INTEGER) / 8 AS size, -1 AS maxsize, 10 AS growth, CASE WHEN f.log THEN 66 ELSE 2 END "
+                     "AS status, 0 AS perf, f.database AS dbid, f.name, f.client_path AS filename FROM "
+                     "main.devsql_files f"},
     // ---------------------------------------------------------------- of the server
     SystemViewSource{
         "", "sysdatabases",
@@ -202,7 +212,9 @@ constexpr std::array kViews = {
         "reserved, "
         "CASE WHEN EXISTS (SELECT 1 FROM main.devsql_options p WHERE p.database = d.id AND p.name = "
         "'PUBLISHED' AND "
-        "p.value = 'ON') THEN 1 ELSE 0 END AS category, 80 AS cmptlevel, (SELECT f.client_path FROM "
+        "p.value = 'ON') THEN 1 ELSE 0 END + CASE WHEN EXISTS (SELECT 1 FROM main.devsql_options p WHERE "
+        "p.database = d.id AND p.name = 'DISTRIBUTOR' AND p.value = 'ON') THEN 16 ELSE 0 END AS category, 80 "
+        "AS cmptlevel, (SELECT f.client_path FROM "
         "main.devsql_files f "
         "WHERE f.database = d.id AND f.id = 1) AS filename, 539 AS version FROM main.devsql_databases d"},
     SystemViewSource{
@@ -222,17 +234,6 @@ constexpr std::array kViews = {
         "0 AS dbcreator, 0 AS bulkadmin, name AS loginname FROM main.devsql_logins"},
     SystemViewSource{"", "sysxlogins", "name sysname, sid varbinary(85)",
                      "SELECT name, sid FROM main.devsql_logins"},
-    SystemViewSource{
-        "", "sysservers",
-        "srvid smallint, srvstatus smallint, srvname sysname, srvproduct nvarchar(128), providername "
-        "nvarchar(128), "
-        "datasource nvarchar(4000), isremote bit, rpc bit, pub bit, sub bit, dist bit, dpub bit, rpcout bit, "
-        "dataaccess bit",
-        "SELECT id AS srvid, 0 AS srvstatus, name AS srvname, product AS srvproduct, provider AS "
-        "providername, source AS "
-        "datasource, id > 0 AS isremote, 1 AS rpc, coalesce(publisher, 0) AS pub, coalesce(subscriber, 0) AS "
-        "sub, "
-        "coalesce(distributor, 0) AS dist, 0 AS dpub, 1 AS rpcout, 1 AS dataaccess FROM main.devsql_servers"},
     // ---------------------------------------------------------------- SQL Server 2005's views
     SystemViewSource{
         "sys", "databases",
@@ -258,7 +259,8 @@ constexpr std::array kViews = {
         "p.value FROM "
         "main.devsql_options p WHERE p.database = d.id AND p.name = 'RECOVERY'), 'FULL') AS "
         "recovery_model_desc, "
-        "0 AS is_published, 0 AS is_subscribed FROM main.devsql_databases d"},
+        "EXISTS (SELECT 1 FROM main.devsql_options p WHERE p.database = d.id AND p.name = 'PUBLISHED' AND "
+        "p.value = 'ON') AS is_published, 0 AS is_subscribed FROM main.devsql_databases d"},
     SystemViewSource{
         "sys", "objects",
         "name sysname, object_id int, principal_id int, schema_id int, parent_object_id int, type char(2), "
@@ -440,6 +442,12 @@ constexpr std::array kViews = {
                      "CAST(f.size AS INTEGER) / 8 AS size FROM main.devsql_files f JOIN "
                      "main.devsql_databases d ON d.id = f.database WHERE "
                      "d.name = {name}"},
+    SystemViewSource{"sys", "extended_properties",
+                     "class tinyint, major_id int, minor_id int, name sysname, value nvarchar(3750)",
+                     "SELECT json_extract(p.key, '$[0]') AS class, json_extract(p.key, '$[1]') AS major_id, "
+                     "json_extract(p.key, '$[2]') AS minor_id, json_extract(p.key, '$[3]') AS name, p.value "
+                     "FROM (SELECT substr(name, 10) AS key, value FROM {db}.devsql_settings WHERE name LIKE "
+                     "'property:%') AS p"},
     SystemViewSource{"sys", "master_files",
                      "database_id int, file_id int, type tinyint, type_desc nvarchar(60), name sysname, "
                      "physical_name nvarchar(260), "
@@ -449,11 +457,6 @@ constexpr std::array kViews = {
                      "type_desc, f.name, f.client_path AS physical_name, 0 AS state, CAST(f.size AS INTEGER) "
                      "/ 8 AS size FROM "
                      "main.devsql_files f"},
-    SystemViewSource{"sys", "servers",
-                     "server_id int, name sysname, product sysname, provider sysname, data_source "
-                     "nvarchar(4000), is_linked bit",
-                     "SELECT id AS server_id, name, product, provider, source AS data_source, id > 0 AS "
-                     "is_linked FROM main.devsql_servers"},
     // ---------------------------------------------------------------- INFORMATION_SCHEMA
     SystemViewSource{
         "INFORMATION_SCHEMA", "TABLES",

@@ -14,5 +14,7 @@ struct SystemViewSource {
 };
 
 std::span<const SystemViewSource> SystemViewSources();
+/// Those of other servers and of replication.
+std::span<const SystemViewSource> ServerViewSources();
 
 } // namespace devsql

@@ -40,8 +40,10 @@ std::vector<SystemColumn> ParseColumns(std::string_view text) {
 
 std::vector<SystemView> LoadViews() {
     std::vector<SystemView> views;
-    for (const SystemViewSource& source : SystemViewSources()) {
-        views.push_back({source.schema, source.name, ParseColumns(source.columns), source.text});
+    for (const auto& sources : {SystemViewSources(), ServerViewSources()}) {
+        for (const SystemViewSource& source : sources) {
+            views.push_back({source.schema, source.name, ParseColumns(source.columns), source.text});
+        }
     }
     return views;
 }

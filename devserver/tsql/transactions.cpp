@@ -163,6 +163,13 @@ void SessionCore::CommitTransaction() {
         RaiseError(3930);
     }
     if (transaction_count_ == 1) {
+        // The others first: where one of them can't commit, nothing is committed here either.
+        try {
+            remote_.Commit();
+        } catch (const SqlError&) {
+            AbandonTransaction();
+            throw;
+        }
         if (connection.InTransaction()) {
             connection.Execute("COMMIT");
         }
@@ -195,12 +202,16 @@ void SessionCore::SaveTransaction(const std::string& name) {
     if (transaction_count_ == 0) {
         RaiseError(628);
     }
+    if (remote_.InTransaction()) {
+        RaiseError(627);
+    }
     BeginStorage();
     connection.Execute("SAVEPOINT user_" + std::to_string(savepoints_.size()));
     savepoints_.push_back({Folded(name), temporary_});
 }
 
 void SessionCore::AbandonTransaction() {
+    remote_.Rollback();
     if (connection.InTransaction()) {
         RollbackAround("ROLLBACK", transaction_count_ > 0 ? temporary_before_ : temporary_, true);
     }

@@ -34,6 +34,7 @@ enum class TypeId : std::uint8_t {
     Image,
     UniqueIdentifier,
     Timestamp,
+    Date, // Behind the others: databases keep these numbers.
 };
 
 /// `length` of a type declared with (max).
@@ -63,7 +64,7 @@ struct Decimal {
     friend bool operator==(const Decimal&, const Decimal&) = default;
 };
 
-/// datetime and smalldatetime.
+/// datetime, smalldatetime, and date, which has no time.
 struct DateTime {
     /// Days since 1900-01-01; datetime reaches from 1753-01-01 (-53690) to 9999-12-31 (2958463).
     std::int32_t days = 0;

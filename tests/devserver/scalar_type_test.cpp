@@ -20,7 +20,7 @@ TEST(SystemTypeTable, StandsInTheOrderOfTheIds) {
         EXPECT_TRUE(xtypes.insert(row.xtype).second) << row.name;
         EXPECT_EQ(FindTypeId(row.name), row.id);
     }
-    EXPECT_EQ(SystemTypes().size(), 24U);
+    EXPECT_EQ(SystemTypes().size(), 25U);
     EXPECT_EQ(SystemTypeOf(TypeId::NVarChar).xtype, 231);
     EXPECT_EQ(SystemTypeOf(TypeId::DateTime).xtype, 61);
     EXPECT_EQ(SystemTypeOf(TypeId::Int).odbc_type, 4);

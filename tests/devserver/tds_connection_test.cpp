@@ -151,6 +151,26 @@ TEST_F(TdsConnection, CallsReachTheEngineWithTheirParameters) {
     EXPECT_TRUE(script().calls[1].parameters.at(0).output);
 }
 
+TEST_F(TdsConnection, OutputParametersAreToldWithTheirPlacesInTheCall) {
+    script().on_call = [](FakeSession&, const RpcCall& call, ResultSink& sink) {
+        // In the order of the procedure, which is not that of the call.
+        sink.OutputParameter("@c", call.parameters.at(2).type, std::int64_t{9});
+        sink.OutputParameter("@b", call.parameters.at(1).type, std::int64_t{8});
+    };
+    TdsClient client = server_.LoggedIn();
+    const std::string integer = FromHex("26 04 04 05000000");
+    client.Send(PacketType::Rpc, FromHex("04000000 0100") + Utf16("p") + FromHex("0000 02") + Utf16("@a") +
+                                     FromHex("00") + integer + FromHex("02") + Utf16("@b") + FromHex("01") +
+                                     integer + FromHex("02") + Utf16("@c") + FromHex("01") + integer);
+    std::vector<int> places;
+    for (const fakes::Token& token : ParseTokens(client.Receive().value())) {
+        if (token.type == 0xAC) {
+            places.push_back(static_cast<std::uint8_t>(token.body.at(0)));
+        }
+    }
+    EXPECT_EQ(places, (std::vector<int>{2, 1}));
+}
+
 TEST_F(TdsConnection, AWrongCallIsAnErrorAndTheConnectionStays) {
     TdsClient client = server_.LoggedIn();
     client.Send(PacketType::Rpc, FromHex("04000000 0100") + Utf16("p") + FromHex("0000 00 00 99"));

@@ -57,6 +57,17 @@ TEST(TdsRpc, AProcedureIsCalledByItsName) {
     EXPECT_TRUE(call.parameters[1].output);
     EXPECT_TRUE(IsNull(call.parameters[1].value));
     EXPECT_TRUE(call.parameters[2].use_default);
+    EXPECT_FALSE(call.parameters[1].use_default);
+}
+
+TEST(TdsRpc, AParameterWithoutATypeIsLeftToItsDefault) {
+    const std::string data = FromHex(kHeaders) + FromHex("0100") + Utf16("p") + FromHex("0000") +
+                             FromHex("00 00 1F") + FromHex("00 00 26 04 04 05000000");
+    const RpcRequest request = ParseRpc(data, Version::V74);
+    ASSERT_EQ(ErrorOf(request), 0);
+    ASSERT_EQ(request.calls[0].parameters.size(), 2U);
+    EXPECT_TRUE(request.calls[0].parameters[0].use_default);
+    EXPECT_FALSE(request.calls[0].parameters[1].use_default);
 }
 
 TEST(TdsRpc, NumbersStandForTheProceduresOfTheSystem) {

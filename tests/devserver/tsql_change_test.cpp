@@ -285,5 +285,135 @@ abc|
 )");
 }
 
+TEST_F(Change, OutputGivesTheRowsBeforeAndAfter) {
+    EXPECT_EQ(Run(R"(
+create table t (id int identity, a varchar(9) not null default 'x', twice as a + a)
+insert t (a) output inserted.*, len(inserted.twice) as length values ('p'), ('qq')
+insert t output inserted.id default values
+update t set a = a + '!' output deleted.a as was, inserted.a, inserted.id * 10 where id < 3
+update top (1) t set a = 'first' output inserted.id from t join t u on u.id = t.id
+delete t output deleted.* where id > 1
+delete t output deleted.id where id > 1)"),
+              R"(
+id|a|twice|length
+1|p|pp|2
+2|qq|qqqq|4
+(2)
+id
+3
+(1)
+was|a|
+p|p!|10
+qq|qq!|20
+(2)
+id
+1
+(1)
+id|a|twice
+2|qq!|qq!qq!
+3|x|xx
+(2)
+id
+(0)
+)");
+}
+
+TEST_F(Change, OutputIntoKeepsTheRows) {
+    EXPECT_EQ(Run(R"(
+create table t (id int identity, a int)
+create table kept (n int identity, id int, how varchar(9))
+declare @new table (id int, a int)
+insert t output inserted.id, inserted.a into @new values (7), (8)
+delete t output deleted.id, 'gone' into kept (id, how) output deleted.a where a = 7
+select * from @new
+select * from kept
+insert t output inserted.a into kept (id) select 1 / 0
+select count(*) from t
+select count(*) from kept)"),
+              R"(
+(2)
+a
+7
+(1)
+id|a
+1|7
+2|8
+(2)
+n|id|how
+1|1|gone
+(1)
+Msg 8134.16.1 L9: Divide by zero error encountered.
+> The statement has been terminated.
+
+1
+(1)
+
+1
+(1)
+)");
+}
+
+TEST_F(Change, OutputNamesOnlyTheRowsThatThereAre) {
+    EXPECT_EQ(Run(R"(
+create table t (id int)
+GO
+insert t output deleted.id values (1)
+GO
+update t set id = 1 output inserted.nosuch
+GO
+delete t output (select 1)
+GO
+delete t output *)"),
+              R"(
+Msg 4104.16.1 L1: The multi-part identifier "deleted.id" could not be bound.
+Msg 207.16.1 L1: Invalid column name 'nosuch'.
+Msg 10705.16.1 L1: Subqueries are not allowed in the OUTPUT clause.
+Msg 107.15.1 L1: The column prefix '*' does not match with a table name or alias name used in the query.
+)");
+}
+
+TEST_F(Change, CheckIdentTellsAndSetsTheCounter) {
+    EXPECT_EQ(Run(R"(
+create table t (id int identity(1, 2), a int)
+create table u (a int)
+dbcc checkident('t', reseed, 100) with no_infomsgs
+insert t values (1)
+insert t values (1)
+delete t where id = 102
+dbcc checkident('dbo.t', noreseed)
+dbcc checkident(t, reseed, 30)
+insert t values (1)
+set identity_insert t on
+insert t (id, a) values (40, 1)
+set identity_insert t off
+dbcc checkident('t')
+insert t values (1)
+select id from t
+dbcc checkident('u')
+dbcc checkident('nosuch'))"),
+              R"(
+(1)
+(1)
+(1)
+> Checking identity information: current identity value '102', current column value '100'.
+> DBCC execution completed. If DBCC printed error messages, contact your system administrator.
+> Checking identity information: current identity value '102', current column value '30'.
+> DBCC execution completed. If DBCC printed error messages, contact your system administrator.
+(1)
+(1)
+> Checking identity information: current identity value '40', current column value '100'.
+> DBCC execution completed. If DBCC printed error messages, contact your system administrator.
+(1)
+id
+100
+32
+40
+102
+(4)
+Msg 7997.16.1 L17: 'u' does not contain an identity column.
+Msg 2501.16.45 L18: Cannot find a table or object with the name "nosuch". Check the system catalog.
+)");
+}
+
 } // namespace
 } // namespace devsql::test

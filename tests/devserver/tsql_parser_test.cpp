@@ -124,7 +124,8 @@ TEST(Parser, NamesOfArgumentsMayBeReservedWords) {
     EXPECT_EQ(ParseName("dbo.[My Table]").text(), "dbo.My Table");
     EXPECT_EQ(ParseName("table").last(), "table");
     EXPECT_EQ(ParseName("a..b").parts.size(), 3U);
-    EXPECT_TRUE(ParseName("a b").empty());
+    EXPECT_EQ(ParseName("dbo.Order Lines").last(), "Order Lines"); // OBJECT_ID takes it without brackets
+    EXPECT_TRUE(ParseName("a b].c").empty());
     EXPECT_TRUE(ParseName("").empty());
     EXPECT_TRUE(ParseName("[open").empty());
 }

@@ -416,5 +416,79 @@ TEST_F(Select, AScalarSubqueryWithTwoRowsIsAnError) {
     EXPECT_EQ(client.messages.at(0).number, 512);
 }
 
+TEST_F(Select, OffsetAndFetchTakeAPage) {
+    EXPECT_EQ(Run(R"(
+create table t (id int)
+insert t values (1), (2), (3), (4), (5)
+declare @page int = 1
+select id from t order by id desc offset @page * 2 rows fetch next 2 rows only
+select id from t order by id offset 4 rows
+select id from t where id < 2 union all select 9 order by id offset 1 row fetch first 1 row only
+GO
+select id from t order by id offset -1 rows
+GO
+select top 1 id from t order by id offset 1 rows)"),
+              R"(
+(5)
+id
+3
+2
+(2)
+id
+5
+(1)
+id
+9
+(1)
+Msg 10742.15.1 L1: The offset specified in a OFFSET clause may not be negative.
+Msg 10741.15.1 L1: A TOP can not be used in the same query or sub-query as a OFFSET.
+)");
+}
+
+TEST_F(Select, RollupAndCubeAddTheTotals) {
+    EXPECT_EQ(Run(R"(
+create table t (kind varchar(3), colour varchar(3), n int)
+insert t values ('a', 'red', 1), ('a', 'red', 2), ('a', 'tan', 4), ('b', 'red', 8)
+select kind, colour, sum(n) as n, grouping(colour) as g from t group by kind, colour with rollup order by n
+select isnull(kind, 'all') as kind, count(*) as rows from t group by rollup (kind) having count(*) > 1 order by kind
+select kind, colour, sum(n) from t group by kind, colour with cube order by 3, 1, 2
+select grouping(n) from t group by kind with rollup)"),
+              R"(
+(4)
+kind|colour|n|g
+a|red|3|0
+a|tan|4|0
+a|NULL|7|1
+b|red|8|0
+b|NULL|8|1
+NULL|NULL|15|1
+(6)
+kind|rows
+a|3
+all|4
+(2)
+kind|colour|
+a|red|3
+NULL|tan|4
+a|tan|4
+a|NULL|7
+b|NULL|8
+b|red|8
+NULL|red|11
+NULL|NULL|15
+(8)
+Msg 8161.15.1 L7: Argument 1 of the GROUPING function does not match any of the expressions in the GROUP BY clause.
+)");
+}
+
+TEST_F(Select, ANullTakesTheTypeOfTheOthersInAUnion) {
+    EXPECT_EQ(Run("select null as v union all select 'text' union all select null order by v"),
+              "\nv\nNULL\nNULL\ntext\n(3)\n");
+}
+
+TEST_F(Select, AMoneyLiteralEndsAtTheCommaThatGroupsNothing) {
+    EXPECT_EQ(Run("select $1,000.50, $19.00,17, $5,2"), "\n||||\n1000.5000|19.0000|17|5.0000|2\n(1)\n");
+}
+
 } // namespace
 } // namespace devsql::test

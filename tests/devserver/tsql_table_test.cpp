@@ -211,5 +211,18 @@ x
 )");
 }
 
+TEST_F(Tables, NamedWithTwoCrossesAreEverybodysAndGoWithTheirMaker) {
+    Client other = server.Login("master");
+    EXPECT_EQ(Run("create table ##shared (id int identity, a int)\ninsert ##shared values (5)"), "\n(1)\n");
+    EXPECT_EQ(other.Run("update ##shared set a = a + 1\nselect * from tempdb..##shared\n"
+                        "select case when object_id('tempdb..##shared') is null then 0 else 1 end"),
+              "(1)\nid|a\n1|6\n(1)\n\n1\n(1)\n");
+    EXPECT_EQ(other.Run("create table ##shared (id int)").substr(0, 12), "Msg 2714.16.");
+    EXPECT_EQ(other.Run("select 1 as n into ##made"), "(1)\n");
+    client.Leave();
+    EXPECT_EQ(other.Run("select * from ##shared"), "Msg 208.16.1 L1: Invalid object name '##shared'.\n");
+    EXPECT_EQ(other.Run("drop table ##made"), "");
+}
+
 } // namespace
 } // namespace devsql::test

@@ -40,6 +40,7 @@ Value ConvertValue(const Value& value, const Type& from, const Type& to, Style s
         return ToApproximate(value, from, to.id);
     case TypeId::DateTime:
     case TypeId::SmallDateTime:
+    case TypeId::Date:
         return ToDate(value, from, to.id, style);
     case TypeId::UniqueIdentifier:
         return ToGuid(value, from);

@@ -114,6 +114,9 @@ std::string WritePart(char part, const CivilTime& time) {
 }
 
 [[noreturn]] void OutOfRange(const Type& from, TypeId to) {
+    if (to == TypeId::Date) {
+        Raise(241);
+    }
     throw MakeError(242, {TypeName(from.id), TypeName(to)}, 3);
 }
 
@@ -163,6 +166,28 @@ Value DateFromBytes(std::string_view bytes, TypeId to) {
     return value;
 }
 
+/// As scripts that tools have generated write a date: days since 0001-01-01, the lowest byte first.
+Value DayFromBytes(std::string_view bytes) {
+    constexpr std::int64_t kDaysTo1900 = 693595;
+    std::int64_t days = 0;
+    for (std::size_t i = std::min<std::size_t>(bytes.size(), 4); i-- > 0;) {
+        days = days * 256 + static_cast<unsigned char>(bytes[i]);
+    }
+    days -= kDaysTo1900;
+    if (days < kFirstDay || days > kLastDay) {
+        Raise(241);
+    }
+    return DateTime{static_cast<std::int32_t>(days), 0};
+}
+
+/// What a style writes of a date that has no time.
+std::string_view DayPattern(std::string_view pattern) {
+    for (const std::string_view time : {" H", " h", "TH"}) {
+        pattern = pattern.substr(0, pattern.find(time));
+    }
+    return pattern;
+}
+
 } // namespace
 
 DateOrder OrderOfStyle(Style style) {
@@ -174,13 +199,15 @@ DateOrder OrderOfStyle(Style style) {
 }
 
 std::string WriteDate(const DateTime& value, const Type& type, int style) {
-    const DateStyle* found = FindStyle(style);
+    constexpr int kDayStyle = 23; // What a date is written in where no style is named.
+    const bool day = type.id == TypeId::Date;
+    const DateStyle* found = FindStyle(day && style == 0 ? kDayStyle : style);
     if (found == nullptr) {
         Raise(281, {std::to_string(style), TypeName(type.id)});
     }
     const CivilTime time = ToCivil(value);
     std::string text;
-    for (const char part : found->pattern) {
+    for (const char part : day ? DayPattern(found->pattern) : found->pattern) {
         text += WritePart(part, time);
     }
     return text;
@@ -198,12 +225,17 @@ Value ToDate(const Value& value, const Type& from, TypeId to, Style style) {
         Value operator()(const Decimal& v) const { return DateFromNumber(ToDouble(v), to); }
         Value operator()(const DateTime& v) const { return v; }
         Value operator()(const std::string& v) const { return DateFromText(v, from, to, style); }
-        Value operator()(const Bytes& v) const { return DateFromBytes(v.data, to); }
+        Value operator()(const Bytes& v) const {
+            return to == TypeId::Date ? DayFromBytes(v.data) : DateFromBytes(v.data, to);
+        }
         Value operator()(const Guid&) const { return {}; }
     };
     const Value result = std::visit(Visitor{from, to, style}, value);
     if (to == TypeId::DateTime) {
         return result;
+    }
+    if (to == TypeId::Date) {
+        return DateTime{std::get<DateTime>(result).days, 0};
     }
     const auto small = ToSmallDateTime(std::get<DateTime>(result));
     if (!small) {

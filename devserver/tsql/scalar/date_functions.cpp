@@ -17,9 +17,10 @@ DatePart PartOf(Values values, std::string_view function) {
     return *part;
 }
 
-/// A smalldatetime stays one; everything else is read as a datetime.
+/// A smalldatetime and a date stay what they are; everything else is read as a datetime.
 Type DateAddType(Types types) {
-    return Simple(types[2].id == TypeId::SmallDateTime ? TypeId::SmallDateTime : TypeId::DateTime);
+    return Simple(types[2].id == TypeId::SmallDateTime || types[2].id == TypeId::Date ? types[2].id
+                                                                                      : TypeId::DateTime);
 }
 
 Value DateAdd(Values values, Types types) {
@@ -28,6 +29,9 @@ Value DateAdd(Values values, Types types) {
         return {};
     }
     const Type type = DateAddType(types);
+    if (type.id == TypeId::Date && part >= DatePart::Hour) {
+        Raise(9810, {std::get<std::string>(values[0]), "dateadd", TypeName(type.id)});
+    }
     const auto sum = AddDatePart(part, IntOf(values[1], types[1]), DateOf(values[2], types[2]));
     const auto result = sum && type.id == TypeId::SmallDateTime ? ToSmallDateTime(*sum) : sum;
     if (!result) {
@@ -89,7 +93,56 @@ Value IsDate(Values values, Types types) {
     }
 }
 
+Value EndOfMonth(Values values, Types types) {
+    if (IsNull(values[0])) {
+        return {};
+    }
+    const std::int64_t months = values.size() > 1 && !IsNull(values[1]) ? IntOf(values[1], types[1]) : 0;
+    const auto moved = AddDatePart(DatePart::Month, months, DateOf(values[0], types[0]));
+    if (!moved) {
+        Raise(517, {TypeName(TypeId::Date)});
+    }
+    const CivilTime civil = ToCivil(*moved);
+    return DateTime{DaysFromCivil(civil.year, civil.month, DaysInMonth(civil.year, civil.month)), 0};
+}
+
+/// DATEFROMPARTS, DATETIMEFROMPARTS: numbers that make no date are error 289.
+Value FromParts(Values values, Types types) {
+    CivilTime civil;
+    std::int64_t parts[] = {1900, 1, 1, 0, 0, 0, 0};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        parts[i] = IntOf(values[i], types[i]);
+    }
+    constexpr std::int64_t kFirstYear = 1753;
+    constexpr std::int64_t kLastYear = 9999;
+    const bool valid =
+        parts[0] >= kFirstYear && parts[0] <= kLastYear && parts[1] >= 1 && parts[1] <= 12 && parts[2] >= 1 &&
+        parts[2] <= DaysInMonth(static_cast<std::int32_t>(parts[0]), static_cast<std::int32_t>(parts[1])) &&
+        parts[3] >= 0 && parts[3] < 24 && parts[4] >= 0 && parts[4] < 60 && parts[5] >= 0 && parts[5] < 60 &&
+        parts[6] >= 0 && parts[6] < 1000;
+    if (!valid) {
+        Raise(289, {values.size() == 3 ? "date" : "datetime"});
+    }
+    civil.year = static_cast<std::int32_t>(parts[0]);
+    civil.month = static_cast<std::int32_t>(parts[1]);
+    civil.day = static_cast<std::int32_t>(parts[2]);
+    civil.hour = static_cast<std::int32_t>(parts[3]);
+    civil.minute = static_cast<std::int32_t>(parts[4]);
+    civil.second = static_cast<std::int32_t>(parts[5]);
+    civil.ticks = static_cast<std::int32_t>((parts[6] * kTicksPerSecond + 500) / 1000);
+    if (civil.ticks == kTicksPerSecond) { // .999 is the next second
+        const auto next = AddDatePart(
+            DatePart::Second, 1,
+            FromCivil({civil.year, civil.month, civil.day, civil.hour, civil.minute, civil.second}));
+        return next ? Value(*next) : Value();
+    }
+    return FromCivil(civil);
+}
+
 constexpr ScalarFunction kFunctions[] = {
+    {"EOMONTH", 1, 2, Always<TypeId::Date>, EndOfMonth},
+    {"DATEFROMPARTS", 3, 3, Always<TypeId::Date>, NullIfAnyNull<FromParts>},
+    {"DATETIMEFROMPARTS", 7, 7, Always<TypeId::DateTime>, NullIfAnyNull<FromParts>},
     {"DATEADD", 3, 3, DateAddType, DateAdd},
     {"DATEDIFF", 3, 3, Always<TypeId::Int>, DateDiff},
     {"DATEPART", 2, 2, Always<TypeId::Int>, DatePartOf},

@@ -181,6 +181,7 @@ constexpr MessageTemplate kMessages[] = {
     {278, 16, "The text, ntext, and image data types cannot be used in a GROUP BY clause."},
     {279, 16, "The text, ntext, and image data types are invalid in this subquery or aggregate expression."},
     {281, 16, "%1 is not a valid style number when converting from %2 to a character string."},
+    {289, 16, "Cannot construct data type %1, some of the arguments have values which are not valid."},
     {291, 16, "CAST or CONVERT: invalid attributes specified for type '%1'"},
     {292, 16, "There is insufficient result space to convert a smallmoney value to %1."},
     {293, 16, "Cannot convert char value to smallmoney. The char value has incorrect syntax."},

@@ -301,6 +301,7 @@ constexpr MessageTemplate kMessages[] = {
     {8179, 16, "Could not find prepared statement with handle %1."},
     {8180, 16, "Statement(s) could not be prepared."},
     {8197, 16, "The object '%1' does not exist or is invalid for this operation."},
+    {9810, 16, "The datepart %1 is not supported by date function %2 for data type %3."},
     {14262, 16, "The specified %1 ('%2') does not exist."},
     {14274, 16,
      "Cannot add, update, or delete a job (or its steps or schedules) that originated from an MSX server."},

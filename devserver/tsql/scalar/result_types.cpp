@@ -75,7 +75,7 @@ Type BitOperatorType(BinaryOperator op, const Type& left, const Type& right) {
 }
 
 Type DateOperatorType(BinaryOperator op, const Type& common) {
-    if (op != BinaryOperator::Add && op != BinaryOperator::Subtract) {
+    if ((op != BinaryOperator::Add && op != BinaryOperator::Subtract) || common.id == TypeId::Date) {
         InvalidOperand(common, OperatorWord(op));
     }
     return common;

@@ -28,34 +28,36 @@ enum Kind : std::uint8_t {
     kImage,
     kNText,
     kText,
+    kDay,
 };
 
 Kind KindOf(TypeId id) {
     // In the order of TypeId.
-    constexpr std::array kinds = {kBit,     kInteger, kInteger, kInteger, kInteger, kDecimal,
-                                  kDecimal, kMoney,   kMoney,   kFloat,   kFloat,   kDate,
-                                  kDate,    kChar,    kChar,    kNChar,   kNChar,   kText,
-                                  kNText,   kBinary,  kBinary,  kImage,   kGuid,    kTimestamp};
+    constexpr std::array kinds = {kBit,   kInteger, kInteger,   kInteger, kInteger, kDecimal, kDecimal,
+                                  kMoney, kMoney,   kFloat,     kFloat,   kDate,    kDate,    kChar,
+                                  kChar,  kNChar,   kNChar,     kText,    kNText,   kBinary,  kBinary,
+                                  kImage, kGuid,    kTimestamp, kDay};
     return kinds.at(static_cast<std::size_t>(id));
 }
 
 // i: implicitly, e: by CAST and CONVERT alone, -: never.
-// Columns: binary char nchar date decimal float integer money bit timestamp guid image ntext text.
-constexpr std::array<std::string_view, 14> kConversions = {
-    "iiiii-iiiiii--", // binary
-    "eiiiiiiiieiiii", // char
-    "eiiiiiiii-i-ii", // nchar
-    "eiiieeeeee----", // date
-    "iiiiiiiiii----", // decimal
-    "iiiiiiiii-----", // float
-    "iiiiiiiiii----", // integer
-    "iiiiiiiiii----", // money
-    "iiiiiiiiii----", // bit
-    "ii-ii-iiii-i--", // timestamp
-    "iii-------i---", // uniqueidentifier
-    "i--------i-i--", // image
-    "-ii---------ii", // ntext
-    "-ii---------ii", // text
+// Columns: binary char nchar date decimal float integer money bit timestamp guid image ntext text day.
+constexpr std::array<std::string_view, 15> kConversions = {
+    "iiiii-iiiiii--e", // binary
+    "eiiiiiiiieiiiii", // char
+    "eiiiiiiii-i-iii", // nchar
+    "eiiieeeeee----i", // date
+    "iiiiiiiiii-----", // decimal
+    "iiiiiiiii------", // float
+    "iiiiiiiiii-----", // integer
+    "iiiiiiiiii-----", // money
+    "iiiiiiiiii-----", // bit
+    "ii-ii-iiii-i---", // timestamp
+    "iii-------i----", // uniqueidentifier
+    "i--------i-i---", // image
+    "-ii---------ii-", // ntext
+    "-ii---------ii-", // text
+    "-iii----------i", // date alone
 };
 
 /// The longer of two lengths of char or binary types; (max) is the longest.
@@ -96,7 +98,7 @@ bool IsNumber(TypeId id) {
 }
 
 bool IsDateTime(TypeId id) {
-    return id == TypeId::DateTime || id == SmallDateTime;
+    return id == TypeId::DateTime || id == SmallDateTime || id == Date;
 }
 
 bool IsCharacter(TypeId id) {
@@ -148,10 +150,10 @@ void RequireImplicit(TypeId from, TypeId to) {
 int Precedence(TypeId id) {
     // From the weakest to the strongest. decimal and numeric are one type under two names.
     constexpr std::array order = {
-        Binary,           VarBinary, Char,  VarChar,       NChar,           NVarChar,
-        UniqueIdentifier, Timestamp, Image, Text,          NText,           Bit,
-        TinyInt,          SmallInt,  Int,   BigInt,        SmallMoney,      Money,
-        Numeric,          Real,      Float, SmallDateTime, TypeId::DateTime};
+        Binary,           VarBinary, Char,  VarChar, NChar,         NVarChar,
+        UniqueIdentifier, Timestamp, Image, Text,    NText,         Bit,
+        TinyInt,          SmallInt,  Int,   BigInt,  SmallMoney,    Money,
+        Numeric,          Real,      Float, Date,    SmallDateTime, TypeId::DateTime};
     const TypeId one = id == TypeId::Decimal ? Numeric : id;
     return static_cast<int>(std::find(order.begin(), order.end(), one) - order.begin());
 }

@@ -20,7 +20,7 @@ bool IsDecimal(TypeId id);     ///< decimal, numeric
 bool IsMoney(TypeId id);       ///< money, smallmoney
 bool IsApproximate(TypeId id); ///< real, float
 bool IsNumber(TypeId id);      ///< all of the above and bit
-bool IsDateTime(TypeId id);    ///< datetime, smalldatetime
+bool IsDateTime(TypeId id);    ///< datetime, smalldatetime, date
 bool IsCharacter(TypeId id);   ///< char, varchar, nchar, nvarchar, text, ntext
 bool IsUnicode(TypeId id);     ///< nchar, nvarchar, ntext
 bool IsBinary(TypeId id);      ///< binary, varbinary, image, timestamp

@@ -39,6 +39,7 @@ constexpr std::array kSystemTypes = {
     SystemType{Image, "image", 34, 20, 34, 16, 0, 0, -4, "0x", "", ""},
     SystemType{UniqueIdentifier, "uniqueidentifier", 36, 0, 37, 16, 0, 0, -11, "'", "'", ""},
     SystemType{Timestamp, "timestamp", 189, 80, 45, 8, 0, 0, -2, "0x", "", ""},
+    SystemType{Date, "date", 40, 0, 40, 3, 10, 0, 91, "'", "'", ""},
 };
 
 struct Synonym {
@@ -60,6 +61,8 @@ constexpr std::array kSynonyms = {
     Synonym{"national text", NText},
     Synonym{"binary varying", VarBinary},
     Synonym{"rowversion", Timestamp},
+    // To 1/300 seconds, from 1753 on: told in the documentation.
+    Synonym{"datetime2", TypeId::DateTime},
 };
 
 constexpr std::int32_t kMaxBytes = 8000;
@@ -166,6 +169,9 @@ Type DeclaredType(TypeId id, std::optional<std::int64_t> first, std::optional<st
     }
     if (IsDecimal(id)) {
         return DeclaredDecimal(id, first.value_or(kDefaultPrecision), second.value_or(0), place);
+    }
+    if (id == TypeId::DateTime && first && !second && *first >= 0 && *first <= 7) { // datetime2(3)
+        return Simple(id);
     }
     const bool takes_one = HasLength(id) || id == Float;
     if ((first && !takes_one) || second) {
