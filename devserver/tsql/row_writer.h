@@ -84,7 +84,7 @@ class RowWriter {
     std::vector<Check> checks_;
     std::map<int, BoundPtr> defaults_; ///< by column id
     std::map<int, BoundPtr> computed_;
-    std::vector<RowValues> new_rows_; ///< for the foreign keys at the end
+    std::vector<RowValues> new_rows_;                            ///< for the foreign keys at the end
     std::vector<std::vector<std::optional<Value>>> remote_rows_; ///< go together, at the end
     struct Removed {
         RowValues before;

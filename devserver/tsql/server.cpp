@@ -8,8 +8,8 @@
 #include <thread>
 
 #include "devserver/storage/catalogue.h"
-#include "devserver/storage/paths.h"
 #include "devserver/storage/linked_servers.h"
+#include "devserver/storage/paths.h"
 #include "devserver/storage/publications.h"
 #include "devserver/tsql/bootstrap.h"
 #include "devserver/tsql/errors.h"
