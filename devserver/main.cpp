@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "devserver/linked/odbc_remote.h"
 #include "devserver/options.h"
 #include "devserver/system/end_signal.h"
 #include "devserver/tds/browser.h"
@@ -52,6 +53,7 @@ int Run(const std::vector<std::string>& arguments) {
         break;
     }
     options.engine.logins = devsql::ReadLogins(options.logins_file);
+    options.engine.connect_remote = devsql::ConnectByOdbc;
     Serve(std::move(options));
     return 0;
 }
