@@ -108,7 +108,8 @@ bool FolderExists(const std::string& path) {
 }
 
 bool FolderHoldsFile(const std::string& folder) {
-    const std::string prefix = FakeFiles::Plain(folder) + "/";
+    const std::string plain = FakeFiles::Plain(folder);
+    const std::string prefix = plain == "/" ? plain : plain + "/";
     const auto& files = FakeFiles::Current().files;
     return std::any_of(files.begin(), files.end(), [&](const auto& file) {
         return file.first.compare(0, prefix.size(), prefix) == 0 &&

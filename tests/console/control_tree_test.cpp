@@ -1,0 +1,176 @@
+// The program's table of the main window's controls against the one of these tests.
+#include <map>
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "console/control_rows.h"
+#include "console/main_form_design.h"
+#include "console/procedures_form_design.h"
+#include "ui/form.h"
+
+namespace kv {
+namespace {
+
+using console_tests::ControlRow;
+
+const std::map<std::string, ui::Kind>& Kinds() {
+    static const std::map<std::string, ui::Kind> kinds = {
+        {"text box", ui::Kind::TextBox},
+        {"frame", ui::Kind::Frame},
+        {"command button", ui::Kind::CommandButton},
+        {"label", ui::Kind::Label},
+        {"check box", ui::Kind::CheckBox},
+        {"option button", ui::Kind::OptionButton},
+        {"combo box", ui::Kind::ComboBox},
+        {"list view", ui::Kind::ListView},
+        {"picture box", ui::Kind::PictureBox},
+        {"list box", ui::Kind::ListBox},
+    };
+    return kinds;
+}
+
+const std::map<std::string, std::uint32_t>& Traits() {
+    static const std::map<std::string, std::uint32_t> traits = {
+        {"", ui::kPlain},
+        {"drop-down list", ui::kDropDownList},
+        {"drop-down with free text", ui::kPlain},
+        {"read-only", ui::kReadOnly},
+        {"read-only; multi-line, both scroll bars", ui::kReadOnly | ui::kMultiLine},
+        {"selected at start", ui::kSelected},
+        {"shows a small picture instead of a caption", ui::kPicture},
+    };
+    return traits;
+}
+
+std::string FullName(const char* name, int index) {
+    return index == ui::kNoIndex ? name : name + ("(" + std::to_string(index) + ")");
+}
+
+const ui::ControlDesign* Find(const std::string& full_name) {
+    for (const ui::ControlDesign& row : MainFormDesign().controls) {
+        if (FullName(row.name.name, row.name.index) == full_name) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+TEST(ControlTree, EveryRowStandsInTheDesign) {
+    for (const ControlRow& row : console_tests::kControlRows) {
+        const std::string name = FullName(row.name, row.index);
+        const ui::ControlDesign* design = Find(name);
+        ASSERT_NE(design, nullptr) << name;
+        EXPECT_EQ(design->kind, Kinds().at(row.kind)) << name;
+        EXPECT_STREQ(design->caption, row.caption) << name;
+        EXPECT_STREQ(design->tool_tip, row.tool_tip) << name;
+        EXPECT_EQ(design->traits, Traits().at(row.remarks)) << name;
+        std::string parent = *row.inside == '\0' ? FullName("fraMainTab", row.tab) : row.inside;
+        if (name == "lvwViewData") {
+            parent = "picListViewFrame"; // the box that the list of the page lies in
+        }
+        EXPECT_EQ(FullName(design->parent.name, design->parent.index), parent) << name;
+    }
+}
+
+TEST(ControlTree, ThePagesAreTheSevenTabs) {
+    ASSERT_EQ(MainFormDesign().tabs.size(), std::size(console_tests::kPageRows));
+    for (const auto& page : console_tests::kPageRows) {
+        EXPECT_STREQ(MainFormDesign().tabs[static_cast<std::size_t>(page.tab)], page.caption);
+        const ui::ControlDesign* frame = Find(FullName("fraMainTab", page.tab));
+        ASSERT_NE(frame, nullptr);
+        EXPECT_EQ(frame->kind, ui::Kind::Frame);
+        EXPECT_STREQ(frame->caption, page.frame_caption);
+        EXPECT_STREQ(frame->parent.name, "tabMain");
+    }
+}
+
+TEST(ControlTree, NothingStandsInTheDesignBeyondTheRowsAndTheWindowsOwnFour) {
+    std::set<std::string> expected = {"tabMain", "prbStatus", "lblStatus", "cmdClose"};
+    for (const auto& page : console_tests::kPageRows) {
+        expected.insert(FullName("fraMainTab", page.tab));
+    }
+    for (const ControlRow& row : console_tests::kControlRows) {
+        expected.insert(FullName(row.name, row.index));
+    }
+    std::set<std::string> designed;
+    for (const ui::ControlDesign& row : MainFormDesign().controls) {
+        EXPECT_TRUE(designed.insert(FullName(row.name.name, row.name.index)).second) << row.name.name;
+    }
+    EXPECT_EQ(designed, expected);
+}
+
+TEST(ControlTree, TheWindowsOwnFourLieOnItAndTheTitleIsTheDesigns) {
+    EXPECT_STREQ(MainFormDesign().caption, "Halvane Vindrel SQL Database Manager");
+    EXPECT_STREQ(Find("cmdClose")->caption, "&Close");
+    EXPECT_STREQ(Find("lblStatus")->caption, "");
+    EXPECT_EQ(Find("prbStatus")->kind, ui::Kind::ProgressBar);
+    for (const char* name : {"tabMain", "prbStatus", "lblStatus", "cmdClose"}) {
+        EXPECT_STREQ(Find(name)->parent.name, "") << name;
+    }
+}
+
+/// Whether a control lies inside what it lies on, and beside what lies there as well.
+void ExpectRoomForAll(const ui::FormDesign& form) {
+    const ui::Form made(form);
+    for (const auto& control : made.Controls()) {
+        const ui::Place& place = control->Design().place;
+        const bool on_form = control->Parent() == nullptr;
+        const int width = on_form ? form.client_width : control->Parent()->Design().place.width;
+        const int height = on_form ? form.client_height : control->Parent()->Design().place.height;
+        EXPECT_GT(place.width, 0) << control->Name();
+        EXPECT_GE(place.left, 0) << control->Name();
+        EXPECT_GE(place.top, 0) << control->Name();
+        EXPECT_LE(place.left + place.width, width) << control->Name();
+        EXPECT_LE(place.top + place.height, height) << control->Name();
+        for (const auto& other : made.Controls()) {
+            const bool pages =
+                control->Parent() != nullptr && control->Parent()->Kind() == ui::Kind::TabControl;
+            if (other == control || other->Parent() != control->Parent() || pages) {
+                continue;
+            }
+            const ui::Place& theirs = other->Design().place;
+            const bool apart =
+                place.left + place.width <= theirs.left || theirs.left + theirs.width <= place.left ||
+                place.top + place.height <= theirs.top || theirs.top + theirs.height <= place.top;
+            EXPECT_TRUE(apart) << control->Name() << " and " << other->Name();
+        }
+    }
+}
+
+TEST(ControlTree, NoControlCoversAnotherOrLeavesItsParent) {
+    ExpectRoomForAll(MainFormDesign());
+    ExpectRoomForAll(ProceduresFormDesign());
+}
+
+TEST(ControlTree, AMnemonicsLabelStandsInFrontOfItsBox) {
+    const auto& rows = MainFormDesign().controls;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].kind == ui::Kind::Label && std::string(rows[i].caption).find('&') != std::string::npos) {
+            ASSERT_LT(i + 1, rows.size());
+            EXPECT_EQ(rows[i + 1].kind, ui::Kind::TextBox) << rows[i].name.name;
+        }
+    }
+}
+
+TEST(ControlTree, TheDialogHasItsControlsInTheOrderOfTheTabKey) {
+    const char* const names[] = {"lblParameters",    "lstParameters", "lblDataType", "edtDataType",
+                                 "lblDirection",     "edtDirection",  "lblValue",    "edtValue",
+                                 "picListViewFrame", "lvwViewData",   "cmdReload",   "cmdExecute",
+                                 "cmdClose"};
+    const ui::FormDesign& design = ProceduresFormDesign();
+    ASSERT_EQ(design.controls.size(), std::size(names));
+    for (std::size_t i = 0; i < design.controls.size(); ++i) {
+        EXPECT_STREQ(design.controls[i].name.name, names[i]);
+    }
+    EXPECT_STREQ(design.caption, "Stored Procedures");
+    const ui::Form form(design);
+    EXPECT_TRUE(form.Get<ui::TextBox>("edtDataType").Locked());
+    EXPECT_TRUE(form.Get<ui::TextBox>("edtDirection").Locked());
+    EXPECT_FALSE(form.Get<ui::TextBox>("edtValue").Locked());
+    EXPECT_EQ(form.Get<ui::TextBox>("edtDirection").BackColor(), ui::kButtonFaceBackground);
+}
+
+} // namespace
+} // namespace kv
