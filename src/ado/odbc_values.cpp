@@ -18,20 +18,11 @@ struct ToVariant {
         return type == odbc::SqlType::Real ? Variant(static_cast<float>(value)) : Variant(value);
     }
     Variant operator()(std::string& value) const {
-        const bool exact = type == odbc::SqlType::Decimal || type == odbc::SqlType::Numeric;
-        return exact ? Variant(Decimal{std::move(value)}) : Variant(std::move(value));
+        return IsExact(type) ? Variant(Decimal{std::move(value)}) : Variant(std::move(value));
     }
     Variant operator()(odbc::Bytes& value) const { return std::move(value); }
     Variant operator()(const odbc::Timestamp& value) const { return value; }
-    Variant operator()(const odbc::Guid& value) const {
-        char text[40];
-        std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", value.data1,
-                      unsigned{value.data2}, unsigned{value.data3}, unsigned{value.data4[0]},
-                      unsigned{value.data4[1]}, unsigned{value.data4[2]}, unsigned{value.data4[3]},
-                      unsigned{value.data4[4]}, unsigned{value.data4[5]}, unsigned{value.data4[6]},
-                      unsigned{value.data4[7]});
-        return text;
-    }
+    Variant operator()(const odbc::Guid& value) const { return TextOf(value); }
 };
 
 struct ToOdbc {
@@ -46,6 +37,20 @@ struct ToOdbc {
 };
 
 } // namespace
+
+bool IsExact(odbc::SqlType type) {
+    return type == odbc::SqlType::Decimal || type == odbc::SqlType::Numeric;
+}
+
+std::string TextOf(const odbc::Guid& guid) {
+    char text[40];
+    std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.data1,
+                  unsigned{guid.data2}, unsigned{guid.data3}, unsigned{guid.data4[0]},
+                  unsigned{guid.data4[1]}, unsigned{guid.data4[2]}, unsigned{guid.data4[3]},
+                  unsigned{guid.data4[4]}, unsigned{guid.data4[5]}, unsigned{guid.data4[6]},
+                  unsigned{guid.data4[7]});
+    return text;
+}
 
 Variant VariantOf(odbc::SqlType type, odbc::Value& value) {
     return std::visit(ToVariant{type}, value);

@@ -93,4 +93,11 @@ void Recordset::MoveNext() {
     ReadRow();
 }
 
+RowStore Recordset::GetRows() {
+    CheckOpen();
+    position_ = 0;
+    next_ = {};
+    return std::exchange(rows_, {});
+}
+
 } // namespace ado

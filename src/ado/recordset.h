@@ -58,6 +58,9 @@ class Recordset {
     bool Bof() const;
     void MoveFirst();
     void MoveNext();
+    /// Gives all rows away from the first on; the recordset is at its end then and has none. For readers of
+    /// whole results, who need no row of their own beside it.
+    RowStore GetRows();
     ado::Fields Fields() const { return ado::Fields(*this); }
 
   private:

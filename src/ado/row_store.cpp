@@ -1,50 +1,83 @@
 #include "ado/row_store.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdint>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 #include "ado/packed_number.h"
+#include "platform/code_page.h"
 
 namespace ado {
 namespace {
 
+/// A chunk that has so many bytes takes no further row.
 constexpr std::size_t kChunkBytes = std::size_t{1024} * 1024;
 
-class Writer {
-  public:
-    explicit Writer(std::string& to) : to_(to) {}
-
-    void operator()(std::monostate) const {}
-    void operator()(Null) const {}
-    void operator()(bool value) const { to_ += value ? '\1' : '\0'; }
-    void operator()(std::int64_t value) const {
-        // The sign goes last, so that small negative numbers are short too.
-        const auto bits = static_cast<std::uint64_t>(value);
-        PutNumber(to_, (bits << 1U) ^ (value < 0 ? ~std::uint64_t{0} : 0));
+/// The lower half of a value's first byte is its kind, the place of its type among the variant's.
+template <class T, std::size_t Index = 0>
+constexpr std::size_t KindOf() {
+    if constexpr (std::is_same_v<std::variant_alternative_t<Index, Variant::Storage>, T>) {
+        return Index;
+    } else {
+        return KindOf<T, Index + 1>();
     }
-    void operator()(float value) const { Raw(value); }
-    void operator()(double value) const { Raw(value); }
-    void operator()(const Decimal& value) const { Text(value.digits); }
-    void operator()(const Date& value) const { Raw(value); }
-    void operator()(const std::string& value) const { Text(value); }
-    void operator()(const ByteArray& value) const { Text(value.data); }
+}
+constexpr unsigned kKindBits = 4;
+constexpr unsigned kKindMask = (1U << kKindBits) - 1;
+static_assert(std::variant_size_v<Variant::Storage> <= kKindMask);
 
-  private:
-    template <class T>
-    void Raw(const T& value) const {
-        static_assert(std::is_trivially_copyable_v<T>);
-        to_.append(reinterpret_cast<const char*>(&value), sizeof value);
-    }
-    void Text(const std::string& text) const {
-        PutNumber(to_, text.size());
-        to_ += text;
-    }
+/// The upper half is a number that the kind has a use for. This one says that it follows as a packed number.
+constexpr std::size_t kFollows = 15;
 
-    std::string& to_;
+char FirstByte(std::size_t kind, std::size_t number = 0) {
+    return static_cast<char>(kind | (number << kKindBits));
+}
+
+/// The sign goes last, so that small negative numbers are short too.
+std::uint64_t Zigzag(std::int64_t value) {
+    return (static_cast<std::uint64_t>(value) << 1U) ^ (value < 0 ? ~std::uint64_t{0} : 0);
+}
+
+std::int64_t FromZigzag(std::uint64_t bits) {
+    return static_cast<std::int64_t>((bits >> 1U) ^ ((bits & 1U) != 0 ? ~std::uint64_t{0} : 0));
+}
+
+template <class T>
+void PutRaw(std::string& to, std::size_t kind, const T& value) {
+    static_assert(std::is_trivially_copyable_v<T>);
+    char packed[1 + sizeof value];
+    packed[0] = FirstByte(kind);
+    std::memcpy(packed + 1, &value, sizeof value);
+    to.append(packed, sizeof packed);
+}
+
+void PutSize(std::string& to, std::size_t kind, std::size_t size) {
+    if (size < kFollows) {
+        to += FirstByte(kind, size);
+    } else {
+        to += FirstByte(kind, kFollows);
+        PutNumber(to, size);
+    }
+}
+
+struct Putter {
+    RowStore& store;
+
+    void operator()(std::monostate) const { store.PutEmpty(); }
+    void operator()(Null) const { store.PutNull(); }
+    void operator()(bool value) const { store.PutBoolean(value); }
+    void operator()(std::int64_t value) const { store.PutWhole(value); }
+    void operator()(float value) const { store.PutSingle(value); }
+    void operator()(double value) const { store.PutDouble(value); }
+    void operator()(const Decimal& value) const { store.PutDecimal(value.digits); }
+    void operator()(const Date& value) const { store.PutDate(value); }
+    void operator()(const std::string& value) const { store.PutText(value); }
+    void operator()(const ByteArray& value) const { store.PutBytes(value.data); }
 };
 
+/// Takes values from a row, one after the other.
 class Reader {
   public:
     Reader(const std::string& from, std::size_t& offset) : from_(from), offset_(offset) {}
@@ -53,21 +86,45 @@ class Reader {
         static constexpr std::array<Variant (Reader::*)(), std::variant_size_v<Variant::Storage>> kKinds = {
             &Reader::Empty,       &Reader::Nothing, &Reader::Boolean,   &Reader::Whole,  &Reader::Raw<float>,
             &Reader::Raw<double>, &Reader::Exact,   &Reader::Raw<Date>, &Reader::String, &Reader::Bytes};
-        const auto kind = static_cast<unsigned char>(from_[offset_++]);
-        return (this->*kKinds.at(kind))();
+        const auto byte = static_cast<unsigned char>(from_[offset_++]);
+        number_ = byte >> kKindBits;
+        return (this->*kKinds.at(byte & kKindMask))();
+    }
+
+    void Skip() {
+        const auto byte = static_cast<unsigned char>(from_[offset_++]);
+        number_ = byte >> kKindBits;
+        switch (byte & kKindMask) {
+        case KindOf<std::int64_t>():
+            Number();
+            break;
+        case KindOf<float>():
+            offset_ += sizeof(float);
+            break;
+        case KindOf<double>():
+            offset_ += sizeof(double);
+            break;
+        case KindOf<Date>():
+            offset_ += sizeof(Date);
+            break;
+        case KindOf<Decimal>():
+        case KindOf<std::string>():
+        case KindOf<ByteArray>():
+            Text();
+            break;
+        default: // nothing behind the first byte
+            break;
+        }
     }
 
   private:
     Variant Empty() { return {}; }
     Variant Nothing() { return Null(); }
-    Variant Boolean() { return from_[offset_++] != '\0'; }
-    Variant Whole() {
-        const std::uint64_t number = Number();
-        return static_cast<std::int64_t>((number >> 1U) ^ ((number & 1U) != 0 ? ~std::uint64_t{0} : 0));
-    }
-    Variant Exact() { return Decimal{Text()}; }
-    Variant String() { return Text(); }
-    Variant Bytes() { return ByteArray{Text()}; }
+    Variant Boolean() { return number_ != 0; }
+    Variant Whole() { return FromZigzag(Number()); }
+    Variant Exact() { return Decimal{std::string(Text())}; }
+    Variant String() { return std::string(Text()); }
+    Variant Bytes() { return ByteArray{std::string(Text())}; }
     template <class T>
     Variant Raw() {
         T value;
@@ -76,43 +133,125 @@ class Reader {
         return value;
     }
 
-    std::uint64_t Number() { return TakeNumber(from_, offset_); }
-    std::string Text() {
+    std::uint64_t Number() { return number_ < kFollows ? number_ : TakeNumber(from_, offset_); }
+    std::string_view Text() {
         const std::size_t size = Number();
-        std::string text = from_.substr(offset_, size);
-        offset_ += size;
-        return text;
+        return std::string_view(from_).substr(std::exchange(offset_, offset_ + size), size);
     }
 
     const std::string& from_;
     std::size_t& offset_;
+    std::uint64_t number_ = 0; ///< of the value's first byte
 };
 
 } // namespace
 
 void RowStore::Append(const std::vector<Variant>& row) {
-    if (chunks_.empty()) {
-        chunks_.emplace_back();
-    } else if (chunks_.back().size() >= kChunkBytes) {
-        chunks_.emplace_back().reserve(kChunkBytes + kChunkBytes / 16);
-    }
-    std::string& chunk = chunks_.back();
+    BeginRow();
     for (const Variant& value : row) {
-        chunk += static_cast<char>(value.Get().index());
-        std::visit(Writer(chunk), value.Get());
+        std::visit(Putter{*this}, value.Get());
     }
+}
+
+void RowStore::BeginRow() {
+    if (chunks_.empty() || Values().size() >= kChunkBytes) {
+        const bool first = chunks_.empty();
+        if (!first) {
+            chunks_.back().row_starts.shrink_to_fit();
+        }
+        Chunk& chunk = chunks_.emplace_back();
+        chunk.first_row = row_count_;
+        if (!first) { // a small result stays small
+            chunk.values.reserve(kChunkBytes + kChunkBytes / 64);
+        }
+    }
+    chunks_.back().row_starts.push_back(static_cast<std::uint32_t>(Values().size()));
     ++row_count_;
 }
 
+void RowStore::PutEmpty() {
+    Values() += FirstByte(KindOf<std::monostate>());
+}
+void RowStore::PutNull() {
+    Values() += FirstByte(KindOf<Null>());
+}
+void RowStore::PutBoolean(bool value) {
+    Values() += FirstByte(KindOf<bool>(), value ? 1 : 0);
+}
+void RowStore::PutWhole(std::int64_t value) {
+    PutSize(Values(), KindOf<std::int64_t>(), Zigzag(value));
+}
+void RowStore::PutSingle(float value) {
+    PutRaw(Values(), KindOf<float>(), value);
+}
+void RowStore::PutDouble(double value) {
+    PutRaw(Values(), KindOf<double>(), value);
+}
+void RowStore::PutDate(const Date& value) {
+    PutRaw(Values(), KindOf<Date>(), value);
+}
+void RowStore::PutDecimal(std::string_view digits) {
+    PutSized(KindOf<Decimal>(), digits);
+}
+void RowStore::PutText(std::string_view text) {
+    PutSized(KindOf<std::string>(), text);
+}
+void RowStore::PutBytes(std::string_view bytes) {
+    PutSized(KindOf<ByteArray>(), bytes);
+}
+void RowStore::PutWideDecimal(std::u16string_view digits) {
+    PutWideSized(KindOf<Decimal>(), digits);
+}
+void RowStore::PutWideText(std::u16string_view text) {
+    PutWideSized(KindOf<std::string>(), text);
+}
+
+void RowStore::PutSized(std::size_t kind, std::string_view bytes) {
+    PutSize(Values(), kind, bytes.size());
+    Values() += bytes;
+}
+
+void RowStore::PutWideSized(std::size_t kind, std::u16string_view text) {
+    std::string& values = Values();
+    const std::size_t begin = values.size();
+    PutSize(values, kind, text.size());
+    const std::size_t text_begin = values.size();
+    platform::AppendNarrow(values, text);
+    const std::size_t size = values.size() - text_begin;
+    if (size != text.size()) { // a character of two units is one byte
+        const std::string narrow = values.substr(text_begin);
+        values.resize(begin);
+        PutSized(kind, narrow);
+    }
+}
+
 void RowStore::Read(Place& place, std::vector<Variant>& row) const {
-    if (place.offset == chunks_[place.chunk].size()) {
+    if (place.offset == chunks_[place.chunk].values.size()) {
         ++place.chunk;
         place.offset = 0;
     }
-    Reader reader(chunks_[place.chunk], place.offset);
+    Reader reader(chunks_[place.chunk].values, place.offset);
     for (Variant& value : row) {
         value = reader.Next();
     }
+}
+
+Variant RowStore::Value(std::size_t row, std::size_t column) const {
+    const Chunk& chunk = *(std::ranges::upper_bound(chunks_, row, {}, &Chunk::first_row) - 1);
+    std::size_t offset = chunk.row_starts[row - chunk.first_row];
+    Reader reader(chunk.values, offset);
+    for (; column > 0; --column) {
+        reader.Skip();
+    }
+    return reader.Next();
+}
+
+std::size_t RowStore::Bytes() const {
+    std::size_t bytes = chunks_.capacity() * sizeof(Chunk);
+    for (const Chunk& chunk : chunks_) {
+        bytes += chunk.values.capacity() + chunk.row_starts.capacity() * sizeof(std::uint32_t);
+    }
+    return bytes;
 }
 
 } // namespace ado

@@ -11,22 +11,43 @@ namespace {
 
 namespace odbc = platform::odbc;
 
+/// Stores a value as the driver has it, without a stop on the way. `type` is its column's.
+void Put(RowStore& store, odbc::SqlType type, const odbc::CellView& cell) {
+    switch (cell.kind) {
+    case odbc::CellKind::Null:
+        return store.PutNull();
+    case odbc::CellKind::Bit:
+        return store.PutBoolean(*cell.data != 0);
+    case odbc::CellKind::Whole:
+        return store.PutWhole(cell.As<std::int64_t>());
+    case odbc::CellKind::Double:
+        return type == odbc::SqlType::Real ? store.PutSingle(static_cast<float>(cell.As<double>()))
+                                           : store.PutDouble(cell.As<double>());
+    case odbc::CellKind::Timestamp:
+        return store.PutDate(odbc::TimestampAt(cell.data));
+    case odbc::CellKind::Guid:
+        return store.PutText(TextOf(cell.As<odbc::Guid>()));
+    case odbc::CellKind::Binary:
+        return store.PutBytes({cell.data, cell.size});
+    case odbc::CellKind::Text:
+        return IsExact(type) ? store.PutWideDecimal(cell.Text()) : store.PutWideText(cell.Text());
+    }
+}
+
 std::unique_ptr<Recordset> ReadRows(odbc::Statement& statement) {
     odbc::RowReader reader(statement);
-    const std::vector<odbc::Column>& columns = reader.Columns();
     std::vector<std::string> names;
-    names.reserve(columns.size());
-    for (const odbc::Column& column : columns) {
+    std::vector<odbc::SqlType> types;
+    for (const odbc::Column& column : reader.Columns()) {
         names.push_back(column.name);
+        types.push_back(column.type);
     }
     RowStore store;
-    std::vector<odbc::Value> from;
-    std::vector<Variant> row(columns.size());
-    while (reader.Next(from)) {
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            row[i] = VariantOf(columns[i].type, from[i]);
+    while (reader.NextRow()) {
+        store.BeginRow();
+        for (std::size_t i = 0; i < types.size(); ++i) {
+            Put(store, types[i], reader.View(i));
         }
-        store.Append(row);
     }
     return std::make_unique<Recordset>(std::move(names), std::move(store));
 }

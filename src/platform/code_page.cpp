@@ -43,13 +43,30 @@ std::u16string Widen(std::string_view text) {
 
 std::string Narrow(std::u16string_view text) {
     std::string narrow;
-    narrow.reserve(text.size());
+    AppendNarrow(narrow, text);
+    return narrow;
+}
+
+void AppendNarrow(std::string& to, std::u16string_view text) {
+    const std::size_t begin = to.size();
+    to.resize(begin + text.size());
+    char* next = to.data() + begin;
+    char16_t seen = 0;
+    for (const char16_t unit : text) {
+        seen |= unit;
+    }
+    if (seen < kFirstOdd) { // most text is plain, and needs no look at any of its characters
+        for (const char16_t unit : text) {
+            *next++ = static_cast<char>(unit);
+        }
+        return;
+    }
     for (const char16_t unit : text) {
         if (!IsLowSurrogate(unit)) { // the high one of the pair has given its "?"
-            narrow += NarrowUnit(unit);
+            *next++ = NarrowUnit(unit);
         }
     }
-    return narrow;
+    to.resize(static_cast<std::size_t>(next - to.data()));
 }
 
 } // namespace platform

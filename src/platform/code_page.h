@@ -10,5 +10,7 @@ namespace platform {
 std::u16string Widen(std::string_view text);
 /// A character that the code page lacks becomes "?"; one that takes two units, one "?".
 std::string Narrow(std::u16string_view text);
+/// The same, behind what `to` holds.
+void AppendNarrow(std::string& to, std::u16string_view text);
 
 } // namespace platform

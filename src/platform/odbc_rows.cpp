@@ -21,7 +21,10 @@ constexpr std::size_t kPieceBytes = 64 * 1024;
 /// A column that is bound, with a value and an indicator for each row of the block.
 struct BoundColumn {
     SQLSMALLINT c_type = SQL_C_WCHAR;
-    std::size_t width = 0; ///< bytes of a value
+    CellKind kind = CellKind::Text;
+    bool varies = false;   ///< in length, up to `room` bytes
+    std::size_t width = 0; ///< bytes of a value's place
+    std::size_t room = 0;
     std::vector<char> data;
     std::vector<SQLLEN> indicators;
 };
@@ -49,17 +52,18 @@ struct RowReader::State {
     std::vector<BoundColumn> bound; ///< of the columns in front of the first long one
     std::vector<SQLUSMALLINT> row_status;
     std::vector<char> piece;
+    std::string whole; ///< the long value that was read last
     std::size_t block_rows = 1;
     SQLULEN fetched = 0;
-    std::size_t next = 0; ///< row of the block that Next gives
+    std::size_t next = 0; ///< row of the block that NextRow goes to
     bool ended = false;   ///< a further fetch would be out of order
 
     ~State() { Release(); }
     void Layout();
     void BindAll();
     bool FetchBlock();
-    Value BoundValue(std::size_t column, std::size_t row) const;
-    Value LongValue(std::size_t column);
+    CellView BoundView(std::size_t column, std::size_t row) const;
+    CellView LongView(std::size_t column);
     void Release() noexcept;
 };
 
@@ -73,7 +77,10 @@ void RowReader::State::Layout() {
         }
         BoundColumn& next_bound = bound.emplace_back();
         next_bound.c_type = BufferType(column.type);
+        next_bound.kind = KindOf(next_bound.c_type);
+        next_bound.varies = FixedSize(next_bound.c_type) == 0;
         next_bound.width = WidthOf(column, next_bound.c_type);
+        next_bound.room = RoomFor(next_bound.c_type, next_bound.width);
         row_bytes += next_bound.width + sizeof(SQLLEN);
     }
     if (bound.size() == columns.size()) {
@@ -120,29 +127,33 @@ bool RowReader::State::FetchBlock() {
     return got;
 }
 
-Value RowReader::State::BoundValue(std::size_t column, std::size_t row) const {
+CellView RowReader::State::BoundView(std::size_t column, std::size_t row) const {
     const BoundColumn& buffer = bound[column];
     const SQLLEN indicator = buffer.indicators[row];
-    const std::size_t room = RoomFor(buffer.c_type, buffer.width);
-    const bool varies = FixedSize(buffer.c_type) == 0;
-    if (varies && indicator != SQL_NULL_DATA &&
-        (indicator < 0 || static_cast<std::size_t>(indicator) > room)) {
+    if (indicator == SQL_NULL_DATA) {
+        return {};
+    }
+    const char* const data = buffer.data.data() + row * buffer.width;
+    if (!buffer.varies) {
+        return {buffer.kind, data, buffer.width};
+    }
+    if (indicator < 0 || static_cast<std::size_t>(indicator) > buffer.room) {
         Diagnostic cut;
         cut.sql_state = "01004";
         cut.message = "The column '" + columns[column].name + "' holds a value of " +
-                      std::to_string(indicator) + " bytes, more than the " + std::to_string(room) +
+                      std::to_string(indicator) + " bytes, more than the " + std::to_string(buffer.room) +
                       " of its description";
         throw OdbcError("SQLFetch", {std::move(cut)});
     }
-    return ReadValue(buffer.c_type, buffer.data.data() + row * buffer.width, indicator);
+    return {buffer.kind, data, static_cast<std::size_t>(indicator)};
 }
 
-Value RowReader::State::LongValue(std::size_t column) {
+CellView RowReader::State::LongView(std::size_t column) {
     Handle& handle = statement->Owner();
     const SQLSMALLINT c_type = BufferType(columns[column].type);
     piece.resize(kPieceBytes);
     const std::size_t room = RoomFor(c_type, piece.size());
-    std::string whole;
+    whole.clear();
     for (;;) {
         SQLLEN indicator = 0;
         const SQLRETURN code = SQLGetData(handle.Get(), static_cast<SQLUSMALLINT>(column + 1), c_type,
@@ -151,11 +162,8 @@ Value RowReader::State::LongValue(std::size_t column) {
         if (!got) {
             break;
         }
-        if (indicator == SQL_NULL_DATA) {
-            return {};
-        }
-        if (FixedSize(c_type) != 0) {
-            return ReadValue(c_type, piece.data(), indicator);
+        if (indicator == SQL_NULL_DATA || FixedSize(c_type) != 0) {
+            return ViewOf(c_type, piece.data(), indicator);
         }
         const bool cut = indicator == SQL_NO_TOTAL || static_cast<std::size_t>(indicator) > room;
         whole.append(piece.data(), cut ? room : static_cast<std::size_t>(indicator));
@@ -163,7 +171,7 @@ Value RowReader::State::LongValue(std::size_t column) {
             break;
         }
     }
-    return ReadValue(c_type, whole.data(), static_cast<SQLLEN>(whole.size()));
+    return ViewOf(c_type, whole.data(), static_cast<SQLLEN>(whole.size()));
 }
 
 void RowReader::State::Release() noexcept {
@@ -190,17 +198,24 @@ const std::vector<Column>& RowReader::Columns() const {
     return state_->columns;
 }
 
-bool RowReader::Next(std::vector<Value>& row) {
+bool RowReader::NextRow() {
     State& state = *state_;
-    if (state.next >= state.fetched && (state.ended || !state.FetchBlock())) {
+    ++state.next;
+    return state.next < state.fetched || (!state.ended && state.FetchBlock());
+}
+
+CellView RowReader::View(std::size_t column) {
+    return column < state_->bound.size() ? state_->BoundView(column, state_->next) : state_->LongView(column);
+}
+
+bool RowReader::Next(std::vector<Value>& row) {
+    if (!NextRow()) {
         return false;
     }
-    row.resize(state.columns.size());
+    row.resize(state_->columns.size());
     for (std::size_t column = 0; column < row.size(); ++column) {
-        row[column] =
-            column < state.bound.size() ? state.BoundValue(column, state.next) : state.LongValue(column);
+        row[column] = ReadValue(View(column));
     }
-    ++state.next;
     return true;
 }
 

@@ -123,7 +123,17 @@ void Statement::Execute() {
 
 Value Statement::ParameterValue(std::uint16_t position) const {
     const BoundParameter& bound = *parameters_.at(position - 1U);
-    return ReadValue(bound.buffer.c_type, bound.buffer.data.data(), bound.indicator);
+    const std::size_t room =
+        bound.buffer.data.size() - (bound.buffer.c_type == SQL_C_WCHAR ? sizeof(char16_t) : 0);
+    if (bound.indicator != SQL_NULL_DATA && FixedSize(bound.buffer.c_type) == 0 &&
+        (bound.indicator < 0 || static_cast<std::size_t>(bound.indicator) > room)) {
+        Diagnostic cut;
+        cut.sql_state = "01004";
+        cut.message = "Parameter " + std::to_string(position) + " gave back a value of more than the " +
+                      std::to_string(room) + " bytes of its description";
+        throw OdbcError("SQLBindParameter", {std::move(cut)});
+    }
+    return ReadValue(ViewOf(bound.buffer.c_type, bound.buffer.data.data(), bound.indicator));
 }
 
 bool Statement::MoreResults() {

@@ -37,28 +37,11 @@ constexpr std::size_t kMaxPrecision = 38;
 constexpr std::size_t kMaxInRow = 8000;
 
 template <class T>
-T Load(const char* data) {
-    T value;
-    std::memcpy(&value, data, sizeof value);
-    return value;
-}
-
-template <class T>
 std::vector<char> Store(const T& value) {
     static_assert(std::is_trivially_copyable_v<T>);
     std::vector<char> data(sizeof value);
     std::memcpy(data.data(), &value, sizeof value);
     return data;
-}
-
-Timestamp FromOdbc(const SQL_TIMESTAMP_STRUCT& from) {
-    return {from.year,
-            from.month,
-            from.day,
-            from.hour,
-            from.minute,
-            from.second,
-            static_cast<std::uint32_t>(from.fraction)};
 }
 
 SQL_TIMESTAMP_STRUCT ToOdbc(const Timestamp& from) {
@@ -126,27 +109,65 @@ std::size_t FixedSize(SQLSMALLINT c_type) {
     }
 }
 
-Value ReadValue(SQLSMALLINT c_type, const char* data, SQLLEN indicator) {
+CellKind KindOf(SQLSMALLINT c_type) {
+    switch (c_type) {
+    case SQL_C_BIT:
+        return CellKind::Bit;
+    case SQL_C_SBIGINT:
+        return CellKind::Whole;
+    case SQL_C_DOUBLE:
+        return CellKind::Double;
+    case SQL_C_TYPE_TIMESTAMP:
+        return CellKind::Timestamp;
+    case SQL_C_GUID:
+        return CellKind::Guid;
+    case SQL_C_BINARY:
+        return CellKind::Binary;
+    default:
+        return CellKind::Text;
+    }
+}
+
+CellView ViewOf(SQLSMALLINT c_type, const char* data, SQLLEN indicator) {
     if (indicator == SQL_NULL_DATA) {
         return {};
     }
-    switch (c_type) {
-    case SQL_C_BIT:
-        return *data != 0;
-    case SQL_C_SBIGINT:
-        return Load<std::int64_t>(data);
-    case SQL_C_DOUBLE:
-        return Load<double>(data);
-    case SQL_C_TYPE_TIMESTAMP:
-        return FromOdbc(Load<SQL_TIMESTAMP_STRUCT>(data));
-    case SQL_C_GUID:
-        return Load<Guid>(data);
-    case SQL_C_BINARY:
-        return Bytes{std::string(data, static_cast<std::size_t>(indicator))};
-    default:
-        return Narrow({reinterpret_cast<const char16_t*>(data),
-                       static_cast<std::size_t>(indicator) / sizeof(char16_t)});
+    const std::size_t fixed = FixedSize(c_type);
+    return {KindOf(c_type), data, fixed != 0 ? fixed : static_cast<std::size_t>(indicator)};
+}
+
+Timestamp TimestampAt(const char* data) {
+    SQL_TIMESTAMP_STRUCT from;
+    std::memcpy(&from, data, sizeof from);
+    return {from.year,
+            from.month,
+            from.day,
+            from.hour,
+            from.minute,
+            from.second,
+            static_cast<std::uint32_t>(from.fraction)};
+}
+
+Value ReadValue(const CellView& view) {
+    switch (view.kind) {
+    case CellKind::Null:
+        return {};
+    case CellKind::Bit:
+        return *view.data != 0;
+    case CellKind::Whole:
+        return view.As<std::int64_t>();
+    case CellKind::Double:
+        return view.As<double>();
+    case CellKind::Timestamp:
+        return TimestampAt(view.data);
+    case CellKind::Guid:
+        return view.As<Guid>();
+    case CellKind::Binary:
+        return Bytes{std::string(view.data, view.size)};
+    case CellKind::Text:
+        break;
     }
+    return Narrow(view.Text());
 }
 
 ValueBuffer MakeParameterBuffer(const Parameter& parameter) {

@@ -10,6 +10,7 @@
 #include "platform/code_page.h"
 #include "platform/odbc.h"
 #include "platform/odbc_api.h"
+#include "platform/odbc_rows.h"
 
 namespace platform::odbc {
 
@@ -61,8 +62,10 @@ class TextBuffer {
 SQLSMALLINT BufferType(SqlType type);
 /// Bytes that one value of the buffer type takes; 0 for text and bytes, whose length varies.
 std::size_t FixedSize(SQLSMALLINT c_type);
+CellKind KindOf(SQLSMALLINT c_type);
 /// The value that lies at `data`; `indicator` is its length in bytes or SQL_NULL_DATA.
-Value ReadValue(SQLSMALLINT c_type, const char* data, SQLLEN indicator);
+CellView ViewOf(SQLSMALLINT c_type, const char* data, SQLLEN indicator);
+Value ReadValue(const CellView& view);
 
 /// A value as a parameter marker is bound to it.
 struct ValueBuffer {

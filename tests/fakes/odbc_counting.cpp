@@ -20,6 +20,13 @@ struct Binding {
     SQLLEN* indicators = nullptr;
 };
 
+struct BoundMarker {
+    OdbcParameter shape;
+    char* data = nullptr;
+    SQLLEN room = 0;
+    SQLLEN* indicator = nullptr;
+};
+
 struct FakeHandle {
     SQLSMALLINT kind = 0;
     FakeHandle* parent = nullptr;
@@ -34,6 +41,8 @@ struct FakeHandle {
     SQLULEN* rows_fetched = nullptr;
     SQLUSMALLINT* row_status = nullptr;
     std::map<SQLUSMALLINT, Binding> bindings;
+    std::map<SQLUSMALLINT, BoundMarker> markers;
+    const std::vector<OdbcResult>* results = nullptr;
 };
 
 OdbcCounting counting;
@@ -71,23 +80,88 @@ FakeHandle* Begin(void* handle, const char* function, SQLRETURN& code) {
 }
 
 const OdbcResult& ResultOf(const FakeHandle& fake) {
-    return counting.results.at(fake.result);
+    return fake.results->at(fake.result);
+}
+
+/// The cell that lies in a buffer.
+OdbcCell Stored(int c_type, const char* data, SQLLEN indicator) {
+    if (indicator == SQL_NULL_DATA) {
+        return {};
+    }
+    if (c_type == SQL_C_SBIGINT) {
+        std::int64_t number = 0;
+        std::memcpy(&number, data, sizeof number);
+        return std::to_string(number);
+    }
+    const auto size = static_cast<std::size_t>(indicator);
+    return c_type == SQL_C_WCHAR ? platform::Narrow({reinterpret_cast<const char16_t*>(data), size / 2})
+                                 : std::string(data, size);
+}
+
+/// Writes a cell as drivers do: a text cut to the room, with its whole length told.
+void Store(const OdbcCell& cell, int c_type, char* to, SQLLEN room, SQLLEN& indicator) {
+    if (!cell) {
+        indicator = SQL_NULL_DATA;
+        return;
+    }
+    if (c_type == SQL_C_SBIGINT) {
+        const std::int64_t number = std::stoll(*cell);
+        std::memcpy(to, &number, sizeof number);
+        indicator = sizeof number;
+        return;
+    }
+    const std::u16string text = platform::Widen(*cell);
+    const std::size_t size = std::min(text.size(), static_cast<std::size_t>(room) / sizeof(char16_t) - 1);
+    std::memcpy(to, text.data(), size * sizeof(char16_t));
+    std::memset(to + size * sizeof(char16_t), 0, sizeof(char16_t));
+    indicator = static_cast<SQLLEN>(text.size() * sizeof(char16_t));
+}
+
+/// What the markers of a statement that is run say.
+void NoteParameters(FakeHandle& fake) {
+    counting.parameters.clear();
+    for (auto& [number, marker] : fake.markers) {
+        marker.shape.value = Stored(marker.shape.c_type, marker.data, *marker.indicator);
+        counting.parameters.push_back(marker.shape);
+    }
+}
+
+/// The values of the markers come behind the last result.
+void GiveOutput(FakeHandle& fake) {
+    for (auto& [number, marker] : fake.markers) {
+        if (marker.shape.direction != SQL_PARAM_INPUT && number <= counting.output.size()) {
+            Store(counting.output[number - 1U], marker.shape.c_type, marker.data, marker.room,
+                  *marker.indicator);
+        }
+    }
 }
 
 /// Goes to the result at `index`.
 SQLRETURN Enter(FakeHandle& fake, std::size_t index) {
-    fake.has_result = index < counting.results.size();
+    fake.has_result = fake.results != nullptr && index < fake.results->size();
     fake.result = index;
     fake.next_row = 0;
     if (!fake.has_result) {
+        GiveOutput(fake);
         return SQL_NO_DATA;
     }
-    const OdbcResult& result = counting.results[index];
+    const OdbcResult& result = (*fake.results)[index];
     fake.records = result.records;
     if (result.fails) {
         return SQL_ERROR;
     }
     return result.records.empty() ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
+}
+
+SQLRETURN Run(FakeHandle& fake) {
+    NoteParameters(fake);
+    fake.results = &counting.results;
+    return Enter(fake, 0);
+}
+
+SQLRETURN RunCatalogue(FakeHandle& fake) {
+    fake.results = counting.catalogue.empty() ? &counting.results : &counting.catalogue;
+    return Enter(fake, 0);
 }
 
 std::string Narrowed(const SQLWCHAR* text, SQLINTEGER length) {
@@ -119,8 +193,12 @@ std::u16string CellText(std::size_t row) {
     return platform::Widen("row " + std::to_string(row) + " \x80");
 }
 
-void WriteCell(const Binding& binding, std::size_t at, std::size_t row) {
+void WriteCell(const Binding& binding, std::size_t at, std::size_t row, const OdbcCell* laid_out) {
     char* const to = binding.data + static_cast<std::size_t>(binding.width) * at;
+    if (laid_out != nullptr) {
+        Store(*laid_out, binding.c_type, to, binding.width, binding.indicators[at]);
+        return;
+    }
     if (binding.c_type == SQL_C_SBIGINT) {
         const auto number = static_cast<std::int64_t>(row);
         std::memcpy(to, &number, sizeof number);
@@ -301,7 +379,7 @@ SQLRETURN SQL_API SQLExecDirectW(SQLHSTMT handle, SQLWCHAR* text, SQLINTEGER len
     SQLRETURN code = SQL_SUCCESS;
     if (FakeHandle* const fake = Begin(handle, "SQLExecDirect", code)) {
         counting.last_statement = Narrowed(text, length);
-        code = Enter(*fake, 0);
+        code = Run(*fake);
     }
     return code;
 }
@@ -314,17 +392,21 @@ SQLRETURN SQL_API SQLPrepareW(SQLHSTMT handle, SQLWCHAR* text, SQLINTEGER length
     return code;
 }
 
-SQLRETURN SQL_API SQLBindParameter(SQLHSTMT handle, SQLUSMALLINT, SQLSMALLINT, SQLSMALLINT, SQLSMALLINT,
-                                   SQLULEN, SQLSMALLINT, SQLPOINTER, SQLLEN, SQLLEN*) {
+SQLRETURN SQL_API SQLBindParameter(SQLHSTMT handle, SQLUSMALLINT number, SQLSMALLINT direction,
+                                   SQLSMALLINT c_type, SQLSMALLINT sql_type, SQLULEN size, SQLSMALLINT digits,
+                                   SQLPOINTER data, SQLLEN room, SQLLEN* indicator) {
     SQLRETURN code = SQL_SUCCESS;
-    Begin(handle, "SQLBindParameter", code);
+    if (FakeHandle* const fake = Begin(handle, "SQLBindParameter", code)) {
+        fake->markers[number] = {
+            {direction, c_type, sql_type, size, digits}, static_cast<char*>(data), room, indicator};
+    }
     return code;
 }
 
 SQLRETURN SQL_API SQLExecute(SQLHSTMT handle) {
     SQLRETURN code = SQL_SUCCESS;
     if (FakeHandle* const fake = Begin(handle, "SQLExecute", code)) {
-        code = Enter(*fake, 0);
+        code = Run(*fake);
     }
     return code;
 }
@@ -348,7 +430,10 @@ SQLRETURN SQL_API SQLNumResultCols(SQLHSTMT handle, SQLSMALLINT* count) {
     if (FakeHandle* const fake = Begin(handle, "SQLNumResultCols", code)) {
         *count = 0;
         if (fake->has_result && ResultOf(*fake).columns) {
-            *count = ResultOf(*fake).with_long_column ? 3 : 2;
+            const OdbcResult& result = ResultOf(*fake);
+            *count = !result.kinds.empty()     ? static_cast<SQLSMALLINT>(result.kinds.size())
+                     : result.with_long_column ? SQLSMALLINT{3}
+                                               : SQLSMALLINT{2};
         }
     }
     return code;
@@ -358,12 +443,14 @@ SQLRETURN SQL_API SQLDescribeColW(SQLHSTMT handle, SQLUSMALLINT number, SQLWCHAR
                                   SQLSMALLINT* length, SQLSMALLINT* type, SQLULEN* size, SQLSMALLINT* digits,
                                   SQLSMALLINT* nullable) {
     SQLRETURN code = SQL_SUCCESS;
-    if (Begin(handle, "SQLDescribeCol", code) != nullptr) {
+    if (const FakeHandle* const fake = Begin(handle, "SQLDescribeCol", code)) {
         const SQLSMALLINT types[] = {SQL_INTEGER, SQL_VARCHAR, SQL_LONGVARCHAR};
         const SQLULEN sizes[] = {10, kTextSize, 0x7FFFFFFF};
+        const std::string& kinds = ResultOf(*fake).kinds;
+        const std::size_t kind = kinds.empty() ? number - 1U : kinds[number - 1U] == 'n' ? 0 : 1;
         WriteText("column" + std::to_string(number), name, room, length);
-        *type = types[number - 1];
-        *size = sizes[number - 1];
+        *type = types[kind];
+        *size = sizes[kind];
         *digits = 0;
         *nullable = SQL_NULLABLE;
     }
@@ -406,8 +493,10 @@ SQLRETURN SQL_API SQLFetch(SQLHSTMT handle) {
     const std::size_t left = ResultOf(*fake).rows - fake->next_row;
     const std::size_t count = std::min<std::size_t>(left, fake->array_size);
     for (std::size_t i = 0; i < count; ++i) {
+        const OdbcResult& result = ResultOf(*fake);
         for (const auto& [number, binding] : fake->bindings) {
-            WriteCell(binding, i, fake->next_row + i);
+            const std::size_t row = fake->next_row + i;
+            WriteCell(binding, i, row, result.kinds.empty() ? nullptr : &result.cells[row][number - 1U]);
         }
         if (fake->row_status != nullptr) {
             fake->row_status[i] = SQL_ROW_SUCCESS;
@@ -455,16 +544,17 @@ SQLRETURN SQL_API SQLProceduresW(SQLHSTMT handle, SQLWCHAR*, SQLSMALLINT, SQLWCH
                                  SQLSMALLINT) {
     SQLRETURN code = SQL_SUCCESS;
     if (FakeHandle* const fake = Begin(handle, "SQLProcedures", code)) {
-        code = Enter(*fake, 0);
+        code = RunCatalogue(*fake);
     }
     return code;
 }
 
 SQLRETURN SQL_API SQLProcedureColumnsW(SQLHSTMT handle, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT,
-                                       SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
+                                       SQLWCHAR* name, SQLSMALLINT length, SQLWCHAR*, SQLSMALLINT) {
     SQLRETURN code = SQL_SUCCESS;
     if (FakeHandle* const fake = Begin(handle, "SQLProcedureColumns", code)) {
-        code = Enter(*fake, 0);
+        counting.last_catalogue = Narrowed(name, length);
+        code = RunCatalogue(*fake);
     }
     return code;
 }

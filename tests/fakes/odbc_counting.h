@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace fakes {
@@ -21,7 +22,11 @@ struct OdbcRecord {
     std::optional<std::int32_t> server_state{};
 };
 
-/// A result: no column at all, or a number, a text of at most 20 characters and, if it is long, a long text.
+/// A cell of a result that a test lays out; none: NULL.
+using OdbcCell = std::optional<std::string>;
+
+/// A result: no column at all, or a number, a text of at most 20 characters and, if it is long, a long text;
+/// or what the test lays out.
 struct OdbcResult {
     bool columns = true;
     bool with_long_column = false;
@@ -30,11 +35,36 @@ struct OdbcResult {
     std::size_t long_size = 0;         ///< characters of each long text
     std::vector<OdbcRecord> records{}; ///< come with it, by SQL_SUCCESS_WITH_INFO
     bool fails = false;                ///< the call that should give it fails, with its records
+    /// Of a result that is laid out: 'n' a whole number, 't' a text of at most 20 characters.
+    std::string kinds{};
+    std::vector<std::vector<OdbcCell>> cells{}; ///< `rows` of them
+};
+
+/// A result with columns of these kinds, called column1 and so on.
+inline OdbcResult LaidOut(std::string kinds, std::vector<std::vector<OdbcCell>> cells) {
+    OdbcResult result;
+    result.rows = cells.size();
+    result.kinds = std::move(kinds);
+    result.cells = std::move(cells);
+    return result;
+}
+
+/// A marker's binding when its statement was run.
+struct OdbcParameter {
+    int direction = 0;
+    int c_type = 0;
+    int sql_type = 0;
+    std::size_t size = 0;
+    int digits = 0;
+    OdbcCell value{}; ///< what goes in, numbers and texts alike
 };
 
 /// What the fake holds. One for the process, since ODBC's functions know no other place.
 struct OdbcCounting {
-    std::vector<OdbcResult> results; ///< of each statement, in order
+    std::vector<OdbcResult> results;       ///< of each statement, in order
+    std::vector<OdbcResult> catalogue;     ///< of each call of a catalogue; none: `results`
+    std::vector<OdbcCell> output;          ///< what a statement's markers get behind its last result
+    std::vector<OdbcParameter> parameters; ///< of the last statement that was run
 
     /// The call, counted from 1, that fails; 0: none. Freeing handles and reading records is not counted.
     std::size_t failing_call = 0;
@@ -49,6 +79,7 @@ struct OdbcCounting {
     std::vector<std::string> violations;
     std::string last_connection_string;
     std::string last_statement;
+    std::string last_catalogue; ///< the pattern of the last call of the parameters' catalogue
 };
 
 OdbcCounting& Counting();

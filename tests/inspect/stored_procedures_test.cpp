@@ -223,7 +223,7 @@ class ExecuteStoredProcedure : public InspectTest {
     ExecuteStoredProcedure() {
         parameters_.resize(1);
         data_.ReDim(1);
-        data_.Append("left from before");
+        data_.SetName(1, "left from before");
     }
     void Hold(const std::string& name, Variant value, std::int32_t direction = ado::adParamInput) {
         parameters_.push_back(std::make_unique<ado::Parameter>(Live(name, direction)));

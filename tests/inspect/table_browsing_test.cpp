@@ -110,7 +110,7 @@ class GetData : public InspectTest {
   protected:
     GetData() {
         data_.ReDim(1);
-        data_.Append("left from before");
+        data_.SetName(1, "left from before");
     }
     bool Run(AdoAnswer identity, AdoAnswer rows) {
         ado_.Answer(kIdentity, std::move(identity));
