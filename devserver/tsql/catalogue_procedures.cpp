@@ -1,6 +1,7 @@
 #include "devserver/tsql/catalogue_procedures.h"
 
 #include <algorithm>
+#include <array>
 
 #include "devserver/storage/databases.h"
 #include "devserver/tsql/binder.h"
@@ -199,8 +200,16 @@ std::int32_t Help(SystemCall& call) {
 
 // ------------------------------------------------------------------ for ODBC and its kin
 
+/// ODBC 3 calls dates and times by other numbers than ODBC 2.
+std::int16_t OdbcNumber(const SystemType& type, std::int64_t odbc_version) {
+    constexpr std::int16_t kTimestamp2 = 11;
+    constexpr std::int16_t kTimestamp3 = 93;
+    return odbc_version >= 3 && type.odbc_type == kTimestamp2 ? kTimestamp3 : type.odbc_type;
+}
+
 std::int32_t DatatypeInfo(SystemCall& call) {
     const std::int64_t wanted = call.Int("@data_type");
+    const std::int64_t version = call.Int("@ODBCVer", 2);
     ProcedureTable table(call.session(), {{"TYPE_NAME", kSysName, false, false},
                                           {"DATA_TYPE", kSmallInt, false, false},
                                           {"PRECISION", kInt, true, false},
@@ -223,7 +232,7 @@ std::int32_t DatatypeInfo(SystemCall& call) {
                                           {"USERTYPE", kSmallInt, true, false}});
     std::vector<const SystemType*> types;
     for (const SystemType& type : SystemTypes()) {
-        if (wanted == 0 || type.odbc_type == wanted) {
+        if (wanted == 0 || OdbcNumber(type, version) == wanted) {
             types.push_back(&type);
         }
     }
@@ -239,7 +248,7 @@ std::int32_t DatatypeInfo(SystemCall& call) {
                                     : HasLength(type->id)           ? 8000
                                                                     : type->storage_length;
         table.Row({std::string(type->name),
-                   std::int64_t{type->odbc_type},
+                   std::int64_t{OdbcNumber(*type, version)},
                    digits,
                    TextOrNull(std::string(type->literal_prefix)),
                    TextOrNull(std::string(type->literal_suffix)),
@@ -276,7 +285,45 @@ std::string Pattern(SystemCall& call, std::string_view name) {
     return call.IsNull(name) ? "%" : call.Text(name);
 }
 
+/// What drivers ask sp_tables for besides tables, by "%" for one argument and an empty text for the others.
+struct TableListing {
+    std::string_view argument;
+    std::string_view rows; ///< qualifier q, owner o, kind k
+};
+
+constexpr std::array<TableListing, 3> kTableListings{{
+    {"@table_qualifier", "SELECT name AS q, NULL AS o, NULL AS k FROM master.dbo.sysdatabases"},
+    {"@table_owner",
+     "SELECT DISTINCT NULL AS q, TABLE_SCHEMA AS o, NULL AS k FROM INFORMATION_SCHEMA.TABLES"},
+    {"@table_type",
+     "SELECT NULL AS q, NULL AS o, 'SYSTEM TABLE' AS k UNION SELECT NULL, NULL, 'TABLE' UNION SELECT "
+     "NULL, NULL, 'VIEW'"},
+}};
+
+const TableListing* ListingAskedFor(const SystemCall& call) {
+    const TableListing* asked = nullptr;
+    for (const std::string_view name : {"@table_name", "@table_owner", "@table_qualifier", "@table_type"}) {
+        const auto* const listing = std::find_if(kTableListings.begin(), kTableListings.end(),
+                                                 [&](const TableListing& l) { return l.argument == name; });
+        if (call.Text(name) == "%" && listing != kTableListings.end() && asked == nullptr) {
+            asked = listing;
+        } else if (!call.Text(name).empty() || (name != "@table_type" && call.IsNull(name))) {
+            return nullptr;
+        }
+    }
+    return asked;
+}
+
 std::int32_t Tables(SystemCall& call) {
+    if (const TableListing* const listing = ListingAskedFor(call)) {
+        call.Run("SELECT CONVERT(sysname, q) AS TABLE_QUALIFIER, CONVERT(sysname, o) AS TABLE_OWNER, "
+                 "CONVERT(sysname, "
+                 "NULL) AS TABLE_NAME, CONVERT(varchar(32), k) AS TABLE_TYPE, CONVERT(varchar(254), NULL) AS "
+                 "REMARKS "
+                 "FROM (" +
+                 std::string(listing->rows) + ") l ORDER BY q, o, k");
+        return 0;
+    }
     std::string types = AsciiUpper(call.Text("@table_type"));
     if (types.empty()) {
         types = "'TABLE','VIEW','SYSTEM TABLE'";

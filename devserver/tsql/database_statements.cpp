@@ -7,6 +7,7 @@
 
 #include "devserver/storage/paths.h"
 #include "devserver/tsql/definitions.h"
+#include "devserver/tsql/file_names.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/server.h"
@@ -278,6 +279,7 @@ void DetachDatabase(SessionCore& session, const std::string& name) {
     {
         // The last one to close a file brings its write-ahead log back into it.
         SqliteConnection connection(info.DataFile().path);
+        KeepFileNames(connection, info);
         connection.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
     }
     RemoveDatabase(session.connection, info.id);
@@ -316,6 +318,7 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
     if (info.files[0].log) {
         RaiseError(1813, {name});
     }
+    RestoreFileNames(info);
     for (const DatabaseInfo& other : ListDatabases(session.connection)) {
         if (other.DataFile().path == info.files[0].path) {
             RaiseError(5104, {info.files[0].client_path});

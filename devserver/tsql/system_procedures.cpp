@@ -10,6 +10,7 @@
 #include "devserver/tsql/definitions.h"
 #include "devserver/tsql/linked_procedures.h"
 #include "devserver/tsql/parser.h"
+#include "devserver/tsql/procedure_table.h"
 #include "devserver/tsql/replication_procedures.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
@@ -212,11 +213,36 @@ constexpr std::array<DbOption, 18> kDbOptions = {{{"autoclose", "AUTO_CLOSE"},
                                                   {"select into/bulkcopy", "RECOVERY"},
                                                   {"published", "PUBLISHED"}}};
 
+bool IsOn(const DatabaseInfo& info, const DbOption& option) {
+    const auto found = info.options.find(std::string(option.option));
+    return found != info.options.end() && (found->second == "ON" || found->second == "SIMPLE");
+}
+
+/// All options, or those that are set in a database.
+void ListOptions(SessionCore& session, const std::string& heading, const DatabaseInfo* info) {
+    ProcedureTable table(session, {{heading, Sized(TypeId::VarChar, 35), true, false}});
+    for (const DbOption& option : kDbOptions) {
+        if (info == nullptr || IsOn(*info, option)) {
+            table.Row({std::string(option.name)});
+        }
+    }
+    table.End();
+}
+
 std::int32_t DbOptionProcedure(SystemCall& call) {
     SessionCore& session = call.session();
     const std::string database = call.Text("@dbname");
+    if (call.IsNull("@dbname")) {
+        ListOptions(session, "Settable database options:", nullptr);
+        return 0;
+    }
     if (!FindDatabase(session.connection, database)) {
         RaiseError(15010, {database});
+    }
+    if (call.IsNull("@optname")) {
+        const DatabaseInfo info = *FindDatabase(session.connection, database);
+        ListOptions(session, "The following options are set:", &info);
+        return 0;
     }
     const std::string name = call.Text("@optname");
     const auto found = std::find_if(kDbOptions.begin(), kDbOptions.end(),
@@ -226,9 +252,7 @@ std::int32_t DbOptionProcedure(SystemCall& call) {
     }
     const DatabaseInfo info = *FindDatabase(session.connection, database);
     if (call.IsNull("@optvalue")) {
-        const auto option = info.options.find(std::string(found->option));
-        const bool on =
-            option != info.options.end() && (option->second == "ON" || option->second == "SIMPLE");
+        const bool on = IsOn(info, *found);
         call.Run("SELECT @p1 AS OptionName, CASE @p2 WHEN N'1' THEN 'ON' ELSE 'OFF' END AS CurrentSetting",
                  {std::string(found->name), on ? "1" : "0"});
         return 0;
@@ -334,6 +358,12 @@ std::int32_t Rename(SystemCall& call) {
             renamed.name = new_name;
             catalogue.UpdateColumn(table->id, renamed);
             return;
+        }
+        const bool known =
+            table && std::any_of(table->indexes.begin(), table->indexes.end(),
+                                 [&](const IndexDef& i) { return CompareText(i.name, part) == 0; });
+        if (!known) {
+            RaiseError(15248, {"INDEX"});
         }
         catalogue.Prepare("UPDATE {db}.devsql_indexes SET name = ?3 WHERE object = ?1 AND name = ?2")
             .BindInt(1, object->id)

@@ -234,5 +234,39 @@ TEST_F(Database, AttachOfAFileThatIsNoDatabaseIsRefused) {
     EXPECT_EQ(client.messages.at(0).number, 5120);
 }
 
+TEST_F(Database, KeepsTheNamesOfItsFilesWhenItIsAttachedElsewhere) {
+    EXPECT_EQ(Run(R"(
+create database Kept on (name = first, filename = 'D:\kept.mdf') log on (name = second, filename = 'D:\kept.ldf')
+exec sp_detach_db 'Kept'
+exec sp_attach_db 'Again', 'D:\kept.mdf', 'D:\kept.ldf'
+select rtrim(name) as name, groupid, rtrim(filename) as filename from Again..sysfiles
+exec sp_dboption 'Again', 'autoshrink', 'true'
+exec sp_dboption 'Again'
+exec sp_dboption 'Again', 'autoshrink'
+alter database Again set offline with rollback immediate
+select state_desc from sys.databases where name = 'Again'
+GO
+use Again
+GO
+alter database Again set online
+drop database Again)"),
+              R"(
+name|groupid|filename
+first|1|D:\kept.mdf
+second|0|D:\kept.ldf
+(2)
+The following options are set:
+autoshrink
+(1)
+OptionName|CurrentSetting
+autoshrink|ON
+(1)
+state_desc
+OFFLINE
+(1)
+Msg 942.14.1 L1: Database 'Again' cannot be opened because it is offline.
+)");
+}
+
 } // namespace
 } // namespace devsql::test
