@@ -21,7 +21,7 @@ constexpr unsigned char kCall = 0x03;
 constexpr unsigned char kAttention = 0x06;
 constexpr unsigned char kLogin = 0x10;
 constexpr unsigned char kEndOfMessage = 0x01;
-constexpr std::chrono::milliseconds kSlow{200};
+constexpr std::chrono::milliseconds kSlow{50};
 constexpr int kPollMilliseconds = 50; ///< how soon a link sees that the proxy ends
 
 /// A socket, closed by its owner.
@@ -281,9 +281,10 @@ void FaultProxy::Accept() {
     }
 }
 
-void FaultProxy::Arm(std::size_t event, Fault fault) {
+void FaultProxy::Arm(std::size_t first, std::size_t last, Fault fault) {
     const std::lock_guard lock(mutex_);
-    armed_event_ = event;
+    first_armed_ = first;
+    last_armed_ = last;
     armed_fault_ = fault;
 }
 
@@ -303,7 +304,8 @@ Fault FaultProxy::Note(std::string event) {
         return Fault::None;
     }
     events_.push_back(std::move(event));
-    if (events_.size() - 1 != armed_event_ || armed_fault_ == Fault::None) {
+    const std::size_t number = events_.size() - 1;
+    if (number < first_armed_ || number > last_armed_ || armed_fault_ == Fault::None) {
         return Fault::None;
     }
     struck_ = true;

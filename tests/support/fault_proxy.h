@@ -41,7 +41,9 @@ class FaultProxy {
 
     int Port() const { return port_; }
     /// The event with this number, counted from 0, suffers the fault. To be called before it comes.
-    void Arm(std::size_t event, Fault fault);
+    void Arm(std::size_t event, Fault fault) { Arm(event, event, fault); }
+    /// All events from one to another suffer it.
+    void Arm(std::size_t first, std::size_t last, Fault fault);
     /// Batches of this text are no events from now on.
     void Ignore(std::string text);
     /// "login", "call", or the text of the batch; in the order in which they came.
@@ -62,10 +64,11 @@ class FaultProxy {
     int port_ = 0;
     std::atomic<bool> ending_ = false;
     std::atomic<bool> struck_ = false;
-    mutable std::mutex mutex_; ///< guards the next five
+    mutable std::mutex mutex_; ///< guards the next six
     std::string ignored_;
     std::vector<std::string> events_;
-    std::size_t armed_event_ = 0;
+    std::size_t first_armed_ = 0;
+    std::size_t last_armed_ = 0;
     Fault armed_fault_ = Fault::None;
     std::vector<std::thread> links_;
     std::thread acceptor_;

@@ -92,7 +92,7 @@ void RunWithFault(const FaultyOperation& operation, const std::filesystem::path&
     EXPECT_EQ(SeenEvents(room), events); // nothing ran behind it
     EXPECT_EQ(room.LogLines(), operation.log_lines(step));
     if (IsKill(fault)) {
-        room.Server().StartAgain();
+        room.StartServerAgain();
     }
     EXPECT_EQ(operation.state(room),
               IsBefore(fault) ? StateBefore(operation, step) : operation.steps[step].state);
@@ -152,14 +152,28 @@ void FaultRoom::CreateDatabase(const std::string& name, const Lines& batches) {
     }
 }
 
-Lines FaultRoom::Ask(const std::string& database, const std::string& statement) const {
+void FaultRoom::StartServerAgain() {
+    master_.reset();
+    server_.StartAgain();
+}
+
+ado::Connection FaultRoom::Connect(const std::string& database) const {
     ado::Connection connection;
     connection.CursorLocation(ado::adUseClient);
     connection.Open("Driver={SQL Server};Server=" + server_.Name() + ";Database=" + database +
                         ";Uid=sa;Pwd=Test-1;",
                     "", "", ado::adOptionUnspecified);
+    return connection;
+}
+
+Lines FaultRoom::Ask(const std::string& database, const std::string& statement) const {
+    std::optional<ado::Connection> own;
+    std::optional<ado::Connection>& connection = database == "master" ? master_ : own;
+    if (!connection) {
+        connection.emplace(Connect(database));
+    }
     std::int64_t affected = 0;
-    const auto rows = connection.Execute(statement, affected, ado::adCmdText);
+    const auto rows = connection->Execute(statement, affected, ado::adCmdText);
     Lines lines;
     while (rows->State() == ado::adStateOpen && !rows->Eof()) {
         std::string line;

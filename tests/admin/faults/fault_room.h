@@ -5,9 +5,11 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "ado/connection.h"
 #include "fakes/dts_dev_server.h"
 #include "support/children.h"
 #include "support/fault_proxy.h"
@@ -42,7 +44,8 @@ class FaultRoom {
     std::filesystem::path DataFolder() const { return server_.Folder() / "data"; }
     std::filesystem::path OldFolder() const { return server_.Folder() / "old"; }
     support::FaultProxy& Proxy() { return proxy_; }
-    fakes::DevServer& Server() { return server_; }
+    /// Starts the server again behind a kill.
+    void StartServerAgain();
 
     /// Creates a database with two files below the old folder, called NAME_dat.mdf and NAME_lg.ldf, and runs
     /// the batches in it.
@@ -62,9 +65,12 @@ class FaultRoom {
     void SetUp();
     /// The names of those whose data files lie there.
     Lines DatabasesInOldFolder() const;
+    ado::Connection Connect(const std::string& database) const;
 
     fakes::DevServer server_;
     support::FaultProxy proxy_;
+    mutable std::optional<ado::Connection>
+        master_; ///< of Ask; a new one each time costs most of a test's time
 };
 
 /// A step of an operation as the server sees it: "login" or a statement, with "{data}" for the data folder
