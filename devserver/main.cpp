@@ -20,7 +20,7 @@ constexpr int kUsageFailure = 2;
 constexpr int kFailure = 1;
 
 void Serve(devsql::ProgramOptions options) {
-    const devsql::system::EndSignal end;
+    devsql::system::TakeEndSignals();
     const auto engine = devsql::OpenEngine(std::move(options.engine));
     devsql::tds::ServerOptions server_options;
     server_options.port = options.port;
@@ -35,7 +35,7 @@ void Serve(devsql::ProgramOptions options) {
     if (browser) {
         std::cout << "devsqlserver: answers as SQL Browser on UDP 127.0.0.1:" << browser->port() << std::endl;
     }
-    end.Wait();
+    devsql::system::WaitForEndSignal();
     server.Stop();
     running.join();
 }
@@ -55,6 +55,7 @@ int Run(const std::vector<std::string>& arguments) {
     options.engine.logins = devsql::ReadLogins(options.logins_file);
     options.engine.connect_remote = devsql::ConnectByOdbc;
     Serve(std::move(options));
+    devsql::system::TellEnded();
     return 0;
 }
 

@@ -13,8 +13,8 @@ namespace devsql {
 using DriveMap = std::map<std::string, std::filesystem::path>;
 
 /// The place of a client's path: "D:\x\y.mdf" below the folder of drive D, "\srv\x" and "/srv/x" as they are.
-/// None for a drive that isn't mapped, for a relative path and for an empty one. On Windows a drive that isn't
-/// mapped is the machine's own.
+/// None for a drive that isn't mapped, for a relative path and for an empty one. On Windows a drive that
+/// isn't mapped is the machine's own.
 std::optional<std::filesystem::path> LocalPath(std::string_view client_path, const DriveMap& drives);
 
 /// A path as UTF-8, which is what SQLite, the catalogue and clients take.

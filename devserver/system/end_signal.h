@@ -4,18 +4,13 @@
 
 namespace devsql::system {
 
-/// One in a program, made before any thread, so that every thread leaves the signal to the one that waits. On
-/// Windows the system ends the process as soon as the event of a closed console was taken: the destructor is
-/// what it waits for.
-class EndSignal {
-  public:
-    EndSignal();
-    ~EndSignal();
-    EndSignal(const EndSignal&) = delete;
-    EndSignal& operator=(const EndSignal&) = delete;
-
-    /// Comes back when the program is asked to end.
-    void Wait() const;
-};
+/// From here on the program is not ended but asked to. Called once, before any thread begins, so that every
+/// thread leaves the signal to the one that waits.
+void TakeEndSignals();
+/// Comes back when the program is asked to end.
+void WaitForEndSignal();
+/// All is closed. Windows ends the process as soon as the event of a closed console was taken, so the taking
+/// waits for this.
+void TellEnded();
 
 } // namespace devsql::system

@@ -17,17 +17,19 @@ sigset_t EndSignals() {
 
 } // namespace
 
-EndSignal::EndSignal() {
+void TakeEndSignals() {
     const sigset_t signals = EndSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
-EndSignal::~EndSignal() = default;
-
-void EndSignal::Wait() const {
+void WaitForEndSignal() {
     const sigset_t signals = EndSignals();
     int signal = 0;
     sigwait(&signals, &signal);
+}
+
+void TellEnded() {
+    // Nobody waits for it.
 }
 
 } // namespace devsql::system

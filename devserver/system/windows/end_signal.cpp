@@ -31,18 +31,18 @@ BOOL WINAPI OnConsoleEvent(DWORD) {
 
 } // namespace
 
-EndSignal::EndSignal() {
+void TakeEndSignals() {
     Asked();
     Ended();
     SetConsoleCtrlHandler(OnConsoleEvent, TRUE);
 }
 
-EndSignal::~EndSignal() {
-    SetEvent(Ended());
+void WaitForEndSignal() {
+    WaitForSingleObject(Asked(), INFINITE);
 }
 
-void EndSignal::Wait() const {
-    WaitForSingleObject(Asked(), INFINITE);
+void TellEnded() {
+    SetEvent(Ended());
 }
 
 } // namespace devsql::system
