@@ -111,6 +111,58 @@ std::optional<std::string_view> StreamLines::Next() {
     return line_;
 }
 
+void BatchLexer::Take(std::string_view line) {
+    for (std::size_t at = 0; at < line.size();) {
+        Step(line, at);
+    }
+}
+
+void BatchLexer::Step(std::string_view line, std::size_t& at) {
+    const std::string_view rest = line.substr(at);
+    if (state_ == State::Comment || state_ == State::Plain) {
+        if (rest.starts_with("/*")) {
+            state_ = State::Comment;
+            ++comment_depth_;
+            at += 2;
+            return;
+        }
+        if (state_ == State::Comment && rest.starts_with("*/")) {
+            state_ = --comment_depth_ == 0 ? State::Plain : State::Comment;
+            at += 2;
+            return;
+        }
+    }
+    if (state_ == State::Bracketed && rest.starts_with("]]")) {
+        at += 2;
+        return;
+    }
+    if (state_ == State::Plain && rest.starts_with("--")) {
+        at = line.size();
+        return;
+    }
+    struct Quote {
+        char opens;
+        char closes;
+        State state;
+    };
+    static constexpr std::array kQuotes = {Quote{'\'', '\'', State::String},
+                                           Quote{'"', '"', State::DoubleQuoted},
+                                           Quote{'[', ']', State::Bracketed}};
+    for (const Quote& quote : kQuotes) {
+        if (state_ == State::Plain && rest.front() == quote.opens) {
+            state_ = quote.state;
+            break;
+        }
+        // A doubled quote that is its own opposite ends the text and begins it again, which comes to the
+        // same.
+        if (state_ == quote.state && rest.front() == quote.closes) {
+            state_ = State::Plain;
+            break;
+        }
+    }
+    ++at;
+}
+
 LineMeaning MeaningOf(std::string_view line, std::string_view terminator) {
     const std::string_view text = Trim(line);
     if (const auto run = AsTerminator(text, terminator)) {

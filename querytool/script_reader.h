@@ -57,6 +57,27 @@ struct LineMeaning {
     std::string_view text; ///< the query of EXIT(...), or the name of a refused command
 };
 
+/// Follows a batch through its strings, quoted names and comments, in which a line is no command: a GO in a
+/// text or in a part that was commented out belongs to the batch.
+class BatchLexer {
+  public:
+    /// True when the next line begins outside all of them.
+    bool AtCommands() const { return state_ == State::Plain; }
+    /// Goes on behind a line of the batch, which stands here with its end.
+    void Take(std::string_view line);
+    /// A new batch begins: what an error left open does not reach into it.
+    void Reset() { *this = BatchLexer(); }
+
+  private:
+    enum class State : std::uint8_t { Plain, String, DoubleQuoted, Bracketed, Comment };
+
+    /// Takes what begins or goes on at `at`, and moves behind it.
+    void Step(std::string_view line, std::size_t& at);
+
+    State state_ = State::Plain;
+    unsigned comment_depth_ = 0; ///< comments stand in one another
+};
+
 /// `terminator` is the word that ends a batch. Blanks around commands count for nothing.
 LineMeaning MeaningOf(std::string_view line, std::string_view terminator);
 

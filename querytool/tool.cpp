@@ -84,15 +84,18 @@ class BatchLoop {
 
     void Reset() {
         batch_.clear();
+        lexer_.Reset();
         line_number_ = 1;
     }
 
     /// False: the tool ends.
     bool TakeLine(std::string_view line) {
-        const LineMeaning meaning = MeaningOf(line, switches_.terminator);
+        const LineMeaning meaning =
+            lexer_.AtCommands() ? MeaningOf(line, switches_.terminator) : LineMeaning{};
         switch (meaning.kind) {
         case LineKind::Text:
             batch_ += line;
+            lexer_.Take(line);
             ++line_number_;
             return true;
         case LineKind::Run:
@@ -139,6 +142,7 @@ class BatchLoop {
     Output& output_;
     ResultPrinter printer_;
     std::string batch_;
+    BatchLexer lexer_;
     unsigned line_number_ = 1;
     int exit_code_ = kSuccess;
 };

@@ -128,4 +128,39 @@ TEST(TextInput, AMarkedUtf16FileOfEitherOrderIsConverted) {
               "G");
 }
 
+/// For each line, whether it would have been taken for a command.
+std::string CommandLines(const std::string& text) {
+    std::string at_commands;
+    BatchLexer lexer;
+    TextLines lines(text);
+    while (const auto line = lines.Next()) {
+        at_commands += lexer.AtCommands() ? '+' : '-';
+        lexer.Take(*line);
+    }
+    return at_commands;
+}
+
+TEST(BatchLexer, FindsNoCommandInTextsNamesAndComments) {
+    EXPECT_EQ(CommandLines("select 'a\nGO\n'\nGO\n"), "+--+");
+    EXPECT_EQ(CommandLines("select \"a\nGO\n\"\nGO\n"), "+--+");
+    EXPECT_EQ(CommandLines("select [a\nGO\n]\nGO\n"), "+--+");
+    EXPECT_EQ(CommandLines("/* a\nGO\n*/\nGO\n"), "+--+");
+}
+
+TEST(BatchLexer, KnowsDoubledQuotesAndCommentsInOneAnother) {
+    EXPECT_EQ(CommandLines("print 'it''s\nGO\n'\nGO"), "+--+");
+    EXPECT_EQ(CommandLines("print 'it''s'\nGO"), "++");
+    EXPECT_EQ(CommandLines("select [a]]b\nGO\n]\nGO"), "+--+");
+    EXPECT_EQ(CommandLines("/* /* */\nGO\n*/\nGO"), "+--+");
+}
+
+TEST(BatchLexer, WhatIsQuotedOrCommentedOpensNothing) {
+    EXPECT_EQ(CommandLines("-- it's\nGO"), "++");
+    EXPECT_EQ(CommandLines("-- /*\nGO"), "++");
+    EXPECT_EQ(CommandLines("print '/* -- ['\nGO"), "++");
+    EXPECT_EQ(CommandLines("select [it's \"] , \"[\"\nGO"), "++");
+    EXPECT_EQ(CommandLines("/* it's -- */ print 1\nGO"), "++");
+    EXPECT_EQ(CommandLines("select 5 * / 2 - 1 -- x\nGO"), "++");
+}
+
 } // namespace

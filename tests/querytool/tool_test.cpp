@@ -50,6 +50,16 @@ TEST_F(Tool, BatchesEndAtGoAndAtTheEndOfTheInput) {
     ExpectBatches({"a\nb\n", "\n", "\n", "c"});
 }
 
+TEST_F(Tool, AGoInATextOrACommentEndsNoBatch) {
+    EXPECT_EQ(Run("print 'a\nGO\n'\n/*\nGO\nEXIT\n*/\nGO\n-- it's\nGO\n"), kSuccess);
+    ExpectBatches({"print 'a\nGO\n'\n/*\nGO\nEXIT\n*/\n", "-- it's\n"});
+}
+
+TEST_F(Tool, WhatABatchLeftOpenDoesNotReachIntoTheNext) {
+    EXPECT_EQ(Run("print 1\nRESET\nprint 2\nGO\n"), kSuccess);
+    ExpectBatches({"print 2\n"});
+}
+
 TEST_F(Tool, AnEmptyBatchIsNotSent) {
     EXPECT_EQ(Run("GO\nGO 3\n"), kSuccess);
     ExpectBatches({});
