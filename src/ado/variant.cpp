@@ -1,5 +1,6 @@
 #include "ado/variant.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <cmath>
@@ -20,8 +21,11 @@ std::string FormatNumber(Number value, int digits) {
         return "0"; // also for a zero with a sign
     }
     char text[64];
-    const int length = std::snprintf(text, sizeof text, "%.*G", digits, static_cast<double>(value));
-    return std::string(text, static_cast<std::size_t>(length));
+    // As printf's %G, and several times as fast.
+    const std::to_chars_result end = std::to_chars(text, text + sizeof text, static_cast<double>(value),
+                                                   std::chars_format::general, digits);
+    std::replace(text, end.ptr, 'e', 'E');
+    return {text, end.ptr};
 }
 
 /// Without the zeros that a column's scale puts behind it and with the zero that some drivers leave out in
