@@ -21,7 +21,8 @@ void ShowMessageBox(const std::string& text, MessageIcon icon, const std::string
         flags |= MB_ICONERROR;
         break;
     }
-    ::MessageBoxA(nullptr, text.c_str(), title.c_str(), flags | MB_TASKMODAL);
+    // Above the window that the operator is in, or alone, where the program has none.
+    ::MessageBoxA(::GetActiveWindow(), text.c_str(), title.c_str(), flags | MB_TASKMODAL);
 }
 
 } // namespace platform

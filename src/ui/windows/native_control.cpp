@@ -1,5 +1,6 @@
 #include "ui/windows/native_control.h"
 
+#include <algorithm>
 #include <string>
 
 #include "ui/windows/container.h"
@@ -111,18 +112,32 @@ RecipeFunction RecipeOf(Kind kind) {
     return nullptr; // both are windows of classes of their own, made elsewhere
 }
 
-/// The selected field of a combo box has the height of its font; the list below it belongs to the window's
-/// size.
+/// A combo box has the height of its font, whatever it is given: a higher one would show its text at the top.
+/// So it stands in the middle of its place; the list below it belongs to the window's size.
 void PlaceComboBox(HWND window, const RECT& place) {
-    const int height = place.bottom - place.top;
+    RECT own{};
+    ::GetWindowRect(window, &own);
+    const LONG spare = (place.bottom - place.top) - (own.bottom - own.top);
     const auto row = static_cast<int>(::SendMessageA(window, CB_GETITEMHEIGHT, 0, 0));
-    ::SetWindowPos(window, nullptr, place.left, place.top, place.right - place.left,
-                   height + row * kShownListItems, SWP_NOZORDER | SWP_NOACTIVATE);
-    RECT now{};
-    ::GetWindowRect(window, &now);
-    const auto field = static_cast<int>(::SendMessageA(window, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0));
-    const int wanted = field + height - (now.bottom - now.top);
-    ::SendMessageA(window, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), wanted);
+    ::SetWindowPos(window, nullptr, place.left, place.top + spare / 2, place.right - place.left,
+                   own.bottom - own.top + row * kShownListItems, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+/// As high as a combo box of the same font, in the middle of its place: in a higher box the text stands at
+/// the top.
+RECT PlaceOfLine(HWND window, RECT place) {
+    const HDC paper = ::GetDC(window);
+    const HGDIOBJ before =
+        ::SelectObject(paper, reinterpret_cast<HGDIOBJ>(::SendMessageA(window, WM_GETFONT, 0, 0)));
+    TEXTMETRICA font{};
+    ::GetTextMetricsA(paper, &font);
+    ::SelectObject(paper, before);
+    ::ReleaseDC(window, paper);
+    constexpr LONG kEdges = 8;
+    const LONG spare = std::max(LONG{0}, place.bottom - place.top - (font.tmHeight + kEdges));
+    place.top += spare / 2;
+    place.bottom -= spare - spare / 2;
+    return place;
 }
 
 } // namespace
@@ -153,18 +168,16 @@ int Scaled(int twips, int dpi) {
     return ::MulDiv(twips, dpi, kTwipsPerInch);
 }
 
-void PlaceNativeControl(const NativeControl& native, POINT origin, int dpi) {
-    // The edges are scaled and not the sizes, so that what lies side by side stays so.
-    const Place& design = native.control->Design().place;
-    const RECT place{origin.x + Scaled(design.left, dpi), origin.y + Scaled(design.top, dpi),
-                     origin.x + Scaled(design.left + design.width, dpi),
-                     origin.y + Scaled(design.top + design.height, dpi)};
+void PlaceNativeControl(const NativeControl& native, const RECT& place) {
     if (native.control->Kind() == Kind::ComboBox) {
         PlaceComboBox(native.window, place);
         return;
     }
-    ::SetWindowPos(native.window, nullptr, place.left, place.top, place.right - place.left,
-                   place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    const bool line =
+        native.control->Kind() == Kind::TextBox && (native.control->Design().traits & kMultiLine) == 0;
+    const RECT own = line ? PlaceOfLine(native.window, place) : place;
+    ::SetWindowPos(native.window, nullptr, own.left, own.top, own.right - own.left, own.bottom - own.top,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 std::string WindowText(HWND window) {

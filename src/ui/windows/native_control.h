@@ -26,8 +26,8 @@ HWND MakeNativeControl(const Control& control, HWND parent);
 /// The twips of a design on a monitor of that many pixels per inch.
 int Scaled(int twips, int dpi);
 
-/// Puts it where the design has it, moved by `origin` pixels.
-void PlaceNativeControl(const NativeControl& native, POINT origin, int dpi);
+/// Gives it a place in its parent, in pixels.
+void PlaceNativeControl(const NativeControl& native, const RECT& place);
 
 /// Brings the native control in line with what is stale, and leaves alone what agrees. Not for a tab control.
 void BringInLine(NativeControl& native);

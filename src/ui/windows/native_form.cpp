@@ -12,6 +12,7 @@ namespace {
 constexpr char kClassName[] = "KVForm";
 constexpr int kProgramIcon = 1; // the icon's number among the resources
 constexpr int kToolTipWidth = 480;
+constexpr int kTabPadding = 8;
 
 constexpr DWORD kMainStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX;
 constexpr DWORD kMainExtendedStyle = WS_EX_CONTROLPARENT;
@@ -56,6 +57,17 @@ std::vector<std::string> Captions(const TabControl& tabs) {
         captions.emplace_back(tabs.TabCaption(tab));
     }
     return captions;
+}
+
+/// A control's upper left corner on the form, in twips. Places are scaled as edges on the form, not as sizes:
+/// what touches at one scale touches at all.
+POINT CornerOf(const Control* control) {
+    POINT corner{0, 0};
+    for (; control != nullptr; control = control->Parent()) {
+        corner.x += control->Design().place.left;
+        corner.y += control->Design().place.top;
+    }
+    return corner;
 }
 
 } // namespace
@@ -185,19 +197,26 @@ void NativeForm::AddToolTips() {
     }
 }
 
-POINT NativeForm::OriginOf(const Control& control, int dpi) const {
-    const Control* parent = control.Parent();
-    if (parent == nullptr || parent->Kind() != Kind::TabControl) {
-        return {0, 0};
-    }
-    return {Scaled(parent->Design().place.left, dpi), Scaled(parent->Design().place.top, dpi)};
+RECT NativeForm::PlaceOf(const Control& control, int dpi) const {
+    const bool on_form = ParentOf(control) == window_;
+    const POINT origin = CornerOf(control.Parent());
+    const POINT native_origin = on_form ? POINT{0, 0} : origin;
+    const LONG left = Scaled(native_origin.x, dpi);
+    const LONG top = Scaled(native_origin.y, dpi);
+    const Place& design = control.Design().place;
+    return {Scaled(origin.x + design.left, dpi) - left, Scaled(origin.y + design.top, dpi) - top,
+            Scaled(origin.x + design.left + design.width, dpi) - left,
+            Scaled(origin.y + design.top + design.height, dpi) - top};
 }
 
 void NativeForm::LayOut(int dpi) {
     DialogFont font(dpi);
+    if (tabs_) {
+        tabs_->Pad(::MulDiv(kTabPadding, dpi, kDesignDpi), ::MulDiv(kTabPadding, dpi, kDesignDpi) / 2);
+    }
     for (const NativeControl& native : natives_) {
         ::SendMessageA(native.window, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
-        PlaceNativeControl(native, OriginOf(*native.control, dpi), dpi);
+        PlaceNativeControl(native, PlaceOf(*native.control, dpi));
     }
     font_ = std::move(font); // the old one is let go only now that no control uses it
     FitClient(Scaled(form_.Design().client_width, dpi), Scaled(form_.Design().client_height, dpi));

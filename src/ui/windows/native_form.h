@@ -39,7 +39,7 @@ class NativeForm final : public Window, private Mirror {
     void AddToolTips();
     void LayOut(int dpi);
     void FitClient(int width, int height);
-    POINT OriginOf(const Control& control, int dpi) const;
+    RECT PlaceOf(const Control& control, int dpi) const;
     void CentreOn(HWND owner);
 
     // native_form_events.cpp: in line, and listening

@@ -110,6 +110,9 @@ void NativeForm::BringTabsInLine(NativeControl& native) {
         const bool shown = page.control->Index() == tabs.Tab();
         if (shown != ((::GetWindowLongPtrA(page.window, GWL_STYLE) & WS_VISIBLE) != 0)) {
             ::ShowWindow(page.window, shown ? SW_SHOWNA : SW_HIDE);
+            // Wine looks for mnemonics on hidden pages too, as long as they say that they are parents of
+            // controls.
+            ::SetWindowLongPtrA(page.window, GWL_EXSTYLE, shown ? WS_EX_CONTROLPARENT : 0);
         }
         if (!shown && focus != nullptr && ::IsChild(page.window, focus) != 0) {
             ::SetFocus(tabs_->Window());
@@ -374,7 +377,9 @@ bool NativeForm::Filter(MSG& message) {
 void NativeForm::Show() {
     BringAllInLine();
     ::ShowWindow(window_, SW_SHOWNORMAL);
-    if (::GetActiveWindow() == window_ && form_.Focused() == nullptr) {
+    if (form_.Focused() != nullptr) {
+        GiveFocus(FindById(form_.Focused()->Id())->window);
+    } else if (::GetActiveWindow() == window_) {
         GiveFocus(::GetNextDlgTabItem(window_, tabs_ ? tabs_->Window() : nullptr, FALSE));
     }
     ::UpdateWindow(window_);

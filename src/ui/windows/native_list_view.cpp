@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kNewColumnWidth = 96; // an inch, at the design's scale
 constexpr int kCellMargins = 14; // what the control leaves free left and right of a text, with the grid line
+constexpr int kHeaderMargins = 24; // the same of a header
 
 using CharacterWidths = std::array<INT, 256>;
 
@@ -72,10 +73,12 @@ void ShowRows(HWND window, const ListView& list) {
 }
 
 void SizeColumns(HWND window, const ListView& list) {
-    // The control itself would measure only the rows on show, as it holds none; so it is asked for what the
-    // header needs, with no rows there, and the cells are measured here.
+    // The control itself would measure only the rows on show, as it holds none, and leaves a header on Wine
+    // three points where its text ends. So it is asked with no rows there, which lets the last column reach
+    // the edge, and the texts are measured here.
     const CharacterWidths widths = WidthsOfFont(window);
-    const int margins = ::MulDiv(kCellMargins, DpiOf(window), kDesignDpi);
+    const int cell_margins = ::MulDiv(kCellMargins, DpiOf(window), kDesignDpi);
+    const int header_margins = ::MulDiv(kHeaderMargins, DpiOf(window), kDesignDpi);
     const std::vector<bool>& sized = list.AutoSized();
     ::SendMessageA(window, WM_SETREDRAW, FALSE, 0);
     ::SendMessageA(window, LVM_SETITEMCOUNT, 0, LVSICF_NOSCROLL);
@@ -85,9 +88,10 @@ void SizeColumns(HWND window, const ListView& list) {
         }
         const auto index = static_cast<WPARAM>(column);
         ::SendMessageA(window, LVM_SETCOLUMNWIDTH, index, LVSCW_AUTOSIZE_USEHEADER);
-        const int cells = WidestCell(list, column, widths) + margins;
-        if (cells > ::SendMessageA(window, LVM_GETCOLUMNWIDTH, index, 0)) {
-            ::SendMessageA(window, LVM_SETCOLUMNWIDTH, index, cells);
+        const int wanted = std::max(WidestCell(list, column, widths) + cell_margins,
+                                    WidthOf(list.ColumnAt(column).text, widths) + header_margins);
+        if (wanted > ::SendMessageA(window, LVM_GETCOLUMNWIDTH, index, 0)) {
+            ::SendMessageA(window, LVM_SETCOLUMNWIDTH, index, wanted);
         }
     }
     ::SendMessageA(window, LVM_SETITEMCOUNT, static_cast<WPARAM>(list.RowCount()), LVSICF_NOSCROLL);

@@ -94,6 +94,21 @@ bool TabStrip::HandlesKey(WPARAM key) {
     }
 }
 
+void TabStrip::Pad(int across, int down) {
+    ::SendMessageA(window_, TCM_SETPADDING, 0, MAKELPARAM(across, down));
+}
+
+/// The pages have the colour of a button's face; the control's own body may be white, and would show around
+/// them.
+void TabStrip::PaintBody() const {
+    RECT body{};
+    ::GetClientRect(window_, &body);
+    ::SendMessageA(window_, TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&body));
+    const HDC paper = ::GetDC(window_);
+    ::FillRect(paper, &body, ::GetSysColorBrush(COLOR_BTNFACE));
+    ::ReleaseDC(window_, paper);
+}
+
 LRESULT CALLBACK TabStrip::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
                                      DWORD_PTR data) {
     auto& strip = *reinterpret_cast<TabStrip*>(data);
@@ -110,6 +125,11 @@ LRESULT CALLBACK TabStrip::Procedure(HWND window, UINT message, WPARAM wparam, L
             return 0;
         }
         break;
+    case WM_PAINT: {
+        const LRESULT result = ::DefSubclassProc(window, message, wparam, lparam);
+        strip.PaintBody();
+        return result;
+    }
     case WM_NCDESTROY:
         ::RemoveWindowSubclass(window, Procedure, id);
         break;

@@ -27,11 +27,15 @@ class TabStrip {
     /// goes on at the other end. Nothing happens where there is none.
     void ChooseNext(int direction, bool around);
     void Draw(const DRAWITEMSTRUCT& item) const;
+    /// Free space left and right, above and below of each caption, in pixels. Before a font is set, which is
+    /// when the tabs take their size.
+    void Pad(int across, int down);
 
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
                                       DWORD_PTR data);
     bool IsEnabled(int index) const;
+    void PaintBody() const;
     int Count() const { return static_cast<int>(enabled_.size()); }
     /// The tab under a point of the control that cannot be chosen.
     bool HitsDisabled(LPARAM point) const;
