@@ -31,7 +31,7 @@ static_assert(std::variant_size_v<Variant::Storage> <= kKindMask);
 /// The upper half is a number that the kind has a use for. This one says that it follows as a packed number.
 constexpr std::size_t kFollows = 15;
 
-char FirstByte(std::size_t kind, std::size_t number = 0) {
+char FirstByte(std::size_t kind, std::uint64_t number = 0) {
     return static_cast<char>(kind | (number << kKindBits));
 }
 
@@ -53,12 +53,13 @@ void PutRaw(std::string& to, std::size_t kind, const T& value) {
     to.append(packed, sizeof packed);
 }
 
-void PutSize(std::string& to, std::size_t kind, std::size_t size) {
-    if (size < kFollows) {
-        to += FirstByte(kind, size);
+/// The first byte of a value with a number, and the number.
+void PutCounted(std::string& to, std::size_t kind, std::uint64_t number) {
+    if (number < kFollows) {
+        to += FirstByte(kind, number);
     } else {
         to += FirstByte(kind, kFollows);
-        PutNumber(to, size);
+        PutNumber(to, number);
     }
 }
 
@@ -135,7 +136,7 @@ class Reader {
 
     std::uint64_t Number() { return number_ < kFollows ? number_ : TakeNumber(from_, offset_); }
     std::string_view Text() {
-        const std::size_t size = Number();
+        const auto size = static_cast<std::size_t>(Number());
         return std::string_view(from_).substr(std::exchange(offset_, offset_ + size), size);
     }
 
@@ -179,7 +180,7 @@ void RowStore::PutBoolean(bool value) {
     Values() += FirstByte(KindOf<bool>(), value ? 1 : 0);
 }
 void RowStore::PutWhole(std::int64_t value) {
-    PutSize(Values(), KindOf<std::int64_t>(), Zigzag(value));
+    PutCounted(Values(), KindOf<std::int64_t>(), Zigzag(value));
 }
 void RowStore::PutSingle(float value) {
     PutRaw(Values(), KindOf<float>(), value);
@@ -207,14 +208,14 @@ void RowStore::PutWideText(std::u16string_view text) {
 }
 
 void RowStore::PutSized(std::size_t kind, std::string_view bytes) {
-    PutSize(Values(), kind, bytes.size());
+    PutCounted(Values(), kind, bytes.size());
     Values() += bytes;
 }
 
 void RowStore::PutWideSized(std::size_t kind, std::u16string_view text) {
     std::string& values = Values();
     const std::size_t begin = values.size();
-    PutSize(values, kind, text.size());
+    PutCounted(values, kind, text.size());
     const std::size_t text_begin = values.size();
     platform::AppendNarrow(values, text);
     const std::size_t size = values.size() - text_begin;

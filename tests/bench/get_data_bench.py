@@ -109,9 +109,12 @@ def main(server_program, program, repeats="3"):
         }
         size = SIZES[-1]
         best = dict.fromkeys(names, (float("inf"), 0))
-        for _ in range(int(repeats)):  # taken in turn, so that a busy moment of the machine hits all of them
+        # In turn, so that a busy moment of the machine hits all of them; the two that are compared most closely more
+        # often than the others.
+        for turn in range(3 * int(repeats)):
             for name, read in names.items():
-                best[name] = min(best[name], read(size))
+                if turn % 3 == 0 or name in ("GetData", "bare ODBC loop"):
+                    best[name] = min(best[name], read(size))
         print(f"reading {size:,} rows of 8 columns, the best of {repeats}:")
         for name, (seconds, kilobytes) in best.items():
             ratio = best["GetData"][0] / seconds
