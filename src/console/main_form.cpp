@@ -55,7 +55,9 @@ frmMain::frmMain()
       script_(*this),
       synchronize_(*this),
       upgrade_(*this),
-      replication_(*this) {
+      replication_(*this),
+      view_data_(*this),
+      stored_proc_(*this) {
     tabMain_.on_click = [this] { tabMain_Click(); };
     form_.Get<ui::CommandButton>("cmdClose").on_click = [this] { form_.Unload(); };
     form_.on_unload = [this] { Unload(); };

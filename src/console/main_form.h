@@ -13,8 +13,10 @@
 #include "console/general_tab.h"
 #include "console/replication_tab.h"
 #include "console/script_tab.h"
+#include "console/stored_proc_tab.h"
 #include "console/synchronize_tab.h"
 #include "console/upgrade_tab.h"
+#include "console/view_data_tab.h"
 #include "startup/int16.h"
 #include "ui/form.h"
 
@@ -88,6 +90,8 @@ class frmMain {
     SynchronizeTab synchronize_;
     UpgradeTab upgrade_;
     ReplicationTab replication_;
+    ViewDataTab view_data_;
+    StoredProcTab stored_proc_;
 };
 
 } // namespace kv

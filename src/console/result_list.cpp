@@ -1,0 +1,37 @@
+#include "console/result_list.h"
+
+#include "console/list_view_helpers.h"
+#include "platform/pending_events.h"
+
+namespace kv {
+
+void EmptyResultList(ui::ListView& list) {
+    list.ClearRows();
+    list.ClearColumns();
+    list.Refresh();
+    list.Enabled(false);
+    platform::RunPendingEvents();
+}
+
+void FillResultList(
+    ui::ListView& list, const TextTable& table,
+    const std::function<ui::ListView::Column(Int16 number, const std::string& name)>& column) {
+    const Int16 last_column(table.ColumnUpperBound());
+    for (Int16 i(1); i <= last_column; ++i) {
+        const ui::ListView::Column header = column(i, table(i.Value(), 0));
+        list.AddColumn(header.key, header.text);
+    }
+    if (table.RowUpperBound() >= 1) {
+        const Int16 last_row(table.RowUpperBound());
+        // The counter steps on behind the last row and overflows there if that is the last number it holds.
+        for (Int16 r(1); r <= last_row; ++r) {
+            const int row = list.AddRow("row_" + std::to_string(r.Value()), table(1, r.Value()));
+            for (Int16 i(2); i <= last_column; ++i) {
+                list.SetCell(row, i.Value() - 1, table(i.Value(), r.Value()));
+            }
+        }
+    }
+    AutoSizeColumns(list);
+}
+
+} // namespace kv

@@ -1,0 +1,30 @@
+// The Stored Proc. tab: a server, a database, a procedure, its source text, and the way to the dialog that
+// runs it.
+#pragma once
+
+#include "inspect/view_data_mgr.h"
+#include "ui/form.h"
+
+namespace kv {
+
+class frmMain;
+
+class StoredProcTab {
+  public:
+    explicit StoredProcTab(frmMain& main);
+
+  private:
+    void loadStoredProcedures();
+    void ListProcedures(CViewDataMgr& manager);
+    void cboStoredProcedure_Click();
+    void cmdExecute_Click();
+    void Fill(CViewDataMgr& manager) const;
+
+    frmMain& main_;
+    ui::OptionButton& server_a_;
+    ui::ComboBox& cboStoredProcDatabase_;
+    ui::ComboBox& cboStoredProcedure_;
+    ui::TextBox& edtStoredProcedure_;
+};
+
+} // namespace kv

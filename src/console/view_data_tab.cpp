@@ -1,0 +1,98 @@
+#include "console/view_data_tab.h"
+
+#include <algorithm>
+
+#include "console/main_form.h"
+#include "console/result_list.h"
+#include "console/wait_cursor.h"
+#include "startup/error_log.h"
+#include "startup/failure.h"
+
+namespace kv {
+
+ViewDataTab::ViewDataTab(frmMain& main)
+    : main_(main),
+      server_a_(main.Form().Get<ui::OptionButton>("optViewDataCurrentServer", 0)),
+      cboViewDataDatabase_(main.Form().Get<ui::ComboBox>("cboViewDataDatabase")),
+      lstViewDataTables_(main.Form().Get<ui::ListBox>("lstViewDataTables")),
+      lvwViewData_(main.Form().Get<ui::ListView>("lvwViewData")) {
+    main.RefillOnServerChoice(kViewDataTab);
+    cboViewDataDatabase_.on_click = [this] { cboViewDataDatabase_Click(); };
+    lstViewDataTables_.on_click = [this] { lstViewDataTables_Click(); };
+}
+
+void ViewDataTab::Fill(CViewDataMgr& manager) const {
+    main_.FillSettings(manager, server_a_.Value());
+}
+
+void ViewDataTab::cboViewDataDatabase_Click() {
+    const CWaitCursor wait;
+    CViewDataMgr manager;
+    // The tag names another event than the one that it serves; logs are read by it.
+    WithFailureHandler([&] { ListTables(manager); },
+                       [](const Failure&) { WriteErrorLog("frmMain::cboViewDataDatabase_Change"); });
+    main_.Form().UnlockPainting();
+    manager.ShowDbError();
+}
+
+void ViewDataTab::ListTables(CViewDataMgr& manager) {
+    main_.Form().LockPainting();
+    lstViewDataTables_.Clear();
+    lstViewDataTables_.Enabled(false);
+    Fill(manager);
+    std::vector<std::string> arrTables;
+    if (!manager.GetTables(cboViewDataDatabase_.Text(), arrTables)) {
+        return;
+    }
+    const Int16 last(static_cast<std::int64_t>(arrTables.size()) - 1);
+    for (Int16 i(1); i <= last; ++i) {
+        lstViewDataTables_.AddItem(arrTables[static_cast<std::size_t>(i.Value())]);
+    }
+    if (lstViewDataTables_.ListCount() > 0) {
+        lstViewDataTables_.ListIndex(0);
+    }
+    lstViewDataTables_.Enabled(true);
+}
+
+void ViewDataTab::lstViewDataTables_Click() {
+    const CWaitCursor wait;
+    std::unique_ptr<CViewDataMgr> manager;
+    bool left_at_once = false;
+    WithFailureHandler([&] { left_at_once = !ShowTable(manager); },
+                       [](const Failure&) { WriteErrorLog("frmMain::lstViewDataTables_Click"); });
+    if (left_at_once) {
+        return;
+    }
+    main_.Form().UnlockPainting();
+    if (manager) {
+        manager->ShowDbError();
+    }
+}
+
+bool ViewDataTab::ShowTable(std::unique_ptr<CViewDataMgr>& manager) {
+    main_.Form().LockPainting();
+    EmptyResultList(lvwViewData_);
+    if (lstViewDataTables_.ListCount() == 0 || lstViewDataTables_.ListIndex() < 0) {
+        return false;
+    }
+    manager = std::make_unique<CViewDataMgr>();
+    Fill(*manager);
+    std::vector<std::string> arrTableIdentifiers;
+    TextTable arrTableData;
+    if (!manager->GetData(cboViewDataDatabase_.Text(), lstViewDataTables_.Text(), arrTableIdentifiers,
+                          arrTableData)) {
+        return true;
+    }
+    if (arrTableData.ColumnUpperBound() == 0) {
+        return false;
+    }
+    FillResultList(lvwViewData_, arrTableData, [&](Int16, const std::string& name) {
+        const bool identity = std::find(arrTableIdentifiers.begin() + 1, arrTableIdentifiers.end(), name) !=
+                              arrTableIdentifiers.end();
+        return ui::ListView::Column{name, name + (identity ? " *" : "")};
+    });
+    lvwViewData_.Enabled(true);
+    return true;
+}
+
+} // namespace kv
