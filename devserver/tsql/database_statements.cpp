@@ -2,8 +2,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <fstream>
+#include <thread>
 
 #include "devserver/storage/paths.h"
 #include "devserver/tsql/definitions.h"
@@ -181,8 +183,13 @@ class Exclusive {
             Refuse(error, first, name);
         }
         session.ReleaseDatabase(name);
-        if (!session.server.CloseTo(name_, session)) {
-            Refuse(error, first, name);
+        // A client that has just closed its connection is out for itself, and its session is still on the way.
+        const auto until = std::chrono::steady_clock::now() + kTimeToLeave;
+        while (!session.server.CloseTo(name_, session)) {
+            if (std::chrono::steady_clock::now() >= until) {
+                Refuse(error, first, name);
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
     }
     ~Exclusive() { session_.server.Reopen(name_); }
@@ -190,6 +197,8 @@ class Exclusive {
     Exclusive& operator=(const Exclusive&) = delete;
 
   private:
+    static constexpr std::chrono::milliseconds kTimeToLeave{500};
+
     [[noreturn]] static void Refuse(std::int32_t error, std::string_view first, const std::string& name) {
         if (first.empty()) {
             RaiseError(error, {name});
