@@ -76,15 +76,13 @@ void NativeForm::BringAllInLine() {
     const bool before = std::exchange(showing_, true);
     told_ = false;
     for (std::size_t index = 0; index < natives_.size(); ++index) {
-        NativeControl& native = natives_[index];
-        if (native.stale == 0) {
-            continue;
+        if (natives_[index].stale != 0 && static_cast<int>(index) != tabs_index_) {
+            BringInLine(natives_[index]);
         }
-        if (static_cast<int>(index) == tabs_index_) {
-            BringTabsInLine(native);
-        } else {
-            BringInLine(native);
-        }
+    }
+    // Last, so that a page comes up with everything on it in line.
+    if (tabs_ && natives_[static_cast<std::size_t>(tabs_index_)].stale != 0) {
+        BringTabsInLine(natives_[static_cast<std::size_t>(tabs_index_)]);
     }
     showing_ = before;
     if (std::exchange(focus_wanted_, false) && form_.Focused() != nullptr) {
@@ -145,6 +143,9 @@ void NativeForm::GiveFocusToSomeone() const {
 }
 
 void NativeForm::TrackFocus() {
+    if (focus_wanted_) {
+        return; // the form has given it away, and the window has still to follow
+    }
     const HWND focus = ::GetFocus();
     if (focus == nullptr || ::IsChild(window_, focus) == 0) {
         return; // in another window, or nowhere while a control is disabled: the form keeps what it knows
@@ -376,9 +377,11 @@ bool NativeForm::Filter(MSG& message) {
 
 void NativeForm::Show() {
     BringAllInLine();
+    focus_wanted_ =
+        form_.Focused() != nullptr; // the system's own choice, when it activates the window, does not count
     ::ShowWindow(window_, SW_SHOWNORMAL);
-    if (form_.Focused() != nullptr) {
-        GiveFocus(FindById(form_.Focused()->Id())->window);
+    if (focus_wanted_) {
+        BringAllInLine();
     } else if (::GetActiveWindow() == window_) {
         GiveFocus(::GetNextDlgTabItem(window_, tabs_ ? tabs_->Window() : nullptr, FALSE));
     }

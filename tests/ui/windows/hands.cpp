@@ -1,6 +1,5 @@
 #include "ui/windows/hands.h"
 
-#include <chrono>
 #include <fstream>
 #include <thread>
 
@@ -16,7 +15,8 @@ struct Search {
 
 BOOL CALLBACK TakeIfWanted(HWND window, LPARAM wanted) {
     auto& search = *reinterpret_cast<Search*>(wanted);
-    if (::GetDlgCtrlID(window) != search.id) {
+    // The text field of a combo box has an identifier too, the system's own.
+    if (::GetDlgCtrlID(window) != search.id || ClassOf(::GetParent(window)) == "ComboBox") {
         return TRUE;
     }
     search.found = window;
@@ -91,14 +91,14 @@ class Canvas {
 
 } // namespace
 
-bool WaitFor(const std::function<bool()>& condition) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
     for (;;) {
         platform::RunPendingEvents();
         if (condition()) {
             return true;
         }
-        if (std::chrono::steady_clock::now() > limit) {
+        if (std::chrono::steady_clock::now() > end) {
             return false;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -135,6 +135,13 @@ RECT PlaceIn(HWND window, HWND other) {
 bool Activate(HWND window) {
     ::SetForegroundWindow(window);
     return WaitFor([window] { return ::GetForegroundWindow() == window; });
+}
+
+HWND FocusIn(HWND top) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    ::GetGUIThreadInfo(::GetWindowThreadProcessId(top, nullptr), &info);
+    return info.hwndFocus;
 }
 
 void ClickAt(HWND window, int x, int y) {

@@ -2,6 +2,7 @@
 // identifiers, pictures of what is shown. It knows no program and no toolkit.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <initializer_list>
 #include <string>
@@ -11,8 +12,8 @@
 
 namespace hands {
 
-/// Waits until the condition holds, letting this thread's windows run meanwhile; false after ten seconds.
-bool WaitFor(const std::function<bool()>& condition);
+/// Waits until the condition holds, letting this thread's windows run meanwhile; false if it takes too long.
+bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit = std::chrono::seconds(10));
 
 /// The window below `top`, at any depth, with this identifier; null if there is none.
 HWND Child(HWND top, int id);
@@ -23,6 +24,9 @@ RECT PlaceIn(HWND window, HWND other);
 
 /// Brings the window to the front and waits until the keyboard goes to it.
 bool Activate(HWND window);
+
+/// The control that has the focus in the thread of that window, of whatever process.
+HWND FocusIn(HWND top);
 
 /// Presses the left button there, in the window's client area.
 void ClickAt(HWND window, int x, int y);

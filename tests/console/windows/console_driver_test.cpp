@@ -1,0 +1,156 @@
+// The real executable on a screen, driven from outside as a person does: windows found by the identifiers of
+// the control tree, real mouse and keyboard input, and what is shown read back.
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "console/main_form_design.h"
+#include "ui/form.h"
+#include "ui/windows/hands.h"
+
+#include <commctrl.h>
+
+namespace {
+
+constexpr char kSettings[] = "Software\\VB and VBA Program Settings\\KVLSQLDbMgr";
+
+/// The program beside this one, running.
+class Program {
+  public:
+    Program() {
+        std::string path(MAX_PATH, '\0');
+        path.resize(::GetModuleFileNameA(nullptr, path.data(), MAX_PATH));
+        path = path.substr(0, path.rfind('\\')) + "\\KVLSQLDbMgr.exe";
+        STARTUPINFOA start{};
+        start.cb = sizeof start;
+        ::CreateProcessA(path.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                         &process_);
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+    ~Program() {
+        ::TerminateProcess(process_.hProcess, 1); // no more than a failed test leaves it running
+        ::WaitForSingleObject(process_.hProcess, 10000);
+        ::CloseHandle(process_.hProcess);
+        ::CloseHandle(process_.hThread);
+    }
+
+    bool Ends() const { return ::WaitForSingleObject(process_.hProcess, 10000) == WAIT_OBJECT_0; }
+
+    /// Its window, visible and in front; null if there is none after ten seconds.
+    HWND Window() const {
+        HWND window = nullptr;
+        hands::WaitFor([this, &window] {
+            window = ::FindWindowA("KVForm", nullptr);
+            DWORD owner = 0;
+            ::GetWindowThreadProcessId(window, &owner);
+            return window != nullptr && owner == process_.dwProcessId && ::IsWindowVisible(window) != 0;
+        });
+        return hands::Activate(window) ? window : nullptr;
+    }
+
+  private:
+    PROCESS_INFORMATION process_{};
+};
+
+class Console : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        ::RegDeleteTreeA(HKEY_CURRENT_USER, kSettings);
+        Start();
+    }
+    void TearDown() override { ::RegDeleteTreeA(HKEY_CURRENT_USER, kSettings); }
+
+    void Start() {
+        program_.reset();
+        program_ = std::make_unique<Program>();
+        window_ = program_->Window();
+        ASSERT_NE(window_, nullptr);
+    }
+
+    HWND Native(const char* name, int index = ui::kNoIndex) const {
+        return hands::Child(window_, tree_.Find(name, index)->Id());
+    }
+    void Fill(const char* name, int index, const std::string& text) {
+        const HWND box = Native(name, index);
+        hands::Click(box);
+        hands::Type(text);
+        EXPECT_TRUE(hands::WaitFor([&] { return hands::Text(box) == text; }))
+            << name << ": " << hands::Text(box);
+    }
+    int Tab() const { return static_cast<int>(::SendMessageA(Native("tabMain"), TCM_GETCURSEL, 0, 0)); }
+    bool PageIsShown(int page) const {
+        const HWND frame = Native("fraMainTab", page);
+        return hands::WaitFor([&] { return ::IsWindowVisible(frame) != 0 && ::IsWindowEnabled(frame) != 0; });
+    }
+    void Close() {
+        hands::Click(Native("cmdClose"));
+        EXPECT_TRUE(program_->Ends());
+    }
+
+    ui::Form tree_{kv::MainFormDesign()};
+    std::unique_ptr<Program> program_;
+    HWND window_ = nullptr;
+};
+
+TEST_F(Console, OpensWithItsVersionInItsTitleAndEndsByItsButton) {
+    EXPECT_EQ(hands::Text(window_), "Halvane Vindrel SQL Database Manager [Version 6.G4 Build 31]");
+    EXPECT_EQ(hands::Text(Native("lblStatus")), "");
+    EXPECT_TRUE(PageIsShown(kv::kGeneralTab));
+    Close();
+}
+
+TEST_F(Console, OpensOnlyTheTabsThatItsFieldsAllow) {
+    hands::Press(VK_TAB, {VK_CONTROL}); // no other tab can be used: this one stays
+    Fill("edtServerName", 0, "SRVA");
+    EXPECT_EQ(Tab(), kv::kGeneralTab);
+    Fill("edtUserID", 0, "sa");
+    Fill("edtPassword", 0, "secret");
+    Fill("edtSQLDataPath", 0, "C:\\MSSQL\\Data");
+    EXPECT_TRUE(hands::WaitFor(
+        [this] { return hands::Text(Native("edtSQLUNCReplDataPath", 0)) == "C$\\MSSQL\\ReplData"; }));
+    hands::Press(VK_TAB, {VK_CONTROL});
+    EXPECT_TRUE(PageIsShown(kv::kScriptTab));
+    EXPECT_TRUE(
+        hands::WaitFor([this] { return hands::Text(Native("optScriptCurrentServer", 0)) == "SRVA"; }));
+    EXPECT_EQ(hands::Text(Native("optScriptCurrentServer", 1)), "N/A");
+    EXPECT_FALSE(::IsWindowEnabled(Native("optScriptCurrentServer", 1)));
+    Close();
+}
+
+TEST_F(Console, RemembersWhatWasTyped) {
+    Fill("edtServerName", 1, "SRVB");
+    Fill("edtScriptFolder", ui::kNoIndex, "C:\\scripts");
+    Close();
+    Start();
+    EXPECT_EQ(hands::Text(Native("edtServerName", 1)), "SRVB");
+    EXPECT_EQ(hands::Text(Native("edtScriptFolder")), "C:\\scripts");
+    hands::Press(VK_F4, {VK_MENU});
+    EXPECT_TRUE(program_->Ends());
+}
+
+TEST_F(Console, RefusesARunWithNothingTicked) {
+    Fill("edtServerName", 0, "SRVA");
+    Fill("edtUserID", 0, "sa");
+    Fill("edtPassword", 0, "secret");
+    Fill("edtSQLDataPath", 0, "C:\\Data");
+    hands::Press(VK_TAB, {VK_CONTROL});
+    ASSERT_TRUE(PageIsShown(kv::kScriptTab));
+    EXPECT_FALSE(::IsWindowEnabled(Native("chkCreateInstallScriptFile"))); // no file is named
+    hands::Press('R', {VK_MENU});
+    HWND box = nullptr;
+    EXPECT_TRUE(hands::WaitFor([&] {
+        box = ::FindWindowA("#32770", "KVLSQLDbMgr");
+        return box != nullptr && ::IsWindowVisible(box) != 0;
+    }));
+    EXPECT_EQ(hands::Text(hands::Child(box, 0xFFFF)), "No scripts or DTS packages selected!");
+    EXPECT_TRUE(hands::Activate(box));
+    hands::Press(VK_RETURN);
+    EXPECT_TRUE(hands::WaitFor([&] { return ::IsWindow(box) == 0; }));
+    EXPECT_EQ(hands::Text(Native("lblStatus")), "Initializing..."); // it stays until the next command
+    EXPECT_TRUE(::IsWindowEnabled(Native("cmdCreateInstall")));
+    Close();
+}
+
+} // namespace

@@ -1,0 +1,185 @@
+// Two measurements under Wine, each beside its peer in the same run: a list of 32,766 rows of ten columns,
+// sizing of columns included, beside a list view that is filled by a bare loop; and the start of the program
+// until its window stands there, beside the start of this program with a bare window.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "console/main_form_design.h"
+#include "ui/toolkit.h"
+#include "ui/windows/hands.h"
+#include "ui/windows/native_form.h"
+
+#include <commctrl.h>
+
+namespace {
+
+constexpr int kRows = 32766;
+constexpr int kColumns = 10;
+constexpr int kTimes = 5;
+
+double Milliseconds(const std::function<void()>& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> times) {
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+void Print(const char* what, const std::vector<double>& ours, const std::vector<double>& bare) {
+    std::printf("%s: %.0f ms, bare %.0f ms, ratio %.2f\n", what, Median(ours), Median(bare),
+                Median(ours) / Median(bare));
+}
+
+std::string CellText(int row, int column) {
+    return "value " + std::to_string(row * kColumns + column);
+}
+
+void FillByModel(ui::ListView& list, HWND window) {
+    list.ClearRows();
+    list.ClearColumns();
+    for (int column = 0; column < kColumns; ++column) {
+        list.AddColumn("Column" + std::to_string(column), "Column" + std::to_string(column));
+    }
+    for (int row = 0; row < kRows; ++row) {
+        list.AddRow("row_" + std::to_string(row + 1), CellText(row, 0));
+        for (int column = 1; column < kColumns; ++column) {
+            list.SetCell(row, column, CellText(row, column));
+        }
+    }
+    for (int column = 0; column < kColumns; ++column) {
+        list.AutoSizeColumn(column);
+    }
+    list.Refresh();
+    ::UpdateWindow(window);
+}
+
+HWND MakeBareList() {
+    const HWND frame = ::CreateWindowExA(0, "STATIC", "bare", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 640,
+                                         480, nullptr, nullptr, nullptr, nullptr);
+    return ::CreateWindowExA(0, WC_LISTVIEWA, "", WS_CHILD | WS_VISIBLE | LVS_REPORT, 0, 0, 600, 400, frame,
+                             nullptr, nullptr, nullptr);
+}
+
+void FillBare(HWND list) {
+    ::SendMessageA(list, WM_SETREDRAW, FALSE, 0);
+    ::SendMessageA(list, LVM_DELETEALLITEMS, 0, 0);
+    while (::SendMessageA(list, LVM_DELETECOLUMN, 0, 0) != 0) {
+    }
+    for (int index = 0; index < kColumns; ++index) {
+        std::string text = "Column" + std::to_string(index);
+        LVCOLUMNA column{};
+        column.mask = LVCF_TEXT | LVCF_WIDTH;
+        column.cx = 96;
+        column.pszText = text.data();
+        ::SendMessageA(list, LVM_INSERTCOLUMNA, static_cast<WPARAM>(index),
+                       reinterpret_cast<LPARAM>(&column));
+    }
+    for (int row = 0; row < kRows; ++row) {
+        for (int column = 0; column < kColumns; ++column) {
+            std::string text = CellText(row, column);
+            LVITEMA item{};
+            item.mask = LVIF_TEXT;
+            item.iItem = row;
+            item.iSubItem = column;
+            item.pszText = text.data();
+            ::SendMessageA(list, column == 0 ? LVM_INSERTITEMA : LVM_SETITEMA, 0,
+                           reinterpret_cast<LPARAM>(&item));
+        }
+    }
+    for (int column = 0; column < kColumns; ++column) {
+        ::SendMessageA(list, LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(column), LVSCW_AUTOSIZE_USEHEADER);
+    }
+    ::SendMessageA(list, WM_SETREDRAW, TRUE, 0);
+    ::UpdateWindow(list);
+}
+
+void MeasureList() {
+    ui::Form form(kv::MainFormDesign());
+    const auto window = ui::MakeWindow(form);
+    form.Get<ui::TabControl>("tabMain").Tab(kv::kViewDataTab);
+    window->Show();
+    auto& list = form.Get<ui::ListView>("lvwViewData");
+    const HWND native = hands::Child(ui::NativeForm::HandleOf(form), list.Id());
+    const HWND bare = MakeBareList();
+    hands::WaitFor([] { return true; });
+    std::vector<double> ours;
+    std::vector<double> theirs;
+    for (int time = 0; time < kTimes; ++time) {
+        ours.push_back(Milliseconds([&] { FillByModel(list, native); }));
+        theirs.push_back(Milliseconds([&] { FillBare(bare); }));
+    }
+    ::DestroyWindow(::GetParent(bare));
+    Print("32,766 rows of ten columns", ours, theirs);
+}
+
+std::string OwnPath() {
+    std::string path(MAX_PATH, '\0');
+    path.resize(::GetModuleFileNameA(nullptr, path.data(), MAX_PATH));
+    return path;
+}
+
+/// Starts a program, waits until it shows a window of that class, and ends it.
+double StartOf(const std::string& command, const char* window_class) {
+    STARTUPINFOA start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process{};
+    std::string line = command;
+    const double time = Milliseconds([&] {
+        ::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                         &process);
+        hands::WaitFor([window_class] {
+            const HWND window = ::FindWindowA(window_class, nullptr);
+            return window != nullptr && ::IsWindowVisible(window) != 0;
+        });
+    });
+    ::TerminateProcess(process.hProcess, 0);
+    ::WaitForSingleObject(process.hProcess, INFINITE);
+    ::CloseHandle(process.hProcess);
+    ::CloseHandle(process.hThread);
+    return time;
+}
+
+void MeasureStart() {
+    const std::string own = OwnPath();
+    const std::string program = "\"" + own.substr(0, own.rfind('\\')) + "\\KVLSQLDbMgr.exe\"";
+    std::vector<double> ours;
+    std::vector<double> theirs;
+    for (int time = 0; time < kTimes; ++time) {
+        ours.push_back(StartOf(program, "KVForm"));
+        theirs.push_back(StartOf("\"" + own + "\" bare", "KVBareWindow"));
+    }
+    Print("start until the window stands", ours, theirs);
+}
+
+int ShowBareWindow() {
+    WNDCLASSA bare{};
+    bare.lpfnWndProc = ::DefWindowProcA;
+    bare.lpszClassName = "KVBareWindow";
+    ::RegisterClassA(&bare);
+    const HWND window = ::CreateWindowExA(0, bare.lpszClassName, "bare", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0,
+                                          0, 640, 540, nullptr, nullptr, nullptr, nullptr);
+    ::UpdateWindow(window);
+    MSG message{};
+    while (::GetMessageA(&message, nullptr, 0, 0) > 0) {
+        ::DispatchMessageA(&message);
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc > 1 && std::string(argv[1]) == "bare") {
+        return ShowBareWindow();
+    }
+    MeasureList();
+    MeasureStart();
+    return 0;
+}
