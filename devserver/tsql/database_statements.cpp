@@ -183,7 +183,8 @@ class Exclusive {
             Refuse(error, first, name);
         }
         session.ReleaseDatabase(name);
-        // A client that has just closed its connection is out for itself, and its session is still on the way.
+        // A client that has just closed its connection is out for itself, and its session is still on the
+        // way.
         const auto until = std::chrono::steady_clock::now() + kTimeToLeave;
         while (!session.server.CloseTo(name_, session)) {
             if (std::chrono::steady_clock::now() >= until) {

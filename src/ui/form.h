@@ -1,7 +1,8 @@
 // A form: the controls that its design lays down, its title, focus and state of painting.
 //
 // How a toolkit attaches:
-//  1. MakeWindow (toolkit.h) gets a form, whose load may still come. It walks Form::Controls(), which stand in the order of the
+//  1. MakeWindow (toolkit.h) gets a form, whose load may still come. It walks Form::Controls(), which stand
+//  in the order of the
 //     Tab key and parents before children, makes one native control for each by its Kind, at Design().place,
 //     with the identifier Id(), and fills it from the control's present state. A child of the tab control
 //     belongs to the tab of its index and is seen while TabControl::Tab() is that.

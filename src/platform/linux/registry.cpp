@@ -19,7 +19,6 @@ namespace {
 
 using namespace registry_error;
 
-
 struct Hive {
     RegistryHandle handle;
     std::u16string_view name;
