@@ -1,0 +1,170 @@
+// Walks through the console by clicks and keys alone, as an operator who installs a database does: fetches
+// the local settings, picks the folders, creates and installs all scripts and packages, lists the packages.
+// It prints what it saw; what stands on the server is asked by console_walk_test.py, which runs it on a
+// screen.
+//
+//   console_walk PROGRAM SERVER DATA_FOLDER SCRIPT_FOLDER
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+
+#include "console/main_form_design.h"
+#include "ui/form.h"
+#include "ui/windows/hands.h"
+
+#include <commctrl.h>
+
+namespace {
+
+constexpr std::chrono::seconds kLongest{120};
+constexpr int kTreeId = 0x3741; // of the tree in the system's dialog
+
+void Require(bool condition, const std::string& what) {
+    if (!condition) {
+        throw std::runtime_error(what);
+    }
+    std::printf("%s\n", what.c_str());
+}
+
+class Walk {
+  public:
+    explicit Walk(const std::string& program) {
+        STARTUPINFOA start{};
+        start.cb = sizeof start;
+        std::string line = "\"" + program + "\"";
+        ::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                         &process_);
+        Require(hands::WaitFor([this] {
+                    window_ = ::FindWindowA("KVForm", nullptr);
+                    return window_ != nullptr && ::IsWindowVisible(window_) != 0;
+                }) &&
+                    hands::Activate(window_),
+                "the window stands there: " + hands::Text(window_));
+    }
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+    ~Walk() {
+        ::TerminateProcess(process_.hProcess, 1); // after a failure alone: else it has ended
+        ::CloseHandle(process_.hProcess);
+        ::CloseHandle(process_.hThread);
+    }
+
+    void FetchSettings(const std::string& server, const std::string& data_folder) {
+        hands::Click(Native("cmdGetLocalSettings"));
+        Require(Becomes("edtServerName", 0, server), "the local settings name the server");
+        // The box of the data path gets the focus with its text selected: typing is enough.
+        const HWND box = Native("edtSQLDataPath", 0);
+        Require(hands::WaitFor([this, box] { return hands::FocusIn(window_) == box; }),
+                "its data path has the focus");
+        hands::Type(data_folder);
+        Require(Becomes("edtSQLDataPath", 0, data_folder), "the data folder is typed");
+    }
+
+    void PickScriptFolder(const std::string& folder) {
+        const HWND box = Native("edtScriptFolder");
+        hands::Click(box);
+        Require(hands::WaitFor([this, box] { return hands::FocusIn(window_) == box; }),
+                "the script folder has the focus");
+        hands::Type(folder);
+        Require(Becomes("edtScriptFolder", ui::kNoIndex, folder), "the script folder is typed");
+        hands::Click(Native("cmdBrowseForScriptFolder"));
+        const HWND dialog = Box("the tree of folders opens");
+        const HWND tree = hands::Child(dialog, kTreeId);
+        hands::WaitFor([tree] {
+            const LRESULT chosen = ::SendMessageA(tree, TVM_GETNEXTITEM, TVGN_CARET, 0);
+            return chosen != 0 && chosen != ::SendMessageA(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0);
+        });
+        hands::Click(::GetDlgItem(dialog, IDOK));
+        Require(hands::WaitFor([dialog] { return ::IsWindow(dialog) == 0; }), "the folder is picked");
+        const bool same = Becomes("edtScriptFolder", ui::kNoIndex, folder);
+        Require(same, "it is the one that the tree opened at: " + hands::Text(box));
+    }
+
+    void InstallAll() {
+        hands::Activate(window_);
+        hands::Press(VK_TAB, {VK_CONTROL});
+        const HWND page = Native("fraMainTab", kv::kScriptTab);
+        Require(
+            hands::WaitFor([page] { return ::IsWindowVisible(page) != 0 && ::IsWindowEnabled(page) != 0; }),
+            "the Script tab opens");
+        for (const char* box :
+             {"chkCreateInstallBatchDatabase", "chkCreateInstallBatchStoredProcedures",
+              "chkCreateInstallBatchDefaultData", "chkStandardSynchronize", "chkUpgradeDatabaseV1ToV2",
+              "chkBatchOverviewExport", "chkBatchOverviewRecalcExport", "chkBatchSummaryExport",
+              "chkBatchSummaryRecalcExport"}) {
+            Tick(Native(box), box);
+        }
+        Tick(Native("optCreateInstallScriptFiles", 1), "Create and Install");
+        hands::Click(Native("cmdCreateInstall"));
+        Require(
+            hands::WaitFor([this] { return hands::Text(Native("lblStatus")) == "Installation completed..."; },
+                           kLongest),
+            "the status line says Installation completed...");
+        Require(
+            hands::WaitFor([this] { return ::IsWindowEnabled(Native("cmdCreateInstall")) != 0; }, kLongest),
+            "the button can be pressed again");
+        Require(Becomes("lblStatus", ui::kNoIndex, ""), "the status line is empty");
+    }
+
+    void ListPackages() {
+        hands::Click(Native("cmdGetInstalledPackages"));
+        const HWND box = Box("a box lists the packages");
+        constexpr int kTextId = 0xFFFF;
+        std::printf("%s\n", hands::Text(hands::Child(box, kTextId)).c_str());
+        hands::Activate(box);
+        hands::Press(VK_RETURN);
+        Require(hands::WaitFor([box] { return ::IsWindow(box) == 0; }), "the box is answered");
+    }
+
+    void Close() {
+        hands::Click(Native("cmdClose"));
+        Require(::WaitForSingleObject(process_.hProcess, 20000) == WAIT_OBJECT_0, "the program ends");
+    }
+
+  private:
+    HWND Native(const char* name, int index = ui::kNoIndex) const {
+        return hands::Child(window_, tree_.Find(name, index)->Id());
+    }
+    bool Becomes(const char* name, int index, const std::string& text) const {
+        return hands::WaitFor([&] { return hands::Text(Native(name, index)) == text; });
+    }
+    static void Tick(HWND box, const std::string& name) {
+        hands::Click(box);
+        Require(hands::WaitFor([box] { return ::SendMessageA(box, BM_GETCHECK, 0, 0) == BST_CHECKED; }),
+                "ticked: " + name);
+    }
+    static HWND Box(const std::string& what) {
+        HWND box = nullptr;
+        Require(hands::WaitFor([&box] {
+                    box = ::FindWindowA("#32770", nullptr);
+                    return box != nullptr && ::IsWindowVisible(box) != 0;
+                }),
+                what);
+        return box;
+    }
+
+    ui::Form tree_{kv::MainFormDesign()};
+    PROCESS_INFORMATION process_{};
+    HWND window_ = nullptr;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 5) {
+        std::puts("usage: console_walk PROGRAM SERVER DATA_FOLDER SCRIPT_FOLDER");
+        return 2;
+    }
+    try {
+        Walk walk(argv[1]);
+        walk.FetchSettings(argv[2], argv[3]);
+        walk.PickScriptFolder(argv[4]);
+        walk.InstallAll();
+        walk.ListPackages();
+        walk.Close();
+    } catch (const std::exception& error) {
+        std::printf("NOT SO: %s\n", error.what());
+        return 1;
+    }
+    return 0;
+}

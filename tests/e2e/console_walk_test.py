@@ -1,0 +1,61 @@
+# The whole way through the console by clicks alone, on a screen under Wine, and what stands on the server afterwards.
+#
+#   console_walk_test.py DEVSQLSERVER BIN_FOLDER
+import os
+import shlex
+import shutil
+import subprocess
+import sys
+import unittest
+
+from plant import PACKAGES, PASSWORD, TEMPLATES, TOP, USER, DevServer, Machine, fresh_folder
+
+
+class ConsoleWalk(unittest.TestCase):
+    dev_server = binaries = None
+
+    def setUp(self):
+        self.folder = fresh_folder()
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.machine = Machine(self.binaries, os.path.join(self.folder, "machine"), wine=True)
+        self.server = DevServer(self.dev_server, os.path.join(self.folder, "server"), self.machine.drives()).start()
+        self.addCleanup(self.server.stop)
+
+    def walk(self):
+        """Everything that needs the screen's prefix, in one run: registry, classes, the walk, the classes' end."""
+        machine, runner = self.machine, os.path.join(TOP, "tests", "run-under-wine")
+        library = machine.native(os.path.join(self.binaries, "dts_com_server.dll"))
+        steps = [[runner, "regedit.exe", "/S", machine.native(file)] for file in machine.registry_files]
+        steps.append([runner, "regsvr32", "/s", library])
+        # Wine's tree of folders opens at a folder of the drive C:, and of the drive Z: at its root alone.
+        name = os.path.basename(self.folder)
+        scripts = os.path.join(os.environ.get("WINEPREFIX", os.path.join(TOP, "build", "wine-screen")), "drive_c", name)
+        self.addCleanup(shutil.rmtree, scripts, ignore_errors=True)
+        steps.append(["cp", "-r", machine.scripts, scripts])
+        walk = [runner, os.path.join(self.binaries, "console_walk.exe"), machine.native(machine.program), self.server.name,
+                machine.native(machine.data), "C:\\" + name]
+        command = " && ".join(map(shlex.join, steps)) + "; " + shlex.join(walk) + "; walked=$?; "
+        command += shlex.join([runner, "regsvr32", "/s", "/u", library]) + "; exit $walked"
+        return subprocess.run([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command],
+                              env=machine.wine_environment(), stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                              errors="replace", timeout=300, cwd=machine.install)
+
+    def test_installs_everything_by_clicks(self):
+        # Packages can be chosen by hand below version 12 alone.
+        self.machine.set_registry(version="9.00.1399.06", login=(self.server.name, USER, PASSWORD))
+        walked = self.walk()
+        self.assertEqual(walked.returncode, 0, walked.stdout + walked.stderr)
+        self.assertIn("Batch", self.server.column("SELECT name FROM master.dbo.sysdatabases"))
+        self.assertIn("DatabaseVersion", self.server.column("SELECT ParameterName FROM Batch.dbo.LKConfig"))
+        self.assertEqual(sorted(set(self.server.column("SELECT name FROM msdb.dbo.sysdtspackages"))), sorted(PACKAGES))
+        for name in PACKAGES:
+            self.assertIn(name, walked.stdout)
+        for name in TEMPLATES:
+            self.assertIn(name + ".txt", self.machine.data_files())
+            self.assertNotRegex(self.machine.output(name), r"Msg \d+, Level 1[1-9]")
+        self.assertEqual(self.machine.log_lines(), [])
+
+
+if __name__ == "__main__":
+    ConsoleWalk.dev_server, ConsoleWalk.binaries = sys.argv[1:3]
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
