@@ -187,13 +187,12 @@ bool Binder::BindSystemView(const std::string& database, const std::string& sche
     if (view == nullptr) {
         return false;
     }
-    Catalogue& catalogue = session_.Database(database);
     ScopeSource source{exposed, written, NextAlias(), {}, nullptr};
     for (const SystemColumn& column : view->columns) {
         source.columns.push_back(
             {column.name, column.type, true, false, source.sql_alias + "." + QuoteName(column.name)});
     }
-    sql = "(" + SystemViewText(*view, catalogue.alias(), database) + ") AS " + source.sql_alias;
+    sql = "(" + SystemViewText(*view, session_, database) + ") AS " + source.sql_alias;
     scope.sources.push_back(std::move(source));
     return true;
 }

@@ -5,7 +5,7 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<std::string_view, 17> kBatches = {
+constexpr std::array<std::string_view, 16> kBatches = {
     R"(
 USE msdb
 )",
@@ -230,26 +230,6 @@ SET NOCOUNT ON
 SELECT g.name AS DbRole, u.name AS MemberName, u.sid AS MemberSID
 FROM sysmembers m JOIN sysusers u ON u.uid = m.memberuid JOIN sysusers g ON g.uid = m.groupuid
 WHERE @rolename IS NULL OR g.name = @rolename
-RETURN 0
-)",
-    R"(
-CREATE OR ALTER PROCEDURE dbo.sp_helpindex @objname nvarchar(776)
-AS
-SET NOCOUNT ON
-IF OBJECT_ID(@objname) IS NULL
-BEGIN
-    DECLARE @db sysname
-    SET @db = DB_NAME()
-    RAISERROR (15009, 16, 1, @objname, @db)
-    RETURN 1
-END
-SELECT i.name AS index_name,
-    CASE WHEN i.indid = 1 THEN 'clustered' ELSE 'nonclustered' END +
-    CASE WHEN i.status & 2 = 2 THEN ', unique' ELSE '' END +
-    CASE WHEN i.status & 2048 = 2048 THEN ', primary key' ELSE '' END + ' located on PRIMARY' AS index_description,
-    (SELECT MIN(c.name) FROM sysindexkeys k JOIN syscolumns c ON c.id = k.id AND c.colid = k.colid
-     WHERE k.id = i.id AND k.indid = i.indid AND k.keyno = 1) AS index_keys
-FROM sysindexes i WHERE i.id = OBJECT_ID(@objname) AND i.indid > 0
 RETURN 0
 )",
     R"(

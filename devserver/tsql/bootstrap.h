@@ -1,5 +1,5 @@
-// The part of the system databases that is T-SQL: msdb's package store and job tables, master's tables and
-// procedures for replication.
+// The part of the system databases that is T-SQL: msdb's package store and job tables, master's procedures
+// that tell of objects.
 #pragma once
 
 #include <span>
@@ -8,7 +8,9 @@
 namespace devsql {
 
 /// Rises when the batches change; a server whose files are of an older one runs them again.
-inline constexpr int kBootstrapVersion = 2;
+inline constexpr int kBootstrapVersion = 3;
 std::span<const std::string_view> BootstrapBatches();
+/// Those of bootstrap_help.cpp.
+std::span<const std::string_view> HelpBatches();
 
 } // namespace devsql

@@ -130,9 +130,9 @@ std::int32_t Who(SystemCall& call) {
                                    {"cmd", Sized(TypeId::NChar, 16), true, false}});
     for (const Server::SessionInfo& info : session.server.Sessions()) {
         const bool own = info.id == session.id;
+        const std::optional<DatabaseInfo> database = FindDatabase(session.connection, info.database);
         table.Row({std::int64_t{info.id}, std::int64_t{0}, std::string(own ? "runnable" : "sleeping"),
-                   info.login, info.host, std::string("0"),
-                   info.database.empty() ? std::string("master") : info.database,
+                   info.login, info.host, std::string("0"), database ? database->name : std::string("master"),
                    std::string(own ? "SELECT" : "AWAITING COMMAND")});
     }
     table.End();
@@ -187,14 +187,17 @@ std::int32_t Help(SystemCall& call) {
     if (object->type != "U") {
         return 0;
     }
-    call.Run("SELECT name AS [Identity], IDENT_SEED(OBJECT_NAME(id)) AS Seed, IDENT_INCR(OBJECT_NAME(id)) AS "
-             "Increment, "
-             "0 AS [Not For Replication] FROM syscolumns WHERE id = CONVERT(int, @p1) AND colstat & 1 = 1",
-             values);
-    call.Run("SELECT name AS index_name, CASE WHEN indid = 1 THEN 'clustered' ELSE 'nonclustered' END AS "
-             "index_description "
-             "FROM sysindexes WHERE id = CONVERT(int, @p1) AND indid > 0",
-             values);
+    call.Run(
+        "SELECT name AS [Identity], IDENT_SEED(OBJECT_NAME(id)) AS Seed, IDENT_INCR(OBJECT_NAME(id)) AS "
+        "Increment, 0 AS [Not For Replication] FROM syscolumns WHERE id = CONVERT(int, @p1) AND colstat "
+        "& 1 = 1 UNION ALL SELECT N'No identity column defined.', NULL, NULL, NULL WHERE NOT EXISTS "
+        "(SELECT * FROM syscolumns WHERE id = CONVERT(int, @p1) AND colstat & 1 = 1) "
+        "SELECT name AS [RowGuidCol] FROM sys.columns WHERE object_id = CONVERT(int, @p1) AND is_rowguidcol "
+        "= 1 "
+        "UNION ALL SELECT N'No rowguidcol column defined.' WHERE NOT EXISTS (SELECT * FROM sys.columns WHERE "
+        "object_id = CONVERT(int, @p1) AND is_rowguidcol = 1) SELECT N'PRIMARY' AS Data_located_on_filegroup",
+        values);
+    call.Run("EXEC sp_helpindex @p1 EXEC sp_helpconstraint @p1, 'nomsg'", {name});
     return 0;
 }
 

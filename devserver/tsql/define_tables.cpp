@@ -326,7 +326,7 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
 void RunCreateTable(SessionCore& session, const ast::CreateTableStatement& create) {
     const std::string& name = create.table.last();
     if (IsSessionTable(name)) {
-        if (session.FindTemporary(name)) {
+        if (session.HasOwnTemporary(name)) {
             RaiseError(2714, {name}, 6);
         }
         session.Write("temp", [&] {
@@ -396,7 +396,7 @@ void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vect
     const ObjectPlace place = PlaceOf(session, name);
     Catalogue* catalogue = temporary ? nullptr : &session.Database(place.database);
     TableDef table = temporary ? NewTemporary(session, name.last()) : TableDef{};
-    if (temporary && session.FindTemporary(name.last())) {
+    if (temporary && session.HasOwnTemporary(name.last())) {
         RaiseError(2714, {name.last()}, 6);
     }
     session.Write(temporary ? "temp" : catalogue->alias(), [&] {

@@ -10,7 +10,7 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<MessageTemplate, 35> kOwnMessages = {{
+constexpr std::array<MessageTemplate, 39> kOwnMessages = {{
     {321, 15,
      "\"%1\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
      "function or to the CHANGETABLE function, ensure that your database compatibility mode is set to 90."},
@@ -34,6 +34,8 @@ constexpr std::array<MessageTemplate, 35> kOwnMessages = {{
      "Argument 1 of the GROUPING function does not match any of the expressions in the GROUP BY clause."},
     {15135, 16,
      "Object is invalid. Extended properties are not permitted on '%1', or the object does not exist."},
+    {15043, 16, "You must specify 'REPLACE' to overwrite an existing message."},
+    {15179, 16, "The message number %1 or specified language version does not exist."},
     {15217, 16, "Property cannot be updated or deleted. Property '%1' does not exist for '%2'."},
     {15233, 16, "Property cannot be added. Property '%1' already exists for '%2'."},
     {15252, 16, "The primary or foreign key table name must be given."},
@@ -55,6 +57,10 @@ constexpr std::array<MessageTemplate, 35> kOwnMessages = {{
     {15471, 10, "The text for object '%1' is encrypted."},
     {14590, 16,
      "DTS Package '%1' already exists with a different ID in this category or with this version (%2)."},
+    {15472, 10, "The object '%1' does not have any indexes, or you do not have permissions."},
+    {18054, 16,
+     "Error %1, severity %2, state %3 was raised, but no message with that error number was found in "
+     "sys.messages."},
     {40510, 16, "Statement '%1' is not supported in this version of SQL Server."},
     {40517, 16, "Keyword or statement option '%1' is not supported in this version of SQL Server."},
 }};

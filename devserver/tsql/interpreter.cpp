@@ -133,7 +133,7 @@ void Interpreter::RunBatch(std::string_view sql) {
         Frame frame;
         session_.Push(frame);
         try {
-            RunList(batch.statements);
+            RunWhole(batch.statements);
         } catch (...) {
             session_.Pop();
             throw;
@@ -184,9 +184,15 @@ bool Interpreter::FindLabel(const ast::StatementList& list, std::size_t& positio
     return false;
 }
 
+void Interpreter::RunWhole(const ast::StatementList& list) {
+    if (RunList(list) == Flow::Goto) {
+        Report(ErrorOf(133, {goto_label_}));
+    }
+}
+
 void Interpreter::RunScope(const ast::StatementList& list) {
     try {
-        RunList(list);
+        RunWhole(list);
     } catch (const ScopeAborted&) {
         return_value_ = -6;
     }

@@ -191,6 +191,19 @@ std::int64_t Number(SessionCore& session, const ast::Expr& expr, std::int64_t ot
     return IsNull(value) ? otherwise : std::get<std::int64_t>(Convert(value, type, Simple(TypeId::Int)));
 }
 
+struct UserMessage {
+    std::int64_t severity;
+    std::string text;
+};
+
+/// What sp_addmessage has put into master.
+std::optional<UserMessage> FindUserMessage(SessionCore& session, std::int32_t number) {
+    SqliteStatement row =
+        session.connection.Prepare("SELECT severity, description FROM main.sysmessages WHERE error = ?1");
+    row.BindInt(1, number);
+    return row.Step() ? std::optional(UserMessage{row.Int(0), row.Text(1)}) : std::nullopt;
+}
+
 } // namespace
 
 void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
@@ -221,10 +234,15 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
             texts.push_back(IsNull(argument.value) ? "(null)" : ValueText(argument.value, argument.type));
         }
         const std::optional<std::string> known = NumberedText(number, texts);
-        if (number < 13000 || !known) {
+        if (number < 13000 || number == 50000) {
             RaiseError(2732, {std::to_string(number), "13000", "2147483647"});
         }
-        text = *known;
+        const std::optional<UserMessage> own = known ? std::nullopt : FindUserMessage(session_, number);
+        if (!known && !own) {
+            RaiseError(18054, {std::to_string(number), std::to_string(severity), std::to_string(state)});
+        }
+        severity = own && severity < 0 ? own->severity : severity;
+        text = own ? FormatRaiserror(own->text, arguments) : *known;
     }
     constexpr std::int64_t kHighestUnlogged = 18;
     constexpr std::int64_t kFirstFatal = 20;

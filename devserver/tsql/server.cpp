@@ -147,10 +147,13 @@ void Server::RunBootstrap() {
     request.user = "sa";
     ClientSession session(*this, 1, request, "sa");
     BootstrapSink sink;
-    for (const std::string_view batch : BootstrapBatches()) {
-        session.ExecuteBatch(batch.substr(batch.find_first_not_of('\n')), sink);
-        if (!sink.error.empty()) {
-            throw std::runtime_error("bootstrap: " + sink.error + " in " + std::string(batch.substr(0, 200)));
+    for (const auto& batches : {BootstrapBatches(), HelpBatches()}) {
+        for (const std::string_view batch : batches) {
+            session.ExecuteBatch(batch.substr(batch.find_first_not_of('\n')), sink);
+            if (!sink.error.empty()) {
+                throw std::runtime_error("bootstrap: " + sink.error + " in " +
+                                         std::string(batch.substr(0, 200)));
+            }
         }
     }
     SqliteConnection connection(MasterFile());

@@ -2,6 +2,7 @@
 #include "devserver/tsql/session_core.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "devserver/tsql/evaluator.h"
 #include "devserver/tsql/parser.h"
@@ -98,6 +99,16 @@ void SessionCore::RegisterFunctions() {
             RaiseError(512);
         }
         call.PassOn(0);
+    });
+    // Only counted where a query takes the column.
+    connection.AddFunction("tsql_rows", [this](const FunctionCall& call) {
+        const std::string database = std::get<std::string>(call.Argument(0, Sized(TypeId::NVarChar, 128)));
+        const TablePtr table = Table(Database(database), call.Int(1));
+        if (!table) {
+            return;
+        }
+        SqliteStatement count = connection.Prepare("SELECT count(*) FROM " + table->Qualified());
+        call.Result(count.Step() ? Value(count.Int(0)) : Value(), Simple(TypeId::BigInt));
     });
     connection.AddAggregate("tsql_stdev", [] { return std::make_unique<VarianceAggregate>(false, true); });
     connection.AddAggregate("tsql_stdevp", [] { return std::make_unique<VarianceAggregate>(true, true); });
@@ -300,13 +311,35 @@ void SessionCore::ForgetTables() {
 // ------------------------------------------------------------------ temporary tables
 
 TablePtr SessionCore::FindTemporary(const std::string& name) const {
-    const auto found = temporary_.find(Folded(name));
-    return found == temporary_.end() ? nullptr : found->second;
+    const std::string folded = Folded(name);
+    const auto behind = temporary_.upper_bound({folded, std::numeric_limits<int>::max()});
+    return behind == temporary_.begin() || std::prev(behind)->first.first != folded
+               ? nullptr
+               : std::prev(behind)->second;
+}
+
+bool SessionCore::HasOwnTemporary(const std::string& name) const {
+    return temporary_.contains({Folded(name), TemporaryLevel()});
 }
 
 void SessionCore::AddTemporary(TableDef table) {
-    const std::string name = Folded(table.name);
-    temporary_[name] = std::make_shared<const TableDef>(std::move(table));
+    const auto known = std::find_if(temporary_.begin(), temporary_.end(),
+                                    [&](const auto& entry) { return entry.second->id == table.id; });
+    const auto key =
+        known == temporary_.end() ? std::pair(Folded(table.name), TemporaryLevel()) : known->first;
+    temporary_[key] = std::make_shared<const TableDef>(std::move(table));
+}
+
+void SessionCore::DropTemporariesFrom(int level) {
+    std::erase_if(temporary_, [&](const auto& entry) {
+        const auto& [key, table] = entry;
+        if (key.second < level) {
+            return false;
+        }
+        temporary_identities.erase(table->id);
+        connection.Execute("DROP TABLE IF EXISTS " + table->Qualified());
+        return true;
+    });
 }
 
 bool IsGlobalTable(std::string_view name) {
@@ -336,10 +369,9 @@ void SessionCore::DropGlobalTables() {
 }
 
 void SessionCore::DropTemporary(const std::string& name) {
-    const auto found = temporary_.find(Folded(name));
-    if (found != temporary_.end()) {
-        temporary_identities.erase(found->second->id);
-        temporary_.erase(found);
+    if (const TablePtr table = FindTemporary(name)) {
+        temporary_identities.erase(table->id);
+        std::erase_if(temporary_, [&](const auto& entry) { return entry.second == table; });
     }
 }
 
@@ -375,6 +407,9 @@ void SessionCore::Pop() {
     for (const auto& [name, table] : frame->tables) {
         temporary_identities.erase(table->id);
         connection.Execute("DROP TABLE IF EXISTS " + table->Qualified());
+    }
+    if (TemporaryLevel() > 0) {
+        DropTemporariesFrom(TemporaryLevel());
     }
     frame_ = frame->caller;
     --nesting_;

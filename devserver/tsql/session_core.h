@@ -138,6 +138,8 @@ class SessionCore {
 
     // ---- temporary tables
     TablePtr FindTemporary(const std::string& name) const;
+    /// Whether the running batch or procedure itself has made it.
+    bool HasOwnTemporary(const std::string& name) const;
     void AddTemporary(TableDef table);
     void ReplaceTemporary(const TableDef& table);
     void DropTemporary(const std::string& name);
@@ -229,7 +231,11 @@ class SessionCore {
     std::mutex running;
 
   private:
-    using Temporaries = std::map<std::string, TablePtr, std::less<>>;
+    /// By folded name and level of calls: a procedure's table hides its caller's of the same name.
+    using Temporaries = std::map<std::pair<std::string, int>, TablePtr>;
+    /// Where a temporary table made now belongs: 0, the session, in a batch; else the running call.
+    int TemporaryLevel() const { return nesting_ > 1 ? nesting_ : 0; }
+    void DropTemporariesFrom(int level);
     void RegisterFunctions();
     void Callback(const FunctionCall& call);
     void Evict();

@@ -95,8 +95,10 @@ constexpr std::array kViews = {
         "END) AS status, NULL AS first, i.id AS indid, NULL AS root, 0 AS minlen, (SELECT count(*) FROM "
         "{db}.devsql_index_columns k WHERE k.object = i.object AND k.id = i.id) AS keycnt, 1 AS groupid, 0 "
         "AS dpages, "
-        "0 AS reserved, 0 AS used, 0 AS rowcnt, 0 AS rowmodctr, i.name, 0 AS rows FROM {db}.devsql_indexes i "
-        "UNION ALL SELECT o.id, 0, NULL, 0, NULL, 0, 0, 1, 0, 0, 0, 0, 0, o.name, 0 FROM {db}.devsql_objects "
+        "0 AS reserved, 0 AS used, tsql_rows({name}, i.object) AS rowcnt, 0 AS rowmodctr, i.name, "
+        "tsql_rows({name}, i.object) AS rows FROM {db}.devsql_indexes i "
+        "UNION ALL SELECT o.id, 0, NULL, 0, NULL, 0, 0, 1, 0, 0, 0, tsql_rows({name}, o.id), 0, o.name, "
+        "tsql_rows({name}, o.id) FROM {db}.devsql_objects "
         "o WHERE "
         "o.type = 'U' AND NOT EXISTS (SELECT 1 FROM {db}.devsql_indexes i WHERE i.object = o.id AND "
         "i.clustered)"},
@@ -448,21 +450,6 @@ constexpr std::array kViews = {
                      "CAST(f.size AS INTEGER) / 8 AS size FROM main.devsql_files f JOIN "
                      "main.devsql_databases d ON d.id = f.database WHERE "
                      "d.name = {name}"},
-    SystemViewSource{"sys", "extended_properties",
-                     "class tinyint, major_id int, minor_id int, name sysname, value nvarchar(3750)",
-                     "SELECT json_extract(p.key, '$[0]') AS class, json_extract(p.key, '$[1]') AS major_id, "
-                     "json_extract(p.key, '$[2]') AS minor_id, json_extract(p.key, '$[3]') AS name, p.value "
-                     "FROM (SELECT substr(name, 10) AS key, value FROM {db}.devsql_settings WHERE name LIKE "
-                     "'property:%') AS p"},
-    SystemViewSource{"sys", "master_files",
-                     "database_id int, file_id int, type tinyint, type_desc nvarchar(60), name sysname, "
-                     "physical_name nvarchar(260), "
-                     "state tinyint, size int",
-                     "SELECT f.database AS database_id, f.id AS file_id, f.log AS type, CASE WHEN f.log THEN "
-                     "'LOG' ELSE 'ROWS' END AS "
-                     "type_desc, f.name, f.client_path AS physical_name, 0 AS state, CAST(f.size AS INTEGER) "
-                     "/ 8 AS size FROM "
-                     "main.devsql_files f"},
     // ---------------------------------------------------------------- INFORMATION_SCHEMA
     SystemViewSource{
         "INFORMATION_SCHEMA", "TABLES",

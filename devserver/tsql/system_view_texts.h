@@ -16,5 +16,7 @@ struct SystemViewSource {
 std::span<const SystemViewSource> SystemViewSources();
 /// Those of other servers and of replication.
 std::span<const SystemViewSource> ServerViewSources();
+/// Those of sessions, and others that clients look at.
+std::span<const SystemViewSource> ClientViewSources();
 
 } // namespace devsql

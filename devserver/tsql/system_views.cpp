@@ -6,6 +6,8 @@
 #include "devserver/tsql/parser.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
+#include "devserver/tsql/server.h"
+#include "devserver/tsql/session_core.h"
 #include "devserver/tsql/system_view_texts.h"
 
 namespace devsql {
@@ -40,7 +42,7 @@ std::vector<SystemColumn> ParseColumns(std::string_view text) {
 
 std::vector<SystemView> LoadViews() {
     std::vector<SystemView> views;
-    for (const auto& sources : {SystemViewSources(), ServerViewSources()}) {
+    for (const auto& sources : {SystemViewSources(), ServerViewSources(), ClientViewSources()}) {
         for (const SystemViewSource& source : sources) {
             views.push_back({source.schema, source.name, ParseColumns(source.columns), source.text});
         }
@@ -52,6 +54,19 @@ void Replace(std::string& text, std::string_view what, const std::string& by) {
     for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size())) {
         text.replace(at, what.size(), by);
     }
+}
+
+/// Who is connected, as rows of a query.
+std::string SessionRows(SessionCore& session) {
+    std::string rows =
+        "(SELECT column1 AS id, column2 AS login, column3 AS host, column4 AS program, column5 AS "
+        "database, column6 AS own FROM (VALUES";
+    for (const Server::SessionInfo& info : session.server.Sessions()) {
+        rows += (rows.ends_with("VALUES") ? "(" : ",(") + std::to_string(info.id) + "," +
+                QuoteText(info.login) + "," + QuoteText(info.host) + "," + QuoteText(info.application) + "," +
+                QuoteText(info.database) + "," + (info.id == session.id ? "1" : "0") + ")";
+    }
+    return rows + "))";
 }
 
 } // namespace
@@ -68,7 +83,7 @@ const SystemView* FindSystemView(std::string_view schema, std::string_view name)
     return nullptr;
 }
 
-std::string SystemViewText(const SystemView& view, const std::string& alias, const std::string& database) {
+std::string SystemViewText(const SystemView& view, SessionCore& session, const std::string& database) {
     std::string text(view.text);
     // SQLite keeps the numbers of T-SQL's types nowhere: they come as a list of rows.
     std::string types = "(VALUES";
@@ -84,7 +99,10 @@ std::string SystemViewText(const SystemView& view, const std::string& alias, con
             "AS tds, "
             "column6 AS bytes, column7 AS digits, column8 AS odbc FROM " +
                 types + "))");
-    Replace(text, "{db}", QuoteName(alias));
+    if (text.find("{sessions}") != std::string::npos) {
+        Replace(text, "{sessions}", SessionRows(session));
+    }
+    Replace(text, "{db}", QuoteName(session.Database(database).alias()));
     Replace(text, "{name}", QuoteText(database));
     return text;
 }

@@ -10,6 +10,8 @@
 
 namespace devsql {
 
+class SessionCore;
+
 struct SystemColumn {
     std::string name;
     Type type;
@@ -24,6 +26,7 @@ struct SystemView {
 
 /// `schema` is empty where none was written. Null for a name that is none.
 const SystemView* FindSystemView(std::string_view schema, std::string_view name);
-std::string SystemViewText(const SystemView& view, const std::string& alias, const std::string& database);
+/// The view of that database, as a query for the session's connection.
+std::string SystemViewText(const SystemView& view, SessionCore& session, const std::string& database);
 
 } // namespace devsql

@@ -135,6 +135,7 @@ void SessionCore::RollbackAround(const std::string& text, const Temporaries& tem
     }
     connection.Execute(text);
     temporary_ = temporary;
+    DropTemporariesFrom(nesting_ + 1); // of calls that have ended within what is rolled back
     ForgetTables();
     for (const KeptTable& table : kept) {
         Restore(connection, table);

@@ -242,5 +242,46 @@ colid|
 )");
 }
 
+TEST_F(Catalogue, TellsOfConstraintsIndexesAndRowsAsScriptsAskForThem) {
+    EXPECT_EQ(Run(R"(
+set nocount on
+insert item (name, code) values (N'a', 'b')
+exec sp_helpindex sale
+exec sp_helpconstraint sale, 'nomsg'
+select o.name, i.rows from sysobjects o join sysindexes i on i.id = o.id and i.indid < 2 order by o.name
+select constraint_name, unique_constraint_name, delete_rule from information_schema.referential_constraints
+select constraint_name, check_clause from information_schema.check_constraints
+select table_name, column_name, constraint_name from information_schema.constraint_column_usage order by 1, 2
+select name, unique_index_id from sys.key_constraints order by name
+select s.spid - @@spid, db_name(s.dbid), d.login_name from master..sysprocesses s
+join sys.dm_exec_sessions d on d.session_id = s.spid where s.dbid = db_id('Shop')
+exec sp_MSforeachtable 'print ''?''')"),
+              R"(
+index_name|index_description|index_keys
+ix_sale|nonclustered located on PRIMARY|item, id(-)
+constraint_type|constraint_name|delete_action|update_action|status_enabled|status_for_replication|constraint_keys
+FOREIGN KEY|fk_item|NO ACTION|NO ACTION|Enabled|Is_For_Replication|item
+ | | | | | |REFERENCES Shop.dbo.item (id)
+name|rows
+item|1
+sale|0
+constraint_name|unique_constraint_name|delete_rule
+fk_item|pk_item|NO ACTION
+constraint_name|check_clause
+ck_price|(price >= 0)
+table_name|column_name|constraint_name
+item|code|uq_code
+item|id|pk_item
+sale|item|fk_item
+name|unique_index_id
+pk_item|1
+uq_code|2
+||login_name
+0|Shop|sa
+> [dbo].[item]
+> [dbo].[sale]
+)");
+}
+
 } // namespace
 } // namespace devsql::test

@@ -193,5 +193,19 @@ TEST_F(Mistakes, OfSeverity20EndTheConnectionAndItsTransaction) {
               "\n0\n(1)\n(1)\n");
 }
 
+TEST_F(Mistakes, InMessagesByNumberAreToldAndThoseOfUsersFilledIn) {
+    EXPECT_EQ(Run(R"(
+exec sp_addmessage 50010, 16, N'%s has %d'
+raiserror (50010, -1, 2, 'it', 5)
+exec sp_dropmessage 50010
+raiserror (50010, 16, 1)
+goto nowhere)"),
+              R"(
+Msg 50010.16.2 L3: it has 5
+Msg 18054.16.1 L5: Error 50010, severity 16, state 1 was raised, but no message with that error number was found in sys.messages.
+Msg 133.15.1 L6: A GOTO statement references the label 'nowhere' but the label has not been declared.
+)");
+}
+
 } // namespace
 } // namespace devsql::test

@@ -224,5 +224,54 @@ TEST_F(Tables, NamedWithTwoCrossesAreEverybodysAndGoWithTheirMaker) {
     EXPECT_EQ(other.Run("drop table ##made"), "");
 }
 
+TEST_F(Tables, ATemporaryTableOfAProcedureGoesWithItAndHidesItsCallers) {
+    EXPECT_EQ(Run(R"(
+create procedure inner_one as begin create table #t (j int) insert #t values (7) select j from #t end
+GO
+create procedure outer_one as
+begin
+    create table #t (i int)
+    insert #t values (1)
+    exec inner_one
+    exec ('insert #t select i + 1 from #t create table #of_text (i int)')
+    select i, object_id('tempdb..#of_text') id from #t
+end
+GO
+set nocount on
+exec outer_one
+begin transaction
+exec outer_one
+rollback
+select * from #t)"),
+              R"(
+j
+7
+i|id
+1|NULL
+2|NULL
+j
+7
+i|id
+1|NULL
+2|NULL
+Msg 208.16.1 L6: Invalid object name '#t'.
+)");
+}
+
+TEST_F(Tables, ATemporaryTableOfACallThatEndedDoesNotComeBackByARollback) {
+    EXPECT_EQ(Run(R"(
+create procedure begins as begin create table #t (i int) begin transaction end
+GO
+set nocount on
+exec begins
+rollback
+select object_id('tempdb..#t') t)"),
+              R"(
+Msg 266.16.2 begins L2: Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = 0, current count = 1.
+t
+NULL
+)");
+}
+
 } // namespace
 } // namespace devsql::test
