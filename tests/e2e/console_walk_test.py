@@ -17,7 +17,7 @@ class ConsoleWalk(unittest.TestCase):
     def setUp(self):
         self.folder = fresh_folder()
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
-        self.machine = Machine(self.binaries, os.path.join(self.folder, "machine"), wine=True)
+        self.machine = Machine(self.binaries, os.path.join(self.folder, "machine"), wine=True, screen=True)
         self.server = DevServer(self.dev_server, os.path.join(self.folder, "server"), self.machine.drives()).start()
         self.addCleanup(self.server.stop)
 
@@ -38,7 +38,7 @@ class ConsoleWalk(unittest.TestCase):
         command += shlex.join([runner, "regsvr32", "/s", "/u", library]) + "; exit $walked"
         return subprocess.run([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command],
                               env=machine.wine_environment(), stdin=subprocess.DEVNULL, capture_output=True, text=True,
-                              errors="replace", timeout=300, cwd=machine.install)
+                              errors="replace", timeout=600, cwd=machine.install)
 
     def test_installs_everything_by_clicks(self):
         # Packages can be chosen by hand below version 12 alone.

@@ -102,9 +102,10 @@ class Machine:
 
     registry_lock = None
 
-    def __init__(self, binaries, folder, wine=False):
-        self.binaries, self.folder, self.wine = binaries, folder, wine
-        if wine and not Machine.registry_lock:
+    def __init__(self, binaries, folder, wine=False, screen=False):
+        """`screen`: every program of it will run on a screen, where the prefix is another (tests/run-under-wine)."""
+        self.binaries, self.folder, self.wine, self.screen = binaries, folder, wine, screen
+        if wine and not screen and not Machine.registry_lock:
             # The prefix has one registry: one program of such tests has it at a time, to its end.
             Machine.registry_lock = open(os.path.join(TOP, "build", "wine.registry.lock"), "w")
             fcntl.flock(Machine.registry_lock, fcntl.LOCK_EX)
@@ -160,15 +161,15 @@ class Machine:
             values = [f'"{name}"="{value}"' for name, value in zip(("ServerName", "UserID", "PWD"), login)]
             content += key("Orvik\\Quorlen\\Lotkeeper\\Login", *values)
         path = os.path.join(self.folder, "registry.reg")
-        with open(path, "w") as file:
-            file.write(content)
         if self.wine:
             # The prefix has one registry for all tests: what an earlier one left goes first.
-            wipe = os.path.join(self.folder, "wipe.reg")
-            with open(wipe, "w") as file:
-                file.write("REGEDIT4\n\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVIK]\n\n"
-                           "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Microsoft SQL Server]\n")
-            self.registry_files = (wipe, path)
+            wipe = "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\{}]\n\n"
+            content = content.replace("REGEDIT4\n\n", "REGEDIT4\n\n" + wipe.format("ORVIK") +
+                                      wipe.format("Microsoft\\Microsoft SQL Server"))
+        with open(path, "w") as file:
+            file.write(content)
+        self.registry_files = (path,)
+        if self.wine and not self.screen:
             for file in self.registry_files:
                 self.under_wine("regedit.exe", "/S", self.native(file)).check_returncode()
 
@@ -199,7 +200,7 @@ class Machine:
         if "KV_SCREEN" in os.environ:
             environment["DISPLAY"] = os.environ["DISPLAY"]
         return subprocess.run([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command], env=environment,
-                              stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", timeout=300,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", timeout=600,
                               cwd=self.install).stderr
 
     def start(self, *arguments):
