@@ -247,6 +247,19 @@ class NotAborted(UpgradeWay):
             self.assertEqual(self.server.ask("SELECT COUNT(*) FROM Batches", database), [(0,)])
         self.assertEqual(self.files(), OLD_FILES + TEMPORARY_FILES)
 
+    def test_a_published_database_is_renamed_but_stays_where_it_is_and_no_new_one_is_made(self):
+        # The server detaches no database that is published, and its files keep the names that the new one's would have.
+        self.server.ask(f"EXEC sp_adddistributor @distributor = N'{self.server.name}' "
+                        "EXEC sp_adddistributiondb @database = N'distribution' "
+                        f"EXEC sp_adddistpublisher @publisher = N'{self.server.name}', @distribution_db = N'distribution'")
+        publish = "EXEC sp_replicationdboption @dbname = N'{}', @optname = N'publish', @value = N'{}'"
+        self.server.ask(publish.format("Batch", "true"))
+        self.addCleanup(self.server.ask, publish.format(TEMPORARY, "false"))
+        self.upgrade()
+        self.assertEqual(self.machine.log_lines(), [RENAME_LINE, UPGRADE_LINE])
+        self.assertEqual((self.upgradable(), self.files()), ({TEMPORARY: "1"}, OLD_FILES))
+        self.assert_old_data_under(TEMPORARY)
+
     def test_a_script_that_fails_leaves_the_old_data_under_the_temporary_name(self):
         self.machine.write_template("Create_Batch_Database", b"SELECT * FROM NoSuchTable\r\nGO\r\n")
         self.upgrade()
