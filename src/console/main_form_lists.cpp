@@ -105,9 +105,11 @@ void frmMain::FillDatabaseCombo(ui::ComboBox& combo, const std::vector<std::stri
     const std::string text = combo.Text();
     combo.Clear();
     int selected = 0;
-    for (std::size_t i = 1; i < arrDatabase.size(); ++i) {
-        combo.AddItem(arrDatabase[i]);
-        if (arrDatabase[i] == text) {
+    const Int16 last(static_cast<std::int64_t>(arrDatabase.size()) - 1);
+    for (Int16 i(1); i <= last; ++i) {
+        const std::string& name = arrDatabase[static_cast<std::size_t>(i.Value())];
+        combo.AddItem(name);
+        if (name == text) {
             selected = combo.ListCount() - 1;
         }
     }

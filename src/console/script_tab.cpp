@@ -204,9 +204,10 @@ bool ScriptTab::CreateScripts(const CSQLScriptMgr& manager) {
 }
 
 bool ScriptTab::AnyPackageExists(const CSQLScriptMgr& manager) const {
-    return std::any_of(kPackageSteps.begin(), kPackageSteps.end(), [&](const PackageStep& step) {
-        return Ticked(step.check_box) && manager.DTSPackageExist(step.package);
-    });
+    // Each that is ticked is looked for, also behind the first one found.
+    return std::count_if(kPackageSteps.begin(), kPackageSteps.end(), [&](const PackageStep& step) {
+               return Ticked(step.check_box) && manager.DTSPackageExist(step.package);
+           }) > 0;
 }
 
 void ScriptTab::InstallScripts(const CSQLScriptMgr& manager) {

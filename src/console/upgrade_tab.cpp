@@ -65,8 +65,9 @@ bool UpgradeTab::Rename(CUpgradeDbMgr& manager) {
     // Where the names cannot be read there is nothing to compare with, and the server decides.
     std::vector<std::string> arrDatabase;
     manager.GetDatabases(arrDatabase);
-    for (std::size_t i = 1; i < arrDatabase.size(); ++i) {
-        if (arrDatabase[i] == new_name) {
+    const Int16 last(static_cast<std::int64_t>(arrDatabase.size()) - 1);
+    for (Int16 i(1); i <= last; ++i) {
+        if (arrDatabase[static_cast<std::size_t>(i.Value())] == new_name) {
             ShowExclamation("The database '" + new_name + "' already exist!");
             GiveBack(cmdRename_);
             return false;

@@ -29,6 +29,13 @@ AdoAnswer Failing(std::int32_t number, const std::string& description) {
     return answer;
 }
 
+AdoAnswer ServerGone() {
+    AdoAnswer answer;
+    answer.errors = {{-2147467259, "Communication link failure", "SQL Server", 0, "08S01"}};
+    answer.fails = true;
+    return answer;
+}
+
 AdoAnswer WithErrors(const std::vector<std::int32_t>& numbers) {
     AdoAnswer answer;
     for (const std::int32_t number : numbers) {
@@ -68,6 +75,13 @@ std::vector<std::string> FakeAdo::Statements() const {
 }
 
 AdoAnswer FakeAdo::Take(const std::string& call) {
+    if (calls_before_loss_) {
+        if (*calls_before_loss_ == 0) {
+            ++missed;
+            return ServerGone();
+        }
+        --*calls_before_loss_;
+    }
     const auto found = answers_.find(call);
     if (found == answers_.end() || found->second.empty()) {
         return {};
@@ -124,7 +138,7 @@ std::unique_ptr<Recordset> RecordsetOf(AdoAnswer answer) {
     if (answer.no_recordset) {
         return nullptr;
     }
-    if (answer.fields.empty()) {
+    if (answer.fields.empty() && !answer.no_columns) {
         return std::make_unique<Recordset>();
     }
     RowStore rows;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,7 @@ struct AdoAnswer {
     std::vector<ado::Error> errors{}; ///< what the connection's Errors holds then
     bool fails = false;               ///< the call fails, with the first of `errors` or with none
     bool no_recordset = false;
+    bool no_columns = false; ///< an open recordset all the same, of no column; drivers do not give one
     std::vector<ado::Parameter> parameters{}; ///< what Refresh makes of the collection
     /// What the call of a procedure gives back, by the parameter's name.
     std::map<std::string, ado::Variant> output{};
@@ -31,6 +33,8 @@ struct AdoAnswer {
 AdoAnswer Rows(std::vector<AdoRow> rows);
 /// The call fails, and the server says why.
 AdoAnswer Failing(std::int32_t number = -2147217900, const std::string& description = "refused");
+/// The call fails as every call to a server that has gone away does.
+AdoAnswer ServerGone();
 /// A closed recordset with errors of these numbers, in this order.
 AdoAnswer WithErrors(const std::vector<std::int32_t>& numbers);
 
@@ -49,6 +53,15 @@ class FakeAdo {
     /// The statements alone, in order.
     std::vector<std::string> Statements() const;
 
+    /// Takes all answers away that were not given yet.
+    void Forget() { answers_.clear(); }
+
+    /// The server goes away behind so many further calls: each one beyond them fails, until it is back.
+    void LoseServerAfter(std::size_t more) { calls_before_loss_ = more; }
+    void ServerIsBack() { calls_before_loss_.reset(); }
+    /// How many calls have met a server that was gone.
+    std::size_t missed = 0;
+
     /// Every call in order, as "CommandTimeout 300", "ConnectionString Driver=...", "Open '' '' '' -1",
     /// "Execute 1 text", "Close"; of commands "Command.CommandText name" and so on, "Refresh", and
     /// "call name -1 @a=1 @b=(Empty)" with the values that go in.
@@ -65,6 +78,7 @@ class FakeAdo {
 
   private:
     std::map<std::string, std::vector<AdoAnswer>> answers_;
+    std::optional<std::size_t> calls_before_loss_;
 };
 
 } // namespace fakes

@@ -81,6 +81,9 @@ void ShowMessageBox(const std::string& text, MessageIcon icon, const std::string
                        : icon == MessageIcon::Exclamation ? "exclamation"
                                                           : "critical";
     Record(std::string("box [") + name + "] " + title + ": " + text);
+    if (fakes::FakeScreen::Current().on_box) {
+        fakes::FakeScreen::Current().on_box();
+    }
 }
 
 void RunPendingEvents() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,8 @@ class FakeScreen {
     /// "show", "window gone", "events", "pointer N".
     std::vector<std::string> calls;
     std::int16_t pointer = 0;
+    /// Called while a message box is on the screen.
+    std::function<void()> on_box;
 
     /// How many of the calls begin so.
     int Count(const std::string& beginning) const;
