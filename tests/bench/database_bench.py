@@ -82,75 +82,71 @@ class Upgrade:
     def whole(self):
         self.machine.run("/upgradedb", "/scriptfolder", self.machine.scripts)
 
-    def scripts_by(self, tool):
-        """The scripts as the program has modified them, one start of the tool for each."""
-        for name in SCRIPTS:
-            script = os.path.join(self.machine.install, "Data", name + ".sql")
-            getattr(self, tool)(script)
+    def osql(self, *script, statements=""):
+        """The tool, with a script or with statements of its own."""
+        if statements:
+            script = (os.path.join(self.machine.install, "Data", "by hand.sql"),)
+            with open(script[0], "w", encoding="cp1252") as file:
+                file.write(statements)
+        subprocess.run([self.machine.tool, "-S", self.server.name, "-U", USER, "-P", PASSWORD, "-i", script[0], "-o",
+                        script[0] + ".out"], env=self.machine.environment, check=False)
 
-    def osql(self, script):
-        subprocess.run([self.machine.tool, "-S", self.server.name, "-U", USER, "-P", PASSWORD, "-i", script, "-o",
-                        script + ".out"], env=self.machine.environment, check=False)
+    def bsqldb(self, *script, statements=""):
+        if script:
+            with open(script[0], encoding="cp1252") as text:
+                statements = text.read()
+        self.server.ask_bsqldb(statements)
 
-    def bsqldb(self, script):
-        with open(script, encoding="cp1252") as text:
-            self.server.ask_bsqldb(text.read())
-
-    def statements(self, *batches):
-        with self.server.connect() as connection, connection.cursor() as cursor:
-            for batch in batches:
-                cursor.execute(batch)
-                while cursor.nextset():
-                    pass
-
-    def aside(self):
-        """Removing and renaming, as an operator would type it."""
+    def by_hand(self, tool):
+        """What an operator would do with the tool: one start of it for each script, as the program has modified them, and
+        one for the statements on either side of the files' move and behind the scripts. Gives the tool's seconds on the
+        scripts."""
         batch, temporary = "Batch", TEMPORARY
-        self.statements(f"IF DB_ID('{temporary}') IS NOT NULL DROP DATABASE [{temporary}]",
-                        f"ALTER DATABASE [{batch}] SET SINGLE_USER WITH ROLLBACK IMMEDIATE",
-                        f"ALTER DATABASE [{batch}] SET MULTI_USER",
-                        f"ALTER DATABASE {batch} MODIFY NAME = {temporary}",
-                        f"ALTER DATABASE {temporary} MODIFY FILE (NAME=Batch_data, NEWNAME={temporary}_data)",
-                        f"ALTER DATABASE {temporary} MODIFY FILE (NAME=Batch_log, NEWNAME={temporary}_log)",
-                        f"sp_detach_db N'{temporary}', N'true'")
+        run = getattr(self, tool)
+        run(statements="\nGO\n".join((
+            f"IF DB_ID('{temporary}') IS NOT NULL DROP DATABASE [{temporary}]",
+            f"ALTER DATABASE [{batch}] SET SINGLE_USER WITH ROLLBACK IMMEDIATE",
+            f"ALTER DATABASE [{batch}] SET MULTI_USER",
+            f"ALTER DATABASE {batch} MODIFY NAME = {temporary}",
+            f"ALTER DATABASE {temporary} MODIFY FILE (NAME=Batch_data, NEWNAME={temporary}_data)",
+            f"ALTER DATABASE {temporary} MODIFY FILE (NAME=Batch_log, NEWNAME={temporary}_log)",
+            f"EXEC sp_detach_db N'{temporary}', N'true'", "")))
         for end in ("_data.mdf", "_log.ldf"):
             old, new = (os.path.join(self.machine.data, name + end) for name in (batch, temporary))
             shutil.copyfile(old, new)
             os.remove(old)
-        self.statements(f"sp_attach_db N'{temporary}', {self.file(temporary + '_data.mdf')}, "
-                        f"{self.file(temporary + '_log.ldf')}")
-
-    def take_over(self):
-        self.statements("USE Batch", "spUninstallReplication",
-                        f"spUpgradeDatabase 1, 2, N'{TEMPORARY}', N'Batch', N'{USER}', N'{PASSWORD}'")
+        run(statements=f"EXEC sp_attach_db N'{temporary}', {self.file(temporary + '_data.mdf')}, "
+                       f"{self.file(temporary + '_log.ldf')}\nGO\n")
+        scripts = timed(lambda: [run(os.path.join(self.machine.install, "Data", name + ".sql")) for name in SCRIPTS])
+        run(statements=f"USE Batch\nGO\nEXEC spUninstallReplication\nGO\nEXEC spUpgradeDatabase 1, 2, N'{TEMPORARY}', "
+                       f"N'Batch', N'{USER}', N'{PASSWORD}'\nGO\n")
+        return scripts
 
     def measure(self):
-        runs = []
+        """Of each way the seconds of its best round, whole: parts of different rounds would make a run that never was."""
+        best = {}
         for _ in range(ROUNDS):
-            run = {}
             self.put_back()
-            run["whole"] = timed(self.whole)
+            taken = {"program": (timed(self.whole), 0.0)}
             self.check()
             for tool in ("osql", "bsqldb"):
                 self.put_back()
-                run["aside " + tool] = timed(self.aside)
-                run[tool] = timed(lambda: self.scripts_by(tool))
-                run["over " + tool] = timed(self.take_over)
+                begin = time.perf_counter()
+                scripts = self.by_hand(tool)
+                taken[tool] = (time.perf_counter() - begin, scripts)
                 self.check()
-            runs.append(run)
-        return {name: min(run[name] for run in runs) for name in runs[0]}
+            best = {way: min(seconds, best.get(way, seconds)) for way, seconds in taken.items()}
+        return best
 
 
 def upgrades(server, machine):
-    times = Upgrade(server, machine).measure()
-    whole = times["whole"]
+    best = Upgrade(server, machine).measure()
+    whole, _ = best.pop("program")
     print(f"/upgradedb: {whole * 1000:.0f} ms, best of {ROUNDS}")
-    for tool in ("osql", "bsqldb"):
-        statements = times["aside " + tool] + times["over " + tool]
-        print(f"  by hand: scripts by {tool} {times[tool] * 1000:.0f} ms, statements by pymssql {statements * 1000:.0f} ms; "
-              f"ratio {whole / (times[tool] + statements):.2f}")
-    added = whole - times["osql"] - times["aside osql"] - times["over osql"]
-    print(f"  the program adds {added * 1000:.0f} ms, {100 * added / whole:.1f} % of the whole")
+    for tool, (seconds, scripts) in best.items():
+        print(f"  the same by hand with {tool}, a start for each script and for the statements between them: "
+              f"{seconds * 1000:.0f} ms, the scripts {scripts * 1000:.0f} of it; the program adds "
+              f"{100 * (whole - seconds) / whole:.1f} % of its whole (wanted: below 10)")
 
 
 def main(dev_server, binaries):
