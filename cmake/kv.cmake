@@ -55,6 +55,8 @@ function(kv_test name)
         endif()
         add_test(NAME ${name} COMMAND ${runner} $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600)
+        # Seen: a program that has crashed under Wine, whose exit code was 0.
+        set_tests_properties(${name} PROPERTIES FAIL_REGULAR_EXPRESSION "starting debugger")
         if("screen" IN_LIST ARG_LABEL)
             # A new screen ends what runs in the prefix for screens (tests/run-under-wine).
             set_tests_properties(${name} PROPERTIES RESOURCE_LOCK wine_screen)

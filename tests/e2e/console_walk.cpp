@@ -95,11 +95,11 @@ class Walk {
             Tick(Native(box), box);
         }
         Tick(Native("optCreateInstallScriptFiles", 1), "Create and Install");
+        const HWND status = Native("lblStatus");
         hands::Click(Native("cmdCreateInstall"));
-        Require(
-            hands::WaitFor([this] { return hands::Text(Native("lblStatus")) == "Installation completed..."; },
-                           kLongest),
-            "the status line says Installation completed...");
+        Require(hands::WaitFor([status] { return hands::Caption(status) == "Installation completed..."; },
+                               kLongest),
+                "the status line says Installation completed...");
         Require(
             hands::WaitFor([this] { return ::IsWindowEnabled(Native("cmdCreateInstall")) != 0; }, kLongest),
             "the button can be pressed again");
@@ -118,7 +118,7 @@ class Walk {
 
     void Close() {
         hands::Click(Native("cmdClose"));
-        Require(::WaitForSingleObject(process_.hProcess, 20000) == WAIT_OBJECT_0, "the program ends");
+        Require(::WaitForSingleObject(process_.hProcess, 60000) == WAIT_OBJECT_0, "the program ends");
     }
 
   private:

@@ -36,9 +36,9 @@ class Program {
         ::CloseHandle(process_.hThread);
     }
 
-    bool Ends() const { return ::WaitForSingleObject(process_.hProcess, 10000) == WAIT_OBJECT_0; }
+    bool Ends() const { return ::WaitForSingleObject(process_.hProcess, 60000) == WAIT_OBJECT_0; }
 
-    /// Its window, visible and in front; null if there is none after ten seconds.
+    /// Its window, visible and in front; null if there is none.
     HWND Window() const {
         HWND window = nullptr;
         hands::WaitFor([this, &window] {

@@ -320,6 +320,7 @@ TEST_F(ShownForm, LeavesNoHandleBehindInTwoHundredTabSwitches) {
 }
 
 TEST(ShownForms, LeaveNoObjectBehindWhenTheyGo) {
+    ASSERT_TRUE(platform::DesktopIsVisible()) << "this suite needs a screen";
     const auto show_once = [] {
         ui::Form form(kv::MainFormDesign());
         const auto window = ui::MakeWindow(form);

@@ -119,6 +119,12 @@ std::string Text(HWND window) {
     return text;
 }
 
+std::string Caption(HWND window) {
+    char text[512] = "";
+    ::GetWindowTextA(window, text, sizeof text); // from another process this reads what the system keeps
+    return text;
+}
+
 std::string ClassOf(HWND window) {
     char name[64] = "";
     ::GetClassNameA(window, name, sizeof name);

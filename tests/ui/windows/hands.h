@@ -13,11 +13,13 @@
 namespace hands {
 
 /// Waits until the condition holds, letting this thread's windows run meanwhile; false if it takes too long.
-bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit = std::chrono::seconds(10));
+bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit = std::chrono::seconds(60));
 
 /// The window below `top`, at any depth, with this identifier; null if there is none.
 HWND Child(HWND top, int id);
 std::string Text(HWND window);
+/// The text of a label or a window, without asking the thread that it belongs to, which may be at work.
+std::string Caption(HWND window);
 std::string ClassOf(HWND window);
 /// Where the window is in the client area of another.
 RECT PlaceIn(HWND window, HWND other);
