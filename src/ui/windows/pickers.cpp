@@ -1,6 +1,7 @@
 #include "ui/windows/pickers.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <memory>
 
@@ -53,9 +54,9 @@ int CALLBACK BrowseCallback(HWND window, UINT message, LPARAM /*lparam*/, LPARAM
 
 /// The size by which the dialog knows the record that ends in the template's name; on x86 these are the 76
 /// bytes that every version of the dialog has taken. On x64 it is the whole record.
-constexpr DWORD OpenRecordSize() {
-    return sizeof(void*) == 4 ? OPENFILENAME_SIZE_VERSION_400A : sizeof(OPENFILENAMEA);
-}
+constexpr std::size_t kUpToTemplateName = offsetof(OPENFILENAMEA, lpTemplateName) + sizeof(LPCSTR);
+constexpr DWORD kOpenRecordSize = sizeof(void*) == 4 ? kUpToTemplateName : sizeof(OPENFILENAMEA);
+static_assert(sizeof(void*) != 4 || kOpenRecordSize == 76);
 
 } // namespace
 
@@ -91,7 +92,7 @@ std::optional<std::string> BrowseForFile(const std::string& title, const std::st
     pairs.push_back('\0'); // and the one that every std::string has behind it
     std::string path(MAX_PATH, '\0');
     OPENFILENAMEA record{};
-    record.lStructSize = OpenRecordSize();
+    record.lStructSize = kOpenRecordSize;
     record.hwndOwner = owner;
     record.lpstrFilter = pairs.c_str();
     record.nFilterIndex = 1;
