@@ -41,6 +41,15 @@ std::filesystem::path NewFolder() {
 } // namespace
 
 DevServer::DevServer() : folder_(NewFolder()) {
+    Prepare();
+}
+
+DevServer::DevServer(const std::filesystem::path& model) : folder_(NewFolder()) {
+    std::filesystem::copy(model, folder_, std::filesystem::copy_options::recursive);
+    Prepare();
+}
+
+void DevServer::Prepare() {
     setenv("ODBCSYSINI", KV_ODBC_CONFIG, 1); // the driver "SQL Server", wherever the tests run
     std::ofstream(folder_ / "logins") << "sa:Test-1\n";
     std::filesystem::permissions(folder_ / "logins",

@@ -13,6 +13,8 @@ class DevServer {
   public:
     /// Throws std::runtime_error when the server is not ready after a minute.
     DevServer();
+    /// On a copy of a stopped server's folder, which starts four times as fast as an empty one.
+    explicit DevServer(const std::filesystem::path& model);
     DevServer(const DevServer&) = delete;
     DevServer& operator=(const DevServer&) = delete;
     ~DevServer();
@@ -29,6 +31,7 @@ class DevServer {
     void StartAgain();
 
   private:
+    void Prepare();
     void StartAndWait();
     void End(int signal_number);
     int Start(const std::filesystem::path& logins);
