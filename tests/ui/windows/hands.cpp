@@ -32,10 +32,17 @@ INPUT KeyInput(WORD key, bool up) {
     return input;
 }
 
-INPUT MouseInput(DWORD flags) {
+/// A button with the place where it is pressed: the pointer's own place may be set back in between, by the
+/// display's late news of an earlier move, and the press would go where the one before it went (seen on
+/// Wine).
+INPUT MouseInput(POINT point, DWORD button) {
+    constexpr LONG kWhole = 65536; // the screen's width and height in the units of absolute places
+    const auto whole_part = [](LONG pixel, LONG pixels) { return (pixel * kWhole + kWhole / 2) / pixels; };
     INPUT input{};
     input.type = INPUT_MOUSE;
-    input.mi.dwFlags = flags;
+    input.mi.dx = whole_part(point.x, ::GetSystemMetrics(SM_CXSCREEN));
+    input.mi.dy = whole_part(point.y, ::GetSystemMetrics(SM_CYSCREEN));
+    input.mi.dwFlags = button | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
     return input;
 }
 
@@ -154,7 +161,7 @@ void ClickAt(HWND window, int x, int y) {
     POINT point{x, y};
     ::ClientToScreen(window, &point);
     ::SetCursorPos(point.x, point.y);
-    Send({MouseInput(MOUSEEVENTF_LEFTDOWN), MouseInput(MOUSEEVENTF_LEFTUP)});
+    Send({MouseInput(point, MOUSEEVENTF_LEFTDOWN), MouseInput(point, MOUSEEVENTF_LEFTUP)});
 }
 
 void Click(HWND window) {

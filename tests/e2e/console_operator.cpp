@@ -1,0 +1,417 @@
+// An operator at the console who does what it is told: reads orders, one a line, carries them out by mouse
+// and keyboard alone and answers each with one line, "= " and what was seen or "! " and what was not so. What
+// to do and what must come of it is the affair of console_pair_test.py; the servers are none of this
+// program's.
+//
+//   console_operator PROGRAM
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "console/main_form_design.h"
+#include "console/procedures_form_design.h"
+#include "far_controls.h"
+#include "ui/form.h"
+#include "ui/windows/hands.h"
+
+#include <commctrl.h>
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+constexpr char kFormClass[] = "KVForm";
+constexpr char kBoxClass[] = "#32770";
+constexpr char kDropDownClass[] = "ComboLBox";
+constexpr int kBoxTextId = 0xFFFF;
+constexpr std::chrono::seconds kLongest{30};
+constexpr std::chrono::seconds kMoment{3};
+
+void Require(bool condition, const std::string& what) {
+    if (!condition) {
+        throw std::runtime_error(what);
+    }
+}
+
+Words Split(const std::string& line) {
+    Words words;
+    for (std::size_t begin = 0; begin <= line.size();) {
+        const std::size_t end = std::min(line.find('\t', begin), line.size());
+        words.push_back(line.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return words;
+}
+
+/// Texts in one line: between them tabs, inside them escapes.
+std::string Joined(const Words& texts) {
+    static const std::map<char, std::string> escapes = {
+        {'\n', "\\n"}, {'\r', "\\r"}, {'\t', "\\t"}, {'\\', "\\\\"}};
+    std::string line;
+    for (const std::string& text : texts) {
+        line += line.empty() && &text == texts.data() ? "" : "\t";
+        for (const char character : text) {
+            const auto escape = escapes.find(character);
+            line += escape == escapes.end() ? std::string(1, character) : escape->second;
+        }
+    }
+    return line;
+}
+
+/// Clicks once the pointer has come to rest there: the display tells the other process of a move late, and of
+/// the one before it as well, and a button that the pointer seems to leave while it is down is not pressed.
+void ClickAt(HWND window, LONG x, LONG y) {
+    constexpr std::chrono::milliseconds kRest{30};
+    POINT place{x, y};
+    ::ClientToScreen(window, &place);
+    auto since = std::chrono::steady_clock::now();
+    ::SetCursorPos(place.x, place.y);
+    Require(hands::WaitFor([&] {
+                POINT now{};
+                ::GetCursorPos(&now);
+                if (now.x != place.x || now.y != place.y) {
+                    ::SetCursorPos(place.x, place.y);
+                    since = std::chrono::steady_clock::now();
+                }
+                return std::chrono::steady_clock::now() - since > kRest;
+            }),
+            "the pointer does not come to rest");
+    hands::ClickAt(window, x, y);
+}
+
+void ClickOn(HWND window) {
+    RECT client{};
+    ::GetClientRect(window, &client);
+    ClickAt(window, client.right / 2, client.bottom / 2);
+}
+
+class Program {
+  public:
+    explicit Program(const std::string& path) {
+        STARTUPINFOA start{};
+        start.cb = sizeof start;
+        std::string line = "\"" + path + "\"";
+        ::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                         &process_);
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+    ~Program() {
+        ::TerminateProcess(process_.hProcess, 1); // after a failure alone: else it has ended
+        ::WaitForSingleObject(process_.hProcess, 10000);
+        ::CloseHandle(process_.hProcess);
+        ::CloseHandle(process_.hThread);
+    }
+
+    HANDLE Process() const { return process_.hProcess; }
+    bool Ends() const { return ::WaitForSingleObject(process_.hProcess, 20000) == WAIT_OBJECT_0; }
+    /// Its topmost visible window of this class that takes input; null if there is none.
+    HWND Find(const char* window_class) const {
+        Search search{window_class, process_.dwProcessId, nullptr};
+        ::EnumWindows(TakeIfWanted, reinterpret_cast<LPARAM>(&search));
+        return search.found;
+    }
+    HWND Await(const char* window_class, const std::string& what) const {
+        HWND window = nullptr;
+        Require(hands::WaitFor(
+                    [&] {
+                        window = Find(window_class);
+                        return window != nullptr;
+                    },
+                    kLongest),
+                what + " does not come");
+        return window;
+    }
+
+  private:
+    struct Search {
+        const char* window_class;
+        DWORD process;
+        HWND found;
+    };
+    static BOOL CALLBACK TakeIfWanted(HWND window, LPARAM wanted) {
+        auto& search = *reinterpret_cast<Search*>(wanted);
+        DWORD owner = 0;
+        ::GetWindowThreadProcessId(window, &owner);
+        if (owner == search.process && ::IsWindowVisible(window) != 0 && ::IsWindowEnabled(window) != 0 &&
+            hands::ClassOf(window) == search.window_class) {
+            search.found = window;
+            return FALSE;
+        }
+        return TRUE;
+    }
+    PROCESS_INFORMATION process_{};
+};
+
+class Operator {
+  public:
+    explicit Operator(const std::string& path) : program_(path) { TakeForm({"main"}); }
+
+    std::string Do(const std::string& line) {
+        static const std::map<std::string, std::string (Operator::*)(const Words&)> orders = {
+            {"form", &Operator::TakeForm},   {"tab", &Operator::Tab},         {"click", &Operator::Click},
+            {"fill", &Operator::Fill},       {"choose", &Operator::Choose},   {"text", &Operator::Text},
+            {"enabled", &Operator::Enabled}, {"checked", &Operator::Checked}, {"items", &Operator::Items},
+            {"headers", &Operator::Headers}, {"rows", &Operator::Rows},       {"row", &Operator::Row},
+            {"focus", &Operator::HasFocus},  {"box", &Operator::Box},         {"answer", &Operator::Answer},
+            {"picture", &Operator::Picture}, {"caption", &Operator::Caption}, {"close", &Operator::Close}};
+        Words words = Split(line);
+        const auto order = orders.find(words.front());
+        Require(order != orders.end(), "no such order: " + line);
+        words.erase(words.begin());
+        return (this->*order->second)(words);
+    }
+
+  private:
+    HWND Native(const std::string& name) const {
+        const std::size_t dot = name.find('.');
+        const int index = dot == std::string::npos ? ui::kNoIndex : std::stoi(name.substr(dot + 1));
+        const ui::Control* control = tree_->Find(name.substr(0, dot), index);
+        Require(control != nullptr, "no such control: " + name);
+        return hands::Child(window_, control->Id());
+    }
+
+    /// Works in "main" or in "dialog" from now on, once that form is in front and takes input.
+    std::string TakeForm(const Words& words) {
+        tree_ = words.at(0) == "dialog" ? &dialog_ : &main_;
+        const bool wants_dialog = tree_ == &dialog_;
+        Require(hands::WaitFor(
+                    [&] {
+                        window_ = program_.Find(kFormClass);
+                        return window_ != nullptr &&
+                               (hands::Text(window_).rfind("Run ", 0) == 0) == wants_dialog;
+                    },
+                    kLongest) &&
+                    hands::Activate(window_),
+                "the form does not come to the front: " + words.at(0) + ", in front is \"" +
+                    hands::Caption(::GetForegroundWindow()) + "\"");
+        return hands::Text(window_);
+    }
+    std::string Caption(const Words& /*none*/) { return hands::Text(window_); }
+
+    std::string Tab(const Words& words) {
+        const int tab = std::stoi(words.at(0));
+        const HWND tabs = Native("tabMain");
+        const RECT place = far_controls::TabPlace(program_.Process(), tabs, tab);
+        ClickAt(tabs, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
+        const HWND page = Native("fraMainTab." + words.at(0));
+        Require(hands::WaitFor([&] {
+                    return ::SendMessageA(tabs, TCM_GETCURSEL, 0, 0) == tab && ::IsWindowVisible(page) != 0;
+                }),
+                "the tab does not open: " + words.at(0));
+        Settle(tabs);
+        return "";
+    }
+
+    /// The program shows the tab and fills its lists only then; while it fills them, it answers nobody.
+    static void Settle(HWND window) {
+        constexpr int kAnswers = 4;
+        for (int answer = 0; answer < kAnswers; ++answer) {
+            ::Sleep(30);
+            ::SendMessageA(window, WM_NULL, 0, 0);
+        }
+    }
+
+    std::string Click(const Words& words) {
+        const HWND native = Native(words.at(0));
+        Require(hands::WaitFor([native] { return ::IsWindowEnabled(native) != 0; }, kLongest),
+                "cannot be used: " + words.at(0));
+        ClickOn(native);
+        return "";
+    }
+
+    std::string Fill(const Words& words) {
+        const HWND box = Native(words.at(0));
+        ClickOn(box);
+        Require(hands::WaitFor([&] {
+                    const HWND focus = hands::FocusIn(window_);
+                    return focus == box || ::GetParent(focus) == box;
+                }),
+                "does not take the focus: " + words.at(0));
+        hands::Press(VK_HOME);
+        hands::Press(VK_END, {VK_SHIFT});
+        hands::Press(VK_DELETE);
+        hands::Type(words.at(1));
+        Require(hands::WaitFor([&] { return hands::Text(box) == words.at(1); }),
+                "the text is \"" + hands::Text(box) + "\" and not \"" + words.at(1) + "\"");
+        return "";
+    }
+
+    /// A list that is filled anew closes, and a click that comes while the program works opens it too early:
+    /// then the operator opens it once more.
+    std::string Choose(const Words& words) {
+        const HWND native = Native(words.at(0));
+        const auto end = std::chrono::steady_clock::now() + kLongest;
+        while (!TryToChoose(native, words.at(1))) {
+            Require(std::chrono::steady_clock::now() < end,
+                    words.at(1) + " cannot be chosen in " + words.at(0));
+        }
+        return "";
+    }
+    bool TryToChoose(HWND native, const std::string& text) const {
+        const bool is_combo = hands::ClassOf(native) == "ComboBox";
+        const UINT find = is_combo ? UINT{CB_FINDSTRINGEXACT} : UINT{LB_FINDSTRINGEXACT};
+        LRESULT item = -1;
+        if (!hands::WaitFor(
+                [&] {
+                    item = ::SendMessageA(native, find, static_cast<WPARAM>(-1),
+                                          reinterpret_cast<LPARAM>(text.c_str()));
+                    return item >= 0 && ::IsWindowEnabled(native) != 0;
+                },
+                kMoment)) {
+            return false;
+        }
+        HWND list = native;
+        if (is_combo) {
+            list = OpenList(native);
+        }
+        if (list == nullptr || !ClickItem(list, item)) {
+            return false;
+        }
+        const UINT ask = is_combo ? UINT{CB_GETCURSEL} : UINT{LB_GETCURSEL};
+        return hands::WaitFor(
+            [&] {
+                return ::SendMessageA(native, ask, 0, 0) == item &&
+                       (!is_combo || (::IsWindowVisible(list) == 0 && hands::Text(native) == text));
+            },
+            kMoment);
+    }
+    /// Null if it does not open.
+    HWND OpenList(HWND combo) const {
+        HWND list = program_.Find(kDropDownClass);
+        if (list == nullptr) {
+            RECT client{};
+            ::GetClientRect(combo, &client);
+            ClickAt(combo, client.right - 8, client.bottom / 2);
+            hands::WaitFor(
+                [&] {
+                    list = program_.Find(kDropDownClass);
+                    return list != nullptr;
+                },
+                kMoment);
+        }
+        return list;
+    }
+    /// False if the item is out of sight.
+    static bool ClickItem(HWND list, LRESULT item) {
+        RECT place{};
+        RECT client{};
+        ::GetClientRect(list, &client);
+        ::SendMessageA(list, LB_GETITEMRECT, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(&place));
+        if (place.top < 0 || place.bottom > client.bottom || place.bottom <= place.top) {
+            return false;
+        }
+        ClickAt(list, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
+        return true;
+    }
+
+    std::string Text(const Words& words) { return Joined({hands::Text(Native(words.at(0)))}); }
+    std::string Enabled(const Words& words) {
+        return ::IsWindowEnabled(Native(words.at(0))) != 0 ? "yes" : "no";
+    }
+    std::string Checked(const Words& words) {
+        return ::SendMessageA(Native(words.at(0)), BM_GETCHECK, 0, 0) == BST_CHECKED ? "yes" : "no";
+    }
+    std::string HasFocus(const Words& words) {
+        return hands::FocusIn(window_) == Native(words.at(0)) ? "yes" : "no";
+    }
+
+    std::string Items(const Words& words) {
+        const HWND native = Native(words.at(0));
+        const bool is_combo = hands::ClassOf(native) == "ComboBox";
+        const LRESULT count = ::SendMessageA(native, is_combo ? UINT{CB_GETCOUNT} : UINT{LB_GETCOUNT}, 0, 0);
+        Words texts;
+        for (LRESULT i = 0; i < count; ++i) {
+            // Asked for 8-bit text, Wine answers for another process's list in 16 bits all the same.
+            wchar_t text[260] = L"";
+            ::SendMessageW(native, is_combo ? UINT{CB_GETLBTEXT} : UINT{LB_GETTEXT}, static_cast<WPARAM>(i),
+                           reinterpret_cast<LPARAM>(text));
+            char plain[260] = "";
+            ::WideCharToMultiByte(1252, 0, text, -1, plain, sizeof plain, nullptr, nullptr);
+            texts.emplace_back(plain);
+        }
+        return Joined(texts);
+    }
+
+    std::string Headers(const Words& words) {
+        return Joined(far_controls::Headers(program_.Process(), Native(words.at(0))));
+    }
+    std::string Rows(const Words& words) {
+        return std::to_string(::SendMessageA(Native(words.at(0)), LVM_GETITEMCOUNT, 0, 0));
+    }
+    std::string Row(const Words& words) {
+        const HWND list = Native(words.at(0));
+        const auto columns = static_cast<int>(far_controls::Headers(program_.Process(), list).size());
+        return Joined(far_controls::Row(program_.Process(), list, std::stoi(words.at(1)), columns));
+    }
+
+    /// The title and the text of the message box that comes.
+    std::string Box(const Words& /*none*/) {
+        const HWND box = program_.Await(kBoxClass, "a message box");
+        return Joined({hands::Text(box), hands::Text(hands::Child(box, kBoxTextId))});
+    }
+    std::string Answer(const Words& /*none*/) {
+        const HWND box = program_.Await(kBoxClass, "a message box");
+        Require(hands::Activate(box), "the message box does not come to the front");
+        hands::Press(VK_RETURN);
+        Require(hands::WaitFor([box] { return ::IsWindow(box) == 0; }, kLongest), "the box stays");
+        return "";
+    }
+
+    /// Of the message box if there is one, else of the form.
+    std::string Picture(const Words& words) {
+        const HWND box = program_.Find(kBoxClass);
+        Require(hands::TakePicture(box != nullptr ? box : window_, words.at(0)), "no picture can be taken");
+        return "";
+    }
+
+    std::string Close(const Words& /*none*/) {
+        ClickOn(Native("cmdClose"));
+        Require(program_.Ends(), "the program does not end");
+        return "";
+    }
+
+    Program program_;
+    ui::Form main_{kv::MainFormDesign()};
+    ui::Form dialog_{kv::ProceduresFormDesign()};
+    const ui::Form* tree_ = nullptr;
+    HWND window_ = nullptr;
+};
+
+void Answer(const std::function<std::string()>& order) {
+    std::string line;
+    try {
+        line = "= " + order();
+    } catch (const std::exception& error) {
+        line = std::string("! ") + error.what();
+    }
+    std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::puts("usage: console_operator PROGRAM");
+        return 2;
+    }
+    std::unique_ptr<Operator> person;
+    Answer([&] {
+        person = std::make_unique<Operator>(argv[1]);
+        return std::string();
+    });
+    for (std::string line; person && std::getline(std::cin, line);) {
+        if (!line.empty() && line.back() == '\r') {
+            line.pop_back();
+        }
+        Answer([&] { return person->Do(line); });
+    }
+    return 0;
+}
