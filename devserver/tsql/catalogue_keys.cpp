@@ -29,6 +29,7 @@ std::vector<TablePtr> TablesLike(SystemCall& call, std::string_view name, std::s
         }
     }
     std::vector<TablePtr> tables;
+    tables.reserve(found.size());
     for (const std::int64_t id : found) {
         tables.push_back(call.session().Table(catalogue, id));
     }
