@@ -183,15 +183,16 @@ class Operator {
         const bool wants_dialog = tree_ == &dialog_;
         Require(hands::WaitFor(
                     [&] {
+                        ::Sleep(50); // the one before goes away meanwhile, and is left in peace for that
                         window_ = program_.Find(kFormClass);
                         return window_ != nullptr &&
-                               (hands::Text(window_).rfind("Run ", 0) == 0) == wants_dialog;
+                               (hands::Caption(window_).rfind("Run ", 0) == 0) == wants_dialog;
                     },
                     kLongest) &&
                     hands::Activate(window_),
                 "the form does not come to the front: " + words.at(0) + ", in front is \"" +
                     hands::Caption(::GetForegroundWindow()) + "\"");
-        return hands::Text(window_);
+        return hands::Caption(window_);
     }
     std::string Caption(const Words& /*none*/) { return hands::Text(window_); }
 

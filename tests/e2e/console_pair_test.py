@@ -16,6 +16,28 @@ from plant import PASSWORD, TEMPLATES, TOP, USER, DevServer, Machine, fresh_fold
 SCRIPT, SYNCHRONIZE, UPGRADE, REPLICATION, VIEW_DATA, STORED_PROC = range(1, 7)
 FIRST_BATCH = "EXEC dbo.spStartBatch N'B-1', 1, 1, 500, 'A-17', N'Müller', 2"
 
+# What is browsed and run: two columns with an identity among them, NULLs, no rows, and the numbers of rows around the
+# highest that a 16-bit counter holds.
+PROBE = [
+    "CREATE DATABASE Probe",
+    "USE Probe",
+    "CREATE TABLE Marked (Name nvarchar(20) NULL, Number int IDENTITY (1, 1) NOT NULL, Remark varchar(20) NULL)",
+    "INSERT INTO Marked (Name, Remark) VALUES (N'Müller', 'first')",
+    "INSERT INTO Marked (Name, Remark) VALUES (NULL, NULL)",
+    "CREATE TABLE NoRows (Code int NOT NULL, Meaning nvarchar(20) NULL)",
+    "CREATE TABLE Rows32768 (Number int NOT NULL)",
+    "INSERT INTO Rows32768 VALUES (1)",
+    *[f"INSERT INTO Rows32768 SELECT Number + {2 ** power} FROM Rows32768" for power in range(15)],
+    "SELECT Number INTO Rows32767 FROM Rows32768 WHERE Number <= 32767",
+    "SELECT Number INTO Rows32766 FROM Rows32768 WHERE Number <= 32766",
+    "CREATE PROCEDURE spDirections @In int, @Text nvarchar(40), @Double int OUTPUT AS SET @Double = @Double * 2 "
+    "SELECT @In AS Given, @Text AS Said RETURN 7",
+    "CREATE PROCEDURE spEqualNames AS SELECT 1 AS Same, 2 AS Same, 3 SELECT 'second' AS Behind",
+    "CREATE PROCEDURE spFails AS RAISERROR (N'The valve is stuck.', 16, 1)",
+    "CREATE PROCEDURE spNothing AS SET NOCOUNT ON INSERT INTO NoRows VALUES (5, N'five') DELETE FROM NoRows",
+    "CREATE PROCEDURE spRowsAndError AS SELECT 1 AS One RAISERROR (N'Behind the rows.', 16, 1)",
+]
+
 
 class Person:
     """At the console: each order is carried out by mouse and keyboard, and answered by what was seen."""
@@ -67,6 +89,9 @@ class Person:
     def can_use(self, name):
         return self.do("enabled", name) == ["yes"]
 
+    def row(self, number):
+        return self.do("row", "lvwViewData", number)
+
     def picture(self, name):
         folder = os.environ.get("KV_PICTURES")
         if folder and not self.gone:
@@ -76,7 +101,8 @@ class Person:
                 shown = open(bitmap, "rb").read() if shown is not None else b""
                 time.sleep(0.3)
                 self.do("picture", self.machine.native(bitmap))
-            subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", os.path.join(folder, name + ".png")], check=True)
+            target = os.path.join(folder, name + ".png")
+            subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", target], check=True)
 
     def close(self):
         self.do("close")
@@ -225,7 +251,98 @@ class ConsolePair(unittest.TestCase):
         person.close()
         self.assertEqual(self.told(), [])
 
+    def prepare(self, statements):
+        with self.a.connect() as connection, connection.cursor() as cursor:
+            for statement in statements:
+                cursor.execute(statement)
+
+    def test_BrowsesTablesAndRunsProcedures(self):
+        self.prepare(PROBE)
+        person = self.at_the_console()
+        person.do("tab", VIEW_DATA)
+        person.do("choose", "cboViewDataDatabase", "Probe")
+        self.becomes(lambda: person.do("items", "lstViewDataTables"),
+                     ["Marked", "NoRows", "Rows32768", "Rows32767", "Rows32766"])
+        for table, headers, rows, usable in (("Rows32767", ["Number"], 32767, False),
+                                             ("NoRows", ["Code", "Meaning"], 0, True),
+                                             ("Rows32766", ["Number"], 32766, True),
+                                             ("Rows32768", ["Number"], 0, False),
+                                             ("Marked", ["Name", "Number *", "Remark"], 2, True)):
+            with self.subTest(table):
+                person.do("choose", "lstViewDataTables", table)
+                self.becomes(lambda: (person.do("headers", "lvwViewData"), person.do("rows", "lvwViewData"),
+                                      person.can_use("lvwViewData")), (headers, [str(rows)], usable))
+                person.picture("pair-view-" + table)
+                if table == "Rows32766":
+                    self.assertEqual(person.row(32765), ["32766"])
+        self.assertEqual([person.row(number) for number in (0, 1)],
+                         [["Müller", "1", "first"], ["(Null)", "2", "(Null)"]])
+        self.assertEqual([line.split("lstViewDataTables_Click")[0] for line in self.told()],
+                         [" : Error in frmMain::"] * 2)
+        self.run_procedures(person)
+        person.close()
+
+    def run_procedures(self, person):
+        person.do("tab", STORED_PROC)
+        person.do("choose", "cboStoredProcDatabase", "Probe")
+        self.becomes(lambda: person.do("items", "cboStoredProcedure"),
+                     ["spDirections", "spEqualNames", "spFails", "spNothing", "spRowsAndError"])
+        self.becomes(lambda: "SET @Double = @Double * 2" in person.text("edtStoredProcedure"), True)
+        person.picture("pair-stored-proc")
+        with self.subTest("directions"):
+            self.run_with_parameters(person)
+        # The rows of the first result; what comes in a box; whether the list can be used.
+        for name, headers, row, message in (("spEqualNames", ["Same", "Same", ""], ["1", "2", "3"], None),
+                                            ("spFails", [], None, "The valve is stuck."),
+                                            ("spNothing", [], None, None),
+                                            ("spRowsAndError", ["One"], ["1"], "Behind the rows.")):
+            with self.subTest(name):
+                self.open_dialog(person, name)
+                person.do("click", "cmdExecute")
+                if message:
+                    title, text = person.do("box")
+                    self.assertIn(message, text)
+                    person.picture("pair-box-" + name)
+                    person.do("answer")
+                self.becomes(lambda: person.do("headers", "lvwViewData"), headers)
+                self.becomes(lambda: person.can_use("lvwViewData"), row is not None)
+                if name == "spNothing":  # nothing shows that it ran but the log, which tells of a missing result
+                    self.becomes(lambda: any("'spNothing')" in line for line in self.told()), True)
+                if row:
+                    self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
+                    self.assertEqual(person.row(0), row)
+                person.picture("pair-dialog-" + name)
+                person.do("click", "cmdClose")
+                person.do("form", "main")
+
+    def open_dialog(self, person, name):
+        person.do("choose", "cboStoredProcedure", name)
+        self.becomes(lambda: name in person.text("edtStoredProcedure"), True)
+        person.do("click", "cmdExecute")
+        self.assertEqual(person.do("form", "dialog"), [f"Run {name} in [Probe]"])
+
+    def run_with_parameters(self, person):
+        self.open_dialog(person, "spDirections")
+        self.becomes(lambda: person.text("edtDirection"), "Return value")
+        parameters = person.do("items", "lstParameters")
+        self.assertEqual(parameters[1:], ["@In", "@Text", "@Double"])
+        for name, direction, kind, value in (("@In", "Input", "Integer", "12"),
+                                             ("@Text", "Input", "VarWChar", "Valve 3"),
+                                             ("@Double", "Input/Output", "Integer", "21")):
+            person.do("choose", "lstParameters", name)
+            self.becomes(lambda: (person.text("edtDirection"), person.text("edtDataType")), (direction, kind))
+            person.do("fill", "edtValue", value)
+        person.do("click", "cmdExecute")
+        self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
+        self.assertEqual(person.do("headers", "lvwViewData"), ["Given", "Said"])
+        self.assertEqual(person.row(0), ["12", "Valve 3"])
+        person.do("choose", "lstParameters", parameters[0])
+        self.becomes(lambda: person.text("edtDirection"), "Return value")
+        person.picture("pair-dialog")
+        person.do("click", "cmdClose")
+        person.do("form", "main")
+
 
 if __name__ == "__main__":
-    ConsolePair.dev_server, ConsolePair.binaries = sys.argv[1:3]
+    ConsolePair.dev_server, ConsolePair.binaries = map(os.path.abspath, sys.argv[1:3])
     unittest.main(argv=sys.argv[:1] + sys.argv[3:])
