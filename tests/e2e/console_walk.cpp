@@ -19,8 +19,26 @@ namespace {
 constexpr std::chrono::seconds kLongest{120};
 constexpr int kTreeId = 0x3741; // of the tree in the system's dialog
 
+/// The windows on the screen with their texts.
+void TellScreen() {
+    const auto tell = [](HWND window, LPARAM depth) -> BOOL {
+        if (::IsWindowVisible(window) != 0) {
+            std::printf("%*s%s \"%s\"%s\n", static_cast<int>(depth), "", hands::ClassOf(window).c_str(),
+                        hands::Caption(window).c_str(), ::IsWindowEnabled(window) != 0 ? "" : " (disabled)");
+        }
+        return TRUE;
+    };
+    for (HWND top = ::GetTopWindow(nullptr); top != nullptr; top = ::GetWindow(top, GW_HWNDNEXT)) {
+        tell(top, 0);
+        if (::IsWindowVisible(top) != 0) {
+            ::EnumChildWindows(top, tell, 2);
+        }
+    }
+}
+
 void Require(bool condition, const std::string& what) {
     if (!condition) {
+        TellScreen();
         throw std::runtime_error(what);
     }
     std::printf("%s\n", what.c_str());

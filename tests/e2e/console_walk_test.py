@@ -8,9 +8,9 @@ import subprocess
 import sys
 import unittest
 
-from plant import PACKAGES, PASSWORD, TEMPLATES, TOP, USER, DevServer, Machine, fresh_folder
+from plant import PACKAGES, PASSWORD, TEMPLATES, RUNNER, TOP, USER, DevServer, Machine, fresh_folder, set_up
 
-SETTINGS = "HKCU\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr"
+SETTINGS = "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr"
 
 
 class ConsoleWalk(unittest.TestCase):
@@ -25,21 +25,23 @@ class ConsoleWalk(unittest.TestCase):
 
     def walk(self):
         """Everything that needs the screen's prefix, in one run: registry, classes, the walk, the classes' end."""
-        machine, runner = self.machine, os.path.join(TOP, "tests", "run-under-wine")
+        machine = self.machine
         library = machine.native(os.path.join(self.binaries, "dts_com_server.dll"))
-        steps = [[runner, "regedit.exe", "/S", machine.native(file)] for file in machine.registry_files]
-        steps.append([runner, "regsvr32", "/s", library])
+        # What an earlier run of the console remembered would stand in the boxes; this one's goes as well.
+        forget = os.path.join(machine.folder, "forget.reg")
+        with open(forget, "w") as file:
+            file.write(f"REGEDIT4\n\n[-{SETTINGS}]\n")
+        steps = [("regedit.exe", "/S", machine.native(file)) for file in (*machine.registry_files, forget)]
         # Wine's tree of folders opens at a folder of the drive C:, and of the drive Z: at its root alone.
         name = os.path.basename(self.folder)
         scripts = os.path.join(os.environ.get("WINEPREFIX", os.path.join(TOP, "build", "wine-screen")), "drive_c", name)
         self.addCleanup(shutil.rmtree, scripts, ignore_errors=True)
-        steps.append(["cp", "-r", machine.scripts, scripts])
-        walk = [runner, os.path.join(self.binaries, "console_walk.exe"), machine.native(machine.program), self.server.name,
+        walk = [RUNNER, os.path.join(self.binaries, "console_walk.exe"), machine.native(machine.program), self.server.name,
                 machine.native(machine.data), "C:\\" + name]
-        # What an earlier run of the console remembered would stand in the boxes; this one's goes as well.
-        forget = shlex.join([runner, "reg", "delete", SETTINGS, "/f"]) + " > /dev/null 2>&1; "
-        command = forget + " && ".join(map(shlex.join, steps)) + "; " + shlex.join(walk) + "; walked=$?; " + forget
-        command += shlex.join([runner, "regsvr32", "/s", "/u", library]) + "; exit $walked"
+        copy = shlex.join(["cp", "-r", machine.scripts, scripts])
+        command = set_up(*steps, ("regsvr32", "/s", library)) + " && " + copy
+        command += " && " + shlex.join(walk) + "; walked=$?; "
+        command += set_up(steps[-1], ("regsvr32", "/s", "/u", library)) + "; exit $walked"
         return subprocess.run([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command],
                               env=machine.wine_environment(), stdin=subprocess.DEVNULL, capture_output=True, text=True,
                               errors="replace", timeout=600, cwd=machine.install)
@@ -48,7 +50,9 @@ class ConsoleWalk(unittest.TestCase):
         # Packages can be chosen by hand below version 12 alone.
         self.machine.set_registry(version="9.00.1399.06", login=(self.server.name, USER, PASSWORD))
         walked = self.walk()
-        self.assertEqual(walked.returncode, 0, walked.stdout + walked.stderr)
+        left = {name: self.machine.output(name) for name in TEMPLATES if name + ".txt" in self.machine.data_files()}
+        self.assertEqual(walked.returncode, 0, "\n".join([walked.stdout, walked.stderr, *self.machine.log_lines(),
+                                                          str(left)[-2000:]]))
         self.assertIn("Batch", self.server.column("SELECT name FROM master.dbo.sysdatabases"))
         self.assertIn("DatabaseVersion", self.server.column("SELECT ParameterName FROM Batch.dbo.LKConfig"))
         self.assertEqual(sorted(set(self.server.column("SELECT name FROM msdb.dbo.sysdtspackages"))), sorted(PACKAGES))

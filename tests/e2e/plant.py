@@ -13,6 +13,7 @@ import time
 import pymssql
 
 TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+RUNNER = os.path.join(TOP, "tests", "run-under-wine")
 TEMPLATES = ("Create_Batch_Database", "Insert_Default_Data", "Create_Batch_Stored_Procedures")
 PACKAGES = ("StdSynchronize", "UpgradeDatabase_V1_to_V2", "BatchOverviewExport", "BatchOverviewRecalcExport",
             "BatchSummaryExport", "BatchSummaryRecalcExport")
@@ -97,6 +98,13 @@ class DevServer:
         return [line.strip() for line in run.stdout.splitlines() if line.strip()]
 
 
+def set_up(*steps):
+    """For the shell: these programs under Wine, one after the other, each once more if it fails: they make the ground
+    of a test and are not what it shows, and Wine's own programs once in hundreds of starts do not start."""
+    lines = (shlex.join([RUNNER, *step]) for step in steps)
+    return " && ".join(f"{{ {line} || {{ echo 'once more:' {line} >&2; {line}; }}; }}" for line in lines)
+
+
 class Machine:
     """A computer with the program on it. `binaries` is the bin folder of a build tree."""
 
@@ -171,10 +179,16 @@ class Machine:
         self.registry_files = (path,)
         if self.wine and not self.screen:
             for file in self.registry_files:
-                self.under_wine("regedit.exe", "/S", self.native(file)).check_returncode()
+                self.prepare("regedit.exe", "/S", self.native(file))
+
+    def prepare(self, *step):
+        run = subprocess.run(["sh", "-c", set_up(step)], env=self.wine_environment(), stdin=subprocess.DEVNULL,
+                             capture_output=True, text=True, errors="replace", timeout=240, cwd=self.install)
+        if run.returncode != 0:
+            raise RuntimeError(f"{' '.join(step)}: exit code {run.returncode}: {run.stdout}{run.stderr}")
 
     def under_wine(self, *arguments, timeout=120):
-        return subprocess.run([os.path.join(TOP, "tests", "run-under-wine"), *arguments], env=self.wine_environment(),
+        return subprocess.run([RUNNER, *arguments], env=self.wine_environment(),
                               stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace",
                               timeout=timeout, cwd=self.install)
 
@@ -193,9 +207,8 @@ class Machine:
 
     def on_a_screen(self, *arguments):
         """As run(), with a screen; under Wine alone, where runs with a screen have a registry of their own."""
-        runner = os.path.join(TOP, "tests", "run-under-wine")
-        command = "".join(shlex.join([runner, "regedit.exe", "/S", self.native(file)]) + " && "
-                          for file in self.registry_files) + "exec " + shlex.join([runner, self.program, *arguments])
+        command = set_up(*(("regedit.exe", "/S", self.native(file)) for file in self.registry_files))
+        command += " && exec " + shlex.join([RUNNER, self.program, *arguments])
         environment = self.wine_environment()
         if "KV_SCREEN" in os.environ:
             environment["DISPLAY"] = os.environ["DISPLAY"]
@@ -206,7 +219,7 @@ class Machine:
     def start(self, *arguments):
         command = [self.program, *arguments]
         if self.wine:
-            command.insert(0, os.path.join(TOP, "tests", "run-under-wine"))
+            command.insert(0, RUNNER)
         return subprocess.Popen(command, env=self.wine_environment() if self.wine else self.environment,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                                 cwd=self.install)

@@ -29,7 +29,7 @@ class WholeWay(unittest.TestCase):
         try:
             machine = Machine(cls.binaries, os.path.join(folder, "m"), wine=True)
             library = machine.native(os.path.join(cls.binaries, "dts_com_server.dll"))
-            machine.under_wine("regsvr32", *how, library).check_returncode()
+            machine.prepare("regsvr32", *how, library)
         finally:
             shutil.rmtree(folder, ignore_errors=True)
 
