@@ -75,13 +75,21 @@ bool StatementRun::Step(Call call) {
         failed_ = failed_ || !rows_;
         more = IsServers(error);
     }
-    for (odbc::Diagnostic& message : statement_.TakeMessages()) {
-        diagnostics_.push_back(std::move(message));
-    }
+    TakeMessages();
     return more;
 }
 
+void StatementRun::TakeMessages() {
+    for (odbc::Diagnostic& message : statement_.TakeMessages()) {
+        // ODBC lets a driver tell of a batch that went on behind a failed statement by success with
+        // information.
+        failed_ = failed_ || (message.error && !rows_);
+        diagnostics_.push_back(std::move(message));
+    }
+}
+
 void StatementRun::TakeResult() {
+    TakeMessages(); // an error that came with the result lies in front of it
     if (statement_.ColumnCount() != 0) {
         // Of the results behind the first nothing is wanted but what the server reports with them.
         if (!std::exchange(has_result_, true)) {

@@ -30,6 +30,7 @@ class StatementRun {
   private:
     template <class Call>
     bool Step(Call call);
+    void TakeMessages();
     void TakeResult();
 
     platform::odbc::Statement& statement_;

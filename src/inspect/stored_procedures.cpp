@@ -33,13 +33,14 @@ std::unique_ptr<ado::Parameter> FreeStanding(const ado::Parameter& live) {
     return parameter;
 }
 
-/// An element that a failed operation left without an object fails whoever uses it.
-ado::Parameter& ElementAt(ParameterArray& arrParameters, Int16 index) {
-    const std::unique_ptr<ado::Parameter>& element = arrParameters[static_cast<std::size_t>(index.Value())];
-    if (!element) {
+/// What a reference stands for. One that is nothing fails whoever uses it: an element that a failed operation
+/// left without an object, a recordset that did not come back and is not asked for.
+template <class Object>
+Object& Used(const std::unique_ptr<Object>& reference) {
+    if (!reference) {
         RaiseRunTimeFailure(run_time::kObjectVariableNotSet);
     }
-    return *element;
+    return *reference;
 }
 
 /// Calls `copy` with each live parameter and its namesake in the array, the first of them, if it has one.
@@ -50,7 +51,7 @@ void ForEachPair(ado::Parameters& live, ParameterArray& arrParameters, Copy copy
     for (Int16 i; i < count; ++i) {
         ado::Parameter& parameter = live.Item(i.Value());
         for (Int16 j(1); j <= upper; ++j) {
-            ado::Parameter& held = ElementAt(arrParameters, j);
+            ado::Parameter& held = Used(arrParameters[static_cast<std::size_t>(j.Value())]);
             if (parameter.Name() == held.Name()) {
                 copy(parameter, held);
                 break;
@@ -66,15 +67,16 @@ bool CViewDataMgr::GetStoredProcedures(const std::string& strDbName,
     return RunOperation(ErrorSource("GetStoredProcedures", strDbName), [&](Operation& operation) {
         arrStoredProcedures.assign(1, {});
         operation.OpenStandard(strDbName);
-        const auto rows = operation.OpenSchema(ado::adSchemaProcedures);
-        if (rows->Eof() && rows->Bof()) {
+        const auto catalogue = operation.OpenSchema(ado::adSchemaProcedures);
+        ado::Recordset& rows = Used(catalogue);
+        if (rows.Eof() && rows.Bof()) {
             return;
         }
-        rows->MoveFirst();
-        for (; !rows->Eof(); rows->MoveNext()) {
+        rows.MoveFirst();
+        for (; !rows.Eof(); rows.MoveNext()) {
             arrStoredProcedures.emplace_back();
             std::string& name = arrStoredProcedures.back();
-            name = rows->Fields().Item("PROCEDURE_NAME").Value().ToString();
+            name = rows.Fields().Item("PROCEDURE_NAME").Value().ToString();
             name.resize(std::min(name.find(';'), name.size())); // the number behind it goes
         }
     });
@@ -86,14 +88,15 @@ std::string CViewDataMgr::GetStoredProcedure(const std::string& strDbName,
     const bool done = RunOperation(
         ErrorSource("GetStoredProcedure", strDbName, strStoredProcedure), [&](Operation& operation) {
             operation.OpenStandard(strDbName);
-            const auto rows =
+            const auto lines =
                 operation.Execute("sp_helptext '" + strStoredProcedure + "'", ado::adOptionUnspecified);
-            if (rows->Eof() && rows->Bof()) {
+            ado::Recordset& rows = Used(lines);
+            if (rows.Eof() && rows.Bof()) {
                 return;
             }
-            rows->MoveFirst();
-            for (; !rows->Eof(); rows->MoveNext()) {
-                text += rows->Fields().Item(0).Value().ToString(); // with the line's own end
+            rows.MoveFirst();
+            for (; !rows.Eof(); rows.MoveNext()) {
+                text += rows.Fields().Item(0).Value().ToString(); // with the line's own end
             }
         });
     return done ? text : std::string();

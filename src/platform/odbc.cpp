@@ -149,7 +149,7 @@ std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle, bool fail
     Diagnostic diagnostic;
     bool error_found = false;
     for (SQLSMALLINT record = 1; ReadRecord(kind, handle, record, diagnostic); ++record) {
-        diagnostic.error = !diagnostic.sql_state.starts_with("01");
+        diagnostic.error = !diagnostic.sql_state.starts_with("01") && !diagnostic.sql_state.starts_with("00");
         error_found = error_found || diagnostic.error;
         diagnostics.push_back(std::move(diagnostic));
         diagnostic = {};
@@ -227,7 +227,9 @@ Connection::Connection(const Environment& environment)
     : handle_(HandleKind::Connection, HandleKind::Environment, environment.Get()) {}
 
 Connection::Connection(Connection&& other) noexcept
-    : handle_(std::move(other.handle_)), connected_(std::exchange(other.connected_, false)) {}
+    : handle_(std::move(other.handle_)),
+      connected_(std::exchange(other.connected_, false)),
+      free_tds_(other.free_tds_) {}
 
 Connection& Connection::operator=(Connection&& other) noexcept {
     if (this != &other) {

@@ -16,7 +16,7 @@ namespace platform::odbc {
 /// One diagnostic record. What a driver does not tell is empty.
 struct Diagnostic {
     std::string sql_state; ///< five characters
-    bool error = true;     ///< false for a message: SQLSTATE class "01" beside success or beside an error
+    bool error = true;     ///< false for a message: SQLSTATE class "01" or "00" beside success or an error
     std::int32_t native_error = 0;
     std::string message; ///< with the components that it passed in front: "[FreeTDS][SQL Server]..."
     std::string server;

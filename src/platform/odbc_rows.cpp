@@ -61,6 +61,7 @@ struct RowReader::State {
     ~State() { Release(); }
     void Layout();
     void BindAll();
+    bool BlockFailed() const;
     bool FetchBlock();
     CellView BoundView(std::size_t column, std::size_t row) const;
     CellView LongView(std::size_t column);
@@ -110,14 +111,22 @@ void RowReader::State::BindAll() {
     }
 }
 
+/// Success with information tells of a block that was cut short by an error, too: by the state of a row, or
+/// by the record alone.
+bool RowReader::State::BlockFailed() const {
+    const auto rows_end =
+        row_status.begin() + static_cast<std::ptrdiff_t>(std::min<SQLULEN>(fetched, block_rows));
+    return std::find(row_status.begin(), rows_end, SQL_ROW_ERROR) != rows_end ||
+           std::ranges::any_of(ReadDiagnostics(HandleKind::Statement, statement->Get(), false),
+                               &Diagnostic::error);
+}
+
 bool RowReader::State::FetchBlock() {
     Handle& handle = statement->Owner();
     next = 0;
     fetched = 0;
     const SQLRETURN code = SQLFetch(handle.Get());
-    const auto rows_end =
-        row_status.begin() + static_cast<std::ptrdiff_t>(std::min<SQLULEN>(fetched, block_rows));
-    if (code == SQL_SUCCESS_WITH_INFO && std::find(row_status.begin(), rows_end, SQL_ROW_ERROR) != rows_end) {
+    if (code == SQL_SUCCESS_WITH_INFO && BlockFailed()) {
         throw OdbcError("SQLFetch", ReadDiagnostics(HandleKind::Statement, handle.Get(), true));
     }
     const bool got = handle.Check("SQLFetch", code) && fetched != 0;

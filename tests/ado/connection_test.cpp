@@ -204,6 +204,45 @@ TEST_F(AdoConnection, AnErrorBehindAResultWithColumnsStaysInErrors) {
     EXPECT_EQ(Errors(), "-2147217900/1 ");
 }
 
+TEST_F(AdoConnection, AnErrorThatComesWithSuccessIsOne) {
+    // A driver may tell so of a batch that went on behind a failed statement.
+    Open();
+    const OdbcRecord failed = ServerError("42000", 1, "no");
+    ExpectFailure({{.columns = false, .row_count = 2, .records = {failed}}, {.rows = 1}});
+    ExpectFailure({{.rows = 2, .records = {Message("one"), failed}}});
+    ExpectFailure({Nothing({Message("one")}), {.rows = 2, .records = {failed}}});
+    ExpectFailure({{.columns = false, .row_count = 2}, {.rows = 2, .records = {failed}}});
+    EXPECT_EQ(Errors(), "-2147217900/1 ");
+    const auto rows = Execute({{.rows = 2}, {.rows = 1, .records = {failed}}});
+    EXPECT_EQ(rows->State(), adStateOpen);
+    EXPECT_EQ(Errors(), "-2147217900/1 ");
+}
+
+TEST_F(AdoConnection, WarningsOfTheDriversOwnAreMessages) {
+    Open();
+    const auto rows = Execute({{.rows = 2,
+                                .records = {{.state = "01S02", .message = "[Fake]Option value changed"},
+                                            {.state = "00000", .message = "[Fake]fine"}},
+                                .fetch_records = {{.state = "01003", .message = "[Fake]NULL eliminated"}}}});
+    EXPECT_EQ(rows->State(), adStateOpen);
+    EXPECT_EQ(Errors(), "0/0 0/0 0/0 ");
+}
+
+TEST_F(AdoConnection, AStatementThatTouchesNoRowIsAClosedRecordsetWithACountOfNone) {
+    Open();
+    EXPECT_EQ(Execute({{.columns = false, .row_count = 0, .no_data = true}, {.rows = 1}})->State(),
+              adStateClosed);
+    EXPECT_EQ(affected_, 0);
+    ExpectFailure(
+        {{.columns = false, .row_count = 0, .no_data = true}, Failed({ServerError("42000", 1, "no")})});
+}
+
+TEST_F(AdoConnection, ABlockThatAnErrorCutShortFailsThoughItsRowsCameWithSuccess) {
+    Open();
+    ExpectFailure({{.rows = 3, .fetch_records = {ServerError("22018", 245, "Conversion failed")}}});
+    EXPECT_EQ(Errors(), "-2147217913/245 ");
+}
+
 TEST_F(AdoConnection, AnErrorAmidTheRowsFails) {
     Open();
     Counting().results = {{.rows = 600}};

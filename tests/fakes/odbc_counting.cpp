@@ -150,6 +150,9 @@ SQLRETURN Enter(FakeHandle& fake, std::size_t index) {
     if (result.fails) {
         return SQL_ERROR;
     }
+    if (result.no_data) {
+        return SQL_NO_DATA;
+    }
     return result.records.empty() ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
@@ -319,7 +322,7 @@ SQLRETURN SQL_API SQLGetInfoW(SQLHDBC handle, SQLUSMALLINT, SQLPOINTER text, SQL
                               SQLSMALLINT* length) {
     SQLRETURN code = SQL_SUCCESS;
     if (Begin(handle, "SQLGetInfo", code) != nullptr) {
-        code = WriteText("fake.so", static_cast<SQLWCHAR*>(text),
+        code = WriteText(counting.driver_name, static_cast<SQLWCHAR*>(text),
                          static_cast<SQLSMALLINT>(bytes / SQLSMALLINT{sizeof(SQLWCHAR)}), length);
     }
     return code;
@@ -507,7 +510,13 @@ SQLRETURN SQL_API SQLFetch(SQLHSTMT handle) {
     if (fake->rows_fetched != nullptr) {
         *fake->rows_fetched = count;
     }
-    return count == 0 ? SQL_NO_DATA : SQL_SUCCESS;
+    if (count == 0) {
+        return SQL_NO_DATA;
+    }
+    if (fake->next_row == ResultOf(*fake).rows) {
+        fake->records = ResultOf(*fake).fetch_records;
+    }
+    return fake->records.empty() ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
 SQLRETURN SQL_API SQLGetData(SQLHSTMT handle, SQLUSMALLINT number, SQLSMALLINT, SQLPOINTER data, SQLLEN room,

@@ -34,7 +34,10 @@ struct OdbcResult {
     std::int64_t row_count = -1;
     std::size_t long_size = 0;         ///< characters of each long text
     std::vector<OdbcRecord> records{}; ///< come with it, by SQL_SUCCESS_WITH_INFO
-    bool fails = false;                ///< the call that should give it fails, with its records
+    /// Come with the fetch that reaches the last of its rows, in the same way.
+    std::vector<OdbcRecord> fetch_records{};
+    bool no_data = false; ///< given by SQL_NO_DATA, as a statement that touches no row is
+    bool fails = false;   ///< the call that should give it fails, with its records
     /// Of a result that is laid out: 'n' a whole number, 't' a text of at most 20 characters.
     std::string kinds{};
     std::vector<std::vector<OdbcCell>> cells{}; ///< `rows` of them
@@ -77,6 +80,7 @@ struct OdbcCounting {
     std::size_t open_connections = 0;
     /// Sins against the order of things: a parent freed before its child, a handle freed twice and so on.
     std::vector<std::string> violations;
+    std::string driver_name = "fake.so"; ///< as the connection tells it
     std::string last_connection_string;
     std::string last_statement;
     std::string last_catalogue; ///< the pattern of the last call of the parameters' catalogue

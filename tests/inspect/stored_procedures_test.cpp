@@ -90,6 +90,14 @@ TEST_F(GetStoredProcedures, ACatalogueWithoutTheNamesFails) {
     EXPECT_EQ(failure_.number, run_time::kInvalidUseOfNull);
 }
 
+TEST_F(GetStoredProcedures, WithoutARecordsetFailsAtItsFirstReading) {
+    EXPECT_FALSE(Run({.no_recordset = true}));
+    EXPECT_EQ(failure_.number, run_time::kObjectVariableNotSet);
+    EXPECT_EQ(procedures_, Lines{""});
+    EXPECT_EQ(LogLines(), Lines{kSource});
+    EXPECT_EQ(ado_.calls.back(), "Close");
+}
+
 // ------------------------------------------------------------------ GetStoredProcedure
 
 class GetStoredProcedure : public InspectTest {
@@ -124,6 +132,20 @@ TEST_F(GetStoredProcedure, AClosedRecordsetFailsAtItsFirstReading) {
     EXPECT_EQ(Run({}), "");
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
     EXPECT_EQ(LogLines(), Lines{kSource});
+}
+
+TEST_F(GetStoredProcedure, WithoutARecordsetFailsAtItsFirstReading) {
+    EXPECT_EQ(Run({.no_recordset = true}), "");
+    EXPECT_EQ(failure_.number, run_time::kObjectVariableNotSet);
+    EXPECT_EQ(LogLines(), Lines{kSource});
+    EXPECT_EQ(ado_.calls.back(), "Close");
+}
+
+TEST_F(GetStoredProcedure, MessagesStayBehindASuccess) {
+    AdoAnswer answer = Rows({{"CREATE PROC"}});
+    answer.errors = WithErrors({-4}).errors;
+    EXPECT_EQ(Run(answer), "CREATE PROC");
+    EXPECT_EQ(manager_.ErrorCount(), Int16(1));
 }
 
 TEST_F(GetStoredProcedure, TheServersRefusalIsCollected) {

@@ -131,6 +131,18 @@ TEST_F(Odbc, AMovedFromHandleFreesNothing) {
     EXPECT_TRUE(Counting().violations.empty());
 }
 
+TEST_F(Odbc, AMovedConnectionKnowsItsDriver) {
+    Environment environment;
+    Counting().driver_name = "libtdsodbc.so";
+    Connection first(environment);
+    first.DriverConnect("x", 0);
+    Connection second(std::move(first));
+    EXPECT_TRUE(second.BehindFreeTds());
+    Connection third(environment);
+    third = std::move(second);
+    EXPECT_TRUE(third.BehindFreeTds());
+}
+
 /// A connection whose statement has run with `results`.
 class OdbcStatement : public Odbc {
   protected:
