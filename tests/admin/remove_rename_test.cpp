@@ -162,6 +162,14 @@ TEST_F(RenameDatabase, WhatTheInnerOperationCollectsStays) {
     EXPECT_EQ(manager_.ErrorCount(), Int16(2));
 }
 
+TEST_F(RenameDatabase, CollectsBehindEveryStatement) {
+    for (const std::string& statement : statements_) {
+        ado_.Answer(statement, fakes::WithErrors({-3}));
+    }
+    EXPECT_TRUE(Rename());
+    EXPECT_EQ(manager_.ErrorCount(), Int16(static_cast<std::int64_t>(statements_.size())));
+}
+
 TEST_F(RenameDatabase, ASecondConnectionThatIsRefusedChangesNothing) {
     ado_.Answer("Open", {});
     ado_.Answer("Open", Failing());

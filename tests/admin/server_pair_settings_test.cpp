@@ -66,16 +66,22 @@ TYPED_TEST(ServerPairBlock, IsEmptyAndOnServerBAtFirst) {
 
 TYPED_TEST(ServerPairBlock, KeepsWhatIsWrittenAndEachMemberForItself) {
     int number = 0;
-    for (const auto& member : this->plain_) {
-        const std::string value = " v" + std::to_string(number++) + "\\ ;#";
-        EXPECT_EQ(this->Written(member, value), value);
+    for (const auto& members : {this->plain_, this->paths_}) {
+        for (const auto& member : members) {
+            const std::string value = " v" + std::to_string(number++) + "\\ ;#";
+            EXPECT_EQ(this->Written(member, value), value);
+        }
     }
     number = 0;
-    for (const auto& member : this->plain_) {
-        EXPECT_EQ((this->manager_.*member.reader)(), " v" + std::to_string(number++) + "\\ ;#");
+    for (const auto& members : {this->plain_, this->paths_}) {
+        for (const auto& member : members) {
+            EXPECT_EQ((this->manager_.*member.reader)(), " v" + std::to_string(number++) + "\\ ;#");
+        }
     }
     this->manager_.UseServerA(true);
     EXPECT_TRUE(this->manager_.UseServerA());
+    this->manager_.UseServerA(false);
+    EXPECT_FALSE(this->manager_.UseServerA());
 }
 
 TYPED_TEST(ServerPairBlock, CutsOneBackslashFromTheEndOfAPath) {
@@ -87,6 +93,7 @@ TYPED_TEST(ServerPairBlock, CutsOneBackslashFromTheEndOfAPath) {
         EXPECT_EQ(this->Written(member, "\\\\"), "\\");
         EXPECT_EQ(this->Written(member, ""), "");
         EXPECT_EQ(this->Written(member, "D:/Data/ "), "D:/Data/ ");
+        EXPECT_EQ(this->Written(member, "D:\\Data\\ "), "D:\\Data\\ "); // a blank is no backslash
     }
 }
 

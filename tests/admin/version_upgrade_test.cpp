@@ -62,6 +62,17 @@ TEST_F(UpgradeDatabase, ReadsBothVersionsOverOneConnectionAndRunsBothProcedures)
     EXPECT_TRUE(LogLines().empty());
 }
 
+TEST_F(UpgradeDatabase, CollectsBehindEveryStatement) {
+    fakes::AdoAnswer source = Rows({{"2"}});
+    fakes::AdoAnswer destination = Rows({{"3"}});
+    source.errors = fakes::WithErrors({-1}).errors;
+    destination.errors = fakes::WithErrors({-2}).errors;
+    ado_.Answer(kUninstall, fakes::WithErrors({-3}));
+    ado_.Answer(kUpgrade, fakes::WithErrors({-4}));
+    EXPECT_TRUE(Upgrade(source, destination));
+    EXPECT_EQ(manager_.ErrorCount(), Int16(4));
+}
+
 TEST_F(UpgradeDatabase, PassesTheLoginOfTheSelectedServer) {
     manager_.UseServerA(false);
     EXPECT_TRUE(Upgrade("1", "2"));

@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+#include "ado/command.h"
 #include "ado/connection.h"
 #include "support/servers.h"
 
@@ -156,6 +157,90 @@ TEST_F(OnAServer, AnErrorFailsUnlessRowsCameBeforeIt) {
     EXPECT_EQ(Errors(), "-2147217900/50000 ");
     EXPECT_EQ(NumberOf("RAISERROR('mere message', 10, 1)"), 0);
     EXPECT_EQ(Errors(), "0/50000 ");
+}
+
+TEST_F(OnAServer, AnErrorAmidTheRowsFailsWhereverItStrikes) {
+    Execute("CREATE TABLE #numbers (n int, t varchar(9))");
+    Execute(
+        "DECLARE @n int SET @n = 0 WHILE @n < 1100 BEGIN INSERT #numbers VALUES (@n, CAST(@n AS varchar(9))) "
+        "SET @n = @n + 1 END");
+    // In the first row, behind some, at the end of a block and in a later one.
+    for (const char* row : {"0", "5", "511", "512", "1099"}) {
+        Execute(std::string("UPDATE #numbers SET t = 'x' WHERE n = ") + row);
+        EXPECT_NE(NumberOf("SELECT n, CAST(t AS int) FROM #numbers"), 0) << row;
+        EXPECT_EQ(connection_.Errors().Item(0).NativeError, 245) << row;
+        EXPECT_NE(NumberOf("SELECT n, CAST(t AS int), CAST('long' AS text) FROM #numbers"), 0) << row;
+        Execute(std::string("UPDATE #numbers SET t = '1' WHERE n = ") + row);
+    }
+    EXPECT_EQ(Value("COUNT(*) FROM #numbers WHERE CAST(t AS int) >= 0"), Variant(1100));
+}
+
+TEST_F(OnAServer, AStatementThatTouchesNoRowIsAResultWithACountOfNone) {
+    Execute("CREATE TABLE #t (a int)");
+    for (const char* statement : {"UPDATE #t SET a = 1 WHERE a = 9", "DELETE #t SELECT 5"}) {
+        affected_ = -1;
+        EXPECT_EQ(Execute(statement)->State(), adStateClosed) << statement;
+        EXPECT_EQ(affected_, 0) << statement;
+    }
+    EXPECT_EQ(NumberOf("DELETE #t RAISERROR('behind it', 16, 1)"), -2147217900);
+}
+
+TEST_F(OnAServer, ParametersOfEveryTypeComeBack) {
+    struct Case {
+        const char* type;
+        const char* value;
+        Variant wanted;
+    };
+    const std::vector<Case> cases = {
+        {"bit", "1", true},
+        {"tinyint", "255", 255},
+        {"smallint", "-32768", -32768},
+        {"int", "-2147483648", std::int64_t{-2147483648}},
+        {"bigint", "9223372036854775807", std::int64_t{9223372036854775807}},
+        {"decimal(20, 5)", "-123456789012345.54321", Decimal{"-123456789012345.54321"}},
+        {"numeric(9, 2)", "1.50", Decimal{"1.50"}},
+        {"money", "-922337203685477.5808", Decimal{"-922337203685477.5808"}},
+        {"smallmoney", "214748.3647", Decimal{"214748.3647"}},
+        {"real", "0.5", 0.5F},
+        {"float", "-1.5E+100", -1.5E+100},
+        {"datetime", "'2006-05-12 14:03:22'", Date{2006, 5, 12, 14, 3, 22, 0}},
+        {"smalldatetime", "'2006-05-12 14:03'", Date{2006, 5, 12, 14, 3, 0, 0}},
+        {"char(4)", "'ab'", "ab  "},
+        {"varchar(8000)", "'\x80 of 9'", "\x80 of 9"},
+        {"nchar(3)", "N'\xE4'", "\xE4  "},
+        {"nvarchar(4000)", "N'\xFC\xDF'", "\xFC\xDF"},
+        {"binary(4)", "0x0102", ByteArray{std::string("\1\2\0\0", 4)}},
+        {"varbinary(8)", "0x00FF", ByteArray{std::string("\0\xFF", 2)}},
+        {"uniqueidentifier", "'6F9619FF-8B86-D011-B42D-00C04FC964FF'",
+         "{6F9619FF-8B86-D011-B42D-00C04FC964FF}"},
+    };
+    Execute("USE tempdb");
+    for (const Case& one : cases) {
+        const std::string type = one.type;
+        SCOPED_TRACE(type);
+        NumberOf("DROP PROCEDURE spGives");
+        Execute("CREATE PROCEDURE spGives @in " + type + ", @value " + type + " OUTPUT, @copy " + type +
+                " OUTPUT, @none " + type + " OUTPUT AS SET @copy = @in SET @value = " + one.value +
+                " SET @none = NULL SELECT 1 AS one RETURN -7");
+        Command command;
+        command.ActiveConnection(connection_);
+        command.CommandText("spGives");
+        command.CommandType(adCmdStoredProc);
+        command.Parameters().Refresh();
+        Parameters& parameters = command.Parameters();
+        ASSERT_EQ(parameters.Count(), 5);
+        parameters.Item(1).Value(one.wanted);
+        parameters.Item(2).Value(Null());
+        parameters.Item(3).Value(Null());
+        parameters.Item(4).Value(one.wanted);
+        const auto rows = command.Execute(affected_, adOptionUnspecified);
+        EXPECT_EQ(rows->Fields().Item(0).Value(), Variant(1));
+        EXPECT_EQ(parameters.Item(0).Value(), Variant(-7));
+        EXPECT_EQ(parameters.Item(2).Value(), one.wanted) << parameters.Item(2).Value().ToString();
+        EXPECT_EQ(parameters.Item(3).Value(), one.wanted) << parameters.Item(3).Value().ToString();
+        EXPECT_TRUE(parameters.Item(4).Value().IsNull());
+    }
+    Execute("DROP PROCEDURE spGives");
 }
 
 TEST_F(OnAServer, ErrorsHaveTheNumbersOfTheirState) {
