@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "devserver/tsql/ast.h"
+#include "devserver/tsql/ast_query.h"
 #include "devserver/tsql/bound.h"
 #include "devserver/tsql/emitter.h"
 #include "devserver/tsql/remote_tables.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "devserver/tsql/ast.h"
+#include "devserver/tsql/ast_query.h"
 #include "devserver/tsql/scalar/functions.h"
 #include "devserver/tsql/value.h"
 

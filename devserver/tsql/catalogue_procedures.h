@@ -7,7 +7,10 @@
 
 namespace devsql {
 
+/// Those that drivers call.
 std::span<const SystemProcedure> CatalogueProcedures();
+/// Those that people call.
+std::span<const SystemProcedure> HelpProcedures();
 /// Those on keys and indexes.
 std::span<const SystemProcedure> KeyProcedures();
 /// Extended properties.

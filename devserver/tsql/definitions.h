@@ -2,7 +2,7 @@
 // users, roles, rights.
 #pragma once
 
-#include "devserver/tsql/ast.h"
+#include "devserver/tsql/ast_definitions.h"
 #include "devserver/tsql/binder.h"
 #include "devserver/tsql/session_core.h"
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "devserver/tsql/ast.h"
 #include "devserver/tsql/binder.h"
 #include "devserver/tsql/row_writer.h"
 #include "devserver/tsql/session_core.h"

@@ -12,7 +12,7 @@
 
 #include "devserver/linked/remote.h"
 #include "devserver/storage/linked_servers.h"
-#include "devserver/tsql/ast.h"
+#include "devserver/tsql/ast_query.h"
 
 namespace devsql {
 

@@ -9,7 +9,7 @@
 
 #include "devserver/storage/catalogue.h"
 #include "devserver/storage/linked_servers.h"
-#include "devserver/tsql/ast.h"
+#include "devserver/tsql/ast_query.h"
 
 namespace devsql {
 

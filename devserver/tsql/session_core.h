@@ -16,7 +16,7 @@
 
 #include "devserver/storage/catalogue.h"
 #include "devserver/storage/sqlite.h"
-#include "devserver/tsql/ast.h"
+#include "devserver/tsql/ast_definitions.h"
 #include "devserver/tsql/bound.h"
 #include "devserver/tsql/engine.h"
 #include "devserver/tsql/errors.h"

@@ -576,8 +576,9 @@ constexpr SystemProcedure kProcedures[] = {
 
 const SystemProcedure* FindSystemProcedure(std::string_view name) {
     for (const std::span<const SystemProcedure> list :
-         {std::span<const SystemProcedure>(kProcedures), CatalogueProcedures(), KeyProcedures(),
-          PropertyProcedures(), LinkedProcedures(), DistributorProcedures(), PublicationProcedures()}) {
+         {std::span<const SystemProcedure>(kProcedures), CatalogueProcedures(), HelpProcedures(),
+          KeyProcedures(), PropertyProcedures(), LinkedProcedures(), DistributorProcedures(),
+          PublicationProcedures()}) {
         for (const SystemProcedure& procedure : list) {
             if (AsciiEqual(procedure.name, name)) {
                 return &procedure;

@@ -1,0 +1,213 @@
+// The procedures by which people look around: sp_helpdb, sp_helpfile, sp_help, sp_who.
+#include <algorithm>
+
+#include "devserver/storage/databases.h"
+#include "devserver/tsql/binder.h"
+#include "devserver/tsql/catalogue_procedures.h"
+#include "devserver/tsql/parser.h"
+#include "devserver/tsql/procedure_table.h"
+#include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server.h"
+
+namespace devsql {
+namespace {
+
+constexpr Type kSmallInt = Simple(TypeId::SmallInt);
+
+// ------------------------------------------------------------------ databases
+
+std::string DateText(std::int64_t ticks) {
+    const CivilTime civil = ToCivil({static_cast<std::int32_t>(ticks / kTicksPerDay), 0});
+    return std::string(MonthName(civil.month).substr(0, 3)) + (civil.day < 10 ? "  " : " ") +
+           std::to_string(civil.day) + " " + std::to_string(civil.year);
+}
+
+std::string SizeText(const DatabaseInfo& info) {
+    std::error_code error;
+    std::uintmax_t bytes = 0;
+    for (const DatabaseFile& file : info.files) {
+        const std::uintmax_t size = std::filesystem::file_size(file.path, error);
+        bytes += error ? 0 : size;
+    }
+    const std::uintmax_t hundredths = bytes * 100 / (1024 * 1024);
+    std::string text = std::to_string(hundredths / 100) + "." + (hundredths % 100 < 10 ? "0" : "") +
+                       std::to_string(hundredths % 100) + " MB";
+    return std::string(13 - std::min<std::size_t>(13, text.size()), ' ') + text;
+}
+
+std::string StatusText(const DatabaseInfo& info) {
+    std::string text = "Status=ONLINE, Updateability=READ_WRITE, UserAccess=";
+    text += info.Option("SINGLE_USER") ? "SINGLE_USER" : "MULTI_USER";
+    const auto recovery = info.options.find("RECOVERY");
+    return text + ", Recovery=" + (recovery == info.options.end() ? "FULL" : recovery->second) +
+           ", Version=539";
+}
+
+void FileRows(ProcedureTable& table, const DatabaseInfo& info) {
+    for (const DatabaseFile& file : info.files) {
+        table.Row({file.name, std::int64_t{file.id}, file.client_path, TextOrNull(file.file_group), file.size,
+                   file.max_size, file.growth, std::string(file.log ? "log only" : "data only")});
+    }
+}
+
+std::vector<Column> FileColumns() {
+    return {{"name", kSysName, false, false},
+            {"fileid", kSmallInt, true, false},
+            {"filename", Sized(TypeId::NVarChar, 260), true, false},
+            {"filegroup", kSysName, true, false},
+            {"size", Sized(TypeId::NVarChar, 18), true, false},
+            {"maxsize", Sized(TypeId::NVarChar, 18), true, false},
+            {"growth", Sized(TypeId::NVarChar, 18), true, false},
+            {"usage", Sized(TypeId::VarChar, 9), true, false}};
+}
+
+std::int32_t HelpDb(SystemCall& call) {
+    SessionCore& session = call.session();
+    const std::string name = call.Text("@dbname");
+    std::vector<DatabaseInfo> list = ListDatabases(session.connection);
+    if (!name.empty()) {
+        const std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+        if (!info) {
+            RaiseError(15010, {name});
+        }
+        list = {*info};
+    }
+    std::sort(list.begin(), list.end(),
+              [](const DatabaseInfo& a, const DatabaseInfo& b) { return ToLower(a.name) < ToLower(b.name); });
+    ProcedureTable table(session, {{"name", kSysName, true, false},
+                                   {"db_size", Sized(TypeId::NVarChar, 13), true, false},
+                                   {"owner", kSysName, true, false},
+                                   {"dbid", kSmallInt, true, false},
+                                   {"created", Sized(TypeId::NVarChar, 11), true, false},
+                                   {"status", Sized(TypeId::NVarChar, 600), true, false},
+                                   {"compatibility_level", Simple(TypeId::TinyInt), true, false}});
+    for (const DatabaseInfo& info : list) {
+        table.Row({info.name, SizeText(info), info.owner, std::int64_t{info.id}, DateText(info.created),
+                   StatusText(info), std::int64_t{140}});
+    }
+    table.End();
+    if (!name.empty()) {
+        ProcedureTable files(session, FileColumns());
+        FileRows(files, list[0]);
+        files.End();
+    }
+    return 0;
+}
+
+std::int32_t HelpFile(SystemCall& call) {
+    SessionCore& session = call.session();
+    const DatabaseInfo info = *FindDatabase(session.connection, session.CurrentDatabaseName());
+    ProcedureTable table(session, FileColumns());
+    if (call.IsNull("@filename")) {
+        FileRows(table, info);
+    } else {
+        DatabaseInfo one = info;
+        std::erase_if(one.files, [&](const DatabaseFile& f) {
+            return Folded(f.name) != Folded(call.Text("@filename"));
+        });
+        if (one.files.empty()) {
+            RaiseError(15325, {call.Text("@filename")});
+        }
+        FileRows(table, one);
+    }
+    table.End();
+    return 0;
+}
+
+std::int32_t Who(SystemCall& call) {
+    SessionCore& session = call.session();
+    ProcedureTable table(session, {{"spid", kSmallInt, true, false},
+                                   {"ecid", kSmallInt, true, false},
+                                   {"status", Sized(TypeId::NChar, 30), true, false},
+                                   {"loginame", kSysName, true, false},
+                                   {"hostname", Sized(TypeId::NChar, 128), true, false},
+                                   {"blk", Sized(TypeId::Char, 5), true, false},
+                                   {"dbname", kSysName, true, false},
+                                   {"cmd", Sized(TypeId::NChar, 16), true, false}});
+    for (const Server::SessionInfo& info : session.server.Sessions()) {
+        const bool own = info.id == session.id;
+        const std::optional<DatabaseInfo> database = FindDatabase(session.connection, info.database);
+        table.Row({std::int64_t{info.id}, std::int64_t{0}, std::string(own ? "runnable" : "sleeping"),
+                   info.login, info.host, std::string("0"), database ? database->name : std::string("master"),
+                   std::string(own ? "SELECT" : "AWAITING COMMAND")});
+    }
+    table.End();
+    return 0;
+}
+
+// ------------------------------------------------------------------ objects
+
+std::int32_t Help(SystemCall& call) {
+    SessionCore& session = call.session();
+    if (call.IsNull("@objname")) {
+        call.Run(
+            "SELECT o.name AS Name, 'dbo' AS Owner, CASE o.xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN "
+            "'view' "
+            "WHEN 'P' THEN 'stored procedure' WHEN 'PK' THEN 'primary key cns' WHEN 'UQ' THEN 'unique cns' "
+            "WHEN 'F' "
+            "THEN 'foreign key cns' WHEN 'C' THEN 'check cns' ELSE 'default (maybe cns)' END AS Object_type "
+            "FROM sysobjects o ORDER BY Object_type, Name");
+        return 0;
+    }
+    const std::string name = call.Text("@objname");
+    const ast::Name parsed = ParseName(name);
+    const ObjectPlace place = parsed.empty() ? ObjectPlace{} : PlaceOf(session, parsed);
+    const std::optional<ObjectDef> object =
+        parsed.empty() ? std::nullopt : session.CurrentDatabase().FindObject(place.schema, place.name);
+    if (!object) {
+        RaiseError(15009, {name, session.CurrentDatabaseName()});
+    }
+    const std::vector<std::string> values = {std::to_string(object->id)};
+    call.Run("SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN "
+             "'view' WHEN 'P' THEN "
+             "'stored procedure' ELSE 'constraint' END AS Type, crdate AS Created_datetime FROM sysobjects "
+             "WHERE id = CONVERT(int, @p1)",
+             values);
+    if (object->type == "P") {
+        call.Run("SELECT c.name AS Parameter_name, t.name AS Type, c.length AS Length, c.prec AS Prec, "
+                 "c.scale AS Scale, "
+                 "c.colid AS Param_order, c.collation AS Collation FROM syscolumns c JOIN systypes t ON "
+                 "t.xtype = c.xtype AND "
+                 "t.xusertype = t.xtype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colid",
+                 values);
+        return 0;
+    }
+    call.Run("SELECT c.name AS Column_name, t.name AS Type, CASE c.iscomputed WHEN 1 THEN 'yes' ELSE 'no' "
+             "END AS Computed, "
+             "c.length AS Length, c.prec AS Prec, c.scale AS Scale, CASE c.isnullable WHEN 1 THEN 'yes' ELSE "
+             "'no' END AS "
+             "Nullable, c.collation AS Collation FROM syscolumns c JOIN systypes t ON t.xtype = c.xtype AND "
+             "t.xusertype = "
+             "t.xtype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colorder",
+             values);
+    if (object->type != "U") {
+        return 0;
+    }
+    call.Run(
+        "SELECT name AS [Identity], IDENT_SEED(OBJECT_NAME(id)) AS Seed, IDENT_INCR(OBJECT_NAME(id)) AS "
+        "Increment, 0 AS [Not For Replication] FROM syscolumns WHERE id = CONVERT(int, @p1) AND colstat "
+        "& 1 = 1 UNION ALL SELECT N'No identity column defined.', NULL, NULL, NULL WHERE NOT EXISTS "
+        "(SELECT * FROM syscolumns WHERE id = CONVERT(int, @p1) AND colstat & 1 = 1) "
+        "SELECT name AS [RowGuidCol] FROM sys.columns WHERE object_id = CONVERT(int, @p1) AND is_rowguidcol "
+        "= 1 "
+        "UNION ALL SELECT N'No rowguidcol column defined.' WHERE NOT EXISTS (SELECT * FROM sys.columns WHERE "
+        "object_id = CONVERT(int, @p1) AND is_rowguidcol = 1) SELECT N'PRIMARY' AS Data_located_on_filegroup",
+        values);
+    call.Run("EXEC sp_helpindex @p1 EXEC sp_helpconstraint @p1, 'nomsg'", {name});
+    return 0;
+}
+
+constexpr SystemProcedure kProcedures[] = {
+    {"sp_helpdb", "@dbname sysname = NULL", HelpDb},    {"sp_helpfile", "@filename sysname = NULL", HelpFile},
+    {"sp_who", "@loginame sysname = NULL", Who},        {"sp_who2", "@loginame sysname = NULL", Who},
+    {"sp_help", "@objname nvarchar(776) = NULL", Help},
+};
+
+} // namespace
+
+std::span<const SystemProcedure> HelpProcedures() {
+    return kProcedures;
+}
+
+} // namespace devsql
