@@ -146,10 +146,11 @@ TEST_F(ServerCalls, WhatIsPrintedIsNoError) {
 }
 
 TEST_F(ServerCalls, EverySeverityUpToTenIsAMessageAndAboveAnError) {
-    for (int severity = 0; severity <= 18; ++severity) {
+    constexpr int kLoggedFrom = 19;
+    for (int severity = 0; severity <= kLoggedFrom; ++severity) {
         const std::string number = std::to_string(severity);
         Do("CREATE PROC spSeverity" + number + " AS SELECT 1 AS one RAISERROR('severity " + number + "', " +
-           number + ", 1)");
+           number + ", 1)" + (severity >= kLoggedFrom ? " WITH LOG" : ""));
         EXPECT_TRUE(Call("spSeverity" + number)) << severity;
         EXPECT_EQ(Rows(), (Lines{"one", "1"}));
         EXPECT_EQ(manager_.Reported(), severity <= 10 ? Lines{} : Lines{"50000 severity " + number})
@@ -159,10 +160,15 @@ TEST_F(ServerCalls, EverySeverityUpToTenIsAMessageAndAboveAnError) {
 }
 
 TEST_F(ServerCalls, ASeverityThatEndsTheConnectionFails) {
-    Do("CREATE PROC spFatal AS SELECT 1 AS one RAISERROR('fatal', 20, 1) WITH LOG");
-    EXPECT_FALSE(Call("spFatal"));
-    ASSERT_FALSE(manager_.Reported().empty());
-    EXPECT_EQ(LoggedFailures(), 1U);
+    std::size_t failures = 0;
+    for (int severity = 20; severity <= 25; ++severity) {
+        const std::string number = std::to_string(severity);
+        Do("CREATE PROC spFatal" + number + " AS SELECT 1 AS one RAISERROR('fatal', " + number +
+           ", 1) WITH LOG");
+        EXPECT_FALSE(Call("spFatal" + number)) << severity;
+        EXPECT_FALSE(manager_.Reported().empty()) << severity;
+        EXPECT_EQ(LoggedFailures(), ++failures);
+    }
     Do("SELECT 1"); // the server is there
 }
 
