@@ -8,6 +8,7 @@
 
 #include "platform/console_input.h"
 #include "platform/files.h"
+#include "platform/system_text.h"
 #include "querytool/odbc_server.h"
 #include "querytool/tool.h"
 
@@ -25,9 +26,18 @@ std::unique_ptr<Output> OpenOutput(const Switches& switches) {
 /// The password that the switches do not give.
 std::string FindPassword() {
     if (const char* const password = std::getenv("OSQLPASSWORD")) {
-        return password;
+        return platform::FromSystemText(password);
     }
-    return platform::InputIsTerminal() ? platform::AskPassword("Password: ") : std::string();
+    return platform::InputIsTerminal() ? platform::FromSystemText(platform::AskPassword("Password: "))
+                                       : std::string();
+}
+
+std::vector<std::string> Arguments(int argc, char** argv) {
+    std::vector<std::string> arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.push_back(platform::FromSystemText(argv[i]));
+    }
+    return arguments;
 }
 
 int Run(const ParsedLine& line, Output& output) {
@@ -50,7 +60,7 @@ int Run(const ParsedLine& line, Output& output) {
 
 int main(int argc, char** argv) {
     try {
-        const ParsedLine line = ParseSwitches(std::vector<std::string>(argv + 1, argv + argc));
+        const ParsedLine line = ParseSwitches(Arguments(argc, argv));
         if (line.switches.help) {
             std::cout << HelpText();
             return kSuccess;

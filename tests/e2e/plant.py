@@ -30,8 +30,8 @@ class DevServer:
         self.port = 0
         self.process = None
         os.makedirs(folder, exist_ok=True)
-        with open(os.open(self.logins, os.O_CREAT | os.O_WRONLY, 0o600), "w") as file:
-            file.write(f"{USER}:{PASSWORD}\nempty:\n")
+        with open(os.open(self.logins, os.O_CREAT | os.O_WRONLY, 0o600), "w", encoding="utf-8") as file:
+            file.write(f"{USER}:{PASSWORD}\nempty:\nmüller:pä€\n")
 
     def start(self):
         arguments = [self.program, "--root", self.root, "--port", str(self.port), "--logins", self.logins]

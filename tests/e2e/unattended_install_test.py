@@ -177,6 +177,19 @@ class Installation(WholeWay):
         self.assert_quiet()
         self.assertTrue(self.batch_exists())
 
+    def test_names_beyond_ascii_arrive_as_they_were_typed(self):
+        self.machine.environment["LC_ALL"] = "C.UTF-8"  # how Wine reads what is typed
+        scripts = self.machine.scripts
+        self.machine.scripts = os.path.join(self.folder, "Skripte für €")
+        os.rename(scripts, self.machine.scripts)
+        self.machine.data = os.path.join(self.folder, "Daten ß")
+        os.mkdir(self.machine.data)
+        self.install("/installdb", "/installdts", user="müller", password="pä€")
+        self.assert_quiet()
+        self.assertTrue(self.batch_exists())
+        self.assertEqual(sorted(os.listdir(self.machine.data)), ["Batch_data.mdf", "Batch_log.ldf"])
+        self.assertEqual(self.packages(), sorted(PACKAGES))
+
     def test_a_missing_package_file_is_skipped(self):
         os.remove(os.path.join(self.machine.scripts, "BatchOverviewExport.dts"))
         self.machine.run(*self.machine.login(self.server), "/installdts")
@@ -253,6 +266,15 @@ class BadInput(WholeWay):
         self.assert_nothing_on_the_server()
         # The scripts that were modified before it stay.
         self.assertEqual(self.machine.data_files(), ["Create_Batch_Database.sql"])
+
+    def test_a_log_folder_that_is_not_there_is_told_by_its_file_and_not_made(self):
+        os.rmdir(self.machine.log_folder)
+        os.remove(os.path.join(self.machine.scripts, "Create_Batch_Database.sql"))
+        said = self.install("/installdb", "/installdts").replace("\r", "")
+        self.assertIn("KVLSQLDbMgr (X): Run-time error '76':\n\nPath not found\n\n", said)
+        self.assertIn("Log\\KVLSQLDbMgr.log", said)
+        self.assertFalse(os.path.exists(self.machine.log_folder))
+        self.assert_nothing_on_the_server()
 
     def test_a_data_folder_that_cannot_be_made_ends_the_run_before_anything(self):
         with open(os.path.join(self.machine.install, "Data"), "w"):

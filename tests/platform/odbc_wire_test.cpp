@@ -26,6 +26,9 @@ using devsql::TypeId;
 using devsql::fakes::FakeSession;
 using devsql::fakes::RunningServer;
 
+/// What a busy machine may take at the very most for something that is over at once.
+constexpr std::chrono::seconds kLongest{60};
+
 using Answers = std::map<std::string, std::function<void(FakeSession&, ResultSink&)>>;
 
 void SendError(ResultSink& sink, std::int32_t number) {
@@ -376,7 +379,7 @@ TEST_F(OdbcWire, ATimeOutEndsTheStatementAndLeavesTheConnection) {
         } catch (const OdbcError& error) {
             EXPECT_EQ(error.Diagnostics().front().sql_state, "HYT00");
         }
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, kLongest);
     }
     EXPECT_EQ(Story("x"), "rows 1 | ");
 }
@@ -393,15 +396,17 @@ TEST_F(OdbcWire, AWrongPasswordIsToldByItsNumber) {
 }
 
 TEST_F(OdbcWire, ALoginThatIsNotAnsweredEndsWithItsTimeOut) {
-    server_.engine.script.on_login = [] { std::this_thread::sleep_for(std::chrono::seconds(3)); };
+    std::promise<void> given_up;
+    server_.engine.script.on_login = [done = given_up.get_future().share()] { done.wait_for(kLongest); };
     const auto begin = std::chrono::steady_clock::now();
     try {
         connection_.DriverConnect(Target(), 1);
-        FAIL() << "was let in";
+        ADD_FAILURE() << "was let in";
     } catch (const OdbcError& error) {
         EXPECT_EQ(error.Diagnostics().front().sql_state, "HYT00");
     }
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(2900));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, kLongest);
+    given_up.set_value();
 }
 
 TEST_F(OdbcWire, NobodyAtThePortIsAFailureOfClass08) {

@@ -57,10 +57,12 @@ TEST(Process, AnEmptyPairOfQuotesIsNotStarted) {
 TEST(Process, AWaitWithALimitReturnsThoughTheProgramGoesOn) {
     const TempFolder folder;
     std::unique_ptr<Process> process;
-    ASSERT_TRUE(Start('"' + HelperPath() + '"', "--sleep 700 -o \"" + (folder / "out.txt") + '"', process));
+    ASSERT_TRUE(Start('"' + HelperPath() + '"',
+                      "--until \"" + (folder / "go.txt") + "\" -o \"" + (folder / "out.txt") + '"', process));
     ASSERT_NE(process, nullptr);
     process->Wait(20);
     EXPECT_FALSE(FileExists(folder / "out.txt"));
+    WriteWholeFile(folder / "go.txt", "");
     process->Wait(kInfiniteWait);
     EXPECT_TRUE(FileExists(folder / "out.txt"));
 }
@@ -74,7 +76,7 @@ TEST(Process, WithoutTheMaskNoHandleComesBack) {
     std::unique_ptr<Process> process;
     ASSERT_TRUE(ShellExecuteProgram(info, process));
     EXPECT_EQ(process, nullptr);
-    for (int i = 0; i < 1000 && !FileExists(folder / "out.txt"); ++i) {
+    for (int i = 0; i < 6000 && !FileExists(folder / "out.txt"); ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     EXPECT_TRUE(FileExists(folder / "out.txt"));

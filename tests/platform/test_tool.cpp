@@ -1,5 +1,5 @@
 // A query tool of the tests: writes its arguments, one a line between brackets, to the file behind -o.
-// --sleep N waits N milliseconds first; --exit N ends with that code; --silent writes nothing.
+// --until FILE waits first until there is such a file; --exit N ends with that code; --silent writes nothing.
 #include <chrono>
 #include <cstdlib>
 #include <string>
@@ -7,6 +7,18 @@
 #include <vector>
 
 #include "platform/files.h"
+
+namespace {
+
+/// A minute at most: longer, and whoever should make the file is gone.
+void WaitFor(const std::string& path) {
+    constexpr auto kPause = std::chrono::milliseconds(10);
+    for (int i = 0; i < 6000 && !platform::FileExists(path); ++i) {
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
@@ -17,8 +29,8 @@ int main(int argc, char** argv) {
         const bool has_next = i + 1 < arguments.size();
         if (arguments[i] == "-o" && has_next) {
             output = arguments[i + 1];
-        } else if (arguments[i] == "--sleep" && has_next) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(arguments[i + 1].c_str())));
+        } else if (arguments[i] == "--until" && has_next) {
+            WaitFor(arguments[i + 1]);
         } else if (arguments[i] == "--exit" && has_next) {
             code = std::atoi(arguments[i + 1].c_str());
         } else if (arguments[i] == "--silent") {

@@ -12,11 +12,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/system_text.h"
+
 namespace platform {
 namespace {
 
 std::string NativePath(const std::string& path) {
-    std::string native = path;
+    std::string native = ToSystemText(path);
     std::replace(native.begin(), native.end(), '\\', '/');
     return native;
 }
@@ -115,32 +117,31 @@ std::string ExecutablePath() {
     return {buffer.data(), static_cast<std::size_t>(length)};
 }
 
-bool IsKind(const std::string& path, mode_t kind) {
+bool IsKind(const std::string& native, mode_t kind) {
     struct stat info {};
-    return ::stat(NativePath(path).c_str(), &info) == 0 && (info.st_mode & S_IFMT) == kind;
+    return ::stat(native.c_str(), &info) == 0 && (info.st_mode & S_IFMT) == kind;
 }
 
 } // namespace
 
 std::string ExecutableFolder() {
     const std::string path = ExecutablePath();
-    const auto slash = path.find_last_of('/');
-    return path.substr(0, slash);
+    return FromSystemText(path.substr(0, path.find_last_of('/')));
 }
 
 std::string ExecutableName() {
     const std::string path = ExecutablePath();
-    const std::string name = path.substr(path.find_last_of('/') + 1);
+    const std::string name = FromSystemText(path.substr(path.find_last_of('/') + 1));
     const auto dot = name.find_last_of('.');
     return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
 }
 
 bool FileExists(const std::string& path) {
-    return IsKind(path, S_IFREG);
+    return IsKind(NativePath(path), S_IFREG);
 }
 
 bool FolderExists(const std::string& path) {
-    return IsKind(path, S_IFDIR);
+    return IsKind(NativePath(path), S_IFDIR);
 }
 
 bool FolderHoldsFile(const std::string& folder) {

@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "platform/command_line.h"
+#include "platform/system_text.h"
 
 namespace platform {
 namespace {
@@ -62,7 +63,7 @@ class HiddenConsole {
 std::string NativeProgram(std::string file) {
     file.erase(std::remove(file.begin(), file.end(), '"'), file.end());
     std::replace(file.begin(), file.end(), '\\', '/');
-    return file;
+    return ToSystemText(file);
 }
 
 } // namespace
@@ -70,8 +71,10 @@ std::string NativeProgram(std::string file) {
 bool ShellExecuteProgram(const ShellExecuteInfo& info, std::unique_ptr<Process>& process) {
     process.reset();
     const std::string program = NativeProgram(info.file);
-    std::vector<std::string> arguments = SplitArguments(info.parameters);
-    arguments.insert(arguments.begin(), program);
+    std::vector<std::string> arguments = {program};
+    for (const std::string& argument : SplitArguments(info.parameters)) {
+        arguments.push_back(ToSystemText(argument));
+    }
     std::vector<char*> pointers;
     pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) {

@@ -18,6 +18,7 @@
 
 #include "platform/linux/config_folder.h"
 #include "platform/registry.h"
+#include "platform/system_text.h"
 
 namespace platform {
 namespace {
@@ -51,7 +52,7 @@ std::int32_t ReportDamage(const std::string& path, const RegDamage& damage) {
     if (told.insert(text).second) {
         std::fprintf(stderr, "Damaged registry file %s\n", text.c_str());
     }
-    return Report(registry_error::kBadDb, text);
+    return Report(registry_error::kBadDb, FromSystemText(text));
 }
 
 std::int32_t ErrorOf(int system_error, std::int32_t otherwise) {
@@ -287,7 +288,7 @@ std::optional<std::string> RemoteRegistryPath(const std::string& computer) {
         return std::nullopt;
     }
     while (const dirent* entry = ::readdir(stream.get())) {
-        if (FoldCase(FromCodePage1252(entry->d_name)) == wanted) {
+        if (FoldCase(FromCodePage1252(FromSystemText(entry->d_name))) == wanted) {
             return folder + "/" + entry->d_name;
         }
     }
@@ -302,7 +303,7 @@ std::int32_t LoadRegistry(const std::string& path, RegFile& file) {
     } catch (const RegDamage& damage) {
         return ReportDamage(path, damage);
     } catch (const SystemFault& fault) {
-        return Report(fault.error, path);
+        return Report(fault.error, FromSystemText(path));
     }
 }
 
@@ -314,7 +315,7 @@ std::int32_t ChangeRegistry(const std::string& path, const std::function<void(Re
     } catch (const RegDamage& damage) {
         return ReportDamage(path, damage);
     } catch (const SystemFault& fault) {
-        return Report(fault.error, path);
+        return Report(fault.error, FromSystemText(path));
     }
 }
 

@@ -2,9 +2,12 @@
 
 #include <unistd.h>
 
+#include "platform/system_text.h"
+
 namespace platform {
 
-void WriteToTerminal(const std::string& text) {
+void WriteToTerminal(const std::string& message) {
+    const std::string text = ToSystemText(message);
     std::size_t done = 0;
     while (done < text.size()) {
         const ssize_t written = ::write(STDERR_FILENO, text.data() + done, text.size() - done);

@@ -1,0 +1,14 @@
+// The program makes the system's 8-bit calls: both texts are the same.
+#include "platform/system_text.h"
+
+namespace platform {
+
+std::string FromSystemText(std::string_view text) {
+    return std::string(text);
+}
+
+std::string ToSystemText(std::string_view text) {
+    return std::string(text);
+}
+
+} // namespace platform
