@@ -59,11 +59,23 @@ class ProgramFaces : public kv::Faces {
     std::unique_ptr<ui::Window> window_; // goes first: it mirrors the form
 };
 
+/// The run time's texts do not say which file it is about. Mostly it is the log, and there is no other place
+/// that could tell.
+std::string FileInFlight() {
+    try {
+        throw;
+    } catch (const platform::FileError& error) {
+        return "\r\n\r\n" + error.Path();
+    } catch (...) {
+        return {};
+    }
+}
+
 /// What ends the program when a failure finds no handler: the run time's fatal error box.
 void ShowFatalError() {
     const kv::Failure failure = kv::TranslateInFlight();
     platform::ShowMessageBox("Run-time error '" + std::to_string(failure.Number()) + "':\r\n\r\n" +
-                                 failure.Description(),
+                                 failure.Description() + FileInFlight(),
                              platform::MessageIcon::Critical, platform::ExecutableName());
 }
 

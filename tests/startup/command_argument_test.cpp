@@ -90,6 +90,10 @@ TEST(CommandArgument, TheNextArgumentIsNoValue) {
     ExpectValue("/server -user x", kServer, "-user");
 }
 
+TEST(CommandArgument, ARowWithoutAValueTakesNone) {
+    ExpectValue("/installdb x /help", kInstallDb, "");
+}
+
 TEST(CommandArgument, SeveralBlanksInFrontOfAValue) {
     // The value is looked for behind one blank; the first of the others is taken into the piece and trimmed.
     ExpectValue("/server  S /user U", kServer, "S");

@@ -168,6 +168,42 @@ TEST_F(RegistrySettings, FindsTheKeyThatTheProgramWritesWithDoubledSeparators) {
               std::string::npos);
 }
 
+/// Other programs write and read these places: a name that is changed here is another place.
+TEST(RegistryLocations, StandLetterByLetter) {
+    using namespace registry_locations;
+    struct Place {
+        const char* in_the_program;
+        const char* written_out;
+    };
+    for (const Place& place : {
+             Place{kLogKey, R"(SOFTWARE\ORVIK\QUORLEN\Log)"},
+             Place{kLogValue, ""},
+             Place{kLogDefault, R"(..\Log)"},
+             Place{kLoginKey, R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\Login)"},
+             Place{kServerNameValue, "ServerName"},
+             Place{kUserIdValue, "UserID"},
+             Place{kPasswordValue, "PWD"},
+             Place{kRedundancyKey, R"(SOFTWARE\Orvik\Quorlen\Redundancy\Lotkeeper)"},
+             Place{kBackupNodeValue, "BackupNode"},
+             Place{kCustomFunctionsKey, R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\CustomFunctions)"},
+             Place{kUseTransactionalReplicationValue, "UseTransactionalReplication"},
+             Place{kSqlServerInstalledValue, "SqlServerInstalled"},
+             Place{kInstallationKey, R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\Installation)"},
+             Place{kSqlDomainValue, "SqlDomain"},
+             Place{kCurrentVersionKey,
+                   R"(SOFTWARE\\Microsoft\\Microsoft SQL Server\\KV_BATCH\\MSSQLServer\\CurrentVersion)"},
+             Place{kCurrentVersionValue, "CurrentVersion"},
+             Place{kClientSetup80Key, R"(SOFTWARE\Microsoft\Microsoft SQL Server\80\Tools\ClientSetup)"},
+             Place{kClientSetup90Key, R"(SOFTWARE\Microsoft\Microsoft SQL Server\90\Tools\ClientSetup)"},
+             Place{kClientSetup120Key, R"(SOFTWARE\Microsoft\Microsoft SQL Server\120\Tools\ClientSetup)"},
+             Place{kClientSetup140Key, R"(SOFTWARE\Microsoft\Microsoft SQL Server\140\Tools\ClientSetup)"},
+             Place{kSqlPathValue, "SQLPath"},
+             Place{kNoDefault, ""},
+         }) {
+        EXPECT_STREQ(place.in_the_program, place.written_out);
+    }
+}
+
 TEST_F(RegistrySettings, SavesIntoANewKeyWithTheValuesNameAsItsClass) {
     EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, kKey, "Name", "value"));
     EXPECT_EQ(registry_.Calls(),
@@ -239,6 +275,9 @@ TEST_F(RegistrySettings, ReportsAnErrorWithoutATextAsAnInvalidCall) {
     EXPECT_EQ(LogLines(),
               (Lines{R"(mRegistry::GetStringKey('SOFTWARE\Key', 'Name'))" + invalid,
                      R"(mRegistry::GetLocalSetting('-2147483646', 'SOFTWARE\Key', 'Name'))" + invalid}));
+    registry_.SetSystemMessage(kFileNotFound, "x"); // shorter than a line end
+    EXPECT_EQ(GetLocal("Name"), "");
+    EXPECT_EQ(LogLines()[2], R"(mRegistry::GetStringKey('SOFTWARE\Key', 'Name'))" + invalid);
 }
 
 TEST_F(RegistrySettings, ReportsAnErrorWhoseTextDoesNotFitAsAnInvalidCall) {
