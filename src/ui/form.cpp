@@ -98,12 +98,12 @@ void Form::SetFocus(Control& control) {
 }
 
 void Form::LockPainting() {
-    painting_locked_ = true;
+    ++painting_locks_;
     Notify(Root(), Property::Painting);
 }
 
 void Form::UnlockPainting() {
-    painting_locked_ = false;
+    painting_locks_ = 0;
     Notify(Root(), Property::Painting);
 }
 

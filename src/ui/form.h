@@ -60,7 +60,9 @@ class Form {
     /// Stops the painting of the window until UnlockPainting, however often it is called.
     void LockPainting();
     void UnlockPainting();
-    bool PaintingLocked() const { return painting_locked_; }
+    bool PaintingLocked() const { return painting_locks_ != 0; }
+    /// How often painting was locked since it was last unlocked.
+    int PaintingLocks() const { return painting_locks_; }
 
     /// Fires on_unload once; the window goes. A second call does nothing.
     void Unload();
@@ -85,7 +87,7 @@ class Form {
     std::vector<std::unique_ptr<Control>> controls_;
     std::string caption_;
     Control* focused_ = nullptr;
-    bool painting_locked_ = false;
+    int painting_locks_ = 0;
     bool unloaded_ = false;
     Mirror* mirror_ = nullptr;
 };

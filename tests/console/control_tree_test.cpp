@@ -155,21 +155,42 @@ TEST(ControlTree, AMnemonicsLabelStandsInFrontOfItsBox) {
 }
 
 TEST(ControlTree, TheDialogHasItsControlsInTheOrderOfTheTabKey) {
-    const char* const names[] = {"lblParameters",    "lstParameters", "lblDataType", "edtDataType",
-                                 "lblDirection",     "edtDirection",  "lblValue",    "edtValue",
-                                 "picListViewFrame", "lvwViewData",   "cmdReload",   "cmdExecute",
-                                 "cmdClose"};
+    const std::tuple<ui::Kind, const char*, const char*> rows[] = {
+        {ui::Kind::Label, "lblParameters", "&Parameters:"},
+        {ui::Kind::ListBox, "lstParameters", ""},
+        {ui::Kind::Label, "lblDataType", "Data type:"},
+        {ui::Kind::TextBox, "edtDataType", ""},
+        {ui::Kind::Label, "lblDirection", "Direction:"},
+        {ui::Kind::TextBox, "edtDirection", ""},
+        {ui::Kind::Label, "lblValue", "&Value:"},
+        {ui::Kind::TextBox, "edtValue", ""},
+        {ui::Kind::PictureBox, "picListViewFrame", ""},
+        {ui::Kind::ListView, "lvwViewData", ""},
+        {ui::Kind::CommandButton, "cmdReload", "&Reload"},
+        {ui::Kind::CommandButton, "cmdExecute", "&Execute"},
+        {ui::Kind::CommandButton, "cmdClose", "&Close"},
+    };
     const ui::FormDesign& design = ProceduresFormDesign();
-    ASSERT_EQ(design.controls.size(), std::size(names));
+    ASSERT_EQ(design.controls.size(), std::size(rows));
     for (std::size_t i = 0; i < design.controls.size(); ++i) {
-        EXPECT_STREQ(design.controls[i].name.name, names[i]);
+        const auto& [kind, name, caption] = rows[i];
+        EXPECT_EQ(design.controls[i].kind, kind) << name;
+        EXPECT_STREQ(design.controls[i].name.name, name);
+        EXPECT_STREQ(design.controls[i].caption, caption);
+        EXPECT_STREQ(design.controls[i].tool_tip, "");
+        const bool result = std::string(name) == "lvwViewData";
+        EXPECT_STREQ(design.controls[i].parent.name, result ? "picListViewFrame" : "") << name;
+        const bool close = std::string(name) == "cmdClose";
+        EXPECT_EQ((design.controls[i].traits & ui::kCancel) != 0, close) << "Escape closes the dialog";
     }
     EXPECT_STREQ(design.caption, "Stored Procedures");
     const ui::Form form(design);
     EXPECT_TRUE(form.Get<ui::TextBox>("edtDataType").Locked());
     EXPECT_TRUE(form.Get<ui::TextBox>("edtDirection").Locked());
     EXPECT_FALSE(form.Get<ui::TextBox>("edtValue").Locked());
+    EXPECT_EQ(form.Get<ui::TextBox>("edtDataType").BackColor(), ui::kButtonFaceBackground);
     EXPECT_EQ(form.Get<ui::TextBox>("edtDirection").BackColor(), ui::kButtonFaceBackground);
+    EXPECT_EQ(form.Get<ui::TextBox>("edtValue").BackColor(), ui::kWindowBackground);
 }
 
 } // namespace

@@ -92,6 +92,26 @@ TEST_F(SynchronizeTabTest, TheSameDatabaseOfTheSameServerIsRefused) {
     EXPECT_EQ(Boxes().size(), 1U) << "another spelling passes";
 }
 
+TEST_F(SynchronizeTabTest, WithServerBAsTheSourceItGoesTheOtherWay) {
+    StartOn(kSynchronizeTab);
+    Databases({"ofB"});
+    Databases({"ofA"});
+    ui::Click(Option("optSynchronizeSourceServer", 1));
+    ado_.calls.clear();
+    ui::Click(Button("cmdSynchronize"));
+    ASSERT_FALSE(Connections().empty());
+    EXPECT_EQ(Connections().front(), "NodeB ofB");
+}
+
+TEST_F(SynchronizeTabTest, AnotherDatabaseOfTheSameServerPasses) {
+    StartOn(kSynchronizeTab);
+    Edit("edtServerName", 1).Text("NodeA");
+    ui::Choose(Combo("cboSynchronizeDestDatabase"), 1);
+    ui::Click(Button("cmdSynchronize"));
+    EXPECT_TRUE(Boxes().empty());
+    EXPECT_FALSE(ado_.calls.empty());
+}
+
 TEST_F(SynchronizeTabTest, AChoiceOfTheSourceServerRefillsBothLists) {
     StartOn(kSynchronizeTab);
     ui::Click(Option("optSynchronizeSourceServer", 1));
@@ -142,11 +162,12 @@ TEST_F(UpgradeTabTest, AnExistingNewNameIsRefusedWithoutARefresh) {
 TEST_F(UpgradeTabTest, ANewNameInAnotherCasePasses) {
     StartOn(kUpgradeTab);
     TypeInto(Edit("edtRenameNewDatabase"), "BATCH");
+    ui::Choose(Combo("cboRenameDatabase"), 1);
     Databases({"master", "Batch"}, 2);
     ui::Click(Button("cmdRename"));
     EXPECT_TRUE(Boxes().empty());
     EXPECT_EQ(Statements().front(), "exec sp_helpdb");
-    EXPECT_EQ(Statements().at(1), "use [master] exec sp_helpfile");
+    EXPECT_EQ(Statements().at(1), "use [Batch] exec sp_helpfile");
     EXPECT_EQ(LogLines().front().rfind("CUpgradeDbMgr::", 0), 0U) << "there are no files to rename";
     ExpectButtonBack("cmdRename");
 }
@@ -283,10 +304,19 @@ TEST_F(ReplicationTabTest, TheSwitchIsWrittenAndFallsBackToTheRegistry) {
     EXPECT_EQ(stored(), "TRUE");
     ui::Click(Check("chkUseSQLServerReplication"));
     EXPECT_EQ(stored(), "FALSE");
+    Check("chkUseSQLServerReplication").Value(2);
+    Check("chkUseSQLServerReplication").on_click();
+    EXPECT_EQ(stored(), "FALSE") << "only the value 1 is a tick";
+    Check("chkUseSQLServerReplication").Value(0);
     registry_.Fail(fakes::RegistryCall::Set, 5);
     ui::Click(Check("chkUseSQLServerReplication"));
     EXPECT_EQ(Check("chkUseSQLServerReplication").Value(), 0);
     EXPECT_EQ(stored(), "FALSE");
+    Text(registry_locations::kCustomFunctionsKey, "UseTransactionalReplication", "True");
+    Check("chkUseSQLServerReplication").Value(1);
+    ui::Click(Check("chkUseSQLServerReplication"));
+    EXPECT_EQ(Check("chkUseSQLServerReplication").Value(), 1);
+    EXPECT_EQ(stored(), "True");
 }
 
 } // namespace

@@ -380,7 +380,7 @@ TEST_F(FailurePaths, AResultWithoutAColumnLeavesTheWindowLockedAndTheListClosed)
     HasData(empty);
     screen_.calls.clear();
     ui::Choose(Form().Get<ui::ListBox>("lstViewDataTables"), 0);
-    EXPECT_TRUE(Form().PaintingLocked());
+    EXPECT_EQ(Form().PaintingLocks(), 1);
     EXPECT_FALSE(Form().Find("lvwViewData")->Enabled());
     EXPECT_EQ(Form().Get<ui::ListView>("lvwViewData").ColumnCount(), 0);
     EXPECT_EQ(screen_.calls, (Lines{"pointer 11", "events", "events", "pointer 0"}));

@@ -31,6 +31,7 @@ TEST_F(General, LocalSettingsFillServerA) {
 TEST_F(General, BehindAFetchTheDataPathIsSelectedForTyping) {
     Remember("edtSQLDataPath0", "D:\\Data");
     Start();
+    Edit("edtSQLDataPath", 0).SelStart(7);
     ui::Click(Button("cmdGetLocalSettings"));
     EXPECT_EQ(Form().Focused(), &Edit("edtSQLDataPath", 0));
     EXPECT_EQ(Edit("edtSQLDataPath", 0).SelStart(), 0U);
@@ -88,6 +89,7 @@ TEST_F(General, ABackupNodeThatDoesNotAnswerEmptiesTheFields) {
 
 TEST_F(General, FoldersAreChosenFromWhereTheBoxesStand) {
     Remember("edtScriptFolder", "S:\\Old");
+    RememberLogin(1);
     Start();
     toolkit_.picked = "S:\\New";
     ui::Click(Button("cmdBrowseForScriptFolder"));
@@ -98,6 +100,7 @@ TEST_F(General, FoldersAreChosenFromWhereTheBoxesStand) {
               (Lines{"folder [S:\\Old] Browse for script folder", "folder [] Browse for SQL Data path"}));
     EXPECT_EQ(Edit("edtSQLDataPath", 1).Text(), "E:\\Data");
     EXPECT_EQ(Edit("edtSQLUNCReplDataPath", 1).Text(), "E$\\ReplData");
+    EXPECT_TRUE(Tabs().TabEnabled(kScriptTab)) << "what can be used is worked out behind the derived path";
 }
 
 TEST_F(General, ACancelledFolderDialogFiresNoChange) {
@@ -105,6 +108,7 @@ TEST_F(General, ACancelledFolderDialogFiresNoChange) {
     Remember("edtSQLUNCReplDataPath0", "kept");
     Start();
     ui::Click(Button("cmdBrowseForSQLDataPath", 0));
+    EXPECT_EQ(screen_.calls, Lines{"folder [D:\\Data] Browse for SQL Data path"});
     EXPECT_EQ(Edit("edtSQLDataPath", 0).Text(), "D:\\Data");
     EXPECT_EQ(Edit("edtSQLUNCReplDataPath", 0).Text(), "kept");
 }

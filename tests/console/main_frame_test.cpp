@@ -157,6 +157,33 @@ TEST_F(MainFrame, WhileItLoadsNothingIsWorkedOut) {
     EXPECT_EQ(OpenTabs(), "0123456");
 }
 
+TEST_F(MainFrame, AnOperatorWhoIsQuickerThanTheLoadChangesNothing) {
+    RememberLogin(0);
+    main_.emplace();
+    class Quick final : public ui::Mirror {
+      public:
+        explicit Quick(frmMain& main) : main_(main) {}
+        void Changed(const ui::Control& control, ui::Property property) override {
+            if (std::string(control.Name()) == "edtUserID" && property == ui::Property::Text) {
+                ui::Choose(main_.Form().Get<ui::TabControl>("tabMain"), kUpgradeTab);
+                general_enabled = main_.Form().Find("fraMainTab", kGeneralTab)->Enabled();
+            }
+        }
+        bool general_enabled = false;
+
+      private:
+        frmMain& main_;
+    } quick(*main_);
+    Form().Attach(&quick);
+    main_->Load();
+    Form().Attach(nullptr);
+    EXPECT_TRUE(quick.general_enabled) << "no page was switched";
+    EXPECT_EQ(Option("optUpgradeCurrentServer", 0).Caption(), "Server A");
+    EXPECT_TRUE(ado_.calls.empty());
+    EXPECT_EQ(Tabs().Tab(), kGeneralTab) << "where the load ends";
+    EXPECT_TRUE(Form().Find("fraMainTab", kGeneralTab)->Enabled());
+}
+
 TEST_F(MainFrame, WithoutTheInstallationKeyTheDomainNameIsDisabled) {
     Start();
     EXPECT_TRUE(Edit("edtDomainName").Enabled());
@@ -274,6 +301,17 @@ TEST_F(MainFrame, TheSelectionMovesToTheServerThatCanBeUsed) {
     EXPECT_EQ(Option("optUpgradeCurrentServer", 1).Caption(), "NodeB");
 }
 
+TEST_F(MainFrame, ASelectedServerBThatHasGoneGivesTheSelectionBack) {
+    RememberLogin(0);
+    RememberLogin(1);
+    Start();
+    Option("optUpgradeCurrentServer", 1).Value(true);
+    Edit("edtServerName", 1).Text("");
+    Open(kUpgradeTab);
+    EXPECT_TRUE(Option("optUpgradeCurrentServer", 0).Value());
+    EXPECT_FALSE(Option("optUpgradeCurrentServer", 1).Value());
+}
+
 TEST_F(MainFrame, TheSelectionStaysWhereBothServersCanBeUsed) {
     RememberLogin(0);
     RememberLogin(1);
@@ -331,14 +369,24 @@ TEST_F(MainFrame, TheVersionOfTheServerDecidesOverThePackages) {
     }
 }
 
-TEST_F(MainFrame, AVersionWithoutAPointFailsTheLoad) {
-    Version("14");
-    main_.emplace();
-    try {
-        main_->Load();
-        FAIL() << "the load must fail";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.Number(), run_time::kInvalidProcedureCall);
+TEST_F(MainFrame, AVersionWithoutAPointOrANumberFailsTheLoad) {
+    const std::pair<const char*, std::int32_t> versions[] = {
+        {"14", run_time::kInvalidProcedureCall},
+        {"x.1", run_time::kTypeMismatch},
+        {"40000.1", run_time::kOverflow},
+    };
+    for (const auto& [version, number] : versions) {
+        Version(version);
+        main_.emplace();
+        try {
+            main_->Load();
+            FAIL() << "the load must fail";
+        } catch (...) {
+            EXPECT_EQ(TranslateInFlight().Number(), number);
+        }
+        EXPECT_EQ(OpenTabs(), "0") << "what can be used was worked out before";
+        EXPECT_TRUE(Form().Find("fraMainTab", kScriptTab)->Enabled()) << "and the pages come behind";
+        EXPECT_EQ(screen_.pointer, 0);
     }
 }
 
@@ -378,6 +426,18 @@ TEST_F(MainFrame, TheOtherTabsFillTheirListsFromTheSelectedServer) {
         for (const std::string& combo : combos) {
             EXPECT_EQ(ItemsOf(Combo(combo.c_str())), (Lines{"master", "Batch"})) << combo;
         }
+    }
+    const std::pair<MainTab, const char*> options[] = {
+        {kSynchronizeTab, "optSynchronizeSourceServer"}, {kUpgradeTab, "optUpgradeCurrentServer"},
+        {kReplicationTab, "optSQLReplCurrentServer"},    {kViewDataTab, "optViewDataCurrentServer"},
+        {kStoredProcTab, "optStoredProcCurrentServer"},
+    };
+    for (const auto& [tab, option] : options) {
+        Option(option, 1).Value(true);
+        ado_.calls.clear();
+        Open(tab);
+        ASSERT_FALSE(Connections().empty());
+        EXPECT_EQ(Connections().front(), "NodeB master") << option;
     }
 }
 
@@ -444,7 +504,10 @@ TEST_F(MainFrame, ATabThatIsNoneFillsNothing) {
 
 TEST_F(MainFrame, TheStatusLineStepsAndNeverRunsOver) {
     Start();
+    Bar().Min(1);
+    Bar().Value(7);
     main_->InitStatus(Int16(2), "Begin");
+    EXPECT_EQ(Bar().Min(), 0.0F);
     EXPECT_EQ(Bar().Max(), 2.0F);
     EXPECT_EQ(Bar().Value(), 0.0F);
     EXPECT_EQ(Label("lblStatus").Caption(), "Begin");
@@ -452,13 +515,17 @@ TEST_F(MainFrame, TheStatusLineStepsAndNeverRunsOver) {
         main_->StepStatus("Step");
         EXPECT_EQ(Bar().Value(), value);
     }
+    Bar().Min(1);
     main_->ResetStatus("");
+    EXPECT_EQ(Bar().Min(), 0.0F);
     EXPECT_EQ(Bar().Max(), 1.0F);
     EXPECT_EQ(Bar().Value(), 0.0F);
     EXPECT_EQ(Label("lblStatus").Caption(), "");
     EXPECT_EQ(screen_.Count("events"), 5);
     main_->InitStatus(Int16(-1), "");
     EXPECT_EQ(Bar().Max(), 1.0F);
+    main_->InitStatus(Int16(0), "");
+    EXPECT_EQ(Bar().Max(), 0.0F);
 }
 
 TEST_F(MainFrame, TheSettingsAreThoseOnTheScreenAtTheMoment) {

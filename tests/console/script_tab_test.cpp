@@ -118,6 +118,23 @@ TEST_F(ScriptTabTest, NothingTickedIsRefusedAndTheStatusLineStays) {
     EXPECT_TRUE(files_.Log().empty());
 }
 
+TEST_F(ScriptTabTest, OnlyTheValueOneIsATick) {
+    StartOnTab();
+    Check("chkCreateInstallBatchDatabase").Value(2);
+    Check("chkStandardSynchronize").Value(2);
+    Run();
+    EXPECT_EQ(Boxes(), Lines{"[exclamation] KVLSQLDbMgr: No scripts or DTS packages selected!"});
+}
+
+TEST_F(ScriptTabTest, APackageThatIsNotTickedDoesNotCountAsFound) {
+    AddPackages();
+    StartOnTab();
+    Tick("chkCreateInstallBatchDatabase");
+    Run();
+    EXPECT_EQ(Boxes(), Lines{"[exclamation] KVLSQLDbMgr: No scripts or DTS packages were found in the script "
+                             "folder!"});
+}
+
 TEST_F(ScriptTabTest, AFolderWithoutAFileIsRefused) {
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
@@ -199,6 +216,10 @@ TEST_F(ScriptTabTest, AllBoxesRunAllSteps) {
     EXPECT_EQ(screen_.Behind("wait "), waits);
     EXPECT_EQ(Executed(), (Lines{"Create_Batch_Database", "Create_Batch_Stored_Procedures",
                                  "Insert_Default_Data", "Create_Replication_Stored_Procedures", "mine"}));
+    for (const char* name : kTemplates) {
+        EXPECT_TRUE(files_.HasFile(std::string("C:\\Lotkeeper\\Server\\Data\\") + name)) << name;
+    }
+    EXPECT_TRUE(files_.HasFile("C:\\Lotkeeper\\Server\\Data\\mine.sql"));
     EXPECT_EQ(packages_.packages_created, 6);
     EXPECT_TRUE(Boxes().empty());
     EXPECT_TRUE(button_disabled_);
@@ -348,6 +369,9 @@ TEST_F(ScriptTabTest, TheOwnScriptCanBeTickedWhileItsFileIsThere) {
     ui::Type(Edit("edtCreateInstallScriptFile"), "l");
     EXPECT_TRUE(Check("chkCreateInstallScriptFile").Enabled());
     Tick("chkCreateInstallScriptFile");
+    files_.AddFile("S:\\Own\\other.sql", "PRINT 2");
+    ui::Edit(Edit("edtCreateInstallScriptFile"), "S:\\Own\\other.sql");
+    EXPECT_EQ(Check("chkCreateInstallScriptFile").Value(), 1) << "another file leaves the tick";
     ui::Type(Edit("edtCreateInstallScriptFile"), "x");
     EXPECT_FALSE(Check("chkCreateInstallScriptFile").Enabled());
     EXPECT_EQ(Check("chkCreateInstallScriptFile").Value(), 0) << "a stale tick must not run";

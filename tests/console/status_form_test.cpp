@@ -42,6 +42,16 @@ TEST_F(StatusForm, AStepOfZeroStays) {
     EXPECT_EQ(status.Value(), 3.0F);
 }
 
+TEST_F(StatusForm, AStepAwayFromAnEndIsNotClampedByIt) {
+    frmStatus status;
+    status.InitProgressBar(2, 5, 9);
+    status.StepProgessBar(Int16(-1));
+    EXPECT_EQ(status.Value(), 8.0F);
+    status.InitProgressBar(2, 5, 0);
+    status.StepProgessBar(Int16(1));
+    EXPECT_EQ(status.Value(), 1.0F);
+}
+
 TEST_F(StatusForm, ATextIsShownAndPendingEventsRunOnce) {
     frmStatus status;
     screen_.calls.clear();
@@ -63,6 +73,18 @@ TEST_F(StatusForm, TheWindowIsLoadedBeforeItIsShown) {
     EXPECT_EQ(screen_.calls.front(), "window made Installing / Upgrading Lotkeeper database");
     EXPECT_EQ(screen_.calls[screen_.calls.size() - 2], "show");
     EXPECT_EQ(screen_.calls.back(), "window gone");
+}
+
+TEST_F(StatusForm, ItsPlacesAreLaidDownInTwips) {
+    const frmStatus status;
+    const platform::StatusWindowLayout& layout = screen_.status_layout;
+    EXPECT_EQ(layout.client_width, 5565);
+    EXPECT_EQ(layout.client_height, 870);
+    const auto places = [](const platform::TwipsRect& rect) {
+        return std::vector<int>{rect.left, rect.top, rect.width, rect.height};
+    };
+    EXPECT_EQ(places(layout.label), (std::vector<int>{120, 120, 5295, 255}));
+    EXPECT_EQ(places(layout.bar), (std::vector<int>{60, 420, 5415, 375}));
 }
 
 TEST_F(StatusForm, TheHourglassLastsAsLongAsTheObject) {

@@ -101,6 +101,20 @@ TEST_F(StoredProc, ATextThatCannotBeReadEmptiesTheBox) {
     EXPECT_EQ(Boxes().size(), 1U);
 }
 
+TEST_F(StoredProc, TheSelectedServerIsAskedForAll) {
+    RememberLogin(1);
+    StartOnTab();
+    Databases({"ofB"});
+    ui::Click(Option("optStoredProcCurrentServer", 1));
+    EXPECT_EQ(Combo("cboStoredProcDatabase").Text(), "ofB");
+    EXPECT_EQ(Combo("cboStoredProcedure").ListCount(), 0) << "the procedures wait for a database";
+    HasProcedures({"spOne"});
+    HasText("spOne", "text");
+    ui::Choose(Combo("cboStoredProcDatabase"), 0);
+    ui::Click(Button("cmdExecute"));
+    EXPECT_EQ(Connections(), (Lines{"NodeB master", "NodeB ofB", "NodeB ofB", "NodeB ofB"}));
+}
+
 TEST_F(StoredProc, ExecuteOpensTheDialogAboveTheWindowWithoutTheHourglass) {
     StartOnTab();
     HasProcedures({"spOne"});
@@ -240,6 +254,52 @@ TEST_F(ProcedureDialog, ExecuteTakesTheLastOneOverWhateverItsDirection) {
     Execute();
     ui::Choose(Parameters(), 0);
     EXPECT_EQ(Box("edtValue").Text(), "taken");
+}
+
+TEST_F(ProcedureDialog, AParameterOfBothDirectionsIsFilledInAndWritten) {
+    const std::vector<ado::Parameter> list = {Live("@both", ado::adParamInputOutput, "x"), Live("@b")};
+    OpenDialog(list);
+    EXPECT_FALSE(Box("edtValue").Locked());
+    EXPECT_EQ(Box("edtDirection").Text(), "Input/Output");
+    ui::Edit(Box("edtValue"), "typed");
+    ui::Choose(Parameters(), 1);
+    Answers(list, Result({"A"}, {}));
+    Execute();
+    EXPECT_EQ(Call(), "call spOne -1 @both=typed @b=");
+}
+
+TEST_F(ProcedureDialog, AnUnknownDirectionIsShownAndNotWritten) {
+    OpenDialog({Live("@odd", 9, "x"), Live("@b")});
+    EXPECT_TRUE(Box("edtValue").Locked());
+    EXPECT_EQ(Box("edtDirection").Text(), "Unknown");
+    Box("edtValue").Text("written by hand of the test");
+    ui::Choose(Parameters(), 1);
+    ui::Choose(Parameters(), 0);
+    EXPECT_EQ(Box("edtValue").Text(), "x");
+}
+
+TEST_F(ProcedureDialog, ATagBehindTheLastParameterIsNothingToAClickAndAFailureToExecute) {
+    OpenDialog({Live("@a", ado::adParamInput, "x")});
+    Box("edtValue").Tag("2");
+    ui::Choose(Parameters(), 0);
+    EXPECT_EQ(LogLines(), Lines{});
+    EXPECT_EQ(Box("edtValue").Tag(), "1");
+    Box("edtValue").Tag("2");
+    Execute();
+    EXPECT_EQ(LogLines(), Lines{"frmStoredProcedures::cmdExecute_Click"});
+    EXPECT_TRUE(ado_.calls.empty());
+    EXPECT_FALSE(dialog_.Form().PaintingLocked());
+}
+
+TEST_F(ProcedureDialog, AnEntryWithoutAParameterFailsTheLoadHalf) {
+    OpenDialog({Live("@a", ado::adParamInput, "x")});
+    for (const int index : {0, 2}) {
+        Parameters().ItemData(0, index);
+        ui::Choose(Parameters(), 0);
+    }
+    const std::string line = "frmStoredProcedures::lstParameters_Click - Load parameter";
+    EXPECT_EQ(LogLines(), (Lines{line, line}));
+    EXPECT_EQ(Box("edtValue").Text(), "x");
 }
 
 TEST_F(ProcedureDialog, WhatCameBackIsSeenWhereTheParameterIsChosenAndAnInputIsOverwritten) {

@@ -231,6 +231,14 @@ TEST_F(ViewData, AFailureWhileTheTablesAreListedIsLoggedUnderTheOtherEvent) {
     EXPECT_FALSE(Form().PaintingLocked());
 }
 
+TEST_F(ViewData, ANameLikeTheEmptyElementInFrontIsNotMarked) {
+    StartOnTab();
+    HasTables({"Lots"});
+    HasData("Lots", {"", "Id", "id"}, {{1, 2, 3}}, "Id");
+    ChooseBatch();
+    EXPECT_EQ(Headers(), (Lines{"", "Id *", "id"}));
+}
+
 TEST_F(ViewData, AChoiceOfTheServerRefillsTheDatabasesOnly) {
     RememberLogin(1);
     StartOnTab();
@@ -244,6 +252,11 @@ TEST_F(ViewData, AChoiceOfTheServerRefillsTheDatabasesOnly) {
     EXPECT_EQ(Combo("cboViewDataDatabase").Text(), "ofB");
     EXPECT_EQ(TableList().ListCount(), 1);
     EXPECT_EQ(View().RowCount(), 1);
+    ado_.calls.clear();
+    HasTables({"Lots"});
+    HasRows("Lots", 1);
+    ui::Choose(Combo("cboViewDataDatabase"), 0);
+    EXPECT_EQ(Connections(), (Lines{"NodeB ofB", "NodeB ofB"})) << "and all that follows asks it";
 }
 
 } // namespace

@@ -59,6 +59,7 @@ class RecordedStatusWindow : public StatusWindow {
   public:
     explicit RecordedStatusWindow(const StatusWindowLayout& layout) {
         Record("window made " + layout.caption);
+        fakes::FakeScreen::Current().status_layout = layout;
     }
     RecordedStatusWindow(const RecordedStatusWindow&) = delete;
     RecordedStatusWindow& operator=(const RecordedStatusWindow&) = delete;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/status_window.h"
+
 namespace fakes {
 
 class FakeScreen {
@@ -21,6 +23,8 @@ class FakeScreen {
     /// "show", "window gone", "events", "pointer N".
     std::vector<std::string> calls;
     std::int16_t pointer = 0;
+    /// What the status window was made of.
+    platform::StatusWindowLayout status_layout;
     /// Called while a message box is on the screen.
     std::function<void()> on_box;
 

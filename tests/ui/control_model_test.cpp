@@ -228,8 +228,10 @@ TEST_F(ControlModel, OneUnlockEndsAnyNumberOfLocks) {
     form_.LockPainting();
     form_.LockPainting();
     EXPECT_TRUE(form_.PaintingLocked());
+    EXPECT_EQ(form_.PaintingLocks(), 2);
     form_.UnlockPainting();
     EXPECT_FALSE(form_.PaintingLocked());
+    EXPECT_EQ(form_.PaintingLocks(), 0);
 }
 
 TEST_F(ControlModel, AFormIsUnloadedOnce) {
