@@ -170,6 +170,10 @@ TEST_F(OnAServer, AnErrorAmidTheRowsFailsWhereverItStrikes) {
         EXPECT_NE(NumberOf("SELECT n, CAST(t AS int) FROM #numbers"), 0) << row;
         EXPECT_EQ(connection_.Errors().Item(0).NativeError, 245) << row;
         EXPECT_NE(NumberOf("SELECT n, CAST(t AS int), CAST('long' AS text) FROM #numbers"), 0) << row;
+        // Behind a result with columns it is kept, and the first result stands.
+        const auto first = Execute("SELECT 7 SELECT n, CAST(t AS int) FROM #numbers SELECT 8");
+        EXPECT_EQ(first->Fields().Item(0).Value(), Variant(7)) << row;
+        EXPECT_NE(Errors().find("/245 "), std::string::npos) << row << ": " << Errors();
         Execute(std::string("UPDATE #numbers SET t = '1' WHERE n = ") + row);
     }
     EXPECT_EQ(Value("COUNT(*) FROM #numbers WHERE CAST(t AS int) >= 0"), Variant(1100));
