@@ -59,7 +59,7 @@ void DeleteFileAt(const std::string& path);
 std::string ReadWholeFile(const std::string& path);
 /// Makes the file or cuts it to nothing, and writes the pieces one behind the other.
 void WriteWholeFile(const std::string& path, std::string_view content, std::string_view tail = {});
-/// Opens the file for appending, making it if it is absent, writes and closes it.
+/// Opens the file for appending, making it if it is absent, writes and closes it. Others may have it open.
 void AppendToFile(const std::string& path, std::string_view content);
 
 } // namespace platform

@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -88,6 +89,16 @@ TEST(Files, AppendingMakesTheFileAndGrowsIt) {
     AppendToFile(folder / "log", "a\r\n");
     AppendToFile(folder / "log", "b\r\n");
     EXPECT_EQ(ReadWholeFile(folder / "log"), "a\r\nb\r\n");
+}
+
+TEST(Files, AppendingBearsAnotherProgramThatHasTheFileOpen) {
+    const TempFolder folder;
+    std::ofstream other(folder.Path() / "log.txt", std::ios::binary | std::ios::app);
+    other << "other\n" << std::flush;
+    AppendToFile(folder / "log.txt", "mine\n");
+    other << "other\n";
+    other.close();
+    EXPECT_EQ(ReadWholeFile(folder / "log.txt"), "other\nmine\nother\n");
 }
 
 TEST(Files, CopyingReplacesTheTarget) {

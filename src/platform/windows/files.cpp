@@ -43,9 +43,10 @@ FileFault FaultOf(DWORD error) {
 
 class FileHandle {
   public:
-    FileHandle(const std::string& path, DWORD access, DWORD disposition) : path_(path) {
-        handle_ = ::CreateFileA(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition,
-                                FILE_ATTRIBUTE_NORMAL, nullptr);
+    FileHandle(const std::string& path, DWORD access, DWORD disposition, DWORD share = FILE_SHARE_READ)
+        : path_(path) {
+        handle_ =
+            ::CreateFileA(path.c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (handle_ == INVALID_HANDLE_VALUE) {
             Fail(path, ::GetLastError());
         }
@@ -193,8 +194,10 @@ void WriteWholeFile(const std::string& path, std::string_view content, std::stri
 }
 
 void AppendToFile(const std::string& path, std::string_view content) {
-    // Without GENERIC_WRITE every write goes behind the end, wherever another process has moved it.
-    FileHandle file(path, FILE_APPEND_DATA, OPEN_ALWAYS);
+    // Without GENERIC_WRITE every write goes behind the end, wherever another process has moved it, so that
+    // several may have the file open.
+    FileHandle file(path, FILE_APPEND_DATA, OPEN_ALWAYS,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
     file.Write(content);
     file.Close();
 }
