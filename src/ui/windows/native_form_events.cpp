@@ -85,7 +85,9 @@ void NativeForm::BringAllInLine() {
         BringTabsInLine(natives_[static_cast<std::size_t>(tabs_index_)]);
     }
     showing_ = before;
-    if (std::exchange(focus_wanted_, false) && form_.Focused() != nullptr) {
+    // Below a message box the window takes no focus, and WM_ENABLE tells when the box has gone.
+    if (::IsWindowEnabled(window_) != 0 && std::exchange(focus_wanted_, false) &&
+        form_.Focused() != nullptr) {
         const NativeControl* native = FindById(form_.Focused()->Id());
         GiveFocus(native->window);
     }
@@ -316,6 +318,11 @@ LRESULT NativeForm::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         if (platform::MousePointer() == platform::kHourglassPointer) {
             ::SetCursor(::LoadCursorA(nullptr, IDC_WAIT));
             return TRUE;
+        }
+        break;
+    case WM_ENABLE:
+        if (wparam != FALSE && focus_wanted_) {
+            told_ = ::PostMessageA(window_, kBringInLine, 0, 0) != 0;
         }
         break;
     case WM_CLOSE:
