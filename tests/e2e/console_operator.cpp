@@ -30,7 +30,7 @@ constexpr char kFormClass[] = "KVForm";
 constexpr char kBoxClass[] = "#32770";
 constexpr char kDropDownClass[] = "ComboLBox";
 constexpr int kBoxTextId = 0xFFFF;
-constexpr std::chrono::seconds kLongest{30};
+constexpr std::chrono::seconds kLongest{60};
 constexpr std::chrono::seconds kMoment{3};
 
 void Require(bool condition, const std::string& what) {
@@ -64,41 +64,15 @@ std::string Joined(const Words& texts) {
     return line;
 }
 
-/// Clicks once the pointer has come to rest there: the display tells the other process of a move late, and of
-/// the one before it as well, and a button that the pointer seems to leave while it is down is not pressed.
-void ClickAt(HWND window, LONG x, LONG y) {
-    constexpr std::chrono::milliseconds kRest{30};
-    POINT place{x, y};
-    ::ClientToScreen(window, &place);
-    auto since = std::chrono::steady_clock::now();
-    ::SetCursorPos(place.x, place.y);
-    Require(hands::WaitFor([&] {
-                POINT now{};
-                ::GetCursorPos(&now);
-                if (now.x != place.x || now.y != place.y) {
-                    ::SetCursorPos(place.x, place.y);
-                    since = std::chrono::steady_clock::now();
-                }
-                return std::chrono::steady_clock::now() - since > kRest;
-            }),
-            "the pointer does not come to rest");
-    hands::ClickAt(window, x, y);
-}
-
-void ClickOn(HWND window) {
-    RECT client{};
-    ::GetClientRect(window, &client);
-    ClickAt(window, client.right / 2, client.bottom / 2);
-}
-
 class Program {
   public:
     explicit Program(const std::string& path) {
         STARTUPINFOA start{};
         start.cb = sizeof start;
         std::string line = "\"" + path + "\"";
-        ::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                         &process_);
+        Require(::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                                 &process_) != 0,
+                "the program does not start: " + path);
     }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
@@ -110,7 +84,10 @@ class Program {
     }
 
     HANDLE Process() const { return process_.hProcess; }
-    bool Ends() const { return ::WaitForSingleObject(process_.hProcess, 20000) == WAIT_OBJECT_0; }
+    bool Ends() const {
+        const std::chrono::milliseconds longest = kLongest;
+        return ::WaitForSingleObject(process_.hProcess, static_cast<DWORD>(longest.count())) == WAIT_OBJECT_0;
+    }
     /// Its topmost visible window of this class that takes input; null if there is none.
     HWND Find(const char* window_class) const {
         Search search{window_class, process_.dwProcessId, nullptr};
@@ -169,12 +146,18 @@ class Operator {
     }
 
   private:
-    HWND Native(const std::string& name) const {
+    /// Null as long as the form has not made it: a page's controls are made when its tab is first shown.
+    HWND Look(const std::string& name) const {
         const std::size_t dot = name.find('.');
         const int index = dot == std::string::npos ? ui::kNoIndex : std::stoi(name.substr(dot + 1));
         const ui::Control* control = tree_->Find(name.substr(0, dot), index);
         Require(control != nullptr, "no such control: " + name);
         return hands::Child(window_, control->Id());
+    }
+    HWND Native(const std::string& name) const {
+        const HWND native = Look(name);
+        Require(native != nullptr, "was not shown yet: " + name);
+        return native;
     }
 
     /// Works in "main" or in "dialog" from now on, once that form is in front and takes input.
@@ -202,10 +185,11 @@ class Operator {
         const int tab = std::stoi(words.at(0));
         const HWND tabs = Native("tabMain");
         const RECT place = far_controls::TabPlace(program_.Process(), tabs, tab);
-        ClickAt(tabs, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
-        const HWND page = Native("fraMainTab." + words.at(0));
+        far_controls::ClickAt(tabs, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
         Require(hands::WaitFor([&] {
-                    return ::SendMessageA(tabs, TCM_GETCURSEL, 0, 0) == tab && ::IsWindowVisible(page) != 0;
+                    const HWND page = Look("fraMainTab." + words.at(0));
+                    return ::SendMessageA(tabs, TCM_GETCURSEL, 0, 0) == tab && page != nullptr &&
+                           ::IsWindowVisible(page) != 0;
                 }),
                 "the tab does not open: " + words.at(0));
         Settle(tabs);
@@ -225,13 +209,13 @@ class Operator {
         const HWND native = Native(words.at(0));
         Require(hands::WaitFor([native] { return ::IsWindowEnabled(native) != 0; }, kLongest),
                 "cannot be used: " + words.at(0));
-        ClickOn(native);
+        far_controls::Click(native);
         return "";
     }
 
     std::string Fill(const Words& words) {
         const HWND box = Native(words.at(0));
-        ClickOn(box);
+        far_controls::Click(box);
         Require(hands::WaitFor([&] {
                     const HWND focus = hands::FocusIn(window_);
                     return focus == box || ::GetParent(focus) == box;
@@ -291,7 +275,7 @@ class Operator {
         if (list == nullptr) {
             RECT client{};
             ::GetClientRect(combo, &client);
-            ClickAt(combo, client.right - 8, client.bottom / 2);
+            far_controls::ClickAt(combo, client.right - 8, client.bottom / 2);
             hands::WaitFor(
                 [&] {
                     list = program_.Find(kDropDownClass);
@@ -310,7 +294,7 @@ class Operator {
         if (place.top < 0 || place.bottom > client.bottom || place.bottom <= place.top) {
             return false;
         }
-        ClickAt(list, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
+        far_controls::ClickAt(list, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
         return true;
     }
 
@@ -375,7 +359,7 @@ class Operator {
     }
 
     std::string Close(const Words& /*none*/) {
-        ClickOn(Native("cmdClose"));
+        far_controls::Click(Native("cmdClose"));
         Require(program_.Ends(), "the program does not end");
         return "";
     }

@@ -2,20 +2,13 @@
 # the servers, in their files and in the log afterwards.
 #
 #   console_pair_test.py DEVSQLSERVER BIN_FOLDER
-#
-# With KV_PICTURES set to a folder, pictures of what is on show are put there.
 import os
-import shlex
-import shutil
-import subprocess
 import sys
-import time
 import unittest
 
-from plant import (PASSWORD, RUNNER, TEMPLATES, TOP, USER, DevServer, Machine, fresh_folder, install_by_pymssql,
-                   set_up, wait_for)
+from console_person import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest
+from plant import wait_for
 
-SCRIPT, SYNCHRONIZE, UPGRADE, REPLICATION, VIEW_DATA, STORED_PROC = range(1, 7)
 FIRST_BATCH = "EXEC dbo.spStartBatch N'B-1', 1, 1, 500, 'A-17', N'Müller', 2"
 
 # What is browsed and run: two columns with an identity among them, NULLs, no rows, and the numbers of rows around the
@@ -41,136 +34,7 @@ PROBE = [
 ]
 
 
-class Person:
-    """At the console: each order is carried out by mouse and keyboard, and answered by what was seen."""
-
-    escapes = (("\\n", "\n"), ("\\r", "\r"), ("\\t", "\t"), ("\\\\", "\\"))
-
-    def __init__(self, machine, binaries):
-        self.machine, self.gone = machine, False
-        # What an earlier run remembered goes; where a server is installed the Replication tab can be used.
-        more = os.path.join(machine.folder, "more.reg")
-        with open(more, "w") as file:
-            file.write("REGEDIT4\n\n[-HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr]\n\n"
-                       "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper\\CustomFunctions]\n"
-                       '"SqlServerInstalled"="TRUE"\n"UseTransactionalReplication"="FALSE"\n')
-        operator = os.path.join(binaries, "console_operator.exe")
-        command = set_up(*(("regedit.exe", "/S", machine.native(file)) for file in (*machine.registry_files, more)))
-        command += " && exec " + shlex.join([RUNNER, operator, machine.native(machine.program)])
-        self.process = subprocess.Popen([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command],
-                                        env=machine.wine_environment(), stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                        text=True, encoding="cp1252", bufsize=1, cwd=machine.install)
-        self.answer_of("the start")
-
-    def answer_of(self, order):
-        line = self.process.stdout.readline().rstrip("\r\n")
-        if not line.startswith("= "):
-            raise AssertionError(f"{order}: {line or 'the operator has gone'}")
-        return line[2:]
-
-    def do(self, *words):
-        """Gives an order; the texts that came back."""
-        self.process.stdin.write("\t".join(map(str, words)) + "\n")
-        self.process.stdin.flush()
-        line = self.answer_of(words)
-        return [self.plain(text) for text in line.split("\t")] if line else []
-
-    def plain(self, text):
-        result = []
-        while text:
-            escape = next((pair for pair in self.escapes if text.startswith(pair[0])), (text[0], text[0]))
-            result.append(escape[1])
-            text = text[len(escape[0]):]
-        return "".join(result)
-
-    def text(self, name):
-        return "".join(self.do("text", name))
-
-    def can_use(self, name):
-        return self.do("enabled", name) == ["yes"]
-
-    def row(self, number):
-        return self.do("row", "lvwViewData", number)
-
-    def picture(self, name):
-        folder = os.environ.get("KV_PICTURES")
-        if folder and not self.gone:
-            bitmap = os.path.join(self.machine.folder, "picture.bmp")
-            shown = None
-            while shown is None or shown != open(bitmap, "rb").read():  # until nothing is left to paint
-                shown = open(bitmap, "rb").read() if shown is not None else b""
-                time.sleep(0.3)
-                self.do("picture", self.machine.native(bitmap))
-            target = os.path.join(folder, name + ".png")
-            subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", target], check=True)
-
-    def close(self):
-        self.do("close")
-        self.gone = True
-
-    def leave(self):
-        self.process.stdin.close()
-        self.process.wait(60)
-        self.process.stdout.close()
-
-
-class ConsolePair(unittest.TestCase):
-    dev_server = binaries = None
-
-    def setUp(self):
-        self.folder = fresh_folder()
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
-        self.machine = Machine(self.binaries, os.path.join(self.folder, "m"), wine=True, screen=True)
-        self.data = {}
-        self.a, self.b = (self.start_server(name) for name in ("a", "b"))
-
-    def start_server(self, name):
-        server = DevServer(self.dev_server, os.path.join(self.folder, name), self.machine.drives()).start()
-        self.addCleanup(server.stop)
-        self.data[server] = os.path.join(self.folder, name, "data")
-        os.mkdir(self.data[server])
-        return server
-
-    def install(self, server, version):
-        def path(which):
-            return self.machine.native(self.data[which])
-        values = {"server": server.name, "servera": self.a.name, "serverb": self.b.name, "userid": USER,
-                  "userida": USER, "useridb": USER, "password": PASSWORD, "passworda": PASSWORD, "passwordb": PASSWORD,
-                  "datapath": path(server), "datapatha": path(self.a), "datapathb": path(self.b),
-                  "uncrepldatapath": path(server), "uncrepldatapatha": path(self.a), "uncrepldatapathb": path(self.b)}
-        folder = os.path.join(TOP, "samples", "sqlscripts", version)
-        install_by_pymssql(server, folder, (*TEMPLATES, "Create_Replication_Stored_Procedures"), values)
-
-    def at_the_console(self):
-        """A console in whose first tab both servers are told."""
-        person = Person(self.machine, self.binaries)
-        self.addCleanup(person.leave)
-        self.addCleanup(person.picture, "pair-at-the-end")
-        for index, server in enumerate((self.a, self.b)):
-            for box, text in (("edtServerName", server.name), ("edtUserID", USER), ("edtPassword", PASSWORD),
-                              ("edtSQLDataPath", self.machine.native(self.data[server]))):
-                person.do("fill", f"{box}.{index}", text)
-        return person
-
-    def becomes(self, ask, wanted):
-        """What the console comes to show, within a generous time."""
-        seen = []
-        try:
-            wait_for(lambda: seen.append(ask()) or seen[-1] == wanted, 20)
-        except RuntimeError:
-            self.assertEqual(seen[-1], wanted)
-
-    def comes_back(self, person, button):
-        self.becomes(lambda: person.can_use(button), True)
-        self.becomes(lambda: person.do("focus", button), ["yes"])
-
-    def told(self):
-        """The log, without what is not in the registry."""
-        return [line for line in self.machine.log_lines() if " : Error in mRegistry::" not in line]
-
-    def files(self, server):
-        return sorted(os.listdir(self.data[server]))
-
+class ConsolePair(ConsoleTest):
     def test_RenamesUpgradesRemovesSynchronisesAndReplicates(self):
         self.install(self.a, "v1")
         self.a.ask(FIRST_BATCH, "Batch")
@@ -202,7 +66,7 @@ class ConsolePair(unittest.TestCase):
             person.do("fill", "cboUpgradeDatabaseDest", "Batch")
             person.picture("pair-upgrade")
             person.do("click", "cmdUpgrade")
-            wait_for(lambda: self.a.column("SELECT BatchName FROM dbo.Batches", "Batch") == ["B-1"], 60)
+            wait_for(lambda: self.a.column("SELECT BatchName FROM dbo.Batches", "Batch") == ["B-1"], LONGEST)
             self.comes_back(person, "cmdUpgrade")
 
         with self.subTest("remove"):
@@ -218,13 +82,13 @@ class ConsolePair(unittest.TestCase):
                 person.do("choose", box, "Batch")
             person.picture("pair-synchronize")
             person.do("click", "cmdSynchronize")
-            wait_for(lambda: self.b.column("SELECT BatchName FROM dbo.Batches", "Batch") == ["B-1"], 60)
+            wait_for(lambda: self.b.column("SELECT BatchName FROM dbo.Batches", "Batch") == ["B-1"], LONGEST)
             self.comes_back(person, "cmdSynchronize")
             self.b.ask("UPDATE dbo.Batches SET BatchName = N'B-1 of B'", "Batch")
             person.do("click", "optSynchronizeSourceServer.1")
             self.becomes(lambda: person.do("checked", "optSynchronizeSourceServer.1"), ["yes"])
             person.do("click", "cmdSynchronize")
-            wait_for(lambda: self.a.column("SELECT BatchName FROM dbo.Batches", "Batch") == ["B-1 of B"], 60)
+            wait_for(lambda: self.a.column("SELECT BatchName FROM dbo.Batches", "Batch") == ["B-1 of B"], LONGEST)
             self.comes_back(person, "cmdSynchronize")
             self.becomes(lambda: person.text("lblStatus"), "")
 
@@ -250,11 +114,6 @@ class ConsolePair(unittest.TestCase):
             self.becomes(lambda: person.do("checked", "chkUseSQLServerReplication"), ["yes"])
         person.close()
         self.assertEqual(self.told(), [])
-
-    def prepare(self, statements):
-        with self.a.connect() as connection, connection.cursor() as cursor:
-            for statement in statements:
-                cursor.execute(statement)
 
     def test_BrowsesTablesAndRunsProcedures(self):
         self.prepare(PROBE)

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "console/main_form_design.h"
+#include "far_controls.h"
 #include "ui/form.h"
 #include "ui/windows/hands.h"
 
@@ -50,8 +51,9 @@ class Walk {
         STARTUPINFOA start{};
         start.cb = sizeof start;
         std::string line = "\"" + program + "\"";
-        ::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                         &process_);
+        Require(::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                                 &process_) != 0,
+                "the program starts");
         Require(hands::WaitFor([this] {
                     window_ = ::FindWindowA("KVForm", nullptr);
                     return window_ != nullptr && ::IsWindowVisible(window_) != 0;
@@ -68,7 +70,7 @@ class Walk {
     }
 
     void FetchSettings(const std::string& server, const std::string& data_folder) {
-        hands::Click(Native("cmdGetLocalSettings"));
+        far_controls::Click(Native("cmdGetLocalSettings"));
         Require(Becomes("edtServerName", 0, server), "the local settings name the server");
         // The box of the data path gets the focus with its text selected: typing is enough.
         const HWND box = Native("edtSQLDataPath", 0);
@@ -80,31 +82,33 @@ class Walk {
 
     void PickScriptFolder(const std::string& folder) {
         const HWND box = Native("edtScriptFolder");
-        hands::Click(box);
+        far_controls::Click(box);
         Require(hands::WaitFor([this, box] { return hands::FocusIn(window_) == box; }),
                 "the script folder has the focus");
         hands::Type(folder);
         Require(Becomes("edtScriptFolder", ui::kNoIndex, folder), "the script folder is typed");
-        hands::Click(Native("cmdBrowseForScriptFolder"));
+        far_controls::Click(Native("cmdBrowseForScriptFolder"));
         const HWND dialog = Box("the tree of folders opens");
         const HWND tree = hands::Child(dialog, kTreeId);
-        hands::WaitFor([tree] {
-            const LRESULT chosen = ::SendMessageA(tree, TVM_GETNEXTITEM, TVGN_CARET, 0);
-            return chosen != 0 && chosen != ::SendMessageA(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0);
-        });
-        hands::Click(::GetDlgItem(dialog, IDOK));
+        const std::string name = folder.substr(folder.rfind('\\') + 1);
+        Require(hands::WaitFor([this, tree, &name] {
+                    return far_controls::SelectedInTree(process_.hProcess, tree) == name;
+                }),
+                "it opens at the folder " + name);
+        far_controls::Click(::GetDlgItem(dialog, IDOK));
         Require(hands::WaitFor([dialog] { return ::IsWindow(dialog) == 0; }), "the folder is picked");
         const bool same = Becomes("edtScriptFolder", ui::kNoIndex, folder);
         Require(same, "it is the one that the tree opened at: " + hands::Text(box));
     }
 
     void InstallAll() {
-        hands::Activate(window_);
+        Require(hands::Activate(window_), "the window is in front");
         hands::Press(VK_TAB, {VK_CONTROL});
-        const HWND page = Native("fraMainTab", kv::kScriptTab);
-        Require(
-            hands::WaitFor([page] { return ::IsWindowVisible(page) != 0 && ::IsWindowEnabled(page) != 0; }),
-            "the Script tab opens");
+        Require(hands::WaitFor([this] {
+                    const HWND page = Look("fraMainTab", kv::kScriptTab);
+                    return page != nullptr && ::IsWindowVisible(page) != 0 && ::IsWindowEnabled(page) != 0;
+                }),
+                "the Script tab opens");
         for (const char* box :
              {"chkCreateInstallBatchDatabase", "chkCreateInstallBatchStoredProcedures",
               "chkCreateInstallBatchDefaultData", "chkStandardSynchronize", "chkUpgradeDatabaseV1ToV2",
@@ -114,7 +118,7 @@ class Walk {
         }
         Tick(Native("optCreateInstallScriptFiles", 1), "Create and Install");
         const HWND status = Native("lblStatus");
-        hands::Click(Native("cmdCreateInstall"));
+        far_controls::Click(Native("cmdCreateInstall"));
         Require(hands::WaitFor([status] { return hands::Caption(status) == "Installation completed..."; },
                                kLongest),
                 "the status line says Installation completed...");
@@ -125,29 +129,37 @@ class Walk {
     }
 
     void ListPackages() {
-        hands::Click(Native("cmdGetInstalledPackages"));
+        far_controls::Click(Native("cmdGetInstalledPackages"));
         const HWND box = Box("a box lists the packages");
         constexpr int kTextId = 0xFFFF;
         std::printf("%s\n", hands::Text(hands::Child(box, kTextId)).c_str());
-        hands::Activate(box);
+        Require(hands::Activate(box), "the box is in front");
         hands::Press(VK_RETURN);
         Require(hands::WaitFor([box] { return ::IsWindow(box) == 0; }), "the box is answered");
     }
 
     void Close() {
-        hands::Click(Native("cmdClose"));
+        far_controls::Click(Native("cmdClose"));
         Require(::WaitForSingleObject(process_.hProcess, 60000) == WAIT_OBJECT_0, "the program ends");
     }
 
   private:
-    HWND Native(const char* name, int index = ui::kNoIndex) const {
+    /// Null as long as the form has not made it: a page's controls are made when its tab is first shown.
+    HWND Look(const char* name, int index) const {
         return hands::Child(window_, tree_.Find(name, index)->Id());
+    }
+    HWND Native(const char* name, int index = ui::kNoIndex) const {
+        const HWND native = Look(name, index);
+        if (native == nullptr) {
+            throw std::runtime_error(std::string("was not shown yet: ") + name);
+        }
+        return native;
     }
     bool Becomes(const char* name, int index, const std::string& text) const {
         return hands::WaitFor([&] { return hands::Text(Native(name, index)) == text; });
     }
     static void Tick(HWND box, const std::string& name) {
-        hands::Click(box);
+        far_controls::Click(box);
         Require(hands::WaitFor([box] { return ::SendMessageA(box, BM_GETCHECK, 0, 0) == BST_CHECKED; }),
                 "ticked: " + name);
     }
@@ -173,6 +185,7 @@ int main(int argc, char** argv) {
         std::puts("usage: console_walk PROGRAM SERVER DATA_FOLDER SCRIPT_FOLDER");
         return 2;
     }
+    std::setvbuf(stdout, nullptr, _IONBF, 0); // what was seen is told, whatever comes of the rest
     try {
         Walk walk(argv[1]);
         walk.FetchSettings(argv[2], argv[3]);

@@ -4,10 +4,10 @@
 import os
 import shlex
 import shutil
-import subprocess
 import sys
 import unittest
 
+from console_person import run_on_screen
 from plant import PACKAGES, PASSWORD, TEMPLATES, RUNNER, TOP, USER, DevServer, Machine, fresh_folder, set_up
 
 SETTINGS = "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr"
@@ -42,9 +42,7 @@ class ConsoleWalk(unittest.TestCase):
         command = set_up(*steps, ("regsvr32", "/s", library)) + " && " + copy
         command += " && " + shlex.join(walk) + "; walked=$?; "
         command += set_up(steps[-1], ("regsvr32", "/s", "/u", library)) + "; exit $walked"
-        return subprocess.run([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command],
-                              env=machine.wine_environment(), stdin=subprocess.DEVNULL, capture_output=True, text=True,
-                              errors="replace", timeout=600, cwd=machine.install)
+        return run_on_screen(machine, command, 600)
 
     def test_installs_everything_by_clicks(self):
         # Packages can be chosen by hand below version 12 alone.
@@ -65,5 +63,5 @@ class ConsoleWalk(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    ConsoleWalk.dev_server, ConsoleWalk.binaries = sys.argv[1:3]
+    ConsoleWalk.dev_server, ConsoleWalk.binaries = map(os.path.abspath, sys.argv[1:3])
     unittest.main(argv=sys.argv[:1] + sys.argv[3:])

@@ -1,5 +1,9 @@
 #include "far_controls.h"
 
+#include <stdexcept>
+
+#include "ui/windows/hands.h"
+
 #include <commctrl.h>
 
 namespace far_controls {
@@ -39,6 +43,33 @@ class FarPiece {
 
 } // namespace
 
+void ClickAt(HWND window, int x, int y) {
+    constexpr std::chrono::milliseconds kRest{30};
+    POINT place{x, y};
+    ::ClientToScreen(window, &place);
+    auto since = std::chrono::steady_clock::now();
+    ::SetCursorPos(place.x, place.y);
+    const bool rests = hands::WaitFor([&] {
+        POINT now{};
+        ::GetCursorPos(&now);
+        if (now.x != place.x || now.y != place.y) {
+            ::SetCursorPos(place.x, place.y);
+            since = std::chrono::steady_clock::now();
+        }
+        return std::chrono::steady_clock::now() - since > kRest;
+    });
+    if (!rests) {
+        throw std::runtime_error("the pointer does not come to rest");
+    }
+    hands::ClickAt(window, x, y);
+}
+
+void Click(HWND window) {
+    RECT client{};
+    ::GetClientRect(window, &client);
+    ClickAt(window, client.right / 2, client.bottom / 2);
+}
+
 RECT TabPlace(HANDLE process, HWND tabs, int tab) {
     const FarPiece<RECT> piece(process);
     RECT place{};
@@ -74,6 +105,19 @@ std::vector<std::string> Row(HANDLE process, HWND list_view, int row, int column
         texts.push_back(piece.Text());
     }
     return texts;
+}
+
+std::string SelectedInTree(HANDLE process, HWND tree) {
+    const FarPiece<TVITEMA> piece(process);
+    TVITEMA item{};
+    item.hItem = reinterpret_cast<HTREEITEM>(::SendMessageA(tree, TVM_GETNEXTITEM, TVGN_CARET, 0));
+    item.mask = TVIF_TEXT;
+    item.pszText = piece.TextPlace();
+    item.cchTextMax = static_cast<int>(kLongestText);
+    if (item.hItem == nullptr || piece.Send(tree, TVM_GETITEMA, 0, item) == 0) {
+        return {};
+    }
+    return piece.Text();
 }
 
 } // namespace far_controls

@@ -1,5 +1,6 @@
-// What stands in the list views and tab strips of another process. Their messages hand over pointers, which
-// mean nothing there: what they point to is put into the other process's memory and fetched from it.
+// Clicks into the windows of another process, and what stands in its list views, trees and tab strips. Their
+// messages hand over pointers, which mean nothing there: what they point to is put into the other process's
+// memory and fetched from it.
 #pragma once
 
 #include <string>
@@ -9,6 +10,13 @@
 
 namespace far_controls {
 
+/// Clicks there, in the window's client area, once the pointer has come to rest: the display tells the other
+/// process of a move late, and of the one before it as well, and a button that the pointer seems to leave
+/// while it is down is not pressed. Throws if the pointer does not come to rest.
+void ClickAt(HWND window, int x, int y);
+/// In the middle of the window.
+void Click(HWND window);
+
 /// Where a tab of the strip is, in the strip's client area. `process` needs the right to its memory, here and
 /// below.
 RECT TabPlace(HANDLE process, HWND tabs, int tab);
@@ -17,5 +25,8 @@ std::vector<std::string> Headers(HANDLE process, HWND list_view);
 
 /// The cells of one row, counted from 0; nothing of a text behind its 259th character.
 std::vector<std::string> Row(HANDLE process, HWND list_view, int row, int columns);
+
+/// The text of the item that is selected in a tree; "" if there is none.
+std::string SelectedInTree(HANDLE process, HWND tree);
 
 } // namespace far_controls

@@ -1,0 +1,273 @@
+# The console while its server is killed at work: each command by clicks, on a screen under Wine. The message box shows
+# what the connection reported, the button comes back, and once the server runs again so does the command.
+#
+#   console_kill_test.py DEVSQLSERVER BIN_FOLDER
+import os
+import sys
+import unittest
+
+from console_person import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest
+from console_wire import HERE, Wire
+from plant import wait_for
+
+# A procedure that tells in a table that it runs, and does not end when it is called for the first time.
+ENDLESS = ("CREATE PROCEDURE {0} {1} AS INSERT INTO dbo.Calls VALUES (N'{0}') "
+           "IF (SELECT COUNT(*) FROM dbo.Calls WHERE Name = N'{0}') = 1 WAITFOR DELAY '01:00:00' {2}")
+VERSIONED = [
+    "CREATE DATABASE {0}",
+    "USE {0}",
+    "CREATE TABLE LKConfig (ParameterName nvarchar(50) NOT NULL, Value nvarchar(50) NULL)",
+    "INSERT INTO LKConfig VALUES (N'DatabaseVersion', N'{1}')",
+    "CREATE TABLE Calls (Name sysname NOT NULL)",
+]
+OLDER = [statement.format("Older", 1) for statement in VERSIONED] + [
+    ENDLESS.format("spEndless", "", "SELECT 'ended' AS Word"),
+    ENDLESS.format("spInstallReplication", "", "EXEC msdb.dbo.sp_add_job @job_name = N'distribution', "
+                                               "@category_name = N'REPL-Distribution'"),
+    ENDLESS.format("spStdSynchronize", ", ".join(f"@p{i} sysname" for i in range(10)), ""),
+    ENDLESS.format("spUninstallReplication", "", "EXEC msdb.dbo.sp_delete_job @job_name = N'distribution'"),
+]
+NEWER = [statement.format("Newer", 2) for statement in VERSIONED] + [
+    "CREATE TABLE Last (Number int NOT NULL)",
+    "CREATE PROCEDURE spUninstallReplication AS SET NOCOUNT ON",
+    ENDLESS.format("spUpgradeDatabase", "@from int, @to int, " + ", ".join(f"@p{i} sysname" for i in range(4)), ""),
+]
+SPARE = ["CREATE DATABASE Spare ON (NAME = Spare_data, FILENAME = '{0}\\Spare_data.mdf') "
+         "LOG ON (NAME = Spare_log, FILENAME = '{0}\\Spare_log.ldf')"]
+
+
+def record(text, native, state):
+    return f"Error:\t-2147467259\r\nDesc:\t[FreeTDS][SQL Server]{text}\r\n\t{native}\r\n\tSQL Server\r\n\t{state}\r\n"
+
+
+# What a connection reports that ends, and one that cannot be made.
+LOST = record("Unexpected EOF from the server", 20017, "08S01")
+REFUSED = (record("Unable to connect: Adaptive Server is unavailable or does not exist", 20009, "08S01") +
+           "\r\n----------------------------------------------\r\n\r\n" +
+           record("Unable to connect to data source", 0, "08001"))
+
+
+class ConsoleKill(ConsoleTest):
+    def setUp(self):
+        super().setUp()
+        self.wire = Wire()
+        self.addCleanup(self.wire.close)
+        self.wire.up(self.a.port)
+        for statements in (OLDER, NEWER, [line.format(self.machine.native(self.data[self.a])) for line in SPARE]):
+            self.prepare(statements)
+        self.person = self.at_the_console()
+
+    def told_name(self, server):
+        return f"{HERE},{self.wire.port}" if server is self.a else server.name
+
+    def calls(self, database, procedure):
+        return self.a.column("SELECT Name FROM dbo.Calls", database).count(procedure)
+
+    def called(self, database, procedure, times):
+        wait_for(lambda: self.calls(database, procedure) == times, LONGEST)
+
+    def in_call(self, database, procedure):
+        """Waits until the server runs the procedure for the first time."""
+        return lambda: self.called(database, procedure, 1)
+
+    def at(self, statement):
+        """Waits until the program has sent the statement, which does not reach the server."""
+        held = self.wire.hold(statement)
+        return lambda: self.assertTrue(held.wait(LONGEST), f"not sent: {statement}")
+
+    def killed(self, at_work, order, boxes=(LOST,)):
+        """Gives the order and kills the server once it is at work on it; answers the boxes that come."""
+        words = self.person.begin(*order)
+        at_work()
+        self.wire.down()
+        self.a.kill()
+        self.person.finish(words)
+        for text in boxes:
+            self.assertEqual(self.person.do("box"), ["KVLSQLDbMgr", text], order)
+            self.person.do("answer")
+
+    def run_again(self):
+        self.a.port = 0
+        self.wire.up(self.a.start().port)
+
+    def items_become(self, name, wanted):
+        self.becomes(lambda: self.person.do("items", name), wanted)
+
+    def cannot_be_used(self, name):
+        self.becomes(lambda: self.person.can_use(name), False)
+
+    def databases_become(self, name, known):
+        self.becomes(lambda: "Older" in self.person.do("items", name), known)
+
+    def test_EachCommandOutlivesItsServer(self):
+        self.synchronize()
+        self.upgrade()
+        self.replicate()
+        self.view_data()
+        self.run_procedures()
+        self.person.close()
+
+    def synchronize(self):
+        person = self.person
+        person.do("tab", SYNCHRONIZE)
+        person.do("choose", "cboSynchronizeSourceDatabase", "Older")
+        self.killed(self.in_call("Older", "spStdSynchronize"), ("click", "cmdSynchronize"))
+        self.comes_back(person, "cmdSynchronize")
+        self.run_again()
+        person.do("click", "cmdSynchronize")
+        self.called("Older", "spStdSynchronize", 2)
+        self.comes_back(person, "cmdSynchronize")
+
+    def upgrade(self):
+        """Rename, upgrade and remove; each refreshes the lists at its end, which are empty without a server."""
+        person = self.person
+        person.do("tab", UPGRADE)
+        person.do("choose", "cboRenameDatabase", "Spare")
+        person.do("fill", "edtRenameNewDatabase", "Spare2")
+        self.killed(self.at("MODIFY NAME"), ("click", "cmdRename"), (REFUSED, LOST))
+        self.lists_come_back("cmdRename")
+        person.do("choose", "cboRenameDatabase", "Spare")
+        person.do("click", "cmdRename")
+        self.becomes(lambda: "Spare2" in person.do("items", "cboRenameDatabase"), True)
+        self.comes_back(person, "cmdRename")
+        self.assertEqual(self.files(self.a), ["Spare2_data.mdf", "Spare2_log.ldf"])
+
+        person.do("choose", "cboUpgradeDatabaseSource", "Older")
+        person.do("fill", "cboUpgradeDatabaseDest", "Newer")
+        self.killed(self.in_call("Newer", "spUpgradeDatabase"), ("click", "cmdUpgrade"), (REFUSED, LOST))
+        self.lists_come_back("cmdUpgrade")
+        person.do("choose", "cboUpgradeDatabaseSource", "Older")
+        person.do("click", "cmdUpgrade")
+        self.called("Newer", "spUpgradeDatabase", 2)
+        self.comes_back(person, "cmdUpgrade")
+
+        person.do("choose", "cboRemoveDatabase", "Spare2")
+        self.killed(self.at("DROP DATABASE"), ("click", "cmdRemove"), (REFUSED, LOST))
+        self.lists_come_back("cmdRemove")
+        person.do("choose", "cboRemoveDatabase", "Spare2")
+        person.do("click", "cmdRemove")
+        self.becomes(lambda: "Spare2" in person.do("items", "cboRemoveDatabase"), False)
+        self.comes_back(person, "cmdRemove")
+        self.assertEqual(self.files(self.a), [])
+
+    def lists_come_back(self, button):
+        """Behind a kill on the Upgrade tab: the button at once, the lists when the server runs and the tab is opened."""
+        self.comes_back(self.person, button)
+        self.items_become("cboRemoveDatabase", [])
+        self.run_again()
+        self.person.do("tab", SYNCHRONIZE)
+        self.person.do("tab", UPGRADE)
+        self.databases_become("cboRemoveDatabase", True)
+
+    def replicate(self):
+        self.person.do("tab", REPLICATION)
+        # The tab asks for the status as well, and the label tells when it has done so.
+        self.becomes(lambda: "activated for" in self.person.text("lblSQLServerReplicationStatus"), True)
+        self.killed(self.at("sysjobs"), ("choose", "cboSQLReplicationDatabase", "Older"))
+        self.status_comes_back("not ")
+        self.killed(self.in_call("Older", "spInstallReplication"), ("click", "cmdInstallReplication"), (REFUSED, LOST))
+        self.status_comes_back("not ")
+        self.person.do("click", "cmdInstallReplication")
+        self.status_becomes("Transaction replication is activated for the SQL Server database 'Older'.")
+        self.killed(self.in_call("Older", "spUninstallReplication"), ("click", "cmdUninstallReplication"),
+                    (REFUSED, LOST))
+        self.status_comes_back("")
+        self.person.do("click", "cmdUninstallReplication")
+        self.status_becomes("Transaction replication is not activated for the SQL Server database 'Older'.")
+
+    def status_becomes(self, text):
+        self.becomes(lambda: self.person.text("lblSQLServerReplicationStatus"), text)
+
+    def status_comes_back(self, word):
+        """Behind a kill on the Replication tab: no button can be used before the status is known again."""
+        person = self.person
+        self.status_becomes("Replication status for database 'Older' could not be retieved from the SQL Server!")
+        self.cannot_be_used("cmdInstallReplication")
+        self.cannot_be_used("cmdUninstallReplication")
+        self.run_again()
+        for database in ("Newer", "Older"):
+            person.do("choose", "cboSQLReplicationDatabase", database)
+            self.status_becomes(f"Transaction replication is {word}activated for the SQL Server database '{database}'.")
+
+    def list_databases(self, tab, option, combo):
+        """On a tab whose list of databases follows the choice of a server."""
+        person = self.person
+        person.do("tab", tab)
+        self.databases_become(combo, True)
+        person.do("click", option + ".1")
+        self.databases_become(combo, False)
+        self.killed(self.at("sp_helpdb"), ("click", option + ".0"))
+        self.items_become(combo, [])
+        self.run_again()
+        person.do("click", option + ".1")
+        self.becomes(lambda: "master" in person.do("items", combo), True)
+        person.do("click", option + ".0")
+        self.databases_become(combo, True)
+
+    def view_data(self):
+        person = self.person
+        self.list_databases(VIEW_DATA, "optViewDataCurrentServer", "cboViewDataDatabase")
+        self.killed(self.at("INFORMATION_SCHEMA"), ("choose", "cboViewDataDatabase", "Older"))
+        self.items_become("lstViewDataTables", [])
+        self.cannot_be_used("lstViewDataTables")
+        self.run_again()
+        for database, tables in (("Newer", ["LKConfig", "Calls", "Last"]), ("Older", ["LKConfig", "Calls"])):
+            person.do("choose", "cboViewDataDatabase", database)
+            self.items_become("lstViewDataTables", tables)
+        self.becomes(lambda: person.can_use("lvwViewData"), True)
+        self.killed(self.at("SELECT * FROM Calls"), ("choose", "lstViewDataTables", "Calls"))
+        self.becomes(lambda: person.do("headers", "lvwViewData"), [])
+        self.cannot_be_used("lvwViewData")
+        self.run_again()
+        for table, headers in (("LKConfig", ["ParameterName", "Value"]), ("Calls", ["Name"])):
+            person.do("choose", "lstViewDataTables", table)
+            self.becomes(lambda: person.do("headers", "lvwViewData"), headers)
+            self.becomes(lambda: person.can_use("lvwViewData"), True)
+        self.becomes(lambda: person.row(0), ["spStdSynchronize"])
+
+    def run_procedures(self):
+        person = self.person
+        self.list_databases(STORED_PROC, "optStoredProcCurrentServer", "cboStoredProcDatabase")
+        self.killed(self.at("sp_stored_procedures"), ("choose", "cboStoredProcDatabase", "Older"))
+        self.items_become("cboStoredProcedure", [])
+        self.cannot_be_used("cboStoredProcedure")
+        self.run_again()
+        for database, last in (("Newer", "spUpgradeDatabase"), ("Older", "spUninstallReplication")):
+            person.do("choose", "cboStoredProcDatabase", database)
+            self.becomes(lambda: person.do("items", "cboStoredProcedure")[-1:], [last])
+        self.killed(self.at("sp_helptext 'spStdSynchronize'"), ("choose", "cboStoredProcedure", "spStdSynchronize"))
+        self.becomes(lambda: person.text("edtStoredProcedure"), "")
+        self.run_again()
+        person.do("choose", "cboStoredProcedure", "spEndless")
+        self.becomes(lambda: "CREATE PROCEDURE spEndless" in person.text("edtStoredProcedure"), True)
+        self.run_in_dialog()
+
+    def run_in_dialog(self):
+        person = self.person
+        self.killed(self.at("sp_sproc_columns"), ("click", "cmdExecute"))
+        person.do("form", "dialog")
+        self.parameters_come_back()
+        self.killed(self.at("sp_sproc_columns"), ("click", "cmdReload"))
+        self.parameters_come_back()
+        self.killed(self.in_call("Older", "spEndless"), ("click", "cmdExecute"))
+        self.cannot_be_used("lvwViewData")
+        self.comes_back(person, "cmdExecute")
+        self.run_again()
+        person.do("click", "cmdExecute")
+        self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
+        self.becomes(lambda: person.can_use("lvwViewData"), True)
+        self.becomes(lambda: person.row(0), ["ended"])
+        person.do("click", "cmdClose")
+        person.do("form", "main")
+
+    def parameters_come_back(self):
+        self.items_become("lstParameters", [])
+        self.cannot_be_used("lstParameters")
+        self.run_again()
+        self.person.do("click", "cmdReload")
+        self.items_become("lstParameters", ["@RETURN_VALUE"])
+
+
+if __name__ == "__main__":
+    ConsoleKill.dev_server, ConsoleKill.binaries = map(os.path.abspath, sys.argv[1:3])
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:])

@@ -1,0 +1,64 @@
+# Between a client and a server: hands on what they say, stops in front of a chosen statement, and goes down and up with
+# the server. Its port stays the same, whatever the server's is.
+import contextlib
+import select
+import socket
+import threading
+
+HERE = "127.0.0.1"
+
+
+class Wire:
+    def __init__(self):
+        # Bound and never listened at, this keeps the port from others while the wire is down, and nobody is refused in
+        # the name of another server.
+        self.keeper = socket.socket()
+        self.keeper.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        self.keeper.bind((HERE, 0))
+        self.port = self.keeper.getsockname()[1]
+        self.listener = self.held = self.statement = None
+
+    def up(self, server_port):
+        self.listener = socket.create_server((HERE, self.port), backlog=16)
+        threading.Thread(target=self._accept, args=(self.listener, server_port), daemon=True).start()
+
+    def down(self):
+        """Clients are refused from now on; a link that stands ends with its server."""
+        if self.listener is not None:
+            self.listener.shutdown(socket.SHUT_RDWR)  # which wakes who waits for clients
+            self.listener.close()
+            self.listener = None
+
+    def close(self):
+        self.down()
+        self.keeper.close()
+
+    def hold(self, statement):
+        """The next message of a client that holds this text goes no further; the event that it has come."""
+        self.held, self.statement = threading.Event(), statement.encode("utf-16-le")
+        return self.held
+
+    def _accept(self, listener, server_port):
+        with contextlib.suppress(OSError):
+            while True:
+                client = listener.accept()[0]
+                threading.Thread(target=self._link, args=(client, server_port), daemon=True).start()
+
+    def _link(self, client, server_port):
+        with contextlib.suppress(OSError), client, socket.create_connection((HERE, server_port)) as server:
+            other = {client: server, server: client}
+            watched, before = [client, server], b""
+            while True:
+                for end in select.select(watched, [], [])[0]:
+                    data = end.recv(65536)
+                    if not data:
+                        return
+                    if end is client:
+                        # A statement may come in two pieces.
+                        if self.statement and self.statement in before[1 - len(self.statement):] + data:
+                            self.statement = None
+                            self.held.set()
+                            watched.remove(client)
+                            continue
+                        before = data
+                    other[end].sendall(data)
