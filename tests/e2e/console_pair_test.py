@@ -26,7 +26,7 @@ PROBE = [
     "SELECT Number INTO Rows32767 FROM Rows32768 WHERE Number <= 32767",
     "SELECT Number INTO Rows32766 FROM Rows32768 WHERE Number <= 32766",
     "CREATE PROCEDURE spDirections @In int, @Text nvarchar(40), @Double int OUTPUT AS SET @Double = @Double * 2 "
-    "SELECT @In AS Given, @Text AS Said RETURN 7",
+    "SELECT @In AS Given, @Text AS Said, @Double AS Doubled RETURN 7",
     "CREATE PROCEDURE spEqualNames AS SELECT 1 AS Same, 2 AS Same, 3 SELECT 'second' AS Behind",
     "CREATE PROCEDURE spFails AS RAISERROR (N'The valve is stuck.', 16, 1)",
     "CREATE PROCEDURE spNothing AS SET NOCOUNT ON INSERT INTO NoRows VALUES (5, N'five') DELETE FROM NoRows",
@@ -133,9 +133,9 @@ class ConsolePair(ConsoleTest):
                                       person.can_use("lvwViewData")), (headers, [str(rows)], usable))
                 person.picture("pair-view-" + table)
                 if table == "Rows32766":
-                    self.assertEqual(person.row(32765), ["32766"])
-        self.assertEqual([person.row(number) for number in (0, 1)],
-                         [["Müller", "1", "first"], ["(Null)", "2", "(Null)"]])
+                    self.becomes(lambda: person.row(32765), ["32766"])
+        self.becomes(lambda: [person.row(number) for number in (0, 1)],
+                     [["Müller", "1", "first"], ["(Null)", "2", "(Null)"]])
         self.assertEqual([line.split("lstViewDataTables_Click")[0] for line in self.told()],
                          [" : Error in frmMain::"] * 2)
         self.run_procedures(person)
@@ -169,7 +169,7 @@ class ConsolePair(ConsoleTest):
                     self.becomes(lambda: any("'spNothing')" in line for line in self.told()), True)
                 if row:
                     self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
-                    self.assertEqual(person.row(0), row)
+                    self.becomes(lambda: person.row(0), row)
                 person.picture("pair-dialog-" + name)
                 person.do("click", "cmdClose")
                 person.do("form", "main")
@@ -191,12 +191,17 @@ class ConsolePair(ConsoleTest):
             person.do("choose", "lstParameters", name)
             self.becomes(lambda: (person.text("edtDirection"), person.text("edtDataType")), (direction, kind))
             person.do("fill", "edtValue", value)
-        person.do("click", "cmdExecute")
-        self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
-        self.assertEqual(person.do("headers", "lvwViewData"), ["Given", "Said"])
-        self.assertEqual(person.row(0), ["12", "Valve 3"])
+        # Choosing another one takes over what the box holds: done now, it does not hide what comes back of the call.
         person.do("choose", "lstParameters", parameters[0])
         self.becomes(lambda: person.text("edtDirection"), "Return value")
+        person.do("click", "cmdExecute")
+        self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
+        self.assertEqual(person.do("headers", "lvwViewData"), ["Given", "Said", "Doubled"])
+        self.becomes(lambda: person.row(0), ["12", "Valve 3", "42"])
+        # The parameters are read from the server anew behind the call, without values.
+        for name, direction in (("@Double", "Input/Output"), (parameters[0], "Return value")):
+            person.do("choose", "lstParameters", name)
+            self.becomes(lambda: (person.text("edtDirection"), person.text("edtValue")), (direction, ""))
         person.picture("pair-dialog")
         person.do("click", "cmdClose")
         person.do("form", "main")
@@ -204,4 +209,4 @@ class ConsolePair(ConsoleTest):
 
 if __name__ == "__main__":
     ConsolePair.dev_server, ConsolePair.binaries = map(os.path.abspath, sys.argv[1:3])
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:], failfast=True)  # what follows a failure would wait in vain
