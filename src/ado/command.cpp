@@ -62,12 +62,13 @@ class CatalogueRow {
         return known ? kDirections[static_cast<std::size_t>(kind)] : adParamUnknown;
     }
     /// True if the row is of the procedure with this name. Its number stands behind the name, in most
-    /// drivers.
+    /// drivers; a function, which the catalogue of procedures has too, is number 0.
     bool IsOf(const ProcedureName& wanted) const {
         const std::string listed = Text(kProcedureName);
         const std::size_t end = listed.rfind(';');
         const std::string number = end == std::string::npos ? "1" : listed.substr(end + 1);
-        return SameName(listed.substr(0, end), wanted.name) && number == wanted.number &&
+        return SameName(listed.substr(0, end), wanted.name) &&
+               (number == "0" ? "1" : number) == wanted.number &&
                (wanted.owner.empty() || SameName(Text(kOwner), wanted.owner));
     }
 

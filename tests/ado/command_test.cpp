@@ -162,6 +162,12 @@ TEST_F(AdoCommand, TheNameIsTakenApartForTheCatalogueAndGoesWholeIntoTheCall) {
     EXPECT_EQ(Counting().last_statement, "{call [guest].[a_b%c];2}");
 }
 
+TEST_F(AdoCommand, AFunctionIsNumberNoneOfItsName) {
+    Parameters& parameters = Refresh({ReturnValue("sp;0"), Row("sp;0", "@n", 1, 4, "int", 10)});
+    ASSERT_EQ(parameters.Count(), 2);
+    EXPECT_EQ(parameters.Item(1).Name(), "@n");
+}
+
 TEST_F(AdoCommand, EmptyValuesAreLeftOutOfTheCall) {
     EXPECT_EQ(CallWith({}), "{? = call sp}");
     EXPECT_EQ(CallWith({"1", "2"}), "{? = call sp(?,?)}");
