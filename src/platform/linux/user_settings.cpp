@@ -26,13 +26,18 @@ std::filesystem::path FolderOf(const std::string& application) {
     return folder.empty() ? std::filesystem::path() : std::filesystem::path(folder) / application;
 }
 
-Lines ReadLines(const std::filesystem::path& file) {
+/// A file that is not there has no lines; nothing for one that cannot be read to its end.
+std::optional<Lines> ReadLines(const std::filesystem::path& file) {
     Lines lines;
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) {
+        return error ? std::nullopt : std::optional(lines);
+    }
     std::ifstream stream(file, std::ios::binary);
     for (std::string line; std::getline(stream, line);) {
         lines.push_back(line);
     }
-    return lines;
+    return stream.eof() ? std::optional(lines) : std::nullopt;
 }
 
 /// Where the section's lines begin and end, its head not counted; nothing if it is not there.
@@ -111,10 +116,10 @@ bool ReplaceFile(const std::filesystem::path& file, const Lines& lines) {
 
 std::string ReadUserSetting(const std::string& application, const std::string& section,
                             const std::string& key, const std::string& otherwise) {
-    const Lines lines = ReadLines(FolderOf(application) / "settings.ini");
-    const auto range = FindSection(lines, section);
-    const auto found = range ? FindKey(lines, *range, key) : std::nullopt;
-    return found ? lines[*found].substr(key.size() + 1) : otherwise;
+    const auto lines = ReadLines(FolderOf(application) / "settings.ini");
+    const auto range = lines ? FindSection(*lines, section) : std::nullopt;
+    const auto found = range ? FindKey(*lines, *range, key) : std::nullopt;
+    return found ? (*lines)[*found].substr(key.size() + 1) : otherwise;
 }
 
 bool WriteUserSetting(const std::string& application, const std::string& section, const std::string& key,
@@ -128,9 +133,12 @@ bool WriteUserSetting(const std::string& application, const std::string& section
         std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
     }
     const std::filesystem::path file = folder / "settings.ini";
-    Lines lines = ReadLines(file);
-    SetLine(lines, section, key, value);
-    return ReplaceFile(file, lines);
+    auto lines = ReadLines(file);
+    if (!lines) {
+        return false; // a new file would hold this one text in the place of all
+    }
+    SetLine(*lines, section, key, value);
+    return ReplaceFile(file, *lines);
 }
 
 } // namespace platform

@@ -5,6 +5,10 @@
 #include <filesystem>
 #include <fstream>
 
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "support/temp_folder.h"
@@ -44,6 +48,27 @@ TEST_F(UserSettingsFile, WhatAPersonHasAddedStays) {
     std::ifstream stream(File());
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
     EXPECT_EQ(text, "; mine\n[Other]\nkey=1\n\n[Settings]\nkey=4\nmore=3\n");
+}
+
+TEST_F(UserSettingsFile, AFileThatCannotBeReadIsNotReplaced) {
+    ASSERT_TRUE(platform::WriteUserSetting("App", "Settings", "key", "1"));
+    fs::permissions(folder_.Path(), fs::perms{0777});
+    fs::permissions(File().parent_path(), fs::perms{0777});
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // Without root's rights: the file is its user's alone, the folder is everybody's.
+        constexpr uid_t kNobody = 65534;
+        const bool dropped = ::geteuid() != 0 ? ::chmod(File().c_str(), 0) == 0
+                                              : ::setegid(kNobody) == 0 && ::seteuid(kNobody) == 0;
+        const bool kept = !platform::WriteUserSetting("App", "Settings", "other", "2") &&
+                          platform::ReadUserSetting("App", "Settings", "key", "none") == "none";
+        ::_exit(dropped && kept ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    fs::permissions(File(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(platform::ReadUserSetting("App", "Settings", "key", "none"), "1");
 }
 
 TEST_F(UserSettingsFile, AFolderThatCannotBeMadeIsAFailureWithoutNoise) {
