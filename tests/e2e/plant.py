@@ -100,7 +100,7 @@ class DevServer:
 
 def set_up(*steps):
     """For the shell: these programs under Wine, one after the other, each once more if it fails: they make the ground
-    of a test and are not what it shows, and Wine's own programs once in hundreds of starts do not start."""
+    of a test and are not what it shows, and a start can fail (tests/run-under-wine tells how)."""
     lines = (shlex.join([RUNNER, *step]) for step in steps)
     return " && ".join(f"{{ {line} || {{ echo 'once more:' {line} >&2; {line}; }}; }}" for line in lines)
 
