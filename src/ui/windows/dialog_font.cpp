@@ -3,6 +3,16 @@
 namespace ui {
 namespace {
 
+LONG TextHeightOf(HFONT font) {
+    const HDC paper = ::GetDC(nullptr);
+    const HGDIOBJ before = ::SelectObject(paper, font);
+    TEXTMETRICA metrics{};
+    ::GetTextMetricsA(paper, &metrics);
+    ::SelectObject(paper, before);
+    ::ReleaseDC(nullptr, paper);
+    return metrics.tmHeight;
+}
+
 using DpiFunction = UINT(WINAPI*)(HWND);
 
 /// Windows 10 and later have a scale for each monitor; the call is looked up because Windows 7 has it not.
@@ -33,6 +43,7 @@ DialogFont::DialogFont(int dpi) {
     LOGFONTA& font = metrics.lfMessageFont;
     font.lfHeight = ::MulDiv(font.lfHeight, dpi, SystemDpi());
     font_ = ::CreateFontIndirectA(&font);
+    text_height_ = TextHeightOf(font_);
 }
 
 DialogFont::~DialogFont() {

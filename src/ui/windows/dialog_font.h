@@ -20,9 +20,11 @@ int DpiOf(HWND window);
 class DialogFont {
   public:
     explicit DialogFont(int dpi);
-    DialogFont(DialogFont&& other) noexcept : font_(std::exchange(other.font_, nullptr)) {}
+    DialogFont(DialogFont&& other) noexcept
+        : font_(std::exchange(other.font_, nullptr)), text_height_(other.text_height_) {}
     DialogFont& operator=(DialogFont&& other) noexcept {
         std::swap(font_, other.font_);
+        std::swap(text_height_, other.text_height_);
         return *this;
     }
     DialogFont(const DialogFont&) = delete;
@@ -30,9 +32,12 @@ class DialogFont {
     ~DialogFont();
 
     HFONT Get() const { return font_; }
+    /// Of a line, in pixels.
+    LONG TextHeight() const { return text_height_; }
 
   private:
     HFONT font_ = nullptr;
+    LONG text_height_ = 0;
 };
 
 } // namespace ui

@@ -13,7 +13,7 @@ namespace {
 constexpr int kExecutePicture = 2; // the icon's number among the resources
 constexpr int kShownListItems = 12;
 
-constexpr DWORD kChild = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS;
+constexpr DWORD kChild = WS_CHILD | WS_CLIPSIBLINGS;
 constexpr DWORD kField = kChild | WS_TABSTOP;
 
 struct Recipe {
@@ -22,6 +22,10 @@ struct Recipe {
     DWORD extended_style = 0;
     std::string text;
 };
+
+bool IsOneLine(const Control& control) {
+    return control.Kind() == Kind::TextBox && (control.Design().traits & kMultiLine) == 0;
+}
 
 Recipe FrameRecipe(const Control& control) {
     return {WC_BUTTONA, kChild | WS_CLIPCHILDREN | BS_GROUPBOX, WS_EX_CONTROLPARENT,
@@ -32,15 +36,18 @@ Recipe PictureBoxRecipe(const Control& /*control*/) {
     return {WC_STATICA, kChild | WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, ""};
 }
 
-Recipe LabelRecipe(const Control& /*control*/) {
-    return {WC_STATICA, kChild | SS_LEFT, 0, ""};
+Recipe LabelRecipe(const Control& control) {
+    return {WC_STATICA, kChild | SS_LEFT, 0, static_cast<const Label&>(control).Caption()};
 }
 
 Recipe TextBoxRecipe(const Control& control) {
-    const bool multi_line = (control.Design().traits & kMultiLine) != 0;
-    const DWORD lines =
-        multi_line ? DWORD{ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL | WS_HSCROLL} : DWORD{0};
-    return {WC_EDITA, kField | ES_AUTOHSCROLL | lines, WS_EX_CLIENTEDGE, ""};
+    const auto& box = static_cast<const TextBox&>(control);
+    const DWORD locked = box.Locked() ? DWORD{ES_READONLY} : DWORD{0};
+    constexpr DWORD kLines = ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL | WS_HSCROLL;
+    if (!IsOneLine(control)) {
+        return {WC_EDITA, kField | ES_AUTOHSCROLL | kLines | locked, WS_EX_CLIENTEDGE, ""};
+    }
+    return {WC_EDITA, kField | ES_AUTOHSCROLL | locked, WS_EX_CLIENTEDGE, box.Text()};
 }
 
 Recipe CommandButtonRecipe(const Control& control) {
@@ -55,8 +62,8 @@ Recipe CheckBoxRecipe(const Control& control) {
     return {WC_BUTTONA, kField | BS_AUTOCHECKBOX, 0, control.Design().caption};
 }
 
-Recipe OptionButtonRecipe(const Control& /*control*/) {
-    return {WC_BUTTONA, kField | BS_AUTORADIOBUTTON, 0, ""};
+Recipe OptionButtonRecipe(const Control& control) {
+    return {WC_BUTTONA, kField | BS_AUTORADIOBUTTON, 0, static_cast<const OptionButton&>(control).Caption()};
 }
 
 Recipe ComboBoxRecipe(const Control& control) {
@@ -125,42 +132,52 @@ void PlaceComboBox(HWND window, const RECT& place) {
 
 /// As high as a combo box of the same font, in the middle of its place: in a higher box the text stands at
 /// the top.
-RECT PlaceOfLine(HWND window, RECT place) {
-    const HDC paper = ::GetDC(window);
-    const HGDIOBJ before =
-        ::SelectObject(paper, reinterpret_cast<HGDIOBJ>(::SendMessageA(window, WM_GETFONT, 0, 0)));
-    TEXTMETRICA font{};
-    ::GetTextMetricsA(paper, &font);
-    ::SelectObject(paper, before);
-    ::ReleaseDC(window, paper);
+RECT PlaceOfLine(RECT place, const DialogFont& font) {
     constexpr LONG kEdges = 8;
-    const LONG spare = std::max(LONG{0}, place.bottom - place.top - (font.tmHeight + kEdges));
+    const LONG spare = std::max(LONG{0}, place.bottom - place.top - (font.TextHeight() + kEdges));
     place.top += spare / 2;
     place.bottom -= spare - spare / 2;
     return place;
 }
 
+void GiveFont(HWND window, const DialogFont& font) {
+    ::SendMessageA(window, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
+}
+
+void GivePicture(HWND button) {
+    const HANDLE picture =
+        ::LoadImageA(::GetModuleHandleA(nullptr), MAKEINTRESOURCEA(kExecutePicture), IMAGE_ICON,
+                     ::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON), LR_SHARED);
+    ::SendMessageA(button, BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(picture));
+}
+
 } // namespace
 
-HWND MakeNativeControl(const Control& control, HWND parent) {
+void MakeNativeControl(NativeControl& native, HWND parent, const RECT& place, DWORD style,
+                       const DialogFont& font) {
+    const Control& control = *native.control;
     const Recipe recipe = RecipeOf(control.Kind())(control);
-    const HINSTANCE instance = ::GetModuleHandleA(nullptr);
-    const HWND window = ::CreateWindowExA(
-        recipe.extended_style, recipe.window_class, recipe.text.c_str(), recipe.style, 0, 0, 0, 0, parent,
-        reinterpret_cast<HMENU>(static_cast<INT_PTR>(control.Id())), instance, nullptr);
+    const DWORD disabled = control.Enabled() ? DWORD{0} : DWORD{WS_DISABLED};
+    const RECT own = IsOneLine(control) ? PlaceOfLine(place, font) : place;
+    native.window = ::CreateWindowExA(
+        recipe.extended_style, recipe.window_class, recipe.text.c_str(), recipe.style | disabled | style,
+        own.left, own.top, own.right - own.left, own.bottom - own.top, parent,
+        reinterpret_cast<HMENU>(static_cast<INT_PTR>(control.Id())), ::GetModuleHandleA(nullptr), nullptr);
+    native.stale &= ~(Bit(Property::Enabled) | Bit(Property::Locked) | Bit(Property::ForeColor) |
+                      Bit(Property::BackColor));
     if ((recipe.extended_style & WS_EX_CONTROLPARENT) != 0) {
-        MakeContainer(window);
+        MakeContainer(native.window);
     }
     if (control.Kind() == Kind::TextBox) {
-        ::SendMessageA(window, EM_SETLIMITTEXT, 0, 0); // as much as there is memory for
+        ::SendMessageA(native.window, EM_SETLIMITTEXT, 0, 0); // as much as there is memory for
     }
     if ((control.Design().traits & kPicture) != 0) {
-        const HANDLE picture =
-            ::LoadImageA(instance, MAKEINTRESOURCEA(kExecutePicture), IMAGE_ICON,
-                         ::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON), LR_SHARED);
-        ::SendMessageA(window, BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(picture));
+        GivePicture(native.window);
     }
-    return window;
+    GiveFont(native.window, font);
+    if (control.Kind() == Kind::ComboBox) {
+        PlaceComboBox(native.window, place);
+    }
 }
 
 int Scaled(int twips, int dpi) {
@@ -168,14 +185,13 @@ int Scaled(int twips, int dpi) {
     return ::MulDiv(twips, dpi, kTwipsPerInch);
 }
 
-void PlaceNativeControl(const NativeControl& native, const RECT& place) {
+void PlaceNativeControl(const NativeControl& native, const RECT& place, const DialogFont& font) {
+    GiveFont(native.window, font);
     if (native.control->Kind() == Kind::ComboBox) {
         PlaceComboBox(native.window, place);
         return;
     }
-    const bool line =
-        native.control->Kind() == Kind::TextBox && (native.control->Design().traits & kMultiLine) == 0;
-    const RECT own = line ? PlaceOfLine(native.window, place) : place;
+    const RECT own = IsOneLine(*native.control) ? PlaceOfLine(place, font) : place;
     ::SetWindowPos(native.window, nullptr, own.left, own.top, own.right - own.left, own.bottom - own.top,
                    SWP_NOZORDER | SWP_NOACTIVATE);
 }

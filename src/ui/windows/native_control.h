@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "ui/form.h"
+#include "ui/windows/dialog_font.h"
 
 #include "platform/windows/lean_windows.h"
 
@@ -12,7 +13,7 @@ namespace ui {
 
 struct NativeControl {
     Control* control = nullptr;
-    HWND window = nullptr;   ///< owned by the form's window
+    HWND window = nullptr;   ///< owned by the form's window; null until it is made
     std::uint32_t stale = 0; ///< one bit for each Property that the native control may not show yet
 };
 
@@ -20,14 +21,18 @@ constexpr std::uint32_t Bit(Property property) {
     return std::uint32_t{1} << static_cast<unsigned>(property);
 }
 
-/// Makes the window of a control of any kind but a tab control, without size and place.
-HWND MakeNativeControl(const Control& control, HWND parent);
+/// Makes the window of a control of any kind but a tab control, at its place in its parent, in pixels, and
+/// with all of the control's state that a window can be made with: on Wine, a control that is made first and
+/// changed then costs twice. BringInLine does the rest.
+/// `style` comes to what the kind asks for; WS_VISIBLE is in it or not.
+void MakeNativeControl(NativeControl& native, HWND parent, const RECT& place, DWORD style,
+                       const DialogFont& font);
 
 /// The twips of a design on a monitor of that many pixels per inch.
 int Scaled(int twips, int dpi);
 
-/// Gives it a place in its parent, in pixels.
-void PlaceNativeControl(const NativeControl& native, const RECT& place);
+/// Gives it a font and a place in its parent, in pixels.
+void PlaceNativeControl(const NativeControl& native, const RECT& place, const DialogFont& font);
 
 /// Brings the native control in line with what is stale, and leaves alone what agrees. Not for a tab control.
 void BringInLine(NativeControl& native);

@@ -70,21 +70,34 @@ POINT CornerOf(const Control* control) {
     return corner;
 }
 
+/// The page of a tab control that a control is or lies on; null where there is none.
+const Control* PageOf(const Control& control) {
+    for (const Control* part = &control; part->Parent() != nullptr; part = part->Parent()) {
+        if (part->Parent()->Kind() == Kind::TabControl) {
+            return part;
+        }
+    }
+    return nullptr;
+}
+
+/// To the beginning or the end of the order of the Tab key.
+void MoveInOrder(HWND control, HWND where) {
+    ::SetWindowPos(control, where, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
 } // namespace
 
 NativeForm::NativeForm(Form& form, HWND owner)
-    : form_(form), font_(owner == nullptr ? SystemDpi() : DpiOf(owner)) {
-    LoadCommonControls();
-    RegisterFormClass(Procedure);
+    : form_(form),
+      window_(MakeFrame(form, owner)),
+      dpi_(DpiOf(owner == nullptr ? window_ : owner)),
+      font_(dpi_) {
     platform::SetMessageFilter(Filter);
-    MakeFrame(owner);
     All().push_back(this);
     MakeControls();
-    LayOut(DpiOf(owner == nullptr ? window_ : owner));
+    FitClient();
     CentreOn(owner);
     form_.Attach(this);
-    BringAllInLine();
-    AddToolTips();
 }
 
 NativeForm::~NativeForm() {
@@ -117,43 +130,86 @@ NativeForm* NativeForm::OfWindow(HWND window) {
     return nullptr;
 }
 
-void NativeForm::MakeFrame(HWND owner) {
+HWND NativeForm::MakeFrame(const Form& form, HWND owner) {
+    LoadCommonControls();
+    RegisterFormClass(Procedure);
     const bool dialog = owner != nullptr;
-    window_ = ::CreateWindowExA(dialog ? kDialogExtendedStyle : kMainExtendedStyle, kClassName,
-                                form_.Caption().c_str(), dialog ? kDialogStyle : kMainStyle, CW_USEDEFAULT,
-                                CW_USEDEFAULT, 0, 0, owner, nullptr, ::GetModuleHandleA(nullptr), nullptr);
+    const DWORD style = dialog ? kDialogStyle : kMainStyle;
+    const DWORD extended_style = dialog ? kDialogExtendedStyle : kMainExtendedStyle;
+    const int dpi = dialog ? DpiOf(owner) : SystemDpi();
+    RECT frame{0, 0, Scaled(form.Design().client_width, dpi), Scaled(form.Design().client_height, dpi)};
+    ::AdjustWindowRectEx(&frame, style, FALSE, extended_style);
+    return ::CreateWindowExA(extended_style, kClassName, form.Caption().c_str(), style, CW_USEDEFAULT,
+                             CW_USEDEFAULT, frame.right - frame.left, frame.bottom - frame.top, owner,
+                             nullptr, ::GetModuleHandleA(nullptr), nullptr);
 }
 
+/// All but what lies on the pages of a tab control.
 void NativeForm::MakeControls() {
+    showing_ = true;
     natives_.reserve(form_.Controls().size());
     for (const auto& control : form_.Controls()) {
         NativeControl native;
         native.control = control.get();
-        native.window = MakeControl(*control);
         native.stale = ~Bit(Property::Selection);
         natives_.push_back(native);
     }
-    for (std::size_t index = 0; index < natives_.size(); ++index) {
-        if (BeginsGroup(index)) {
-            const LONG_PTR style = ::GetWindowLongPtrA(natives_[index].window, GWL_STYLE);
-            ::SetWindowLongPtrA(natives_[index].window, GWL_STYLE, style | WS_GROUP);
+    for (NativeControl& native : natives_) {
+        if (native.control->Kind() == Kind::TabControl) {
+            MakeTabs(native);
+        } else if (PageOf(*native.control) == nullptr) {
+            Make(native);
         }
     }
     if (tabs_) {
-        // The pages lie on the tab control, so it is the last in the order of the Tab key; that order is a
-        // ring, and it comes before its pages.
-        ::SetWindowPos(tabs_->Window(), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+        // The pages lie on the tab control, so it is the last in the order of the Tab key, and they come
+        // first; that order is a ring.
+        MoveInOrder(tabs_->Window(), HWND_BOTTOM);
+    }
+    showing_ = false;
+}
+
+/// The page that is to be shown and what lies on it, if it has not been shown before: most of the time that a
+/// window takes to stand there is the making of controls, and of the pages one is seen.
+void NativeForm::MakePage() {
+    if (!tabs_) {
+        return;
+    }
+    NativeControl& tabs = natives_[static_cast<std::size_t>(tabs_index_)];
+    const int shown = static_cast<const TabControl*>(tabs.control)->Tab();
+    bool made = false;
+    for (NativeControl& native : natives_) {
+        const Control* page = PageOf(*native.control);
+        if (native.window == nullptr && page != nullptr && page->Index() == shown) {
+            Make(native);
+            made = true;
+        }
+    }
+    if (made) {
+        tabs.stale |= Bit(Property::Tab);
     }
 }
 
-HWND NativeForm::MakeControl(Control& control) {
-    const HWND parent = ParentOf(control);
-    if (control.Kind() != Kind::TabControl) {
-        return MakeNativeControl(control, parent);
+void NativeForm::Make(NativeControl& native) {
+    const Control& control = *native.control;
+    const bool is_page = control.Parent() != nullptr && control.Parent()->Kind() == Kind::TabControl;
+    const DWORD group = BeginsGroup(static_cast<std::size_t>(&native - natives_.data())) ? WS_GROUP : 0;
+    const DWORD visible = is_page ? 0 : WS_VISIBLE; // a page comes up when everything on it is in line
+    MakeNativeControl(native, ParentOf(control), PlaceOf(control), group | visible, font_);
+    if (is_page) {
+        MoveInOrder(native.window, HWND_TOP);
     }
-    tabs_index_ = static_cast<int>(natives_.size());
-    tabs_ = std::make_unique<TabStrip>(parent, control.Id(), Captions(static_cast<TabControl&>(control)));
-    return tabs_->Window();
+    if (tool_tips_ != nullptr) {
+        AddToolTip(native);
+    }
+}
+
+void NativeForm::MakeTabs(NativeControl& native) {
+    const auto& control = static_cast<const TabControl&>(*native.control);
+    tabs_index_ = static_cast<int>(&native - natives_.data());
+    tabs_ = std::make_unique<TabStrip>(ParentOf(control), control.Id(), Captions(control));
+    native.window = tabs_->Window();
+    Settle(native);
 }
 
 /// A page of the tab control is native to the form: a tab control that is the parent of others would not
@@ -177,58 +233,77 @@ bool NativeForm::BeginsGroup(std::size_t index) const {
     return before.Kind() != Kind::OptionButton || before.Parent() != control.Parent();
 }
 
-void NativeForm::AddToolTips() {
+void NativeForm::MakeToolTips() {
     tool_tips_ = ::CreateWindowExA(
         WS_EX_TOPMOST, TOOLTIPS_CLASSA, "", WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
         CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, window_, nullptr, ::GetModuleHandleA(nullptr), nullptr);
     ::SendMessageA(tool_tips_, TTM_SETMAXTIPWIDTH, 0, kToolTipWidth);
     for (const NativeControl& native : natives_) {
-        std::string text = native.control->Design().tool_tip;
-        if (text.empty()) {
-            continue;
+        if (native.window != nullptr) {
+            AddToolTip(native);
         }
-        TTTOOLINFOA tool{};
-        tool.cbSize = sizeof tool;
-        tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
-        tool.hwnd = window_;
-        tool.uId = reinterpret_cast<UINT_PTR>(native.window);
-        tool.lpszText = text.data();
-        ::SendMessageA(tool_tips_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
     }
 }
 
-RECT NativeForm::PlaceOf(const Control& control, int dpi) const {
+void NativeForm::AddToolTip(const NativeControl& native) {
+    std::string text = native.control->Design().tool_tip;
+    if (text.empty()) {
+        return;
+    }
+    TTTOOLINFOA tool{};
+    tool.cbSize = sizeof tool;
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.hwnd = window_;
+    tool.uId = reinterpret_cast<UINT_PTR>(native.window);
+    tool.lpszText = text.data();
+    ::SendMessageA(tool_tips_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+RECT NativeForm::PlaceOf(const Control& control) const {
     const bool on_form = ParentOf(control) == window_;
     const POINT origin = CornerOf(control.Parent());
     const POINT native_origin = on_form ? POINT{0, 0} : origin;
-    const LONG left = Scaled(native_origin.x, dpi);
-    const LONG top = Scaled(native_origin.y, dpi);
+    const LONG left = Scaled(native_origin.x, dpi_);
+    const LONG top = Scaled(native_origin.y, dpi_);
     const Place& design = control.Design().place;
-    return {Scaled(origin.x + design.left, dpi) - left, Scaled(origin.y + design.top, dpi) - top,
-            Scaled(origin.x + design.left + design.width, dpi) - left,
-            Scaled(origin.y + design.top + design.height, dpi) - top};
+    return {Scaled(origin.x + design.left, dpi_) - left, Scaled(origin.y + design.top, dpi_) - top,
+            Scaled(origin.x + design.left + design.width, dpi_) - left,
+            Scaled(origin.y + design.top + design.height, dpi_) - top};
+}
+
+/// The font and the place of a control that stands.
+void NativeForm::Settle(const NativeControl& native) {
+    if (native.control->Kind() == Kind::TabControl) {
+        const int padding = ::MulDiv(kTabPadding, dpi_, kDesignDpi);
+        tabs_->Pad(padding, padding / 2);
+    }
+    PlaceNativeControl(native, PlaceOf(*native.control), font_);
 }
 
 void NativeForm::LayOut(int dpi) {
-    DialogFont font(dpi);
-    if (tabs_) {
-        tabs_->Pad(::MulDiv(kTabPadding, dpi, kDesignDpi), ::MulDiv(kTabPadding, dpi, kDesignDpi) / 2);
-    }
+    DialogFont before(dpi);
+    std::swap(font_, before); // the old one is let go only when no control uses it
+    dpi_ = dpi;
     for (const NativeControl& native : natives_) {
-        ::SendMessageA(native.window, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
-        PlaceNativeControl(native, PlaceOf(*native.control, dpi));
+        if (native.window != nullptr) {
+            Settle(native);
+        }
     }
-    font_ = std::move(font); // the old one is let go only now that no control uses it
-    FitClient(Scaled(form_.Design().client_width, dpi), Scaled(form_.Design().client_height, dpi));
+    FitClient();
 }
 
 /// How thick a frame is depends on the monitor; so the client area is set, measured, and set again.
-void NativeForm::FitClient(int width, int height) {
+void NativeForm::FitClient() {
+    const int width = Scaled(form_.Design().client_width, dpi_);
+    const int height = Scaled(form_.Design().client_height, dpi_);
     for (int time = 0; time < 2; ++time) {
         RECT frame{};
         RECT client{};
         ::GetWindowRect(window_, &frame);
         ::GetClientRect(window_, &client);
+        if (client.right == width && client.bottom == height) {
+            return;
+        }
         ::SetWindowPos(window_, nullptr, 0, 0, frame.right - frame.left + width - client.right,
                        frame.bottom - frame.top + height - client.bottom,
                        SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);

@@ -31,15 +31,19 @@ class NativeForm final : public Window, private Mirror {
     void Changed(const Control& control, Property property) override;
 
     // native_form.cpp: making and placing
-    void MakeFrame(HWND owner);
+    static HWND MakeFrame(const Form& form, HWND owner);
     void MakeControls();
-    HWND MakeControl(Control& control);
+    void MakePage();
+    void Make(NativeControl& native);
+    void MakeTabs(NativeControl& native);
     HWND ParentOf(const Control& control) const;
     bool BeginsGroup(std::size_t index) const;
-    void AddToolTips();
+    void MakeToolTips();
+    void AddToolTip(const NativeControl& native);
     void LayOut(int dpi);
-    void FitClient(int width, int height);
-    RECT PlaceOf(const Control& control, int dpi) const;
+    void Settle(const NativeControl& native);
+    void FitClient();
+    RECT PlaceOf(const Control& control) const;
     void CentreOn(HWND owner);
 
     // native_form_events.cpp: in line, and listening
@@ -68,9 +72,10 @@ class NativeForm final : public Window, private Mirror {
     static std::vector<NativeForm*>& All();
 
     Form& form_;
-    HWND window_ = nullptr;
-    HWND tool_tips_ = nullptr;
+    HWND window_;
+    int dpi_; ///< pixels per inch that the controls are placed for
     DialogFont font_;
+    HWND tool_tips_ = nullptr; ///< made when the window stands there
     std::vector<NativeControl> natives_;
     std::unique_ptr<TabStrip> tabs_;
     int tabs_index_ = -1;       ///< the tab control's place among the controls

@@ -37,7 +37,9 @@ void NativeForm::Changed(const Control& control, Property property) {
     const auto index = static_cast<std::size_t>(control.Id() - form_.Controls().front()->Id());
     if (property == Property::Refresh) {
         BringAllInLine();
-        ::RedrawWindow(natives_[index].window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+        if (natives_[index].window != nullptr) { // null would be the whole desktop
+            ::RedrawWindow(natives_[index].window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+        }
         return;
     }
     Stale(index, property);
@@ -75,8 +77,10 @@ void NativeForm::TakeFormChange(Property property) {
 void NativeForm::BringAllInLine() {
     const bool before = std::exchange(showing_, true);
     told_ = false;
+    MakePage();
     for (std::size_t index = 0; index < natives_.size(); ++index) {
-        if (natives_[index].stale != 0 && static_cast<int>(index) != tabs_index_) {
+        if (natives_[index].window != nullptr && natives_[index].stale != 0 &&
+            static_cast<int>(index) != tabs_index_) {
             BringInLine(natives_[index]);
         }
     }
@@ -87,9 +91,8 @@ void NativeForm::BringAllInLine() {
     showing_ = before;
     // Below a message box the window takes no focus, and WM_ENABLE tells when the box has gone.
     if (::IsWindowEnabled(window_) != 0 && std::exchange(focus_wanted_, false) &&
-        form_.Focused() != nullptr) {
-        const NativeControl* native = FindById(form_.Focused()->Id());
-        GiveFocus(native->window);
+        form_.Focused() != nullptr && IsShown(*form_.Focused())) {
+        GiveFocus(FindById(form_.Focused()->Id())->window);
     }
 }
 
@@ -104,7 +107,7 @@ void NativeForm::BringTabsInLine(NativeControl& native) {
     }
     const HWND focus = ::GetFocus();
     for (const NativeControl& page : natives_) {
-        if (page.control->Parent() != native.control) {
+        if (page.control->Parent() != native.control || page.window == nullptr) {
             continue;
         }
         const bool shown = page.control->Index() == tabs.Tab();
@@ -164,6 +167,9 @@ void NativeForm::TrackFocus() {
 // --- what the operator does
 
 NativeControl* NativeForm::Find(HWND window) {
+    if (window == nullptr) {
+        return nullptr; // and not a control that is not made yet
+    }
     const auto found = std::find_if(natives_.begin(), natives_.end(), [window](const NativeControl& native) {
         return native.window == window;
     });
@@ -199,7 +205,7 @@ void NativeForm::TakeCommand(int id, WORD code) {
 
 void NativeForm::PressCancel() {
     for (const NativeControl& native : natives_) {
-        if ((native.control->Design().traits & kCancel) != 0) {
+        if ((native.control->Design().traits & kCancel) != 0 && native.window != nullptr) {
             ::SendMessageA(native.window, BM_CLICK, 0, 0);
         }
     }
@@ -393,6 +399,9 @@ void NativeForm::Show() {
         GiveFocus(::GetNextDlgTabItem(window_, tabs_ ? tabs_->Window() : nullptr, FALSE));
     }
     ::UpdateWindow(window_);
+    if (tool_tips_ == nullptr) {
+        MakeToolTips(); // nobody points at anything before there is something to see
+    }
 }
 
 void NativeForm::RunUntilClosed() {

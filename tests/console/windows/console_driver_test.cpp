@@ -80,9 +80,12 @@ class Console : public ::testing::Test {
             << name << ": " << hands::Text(box);
     }
     int Tab() const { return static_cast<int>(::SendMessageA(Native("tabMain"), TCM_GETCURSEL, 0, 0)); }
+    /// It is made when it is shown first.
     bool PageIsShown(int page) const {
-        const HWND frame = Native("fraMainTab", page);
-        return hands::WaitFor([&] { return ::IsWindowVisible(frame) != 0 && ::IsWindowEnabled(frame) != 0; });
+        return hands::WaitFor([&] {
+            const HWND frame = Native("fraMainTab", page);
+            return ::IsWindowVisible(frame) != 0 && ::IsWindowEnabled(frame) != 0;
+        });
     }
     void Close() {
         hands::Click(Native("cmdClose"));

@@ -28,6 +28,7 @@ const std::map<Kind, std::string>& NativeClasses() {
 }
 
 TEST_F(ShownForm, HasTheSystemsOwnControlForEachOfItsControls) {
+    ShowAllTabs();
     for (const auto& control : form_.Controls()) {
         const HWND native = Native(*control);
         ASSERT_NE(native, nullptr) << Name(*control);
@@ -35,7 +36,93 @@ TEST_F(ShownForm, HasTheSystemsOwnControlForEachOfItsControls) {
     }
 }
 
+TEST_F(ShownForm, MakesTheControlsOfAPageWhenItIsShownFirst) {
+    const auto on_page = [](const ui::Control& control, int page) {
+        const ui::Control* part = &control;
+        while (part->Parent() != nullptr && part->Parent()->Kind() != Kind::TabControl) {
+            part = part->Parent();
+        }
+        return part->Parent() != nullptr && part->Index() == page;
+    };
+    for (int tab = 0; tab < kv::kMainTabs; ++tab) {
+        for (const auto& control : form_.Controls()) {
+            if (tab > 0 && on_page(*control, tab)) {
+                EXPECT_EQ(Native(*control), nullptr) << Name(*control);
+            }
+        }
+        ShowTab(tab);
+        for (const auto& control : form_.Controls()) {
+            if (on_page(*control, tab)) {
+                EXPECT_NE(Native(*control), nullptr) << Name(*control);
+            }
+        }
+    }
+}
+
+/// All of it is done to the model while the page is not there.
+TEST_F(ShownForm, FillsAPageWithWhatTheModelGotBefore) {
+    auto& rename = Get<ui::TextBox>("edtRenameNewDatabase");
+    rename.Text("Batch2");
+    rename.SelStart(2);
+    rename.SelLength(3);
+    auto& databases = Get<ui::ComboBox>("cboRenameDatabase");
+    databases.AddItem("master");
+    databases.AddItem("Batch");
+    databases.Text("Batch");
+    Get<ui::ComboBox>("cboUpgradeDatabaseDest").Text("NewBatch");
+    Get<ui::OptionButton>("optUpgradeCurrentServer", 1).Value(true);
+    Get<ui::OptionButton>("optUpgradeCurrentServer", 1).Caption("SRVB");
+    Get<ui::CommandButton>("cmdRemove").Enabled(false);
+    Settle();
+    ASSERT_EQ(Native("edtRenameNewDatabase"), nullptr);
+    Get<ui::TabControl>("tabMain").Tab(kv::kUpgradeTab);
+    form_.SetFocus(Get<ui::ComboBox>("cboUpgradeDatabaseDest"));
+    Settle();
+    EXPECT_EQ(hands::Text(Native("edtRenameNewDatabase")), "Batch2");
+    EXPECT_EQ(::SendMessageA(Native("edtRenameNewDatabase"), EM_GETSEL, 0, 0), MAKELONG(2, 5));
+    EXPECT_EQ(FocusName(), "cboUpgradeDatabaseDest");
+    EXPECT_EQ(::SendMessageA(Native("cboRenameDatabase"), CB_GETCOUNT, 0, 0), 2);
+    EXPECT_EQ(::SendMessageA(Native("cboRenameDatabase"), CB_GETCURSEL, 0, 0), 1);
+    EXPECT_EQ(hands::Text(Native("cboUpgradeDatabaseDest")), "NewBatch");
+    EXPECT_EQ(::SendMessageA(Native("optUpgradeCurrentServer", 1), BM_GETCHECK, 0, 0), BST_CHECKED);
+    EXPECT_EQ(::SendMessageA(Native("optUpgradeCurrentServer", 0), BM_GETCHECK, 0, 0), BST_UNCHECKED);
+    EXPECT_EQ(hands::Text(Native("optUpgradeCurrentServer", 1)), "SRVB");
+    EXPECT_FALSE(::IsWindowEnabled(Native("cmdRemove")));
+    EXPECT_TRUE(::IsWindowEnabled(Native("cmdRename")));
+    ShowTab(kv::kStoredProcTab);
+    EXPECT_NE(::GetWindowLongPtrA(Native("edtStoredProcedure"), GWL_STYLE) & ES_READONLY, 0);
+}
+
+TEST_F(ShownForm, FiresNothingWhenAPageIsMade) {
+    int events = 0;
+    for (const auto& control : form_.Controls()) {
+        if (control->Kind() == Kind::TextBox) {
+            static_cast<ui::TextBox&>(*control).Text("text");
+            static_cast<ui::TextBox&>(*control).on_change = [&events] { ++events; };
+        }
+        if (control->Kind() == Kind::ComboBox) {
+            auto& box = static_cast<ui::ComboBox&>(*control);
+            box.AddItem("item");
+            box.Text("item");
+            box.on_change = box.on_click = [&events] { ++events; };
+        }
+    }
+    ShowAllTabs();
+    EXPECT_EQ(events, 0);
+}
+
+TEST_F(ShownForm, GivesNoFocusToAPageThatHasGoneAgain) {
+    Get<ui::TabControl>("tabMain").Tab(kv::kUpgradeTab);
+    form_.SetFocus(Get<ui::TextBox>("edtRenameNewDatabase"));
+    Get<ui::TabControl>("tabMain").Tab(kv::kGeneralTab);
+    Settle();
+    EXPECT_EQ(Native("edtRenameNewDatabase"), nullptr) << "it was never seen";
+    EXPECT_NE(::GetFocus(), nullptr);
+    EXPECT_TRUE(::IsWindowVisible(::GetFocus()));
+}
+
 TEST_F(ShownForm, ShowsWhatTheProgramChanges) {
+    ShowAllTabs();
     Get<ui::Label>("lblStatus").Caption("Step 1");
     Get<ui::TextBox>("edtServerName", 1).Text("SRVB\\KV_BATCH");
     Get<ui::CheckBox>("chkStandardSynchronize").Value(1);
@@ -132,10 +219,19 @@ class ShownAtScale : public OnScreen,
   protected:
     ShownAtScale() : OnScreen(*GetParam().second) {}
     int Dpi() const { return GetParam().first; }
+    /// Some of the pages are there when the scale changes, and some come after it.
+    void ScaleAmongTabs() {
+        if (form_.Find("tabMain") != nullptr) {
+            ShowTab(kv::kScriptTab);
+            ShowTab(kv::kViewDataTab);
+        }
+        Scale(Dpi());
+        ShowAllTabs();
+    }
 };
 
 TEST_P(ShownAtScale, CutsOffNoCaption) {
-    Scale(Dpi());
+    ScaleAmongTabs();
     for (const auto& control : form_.Controls()) {
         const bool has_caption = control->Kind() == Kind::Label || control->Kind() == Kind::CheckBox ||
                                  control->Kind() == Kind::OptionButton ||
@@ -144,6 +240,7 @@ TEST_P(ShownAtScale, CutsOffNoCaption) {
             continue;
         }
         const HWND native = Native(*control);
+        ASSERT_NE(native, nullptr) << Name(*control);
         RECT client{};
         ::GetClientRect(native, &client);
         EXPECT_LE(WidthOfText(native, control->Design().caption) + SpaceBesideText(control->Kind(), Dpi()),
@@ -153,12 +250,13 @@ TEST_P(ShownAtScale, CutsOffNoCaption) {
 }
 
 TEST_P(ShownAtScale, KeepsEveryControlWithinItsParentAndClearOfItsNeighbours) {
-    Scale(Dpi());
+    ScaleAmongTabs();
     for (const auto& control : form_.Controls()) {
         if (control->Parent() != nullptr && control->Parent()->Kind() == Kind::TabControl) {
             continue; // the pages lie on one another
         }
         const HWND native = Native(*control);
+        ASSERT_NE(native, nullptr) << Name(*control);
         const HWND parent = ::GetParent(native);
         RECT room{};
         ::GetClientRect(parent, &room);
@@ -199,7 +297,7 @@ class ShownList : public OnScreen {
   protected:
     void SetUp() override {
         OnScreen::SetUp();
-        Get<ui::TabControl>("tabMain").Tab(kv::kViewDataTab);
+        ShowTab(kv::kViewDataTab);
         native_ = Native("lvwViewData");
     }
 

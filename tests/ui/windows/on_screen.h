@@ -47,6 +47,18 @@ class OnScreen : public ::testing::Test {
         platform::RunPendingEvents();
         platform::RunPendingEvents();
     }
+    /// A page's native controls are made when it is shown first.
+    void ShowTab(int tab) {
+        Get<ui::TabControl>("tabMain").Tab(tab);
+        Settle();
+    }
+    /// Every page, and the first one again; nothing on a form without tabs.
+    void ShowAllTabs() {
+        auto* tabs = static_cast<ui::TabControl*>(form_.Find("tabMain"));
+        for (int tab = 0; tabs != nullptr && tab <= tabs->Tabs(); ++tab) {
+            ShowTab(tab % tabs->Tabs());
+        }
+    }
     /// The name of the control that has the focus, with its index; "" if none of the form's has.
     std::string FocusName() const {
         HWND focus = ::GetFocus();
