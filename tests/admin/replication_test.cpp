@@ -60,6 +60,11 @@ TEST_F(Replication, AQueryWithoutARecordsetGivesNeitherResultNorAnswer) {
     ExpectRaised("CSQLReplicationMgr", "Replication information could not be retrieved from the SQL Server!");
 }
 
+TEST_F(Replication, AClosedRecordsetFailsWhereItIsRead) {
+    ExpectUnanswered();
+    EXPECT_EQ(failure_.number, ado::kObjectClosed);
+}
+
 TEST_F(Replication, AConnectionThatCannotCloseTakesTheAnswerBack) {
     ado_.Answer(kJobQuery, Rows({{"6F9619FF"}}));
     ado_.Answer("Close", Failing());

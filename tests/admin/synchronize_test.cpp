@@ -89,6 +89,13 @@ TEST_F(Synchronize, AJobQueryWithoutARecordsetChangesNothing) {
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
+TEST_F(Synchronize, AClosedRecordsetOfJobsFailsWhereItIsReadAndChangesNothing) {
+    EXPECT_FALSE(manager_.Synchronize("Source", "Dest"));
+    EXPECT_EQ(failure_.number, ado::kObjectClosed);
+    EXPECT_EQ(ado_.Statements(), Lines{kJobQuery});
+    EXPECT_EQ(LogLines(), Lines{kSource});
+}
+
 TEST_F(Synchronize, IsNotRunIfReplicationCannotBeTakenOff) {
     ado_.Answer(kUninstall, Failing());
     EXPECT_FALSE(Run(true));

@@ -121,6 +121,13 @@ TEST_F(UpgradeDatabase, ADatabaseWithoutAVersionCountsAs1) {
     EXPECT_EQ(ado_.Statements().back(), "spUpgradeDatabase 1, 2, N'Tmp', N'Batch', N'saA', N'pwA'");
 }
 
+TEST_F(UpgradeDatabase, AClosedRecordsetIsNoVersionAndFailsWhereItIsRead) {
+    EXPECT_FALSE(Upgrade({}, Rows({{"2"}})));
+    EXPECT_EQ(failure_.number, ado::kObjectClosed);
+    EXPECT_EQ(ado_.Statements(), Lines{kQuery});
+    EXPECT_EQ(LogLines(), Lines{kSource});
+}
+
 TEST_F(UpgradeDatabase, OnlyTheFirstRowCounts) {
     EXPECT_TRUE(Upgrade(Rows({{"2"}, {"x"}}), Rows({{"3"}, {"1"}})));
     EXPECT_EQ(ado_.Statements().back(), kUpgrade);

@@ -90,6 +90,12 @@ TEST_F(GetStoredProcedures, ACatalogueWithoutTheNamesFails) {
     EXPECT_EQ(failure_.number, run_time::kInvalidUseOfNull);
 }
 
+TEST_F(GetStoredProcedures, AClosedRecordsetFailsAtItsFirstReading) {
+    EXPECT_FALSE(Run({}));
+    EXPECT_EQ(failure_.number, ado::kObjectClosed);
+    EXPECT_EQ(LogLines(), Lines{kSource});
+}
+
 TEST_F(GetStoredProcedures, WithoutARecordsetFailsAtItsFirstReading) {
     EXPECT_FALSE(Run({.no_recordset = true}));
     EXPECT_EQ(failure_.number, run_time::kObjectVariableNotSet);

@@ -63,6 +63,13 @@ TEST_F(GetTables, NoRecordsetIsAFailureOfItsOwn) {
     EXPECT_EQ(ado_.calls.back(), "Close");
 }
 
+TEST_F(GetTables, AClosedRecordsetFailsWhereItIsRead) {
+    EXPECT_FALSE(manager_.GetTables("Batch", tables_));
+    EXPECT_EQ(failure_.number, ado::kObjectClosed);
+    EXPECT_EQ(tables_, Lines{""});
+    EXPECT_EQ(LogLines(), Lines{kGetTables});
+}
+
 TEST_F(GetTables, AFailingStatementKeepsTheServersErrors) {
     ado_.Answer(kTables, Failing(-2147217865, "Invalid object name"));
     EXPECT_FALSE(manager_.GetTables("Batch", tables_));
