@@ -2,10 +2,10 @@
 //
 // How a toolkit attaches:
 //  1. MakeWindow (toolkit.h) gets a form, whose load may still come. It walks Form::Controls(), which stand
-//  in the order of the
-//     Tab key and parents before children, makes one native control for each by its Kind, at Design().place,
-//     with the identifier Id(), and fills it from the control's present state. A child of the tab control
-//     belongs to the tab of its index and is seen while TabControl::Tab() is that.
+//     in the order of the Tab key and parents before children, makes one native control for each by its Kind,
+//     at Design().place, with the identifier Id(), and fills it from the control's present state. A child of
+//     the tab control belongs to the tab of its index and is seen while TabControl::Tab() is that; it and
+//     what lies on it need not be made before.
 //  2. It attaches its Mirror with Form::Attach and brings the native controls in line on each Changed.
 //  3. It reports what the operator does by the functions of operator.h: Edit for a changed text, Choose for a
 //     list item or a tab, Click for buttons, FocusMoved, Close for the frame's own button. These fire the
