@@ -41,6 +41,20 @@ TEST(Process, AQuotedPathIsStartedWithItsParametersAndWaitedFor) {
                   "]\n");
 }
 
+TEST(Process, AWorkingFolderIsTheStartedProgramsCurrentOne) {
+    const TempFolder folder;
+    ShellExecuteInfo info;
+    info.mask = kNoCloseProcess;
+    info.file = '"' + HelperPath() + '"';
+    info.parameters = "-o out.txt";
+    info.directory = folder.Path().string();
+    std::unique_ptr<Process> process;
+    ASSERT_TRUE(ShellExecuteProgram(info, process));
+    ASSERT_NE(process, nullptr);
+    process->Wait(kInfiniteWait);
+    EXPECT_TRUE(FileExists(folder / "out.txt"));
+}
+
 TEST(Process, AProgramThatIsNotThereIsNotStarted) {
     const TempFolder folder;
     std::unique_ptr<Process> process;

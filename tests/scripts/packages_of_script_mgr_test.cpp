@@ -106,6 +106,7 @@ TEST_F(PackagesOfScriptMgr, AMissingFileFailsAfterTheOldCopyWasRemoved) {
 }
 
 TEST_F(PackagesOfScriptMgr, AScriptFolderThatWasNeverSetFails) {
+    files_.AddFile("\\a file in the root, which nobody named", "");
     ExpectFailureWithoutCalls();
 }
 

@@ -1,6 +1,7 @@
 #include "scripts/sql_script_mgr.h"
 
 #include "scripts/script_mgr_fixture.h"
+#include "startup/text.h"
 
 namespace kv {
 namespace {
@@ -113,6 +114,14 @@ TEST_F(SqlScriptMgr, AllNineteenTokensTakeTheirValues) {
 TEST_F(SqlScriptMgr, UserPasswordAndPathTokensMatchInAnyLetterCase) {
     CSQLScriptMgr scripts;
     FillPair(scripts);
+    for (const std::string token :
+         {"###USERID###", "###PASSWORD###", "###DATAPATH###", "###UNCREPLDATAPATH###", "###USERIDA###",
+          "###USERIDB###", "###PASSWORDA###", "###PASSWORDB###", "###DATAPATHA###", "###DATAPATHB###",
+          "###UNCREPLDATAPATHA###", "###UNCREPLDATAPATHB###"}) {
+        const std::string value = scripts.ReplaceFileContent(token);
+        ASSERT_NE(value, token);
+        EXPECT_EQ(scripts.ReplaceFileContent(LowerCase(token)), value) << token;
+    }
     EXPECT_EQ(scripts.ReplaceFileContent("###userid### ###UserId###"), "UserOne UserOne");
     EXPECT_EQ(scripts.ReplaceFileContent("###Password### ###dataPathB### ###uncREPLDataPathA###"),
               "PassOne D:\\SQL \\\\Node1\\Repl");
@@ -138,6 +147,57 @@ TEST_F(SqlScriptMgr, AValueThatHoldsALaterTokenHasItReplacedToo) {
     scripts.Domain("plant");
     scripts.UserA("###server###"); // its pass has already run
     EXPECT_EQ(scripts.ReplaceFileContent("###PASSWORD### ###USERID###"), "PLANT ###server###");
+}
+
+/// A value that holds the token of an earlier pass keeps it. Pairs that case keeps apart have no order that
+/// shows: the upper form of a server token never comes out of a lower one's pass.
+TEST_F(SqlScriptMgr, ThePassesRunInTheirOrder) {
+    using Writer = void (CSQLScriptMgr::*)(const std::string&);
+    struct Case {
+        const char* earlier;
+        const char* later;
+        Writer write;
+    };
+    for (const Case& c : {
+             Case{"###SERVER###", "###USERID###", &CSQLScriptMgr::UserA},
+             Case{"###server###", "###USERID###", &CSQLScriptMgr::UserA},
+             Case{"###USERID###", "###PASSWORD###", &CSQLScriptMgr::PasswordA},
+             Case{"###PASSWORD###", "###DATAPATH###", &CSQLScriptMgr::SQLDataPathA},
+             Case{"###DATAPATH###", "###UNCREPLDATAPATH###", &CSQLScriptMgr::SQLUNCReplDataPathA},
+             Case{"###UNCREPLDATAPATH###", "###DOMAIN###", &CSQLScriptMgr::Domain},
+             Case{"###DOMAIN###", "###SERVERA###", &CSQLScriptMgr::ServerA},
+             Case{"###SERVERA###", "###SERVERB###", &CSQLScriptMgr::ServerB},
+             Case{"###servera###", "###serverb###", &CSQLScriptMgr::ServerB},
+             Case{"###SERVERB###", "###USERIDA###", &CSQLScriptMgr::UserA},
+             Case{"###serverb###", "###USERIDA###", &CSQLScriptMgr::UserA},
+             Case{"###USERIDA###", "###USERIDB###", &CSQLScriptMgr::UserB},
+             Case{"###USERIDB###", "###PASSWORDA###", &CSQLScriptMgr::PasswordA},
+             Case{"###PASSWORDA###", "###PASSWORDB###", &CSQLScriptMgr::PasswordB},
+             Case{"###PASSWORDB###", "###DATAPATHA###", &CSQLScriptMgr::SQLDataPathA},
+             Case{"###DATAPATHA###", "###DATAPATHB###", &CSQLScriptMgr::SQLDataPathB},
+             Case{"###DATAPATHB###", "###UNCREPLDATAPATHA###", &CSQLScriptMgr::SQLUNCReplDataPathA},
+             Case{"###UNCREPLDATAPATHA###", "###UNCREPLDATAPATHB###", &CSQLScriptMgr::SQLUNCReplDataPathB},
+         }) {
+        CSQLScriptMgr scripts;
+        FillPair(scripts);
+        (scripts.*c.write)(c.earlier);
+        EXPECT_EQ(scripts.ReplaceFileContent(c.later), c.earlier);
+    }
+}
+
+TEST_F(SqlScriptMgr, OnlyThePathsOfThePairGetTheirDriveRootBack) {
+    CSQLScriptMgr scripts;
+    scripts.SQLDataPathA("C:\\");
+    scripts.SQLDataPathB("D:\\");
+    scripts.SQLUNCReplDataPathA("E:\\");
+    scripts.SQLUNCReplDataPathB("F:\\");
+    const std::string pair = "###DATAPATHA### ###DATAPATHB### ###UNCREPLDATAPATHA### ###UNCREPLDATAPATHB### ";
+    scripts.UseServerA(true);
+    EXPECT_EQ(scripts.ReplaceFileContent(pair + "###DATAPATH### ###UNCREPLDATAPATH###"),
+              "C:\\ D:\\ E:\\ F:\\ C: E:");
+    scripts.UseServerA(false);
+    EXPECT_EQ(scripts.ReplaceFileContent(pair + "###DATAPATH### ###UNCREPLDATAPATH###"),
+              "C:\\ D:\\ E:\\ F:\\ D: F:");
 }
 
 TEST_F(SqlScriptMgr, EachScriptIsReadFromItsTemplateAndWrittenUnderItsName) {
