@@ -60,8 +60,6 @@ std::optional<LoginInfo> FindLogin(SqliteConnection& connection, std::string_vie
 void SaveLogin(SqliteConnection& connection, const LoginInfo& login);
 void RemoveLogin(SqliteConnection& connection, std::string_view name);
 
-/// The SHA-256 of the bytes, in hexadecimal digits.
-std::string Sha256(std::string text);
 /// A salted hash of the password, and its check.
 std::string HashPassword(std::string_view password);
 bool PasswordMatches(std::string_view password, std::string_view hash);

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "devserver/storage/databases.h"
+#include "devserver/tsql/scalar/digests.h"
 
 namespace devsql {
 namespace {
@@ -45,7 +46,7 @@ std::string RandomHex() {
         text += "0123456789abcdef"[random() & 0xF];
         text += std::to_string(random());
     }
-    return Sha256(text);
+    return HexOf(Sha256(text));
 }
 
 int HexDigit(char c) {
@@ -58,16 +59,6 @@ std::string FromHex(std::string_view hex) {
         bytes += static_cast<char>(HexDigit(hex[i]) << 4 | HexDigit(hex[i + 1]));
     }
     return bytes;
-}
-
-std::string ToHex(std::string_view bytes) {
-    std::string hex;
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        hex += "0123456789abcdef"[byte >> 4];
-        hex += "0123456789abcdef"[byte & 0xF];
-    }
-    return hex;
 }
 
 } // namespace
@@ -169,7 +160,7 @@ void LinkedLogins::Save(int server, const LinkedLogin& login) {
         .BindInt(3, login.own ? 1 : 0)
         .BindText(4, login.remote_user)
         .BindText(5, salt)
-        .BindText(6, ToHex(Apply(salt, login.password)))
+        .BindText(6, HexOf(Apply(salt, login.password)))
         .Run();
 }
 
@@ -209,7 +200,7 @@ std::string LinkedLogins::Apply(const std::string& salt, std::string text) {
     const std::string key = Key();
     std::string stream;
     for (int block = 0; stream.size() < text.size(); ++block) {
-        stream += FromHex(Sha256(key + ":" + salt + ":" + std::to_string(block)));
+        stream += Sha256(key + ":" + salt + ":" + std::to_string(block));
     }
     for (std::size_t i = 0; i < text.size(); ++i) {
         text[i] = static_cast<char>(text[i] ^ stream[i]);

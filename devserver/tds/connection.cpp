@@ -145,6 +145,7 @@ bool Connection::LogIn(const ClientMessage& message) {
         return false;
     }
     packets_.SetSessionId(session->Id());
+    logged_in_ = true;
     {
         const std::lock_guard lock(mutex_);
         session_ = std::move(session);

@@ -32,6 +32,8 @@ class Connection {
     void Run();
     /// Ends the connection soon, whatever it is at. May be called from any thread.
     void Stop();
+    /// The client has shown who it is. May be asked from any thread.
+    bool logged_in() const { return logged_in_; }
 
   private:
     /// Prelogin and login, with their answers. False when the client did not come in.
@@ -89,6 +91,7 @@ class Connection {
     bool attention_ = false;            ///< the client waits for the acknowledgement
     bool closing_ = false;
     bool work_ended_ = false;
+    std::atomic<bool> logged_in_ = false;
     std::atomic<bool> cancelled_ = false; ///< the running request's output is not wanted any more
 };
 

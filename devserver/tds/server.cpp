@@ -1,6 +1,7 @@
 // A thread for each client. See server.h.
 #include "devserver/tds/server.h"
 
+#include <algorithm>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -27,6 +28,7 @@ struct Server::Client {
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
 
+    const std::chrono::steady_clock::time_point since = std::chrono::steady_clock::now();
     std::atomic<bool> ended = false;
     Connection connection;
     std::thread thread; ///< begins when all above stands
@@ -52,7 +54,10 @@ void Server::Stop() {
 }
 
 void Server::Serve(Socket socket) {
-    const std::size_t present = Reap();
+    std::size_t present = Reap();
+    while (present >= options_.connection_limit && MakeRoom()) {
+        --present;
+    }
     if (present >= options_.connection_limit + kRefusedAtATime) {
         return;
     }
@@ -68,6 +73,19 @@ void Server::Serve(Socket socket) {
 std::size_t Server::Reap() {
     clients_.remove_if([](const std::unique_ptr<Client>& client) { return client->ended.load(); });
     return clients_.size();
+}
+
+bool Server::MakeRoom() {
+    const auto latest = std::chrono::steady_clock::now() - options_.login_grace;
+    const auto silent = std::ranges::find_if(clients_, [&](const std::unique_ptr<Client>& client) {
+        return !client->connection.logged_in() && client->since <= latest;
+    });
+    if (silent == clients_.end()) {
+        return false;
+    }
+    (*silent)->connection.Stop();
+    clients_.erase(silent); // Waits for its thread, which has nothing more to do.
+    return true;
 }
 
 } // namespace devsql::tds

@@ -19,6 +19,8 @@ struct ServerOptions {
     std::uint16_t port = 0;             ///< 0 takes a free one
     std::size_t connection_limit = 200; ///< clients beyond are told so and go
     std::chrono::milliseconds login_time = std::chrono::seconds(30);
+    /// When all places are taken, who has not logged in for so long gives its place to a newcomer.
+    std::chrono::milliseconds login_grace = std::chrono::seconds(3);
 };
 
 class Server {
@@ -42,6 +44,8 @@ class Server {
     void Serve(Socket socket);
     /// Forgets the clients that are gone; tells how many are left.
     std::size_t Reap();
+    /// Ends one that holds a place and does not log in; false where there is none.
+    bool MakeRoom();
 
     Engine& engine_;
     ServerOptions options_;

@@ -379,7 +379,11 @@ void RunAlterTable(SessionCore& session, const ast::AlterTableStatement& alter) 
             SwitchConstraints(alter, *target.catalogue, *target.table);
             break;
         case ast::AlterTableAction::Triggers:
-            RaiseError(40517, {"TRIGGER"});
+            for (const std::string& name : alter.names) { // There are none.
+                if (name != "ALL") {
+                    RaiseError(4920, {name, alter.table.text()});
+                }
+            }
         }
     });
     session.Done(Command::None, std::nullopt);
@@ -387,15 +391,7 @@ void RunAlterTable(SessionCore& session, const ast::AlterTableStatement& alter) 
 
 void RunCreateIndex(SessionCore& session, const ast::CreateIndexStatement& create) {
     Emission emission(session);
-    Target target;
-    try {
-        target = Binder(session, emission).BindTarget(create.table);
-    } catch (const SqlError& error) {
-        if (error.number() == 208) {
-            RaiseError(1088, {create.table.text()});
-        }
-        throw;
-    }
+    const Target target = BindTargetAs(session, emission, create.table, 1088);
     session.Write(target.table->alias, [&] {
         TableDef table = *target.table;
         IndexDef index;

@@ -187,6 +187,7 @@ struct FetchStatement {
 /// in the documentation.
 struct MaintenanceStatement {
     std::string name;
+    bool tells = false; ///< says that it is done (2528)
 };
 /// DBCC CHECKIDENT ('table' [, RESEED [, value] | NORESEED])
 struct CheckIdentityStatement {

@@ -248,8 +248,9 @@ struct Query {
     std::vector<CommonTable> with;
     QueryTermPtr body;
     std::vector<OrderItem> order_by;
-    ExprPtr offset; ///< OFFSET … ROWS; may be null
-    ExprPtr fetch;  ///< FETCH NEXT … ROWS ONLY; may be null
+    ExprPtr offset;                   ///< OFFSET … ROWS; may be null
+    ExprPtr fetch;                    ///< FETCH NEXT … ROWS ONLY; may be null
+    std::int64_t max_recursion = 100; ///< OPTION (MAXRECURSION n), of the tables in `with`; 0: no limit
     std::int32_t line = 1;
 };
 

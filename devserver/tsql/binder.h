@@ -105,23 +105,23 @@ class Binder {
     // binder_queries.cpp
     BoundQuery BindTerm(const ast::QueryTerm& term, const Scope* outer, const ast::Query* whole);
     BoundQuery BindSetOperation(const ast::SetOperation& operation, const Scope* outer);
-    /// With `types`, the items are converted to them.
-    BoundQuery BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
-                          const std::vector<Type>* types = nullptr);
+    BoundQuery BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole);
     void BindSelectParts(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
                          SelectParts& parts);
     void BindItems(const ast::SelectCore& core, const Scope& scope, SelectParts& parts);
     void ExpandStar(const ast::SelectItem& item, const Scope& scope, SelectParts& parts) const;
     void CheckGrouping(const SelectParts& parts, const ast::SelectCore& core) const;
     void CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth,
-                      std::string_view clause, bool grouped) const;
+                      std::string_view clause) const;
     std::string OrderClause(const ast::Query& query, const SelectParts& parts, const Scope& scope,
                             bool distinct);
     std::string OrderOfColumns(const ast::Query& query, const std::vector<Column>& columns);
     /// OFFSET and FETCH of a whole query; empty without.
     std::string OffsetClause(const ast::Query& query);
     std::int64_t RowNumber(const ast::Expr& expr, std::int32_t null_error);
-    std::string LimitClause(const ast::SelectCore& core, const std::string& counted);
+    std::string RowLimit(const ast::SelectCore& core, const std::string& counted);
+    std::string CountWithTies(const ast::SelectCore& core, const ast::Query* whole, const SelectParts& parts,
+                              const std::string& rows);
     std::string EmitSelect(const SelectParts& parts, bool distinct);
     static BoundPtr WithoutKeys(const BoundPtr& node, const std::vector<BoundPtr>& keys,
                                 const std::vector<bool>& absent);
@@ -156,6 +156,7 @@ class Binder {
     BoundPtr BindSubquery(const ast::Query& query, const Scope* scope);
     // binder_calls.cpp
     BoundPtr BindCall(const ast::CallExpr& call, const Scope* scope);
+    std::vector<BoundPtr> AllColumns(std::string_view function, const Scope* scope) const;
     BoundPtr BindChoice(const std::vector<std::pair<BoundPtr, BoundPtr>>& branches,
                         const BoundPtr& otherwise) const;
     BoundPtr BindAggregate(const ast::CallExpr& call, const Scope* scope);
@@ -169,6 +170,7 @@ class Binder {
     Emission& emission_;
     int aliases_ = 0;
     int view_depth_ = 0;
+    std::int64_t max_recursion_ = 100;                        ///< of the query whose WITH is being bound
     std::vector<std::shared_ptr<RemoteTable>> remote_tables_; ///< of the statement, each fetched once
     CommonTables common_root_;
     CommonTables* common_ = &common_root_;
@@ -178,6 +180,10 @@ class Binder {
     bool allow_window_ = false;
 };
 
+/// As Binder::BindTarget, with `error` (1088, 4701) instead of 208.
+Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& name, std::int32_t error);
+/// Raises `error` (4506, 8156) for the first name that stands twice.
+void RequireDifferentNames(const std::vector<Column>& columns, std::int32_t error, std::string_view of);
 /// The view's columns, for the catalogue.
 std::vector<Column> DescribeView(SessionCore& session, const ast::CreateModuleStatement& view);
 

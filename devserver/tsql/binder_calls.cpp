@@ -61,6 +61,12 @@ BoundPtr Binder::BindCall(const ast::CallExpr& call, const Scope* scope) {
         arguments.push_back(BindValue(*argument, scope));
         types.push_back(arguments.back()->type);
     }
+    if (call.star) {
+        arguments = AllColumns(name, scope);
+        for (const BoundPtr& column : arguments) {
+            types.push_back(column->type);
+        }
+    }
     if (function != nullptr) {
         CheckArgumentCount(*function, arguments.size());
         auto node = std::make_shared<Bound>(
@@ -87,6 +93,24 @@ BoundPtr Binder::BindCall(const ast::CallExpr& call, const Scope* scope) {
         return MakeConstant(Compute(*node, session_), node->type);
     }
     return node;
+}
+
+/// CHECKSUM(*) and BINARY_CHECKSUM(*): all columns of the FROM clause.
+std::vector<BoundPtr> Binder::AllColumns(std::string_view function, const Scope* scope) const {
+    if ((function != "CHECKSUM" && function != "BINARY_CHECKSUM") || scope == nullptr) {
+        RaiseError(102, {"*"});
+    }
+    std::vector<BoundPtr> columns;
+    for (const ScopeSource& source : scope->sources) {
+        for (const ScopeColumn& column : source.columns) {
+            auto node = std::make_shared<Bound>(*MakeSql(column.sql, column.type, column.nullable));
+            node->source = source.exposed;
+            node->column = column.name;
+            node->depth = scope->depth;
+            columns.push_back(std::move(node));
+        }
+    }
+    return columns;
 }
 
 /// The functions that leave some arguments uncomputed.
@@ -134,7 +158,7 @@ BoundPtr Binder::BindDateCall(const ast::CallExpr& call, const Scope* scope, con
         RaiseError(1023, {"1", ToLower(call.name)});
     }
     if (!FindDatePart(word->name.last())) {
-        RaiseError(155, {word->name.last(), ToLower(call.name) + " option"});
+        RaiseError(155, {word->name.last(), ToLower(call.name)});
     }
     const std::string& part = word->name.last();
     std::vector<BoundPtr> arguments = {

@@ -1,4 +1,6 @@
 // Expressions: types, implicit conversions, predicates over queries.
+#include <array>
+
 #include "devserver/tsql/binder.h"
 #include "devserver/tsql/evaluator.h"
 #include "devserver/tsql/overloaded.h"
@@ -32,6 +34,42 @@ BoundPtr ForComparison(const BoundPtr& operand, const Type& type) {
         return operand;
     }
     return MakeConvert(operand, type);
+}
+
+/// SET CONCAT_NULL_YIELDS_NULL OFF: NULL is an empty text where texts are joined.
+BoundPtr EmptyForNull(const BoundPtr& operand) {
+    BoundPtr empty = MakeConstant(std::string(), Sized(TypeId::VarChar, 1));
+    const ScalarFunction* function = FindFunction("ISNULL");
+    const std::array types = {operand->type, empty->type};
+    auto node = std::make_shared<Bound>(
+        *MakeNode(BoundKind::Function, function->result_type(types), {operand, std::move(empty)}));
+    node->function = function;
+    return node;
+}
+
+/// What SET ANSI_NULLS OFF lets be equal to NULL: columns and what is computed from them are not.
+bool IsLooseNull(const Bound& operand) {
+    return operand.kind == BoundKind::Variable ||
+           (operand.kind == BoundKind::Constant && IsNull(operand.constant));
+}
+
+/// What such a comparison is true for besides: two NULLs are equal, NULL differs from anything else.
+BoundPtr LooseNulls(ast::CompareOp op, const BoundPtr& left, const BoundPtr& right) {
+    const BoundPtr left_null = MakeCondition(BoundKind::IsNull, {left});
+    const BoundPtr right_null = MakeCondition(BoundKind::IsNull, {right});
+    if (op == ast::CompareOp::Equal) {
+        return MakeCondition(BoundKind::And, {left_null, right_null});
+    }
+    std::vector<BoundPtr> cases;
+    if (IsLooseNull(*left)) {
+        cases.push_back(
+            MakeCondition(BoundKind::And, {left_null, MakeCondition(BoundKind::Not, {right_null})}));
+    }
+    if (IsLooseNull(*right)) {
+        cases.push_back(
+            MakeCondition(BoundKind::And, {right_null, MakeCondition(BoundKind::Not, {left_null})}));
+    }
+    return MakeCondition(BoundKind::Or, std::move(cases));
 }
 
 } // namespace
@@ -73,6 +111,11 @@ BoundPtr Binder::BindNode(const ast::Expr& expr, const Scope* scope) {
             [&](const ast::BinaryExpr& e) {
                 BoundPtr left = BindValue(*e.left, scope);
                 BoundPtr right = BindValue(*e.right, scope);
+                if (e.op == BinaryOperator::Add && !session_.options.concat_null_yields_null &&
+                    IsCharacter(OperatorType(e.op, left->type, right->type).id)) {
+                    left = EmptyForNull(left);
+                    right = EmptyForNull(right);
+                }
                 const Type type = OperatorType(e.op, left->type, right->type);
                 auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Binary, type, {left, right}));
                 node->binary = e.op;
@@ -131,6 +174,10 @@ BoundPtr Binder::BindCompare(ast::CompareOp op, const BoundPtr& left, const Boun
     auto node = std::make_shared<Bound>(
         *MakeCondition(BoundKind::Compare, {ForComparison(left, type), ForComparison(right, type)}));
     node->compare = op;
+    const bool equality = op == ast::CompareOp::Equal || op == ast::CompareOp::NotEqual;
+    if (!session_.options.ansi_nulls && equality && (IsLooseNull(*left) || IsLooseNull(*right))) {
+        return MakeCondition(BoundKind::Or, {node, LooseNulls(op, left, right)});
+    }
     return node;
 }
 
@@ -228,7 +275,8 @@ BoundPtr Binder::BindCast(const ast::CastExpr& cast, const Scope* scope) {
     if (ConversionAllowed(operand->type.id, type.id) == Allowed::Never && !IsUntypedNull(operand->type)) {
         RaiseError(529, {TypeName(operand->type.id), TypeName(type.id)});
     }
-    std::vector<BoundPtr> children = {operand};
+    std::vector<BoundPtr> children;
+    children.push_back(operand);
     if (cast.style) {
         children.push_back(BindValue(*cast.style, scope));
     }

@@ -1,7 +1,19 @@
 // FROM: tables, joins and derived tables as SQLite joins them; and what a view's columns are.
+#include <set>
+
 #include "devserver/tsql/binder.h"
+#include "devserver/tsql/scalar/text.h"
 
 namespace devsql {
+
+void RequireDifferentNames(const std::vector<Column>& columns, std::int32_t error, std::string_view of) {
+    std::set<std::string> names;
+    for (const Column& column : columns) {
+        if (!names.insert(ToUpper(column.name)).second) {
+            RaiseError(error, {column.name, of});
+        }
+    }
+}
 
 std::string Binder::BindFrom(const std::vector<ast::TableSourcePtr>& sources, Scope& scope) {
     std::string text;
@@ -42,6 +54,10 @@ std::string Binder::BindDerived(const ast::DerivedSource& derived, Scope& scope)
         source.columns.push_back({name, column.type, column.nullable, column.identity,
                                   source.sql_alias + ".c" + std::to_string(i + 1)});
     }
+    for (std::size_t i = 0; i < query.columns.size(); ++i) {
+        query.columns[i].name = source.columns[i].name;
+    }
+    RequireDifferentNames(query.columns, 8156, derived.alias);
     std::string sql = "(" + query.sql + ") AS " + source.sql_alias;
     scope.sources.push_back(std::move(source));
     return sql;
@@ -94,6 +110,7 @@ std::vector<Column> DescribeView(SessionCore& session, const ast::CreateModuleSt
             RaiseError(4511, {std::to_string(i + 1)});
         }
     }
+    RequireDifferentNames(columns, 4506, view.name.text());
     return columns;
 }
 

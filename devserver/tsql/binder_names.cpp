@@ -115,6 +115,9 @@ std::string Binder::BindNamed(const ast::NamedSource& named, Scope& scope) {
                 source.columns.push_back({column.name, column.type, column.nullable, column.identity,
                                           alias + ".c" + std::to_string(i + 1)});
             }
+            if (entry->recursive) { // How deep the row lies, under no name.
+                source.columns.push_back({"", Simple(TypeId::BigInt), false, false, alias + ".level"});
+            }
             scope.sources.push_back(std::move(source));
             return (entry->recursive ? entry->sql : "(" + entry->sql + ")") + " AS " + alias;
         }
@@ -245,6 +248,18 @@ std::shared_ptr<RemoteTable> Binder::Remote(const ast::Name& name) {
         }
     }
     return remote_tables_.emplace_back(std::make_shared<RemoteTable>(session_, name));
+}
+
+Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& name, std::int32_t error) {
+    constexpr std::int32_t kNoObject = 208;
+    try {
+        return Binder(session, emission).BindTarget(name);
+    } catch (const SqlError& failure) {
+        if (failure.number() == kNoObject) {
+            RaiseError(error, {name.text()});
+        }
+        throw;
+    }
 }
 
 Target Binder::BindTarget(const ast::Name& name) {

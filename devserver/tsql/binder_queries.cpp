@@ -67,8 +67,10 @@ bool HasAggregate(const Bound& node, int depth) {
 BoundQuery Binder::BindQuery(const ast::Query& query, const Scope* outer) {
     CommonTables level{common_, {}};
     CommonTables* const saved = common_;
+    const std::int64_t saved_recursion = max_recursion_;
     if (!query.with.empty()) {
         common_ = &level;
+        max_recursion_ = query.max_recursion;
         BindWith(query.with);
     }
     const bool saved_window = std::exchange(allow_window_, false);
@@ -79,6 +81,7 @@ BoundQuery Binder::BindQuery(const ast::Query& query, const Scope* outer) {
     allow_aggregates_ = saved_aggregates;
     in_aggregate_ = saved_in;
     common_ = saved;
+    max_recursion_ = saved_recursion;
     return bound;
 }
 
@@ -108,6 +111,7 @@ void Binder::BindWith(const std::vector<ast::CommonTable>& tables) {
                 RaiseError(8155, {std::to_string(i + 1), table.name});
             }
         }
+        RequireDifferentNames(entry.columns, 8156, table.name);
         common_->entries.push_back(std::move(entry));
     }
 }
@@ -138,11 +142,27 @@ std::string Binder::BindRecursive(const ast::CommonTable& table, CommonTables::E
         types.push_back(anchor.columns[i].type);
         names += (i == 0 ? "c" : ", c") + std::to_string(i + 1);
     }
-    const BoundQuery rest = BindSelect(*core, nullptr, nullptr, &types);
+    SelectParts rest;
+    BindSelectParts(*core, nullptr, nullptr, rest);
     common_ = saved;
+    if (rest.items.size() != types.size()) {
+        RaiseError(205);
+    }
+    std::string level_before = "0";
+    for (const ScopeSource& source : rest.scope.sources) {
+        if (!source.columns.empty() && source.columns.back().name.empty()) {
+            level_before = source.columns.back().sql;
+        }
+    }
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        rest.items[i] = MakeConvert(rest.items[i], types[i]);
+    }
+    rest.items.push_back(MakeSql("tsql_level(" + level_before + ", " + std::to_string(max_recursion_) + ")",
+                                 Simple(TypeId::BigInt)));
+    rest.columns.push_back({"", Simple(TypeId::BigInt), false, false});
     entry.columns = anchor.columns;
-    return "WITH RECURSIVE " + name + "(" + names + ") AS (SELECT * FROM (" + anchor.sql + ") UNION ALL " +
-           rest.sql + ") SELECT * FROM " + name;
+    return "WITH RECURSIVE " + name + "(" + names + ", level) AS (SELECT *, 0 FROM (" + anchor.sql +
+           ") UNION ALL " + EmitSelect(rest, core->distinct) + ") SELECT " + names + " FROM " + name;
 }
 
 BoundQuery Binder::BindTerm(const ast::QueryTerm& term, const Scope* outer, const ast::Query* whole) {
@@ -219,18 +239,9 @@ BoundQuery Binder::BindSetOperation(const ast::SetOperation& operation, const Sc
 
 // ------------------------------------------------------------------ one SELECT
 
-BoundQuery Binder::BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
-                              const std::vector<Type>* types) {
+BoundQuery Binder::BindSelect(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole) {
     SelectParts parts;
     BindSelectParts(core, outer, whole, parts);
-    if (types != nullptr) {
-        if (types->size() != parts.items.size()) {
-            RaiseError(205);
-        }
-        for (std::size_t i = 0; i < types->size(); ++i) {
-            parts.items[i] = MakeConvert(parts.items[i], (*types)[i]);
-        }
-    }
     BoundQuery bound;
     bound.sql = EmitSelect(parts, core.distinct);
     bound.columns = std::move(parts.columns);
@@ -278,7 +289,8 @@ void Binder::BindSelectParts(const ast::SelectCore& core, const Scope* outer, co
         parts.limit = OffsetClause(*whole);
     }
     if (core.top) {
-        parts.limit = LimitClause(core, core.top->percent ? EmitSelect(parts, core.distinct) : "");
+        const std::string rows = RowLimit(core, core.top->percent ? EmitSelect(parts, core.distinct) : "");
+        parts.limit = " LIMIT " + (core.top->ties ? CountWithTies(core, whole, parts, rows) : rows);
     }
 }
 
@@ -293,6 +305,9 @@ void Binder::ExpandStar(const ast::SelectItem& item, const Scope& scope, SelectP
         }
         found = true;
         for (const ScopeColumn& column : source.columns) {
+            if (column.name.empty()) {
+                continue;
+            }
             auto node = std::make_shared<Bound>(*MakeSql(column.sql, column.type, column.nullable));
             node->source = source.exposed;
             node->column = column.name;
@@ -333,7 +348,7 @@ void Binder::BindItems(const ast::SelectCore& core, const Scope& scope, SelectPa
 }
 
 void Binder::CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth,
-                          std::string_view clause, bool grouped) const {
+                          std::string_view clause) const {
     const Bound& wanted = IsGrouping(item) ? *item.children[0] : item;
     for (const BoundPtr& key : keys) {
         if (SameExpression(wanted, *key)) {
@@ -350,10 +365,10 @@ void Binder::CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, 
         if (clause == "HAVING") {
             RaiseError(8121, {item.source, item.column});
         }
-        RaiseError(grouped ? 8120 : 8118, {item.source, item.column});
+        RaiseError(8120, {item.source, item.column});
     }
     for (const BoundPtr& child : item.children) {
-        CheckGrouped(*child, keys, depth, clause, grouped);
+        CheckGrouped(*child, keys, depth, clause);
     }
 }
 
@@ -367,10 +382,10 @@ void Binder::CheckGrouping(const SelectParts& parts, const ast::SelectCore& core
         return;
     }
     for (const BoundPtr& item : parts.items) {
-        CheckGrouped(*item, parts.keys, parts.scope.depth, "SELECT", !core.group_by.empty());
+        CheckGrouped(*item, parts.keys, parts.scope.depth, "SELECT");
     }
     if (parts.having) {
-        CheckGrouped(*parts.having, parts.keys, parts.scope.depth, "HAVING", true);
+        CheckGrouped(*parts.having, parts.keys, parts.scope.depth, "HAVING");
     }
 }
 
@@ -398,7 +413,7 @@ std::string Binder::OrderClause(const ast::Query& query, const SelectParts& part
                 RaiseError(145);
             }
             if (!parts.keys.empty()) {
-                CheckGrouped(*value, parts.keys, scope.depth, "ORDER BY", true);
+                CheckGrouped(*value, parts.keys, scope.depth, "ORDER BY");
             }
             text = NeedsSql(*value) ? emission_.EmitCollated(value) : "NULL";
             if (parts.grouping != ast::GroupingSets::One) { // Over all sets, an order can only name columns.
@@ -456,7 +471,7 @@ std::string Binder::OffsetClause(const ast::Query& query) {
     return " LIMIT " + std::to_string(fetch) + " OFFSET " + std::to_string(offset);
 }
 
-std::string Binder::LimitClause(const ast::SelectCore& core, const std::string& counted) {
+std::string Binder::RowLimit(const ast::SelectCore& core, const std::string& counted) {
     BoundPtr count = BindValue(*core.top->count, nullptr);
     const Value value = Compute(*count, session_);
     if (IsNull(value)) {
@@ -464,14 +479,41 @@ std::string Binder::LimitClause(const ast::SelectCore& core, const std::string& 
     }
     if (core.top->percent) {
         const double percent = std::get<double>(Convert(value, count->type, Simple(TypeId::Float)));
-        return " LIMIT (SELECT CAST(ceil(count(*) * " + emission_.Parameter(percent, Simple(TypeId::Float)) +
+        return "(SELECT CAST(ceil(count(*) * " + emission_.Parameter(percent, Simple(TypeId::Float)) +
                " / 100.0) AS INTEGER) FROM (" + counted + "))";
     }
     const auto rows = std::get<std::int64_t>(Convert(value, count->type, Simple(TypeId::BigInt)));
     if (rows < 0) {
         RaiseError(1060);
     }
-    return " LIMIT " + std::to_string(rows);
+    return std::to_string(rows);
+}
+
+/// TOP … WITH TIES: how many rows rank no lower than the last of `rows`.
+std::string Binder::CountWithTies(const ast::SelectCore& core, const ast::Query* whole,
+                                  const SelectParts& parts, const std::string& rows) {
+    if (whole == nullptr || whole->order_by.empty()) {
+        RaiseError(1062);
+    }
+    SelectParts ranked = parts;
+    ranked.order.clear();
+    std::string order;
+    const bool saved = std::exchange(allow_aggregates_, true);
+    for (const ast::OrderItem& item : whole->order_by) {
+        std::size_t position = OutputPosition(*item.expr, parts.columns);
+        if (position == 0) {
+            ranked.items.push_back(BindValue(*item.expr, &parts.scope));
+            ranked.columns.push_back({"", ranked.items.back()->type, true, false});
+            position = ranked.items.size();
+        }
+        order +=
+            (order.empty() ? "c" : ", c") + std::to_string(position) +
+            (IsCharacter(ranked.columns[position - 1].type.id) ? " COLLATE " + std::string(kCollation) : "") +
+            (item.descending ? " DESC" : "");
+    }
+    allow_aggregates_ = saved;
+    return "(SELECT count(*) FROM (SELECT rank() OVER (ORDER BY " + order + ") AS r FROM (" +
+           EmitSelect(ranked, core.distinct) + ")) WHERE r <= " + rows + ")";
 }
 
 // ------------------------------------------------------------------ SELECT @v = …

@@ -225,8 +225,10 @@ END
 RETURN 0
 )",
     R"(
-IF OBJECT_ID('dbo.sysmessages') IS NULL
-CREATE TABLE dbo.sysmessages (
+IF OBJECT_ID('dbo.sysmessages') IS NOT NULL
+    EXEC sp_rename 'dbo.sysmessages', 'sysusermessages'
+IF OBJECT_ID('dbo.sysusermessages') IS NULL
+CREATE TABLE dbo.sysusermessages (
     error int NOT NULL PRIMARY KEY, severity smallint NOT NULL, dlevel smallint NOT NULL,
     description nvarchar(255) NULL, msglangid smallint NOT NULL)
 )",
@@ -241,20 +243,20 @@ BEGIN
     RETURN 1
 END
 IF @replace = 'replace'
-    DELETE master.dbo.sysmessages WHERE error = @msgnum
-IF EXISTS (SELECT * FROM master.dbo.sysmessages WHERE error = @msgnum)
+    DELETE master.dbo.sysusermessages WHERE error = @msgnum
+IF EXISTS (SELECT * FROM master.dbo.sysusermessages WHERE error = @msgnum)
 BEGIN
     RAISERROR (15043, 16, 1)
     RETURN 1
 END
-INSERT master.dbo.sysmessages VALUES (@msgnum, @severity, 0, @msgtext, 1033)
+INSERT master.dbo.sysusermessages VALUES (@msgnum, @severity, 0, @msgtext, 1033)
 RETURN 0
 )",
     R"(
 CREATE OR ALTER PROCEDURE dbo.sp_dropmessage @msgnum int, @lang sysname = NULL
 AS
 SET NOCOUNT ON
-DELETE master.dbo.sysmessages WHERE error = @msgnum
+DELETE master.dbo.sysusermessages WHERE error = @msgnum
 IF @@ROWCOUNT = 0
 BEGIN
     RAISERROR (15179, 16, 1, @msgnum)

@@ -86,9 +86,11 @@ Value DefaultValue(SessionCore& session, const ParameterDef& parameter) {
 
 } // namespace
 
-std::vector<std::size_t> BindArguments(SessionCore& session, std::string_view procedure,
-                                       const std::vector<ParameterDef>& formal,
-                                       const std::vector<ActualArgument>& actual, Frame& frame) {
+namespace {
+
+std::vector<std::size_t> BindEach(SessionCore& session, std::string_view procedure,
+                                  const std::vector<ParameterDef>& formal,
+                                  const std::vector<ActualArgument>& actual, Frame& frame) {
     if (formal.empty() && !actual.empty()) {
         RaiseError(8146, {procedure}, 2);
     }
@@ -132,7 +134,7 @@ std::vector<std::size_t> BindArguments(SessionCore& session, std::string_view pr
                 if (error.number() != 245 && error.number() != 241) {
                     throw;
                 }
-                RaiseError(8114, {TypeName(argument.type.id), TypeName(parameter.type.id)});
+                RaiseError(8114, {TypeName(argument.type.id), TypeName(parameter.type.id)}, 5);
             }
         }
         frame.variables[ToUpper(parameter.name)] = {parameter.type, std::move(value)};
@@ -147,6 +149,22 @@ std::vector<std::size_t> BindArguments(SessionCore& session, std::string_view pr
         frame.variables[ToUpper(formal[i].name)] = {formal[i].type, DefaultValue(session, formal[i])};
     }
     return positions;
+}
+
+} // namespace
+
+std::vector<std::size_t> BindArguments(SessionCore& session, std::string_view procedure,
+                                       const std::vector<ParameterDef>& formal,
+                                       const std::vector<ActualArgument>& actual, Frame& frame) {
+    constexpr std::int32_t kOfTheBatch = 119; // Found by looking at the call alone.
+    try {
+        return BindEach(session, procedure, formal, actual, frame);
+    } catch (const SqlError& error) {
+        if (error.number() == kOfTheBatch) {
+            throw;
+        }
+        throw CallError(error, std::string(procedure));
+    }
 }
 
 // ------------------------------------------------------------------ stored procedures
@@ -196,7 +214,7 @@ CallResult Interpreter::CallStored(const ObjectDef& object, Catalogue& catalogue
         const std::string counts[] = {std::to_string(transactions),
                                       std::to_string(session_.transaction_count())};
         const SqlError error = ErrorOf(266, {counts[0], counts[1]}, 2);
-        session_.Print({266, error.severity(), 2, error.text(), object.name, session_.line});
+        session_.Print({266, error.severity(), 2, error.text(), object.name, 0});
         session_.last_error = 266;
     }
     return result;

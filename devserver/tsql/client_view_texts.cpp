@@ -16,6 +16,17 @@ namespace {
 constexpr std::array kViews = {
     // ---------------------------------------------------------------- sessions
     SystemViewSource{
+        "", "sysmessages",
+        "error int, severity smallint, dlevel smallint, description nvarchar(255), msglangid smallint",
+        "SELECT error, severity, 0 AS dlevel, description, 1033 AS msglangid FROM {messages} UNION ALL "
+        "SELECT error, severity, dlevel, description, msglangid FROM main.sysusermessages"},
+    SystemViewSource{
+        "sys", "messages",
+        "message_id int, language_id smallint, severity tinyint, is_event_logged bit, text nvarchar(2048)",
+        "SELECT error AS message_id, 1033 AS language_id, severity, 0 AS is_event_logged, description AS "
+        "text FROM {messages} UNION ALL SELECT error, msglangid, severity, 0, description FROM "
+        "main.sysusermessages"},
+    SystemViewSource{
         "", "sysprocesses",
         "spid smallint, kpid smallint, blocked smallint, waittype binary(2), waittime bigint, "
         "lastwaittype nchar(32), waitresource nchar(256), dbid smallint, uid smallint, cpu int, "

@@ -124,6 +124,10 @@ void TableBuilder::AddColumn(const ast::ColumnDefinition& definition) {
     if (table_.Find(definition.name) != nullptr) {
         RaiseError(2705, {definition.name, table_.name});
     }
+    constexpr std::size_t kMostColumns = 1024;
+    if (table_.columns.size() >= kMostColumns) {
+        RaiseError(1702, {definition.name, table_.name, std::to_string(kMostColumns)});
+    }
     ColumnDef column;
     column.name = definition.name;
     for (const ColumnDef& other : table_.columns) {

@@ -4,6 +4,7 @@
 
 #include "devserver/storage/codec.h"
 #include "devserver/tsql/evaluator.h"
+#include "devserver/tsql/overloaded.h"
 #include "devserver/tsql/session_core.h"
 
 namespace devsql {
@@ -34,6 +35,27 @@ bool ChangesNothing(const Bound& convert) {
            (from.id == TypeId::SmallMoney && to.id == TypeId::Money);
 }
 
+std::size_t HashOf(const Value& value) {
+    return std::visit(
+        Overloaded{
+            [](std::monostate) { return std::size_t{0}; },
+            [](const Decimal& v) {
+                return std::hash<std::uint64_t>()(static_cast<std::uint64_t>(v.unscaled));
+            },
+            [](const DateTime& v) { return std::hash<std::int64_t>()(std::int64_t{v.days} << 32 ^ v.ticks); },
+            [](const Bytes& v) { return std::hash<std::string>()(v.data); },
+            [](const Guid& v) {
+                std::size_t hash = 0;
+                for (const std::uint8_t byte : v.bytes) {
+                    hash = hash * 31 + byte;
+                }
+                return hash;
+            },
+            [](const auto& v) { return std::hash<std::remove_cvref_t<decltype(v)>>()(v); },
+        },
+        value);
+}
+
 } // namespace
 
 Emission::Emission(SessionCore& session) : session_(session) {}
@@ -45,11 +67,16 @@ Emission::~Emission() {
 }
 
 std::string Emission::Parameter(const Value& value, const Type& type) {
-    for (std::size_t i = 0; i < parameters_.size(); ++i) {
-        if (parameters_[i].first == value && parameters_[i].second == type) {
-            return "?" + std::to_string(i + 1);
+    // The same value is the same parameter: what GROUP BY and the list of items say must be the same text.
+    const std::size_t hash = HashOf(value);
+    const auto [first, last] = places_.equal_range(hash);
+    for (auto place = first; place != last; ++place) {
+        const auto& [known, known_type] = parameters_[place->second];
+        if (known == value && known_type == type) {
+            return "?" + std::to_string(place->second + 1);
         }
     }
+    places_.emplace(hash, parameters_.size());
     parameters_.emplace_back(value, type);
     return "?" + std::to_string(parameters_.size());
 }

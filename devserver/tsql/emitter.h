@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -41,6 +42,7 @@ class Emission {
 
     SessionCore& session_;
     std::vector<std::pair<Value, Type>> parameters_;
+    std::unordered_multimap<std::size_t, std::size_t> places_; ///< in `parameters_`, by the hash of the value
     std::vector<std::int64_t> operations_;
 };
 

@@ -10,7 +10,7 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<MessageTemplate, 39> kOwnMessages = {{
+constexpr std::array<MessageTemplate, 48> kOwnMessages = {{
     {321, 15,
      "\"%1\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
      "function or to the CHANGETABLE function, ensure that your database compatibility mode is set to 90."},
@@ -48,6 +48,15 @@ constexpr std::array<MessageTemplate, 39> kOwnMessages = {{
     {10742, 15, "The offset specified in a OFFSET clause may not be negative."},
     {10744, 15, "The number of rows provided for a FETCH clause must be greater then zero."},
     {10753, 15, "The function '%1' must have an OVER clause."},
+    {1062, 16, "The TOP N WITH TIES clause is not allowed without a corresponding ORDER BY clause."},
+    {310, 15, "The value %1 specified for the MAXRECURSION option exceeds the allowed maximum of 32767."},
+    {2526, 16, "Incorrect DBCC statement. Check the documentation for the correct DBCC syntax and options."},
+    {4920, 16, "ALTER TABLE failed because trigger '%1' on table '%2' does not exist."},
+    {15048, 16, "Valid values of the database compatibility level are %1."},
+    {15054, 10, "The current compatibility level is %1."},
+    {15459, 10, "In the current database, the specified object references the following:"},
+    {15460, 10, "In the current database, the specified object is referenced by the following:"},
+    {15461, 10, "Object does not reference any object, and no objects reference it."},
     {14043, 16, "The parameter %1 cannot be NULL."},
     {14261, 16, "The specified %1 ('%2') already exists."},
     {15150, 16, "Cannot drop the %1 '%2'."},
@@ -78,7 +87,7 @@ const MessageTemplate* FindOwn(std::int32_t number) {
 }
 
 template <class Arguments>
-std::string Filled(std::string_view text, const Arguments& arguments) {
+std::string PutIn(std::string_view text, const Arguments& arguments) {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '%' && i + 1 < text.size() && text[i + 1] >= '1' && text[i + 1] <= '9') {
@@ -97,7 +106,7 @@ std::string Filled(std::string_view text, const Arguments& arguments) {
 SqlError ErrorOf(std::int32_t number, std::initializer_list<std::string_view> arguments, std::uint8_t state) {
     if (FindMessage(number) == nullptr) {
         if (const MessageTemplate* own = FindOwn(number)) {
-            return SqlError(number, own->severity, state, Filled(own->text, arguments));
+            return SqlError(number, own->severity, state, PutIn(own->text, arguments));
         }
     }
     return MakeError(number, arguments, state);
@@ -107,10 +116,26 @@ void RaiseError(std::int32_t number, std::initializer_list<std::string_view> arg
     throw ErrorOf(number, arguments, state);
 }
 
-std::optional<std::string> NumberedText(std::int32_t number, const std::vector<std::string>& arguments) {
+const MessageTemplate* FindTemplate(std::int32_t number) {
     const MessageTemplate* found = FindMessage(number);
-    found = found == nullptr ? FindOwn(number) : found;
-    return found == nullptr ? std::nullopt : std::optional(Filled(found->text, arguments));
+    return found == nullptr ? FindOwn(number) : found;
+}
+
+std::string Filled(std::string_view text, const std::vector<std::string>& arguments) {
+    return PutIn(text, arguments);
+}
+
+std::vector<const MessageTemplate*> AllTemplates() {
+    std::vector<const MessageTemplate*> all;
+    for (const std::span<const MessageTemplate> list :
+         {AllMessages(), std::span<const MessageTemplate>(kOwnMessages), LinkedMessages()}) {
+        for (const MessageTemplate& message : list) {
+            if (FindTemplate(message.number) == &message) { // A number stands once.
+                all.push_back(&message);
+            }
+        }
+    }
+    return all;
 }
 
 } // namespace devsql

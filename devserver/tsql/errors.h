@@ -3,7 +3,6 @@
 #pragma once
 
 #include <initializer_list>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +18,11 @@ SqlError ErrorOf(std::int32_t number, std::initializer_list<std::string_view> ar
 [[noreturn]] void RaiseError(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
                              std::uint8_t state = 1);
 
-/// The text of any message with its arguments put in; none for a number that has no message.
-std::optional<std::string> NumberedText(std::int32_t number, const std::vector<std::string>& arguments);
+/// Null for a number that has no message.
+const MessageTemplate* FindTemplate(std::int32_t number);
+/// A message's text with its arguments put in.
+std::string Filled(std::string_view text, const std::vector<std::string>& arguments);
+/// Every message once.
+std::vector<const MessageTemplate*> AllTemplates();
 
 } // namespace devsql

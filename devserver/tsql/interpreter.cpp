@@ -57,9 +57,15 @@ bool BeginsImplicitly(const ast::Statement& statement) {
 }
 
 Message MessageOf(const SessionCore& session, const SqlError& error) {
+    if (const auto* call = dynamic_cast<const CallError*>(&error)) {
+        return {error.number(), error.severity(), error.state(), error.text(), call->procedure(), 0};
+    }
     return {error.number(), error.severity(),          error.state(),
             error.text(),   session.frame().procedure, session.line};
 }
+
+/// How SQLite says that a statement has more of something than it takes.
+constexpr std::array<std::string_view, 4> kTooLarge = {"oo many", "oo large", "at most", "stack overflow"};
 
 SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
     switch (error.primary_code()) {
@@ -69,13 +75,15 @@ SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
                                                  : ErrorOf(1205, {std::to_string(session.id), "lock"}, 51);
     case SQLITE_TOOBIG:
     case SQLITE_ERROR: // A statement too large for SQLite: depth, columns, terms of a compound.
-        return std::string_view(error.what()).find("oo many") != std::string_view::npos ||
-                       std::string_view(error.what()).find("oo large") != std::string_view::npos ||
-                       std::string_view(error.what()).find("stack overflow") != std::string_view::npos
+        return std::ranges::any_of(kTooLarge,
+                                   [&](std::string_view words) {
+                                       return std::string_view(error.what()).find(words) !=
+                                              std::string_view::npos;
+                                   })
                    ? ErrorOf(8623)
                    : ErrorOf(8624, {error.what()});
     case SQLITE_FULL:
-        return ErrorOf(1105, {"", "", "PRIMARY"}, 2);
+        return ErrorOf(1105, {"", session.CurrentDatabaseName(), "PRIMARY"}, 2);
     default:
         return ErrorOf(8624, {error.what()});
     }
@@ -86,6 +94,7 @@ SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
 // ------------------------------------------------------------------ entries
 
 void Interpreter::RunGuarded(const std::function<void()>& work) {
+    const DateSettingsScope dates(session_.options.dates);
     try {
         work();
     } catch (const BatchAborted&) {
@@ -434,7 +443,12 @@ Interpreter::Flow Interpreter::ExecuteDefinition(const ast::Statement& statement
                    [&](const ast::CreatePrincipalStatement& s) { RunCreatePrincipal(session_, s); },
                    [&](const ast::CreateTypeStatement& s) { RunCreateType(session_, s); },
                    [&](const ast::AlterRoleStatement& s) { RunAlterRole(session_, s); },
-                   [&](const ast::MaintenanceStatement&) { session_.Done(Command::None, std::nullopt); },
+                   [&](const ast::MaintenanceStatement& s) {
+                       if (s.tells) {
+                           session_.Info(2528);
+                       }
+                       session_.Done(Command::None, std::nullopt);
+                   },
                    [&](const ast::CheckIdentityStatement& s) { RunCheckIdentity(session_, s); },
                    [&](const ast::KillStatement& s) {
                        session_.server.Kill(static_cast<std::int32_t>(s.session), session_);

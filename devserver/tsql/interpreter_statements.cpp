@@ -13,6 +13,7 @@
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/statements.h"
+#include "devserver/tsql/user_messages.h"
 
 namespace devsql {
 
@@ -56,6 +57,19 @@ void Interpreter::SetVariable(const ast::SetVariableStatement& set) {
 
 namespace {
 
+std::int64_t Number(SessionCore& session, const ast::Expr& expr, std::int64_t otherwise) {
+    Type type;
+    const Value value = ComputeExpression(session, expr, &type);
+    return IsNull(value) ? otherwise : std::get<std::int64_t>(Convert(value, type, Simple(TypeId::Int)));
+}
+
+/// Empty for NULL.
+std::string TextOf(SessionCore& session, const ast::Expr& expr) {
+    Type type;
+    const Value value = ComputeExpression(session, expr, &type);
+    return IsNull(value) ? std::string() : ValueText(value, type);
+}
+
 struct Switch {
     std::string_view name;
     bool Options::*member;
@@ -78,7 +92,7 @@ struct Fixed {
     std::string_view name;
     std::string_view value; ///< empty: any
 };
-constexpr std::array<Fixed, 17> kFixed = {{{"ANSI_WARNINGS", ""},
+constexpr std::array<Fixed, 16> kFixed = {{{"ANSI_WARNINGS", ""},
                                            {"ANSI_PADDING", ""},
                                            {"ANSI_NULL_DFLT_ON", ""},
                                            {"ANSI_NULL_DFLT_OFF", "OFF"},
@@ -93,23 +107,44 @@ constexpr std::array<Fixed, 17> kFixed = {{{"ANSI_WARNINGS", ""},
                                            {"STATISTICS TIME", "OFF"},
                                            {"STATISTICS PROFILE", "OFF"},
                                            {"LANGUAGE", "US_ENGLISH"},
-                                           {"DATEFORMAT", "MDY"},
                                            {"DEADLOCK_PRIORITY", ""}}};
 
 struct NumberOption {
     std::string_view name;
     std::int64_t Options::*member;
 };
-constexpr std::array<NumberOption, 4> kNumbers = {{{"ROWCOUNT", &Options::rowcount},
+constexpr std::array<NumberOption, 3> kNumbers = {{{"ROWCOUNT", &Options::rowcount},
                                                    {"TEXTSIZE", &Options::textsize},
-                                                   {"LOCK_TIMEOUT", &Options::lock_timeout},
-                                                   {"DATEFIRST", &Options::datefirst}}};
+                                                   {"LOCK_TIMEOUT", &Options::lock_timeout}}};
+
+void SetFirstDay(DateSettings& dates, std::int64_t day) {
+    if (day < 1 || day > 7) {
+        RaiseError(2742, {std::to_string(day)});
+    }
+    dates.first_day = static_cast<std::int32_t>(day);
+}
+
+void SetDateOrder(DateSettings& dates, const std::string& order) {
+    constexpr std::array<std::pair<std::string_view, DateOrder>, 3> kOrders = {
+        {{"MDY", DateOrder::MonthDayYear},
+         {"DMY", DateOrder::DayMonthYear},
+         {"YMD", DateOrder::YearMonthDay}}};
+    for (const auto& [name, value] : kOrders) {
+        if (name == order) {
+            dates.order = value;
+            return;
+        }
+    }
+    constexpr std::array<std::string_view, 3> kRare = {"YDM", "MYD", "DYM"};
+    RaiseError(std::ranges::find(kRare, order) == kRare.end() ? 2741 : 40517,
+               {std::ranges::find(kRare, order) == kRare.end() ? order : "DATEFORMAT " + order});
+}
 
 } // namespace
 
 void Interpreter::SetIdentityInsert(const ast::SetOptionStatement& set) {
     Emission emission(session_);
-    const Target target = Binder(session_, emission).BindTarget(set.table);
+    const Target target = BindTargetAs(session_, emission, set.table, 1088);
     const std::string key = target.table->alias + "." + std::to_string(target.table->id);
     if (target.table->IdentityColumn() == nullptr) {
         RaiseError(8106, {set.table.text()});
@@ -138,6 +173,14 @@ void Interpreter::SetOption(const ast::SetOptionStatement& set) {
             options.others[option] = set.value;
             continue;
         }
+        if (option == "DATEFIRST" && set.expr) {
+            SetFirstDay(options.dates, Number(session_, *set.expr, 0));
+            continue;
+        }
+        if (option == "DATEFORMAT") {
+            SetDateOrder(options.dates, set.expr ? AsciiUpper(TextOf(session_, *set.expr)) : set.value);
+            continue;
+        }
         bool known = false;
         for (const Switch& entry : kSwitches) {
             if (entry.name == option) {
@@ -151,10 +194,6 @@ void Interpreter::SetOption(const ast::SetOptionStatement& set) {
                 const Value value = ComputeExpression(session_, *set.expr, &type);
                 options.*entry.member = std::get<std::int64_t>(Convert(value, type, Simple(TypeId::BigInt)));
                 known = true;
-                if (option == "DATEFIRST" && options.datefirst != 7) {
-                    options.datefirst = 7;
-                    RaiseError(40517, {"DATEFIRST other than 7"});
-                }
             }
         }
         for (const Fixed& entry : kFixed) {
@@ -183,29 +222,6 @@ void Interpreter::Print(const ast::PrintStatement& print) {
     session_.Print({0, 0, 1, SubText(text, 0, 8000), session_.frame().procedure, session_.line});
 }
 
-namespace {
-
-std::int64_t Number(SessionCore& session, const ast::Expr& expr, std::int64_t otherwise) {
-    Type type;
-    const Value value = ComputeExpression(session, expr, &type);
-    return IsNull(value) ? otherwise : std::get<std::int64_t>(Convert(value, type, Simple(TypeId::Int)));
-}
-
-struct UserMessage {
-    std::int64_t severity;
-    std::string text;
-};
-
-/// What sp_addmessage has put into master.
-std::optional<UserMessage> FindUserMessage(SessionCore& session, std::int32_t number) {
-    SqliteStatement row =
-        session.connection.Prepare("SELECT severity, description FROM main.sysmessages WHERE error = ?1");
-    row.BindInt(1, number);
-    return row.Step() ? std::optional(UserMessage{row.Int(0), row.Text(1)}) : std::nullopt;
-}
-
-} // namespace
-
 void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
     Type type;
     const Value message = ComputeExpression(session_, *raise.message, &type);
@@ -228,21 +244,15 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
     } else {
         number =
             static_cast<std::int32_t>(std::get<std::int64_t>(Convert(message, type, Simple(TypeId::Int))));
-        std::vector<std::string> texts;
-        texts.reserve(arguments.size());
-        for (const FormatArgument& argument : arguments) {
-            texts.push_back(IsNull(argument.value) ? "(null)" : ValueText(argument.value, argument.type));
-        }
-        const std::optional<std::string> known = NumberedText(number, texts);
         if (number < 13000 || number == 50000) {
             RaiseError(2732, {std::to_string(number), "13000", "2147483647"});
         }
-        const std::optional<UserMessage> own = known ? std::nullopt : FindUserMessage(session_, number);
-        if (!known && !own) {
+        const std::optional<NumberedMessage> found = FindMessageText(session_, number, arguments);
+        if (!found) {
             RaiseError(18054, {std::to_string(number), std::to_string(severity), std::to_string(state)});
         }
-        severity = own && severity < 0 ? own->severity : severity;
-        text = own ? FormatRaiserror(own->text, arguments) : *known;
+        severity = severity < 0 ? found->severity : severity;
+        text = found->text;
     }
     constexpr std::int64_t kHighestUnlogged = 18;
     constexpr std::int64_t kFirstFatal = 20;

@@ -1,7 +1,10 @@
-// An error that knows the line it stands in: what lexer and parser raise.
+// Errors that know where they happened: at a line, which lexer and parser tell, or in the call of a
+// procedure.
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <utility>
 
 #include "devserver/tsql/scalar/sql_error.h"
 
@@ -16,6 +19,18 @@ class LocatedError : public SqlError {
 
   private:
     std::int32_t line_;
+};
+
+/// An error of a procedure's arguments: told in the procedure's name, before its first line.
+class CallError : public SqlError {
+  public:
+    CallError(const SqlError& error, std::string procedure)
+        : SqlError(error), procedure_(std::move(procedure)) {}
+
+    const std::string& procedure() const noexcept { return procedure_; }
+
+  private:
+    std::string procedure_;
 };
 
 } // namespace devsql

@@ -215,6 +215,60 @@ Value ColName(SessionCore& session, Values values, Types types) {
     return {};
 }
 
+/// The columns of an index, or nothing where the table or the index is none.
+const IndexDef* FindIndex(const TablePtr& table, bool (*test)(const IndexDef&, const std::string&),
+                          const std::string& wanted) {
+    for (const IndexDef& index :
+         table ? std::span<const IndexDef>(table->indexes) : std::span<const IndexDef>()) {
+        if (test(index, wanted)) {
+            return &index;
+        }
+    }
+    return nullptr;
+}
+
+Value IndexProperty(SessionCore& session, Values values, Types types) {
+    const TablePtr table = TableById(session, values, types, 0);
+    const IndexDef* index = FindIndex(
+        table, [](const IndexDef& i, const std::string& name) { return CompareText(i.name, name) == 0; },
+        TextOf(values, types, 1));
+    if (index == nullptr) {
+        return {};
+    }
+    const std::string property = AsciiUpper(TextOf(values, types, 2));
+    const std::pair<std::string_view, std::int64_t> properties[] = {
+        {"INDEXID", index->id},      {"ISCLUSTERED", index->clustered},
+        {"ISUNIQUE", index->unique}, {"INDEXDEPTH", 1},
+        {"INDEXFILLFACTOR", 0},      {"ISAUTOSTATISTICS", 0},
+        {"ISDISABLED", 0},           {"ISFULLTEXTKEY", 0},
+        {"ISHYPOTHETICAL", 0},       {"ISPADINDEX", 0},
+        {"ISSTATISTICS", 0},         {"ISPAGELOCKDISALLOWED", 0},
+        {"ISROWLOCKDISALLOWED", 0}};
+    for (const auto& [name, value] : properties) {
+        if (name == property) {
+            return value;
+        }
+    }
+    return {};
+}
+
+/// INDEX_COL(table, index id, key): the key's column.
+Value IndexColumn(SessionCore& session, Values values, Types types) {
+    const std::optional<Found> found = FindNamed(session, TextOf(values, types, 0));
+    const TablePtr table =
+        found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const IndexDef* index = FindIndex(
+        table, [](const IndexDef& i, const std::string& id) { return std::to_string(i.id) == id; },
+        TextOf(values, types, 1));
+    const std::optional<std::int64_t> key = IntOf(values, types, 2);
+    if (index == nullptr || !key || *key < 1 || *key > std::ssize(index->columns)) {
+        return {};
+    }
+    const int wanted = index->columns[static_cast<std::size_t>(*key - 1)].column;
+    const auto column = std::ranges::find(table->columns, wanted, &ColumnDef::id);
+    return column == table->columns.end() ? Value() : Value(column->name);
+}
+
 Value IdentityInfo(SessionCore& session, const std::string& name, int what) {
     const std::optional<Found> found = FindNamed(session, name);
     const TablePtr table =
@@ -236,6 +290,8 @@ constexpr SessionFunction kFunctions[] = {
     {"OBJECTPROPERTY", 2, 2, kInt, ObjectProperty, false},
     {"OBJECTPROPERTYEX", 2, 2, kInt, ObjectProperty, false},
     {"COLUMNPROPERTY", 3, 3, kInt, ColumnProperty, false},
+    {"INDEXPROPERTY", 3, 3, kInt, IndexProperty, false},
+    {"INDEX_COL", 3, 3, kName, IndexColumn, false},
     {"COL_LENGTH", 2, 2, Simple(TypeId::SmallInt), ColLength, false},
     {"COL_NAME", 2, 2, kName, ColName, false},
     {"IDENT_CURRENT", 1, 1, DecimalType(38, 0),

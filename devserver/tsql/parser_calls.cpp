@@ -1,6 +1,8 @@
 // EXECUTE, messages, waiting, transactions, and the statements that only look after the server.
+#include <algorithm>
 #include <array>
 
+#include "devserver/tsql/errors.h"
 #include "devserver/tsql/parser_impl.h"
 #include "devserver/tsql/scalar/text.h"
 
@@ -121,6 +123,12 @@ StatementPtr Parser::ParseRaiserror() {
     return Wrap(std::move(raise));
 }
 
+bool Parser::BeginsStatementOfNames() const {
+    const TokenKind next = Peek(1).kind;
+    return (IsWord("THROW") && (next == TokenKind::Integer || next == TokenKind::Variable)) ||
+           ((IsWord("DISABLE") || IsWord("ENABLE")) && IsWord("TRIGGER", 1));
+}
+
 StatementPtr Parser::ParseThrow() {
     ExpectWord("THROW");
     ThrowStatement statement;
@@ -193,9 +201,11 @@ StatementPtr Parser::ParseMaintenance() {
     }
     if (TakeWords({"UPDATE", "STATISTICS"})) {
         TakeObjectName();
-        if (TakeWord("WITH")) {
-            ExpectWord("FULLSCAN");
+        if (IsName() && !IsWord("WITH")) {
+            TakeName();
         }
+        SkipParenthesized();
+        SkipStatisticsOptions();
         return Wrap(MaintenanceStatement{"UPDATE STATISTICS"});
     }
     if (TakeWord("RECONFIGURE")) {
@@ -213,12 +223,18 @@ StatementPtr Parser::ParseMaintenance() {
     if (StatementPtr truncation = ParseLogTruncation()) {
         return truncation;
     }
-    constexpr std::array<std::string_view, 14> kRefused = {
-        "BACKUP",     "RESTORE",  "BULK",    "DUMP",  "LOAD",    "READTEXT", "WRITETEXT",
-        "UPDATETEXT", "SHUTDOWN", "SETUSER", "MERGE", "DISABLE", "ENABLE",   "REVERT"};
+    constexpr std::array<std::string_view, 11> kRefused = {"BACKUP",   "RESTORE",   "DUMP",       "LOAD",
+                                                           "READTEXT", "WRITETEXT", "UPDATETEXT", "SHUTDOWN",
+                                                           "SETUSER",  "MERGE",     "REVERT"};
     for (const std::string_view word : kRefused) {
         if (IsWord(word)) {
             UnsupportedStatement(word);
+        }
+    }
+    constexpr std::array<std::string_view, 3> kRefusedWithNext = {"BULK", "DISABLE", "ENABLE"};
+    for (const std::string_view word : kRefusedWithNext) {
+        if (IsWord(word)) {
+            UnsupportedStatement(std::string(word) + " " + AsciiUpper(Peek(1).text));
         }
     }
     return nullptr;
@@ -263,35 +279,88 @@ StatementPtr Parser::ParseCheckIdentity() {
     return Wrap(std::move(check));
 }
 
+/// "(…)" with whatever stands in it, if it stands there.
+void Parser::SkipParenthesized() {
+    if (!TakeSymbol("(")) {
+        return;
+    }
+    while (!TakeSymbol(")")) {
+        if (AtEnd()) {
+            SyntaxError();
+        }
+        Take();
+    }
+}
+
+/// WITH FULLSCAN, SAMPLE 50 PERCENT, NORECOMPUTE: this server keeps no statistics.
+void Parser::SkipStatisticsOptions() {
+    if (!TakeWord("WITH")) {
+        return;
+    }
+    do {
+        if (TakeWord("SAMPLE")) {
+            TakeInteger();
+            TakeOneOf({"PERCENT", "ROWS"});
+        } else if (TakeOneOf({"FULLSCAN", "RESAMPLE", "NORECOMPUTE", "ALL", "COLUMNS", "INDEX"}) < 0) {
+            SyntaxError();
+        }
+    } while (TakeSymbol(","));
+}
+
+/// CREATE STATISTICS name ON table (columns)
+StatementPtr Parser::ParseCreateStatistics() {
+    TakeName();
+    ExpectWord("ON");
+    TakeObjectName();
+    ParseNameList();
+    SkipStatisticsOptions();
+    return Wrap(MaintenanceStatement{"CREATE STATISTICS"});
+}
+
+/// ALTER INDEX name | ALL ON table REBUILD | REORGANIZE
+StatementPtr Parser::ParseAlterIndex() {
+    if (!TakeWord("ALL")) {
+        TakeName();
+    }
+    ExpectWord("ON");
+    TakeObjectName();
+    if (TakeOneOf({"REBUILD", "REORGANIZE"}) < 0) {
+        UnsupportedStatement("ALTER INDEX " + AsciiUpper(Peek().text));
+    }
+    if (TakeWord("WITH")) {
+        SkipParenthesized();
+    }
+    return Wrap(MaintenanceStatement{"ALTER INDEX"});
+}
+
 StatementPtr Parser::ParseDbcc() {
     ExpectWord("DBCC");
+    const std::int32_t line = Peek().line;
     const std::string name = AsciiUpper(Take().text);
     if (name == "CHECKIDENT") {
         return ParseCheckIdentity();
     }
     // These tidy or check what this server has no need to tidy and checks by itself.
-    constexpr std::array<std::string_view, 8> kAccepted = {
-        "CHECKDB",   "CHECKTABLE",  "SHRINKDATABASE", "SHRINKFILE",
-        "DBREINDEX", "UPDATEUSAGE", "FREEPROCCACHE",  "DROPCLEANBUFFERS"};
-    bool accepted = false;
-    for (const std::string_view word : kAccepted) {
-        accepted = accepted || word == name;
+    constexpr std::array<std::string_view, 14> kAccepted = {
+        "CHECKDB",         "CHECKTABLE",       "CHECKALLOC",  "CHECKCATALOG", "SHRINKDATABASE",
+        "SHRINKFILE",      "DBREINDEX",        "INDEXDEFRAG", "UPDATEUSAGE",  "FREEPROCCACHE",
+        "FREESYSTEMCACHE", "DROPCLEANBUFFERS", "TRACEON",     "TRACEOFF"};
+    constexpr std::array<std::string_view, 9> kRefused = {"CHECKCONSTRAINTS", "CLEANTABLE",   "INPUTBUFFER",
+                                                          "OPENTRAN",         "OUTPUTBUFFER", "SHOWCONTIG",
+                                                          "SHOW_STATISTICS",  "SQLPERF",      "USEROPTIONS"};
+    if (std::ranges::find(kAccepted, name) == kAccepted.end()) {
+        const bool known = std::ranges::find(kRefused, name) != kRefused.end();
+        throw LocatedError(known ? ErrorOf(40517, {"DBCC " + name}) : ErrorOf(2526, {}, 3), line);
     }
-    if (!accepted) {
-        Unsupported("DBCC " + name);
+    SkipParenthesized();
+    MaintenanceStatement statement{"DBCC " + name, true};
+    if (TakeWord("WITH")) {
+        do {
+            const std::string option = TakeName();
+            statement.tells = statement.tells && !AsciiEqual(option, "NO_INFOMSGS");
+        } while (TakeSymbol(","));
     }
-    if (TakeSymbol("(")) {
-        while (!TakeSymbol(")")) {
-            if (AtEnd()) {
-                SyntaxError();
-            }
-            Take();
-        }
-    }
-    if (TakeWords({"WITH", "NO_INFOMSGS"})) {
-        TakeSymbol(";");
-    }
-    return Wrap(MaintenanceStatement{"DBCC " + name});
+    return Wrap(std::move(statement));
 }
 
 } // namespace devsql

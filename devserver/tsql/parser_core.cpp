@@ -468,7 +468,8 @@ Batch Parser::ParseWholeBatch() {
     module_allowed_ = true;
     while (TakeSymbol(";")) {
     }
-    if (!AtEnd() && IsName() && !IsSymbol(":", 1)) { // A procedure's name alone begins a batch.
+    if (!AtEnd() && IsName() && !IsSymbol(":", 1) &&
+        !BeginsStatementOfNames()) { // A procedure's name alone begins a batch.
         const std::int32_t line = Peek().line;
         batch.statements.push_back(Wrap(ParseProcedureCall()));
         batch.statements.back()->line = line;

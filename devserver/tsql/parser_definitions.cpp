@@ -35,6 +35,9 @@ StatementPtr Parser::ParseCreate() {
     if (IsWord("UNIQUE") || IsWord("CLUSTERED") || IsWord("NONCLUSTERED") || IsWord("INDEX")) {
         return ParseCreateIndex();
     }
+    if (TakeWord("STATISTICS")) {
+        return ParseCreateStatistics();
+    }
     for (const KindWord& entry : kKinds) {
         if (!TakeWord(entry.word)) {
             continue;
@@ -81,6 +84,9 @@ StatementPtr Parser::ParseAlter() {
     if (TakeWord("VIEW")) {
         return ParseModule(ObjectKind::View, true, false);
     }
+    if (TakeWord("INDEX")) {
+        return ParseAlterIndex();
+    }
     if (TakeWord("ROLE")) {
         return ParseAlterRole();
     }
@@ -94,6 +100,12 @@ StatementPtr Parser::ParseDrop() {
     ExpectWord("DROP");
     if (TakeWord("INDEX")) {
         return ParseDropIndex();
+    }
+    if (TakeWord("STATISTICS")) {
+        do {
+            TakeObjectName();
+        } while (TakeSymbol(","));
+        return Wrap(MaintenanceStatement{"DROP STATISTICS"});
     }
     for (const KindWord& entry : kKinds) {
         if (!TakeWord(entry.word)) {
@@ -378,7 +390,12 @@ StatementPtr Parser::ParseAlterTable() {
             alter.names.push_back(TakeWord("ALL") ? "ALL" : TakeName());
         } while (TakeSymbol(","));
     } else if ((IsWord("ENABLE") || IsWord("DISABLE")) && IsWord("TRIGGER", 1)) {
-        UnsupportedStatement("ALTER TABLE " + AsciiUpper(Peek().text) + " TRIGGER");
+        Take();
+        Take();
+        alter.action = AlterTableAction::Triggers;
+        do {
+            alter.names.push_back(TakeWord("ALL") ? "ALL" : TakeName());
+        } while (TakeSymbol(","));
     } else {
         SyntaxError();
     }

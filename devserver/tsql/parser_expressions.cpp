@@ -151,6 +151,9 @@ ast::ExprPtr Parser::ParsePredicate() {
         return Make(ast::ExistsExpr{std::move(query)});
     }
     ast::ExprPtr left = ParseAdditive();
+    if (IsSymbol("*=") || (IsSymbol("=") && IsSymbol("*", 1))) {
+        Fail(4147);
+    }
     for (const ComparisonSymbol& comparison : kComparisons) {
         if (TakeSymbol(comparison.symbol)) {
             return ParseComparison(std::move(left), comparison.op);

@@ -121,7 +121,8 @@ class Parser {
     ast::QueryPtr ParseValues();
     bool ParseJoinKind(ast::JoinKind& kind);
     void SkipTableHints();
-    void SkipQueryOptions();
+    /// OPTION (…), and what it says of MAXRECURSION.
+    std::int64_t SkipQueryOptions();
     std::vector<ast::OrderItem> ParseOrderBy();
     void ParseOffset(ast::Query& query);
     void ParseOutputs(std::vector<ast::OutputClause>& outputs);
@@ -157,12 +158,19 @@ class Parser {
     ast::ExecuteStatement ParseProcedureCall();
     ast::Argument ParseArgument();
     ast::StatementPtr ParseRaiserror();
+    /// THROW with its arguments, DISABLE TRIGGER: statements whose first word is not reserved and may be the
+    /// name of a procedure.
+    bool BeginsStatementOfNames() const;
     ast::StatementPtr ParseThrow();
     ast::StatementPtr ParseWaitfor();
     ast::StatementPtr ParseTransaction(ast::TransactionAction action);
     ast::StatementPtr ParseFetch();
     ast::StatementPtr ParseMaintenance();
     ast::StatementPtr ParseDbcc();
+    ast::StatementPtr ParseCreateStatistics();
+    ast::StatementPtr ParseAlterIndex();
+    void SkipParenthesized();
+    void SkipStatisticsOptions();
     ast::StatementPtr ParseCheckIdentity();
     ast::StatementPtr ParseLogTruncation();
 

@@ -48,7 +48,7 @@ QueryPtr Parser::ParseQuery() {
             Unsupported("FOR " + AsciiUpper(Peek().text));
         }
     }
-    SkipQueryOptions();
+    query->max_recursion = SkipQueryOptions();
     return query;
 }
 
@@ -115,6 +115,9 @@ SelectCore Parser::ParseSelectCore() {
         TakeWord("ALL");
     }
     core.top = ParseTop();
+    if (core.top) {
+        core.top->ties = TakeWords({"WITH", "TIES"});
+    }
     do {
         core.items.push_back(ParseSelectItem());
     } while (TakeSymbol(","));
@@ -164,9 +167,6 @@ std::optional<Top> Parser::ParseTop() {
     Top top;
     top.count = IsSymbol("(") ? ParseParenthesized() : ParsePrimary();
     top.percent = TakeWord("PERCENT");
-    if (TakeWords({"WITH", "TIES"})) {
-        Unsupported("WITH TIES");
-    }
     return top;
 }
 
@@ -400,9 +400,11 @@ void Parser::SkipTableHints() {
     ExpectSymbol(")");
 }
 
-void Parser::SkipQueryOptions() {
+std::int64_t Parser::SkipQueryOptions() {
+    constexpr std::int64_t kHighest = 32767;
+    std::int64_t max_recursion = Query().max_recursion;
     if (!IsWord("OPTION") || !IsSymbol("(", 1)) {
-        return;
+        return max_recursion;
     }
     Take();
     ExpectSymbol("(");
@@ -410,8 +412,16 @@ void Parser::SkipQueryOptions() {
         if (AtEnd()) {
             SyntaxError();
         }
-        Take();
+        if (TakeWord("MAXRECURSION")) {
+            max_recursion = TakeInteger();
+            if (max_recursion > kHighest) {
+                Fail(310, {std::to_string(max_recursion)});
+            }
+        } else {
+            Take();
+        }
     }
+    return max_recursion;
 }
 
 /// OFFSET n ROWS [FETCH NEXT m ROWS ONLY]

@@ -296,7 +296,7 @@ StatementPtr Parser::ParseCursorDeclaration(std::string name) {
     if (IsWord("ORDER")) {
         cursor.query->order_by = ParseOrderBy();
     }
-    SkipQueryOptions();
+    cursor.query->max_recursion = SkipQueryOptions();
     if (TakeWords({"FOR", "READ", "ONLY"})) {
         cursor.read_only = true;
     } else if (TakeWords({"FOR", "UPDATE"})) {

@@ -100,6 +100,14 @@ void SessionCore::RegisterFunctions() {
         }
         call.PassOn(0);
     });
+    connection.AddFunction("tsql_level", [](const FunctionCall& call) {
+        const std::int64_t level = call.Int(0) + 1;
+        const std::int64_t limit = call.Int(1);
+        if (limit > 0 && level > limit) {
+            RaiseError(530, {std::to_string(limit)});
+        }
+        call.Result(level, Simple(TypeId::BigInt));
+    });
     // Only counted where a query takes the column.
     connection.AddFunction("tsql_rows", [this](const FunctionCall& call) {
         const std::string database = std::get<std::string>(call.Argument(0, Sized(TypeId::NVarChar, 128)));

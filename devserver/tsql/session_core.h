@@ -21,6 +21,7 @@
 #include "devserver/tsql/engine.h"
 #include "devserver/tsql/errors.h"
 #include "devserver/tsql/remote_servers.h"
+#include "devserver/tsql/scalar/date_settings.h"
 
 namespace devsql {
 
@@ -64,7 +65,7 @@ struct Options {
     std::int64_t rowcount = 0;
     std::int64_t textsize = 2147483647;
     std::int64_t lock_timeout = -1;
-    std::int64_t datefirst = 7;
+    DateSettings dates;
     std::map<std::string, std::string> others; ///< accepted, kept, without effect here
 };
 
@@ -201,7 +202,8 @@ class SessionCore {
     ResultSink& sink() { return *sink_; }
     ResultSink* ExchangeSink(ResultSink* sink) { return std::exchange(sink_, sink); }
     void Print(const Message& message);
-    void Info(std::int32_t number, std::initializer_list<std::string_view> arguments, std::uint8_t state = 1);
+    void Info(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
+              std::uint8_t state = 1);
     void Done(Command command, std::optional<std::int64_t> rows);
 
     /// Throws when the client has asked for an end, or the session has been thrown out.

@@ -5,9 +5,12 @@
 
 #include "devserver/tsql/binder.h"
 #include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/digests.h"
+#include "devserver/tsql/scalar/functions.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/server.h"
 #include "devserver/tsql/session_function_parts.h"
+#include "devserver/tsql/user_messages.h"
 #include "devserver/tsql/version.h"
 
 namespace devsql {
@@ -170,6 +173,63 @@ Value CursorStatus(SessionCore& session, Values values, Types types) {
     return std::int64_t{!cursor ? -3 : cursor->open ? (cursor->rows.rows.empty() ? 0 : 1) : -1};
 }
 
+/// FORMATMESSAGE: a message by number or a text, with its arguments put in. NULL for a number that is none.
+Value FormatMessage(SessionCore& session, Values values, Types types) {
+    std::vector<FormatArgument> arguments;
+    for (std::size_t i = 1; i < values.size(); ++i) {
+        arguments.push_back({values[i], types[i]});
+    }
+    if (IsNull(values[0])) {
+        return {};
+    }
+    if (IsCharacter(types[0].id)) {
+        return FormatRaiserror(TextOf(values, types, 0), arguments);
+    }
+    const auto number = static_cast<std::int32_t>(IntOf(values, types, 0).value_or(0));
+    const std::optional<NumberedMessage> found = FindMessageText(session, number, arguments);
+    return found ? Value(found->text) : Value();
+}
+
+Value HashBytes(SessionCore&, Values values, Types types) {
+    struct Algorithm {
+        std::string_view name;
+        std::string (*digest)(std::string text); ///< null: not here
+    };
+    constexpr Algorithm kAlgorithms[] = {{"MD5", Md5},         {"SHA", Sha1},    {"SHA1", Sha1},
+                                         {"SHA2_256", Sha256}, {"MD2", nullptr}, {"MD4", nullptr},
+                                         {"SHA2_512", nullptr}};
+    const std::string name = AsciiUpper(TextOf(values, types, 0));
+    const auto* const found = std::ranges::find(kAlgorithms, name, &Algorithm::name);
+    if (found == std::end(kAlgorithms) || IsNull(values[1])) {
+        return {};
+    }
+    if (found->digest == nullptr) {
+        RaiseError(40517, {"HASHBYTES " + name});
+    }
+    const Value bytes = Convert(values[1], types[1], Sized(TypeId::VarBinary, kMaxLength));
+    return Bytes{found->digest(std::get<Bytes>(bytes).data)};
+}
+
+/// The SET options of the session, 1 or 0.
+Value SessionProperty(SessionCore& session, Values values, Types types) {
+    const std::string name = AsciiUpper(TextOf(values, types, 0));
+    const Options& options = session.options;
+    const std::pair<std::string_view, bool> properties[] = {
+        {"ANSI_NULLS", options.ansi_nulls},
+        {"ANSI_PADDING", true},
+        {"ANSI_WARNINGS", true},
+        {"ARITHABORT", true},
+        {"CONCAT_NULL_YIELDS_NULL", options.concat_null_yields_null},
+        {"NUMERIC_ROUNDABORT", false},
+        {"QUOTED_IDENTIFIER", options.quoted_identifier}};
+    for (const auto& [property, value] : properties) {
+        if (property == name) {
+            return std::int64_t{value};
+        }
+    }
+    return {};
+}
+
 const Message* Caught(const SessionCore& session) {
     return session.caught.empty() ? nullptr : &session.caught.back().message;
 }
@@ -222,6 +282,9 @@ constexpr SessionFunction kFunctions[] = {
          return s.frame().has_scope_identity ? Value(Decimal{s.frame().scope_identity, 0}) : Value();
      },
      true},
+    {"FORMATMESSAGE", 1, 21, Sized(TypeId::NVarChar, 4000), FormatMessage, false},
+    {"HASHBYTES", 2, 2, Sized(TypeId::VarBinary, 8000), HashBytes, false},
+    {"SESSIONPROPERTY", 1, 1, kInt, SessionProperty, false},
     {"DB_ID", 0, 1, Simple(TypeId::SmallInt), DbId, false},
     {"DB_NAME", 0, 1, kName, DbName, false},
     {"SERVERPROPERTY", 1, 1, Sized(TypeId::NVarChar, 256), ServerProperty, false},
@@ -312,7 +375,8 @@ constexpr GlobalVariable kGlobals[] = {
     {"@@MICROSOFTVERSION", kInt, [](SessionCore&) -> Value { return std::int64_t{0x0E0003E8}; }},
     {"@@LANGUAGE", kName, [](SessionCore&) -> Value { return std::string("us_english"); }},
     {"@@LANGID", Simple(TypeId::SmallInt), [](SessionCore&) -> Value { return std::int64_t{0}; }},
-    {"@@DATEFIRST", Simple(TypeId::TinyInt), [](SessionCore& s) -> Value { return s.options.datefirst; }},
+    {"@@DATEFIRST", Simple(TypeId::TinyInt),
+     [](SessionCore& s) -> Value { return std::int64_t{s.options.dates.first_day}; }},
     {"@@TEXTSIZE", kInt, [](SessionCore& s) -> Value { return s.options.textsize; }},
     {"@@LOCK_TIMEOUT", kInt, [](SessionCore& s) -> Value { return s.options.lock_timeout; }},
     {"@@MAX_PRECISION", Simple(TypeId::TinyInt), [](SessionCore&) -> Value { return std::int64_t{38}; }},

@@ -379,7 +379,7 @@ void RunCheckIdentity(SessionCore& session, const ast::CheckIdentityStatement& c
 
 void RunTruncate(SessionCore& session, const ast::TruncateStatement& truncate) {
     Emission emission(session);
-    const Target target = Binder(session, emission).BindTarget(truncate.table);
+    const Target target = BindTargetAs(session, emission, truncate.table, 4701);
     if (target.remote) {
         RaiseError(117, {"object", truncate.table.text(), "2"});
     }

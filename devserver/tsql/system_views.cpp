@@ -9,6 +9,7 @@
 #include "devserver/tsql/server.h"
 #include "devserver/tsql/session_core.h"
 #include "devserver/tsql/system_view_texts.h"
+#include "devserver/tsql/user_messages.h"
 
 namespace devsql {
 namespace {
@@ -101,6 +102,9 @@ std::string SystemViewText(const SystemView& view, SessionCore& session, const s
                 types + "))");
     if (text.find("{sessions}") != std::string::npos) {
         Replace(text, "{sessions}", SessionRows(session));
+    }
+    if (text.find("{messages}") != std::string::npos) {
+        Replace(text, "{messages}", MessageRows());
     }
     Replace(text, "{db}", QuoteName(session.Database(database).alias()));
     Replace(text, "{name}", QuoteText(database));

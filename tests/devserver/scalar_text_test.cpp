@@ -1,6 +1,7 @@
 // Encodings, lengths, cuts and letter case.
 #include <gtest/gtest.h>
 
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 
 namespace devsql {
@@ -87,6 +88,13 @@ TEST(AsciiCase, KnowsNoOtherLetters) {
     EXPECT_TRUE(AsciiEqual("Select", "sELECT"));
     EXPECT_FALSE(AsciiEqual("é", "É"));
     EXPECT_FALSE(AsciiEqual("a", "ab"));
+}
+
+TEST(Text, GrowsToAQuarterOfAGigabyteAndNoFurther) {
+    // Only its length is looked at.
+    const std::string_view longest("x", std::size_t{1} << 28);
+    EXPECT_THROW(Concatenate(longest, "y"), SqlError);
+    EXPECT_NO_THROW(RequireRoom(longest.size()));
 }
 
 } // namespace

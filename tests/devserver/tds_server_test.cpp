@@ -74,6 +74,21 @@ TEST(TdsServer, ClientsBeyondTheLimitAreToldAndPlacesBecomeFree) {
     EXPECT_NE(answer.find("LOGINACK"), std::string::npos);
 }
 
+TEST(TdsServer, AClientThatDoesNotLogInGivesItsPlaceToANewcomer) {
+    ServerOptions options;
+    options.connection_limit = 2;
+    options.login_time = std::chrono::hours(1);
+    options.login_grace = std::chrono::milliseconds(0);
+    RunningServer server(options);
+    server.engine.script.on_batch = Answer;
+    TdsClient working = server.LoggedIn();
+    TdsClient silent = server.Connect();
+    TdsClient newcomer = server.LoggedIn();
+    EXPECT_EQ(Summary(ParseTokens(newcomer.Batch("x"))), "COLUMNS ROW DONE(10,1)");
+    EXPECT_EQ(silent.Receive(), std::nullopt);
+    EXPECT_EQ(Summary(ParseTokens(working.Batch("x"))), "COLUMNS ROW DONE(10,1)");
+}
+
 TEST(TdsServer, AClientThatDoesNotLogInIsDropped) {
     ServerOptions options;
     options.login_time = std::chrono::milliseconds(50);

@@ -234,7 +234,7 @@ TEST_F(Control, SetOptionsAreKnownOrRefused) {
               "\n\n1\n");
     const std::pair<const char*, int> cases[] = {{"set nosuchoption on", 195},
                                                  {"set showplan_text on", 40517},
-                                                 {"set datefirst 1", 40517},
+                                                 {"set dateformat dym", 40517},
                                                  {"set language German", 40517}};
     for (const auto& [sql, number] : cases) {
         client.Run(sql);

@@ -112,9 +112,13 @@ TEST_F(Mistakes, WhatIsNotSupportedIsRefusedByName) {
             {"bulk insert t from 'x'", 40510},
             {"merge t using u on 1 = 1 when matched then delete", 40510},
             {"create rule r as @x > 1", 40510},
+            {"exec sp_bindefault 'd', 't.id'", 40510},
+            {"disable trigger all on t", 40510},
+            {"select hashbytes('sha2_512', 'x')", 40517},
+            {"dbcc useroptions", 40517},
+            {"set dateformat ydm", 40517},
             {"select * from openquery(x, 'y')", 40517},
             {"select * from t for xml auto", 40517},
-            {"select top 1 with ties id from t order by id", 40517},
             {"select * from t cross apply u", 40517},
             {"select dbo.f(1)", 40517},
             {"alter database tempdb set read_only", 40517},
@@ -122,6 +126,50 @@ TEST_F(Mistakes, WhatIsNotSupportedIsRefusedByName) {
             {"declare @x xml", 2715},
             {"declare @x time", 2715},
             {"select * from t with (nosuchhint)", 321}});
+}
+
+TEST_F(Mistakes, OfDefinitionsAndOptions) {
+    std::string columns = "create table w (c0 int";
+    for (int i = 1; i <= 1024; ++i) {
+        columns += ", c" + std::to_string(i) + " int";
+    }
+    columns += ")";
+    Expect({{columns.c_str(), 1702},
+            {"create view v as select id, id from t", 4506},
+            {"select * from (select id, id from t) x", 8156},
+            {"with x as (select id, id from t) select * from x", 8156},
+            {"select top 1 with ties id from t", 1062},
+            {"select * from t, u where t.id *= u.id", 4147},
+            {"select * from t, u where t.id =* u.id", 4147},
+            {"select id, count(*) from t", 8120},
+            {"truncate table nosuch", 4701},
+            {"set identity_insert nosuch on", 1088},
+            {"set datefirst 8", 2742},
+            {"set dateformat xyz", 2741},
+            {"alter table t enable trigger nosuch", 4920},
+            {"dbcc nosuch", 2526},
+            {"select 1 option (maxrecursion 32768)", 310},
+            {"exec sp_who 'nobody'", 15007},
+            {"exec sp_dbcmptlevel 'tempdb', 5", 15048}});
+}
+
+TEST_F(Mistakes, OfArgumentsAreToldInTheNameOfTheProcedure) {
+    client.Run("create procedure p @a int as print @a\nGO\ncreate procedure none as print 1");
+    EXPECT_EQ(Run("print ''\nexec p"), "\n>  \nMsg 201.16.4 p L0: Procedure or function 'p' expects "
+                                       "parameter '@a', which was not supplied.\n");
+    EXPECT_EQ(Run("exec p 'abc'"), "\nMsg 8114.16.5 p L0: Error converting data type varchar to int.\n");
+    EXPECT_EQ(Run("exec p 1, 2"),
+              "\nMsg 8144.16.2 p L0: Procedure or function p has too many arguments specified.\n");
+    EXPECT_EQ(Run("exec p @b = 1"), "\nMsg 8145.16.2 p L0: @b is not a parameter for procedure p.\n");
+    EXPECT_EQ(Run("exec none 1").substr(0, 24), "\nMsg 8146.16.2 none L0: ");
+    EXPECT_EQ(Run("begin try exec p end try begin catch print error_procedure() end catch"), "\n> p\n");
+}
+
+TEST_F(Mistakes, OfStatementsThatAskForMoreThanThereIsEnd) {
+    Expect({{"declare @s varchar(max) set @s = replicate(cast('x' as varchar(max)), 100000)\n"
+             "print len(replace(@s, 'x', @s))",
+             7119},
+            {"with x as (select 1 n union all select n + 1 from x) select count(*) from x", 530}});
 }
 
 TEST_F(Mistakes, OfSyntaxAreToldBeforeAnythingRuns) {

@@ -403,8 +403,8 @@ id
 TEST_F(Select, GroupingErrorsNameTheColumn) {
     EXPECT_EQ(
         Run("select u.name, count(*) from unit u"),
-        "\nMsg 8118.16.1 L1: Column 'u.name' is invalid in the select list because it is not contained in an "
-        "aggregate function and there is no GROUP BY clause.\n");
+        "\nMsg 8120.16.1 L1: Column 'u.name' is invalid in the select list because it is not contained in "
+        "either an aggregate function or the GROUP BY clause.\n");
     EXPECT_EQ(Run("select name, id from unit group by name"),
               "\nMsg 8120.16.1 L1: Column 'unit.id' is invalid in the select list because it is not "
               "contained in either "

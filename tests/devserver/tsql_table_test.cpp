@@ -267,7 +267,7 @@ exec begins
 rollback
 select object_id('tempdb..#t') t)"),
               R"(
-Msg 266.16.2 begins L2: Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = 0, current count = 1.
+Msg 266.16.2 begins L0: Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = 0, current count = 1.
 t
 NULL
 )");

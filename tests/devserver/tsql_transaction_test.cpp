@@ -115,7 +115,7 @@ exec p
 print @@trancount
 rollback)"),
               R"(
-Msg 266.16.2 p L1: Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = 0, current count = 1.
+Msg 266.16.2 p L0: Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. Previous count = 0, current count = 1.
 > 1
 )");
 }

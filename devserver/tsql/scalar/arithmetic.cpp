@@ -199,6 +199,7 @@ Value EvaluateText(const Operand& left, const Operand& right, const Type& type) 
 }
 
 Value EvaluateBytes(const Operand& left, const Operand& right, const Type& type) {
+    RequireRoom(std::get<Bytes>(left.value).data.size() + std::get<Bytes>(right.value).data.size());
     return Bytes{FitBytes(std::get<Bytes>(left.value).data + std::get<Bytes>(right.value).data,
                           Sized(TypeId::VarBinary, type.length))};
 }

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "devserver/tsql/scalar/conversion_parts.h"
+#include "devserver/tsql/scalar/date_settings.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/decimal.h"
 #include "devserver/tsql/scalar/sql_error.h"
@@ -126,7 +127,8 @@ std::string WritePart(char part, const CivilTime& time) {
 
 Value DateFromText(const std::string& text, const Type& from, TypeId to, Style style) {
     DateTime value;
-    switch (ParseDateTime(text, OrderOfStyle(style), value)) {
+    switch (ParseDateTime(text, style.value_or(0) == 0 ? CurrentDateSettings().order : OrderOfStyle(style),
+                          value)) {
     case DateReading::NoDate:
         Raise(to == TypeId::SmallDateTime ? 295 : 241);
     case DateReading::OutOfRange:

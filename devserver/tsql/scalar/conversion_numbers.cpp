@@ -49,7 +49,12 @@ std::string_view MessageName(TypeId id) {
 }
 
 [[noreturn]] void Overflow(std::string_view from, TypeId to) {
-    throw MakeError(8115, {from, MessageName(to)}, 2);
+    constexpr std::uint8_t kOfDecimals = 8;
+    constexpr std::uint8_t kOfFloats = 6;
+    throw MakeError(8115, {from, MessageName(to)},
+                    !IsDecimal(to)    ? std::uint8_t{2}
+                    : from == "float" ? kOfFloats
+                                      : kOfDecimals);
 }
 
 [[noreturn]] void BadFormat(const Type& from, TypeId to) {

@@ -1,5 +1,6 @@
 // Date functions. The word for a date part comes as a text in the first argument.
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/date_settings.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/function_tables.h"
 #include "devserver/tsql/scalar/sql_error.h"
@@ -11,7 +12,8 @@ namespace {
 DatePart PartOf(Values values, std::string_view function) {
     const auto* word = std::get_if<std::string>(&values[0]);
     const auto part = word == nullptr ? std::nullopt : FindDatePart(*word);
-    if (!part) {
+    const bool counted = function == "dateadd" || function == "datediff";
+    if (!part || (counted && *part == DatePart::IsoWeek)) {
         Raise(155, {word == nullptr ? std::string_view() : *word, function});
     }
     return *part;
@@ -57,7 +59,7 @@ Value DatePartOf(Values values, Types types) {
     if (AnyNull(values)) {
         return {};
     }
-    return std::int64_t{GetDatePart(part, DateOf(values[1], types[1]))};
+    return std::int64_t{GetDatePart(part, DateOf(values[1], types[1]), CurrentDateSettings().first_day)};
 }
 
 Value DateName(Values values, Types types) {
@@ -72,7 +74,7 @@ Value DateName(Values values, Types types) {
     if (part == DatePart::Weekday) {
         return std::string(WeekdayName(DayOfWeek(date.days)));
     }
-    return std::to_string(GetDatePart(part, date));
+    return std::to_string(GetDatePart(part, date, CurrentDateSettings().first_day));
 }
 
 template <DatePart Part>

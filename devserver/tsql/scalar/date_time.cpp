@@ -41,7 +41,8 @@ constexpr std::array kPartNames = {
     PartName{"mi", DatePart::Minute},       PartName{"n", DatePart::Minute},
     PartName{"second", DatePart::Second},   PartName{"ss", DatePart::Second},
     PartName{"s", DatePart::Second},        PartName{"millisecond", DatePart::Millisecond},
-    PartName{"ms", DatePart::Millisecond},
+    PartName{"ms", DatePart::Millisecond},  PartName{"iso_week", DatePart::IsoWeek},
+    PartName{"isowk", DatePart::IsoWeek},   PartName{"isoww", DatePart::IsoWeek},
 };
 
 constexpr std::array<std::string_view, 12> kMonths = {"January",   "February", "March",    "April",
@@ -104,6 +105,12 @@ std::int32_t WeekOfYear(std::int32_t days, int datefirst) {
     const std::int32_t day_of_year = DayOfYear(days);
     const std::int32_t january_first = DayOfWeek(days - day_of_year + 1);
     return (day_of_year - 1 + (january_first - datefirst % 7 + 7) % 7) / 7 + 1;
+}
+
+/// The week of the Thursday near the day: ISO 8601 counts weeks from Monday, and the first has four days.
+std::int32_t IsoWeekOfYear(std::int32_t days) {
+    const std::int32_t since_monday = (DayOfWeek(days) + 6) % 7;
+    return (DayOfYear(days - since_monday + 3) - 1) / 7 + 1;
 }
 
 DateTime FromSystemTime(std::chrono::system_clock::time_point time, std::int64_t offset_seconds) {
@@ -226,6 +233,8 @@ std::int32_t GetDatePart(DatePart part, const DateTime& value, int datefirst) {
         return civil.day;
     case DatePart::Week:
         return WeekOfYear(value.days, datefirst);
+    case DatePart::IsoWeek:
+        return IsoWeekOfYear(value.days);
     case DatePart::Weekday:
         return (DayOfWeek(value.days) - datefirst % 7 + 7) % 7 + 1;
     case DatePart::Hour:

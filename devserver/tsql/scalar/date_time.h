@@ -63,6 +63,7 @@ enum class DatePart : std::uint8_t {
     Minute,
     Second,
     Millisecond,
+    IsoWeek, ///< of DATEPART and DATENAME alone
 };
 
 /// By name or abbreviation ("yy", "year", "dw"), without regard to case; none for another word.

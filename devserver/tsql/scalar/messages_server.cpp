@@ -194,6 +194,7 @@ constexpr MessageTemplate kMessages[] = {
     {6104, 16, "Cannot use KILL to kill your own process."},
     {6106, 16, "Process ID %1 is not an active process ID."},
     {6401, 16, "Cannot roll back %1. No transaction or savepoint of that name was found."},
+    {7119, 16, "Attempting to grow LOB beyond maximum allowed size of %1 bytes."},
     {7202, 11,
      "Could not find server '%1' in sys.servers. Verify that the correct server name was specified. If "
      "necessary, execute the stored procedure sp_addlinkedserver to add the server to sys.servers."},

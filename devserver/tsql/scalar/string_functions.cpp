@@ -123,16 +123,14 @@ Value Replicate(Values values, Types types) {
     }
     const std::string text = TextOf(values[0], types[0]);
     const Type type = WideTextOfFirst(types);
-    // A (max) text could ask for any size; what no client could take is refused.
-    constexpr std::size_t most_bytes = std::size_t{1} << 28;
     std::size_t times = CountOf(count);
     if (text.empty()) {
         return text;
     }
     if (type.length != kMaxLength) {
         times = std::min(times, CountOf(type.length) / TextLength(text) + 1);
-    } else if (times > most_bytes / text.size()) {
-        Raise(8152);
+    } else {
+        RequireRoom(text.size() * times);
     }
     std::string result;
     result.reserve(text.size() * times);
@@ -170,6 +168,7 @@ Value Stuff(Values values, Types types) {
     }
     // A NULL to be put in puts nothing in.
     const std::u16string insert = IsNull(values[3]) ? std::u16string() : ToUtf16(TextOf(values[3], types[3]));
+    RequireRoom(text.size() + insert.size());
     const std::size_t first = CountOf(start - 1);
     const std::size_t behind = std::min(text.size(), first + CountOf(count));
     return FitText(FromUtf16(text.substr(0, first) + insert + text.substr(behind)), StuffType(types));

@@ -54,11 +54,16 @@ Value Replace(Values values, Types types) {
     if (what.empty()) {
         return text;
     }
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = folded.find(what, at)) != std::u16string::npos; at += what.size()) {
+        ++count;
+    }
+    RequireRoom(units.size() - count * what.size() + count * with.size());
     std::u16string result;
     std::size_t at = 0;
     for (std::size_t found = 0; (found = folded.find(what, at)) != std::u16string::npos;
          at = found + what.size()) {
-        result += units.substr(at, found - at) + with;
+        result.append(units, at, found - at).append(with);
     }
     return FitText(FromUtf16(result + units.substr(at)), ReplaceType(types));
 }

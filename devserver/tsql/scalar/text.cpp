@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string>
+
+#include "devserver/tsql/scalar/sql_error.h"
 
 namespace devsql {
 
@@ -200,7 +203,15 @@ std::string NarrowToCodePage1252(std::string_view text) {
     return IsAscii(text) ? std::string(text) : FromCodePage1252(ToCodePage1252(text));
 }
 
+void RequireRoom(std::size_t bytes) {
+    constexpr std::size_t kMostBytes = std::size_t{1} << 28;
+    if (bytes > kMostBytes) {
+        Raise(7119, {std::to_string(kMostBytes)});
+    }
+}
+
 std::string Concatenate(std::string_view left, std::string_view right) {
+    RequireRoom(left.size() + right.size());
     std::string result(left);
     result.reserve(left.size() + right.size());
     std::size_t position = 0;

@@ -32,6 +32,9 @@ std::string NarrowToCodePage1252(std::string_view text);
 
 /// `left` followed by `right`, with a surrogate pair at the seam joined to one character.
 std::string Concatenate(std::string_view left, std::string_view right);
+/// Raises 7119 for a text or binary longer than this server lets one grow: a statement of a few words could
+/// ask for all the memory there is.
+void RequireRoom(std::size_t bytes);
 
 /// UTF-16 units.
 std::size_t TextLength(std::string_view text);
