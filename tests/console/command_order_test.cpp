@@ -1,5 +1,7 @@
 // The order of the steps that an operator can see: hourglass, button, server, lists, status line and boxes of
 // each command and choice, written down as one sequence each.
+#include <tuple>
+
 #include "console/console_fixture.h"
 #include "console/procedures_form.h"
 
@@ -143,8 +145,43 @@ class CommandOrder : public ConsoleTest {
     }
 };
 
+TEST_F(CommandOrder, TheLoadOfTheWindow) {
+    Remember("edtDomainName", "dom");
+    Remember("edtSQLUNCReplDataPath0", "kept");
+    Remember("edtCreateInstallScriptFile", "S:\\gone.sql");
+    Remember("edtRenameNewDatabase", "New");
+    registry_.Fail(fakes::RegistryCall::Open, 2); // no key of the installation
+    main_.emplace();
+    EXPECT_EQ(Seen(Form(), [this] { main_->Load(); }), (Lines{"pointer 11",
+                                                              "events",
+                                                              "frmMain caption",
+                                                              "edtDomainName off",
+                                                              "edtScriptFolder text",
+                                                              "edtDomainName text",
+                                                              "edtServerName(0) text",
+                                                              "edtUserID(0) text",
+                                                              "edtPassword(0) text",
+                                                              "edtSQLDataPath(0) text",
+                                                              "edtSQLUNCReplDataPath(0) text", // derived
+                                                              "edtSQLUNCReplDataPath(0) text", // remembered
+                                                              "edtServerName(1) text",
+                                                              "edtUserID(1) text",
+                                                              "edtPassword(1) text",
+                                                              "edtSQLDataPath(1) text",
+                                                              "edtSQLUNCReplDataPath(1) text",
+                                                              "edtCreateInstallScriptFile text",
+                                                              "chkCreateInstallScriptFile off",
+                                                              "edtRenameNewDatabase text",
+                                                              "fraMainTab(1) off",
+                                                              "fraMainTab(2) off",
+                                                              "fraMainTab(3) off",
+                                                              "fraMainTab(4) off",
+                                                              "fraMainTab(5) off",
+                                                              "fraMainTab(6) off",
+                                                              "pointer 0"}));
+}
+
 TEST_F(CommandOrder, OpeningATab) {
-    RememberServer(0);
     Start();
     EXPECT_EQ(Seen(Form(), [this] { Open(kViewDataTab); }),
               (Lines{"pointer 11", "events", "optViewDataCurrentServer(0) caption",
@@ -185,6 +222,16 @@ TEST_F(CommandOrder, AChoiceOfTheServerFillsTheListsOfEachTab) {
         const char* const name = option;
         EXPECT_EQ(Seen(Form(), [&] { ui::Click(Option(name, 1)); }), expected) << name;
     }
+}
+
+TEST_F(CommandOrder, AChoiceOfTheServerOnTheReplicationTabIsAChangeOfItsBoxToo) {
+    StartOn(kReplicationTab);
+    Databases({"ofB"});
+    ado_.Answer(kJobs, fakes::Rows({}));
+    EXPECT_EQ(Seen(Form(), [&] { ui::Click(Option("optSQLReplCurrentServer", 1)); }),
+              (Lines{"pointer 11", "events", "server", "cboSQLReplicationDatabase filled", "pointer 11",
+                     "events", "server", "cmdInstallReplication on", "lblSQLServerReplicationStatus colour",
+                     "lblSQLServerReplicationStatus caption", "pointer 11", "pointer 0"}));
 }
 
 TEST_F(CommandOrder, Synchronize) {

@@ -2,6 +2,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 

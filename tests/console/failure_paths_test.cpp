@@ -366,6 +366,23 @@ TEST_F(BrokenHandler, MoreDatabasesThanTheCounterHolds) {
     EXPECT_EQ(Boxes(), Lines{});
 }
 
+TEST_F(FailurePaths, ALogThatCannotBeWrittenIsTheEndOfACommand) {
+    StartOn(kUpgradeTab);
+    ado_.Forget();
+    ado_.Answer("Open", fakes::ServerGone());
+    // The operation's handler fails, the command's own takes that over and fails as well.
+    files_.FailNext("create folder", "C:\\Lotkeeper\\Server\\Data", platform::FileFault::AccessDenied);
+    files_.FailNext("append", kLogFile, platform::FileFault::PathNotFound);
+    try {
+        ui::Click(Button("cmdRemove"));
+        FAIL() << "the failure must go on";
+    } catch (...) {
+        EXPECT_EQ(TranslateInFlight().Number(), run_time::kPathNotFound);
+    }
+    EXPECT_FALSE(Button("cmdRemove").Enabled()) << "its exit steps do not run";
+    EXPECT_EQ(Boxes(), Lines{});
+}
+
 TEST_F(FailurePaths, AResultWithoutAColumnLeavesTheWindowLockedAndTheListClosed) {
     Start();
     AnswerAll();

@@ -80,6 +80,9 @@ TEST_F(MainFrame, EntriesAreSavedInTheSameOrderUnderTheHourglass) {
     RememberServer(0);
     Start();
     TypeInto(Edit("edtDomainName"), "dom");
+    Databases({"master", "Batch"});
+    Open(kUpgradeTab);
+    ui::Choose(Combo("cboRemoveDatabase"), 1);
     screen_.calls.clear();
     ui::Click(Button("cmdClose"));
     EXPECT_TRUE(Form().Unloaded());
@@ -89,6 +92,7 @@ TEST_F(MainFrame, EntriesAreSavedInTheSameOrderUnderTheHourglass) {
         EXPECT_EQ(remembered_.writes[i].substr(0, beginning.size()), beginning);
     }
     EXPECT_EQ(remembered_.texts.at("KVLSQLDbMgr/Settings/edtDomainName"), "dom");
+    EXPECT_EQ(remembered_.texts.at("KVLSQLDbMgr/Settings/cboRemoveDatabase"), "Batch");
     EXPECT_EQ(remembered_.texts.at("KVLSQLDbMgr/Settings/edtPassword0"), "pwA") << "in the clear";
     EXPECT_EQ(screen_.calls, (Lines{"pointer 11", "events", "pointer 0"}));
 }
@@ -192,6 +196,7 @@ TEST_F(MainFrame, WithoutTheInstallationKeyTheDomainNameIsDisabled) {
     registry_.Fail(fakes::RegistryCall::Open, 2);
     Start();
     EXPECT_FALSE(Edit("edtDomainName").Enabled());
+    EXPECT_TRUE(Button("cmdGetInstalledPackages").Enabled()) << "no instance leaves the packages as designed";
 }
 
 TEST_F(MainFrame, TheDomainInTheRegistryGoesNowhere) {

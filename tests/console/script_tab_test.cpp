@@ -430,6 +430,13 @@ TEST_F(PackageList, AServerThatCannotBeReadIsTold) {
     EXPECT_EQ(LogLines(), Lines{"CSQLScriptMgr::GetInstalledDTSPackages()"});
 }
 
+TEST_F(PackageList, AManagerThatCannotBeMadeFindsNoHandler) {
+    StartOnTab();
+    Version("14");
+    EXPECT_THROW(ui::Click(Button("cmdGetInstalledPackages")), Failure);
+    EXPECT_EQ(LogLines(), Lines{});
+}
+
 TEST_F(PackageList, TheSelectedServerIsAsked) {
     StartOnTab();
     ui::Click(Option("optScriptCurrentServer", 1));

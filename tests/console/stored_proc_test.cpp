@@ -203,6 +203,14 @@ TEST_F(ProcedureDialog, TheFirstParameterIsShownWhenItOpens) {
     EXPECT_EQ(Box("edtValue").Tag(), "2");
 }
 
+TEST_F(ProcedureDialog, BeforeItsParametersAreReadItHoldsTheEmptyElementAlone) {
+    Box("edtValue").Tag("1");
+    Parameters().AddItem("none");
+    ui::Choose(Parameters(), 0);
+    EXPECT_EQ(LogLines(), Lines{"frmStoredProcedures::lstParameters_Click - Load parameter"})
+        << "element 0 is no parameter, and there is no element 1 to save";
+}
+
 TEST_F(ProcedureDialog, WithoutParametersTheProcedureRunsDirectly) {
     OpenDialog({});
     EXPECT_EQ(Parameters().ListCount(), 0);

@@ -122,6 +122,7 @@ TEST_F(ControlModel, AnIndexOutsideAListIsRefused) {
     EXPECT_THROW(box_.ListIndex(1), ui::Refusal);
     EXPECT_THROW(box_.ListIndex(-2), ui::Refusal);
     EXPECT_THROW(list_.ListIndex(0), ui::Refusal);
+    EXPECT_THROW(list_.ListIndex(-2), ui::Refusal);
     EXPECT_THROW(box_.List(1), ui::Refusal);
     EXPECT_THROW(box_.ItemData(-1), ui::Refusal);
 }
@@ -139,10 +140,14 @@ TEST_F(ControlModel, ClearEmptiesAListAndItsTextAndFiresNothing) {
     CountIn(free_.on_change, events);
     CountIn(free_.on_click, events);
     free_.AddItem("a");
+    free_.ListIndex(0);
     free_.Text("typed");
+    EXPECT_EQ(free_.ListIndex(), -1) << "not taken from the list";
+    free_.ListIndex(0);
     events = 0;
     free_.Clear();
     EXPECT_EQ(free_.Text(), "");
+    EXPECT_EQ(free_.ListIndex(), -1);
     EXPECT_EQ(free_.ListCount(), 0);
     box_.AddItem("a");
     box_.ListIndex(0);
@@ -236,10 +241,15 @@ TEST_F(ControlModel, OneUnlockEndsAnyNumberOfLocks) {
 
 TEST_F(ControlModel, AFormIsUnloadedOnce) {
     int unloads = 0;
-    CountIn(form_.on_unload, unloads);
+    int mirrored = 0;
+    form_.on_unload = [&] {
+        ++unloads;
+        mirrored = mirror_.Count(form_.Root(), Property::Unloaded);
+    };
     form_.Unload();
     form_.Unload();
     EXPECT_EQ(unloads, 1);
+    EXPECT_EQ(mirrored, 0) << "the window goes behind the handler";
     EXPECT_TRUE(form_.Unloaded());
     EXPECT_EQ(mirror_.Count(form_.Root(), Property::Unloaded), 1);
 }
@@ -258,6 +268,7 @@ TEST_F(ControlModel, AListViewHoldsColumnsAndRows) {
     EXPECT_EQ(view_.AutoSized(), (std::vector<bool>{false, true}));
     EXPECT_THROW(view_.AutoSizeColumn(2), ui::Refusal);
     view_.ClearColumns();
+    EXPECT_TRUE(view_.AutoSized().empty());
     EXPECT_EQ(view_.RowCount(), 1) << "rows and columns are cleared apart";
     view_.ClearRows();
     EXPECT_EQ(view_.RowCount(), 0);
@@ -272,6 +283,9 @@ TEST_F(ControlModel, AListViewRefusesAKeyTwice) {
     view_.AddRow("row_1", "");
     EXPECT_THROW(view_.AddRow("row_1", ""), ui::Refusal);
     EXPECT_EQ(view_.RowCount(), 1);
+    view_.AddRow("", "");
+    view_.AddRow("", "");
+    EXPECT_EQ(view_.RowCount(), 3);
     view_.ClearRows();
     view_.AddRow("row_1", "");
 }

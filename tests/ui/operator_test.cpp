@@ -44,6 +44,8 @@ TEST_F(Operator, AnEditIsOneChangeAndNoneWhereTheTextIsTheSame) {
     EXPECT_TRUE(ui::Edit(text_, "pasted"));
     EXPECT_TRUE(ui::Edit(text_, "pasted"));
     EXPECT_EQ(changes, 1);
+    ui::Type(text_, "!");
+    EXPECT_EQ(text_.Text(), "pasted!") << "the operator stands behind it";
 }
 
 TEST_F(Operator, WhatIsLockedOrDisabledOrADropDownListTakesNoText) {
@@ -59,6 +61,8 @@ TEST_F(Operator, TypingStopsWhereAHandlerDisablesTheBox) {
     text_.on_change = [&] { text_.Enabled(text_.Text().size() < 2); };
     EXPECT_FALSE(ui::Type(text_, "abc"));
     EXPECT_EQ(text_.Text(), "ab");
+    text_.Enabled(true);
+    EXPECT_FALSE(ui::Type(text_, "c")) << "also at the last character";
 }
 
 TEST_F(Operator, ChoosingFiresClickAndNoChange) {
@@ -124,6 +128,10 @@ TEST_F(Operator, AControlCanBeUsedOnlyWithAllItLiesOn) {
 TEST_F(Operator, AClickBringsTheFocusWithIt) {
     ui::Click(button_);
     EXPECT_EQ(form_.Focused(), &button_);
+    ui::Click(form_.Get<ui::CheckBox>("check"));
+    EXPECT_EQ(form_.Focused(), form_.Find("check"));
+    ui::Click(form_.Get<ui::OptionButton>("option", 1));
+    EXPECT_EQ(form_.Focused(), form_.Find("option", 1));
 }
 
 TEST_F(Operator, ClosingUnloadsAndNothingCanBeUsedAfterwards) {
