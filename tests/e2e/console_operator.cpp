@@ -185,15 +185,27 @@ class Operator {
         const int tab = std::stoi(words.at(0));
         const HWND tabs = Native("tabMain");
         const RECT place = far_controls::TabPlace(program_.Process(), tabs, tab);
-        far_controls::ClickAt(tabs, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
-        Require(hands::WaitFor([&] {
-                    const HWND page = Look("fraMainTab." + words.at(0));
-                    return ::SendMessageA(tabs, TCM_GETCURSEL, 0, 0) == tab && page != nullptr &&
-                           ::IsWindowVisible(page) != 0;
-                }),
-                "the tab does not open: " + words.at(0));
+        const auto click = [&] {
+            far_controls::ClickAt(tabs, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
+        };
+        const auto open = [&] {
+            const HWND page = Look("fraMainTab." + words.at(0));
+            return ::SendMessageA(tabs, TCM_GETCURSEL, 0, 0) == tab && page != nullptr &&
+                   ::IsWindowVisible(page) != 0;
+        };
+        RequireAfter(click, open, "the tab does not open: " + words.at(0));
         Settle(tabs);
         return "";
+    }
+
+    /// Repeats a click that does no harm when it comes twice, until it has done what it should.
+    static void RequireAfter(const std::function<void()>& click, const std::function<bool()>& condition,
+                             const std::string& what) {
+        const auto end = std::chrono::steady_clock::now() + kLongest;
+        do {
+            Require(std::chrono::steady_clock::now() < end, what);
+            click();
+        } while (!hands::WaitFor(condition, kMoment));
     }
 
     /// The program shows the tab and fills its lists only then; while it fills them, it answers nobody.
@@ -209,18 +221,18 @@ class Operator {
         const HWND native = Native(words.at(0));
         Require(hands::WaitFor([native] { return ::IsWindowEnabled(native) != 0; }, kLongest),
                 "cannot be used: " + words.at(0));
-        far_controls::Click(native);
+        far_controls::ClickButton(native);
         return "";
     }
 
     std::string Fill(const Words& words) {
         const HWND box = Native(words.at(0));
-        far_controls::Click(box);
-        Require(hands::WaitFor([&] {
-                    const HWND focus = hands::FocusIn(window_);
-                    return focus == box || ::GetParent(focus) == box;
-                }),
-                "does not take the focus: " + words.at(0));
+        const auto has_focus = [&] {
+            const HWND focus = hands::FocusIn(window_);
+            return focus == box || ::GetParent(focus) == box;
+        };
+        RequireAfter([box] { far_controls::Click(box); }, has_focus,
+                     "does not take the focus: " + words.at(0));
         hands::Press(VK_HOME);
         hands::Press(VK_END, {VK_SHIFT});
         hands::Press(VK_DELETE);
@@ -359,7 +371,7 @@ class Operator {
     }
 
     std::string Close(const Words& /*none*/) {
-        far_controls::Click(Native("cmdClose"));
+        far_controls::ClickButton(Native("cmdClose"));
         Require(program_.Ends(), "the program does not end");
         return "";
     }

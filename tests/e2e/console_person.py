@@ -48,6 +48,11 @@ def end_group(process):
     process.wait()
 
 
+def keep_picture(bitmap, name):
+    target = os.path.join(os.environ["KV_PICTURES"], name + ".png")
+    subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", target], check=True)
+
+
 class Person:
     """At the console: each order is carried out by mouse and keyboard, and answered by what was seen."""
 
@@ -115,16 +120,14 @@ class Person:
         return self.do("row", "lvwViewData", number)
 
     def picture(self, name):
-        folder = os.environ.get("KV_PICTURES")
-        if folder and not self.gone:
+        if os.environ.get("KV_PICTURES") and not self.gone:
             bitmap = os.path.join(self.machine.folder, "picture.bmp")
             shown = None
             while shown is None or shown != open(bitmap, "rb").read():  # until nothing is left to paint
                 shown = open(bitmap, "rb").read() if shown is not None else b""
                 time.sleep(0.3)
                 self.do("picture", self.machine.native(bitmap))
-            target = os.path.join(folder, name + ".png")
-            subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", target], check=True)
+            keep_picture(bitmap, name)
 
     def close(self):
         self.do("close")

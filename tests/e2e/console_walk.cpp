@@ -3,10 +3,11 @@
 // It prints what it saw; what stands on the server is asked by console_walk_test.py, which runs it on a
 // screen.
 //
-//   console_walk PROGRAM SERVER DATA_FOLDER SCRIPT_FOLDER
+//   console_walk PROGRAM SERVER DATA_FOLDER SCRIPT_FOLDER [PICTURE_FOLDER]
 #include <cstdio>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "console/main_form_design.h"
 #include "far_controls.h"
@@ -47,7 +48,7 @@ void Require(bool condition, const std::string& what) {
 
 class Walk {
   public:
-    explicit Walk(const std::string& program) {
+    Walk(const std::string& program, std::string pictures) : pictures_(std::move(pictures)) {
         STARTUPINFOA start{};
         start.cb = sizeof start;
         std::string line = "\"" + program + "\"";
@@ -70,7 +71,7 @@ class Walk {
     }
 
     void FetchSettings(const std::string& server, const std::string& data_folder) {
-        far_controls::Click(Native("cmdGetLocalSettings"));
+        far_controls::ClickButton(Native("cmdGetLocalSettings"));
         Require(Becomes("edtServerName", 0, server), "the local settings name the server");
         // The box of the data path gets the focus with its text selected: typing is enough.
         const HWND box = Native("edtSQLDataPath", 0);
@@ -82,12 +83,10 @@ class Walk {
 
     void PickScriptFolder(const std::string& folder) {
         const HWND box = Native("edtScriptFolder");
-        far_controls::Click(box);
-        Require(hands::WaitFor([this, box] { return hands::FocusIn(window_) == box; }),
-                "the script folder has the focus");
+        GiveFocus(box, "the script folder has the focus");
         hands::Type(folder);
         Require(Becomes("edtScriptFolder", ui::kNoIndex, folder), "the script folder is typed");
-        far_controls::Click(Native("cmdBrowseForScriptFolder"));
+        far_controls::ClickButton(Native("cmdBrowseForScriptFolder"));
         const HWND dialog = Box("the tree of folders opens");
         const HWND tree = hands::Child(dialog, kTreeId);
         const std::string name = folder.substr(folder.rfind('\\') + 1);
@@ -95,7 +94,7 @@ class Walk {
                     return far_controls::SelectedInTree(process_.hProcess, tree) == name;
                 }),
                 "it opens at the folder " + name);
-        far_controls::Click(::GetDlgItem(dialog, IDOK));
+        far_controls::ClickButton(::GetDlgItem(dialog, IDOK));
         Require(hands::WaitFor([dialog] { return ::IsWindow(dialog) == 0; }), "the folder is picked");
         const bool same = Becomes("edtScriptFolder", ui::kNoIndex, folder);
         Require(same, "it is the one that the tree opened at: " + hands::Text(box));
@@ -118,10 +117,11 @@ class Walk {
         }
         Tick(Native("optCreateInstallScriptFiles", 1), "Create and Install");
         const HWND status = Native("lblStatus");
-        far_controls::Click(Native("cmdCreateInstall"));
+        far_controls::ClickButton(Native("cmdCreateInstall"));
         Require(hands::WaitFor([status] { return hands::Caption(status) == "Installation completed..."; },
                                kLongest),
                 "the status line says Installation completed...");
+        TakePicture("console-script");
         Require(
             hands::WaitFor([this] { return ::IsWindowEnabled(Native("cmdCreateInstall")) != 0; }, kLongest),
             "the button can be pressed again");
@@ -129,7 +129,7 @@ class Walk {
     }
 
     void ListPackages() {
-        far_controls::Click(Native("cmdGetInstalledPackages"));
+        far_controls::ClickButton(Native("cmdGetInstalledPackages"));
         const HWND box = Box("a box lists the packages");
         constexpr int kTextId = 0xFFFF;
         std::printf("%s\n", hands::Text(hands::Child(box, kTextId)).c_str());
@@ -138,8 +138,26 @@ class Walk {
         Require(hands::WaitFor([box] { return ::IsWindow(box) == 0; }), "the box is answered");
     }
 
+    /// At the end, since the password is overwritten before anybody sees it.
+    void ShowGeneralTab() {
+        if (pictures_.empty()) {
+            return;
+        }
+        Require(hands::Activate(window_), "the window is in front");
+        hands::Press(VK_TAB, {VK_CONTROL, VK_SHIFT});
+        const HWND box = Native("edtPassword", 0);
+        Require(hands::WaitFor([box] { return ::IsWindowVisible(box) != 0; }), "the General tab opens");
+        GiveFocus(box, "the password has the focus");
+        hands::Press(VK_HOME);
+        hands::Press(VK_END, {VK_SHIFT});
+        const std::string stars = "********";
+        hands::Type(stars);
+        Require(Becomes("edtPassword", 0, stars), "the password cannot be read");
+        TakePicture("console-general");
+    }
+
     void Close() {
-        far_controls::Click(Native("cmdClose"));
+        far_controls::ClickButton(Native("cmdClose"));
         Require(::WaitForSingleObject(process_.hProcess, 60000) == WAIT_OBJECT_0, "the program ends");
     }
 
@@ -158,8 +176,26 @@ class Walk {
     bool Becomes(const char* name, int index, const std::string& text) const {
         return hands::WaitFor([&] { return hands::Text(Native(name, index)) == text; });
     }
+    void TakePicture(const std::string& name) const {
+        constexpr DWORD kPainted = 500;
+        if (!pictures_.empty()) {
+            ::Sleep(kPainted);
+            Require(hands::TakePicture(window_, pictures_ + "\\" + name + ".bmp"), "taken: " + name);
+        }
+    }
+    /// A click goes past now and then, and a second one does no harm here.
+    void GiveFocus(HWND box, const std::string& what) const {
+        constexpr std::chrono::seconds kMoment{3};
+        constexpr int kClicks = 20;
+        bool has_focus = false;
+        for (int click = 0; click < kClicks && !has_focus; ++click) {
+            far_controls::Click(box);
+            has_focus = hands::WaitFor([&] { return hands::FocusIn(window_) == box; }, kMoment);
+        }
+        Require(has_focus, what);
+    }
     static void Tick(HWND box, const std::string& name) {
-        far_controls::Click(box);
+        far_controls::ClickButton(box);
         Require(hands::WaitFor([box] { return ::SendMessageA(box, BM_GETCHECK, 0, 0) == BST_CHECKED; }),
                 "ticked: " + name);
     }
@@ -173,6 +209,7 @@ class Walk {
         return box;
     }
 
+    std::string pictures_; ///< the folder; "" if none are wanted
     ui::Form tree_{kv::MainFormDesign()};
     PROCESS_INFORMATION process_{};
     HWND window_ = nullptr;
@@ -181,17 +218,18 @@ class Walk {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 5) {
-        std::puts("usage: console_walk PROGRAM SERVER DATA_FOLDER SCRIPT_FOLDER");
+    if (argc != 5 && argc != 6) {
+        std::puts("usage: console_walk PROGRAM SERVER DATA_FOLDER SCRIPT_FOLDER [PICTURE_FOLDER]");
         return 2;
     }
     std::setvbuf(stdout, nullptr, _IONBF, 0); // what was seen is told, whatever comes of the rest
     try {
-        Walk walk(argv[1]);
+        Walk walk(argv[1], argc == 6 ? argv[5] : "");
         walk.FetchSettings(argv[2], argv[3]);
         walk.PickScriptFolder(argv[4]);
         walk.InstallAll();
         walk.ListPackages();
+        walk.ShowGeneralTab();
         walk.Close();
     } catch (const std::exception& error) {
         std::printf("NOT SO: %s\n", error.what());

@@ -1,13 +1,16 @@
 # The whole way through the console by clicks alone, on a screen under Wine, and what stands on the server afterwards.
 #
 #   console_walk_test.py DEVSQLSERVER BIN_FOLDER
+#
+# With KV_PICTURES set to a folder, pictures of the first two tabs are put there.
+import glob
 import os
 import shlex
 import shutil
 import sys
 import unittest
 
-from console_person import run_on_screen
+from console_person import keep_picture, run_on_screen
 from plant import PACKAGES, PASSWORD, TEMPLATES, RUNNER, TOP, USER, DevServer, Machine, fresh_folder, set_up
 
 SETTINGS = "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr"
@@ -27,6 +30,8 @@ class ConsoleWalk(unittest.TestCase):
         """Everything that needs the screen's prefix, in one run: registry, classes, the walk, the classes' end."""
         machine = self.machine
         library = machine.native(os.path.join(self.binaries, "dts_com_server.dll"))
+        if os.environ.get("KV_PICTURES"):
+            walk.append(machine.native(self.folder))
         # What an earlier run of the console remembered would stand in the boxes; this one's goes as well.
         forget = os.path.join(machine.folder, "forget.reg")
         with open(forget, "w") as file:
@@ -42,7 +47,10 @@ class ConsoleWalk(unittest.TestCase):
         command = set_up(*steps, ("regsvr32", "/s", library)) + " && " + copy
         command += " && " + shlex.join(walk) + "; walked=$?; "
         command += set_up(steps[-1], ("regsvr32", "/s", "/u", library)) + "; exit $walked"
-        return run_on_screen(machine, command, 600)
+        walked = run_on_screen(machine, command, 600)
+        for bitmap in glob.glob(os.path.join(self.folder, "*.bmp")):
+            keep_picture(bitmap, os.path.basename(bitmap)[:-len(".bmp")])
+        return walked
 
     def test_installs_everything_by_clicks(self):
         # Packages can be chosen by hand below version 12 alone.

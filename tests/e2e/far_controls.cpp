@@ -43,7 +43,9 @@ class FarPiece {
 
 } // namespace
 
-void ClickAt(HWND window, int x, int y) {
+namespace {
+
+void MoveTo(HWND window, int x, int y) {
     constexpr std::chrono::milliseconds kRest{30};
     POINT place{x, y};
     ::ClientToScreen(window, &place);
@@ -61,13 +63,41 @@ void ClickAt(HWND window, int x, int y) {
     if (!rests) {
         throw std::runtime_error("the pointer does not come to rest");
     }
+}
+
+POINT MiddleOf(HWND window) {
+    RECT client{};
+    ::GetClientRect(window, &client);
+    return {client.right / 2, client.bottom / 2};
+}
+
+} // namespace
+
+void ClickAt(HWND window, int x, int y) {
+    MoveTo(window, x, y);
     hands::ClickAt(window, x, y);
 }
 
 void Click(HWND window) {
-    RECT client{};
-    ::GetClientRect(window, &client);
-    ClickAt(window, client.right / 2, client.bottom / 2);
+    const POINT middle = MiddleOf(window);
+    ClickAt(window, middle.x, middle.y);
+}
+
+void ClickButton(HWND button) {
+    constexpr int kPresses = 6;
+    constexpr std::chrono::seconds kNoticed{10}; // of a program that answers, and so takes its input as well
+    const POINT middle = MiddleOf(button);
+    for (int press = 0; press < kPresses; ++press) {
+        MoveTo(button, middle.x, middle.y);
+        hands::PressAt(button, middle.x, middle.y);
+        const bool down = hands::WaitFor(
+            [button] { return (::SendMessageA(button, BM_GETSTATE, 0, 0) & BST_PUSHED) != 0; }, kNoticed);
+        hands::ReleaseAt(button, middle.x, middle.y);
+        if (down) {
+            return;
+        }
+    }
+    throw std::runtime_error("the button does not go down");
 }
 
 RECT TabPlace(HANDLE process, HWND tabs, int tab) {

@@ -11,11 +11,14 @@
 namespace far_controls {
 
 /// Clicks there, in the window's client area, once the pointer has come to rest: the display tells the other
-/// process of a move late, and of the one before it as well, and a button that the pointer seems to leave
-/// while it is down is not pressed. Throws if the pointer does not come to rest.
+/// process of a move late, and of the one before it as well. Throws if the pointer does not come to rest.
+/// Now and then a click goes past a window that has just come up (2 of 150 on a machine under load): what it
+/// is to bring about must be looked for.
 void ClickAt(HWND window, int x, int y);
-/// In the middle of the window.
+/// In the middle of the window, which is no button.
 void Click(HWND window);
+/// Clicks on a button of any kind, and sees it go down before it lets go. Throws if it does not.
+void ClickButton(HWND button);
 
 /// Where a tab of the strip is, in the strip's client area. `process` needs the right to its memory, here and
 /// below.

@@ -46,6 +46,12 @@ INPUT MouseInput(POINT point, DWORD button) {
     return input;
 }
 
+POINT OnScreen(HWND window, int x, int y) {
+    POINT point{x, y};
+    ::ClientToScreen(window, &point);
+    return point;
+}
+
 void Send(std::vector<INPUT> inputs) {
     ::SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
 }
@@ -157,9 +163,18 @@ HWND FocusIn(HWND top) {
     return info.hwndFocus;
 }
 
+void PressAt(HWND window, int x, int y) {
+    const POINT point = OnScreen(window, x, y);
+    ::SetCursorPos(point.x, point.y);
+    Send({MouseInput(point, MOUSEEVENTF_LEFTDOWN)});
+}
+
+void ReleaseAt(HWND window, int x, int y) {
+    Send({MouseInput(OnScreen(window, x, y), MOUSEEVENTF_LEFTUP)});
+}
+
 void ClickAt(HWND window, int x, int y) {
-    POINT point{x, y};
-    ::ClientToScreen(window, &point);
+    const POINT point = OnScreen(window, x, y);
     ::SetCursorPos(point.x, point.y);
     Send({MouseInput(point, MOUSEEVENTF_LEFTDOWN), MouseInput(point, MOUSEEVENTF_LEFTUP)});
 }

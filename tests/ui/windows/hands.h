@@ -30,7 +30,11 @@ bool Activate(HWND window);
 /// The control that has the focus in the thread of that window, of whatever process.
 HWND FocusIn(HWND top);
 
-/// Presses the left button there, in the window's client area.
+/// Presses the left button down there, in the window's client area.
+void PressAt(HWND window, int x, int y);
+/// Lets it go again.
+void ReleaseAt(HWND window, int x, int y);
+/// Both at once.
 void ClickAt(HWND window, int x, int y);
 /// In the middle of the window.
 void Click(HWND window);
