@@ -1,5 +1,6 @@
 // ALTER TABLE, CREATE INDEX, DROP INDEX.
 #include <algorithm>
+#include <set>
 
 #include "devserver/storage/databases.h"
 #include "devserver/tsql/definitions.h"
@@ -114,26 +115,43 @@ void RequireParents(SessionCore& session, Catalogue& catalogue, const TableDef& 
     }
 }
 
-/// Gives every row its value of a new column, through the writer that knows identities and defaults.
-void FillColumn(SessionCore& session, const Target& target, const ColumnDef& column, bool with_default) {
+/// Gives every row its values of the columns from `first` on, through the writer that knows defaults and what
+/// is computed. `with_default`: the ids of those whose default counts for rows that stand already.
+void FillColumns(SessionCore& session, const Target& target, std::size_t first,
+                 const std::set<int>& with_default) {
+    const std::vector<ColumnDef>& columns = target.table->columns;
+    if (first == columns.size()) {
+        return;
+    }
+    std::string places;
+    for (std::size_t i = first; i < columns.size(); ++i) {
+        places += (places.empty() ? "" : ", ") + QuoteName(columns[i].name) + " = ?" +
+                  std::to_string(i - first + 1);
+    }
+    SqliteStatement update = session.connection.Prepare(
+        "UPDATE " + target.table->Qualified() + " SET " + places + " WHERE " +
+        RowWriter::RowIdName(*target.table) + " = ?" + std::to_string(columns.size() - first + 1));
     RowWriter writer(session, target, "ALTER TABLE");
-    SqliteStatement update =
-        session.connection.Prepare("UPDATE " + target.table->Qualified() + " SET " + QuoteName(column.name) +
-                                   " = ?1 WHERE " + RowWriter::RowIdName(*target.table) + " = ?2");
-    std::int64_t next = column.seed;
-    for (const StoredRow& row : RowWriter::Read(session, *target.table, "1", {})) {
-        Value value;
-        if (column.identity) {
-            value = Convert(next, Simple(TypeId::BigInt), column.type);
-            target.catalogue->SetIdentityValue(target.table->id, next);
-            next += column.increment;
-        } else if (with_default) {
-            value = writer.DefaultOf(column);
+    std::int64_t counted = 0;
+    for (StoredRow& row : RowWriter::Read(session, *target.table, "1", {})) {
+        for (std::size_t i = first; i < columns.size(); ++i) {
+            if (columns[i].identity) {
+                const std::int64_t number = columns[i].seed + counted * columns[i].increment;
+                row.values[i] = Convert(number, Simple(TypeId::BigInt), columns[i].type);
+                target.catalogue->SetIdentityValue(target.table->id, number);
+            } else if (with_default.contains(columns[i].id)) {
+                row.values[i] = writer.DefaultOf(columns[i]);
+            }
         }
-        if (IsNull(value) && !column.nullable && column.type.id != TypeId::Timestamp) {
-            RaiseError(4901, {column.name, target.table->name});
+        writer.Complete(row.values);
+        for (std::size_t i = first; i < columns.size(); ++i) {
+            if (IsNull(row.values[i]) && !columns[i].nullable && columns[i].computed.empty()) {
+                RaiseError(4901, {columns[i].name, target.table->name});
+            }
+            update.Bind(static_cast<int>(i - first + 1), row.values[i], columns[i].type);
         }
-        update.Bind(1, value, column.type).BindInt(2, row.row_id).Run();
+        update.BindInt(static_cast<int>(columns.size() - first + 1), row.row_id).Run();
+        ++counted;
     }
 }
 
@@ -177,10 +195,15 @@ void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const
         }
     }
     const Target changed{catalogue.LoadTable(after.id), &catalogue};
-    for (std::size_t i = before->columns.size(); i < after.columns.size(); ++i) {
-        const ColumnDef& column = after.columns[i];
-        FillColumn(session, changed, column, !column.nullable || alter.with_values);
+    std::set<int> with_default;
+    for (const ast::ColumnDefinition& column : alter.definition.columns) {
+        const ColumnDef& added = *after.Find(column.name);
+        const bool asked = std::ranges::any_of(column.constraints, &ast::Constraint::with_values);
+        if (!added.nullable || asked) {
+            with_default.insert(added.id);
+        }
     }
+    FillColumns(session, changed, before->columns.size(), with_default);
     const auto require_free = [&](const std::string& name) {
         if (catalogue.FindObject(after.schema, name)) {
             RaiseError(2714, {name}, 5);

@@ -39,6 +39,7 @@ struct Constraint {
     ReferentialAction on_update = ReferentialAction::NoAction;
     std::string text; ///< CHECK and DEFAULT: the expression as written, in parentheses
     bool with_check = true;
+    bool with_values = false; ///< DEFAULT … WITH VALUES: also for the rows that a new column finds
 };
 
 struct Identity {
@@ -79,7 +80,6 @@ struct AlterTableStatement {
     Name table;
     AlterTableAction action = AlterTableAction::Add;
     TableDefinition definition; ///< ADD, ALTER COLUMN
-    bool with_values = false;
     std::vector<std::string> names; ///< DROP, CHECK CONSTRAINT; "ALL"
 };
 enum class ObjectKind : std::uint8_t {

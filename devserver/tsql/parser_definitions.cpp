@@ -249,9 +249,7 @@ Constraint Parser::ParseConstraint(bool of_column) {
         if (TakeWord("FOR")) {
             constraint.columns = {{TakeName(), false}};
         }
-        if (TakeWords({"WITH", "VALUES"})) {
-            constraint.with_check = true;
-        }
+        constraint.with_values = TakeWords({"WITH", "VALUES"});
     } else {
         SyntaxError();
     }
@@ -415,9 +413,6 @@ void Parser::ParseAlterTableAdd(AlterTableStatement& alter, bool with_check) {
             alter.definition.columns.push_back(ParseColumn());
         }
     } while (TakeSymbol(","));
-    if (TakeWords({"WITH", "VALUES"})) {
-        alter.with_values = true;
-    }
 }
 
 void Parser::ParseAlterTableDrop(AlterTableStatement& alter) {

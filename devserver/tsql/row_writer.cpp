@@ -221,7 +221,6 @@ void RowWriter::Insert(std::vector<std::optional<Value>> given) {
     }
 }
 
-/// What the server itself fills in.
 void RowWriter::Complete(RowValues& row) {
     for (std::size_t i = 0; i < row.size(); ++i) {
         const ColumnDef& column = table_.columns[i];

@@ -41,6 +41,8 @@ class RowWriter {
     std::optional<std::int64_t> last_identity() const { return identity_given_; }
     /// The default's value, of the column's type.
     Value DefaultOf(const ColumnDef& column);
+    /// Puts in what the server itself fills in: timestamps and computed columns.
+    void Complete(RowValues& row);
 
     /// SQLite's name for the row number of a table, which may have a column named "rowid".
     static std::string RowIdName(const TableDef& table);
@@ -58,7 +60,6 @@ class RowWriter {
     void BindExpressions();
     BoundPtr BindOverRow(const std::string& text);
     void FillIdentity(std::size_t column, std::optional<Value>& value);
-    void Complete(RowValues& row);
     void CheckRow(const RowValues& row);
     void Store(const RowValues& row, std::optional<std::int64_t> row_id);
     void RequireParent(const ForeignKeyDef& key, const RowValues& row);

@@ -233,8 +233,7 @@ std::vector<std::size_t> InsertColumns(SessionCore& session, const ast::InsertSt
     std::vector<std::size_t> positions;
     if (insert.columns.empty()) {
         for (std::size_t i = 0; i < table.columns.size(); ++i) {
-            if (table.columns[i].computed.empty() && !table.columns[i].identity &&
-                table.columns[i].type.id != TypeId::Timestamp) {
+            if (table.columns[i].computed.empty() && !table.columns[i].identity) {
                 positions.push_back(i);
             }
         }
@@ -272,8 +271,11 @@ using GivenRow = std::vector<std::optional<Value>>;
 
 void Put(const TableDef& table, std::size_t position, const Value& value, const Type& type, GivenRow& row) {
     const ColumnDef& column = table.columns[position];
-    if (column.type.id == TypeId::Timestamp) {
-        RaiseError(273);
+    if (column.type.id == TypeId::Timestamp) { // DEFAULT and NULL hold its place in a row without names.
+        if (!IsNull(value)) {
+            RaiseError(273);
+        }
+        return;
     }
     row[position] = Assign(value, type, column.type);
 }

@@ -230,7 +230,7 @@ twice|money|YES
 TEST_F(Change, TimestampsRiseWithEveryChange) {
     EXPECT_EQ(Run(R"(
 create table t (id int, stamp timestamp)
-insert t (id) values (1), (2)
+insert t values (1, default), (2, null)
 declare @before binary(8), @after binary(8)
 select @before = stamp from t where id = 1
 update t set id = 1 where id = 1
@@ -243,7 +243,7 @@ insert t values (1, 0x01))"),
 |
 later|2
 (1)
-Msg 213.16.1 L9: Column name or number of supplied values does not match table definition.
+Msg 273.16.1 L9: Cannot insert an explicit value into a timestamp column. Use INSERT with a column list to exclude the timestamp column, or insert a DEFAULT into the timestamp column.
 )");
 }
 

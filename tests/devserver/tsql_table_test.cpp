@@ -54,6 +54,26 @@ Msg 4902.16.1 L1: Cannot find the object "nosuch" because it does not exist or y
 )");
 }
 
+TEST_F(Tables, NewColumnsFillTheRowsThatStand) {
+    EXPECT_EQ(Run(R"(
+set nocount on
+create table t (id int)
+insert t values (3), (4)
+alter table t add a int null constraint df_a default 5 with values, b int null default 6, c int not null default 7,
+    d as (id * 2), e int identity(10, 5), f timestamp
+GO
+select id, a, b, c, d, e, datalength(f) from t
+insert t (id) values (5)
+select a, b, d, e from t where id = 5)"),
+              R"(
+id|a|b|c|d|e|
+3|5|NULL|7|6|10|8
+4|5|NULL|7|8|15|8
+a|b|d|e
+5|6|10|20
+)");
+}
+
 TEST_F(Tables, AUniqueIndexOverDuplicatesIsRefused) {
     EXPECT_EQ(Run(R"(
 create table t (a varchar(5))
