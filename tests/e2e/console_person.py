@@ -11,7 +11,8 @@ import subprocess
 import time
 import unittest
 
-from plant import PASSWORD, TEMPLATES, TOP, USER, DevServer, Machine, fresh_folder, install_by_pymssql, wait_for
+from plant import (PASSWORD, RUNNER, TEMPLATES, TOP, USER, DevServer, Machine, fresh_folder, install_by_pymssql, set_up,
+                   wait_for)
 
 SCRIPT, SYNCHRONIZE, UPGRADE, REPLICATION, VIEW_DATA, STORED_PROC = range(1, 7)
 LONGEST = 60  # seconds that anything may take to be seen; a machine at work takes a tenth of it
@@ -60,17 +61,15 @@ class Person:
 
     def __init__(self, machine, binaries):
         self.machine, self.gone = machine, False
-        runner = os.path.join(TOP, "tests", "run-under-wine")
         # What an earlier run remembered goes; where a server is installed the Replication tab can be used.
         more = os.path.join(machine.folder, "more.reg")
         with open(more, "w") as file:
             file.write("REGEDIT4\n\n[-HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr]\n\n"
                        "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper\\CustomFunctions]\n"
                        '"SqlServerInstalled"="TRUE"\n"UseTransactionalReplication"="FALSE"\n')
-        command = "".join(shlex.join([runner, "regedit.exe", "/S", machine.native(file)]) + " && "
-                          for file in (*machine.registry_files, more))
+        command = set_up(*(("regedit.exe", "/S", machine.native(file)) for file in (*machine.registry_files, more)))
         operator = os.path.join(binaries, "console_operator.exe")
-        command += "exec " + shlex.join([runner, operator, machine.native(machine.program)])
+        command += " && exec " + shlex.join([RUNNER, operator, machine.native(machine.program)])
         self.process = start_on_screen(machine, command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
                                        encoding="cp1252", bufsize=1)
 

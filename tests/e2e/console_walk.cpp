@@ -153,6 +153,7 @@ class Walk {
         const std::string stars = "********";
         hands::Type(stars);
         Require(Becomes("edtPassword", 0, stars), "the password cannot be read");
+        ::SetCursorPos(0, 0); // where it brings up no tool tip
         TakePicture("console-general");
     }
 

@@ -30,8 +30,6 @@ class ConsoleWalk(unittest.TestCase):
         """Everything that needs the screen's prefix, in one run: registry, classes, the walk, the classes' end."""
         machine = self.machine
         library = machine.native(os.path.join(self.binaries, "dts_com_server.dll"))
-        if os.environ.get("KV_PICTURES"):
-            walk.append(machine.native(self.folder))
         # What an earlier run of the console remembered would stand in the boxes; this one's goes as well.
         forget = os.path.join(machine.folder, "forget.reg")
         with open(forget, "w") as file:
@@ -43,6 +41,8 @@ class ConsoleWalk(unittest.TestCase):
         self.addCleanup(shutil.rmtree, scripts, ignore_errors=True)
         walk = [RUNNER, os.path.join(self.binaries, "console_walk.exe"), machine.native(machine.program), self.server.name,
                 machine.native(machine.data), "C:\\" + name]
+        if os.environ.get("KV_PICTURES"):
+            walk.append(machine.native(self.folder))
         copy = shlex.join(["cp", "-r", machine.scripts, scripts])
         command = set_up(*steps, ("regsvr32", "/s", library)) + " && " + copy
         command += " && " + shlex.join(walk) + "; walked=$?; "
