@@ -400,6 +400,21 @@ id
 )");
 }
 
+TEST_F(Select, AListMayBeLong) {
+    std::string numbers;
+    std::string words;
+    for (int i = 1; i <= 5000; ++i) {
+        numbers += std::to_string(-i) + ", ";
+        words += "'it''s " + std::to_string(i) + "', ";
+    }
+    client.Run("create table w (i bigint, d decimal(9,2), a varchar(20))\n"
+               "insert w values (-5000, 2, 'IT''S 7'), (7, -3, 'other')");
+    EXPECT_EQ(Run("select i from w where i in (" + numbers + "-9223372036854775807)"), "\ni\n-5000\n(1)\n");
+    EXPECT_EQ(Run("select d from w where d in (" + numbers + "0.5)"), "\nd\n-3.00\n(1)\n");
+    EXPECT_EQ(Run("select a from w where a in (" + words + "N'x')"), "\na\nIT'S 7\n(1)\n");
+    EXPECT_EQ(Run("select i from w where i not in (" + numbers + "null)"), "\ni\n(0)\n");
+}
+
 TEST_F(Select, GroupingErrorsNameTheColumn) {
     EXPECT_EQ(
         Run("select u.name, count(*) from unit u"),
