@@ -40,15 +40,12 @@ bool ChangesNothing(const Bound& convert) {
 /// and 50,000 took it seven seconds.
 constexpr std::size_t kLongList = 100;
 
-/// A constant as it may stand in a list, where SQLite's own literal is the same value.
-std::optional<std::string> LiteralOf(const Bound& expression) {
-    if (expression.kind != BoundKind::Constant) {
-        return std::nullopt;
-    }
-    if (const auto* number = std::get_if<std::int64_t>(&expression.constant)) {
+/// The value as it may stand in a list, where SQLite's own literal is the same.
+std::optional<std::string> LiteralOf(const Value& value) {
+    if (const auto* number = std::get_if<std::int64_t>(&value)) {
         return std::to_string(*number);
     }
-    const auto* text = std::get_if<std::string>(&expression.constant);
+    const auto* text = std::get_if<std::string>(&value);
     const bool whole = text != nullptr && text->find('\0') == std::string::npos;
     return whole ? std::optional(QuoteText(*text)) : std::nullopt;
 }
@@ -157,6 +154,19 @@ std::string Emission::EmitOperation(const BoundPtr& expression) {
     return call + ")";
 }
 
+std::string Emission::EmitListed(const BoundPtr& expression) {
+    if (IsConstant(*expression)) {
+        try {
+            if (const std::optional<std::string> literal = LiteralOf(Compute(*expression, session_))) {
+                return *literal;
+            }
+        } catch (const SqlError&) {
+            // It fails when, and only if, a row asks for it.
+        }
+    }
+    return Emit(expression);
+}
+
 std::string Emission::Emit(const BoundPtr& expression) {
     if (expression->condition) {
         return EmitCondition(expression);
@@ -227,9 +237,8 @@ std::string Emission::EmitCondition(const BoundPtr& condition) {
         std::string text = "(" + EmitCollated(condition->children[0]) + " IN (";
         const bool is_long = condition->children.size() > kLongList;
         for (std::size_t i = 1; i < condition->children.size(); ++i) {
-            const std::optional<std::string> literal =
-                is_long ? LiteralOf(*condition->children[i]) : std::nullopt;
-            text += (i == 1 ? "" : ", ") + (literal ? *literal : Emit(condition->children[i]));
+            text += (i == 1 ? "" : ", ") +
+                    (is_long ? EmitListed(condition->children[i]) : Emit(condition->children[i]));
         }
         return text + "))";
     }

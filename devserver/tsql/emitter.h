@@ -35,6 +35,8 @@ class Emission {
 
   private:
     std::string EmitOperation(const BoundPtr& expression);
+    /// An item of a long list: a constant is written out.
+    std::string EmitListed(const BoundPtr& expression);
     std::string EmitCase(const Bound& expression);
     std::string EmitJunction(const Bound& condition, std::string_view word);
     bool IsNative(const Bound& expression) const;
