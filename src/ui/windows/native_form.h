@@ -52,6 +52,7 @@ class NativeForm final : public Window, private Mirror {
     static bool Filter(MSG& message);
     LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
     bool FilterKey(const MSG& message);
+    void WakeLoop() const;
     void BringAllInLine();
     void BringTabsInLine(NativeControl& native);
     void TakeFormChange(Property property);

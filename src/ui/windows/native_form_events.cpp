@@ -66,12 +66,19 @@ void NativeForm::TakeFormChange(Property property) {
             ::EnableWindow(owner, TRUE);
         }
         ::ShowWindow(window_, SW_HIDE);
+        WakeLoop();
         return;
     default:
         BringAllInLine();
         ::UpdateWindow(window_);
         return;
     }
+}
+
+/// The loop asks only when GetMessage returns whether it has come to its end, and GetMessage hands over a
+/// message that another thread or process sends, such as WM_CLOSE, without returning.
+void NativeForm::WakeLoop() const {
+    ::PostMessageA(window_, WM_NULL, 0, 0);
 }
 
 void NativeForm::BringAllInLine() {
@@ -358,6 +365,7 @@ LRESULT CALLBACK NativeForm::Procedure(HWND window, UINT message, WPARAM wparam,
         return form->Handle(message, wparam, lparam);
     } catch (...) {
         form->thrown_ = std::current_exception();
+        form->WakeLoop();
         return 0;
     }
 }

@@ -388,10 +388,45 @@ BOOL CALLBACK CountOne(HWND /*window*/, LPARAM count) {
     return TRUE;
 }
 
-int Windows() {
-    int count = 0;
-    ::EnumThreadWindows(::GetCurrentThreadId(), CountOne, reinterpret_cast<LPARAM>(&count));
-    return count;
+BOOL CALLBACK CountWithChildren(HWND window, LPARAM count) {
+    ::EnumChildWindows(window, CountOne, count);
+    return CountOne(window, count);
+}
+
+/// The process's user objects: windows of this thread at any depth, menus, icons and pointers. Wine does not
+/// count them, and takes the lower half of a handle for the handle.
+int UserObjects() {
+    const DWORD counted = ::GetGuiResources(::GetCurrentProcess(), GR_USEROBJECTS);
+    if (counted != 0) {
+        return static_cast<int>(counted);
+    }
+    int found = 0;
+    ::EnumThreadWindows(::GetCurrentThreadId(), CountWithChildren, reinterpret_cast<LPARAM>(&found));
+    for (UINT_PTR place = 0x20; place < 0x4000; place += 2) {
+        found += ::IsMenu(reinterpret_cast<HMENU>(place)) != 0 ? 1 : 0;
+        ICONINFO icon{};
+        if (::GetIconInfo(reinterpret_cast<HICON>(place), &icon) != 0) {
+            ++found;
+            ::DeleteObject(icon.hbmMask);
+            ::DeleteObject(icon.hbmColor);
+        }
+    }
+    return found;
+}
+
+/// The process's handles of the kernel's. Wine does not count them either.
+int KernelHandles() {
+    DWORD counted = 0;
+    ::GetProcessHandleCount(::GetCurrentProcess(), &counted);
+    if (counted != 0) {
+        return static_cast<int>(counted);
+    }
+    int found = 0;
+    for (UINT_PTR handle = 4; handle < 0x4000; handle += 4) {
+        DWORD flags = 0;
+        found += ::GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) != 0 ? 1 : 0;
+    }
+    return found;
 }
 
 TEST_F(ShownForm, LeavesNoHandleBehindInTwoHundredTabSwitches) {
@@ -405,16 +440,15 @@ TEST_F(ShownForm, LeavesNoHandleBehindInTwoHundredTabSwitches) {
     };
     switch_tabs(2 * kv::kMainTabs); // what is made once is made
     const int objects = GdiObjects();
-    const int windows = Windows();
-    DWORD handles = 0;
-    ::GetProcessHandleCount(::GetCurrentProcess(), &handles);
+    const int user_objects = UserObjects();
+    const int handles = KernelHandles();
     ASSERT_GT(objects, 10);
+    ASSERT_GT(user_objects, 100); // a window for each control
+    ASSERT_GT(handles, 5);
     switch_tabs(200);
     EXPECT_EQ(GdiObjects(), objects);
-    EXPECT_EQ(Windows(), windows);
-    DWORD handles_now = 0;
-    ::GetProcessHandleCount(::GetCurrentProcess(), &handles_now);
-    EXPECT_EQ(handles_now, handles);
+    EXPECT_EQ(UserObjects(), user_objects);
+    EXPECT_EQ(KernelHandles(), handles);
 }
 
 TEST(ShownForms, LeaveNoObjectBehindWhenTheyGo) {

@@ -1,10 +1,13 @@
 // A form steered by real mouse and keyboard input, as a person does.
+#include <atomic>
 #include <chrono>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "console/wait_cursor.h"
 #include "ui/operator.h"
 #include "ui/windows/on_screen.h"
 
@@ -144,6 +147,113 @@ TEST_F(SteeredForm, ReachesABoxByTheMnemonicOfItsLabel) {
     hands::Press('U', {VK_MENU});
     EXPECT_TRUE(FocusBecomes("edtUserID1"));
 }
+
+TEST_F(SteeredForm, ReachesWhatLiesOnAPageJustShownByItsMnemonicAndNothingOnTheOthers) {
+    int packages = 0;
+    Get<ui::CommandButton>("cmdGetInstalledPackages").on_click = [&] { ++packages; };
+    int runs = 0;
+    Get<ui::CommandButton>("cmdCreateInstall").on_click = [&] { ++runs; };
+    hands::Press('P', {VK_MENU});
+    ASSERT_TRUE(FocusBecomes("edtPassword0"));
+    EXPECT_EQ(packages, 0);
+    hands::Press(VK_TAB, {VK_CONTROL});
+    ASSERT_TRUE(TabBecomes(kv::kScriptTab));
+    hands::Press('P', {VK_MENU});
+    EXPECT_TRUE(hands::WaitFor([&] { return packages == 1; }));
+    hands::Press('R', {VK_MENU});
+    EXPECT_TRUE(hands::WaitFor([&] { return runs == 1; }));
+    hands::Press(VK_TAB, {VK_CONTROL, VK_SHIFT});
+    ASSERT_TRUE(TabBecomes(kv::kGeneralTab));
+    hands::Press('R', {VK_MENU});
+    EXPECT_TRUE(FocusBecomes("edtSQLUNCReplDataPath0"));
+    EXPECT_EQ(runs, 1);
+}
+
+// --- the mouse pointer
+
+/// Moves the pointer onto the window as a hand does, and says what it looks like there.
+HCURSOR PointerOver(HWND window) {
+    RECT place{};
+    ::GetWindowRect(window, &place);
+    const POINT middle{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+    ::SetCursorPos(middle.x - 1, middle.y);
+    platform::RunPendingEvents();
+    ::SetCursorPos(middle.x, middle.y);
+    const auto is_there = [&middle] {
+        POINT now{};
+        ::GetCursorPos(&now);
+        return now.x == middle.x && now.y == middle.y;
+    };
+    EXPECT_TRUE(hands::WaitFor(is_there));
+    platform::RunPendingEvents();
+    return ::GetCursor();
+}
+
+TEST_F(SteeredForm, ShowsTheHourglassWhileACommandRunsWhereverThePointerIs) {
+    const HCURSOR beam = ::LoadCursorA(nullptr, IDC_IBEAM);
+    const HCURSOR hourglass = ::LoadCursorA(nullptr, IDC_WAIT);
+    const auto becomes = [](HWND window, HCURSOR wanted) {
+        return hands::WaitFor([&] { return PointerOver(window) == wanted; });
+    };
+    EXPECT_TRUE(becomes(Native("edtScriptFolder"), beam));
+    bool over_box = false;
+    bool over_page = false;
+    bool over_button = false;
+    int commands = 0;
+    Get<ui::CommandButton>("cmdGetLocalSettings").on_click = [&] {
+        const kv::CWaitCursor wait;
+        over_box = becomes(Native("edtScriptFolder"), hourglass);
+        over_page = becomes(Native("fraServer", 0), hourglass);
+        over_button = becomes(Native("cmdClose"), hourglass);
+        ++commands;
+    };
+    hands::Click(Native("cmdGetLocalSettings"));
+    EXPECT_TRUE(hands::WaitFor([&] { return commands == 1; }));
+    EXPECT_TRUE(over_box);
+    EXPECT_TRUE(over_page);
+    EXPECT_TRUE(over_button);
+    EXPECT_TRUE(becomes(Native("edtScriptFolder"), beam));
+    EXPECT_TRUE(becomes(Native("cmdClose"), ::LoadCursorA(nullptr, IDC_ARROW)));
+}
+
+// --- tool tips
+
+struct ShownTip {
+    std::string text;
+    RECT place{};
+};
+
+BOOL CALLBACK TakeTip(HWND window, LPARAM found) {
+    if (hands::ClassOf(window) == TOOLTIPS_CLASSA && ::IsWindowVisible(window) != 0) {
+        auto& tip = *reinterpret_cast<ShownTip*>(found);
+        tip.text = hands::Text(window);
+        ::GetWindowRect(window, &tip.place);
+    }
+    return TRUE;
+}
+
+TEST_F(SteeredForm, ShowsTheToolTipOfWhatThePointerRestsOn) {
+    ShownTip tip;
+    const auto tip_becomes = [&tip](const std::string& text) {
+        return hands::WaitFor([&] {
+            tip = ShownTip{};
+            ::EnumThreadWindows(::GetCurrentThreadId(), TakeTip, reinterpret_cast<LPARAM>(&tip));
+            return tip.text == text;
+        });
+    };
+    const auto& box = Get<ui::TextBox>("edtUserID", 1);
+    PointerOver(Native("edtUserID", 1));
+    EXPECT_TRUE(tip_becomes(box.Design().tool_tip)) << tip.text;
+    EXPECT_GT(tip.place.right - tip.place.left, 100);
+    PointerOver(Native("lblStatus")); // it has none
+    EXPECT_TRUE(tip_becomes("")) << tip.text;
+    ShowTab(kv::kScriptTab); // made later than the others
+    const auto& package = Get<ui::CheckBox>("chkStandardSynchronize");
+    PointerOver(Native("chkStandardSynchronize"));
+    EXPECT_TRUE(tip_becomes(package.Design().tool_tip)) << tip.text;
+}
+
+// --- buttons
 
 TEST_F(SteeredForm, PressesAButtonByMouseSpaceEnterAndMnemonic) {
     int clicks = 0;
@@ -301,6 +411,82 @@ TEST_F(SteeredForm, IsUnloadedByItsFrame) {
     window_->RunUntilClosed();
     EXPECT_TRUE(unloaded);
     EXPECT_FALSE(::IsWindowVisible(handle_));
+}
+
+// --- what another thread sends: GetMessage hands it to the window and does not return
+
+/// Sends a message from a second thread once the window's loop is idle, and wakes a loop that has not ended
+/// by itself, so that a failure has an end.
+class Sender {
+  public:
+    Sender(HWND top, UINT message)
+        : thread_([this, top, message] {
+              for (int time = 0; time < 10; ++time) {
+                  ::SendMessageA(top, WM_NULL, 0, 0); // answered by the loop alone
+                  std::this_thread::sleep_for(std::chrono::milliseconds(10));
+              }
+              ::SendMessageA(top, message, 0, 0);
+              for (int time = 0; time < 3000 && !ended_; ++time) {
+                  std::this_thread::sleep_for(std::chrono::milliseconds(10));
+              }
+              woken_ = !ended_;
+              ::PostMessageA(top, WM_CLOSE, 0, 0);
+          }) {}
+    Sender(const Sender&) = delete;
+    Sender& operator=(const Sender&) = delete;
+    ~Sender() = default;
+
+    bool LoopEndedByItself() {
+        ended_ = true;
+        thread_.join();
+        return !woken_;
+    }
+
+  private:
+    std::atomic<bool> ended_ = false;
+    bool woken_ = false;
+    std::jthread thread_;
+};
+
+TEST_F(SteeredForm, EndsItsLoopWhenItIsClosedByAMessageThatIsSent) {
+    Sender sender(handle_, WM_CLOSE);
+    window_->RunUntilClosed();
+    EXPECT_TRUE(sender.LoopEndedByItself());
+    EXPECT_TRUE(form_.Unloaded());
+}
+
+TEST_F(SteeredForm, EndsItsLoopByWhatAHandlerThrowsOnAMessageThatIsSent) {
+    form_.on_unload = [] { throw std::runtime_error("out of a handler"); };
+    Sender sender(handle_, WM_CLOSE);
+    EXPECT_THROW(window_->RunUntilClosed(), std::runtime_error);
+    EXPECT_TRUE(sender.LoopEndedByItself());
+}
+
+TEST_F(SteeredForm, EndsADialogThatIsClosedByAMessageThatIsSent) {
+    ui::Form dialog(kv::ProceduresFormDesign());
+    std::optional<Sender> sender;
+    dialog.Get<ui::CommandButton>("cmdExecute").on_click = [&] {
+        sender.emplace(ui::NativeForm::HandleOf(dialog), WM_CLOSE);
+    };
+    Get<ui::CommandButton>("cmdClose").on_click = [&] {
+        ui::ShowModally(dialog, form_);
+        EXPECT_TRUE(sender->LoopEndedByItself());
+        form_.Unload();
+    };
+    dialog.SetFocus(dialog.Get<ui::CommandButton>("cmdExecute"));
+    hands::Click(Native("cmdClose"));
+    const std::jthread pressing([&dialog] {
+        HWND window = nullptr;
+        hands::WaitFor([&] {
+            window = ::FindWindowA("KVForm", "Stored Procedures");
+            return window != nullptr && ::IsWindowVisible(window) != 0;
+        });
+        ::PostMessageA(hands::Child(window, dialog.Get<ui::CommandButton>("cmdExecute").Id()), BM_CLICK, 0,
+                       0);
+    });
+    window_->RunUntilClosed();
+    EXPECT_TRUE(dialog.Unloaded());
+    EXPECT_TRUE(::IsWindowEnabled(handle_));
 }
 
 // --- the dialog

@@ -2,6 +2,8 @@
 #include "ui/windows/pickers.h"
 
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <thread>
@@ -23,7 +25,7 @@ class Answer {
 
   private:
     static void Run(const std::function<void(HWND)>& answer) {
-        for (int time = 0; time < 1000; ++time) {
+        for (int time = 0; time < 6000; ++time) {
             const HWND dialog = ::FindWindowA("#32770", nullptr);
             DWORD process = 0;
             ::GetWindowThreadProcessId(dialog, &process);
@@ -59,6 +61,28 @@ TEST(FilePicker, GivesNothingWhenItIsCancelled) {
     const Answer cancel([](HWND dialog) { Press(dialog, IDCANCEL); });
     EXPECT_EQ(ui::BrowseForFile("Browse for script file", "Script Files (*.sql)|*.sql", nullptr, ""),
               std::nullopt);
+}
+
+TEST(FilePicker, GivesTheFileThatIsTypedInTheStartFolder) {
+    // In no folder of its own: the shell would not let go of it before this program ends.
+    const std::filesystem::path file = std::filesystem::temp_directory_path() / "kv pick a file.sql";
+    std::ofstream(file) << "SELECT 1";
+    bool typed = false;
+    std::optional<std::string> chosen;
+    {
+        const Answer type([&](HWND dialog) {
+            typed = hands::Activate(dialog) &&
+                    hands::WaitFor([dialog] { return hands::ClassOf(hands::FocusIn(dialog)) == "Edit"; });
+            hands::Type(file.filename().string());
+            hands::Press(VK_RETURN);
+        });
+        chosen = ui::BrowseForFile("Browse for script file", "Script Files (*.sql)|*.sql", nullptr,
+                                   file.parent_path().string());
+    }
+    std::filesystem::remove(file);
+    EXPECT_TRUE(typed) << "the dialog was in front, with the focus in the name";
+    ASSERT_TRUE(chosen.has_value());
+    EXPECT_EQ(::lstrcmpiA(chosen->c_str(), file.string().c_str()), 0) << *chosen;
 }
 
 } // namespace
