@@ -1,12 +1,16 @@
 // Shows the console's forms, each tab, at several scales, and writes what the screen shows of them as
 // bitmaps: for eyes, after a change of a place or a text. tests/ui/windows/take-pictures runs it.
+//
+//   form_pictures FOLDER [system]     with "system" at the scale of the desktop, and told of no other
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "console/main_form_design.h"
 #include "console/procedures_form_design.h"
 #include "platform/windows/lean_windows.h"
 #include "ui/toolkit.h"
+#include "ui/windows/dialog_font.h"
 #include "ui/windows/hands.h"
 #include "ui/windows/native_form.h"
 
@@ -61,7 +65,8 @@ void Fill(ui::Form& form) {
     }
 }
 
-bool TakeAll(const ui::FormDesign& design, int dpi, bool fill, const std::string& folder) {
+/// At the scale of the desktop if `dpi` is that.
+bool TakeAll(const ui::FormDesign& design, int dpi, const std::string& folder) {
     ui::Form form(design);
     const auto window = ui::MakeWindow(form);
     if (!window) {
@@ -69,10 +74,10 @@ bool TakeAll(const ui::FormDesign& design, int dpi, bool fill, const std::string
         return false;
     }
     const HWND handle = ui::NativeForm::HandleOf(form);
-    if (fill) {
-        Fill(form);
+    Fill(form);
+    if (dpi != ui::SystemDpi()) {
+        Scale(handle, dpi);
     }
-    Scale(handle, dpi);
     window->Show();
     hands::Activate(handle);
     bool taken = true;
@@ -94,9 +99,13 @@ bool TakeAll(const ui::FormDesign& design, int dpi, bool fill, const std::string
 int main(int argc, char** argv) {
     const std::string folder = argc > 1 ? argv[1] : ".";
     bool taken = true;
-    for (const int dpi : {96, 120, 144}) {
+    std::vector<int> scales = {96, 120, 144};
+    if (argc > 2 && std::string(argv[2]) == "system") {
+        scales = {ui::SystemDpi()};
+    }
+    for (const int dpi : scales) {
         for (const ui::FormDesign* design : {&kv::MainFormDesign(), &kv::ProceduresFormDesign()}) {
-            taken = TakeAll(*design, dpi, true, folder) && taken;
+            taken = TakeAll(*design, dpi, folder) && taken;
         }
     }
     return taken ? 0 : 1;

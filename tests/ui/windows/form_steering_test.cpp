@@ -494,11 +494,13 @@ TEST_F(SteeredForm, EndsADialogThatIsClosedByAMessageThatIsSent) {
 TEST_F(SteeredForm, TakesNoInputWhileADialogStandsAboveIt) {
     ui::Form dialog(kv::ProceduresFormDesign());
     bool owner_enabled = true;
+    LONG_PTR style = 0;
     RECT place{};
     auto& run = dialog.Get<ui::CommandButton>("cmdExecute");
     run.on_click = [&] {
         owner_enabled = ::IsWindowEnabled(handle_) != 0;
         ::GetWindowRect(ui::NativeForm::HandleOf(dialog), &place);
+        style = ::GetWindowLongPtrA(ui::NativeForm::HandleOf(dialog), GWL_STYLE);
         hands::Press(VK_ESCAPE);
     };
     dialog.Get<ui::CommandButton>("cmdClose").on_click = [&] { dialog.Unload(); };
@@ -527,6 +529,8 @@ TEST_F(SteeredForm, TakesNoInputWhileADialogStandsAboveIt) {
     RECT owner{};
     ::GetWindowRect(handle_, &owner);
     EXPECT_NEAR(place.left + place.right, owner.left + owner.right, 2);
+    EXPECT_EQ(style & (WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX),
+              WS_CAPTION | WS_SYSMENU);
 }
 
 } // namespace
