@@ -79,7 +79,7 @@ enum class AlterTableAction : std::uint8_t {
 struct AlterTableStatement {
     Name table;
     AlterTableAction action = AlterTableAction::Add;
-    TableDefinition definition; ///< ADD, ALTER COLUMN
+    TableDefinition definition;     ///< ADD, ALTER COLUMN
     std::vector<std::string> names; ///< DROP, CHECK CONSTRAINT; "ALL"
 };
 enum class ObjectKind : std::uint8_t {
