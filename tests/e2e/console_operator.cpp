@@ -16,8 +16,8 @@
 
 #include "console/main_form_design.h"
 #include "console/procedures_form_design.h"
-#include "far_controls.h"
 #include "ui/form.h"
+#include "ui/windows/far_controls.h"
 #include "ui/windows/hands.h"
 
 #include <commctrl.h>

@@ -7,6 +7,7 @@
 
 #include "console/main_form_design.h"
 #include "ui/form.h"
+#include "ui/windows/far_controls.h"
 #include "ui/windows/hands.h"
 
 #include <commctrl.h>
@@ -74,7 +75,14 @@ class Console : public ::testing::Test {
     }
     void Fill(const char* name, int index, const std::string& text) {
         const HWND box = Native(name, index);
-        hands::Click(box);
+        constexpr std::chrono::seconds kMoment{5};
+        bool focused = false;
+        for (int click = 0; click < 10 && !focused;
+             ++click) { // one may go past a window that has just come up
+            far_controls::Click(box);
+            focused = hands::WaitFor([this, box] { return hands::FocusIn(window_) == box; }, kMoment);
+        }
+        ASSERT_TRUE(focused) << name;
         hands::Type(text);
         EXPECT_TRUE(hands::WaitFor([&] { return hands::Text(box) == text; }))
             << name << ": " << hands::Text(box);
@@ -88,7 +96,7 @@ class Console : public ::testing::Test {
         });
     }
     void Close() {
-        hands::Click(Native("cmdClose"));
+        far_controls::ClickButton(Native("cmdClose"));
         EXPECT_TRUE(program_->Ends());
     }
 

@@ -1,4 +1,4 @@
-#include "far_controls.h"
+#include "ui/windows/far_controls.h"
 
 #include <stdexcept>
 
