@@ -11,10 +11,11 @@ namespace {
 
 DatePart PartOf(Values values, std::string_view function) {
     const auto* word = std::get_if<std::string>(&values[0]);
-    const auto part = word == nullptr ? std::nullopt : FindDatePart(*word);
+    const std::string_view name = word == nullptr ? std::string_view() : *word; // no part has an empty name
+    const auto part = FindDatePart(name);
     const bool counted = function == "dateadd" || function == "datediff";
-    if (!part || (counted && *part == DatePart::IsoWeek)) {
-        Raise(155, {word == nullptr ? std::string_view() : *word, function});
+    if (!part || (counted && part == DatePart::IsoWeek)) {
+        Raise(155, {name, function});
     }
     return *part;
 }
