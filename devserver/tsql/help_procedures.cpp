@@ -227,8 +227,21 @@ std::int32_t CompatibilityLevel(SystemCall& call) {
 
 // ------------------------------------------------------------------ objects
 
-std::int32_t Help(SystemCall& call) {
+/// The object that @objname names; 15009 if there is none.
+ObjectDef NamedObject(SystemCall& call) {
     SessionCore& session = call.session();
+    const std::string name = call.Text("@objname");
+    const ast::Name parsed = ParseName(name);
+    const ObjectPlace place = parsed.empty() ? ObjectPlace{} : PlaceOf(session, parsed);
+    const std::optional<ObjectDef> object =
+        parsed.empty() ? std::nullopt : session.CurrentDatabase().FindObject(place.schema, place.name);
+    if (!object) {
+        RaiseError(15009, {name, session.CurrentDatabaseName()});
+    }
+    return *object;
+}
+
+std::int32_t Help(SystemCall& call) {
     if (call.IsNull("@objname")) {
         call.Run(
             "SELECT o.name AS Name, 'dbo' AS Owner, CASE o.xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN "
@@ -239,21 +252,14 @@ std::int32_t Help(SystemCall& call) {
             "FROM sysobjects o ORDER BY Object_type, Name");
         return 0;
     }
-    const std::string name = call.Text("@objname");
-    const ast::Name parsed = ParseName(name);
-    const ObjectPlace place = parsed.empty() ? ObjectPlace{} : PlaceOf(session, parsed);
-    const std::optional<ObjectDef> object =
-        parsed.empty() ? std::nullopt : session.CurrentDatabase().FindObject(place.schema, place.name);
-    if (!object) {
-        RaiseError(15009, {name, session.CurrentDatabaseName()});
-    }
-    const std::vector<std::string> values = {std::to_string(object->id)};
+    const ObjectDef object = NamedObject(call);
+    const std::vector<std::string> values = {std::to_string(object.id)};
     call.Run("SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN "
              "'view' WHEN 'P' THEN "
              "'stored procedure' ELSE 'constraint' END AS Type, crdate AS Created_datetime FROM sysobjects "
              "WHERE id = CONVERT(int, @p1)",
              values);
-    if (object->type == "P") {
+    if (object.type == "P") {
         call.Run("SELECT c.name AS Parameter_name, t.name AS Type, c.length AS Length, c.prec AS Prec, "
                  "c.scale AS Scale, "
                  "c.colid AS Param_order, c.collation AS Collation FROM syscolumns c JOIN systypes t ON "
@@ -270,7 +276,7 @@ std::int32_t Help(SystemCall& call) {
              "t.xusertype = "
              "t.xtype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colorder",
              values);
-    if (object->type != "U") {
+    if (object.type != "U") {
         return 0;
     }
     call.Run(
@@ -283,21 +289,13 @@ std::int32_t Help(SystemCall& call) {
         "UNION ALL SELECT N'No rowguidcol column defined.' WHERE NOT EXISTS (SELECT * FROM sys.columns WHERE "
         "object_id = CONVERT(int, @p1) AND is_rowguidcol = 1) SELECT N'PRIMARY' AS Data_located_on_filegroup",
         values);
-    call.Run("EXEC sp_helpindex @p1 EXEC sp_helpconstraint @p1, 'nomsg'", {name});
+    call.Run("EXEC sp_helpindex @p1 EXEC sp_helpconstraint @p1, 'nomsg'", {call.Text("@objname")});
     return 0;
 }
 
 /// Dependencies are not kept: what a module refers to is looked up in its text.
 std::int32_t Depends(SystemCall& call) {
-    SessionCore& session = call.session();
-    const std::string name = call.Text("@objname");
-    const ast::Name parsed = ParseName(name);
-    const ObjectPlace place = parsed.empty() ? ObjectPlace{} : PlaceOf(session, parsed);
-    const std::optional<ObjectDef> object =
-        parsed.empty() ? std::nullopt : session.CurrentDatabase().FindObject(place.schema, place.name);
-    if (!object) {
-        RaiseError(15009, {name, session.CurrentDatabaseName()});
-    }
+    const ObjectDef object = NamedObject(call);
     // From the side of the text (m) and of the name in it (u); each list is only told where it has rows.
     const std::string from =
         " FROM sys.sql_modules m JOIN sysobjects u ON N' ' + m.definition + N' ' LIKE "
@@ -311,13 +309,13 @@ std::int32_t Depends(SystemCall& call) {
                 ", -1, -1) SELECT DISTINCT N'dbo.' + " + told + ".name AS name, CASE " + told +
                 ".xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view' ELSE 'stored procedure' END AS type" +
                 rows + " ORDER BY 1 END",
-            {std::to_string(object->id)});
+            {std::to_string(object.id)});
     };
     list("u", "o", 15459);
     list("o", "u", 15460);
     call.Run("IF NOT EXISTS (SELECT *" + from +
                  "CONVERT(int, @p1) IN (o.id, u.id)) RAISERROR (15461, -1, -1)",
-             {std::to_string(object->id)});
+             {std::to_string(object.id)});
     return 0;
 }
 
