@@ -7,12 +7,12 @@
 #include <thread>
 #include <vector>
 
+#include "devserver/engine/engine.h"
 #include "devserver/linked/odbc_remote.h"
 #include "devserver/options.h"
 #include "devserver/system/end_signal.h"
 #include "devserver/tds/browser.h"
 #include "devserver/tds/server.h"
-#include "devserver/tsql/engine.h"
 
 namespace {
 

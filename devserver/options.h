@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "devserver/tsql/engine.h"
+#include "devserver/engine/engine.h"
 
 namespace devsql {
 

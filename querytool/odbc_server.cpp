@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/odbc_rows.h"
+#include "odbc/odbc_rows.h"
 
 namespace querytool {
 namespace {

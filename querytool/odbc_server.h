@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/odbc.h"
+#include "odbc/odbc.h"
 #include "querytool/server.h"
 
 namespace querytool {

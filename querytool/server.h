@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/odbc.h"
+#include "odbc/odbc.h"
 
 namespace querytool {
 

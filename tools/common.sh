@@ -2,8 +2,10 @@
 # To be sourced from the root of the checkout.
 
 export DEBIAN_FRONTEND=noninteractive
-# Compiled objects of earlier runs are taken again, also after the build tree is gone.
-export CCACHE_DIR="${CCACHE_DIR:-$PWD/build/ccache}" CCACHE_MAXSIZE="${CCACHE_MAXSIZE:-2G}"
+# The compiler cache is the user's, so that a fresh clone starts with what another checkout has compiled: paths below
+# the checkout count as relative, and the folder of the build does not count.
+export CCACHE_DIR="${CCACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/ccache}" CCACHE_MAXSIZE="${CCACHE_MAXSIZE:-5G}"
+export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 
 BUILD_PACKAGES="build-essential cmake ninja-build ccache libgtest-dev libgmock-dev libbenchmark-dev unixodbc-dev libsqlite3-dev"
 RUN_PACKAGES="tdsodbc freetds-bin python3 python3-pymssql python3-pyodbc python3-tds"

@@ -9,7 +9,7 @@ import sys
 
 TOP = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 sys.path[:0] = [os.path.join(TOP, "tests", "e2e"), os.path.join(TOP, "tests", "samples")]
-from plant import PACKAGES, PASSWORD, TEMPLATES, USER, DevServer, Machine  # noqa: E402
+from test_machine import PACKAGES, PASSWORD, TEMPLATES, USER, DevServer, Machine  # noqa: E402
 from upgraded_samples_test import RENAMED, USE_OF_VERSION_1  # noqa: E402
 
 TEMPORARY = "TmpBatchUpgradeDb"

@@ -5,8 +5,8 @@
 
 #include "devserver/linked/odbc_values.h"
 #include "devserver/tsql/scalar/text.h"
-#include "platform/odbc.h"
-#include "platform/odbc_rows.h"
+#include "odbc/odbc.h"
+#include "odbc/odbc_rows.h"
 
 namespace devsql {
 namespace {

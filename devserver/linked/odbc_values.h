@@ -1,8 +1,8 @@
 // Columns and values as ODBC hands them over, in the server's own form. Knows nothing of connections.
 #pragma once
 
-#include "devserver/tsql/engine.h"
-#include "platform/odbc.h"
+#include "devserver/engine/engine.h"
+#include "odbc/odbc.h"
 
 namespace devsql {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "devserver/tsql/engine.h"
+#include "devserver/engine/engine.h"
 
 namespace devsql {
 

@@ -13,7 +13,7 @@
 
 #include <sqlite3.h>
 
-#include "devserver/tsql/value.h"
+#include "devserver/engine/value.h"
 
 namespace devsql {
 

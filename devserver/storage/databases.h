@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "devserver/engine/value.h"
 #include "devserver/storage/sqlite.h"
-#include "devserver/tsql/value.h"
 
 namespace devsql {
 

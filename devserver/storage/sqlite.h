@@ -17,7 +17,7 @@
 #include <string_view>
 #include <vector>
 
-#include "devserver/tsql/value.h"
+#include "devserver/engine/value.h"
 
 namespace devsql {
 

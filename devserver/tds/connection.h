@@ -11,13 +11,13 @@
 #include <mutex>
 #include <optional>
 
+#include "devserver/engine/engine.h"
 #include "devserver/tds/login.h"
 #include "devserver/tds/packets.h"
 #include "devserver/tds/requests.h"
 #include "devserver/tds/response.h"
 #include "devserver/tds/socket.h"
 #include "devserver/tds/tokens.h"
-#include "devserver/tsql/engine.h"
 
 namespace devsql::tds {
 

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "devserver/tsql/engine.h"
+#include "devserver/engine/engine.h"
 
 namespace devsql::tds {
 

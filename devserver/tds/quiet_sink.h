@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "devserver/tsql/engine.h"
+#include "devserver/engine/engine.h"
 
 namespace devsql::tds {
 

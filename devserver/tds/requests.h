@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
+#include "devserver/engine/engine.h"
 #include "devserver/tds/protocol_error.h"
 #include "devserver/tds/wire.h"
-#include "devserver/tsql/engine.h"
 
 namespace devsql::tds {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "devserver/engine/engine.h"
 #include "devserver/tds/tokens.h"
-#include "devserver/tsql/engine.h"
 
 namespace devsql::tds {
 

@@ -10,8 +10,8 @@
 #include <memory>
 #include <mutex>
 
+#include "devserver/engine/engine.h"
 #include "devserver/tds/socket.h"
-#include "devserver/tsql/engine.h"
 
 namespace devsql::tds {
 

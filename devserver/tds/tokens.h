@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include "devserver/engine/engine.h"
 #include "devserver/tds/packets.h"
 #include "devserver/tds/type_encoder.h"
 #include "devserver/tds/wire.h"
-#include "devserver/tsql/engine.h"
 
 namespace devsql::tds {
 

@@ -4,9 +4,9 @@
 
 #include <string>
 
+#include "devserver/engine/value.h"
 #include "devserver/tds/bytes.h"
 #include "devserver/tds/wire.h"
-#include "devserver/tsql/value.h"
 
 namespace devsql::tds {
 

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "devserver/engine/value.h"
 #include "devserver/tds/wire.h"
-#include "devserver/tsql/value.h"
 
 namespace devsql::tds {
 

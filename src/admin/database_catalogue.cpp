@@ -1,6 +1,6 @@
 #include "admin/database_catalogue.h"
 
-#include "startup/text.h"
+#include "text/text.h"
 
 namespace kv {
 namespace {

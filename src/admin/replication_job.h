@@ -2,7 +2,7 @@
 // replication.
 #pragma once
 
-#include "admin/database_manager.h"
+#include "managers/database_manager.h"
 
 namespace kv {
 

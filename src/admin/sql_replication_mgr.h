@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "admin/database_manager.h"
+#include "managers/database_manager.h"
 
 namespace kv {
 

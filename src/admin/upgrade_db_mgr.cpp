@@ -1,7 +1,7 @@
 #include "admin/upgrade_db_mgr.h"
 
+#include "base/int16.h"
 #include "platform/files.h"
-#include "startup/int16.h"
 
 namespace kv {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "platform/odbc.h"
+#include "odbc/odbc.h"
 
 namespace ado {
 

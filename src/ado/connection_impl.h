@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "ado/connection.h"
-#include "platform/odbc.h"
+#include "odbc/odbc.h"
 
 namespace ado {
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "ado/errors.h"
-#include "platform/odbc.h"
+#include "odbc/odbc.h"
 
 namespace ado {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "ado/variant.h"
-#include "platform/odbc.h"
+#include "odbc/odbc.h"
 
 namespace ado {
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "ado/packed_number.h"
-#include "platform/code_page.h"
+#include "text/code_page.h"
 
 namespace ado {
 namespace {

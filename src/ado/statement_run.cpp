@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "ado/odbc_values.h"
-#include "platform/odbc_rows.h"
+#include "odbc/odbc_rows.h"
 
 namespace ado {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "ado/recordset.h"
-#include "platform/odbc.h"
+#include "odbc/odbc.h"
 
 namespace ado {
 

@@ -8,7 +8,7 @@
 #include <variant>
 
 #include "ado/errors.h"
-#include "platform/odbc.h"
+#include "odbc/odbc.h"
 
 namespace ado {
 

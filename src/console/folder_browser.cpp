@@ -1,6 +1,6 @@
 #include "console/folder_browser.h"
 
-#include "startup/failure.h"
+#include "base/failure.h"
 #include "ui/toolkit.h"
 
 namespace kv {

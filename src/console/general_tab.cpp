@@ -1,10 +1,10 @@
 #include "console/general_tab.h"
 
+#include "base/registry_locations.h"
+#include "base/registry_settings.h"
 #include "console/exclamation.h"
 #include "console/folder_browser.h"
 #include "console/main_form.h"
-#include "startup/registry_locations.h"
-#include "startup/registry_settings.h"
 
 namespace kv {
 namespace {

@@ -1,6 +1,6 @@
 #include "console/list_view_helpers.h"
 
-#include "startup/int16.h"
+#include "base/int16.h"
 
 namespace kv {
 

@@ -1,15 +1,15 @@
 #include "console/main_form.h"
 
+#include "base/error_log.h"
+#include "base/failure.h"
+#include "base/registry_locations.h"
+#include "base/registry_settings.h"
 #include "console/list_view_helpers.h"
 #include "console/server_options.h"
 #include "console/wait_cursor.h"
-#include "platform/registry.h"
-#include "platform/user_settings.h"
 #include "platform/version_record.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
-#include "startup/registry_locations.h"
-#include "startup/registry_settings.h"
+#include "registry/registry.h"
+#include "registry/user_settings.h"
 
 namespace kv {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "admin/server_pair_settings.h"
+#include "base/int16.h"
 #include "console/availability.h"
 #include "console/general_tab.h"
 #include "console/replication_tab.h"
@@ -17,7 +17,7 @@
 #include "console/synchronize_tab.h"
 #include "console/upgrade_tab.h"
 #include "console/view_data_tab.h"
-#include "startup/int16.h"
+#include "managers/server_pair_settings.h"
 #include "ui/form.h"
 
 namespace kv {

@@ -1,12 +1,12 @@
 // frmMain: what can be used, shown on the controls.
 #include "ado/variant.h"
+#include "base/error_log.h"
+#include "base/failure.h"
+#include "base/registry_locations.h"
+#include "base/registry_settings.h"
 #include "console/main_form.h"
 #include "console/server_options.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
-#include "startup/registry_locations.h"
-#include "startup/registry_settings.h"
-#include "startup/text.h"
+#include "text/text.h"
 
 namespace kv {
 namespace {

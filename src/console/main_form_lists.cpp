@@ -1,9 +1,9 @@
 // frmMain: the status line, the block of settings, and the database lists.
 #include "admin/upgrade_db_mgr.h"
+#include "base/error_log.h"
+#include "base/failure.h"
 #include "console/main_form.h"
 #include "platform/pending_events.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
 
 namespace kv {
 namespace {

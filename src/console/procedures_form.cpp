@@ -1,10 +1,10 @@
 #include "console/procedures_form.h"
 
+#include "base/error_log.h"
+#include "base/failure.h"
 #include "console/procedures_form_design.h"
 #include "console/result_list.h"
 #include "console/wait_cursor.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
 
 namespace kv {
 namespace {

@@ -1,13 +1,13 @@
 #include "console/replication_tab.h"
 
 #include "admin/sql_replication_mgr.h"
+#include "base/error_log.h"
+#include "base/failure.h"
+#include "base/registry_locations.h"
+#include "base/registry_settings.h"
 #include "console/main_form.h"
 #include "console/wait_cursor.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
-#include "startup/registry_locations.h"
-#include "startup/registry_settings.h"
-#include "startup/text.h"
+#include "text/text.h"
 
 namespace kv {
 namespace {

@@ -4,8 +4,8 @@
 #include <functional>
 #include <string>
 
+#include "base/int16.h"
 #include "inspect/text_table.h"
-#include "startup/int16.h"
 #include "ui/list_view.h"
 
 namespace kv {

@@ -5,12 +5,12 @@
 #include <chrono>
 
 #include "ado/variant.h"
+#include "base/error_log.h"
+#include "base/failure.h"
 #include "console/exclamation.h"
 #include "console/folder_browser.h"
 #include "console/main_form.h"
 #include "console/wait_cursor.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
 #include "ui/toolkit.h"
 
 namespace kv {

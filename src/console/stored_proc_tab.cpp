@@ -2,11 +2,11 @@
 
 #include <optional>
 
+#include "base/error_log.h"
+#include "base/failure.h"
 #include "console/main_form.h"
 #include "console/procedures_form.h"
 #include "console/wait_cursor.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
 #include "ui/toolkit.h"
 
 namespace kv {

@@ -1,11 +1,11 @@
 #include "console/synchronize_tab.h"
 
 #include "admin/synchronize_db_mgr.h"
+#include "base/error_log.h"
+#include "base/failure.h"
 #include "console/exclamation.h"
 #include "console/main_form.h"
 #include "console/wait_cursor.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
 
 namespace kv {
 

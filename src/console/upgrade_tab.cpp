@@ -3,11 +3,11 @@
 #include <vector>
 
 #include "admin/upgrade_db_mgr.h"
+#include "base/error_log.h"
+#include "base/failure.h"
 #include "console/exclamation.h"
 #include "console/main_form.h"
 #include "console/wait_cursor.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
 
 namespace kv {
 

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "base/error_log.h"
+#include "base/failure.h"
 #include "console/main_form.h"
 #include "console/result_list.h"
 #include "console/wait_cursor.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
 
 namespace kv {
 

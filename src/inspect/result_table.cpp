@@ -1,6 +1,6 @@
 #include "inspect/result_table.h"
 
-#include "startup/int16.h"
+#include "base/int16.h"
 
 namespace kv {
 

@@ -1,9 +1,9 @@
 // CViewDataMgr's operations on stored procedures.
 #include <algorithm>
 
+#include "base/int16.h"
 #include "inspect/result_table.h"
 #include "inspect/view_data_mgr.h"
-#include "startup/int16.h"
 
 namespace kv {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "startup/failure.h"
+#include "base/failure.h"
 
 namespace kv {
 namespace {

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "admin/database_manager.h"
 #include "ado/command.h"
 #include "inspect/text_table.h"
+#include "managers/database_manager.h"
 
 namespace kv {
 

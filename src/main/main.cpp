@@ -3,13 +3,13 @@
 #include <string>
 #include <vector>
 
+#include "base/failure.h"
 #include "console/main_form.h"
+#include "main/main_routine.h"
 #include "platform/command_line.h"
 #include "platform/files.h"
 #include "platform/message_box.h"
 #include "platform/terminal.h"
-#include "startup/failure.h"
-#include "startup/main_routine.h"
 #include "ui/toolkit.h"
 #include "unattended/automatic_install.h"
 #include "unattended/automatic_upgrade.h"

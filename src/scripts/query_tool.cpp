@@ -2,12 +2,12 @@
 
 #include <array>
 
+#include "base/failure.h"
+#include "base/registry_locations.h"
+#include "base/registry_settings.h"
 #include "platform/files.h"
 #include "platform/message_box.h"
-#include "startup/failure.h"
-#include "startup/registry_locations.h"
-#include "startup/registry_settings.h"
-#include "startup/text.h"
+#include "text/text.h"
 
 namespace kv {
 namespace {

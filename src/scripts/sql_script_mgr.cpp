@@ -2,15 +2,15 @@
 
 #include <memory>
 
+#include "base/error_log.h"
+#include "base/failure.h"
+#include "packages/packages.h"
 #include "platform/files.h"
-#include "platform/packages.h"
 #include "platform/process.h"
 #include "scripts/query_tool.h"
 #include "scripts/script_files.h"
 #include "scripts/token_passes.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
-#include "startup/text.h"
+#include "text/text.h"
 
 namespace kv {
 namespace {

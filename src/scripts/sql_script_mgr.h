@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "admin/server_pair_settings.h"
+#include "managers/db_errors.h"
+#include "managers/server_pair_settings.h"
 #include "platform/clock.h"
 #include "scripts/script_tables.h"
-#include "startup/db_errors.h"
 
 namespace kv {
 

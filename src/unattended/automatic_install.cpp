@@ -2,9 +2,9 @@
 
 #include <memory>
 
+#include "base/error_log.h"
+#include "base/failure.h"
 #include "platform/pending_events.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
 #include "unattended/script_steps.h"
 
 namespace kv {

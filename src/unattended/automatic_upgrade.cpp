@@ -3,11 +3,11 @@
 #include <memory>
 
 #include "admin/upgrade_db_mgr.h"
+#include "base/error_log.h"
+#include "base/failure.h"
+#include "base/registry_locations.h"
+#include "base/registry_settings.h"
 #include "platform/pending_events.h"
-#include "startup/error_log.h"
-#include "startup/failure.h"
-#include "startup/registry_locations.h"
-#include "startup/registry_settings.h"
 #include "unattended/script_steps.h"
 
 namespace kv {

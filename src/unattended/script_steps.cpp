@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "startup/failure.h"
+#include "base/failure.h"
 
 namespace kv {
 

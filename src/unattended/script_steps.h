@@ -2,8 +2,8 @@
 // neither sequence.
 #pragma once
 
-#include "console/status_form.h"
 #include "scripts/sql_script_mgr.h"
+#include "status/status_form.h"
 
 namespace kv {
 

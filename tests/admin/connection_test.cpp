@@ -6,7 +6,7 @@
 #include "admin/sql_replication_mgr.h"
 #include "admin/synchronize_db_mgr.h"
 #include "admin/upgrade_db_mgr.h"
-#include "startup/failure.h"
+#include "base/failure.h"
 
 namespace kv {
 namespace {

@@ -1,7 +1,7 @@
 #include "admin/manager_fixture.h"
 #include "admin/synchronize_db_mgr.h"
 #include "admin/upgrade_db_mgr.h"
-#include "startup/failure.h"
+#include "base/failure.h"
 
 namespace kv {
 namespace {

@@ -7,13 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include "base/failure.h"
+#include "base/registry_locations.h"
 #include "fakes/fake_ado.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_files.h"
 #include "fakes/fake_registry.h"
 #include "fakes/fake_screen.h"
-#include "startup/failure.h"
-#include "startup/registry_locations.h"
 
 namespace kv {
 

@@ -7,11 +7,11 @@
 #include "admin/sql_replication_mgr.h"
 #include "admin/synchronize_db_mgr.h"
 #include "admin/upgrade_db_mgr.h"
+#include "base/registry_locations.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_registry.h"
 #include "fakes/fake_screen.h"
 #include "platform/files.h"
-#include "startup/registry_locations.h"
 #include "support/servers.h"
 
 namespace kv {

@@ -1,6 +1,6 @@
 #include "admin/manager_fixture.h"
 #include "admin/upgrade_db_mgr.h"
-#include "startup/failure.h"
+#include "base/failure.h"
 
 namespace kv {
 namespace {

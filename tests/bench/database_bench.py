@@ -13,7 +13,7 @@ TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = [os.path.join(TOP, "tests", "e2e")]
 
 import pymssql  # noqa: E402
-from plant import PASSWORD, USER, DevServer, Machine, fresh_folder  # noqa: E402
+from test_machine import PASSWORD, USER, DevServer, Machine, fresh_folder  # noqa: E402
 
 DATABASES, LISTINGS, ROUNDS, UPGRADES = 200, 20, 7, 24
 TEMPORARY = "TmpBatchUpgradeDb"

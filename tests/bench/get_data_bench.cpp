@@ -12,8 +12,8 @@
 #include <sys/resource.h>
 
 #include "inspect/view_data_mgr.h"
-#include "platform/odbc.h"
-#include "platform/odbc_api.h"
+#include "odbc/odbc.h"
+#include "odbc/odbc_api.h"
 
 namespace {
 

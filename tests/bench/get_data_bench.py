@@ -14,7 +14,7 @@ import time
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(TOP / "tests" / "e2e"))
-from plant import PASSWORD, USER, DevServer  # noqa: E402
+from test_machine import PASSWORD, USER, DevServer  # noqa: E402
 
 DATABASE = "Reading"
 SIZES = (10_000, 100_000, 1_000_000)

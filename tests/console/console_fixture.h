@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/registry_locations.h"
 #include "console/main_form.h"
 #include "fakes/fake_ado.h"
 #include "fakes/fake_clock.h"
@@ -19,7 +20,6 @@
 #include "fakes/fake_screen.h"
 #include "fakes/fake_toolkit.h"
 #include "fakes/fake_user_settings.h"
-#include "startup/registry_locations.h"
 #include "ui/operator.h"
 
 namespace kv {

@@ -6,9 +6,9 @@ import os
 import sys
 import unittest
 
-from console_person import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest
+from console_automation import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest
 from console_wire import HERE, Wire
-from plant import wait_for
+from test_machine import wait_for
 
 # A procedure that tells in a table that it runs, and does not end when it is called for the first time.
 ENDLESS = ("CREATE PROCEDURE {0} {1} AS INSERT INTO dbo.Calls VALUES (N'{0}') "

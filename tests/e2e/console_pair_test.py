@@ -6,8 +6,8 @@ import os
 import sys
 import unittest
 
-from console_person import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest
-from plant import wait_for
+from console_automation import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest
+from test_machine import wait_for
 
 FIRST_BATCH = "EXEC dbo.spStartBatch N'B-1', 1, 1, 500, 'A-17', N'Müller', 2"
 

@@ -11,8 +11,8 @@
 
 #include "console/main_form_design.h"
 #include "ui/form.h"
-#include "ui/windows/far_controls.h"
-#include "ui/windows/hands.h"
+#include "ui/windows/other_process_controls.h"
+#include "ui/windows/screen_input.h"
 
 #include <commctrl.h>
 

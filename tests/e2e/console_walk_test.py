@@ -10,8 +10,8 @@ import shutil
 import sys
 import unittest
 
-from console_person import keep_picture, run_on_screen
-from plant import PACKAGES, PASSWORD, TEMPLATES, RUNNER, TOP, USER, DevServer, Machine, fresh_folder, set_up
+from console_automation import keep_picture, run_on_screen
+from test_machine import PACKAGES, PASSWORD, TEMPLATES, RUNNER, TOP, USER, DevServer, Machine, fresh_folder, set_up
 
 SETTINGS = "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr"
 

@@ -9,7 +9,7 @@ import stat
 import sys
 import unittest
 
-from plant import (PACKAGES, PASSWORD, TEMPLATES, USER, DevServer, Machine, contents, fresh_folder,
+from test_machine import (PACKAGES, PASSWORD, TEMPLATES, USER, DevServer, Machine, contents, fresh_folder,
                    install_by_pymssql, wait_for)
 
 

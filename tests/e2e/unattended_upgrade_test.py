@@ -10,7 +10,7 @@ import unittest
 
 import pymssql
 
-from plant import (PACKAGES, PASSWORD, TEMPLATES, TOP, USER, DevServer, Machine, contents, fresh_folder)
+from test_machine import (PACKAGES, PASSWORD, TEMPLATES, TOP, USER, DevServer, Machine, contents, fresh_folder)
 from unattended_install_test import WholeWay
 
 sys.path.insert(0, os.path.join(TOP, "tests", "samples"))

@@ -1,6 +1,6 @@
 #include "fakes/dts_com_object.h"
 
-#include "platform/packages.h"
+#include "packages/packages.h"
 
 namespace fakes {
 namespace {

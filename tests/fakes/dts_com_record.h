@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/windows/automation.h"
+#include "packages/windows/automation.h"
 
 namespace fakes {
 

@@ -25,8 +25,8 @@
 #include <olectl.h>
 
 #include "fakes/dts_com_object.h"
-#include "platform/package_file.h"
-#include "platform/package_store.h"
+#include "packages/package_file.h"
+#include "packages/package_store.h"
 
 namespace fakes {
 namespace {

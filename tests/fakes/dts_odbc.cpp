@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "platform/odbc_rows.h"
+#include "odbc/odbc_rows.h"
 
 namespace fakes {
 namespace {

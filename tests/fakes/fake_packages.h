@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/packages.h"
+#include "packages/packages.h"
 
 namespace fakes {
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/user_settings.h"
+#include "registry/user_settings.h"
 
 namespace fakes {
 namespace {

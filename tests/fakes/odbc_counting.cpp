@@ -5,8 +5,8 @@
 #include <map>
 #include <memory>
 
-#include "platform/code_page.h"
-#include "platform/odbc_api.h"
+#include "odbc/odbc_api.h"
+#include "text/code_page.h"
 
 namespace fakes {
 namespace {

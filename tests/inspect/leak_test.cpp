@@ -1,11 +1,11 @@
 // Ten thousand operations over a driver manager that counts handles and lets any call fail: none is lost.
+#include "base/registry_locations.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_files.h"
 #include "fakes/fake_registry.h"
 #include "fakes/fake_screen.h"
 #include "fakes/odbc_counting.h"
 #include "inspect/view_data_mgr.h"
-#include "startup/registry_locations.h"
 
 #include <gtest/gtest.h>
 

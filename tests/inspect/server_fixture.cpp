@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/odbc.h"
-#include "startup/registry_locations.h"
+#include "base/registry_locations.h"
+#include "odbc/odbc.h"
 #include "support/servers.h"
 
 namespace kv {

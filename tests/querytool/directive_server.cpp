@@ -11,8 +11,8 @@
 #include <string>
 #include <thread>
 
+#include "devserver/engine/engine.h"
 #include "devserver/tds/server.h"
-#include "devserver/tsql/engine.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include "packages/package_file.h"
 #include "platform/files.h"
-#include "platform/package_file.h"
 #include "scripts/script_tables.h"
 
 namespace kv {

@@ -1,7 +1,7 @@
 #include "scripts/query_tool.h"
 
+#include "base/failure.h"
 #include "scripts/script_mgr_fixture.h"
-#include "startup/failure.h"
 
 namespace kv {
 namespace {

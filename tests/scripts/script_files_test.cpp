@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/failure.h"
 #include "fakes/fake_files.h"
-#include "startup/failure.h"
 
 namespace kv {
 namespace {

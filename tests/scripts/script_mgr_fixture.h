@@ -6,13 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include "base/registry_locations.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_files.h"
 #include "fakes/fake_process.h"
 #include "fakes/fake_registry.h"
 #include "fakes/fake_screen.h"
 #include "scripts/sql_script_mgr.h"
-#include "startup/registry_locations.h"
 
 namespace kv {
 

@@ -1,7 +1,7 @@
 #include "scripts/sql_script_mgr.h"
 
 #include "scripts/script_mgr_fixture.h"
-#include "startup/text.h"
+#include "text/text.h"
 
 namespace kv {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "startup/text.h"
+#include "text/text.h"
 
 namespace kv {
 namespace {

@@ -9,7 +9,7 @@
 
 #include <dlfcn.h>
 
-#include "platform/odbc_api.h"
+#include "odbc/odbc_api.h"
 
 namespace support {
 namespace {

@@ -14,7 +14,7 @@ import sys
 TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.path.insert(0, os.path.join(TOP, "tests", "e2e"))
 
-from plant import PASSWORD, USER, DevServer, freetds_driver, fresh_folder  # noqa: E402
+from test_machine import PASSWORD, USER, DevServer, freetds_driver, fresh_folder  # noqa: E402
 
 
 def main(server_program, program, *arguments):

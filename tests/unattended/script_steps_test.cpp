@@ -1,8 +1,8 @@
 // What the steps raise: the descriptions reach neither operator nor log, so this is where they can be seen.
 #include "unattended/script_steps.h"
 
+#include "base/failure.h"
 #include "scripts/script_mgr_fixture.h"
-#include "startup/failure.h"
 
 namespace kv {
 namespace {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "devserver/engine/value.h"
 #include "devserver/tsql/scalar/type_rules.h"
-#include "devserver/tsql/value.h"
 
 namespace devsql {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "devserver/tsql/value.h"
+#include "devserver/engine/value.h"
 
 namespace devsql {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "devserver/engine/value.h"
 #include "devserver/tsql/scalar/date_parser.h"
-#include "devserver/tsql/value.h"
 
 namespace devsql {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "devserver/tsql/value.h"
+#include "devserver/engine/value.h"
 
 namespace devsql {
 

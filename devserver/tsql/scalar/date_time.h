@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "devserver/tsql/value.h"
+#include "devserver/engine/value.h"
 
 namespace devsql {
 

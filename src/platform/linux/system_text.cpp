@@ -1,8 +1,8 @@
 // The system's text is UTF-8, whatever the locale says: it is what names of files are written in.
 #include "platform/system_text.h"
 
-#include "platform/code_page.h"
-#include "platform/linux/utf8.h"
+#include "text/code_page.h"
+#include "text/utf8.h"
 
 namespace platform {
 

@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "admin/faults/fault_room.h"
+#include "admin/faults/fault_fixture.h"
 #include "admin/upgrade_db_mgr.h"
 #include "platform/files.h"
 

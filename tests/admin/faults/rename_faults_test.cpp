@@ -2,7 +2,7 @@
 // left, and the old rows can always be had.
 #include <gtest/gtest.h>
 
-#include "admin/faults/fault_room.h"
+#include "admin/faults/fault_fixture.h"
 #include "admin/upgrade_db_mgr.h"
 
 namespace kv {

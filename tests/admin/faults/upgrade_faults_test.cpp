@@ -2,7 +2,7 @@
 // small ones of the test's own: what counts is which of them ran.
 #include <gtest/gtest.h>
 
-#include "admin/faults/fault_room.h"
+#include "admin/faults/fault_fixture.h"
 #include "admin/synchronize_db_mgr.h"
 #include "admin/upgrade_db_mgr.h"
 

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <optional>
 
-#include "admin/faults/fault_room.h"
+#include "admin/faults/fault_fixture.h"
 #include "platform/files.h"
 #include "platform/process.h"
 #include "support/temp_folder.h"

@@ -11,8 +11,8 @@
 #include "platform/windows/lean_windows.h"
 #include "ui/toolkit.h"
 #include "ui/windows/dialog_font.h"
-#include "ui/windows/hands.h"
 #include "ui/windows/native_form.h"
+#include "ui/windows/screen_input.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include "platform/pending_events.h"
 #include "platform/windows/desktop.h"
 #include "ui/toolkit.h"
-#include "ui/windows/hands.h"
 #include "ui/windows/native_form.h"
+#include "ui/windows/screen_input.h"
 
 #include <commctrl.h>
 

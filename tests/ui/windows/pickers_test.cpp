@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/windows/hands.h"
+#include "ui/windows/screen_input.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include "console/main_form_design.h"
 #include "ui/toolkit.h"
 #include "ui/windows/bare_window.h"
-#include "ui/windows/hands.h"
 #include "ui/windows/native_form.h"
+#include "ui/windows/screen_input.h"
 
 #include <commctrl.h>
 

@@ -1,0 +1,209 @@
+// What scripts of administration and of the years of SQL Server 2000 say besides: checksums, messages by
+// number, properties, ties, settings of dates and NULL, procedures that tell who is there.
+#include "devserver/tests/tsql/test_database.h"
+
+namespace devsql::test {
+namespace {
+
+class OldScripts : public TsqlTest {
+  protected:
+    OldScripts() {
+        client.Run(R"(
+create database Shop
+GO
+use Shop
+create table t (id int identity constraint pk_t primary key, a varchar(5) null, b int)
+create unique index ux on t (b desc, a)
+insert t (a, b) values ('x', 1), ('y', 1), ('z', 2), (null, 3)
+set nocount on)");
+    }
+};
+
+TEST_F(OldScripts, AskForIndexesByTheirNames) {
+    EXPECT_EQ(Run(R"(
+select indexproperty(object_id('t'), 'pk_t', 'IsClustered'), indexproperty(object_id('t'), 'ux', 'IsUnique'),
+    indexproperty(object_id('t'), 'ux', 'IsClustered'), indexproperty(object_id('t'), 'nosuch', 'IsUnique'),
+    index_col('t', 1, 1), index_col('t', indexproperty(object_id('t'), 'ux', 'IndexID'), 2), index_col('t', 1, 2))"),
+              R"(
+||||||
+1|1|0|NULL|id|a|NULL
+)");
+}
+
+TEST_F(OldScripts, SumAndHash) {
+    EXPECT_EQ(Run(R"(
+select binary_checksum('abc'), binary_checksum(1, 2), binary_checksum(null), checksum('Abc ') - checksum('aBC')
+select count(distinct binary_checksum(*)), count(distinct checksum(newid())) from t
+select hashbytes('md5', 'abc'), hashbytes('sha1', 'abc')
+select hashbytes('sha2_256', replicate('a', 200)), hashbytes('nosuch', 'a'))"),
+              R"(
+|||
+26435|18|2147483647|0
+|
+4|4
+|
+0x900150983CD24FB0D6963F7D28E17F72|0xA9993E364706816ABA3E25717850C26C9CD0D89D
+|
+0xC2A908D98F5DF987ADE41B5FCE213067EFBCC21EF2240212A41E54B5E7C28AE5|NULL
+)");
+}
+
+TEST_F(OldScripts, FindMessagesByNumber) {
+    EXPECT_EQ(Run(R"(
+exec sp_addmessage 50001, 16, 'Hello %s'
+select formatmessage(50001, 'you'), formatmessage(208, 'nosuch'), formatmessage('%d of %s', 5, 'x'), formatmessage(99999)
+select error, severity, description from master.dbo.sysmessages where error in (208, 50001) order by error
+exec sp_dropmessage 50001
+select count(*) from sys.messages where message_id in (102, 208, 50001))"),
+              R"(
+|||
+Hello you|Invalid object name 'nosuch'.|5 of x|NULL
+error|severity|description
+208|16|Invalid object name '%ls'.
+50001|16|Hello %s
+
+2
+)");
+}
+
+TEST_F(OldScripts, TakeTies) {
+    EXPECT_EQ(Run(R"(
+select top 1 with ties id from t order by b
+select top 2 with ties a, b from t order by b desc
+select top 1 with ties b, count(*) from t group by b order by count(*))"),
+              R"(
+id
+1
+2
+a|b
+NULL|3
+z|2
+b|
+2|1
+3|1
+)");
+}
+
+TEST_F(OldScripts, LetTablesNameThemselvesSoOftenAndNoOftener) {
+    EXPECT_EQ(Run(R"(
+with x as (select 1 as n union all select n + 1 from x where n < 101) select max(n) from x
+GO
+with x as (select 1 as n union all select n + 1 from x where n < 102) select max(n) from x
+GO
+with x as (select 1 as n union all select n + 1 from x where n < 150) select max(n) from x option (maxrecursion 0))"),
+              R"(
+
+101
+
+Msg 530.16.1 L1: The statement terminated. The maximum recursion 100 has been exhausted before statement completion.
+
+150
+)");
+}
+
+TEST_F(OldScripts, SetWhatNullEquals) {
+    EXPECT_EQ(Run(R"(
+declare @v int
+set ansi_nulls off
+select count(*) from t where a = null
+select count(*) from t where a <> null
+select count(*) from t where b = @v
+select count(*) from t x join t y on x.a = y.a
+set ansi_nulls on
+select count(*) from t where a = null
+set concat_null_yields_null off
+select a + '!' from t where b > 1 order by id
+set concat_null_yields_null on
+select null + 'x')"),
+              R"(
+
+1
+
+3
+
+0
+
+3
+
+0
+
+z!
+!
+
+NULL
+)");
+}
+
+TEST_F(OldScripts, SetHowDatesAreReadAndWeeksCounted) {
+    EXPECT_EQ(Run(R"(
+set dateformat dmy
+select cast('31/12/2001' as datetime), convert(datetime, '12/31/2001', 101)
+exec('set dateformat ymd select cast(''01/12/31'' as datetime)')
+select cast('1/2/2001' as datetime)
+set datefirst 1
+select @@datefirst, datepart(dw, '20240101'), datepart(week, '20240107'), datepart(iso_week, '20240101'))"),
+              R"(
+|
+2001-12-31 00:00:00.000|2001-12-31 00:00:00.000
+
+2001-12-31 00:00:00.000
+
+2001-02-01 00:00:00.000
+|||
+1|1|1|1
+)");
+    EXPECT_EQ(server.Login("tempdb").Run("select datepart(dw, '20240101'), cast('1/2/2001' as datetime)"),
+              "|\n2|2001-01-02 00:00:00.000\n(1)\n");
+}
+
+TEST_F(OldScripts, AskWhatDependsOnWhat) {
+    EXPECT_EQ(Run(R"(
+create view v as select * from t
+GO
+create procedure p as select * from v
+GO
+exec sp_depends v
+exec sp_depends pk_t)"),
+              R"(
+> In the current database, the specified object references the following:
+name|type
+dbo.t|user table
+> In the current database, the specified object is referenced by the following:
+name|type
+dbo.p|stored procedure
+> Object does not reference any object, and no objects reference it.
+)");
+}
+
+TEST_F(OldScripts, AskWhoIsThereAndAtWhatLevel) {
+    Client other = server.Login("master");
+    EXPECT_EQ(
+        Run("create table #who (spid int, ecid int, status nchar(30), loginame sysname, hostname nchar(128), "
+            "blk char(5), dbname sysname, cmd nchar(16))\n"
+            "insert #who exec sp_who 'sa'\nselect count(*) from #who\n"
+            "delete #who\ninsert #who exec sp_who 'active'\nselect dbname from #who\n"
+            "exec sp_dbcmptlevel 'Shop', 90\nexec sp_dbcmptlevel 'Shop'"),
+        "\n\n2\ndbname\nShop\n> The current compatibility level is 140.\n");
+}
+
+TEST_F(OldScripts, TidyWhatNeedsNoTidying) {
+    EXPECT_EQ(Run(R"(
+dbcc checkdb
+dbcc traceon (3604) with no_infomsgs
+create statistics s on t (a) with fullscan
+update statistics t ux with sample 50 percent, norecompute
+drop statistics t.s
+alter index all on t rebuild with (fillfactor = 80)
+alter table t disable trigger all
+exec sp_tableoption 't', 'text in row', 'off'
+exec sp_autostats 't', 'off'
+print 'done')"),
+              R"(
+> DBCC execution completed. If DBCC printed error messages, contact your system administrator.
+> done
+)");
+    EXPECT_EQ(Run("throw 50001, 'first of its batch', 3"), "\nMsg 50001.16.3 L1: first of its batch\n");
+}
+
+} // namespace
+} // namespace devsql::test

@@ -1,0 +1,306 @@
+// Calls: aggregates, window functions, the functions that choose between their arguments, and all others.
+#include <array>
+
+#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/bind/evaluator.h"
+#include "devserver/tsql/scalar/arithmetic.h"
+#include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+constexpr std::array<std::string_view, 13> kAggregates = {
+    "COUNT",  "COUNT_BIG", "SUM",  "AVG",          "MIN",      "MAX",       "STDEV",
+    "STDEVP", "VAR",       "VARP", "CHECKSUM_AGG", "GROUPING", "STRING_AGG"};
+constexpr std::array<std::string_view, 4> kRankings = {"ROW_NUMBER", "RANK", "DENSE_RANK", "NTILE"};
+
+/// DATEADD(day, …): the first argument is a word, not a column.
+constexpr std::array<std::string_view, 4> kDateCalls = {"DATEADD", "DATEDIFF", "DATEPART", "DATENAME"};
+
+template <std::size_t Count>
+bool Contains(const std::array<std::string_view, Count>& words, std::string_view word) {
+    for (const std::string_view candidate : words) {
+        if (candidate == word) {
+            return true;
+        }
+    }
+    return false;
+}
+
+BoundPtr Aggregated(std::string text, const Type& type, int depth, bool nullable = true) {
+    auto node = std::make_shared<Bound>(*MakeSql(std::move(text), type, nullable));
+    node->aggregate = true;
+    node->depth = depth;
+    return node;
+}
+
+} // namespace
+
+BoundPtr Binder::BindCall(const ast::CallExpr& call, const Scope* scope) {
+    const std::string name = AsciiUpper(call.name);
+    if (call.over) {
+        return BindWindow(call, scope);
+    }
+    if (Contains(kAggregates, name)) {
+        return BindAggregate(call, scope);
+    }
+    if (Contains(kRankings, name)) {
+        RaiseError(10753, {call.name});
+    }
+    if (BoundPtr special = BindSpecialCall(call, scope)) {
+        return special;
+    }
+    const ScalarFunction* function = FindFunction(name);
+    if (function != nullptr && Contains(kDateCalls, name)) {
+        return BindDateCall(call, scope, *function);
+    }
+    std::vector<BoundPtr> arguments;
+    std::vector<Type> types;
+    for (const ast::ExprPtr& argument : call.arguments) {
+        arguments.push_back(BindValue(*argument, scope));
+        types.push_back(arguments.back()->type);
+    }
+    if (call.star) {
+        arguments = AllColumns(name, scope);
+        for (const BoundPtr& column : arguments) {
+            types.push_back(column->type);
+        }
+    }
+    if (function != nullptr) {
+        CheckArgumentCount(*function, arguments.size());
+        auto node = std::make_shared<Bound>(
+            *MakeNode(BoundKind::Function, function->result_type(types), std::move(arguments)));
+        node->function = function;
+        node->nullable = true;
+        if (name == "ISNULL" && node->children.size() == 2) {
+            node->nullable = node->children[0]->nullable && node->children[1]->nullable;
+        }
+        return node;
+    }
+    const SessionFunction* asked = FindSessionFunction(name);
+    if (asked == nullptr) {
+        RaiseError(195, {call.name, "function name"});
+    }
+    const int count = static_cast<int>(arguments.size());
+    if (count < asked->min_arguments || count > asked->max_arguments) {
+        RaiseError(174, {call.name, std::to_string(asked->max_arguments)});
+    }
+    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Session, asked->type, std::move(arguments)));
+    node->session = asked;
+    node->nullable = true;
+    if (asked->constant && node->children.empty()) {
+        return MakeConstant(Compute(*node, session_), node->type);
+    }
+    return node;
+}
+
+/// CHECKSUM(*) and BINARY_CHECKSUM(*): all columns of the FROM clause.
+std::vector<BoundPtr> Binder::AllColumns(std::string_view function, const Scope* scope) const {
+    if ((function != "CHECKSUM" && function != "BINARY_CHECKSUM") || scope == nullptr) {
+        RaiseError(102, {"*"});
+    }
+    std::vector<BoundPtr> columns;
+    for (const ScopeSource& source : scope->sources) {
+        for (const ScopeColumn& column : source.columns) {
+            auto node = std::make_shared<Bound>(*MakeSql(column.sql, column.type, column.nullable));
+            node->source = source.exposed;
+            node->column = column.name;
+            node->depth = scope->depth;
+            columns.push_back(std::move(node));
+        }
+    }
+    return columns;
+}
+
+/// The functions that leave some arguments uncomputed.
+BoundPtr Binder::BindSpecialCall(const ast::CallExpr& call, const Scope* scope) {
+    const auto bind = [&](std::size_t index) { return BindValue(*call.arguments[index], scope); };
+    const auto expect = [&](std::size_t count) {
+        if (call.arguments.size() != count) {
+            RaiseError(174, {ToLower(call.name), std::to_string(count)});
+        }
+    };
+    if (AsciiEqual(call.name, "COALESCE")) {
+        if (call.arguments.size() < 2) {
+            RaiseError(102, {")"});
+        }
+        std::vector<std::pair<BoundPtr, BoundPtr>> branches;
+        for (std::size_t i = 0; i + 1 < call.arguments.size(); ++i) {
+            BoundPtr value = bind(i);
+            BoundPtr null = MakeCondition(BoundKind::IsNull, {value});
+            branches.emplace_back(MakeCondition(BoundKind::Not, {null}), value);
+        }
+        return BindChoice(branches, bind(call.arguments.size() - 1));
+    }
+    if (AsciiEqual(call.name, "NULLIF")) {
+        expect(2);
+        BoundPtr value = bind(0);
+        BoundPtr equal = BindCompare(ast::CompareOp::Equal, value, bind(1));
+        return MakeNode(BoundKind::Case, value->type, {equal, MakeConstant({}, value->type), value});
+    }
+    if (AsciiEqual(call.name, "IIF")) {
+        expect(3);
+        std::vector<std::pair<BoundPtr, BoundPtr>> branches;
+        branches.emplace_back(BindCondition(*call.arguments[0], scope), bind(1));
+        return BindChoice(branches, bind(2));
+    }
+    if (AsciiEqual(call.name, "IDENTITY")) {
+        RaiseError(40517, {"IDENTITY function"});
+    }
+    return nullptr;
+}
+
+BoundPtr Binder::BindDateCall(const ast::CallExpr& call, const Scope* scope, const ScalarFunction& function) {
+    CheckArgumentCount(function, call.arguments.size());
+    const auto* word = std::get_if<ast::ColumnExpr>(&call.arguments[0]->node);
+    if (word == nullptr || word->name.parts.size() != 1) {
+        RaiseError(1023, {"1", ToLower(call.name)});
+    }
+    if (!FindDatePart(word->name.last())) {
+        RaiseError(155, {word->name.last(), ToLower(call.name)});
+    }
+    const std::string& part = word->name.last();
+    std::vector<BoundPtr> arguments = {
+        MakeConstant(part, Sized(TypeId::VarChar, static_cast<std::int32_t>(part.size())))};
+    std::vector<Type> types = {arguments[0]->type};
+    for (std::size_t i = 1; i < call.arguments.size(); ++i) {
+        arguments.push_back(BindValue(*call.arguments[i], scope));
+        types.push_back(arguments.back()->type);
+    }
+    auto node = std::make_shared<Bound>(
+        *MakeNode(BoundKind::Function, function.result_type(types), std::move(arguments)));
+    node->function = &function;
+    return node;
+}
+
+/// A CASE whose values all take the type of the strongest.
+BoundPtr Binder::BindChoice(const std::vector<std::pair<BoundPtr, BoundPtr>>& branches,
+                            const BoundPtr& otherwise) const {
+    std::vector<Type> types;
+    bool typed = false;
+    bool nullable = otherwise->nullable;
+    for (const auto& [condition, value] : branches) {
+        types.push_back(value->type);
+        typed = typed || !IsUntypedNull(value->type);
+        nullable = nullable || value->nullable;
+    }
+    types.push_back(otherwise->type);
+    typed = typed || !IsUntypedNull(otherwise->type);
+    if (!typed) {
+        RaiseError(8133);
+    }
+    const Type type = CommonType(types);
+    std::vector<BoundPtr> children;
+    for (const auto& [condition, value] : branches) {
+        children.push_back(condition);
+        children.push_back(MakeConvert(value, type));
+    }
+    children.push_back(MakeConvert(otherwise, type));
+    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Case, type, std::move(children)));
+    node->nullable = nullable;
+    return node;
+}
+
+// ------------------------------------------------------------------ aggregates
+
+BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
+    const std::string name = AsciiUpper(call.name);
+    const int depth = scope == nullptr ? 0 : scope->depth;
+    if (!allow_aggregates_ || in_aggregate_) {
+        RaiseError(in_aggregate_ ? 130 : 147);
+    }
+    if (call.star) {
+        if (name != "COUNT" && name != "COUNT_BIG") {
+            RaiseError(102, {"*"});
+        }
+        return Aggregated("count(*)", Simple(name == "COUNT" ? TypeId::Int : TypeId::BigInt), depth, false);
+    }
+    if (call.arguments.size() != 1) {
+        RaiseError(174, {ToLower(call.name), "1"});
+    }
+    if (name == "GROUPING") { // The query that has the keys puts its value in.
+        BoundPtr key = BindValue(*call.arguments[0], scope);
+        auto node = std::make_shared<Bound>(*Aggregated("0", Simple(TypeId::TinyInt), depth, false));
+        node->children.push_back(std::move(key));
+        return node;
+    }
+    if (name == "CHECKSUM_AGG" || name == "STRING_AGG") {
+        RaiseError(40517, {name});
+    }
+    in_aggregate_ = true;
+    BoundPtr operand = BindValue(*call.arguments[0], scope);
+    in_aggregate_ = false;
+    const std::string distinct = call.distinct ? "DISTINCT " : "";
+    if (name == "COUNT" || name == "COUNT_BIG") {
+        return Aggregated("count(" + distinct + emission_.EmitCollated(operand) + ")",
+                          Simple(name == "COUNT" ? TypeId::Int : TypeId::BigInt), depth, false);
+    }
+    if (name == "MIN" || name == "MAX") {
+        const Type type = ExtremeType(operand->type, ToLower(name));
+        return Aggregated((name == "MIN" ? "min(" : "max(") + emission_.EmitCollated(operand) + ")", type,
+                          depth);
+    }
+    if (name == "SUM" || name == "AVG") {
+        BoundPtr result = BindSum(operand, distinct, name == "AVG");
+        auto node = std::make_shared<Bound>(*result);
+        node->aggregate = true;
+        node->depth = depth;
+        return node;
+    }
+    if (!IsNumber(operand->type.id)) {
+        RaiseError(8117, {TypeName(operand->type.id), ToLower(name)});
+    }
+    const BoundPtr number = MakeConvert(operand, Simple(TypeId::Float));
+    return Aggregated("tsql_" + ToLower(name) + "(" + distinct + emission_.Emit(number) + ")",
+                      Simple(TypeId::Float), depth);
+}
+
+/// SUM and AVG by the server's own aggregates, which overflow and round as each type does.
+BoundPtr Binder::BindSum(const BoundPtr& operand, const std::string& distinct, bool average) {
+    const Type type = average ? AverageType(operand->type) : SumType(operand->type);
+    return MakeSql(
+        session_.SumFunction(operand->type, average) + "(" + distinct + emission_.Emit(operand) + ")", type);
+}
+
+// ------------------------------------------------------------------ window functions
+
+std::string Binder::OverClause(const ast::Over& over, const Scope* scope) {
+    std::string text = " OVER (";
+    for (const ast::ExprPtr& key : over.partition_by) {
+        text += (&key == &over.partition_by.front() ? "PARTITION BY " : ", ") +
+                emission_.EmitCollated(BindValue(*key, scope));
+    }
+    for (const ast::OrderItem& item : over.order_by) {
+        const BoundPtr value = BindValue(*item.expr, scope);
+        text += (&item == &over.order_by.front() ? " ORDER BY " : ", ") + emission_.EmitCollated(value) +
+                (item.descending ? " DESC" : "");
+    }
+    return text + ")";
+}
+
+BoundPtr Binder::BindWindow(const ast::CallExpr& call, const Scope* scope) {
+    const std::string name = AsciiUpper(call.name);
+    if (!allow_window_) {
+        RaiseError(40517, {"OVER outside SELECT and ORDER BY"});
+    }
+    if (Contains(kRankings, name)) {
+        if (call.over->order_by.empty()) {
+            RaiseError(40517, {name + " without ORDER BY"});
+        }
+        std::string argument;
+        if (name == "NTILE" && call.arguments.size() == 1) {
+            argument =
+                emission_.Emit(MakeConvert(BindValue(*call.arguments[0], scope), Simple(TypeId::BigInt)));
+        }
+        return MakeSql(ToLower(name) + "(" + argument + ")" + OverClause(*call.over, scope),
+                       Simple(TypeId::BigInt), false);
+    }
+    if (!Contains(kAggregates, name) || name == "SUM" || name == "AVG" || call.distinct) {
+        RaiseError(40517, {name + " with OVER"});
+    }
+    BoundPtr aggregate = BindAggregate(call, scope);
+    return MakeSql(aggregate->text + OverClause(*call.over, scope), aggregate->type, aggregate->nullable);
+}
+
+} // namespace devsql

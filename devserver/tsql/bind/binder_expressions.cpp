@@ -1,0 +1,334 @@
+// Expressions: types, implicit conversions, predicates over queries.
+#include <array>
+
+#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/bind/evaluator.h"
+#include "devserver/tsql/parse/overloaded.h"
+#include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+constexpr std::string_view kCompareNames[] = {"equal to",     "not equal to",
+                                              "less than",    "less than or equal to",
+                                              "greater than", "greater than or equal to"};
+
+/// Old and new types alike compare as their stronger one; fixed lengths must not pad.
+Type ComparisonType(const Type& a, const Type& b) {
+    Type type = CommonType(a, b);
+    if (type.id == TypeId::Char) {
+        type = FittedLength(TypeId::VarChar, type.length);
+    } else if (type.id == TypeId::NChar) {
+        type = FittedLength(TypeId::NVarChar, type.length);
+    } else if (type.id == TypeId::Binary) {
+        type.id = TypeId::VarBinary;
+    }
+    return type;
+}
+
+/// The operand for a comparison as `type`. Text of any length and kind compares as it stands.
+BoundPtr ForComparison(const BoundPtr& operand, const Type& type) {
+    if ((IsCharacter(operand->type.id) && IsCharacter(type.id)) ||
+        (IsBinary(operand->type.id) && IsBinary(type.id))) {
+        return operand;
+    }
+    return MakeConvert(operand, type);
+}
+
+/// SET CONCAT_NULL_YIELDS_NULL OFF: NULL is an empty text where texts are joined.
+BoundPtr EmptyForNull(const BoundPtr& operand) {
+    BoundPtr empty = MakeConstant(std::string(), Sized(TypeId::VarChar, 1));
+    const ScalarFunction* function = FindFunction("ISNULL");
+    const std::array types = {operand->type, empty->type};
+    auto node = std::make_shared<Bound>(
+        *MakeNode(BoundKind::Function, function->result_type(types), {operand, std::move(empty)}));
+    node->function = function;
+    return node;
+}
+
+/// What SET ANSI_NULLS OFF lets be equal to NULL: columns and what is computed from them are not.
+bool IsLooseNull(const Bound& operand) {
+    return operand.kind == BoundKind::Variable ||
+           (operand.kind == BoundKind::Constant && IsNull(operand.constant));
+}
+
+/// What such a comparison is true for besides: two NULLs are equal, NULL differs from anything else.
+BoundPtr LooseNulls(ast::CompareOp op, const BoundPtr& left, const BoundPtr& right) {
+    const BoundPtr left_null = MakeCondition(BoundKind::IsNull, {left});
+    const BoundPtr right_null = MakeCondition(BoundKind::IsNull, {right});
+    if (op == ast::CompareOp::Equal) {
+        return MakeCondition(BoundKind::And, {left_null, right_null});
+    }
+    std::vector<BoundPtr> cases;
+    if (IsLooseNull(*left)) {
+        cases.push_back(
+            MakeCondition(BoundKind::And, {left_null, MakeCondition(BoundKind::Not, {right_null})}));
+    }
+    if (IsLooseNull(*right)) {
+        cases.push_back(
+            MakeCondition(BoundKind::And, {right_null, MakeCondition(BoundKind::Not, {left_null})}));
+    }
+    return MakeCondition(BoundKind::Or, std::move(cases));
+}
+
+} // namespace
+
+BoundPtr Binder::BindValue(const ast::Expr& expr, const Scope* scope) {
+    BoundPtr bound = BindNode(expr, scope);
+    if (bound->condition) {
+        RaiseError(102, {"="});
+    }
+    return bound;
+}
+
+BoundPtr Binder::BindCondition(const ast::Expr& expr, const Scope* scope) {
+    return BindNode(expr, scope);
+}
+
+BoundPtr Binder::BindNode(const ast::Expr& expr, const Scope* scope) {
+    return std::visit(
+        Overloaded{
+            [&](const ast::LiteralExpr& e) { return MakeConstant(e.value, e.type); },
+            [&](const ast::VariableExpr& e) {
+                if (e.name.starts_with("@@")) {
+                    return session_.Global(e.name);
+                }
+                auto node = std::make_shared<Bound>();
+                node->kind = BoundKind::Variable;
+                node->type = session_.FindVariable(e.name).type;
+                node->text = e.name;
+                return BoundPtr(node);
+            },
+            [&](const ast::ColumnExpr& e) { return BindColumn(e, scope); },
+            [&](const ast::UnaryExpr& e) {
+                BoundPtr operand = BindValue(*e.operand, scope);
+                auto node = std::make_shared<Bound>(
+                    *MakeNode(BoundKind::Unary, OperatorType(e.op, operand->type), {operand}));
+                node->unary = e.op;
+                return BoundPtr(node);
+            },
+            [&](const ast::BinaryExpr& e) {
+                BoundPtr left = BindValue(*e.left, scope);
+                BoundPtr right = BindValue(*e.right, scope);
+                if (e.op == BinaryOperator::Add && !session_.options.concat_null_yields_null &&
+                    IsCharacter(OperatorType(e.op, left->type, right->type).id)) {
+                    left = EmptyForNull(left);
+                    right = EmptyForNull(right);
+                }
+                const Type type = OperatorType(e.op, left->type, right->type);
+                auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Binary, type, {left, right}));
+                node->binary = e.op;
+                return BoundPtr(node);
+            },
+            [&](const ast::CompareExpr& e) {
+                BoundPtr left = BindValue(*e.left, scope);
+                return BindCompare(e.op, left, BindValue(*e.right, scope));
+            },
+            [&](const ast::QuantifiedExpr& e) { return BindQuantified(e, scope); },
+            [&](const ast::LogicExpr& e) { return BindLogic(e, scope); },
+            [&](const ast::NotExpr& e) {
+                return MakeCondition(BoundKind::Not, {BindCondition(*e.operand, scope)});
+            },
+            [&](const ast::IsNullExpr& e) {
+                BoundPtr test = MakeCondition(BoundKind::IsNull, {BindValue(*e.operand, scope)});
+                return e.negated ? MakeCondition(BoundKind::Not, {test}) : test;
+            },
+            [&](const ast::BetweenExpr& e) { return BindBetween(e, scope); },
+            [&](const ast::InListExpr& e) { return BindInList(e, scope); },
+            [&](const ast::InQueryExpr& e) { return BindInQuery(e, scope); },
+            [&](const ast::LikeExpr& e) { return BindLike(e, scope); },
+            [&](const ast::ExistsExpr& e) {
+                return MakeSqlCondition("EXISTS (" + BindQuery(*e.query, scope).sql + ")");
+            },
+            [&](const ast::SubqueryExpr& e) { return BindSubquery(*e.query, scope); },
+            [&](const ast::CaseExpr& e) { return BindCase(e, scope); },
+            [&](const ast::CastExpr& e) { return BindCast(e, scope); },
+            [&](const ast::CallExpr& e) { return BindCall(e, scope); },
+        },
+        expr.node);
+}
+
+/// "a AND b AND c" as one condition of three: a chain must not become as deep as it is long.
+BoundPtr Binder::BindLogic(const ast::LogicExpr& logic, const Scope* scope) {
+    std::vector<const ast::Expr*> operands = {logic.right.get()};
+    const ast::Expr* left = logic.left.get();
+    for (const auto* inner = std::get_if<ast::LogicExpr>(&left->node);
+         inner != nullptr && inner->conjunction == logic.conjunction;
+         inner = std::get_if<ast::LogicExpr>(&left->node)) {
+        operands.push_back(inner->right.get());
+        left = inner->left.get();
+    }
+    operands.push_back(left);
+    std::vector<BoundPtr> children;
+    for (auto operand = operands.rbegin(); operand != operands.rend(); ++operand) {
+        children.push_back(BindCondition(**operand, scope));
+    }
+    return MakeCondition(logic.conjunction ? BoundKind::And : BoundKind::Or, std::move(children));
+}
+
+BoundPtr Binder::BindCompare(ast::CompareOp op, const BoundPtr& left, const BoundPtr& right) const {
+    const std::string_view name = kCompareNames[static_cast<std::size_t>(op)];
+    RequireComparable(left->type, right->type, name);
+    const Type type = ComparisonType(left->type, right->type);
+    auto node = std::make_shared<Bound>(
+        *MakeCondition(BoundKind::Compare, {ForComparison(left, type), ForComparison(right, type)}));
+    node->compare = op;
+    const bool equality = op == ast::CompareOp::Equal || op == ast::CompareOp::NotEqual;
+    if (!session_.options.ansi_nulls && equality && (IsLooseNull(*left) || IsLooseNull(*right))) {
+        return MakeCondition(BoundKind::Or, {node, LooseNulls(op, left, right)});
+    }
+    return node;
+}
+
+BoundPtr Binder::BindBetween(const ast::BetweenExpr& between, const Scope* scope) {
+    BoundPtr operand = BindValue(*between.operand, scope);
+    BoundPtr low = BindCompare(ast::CompareOp::GreaterEqual, operand, BindValue(*between.low, scope));
+    BoundPtr high = BindCompare(ast::CompareOp::LessEqual, operand, BindValue(*between.high, scope));
+    BoundPtr both = MakeCondition(BoundKind::And, {std::move(low), std::move(high)});
+    return between.negated ? MakeCondition(BoundKind::Not, {both}) : both;
+}
+
+BoundPtr Binder::BindInList(const ast::InListExpr& in, const Scope* scope) {
+    BoundPtr operand = BindValue(*in.operand, scope);
+    std::vector<BoundPtr> items;
+    Type type = operand->type;
+    for (const ast::ExprPtr& item : in.items) {
+        items.push_back(BindValue(*item, scope));
+        RequireComparable(operand->type, items.back()->type, kCompareNames[0]);
+        type = ComparisonType(type, items.back()->type);
+    }
+    std::vector<BoundPtr> children = {ForComparison(operand, type)};
+    for (const BoundPtr& item : items) {
+        children.push_back(ForComparison(item, type));
+    }
+    BoundPtr test = MakeCondition(BoundKind::InList, std::move(children));
+    return in.negated ? MakeCondition(BoundKind::Not, {test}) : test;
+}
+
+BoundPtr Binder::BindInQuery(const ast::InQueryExpr& in, const Scope* scope) {
+    BoundPtr operand = BindValue(*in.operand, scope);
+    BoundQuery query = BindQuery(*in.query, scope);
+    if (query.columns.size() != 1) {
+        RaiseError(116);
+    }
+    const Type& item = query.columns[0].type;
+    RequireComparable(operand->type, item, kCompareNames[0]);
+    const Type type = ComparisonType(operand->type, item);
+    std::string list = query.sql;
+    const BoundPtr column = MakeSql("c1", item);
+    if (const std::string converted = emission_.Emit(ForComparison(column, type)); converted != "c1") {
+        list = "SELECT " + converted + " FROM (" + list + ")";
+    }
+    return MakeSqlCondition("(" + emission_.EmitCollated(ForComparison(operand, type)) +
+                            (in.negated ? " NOT IN (" : " IN (") + list + "))");
+}
+
+BoundPtr Binder::BindQuantified(const ast::QuantifiedExpr& expr, const Scope* scope) {
+    BoundPtr operand = BindValue(*expr.operand, scope);
+    BoundQuery query = BindQuery(*expr.query, scope);
+    if (query.columns.size() != 1) {
+        RaiseError(116);
+    }
+    const std::string alias = NextAlias();
+    BoundPtr test = BindCompare(expr.op, operand, MakeSql(alias + ".c1", query.columns[0].type));
+    const std::string condition = emission_.EmitCondition(test);
+    const std::string from = " FROM (" + query.sql + ") AS " + alias + " WHERE ";
+    return MakeSqlCondition(expr.all ? "NOT EXISTS (SELECT 1" + from + "(" + condition + ") IS NOT 1)"
+                                     : "EXISTS (SELECT 1" + from + condition + ")");
+}
+
+BoundPtr Binder::BindLike(const ast::LikeExpr& like, const Scope* scope) {
+    const auto as_text = [&](const ast::Expr& expr, std::string_view position) {
+        BoundPtr operand = BindValue(expr, scope);
+        if (!IsCharacter(operand->type.id)) {
+            if (IsBinary(operand->type.id)) {
+                RaiseError(8116, {TypeName(operand->type.id), position, "like"});
+            }
+            operand = MakeConvert(operand, Sized(TypeId::VarChar, 8000));
+        }
+        return operand;
+    };
+    std::vector<BoundPtr> children = {as_text(*like.operand, "1"), as_text(*like.pattern, "2")};
+    if (like.escape) {
+        children.push_back(as_text(*like.escape, "3"));
+    }
+    BoundPtr test = MakeCondition(BoundKind::Like, std::move(children));
+    return like.negated ? MakeCondition(BoundKind::Not, {test}) : test;
+}
+
+BoundPtr Binder::BindCase(const ast::CaseExpr& expr, const Scope* scope) {
+    std::vector<std::pair<BoundPtr, BoundPtr>> branches;
+    const BoundPtr operand = expr.operand ? BindValue(*expr.operand, scope) : nullptr;
+    for (const auto& [when, then] : expr.branches) {
+        BoundPtr condition = operand ? BindCompare(ast::CompareOp::Equal, operand, BindValue(*when, scope))
+                                     : BindCondition(*when, scope);
+        branches.emplace_back(std::move(condition), BindValue(*then, scope));
+    }
+    return BindChoice(branches,
+                      expr.otherwise ? BindValue(*expr.otherwise, scope) : MakeConstant({}, kUntypedNull));
+}
+
+BoundPtr Binder::BindCast(const ast::CastExpr& cast, const Scope* scope) {
+    BoundPtr operand = BindValue(*cast.operand, scope);
+    const Type type = ResolveType(cast.type, 30);
+    if (ConversionAllowed(operand->type.id, type.id) == Allowed::Never && !IsUntypedNull(operand->type)) {
+        RaiseError(529, {TypeName(operand->type.id), TypeName(type.id)});
+    }
+    std::vector<BoundPtr> children;
+    children.push_back(operand);
+    if (cast.style) {
+        children.push_back(BindValue(*cast.style, scope));
+    }
+    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Convert, type, std::move(children)));
+    node->attempt = cast.attempt;
+    return node;
+}
+
+BoundPtr Binder::BindSubquery(const ast::Query& query, const Scope* scope) {
+    BoundQuery bound = BindQuery(query, scope);
+    if (bound.columns.size() != 1) {
+        RaiseError(116);
+    }
+    // SQLite takes the first of several rows; T-SQL wants at most one. Two are fetched and the second
+    // refused.
+    const std::string alias = NextAlias();
+    return MakeSql("(SELECT tsql_single(" + alias + ".c1, " + alias +
+                       ".n) FROM (SELECT c1, count(*) OVER () AS n FROM (" + bound.sql + ") LIMIT 2) AS " +
+                       alias + " LIMIT 1)",
+                   bound.columns[0].type);
+}
+
+Type Binder::ResolveType(const ast::TypeSpec& spec, std::int32_t default_length, std::string* user_type,
+                         bool* nullable) {
+    const std::string& name = spec.name.last();
+    const bool qualified = spec.name.parts.size() > 1;
+    if (!qualified || AsciiEqual(spec.name.parts[0], "sys")) {
+        if (AsciiEqual(name, "sysname")) {
+            if (user_type != nullptr) {
+                *user_type = "sysname";
+            }
+            if (nullable != nullptr) {
+                *nullable = false;
+            }
+            return Sized(TypeId::NVarChar, 128);
+        }
+        if (const std::optional<TypeId> id = FindTypeId(name)) {
+            return DeclaredType(*id, spec.first, spec.second, spec.max, default_length);
+        }
+    }
+    Catalogue& catalogue = session_.CurrentDatabase();
+    const std::optional<UserTypeDef> found = catalogue.FindType(qualified ? spec.name.parts[0] : "", name);
+    if (!found) {
+        RaiseError(2715, {"1", spec.name.text()});
+    }
+    if (user_type != nullptr) {
+        *user_type = found->schema + "." + found->name;
+    }
+    if (nullable != nullptr) {
+        *nullable = found->nullable;
+    }
+    return found->type;
+}
+
+} // namespace devsql

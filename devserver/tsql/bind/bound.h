@@ -1,0 +1,77 @@
+// Expressions after binding: names are resolved, every node has its static type, conversions are explicit.
+// What only SQLite can compute (columns, subqueries, aggregates) is a leaf of SQL text.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "devserver/engine/value.h"
+#include "devserver/tsql/parse/ast_query.h"
+#include "devserver/tsql/scalar/functions.h"
+
+namespace devsql {
+
+struct Bound;
+using BoundPtr = std::shared_ptr<const Bound>;
+struct SessionFunction;
+
+enum class BoundKind : std::uint8_t {
+    Constant,
+    Variable, ///< of the running frame: read when it is evaluated
+    Sql,      ///< SQLite text
+    Slot,     ///< a value of the row at hand, by position
+    Unary,
+    Binary,
+    Convert,
+    Function,
+    Session, ///< a function that asks the session
+    Case,    ///< children: condition, value, …, and the ELSE value when their number is odd
+    // Conditions: true, false or unknown.
+    Compare,
+    And,
+    Or,
+    Not,
+    IsNull,
+    InList, ///< children: operand, items
+    Like,   ///< children: operand, pattern and perhaps the escape character
+};
+
+struct Bound {
+    BoundKind kind = BoundKind::Constant;
+    Type type;
+    bool nullable = true;
+    bool condition = false; ///< true, false or unknown instead of a value
+    std::vector<BoundPtr> children;
+
+    Value constant;           ///< Constant
+    std::string text;         ///< Sql: the text; Variable: the name
+    std::string source;       ///< Sql: of a column reference, the table as the query calls it
+    std::string column;       ///< Sql: of a column reference
+    int depth = 0;            ///< Sql: of a column reference, the query it belongs to
+    bool aggregate = false;   ///< Sql: the call of an aggregate
+    bool identity = false;    ///< Sql: an identity column
+    std::size_t slot = 0;     ///< Slot
+    BinaryOperator binary{};  ///< Binary
+    UnaryOperator unary{};    ///< Unary
+    ast::CompareOp compare{}; ///< Compare
+    bool attempt = false;     ///< Convert: TRY_CAST
+    bool assignment = false;  ///< Convert: of a comparison or another implicit place
+    const ScalarFunction* function = nullptr;
+    const SessionFunction* session = nullptr;
+};
+
+BoundPtr MakeConstant(Value value, const Type& type);
+BoundPtr MakeSql(std::string text, const Type& type, bool nullable = true);
+BoundPtr MakeSqlCondition(std::string text);
+BoundPtr MakeSlot(std::size_t slot, const Type& type);
+/// `operand` as `type`; the operand itself where nothing changes.
+BoundPtr MakeConvert(BoundPtr operand, const Type& type);
+BoundPtr MakeNode(BoundKind kind, const Type& type, std::vector<BoundPtr> children);
+BoundPtr MakeCondition(BoundKind kind, std::vector<BoundPtr> children);
+
+/// Equal in structure: the same text of the program, for GROUP BY.
+bool SameExpression(const Bound& a, const Bound& b);
+
+} // namespace devsql

@@ -1,0 +1,51 @@
+// Turns bound expressions into SQLite's SQL. What SQLite does as T-SQL does it (comparisons, logic, CASE) is
+// written in its own words; the rest (arithmetic, conversions, functions) becomes a call of the function
+// "tsql", which computes the expression under its number with the values that it is handed.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "devserver/storage/sqlite.h"
+#include "devserver/tsql/bind/bound.h"
+
+namespace devsql {
+
+class SessionCore;
+
+/// The parameters and operations of one SQLite statement under construction, and for as long as it runs.
+class Emission {
+  public:
+    explicit Emission(SessionCore& session);
+    ~Emission();
+    Emission(const Emission&) = delete;
+    Emission& operator=(const Emission&) = delete;
+
+    /// A value.
+    std::string Emit(const BoundPtr& expression);
+    /// A value that sorts, groups and compares as T-SQL does: text with its collation.
+    std::string EmitCollated(const BoundPtr& expression);
+    /// A condition.
+    std::string EmitCondition(const BoundPtr& condition);
+    std::string Parameter(const Value& value, const Type& type);
+    void BindAll(SqliteStatement& statement) const;
+    SessionCore& session() { return session_; }
+
+  private:
+    std::string EmitOperation(const BoundPtr& expression);
+    /// An item of a long list: a constant is written out.
+    std::string EmitListed(const BoundPtr& expression);
+    std::string EmitCase(const Bound& expression);
+    std::string EmitJunction(const Bound& condition, std::string_view word);
+    bool IsNative(const Bound& expression) const;
+    BoundPtr Extract(const BoundPtr& expression, std::vector<BoundPtr>& leaves) const;
+
+    SessionCore& session_;
+    std::vector<std::pair<Value, Type>> parameters_;
+    std::unordered_multimap<std::size_t, std::size_t> places_; ///< in `parameters_`, by the hash of the value
+    std::vector<std::int64_t> operations_;
+};
+
+} // namespace devsql

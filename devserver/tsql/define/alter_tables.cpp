@@ -1,0 +1,496 @@
+// ALTER TABLE, CREATE INDEX, DROP INDEX.
+#include <algorithm>
+#include <set>
+
+#include "devserver/storage/databases.h"
+#include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/parse/parser.h"
+#include "devserver/tsql/run/row_writer.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+bool Same(std::string_view a, std::string_view b) {
+    return CompareText(a, b) == 0;
+}
+
+Target FindTable(SessionCore& session, const ast::Name& name) {
+    Emission emission(session);
+    try {
+        Target target = Binder(session, emission).BindTarget(name);
+        if (target.catalogue == nullptr) {
+            RaiseError(40517, {"ALTER TABLE and CREATE INDEX of a temporary table"});
+        }
+        return target;
+    } catch (const SqlError& error) {
+        if (error.number() == 208) {
+            RaiseError(4902, {name.text()});
+        }
+        throw;
+    }
+}
+
+/// Index and unique constraint over rows that are there already.
+void AddIndexChecked(SessionCore& session, Catalogue& catalogue, const TableDef& table,
+                     const IndexDef& index) {
+    try {
+        catalogue.AddIndex(table, index);
+    } catch (const StorageError& error) {
+        if (error.primary_code() != SQLITE_CONSTRAINT) {
+            throw;
+        }
+        std::string key; // Which one, SQLite doesn't say: the first that stands twice.
+        std::string columns;
+        for (const KeyColumn& part : index.columns) {
+            const ColumnDef& column = table.ById(part.column);
+            columns += (columns.empty() ? "" : ", ") + QuoteName(column.name) +
+                       (IsCharacter(column.type.id) ? " COLLATE TSQL" : "");
+        }
+        SqliteStatement row = session.connection.Prepare("SELECT " + columns + " FROM " + table.Qualified() +
+                                                         " GROUP BY " + columns + " HAVING count(*) > 1");
+        if (row.Step()) {
+            for (std::size_t i = 0; i < index.columns.size(); ++i) {
+                const Type& type = table.ById(index.columns[i].column).type;
+                const Value value = row.Column(static_cast<int>(i), type);
+                key += (i == 0 ? "" : ", ") + (IsNull(value) ? "<NULL>" : ValueText(value, type));
+            }
+        }
+        RaiseError(1505, {table.schema + "." + table.name, index.name, "(" + key + ")"});
+    }
+}
+
+std::string DatabaseNameOf(SessionCore& session, const Catalogue& catalogue) {
+    for (const DatabaseInfo& database : ListDatabases(session.connection)) {
+        if (catalogue.alias() == "db" + std::to_string(database.id)) {
+            return database.name;
+        }
+    }
+    return "master";
+}
+
+void RequireCheck(SessionCore& session, const Catalogue& catalogue, const TablePtr& table,
+                  const CheckDef& check) {
+    Emission emission(session);
+    Binder binder(session, emission);
+    Scope scope;
+    scope.sources.push_back(binder.SourceOf(table, table->name, "t"));
+    const ast::ExprPtr expr = ParseExpression(check.text);
+    const std::string condition = emission.EmitCondition(binder.BindCondition(*expr, &scope));
+    SqliteStatement row = session.connection.Prepare("SELECT 1 FROM " + table->Qualified() + " AS t WHERE (" +
+                                                     condition + ") = 0 LIMIT 1");
+    emission.BindAll(row);
+    if (row.Step()) {
+        RaiseError(547,
+                   {"ALTER TABLE", "CHECK", check.name, DatabaseNameOf(session, catalogue),
+                    table->schema + "." + table->name, ""},
+                   0);
+    }
+}
+
+void RequireParents(SessionCore& session, Catalogue& catalogue, const TableDef& table,
+                    const ForeignKeyDef& key) {
+    const TablePtr parent = catalogue.LoadTable(key.referenced);
+    std::string joined;
+    std::string filled;
+    for (std::size_t i = 0; i < key.columns.size(); ++i) {
+        const std::string own = "t." + QuoteName(table.ById(key.columns[i]).name);
+        joined += (i == 0 ? "" : " AND ") +
+                  ("p." + QuoteName(parent->ById(key.referenced_columns[i]).name) + " = " + own);
+        filled += " AND " + own + " IS NOT NULL";
+    }
+    SqliteStatement row =
+        session.connection.Prepare("SELECT 1 FROM " + table.Qualified() +
+                                   " AS t WHERE NOT EXISTS "
+                                   "(SELECT 1 FROM " +
+                                   parent->Qualified() + " AS p WHERE " + joined + ")" + filled + " LIMIT 1");
+    if (row.Step()) {
+        RaiseError(547,
+                   {"ALTER TABLE", "FOREIGN KEY", key.name, DatabaseNameOf(session, catalogue),
+                    parent->schema + "." + parent->name,
+                    ", column '" + parent->ById(key.referenced_columns[0]).name + "'"},
+                   0);
+    }
+}
+
+/// Gives every row its values of the columns from `first` on, through the writer that knows defaults and what
+/// is computed. `with_default`: the ids of those whose default counts for rows that stand already.
+void FillColumns(SessionCore& session, const Target& target, std::size_t first,
+                 const std::set<int>& with_default) {
+    const std::vector<ColumnDef>& columns = target.table->columns;
+    if (first == columns.size()) {
+        return;
+    }
+    std::string places;
+    for (std::size_t i = first; i < columns.size(); ++i) {
+        places += (places.empty() ? "" : ", ") + QuoteName(columns[i].name) + " = ?" +
+                  std::to_string(i - first + 1);
+    }
+    SqliteStatement update = session.connection.Prepare(
+        "UPDATE " + target.table->Qualified() + " SET " + places + " WHERE " +
+        RowWriter::RowIdName(*target.table) + " = ?" + std::to_string(columns.size() - first + 1));
+    RowWriter writer(session, target, "ALTER TABLE");
+    std::int64_t counted = 0;
+    for (StoredRow& row : RowWriter::Read(session, *target.table, "1", {})) {
+        for (std::size_t i = first; i < columns.size(); ++i) {
+            if (columns[i].identity) {
+                const std::int64_t number = columns[i].seed + counted * columns[i].increment;
+                row.values[i] = Convert(number, Simple(TypeId::BigInt), columns[i].type);
+                target.catalogue->SetIdentityValue(target.table->id, number);
+            } else if (with_default.contains(columns[i].id)) {
+                row.values[i] = writer.DefaultOf(columns[i]);
+            }
+        }
+        writer.Complete(row.values);
+        for (std::size_t i = first; i < columns.size(); ++i) {
+            if (IsNull(row.values[i]) && !columns[i].nullable && columns[i].computed.empty()) {
+                RaiseError(4901, {columns[i].name, target.table->name});
+            }
+            update.Bind(static_cast<int>(i - first + 1), row.values[i], columns[i].type);
+        }
+        update.BindInt(static_cast<int>(columns.size() - first + 1), row.row_id).Run();
+        ++counted;
+    }
+}
+
+void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const Target& target) {
+    Catalogue& catalogue = *target.catalogue;
+    const TablePtr before = catalogue.LoadTable(target.table->id);
+    TableBuilder builder(session, &catalogue, *before, true);
+    for (const ast::ColumnDefinition& column : alter.definition.columns) {
+        builder.AddColumn(column);
+        for (const ast::Constraint& constraint : column.constraints) {
+            builder.AddConstraint(constraint, column.name);
+        }
+    }
+    bool check = true;
+    for (const ast::Constraint& constraint : alter.definition.constraints) {
+        builder.AddConstraint(constraint, "");
+        if (constraint.kind == ast::ConstraintKind::PrimaryKey) {
+            for (const ast::IndexColumn& key : constraint.columns) {
+                const ColumnDef* column = before->Find(key.name);
+                if (column != nullptr && column->nullable) {
+                    RaiseError(8111, {before->name});
+                }
+            }
+        }
+        check = check && constraint.with_check;
+    }
+    TableDef& after = builder.table();
+    for (std::size_t i = before->columns.size(); i < after.columns.size(); ++i) {
+        const ColumnDef& column = after.columns[i];
+        session.connection.Execute("ALTER TABLE " + after.Qualified() + " ADD COLUMN " +
+                                   QuoteName(column.name) +
+                                   (IsCharacter(column.type.id) ? " COLLATE TSQL" : ""));
+        catalogue.AddColumn(after.id, column, static_cast<int>(i));
+    }
+    for (std::size_t i = 0; i < before->columns.size(); ++i) {
+        if (after.columns[i].default_name != before->columns[i].default_name) {
+            if (catalogue.FindObject(after.schema, after.columns[i].default_name)) {
+                RaiseError(2714, {after.columns[i].default_name}, 5);
+            }
+            catalogue.UpdateColumn(after.id, after.columns[i]);
+        }
+    }
+    const Target changed{catalogue.LoadTable(after.id), &catalogue};
+    std::set<int> with_default;
+    for (const ast::ColumnDefinition& column : alter.definition.columns) {
+        const ColumnDef& added = *after.Find(column.name);
+        const bool asked = std::ranges::any_of(column.constraints, &ast::Constraint::with_values);
+        if (!added.nullable || asked) {
+            with_default.insert(added.id);
+        }
+    }
+    FillColumns(session, changed, before->columns.size(), with_default);
+    const auto require_free = [&](const std::string& name) {
+        if (catalogue.FindObject(after.schema, name)) {
+            RaiseError(2714, {name}, 5);
+        }
+    };
+    for (std::size_t i = before->indexes.size(); i < after.indexes.size(); ++i) {
+        require_free(after.indexes[i].name);
+        AddIndexChecked(session, catalogue, after, after.indexes[i]);
+    }
+    for (std::size_t i = before->checks.size(); i < after.checks.size(); ++i) {
+        require_free(after.checks[i].name);
+        if (check) {
+            RequireCheck(session, catalogue, changed.table, after.checks[i]);
+        }
+        catalogue.AddCheck(after.id, after.checks[i]);
+    }
+    for (const ForeignKeyDef& key : builder.foreign_keys()) {
+        require_free(key.name);
+        if (check) {
+            RequireParents(session, catalogue, after, key);
+        }
+        catalogue.AddForeignKey(key);
+    }
+}
+
+bool IndexUses(const IndexDef& index, int column) {
+    return std::any_of(index.columns.begin(), index.columns.end(),
+                       [&](const KeyColumn& key) { return key.column == column; });
+}
+
+void DropColumns(SessionCore& session, const ast::AlterTableStatement& alter, const Target& target) {
+    for (const std::string& name : alter.names) {
+        const TablePtr table = target.catalogue->LoadTable(target.table->id);
+        const ColumnDef* column = table->Find(name);
+        if (column == nullptr) {
+            RaiseError(4924, {"ALTER TABLE DROP COLUMN", name, table->name});
+        }
+        bool used = !column->default_name.empty();
+        for (const IndexDef& index : table->indexes) {
+            used = used || IndexUses(index, column->id);
+        }
+        for (const ForeignKeyDef& key : table->foreign_keys) {
+            used = used || std::find(key.columns.begin(), key.columns.end(), column->id) != key.columns.end();
+        }
+        for (const CheckDef& check : table->checks) {
+            const std::string text = ToLower(check.text);
+            used = used || text.find(ToLower(column->name)) != std::string::npos;
+        }
+        if (used) {
+            RaiseError(4922, {"ALTER TABLE DROP COLUMN", name});
+        }
+        if (table->columns.size() == 1) {
+            RaiseError(4923, {name, table->name});
+        }
+        session.connection.Execute("ALTER TABLE " + table->Qualified() + " DROP COLUMN " +
+                                   QuoteName(column->name));
+        target.catalogue->RemoveColumn(table->id, column->id);
+    }
+}
+
+void DropConstraint(const std::string& name, Catalogue& catalogue, const TableDef& table) {
+    for (const IndexDef& index : table.indexes) {
+        if (!index.constraint || !Same(index.name, name)) {
+            continue;
+        }
+        for (const ForeignKeyDef& key : table.referencing) {
+            std::vector<int> ids;
+            for (const KeyColumn& part : index.columns) {
+                ids.push_back(part.column);
+            }
+            if (std::is_permutation(ids.begin(), ids.end(), key.referenced_columns.begin(),
+                                    key.referenced_columns.end())) {
+                const std::optional<ObjectDef> other = catalogue.FindObject(key.table);
+                RaiseError(3725, {name, other ? other->name : "", key.name});
+            }
+        }
+        catalogue.RemoveIndex(table, index);
+        return;
+    }
+    for (const ForeignKeyDef& key : table.foreign_keys) {
+        if (Same(key.name, name)) {
+            catalogue.RemoveObject(key.id);
+            return;
+        }
+    }
+    for (const CheckDef& check : table.checks) {
+        if (Same(check.name, name)) {
+            catalogue.RemoveObject(check.id);
+            return;
+        }
+    }
+    for (ColumnDef column : table.columns) {
+        if (Same(column.default_name, name)) {
+            column.default_name.clear();
+            column.default_text.clear();
+            catalogue.UpdateColumn(table.id, column);
+            return;
+        }
+    }
+    RaiseError(3728, {name});
+}
+
+void SwitchConstraints(const ast::AlterTableStatement& alter, Catalogue& catalogue, const TableDef& table) {
+    const bool disabled = alter.action == ast::AlterTableAction::DisableConstraint;
+    for (const std::string& name : alter.names) {
+        bool found = name == "ALL";
+        for (const ForeignKeyDef& key : table.foreign_keys) {
+            if (name == "ALL" || Same(key.name, name)) {
+                catalogue.SetDisabled(key.id, disabled);
+                found = true;
+            }
+        }
+        for (const CheckDef& check : table.checks) {
+            if (name == "ALL" || Same(check.name, name)) {
+                catalogue.SetDisabled(check.id, disabled);
+                found = true;
+            }
+        }
+        if (!found) {
+            RaiseError(4917, {name});
+        }
+    }
+}
+
+void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, const Target& target) {
+    const TablePtr table = target.catalogue->LoadTable(target.table->id);
+    const ColumnDef* found = table->Find(definition.name);
+    if (found == nullptr) {
+        RaiseError(4924, {"ALTER TABLE ALTER COLUMN", definition.name, table->name});
+    }
+    if (found->type.id == TypeId::Timestamp || !found->computed.empty()) {
+        RaiseError(4928, {found->name, found->computed.empty() ? "timestamp" : "COMPUTED"});
+    }
+    ColumnDef column = *found;
+    column.user_type.clear();
+    bool type_nullable = true;
+    Emission emission(session);
+    column.type =
+        Binder(session, emission).ResolveType(definition.type, 1, &column.user_type, &type_nullable);
+    column.nullable = definition.nullable.value_or(type_nullable);
+    for (const IndexDef& index : table->indexes) {
+        if (IndexUses(index, column.id) &&
+            ((index.primary_key && column.nullable) || column.type.id != found->type.id)) {
+            RaiseError(4922, {"ALTER TABLE ALTER COLUMN", found->name});
+        }
+    }
+    SqliteStatement update =
+        session.connection.Prepare("UPDATE " + table->Qualified() + " SET " + QuoteName(column.name) +
+                                   " = ?1 WHERE " + RowWriter::RowIdName(*table) + " = ?2");
+    const std::size_t position = table->IndexOf(column.id);
+    for (const StoredRow& row : RowWriter::Read(session, *table, "1", {})) {
+        const Value value = Assign(row.values[position], found->type, column.type);
+        if (IsNull(value) && !column.nullable) {
+            RaiseError(515,
+                       {column.name,
+                        DatabaseNameOf(session, *target.catalogue) + "." + table->schema + "." + table->name,
+                        "ALTER TABLE"},
+                       2);
+        }
+        update.Bind(1, value, column.type).BindInt(2, row.row_id).Run();
+    }
+    target.catalogue->UpdateColumn(table->id, column);
+    if (column.nullable != found->nullable) { // A unique index treats nullable columns in a way of its own.
+        const TablePtr after = target.catalogue->LoadTable(table->id);
+        for (const IndexDef& index : after->indexes) {
+            if (index.unique && IndexUses(index, column.id)) {
+                session.connection.Execute(DropIndexText(*after, index));
+                session.connection.Execute(CreateIndexText(*after, index));
+            }
+        }
+    }
+}
+
+} // namespace
+
+void RunAlterTable(SessionCore& session, const ast::AlterTableStatement& alter) {
+    const Target target = FindTable(session, alter.table);
+    session.Write(target.catalogue->alias(), [&] {
+        switch (alter.action) {
+        case ast::AlterTableAction::Add:
+            AddParts(session, alter, target);
+            break;
+        case ast::AlterTableAction::AlterColumn:
+            AlterColumn(session, alter.definition.columns[0], target);
+            break;
+        case ast::AlterTableAction::DropColumn:
+            DropColumns(session, alter, target);
+            break;
+        case ast::AlterTableAction::DropConstraint:
+            for (const std::string& name : alter.names) {
+                DropConstraint(name, *target.catalogue, *target.catalogue->LoadTable(target.table->id));
+            }
+            break;
+        case ast::AlterTableAction::EnableConstraint:
+        case ast::AlterTableAction::DisableConstraint:
+            SwitchConstraints(alter, *target.catalogue, *target.table);
+            break;
+        case ast::AlterTableAction::Triggers:
+            for (const std::string& name : alter.names) { // There are none.
+                if (name != "ALL") {
+                    RaiseError(4920, {name, alter.table.text()});
+                }
+            }
+        }
+    });
+    session.Done(Command::None, std::nullopt);
+}
+
+void RunCreateIndex(SessionCore& session, const ast::CreateIndexStatement& create) {
+    Emission emission(session);
+    const Target target = BindTargetAs(session, emission, create.table, 1088);
+    session.Write(target.table->alias, [&] {
+        TableDef table = *target.table;
+        IndexDef index;
+        index.name = create.name;
+        index.unique = create.unique;
+        index.clustered = create.clustered;
+        int highest = 1;
+        for (const IndexDef& other : table.indexes) {
+            if (Same(other.name, create.name)) {
+                if (!create.drop_existing || target.catalogue == nullptr) {
+                    RaiseError(1913, {create.name, "table", table.name});
+                }
+                target.catalogue->RemoveIndex(table, other);
+            } else if (other.clustered && index.clustered) {
+                RaiseError(1902, {"table", table.name, other.name});
+            }
+            highest = std::max(highest, other.id);
+        }
+        index.id = index.clustered ? 1 : highest + 1;
+        for (const ast::IndexColumn& key : create.columns) {
+            const ColumnDef* column = table.Find(key.name);
+            if (column == nullptr) {
+                RaiseError(1911, {key.name});
+            }
+            if (IsOldLob(column->type.id)) {
+                RaiseError(1919, {column->name, table.name});
+            }
+            index.columns.push_back({column->id, key.descending});
+        }
+        if (target.catalogue != nullptr) {
+            AddIndexChecked(session, *target.catalogue, table, index);
+        } else {
+            session.connection.Execute(CreateIndexText(table, index));
+            table.indexes.push_back(index);
+            if (!table.name.starts_with("@")) {
+                session.AddTemporary(table);
+            }
+        }
+    });
+    session.Done(Command::None, std::nullopt);
+}
+
+void RunDropIndex(SessionCore& session, const ast::DropIndexStatement& drop) {
+    for (const auto& [name, index_name] : drop.indexes) {
+        Emission emission(session);
+        Target target;
+        try {
+            target = Binder(session, emission).BindTarget(name);
+        } catch (const SqlError& error) {
+            if (error.number() != 208) {
+                throw;
+            }
+        }
+        const IndexDef* found = nullptr;
+        for (const IndexDef& index : target.table ? target.table->indexes : std::vector<IndexDef>()) {
+            if (Same(index.name, index_name)) {
+                found = &*std::find_if(target.table->indexes.begin(), target.table->indexes.end(),
+                                       [&](const IndexDef& i) { return i.id == index.id; });
+            }
+        }
+        if (found == nullptr) {
+            if (drop.if_exists) {
+                continue;
+            }
+            RaiseError(3701, {"drop", "index", name.text() + "." + index_name}, 7);
+        }
+        if (found->constraint) {
+            RaiseError(3723,
+                       {name.text() + "." + index_name, found->primary_key ? "PRIMARY KEY" : "UNIQUE KEY"});
+        }
+        if (target.catalogue == nullptr) {
+            RaiseError(40517, {"DROP INDEX of a temporary table"});
+        }
+        session.Write(target.table->alias, [&] { target.catalogue->RemoveIndex(*target.table, *found); });
+    }
+    session.Done(Command::None, std::nullopt);
+}
+
+} // namespace devsql

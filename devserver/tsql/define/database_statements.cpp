@@ -1,0 +1,547 @@
+// CREATE, ALTER and DROP DATABASE, sp_detach_db, sp_attach_db: databases as files.
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <fstream>
+#include <thread>
+
+#include "devserver/storage/paths.h"
+#include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/define/file_names.h"
+#include "devserver/tsql/run/server.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kLogText = "Log file of a database of the development server. The data file holds "
+                                      "the whole database, log included.\r\n";
+
+/// What SQLite leaves beside a file while it is open.
+constexpr std::array<std::string_view, 3> kCompanions = {"-wal", "-shm", "-journal"};
+
+bool Same(std::string_view a, std::string_view b) {
+    return CompareText(a, b) == 0;
+}
+
+void RequireNoTransaction(SessionCore& session, std::string_view statement) {
+    if (session.transaction_count() > 0) {
+        RaiseError(226, {statement});
+    }
+}
+
+bool IsSystemDatabase(std::string_view name) {
+    for (const std::string_view system : {"master", "model", "msdb", "tempdb"}) {
+        if (Same(system, name)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+DatabaseInfo RequireDatabase(SessionCore& session, const std::string& name, std::int32_t error) {
+    std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+    if (!info) {
+        RaiseError(error, {name});
+    }
+    return std::move(*info);
+}
+
+/// "20480 KB" of "20MB"; "10%" and "Unlimited" stay.
+std::string InKilobytes(const std::string& size, std::string_view fallback) {
+    if (size.empty()) {
+        return std::string(fallback);
+    }
+    if (size == "UNLIMITED") {
+        return "Unlimited";
+    }
+    if (size.ends_with("%")) {
+        return size;
+    }
+    const std::string unit = size.substr(size.size() - 2);
+    const std::int64_t factor = unit == "KB"   ? 1
+                                : unit == "MB" ? 1024
+                                : unit == "GB" ? 1024 * 1024
+                                               : 1024LL * 1024 * 1024;
+    return std::to_string(std::stoll(size) * factor) + " KB";
+}
+
+/// The place of a new file. Raises 5133 where the folder isn't there, 5170 where the file is.
+fs::path PlaceOfNewFile(SessionCore& session, const std::string& client_path) {
+    const std::optional<fs::path> path = LocalPath(client_path, session.server.options().drives);
+    std::error_code error;
+    if (!path || !fs::is_directory(path->parent_path(), error)) {
+        RaiseError(5133, {client_path, "2(The system cannot find the file specified.)"});
+    }
+    if (fs::exists(*path, error)) {
+        RaiseError(5170, {client_path});
+    }
+    return *path;
+}
+
+/// The files that the statement asks for, or the default ones below the root.
+std::vector<DatabaseFile> FilesOf(SessionCore& session, const ast::CreateDatabaseStatement& create) {
+    const fs::path& root = session.server.options().root;
+    std::vector<DatabaseFile> files;
+    const auto add = [&](const ast::FileSpec& spec, bool log) {
+        DatabaseFile file;
+        file.log = log;
+        const std::size_t ordinal = files.size() + 1;
+        file.id = static_cast<int>(ordinal);
+        file.name = !spec.name.empty() ? spec.name
+                                       : create.name + (log             ? "_log"
+                                                        : files.empty() ? ""
+                                                                        : std::to_string(ordinal));
+        file.client_path =
+            !spec.path.empty() ? spec.path : Utf8(root / PathOf(create.name + (log ? "_log.ldf" : ".mdf")));
+        file.path = PlaceOfNewFile(session, file.client_path);
+        file.file_group = log ? "" : spec.file_group.empty() ? "PRIMARY" : spec.file_group;
+        file.size = InKilobytes(spec.size, log ? "1024 KB" : "2048 KB");
+        file.max_size = InKilobytes(spec.max_size, "Unlimited");
+        file.growth = InKilobytes(spec.growth, log ? "10%" : "1024 KB");
+        for (const DatabaseFile& other : files) {
+            if (Same(other.name, file.name)) {
+                RaiseError(1828, {file.name});
+            }
+            if (other.path == file.path) {
+                RaiseError(5104, {file.client_path});
+            }
+        }
+        files.push_back(std::move(file));
+    };
+    // File 1 is the primary data file and file 2 the log, as SQL Server numbers them.
+    std::vector<ast::FileSpec> data = create.files;
+    std::vector<ast::FileSpec> logs = create.logs;
+    data.resize(std::max<std::size_t>(1, data.size()));
+    logs.resize(std::max<std::size_t>(1, logs.size()));
+    add(data[0], false);
+    add(logs[0], true);
+    for (std::size_t i = 1; i < data.size(); ++i) {
+        add(data[i], false);
+    }
+    for (std::size_t i = 1; i < logs.size(); ++i) {
+        add(logs[i], true);
+    }
+    return files;
+}
+
+void WriteLogFile(const DatabaseFile& file) {
+    std::ofstream out(file.path, std::ios::binary);
+    out << kLogText;
+    if (!out.flush()) {
+        RaiseError(5123, {std::to_string(errno), file.client_path});
+    }
+}
+
+void MakeDataFile(const DatabaseFile& file) {
+    try {
+        SqliteConnection connection(file.path);
+        connection.Execute("BEGIN IMMEDIATE");
+        Catalogue(connection, "main").Create();
+        connection.Execute("COMMIT");
+    } catch (const StorageError& error) {
+        RaiseError(5123, {error.what(), file.client_path});
+    }
+}
+
+void RemoveFiles(const std::vector<DatabaseFile>& files) {
+    std::error_code ignored;
+    for (const DatabaseFile& file : files) {
+        fs::remove(file.path, ignored);
+        for (const std::string_view companion : kCompanions) {
+            fs::remove(PathOf(Utf8(file.path) + std::string(companion)), ignored);
+        }
+    }
+}
+
+/// True for a file that this server has made a database of.
+bool IsDatabaseFile(const fs::path& path) {
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) {
+        return false;
+    }
+    try {
+        SqliteConnection connection(path);
+        SqliteStatement row = connection.Prepare("SELECT count(*) FROM devsql_settings");
+        return row.Step();
+    } catch (const StorageError&) {
+        return false;
+    }
+}
+
+/// Keeps other sessions out of a database while it changes. Raises the number where one is in.
+class Exclusive {
+  public:
+    Exclusive(SessionCore& session, const std::string& name, std::int32_t error, std::string_view first)
+        : session_(session), name_(Folded(name)) {
+        if (Same(session.CurrentDatabaseName(), name)) {
+            Refuse(error, first, name);
+        }
+        session.ReleaseDatabase(name);
+        // A client that has just closed its connection is out for itself, and its session is still on the
+        // way.
+        const auto until = std::chrono::steady_clock::now() + kTimeToLeave;
+        while (!session.server.CloseTo(name_, session)) {
+            if (std::chrono::steady_clock::now() >= until) {
+                Refuse(error, first, name);
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+    ~Exclusive() { session_.server.Reopen(name_); }
+    Exclusive(const Exclusive&) = delete;
+    Exclusive& operator=(const Exclusive&) = delete;
+
+  private:
+    static constexpr std::chrono::milliseconds kTimeToLeave{500};
+
+    [[noreturn]] static void Refuse(std::int32_t error, std::string_view first, const std::string& name) {
+        if (first.empty()) {
+            RaiseError(error, {name});
+        }
+        RaiseError(error, {first, name});
+    }
+
+    SessionCore& session_;
+    std::string name_;
+};
+
+/// What is published can't go. Raises 3724.
+void RequireUnpublished(const DatabaseInfo& info, std::string_view verb) {
+    if (info.Option("PUBLISHED") || info.Option("DISTRIBUTOR")) {
+        RaiseError(3724, {verb, "database", info.name});
+    }
+}
+
+} // namespace
+
+void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement& create) {
+    RequireNoTransaction(session, "CREATE DATABASE");
+    if (FindDatabase(session.connection, create.name)) {
+        RaiseError(1801, {create.name}, 3);
+    }
+    if (create.attach) {
+        std::vector<std::string> files;
+        for (const std::vector<ast::FileSpec>* list : {&create.files, &create.logs}) {
+            for (const ast::FileSpec& file : *list) {
+                files.push_back(file.path);
+            }
+        }
+        AttachDatabase(session, create.name, files);
+        session.Done(Command::None, std::nullopt);
+        return;
+    }
+    DatabaseInfo info;
+    info.name = create.name;
+    info.owner = session.login;
+    info.options["RECOVERY"] = "FULL";
+    try {
+        info.files = FilesOf(session, create);
+    } catch (const SqlError& error) {
+        session.Print({error.number(), error.severity(), error.state(), error.text(),
+                       session.frame().procedure, session.line});
+        RaiseError(1802, {}, 4);
+    }
+    try {
+        MakeDataFile(info.files[0]);
+        for (std::size_t i = 1; i < info.files.size(); ++i) {
+            WriteLogFile(info.files[i]);
+        }
+        AddDatabase(session.connection, info);
+    } catch (...) {
+        RemoveFiles(info.files);
+        throw;
+    }
+    session.Done(Command::None, std::nullopt);
+}
+
+void DropDatabase(SessionCore& session, const std::string& name, bool if_exists) {
+    RequireNoTransaction(session, "DROP DATABASE");
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+    if (!info) {
+        if (if_exists) {
+            return;
+        }
+        RaiseError(3701, {"drop", "database", name});
+    }
+    if (IsSystemDatabase(name)) {
+        RaiseError(3708, {"drop", "database", name, "database"});
+    }
+    RequireUnpublished(*info, "drop");
+    const Exclusive exclusive(session, info->name, 3702, "");
+    RemoveDatabase(session.connection, info->id);
+    RemoveFiles(info->files);
+}
+
+void DetachDatabase(SessionCore& session, const std::string& name) {
+    RequireNoTransaction(session, "sp_detach_db");
+    const DatabaseInfo info = RequireDatabase(session, name, 15010);
+    if (IsSystemDatabase(name)) {
+        RaiseError(3708, {"detach", "database", name, "database"});
+    }
+    RequireUnpublished(info, "detach");
+    const Exclusive exclusive(session, info.name, 3703, "database");
+    {
+        // The last one to close a file brings its write-ahead log back into it.
+        SqliteConnection connection(info.DataFile().path);
+        KeepFileNames(connection, info);
+        connection.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
+    }
+    RemoveDatabase(session.connection, info.id);
+}
+
+void AttachDatabase(SessionCore& session, const std::string& name, const std::vector<std::string>& paths) {
+    RequireNoTransaction(session, "sp_attach_db");
+    if (FindDatabase(session.connection, name)) {
+        RaiseError(1801, {name}, 3);
+    }
+    if (paths.empty() || paths[0].empty()) {
+        RaiseError(1829);
+    }
+    DatabaseInfo info;
+    info.name = name;
+    info.owner = session.login;
+    info.options["RECOVERY"] = "FULL";
+    for (const std::string& client_path : paths) {
+        DatabaseFile file;
+        const std::optional<fs::path> path = LocalPath(client_path, session.server.options().drives);
+        std::error_code error;
+        if (!path || !fs::is_regular_file(*path, error)) {
+            RaiseError(5120, {client_path, "2", "The system cannot find the file specified."});
+        }
+        file.id = static_cast<int>(info.files.size() + 1);
+        file.path = *path;
+        file.client_path = client_path;
+        file.log = !IsDatabaseFile(*path);
+        file.name = Utf8(path->stem());
+        file.file_group = file.log ? "" : "PRIMARY";
+        file.size = std::to_string(std::max<std::uintmax_t>(1, fs::file_size(*path, error) / 1024)) + " KB";
+        file.max_size = "Unlimited";
+        file.growth = "10%";
+        info.files.push_back(std::move(file));
+    }
+    if (info.files[0].log) {
+        RaiseError(1813, {name});
+    }
+    RestoreFileNames(info);
+    for (const DatabaseInfo& other : ListDatabases(session.connection)) {
+        if (other.DataFile().path == info.files[0].path) {
+            RaiseError(5104, {info.files[0].client_path});
+        }
+    }
+    if (info.files.size() == 1) { // As SQL Server makes a new log where none is given.
+        DatabaseFile log = info.files[0];
+        log.id = 2;
+        log.log = true;
+        log.name = name + "_log";
+        log.path = info.files[0].path.parent_path() / (name + "_log.ldf");
+        log.client_path =
+            info.files[0].client_path.substr(0, info.files[0].client_path.find_last_of("/\\") + 1) + name +
+            "_log.ldf";
+        log.file_group.clear();
+        WriteLogFile(log);
+        info.files.push_back(std::move(log));
+    }
+    AddDatabase(session.connection, info);
+}
+
+// ------------------------------------------------------------------ ALTER DATABASE
+
+namespace {
+
+void ModifyFile(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseStatement& alter) {
+    const auto file = std::find_if(info.files.begin(), info.files.end(), [&](const DatabaseFile& candidate) {
+        return Same(candidate.name, alter.name);
+    });
+    if (file == info.files.end()) {
+        RaiseError(5041, {alter.name});
+    }
+    if (!alter.new_name.empty()) {
+        for (const DatabaseFile& other : info.files) {
+            if (other.id != file->id && Same(other.name, alter.new_name)) {
+                RaiseError(1828, {alter.new_name});
+            }
+        }
+        file->name = alter.new_name;
+        session.Print({5021, 0, 1, "The file name '" + alter.new_name + "' has been set.",
+                       session.frame().procedure, session.line});
+    }
+    const ast::FileSpec& spec = alter.files[0];
+    file->size = InKilobytes(spec.size, file->size);
+    file->max_size = InKilobytes(spec.max_size, file->max_size);
+    file->growth = InKilobytes(spec.growth, file->growth);
+    UpdateDatabase(session.connection, info);
+}
+
+void ModifyName(SessionCore& session, DatabaseInfo info, const std::string& new_name) {
+    if (IsSystemDatabase(info.name)) {
+        RaiseError(3708, {"rename", "database", info.name, "database"});
+    }
+    const std::optional<DatabaseInfo> other = FindDatabase(session.connection, new_name);
+    if (other && other->id != info.id) {
+        RaiseError(1801, {new_name}, 3);
+    }
+    const Exclusive exclusive(session, info.name, 5030, "");
+    info.name = new_name;
+    UpdateDatabase(session.connection, info);
+    session.Print({5018, 0, 1, "The database name '" + new_name + "' has been set.",
+                   session.frame().procedure, session.line});
+}
+
+void AddFiles(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseStatement& alter) {
+    for (const ast::FileSpec& spec : alter.files) {
+        DatabaseFile file;
+        for (const DatabaseFile& other : info.files) {
+            if (Same(other.name, spec.name)) {
+                RaiseError(1828, {spec.name});
+            }
+            file.id = std::max(file.id, other.id);
+        }
+        ++file.id;
+        file.name = spec.name;
+        file.client_path = spec.path;
+        file.path = PlaceOfNewFile(session, spec.path);
+        file.log = alter.log_file;
+        file.file_group = alter.log_file ? "" : alter.name.empty() ? "PRIMARY" : alter.name;
+        file.size = InKilobytes(spec.size, "1024 KB");
+        file.max_size = InKilobytes(spec.max_size, "Unlimited");
+        file.growth = InKilobytes(spec.growth, "10%");
+        WriteLogFile(file);
+        info.files.push_back(std::move(file));
+    }
+    UpdateDatabase(session.connection, info);
+}
+
+/// Options that are kept and shown; those of access have their effect too.
+constexpr std::array<std::string_view, 31> kOptions = {"RECOVERY",
+                                                       "AUTO_SHRINK",
+                                                       "AUTO_CLOSE",
+                                                       "AUTO_CREATE_STATISTICS",
+                                                       "AUTO_UPDATE_STATISTICS",
+                                                       "TORN_PAGE_DETECTION",
+                                                       "PAGE_VERIFY",
+                                                       "ANSI_NULL_DEFAULT",
+                                                       "ANSI_NULLS",
+                                                       "ANSI_PADDING",
+                                                       "ANSI_WARNINGS",
+                                                       "ARITHABORT",
+                                                       "CONCAT_NULL_YIELDS_NULL",
+                                                       "NUMERIC_ROUNDABORT",
+                                                       "QUOTED_IDENTIFIER",
+                                                       "RECURSIVE_TRIGGERS",
+                                                       "CURSOR_CLOSE_ON_COMMIT",
+                                                       "CURSOR_DEFAULT",
+                                                       "DB_CHAINING",
+                                                       "TRUSTWORTHY",
+                                                       "COMPATIBILITY_LEVEL",
+                                                       "ALLOW_SNAPSHOT_ISOLATION",
+                                                       "READ_COMMITTED_SNAPSHOT",
+                                                       "PARAMETERIZATION",
+                                                       "AUTO_UPDATE_STATISTICS_ASYNC",
+                                                       "DATE_CORRELATION_OPTIMIZATION",
+                                                       "HONOR_BROKER_PRIORITY",
+                                                       "DISABLE_BROKER",
+                                                       "TARGET_RECOVERY_TIME",
+                                                       "DELAYED_DURABILITY",
+                                                       "MIXED_PAGE_ALLOCATION"};
+
+/// An offline database is in nobody's hands, and its files may be copied.
+void SetOffline(SessionCore& session, DatabaseInfo info, bool offline, bool rollback_immediate) {
+    if (offline && (IsSystemDatabase(info.name) || Same(info.name, session.SessionDatabase()))) {
+        RaiseError(IsSystemDatabase(info.name) ? 5058 : 5070, {offline ? "OFFLINE" : "ONLINE", info.name});
+    }
+    const std::string folded = Folded(info.name);
+    session.ReleaseDatabase(info.name);
+    if (offline && rollback_immediate) {
+        session.server.ThrowOut(folded, session);
+    } else if (offline && !session.server.CloseTo(folded, session)) {
+        RaiseError(5070, {info.name});
+    }
+    info.options["OFFLINE"] = offline ? "ON" : "OFF";
+    UpdateDatabase(session.connection, info);
+    session.server.Reopen(folded);
+}
+
+void ChangeOwner(SessionCore& session, DatabaseInfo info, const std::string& login) {
+    if (!FindLogin(session.connection, login)) {
+        RaiseError(15151, {"find", "principal", login});
+    }
+    info.owner = login;
+    UpdateDatabase(session.connection, info);
+}
+
+} // namespace
+
+void SetDatabaseOption(SessionCore& session, const std::string& database, const std::string& option,
+                       const std::string& value, bool rollback_immediate) {
+    DatabaseInfo info = RequireDatabase(session, database, 5011);
+    if (option == "SINGLE_USER" || option == "MULTI_USER" || option == "RESTRICTED_USER") {
+        const bool single = option == "SINGLE_USER";
+        if (single && IsSystemDatabase(info.name)) {
+            RaiseError(5058, {"SINGLE_USER", info.name});
+        }
+        const std::string folded = Folded(info.name);
+        if (single && rollback_immediate) {
+            session.server.ThrowOut(folded, session);
+        } else if (single && !session.server.CloseTo(folded, session)) {
+            RaiseError(5070, {info.name});
+        }
+        info.options["SINGLE_USER"] = single ? "ON" : "OFF";
+        UpdateDatabase(session.connection, info);
+        session.server.Reopen(folded);
+        return;
+    }
+    if (option == "OFFLINE" || option == "ONLINE") {
+        SetOffline(session, std::move(info), option == "OFFLINE", rollback_immediate);
+        return;
+    }
+    if (option == "READ_WRITE" || (option == "FILESTREAM" && value == "OFF")) {
+        return; // That is how every database is.
+    }
+    if (option == "COLLATE" || std::find(kOptions.begin(), kOptions.end(), option) != kOptions.end()) {
+        info.options[option] = value;
+        UpdateDatabase(session.connection, info);
+        return;
+    }
+    RaiseError(40517, {option});
+}
+
+void RunAlterDatabase(SessionCore& session, const ast::AlterDatabaseStatement& alter) {
+    RequireNoTransaction(session, "ALTER DATABASE");
+    const std::string& name = alter.database.empty() ? session.CurrentDatabaseName() : alter.database;
+    switch (alter.action) {
+    case ast::AlterDatabaseAction::ModifyName:
+        ModifyName(session, RequireDatabase(session, name, 5011), alter.new_name);
+        break;
+    case ast::AlterDatabaseAction::ModifyFile:
+        ModifyFile(session, RequireDatabase(session, name, 5011), alter);
+        break;
+    case ast::AlterDatabaseAction::AddFile:
+        AddFiles(session, RequireDatabase(session, name, 5011), alter);
+        break;
+    case ast::AlterDatabaseAction::AddFileGroup: {
+        DatabaseInfo info = RequireDatabase(session, name, 5011);
+        if (!info.options.emplace("FILEGROUP " + Folded(alter.name), "ON").second) {
+            RaiseError(5035, {alter.name});
+        }
+        UpdateDatabase(session.connection, info);
+        break;
+    }
+    case ast::AlterDatabaseAction::Owner:
+        ChangeOwner(session, RequireDatabase(session, name, 5011), alter.new_name);
+        break;
+    case ast::AlterDatabaseAction::Set:
+        for (const auto& [option, value] : alter.options) {
+            SetDatabaseOption(session, name, option, value, alter.rollback_immediate);
+        }
+        break;
+    }
+    session.Done(Command::None, std::nullopt);
+}
+
+} // namespace devsql

@@ -1,0 +1,234 @@
+// Procedures and views, user types, and DROP of whatever stands in a database.
+#include <array>
+
+#include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+struct KindInfo {
+    ast::ObjectKind kind;
+    std::string_view type; ///< of devsql_objects
+    std::string_view word; ///< of messages
+};
+constexpr std::array<KindInfo, 3> kKinds = {{{ast::ObjectKind::Table, "U", "table"},
+                                             {ast::ObjectKind::View, "V", "view"},
+                                             {ast::ObjectKind::Procedure, "P", "procedure"}}};
+
+const KindInfo* InfoOf(ast::ObjectKind kind) {
+    for (const KindInfo& info : kKinds) {
+        if (info.kind == kind) {
+            return &info;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<ParameterDef> DefineParameters(SessionCore& session,
+                                           const std::vector<ast::Parameter>& parameters) {
+    std::vector<ParameterDef> defined;
+    for (const ast::Parameter& parameter : parameters) {
+        ParameterDef definition;
+        definition.name = parameter.name;
+        Emission emission(session);
+        definition.type = Binder(session, emission).ResolveType(parameter.type, 1, &definition.user_type);
+        definition.has_default = parameter.default_value != nullptr;
+        definition.default_text = parameter.default_text;
+        definition.output = parameter.output;
+        defined.push_back(std::move(definition));
+    }
+    return defined;
+}
+
+std::vector<ColumnDef> ViewColumns(const std::vector<Column>& columns) {
+    std::vector<ColumnDef> defined;
+    for (const Column& column : columns) {
+        ColumnDef definition;
+        definition.id = static_cast<int>(defined.size() + 1);
+        definition.name = column.name;
+        definition.type = column.type;
+        definition.nullable = column.nullable;
+        defined.push_back(std::move(definition));
+    }
+    return defined;
+}
+
+void DropTable(SessionCore& session, const ast::Name& name, bool if_exists) {
+    if (IsSessionTable(name.last())) {
+        const TablePtr table = session.FindTemporary(name.last());
+        if (!table) {
+            if (if_exists) {
+                return;
+            }
+            RaiseError(3701, {"drop", "table", name.text()}, 5);
+        }
+        session.Write("temp", [&] {
+            session.connection.Execute("DROP TABLE " + table->Qualified());
+            session.DropTemporary(name.last());
+        });
+        return;
+    }
+    const ObjectPlace place = PlaceOf(session, name);
+    Catalogue& catalogue = session.Database(place.database);
+    const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
+    const TablePtr table = catalogue.LoadTable(object->id);
+    for (const ForeignKeyDef& key : table->referencing) {
+        if (key.table != table->id) {
+            RaiseError(3726, {name.text()});
+        }
+    }
+    session.Write(catalogue.alias(), [&] {
+        session.connection.Execute("DROP TABLE " + table->Qualified());
+        catalogue.RemoveObject(table->id);
+    });
+}
+
+void DropObject(SessionCore& session, const KindInfo& info, const ast::Name& name, bool if_exists) {
+    if (IsSessionTable(name.last()) && info.kind == ast::ObjectKind::Table) {
+        DropTable(session, name, if_exists);
+        return;
+    }
+    const ObjectPlace place = PlaceOf(session, name);
+    Catalogue& catalogue = session.Database(place.database);
+    const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
+    if (!object || !IsTableOrModule(object->type)) {
+        if (if_exists) {
+            return;
+        }
+        RaiseError(3701, {"drop", info.word, name.text()}, 5);
+    }
+    if (object->type != info.type) {
+        for (const KindInfo& other : kKinds) {
+            if (other.type == object->type) {
+                RaiseError(
+                    3705, {AsciiUpper(info.word), name.text(), other.word, "DROP " + AsciiUpper(other.word)});
+            }
+        }
+    }
+    if (info.kind == ast::ObjectKind::Table) {
+        DropTable(session, name, if_exists);
+        return;
+    }
+    session.Write(catalogue.alias(), [&] { catalogue.RemoveObject(object->id); });
+}
+
+void DropType(SessionCore& session, const ast::Name& name, bool if_exists) {
+    Catalogue& catalogue = session.CurrentDatabase();
+    const std::optional<UserTypeDef> type = catalogue.FindType("", name.last());
+    if (!type) {
+        if (if_exists) {
+            return;
+        }
+        RaiseError(218, {name.text()});
+    }
+    SqliteStatement used =
+        catalogue.Prepare("SELECT o.name FROM {db}.devsql_columns c JOIN {db}.devsql_objects o ON o.id = "
+                          "c.object WHERE c.user_type = ?1");
+    if (used.BindText(1, type->schema + "." + type->name).Step()) {
+        RaiseError(3732, {name.text(), used.Text(0)});
+    }
+    session.Write(catalogue.alias(), [&] { catalogue.RemoveType(type->schema, type->name); });
+}
+
+} // namespace
+
+void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& create) {
+    const KindInfo& info = *InfoOf(create.kind);
+    if (create.name.parts.size() > 2) {
+        RaiseError(166, {"CREATE/ALTER " + AsciiUpper(info.word)});
+    }
+    if (create.name.last().starts_with("#")) {
+        RaiseError(40517, {"temporary procedure"});
+    }
+    const ObjectPlace place = PlaceOf(session, create.name);
+    Catalogue& catalogue = session.CurrentDatabase();
+    session.Write(catalogue.alias(), [&] {
+        std::optional<ObjectDef> existing = catalogue.FindObject(place.schema, place.name);
+        const bool alter = create.alter || (create.or_alter && existing);
+        if (existing && !alter) {
+            RaiseError(2714, {place.name}, 3);
+        }
+        if (alter && (!existing || existing->type != info.type)) {
+            RaiseError(existing ? 2010 : 208, {create.name.text()}, 6);
+        }
+        RequireSchema(catalogue, place.schema);
+        ObjectDef object = existing.value_or(ObjectDef{});
+        object.schema = place.schema;
+        object.name = existing ? existing->name : place.name;
+        object.type = info.type;
+        object.text = create.text;
+        object.quoted_identifier = session.options.quoted_identifier;
+        object.ansi_nulls = session.options.ansi_nulls;
+        object.encrypted = create.encrypted;
+        const std::vector<Column> columns =
+            create.kind == ast::ObjectKind::View ? DescribeView(session, create) : std::vector<Column>();
+        const std::vector<ParameterDef> parameters = DefineParameters(session, create.parameters);
+        if (existing) {
+            catalogue.ReplaceText(object);
+        } else {
+            object.id = catalogue.AddObject(object);
+        }
+        if (create.kind == ast::ObjectKind::View) {
+            catalogue.SetViewColumns(object.id, ViewColumns(columns));
+        } else {
+            catalogue.SetParameters(object.id, parameters);
+        }
+    });
+    session.Done(Command::None, std::nullopt);
+}
+
+void RunDrop(SessionCore& session, const ast::DropStatement& drop) {
+    for (const ast::Name& name : drop.names) {
+        if (const KindInfo* info = InfoOf(drop.kind)) {
+            DropObject(session, *info, name, drop.if_exists);
+            continue;
+        }
+        switch (drop.kind) {
+        case ast::ObjectKind::Database:
+            DropDatabase(session, name.last(), drop.if_exists);
+            break;
+        case ast::ObjectKind::Type:
+            DropType(session, name, drop.if_exists);
+            break;
+        case ast::ObjectKind::User:
+        case ast::ObjectKind::Role:
+        case ast::ObjectKind::Login:
+        case ast::ObjectKind::Schema:
+            DropPrincipal(session, drop.kind, name.last(), drop.if_exists);
+            break;
+        default: { // Functions, triggers, defaults and rules can't be made here, so none is there to be
+                   // dropped.
+            constexpr std::string_view kWords[] = {"function", "trigger", "default", "rule"};
+            const std::string_view word = drop.kind == ast::ObjectKind::Function  ? kWords[0]
+                                          : drop.kind == ast::ObjectKind::Trigger ? kWords[1]
+                                          : drop.kind == ast::ObjectKind::Default ? kWords[2]
+                                                                                  : kWords[3];
+            if (!drop.if_exists) {
+                RaiseError(3701, {"drop", word, name.text()}, 5);
+            }
+        }
+        }
+    }
+    session.Done(Command::None, std::nullopt);
+}
+
+void RunCreateType(SessionCore& session, const ast::CreateTypeStatement& create) {
+    Catalogue& catalogue = session.CurrentDatabase();
+    UserTypeDef type;
+    type.schema = create.name.parts.size() > 1 ? create.name.parts[0] : "dbo";
+    type.name = create.name.last();
+    if (FindTypeId(type.name) || catalogue.FindType("", type.name)) {
+        RaiseError(219, {create.name.text()});
+    }
+    bool base_nullable = true;
+    Emission emission(session);
+    type.type = Binder(session, emission).ResolveType(create.base, 1, nullptr, &base_nullable);
+    type.nullable = create.nullable.value_or(base_nullable);
+    session.Write(catalogue.alias(), [&] { catalogue.AddType(type); });
+    session.Done(Command::None, std::nullopt);
+}
+
+} // namespace devsql

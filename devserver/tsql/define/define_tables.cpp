@@ -1,0 +1,450 @@
+// CREATE TABLE and its kin.
+#include <algorithm>
+#include <array>
+
+#include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/parse/parser.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+std::string Hex(std::uint64_t number) {
+    std::string text;
+    for (int shift = 28; shift >= 0; shift -= 4) {
+        text += "0123456789ABCDEF"[number >> shift & 0xF];
+    }
+    return text;
+}
+
+OnChange ToOnChange(ast::ReferentialAction action) {
+    return static_cast<OnChange>(action);
+}
+
+/// PRIMARY KEY first: what other constraints say of its columns depends on it.
+std::vector<const ast::Constraint*> Ordered(const std::vector<ast::Constraint>& constraints) {
+    std::vector<const ast::Constraint*> ordered;
+    for (const bool primary : {true, false}) {
+        for (const ast::Constraint& constraint : constraints) {
+            if ((constraint.kind == ast::ConstraintKind::PrimaryKey) == primary) {
+                ordered.push_back(&constraint);
+            }
+        }
+    }
+    return ordered;
+}
+
+void Build(TableBuilder& builder, const ast::TableDefinition& definition) {
+    for (const ast::ColumnDefinition& column : definition.columns) {
+        builder.AddColumn(column);
+    }
+    for (const ast::ColumnDefinition& column : definition.columns) {
+        for (const ast::Constraint* constraint : Ordered(column.constraints)) {
+            builder.AddConstraint(*constraint, column.name);
+        }
+    }
+    for (const ast::Constraint* constraint : Ordered(definition.constraints)) {
+        builder.AddConstraint(*constraint, "");
+    }
+    if (builder.table().columns.empty()) {
+        RaiseError(1753, {"", builder.table().name});
+    }
+}
+
+void StoreTemporary(SessionCore& session, const TableDef& table) {
+    session.connection.Execute(CreateTableText(table));
+    for (const IndexDef& index : table.indexes) {
+        session.connection.Execute(CreateIndexText(table, index));
+    }
+}
+
+void StoreTable(Catalogue& catalogue, const TableBuilder& builder, TableDef table) {
+    const std::vector<IndexDef> indexes = std::exchange(table.indexes, {});
+    const std::vector<CheckDef> checks = std::exchange(table.checks, {});
+    catalogue.AddTable(table);
+    for (const IndexDef& index : indexes) {
+        catalogue.AddIndex(table, index);
+    }
+    for (const CheckDef& check : checks) {
+        catalogue.AddCheck(table.id, check);
+    }
+    for (const ForeignKeyDef& key : builder.foreign_keys()) {
+        catalogue.AddForeignKey(key);
+    }
+}
+
+TableDef NewTemporary(SessionCore& session, const std::string& name) {
+    TableDef table;
+    table.id = session.NextTemporaryId();
+    table.alias = "temp";
+    table.schema = "dbo";
+    table.name = name;
+    table.physical = name + std::to_string(table.id);
+    return table;
+}
+
+} // namespace
+
+TableBuilder::TableBuilder(SessionCore& session, Catalogue* catalogue, TableDef table, bool altering)
+    : session_(session), catalogue_(catalogue), table_(std::move(table)), altering_(altering) {}
+
+std::string TableBuilder::MadeName(std::string_view prefix, std::string_view column) const {
+    std::uint64_t hash = static_cast<std::uint64_t>(table_.id) * 2654435761U;
+    for (const char c : column) {
+        hash = hash * 31 + static_cast<unsigned char>(c);
+    }
+    hash += (table_.indexes.size() + table_.checks.size() + foreign_keys_.size()) * 7919;
+    std::string name = std::string(prefix) + "__" + SubText(table_.name, 0, 9) + "__";
+    if (!column.empty()) {
+        name += SubText(column, 0, 5) + "__";
+    }
+    return name + Hex(hash);
+}
+
+ColumnDef& TableBuilder::Column(const std::string& name, std::int32_t error) {
+    for (ColumnDef& column : table_.columns) {
+        if (CompareText(column.name, name) == 0) {
+            return column;
+        }
+    }
+    RaiseError(error, {name, table_.name});
+}
+
+Type TableBuilder::TypeOfComputed(const std::string& text) {
+    const ast::ExprPtr expr = ParseExpression(text);
+    Emission emission(session_);
+    Binder binder(session_, emission);
+    Scope scope;
+    scope.sources.push_back(binder.SourceOf(std::make_shared<TableDef>(table_), table_.name, "t"));
+    return Settled(binder.BindValue(*expr, &scope)->type);
+}
+
+void TableBuilder::AddColumn(const ast::ColumnDefinition& definition) {
+    if (table_.Find(definition.name) != nullptr) {
+        RaiseError(2705, {definition.name, table_.name});
+    }
+    constexpr std::size_t kMostColumns = 1024;
+    if (table_.columns.size() >= kMostColumns) {
+        RaiseError(1702, {definition.name, table_.name, std::to_string(kMostColumns)});
+    }
+    ColumnDef column;
+    column.name = definition.name;
+    for (const ColumnDef& other : table_.columns) {
+        column.id = std::max(column.id, other.id);
+    }
+    ++column.id;
+    if (!definition.computed.empty()) {
+        column.computed = definition.computed;
+        column.type = TypeOfComputed(definition.computed);
+        table_.columns.push_back(std::move(column));
+        return;
+    }
+    bool type_nullable = true;
+    Emission emission(session_);
+    column.type =
+        Binder(session_, emission).ResolveType(definition.type, 1, &column.user_type, &type_nullable);
+    column.nullable = definition.nullable.value_or(type_nullable && column.type.id != TypeId::Timestamp);
+    column.row_guid = definition.row_guid;
+    if (definition.identity) {
+        const bool whole = IsInteger(column.type.id) || (IsDecimal(column.type.id) && column.type.scale == 0);
+        if (!whole) {
+            RaiseError(2749, {column.name});
+        }
+        if (table_.IdentityColumn() != nullptr) {
+            RaiseError(2744, {table_.name});
+        }
+        if (definition.nullable == true) {
+            RaiseError(8147, {column.name, table_.name});
+        }
+        column.identity = true;
+        column.seed = definition.identity->seed;
+        column.increment = definition.identity->increment;
+        column.nullable = false;
+    }
+    if (column.type.id == TypeId::Timestamp) {
+        for (const ColumnDef& other : table_.columns) {
+            if (other.type.id == TypeId::Timestamp) {
+                RaiseError(2738, {table_.name, column.name});
+            }
+        }
+    }
+    table_.columns.push_back(std::move(column));
+}
+
+void TableBuilder::AddConstraint(const ast::Constraint& constraint, const std::string& column) {
+    switch (constraint.kind) {
+    case ast::ConstraintKind::PrimaryKey:
+    case ast::ConstraintKind::Unique:
+        AddKey(constraint, column);
+        break;
+    case ast::ConstraintKind::ForeignKey:
+        AddForeignKey(constraint, column);
+        break;
+    case ast::ConstraintKind::Check:
+        AddCheck(constraint);
+        break;
+    case ast::ConstraintKind::Default:
+        AddDefault(constraint, column);
+        break;
+    }
+}
+
+void TableBuilder::AddKey(const ast::Constraint& constraint, const std::string& column) {
+    const bool primary = constraint.kind == ast::ConstraintKind::PrimaryKey;
+    IndexDef index;
+    index.unique = true;
+    index.constraint = true;
+    index.primary_key = primary;
+    index.clustered = constraint.clustered;
+    int highest = 1;
+    for (const IndexDef& other : table_.indexes) {
+        if (primary && other.primary_key) {
+            RaiseError(altering_ ? 1779 : 8110, {table_.name});
+        }
+        if (other.clustered && index.clustered) {
+            if (constraint.clustering_given) {
+                RaiseError(8112, {table_.name});
+            }
+            index.clustered = false; // A primary key is clustered only where nothing else is.
+        }
+        highest = std::max(highest, other.id);
+    }
+    index.id = index.clustered ? 1 : highest + 1;
+    std::vector<ast::IndexColumn> columns = constraint.columns;
+    if (columns.empty()) {
+        columns.push_back({column, false});
+    }
+    for (const ast::IndexColumn& key : columns) {
+        ColumnDef& definition = Column(key.name, 1911);
+        if (primary && definition.nullable) {
+            // What the definition leaves open, a primary key makes NOT NULL.
+            definition.nullable = false;
+        }
+        if (IsOldLob(definition.type.id) || definition.type.length == kMaxLength) {
+            RaiseError(1919, {definition.name, table_.name});
+        }
+        index.columns.push_back({definition.id, key.descending});
+    }
+    index.name = constraint.name.empty() ? MadeName(primary ? "PK" : "UQ") : constraint.name;
+    table_.indexes.push_back(std::move(index));
+}
+
+void TableBuilder::AddCheck(const ast::Constraint& constraint) {
+    CheckDef check;
+    check.name = constraint.name.empty() ? MadeName("CK") : constraint.name;
+    check.text = constraint.text;
+    table_.checks.push_back(std::move(check));
+}
+
+void TableBuilder::AddDefault(const ast::Constraint& constraint, const std::string& column) {
+    ColumnDef& target = Column(constraint.columns.empty() ? column : constraint.columns[0].name, 1752);
+    if (!target.default_text.empty()) {
+        RaiseError(1781);
+    }
+    if (target.identity) {
+        RaiseError(1754, {target.name, table_.name});
+    }
+    if (target.type.id == TypeId::Timestamp) {
+        RaiseError(1755, {target.name, table_.name});
+    }
+    target.default_text = constraint.text;
+    target.default_name = constraint.name.empty() ? MadeName("DF", target.name) : constraint.name;
+}
+
+TablePtr TableBuilder::Referenced(const ast::Constraint& constraint, const std::string& name) {
+    const ObjectPlace place = PlaceOf(session_, constraint.references);
+    const std::optional<ObjectDef> object = catalogue_->FindObject(place.schema, place.name);
+    if (CompareText(place.name, table_.name) == 0 && CompareText(place.schema, table_.schema) == 0) {
+        return std::make_shared<TableDef>(table_);
+    }
+    if (!object || object->type != "U") {
+        RaiseError(1767, {name, constraint.references.text()});
+    }
+    return catalogue_->LoadTable(object->id);
+}
+
+void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::string& column) {
+    if (catalogue_ == nullptr) {
+        return; // Temporary tables take foreign keys without keeping them, as SQL Server does.
+    }
+    ForeignKeyDef key;
+    key.name = constraint.name.empty() ? MadeName("FK", column) : constraint.name;
+    key.table = table_.id;
+    key.on_delete = ToOnChange(constraint.on_delete);
+    key.on_update = ToOnChange(constraint.on_update);
+    const TablePtr referenced = Referenced(constraint, key.name);
+    key.referenced = referenced->id;
+    std::vector<ast::IndexColumn> columns = constraint.columns;
+    if (columns.empty()) {
+        columns.push_back({column, false});
+    }
+    for (const ast::IndexColumn& own : columns) {
+        const ColumnDef* definition = table_.Find(own.name);
+        if (definition == nullptr) {
+            RaiseError(1769, {key.name, own.name, table_.name});
+        }
+        key.columns.push_back(definition->id);
+    }
+    for (const std::string& name : constraint.referenced_columns) {
+        const ColumnDef* definition = referenced->Find(name);
+        if (definition == nullptr) {
+            RaiseError(1770, {key.name, name, referenced->name});
+        }
+        key.referenced_columns.push_back(definition->id);
+    }
+    const bool any_key =
+        std::any_of(referenced->indexes.begin(), referenced->indexes.end(), [&](const IndexDef& index) {
+            std::vector<int> ids;
+            for (const KeyColumn& part : index.columns) {
+                ids.push_back(part.column);
+            }
+            if (constraint.referenced_columns.empty() && index.primary_key) {
+                key.referenced_columns = ids;
+            }
+            return index.unique && std::is_permutation(ids.begin(), ids.end(), key.referenced_columns.begin(),
+                                                       key.referenced_columns.end());
+        });
+    if (constraint.referenced_columns.empty() && key.referenced_columns.empty()) {
+        RaiseError(1773, {key.name, referenced->name});
+    }
+    if (key.columns.size() != key.referenced_columns.size()) {
+        RaiseError(1774, {key.name});
+    }
+    if (!any_key) {
+        RaiseError(1776, {referenced->name, key.name});
+    }
+    for (std::size_t i = 0; i < key.columns.size(); ++i) {
+        const ColumnDef& own = table_.ById(key.columns[i]);
+        const ColumnDef& other = referenced->ById(key.referenced_columns[i]);
+        const bool texts = IsCharacter(own.type.id) && IsCharacter(other.type.id);
+        if (own.type.id != other.type.id && !texts && !(IsDecimal(own.type.id) && IsDecimal(other.type.id))) {
+            RaiseError(1778, {referenced->name, other.name, table_.name, own.name, key.name});
+        }
+    }
+    foreign_keys_.push_back(std::move(key));
+}
+
+// ------------------------------------------------------------------ statements
+
+void RunCreateTable(SessionCore& session, const ast::CreateTableStatement& create) {
+    const std::string& name = create.table.last();
+    if (IsSessionTable(name)) {
+        if (session.HasOwnTemporary(name)) {
+            RaiseError(2714, {name}, 6);
+        }
+        session.Write("temp", [&] {
+            TableBuilder builder(session, nullptr, NewTemporary(session, name));
+            Build(builder, create.definition);
+            StoreTemporary(session, builder.table());
+            session.AddTemporary(builder.table());
+        });
+    } else {
+        const ObjectPlace place = PlaceOf(session, create.table);
+        Catalogue& catalogue = session.Database(place.database);
+        session.Write(catalogue.alias(), [&] {
+            if (catalogue.FindObject(place.schema, place.name)) {
+                RaiseError(2714, {place.name}, 6);
+            }
+            RequireSchema(catalogue, place.schema);
+            TableDef table;
+            table.id = catalogue.NextId();
+            table.alias = catalogue.alias();
+            table.schema = place.schema;
+            table.name = place.name;
+            table.physical = catalogue.PhysicalName(place.schema, place.name);
+            TableBuilder builder(session, &catalogue, std::move(table));
+            Build(builder, create.definition);
+            RequireFreeNames(catalogue, builder);
+            StoreTable(catalogue, builder, builder.table());
+        });
+        if (IsGlobalTable(name)) {
+            session.OwnGlobalTable(name);
+        }
+    }
+    session.Done(Command::None, std::nullopt);
+}
+
+void RequireSchema(Catalogue& catalogue, const std::string& schema) {
+    SqliteStatement row = catalogue.Prepare("SELECT 1 FROM {db}.devsql_schemas WHERE name = ?1");
+    if (!row.BindText(1, schema).Step()) {
+        RaiseError(2760, {schema});
+    }
+}
+
+void RequireFreeNames(Catalogue& catalogue, TableBuilder& builder) {
+    const TableDef& table = builder.table();
+    const auto require = [&](const std::string& name) {
+        if (catalogue.FindObject(table.schema, name)) {
+            RaiseError(2714, {name}, 5);
+        }
+    };
+    for (const IndexDef& index : table.indexes) {
+        require(index.name);
+    }
+    for (const CheckDef& check : table.checks) {
+        require(check.name);
+    }
+    for (const ForeignKeyDef& key : builder.foreign_keys()) {
+        require(key.name);
+    }
+    for (const ColumnDef& column : table.columns) {
+        if (!column.default_name.empty()) {
+            require(column.default_name);
+        }
+    }
+}
+
+void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vector<Column>& columns) {
+    const bool temporary = IsSessionTable(name.last());
+    const ObjectPlace place = PlaceOf(session, name);
+    Catalogue* catalogue = temporary ? nullptr : &session.Database(place.database);
+    TableDef table = temporary ? NewTemporary(session, name.last()) : TableDef{};
+    if (temporary && session.HasOwnTemporary(name.last())) {
+        RaiseError(2714, {name.last()}, 6);
+    }
+    session.Write(temporary ? "temp" : catalogue->alias(), [&] {
+        if (!temporary) {
+            if (catalogue->FindObject(place.schema, place.name)) {
+                RaiseError(2714, {place.name}, 6);
+            }
+            RequireSchema(*catalogue, place.schema);
+            table.id = catalogue->NextId();
+            table.alias = catalogue->alias();
+            table.schema = place.schema;
+            table.name = place.name;
+            table.physical = catalogue->PhysicalName(place.schema, place.name);
+        }
+        for (const Column& column : columns) {
+            ColumnDef definition;
+            definition.id = static_cast<int>(table.columns.size() + 1);
+            definition.name = column.name;
+            definition.type = column.type;
+            definition.nullable = column.nullable;
+            definition.identity = column.identity && table.IdentityColumn() == nullptr;
+            definition.seed = definition.increment = definition.identity ? 1 : 0;
+            if (table.Find(column.name) != nullptr) {
+                RaiseError(2705, {column.name, table.name});
+            }
+            table.columns.push_back(std::move(definition));
+        }
+        if (temporary) {
+            StoreTemporary(session, table);
+            session.AddTemporary(table);
+        } else {
+            catalogue->AddTable(table);
+        }
+    });
+    if (IsGlobalTable(table.name)) {
+        session.OwnGlobalTable(table.name);
+    }
+}
+
+void DeclareTable(SessionCore& session, const std::string& name, const ast::TableDefinition& definition) {
+    TableBuilder builder(session, nullptr, NewTemporary(session, name));
+    Build(builder, definition);
+    StoreTemporary(session, builder.table());
+    session.frame().tables[ToUpper(name)] = std::make_shared<const TableDef>(builder.table());
+}
+
+} // namespace devsql

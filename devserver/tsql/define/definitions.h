@@ -1,0 +1,83 @@
+// Runs the statements that define what stands inside a database: tables, indexes, views, procedures, types,
+// users, roles, rights.
+#pragma once
+
+#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/parse/ast_definitions.h"
+#include "devserver/tsql/run/session_core.h"
+
+namespace devsql {
+
+// ---- tables (define_tables.cpp)
+void RunCreateTable(SessionCore& session, const ast::CreateTableStatement& create);
+/// The table of SELECT … INTO.
+void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vector<Column>& columns);
+/// A table variable of the running frame.
+void DeclareTable(SessionCore& session, const std::string& name, const ast::TableDefinition& definition);
+
+/// Builds the definition of one table from its parts, for a new table and for one that is altered.
+class TableBuilder {
+  public:
+    /// `catalogue` is null for a temporary table.
+    TableBuilder(SessionCore& session, Catalogue* catalogue, TableDef table, bool altering = false);
+
+    void AddColumn(const ast::ColumnDefinition& column);
+    void AddConstraint(const ast::Constraint& constraint, const std::string& column);
+    TableDef& table() { return table_; }
+    const std::vector<ForeignKeyDef>& foreign_keys() const { return foreign_keys_; }
+    /// "PK__Batches__4F7CD00D": a name that the server makes.
+    std::string MadeName(std::string_view prefix, std::string_view column = "") const;
+
+  private:
+    void AddKey(const ast::Constraint& constraint, const std::string& column);
+    void AddForeignKey(const ast::Constraint& constraint, const std::string& column);
+    void AddCheck(const ast::Constraint& constraint);
+    void AddDefault(const ast::Constraint& constraint, const std::string& column);
+    Type TypeOfComputed(const std::string& text);
+    TablePtr Referenced(const ast::Constraint& constraint, const std::string& name);
+    ColumnDef& Column(const std::string& name, std::int32_t error);
+
+    SessionCore& session_;
+    Catalogue* catalogue_;
+    TableDef table_;
+    bool altering_;
+    std::vector<ForeignKeyDef> foreign_keys_;
+};
+
+/// Raises 2760.
+void RequireSchema(Catalogue& catalogue, const std::string& schema);
+/// Raises 2714 where a constraint's name is taken.
+void RequireFreeNames(Catalogue& catalogue, TableBuilder& builder);
+
+// ---- changing and dropping (alter_tables.cpp)
+void RunAlterTable(SessionCore& session, const ast::AlterTableStatement& alter);
+void RunCreateIndex(SessionCore& session, const ast::CreateIndexStatement& create);
+void RunDropIndex(SessionCore& session, const ast::DropIndexStatement& drop);
+
+// ---- modules, drops, types (define_modules.cpp)
+void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& create);
+void RunDrop(SessionCore& session, const ast::DropStatement& drop);
+void RunCreateType(SessionCore& session, const ast::CreateTypeStatement& create);
+
+// ---- principals (principals.cpp)
+void RunGrant(SessionCore& session, const ast::GrantStatement& grant);
+void RunCreatePrincipal(SessionCore& session, const ast::CreatePrincipalStatement& create);
+void RunAlterRole(SessionCore& session, const ast::AlterRoleStatement& alter);
+void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string& name, bool if_exists);
+/// Each raises what its procedure does: 15007, 15023, 15025, 15401, 15410, ...
+void AddLogin(SessionCore& session, const std::string& name, const std::string& password,
+              const std::string& database);
+void AddUser(SessionCore& session, const std::string& login, const std::string& name);
+void AddRole(SessionCore& session, const std::string& name);
+void SetRoleMember(SessionCore& session, const std::string& role, const std::string& member, bool add);
+
+// ---- databases (database_statements.cpp)
+void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement& create);
+void RunAlterDatabase(SessionCore& session, const ast::AlterDatabaseStatement& alter);
+void DropDatabase(SessionCore& session, const std::string& name, bool if_exists);
+void DetachDatabase(SessionCore& session, const std::string& name);
+void AttachDatabase(SessionCore& session, const std::string& name, const std::vector<std::string>& files);
+void SetDatabaseOption(SessionCore& session, const std::string& database, const std::string& option,
+                       const std::string& value, bool rollback_immediate);
+
+} // namespace devsql

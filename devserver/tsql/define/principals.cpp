@@ -1,0 +1,264 @@
+// Logins, users, roles, schemas and rights. They are kept and shown; every login may do everything, since a
+// development server has nobody to be kept out once he is in.
+#include <algorithm>
+#include <array>
+
+#include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/run/server.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+struct Principal {
+    std::int64_t id = 0;
+    std::string name;
+    bool role = false;
+};
+
+std::optional<Principal> FindPrincipal(Catalogue& catalogue, std::string_view name) {
+    SqliteStatement row = catalogue.Prepare("SELECT id, name, role FROM {db}.devsql_users WHERE name = ?1");
+    row.BindText(1, name);
+    return row.Step() ? std::optional(Principal{row.Int(0), row.Text(1), row.Int(2) != 0}) : std::nullopt;
+}
+
+void AddPrincipal(SessionCore& session, const std::string& name, const std::string& login, bool role) {
+    Catalogue& catalogue = session.CurrentDatabase();
+    session.Write(catalogue.alias(), [&] {
+        if (FindPrincipal(catalogue, name)) {
+            RaiseError(15023, {name});
+        }
+        // Users from 5 up, roles of one's own from 16400, as the ids of SQL Server lie.
+        catalogue
+            .Prepare("INSERT INTO {db}.devsql_users SELECT max(max(id), ?4) + 1, ?1, ?2, ?3, "
+                     "CAST((julianday('now', 'localtime') - 2415020.5) * 25920000 AS INTEGER) "
+                     "FROM {db}.devsql_users WHERE (id > 16383) = ?3")
+            .BindText(1, name)
+            .BindText(2, login)
+            .BindInt(3, role)
+            .BindInt(4, role ? 16399 : 4)
+            .Run();
+    });
+}
+
+/// What GRANT knows.
+constexpr std::array<std::string_view, 24> kPermissions = {"ALL",
+                                                           "ALL PRIVILEGES",
+                                                           "SELECT",
+                                                           "INSERT",
+                                                           "UPDATE",
+                                                           "DELETE",
+                                                           "EXECUTE",
+                                                           "EXEC",
+                                                           "REFERENCES",
+                                                           "CREATE TABLE",
+                                                           "CREATE VIEW",
+                                                           "CREATE PROCEDURE",
+                                                           "CREATE DATABASE",
+                                                           "CREATE DEFAULT",
+                                                           "CREATE FUNCTION",
+                                                           "CREATE RULE",
+                                                           "BACKUP DATABASE",
+                                                           "BACKUP LOG",
+                                                           "CONNECT",
+                                                           "CONTROL",
+                                                           "ALTER",
+                                                           "VIEW DEFINITION",
+                                                           "TAKE OWNERSHIP",
+                                                           "CREATE SCHEMA"};
+
+} // namespace
+
+void AddLogin(SessionCore& session, const std::string& name, const std::string& password,
+              const std::string& database) {
+    if (FindLogin(session.connection, name)) {
+        RaiseError(15025, {name});
+    }
+    if (name.find('\\') != std::string::npos) {
+        RaiseError(15006, {name});
+    }
+    if (!database.empty() && !FindDatabase(session.connection, database)) {
+        RaiseError(15010, {database});
+    }
+    session.Write("main", [&] {
+        SaveLogin(session.connection,
+                  {name, HashPassword(password), database.empty() ? "master" : database, false});
+    });
+}
+
+void AddUser(SessionCore& session, const std::string& login, const std::string& name) {
+    if (!AsciiEqual(login, "guest") && !FindLogin(session.connection, login)) {
+        RaiseError(15007, {login});
+    }
+    Catalogue& catalogue = session.CurrentDatabase();
+    SqliteStatement known =
+        catalogue.Prepare("SELECT name FROM {db}.devsql_users WHERE login = ?1 AND id > 4");
+    if (known.BindText(1, login).Step()) {
+        RaiseError(15063);
+    }
+    AddPrincipal(session, name.empty() ? login : name, login, false);
+}
+
+void AddRole(SessionCore& session, const std::string& name) {
+    AddPrincipal(session, name, "", true);
+}
+
+void SetRoleMember(SessionCore& session, const std::string& role, const std::string& member, bool add) {
+    Catalogue& catalogue = session.CurrentDatabase();
+    const std::optional<Principal> group = FindPrincipal(catalogue, role);
+    if (!group || !group->role) {
+        RaiseError(15014, {role});
+    }
+    if (group->id == 0) {
+        RaiseError(15081);
+    }
+    const std::optional<Principal> user = FindPrincipal(catalogue, member);
+    if (!user) {
+        RaiseError(15410, {member});
+    }
+    session.Write(catalogue.alias(), [&] {
+        catalogue
+            .Prepare(add ? "INSERT OR IGNORE INTO {db}.devsql_members VALUES(?1, ?2)"
+                         : "DELETE FROM {db}.devsql_members WHERE role = ?1 AND member = ?2")
+            .BindInt(1, group->id)
+            .BindInt(2, user->id)
+            .Run();
+    });
+}
+
+void RunCreatePrincipal(SessionCore& session, const ast::CreatePrincipalStatement& create) {
+    switch (create.kind) {
+    case ast::ObjectKind::Login:
+        AddLogin(session, create.name, create.password, "");
+        break;
+    case ast::ObjectKind::User:
+        if (create.login.empty()) {
+            AddPrincipal(session, create.name, "", false);
+        } else {
+            AddUser(session, create.login, create.name);
+        }
+        break;
+    case ast::ObjectKind::Role:
+        AddRole(session, create.name);
+        break;
+    default: {
+        Catalogue& catalogue = session.CurrentDatabase();
+        session.Write(catalogue.alias(), [&] {
+            SqliteStatement known = catalogue.Prepare("SELECT 1 FROM {db}.devsql_schemas WHERE name = ?1");
+            if (known.BindText(1, create.name).Step()) {
+                RaiseError(2714, {create.name}, 6);
+            }
+            catalogue.Prepare("INSERT INTO {db}.devsql_schemas VALUES(?1, ?2)")
+                .BindText(1, create.name)
+                .BindText(2, create.login.empty() ? "dbo" : create.login)
+                .Run();
+        });
+    }
+    }
+    session.Done(Command::None, std::nullopt);
+}
+
+void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string& name, bool if_exists) {
+    if (kind == ast::ObjectKind::Login) {
+        if (!FindLogin(session.connection, name)) {
+            if (if_exists) {
+                return;
+            }
+            RaiseError(15151, {"drop", "login", name});
+        }
+        session.Write("main", [&] { RemoveLogin(session.connection, name); });
+        return;
+    }
+    Catalogue& catalogue = session.CurrentDatabase();
+    if (kind == ast::ObjectKind::Schema) {
+        SqliteStatement used = catalogue.Prepare("SELECT name FROM {db}.devsql_objects WHERE schema = ?1");
+        if (used.BindText(1, name).Step()) {
+            RaiseError(3729, {"drop schema", name, used.Text(0)});
+        }
+        used.Reset();
+        session.Write(catalogue.alias(), [&] {
+            catalogue.Prepare("DELETE FROM {db}.devsql_schemas WHERE name = ?1 AND name <> 'dbo'")
+                .BindText(1, name)
+                .Run();
+            if (session.connection.Changes() == 0 && !if_exists) {
+                RaiseError(15151, {"drop", "schema", name});
+            }
+        });
+        return;
+    }
+    const std::optional<Principal> principal = FindPrincipal(catalogue, name);
+    const bool role = kind == ast::ObjectKind::Role;
+    if (!principal || principal->role != role) {
+        if (if_exists) {
+            return;
+        }
+        RaiseError(15151, {"drop", role ? "role" : "user", name});
+    }
+    if (principal->id <= 4 || (principal->id >= 16384 && principal->id < 16400)) {
+        RaiseError(15150, {role ? "role" : "user", name});
+    }
+    session.Write(catalogue.alias(), [&] {
+        SqliteStatement members = catalogue.Prepare("SELECT 1 FROM {db}.devsql_members WHERE role = ?1");
+        if (members.BindInt(1, principal->id).Step()) {
+            RaiseError(15144);
+        }
+        members.Reset();
+        for (const std::string_view text : {"DELETE FROM {db}.devsql_members WHERE member = ?1",
+                                            "DELETE FROM {db}.devsql_permissions WHERE grantee = ?1",
+                                            "DELETE FROM {db}.devsql_users WHERE id = ?1"}) {
+            catalogue.Prepare(text).BindInt(1, principal->id).Run();
+        }
+    });
+}
+
+void RunAlterRole(SessionCore& session, const ast::AlterRoleStatement& alter) {
+    SetRoleMember(session, alter.role, alter.member, alter.add);
+    session.Done(Command::None, std::nullopt);
+}
+
+void RunGrant(SessionCore& session, const ast::GrantStatement& grant) {
+    Catalogue& catalogue = session.CurrentDatabase();
+    std::int64_t object = 0;
+    if (!grant.object.empty()) {
+        const ObjectPlace place = PlaceOf(session, grant.object);
+        const std::optional<ObjectDef> found = catalogue.FindObject(place.schema, place.name);
+        if (!found) {
+            RaiseError(15151, {"find", "object", grant.object.text()});
+        }
+        object = found->id;
+    }
+    for (const std::string& permission : grant.permissions) {
+        if (std::find(kPermissions.begin(), kPermissions.end(), permission) == kPermissions.end()) {
+            RaiseError(102, {permission});
+        }
+    }
+    session.Write(catalogue.alias(), [&] {
+        for (const std::string& grantee : grant.grantees) {
+            const std::optional<Principal> principal = FindPrincipal(catalogue, grantee);
+            if (!principal) {
+                RaiseError(15151, {"find", "user", grantee});
+            }
+            for (const std::string& permission : grant.permissions) {
+                if (grant.action == ast::GrantAction::Revoke) {
+                    catalogue
+                        .Prepare("DELETE FROM {db}.devsql_permissions WHERE object = ?1 AND grantee = ?2 AND "
+                                 "permission = ?3")
+                        .BindInt(1, object)
+                        .BindInt(2, principal->id)
+                        .BindText(3, permission)
+                        .Run();
+                    continue;
+                }
+                catalogue.Prepare("INSERT OR REPLACE INTO {db}.devsql_permissions VALUES(?1, ?2, ?3, ?4)")
+                    .BindInt(1, object)
+                    .BindInt(2, principal->id)
+                    .BindText(3, permission == "EXEC" ? "EXECUTE" : permission)
+                    .BindText(4, grant.action == ast::GrantAction::Deny ? "DENY" : "GRANT")
+                    .Run();
+            }
+        }
+    });
+    session.Done(Command::None, std::nullopt);
+}
+
+} // namespace devsql

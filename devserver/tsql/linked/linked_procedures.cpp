@@ -1,0 +1,303 @@
+#include "devserver/tsql/linked/linked_procedures.h"
+
+#include <algorithm>
+#include <array>
+
+#include "devserver/storage/databases.h"
+#include "devserver/storage/linked_servers.h"
+#include "devserver/tsql/run/server.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+constexpr std::string_view kOwnProduct = "SQL Server";
+constexpr std::string_view kOwnProvider = "SQLOLEDB";
+
+/// Providers that lead to a server of this kind. Others have nothing here that they could be reached by.
+constexpr std::array<std::string_view, 6> kProviders = {"SQLOLEDB",  "SQLNCLI",    "SQLNCLI10",
+                                                        "SQLNCLI11", "MSOLEDBSQL", "MSDASQL"};
+
+void RequireNoTransaction(SystemCall& call, std::string_view procedure) {
+    if (call.session().transaction_count() > 0) {
+        RaiseError(15002, {procedure});
+    }
+}
+
+LinkedLogins Logins(SystemCall& call) {
+    return {call.session().connection, call.session().server.LinkedKeyFile()};
+}
+
+/// Raises 15015.
+LinkedServer Require(SystemCall& call, std::string_view parameter) {
+    const std::string name = call.Text(parameter);
+    std::optional<LinkedServer> server = FindServer(call.session().connection, name);
+    if (!server) {
+        RaiseError(15015, {name});
+    }
+    return *std::move(server);
+}
+
+/// Writes to master, and lets go of what this session has open by the old settings.
+void Change(SystemCall& call, const std::string& server, const std::function<void()>& work) {
+    call.session().Write("main", work);
+    call.session().remote().Forget(server);
+}
+
+/// "Driver={SQL Server};Server=HOST;…": the value of the first of these attributes; empty for none.
+std::string Attribute(const std::string& text, std::initializer_list<std::string_view> names) {
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const std::size_t end = std::min(text.find(';', at), text.size());
+        const std::string item = text.substr(at, end - at);
+        const std::size_t equals = std::min(item.find('='), item.size());
+        std::string name = item.substr(0, equals);
+        name.erase(0, std::min(name.find_first_not_of(' '), name.size()));
+        for (const std::string_view wanted : names) {
+            if (equals < item.size() && AsciiEqual(TrimTrailingBlanks(name), wanted)) {
+                return item.substr(equals + 1);
+            }
+        }
+        at = end + 1;
+    }
+    return {};
+}
+
+std::int32_t AddLinkedServer(SystemCall& call) {
+    RequireNoTransaction(call, "sp_addlinkedserver");
+    LinkedServer server;
+    server.name = call.Text("@server");
+    server.product = call.IsNull("@srvproduct") ? std::string(kOwnProduct) : call.Text("@srvproduct");
+    server.provider = call.Text("@provider");
+    server.source = call.Text("@datasrc");
+    const std::string provider_string = call.Text("@provstr");
+    const std::string catalog = call.Text("@catalog");
+    if (server.name.empty()) {
+        RaiseError(15600, {"sp_addlinkedserver"});
+    }
+    if (AsciiEqual(server.product, kOwnProduct)) {
+        if (!server.provider.empty() || !server.source.empty() || !provider_string.empty() ||
+            !catalog.empty()) {
+            RaiseError(15428, {server.product});
+        }
+        server.product = kOwnProduct;
+        server.provider = kOwnProvider;
+        server.source = server.name;
+    } else if (server.provider.empty()) {
+        if (server.product.empty()) {
+            RaiseError(15426);
+        }
+        RaiseError(15427, {server.product});
+    }
+    if (std::ranges::none_of(kProviders,
+                             [&](std::string_view p) { return AsciiEqual(p, server.provider); })) {
+        RaiseError(7403, {server.provider});
+    }
+    if (FindServer(call.session().connection, server.name)) {
+        RaiseError(15028, {server.name});
+    }
+    if (server.source.empty()) {
+        server.source = Attribute(provider_string, {"server", "data source", "address", "addr"});
+    }
+    if (server.source.empty()) {
+        server.source = server.name;
+    }
+    server.options["catalog"] =
+        !catalog.empty() ? catalog : Attribute(provider_string, {"database", "initial catalog"});
+    server.options["provider string"] = provider_string;
+    server.options["location"] = call.Text("@location");
+    server.options["data access"] = "true";
+    server.options["use remote collation"] = "true";
+    std::erase_if(server.options, [](const auto& option) { return option.second.empty(); });
+    Change(call, server.name, [&] {
+        SqliteConnection& connection = call.session().connection;
+        SaveServer(connection, server);
+        // Until something else is said, everybody logs in there as here.
+        Logins(call).Save(FindServer(connection, server.name)->id, {});
+    });
+    return 0;
+}
+
+std::int32_t DropServer(SystemCall& call) {
+    RequireNoTransaction(call, "sp_dropserver");
+    const LinkedServer server = Require(call, "@server");
+    const std::string with_logins = call.Text("@droplogins");
+    if (server.id == 0 || (!call.IsNull("@droplogins") && !AsciiEqual(with_logins, "droplogins"))) {
+        RaiseError(15600, {"sp_dropserver"});
+    }
+    if (server.publisher || server.subscriber || server.distributor) {
+        RaiseError(20584, {server.name, server.subscriber ? "Subscriber" : "Distributor"});
+    }
+    const std::vector<LinkedLogin> logins = Logins(call).List(server.id);
+    const bool mapped = std::ranges::any_of(
+        logins, [](const LinkedLogin& login) { return !login.own || !login.local.empty(); });
+    if (mapped && with_logins.empty()) {
+        RaiseError(15190, {server.name});
+    }
+    Change(call, server.name, [&] { RemoveServer(call.session().connection, server.id); });
+    return 0;
+}
+
+std::int32_t AddLinkedLogin(SystemCall& call) {
+    RequireNoTransaction(call, "sp_addlinkedsrvlogin");
+    const LinkedServer server = Require(call, "@rmtsrvname");
+    LinkedLogin login;
+    login.local = call.Text("@locallogin");
+    const std::string own = AsciiUpper(call.Text("@useself"));
+    if (own != "TRUE" && own != "FALSE" && !call.IsNull("@useself")) {
+        RaiseError(15600, {"sp_addlinkedsrvlogin"});
+    }
+    login.own = own != "FALSE";
+    if (!login.local.empty() && !FindLogin(call.session().connection, login.local)) {
+        RaiseError(15007, {login.local});
+    }
+    if (!login.own) {
+        login.remote_user = call.Text("@rmtuser");
+        login.password = call.Text("@rmtpassword");
+    }
+    Change(call, server.name, [&] { Logins(call).Save(server.id, login); });
+    return 0;
+}
+
+std::int32_t DropLinkedLogin(SystemCall& call) {
+    RequireNoTransaction(call, "sp_droplinkedsrvlogin");
+    const LinkedServer server = Require(call, "@rmtsrvname");
+    const std::string local = call.Text("@locallogin");
+    if (!local.empty() && !FindLogin(call.session().connection, local)) {
+        RaiseError(15007, {local});
+    }
+    bool removed = false;
+    Change(call, server.name, [&] { removed = Logins(call).Remove(server.id, local); });
+    if (!removed && !local.empty()) {
+        RaiseError(15185, {"(null)", local, server.name});
+    }
+    return 0;
+}
+
+/// The options that take "true" and "false", and those that take a text or a number.
+constexpr std::array<std::string_view, 12> kSwitches = {"collation compatible",
+                                                        "data access",
+                                                        "dist",
+                                                        "dpub",
+                                                        "lazy schema validation",
+                                                        "pub",
+                                                        "rpc",
+                                                        "rpc out",
+                                                        "sub",
+                                                        "system",
+                                                        "use remote collation",
+                                                        "remote proc transaction promotion"};
+constexpr std::array<std::string_view, 3> kTexts = {"collation name", "connect timeout", "query timeout"};
+
+std::int32_t ServerOption(SystemCall& call) {
+    LinkedServer server = Require(call, "@server");
+    std::string name = AsciiUpper(call.Text("@optname"));
+    std::ranges::transform(name, name.begin(),
+                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    const std::string value = call.Text("@optvalue");
+    if (std::ranges::find(kTexts, name) != kTexts.end()) {
+        server.options[name] = value;
+    } else if (std::ranges::find(kSwitches, name) != kSwitches.end()) {
+        const bool on = AsciiEqual(value, "true") || AsciiEqual(value, "on");
+        if (!on && !AsciiEqual(value, "false") && !AsciiEqual(value, "off")) {
+            RaiseError(15600, {"sp_serveroption"});
+        }
+        server.publisher = name == "pub" ? on : server.publisher;
+        server.subscriber = name == "sub" ? on : server.subscriber;
+        server.distributor = name == "dist" ? on : server.distributor;
+        server.options[name] = on ? "true" : "false";
+    } else {
+        RaiseError(15600, {"sp_serveroption"});
+    }
+    Change(call, server.name, [&] { SaveServer(call.session().connection, server); });
+    return 0;
+}
+
+std::int32_t ListLinkedServers(SystemCall& call) {
+    call.Run("SELECT srvname AS SRV_NAME, providername AS SRV_PROVIDERNAME, srvproduct AS SRV_PRODUCT, "
+             "datasource AS SRV_DATASOURCE, providerstring AS SRV_PROVIDERSTRING, location AS SRV_LOCATION, "
+             "catalog AS SRV_CAT FROM master.dbo.sysservers ORDER BY srvname");
+    return 0;
+}
+
+std::int32_t HelpServer(SystemCall& call) {
+    if (!call.IsNull("@server")) {
+        Require(call, "@server");
+    }
+    call.Run("SELECT srvname AS name, srvnetname AS network_name, CONVERT(varchar(100), "
+             "CASE rpc WHEN 1 THEN 'rpc,' ELSE '' END + CASE rpcout WHEN 1 THEN 'rpc out,' ELSE '' END + "
+             "CASE pub WHEN 1 THEN 'pub,' ELSE '' END + CASE sub WHEN 1 THEN 'sub,' ELSE '' END + "
+             "CASE dist WHEN 1 THEN 'dist,' ELSE '' END + CASE dataaccess WHEN 1 THEN 'data access,' ELSE '' "
+             "END) AS status, CONVERT(char(4), srvid) AS id, CONVERT(sysname, NULL) AS collation_name, "
+             "connecttimeout AS connect_timeout, querytimeout AS query_timeout FROM master.dbo.sysservers "
+             "WHERE @p1 = N'' OR srvname = @p1 ORDER BY srvname",
+             {call.Text("@server")});
+    return 0;
+}
+
+std::int32_t HelpLinkedLogin(SystemCall& call) {
+    if (!call.IsNull("@rmtsrvname")) {
+        Require(call, "@rmtsrvname");
+    }
+    SessionCore& session = call.session();
+    const std::string server_name = call.Text("@rmtsrvname");
+    const std::string local = call.Text("@locallogin");
+    constexpr Type kName = Sized(TypeId::NVarChar, 128);
+    session.sink().Columns({{"Linked Server", kName, true, false},
+                            {"Local Login", kName, true, false},
+                            {"Is Self Mapping", Simple(TypeId::SmallInt), true, false},
+                            {"Remote Login", kName, true, false}});
+    std::int64_t rows = 0;
+    const auto or_null = [](const std::string& text) { return text.empty() ? Value() : Value(text); };
+    for (const LinkedServer& server : ListServers(session.connection)) {
+        if (!server_name.empty() && Folded(server.name) != Folded(server_name)) {
+            continue;
+        }
+        for (const LinkedLogin& login : Logins(call).List(server.id)) {
+            if (local.empty() || Folded(login.local) == Folded(local)) {
+                session.sink().Row(
+                    {server.name, or_null(login.local), std::int64_t{login.own}, or_null(login.remote_user)});
+                ++rows;
+            }
+        }
+    }
+    session.Done(Command::Select, rows);
+    return 0;
+}
+
+std::int32_t TestLinkedServer(SystemCall& call) {
+    const std::string name = call.Text("@servername");
+    RemoteServers& remote = call.session().remote();
+    remote.Forget(name); // A connection that is still open proves nothing.
+    remote.Execute(remote.Find(name), "SELECT 1");
+    return 0;
+}
+
+constexpr SystemProcedure kProcedures[] = {
+    {"sp_addlinkedserver",
+     "@server sysname, @srvproduct nvarchar(128) = NULL, @provider nvarchar(128) = NULL, "
+     "@datasrc nvarchar(4000) = NULL, @location nvarchar(4000) = NULL, @provstr nvarchar(4000) = NULL, "
+     "@catalog sysname = NULL",
+     AddLinkedServer},
+    {"sp_dropserver", "@server sysname, @droplogins char(10) = NULL", DropServer},
+    {"sp_addlinkedsrvlogin",
+     "@rmtsrvname sysname, @useself varchar(8) = 'true', @locallogin sysname = NULL, @rmtuser sysname = "
+     "NULL, @rmtpassword sysname = NULL",
+     AddLinkedLogin},
+    {"sp_droplinkedsrvlogin", "@rmtsrvname sysname, @locallogin sysname = NULL", DropLinkedLogin},
+    {"sp_serveroption", "@server sysname, @optname varchar(35), @optvalue nvarchar(128)", ServerOption},
+    {"sp_linkedservers", "", ListLinkedServers},
+    {"sp_helpserver", "@server sysname = NULL, @optname varchar(35) = NULL, @show_topology varchar(1) = NULL",
+     HelpServer},
+    {"sp_helplinkedsrvlogin", "@rmtsrvname sysname = NULL, @locallogin sysname = NULL", HelpLinkedLogin},
+    {"sp_testlinkedserver", "@servername sysname", TestLinkedServer},
+};
+
+} // namespace
+
+std::span<const SystemProcedure> LinkedProcedures() {
+    return kProcedures;
+}
+
+} // namespace devsql

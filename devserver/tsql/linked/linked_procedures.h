@@ -1,0 +1,12 @@
+// The procedures that manage linked servers: sp_addlinkedserver, sp_addlinkedsrvlogin, sp_serveroption, ...
+#pragma once
+
+#include <span>
+
+#include "devserver/tsql/procedures/system_procedures.h"
+
+namespace devsql {
+
+std::span<const SystemProcedure> LinkedProcedures();
+
+} // namespace devsql

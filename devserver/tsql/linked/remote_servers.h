@@ -1,0 +1,89 @@
+// A session's connections to linked servers, and the part that they take in its transaction. Knows nothing of
+// tables and procedures there.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "devserver/linked/remote.h"
+#include "devserver/storage/linked_servers.h"
+#include "devserver/tsql/parse/ast_query.h"
+
+namespace devsql {
+
+class SessionCore;
+
+/// Keeps what a batch gave: its rows, the rows it touched, its first error.
+class RemoteAnswer : public RemoteSink {
+  public:
+    void Columns(const std::vector<Column>& given) override { columns = given; }
+    void Row(const std::vector<Value>& values) override { rows.push_back(values); }
+    void Count(std::int64_t touched) override { count += touched; }
+    void Said(const Message& message) override;
+    /// Raises the first error, under its own number.
+    void RequireSuccess() const;
+
+    std::vector<Column> columns;
+    std::vector<std::vector<Value>> rows;
+    std::int64_t count = 0;
+    std::optional<Message> error;
+};
+
+class RemoteServers {
+  public:
+    explicit RemoteServers(SessionCore& session) : session_(session) {}
+
+    /// True for a name of four parts whose first is another server than this one.
+    bool Means(const ast::Name& name) const;
+    /// Raises 7202.
+    LinkedServer Find(const std::string& name) const;
+
+    /// Runs a batch there, connecting first where needed. Errors of the other server go to the sink. Raises
+    /// 7303, 7399, 7403, 7416 and what the other server says to a login.
+    void Run(const LinkedServer& server, const std::string& sql, RemoteSink& sink);
+    /// Runs a batch whose first error there is raised here, under its own number. Gives the rows touched.
+    std::int64_t Execute(const LinkedServer& server, const std::string& sql);
+    /// Runs `work`, which changes something there, whole or not at all: as a part of the session's
+    /// transaction, or in one of its own. Raises 3910 for a server that is this one while the session is in a
+    /// transaction, 3933 where that has savepoints.
+    void Change(const LinkedServer& server, const std::function<void()>& work);
+    /// Takes the connection into the session's transaction, if there is one. Raises 3910, 3933.
+    void Join(const LinkedServer& server);
+
+    /// True if another server takes part in the session's transaction.
+    bool InTransaction() const;
+    /// Raises what the first server that can't commit says; the others are rolled back then.
+    void Commit();
+    void Rollback() noexcept;
+    /// Closes the connections that no transaction holds.
+    void Release();
+    void Forget(const std::string& name) { links_.erase(Key(name)); }
+    /// Ends the batch that runs at another server; from any thread.
+    void Cancel();
+
+  private:
+    struct Link {
+        std::unique_ptr<RemoteConnection> connection;
+        bool loopback = false;
+        bool in_transaction = false;
+    };
+
+    static std::string Key(const std::string& name);
+    Link& Connect(const LinkedServer& server);
+    RemoteSource SourceOf(const LinkedServer& server) const;
+    void RunOn(Link& link, const LinkedServer& server, const std::string& sql, RemoteSink& sink);
+    [[noreturn]] void Raise(const LinkedServer& server, const RemoteFailure& failure);
+    void NoticeEnd(Link& link, const LinkedServer& server);
+
+    SessionCore& session_;
+    std::map<std::string, Link> links_;
+    std::mutex mutex_;
+    RemoteConnection* running_ = nullptr;
+};
+
+} // namespace devsql

@@ -1,0 +1,57 @@
+// A table of a linked server in a statement: its columns as the other server tells them, its rows in a
+// temporary table of SQLite for as long as the statement runs, and the changes that go back.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "devserver/storage/catalogue.h"
+#include "devserver/storage/linked_servers.h"
+#include "devserver/tsql/parse/ast_query.h"
+
+namespace devsql {
+
+class SessionCore;
+
+class RemoteTable {
+  public:
+    /// Asks the other server for the columns. Raises 7202, 7314, 7411 and what RemoteServers raises.
+    RemoteTable(SessionCore& session, const ast::Name& name);
+    ~RemoteTable();
+    RemoteTable(const RemoteTable&) = delete;
+    RemoteTable& operator=(const RemoteTable&) = delete;
+
+    const ast::Name& name() const { return name_; }
+    const TablePtr& table() const { return table_; }
+    /// Fetches the rows, once.
+    void Fill();
+
+    // Each sends whole rows, a value for each column, and raises what the other server says.
+
+    /// None stands for the column's default.
+    void Insert(const std::vector<std::vector<std::optional<Value>>>& rows);
+    /// Sets what differs in any row.
+    void Update(const std::vector<std::vector<Value>>& before, const std::vector<std::vector<Value>>& after);
+    void Delete(const std::vector<std::vector<Value>>& rows);
+
+  private:
+    void LoadColumns(TableDef& table);
+    void LoadKey(const TableDef& table);
+    void DescribeColumns(TableDef& table);
+    std::string Prefix() const;
+    std::string ColumnList(const std::vector<std::size_t>& positions) const;
+    std::string Condition(const std::vector<Value>& row) const;
+    void Send(const std::vector<std::string>& statements);
+
+    SessionCore& session_;
+    ast::Name name_;
+    LinkedServer server_;
+    std::string qualified_; ///< the table's name at the other server
+    TablePtr table_;
+    std::vector<std::size_t> key_; ///< positions of the columns that tell a row from others
+    bool made_ = false;
+};
+
+} // namespace devsql

@@ -1,0 +1,123 @@
+#include "devserver/tsql/linked/remote_values.h"
+
+#include <array>
+#include <charconv>
+
+#include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/decimal.h"
+#include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/scalar/type_rules.h"
+
+namespace devsql {
+namespace {
+
+std::string Hex(std::string_view bytes) {
+    std::string text = "0x";
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        text += "0123456789ABCDEF"[byte >> 4];
+        text += "0123456789ABCDEF"[byte & 0xF];
+    }
+    return text;
+}
+
+/// A text that can't stand between quotes: characters that the statement's code page lacks, a NUL, a
+/// backslash at a line's end (which the server reads as a line that goes on).
+bool NeedsBytes(const std::string& text) {
+    return NarrowToCodePage1252(text) != text || text.find('\0') != std::string::npos ||
+           text.find("\\\n") != std::string::npos || text.find("\\\r") != std::string::npos;
+}
+
+std::string TextLiteralOf(const std::string& text, bool unicode) {
+    if (NeedsBytes(text)) {
+        return unicode ? "CONVERT(nvarchar(max), " + Hex(ToUtf16Le(text)) + ")"
+                       : "CONVERT(varchar(max), " + Hex(ToCodePage1252(text)) + ")";
+    }
+    std::string literal = unicode ? "N'" : "'";
+    for (const char c : text) {
+        literal += c == '\'' ? "''" : std::string(1, c);
+    }
+    return literal + "'";
+}
+
+/// All digits that tell it from its neighbours, with an exponent: without one it would be a decimal.
+std::string FloatLiteral(double value, bool real) {
+    std::array<char, 40> buffer{};
+    const auto end = real ? std::to_chars(buffer.data(), buffer.data() + buffer.size(),
+                                          static_cast<float>(value), std::chars_format::scientific)
+                          : std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                          std::chars_format::scientific);
+    const std::string text(buffer.data(), end.ptr);
+    return real ? "CONVERT(real, " + text + ")" : text;
+}
+
+} // namespace
+
+std::string BracketName(std::string_view name) {
+    std::string text = "[";
+    for (const char c : name) {
+        text += c == ']' ? "]]" : std::string(1, c);
+    }
+    return text + "]";
+}
+
+std::string RemoteText(std::string_view text) {
+    return TextLiteralOf(std::string(text), true);
+}
+
+std::string RemoteLiteral(const Value& value, const Type& type) {
+    if (IsNull(value)) {
+        return "NULL";
+    }
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        return TextLiteralOf(*text, IsUnicode(type.id));
+    }
+    if (const auto* bytes = std::get_if<Bytes>(&value)) {
+        return Hex(bytes->data);
+    }
+    if (const auto* number = std::get_if<double>(&value)) {
+        return FloatLiteral(*number, type.id == TypeId::Real);
+    }
+    if (const auto* decimal = std::get_if<Decimal>(&value)) {
+        return DecimalText(*decimal);
+    }
+    if (std::holds_alternative<DateTime>(value)) {
+        // Style 126 reads the same under every language and date format.
+        constexpr int kStyle = 126;
+        return "'" + std::get<std::string>(Convert(value, type, Sized(TypeId::VarChar, 30), kStyle)) + "'";
+    }
+    if (std::holds_alternative<Guid>(value)) {
+        return "'" + ValueText(value, type) + "'";
+    }
+    return std::to_string(std::get<std::int64_t>(value));
+}
+
+std::string CarriedExpression(const std::string& expression, const Type& type) {
+    constexpr std::int32_t kMostCharactersInRow = 4000;
+    if (IsUnicode(type.id)) {
+        const bool in_row =
+            type.length != kMaxLength && !IsOldLob(type.id) && type.length <= kMostCharactersInRow;
+        return in_row ? "CONVERT(varbinary(" + std::to_string(2 * type.length) + "), " + expression + ")"
+                      : "CONVERT(varbinary(max), CONVERT(nvarchar(max), " + expression + "))";
+    }
+    if (IsMoney(type.id)) {
+        return "CONVERT(decimal(19, 4), " + expression + ")";
+    }
+    if (type.id == TypeId::Timestamp) {
+        return "CONVERT(varbinary(8), " + expression + ")";
+    }
+    return expression;
+}
+
+Value CarriedValue(const Value& value, const Type& type) {
+    const auto* bytes = std::get_if<Bytes>(&value);
+    if (bytes != nullptr && IsUnicode(type.id)) {
+        return FromUtf16Le(bytes->data);
+    }
+    const auto* text = std::get_if<std::string>(&value);
+    return text != nullptr && !IsCharacter(type.id)
+               ? Convert(*text, Sized(TypeId::NVarChar, kMaxLength), type)
+               : value;
+}
+
+} // namespace devsql

@@ -1,0 +1,193 @@
+// The tree of T-SQL, what defines: tables, indexes, modules, databases, principals and their rights.
+// Knows nothing of how any of them is kept.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "devserver/tsql/parse/ast_query.h"
+
+namespace devsql::ast {
+
+struct Statement;
+using StatementPtr = std::unique_ptr<Statement>;
+using StatementList = std::vector<StatementPtr>;
+
+// ------------------------------------------------------------------ tables
+
+enum class ReferentialAction : std::uint8_t { NoAction, Cascade, SetNull, SetDefault };
+
+struct IndexColumn {
+    std::string name;
+    bool descending = false;
+};
+
+enum class ConstraintKind : std::uint8_t { PrimaryKey, Unique, ForeignKey, Check, Default };
+struct Constraint {
+    ConstraintKind kind = ConstraintKind::Check;
+    std::string name; ///< empty: the server makes one
+    std::vector<IndexColumn> columns;
+    bool clustered = false;
+    bool clustering_given = false;
+    Name references;
+    std::vector<std::string> referenced_columns;
+    ReferentialAction on_delete = ReferentialAction::NoAction;
+    ReferentialAction on_update = ReferentialAction::NoAction;
+    std::string text; ///< CHECK and DEFAULT: the expression as written, in parentheses
+    bool with_check = true;
+    bool with_values = false; ///< DEFAULT … WITH VALUES: also for the rows that a new column finds
+};
+
+struct Identity {
+    std::int64_t seed = 1;
+    std::int64_t increment = 1;
+};
+
+struct ColumnDefinition {
+    std::string name;
+    TypeSpec type;
+    std::optional<bool> nullable;
+    std::optional<Identity> identity;
+    bool row_guid = false;
+    std::string collation;
+    std::string computed; ///< the text of a computed column's expression
+    std::vector<Constraint> constraints;
+};
+
+struct TableDefinition {
+    std::vector<ColumnDefinition> columns;
+    std::vector<Constraint> constraints;
+};
+
+struct CreateTableStatement {
+    Name table;
+    TableDefinition definition;
+};
+enum class AlterTableAction : std::uint8_t {
+    Add,
+    AlterColumn,
+    DropColumn,
+    DropConstraint,
+    EnableConstraint,
+    DisableConstraint,
+    Triggers,
+};
+struct AlterTableStatement {
+    Name table;
+    AlterTableAction action = AlterTableAction::Add;
+    TableDefinition definition;     ///< ADD, ALTER COLUMN
+    std::vector<std::string> names; ///< DROP, CHECK CONSTRAINT; "ALL"
+};
+enum class ObjectKind : std::uint8_t {
+    Table,
+    View,
+    Procedure,
+    Function,
+    Trigger,
+    Database,
+    User,
+    Role,
+    Login,
+    Schema,
+    Type,
+    Default,
+    Rule,
+};
+struct DropStatement {
+    ObjectKind kind;
+    std::vector<Name> names;
+    bool if_exists = false;
+};
+struct CreateIndexStatement {
+    std::string name;
+    Name table;
+    bool unique = false;
+    bool clustered = false;
+    bool drop_existing = false;
+    std::vector<IndexColumn> columns;
+    std::vector<std::string> included;
+};
+struct DropIndexStatement {
+    std::vector<std::pair<Name, std::string>> indexes; ///< table, index
+    bool if_exists = false;
+};
+
+struct Parameter {
+    std::string name;
+    TypeSpec type;
+    ExprPtr default_value; ///< may be null
+    std::string default_text;
+    bool output = false;
+};
+/// CREATE and ALTER of views and procedures: the text is kept, names are resolved when it runs.
+struct CreateModuleStatement {
+    ObjectKind kind;
+    bool alter = false;
+    bool or_alter = false;
+    Name name;
+    std::vector<Parameter> parameters;
+    std::vector<std::string> columns; ///< of a view
+    bool encrypted = false;
+    bool recompile = false;
+    bool check_option = false;
+    QueryPtr query;     ///< of a view
+    StatementList body; ///< of a procedure
+    std::string text;   ///< the whole batch
+};
+
+struct FileSpec {
+    std::string name;
+    std::string path;
+    std::string size; ///< as written, "5MB"; empty: not given
+    std::string max_size;
+    std::string growth;
+    std::string file_group;
+};
+struct CreateDatabaseStatement {
+    std::string name;
+    std::vector<FileSpec> files;
+    std::vector<FileSpec> logs;
+    bool attach = false;
+};
+enum class AlterDatabaseAction : std::uint8_t { ModifyName, ModifyFile, AddFile, AddFileGroup, Set, Owner };
+struct AlterDatabaseStatement {
+    std::string database;
+    AlterDatabaseAction action = AlterDatabaseAction::Set;
+    std::string name;     ///< MODIFY NAME, MODIFY FILE (NAME = …), ADD FILEGROUP
+    std::string new_name; ///< MODIFY FILE (NEWNAME = …); the login that becomes the owner
+    std::vector<FileSpec> files;
+    bool log_file = false;
+    std::vector<std::pair<std::string, std::string>> options; ///< upper case; SINGLE_USER has the value ""
+    bool rollback_immediate = false;
+};
+
+enum class GrantAction : std::uint8_t { Grant, Deny, Revoke };
+struct GrantStatement {
+    GrantAction action;
+    std::vector<std::string> permissions; ///< upper case
+    Name object;                          ///< empty: of the database
+    std::vector<std::string> grantees;
+    bool grant_option = false;
+};
+struct CreatePrincipalStatement {
+    ObjectKind kind; ///< User, Role, Login, Schema
+    std::string name;
+    std::string login; ///< CREATE USER … FOR LOGIN; CREATE SCHEMA … AUTHORIZATION
+    std::string password;
+};
+struct CreateTypeStatement {
+    Name name;
+    TypeSpec base;
+    std::optional<bool> nullable;
+};
+struct AlterRoleStatement {
+    std::string role;
+    std::string member;
+    bool add = true;
+};
+
+} // namespace devsql::ast

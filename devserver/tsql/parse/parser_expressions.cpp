@@ -1,0 +1,510 @@
+// Expressions and conditions, by precedence.
+#include <algorithm>
+
+#include "devserver/tsql/parse/parser_impl.h"
+#include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+using ast::CompareOp;
+
+bool IsPredicate(const ast::Expr& expr) {
+    return std::holds_alternative<ast::CompareExpr>(expr.node) ||
+           std::holds_alternative<ast::QuantifiedExpr>(expr.node) ||
+           std::holds_alternative<ast::LogicExpr>(expr.node) ||
+           std::holds_alternative<ast::NotExpr>(expr.node) ||
+           std::holds_alternative<ast::IsNullExpr>(expr.node) ||
+           std::holds_alternative<ast::BetweenExpr>(expr.node) ||
+           std::holds_alternative<ast::InListExpr>(expr.node) ||
+           std::holds_alternative<ast::InQueryExpr>(expr.node) ||
+           std::holds_alternative<ast::LikeExpr>(expr.node) ||
+           std::holds_alternative<ast::ExistsExpr>(expr.node);
+}
+
+struct ComparisonSymbol {
+    std::string_view symbol;
+    CompareOp op;
+};
+constexpr ComparisonSymbol kComparisons[] = {
+    {"=", CompareOp::Equal},         {"<>", CompareOp::NotEqual},     {"!=", CompareOp::NotEqual},
+    {"<", CompareOp::Less},          {"<=", CompareOp::LessEqual},    {">", CompareOp::Greater},
+    {">=", CompareOp::GreaterEqual}, {"!<", CompareOp::GreaterEqual}, {"!>", CompareOp::LessEqual}};
+
+struct OperatorSymbol {
+    std::string_view symbol;
+    BinaryOperator op;
+};
+constexpr OperatorSymbol kAdditive[] = {{"+", BinaryOperator::Add},
+                                        {"-", BinaryOperator::Subtract},
+                                        {"&", BinaryOperator::BitAnd},
+                                        {"|", BinaryOperator::BitOr},
+                                        {"^", BinaryOperator::BitXor}};
+constexpr OperatorSymbol kMultiplicative[] = {
+    {"*", BinaryOperator::Multiply}, {"/", BinaryOperator::Divide}, {"%", BinaryOperator::Modulo}};
+
+/// Reserved words that are called as functions, or are values without parentheses.
+constexpr std::string_view kFunctionWords[] = {"LEFT",   "RIGHT", "COALESCE", "NULLIF",
+                                               "UPDATE", "USER",  "IDENTITY"};
+constexpr std::string_view kBareFunctions[] = {"CURRENT_TIMESTAMP", "CURRENT_USER", "SESSION_USER",
+                                               "SYSTEM_USER", "USER"};
+
+template <std::size_t Count>
+bool Contains(const std::string_view (&words)[Count], const Token& token) {
+    if (token.kind != TokenKind::Word) {
+        return false;
+    }
+    for (const std::string_view word : words) {
+        if (AsciiEqual(word, token.text)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+/// "a + b + c + …" makes a tree as deep as it is long.
+void Parser::RequireShort(int links) const {
+    constexpr int kLongest = 900;
+    if (links > kLongest) {
+        Fail(191);
+    }
+}
+
+ast::ExprPtr Parser::ParseExpr() {
+    const Depth depth(*this);
+    return ParseOr();
+}
+
+ast::ExprPtr Parser::ParseCondition() {
+    ast::ExprPtr expr = ParseExpr();
+    if (!IsPredicate(*expr)) {
+        Fail(4145, {Peek().text});
+    }
+    return expr;
+}
+
+ast::ExprPtr Parser::ParseValue() {
+    const std::size_t start = next_;
+    ast::ExprPtr expr = ParseExpr();
+    if (IsPredicate(*expr)) { // A condition is no value in this language: complain at its operator.
+        next_ = start + 1;
+        SyntaxError();
+    }
+    return expr;
+}
+
+ast::ExprPtr Parser::ParseOr() {
+    ast::ExprPtr left = ParseAnd();
+    for (int links = 0; IsWord("OR"); ++links) {
+        RequireShort(links);
+        if (!IsPredicate(*left)) {
+            Fail(4145, {Peek().text});
+        }
+        Take();
+        ast::ExprPtr right = ParseAnd();
+        if (!IsPredicate(*right)) {
+            Fail(4145, {Peek().text});
+        }
+        left = Make(ast::LogicExpr{false, std::move(left), std::move(right)});
+    }
+    return left;
+}
+
+ast::ExprPtr Parser::ParseAnd() {
+    ast::ExprPtr left = ParseNot();
+    for (int links = 0; IsWord("AND"); ++links) {
+        RequireShort(links);
+        if (!IsPredicate(*left)) {
+            Fail(4145, {Peek().text});
+        }
+        Take();
+        ast::ExprPtr right = ParseNot();
+        if (!IsPredicate(*right)) {
+            Fail(4145, {Peek().text});
+        }
+        left = Make(ast::LogicExpr{true, std::move(left), std::move(right)});
+    }
+    return left;
+}
+
+ast::ExprPtr Parser::ParseNot() {
+    if (!TakeWord("NOT")) {
+        return ParsePredicate();
+    }
+    const Depth depth(*this);
+    ast::ExprPtr operand = ParseNot();
+    if (!IsPredicate(*operand)) {
+        Fail(4145, {Peek().text});
+    }
+    return Make(ast::NotExpr{std::move(operand)});
+}
+
+ast::ExprPtr Parser::ParsePredicate() {
+    if (IsWord("EXISTS") && IsSymbol("(", 1)) {
+        Take();
+        Take();
+        ast::QueryPtr query = ParseQuery();
+        ExpectSymbol(")");
+        return Make(ast::ExistsExpr{std::move(query)});
+    }
+    ast::ExprPtr left = ParseAdditive();
+    if (IsSymbol("*=") || (IsSymbol("=") && IsSymbol("*", 1))) {
+        Fail(4147);
+    }
+    for (const ComparisonSymbol& comparison : kComparisons) {
+        if (TakeSymbol(comparison.symbol)) {
+            return ParseComparison(std::move(left), comparison.op);
+        }
+    }
+    if (TakeWord("IS")) {
+        const bool negated = TakeWord("NOT");
+        ExpectWord("NULL");
+        return Make(ast::IsNullExpr{std::move(left), negated});
+    }
+    const bool negated = IsWord("NOT") && (IsWord("IN", 1) || IsWord("LIKE", 1) || IsWord("BETWEEN", 1));
+    if (negated) {
+        Take();
+    }
+    return ParsePredicateTail(std::move(left), negated);
+}
+
+ast::ExprPtr Parser::ParsePredicateTail(ast::ExprPtr left, bool negated) {
+    if (TakeWord("BETWEEN")) {
+        ast::ExprPtr low = ParseAdditive();
+        ExpectWord("AND");
+        ast::ExprPtr high = ParseAdditive();
+        return Make(ast::BetweenExpr{std::move(left), std::move(low), std::move(high), negated});
+    }
+    if (TakeWord("LIKE")) {
+        ast::ExprPtr pattern = ParseAdditive();
+        ast::ExprPtr escape = TakeWord("ESCAPE") ? ParseAdditive() : nullptr;
+        return Make(ast::LikeExpr{std::move(left), std::move(pattern), std::move(escape), negated});
+    }
+    if (TakeWord("IN")) {
+        ExpectSymbol("(");
+        if (BeginsQuery()) {
+            ast::QueryPtr query = ParseQuery();
+            ExpectSymbol(")");
+            return Make(ast::InQueryExpr{std::move(left), std::move(query), negated});
+        }
+        std::vector<ast::ExprPtr> items = ParseExprList();
+        ExpectSymbol(")");
+        return Make(ast::InListExpr{std::move(left), std::move(items), negated});
+    }
+    return left;
+}
+
+ast::ExprPtr Parser::ParseComparison(ast::ExprPtr left, CompareOp op) {
+    const bool all = IsWord("ALL");
+    if ((all || IsWord("ANY") || IsWord("SOME")) && IsSymbol("(", 1)) {
+        Take();
+        Take();
+        ast::QueryPtr query = ParseQuery();
+        ExpectSymbol(")");
+        return Make(ast::QuantifiedExpr{op, all, std::move(left), std::move(query)});
+    }
+    return Make(ast::CompareExpr{op, std::move(left), ParseAdditive()});
+}
+
+ast::ExprPtr Parser::ParseAdditive() {
+    ast::ExprPtr left = ParseMultiplicative();
+    for (int links = 0;; ++links) {
+        RequireShort(links);
+        const OperatorSymbol* found = nullptr;
+        for (const OperatorSymbol& candidate : kAdditive) {
+            if (IsSymbol(candidate.symbol)) {
+                found = &candidate;
+            }
+        }
+        if (found == nullptr) {
+            return left;
+        }
+        if (IsPredicate(*left)) {
+            SyntaxError();
+        }
+        Take();
+        left = Make(ast::BinaryExpr{found->op, std::move(left), ParseMultiplicative()});
+    }
+}
+
+ast::ExprPtr Parser::ParseMultiplicative() {
+    ast::ExprPtr left = ParseUnary();
+    for (int links = 0;; ++links) {
+        RequireShort(links);
+        const OperatorSymbol* found = nullptr;
+        for (const OperatorSymbol& candidate : kMultiplicative) {
+            if (IsSymbol(candidate.symbol)) {
+                found = &candidate;
+            }
+        }
+        if (found == nullptr) {
+            return left;
+        }
+        Take();
+        left = Make(ast::BinaryExpr{found->op, std::move(left), ParseUnary()});
+    }
+}
+
+ast::ExprPtr Parser::ParseUnary() {
+    const Depth depth(*this);
+    if (TakeSymbol("-")) {
+        return Make(ast::UnaryExpr{UnaryOperator::Minus, ParseUnary()});
+    }
+    if (TakeSymbol("+")) {
+        return Make(ast::UnaryExpr{UnaryOperator::Plus, ParseUnary()});
+    }
+    if (TakeSymbol("~")) {
+        return Make(ast::UnaryExpr{UnaryOperator::BitNot, ParseUnary()});
+    }
+    return ParsePostfix();
+}
+
+ast::ExprPtr Parser::ParsePostfix() {
+    ast::ExprPtr expr = ParsePrimary();
+    while (TakeWord("COLLATE")) {
+        // One collation serves all; the name is taken note of and has no effect on a single expression.
+        if (!IsName()) {
+            SyntaxError();
+        }
+        const std::string collation = ToUpper(Take().text);
+        if (collation.find("_BIN") != std::string::npos || collation.find("_CS") != std::string::npos) {
+            Unsupported("COLLATE " + collation);
+        }
+    }
+    return expr;
+}
+
+ast::ExprPtr Parser::ParsePrimary() {
+    switch (Peek().kind) {
+    case TokenKind::String:
+    case TokenKind::UnicodeString:
+    case TokenKind::Integer:
+    case TokenKind::Decimal:
+    case TokenKind::Float:
+    case TokenKind::Money:
+    case TokenKind::Binary:
+        return ParseLiteral();
+    case TokenKind::DoubleQuoted:
+        return quoted_identifier_ ? ParseNamed() : ParseLiteral();
+    case TokenKind::Variable: {
+        RequireDeclared(Peek().text);
+        return Make(ast::VariableExpr{Take().text});
+    }
+    case TokenKind::Symbol:
+        if (IsSymbol("(")) {
+            return ParseParenthesized();
+        }
+        if (IsSymbol("{")) {
+            return ParseOdbcEscape();
+        }
+        SyntaxError();
+    default:
+        return ParseNamed();
+    }
+}
+
+ast::ExprPtr Parser::ParseLiteral() {
+    const Token token = Take();
+    Literal literal;
+    try {
+        switch (token.kind) {
+        case TokenKind::Integer:
+        case TokenKind::Decimal:
+        case TokenKind::Float:
+            literal = ParseNumberLiteral(token.text);
+            break;
+        case TokenKind::Money:
+            literal = ParseMoneyLiteral(token.text);
+            break;
+        case TokenKind::Binary:
+            literal = ParseBinaryLiteral(token.text);
+            break;
+        default:
+            literal = TextLiteral(token.text, token.kind == TokenKind::UnicodeString);
+            break;
+        }
+    } catch (const SqlError& error) {
+        throw LocatedError(error, token.line);
+    }
+    return Make(ast::LiteralExpr{literal.type, std::move(literal.value)});
+}
+
+/// A parenthesis may open a query of its own or only the first operand of one: what stands behind its end
+/// tells "((SELECT 1) UNION (SELECT 2))" from "((SELECT 1) + 2)".
+bool Parser::BeginsQuery(std::size_t ahead) const {
+    std::size_t first = next_ + ahead;
+    while (closing_[std::min(first, closing_.size() - 1)] != 0) {
+        ++first;
+    }
+    if (!IsWord("SELECT", first - next_) && !IsWord("WITH", first - next_)) {
+        return false;
+    }
+    for (std::size_t open = next_ + ahead; open < first; ++open) {
+        const std::size_t behind = closing_[open] + 1 - next_;
+        if (!IsSymbol(")", behind) && !IsWord("UNION", behind) && !IsWord("EXCEPT", behind) &&
+            !IsWord("INTERSECT", behind)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+ast::ExprPtr Parser::ParseParenthesized() {
+    ExpectSymbol("(");
+    if (BeginsQuery()) {
+        ast::QueryPtr query = ParseQuery();
+        ExpectSymbol(")");
+        return Make(ast::SubqueryExpr{std::move(query)});
+    }
+    ast::ExprPtr expr = ParseExpr();
+    ExpectSymbol(")");
+    return expr;
+}
+
+ast::ExprPtr Parser::ParseNamed() {
+    const Token& token = Peek();
+    if (IsWord("NULL")) {
+        Take();
+        return Make(ast::LiteralExpr{kUntypedNull, {}});
+    }
+    if (IsWord("CASE")) {
+        return ParseCase();
+    }
+    if (IsSymbol("(", 1) && token.kind == TokenKind::Word) {
+        if (IsWord("CAST") || IsWord("TRY_CAST")) {
+            return ParseCast(AsciiEqual(Take().text, "TRY_CAST"));
+        }
+        if (IsWord("CONVERT") || IsWord("TRY_CONVERT")) {
+            return ParseConvert(AsciiEqual(Take().text, "TRY_CONVERT"));
+        }
+        if (!IsReservedWord(token.text) || Contains(kFunctionWords, token)) {
+            return ParseCall(Take().text);
+        }
+    }
+    if (Contains(kBareFunctions, token)) {
+        ast::CallExpr call;
+        call.name = Take().text;
+        return Make(std::move(call));
+    }
+    if (IsWord("IDENTITYCOL") || IsWord("ROWGUIDCOL")) {
+        Unsupported(token.text);
+    }
+    ast::Name name = TakeObjectName();
+    if (IsSymbol("(")) {
+        Unsupported(name.text() + "() (user-defined function)");
+    }
+    return Make(ast::ColumnExpr{std::move(name)});
+}
+
+ast::ExprPtr Parser::ParseCase() {
+    const Depth depth(*this);
+    ExpectWord("CASE");
+    ast::CaseExpr expr;
+    if (!IsWord("WHEN")) {
+        expr.operand = ParseValue();
+    }
+    while (TakeWord("WHEN")) {
+        ast::ExprPtr when = expr.operand ? ParseValue() : ParseCondition();
+        ExpectWord("THEN");
+        expr.branches.emplace_back(std::move(when), ParseValue());
+    }
+    if (expr.branches.empty()) {
+        SyntaxError();
+    }
+    if (TakeWord("ELSE")) {
+        expr.otherwise = ParseValue();
+    }
+    ExpectWord("END");
+    return Make(std::move(expr));
+}
+
+ast::ExprPtr Parser::ParseCast(bool attempt) {
+    ExpectSymbol("(");
+    ast::ExprPtr operand = ParseValue();
+    ExpectWord("AS");
+    ast::TypeSpec type = ParseType();
+    ExpectSymbol(")");
+    return Make(ast::CastExpr{std::move(operand), std::move(type), nullptr, attempt});
+}
+
+ast::ExprPtr Parser::ParseConvert(bool attempt) {
+    ExpectSymbol("(");
+    ast::TypeSpec type = ParseType();
+    ExpectSymbol(",");
+    ast::ExprPtr operand = ParseValue();
+    ast::ExprPtr style = TakeSymbol(",") ? ParseValue() : nullptr;
+    ExpectSymbol(")");
+    return Make(ast::CastExpr{std::move(operand), std::move(type), std::move(style), attempt});
+}
+
+ast::ExprPtr Parser::ParseCall(std::string name) {
+    ast::CallExpr call;
+    call.name = std::move(name);
+    ExpectSymbol("(");
+    if (TakeSymbol("*")) {
+        call.star = true;
+    } else if (!IsSymbol(")")) {
+        call.distinct = TakeWord("DISTINCT");
+        if (!call.distinct) {
+            TakeWord("ALL");
+        }
+        if (AsciiEqual(call.name, "IIF")) {
+            call.arguments.push_back(ParseCondition());
+            ExpectSymbol(",");
+        }
+        std::vector<ast::ExprPtr> rest = ParseExprList();
+        std::move(rest.begin(), rest.end(), std::back_inserter(call.arguments));
+    }
+    ExpectSymbol(")");
+    if (IsWord("OVER") && IsSymbol("(", 1)) {
+        call.over = ParseOver();
+    }
+    return Make(std::move(call));
+}
+
+ast::Over Parser::ParseOver() {
+    ast::Over over;
+    ExpectWord("OVER");
+    ExpectSymbol("(");
+    if (TakeWords({"PARTITION", "BY"})) {
+        over.partition_by = ParseExprList();
+    }
+    if (IsWord("ORDER")) {
+        over.order_by = ParseOrderBy();
+    }
+    if (IsWord("ROWS") || IsWord("RANGE")) {
+        Unsupported(Peek().text);
+    }
+    ExpectSymbol(")");
+    return over;
+}
+
+/// {d '2000-01-31'}, {t '12:00:00'}, {ts '…'}, {fn now()}: what ODBC drivers pass on.
+ast::ExprPtr Parser::ParseOdbcEscape() {
+    ExpectSymbol("{");
+    ast::ExprPtr expr;
+    if (TakeWord("fn")) {
+        expr = ParseExpr();
+    } else if (TakeWord("d") || TakeWord("t") || TakeWord("ts")) {
+        ast::TypeSpec type;
+        type.name.parts = {"datetime"};
+        expr = Make(ast::CastExpr{ParseLiteral(), std::move(type), nullptr, false});
+    } else {
+        SyntaxError();
+    }
+    ExpectSymbol("}");
+    return expr;
+}
+
+std::vector<ast::ExprPtr> Parser::ParseExprList() {
+    std::vector<ast::ExprPtr> list;
+    do {
+        list.push_back(ParseValue());
+    } while (TakeSymbol(","));
+    return list;
+}
+
+} // namespace devsql

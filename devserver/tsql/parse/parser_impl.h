@@ -1,0 +1,230 @@
+// The parser's class, spread over parser_*.cpp by subject. For those files alone.
+#pragma once
+
+#include <initializer_list>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "devserver/tsql/parse/ast.h"
+#include "devserver/tsql/parse/lexer.h"
+#include "devserver/tsql/parse/located_error.h"
+#include "devserver/tsql/parse/parser.h"
+
+namespace devsql {
+
+class Parser {
+  public:
+    Parser(std::string_view source, const ParseOptions& options);
+
+    Batch ParseWholeBatch();
+    ast::CreateModuleStatement ParseWholeModule();
+    ast::ExprPtr ParseWholeExpression();
+    ast::Name ParseWholeName();
+    ast::TypeSpec ParseWholeType();
+    std::vector<ast::Parameter> ParseWholeParameters();
+
+  private:
+    /// Counts nesting, so that hostile text ends in error 191 and not in a full stack.
+    class Depth {
+      public:
+        explicit Depth(Parser& parser);
+        ~Depth() { --parser_.depth_; }
+        Depth(const Depth&) = delete;
+        Depth& operator=(const Depth&) = delete;
+
+      private:
+        Parser& parser_;
+    };
+
+    // ---- tokens (parser_core.cpp)
+    const Token& Peek(std::size_t ahead = 0) const;
+    Token Take();
+    bool AtEnd() const { return Peek().kind == TokenKind::End; }
+    bool IsWord(std::string_view word, std::size_t ahead = 0) const;
+    bool IsSymbol(std::string_view symbol, std::size_t ahead = 0) const;
+    bool IsName(std::size_t ahead = 0) const;
+    bool TakeWord(std::string_view word);
+    bool TakeWords(std::initializer_list<std::string_view> words);
+    bool TakeSymbol(std::string_view symbol);
+    void ExpectWord(std::string_view word);
+    void ExpectSymbol(std::string_view symbol);
+    /// The index of the word in `words` that stands here, which is taken; -1 if none does.
+    int TakeOneOf(std::initializer_list<std::string_view> words);
+    void FindClosings();
+    [[noreturn]] void SyntaxError() const;
+    [[noreturn]] void Fail(std::int32_t number, std::initializer_list<std::string_view> arguments = {}) const;
+    [[noreturn]] void Unsupported(std::string_view what) const;
+    [[noreturn]] void UnsupportedStatement(std::string_view what) const;
+    std::string TakeName();
+    /// A name or a string: a login, a file's logical name, an option's value.
+    std::string TakeNameOrString();
+    std::string TakeString();
+    std::int64_t TakeInteger();
+    ast::Name TakeObjectName();
+    std::string TakeVariable();
+    void Declare(const std::string& variable);
+    void RequireDeclared(const std::string& variable, std::int32_t error = 137) const;
+    std::string Text(std::size_t begin, std::size_t end) const;
+    std::size_t PreviousEnd() const;
+
+    // ---- expressions (parser_expressions.cpp)
+    void RequireShort(int links) const;
+    ast::ExprPtr ParseExpr();
+    ast::ExprPtr ParseCondition();
+    ast::ExprPtr ParseValue();
+    ast::ExprPtr ParseOr();
+    ast::ExprPtr ParseAnd();
+    ast::ExprPtr ParseNot();
+    ast::ExprPtr ParsePredicate();
+    ast::ExprPtr ParsePredicateTail(ast::ExprPtr left, bool negated);
+    ast::ExprPtr ParseComparison(ast::ExprPtr left, ast::CompareOp op);
+    ast::ExprPtr ParseAdditive();
+    ast::ExprPtr ParseMultiplicative();
+    ast::ExprPtr ParseUnary();
+    ast::ExprPtr ParsePostfix();
+    ast::ExprPtr ParsePrimary();
+    ast::ExprPtr ParseLiteral();
+    ast::ExprPtr ParseParenthesized();
+    ast::ExprPtr ParseCase();
+    ast::ExprPtr ParseCast(bool attempt);
+    ast::ExprPtr ParseConvert(bool attempt);
+    ast::ExprPtr ParseCall(std::string name);
+    ast::ExprPtr ParseNamed();
+    ast::ExprPtr ParseOdbcEscape();
+    ast::Over ParseOver();
+    std::vector<ast::ExprPtr> ParseExprList();
+    bool BeginsQuery(std::size_t ahead = 0) const;
+    template <class Node>
+    ast::ExprPtr Make(Node&& node) const {
+        return std::make_unique<ast::Expr>(std::forward<Node>(node), Peek().line);
+    }
+    ast::TypeSpec ParseType();
+
+    // ---- queries (parser_queries.cpp)
+    ast::QueryPtr ParseQuery();
+    ast::QueryTermPtr ParseUnion();
+    ast::QueryTermPtr ParseIntersect();
+    ast::QueryTermPtr ParseQueryPrimary();
+    ast::SelectCore ParseSelectCore();
+    ast::SelectItem ParseSelectItem();
+    void ParseAlias(std::string& alias);
+    bool BeginsAlias() const;
+    void ParseGroupBy(ast::SelectCore& core);
+    std::optional<ast::Top> ParseTop();
+    std::vector<ast::CommonTable> ParseWith();
+    std::vector<ast::TableSourcePtr> ParseFrom();
+    ast::TableSourcePtr ParseJoined();
+    ast::TableSourcePtr ParseTableSource();
+    ast::TableSourcePtr ParseParenthesizedSource();
+    ast::QueryPtr ParseValues();
+    bool ParseJoinKind(ast::JoinKind& kind);
+    void SkipTableHints();
+    /// OPTION (…), and what it says of MAXRECURSION.
+    std::int64_t SkipQueryOptions();
+    std::vector<ast::OrderItem> ParseOrderBy();
+    void ParseOffset(ast::Query& query);
+    void ParseOutputs(std::vector<ast::OutputClause>& outputs);
+    ast::InsertStatement ParseInsert();
+    void ParseInsertSource(ast::InsertStatement& insert);
+    ast::UpdateStatement ParseUpdate();
+    ast::Assignment ParseAssignment();
+    ast::DeleteStatement ParseDelete();
+    void ParseWhere(ast::ExprPtr& where, std::string& cursor);
+
+    // ---- statements (parser_statements.cpp)
+    ast::StatementPtr ParseStatement();
+    ast::StatementPtr ParseStatementNode();
+    ast::StatementList ParseStatementsUntilEnd();
+    ast::StatementList ParseBlock(std::string_view what);
+    template <class Node>
+    static ast::StatementPtr Wrap(Node&& node) {
+        return std::make_unique<ast::Statement>(std::forward<Node>(node), 1);
+    }
+    ast::StatementPtr ParseDataStatement();
+    ast::StatementPtr ParseControlStatement();
+    ast::StatementPtr ParseActionStatement();
+    ast::StatementPtr ParseBegin();
+    ast::StatementPtr ParseTry();
+    ast::StatementPtr ParseIf();
+    ast::StatementPtr ParseDeclare();
+    ast::Declaration ParseDeclaration();
+    ast::StatementPtr ParseCursorDeclaration(std::string name);
+    ast::StatementPtr ParseSet();
+    ast::StatementPtr ParseSetVariable();
+    ast::StatementPtr ParseSetOption();
+    ast::StatementPtr ParseExecute();
+    ast::ExecuteStatement ParseProcedureCall();
+    ast::Argument ParseArgument();
+    ast::StatementPtr ParseRaiserror();
+    /// THROW with its arguments, DISABLE TRIGGER: statements whose first word is not reserved and may be the
+    /// name of a procedure.
+    bool BeginsStatementOfNames() const;
+    ast::StatementPtr ParseThrow();
+    ast::StatementPtr ParseWaitfor();
+    ast::StatementPtr ParseTransaction(ast::TransactionAction action);
+    ast::StatementPtr ParseFetch();
+    ast::StatementPtr ParseMaintenance();
+    ast::StatementPtr ParseDbcc();
+    ast::StatementPtr ParseCreateStatistics();
+    ast::StatementPtr ParseAlterIndex();
+    void SkipParenthesized();
+    void SkipStatisticsOptions();
+    ast::StatementPtr ParseCheckIdentity();
+    ast::StatementPtr ParseLogTruncation();
+
+    // ---- definitions (parser_definitions.cpp)
+    ast::StatementPtr ParseCreate();
+    ast::StatementPtr ParseAlter();
+    ast::StatementPtr ParseDrop();
+    ast::StatementPtr ParseCreateTable();
+    ast::TableDefinition ParseTableDefinition();
+    ast::ColumnDefinition ParseColumn();
+    bool ParseColumnOption(ast::ColumnDefinition& column);
+    ast::Constraint ParseConstraint(bool of_column);
+    void ParseKeyConstraint(ast::Constraint& constraint, bool of_column);
+    void ParseReferences(ast::Constraint& constraint);
+    std::string ParseExpressionText();
+    std::vector<ast::IndexColumn> ParseIndexColumns();
+    std::vector<std::string> ParseNameList();
+    void SkipIndexOptions();
+    void SkipFileGroup();
+    ast::StatementPtr ParseAlterTable();
+    void ParseAlterTableAdd(ast::AlterTableStatement& alter, bool with_check);
+    void ParseAlterTableDrop(ast::AlterTableStatement& alter);
+    ast::StatementPtr ParseCreateIndex();
+    ast::StatementPtr ParseDropIndex();
+    ast::StatementPtr ParseModule(ast::ObjectKind kind, bool alter, bool or_alter);
+    ast::CreateModuleStatement ParseProcedureModule();
+    ast::CreateModuleStatement ParseViewModule();
+    ast::Parameter ParseParameter();
+
+    // ---- databases and security (parser_admin.cpp)
+    ast::StatementPtr ParseCreateDatabase();
+    ast::FileSpec ParseFileSpec();
+    std::vector<ast::FileSpec> ParseFileSpecs();
+    std::string ParseSize();
+    ast::StatementPtr ParseAlterDatabase();
+    void ParseDatabaseOptions(ast::AlterDatabaseStatement& alter);
+    ast::StatementPtr ParseModifyFile(ast::AlterDatabaseStatement alter);
+    ast::StatementPtr ParseAuthorization();
+    void ParseExecuteAs();
+    ast::StatementPtr ParseGrant(ast::GrantAction action);
+    ast::StatementPtr ParseCreatePrincipal(ast::ObjectKind kind);
+    ast::StatementPtr ParseCreateType();
+    ast::StatementPtr ParseAlterRole();
+
+    std::string_view source_;
+    std::vector<Token> tokens_;
+    /// For each "(" where its ")" stands; 0 for other tokens, and for one that is never closed.
+    std::vector<std::size_t> closing_;
+    std::size_t next_ = 0;
+    bool quoted_identifier_;
+    std::set<std::string> declared_; ///< upper case
+    int depth_ = 0;
+    int loops_ = 0;
+    bool module_allowed_ = false;
+};
+
+} // namespace devsql

@@ -1,0 +1,36 @@
+// A result set that a system procedure makes row by row.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/scalar/type_rules.h"
+
+namespace devsql {
+
+class ProcedureTable {
+  public:
+    ProcedureTable(SessionCore& session, const std::vector<Column>& columns) : session_(session) {
+        session.sink().Columns(columns);
+    }
+    void Row(const std::vector<Value>& values) {
+        session_.sink().Row(values);
+        ++rows_;
+    }
+    void End() { session_.Done(Command::Select, rows_); }
+
+  private:
+    SessionCore& session_;
+    std::int64_t rows_ = 0;
+};
+
+inline constexpr Type kSysName = Sized(TypeId::NVarChar, 128);
+
+/// An empty text stands for NULL.
+inline Value TextOrNull(const std::string& text) {
+    return text.empty() ? Value() : Value(text);
+}
+
+} // namespace devsql

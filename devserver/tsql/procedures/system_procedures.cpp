@@ -1,0 +1,591 @@
+// The system procedures: looking one up, and those on databases, objects, principals and dynamic SQL.
+// Those that only read the catalogue for drivers are in catalogue_procedures.cpp.
+#include "devserver/tsql/procedures/system_procedures.h"
+
+#include <algorithm>
+#include <array>
+
+#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/linked/linked_procedures.h"
+#include "devserver/tsql/parse/parser.h"
+#include "devserver/tsql/procedures/catalogue_procedures.h"
+#include "devserver/tsql/procedures/procedure_table.h"
+#include "devserver/tsql/replication/replication_procedures.h"
+#include "devserver/tsql/run/server.h"
+#include "devserver/tsql/run/statements.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+
+const Variable& SystemCall::Find(std::string_view name) const {
+    return frame_.variables.find(ToUpper(name))->second;
+}
+
+bool SystemCall::IsNull(std::string_view name) const {
+    return devsql::IsNull(Find(name).value);
+}
+
+std::string SystemCall::Text(std::string_view name) const {
+    const Variable& variable = Find(name);
+    return devsql::IsNull(variable.value) ? std::string() : ValueText(variable.value, variable.type);
+}
+
+std::int64_t SystemCall::Int(std::string_view name, std::int64_t otherwise) const {
+    const Variable& variable = Find(name);
+    return devsql::IsNull(variable.value)
+               ? otherwise
+               : std::get<std::int64_t>(Convert(variable.value, variable.type, Simple(TypeId::BigInt)));
+}
+
+void SystemCall::Set(std::string_view name, Value value) {
+    frame_.variables.find(ToUpper(name))->second.value = std::move(value);
+}
+
+void SystemCall::Run(std::string_view sql, const std::vector<std::string>& values) {
+    Frame frame;
+    frame.database = session().CurrentDatabaseName();
+    frame.procedure = session().frame().procedure;
+    int number = 1;
+    for (const std::string& value : values) {
+        frame.variables["@P" + std::to_string(number++)] = {Sized(TypeId::NVarChar, kMaxLength), value};
+    }
+    interpreter_.RunText(sql, frame);
+}
+
+namespace {
+
+// ------------------------------------------------------------------ dynamic SQL
+
+std::string TextOf(const ActualArgument& argument) {
+    return IsNull(argument.value) ? std::string() : ValueText(argument.value, argument.type);
+}
+
+/// Drivers declare what they send by its type on the wire. Times come as datetime (tds/type_decoder.h), whose
+/// name then serves: the server has no columns of time and datetimeoffset.
+ast::TypeSpec ParameterType(const ast::TypeSpec& declared) {
+    const std::string& name = declared.name.last();
+    return AsciiEqual(name, "time") || AsciiEqual(name, "datetimeoffset")
+               ? ast::TypeSpec{{{"datetime"}}, {}, {}, false}
+               : declared;
+}
+
+/// sp_executesql and sp_prepare: parameters declared in a text, values behind.
+std::int32_t RunParameterized(SystemCall& call, const std::string& text, const std::string& declarations,
+                              std::size_t first_value) {
+    SessionCore& session = call.session();
+    std::vector<ParameterDef> formal;
+    for (const ast::Parameter& parameter : ParseParameters(declarations)) {
+        ParameterDef definition;
+        definition.name = parameter.name;
+        Emission emission(session);
+        definition.type = Binder(session, emission).ResolveType(ParameterType(parameter.type), 1);
+        definition.output = parameter.output;
+        formal.push_back(std::move(definition));
+    }
+    const std::vector<ActualArgument> values(
+        call.actual().begin() + static_cast<std::ptrdiff_t>(std::min(first_value, call.actual().size())),
+        call.actual().end());
+    Frame frame;
+    frame.database = session.frame().database == session.SessionDatabase() ? "" : session.frame().database;
+    const std::vector<std::size_t> positions = BindArguments(session, "sp_executesql", formal, values, frame);
+    const std::string database = session.SessionDatabase();
+    call.interpreter().RunText(text, frame);
+    if (session.SessionDatabase() != database) {
+        session.Use(database);
+    }
+    call.outputs.resize(std::min(first_value, call.actual().size()));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const ParameterDef& parameter = formal[positions[i]];
+        call.outputs.push_back(values[i].output && parameter.output
+                                   ? std::optional(frame.variables[ToUpper(parameter.name)])
+                                   : std::nullopt);
+    }
+    return session.last_error;
+}
+
+std::int32_t ExecuteSql(SystemCall& call) {
+    const std::vector<ActualArgument>& actual = call.actual();
+    if (actual.empty()) {
+        RaiseError(201, {"sp_executesql", "@statement"}, 4);
+    }
+    for (std::size_t i = 0; i < actual.size() && i < 2; ++i) {
+        if (!IsUnicode(actual[i].type.id) && !IsNull(actual[i].value)) {
+            RaiseError(214, {i == 0 ? "@statement" : "@parameters", "ntext/nchar/nvarchar"}, 2);
+        }
+    }
+    return RunParameterized(call, TextOf(actual[0]), actual.size() > 1 ? TextOf(actual[1]) : "", 2);
+}
+
+std::int32_t Prepare(SystemCall& call) {
+    const std::vector<ActualArgument>& actual = call.actual();
+    if (actual.size() < 3) {
+        RaiseError(201, {"sp_prepare", "@stmt"}, 4);
+    }
+    const std::int32_t handle = call.session().AddPrepared(TextOf(actual[1]), TextOf(actual[2]));
+    call.outputs.emplace_back(Variable{Simple(TypeId::Int), std::int64_t{handle}});
+    return 0;
+}
+
+std::int32_t ExecutePrepared(SystemCall& call) {
+    const std::vector<ActualArgument>& actual = call.actual();
+    const std::int64_t handle =
+        actual.empty() || IsNull(actual[0].value)
+            ? 0
+            : std::get<std::int64_t>(Convert(actual[0].value, actual[0].type, Simple(TypeId::BigInt)));
+    const auto* prepared = call.session().FindPrepared(static_cast<std::int32_t>(handle));
+    if (prepared == nullptr) {
+        RaiseError(8179, {std::to_string(handle)}, 2);
+    }
+    const auto [declarations, text] = *prepared;
+    return RunParameterized(call, text, declarations, 1);
+}
+
+std::int32_t PrepareAndExecute(SystemCall& call) {
+    const std::vector<ActualArgument>& actual = call.actual();
+    if (actual.size() < 3) {
+        RaiseError(201, {"sp_prepexec", "@stmt"}, 4);
+    }
+    const std::int32_t handle = call.session().AddPrepared(TextOf(actual[1]), TextOf(actual[2]));
+    const std::int32_t status = RunParameterized(call, TextOf(actual[2]), TextOf(actual[1]), 3);
+    call.outputs[0] = Variable{Simple(TypeId::Int), std::int64_t{handle}};
+    return status;
+}
+
+std::int32_t Unprepare(SystemCall& call) {
+    call.session().RemovePrepared(static_cast<std::int32_t>(call.Int("@handle")));
+    return 0;
+}
+
+std::int32_t Execute(SystemCall& call) {
+    call.interpreter().RunDynamic(call.Text("@statement"));
+    return 0;
+}
+
+// ------------------------------------------------------------------ databases
+
+std::int32_t DetachDb(SystemCall& call) {
+    if (call.IsNull("@dbname")) {
+        RaiseError(15010, {"NULL"});
+    }
+    DetachDatabase(call.session(), call.Text("@dbname"));
+    return 0;
+}
+
+std::int32_t AttachDb(SystemCall& call) {
+    std::vector<std::string> files;
+    for (int i = 1; i <= 16; ++i) {
+        if (std::string file = call.Text("@filename" + std::to_string(i)); !file.empty()) {
+            files.push_back(std::move(file));
+        }
+    }
+    AttachDatabase(call.session(), call.Text("@dbname"), files);
+    return 0;
+}
+
+std::int32_t AttachSingleFileDb(SystemCall& call) {
+    AttachDatabase(call.session(), call.Text("@dbname"), {call.Text("@physname")});
+    return 0;
+}
+
+struct DbOption {
+    std::string_view name;   ///< of sp_dboption
+    std::string_view option; ///< of ALTER DATABASE
+};
+constexpr std::array<DbOption, 18> kDbOptions = {{{"autoclose", "AUTO_CLOSE"},
+                                                  {"auto create statistics", "AUTO_CREATE_STATISTICS"},
+                                                  {"auto update statistics", "AUTO_UPDATE_STATISTICS"},
+                                                  {"autoshrink", "AUTO_SHRINK"},
+                                                  {"ANSI null default", "ANSI_NULL_DEFAULT"},
+                                                  {"ANSI nulls", "ANSI_NULLS"},
+                                                  {"ANSI warnings", "ANSI_WARNINGS"},
+                                                  {"arithabort", "ARITHABORT"},
+                                                  {"concat null yields null", "CONCAT_NULL_YIELDS_NULL"},
+                                                  {"cursor close on commit", "CURSOR_CLOSE_ON_COMMIT"},
+                                                  {"numeric roundabort", "NUMERIC_ROUNDABORT"},
+                                                  {"quoted identifier", "QUOTED_IDENTIFIER"},
+                                                  {"recursive triggers", "RECURSIVE_TRIGGERS"},
+                                                  {"torn page detection", "TORN_PAGE_DETECTION"},
+                                                  {"single user", "SINGLE_USER"},
+                                                  {"trunc. log on chkpt.", "RECOVERY"},
+                                                  {"select into/bulkcopy", "RECOVERY"},
+                                                  {"published", "PUBLISHED"}}};
+
+bool IsOn(const DatabaseInfo& info, const DbOption& option) {
+    const auto found = info.options.find(std::string(option.option));
+    return found != info.options.end() && (found->second == "ON" || found->second == "SIMPLE");
+}
+
+/// All options, or those that are set in a database.
+void ListOptions(SessionCore& session, const std::string& heading, const DatabaseInfo* info) {
+    ProcedureTable table(session, {{heading, Sized(TypeId::VarChar, 35), true, false}});
+    for (const DbOption& option : kDbOptions) {
+        if (info == nullptr || IsOn(*info, option)) {
+            table.Row({std::string(option.name)});
+        }
+    }
+    table.End();
+}
+
+std::int32_t DbOptionProcedure(SystemCall& call) {
+    SessionCore& session = call.session();
+    const std::string database = call.Text("@dbname");
+    if (call.IsNull("@dbname")) {
+        ListOptions(session, "Settable database options:", nullptr);
+        return 0;
+    }
+    if (!FindDatabase(session.connection, database)) {
+        RaiseError(15010, {database});
+    }
+    if (call.IsNull("@optname")) {
+        const DatabaseInfo info = *FindDatabase(session.connection, database);
+        ListOptions(session, "The following options are set:", &info);
+        return 0;
+    }
+    const std::string name = call.Text("@optname");
+    const auto found = std::find_if(kDbOptions.begin(), kDbOptions.end(),
+                                    [&](const DbOption& option) { return AsciiEqual(option.name, name); });
+    if (found == kDbOptions.end()) {
+        RaiseError(40517, {"sp_dboption '" + name + "'"});
+    }
+    const DatabaseInfo info = *FindDatabase(session.connection, database);
+    if (call.IsNull("@optvalue")) {
+        const bool on = IsOn(info, *found);
+        call.Run("SELECT @p1 AS OptionName, CASE @p2 WHEN N'1' THEN 'ON' ELSE 'OFF' END AS CurrentSetting",
+                 {std::string(found->name), on ? "1" : "0"});
+        return 0;
+    }
+    const std::string value = AsciiUpper(call.Text("@optvalue"));
+    if (value != "TRUE" && value != "FALSE" && value != "ON" && value != "OFF") {
+        RaiseError(15241);
+    }
+    const bool on = value == "TRUE" || value == "ON";
+    if (found->option == "SINGLE_USER") {
+        SetDatabaseOption(session, database, on ? "SINGLE_USER" : "MULTI_USER", "", false);
+    } else if (found->option == "RECOVERY") {
+        SetDatabaseOption(session, database, "RECOVERY", on ? "SIMPLE" : "FULL", false);
+    } else if (found->option == "PUBLISHED") {
+        RaiseError(40517, {"sp_dboption 'published'"});
+    } else {
+        SetDatabaseOption(session, database, std::string(found->option), on ? "ON" : "OFF", false);
+    }
+    return 0;
+}
+
+std::int32_t RenameDb(SystemCall& call) {
+    ast::AlterDatabaseStatement alter;
+    alter.database = call.Text("@dbname");
+    alter.new_name = call.Text("@newname");
+    alter.action = ast::AlterDatabaseAction::ModifyName;
+    RunAlterDatabase(call.session(), alter);
+    return 0;
+}
+
+// ------------------------------------------------------------------ objects and types
+
+std::int32_t AddType(SystemCall& call) {
+    ast::CreateTypeStatement create;
+    create.name.parts = {call.Text("@typename")};
+    create.base = ParseTypeSpec(call.Text("@phystype"));
+    if (!call.IsNull("@nulltype")) {
+        const std::string nulls = AsciiUpper(call.Text("@nulltype"));
+        if (nulls != "NULL" && nulls != "NOT NULL" && nulls != "NONULL") {
+            RaiseError(15021, {"@nulltype"});
+        }
+        create.nullable = nulls == "NULL";
+    }
+    RunCreateType(call.session(), create);
+    return 0;
+}
+
+std::int32_t DropType(SystemCall& call) {
+    ast::DropStatement drop{ast::ObjectKind::Type, {}, false};
+    drop.names.push_back({{call.Text("@typename")}});
+    RunDrop(call.session(), drop);
+    return 0;
+}
+
+std::int32_t Rename(SystemCall& call) {
+    SessionCore& session = call.session();
+    const std::string old_text = call.Text("@objname");
+    const std::string new_name = call.Text("@newname");
+    const std::string kind = AsciiUpper(call.Text("@objtype"));
+    ast::Name name = ParseName(old_text);
+    if (name.empty()) {
+        RaiseError(15225, {old_text, session.CurrentDatabaseName(), kind.empty() ? "(null)" : kind});
+    }
+    if (kind == "DATABASE") {
+        ast::AlterDatabaseStatement alter;
+        alter.database = name.last();
+        alter.new_name = new_name;
+        alter.action = ast::AlterDatabaseAction::ModifyName;
+        RunAlterDatabase(session, alter);
+        return 0;
+    }
+    Catalogue& catalogue = session.CurrentDatabase();
+    std::string part;
+    if (kind == "COLUMN" || kind == "INDEX") {
+        part = name.last();
+        name.parts.pop_back();
+    }
+    const std::optional<ObjectDef> object =
+        name.empty() ? std::nullopt
+                     : catalogue.FindObject(name.parts.size() > 1 ? name.parts[name.parts.size() - 2] : "dbo",
+                                            name.last());
+    if (!object) {
+        RaiseError(part.empty() ? 15225 : 15248,
+                   {part.empty() ? old_text : kind, session.CurrentDatabaseName(), "(null)"});
+    }
+    session.Write(catalogue.alias(), [&] {
+        if (part.empty()) {
+            if (catalogue.FindObject(object->schema, new_name)) {
+                RaiseError(15335, {new_name, "OBJECT"});
+            }
+            catalogue.RenameObject(object->id, new_name);
+            return;
+        }
+        const TablePtr table = catalogue.LoadTable(object->id);
+        if (kind == "COLUMN") {
+            const ColumnDef* column = table ? table->Find(part) : nullptr;
+            if (column == nullptr) {
+                RaiseError(15248, {"COLUMN"});
+            }
+            session.connection.Execute("ALTER TABLE " + table->Qualified() + " RENAME COLUMN " +
+                                       QuoteName(column->name) + " TO " + QuoteName(new_name));
+            ColumnDef renamed = *column;
+            renamed.name = new_name;
+            catalogue.UpdateColumn(table->id, renamed);
+            return;
+        }
+        const bool known =
+            table && std::any_of(table->indexes.begin(), table->indexes.end(),
+                                 [&](const IndexDef& i) { return CompareText(i.name, part) == 0; });
+        if (!known) {
+            RaiseError(15248, {"INDEX"});
+        }
+        catalogue.Prepare("UPDATE {db}.devsql_indexes SET name = ?3 WHERE object = ?1 AND name = ?2")
+            .BindInt(1, object->id)
+            .BindText(2, part)
+            .BindText(3, new_name)
+            .Run();
+        catalogue.Touch();
+    });
+    session.Info(15477, {});
+    return 0;
+}
+
+/// The text in rows of 255 characters that keep their line ends.
+std::int32_t HelpText(SystemCall& call) {
+    SessionCore& session = call.session();
+    const std::string text = call.Text("@objname");
+    const ast::Name name = ParseName(text);
+    if (name.empty()) {
+        RaiseError(15009, {text, session.CurrentDatabaseName()});
+    }
+    const ObjectPlace place = PlaceOf(session, name);
+    if (CompareText(place.database, session.CurrentDatabaseName()) != 0) {
+        RaiseError(15250);
+    }
+    Catalogue& catalogue = session.CurrentDatabase();
+    std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
+    if (!object && ToLower(place.name).starts_with("sp_")) {
+        object = session.Database("master").FindObject("dbo", place.name);
+    }
+    if (!object) {
+        RaiseError(15009, {text, session.CurrentDatabaseName()});
+    }
+    if (object->text.empty()) {
+        RaiseError(15197, {text});
+    }
+    if (object->encrypted) {
+        session.Info(15471, {text});
+        return 0;
+    }
+    session.sink().Columns({{"Text", Sized(TypeId::NVarChar, 255), true, false}});
+    std::size_t begin = 0;
+    std::int64_t rows = 0;
+    while (begin < object->text.size()) {
+        const std::size_t line = object->text.find('\n', begin);
+        const std::size_t end = line == std::string::npos ? object->text.size() : line + 1;
+        std::string rest = object->text.substr(begin, end - begin);
+        while (!rest.empty()) {
+            const std::string piece = SubText(rest, 0, 255);
+            session.sink().Row({piece});
+            rest.erase(0, piece.size());
+            ++rows;
+        }
+        begin = end;
+    }
+    session.Done(Command::Select, rows);
+    return 0;
+}
+
+// ------------------------------------------------------------------ principals
+
+std::int32_t AddLoginProcedure(SystemCall& call) {
+    AddLogin(call.session(), call.Text("@loginame"), call.Text("@passwd"), call.Text("@defdb"));
+    return 0;
+}
+
+std::int32_t DropLoginProcedure(SystemCall& call) {
+    const std::string name = call.Text("@loginame");
+    if (!FindLogin(call.session().connection, name)) {
+        RaiseError(15007, {name});
+    }
+    DropPrincipal(call.session(), ast::ObjectKind::Login, name, false);
+    return 0;
+}
+
+std::int32_t Password(SystemCall& call) {
+    const std::string name = call.IsNull("@loginame") ? call.session().login : call.Text("@loginame");
+    std::optional<LoginInfo> login = FindLogin(call.session().connection, name);
+    if (!login) {
+        RaiseError(15007, {name});
+    }
+    if (login->password_hash.empty()) {
+        RaiseError(40517, {"sp_password for a login of the logins file"});
+    }
+    login->password_hash = HashPassword(call.Text("@new"));
+    call.session().Write("main", [&] { SaveLogin(call.session().connection, *login); });
+    return 0;
+}
+
+std::int32_t DefaultDb(SystemCall& call) {
+    std::optional<LoginInfo> login = FindLogin(call.session().connection, call.Text("@loginame"));
+    if (!login) {
+        RaiseError(15007, {call.Text("@loginame")});
+    }
+    if (!FindDatabase(call.session().connection, call.Text("@defdb"))) {
+        RaiseError(15010, {call.Text("@defdb")});
+    }
+    login->database = call.Text("@defdb");
+    call.session().Write("main", [&] { SaveLogin(call.session().connection, *login); });
+    return 0;
+}
+
+std::int32_t GrantDbAccess(SystemCall& call) {
+    AddUser(call.session(), call.Text("@loginame"), call.Text("@name_in_db"));
+    return 0;
+}
+
+std::int32_t RevokeDbAccess(SystemCall& call) {
+    DropPrincipal(call.session(), ast::ObjectKind::User, call.Text("@name_in_db"), false);
+    return 0;
+}
+
+std::int32_t AddRoleProcedure(SystemCall& call) {
+    AddRole(call.session(), call.Text("@rolename"));
+    return 0;
+}
+
+std::int32_t DropRoleProcedure(SystemCall& call) {
+    DropPrincipal(call.session(), ast::ObjectKind::Role, call.Text("@rolename"), false);
+    return 0;
+}
+
+std::int32_t AddRoleMember(SystemCall& call) {
+    SetRoleMember(call.session(), call.Text("@rolename"), call.Text("@membername"), true);
+    return 0;
+}
+
+std::int32_t DropRoleMember(SystemCall& call) {
+    SetRoleMember(call.session(), call.Text("@rolename"), call.Text("@membername"), false);
+    return 0;
+}
+
+std::int32_t AddServerRoleMember(SystemCall& call) {
+    std::optional<LoginInfo> login = FindLogin(call.session().connection, call.Text("@loginame"));
+    if (!login) {
+        RaiseError(15007, {call.Text("@loginame")});
+    }
+    login->administrator = login->administrator || AsciiEqual(call.Text("@rolename"), "sysadmin");
+    call.session().Write("main", [&] { SaveLogin(call.session().connection, *login); });
+    return 0;
+}
+
+std::int32_t ChangeDbOwner(SystemCall& call) {
+    std::optional<DatabaseInfo> info =
+        FindDatabase(call.session().connection, call.session().CurrentDatabaseName());
+    const std::string login = call.Text("@loginame");
+    if (!FindLogin(call.session().connection, login)) {
+        RaiseError(15007, {login});
+    }
+    info->owner = login;
+    UpdateDatabase(call.session().connection, *info);
+    return 0;
+}
+
+std::int32_t Configure(SystemCall& call) {
+    if (!call.IsNull("@configname") && !AsciiEqual(call.Text("@configname"), "show advanced options")) {
+        RaiseError(40517, {"sp_configure '" + call.Text("@configname") + "'"});
+    }
+    return 0;
+}
+
+constexpr SystemProcedure kProcedures[] = {
+    {"sp_executesql", "...", ExecuteSql},
+    {"sp_prepare", "...", Prepare},
+    {"sp_execute", "...", ExecutePrepared},
+    {"sp_prepexec", "...", PrepareAndExecute},
+    {"sp_unprepare", "@handle int", Unprepare},
+    {"sp_sqlexec", "@statement nvarchar(max)", Execute},
+    {"sp_detach_db",
+     "@dbname sysname = NULL, @skipchecks nvarchar(10) = NULL, @keepfulltextindexfile nvarchar(10) = NULL",
+     DetachDb},
+    {"sp_attach_db",
+     "@dbname sysname, @filename1 nvarchar(260), @filename2 nvarchar(260) = NULL, @filename3 nvarchar(260) = "
+     "NULL, "
+     "@filename4 nvarchar(260) = NULL, @filename5 nvarchar(260) = NULL, @filename6 nvarchar(260) = NULL, "
+     "@filename7 nvarchar(260) = NULL, @filename8 nvarchar(260) = NULL, @filename9 nvarchar(260) = NULL, "
+     "@filename10 nvarchar(260) = NULL, @filename11 nvarchar(260) = NULL, @filename12 nvarchar(260) = NULL, "
+     "@filename13 nvarchar(260) = NULL, @filename14 nvarchar(260) = NULL, @filename15 nvarchar(260) = NULL, "
+     "@filename16 nvarchar(260) = NULL",
+     AttachDb},
+    {"sp_attach_single_file_db", "@dbname sysname, @physname nvarchar(260)", AttachSingleFileDb},
+    {"sp_dboption", "@dbname sysname = NULL, @optname varchar(35) = NULL, @optvalue varchar(10) = NULL",
+     DbOptionProcedure},
+    {"sp_renamedb", "@dbname sysname, @newname sysname", RenameDb},
+    {"sp_addtype", "@typename sysname, @phystype sysname, @nulltype varchar(8) = NULL, @owner sysname = NULL",
+     AddType},
+    {"sp_droptype", "@typename sysname", DropType},
+    {"sp_rename", "@objname nvarchar(1035), @newname sysname, @objtype varchar(13) = NULL", Rename},
+    {"sp_helptext", "@objname nvarchar(776), @columnname sysname = NULL", HelpText},
+    {"sp_addlogin",
+     "@loginame sysname, @passwd sysname = NULL, @defdb sysname = 'master', @deflanguage sysname = NULL, "
+     "@sid varbinary(16) = NULL, @encryptopt varchar(20) = NULL",
+     AddLoginProcedure},
+    {"sp_droplogin", "@loginame sysname", DropLoginProcedure},
+    {"sp_password", "@old sysname = NULL, @new sysname, @loginame sysname = NULL", Password},
+    {"sp_defaultdb", "@loginame sysname, @defdb sysname", DefaultDb},
+    {"sp_grantdbaccess", "@loginame sysname, @name_in_db sysname = NULL", GrantDbAccess},
+    {"sp_adduser", "@loginame sysname, @name_in_db sysname = NULL, @grpname sysname = NULL", GrantDbAccess},
+    {"sp_revokedbaccess", "@name_in_db sysname", RevokeDbAccess},
+    {"sp_dropuser", "@name_in_db sysname", RevokeDbAccess},
+    {"sp_addrole", "@rolename sysname, @ownername sysname = NULL", AddRoleProcedure},
+    {"sp_droprole", "@rolename sysname", DropRoleProcedure},
+    {"sp_addrolemember", "@rolename sysname, @membername sysname", AddRoleMember},
+    {"sp_droprolemember", "@rolename sysname, @membername sysname", DropRoleMember},
+    {"sp_addsrvrolemember", "@loginame sysname, @rolename sysname = NULL", AddServerRoleMember},
+    {"sp_changedbowner", "@loginame sysname, @map varchar(5) = NULL", ChangeDbOwner},
+    {"sp_configure", "@configname varchar(35) = NULL, @configvalue int = NULL", Configure},
+};
+
+} // namespace
+
+const SystemProcedure* FindSystemProcedure(std::string_view name) {
+    for (const std::span<const SystemProcedure> list :
+         {std::span<const SystemProcedure>(kProcedures), CatalogueProcedures(), HelpProcedures(),
+          KeyProcedures(), PropertyProcedures(), LinkedProcedures(), DistributorProcedures(),
+          PublicationProcedures()}) {
+        for (const SystemProcedure& procedure : list) {
+            if (AsciiEqual(procedure.name, name)) {
+                return &procedure;
+            }
+        }
+    }
+    return nullptr;
+}
+
+} // namespace devsql

@@ -1,0 +1,390 @@
+// Distributor, publishers, subscribers, and which database publishes.
+#include <algorithm>
+
+#include "devserver/storage/databases.h"
+#include "devserver/storage/linked_servers.h"
+#include "devserver/storage/publications.h"
+#include "devserver/tsql/linked/remote_values.h"
+#include "devserver/tsql/replication/replication_procedures.h"
+#include "devserver/tsql/run/server.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+
+bool SaysTrue(const std::string& text) {
+    return AsciiEqual(TrimTrailingBlanks(text), "true");
+}
+
+void AddAgentJob(SystemCall& call, const std::string& name, const std::string& category) {
+    call.Run("IF NOT EXISTS (SELECT * FROM msdb.dbo.sysjobs WHERE name = @p1) EXEC msdb.dbo.sp_add_job "
+             "@job_name = @p1, @enabled = 1, @category_name = @p2, @description = N'No description "
+             "available.'",
+             {name, category});
+}
+
+void DropAgentJob(SystemCall& call, const std::string& name) {
+    call.Run("IF EXISTS (SELECT * FROM msdb.dbo.sysjobs WHERE name = @p1) EXEC msdb.dbo.sp_delete_job "
+             "@job_name = @p1",
+             {name});
+}
+
+namespace {
+
+constexpr const char* kDistributor = "repl_distributor";
+constexpr const char* kDistributionOption = "DISTRIBUTOR"; ///< of a distribution database
+constexpr const char* kDistributionDb = "distribution db"; ///< of a publisher's server
+constexpr const char* kMadeHere = "made by replication";   ///< of a server's row that came with its role
+
+SqliteConnection& Connection(SystemCall& call) {
+    return call.session().connection;
+}
+
+void Save(SystemCall& call, const LinkedServer& server) {
+    call.session().Write("main", [&] { SaveServer(Connection(call), server); });
+}
+
+/// The server's row, made if there is none.
+LinkedServer ServerRow(SystemCall& call, const std::string& name) {
+    if (std::optional<LinkedServer> known = FindServer(Connection(call), name)) {
+        return *std::move(known);
+    }
+    LinkedServer server;
+    server.name = name;
+    server.product = "SQL Server";
+    server.provider = "SQLOLEDB";
+    server.source = name;
+    server.options[kMadeHere] = "true";
+    return server;
+}
+
+/// A role has ended: the row goes if it came with the role.
+void DropRole(SystemCall& call, const LinkedServer& server) {
+    const bool none = !server.publisher && !server.subscriber && !server.distributor;
+    if (none && server.Is(kMadeHere)) {
+        call.session().Write("main", [&] { RemoveServer(Connection(call), server.id); });
+    } else {
+        Save(call, server);
+    }
+}
+
+std::vector<std::string> DistributionDatabases(SystemCall& call) {
+    std::vector<std::string> names;
+    for (const DatabaseInfo& info : ListDatabases(Connection(call))) {
+        if (info.Option(kDistributionOption)) {
+            names.push_back(info.name);
+        }
+    }
+    return names;
+}
+
+/// Raises 14071.
+LinkedServer RequireDistributor(SystemCall& call) {
+    std::optional<LinkedServer> server = FindServer(Connection(call), kDistributor);
+    if (!server) {
+        RaiseError(14071);
+    }
+    return *std::move(server);
+}
+
+std::int32_t AddDistributor(SystemCall& call) {
+    const std::string name = call.Text("@distributor");
+    if (const auto known = FindServer(Connection(call), kDistributor)) {
+        RaiseError(14099, {known->source});
+    }
+    LinkedServer server = ServerRow(call, kDistributor);
+    server.source = name;
+    server.distributor = true;
+    server.options["rpc"] = "true";
+    server.options["rpc out"] = "true";
+    server.options["system"] = "true";
+    Save(call, server);
+    return 0;
+}
+
+/// The folder with a separator at its end, as it is written; empty stays empty.
+std::string FolderPrefix(std::string folder) {
+    if (!folder.empty() && !folder.ends_with('\\') && !folder.ends_with('/')) {
+        folder += folder.find('/') == std::string::npos ? '\\' : '/';
+    }
+    return folder;
+}
+
+std::int32_t AddDistributionDb(SystemCall& call) {
+    RequireDistributor(call);
+    const std::string name = call.Text("@database");
+    std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
+    if (info && info->Option(kDistributionOption)) {
+        RaiseError(14119, {name});
+    }
+    if (!info) {
+        std::string sql = "CREATE DATABASE " + BracketName(name);
+        const std::string data = FolderPrefix(call.Text("@data_folder"));
+        const std::string log = FolderPrefix(call.Text("@log_folder"));
+        const auto file = [&](const std::string& given, const std::string& otherwise) {
+            return given.empty() ? otherwise : given;
+        };
+        if (!data.empty()) {
+            sql += " ON (NAME = " + BracketName(name) +
+                   ", FILENAME = " + RemoteText(data + file(call.Text("@data_file"), name + ".MDF")) + ")";
+        }
+        if (!data.empty() && !log.empty()) {
+            sql += " LOG ON (NAME = " + BracketName(name + "_log") +
+                   ", FILENAME = " + RemoteText(log + file(call.Text("@log_file"), name + ".LDF")) + ")";
+        }
+        call.Run(sql);
+        info = FindDatabase(Connection(call), name);
+        if (!info) { // CREATE DATABASE has said why.
+            return 1;
+        }
+    }
+    info->options[kDistributionOption] = "ON";
+    call.session().Write("main", [&] { UpdateDatabase(Connection(call), *info); });
+    AddAgentJob(call, "Distribution clean up: " + name, "REPL-Distribution Cleanup");
+    AddAgentJob(call, "Agent history clean up: " + name, "REPL-History Cleanup");
+    return 0;
+}
+
+std::int32_t AddDistPublisher(SystemCall& call) {
+    RequireDistributor(call);
+    const std::string database = call.Text("@distribution_db");
+    const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), database);
+    if (!info || !info->Option(kDistributionOption)) {
+        RaiseError(14117, {database});
+    }
+    LinkedServer server = ServerRow(call, call.Text("@publisher"));
+    server.publisher = true;
+    server.options[kDistributionDb] = info->name;
+    server.options["working directory"] = call.Text("@working_directory");
+    Save(call, server);
+    return 0;
+}
+
+std::int32_t DropDistPublisher(SystemCall& call) {
+    const std::string name = call.Text("@publisher");
+    std::optional<LinkedServer> server = FindServer(Connection(call), name);
+    if (!server || !server->publisher) {
+        RaiseError(14080, {name});
+    }
+    server->publisher = false;
+    server->options.erase(kDistributionDb);
+    server->options.erase("working directory");
+    DropRole(call, *server);
+    return 0;
+}
+
+void DropDistributionDatabase(SystemCall& call, const std::string& name) {
+    DropAgentJob(call, "Distribution clean up: " + name);
+    DropAgentJob(call, "Agent history clean up: " + name);
+    std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
+    info->options.erase(kDistributionOption);
+    call.session().Write("main", [&] { UpdateDatabase(Connection(call), *info); });
+    call.Run("DROP DATABASE " + BracketName(name));
+}
+
+std::int32_t DropDistributionDb(SystemCall& call) {
+    const std::string name = call.Text("@database");
+    const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
+    if (!info || !info->Option(kDistributionOption)) {
+        RaiseError(14117, {name});
+    }
+    for (const LinkedServer& server : ListServers(Connection(call))) {
+        if (Folded(server.Option(kDistributionDb)) == Folded(name)) {
+            RaiseError(14120, {name});
+        }
+    }
+    DropDistributionDatabase(call, info->name);
+    return 0;
+}
+
+std::int32_t DropDistributor(SystemCall& call) {
+    const std::optional<LinkedServer> distributor = FindServer(Connection(call), kDistributor);
+    if (!distributor) {
+        RaiseError(14114, {call.session().server.ServerName()});
+    }
+    const std::vector<std::string> databases = DistributionDatabases(call);
+    if (!databases.empty() && call.Int("@no_checks") == 0) {
+        RaiseError(14121, {distributor->source});
+    }
+    for (const DatabaseInfo& info : ListDatabases(Connection(call))) {
+        if (info.Option("PUBLISHED")) {
+            UnpublishDatabase(call, info.name);
+        }
+    }
+    for (LinkedServer server : ListServers(Connection(call))) {
+        if (server.publisher) {
+            server.publisher = false;
+            server.options.erase(kDistributionDb);
+            DropRole(call, server);
+        }
+    }
+    for (const std::string& name : databases) {
+        DropDistributionDatabase(call, name);
+    }
+    call.session().Write("main", [&] { RemoveServer(Connection(call), distributor->id); });
+    return 0;
+}
+
+std::int32_t ChangeDistributorPassword(SystemCall& call) {
+    // No agent logs in with it, so it is not even kept.
+    RequireDistributor(call);
+    return 0;
+}
+
+std::int32_t AddSubscriber(SystemCall& call) {
+    const std::string name = call.Text("@subscriber");
+    LinkedServer server = ServerRow(call, name);
+    if (server.subscriber) {
+        RaiseError(14040, {name});
+    }
+    server.subscriber = true;
+    server.options["rpc"] = "true";
+    Save(call, server);
+    if (call.IsNull("@login")) {
+        return 0;
+    }
+    LinkedLogins logins(Connection(call), call.session().server.LinkedKeyFile());
+    const int id = FindServer(Connection(call), name)->id;
+    call.session().Write("main", [&] {
+        logins.Save(id, {"", false, call.Text("@login"), call.Text("@password")});
+    });
+    return 0;
+}
+
+std::int32_t DropSubscriber(SystemCall& call) {
+    const std::string name = call.Text("@subscriber");
+    std::optional<LinkedServer> server = FindServer(Connection(call), name);
+    if (!server || !server->subscriber) {
+        RaiseError(14048, {name});
+    }
+    if (HasSubscriptions(Connection(call), name)) {
+        RaiseError(14144, {name, call.session().CurrentDatabaseName()});
+    }
+    server->subscriber = false;
+    DropRole(call, *server);
+    return 0;
+}
+
+void SetPublished(SystemCall& call, DatabaseInfo info, bool on) {
+    info.options["PUBLISHED"] = on ? "ON" : "OFF";
+    call.session().Write("main", [&] { UpdateDatabase(Connection(call), info); });
+}
+
+std::int32_t ReplicationDbOption(SystemCall& call) {
+    const std::string name = call.Text("@dbname");
+    const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
+    if (!info) {
+        RaiseError(15010, {name});
+    }
+    const std::string option = AsciiUpper(call.Text("@optname"));
+    if (option == "MERGE PUBLISH" || option == "SUBSCRIBE" || option == "SYNC WITH BACKUP") {
+        RaiseError(40517, {"sp_replicationdboption '" + call.Text("@optname") + "'"});
+    }
+    if (option != "PUBLISH") {
+        RaiseError(14137, {call.Text("@optname")});
+    }
+    const bool on = SaysTrue(call.Text("@value"));
+    if (!on && !AsciiEqual(TrimTrailingBlanks(call.Text("@value")), "false")) {
+        RaiseError(14148, {"@value"});
+    }
+    if (on && (!FindServer(Connection(call), kDistributor) || DistributionDatabases(call).empty())) {
+        RaiseError(20028);
+    }
+    if (!on) {
+        UnpublishDatabase(call, info->name);
+    }
+    SetPublished(call, *info, on);
+    return 0;
+}
+
+std::int32_t RemoveDbReplication(SystemCall& call) {
+    const std::string name =
+        call.IsNull("@dbname") ? call.session().CurrentDatabaseName() : call.Text("@dbname");
+    const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
+    if (!info) {
+        RaiseError(15010, {name});
+    }
+    UnpublishDatabase(call, info->name);
+    SetPublished(call, *info, false);
+    return 0;
+}
+
+std::int32_t HelpDistributor(SystemCall& call) {
+    call.Run(
+        "SELECT s.datasource AS distributor, d.name AS [distribution database], CONVERT(nvarchar(255), "
+        "NULL) AS directory, CONVERT(nvarchar(255), NULL) AS account, 0 AS [min distrib retention], 72 AS "
+        "[max distrib retention], 48 AS [history retention], CONVERT(nvarchar(100), N'Agent history clean "
+        "up: ' + d.name) AS [history cleanup agent], CONVERT(nvarchar(100), N'Distribution clean up: ' + "
+        "d.name) AS [distribution cleanup agent], s.srvname AS [rpc server name], "
+        "CONVERT(sysname, N'distributor_admin') AS [rpc login name] FROM master.dbo.sysservers s LEFT JOIN "
+        "master.dbo.sysdatabases d ON d.category & 16 = 16 WHERE s.srvname = N'repl_distributor'");
+    return 0;
+}
+
+std::int32_t GetDistributor(SystemCall& call) {
+    call.Run("SELECT CASE WHEN EXISTS (SELECT * FROM master.dbo.sysservers WHERE srvname = "
+             "N'repl_distributor') THEN 1 ELSE 0 END AS installed, (SELECT datasource FROM "
+             "master.dbo.sysservers WHERE srvname = N'repl_distributor') AS [distribution server], CASE WHEN "
+             "EXISTS (SELECT * FROM master.dbo.sysdatabases WHERE category & 16 = 16) THEN 1 ELSE 0 END AS "
+             "[distribution db installed], CASE WHEN EXISTS (SELECT * FROM master.dbo.sysservers WHERE srvid "
+             "= 0 AND pub = 1) THEN 1 ELSE 0 END AS [is distribution publisher], CASE WHEN EXISTS (SELECT * "
+             "FROM master.dbo.sysservers WHERE srvid > 0 AND pub = 1) THEN 1 ELSE 0 END AS [has remote "
+             "distribution publisher]");
+    return 0;
+}
+
+#define SCHEDULE                                                                                             \
+    "@frequency_type int = NULL, @frequency_interval int = NULL, @frequency_relative_interval int = NULL, "  \
+    "@frequency_recurrence_factor int = NULL, @frequency_subday int = NULL, @frequency_subday_interval int " \
+    "= NULL, @active_start_time_of_day int = NULL, @active_end_time_of_day int = NULL, @active_start_date "  \
+    "int = NULL, @active_end_date int = NULL"
+
+constexpr SystemProcedure kProcedures[] = {
+    {"sp_adddistributor",
+     "@distributor sysname, @heartbeat_interval int = 10, @password sysname = NULL, @from_scripting bit = 0",
+     AddDistributor},
+    {"sp_adddistributiondb",
+     "@database sysname, @data_folder nvarchar(255) = NULL, @data_file nvarchar(255) = NULL, "
+     "@data_file_size int = NULL, @log_folder nvarchar(255) = NULL, @log_file nvarchar(255) = NULL, "
+     "@log_file_size int = NULL, @min_distretention int = 0, @max_distretention int = 72, "
+     "@history_retention int = 48, @security_mode int = 1, @login sysname = NULL, @password sysname = NULL, "
+     "@createmode int = 1, @from_scripting bit = 0",
+     AddDistributionDb},
+    {"sp_adddistpublisher",
+     "@publisher sysname, @distribution_db sysname, @security_mode int = 1, @login sysname = NULL, "
+     "@password sysname = NULL, @working_directory nvarchar(255) = NULL, @trusted nvarchar(5) = NULL, "
+     "@encrypted_password bit = 0, @thirdparty_flag bit = 0, @publisher_type sysname = NULL",
+     AddDistPublisher},
+    {"sp_dropdistpublisher", "@publisher sysname, @no_checks bit = 0, @ignore_distributor bit = 0",
+     DropDistPublisher},
+    {"sp_dropdistributiondb", "@database sysname", DropDistributionDb},
+    {"sp_dropdistributor", "@no_checks bit = 0, @ignore_distributor bit = 0", DropDistributor},
+    {"sp_changedistributor_password", "@password sysname", ChangeDistributorPassword},
+    {"sp_addsubscriber",
+     "@subscriber sysname, @type tinyint = 0, @login sysname = NULL, @password nvarchar(524) = NULL, "
+     "@commit_batch_size int = 100, @status_batch_size int = 100, @flush_frequency int = 0, " SCHEDULE
+     ", @description nvarchar(255) = NULL, @security_mode int = 1, @encrypted_password bit = 0, @publisher "
+     "sysname = NULL",
+     AddSubscriber},
+    {"sp_dropsubscriber",
+     "@subscriber sysname, @reserved nvarchar(50) = NULL, @ignore_distributor bit = 0, @publisher sysname = "
+     "NULL",
+     DropSubscriber},
+    {"sp_replicationdboption",
+     "@dbname sysname, @optname sysname, @value sysname, @ignore_distributor bit = 0, @from_scripting bit = "
+     "0",
+     ReplicationDbOption},
+    {"sp_removedbreplication", "@dbname sysname = NULL, @type nvarchar(5) = N'both'", RemoveDbReplication},
+    {"sp_helpdistributor", "", HelpDistributor},
+    {"sp_get_distributor", "", GetDistributor},
+};
+
+#undef SCHEDULE
+
+} // namespace
+
+std::span<const SystemProcedure> DistributorProcedures() {
+    return kProcedures;
+}
+
+} // namespace devsql

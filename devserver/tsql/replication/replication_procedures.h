@@ -1,0 +1,27 @@
+// The procedures of replication: they keep what is published and to whom, and make and remove the jobs that a
+// real server's agents would run. No row is replicated.
+#pragma once
+
+#include <span>
+
+#include "devserver/tsql/procedures/system_procedures.h"
+
+namespace devsql {
+
+/// Distributor, publishers, subscribers.
+std::span<const SystemProcedure> DistributorProcedures();
+/// Publications, articles, subscriptions.
+std::span<const SystemProcedure> PublicationProcedures();
+
+// ---- shared by the two
+/// True where the text says "true", in any case.
+bool SaysTrue(const std::string& text);
+void AddAgentJob(SystemCall& call, const std::string& name, const std::string& category);
+/// Nothing where there is no such job.
+void DropAgentJob(SystemCall& call, const std::string& name);
+/// Takes all publications of a database away, with their subscriptions and jobs.
+void UnpublishDatabase(SystemCall& call, const std::string& database);
+/// The name of a job of the log reader, which serves the whole database.
+std::string LogReaderJob(SystemCall& call, const std::string& database);
+
+} // namespace devsql

@@ -1,0 +1,464 @@
+// Control flow, and what an error ends: the statement, the procedure or the batch.
+#include "devserver/tsql/run/interpreter.h"
+
+#include <algorithm>
+#include <array>
+
+#include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/parse/located_error.h"
+#include "devserver/tsql/parse/overloaded.h"
+#include "devserver/tsql/parse/parser.h"
+#include "devserver/tsql/procedures/system_procedures.h"
+#include "devserver/tsql/run/server.h"
+#include "devserver/tsql/run/statements.h"
+#include "devserver/tsql/scalar/compare.h"
+
+namespace devsql {
+namespace {
+
+/// Ends the batch; its message has been sent.
+struct BatchAborted {};
+/// Ends the procedure, or the batch that has no procedure around it.
+struct ScopeAborted {};
+
+constexpr std::uint8_t kFirstError = 11;
+
+/// Errors that end the batch and roll its transaction back: a value that isn't what its type wants, a lost
+/// fight for a lock.
+constexpr std::array<std::int32_t, 15> kBatchErrors = {241,  242,  244,  245, 248,  295, 8169, 8170,
+                                                       1205, 3930, 3609, 217, 8624, 235, 296};
+
+/// Errors that SQL Server finds when it compiles the statement: they end the procedure or the batch.
+constexpr std::array<std::int32_t, 53> kScopeErrors = {
+    102, 104, 107,  108,  109,  110,  116, 120,  121,  128,  130,  137,  141,  145,  147,  156,  164, 174,
+    189, 195, 205,  206,  207,  208,  209, 213,  257,  259,  263,  264,  271,  272,  273,  306,  402, 420,
+    421, 529, 1011, 1013, 1046, 1087, 911, 4104, 8101, 8116, 8117, 8118, 8120, 8121, 8127, 8133, 8155};
+
+/// The statement has been terminated: said behind the errors of rows.
+constexpr std::array<std::int32_t, 10> kRowErrors = {515, 547, 2601, 2627, 8152, 8115, 8134, 220, 232, 512};
+
+template <std::size_t Count>
+bool Contains(const std::array<std::int32_t, Count>& numbers, std::int32_t number) {
+    return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
+}
+
+/// The statements that open a transaction under SET IMPLICIT_TRANSACTIONS ON.
+bool BeginsImplicitly(const ast::Statement& statement) {
+    return std::holds_alternative<ast::QueryPtr>(statement.node) ||
+           std::holds_alternative<ast::InsertStatement>(statement.node) ||
+           std::holds_alternative<ast::UpdateStatement>(statement.node) ||
+           std::holds_alternative<ast::DeleteStatement>(statement.node) ||
+           std::holds_alternative<ast::TruncateStatement>(statement.node) ||
+           std::holds_alternative<ast::CreateTableStatement>(statement.node) ||
+           std::holds_alternative<ast::AlterTableStatement>(statement.node) ||
+           std::holds_alternative<ast::DropStatement>(statement.node) ||
+           std::holds_alternative<ast::GrantStatement>(statement.node) ||
+           std::holds_alternative<ast::FetchStatement>(statement.node);
+}
+
+Message MessageOf(const SessionCore& session, const SqlError& error) {
+    if (const auto* call = dynamic_cast<const CallError*>(&error)) {
+        return {error.number(), error.severity(), error.state(), error.text(), call->procedure(), 0};
+    }
+    return {error.number(), error.severity(),          error.state(),
+            error.text(),   session.frame().procedure, session.line};
+}
+
+/// How SQLite says that a statement has more of something than it takes.
+constexpr std::array<std::string_view, 4> kTooLarge = {"oo many", "oo large", "at most", "stack overflow"};
+
+SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
+    switch (error.primary_code()) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return session.options.lock_timeout >= 0 ? ErrorOf(1222, {}, 51)
+                                                 : ErrorOf(1205, {std::to_string(session.id), "lock"}, 51);
+    case SQLITE_TOOBIG:
+    case SQLITE_ERROR: // A statement too large for SQLite: depth, columns, terms of a compound.
+        return std::ranges::any_of(kTooLarge,
+                                   [&](std::string_view words) {
+                                       return std::string_view(error.what()).find(words) !=
+                                              std::string_view::npos;
+                                   })
+                   ? ErrorOf(8623)
+                   : ErrorOf(8624, {error.what()});
+    case SQLITE_FULL:
+        return ErrorOf(1105, {"", session.CurrentDatabaseName(), "PRIMARY"}, 2);
+    default:
+        return ErrorOf(8624, {error.what()});
+    }
+}
+
+} // namespace
+
+// ------------------------------------------------------------------ entries
+
+void Interpreter::RunGuarded(const std::function<void()>& work) {
+    const DateSettingsScope dates(session_.options.dates);
+    try {
+        work();
+    } catch (const BatchAborted&) {
+    } catch (const ScopeAborted&) {
+    } catch (const LocatedError& error) {
+        session_.last_error = error.number();
+        session_.Print({error.number(), error.severity(), error.state(), error.text(),
+                        session_.frame().procedure, error.line()});
+    } catch (const SqlError& error) {
+        session_.last_error = error.number();
+        session_.Print(MessageOf(session_, error));
+    } catch (const Failure& failure) {
+        session_.last_error = failure.message.number;
+        session_.Print(failure.message);
+    } catch (const Cancelled&) {
+        session_.AbandonTransaction();
+    } catch (const StorageError& error) {
+        if (error.primary_code() == SQLITE_INTERRUPT && session_.cancelled) {
+            session_.AbandonTransaction();
+            return;
+        }
+        const SqlError translated = ErrorOfStorage(session_, error);
+        session_.last_error = translated.number();
+        session_.AbandonTransaction();
+        session_.Print(MessageOf(session_, translated));
+    } catch (const std::exception& error) {
+        session_.AbandonTransaction();
+        session_.Print(MessageOf(session_, ErrorOf(8624, {error.what()})));
+    }
+}
+
+void Interpreter::RunBatch(std::string_view sql) {
+    RunGuarded([&] {
+        session_.line = 1;
+        const Batch batch = ParseBatch(sql, {session_.options.quoted_identifier, {}});
+        if (session_.options.parseonly) {
+            const bool ends =
+                std::any_of(batch.statements.begin(), batch.statements.end(), [](const ast::StatementPtr& s) {
+                    return std::holds_alternative<ast::SetOptionStatement>(s->node);
+                });
+            if (!ends) {
+                return;
+            }
+        }
+        Frame frame;
+        session_.Push(frame);
+        try {
+            RunWhole(batch.statements);
+        } catch (...) {
+            session_.Pop();
+            throw;
+        }
+        session_.Pop();
+    });
+}
+
+void Interpreter::RunText(std::string_view sql, Frame& frame) {
+    std::vector<std::string> variables;
+    for (const auto& [name, variable] : frame.variables) {
+        variables.push_back(name);
+    }
+    const std::int32_t line = session_.line;
+    Batch batch;
+    try {
+        batch = ParseBatch(sql, {session_.options.quoted_identifier, variables});
+    } catch (const LocatedError& error) {
+        session_.line = error.line();
+        throw;
+    }
+    const Options saved = session_.options;
+    session_.Push(frame);
+    const auto leave = [&] {
+        session_.Pop();
+        session_.options = saved;
+        session_.line = line;
+    };
+    try {
+        RunScope(batch.statements); // What called the string goes on.
+    } catch (...) {
+        leave();
+        throw;
+    }
+    leave();
+}
+
+// ------------------------------------------------------------------ flow
+
+bool Interpreter::FindLabel(const ast::StatementList& list, std::size_t& position) const {
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        const auto* label = std::get_if<ast::LabelStatement>(&list[i]->node);
+        if (label != nullptr && CompareText(label->label, goto_label_) == 0) {
+            position = i;
+            return true;
+        }
+    }
+    return false;
+}
+
+void Interpreter::RunWhole(const ast::StatementList& list) {
+    if (RunList(list) == Flow::Goto) {
+        Report(ErrorOf(133, {goto_label_}));
+    }
+}
+
+void Interpreter::RunScope(const ast::StatementList& list) {
+    try {
+        RunWhole(list);
+    } catch (const ScopeAborted&) {
+        return_value_ = -6;
+    }
+}
+
+/// An error in a system procedure is the procedure's own: it is told in its name and the call gives 1.
+std::int32_t Interpreter::RunSystem(const SystemProcedure& procedure, SystemCall& call) {
+    constexpr std::int32_t kFailed = 1;
+    try {
+        try {
+            return procedure.run(call);
+        } catch (const SqlError& error) {
+            Report(error);
+        } catch (const StorageError& error) {
+            Report(error);
+        }
+    } catch (const ScopeAborted&) {
+        return kFailed;
+    }
+    return kFailed;
+}
+
+Interpreter::Flow Interpreter::RunList(const ast::StatementList& list) {
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        const Flow flow = RunStatement(*list[i]);
+        if (flow == Flow::Goto && FindLabel(list, i)) {
+            continue;
+        }
+        if (flow != Flow::Next) {
+            return flow;
+        }
+    }
+    return Flow::Next;
+}
+
+Interpreter::Flow Interpreter::RunStatement(const ast::Statement& statement) {
+    session_.CheckCancelled();
+    session_.line = statement.line;
+    changes_rows_ = std::holds_alternative<ast::InsertStatement>(statement.node) ||
+                    std::holds_alternative<ast::UpdateStatement>(statement.node) ||
+                    std::holds_alternative<ast::DeleteStatement>(statement.node);
+    if (session_.options.noexec && !std::holds_alternative<ast::SetOptionStatement>(statement.node)) {
+        return Flow::Next;
+    }
+    try {
+        return Execute(statement);
+    } catch (const SqlError& error) {
+        Report(error);
+    } catch (const StorageError& error) {
+        Report(error);
+    }
+    return Flow::Next;
+}
+
+void Interpreter::Report(const StorageError& error) {
+    if (error.primary_code() == SQLITE_INTERRUPT) {
+        throw Cancelled{};
+    }
+    Report(ErrorOfStorage(session_, error));
+}
+
+void Interpreter::Report(const SqlError& error) {
+    const Message message = MessageOf(session_, error);
+    session_.last_error = message.number;
+    session_.row_count = 0;
+    if (message.severity < kFirstError) {
+        session_.Print(message);
+        return;
+    }
+    const bool ends_batch = Contains(kBatchErrors, message.number) || session_.options.xact_abort;
+    const bool compiled = Contains(kScopeErrors, message.number);
+    if (tries_ > (compiled ? tries_at_[session_.nesting()] : 0)) {
+        session_.doomed = session_.doomed || (ends_batch && session_.transaction_count() > 0);
+        throw Failure{message, compiled ? session_.nesting() : 0};
+    }
+    session_.Print(message);
+    if (changes_rows_ && !ends_batch && Contains(kRowErrors, message.number)) {
+        session_.Info(3621, {}, 0);
+    }
+    if (ends_batch) {
+        AbortBatch();
+    }
+    if (compiled) {
+        throw ScopeAborted{};
+    }
+}
+
+void Interpreter::AbortBatch() {
+    if (session_.transaction_count() > 0) {
+        session_.AbandonTransaction();
+    }
+    throw BatchAborted{};
+}
+
+Interpreter::Flow Interpreter::RunTry(const ast::TryStatement& statement) {
+    const int nesting = session_.nesting();
+    const std::size_t caught = session_.caught.size();
+    const auto leave = [&] {
+        --tries_;
+        --tries_at_[nesting];
+    };
+    ++tries_;
+    ++tries_at_[nesting];
+    try {
+        const Flow flow = RunList(statement.body);
+        leave();
+        return flow;
+    } catch (const Failure& failure) {
+        leave();
+        if (failure.uncaught_at == nesting) {
+            throw;
+        }
+        session_.caught.push_back({failure.message});
+    } catch (...) {
+        leave();
+        throw;
+    }
+    Flow flow = Flow::Next;
+    try {
+        flow = RunList(statement.handler);
+    } catch (...) {
+        session_.caught.resize(caught);
+        throw;
+    }
+    session_.caught.resize(caught);
+    return flow;
+}
+
+Interpreter::Flow Interpreter::RunWhile(const ast::WhileStatement& loop) {
+    const std::int32_t line = session_.line;
+    while (true) {
+        session_.line = line;
+        session_.CheckCancelled();
+        if (!TestExpression(session_, *loop.condition)) {
+            return Flow::Next;
+        }
+        const Flow flow = RunStatement(*loop.body);
+        if (flow == Flow::Break) {
+            return Flow::Next;
+        }
+        if (flow == Flow::Return || flow == Flow::Goto) {
+            return flow;
+        }
+    }
+}
+
+Interpreter::Flow Interpreter::Execute(const ast::Statement& statement) {
+    const Flow flow = std::visit(Overloaded{
+                                     [&](const ast::IfStatement& s) {
+                                         if (TestExpression(session_, *s.condition)) {
+                                             return RunStatement(*s.then);
+                                         }
+                                         return s.otherwise ? RunStatement(*s.otherwise) : Flow::Next;
+                                     },
+                                     [&](const ast::WhileStatement& s) { return RunWhile(s); },
+                                     [&](const ast::BlockStatement& s) { return RunList(s.statements); },
+                                     [&](const ast::TryStatement& s) { return RunTry(s); },
+                                     [&](const ast::BreakStatement&) { return Flow::Break; },
+                                     [&](const ast::ContinueStatement&) { return Flow::Continue; },
+                                     [&](const ast::GotoStatement& s) {
+                                         goto_label_ = s.label;
+                                         return Flow::Goto;
+                                     },
+                                     [&](const ast::LabelStatement&) { return Flow::Next; },
+                                     [&](const ast::ReturnStatement& s) {
+                                         Return(s);
+                                         return Flow::Return;
+                                     },
+                                     [&](const auto&) { return ExecuteSimple(statement); },
+                                 },
+                                 statement.node);
+    return flow;
+}
+
+Interpreter::Flow Interpreter::ExecuteSimple(const ast::Statement& statement) {
+    if (session_.doomed && (std::holds_alternative<ast::InsertStatement>(statement.node) ||
+                            std::holds_alternative<ast::UpdateStatement>(statement.node) ||
+                            std::holds_alternative<ast::DeleteStatement>(statement.node))) {
+        RaiseError(3930);
+    }
+    if (session_.options.implicit_transactions && session_.transaction_count() == 0 &&
+        BeginsImplicitly(statement)) {
+        session_.BeginTransaction("");
+    }
+    const bool keeps_error = std::holds_alternative<ast::DeclareStatement>(statement.node);
+    bool sets_count = true;
+    const bool handled = std::visit(
+        Overloaded{
+            [&](const ast::DeclareStatement& s) { return Declare(s), sets_count = false, true; },
+            [&](const ast::SetVariableStatement& s) { return SetVariable(s), session_.row_count = 1, true; },
+            [&](const ast::SetOptionStatement& s) { return SetOption(s), session_.row_count = 0, true; },
+            [&](const ast::PrintStatement& s) { return Print(s), session_.row_count = 0, true; },
+            [&](const ast::RaiserrorStatement& s) { return Raiserror(s), true; },
+            [&](const ast::ThrowStatement& s) { return Throw(s), true; },
+            [&](const ast::WaitforStatement& s) { return Wait(s), true; },
+            [&](const ast::ExecuteStatement& s) { return ExecuteCall(s), true; },
+            [&](const ast::ExecuteStringStatement& s) { return ExecuteString(s), true; },
+            [&](const ast::TransactionStatement& s) { return Transaction(s), session_.row_count = 0, true; },
+            [&](const ast::UseStatement& s) {
+                return session_.Use(s.database), session_.row_count = 0, true;
+            },
+            [&](const ast::QueryPtr& s) { return RunSelect(session_, *s), true; },
+            [&](const ast::InsertStatement& s) {
+                RunInsert(session_, s, [this](const ast::Statement& nested) { return Capture(nested); });
+                return true;
+            },
+            [&](const ast::UpdateStatement& s) { return RunUpdate(session_, s), true; },
+            [&](const ast::DeleteStatement& s) { return RunDelete(session_, s), true; },
+            [&](const ast::TruncateStatement& s) { return RunTruncate(session_, s), true; },
+            [&](const ast::CursorDeclareStatement& s) { return DeclareCursor(s), true; },
+            [&](const ast::CursorStatement& s) { return RunCursor(s), true; },
+            [&](const ast::FetchStatement& s) { return Fetch(s), true; },
+            [&](const auto&) { return false; },
+        },
+        statement.node);
+    if (!handled) {
+        ExecuteDefinition(statement);
+    }
+    const bool raises = std::holds_alternative<ast::RaiserrorStatement>(statement.node) ||
+                        std::holds_alternative<ast::ExecuteStatement>(statement.node) ||
+                        std::holds_alternative<ast::ExecuteStringStatement>(statement.node);
+    if (!keeps_error && !raises) {
+        session_.last_error = 0;
+    }
+    return Flow::Next;
+}
+
+Interpreter::Flow Interpreter::ExecuteDefinition(const ast::Statement& statement) {
+    std::visit(Overloaded{
+                   [&](const ast::CreateTableStatement& s) { RunCreateTable(session_, s); },
+                   [&](const ast::AlterTableStatement& s) { RunAlterTable(session_, s); },
+                   [&](const ast::DropStatement& s) { RunDrop(session_, s); },
+                   [&](const ast::CreateIndexStatement& s) { RunCreateIndex(session_, s); },
+                   [&](const ast::DropIndexStatement& s) { RunDropIndex(session_, s); },
+                   [&](const ast::CreateModuleStatement& s) { RunCreateModule(session_, s); },
+                   [&](const ast::CreateDatabaseStatement& s) { RunCreateDatabase(session_, s); },
+                   [&](const ast::AlterDatabaseStatement& s) { RunAlterDatabase(session_, s); },
+                   [&](const ast::GrantStatement& s) { RunGrant(session_, s); },
+                   [&](const ast::CreatePrincipalStatement& s) { RunCreatePrincipal(session_, s); },
+                   [&](const ast::CreateTypeStatement& s) { RunCreateType(session_, s); },
+                   [&](const ast::AlterRoleStatement& s) { RunAlterRole(session_, s); },
+                   [&](const ast::MaintenanceStatement& s) {
+                       if (s.tells) {
+                           session_.Info(2528);
+                       }
+                       session_.Done(Command::None, std::nullopt);
+                   },
+                   [&](const ast::CheckIdentityStatement& s) { RunCheckIdentity(session_, s); },
+                   [&](const ast::KillStatement& s) {
+                       session_.server.Kill(static_cast<std::int32_t>(s.session), session_);
+                       session_.Done(Command::None, std::nullopt);
+                   },
+                   [&](const auto&) { throw std::logic_error("a statement without execution"); },
+               },
+               statement.node);
+    session_.row_count = 0;
+    return Flow::Next;
+}
+
+} // namespace devsql

@@ -1,0 +1,311 @@
+// Functions that ask for what a database holds: objects, columns, indexes, identities.
+#include <algorithm>
+#include <array>
+
+#include "devserver/storage/databases.h"
+#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/parse/parser.h"
+#include "devserver/tsql/run/session_function_parts.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+constexpr Type kInt = Simple(TypeId::Int);
+constexpr Type kName = Sized(TypeId::NVarChar, 128);
+
+struct Found {
+    Catalogue* catalogue = nullptr;
+    ObjectDef object;
+};
+
+std::optional<Found> FindNamed(SessionCore& session, const std::string& text) {
+    const ast::Name name = ParseName(text);
+    if (name.empty() || name.parts.size() > 3) {
+        return std::nullopt;
+    }
+    const ObjectPlace place = PlaceOf(session, name);
+    if (!FindDatabase(session.connection, place.database)) {
+        return std::nullopt;
+    }
+    Catalogue& catalogue = session.Database(place.database);
+    std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
+    return object ? std::optional(Found{&catalogue, std::move(*object)}) : std::nullopt;
+}
+
+Value ObjectId(SessionCore& session, Values values, Types types) {
+    const std::string text = TextOf(values, types, 0);
+    const ast::Name name = ParseName(text);
+    if (!name.empty() && IsSessionTable(name.last())) {
+        const TablePtr table = session.FindTemporary(name.last());
+        return table ? Value(table->id) : Value();
+    }
+    const std::optional<Found> found = FindNamed(session, text);
+    if (!found) {
+        return {};
+    }
+    const std::string kind = AsciiUpper(TrimTrailingBlanks(TextOf(values, types, 1)));
+    return kind.empty() || kind == found->object.type ? Value(found->object.id) : Value();
+}
+
+Value ObjectName(SessionCore& session, Values values, Types types) {
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
+    return object ? Value(object->name) : Value();
+}
+
+bool HasIndex(const TableDef& table, bool (*test)(const IndexDef&)) {
+    for (const IndexDef& index : table.indexes) {
+        if (test(index)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// OBJECTPROPERTY's properties of tables alone.
+Value TableProperty(const TableDef& table, std::string_view property) {
+    if (property == "TABLEHASPRIMARYKEY") {
+        return std::int64_t{HasIndex(table, [](const IndexDef& index) { return index.primary_key; })};
+    }
+    if (property == "TABLEHASINDEX") {
+        return std::int64_t{!table.indexes.empty()};
+    }
+    if (property == "TABLEHASCLUSTINDEX") {
+        return std::int64_t{HasIndex(table, [](const IndexDef& index) { return index.clustered; })};
+    }
+    if (property == "TABLEHASUNIQUECNST") {
+        return std::int64_t{
+            HasIndex(table, [](const IndexDef& index) { return index.constraint && !index.primary_key; })};
+    }
+    if (property == "TABLEHASIDENTITY") {
+        return std::int64_t{table.IdentityColumn() != nullptr};
+    }
+    if (property == "TABLEHASFOREIGNKEY") {
+        return std::int64_t{!table.foreign_keys.empty()};
+    }
+    if (property == "TABLEHASFOREIGNREF") {
+        return std::int64_t{!table.referencing.empty()};
+    }
+    if (property == "TABLEHASCHECKCNST") {
+        return std::int64_t{!table.checks.empty()};
+    }
+    if (property == "TABLEHASTIMESTAMP") {
+        return std::int64_t{
+            std::any_of(table.columns.begin(), table.columns.end(),
+                        [](const ColumnDef& column) { return column.type.id == TypeId::Timestamp; })};
+    }
+    return {};
+}
+
+Value ObjectProperty(SessionCore& session, Values values, Types types) {
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
+    if (!object) {
+        return {};
+    }
+    const std::string property = AsciiUpper(TextOf(values, types, 1));
+    struct KindProperty {
+        std::string_view name;
+        std::string_view type;
+    };
+    constexpr std::array<KindProperty, 11> kKinds = {{{"ISUSERTABLE", "U"},
+                                                      {"ISTABLE", "U"},
+                                                      {"ISVIEW", "V"},
+                                                      {"ISPROCEDURE", "P"},
+                                                      {"ISPRIMARYKEY", "PK"},
+                                                      {"ISUNIQUECNST", "UQ"},
+                                                      {"ISFOREIGNKEY", "F"},
+                                                      {"ISCHECKCNST", "C"},
+                                                      {"ISDEFAULTCNST", "D"},
+                                                      {"ISTRIGGER", "TR"},
+                                                      {"ISSCALARFUNCTION", "FN"}}};
+    for (const KindProperty& kind : kKinds) {
+        if (kind.name == property) {
+            return std::int64_t{object->type == kind.type};
+        }
+    }
+    if (property == "ISCONSTRAINT") {
+        return std::int64_t{!IsTableOrModule(object->type)};
+    }
+    if (property == "ISMSSHIPPED") {
+        return std::int64_t{object->shipped};
+    }
+    if (property == "ISSYSTEMTABLE" || property == "ISINLINEFUNCTION" || property == "ISTABLEFUNCTION" ||
+        property == "ISEXTENDEDPROC" || property == "ISRULE" || property == "ISREPLPROC" ||
+        property == "EXECISSTARTUP") {
+        return std::int64_t{0};
+    }
+    if (property == "OWNERID") {
+        return std::int64_t{1};
+    }
+    if (property == "EXECISQUOTEDIDENTON" || property == "ISQUOTEDIDENTON") {
+        return std::int64_t{object->quoted_identifier};
+    }
+    if (property == "EXECISANSINULLSON" || property == "ISANSINULLSON") {
+        return std::int64_t{object->ansi_nulls};
+    }
+    if (property == "ISENCRYPTED") {
+        return std::int64_t{object->encrypted};
+    }
+    const TablePtr table = object->type == "U" ? session.Table(session.CurrentDatabase(), *id) : nullptr;
+    return table ? TableProperty(*table, property) : Value();
+}
+
+TablePtr TableById(SessionCore& session, Values values, Types types, std::size_t index) {
+    const std::optional<std::int64_t> id = IntOf(values, types, index);
+    const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
+    return object && object->type == "U" ? session.Table(session.CurrentDatabase(), *id) : nullptr;
+}
+
+Value ColumnProperty(SessionCore& session, Values values, Types types) {
+    const TablePtr table = TableById(session, values, types, 0);
+    const ColumnDef* column = table ? table->Find(TextOf(values, types, 1)) : nullptr;
+    if (column == nullptr) {
+        return {};
+    }
+    const std::string property = AsciiUpper(TextOf(values, types, 2));
+    if (property == "ISIDENTITY") {
+        return std::int64_t{column->identity};
+    }
+    if (property == "ALLOWSNULL") {
+        return std::int64_t{column->nullable};
+    }
+    if (property == "ISCOMPUTED") {
+        return std::int64_t{!column->computed.empty()};
+    }
+    if (property == "ISROWGUIDCOL") {
+        return std::int64_t{column->row_guid};
+    }
+    if (property == "COLUMNID") {
+        return std::int64_t{column->id};
+    }
+    if (property == "PRECISION") {
+        return std::int64_t{TypePrecision(column->type)};
+    }
+    if (property == "SCALE") {
+        const std::optional<std::int32_t> scale = TypeScale(column->type);
+        return scale ? Value(std::int64_t{*scale}) : Value();
+    }
+    if (property == "ISIDNOTFORREPL" || property == "ISOUTPARAM" || property == "ISINDEXABLE") {
+        return std::int64_t{property == "ISINDEXABLE" && !IsOldLob(column->type.id)};
+    }
+    if (property == "USESANSITRIM") {
+        return std::int64_t{1};
+    }
+    return {};
+}
+
+Value ColLength(SessionCore& session, Values values, Types types) {
+    const std::optional<Found> found = FindNamed(session, TextOf(values, types, 0));
+    const TablePtr table =
+        found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const ColumnDef* column = table ? table->Find(TextOf(values, types, 1)) : nullptr;
+    return column == nullptr ? Value() : Value(std::int64_t{StorageBytes(column->type)});
+}
+
+Value ColName(SessionCore& session, Values values, Types types) {
+    const TablePtr table = TableById(session, values, types, 0);
+    const std::optional<std::int64_t> id = IntOf(values, types, 1);
+    for (const ColumnDef& column : table ? table->columns : std::vector<ColumnDef>()) {
+        if (id && column.id == *id) {
+            return column.name;
+        }
+    }
+    return {};
+}
+
+/// The columns of an index, or nothing where the table or the index is none.
+const IndexDef* FindIndex(const TablePtr& table, bool (*test)(const IndexDef&, const std::string&),
+                          const std::string& wanted) {
+    for (const IndexDef& index :
+         table ? std::span<const IndexDef>(table->indexes) : std::span<const IndexDef>()) {
+        if (test(index, wanted)) {
+            return &index;
+        }
+    }
+    return nullptr;
+}
+
+Value IndexProperty(SessionCore& session, Values values, Types types) {
+    const TablePtr table = TableById(session, values, types, 0);
+    const IndexDef* index = FindIndex(
+        table, [](const IndexDef& i, const std::string& name) { return CompareText(i.name, name) == 0; },
+        TextOf(values, types, 1));
+    if (index == nullptr) {
+        return {};
+    }
+    const std::string property = AsciiUpper(TextOf(values, types, 2));
+    const std::pair<std::string_view, std::int64_t> properties[] = {
+        {"INDEXID", index->id},      {"ISCLUSTERED", index->clustered},
+        {"ISUNIQUE", index->unique}, {"INDEXDEPTH", 1},
+        {"INDEXFILLFACTOR", 0},      {"ISAUTOSTATISTICS", 0},
+        {"ISDISABLED", 0},           {"ISFULLTEXTKEY", 0},
+        {"ISHYPOTHETICAL", 0},       {"ISPADINDEX", 0},
+        {"ISSTATISTICS", 0},         {"ISPAGELOCKDISALLOWED", 0},
+        {"ISROWLOCKDISALLOWED", 0}};
+    for (const auto& [name, value] : properties) {
+        if (name == property) {
+            return value;
+        }
+    }
+    return {};
+}
+
+/// INDEX_COL(table, index id, key): the key's column.
+Value IndexColumn(SessionCore& session, Values values, Types types) {
+    const std::optional<Found> found = FindNamed(session, TextOf(values, types, 0));
+    const TablePtr table =
+        found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const IndexDef* index = FindIndex(
+        table, [](const IndexDef& i, const std::string& id) { return std::to_string(i.id) == id; },
+        TextOf(values, types, 1));
+    const std::optional<std::int64_t> key = IntOf(values, types, 2);
+    if (index == nullptr || !key || *key < 1 || *key > std::ssize(index->columns)) {
+        return {};
+    }
+    const int wanted = index->columns[static_cast<std::size_t>(*key - 1)].column;
+    const auto column = std::ranges::find(table->columns, wanted, &ColumnDef::id);
+    return column == table->columns.end() ? Value() : Value(column->name);
+}
+
+Value IdentityInfo(SessionCore& session, const std::string& name, int what) {
+    const std::optional<Found> found = FindNamed(session, name);
+    const TablePtr table =
+        found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const ColumnDef* column = table ? table->IdentityColumn() : nullptr;
+    if (column == nullptr) {
+        return {};
+    }
+    std::int64_t value = what == 1 ? column->seed : column->increment;
+    if (what == 0) {
+        value = found->catalogue->IdentityValue(table->id).value_or(column->seed);
+    }
+    return Decimal{value, 0};
+}
+
+constexpr SessionFunction kFunctions[] = {
+    {"OBJECT_ID", 1, 2, kInt, ObjectId, false},
+    {"OBJECT_NAME", 1, 1, kName, ObjectName, false},
+    {"OBJECTPROPERTY", 2, 2, kInt, ObjectProperty, false},
+    {"OBJECTPROPERTYEX", 2, 2, kInt, ObjectProperty, false},
+    {"COLUMNPROPERTY", 3, 3, kInt, ColumnProperty, false},
+    {"INDEXPROPERTY", 3, 3, kInt, IndexProperty, false},
+    {"INDEX_COL", 3, 3, kName, IndexColumn, false},
+    {"COL_LENGTH", 2, 2, Simple(TypeId::SmallInt), ColLength, false},
+    {"COL_NAME", 2, 2, kName, ColName, false},
+    {"IDENT_CURRENT", 1, 1, DecimalType(38, 0),
+     [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 0); }, false},
+    {"IDENT_SEED", 1, 1, DecimalType(38, 0),
+     [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 1); }, false},
+    {"IDENT_INCR", 1, 1, DecimalType(38, 0),
+     [](SessionCore& s, Values v, Types t) { return IdentityInfo(s, TextOf(v, t, 0), 2); }, false},
+};
+
+} // namespace
+
+std::span<const SessionFunction> ObjectFunctions() {
+    return kFunctions;
+}
+
+} // namespace devsql

@@ -1,0 +1,141 @@
+#include "devserver/tsql/run/output_rows.h"
+
+#include <charconv>
+
+#include "devserver/tsql/bind/evaluator.h"
+#include "devserver/tsql/run/statements.h"
+#include "devserver/tsql/scalar/compare.h"
+
+namespace devsql {
+namespace {
+
+struct RowName {
+    unsigned row;
+    std::string_view name;
+};
+constexpr RowName kRowNames[] = {{OutputRows::kInserted, "inserted"}, {OutputRows::kDeleted, "deleted"}};
+
+/// The two rows as sources: their columns' SQL is "inserted.3", the row and the column's place in it.
+ScopeSource SourceOfRow(const TableDef& table, std::string_view name) {
+    ScopeSource source{std::string(name), {{std::string(name)}}, std::string(name), {}, nullptr};
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        const ColumnDef& column = table.columns[i];
+        source.columns.push_back({column.name, column.type, column.nullable, column.identity,
+                                  std::string(name) + "." + std::to_string(i)});
+    }
+    return source;
+}
+
+std::pair<unsigned, std::size_t> PlaceOfLeaf(const std::string& text) {
+    for (const RowName& row : kRowNames) {
+        const std::size_t begin = row.name.size() + 1;
+        std::size_t column = 0;
+        if (text.starts_with(row.name) && text.size() > begin) {
+            const auto [end, error] = std::from_chars(text.data() + begin, text.data() + text.size(), column);
+            if (error == std::errc() && end == text.data() + text.size()) {
+                return {row.row, column};
+            }
+        }
+    }
+    RaiseError(10705); // What isn't a column is a subquery.
+}
+
+} // namespace
+
+OutputRows::OutputRows(SessionCore& session, const std::vector<ast::OutputClause>& clauses,
+                       const TableDef& table, unsigned rows)
+    : session_(session) {
+    if (clauses.empty()) {
+        return;
+    }
+    const Scope scope = RowScope(table, rows);
+    Emission emission(session);
+    Binder binder(session, emission);
+    for (const ast::OutputClause& clause : clauses) {
+        Bound bound{&clause, {}, {}};
+        for (const ast::SelectItem& item : clause.items) {
+            if (!item.variable.empty()) {
+                RaiseError(141);
+            }
+            if (!item.star) {
+                const auto* column = std::get_if<ast::ColumnExpr>(&item.expr->node);
+                AddItem(bound, binder.BindValue(*item.expr, &scope),
+                        item.alias.empty() && column != nullptr ? column->name.last() : item.alias);
+                continue;
+            }
+            bool found = false;
+            for (const ScopeSource& source : scope.sources) {
+                if (!item.star_of.empty() && CompareText(source.exposed, item.star_of.last()) == 0) {
+                    found = true;
+                    for (const ScopeColumn& column : source.columns) {
+                        AddItem(bound, MakeSql(column.sql, column.type, column.nullable), column.name);
+                    }
+                }
+            }
+            if (!found) {
+                RaiseError(107, {item.star_of.empty() ? "*" : item.star_of.text()});
+            }
+        }
+        clauses_.push_back(std::move(bound));
+    }
+}
+
+Scope OutputRows::RowScope(const TableDef& table, unsigned rows) const {
+    Scope scope;
+    for (const RowName& row : kRowNames) {
+        if ((rows & row.row) != 0) {
+            scope.sources.push_back(SourceOfRow(table, row.name));
+        }
+    }
+    return scope;
+}
+
+void OutputRows::AddItem(Bound& bound, const BoundPtr& value, std::string name) {
+    std::vector<BoundPtr> leaves;
+    Item item{WithSlots(value, leaves), {}};
+    for (const BoundPtr& leaf : leaves) {
+        item.places.push_back(PlaceOfLeaf(leaf->text));
+    }
+    bound.rows.columns.push_back({std::move(name), Settled(value->type), value->nullable, false});
+    bound.items.push_back(std::move(item));
+}
+
+RowWriter::Observer OutputRows::Observer() {
+    return [this](const RowValues* before, const RowValues* after) { Take(before, after); };
+}
+
+void OutputRows::Take(const RowValues* before, const RowValues* after) {
+    for (Bound& bound : clauses_) {
+        std::vector<Value> row;
+        for (const Item& item : bound.items) {
+            std::vector<Value> slots;
+            for (const auto& [which, column] : item.places) {
+                slots.push_back((which == kInserted ? after : before)->at(column));
+            }
+            row.push_back(Compute(*item.value, session_, slots));
+        }
+        bound.rows.rows.push_back(std::move(row));
+    }
+}
+
+void OutputRows::Store() {
+    for (const Bound& bound : clauses_) {
+        if (!bound.clause->into.empty()) {
+            InsertRows(session_, bound.clause->into, bound.clause->columns, bound.rows);
+        }
+    }
+}
+
+void OutputRows::End(Command command, std::int64_t count) {
+    for (const Bound& bound : clauses_) {
+        if (bound.clause->into.empty()) {
+            session_.sink().Columns(bound.rows.columns);
+            for (const std::vector<Value>& row : bound.rows.rows) {
+                session_.sink().Row(row);
+            }
+        }
+    }
+    session_.Done(command, count);
+}
+
+} // namespace devsql

@@ -1,0 +1,55 @@
+// The OUTPUT clauses of INSERT, UPDATE and DELETE: what they make of every row that is changed, and where it
+// goes. Knows nothing of how rows are changed.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/parse/ast.h"
+#include "devserver/tsql/run/row_writer.h"
+#include "devserver/tsql/run/session_core.h"
+
+namespace devsql {
+
+class OutputRows {
+  public:
+    /// Which of the two rows the statement has.
+    static constexpr unsigned kInserted = 1;
+    static constexpr unsigned kDeleted = 2;
+
+    /// Raises what binding raises: 4104, 207, 10705, ...
+    OutputRows(SessionCore& session, const std::vector<ast::OutputClause>& clauses, const TableDef& table,
+               unsigned rows);
+    OutputRows(const OutputRows&) = delete;
+    OutputRows& operator=(const OutputRows&) = delete;
+
+    /// To be told of each row; valid as long as this object.
+    RowWriter::Observer Observer();
+    /// Writes what goes into tables; inside the statement's own SessionCore::Write.
+    void Store();
+    /// Ends the statement: with the rows that go to the client, or with the count alone.
+    void End(Command command, std::int64_t count);
+
+  private:
+    struct Item {
+        BoundPtr value;
+        /// For each slot of `value`: in which row it lies, and where.
+        std::vector<std::pair<unsigned, std::size_t>> places;
+    };
+    struct Bound {
+        const ast::OutputClause* clause;
+        std::vector<Item> items;
+        RowSet rows;
+    };
+
+    Scope RowScope(const TableDef& table, unsigned rows) const;
+    void AddItem(Bound& bound, const BoundPtr& value, std::string name);
+    void Take(const RowValues* before, const RowValues* after);
+
+    SessionCore& session_;
+    std::vector<Bound> clauses_;
+};
+
+} // namespace devsql

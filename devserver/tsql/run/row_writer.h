@@ -1,0 +1,101 @@
+// Writes rows into one table and holds them to what the table promises: conversions, NOT NULL, defaults,
+// identity, checks, unique keys, foreign keys with their cascades. Used inside SessionCore::Write.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/run/session_core.h"
+
+namespace devsql {
+
+/// A row of a table: a value for each of its columns.
+using RowValues = std::vector<Value>;
+
+struct StoredRow {
+    std::int64_t row_id = 0;
+    RowValues values;
+};
+
+class RowWriter {
+  public:
+    /// `statement` is the word for messages: INSERT, UPDATE, DELETE.
+    RowWriter(SessionCore& session, Target target, std::string statement);
+
+    /// One row for INSERT: none stands for a column that wasn't given. Values are of the columns' types.
+    void Insert(std::vector<std::optional<Value>> given);
+    /// Rows with their old and new values.
+    void Update(const std::vector<StoredRow>& before, std::vector<RowValues> after);
+    void Delete(const std::vector<StoredRow>& rows);
+    /// Checks what can only be checked when all rows are written, and keeps the identity. Call it last.
+    void Finish();
+
+    /// Is told of every row that this writer itself changes (not of cascades), old and new; null for none.
+    using Observer = std::function<void(const RowValues* before, const RowValues* after)>;
+    void Observe(Observer observer) { observer_ = std::move(observer); }
+
+    std::optional<std::int64_t> last_identity() const { return identity_given_; }
+    /// The default's value, of the column's type.
+    Value DefaultOf(const ColumnDef& column);
+    /// Puts in what the server itself fills in: timestamps and computed columns.
+    void Complete(RowValues& row);
+
+    /// SQLite's name for the row number of a table, which may have a column named "rowid".
+    static std::string RowIdName(const TableDef& table);
+    /// All rows for which `condition` (over the table itself) holds.
+    static std::vector<StoredRow> Read(SessionCore& session, const TableDef& table,
+                                       const std::string& condition,
+                                       const std::vector<std::pair<Value, Type>>& parameters);
+
+  private:
+    struct Check {
+        std::string name;
+        BoundPtr condition;
+    };
+
+    void BindExpressions();
+    BoundPtr BindOverRow(const std::string& text);
+    void FillIdentity(std::size_t column, std::optional<Value>& value);
+    void CheckRow(const RowValues& row);
+    void Store(const RowValues& row, std::optional<std::int64_t> row_id);
+    void RequireParent(const ForeignKeyDef& key, const RowValues& row);
+    void ReleaseChildren(const ForeignKeyDef& key, const RowValues& before, const RowValues* after);
+    void Cascade(const ForeignKeyDef& key, const TablePtr& child, const std::vector<StoredRow>& rows,
+                 const RowValues* after);
+    bool KeyChanged(const std::vector<int>& columns, const RowValues& before, const RowValues& after) const;
+    /// True where the rows go to a linked server, which itself holds them to what the table promises. Raises
+    /// 405 where the statement has an OUTPUT clause.
+    bool IsRemote() const;
+    [[noreturn]] void ExplainUnique(const StorageError& error, const RowValues& row);
+    [[noreturn]] void ForeignKeyError(const ForeignKeyDef& key, std::string_view kind, const TableDef& other,
+                                      std::string_view column) const;
+    std::string DatabaseName() const;
+    std::string TableName() const;
+    std::string IdentityKey() const;
+
+    SessionCore& session_;
+    Target target_;
+    const TableDef& table_;
+    std::string statement_;
+    Observer observer_;
+    std::vector<Check> checks_;
+    std::map<int, BoundPtr> defaults_; ///< by column id
+    std::map<int, BoundPtr> computed_;
+    std::vector<RowValues> new_rows_;                            ///< for the foreign keys at the end
+    std::vector<std::vector<std::optional<Value>>> remote_rows_; ///< go together, at the end
+    struct Removed {
+        RowValues before;
+        std::optional<RowValues> after;
+    };
+    std::vector<Removed> removed_;
+    std::optional<std::int64_t> identity_; ///< the counter
+    bool identity_loaded_ = false;
+    bool identity_dirty_ = false;
+    std::optional<std::int64_t> identity_given_;
+};
+
+} // namespace devsql

@@ -1,0 +1,34 @@
+// What the functions that ask the session share: reading their arguments, and the parts of their table.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/conversion.h"
+
+namespace devsql {
+
+using Values = std::span<const Value>;
+using Types = std::span<const Type>;
+
+/// Those that ask for what a database holds: OBJECT_ID, COLUMNPROPERTY, ...
+std::span<const SessionFunction> ObjectFunctions();
+
+/// Empty for NULL and for an argument that is not there.
+inline std::string TextOf(Values values, Types types, std::size_t index) {
+    return index < values.size() && !IsNull(values[index]) ? ValueText(values[index], types[index])
+                                                           : std::string();
+}
+
+inline std::optional<std::int64_t> IntOf(Values values, Types types, std::size_t index) {
+    if (index >= values.size() || IsNull(values[index])) {
+        return std::nullopt;
+    }
+    return std::get<std::int64_t>(Convert(values[index], types[index], Simple(TypeId::BigInt)));
+}
+
+} // namespace devsql

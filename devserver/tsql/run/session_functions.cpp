@@ -1,0 +1,423 @@
+// Functions and global variables whose value is the session's, the server's or the clock's.
+#include <algorithm>
+#include <array>
+#include <random>
+
+#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/run/server.h"
+#include "devserver/tsql/run/session_function_parts.h"
+#include "devserver/tsql/run/user_messages.h"
+#include "devserver/tsql/run/version.h"
+#include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/digests.h"
+#include "devserver/tsql/scalar/functions.h"
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+namespace {
+
+constexpr Type kInt = Simple(TypeId::Int);
+constexpr Type kName = Sized(TypeId::NVarChar, 128);
+
+// ------------------------------------------------------------------ databases and server
+
+Value DbId(SessionCore& session, Values values, Types types) {
+    const std::string name = values.empty() ? session.CurrentDatabaseName() : TextOf(values, types, 0);
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+    return info ? Value(std::int64_t{info->id}) : Value();
+}
+
+Value DbName(SessionCore& session, Values values, Types types) {
+    if (values.empty()) {
+        return session.CurrentDatabaseName();
+    }
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    for (const DatabaseInfo& info : ListDatabases(session.connection)) {
+        if (id && info.id == *id) {
+            return info.name;
+        }
+    }
+    return {};
+}
+
+/// Numbers as texts: the one type that stands for sql_variant here.
+Value ServerProperty(SessionCore& session, Values values, Types types) {
+    const std::string property = AsciiUpper(TextOf(values, types, 0));
+    const std::string& server = session.server.ServerName();
+    const std::size_t slash = server.find('\\');
+    if (property == "SERVERNAME") {
+        return server;
+    }
+    if (property == "MACHINENAME" || property == "COMPUTERNAMEPHYSICALNETBIOS") {
+        return server.substr(0, slash);
+    }
+    if (property == "INSTANCENAME") {
+        return slash == std::string::npos ? Value() : Value(server.substr(slash + 1));
+    }
+    struct Property {
+        std::string_view name;
+        std::string_view value;
+    };
+    static constexpr std::array<Property, 12> kProperties = {{{"PRODUCTVERSION", kProductVersion},
+                                                              {"PRODUCTLEVEL", "RTM"},
+                                                              {"EDITION", "Development Server (SQLite)"},
+                                                              {"ENGINEEDITION", "4"},
+                                                              {"COLLATION", "SQL_Latin1_General_CP1_CI_AS"},
+                                                              {"ISCLUSTERED", "0"},
+                                                              {"ISFULLTEXTINSTALLED", "0"},
+                                                              {"ISINTEGRATEDSECURITYONLY", "0"},
+                                                              {"ISSINGLEUSER", "0"},
+                                                              {"LICENSETYPE", "DISABLED"},
+                                                              {"SQLCHARSETNAME", "iso_1"},
+                                                              {"RESOURCEVERSION", kProductVersion}}};
+    for (const Property& entry : kProperties) {
+        if (entry.name == property) {
+            return std::string(entry.value);
+        }
+    }
+    return {};
+}
+
+Value DatabasePropertyEx(SessionCore& session, Values values, Types types) {
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, TextOf(values, types, 0));
+    if (!info) {
+        return {};
+    }
+    const std::string property = AsciiUpper(TextOf(values, types, 1));
+    const auto option = [&](const std::string& name, const std::string& otherwise) {
+        const auto found = info->options.find(name);
+        return found == info->options.end() ? otherwise : found->second;
+    };
+    if (property == "STATUS") {
+        return std::string("ONLINE");
+    }
+    if (property == "COLLATION") {
+        return option("COLLATE", "SQL_Latin1_General_CP1_CI_AS");
+    }
+    if (property == "RECOVERY") {
+        return option("RECOVERY", "FULL");
+    }
+    if (property == "USERACCESS") {
+        return std::string(info->Option("SINGLE_USER") ? "SINGLE_USER" : "MULTI_USER");
+    }
+    if (property == "UPDATEABILITY") {
+        return std::string("READ_WRITE");
+    }
+    if (property == "ISPUBLISHED") {
+        return std::string(info->Option("PUBLISHED") ? "1" : "0");
+    }
+    if (property == "VERSION") {
+        return std::string("539");
+    }
+    if (property.starts_with("IS")) {
+        return std::string(info->Option(property.substr(2)) ? "1" : "0");
+    }
+    return {};
+}
+
+Value HasDbAccess(SessionCore& session, Values values, Types types) {
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, TextOf(values, types, 0));
+    return info ? Value(std::int64_t{1}) : Value();
+}
+
+Value SuserSid(SessionCore& session, Values values, Types types) {
+    const std::string name = values.empty() ? session.login : TextOf(values, types, 0);
+    SqliteStatement row = session.connection.Prepare("SELECT sid FROM devsql_logins WHERE name = ?1");
+    row.BindText(1, name);
+    return row.Step() ? row.Column(0, Sized(TypeId::VarBinary, 85)) : Value();
+}
+
+Value SuserName(SessionCore& session, Values values, Types types) {
+    if (values.empty() || types[0].id == TypeId::Int) {
+        return session.login;
+    }
+    SqliteStatement row = session.connection.Prepare("SELECT name FROM devsql_logins WHERE sid = ?1");
+    row.Bind(1, values[0], types[0]);
+    return row.Step() ? Value(row.Text(0)) : Value();
+}
+
+std::string CurrentUser(SessionCore& session) {
+    SqliteStatement row =
+        session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_users WHERE login = ?1 AND id > 4");
+    row.BindText(1, session.login);
+    return row.Step() ? row.Text(0) : "dbo";
+}
+
+Value UserName(SessionCore& session, Values values, Types types) {
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    if (!id) {
+        return CurrentUser(session);
+    }
+    SqliteStatement row =
+        session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_users WHERE id = ?1");
+    row.BindInt(1, *id);
+    return row.Step() ? Value(row.Text(0)) : Value();
+}
+
+Value UserId(SessionCore& session, Values values, Types types) {
+    SqliteStatement row =
+        session.CurrentDatabase().Prepare("SELECT id FROM {db}.devsql_users WHERE name = ?1");
+    row.BindText(1, values.empty() ? CurrentUser(session) : TextOf(values, types, 0));
+    return row.Step() ? Value(row.Int(0)) : Value();
+}
+
+Value IsMember(SessionCore& session, Values values, Types types) {
+    const std::string role = TextOf(values, types, 0);
+    return std::int64_t{AsciiEqual(role, "db_owner") || AsciiEqual(role, "public") ||
+                        AsciiEqual(role, "sysadmin")} |
+           std::int64_t{!CurrentUser(session).empty() && AsciiEqual(role, "dbcreator")};
+}
+
+Value CursorStatus(SessionCore& session, Values values, Types types) {
+    const std::shared_ptr<Cursor> cursor = session.FindCursor(TextOf(values, types, 1));
+    return std::int64_t{!cursor ? -3 : cursor->open ? (cursor->rows.rows.empty() ? 0 : 1) : -1};
+}
+
+/// FORMATMESSAGE: a message by number or a text, with its arguments put in. NULL for a number that is none.
+Value FormatMessage(SessionCore& session, Values values, Types types) {
+    std::vector<FormatArgument> arguments;
+    for (std::size_t i = 1; i < values.size(); ++i) {
+        arguments.push_back({values[i], types[i]});
+    }
+    if (IsNull(values[0])) {
+        return {};
+    }
+    if (IsCharacter(types[0].id)) {
+        return FormatRaiserror(TextOf(values, types, 0), arguments);
+    }
+    const auto number = static_cast<std::int32_t>(IntOf(values, types, 0).value_or(0));
+    const std::optional<NumberedMessage> found = FindMessageText(session, number, arguments);
+    return found ? Value(found->text) : Value();
+}
+
+Value HashBytes(SessionCore&, Values values, Types types) {
+    struct Algorithm {
+        std::string_view name;
+        std::string (*digest)(std::string text); ///< null: not here
+    };
+    constexpr Algorithm kAlgorithms[] = {{"MD5", Md5},         {"SHA", Sha1},    {"SHA1", Sha1},
+                                         {"SHA2_256", Sha256}, {"MD2", nullptr}, {"MD4", nullptr},
+                                         {"SHA2_512", nullptr}};
+    const std::string name = AsciiUpper(TextOf(values, types, 0));
+    const auto* const found = std::ranges::find(kAlgorithms, name, &Algorithm::name);
+    if (found == std::end(kAlgorithms) || IsNull(values[1])) {
+        return {};
+    }
+    if (found->digest == nullptr) {
+        RaiseError(40517, {"HASHBYTES " + name});
+    }
+    const Value bytes = Convert(values[1], types[1], Sized(TypeId::VarBinary, kMaxLength));
+    return Bytes{found->digest(std::get<Bytes>(bytes).data)};
+}
+
+/// The SET options of the session, 1 or 0.
+Value SessionProperty(SessionCore& session, Values values, Types types) {
+    const std::string name = AsciiUpper(TextOf(values, types, 0));
+    const Options& options = session.options;
+    const std::pair<std::string_view, bool> properties[] = {
+        {"ANSI_NULLS", options.ansi_nulls},
+        {"ANSI_PADDING", true},
+        {"ANSI_WARNINGS", true},
+        {"ARITHABORT", true},
+        {"CONCAT_NULL_YIELDS_NULL", options.concat_null_yields_null},
+        {"NUMERIC_ROUNDABORT", false},
+        {"QUOTED_IDENTIFIER", options.quoted_identifier}};
+    for (const auto& [property, value] : properties) {
+        if (property == name) {
+            return std::int64_t{value};
+        }
+    }
+    return {};
+}
+
+const Message* Caught(const SessionCore& session) {
+    return session.caught.empty() ? nullptr : &session.caught.back().message;
+}
+
+Value TypeIdOf(SessionCore&, Values values, Types types) {
+    const std::optional<TypeId> id = FindTypeId(TextOf(values, types, 0));
+    return id ? Value(std::int64_t{SystemTypeOf(*id).xtype}) : Value();
+}
+
+Value TypeNameOf(SessionCore&, Values values, Types types) {
+    const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    for (const SystemType& type : SystemTypes()) {
+        if (id && type.xtype == *id) {
+            return std::string(type.name);
+        }
+    }
+    return {};
+}
+
+/// Random, version 4.
+Value NewId(SessionCore&, Values, Types) {
+    static thread_local std::mt19937_64 random{std::random_device{}()};
+    Guid guid;
+    for (std::uint8_t& byte : guid.bytes) {
+        byte = static_cast<std::uint8_t>(random());
+    }
+    guid.bytes[6] = static_cast<std::uint8_t>((guid.bytes[6] & 0x0F) | 0x40);
+    guid.bytes[8] = static_cast<std::uint8_t>((guid.bytes[8] & 0x3F) | 0x80);
+    return guid;
+}
+
+// ------------------------------------------------------------------ the table
+
+constexpr SessionFunction kFunctions[] = {
+    {"GETDATE", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); },
+     true},
+    {"CURRENT_TIMESTAMP", 0, 0, Simple(TypeId::DateTime),
+     [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
+    {"NOW", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
+    {"SYSDATETIME", 0, 0, Simple(TypeId::DateTime),
+     [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
+    {"SYSUTCDATETIME", 0, 0, Simple(TypeId::DateTime),
+     [](SessionCore&, Values, Types) -> Value { return UtcNow(); }, true},
+    {"GETUTCDATE", 0, 0, Simple(TypeId::DateTime),
+     [](SessionCore&, Values, Types) -> Value { return UtcNow(); }, true},
+    {"NEWID", 0, 0, Simple(TypeId::UniqueIdentifier), NewId, false},
+    {"NEWSEQUENTIALID", 0, 0, Simple(TypeId::UniqueIdentifier), NewId, false},
+    {"SCOPE_IDENTITY", 0, 0, DecimalType(38, 0),
+     [](SessionCore& s, Values, Types) -> Value {
+         return s.frame().has_scope_identity ? Value(Decimal{s.frame().scope_identity, 0}) : Value();
+     },
+     true},
+    {"FORMATMESSAGE", 1, 21, Sized(TypeId::NVarChar, 4000), FormatMessage, false},
+    {"HASHBYTES", 2, 2, Sized(TypeId::VarBinary, 8000), HashBytes, false},
+    {"SESSIONPROPERTY", 1, 1, kInt, SessionProperty, false},
+    {"DB_ID", 0, 1, Simple(TypeId::SmallInt), DbId, false},
+    {"DB_NAME", 0, 1, kName, DbName, false},
+    {"SERVERPROPERTY", 1, 1, Sized(TypeId::NVarChar, 256), ServerProperty, false},
+    {"DATABASEPROPERTYEX", 2, 2, Sized(TypeId::NVarChar, 256), DatabasePropertyEx, false},
+    {"DATABASEPROPERTY", 2, 2, Sized(TypeId::NVarChar, 256), DatabasePropertyEx, false},
+    {"FULLTEXTSERVICEPROPERTY", 1, 1, kInt,
+     [](SessionCore&, Values, Types) -> Value { return std::int64_t{0}; }, true},
+    {"HAS_DBACCESS", 1, 1, kInt, HasDbAccess, false},
+    {"SUSER_SID", 0, 1, Sized(TypeId::VarBinary, 85), SuserSid, false},
+    {"SUSER_NAME", 0, 1, kName, SuserName, false},
+    {"SUSER_SNAME", 0, 1, kName, SuserName, false},
+    {"ORIGINAL_LOGIN", 0, 0, kName, SuserName, true},
+    {"SYSTEM_USER", 0, 0, kName, SuserName, true},
+    {"USER_NAME", 0, 1, kName, UserName, false},
+    {"USER", 0, 0, kName, UserName, true},
+    {"CURRENT_USER", 0, 0, kName, UserName, true},
+    {"SESSION_USER", 0, 0, kName, UserName, true},
+    {"USER_ID", 0, 1, Simple(TypeId::SmallInt), UserId, false},
+    {"SCHEMA_NAME", 0, 1, kName, [](SessionCore&, Values, Types) -> Value { return std::string("dbo"); },
+     false},
+    {"SCHEMA_ID", 0, 1, kInt, [](SessionCore&, Values, Types) -> Value { return std::int64_t{1}; }, false},
+    {"IS_MEMBER", 1, 1, kInt, IsMember, false},
+    {"IS_SRVROLEMEMBER", 1, 2, kInt, IsMember, false},
+    {"PERMISSIONS", 0, 2, kInt, [](SessionCore&, Values, Types) -> Value { return std::int64_t{0x1F1F1F1F}; },
+     false},
+    {"HOST_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.host_name; }, true},
+    {"APP_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.application; }, true},
+    {"XACT_STATE", 0, 0, Simple(TypeId::SmallInt),
+     [](SessionCore& s, Values, Types) -> Value {
+         return std::int64_t{s.doomed ? -1 : s.transaction_count() > 0 ? 1 : 0};
+     },
+     true},
+    {"CURSOR_STATUS", 2, 2, Simple(TypeId::SmallInt), CursorStatus, false},
+    {"TYPE_ID", 1, 1, kInt, TypeIdOf, false},
+    {"TYPE_NAME", 1, 1, kName, TypeNameOf, false},
+    {"ERROR_NUMBER", 0, 0, kInt,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) ? Value(std::int64_t{Caught(s)->number}) : Value();
+     },
+     true},
+    {"ERROR_SEVERITY", 0, 0, kInt,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) ? Value(std::int64_t{Caught(s)->severity}) : Value();
+     },
+     true},
+    {"ERROR_STATE", 0, 0, kInt,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) ? Value(std::int64_t{Caught(s)->state}) : Value();
+     },
+     true},
+    {"ERROR_LINE", 0, 0, kInt,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) ? Value(std::int64_t{Caught(s)->line}) : Value();
+     },
+     true},
+    {"ERROR_MESSAGE", 0, 0, Sized(TypeId::NVarChar, 4000),
+     [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(Caught(s)->text) : Value(); },
+     true},
+    {"ERROR_PROCEDURE", 0, 0, kName,
+     [](SessionCore& s, Values, Types) -> Value {
+         return Caught(s) && !Caught(s)->procedure.empty() ? Value(Caught(s)->procedure) : Value();
+     },
+     true},
+};
+
+struct GlobalVariable {
+    std::string_view name;
+    Type type;
+    Value (*value)(SessionCore& session);
+};
+
+constexpr GlobalVariable kGlobals[] = {
+    {"@@ERROR", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.last_error}; }},
+    {"@@ROWCOUNT", kInt, [](SessionCore& s) -> Value { return s.row_count; }},
+    {"@@TRANCOUNT", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.transaction_count()}; }},
+    {"@@IDENTITY", DecimalType(38, 0, TypeId::Numeric),
+     [](SessionCore& s) -> Value {
+         return s.last_identity ? Value(Decimal{*s.last_identity, 0}) : Value();
+     }},
+    {"@@FETCH_STATUS", kInt, [](SessionCore& s) -> Value { return s.fetch_status; }},
+    {"@@NESTLEVEL", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.nesting() - 1}; }},
+    {"@@PROCID", kInt, [](SessionCore& s) -> Value { return s.frame().procedure_id; }},
+    {"@@SPID", Simple(TypeId::SmallInt), [](SessionCore& s) -> Value { return std::int64_t{s.id}; }},
+    {"@@SERVERNAME", kName, [](SessionCore& s) -> Value { return s.server.ServerName(); }},
+    {"@@SERVICENAME", kName, [](SessionCore&) -> Value { return std::string("MSSQLSERVER"); }},
+    {"@@VERSION", Sized(TypeId::NVarChar, 300),
+     [](SessionCore&) -> Value { return std::string(kVersionText); }},
+    {"@@MICROSOFTVERSION", kInt, [](SessionCore&) -> Value { return std::int64_t{0x0E0003E8}; }},
+    {"@@LANGUAGE", kName, [](SessionCore&) -> Value { return std::string("us_english"); }},
+    {"@@LANGID", Simple(TypeId::SmallInt), [](SessionCore&) -> Value { return std::int64_t{0}; }},
+    {"@@DATEFIRST", Simple(TypeId::TinyInt),
+     [](SessionCore& s) -> Value { return std::int64_t{s.options.dates.first_day}; }},
+    {"@@TEXTSIZE", kInt, [](SessionCore& s) -> Value { return s.options.textsize; }},
+    {"@@LOCK_TIMEOUT", kInt, [](SessionCore& s) -> Value { return s.options.lock_timeout; }},
+    {"@@MAX_PRECISION", Simple(TypeId::TinyInt), [](SessionCore&) -> Value { return std::int64_t{38}; }},
+    {"@@MAX_CONNECTIONS", kInt, [](SessionCore&) -> Value { return std::int64_t{32767}; }},
+    {"@@CURSOR_ROWS", kInt, [](SessionCore&) -> Value { return std::int64_t{0}; }},
+    {"@@OPTIONS", kInt,
+     [](SessionCore& s) -> Value {
+         return std::int64_t{(s.options.nocount ? 512 : 0) | (s.options.quoted_identifier ? 256 : 0) |
+                             (s.options.ansi_nulls ? 32 : 0) | (s.options.xact_abort ? 16384 : 0) | 4096};
+     }},
+    {"@@DBTS", Sized(TypeId::VarBinary, 8),
+     [](SessionCore& s) -> Value {
+         std::string bytes(8, '\0');
+         auto number = static_cast<std::uint64_t>(s.CurrentDatabase().LastTimestamp());
+         for (std::size_t i = 8; i-- > 0; number >>= 8) {
+             bytes[i] = static_cast<char>(number & 0xFF);
+         }
+         return Bytes{bytes};
+     }},
+};
+
+} // namespace
+
+const SessionFunction* FindSessionFunction(std::string_view name) {
+    for (const std::span<const SessionFunction> list :
+         {std::span<const SessionFunction>(kFunctions), ObjectFunctions()}) {
+        const auto found = std::ranges::find(list, name, &SessionFunction::name);
+        if (found != list.end()) {
+            return &*found;
+        }
+    }
+    return nullptr;
+}
+
+BoundPtr SessionCore::Global(std::string_view name) {
+    for (const GlobalVariable& variable : kGlobals) {
+        if (AsciiEqual(variable.name, name)) {
+            return MakeConstant(variable.value(*this), variable.type);
+        }
+    }
+    RaiseError(137, {name});
+}
+
+} // namespace devsql

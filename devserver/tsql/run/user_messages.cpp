@@ -1,0 +1,46 @@
+#include "devserver/tsql/run/user_messages.h"
+
+#include <vector>
+
+#include "devserver/storage/sqlite.h"
+#include "devserver/tsql/run/errors.h"
+#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/scalar/conversion.h"
+
+namespace devsql {
+
+std::optional<NumberedMessage> FindMessageText(SessionCore& session, std::int32_t number,
+                                               std::span<const FormatArgument> arguments) {
+    std::vector<std::string> texts;
+    for (const FormatArgument& argument : arguments) {
+        texts.push_back(IsNull(argument.value) ? "(null)" : ValueText(argument.value, argument.type));
+    }
+    if (const MessageTemplate* own = FindTemplate(number)) {
+        return NumberedMessage{own->severity, Filled(own->text, texts)};
+    }
+    SqliteStatement row =
+        session.connection.Prepare("SELECT severity, description FROM main.sysusermessages WHERE error = ?1");
+    row.BindInt(1, number);
+    if (!row.Step()) {
+        return std::nullopt;
+    }
+    return NumberedMessage{row.Int(0), FormatRaiserror(row.Text(1), arguments)};
+}
+
+std::string MessageRows() {
+    static const std::string rows = [] {
+        const std::vector<std::string> places(9, "%ls");
+        std::string text =
+            "(SELECT column1 AS error, column2 AS severity, column3 AS description FROM (VALUES";
+        char separator = ' ';
+        for (const MessageTemplate* message : AllTemplates()) {
+            text += separator + ("(" + std::to_string(message->number)) + "," +
+                    std::to_string(message->severity) + "," + QuoteText(Filled(message->text, places)) + ")";
+            separator = ',';
+        }
+        return text + "))";
+    }();
+    return rows;
+}
+
+} // namespace devsql

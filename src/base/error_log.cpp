@@ -1,0 +1,74 @@
+#include "base/error_log.h"
+
+#include <array>
+#include <cstdio>
+
+#include "base/registry_locations.h"
+#include "base/registry_settings.h"
+#include "platform/files.h"
+
+namespace kv {
+namespace {
+
+/// Reading the log folder reports its own failures here. Without an end, a missing log key would take the
+/// stack with it.
+bool writing = false;
+
+class WritingMark {
+  public:
+    WritingMark() { writing = true; }
+    WritingMark(const WritingMark&) = delete;
+    WritingMark& operator=(const WritingMark&) = delete;
+    ~WritingMark() { writing = false; }
+};
+
+/// A plain file of that name answers the directory lookup too, and then nothing is made. Another process may
+/// have made the folder since the lookup.
+void MakeDataFolder() {
+    const std::string folder = platform::ExecutableFolder() + "\\Data";
+    if (platform::FolderExists(folder) || platform::FileExists(folder)) {
+        return;
+    }
+    try {
+        platform::CreateFolder(folder);
+    } catch (const platform::FileError& error) {
+        if (error.Fault() != platform::FileFault::AlreadyExists) {
+            throw;
+        }
+    }
+}
+
+std::string DateAndTime(const platform::LocalTime& time) {
+    std::array<char, 80> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day,
+                  time.hour, time.minute, time.second);
+    return text.data();
+}
+
+} // namespace
+
+std::string ErrorLogLine(const platform::LocalTime& time, const std::string& strSource,
+                         const ErrorState& error) {
+    std::string line = DateAndTime(time) + " : Error in " + strSource;
+    if (error.number != 0) {
+        line += " : " + std::to_string(error.number) + ", " + error.description;
+    }
+    return line;
+}
+
+void WriteErrorLog(const std::string& strSource) {
+    if (writing) {
+        return;
+    }
+    const WritingMark mark;
+    MakeDataFolder();
+    // Reading clears the current error, so that the line below says what the caller passed and no more:
+    // what reads the log relies on the short form.
+    const std::string folder =
+        GetLocalSetting(registry_locations::kHkeyLocalMachine, registry_locations::kLogKey,
+                        registry_locations::kLogValue, registry_locations::kLogDefault);
+    platform::AppendToFile(folder + "\\" + platform::ExecutableName() + ".log",
+                           ErrorLogLine(platform::Now(), strSource, CurrentError()) + "\r\n");
+}
+
+} // namespace kv

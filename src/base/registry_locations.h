@@ -1,0 +1,55 @@
+// Every place in the registry that the program reads or writes, and the defaults that its callers pass.
+#pragma once
+
+#include "registry/registry.h"
+
+namespace kv::registry_locations {
+
+using platform::kHkeyCurrentUser;
+using platform::kHkeyLocalMachine;
+
+/// HKEY_LOCAL_MACHINE, the key's default value: the folder of the error log.
+inline constexpr const char* kLogKey = R"(SOFTWARE\ORVIK\QUORLEN\Log)";
+inline constexpr const char* kLogValue = "";
+inline constexpr const char* kLogDefault = R"(..\Log)";
+
+/// HKEY_LOCAL_MACHINE, here and on the backup node: how to reach the database server.
+inline constexpr const char* kLoginKey = R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\Login)";
+inline constexpr const char* kServerNameValue = "ServerName";
+inline constexpr const char* kUserIdValue = "UserID";
+inline constexpr const char* kPasswordValue = "PWD";
+
+/// HKEY_CURRENT_USER, unlike all the others: the other computer of the pair.
+inline constexpr const char* kRedundancyKey = R"(SOFTWARE\Orvik\Quorlen\Redundancy\Lotkeeper)";
+inline constexpr const char* kBackupNodeValue = "BackupNode";
+
+/// HKEY_LOCAL_MACHINE. UseTransactionalReplication is the only value that the program writes.
+inline constexpr const char* kCustomFunctionsKey = R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\CustomFunctions)";
+inline constexpr const char* kUseTransactionalReplicationValue = "UseTransactionalReplication";
+inline constexpr const char* kSqlServerInstalledValue = "SqlServerInstalled";
+
+/// HKEY_LOCAL_MACHINE. The main window opens this key itself before it reads the value.
+inline constexpr const char* kInstallationKey = R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\Installation)";
+inline constexpr const char* kSqlDomainValue = "SqlDomain";
+
+/// HKEY_LOCAL_MACHINE: the version of the database server. The doubled separators are the key's text as the
+/// program has always written it; the registry takes a run of them as one.
+inline constexpr const char* kCurrentVersionKey =
+    R"(SOFTWARE\\Microsoft\\Microsoft SQL Server\\KV_BATCH\\MSSQLServer\\CurrentVersion)";
+inline constexpr const char* kCurrentVersionValue = "CurrentVersion";
+
+/// HKEY_LOCAL_MACHINE: where each version of the server's client tools lies.
+inline constexpr const char* kClientSetup80Key =
+    R"(SOFTWARE\Microsoft\Microsoft SQL Server\80\Tools\ClientSetup)";
+inline constexpr const char* kClientSetup90Key =
+    R"(SOFTWARE\Microsoft\Microsoft SQL Server\90\Tools\ClientSetup)";
+inline constexpr const char* kClientSetup120Key =
+    R"(SOFTWARE\Microsoft\Microsoft SQL Server\120\Tools\ClientSetup)";
+inline constexpr const char* kClientSetup140Key =
+    R"(SOFTWARE\Microsoft\Microsoft SQL Server\140\Tools\ClientSetup)";
+inline constexpr const char* kSqlPathValue = "SQLPath";
+
+/// The default of every value but the log folder.
+inline constexpr const char* kNoDefault = "";
+
+} // namespace kv::registry_locations

@@ -1,0 +1,150 @@
+#include "base/registry_settings.h"
+
+#include <cstddef>
+
+#include "base/error_log.h"
+#include "base/failure.h"
+
+namespace kv {
+namespace {
+
+namespace registry_error = platform::registry_error;
+
+constexpr std::size_t kValueBuffer = 400;   // bytes
+constexpr std::size_t kMessageBuffer = 200; // characters
+
+/// The raised number is the length of the system's text and not the system's number: the log has always
+/// carried it. A system without a text fails here as an invalid call.
+[[noreturn]] void RaiseRegistryFailure(std::int32_t system_error, const char* source) {
+    constexpr std::size_t kLineEnd = 2; // the text's CR LF
+    const std::string text = platform::SystemMessage(system_error, kMessageBuffer);
+    if (text.size() < kLineEnd) {
+        RaiseRunTimeFailure(run_time::kInvalidProcedureCall);
+    }
+    RaiseFailure(static_cast<std::int32_t>(text.size()), source, text.substr(0, text.size() - kLineEnd));
+}
+
+/// The log's name for a call: "mRegistry::" and the routine, the arguments in quotes.
+template <class... Arguments>
+std::string CallText(const char* routine, const std::string& first, const Arguments&... others) {
+    std::string text = std::string("mRegistry::") + routine + "('" + first;
+    ((text += "', '", text += others), ...);
+    return text + "')";
+}
+
+void LogFailure(const std::string& call, const Failure& failure) {
+    WriteErrorLog(call + ": " + std::to_string(failure.Number()) + " - " + failure.Description());
+}
+
+/// Up to the first NUL. What has none filled the buffer or is no text, and loses the blanks at its end.
+std::string TextInBuffer(const std::string& buffer) {
+    const auto nul = buffer.find('\0');
+    if (nul != std::string::npos) {
+        return buffer.substr(0, nul);
+    }
+    return buffer.substr(0, buffer.find_last_not_of(' ') + 1);
+}
+
+} // namespace
+
+std::string GetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey,
+                         const std::string& strValueName, const std::string& strDefault) {
+    constexpr const char* kSource = "mRegistry::GetStringKey";
+    std::string result;
+    WithFailureHandler(
+        [&] {
+            const auto opened = platform::OpenKey(lngRoot, strSubKey, platform::kKeyQueryValue);
+            if (opened.error != registry_error::kSuccess) {
+                RaiseRegistryFailure(opened.error, kSource);
+            }
+            std::string buffer(kValueBuffer, ' ');
+            const std::int32_t error = platform::QueryValue(opened.key, strValueName, buffer);
+            if (error == registry_error::kSuccess) {
+                result = TextInBuffer(buffer);
+            } else if (error == registry_error::kFileNotFound) {
+                result = strDefault;
+            } else {
+                RaiseRegistryFailure(error, kSource); // the key stays open
+            }
+            platform::CloseKey(opened.key);
+        },
+        [&](const Failure& failure) {
+            LogFailure(CallText("GetStringKey", strSubKey, strValueName), failure);
+            RaiseFailure(failure.Number(), failure.Source(), failure.Description());
+        });
+    return result;
+}
+
+bool SetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey,
+                  const std::string& strValueName, const std::string& strValue) {
+    constexpr const char* kSource = "mRegistry::SetStringKey";
+    bool written = false;
+    WithFailureHandler(
+        [&] {
+            // The class of a new key is the value's name: so keys of this program have always been made.
+            const auto created =
+                platform::CreateKey(lngRoot, strSubKey, strValueName, platform::kKeyAllAccess);
+            if (created.error != registry_error::kSuccess) {
+                RaiseRegistryFailure(created.error, kSource);
+            }
+            const std::int32_t error =
+                platform::SetValue(created.key, strValueName, platform::kRegSz, strValue);
+            if (error != registry_error::kSuccess) {
+                RaiseRegistryFailure(error, kSource); // the key stays open
+            }
+            platform::CloseKey(created.key);
+            written = true;
+        },
+        [&](const Failure& failure) {
+            LogFailure(CallText("SetStringKey", strSubKey, strValueName, strValue), failure);
+            RaiseFailure(failure.Number(), failure.Source(), failure.Description());
+        });
+    return written;
+}
+
+std::string GetLocalSetting(std::int32_t lngHive, const std::string& strSubKey,
+                            const std::string& strValueName, const std::string& strDefault) {
+    std::string result;
+    WithFailureHandler([&] { result = GetStringKey(lngHive, strSubKey, strValueName, strDefault); },
+                       [&](const Failure& failure) {
+                           LogFailure(
+                               CallText("GetLocalSetting", std::to_string(lngHive), strSubKey, strValueName),
+                               failure);
+                       });
+    return result;
+}
+
+bool SaveLocalSetting(std::int32_t lngHive, const std::string& strSubKey, const std::string& strValueName,
+                      const std::string& strValue) {
+    bool written = false;
+    WithFailureHandler([&] { written = SetStringKey(lngHive, strSubKey, strValueName, strValue); },
+                       [&](const Failure& failure) {
+                           LogFailure(CallText("SaveLocalSetting", std::to_string(lngHive), strSubKey,
+                                               strValueName, strValue),
+                                      failure);
+                       });
+    return written;
+}
+
+std::string GetRemoteSetting(const std::string& strComputer, std::int32_t lngHive,
+                             const std::string& strSubKey, const std::string& strValueName,
+                             const std::string& strDefault) {
+    std::string result;
+    WithFailureHandler(
+        [&] {
+            // Never closed: the connection is one for each call and ends with the program.
+            const auto root = platform::ConnectRegistry(strComputer, lngHive);
+            if (root.error != registry_error::kSuccess) {
+                RaiseRegistryFailure(root.error, "mRegistry::GetRemoteSetting");
+            }
+            result = GetStringKey(root.key, strSubKey, strValueName, strDefault);
+        },
+        [&](const Failure& failure) {
+            LogFailure(
+                CallText("GetRemoteSetting", strComputer, std::to_string(lngHive), strSubKey, strValueName),
+                failure);
+        });
+    return result;
+}
+
+} // namespace kv

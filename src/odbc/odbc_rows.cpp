@@ -1,0 +1,231 @@
+// Rows of a result. The array size is set when the statement has run: set before, the drivers of this server
+// open a cursor on the server in place of sending the rows.
+#include "odbc/odbc_rows.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+#include "odbc/odbc_types.h"
+
+namespace platform::odbc {
+namespace {
+
+/// Room for a block, in bytes, and the most rows that are worth one.
+constexpr std::size_t kBlockBytes = 256 * 1024;
+constexpr std::size_t kMaxBlockRows = 512;
+/// Bytes that a long value is read in at a time.
+constexpr std::size_t kPieceBytes = 64 * 1024;
+
+/// A column that is bound, with a value and an indicator for each row of the block.
+struct BoundColumn {
+    SQLSMALLINT c_type = SQL_C_WCHAR;
+    CellKind kind = CellKind::Text;
+    bool varies = false;   ///< in length, up to `room` bytes
+    std::size_t width = 0; ///< bytes of a value's place
+    std::size_t room = 0;
+    std::vector<char> data;
+    std::vector<SQLLEN> indicators;
+};
+
+std::size_t WidthOf(const Column& column, SQLSMALLINT c_type) {
+    const std::size_t fixed = FixedSize(c_type);
+    if (fixed != 0) {
+        return fixed;
+    }
+    // Text takes a character more for the NUL behind it; a decimal's sign and point are in its display size.
+    return c_type == SQL_C_BINARY ? column.size
+                                  : (std::max(column.size, column.display_size) + 1) * sizeof(char16_t);
+}
+
+/// Bytes of a value that a buffer of `size` bytes takes: text has a NUL behind it.
+std::size_t RoomFor(SQLSMALLINT c_type, std::size_t size) {
+    return c_type == SQL_C_WCHAR ? size - sizeof(char16_t) : size;
+}
+
+} // namespace
+
+struct RowReader::State {
+    Statement* statement = nullptr;
+    std::vector<Column> columns;
+    std::vector<BoundColumn> bound; ///< of the columns in front of the first long one
+    std::vector<SQLUSMALLINT> row_status;
+    std::vector<char> piece;
+    std::string whole; ///< the long value that was read last
+    std::size_t block_rows = 1;
+    SQLULEN fetched = 0;
+    std::size_t next = 0; ///< row of the block that NextRow goes to
+    bool ended = false;   ///< a further fetch would be out of order
+
+    ~State() { Release(); }
+    void Layout();
+    void BindAll();
+    bool BlockFailed() const;
+    bool FetchBlock();
+    CellView BoundView(std::size_t column, std::size_t row) const;
+    CellView LongView(std::size_t column);
+    void Release() noexcept;
+};
+
+void RowReader::State::Layout() {
+    std::size_t row_bytes = 0;
+    for (const Column& column : columns) {
+        // The drivers of this server read columns in pieces only behind the last bound one, and only from
+        // blocks of one row.
+        if (column.IsLong()) {
+            break;
+        }
+        BoundColumn& next_bound = bound.emplace_back();
+        next_bound.c_type = BufferType(column.type);
+        next_bound.kind = KindOf(next_bound.c_type);
+        next_bound.varies = FixedSize(next_bound.c_type) == 0;
+        next_bound.width = WidthOf(column, next_bound.c_type);
+        next_bound.room = RoomFor(next_bound.c_type, next_bound.width);
+        row_bytes += next_bound.width + sizeof(SQLLEN);
+    }
+    if (bound.size() == columns.size()) {
+        block_rows =
+            std::clamp<std::size_t>(kBlockBytes / std::max<std::size_t>(row_bytes, 1), 1, kMaxBlockRows);
+    }
+    for (BoundColumn& column : bound) {
+        column.data.resize(column.width * block_rows);
+        column.indicators.resize(block_rows);
+    }
+    row_status.resize(block_rows);
+}
+
+void RowReader::State::BindAll() {
+    Handle& handle = statement->Owner();
+    handle.Check("SQLSetStmtAttr", SQLSetStmtAttrW(handle.Get(), SQL_ATTR_ROW_ARRAY_SIZE,
+                                                   AttributeValue(block_rows), SQL_IS_UINTEGER));
+    handle.Check("SQLSetStmtAttr",
+                 SQLSetStmtAttrW(handle.Get(), SQL_ATTR_ROWS_FETCHED_PTR, &fetched, SQL_IS_POINTER));
+    handle.Check("SQLSetStmtAttr",
+                 SQLSetStmtAttrW(handle.Get(), SQL_ATTR_ROW_STATUS_PTR, row_status.data(), SQL_IS_POINTER));
+    SQLUSMALLINT number = 0;
+    for (BoundColumn& column : bound) {
+        ++number;
+        handle.Check("SQLBindCol", SQLBindCol(handle.Get(), number, column.c_type, column.data.data(),
+                                              static_cast<SQLLEN>(column.width), column.indicators.data()));
+    }
+}
+
+/// Success with information tells of a block that was cut short by an error, too: by the state of a row, or
+/// by the record alone.
+bool RowReader::State::BlockFailed() const {
+    const auto rows_end =
+        row_status.begin() + static_cast<std::ptrdiff_t>(std::min<SQLULEN>(fetched, block_rows));
+    return std::find(row_status.begin(), rows_end, SQL_ROW_ERROR) != rows_end ||
+           std::ranges::any_of(ReadDiagnostics(HandleKind::Statement, statement->Get(), false),
+                               &Diagnostic::error);
+}
+
+bool RowReader::State::FetchBlock() {
+    Handle& handle = statement->Owner();
+    next = 0;
+    fetched = 0;
+    const SQLRETURN code = SQLFetch(handle.Get());
+    if (code == SQL_SUCCESS_WITH_INFO && BlockFailed()) {
+        throw OdbcError("SQLFetch", ReadDiagnostics(HandleKind::Statement, handle.Get(), true));
+    }
+    const bool got = handle.Check("SQLFetch", code) && fetched != 0;
+    // A block that is not full is the last one. Asking once more would be harmless but for FreeTDS, which
+    // then reads on behind the result and loses the message that stands there.
+    ended = !got || fetched < block_rows;
+    return got;
+}
+
+CellView RowReader::State::BoundView(std::size_t column, std::size_t row) const {
+    const BoundColumn& buffer = bound[column];
+    const SQLLEN indicator = buffer.indicators[row];
+    if (indicator == SQL_NULL_DATA) {
+        return {};
+    }
+    const char* const data = buffer.data.data() + row * buffer.width;
+    if (!buffer.varies) {
+        return {buffer.kind, data, buffer.width};
+    }
+    if (indicator < 0 || static_cast<std::size_t>(indicator) > buffer.room) {
+        Diagnostic cut;
+        cut.sql_state = "01004";
+        cut.message = "The column '" + columns[column].name + "' holds a value of " +
+                      std::to_string(indicator) + " bytes, more than the " + std::to_string(buffer.room) +
+                      " of its description";
+        throw OdbcError("SQLFetch", {std::move(cut)});
+    }
+    return {buffer.kind, data, static_cast<std::size_t>(indicator)};
+}
+
+CellView RowReader::State::LongView(std::size_t column) {
+    Handle& handle = statement->Owner();
+    const SQLSMALLINT c_type = BufferType(columns[column].type);
+    piece.resize(kPieceBytes);
+    const std::size_t room = RoomFor(c_type, piece.size());
+    whole.clear();
+    for (;;) {
+        SQLLEN indicator = 0;
+        const SQLRETURN code = SQLGetData(handle.Get(), static_cast<SQLUSMALLINT>(column + 1), c_type,
+                                          piece.data(), static_cast<SQLLEN>(piece.size()), &indicator);
+        const bool got = code == SQL_SUCCESS_WITH_INFO || handle.Check("SQLGetData", code);
+        if (!got) {
+            break;
+        }
+        if (indicator == SQL_NULL_DATA || FixedSize(c_type) != 0) {
+            return ViewOf(c_type, piece.data(), indicator);
+        }
+        const bool cut = indicator == SQL_NO_TOTAL || static_cast<std::size_t>(indicator) > room;
+        whole.append(piece.data(), cut ? room : static_cast<std::size_t>(indicator));
+        if (!cut) {
+            break;
+        }
+    }
+    return ViewOf(c_type, whole.data(), static_cast<SQLLEN>(whole.size()));
+}
+
+void RowReader::State::Release() noexcept {
+    // Whatever these answer: the buffers go now, and the statement must not know them any more.
+    SQLFreeStmt(statement->Get(), SQL_UNBIND);
+    SQLSetStmtAttrW(statement->Get(), SQL_ATTR_ROW_STATUS_PTR, nullptr, SQL_IS_POINTER);
+    SQLSetStmtAttrW(statement->Get(), SQL_ATTR_ROWS_FETCHED_PTR, nullptr, SQL_IS_POINTER);
+    SQLSetStmtAttrW(statement->Get(), SQL_ATTR_ROW_ARRAY_SIZE, AttributeValue(1), SQL_IS_UINTEGER);
+}
+
+RowReader::RowReader(Statement& statement) : state_(std::make_unique<State>()) {
+    state_->statement = &statement;
+    state_->columns = statement.Columns();
+    // FreeTDS has then read the result to its end, and a fetch would read on, as behind a last block.
+    state_->ended = statement.KnownEmpty();
+    state_->Layout();
+    state_->BindAll();
+}
+
+RowReader::RowReader(RowReader&&) noexcept = default;
+RowReader::~RowReader() = default;
+
+const std::vector<Column>& RowReader::Columns() const {
+    return state_->columns;
+}
+
+bool RowReader::NextRow() {
+    State& state = *state_;
+    ++state.next;
+    return state.next < state.fetched || (!state.ended && state.FetchBlock());
+}
+
+CellView RowReader::View(std::size_t column) {
+    return column < state_->bound.size() ? state_->BoundView(column, state_->next) : state_->LongView(column);
+}
+
+bool RowReader::Next(std::vector<Value>& row) {
+    if (!NextRow()) {
+        return false;
+    }
+    row.resize(state_->columns.size());
+    for (std::size_t column = 0; column < row.size(); ++column) {
+        row[column] = ReadValue(View(column));
+    }
+    return true;
+}
+
+} // namespace platform::odbc

@@ -1,0 +1,7 @@
+#include "odbc/odbc_driver.h"
+
+namespace platform::odbc {
+
+void PrepareDriver() {} // the system's own driver needs nothing
+
+} // namespace platform::odbc

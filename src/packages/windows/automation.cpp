@@ -1,0 +1,258 @@
+// Late bound calls over IDispatch. COM is entered once, by the first object, and left at the end of the
+// process: the program has one thread.
+#include "packages/windows/automation.h"
+
+#include <limits>
+
+#include <objbase.h>
+
+#include "packages/packages.h"
+
+namespace platform {
+namespace {
+
+constexpr UINT kCodePage = 1252;
+
+int Length(std::size_t size) {
+    if (size > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        throw PackageError(E_OUTOFMEMORY, "", "A text for an automation call is too long");
+    }
+    return static_cast<int>(size);
+}
+
+std::wstring Widen(std::string_view text) {
+    const int length = Length(text.size());
+    std::wstring wide(text.size(), L'\0'); // one unit for each byte: the code page has single bytes only
+    MultiByteToWideChar(kCodePage, 0, text.data(), length, wide.data(), length);
+    return wide;
+}
+
+std::string Narrow(std::wstring_view wide) {
+    const int length = Length(wide.size());
+    const int needed = WideCharToMultiByte(kCodePage, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string text(static_cast<std::size_t>(needed), '\0');
+    WideCharToMultiByte(kCodePage, 0, wide.data(), length, text.data(), needed, nullptr, nullptr);
+    return text;
+}
+
+struct FreeLocal {
+    void operator()(wchar_t* text) const { LocalFree(text); }
+};
+
+std::string SystemText(HRESULT result) {
+    wchar_t* raw = nullptr;
+    const DWORD length = FormatMessageW(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+        static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&raw), 0, nullptr);
+    const std::unique_ptr<wchar_t, FreeLocal> owned(raw);
+    std::string text = length == 0 ? "Automation error" : Narrow(std::wstring_view(raw, length));
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r' || text.back() == ' ')) {
+        text.pop_back();
+    }
+    return text;
+}
+
+/// What an object says of its failure. The code is `scode` or, in the old way, `wCode`.
+[[noreturn]] void ThrowException(EXCEPINFO& info, const std::string& what) {
+    if (info.pfnDeferredFillIn != nullptr) {
+        info.pfnDeferredFillIn(&info);
+    }
+    const Bstr source(info.bstrSource);
+    const Bstr description(info.bstrDescription);
+    const Bstr help_file(info.bstrHelpFile);
+    const std::int32_t number = info.wCode != 0 ? info.wCode : info.scode;
+    std::string text = description.Text();
+    if (text.empty()) {
+        text = what + ": " + SystemText(number);
+    }
+    throw PackageError(number, source.Text(), std::move(text));
+}
+
+class Apartment {
+  public:
+    Apartment() : entered_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+    ~Apartment() {
+        if (entered_) {
+            CoUninitialize();
+        }
+    }
+
+  private:
+    bool entered_;
+};
+
+void EnterApartment() {
+    static const Apartment apartment;
+}
+
+Variant Converted(const VARIANT& value, VARTYPE type, const std::string& what) {
+    Variant converted;
+    VARIANT borrowed = value; // the call only reads it, but does not say so
+    RequireSuccess(VariantChangeType(converted.Receive(), &borrowed, 0, type), what);
+    return converted;
+}
+
+} // namespace
+
+void RequireSuccess(HRESULT result, const std::string& what) {
+    if (FAILED(result)) {
+        throw PackageError(result, "", what + ": " + SystemText(result));
+    }
+}
+
+Bstr::Bstr(std::string_view text) {
+    const std::wstring wide = Widen(text);
+    value_ = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    if (value_ == nullptr) {
+        throw std::bad_alloc();
+    }
+}
+
+Bstr& Bstr::operator=(Bstr&& other) noexcept {
+    std::swap(value_, other.value_);
+    return *this;
+}
+
+std::string Bstr::Text() const {
+    return Narrow(std::wstring_view(value_, SysStringLen(value_)));
+}
+
+Variant& Variant::operator=(Variant&& other) noexcept {
+    std::swap(value_, other.value_);
+    return *this;
+}
+
+Variant Variant::String(std::string_view text) {
+    Variant variant;
+    Bstr string(text);
+    V_VT(&variant.value_) = VT_BSTR;
+    V_BSTR(&variant.value_) = string.Release();
+    return variant;
+}
+
+Variant Variant::StringReference(Bstr& text) {
+    Variant variant;
+    V_VT(&variant.value_) = VT_BYREF | VT_BSTR;
+    V_BSTRREF(&variant.value_) = text.Reference();
+    return variant;
+}
+
+Variant Variant::Short(short number) {
+    Variant variant;
+    V_VT(&variant.value_) = VT_I2;
+    V_I2(&variant.value_) = number;
+    return variant;
+}
+
+Variant Variant::Boolean(bool value) {
+    Variant variant;
+    V_VT(&variant.value_) = VT_BOOL;
+    V_BOOL(&variant.value_) = value ? VARIANT_TRUE : VARIANT_FALSE;
+    return variant;
+}
+
+Variant Variant::LeftOut() {
+    Variant variant;
+    V_VT(&variant.value_) = VT_ERROR;
+    V_ERROR(&variant.value_) = DISP_E_PARAMNOTFOUND;
+    return variant;
+}
+
+std::string Variant::ToText(const std::string& what) const {
+    const Variant converted = Converted(value_, VT_BSTR, what);
+    const BSTR text = V_BSTR(&converted.value_);
+    return Narrow(std::wstring_view(text, SysStringLen(text)));
+}
+
+LocalTime Variant::ToLocalTime(const std::string& what) const {
+    const Variant converted = Converted(value_, VT_DATE, what);
+    SYSTEMTIME time{};
+    if (VariantTimeToSystemTime(V_DATE(&converted.value_), &time) == FALSE) {
+        RequireSuccess(DISP_E_TYPEMISMATCH, what);
+    }
+    return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
+}
+
+void* Variant::QueryInterface(REFIID id, const std::string& what) const {
+    const Variant converted = Converted(value_, VT_UNKNOWN, what);
+    IUnknown* const object = V_UNKNOWN(&converted.value_);
+    if (object == nullptr) {
+        RequireSuccess(E_POINTER, what);
+    }
+    void* wanted = nullptr;
+    RequireSuccess(object->QueryInterface(id, &wanted), what);
+    return wanted;
+}
+
+AutomationObject AutomationObject::Create(const wchar_t* program_name, std::string name) {
+    EnterApartment();
+    CLSID id{};
+    void* object = nullptr;
+    if (FAILED(CLSIDFromProgID(program_name, &id)) ||
+        FAILED(CoCreateInstance(id, nullptr, CLSCTX_ALL, IID_IDispatch, &object))) {
+        return {};
+    }
+    return {ComPointer<IDispatch>(static_cast<IDispatch*>(object)), std::move(name)};
+}
+
+void AutomationObject::Call(const wchar_t* member, const Arguments& arguments) const {
+    Invoke(IdOf(member), member, DISPATCH_METHOD, arguments, nullptr);
+}
+
+Variant AutomationObject::Ask(const wchar_t* member, const Arguments& arguments) const {
+    Variant result;
+    // A caller without a type library can't tell a method from a property with arguments, and says both.
+    Invoke(IdOf(member), member, DISPATCH_METHOD | DISPATCH_PROPERTYGET, arguments, result.Receive());
+    return result;
+}
+
+AutomationObject AutomationObject::AskObject(const wchar_t* member, const Arguments& arguments,
+                                             std::string name) const {
+    return {Ask(member, arguments).ToInterface<IDispatch>(IID_IDispatch, Named(member)), std::move(name)};
+}
+
+Variant AutomationObject::Property(const wchar_t* member) const {
+    Variant result;
+    Invoke(IdOf(member), member, DISPATCH_PROPERTYGET, {}, result.Receive());
+    return result;
+}
+
+ComPointer<IEnumVARIANT> AutomationObject::Enumerator() const {
+    Variant result;
+    Invoke(DISPID_NEWENUM, L"_NewEnum", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {}, result.Receive());
+    return result.ToInterface<IEnumVARIANT>(IID_IEnumVARIANT, Named(L"_NewEnum"));
+}
+
+DISPID AutomationObject::IdOf(const wchar_t* member) const {
+    Bstr name(Narrow(member));
+    BSTR names[] = {name.Get()};
+    DISPID id = DISPID_UNKNOWN;
+    RequireSuccess(object_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), Named(member));
+    return id;
+}
+
+void AutomationObject::Invoke(DISPID id, const wchar_t* member, WORD flags, const Arguments& arguments,
+                              VARIANT* result) const {
+    std::vector<VARIANT> last_first; // borrowed: `arguments` owns what is in them
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
+        last_first.push_back(argument->Raw());
+    }
+    DISPPARAMS parameters{};
+    parameters.rgvarg = last_first.data();
+    parameters.cArgs = static_cast<UINT>(last_first.size());
+    EXCEPINFO info{};
+    const HRESULT code =
+        object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, &info, nullptr);
+    if (code == DISP_E_EXCEPTION) {
+        ThrowException(info, Named(member));
+    }
+    RequireSuccess(code, Named(member));
+}
+
+std::string AutomationObject::Named(const wchar_t* member) const {
+    return name_ + "." + Narrow(member);
+}
+
+} // namespace platform

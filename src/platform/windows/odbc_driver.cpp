@@ -1,7 +1,0 @@
-#include "platform/odbc_driver.h"
-
-namespace platform::odbc {
-
-void PrepareDriver() {} // the system's own driver needs nothing
-
-} // namespace platform::odbc

@@ -1,0 +1,76 @@
+// A .reg file, as Windows exports it and people edit it: what its keys and values are, and changes to them
+// that leave every other line as it is. Knows text and no files.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "registry/linux/reg_text.h"
+
+namespace platform {
+
+/// The hive's full name and the key below it, one "\" between names: "HKEY_LOCAL_MACHINE\SOFTWARE". Compared
+/// without case.
+using RegPath = std::u16string;
+
+/// `hive` is the hive's full name; a run of "\" in `subkey` is one, and none counts at its ends.
+RegPath MakeRegPath(std::u16string_view hive, std::string_view subkey);
+
+struct RegValue {
+    std::uint32_t type = 0;
+    /// Text in code page 1252 with the NUL that it is stored with, everything else as it is stored.
+    std::string bytes;
+};
+
+class RegFile {
+  public:
+    /// No key at all; written as Windows exports, "Version 5.00" in UTF-16.
+    RegFile();
+    /// Throws RegDamage for a file that Windows did not write and nobody can have meant.
+    explicit RegFile(std::string_view bytes);
+
+    bool HasKey(const RegPath& key) const;
+    /// Null if there is no such value; the empty name is the key's default value. Valid until a change.
+    const RegValue* Find(const RegPath& key, std::string_view name) const;
+
+    // Both changes throw RegDamage for a name that the file cannot hold, and the object is of no use then.
+
+    /// The format has no place for the class: it becomes a comment above the key.
+    void AddKey(const RegPath& key, std::string_view key_class);
+    /// `data` of a text comes without its NUL. The key is made if it is absent.
+    void SetValue(const RegPath& key, std::string_view name, std::uint32_t type, std::string_view data);
+
+    std::string Bytes() const;
+
+  private:
+    friend class RegParser;
+
+    struct Entry {
+        RegValue value;
+        std::size_t begin = 0; ///< where its data stands in the text
+        std::size_t end = 0;
+    };
+    struct Key {
+        std::map<std::u16string, Entry> values;
+        /// The end of the last line that says something of this key; none if only keys below it are named.
+        std::optional<std::size_t> last_line_end;
+    };
+
+    void Index();
+    void Splice(std::size_t begin, std::size_t end, std::u16string_view replacement);
+    void AppendSection(const RegPath& key, std::string_view key_class);
+    std::u16string LineEnd() const;
+
+    RegText text_;
+    bool version5_ = true;
+    std::map<std::u16string, Key> keys_; ///< by folded path
+};
+
+/// The full name of a hive that is written out or abbreviated, in any case; empty if it is none.
+std::u16string_view HiveName(std::u16string_view name);
+
+} // namespace platform

@@ -1,0 +1,228 @@
+// The registry on Linux: handles and calls as the platform has them, over .reg files.
+#include "registry/registry.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <strings.h>
+#include <unistd.h>
+
+#include "registry/linux/reg_store.h"
+
+namespace platform {
+namespace {
+
+using namespace registry_error;
+
+struct Hive {
+    RegistryHandle handle;
+    std::u16string_view name;
+};
+
+constexpr std::array kHives = {Hive{kHkeyCurrentUser, u"HKEY_CURRENT_USER"},
+                               Hive{kHkeyLocalMachine, u"HKEY_LOCAL_MACHINE"}};
+
+struct Key {
+    std::string file;
+    RegPath path;
+    std::uint32_t access = kKeyAllAccess;
+};
+
+std::map<RegistryHandle, Key>& OpenKeys() {
+    static std::map<RegistryHandle, Key> keys;
+    return keys;
+}
+
+OpenedKey Open(Key key) {
+    static RegistryHandle last = 0x100;
+    OpenKeys().emplace(++last, std::move(key));
+    return {kSuccess, last};
+}
+
+/// Texts end at their first NUL, as the platform's calls take them.
+std::string_view Text(const std::string& text) {
+    return text.c_str();
+}
+
+std::u16string_view HiveOf(RegistryHandle handle) {
+    const auto* hive =
+        std::find_if(kHives.begin(), kHives.end(), [&](const Hive& h) { return h.handle == handle; });
+    return hive == kHives.end() ? std::u16string_view{} : hive->name;
+}
+
+std::optional<Key> Find(RegistryHandle handle) {
+    const std::u16string_view hive = HiveOf(handle);
+    if (!hive.empty()) {
+        return Key{LocalRegistryPath(), RegPath(hive), kKeyAllAccess};
+    }
+    const auto found = OpenKeys().find(handle);
+    return found == OpenKeys().end() ? std::nullopt : std::optional(found->second);
+}
+
+bool IsHive(const RegPath& path) {
+    return path.find(u'\\') == RegPath::npos;
+}
+
+bool IsThisComputer(std::string_view name) {
+    std::array<char, HOST_NAME_MAX + 1> own{};
+    return name.empty() || (::gethostname(own.data(), own.size() - 1) == 0 &&
+                            ::strcasecmp(std::string(name).c_str(), own.data()) == 0);
+}
+
+struct Message {
+    std::int32_t error;
+    std::string_view text;
+};
+
+constexpr std::array kMessages = {
+    Message{kFileNotFound, "The system cannot find the file specified."},
+    Message{kAccessDenied, "Access is denied."},
+    Message{kInvalidHandle, "The handle is invalid."},
+    Message{kBadNetPath, "The network path was not found."},
+    Message{kInvalidParameter, "The parameter is incorrect."},
+    Message{kDiskFull, "There is not enough space on the disk."},
+    Message{kMoreData, "More data is available."},
+    Message{kBadDb, "The configuration registry database is corrupt."},
+    Message{kCantOpen, "The configuration registry key could not be opened."},
+    Message{kCantRead, "The configuration registry key could not be read."},
+    Message{kCantWrite, "The configuration registry key could not be written."},
+};
+
+/// The end says which file and line; the beginning is what can be spared.
+std::string Shortened(std::string text, std::size_t most) {
+    constexpr std::string_view kLeftOut = "...";
+    if (text.size() > most) {
+        text.replace(0, text.size() - most + kLeftOut.size(), kLeftOut);
+    }
+    return text;
+}
+
+} // namespace
+
+OpenedKey OpenKey(RegistryHandle root, const std::string& subkey, std::uint32_t access) {
+    ForgetRegistryTrouble();
+    const auto parent = Find(root);
+    if (!parent) {
+        return {kInvalidHandle};
+    }
+    Key key{parent->file, MakeRegPath(parent->path, Text(subkey)), access};
+    RegFile file;
+    if (const std::int32_t error = LoadRegistry(key.file, file); error != kSuccess) {
+        return {error};
+    }
+    if (!IsHive(key.path) && !file.HasKey(key.path)) {
+        return {kFileNotFound};
+    }
+    return Open(std::move(key));
+}
+
+OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::string& key_class,
+                    std::uint32_t access) {
+    ForgetRegistryTrouble();
+    const auto parent = Find(root);
+    if (!parent) {
+        return {kInvalidHandle};
+    }
+    Key key{parent->file, MakeRegPath(parent->path, Text(subkey)), access};
+    const std::int32_t error = ChangeRegistry(key.file, [&](RegFile& file) {
+        if (!IsHive(key.path)) {
+            file.AddKey(key.path, Text(key_class));
+        }
+    });
+    return error == kSuccess ? Open(std::move(key)) : OpenedKey{error};
+}
+
+std::int32_t QueryValue(RegistryHandle key, const std::string& name, std::string& buffer) {
+    ForgetRegistryTrouble();
+    const auto open = Find(key);
+    if (!open) {
+        return kInvalidHandle;
+    }
+    if ((open->access & kKeyQueryValue) == 0) {
+        return kAccessDenied;
+    }
+    RegFile file;
+    if (const std::int32_t error = LoadRegistry(open->file, file); error != kSuccess) {
+        return error;
+    }
+    const RegValue* value = file.Find(open->path, Text(name));
+    if (value == nullptr) {
+        return kFileNotFound;
+    }
+    std::string bytes = value->bytes;
+    if (bytes.size() > buffer.size()) {
+        return kMoreData;
+    }
+    constexpr std::uint32_t kLastTextType = 2; // texts and texts with variables
+    const bool text = value->type >= kRegSz && value->type <= kLastTextType;
+    if (text && bytes.size() < buffer.size() && !bytes.ends_with('\0')) {
+        bytes += '\0';
+    }
+    buffer.replace(0, bytes.size(), bytes);
+    return kSuccess;
+}
+
+std::int32_t SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
+                      const std::string& data) {
+    ForgetRegistryTrouble();
+    const auto open = Find(key);
+    if (!open) {
+        return kInvalidHandle;
+    }
+    if ((open->access & kKeySetValue) == 0) {
+        return kAccessDenied;
+    }
+    return ChangeRegistry(open->file,
+                          [&](RegFile& file) { file.SetValue(open->path, Text(name), type, data); });
+}
+
+std::int32_t CloseKey(RegistryHandle key) {
+    if (!HiveOf(key).empty()) {
+        return kSuccess;
+    }
+    return OpenKeys().erase(key) == 1 ? kSuccess : kInvalidHandle;
+}
+
+OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive) {
+    ForgetRegistryTrouble();
+    const std::u16string_view hive_name = HiveOf(hive);
+    if (hive_name.empty()) {
+        return {kInvalidHandle};
+    }
+    std::string_view name = Text(computer);
+    name.remove_prefix(std::min(name.find_first_not_of('\\'), name.size()));
+    if (const auto file = RemoteRegistryPath(std::string(name))) {
+        return Open({*file, RegPath(hive_name), kKeyAllAccess});
+    }
+    if (IsThisComputer(name)) {
+        return Open({LocalRegistryPath(), RegPath(hive_name), kKeyAllAccess});
+    }
+    return {kBadNetPath};
+}
+
+std::string SystemMessage(std::int32_t error, std::size_t buffer_size) {
+    constexpr std::string_view kLineEnd = "\r\n";
+    constexpr std::size_t kFixed = 3; // the line end and the NUL that the buffer takes too
+    const auto* message =
+        std::find_if(kMessages.begin(), kMessages.end(), [&](const Message& m) { return m.error == error; });
+    if (message == kMessages.end() || message->text.size() + kFixed > buffer_size) {
+        return {};
+    }
+    std::string text(message->text);
+    const std::string trouble = RegistryTrouble(error);
+    const std::size_t room = buffer_size - kFixed - text.size();
+    constexpr std::size_t kLeast = 20; // less of it would tell nobody anything
+    if (!trouble.empty() && room > kLeast) {
+        text.back() = ':';
+        text += ' ';
+        text += Shortened(trouble, room - 1);
+    }
+    return text.append(kLineEnd);
+}
+
+} // namespace platform

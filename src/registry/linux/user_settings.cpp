@@ -1,0 +1,144 @@
+// The file is a list of "[section]" lines with "key=text" lines under them. A text begins behind the "=" and
+// ends with the line, its blanks belong to it, and its bytes are kept as they are.
+#include "registry/user_settings.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <system_error>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "registry/linux/config_folder.h"
+
+namespace platform {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+std::filesystem::path FolderOf(const std::string& application) {
+    const std::string folder = ConfigFolder();
+    return folder.empty() ? std::filesystem::path() : std::filesystem::path(folder) / application;
+}
+
+/// A file that is not there has no lines; nothing for one that cannot be read to its end.
+std::optional<Lines> ReadLines(const std::filesystem::path& file) {
+    Lines lines;
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) {
+        return error ? std::nullopt : std::optional(lines);
+    }
+    std::ifstream stream(file, std::ios::binary);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
+    return stream.eof() ? std::optional(lines) : std::nullopt;
+}
+
+/// Where the section's lines begin and end, its head not counted; nothing if it is not there.
+struct Range {
+    std::size_t begin;
+    std::size_t end;
+};
+
+std::optional<Range> FindSection(const Lines& lines, const std::string& section) {
+    const std::string head = "[" + section + "]";
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (lines[i] == head) {
+            std::size_t end = i + 1;
+            while (end < lines.size() && (lines[end].empty() || lines[end].front() != '[')) {
+                ++end;
+            }
+            return Range{i + 1, end};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::size_t> FindKey(const Lines& lines, const Range& range, const std::string& key) {
+    const std::string beginning = key + "=";
+    for (std::size_t i = range.begin; i < range.end; ++i) {
+        if (lines[i].compare(0, beginning.size(), beginning) == 0) {
+            return i;
+        }
+    }
+    return std::nullopt;
+}
+
+void SetLine(Lines& lines, const std::string& section, const std::string& key, const std::string& value) {
+    auto range = FindSection(lines, section);
+    if (!range) {
+        lines.push_back("[" + section + "]");
+        range = Range{lines.size(), lines.size()};
+    }
+    const std::string line = key + "=" + value;
+    if (const auto found = FindKey(lines, *range, key)) {
+        lines[*found] = line;
+    } else {
+        lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(range->end), line);
+    }
+}
+
+/// Passwords lie in the file in the clear: it belongs to its user alone from its first byte on.
+bool ReplaceFile(const std::filesystem::path& file, const Lines& lines) {
+    constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
+    const std::string fresh = file.string() + ".new";
+    ::unlink(fresh.c_str());
+    const int descriptor =
+        ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly);
+    if (descriptor < 0) {
+        return false;
+    }
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(::fdopen(descriptor, "wb"), &std::fclose);
+    if (!stream) {
+        ::close(descriptor);
+        return false;
+    }
+    for (const std::string& line : lines) {
+        std::fwrite(line.data(), 1, line.size(), stream.get());
+        std::fputc('\n', stream.get());
+    }
+    const bool written = std::ferror(stream.get()) == 0;
+    const bool closed = std::fclose(stream.release()) == 0;
+    if (!written || !closed || ::rename(fresh.c_str(), file.c_str()) != 0) {
+        ::unlink(fresh.c_str());
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+std::string ReadUserSetting(const std::string& application, const std::string& section,
+                            const std::string& key, const std::string& otherwise) {
+    const auto lines = ReadLines(FolderOf(application) / "settings.ini");
+    const auto range = lines ? FindSection(*lines, section) : std::nullopt;
+    const auto found = range ? FindKey(*lines, *range, key) : std::nullopt;
+    return found ? (*lines)[*found].substr(key.size() + 1) : otherwise;
+}
+
+bool WriteUserSetting(const std::string& application, const std::string& section, const std::string& key,
+                      const std::string& value) {
+    const std::filesystem::path folder = FolderOf(application);
+    if (folder.empty() || value.find_first_of("\r\n") != std::string::npos) {
+        return false;
+    }
+    std::error_code ignored;
+    if (std::filesystem::create_directories(folder, ignored)) {
+        std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
+    }
+    const std::filesystem::path file = folder / "settings.ini";
+    auto lines = ReadLines(file);
+    if (!lines) {
+        return false; // a new file would hold this one text in the place of all
+    }
+    SetLine(*lines, section, key, value);
+    return ReplaceFile(file, *lines);
+}
+
+} // namespace platform

@@ -1,0 +1,43 @@
+#include "registry/user_settings.h"
+
+#include "registry/registry.h"
+
+namespace platform {
+namespace {
+
+constexpr std::size_t kLongestText = 4096; // bytes, the NUL counted
+
+std::string KeyOf(const std::string& application, const std::string& section) {
+    return "Software\\VB and VBA Program Settings\\" + application + "\\" + section;
+}
+
+} // namespace
+
+std::string ReadUserSetting(const std::string& application, const std::string& section,
+                            const std::string& key, const std::string& otherwise) {
+    const OpenedKey opened = OpenKey(kHkeyCurrentUser, KeyOf(application, section), kKeyQueryValue);
+    if (opened.error != registry_error::kSuccess) {
+        return otherwise;
+    }
+    std::string buffer(kLongestText, '\0');
+    const std::int32_t error = QueryValue(opened.key, key, buffer);
+    CloseKey(opened.key);
+    return error == registry_error::kSuccess ? buffer.substr(0, buffer.find('\0')) : otherwise;
+}
+
+bool WriteUserSetting(const std::string& application, const std::string& section, const std::string& key,
+                      const std::string& value) {
+    if (value.find_first_of("\r\n") != std::string::npos || value.size() >= kLongestText) {
+        return false;
+    }
+    const OpenedKey opened =
+        CreateKey(kHkeyCurrentUser, KeyOf(application, section), "", kKeyQueryValue | kKeySetValue);
+    if (opened.error != registry_error::kSuccess) {
+        return false;
+    }
+    const std::int32_t error = SetValue(opened.key, key, kRegSz, value);
+    CloseKey(opened.key);
+    return error == registry_error::kSuccess;
+}
+
+} // namespace platform

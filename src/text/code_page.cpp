@@ -1,0 +1,72 @@
+#include "text/code_page.h"
+
+#include <algorithm>
+#include <array>
+
+namespace platform {
+namespace {
+
+/// The characters of the bytes 0x80 to 0x9F. The five bytes without a character of their own stand for the
+/// control characters of the same number, as on Windows. All other bytes are their own characters.
+constexpr unsigned char kFirstOdd = 0x80;
+constexpr std::array<char16_t, 32> kOdd = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
+};
+
+char16_t WidenByte(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool odd = byte >= kFirstOdd && byte < kFirstOdd + kOdd.size();
+    return odd ? kOdd[byte - kFirstOdd] : static_cast<char16_t>(byte);
+}
+
+char NarrowUnit(char16_t unit) {
+    if (unit < kFirstOdd || (unit >= kFirstOdd + kOdd.size() && unit <= 0xFF)) {
+        return static_cast<char>(unit);
+    }
+    const auto* const at = std::ranges::find(kOdd, unit);
+    return at != kOdd.end() ? static_cast<char>(kFirstOdd + (at - kOdd.begin())) : '?';
+}
+
+bool IsLowSurrogate(char16_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+} // namespace
+
+std::u16string Widen(std::string_view text) {
+    std::u16string wide(text.size(), u'\0');
+    std::ranges::transform(text, wide.begin(), WidenByte);
+    return wide;
+}
+
+std::string Narrow(std::u16string_view text) {
+    std::string narrow;
+    AppendNarrow(narrow, text);
+    return narrow;
+}
+
+void AppendNarrow(std::string& to, std::u16string_view text) {
+    const std::size_t begin = to.size();
+    to.resize(begin + text.size());
+    char* next = to.data() + begin;
+    char16_t seen = 0;
+    for (const char16_t unit : text) {
+        seen |= unit;
+    }
+    if (seen < kFirstOdd) { // most text is plain, and needs no look at any of its characters
+        for (const char16_t unit : text) {
+            *next++ = static_cast<char>(unit);
+        }
+        return;
+    }
+    for (const char16_t unit : text) {
+        if (!IsLowSurrogate(unit)) { // the high one of the pair has given its "?"
+            *next++ = NarrowUnit(unit);
+        }
+    }
+    to.resize(static_cast<std::size_t>(next - to.data()));
+}
+
+} // namespace platform

@@ -1,0 +1,100 @@
+#include "text/utf8.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace platform {
+namespace {
+
+void AppendCodePoint(std::u16string& characters, char32_t point) {
+    constexpr char32_t kFirstPair = 0x10000;
+    if (point < kFirstPair) {
+        characters += static_cast<char16_t>(point);
+        return;
+    }
+    constexpr char32_t kTenBits = 0x3FF;
+    characters += static_cast<char16_t>(0xD800U | ((point - kFirstPair) >> 10U));
+    characters += static_cast<char16_t>(0xDC00U | ((point - kFirstPair) & kTenBits));
+}
+
+/// One well-formed sequence from the front of `bytes`, which it takes away; nothing if there is none.
+std::optional<char32_t> TakeUtf8(std::string_view& bytes) {
+    struct Form {
+        unsigned char mask, lead;
+        std::size_t length;
+        char32_t least;
+    };
+    static constexpr std::array<Form, 4> kForms = {
+        {{0x80, 0x00, 1, 0}, {0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}}};
+    const auto first = static_cast<unsigned char>(bytes.front());
+    const auto* form =
+        std::find_if(kForms.begin(), kForms.end(), [&](const Form& f) { return (first & f.mask) == f.lead; });
+    if (form == kForms.end() || bytes.size() < form->length) {
+        return std::nullopt;
+    }
+    char32_t point = first & static_cast<unsigned char>(~form->mask);
+    for (std::size_t i = 1; i < form->length; ++i) {
+        const auto next = static_cast<unsigned char>(bytes[i]);
+        if ((next & 0xC0U) != 0x80U) {
+            return std::nullopt;
+        }
+        point = (point << 6U) | (next & 0x3FU);
+    }
+    const bool surrogate = point >= 0xD800 && point <= 0xDFFF;
+    if (point < form->least || point > 0x10FFFF || surrogate) {
+        return std::nullopt;
+    }
+    bytes.remove_prefix(form->length);
+    return point;
+}
+
+void AppendUtf8(std::string& bytes, char32_t point) {
+    const auto tail = [&](unsigned shift) { bytes += static_cast<char>(0x80U | ((point >> shift) & 0x3FU)); };
+    if (point < 0x80) {
+        bytes += static_cast<char>(point);
+    } else if (point < 0x800) {
+        bytes += static_cast<char>(0xC0U | (point >> 6U));
+        tail(0);
+    } else if (point < 0x10000) {
+        bytes += static_cast<char>(0xE0U | (point >> 12U));
+        tail(6);
+        tail(0);
+    } else {
+        bytes += static_cast<char>(0xF0U | (point >> 18U));
+        tail(12);
+        tail(6);
+        tail(0);
+    }
+}
+
+} // namespace
+
+std::optional<std::u16string> FromUtf8(std::string_view bytes) {
+    std::u16string characters;
+    characters.reserve(bytes.size());
+    while (!bytes.empty()) {
+        const auto point = TakeUtf8(bytes);
+        if (!point) {
+            return std::nullopt;
+        }
+        AppendCodePoint(characters, *point);
+    }
+    return characters;
+}
+
+std::string ToUtf8(std::u16string_view characters) {
+    std::string bytes;
+    bytes.reserve(characters.size());
+    for (std::size_t i = 0; i < characters.size(); ++i) {
+        char32_t point = characters[i];
+        if (point >= 0xD800 && point <= 0xDBFF && i + 1 < characters.size()) {
+            ++i;
+            point = 0x10000U + ((point - 0xD800U) << 10U) + (char32_t{characters[i]} - 0xDC00U);
+        }
+        AppendUtf8(bytes, point);
+    }
+    return bytes;
+}
+
+} // namespace platform

@@ -1,0 +1,378 @@
+// Where the .reg files lie, and that a save costs nothing that was there: seen through the registry's calls.
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "registry/registry.h"
+
+namespace {
+
+using namespace platform;
+using namespace platform::registry_error;
+namespace fs = std::filesystem;
+
+constexpr const char* kKey = R"(SOFTWARE\Orvik\Test)";
+
+class RegStore : public testing::Test {
+  public:
+    RegStore() {
+        std::string pattern = (fs::temp_directory_path() / "kv_reg_store_XXXXXX").string();
+        folder_ = ::mkdtemp(pattern.data());
+        ::setenv("KVLSQLDBMGR_REGISTRY", File().c_str(), 1);
+        ::umask(022);
+    }
+    ~RegStore() override {
+        ::unsetenv("KVLSQLDBMGR_REGISTRY");
+        ::unsetenv("XDG_CONFIG_HOME");
+        fs::remove_all(folder_);
+    }
+
+  protected:
+    fs::path File() const { return folder_ / "registry.reg"; }
+
+    void Put(const std::string& bytes) const { Put(File(), bytes); }
+    static void Put(const fs::path& path, const std::string& bytes) {
+        fs::create_directories(path.parent_path());
+        std::ofstream(path, std::ios::binary) << bytes;
+    }
+    static std::string Get(const fs::path& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    static mode_t ModeOf(const fs::path& path) {
+        struct stat info {};
+        EXPECT_EQ(::stat(path.c_str(), &info), 0) << path;
+        return info.st_mode & 07777U;
+    }
+    std::vector<std::string> FilesInFolder() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder_)) {
+            names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    static std::int32_t Save(const std::string& name, const std::string& text) {
+        const OpenedKey created = CreateKey(kHkeyLocalMachine, kKey, name, kKeyAllAccess);
+        if (created.error != kSuccess) {
+            return created.error;
+        }
+        const std::int32_t error = SetValue(created.key, name, kRegSz, text);
+        CloseKey(created.key);
+        return error;
+    }
+    /// The text, or the error number.
+    static std::string Read(const std::string& name, RegistryHandle root = kHkeyLocalMachine) {
+        const OpenedKey opened = OpenKey(root, kKey, kKeyQueryValue);
+        if (opened.error != kSuccess) {
+            return "open " + std::to_string(opened.error);
+        }
+        std::string buffer(400, ' ');
+        const std::int32_t error = QueryValue(opened.key, name, buffer);
+        CloseKey(opened.key);
+        return error == kSuccess ? buffer.substr(0, buffer.find('\0')) : "query " + std::to_string(error);
+    }
+    static std::string Sample(const std::string& text) {
+        return std::string("REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\") + kKey + "]\n\"v\"=\"" + text + "\"\n";
+    }
+
+    fs::path folder_;
+};
+
+TEST_F(RegStore, IsAnEmptyRegistryWithoutItsFile) {
+    EXPECT_EQ(Read("v"), "open 2");
+    EXPECT_EQ(OpenKey(kHkeyLocalMachine, "", kKeyQueryValue).error, kSuccess);
+    EXPECT_TRUE(FilesInFolder().empty());
+}
+
+TEST_F(RegStore, LiesWhereTheEnvironmentSays) {
+    Put(folder_ / "other/my.reg", Sample("there"));
+    ::setenv("KVLSQLDBMGR_REGISTRY", (folder_ / "other/my.reg").c_str(), 1);
+    EXPECT_EQ(Read("v"), "there");
+}
+
+TEST_F(RegStore, LiesInTheUsersConfigurationElse) {
+    Put(folder_ / "KVLSQLDbMgr/registry.reg", Sample("configured"));
+    ::setenv("KVLSQLDBMGR_REGISTRY", "", 1);
+    ::setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
+    EXPECT_EQ(Read("v"), "configured");
+}
+
+TEST_F(RegStore, LiesBelowTheHomeFolderElse) {
+    Put(folder_ / ".config/KVLSQLDbMgr/registry.reg", Sample("at home"));
+    const char* home = std::getenv("HOME");
+    const std::string kept = home == nullptr ? "" : home;
+    ::unsetenv("KVLSQLDBMGR_REGISTRY");
+    ::setenv("XDG_CONFIG_HOME", "relative", 1); // counts for nothing
+    ::setenv("HOME", folder_.c_str(), 1);
+    const std::string text = Read("v");
+    ::setenv("HOME", kept.c_str(), 1);
+    EXPECT_EQ(text, "at home");
+}
+
+TEST_F(RegStore, MakesFoldersAndFileForTheUserAloneAtTheFirstSave) {
+    const fs::path file = folder_ / "a/b/registry.reg";
+    ::setenv("KVLSQLDBMGR_REGISTRY", file.c_str(), 1);
+    EXPECT_EQ(Save("v", "x"), kSuccess);
+    EXPECT_EQ(ModeOf(folder_ / "a"), 0700U);
+    EXPECT_EQ(ModeOf(folder_ / "a/b"), 0700U);
+    EXPECT_EQ(ModeOf(file), 0600U);
+    EXPECT_EQ(Read("v"), "x");
+}
+
+TEST_F(RegStore, KeepsTheModeOfItsFile) {
+    Put(Sample("old"));
+    fs::permissions(File(), fs::perms{0640});
+    EXPECT_EQ(Save("v", "new"), kSuccess);
+    EXPECT_EQ(ModeOf(File()), 0640U);
+}
+
+TEST_F(RegStore, SavesBehindASymbolicLink) {
+    Put(folder_ / "real/site.reg", Sample("old"));
+    fs::create_symlink(folder_ / "real/site.reg", File());
+    EXPECT_EQ(Save("v", "new"), kSuccess);
+    EXPECT_TRUE(fs::is_symlink(File()));
+    EXPECT_EQ(Get(folder_ / "real/site.reg"), Sample("new"));
+}
+
+TEST_F(RegStore, LeavesNothingBesideTheFileButItsLock) {
+    Put(Sample("old"));
+    EXPECT_EQ(Save("v", "new"), kSuccess);
+    EXPECT_EQ(FilesInFolder(), (std::vector<std::string>{"registry.reg", "registry.reg.lock"}));
+}
+
+TEST_F(RegStore, TakesNoHarmFromWhatACrashLeftBeside) {
+    Put(Sample("old"));
+    Put(folder_ / "registry.reg.new", "half a fi");
+    EXPECT_EQ(Read("v"), "old");
+    EXPECT_EQ(Save("v", "new"), kSuccess);
+    EXPECT_EQ(Get(File()), Sample("new"));
+}
+
+TEST_F(RegStore, FailsOnADamagedFileAndNeverWritesIt) {
+    const std::string damaged = Sample("old") + "\"PWD\"=\"unterminated\n";
+    Put(damaged);
+    EXPECT_EQ(Read("v"), "open 1009");
+    EXPECT_EQ(OpenKey(kHkeyLocalMachine, "", kKeyQueryValue).error, kBadDb);
+    EXPECT_EQ(Save("v", "new"), kBadDb);
+    EXPECT_EQ(Get(File()), damaged);
+    EXPECT_EQ(FilesInFolder(), (std::vector<std::string>{"registry.reg", "registry.reg.lock"}));
+}
+
+TEST_F(RegStore, FailsOnAFileThatIsDamagedWhileAKeyIsOpen) {
+    Put(Sample("old"));
+    const OpenedKey opened = OpenKey(kHkeyLocalMachine, kKey, kKeyAllAccess);
+    Put("");
+    std::string buffer(10, ' ');
+    EXPECT_EQ(QueryValue(opened.key, "v", buffer), kBadDb);
+    EXPECT_EQ(SetValue(opened.key, "v", kRegSz, "x"), kBadDb);
+    EXPECT_EQ(Get(File()), "");
+    CloseKey(opened.key);
+}
+
+TEST_F(RegStore, TellsFileAndLineOfTheDamageInTheSystemsText) {
+    Put("REGEDIT4\n\nrubbish\n");
+    EXPECT_EQ(Read("v"), "open 1009");
+    const std::string text = SystemMessage(kBadDb, 200);
+    EXPECT_TRUE(text.starts_with("The configuration registry database is corrupt: ")) << text;
+    EXPECT_TRUE(text.ends_with("registry.reg, line 3: neither a key nor a value nor a comment\r\n")) << text;
+}
+
+TEST_F(RegStore, KeepsTheEndOfATextThatIsTooLongForTheBuffer) {
+    const fs::path file = folder_ / std::string(150, 'x') / "registry.reg";
+    Put(file, "REGEDIT4\nrubbish\n");
+    ::setenv("KVLSQLDBMGR_REGISTRY", file.c_str(), 1);
+    EXPECT_EQ(Read("v"), "open 1009");
+    const std::string text = SystemMessage(kBadDb, 200);
+    EXPECT_EQ(text.size(), 199U);
+    EXPECT_NE(text.find(": ...x"), std::string::npos) << text;
+    EXPECT_TRUE(text.ends_with("line 2: neither a key nor a value nor a comment\r\n")) << text;
+}
+
+TEST_F(RegStore, ForgetsADamageThatIsMended) {
+    Put("rubbish");
+    EXPECT_EQ(Read("v"), "open 1009");
+    Put(Sample("mended"));
+    EXPECT_EQ(Read("v"), "mended");
+    EXPECT_EQ(SystemMessage(kBadDb, 200), "The configuration registry database is corrupt.\r\n");
+}
+
+TEST_F(RegStore, FailsOnAFolderInThePlaceOfTheFile) {
+    fs::create_directory(File());
+    EXPECT_EQ(Read("v"), "open 1011");
+    EXPECT_EQ(Save("v", "x"), kCantOpen);
+    EXPECT_TRUE(fs::is_directory(File()));
+}
+
+TEST_F(RegStore, FailsOnAFileInThePlaceOfTheFolder) {
+    Put(folder_ / "plain", "text");
+    ::setenv("KVLSQLDBMGR_REGISTRY", (folder_ / "plain/registry.reg").c_str(), 1);
+    EXPECT_EQ(Read("v"), "open 1011");
+    EXPECT_EQ(Save("v", "x"), kCantWrite);
+    EXPECT_EQ(Get(folder_ / "plain"), "text");
+}
+
+TEST_F(RegStore, DoesNotWaitForAPipeInThePlaceOfTheFile) {
+    ASSERT_EQ(::mkfifo(File().c_str(), 0600), 0);
+    EXPECT_EQ(Read("v"), "open 1011");
+}
+
+/// What `body` gives in a process of its own, which may lose its rights and cannot get them back.
+int InChild(const std::function<int()>& body) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::_exit(body());
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+constexpr uid_t kNobody = 65534;
+
+/// Root may read everything.
+bool DropRights() {
+    return ::geteuid() != 0 || (::setegid(kNobody) == 0 && ::seteuid(kNobody) == 0);
+}
+
+TEST_F(RegStore, FailsWithoutTheRightToRead) {
+    Put(Sample("secret"));
+    fs::permissions(folder_, fs::perms{0755});
+    fs::permissions(File(), fs::perms{0000});
+    EXPECT_EQ(InChild([] { return DropRights() && Read("v") == "open 5" ? 1 : 0; }), 1);
+}
+
+TEST_F(RegStore, FailsWithoutTheRightToWriteAndKeepsTheFile) {
+    Put(Sample("old"));
+    fs::permissions(File(), fs::perms{0444});
+    fs::permissions(folder_, fs::perms{0777});
+    EXPECT_EQ(InChild([] { return DropRights() ? Save("v", "new") : 0; }), kAccessDenied);
+    fs::permissions(folder_, fs::perms{0555});
+    EXPECT_EQ(InChild([] { return DropRights() ? Save("v", "new") : 0; }), kAccessDenied);
+    fs::permissions(folder_, fs::perms{0755});
+    EXPECT_EQ(Get(File()), Sample("old"));
+}
+
+TEST_F(RegStore, FailsOnAFullDiskAndKeepsTheFile) {
+    const std::string before = Sample("old") + std::string(2000, '\n');
+    Put(before);
+    const int error = InChild([] {
+        const rlimit limit{1000, 1000};
+        ::signal(SIGXFSZ, SIG_IGN);
+        return ::setrlimit(RLIMIT_FSIZE, &limit) == 0 ? Save("v", "new") : 0;
+    });
+    EXPECT_EQ(error, kDiskFull);
+    EXPECT_EQ(Get(File()), before);
+    EXPECT_EQ(FilesInFolder(), (std::vector<std::string>{"registry.reg", "registry.reg.lock"}));
+}
+
+TEST_F(RegStore, LosesNoValueOfProcessesThatSaveAtOnce) {
+    constexpr int kProcesses = 4;
+    constexpr int kValues = 25;
+    std::vector<pid_t> children;
+    for (int p = 0; p < kProcesses; ++p) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            int failures = 0;
+            for (int i = 0; i < kValues; ++i) {
+                failures += Save("v" + std::to_string(p) + "-" + std::to_string(i), "x") == kSuccess ? 0 : 1;
+            }
+            ::_exit(failures);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    for (int p = 0; p < kProcesses; ++p) {
+        for (int i = 0; i < kValues; ++i) {
+            EXPECT_EQ(Read("v" + std::to_string(p) + "-" + std::to_string(i)), "x") << p << " " << i;
+        }
+    }
+}
+
+TEST_F(RegStore, WaitsForAnotherProcessThatSaves) {
+    Put(Sample("old"));
+    const int lock = ::open((File().string() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+    std::thread other([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        Put(Sample("of the other"));
+        ::close(lock);
+    });
+    EXPECT_EQ(Save("w", "mine"), kSuccess);
+    other.join();
+    EXPECT_EQ(Read("v"), "of the other");
+    EXPECT_EQ(Read("w"), "mine");
+}
+
+TEST_F(RegStore, HasOtherComputersBesideItsFile) {
+    Put(folder_ / "computers/ServerB.reg", Sample("of B"));
+    for (const std::string name : {"ServerB", "\\\\SERVERB", "serverb"}) {
+        const OpenedKey root = ConnectRegistry(name, kHkeyLocalMachine);
+        ASSERT_EQ(root.error, kSuccess) << name;
+        EXPECT_EQ(Read("v", root.key), "of B");
+    }
+}
+
+TEST_F(RegStore, SavesOnAnotherComputerThroughItsRoot) {
+    Put(Sample("of A"));
+    Put(folder_ / "computers/serverb.reg", Sample("of B"));
+    const OpenedKey root = ConnectRegistry("\\\\SERVERB", kHkeyLocalMachine);
+    const OpenedKey key = CreateKey(root.key, kKey, "", kKeyAllAccess);
+    EXPECT_EQ(SetValue(key.key, "v", kRegSz, "new"), kSuccess);
+    EXPECT_EQ(Get(folder_ / "computers/serverb.reg"), Sample("new"));
+    EXPECT_EQ(Get(File()), Sample("of A"));
+}
+
+TEST_F(RegStore, FindsNoComputerOutsideItsFolder) {
+    Put(folder_ / "computers/ServerB.reg", Sample("of B"));
+    Put(folder_ / "outside.reg", Sample("outside"));
+    for (const std::string name : {"../outside", "..\\outside", "ServerC", "ServerB.reg", "."}) {
+        EXPECT_EQ(ConnectRegistry(name, kHkeyLocalMachine).error, kBadNetPath) << name;
+    }
+}
+
+TEST_F(RegStore, FailsOnADamagedFileOfAnotherComputer) {
+    Put(folder_ / "computers/ServerB.reg", "rubbish");
+    const OpenedKey root = ConnectRegistry("ServerB", kHkeyLocalMachine);
+    EXPECT_EQ(root.error, kSuccess);
+    EXPECT_EQ(Read("v", root.key), "open 1009");
+}
+
+TEST_F(RegStore, KnowsItselfByItsOwnName) {
+    Put(Sample("mine"));
+    std::array<char, 256> name{};
+    ASSERT_EQ(::gethostname(name.data(), name.size() - 1), 0);
+    const OpenedKey root = ConnectRegistry(std::string("\\\\") + name.data(), kHkeyLocalMachine);
+    ASSERT_EQ(root.error, kSuccess);
+    EXPECT_EQ(Read("v", root.key), "mine");
+}
+
+TEST_F(RegStore, RefusesANameThatAFileCannotHold) {
+    EXPECT_EQ(CreateKey(kHkeyLocalMachine, "A\nB", "", kKeyAllAccess).error, kInvalidParameter);
+    EXPECT_FALSE(fs::exists(File()));
+}
+
+} // namespace

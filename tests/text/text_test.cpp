@@ -1,0 +1,58 @@
+#include "text/text.h"
+
+#include <gtest/gtest.h>
+
+namespace kv {
+namespace {
+
+TEST(Text, UpperAndLowerCaseFollowCodePage1252) {
+    // Every letter of the code page that has a partner in it, the lower one behind the upper one.
+    const std::string upper = "AZ\x8A\x8C\x8E\x9F\xC0\xC4\xD6\xD8\xDC\xDE";
+    const std::string lower = "az\x9A\x9C\x9E\xFF\xE0\xE4\xF6\xF8\xFC\xFE";
+    EXPECT_EQ(UpperCase(lower), upper);
+    EXPECT_EQ(LowerCase(upper), lower);
+    EXPECT_EQ(UpperCase(upper), upper);
+    EXPECT_EQ(LowerCase(lower), lower);
+}
+
+TEST(Text, WhatHasNoPartnerInTheCodePageStays) {
+    const std::string others = "09#\\_\xD7\xF7\xDF\xB5\x83\x80\xAA\xBA@[`{";
+    EXPECT_EQ(UpperCase(others), others);
+    EXPECT_EQ(LowerCase(others), others);
+}
+
+TEST(Text, CaseIsThereAndBackForEveryByte) {
+    int letters = 0;
+    for (int i = 0; i < 256; ++i) {
+        const std::string c(1, static_cast<char>(i));
+        if (UpperCase(c) != c) {
+            ++letters;
+            EXPECT_EQ(LowerCase(UpperCase(c)), c) << i;
+        }
+    }
+    EXPECT_EQ(letters, 26 + 30 + 4);
+}
+
+TEST(Text, FindIgnoringCaseGivesTheFirstPlace) {
+    EXPECT_EQ(FindIgnoringCase("xx /Help /help", "/HELP"), 3U);
+    EXPECT_EQ(FindIgnoringCase("xx /Help /help", "/HELP", 4), 9U);
+    EXPECT_EQ(FindIgnoringCase("xx", "xxx"), std::string_view::npos);
+    EXPECT_EQ(FindIgnoringCase("", "x"), std::string_view::npos);
+    EXPECT_EQ(FindIgnoringCase("x", "x", 2), std::string_view::npos);
+    EXPECT_EQ(FindIgnoringCase("M\xDCLLER", "m\xFCller"), 0U);
+}
+
+TEST(Text, TrimTakesBlanksOnly) {
+    EXPECT_EQ(Trim("  a b\t "), "a b\t");
+    EXPECT_EQ(Trim("   "), "");
+    EXPECT_EQ(Trim(""), "");
+}
+
+TEST(Text, ReplaceAllGoesFromTheLeftWithoutOverlap) {
+    EXPECT_EQ(ReplaceAll("aaa", "aa", "b"), "ba");
+    EXPECT_EQ(ReplaceAll("C:\\P (x86)\\Q (x86)", " (x86)", ""), "C:\\P\\Q");
+    EXPECT_EQ(ReplaceAll("none", "x", "y"), "none");
+}
+
+} // namespace
+} // namespace kv

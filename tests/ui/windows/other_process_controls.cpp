@@ -1,0 +1,153 @@
+#include "ui/windows/other_process_controls.h"
+
+#include <stdexcept>
+
+#include "ui/windows/screen_input.h"
+
+#include <commctrl.h>
+
+namespace far_controls {
+namespace {
+
+constexpr std::size_t kLongestText = 260;
+
+/// A piece of the other process's memory, for one structure and a text behind it.
+template <class T>
+class FarPiece {
+  public:
+    explicit FarPiece(HANDLE process)
+        : process_(process),
+          place_(static_cast<char*>(::VirtualAllocEx(process, nullptr, sizeof(T) + kLongestText,
+                                                     MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE))) {}
+    FarPiece(const FarPiece&) = delete;
+    FarPiece& operator=(const FarPiece&) = delete;
+    ~FarPiece() { ::VirtualFreeEx(process_, place_, 0, MEM_RELEASE); }
+
+    char* TextPlace() const { return place_ + sizeof(T); }
+    LRESULT Send(HWND window, UINT message, WPARAM what, T& value) const {
+        ::WriteProcessMemory(process_, place_, &value, sizeof(T), nullptr);
+        const LRESULT answer = ::SendMessageA(window, message, what, reinterpret_cast<LPARAM>(place_));
+        ::ReadProcessMemory(process_, place_, &value, sizeof(T), nullptr);
+        return answer;
+    }
+    std::string Text() const {
+        char text[kLongestText] = "";
+        ::ReadProcessMemory(process_, TextPlace(), text, sizeof text - 1, nullptr);
+        return text;
+    }
+
+  private:
+    HANDLE process_;
+    char* place_;
+};
+
+} // namespace
+
+namespace {
+
+void MoveTo(HWND window, int x, int y) {
+    constexpr std::chrono::milliseconds kRest{30};
+    POINT place{x, y};
+    ::ClientToScreen(window, &place);
+    auto since = std::chrono::steady_clock::now();
+    ::SetCursorPos(place.x, place.y);
+    const bool rests = hands::WaitFor([&] {
+        POINT now{};
+        ::GetCursorPos(&now);
+        if (now.x != place.x || now.y != place.y) {
+            ::SetCursorPos(place.x, place.y);
+            since = std::chrono::steady_clock::now();
+        }
+        return std::chrono::steady_clock::now() - since > kRest;
+    });
+    if (!rests) {
+        throw std::runtime_error("the pointer does not come to rest");
+    }
+}
+
+POINT MiddleOf(HWND window) {
+    RECT client{};
+    ::GetClientRect(window, &client);
+    return {client.right / 2, client.bottom / 2};
+}
+
+} // namespace
+
+void ClickAt(HWND window, int x, int y) {
+    MoveTo(window, x, y);
+    hands::ClickAt(window, x, y);
+}
+
+void Click(HWND window) {
+    const POINT middle = MiddleOf(window);
+    ClickAt(window, middle.x, middle.y);
+}
+
+void ClickButton(HWND button) {
+    constexpr int kPresses = 6;
+    constexpr std::chrono::seconds kNoticed{10}; // of a program that answers, and so takes its input as well
+    const POINT middle = MiddleOf(button);
+    for (int press = 0; press < kPresses; ++press) {
+        MoveTo(button, middle.x, middle.y);
+        hands::PressAt(button, middle.x, middle.y);
+        const bool down = hands::WaitFor(
+            [button] { return (::SendMessageA(button, BM_GETSTATE, 0, 0) & BST_PUSHED) != 0; }, kNoticed);
+        hands::ReleaseAt(button, middle.x, middle.y);
+        if (down) {
+            return;
+        }
+    }
+    throw std::runtime_error("the button does not go down");
+}
+
+RECT TabPlace(HANDLE process, HWND tabs, int tab) {
+    const FarPiece<RECT> piece(process);
+    RECT place{};
+    piece.Send(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(tab), place);
+    return place;
+}
+
+std::vector<std::string> Headers(HANDLE process, HWND list_view) {
+    const auto header = reinterpret_cast<HWND>(::SendMessageA(list_view, LVM_GETHEADER, 0, 0));
+    const FarPiece<HDITEMA> piece(process);
+    std::vector<std::string> texts;
+    const LRESULT count = ::SendMessageA(header, HDM_GETITEMCOUNT, 0, 0);
+    for (LRESULT i = 0; i < count; ++i) {
+        HDITEMA item{};
+        item.mask = HDI_TEXT;
+        item.pszText = piece.TextPlace();
+        item.cchTextMax = static_cast<int>(kLongestText);
+        piece.Send(header, HDM_GETITEMA, static_cast<WPARAM>(i), item);
+        texts.push_back(piece.Text());
+    }
+    return texts;
+}
+
+std::vector<std::string> Row(HANDLE process, HWND list_view, int row, int columns) {
+    const FarPiece<LVITEMA> piece(process);
+    std::vector<std::string> texts;
+    for (int column = 0; column < columns; ++column) {
+        LVITEMA item{};
+        item.iSubItem = column;
+        item.pszText = piece.TextPlace();
+        item.cchTextMax = static_cast<int>(kLongestText);
+        piece.Send(list_view, LVM_GETITEMTEXTA, static_cast<WPARAM>(row), item);
+        texts.push_back(piece.Text());
+    }
+    return texts;
+}
+
+std::string SelectedInTree(HANDLE process, HWND tree) {
+    const FarPiece<TVITEMA> piece(process);
+    TVITEMA item{};
+    item.hItem = reinterpret_cast<HTREEITEM>(::SendMessageA(tree, TVM_GETNEXTITEM, TVGN_CARET, 0));
+    item.mask = TVIF_TEXT;
+    item.pszText = piece.TextPlace();
+    item.cchTextMax = static_cast<int>(kLongestText);
+    if (item.hItem == nullptr || piece.Send(tree, TVM_GETITEMA, 0, item) == 0) {
+        return {};
+    }
+    return piece.Text();
+}
+
+} // namespace far_controls

@@ -1,0 +1,225 @@
+#include "ui/windows/screen_input.h"
+
+#include <fstream>
+#include <thread>
+
+#include "platform/pending_events.h"
+
+namespace hands {
+namespace {
+
+struct Search {
+    int id;
+    HWND found;
+};
+
+BOOL CALLBACK TakeIfWanted(HWND window, LPARAM wanted) {
+    auto& search = *reinterpret_cast<Search*>(wanted);
+    // The text field of a combo box has an identifier too, the system's own.
+    if (::GetDlgCtrlID(window) != search.id || ClassOf(::GetParent(window)) == "ComboBox") {
+        return TRUE;
+    }
+    search.found = window;
+    return FALSE;
+}
+
+INPUT KeyInput(WORD key, bool up) {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = key;
+    input.ki.wScan = static_cast<WORD>(::MapVirtualKeyA(key, MAPVK_VK_TO_VSC));
+    input.ki.dwFlags = up ? DWORD{KEYEVENTF_KEYUP} : DWORD{0};
+    return input;
+}
+
+/// A button with the place where it is pressed: the pointer's own place may be set back in between, by the
+/// display's late news of an earlier move, and the press would go where the one before it went (seen on
+/// Wine).
+INPUT MouseInput(POINT point, DWORD button) {
+    constexpr LONG kWhole = 65536; // the screen's width and height in the units of absolute places
+    const auto whole_part = [](LONG pixel, LONG pixels) { return (pixel * kWhole + kWhole / 2) / pixels; };
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dx = whole_part(point.x, ::GetSystemMetrics(SM_CXSCREEN));
+    input.mi.dy = whole_part(point.y, ::GetSystemMetrics(SM_CYSCREEN));
+    input.mi.dwFlags = button | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    return input;
+}
+
+POINT OnScreen(HWND window, int x, int y) {
+    POINT point{x, y};
+    ::ClientToScreen(window, &point);
+    return point;
+}
+
+void Send(std::vector<INPUT> inputs) {
+    ::SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
+}
+
+/// A picture in memory that a device context can paint on.
+class Canvas {
+  public:
+    Canvas(HDC screen, int width, int height) : paper_(::CreateCompatibleDC(screen)) {
+        header_.biSize = sizeof header_;
+        header_.biWidth = width;
+        header_.biHeight = height;
+        header_.biPlanes = 1;
+        header_.biBitCount = 32;
+        BITMAPINFO info{};
+        info.bmiHeader = header_;
+        picture_ = ::CreateDIBSection(screen, &info, DIB_RGB_COLORS, &pixels_, nullptr, 0);
+        before_ = ::SelectObject(paper_, picture_);
+    }
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+    ~Canvas() {
+        ::SelectObject(paper_, before_);
+        ::DeleteObject(picture_);
+        ::DeleteDC(paper_);
+    }
+
+    HDC Paper() const { return paper_; }
+
+    bool Write(const std::string& path) const {
+        const auto size = static_cast<DWORD>(header_.biWidth * header_.biHeight * 4);
+        BITMAPFILEHEADER file{};
+        file.bfType = 0x4D42; // "BM"
+        file.bfOffBits = sizeof file + sizeof header_;
+        file.bfSize = file.bfOffBits + size;
+        ::GdiFlush();
+        std::ofstream out(path, std::ios::binary);
+        out.write(reinterpret_cast<const char*>(&file), sizeof file);
+        out.write(reinterpret_cast<const char*>(&header_), sizeof header_);
+        out.write(static_cast<const char*>(pixels_), size);
+        return out.good();
+    }
+
+  private:
+    BITMAPINFOHEADER header_{};
+    HDC paper_;
+    HBITMAP picture_ = nullptr;
+    HGDIOBJ before_ = nullptr;
+    void* pixels_ = nullptr;
+};
+
+} // namespace
+
+bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    for (;;) {
+        platform::RunPendingEvents();
+        if (condition()) {
+            return true;
+        }
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+HWND Child(HWND top, int id) {
+    Search search{id, nullptr};
+    ::EnumChildWindows(top, TakeIfWanted, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+std::string Text(HWND window) {
+    std::string text(static_cast<std::size_t>(::SendMessageA(window, WM_GETTEXTLENGTH, 0, 0)) + 1, '\0');
+    const LRESULT length =
+        ::SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+std::string Caption(HWND window) {
+    char text[512] = "";
+    ::GetWindowTextA(window, text, sizeof text); // from another process this reads what the system keeps
+    return text;
+}
+
+std::string ClassOf(HWND window) {
+    char name[64] = "";
+    ::GetClassNameA(window, name, sizeof name);
+    return name;
+}
+
+RECT PlaceIn(HWND window, HWND other) {
+    RECT place{};
+    ::GetWindowRect(window, &place);
+    ::MapWindowPoints(nullptr, other, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
+bool Activate(HWND window) {
+    ::SetForegroundWindow(window);
+    return WaitFor([window] { return ::GetForegroundWindow() == window; });
+}
+
+HWND FocusIn(HWND top) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    ::GetGUIThreadInfo(::GetWindowThreadProcessId(top, nullptr), &info);
+    return info.hwndFocus;
+}
+
+void PressAt(HWND window, int x, int y) {
+    const POINT point = OnScreen(window, x, y);
+    ::SetCursorPos(point.x, point.y);
+    Send({MouseInput(point, MOUSEEVENTF_LEFTDOWN)});
+}
+
+void ReleaseAt(HWND window, int x, int y) {
+    Send({MouseInput(OnScreen(window, x, y), MOUSEEVENTF_LEFTUP)});
+}
+
+void ClickAt(HWND window, int x, int y) {
+    const POINT point = OnScreen(window, x, y);
+    ::SetCursorPos(point.x, point.y);
+    Send({MouseInput(point, MOUSEEVENTF_LEFTDOWN), MouseInput(point, MOUSEEVENTF_LEFTUP)});
+}
+
+void Click(HWND window) {
+    RECT client{};
+    ::GetClientRect(window, &client);
+    ClickAt(window, client.right / 2, client.bottom / 2);
+}
+
+void Type(const std::string& text) {
+    for (const char character : text) {
+        const SHORT key = ::VkKeyScanA(character);
+        const bool shift = (HIBYTE(key) & 1) != 0;
+        if (shift) {
+            Press(LOBYTE(key), {VK_SHIFT});
+        } else {
+            Press(LOBYTE(key));
+        }
+    }
+}
+
+void Press(WORD key, std::initializer_list<WORD> held) {
+    std::vector<INPUT> inputs;
+    for (const WORD other : held) {
+        inputs.push_back(KeyInput(other, false));
+    }
+    inputs.push_back(KeyInput(key, false));
+    inputs.push_back(KeyInput(key, true));
+    for (auto other = std::rbegin(held); other != std::rend(held); ++other) {
+        inputs.push_back(KeyInput(*other, true));
+    }
+    Send(std::move(inputs));
+}
+
+bool TakePicture(HWND window, const std::string& path) {
+    RECT place{};
+    ::GetWindowRect(window, &place);
+    const int width = place.right - place.left;
+    const int height = place.bottom - place.top;
+    const HDC screen = ::GetDC(nullptr);
+    const Canvas canvas(screen, width, height);
+    const BOOL copied = ::BitBlt(canvas.Paper(), 0, 0, width, height, screen, place.left, place.top, SRCCOPY);
+    ::ReleaseDC(nullptr, screen);
+    return copied != 0 && canvas.Write(path);
+}
+
+} // namespace hands
