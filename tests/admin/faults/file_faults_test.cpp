@@ -2,9 +2,12 @@
 // real files, a real server. The database stays detached, and one whole set of its files stands.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdio>
 
+#include <linux/capability.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include "admin/faults/fault_fixture.h"
@@ -27,17 +30,39 @@ void Open(const fs::path& path) {
     chmod(path.c_str(), kEverybody);
 }
 
-/// For root no right is missing: the operation runs as nobody in particular.
+/// For root no right is missing. While this lives, the operation runs as the owner of the folder of the
+/// executable, who alone may be let into it (a checkout in a closed home folder), and without the privileges
+/// that set file rights aside.
 class WithoutPrivileges {
   public:
-    WithoutPrivileges() { Become(geteuid() == 0 ? kNobody : geteuid()); }
+    WithoutPrivileges() {
+        if (getuid() == 0) {
+            struct stat folder {};
+            EXPECT_EQ(stat(platform::ExecutableFolder().c_str(), &folder), 0);
+            EXPECT_EQ(seteuid(folder.st_uid), 0);
+            KeepPrivileges(false);
+        }
+    }
     WithoutPrivileges(const WithoutPrivileges&) = delete;
     WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
-    ~WithoutPrivileges() { Become(getuid()); }
+    ~WithoutPrivileges() {
+        if (getuid() == 0) {
+            EXPECT_EQ(seteuid(0), 0);
+            KeepPrivileges(true);
+        }
+    }
 
   private:
-    static constexpr uid_t kNobody = 65534;
-    static void Become(uid_t user) { EXPECT_EQ(seteuid(user), 0); }
+    /// Of the calling thread: all that are permitted take effect, or none does.
+    static void KeepPrivileges(bool all) {
+        __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+        std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> sets{};
+        EXPECT_EQ(syscall(SYS_capget, &header, sets.data()), 0);
+        for (__user_cap_data_struct& set : sets) {
+            set.effective = all ? set.permitted : 0;
+        }
+        EXPECT_EQ(syscall(SYS_capset, &header, sets.data()), 0);
+    }
 };
 
 struct FileFaultCase {
@@ -107,7 +132,7 @@ std::string RescuedRows(const FaultRoom& room) {
 }
 
 void Prepare(const FaultRoom& room) {
-    // The log's side effect, which nobody in particular cannot have.
+    // The log makes this folder; without privileges the operation may not.
     fs::create_directory(fs::path(platform::ExecutableFolder()) / "Data");
     fs::create_directory(OldLog(room).parent_path());
     room.Ask("master", "CREATE DATABASE Batch ON (NAME=Batch_dat, FILENAME='" + OldData(room).string() +
