@@ -62,7 +62,7 @@ class Readers:
 
     def __init__(self, server, program):
         self.server, self.program = server, program
-        self.environment = dict(os.environ, ODBCSYSINI=str(TOP / "src" / "platform" / "odbc_config"))
+        self.environment = dict(os.environ, ODBCSYSINI=str(TOP / "src" / "odbc" / "odbc_config"))
         self.held = {}
 
     def ask(self, command, size):

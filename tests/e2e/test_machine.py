@@ -38,7 +38,7 @@ class DevServer:
         for drive in self.drives:
             arguments += ["--drive", drive]
         # It reaches linked servers by the driver of this name, wherever the test runs.
-        environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "platform", "odbc_config"))
+        environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "odbc", "odbc_config"))
         self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE, text=True, env=environment)
         ready = self.process.stdout.readline()
         match = re.fullmatch(r"devsqlserver: ready on 127\.0\.0\.1:(\d+)\n", ready)

@@ -38,7 +38,7 @@ class Templates(unittest.TestCase):
     def tool(cls, *arguments):
         command = [os.path.join(TOP, "tests", "run-under-wine")] if WINE else []
         command += [TOOL, "-S", f"127.0.0.1,{cls.server.port}", "-U", USER, "-P", PASSWORD, *arguments]
-        environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "platform", "odbc_config"))
+        environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "odbc", "odbc_config"))
         return subprocess.run(command, stdout=subprocess.PIPE, env=environment, timeout=300, stdin=subprocess.DEVNULL)
 
     def ask(self, query):
@@ -79,7 +79,7 @@ class Templates(unittest.TestCase):
     def test_a_login_that_is_refused_is_told(self):
         command = [os.path.join(TOP, "tests", "run-under-wine")] if WINE else []
         command += [TOOL, "-S", f"127.0.0.1,{self.server.port}", "-U", USER, "-P", "-Q", "SELECT 1"]
-        environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "platform", "odbc_config"))
+        environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "odbc", "odbc_config"))
         done = subprocess.run(command, stdout=subprocess.PIPE, env=environment, timeout=60)
         self.assertEqual(done.returncode, 1)
         self.assertIn(f"Login failed for user '{USER}'.", done.stdout.decode())

@@ -23,7 +23,7 @@ class Plant:
         self.folder = tempfile.mkdtemp(prefix="osql test ")  # with a blank, as installations have it
         self.server = subprocess.Popen([server], stdout=subprocess.PIPE, text=True)
         self.port = int(self.server.stdout.readline())
-        self.environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "platform", "odbc_config"))
+        self.environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "odbc", "odbc_config"))
         self.environment.pop("OSQLPASSWORD", None)
 
     def path(self, name):

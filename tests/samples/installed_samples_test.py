@@ -17,7 +17,7 @@ import uuid
 import pymssql
 
 # The driver by which a server reaches linked servers, wherever the tests run.
-ODBC_CONFIG = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "src", "platform", "odbc_config")
+ODBC_CONFIG = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "src", "odbc", "odbc_config")
 USER, PASSWORD = "lk_admin", "Pass_1!"
 TEMPLATES = ("Create_Batch_Database", "Insert_Default_Data", "Create_Batch_Stored_Procedures",
              "Create_Replication_Stored_Procedures")
