@@ -85,7 +85,7 @@ void Connection::Refuse(const ProtocolError& error) {
     Response response = MakeResponse();
     response.Send(ErrorMessage(error));
     response.End();
-    response.Finish(false);
+    response.Finish();
 }
 
 bool Connection::Enter() {
@@ -141,7 +141,7 @@ bool Connection::LogIn(const ClientMessage& message) {
     std::unique_ptr<Session> session = OpenSession(response);
     if (!session) {
         response.End();
-        response.Finish(false);
+        response.Finish();
         return false;
     }
     packets_.SetSessionId(session->Id());
@@ -163,7 +163,7 @@ void Connection::AnswerLogin(const Login& login, Response& response) {
         tokens.WritePacketSize(kLoginPacket, packet_size);
     });
     // The new size holds from the next answer on.
-    response.Finish(false);
+    response.Finish();
     packets_.SetPacketSize(packet_size);
 }
 

@@ -22,13 +22,17 @@ void Connection::Work() {
     std::unique_lock lock(mutex_);
     while (!closing_) {
         if (attention_) {
-            // Nothing runs: what was still waiting is taken back, and the acknowledgement stands alone.
+            // Nothing runs. A request that was still waiting is taken back, and has an answer all the same.
+            const bool taken_back = !waiting_.empty();
             waiting_.clear();
             attention_ = false;
             cancelled_ = false;
             lock.unlock();
             Response response = MakeResponse();
-            response.Finish(true);
+            if (taken_back) {
+                response.Finish(true);
+            }
+            response.Acknowledge();
             lock.lock();
         } else if (!waiting_.empty()) {
             const ClientMessage message = std::move(waiting_.front());
@@ -63,17 +67,16 @@ bool Connection::Serve(const ClientMessage& message) {
 }
 
 bool Connection::FinishRequest(Response& response) {
-    bool attention = false;
+    bool interrupted = false;
     bool ended = false;
     {
         const std::lock_guard lock(mutex_);
         busy_ = false;
-        attention = attention_;
-        attention_ = false;
+        interrupted = attention_; // Acknowledged after this answer, see Work.
         cancelled_ = closing_;
         ended = session_ == nullptr || session_->Ended();
     }
-    response.Finish(attention);
+    response.Finish(interrupted);
     return !ended && !response.lost();
 }
 

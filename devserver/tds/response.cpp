@@ -26,6 +26,19 @@ void Response::Guarded(Writing write) {
     }
 }
 
+template <class Writing>
+void Response::EndMessage(Writing write) {
+    if (lost_) {
+        return;
+    }
+    try {
+        write();
+        packets_.EndMessage();
+    } catch (const ConnectionLost&) {
+        lost_ = true;
+    }
+}
+
 void Response::WritePending(bool more) {
     if (!pending_) {
         return;
@@ -181,26 +194,18 @@ void Response::Write(const std::function<void(TokenWriter&)>& write) {
     Guarded([&] { write(tokens_); });
 }
 
-void Response::Finish(bool attention) {
-    if (lost_) {
-        return;
-    }
-    try {
-        if (attention) {
-            // The client reads until it meets this bit, whatever stood before it.
-            WritePending(true);
-            tokens_.WriteDone(DoneToken::Done, done_status::kAttention, Command::None, 0);
-        } else {
-            // What a procedure's inside ended with can't end the answer.
-            if (!pending_ || pending_->token == DoneToken::DoneInProcedure) {
-                Hold(DoneToken::Done, done_status::kFinal, Command::None, 0);
-            }
-            WritePending(false);
+void Response::Finish(bool interrupted) {
+    EndMessage([&] {
+        // What a procedure's inside ended with can't end the answer.
+        if (interrupted || !pending_ || pending_->token == DoneToken::DoneInProcedure) {
+            Hold(DoneToken::Done, done_status::kFinal, Command::None, 0);
         }
-        packets_.EndMessage();
-    } catch (const ConnectionLost&) {
-        lost_ = true;
-    }
+        WritePending(false);
+    });
+}
+
+void Response::Acknowledge() {
+    EndMessage([&] { tokens_.WriteDone(DoneToken::Done, done_status::kAttention, Command::None, 0); });
 }
 
 } // namespace devsql::tds

@@ -44,8 +44,12 @@ class Response : public ResultSink {
     void Fail() { statement_error_ = true; }
     /// A token that belongs to the statement whose DONE may be held back, such as an environment change.
     void Write(const std::function<void(TokenWriter&)>& write);
-    /// Ends the answer; with `attention` the last token acknowledges it.
-    void Finish(bool attention);
+    /// Ends the answer. One that the client has `interrupted` ends without the error bit: jTDS would report
+    /// an error of the server instead of the end that its user asked for.
+    void Finish(bool interrupted = false);
+    /// Acknowledges an attention. The answer before it must be finished: drivers read that to its end, and
+    /// then wait for a message that says nothing else.
+    void Acknowledge();
     /// True when an error was sent since Begin.
     bool failed() const { return failed_; }
     bool lost() const { return lost_; }
@@ -72,6 +76,9 @@ class Response : public ResultSink {
     /// Runs `write` unless the client is gone or has asked to stop.
     template <class Writing>
     void Guarded(Writing write);
+    /// Runs `write` and ends the message, unless the client is gone.
+    template <class Writing>
+    void EndMessage(Writing write);
     /// Writes the DONE that was held back because nobody knew whether more follows.
     void WritePending(bool more);
     void Hold(DoneToken token, std::uint16_t status, Command command, std::int64_t rows);

@@ -198,6 +198,8 @@ TEST_F(TdsConnection, AttentionEndsARunningBatch) {
         client.Send(PacketType::SqlBatch, BatchMessage("wait"));
         std::this_thread::sleep_for(std::chrono::milliseconds(i % 4));
         client.Send(PacketType::Attention, "");
+        // Also a batch that had not begun yet has an answer of its own before the acknowledgement.
+        EXPECT_EQ(Summarize(client.Receive()), "DONE(00,0)");
         EXPECT_EQ(Summarize(client.Receive()), "DONE(20,0)");
     }
     EXPECT_EQ(Summarize(client.Batch("rows 1")), "COLUMNS ROW DONE(10,1)");
@@ -209,7 +211,8 @@ TEST_F(TdsConnection, AttentionEndsABatchThatIsSendingRows) {
     std::this_thread::sleep_for(std::chrono::milliseconds(50)); // the socket is full by now
     client.Send(PacketType::Attention, "");
     const std::vector<fakes::Token> tokens = ParseTokens(client.Receive().value());
-    EXPECT_EQ(tokens.back().status, done_status::kAttention);
+    EXPECT_EQ(tokens.back().status, done_status::kFinal);
+    EXPECT_EQ(Summarize(client.Receive()), "DONE(20,0)");
     EXPECT_EQ(Summarize(client.Batch("rows 1")), "COLUMNS ROW DONE(10,1)");
 }
 

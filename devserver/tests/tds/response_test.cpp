@@ -18,12 +18,12 @@ class TdsResponse : public testing::Test {
   protected:
     /// What the client gets of one part of a request.
     std::string Answer(Response::Kind kind, const std::function<void(Response&)>& run,
-                       bool attention = false) {
+                       bool interrupted = false) {
         Response response(tokens_, packets_, cancelled_, [this] { ++stops_; });
         response.Begin(kind);
         run(response);
         response.End();
-        response.Finish(attention);
+        response.Finish(interrupted);
         return fakes::Summary(fakes::ParseTokens(client_.Receive().value_or("")));
     }
     std::string Batch(const std::function<void(Response&)>& run) {
@@ -170,8 +170,19 @@ TEST_F(TdsResponse, AfterAnAttentionOutputIsDroppedAndTheLanguageAskedToStop) {
                       r.StatementDone(Command::Select, 2, false);
                   },
                   true),
-              "COLUMNS ROW DONE(20,0)");
+              "COLUMNS ROW DONE(00,0)");
     EXPECT_GT(stops_, 0);
+}
+
+TEST_F(TdsResponse, AnAnswerThatWasInterruptedEndsBeforeTheAcknowledgement) {
+    Response response(tokens_, packets_, cancelled_, [this] { ++stops_; });
+    response.Begin(Response::Kind::Batch);
+    Rows(response, 1);
+    response.Finish(true);
+    response.Acknowledge();
+    EXPECT_EQ(fakes::Summary(fakes::ParseTokens(client_.Receive().value_or(""))),
+              "COLUMNS ROW DONE(11,1) DONE(00,0)");
+    EXPECT_EQ(fakes::Summary(fakes::ParseTokens(client_.Receive().value_or(""))), "DONE(20,0)");
 }
 
 TEST_F(TdsResponse, AClientThatIsGoneStopsTheLanguageWithoutAnException) {
@@ -185,7 +196,7 @@ TEST_F(TdsResponse, AClientThatIsGoneStopsTheLanguageWithoutAnException) {
     EXPECT_TRUE(response.lost());
     EXPECT_GT(stops_, 0);
     response.End();
-    response.Finish(false);
+    response.Finish();
 }
 
 } // namespace

@@ -52,6 +52,7 @@ TEST(TdsServer, AClientThatWaitsDoesNotStopAnother) {
     TdsClient other = server.LoggedIn();
     EXPECT_EQ(Summary(ParseTokens(other.Batch("x"))), "COLUMNS ROW DONE(10,1)");
     waiting.Send(PacketType::Attention, "");
+    EXPECT_EQ(Summary(ParseTokens(waiting.Receive().value())), "DONE(00,0)");
     EXPECT_EQ(Summary(ParseTokens(waiting.Receive().value())), "DONE(20,0)");
 }
 
