@@ -14,6 +14,9 @@ std::optional<int> Control::Index() const {
 void Control::Enabled(bool value) {
     if (enabled_ != value) {
         enabled_ = value;
+        if (value) {
+            enabled_since_ = InputClock::now();
+        }
         Notify(Property::Enabled);
     }
 }

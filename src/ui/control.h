@@ -2,6 +2,7 @@
 // Controls are complete by themselves: nothing here needs a toolkit.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <functional>
@@ -73,6 +74,9 @@ inline constexpr Colour kButtonFaceBackground = 0x8000000F;
 inline constexpr Colour kButtonText = 0x80000012;
 inline constexpr Colour kRed = 255;
 
+/// The clock that puts input and the states of controls in order.
+using InputClock = std::chrono::steady_clock;
+
 /// The base of the controls; made by a Form out of its design and owned by it.
 class Control {
   public:
@@ -96,6 +100,8 @@ class Control {
 
     bool Enabled() const { return enabled_; }
     void Enabled(bool value);
+    /// When it was enabled last; the clock's beginning if it was never disabled.
+    InputClock::time_point EnabledSince() const { return enabled_since_; }
 
     /// For the program's own use; no toolkit shows it.
     const std::string& Tag() const { return tag_; }
@@ -115,6 +121,7 @@ class Control {
     int id_;
     Control* parent_;
     bool enabled_ = true;
+    InputClock::time_point enabled_since_{};
     std::string tag_;
 };
 

@@ -72,6 +72,21 @@ void TextBox::TakeSelection(std::size_t start, std::size_t length) {
     sel_length_ = std::min(length, text_.size() - sel_start_);
 }
 
+void CommandButton::TakeClick() {
+    struct Run {
+        explicit Run(CommandButton& button) : button_(button) { button_.running_ = true; }
+        Run(const Run&) = delete;
+        Run& operator=(const Run&) = delete;
+        ~Run() { // also when the handler throws
+            button_.running_ = false;
+            button_.ended_at_ = InputClock::now();
+        }
+        CommandButton& button_;
+    };
+    const Run run(*this);
+    Fire(on_click);
+}
+
 void CheckBox::Value(int value) {
     if (value_ != value) {
         value_ = value;

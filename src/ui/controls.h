@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ui/control.h"
@@ -81,8 +82,20 @@ class CommandButton : public Control {
 
     Handler on_click;
 
+    /// True while on_click runs.
+    bool Running() const { return running_; }
+    /// When on_click returned last.
+    InputClock::time_point EndedAt() const { return ended_at_; }
+
     /// For operator.h.
-    void TakeClick() const { Fire(on_click); }
+    void TakeClick();
+    /// For operator.h: notes a press of the mouse's button and returns when the one before it was.
+    InputClock::time_point TakePress(InputClock::time_point at) { return std::exchange(pressed_at_, at); }
+
+  private:
+    bool running_ = false;
+    InputClock::time_point ended_at_{};
+    InputClock::time_point pressed_at_{};
 };
 
 class CheckBox : public Control {
@@ -159,7 +172,7 @@ class TabControl : public Control {
 
     Handler on_click;
 
-    /// For operator.h: another tab is active, and Click fires.
+    /// For operator.h: the tab is active, and Click fires.
     void TakeChoice(int tab);
 
   private:

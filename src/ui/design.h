@@ -54,6 +54,9 @@ enum Trait : std::uint32_t {
     kButtonFace = 1U << 4U,   ///< TextBox: starts with the background of a button
     kPicture = 1U << 5U,      ///< CommandButton: the toolkit's picture for "run" in the place of a caption
     kCancel = 1U << 6U,       ///< CommandButton: Escape presses it
+    /// Label, OptionButton: the caption is data. An "&" in it is itself and no mnemonic's. A caption too long
+    /// for an option button is shown with an ellipsis in its middle, and the whole of it is the tool tip.
+    kData = 1U << 7U,
 };
 
 /// Controls outside an array have this index.

@@ -61,8 +61,11 @@ void ComboBox::AddItem(const std::string& text) {
 void ComboBox::Clear() {
     items_.Clear();
     list_index_ = -1;
-    text_.clear();
+    const bool changed = !std::exchange(text_, {}).empty();
     Notify(Property::Items);
+    if (changed && !IsDropDownList()) {
+        Fire(on_change);
+    }
 }
 
 void ComboBox::Text(const std::string& value) {

@@ -67,7 +67,7 @@ class ComboBox : public Control {
     int ListCount() const { return items_.Count(); }
     const std::string& List(int index) const { return items_.At(index).text; }
     void AddItem(const std::string& text);
-    /// Empties the list and the text; fires nothing.
+    /// Empties the list and the text. Free text: fires Change if there was a text.
     void Clear();
 
     const std::string& Text() const { return text_; }

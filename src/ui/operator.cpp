@@ -24,6 +24,32 @@ bool CanBeUsed(const Control& control) {
     return IsShown(control);
 }
 
+bool Accepts(const Control& control, InputClock::time_point arrived) {
+    if (!CanBeUsed(control)) {
+        return false;
+    }
+    for (const Control* part = &control; part != nullptr; part = part->Parent()) {
+        if (arrived < part->EnabledSince()) {
+            return false;
+        }
+    }
+    if (control.Kind() != Kind::CommandButton) {
+        return true;
+    }
+    const auto& button = static_cast<const CommandButton&>(control);
+    return !button.Running() && arrived >= button.EndedAt() + kReactionTime;
+}
+
+bool AcceptsPress(Control& control, InputClock::time_point arrived, std::chrono::milliseconds double_click) {
+    if (control.Kind() == Kind::CommandButton) {
+        const auto before = static_cast<CommandButton&>(control).TakePress(arrived);
+        if (before != InputClock::time_point{} && arrived < before + double_click) {
+            return false;
+        }
+    }
+    return Accepts(control, arrived);
+}
+
 bool Type(TextBox& box, std::string_view text) {
     for (const char character : text) {
         if (!CanBeUsed(box) || box.Locked()) {
@@ -90,14 +116,12 @@ bool Choose(TabControl& tabs, int tab) {
     if (!CanBeUsed(tabs) || tab < 0 || tab >= tabs.Tabs() || !tabs.TabEnabled(tab)) {
         return false;
     }
-    if (tab != tabs.Tab()) {
-        tabs.TakeChoice(tab);
-    }
+    tabs.TakeChoice(tab);
     return true;
 }
 
-bool Click(CommandButton& button) {
-    if (!CanBeUsed(button)) {
+bool Click(CommandButton& button, std::optional<InputClock::time_point> arrived) {
+    if (!CanBeUsed(button) || button.Running() || (arrived && !Accepts(button, *arrived))) {
         return false;
     }
     FocusMoved(button.Owner(), &button);

@@ -224,13 +224,20 @@ TEST_F(CommandOrder, AChoiceOfTheServerFillsTheListsOfEachTab) {
     }
 }
 
-TEST_F(CommandOrder, AChoiceOfTheServerOnTheReplicationTabIsAChangeOfItsBoxToo) {
+TEST_F(CommandOrder, AChoiceOfTheServerOnTheReplicationTabEmptiesItsBoxAndFillsIt) {
     StartOn(kReplicationTab);
     Databases({"ofB"});
     ado_.Answer(kJobs, fakes::Rows({}));
+    ado_.Answer(kJobs, fakes::Rows({{"job"}}));
     EXPECT_EQ(Seen(Form(), [&] { ui::Click(Option("optSQLReplCurrentServer", 1)); }),
-              (Lines{"pointer 11", "events", "server", "cboSQLReplicationDatabase filled", "pointer 11",
-                     "events", "server", "cmdInstallReplication on", "lblSQLServerReplicationStatus colour",
+              (Lines{"pointer 11", "events", "server",
+                     // a change to no text
+                     "cboSQLReplicationDatabase filled", "pointer 11", "events", "server",
+                     "cmdInstallReplication on", "lblSQLServerReplicationStatus colour",
+                     "lblSQLServerReplicationStatus caption", "pointer 11",
+                     // a change to the first name
+                     "cboSQLReplicationDatabase filled", "pointer 11", "events", "server",
+                     "cmdInstallReplication off", "cmdUninstallReplication on",
                      "lblSQLServerReplicationStatus caption", "pointer 11", "pointer 0"}));
 }
 

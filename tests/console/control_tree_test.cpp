@@ -66,13 +66,30 @@ TEST(ControlTree, EveryRowStandsInTheDesign) {
         EXPECT_EQ(design->kind, Kinds().at(row.kind)) << name;
         EXPECT_STREQ(design->caption, row.caption) << name;
         EXPECT_STREQ(design->tool_tip, row.tool_tip) << name;
-        EXPECT_EQ(design->traits, Traits().at(row.remarks)) << name;
+        EXPECT_EQ(design->traits & ~ui::kData, Traits().at(row.remarks)) << name;
         std::string parent = *row.inside == '\0' ? FullName("fraMainTab", row.tab) : row.inside;
         if (name == "lvwViewData") {
             parent = "picListViewFrame"; // the box that the list of the page lies in
         }
         EXPECT_EQ(FullName(design->parent.name, design->parent.index), parent) << name;
     }
+}
+
+TEST(ControlTree, TheNamesOfServersAndTheTwoStatusTextsAreData) {
+    std::set<std::string> expected = {"lblStatus", "lblSQLServerReplicationStatus"};
+    for (const char* pair :
+         {"optScriptCurrentServer", "optSynchronizeSourceServer", "optUpgradeCurrentServer",
+          "optSQLReplCurrentServer", "optViewDataCurrentServer", "optStoredProcCurrentServer"}) {
+        expected.insert(FullName(pair, 0));
+        expected.insert(FullName(pair, 1));
+    }
+    std::set<std::string> designed;
+    for (const ui::ControlDesign& row : MainFormDesign().controls) {
+        if ((row.traits & ui::kData) != 0) {
+            designed.insert(FullName(row.name.name, row.name.index));
+        }
+    }
+    EXPECT_EQ(designed, expected);
 }
 
 TEST(ControlTree, ThePagesAreTheSevenTabs) {

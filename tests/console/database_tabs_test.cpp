@@ -252,6 +252,21 @@ TEST_F(ReplicationTabTest, AFailureIsRedAndComesUpForEachCharacter) {
     EXPECT_FALSE(Button("cmdUninstallReplication").Enabled());
 }
 
+TEST_F(ReplicationTabTest, AListThatEmptiesOutTakesTheStatusOfItsDatabaseAway) {
+    StartOn(kReplicationTab);
+    ado_.Answer(kJobQuery, fakes::Rows({}));
+    ui::Choose(Combo("cboSQLReplicationDatabase"), 1);
+    ASSERT_TRUE(Button("cmdInstallReplication").Enabled());
+    ado_.Answer("Open", fakes::Failing(-2147467259, "Server B is down"));
+    ado_.Answer("Open", fakes::Failing(-2147467259, "no database"));
+    ui::Click(Option("optSQLReplCurrentServer", 1));
+    EXPECT_EQ(Combo("cboSQLReplicationDatabase").Text(), "");
+    EXPECT_EQ(Label("lblSQLServerReplicationStatus").Caption(),
+              "Replication status for database '' could not be retieved from the SQL Server!");
+    EXPECT_FALSE(Button("cmdInstallReplication").Enabled());
+    EXPECT_FALSE(Button("cmdUninstallReplication").Enabled());
+}
+
 TEST_F(ReplicationTabTest, TheServerIsTheUpgradeTabsAndTheListThisTabs) {
     StartOn(kReplicationTab);
     Databases({"ofB"});

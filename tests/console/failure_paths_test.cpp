@@ -63,7 +63,7 @@ class FailurePaths : public ConsoleTest {
                     fakes::Rows({{"D", 1, "C:\\Data\\D.mdf"}, {"L", 2, "C:\\Data\\L.ldf"}}));
         ado_.Answer(kVersion, fakes::Rows({{"1"}}));
         ado_.Answer(kVersion, fakes::Rows({{"2"}}));
-        for (int i = 0; i < 2; ++i) {
+        for (int i = 0; i < 3; ++i) {
             ado_.Answer(kJobs, fakes::Rows({}));
             ado_.Answer("Refresh", Parameters());
         }

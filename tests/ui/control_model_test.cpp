@@ -135,17 +135,22 @@ TEST_F(ControlModel, ItemDataStaysWithItsItem) {
     EXPECT_EQ(box_.ItemData(1), 7);
 }
 
-TEST_F(ControlModel, ClearEmptiesAListAndItsTextAndFiresNothing) {
+TEST_F(ControlModel, ClearEmptiesAListAndItsTextAndIsAChangeOfAFreeText) {
     int events = 0;
-    CountIn(free_.on_change, events);
+    int changes = 0;
+    free_.on_change = [&] {
+        EXPECT_EQ(free_.ListCount(), 0);
+        EXPECT_EQ(free_.Text(), "");
+        ++changes;
+    };
     CountIn(free_.on_click, events);
     free_.AddItem("a");
     free_.ListIndex(0);
-    free_.Text("typed");
-    EXPECT_EQ(free_.ListIndex(), -1) << "not taken from the list";
-    free_.ListIndex(0);
     events = 0;
     free_.Clear();
+    EXPECT_EQ(changes, 1);
+    free_.Clear();
+    EXPECT_EQ(changes, 1) << "there was no text to take away";
     EXPECT_EQ(free_.Text(), "");
     EXPECT_EQ(free_.ListIndex(), -1);
     EXPECT_EQ(free_.ListCount(), 0);
@@ -153,7 +158,20 @@ TEST_F(ControlModel, ClearEmptiesAListAndItsTextAndFiresNothing) {
     box_.ListIndex(0);
     box_.Clear();
     EXPECT_EQ(box_.ListIndex(), -1);
+    list_.AddItem("a");
+    list_.Text("a");
+    CountIn(list_.on_change, events);
+    CountIn(list_.on_click, events);
+    list_.Clear();
+    EXPECT_EQ(list_.Text(), "");
     EXPECT_EQ(events, 0);
+}
+
+TEST_F(ControlModel, ATypedTextIsNotTakenFromTheList) {
+    free_.AddItem("a");
+    free_.ListIndex(0);
+    free_.Text("typed");
+    EXPECT_EQ(free_.ListIndex(), -1);
 }
 
 TEST_F(ControlModel, CheckBoxesAndOptionsFireNothingWhenTheyAreSet) {

@@ -98,7 +98,7 @@ TEST_F(Operator, ACheckBoxTurnsOverAndAnOptionIsSelected) {
     EXPECT_EQ(clicks, 2);
 }
 
-TEST_F(Operator, ATabIsClickedOnceAndADisabledOneNotAtAll) {
+TEST_F(Operator, ATabIsClickedAlsoWhereItIsActiveAndADisabledOneNotAtAll) {
     int clicks = 0;
     tabs_.on_click = [&] { ++clicks; };
     tabs_.TabEnabled(2, false);
@@ -106,7 +106,7 @@ TEST_F(Operator, ATabIsClickedOnceAndADisabledOneNotAtAll) {
     EXPECT_TRUE(ui::Choose(tabs_, 1));
     EXPECT_TRUE(ui::Choose(tabs_, 1));
     EXPECT_EQ(tabs_.Tab(), 1);
-    EXPECT_EQ(clicks, 1);
+    EXPECT_EQ(clicks, 2);
 }
 
 TEST_F(Operator, AControlCanBeUsedOnlyWithAllItLiesOn) {
@@ -145,6 +145,107 @@ TEST_F(Operator, ClosingUnloadsAndNothingCanBeUsedAfterwards) {
 TEST_F(Operator, AFailureOfAHandlerGoesToWhoReportedTheAct) {
     button_.on_click = [] { throw ui::Refusal("failed"); };
     EXPECT_THROW(ui::Click(button_), ui::Refusal);
+}
+
+// --- input that had to wait
+
+using std::chrono::milliseconds;
+
+class WaitingInput : public Operator {
+  protected:
+    WaitingInput() {
+        button_.on_click = [this] { ++clicks_; };
+    }
+    static ui::InputClock::time_point Ago(int time) { return ui::InputClock::now() - milliseconds(time); }
+    static ui::InputClock::time_point In(int time) { return ui::InputClock::now() + milliseconds(time); }
+
+    int clicks_ = 0;
+};
+
+TEST_F(WaitingInput, IsDroppedWhereItsControlOrWhatThatLiesOnWasDisabled) {
+    const auto before = Ago(1);
+    for (ui::Control* control : {static_cast<ui::Control*>(&button_), form_.Find("inner"),
+                                 form_.Find("page", 0), static_cast<ui::Control*>(&tabs_)}) {
+        const auto earlier = Ago(0);
+        EXPECT_TRUE(ui::Accepts(button_, In(1)));
+        control->Enabled(false);
+        EXPECT_FALSE(ui::Accepts(button_, In(1))) << control->Name();
+        control->Enabled(true);
+        EXPECT_FALSE(ui::Accepts(button_, earlier)) << control->Name();
+        EXPECT_FALSE(ui::AcceptsPress(button_, earlier)) << control->Name();
+        EXPECT_FALSE(ui::Click(button_, earlier)) << control->Name();
+    }
+    EXPECT_EQ(clicks_, 0);
+    EXPECT_TRUE(ui::Click(button_, In(1)));
+    text_.Enabled(false);
+    text_.Enabled(true);
+    EXPECT_FALSE(ui::Accepts(text_, before));
+    EXPECT_TRUE(ui::Accepts(text_, In(1)));
+}
+
+TEST_F(WaitingInput, IsTakenOnAControlThatWasNeverDisabled) {
+    EXPECT_TRUE(ui::Accepts(button_, Ago(60000)));
+    EXPECT_TRUE(ui::Click(button_, Ago(60000)));
+    button_.Enabled(true);
+    EXPECT_TRUE(ui::Accepts(text_, Ago(60000))) << "it was enabled already";
+    EXPECT_EQ(clicks_, 1);
+}
+
+TEST_F(WaitingInput, OfACommandThatRanOrHasJustEndedIsDropped) {
+    const auto before = Ago(1);
+    EXPECT_TRUE(ui::Click(button_, Ago(0)));
+    EXPECT_FALSE(ui::Accepts(button_, before));
+    EXPECT_FALSE(ui::Click(button_, In(0)));
+    EXPECT_FALSE(ui::Click(button_, button_.EndedAt() + ui::kReactionTime - milliseconds(1)));
+    EXPECT_EQ(clicks_, 1);
+    EXPECT_TRUE(ui::Click(button_, button_.EndedAt() + ui::kReactionTime));
+    EXPECT_EQ(clicks_, 2);
+    EXPECT_TRUE(ui::Accepts(text_, before)) << "only the command's own button";
+}
+
+TEST_F(WaitingInput, ThatRunsWithinACommandDoesNotStartItAgain) {
+    button_.on_click = [this] {
+        ++clicks_;
+        EXPECT_TRUE(button_.Running());
+        EXPECT_FALSE(ui::Accepts(button_, In(1000)));
+        EXPECT_FALSE(ui::Click(button_, In(1000)));
+        EXPECT_FALSE(ui::Click(button_)) << "nor does a program";
+    };
+    EXPECT_TRUE(ui::Click(button_));
+    EXPECT_FALSE(button_.Running());
+    EXPECT_EQ(clicks_, 1);
+}
+
+TEST_F(WaitingInput, OfACommandThatFailedIsDroppedToo) {
+    button_.on_click = [] { throw ui::Refusal("failed"); };
+    EXPECT_THROW(ui::Click(button_), ui::Refusal);
+    EXPECT_FALSE(button_.Running());
+    EXPECT_FALSE(ui::Click(button_, In(0)));
+}
+
+TEST_F(WaitingInput, ADoubleClickOfACommandButtonIsItsFirstPress) {
+    const auto first = ui::InputClock::now();
+    EXPECT_TRUE(ui::AcceptsPress(button_, first));
+    EXPECT_FALSE(ui::AcceptsPress(button_, first)) << "both at once";
+    EXPECT_FALSE(ui::AcceptsPress(button_, first + milliseconds(499)));
+    EXPECT_FALSE(ui::AcceptsPress(button_, first + milliseconds(900))) << "a third one after the second";
+    EXPECT_TRUE(ui::AcceptsPress(button_, first + milliseconds(1400)));
+    EXPECT_FALSE(ui::AcceptsPress(button_, first + milliseconds(2300), milliseconds(1000)))
+        << "where the system's time is longer";
+}
+
+TEST_F(WaitingInput, ADoubleClickIsOneAlsoWhereItsFirstPressWasRefused) {
+    const auto first = ui::InputClock::now();
+    button_.Enabled(false);
+    EXPECT_FALSE(ui::AcceptsPress(button_, first));
+    button_.Enabled(true);
+    EXPECT_FALSE(ui::AcceptsPress(button_, first + milliseconds(400)));
+}
+
+TEST_F(WaitingInput, OtherControlsTakeEachPress) {
+    const auto first = ui::InputClock::now();
+    EXPECT_TRUE(ui::AcceptsPress(*form_.Find("check"), first));
+    EXPECT_TRUE(ui::AcceptsPress(*form_.Find("check"), first));
 }
 
 } // namespace
