@@ -10,6 +10,10 @@
 #include "ado/errors.h"
 #include "odbc/odbc.h"
 
+namespace platform {
+struct LocaleForms;
+} // namespace platform
+
 namespace ado {
 
 /// The database's NULL.
@@ -50,9 +54,11 @@ class Variant {
     bool IsNull() const { return std::holds_alternative<Null>(storage_); }
     const Storage& Get() const { return storage_; }
 
-    /// The text of the value, in the forms of a machine set to English (United States); bytes as 0x and
+    /// The text of the value, in the forms of the user's locale (platform/locale.h); bytes as 0x and
     /// hexadecimal digits. Throws ConversionError (InvalidUseOfNull).
     std::string ToString() const;
+    /// The same in the forms of a given locale.
+    std::string ToString(const platform::LocaleForms& forms) const;
     /// The signed 16-bit integer nearest to the value, a half going to the even neighbour; True is -1. Text
     /// is read as a number: blanks around it are borne, a sign, a point and an exponent understood.
     /// Throws ConversionError.

@@ -68,7 +68,7 @@ constexpr std::array kPackageSteps = {
                 "Install Batch Summary Recalculation Export DTS package..."},
 };
 
-/// As the program shows a date and time everywhere.
+/// In the forms of the user's locale, as every date that the program shows but those of its log.
 std::string TextOf(const platform::LocalTime& time) {
     ado::Date date{};
     date.year = static_cast<decltype(date.year)>(time.year);

@@ -1,4 +1,5 @@
 #include "console/console_fixture.h"
+#include "fakes/fake_locale.h"
 
 namespace kv {
 namespace {
@@ -416,6 +417,12 @@ TEST_F(PackageList, SeveralHaveOneBetweenEachTwo) {
     const std::string entry = "\r\nwhat it does\r\nCreated: 5/12/2006 2:03:22 PM\r\n";
     const std::string line = "\r\n" + std::string(46, '-') + "\r\n\r\n";
     EXPECT_EQ(Listed(), "[none] KVLSQLDbMgr: A" + entry + line + "A" + entry + line + "B" + entry);
+}
+
+TEST_F(PackageList, TheTimeIsInTheFormsOfTheUsersLocale) {
+    const fakes::FakeLocale german(fakes::German());
+    Installed("A");
+    EXPECT_EQ(Listed(), "[none] KVLSQLDbMgr: A\r\nwhat it does\r\nCreated: 12.05.2006 14:03:22\r\n");
 }
 
 TEST_F(PackageList, NoPackagesShowNothingAtAll) {

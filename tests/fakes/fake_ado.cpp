@@ -297,8 +297,8 @@ std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std:
 
 void Parameters::Refresh() {
     FakeAdo::Current().calls.emplace_back("Refresh");
-    items_.clear();
-    items_ = command_->Ready().impl_->Take("Refresh").parameters;
+    const std::vector<Parameter> before = Take();
+    Fill(command_->Ready().impl_->Take("Refresh").parameters, before);
 }
 
 } // namespace ado

@@ -31,6 +31,7 @@ def main(server_program, program, *arguments):
             environment = dict(os.environ, ODBCSYSINI=folder, KV_SERVER_A=a.name, KV_SERVER_B=b.name, KV_USER=USER,
                                KV_PASSWORD=PASSWORD, KV_SILENT=f"127.0.0.1,{silent.getsockname()[1]}",
                                KV_FOLDER="Z:" + folder.replace("/", "\\") if wine else folder)
+            environment["LC_ALL"] = "C.UTF-8"  # values are shown and read in the forms that the tests write
             command = [program, *arguments]
             if wine:
                 environment.pop("DISPLAY", None)
