@@ -18,39 +18,39 @@ constexpr auto kXml = static_cast<SqlType>(-152);
 /// What ADO over ODBC makes of each type. Of several rows with one of ADO's numbers, the first is what goes
 /// back to the driver.
 constexpr std::array kTypes = {
-    AdoType{adVarWChar, SqlType::WVarChar, TypeKind::Sized},
-    AdoType{adVarChar, SqlType::VarChar, TypeKind::Sized},
-    AdoType{adChar, SqlType::Char, TypeKind::Sized},
-    AdoType{adWChar, SqlType::WChar, TypeKind::Sized},
-    AdoType{adLongVarChar, SqlType::LongVarChar, TypeKind::Long},
-    AdoType{adLongVarWChar, SqlType::WLongVarChar, TypeKind::Long},
-    AdoType{adLongVarWChar, kXml, TypeKind::Long},
-    AdoType{adBinary, SqlType::Binary, TypeKind::Sized},
-    AdoType{adVarBinary, SqlType::VarBinary, TypeKind::Sized},
-    AdoType{adLongVarBinary, SqlType::LongVarBinary, TypeKind::Long},
-    AdoType{adNumeric, SqlType::Numeric, TypeKind::Decimal, 0, true},
-    AdoType{adNumeric, SqlType::Decimal, TypeKind::Decimal, 0, true},
-    AdoType{adBoolean, SqlType::Bit},
-    AdoType{adUnsignedTinyInt, SqlType::TinyInt, TypeKind::Fixed, 3},
-    AdoType{adSmallInt, SqlType::SmallInt, TypeKind::Fixed, 5, true},
-    AdoType{adInteger, SqlType::Integer, TypeKind::Fixed, 10, true},
-    AdoType{adBigInt, SqlType::BigInt, TypeKind::Fixed, 19, true},
-    AdoType{adSingle, SqlType::Real, TypeKind::Fixed, 7, true},
-    AdoType{adDouble, SqlType::Double, TypeKind::Fixed, 15, true},
-    AdoType{adDouble, SqlType::Float, TypeKind::Fixed, 15, true},
-    AdoType{adDBTimeStamp, SqlType::Timestamp, TypeKind::Decimal},
-    AdoType{adDBTimeStamp, kTimestamp2, TypeKind::Decimal},
-    AdoType{adDBDate, SqlType::Date, TypeKind::Fixed, 10},
-    AdoType{adDBDate, kDate2, TypeKind::Fixed, 10},
-    AdoType{adDBTime, SqlType::Time, TypeKind::Fixed, 8},
-    AdoType{adDBTime, kTime2, TypeKind::Fixed, 8},
-    AdoType{adGUID, SqlType::Guid},
-    AdoType{adVariant, SqlType::Variant, TypeKind::Sized},
+    AdoType{adVarWChar, SqlType::WVarChar, "nvarchar", TypeKind::Sized},
+    AdoType{adVarChar, SqlType::VarChar, "varchar", TypeKind::Sized},
+    AdoType{adChar, SqlType::Char, "char", TypeKind::Sized},
+    AdoType{adWChar, SqlType::WChar, "nchar", TypeKind::Sized},
+    AdoType{adLongVarChar, SqlType::LongVarChar, "text", TypeKind::Long},
+    AdoType{adLongVarWChar, SqlType::WLongVarChar, "ntext", TypeKind::Long},
+    AdoType{adLongVarWChar, kXml, "xml", TypeKind::Long},
+    AdoType{adBinary, SqlType::Binary, "binary", TypeKind::Sized},
+    AdoType{adVarBinary, SqlType::VarBinary, "varbinary", TypeKind::Sized},
+    AdoType{adLongVarBinary, SqlType::LongVarBinary, "image", TypeKind::Long},
+    AdoType{adNumeric, SqlType::Numeric, "numeric", TypeKind::Decimal, 0, true},
+    AdoType{adNumeric, SqlType::Decimal, "decimal", TypeKind::Decimal, 0, true},
+    AdoType{adBoolean, SqlType::Bit, "bit"},
+    AdoType{adUnsignedTinyInt, SqlType::TinyInt, "tinyint", TypeKind::Fixed, 3},
+    AdoType{adSmallInt, SqlType::SmallInt, "smallint", TypeKind::Fixed, 5, true},
+    AdoType{adInteger, SqlType::Integer, "int", TypeKind::Fixed, 10, true},
+    AdoType{adBigInt, SqlType::BigInt, "bigint", TypeKind::Fixed, 19, true},
+    AdoType{adSingle, SqlType::Real, "real", TypeKind::Fixed, 7, true},
+    AdoType{adDouble, SqlType::Double, "float", TypeKind::Fixed, 15, true},
+    AdoType{adDouble, SqlType::Float, "float", TypeKind::Fixed, 15, true},
+    AdoType{adDBTimeStamp, SqlType::Timestamp, "datetime", TypeKind::Decimal},
+    AdoType{adDBTimeStamp, kTimestamp2, "datetime", TypeKind::Decimal},
+    AdoType{adDBDate, SqlType::Date, "date", TypeKind::Fixed, 10},
+    AdoType{adDBDate, kDate2, "date", TypeKind::Fixed, 10},
+    AdoType{adDBTime, SqlType::Time, "time", TypeKind::Fixed, 8},
+    AdoType{adDBTime, kTime2, "time", TypeKind::Fixed, 8},
+    AdoType{adGUID, SqlType::Guid, "uniqueidentifier"},
+    AdoType{adVariant, SqlType::Variant, "sql_variant", TypeKind::Sized},
 };
 
 constexpr const AdoType& kText = kTypes.front();
 
-constexpr AdoType kCurrency{adCurrency, SqlType::Decimal, TypeKind::Decimal, 0, true};
+constexpr AdoType kCurrency{adCurrency, SqlType::Decimal, "money", TypeKind::Decimal, 0, true};
 constexpr std::array<std::string_view, 2> kMoneyNames = {"money", "smallmoney"};
 
 } // namespace

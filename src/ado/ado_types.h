@@ -47,6 +47,7 @@ enum class TypeKind : std::uint8_t {
 struct AdoType {
     DataType number = adEmpty;
     platform::odbc::SqlType sql_type = platform::odbc::SqlType::Unknown;
+    std::string_view server_name; ///< the server's own name for the type
     TypeKind kind = TypeKind::Fixed;
     std::uint8_t precision = 0; ///< of a fixed type; 0 for those that are no numbers
     bool is_signed = false;

@@ -9,8 +9,9 @@
 #include "ado/ado_types.h"
 #include "ado/connection_impl.h"
 #include "ado/error_numbers.h"
-#include "ado/odbc_values.h"
+#include "ado/procedure_call.h"
 #include "ado/procedure_name.h"
+#include "platform/locale.h"
 
 namespace ado {
 namespace {
@@ -18,9 +19,6 @@ namespace {
 namespace odbc = platform::odbc;
 
 constexpr char kSource[] = "ADODB.Command";
-
-/// Characters or bytes that are kept free for a value that comes back of a type without a limit.
-constexpr std::int32_t kMaxOutput = 1024 * 1024;
 
 // ------------------------------------------------------------------ the catalogue of parameters
 
@@ -106,109 +104,47 @@ Parameter ParameterOf(const CatalogueRow& row) {
     return parameter;
 }
 
-/// The parameters of the first of the procedures that have the name, one for each owner.
-std::vector<Parameter> ParametersOf(Recordset& rows, const ProcedureName& name) {
-    std::vector<Parameter> parameters;
-    std::string owner;
+/// The parameters of the procedures that have a name, by the procedure's owner, in the order of the
+/// catalogue.
+using ByOwner = std::vector<std::pair<std::string, std::vector<Parameter>>>;
+
+ByOwner ParametersByOwner(Recordset& rows, const ProcedureName& name) {
+    ByOwner procedures;
     for (; !rows.Eof(); rows.MoveNext()) {
         const CatalogueRow row(rows);
         if (!row.IsOf(name) || row.Direction() == kNoParameter) {
             continue;
         }
-        if (parameters.empty()) {
-            owner = row.Text(kOwner);
+        const std::string owner = row.Text(kOwner);
+        auto found = std::ranges::find(procedures, owner, &ByOwner::value_type::first);
+        if (found == procedures.end()) {
+            found = procedures.insert(procedures.end(), {owner, {}});
         }
-        if (row.Text(kOwner) == owner) {
-            parameters.push_back(ParameterOf(row));
-        }
+        found->second.push_back(ParameterOf(row));
     }
-    return parameters;
+    return procedures;
 }
 
-// ------------------------------------------------------------------ the call
-
-bool GivesBack(const Parameter& parameter) {
-    return parameter.Direction() != adParamInput && parameter.Direction() != adParamUnknown;
+/// Asks which of the owners' procedures a call without an owner finds: a number from 0, or NULL.
+std::string OwnerQuery(const ByOwner& procedures, const std::string& name) {
+    std::string query = "SELECT CASE OBJECT_ID(N'" + InBrackets(name) + "')";
+    for (std::size_t i = 0; i < procedures.size(); ++i) {
+        query += " WHEN OBJECT_ID(N'" + InBrackets(procedures[i].first) + "." + InBrackets(name) +
+                 "') THEN " + std::to_string(i);
+    }
+    return query + " END";
 }
 
-/// A parameter that is left out of the call, for the procedure's default. What goes out only, has none.
-bool IsLeftToDefault(const Parameter& parameter) {
-    return parameter.Value().IsEmpty() && parameter.Direction() != adParamOutput &&
-           parameter.Direction() != adParamReturnValue;
+/// The answer to it; the first where the server finds none of them.
+std::size_t OwnerIn(const Recordset& answer, std::size_t count) {
+    if (answer.Eof()) {
+        return 0;
+    }
+    const Variant& value = answer.Fields().Item(0).Value();
+    const auto* const number = std::get_if<std::int64_t>(&value.Get());
+    const bool known = number != nullptr && *number >= 0 && static_cast<std::size_t>(*number) < count;
+    return known ? static_cast<std::size_t>(*number) : 0;
 }
-
-odbc::Direction DirectionOf(const Parameter& parameter) {
-    if (!GivesBack(parameter)) {
-        return odbc::Direction::Input;
-    }
-    return parameter.Direction() == adParamInputOutput ? odbc::Direction::InputOutput
-                                                       : odbc::Direction::Output;
-}
-
-odbc::Parameter Bound(const Parameter& parameter) {
-    const AdoType& type = AdoTypeOf(parameter.Type());
-    odbc::Parameter bound;
-    bound.type = type.sql_type;
-    bound.direction = DirectionOf(parameter);
-    if (bound.direction != odbc::Direction::Output) {
-        bound.value = OdbcValueOf(parameter.Value());
-    }
-    const bool decimal = type.kind == TypeKind::Decimal;
-    bound.size = decimal ? parameter.Precision()
-                         : static_cast<std::size_t>(std::clamp(parameter.Size(), 0, kMaxOutput));
-    bound.decimal_digits = decimal ? parameter.NumericScale() : std::int16_t{0};
-    return bound;
-}
-
-/// A call of a procedure: its text, and the parameters that have a marker in it, in the order of the markers.
-class Call {
-  public:
-    Call(const std::string& procedure, std::vector<Parameter>& parameters) {
-        std::string arguments;
-        std::size_t needed = 0; // the text up to the last one that is not left out
-        for (Parameter& parameter : parameters) {
-            if (parameter.Direction() == adParamReturnValue) {
-                bound_.insert(bound_.begin(), &parameter);
-                text_ = "{? = call ";
-                continue;
-            }
-            if (!IsLeftToDefault(parameter)) {
-                bound_.push_back(&parameter);
-                arguments += '?';
-                needed = arguments.size();
-            }
-            arguments += ',';
-        }
-        text_ += procedure;
-        if (needed != 0) {
-            text_ += '(' + arguments.substr(0, needed) + ')';
-        }
-        text_ += '}';
-    }
-
-    void Start(odbc::Statement& statement) const {
-        for (std::size_t i = 0; i < bound_.size(); ++i) {
-            statement.Bind(Marker(i), Bound(*bound_[i]));
-        }
-        statement.ExecDirect(text_);
-    }
-
-    void TakeOutput(const odbc::Statement& statement) const {
-        for (std::size_t i = 0; i < bound_.size(); ++i) {
-            Parameter& parameter = *bound_[i];
-            if (GivesBack(parameter)) {
-                odbc::Value value = statement.ParameterValue(Marker(i));
-                parameter.Value(VariantOf(AdoTypeOf(parameter.Type()).sql_type, value));
-            }
-        }
-    }
-
-  private:
-    static std::uint16_t Marker(std::size_t index) { return static_cast<std::uint16_t>(index + 1); }
-
-    std::string text_ = "{call ";
-    std::vector<Parameter*> bound_;
-};
 
 } // namespace
 
@@ -254,7 +190,12 @@ std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std:
     if (options != adOptionUnspecified) {
         RaiseOwnError(kArgumentsInConflict, kSource, "option " + std::to_string(options));
     }
-    const Call call(command_text_, parameters_.items_);
+    const ProcedureCall call(command_text_, parameters_.items_, platform::UserLocale());
+    if (!call.Refusals().empty()) {
+        connection.impl_->errors = Errors(call.Refusals());
+        const Error& first = call.Refusals().front();
+        throw CallError(first.Number, first.Source, first.Description);
+    }
     return connection.impl_->Run({.timeout = command_timeout_,
                                   .results_behind_error = true,
                                   .start = [&](odbc::Statement& statement) { call.Start(statement); },
@@ -263,7 +204,7 @@ std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std:
 }
 
 void Parameters::Refresh() {
-    items_.clear();
+    const std::vector<Parameter> before = Take();
     Connection& connection = command_->Ready();
     const ProcedureName name = ParseProcedureName(command_->command_text_);
     if (!name.database.empty()) {
@@ -275,7 +216,17 @@ void Parameters::Refresh() {
          .start =
              [&](odbc::Statement& statement) { statement.ProcedureColumns(CataloguePattern(name.name)); }},
         ignored);
-    items_ = ParametersOf(*rows, name);
+    ByOwner procedures = ParametersByOwner(*rows, name);
+    std::size_t found = 0;
+    if (procedures.size() > 1) {
+        const std::string query = OwnerQuery(procedures, name.name);
+        const std::unique_ptr<Recordset> answer =
+            connection.impl_->Run({.timeout = command_->command_timeout_,
+                                   .start = [&](odbc::Statement& statement) { statement.ExecDirect(query); }},
+                                  ignored);
+        found = OwnerIn(*answer, procedures.size());
+    }
+    Fill(procedures.empty() ? std::vector<Parameter>() : std::move(procedures[found].second), before);
 }
 
 } // namespace ado

@@ -70,6 +70,15 @@ Error NoCommandText() {
     return error;
 }
 
+Error RefusalOf(const char* sql_state, const std::string& text) {
+    Error error;
+    error.Number = NumberOf(sql_state);
+    error.Description = text;
+    error.Source = "ADODB.Command";
+    error.SQLState = sql_state;
+    return error;
+}
+
 Errors ErrorsOf(const std::vector<platform::odbc::Diagnostic>& diagnostics) {
     Errors errors;
     for (const bool wanted : {true, false}) {

@@ -14,6 +14,9 @@ Error ErrorOf(const platform::odbc::Diagnostic& diagnostic);
 /// What the provider reports where a command has no text: no driver is asked then.
 Error NoCommandText();
 
+/// The refusal of a parameter's value, which no driver has seen.
+Error RefusalOf(const char* sql_state, const std::string& text);
+
 /// The collection of all records, in the order in which they came but errors in front of messages.
 Errors ErrorsOf(const std::vector<platform::odbc::Diagnostic>& diagnostics);
 

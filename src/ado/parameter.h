@@ -48,7 +48,8 @@ class Parameter {
     /// A number of ado_types.h.
     std::int32_t Type() const { return type_; }
     void Type(std::int32_t value) { type_ = value; }
-    /// Empty: the procedure's default, if it goes in.
+    /// Empty: an input parameter is left to the procedure's default, and every other one that goes in is
+    /// NULL.
     const Variant& Value() const { return value_; }
     void Value(Variant value) { value_ = std::move(value); }
 
@@ -72,16 +73,24 @@ class Parameters {
     /// The first has the index 0. Throws kItemNotFound. Good until the next Refresh.
     Parameter& Item(std::int32_t index);
     /// Asks the server for the parameters of the command's procedure and rebuilds the collection from its
-    /// answer, with empty values. A procedure that the server does not know has none. Throws CallError; the
-    /// collection is then empty.
+    /// answer. A parameter keeps the value that its namesake in the collection before had, if that was of the
+    /// same procedure; every other one is Empty. A procedure that the server does not know has no parameters.
+    /// Throws CallError; the collection is then empty.
     void Refresh();
 
   private:
     friend class Command;
     explicit Parameters(const Command& command) : command_(&command) {}
 
+    /// Empties the collection and gives what it held.
+    std::vector<Parameter> Take();
+    /// Fills the empty collection with the parameters of the command's procedure. `before` are those of the
+    /// last time.
+    void Fill(std::vector<Parameter> items, const std::vector<Parameter>& before);
+
     const Command* command_;
     std::vector<Parameter> items_;
+    std::string procedure_; ///< the command's text when `items_` were read
 };
 
 } // namespace ado

@@ -79,4 +79,12 @@ bool SameName(std::string_view one, std::string_view other) {
     return std::ranges::equal(one, other, {}, Lower, Lower);
 }
 
+std::string InBrackets(std::string_view name) {
+    std::string text = "[";
+    for (const char c : name) {
+        text.append(c == ']' || c == '\'' ? 2 : 1, c);
+    }
+    return text + "]";
+}
+
 } // namespace ado

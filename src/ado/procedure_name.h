@@ -9,7 +9,7 @@ namespace ado {
 
 struct ProcedureName {
     std::string database; ///< empty: the current one
-    std::string owner;    ///< empty: whichever the catalogue has first
+    std::string owner;    ///< empty: whichever the server finds
     std::string name;
     std::string number = "1"; ///< of the procedure among those that share the name
 };
@@ -24,5 +24,8 @@ std::string CataloguePattern(std::string_view name);
 
 /// True for the same name, by the characters of the code page without regard to case.
 bool SameName(std::string_view one, std::string_view other);
+
+/// The name in brackets, for a place within a text between apostrophes.
+std::string InBrackets(std::string_view name);
 
 } // namespace ado

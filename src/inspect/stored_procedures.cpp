@@ -132,7 +132,7 @@ bool CViewDataMgr::ExecuteStoredProcedure(const std::string& strDbName, const st
         ForEachPair(command.Parameters(), arrParameters,
                     [](ado::Parameter& live, const ado::Parameter& held) { live.Value(held.Value()); });
         const auto rows = operation.Execute(command);
-        // In front of the copying: what goes back are the values of the new list, not what the call gave.
+        // Before the copying: the new list keeps the values, those that came out among them.
         command.Parameters().Refresh();
         ForEachPair(command.Parameters(), arrParameters,
                     [](const ado::Parameter& live, ado::Parameter& held) { held.Value(live.Value()); });

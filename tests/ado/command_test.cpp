@@ -8,6 +8,7 @@
 
 #include "ado/ado_types.h"
 #include "ado/procedure_name.h"
+#include "fakes/fake_locale.h"
 #include "fakes/odbc_counting.h"
 
 namespace ado {
@@ -94,9 +95,8 @@ class AdoCommand : public ::testing::Test {
         }
         Parameters& parameters = Refresh(std::move(rows));
         for (std::size_t i = 0; i < values.size(); ++i) {
-            if (values[i] != "-") {
-                parameters.Item(static_cast<std::int32_t>(i) + 1).Value(values[i]);
-            }
+            parameters.Item(static_cast<std::int32_t>(i) + 1)
+                .Value(values[i] == "-" ? Variant() : Variant(values[i]));
         }
         Execute({});
         return Counting().last_statement;
@@ -112,8 +112,7 @@ TEST_F(AdoCommand, RefreshTakesTheProceduresRowsOfTheCatalogue) {
         Refresh({ReturnValue("sp;1"), Row("sp;1", "@n", 1, 3, "decimal", 12, 4),
                  Row("sp;1", "@t", 2, 12, "varchar", 30), Row("sp;1", "@o", 4, 4, "int", 10),
                  Row("sp;1", "column", 3, 4, "int"), // of a result
-                 Row("sp;2", "@other number", 1, 4, "int"), Row("spx;1", "@other name", 1, 4, "int"),
-                 Row("sp;1", "@other owner", 1, 4, "int", 10, 0, 1, "guest")});
+                 Row("sp;2", "@other number", 1, 4, "int"), Row("spx;1", "@other name", 1, 4, "int")});
     EXPECT_EQ(Counting().last_catalogue, "sp");
     ASSERT_EQ(parameters.Count(), 4);
     const Parameter& result = parameters.Item(0);
@@ -140,15 +139,52 @@ TEST_F(AdoCommand, RefreshTakesTheProceduresRowsOfTheCatalogue) {
     EXPECT_EQ(NumberOf([&] { parameters.Item(-1); }), kItemNotFound);
 }
 
-TEST_F(AdoCommand, RefreshDropsTheValuesAndAfterAFailureThereAreNoParameters) {
+TEST_F(AdoCommand, RefreshKeepsTheValuesOfNamesakesUnlessTheProcedureIsAnother) {
+    Parameters& parameters =
+        Refresh({ReturnValue("sp"), Row("sp", "@n", 1, 4, "int"), Row("sp", "@gone", 1, 4, "int")});
+    EXPECT_TRUE(parameters.Item(1).Value().IsEmpty());
+    parameters.Item(0).Value(42);
+    parameters.Item(1).Value("5");
+    parameters.Item(2).Value("6");
+    Refresh({Row("sp", "@new", 1, 4, "int"), Row("sp", "@n", 1, 5, "smallint"), ReturnValue("sp")});
+    ASSERT_EQ(parameters.Count(), 3);
+    EXPECT_TRUE(parameters.Item(0).Value().IsEmpty());
+    EXPECT_EQ(parameters.Item(1).Value(), Variant("5"));
+    EXPECT_EQ(parameters.Item(1).Type(), adSmallInt);
+    EXPECT_EQ(parameters.Item(2).Value(), Variant(42));
+    command_.CommandText("sp2");
+    EXPECT_TRUE(Refresh({Row("sp2", "@n", 1, 4, "int")}).Item(0).Value().IsEmpty());
+}
+
+TEST_F(AdoCommand, AfterARefreshThatFailsThereAreNoParameters) {
     Refresh({Row("sp", "@n", 1, 4, "int")}).Item(0).Value("5");
-    EXPECT_TRUE(Refresh({Row("sp", "@n", 1, 4, "int")}).Item(0).Value().IsEmpty());
     Counting().catalogue = {{.columns = false,
                              .records = {{.state = "42000", .native = 7, .message = "no", .severity = 16}},
                              .fails = true}};
     EXPECT_EQ(NumberOf([&] { command_.Parameters().Refresh(); }), -2147217900);
     EXPECT_EQ(command_.Parameters().Count(), 0);
     EXPECT_EQ(connection_.Errors().Item(0).NativeError, 7);
+}
+
+TEST_F(AdoCommand, OfSeveralOwnersTheServerSaysWhichOneACallFinds) {
+    const std::vector<std::vector<OdbcCell>> rows = {Row("s]p';1", "@first", 1, 4, "int", 10, 0, 1, "aa"),
+                                                     Row("s]p';1", "@second", 1, 4, "int")};
+    command_.CommandText("[s]]p']");
+    Counting().results = {LaidOut("n", {{"1"}})};
+    EXPECT_EQ(Refresh(rows).Item(0).Name(), "@second");
+    EXPECT_EQ(Counting().last_statement,
+              "SELECT CASE OBJECT_ID(N'[s]]p'']') WHEN OBJECT_ID(N'[aa].[s]]p'']') "
+              "THEN 0 WHEN OBJECT_ID(N'[dbo].[s]]p'']') THEN 1 END");
+    Counting().results = {LaidOut("n", {{"0"}})};
+    EXPECT_EQ(Refresh(rows).Item(0).Name(), "@first");
+    for (const OdbcCell& other : {OdbcCell(), OdbcCell("2"), OdbcCell("-1")}) {
+        Counting().results = {LaidOut("n", {{other}})};
+        EXPECT_EQ(Refresh(rows).Item(0).Name(), "@first") << "neither of the two is found";
+    }
+    Counting().last_statement.clear();
+    command_.CommandText("dbo.[s]]p']");
+    EXPECT_EQ(Refresh(rows).Item(0).Name(), "@second");
+    EXPECT_EQ(Counting().last_statement, "") << "a name with an owner needs no question";
 }
 
 TEST_F(AdoCommand, TheNameIsTakenApartForTheCatalogueAndGoesWholeIntoTheCall) {
@@ -168,13 +204,83 @@ TEST_F(AdoCommand, AFunctionIsNumberNoneOfItsName) {
     EXPECT_EQ(parameters.Item(1).Name(), "@n");
 }
 
-TEST_F(AdoCommand, EmptyValuesAreLeftOutOfTheCall) {
+TEST_F(AdoCommand, EmptyValuesAtTheEndAreLeftOutOfTheCall) {
     EXPECT_EQ(CallWith({}), "{? = call sp}");
     EXPECT_EQ(CallWith({"1", "2"}), "{? = call sp(?,?)}");
     EXPECT_EQ(CallWith({"1", "-"}), "{? = call sp(?)}");
-    EXPECT_EQ(CallWith({"-", "2", "-", "-"}), "{? = call sp(,?)}");
-    EXPECT_EQ(CallWith({"1", "-", "-", "4"}), "{? = call sp(?,,,?)}");
+    EXPECT_EQ(CallWith({"1", "2", "-", "-"}), "{? = call sp(?,?)}");
     EXPECT_EQ(CallWith({"-", "-"}), "{? = call sp}");
+}
+
+TEST_F(AdoCommand, AnEmptyValueInFrontOfAnotherOneMakesACallByName) {
+    Parameters& parameters =
+        Refresh({ReturnValue("sp"), Row("sp", "@a", 1, 4, "int", 10), Row("sp", "@b", 1, 12, "varchar", 30),
+                 Row("sp", "@c", 1, 3, "decimal", 12, 4), Row("sp", "@d", 2, 4, "int", 10),
+                 Row("sp", "@e", 1, 4, "int", 10)});
+    parameters.Item(2).Value("text");
+    Execute({}, {OdbcCell(), OdbcCell(), "42", OdbcCell(), "7"});
+    EXPECT_EQ(Counting().last_statement, "{call sp_executesql(?,?,?,?,?)}");
+    const auto& bound = Counting().parameters;
+    ASSERT_EQ(bound.size(), 5U);
+    EXPECT_EQ(bound[0].value, "exec @p1 = sp @b = @p2, @d = @p3 output");
+    EXPECT_EQ(bound[1].value, "@p1 int output, @p2 varchar(30), @p3 int output");
+    EXPECT_EQ(bound[3].value, "text");
+    EXPECT_FALSE(bound[4].value) << "an empty one that gives something back is NULL";
+    EXPECT_EQ(parameters.Item(0).Value(), Variant(42));
+    EXPECT_TRUE(parameters.Item(1).Value().IsEmpty());
+    EXPECT_EQ(parameters.Item(4).Value(), Variant(7));
+}
+
+TEST_F(AdoCommand, ACallByNameNeedsNoReturnValue) {
+    Parameters& parameters = Refresh({Row("sp", "@a", 1, 4, "int", 10), Row("sp", "@b", 1, 4, "int", 10)});
+    parameters.Item(1).Value("2");
+    Execute({});
+    EXPECT_EQ(Counting().parameters.at(0).value, "exec sp @b = @p1");
+    EXPECT_EQ(Counting().parameters.at(1).value, "@p1 int");
+}
+
+TEST_F(AdoCommand, AnEmptyParameterOfBothDirectionsGoesInAsNull) {
+    Refresh({ReturnValue("sp"), Row("sp", "@both", 2, 4, "int", 10)});
+    Execute({}, {"0", "7"});
+    EXPECT_EQ(Counting().last_statement, "{? = call sp(?)}");
+    EXPECT_FALSE(Counting().parameters.at(1).value);
+    EXPECT_EQ(command_.Parameters().Item(1).Value(), Variant(7));
+}
+
+TEST_F(AdoCommand, ValuesThatDoNotFitAreRefusedBeforeAnythingRuns) {
+    Parameters& parameters =
+        Refresh({ReturnValue("sp"), Row("sp", "@n", 1, 4, "int", 10), Row("sp", "@t", 1, 12, "varchar", 5),
+                 Row("sp", "@ok", 1, 4, "int", 10), Row("sp", "@d", 2, 93, "datetime", 23, 3)});
+    parameters.Item(0).Value("is not asked for");
+    parameters.Item(1).Value("5.7");
+    parameters.Item(2).Value("abcdef");
+    parameters.Item(3).Value("1");
+    parameters.Item(4).Value("2024-02-30");
+    Counting().last_statement.clear();
+    constexpr std::int32_t kOverflow = -2147217833;
+    EXPECT_EQ(NumberOf([&] { Execute({}); }), kOverflow);
+    EXPECT_EQ(Counting().last_statement, "");
+    ASSERT_EQ(connection_.Errors().Count(), 3);
+    const Error& first = connection_.Errors().Item(0);
+    EXPECT_EQ(first.Number, kOverflow);
+    EXPECT_EQ(first.Source, "ADODB.Command");
+    EXPECT_EQ(first.SQLState, "22003");
+    EXPECT_EQ(first.Description,
+              "The value '5.7' cannot be given to the parameter @n of the type int: it has a fraction.");
+    EXPECT_EQ(connection_.Errors().Item(1).SQLState, "22001");
+    EXPECT_EQ(connection_.Errors().Item(2).SQLState, "22007");
+    parameters.Item(1).Value("5");
+    parameters.Item(2).Value("abcde");
+    parameters.Item(4).Value("2024-02-29");
+    EXPECT_EQ(NumberOf([&] { Execute({}); }), 0);
+    EXPECT_EQ(connection_.Errors().Count(), 0);
+}
+
+TEST_F(AdoCommand, ValuesAreReadInTheUsersLocale) {
+    const fakes::FakeLocale german(fakes::German());
+    Refresh({Row("sp", "@n", 1, 3, "decimal", 12, 4)}).Item(0).Value("1.000,5");
+    Execute({});
+    EXPECT_EQ(Counting().parameters.at(0).value, "1000.5");
 }
 
 TEST_F(AdoCommand, ValuesAreBoundByTypeDirectionAndSize) {
@@ -198,7 +304,7 @@ TEST_F(AdoCommand, ValuesAreBoundByTypeDirectionAndSize) {
     EXPECT_EQ(bound[1].sql_type, 2);
     EXPECT_EQ(bound[1].size, 12U);
     EXPECT_EQ(bound[1].digits, 4);
-    EXPECT_EQ(bound[1].value, "1.5"); // as text: the driver converts
+    EXPECT_EQ(bound[1].value, "1.5"); // exact digits are text
     EXPECT_EQ(bound[2].direction, kInputOutput);
     EXPECT_EQ(bound[2].size, 30U);
     EXPECT_FALSE(bound[2].value);

@@ -1,6 +1,7 @@
 // The Stored Proc. tab and the dialog that runs a procedure.
 #include "console/console_fixture.h"
 #include "console/procedures_form.h"
+#include "fakes/fake_locale.h"
 
 namespace kv {
 namespace {
@@ -150,6 +151,26 @@ TEST_F(StoredProc, WithoutAProcedureTheDialogOpensForTheEmptyName) {
     EXPECT_EQ(caption, "Run  in [master]");
     EXPECT_FALSE(enabled);
     EXPECT_EQ(Boxes().size(), 1U);
+}
+
+TEST_F(StoredProc, MoreProceduresThanTheCounterHoldsLeaveTheListEmptyAndClosed) {
+    StartOnTab();
+    HasProcedures(Lines(32'768, "spOne;1"));
+    ui::Choose(Combo("cboStoredProcDatabase"), 1);
+    EXPECT_EQ(Combo("cboStoredProcedure").ListCount(), 0);
+    EXPECT_FALSE(Combo("cboStoredProcedure").Enabled());
+    EXPECT_EQ(LogLines(), Lines{"frmMain::loadStoredProcedures"});
+}
+
+TEST_F(StoredProc, AsManyProceduresAsTheCounterHoldsStandInAClosedList) {
+    StartOnTab();
+    HasProcedures(Lines(32'767, "spOne;1"));
+    ui::Choose(Combo("cboStoredProcDatabase"), 1);
+    EXPECT_EQ(Combo("cboStoredProcedure").ListCount(), 32'767)
+        << "the counter fails on its way past the last one";
+    EXPECT_EQ(Combo("cboStoredProcedure").ListIndex(), -1);
+    EXPECT_FALSE(Combo("cboStoredProcedure").Enabled());
+    EXPECT_EQ(LogLines(), Lines{"frmMain::loadStoredProcedures"});
 }
 
 class ProcedureDialog : public ConsoleTest {
@@ -311,18 +332,73 @@ TEST_F(ProcedureDialog, AnEntryWithoutAParameterFailsTheLoadHalf) {
 }
 
 TEST_F(ProcedureDialog, WhatCameBackIsSeenWhereTheParameterIsChosenAndAnInputIsOverwritten) {
-    const std::vector<ado::Parameter> list = {Live("@in"), Live("@out", ado::adParamOutput)};
+    const std::vector<ado::Parameter> list = {Live("@both", ado::adParamInputOutput),
+                                              Live("@out", ado::adParamOutput)};
     OpenDialog(list);
     ui::Type(Box("edtValue"), "typed");
-    ado_.Answer("Refresh", List(list));
-    ado_.Answer("call spOne", Result({"A"}, {}));
-    ado_.Answer("Refresh",
-                List({Live("@in", ado::adParamInput, "back"), Live("@out", ado::adParamOutput, "out")}));
+    AdoAnswer result = Result({"A"}, {});
+    result.output = {{"@both", "back"}, {"@out", "out"}};
+    Answers(list, result);
     Execute();
     ui::Choose(Parameters(), 1);
     EXPECT_EQ(Box("edtValue").Text(), "out");
     ui::Choose(Parameters(), 0);
-    EXPECT_EQ(Box("edtValue").Text(), "typed");
+    EXPECT_EQ(Box("edtValue").Text(), "typed") << "the click saved the box over what came back";
+}
+
+TEST_F(ProcedureDialog, ASecondRunHasTheValuesOfTheFirstUntilTheListIsReadAnew) {
+    const std::vector<ado::Parameter> list = {Live("@RETURN_VALUE", ado::adParamReturnValue), Live("@a"),
+                                              Live("@b")};
+    OpenDialog(list);
+    ui::Choose(Parameters(), 1);
+    ui::Type(Box("edtValue"), "one");
+    ui::Choose(Parameters(), 2);
+    ui::Type(Box("edtValue"), "two");
+    ui::Choose(Parameters(), 0);
+    AdoAnswer result = Result({"A"}, {});
+    result.output = {{"@RETURN_VALUE", 42}};
+    Answers(list, result);
+    Execute();
+    EXPECT_EQ(Call(), "call spOne -1 @RETURN_VALUE=(Empty) @a=one @b=two");
+    ado_.calls.clear();
+    Answers(list, result);
+    Execute();
+    EXPECT_EQ(Call(), "call spOne -1 @RETURN_VALUE=42 @a=one @b=two");
+    ui::Choose(Parameters(), 0);
+    EXPECT_EQ(Box("edtValue").Text(), "42");
+    ui::Choose(Parameters(), 1);
+    EXPECT_EQ(Box("edtValue").Text(), "one");
+    ado_.Answer("Refresh", List(list));
+    ui::Click(dialog_.Form().Get<ui::CommandButton>("cmdReload"));
+    ado_.calls.clear();
+    Answers(list, result);
+    Execute();
+    EXPECT_EQ(Call(), "call spOne -1 @RETURN_VALUE=(Empty) @a=(Empty) @b=(Empty)");
+}
+
+TEST_F(ProcedureDialog, ARefusedValueIsToldAndStaysInTheBox) {
+    const std::vector<ado::Parameter> list = {Live("@a")};
+    OpenDialog(list);
+    ui::Type(Box("edtValue"), "5.7");
+    ado_.Answer("Refresh", List(list));
+    ado_.Answer("call spOne",
+                fakes::Failing(-2147217833, "The value '5.7' cannot be given to the parameter @a"));
+    Execute();
+    ASSERT_EQ(Boxes().size(), 1U);
+    EXPECT_EQ(Box("edtValue").Text(), "5.7");
+    EXPECT_FALSE(View().Enabled());
+}
+
+TEST_F(ProcedureDialog, ValuesAreShownInTheUsersLocale) {
+    const fakes::FakeLocale german(fakes::German());
+    OpenDialog({Live("@out", ado::adParamOutput, 1.5),
+                Live("@when", ado::adParamOutput, ado::Date{2024, 2, 29, 14, 3, 5, 0}),
+                Live("@is", ado::adParamOutput, true)});
+    EXPECT_EQ(Box("edtValue").Text(), "1,5");
+    ui::Choose(Parameters(), 1);
+    EXPECT_EQ(Box("edtValue").Text(), "29.02.2024 14:03:05");
+    ui::Choose(Parameters(), 2);
+    EXPECT_EQ(Box("edtValue").Text(), "Wahr");
 }
 
 TEST_F(ProcedureDialog, ANullStopsTheLoadHalf) {

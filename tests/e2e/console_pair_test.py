@@ -198,10 +198,23 @@ class ConsolePair(ConsoleTest):
         self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
         self.assertEqual(person.do("headers", "lvwViewData"), ["Given", "Said", "Doubled"])
         self.becomes(lambda: person.row(0), ["12", "Valve 3", "42"])
-        # The parameters are read from the server anew behind the call, without values.
-        for name, direction in (("@Double", "Input/Output"), (parameters[0], "Return value")):
+        # What came out of the call is seen, and goes into the next one with what was put in.
+        for name, direction, value in (("@Double", "Input/Output", "42"), (parameters[0], "Return value", "7")):
             person.do("choose", "lstParameters", name)
-            self.becomes(lambda: (person.text("edtDirection"), person.text("edtValue")), (direction, ""))
+            self.becomes(lambda: (person.text("edtDirection"), person.text("edtValue")), (direction, value))
+        person.do("click", "cmdExecute")
+        self.becomes(lambda: person.row(0), ["12", "Valve 3", "84"])
+        # A value that does not fit is refused in a box, and nothing is shown of a call.
+        person.do("choose", "lstParameters", "@In")
+        self.becomes(lambda: person.text("edtValue"), "12")
+        person.do("fill", "edtValue", "5.7")
+        person.do("choose", "lstParameters", parameters[0])
+        self.becomes(lambda: person.text("edtDirection"), "Return value")
+        person.do("click", "cmdExecute")
+        self.assertIn("The value '5.7' cannot be given to the parameter @In of the type int", person.do("box")[1])
+        person.picture("pair-box-refused")
+        person.do("answer")
+        self.becomes(lambda: person.can_use("lvwViewData"), False)
         person.picture("pair-dialog")
         person.do("click", "cmdClose")
         person.do("form", "main")

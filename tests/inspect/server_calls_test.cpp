@@ -1,4 +1,6 @@
 // Stored procedures as they run on a server: what goes in, what comes of it.
+#include <gmock/gmock.h>
+
 #include "inspect/server_fixture.h"
 
 namespace kv {
@@ -37,13 +39,75 @@ TEST_F(ServerCalls, TextBecomesAValueOfEveryType) {
     EXPECT_EQ(Rows().back(), wanted);
 }
 
-TEST_F(ServerCalls, WhatCannotBeConvertedIsAnError) {
-    Do("CREATE PROC spNumber @n int AS SELECT @n AS n");
-    EXPECT_FALSE(Call("spNumber", {"twelve"}));
-    EXPECT_EQ(manager_.Reported().size(), 1U);
-    EXPECT_FALSE(Call("spNumber", {"99999999999"}));
-    EXPECT_EQ(manager_.Reported().size(), 1U);
-    EXPECT_EQ(LoggedFailures(), 2U);
+TEST_F(ServerCalls, WhatTheServerGaveIsReadAgain) {
+    Do("CREATE PROC spAgain @bit bit, @int int, @decimal decimal(20, 5), @money money, @smallmoney "
+       "smallmoney, "
+       "@real real, @float float, @datetime datetime, @smalldatetime smalldatetime, @char char(7), "
+       "@varbinary "
+       "varbinary(9), @guid uniqueidentifier AS SELECT @bit a, @int b, @decimal c, @money d, @smallmoney e, "
+       "@real f, "
+       "@float g, @datetime h, @smalldatetime i, @char j, @varbinary k, @guid l");
+    std::vector<Variant> values = {"1",
+                                   "1E3",
+                                   "1,000.50",
+                                   "$5",
+                                   "-$.25",
+                                   "0.1",
+                                   "-1.5E+100",
+                                   "2024-02-29T12:34:57",
+                                   "2/29/2024 12:34 PM",
+                                   "abc",
+                                   "01FF",
+                                   "6F9619FF-8B86-D011-B42D-00C04FC964FF"};
+    EXPECT_TRUE(Call("spAgain", values)) << manager_.Reported().front();
+    const std::string shown = Rows().back();
+    EXPECT_EQ(
+        shown,
+        "True|1000|1000.5|5|-0.25|0.1|-1.5E+100|2/29/2024 12:34:57 PM|2/29/2024 12:34:00 PM|abc    |0x01FF|"
+        "{6F9619FF-8B86-D011-B42D-00C04FC964FF}");
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = data_(static_cast<std::int32_t>(i) + 1, 1);
+    }
+    EXPECT_TRUE(Call("spAgain", values)) << manager_.Reported().front();
+    EXPECT_EQ(Rows().back(), shown);
+}
+
+TEST_F(ServerCalls, WhatDoesNotFitIsRefusedAndNothingRuns) {
+    Do("CREATE TABLE Ran (a int)");
+    Do("CREATE PROC spStrict @bit bit = 0, @int int = 0, @decimal decimal(5, 2) = 0, @datetime datetime = "
+       "NULL, "
+       "@smalldatetime smalldatetime = NULL, @varchar varchar(5) = '', @varbinary varbinary(2) = 0x, @guid "
+       "uniqueidentifier = NULL AS SET NOCOUNT ON INSERT Ran VALUES (1) SELECT 1 AS one");
+    const std::vector<std::vector<const char*>> refused = {
+        {"0.5", "2", ""},
+        {"5.7", "99999999999", "twelve", "", "1,5"},
+        {"1.234", "1000", ""},
+        {"31.12.2024", "2024-13-01", "2024-02-30", "", "1752-12-31"},
+        {"2080-01-01", "2024-02-29 12:34:57"},
+        {"abcdef"},
+        {"010203", "0x1", ""},
+        {"6F9619FF"},
+    };
+    std::size_t calls = 0;
+    for (std::size_t i = 0; i < refused.size(); ++i) {
+        for (const char* const text : refused[i]) {
+            std::vector<Variant> values(refused.size());
+            values[i] = text;
+            EXPECT_FALSE(Call("spStrict", values)) << text;
+            ASSERT_EQ(manager_.Reported().size(), 1U) << text;
+            EXPECT_THAT(manager_.Reported().front(),
+                        ::testing::HasSubstr("The value '" + std::string(text) + "'"));
+            ++calls;
+        }
+    }
+    EXPECT_EQ(LoggedFailures(), calls);
+    EXPECT_EQ(Rows(Data("Ran")), Lines{"a"});
+}
+
+TEST_F(ServerCalls, TheLastMomentIsShownInItsYear) {
+    Do("CREATE PROC spLast AS SELECT CAST('9999-12-31 23:59:59.997' AS datetime) AS last");
+    EXPECT_TRUE(Call("spLast"));
+    EXPECT_EQ(Rows().back(), "12/31/9999 11:59:59 PM");
 }
 
 TEST_F(ServerCalls, AnEmptyValueIsTheDefault) {
@@ -60,6 +124,47 @@ TEST_F(ServerCalls, AnEmptyValueIsTheDefault) {
     EXPECT_EQ(Rows().back(), "(Null)||(Null)|(Null)");
 }
 
+TEST_F(ServerCalls, ADefaultInFrontOfAnotherValueLosesNoOutput) {
+    Do("CREATE PROC spGap @a int = 1, @b decimal(9, 2) = 2.5, @c nvarchar(10) = N'three', @d datetime = NULL "
+       "OUTPUT, "
+       "@e money = 5 AS SELECT @a AS a, @b AS b, @c AS c, @d AS d, @e AS e SET @d = '2024-02-29' RETURN 42");
+    EXPECT_TRUE(Call("spGap", {Variant(), "7.25", Variant(), "2006-05-12", "$9"}))
+        << manager_.Reported().front();
+    EXPECT_EQ(Rows().back(), "1|7.25|three|5/12/2006|9");
+    EXPECT_EQ(parameters_[1]->Value(), Variant(42));
+    EXPECT_EQ(parameters_[5]->Value().ToString(), "2/29/2024");
+    EXPECT_TRUE(Call("spGap", {Variant(), Variant(), "\x80\xFC"})) << manager_.Reported().front();
+    EXPECT_EQ(Rows().back(), "1|2.5|\x80\xFC|(Null)|5");
+    EXPECT_EQ(parameters_[1]->Value(), Variant(42));
+    EXPECT_EQ(parameters_[5]->Value().ToString(), "2/29/2024");
+    Do("CREATE PROC spGapFails @a int = 1, @b int = 2 AS RAISERROR('inside', 16, 1) SELECT 1 AS one");
+    EXPECT_FALSE(Call("spGapFails", {Variant(), "7"}));
+    EXPECT_EQ(manager_.Reported(), Lines{"50000 inside"});
+}
+
+TEST_F(ServerCalls, AnEmptyOutputParameterIsNull) {
+    Do("CREATE PROC spOutput @out int OUTPUT, @text varchar(20) OUTPUT AS SELECT @out AS o, @text AS t SET "
+       "@out = 7 SET "
+       "@text = 'given'");
+    EXPECT_TRUE(Call("spOutput")) << manager_.Reported().front();
+    EXPECT_EQ(Rows().back(), "(Null)|(Null)");
+    EXPECT_EQ(parameters_[2]->Value(), Variant(7));
+    EXPECT_EQ(parameters_[3]->Value(), Variant("given"));
+}
+
+TEST_F(ServerCalls, OfTwoOwnersTheParametersAreThoseOfTheProcedureThatRuns) {
+    Do("CREATE SCHEMA aaa");
+    Do("CREATE PROC aaa.spShared @first int AS SELECT 'aaa' AS owner");
+    Do("CREATE PROC dbo.spShared @second varchar(5) AS SELECT 'dbo' AS owner, @second AS second");
+    EXPECT_TRUE(Call("spShared", {"text"})) << manager_.Reported().front();
+    EXPECT_EQ(Rows().back(), "dbo|text");
+    EXPECT_EQ(parameters_.at(2)->Name(), "@second");
+    EXPECT_TRUE(Call("aaa.spShared", {"1"}));
+    EXPECT_EQ(Rows().back(), "aaa");
+    Do("DROP PROC dbo.spShared");
+    EXPECT_FALSE(Call("spShared", {"1"})) << "nobody's procedure is found by that name";
+}
+
 TEST_F(ServerCalls, AnEmptyValueWithoutADefaultIsTheServersError) {
     Do("CREATE PROC spNeeds @needed int AS SELECT @needed AS needed");
     EXPECT_FALSE(Call("spNeeds"));
@@ -68,15 +173,18 @@ TEST_F(ServerCalls, AnEmptyValueWithoutADefaultIsTheServersError) {
         Lines{"201 Procedure or function 'spNeeds' expects parameter '@needed', which was not supplied."});
 }
 
-TEST_F(ServerCalls, ParametersGoInInEveryDirectionAndComeBackEmpty) {
+TEST_F(ServerCalls, ParametersGoInInEveryDirectionAndComeBackWithTheirValues) {
     Do("CREATE PROC spBack @in int, @both varchar(20) OUTPUT, @out int = 0 OUTPUT AS SELECT @in AS i, @both "
        "AS b, @out "
-       "AS o SET @both = 'changed' SET @out = 7 RETURN 42");
+       "AS o SET @both = @both + '!' SET @out = 7 RETURN 42");
     EXPECT_TRUE(Call("spBack", {"1", "two", "3"})) << manager_.Reported().front();
     EXPECT_EQ(Rows(), (Lines{"i|b|o", "1|two|3"}));
-    for (std::size_t i = 1; i < parameters_.size(); ++i) {
-        EXPECT_TRUE(parameters_[i]->Value().IsEmpty()) << parameters_[i]->Name();
-    }
+    EXPECT_EQ(parameters_[1]->Value(), Variant(42));
+    EXPECT_EQ(parameters_[2]->Value(), Variant("1"));
+    EXPECT_EQ(parameters_[3]->Value(), Variant("two!"));
+    EXPECT_EQ(parameters_[4]->Value(), Variant(7));
+    EXPECT_TRUE(manager_.ExecuteStoredProcedure(kDatabase, "spBack", parameters_, data_));
+    EXPECT_EQ(Rows(), (Lines{"i|b|o", "1|two!|7"})) << "values stay from run to run";
 }
 
 TEST_F(ServerCalls, AProcedureWithoutParametersRuns) {
@@ -93,7 +201,7 @@ TEST_F(ServerCalls, AProcedureWithoutAResultFailsAndHasRun) {
     EXPECT_EQ(manager_.Reported(), Lines{});
     EXPECT_EQ(data_.ColumnUpperBound(), 0);
     EXPECT_EQ(data_.RowUpperBound(), 0);
-    EXPECT_TRUE(parameters_[2]->Value().IsEmpty());
+    EXPECT_EQ(parameters_[2]->Value(), Variant("1"));
     EXPECT_FALSE(Call("spCounted", {"2"}));
     EXPECT_EQ(LoggedFailures(), 2U);
     EXPECT_EQ(Rows(Data("Effects")), (Lines{"a", "1", "2"}));

@@ -305,19 +305,35 @@ TEST_F(ExecuteStoredProcedure, ValuesGoInByExactNameWhateverTheDirection) {
     EXPECT_EQ(TheCall(), "call spOne -1 @RETURN_VALUE=7 @a=(Empty) @b=two @c=(Null) @kept=42");
 }
 
-TEST_F(ExecuteStoredProcedure, TheValuesThatComeBackAreThoseOfTheSecondRefresh) {
+TEST_F(ExecuteStoredProcedure, TheValuesThatComeBackAreThoseThatTheSecondRefreshKeeps) {
     Hold("@RETURN_VALUE", Variant(), ado::adParamReturnValue);
     Hold("@a", "typed");
+    Hold("@both", "in", ado::adParamInputOutput);
+    Hold("@dropped", "typed too");
     Hold("@gone", "stays");
     AdoAnswer call = Result();
-    call.output = {{"@RETURN_VALUE", 99}, {"@a", "out of the call"}};
-    ado::Parameter fresh = Live("@a");
-    fresh.Value("fresh");
-    EXPECT_TRUE(
-        Run(List({Live("@RETURN_VALUE", 4), Live("@a")}), call, List({Live("@RETURN_VALUE", 4), fresh})));
-    EXPECT_TRUE(parameters_[1]->Value().IsEmpty());
-    EXPECT_EQ(parameters_[2]->Value(), Variant("fresh"));
-    EXPECT_EQ(parameters_[3]->Value(), Variant("stays"));
+    call.output = {{"@RETURN_VALUE", 99}, {"@both", "out"}};
+    ado::Parameter added = Live("@added");
+    EXPECT_TRUE(Run(List({Live("@RETURN_VALUE", 4), Live("@a"), Live("@both", 3), Live("@dropped")}), call,
+                    List({Live("@RETURN_VALUE", 4), Live("@a"), Live("@both", 3), added})));
+    EXPECT_EQ(parameters_[1]->Value(), Variant(99));
+    EXPECT_EQ(parameters_[2]->Value(), Variant("typed"));
+    EXPECT_EQ(parameters_[3]->Value(), Variant("out"));
+    EXPECT_EQ(parameters_[4]->Value(), Variant("typed too")) << "not in the second list: it is left alone";
+    EXPECT_EQ(parameters_[5]->Value(), Variant("stays"));
+}
+
+TEST_F(ExecuteStoredProcedure, TheSecondRunHasTheValuesOfTheFirst) {
+    Hold("@a", "typed");
+    Hold("@both", Variant(), ado::adParamInputOutput);
+    AdoAnswer call = Result();
+    call.output = {{"@both", "out"}};
+    const std::vector<ado::Parameter> list = {Live("@a"), Live("@both", 3)};
+    EXPECT_TRUE(Run(List(list), call, List(list)));
+    EXPECT_EQ(TheCall(), "call spOne -1 @a=typed @both=(Empty)");
+    ado_.calls.clear();
+    EXPECT_TRUE(Run(List(list), call, List(list)));
+    EXPECT_EQ(TheCall(), "call spOne -1 @a=typed @both=out");
 }
 
 TEST_F(ExecuteStoredProcedure, TheArrayServesAnyNumberOfTimes) {
@@ -366,18 +382,19 @@ TEST_F(ExecuteStoredProcedure, ASecondRefreshThatFailsLosesTheResult) {
 
 TEST_F(ExecuteStoredProcedure, NoRecordsetFailsBehindTheCopying) {
     Hold("@a", "typed");
-    EXPECT_FALSE(Run(List({Live("@a")}), {.no_recordset = true}, List({Live("@a")})));
+    EXPECT_FALSE(
+        Run(List({Live("@a")}), {.no_recordset = true, .output = {{"@a", "out"}}}, List({Live("@a")})));
     ExpectRaised("CViewDataMgr", "Data could not be retrieved from the SQL Server!");
-    EXPECT_TRUE(parameters_[1]->Value().IsEmpty());
+    EXPECT_EQ(parameters_[1]->Value(), Variant("out"));
     EXPECT_EQ(Cells(data_), kDataBefore);
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
 TEST_F(ExecuteStoredProcedure, AProcedureWithoutAResultFailsThoughItHasRun) {
     Hold("@a", "typed");
-    EXPECT_FALSE(Run(List({Live("@a")}), {}, List({Live("@a")})));
+    EXPECT_FALSE(Run(List({Live("@a")}), {.output = {{"@a", "out"}}}, List({Live("@a")})));
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
-    EXPECT_TRUE(parameters_[1]->Value().IsEmpty());
+    EXPECT_EQ(parameters_[1]->Value(), Variant("out"));
     EXPECT_EQ(data_.ColumnUpperBound(), 0);
     EXPECT_EQ(data_.RowUpperBound(), 0);
     EXPECT_EQ(manager_.ErrorCount(), Int16(0));

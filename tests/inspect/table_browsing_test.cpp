@@ -1,3 +1,4 @@
+#include "fakes/fake_locale.h"
 #include "inspect/inspect_fixture.h"
 
 namespace kv {
@@ -254,9 +255,23 @@ TEST_F(GetData, MoreFieldsThanASixteenBitCounterHasFail) {
     EXPECT_EQ(failure_.number, run_time::kOverflow);
     EXPECT_EQ(data_.ColumnUpperBound(), 32768);
     EXPECT_EQ(data_(1, 0), "");
+    // The counter steps on after the last field and overflows, when all the names are written.
+    wide.fields.assign(32767, "f");
+    failure_ = {};
+    EXPECT_FALSE(Run(Rows({}), wide));
+    EXPECT_EQ(failure_.number, run_time::kOverflow);
+    EXPECT_EQ(data_(32767, 0), "f");
     wide.fields.assign(32766, "f");
     EXPECT_TRUE(Run(Rows({}), wide));
     EXPECT_EQ(data_(32766, 0), "f");
+}
+
+TEST_F(GetData, ValuesAreShownInTheUsersLocale) {
+    const fakes::FakeLocale swedish(fakes::Swedish());
+    const std::vector<Variant> row = {0.5, ado::Decimal{"-1000.2500"}, true,
+                                      ado::Date{2024, 2, 29, 14, 3, 5, 0}, 1234567};
+    EXPECT_TRUE(Run(Rows({}), Rows({row})));
+    EXPECT_EQ(Cells(data_).at(1), (Lines{"0,5", "-1000,25", "Sant", "2024-02-29 14:03:05", "1234567"}));
 }
 
 TEST_F(GetData, TwoFieldsOfOneNameStandEachInItsColumn) {
