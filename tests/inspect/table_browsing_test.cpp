@@ -268,8 +268,8 @@ TEST_F(GetData, MoreFieldsThanASixteenBitCounterHasFail) {
 
 TEST_F(GetData, ValuesAreShownInTheUsersLocale) {
     const fakes::FakeLocale swedish(fakes::Swedish());
-    const std::vector<Variant> row = {0.5, ado::Decimal{"-1000.2500"}, true,
-                                      ado::Date{2024, 2, 29, 14, 3, 5, 0}, 1234567};
+    const std::vector<ado::Variant> row = {0.5, ado::Decimal{"-1000.2500"}, true,
+                                           ado::Date{2024, 2, 29, 14, 3, 5, 0}, 1234567};
     EXPECT_TRUE(Run(Rows({}), Rows({row})));
     EXPECT_EQ(Cells(data_).at(1), (Lines{"0,5", "-1000,25", "Sant", "2024-02-29 14:03:05", "1234567"}));
 }
