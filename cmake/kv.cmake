@@ -23,7 +23,7 @@ if(KV_FUZZ)
 endif()
 if(WIN32)
     # One static executable: no DLL beyond the system's own.
-    target_link_options(kv_options INTERFACE -static)
+    target_link_options(kv_options INTERFACE -static -Wl,--no-insert-timestamp)
     target_compile_definitions(kv_options INTERFACE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX)
 endif()
 

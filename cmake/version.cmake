@@ -1,15 +1,31 @@
-# The version record: what the title of the main window shows of it, and its numbers.
+# The one place for the version and the names of the product: the executables, the packages and the build take them
+# from here. KV_VERSION_COMMENTS is the text that the title of the main window shows.
+set(KV_VERSION "6.0.4.31")
 set(KV_VERSION_COMMENTS "Version 6.G4 Build 31")
-set(KV_VERSION_NUMBERS "6,0,4,31")
+string(REPLACE "." "," KV_VERSION_NUMBERS "${KV_VERSION}")
+set(KV_PRODUCT "Lotkeeper Database Manager")
+set(KV_DESCRIPTION "Halvane Vindrel SQL Database Manager")
+set(KV_MAKER "Halvane Vindrel")
 
-# kv_windows_resources(TARGET): the icons, the manifest and the version record for a Windows executable. The manifest
-# is what makes the common controls those of version 6 and lets the program see the monitor's real pixels.
+# kv_windows_resources(TARGET [FILE name] [DESCRIPTION text]): the icons, the manifest and the version record of a Windows
+# executable; those of the product unless they are given. The manifest selects version 6 of the common controls and
+# lets the program see the monitor's real pixels.
 function(kv_windows_resources target)
-    if(WIN32)
-        set(file "${CMAKE_BINARY_DIR}/resources/program.rc")
-        configure_file("${PROJECT_SOURCE_DIR}/src/main/windows/program.rc.in" "${file}" @ONLY)
-        set_source_files_properties("${file}" PROPERTIES OBJECT_DEPENDS
-            "${PROJECT_SOURCE_DIR}/src/main/windows/program.manifest;${PROJECT_SOURCE_DIR}/src/main/icons/program.ico;${PROJECT_SOURCE_DIR}/src/main/icons/execute.ico")
-        target_sources(${target} PRIVATE "${file}")
+    if(NOT WIN32)
+        return()
     endif()
+    cmake_parse_arguments(ARG "" "FILE;DESCRIPTION" "" ${ARGN})
+    set(KV_FILE "KVLSQLDbMgr.exe")
+    if(ARG_FILE)
+        set(KV_FILE "${ARG_FILE}")
+    endif()
+    if(ARG_DESCRIPTION)
+        set(KV_DESCRIPTION "${ARG_DESCRIPTION}")
+    endif()
+    get_filename_component(KV_INTERNAL_NAME "${KV_FILE}" NAME_WE)
+    set(file "${CMAKE_BINARY_DIR}/resources/${KV_INTERNAL_NAME}.rc")
+    configure_file("${PROJECT_SOURCE_DIR}/src/main/windows/program.rc.in" "${file}" @ONLY)
+    set_source_files_properties("${file}" PROPERTIES OBJECT_DEPENDS
+        "${PROJECT_SOURCE_DIR}/src/main/windows/program.manifest;${PROJECT_SOURCE_DIR}/src/main/icons/program.ico;${PROJECT_SOURCE_DIR}/src/main/icons/execute.ico")
+    target_sources(${target} PRIVATE "${file}")
 endfunction()

@@ -12,6 +12,7 @@ BUILD_PACKAGES="build-essential cmake ninja-build ccache libgtest-dev libgmock-d
 RUN_PACKAGES="tdsodbc freetds-bin python3 python3-pymssql python3-pyodbc python3-tds python3-pkg-resources"
 WINDOWS_PACKAGES="g++-mingw-w64-x86-64 g++-mingw-w64-i686 wine wine64 xvfb openbox tcl"
 STYLE_PACKAGES="clang-format clang-tidy"
+PACKAGING_PACKAGES="msitools wixl faketime pandoc xz-utils dpkg-dev"
 
 started=$SECONDS
 
