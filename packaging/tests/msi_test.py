@@ -28,6 +28,10 @@ class Tables(unittest.TestCase):
                                       ("DATA", "CreateFolder", "SYSTEM", msi.FULL_RIGHTS)])
             self.assertIn("DATA", [row[0] for row in self.rows(file, "CreateFolder")])
 
+    def test_all_that_lies_in_it_goes_on_removal(self):
+        for file in (X64, X86):
+            self.assertIn(["cData", "*", "DATA", str(msi.ON_REMOVE)], [row[1:] for row in self.rows(file, "RemoveFile")])
+
     def test_each_architecture_has_its_folder_and_its_registry_view(self):
         for file, template, programs, locator in ((X64, "x64;1033", "ProgramFiles64Folder", 18),
                                                   (X86, "Intel;1033", "ProgramFilesFolder", 2)):
@@ -134,7 +138,9 @@ class Installed(unittest.TestCase):
 
         self.msiexec("/x", self.native(X64))
         self.assertFalse(os.path.exists(self.home), files_below(self.home))
-        self.assertFalse(os.path.exists(os.path.dirname(self.home)))
+        # Windows removes the empty folder above as well; Wine leaves it.
+        parent = os.path.dirname(self.home)
+        self.assertEqual(os.listdir(parent) if os.path.exists(parent) else [], [])
         self.assertEqual(self.start_menu(), [])
         self.assertEqual(self.registered_folder(), "")
 

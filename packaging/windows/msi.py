@@ -16,6 +16,10 @@ REGISTRY_KEY = f"Software\\{MAKER}\\{PRODUCT}"
 MIGRATE_FEATURES, MIN_INCLUSIVE, ONLY_DETECT = 0x1, 0x100, 0x2
 # The locator of a registry value: raw, and in the 64-bit view.
 RAW_VALUE, VIEW_64 = 2, 0x10
+# When a row of the RemoveFile table counts: on removal.
+ON_REMOVE = 2
+SCRIPTS = ("Create_Batch_Database", "Create_Batch_Stored_Procedures", "Create_Replication_Stored_Procedures",
+           "Insert_Default_Data")
 # GENERIC_ALL, as the LockPermissions table takes it.
 FULL_RIGHTS = 0x10000000
 
@@ -108,7 +112,6 @@ def _description(staged, arch, version, names):
         <Directory Id="MENU" Name="Lotkeeper">
           <Component Id="cMenu" Guid="{_guid(identifier('menu', arch))}"{win64}>
             <RegistryValue Root="HKLM" Key={quoteattr(REGISTRY_KEY)} Name="Menu" Type="string" Value="1" KeyPath="yes"/>
-            <RemoveFolder Id="rMenu" On="uninstall"/>
           </Component>
         </Directory>
       </Directory>
@@ -119,7 +122,6 @@ def _description(staged, arch, version, names):
             <Directory Id="DATA" Name="Data">
               <Component Id="cData" Guid="{_guid(identifier('data', arch))}"{win64}>
                 <CreateFolder/>
-                <RemoveFolder Id="rData" On="uninstall"/>
               </Component>
             </Directory>
           </Directory>
@@ -165,10 +167,14 @@ def _mend(folder, arch, version, names):
             ("UpgradeCode", "VersionMin", "VersionMax", "Language", "Attributes"),
             [(code, "0.0.0", number, "", MIN_INCLUSIVE | MIGRATE_FEATURES, "", "OLDERVERSION"),
              (code, number, "", "", ONLY_DETECT, "", "NEWERVERSION")])
+    # The modified scripts and outputs go with the program. Wine takes "*" for a name, so the usual ones are named too.
+    _import(folder, "RemoveFile",
+            {"FileKey": "s72", "Component_": "s72", "FileName": "L255", "DirProperty": "s72", "InstallMode": "i2"},
+            ("FileKey",),
+            [*((f"rFile{number}", "cData", name, "DATA", ON_REMOVE)
+               for number, name in enumerate(["*", *(script + end for script in SCRIPTS for end in (".sql", ".txt"))])),
+             ("rFolder", "cData", "", "DATA", ON_REMOVE), ("rMenu", "cMenu", "", "MENU", ON_REMOVE)])
     queries = [
-        # The modified scripts and outputs go with the program.
-        "INSERT INTO `RemoveFile` (`FileKey`, `Component_`, `FileName`, `DirProperty`, `InstallMode`) VALUES "
-        "('rDataFiles', 'cData', '*', 'DATA', 2)",
         # A shortcut to the file itself: an advertised one would have Windows look after the installation at each start.
         f"UPDATE `Shortcut` SET `Target` = '[#{names.of('f', 'KVLSQLDbMgr.exe')}]' WHERE `Shortcut` = 'sProgram'",
         f"UPDATE `Shortcut` SET `Target` = '[#{names.of('f', os.path.join('manual', 'index.html'))}]' WHERE "
