@@ -4,6 +4,12 @@ function Link(link)
   return link
 end
 
+-- The pictures of the manual lie beside the pages there.
+function Image(image)
+  image.src = image.src:gsub("^%.%./pictures/", "pictures/")
+  return image
+end
+
 -- A page's title is its first heading.
 function Pandoc(document)
   if not document.meta.title then

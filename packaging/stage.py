@@ -38,8 +38,8 @@ def samples(target):
 def manual(target):
     """The manual as HTML, a page for each chapter, with its pictures."""
     os.makedirs(target, exist_ok=True)
-    style = os.path.join(MANUAL, "manual.css")
-    copy(style, os.path.join(target, "manual.css"))
+    copy(os.path.join(MANUAL, "manual.css"), os.path.join(target, "manual.css"))
+    copy_tree(os.path.join(TOP, "docs", "pictures"), os.path.join(target, "pictures"))
     for name in sorted(os.listdir(MANUAL)):
         source = os.path.join(MANUAL, name)
         if name.endswith(".md"):
@@ -47,8 +47,6 @@ def manual(target):
             subprocess.run(["pandoc", "--standalone", "--from", "gfm", "--to", "html5", "--css", "manual.css",
                             "--lua-filter", os.path.join(TOP, "packaging", "html_links.lua"), "--output", page, source],
                            check=True)
-        elif os.path.isdir(source) and name == "pictures":
-            copy_tree(source, os.path.join(target, name))
 
 
 def man_pages(target, section_1):
