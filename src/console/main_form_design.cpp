@@ -11,6 +11,7 @@ using ui::Pixels;
 
 constexpr ui::ControlName kForm{};
 constexpr ui::ControlName kTabs{"tabMain"};
+constexpr std::uint32_t kShownPath = ui::kReadOnly | ui::kButtonFace;
 constexpr ui::Place kPage = Pixels(9, 29, 608, 424);
 
 constexpr std::array kTabCaptions = {"General",     "Script",    "Synchronize", "Upgrade",
@@ -40,7 +41,7 @@ constexpr std::array kControls = std::to_array<ControlDesign>({
     {Kind::TextBox, {"edtSQLDataPath", 0}, "", "Replaces ###DATAPATHA### and ###DATAPATH###", {"fraServer", 0}, Pixels(12, 189, 230, 23)},
     {Kind::CommandButton, {"cmdBrowseForSQLDataPath", 0}, "...", "", {"fraServer", 0}, Pixels(248, 189, 28, 23)},
     {Kind::Label, {"lblSQLUNCReplDataPath", 0}, "SQL UNC &Replication Data path:", "", {"fraServer", 0}, Pixels(12, 222, 264, 15)},
-    {Kind::TextBox, {"edtSQLUNCReplDataPath", 0}, "", "Replaces ###UNCREPLDATAPATHA### and ###UNCREPLDATAPATH###", {"fraServer", 0}, Pixels(12, 239, 264, 23), ui::kReadOnly},
+    {Kind::TextBox, {"edtSQLUNCReplDataPath", 0}, "", "Replaces ###UNCREPLDATAPATHA### and ###UNCREPLDATAPATH###", {"fraServer", 0}, Pixels(12, 239, 264, 23), kShownPath},
     {Kind::CommandButton, {"cmdGetLocalSettings"}, "Get Local Settings", "", {"fraServer", 0}, Pixels(132, 284, 144, 25)},
     {Kind::Frame, {"fraServer", 1}, "Server B", "", {"fraMainTab", 0}, Pixels(308, 86, 288, 326)},
     {Kind::Label, {"lblServerName", 1}, "&Server name:", "", {"fraServer", 1}, Pixels(12, 22, 264, 15)},
@@ -53,7 +54,7 @@ constexpr std::array kControls = std::to_array<ControlDesign>({
     {Kind::TextBox, {"edtSQLDataPath", 1}, "", "Replaces ###DATAPATHA### (and ###DATAPATH###)", {"fraServer", 1}, Pixels(12, 189, 230, 23)},
     {Kind::CommandButton, {"cmdBrowseForSQLDataPath", 1}, "...", "", {"fraServer", 1}, Pixels(248, 189, 28, 23)},
     {Kind::Label, {"lblSQLUNCReplDataPath", 1}, "SQL UNC &Replication Data path:", "", {"fraServer", 1}, Pixels(12, 222, 264, 15)},
-    {Kind::TextBox, {"edtSQLUNCReplDataPath", 1}, "", "Replaces ###UNCREPLDATAPATHB### (and ###UNCREPLDATAPATH###)", {"fraServer", 1}, Pixels(12, 239, 264, 23), ui::kReadOnly},
+    {Kind::TextBox, {"edtSQLUNCReplDataPath", 1}, "", "Replaces ###UNCREPLDATAPATHB### (and ###UNCREPLDATAPATH###)", {"fraServer", 1}, Pixels(12, 239, 264, 23), kShownPath},
     {Kind::CommandButton, {"cmdGetRemoteSettings"}, "Get Remote Settings", "", {"fraServer", 1}, Pixels(132, 284, 144, 25)},
     {Kind::Frame, {"fraMainTab", 1}, "Script && Package Management", "", kTabs, kPage},
     {Kind::Label, {"lblScriptCurrentServer"}, "Server:", "", {"fraMainTab", 1}, Pixels(12, 26, 110, 15)},

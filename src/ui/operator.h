@@ -6,7 +6,7 @@
 // command again. So for each press of a key or of the mouse's button a toolkit
 //  - asks Accepts or AcceptsPress before the native control sees it, and gives the native control no press
 //    that is refused (for the mouse also the press on a disabled control, which the system may deliver to its
-//    parent);
+//    parent; for a command button that has the focus only the keys that press it: Tab leads on);
 //  - gives a command button no repeats of a key that is held down;
 //  - reports a click of a command button with the time at which the input arrived: a mnemonic's, Enter's and
 //    Escape's button is not known before.

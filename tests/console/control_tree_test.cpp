@@ -66,7 +66,7 @@ TEST(ControlTree, EveryRowStandsInTheDesign) {
         EXPECT_EQ(design->kind, Kinds().at(row.kind)) << name;
         EXPECT_STREQ(design->caption, row.caption) << name;
         EXPECT_STREQ(design->tool_tip, row.tool_tip) << name;
-        EXPECT_EQ(design->traits & ~ui::kData, Traits().at(row.remarks)) << name;
+        EXPECT_EQ(design->traits & ~(ui::kData | ui::kButtonFace), Traits().at(row.remarks)) << name;
         std::string parent = *row.inside == '\0' ? FullName("fraMainTab", row.tab) : row.inside;
         if (name == "lvwViewData") {
             parent = "picListViewFrame"; // the box that the list of the page lies in
@@ -90,6 +90,15 @@ TEST(ControlTree, TheNamesOfServersAndTheTwoStatusTextsAreData) {
         }
     }
     EXPECT_EQ(designed, expected);
+}
+
+TEST(ControlTree, ThePathsThatNobodyTypesLookLikeTheBoxesOfTheDialogThatNobodyTypesIn) {
+    const ui::Form form(MainFormDesign());
+    for (const int server : {0, 1}) {
+        EXPECT_EQ(form.Get<ui::TextBox>("edtSQLUNCReplDataPath", server).BackColor(),
+                  ui::kButtonFaceBackground);
+        EXPECT_EQ(form.Get<ui::TextBox>("edtSQLDataPath", server).BackColor(), ui::kWindowBackground);
+    }
 }
 
 TEST(ControlTree, ThePagesAreTheSevenTabs) {
@@ -170,6 +179,44 @@ TEST(ControlTree, AMnemonicsLabelStandsInFrontOfItsBox) {
             EXPECT_EQ(rows[i + 1].kind, ui::Kind::TextBox) << rows[i].name.name;
         }
     }
+}
+
+/// The list of the parameters at the left, the fields of one beside it, the result across the lower part, and
+/// the buttons in a row at the bottom, the one that closes at the right.
+TEST(ControlTree, TheDialogIsArrangedAsItIsRead) {
+    const ui::FormDesign& design = ProceduresFormDesign();
+    const ui::Form form(design);
+    const auto place = [&form](const char* name) { return form.Find(name)->Design().place; };
+    const auto right = [&place](const char* name) { return place(name).left + place(name).width; };
+    const auto bottom = [&place](const char* name) { return place(name).top + place(name).height; };
+    EXPECT_LT(place("lstParameters").left, design.client_width / 4);
+    for (const char* field : {"edtDataType", "edtDirection", "edtValue"}) {
+        EXPECT_GT(place(field).left, right("lstParameters")) << field;
+        EXPECT_LE(bottom(field), bottom("lstParameters")) << field;
+    }
+    EXPECT_LT(bottom("edtDataType"), place("edtDirection").top);
+    EXPECT_LT(bottom("edtDirection"), place("edtValue").top);
+    const std::pair<const char*, const char*> labels[] = {{"lblParameters", "lstParameters"},
+                                                          {"lblDataType", "edtDataType"},
+                                                          {"lblDirection", "edtDirection"},
+                                                          {"lblValue", "edtValue"}};
+    for (const auto& [label, field] : labels) {
+        EXPECT_EQ(place(label).left, place(field).left) << label;
+        EXPECT_LE(bottom(label), place(field).top) << label;
+        EXPECT_LT(place(field).top - bottom(label), 10 * ui::kTwipsPerPixel) << label;
+    }
+    EXPECT_GT(place("picListViewFrame").top, bottom("lstParameters"));
+    EXPECT_EQ(place("picListViewFrame").left, place("lstParameters").left);
+    EXPECT_EQ(right("picListViewFrame"), right("edtValue"));
+    EXPECT_EQ(place("lvwViewData").width, place("picListViewFrame").width);
+    EXPECT_EQ(place("lvwViewData").height, place("picListViewFrame").height);
+    for (const char* button : {"cmdReload", "cmdExecute", "cmdClose"}) {
+        EXPECT_GT(place(button).top, bottom("picListViewFrame")) << button;
+        EXPECT_EQ(place(button).top, place("cmdReload").top) << button;
+    }
+    EXPECT_LT(right("cmdReload"), place("cmdExecute").left);
+    EXPECT_LT(right("cmdExecute"), design.client_width / 2);
+    EXPECT_EQ(right("cmdClose"), right("picListViewFrame"));
 }
 
 TEST(ControlTree, TheDialogHasItsControlsInTheOrderOfTheTabKey) {

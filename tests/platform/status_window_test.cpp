@@ -83,11 +83,27 @@ TEST_F(NativeStatusWindow, IsTopmostOnceItIsActive) {
 TEST_F(NativeStatusWindow, ShowsItsTextAndHowFarItIs) {
     status_->Show();
     status_->SetLabel("Installing the new database... 100 % & more");
-    status_->SetBar(0, 14, 5);
+    status_->SetBar(2, 14, 5);
     EXPECT_EQ(TextOf(label_), "Installing the new database... 100 % & more");
-    EXPECT_EQ(::SendMessageA(bar_, PBM_GETRANGE, TRUE, 0), 0);
+    EXPECT_EQ(::SendMessageA(bar_, PBM_GETRANGE, TRUE, 0), 2);
     EXPECT_EQ(::SendMessageA(bar_, PBM_GETRANGE, FALSE, 0), 14);
     EXPECT_EQ(::SendMessageA(bar_, PBM_GETPOS, 0, 0), 5);
+}
+
+TEST_F(NativeStatusWindow, PaintsItsTextAtOnce) {
+    status_->Show();
+    RunPendingEvents();
+    ASSERT_FALSE(::GetUpdateRect(label_, nullptr, FALSE));
+    ::InvalidateRect(label_, nullptr, TRUE); // as the system may leave it when it is told a text
+    status_->SetLabel("Installing the new database...");
+    EXPECT_FALSE(::GetUpdateRect(label_, nullptr, FALSE));
+}
+
+TEST_F(NativeStatusWindow, HasTheProgramsIconAndNoButtonToCloseIt) {
+    EXPECT_NE(::GetClassLongPtrA(window_, GCLP_HICON), 0U);
+    EXPECT_NE(::GetClassLongPtrA(window_, GCLP_HICONSM), 0U);
+    EXPECT_NE(::GetWindowLongPtrA(window_, GWL_STYLE) & WS_SYSMENU, 0) << "without it no icon is shown";
+    EXPECT_NE(::GetClassLongPtrA(window_, GCL_STYLE) & CS_NOCLOSE, 0U);
 }
 
 TEST_F(NativeStatusWindow, IsNotClosedByHandAndGoesWithItsObject) {

@@ -9,6 +9,12 @@ namespace {
 
 constexpr char kClassName[] = "KVStatusWindow";
 constexpr int kTwipsPerInch = 1440;
+constexpr int kProgramIcon = 1; // the icon's number among the resources
+
+HICON ProgramIcon(int width, int height) {
+    return static_cast<HICON>(::LoadImageA(::GetModuleHandleA(nullptr), MAKEINTRESOURCEA(kProgramIcon),
+                                           IMAGE_ICON, width, height, LR_SHARED));
+}
 
 int ScreenDpi() {
     const HDC screen = ::GetDC(nullptr);
@@ -83,15 +89,19 @@ class NativeStatusWindow : public StatusWindow {
 
     HWND CreateFrame(const StatusWindowLayout& layout) const {
         const HINSTANCE instance = ::GetModuleHandleA(nullptr);
-        WNDCLASSA window_class{};
+        WNDCLASSEXA window_class{};
+        window_class.cbSize = sizeof window_class;
+        window_class.style = CS_NOCLOSE; // the run ends the window
+        window_class.hIcon = ProgramIcon(::GetSystemMetrics(SM_CXICON), ::GetSystemMetrics(SM_CYICON));
+        window_class.hIconSm = ProgramIcon(::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON));
         window_class.lpfnWndProc = StatusProcedure;
         window_class.hInstance = instance;
         window_class.hCursor = ::LoadCursorA(nullptr, IDC_ARROW);
         window_class.hbrBackground = ::GetSysColorBrush(COLOR_BTNFACE);
         window_class.lpszClassName = kClassName;
-        ::RegisterClassA(&window_class);
+        ::RegisterClassExA(&window_class);
 
-        constexpr DWORD kStyle = WS_POPUP | WS_CAPTION;
+        constexpr DWORD kStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU; // without the last it shows no icon
         RECT frame{0, 0, Pixels(layout.client_width), Pixels(layout.client_height)};
         ::AdjustWindowRect(&frame, kStyle, FALSE);
         const int width = frame.right - frame.left;

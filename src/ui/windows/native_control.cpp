@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ui/windows/container.h"
+#include "ui/windows/dimmed_tick.h"
 
 #include <commctrl.h>
 
@@ -37,7 +38,8 @@ Recipe PictureBoxRecipe(const Control& /*control*/) {
 }
 
 Recipe LabelRecipe(const Control& control) {
-    return {WC_STATICA, kChild | SS_LEFT, 0, static_cast<const Label&>(control).Caption()};
+    const DWORD mnemonics = (control.Design().traits & kData) != 0 ? DWORD{SS_NOPREFIX} : DWORD{0};
+    return {WC_STATICA, kChild | SS_LEFT | mnemonics, 0, static_cast<const Label&>(control).Caption()};
 }
 
 Recipe TextBoxRecipe(const Control& control) {
@@ -173,6 +175,9 @@ void MakeNativeControl(NativeControl& native, HWND parent, const RECT& place, DW
     }
     if ((control.Design().traits & kPicture) != 0) {
         GivePicture(native.window);
+    }
+    if (control.Kind() == Kind::CheckBox || control.Kind() == Kind::OptionButton) {
+        DimTickWhileDisabled(native.window);
     }
     GiveFont(native.window, font);
     if (control.Kind() == Kind::ComboBox) {

@@ -237,7 +237,7 @@ void NativeForm::MakeToolTips() {
     tool_tips_ = ::CreateWindowExA(
         WS_EX_TOPMOST, TOOLTIPS_CLASSA, "", WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
         CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, window_, nullptr, ::GetModuleHandleA(nullptr), nullptr);
-    ::SendMessageA(tool_tips_, TTM_SETMAXTIPWIDTH, 0, kToolTipWidth);
+    ScaleToolTips();
     for (const NativeControl& native : natives_) {
         if (native.window != nullptr) {
             AddToolTip(native);
@@ -245,9 +245,15 @@ void NativeForm::MakeToolTips() {
     }
 }
 
+void NativeForm::ScaleToolTips() const {
+    ::SendMessageA(tool_tips_, TTM_SETMAXTIPWIDTH, 0, ::MulDiv(kToolTipWidth, dpi_, kDesignDpi));
+}
+
 void NativeForm::AddToolTip(const NativeControl& native) {
+    const bool may_be_cut =
+        native.control->Kind() == Kind::OptionButton && (native.control->Design().traits & kData) != 0;
     std::string text = native.control->Design().tool_tip;
-    if (text.empty()) {
+    if (text.empty() && !may_be_cut) {
         return;
     }
     TTTOOLINFOA tool{};
@@ -255,7 +261,7 @@ void NativeForm::AddToolTip(const NativeControl& native) {
     tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
     tool.hwnd = window_;
     tool.uId = reinterpret_cast<UINT_PTR>(native.window);
-    tool.lpszText = text.data();
+    tool.lpszText = may_be_cut ? LPSTR_TEXTCALLBACKA : text.data(); // see GiveToolTip
     ::SendMessageA(tool_tips_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
@@ -284,10 +290,15 @@ void NativeForm::LayOut(int dpi) {
     DialogFont before(dpi);
     std::swap(font_, before); // the old one is let go only when no control uses it
     dpi_ = dpi;
-    for (const NativeControl& native : natives_) {
+    for (NativeControl& native : natives_) {
         if (native.window != nullptr) {
             Settle(native);
+            native.stale |= Bit(Property::Caption); // what fits is another part of it now
         }
+    }
+    BringAllInLine();
+    if (tool_tips_ != nullptr) {
+        ScaleToolTips();
     }
     FitClient();
 }

@@ -4,12 +4,15 @@
 
 #include <exception>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "ui/toolkit.h"
 #include "ui/windows/dialog_font.h"
 #include "ui/windows/native_control.h"
 #include "ui/windows/tab_strip.h"
+
+#include <commctrl.h>
 
 namespace ui {
 
@@ -40,6 +43,7 @@ class NativeForm final : public Window, private Mirror {
     bool BeginsGroup(std::size_t index) const;
     void MakeToolTips();
     void AddToolTip(const NativeControl& native);
+    void ScaleToolTips() const;
     void LayOut(int dpi);
     void Settle(const NativeControl& native);
     void FitClient();
@@ -50,6 +54,8 @@ class NativeForm final : public Window, private Mirror {
     static NativeForm* OfWindow(HWND window);
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
     static bool Filter(MSG& message);
+    bool DropsInput(const MSG& message);
+    NativeControl* FindUnder(POINT place);
     LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
     bool FilterKey(const MSG& message);
     void WakeLoop() const;
@@ -65,6 +71,7 @@ class NativeForm final : public Window, private Mirror {
     void TakeCommand(int id, WORD code);
     void Report(NativeControl& native, WORD code);
     LRESULT TakeNotice(const NMHDR& notice);
+    void GiveToolTip(const NativeControl& native, NMTTDISPINFOA& wanted) const;
     LRESULT ColourControl(UINT message, WPARAM wparam, LPARAM lparam);
     void PressCancel();
     void TakeDpi(int dpi, const RECT& place);
@@ -83,6 +90,8 @@ class NativeForm final : public Window, private Mirror {
     bool told_ = false;         ///< a message that brings the window in line is in the queue
     bool showing_ = false;      ///< what native controls tell now is this class's own doing
     bool focus_wanted_ = false; ///< by the form, and not given yet
+    /// When the input arrived that is being delivered, to whatever form.
+    static std::optional<InputClock::time_point> arrived_;
     std::exception_ptr thrown_;
 };
 

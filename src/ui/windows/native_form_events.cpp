@@ -6,6 +6,7 @@
 #include "ui/operator.h"
 #include "ui/windows/native_form.h"
 #include "ui/windows/native_list_view.h"
+#include "ui/windows/shown_caption.h"
 
 namespace ui {
 namespace {
@@ -16,6 +17,28 @@ constexpr UINT kDpiChanged = 0x02E0; // WM_DPICHANGED, which headers for Windows
 
 bool IsPressed(int key) {
     return ::GetKeyState(key) < 0;
+}
+
+bool IsInput(const MSG& message) {
+    return (message.message >= WM_MOUSEFIRST && message.message <= WM_MOUSELAST) ||
+           (message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST);
+}
+
+/// On the model's clock. The system counts in steps of up to 16 ms, so the result may be that much off, and
+/// later than now.
+InputClock::time_point ArrivalOf(const MSG& message) {
+    const auto age = static_cast<std::int32_t>(::GetTickCount() - message.time);
+    return InputClock::now() - std::chrono::milliseconds(std::max(age, 0));
+}
+
+/// The key was down already.
+bool IsRepeat(const MSG& message) {
+    constexpr LPARAM kWasDown = LPARAM{1} << 30;
+    return (message.lParam & kWasDown) != 0;
+}
+
+std::chrono::milliseconds DoubleClickTime() {
+    return std::max(kDoubleClickTime, std::chrono::milliseconds(::GetDoubleClickTime()));
 }
 
 } // namespace
@@ -229,7 +252,7 @@ void NativeForm::Report(NativeControl& native, WORD code) {
         break;
     case Kind::CommandButton:
         if (code == BN_CLICKED) {
-            Click(static_cast<CommandButton&>(control));
+            Click(static_cast<CommandButton&>(control), arrived_);
         }
         break;
     case Kind::CheckBox:
@@ -250,6 +273,8 @@ void NativeForm::Report(NativeControl& native, WORD code) {
                    static_cast<int>(::SendMessageA(native.window, CB_GETCURSEL, 0, 0)));
         } else if (code == CBN_EDITCHANGE) {
             Edit(static_cast<ComboBox&>(control), WindowText(native.window));
+        } else if (code == CBN_KILLFOCUS) {
+            ::SendMessageA(native.window, CB_SETEDITSEL, 0, MAKELPARAM(-1, 0)); // the mark would stay
         }
         break;
     case Kind::ListBox:
@@ -263,7 +288,21 @@ void NativeForm::Report(NativeControl& native, WORD code) {
     }
 }
 
+/// The whole of a caption that does not fit; no tip for another.
+void NativeForm::GiveToolTip(const NativeControl& native, NMTTDISPINFOA& wanted) const {
+    const auto& button = static_cast<const OptionButton&>(*native.control);
+    static std::string shown; // until the tip is gone
+    shown = FittingCaption(button, native.window) == button.Caption() ? std::string() : button.Caption();
+    wanted.lpszText = shown.data();
+}
+
 LRESULT NativeForm::TakeNotice(const NMHDR& notice) {
+    if (notice.code == TTN_GETDISPINFOA) {
+        if (const NativeControl* native = Find(reinterpret_cast<HWND>(notice.idFrom)); native != nullptr) {
+            GiveToolTip(*native, *reinterpret_cast<NMTTDISPINFOA*>(const_cast<NMHDR*>(&notice)));
+        }
+        return 0;
+    }
     NativeControl* native = Find(notice.hwndFrom);
     if (native == nullptr) {
         return 0;
@@ -321,9 +360,6 @@ LRESULT NativeForm::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         return TakeNotice(*reinterpret_cast<const NMHDR*>(lparam));
     case WM_NOTIFYFORMAT:
         return NFR_ANSI;
-    case WM_DRAWITEM:
-        tabs_->Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
-        return TRUE;
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLOREDIT:
         return ColourControl(message, wparam, lparam);
@@ -390,10 +426,63 @@ bool NativeForm::FilterKey(const MSG& message) {
     }
 }
 
+/// The control that a point of the screen lies on, also if it is disabled: the system gives the mouse's
+/// messages for such a one to its parent.
+NativeControl* NativeForm::FindUnder(POINT place) {
+    HWND window = window_;
+    for (;;) {
+        POINT inside = place;
+        ::ScreenToClient(window, &inside);
+        const HWND child = ::ChildWindowFromPointEx(window, inside, CWP_SKIPINVISIBLE);
+        if (child == nullptr || child == window) {
+            break;
+        }
+        window = child;
+    }
+    NativeControl* native = Find(window);
+    return native != nullptr ? native : Find(::GetParent(window));
+}
+
+/// Input that its control is not to see: see operator.h.
+bool NativeForm::DropsInput(const MSG& message) {
+    if (message.message == WM_LBUTTONDOWN || message.message == WM_LBUTTONDBLCLK) {
+        NativeControl* pressed = FindUnder(message.pt);
+        return pressed != nullptr && !AcceptsPress(*pressed->control, *arrived_, DoubleClickTime());
+    }
+    if (message.message == WM_SYSCHAR) {
+        return IsRepeat(message); // the mnemonic of a button
+    }
+    if (message.message != WM_KEYDOWN) {
+        return false;
+    }
+    const NativeControl* focused = Find(message.hwnd);
+    if (focused == nullptr) {
+        focused = Find(::GetParent(message.hwnd));
+    }
+    if (focused == nullptr) {
+        return false;
+    }
+    const bool button = focused->control->Kind() == Kind::CommandButton;
+    if (button && message.wParam != VK_RETURN && message.wParam != VK_SPACE) {
+        return false; // it leads elsewhere
+    }
+    return (button && IsRepeat(message)) || !Accepts(*focused->control, *arrived_);
+}
+
+std::optional<InputClock::time_point> NativeForm::arrived_;
+
 bool NativeForm::Filter(MSG& message) {
     const HWND window = message.hwnd == nullptr ? nullptr : ::GetAncestor(message.hwnd, GA_ROOT);
     NativeForm* form = OfWindow(window);
-    return form != nullptr && (form->FilterKey(message) || ::IsDialogMessageA(window, &message) != 0);
+    if (form == nullptr) {
+        return false;
+    }
+    const auto before = std::exchange(arrived_, IsInput(message) ? std::optional(ArrivalOf(message))
+                                                                 : std::optional<InputClock::time_point>());
+    const bool done = (arrived_ && form->DropsInput(message)) || form->FilterKey(message) ||
+                      ::IsDialogMessageA(window, &message) != 0;
+    arrived_ = before;
+    return done;
 }
 
 void NativeForm::Show() {

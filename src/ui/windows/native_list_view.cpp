@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <string_view>
 
 #include "ui/windows/dialog_font.h"
 
 namespace ui {
 namespace {
 
-constexpr int kNewColumnWidth = 96; // an inch, at the design's scale
+constexpr std::size_t kPaintedCharacters = 259; // the control's own buffer for a text holds no more
+constexpr int kNewColumnWidth = 96;             // an inch, at the design's scale
 constexpr int kCellMargins = 14; // what the control leaves free left and right of a text, with the grid line
 constexpr int kHeaderMargins = 24; // the same of a header
 
@@ -29,9 +31,10 @@ CharacterWidths WidthsOfFont(HWND window) {
     return widths;
 }
 
-int WidthOf(const std::string& text, const CharacterWidths& widths) {
+/// Of as much of the text as the control paints.
+int WidthOf(std::string_view text, const CharacterWidths& widths) {
     int width = 0;
-    for (const char character : text) {
+    for (const char character : text.substr(0, kPaintedCharacters)) {
         width += widths[static_cast<unsigned char>(character)];
     }
     return width;
@@ -80,6 +83,8 @@ void SizeColumns(HWND window, const ListView& list) {
     const int cell_margins = ::MulDiv(kCellMargins, DpiOf(window), kDesignDpi);
     const int header_margins = ::MulDiv(kHeaderMargins, DpiOf(window), kDesignDpi);
     const std::vector<bool>& sized = list.AutoSized();
+    RECT view{};
+    ::GetClientRect(window, &view);
     ::SendMessageA(window, WM_SETREDRAW, FALSE, 0);
     ::SendMessageA(window, LVM_SETITEMCOUNT, 0, LVSICF_NOSCROLL);
     for (int column = 0; column < list.ColumnCount(); ++column) {
@@ -88,10 +93,13 @@ void SizeColumns(HWND window, const ListView& list) {
         }
         const auto index = static_cast<WPARAM>(column);
         ::SendMessageA(window, LVM_SETCOLUMNWIDTH, index, LVSCW_AUTOSIZE_USEHEADER);
-        const int wanted = std::max(WidestCell(list, column, widths) + cell_margins,
-                                    WidthOf(list.ColumnAt(column).text, widths) + header_margins);
-        if (wanted > ::SendMessageA(window, LVM_GETCOLUMNWIDTH, index, 0)) {
-            ::SendMessageA(window, LVM_SETCOLUMNWIDTH, index, wanted);
+        const auto given = static_cast<int>(::SendMessageA(window, LVM_GETCOLUMNWIDTH, index, 0));
+        const int wanted = std::max({given, WidestCell(list, column, widths) + cell_margins,
+                                     WidthOf(list.ColumnAt(column).text, widths) + header_margins});
+        // A wider one would leave no room for any other column, and its end could hardly be found.
+        const int fitting = std::min(wanted, static_cast<int>(view.right));
+        if (fitting != given) {
+            ::SendMessageA(window, LVM_SETCOLUMNWIDTH, index, fitting);
         }
     }
     ::SendMessageA(window, LVM_SETITEMCOUNT, static_cast<WPARAM>(list.RowCount()), LVSICF_NOSCROLL);
@@ -106,10 +114,9 @@ void GiveCell(const ListView& list, NMLVDISPINFOA& wanted) {
         row >= list.RowCount() || column >= list.ColumnCount()) {
         return;
     }
-    // The control's buffer holds some 260 characters; it paints no more of a cell than that.
     const std::string& text = list.Cell(row, column);
-    const std::size_t length =
-        text.copy(wanted.item.pszText, static_cast<std::size_t>(wanted.item.cchTextMax) - 1);
+    const std::size_t room = static_cast<std::size_t>(wanted.item.cchTextMax) - 1;
+    const std::size_t length = text.copy(wanted.item.pszText, std::min(room, kPaintedCharacters));
     wanted.item.pszText[length] = '\0';
 }
 

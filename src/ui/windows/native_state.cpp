@@ -5,6 +5,7 @@
 
 #include "ui/windows/native_control.h"
 #include "ui/windows/native_list_view.h"
+#include "ui/windows/shown_caption.h"
 
 #include <commctrl.h>
 
@@ -58,8 +59,14 @@ void ShowCheckBox(const NativeControl& native) {
 
 void ShowOptionButton(const NativeControl& native) {
     const auto& button = static_cast<const OptionButton&>(*native.control);
-    ShowText(native.window, button.Caption());
+    const bool data = (button.Design().traits & kData) != 0;
+    ShowText(native.window, data ? WithoutMnemonic(FittingCaption(button, native.window)) : button.Caption());
     ShowTick(native.window, button.Value());
+}
+
+/// The system marks the text that is taken from the list, and shows the mark also without the focus.
+void Unmark(HWND combo_box) {
+    ::SendMessageA(combo_box, CB_SETEDITSEL, 0, 0);
 }
 
 void ShowComboBox(const NativeControl& native) {
@@ -70,6 +77,7 @@ void ShowComboBox(const NativeControl& native) {
             ::SendMessageA(native.window, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(box.List(index).c_str()));
         }
     }
+    const bool had_focus = ::IsChild(native.window, ::GetFocus()) != 0;
     // In a box with free text an index of -1 would take away what the operator is typing.
     const bool from_list = box.IsDropDownList() || box.ListIndex() >= 0;
     if (from_list && ::SendMessageA(native.window, CB_GETCURSEL, 0, 0) != box.ListIndex()) {
@@ -77,6 +85,9 @@ void ShowComboBox(const NativeControl& native) {
     }
     if (!box.IsDropDownList()) {
         ShowText(native.window, box.Text());
+        if (!had_focus) {
+            Unmark(native.window);
+        }
     }
 }
 

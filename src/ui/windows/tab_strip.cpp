@@ -4,11 +4,15 @@
 #include <windowsx.h>
 
 namespace ui {
+namespace {
+
+constexpr int kRaised = 2; // pixels by which the selected tab is higher
+
+} // namespace
 
 TabStrip::TabStrip(HWND parent, int id, const std::vector<std::string>& captions)
-    : window_(::CreateWindowExA(0, WC_TABCONTROLA, "",
-                                WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | TCS_OWNERDRAWFIXED, 0,
-                                0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+    : window_(::CreateWindowExA(0, WC_TABCONTROLA, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP,
+                                0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
                                 ::GetModuleHandleA(nullptr), nullptr)),
       enabled_(captions.size(), true) {
     ::SetWindowSubclass(window_, Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
@@ -65,11 +69,25 @@ void TabStrip::ChooseFrom(int index, int direction) {
     }
 }
 
-bool TabStrip::HitsDisabled(LPARAM point) const {
+/// -1 where there is none.
+int TabStrip::TabAt(LPARAM point) const {
     TCHITTESTINFO hit{{GET_X_LPARAM(point), GET_Y_LPARAM(point)}, 0};
-    const auto index =
-        static_cast<int>(::SendMessageA(window_, TCM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
-    return index >= 0 && !IsEnabled(index);
+    return static_cast<int>(::SendMessageA(window_, TCM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
+}
+
+/// The control itself reports a tab only when it was not selected before.
+LRESULT TabStrip::TakePress(UINT message, WPARAM wparam, LPARAM lparam) {
+    const int tab = TabAt(lparam);
+    if (tab >= 0 && !IsEnabled(tab)) {
+        return 0;
+    }
+    const bool again = tab >= 0 && tab == Selected() && message == WM_LBUTTONDOWN;
+    const LRESULT result = ::DefSubclassProc(window_, message, wparam, lparam);
+    if (again) {
+        NMHDR notice{window_, static_cast<UINT_PTR>(::GetDlgCtrlID(window_)), TCN_SELCHANGE};
+        ::SendMessageA(::GetParent(window_), WM_NOTIFY, notice.idFrom, reinterpret_cast<LPARAM>(&notice));
+    }
+    return result;
 }
 
 /// The control's own keys would stop at a tab that is grey.
@@ -98,15 +116,80 @@ void TabStrip::Pad(int across, int down) {
     ::SendMessageA(window_, TCM_SETPADDING, 0, MAKELPARAM(across, down));
 }
 
-/// The pages have the colour of a button's face; the control's own body may be white, and would show around
-/// them.
-void TabStrip::PaintBody() const {
-    RECT body{};
-    ::GetClientRect(window_, &body);
-    ::SendMessageA(window_, TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&body));
-    const HDC paper = ::GetDC(window_);
-    ::FillRect(paper, &body, ::GetSysColorBrush(COLOR_BTNFACE));
-    ::ReleaseDC(window_, paper);
+RECT TabStrip::PlaceOf(int index) const {
+    RECT place{};
+    ::SendMessageA(window_, TCM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&place));
+    return place;
+}
+
+bool TabStrip::ShowsFocus() const {
+    return ::GetFocus() == window_ && (::SendMessageA(window_, WM_QUERYUISTATE, 0, 0) & UISF_HIDEFOCUS) == 0;
+}
+
+/// The selected tab is higher than the others and open to the page below.
+void TabStrip::PaintTab(HDC paper, int index) const {
+    const bool selected = index == Selected();
+    RECT place = PlaceOf(index);
+    RECT edge = place;
+    edge.right += 1; // neighbours share a line
+    if (selected) {
+        edge.top -= kRaised;
+    }
+    ::FillRect(paper, &edge, ::GetSysColorBrush(COLOR_BTNSHADOW));
+    RECT face{edge.left + 1, edge.top + 1, edge.right - 1, edge.bottom + (selected ? 1 : 0)};
+    ::FillRect(paper, &face, ::GetSysColorBrush(COLOR_BTNFACE));
+
+    char text[80] = "";
+    TCITEMA tab{};
+    tab.mask = TCIF_TEXT;
+    tab.pszText = text;
+    tab.cchTextMax = static_cast<int>(sizeof text);
+    ::SendMessageA(window_, TCM_GETITEMA, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&tab));
+    ::SetTextColor(paper, ::GetSysColor(IsEnabled(index) ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
+    ::DrawTextA(paper, text, -1, &place, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+    if (selected && ShowsFocus()) {
+        ::InflateRect(&place, -3, -2);
+        ::SetTextColor(paper, ::GetSysColor(COLOR_BTNTEXT)); // the rectangle takes both colours
+        ::DrawFocusRect(paper, &place);
+    }
+}
+
+void TabStrip::Paint(HDC paper) const {
+    RECT client{};
+    ::GetClientRect(window_, &client);
+    ::FillRect(paper, &client, ::GetSysColorBrush(COLOR_BTNFACE));
+    RECT body = client;
+    body.top = PlaceOf(0).bottom;
+    ::FrameRect(paper, &body, ::GetSysColorBrush(COLOR_BTNSHADOW));
+    const HGDIOBJ before =
+        ::SelectObject(paper, reinterpret_cast<HGDIOBJ>(::SendMessageA(window_, WM_GETFONT, 0, 0)));
+    ::SetBkMode(paper, TRANSPARENT);
+    for (int index = 0; index < Count(); ++index) {
+        if (index != Selected()) {
+            PaintTab(paper, index);
+        }
+    }
+    if (Selected() >= 0) {
+        PaintTab(paper, Selected()); // over its neighbours
+    }
+    ::SelectObject(paper, before);
+}
+
+/// On memory first, so that nothing flickers.
+void TabStrip::PaintBuffered() const {
+    PAINTSTRUCT painting{};
+    const HDC screen = ::BeginPaint(window_, &painting);
+    RECT client{};
+    ::GetClientRect(window_, &client);
+    const HDC paper = ::CreateCompatibleDC(screen);
+    const HBITMAP picture = ::CreateCompatibleBitmap(screen, client.right, client.bottom);
+    const HGDIOBJ before = ::SelectObject(paper, picture);
+    Paint(paper);
+    ::BitBlt(screen, 0, 0, client.right, client.bottom, paper, 0, 0, SRCCOPY);
+    ::SelectObject(paper, before);
+    ::DeleteObject(picture);
+    ::DeleteDC(paper);
+    ::EndPaint(window_, &painting);
 }
 
 LRESULT CALLBACK TabStrip::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
@@ -115,21 +198,28 @@ LRESULT CALLBACK TabStrip::Procedure(HWND window, UINT message, WPARAM wparam, L
     switch (message) {
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
-    case WM_MOUSEMOVE: // a tab that cannot be chosen does not light up under the pointer either
-        if (strip.HitsDisabled(lparam)) {
-            return 0;
-        }
-        break;
+        return strip.TakePress(message, wparam, lparam);
+    case WM_MOUSEMOVE: // the control would paint the tab under the pointer by itself
+        return 0;
     case WM_KEYDOWN:
         if (strip.HandlesKey(wparam)) {
             return 0;
         }
         break;
-    case WM_PAINT: {
-        const LRESULT result = ::DefSubclassProc(window, message, wparam, lparam);
-        strip.PaintBody();
-        return result;
-    }
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS:
+    case WM_UPDATEUISTATE:
+    case TCM_SETCURSEL:
+        ::InvalidateRect(window, nullptr, FALSE);
+        break;
+    case WM_ERASEBKGND:
+        return 1;
+    case WM_PAINT:
+        strip.PaintBuffered();
+        return 0;
+    case WM_PRINTCLIENT:
+        strip.Paint(reinterpret_cast<HDC>(wparam));
+        return 0;
     case WM_NCDESTROY:
         ::RemoveWindowSubclass(window, Procedure, id);
         break;
@@ -137,25 +227,6 @@ LRESULT CALLBACK TabStrip::Procedure(HWND window, UINT message, WPARAM wparam, L
         break;
     }
     return ::DefSubclassProc(window, message, wparam, lparam);
-}
-
-void TabStrip::Draw(const DRAWITEMSTRUCT& item) const {
-    char text[80] = "";
-    TCITEMA tab{};
-    tab.mask = TCIF_TEXT;
-    tab.pszText = text;
-    tab.cchTextMax = static_cast<int>(sizeof text);
-    ::SendMessageA(window_, TCM_GETITEMA, item.itemID, reinterpret_cast<LPARAM>(&tab));
-    const bool enabled = IsEnabled(static_cast<int>(item.itemID));
-    ::SetBkMode(item.hDC, TRANSPARENT);
-    ::SetTextColor(item.hDC, ::GetSysColor(enabled ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
-    RECT place = item.rcItem;
-    ::DrawTextA(item.hDC, text, -1, &place, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
-    if ((item.itemState & ODS_FOCUS) != 0 && ::GetFocus() == window_ &&
-        (::SendMessageA(window_, WM_QUERYUISTATE, 0, 0) & UISF_HIDEFOCUS) == 0) {
-        ::InflateRect(&place, -2, -2);
-        ::DrawFocusRect(item.hDC, &place);
-    }
 }
 
 } // namespace ui

@@ -1,5 +1,6 @@
 // The native tab control, with tabs that can be disabled: grey, and not to be chosen by mouse or keyboard.
-// The system's own has none. It knows nothing of pages.
+// The system's own has none. It paints itself, in the colour of the pages: the system's themes give the body
+// and the selected tab another one, and draw a second focus rectangle. It knows nothing of pages.
 #pragma once
 
 #include <string>
@@ -11,8 +12,8 @@ namespace ui {
 
 class TabStrip {
   public:
-    /// Makes the control as a child of `parent`, which owns it. `parent` gets its messages: TCN_SELCHANGE
-    /// when the operator has chosen a tab, and WM_DRAWITEM for each tab, to be handed to Draw.
+    /// Makes the control as a child of `parent`, which owns it. `parent` gets TCN_SELCHANGE when the operator
+    /// has chosen a tab, also for a click on the selected one; a double click is one click.
     TabStrip(HWND parent, int id, const std::vector<std::string>& captions);
     TabStrip(const TabStrip&) = delete;
     TabStrip& operator=(const TabStrip&) = delete;
@@ -26,7 +27,6 @@ class TabStrip {
     /// Chooses the next tab in that direction (1 or -1) that can be chosen, as the operator does; `around`
     /// goes on at the other end. Nothing happens where there is none.
     void ChooseNext(int direction, bool around);
-    void Draw(const DRAWITEMSTRUCT& item) const;
     /// Free space left and right, above and below of each caption, in pixels. Before a font is set, which is
     /// when the tabs take their size.
     void Pad(int across, int down);
@@ -35,10 +35,14 @@ class TabStrip {
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
                                       DWORD_PTR data);
     bool IsEnabled(int index) const;
-    void PaintBody() const;
+    LRESULT TakePress(UINT message, WPARAM wparam, LPARAM lparam);
+    void Paint(HDC paper) const;
+    void PaintTab(HDC paper, int index) const;
+    void PaintBuffered() const;
+    RECT PlaceOf(int index) const;
+    int TabAt(LPARAM point) const;
+    bool ShowsFocus() const;
     int Count() const { return static_cast<int>(enabled_.size()); }
-    /// The tab under a point of the control that cannot be chosen.
-    bool HitsDisabled(LPARAM point) const;
     bool HandlesKey(WPARAM key);
     void ChooseFrom(int index, int direction);
 

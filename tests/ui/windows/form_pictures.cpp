@@ -46,6 +46,13 @@ void Fill(ui::Form& form) {
                 list.AddItem("Table number " + std::to_string(item));
             }
             list.ListIndex(2);
+        } else if (control->Kind() == ui::Kind::Label && (control->Design().traits & ui::kData) != 0) {
+            static_cast<ui::Label&>(*control).Caption("A status of 'R&D' gjpqy");
+        } else if (control->Kind() == ui::Kind::OptionButton && control->Index() == 1 &&
+                   (control->Design().traits & ui::kData) != 0) {
+            static_cast<ui::OptionButton&>(*control).Caption("LONGNAMED-COMPUTER-17\\R&D_BATCH_INSTANCE");
+        } else if (control->Kind() == ui::Kind::CheckBox && control->Design().caption[0] == '\0') {
+            control->Enabled(false);
         } else if (control->Kind() == ui::Kind::ListView) {
             auto& list = static_cast<ui::ListView&>(*control);
             list.ExtendedStyle(ui::kGridLines | ui::kFullRowSelect);

@@ -349,6 +349,27 @@ TEST_F(ShownList, MakesAColumnAsWideAsItsWidestCellWhereverThatIs) {
     EXPECT_EQ(::SendMessageA(native_, LVM_GETITEMCOUNT, 0, 0), 2000);
 }
 
+TEST_F(ShownList, MakesAColumnOfLongCellsAsWideAsItsViewAndNoWider) {
+    RECT view{};
+    ::GetClientRect(native_, &view);
+    Fill(3);
+    ui::ListView& list = Get<ui::ListView>("lvwViewData");
+    for (const std::size_t length : {260U, 4680U, 5000U, 40000U}) {
+        list.SetCell(1, 1, std::string(length, 'x'));
+        list.AutoSizeColumn(1);
+        Settle();
+        EXPECT_EQ(::SendMessageA(native_, LVM_GETCOLUMNWIDTH, 1, 0), view.right) << length;
+        EXPECT_EQ(CellText(1, 1), std::string(259, 'x')) << length;
+    }
+    list.SetCell(1, 1, "short");
+    list.AddColumn("Long", std::string(300, 'h'));
+    list.AutoSizeColumn(1);
+    list.AutoSizeColumn(2);
+    Settle();
+    EXPECT_LT(::SendMessageA(native_, LVM_GETCOLUMNWIDTH, 1, 0), view.right / 2);
+    EXPECT_EQ(::SendMessageA(native_, LVM_GETCOLUMNWIDTH, 2, 0), view.right) << "a long header";
+}
+
 TEST_F(ShownList, IsEmptiedWithItsModel) {
     Fill(10);
     Settle();

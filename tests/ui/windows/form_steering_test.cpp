@@ -81,6 +81,30 @@ TEST_F(SteeredForm, ChoosesATabByMouse) {
     EXPECT_TRUE(hands::WaitFor([this] { return ::IsWindowVisible(Native("fraMainTab", 3)) != 0; }));
 }
 
+TEST_F(SteeredForm, ClicksTheActiveTabAgainByMouse) {
+    int clicks = 0;
+    Tabs().on_click = [&] { ++clicks; };
+    ClickTab(3);
+    EXPECT_TRUE(TabBecomes(3));
+    std::this_thread::sleep_for(ui::kDoubleClickTime + std::chrono::milliseconds(100));
+    ClickTab(3);
+    EXPECT_TRUE(hands::WaitFor([&] { return clicks == 2; }));
+    ClickTab(3); // a double click
+    InputArrived();
+    EXPECT_EQ(clicks, 2);
+    EXPECT_EQ(Tabs().Tab(), 3);
+}
+
+TEST_F(SteeredForm, DoesNotClickTheActiveTabWhenItIsDisabled) {
+    int clicks = 0;
+    Tabs().TabEnabled(0, false);
+    Tabs().on_click = [&] { ++clicks; };
+    Settle();
+    ClickTab(0);
+    InputArrived();
+    EXPECT_EQ(clicks, 0);
+}
+
 TEST_F(SteeredForm, DoesNotChooseADisabledTabByMouse) {
     Tabs().TabEnabled(2, false);
     Settle();
@@ -253,12 +277,36 @@ TEST_F(SteeredForm, ShowsTheToolTipOfWhatThePointerRestsOn) {
     EXPECT_TRUE(tip_becomes(package.Design().tool_tip)) << tip.text;
 }
 
+TEST_F(SteeredForm, ShowsTheWholeNameOfAServerThatIsCutAsItsToolTip) {
+    ShownTip tip;
+    const auto tip_becomes = [&tip](const std::string& text) {
+        return hands::WaitFor([&] {
+            tip = ShownTip{};
+            ::EnumThreadWindows(::GetCurrentThreadId(), TakeTip, reinterpret_cast<LPARAM>(&tip));
+            return tip.text == text;
+        });
+    };
+    ShowTab(kv::kScriptTab);
+    const std::string name = "A-COMPUTER-WITH-A-LONG-NAME\\AN_INSTANCE_WITH_R&D";
+    Get<ui::OptionButton>("optScriptCurrentServer", 0).Caption(name);
+    Settle();
+    PointerOver(Native("optScriptCurrentServer", 0));
+    EXPECT_TRUE(tip_becomes(name)) << tip.text;
+    Get<ui::OptionButton>("optScriptCurrentServer", 1).Caption("SRVB");
+    PointerOver(Native("optScriptCurrentServer", 1));
+    EXPECT_TRUE(tip_becomes("")) << tip.text;
+}
+
 // --- buttons
 
 TEST_F(SteeredForm, PressesAButtonByMouseSpaceEnterAndMnemonic) {
     int clicks = 0;
     Get<ui::CommandButton>("cmdClose").on_click = [&] { ++clicks; };
-    const auto becomes = [&](int wanted) { return hands::WaitFor([&] { return clicks == wanted; }); };
+    const auto becomes = [&](int wanted) {
+        const bool there = hands::WaitFor([&] { return clicks == wanted; });
+        std::this_thread::sleep_for(2 * ui::kReactionTime); // as a person, who sees first that it has ended
+        return there;
+    };
     hands::Click(Native("cmdClose"));
     EXPECT_TRUE(becomes(1));
     hands::Press(VK_SPACE);

@@ -1,6 +1,7 @@
 #include "ui/windows/other_process_controls.h"
 
 #include <stdexcept>
+#include <thread>
 
 #include "ui/windows/screen_input.h"
 
@@ -45,8 +46,7 @@ class FarPiece {
 
 namespace {
 
-void MoveTo(HWND window, int x, int y) {
-    constexpr std::chrono::milliseconds kRest{30};
+void MoveTo(HWND window, int x, int y, std::chrono::milliseconds rest = std::chrono::milliseconds(30)) {
     POINT place{x, y};
     ::ClientToScreen(window, &place);
     auto since = std::chrono::steady_clock::now();
@@ -58,12 +58,15 @@ void MoveTo(HWND window, int x, int y) {
             ::SetCursorPos(place.x, place.y);
             since = std::chrono::steady_clock::now();
         }
-        return std::chrono::steady_clock::now() - since > kRest;
+        return std::chrono::steady_clock::now() - since > rest;
     });
     if (!rests) {
         throw std::runtime_error("the pointer does not come to rest");
     }
 }
+
+/// A press sooner after a command's end is dropped as one that was meant for it.
+constexpr std::chrono::milliseconds kSight{300};
 
 POINT MiddleOf(HWND window) {
     RECT client{};
@@ -83,12 +86,22 @@ void Click(HWND window) {
     ClickAt(window, middle.x, middle.y);
 }
 
+std::chrono::milliseconds ClickTwice(HWND button, std::chrono::milliseconds between) {
+    const POINT middle = MiddleOf(button);
+    MoveTo(button, middle.x, middle.y, kSight);
+    const auto start = std::chrono::steady_clock::now();
+    hands::ClickAt(button, middle.x, middle.y);
+    std::this_thread::sleep_for(between);
+    hands::ClickAt(button, middle.x, middle.y);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+}
+
 void ClickButton(HWND button) {
     constexpr int kPresses = 6;
     constexpr std::chrono::seconds kNoticed{10}; // of a program that answers, and so takes its input as well
     const POINT middle = MiddleOf(button);
     for (int press = 0; press < kPresses; ++press) {
-        MoveTo(button, middle.x, middle.y);
+        MoveTo(button, middle.x, middle.y, kSight);
         hands::PressAt(button, middle.x, middle.y);
         const bool down = hands::WaitFor(
             [button] { return (::SendMessageA(button, BM_GETSTATE, 0, 0) & BST_PUSHED) != 0; }, kNoticed);

@@ -3,6 +3,7 @@
 // memory and fetched from it.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,12 @@ namespace far_controls {
 void ClickAt(HWND window, int x, int y);
 /// In the middle of the window, which is no button.
 void Click(HWND window);
-/// Clicks on a button of any kind, and sees it go down before it lets go. Throws if it does not.
+/// Clicks on a button of any kind, and sees it go down before it lets go. Throws if it does not. Before it
+/// presses it rests as long as a person needs to see that the button is back.
 void ClickButton(HWND button);
+/// Clicks on a button two times, that far apart or a little further, whatever the button makes of it. Returns
+/// how far apart they were at most.
+std::chrono::milliseconds ClickTwice(HWND button, std::chrono::milliseconds between);
 
 /// Where a tab of the strip is, in the strip's client area. `process` needs the right to its memory, here and
 /// below.

@@ -6,6 +6,8 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -130,24 +132,50 @@ std::string OwnPath() {
     return path;
 }
 
-/// Starts a program, waits until it shows a window of that class, and ends it.
+/// A program that has been started, and is ended with this.
+class Started {
+  public:
+    explicit Started(std::string command) {
+        STARTUPINFOA start{};
+        start.cb = sizeof start;
+        if (::CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                             &process_) == 0) {
+            throw std::runtime_error("cannot be started: " + command);
+        }
+    }
+    Started(const Started&) = delete;
+    Started& operator=(const Started&) = delete;
+    ~Started() {
+        ::TerminateProcess(process_.hProcess, 0);
+        ::WaitForSingleObject(process_.hProcess, kEnd);
+        ::CloseHandle(process_.hProcess);
+        ::CloseHandle(process_.hThread);
+    }
+
+  private:
+    static constexpr DWORD kEnd = 10000;
+    PROCESS_INFORMATION process_{};
+};
+
+/// From the start of a program until it shows a window of that class. Throws if none comes: something else
+/// may be on the screen, such as a message about what the program lacks.
 double StartOf(const std::string& command, const char* window_class) {
-    STARTUPINFOA start{};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION process{};
-    std::string line = command;
+    constexpr std::chrono::seconds kLongest{20};
+    std::optional<Started> started;
+    bool shown = false;
     const double time = Milliseconds([&] {
-        ::CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                         &process);
-        hands::WaitFor([window_class] {
-            const HWND window = ::FindWindowA(window_class, nullptr);
-            return window != nullptr && ::IsWindowVisible(window) != 0;
-        });
+        started.emplace(command);
+        shown = hands::WaitFor(
+            [window_class] {
+                const HWND window = ::FindWindowA(window_class, nullptr);
+                return window != nullptr && ::IsWindowVisible(window) != 0;
+            },
+            kLongest);
     });
-    ::TerminateProcess(process.hProcess, 0);
-    ::WaitForSingleObject(process.hProcess, INFINITE);
-    ::CloseHandle(process.hProcess);
-    ::CloseHandle(process.hThread);
+    if (!shown) {
+        throw std::runtime_error("shows no window of the class " + std::string(window_class) + ": " +
+                                 command);
+    }
     return time;
 }
 
@@ -173,7 +201,12 @@ int main(int argc, char** argv) {
     if (argc > 1 && std::string(argv[1]) == "bare") {
         return ShowBareWindow(kEmptyClass);
     }
-    MeasureList();
-    MeasureStart();
+    try {
+        MeasureList();
+        MeasureStart();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "window_bench: %s\n", error.what());
+        return 1;
+    }
     return 0;
 }

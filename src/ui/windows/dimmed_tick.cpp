@@ -1,0 +1,61 @@
+#include "ui/windows/dimmed_tick.h"
+
+#include "ui/windows/dialog_font.h"
+
+#include <commctrl.h>
+
+namespace ui {
+namespace {
+
+constexpr int kTickWidth = 16; // with its margin, at the design's scale
+constexpr BYTE kPaleness = 160;
+
+/// Lays the colour of a button's face over the tick.
+void Dim(HWND button) {
+    RECT client{};
+    ::GetClientRect(button, &client);
+    const HDC paper = ::GetDC(button);
+    const HDC source = ::CreateCompatibleDC(paper);
+    const HBITMAP dot = ::CreateCompatibleBitmap(paper, 1, 1);
+    const HGDIOBJ before = ::SelectObject(source, dot);
+    ::SetPixel(source, 0, 0, ::GetSysColor(COLOR_BTNFACE));
+    const BLENDFUNCTION blend{AC_SRC_OVER, 0, kPaleness, 0};
+    const int width = ::MulDiv(kTickWidth, DpiOf(button), kDesignDpi);
+    ::GdiAlphaBlend(paper, 0, 0, width, client.bottom, source, 0, 0, 1, 1, blend);
+    ::SelectObject(source, before);
+    ::DeleteObject(dot);
+    ::DeleteDC(source);
+    ::ReleaseDC(button, paper);
+}
+
+LRESULT CALLBACK TickProcedure(HWND button, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                               DWORD_PTR /*data*/) {
+    switch (message) {
+    case WM_PAINT: {
+        if (::IsWindowEnabled(button) != 0) {
+            break;
+        }
+        ::InvalidateRect(button, nullptr, FALSE); // all of it: what is not painted anew would be dimmed twice
+        const LRESULT result = ::DefSubclassProc(button, message, wparam, lparam);
+        Dim(button);
+        return result;
+    }
+    case BM_SETCHECK: // the system may paint the tick at once
+        ::InvalidateRect(button, nullptr, FALSE);
+        break;
+    case WM_NCDESTROY:
+        ::RemoveWindowSubclass(button, TickProcedure, id);
+        break;
+    default:
+        break;
+    }
+    return ::DefSubclassProc(button, message, wparam, lparam);
+}
+
+} // namespace
+
+void DimTickWhileDisabled(HWND button) {
+    ::SetWindowSubclass(button, TickProcedure, 0, 0);
+}
+
+} // namespace ui

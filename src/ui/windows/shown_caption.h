@@ -1,0 +1,20 @@
+// How a caption that is data stands on a native control: as it is, and cut in its middle where it is too
+// long.
+#pragma once
+
+#include <string>
+
+#include "ui/controls.h"
+
+#include "platform/windows/lean_windows.h"
+
+namespace ui {
+
+/// The caption as it fits on the native button: if it is too long, with three dots in its middle, so that
+/// both of a server's names, the computer's and the instance's, can be read.
+std::string FittingCaption(const OptionButton& button, HWND window);
+
+/// A text in which the system will see no mnemonic.
+std::string WithoutMnemonic(const std::string& text);
+
+} // namespace ui

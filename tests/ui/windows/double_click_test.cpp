@@ -1,0 +1,230 @@
+// Second clicks on commands, by a real mouse and keyboard: whenever they come, the command runs once.
+#include <chrono>
+#include <map>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "console/wait_cursor.h"
+#include "ui/operator.h"
+#include "ui/windows/on_screen.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+/// The commands that disable their own button while they run.
+bool DisablesItself(const std::string& name) {
+    for (const char* other : {"cmdCreateInstall", "cmdSynchronize", "cmdRename", "cmdUpgrade", "cmdRemove"}) {
+        if (name == other) {
+            return true;
+        }
+    }
+    return false;
+}
+
+class SecondClicks : public OnScreen {
+  protected:
+    using OnScreen::OnScreen;
+    static constexpr milliseconds kWork{80};
+
+    /// As the console's commands run: pending events once, then the server's time, and the button is back
+    /// with the focus.
+    void RunFor(ui::CommandButton& button) {
+        const kv::CWaitCursor wait;
+        const bool disables = DisablesItself(button.Name());
+        ++runs_;
+        if (disables) {
+            button.Enabled(false);
+        }
+        std::this_thread::sleep_for(kWork / 2);
+        platform::RunPendingEvents();
+        std::this_thread::sleep_for(kWork / 2);
+        if (disables) {
+            button.Enabled(true);
+        }
+        form_.SetFocus(button);
+    }
+    void Arm() {
+        for (const auto& control : form_.Controls()) {
+            if (control->Kind() == ui::Kind::CommandButton) {
+                auto& button = static_cast<ui::CommandButton&>(*control);
+                button.on_click = [this, &button] { RunFor(button); };
+            }
+        }
+    }
+    /// All input so far has been dealt with when a key pressed after it has: F24 does nothing else.
+    static void InputArrived() {
+        const int before = ::GetKeyState(VK_F24) & 1;
+        hands::Press(VK_F24);
+        ASSERT_TRUE(hands::WaitFor([before] { return (::GetKeyState(VK_F24) & 1) != before; }));
+        Settle();
+    }
+    /// Longer than a double click after whatever was pressed before.
+    static void Rest() {
+        const auto end = steady_clock::now() + ui::kDoubleClickTime + milliseconds(100);
+        hands::WaitFor([end] { return steady_clock::now() > end; });
+    }
+    /// False if the machine was so busy that the clicks came further apart than those of a double click.
+    bool ClickTwice(HWND native, milliseconds between) {
+        constexpr milliseconds kSteps{32}; // of the system's clock, of both clicks
+        auto took = ui::kDoubleClickTime;
+        {
+            const std::jthread hand([native, between, &took] {
+                const auto start = steady_clock::now();
+                hands::Click(native);
+                std::this_thread::sleep_for(between);
+                hands::Click(native);
+                took = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+            });
+            EXPECT_TRUE(hands::WaitFor([this] { return runs_ > 0; }));
+        }
+        InputArrived();
+        return took < ui::kDoubleClickTime - kSteps;
+    }
+    void ExpectOneRunOfTwoClicks(const ui::CommandButton& button, milliseconds between) {
+        SCOPED_TRACE(Name(button) + ", " + std::to_string(between.count()) + " ms between the clicks");
+        const HWND native = Native(button);
+        ASSERT_NE(native, nullptr);
+        constexpr int kTries = 20;
+        for (int time = 0; time < kTries; ++time) {
+            runs_ = 0;
+            if (ClickTwice(native, between)) {
+                EXPECT_EQ(runs_, 1);
+                return;
+            }
+            Rest();
+        }
+        ADD_FAILURE() << "the machine is too busy for a double click";
+    }
+    void ExpectOneRunEach(const std::vector<ui::CommandButton*>& buttons) {
+        for (const int between : {0, 50, 120, 400}) {
+            Rest();
+            for (const ui::CommandButton* button : buttons) {
+                ExpectOneRunOfTwoClicks(*button, milliseconds(between));
+            }
+        }
+    }
+    std::vector<ui::CommandButton*> ButtonsOnShow() const {
+        std::vector<ui::CommandButton*> buttons;
+        for (const auto& control : form_.Controls()) {
+            if (control->Kind() == ui::Kind::CommandButton && ui::CanBeUsed(*control)) {
+                buttons.push_back(static_cast<ui::CommandButton*>(control.get()));
+            }
+        }
+        return buttons;
+    }
+
+    int runs_ = 0;
+};
+
+class SecondClicksInTheDialog : public SecondClicks {
+  protected:
+    SecondClicksInTheDialog() : SecondClicks(kv::ProceduresFormDesign()) {}
+};
+
+TEST_F(SecondClicks, DoNotRunACommandOfAnyTabAgain) {
+    Arm();
+    std::size_t buttons = 0;
+    for (int tab = 0; tab < kv::kMainTabs; ++tab) {
+        ShowTab(tab);
+        buttons += ButtonsOnShow().size();
+        ExpectOneRunEach(ButtonsOnShow());
+    }
+    EXPECT_EQ(buttons, 15U + kv::kMainTabs) << "each tab's own, and cmdClose on each";
+}
+
+TEST_F(SecondClicksInTheDialog, DoNotRunACommandOfTheDialogAgain) {
+    Arm();
+    ASSERT_EQ(ButtonsOnShow().size(), 3U);
+    ExpectOneRunEach(ButtonsOnShow());
+}
+
+TEST_F(SecondClicks, AreNewCommandsOnceTheOperatorHasSeenTheEnd) {
+    Arm();
+    ShowTab(kv::kUpgradeTab);
+    for (int time = 1; time <= 3; ++time) {
+        Rest();
+        hands::Click(Native("cmdRemove"));
+        EXPECT_TRUE(hands::WaitFor([this, time] { return runs_ == time; })) << runs_;
+    }
+}
+
+TEST_F(SecondClicks, ByKeysThatWaitDoNotRunACommandAgain) {
+    Arm();
+    ShowTab(kv::kUpgradeTab);
+    auto& remove = Get<ui::CommandButton>("cmdRemove");
+    for (const WORD key : {WORD{VK_SPACE}, WORD{VK_RETURN}}) {
+        Rest();
+        form_.SetFocus(remove);
+        Settle();
+        runs_ = 0;
+        hands::Press(key);
+        hands::Press(key);
+        hands::Press(key);
+        EXPECT_TRUE(hands::WaitFor([this] { return runs_ > 0; }));
+        InputArrived();
+        EXPECT_EQ(runs_, 1) << key;
+    }
+}
+
+TEST_F(SecondClicks, ByKeysThatLeadElsewhereAreNotDropped) {
+    Arm();
+    ShowTab(kv::kUpgradeTab);
+    auto& remove = Get<ui::CommandButton>("cmdRemove");
+    remove.on_click = [this] { ++runs_; };
+    form_.SetFocus(remove);
+    Settle();
+    hands::Press(VK_SPACE);
+    hands::Press(VK_TAB);
+    EXPECT_TRUE(hands::WaitFor([this] { return FocusName() == "cmdClose"; })) << FocusName();
+    EXPECT_EQ(runs_, 1);
+}
+
+TEST_F(SecondClicks, ByAMnemonicThatWaitsDoNotRunACommandAgain) {
+    Arm();
+    ShowTab(kv::kScriptTab);
+    hands::Press('R', {VK_MENU});
+    hands::Press('R', {VK_MENU});
+    EXPECT_TRUE(hands::WaitFor([this] { return runs_ > 0; }));
+    InputArrived();
+    EXPECT_EQ(runs_, 1);
+}
+
+/// A held key comes as one key that goes down again and again.
+TEST_F(SecondClicks, ByAKeyThatIsHeldDoNotRunACommandAgain) {
+    Arm();
+    ShowTab(kv::kUpgradeTab);
+    auto& remove = Get<ui::CommandButton>("cmdRemove");
+    form_.SetFocus(remove);
+    Settle();
+    const HWND native = Native(remove);
+    constexpr LPARAM kRepeated = LPARAM{1} << 30;
+    ::PostMessageA(native, WM_KEYDOWN, VK_RETURN, 1);
+    EXPECT_TRUE(hands::WaitFor([this] { return runs_ == 1; }));
+    Rest();
+    ::PostMessageA(native, WM_KEYDOWN, VK_RETURN, kRepeated | 1);
+    Settle();
+    EXPECT_EQ(runs_, 1);
+    ::PostMessageA(native, WM_KEYDOWN, VK_RETURN, 1);
+    EXPECT_TRUE(hands::WaitFor([this] { return runs_ == 2; })) << "the key is pressed anew";
+}
+
+/// The first press meets the disabled button, which the system gives to the page below it.
+TEST_F(SecondClicks, OfADoubleClickThatBeganOnADisabledButtonRunNothing) {
+    Arm();
+    ShowTab(kv::kUpgradeTab);
+    auto& remove = Get<ui::CommandButton>("cmdRemove");
+    remove.Enabled(false);
+    Settle();
+    hands::Click(Native(remove));
+    InputArrived();
+    remove.Enabled(true);
+    Settle();
+    hands::Click(Native(remove));
+    InputArrived();
+    EXPECT_EQ(runs_, 0);
+}
+
+} // namespace
