@@ -48,6 +48,15 @@ TEST_F(Replication, ADatabaseThatDoesNotExistGivesNeitherResultNorAnswer) {
     EXPECT_TRUE(ado_.Statements().empty());
 }
 
+/// Its handler fails with it, and so nothing is assigned after the question.
+TEST_F(Replication, AQuestionThatEndsInAFailureGivesNoAnswer) {
+    ado_.Answer("Open", Failing());
+    files_.FailNext("append", kLogFile, platform::FileFault::PathNotFound);
+    bool installed = true;
+    EXPECT_ANY_THROW(manager_.IsReplicationInstalled("Batch", installed));
+    EXPECT_FALSE(installed);
+}
+
 TEST_F(Replication, ARefusedQueryGivesNeitherResultNorAnswer) {
     ado_.Answer(kJobQuery, Failing());
     ExpectUnanswered();

@@ -342,6 +342,31 @@ TEST_F(MainFrame, WithNoServerLeftNeitherIsSelected) {
     EXPECT_EQ(Option("optUpgradeCurrentServer", 0).Caption(), "N/A");
 }
 
+TEST_F(MainFrame, WithNoServerLeftASelectedServerBIsClearedToo) {
+    RememberLogin(0);
+    RememberLogin(1);
+    Start();
+    Open(kUpgradeTab);
+    ui::Click(Option("optUpgradeCurrentServer", 1));
+    ASSERT_TRUE(Option("optUpgradeCurrentServer", 1).Value());
+    Edit("edtServerName", 0).Text("");
+    Edit("edtServerName", 1).Text("");
+    Tabs().TabEnabled(kUpgradeTab, true);
+    Open(kUpgradeTab);
+    EXPECT_FALSE(Option("optUpgradeCurrentServer", 0).Value());
+    EXPECT_FALSE(Option("optUpgradeCurrentServer", 1).Value());
+}
+
+TEST_F(MainFrame, AClickOnTheActiveTabReadsItsListsAnew) {
+    RememberLogin(0);
+    Start();
+    Databases({"master"});
+    Open(kUpgradeTab);
+    Databases({"master", "New"});
+    Open(kUpgradeTab);
+    EXPECT_EQ(ItemsOf(Combo("cboRemoveDatabase")), (Lines{"master", "New"}));
+}
+
 TEST_F(MainFrame, TheTickOfTheReplicationScriptsGoesWithServerBOnly) {
     RememberServer(0);
     RememberServer(1);
@@ -465,9 +490,10 @@ TEST_F(MainFrame, AChoiceSurvivesARefillAndElseTheFirstIsTaken) {
     Open(kUpgradeTab);
     EXPECT_EQ(Combo("cboRemoveDatabase").Text(), "master");
     ui::Choose(Combo("cboRemoveDatabase"), 1);
-    Databases({"Batch", "batch", "tempdb"});
+    Databases({"batch", "tempdb", "Batch", "After"});
     main_->UpdateDatabaseLists(kUpgradeTab, true);
-    EXPECT_EQ(Combo("cboRemoveDatabase").Text(), "Batch");
+    EXPECT_EQ(Combo("cboRemoveDatabase").Text(), "Batch") << "at another place";
+    EXPECT_EQ(Combo("cboRemoveDatabase").ListIndex(), 2);
     Databases({"BATCH", "tempdb"});
     main_->UpdateDatabaseLists(kUpgradeTab, true);
     EXPECT_EQ(Combo("cboRemoveDatabase").Text(), "BATCH") << "the comparison is exact: the first is taken";
