@@ -61,15 +61,13 @@ class Person:
 
     def __init__(self, machine, binaries):
         self.machine, self.gone = machine, False
-        # What an earlier run remembered goes; where a server is installed the Replication tab can be used.
+        # Where a server is installed the Replication tab can be used.
         more = os.path.join(machine.folder, "more.reg")
         with open(more, "w") as file:
-            file.write("REGEDIT4\n\n[-HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr]\n\n"
-                       "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper\\CustomFunctions]\n"
+            file.write("REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper\\CustomFunctions]\n"
                        '"SqlServerInstalled"="TRUE"\n"UseTransactionalReplication"="FALSE"\n')
-        command = set_up(*(("regedit.exe", "/S", machine.native(file)) for file in (*machine.registry_files, more)))
         operator = os.path.join(binaries, "console_operator.exe")
-        command += " && exec " + shlex.join([RUNNER, operator, machine.native(machine.program)])
+        command = machine.with_registry(shlex.join([RUNNER, operator, machine.native(machine.program)]), more)
         self.process = start_on_screen(machine, command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
                                        encoding="cp1252", bufsize=1)
 

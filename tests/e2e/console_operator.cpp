@@ -137,7 +137,8 @@ class Operator {
             {"enabled", &Operator::Enabled}, {"checked", &Operator::Checked}, {"items", &Operator::Items},
             {"headers", &Operator::Headers}, {"rows", &Operator::Rows},       {"row", &Operator::Row},
             {"focus", &Operator::HasFocus},  {"box", &Operator::Box},         {"answer", &Operator::Answer},
-            {"picture", &Operator::Picture}, {"caption", &Operator::Caption}, {"close", &Operator::Close}};
+            {"picture", &Operator::Picture}, {"caption", &Operator::Caption}, {"close", &Operator::Close},
+            {"twice", &Operator::ClickTwice}};
         Words words = Split(line);
         const auto order = orders.find(words.front());
         Require(order != orders.end(), "no such order: " + line);
@@ -217,6 +218,11 @@ class Operator {
         }
     }
 
+    /// A button and the milliseconds between the two clicks. Answers how many it were.
+    std::string ClickTwice(const Words& words) {
+        const std::chrono::milliseconds between(std::stoi(words.at(1)));
+        return std::to_string(far_controls::ClickTwice(Native(words.at(0)), between).count());
+    }
     std::string Click(const Words& words) {
         const HWND native = Native(words.at(0));
         Require(hands::WaitFor([native] { return ::IsWindowEnabled(native) != 0; }, kLongest),

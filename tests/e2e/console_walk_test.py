@@ -13,8 +13,6 @@ import unittest
 from console_automation import keep_picture, run_on_screen
 from test_machine import PACKAGES, PASSWORD, TEMPLATES, RUNNER, TOP, USER, DevServer, Machine, fresh_folder, set_up
 
-SETTINGS = "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr"
-
 
 class ConsoleWalk(unittest.TestCase):
     dev_server = binaries = None
@@ -30,11 +28,6 @@ class ConsoleWalk(unittest.TestCase):
         """Everything that needs the screen's prefix, in one run: registry, classes, the walk, the classes' end."""
         machine = self.machine
         library = machine.native(os.path.join(self.binaries, "dts_com_server.dll"))
-        # What an earlier run of the console remembered would stand in the boxes; this one's goes as well.
-        forget = os.path.join(machine.folder, "forget.reg")
-        with open(forget, "w") as file:
-            file.write(f"REGEDIT4\n\n[-{SETTINGS}]\n")
-        steps = [("regedit.exe", "/S", machine.native(file)) for file in (*machine.registry_files, forget)]
         # Wine's tree of folders opens at a folder of the drive C:, and of the drive Z: at its root alone.
         name = os.path.basename(self.folder)
         scripts = os.path.join(os.environ.get("WINEPREFIX", os.path.join(TOP, "build", "wine-screen")), "drive_c", name)
@@ -44,10 +37,10 @@ class ConsoleWalk(unittest.TestCase):
         if os.environ.get("KV_PICTURES"):
             walk.append(machine.native(self.folder))
         copy = shlex.join(["cp", "-r", machine.scripts, scripts])
-        command = set_up(*steps, ("regsvr32", "/s", library)) + " && " + copy
+        command = set_up(("regsvr32", "/s", library)) + " && " + copy
         command += " && " + shlex.join(walk) + "; walked=$?; "
-        command += set_up(steps[-1], ("regsvr32", "/s", "/u", library)) + "; exit $walked"
-        walked = run_on_screen(machine, command, 600)
+        command += set_up(("regsvr32", "/s", "/u", library)) + "; exit $walked"
+        walked = run_on_screen(machine, machine.with_registry(f"( {command} )"), 600)
         for bitmap in glob.glob(os.path.join(self.folder, "*.bmp")):
             keep_picture(bitmap, os.path.basename(bitmap)[:-len(".bmp")])
         return walked

@@ -105,6 +105,11 @@ def set_up(*steps):
     return " && ".join(f"{{ {line} || {{ echo 'once more:' {line} >&2; {line}; }}; }}" for line in lines)
 
 
+# Everything below these is a test's: a fresh prefix has none of them.
+REGISTRY_KEYS = ("HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVIK", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Microsoft SQL Server",
+                 "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr")
+
+
 class Machine:
     """A computer with the program on it. `binaries` is the bin folder of a build tree."""
 
@@ -170,16 +175,30 @@ class Machine:
             content += key("Orvik\\Quorlen\\Lotkeeper\\Login", *values)
         path = os.path.join(self.folder, "registry.reg")
         if self.wine:
-            # The prefix has one registry for all tests: what an earlier one left goes first.
-            wipe = "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\{}]\n\n"
-            content = content.replace("REGEDIT4\n\n", "REGEDIT4\n\n" + wipe.format("ORVIK") +
-                                      wipe.format("Microsoft\\Microsoft SQL Server"))
+            # The prefix has one registry for all tests: what another one left goes first.
+            wipe = "REGEDIT4\n\n" + "".join(f"[-{key}]\n\n" for key in REGISTRY_KEYS)
+            content = content.replace("REGEDIT4\n\n", wipe)
+            self.forget_file = os.path.join(self.folder, "forget.reg")
+            with open(self.forget_file, "w") as file:
+                file.write(wipe)
         with open(path, "w") as file:
             file.write(content)
         self.registry_files = (path,)
         if self.wine and not self.screen:
             for file in self.registry_files:
                 self.prepare("regedit.exe", "/S", self.native(file))
+
+    def with_registry(self, command, *more_files):
+        """For the shell: the command with this machine's registry, which is gone from the prefix afterwards: a console
+        that is started there later would look for the folders of a machine that is gone."""
+        begin = set_up(*(("regedit.exe", "/S", self.native(file)) for file in (*self.registry_files, *more_files)))
+        end = set_up(("regedit.exe", "/S", self.native(self.forget_file)))
+        return f"{begin} && {{ {command}; }}; ended=$?; {{ {end}; }} < /dev/null; exit $ended"
+
+    def forget_registry(self):
+        """Leaves the prefix for runs without a screen as it was."""
+        if self.wine and not self.screen:
+            self.prepare("regedit.exe", "/S", self.native(self.forget_file))
 
     def prepare(self, *step):
         run = subprocess.run(["sh", "-c", set_up(step)], env=self.wine_environment(), stdin=subprocess.DEVNULL,
@@ -207,8 +226,7 @@ class Machine:
 
     def on_a_screen(self, *arguments):
         """As run(), with a screen; under Wine alone, where runs with a screen have a registry of their own."""
-        command = set_up(*(("regedit.exe", "/S", self.native(file)) for file in self.registry_files))
-        command += " && exec " + shlex.join([RUNNER, self.program, *arguments])
+        command = self.with_registry(shlex.join([RUNNER, self.program, *arguments]))
         environment = self.wine_environment()
         if "KV_SCREEN" in os.environ:
             environment["DISPLAY"] = os.environ["DISPLAY"]

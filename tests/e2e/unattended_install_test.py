@@ -30,6 +30,7 @@ class WholeWay(unittest.TestCase):
             machine = Machine(cls.binaries, os.path.join(folder, "m"), wine=True)
             library = machine.native(os.path.join(cls.binaries, "dts_com_server.dll"))
             machine.prepare("regsvr32", *how, library)
+            machine.forget_registry()  # at the end of the class this is the last thing to be done
         finally:
             shutil.rmtree(folder, ignore_errors=True)
 
