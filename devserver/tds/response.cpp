@@ -82,7 +82,7 @@ void Response::Row(const std::vector<Value>& values) {
 void Response::StatementDone(Command command, std::optional<std::int64_t> rows, bool in_procedure) {
     Guarded([&] {
         // Rows that were counted outside a result set belong to a statement that went well: the error before
-        // it was another's.
+        // it was one that a procedure of the server has reported and gone on.
         if (statement_error_ && !rows_open_ && rows.value_or(0) > 0) {
             EndFailedStatement();
         }

@@ -37,6 +37,9 @@ constexpr std::array<std::int32_t, 53> kScopeErrors = {
 /// The statement has been terminated: said behind the errors of rows.
 constexpr std::array<std::int32_t, 10> kRowErrors = {515, 547, 2601, 2627, 8152, 8115, 8134, 220, 232, 512};
 
+template <class Type, class... Others>
+constexpr bool IsOneOf = (std::is_same_v<Type, Others> || ...);
+
 template <std::size_t Count>
 bool Contains(const std::array<std::int32_t, Count>& numbers, std::int32_t number) {
     return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
@@ -54,6 +57,20 @@ bool BeginsImplicitly(const ast::Statement& statement) {
            std::holds_alternative<ast::DropStatement>(statement.node) ||
            std::holds_alternative<ast::GrantStatement>(statement.node) ||
            std::holds_alternative<ast::FetchStatement>(statement.node);
+}
+
+/// Clients are told of the end of each statement but of declarations, of those that steer, and of calls,
+/// which end with their status.
+bool HasEnd(const ast::Statement& statement) {
+    return std::visit(
+        [](const auto& node) {
+            using Node = std::remove_cvref_t<decltype(node)>;
+            return !IsOneOf<Node, ast::DeclareStatement, ast::IfStatement, ast::WhileStatement,
+                            ast::BlockStatement, ast::TryStatement, ast::BreakStatement,
+                            ast::ContinueStatement, ast::GotoStatement, ast::LabelStatement,
+                            ast::ReturnStatement, ast::ExecuteStatement>;
+        },
+        statement.node);
 }
 
 Message MessageOf(const SessionCore& session, const SqlError& error) {
@@ -204,6 +221,7 @@ void Interpreter::RunScope(const ast::StatementList& list) {
         RunWhole(list);
     } catch (const ScopeAborted&) {
         return_value_ = -6;
+        EndFailed();
     }
 }
 
@@ -246,13 +264,19 @@ Interpreter::Flow Interpreter::RunStatement(const ast::Statement& statement) {
     if (session_.options.noexec && !std::holds_alternative<ast::SetOptionStatement>(statement.node)) {
         return Flow::Next;
     }
+    session_.BeginStatement();
     try {
-        return Execute(statement);
+        const Flow flow = Execute(statement);
+        if (HasEnd(statement)) {
+            session_.EndStatement();
+        }
+        return flow;
     } catch (const SqlError& error) {
         Report(error);
     } catch (const StorageError& error) {
         Report(error);
     }
+    EndFailed();
     return Flow::Next;
 }
 
@@ -315,6 +339,7 @@ Interpreter::Flow Interpreter::RunTry(const ast::TryStatement& statement) {
             throw;
         }
         session_.caught.push_back({failure.message});
+        EndFailed(); // Its result set may have begun.
     } catch (...) {
         leave();
         throw;

@@ -69,6 +69,8 @@ class Interpreter {
     void RunScope(const ast::StatementList& list);
     Flow RunStatement(const ast::Statement& statement);
     Flow Execute(const ast::Statement& statement);
+    /// Tells the sink that a failed statement has ended, whatever it has told before.
+    void EndFailed() { session_.Done(Command::None, std::nullopt); }
     Flow ExecuteSimple(const ast::Statement& statement);
     Flow ExecuteDefinition(const ast::Statement& statement);
     Flow RunTry(const ast::TryStatement& statement);

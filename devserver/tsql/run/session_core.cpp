@@ -462,7 +462,15 @@ void SessionCore::Info(std::int32_t number, std::initializer_list<std::string_vi
 }
 
 void SessionCore::Done(Command command, std::optional<std::int64_t> rows) {
+    statement_ended_ = true;
     sink_->StatementDone(command, options.nocount ? std::nullopt : rows, !frame_->procedure.empty());
+}
+
+void SessionCore::EndStatement() {
+    const bool silent = options.nocount && !frame_->procedure.empty();
+    if (!statement_ended_ && !silent) {
+        Done(Command::None, std::nullopt);
+    }
 }
 
 void SessionCore::CheckCancelled() const {

@@ -205,6 +205,10 @@ class SessionCore {
     void Info(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
               std::uint8_t state = 1);
     void Done(Command command, std::optional<std::int64_t> rows);
+    /// Around each statement: tells the sink of its end where nothing that it ran has done so. In a procedure
+    /// under NOCOUNT such an end is left out.
+    void BeginStatement() { statement_ended_ = false; }
+    void EndStatement();
 
     /// Throws when the client has asked for an end, or the session has been thrown out.
     void CheckCancelled() const;
@@ -259,6 +263,7 @@ class SessionCore {
     Attached* Current(Catalogue& catalogue);
 
     ResultSink* sink_ = nullptr;
+    bool statement_ended_ = false;
     RemoteServers remote_;
     std::map<std::int32_t, Prepared> prepared_;
     std::int32_t next_prepared_ = 1;
