@@ -61,6 +61,9 @@ class Connection {
     void RunBatch(const ClientMessage& message, Response& response);
     void RunCalls(const ClientMessage& message, Response& response);
     void RunTransaction(const ClientMessage& message, Response& response);
+    /// Sets the isolation level of a transaction that is to begin; false when the client has been told of an
+    /// error.
+    bool SetIsolation(const std::string& statement, Response& response);
     bool ResetSession(Response& response);
     /// Tells the client that a transaction is open, or none any more, if it believes otherwise: its driver
     /// sends commit and rollback only while it knows of one.

@@ -126,13 +126,28 @@ void Connection::RunCalls(const ClientMessage& message, Response& response) {
 void Connection::RunTransaction(const ClientMessage& message, Response& response) {
     const TransactionRequest request = ParseTransaction(message.data, tokens_.version());
     response.Begin(Response::Kind::Batch);
-    session_->ExecuteBatch(request.statement, response);
+    if (SetIsolation(request.isolation, response)) {
+        session_->ExecuteBatch(request.statement, response);
+    }
     TellTransaction(response, request.ended_by);
-    // Also behind a commit that found nothing to commit: a driver that believes to be in a transaction would
+    // Also after a commit that found nothing to commit: a driver that believes to be in a transaction would
     // roll nothing back.
-    if (!request.next_statement.empty() && session_->TransactionCount() == 0) {
+    if (!request.next_statement.empty() && session_->TransactionCount() == 0 &&
+        SetIsolation(request.next_isolation, response)) {
         session_->ExecuteBatch(request.next_statement, response);
     }
+}
+
+bool Connection::SetIsolation(const std::string& statement, Response& response) {
+    if (statement.empty()) {
+        return true;
+    }
+    QuietSink quiet; // The client has asked for one step and reads one end.
+    session_->ExecuteBatch(statement, quiet);
+    if (quiet.error()) {
+        response.Send(*quiet.error());
+    }
+    return !quiet.error();
 }
 
 void Connection::TellTransaction(Response& response, Environment ended_by) {

@@ -115,22 +115,21 @@ std::string ReadName(ByteReader& reader) {
     return bracketed + "]";
 }
 
-std::string ReadBegin(ByteReader& reader) {
+void ReadBegin(ByteReader& reader, std::string& isolation, std::string& statement) {
     const std::size_t level = reader.Byte();
     if (level >= kIsolationLevels.size()) {
         throw StreamEnded();
     }
-    std::string statement;
     if (level != 0) {
-        statement = std::string("SET TRANSACTION ISOLATION LEVEL ") + kIsolationLevels[level] + " ";
+        isolation = std::string("SET TRANSACTION ISOLATION LEVEL ") + kIsolationLevels[level];
     }
-    return statement + "BEGIN TRANSACTION" + ReadName(reader);
+    statement = "BEGIN TRANSACTION" + ReadName(reader);
 }
 
 /// Commit and rollback may begin the next transaction in the same step.
 void ReadNext(ByteReader& reader, TransactionRequest& request) {
     if (!reader.AtEnd() && (reader.Byte() & 1) != 0) {
-        request.next_statement = ReadBegin(reader);
+        ReadBegin(reader, request.next_isolation, request.next_statement);
     }
 }
 
@@ -177,7 +176,7 @@ TransactionRequest ParseTransaction(std::string_view data, Version version) {
     const auto step = reader.Le<std::uint16_t>();
     switch (step) {
     case kBegin:
-        request.statement = ReadBegin(reader);
+        ReadBegin(reader, request.isolation, request.statement);
         break;
     case kCommit:
         request.ended_by = Environment::CommitTransaction;

@@ -29,9 +29,13 @@ RpcRequest ParseRpc(std::string_view data, Version version);
 
 /// A step of a transaction as drivers ask for it without a statement.
 struct TransactionRequest {
+    /// Sets the isolation level that the new transaction asks for; may be empty. A statement of its own:
+    /// where it fails, no transaction is begun, since the client believes that there is none.
+    std::string isolation;
     std::string statement; ///< the same in T-SQL
     /// What the client is to be told when the transaction has ended by it.
     Environment ended_by = Environment::RollbackTransaction;
+    std::string next_isolation;
     std::string next_statement; ///< begins the transaction that is to follow at once; may be empty
 };
 

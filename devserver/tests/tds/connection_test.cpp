@@ -246,6 +246,28 @@ TEST_F(TdsConnection, TransactionsOfTheDriverBecomeStatements) {
     EXPECT_EQ(script().batches, expected);
 }
 
+TEST_F(TdsConnection, ATransactionWhoseIsolationLevelIsRefusedIsNotBegun) {
+    script().on_batch = [](FakeSession& session, std::string_view sql, ResultSink& sink) {
+        if (sql.ends_with("SNAPSHOT")) {
+            sink.Send({40517, 16, 1, "no SNAPSHOT", {}, 1});
+        } else {
+            RunScript(session, sql, sink);
+        }
+    };
+    TdsClient client = server_.LoggedIn();
+    const std::string headers = FromHex("04000000");
+    client.Send(PacketType::TransactionManager, headers + FromHex("0500 05 00"));
+    EXPECT_EQ(Summarize(client.Receive()), "ERROR(40517) DONE(02,0)");
+    client.Send(PacketType::TransactionManager, headers + FromHex("0500 04 00"));
+    EXPECT_EQ(Summarize(client.Receive()), "ENV(8) DONE(00,0)");
+    client.Send(PacketType::TransactionManager, headers + FromHex("0700 00 01 05 00"));
+    EXPECT_EQ(Summarize(client.Receive()), "ENV(9) DONE(01,0) ERROR(40517) DONE(02,0)");
+    const std::vector<std::string> expected{
+        "SET TRANSACTION ISOLATION LEVEL SNAPSHOT", "SET TRANSACTION ISOLATION LEVEL SERIALIZABLE",
+        "BEGIN TRANSACTION", "COMMIT TRANSACTION", "SET TRANSACTION ISOLATION LEVEL SNAPSHOT"};
+    EXPECT_EQ(script().batches, expected);
+}
+
 TEST_F(TdsConnection, ATransactionThatABatchEndsIsToldToTheDriver) {
     TdsClient client = server_.LoggedIn();
     client.Send(PacketType::TransactionManager, FromHex("04000000 0500 00 00"));

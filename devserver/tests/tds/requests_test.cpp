@@ -116,12 +116,13 @@ TEST(TdsRpc, ACallCutShortIsRefusedAndNeverReadBeyond) {
 TEST(TdsTransaction, StepsBecomeStatements) {
     const auto parse = [](const char* hex) { return ParseTransaction(FromHex(hex), Version::V71); };
     EXPECT_EQ(parse("0500 00 00").statement, "BEGIN TRANSACTION");
-    EXPECT_EQ(parse("0500 04 02 6100").statement,
-              "SET TRANSACTION ISOLATION LEVEL SERIALIZABLE BEGIN TRANSACTION [a]");
+    EXPECT_EQ(parse("0500 00 00").isolation, "");
+    EXPECT_EQ(parse("0500 04 02 6100").isolation, "SET TRANSACTION ISOLATION LEVEL SERIALIZABLE");
+    EXPECT_EQ(parse("0500 04 02 6100").statement, "BEGIN TRANSACTION [a]");
     EXPECT_EQ(parse("0700 00 00").statement, "COMMIT TRANSACTION");
     EXPECT_EQ(parse("0700 00 00").ended_by, Environment::CommitTransaction);
-    EXPECT_EQ(parse("0700 00 01 02 00").next_statement,
-              "SET TRANSACTION ISOLATION LEVEL READ COMMITTED BEGIN TRANSACTION");
+    EXPECT_EQ(parse("0700 00 01 02 00").next_isolation, "SET TRANSACTION ISOLATION LEVEL READ COMMITTED");
+    EXPECT_EQ(parse("0700 00 01 02 00").next_statement, "BEGIN TRANSACTION");
     EXPECT_EQ(parse("0800 00 00").statement, "ROLLBACK TRANSACTION");
     EXPECT_EQ(parse("0800 02 6100 00").statement, "ROLLBACK TRANSACTION [a]");
     EXPECT_EQ(parse("0900 04 61005D00").statement, "SAVE TRANSACTION [a]]]");
