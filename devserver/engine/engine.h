@@ -84,6 +84,23 @@ struct RpcCall {
     std::vector<RpcParameter> parameters;
 };
 
+/// The rows of a bulk load, as they come from the client.
+class BulkRows {
+  public:
+    enum class Step : std::uint8_t {
+        Row,
+        Waiting, ///< nothing came for a moment: the caller can look whether it is to end
+        End,
+        Gone, ///< the client has taken the load back, or what it sent makes no sense: nothing is to be kept
+    };
+    virtual ~BulkRows() = default;
+
+    /// The next row, a value for each of Types().
+    virtual Step Next(std::vector<Value>& row) = 0;
+    /// Of the rows' columns; known once a row or the end has come.
+    virtual const std::vector<Type>& Types() const = 0;
+};
+
 /// One client: its database, options, temporary tables and transaction. Used by one thread at a time, except
 /// Cancel.
 class Session {
@@ -94,6 +111,8 @@ class Session {
     virtual void ExecuteBatch(std::string_view sql, ResultSink& sink) = 0;
     /// Calls a procedure: stored, of the system, or sp_executesql and its kin.
     virtual void ExecuteProcedure(const RpcCall& call, ResultSink& sink) = 0;
+    /// Takes the rows that the INSERT BULK of the last batch has announced.
+    virtual void LoadRows(BulkRows& rows, ResultSink& sink) = 0;
     /// Asks the running call to end soon (attention); may be called from any thread, at any time.
     virtual void Cancel() = 0;
     /// The current database.

@@ -170,8 +170,8 @@ void Connection::AnswerLogin(const Login& login, Response& response) {
 void Connection::ReadRequests() {
     try {
         while (WaitForInput()) {
-            std::optional<ClientMessage> message = ReadMessage(socket_, kLargestMessage, std::nullopt);
-            if (!message || !Deliver(std::move(*message))) {
+            std::optional<ClientPacket> first = ReadPacket(socket_, std::nullopt);
+            if (!first || !ReadRequest(std::move(*first))) {
                 return;
             }
         }
@@ -181,6 +181,36 @@ void Connection::ReadRequests() {
         // The stream has no next message. What runs is ended first: only then nobody else writes.
         EndWork();
         Refuse(error);
+    }
+}
+
+bool Connection::ReadRequest(ClientPacket first) {
+    if (first.type == PacketType::BulkLoad) {
+        return ReadBulk(std::move(first));
+    }
+    return Deliver(ReadRest(socket_, std::move(first), kLargestMessage, std::nullopt));
+}
+
+bool Connection::ReadBulk(ClientPacket first) {
+    using State = PacketChannel::State;
+    const auto packets = std::make_shared<PacketChannel>();
+    // The message's end of the channel: once the message is gone, served or not, nobody waits for its rows.
+    std::shared_ptr<PacketChannel> taken(packets.get(), [packets](PacketChannel* rows) { rows->Close(); });
+    if (!Deliver({first.type, first.status, false, {}, std::move(taken)})) {
+        return false;
+    }
+    try {
+        for (ClientPacket packet = std::move(first);;
+             packet = ReadNextPacket(socket_, PacketType::BulkLoad, std::nullopt)) {
+            packets->Put(packet.data);
+            if (packet.IsLast()) {
+                packets->End(packet.IsIgnored() ? State::TakenBack : State::Whole);
+                return true;
+            }
+        }
+    } catch (...) {
+        packets->End(State::Lost);
+        throw;
     }
 }
 

@@ -50,6 +50,11 @@ class Connection {
     void ReadRequests();
     /// Waits for bytes; false when the connection is to end.
     bool WaitForInput();
+    /// Reads the message that begins with `first` and hands it to the working thread. False when the
+    /// connection is to end.
+    bool ReadRequest(ClientPacket first);
+    /// The same for the rows of a bulk load, which are handed over while they come.
+    bool ReadBulk(ClientPacket first);
     bool Deliver(ClientMessage message);
     void EndWork();
 
@@ -60,6 +65,7 @@ class Connection {
     void RunRequest(const ClientMessage& message, Response& response);
     void RunBatch(const ClientMessage& message, Response& response);
     void RunCalls(const ClientMessage& message, Response& response);
+    void RunBulk(const ClientMessage& message, Response& response);
     void RunTransaction(const ClientMessage& message, Response& response);
     /// Sets the isolation level of a transaction that is to begin; false when the client has been told of an
     /// error.

@@ -1,4 +1,5 @@
 // The working thread of a connection: takes requests one by one and runs them. See connection.h.
+#include "devserver/tds/bulk_load.h"
 #include "devserver/tds/connection.h"
 #include "devserver/tds/quiet_sink.h"
 
@@ -7,10 +8,6 @@ namespace devsql::tds {
 namespace {
 
 ProtocolError NotServed(PacketType type) {
-    if (type == PacketType::BulkLoad) {
-        return {error_number::kNotSupported, kRequestSeverity,
-                "Bulk load is not supported by this development server."};
-    }
     return {error_number::kInputStream, kFatalSeverity,
             "A packet of the type " + std::to_string(static_cast<unsigned>(type)) +
                 " is not expected from a client that has logged in. The session will be terminated."};
@@ -46,6 +43,7 @@ void Connection::Work() {
             changed_.wait(lock);
         }
     }
+    waiting_.clear();
     work_ended_ = true;
     changed_.notify_all();
 }
@@ -95,6 +93,8 @@ void Connection::RunRequest(const ClientMessage& message, Response& response) {
         return RunBatch(message, response);
     case PacketType::Rpc:
         return RunCalls(message, response);
+    case PacketType::BulkLoad:
+        return RunBulk(message, response);
     case PacketType::TransactionManager:
         return RunTransaction(message, response);
     default:
@@ -120,6 +120,18 @@ void Connection::RunCalls(const ClientMessage& message, Response& response) {
         response.End();
         response.Begin(Response::Kind::Procedure);
         throw ProtocolError(*request.error);
+    }
+}
+
+void Connection::RunBulk(const ClientMessage& message, Response& response) {
+    response.Begin(Response::Kind::Batch);
+    BulkReader rows(*message.rows, tokens_.version());
+    session_->LoadRows(rows, response);
+    // The client writes to the end before it reads: what a load that failed has left is dropped first.
+    if (message.rows->Drain() == PacketChannel::State::TakenBack) {
+        response.Fail();
+    } else if (rows.error()) {
+        throw ProtocolError(*rows.error());
     }
 }
 

@@ -46,39 +46,51 @@ Header ParseHeader(const std::array<char, kHeaderSize>& bytes) {
 
 } // namespace
 
-std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit,
-                                         std::optional<std::chrono::steady_clock::time_point> deadline) {
-    ClientMessage message;
-    for (bool first = true;; first = false) {
-        std::array<char, kHeaderSize> bytes{};
-        if (!socket.ReadExactly(bytes.data(), bytes.size(), deadline)) {
-            if (first) {
-                return std::nullopt;
-            }
-            throw ConnectionLost("the peer closed in the middle of a message");
-        }
-        const Header header = ParseHeader(bytes);
-        if (first) {
-            message.type = header.type;
-            message.first_status = header.status;
-        } else if (header.type != message.type) {
-            throw BadPacket("a packet of another type within a message");
-        }
-        const std::size_t before = message.data.size();
-        if (before + header.payload > limit) {
+std::optional<ClientPacket> ReadPacket(const Socket& socket,
+                                       std::optional<std::chrono::steady_clock::time_point> deadline) {
+    std::array<char, kHeaderSize> bytes{};
+    if (!socket.ReadExactly(bytes.data(), bytes.size(), deadline)) {
+        return std::nullopt;
+    }
+    const Header header = ParseHeader(bytes);
+    ClientPacket packet{header.type, header.status, std::string(header.payload, '\0')};
+    if (header.payload > 0 && !socket.ReadExactly(packet.data.data(), header.payload, deadline)) {
+        throw ConnectionLost("the peer closed in the middle of a packet");
+    }
+    return packet;
+}
+
+ClientPacket ReadNextPacket(const Socket& socket, PacketType type,
+                            std::optional<std::chrono::steady_clock::time_point> deadline) {
+    std::optional<ClientPacket> packet = ReadPacket(socket, deadline);
+    if (!packet) {
+        throw ConnectionLost("the peer closed in the middle of a message");
+    }
+    if (packet->type != type) {
+        throw BadPacket("a packet of another type within a message");
+    }
+    return std::move(*packet);
+}
+
+ClientMessage ReadRest(const Socket& socket, ClientPacket first, std::size_t limit,
+                       std::optional<std::chrono::steady_clock::time_point> deadline) {
+    ClientMessage message{first.type, first.status, false, {}};
+    for (ClientPacket packet = std::move(first);; packet = ReadNextPacket(socket, message.type, deadline)) {
+        if (message.data.size() + packet.data.size() > limit) {
             throw BadPacket("a message of more than " + std::to_string(limit) + " bytes");
         }
-        message.data.resize(before + header.payload);
-        if (header.payload > 0 &&
-            !socket.ReadExactly(message.data.data() + before, header.payload, deadline)) {
-            throw ConnectionLost("the peer closed in the middle of a packet");
-        }
-        // An attention has no body, and some clients leave its end bit away.
-        if ((header.status & packet_status::kEndOfMessage) != 0 || header.type == PacketType::Attention) {
-            message.ignore = (header.status & packet_status::kIgnore) != 0;
+        message.data += packet.data;
+        if (packet.IsLast()) {
+            message.ignore = packet.IsIgnored();
             return message;
         }
     }
+}
+
+std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit,
+                                         std::optional<std::chrono::steady_clock::time_point> deadline) {
+    std::optional<ClientPacket> first = ReadPacket(socket, deadline);
+    return first ? std::optional(ReadRest(socket, std::move(*first), limit, deadline)) : std::nullopt;
 }
 
 void PacketWriter::Begin() {

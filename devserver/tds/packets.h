@@ -5,14 +5,30 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "devserver/tds/packet_channel.h"
 #include "devserver/tds/socket.h"
 #include "devserver/tds/wire.h"
 
 namespace devsql::tds {
+
+/// One packet of the client, without its header.
+struct ClientPacket {
+    PacketType type = PacketType::SqlBatch;
+    std::uint8_t status = 0;
+    std::string data;
+
+    /// The message ends with it. An attention has no body, and some clients leave its end bit away.
+    bool IsLast() const {
+        return (status & packet_status::kEndOfMessage) != 0 || type == PacketType::Attention;
+    }
+    /// The client takes the message back.
+    bool IsIgnored() const { return IsLast() && (status & packet_status::kIgnore) != 0; }
+};
 
 /// One whole message of the client.
 struct ClientMessage {
@@ -20,11 +36,23 @@ struct ClientMessage {
     std::uint8_t first_status = 0; ///< of the first packet, which is where a reset is asked for
     bool ignore = false;           ///< the client took the message back with its last packet
     std::string data;
+    /// The rows of a bulk load, which stand in no `data`: they still come while the message is worked on.
+    std::shared_ptr<PacketChannel> rows{};
 };
 
-/// Reads the next message. None when the peer closed between two messages. Throws ConnectionLost as the
-/// socket does, and when `deadline` passed; ProtocolError (fatal) for a packet that can't be or a message
-/// longer than `limit`, after which the stream makes no sense any more.
+/// Reads the next packet. None when the peer closed before it. Throws ConnectionLost as the socket does, and
+/// when `deadline` passed; ProtocolError (fatal) for a packet that can't be, after which the stream makes no
+/// sense any more.
+std::optional<ClientPacket> ReadPacket(const Socket& socket,
+                                       std::optional<std::chrono::steady_clock::time_point> deadline);
+/// Reads the rest of the message that begins with `first`. Throws as ReadPacket does, and ProtocolError
+/// (fatal) for a message longer than `limit`.
+ClientMessage ReadRest(const Socket& socket, ClientPacket first, std::size_t limit,
+                       std::optional<std::chrono::steady_clock::time_point> deadline);
+/// The packet of a message that has begun with another of `type`. Throws as ReadPacket does.
+ClientPacket ReadNextPacket(const Socket& socket, PacketType type,
+                            std::optional<std::chrono::steady_clock::time_point> deadline);
+/// Both: the next message, none when the peer closed between two messages.
 std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit,
                                          std::optional<std::chrono::steady_clock::time_point> deadline);
 

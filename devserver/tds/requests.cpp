@@ -67,14 +67,18 @@ RpcParameter ReadParameter(ByteReader& reader, Version version, int ordinal) {
     RpcParameter parameter;
     parameter.name = ReadText(reader, reader.Byte());
     const std::uint8_t flags = reader.Byte();
+    parameter.output = (flags & kByReference) != 0;
     // FreeTDS has no other word for a parameter that a call leaves out, as "?,,?" does, than the type that
     // holds no data, without the flag.
     const bool left_out = reader.Peek() == static_cast<std::uint8_t>(WireType::Null);
+    parameter.use_default = left_out || (flags & kDefaultValue) != 0;
+    if (left_out) {
+        reader.Byte();
+        return parameter;
+    }
     TypedValue typed = ReadTypedValue(reader, version, {ordinal, parameter.name});
     parameter.type = typed.type;
     parameter.value = std::move(typed.value);
-    parameter.output = (flags & kByReference) != 0;
-    parameter.use_default = left_out || (flags & kDefaultValue) != 0;
     return parameter;
 }
 

@@ -39,23 +39,24 @@ enum class Shape : std::uint8_t {
 };
 
 /// What is known of a parameter when its bytes are turned into a value.
-struct Context {
-    WireType wire;
-    Type type;
-    std::size_t size = 0;
-    std::uint8_t scale = 0;
-    const ParameterPlace& place;
+struct Context : WireFormat {
+    const ValuePlace& place;
 };
 
-std::string Where(const ParameterPlace& place, WireType wire) {
-    std::array<char, 8> hex{};
-    std::snprintf(hex.data(), hex.size(), "0x%02X", static_cast<unsigned>(wire));
-    return "The incoming tabular data stream (TDS) remote procedure call (RPC) protocol stream is incorrect. "
-           "Parameter " +
-           std::to_string(place.ordinal) + " (\"" + place.name + "\"): Data type " + hex.data() + " ";
+const char* KindOf(const ValuePlace& place) {
+    return place.column ? "Column" : "Parameter";
 }
 
-ProtocolError UnknownType(const ParameterPlace& place, WireType wire) {
+std::string Where(const ValuePlace& place, WireType wire) {
+    std::array<char, 8> hex{};
+    std::snprintf(hex.data(), hex.size(), "0x%02X", static_cast<unsigned>(wire));
+    return std::string("The incoming tabular data stream (TDS) ") +
+           (place.column ? "bulk load" : "remote procedure call (RPC)") + " protocol stream is incorrect. " +
+           KindOf(place) + " " + std::to_string(place.ordinal) + " (\"" + place.name + "\"): Data type " +
+           hex.data() + " ";
+}
+
+ProtocolError UnknownType(const ValuePlace& place, WireType wire) {
     return {error_number::kRpcUnknownType, kRequestSeverity, Where(place, wire) + "is unknown."};
 }
 
@@ -249,7 +250,7 @@ struct Entry {
 
 using enum TypeId;
 
-constexpr std::array<Entry, 39> kEntries{{
+constexpr std::array<Entry, 38> kEntries{{
     {WireType::Int1, Shape::Fixed, 1, false, TinyInt, ReadInteger},
     {WireType::Bit, Shape::Fixed, 1, false, Bit, ReadBit},
     {WireType::Int2, Shape::Fixed, 2, false, SmallInt, ReadInteger},
@@ -288,7 +289,6 @@ constexpr std::array<Entry, 39> kEntries{{
     {WireType::Text, Shape::Long, 0, true, Text, ReadNarrow},
     {WireType::NText, Shape::Long, 0, true, NText, ReadWide},
     {WireType::Image, Shape::Long, 0, false, Image, ReadBinary},
-    {WireType::Null, Shape::Fixed, 0, false, VarChar, ReadNarrow},
 }};
 
 struct Refused {
@@ -303,12 +303,12 @@ constexpr std::array<Refused, 4> kRefused{{
     {WireType::Table, "a table type"},
 }};
 
-const Entry& FindEntry(WireType wire, const ParameterPlace& place) {
+const Entry& FindEntry(WireType wire, const ValuePlace& place) {
     for (const Refused& refused : kRefused) {
         if (refused.wire == wire) {
             throw ProtocolError(error_number::kNotSupported, kRequestSeverity,
-                                "Parameter " + std::to_string(place.ordinal) + " (\"" + place.name +
-                                    "\"): the type " + refused.name +
+                                std::string(KindOf(place)) + " " + std::to_string(place.ordinal) + " (\"" +
+                                    place.name + "\"): the type " + refused.name +
                                     " is not supported by this development server.");
         }
     }
@@ -418,9 +418,6 @@ void ReadTypeInfo(ByteReader& reader, const Entry& entry, Version version, Conte
     if (entry.collation) {
         reader.Take(sizeof kCollation);
     }
-    if (context.wire == WireType::Null) {
-        context.type.length = 1;
-    }
 }
 
 std::optional<std::string> ReadChunks(ByteReader& reader, const Context& context) {
@@ -454,7 +451,7 @@ std::optional<std::string> ReadByteCounted(ByteReader& reader, const Context& co
 std::optional<std::string> ReadContent(ByteReader& reader, const Entry& entry, const Context& context) {
     switch (entry.shape) {
     case Shape::Fixed:
-        return entry.size == 0 ? std::nullopt : std::optional(std::string(reader.Take(entry.size)));
+        return std::string(reader.Take(entry.size));
     case Shape::Byte:
     case Shape::Numeric:
     case Shape::Scaled:
@@ -483,16 +480,24 @@ std::optional<std::string> ReadContent(ByteReader& reader, const Entry& entry, c
 
 } // namespace
 
-TypedValue ReadTypedValue(ByteReader& reader, Version version, const ParameterPlace& place) {
+WireFormat ReadFormat(ByteReader& reader, Version version, const ValuePlace& place) {
     const auto wire = static_cast<WireType>(reader.Byte());
     const Entry& entry = FindEntry(wire, place);
-    Context context{wire, Type{entry.type}, 0, 0, place};
+    Context context{{wire, Type{entry.type}, 0, 0}, place};
     ReadTypeInfo(reader, entry, version, context);
+    return context;
+}
+
+Value ReadValue(ByteReader& reader, const WireFormat& format, const ValuePlace& place) {
+    const Entry& entry = FindEntry(format.wire, place);
+    const Context context{format, place};
     const std::optional<std::string> content = ReadContent(reader, entry, context);
-    if (!content) {
-        return {context.type, Value{}};
-    }
-    return {context.type, entry.read(context, *content)};
+    return content ? entry.read(context, *content) : Value{};
+}
+
+TypedValue ReadTypedValue(ByteReader& reader, Version version, const ValuePlace& place) {
+    const WireFormat format = ReadFormat(reader, version, place);
+    return {format.type, ReadValue(reader, format, place)};
 }
 
 } // namespace devsql::tds

@@ -10,21 +10,34 @@
 
 namespace devsql::tds {
 
+/// A type as a client has described it; values follow it, one for a parameter, one in each row of a bulk
+/// load.
+struct WireFormat {
+    WireType wire = WireType::IntN;
+    Type type;
+    std::size_t size = 0;   ///< bytes that a value has, or may have
+    std::uint8_t scale = 0; ///< of a time
+};
+
 struct TypedValue {
     Type type;
     Value value;
 };
 
-/// Which parameter an error is about.
-struct ParameterPlace {
+/// Which parameter, or column of a bulk load, an error is about.
+struct ValuePlace {
     int ordinal = 1;
     std::string name;
+    bool column = false;
 };
 
-/// Reads type and value. date, time, datetime2 and datetimeoffset of TDS 7.3, which the server has no types
+/// Reads the description of a type. Throws ProtocolError: 8009 for a type that does not exist, 40510 for one
+/// that is not supported, 8016 for a length that can't be, 4002 when the data ends.
+WireFormat ReadFormat(ByteReader& reader, Version version, const ValuePlace& place);
+/// Reads a value. Throws ProtocolError: 8016, 8023 for a value that is none, 4002.
+Value ReadValue(ByteReader& reader, const WireFormat& format, const ValuePlace& place);
+/// Reads both. date, time, datetime2 and datetimeoffset of TDS 7.3, which the server has no types
 /// for, are taken as datetime (a time on 1900-01-01; an offset's local time).
-/// Throws ProtocolError: 8009 for a type that does not exist, 40510 for one that is not supported, 8016 for a
-/// length that can't be, 8023 for a value that is none, 4002 when the data ends.
-TypedValue ReadTypedValue(ByteReader& reader, Version version, const ParameterPlace& place);
+TypedValue ReadTypedValue(ByteReader& reader, Version version, const ValuePlace& place);
 
 } // namespace devsql::tds

@@ -27,6 +27,8 @@ struct FakeScript {
     std::vector<LoginRequest> logins;
     std::vector<std::string> batches;
     std::vector<RpcCall> calls;
+    std::vector<std::vector<Value>> bulk_rows;
+    std::atomic<bool> refuse_bulk = false;
     std::atomic<int> open_sessions = 0;
     std::atomic<int> cancels = 0;
 };
@@ -60,6 +62,22 @@ class FakeSession : public Session {
         if (script_.on_call) {
             script_.on_call(*this, call, sink);
         }
+    }
+    /// Keeps the rows for the test, or stops at the first.
+    void LoadRows(BulkRows& rows, ResultSink& sink) override {
+        std::vector<Value> row;
+        std::int64_t count = 0;
+        for (BulkRows::Step step = rows.Next(row); step != BulkRows::Step::End; step = rows.Next(row)) {
+            if (step == BulkRows::Step::Gone || script_.refuse_bulk) {
+                return;
+            }
+            if (step == BulkRows::Step::Row) {
+                const std::lock_guard lock(script_.mutex);
+                script_.bulk_rows.push_back(row);
+                ++count;
+            }
+        }
+        sink.StatementDone(Command::Insert, count, false);
     }
     void Cancel() override {
         cancelled_ = true;

@@ -130,6 +130,13 @@ struct InsertStatement {
     std::optional<Top> top;
     std::vector<OutputClause> outputs;
 };
+/// INSERT BULK: what a client says before it sends rows, whose types it tells with them.
+struct InsertBulkStatement {
+    Name table;
+    std::vector<std::string> columns;
+    bool check_constraints = false;
+    bool keep_nulls = false;
+};
 struct Assignment {
     std::string column;
     std::string variable; ///< SET @v = expr, SET @v = column = expr
@@ -215,12 +222,12 @@ struct Statement {
                  BlockStatement, BreakStatement, ContinueStatement, ReturnStatement, GotoStatement,
                  LabelStatement, PrintStatement, RaiserrorStatement, ThrowStatement, WaitforStatement,
                  TryStatement, ExecuteStatement, ExecuteStringStatement, TransactionStatement, UseStatement,
-                 QueryPtr, InsertStatement, UpdateStatement, DeleteStatement, TruncateStatement,
-                 CreateTableStatement, AlterTableStatement, DropStatement, CreateIndexStatement,
-                 DropIndexStatement, CreateModuleStatement, CreateDatabaseStatement, AlterDatabaseStatement,
-                 GrantStatement, CreatePrincipalStatement, CreateTypeStatement, AlterRoleStatement,
-                 CursorDeclareStatement, CursorStatement, FetchStatement, MaintenanceStatement,
-                 CheckIdentityStatement, KillStatement>
+                 QueryPtr, InsertStatement, InsertBulkStatement, UpdateStatement, DeleteStatement,
+                 TruncateStatement, CreateTableStatement, AlterTableStatement, DropStatement,
+                 CreateIndexStatement, DropIndexStatement, CreateModuleStatement, CreateDatabaseStatement,
+                 AlterDatabaseStatement, GrantStatement, CreatePrincipalStatement, CreateTypeStatement,
+                 AlterRoleStatement, CursorDeclareStatement, CursorStatement, FetchStatement,
+                 MaintenanceStatement, CheckIdentityStatement, KillStatement>
         node;
     std::int32_t line = 1;
 };

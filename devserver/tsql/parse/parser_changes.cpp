@@ -32,6 +32,50 @@ InsertStatement Parser::ParseInsert() {
     return insert;
 }
 
+/// INSERT BULK t (a int, b varchar(10) COLLATE c) WITH (TABLOCK, ROWS_PER_BATCH = 100). The declared types
+/// count for nothing: the rows bring theirs.
+InsertBulkStatement Parser::ParseInsertBulk() {
+    InsertBulkStatement bulk;
+    ExpectWord("INSERT");
+    ExpectWord("BULK");
+    bulk.table = TakeObjectName();
+    ExpectSymbol("(");
+    do {
+        bulk.columns.push_back(TakeName());
+        ParseType();
+        if (TakeWord("COLLATE")) {
+            TakeName();
+        }
+        if (!TakeWords({"NOT", "NULL"})) {
+            TakeWord("NULL");
+        }
+    } while (TakeSymbol(","));
+    ExpectSymbol(")");
+    if (TakeWord("WITH")) {
+        ParseBulkOptions(bulk);
+    }
+    return bulk;
+}
+
+void Parser::ParseBulkOptions(InsertBulkStatement& bulk) {
+    ExpectSymbol("(");
+    do {
+        if (TakeWord("CHECK_CONSTRAINTS")) {
+            bulk.check_constraints = true;
+        } else if (TakeWord("KEEP_NULLS")) {
+            bulk.keep_nulls = true;
+        } else if (TakeWord("ORDER")) { // The rest asks for a way, or for triggers, which there are not.
+            SkipParenthesized();
+        } else if (TakeWord("ROWS_PER_BATCH") || TakeWord("KILOBYTES_PER_BATCH")) {
+            ExpectSymbol("=");
+            Take();
+        } else if (TakeOneOf({"TABLOCK", "FIRE_TRIGGERS"}) < 0) {
+            Fail(321, {Peek().text});
+        }
+    } while (TakeSymbol(","));
+    ExpectSymbol(")");
+}
+
 /// OUTPUT … INTO …, and a second OUTPUT that goes to the client.
 void Parser::ParseOutputs(std::vector<OutputClause>& outputs) {
     while (TakeWord("OUTPUT")) {

@@ -127,6 +127,8 @@ class Parser {
     void ParseOffset(ast::Query& query);
     void ParseOutputs(std::vector<ast::OutputClause>& outputs);
     ast::InsertStatement ParseInsert();
+    ast::InsertBulkStatement ParseInsertBulk();
+    void ParseBulkOptions(ast::InsertBulkStatement& bulk);
     void ParseInsertSource(ast::InsertStatement& insert);
     ast::UpdateStatement ParseUpdate();
     ast::Assignment ParseAssignment();

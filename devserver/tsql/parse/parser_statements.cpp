@@ -80,6 +80,9 @@ StatementPtr Parser::ParseDataStatement() {
         return Wrap(std::move(query));
     }
     if (IsWord("INSERT")) {
+        if (IsWord("BULK", 1)) {
+            return Wrap(ParseInsertBulk());
+        }
         return Wrap(ParseInsert());
     }
     if (IsWord("UPDATE")) {

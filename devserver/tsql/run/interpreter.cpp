@@ -9,6 +9,7 @@
 #include "devserver/tsql/parse/overloaded.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/procedures/system_procedures.h"
+#include "devserver/tsql/run/bulk_insert.h"
 #include "devserver/tsql/run/server.h"
 #include "devserver/tsql/run/statements.h"
 #include "devserver/tsql/scalar/compare.h"
@@ -165,6 +166,20 @@ void Interpreter::RunBatch(std::string_view sql) {
             throw;
         }
         session_.Pop();
+    });
+}
+
+void Interpreter::RunBulk(const ast::InsertBulkStatement& bulk, BulkRows& rows) {
+    RunGuarded([&] {
+        session_.line = 1;
+        changes_rows_ = true;
+        try {
+            RunBulkInsert(session_, bulk, rows);
+        } catch (const SqlError& error) {
+            Report(error);
+        } catch (const StorageError& error) {
+            Report(error);
+        }
     });
 }
 
@@ -433,6 +448,7 @@ Interpreter::Flow Interpreter::ExecuteSimple(const ast::Statement& statement) {
                 RunInsert(session_, s, [this](const ast::Statement& nested) { return Capture(nested); });
                 return true;
             },
+            [&](const ast::InsertBulkStatement& s) { return BeginBulkInsert(session_, s), true; },
             [&](const ast::UpdateStatement& s) { return RunUpdate(session_, s), true; },
             [&](const ast::DeleteStatement& s) { return RunDelete(session_, s), true; },
             [&](const ast::TruncateStatement& s) { return RunTruncate(session_, s), true; },

@@ -46,6 +46,8 @@ class Interpreter {
     void RunBatch(std::string_view sql);
     /// A procedure call from the client.
     void RunCall(const RpcCall& call);
+    /// The rows for the INSERT BULK that the session has run last.
+    void RunBulk(const ast::InsertBulkStatement& bulk, BulkRows& rows);
 
     // ---- for the system procedures
     /// EXEC of a string, in a frame with the given variables; those may come back changed.

@@ -216,9 +216,14 @@ void RowWriter::Insert(std::vector<std::optional<Value>> given) {
     if (observer_) {
         observer_(nullptr, &row);
     }
-    if (!table_.foreign_keys.empty()) {
+    if (!table_.foreign_keys.empty() && !ignores_keys_) {
         new_rows_.push_back(std::move(row));
     }
+}
+
+void RowWriter::IgnoreConstraints() {
+    checks_.clear();
+    ignores_keys_ = true;
 }
 
 void RowWriter::Complete(RowValues& row) {

@@ -28,6 +28,8 @@ class RowWriter {
 
     /// One row for INSERT: none stands for a column that wasn't given. Values are of the columns' types.
     void Insert(std::vector<std::optional<Value>> given);
+    /// Leaves out CHECK and foreign keys, as a bulk load does.
+    void IgnoreConstraints();
     /// Rows with their old and new values.
     void Update(const std::vector<StoredRow>& before, std::vector<RowValues> after);
     void Delete(const std::vector<StoredRow>& rows);
@@ -95,6 +97,7 @@ class RowWriter {
     std::optional<std::int64_t> identity_; ///< the counter
     bool identity_loaded_ = false;
     bool identity_dirty_ = false;
+    bool ignores_keys_ = false; ///< foreign ones
     std::optional<std::int64_t> identity_given_;
 };
 

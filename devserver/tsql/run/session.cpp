@@ -1,5 +1,7 @@
 #include "devserver/tsql/run/session.h"
 
+#include <utility>
+
 #include "devserver/tsql/run/interpreter.h"
 
 namespace devsql {
@@ -30,11 +32,33 @@ void ClientSession::Run(ResultSink& sink, const std::function<void()>& work) {
 }
 
 void ClientSession::ExecuteBatch(std::string_view sql, ResultSink& sink) {
-    Run(sink, [&] { Interpreter(core_).RunBatch(sql); });
+    RunOther(sink, [&] { Interpreter(core_).RunBatch(sql); });
 }
 
 void ClientSession::ExecuteProcedure(const RpcCall& call, ResultSink& sink) {
-    Run(sink, [&] { Interpreter(core_).RunCall(call); });
+    RunOther(sink, [&] { Interpreter(core_).RunCall(call); });
+}
+
+void ClientSession::RunOther(ResultSink& sink, const std::function<void()>& work) {
+    if (std::exchange(core_.bulk, nullptr)) {
+        sink.Send(
+            {4022, 16, 1, "Bulk load data was expected but not sent. The batch will be terminated.", "", 1});
+        return;
+    }
+    Run(sink, work);
+}
+
+void ClientSession::LoadRows(BulkRows& rows, ResultSink& sink) {
+    const std::shared_ptr<const ast::InsertBulkStatement> bulk = std::exchange(core_.bulk, nullptr);
+    if (!bulk) {
+        sink.Send(
+            {4002, 16, 1,
+             "The incoming tabular data stream (TDS) protocol stream is incorrect. Rows of a bulk load came "
+             "without an INSERT BULK before them.",
+             "", 1});
+        return;
+    }
+    Run(sink, [&] { Interpreter(core_).RunBulk(*bulk, rows); });
 }
 
 void ClientSession::Enter(const std::string& database, ResultSink& sink) {

@@ -15,6 +15,7 @@ class ClientSession : public Session {
 
     void ExecuteBatch(std::string_view sql, ResultSink& sink) override;
     void ExecuteProcedure(const RpcCall& call, ResultSink& sink) override;
+    void LoadRows(BulkRows& rows, ResultSink& sink) override;
     void Cancel() override { core_.Cancel(); }
     std::string Database() const override { return core_.SessionDatabase(); }
     std::int32_t Id() const override { return core_.id; }
@@ -26,6 +27,8 @@ class ClientSession : public Session {
 
   private:
     void Run(ResultSink& sink, const std::function<void()>& work);
+    /// A request that is not the rows that INSERT BULK has announced.
+    void RunOther(ResultSink& sink, const std::function<void()>& work);
 
     SessionCore core_;
 };

@@ -25,6 +25,10 @@
 
 namespace devsql {
 
+namespace ast {
+struct InsertBulkStatement;
+}
+
 class Server;
 class SessionCore;
 
@@ -232,6 +236,7 @@ class SessionCore {
     std::string identity_insert; ///< the table under SET IDENTITY_INSERT ON, as "database.schema.table"
     std::int32_t line = 1;       ///< of the running statement
     std::vector<CaughtError> caught;
+    std::shared_ptr<const ast::InsertBulkStatement> bulk; ///< whose rows are to come next
 
     /// Held while a call runs; who throws a session out takes it to close what the session holds.
     std::mutex running;

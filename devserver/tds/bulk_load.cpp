@@ -1,0 +1,143 @@
+// Takes the rows apart while they come. See bulk_load.h.
+#include "devserver/tds/bulk_load.h"
+
+#include <utility>
+
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql::tds {
+
+namespace {
+
+/// A row that is longer than this ends the load.
+constexpr std::size_t kLongestRow = kLargestMessage;
+constexpr std::uint16_t kNoColumns = 0xFFFF;
+constexpr std::size_t kTimestampSize = 8;
+constexpr std::uint8_t kDone = static_cast<std::uint8_t>(DoneToken::Done);
+
+bool HasTextPointer(WireType wire) {
+    return wire == WireType::Text || wire == WireType::NText || wire == WireType::Image;
+}
+
+std::string ReadShortText(ByteReader& reader) {
+    return FromUtf16Le(reader.Take(std::size_t{reader.Byte()} * 2));
+}
+
+/// The table of a text column: one name in every version, where an answer has its parts since 7.2.
+void SkipTableName(ByteReader& reader) {
+    reader.Take(std::size_t{reader.Le<std::uint16_t>()} * 2);
+}
+
+} // namespace
+
+BulkRows::Step BulkReader::Next(std::vector<Value>& row) {
+    while (!ended_) {
+        if (buffer_.size() - position_ < wanted_ && !More()) {
+            if (state_ == PacketChannel::State::Open) {
+                return Step::Waiting;
+            }
+            if (state_ != PacketChannel::State::Whole) {
+                return Step::Gone;
+            }
+            if (columns_ && position_ == buffer_.size()) {
+                break; // FreeTDS writes no DONE after its rows.
+            }
+            wanted_ = buffer_.size() - position_; // All there is.
+        }
+        ByteReader reader(std::string_view(buffer_).substr(position_));
+        try {
+            const Step step = Read(reader, row);
+            if (step == Step::End && state_ != PacketChannel::State::Whole) {
+                // Whether the client takes it back is said by the message's last packet.
+                wanted_ = buffer_.size() - position_ + 1;
+                continue;
+            }
+            position_ += reader.position();
+            wanted_ = 1;
+            if (step != Step::Waiting) {
+                ended_ = step == Step::End;
+                return step;
+            }
+        } catch (const ProtocolError& error) {
+            const std::size_t had = buffer_.size() - position_;
+            if (error.number() != error_number::kStreamEnded || state_ != PacketChannel::State::Open ||
+                had > kLongestRow) {
+                error_ = error;
+                return Step::Gone;
+            }
+            // The row goes on in a later packet. Twice as much is waited for each time: what has been read is
+            // read again.
+            wanted_ = had * 2;
+        }
+    }
+    return Step::End;
+}
+
+bool BulkReader::More() {
+    if (state_ != PacketChannel::State::Open) {
+        return false;
+    }
+    buffer_.erase(0, position_);
+    position_ = 0;
+    state_ = packets_.Take(buffer_);
+    return buffer_.size() >= wanted_;
+}
+
+BulkRows::Step BulkReader::Read(ByteReader& reader, std::vector<Value>& row) {
+    switch (reader.Byte()) {
+    case token::kColumnMetadata:
+        ReadColumns(reader);
+        return Step::Waiting;
+    case token::kRow:
+        ReadRow(reader, row);
+        return Step::Row;
+    case kDone:
+        return Step::End;
+    default:
+        throw ProtocolError(
+            error_number::kStreamEnded, kRequestSeverity,
+            "The incoming tabular data stream (TDS) bulk load protocol stream is incorrect. A token "
+            "came that is neither columns nor a row nor the end.");
+    }
+}
+
+void BulkReader::ReadColumns(ByteReader& reader) {
+    std::vector<BulkColumn> columns;
+    const auto count = reader.Le<std::uint16_t>();
+    for (int i = 1; count != kNoColumns && i <= count; ++i) {
+        BulkColumn column{{}, {i, {}, true}};
+        reader.Take(Has72(version_) ? sizeof(std::uint32_t) : sizeof(std::uint16_t)); // the user type
+        reader.Take(sizeof(std::uint16_t));                                           // flags
+        column.format = ReadFormat(reader, version_, column.place);
+        if (HasTextPointer(column.format.wire)) {
+            SkipTableName(reader);
+        }
+        column.place.name = ReadShortText(reader);
+        columns.push_back(std::move(column));
+    }
+    types_.clear();
+    for (const BulkColumn& column : columns) {
+        types_.push_back(column.format.type);
+    }
+    columns_ = std::move(columns);
+}
+
+void BulkReader::ReadRow(ByteReader& reader, std::vector<Value>& row) const {
+    if (!columns_) {
+        throw StreamEnded();
+    }
+    row.clear();
+    for (const BulkColumn& column : *columns_) {
+        if (HasTextPointer(column.format.wire)) {
+            const std::size_t pointer = reader.Byte();
+            if (pointer == 0) {
+                row.emplace_back();
+                continue;
+            }
+            reader.Take(pointer + kTimestampSize);
+        }
+        row.push_back(ReadValue(reader, column.format, column.place));
+    }
+}
+
+} // namespace devsql::tds

@@ -1,0 +1,44 @@
+// Carries the packets of one long message from the thread that reads them to the one that works on them, so
+// that a bulk load of any length needs little memory. Knows nothing of what they say.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <string>
+
+namespace devsql::tds {
+
+class PacketChannel {
+  public:
+    enum class State : std::uint8_t {
+        Open,
+        Whole,     ///< the message has ended
+        TakenBack, ///< the client has taken it back
+        Lost,      ///< the connection has ended within it
+    };
+
+    /// Waits while much lies here that nobody has taken. After Close the bytes are dropped.
+    void Put(const std::string& bytes);
+    /// Nothing more is put.
+    void End(State state);
+    /// Adds to `bytes` what has come, waiting for a moment where nothing has. Open when more may follow; else
+    /// how the message ended, once all its bytes have been taken.
+    State Take(std::string& bytes);
+    /// Drops everything up to the message's end, which it waits for; how it ended. None of it is taken any
+    /// more.
+    State Drain();
+    /// Nothing more is taken: who puts does not wait.
+    void Close();
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::string bytes_;
+    State state_ = State::Open;
+    bool closed_ = false;
+};
+
+} // namespace devsql::tds

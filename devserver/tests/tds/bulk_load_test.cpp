@@ -1,0 +1,231 @@
+// Bulk loads as clients write them: the bytes, and the way of a long message through the connection.
+#include "devserver/tds/bulk_load.h"
+
+#include <gtest/gtest.h>
+
+#include "devserver/tests/hex.h"
+#include "devserver/tests/tds/running_server.h"
+
+namespace devsql::tds {
+namespace {
+
+using fakes::FromHex;
+using fakes::Packets;
+using fakes::ParseTokens;
+using fakes::RunningServer;
+using fakes::Summary;
+using fakes::TdsClient;
+using fakes::Utf16;
+using Step = BulkRows::Step;
+using State = PacketChannel::State;
+
+/// An int and an nvarchar(100), not null, as since 7.2.
+std::string Columns() {
+    return FromHex("81 0200 00000000 0000 26 04 01") + Utf16("a") +
+           FromHex("00000000 0000 E7 C800 0904D00034 01") + Utf16("b");
+}
+const std::string kDone = FromHex("FD 0000 0000 0000000000000000");
+
+std::string Row(std::uint8_t number, std::string_view text) {
+    std::string row = FromHex("D1 04") + static_cast<char>(number) + FromHex("000000");
+    row += static_cast<char>(text.size() * 2);
+    return row + '\0' + Utf16(text);
+}
+
+class TdsBulkReader : public testing::Test {
+  protected:
+    /// Everything that comes of `data`, whole rows as "7 x", then how it ends.
+    std::string ReadAll(const std::string& data, State end = State::Whole, Version version = Version::V74) {
+        PacketChannel packets;
+        packets.Put(data);
+        packets.End(end);
+        BulkReader reader(packets, version);
+        std::string text;
+        std::vector<Value> row;
+        for (;;) {
+            const Step step = reader.Next(row);
+            if (step == Step::End) {
+                return text + "end";
+            }
+            if (step == Step::Gone) {
+                return text + (reader.error() ? std::to_string(reader.error()->number()) : "gone");
+            }
+            if (step == Step::Row) {
+                for (const Value& value : row) {
+                    text += IsNull(value) ? "null "
+                            : std::holds_alternative<std::string>(value)
+                                ? std::get<std::string>(value) + " "
+                                : std::to_string(std::get<std::int64_t>(value)) + " ";
+                }
+            }
+        }
+    }
+};
+
+TEST_F(TdsBulkReader, RowsFollowTheirColumns) {
+    EXPECT_EQ(ReadAll(Columns() + kDone), "end");
+    EXPECT_EQ(ReadAll(Columns() + Row(7, "x")), "7 x end"); // FreeTDS writes no end.
+    EXPECT_EQ(ReadAll(Columns() + Row(7, "x") + Row(8, "") + FromHex("D1 00 FFFF") + kDone),
+              "7 x 8  null null end");
+}
+
+TEST_F(TdsBulkReader, RowsMayBeCutAnywhere) {
+    const std::string data = Columns() + Row(7, "x") + Row(8, std::string(90, 'y')) + kDone;
+    for (std::size_t cut = 0; cut <= data.size(); ++cut) {
+        PacketChannel packets;
+        packets.Put(data.substr(0, cut));
+        BulkReader reader(packets, Version::V74);
+        std::vector<Value> row;
+        std::size_t rows = 0;
+        Step step = reader.Next(row);
+        for (; step == Step::Row; step = reader.Next(row)) {
+            ++rows;
+        }
+        ASSERT_EQ(step, Step::Waiting) << cut; // Also after DONE: the message may still be taken back.
+        packets.Put(data.substr(cut));
+        packets.End(State::Whole);
+        while ((step = reader.Next(row)) == Step::Row) {
+            ++rows;
+        }
+        ASSERT_EQ(step, Step::End) << cut;
+        ASSERT_EQ(rows, 2U) << cut;
+        ASSERT_EQ(row[1], Value(std::string(90, 'y'))) << cut;
+    }
+}
+
+TEST_F(TdsBulkReader, TextsOfOldBringAPointerInEachRow) {
+    const std::string head = FromHex("81 0100");
+    const std::string tail = FromHex("01") + Utf16("t");
+    const std::string row = FromHex("D1 10") + std::string(16, '\0') + std::string(8, '\0') +
+                            FromHex("03000000 616263") + FromHex("D1 00");
+    // The table's name is one text in every version.
+    EXPECT_EQ(ReadAll(head + FromHex("00000000 0000 23 FFFFFF7F 0904D00034 0100") + Utf16("t") + tail + row +
+                      kDone),
+              "abc null end");
+    EXPECT_EQ(
+        ReadAll(head + FromHex("0000 0000 23 FFFFFF7F 0904D00034 0100") + Utf16("t") + tail + row + kDone,
+                State::Whole, Version::V71),
+        "abc null end");
+}
+
+TEST_F(TdsBulkReader, AMessageThatIsNotWholeGivesNoEnd) {
+    const std::string rows = Columns() + Row(7, "x");
+    EXPECT_EQ(ReadAll(rows + kDone, State::TakenBack), "7 x gone");
+    EXPECT_EQ(ReadAll(rows, State::Lost), "7 x gone");
+}
+
+TEST_F(TdsBulkReader, BytesThatAreNoRowsAreTold) {
+    EXPECT_EQ(ReadAll(""), "4002");
+    EXPECT_EQ(ReadAll(Row(7, "x") + kDone), "4002");
+    EXPECT_EQ(ReadAll(Columns() + Row(7, "x").substr(0, 9)), "4002");
+    EXPECT_EQ(ReadAll(Columns() + "z"), "4002");
+    EXPECT_EQ(ReadAll(Columns() + FromHex("D1 03 010203")), "8016");
+    EXPECT_EQ(ReadAll(FromHex("81 0100 00000000 0000 99 01") + Utf16("a")), "8009");
+    EXPECT_EQ(ReadAll(FromHex("81 0100 00000000 0000 F1 00 01") + Utf16("a")), "40510");
+}
+
+TEST_F(TdsBulkReader, AColumnThatIsWrongIsCalledAColumn) {
+    PacketChannel packets;
+    packets.Put(FromHex("81 0100 00000000 0000 26 09"));
+    packets.End(State::Whole);
+    BulkReader reader(packets, Version::V74);
+    std::vector<Value> row;
+    EXPECT_EQ(reader.Next(row), Step::Gone);
+    ASSERT_TRUE(reader.error());
+    EXPECT_NE(std::string(reader.error()->what()).find("bulk load protocol stream is incorrect. Column 1"),
+              std::string::npos);
+}
+
+// ------------------------------------------------------------------ through the connection
+
+class TdsBulkLoad : public testing::Test {
+  protected:
+    fakes::FakeScript& script() { return server_.engine.script; }
+    static std::string Summarize(TdsClient& client) {
+        const std::optional<std::string> answer = client.Receive();
+        return answer ? Summary(ParseTokens(*answer)) : "closed";
+    }
+    /// More than the connection holds for a load that nobody takes.
+    static std::string Many(int rows) {
+        std::string data = Columns();
+        for (int i = 0; i < rows; ++i) {
+            data += Row(1, std::string(90, 'x'));
+        }
+        return data;
+    }
+
+    RunningServer server_;
+};
+
+TEST_F(TdsBulkLoad, RowsReachTheEngineWhileTheyCome) {
+    TdsClient client = server_.LoggedIn();
+    const std::string packets = Packets(7, Many(20000) + kDone);
+    const std::size_t half = packets.size() / 2;
+    client.SendRaw(packets.substr(0, half));
+    std::size_t seen = 0;
+    for (int i = 0; i < 1000 && seen < 9000; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        const std::lock_guard lock(script().mutex);
+        seen = script().bulk_rows.size();
+    }
+    EXPECT_GE(seen, 9000U);
+    client.SendRaw(packets.substr(half));
+    EXPECT_EQ(Summarize(client), "DONE(10,20000)");
+    EXPECT_EQ(script().bulk_rows.size(), 20000U);
+}
+
+TEST_F(TdsBulkLoad, ALoadThatTheEngineRefusesIsReadToItsEnd) {
+    script().refuse_bulk = true;
+    TdsClient client = server_.LoggedIn();
+    client.Send(PacketType::BulkLoad, Many(20000) + kDone);
+    EXPECT_EQ(Summarize(client), "DONE(00,0)");
+    script().refuse_bulk = false;
+    client.Send(PacketType::BulkLoad, Columns() + Row(1, "x") + kDone);
+    EXPECT_EQ(Summarize(client), "DONE(10,1)");
+}
+
+TEST_F(TdsBulkLoad, ALoadThatIsTakenBackOrWrongIsAnErrorAndTheConnectionStays) {
+    TdsClient client = server_.LoggedIn();
+    std::string packets = Packets(7, Columns() + Row(1, "x") + kDone);
+    packets[1] = static_cast<char>(packet_status::kEndOfMessage | packet_status::kIgnore);
+    client.SendRaw(packets);
+    EXPECT_EQ(Summarize(client), "DONE(02,0)");
+    client.Send(PacketType::BulkLoad, "rows");
+    EXPECT_EQ(Summarize(client), "ERROR(4002) DONE(02,0)");
+    client.Send(PacketType::BulkLoad, Columns() + kDone);
+    EXPECT_EQ(Summarize(client), "DONE(10,0)");
+}
+
+TEST_F(TdsBulkLoad, AnAttentionAfterALoadIsAcknowledged) {
+    TdsClient client = server_.LoggedIn();
+    std::string packets = Packets(7, Columns() + Row(1, "x") + kDone);
+    packets[1] = static_cast<char>(packet_status::kEndOfMessage | packet_status::kIgnore);
+    client.SendRaw(packets);
+    client.Send(PacketType::Attention, "");
+    const std::string answer = Summarize(client);
+    EXPECT_TRUE(answer == "DONE(02,0)" || answer == "DONE(00,0)")
+        << answer; // As it came before or after the end.
+    EXPECT_EQ(Summarize(client), "DONE(20,0)");
+}
+
+TEST_F(TdsBulkLoad, AClientThatGoesWithinALoadLeavesNothingBehind) {
+    for (const bool refused : {false, true}) {
+        script().refuse_bulk = refused;
+        TdsClient client = server_.LoggedIn();
+        const std::string packets = Packets(7, Many(20000));
+        client.SendRaw(packets.substr(0, packets.size() - 100));
+        client.socket().Shutdown();
+        EXPECT_TRUE(server_.WaitForNoSession());
+    }
+}
+
+TEST_F(TdsBulkLoad, TheServerEndsBesideALoadThatStalls) {
+    TdsClient client = server_.LoggedIn();
+    const std::string packets = Packets(7, Many(20000));
+    client.SendRaw(packets.substr(0, packets.size() / 2));
+    server_.Stop();
+    EXPECT_TRUE(server_.WaitForNoSession());
+}
+
+} // namespace
+} // namespace devsql::tds
