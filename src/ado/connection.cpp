@@ -49,7 +49,7 @@ std::unique_ptr<Recordset> Connection::Impl::Run(const Work& work, std::int64_t&
         if (work.results_behind_error && session->drops_results_behind_error) {
             statement.KeepResultsBehindError();
         }
-        StatementRun run(statement);
+        StatementRun run(statement, session->connection);
         run.Run([&] { work.start(statement); });
         errors = ErrorsOf(run.Diagnostics());
         records_affected = run.RecordsAffected();

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace ado {
 namespace {
@@ -16,6 +19,10 @@ constexpr std::int32_t kTimeOut = -2147217871;         // 0x80040E31
 constexpr std::int32_t kLoginFailed = -2147217843;     // 0x80040E4D
 constexpr std::int32_t kNoCommandText = -2147217908;   // 0x80040E0C
 constexpr std::int32_t kUnspecified = -2147467259;     // 0x80004005
+constexpr std::int32_t kRaisedMessage = 265946;        // 0x00040EDA: success, and there is something to read
+
+/// Numbers from here on belong to scripts and procedures (RAISERROR), those below to the server.
+constexpr std::int32_t kFirstRaised = 50000;
 
 struct StateNumber {
     std::string_view sql_state;
@@ -34,9 +41,19 @@ constexpr std::array kNumbers = {
     StateNumber{"HYT00", kTimeOut},         StateNumber{"S0002", kNoTable},
 };
 
-std::int32_t NumberOf(std::string_view sql_state) {
-    const auto* const row = std::ranges::find(kNumbers, sql_state, &StateNumber::sql_state);
+std::int32_t NumberOf(const platform::odbc::Diagnostic& diagnostic) {
+    if (!diagnostic.error) {
+        return diagnostic.native_error >= kFirstRaised ? kRaisedMessage : 0;
+    }
+    const auto* const row = std::ranges::find(kNumbers, diagnostic.sql_state, &StateNumber::sql_state);
     return row != kNumbers.end() ? row->number : kUnspecified;
+}
+
+/// The group of the collection that an entry belongs to.
+enum class Rank : std::uint8_t { Error, Raised, Message };
+
+Rank RankOf(std::int32_t number) {
+    return number == 0 ? Rank::Message : number == kRaisedMessage ? Rank::Raised : Rank::Error;
 }
 
 /// The last of the bracketed names in front of a message.
@@ -54,7 +71,7 @@ std::string SourceOf(std::string_view message) {
 
 Error ErrorOf(const platform::odbc::Diagnostic& diagnostic) {
     Error error;
-    error.Number = diagnostic.error ? NumberOf(diagnostic.sql_state) : 0;
+    error.Number = NumberOf(diagnostic);
     error.Description = diagnostic.message;
     error.Source = SourceOf(diagnostic.message);
     error.NativeError = diagnostic.native_error;
@@ -80,15 +97,10 @@ Error RefusalOf(const char* sql_state, const std::string& text) {
 }
 
 Errors ErrorsOf(const std::vector<platform::odbc::Diagnostic>& diagnostics) {
-    Errors errors;
-    for (const bool wanted : {true, false}) {
-        for (const platform::odbc::Diagnostic& diagnostic : diagnostics) {
-            if (diagnostic.error == wanted) {
-                errors.Append(ErrorOf(diagnostic));
-            }
-        }
-    }
-    return errors;
+    std::vector<Error> entries;
+    std::ranges::transform(diagnostics, std::back_inserter(entries), ErrorOf);
+    std::ranges::stable_sort(entries, {}, [](const Error& entry) { return RankOf(entry.Number); });
+    return Errors(std::move(entries));
 }
 
 } // namespace ado

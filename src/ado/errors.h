@@ -11,7 +11,8 @@
 
 namespace ado {
 
-/// One error or message; a message that came with success has the number 0.
+/// One error or message. A message that came with success has the number 265946 if it was raised by a script
+/// or procedure, and 0 if it is the server's own.
 struct Error {
     std::int32_t Number = 0;
     std::string Description;
@@ -20,7 +21,7 @@ struct Error {
     std::string SQLState;
 };
 
-/// The collection of a connection: errors in front of messages.
+/// The collection of a connection. Entries with a number other than 0 come first.
 class Errors {
   public:
     Errors() = default;

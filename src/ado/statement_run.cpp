@@ -52,11 +52,11 @@ std::unique_ptr<Recordset> ReadRows(odbc::Statement& statement) {
     return std::make_unique<Recordset>(std::move(names), std::move(store));
 }
 
-/// True if the server itself reported the failure, so that it goes on with the results behind it. What the
-/// driver reports (a time-out, a server that is gone) ends the statement: asked again it would fail again,
-/// for ever.
-bool IsServers(const odbc::OdbcError& error) {
-    return !error.ConnectionLost() &&
+/// True if the server itself reported the failure: it goes on with the results after it. A failure that the
+/// driver reports (a time-out, a server that is gone) ends the statement: asked again, the driver would fail
+/// again, for ever.
+bool ServerGoesOn(const odbc::OdbcError& error, odbc::Connection& connection) {
+    return !error.ConnectionLost() && !connection.Dead() &&
            std::ranges::any_of(error.Diagnostics(), [](const odbc::Diagnostic& diagnostic) {
                return diagnostic.severity.has_value();
            });
@@ -73,7 +73,7 @@ bool StatementRun::Step(Call call) {
     } catch (const odbc::OdbcError& error) {
         diagnostics_.insert(diagnostics_.end(), error.Diagnostics().begin(), error.Diagnostics().end());
         failed_ = failed_ || !rows_;
-        more = IsServers(error);
+        more = ServerGoesOn(error, connection_);
     }
     TakeMessages();
     return more;

@@ -14,7 +14,9 @@ namespace ado {
 /// Collects what a statement gives: its results are taken until there is none.
 class StatementRun {
   public:
-    explicit StatementRun(platform::odbc::Statement& statement) : statement_(statement) {}
+    /// The statement is one of the connection's; both must outlive the run.
+    StatementRun(platform::odbc::Statement& statement, platform::odbc::Connection& connection)
+        : statement_(statement), connection_(connection) {}
 
     /// Runs what `start` begins. Throws nothing that the database reported.
     void Run(const std::function<void()>& start);
@@ -34,6 +36,7 @@ class StatementRun {
     void TakeResult();
 
     platform::odbc::Statement& statement_;
+    platform::odbc::Connection& connection_;
     std::vector<platform::odbc::Diagnostic> diagnostics_;
     std::unique_ptr<Recordset> rows_; ///< of the first result, if it has columns and has been read
     bool has_result_ = false;

@@ -23,7 +23,7 @@ constexpr std::string_view kServerComponent = "[SQL Server]";
 /// The file of the driver that is reached by way of unixODBC, also under Wine.
 constexpr std::string_view kDriverBehindUnixOdbc = "libtdsodbc";
 
-/// The class of the SQLSTATEs that tell of a connection that is not there.
+/// The class of the SQLSTATEs of connections, and the one of a connection that broke.
 constexpr std::string_view kConnectionClass = "08";
 constexpr const char* kCommunicationFailure = "08S01";
 
@@ -46,8 +46,8 @@ std::optional<std::int32_t> DiagnosticNumber(HandleKind kind, void* handle, SQLS
     return SQL_SUCCEEDED(code) && number != 0 ? std::optional(number) : std::nullopt;
 }
 
-/// What FreeTDS reports for itself has its own numbers and stands at line -1, which no message of a server
-/// does. Seen with FreeTDS 1.3: a server that dies behind the first result of a batch is told by success with
+/// FreeTDS's own messages have numbers of their own and stand at line -1, which no message of a server does.
+/// Seen with FreeTDS 1.3: if a server dies after the first result of a batch, the driver answers success with
 /// the message 20017, and every call from then on fails with "Unknown error".
 void MendOwnRecord(Diagnostic& diagnostic) {
     constexpr std::int32_t kNoLine = 0xFFFF;
@@ -111,9 +111,11 @@ std::vector<Diagnostic> OrPlaceholder(const char* function, std::vector<Diagnost
     return diagnostics;
 }
 
+/// Only the driver can report a lost connection. A server that still reports something is there, whatever
+/// SQLSTATE the driver gives its message: FreeTDS gives 08004 to 911, an unknown database in USE.
 bool IsLost(const std::vector<Diagnostic>& diagnostics) {
     return std::ranges::any_of(diagnostics, [](const Diagnostic& diagnostic) {
-        return diagnostic.sql_state.starts_with(kConnectionClass);
+        return !diagnostic.severity && diagnostic.sql_state.starts_with(kConnectionClass);
     });
 }
 

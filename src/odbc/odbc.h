@@ -38,7 +38,8 @@ class OdbcError : public std::exception {
     const char* Function() const { return function_; }
     /// At least one record, whatever the driver left behind.
     const std::vector<Diagnostic>& Diagnostics() const { return diagnostics_; }
-    /// True if the connection can't be used any more (SQLSTATE class 08).
+    /// True if the connection can't be used any more: the driver itself reports SQLSTATE class 08. Messages
+    /// of the server, which have a severity, do not count.
     bool ConnectionLost() const;
     const char* what() const noexcept override { return diagnostics_.front().message.c_str(); }
 

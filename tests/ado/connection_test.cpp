@@ -20,6 +20,14 @@ using fakes::OdbcResult;
 OdbcRecord ServerError(const std::string& state, std::int32_t native, const std::string& text) {
     return {.state = state, .native = native, .message = "[Fake][SQL Server]" + text, .severity = 16};
 }
+/// FreeTDS's own records stand at line -1 and have a severity without meaning.
+OdbcRecord DriversError(const std::string& state, const std::string& text) {
+    return {.state = state, .message = "[Fake]" + text, .line = 0xFFFF, .severity = 9};
+}
+/// A message with success: 0 is PRINT, from 50000 on it was raised.
+OdbcRecord Raised(std::int32_t native, const std::string& text) {
+    return {.state = "01000", .native = native, .message = "[Fake][SQL Server]" + text, .severity = 10};
+}
 OdbcRecord Message(const std::string& text) {
     return {.state = "01000", .message = "[Fake][SQL Server]" + text};
 }
@@ -268,8 +276,47 @@ TEST_F(AdoConnection, ADriverThatFailsForEverEndsTheStatement) {
     // Without a server's word behind it a failure is not asked again.
     ExpectFailure({Failed({{.state = "HYT00", .message = "[Fake]Timeout expired"}}), {.rows = 1}});
     EXPECT_EQ(Errors(), "-2147217871/0 ");
-    ExpectFailure({Failed({{.state = "08S01", .message = "[Fake]gone", .severity = 20}}), {.rows = 1}});
+    ExpectFailure({Failed({DriversError("08S01", "gone")}), Failed({ServerError("42000", 1, "never")})});
     EXPECT_EQ(Errors(), "-2147467259/0 ");
+}
+
+TEST_F(AdoConnection, AServersErrorOfClass08LeavesTheResultsAfterIt) {
+    Open();
+    const std::vector<OdbcResult> results = {{.rows = 1},
+                                             Failed({ServerError("08004", 911, "no such database")}),
+                                             Failed({ServerError("42000", 1, "and on")})};
+    Execute(results);
+    EXPECT_EQ(Errors(), "-2147467259/911 -2147217900/1 ");
+    // The same from a connection that is dead: there is nothing more to be had.
+    Counting().connection_dead = true;
+    Execute(results);
+    EXPECT_EQ(Errors(), "-2147467259/911 ");
+}
+
+TEST_F(AdoConnection, ARaisedMessageHasANumberAndTheServersOwnHaveNone) {
+    Open();
+    const auto rows = Execute({Nothing({Message("PRINT")}),
+                               {.rows = 1, .records = {Raised(5701, "Changed database context")}},
+                               Nothing({Raised(50000, "first")}),
+                               Nothing({Raised(49999, "below")}),
+                               Nothing({Raised(2147483647, "second")})});
+    EXPECT_EQ(rows->State(), adStateOpen);
+    EXPECT_EQ(Errors(), "265946/50000 265946/2147483647 0/0 0/5701 0/49999 ");
+}
+
+TEST_F(AdoConnection, AFailureIsTheFirstErrorAlsoAfterARaisedMessage) {
+    Open();
+    ExpectFailure(
+        {Nothing({Message("one"), Raised(50001, "two")}), Failed({ServerError("42000", 50000, "no")})});
+    EXPECT_EQ(Errors(), "-2147217900/50000 265946/50001 0/0 ");
+}
+
+TEST_F(AdoConnection, TheMessagesOfALoginStandInErrors) {
+    Counting().login_records = {Raised(5701, "Changed database context"),
+                                Raised(50000, "Maintenance at noon")};
+    Open();
+    EXPECT_EQ(connection_.State(), adStateOpen);
+    EXPECT_EQ(Errors(), "265946/50000 0/5701 ");
 }
 
 TEST_F(AdoConnection, ErrorsHoldsWhatTheLastCallLeft) {

@@ -128,7 +128,7 @@ TEST_F(OnAServer, AStatementWithoutColumnsGivesAClosedRecordsetAndItsCount) {
     EXPECT_EQ(Execute("USE tempdb SELECT 5")->Fields().Item(0).Value(), Variant(5)); // USE is no result
 }
 
-TEST_F(OnAServer, EveryDiagnosticOfEveryResultIsKeptErrorsFirst) {
+TEST_F(OnAServer, EveryDiagnosticOfEveryResultIsKeptNumbersFirst) {
     const auto rows = Execute("PRINT 'one' SELECT 1 RAISERROR('two', 16, 1) PRINT 'three' SELECT 2 "
                               "RAISERROR('four', 9, 1) RAISERROR(50001, 16, 1)");
     EXPECT_EQ(rows->Fields().Item(0).Value(), Variant(1));
@@ -138,11 +138,12 @@ TEST_F(OnAServer, EveryDiagnosticOfEveryResultIsKeptErrorsFirst) {
         texts += text.substr(text.rfind(']') + 1) + ";";
     }
     EXPECT_TRUE(texts.starts_with("two;")) << texts;
-    EXPECT_NE(texts.find("one;three;four;"), std::string::npos) << texts;
+    EXPECT_NE(texts.find(";four;one;three;"), std::string::npos) << texts; // "four" was raised
     EXPECT_EQ(connection_.Errors().Item(0).Number, -2147217900);
     EXPECT_EQ(connection_.Errors().Item(0).NativeError, 50000);
     EXPECT_EQ(connection_.Errors().Item(0).Source, "SQL Server");
     EXPECT_EQ(connection_.Errors().Item(0).SQLState, "42000");
+    EXPECT_EQ(connection_.Errors().Item(2).Number, 265946);
     EXPECT_EQ(connection_.Errors().Item(3).Number, 0);
 }
 
@@ -155,8 +156,20 @@ TEST_F(OnAServer, AnErrorFailsUnlessRowsCameBeforeIt) {
     EXPECT_EQ(Execute("SELECT COUNT(*) FROM #t")->Fields().Item(0).Value(), Variant(1));
     EXPECT_EQ(NumberOf("SELECT 1 RAISERROR('no', 16, 1)"), 0);
     EXPECT_EQ(Errors(), "-2147217900/50000 ");
+}
+
+TEST_F(OnAServer, AMessageThatAProcedureRaisesHasANumber) {
     EXPECT_EQ(NumberOf("RAISERROR('mere message', 10, 1)"), 0);
-    EXPECT_EQ(Errors(), "0/50000 ");
+    EXPECT_EQ(Errors(), "265946/50000 ");
+    EXPECT_EQ(NumberOf("PRINT 'said' SELECT 1 RAISERROR('mere message', 9, 1) PRINT 'said'"), 0);
+    EXPECT_EQ(Errors(), "265946/50000 0/0 0/0 ");
+}
+
+TEST_F(OnAServer, AnUnknownDatabaseInABatchIsNoLostConnection) {
+    const auto rows = Execute("SELECT 1 USE NoSuchDatabase");
+    EXPECT_EQ(rows->Fields().Item(0).Value(), Variant(1));
+    EXPECT_EQ(Errors(), "-2147467259/911 ");
+    EXPECT_EQ(Value("7"), Variant(7));
 }
 
 TEST_F(OnAServer, AnErrorAmidTheRowsFailsWhereverItStrikes) {

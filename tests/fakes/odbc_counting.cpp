@@ -288,7 +288,7 @@ SQLRETURN SQL_API SQLSetConnectAttrW(SQLHDBC handle, SQLINTEGER, SQLPOINTER, SQL
 SQLRETURN SQL_API SQLGetConnectAttrW(SQLHDBC handle, SQLINTEGER, SQLPOINTER value, SQLINTEGER, SQLINTEGER*) {
     SQLRETURN code = SQL_SUCCESS;
     if (Begin(handle, "SQLGetConnectAttr", code) != nullptr) {
-        *static_cast<SQLUINTEGER*>(value) = SQL_CD_FALSE;
+        *static_cast<SQLUINTEGER*>(value) = counting.connection_dead ? SQL_CD_TRUE : SQL_CD_FALSE;
     }
     return code;
 }
@@ -300,6 +300,8 @@ SQLRETURN SQL_API SQLDriverConnectW(SQLHDBC handle, SQLHWND, SQLWCHAR* text, SQL
         counting.last_connection_string = Narrowed(text, length);
         fake->connected = true;
         ++counting.open_connections;
+        fake->records = counting.login_records;
+        code = fake->records.empty() ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
     }
     return code;
 }

@@ -80,7 +80,9 @@ struct OdbcCounting {
     std::size_t open_connections = 0;
     /// Sins against the order of things: a parent freed before its child, a handle freed twice and so on.
     std::vector<std::string> violations;
-    std::string driver_name = "fake.so"; ///< as the connection tells it
+    std::string driver_name = "fake.so";   ///< as the connection tells it
+    std::vector<OdbcRecord> login_records; ///< come with a login that succeeds
+    bool connection_dead = false;          ///< what a connection answers when it is asked
     std::string last_connection_string;
     std::string last_statement;
     std::string last_catalogue; ///< the pattern of the last call of the parameters' catalogue

@@ -1,5 +1,6 @@
 #include "managers/db_errors.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,13 +22,18 @@ ado::Errors ErrorsWith(const std::vector<std::int32_t>& numbers) {
     return errors;
 }
 
-std::int32_t NumberRaisedByCollecting(DbErrors& array, const std::vector<std::int32_t>& numbers) {
+/// The number of the failure; 0 if there was none.
+std::int32_t NumberRaisedBy(const std::function<void()>& step) {
     try {
-        CollectDbErrors(array, ErrorsWith(numbers));
+        step();
     } catch (const Failure& failure) {
         return failure.Number();
     }
     return 0;
+}
+
+std::int32_t NumberRaisedByCollecting(DbErrors& array, const std::vector<std::int32_t>& numbers) {
+    return NumberRaisedBy([&] { CollectDbErrors(array, ErrorsWith(numbers)); });
 }
 
 std::vector<std::int32_t> NumbersIn(const DbErrors& array) {
@@ -116,6 +122,33 @@ TEST_F(DbErrorsTest, AZeroBetweenTwoEntriesIsASubscriptFailureBehindTheFirst) {
 TEST_F(DbErrorsTest, MoreThanA16BitNumberCountsIsAnOverflow) {
     EXPECT_EQ(NumberRaisedByCollecting(array_, Numbers(32767, 1)), 0);
     EXPECT_EQ(NumberRaisedByCollecting(array_, {1}), run_time::kOverflow);
+    // The array has grown before its index overflowed. From now on its bound itself does not fit.
+    EXPECT_EQ(array_.UpperBound(), 32768);
+    EXPECT_EQ(NumberRaisedByCollecting(array_, {0}), run_time::kOverflow);
+    EXPECT_EQ(array_.UpperBound(), 32768);
+    EXPECT_EQ(NumberRaisedBy([&] { FormatDbErrors(array_); }), run_time::kOverflow);
+}
+
+TEST_F(DbErrorsTest, TheIndexOverflowsBeforeTheArraysBoundIsLookedAt) {
+    CollectDbErrors(array_, ErrorsWith({1}));
+    Numbers numbers(32767, 0);
+    numbers.back() = 7; // 1 + 32766 + 1
+    EXPECT_EQ(NumberRaisedByCollecting(array_, numbers), run_time::kOverflow);
+}
+
+TEST_F(DbErrorsTest, MoreEntriesThanA16BitNumberAddressesAreAnOverflow) {
+    EXPECT_EQ(NumberRaisedByCollecting(array_, Numbers(32768, 0)), 0);
+    EXPECT_EQ(NumberRaisedByCollecting(array_, Numbers(32769, 0)), run_time::kOverflow);
+}
+
+TEST_F(DbErrorsTest, ACountThatDoesNotFitIsAnOverflow) {
+    Manager manager;
+    manager.Operation(ErrorsWith(Numbers(32767, 1)));
+    EXPECT_EQ(manager.ErrorCount(), Int16(32767));
+    EXPECT_EQ(NumberRaisedBy([&] { manager.Operation(ErrorsWith(Numbers(32768, 1))); }), run_time::kOverflow);
+    EXPECT_EQ(NumberRaisedBy([&] { manager.ErrorCount(); }), run_time::kOverflow);
+    EXPECT_EQ(NumberRaisedBy([&] { manager.ShowDbError(); }), run_time::kOverflow);
+    EXPECT_TRUE(screen_.calls.empty());
 }
 
 TEST_F(DbErrorsTest, ResettingDropsEveryRecord) {

@@ -281,8 +281,12 @@ TEST_F(OdbcFailure, AFailureWithoutARecordNamesItsFunction) {
     EXPECT_NE(records.front().message.find("SQLExecDirect"), std::string::npos);
 }
 
-TEST_F(OdbcFailure, AServerThatDiedIsAnErrorAlsoWhereTheDriverCallsItSuccess) {
-    const OdbcRecord died = {.state = "01000", .native = 20017, .message = "Unexpected EOF", .line = 0xFFFF};
+/// A number by which FreeTDS reports a connection that broke.
+class OdbcLostByNumber : public OdbcFailure, public ::testing::WithParamInterface<std::int32_t> {};
+
+TEST_P(OdbcLostByNumber, IsAnErrorAlsoWhereTheDriverCallsItSuccess) {
+    const OdbcRecord died = {
+        .state = "01000", .native = GetParam(), .message = "gone", .line = 0xFFFF, .severity = 9};
     Statement statement = Run({{.columns = false}, {.columns = false, .records = {died}}});
     try {
         statement.MoreResults();
@@ -291,12 +295,40 @@ TEST_F(OdbcFailure, AServerThatDiedIsAnErrorAlsoWhereTheDriverCallsItSuccess) {
         EXPECT_TRUE(error.ConnectionLost());
         EXPECT_EQ(error.Diagnostics().front().sql_state, "08S01");
         EXPECT_FALSE(error.Diagnostics().front().line.has_value());
+        EXPECT_FALSE(error.Diagnostics().front().severity.has_value());
     }
 }
 
-TEST_F(OdbcFailure, AServersOwnMessageOfThatNumberIsNoLostConnection) {
-    EXPECT_EQ(Fail({{.state = "42000", .native = 20017, .line = 4}}).front().sql_state, "42000");
+TEST_P(OdbcLostByNumber, IsNoLostConnectionInAMessageOfTheServer) {
+    EXPECT_EQ(Fail({{.state = "42000", .native = GetParam(), .line = 4, .severity = 16}}).front().sql_state,
+              "42000");
     EXPECT_FALSE(lost_);
+}
+
+INSTANTIATE_TEST_SUITE_P(FreeTds, OdbcLostByNumber, ::testing::Values(20004, 20006, 20017, 20047));
+
+TEST_F(OdbcFailure, AnotherMessageOfTheDriversOwnIsNoLostConnection) {
+    const OdbcRecord notice = {.state = "01000", .native = 20018, .message = "see above", .line = 0xFFFF};
+    Statement statement = Run({{.columns = false}, {.columns = false, .records = {notice}}});
+    EXPECT_TRUE(statement.MoreResults());
+}
+
+TEST_F(OdbcFailure, OnlyTheDriversOwnRecordsOfClass08AreALostConnection) {
+    EXPECT_EQ(Fail({{.state = "08004", .native = 911, .line = 1, .severity = 16}}).front().sql_state,
+              "08004");
+    EXPECT_FALSE(lost_);
+    connection_.Disconnect();
+    Fail({{.state = "08S01", .native = 11, .message = "General network error"}});
+    EXPECT_TRUE(lost_);
+}
+
+TEST_F(Odbc, AConnectionIsAskedWhetherItIsDead) {
+    Environment environment;
+    Connection connection(environment);
+    connection.DriverConnect("x", 0);
+    EXPECT_FALSE(connection.Dead());
+    Counting().connection_dead = true;
+    EXPECT_TRUE(connection.Dead());
 }
 
 TEST_F(Odbc, TextGoesToTheDriverAndComesBackInCodePage1252) {

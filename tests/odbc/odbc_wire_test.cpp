@@ -167,6 +167,27 @@ TEST_F(OdbcWire, ResultsBehindAnErrorOfTheFirstStatementAreKept) {
     EXPECT_EQ(server_.engine.script.cancels, 0) << "the rest of the batch was cut off on the server";
 }
 
+TEST_F(OdbcWire, AServersErrorOfClass08IsNoLostConnection) {
+    Connect();
+    answers_["x"] = [](FakeSession&, ResultSink& sink) {
+        SendRows(sink, 1);
+        SendError(sink, 911);
+        SendRows(sink, 2);
+    };
+    EXPECT_EQ(Story("x"), "rows 1 | error 911 | rows 2 | ");
+    EXPECT_FALSE(connection_.Dead());
+    EXPECT_EQ(server_.engine.script.cancels, 0);
+    answers_["first"] = [](FakeSession&, ResultSink& sink) { SendError(sink, 911); };
+    Statement statement(connection_);
+    try {
+        statement.ExecDirect("first");
+        FAIL() << "did not fail";
+    } catch (const OdbcError& error) {
+        EXPECT_EQ(error.Diagnostics().front().sql_state, "08004") << "the driver has mended its table";
+        EXPECT_FALSE(error.ConnectionLost());
+    }
+}
+
 class MessagesBehindRows : public OdbcWire, public ::testing::WithParamInterface<int> {};
 
 TEST_P(MessagesBehindRows, AreKeptWhereverABlockEnds) {
