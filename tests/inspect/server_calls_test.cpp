@@ -253,7 +253,9 @@ TEST_F(ServerCalls, WhatIsPrintedIsNoError) {
     EXPECT_EQ(manager_.Reported(), Lines{});
 }
 
-TEST_F(ServerCalls, EverySeverityUpToTenIsAMessageAndAboveAnError) {
+TEST_F(ServerCalls, WhatAProcedureRaisesIsShownWhateverItsSeverity) {
+    constexpr std::int32_t kRaisedMessage = 265946;
+    constexpr std::int32_t kError = -2147217900;
     constexpr int kLoggedFrom = 19;
     for (int severity = 0; severity <= kLoggedFrom; ++severity) {
         const std::string number = std::to_string(severity);
@@ -261,10 +263,20 @@ TEST_F(ServerCalls, EverySeverityUpToTenIsAMessageAndAboveAnError) {
            number + ", 1)" + (severity >= kLoggedFrom ? " WITH LOG" : ""));
         EXPECT_TRUE(Call("spSeverity" + number)) << severity;
         EXPECT_EQ(Rows(), (Lines{"one", "1"}));
-        EXPECT_EQ(manager_.Reported(), severity <= 10 ? Lines{} : Lines{"50000 severity " + number})
-            << severity;
+        EXPECT_EQ(manager_.Reported(), Lines{"50000 severity " + number});
+        EXPECT_EQ(manager_.Numbers(), std::vector{severity <= 10 ? kRaisedMessage : kError}) << severity;
     }
     EXPECT_EQ(LoggedFailures(), 0U);
+}
+
+TEST_F(ServerCalls, ARaisedMessageComesUpInABoxAfterASuccess) {
+    Do("CREATE PROC spWarns AS PRINT 'not this' SELECT 1 AS one RAISERROR('Tank %d is low', 10, 1, 7)");
+    EXPECT_TRUE(Call("spWarns"));
+    EXPECT_EQ(Rows(), (Lines{"one", "1"}));
+    const std::string box = ShownErrors();
+    EXPECT_NE(box.find("Error:\t265946\r\n"), std::string::npos) << box;
+    EXPECT_NE(box.find("Tank 7 is low"), std::string::npos) << box;
+    EXPECT_EQ(box.find("not this"), std::string::npos) << box;
 }
 
 TEST_F(ServerCalls, ASeverityThatEndsTheConnectionFails) {

@@ -31,6 +31,24 @@ Lines TestedManager::Reported() const {
     return lines;
 }
 
+std::vector<std::int32_t> TestedManager::Numbers() const {
+    std::vector<std::int32_t> numbers;
+    for (std::int32_t i = 1; i <= db_errors_.UpperBound(); ++i) {
+        numbers.push_back(db_errors_[i].Number);
+    }
+    return numbers;
+}
+
+std::string ServerTest::ShownErrors() {
+    screen_.calls.clear();
+    manager_.ShowDbError();
+    std::string boxes;
+    for (const std::string& call : screen_.calls) {
+        boxes += call;
+    }
+    return boxes;
+}
+
 ServerTest::ServerTest() {
     registry_.AddText(registry_locations::kHkeyLocalMachine, registry_locations::kLogKey, "", "L:\\Log");
     files_.AddFolder("L:\\Log");

@@ -2,6 +2,7 @@
 // once, and a machine in memory for the log.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,8 @@ class TestedManager : public CViewDataMgr {
   public:
     /// "native number text" of each, the text without the components that it passed.
     Lines Reported() const;
+    /// The number of each.
+    std::vector<std::int32_t> Numbers() const;
 };
 
 class ServerTest : public ::testing::Test {
@@ -42,6 +45,8 @@ class ServerTest : public ::testing::Test {
     static Lines Rows(const TextTable& table);
     /// How many failures the log has.
     std::size_t LoggedFailures() const;
+    /// The boxes that ShowDbError of the manager brings up.
+    std::string ShownErrors();
 
     Lines identifiers_;
     TextTable data_;
