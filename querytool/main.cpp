@@ -9,7 +9,7 @@
 #include "platform/console_input.h"
 #include "platform/files.h"
 #include "platform/system_text.h"
-#include "querytool/odbc_server.h"
+#include "querytool/server.h"
 #include "querytool/tool.h"
 
 namespace {
@@ -50,10 +50,10 @@ int Run(const ParsedLine& line, Output& output) {
         output.Write("No login: trusted connections are not supported; use -U and -P.\n");
         return kFailed;
     }
-    OdbcServer server;
+    const std::unique_ptr<Server> server = MakeServer();
     StreamLines standard_input(std::cin);
     const std::string password = switches.password ? *switches.password : FindPassword();
-    return RunTool(switches, password, server, standard_input, output);
+    return RunTool(switches, password, *server, standard_input, output);
 }
 
 } // namespace

@@ -21,6 +21,8 @@ constexpr int kFirstErrorLevel = 11;
 constexpr int kCommonErrorLevel = 16;
 /// "Changed database context" and "Changed language setting" are news for programs only.
 constexpr std::array kUnsaid = {5701, 5703};
+/// A message with this state ends the tool: RAISERROR(..., 127) in a script is made for that.
+constexpr std::int32_t kEndingState = 127;
 
 bool IsNumber(SqlType type) {
     constexpr std::array kNumbers = {SqlType::Numeric, SqlType::Decimal, SqlType::Integer, SqlType::SmallInt,
@@ -174,6 +176,9 @@ std::string CellText(const Column& column, const Value& value) {
 }
 
 void ResultPrinter::ResultBegin(const std::vector<Column>& columns) {
+    if (Ended()) {
+        return;
+    }
     columns_ = columns;
     fields_.clear();
     for (const Column& column : columns_) {
@@ -207,6 +212,9 @@ void ResultPrinter::WriteCells(const std::vector<std::string>& cells) {
 }
 
 void ResultPrinter::Row(const std::vector<Value>& values) {
+    if (Ended()) {
+        return;
+    }
     if (rows_ != 0 && switches_.header_rows > 0 && rows_ % switches_.header_rows == 0) {
         output_.Write("\n");
         WriteHeading();
@@ -228,6 +236,9 @@ void ResultPrinter::Row(const std::vector<Value>& values) {
 }
 
 void ResultPrinter::ResultEnd(std::int64_t rows) {
+    if (Ended()) {
+        return;
+    }
     const bool table = !columns_.empty();
     columns_.clear();
     if (rows >= 0) {
@@ -237,6 +248,12 @@ void ResultPrinter::ResultEnd(std::int64_t rows) {
 }
 
 void ResultPrinter::Message(const Diagnostic& diagnostic) {
+    if (Ended()) {
+        return;
+    }
+    if (diagnostic.state == kEndingState) {
+        ending_number_ = diagnostic.native_error;
+    }
     const int level = LevelOf(diagnostic);
     const bool error = level >= kFirstErrorLevel;
     error_seen_ = error_seen_ || error;
@@ -248,8 +265,7 @@ void ResultPrinter::Message(const Diagnostic& diagnostic) {
     const bool from_batch = diagnostic.native_error != 0 && (diagnostic.severity || diagnostic.line);
     const bool numbered = from_batch && (error || switches_.error_level);
     std::string text = numbered ? HeadOf(diagnostic) : std::string();
-    text += platform::odbc::WithoutOrigin(diagnostic.message);
-    text += "\n";
+    text += diagnostic.message + "\n";
     const bool aside = error ? switches_.errors_to_stderr : switches_.messages_to_stderr;
     if (aside) {
         output_.WriteError(text);

@@ -1,6 +1,8 @@
 // How results and messages look on paper. Knows neither servers nor files.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,8 @@ namespace querytool {
 /// The text of a value as it stands in the column; "NULL" for NULL.
 std::string CellText(const Column& column, const Value& value);
 
-/// Prints what a batch gives, and remembers what the exit code depends on.
+/// Prints what a batch gives, and remembers what the exit code depends on. Prints nothing after a message
+/// that ends the tool.
 class ResultPrinter : public ResultSink {
   public:
     /// Both must outlive the printer.
@@ -23,6 +26,10 @@ class ResultPrinter : public ResultSink {
     void Row(const std::vector<Value>& values) override;
     void ResultEnd(std::int64_t rows) override;
     void Message(const Diagnostic& diagnostic) override;
+
+    bool Ended() const override { return ending_number_.has_value(); }
+    /// The number of the message that ended the tool.
+    std::optional<std::int32_t> EndingNumber() const { return ending_number_; }
 
     /// True if an error has come since the last call of ForgetErrors.
     bool ErrorSeen() const { return error_seen_; }
@@ -46,6 +53,7 @@ class ResultPrinter : public ResultSink {
     std::int64_t rows_ = 0;
     std::string first_value_;
     bool error_seen_ = false;
+    std::optional<std::int32_t> ending_number_;
 };
 
 } // namespace querytool

@@ -1,8 +1,9 @@
-// What the tool needs of a server: a login, and batches whose results come in order. Behind it stands ODBC,
-// or a test's script.
+// What the tool needs of a server: a login, and batches whose results come in order. windows/ implements it
+// by ODBC, linux/ by FreeTDS's DB-Library; a test plays a script.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,10 @@ class ResultSink {
     virtual void Row(const std::vector<Value>& values) = 0;
     /// Ends a result; `rows` as counted by the server, below 0 where nothing was counted.
     virtual void ResultEnd(std::int64_t rows) = 0;
-    /// An error or a message.
+    /// An error or a message. Its text is the server's own, without the names of drivers in front.
     virtual void Message(const Diagnostic& diagnostic) = 0;
+    /// True from a message on that ends the tool: nothing further of the batch is wanted.
+    virtual bool Ended() const = 0;
 };
 
 struct LoginSettings {
@@ -43,8 +46,11 @@ class Server {
     virtual ~Server() = default;
     /// False: not connected; the reasons went to the sink as messages.
     virtual bool Connect(const LoginSettings& settings, ResultSink& sink) = 0;
-    /// Runs a batch to its end, errors or not. False: the connection is lost.
+    /// Runs a batch to its end, errors or not, or until the sink has ended. False: the connection is lost.
     virtual bool Run(const std::string& batch, ResultSink& sink) = 0;
 };
+
+/// The system's. There is one at a time.
+std::unique_ptr<Server> MakeServer();
 
 } // namespace querytool

@@ -12,7 +12,7 @@ namespace {
 /// How a switch takes its value from the argument behind it.
 enum class Takes : std::uint8_t {
     Nothing,
-    Attached,   ///< a value only if it is attached
+    Optional,   ///< the next argument, unless it begins with "-"; it may have no value
     Text,       ///< the next argument, unless it begins with "-"
     TextOrNone, ///< the same; where there is none, the value is empty
     Anything,   ///< the next argument, whatever it begins with
@@ -135,7 +135,7 @@ constexpr std::array kRows = {
     Row{'m', Takes::Anything, SetErrorLevel, "level",
         "show messages from this level on, with their numbers; -1: all"},
     Row{'b', Takes::Nothing, Set<&Switches::stop_on_error>, "", "stop at the first error, with exit code 1"},
-    Row{'r', Takes::Attached, SetErrorChannel, "0|1", "errors (1: messages too) to the error channel"},
+    Row{'r', Takes::Optional, SetErrorChannel, "0|1", "errors (1: messages too) to the error channel"},
     Row{'t', Takes::Anything, SetNumber<&Switches::query_timeout, 0, 65534>, "seconds",
         "time that a batch may take"},
     Row{'l', Takes::Anything, SetNumber<&Switches::login_timeout, 0, 65534>, "seconds",
@@ -203,7 +203,7 @@ class Parser {
 
     /// Takes the next argument as the value if the switch may have it; false if a value is missing.
     bool NextValue(Takes takes, std::string& value) {
-        if (takes == Takes::Nothing || takes == Takes::Attached) {
+        if (takes == Takes::Nothing) {
             return true;
         }
         const bool there = at_ + 1 < arguments_.size() &&
@@ -211,7 +211,7 @@ class Parser {
         if (there) {
             value = arguments_[++at_];
         }
-        return there || takes == Takes::TextOrNone;
+        return there || takes == Takes::TextOrNone || takes == Takes::Optional;
     }
 
     /// The first complaint is the one that is told.

@@ -44,12 +44,16 @@ class BatchLoop {
     /// False: the tool ends.
     bool RunBatch(const std::string& batch) {
         printer_.ForgetErrors();
-        if (!server_.Run(batch, printer_)) {
+        if (!server_.Run(batch, printer_) && !printer_.Ended()) {
             output_.Write("The connection to the server is lost.\n");
             exit_code_ = kFailed;
             return false;
         }
         output_.Flush();
+        if (printer_.Ended()) {
+            exit_code_ = *printer_.EndingNumber();
+            return false;
+        }
         if (switches_.stop_on_error && printer_.ErrorSeen()) {
             exit_code_ = kFailed;
             return false;

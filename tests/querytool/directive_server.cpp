@@ -70,6 +70,19 @@ class DirectiveSession : public Session {
                  sink.Send({static_cast<std::int32_t>(text.Number()), 16, 1, "Made to fail.", {}, 1});
                  Done(sink);
              }},
+            // Severity, state and text, and no end of a statement after it.
+            {"raise",
+             [](DirectiveSession&, const Text& text, ResultSink& sink) {
+                 std::istringstream words(text.argument);
+                 Message message{50000, 0, 0, {}, {}, 1};
+                 int severity = 0;
+                 int state = 0;
+                 words >> severity >> state >> std::ws;
+                 message.severity = static_cast<decltype(message.severity)>(severity);
+                 message.state = static_cast<decltype(message.state)>(state);
+                 std::getline(words, message.text);
+                 sink.Send(message);
+             }},
             {"print",
              [](DirectiveSession&, const Text& text, ResultSink& sink) {
                  sink.Send({0, 0, 1, text.argument, {}, 1});
@@ -93,6 +106,10 @@ class DirectiveSession : public Session {
                  while (!session.cancelled_) {
                      std::this_thread::sleep_for(std::chrono::milliseconds(5));
                  }
+             }},
+            {"stuck",
+             [](DirectiveSession&, const Text&, ResultSink&) {
+                 std::this_thread::sleep_for(std::chrono::seconds(300)); // a test kills the server before
              }},
             {"die",
              [](DirectiveSession&, const Text& text, ResultSink& sink) {

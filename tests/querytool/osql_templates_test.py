@@ -76,6 +76,18 @@ class Templates(unittest.TestCase):
             for word in text.split():
                 self.assertIn(word, words)
 
+    def test_a_guard_ends_the_tool(self):
+        """What stands after the guard's RAISERROR with state 127 is not run, by the tool's end or by NOEXEC."""
+        path = os.path.join(self.server.root, "Create_Batch_Database.sql")
+        done = self.tool("-n", "-i", self.native(path))
+        lines = done.stdout.decode("cp1252").replace("\r", "").split("\n")
+        last = next(number for number, line in enumerate(lines) if "exists already" in line)
+        self.assertTrue(lines[last - 1].startswith("Msg 50000, Level 16"), lines)
+        if WINE:  # the driver there does not give the state
+            self.assertEqual((done.returncode, [line for line in lines if "Msg" in line]), (0, [lines[last - 1]]))
+        else:
+            self.assertEqual((done.returncode, lines[last + 1:]), (50000 & 0xFF, [""]))
+
     def test_a_login_that_is_refused_is_told(self):
         command = [os.path.join(TOP, "tests", "run-under-wine")] if WINE else []
         command += [TOOL, "-S", f"127.0.0.1,{self.server.port}", "-U", USER, "-P", "-Q", "SELECT 1"]

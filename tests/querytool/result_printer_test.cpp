@@ -139,9 +139,13 @@ TEST_F(Printed, AnErrorInAProcedureNamesIt) {
     EXPECT_EQ(Told(error), "Msg 50000, Level 16, Server SRV, Procedure spOne, Line 3\nNo.\n");
 }
 
+TEST_F(Printed, ATextThatBeginsWithABracketStaysWhole) {
+    EXPECT_EQ(Told(Message(0, "[a][SQL Server]b")), "[a][SQL Server]b\n");
+}
+
 TEST_F(Printed, WhatTheDriverSaysForItselfHasNoNumbers) {
     Diagnostic error = Error(0, "");
-    error.message = "[Driver]Unable to connect";
+    error.message = "Unable to connect";
     error.native_error = 20009;
     error.line.reset();
     error.severity.reset();
@@ -184,6 +188,20 @@ TEST_F(Printed, ErrorsGoAsideAndMessagesOnlyOnRequest) {
     switches.messages_to_stderr = true;
     Told(Message(0, "more"));
     EXPECT_EQ(output.written, "news\n");
+}
+
+TEST_F(Printed, AfterTheMessageThatEndsTheToolNothingIsPrinted) {
+    ResultPrinter printer(switches, output);
+    Diagnostic last = Error(50000, "stop");
+    last.state = 127;
+    printer.Message(last);
+    EXPECT_EQ(printer.EndingNumber(), 50000);
+    const std::string written = output.written;
+    printer.ResultBegin({Named("t", SqlType::VarChar, 4)});
+    printer.Row({std::string("row")});
+    printer.ResultEnd(1);
+    printer.Message(Message(0, "after"));
+    EXPECT_EQ(output.written, written);
 }
 
 TEST(CellText, EveryTypeHasItsText) {

@@ -25,6 +25,7 @@ class ScriptedServer : public querytool::Server {
         return refusals.empty();
     }
 
+    /// Plays a batch's answer whole: that nothing is printed after the end is the printer's business.
     bool Run(const std::string& batch, querytool::ResultSink& sink) override {
         batches.push_back(batch);
         const auto answer = answers.find(batch);
@@ -53,7 +54,7 @@ inline querytool::Diagnostic Error(std::int32_t number, std::string text) {
     querytool::Diagnostic error;
     error.sql_state = "42000";
     error.native_error = number;
-    error.message = "[Driver][SQL Server]" + std::move(text);
+    error.message = std::move(text);
     error.server = "SRV";
     error.line = 3;
     error.severity = 16;

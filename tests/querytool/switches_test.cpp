@@ -83,7 +83,17 @@ TEST(Switches, EverySwitchWithoutAValueIsTaken) {
     EXPECT_TRUE(switches.no_prompts && switches.echo && switches.stop_on_error &&
                 switches.quoted_identifiers && switches.errors_to_stderr && switches.messages_to_stderr &&
                 switches.help);
-    EXPECT_FALSE(Parse({"-r"}).messages_to_stderr);
+}
+
+TEST(Switches, TheErrorChannelsValueStandsAsTheHelpWritesIt) {
+    EXPECT_NE(HelpText().find("-r 0|1"), std::string::npos);
+    for (const auto& [arguments, messages] : std::vector<std::pair<std::vector<std::string>, bool>>{
+             {{"-r", "0"}, false}, {{"-r", "1"}, true}, {{"-r0"}, false}, {{"-r1"}, true}, {{"-r"}, false}}) {
+        const Switches switches = Parse(arguments);
+        EXPECT_TRUE(switches.errors_to_stderr) << arguments.back();
+        EXPECT_EQ(switches.messages_to_stderr, messages) << arguments.back();
+    }
+    EXPECT_TRUE(Parse({"-r", "-n"}).no_prompts);
 }
 
 struct BadLine {
@@ -106,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(
                       BadLine{{"-S"}, "-S needs a value"}, BadLine{{"-S", "-U"}, "-S needs a value"},
                       BadLine{{"-i"}, "-i needs a value"}, BadLine{{"-w", "wide"}, "'wide'"},
                       BadLine{{"-w8"}, "'8'"}, BadLine{{"-t", "-1"}, "'-1'"}, BadLine{{"-s", "ab"}, "'ab'"},
-                      BadLine{{"-c", ""}, "-c"}, BadLine{{"-r2"}, "'2'"},
+                      BadLine{{"-c", ""}, "-c"}, BadLine{{"-r2"}, "'2'"}, BadLine{{"-r", "2"}, "'2'"},
                       BadLine{{"-i", "a", "-Q", "b"}, "-i can't stand beside"}));
 
 TEST(Switches, ABadLineStillTellsWhereTheMessageGoes) {

@@ -7,7 +7,6 @@
 #include <random>
 
 #include "platform/files.h"
-#include "querytool/odbc_server.h"
 #include "querytool/scripted_server.h"
 
 namespace {
@@ -144,6 +143,49 @@ TEST_F(Tool, AQueryRunsAloneOrInFrontOfTheInput) {
     ExpectBatches({"first", "x\n"});
 }
 
+TEST_F(Tool, AMessageWithState127EndsTheScriptAtOnce) {
+    switches.no_prompts = false;
+    server.answers["a\n"] = [](ResultSink& sink) {
+        sink.Message(Message(0, "before"));
+        Diagnostic last = Error(50001, "no database");
+        last.state = 127;
+        EXPECT_FALSE(sink.Ended());
+        sink.Message(last);
+        EXPECT_TRUE(sink.Ended());
+        sink.Message(Message(0, "after"));
+        sink.ResultEnd(7);
+        return true;
+    };
+    EXPECT_EQ(Run("a\nGO 2\nb\nGO\n"), 50001);
+    ExpectBatches({"a\n"});
+    EXPECT_EQ(output.written,
+              "1> 2> before\nMsg 50001, Level 16, State 127, Server SRV, Line 3\nno database\n");
+}
+
+TEST_F(Tool, State127EndsItAlsoInALowMessageThatIsNotShown) {
+    switches.error_level = 17;
+    server.answers["a\n"] = [](ResultSink& sink) {
+        Diagnostic last = Message(50002, "enough");
+        last.state = 127;
+        sink.Message(last);
+        return false; // the server may close the connection as well: that is no news then
+    };
+    EXPECT_EQ(Run("a\nGO\nb\nGO\n"), 50002);
+    ExpectBatches({"a\n"});
+    EXPECT_EQ(output.written, "");
+}
+
+TEST_F(Tool, AnotherStateEndsNothing) {
+    server.answers["a\n"] = [](ResultSink& sink) {
+        Diagnostic error = Error(50001, "no");
+        error.state = 126;
+        sink.Message(error);
+        return true;
+    };
+    EXPECT_EQ(Run("a\nGO\nb\nGO\n"), kSuccess);
+    ExpectBatches({"a\n", "b\n"});
+}
+
 TEST_F(Tool, QuotedIdentifiersAreLeftAsTheServerHasThem) {
     switches.quoted_identifiers = true;
     Run("a\n");
@@ -249,26 +291,6 @@ TEST_F(ToolFiles, AnOutputFileExistsFromTheStartAndItsLinesEndInCrLf) {
 
 TEST_F(ToolFiles, AnOutputFileThatCantBeMadeIsAFailure) {
     EXPECT_THROW(FileOutput(Path("nosuch/a.txt")), platform::FileError);
-}
-
-TEST(ConnectionStringTest, ValuesStandAsTheyAreWhereTheyCan) {
-    LoginSettings settings;
-    settings.server = "host,1433";
-    settings.user = "sa";
-    settings.password = "p=a{b}c d!";
-    EXPECT_EQ(ConnectionString(settings),
-              "Driver={SQL Server};Server=host,1433;Uid=sa;Pwd=p=a{b}c d!;App=OSQL;");
-}
-
-TEST(ConnectionStringTest, AValueThatWouldEndEarlyStandsInBraces) {
-    LoginSettings settings;
-    settings.server = "h";
-    settings.user = "{sa";
-    settings.password = " a;b}";
-    settings.database = "Batch";
-    settings.workstation = "W1";
-    EXPECT_EQ(ConnectionString(settings),
-              "Driver={SQL Server};Server=h;Uid={{sa};Pwd={ a;b}}};App=OSQL;Database=Batch;WSID=W1;");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// The server behind ODBC.
+// The server over ODBC.
 #pragma once
 
 #include <optional>

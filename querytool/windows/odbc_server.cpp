@@ -1,4 +1,4 @@
-#include "querytool/odbc_server.h"
+#include "querytool/windows/odbc_server.h"
 
 #include <algorithm>
 #include <array>
@@ -44,9 +44,16 @@ bool AsksForLastBatch(std::string_view batch) {
     });
 }
 
-void Tell(const std::vector<Diagnostic>& diagnostics, ResultSink& sink) {
-    for (const Diagnostic& diagnostic : diagnostics) {
+/// The SQLSTATE of a time-out.
+constexpr std::string_view kTimeOut = "HYT00";
+
+void Tell(std::vector<Diagnostic> diagnostics, ResultSink& sink) {
+    for (Diagnostic& diagnostic : diagnostics) {
+        diagnostic.message = platform::odbc::WithoutOrigin(diagnostic.message);
         sink.Message(diagnostic);
+        if (diagnostic.sql_state == kTimeOut) {
+            return; // The records after it only say that there is no connection or no result, therefore.
+        }
     }
 }
 
@@ -135,7 +142,7 @@ bool OdbcServer::Run(const std::string& batch, ResultSink& sink) {
             TakeResult(statement, sink);
         });
         bool more = true;
-        while (alive && more) {
+        while (alive && more && !sink.Ended()) {
             alive = Try(sink, [&] {
                 more = statement.MoreResults();
                 if (more) {
@@ -146,6 +153,10 @@ bool OdbcServer::Run(const std::string& batch, ResultSink& sink) {
         }
     });
     return started && alive;
+}
+
+std::unique_ptr<Server> MakeServer() {
+    return std::make_unique<OdbcServer>();
 }
 
 } // namespace querytool
