@@ -405,6 +405,27 @@ TEST_F(OdbcWire, ATimeOutEndsTheStatementAndLeavesTheConnection) {
     EXPECT_EQ(Story("x"), "rows 1 | ");
 }
 
+TEST_F(OdbcWire, AServerThatDoesNotAnswerTheCancellingEitherIsLost) {
+    Connect();
+    std::promise<void> over;
+    answers_["stuck"] = [done = over.get_future().share()](FakeSession&, ResultSink&) {
+        done.wait_for(kLongest);
+    };
+    {
+        Statement statement(connection_);
+        statement.SetQueryTimeout(1);
+        try {
+            statement.ExecDirect("stuck");
+            ADD_FAILURE() << "did not time out";
+        } catch (const OdbcError& error) {
+            EXPECT_EQ(error.Diagnostics().front().sql_state, "HYT00");
+        }
+    }
+    EXPECT_TRUE(connection_.Dead());
+    over.set_value();
+    server_.Stop(); // it still runs the batch, which is the test's own
+}
+
 TEST_F(OdbcWire, AWrongPasswordIsToldByItsNumber) {
     try {
         connection_.DriverConnect(Target("wrong"), 10);
