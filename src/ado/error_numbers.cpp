@@ -41,12 +41,16 @@ constexpr std::array kNumbers = {
     StateNumber{"HYT00", kTimeOut},         StateNumber{"S0002", kNoTable},
 };
 
+std::int32_t NumberOf(std::string_view sql_state) {
+    const auto* const row = std::ranges::find(kNumbers, sql_state, &StateNumber::sql_state);
+    return row != kNumbers.end() ? row->number : kUnspecified;
+}
+
 std::int32_t NumberOf(const platform::odbc::Diagnostic& diagnostic) {
     if (!diagnostic.error) {
         return diagnostic.native_error >= kFirstRaised ? kRaisedMessage : 0;
     }
-    const auto* const row = std::ranges::find(kNumbers, diagnostic.sql_state, &StateNumber::sql_state);
-    return row != kNumbers.end() ? row->number : kUnspecified;
+    return NumberOf(diagnostic.sql_state);
 }
 
 /// The group of the collection that an entry belongs to.
