@@ -49,19 +49,23 @@ watch() {
             kill -0 "$pid" 2>/dev/null || return 0
         done
         now=$(grep -oE '^ *\[?[0-9]+/[0-9]+\]?' "$log" | tail -1)
-        [ "$now" = "$last" ] || say "  $now"
+        [ "$now" = "$last" ] || say "  $(basename "$log" .log) $now"
         last=$now
     done
 }
 
-# build PRESET [TARGET…]: configures once and builds; tells how far it is, and the errors if it fails.
+# build PRESET [TARGET…]: configures once, for whole builds (KV_UNITY), and builds; tells how far it is, and the errors if
+# it fails. A tree that somebody has configured otherwise stays as it is.
 build() {
-    local preset=$1 pid
+    local preset=$1 pid unity=ON
     shift
     say "building $preset${*:+: $*}"
     mkdir -p build
     local log=build/$preset.log
-    { { [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset"; } && cmake --build --preset "$preset" ${*:+--target "$@"}; } > "$log" 2>&1 &
+    # The files of the Windows half share names with each other.
+    case $preset in windows*) unity=OFF ;; esac
+    # Tests that run beside a build come first: some wait for a server no longer than a second.
+    { { [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset" -DKV_UNITY=$unity; } && nice cmake --build --preset "$preset" ${*:+--target "$@"}; } > "$log" 2>&1 &
     pid=$!
     watch "$log" $pid
     if ! wait $pid; then
@@ -71,3 +75,35 @@ build() {
         exit 1
     fi
 }
+
+# step NAME COMMAND [ARGUMENT…]: runs a command, notes how long it took and how it ended, and returns its exit code.
+steps=$PWD/build/steps
+step() {
+    local name=$1 begun=$((SECONDS - started)) code=0 cpu
+    shift
+    say "$name"
+    mkdir -p build
+    # The times of a subshell's children are those of the command alone.
+    ( set +e; "$@"; code=$?; times > "$steps.$BASHPID.times"; exit $code ) &
+    local pid=$!
+    wait $pid || code=$?
+    cpu=$(awk -F'[ms ]+' 'NR == 2 { printf "%d", $1 * 60 + $2 + $3 * 60 + $4 }' "$steps.$pid.times" 2> /dev/null)
+    rm -f "$steps.$pid.times"
+    printf '%s\t%d\t%d\t%d\t%d\n' "$name" $begun $((SECONDS - started - begun)) "${cpu:-0}" $code >> "$steps"
+    [ $code = 0 ] || say "FAILED: $name"
+    return $code
+}
+
+# show_steps: a table of the steps by their beginning. Those that ran beside each other overlap.
+show_steps() {
+    echo
+    printf '%-34s %8s %8s %8s\n' step began took "CPU time"
+    sort -t"$(printf '\t')" -k2,2n "$steps" | awk -F'\t' '
+        function clock(seconds) { return sprintf("%d:%02d", seconds / 60, seconds % 60) }
+        { printf "%-34s %8s %8s %8s%s\n", $1, clock($2), clock($3), clock($4), $5 ? "  FAILED" : ""; sum += $4 }
+        END { printf "%-34s %8s %8s %8s\n", "all", "", "", clock(sum) }'
+    echo
+}
+
+# failed_steps: the names of those that failed, one for each line.
+failed_steps() { [ ! -e "$steps" ] || awk -F'\t' '$5 { print $1 }' "$steps"; }

@@ -17,6 +17,11 @@
 
 namespace kv {
 
+inline constexpr char kJobQuery[] =
+    "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
+    "From msdb.dbo.syscategories Where "
+    "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
+
 using Lines = std::vector<std::string>;
 
 /// The pair as the tests fill it.

@@ -8,10 +8,6 @@ namespace {
 using fakes::Failing;
 using fakes::Rows;
 
-constexpr char kJobQuery[] = "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
-                             "From msdb.dbo.syscategories Where "
-                             "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
-
 class Replication : public ManagerTest {
   protected:
     Replication() { FillPair(manager_); }

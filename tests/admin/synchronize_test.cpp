@@ -8,9 +8,6 @@ namespace {
 using fakes::Failing;
 using fakes::Rows;
 
-constexpr char kJobQuery[] = "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
-                             "From msdb.dbo.syscategories Where "
-                             "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
 constexpr char kUninstall[] = "exec spUninstallReplication";
 constexpr char kInstall[] = "exec spInstallReplication";
 constexpr char kSynchronize[] =

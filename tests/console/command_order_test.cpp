@@ -8,14 +8,6 @@
 namespace kv {
 namespace {
 
-constexpr char kTables[] = "SELECT DISTINCT TABLE_NAME FROM INFORMATION_SCHEMA.COLUMNS";
-constexpr char kIdentity[] =
-    "SELECT COLUMN_NAME AS [Column] FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = 'Lots' "
-    "AND COLUMNPROPERTY(OBJECT_ID('Lots'), COLUMN_NAME, 'IsIdentity')=1";
-constexpr char kJobs[] = "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
-                         "From msdb.dbo.syscategories Where "
-                         "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
-
 /// While it lives, a form's changes become lines between the calls of the screen:
 ///   "lock", "unlock"                the painting of the window
 ///   "NAME on", "NAME off"           what can be used
@@ -227,8 +219,8 @@ TEST_F(CommandOrder, AChoiceOfTheServerFillsTheListsOfEachTab) {
 TEST_F(CommandOrder, AChoiceOfTheServerOnTheReplicationTabEmptiesItsBoxAndFillsIt) {
     StartOn(kReplicationTab);
     Databases({"ofB"});
-    ado_.Answer(kJobs, fakes::Rows({}));
-    ado_.Answer(kJobs, fakes::Rows({{"job"}}));
+    ado_.Answer(kJobQuery, fakes::Rows({}));
+    ado_.Answer(kJobQuery, fakes::Rows({{"job"}}));
     EXPECT_EQ(Seen(Form(), [&] { ui::Click(Option("optSQLReplCurrentServer", 1)); }),
               (Lines{"pointer 11", "events", "server",
                      // a change to no text
@@ -289,13 +281,13 @@ TEST_F(CommandOrder, RenameRefused) {
 
 TEST_F(CommandOrder, TheStatusOfReplicationAtEachChange) {
     StartOn(kReplicationTab);
-    ado_.Answer(kJobs, fakes::Rows({}));
+    ado_.Answer(kJobQuery, fakes::Rows({}));
     ui::Choose(Combo("cboSQLReplicationDatabase"), 0);
-    ado_.Answer(kJobs, fakes::Rows({{"job"}}));
+    ado_.Answer(kJobQuery, fakes::Rows({{"job"}}));
     EXPECT_EQ(Seen(Form(), [this] { ui::Choose(Combo("cboSQLReplicationDatabase"), 1); }),
               (Lines{"pointer 11", "events", "server", "cmdInstallReplication off",
                      "cmdUninstallReplication on", "lblSQLServerReplicationStatus caption", "pointer 0"}));
-    ado_.Answer(kJobs, fakes::Rows({}));
+    ado_.Answer(kJobQuery, fakes::Rows({}));
     EXPECT_EQ(Seen(Form(), [this] { ui::Type(Combo("cboSQLReplicationDatabase"), "X"); }),
               (Lines{"pointer 11", "events", "server", "cmdInstallReplication on",
                      "cmdUninstallReplication off", "lblSQLServerReplicationStatus caption", "pointer 0"}));

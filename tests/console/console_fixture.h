@@ -24,6 +24,16 @@
 
 namespace kv {
 
+// Statements of the program.
+inline constexpr char kTables[] = "SELECT DISTINCT TABLE_NAME FROM INFORMATION_SCHEMA.COLUMNS";
+inline constexpr char kIdentity[] =
+    "SELECT COLUMN_NAME AS [Column] FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = 'Lots' "
+    "AND COLUMNPROPERTY(OBJECT_ID('Lots'), COLUMN_NAME, 'IsIdentity')=1";
+inline constexpr char kJobQuery[] =
+    "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
+    "From msdb.dbo.syscategories Where "
+    "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
+
 using Lines = std::vector<std::string>;
 
 class ConsoleTest : public ::testing::Test {

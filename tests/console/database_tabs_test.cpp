@@ -4,10 +4,6 @@
 namespace kv {
 namespace {
 
-constexpr char kJobQuery[] = "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
-                             "From msdb.dbo.syscategories Where "
-                             "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
-
 class DatabaseTabs : public ConsoleTest {
   protected:
     DatabaseTabs() {

@@ -8,14 +8,7 @@ namespace {
 
 constexpr char kLostBox[] = "[exclamation] KVLSQLDbMgr: Error:\t-2147467259\r\n"
                             "Desc:\tCommunication link failure\r\n\t0\r\n\tSQL Server\r\n\t08S01\r\n";
-constexpr char kTables[] = "SELECT DISTINCT TABLE_NAME FROM INFORMATION_SCHEMA.COLUMNS";
-constexpr char kIdentity[] =
-    "SELECT COLUMN_NAME AS [Column] FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = 'Lots' "
-    "AND COLUMNPROPERTY(OBJECT_ID('Lots'), COLUMN_NAME, 'IsIdentity')=1";
 constexpr char kVersion[] = "SELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'";
-constexpr char kJobs[] = "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
-                         "From msdb.dbo.syscategories Where "
-                         "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
 
 ado::Parameter Input(const std::string& name) {
     ado::Parameter parameter;
@@ -64,7 +57,7 @@ class FailurePaths : public ConsoleTest {
         ado_.Answer(kVersion, fakes::Rows({{"1"}}));
         ado_.Answer(kVersion, fakes::Rows({{"2"}}));
         for (int i = 0; i < 3; ++i) {
-            ado_.Answer(kJobs, fakes::Rows({}));
+            ado_.Answer(kJobQuery, fakes::Rows({}));
             ado_.Answer("Refresh", Parameters());
         }
         ado_.Answer(kTables, fakes::Rows({{"Lots"}}));
@@ -165,8 +158,8 @@ TEST_F(LostServer, WhileReplicationIsInstalledAndUninstalled) {
         const char* const name = button;
         const auto status = [&, jobs = jobs] {
             ado_.Forget();
-            ado_.Answer(kJobs, fakes::Rows(jobs));
-            ado_.Answer(kJobs, fakes::Rows(jobs));
+            ado_.Answer(kJobQuery, fakes::Rows(jobs));
+            ado_.Answer(kJobQuery, fakes::Rows(jobs));
         };
         LoseTheServerAtEachCall(
             Form(),
@@ -304,7 +297,7 @@ TEST_F(BrokenHandler, AFailureBehindTheStatusOfReplicationIsItsCallers) {
     for (const auto& [tag, act] : acts) {
         Forget();
         ado_.Forget();
-        ado_.Answer(kJobs, fakes::Failing());
+        ado_.Answer(kJobQuery, fakes::Failing());
         Button("cmdInstallReplication").Enabled(true);
         Button("cmdUninstallReplication").Enabled(true);
         act();

@@ -9,8 +9,6 @@ using ado::Variant;
 using fakes::AdoAnswer;
 using fakes::AdoRow;
 
-constexpr char kTables[] = "SELECT DISTINCT TABLE_NAME FROM INFORMATION_SCHEMA.COLUMNS";
-
 std::string IdentityQuery(const std::string& table) {
     return "SELECT COLUMN_NAME AS [Column] FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = '" + table +
            "' AND COLUMNPROPERTY(OBJECT_ID('" + table + "'), COLUMN_NAME, 'IsIdentity')=1";
