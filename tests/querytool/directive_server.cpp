@@ -22,6 +22,9 @@ class DirectiveSession : public Session {
   public:
     void ExecuteBatch(std::string_view sql, ResultSink& sink) override {
         cancelled_ = false;
+        if (first_batch_.empty()) {
+            first_batch_ = sql;
+        }
         std::istringstream lines{std::string(sql)};
         for (std::string line; std::getline(lines, line) && !cancelled_;) {
             if (!line.empty() && line.back() == '\r') {
@@ -35,6 +38,7 @@ class DirectiveSession : public Session {
         }
     }
     void ExecuteProcedure(const RpcCall&, ResultSink&) override {}
+    void LoadRows(BulkRows&, ResultSink&) override {}
     void Cancel() override { cancelled_ = true; }
     std::string Database() const override { return "master"; }
     std::int32_t Id() const override { return 51; }
@@ -68,6 +72,12 @@ class DirectiveSession : public Session {
             {"error",
              [](DirectiveSession&, const Text& text, ResultSink& sink) {
                  sink.Send({static_cast<std::int32_t>(text.Number()), 16, 1, "Made to fail.", {}, 1});
+                 Done(sink);
+             }},
+            // The first batch that the session was sent.
+            {"first",
+             [](DirectiveSession& session, const Text&, ResultSink& sink) {
+                 sink.Send({0, 0, 1, session.first_batch_, {}, 1});
                  Done(sink);
              }},
             // Severity, state and text, and no end of a statement after it.
@@ -120,6 +130,7 @@ class DirectiveSession : public Session {
         return directives;
     }
 
+    std::string first_batch_;
     std::atomic<bool> cancelled_ = false;
 };
 

@@ -146,6 +146,15 @@ class Order(unittest.TestCase):
             self.setUp()
         self.assertEqual(said[0], said[1])
 
+    def test_within_a_procedure_a_message_stands_after_the_count_of_the_rows_before_it(self):
+        """fisql counts only when the procedure is over."""
+        script = self.write("procedure.sql", "use tempdb\nGO\ncreate procedure p as print 'a' select 1 as one "
+                            "raiserror('low', 5, 1) select 2 as two raiserror('no', 16, 1) print 'z'\nGO\nexec p\nGO\n")
+        self.assertEqual(self.osql(script), [
+            "a", "one", "-----------", "1", "(1 rows affected)", "low", "two", "-----------", "2", "(1 rows affected)",
+            "Msg 50000 Level 16 State 1 Line 1: no", "z"])
+        self.assertEqual(messages(self.osql(script)), self.tsql_errors(script))
+
     def test_a_guard_ends_ours_where_the_others_go_on(self):
         script = self.write("guard.sql", "print 'a' raiserror('stop', 16, 127) print 'b'\nGO\nprint 'c'\nGO\n")
         theirs = self.fisql(script)

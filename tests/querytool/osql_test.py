@@ -222,6 +222,13 @@ class OsqlByDbLibrary(PlantTest):
             "(1 row affected)", "b", "(2 rows affected)", "c", "Msg 50000, Level 16, State 1, Server DIRECT, Line 1",
             "Made to fail.", "(3 rows affected)", ""]))
 
+    def test_the_session_has_the_options_that_a_tool_over_odbc_has(self):
+        code, output = self.script(b"first\n", "-n")
+        self.assertEqual(code, 0)
+        for option in (b"ANSI_NULLS ON", b"ANSI_NULL_DFLT_ON ON", b"ANSI_PADDING ON", b"ANSI_WARNINGS ON",
+                       b"CONCAT_NULL_YIELDS_NULL ON", b"QUOTED_IDENTIFIER ON", b"TEXTSIZE 2147483647"):
+            self.assertIn(b"SET " + option, output)
+
     def test_state_127_ends_the_tool_whatever_the_severity(self):
         for severity in (0, 10, 16):
             code, output = self.script(f"print a\nraise {severity} 127 stop\nprint b\nGO\nprint c\nGO\n".encode(), "-n")
