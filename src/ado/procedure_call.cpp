@@ -73,8 +73,9 @@ ProcedureCall::ProcedureCall(const std::string& procedure, std::vector<Parameter
         }
     }
     // The return value's marker is the first one in every form of a call.
-    std::ranges::stable_partition(
-        marked_, [](const Marked& marked) { return marked.parameter->Direction() == adParamReturnValue; });
+    std::stable_partition(marked_.begin(), marked_.end(), [](const Marked& marked) {
+        return marked.parameter->Direction() == adParamReturnValue;
+    });
     if (HasGap(parameters)) {
         CallByName(procedure);
     } else {
