@@ -22,8 +22,8 @@ class DirectiveSession : public Session {
   public:
     void ExecuteBatch(std::string_view sql, ResultSink& sink) override {
         cancelled_ = false;
-        if (first_batch_.empty()) {
-            first_batch_ = sql;
+        if (batches_.size() < kMostNoted) {
+            batches_.append(sql.substr(0, kMostNoted)).push_back(';');
         }
         std::istringstream lines{std::string(sql)};
         for (std::string line; std::getline(lines, line) && !cancelled_;) {
@@ -74,10 +74,10 @@ class DirectiveSession : public Session {
                  sink.Send({static_cast<std::int32_t>(text.Number()), 16, 1, "Made to fail.", {}, 1});
                  Done(sink);
              }},
-            // The first batch that the session was sent.
-            {"first",
+            // The first batches that the session was sent.
+            {"batches",
              [](DirectiveSession& session, const Text&, ResultSink& sink) {
-                 sink.Send({0, 0, 1, session.first_batch_, {}, 1});
+                 sink.Send({0, 0, 1, session.batches_, {}, 1});
                  Done(sink);
              }},
             // Severity, state and text, and no end of a statement after it.
@@ -130,7 +130,9 @@ class DirectiveSession : public Session {
         return directives;
     }
 
-    std::string first_batch_;
+    static constexpr std::size_t kMostNoted = 1000;
+
+    std::string batches_;
     std::atomic<bool> cancelled_ = false;
 };
 

@@ -223,7 +223,7 @@ class OsqlByDbLibrary(PlantTest):
             "Made to fail.", "(3 rows affected)", ""]))
 
     def test_the_session_has_the_options_that_a_tool_over_odbc_has(self):
-        code, output = self.script(b"first\n", "-n")
+        code, output = self.script(b"batches\n", "-n")
         self.assertEqual(code, 0)
         for option in (b"ANSI_NULLS ON", b"ANSI_NULL_DFLT_ON ON", b"ANSI_PADDING ON", b"ANSI_WARNINGS ON",
                        b"CONCAT_NULL_YIELDS_NULL ON", b"QUOTED_IDENTIFIER ON", b"TEXTSIZE 2147483647"):
