@@ -28,6 +28,7 @@ class SecondClicks : public OnScreen {
   protected:
     using OnScreen::OnScreen;
     static constexpr milliseconds kWork{80};
+    static constexpr int kEnough = 3; // of runs, where each would bring about the next
 
     /// As the console's commands run: pending events once, then the server's time, and the button is back
     /// with the focus.
@@ -126,13 +127,17 @@ class SecondClicksInTheDialog : public SecondClicks {
 
 TEST_F(SecondClicks, DoNotRunACommandOfAnyTabAgain) {
     Arm();
-    std::size_t buttons = 0;
+    std::size_t commands = 0;
     for (int tab = 0; tab < kv::kMainTabs; ++tab) {
         ShowTab(tab);
-        buttons += ButtonsOnShow().size();
-        ExpectOneRunEach(ButtonsOnShow());
+        std::vector<ui::CommandButton*> buttons = ButtonsOnShow();
+        if (tab != 0) {
+            std::erase(buttons, &Get<ui::CommandButton>("cmdClose")); // the same on each
+        }
+        commands += buttons.size();
+        ExpectOneRunEach(buttons);
     }
-    EXPECT_EQ(buttons, 15U + kv::kMainTabs) << "each tab's own, and cmdClose on each";
+    EXPECT_EQ(commands, 16U);
 }
 
 TEST_F(SecondClicksInTheDialog, DoNotRunACommandOfTheDialogAgain) {
@@ -151,21 +156,31 @@ TEST_F(SecondClicks, AreNewCommandsOnceTheOperatorHasSeenTheEnd) {
     }
 }
 
+/// The second key is pressed when the command has let events run for the last time, and so waits for its end.
 TEST_F(SecondClicks, ByKeysThatWaitDoNotRunACommandAgain) {
-    Arm();
     ShowTab(kv::kUpgradeTab);
     auto& remove = Get<ui::CommandButton>("cmdRemove");
-    for (const WORD key : {WORD{VK_SPACE}, WORD{VK_RETURN}}) {
-        Rest();
-        form_.SetFocus(remove);
-        Settle();
-        runs_ = 0;
-        hands::Press(key);
-        hands::Press(key);
-        hands::Press(key);
-        EXPECT_TRUE(hands::WaitFor([this] { return runs_ > 0; }));
-        InputArrived();
-        EXPECT_EQ(runs_, 1) << key;
+    for (const bool disables : {true, false}) {
+        for (const WORD key : {WORD{VK_SPACE}, WORD{VK_RETURN}}) {
+            remove.on_click = [&] {
+                ++runs_;
+                remove.Enabled(!disables);
+                Settle();
+                if (runs_ < kEnough) {
+                    hands::Press(key);
+                }
+                remove.Enabled(true);
+                form_.SetFocus(remove);
+            };
+            Rest();
+            form_.SetFocus(remove);
+            Settle();
+            runs_ = 0;
+            hands::Press(key);
+            EXPECT_TRUE(hands::WaitFor([this] { return runs_ > 0; }));
+            InputArrived();
+            EXPECT_EQ(runs_, 1) << key << (disables ? ", disabled" : ", enabled");
+        }
     }
 }
 
@@ -183,9 +198,17 @@ TEST_F(SecondClicks, ByKeysThatLeadElsewhereAreNotDropped) {
 }
 
 TEST_F(SecondClicks, ByAMnemonicThatWaitsDoNotRunACommandAgain) {
-    Arm();
     ShowTab(kv::kScriptTab);
-    hands::Press('R', {VK_MENU});
+    auto& run = Get<ui::CommandButton>("cmdCreateInstall");
+    run.on_click = [&] {
+        ++runs_;
+        run.Enabled(false);
+        Settle();
+        if (runs_ < kEnough) {
+            hands::Press('R', {VK_MENU});
+        }
+        run.Enabled(true);
+    };
     hands::Press('R', {VK_MENU});
     EXPECT_TRUE(hands::WaitFor([this] { return runs_ > 0; }));
     InputArrived();

@@ -333,6 +333,25 @@ TEST_F(SteeredForm, DoesNothingOnEnterInATextBoxAndOnEscape) {
     EXPECT_FALSE(form_.Unloaded());
 }
 
+TEST_F(SteeredForm, DoesNothingOnEnterInATextBoxAfterAButtonWasPressed) {
+    ShowTab(kv::kUpgradeTab);
+    int clicks = 0;
+    Get<ui::CommandButton>("cmdRename").on_click = [&] {
+        ++clicks;
+        form_.SetFocus(Get<ui::CommandButton>("cmdRename"));
+    };
+    hands::Click(Native("cmdRename"));
+    EXPECT_TRUE(hands::WaitFor([&] { return clicks == 1; }));
+    std::this_thread::sleep_for(2 * ui::kReactionTime);
+    for (const char* box : {"edtRenameNewDatabase", "cboUpgradeDatabaseDest"}) {
+        hands::Click(Native(box));
+        ASSERT_TRUE(FocusBecomes(box));
+        hands::Press(VK_RETURN);
+        InputArrived();
+        EXPECT_EQ(clicks, 1) << box;
+    }
+}
+
 TEST_F(SteeredForm, TicksABoxAndSelectsAnOption) {
     Tabs().Tab(kv::kScriptTab);
     Settle();
