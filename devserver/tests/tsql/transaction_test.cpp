@@ -45,6 +45,14 @@ NULL
 )");
 }
 
+TEST_F(Transaction, SnapshotIsRefusedBeforeAnythingOfTheBatchRuns) {
+    EXPECT_EQ(
+        Run("insert t values (2)\nset transaction isolation level snapshot\nbegin tran"),
+        "\nMsg 40517.16.1 L2: Keyword or statement option 'SNAPSHOT' is not supported in this version of SQL "
+        "Server.\n");
+    EXPECT_EQ(Run("print @@trancount select count(*) from t"), "\n> 0\n\n1\n(1)\n");
+}
+
 TEST_F(Transaction, SavepointsUndoAPart) {
     EXPECT_EQ(Run(R"(
 begin transaction outermost

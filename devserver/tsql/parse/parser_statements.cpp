@@ -351,6 +351,9 @@ StatementPtr Parser::ParseSetOption() {
         set.table = TakeObjectName();
     } else if (TakeWords({"TRANSACTION", "ISOLATION", "LEVEL"})) {
         set.options = {"TRANSACTION ISOLATION LEVEL"};
+        if (IsWord("SNAPSHOT")) { // The whole batch: nothing of it may run at another level instead.
+            Unsupported("SNAPSHOT");
+        }
         set.value = AsciiUpper(Take().text);
         if (set.value == "READ" || set.value == "REPEATABLE") {
             set.value += " " + AsciiUpper(Take().text);

@@ -167,9 +167,6 @@ void Interpreter::SetOption(const ast::SetOptionStatement& set) {
             continue;
         }
         if (option == "TRANSACTION ISOLATION LEVEL") {
-            if (set.value == "SNAPSHOT") {
-                RaiseError(40517, {"SNAPSHOT"});
-            }
             options.others[option] = set.value;
             continue;
         }
