@@ -175,7 +175,9 @@ void Connection::TellTransaction(Response& response, Environment ended_by) {
     const std::uint64_t number = open ? ++last_transaction_ : known_transaction_;
     known_transaction_ = open ? number : 0;
     response.Write([&](TokenWriter& tokens) {
-        tokens.WriteTransaction(open ? Environment::BeginTransaction : ended_by, number);
+        // A commit that has failed has rolled the transaction back.
+        const Environment end = response.failed() ? Environment::RollbackTransaction : ended_by;
+        tokens.WriteTransaction(open ? Environment::BeginTransaction : end, number);
     });
 }
 

@@ -278,6 +278,17 @@ TEST_F(TdsConnection, ATransactionThatABatchEndsIsToldToTheDriver) {
     EXPECT_EQ(Summarize(client.Batch("BEGIN TRAN")), "DONE(00,0)");
 }
 
+TEST_F(TdsConnection, ACommitThatFailsIsToldAsARollback) {
+    TdsClient client = server_.LoggedIn();
+    client.Batch("BEGIN TRAN");
+    script().on_batch = [](FakeSession& session, std::string_view, ResultSink& sink) {
+        session.SetTransactions(0);
+        sink.Send({9002, 17, 1, "the log is full", {}, 1});
+    };
+    client.Send(PacketType::TransactionManager, FromHex("04000000 0700 00 00"));
+    EXPECT_EQ(Summarize(client.Receive()), "ERROR(9002) ENV(10) DONE(02,0)");
+}
+
 TEST_F(TdsConnection, AClientOf71IsToldOfNoTransactions) {
     LoginFields fields;
     fields.version = 0x71000001;
