@@ -92,6 +92,9 @@ int AddDatabase(SqliteConnection& connection, DatabaseInfo database) {
             .BindInt(4, NowTicks())
             .Run();
         UpdateDatabase(connection, database);
+        for (const auto& [option, value] : database.options) {
+            StoreOption(connection, database.id, option, value);
+        }
     } catch (...) {
         connection.Execute("ROLLBACK TO add_database; RELEASE add_database");
         throw;
@@ -108,6 +111,14 @@ void RemoveDatabase(SqliteConnection& connection, int id) {
                        "; RELEASE remove_database");
 }
 
+void StoreOption(SqliteConnection& connection, int id, std::string_view option, std::string_view value) {
+    connection.Prepare("INSERT OR REPLACE INTO devsql_options VALUES(?1, ?2, ?3)")
+        .BindInt(1, id)
+        .BindText(2, option)
+        .BindText(3, value)
+        .Run();
+}
+
 void UpdateDatabase(SqliteConnection& connection, const DatabaseInfo& database) {
     connection.Execute("SAVEPOINT update_database");
     try {
@@ -116,10 +127,7 @@ void UpdateDatabase(SqliteConnection& connection, const DatabaseInfo& database) 
             .BindText(2, database.name)
             .BindText(3, database.owner)
             .Run();
-        for (const char* text : {"DELETE FROM devsql_files WHERE database = ?1",
-                                 "DELETE FROM devsql_options WHERE database = ?1"}) {
-            connection.Prepare(text).BindInt(1, database.id).Run();
-        }
+        connection.Prepare("DELETE FROM devsql_files WHERE database = ?1").BindInt(1, database.id).Run();
         for (const DatabaseFile& file : database.files) {
             connection.Prepare("INSERT INTO devsql_files VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)")
                 .BindInt(1, database.id)
@@ -132,13 +140,6 @@ void UpdateDatabase(SqliteConnection& connection, const DatabaseInfo& database) 
                 .BindText(8, file.size)
                 .BindText(9, file.max_size)
                 .BindText(10, file.growth)
-                .Run();
-        }
-        for (const auto& [name, value] : database.options) {
-            connection.Prepare("INSERT INTO devsql_options VALUES(?1, ?2, ?3)")
-                .BindInt(1, database.id)
-                .BindText(2, name)
-                .BindText(3, value)
                 .Run();
         }
     } catch (...) {

@@ -47,8 +47,10 @@ std::vector<DatabaseInfo> ListDatabases(SqliteConnection& connection);
 /// Gives the database the lowest free id and returns it.
 int AddDatabase(SqliteConnection& connection, DatabaseInfo database);
 void RemoveDatabase(SqliteConnection& connection, int id);
-/// Name, files and options.
+/// Name, owner and files.
 void UpdateDatabase(SqliteConnection& connection, const DatabaseInfo& database);
+/// One option of the database, without regard to the others.
+void StoreOption(SqliteConnection& connection, int id, std::string_view option, std::string_view value);
 
 struct LoginInfo {
     std::string name;

@@ -39,24 +39,24 @@ std::string QuoteText(std::string_view text) {
 
 // ------------------------------------------------------------------ statements
 
-SqliteStatement::SqliteStatement(SqliteConnection& connection, sqlite3_stmt* handle, std::string text)
-    : connection_(&connection), handle_(handle), text_(std::move(text)) {}
+SqliteStatement::SqliteStatement(SqliteConnection& connection, Idle::node_type own)
+    : connection_(&connection), handle_(own.mapped()), own_(std::move(own)) {}
 
 SqliteStatement::SqliteStatement(SqliteStatement&& other) noexcept
     : connection_(other.connection_),
       handle_(std::exchange(other.handle_, nullptr)),
-      text_(std::move(other.text_)) {}
+      own_(std::move(other.own_)) {}
 
 SqliteStatement& SqliteStatement::operator=(SqliteStatement&& other) noexcept {
     std::swap(connection_, other.connection_);
     std::swap(handle_, other.handle_);
-    std::swap(text_, other.text_);
+    std::swap(own_, other.own_);
     return *this;
 }
 
 SqliteStatement::~SqliteStatement() {
     if (handle_ != nullptr) {
-        connection_->Release(std::move(text_), handle_);
+        connection_->Release(std::move(own_));
     }
 }
 
@@ -246,9 +246,7 @@ void SqliteConnection::Fail(int code) {
 SqliteStatement SqliteConnection::Prepare(const std::string& text) {
     pending_ = nullptr;
     if (const auto cached = idle_.find(text); cached != idle_.end()) {
-        sqlite3_stmt* handle = cached->second;
-        idle_.erase(cached);
-        return SqliteStatement(*this, handle, text);
+        return {*this, idle_.extract(cached)};
     }
     sqlite3_stmt* handle = nullptr;
     const int code =
@@ -256,16 +254,18 @@ SqliteStatement SqliteConnection::Prepare(const std::string& text) {
     if (code != SQLITE_OK) {
         throw StorageError(code, std::string(sqlite3_errmsg(handle_)) + " in: " + text);
     }
-    return SqliteStatement(*this, handle, text);
+    SqliteStatement::Idle made;
+    made.emplace(text, handle);
+    return {*this, made.extract(made.begin())};
 }
 
-void SqliteConnection::Release(std::string text, sqlite3_stmt* handle) {
-    sqlite3_reset(handle);
-    sqlite3_clear_bindings(handle);
+void SqliteConnection::Release(SqliteStatement::Idle::node_type own) {
+    sqlite3_reset(own.mapped());
+    sqlite3_clear_bindings(own.mapped());
     if (idle_.size() >= kCachedStatements) {
         ClearCache();
     }
-    idle_.emplace(std::move(text), handle);
+    idle_.insert(std::move(own));
 }
 
 void SqliteConnection::ClearCache() {
@@ -284,6 +284,9 @@ void SqliteConnection::Execute(const std::string& text) {
 }
 
 void SqliteConnection::Attach(const std::filesystem::path& file, const std::string& alias) {
+    if (std::error_code error; !std::filesystem::exists(file, error)) { // SQLite would make an empty one.
+        throw StorageError(SQLITE_CANTOPEN, Utf8(file) + " is not there");
+    }
     Execute("ATTACH " + QuoteText(Utf8(file)) + " AS " + QuoteName(alias));
     try {
         if (!InTransaction()) { // Within one, neither can be changed; the file has its journal mode already.
@@ -303,6 +306,10 @@ void SqliteConnection::Detach(const std::string& alias) {
 
 bool SqliteConnection::InTransaction() const {
     return sqlite3_get_autocommit(handle_) == 0;
+}
+
+bool SqliteConnection::Writes(const std::string& alias) const {
+    return sqlite3_txn_state(handle_, alias.c_str()) == SQLITE_TXN_WRITE;
 }
 
 std::int64_t SqliteConnection::Changes() const {

@@ -9,12 +9,12 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <memory>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "devserver/engine/value.h"
@@ -65,11 +65,13 @@ class SqliteStatement {
 
   private:
     friend class SqliteConnection;
-    SqliteStatement(SqliteConnection& connection, sqlite3_stmt* handle, std::string text);
+    /// Statements that wait to be used again, by their texts.
+    using Idle = std::unordered_multimap<std::string, sqlite3_stmt*>;
+    SqliteStatement(SqliteConnection& connection, Idle::node_type own);
 
     SqliteConnection* connection_ = nullptr;
     sqlite3_stmt* handle_ = nullptr;
-    std::string text_;
+    Idle::node_type own_; ///< goes back with it
 };
 
 /// The arguments and the result of a function that SQLite calls back.
@@ -115,6 +117,8 @@ class SqliteConnection {
     void Detach(const std::string& alias);
     /// True between BEGIN and the end of a transaction, also when SQLite has ended it by itself.
     bool InTransaction() const;
+    /// True while the connection holds the write lock of the database with that alias.
+    bool Writes(const std::string& alias) const;
     std::int64_t Changes() const;
     std::int64_t LastRowId() const;
     /// May be called from any thread.
@@ -138,12 +142,12 @@ class SqliteConnection {
     };
 
     [[noreturn]] void Fail(int code);
-    void Release(std::string text, sqlite3_stmt* handle);
+    void Release(SqliteStatement::Idle::node_type own);
     void ClearCache();
     static int Busy(void* self, int count);
 
     sqlite3* handle_ = nullptr;
-    std::multimap<std::string, sqlite3_stmt*, std::less<>> idle_;
+    SqliteStatement::Idle idle_;
     std::exception_ptr pending_;
     std::function<bool(int)> busy_;
     std::vector<std::unique_ptr<std::pair<SqliteConnection*, Function>>> functions_;

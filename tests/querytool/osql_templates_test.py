@@ -6,6 +6,8 @@ import datetime
 import os
 import subprocess
 import sys
+import threading
+import time
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -87,6 +89,25 @@ class Templates(unittest.TestCase):
             self.assertEqual((done.returncode, [line for line in lines if "Msg" in line]), (0, [lines[last - 1]]))
         else:
             self.assertEqual((done.returncode, lines[last + 1:]), (50000 & 0xFF, [""]))
+
+    def test_a_batch_that_is_thrown_out_is_a_failure(self):
+        done = []
+        thread = threading.Thread(
+            target=lambda: done.append(self.tool("-b", "-Q", "waitfor delay '00:00:50' print 'the end'")))
+        thread.start()
+        with self.server.connect("master") as connection, connection.cursor() as cursor:
+            number, end = None, time.monotonic() + 30
+            while number is None and time.monotonic() < end:
+                cursor.execute("SELECT max(spid) FROM sysprocesses WHERE spid > 50 AND spid <> @@SPID")
+                number = cursor.fetchone()[0]
+            self.assertIsNotNone(number, "the tool did not log in")
+            time.sleep(0.3)  # until its batch runs
+            cursor.execute(f"KILL {number}")
+        thread.join(60)
+        self.assertFalse(thread.is_alive())
+        self.assertNotEqual(done[0].returncode, 0)
+        self.assertIn(b"Msg 596, Level 21", done[0].stdout)
+        self.assertNotIn(b"the end", done[0].stdout)
 
     def test_a_login_that_is_refused_is_told(self):
         command = [os.path.join(TOP, "tests", "run-under-wine")] if WINE else []

@@ -288,6 +288,40 @@ class Pymssql(unittest.TestCase):
             cursor.execute("SELECT 1")
             self.assertEqual(cursor.fetchall(), [(1,)])
 
+    def test_a_statement_that_is_thrown_out_fails_and_the_connection_ends(self):
+        with connect() as connection, connection.cursor() as cursor:
+            cursor.execute("CREATE DATABASE ThrownOut")
+            caught = []
+
+            def wait(victim, running):
+                with victim.cursor() as waiting:
+                    try:
+                        running.set()
+                        waiting.execute("WAITFOR DELAY '00:00:50' SELECT 'done'")
+                        caught.append(waiting.fetchall())
+                    except pymssql.Error as error:
+                        caught.append(error.args[0])
+                    with self.assertRaises(pymssql.Error):
+                        waiting.execute("SELECT 1")
+
+            for end in ("ALTER DATABASE ThrownOut SET SINGLE_USER WITH ROLLBACK IMMEDIATE", "KILL %d"):
+                victim = connect(database="ThrownOut")
+                running = threading.Event()
+                with victim.cursor() as asking:
+                    asking.execute("SELECT @@SPID")
+                    number = asking.fetchone()[0]
+                thread = threading.Thread(target=wait, args=(victim, running))
+                thread.start()
+                running.wait(30)
+                time.sleep(0.2)  # until the server has it; one that is ended before fails as well
+                cursor.execute(end.replace("%d", str(number)))
+                thread.join(30)
+                self.assertFalse(thread.is_alive(), end)
+                self.assertEqual(caught.pop(), 596, end)
+                victim.close()
+                cursor.execute("ALTER DATABASE ThrownOut SET MULTI_USER")
+            cursor.execute("DROP DATABASE ThrownOut")
+
     def test_forty_clients_at_once(self):
         failures = []
 

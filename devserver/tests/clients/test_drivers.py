@@ -7,6 +7,8 @@ usage: test_drivers.py DEVSQLSERVER [unittest's arguments]. A driver that is mis
 import datetime
 import decimal
 import sys
+import threading
+import time
 import unittest
 import uuid
 
@@ -164,6 +166,29 @@ class Pyodbc(unittest.TestCase):
             self.assertEqual(caught.exception.args[0], state)
             self.assertIn(f"({number})", caught.exception.args[1])
         connection.close()
+
+    def test_a_statement_that_is_thrown_out_fails_and_the_connection_ends(self):
+        for version in TDS_VERSIONS:
+            victim, other = connect_pyodbc(version), connect_pyodbc(version)
+            number = victim.execute("SELECT @@SPID").fetchval()
+            caught = []
+
+            def wait():
+                try:
+                    caught.append(victim.execute("WAITFOR DELAY '00:00:50' SELECT 'done'").fetchall())
+                except pyodbc.Error as error:
+                    caught.append(error.args[1])
+
+            thread = threading.Thread(target=wait)
+            thread.start()
+            time.sleep(0.2)  # until the server has it
+            other.execute(f"KILL {number}")
+            thread.join(30)
+            self.assertFalse(thread.is_alive(), version)
+            self.assertIn("(596)", caught[0], version)
+            with self.assertRaises(pyodbc.Error):
+                victim.execute("SELECT 1")
+            other.close()
 
     def test_several_results_and_their_counts(self):
         connection = connect_pyodbc()

@@ -125,7 +125,11 @@ TEST_F(Database, SingleUserWithRollbackImmediateThrowsTheOthersOut) {
     Client idle = server.Login("Batch");
     Client busy = server.Login("Batch");
     idle.Run("begin tran insert t values (1)");
-    std::thread running([&] { busy.Run("waitfor delay '00:00:30'"); });
+    std::string told;
+    std::thread running([&] {
+        told = busy.Run(
+            "begin try waitfor delay '00:00:30' print 'done' end try begin catch print 'caught' end catch");
+    });
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(Run("alter database Batch set single_user with rollback immediate"), "\n");
@@ -133,6 +137,8 @@ TEST_F(Database, SingleUserWithRollbackImmediateThrowsTheOthersOut) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
     EXPECT_TRUE(idle.session().Ended());
     EXPECT_TRUE(busy.session().Ended());
+    EXPECT_EQ(told,
+              "Msg 596.21.1 L1: Cannot continue the execution because the session is in the kill state.\n");
     idle.Run("select 1");
     EXPECT_EQ(idle.messages.at(0).number, 596);
     EXPECT_EQ(Run("use Batch select count(*) from t"), "\n\n0\n(1)\n");
@@ -140,6 +146,56 @@ TEST_F(Database, SingleUserWithRollbackImmediateThrowsTheOthersOut) {
     EXPECT_EQ(server.login_text.substr(0, 9), "Msg 4060.");
     EXPECT_EQ(Run("alter database Batch set multi_user"), "\n");
     EXPECT_EQ(server.Login("Batch").Run("print db_name()"), "> Batch\n");
+}
+
+TEST_F(Database, AStatementThatWaitsForALockIsThrownOutToo) {
+    client.Run("use Batch create table t (a int) use master");
+    Client holder = server.Login("Batch");
+    Client waiter = server.Login("Batch");
+    holder.Run("begin tran insert t values (1)");
+    std::string told;
+    std::thread waiting([&] { told = waiter.Run("insert t values (2) print 'done'"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    client.Run("kill " + std::to_string(waiter.session().Id()));
+    waiting.join();
+    EXPECT_EQ(told,
+              "Msg 596.21.1 L1: Cannot continue the execution because the session is in the kill state.\n");
+    EXPECT_EQ(holder.Run("commit select count(*) from t"), "\n1\n(1)\n");
+}
+
+TEST_F(Database, ItsOwnSessionsCurrentDatabaseStaysFromWithinAnotherToo) {
+    client.Run("create procedure drop_it as drop database Batch\nGO\nuse Batch");
+    EXPECT_EQ(Run("exec master..drop_it"), "\nMsg 3702.16.1 drop_it L1: Cannot drop database \"Batch\" "
+                                           "because it is currently in use.\n");
+    EXPECT_EQ(Run("print db_name()"), "\n> Batch\n");
+}
+
+TEST_F(Database, MadeAnewGivesItsIdentitiesFromTheBeginning) {
+    const std::string make =
+        "create database Again\nGO\ncreate table Again..t (id int identity, a int)\ninsert "
+        "Again..t values (1)\nselect id from Again..t";
+    EXPECT_EQ(Run(make), "\n(1)\nid\n1\n(1)\n");
+    client.Run("drop database Again");
+    EXPECT_EQ(Run(make), "\n(1)\nid\n1\n(1)\n");
+}
+
+TEST_F(Database, WhoseFileIsGoneIsNotMadeAnewByEnteringIt) {
+    client.Run("create database Gone on (name = g, filename = 'D:\\gone.mdf')");
+    std::filesystem::remove(Drive("gone.mdf"));
+    client.Run("use Gone");
+    EXPECT_EQ(client.messages.at(0).number, 5120);
+    EXPECT_FALSE(std::filesystem::exists(Drive("gone.mdf")));
+}
+
+TEST_F(Database, AFileThatIsInUseIsNotAttachedUnderAnotherName) {
+    Run(R"(exec sp_attach_db 'Twice', 'D:\Batch_data.mdf')");
+    EXPECT_EQ(client.messages.at(0).number, 5104);
+}
+
+TEST_F(Database, ItsOptionsAreNotSetInATransaction) {
+    Run("begin tran exec sp_dboption 'Batch', 'single user', 'true'");
+    EXPECT_EQ(client.messages.at(0).number, 226);
+    client.Run("rollback");
 }
 
 TEST_F(Database, TheGuardedRemovalOfADatabaseThatIsNotThereSaysNothing) {

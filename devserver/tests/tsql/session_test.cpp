@@ -83,6 +83,22 @@ TEST_F(SessionTest, KillEndsAnotherSession) {
     EXPECT_EQ(a.messages.at(0).number, 6104);
 }
 
+TEST_F(SessionTest, AStatementThatIsKilledFailsAndIsUndone) {
+    Client a = server.Login();
+    Client b = server.Login("tempdb");
+    a.Run("create table tempdb..t (n int)");
+    std::string told;
+    std::thread running(
+        [&] { told = b.Run("begin tran insert t values (1)\nwhile 1 = 1 update t set n = n % 1000 + 1"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    a.Run("kill " + std::to_string(b.session().Id()));
+    running.join();
+    const std::string end =
+        "Msg 596.21.1 L2: Cannot continue the execution because the session is in the kill state.\n";
+    EXPECT_TRUE(told.ends_with(end)) << told.substr(told.size() - std::min(told.size(), end.size()));
+    EXPECT_EQ(a.Run("select count(*) from tempdb..t"), "\n0\n(1)\n");
+}
+
 TEST_F(SessionTest, ManyAtOnceWriteIntoOneTable) {
     Client first = server.Login("tempdb");
     first.Run("create table t (id int identity primary key, who int, n int)");

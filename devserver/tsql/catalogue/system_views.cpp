@@ -62,7 +62,7 @@ std::string SessionRows(SessionCore& session) {
     std::string rows =
         "(SELECT column1 AS id, column2 AS login, column3 AS host, column4 AS program, column5 AS "
         "database, column6 AS own FROM (VALUES";
-    for (const Server::SessionInfo& info : session.server.Sessions()) {
+    for (const DatabaseUsers::SessionInfo& info : session.server.users().Sessions()) {
         rows += (rows.ends_with("VALUES") ? "(" : ",(") + std::to_string(info.id) + "," +
                 QuoteText(info.login) + "," + QuoteText(info.host) + "," + QuoteText(info.application) + "," +
                 QuoteText(info.database) + "," + (info.id == session.id ? "1" : "0") + ")";

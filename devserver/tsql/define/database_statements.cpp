@@ -2,10 +2,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstring>
 #include <fstream>
-#include <thread>
 
 #include "devserver/storage/paths.h"
 #include "devserver/tsql/define/definitions.h"
@@ -174,42 +172,44 @@ bool IsDatabaseFile(const fs::path& path) {
     }
 }
 
-/// Keeps other sessions out of a database while it changes. Raises the number where one is in.
+enum class Others : std::uint8_t { Refuse, ThrowOut };
+
+/// Keeps other sessions out of a database while it changes. Raises `refusal` where one is in and stays.
 class Exclusive {
   public:
-    Exclusive(SessionCore& session, const std::string& name, std::int32_t error, std::string_view first)
-        : session_(session), name_(Folded(name)) {
-        if (Same(session.CurrentDatabaseName(), name)) {
-            Refuse(error, first, name);
-        }
-        session.ReleaseDatabase(name);
-        // A client that has just closed its connection is out for itself, and its session is still on the
-        // way.
-        const auto until = std::chrono::steady_clock::now() + kTimeToLeave;
-        while (!session.server.CloseTo(name_, session)) {
-            if (std::chrono::steady_clock::now() >= until) {
-                Refuse(error, first, name);
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    Exclusive(SessionCore& session, int database, Others others, const SqlError& refusal)
+        : users_(session.server.users()), database_(database) {
+        if (others == Others::ThrowOut) {
+            users_.CloseAndThrowOut(database_, session);
+        } else if (!users_.Close(database_, session)) {
+            throw refusal;
         }
     }
-    ~Exclusive() { session_.server.Reopen(name_); }
+    ~Exclusive() { users_.Reopen(database_); }
     Exclusive(const Exclusive&) = delete;
     Exclusive& operator=(const Exclusive&) = delete;
 
   private:
-    static constexpr std::chrono::milliseconds kTimeToLeave{500};
-
-    [[noreturn]] static void Refuse(std::int32_t error, std::string_view first, const std::string& name) {
-        if (first.empty()) {
-            RaiseError(error, {name});
-        }
-        RaiseError(error, {first, name});
-    }
-
-    SessionCore& session_;
-    std::string name_;
+    DatabaseUsers& users_;
+    int database_;
 };
+
+/// The session itself lets go of a database that is to be taken away. Raises `refusal` for its current one.
+void LetGo(SessionCore& session, const DatabaseInfo& info, const SqlError& refusal) {
+    if (Same(session.CurrentDatabaseName(), info.name) || Same(session.SessionDatabase(), info.name)) {
+        throw refusal;
+    }
+    session.ReleaseDatabase(info.name);
+}
+
+/// Brings the write-ahead log back into the file, which the last one to close it does. Two sessions that
+/// close it at the same moment both leave it.
+void SettleFile(const DatabaseInfo& info) {
+    if (std::error_code error; fs::exists(info.DataFile().path, error)) {
+        SqliteConnection last(info.DataFile().path);
+        last.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
+    }
+}
 
 /// What is published can't go. Raises 3724.
 void RequireUnpublished(const DatabaseInfo& info, std::string_view verb) {
@@ -222,6 +222,7 @@ void RequireUnpublished(const DatabaseInfo& info, std::string_view verb) {
 
 void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement& create) {
     RequireNoTransaction(session, "CREATE DATABASE");
+    const DatabaseUsers::ListTurn turn(session);
     if (FindDatabase(session.connection, create.name)) {
         RaiseError(1801, {create.name}, 3);
     }
@@ -262,6 +263,7 @@ void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement&
 
 void DropDatabase(SessionCore& session, const std::string& name, bool if_exists) {
     RequireNoTransaction(session, "DROP DATABASE");
+    const DatabaseUsers::ListTurn turn(session);
     const std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
     if (!info) {
         if (if_exists) {
@@ -273,30 +275,50 @@ void DropDatabase(SessionCore& session, const std::string& name, bool if_exists)
         RaiseError(3708, {"drop", "database", name, "database"});
     }
     RequireUnpublished(*info, "drop");
-    const Exclusive exclusive(session, info->name, 3702, "");
+    const SqlError in_use = ErrorOf(3702, {info->name});
+    LetGo(session, *info, in_use);
+    const Exclusive exclusive(session, info->id, Others::Refuse, in_use);
     RemoveDatabase(session.connection, info->id);
     RemoveFiles(info->files);
 }
 
 void DetachDatabase(SessionCore& session, const std::string& name) {
     RequireNoTransaction(session, "sp_detach_db");
+    const DatabaseUsers::ListTurn turn(session);
     const DatabaseInfo info = RequireDatabase(session, name, 15010);
     if (IsSystemDatabase(name)) {
         RaiseError(3708, {"detach", "database", name, "database"});
     }
     RequireUnpublished(info, "detach");
-    const Exclusive exclusive(session, info.name, 3703, "database");
-    {
-        // The last one to close a file brings its write-ahead log back into it.
-        SqliteConnection connection(info.DataFile().path);
-        KeepFileNames(connection, info);
-        connection.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
+    const SqlError in_use = ErrorOf(3703, {"database", info.name});
+    LetGo(session, info, in_use);
+    const Exclusive exclusive(session, info.id, Others::Refuse, in_use);
+    if (std::error_code error; fs::exists(info.DataFile().path, error)) {
+        KeepFileNames(info);
     }
+    SettleFile(info);
     RemoveDatabase(session.connection, info.id);
 }
 
+namespace {
+
+/// A file of a database that is there already is not even opened. Raises 5104.
+void RequireFree(SessionCore& session, const fs::path& path, const std::string& client_path) {
+    std::error_code error;
+    for (const DatabaseInfo& other : ListDatabases(session.connection)) {
+        for (const DatabaseFile& file : other.files) {
+            if (fs::equivalent(file.path, path, error)) {
+                RaiseError(5104, {client_path});
+            }
+        }
+    }
+}
+
+} // namespace
+
 void AttachDatabase(SessionCore& session, const std::string& name, const std::vector<std::string>& paths) {
     RequireNoTransaction(session, "sp_attach_db");
+    const DatabaseUsers::ListTurn turn(session);
     if (FindDatabase(session.connection, name)) {
         RaiseError(1801, {name}, 3);
     }
@@ -314,6 +336,7 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
         if (!path || !fs::is_regular_file(*path, error)) {
             RaiseError(5120, {client_path, "2", "The system cannot find the file specified."});
         }
+        RequireFree(session, *path, client_path);
         file.id = static_cast<int>(info.files.size() + 1);
         file.path = *path;
         file.client_path = client_path;
@@ -329,11 +352,6 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
         RaiseError(1813, {name});
     }
     RestoreFileNames(info);
-    for (const DatabaseInfo& other : ListDatabases(session.connection)) {
-        if (other.DataFile().path == info.files[0].path) {
-            RaiseError(5104, {info.files[0].client_path});
-        }
-    }
     if (info.files.size() == 1) { // As SQL Server makes a new log where none is given.
         DatabaseFile log = info.files[0];
         log.id = 2;
@@ -386,7 +404,9 @@ void ModifyName(SessionCore& session, DatabaseInfo info, const std::string& new_
     if (other && other->id != info.id) {
         RaiseError(1801, {new_name}, 3);
     }
-    const Exclusive exclusive(session, info.name, 5030, "");
+    const SqlError in_use = ErrorOf(5030, {info.name});
+    LetGo(session, info, in_use);
+    const Exclusive exclusive(session, info.id, Others::Refuse, in_use);
     info.name = new_name;
     UpdateDatabase(session.connection, info);
     session.Print({5018, 0, 1, "The database name '" + new_name + "' has been set.",
@@ -451,20 +471,31 @@ constexpr std::array<std::string_view, 31> kOptions = {"RECOVERY",
                                                        "MIXED_PAGE_ALLOCATION"};
 
 /// An offline database is in nobody's hands, and its files may be copied.
-void SetOffline(SessionCore& session, DatabaseInfo info, bool offline, bool rollback_immediate) {
-    if (offline && (IsSystemDatabase(info.name) || Same(info.name, session.SessionDatabase()))) {
-        RaiseError(IsSystemDatabase(info.name) ? 5058 : 5070, {offline ? "OFFLINE" : "ONLINE", info.name});
+void SetOffline(SessionCore& session, const DatabaseInfo& info, bool offline, Others others) {
+    if (!offline) {
+        StoreOption(session.connection, info.id, "OFFLINE", "OFF");
+        return;
     }
-    const std::string folded = Folded(info.name);
-    session.ReleaseDatabase(info.name);
-    if (offline && rollback_immediate) {
-        session.server.ThrowOut(folded, session);
-    } else if (offline && !session.server.CloseTo(folded, session)) {
-        RaiseError(5070, {info.name});
+    if (IsSystemDatabase(info.name)) {
+        RaiseError(5058, {"OFFLINE", info.name});
     }
-    info.options["OFFLINE"] = offline ? "ON" : "OFF";
-    UpdateDatabase(session.connection, info);
-    session.server.Reopen(folded);
+    const SqlError in_use = ErrorOf(5070, {info.name});
+    LetGo(session, info, in_use);
+    const Exclusive exclusive(session, info.id, others, in_use);
+    SettleFile(info);
+    StoreOption(session.connection, info.id, "OFFLINE", "ON");
+}
+
+void SetSingleUser(SessionCore& session, const DatabaseInfo& info, bool single, Others others) {
+    if (!single) {
+        StoreOption(session.connection, info.id, "SINGLE_USER", "OFF");
+        return;
+    }
+    if (IsSystemDatabase(info.name)) {
+        RaiseError(5058, {"SINGLE_USER", info.name});
+    }
+    const Exclusive exclusive(session, info.id, others, ErrorOf(5070, {info.name}));
+    StoreOption(session.connection, info.id, "SINGLE_USER", "ON");
 }
 
 void ChangeOwner(SessionCore& session, DatabaseInfo info, const std::string& login) {
@@ -479,33 +510,23 @@ void ChangeOwner(SessionCore& session, DatabaseInfo info, const std::string& log
 
 void SetDatabaseOption(SessionCore& session, const std::string& database, const std::string& option,
                        const std::string& value, bool rollback_immediate) {
-    DatabaseInfo info = RequireDatabase(session, database, 5011);
+    RequireNoTransaction(session, "ALTER DATABASE");
+    const DatabaseUsers::ListTurn turn(session);
+    const DatabaseInfo info = RequireDatabase(session, database, 5011);
+    const Others others = rollback_immediate ? Others::ThrowOut : Others::Refuse;
     if (option == "SINGLE_USER" || option == "MULTI_USER" || option == "RESTRICTED_USER") {
-        const bool single = option == "SINGLE_USER";
-        if (single && IsSystemDatabase(info.name)) {
-            RaiseError(5058, {"SINGLE_USER", info.name});
-        }
-        const std::string folded = Folded(info.name);
-        if (single && rollback_immediate) {
-            session.server.ThrowOut(folded, session);
-        } else if (single && !session.server.CloseTo(folded, session)) {
-            RaiseError(5070, {info.name});
-        }
-        info.options["SINGLE_USER"] = single ? "ON" : "OFF";
-        UpdateDatabase(session.connection, info);
-        session.server.Reopen(folded);
+        SetSingleUser(session, info, option == "SINGLE_USER", others);
         return;
     }
     if (option == "OFFLINE" || option == "ONLINE") {
-        SetOffline(session, std::move(info), option == "OFFLINE", rollback_immediate);
+        SetOffline(session, info, option == "OFFLINE", others);
         return;
     }
     if (option == "READ_WRITE" || (option == "FILESTREAM" && value == "OFF")) {
         return; // That is how every database is.
     }
     if (option == "COLLATE" || std::find(kOptions.begin(), kOptions.end(), option) != kOptions.end()) {
-        info.options[option] = value;
-        UpdateDatabase(session.connection, info);
+        StoreOption(session.connection, info.id, option, value);
         return;
     }
     RaiseError(40517, {option});
@@ -513,6 +534,7 @@ void SetDatabaseOption(SessionCore& session, const std::string& database, const 
 
 void RunAlterDatabase(SessionCore& session, const ast::AlterDatabaseStatement& alter) {
     RequireNoTransaction(session, "ALTER DATABASE");
+    const DatabaseUsers::ListTurn turn(session);
     const std::string& name = alter.database.empty() ? session.CurrentDatabaseName() : alter.database;
     switch (alter.action) {
     case ast::AlterDatabaseAction::ModifyName:
@@ -525,11 +547,12 @@ void RunAlterDatabase(SessionCore& session, const ast::AlterDatabaseStatement& a
         AddFiles(session, RequireDatabase(session, name, 5011), alter);
         break;
     case ast::AlterDatabaseAction::AddFileGroup: {
-        DatabaseInfo info = RequireDatabase(session, name, 5011);
-        if (!info.options.emplace("FILEGROUP " + Folded(alter.name), "ON").second) {
+        const DatabaseInfo info = RequireDatabase(session, name, 5011);
+        const std::string option = "FILEGROUP " + Folded(alter.name);
+        if (info.options.contains(option)) {
             RaiseError(5035, {alter.name});
         }
-        UpdateDatabase(session.connection, info);
+        StoreOption(session.connection, info.id, option, "ON");
         break;
     }
     case ast::AlterDatabaseAction::Owner:

@@ -33,7 +33,8 @@ std::vector<KeptFile> ReadKept(const DatabaseFile& data_file) {
 
 } // namespace
 
-void KeepFileNames(SqliteConnection& connection, const DatabaseInfo& database) {
+void KeepFileNames(const DatabaseInfo& database) {
+    SqliteConnection connection(database.DataFile().path);
     connection.Execute("DELETE FROM devsql_settings WHERE name LIKE 'file:%'");
     for (const DatabaseFile& file : database.files) {
         connection.Prepare("INSERT INTO devsql_settings(name, value) VALUES(?1, json_array(?2, ?3, ?4, ?5))")

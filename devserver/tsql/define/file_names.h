@@ -7,7 +7,7 @@
 namespace devsql {
 
 /// Writes them into the data file; nobody else may have it open.
-void KeepFileNames(SqliteConnection& connection, const DatabaseInfo& database);
+void KeepFileNames(const DatabaseInfo& database);
 /// Gives the files of a database that is being attached the names, kinds and file groups that they had.
 /// `database.files` are in the order in which they were named; the first is the data file.
 void RestoreFileNames(DatabaseInfo& database);

@@ -102,7 +102,7 @@ RemoteServers::Link& RemoteServers::Connect(const LinkedServer& server) {
     } catch (const RemoteFailure& failure) {
         Raise(server, failure);
     }
-    for (const Server::SessionInfo& session : session_.server.Sessions()) {
+    for (const DatabaseUsers::SessionInfo& session : session_.server.users().Sessions()) {
         link.loopback = link.loopback || session.application == source.application;
     }
     return links_.emplace(key, std::move(link)).first->second;

@@ -118,35 +118,35 @@ std::int32_t HelpFile(SystemCall& call) {
 }
 
 /// The sessions that sp_who's argument means: a login's, one by its number, 'active' ones, or all.
-std::vector<Server::SessionInfo> SessionsMeant(SystemCall& call) {
+std::vector<DatabaseUsers::SessionInfo> SessionsMeant(SystemCall& call) {
     SessionCore& session = call.session();
-    std::vector<Server::SessionInfo> list = session.server.Sessions();
+    std::vector<DatabaseUsers::SessionInfo> list = session.server.users().Sessions();
     const std::string wanted = call.Text("@loginame");
     if (wanted.empty()) {
         return list;
     }
     if (CompareText(wanted, "active") == 0) { // A session that waits for its client is not.
-        std::erase_if(list, [&](const Server::SessionInfo& info) { return info.id != session.id; });
+        std::erase_if(list, [&](const DatabaseUsers::SessionInfo& info) { return info.id != session.id; });
         return list;
     }
     const bool number = std::ranges::all_of(wanted, [](char c) { return c >= '0' && c <= '9'; });
     if (!number && !FindLogin(session.connection, wanted)) {
         RaiseError(15007, {wanted});
     }
-    std::erase_if(list, [&](const Server::SessionInfo& info) {
+    std::erase_if(list, [&](const DatabaseUsers::SessionInfo& info) {
         return number ? std::to_string(info.id) != wanted : CompareText(info.login, wanted) != 0;
     });
     return list;
 }
 
-std::string DatabaseOf(SessionCore& session, const Server::SessionInfo& info) {
+std::string DatabaseOf(SessionCore& session, const DatabaseUsers::SessionInfo& info) {
     const std::optional<DatabaseInfo> database = FindDatabase(session.connection, info.database);
     return database ? database->name : "master";
 }
 
 std::int32_t Who(SystemCall& call) {
     SessionCore& session = call.session();
-    const std::vector<Server::SessionInfo> list = SessionsMeant(call);
+    const std::vector<DatabaseUsers::SessionInfo> list = SessionsMeant(call);
     ProcedureTable table(session, {{"spid", kSmallInt, true, false},
                                    {"ecid", kSmallInt, true, false},
                                    {"status", Sized(TypeId::NChar, 30), true, false},
@@ -155,7 +155,7 @@ std::int32_t Who(SystemCall& call) {
                                    {"blk", Sized(TypeId::Char, 5), true, false},
                                    {"dbname", kSysName, true, false},
                                    {"cmd", Sized(TypeId::NChar, 16), true, false}});
-    for (const Server::SessionInfo& info : list) {
+    for (const DatabaseUsers::SessionInfo& info : list) {
         const bool own = info.id == session.id;
         table.Row({std::int64_t{info.id}, std::int64_t{0}, std::string(own ? "runnable" : "sleeping"),
                    info.login, info.host, std::string("0"), DatabaseOf(session, info),
@@ -167,7 +167,7 @@ std::int32_t Who(SystemCall& call) {
 
 std::int32_t Who2(SystemCall& call) {
     SessionCore& session = call.session();
-    const std::vector<Server::SessionInfo> list = SessionsMeant(call);
+    const std::vector<DatabaseUsers::SessionInfo> list = SessionsMeant(call);
     ProcedureTable table(session, {{"SPID", Sized(TypeId::Char, 5), true, false},
                                    {"Status", Sized(TypeId::NVarChar, 30), true, false},
                                    {"Login", kSysName, true, false},
@@ -176,7 +176,7 @@ std::int32_t Who2(SystemCall& call) {
                                    {"DBName", kSysName, true, false},
                                    {"Command", Sized(TypeId::NVarChar, 16), true, false},
                                    {"ProgramName", kSysName, true, false}});
-    for (const Server::SessionInfo& info : list) {
+    for (const DatabaseUsers::SessionInfo& info : list) {
         const bool own = info.id == session.id;
         table.Row({std::to_string(info.id), std::string(own ? "RUNNABLE" : "sleeping"), info.login, info.host,
                    std::string("  ."), DatabaseOf(session, info),
@@ -197,7 +197,7 @@ std::int32_t Lock(SystemCall& call) {
                                    {"Resource", Sized(TypeId::NChar, 32), true, false},
                                    {"Mode", Sized(TypeId::NVarChar, 8), true, false},
                                    {"Status", Sized(TypeId::NVarChar, 5), true, false}});
-    for (const Server::SessionInfo& info : session.server.Sessions()) {
+    for (const DatabaseUsers::SessionInfo& info : session.server.users().Sessions()) {
         const bool meant = call.IsNull("@spid1") || info.id == call.Int("@spid1") ||
                            (!call.IsNull("@spid2") && info.id == call.Int("@spid2"));
         const std::optional<DatabaseInfo> database = FindDatabase(session.connection, info.database);

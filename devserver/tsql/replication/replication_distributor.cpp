@@ -110,6 +110,10 @@ std::string FolderPrefix(std::string folder) {
     return folder;
 }
 
+void SetOption(SystemCall& call, const DatabaseInfo& info, std::string_view option, bool on) {
+    call.session().Write("main", [&] { StoreOption(Connection(call), info.id, option, on ? "ON" : "OFF"); });
+}
+
 std::int32_t AddDistributionDb(SystemCall& call) {
     RequireDistributor(call);
     const std::string name = call.Text("@database");
@@ -138,8 +142,7 @@ std::int32_t AddDistributionDb(SystemCall& call) {
             return 1;
         }
     }
-    info->options[kDistributionOption] = "ON";
-    call.session().Write("main", [&] { UpdateDatabase(Connection(call), *info); });
+    SetOption(call, *info, kDistributionOption, true);
     AddAgentJob(call, "Distribution clean up: " + name, "REPL-Distribution Cleanup");
     AddAgentJob(call, "Agent history clean up: " + name, "REPL-History Cleanup");
     return 0;
@@ -177,8 +180,7 @@ void DropDistributionDatabase(SystemCall& call, const std::string& name) {
     DropAgentJob(call, "Distribution clean up: " + name);
     DropAgentJob(call, "Agent history clean up: " + name);
     std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
-    info->options.erase(kDistributionOption);
-    call.session().Write("main", [&] { UpdateDatabase(Connection(call), *info); });
+    SetOption(call, *info, kDistributionOption, false);
     call.Run("DROP DATABASE " + BracketName(name));
 }
 
@@ -265,11 +267,6 @@ std::int32_t DropSubscriber(SystemCall& call) {
     return 0;
 }
 
-void SetPublished(SystemCall& call, DatabaseInfo info, bool on) {
-    info.options["PUBLISHED"] = on ? "ON" : "OFF";
-    call.session().Write("main", [&] { UpdateDatabase(Connection(call), info); });
-}
-
 std::int32_t ReplicationDbOption(SystemCall& call) {
     const std::string name = call.Text("@dbname");
     const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
@@ -293,7 +290,7 @@ std::int32_t ReplicationDbOption(SystemCall& call) {
     if (!on) {
         UnpublishDatabase(call, info->name);
     }
-    SetPublished(call, *info, on);
+    SetOption(call, *info, "PUBLISHED", on);
     return 0;
 }
 
@@ -305,7 +302,7 @@ std::int32_t RemoveDbReplication(SystemCall& call) {
         RaiseError(15010, {name});
     }
     UnpublishDatabase(call, info->name);
-    SetPublished(call, *info, false);
+    SetOption(call, *info, "PUBLISHED", false);
     return 0;
 }
 

@@ -10,7 +10,7 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<MessageTemplate, 48> kOwnMessages = {{
+constexpr std::array<MessageTemplate, 49> kOwnMessages = {{
     {321, 15,
      "\"%1\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
      "function or to the CHANGETABLE function, ensure that your database compatibility mode is set to 90."},
@@ -39,6 +39,7 @@ constexpr std::array<MessageTemplate, 48> kOwnMessages = {{
     {15217, 16, "Property cannot be updated or deleted. Property '%1' does not exist for '%2'."},
     {15233, 16, "Property cannot be added. Property '%1' already exists for '%2'."},
     {15252, 16, "The primary or foreign key table name must be given."},
+    {9002, 17, "The transaction log for database '%1' is full due to '%2'."},
     {10704, 15, "To rethrow an error, a THROW statement must be used inside a CATCH block."},
     {10734, 15,
      "Variable assignment is not allowed in a statement containing a top level UNION, INTERSECT or EXCEPT "

@@ -89,8 +89,7 @@ SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
     switch (error.primary_code()) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return session.options.lock_timeout >= 0 ? ErrorOf(1222, {}, 51)
-                                                 : ErrorOf(1205, {std::to_string(session.id), "lock"}, 51);
+        return session.LockError();
     case SQLITE_TOOBIG:
     case SQLITE_ERROR: // A statement too large for SQLite: depth, columns, terms of a compound.
         return std::ranges::any_of(kTooLarge,
@@ -128,10 +127,10 @@ void Interpreter::RunGuarded(const std::function<void()>& work) {
         session_.last_error = failure.message.number;
         session_.Print(failure.message);
     } catch (const Cancelled&) {
-        session_.AbandonTransaction();
+        EndCancelled();
     } catch (const StorageError& error) {
-        if (error.primary_code() == SQLITE_INTERRUPT && session_.cancelled) {
-            session_.AbandonTransaction();
+        if (session_.cancelled) {
+            EndCancelled();
             return;
         }
         const SqlError translated = ErrorOfStorage(session_, error);
@@ -141,6 +140,16 @@ void Interpreter::RunGuarded(const std::function<void()>& work) {
     } catch (const std::exception& error) {
         session_.AbandonTransaction();
         session_.Print(MessageOf(session_, ErrorOf(8624, {error.what()})));
+    }
+}
+
+/// A client that has asked for the end gets no error; one that was thrown out must not take the batch for
+/// done.
+void Interpreter::EndCancelled() {
+    session_.AbandonTransaction();
+    if (session_.ended) {
+        session_.last_error = 596;
+        session_.Info(596);
     }
 }
 
@@ -296,7 +305,8 @@ Interpreter::Flow Interpreter::RunStatement(const ast::Statement& statement) {
 }
 
 void Interpreter::Report(const StorageError& error) {
-    if (error.primary_code() == SQLITE_INTERRUPT) {
+    // Also where a wait for a lock was given up, which SQLite reports as the lock being taken.
+    if (error.primary_code() == SQLITE_INTERRUPT || session_.cancelled) {
         throw Cancelled{};
     }
     Report(ErrorOfStorage(session_, error));
@@ -310,7 +320,8 @@ void Interpreter::Report(const SqlError& error) {
         session_.Print(message);
         return;
     }
-    const bool ends_batch = Contains(kBatchErrors, message.number) || session_.options.xact_abort;
+    const bool ends_batch =
+        Contains(kBatchErrors, message.number) || session_.options.xact_abort || session_.lost_transaction();
     const bool compiled = Contains(kScopeErrors, message.number);
     if (tries_ > (compiled ? tries_at_[session_.nesting()] : 0)) {
         session_.doomed = session_.doomed || (ends_batch && session_.transaction_count() > 0);
@@ -492,7 +503,7 @@ Interpreter::Flow Interpreter::ExecuteDefinition(const ast::Statement& statement
                    },
                    [&](const ast::CheckIdentityStatement& s) { RunCheckIdentity(session_, s); },
                    [&](const ast::KillStatement& s) {
-                       session_.server.Kill(static_cast<std::int32_t>(s.session), session_);
+                       session_.server.users().Kill(static_cast<std::int32_t>(s.session), session_);
                        session_.Done(Command::None, std::nullopt);
                    },
                    [&](const auto&) { throw std::logic_error("a statement without execution"); },

@@ -64,6 +64,7 @@ class Interpreter {
     // interpreter.cpp
     std::int32_t RunSystem(const SystemProcedure& procedure, SystemCall& call);
     void RunGuarded(const std::function<void()>& work);
+    void EndCancelled();
     /// A batch or a procedure: reports 133 for a GOTO whose label stands nowhere in it.
     void RunWhole(const ast::StatementList& list);
     Flow RunList(const ast::StatementList& list);

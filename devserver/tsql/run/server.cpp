@@ -2,10 +2,8 @@
 #include "devserver/tsql/run/server.h"
 
 #include <array>
-#include <chrono>
 #include <fstream>
 #include <stdexcept>
-#include <thread>
 
 #include "devserver/storage/catalogue.h"
 #include "devserver/storage/linked_servers.h"
@@ -64,6 +62,7 @@ Server::Server(EngineOptions options) : options_(std::move(options)) {
     std::filesystem::permissions(options_.root, std::filesystem::perms::owner_all, error);
     try {
         CreateSystemDatabases();
+        users_ = std::make_unique<DatabaseUsers>(MasterFile());
         RunBootstrap();
     } catch (const std::exception& failure) {
         throw std::runtime_error("the system databases in " + Utf8(options_.root) +
@@ -71,7 +70,25 @@ Server::Server(EngineOptions options) : options_(std::move(options)) {
     }
 }
 
-Server::~Server() = default;
+Server::~Server() {
+    try {
+        SettleFiles();
+    } catch (const std::exception&) { // The next one to open the file does it.
+        return;
+    }
+}
+
+void Server::SettleFiles() {
+    SqliteConnection master(MasterFile());
+    for (const DatabaseInfo& info : ListDatabases(master)) {
+        std::error_code ignored;
+        const std::filesystem::path& file = info.DataFile().path;
+        if (std::filesystem::exists(PathOf(Utf8(file) + "-wal"), ignored) &&
+            std::filesystem::exists(file, ignored) && file != MasterFile()) {
+            const SqliteConnection last(file);
+        }
+    }
+}
 
 void Server::CreateSystemDatabases() {
     SqliteConnection connection(MasterFile());
@@ -188,15 +205,8 @@ std::unique_ptr<Session> Server::Login(const LoginRequest& request, ResultSink& 
         }
         login = FindLogin(connection, request.user);
     }
-    std::int32_t id = 0;
-    {
-        const std::lock_guard lock(mutex_);
-        do {
-            id = next_session_;
-            next_session_ = next_session_ >= 32767 ? 51 : next_session_ + 1;
-        } while (sessions_.contains(id));
-    }
-    auto session = std::make_unique<ClientSession>(*this, id, request, login ? login->name : request.user);
+    auto session = std::make_unique<ClientSession>(*this, users_->NewSessionId(), request,
+                                                   login ? login->name : request.user);
     const std::string database = !request.database.empty()           ? request.database
                                  : login && !login->database.empty() ? login->database
                                                                      : "master";
@@ -214,123 +224,6 @@ std::unique_ptr<Session> Server::Login(const LoginRequest& request, ResultSink& 
     const SqlError language = ErrorOf(5703, {"us_english"}, 1);
     sink.Send({5703, 0, 1, language.text(), "", 1});
     return session;
-}
-
-// ------------------------------------------------------------------ who uses what
-
-void Server::Register(SessionCore& session) {
-    const std::lock_guard lock(mutex_);
-    sessions_[session.id] = &session;
-}
-
-void Server::Unregister(SessionCore& session) {
-    std::unique_lock lock(mutex_);
-    ended_.wait(lock, [&] { return !ending_.contains(&session); });
-    sessions_.erase(session.id);
-    for (auto& [name, usage] : usage_) {
-        usage.sessions.erase(&session);
-    }
-}
-
-void Server::Enter(const DatabaseInfo& database, SessionCore& session) {
-    const std::lock_guard lock(mutex_);
-    Usage& usage = usage_[Folded(database.name)];
-    if (usage.closed) {
-        RaiseError(952, {database.name});
-    }
-    if (database.Option("SINGLE_USER") && !usage.sessions.empty() && !usage.sessions.contains(&session)) {
-        RaiseError(924, {database.name});
-    }
-    usage.sessions.insert(&session);
-}
-
-void Server::Leave(const std::string& folded_name, SessionCore& session) {
-    const std::lock_guard lock(mutex_);
-    usage_[folded_name].sessions.erase(&session);
-}
-
-bool Server::CloseTo(const std::string& folded_name, const SessionCore& session) {
-    const std::lock_guard lock(mutex_);
-    Usage& usage = usage_[folded_name];
-    for (const SessionCore* other : usage.sessions) {
-        if (other != &session) {
-            return false;
-        }
-    }
-    usage.closed = true;
-    return true;
-}
-
-void Server::Reopen(const std::string& folded_name) {
-    const std::lock_guard lock(mutex_);
-    usage_[folded_name].closed = false;
-}
-
-/// Ends a session: what it runs is interrupted, what it holds is rolled back and let go.
-void Server::End(SessionCore& session, const SessionCore& by) {
-    session.ended = true;
-    session.Cancel();
-    while (!session.running.try_lock()) {
-        if (by.ended) { // Two that end each other: the one that was ended first gives up.
-            break;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    if (!by.ended) {
-        session.AbandonTransaction();
-        session.ReleaseEverything();
-        session.running.unlock();
-    }
-    const std::lock_guard lock(mutex_);
-    ending_.erase(&session);
-    ended_.notify_all();
-}
-
-void Server::ThrowOut(const std::string& folded_name, const SessionCore& by) {
-    std::vector<SessionCore*> others;
-    {
-        const std::lock_guard lock(mutex_);
-        for (SessionCore* session : usage_[folded_name].sessions) {
-            if (session != &by) {
-                others.push_back(session);
-                ending_.insert(session);
-            }
-        }
-    }
-    for (SessionCore* session : others) {
-        End(*session, by);
-    }
-}
-
-void Server::Kill(std::int32_t id, const SessionCore& by) {
-    SessionCore* found = nullptr;
-    {
-        const std::lock_guard lock(mutex_);
-        const auto session = sessions_.find(id);
-        if (session == sessions_.end()) {
-            RaiseError(6106, {std::to_string(id)});
-        }
-        if (session->second == &by) {
-            RaiseError(6104);
-        }
-        found = session->second;
-        ending_.insert(found);
-    }
-    End(*found, by);
-}
-
-std::vector<Server::SessionInfo> Server::Sessions() {
-    const std::lock_guard lock(mutex_);
-    std::vector<SessionInfo> list;
-    for (const auto& [id, session] : sessions_) {
-        list.push_back({id, session->login, session->host_name, session->application, ""});
-        for (const auto& [name, usage] : usage_) {
-            if (usage.sessions.contains(session)) {
-                list.back().database = name;
-            }
-        }
-    }
-    return list;
 }
 
 std::unique_ptr<Engine> OpenEngine(EngineOptions options) {

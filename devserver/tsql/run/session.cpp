@@ -16,13 +16,14 @@ ClientSession::ClientSession(Server& server, std::int32_t id, const LoginRequest
 
 void ClientSession::Run(ResultSink& sink, const std::function<void()>& work) {
     const std::lock_guard lock(core_.running);
+    core_.cancelled = false; // Before it is asked: who ends the session sets `ended` first.
+    core_.ExchangeSink(&sink);
     if (core_.ended) {
-        sink.Send(
-            {596, 21, 1, "Cannot continue the execution because the session is in the kill state.", "", 1});
+        core_.line = 1;
+        core_.Info(596);
+        core_.ExchangeSink(nullptr);
         return;
     }
-    core_.cancelled = false;
-    core_.ExchangeSink(&sink);
     work();
     core_.ExchangeSink(nullptr);
     core_.remote().Release();
@@ -62,9 +63,13 @@ void ClientSession::LoadRows(BulkRows& rows, ResultSink& sink) {
 }
 
 void ClientSession::Enter(const std::string& database, ResultSink& sink) {
+    const std::lock_guard lock(core_.running);
     core_.ExchangeSink(&sink);
     try {
         core_.Use(database);
+    } catch (const Cancelled&) {
+        core_.ExchangeSink(nullptr);
+        RaiseError(596);
     } catch (...) {
         core_.ExchangeSink(nullptr);
         throw;

@@ -80,12 +80,12 @@ SessionCore::SessionCore(Server& owner, std::int32_t session_id, std::string log
     base_.database.clear();
     RegisterFunctions();
     connection.OnBusy([this](int waited) { return WaitForLock(waited); });
-    server.Register(*this);
+    server.users().Register(*this);
 }
 
 SessionCore::~SessionCore() {
     // First out of the list, so that nobody ends a session that is ending by itself.
-    server.Unregister(*this);
+    server.users().Withdraw(*this);
     AbandonTransaction();
     cancelled = false;
     DropGlobalTables();
@@ -179,30 +179,40 @@ Catalogue& SessionCore::Database(const std::string& name) {
         known->second.last_use = ++uses_;
         return *known->second.catalogue;
     }
-    const std::optional<DatabaseInfo> info = FindDatabase(connection, name);
-    if (!info) {
-        RaiseError(911, {name});
-    }
-    if (info->Option("OFFLINE")) {
-        RaiseError(942, {info->name});
-    }
+    Attached attached;
     std::string alias = "main";
-    if (!AsciiEqual(info->name, "master")) {
-        Evict();
-        server.Enter(*info, *this);
-        alias = "db" + std::to_string(info->id);
+    if (folded != "master") {
+        const DatabaseInfo info = server.users().Enter(name, *this);
+        attached.id = info.id;
         try {
-            connection.Attach(info->DataFile().path, alias);
-        } catch (const StorageError& error) {
-            server.Leave(folded, *this);
-            RaiseError(5120,
-                       {info->DataFile().client_path, std::to_string(error.primary_code()), error.what()});
+            alias = Attach(info);
+        } catch (...) {
+            server.users().Leave(info.id, *this);
+            throw;
         }
     }
-    Attached attached;
     attached.catalogue = std::make_unique<Catalogue>(connection, alias);
     attached.last_use = ++uses_;
     return *attached_.emplace(folded, std::move(attached)).first->second.catalogue;
+}
+
+/// Attaches what the session has entered, and gives its name in SQLite's SQL.
+std::string SessionCore::Attach(const DatabaseInfo& info) {
+    Evict();
+    const std::string alias = "db" + std::to_string(info.id);
+    try {
+        connection.Attach(info.DataFile().path, alias);
+    } catch (const StorageError& error) {
+        CheckCancelled(); // SQLite gives up waiting then, and says that the file is locked.
+        RaiseError(5120, {info.DataFile().client_path, std::to_string(error.primary_code()), error.what()});
+    }
+    // A database that was made after another of this id went has identities of its own.
+    if (std::int64_t& created = created_[alias]; created != info.created) {
+        std::erase_if(given_identities,
+                      [&](const auto& entry) { return entry.first.starts_with(alias + "."); });
+        created = info.created;
+    }
+    return alias;
 }
 
 /// Makes room for one more attached database.
@@ -228,11 +238,11 @@ const std::string& SessionCore::CurrentDatabaseName() const {
 }
 
 void SessionCore::Use(const std::string& name) {
+    Database(name); // From here on nobody renames or removes it.
     const std::optional<DatabaseInfo> info = FindDatabase(connection, name);
-    if (!info) {
+    if (!info) { // Renamed since the session's transaction has read the list: it sees the list as it was.
         RaiseError(911, {name});
     }
-    Database(name);
     const std::string from = std::exchange(database_, info->name);
     if (sink_ != nullptr) {
         sink_->DatabaseChanged(from, database_);
@@ -241,6 +251,7 @@ void SessionCore::Use(const std::string& name) {
 }
 
 void SessionCore::ReleaseDatabases() {
+    const Uninterrupted whole(*this);
     if (connection.InTransaction()) {
         return;
     }
@@ -261,9 +272,11 @@ void SessionCore::ReleaseDatabase(const std::string& name) {
     if (found == attached_.end() || folded == "master") {
         return;
     }
+    const Uninterrupted whole(*this);
+    const int database = found->second.id;
     connection.Detach(found->second.catalogue->alias());
     attached_.erase(found);
-    server.Leave(folded, *this);
+    server.users().Leave(database, *this);
 }
 
 void SessionCore::ReleaseEverything() {
@@ -284,6 +297,7 @@ SessionCore::Attached* SessionCore::Current(Catalogue& catalogue) {
         const std::int64_t version = catalogue.Version();
         if (attached.version != version) {
             attached.tables.clear();
+            attached.objects.clear();
             attached.modules.clear();
             attached.version = version;
         }
@@ -298,6 +312,15 @@ TablePtr SessionCore::Table(Catalogue& catalogue, std::int64_t table_id) {
         table = catalogue.LoadTable(table_id);
     }
     return table;
+}
+
+std::optional<ObjectDef> SessionCore::Object(Catalogue& catalogue, const std::string& schema,
+                                             const std::string& name) {
+    auto& objects = Current(catalogue)->objects;
+    const auto known = objects.find({schema, name});
+    return known != objects.end()
+               ? known->second
+               : objects.emplace(std::pair(schema, name), catalogue.FindObject(schema, name)).first->second;
 }
 
 std::shared_ptr<const ast::CreateModuleStatement> SessionCore::Module(Catalogue& catalogue,
@@ -411,6 +434,7 @@ void SessionCore::Push(Frame& frame) {
 }
 
 void SessionCore::Pop() {
+    const Uninterrupted whole(*this);
     Frame* const frame = frame_;
     for (const auto& [name, table] : frame->tables) {
         temporary_identities.erase(table->id);
@@ -479,9 +503,24 @@ void SessionCore::CheckCancelled() const {
     }
 }
 
+SessionCore::Uninterrupted::Uninterrupted(SessionCore& session) : session_(session) {
+    const std::lock_guard lock(session_.interrupting_);
+    ++session_.uninterrupted_;
+}
+
+SessionCore::Uninterrupted::~Uninterrupted() {
+    const std::lock_guard lock(session_.interrupting_);
+    --session_.uninterrupted_;
+}
+
 void SessionCore::Cancel() {
     cancelled = true;
-    connection.Interrupt();
+    {
+        const std::lock_guard lock(interrupting_);
+        if (uninterrupted_ == 0) {
+            connection.Interrupt();
+        }
+    }
     remote_.Cancel();
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -31,6 +32,7 @@ struct InsertBulkStatement;
 
 class Server;
 class SessionCore;
+struct DatabaseInfo;
 
 /// The form of a name that equals that of every other spelling of it.
 std::string Folded(std::string_view name);
@@ -139,6 +141,8 @@ class SessionCore {
     bool Holds(const std::string& name) const;
     /// A table by its object, from the cache while the catalogue's version stands.
     TablePtr Table(Catalogue& catalogue, std::int64_t id);
+    /// The object of that name, likewise.
+    std::optional<ObjectDef> Object(Catalogue& catalogue, const std::string& schema, const std::string& name);
     void ForgetTables();
 
     // ---- temporary tables
@@ -201,6 +205,8 @@ class SessionCore {
     void Write(const std::string& alias, const std::function<void()>& work);
     /// An error has made the transaction unfit for anything but a rollback (XACT_STATE() = -1).
     bool doomed = false;
+    /// SQLite has given the transaction up: nothing of it is left, and whoever counts on it must be told.
+    bool lost_transaction() const { return lost_; }
 
     // ---- results
     ResultSink& sink() { return *sink_; }
@@ -216,6 +222,21 @@ class SessionCore {
 
     /// Throws when the client has asked for an end, or the session has been thrown out.
     void CheckCancelled() const;
+    /// While one lives, Cancel does not interrupt SQLite: what is rolled back or let go is so to its end.
+    class Uninterrupted {
+      public:
+        explicit Uninterrupted(SessionCore& session);
+        ~Uninterrupted();
+        Uninterrupted(const Uninterrupted&) = delete;
+        Uninterrupted& operator=(const Uninterrupted&) = delete;
+
+      private:
+        SessionCore& session_;
+    };
+    /// How long the session waits for a lock.
+    std::chrono::milliseconds LockTime() const;
+    /// The error of one that has waited so long: 1222, or 1205 where LOCK_TIMEOUT is not set.
+    SqlError LockError() const;
     void Cancel();
     std::atomic<bool> cancelled = false;
     std::atomic<bool> ended = false;
@@ -250,29 +271,38 @@ class SessionCore {
     void RegisterFunctions();
     void Callback(const FunctionCall& call);
     void Evict();
+    std::string Attach(const DatabaseInfo& info);
     void LockForWriting(const std::string& alias);
     /// Rolls back by SQLite's `text`. Table variables keep their rows, unless it is their own statement that
     /// has failed.
     void RollbackAround(const std::string& text, const Temporaries& temporary, bool keep_variables);
     void ResetTransaction();
+    void CommitStorage();
+    void LoseTransaction(const Temporaries& temporary);
     bool WaitForLock(int waited) const;
     void BeginStorage();
 
     struct Attached {
+        int id = 0;
         std::unique_ptr<Catalogue> catalogue;
         std::int64_t last_use = 0;
         std::int64_t version = -1;
         std::map<std::int64_t, TablePtr> tables;
+        std::map<std::pair<std::string, std::string>, std::optional<ObjectDef>>
+            objects; ///< by schema and name
         std::map<std::int64_t, std::shared_ptr<const ast::CreateModuleStatement>> modules;
     };
     Attached* Current(Catalogue& catalogue);
 
+    std::mutex interrupting_;
+    int uninterrupted_ = 0; ///< under `interrupting_`
     ResultSink* sink_ = nullptr;
     bool statement_ended_ = false;
     RemoteServers remote_;
     std::map<std::int32_t, Prepared> prepared_;
     std::int32_t next_prepared_ = 1;
     std::map<std::string, Attached, std::less<>> attached_; ///< folded name
+    std::map<std::string, std::int64_t> created_; ///< when the database was made that an alias stood for last
     Temporaries temporary_;
     std::set<std::string> global_tables_; ///< folded names
     struct Operation {
@@ -289,6 +319,7 @@ class SessionCore {
     int nesting_ = 0;
     std::string database_ = "master";
     int transaction_count_ = 0;
+    bool lost_ = false;
     int writes_ = 0; ///< nesting of Write
     struct Savepoint {
         std::string name; ///< folded

@@ -13,7 +13,7 @@ namespace devsql {
 namespace {
 
 /// Two sessions that wait for each other end so: one of them gives up.
-constexpr int kLongestWait = 20000;
+constexpr std::chrono::milliseconds kLongestWait(20000);
 
 /// The rows of one table variable, kept while a rollback takes them away.
 struct KeptTable {
@@ -57,7 +57,7 @@ void Restore(SqliteConnection& connection, const KeptTable& kept) {
 
 void SessionCore::BeginStorage() {
     if (!connection.InTransaction()) {
-        connection.Execute("BEGIN");
+        connection.Prepare("BEGIN").Run();
     }
 }
 
@@ -65,7 +65,7 @@ void SessionCore::BeginStorage() {
 /// transaction has read of this file before, SQLite does not ask the busy handler, and the waiting is done
 /// here; what it read must then still be the last commit (SQLITE_BUSY_SNAPSHOT says that it is not).
 void SessionCore::LockForWriting(const std::string& alias) {
-    if (alias == "temp") {
+    if (alias == "temp" || connection.Writes(alias)) {
         return;
     }
     using std::chrono::milliseconds;
@@ -90,8 +90,16 @@ bool SessionCore::WaitForLock(int waited) const {
     if (cancelled) {
         return false;
     }
-    const std::int64_t limit = options.lock_timeout >= 0 ? options.lock_timeout : kLongestWait;
-    return waited < limit;
+    return std::chrono::milliseconds(waited) < LockTime();
+}
+
+std::chrono::milliseconds SessionCore::LockTime() const {
+    return options.lock_timeout >= 0 ? std::chrono::milliseconds(options.lock_timeout) : kLongestWait;
+}
+
+SqlError SessionCore::LockError() const {
+    return options.lock_timeout >= 0 ? ErrorOf(1222, {}, 51)
+                                     : ErrorOf(1205, {std::to_string(id), "lock"}, 51);
 }
 
 void SessionCore::Write(const std::string& alias, const std::function<void()>& work) {
@@ -103,23 +111,27 @@ void SessionCore::Write(const std::string& alias, const std::function<void()>& w
     bool saved = false;
     try {
         LockForWriting(alias);
-        connection.Execute("SAVEPOINT " + savepoint);
-        saved = true;
+        if (!own) { // A statement of its own is undone with its transaction.
+            connection.Prepare("SAVEPOINT " + savepoint).Run();
+            saved = true;
+        }
         work();
-        connection.Execute("RELEASE " + savepoint);
         if (own) {
-            connection.Execute("COMMIT");
+            connection.Prepare("COMMIT").Run();
+        } else {
+            connection.Prepare("RELEASE " + savepoint).Run();
         }
         --writes_;
     } catch (...) {
+        const Uninterrupted whole(*this);
         if (connection.InTransaction()) {
             if (own) {
                 RollbackAround("ROLLBACK", before, false);
             } else if (saved) {
                 RollbackAround("ROLLBACK TO " + savepoint + "; RELEASE " + savepoint, before, false);
             }
-        } else if (transaction_count_ > 0) { // SQLite has given the transaction up by itself.
-            ResetTransaction();
+        } else { // SQLite has given the transaction up by itself.
+            LoseTransaction(own ? before : temporary_before_);
         }
         --writes_;
         throw;
@@ -147,6 +159,43 @@ void SessionCore::ResetTransaction() {
     savepoints_.clear();
     transaction_name_.clear();
     doomed = false;
+    lost_ = false;
+}
+
+/// For a transaction that SQLite has rolled back, which it does where a commit fails and where a write fails
+/// in a way that it can't undo alone. Table variables are as they were before the transaction.
+void SessionCore::LoseTransaction(const Temporaries& temporary) {
+    temporary_ = temporary;
+    DropTemporariesFrom(nesting_ + 1);
+    ForgetTables();
+    for (Frame* frame = frame_; frame != nullptr; frame = frame->caller) {
+        for (const auto& [name, table] : frame->tables) {
+            SqliteStatement known = connection.Prepare("SELECT 1 FROM temp.sqlite_master WHERE name = ?1");
+            known.BindText(1, table->physical);
+            if (!known.Step()) {
+                known.Reset();
+                Restore(connection, {table, {}});
+            }
+        }
+    }
+    savepoints_.clear();
+    lost_ = transaction_count_ > 0;
+}
+
+void SessionCore::CommitStorage() {
+    try {
+        connection.Execute("COMMIT");
+    } catch (const StorageError& error) {
+        const Uninterrupted whole(*this);
+        if (connection.InTransaction()) {
+            connection.Execute("ROLLBACK");
+        }
+        LoseTransaction(temporary_before_);
+        if (error.primary_code() == SQLITE_FULL) {
+            RaiseError(9002, {CurrentDatabaseName(), "NOTHING"});
+        }
+        throw;
+    }
 }
 
 void SessionCore::BeginTransaction(const std::string& name) {
@@ -172,7 +221,7 @@ void SessionCore::CommitTransaction() {
             throw;
         }
         if (connection.InTransaction()) {
-            connection.Execute("COMMIT");
+            CommitStorage();
         }
         ResetTransaction();
     } else {
@@ -212,6 +261,7 @@ void SessionCore::SaveTransaction(const std::string& name) {
 }
 
 void SessionCore::AbandonTransaction() {
+    const Uninterrupted whole(*this);
     remote_.Rollback();
     if (connection.InTransaction()) {
         RollbackAround("ROLLBACK", transaction_count_ > 0 ? temporary_before_ : temporary_, true);

@@ -1,0 +1,216 @@
+#include "devserver/tsql/run/database_users.h"
+
+#include <algorithm>
+#include <thread>
+
+#include "devserver/tsql/run/server.h"
+#include "devserver/tsql/run/session_core.h"
+
+namespace devsql {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+/// How often one who waits looks whether its client has asked for an end.
+constexpr milliseconds kTick{10};
+constexpr milliseconds kTimeToLeave{500};
+
+} // namespace
+
+std::int32_t DatabaseUsers::NewSessionId() {
+    constexpr std::int32_t kLastSession = 32767;
+    const std::lock_guard lock(mutex_);
+    std::int32_t id = 0;
+    do {
+        id = next_session_;
+        next_session_ = next_session_ >= kLastSession ? kFirstSession : next_session_ + 1;
+    } while (sessions_.contains(id));
+    return id;
+}
+
+void DatabaseUsers::Register(SessionCore& session) {
+    const std::lock_guard lock(mutex_);
+    sessions_[session.id] = &session;
+}
+
+void DatabaseUsers::Withdraw(SessionCore& session) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return !ending_.contains(&session); });
+    sessions_.erase(session.id);
+}
+
+template <class Done>
+bool DatabaseUsers::WaitFor(std::unique_lock<std::mutex>& lock, const SessionCore& session,
+                            milliseconds limit, Done done) {
+    const auto end = steady_clock::now() + limit;
+    while (!done()) {
+        if (session.cancelled || steady_clock::now() >= end) {
+            return false;
+        }
+        changed_.wait_for(lock, kTick);
+    }
+    return true;
+}
+
+DatabaseInfo DatabaseUsers::Enter(const std::string& name, SessionCore& session) {
+    std::unique_lock lock(mutex_);
+    std::optional<DatabaseInfo> info;
+    Usage* usage = nullptr;
+    // While it is closed it may be renamed or removed: it is found anew each time.
+    const bool open = WaitFor(lock, session, session.LockTime(), [&] {
+        info = FindDatabase(list_, name);
+        usage = info ? &usage_[info->id] : nullptr;
+        return usage == nullptr || usage->closed_by == nullptr || usage->closed_by == &session;
+    });
+    if (!info) {
+        RaiseError(911, {name});
+    }
+    if (!open) {
+        session.CheckCancelled();
+        RaiseError(952, {info->name});
+    }
+    if (info->Option("OFFLINE")) {
+        RaiseError(942, {info->name});
+    }
+    if (info->Option("SINGLE_USER") && usage->OthersThan(session)) {
+        RaiseError(924, {info->name});
+    }
+    usage->name = Folded(info->name);
+    usage->sessions.insert(&session);
+    return std::move(*info);
+}
+
+void DatabaseUsers::Leave(int database, SessionCore& session) {
+    const std::lock_guard lock(mutex_);
+    usage_[database].sessions.erase(&session);
+    changed_.notify_all();
+}
+
+bool DatabaseUsers::Close(int database, const SessionCore& session) {
+    std::unique_lock lock(mutex_);
+    Usage& usage = usage_[database];
+    usage.closed_by = &session;
+    if (WaitFor(lock, session, kTimeToLeave, [&] { return !usage.OthersThan(session); })) {
+        return true;
+    }
+    usage.closed_by = nullptr;
+    changed_.notify_all();
+    session.CheckCancelled();
+    return false;
+}
+
+void DatabaseUsers::Reopen(int database) {
+    const std::lock_guard lock(mutex_);
+    usage_[database].closed_by = nullptr;
+    changed_.notify_all();
+}
+
+std::vector<SessionCore*> DatabaseUsers::TakeOthers(int database, const SessionCore& session) {
+    std::vector<SessionCore*> others;
+    for (const auto& [id, other] : sessions_) {
+        if (other != &session && usage_[database].sessions.contains(other)) {
+            others.push_back(other);
+            ending_.insert(other);
+        }
+    }
+    return others;
+}
+
+void DatabaseUsers::CloseAndThrowOut(int database, const SessionCore& session) {
+    for (;;) {
+        std::vector<SessionCore*> others;
+        {
+            std::unique_lock lock(mutex_);
+            Usage& usage = usage_[database];
+            usage.closed_by = &session;
+            others = TakeOthers(database, session);
+            // One that is ending by itself can't be ended, and will soon be out.
+            if (others.empty() && WaitFor(lock, session, kTick, [&] { return !usage.OthersThan(session); })) {
+                return;
+            }
+        }
+        for (SessionCore* other : others) {
+            End(*other, session);
+        }
+        if (session.cancelled) {
+            Reopen(database);
+            session.CheckCancelled();
+        }
+    }
+}
+
+/// Ends a session: what it runs is interrupted, what it holds is rolled back and let go.
+void DatabaseUsers::End(SessionCore& session, const SessionCore& by) {
+    // At the end in any case: the session's destruction waits for it.
+    const auto release = [this](const SessionCore* ended) {
+        const std::lock_guard lock(mutex_);
+        ending_.erase(ending_.find(ended));
+        changed_.notify_all();
+    };
+    const std::unique_ptr<SessionCore, decltype(release)> taken(&session, release);
+    session.ended = true;
+    std::unique_lock running(session.running, std::defer_lock);
+    do {
+        session.Cancel(); // Again and again: it may have been between two statements.
+        if (running.try_lock()) {
+            session.AbandonTransaction();
+            session.ReleaseEverything();
+            return;
+        }
+        std::this_thread::sleep_for(milliseconds(1));
+    } while (!by.ended); // Two that end each other: the one that was ended first gives up.
+}
+
+void DatabaseUsers::Kill(std::int32_t id, const SessionCore& by) {
+    SessionCore* found = nullptr;
+    {
+        const std::lock_guard lock(mutex_);
+        const auto session = sessions_.find(id);
+        if (session == sessions_.end()) {
+            RaiseError(6106, {std::to_string(id)});
+        }
+        if (session->second == &by) {
+            RaiseError(6104);
+        }
+        found = session->second;
+        ending_.insert(found);
+    }
+    End(*found, by);
+}
+
+std::vector<DatabaseUsers::SessionInfo> DatabaseUsers::Sessions() {
+    const std::lock_guard lock(mutex_);
+    std::vector<SessionInfo> list;
+    for (const auto& [id, session] : sessions_) {
+        list.push_back({id, session->login, session->host_name, session->application, ""});
+        for (const auto& [database, usage] : usage_) {
+            if (usage.sessions.contains(session)) {
+                list.back().database = usage.name;
+            }
+        }
+    }
+    return list;
+}
+
+DatabaseUsers::ListTurn::ListTurn(const SessionCore& session) : users_(session.server.users()) {
+    std::unique_lock lock(users_.mutex_);
+    const bool taken = users_.WaitFor(lock, session, session.LockTime(),
+                                      [&] { return users_.turn_ == nullptr || users_.turn_ == &session; });
+    if (!taken) {
+        session.CheckCancelled();
+        throw session.LockError();
+    }
+    users_.turn_ = &session;
+    ++users_.turns_;
+}
+
+DatabaseUsers::ListTurn::~ListTurn() {
+    const std::lock_guard lock(users_.mutex_);
+    if (--users_.turns_ == 0) {
+        users_.turn_ = nullptr;
+        users_.changed_.notify_all();
+    }
+}
+
+} // namespace devsql

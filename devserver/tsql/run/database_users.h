@@ -1,0 +1,107 @@
+// Which sessions there are, which database each of them uses, and who changes the list of databases. A
+// session enters a database in one step with finding it in the list, so what it has entered stays where it is
+// until it leaves.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "devserver/storage/databases.h"
+
+namespace devsql {
+
+class SessionCore;
+
+class DatabaseUsers {
+  public:
+    /// `master` is the file that holds the list of databases.
+    explicit DatabaseUsers(const std::filesystem::path& master) : list_(master) {}
+
+    std::int32_t NewSessionId();
+    void Register(SessionCore& session);
+    /// The session is ending by itself: nobody else ends it from now on. It still counts where it has
+    /// entered.
+    void Withdraw(SessionCore& session);
+
+    /// Finds the database and counts the session among its users. Waits while the database is closed, as for
+    /// a lock. Raises 911 for an unknown name, 942 for one that is offline, 924 where another session has it
+    /// for itself alone, 952 where it has been closed for too long.
+    DatabaseInfo Enter(const std::string& name, SessionCore& session);
+    void Leave(int database, SessionCore& session);
+
+    /// Keeps all but this session out until Reopen. False if another session uses the database and does not
+    /// leave it within half a second: a client that has just closed its connection may still be on its way
+    /// out.
+    bool Close(int database, const SessionCore& session);
+    /// The same, but ends the sessions that use it: their transactions are rolled back.
+    void CloseAndThrowOut(int database, const SessionCore& session);
+    void Reopen(int database);
+
+    /// Ends another session. Raises 6106 for an unknown number, 6104 for the own one.
+    void Kill(std::int32_t id, const SessionCore& by);
+
+    /// One row of sp_who.
+    struct SessionInfo {
+        std::int32_t id;
+        std::string login;
+        std::string host;
+        std::string application;
+        std::string database; ///< folded
+    };
+    std::vector<SessionInfo> Sessions();
+
+    /// Held by a statement that makes, renames, moves or removes databases or changes their options: one at a
+    /// time, so what it has found in the list stays true. A session may hold several, one within the other.
+    class ListTurn {
+      public:
+        /// Waits, as for a lock: raises 1222 or 1205.
+        explicit ListTurn(const SessionCore& session);
+        ~ListTurn();
+        ListTurn(const ListTurn&) = delete;
+        ListTurn& operator=(const ListTurn&) = delete;
+
+      private:
+        DatabaseUsers& users_;
+    };
+
+  private:
+    static constexpr std::int32_t kFirstSession = 51;
+
+    struct Usage {
+        std::string name; ///< folded
+        std::set<const SessionCore*> sessions;
+        const SessionCore* closed_by = nullptr;
+
+        bool OthersThan(const SessionCore& session) const {
+            return sessions.size() > (sessions.contains(&session) ? 1U : 0U);
+        }
+    };
+
+    /// Waits for `done`; false if it has not come about after `limit` or the session is to end.
+    template <class Done>
+    bool WaitFor(std::unique_lock<std::mutex>& lock, const SessionCore& session,
+                 std::chrono::milliseconds limit, Done done);
+    /// The users of the database that can be ended, marked so that none of them goes meanwhile.
+    std::vector<SessionCore*> TakeOthers(int database, const SessionCore& session);
+    void End(SessionCore& session, const SessionCore& by);
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    SqliteConnection list_;
+    std::map<int, Usage> usage_; ///< by the database's id
+    std::map<std::int32_t, SessionCore*> sessions_;
+    std::int32_t next_session_ = kFirstSession;
+    std::multiset<const SessionCore*>
+        ending_; ///< being ended by another session, and not to be destroyed meanwhile
+    const SessionCore* turn_ = nullptr;
+    int turns_ = 0; ///< how many the session holds
+};
+
+} // namespace devsql
