@@ -137,7 +137,7 @@ std::string Binder::BindNamed(const ast::NamedSource& named, Scope& scope) {
         place.database = database_;
     }
     Catalogue& catalogue = session_.Database(place.database);
-    const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
+    const std::optional<ObjectDef> object = session_.Object(catalogue, place.schema, place.name);
     if (object && object->type == "U") {
         return add_table(session_.Table(catalogue, object->id));
     }
@@ -285,7 +285,7 @@ Target Binder::BindTarget(const ast::Name& name) {
     }
     const ObjectPlace place = PlaceOf(session_, name);
     Catalogue& catalogue = session_.Database(place.database);
-    const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
+    const std::optional<ObjectDef> object = session_.Object(catalogue, place.schema, place.name);
     if (object && object->type == "V") {
         RaiseError(40517, {"writing through the view " + name.text()});
     }

@@ -227,7 +227,7 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
     const ObjectPlace place = PlaceOf(session_, name);
     const bool placed = name.parts.size() > 2;
     Catalogue& catalogue = session_.Database(place.database);
-    if (const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
+    if (const std::optional<ObjectDef> object = session_.Object(catalogue, place.schema, place.name);
         object && object->type == "P") {
         return CallStored(*object, catalogue, placed ? place.database : session_.CurrentDatabaseName(),
                           arguments);

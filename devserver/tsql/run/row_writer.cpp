@@ -133,9 +133,6 @@ void RowWriter::BindExpressions() {
         }
     }
     for (const ColumnDef& column : table_.columns) {
-        if (!column.default_text.empty()) {
-            defaults_[column.id] = BindOverRow(column.default_text);
-        }
         if (!column.computed.empty()) {
             computed_[column.id] = BindOverRow(column.computed);
         }
@@ -146,11 +143,14 @@ Value RowWriter::DefaultOf(const ColumnDef& column) {
     if (IsRemote()) {
         RaiseError(40517, {"DEFAULT in an UPDATE of a linked server's table"});
     }
-    const auto found = defaults_.find(column.id);
-    if (found == defaults_.end()) {
+    if (column.default_text.empty()) {
         return {};
     }
-    return Assign(Compute(*found->second, session_), found->second->type, column.type);
+    BoundPtr& bound = defaults_[column.id];
+    if (!bound) {
+        bound = BindOverRow(column.default_text);
+    }
+    return Assign(Compute(*bound, session_), bound->type, column.type);
 }
 
 void RowWriter::FillIdentity(std::size_t index, std::optional<Value>& value) {
@@ -261,19 +261,27 @@ void RowWriter::CheckRow(const RowValues& row) {
     }
 }
 
-void RowWriter::Store(const RowValues& row, std::optional<std::int64_t> row_id) {
+SqliteStatement RowWriter::PrepareInsert(bool with_row_id) {
     std::string names;
     std::string places;
-    for (std::size_t i = 0; i < row.size(); ++i) {
+    const std::size_t count = table_.columns.size();
+    for (std::size_t i = 0; i < count; ++i) {
         names += (i == 0 ? "" : ", ") + QuoteName(table_.columns[i].name);
         places += (i == 0 ? "?" : ", ?") + std::to_string(i + 1);
     }
-    if (row_id) {
+    if (with_row_id) {
         names += ", " + RowIdName(table_);
-        places += ", ?" + std::to_string(row.size() + 1);
+        places += ", ?" + std::to_string(count + 1);
     }
-    SqliteStatement insert = session_.connection.Prepare("INSERT INTO " + table_.Qualified() + "(" + names +
-                                                         ") VALUES(" + places + ")");
+    return session_.connection.Prepare("INSERT INTO " + table_.Qualified() + "(" + names + ") VALUES(" +
+                                       places + ")");
+}
+
+void RowWriter::Store(const RowValues& row, std::optional<std::int64_t> row_id) {
+    if (!insert_) { // One writer stores either new rows or those that keep their numbers.
+        insert_ = PrepareInsert(row_id.has_value());
+    }
+    SqliteStatement& insert = *insert_;
     for (std::size_t i = 0; i < row.size(); ++i) {
         insert.Bind(static_cast<int>(i + 1), row[i], table_.columns[i].type);
     }

@@ -64,6 +64,8 @@ class RowWriter {
     void FillIdentity(std::size_t column, std::optional<Value>& value);
     void CheckRow(const RowValues& row);
     void Store(const RowValues& row, std::optional<std::int64_t> row_id);
+    /// What stores a row, with a parameter for each column and, if asked for, one more for the row's number.
+    SqliteStatement PrepareInsert(bool with_row_id);
     void RequireParent(const ForeignKeyDef& key, const RowValues& row);
     void ReleaseChildren(const ForeignKeyDef& key, const RowValues& before, const RowValues* after);
     void Cascade(const ForeignKeyDef& key, const TablePtr& child, const std::vector<StoredRow>& rows,
@@ -85,8 +87,9 @@ class RowWriter {
     std::string statement_;
     Observer observer_;
     std::vector<Check> checks_;
-    std::map<int, BoundPtr> defaults_; ///< by column id
+    std::map<int, BoundPtr> defaults_; ///< by column id; those that a row has asked for
     std::map<int, BoundPtr> computed_;
+    std::optional<SqliteStatement> insert_;
     std::vector<RowValues> new_rows_;                            ///< for the foreign keys at the end
     std::vector<std::vector<std::optional<Value>>> remote_rows_; ///< go together, at the end
     struct Removed {
