@@ -15,7 +15,7 @@ import time
 
 import pymssql
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "devserver" / "clients"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "devserver" / "tests" / "clients"))
 from dev_server import PASSWORD, USER, DevServer  # noqa: E402
 
 ROWS = 1_000_000

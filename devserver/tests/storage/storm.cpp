@@ -28,6 +28,8 @@ namespace {
 using std::chrono::steady_clock;
 
 constexpr int kWriters = 4;
+/// Between two rounds, so that those who were thrown out come back and write.
+constexpr std::chrono::milliseconds kCalm{20};
 constexpr int kNumbersOfAWriter = 10'000'000;
 /// The storm is so far from taking this long that a server that hangs is meant.
 constexpr std::chrono::seconds kLongestRound{60};
@@ -289,6 +291,7 @@ int Run(int rounds) {
     try {
         for (; done < rounds; ++done) {
             storm.Round(done);
+            std::this_thread::sleep_for(kCalm);
         }
     } catch (const std::exception& error) {
         failures.Add(error.what());
