@@ -1,5 +1,6 @@
 #include "admin/upgrade_db_mgr.h"
 
+#include "admin/server_path.h"
 #include "base/int16.h"
 #include "platform/files.h"
 
@@ -59,9 +60,15 @@ bool CUpgradeDbMgr::RenameDatabase(const std::string& strDbName, const std::stri
         if (!GetDatabaseInfo(strDbName, data_name, data_path, log_name, log_path)) {
             operation.Fail("Database information could not be found for '" + strDbName + "'!");
         }
+        if (IsGuessed(data_path) || IsGuessed(log_path)) {
+            operation.Fail("The path of a file of '" + strDbName +
+                           "' has characters that the code page lacks!");
+        }
         operation.OpenStandard("master");
-        const std::string new_data_path = SelectedSQLDataPath() + "\\" + strNewDbName + "_data.mdf";
-        const std::string new_log_path = SelectedSQLDataPath() + "\\" + strNewDbName + "_log.ldf";
+        const std::string new_data_path =
+            ServerPath(SelectedSQLDataPath(), strNewDbName + "_data.mdf", data_path);
+        const std::string new_log_path =
+            ServerPath(SelectedSQLDataPath(), strNewDbName + "_log.ldf", log_path);
 
         operation.Execute("use master");
         operation.Execute("ALTER DATABASE [" + strDbName + "] SET SINGLE_USER WITH ROLLBACK IMMEDIATE");

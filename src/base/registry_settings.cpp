@@ -15,9 +15,9 @@ constexpr std::size_t kMessageBuffer = 200; // characters
 
 /// The raised number is the length of the system's text and not the system's number: the log has always
 /// carried it. A system without a text fails here as an invalid call.
-[[noreturn]] void RaiseRegistryFailure(std::int32_t system_error, const char* source) {
+[[noreturn]] void RaiseRegistryFailure(const platform::RegistryError& error, const char* source) {
     constexpr std::size_t kLineEnd = 2; // the text's CR LF
-    const std::string text = platform::SystemMessage(system_error, kMessageBuffer);
+    const std::string text = platform::SystemMessage(error, kMessageBuffer);
     if (text.size() < kLineEnd) {
         RaiseRunTimeFailure(run_time::kInvalidProcedureCall);
     }
@@ -36,7 +36,8 @@ void LogFailure(const std::string& call, const Failure& failure) {
     WriteErrorLog(call + ": " + std::to_string(failure.Number()) + " - " + failure.Description());
 }
 
-/// Up to the first NUL. What has none filled the buffer or is no text, and loses the blanks at its end.
+/// Up to the first NUL. Without a NUL the value filled the buffer or is not text, and loses the blanks at its
+/// end.
 std::string TextInBuffer(const std::string& buffer) {
     const auto nul = buffer.find('\0');
     if (nul != std::string::npos) {
@@ -58,7 +59,7 @@ std::string GetStringKey(platform::RegistryHandle lngRoot, const std::string& st
                 RaiseRegistryFailure(opened.error, kSource);
             }
             std::string buffer(kValueBuffer, ' ');
-            const std::int32_t error = platform::QueryValue(opened.key, strValueName, buffer);
+            const platform::RegistryError error = platform::QueryValue(opened.key, strValueName, buffer);
             if (error == registry_error::kSuccess) {
                 result = TextInBuffer(buffer);
             } else if (error == registry_error::kFileNotFound) {
@@ -87,7 +88,7 @@ bool SetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey
             if (created.error != registry_error::kSuccess) {
                 RaiseRegistryFailure(created.error, kSource);
             }
-            const std::int32_t error =
+            const platform::RegistryError error =
                 platform::SetValue(created.key, strValueName, platform::kRegSz, strValue);
             if (error != registry_error::kSuccess) {
                 RaiseRegistryFailure(error, kSource); // the key stays open

@@ -1,10 +1,10 @@
 // The entry of the program: the one place that knows both faces.
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "base/failure.h"
 #include "console/main_form.h"
+#include "main/command_line.h"
 #include "main/main_routine.h"
 #include "platform/command_line.h"
 #include "platform/files.h"
@@ -79,14 +79,19 @@ void ShowFatalError() {
                              platform::MessageIcon::Critical, platform::ExecutableName());
 }
 
+/// As it was typed or, where the system hands over split arguments, put together again.
+std::string CommandLine(int argc, const char* const* argv) {
+    const auto typed = platform::RawCommandLine();
+    return typed ? *typed : kv::JoinArguments(platform::ProgramArguments(argc, argv));
+}
+
 } // namespace
 
 // There is no exit code: whatever the outcome, the process ends the same way.
 int main(int argc, char** argv) {
     try {
-        const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
         ProgramFaces faces;
-        kv::Main(platform::RawCommandLine(arguments, {"scriptfolder", "sqldatapath"}), faces);
+        kv::Main(CommandLine(argc, argv), faces);
         faces.RunUntilClosed();
     } catch (...) {
         ShowFatalError();

@@ -1,27 +1,11 @@
 #include "platform/command_line.h"
 
-#include <algorithm>
-#include <cctype>
+#include "platform/system_text.h"
 
 namespace platform {
 namespace {
 
-bool EqualsIgnoringCase(const std::string& a, const std::string& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
-}
-
-bool IsOption(const std::string& argument, const std::vector<std::string>& names) {
-    if (argument.size() < 2 || (argument.front() != '/' && argument.front() != '-')) {
-        return false;
-    }
-    const std::string name = argument.substr(1);
-    return std::any_of(names.begin(), names.end(),
-                       [&](const std::string& option) { return EqualsIgnoringCase(option, name); });
-}
-
-/// Takes the backslashes at `at` and tells how many stand in the text and whether a quote behind them is
-/// literal.
+/// The backslashes at a place of the text, and whether a quote follows them.
 struct Backslashes {
     std::size_t count = 0;
     bool before_quote = false;
@@ -38,22 +22,12 @@ Backslashes CountBackslashes(const std::string& text, std::size_t at) {
 
 } // namespace
 
-std::string JoinArguments(const std::vector<std::string>& arguments,
-                          const std::vector<std::string>& path_options) {
-    std::string line;
-    bool is_path = false;
-    for (const std::string& argument : arguments) {
-        std::string text = argument;
-        if (is_path) {
-            std::replace(text.begin(), text.end(), '/', '\\');
-        }
-        is_path = !is_path && IsOption(argument, path_options);
-        if (text.empty() || text.find(' ') != std::string::npos) {
-            text = '"' + text + '"';
-        }
-        line += (line.empty() ? "" : " ") + text;
+std::vector<std::string> ProgramArguments(int argc, const char* const* argv) {
+    std::vector<std::string> arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.push_back(FromSystemText(argv[i]));
     }
-    return line;
+    return arguments;
 }
 
 std::vector<std::string> SplitArguments(const std::string& parameters) {

@@ -45,21 +45,26 @@ std::string ExecutableName();
 
 /// True if the path names a plain file.
 bool FileExists(const std::string& path);
-/// True if the path names a folder; a separator at its end is borne.
+/// True if the path names a folder; it may end in a separator.
 bool FolderExists(const std::string& path);
 /// True if the folder holds at least one plain file.
 bool FolderHoldsFile(const std::string& folder);
 
 /// One level only; the parent must exist.
 void CreateFolder(const std::string& path);
+/// The copy has the source's rights. `to` is replaced when the copy is whole; a failure leaves it as it was.
 void CopyFileOver(const std::string& from, const std::string& to);
 void DeleteFileAt(const std::string& path);
 
 /// The whole content, byte for byte.
 std::string ReadWholeFile(const std::string& path);
-/// Makes the file or cuts it to nothing, and writes the pieces one behind the other.
+/// Makes the file or cuts it to nothing, and writes the pieces one after the other.
 void WriteWholeFile(const std::string& path, std::string_view content, std::string_view tail = {});
-/// Opens the file for appending, making it if it is absent, writes and closes it. Others may have it open.
+/// The same in one step: nobody finds a part of the new content at the path, and a failure leaves what was
+/// there.
+void ReplaceWholeFile(const std::string& path, std::string_view content, std::string_view tail = {});
+/// Opens the file for appending, making it if it is absent, writes and closes it. Others may have it open. A
+/// failure leaves no part of the content.
 void AppendToFile(const std::string& path, std::string_view content);
 
 } // namespace platform

@@ -1,5 +1,5 @@
-// The program's 8-bit text, code page 1252, to and from the text of the system's own 8-bit calls: arguments,
-// names of files, the terminal.
+// 8-bit text of code page 1252, to and from the text of the system's own 8-bit calls: arguments, names of
+// files, the terminal.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace platform {
 
-/// Text that came from the system. On Windows the two are the same. On Linux, where the system's text is
-/// UTF-8: text that is not UTF-8 or has characters that the code page lacks stays as it is, so that a file of
-/// such a name can at least be reached by it.
+/// Text that came from the system. On Windows the two are the same. On Linux the system's text is UTF-8: what
+/// the code page cannot hold becomes an escape (text/escaped.h), so that a file of such a name can be reached
+/// by it.
 std::string FromSystemText(std::string_view text);
-/// The way back. Text that is UTF-8 already came through unchanged, and goes so.
+/// The way back: whatever FromSystemText has read comes out as it was.
 std::string ToSystemText(std::string_view text);
 
 } // namespace platform

@@ -1,10 +1,11 @@
-// The registry, at the level of the platform's own calls: handles, error numbers, raw bytes. What the numbers
-// mean to the program is decided above. On Linux a .reg file stands in its place.
+// The registry, at the level of the system's own calls: handles, error numbers, raw bytes. What the numbers
+// mean to the program is decided above. On Linux a .reg file takes its place.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace platform {
 
@@ -40,8 +41,20 @@ inline constexpr std::int32_t kCantRead = 1012;
 inline constexpr std::int32_t kCantWrite = 1013;
 } // namespace registry_error
 
+/// What became of a call: the system's number, and what the store adds to the system's text for it.
+struct RegistryError {
+    // Conversion is meant: most calls have a number alone.
+    RegistryError(std::int32_t number_ = registry_error::kSuccess, std::string detail_ = {})
+        : number(number_), detail(std::move(detail_)) {}
+
+    std::int32_t number;
+    std::string detail; ///< which file, and what is wrong with it; empty on Windows
+
+    friend bool operator==(const RegistryError& error, std::int32_t number) { return error.number == number; }
+};
+
 struct OpenedKey {
-    std::int32_t error = registry_error::kSuccess;
+    RegistryError error;
     RegistryHandle key = 0; ///< only if error is 0
 };
 
@@ -56,19 +69,19 @@ OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::s
 /// the empty name is the key's default value. Text comes in the 8-bit code page, with its NUL; one that is
 /// stored without a NUL gets one where the buffer has room. 2 if there is no such value, 234 if it does not
 /// fit.
-std::int32_t QueryValue(RegistryHandle key, const std::string& name, std::string& buffer);
+RegistryError QueryValue(RegistryHandle key, const std::string& name, std::string& buffer);
 
-/// Stores the bytes of `data`, no NUL counted, and gives an error number, 0 for success.
-std::int32_t SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
-                      const std::string& data);
+/// Stores the bytes of `data`, no NUL counted.
+RegistryError SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
+                       const std::string& data);
 
 std::int32_t CloseKey(RegistryHandle key);
 
 /// A root on another computer, whose name may begin with two backslashes.
 OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive);
 
-/// The system's text for an error number, its CR LF included; empty if the system has none or the text does
-/// not fit into `buffer_size` characters.
-std::string SystemMessage(std::int32_t error, std::size_t buffer_size);
+/// The system's text for an error number with the error's detail, its CR LF included; empty if the system has
+/// no text for it or the text does not fit into `buffer_size` characters.
+std::string SystemMessage(const RegistryError& error, std::size_t buffer_size);
 
 } // namespace platform

@@ -22,7 +22,7 @@ void ForEachLine(std::string_view text, Take&& take) {
         if (stop == std::string_view::npos) {
             return;
         }
-        // A line feed right behind a carriage return is one line end together with it.
+        // A line feed right after a carriage return is one line end together with it.
         at = carriage_return < line_feed && line_feed == carriage_return + 1 ? line_feed + 1 : stop + 1;
         if (carriage_return < at) {
             carriage_return = text.find('\r', at);
@@ -66,8 +66,9 @@ void WriteDataFile(const std::string& strFileContent, const std::string& strFile
     if (platform::FileExists(path)) {
         platform::DeleteFileAt(path);
     }
-    // What prints the text ends its item with a line end of its own.
-    platform::WriteWholeFile(path, strFileContent, kLineEnd);
+    // The text is printed as an item that ends with a line end of its own. In one step: the query tool must
+    // not find a part of a script under its name.
+    platform::ReplaceWholeFile(path, strFileContent, kLineEnd);
 }
 
 } // namespace kv

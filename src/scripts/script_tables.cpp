@@ -26,8 +26,8 @@ std::string ModifiedScriptName(eSQLScript script, const std::string& file) {
     if (script != sqlUserDefinedScript) {
         return kScriptNames.at(static_cast<std::size_t>(script));
     }
-    const auto backslash = file.rfind('\\');
-    return backslash == std::string::npos ? file : file.substr(backslash + 1);
+    const auto separator = file.find_last_of("\\/");
+    return separator == std::string::npos ? file : file.substr(separator + 1);
 }
 
 std::string OutputFileName(eSQLScript script, const std::string& file) {

@@ -32,9 +32,10 @@ inline constexpr std::array kDtsPackages = {
 /// The template's path: in `script_folder`, which ends in "\", or, for a user-defined script, `file` as it
 /// stands.
 std::string TemplatePath(eSQLScript script, const std::string& script_folder, const std::string& file);
-/// The bare name of the modified script: for a user-defined script what stands behind the last "\" of `file`.
+/// The bare name of the modified script: for a user-defined script what follows the last "\" or "/" of
+/// `file`.
 std::string ModifiedScriptName(eSQLScript script, const std::string& file);
-/// The bare name of the query tool's output file: the script's name with "txt" behind its last ".".
+/// The bare name of the query tool's output file: the script's name with "txt" after its last ".".
 std::string OutputFileName(eSQLScript script, const std::string& file);
 
 /// The package's name on the server.

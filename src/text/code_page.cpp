@@ -15,29 +15,30 @@ constexpr std::array<char16_t, 32> kOdd = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
 
-char16_t WidenByte(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool odd = byte >= kFirstOdd && byte < kFirstOdd + kOdd.size();
-    return odd ? kOdd[byte - kFirstOdd] : static_cast<char16_t>(byte);
-}
-
-char NarrowUnit(char16_t unit) {
-    if (unit < kFirstOdd || (unit >= kFirstOdd + kOdd.size() && unit <= 0xFF)) {
-        return static_cast<char>(unit);
-    }
-    const auto* const at = std::ranges::find(kOdd, unit);
-    return at != kOdd.end() ? static_cast<char>(kFirstOdd + (at - kOdd.begin())) : '?';
-}
-
 bool IsLowSurrogate(char16_t unit) {
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
 } // namespace
 
+char16_t WidenCharacter(char byte) {
+    const auto code = static_cast<unsigned char>(byte);
+    const bool odd = code >= kFirstOdd && code < kFirstOdd + kOdd.size();
+    return odd ? kOdd[code - kFirstOdd] : static_cast<char16_t>(code);
+}
+
+std::optional<char> NarrowCharacter(char32_t character) {
+    if (character < kFirstOdd || (character >= kFirstOdd + kOdd.size() && character <= 0xFF)) {
+        return static_cast<char>(character);
+    }
+    const auto* const at = std::ranges::find(kOdd, character);
+    return at != kOdd.end() ? std::optional(static_cast<char>(kFirstOdd + (at - kOdd.begin())))
+                            : std::nullopt;
+}
+
 std::u16string Widen(std::string_view text) {
     std::u16string wide(text.size(), u'\0');
-    std::ranges::transform(text, wide.begin(), WidenByte);
+    std::ranges::transform(text, wide.begin(), WidenCharacter);
     return wide;
 }
 
@@ -63,7 +64,7 @@ void AppendNarrow(std::string& to, std::u16string_view text) {
     }
     for (const char16_t unit : text) {
         if (!IsLowSurrogate(unit)) { // the high one of the pair has given its "?"
-            *next++ = NarrowUnit(unit);
+            *next++ = NarrowCharacter(unit).value_or('?');
         }
     }
     to.resize(static_cast<std::size_t>(next - to.data()));

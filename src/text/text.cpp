@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "text/code_page.h"
+
 namespace kv {
 namespace {
 
@@ -62,6 +64,16 @@ std::string UpperCase(std::string_view text) {
 
 std::string LowerCase(std::string_view text) {
     return Mapped(text, kLower);
+}
+
+std::u16string UpperCase(std::u16string_view text) {
+    std::u16string result(text);
+    for (char16_t& c : result) {
+        if (const auto byte = platform::NarrowCharacter(c)) {
+            c = platform::WidenCharacter(static_cast<char>(kUpper[static_cast<unsigned char>(*byte)]));
+        }
+    }
+    return result;
 }
 
 std::size_t FindIgnoringCase(std::string_view text, std::string_view wanted, std::size_t from) {

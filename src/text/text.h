@@ -9,8 +9,10 @@ namespace kv {
 /// Case of code page 1252's letters; a letter without a partner in the code page stays.
 std::string UpperCase(std::string_view text);
 std::string LowerCase(std::string_view text);
+/// The same letters in UTF-16; all other characters stay.
+std::u16string UpperCase(std::u16string_view text);
 
-/// The place of the first occurrence at or behind `from`, letter case ignored; npos if there is none.
+/// The place of the first occurrence at or after `from`, letter case ignored; npos if it does not occur.
 std::size_t FindIgnoringCase(std::string_view text, std::string_view wanted, std::size_t from = 0);
 
 /// The text without the blanks at both ends; no other white space counts.

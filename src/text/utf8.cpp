@@ -7,18 +7,15 @@
 namespace platform {
 namespace {
 
-void AppendCodePoint(std::u16string& characters, char32_t point) {
-    constexpr char32_t kFirstPair = 0x10000;
-    if (point < kFirstPair) {
-        characters += static_cast<char16_t>(point);
-        return;
-    }
-    constexpr char32_t kTenBits = 0x3FF;
-    characters += static_cast<char16_t>(0xD800U | ((point - kFirstPair) >> 10U));
-    characters += static_cast<char16_t>(0xDC00U | ((point - kFirstPair) & kTenBits));
-}
+constexpr char32_t kFirstPair = 0x10000; ///< the first character of two UTF-16 units
+constexpr char32_t kFirstHigh = 0xD800;
+constexpr char32_t kFirstLow = 0xDC00;
+constexpr char32_t kLastLow = 0xDFFF;
+constexpr unsigned kHalf = 10; ///< bits of a character in each of its two units
+constexpr char32_t kHalfMask = 0x3FF;
 
-/// One well-formed sequence from the front of `bytes`, which it takes away; nothing if there is none.
+} // namespace
+
 std::optional<char32_t> TakeUtf8(std::string_view& bytes) {
     struct Form {
         unsigned char mask, lead;
@@ -41,7 +38,7 @@ std::optional<char32_t> TakeUtf8(std::string_view& bytes) {
         }
         point = (point << 6U) | (next & 0x3FU);
     }
-    const bool surrogate = point >= 0xD800 && point <= 0xDFFF;
+    const bool surrogate = point >= kFirstHigh && point <= kLastLow;
     if (point < form->least || point > 0x10FFFF || surrogate) {
         return std::nullopt;
     }
@@ -68,7 +65,28 @@ void AppendUtf8(std::string& bytes, char32_t point) {
     }
 }
 
-} // namespace
+void AppendUtf16(std::u16string& characters, char32_t character) {
+    if (character < kFirstPair) {
+        characters += static_cast<char16_t>(character);
+        return;
+    }
+    characters += static_cast<char16_t>(kFirstHigh | ((character - kFirstPair) >> kHalf));
+    characters += static_cast<char16_t>(kFirstLow | ((character - kFirstPair) & kHalfMask));
+}
+
+char32_t TakeUtf16(std::u16string_view& characters) {
+    const char32_t first = characters.front();
+    characters.remove_prefix(1);
+    if (first < kFirstHigh || first >= kFirstLow || characters.empty()) {
+        return first;
+    }
+    const char32_t second = characters.front();
+    if (second < kFirstLow || second > kLastLow) {
+        return first;
+    }
+    characters.remove_prefix(1);
+    return kFirstPair + (((first & kHalfMask) << kHalf) | (second & kHalfMask));
+}
 
 std::optional<std::u16string> FromUtf8(std::string_view bytes) {
     std::u16string characters;
@@ -78,7 +96,7 @@ std::optional<std::u16string> FromUtf8(std::string_view bytes) {
         if (!point) {
             return std::nullopt;
         }
-        AppendCodePoint(characters, *point);
+        AppendUtf16(characters, *point);
     }
     return characters;
 }
@@ -86,13 +104,8 @@ std::optional<std::u16string> FromUtf8(std::string_view bytes) {
 std::string ToUtf8(std::u16string_view characters) {
     std::string bytes;
     bytes.reserve(characters.size());
-    for (std::size_t i = 0; i < characters.size(); ++i) {
-        char32_t point = characters[i];
-        if (point >= 0xD800 && point <= 0xDBFF && i + 1 < characters.size()) {
-            ++i;
-            point = 0x10000U + ((point - 0xD800U) << 10U) + (char32_t{characters[i]} - 0xDC00U);
-        }
-        AppendUtf8(bytes, point);
+    while (!characters.empty()) {
+        AppendUtf8(bytes, TakeUtf16(characters));
     }
     return bytes;
 }

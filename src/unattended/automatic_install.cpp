@@ -49,7 +49,7 @@ void RunSequence(const CSQLScriptMgr& scripts, frmStatus& status, const Flags& i
 void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Server, const std::string& User,
                         const std::string& Password, const std::string& SQLDataPath, bool InstallDb,
                         bool InstallSp, bool InstallDts) {
-    // It goes away last, behind the handler.
+    // It goes away last, after the handler.
     std::unique_ptr<frmStatus> status;
     WithFailureHandler(
         [&] {
@@ -60,6 +60,10 @@ void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Serv
             status->Show();
             platform::RunPendingEvents();
 
+            RequireCodePage(*status, "/server", Server);
+            RequireCodePage(*status, "/user", User);
+            RequireCodePage(*status, "/password", Password);
+            RequireCodePage(*status, "/sqldatapath", SQLDataPath);
             CSQLScriptMgr scripts;
             scripts.UseServerA(true);
             scripts.ServerA(Server);

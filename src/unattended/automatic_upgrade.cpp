@@ -1,13 +1,20 @@
 #include "unattended/automatic_upgrade.h"
 
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
+#include "admin/server_path.h"
 #include "admin/upgrade_db_mgr.h"
 #include "base/error_log.h"
 #include "base/failure.h"
 #include "base/registry_locations.h"
 #include "base/registry_settings.h"
+#include "platform/files.h"
+#include "platform/named_lock.h"
 #include "platform/pending_events.h"
+#include "text/text.h"
 #include "unattended/script_steps.h"
 
 namespace kv {
@@ -18,20 +25,43 @@ constexpr char kTemporaryDb[] = "TmpBatchUpgradeDb";
 /// The exact number of steps that the sequence makes.
 constexpr float kStepCount = 17.0F;
 
-std::string LoginSetting(const char* value) {
+std::string LoginSetting(frmStatus& status, const char* value) {
     using namespace registry_locations;
-    return GetLocalSetting(kHkeyLocalMachine, kLoginKey, value, kNoDefault);
+    std::string text = GetLocalSetting(kHkeyLocalMachine, kLoginKey, value, kNoDefault);
+    RequireCodePage(status, std::string("The registry's ") + value, text);
+    return text;
 }
 
-void ReadLogin(CUpgradeDbMgr& databases) {
+void ReadLogin(CUpgradeDbMgr& databases, frmStatus& status) {
     databases.UseServerA(true);
-    databases.ServerA(LoginSetting(registry_locations::kServerNameValue));
-    databases.UserA(LoginSetting(registry_locations::kUserIdValue));
-    databases.PasswordA(LoginSetting(registry_locations::kPasswordValue)); // as it stands, not decrypted
+    databases.ServerA(LoginSetting(status, registry_locations::kServerNameValue));
+    databases.UserA(LoginSetting(status, registry_locations::kUserIdValue));
+    databases.PasswordA(
+        LoginSetting(status, registry_locations::kPasswordValue)); // as it stands, not decrypted
+}
+
+using Locks = std::vector<std::unique_ptr<platform::NamedLock>>;
+
+/// Of two upgrades at once the second would delete the temporary database of the first, the only copy of the
+/// old data. They meet on the server or, whatever names the server has, in the program's folder Data.
+Locks LockOthersOut(const std::string& server, frmStatus& status) {
+    std::vector<std::string> names = {"program " + platform::ExecutableFolder()};
+    if (!server.empty()) {
+        names.push_back("server " + server);
+    }
+    Locks locks;
+    for (const std::string& name : names) {
+        auto lock = platform::TryLock("Lotkeeper upgrade: " + LowerCase(name));
+        if (!lock) {
+            Refuse(status, "Another upgrade is running. Nothing was changed.");
+        }
+        locks.push_back(std::move(lock));
+    }
+    return locks;
 }
 
 /// The new database's files go where the old data file lies.
-void FindDataPath(CUpgradeDbMgr& databases) {
+void FindDataPath(CUpgradeDbMgr& databases, frmStatus& status) {
     std::string strDataFileName;
     std::string strDataFilePath;
     std::string strLogFileName;
@@ -41,11 +71,11 @@ void FindDataPath(CUpgradeDbMgr& databases) {
         RaiseFailure(kProgramFailure, kUnattendedModule,
                      std::string("Database information could not be found for '") + kBatchDb + "'!");
     }
-    // npos + 1 is 0: a path without a separator stays whole.
-    if (const auto behind = strDataFilePath.rfind('\\') + 1; behind != 0) {
-        strDataFilePath.erase(behind);
+    if (IsGuessed(strDataFilePath)) {
+        Refuse(status, "The path '" + strDataFilePath +
+                           "' has characters that code page 1252 lacks. Nothing was changed.");
     }
-    databases.SQLDataPathA(strDataFilePath);
+    databases.SQLDataPathA(FolderOnServer(strDataFilePath));
 }
 
 void CopySettings(const CUpgradeDbMgr& databases, CSQLScriptMgr& scripts) {
@@ -56,7 +86,7 @@ void CopySettings(const CUpgradeDbMgr& databases, CSQLScriptMgr& scripts) {
     scripts.SQLDataPathA(databases.SQLDataPathA());
 }
 
-/// No result is looked at: a first upgrade has no temporary database to remove, and behind a rename that
+/// No result is looked at: a first upgrade has no temporary database to remove, and after a rename that
 /// failed the create script runs on top of what there is.
 void PutOldDatabaseAside(CUpgradeDbMgr& databases, frmStatus& status) {
     StepBar(status);
@@ -84,7 +114,7 @@ void BuildNewDatabase(const CSQLScriptMgr& scripts, frmStatus& status) {
 } // namespace
 
 void DoAutomaticUpgrade(const std::string& strScriptFolder) {
-    // It goes away last, behind the handler.
+    // It goes away last, after the handler.
     std::unique_ptr<frmStatus> status;
     WithFailureHandler(
         [&] {
@@ -95,8 +125,9 @@ void DoAutomaticUpgrade(const std::string& strScriptFolder) {
             platform::RunPendingEvents();
 
             CUpgradeDbMgr databases;
-            ReadLogin(databases);
-            FindDataPath(databases);
+            ReadLogin(databases, *status);
+            const Locks locks = LockOthersOut(databases.ServerA(), *status);
+            FindDataPath(databases, *status);
             CSQLScriptMgr scripts;
             CopySettings(databases, scripts);
             scripts.ScriptFolder(strScriptFolder);

@@ -1,13 +1,23 @@
 #include "unattended/script_steps.h"
 
-#include <string>
-
 #include "base/failure.h"
+#include "text/escaped.h"
 
 namespace kv {
 
 void StepBar(frmStatus& status) {
     status.StepProgessBar(Int16(1));
+}
+
+void Refuse(frmStatus& status, const std::string& text) {
+    status.StatusText(text);
+    RaiseFailure(kProgramFailure, kUnattendedModule, text);
+}
+
+void RequireCodePage(frmStatus& status, const std::string& name, const std::string& value) {
+    if (platform::HoldsEscape(value)) {
+        Refuse(status, name + " has characters that code page 1252 lacks. Nothing was changed.");
+    }
 }
 
 void ModifyScript(const CSQLScriptMgr& scripts, frmStatus& status, const UnattendedScript& script) {

@@ -136,6 +136,32 @@ TEST_F(RenameDatabase, MovesTheFilesToTheDataPathOfTheSelectedServer) {
               R"(sp_attach_db N'Tmp', N'E:\DataB\Tmp_data.mdf', N'E:\DataB\Tmp_log.ldf')");
 }
 
+TEST_F(RenameDatabase, OnAServerWhosePathsHaveSlashesWritesSlashes) {
+    for (const char* folder : {"/var/data", "/var/data/", "\\var\\data"}) {
+        SCOPED_TRACE(folder);
+        files_.AddFolder("/var/data");
+        files_.AddFile("/srv/Batch.mdf", "data");
+        files_.AddFile("/srv/Batch.ldf", "log");
+        ado_.Answer("use [Batch] exec sp_helpfile",
+                    Rows({{"Batch_Data", 1, "/srv/Batch.mdf"}, {"Batch_Log", 2, "/srv/Batch.ldf"}}));
+        manager_.SQLDataPathA(folder);
+        EXPECT_TRUE(manager_.RenameDatabase("Batch", "Tmp"));
+        EXPECT_EQ(ado_.Statements().back(),
+                  "sp_attach_db N'Tmp', N'/var/data/Tmp_data.mdf', N'/var/data/Tmp_log.ldf'");
+        EXPECT_EQ(files_.Content("/var/data/Tmp_data.mdf"), "data");
+        EXPECT_FALSE(files_.HasFile("/srv/Batch.mdf"));
+    }
+}
+
+TEST_F(RenameDatabase, OfFilesWhosePathsTheCodePageLacksChangesNothing) {
+    ado_.Answer("use [Batch] exec sp_helpfile",
+                Rows({{"Batch_Data", 1, kOldData}, {"Batch_Log", 2, "/home/?ukasz/Batch.ldf"}}));
+    EXPECT_FALSE(manager_.RenameDatabase("Batch", "Tmp"));
+    EXPECT_EQ(ado_.Statements(), Lines{"use [Batch] exec sp_helpfile"});
+    EXPECT_EQ(LogLines(), Lines{"CUpgradeDbMgr::RenameDatabase('Batch', 'Tmp')"});
+    EXPECT_EQ(Files(), "xx--");
+}
+
 TEST_F(RenameDatabase, WithoutInformationNothingRunsAndTwoLinesAreLogged) {
     ado_.Answer("use [Batch] exec sp_helpfile", Failing());
     EXPECT_FALSE(manager_.RenameDatabase("Batch", "Tmp"));

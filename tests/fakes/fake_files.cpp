@@ -146,6 +146,10 @@ void WriteWholeFile(const std::string& path, std::string_view content, std::stri
     FakeFiles::Current().AddFile(path, std::string(content).append(tail));
 }
 
+void ReplaceWholeFile(const std::string& path, std::string_view content, std::string_view tail) {
+    WriteWholeFile(path, content, tail);
+}
+
 void AppendToFile(const std::string& path, std::string_view content) {
     FakeFiles::Current().Check("append", path);
     FakeFiles::Current().Record("append", path);

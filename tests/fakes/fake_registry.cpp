@@ -218,7 +218,7 @@ OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::s
     return fakes::Opened(path);
 }
 
-std::int32_t QueryValue(RegistryHandle key, const std::string& name, std::string& buffer) {
+RegistryError QueryValue(RegistryHandle key, const std::string& name, std::string& buffer) {
     fakes::Note("Query " + name);
     if (const auto error = fakes::Failure(RegistryCall::Query); error != kSuccess) {
         return error;
@@ -238,8 +238,8 @@ std::int32_t QueryValue(RegistryHandle key, const std::string& name, std::string
     return kSuccess;
 }
 
-std::int32_t SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
-                      const std::string& data) {
+RegistryError SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
+                       const std::string& data) {
     fakes::Note("Set " + name + " " + std::to_string(type) + " " + data);
     if (const auto error = fakes::Failure(RegistryCall::Set); error != kSuccess) {
         return error;
@@ -269,11 +269,11 @@ OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive) {
     return known ? fakes::Opened(root) : OpenedKey{kBadNetPath};
 }
 
-std::string SystemMessage(std::int32_t error, std::size_t buffer_size) {
+std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     const auto& messages = fakes::TheWorld().messages;
-    const auto found = messages.find(error);
+    const auto found = messages.find(error.number);
     const std::string text =
-        found == messages.end() ? "System error " + std::to_string(error) + ".\r\n" : found->second;
+        found == messages.end() ? "System error " + std::to_string(error.number) + ".\r\n" : found->second;
     return text.size() < buffer_size ? text : std::string{};
 }
 

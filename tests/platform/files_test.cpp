@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -82,6 +83,23 @@ TEST(Files, EveryByteComesBack) {
     EXPECT_EQ(ReadWholeFile(folder / "bytes"), "short");
     WriteWholeFile(folder / "bytes", "");
     EXPECT_EQ(ReadWholeFile(folder / "bytes"), "");
+}
+
+TEST(Files, AFileIsReplacedWholeAndLeavesNothingBeside) {
+    const TempFolder folder;
+    ReplaceWholeFile(folder / "script", "longer than the next", "\r\n");
+    EXPECT_EQ(ReadWholeFile(folder / "script"), "longer than the next\r\n");
+    ReplaceWholeFile(folder / "script", "next");
+    EXPECT_EQ(ReadWholeFile(folder / "script"), "next");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+}
+
+TEST(Files, AFolderIsNotReplacedByAFile) {
+    const TempFolder folder;
+    CreateFolder(folder / "a");
+    EXPECT_EQ(FaultOf([&] { ReplaceWholeFile(folder / "a", "x"); }), FileFault::AccessDenied);
+    EXPECT_EQ(FaultOf([&] { ReplaceWholeFile(folder / "none\\a", "x"); }), FileFault::PathNotFound);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
 }
 
 TEST(Files, AppendingMakesTheFileAndGrowsIt) {

@@ -25,10 +25,10 @@ struct Query {
 Query Read(std::int32_t hive, const std::string& key, const std::string& name, std::size_t size = 400) {
     const OpenedKey opened = OpenKey(hive, key, kKeyQueryValue);
     if (opened.error != kSuccess) {
-        return {opened.error, {}};
+        return {opened.error.number, {}};
     }
     Query query{kSuccess, std::string(size, ' ')};
-    query.error = QueryValue(opened.key, name, query.buffer);
+    query.error = QueryValue(opened.key, name, query.buffer).number;
     EXPECT_EQ(CloseKey(opened.key), kSuccess);
     return query;
 }

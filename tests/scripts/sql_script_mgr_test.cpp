@@ -299,6 +299,7 @@ TEST_F(SqlScriptMgr, TheOutputFileIsNamedAfterTheScript) {
     EXPECT_EQ(OutputFileName(sqlInsertDefaultData, ""), "Insert_Default_Data.txt");
     EXPECT_EQ(OutputFileName(sqlUserDefinedScript, "D:\\Work\\Fix.V2.sql"), "Fix.V2.txt");
     EXPECT_EQ(OutputFileName(sqlUserDefinedScript, "Fix"), "Fix.txt");
+    EXPECT_EQ(OutputFileName(sqlUserDefinedScript, "/home/x.y/Fix.sql"), "Fix.txt");
     EXPECT_EQ(OutputFileName(sqlUserDefinedScript, "D:\\a.b\\Fix"), "Fix.txt");
     EXPECT_EQ(OutputFileName(sqlUserDefinedScript, "Fix."), "Fix.txt");
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "text/code_page.h"
+
 namespace kv {
 namespace {
 
@@ -10,6 +12,8 @@ TEST(Text, UpperAndLowerCaseFollowCodePage1252) {
     const std::string upper = "AZ\x8A\x8C\x8E\x9F\xC0\xC4\xD6\xD8\xDC\xDE";
     const std::string lower = "az\x9A\x9C\x9E\xFF\xE0\xE4\xF6\xF8\xFC\xFE";
     EXPECT_EQ(UpperCase(lower), upper);
+    EXPECT_EQ(UpperCase(platform::Widen(lower)), platform::Widen(upper));
+    EXPECT_EQ(UpperCase(u"\u0142\u00B5"), u"\u0142\u00B5");
     EXPECT_EQ(LowerCase(upper), lower);
     EXPECT_EQ(UpperCase(upper), upper);
     EXPECT_EQ(LowerCase(lower), lower);

@@ -210,5 +210,34 @@ TEST_F(AutomaticInstall, AnUnknownVersionIsAskedForInABox) {
     EXPECT_EQ(LogLines().back(), " : Error in modMain::DoAutomaticUpgrade");
 }
 
+TEST_F(AutomaticInstall, AValueThatTheCodePageLacksIsRefusedByName) {
+    constexpr char kOutside[] = "a\x81"
+                                "141\x9D";
+    struct Case {
+        const char* name;
+        std::string server, user, password, path;
+    };
+    for (const Case& one :
+         {Case{"/server", kOutside, "u", "p", "D:"}, Case{"/user", "S", kOutside, "p", "D:"},
+          Case{"/password", "S", "u", kOutside, "D:"}, Case{"/sqldatapath", "S", "u", "p", kOutside}}) {
+        SCOPED_TRACE(one.name);
+        files_.files.erase(fakes::FakeFiles::Plain(kLogFile));
+        DoAutomaticInstall("S:\\Scripts", one.server, one.user, one.password, one.path, true, true, true);
+        ExpectAbort();
+        EXPECT_EQ(screen_.Behind("label ").back(),
+                  std::string(one.name) + " has characters that code page 1252 lacks. Nothing was changed.");
+    }
+}
+
+TEST_F(AutomaticInstall, AScriptFolderThatTheCodePageLacksIsUsed) {
+    const std::string folder = "S:\\\x81"
+                               "141\x9D";
+    files_.AddFolder(folder);
+    files_.AddFile(folder + "\\Create_Batch_Stored_Procedures.sql", "x");
+    DoAutomaticInstall(folder, "NodeA", "sa", "pw", "", false, true, false);
+    EXPECT_EQ(LogLines(), Lines{});
+    EXPECT_EQ(Executed(), Lines{"Create_Batch_Stored_Procedures"});
+}
+
 } // namespace
 } // namespace kv

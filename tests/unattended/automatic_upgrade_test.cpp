@@ -1,6 +1,9 @@
 // The sequence of the unattended upgrade where nothing stands in its way.
 #include "unattended/automatic_upgrade.h"
 
+#include <algorithm>
+#include <set>
+
 #include "unattended/upgrade_fixture.h"
 
 namespace kv {
@@ -178,20 +181,48 @@ TEST_F(AutomaticUpgrade, NewFilesGoWhereTheOldDataFileLies) {
 }
 
 // Each of the two managers takes one backslash off the end.
-TEST_F(AutomaticUpgrade, DataPathIsCutBehindItsLastBackslash) {
+TEST_F(AutomaticUpgrade, DataPathIsCutAfterItsLastSeparator) {
     struct Case {
         const char* file;
         const char* folder;
     };
-    for (const Case& one : {Case{R"(D:\A\B\Batch.mdf)", R"(D:\A\B)"}, Case{R"(D:\Batch.mdf)", "D:"},
-                            Case{R"(D:\A\\Batch.mdf)", R"(D:\A)"}, Case{R"(\Batch.mdf)", ""},
-                            Case{"Batch.mdf", "Batch.mdf"}, Case{"/a/Batch.mdf", "/a/Batch.mdf"}}) {
+    for (const Case& one :
+         {Case{R"(D:\A\B\Batch.mdf)", R"(D:\A\B)"}, Case{R"(D:\Batch.mdf)", "D:"},
+          Case{R"(D:\A\\Batch.mdf)", R"(D:\A)"}, Case{R"(\Batch.mdf)", ""}, Case{"Batch.mdf", "Batch.mdf"},
+          Case{"/a/b/Batch.mdf", "/a/b"}, Case{"/Batch.mdf", "/"}}) {
         SCOPED_TRACE(one.file);
         AnswerFiles(one.file, kOldLog);
         Run();
         EXPECT_EQ(files_.Content(R"(C:\Lotkeeper\Server\Data\Create_Batch_Database.sql)"),
                   std::string("USE NODEA ") + one.folder + "\r\n\r\n");
     }
+}
+
+TEST_F(AutomaticUpgrade, OfAServerWithSlashesWritesSlashes) {
+    files_.AddFolder("/var/data");
+    files_.AddFile("/var/data/Batch.mdf", "old rows");
+    files_.AddFile("/var/data/Batch.ldf", "old log");
+    AnswerFiles("/var/data/Batch.mdf", "/var/data/Batch.ldf");
+    AnswerFiles("/var/data/Batch.mdf", "/var/data/Batch.ldf");
+    ado_.Answer(kVersionQuery, fakes::Rows({{"1"}}));
+    ado_.Answer(kVersionQuery, fakes::Rows({{"2"}}));
+    Run();
+    EXPECT_TRUE(LogLines().empty());
+    EXPECT_EQ(files_.Content("/var/data/TmpBatchUpgradeDb_data.mdf"), "old rows");
+    const Lines statements = ado_.Statements();
+    EXPECT_EQ(std::count(statements.begin(), statements.end(),
+                         "sp_attach_db N'TmpBatchUpgradeDb', N'/var/data/TmpBatchUpgradeDb_data.mdf', "
+                         "N'/var/data/TmpBatchUpgradeDb_log.ldf'"),
+              1);
+}
+
+TEST_F(AutomaticUpgrade, HasItsLocksFromTheLoginToTheEnd) {
+    std::multiset<std::string> held;
+    ado_.on_errors_read = [&] { held = locks_.held; };
+    RunToTheEnd();
+    EXPECT_EQ(held, (std::multiset<std::string>{R"(Lotkeeper upgrade: program c:\lotkeeper\server)",
+                                                "Lotkeeper upgrade: server nodea"}));
+    EXPECT_TRUE(locks_.held.empty());
 }
 
 TEST_F(AutomaticUpgrade, WithoutPackageFilesTheBarStillMovesAndTheUpgradeFollows) {

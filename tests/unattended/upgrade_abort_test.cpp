@@ -48,8 +48,60 @@ TEST_F(AutomaticUpgradeAbort, EmptyLoginValuesEndTheRun) {
     }
 }
 
+// The second run would remove the temporary database of the first, the only copy of the old data.
+TEST_F(AutomaticUpgradeAbort, WhileAnotherUpgradeRunsNothingIsDone) {
+    for (const char* held : {"server nodea", "program "}) {
+        SCOPED_TRACE(held);
+        ForgetRun();
+        locks_.held_elsewhere = {held};
+        Run();
+        EXPECT_TRUE(ado_.calls.empty());
+        ExpectNothingDone();
+        EXPECT_EQ(LogLines(), Lines{kOwnLine});
+        EXPECT_EQ(screen_.Behind("label ").back(), "Another upgrade is running. Nothing was changed.");
+        EXPECT_TRUE(locks_.held.empty());
+    }
+    locks_.held_elsewhere.clear();
+    RunToTheEnd();
+    EXPECT_EQ(Files(), "--xx");
+}
+
+TEST_F(AutomaticUpgradeAbort, ALoginThatTheCodePageLacksIsRefusedByName) {
+    struct Case {
+        const char* server;
+        const char* user;
+        const char* password;
+        const char* name;
+    };
+    constexpr char kOutside[] = "a\x81"
+                                "141\x9D";
+    for (const Case& one : {Case{kOutside, "u", "p", "ServerName"}, Case{"S", kOutside, "p", "UserID"},
+                            Case{"S", "u", kOutside, "PWD"}}) {
+        SCOPED_TRACE(one.name);
+        ForgetRun();
+        Login(one.server, one.user, one.password);
+        Run();
+        EXPECT_TRUE(ado_.calls.empty());
+        EXPECT_EQ(LogLines(), Lines{kOwnLine});
+        EXPECT_EQ(screen_.Behind("label ").back(),
+                  std::string("The registry's ") + one.name +
+                      " has characters that code page 1252 lacks. Nothing was changed.");
+    }
+}
+
+TEST_F(AutomaticUpgradeAbort, ADataPathThatTheCodePageLacksIsRefusedByName) {
+    AnswerFiles("/home/?ukasz/Batch.mdf", "/home/?ukasz/Batch.ldf");
+    Run();
+    ExpectNothingDone();
+    EXPECT_EQ(LogLines(), Lines{kOwnLine});
+    EXPECT_EQ(screen_.Behind("label ").back(),
+              "The path '/home/?ukasz/Batch.mdf' has characters that code page 1252 "
+              "lacks. Nothing was changed.");
+}
+
 class AutomaticUpgradeWithoutLogin : public ScriptMgrTest {
   protected:
+    fakes::FakeNamedLocks locks_;
     fakes::FakeAdo ado_;
 };
 

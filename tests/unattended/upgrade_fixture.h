@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "fakes/fake_ado.h"
+#include "fakes/fake_named_lock.h"
 #include "fakes/fake_packages.h"
 #include "scripts/script_mgr_fixture.h"
 #include "unattended/automatic_upgrade.h"
@@ -145,6 +146,7 @@ class AutomaticUpgrade : public ScriptMgrTest {
     Lines journal_;
     fakes::FakeAdo ado_;
     fakes::FakePackages packages_;
+    fakes::FakeNamedLocks locks_;
 
   private:
     /// Takes over what the fakes have recorded since the last time. They call it behind whatever of theirs

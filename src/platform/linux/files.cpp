@@ -5,17 +5,23 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <utility>
+#include <memory>
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/linux/descriptor.h"
+#include "platform/linux/file_replacement.h"
 #include "platform/system_text.h"
 
 namespace platform {
 namespace {
+
+constexpr mode_t kAsTheMaskSays = 0666; // as for any file of the user's
+constexpr mode_t kOwnerOnly = 0600;     // until a copy has its rights
 
 std::string NativePath(const std::string& path) {
     std::string native = ToSystemText(path);
@@ -62,51 +68,15 @@ FileFault FaultOf(int error, const std::string& native) {
     throw FileError(FaultOf(error, NativePath(path)), path, error);
 }
 
-class Descriptor {
-  public:
-    Descriptor(const std::string& path, int flags) : path_(path) {
-        constexpr mode_t kMode = 0666; // the user's mask decides, as for any file of the user's
-        do {
-            fd_ = ::open(NativePath(path).c_str(), flags | O_CLOEXEC, kMode);
-        } while (fd_ < 0 && errno == EINTR);
-        if (fd_ < 0) {
-            Fail(path, errno);
-        }
+/// Runs `steps`, whose faults are about `path`.
+template <class Steps>
+auto About(const std::string& path, Steps&& steps) {
+    try {
+        return steps();
+    } catch (const SystemFault& fault) {
+        Fail(path, fault.error);
     }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-        }
-    }
-
-    int Get() const { return fd_; }
-
-    void Write(std::string_view content) const {
-        while (!content.empty()) {
-            const ssize_t written = ::write(fd_, content.data(), content.size());
-            if (written < 0) {
-                if (errno == EINTR) {
-                    continue;
-                }
-                Fail(path_, errno);
-            }
-            content.remove_prefix(static_cast<std::size_t>(written));
-        }
-    }
-
-    /// A full disk may show only here.
-    void Close() {
-        if (::close(std::exchange(fd_, -1)) != 0) {
-            Fail(path_, errno);
-        }
-    }
-
-  private:
-    std::string path_;
-    int fd_ = -1;
-};
+}
 
 std::string ExecutablePath() {
     std::array<char, PATH_MAX> buffer{};
@@ -115,6 +85,13 @@ std::string ExecutablePath() {
         Fail("/proc/self/exe", errno);
     }
     return {buffer.data(), static_cast<std::size_t>(length)};
+}
+
+/// Keeps other processes that append in the same way out for as long as the descriptor is open. Without the
+/// lock, on a file system that has none, appending works all the same.
+void LockWhileOpen(const Descriptor& file) {
+    while (::flock(file.Get(), LOCK_EX) != 0 && errno == EINTR) {
+    }
 }
 
 bool IsKind(const std::string& native, mode_t kind) {
@@ -170,29 +147,23 @@ void CreateFolder(const std::string& path) {
 }
 
 void CopyFileOver(const std::string& from, const std::string& to) {
-    const Descriptor source(from, O_RDONLY);
-    struct stat source_info {};
-    struct stat target_info {};
-    if (::fstat(source.Get(), &source_info) == 0 && ::stat(NativePath(to).c_str(), &target_info) == 0 &&
-        source_info.st_dev == target_info.st_dev && source_info.st_ino == target_info.st_ino) {
-        throw FileError(FileFault::InUse, to, EBUSY); // a copy to itself would cut the file to nothing
+    const Descriptor source = About(from, [&] { return Descriptor(NativePath(from), O_RDONLY); });
+    const struct stat rights = About(from, [&] { return source.Status(); });
+    struct stat old {};
+    if (::stat(NativePath(to).c_str(), &old) == 0 && rights.st_dev == old.st_dev &&
+        rights.st_ino == old.st_ino) {
+        throw FileError(FileFault::InUse, to, EBUSY); // a copy to itself is a mistake of the caller
     }
-    Descriptor target(to, O_WRONLY | O_CREAT | O_TRUNC);
-    std::string buffer(std::size_t{1} << 20U, '\0');
-    for (;;) {
-        const ssize_t count = ::read(source.Get(), buffer.data(), buffer.size());
-        if (count == 0) {
-            break;
+    About(to, [&] {
+        FileReplacement copy(NativePath(to), kOwnerOnly);
+        std::string buffer(std::size_t{1} << 20U, '\0');
+        while (const std::size_t count =
+                   About(from, [&] { return source.Read(buffer.data(), buffer.size()); })) {
+            copy.File().Write({buffer.data(), count});
         }
-        if (count < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            Fail(from, errno);
-        }
-        target.Write({buffer.data(), static_cast<std::size_t>(count)});
-    }
-    target.Close();
+        copy.TakeRights(rights);
+        copy.Place(FileReplacement::Durability::OnTheDisk); // the caller may delete the source next
+    });
 }
 
 void DeleteFileAt(const std::string& path) {
@@ -202,46 +173,43 @@ void DeleteFileAt(const std::string& path) {
 }
 
 std::string ReadWholeFile(const std::string& path) {
-    const Descriptor file(path, O_RDONLY);
-    struct stat info {};
-    if (::fstat(file.Get(), &info) != 0) {
-        Fail(path, errno);
-    }
-    // The size is a hint: a file that grows, or one without a size, is read to its end all the same. One byte
-    // more than the size lets the end be seen without growing, which would hold a large file twice.
-    std::string content(static_cast<std::size_t>(std::max<off_t>(info.st_size, 0)) + 1, '\0');
-    std::size_t filled = 0;
-    for (;;) {
-        if (filled == content.size()) {
-            content.resize(content.size() * 2);
-        }
-        const ssize_t count = ::read(file.Get(), content.data() + filled, content.size() - filled);
-        if (count == 0) {
-            break;
-        }
-        if (count < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            Fail(path, errno);
-        }
-        filled += static_cast<std::size_t>(count);
-    }
-    content.resize(filled);
-    return content;
+    return About(path, [&] { return Descriptor(NativePath(path), O_RDONLY).ReadAll(); });
 }
 
 void WriteWholeFile(const std::string& path, std::string_view content, std::string_view tail) {
-    Descriptor file(path, O_WRONLY | O_CREAT | O_TRUNC);
-    file.Write(content);
-    file.Write(tail);
-    file.Close();
+    About(path, [&] {
+        Descriptor file(NativePath(path), O_WRONLY | O_CREAT | O_TRUNC);
+        file.Write(content);
+        file.Write(tail);
+        file.Close();
+    });
+}
+
+void ReplaceWholeFile(const std::string& path, std::string_view content, std::string_view tail) {
+    About(path, [&] {
+        FileReplacement file(NativePath(path), kAsTheMaskSays);
+        file.File().Write(content);
+        file.File().Write(tail);
+        file.KeepRights();
+        file.Place(FileReplacement::Durability::AsTheSystemLikes);
+    });
 }
 
 void AppendToFile(const std::string& path, std::string_view content) {
-    Descriptor file(path, O_WRONLY | O_CREAT | O_APPEND);
-    file.Write(content);
-    file.Close();
+    About(path, [&] {
+        const Descriptor file(NativePath(path), O_WRONLY | O_CREAT | O_APPEND);
+        LockWhileOpen(file);
+        const struct stat before = file.Status();
+        try {
+            file.Write(content);
+        } catch (const SystemFault&) {
+            // Half a line would have the next one glued to it.
+            if (S_ISREG(before.st_mode) && ::ftruncate(file.Get(), before.st_size) != 0) {
+                ThrowSystemFault();
+            }
+            throw;
+        }
+    });
 }
 
 } // namespace platform

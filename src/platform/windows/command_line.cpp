@@ -4,10 +4,9 @@
 
 namespace platform {
 
-std::string RawCommandLine(const std::vector<std::string>& /*arguments*/,
-                           const std::vector<std::string>& /*path_options*/) {
+std::optional<std::string> RawCommandLine() {
     const std::string line = ::GetCommandLineA();
-    // The program's name ends at its closing quote, or at the first blank where it has none.
+    // The program's name ends at its closing quote, or, without quotes, at the first blank.
     std::size_t end = 0;
     if (!line.empty() && line.front() == '"') {
         end = line.find('"', 1);

@@ -193,8 +193,21 @@ void WriteWholeFile(const std::string& path, std::string_view content, std::stri
     file.Close();
 }
 
+void ReplaceWholeFile(const std::string& path, std::string_view content, std::string_view tail) {
+    const std::string beside = path + "." + std::to_string(::GetCurrentProcessId()) + ".new";
+    try {
+        WriteWholeFile(beside, content, tail);
+        if (::MoveFileExA(beside.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING) == 0) {
+            Fail(path, ::GetLastError());
+        }
+    } catch (const FileError& error) {
+        ::DeleteFileA(beside.c_str());
+        throw FileError(error.Fault(), path, error.SystemError());
+    }
+}
+
 void AppendToFile(const std::string& path, std::string_view content) {
-    // Without GENERIC_WRITE every write goes behind the end, wherever another process has moved it, so that
+    // Without GENERIC_WRITE every write goes to the end, wherever another process has moved it, so that
     // several may have the file open.
     FileHandle file(path, FILE_APPEND_DATA, OPEN_ALWAYS,
                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);

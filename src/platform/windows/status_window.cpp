@@ -7,7 +7,7 @@
 namespace platform {
 namespace {
 
-constexpr char kClassName[] = "KVStatusWindow";
+constexpr char kClassName[] = "StatusWindow";
 constexpr int kTwipsPerInch = 1440;
 constexpr int kProgramIcon = 1; // the icon's number among the resources
 

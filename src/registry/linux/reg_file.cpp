@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "registry/linux/reg_parser.h"
+#include "text/escaped.h"
+#include "text/text.h"
 
 namespace platform {
 namespace {
@@ -59,13 +61,13 @@ bool FitsInQuotes(std::string_view data) {
 
 std::u16string DataText(bool version5, std::uint32_t type, std::string_view data) {
     if (type == kRegTypeText && FitsInQuotes(data)) {
-        return Quoted(FromCodePage1252(data));
+        return Quoted(Utf16FromEscaped(data));
     }
     std::string bytes(data);
     if (IsRegText(type)) {
         bytes += '\0';
         if (version5) {
-            const std::u16string wide = FromCodePage1252(bytes);
+            const std::u16string wide = Utf16FromEscaped(bytes);
             bytes.clear();
             for (const char16_t c : wide) {
                 bytes += static_cast<char>(c & 0xFFU);
@@ -79,7 +81,7 @@ std::u16string DataText(bool version5, std::uint32_t type, std::string_view data
 } // namespace
 
 std::u16string_view HiveName(std::u16string_view name) {
-    const std::u16string folded = FoldCase(name);
+    const std::u16string folded = kv::UpperCase(name);
     const auto* hive = std::find_if(kHives.begin(), kHives.end(), [&](const Hive& h) {
         return folded == h.name || folded == h.short_name;
     });
@@ -89,7 +91,7 @@ std::u16string_view HiveName(std::u16string_view name) {
 RegPath MakeRegPath(std::u16string_view hive, std::string_view subkey) {
     RegPath path(hive);
     bool separated = false;
-    for (const char16_t c : FromCodePage1252(subkey)) {
+    for (const char16_t c : Utf16FromEscaped(subkey)) {
         if (c == u'\\') {
             separated = true;
             continue;
@@ -117,16 +119,16 @@ void RegFile::Index() {
 }
 
 bool RegFile::HasKey(const RegPath& key) const {
-    return keys_.contains(FoldCase(key));
+    return keys_.contains(kv::UpperCase(key));
 }
 
 const RegValue* RegFile::Find(const RegPath& key, std::string_view name) const {
-    const auto found = keys_.find(FoldCase(key));
+    const auto found = keys_.find(kv::UpperCase(key));
     if (found == keys_.end()) {
         return nullptr;
     }
     const auto& values = found->second.values;
-    const auto value = values.find(FoldCase(FromCodePage1252(name)));
+    const auto value = values.find(kv::UpperCase(Utf16FromEscaped(name)));
     return value == values.end() ? nullptr : &value->second.value;
 }
 
@@ -137,14 +139,14 @@ void RegFile::AddKey(const RegPath& key, std::string_view key_class) {
 }
 
 void RegFile::SetValue(const RegPath& key, std::string_view name, std::uint32_t type, std::string_view data) {
-    const std::u16string folded = FoldCase(key);
+    const std::u16string folded = kv::UpperCase(key);
     if (!keys_[folded].last_line_end) {
         AppendSection(key, {});
     }
     const Key& section = keys_[folded];
-    const std::u16string wide_name = FromCodePage1252(name);
+    const std::u16string wide_name = Utf16FromEscaped(name);
     const std::u16string text = DataText(version5_, type, data);
-    const auto value = section.values.find(FoldCase(wide_name));
+    const auto value = section.values.find(kv::UpperCase(wide_name));
     if (value != section.values.end()) {
         Splice(value->second.begin, value->second.end, text);
         return;
@@ -171,7 +173,7 @@ void RegFile::AppendSection(const RegPath& key, std::string_view key_class) {
     }
     section += line_end;
     if (!key_class.empty() && FitsInQuotes(key_class)) {
-        section += u"; class " + Quoted(FromCodePage1252(key_class)) + line_end;
+        section += u"; class " + Quoted(Utf16FromEscaped(key_class)) + line_end;
     }
     section += u'[' + key + u']' + line_end;
     Splice(text_.characters.size(), text_.characters.size(), section);

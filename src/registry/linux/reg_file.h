@@ -22,13 +22,14 @@ RegPath MakeRegPath(std::u16string_view hive, std::string_view subkey);
 
 struct RegValue {
     std::uint32_t type = 0;
-    /// Text in code page 1252 with the NUL that it is stored with, everything else as it is stored.
+    /// Text in code page 1252, with escapes for what that lacks (text/escaped.h), and with the NUL that it is
+    /// stored with; everything else as it is stored.
     std::string bytes;
 };
 
 class RegFile {
   public:
-    /// No key at all; written as Windows exports, "Version 5.00" in UTF-16.
+    /// No key; written as Windows exports, "Version 5.00" in UTF-16.
     RegFile();
     /// Throws RegDamage for a file that Windows did not write and nobody can have meant.
     explicit RegFile(std::string_view bytes);
@@ -44,6 +45,7 @@ class RegFile {
     /// `data` of a text comes without its NUL. The key is made if it is absent.
     void SetValue(const RegPath& key, std::string_view name, std::uint32_t type, std::string_view data);
 
+    /// Throws RegDamage for a text that the file's encoding cannot hold.
     std::string Bytes() const;
 
   private:

@@ -3,6 +3,9 @@
 #include <array>
 #include <utility>
 
+#include "text/escaped.h"
+#include "text/text.h"
+
 namespace platform {
 namespace {
 
@@ -36,7 +39,7 @@ std::string TextFromWide(std::string_view bytes) {
         const auto high = static_cast<unsigned char>(bytes[i + 1]);
         characters += static_cast<char16_t>(low | (unsigned{high} << 8U));
     }
-    return ToCodePage1252(characters);
+    return EscapedFromUtf16(characters);
 }
 
 } // namespace
@@ -130,7 +133,7 @@ std::u16string RegParser::SectionPath(std::u16string_view name) const {
         }
         begin = end + 1;
     }
-    return FoldCase(path);
+    return kv::UpperCase(path);
 }
 
 void RegParser::OpenSection(std::u16string_view name) {
@@ -166,7 +169,7 @@ void RegParser::ReadValue() {
     if (AtChar(u'@')) {
         ++position_;
     } else {
-        name = FoldCase(ReadQuoted());
+        name = kv::UpperCase(ReadQuoted());
     }
     SkipBlanks();
     if (!AtChar(u'=')) {
@@ -197,7 +200,7 @@ void RegParser::ReadValue() {
 
 RegValue RegParser::ReadData() {
     if (AtChar(u'"')) {
-        return {kRegTypeText, ToCodePage1252(ReadQuoted()) + '\0'};
+        return {kRegTypeText, EscapedFromUtf16(ReadQuoted()) + '\0'};
     }
     if (TakeWord(u"dword:")) {
         return ReadNumber();
@@ -294,7 +297,7 @@ unsigned RegParser::ReadHexDigits(std::size_t most) {
 }
 
 bool RegParser::TakeWord(std::u16string_view word) {
-    if (FoldCase(text_.substr(position_, word.size())) != FoldCase(word)) {
+    if (kv::UpperCase(text_.substr(position_, word.size())) != kv::UpperCase(word)) {
         return false;
     }
     position_ += word.size();

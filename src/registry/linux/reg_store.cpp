@@ -1,11 +1,10 @@
 #include "registry/linux/reg_store.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <climits>
-#include <cstdio>
+#include <chrono>
 #include <cstdlib>
-#include <memory>
+#include <cstring>
+#include <map>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -16,9 +15,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/files.h"
+#include "platform/linux/descriptor.h"
+#include "platform/linux/file_replacement.h"
 #include "platform/system_text.h"
+#include "platform/terminal.h"
 #include "registry/linux/config_folder.h"
-#include "registry/registry.h"
+#include "text/text.h"
 
 namespace platform {
 namespace {
@@ -26,36 +29,7 @@ namespace {
 constexpr mode_t kFolderMode = 0700; // passwords lie in the registry in the clear
 constexpr mode_t kFileMode = 0600;
 
-/// A system call on a file failed.
-struct SystemFault {
-    std::int32_t error; ///< the registry's
-    int system_error = 0;
-};
-
-struct Trouble {
-    std::int32_t error = registry_error::kSuccess;
-    std::string text;
-};
-
-Trouble trouble;
-
-std::int32_t Report(std::int32_t error, std::string text) {
-    trouble = {error, std::move(text)};
-    return error;
-}
-
-/// A damaged file takes the log's own folder with it, so it is told where someone may see it, once for each
-/// file and fault.
-std::int32_t ReportDamage(const std::string& path, const RegDamage& damage) {
-    static std::set<std::string> told;
-    const std::string text = path + ", line " + std::to_string(damage.Line()) + ": " + damage.what();
-    if (told.insert(text).second) {
-        std::fprintf(stderr, "Damaged registry file %s\n", text.c_str());
-    }
-    return Report(registry_error::kBadDb, FromSystemText(text));
-}
-
-std::int32_t ErrorOf(int system_error, std::int32_t otherwise) {
+std::int32_t NumberOf(int system_error, std::int32_t otherwise) {
     switch (system_error) {
     case EACCES:
     case EPERM:
@@ -70,38 +44,21 @@ std::int32_t ErrorOf(int system_error, std::int32_t otherwise) {
     }
 }
 
-[[noreturn]] void Fail(std::int32_t otherwise) {
-    throw SystemFault{ErrorOf(errno, otherwise), errno};
-}
-
-class Descriptor {
-  public:
-    Descriptor(const std::string& path, int flags, std::int32_t otherwise)
-        : fd_(::open(path.c_str(), flags | O_CLOEXEC, kFileMode)) {
-        if (fd_ < 0) {
-            Fail(otherwise);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-        }
-    }
-
-    int Get() const { return fd_; }
-
-    /// A full disk may show only here.
-    void Close() {
-        if (::close(std::exchange(fd_, -1)) != 0) {
-            Fail(registry_error::kCantWrite);
-        }
-    }
-
-  private:
-    int fd_;
+/// A step failed: the registry's number for it, and the reason in words.
+struct StepFailure {
+    std::int32_t number;
+    std::string reason;
 };
+
+/// Runs a step; a fault of the system in it counts as `otherwise` unless it has a number of its own.
+template <class Step>
+auto InStep(std::int32_t otherwise, Step&& step) {
+    try {
+        return step();
+    } catch (const SystemFault& fault) {
+        throw StepFailure{NumberOf(fault.error, otherwise), std::strerror(fault.error)};
+    }
+}
 
 std::string FolderOf(const std::string& path) {
     const auto slash = path.find_last_of('/');
@@ -121,148 +78,171 @@ void MakeFolders(const std::string& folder) {
         MakeFolders(parent);
     }
     if (::mkdir(folder.c_str(), kFolderMode) != 0 && errno != EEXIST) {
-        Fail(registry_error::kCantWrite);
+        ThrowSystemFault();
     }
 }
 
-std::string ReadAll(const Descriptor& file) {
-    constexpr std::size_t kPiece = std::size_t{1} << 16U;
-    std::string content;
-    for (;;) {
-        const std::size_t filled = content.size();
-        content.resize(filled + kPiece);
-        const ssize_t count = ::read(file.Get(), content.data() + filled, kPiece);
-        if (count < 0 && errno != EINTR) {
-            Fail(registry_error::kCantRead);
-        }
-        content.resize(filled + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-        if (count == 0) {
-            return content;
-        }
-    }
-}
-
-/// Nothing if there is no such file. What is no plain file is not waited for.
-std::optional<std::string> ReadIfThere(const std::string& path) {
+/// Nothing if there is no such file. Anything but a plain file is not waited for.
+std::optional<Descriptor> OpenIfThere(const std::string& path) {
     try {
-        const Descriptor file(path, O_RDONLY | O_NONBLOCK, registry_error::kCantOpen);
-        struct stat info {};
-        if (::fstat(file.Get(), &info) != 0 || !S_ISREG(info.st_mode)) {
-            throw SystemFault{registry_error::kCantOpen};
+        Descriptor file(path, O_RDONLY | O_NONBLOCK);
+        if (!S_ISREG(file.Status().st_mode)) {
+            throw StepFailure{registry_error::kCantOpen, "it is not a plain file"};
         }
-        return ReadAll(file);
+        return file;
     } catch (const SystemFault& fault) {
-        if (fault.system_error == ENOENT) {
+        if (fault.error == ENOENT) {
             return std::nullopt;
         }
         throw;
     }
 }
 
-/// Throws SystemFault and RegDamage.
-RegFile Load(const std::string& path) {
-    const auto bytes = ReadIfThere(path);
-    return bytes ? RegFile(*bytes) : RegFile();
+std::optional<Descriptor> OpenRegistry(const std::string& path) {
+    return InStep(registry_error::kCantOpen, [&] { return OpenIfThere(path); });
 }
 
-void WriteAll(const Descriptor& file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file.Get(), bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) {
-            Fail(registry_error::kCantWrite);
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    }
+std::string ReadRegistry(const Descriptor& file) {
+    return InStep(registry_error::kCantRead, [&] { return file.ReadAll(); });
 }
 
-/// The new file that is written beside the old one; gone again unless it was put in its place.
-class NewFile {
+/// What tells one state of a file from another.
+struct Stamp {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    std::chrono::nanoseconds written{};
+    std::chrono::nanoseconds changed{};
+
+    friend bool operator==(const Stamp&, const Stamp&) = default;
+};
+
+std::chrono::nanoseconds SinceEpoch(const timespec& time) {
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+Stamp StampOf(const struct stat& info) {
+    return {info.st_dev, info.st_ino, info.st_size, SinceEpoch(info.st_mtim), SinceEpoch(info.st_ctim)};
+}
+
+/// A file that was changed just now may change again without a new time on it: file systems count time in
+/// steps.
+bool IsSettled(const Stamp& stamp) {
+    constexpr std::chrono::seconds kLongestStep(2);
+    return std::chrono::system_clock::now().time_since_epoch() - stamp.changed > kLongestStep;
+}
+
+/// The files that this process has read, by path.
+class LoadedRegistries {
   public:
-    explicit NewFile(const std::string& target)
-        : target_(target),
-          path_(target + ".new"),
-          file_(path_, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, registry_error::kCantWrite) {}
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-    ~NewFile() {
-        if (!placed_) {
-            ::unlink(path_.c_str());
+    LoadedRegistry Load(const std::string& path) {
+        try {
+            const auto file = OpenRegistry(path);
+            return file ? LoadFrom(path, *file) : Missing(path);
+        } catch (const StepFailure& failure) {
+            return {Report(path, failure.number, failure.reason, {}), nullptr, {}};
         }
     }
+    void Forget(const std::string& path) { loaded_.erase(path); }
 
-    void Write(std::string_view bytes) {
-        TakeOwnerAndMode();
-        WriteAll(file_, bytes);
-        if (::fsync(file_.Get()) != 0) {
-            Fail(registry_error::kCantWrite);
+    /// A file that cannot be used may take the log's own folder with it, so it is reported where someone may
+    /// see it, once for each file and reason. `place` is where in the file the trouble is.
+    RegistryError Report(const std::string& path, std::int32_t number, const std::string& reason,
+                         const std::string& place) {
+        const std::string shown = FromSystemText(path);
+        const std::string line = "registry file " + shown + place + ": " + reason + "\n";
+        if (reported_.insert(line).second) {
+            WriteToTerminal(ExecutableName() + ": " + line);
         }
-        file_.Close();
+        return {number, place.empty() ? shown : shown + place + ": " + reason};
     }
-
-    void Place() {
-        if (::rename(path_.c_str(), target_.c_str()) != 0) {
-            Fail(registry_error::kCantWrite);
-        }
-        placed_ = true;
-        // The new file is in place whether or not this makes it last through a power cut.
-        const Descriptor folder(FolderOf(target_), O_RDONLY | O_DIRECTORY, registry_error::kCantWrite);
-        ::fsync(folder.Get());
+    RegistryError Report(const std::string& path, const RegDamage& damage) {
+        return Report(path, registry_error::kBadDb, damage.what(), ", line " + std::to_string(damage.Line()));
     }
 
   private:
-    void TakeOwnerAndMode() {
-        struct stat old {};
-        if (::stat(target_.c_str(), &old) != 0) {
-            return;
+    struct Entry {
+        Stamp stamp;
+        bool settled = false; ///< when it was read
+        LoadedRegistry registry;
+    };
+
+    LoadedRegistry LoadFrom(const std::string& path, const Descriptor& file) {
+        const Stamp stamp = StampOf(InStep(registry_error::kCantRead, [&] { return file.Status(); }));
+        const auto known = loaded_.find(path);
+        if (known != loaded_.end() && known->second.settled && known->second.stamp == stamp) {
+            return known->second.registry;
         }
-        constexpr mode_t kPermissions = 07777;
-        const bool owned = ::fchown(file_.Get(), old.st_uid, old.st_gid) == 0;
-        // Another's group must not get what was meant for the old one.
-        const mode_t mode = owned ? old.st_mode & kPermissions : old.st_mode & S_IRWXU;
-        if (::fchmod(file_.Get(), mode) != 0) {
-            Fail(registry_error::kCantWrite);
+        Entry entry{stamp, IsSettled(stamp), {}};
+        try {
+            entry.registry.file = std::make_shared<const RegFile>(ReadRegistry(file));
+            entry.registry.missing_key = registry_error::kFileNotFound;
+        } catch (const RegDamage& damage) {
+            entry.registry.error = Report(path, damage);
         }
+        return loaded_.insert_or_assign(path, std::move(entry)).first->second.registry;
     }
 
-    std::string target_;
-    std::string path_;
-    Descriptor file_;
-    bool placed_ = false;
+    LoadedRegistry Missing(const std::string& path) {
+        const char* const reason = path.empty() ? "the user has no home folder" : "it does not exist";
+        return {
+            {}, std::make_shared<const RegFile>(), Report(path, registry_error::kFileNotFound, reason, {})};
+    }
+
+    std::map<std::string, Entry> loaded_;
+    std::set<std::string> reported_;
 };
 
-/// Renaming over a symbolic link would leave the file that it points to as it was.
+LoadedRegistries& TheRegistries() {
+    static LoadedRegistries registries;
+    return registries;
+}
+
+Descriptor Locked(const std::string& path) {
+    Descriptor lock(path + ".lock", O_RDWR | O_CREAT, kFileMode);
+    while (::flock(lock.Get(), LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            ThrowSystemFault();
+        }
+    }
+    return lock;
+}
+
+void Replace(const std::string& path, const std::string& bytes) {
+    FileReplacement replacement(path, kFileMode);
+    replacement.KeepRights();
+    replacement.File().Write(bytes);
+    replacement.Place(FileReplacement::Durability::OnTheDisk);
+}
+
+/// The file's content after the change; throws RegDamage for the file and StepFailure for the change.
+std::optional<std::string> Changed(const std::string& path, const std::function<void(RegFile&)>& change) {
+    const auto open = OpenRegistry(path);
+    RegFile file = open ? RegFile(ReadRegistry(*open)) : RegFile();
+    const std::string before = file.Bytes();
+    try {
+        change(file);
+        std::string after = file.Bytes();
+        return after == before ? std::nullopt : std::optional(std::move(after));
+    } catch (const RegDamage& damage) {
+        throw StepFailure{registry_error::kInvalidParameter, damage.what()};
+    }
+}
+
+/// Two names of one file have one lock.
 std::string Resolved(const std::string& path) {
     const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
     return real ? real.get() : path;
 }
 
 void Change(const std::string& named, const std::function<void(RegFile&)>& change) {
-    MakeFolders(FolderOf(named));
+    const auto write = [](auto&& step) { return InStep(registry_error::kCantWrite, step); };
+    write([&] { MakeFolders(FolderOf(named)); });
     const std::string path = Resolved(named);
-    const Descriptor lock(path + ".lock", O_RDWR | O_CREAT, registry_error::kCantWrite);
-    while (::flock(lock.Get(), LOCK_EX) != 0) {
-        if (errno != EINTR) {
-            Fail(registry_error::kCantWrite);
-        }
+    const Descriptor lock = write([&] { return Locked(path); });
+    if (const auto bytes = Changed(path, change)) {
+        write([&] { Replace(path, *bytes); });
     }
-    RegFile file = Load(path);
-    // A rename asks for rights on the folder only, and the file may be closed to the user.
-    if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0 && errno != ENOENT) {
-        Fail(registry_error::kCantWrite);
-    }
-    const std::string before = file.Bytes();
-    try {
-        change(file);
-    } catch (const RegDamage&) {
-        throw SystemFault{registry_error::kInvalidParameter};
-    }
-    const std::string after = file.Bytes();
-    if (after == before) {
-        return;
-    }
-    NewFile replacement(path);
-    replacement.Write(after);
-    replacement.Place();
 }
 
 } // namespace
@@ -281,50 +261,34 @@ std::optional<std::string> RemoteRegistryPath(const std::string& computer) {
     if (begin == std::string::npos) {
         return std::nullopt;
     }
-    const std::u16string wanted = FoldCase(FromCodePage1252(computer.substr(begin) + ".reg"));
+    const std::string wanted = kv::UpperCase(computer.substr(begin) + ".reg");
     const std::string folder = FolderOf(LocalRegistryPath()) + "/computers";
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), &::closedir);
     if (!stream) {
         return std::nullopt;
     }
     while (const dirent* entry = ::readdir(stream.get())) {
-        if (FoldCase(FromCodePage1252(FromSystemText(entry->d_name))) == wanted) {
+        if (kv::UpperCase(FromSystemText(entry->d_name)) == wanted) {
             return folder + "/" + entry->d_name;
         }
     }
     return std::nullopt;
 }
 
-std::int32_t LoadRegistry(const std::string& path, RegFile& file) {
-    ForgetRegistryTrouble();
-    try {
-        file = Load(path);
-        return registry_error::kSuccess;
-    } catch (const RegDamage& damage) {
-        return ReportDamage(path, damage);
-    } catch (const SystemFault& fault) {
-        return Report(fault.error, FromSystemText(path));
-    }
+LoadedRegistry LoadRegistry(const std::string& path) {
+    return TheRegistries().Load(path);
 }
 
-std::int32_t ChangeRegistry(const std::string& path, const std::function<void(RegFile&)>& change) {
-    ForgetRegistryTrouble();
+RegistryError ChangeRegistry(const std::string& path, const std::function<void(RegFile&)>& change) {
+    TheRegistries().Forget(path);
     try {
         Change(path, change);
         return registry_error::kSuccess;
     } catch (const RegDamage& damage) {
-        return ReportDamage(path, damage);
-    } catch (const SystemFault& fault) {
-        return Report(fault.error, FromSystemText(path));
+        return TheRegistries().Report(path, damage);
+    } catch (const StepFailure& failure) {
+        return {failure.number, FromSystemText(path)};
     }
-}
-
-std::string RegistryTrouble(std::int32_t error) {
-    return trouble.error == error ? trouble.text : std::string{};
-}
-
-void ForgetRegistryTrouble() {
-    trouble = {};
 }
 
 } // namespace platform

@@ -2,12 +2,13 @@
 // so that neither a full disk nor another process's change costs anything. Errors are the platform's numbers.
 #pragma once
 
-#include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "registry/linux/reg_file.h"
+#include "registry/registry.h"
 
 namespace platform {
 
@@ -18,16 +19,19 @@ std::string LocalRegistryPath();
 /// if there is none.
 std::optional<std::string> RemoteRegistryPath(const std::string& computer);
 
-/// Reads a file into `file`. A missing file is an empty registry.
-std::int32_t LoadRegistry(const std::string& path, RegFile& file);
+/// A file as a call finds it. It does not change; a change makes a new one.
+struct LoadedRegistry {
+    RegistryError error;
+    std::shared_ptr<const RegFile> file; ///< not null if error is 0; a missing file is an empty registry
+    RegistryError missing_key; ///< the error for a key that is not in it: it says so if there is no file
+};
+
+/// Reads the file, or gives what the last call has read, if the file has not changed since. A file that is
+/// missing or cannot be used is reported on the terminal, once.
+LoadedRegistry LoadRegistry(const std::string& path);
 
 /// Reads the file, changes it and puts the new one in its place, with no other process's change between. The
 /// file stays as it is unless the result is 0.
-std::int32_t ChangeRegistry(const std::string& path, const std::function<void(RegFile&)>& change);
-
-/// What is wrong with a file, if the last call above failed with this error: the system's text goes on with
-/// it. Empty if there is nothing to add.
-std::string RegistryTrouble(std::int32_t error);
-void ForgetRegistryTrouble();
+RegistryError ChangeRegistry(const std::string& path, const std::function<void(RegFile&)>& change);
 
 } // namespace platform

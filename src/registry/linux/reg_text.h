@@ -35,16 +35,10 @@ struct RegText {
     std::u16string characters;
 };
 
-/// Throws RegDamage if the bytes are no text in any of the encodings. Every character that an encoding has
+/// Throws RegDamage if the bytes are not text in any of the encodings. Every character that an encoding has
 /// comes back as it was, half surrogate pairs included.
 RegText DecodeRegText(std::string_view bytes);
+/// Throws RegDamage for a character that the encoding lacks.
 std::string EncodeRegText(const RegText& text);
-
-/// Code page 1252 as Windows maps it: all 256 bytes have a character. A character that has no byte is "?".
-std::u16string FromCodePage1252(std::string_view bytes);
-std::string ToCodePage1252(std::u16string_view characters);
-
-/// The same text for names that differ in upper and lower case only, for the letters of code page 1252.
-std::u16string FoldCase(std::u16string_view name);
 
 } // namespace platform

@@ -105,31 +105,29 @@ std::string Shortened(std::string text, std::size_t most) {
 } // namespace
 
 OpenedKey OpenKey(RegistryHandle root, const std::string& subkey, std::uint32_t access) {
-    ForgetRegistryTrouble();
     const auto parent = Find(root);
     if (!parent) {
         return {kInvalidHandle};
     }
     Key key{parent->file, MakeRegPath(parent->path, Text(subkey)), access};
-    RegFile file;
-    if (const std::int32_t error = LoadRegistry(key.file, file); error != kSuccess) {
-        return {error};
+    const LoadedRegistry registry = LoadRegistry(key.file);
+    if (registry.error != kSuccess) {
+        return {registry.error};
     }
-    if (!IsHive(key.path) && !file.HasKey(key.path)) {
-        return {kFileNotFound};
+    if (!IsHive(key.path) && !registry.file->HasKey(key.path)) {
+        return {registry.missing_key};
     }
     return Open(std::move(key));
 }
 
 OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::string& key_class,
                     std::uint32_t access) {
-    ForgetRegistryTrouble();
     const auto parent = Find(root);
     if (!parent) {
         return {kInvalidHandle};
     }
     Key key{parent->file, MakeRegPath(parent->path, Text(subkey)), access};
-    const std::int32_t error = ChangeRegistry(key.file, [&](RegFile& file) {
+    const RegistryError error = ChangeRegistry(key.file, [&](RegFile& file) {
         if (!IsHive(key.path)) {
             file.AddKey(key.path, Text(key_class));
         }
@@ -137,8 +135,7 @@ OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::s
     return error == kSuccess ? Open(std::move(key)) : OpenedKey{error};
 }
 
-std::int32_t QueryValue(RegistryHandle key, const std::string& name, std::string& buffer) {
-    ForgetRegistryTrouble();
+RegistryError QueryValue(RegistryHandle key, const std::string& name, std::string& buffer) {
     const auto open = Find(key);
     if (!open) {
         return kInvalidHandle;
@@ -146,11 +143,11 @@ std::int32_t QueryValue(RegistryHandle key, const std::string& name, std::string
     if ((open->access & kKeyQueryValue) == 0) {
         return kAccessDenied;
     }
-    RegFile file;
-    if (const std::int32_t error = LoadRegistry(open->file, file); error != kSuccess) {
-        return error;
+    const LoadedRegistry registry = LoadRegistry(open->file);
+    if (registry.error != kSuccess) {
+        return registry.error;
     }
-    const RegValue* value = file.Find(open->path, Text(name));
+    const RegValue* value = registry.file->Find(open->path, Text(name));
     if (value == nullptr) {
         return kFileNotFound;
     }
@@ -167,9 +164,8 @@ std::int32_t QueryValue(RegistryHandle key, const std::string& name, std::string
     return kSuccess;
 }
 
-std::int32_t SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
-                      const std::string& data) {
-    ForgetRegistryTrouble();
+RegistryError SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
+                       const std::string& data) {
     const auto open = Find(key);
     if (!open) {
         return kInvalidHandle;
@@ -189,7 +185,6 @@ std::int32_t CloseKey(RegistryHandle key) {
 }
 
 OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive) {
-    ForgetRegistryTrouble();
     const std::u16string_view hive_name = HiveOf(hive);
     if (hive_name.empty()) {
         return {kInvalidHandle};
@@ -205,22 +200,21 @@ OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive) {
     return {kBadNetPath};
 }
 
-std::string SystemMessage(std::int32_t error, std::size_t buffer_size) {
+std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     constexpr std::string_view kLineEnd = "\r\n";
     constexpr std::size_t kFixed = 3; // the line end and the NUL that the buffer takes too
-    const auto* message =
-        std::find_if(kMessages.begin(), kMessages.end(), [&](const Message& m) { return m.error == error; });
+    const auto* message = std::find_if(kMessages.begin(), kMessages.end(),
+                                       [&](const Message& m) { return m.error == error.number; });
     if (message == kMessages.end() || message->text.size() + kFixed > buffer_size) {
         return {};
     }
     std::string text(message->text);
-    const std::string trouble = RegistryTrouble(error);
     const std::size_t room = buffer_size - kFixed - text.size();
-    constexpr std::size_t kLeast = 20; // less of it would tell nobody anything
-    if (!trouble.empty() && room > kLeast) {
+    constexpr std::size_t kLeast = 20; // less of it would be of no use
+    if (!error.detail.empty() && room > kLeast) {
         text.back() = ':';
         text += ' ';
-        text += Shortened(trouble, room - 1);
+        text += Shortened(error.detail, room - 1);
     }
     return text.append(kLineEnd);
 }

@@ -1,19 +1,17 @@
-// The file is a list of "[section]" lines with "key=text" lines under them. A text begins behind the "=" and
+// The file is a list of "[section]" lines with "key=text" lines under them. A text begins after the "=" and
 // ends with the line, its blanks belong to it, and its bytes are kept as they are.
 #include "registry/user_settings.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <optional>
 #include <system_error>
 #include <vector>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include "platform/linux/descriptor.h"
+#include "platform/linux/file_replacement.h"
 #include "registry/linux/config_folder.h"
 
 namespace platform {
@@ -26,7 +24,7 @@ std::filesystem::path FolderOf(const std::string& application) {
     return folder.empty() ? std::filesystem::path() : std::filesystem::path(folder) / application;
 }
 
-/// A file that is not there has no lines; nothing for one that cannot be read to its end.
+/// A file that is not there has no lines. Returns nothing for one that cannot be read to its end.
 std::optional<Lines> ReadLines(const std::filesystem::path& file) {
     Lines lines;
     std::error_code error;
@@ -84,32 +82,22 @@ void SetLine(Lines& lines, const std::string& section, const std::string& key, c
     }
 }
 
-/// Passwords lie in the file in the clear: it belongs to its user alone from its first byte on.
+/// Passwords lie in the file in the clear: it belongs to its user alone from its first byte on, whatever the
+/// rights of the one that it replaces.
 bool ReplaceFile(const std::filesystem::path& file, const Lines& lines) {
     constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
-    const std::string fresh = file.string() + ".new";
-    ::unlink(fresh.c_str());
-    const int descriptor =
-        ::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly);
-    if (descriptor < 0) {
-        return false;
-    }
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(::fdopen(descriptor, "wb"), &std::fclose);
-    if (!stream) {
-        ::close(descriptor);
-        return false;
-    }
+    std::string content;
     for (const std::string& line : lines) {
-        std::fwrite(line.data(), 1, line.size(), stream.get());
-        std::fputc('\n', stream.get());
+        content += line + '\n';
     }
-    const bool written = std::ferror(stream.get()) == 0;
-    const bool closed = std::fclose(stream.release()) == 0;
-    if (!written || !closed || ::rename(fresh.c_str(), file.c_str()) != 0) {
-        ::unlink(fresh.c_str());
+    try {
+        FileReplacement replacement(file.string(), kOwnerOnly);
+        replacement.File().Write(content);
+        replacement.Place(FileReplacement::Durability::AsTheSystemLikes);
+        return true;
+    } catch (const SystemFault&) {
         return false;
     }
-    return true;
 }
 
 } // namespace

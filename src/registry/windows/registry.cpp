@@ -11,7 +11,7 @@ HKEY Native(RegistryHandle key) {
 }
 
 OpenedKey Opened(LSTATUS error, HKEY key) {
-    return {static_cast<std::int32_t>(error), reinterpret_cast<RegistryHandle>(key)};
+    return {RegistryError(static_cast<std::int32_t>(error)), reinterpret_cast<RegistryHandle>(key)};
 }
 
 } // namespace
@@ -34,14 +34,14 @@ OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::s
     return Opened(error, key);
 }
 
-std::int32_t QueryValue(RegistryHandle key, const std::string& name, std::string& buffer) {
+RegistryError QueryValue(RegistryHandle key, const std::string& name, std::string& buffer) {
     auto size = static_cast<DWORD>(buffer.size());
     return static_cast<std::int32_t>(::RegQueryValueExA(Native(key), name.c_str(), nullptr, nullptr,
                                                         reinterpret_cast<BYTE*>(buffer.data()), &size));
 }
 
-std::int32_t SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
-                      const std::string& data) {
+RegistryError SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
+                       const std::string& data) {
     return static_cast<std::int32_t>(::RegSetValueExA(Native(key), name.c_str(), 0, type,
                                                       reinterpret_cast<const BYTE*>(data.c_str()),
                                                       static_cast<DWORD>(data.size())));
@@ -57,10 +57,11 @@ OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive) {
     return Opened(error, root);
 }
 
-std::string SystemMessage(std::int32_t error, std::size_t buffer_size) {
+std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     std::string buffer(buffer_size, ' ');
-    const DWORD length = ::FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, static_cast<DWORD>(error), 0,
-                                          buffer.data(), static_cast<DWORD>(buffer.size()), nullptr);
+    const DWORD length =
+        ::FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, static_cast<DWORD>(error.number), 0,
+                         buffer.data(), static_cast<DWORD>(buffer.size()), nullptr);
     buffer.resize(length);
     return buffer;
 }

@@ -20,7 +20,7 @@ std::string ReadUserSetting(const std::string& application, const std::string& s
         return otherwise;
     }
     std::string buffer(kLongestText, '\0');
-    const std::int32_t error = QueryValue(opened.key, key, buffer);
+    const RegistryError error = QueryValue(opened.key, key, buffer);
     CloseKey(opened.key);
     return error == registry_error::kSuccess ? buffer.substr(0, buffer.find('\0')) : otherwise;
 }
@@ -35,7 +35,7 @@ bool WriteUserSetting(const std::string& application, const std::string& section
     if (opened.error != registry_error::kSuccess) {
         return false;
     }
-    const std::int32_t error = SetValue(opened.key, key, kRegSz, value);
+    const RegistryError error = SetValue(opened.key, key, kRegSz, value);
     CloseKey(opened.key);
     return error == registry_error::kSuccess;
 }

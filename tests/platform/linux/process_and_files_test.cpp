@@ -1,13 +1,22 @@
 // What this system's processes and files owe beyond what both systems promise.
+#include <algorithm>
 #include <array>
+#include <csignal>
+#include <filesystem>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include "platform/files.h"
+#include "platform/named_lock.h"
 #include "platform/process.h"
 #include "support/temp_folder.h"
 
@@ -82,6 +91,174 @@ TEST(LinuxFiles, ARunningProgramsFileIsInUse) {
 
 TEST(LinuxFiles, AFullDiskIsToldApart) {
     EXPECT_EQ(FaultOfAppending("/dev/full", "x"), FileFault::DiskFull);
+}
+
+/// What `body` gives in a process of its own whose files may grow to `bytes`.
+int WithLimit(rlim_t bytes, const std::function<bool()>& body) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const rlimit limit{bytes, bytes};
+        ::_exit(::setrlimit(RLIMIT_FSIZE, &limit) == 0 && body() ? 1 : 0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+template <class Call>
+bool FailsAsFull(Call&& call) {
+    try {
+        call();
+    } catch (const FileError& error) {
+        return error.Fault() == FileFault::DiskFull;
+    }
+    return false;
+}
+
+std::vector<std::string> NamesIn(const TempFolder& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+constexpr rlim_t kLimit = 4096;
+const std::string kTooLong(10000, 'x');
+
+TEST(LinuxFiles, AFileThatMayNotGrowIsNotReplacedByHalfOfTheNewOne) {
+    const TempFolder folder;
+    WriteWholeFile(folder / "script", "old");
+    EXPECT_EQ(WithLimit(kLimit,
+                        [&] { return FailsAsFull([&] { ReplaceWholeFile(folder / "script", kTooLong); }); }),
+              1);
+    EXPECT_EQ(
+        WithLimit(kLimit, [&] { return FailsAsFull([&] { ReplaceWholeFile(folder / "new", kTooLong); }); }),
+        1);
+    EXPECT_EQ(ReadWholeFile(folder / "script"), "old");
+    EXPECT_EQ(NamesIn(folder), std::vector<std::string>{"script"});
+}
+
+TEST(LinuxFiles, ALogThatMayNotGrowHasNoHalfLine) {
+    const TempFolder folder;
+    const std::string log(kLimit - 10, 'l');
+    WriteWholeFile(folder / "log", log);
+    EXPECT_EQ(WithLimit(kLimit, [&] { return FailsAsFull([&] { AppendToFile(folder / "log", kTooLong); }); }),
+              1);
+    EXPECT_EQ(ReadWholeFile(folder / "log"), log);
+}
+
+TEST(LinuxFiles, ACopyThatMayNotGrowLeavesTheTarget) {
+    const TempFolder folder;
+    WriteWholeFile(folder / "from", kTooLong);
+    WriteWholeFile(folder / "to", "old");
+    EXPECT_EQ(
+        WithLimit(kLimit, [&] { return FailsAsFull([&] { CopyFileOver(folder / "from", folder / "to"); }); }),
+        1);
+    EXPECT_EQ(ReadWholeFile(folder / "to"), "old");
+    EXPECT_EQ(NamesIn(folder), (std::vector<std::string>{"from", "to"}));
+}
+
+struct stat StatusOf(const std::filesystem::path& path) {
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0);
+    return status;
+}
+
+constexpr mode_t kPermissions = 07777;
+
+TEST(LinuxFiles, ACopyHasTheRightsOfItsSource) {
+    const TempFolder folder;
+    for (const mode_t mode : {0600U, 0640U, 0660U, 0644U}) {
+        WriteWholeFile(folder / "from", "x");
+        ASSERT_EQ(::chmod((folder.Path() / "from").c_str(), mode), 0);
+        CopyFileOver(folder / "from", folder / "to");
+        EXPECT_EQ(StatusOf(folder.Path() / "to").st_mode & kPermissions, mode);
+    }
+}
+
+TEST(LinuxFiles, ACopyHasTheOwnerOfItsSourceWhereTheUserMayGiveIt) {
+    const TempFolder folder;
+    WriteWholeFile(folder / "from", "x");
+    constexpr uid_t kOther = 12345;
+    const bool given = ::chown((folder.Path() / "from").c_str(), kOther, kOther) == 0;
+    CopyFileOver(folder / "from", folder / "to");
+    EXPECT_EQ(StatusOf(folder.Path() / "to").st_uid, given ? kOther : ::geteuid());
+    EXPECT_EQ(StatusOf(folder.Path() / "to").st_gid, given ? kOther : ::getegid());
+}
+
+TEST(LinuxFiles, AReplacedFileKeepsItsRightsAndANewOneHasTheUsers) {
+    const TempFolder folder;
+    const mode_t mask = ::umask(027);
+    ReplaceWholeFile(folder / "script", "1");
+    ::umask(mask);
+    EXPECT_EQ(StatusOf(folder.Path() / "script").st_mode & kPermissions, 0640U);
+    ASSERT_EQ(::chmod((folder.Path() / "script").c_str(), 0600), 0);
+    ReplaceWholeFile(folder / "script", "2");
+    EXPECT_EQ(StatusOf(folder.Path() / "script").st_mode & kPermissions, 0600U);
+}
+
+TEST(LinuxFiles, AReplacedFileBehindALinkStaysThere) {
+    const TempFolder folder;
+    WriteWholeFile(folder / "real", "1");
+    std::filesystem::create_symlink(folder.Path() / "real", folder.Path() / "link");
+    ReplaceWholeFile(folder / "link", "2");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.Path() / "link"));
+    EXPECT_EQ(ReadWholeFile(folder / "real"), "2");
+}
+
+/// A process of its own that has the lock until it is killed.
+class LockHolder {
+  public:
+    explicit LockHolder(const std::string& name) {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(::pipe(ends.data()), 0);
+        child_ = ::fork();
+        if (child_ == 0) {
+            const auto lock = TryLock(name);
+            const char got = lock ? 'y' : 'n';
+            (void)!::write(ends[1], &got, 1);
+            ::pause();
+            ::_exit(0);
+        }
+        char got = '\0';
+        EXPECT_EQ(::read(ends[0], &got, 1), 1);
+        EXPECT_EQ(got, 'y');
+        ::close(ends[0]);
+        ::close(ends[1]);
+    }
+    LockHolder(const LockHolder&) = delete;
+    LockHolder& operator=(const LockHolder&) = delete;
+    ~LockHolder() {
+        ::kill(child_, SIGKILL);
+        ::waitpid(child_, nullptr, 0);
+    }
+
+  private:
+    pid_t child_ = -1;
+};
+
+TEST(LinuxLock, OfAKilledProcessIsFree) {
+    const std::string name = "test " + std::to_string(::getpid());
+    {
+        const LockHolder holder(name);
+        EXPECT_EQ(TryLock(name), nullptr);
+    }
+    EXPECT_NE(TryLock(name), nullptr);
+}
+
+TEST(LinuxLock, IsNotHandedToAStartedProgram) {
+    const std::string name = "test " + std::to_string(::getpid());
+    auto lock = TryLock(name);
+    ShellExecuteInfo info;
+    info.mask = kNoCloseProcess;
+    info.file = "/bin/sh";
+    info.parameters = "-c \"sleep 60\"";
+    std::unique_ptr<Process> process;
+    ASSERT_TRUE(ShellExecuteProgram(info, process));
+    lock.reset();
+    EXPECT_NE(TryLock(name), nullptr);
 }
 
 } // namespace

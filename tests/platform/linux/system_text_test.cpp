@@ -5,6 +5,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ constexpr const char* kInside = "Pr\xFC"
 constexpr const char* kOutside = "Pr\xC3\xBC"
                                  "f \xE2\x82\xAC";
 constexpr const char* kGreek = "\xCE\xA9";       // no character of the code page
-constexpr const char* kHalf = "\xC3\xBC \xFC x"; // neither the one nor the other
+constexpr const char* kHalf = "\xC3\xBC \xFC x"; // UTF-8 and a byte that is not
 
 TEST(SystemText, IsTakenIntoTheCodePageAndBack) {
     EXPECT_EQ(FromSystemText(kOutside), kInside);
@@ -33,20 +34,22 @@ TEST(SystemText, IsTakenIntoTheCodePageAndBack) {
     EXPECT_EQ(ToSystemText(""), "");
 }
 
-TEST(SystemText, StaysWhereTheCodePageLacksACharacter) {
-    EXPECT_EQ(FromSystemText(kGreek), kGreek);
-    EXPECT_EQ(ToSystemText(kGreek), kGreek);
+TEST(SystemText, ThatTheCodePageLacksIsEscapedAndComesBack) {
+    for (const char* text : {kGreek, kInside, kHalf}) {
+        EXPECT_EQ(ToSystemText(FromSystemText(text)), text);
+    }
 }
 
-TEST(SystemText, ThatIsNoUtf8IsTakenForTheCodePages) {
-    EXPECT_EQ(FromSystemText(kInside), kInside);
-    EXPECT_EQ(FromSystemText(kHalf), kHalf);
+TEST(SystemText, OfTheCodePageIsNeverTakenForUtf8) {
+    EXPECT_EQ(ToSystemText("\xC3\xA4"), "\xC3\x83\xC2\xA4");
+    EXPECT_EQ(FromSystemText("\xC3\x83\xC2\xA4"), "\xC3\xA4");
 }
 
 TEST(SystemText, OfArgumentsComesInTheCodePage) {
-    EXPECT_EQ(
-        RawCommandLine({"/scriptfolder", std::string("/") + kOutside, "/user", kGreek}, {"scriptfolder"}),
-        std::string("/scriptfolder \"\\") + kInside + "\" /user " + kGreek);
+    const char* const arguments[] = {"program", kOutside, "plain"};
+    EXPECT_EQ(ProgramArguments(3, arguments), (std::vector<std::string>{kInside, "plain"}));
+    EXPECT_EQ(ProgramArguments(0, nullptr), std::vector<std::string>{});
+    EXPECT_EQ(RawCommandLine(), std::nullopt);
 }
 
 TEST(SystemText, OfFilesIsWrittenAsTheSystemWritesIt) {
@@ -58,7 +61,7 @@ TEST(SystemText, OfFilesIsWrittenAsTheSystemWritesIt) {
     EXPECT_TRUE(FolderExists(folder / kInside));
     EXPECT_TRUE(FolderHoldsFile(folder / kInside));
     EXPECT_EQ(ReadWholeFile(folder / kInside + "\\" + kInside), "ab");
-    CopyFileOver(folder / kInside + "\\" + kInside, folder / kGreek);
+    CopyFileOver(folder / kInside + "\\" + kInside, folder / FromSystemText(kGreek));
     EXPECT_TRUE(fs::is_regular_file(folder.Path() / kGreek));
     DeleteFileAt(folder / kInside + "\\" + kInside);
     EXPECT_FALSE(FileExists(folder / kInside + "\\" + kInside));
@@ -78,13 +81,13 @@ TEST(SystemText, OfAStartedProgramIsTheSystems) {
     ShellExecuteInfo info;
     info.mask = kNoCloseProcess;
     info.file = '"' + (folder / kInside) + "\\OSQL.EXE\"";
-    info.parameters = std::string(" -P ") + kInside + " -o \"" + (folder / "out.txt") + '"';
+    info.parameters = std::string(" -P \xC3\xA4 -P ") + kInside + " -o \"" + (folder / "out.txt") + '"';
     std::unique_ptr<Process> process;
     ASSERT_TRUE(ShellExecuteProgram(info, process));
     ASSERT_NE(process, nullptr);
     process->Wait(kInfiniteWait);
     const std::string written = ReadWholeFile(folder / "out.txt");
-    EXPECT_TRUE(written.starts_with("[-P]\n[Pr\xC3\xBC"
+    EXPECT_TRUE(written.starts_with("[-P]\n[\xC3\x83\xC2\xA4]\n[-P]\n[Pr\xC3\xBC"
                                     "f]\n[\xE2\x82\xAC]\n"))
         << written;
 }

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "text/escaped.h"
+
 namespace {
 
 using namespace platform;
@@ -21,7 +23,7 @@ std::string Utf16(const std::u16string& text) {
 }
 
 std::u16string Wide(const std::string& text) {
-    return FromCodePage1252(text);
+    return Utf16FromEscaped(text);
 }
 
 /// The stored bytes; "none" if there is no such value.
@@ -65,9 +67,11 @@ TEST(RegFile, ReadsVersion5ThatIsNoUtf8InTheEightBitCodePage) {
     EXPECT_EQ(TextOf(RegFile(kVersion5 + "[HKLM\\A]\n\"v\"=\"Z\xFCrich\"\n"), "A", "v"), "Z\xFCrich");
 }
 
-TEST(RegFile, GivesAQuestionMarkForACharacterOutsideTheCodePage) {
+TEST(RegFile, EscapesACharacterOutsideTheCodePage) {
     EXPECT_EQ(TextOf(RegFile(Utf16(Wide(kVersion5) + u"[HKLM\\A]\r\n\"v\"=\"a\u0416b\"\r\n")), "A", "v"),
-              "a?b");
+              "a\x81"
+              "416\x9D"
+              "b");
 }
 
 TEST(RegFile, PassesOverCommentsBlankLinesAndBlanks) {

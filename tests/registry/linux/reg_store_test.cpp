@@ -21,6 +21,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/system_text.h"
+#include "registry/linux/reg_store.h"
 #include "registry/registry.h"
 
 namespace {
@@ -30,6 +32,17 @@ using namespace platform::registry_error;
 namespace fs = std::filesystem;
 
 constexpr const char* kKey = R"(SOFTWARE\Orvik\Test)";
+
+/// What `body` gives in a process of its own, which may lose its rights and cannot get them back.
+int InChild(const std::function<int()>& body) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::_exit(body());
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
 class RegStore : public testing::Test {
   public:
@@ -74,22 +87,27 @@ class RegStore : public testing::Test {
     static std::int32_t Save(const std::string& name, const std::string& text) {
         const OpenedKey created = CreateKey(kHkeyLocalMachine, kKey, name, kKeyAllAccess);
         if (created.error != kSuccess) {
-            return created.error;
+            return created.error.number;
         }
-        const std::int32_t error = SetValue(created.key, name, kRegSz, text);
+        const RegistryError error = SetValue(created.key, name, kRegSz, text);
         CloseKey(created.key);
-        return error;
+        return error.number;
     }
     /// The text, or the error number.
     static std::string Read(const std::string& name, RegistryHandle root = kHkeyLocalMachine) {
         const OpenedKey opened = OpenKey(root, kKey, kKeyQueryValue);
         if (opened.error != kSuccess) {
-            return "open " + std::to_string(opened.error);
+            return "open " + std::to_string(opened.error.number);
         }
         std::string buffer(400, ' ');
-        const std::int32_t error = QueryValue(opened.key, name, buffer);
+        const RegistryError error = QueryValue(opened.key, name, buffer);
         CloseKey(opened.key);
-        return error == kSuccess ? buffer.substr(0, buffer.find('\0')) : "query " + std::to_string(error);
+        return error == kSuccess ? buffer.substr(0, buffer.find('\0'))
+                                 : "query " + std::to_string(error.number);
+    }
+    /// The system's text for what opening the key gives.
+    static std::string Message() {
+        return SystemMessage(OpenKey(kHkeyLocalMachine, kKey, kKeyQueryValue).error, 200);
     }
     static std::string Sample(const std::string& text) {
         return std::string("REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\") + kKey + "]\n\"v\"=\"" + text + "\"\n";
@@ -189,10 +207,86 @@ TEST_F(RegStore, FailsOnAFileThatIsDamagedWhileAKeyIsOpen) {
     CloseKey(opened.key);
 }
 
+TEST_F(RegStore, NamesAMissingFileInTheSystemsTextAndNotAMissingKey) {
+    EXPECT_EQ(Message(), "The system cannot find the file specified: " + File().string() + "\r\n");
+    Put("REGEDIT4\n");
+    EXPECT_EQ(Message(), "The system cannot find the file specified.\r\n");
+}
+
+TEST_F(RegStore, ReportsAFileThatCannotBeUsedOnTheTerminalOnce) {
+    const std::string begin = "reg_store_test: registry file " + File().string();
+    testing::internal::CaptureStderr();
+    Read("v");
+    Read("w");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), begin + ": it does not exist\n");
+    testing::internal::CaptureStderr();
+    Put("REGEDIT4\n\nrubbish\n");
+    Read("v");
+    Read("v");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              begin + ", line 3: neither a key nor a value nor a comment\n");
+    testing::internal::CaptureStderr();
+    fs::remove(File());
+    fs::create_directory(File());
+    Read("v");
+    Read("v");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), begin + ": it is not a plain file\n");
+}
+
+TEST_F(RegStore, IsNotEndedByATerminalThatNobodyReads) {
+    Put("rubbish");
+    EXPECT_EQ(InChild([] {
+                  std::array<int, 2> ends{};
+                  if (::pipe(ends.data()) != 0) {
+                      return 0;
+                  }
+                  ::close(ends[0]);
+                  ::dup2(ends[1], STDERR_FILENO);
+                  return Read("v") == "open 1009" ? 1 : 0;
+              }),
+              1);
+}
+
+/// The same object, as long as the file has not changed for some time.
+TEST_F(RegStore, IsReadOnceWhileItsFileStaysAsItIs) {
+    Put(Sample("old"));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    auto first = LoadRegistry(File()).file;
+    auto second = LoadRegistry(File()).file;
+    while (first != second && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        first = LoadRegistry(File()).file;
+        second = LoadRegistry(File()).file;
+    }
+    ASSERT_EQ(first, second);
+    EXPECT_EQ(Read("v"), "old");
+    EXPECT_EQ(LoadRegistry(File()).file, first);
+    Put(Sample("new"));
+    EXPECT_EQ(Read("v"), "new");
+    EXPECT_EQ(Save("v", "mine"), kSuccess);
+    EXPECT_EQ(Read("v"), "mine");
+}
+
+TEST_F(RegStore, EscapesWhatTheCodePageLacksAndSavesItAsItWas) {
+    const std::string path = "/home/\xC5\x81ukasz";
+    Put("Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\" + std::string(kKey) + "]\n\"v\"=\"" +
+        path + "\"\n");
+    const std::string text = Read("v");
+    EXPECT_EQ(ToSystemText(text), path);
+    EXPECT_EQ(Save("w", text), kSuccess);
+    EXPECT_EQ(Read("w"), text);
+    EXPECT_NE(Get(File()).find("\"w\"=\"" + path + "\""), std::string::npos);
+}
+
+TEST_F(RegStore, RefusesATextThatTheFilesEncodingLacks) {
+    Put(Sample("old"));
+    EXPECT_EQ(Save("v", FromSystemText("\xC5\x81")), kInvalidParameter);
+    EXPECT_EQ(Get(File()), Sample("old"));
+}
+
 TEST_F(RegStore, TellsFileAndLineOfTheDamageInTheSystemsText) {
     Put("REGEDIT4\n\nrubbish\n");
-    EXPECT_EQ(Read("v"), "open 1009");
-    const std::string text = SystemMessage(kBadDb, 200);
+    const std::string text = Message();
     EXPECT_TRUE(text.starts_with("The configuration registry database is corrupt: ")) << text;
     EXPECT_TRUE(text.ends_with("registry.reg, line 3: neither a key nor a value nor a comment\r\n")) << text;
 }
@@ -201,8 +295,7 @@ TEST_F(RegStore, KeepsTheEndOfATextThatIsTooLongForTheBuffer) {
     const fs::path file = folder_ / std::string(150, 'x') / "registry.reg";
     Put(file, "REGEDIT4\nrubbish\n");
     ::setenv("KVLSQLDBMGR_REGISTRY", file.c_str(), 1);
-    EXPECT_EQ(Read("v"), "open 1009");
-    const std::string text = SystemMessage(kBadDb, 200);
+    const std::string text = Message();
     EXPECT_EQ(text.size(), 199U);
     EXPECT_NE(text.find(": ...x"), std::string::npos) << text;
     EXPECT_TRUE(text.ends_with("line 2: neither a key nor a value nor a comment\r\n")) << text;
@@ -213,7 +306,6 @@ TEST_F(RegStore, ForgetsADamageThatIsMended) {
     EXPECT_EQ(Read("v"), "open 1009");
     Put(Sample("mended"));
     EXPECT_EQ(Read("v"), "mended");
-    EXPECT_EQ(SystemMessage(kBadDb, 200), "The configuration registry database is corrupt.\r\n");
 }
 
 TEST_F(RegStore, FailsOnAFolderInThePlaceOfTheFile) {
@@ -234,17 +326,6 @@ TEST_F(RegStore, FailsOnAFileInThePlaceOfTheFolder) {
 TEST_F(RegStore, DoesNotWaitForAPipeInThePlaceOfTheFile) {
     ASSERT_EQ(::mkfifo(File().c_str(), 0600), 0);
     EXPECT_EQ(Read("v"), "open 1011");
-}
-
-/// What `body` gives in a process of its own, which may lose its rights and cannot get them back.
-int InChild(const std::function<int()>& body) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::_exit(body());
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 constexpr uid_t kNobody = 65534;

@@ -1,0 +1,39 @@
+#include "admin/server_path.h"
+
+#include <algorithm>
+
+#include "platform/files.h"
+
+namespace kv {
+namespace {
+
+/// The one in front of the file's name.
+std::size_t LastSeparator(const std::string& path) {
+    return path.find_last_of("\\/");
+}
+
+} // namespace
+
+std::string FolderOnServer(const std::string& path) {
+    const auto separator = LastSeparator(path);
+    if (separator == std::string::npos) {
+        return path;
+    }
+    const bool stays = path[separator] == '\\' || separator == 0;
+    return path.substr(0, stays ? separator + 1 : separator);
+}
+
+std::string ServerPath(std::string folder, const std::string& file, const std::string& reported) {
+    const auto separator = LastSeparator(reported);
+    if (separator == std::string::npos || reported[separator] == '\\') {
+        return folder + '\\' + file;
+    }
+    std::replace(folder.begin(), folder.end(), '\\', '/');
+    return folder.ends_with('/') ? folder + file : folder + '/' + file;
+}
+
+bool IsGuessed(const std::string& path) {
+    return path.find('?') != std::string::npos && !platform::FileExists(path);
+}
+
+} // namespace kv

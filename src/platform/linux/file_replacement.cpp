@@ -1,0 +1,93 @@
+#include "platform/linux/file_replacement.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace platform {
+namespace {
+
+constexpr mode_t kPermissions = 07777;
+
+/// Renaming over a symbolic link would leave the file that it points to as it was.
+std::string Resolved(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    return real ? real.get() : path;
+}
+
+/// A rename asks for rights on the folder alone, and the file may be closed to the user.
+const std::string& Replaceable(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) {
+        return path;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        throw SystemFault{EISDIR};
+    }
+    if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
+        ThrowSystemFault();
+    }
+    return path;
+}
+
+/// No other process writes a file of this name; one that an earlier process left is of no use to anybody.
+std::string PathBeside(const std::string& target) {
+    std::string path = target + "." + std::to_string(::getpid()) + ".new";
+    ::unlink(path.c_str());
+    return path;
+}
+
+} // namespace
+
+FileReplacement::FileReplacement(const std::string& path, mode_t mode)
+    : target_(Resolved(path)),
+      path_(PathBeside(Replaceable(target_))),
+      file_(path_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, mode) {}
+
+FileReplacement::~FileReplacement() {
+    if (!placed_) {
+        ::unlink(path_.c_str());
+    }
+}
+
+void FileReplacement::TakeRights(const struct stat& rights) const {
+    mode_t mode = rights.st_mode & kPermissions;
+    const bool owned = ::fchown(file_.Get(), rights.st_uid, rights.st_gid) == 0;
+    if (!owned && ::fchown(file_.Get(), static_cast<uid_t>(-1), rights.st_gid) != 0) {
+        mode &= ~static_cast<mode_t>(S_IRWXG);
+    }
+    if (::fchmod(file_.Get(), mode) != 0) {
+        ThrowSystemFault();
+    }
+}
+
+void FileReplacement::KeepRights() const {
+    struct stat rights {};
+    if (::stat(target_.c_str(), &rights) == 0) {
+        TakeRights(rights);
+    }
+}
+
+void FileReplacement::Place(Durability durability) {
+    if (durability == Durability::OnTheDisk && ::fsync(file_.Get()) != 0) {
+        ThrowSystemFault();
+    }
+    file_.Close();
+    if (std::rename(path_.c_str(), target_.c_str()) != 0) {
+        ThrowSystemFault();
+    }
+    placed_ = true;
+    if (durability == Durability::OnTheDisk) {
+        // The new file is in its place whether or not the folder can be made to last as well.
+        const auto slash = target_.find_last_of('/');
+        const std::string folder = slash == std::string::npos ? "." : target_.substr(0, slash + 1);
+        const Descriptor open_folder(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        ::fsync(open_folder.Get());
+    }
+}
+
+} // namespace platform

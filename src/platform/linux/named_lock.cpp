@@ -1,0 +1,64 @@
+// A lock is a socket's address in the system's abstract names: one process can be bound to it, nothing lies
+// on a disk, and the name is free again when the process is gone.
+#include "platform/named_lock.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <functional>
+#include <system_error>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "platform/linux/descriptor.h"
+
+namespace platform {
+namespace {
+
+class SocketLock : public NamedLock {
+  public:
+    explicit SocketLock(Descriptor socket) : socket_(std::move(socket)) {}
+
+  private:
+    Descriptor socket_;
+};
+
+/// An abstract name begins with a NUL and has a fixed greatest length: a long one keeps its beginning and a
+/// sum of all.
+std::string AbstractName(const std::string& name) {
+    constexpr std::size_t kMost = sizeof(sockaddr_un::sun_path) - 1;
+    if (name.size() <= kMost) {
+        return '\0' + name;
+    }
+    const std::string sum = std::to_string(std::hash<std::string>{}(name));
+    return '\0' + name.substr(0, kMost - sum.size()) + sum;
+}
+
+[[noreturn]] void Fail() {
+    throw std::system_error(errno, std::generic_category(), "a lock could not be made");
+}
+
+} // namespace
+
+std::unique_ptr<NamedLock> TryLock(const std::string& name) {
+    Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (socket.Get() < 0) {
+        Fail();
+    }
+    const std::string path = AbstractName(name);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::copy(path.begin(), path.end(), std::begin(address.sun_path));
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + path.size());
+    if (::bind(socket.Get(), reinterpret_cast<const sockaddr*>(&address), length) == 0) {
+        return std::make_unique<SocketLock>(std::move(socket));
+    }
+    if (errno != EADDRINUSE) {
+        Fail();
+    }
+    return nullptr;
+}
+
+} // namespace platform
