@@ -31,7 +31,7 @@ class DevServer:
         self.process = None
         os.makedirs(folder, exist_ok=True)
         with open(os.open(self.logins, os.O_CREAT | os.O_WRONLY, 0o600), "w", encoding="utf-8") as file:
-            file.write(f"{USER}:{PASSWORD}\nempty:\nmüller:pä€\n")
+            file.write(f"{USER}:{PASSWORD}\nempty:\nmüller:pä€\nslash:/p-w\nmojibake:Ã¤\n")
 
     def start(self):
         arguments = [self.program, "--root", self.root, "--port", str(self.port), "--logins", self.logins]
@@ -181,7 +181,10 @@ class Machine:
             self.forget_file = os.path.join(self.folder, "forget.reg")
             with open(self.forget_file, "w") as file:
                 file.write(wipe)
-        with open(path, "w") as file:
+        elif not content.isascii():
+            # The other form has no encoding for every text.
+            content = content.replace("REGEDIT4", "Windows Registry Editor Version 5.00")
+        with open(path, "w", encoding="utf-8") as file:
             file.write(content)
         self.registry_files = (path,)
         if self.wine and not self.screen:
@@ -216,14 +219,15 @@ class Machine:
         environment = dict(self.environment, HOME=os.environ.get("HOME", "/root"))
         return environment
 
-    def run(self, *arguments, timeout=300):
-        """Runs the program unattended to its end; gives what it said on the terminal."""
+    def run(self, *arguments, timeout=300, **how):
+        """Runs the program unattended to its end and returns what it wrote to the terminal. `how` goes to
+        subprocess.run, on Linux alone."""
         if self.wine:
             done = self.under_wine(self.program, *arguments, timeout=timeout)
         else:
             done = subprocess.run([self.program, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
                                   capture_output=True, text=True, errors="replace", timeout=timeout,
-                                  cwd=self.install)
+                                  cwd=self.install, **how)
         # The program has no exit code: a run that failed ends as one that worked.
         assert done.returncode == 0, f"exit code {done.returncode}: {done.stderr}"
         return done.stderr

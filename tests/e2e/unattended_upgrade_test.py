@@ -10,7 +10,8 @@ import unittest
 
 import pymssql
 
-from test_machine import (PACKAGES, PASSWORD, TEMPLATES, TOP, USER, DevServer, Machine, contents, fresh_folder)
+from test_machine import (PACKAGES, PASSWORD, TEMPLATES, TOP, USER, DevServer, Machine, contents, fresh_folder,
+                          wait_for)
 from unattended_install_test import WholeWay
 
 sys.path.insert(0, os.path.join(TOP, "tests", "samples"))
@@ -154,6 +155,44 @@ class Upgrade(UpgradeWay):
         self.assertEqual(self.server.ask("SELECT COUNT(*) FROM Batches", "Batch"), [(4,)])
 
 
+class AtOnce(UpgradeWay):
+    """Two runs at a time. The second would delete what the first has put aside, the only copy of the old data."""
+
+    WAITING = "USE [master]\nWAITFOR DELAY '00:00:08'\nGO"
+
+    def start_and_wait_in_the_middle(self):
+        program = self.machine.start("/upgradedb", "/scriptfolder", self.machine.native(self.machine.scripts))
+        self.addCleanup(program.kill)
+        wait_for(lambda: "Create_Batch_Database.txt" in self.machine.data_files() or program.poll() is not None, 60)
+        self.assertIsNone(program.poll())
+        return program
+
+    def test_a_run_beside_another_one_changes_nothing_and_says_so(self):
+        self.write_over("Create_Batch_Database", "USE [master]\nGO", self.WAITING)
+        first = self.start_and_wait_in_the_middle()
+        self.assertEqual((self.upgradable(), self.files()), ({TEMPORARY: "1"}, TEMPORARY_FILES))
+        said = self.upgrade()
+        self.assertIsNone(first.poll(), "the first run has ended too early for this test")
+        self.assertIn("Another upgrade is running. Nothing was changed.", said)
+        self.assertEqual(self.machine.log_lines(), [OWN_LINE])
+        self.assertEqual(first.wait(120), 0)
+        self.assertEqual(self.machine.log_lines(), [OWN_LINE])
+        self.assertEqual(self.upgradable(), {"Batch": "2", TEMPORARY: "1"})
+        self.assert_old_data_under(TEMPORARY)
+        self.assertEqual(self.server.ask("SELECT COUNT(*) FROM Batches", "Batch"), [(4,)])
+
+    def test_a_run_that_was_killed_does_not_lock_out_the_next(self):
+        # The query tool outlives the program, and does nothing more.
+        self.machine.write_template("Create_Batch_Database", self.WAITING.encode())
+        first = self.start_and_wait_in_the_middle()
+        first.kill()
+        first.wait(60)
+        said = self.upgrade()
+        self.assertNotIn("Another upgrade is running", said)
+        self.assertEqual(self.machine.log_lines(), [INFO_LINE, OWN_LINE])  # there is no "Batch" to upgrade
+        self.assert_old_data_under(TEMPORARY)
+
+
 class Aborted(UpgradeWay):
     def assert_untouched(self, log):
         self.assertEqual(self.machine.log_lines(), log)
@@ -237,7 +276,7 @@ class NotAborted(UpgradeWay):
 
     # By design, and the one case in which old data are lost: nothing guards the only copy against the run that
     # follows one which ended without taking them over.
-    def test_a_run_behind_one_that_took_nothing_over_deletes_the_only_copy_of_the_old_data(self):
+    def test_a_run_after_one_that_took_nothing_over_deletes_the_only_copy_of_the_old_data(self):
         self.break_procedure()
         self.upgrade()
         self.assert_old_data_under(TEMPORARY)
