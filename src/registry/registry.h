@@ -50,7 +50,7 @@ struct RegistryError {
     std::int32_t number;
     std::string detail; ///< which file, and what is wrong with it; empty on Windows
 
-    friend bool operator==(const RegistryError& error, std::int32_t number) { return error.number == number; }
+    friend bool operator==(const RegistryError& error, std::int32_t wanted) { return error.number == wanted; }
 };
 
 struct OpenedKey {
