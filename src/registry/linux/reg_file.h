@@ -17,7 +17,7 @@ namespace platform {
 /// without case.
 using RegPath = std::u16string;
 
-/// `hive` is the hive's full name; a run of "\" in `subkey` is one, and none counts at its ends.
+/// `hive` is the hive's full name; a run of "\" in `subkey` is one, and those at its ends do not count.
 RegPath MakeRegPath(std::u16string_view hive, std::string_view subkey);
 
 struct RegValue {
@@ -58,7 +58,7 @@ class RegFile {
     };
     struct Key {
         std::map<std::u16string, Entry> values;
-        /// The end of the last line that says something of this key; none if only keys below it are named.
+        /// The end of the last line about this key; nothing if only keys below it are named.
         std::optional<std::size_t> last_line_end;
     };
 
@@ -72,7 +72,7 @@ class RegFile {
     std::map<std::u16string, Key> keys_; ///< by folded path
 };
 
-/// The full name of a hive that is written out or abbreviated, in any case; empty if it is none.
+/// The full name of a hive that is written out or abbreviated, in any case; empty if it is not a hive.
 std::u16string_view HiveName(std::u16string_view name);
 
 } // namespace platform

@@ -31,7 +31,7 @@ int HexDigit(char16_t c) {
 }
 
 /// Version 5.00 writes the bytes of a text as UTF-16; the 8-bit calls give it in the code page. A last odd
-/// byte is none of its characters.
+/// byte is not a character and is left out.
 std::string TextFromWide(std::string_view bytes) {
     std::u16string characters;
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
@@ -89,7 +89,7 @@ void RegParser::ReadLine() {
     SkipLineEnd();
 }
 
-/// A key's name may hold "]": it ends at the first one with nothing behind it.
+/// A key's name may hold "]": it ends at the first one that nothing follows in its line.
 void RegParser::ReadSection() {
     const std::size_t begin = position_ + 1;
     for (;;) {
@@ -331,7 +331,7 @@ void RegParser::EndLine() {
         SkipToLineEnd();
     }
     if (!AtLineEnd()) {
-        Fail("text behind a value");
+        Fail("text after a value");
     }
 }
 
