@@ -126,8 +126,8 @@ const std::string& Pick(const Words& words, Random& random) {
 /// A value may hold anything but what the parser cannot take: quotes, blanks at its ends, and words of its
 /// own.
 std::string RandomValue(Random& random) {
-    static const Words pieces = {"/",    "-", "\\", " ", "a",      "B",    "7",         ".",    ",",
-                                 "\xFC", ":", "_",  "=", "server", "user", "x-helper.", "C:\\", "/home"};
+    static const Words pieces = {"/",    "-", "\\", " ", "a",      "B",    "7",     ".",    ",",
+                                 "\xFC", ":", "_",  "=", "server", "user", "x-y.z", "C:\\", "/home"};
     for (;;) {
         std::string value;
         for (auto count = random() % 7; count != 0; --count) {
