@@ -113,6 +113,11 @@ function(kv_test name)
             # A new screen ends what runs in the prefix for screens (tests/run-under-wine).
             set_tests_properties(${name} PROPERTIES RESOURCE_LOCK wine_screen)
         endif()
+    elseif("screen" IN_LIST ARG_LABEL)
+        # One test of the whole program: a screen takes longer to come up than most of them.
+        add_test(NAME ${name} COMMAND "${PROJECT_SOURCE_DIR}/tests/with-screen" $<TARGET_FILE:${name}>)
+        set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600 RESOURCE_LOCK screen
+            ENVIRONMENT "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/leaks_of_others.txt")
     else()
         add_test(NAME ${name} COMMAND ${name})
         set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600)

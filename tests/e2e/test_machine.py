@@ -132,6 +132,8 @@ class Machine:
         extension = ".exe" if wine else ""
         self.program = os.path.join(self.install, "KVLSQLDbMgr" + extension)
         shutil.copy(os.path.join(binaries, "KVLSQLDbMgr" + extension), self.program)
+        if not wine:
+            shutil.copy(os.path.join(binaries, "KVLSQLDbMgrWindow.so"), self.install)
         self.tool = os.path.join(self.tools, "Binn", "OSQL.EXE")
         shutil.copy(os.path.join(binaries, "OSQL.EXE"), self.tool)
         self.set_scripts("v1")
@@ -142,7 +144,8 @@ class Machine:
                        f"Driver = {freetds_driver()}\n")
         self.environment = dict(os.environ, ODBCSYSINI=self.odbc, HOME=folder, XDG_CONFIG_HOME=folder,
                                 KVLSQLDBMGR_REGISTRY=os.path.join(folder, "registry.reg"))
-        self.environment.pop("DISPLAY", None)
+        for name in ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"):
+            self.environment.pop(name, None)
         self.dts_record = os.path.join(folder, "dts.txt")
         if wine:
             self.environment.update(KV_DTS_STORE="1", KV_DTS_RECORD=self.native(self.dts_record))

@@ -1,11 +1,15 @@
-// Until the native window exists a message box is lines on the terminal.
 #include "platform/message_box.h"
 
+#include "platform/linux/desktop.h"
 #include "platform/message_text.h"
 
 namespace platform {
 
 void ShowMessageBox(const std::string& text, MessageIcon icon, const std::string& title) {
+    if (Desktop* desktop = OpenDesktop()) {
+        desktop->ShowMessageBox(text, icon, title);
+        return;
+    }
     ShowMessageOnTerminal(text, icon, title);
 }
 

@@ -1,12 +1,18 @@
-// Until the native window exists there is no queue, and the pointer is only remembered.
+// As long as no window was wanted there is no queue, and the pointer is only remembered.
 #include "platform/pending_events.h"
+
+#include "platform/linux/desktop.h"
 
 namespace platform {
 namespace {
 std::int16_t current_pointer = kDefaultPointer;
 } // namespace
 
-void RunPendingEvents() {}
+void RunPendingEvents() {
+    if (Desktop* desktop = OpenedDesktop()) {
+        desktop->RunPendingEvents();
+    }
+}
 
 std::int16_t MousePointer() {
     return current_pointer;
@@ -14,6 +20,9 @@ std::int16_t MousePointer() {
 
 void SetMousePointer(std::int16_t pointer) {
     current_pointer = pointer;
+    if (Desktop* desktop = OpenedDesktop()) {
+        desktop->SetMousePointer(pointer);
+    }
 }
 
 } // namespace platform

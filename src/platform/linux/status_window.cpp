@@ -1,9 +1,13 @@
-// Until the native window exists a run tells its progress on the terminal.
 #include "platform/status_window.h"
+
+#include "platform/linux/desktop.h"
 
 namespace platform {
 
 std::unique_ptr<StatusWindow> MakeStatusWindow(const StatusWindowLayout& layout) {
+    if (Desktop* desktop = OpenDesktop()) {
+        return desktop->MakeStatusWindow(layout);
+    }
     return MakeTerminalStatus(layout.caption);
 }
 

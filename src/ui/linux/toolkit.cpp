@@ -1,28 +1,53 @@
-// This system has no toolkit yet: no window can be shown, which is what every function here answers.
+// The program's side of the toolkit: hands everything to the module of windows, which is loaded when the
+// first window is made. Where none can be shown, every function answers so.
 #include "ui/toolkit.h"
 
 #include <thread>
 
-namespace ui {
+#include "platform/linux/desktop.h"
+#include "ui/linux/window_toolkit.h"
 
-std::unique_ptr<Window> MakeWindow(Form& /*form*/) {
-    return nullptr;
+namespace ui {
+namespace {
+
+/// Null without a desktop.
+WindowToolkit* Toolkit() {
+    if (platform::OpenedDesktop() == nullptr) {
+        return nullptr;
+    }
+    static const auto open =
+        reinterpret_cast<WindowToolkitFunction>(platform::FindInModule(kWindowToolkitFunction));
+    return open();
 }
 
-void ShowModally(Form& /*form*/, Form& /*owner*/) {}
+} // namespace
+
+std::unique_ptr<Window> MakeWindow(Form& form) {
+    platform::OpenDesktop();
+    WindowToolkit* toolkit = Toolkit();
+    return toolkit == nullptr ? nullptr : toolkit->MakeWindow(form);
+}
+
+void ShowModally(Form& form, Form& owner) {
+    if (WindowToolkit* toolkit = Toolkit()) {
+        toolkit->ShowModally(form, owner);
+    }
+}
 
 void Wait(std::chrono::milliseconds time) {
     std::this_thread::sleep_for(time);
 }
 
-std::optional<std::string> PickFolder(const Form& /*owner*/, const std::string& /*title*/,
-                                      const std::string& /*start_folder*/) {
-    return std::nullopt;
+std::optional<std::string> PickFolder(const Form& owner, const std::string& title,
+                                      const std::string& start_folder) {
+    WindowToolkit* toolkit = Toolkit();
+    return toolkit == nullptr ? std::nullopt : toolkit->PickFolder(owner, title, start_folder);
 }
 
-std::optional<std::string> PickFile(const Form& /*owner*/, const std::string& /*title*/,
-                                    const std::string& /*filter*/, const std::string& /*start_folder*/) {
-    return std::nullopt;
+std::optional<std::string> PickFile(const Form& owner, const std::string& title, const std::string& filter,
+                                    const std::string& start_folder) {
+    WindowToolkit* toolkit = Toolkit();
+    return toolkit == nullptr ? std::nullopt : toolkit->PickFile(owner, title, filter, start_folder);
 }
 
 } // namespace ui

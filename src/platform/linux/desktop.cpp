@@ -1,0 +1,84 @@
+#include "platform/linux/desktop.h"
+
+#include <array>
+#include <cstdlib>
+
+#include <dlfcn.h>
+
+#include "platform/files.h"
+#include "platform/system_text.h"
+#include "platform/terminal.h"
+
+namespace platform {
+namespace {
+
+constexpr char kModule[] = "KVLSQLDbMgrWindow.so";
+constexpr char kPackage[] = "libqt6widgets6";
+
+/// One of them is set in every session with a display; the last also by who wants windows without one.
+constexpr std::array kDisplayVariables = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+
+bool DisplayIsNamed() {
+    for (const char* name : kDisplayVariables) {
+        const char* value = std::getenv(name);
+        if (value != nullptr && *value != '\0') {
+            return true;
+        }
+    }
+    return false;
+}
+
+void SayWhatIsMissing(const std::string& path, const char* reason) {
+    const std::string name = ExecutableName();
+    if (!FileExists(path)) {
+        WriteToTerminal(name + ": Windows are not shown: " + path + " is missing.\n");
+        return;
+    }
+    WriteToTerminal(name + ": Windows are not shown: install the package " + kPackage + " (" +
+                    FromSystemText(reason == nullptr ? "" : reason) + ").\n");
+}
+
+struct Module {
+    void* library = nullptr;
+    Desktop* desktop = nullptr;
+};
+
+Module Load() {
+    Module module;
+    if (!DisplayIsNamed()) {
+        return module;
+    }
+    const std::string path = ExecutableFolder() + "/" + kModule;
+    // Never unloaded: its libraries leave threads and handlers behind that outlive every window.
+    module.library = ::dlopen(ToSystemText(path).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    if (module.library == nullptr) {
+        SayWhatIsMissing(path, ::dlerror());
+        return module;
+    }
+    const auto open = reinterpret_cast<OpenDesktopFunction>(::dlsym(module.library, kOpenDesktopFunction));
+    module.desktop = open == nullptr ? nullptr : open();
+    return module;
+}
+
+Module loaded;
+bool tried = false;
+
+} // namespace
+
+Desktop* OpenDesktop() {
+    if (!tried) {
+        tried = true;
+        loaded = Load();
+    }
+    return loaded.desktop;
+}
+
+Desktop* OpenedDesktop() {
+    return loaded.desktop;
+}
+
+void* FindInModule(const char* name) {
+    return loaded.desktop == nullptr ? nullptr : ::dlsym(loaded.library, name);
+}
+
+} // namespace platform

@@ -1,0 +1,33 @@
+// One native control for each control of a form: how each kind is made and shown as its control stands. It
+// knows nothing of the window around it.
+#pragma once
+
+#include <cstdint>
+
+#include <QWidget>
+
+#include "ui/form.h"
+
+namespace ui {
+
+struct NativeControl {
+    Control* control = nullptr;
+    QWidget* widget = nullptr; ///< owned by the form's window; null until it is made
+    std::uint32_t stale = 0;   ///< one bit for each Property that the native control may not show yet
+};
+
+constexpr std::uint32_t Bit(Property property) {
+    return std::uint32_t{1} << static_cast<unsigned>(property);
+}
+
+/// Makes the native control of a control of any kind but a tab control, with the control's identifier for a
+/// name.
+QWidget* MakeNativeControl(const Control& control, QWidget* parent);
+
+/// "edtServerName(1)", "cmdClose": the control's identifier, the native control's objectName.
+QString IdentifierOf(const Control& control);
+
+/// Brings the native control in line with what is stale, and leaves alone what agrees. Not for a tab control.
+void BringInLine(NativeControl& native);
+
+} // namespace ui

@@ -1,0 +1,227 @@
+#include "ui/linux/qt/native_form.h"
+
+#include <algorithm>
+
+#include <QApplication>
+#include <QLabel>
+#include <QScreen>
+
+#include "ui/linux/qt/text.h"
+#include "ui/operator.h"
+
+namespace ui {
+namespace {
+
+constexpr Qt::WindowFlags kMainFlags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                       Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
+                                       Qt::WindowCloseButtonHint;
+constexpr Qt::WindowFlags kDialogFlags = Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                         Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+
+/// The page of a tab control that a control is or lies on; null where there is none.
+const Control* PageOf(const Control& control) {
+    for (const Control* part = &control; part->Parent() != nullptr; part = part->Parent()) {
+        if (part->Parent()->Kind() == Kind::TabControl) {
+            return part;
+        }
+    }
+    return nullptr;
+}
+
+bool TakesText(Kind kind) {
+    return kind == Kind::TextBox || kind == Kind::ComboBox || kind == Kind::ListBox;
+}
+
+} // namespace
+
+NativeForm::NativeForm(Form& form, QWidget* owner)
+    : form_(form),
+      window_(std::make_unique<QWidget>(owner, owner == nullptr ? kMainFlags : kDialogFlags)),
+      scale_(form, window_->font()) {
+    MakeFrame(owner);
+    All().push_back(this);
+    MakeControls();
+    CentreOn(owner);
+    form_.Attach(this);
+    qApp->installEventFilter(this);
+}
+
+NativeForm::~NativeForm() {
+    qApp->removeEventFilter(this);
+    form_.Attach(nullptr);
+    showing_ = true; // what the controls report at their end is no news
+    std::erase(All(), this);
+    window_.reset();
+}
+
+std::vector<NativeForm*>& NativeForm::All() {
+    static std::vector<NativeForm*> all;
+    return all;
+}
+
+QWidget* NativeForm::WindowOf(const Form& form) {
+    for (const NativeForm* native : All()) {
+        if (&native->form_ == &form) {
+            return native->window_.get();
+        }
+    }
+    return nullptr;
+}
+
+void NativeForm::MakeFrame(QWidget* owner) {
+    window_->setObjectName(form_.Design().name);
+    window_->setWindowTitle(ToQt(form_.Caption()));
+    window_->setFixedSize(scale_.ClientSize(form_.Design()));
+    if (owner != nullptr) {
+        window_->setWindowModality(Qt::WindowModal);
+    }
+}
+
+/// All but what lies on the pages of a tab control.
+void NativeForm::MakeControls() {
+    showing_ = true;
+    natives_.reserve(form_.Controls().size());
+    for (const auto& control : form_.Controls()) {
+        NativeControl native;
+        native.control = control.get();
+        native.stale = ~Bit(Property::Selection);
+        natives_.push_back(native);
+    }
+    for (NativeControl& native : natives_) {
+        if (native.control->Kind() == Kind::TabControl) {
+            MakeTabs(native);
+        } else if (PageOf(*native.control) == nullptr) {
+            Make(native);
+        }
+    }
+    OrderTabKey();
+    NameBoxes();
+    showing_ = false;
+}
+
+/// The page that is to be shown and what lies on it, if it has not been shown before: most of the time that a
+/// window takes to stand there is the making of controls, and of the pages one is seen.
+void NativeForm::MakePage() {
+    if (tabs_ == nullptr) {
+        return;
+    }
+    NativeControl& tabs = natives_[static_cast<std::size_t>(tabs_index_)];
+    const int shown = static_cast<const TabControl*>(tabs.control)->Tab();
+    bool made = false;
+    for (NativeControl& native : natives_) {
+        const Control* page = PageOf(*native.control);
+        if (native.widget == nullptr && page != nullptr && page->Index() == shown) {
+            Make(native);
+            made = true;
+        }
+    }
+    if (made) {
+        tabs.stale |= Bit(Property::Tab);
+        OrderTabKey();
+        NameBoxes();
+    }
+}
+
+void NativeForm::Make(NativeControl& native) {
+    const Control& control = *native.control;
+    const bool is_page = control.Parent() != nullptr && control.Parent()->Kind() == Kind::TabControl;
+    native.widget = MakeNativeControl(control, ParentOf(control));
+    Settle(native);
+    Listen(native);
+    // A page comes up when everything on it is in line.
+    native.widget->setVisible(!is_page);
+}
+
+void NativeForm::MakeTabs(NativeControl& native) {
+    const auto& control = static_cast<const TabControl&>(*native.control);
+    tabs_index_ = static_cast<int>(&native - natives_.data());
+    tabs_ = new TabStrip(control, ParentOf(control));
+    tabs_->setGeometry(scale_.PlaceIn(control, control.Parent()));
+    tabs_->lower();
+    native.widget = &tabs_->Bar();
+    Listen(native);
+}
+
+/// A page of the tab control is native to the form.
+QWidget* NativeForm::ParentOf(const Control& control) const {
+    const Control* parent = control.Parent();
+    if (parent == nullptr || parent->Kind() == Kind::TabControl) {
+        return window_.get();
+    }
+    return natives_.at(static_cast<std::size_t>(parent->Id() - form_.Controls().front()->Id())).widget;
+}
+
+void NativeForm::Settle(const NativeControl& native) {
+    const Control& control = *native.control;
+    const bool on_form = ParentOf(control) == window_.get();
+    native.widget->setGeometry(scale_.PlaceIn(control, on_form ? nullptr : control.Parent()));
+}
+
+/// The order of the design, which is a ring.
+void NativeForm::OrderTabKey() {
+    QWidget* before = nullptr;
+    for (const NativeControl& native : natives_) {
+        if (native.widget == nullptr || native.widget->focusPolicy() == Qt::NoFocus) {
+            continue;
+        }
+        if (before != nullptr) {
+            QWidget::setTabOrder(before, native.widget);
+        }
+        before = native.widget;
+    }
+}
+
+/// A label names the box that comes next, for the eye and for a screen reader. What has neither label nor
+/// caption has its tool tip for a name, and its identifier where there is none.
+void NativeForm::NameBoxes() {
+    const Control* label = nullptr;
+    for (NativeControl& native : natives_) {
+        if (native.widget == nullptr) {
+            continue;
+        }
+        const Control& control = *native.control;
+        if (control.Kind() == Kind::Label) {
+            label = &control;
+            continue;
+        }
+        const bool labelled =
+            label != nullptr && label->Parent() == control.Parent() && TakesText(control.Kind());
+        if (labelled) {
+            static_cast<QLabel*>(NativeOf(*label).widget)->setBuddy(native.widget);
+        }
+        label = nullptr;
+        const bool captioned = control.Design().caption[0] != '\0';
+        if (!labelled && !captioned && native.widget->accessibleName().isEmpty()) {
+            const QString tip = ToQt(control.Design().tool_tip);
+            native.widget->setAccessibleName(tip.isEmpty() ? IdentifierOf(control) : tip);
+        }
+    }
+}
+
+/// On another screen, or with another font or style: everything is placed anew.
+void NativeForm::LayOut() {
+    scale_ = LayoutScale(form_, window_->font());
+    window_->setFixedSize(scale_.ClientSize(form_.Design()));
+    for (const NativeControl& native : natives_) {
+        if (native.widget != nullptr && native.control->Kind() != Kind::TabControl) {
+            Settle(native);
+        }
+    }
+    if (tabs_ != nullptr) {
+        const Control& control = *natives_[static_cast<std::size_t>(tabs_index_)].control;
+        tabs_->setGeometry(scale_.PlaceIn(control, control.Parent()));
+    }
+}
+
+/// On the owner, or in the middle of the screen; wholly on the screen where it fits.
+void NativeForm::CentreOn(const QWidget* owner) {
+    const QRect work = (owner == nullptr ? window_.get() : owner)->screen()->availableGeometry();
+    const QRect middle = owner == nullptr ? work : owner->frameGeometry();
+    QRect own = window_->rect();
+    own.moveCenter(middle.center());
+    own.moveLeft(std::max(work.left(), std::min(own.left(), work.right() - own.width())));
+    own.moveTop(std::max(work.top(), std::min(own.top(), work.bottom() - own.height())));
+    window_->move(own.topLeft());
+}
+
+} // namespace ui

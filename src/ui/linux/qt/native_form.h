@@ -1,0 +1,111 @@
+// The window of a form: native controls, made, filled, kept in line and listened to. It decides nothing: what
+// the operator does goes to the form through operator.h.
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include <QAbstractButton>
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <QWidget>
+
+#include "ui/linux/qt/arrival.h"
+#include "ui/linux/qt/layout_scale.h"
+#include "ui/linux/qt/native_control.h"
+#include "ui/linux/qt/tab_strip.h"
+#include "ui/toolkit.h"
+
+namespace ui {
+
+class NativeForm final : public Window, private Mirror, private QObject {
+  public:
+    /// With an owner it is a dialog above it. Throws nothing of its own; the window is there, unseen.
+    NativeForm(Form& form, QWidget* owner);
+    NativeForm(const NativeForm&) = delete;
+    NativeForm& operator=(const NativeForm&) = delete;
+    ~NativeForm() override;
+
+    void Show() override;
+    void RunUntilClosed() override;
+
+    /// The window of a form; null if none shows it.
+    static QWidget* WindowOf(const Form& form);
+
+  private:
+    void Changed(const Control& control, Property property) override;
+
+    // native_form.cpp: making and placing
+    void MakeFrame(QWidget* owner);
+    void MakeControls();
+    void MakePage();
+    void Make(NativeControl& native);
+    void MakeTabs(NativeControl& native);
+    QWidget* ParentOf(const Control& control) const;
+    void OrderTabKey();
+    void NameBoxes();
+    void LayOut();
+    void Settle(const NativeControl& native);
+    void CentreOn(const QWidget* owner);
+
+    // native_form_acts.cpp: what the operator does to a native control
+    void Listen(NativeControl& native);
+    void ListenToText(NativeControl& native);
+    void ListenToButton(NativeControl& native);
+    void ListenToComboBox(NativeControl& native);
+    void ListenToListBox(NativeControl& native);
+    void ListenToTabs(NativeControl& native);
+    /// Runs what reports to the form, unless it is this class's own doing. What is thrown waits for
+    /// RunUntilClosed: it may not pass through Qt's own frames.
+    void Report(const std::function<void()>& act);
+
+    // native_form_events.cpp: in line, and listening
+    bool eventFilter(QObject* object, QEvent* event) override;
+    bool event(QEvent* event) override;
+    bool FilterWindow(QEvent& event);
+    bool RefusesMouse(QWidget& widget, const QInputEvent& press);
+    bool RefusesKey(QWidget& widget, const QKeyEvent& key);
+    bool TakeKey(QWidget& widget, const QKeyEvent& key);
+    void AskToBringInLine();
+    void BringAllInLine();
+    void BringTabsInLine(NativeControl& native);
+    void ShowPage(const NativeControl& page, bool shown);
+    void TakeFormChange(Property property);
+    void LockPainting();
+    void Stale(NativeControl& native, Property property);
+    void GiveFocus();
+    void TrackFocus();
+    NativeControl* Find(const QObject* object);
+    NativeControl& NativeOf(const Control& control);
+
+    // native_form_keys.cpp: the keys of a dialog
+    bool FilterKey(QWidget& widget, const QKeyEvent& key, bool asked);
+    bool TakeTabKey(const QKeyEvent& key, bool asked);
+    bool TakeMnemonic(const QKeyEvent& key, bool asked);
+    NativeControl* NextWithMnemonic(QChar letter, int& found);
+    NativeControl* Bearer(NativeControl& label);
+    static void Press(QAbstractButton& button);
+    void PressCancel();
+
+    /// Those that there are, in the order of their making.
+    static std::vector<NativeForm*>& All();
+
+    Form& form_;
+    std::unique_ptr<QWidget> window_;
+    LayoutScale scale_;
+    std::vector<NativeControl> natives_;
+    ArrivalClock clock_;
+    InputClock::time_point
+        last_press_{}; ///< when the key or the mouse's button that was last let through arrived
+    TabStrip* tabs_ = nullptr;
+    int tabs_index_ = -1;       ///< the tab control's place among the controls
+    bool told_ = false;         ///< an event that brings the window in line is in the queue
+    bool showing_ = false;      ///< what native controls report now is this class's own doing
+    bool focus_wanted_ = false; ///< by the form, and not given yet
+    QEventLoop* loop_ = nullptr;
+    std::exception_ptr thrown_;
+};
+
+} // namespace ui

@@ -1,0 +1,137 @@
+// What the operator does to the native controls, reported to the form. Their changes by the program have
+// other signals, or come while `showing_` is set. A native control shows the act at once, whatever the form
+// makes of it; so it is stale.
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+
+#include "ui/linux/qt/native_button.h"
+#include "ui/linux/qt/native_form.h"
+#include "ui/linux/qt/text.h"
+#include "ui/operator.h"
+
+namespace ui {
+
+void NativeForm::Report(const std::function<void()>& act) {
+    if (showing_) {
+        return;
+    }
+    try {
+        TrackFocus();
+        act();
+        if (told_) {
+            BringAllInLine(); // ahead of the input that came meanwhile, which may be for where the focus goes
+        }
+    } catch (...) {
+        thrown_ = std::current_exception();
+        if (loop_ != nullptr) {
+            loop_->quit();
+        }
+    }
+}
+
+void NativeForm::ListenToText(NativeControl& native) {
+    auto& box = static_cast<TextBox&>(*native.control);
+    if (auto* line = qobject_cast<QLineEdit*>(native.widget)) {
+        QObject::connect(line, &QLineEdit::textEdited, line, [this, &native, &box](const QString& text) {
+            Stale(native, Property::Text);
+            Report([&] { Edit(box, FromQt(text)); });
+        });
+        return;
+    }
+    auto* lines = static_cast<QPlainTextEdit*>(native.widget);
+    QObject::connect(lines, &QPlainTextEdit::textChanged, lines, [this, &box, lines] {
+        Report([&] { Edit(box, FromQt(lines->toPlainText().replace("\n", "\r\n"))); });
+    });
+}
+
+void NativeForm::ListenToButton(NativeControl& native) {
+    auto* widget = static_cast<QAbstractButton*>(native.widget);
+    QObject::connect(widget, &QAbstractButton::clicked, widget, [this, &native] {
+        Stale(native, Property::Value);
+        Report([&] {
+            if (native.control->Kind() == Kind::CheckBox) {
+                Click(static_cast<CheckBox&>(*native.control));
+            } else if (native.control->Kind() == Kind::OptionButton) {
+                Click(static_cast<OptionButton&>(*native.control));
+            } else {
+                const bool by_input = static_cast<NativeButton*>(native.widget)->TakeByInput();
+                Click(static_cast<CommandButton&>(*native.control),
+                      by_input ? std::optional(last_press_) : std::nullopt);
+            }
+        });
+    });
+}
+
+void NativeForm::ListenToComboBox(NativeControl& native) {
+    auto& box = static_cast<ComboBox&>(*native.control);
+    auto* widget = static_cast<QComboBox*>(native.widget);
+    QObject::connect(widget, &QComboBox::activated, widget, [this, &native, &box](int index) {
+        Stale(native, Property::ListIndex);
+        if (index != box.ListIndex()) {
+            Report([&] { Choose(box, index); });
+        }
+    });
+    if (widget->isEditable()) {
+        QObject::connect(widget->lineEdit(), &QLineEdit::textEdited, widget,
+                         [this, &native, &box](const QString& text) {
+                             Stale(native, Property::Text);
+                             Report([&] { Edit(box, FromQt(text)); });
+                         });
+    }
+}
+
+void NativeForm::ListenToListBox(NativeControl& native) {
+    auto* widget = static_cast<QListWidget*>(native.widget);
+    QObject::connect(widget, &QListWidget::currentRowChanged, widget, [this, &native](int row) {
+        Report([&] {
+            Stale(native, Property::ListIndex);
+            Choose(static_cast<ListBox&>(*native.control), row);
+        });
+    });
+}
+
+/// A click on the active tab is one too, and changes nothing that the bar would report.
+void NativeForm::ListenToTabs(NativeControl& native) {
+    auto& tabs = static_cast<TabControl&>(*native.control);
+    QTabBar* bar = &tabs_->Bar();
+    const auto choose = [this, &native, &tabs](int tab) {
+        Report([&] {
+            Stale(native, Property::Tab);
+            Choose(tabs, tab);
+        });
+    };
+    QObject::connect(bar, &QTabBar::currentChanged, bar, choose);
+    QObject::connect(bar, &QTabBar::tabBarClicked, bar, [bar, choose](int tab) {
+        if (tab == bar->currentIndex()) {
+            choose(tab);
+        }
+    });
+}
+
+void NativeForm::Listen(NativeControl& native) {
+    switch (native.control->Kind()) {
+    case Kind::TextBox:
+        ListenToText(native);
+        break;
+    case Kind::CommandButton:
+    case Kind::CheckBox:
+    case Kind::OptionButton:
+        ListenToButton(native);
+        break;
+    case Kind::ComboBox:
+        ListenToComboBox(native);
+        break;
+    case Kind::ListBox:
+        ListenToListBox(native);
+        break;
+    case Kind::TabControl:
+        ListenToTabs(native);
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace ui

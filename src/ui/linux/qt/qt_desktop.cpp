@@ -1,0 +1,165 @@
+#include "ui/linux/qt/qt_desktop.h"
+
+#include <array>
+#include <clocale>
+
+#include <QCloseEvent>
+#include <QIcon>
+#include <QLabel>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+
+#include "platform/files.h"
+#include "platform/pending_events.h"
+#include "platform/system_text.h"
+#include "ui/linux/qt/text.h"
+
+namespace ui {
+namespace {
+
+/// Qt sets the process's locale from the environment, on which conversions of numbers would depend that the
+/// program makes. This puts back what was there.
+class KeepLocale {
+  public:
+    KeepLocale() : before_(std::setlocale(LC_ALL, nullptr)) {}
+    KeepLocale(const KeepLocale&) = delete;
+    KeepLocale& operator=(const KeepLocale&) = delete;
+    ~KeepLocale() { std::setlocale(LC_ALL, before_.c_str()); }
+
+  private:
+    std::string before_;
+};
+
+/// Qt's hints to its developers are none for an operator's terminal; what ends the program is.
+void TakeMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+    if (type == QtCriticalMsg || type == QtFatalMsg) {
+        std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+    }
+}
+
+std::unique_ptr<QApplication> OpenApplication(const std::string& qt_platform) {
+    // Qt keeps references to both for as long as it lives.
+    static std::string name = platform::ToSystemText(platform::ExecutableName());
+    static std::string option = "-platform";
+    static std::string value = qt_platform;
+    static std::array arguments = {name.data(), option.data(), value.data(), static_cast<char*>(nullptr)};
+    static int count = static_cast<int>(arguments.size()) - 1;
+    const KeepLocale keep;
+    qInstallMessageHandler(TakeMessage);
+    return std::make_unique<QApplication>(count, arguments.data());
+}
+
+QString LinesOf(const std::string& text) {
+    return ToQt(text).replace("\r\n", "\n");
+}
+
+QMessageBox::Icon IconOf(platform::MessageIcon icon) {
+    switch (icon) {
+    case platform::MessageIcon::None:
+        return QMessageBox::NoIcon;
+    case platform::MessageIcon::Exclamation:
+        return QMessageBox::Warning;
+    case platform::MessageIcon::Critical:
+        return QMessageBox::Critical;
+    }
+    return QMessageBox::NoIcon;
+}
+
+/// Places in twips at 96 DPI, which is Qt's own unit; grown where the font is higher than the design's.
+class QtStatusWindow final : public QWidget, public platform::StatusWindow {
+  public:
+    explicit QtStatusWindow(const platform::StatusWindowLayout& layout)
+        : QWidget(nullptr,
+                  Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowStaysOnTopHint),
+          label_(new QLabel(this)),
+          bar_(new QProgressBar(this)),
+          height_(std::max(1.0, fontMetrics().height() / Pixels(layout.label.height))) {
+        setObjectName("frmStatus");
+        setWindowTitle(ToQt(layout.caption));
+        label_->setObjectName("lblStatus");
+        label_->setTextFormat(Qt::PlainText);
+        bar_->setObjectName("prbStatus");
+        bar_->setTextVisible(false);
+        Settle(*label_, layout.label);
+        Settle(*bar_, layout.bar);
+        setFixedSize(qRound(Pixels(layout.client_width) * height_),
+                     qRound(Pixels(layout.client_height) * height_));
+        const QRect free = screen()->availableGeometry();
+        move(free.center() - rect().center());
+    }
+
+    void SetBar(float min, float max, float value) override {
+        const int low = static_cast<int>(min);
+        bar_->setRange(low, std::max(static_cast<int>(max), low + 1)); // without a range it would only move
+        bar_->setValue(static_cast<int>(value));
+        bar_->repaint();
+    }
+
+    void SetLabel(const std::string& text) override {
+        label_->setText(ToQt(text));
+        label_->repaint();
+    }
+
+    void Show() override { show(); }
+
+  protected:
+    void closeEvent(QCloseEvent* event) override { event->ignore(); } // the run ends the window
+
+  private:
+    static double Pixels(int twips) {
+        constexpr double kTwipsPerPixel = 15;
+        return twips / kTwipsPerPixel;
+    }
+    void Settle(QWidget& part, const platform::TwipsRect& place) const {
+        part.setGeometry(QRectF(Pixels(place.left) * height_, Pixels(place.top) * height_,
+                                Pixels(place.width) * height_, Pixels(place.height) * height_)
+                             .toRect());
+    }
+
+    QLabel* label_;
+    QProgressBar* bar_;
+    double height_;
+};
+
+} // namespace
+
+QtDesktop::QtDesktop(const std::string& qt_platform) : application_(OpenApplication(qt_platform)) {
+    // A window's own loop says when it is over; a message box that closes is not the program's end.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setQuitLockEnabled(false);
+    QApplication::setWindowIcon(QIcon(":/icons/program.ico"));
+}
+
+void QtDesktop::ShowMessageBox(const std::string& text, platform::MessageIcon icon,
+                               const std::string& title) {
+    // Above the window that the operator is in, or alone, where the program has none.
+    QMessageBox box(IconOf(icon), ToQt(title), LinesOf(text), QMessageBox::Ok, QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    box.setObjectName("message");
+    const bool waiting = QGuiApplication::overrideCursor() != nullptr;
+    SetMousePointer(platform::kDefaultPointer); // the operator is asked now
+    box.exec();
+    SetMousePointer(waiting ? platform::kHourglassPointer : platform::kDefaultPointer);
+}
+
+std::unique_ptr<platform::StatusWindow>
+QtDesktop::MakeStatusWindow(const platform::StatusWindowLayout& layout) {
+    return std::make_unique<QtStatusWindow>(layout);
+}
+
+void QtDesktop::RunPendingEvents() {
+    QCoreApplication::processEvents();
+}
+
+void QtDesktop::SetMousePointer(std::int16_t pointer) {
+    const bool waiting = QGuiApplication::overrideCursor() != nullptr;
+    if (pointer == platform::kHourglassPointer && !waiting) {
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    } else if (pointer != platform::kHourglassPointer && waiting) {
+        QGuiApplication::restoreOverrideCursor();
+    }
+}
+
+} // namespace ui

@@ -1,0 +1,33 @@
+// The native tab bar and the sheet below it that its pages lie on. The pages are no children of it: the form
+// places them itself. A disabled tab is grey and not to be chosen.
+#pragma once
+
+#include <vector>
+
+#include <QTabBar>
+#include <QWidget>
+
+#include "ui/controls.h"
+
+namespace ui {
+
+class TabStrip final : public QWidget {
+  public:
+    TabStrip(const TabControl& tabs, QWidget* parent);
+
+    QTabBar& Bar() { return *bar_; }
+    /// Chooses the next tab in that direction (1 or -1) that can be chosen, as the operator does; `around`
+    /// goes on at the other end. Nothing happens where there is none.
+    void ChooseNext(int direction, bool around);
+    /// The first tab from `index` on, in that direction, that can be chosen.
+    void ChooseFrom(int index, int direction);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    QTabBar* bar_;
+};
+
+} // namespace ui

@@ -1,0 +1,110 @@
+// Shows the console's forms, each tab, at every size that they must fit at, and writes what the screen shows
+// of them into files: for eyes, after a change of a place or a text. tests/ui/take-pictures runs it.
+//
+//   form_pictures FOLDER [SIZE …]     by default all of screen::Sizes
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "console/main_form_design.h"
+#include "console/procedures_form_design.h"
+#include "ui/screen.h"
+#include "ui/toolkit.h"
+
+namespace {
+
+void Fill(ui::ListView& list) {
+    list.ExtendedStyle(ui::kGridLines | ui::kFullRowSelect);
+    for (int column = 0; column < 5; ++column) {
+        const std::string name = "Column" + std::to_string(column) + (column == 0 ? " *" : "");
+        list.AddColumn(name, name);
+    }
+    for (int row = 0; row < 100; ++row) {
+        list.AddRow("row_" + std::to_string(row), std::to_string(row));
+        list.SetCell(row, 1, "a rather long text of row " + std::to_string(row));
+        list.SetCell(row, 2, "(Null)");
+    }
+    for (int column = 0; column < 5; ++column) {
+        list.AutoSizeColumn(column);
+    }
+}
+
+void Fill(ui::ListBox& list) {
+    for (int item = 1; item < 40; ++item) {
+        list.AddItem("Table number " + std::to_string(item));
+    }
+    list.ListIndex(2);
+}
+
+void Fill(ui::Form& form) {
+    for (const auto& control : form.Controls()) {
+        switch (control->Kind()) {
+        case ui::Kind::TextBox:
+            static_cast<ui::TextBox&>(*control).Text("Text of " + std::string(control->Name()) +
+                                                     " gjpqy \xC4\xD6\xDC\xDF");
+            break;
+        case ui::Kind::ComboBox:
+            static_cast<ui::ComboBox&>(*control).AddItem("Batch");
+            static_cast<ui::ComboBox&>(*control).Text("Batch");
+            break;
+        case ui::Kind::ListBox:
+            Fill(static_cast<ui::ListBox&>(*control));
+            break;
+        case ui::Kind::ListView:
+            Fill(static_cast<ui::ListView&>(*control));
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+bool Take(screen::Part window, const std::string& path) {
+    int turns = 0;
+    screen::WaitFor([&turns] { return ++turns > 150; }); // until the screen itself has drawn it
+    return screen::TakePicture(window, path);
+}
+
+bool TakeAll(const ui::FormDesign& design, int size, const std::string& folder) {
+    ui::Form form(design);
+    const auto window = ui::MakeWindow(form);
+    if (!window) {
+        std::fputs("there is no screen\n", stderr);
+        return false;
+    }
+    screen::Part top = screen::WindowOf(form);
+    Fill(form);
+    screen::SetSize(top, size);
+    window->Show();
+    screen::Activate(top);
+    const std::string begin = folder + "/" + design.name + "-" + std::to_string(size) + "-";
+    auto* tabs = static_cast<ui::TabControl*>(form.Find("tabMain"));
+    if (tabs == nullptr) {
+        return Take(top, begin + "0");
+    }
+    bool taken = true;
+    for (int tab = 0; tab < tabs->Tabs(); ++tab) {
+        tabs->TabEnabled(4, tab == 4);
+        tabs->Tab(tab);
+        taken = Take(top, begin + std::to_string(tab)) && taken;
+    }
+    return taken;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::string folder = argc > 1 ? argv[1] : ".";
+    std::vector<int> sizes;
+    for (int argument = 2; argument < argc; ++argument) {
+        sizes.push_back(std::atoi(argv[argument]));
+    }
+    bool taken = true;
+    for (const int size : sizes.empty() ? screen::Sizes() : sizes) {
+        for (const ui::FormDesign* design : {&kv::MainFormDesign(), &kv::ProceduresFormDesign()}) {
+            taken = TakeAll(*design, size, folder) && taken;
+        }
+    }
+    return taken ? 0 : 1;
+}

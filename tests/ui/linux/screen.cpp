@@ -1,0 +1,448 @@
+#include "ui/screen.h"
+
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QStyleOption>
+#include <QTabBar>
+#include <QTableView>
+#include <QTimer>
+#include <QWindow>
+
+#include "platform/linux/desktop.h"
+#include "platform/pending_events.h"
+#include "ui/linux/x_input.h"
+
+namespace screen {
+namespace {
+
+QWidget& Of(Part part) {
+    if (part == nullptr) {
+        throw std::runtime_error("there is no such native control");
+    }
+    return *static_cast<QWidget*>(part);
+}
+
+template <class T>
+T& As(Part part) {
+    auto* widget = qobject_cast<T*>(&Of(part));
+    if (widget == nullptr) {
+        throw std::runtime_error(Of(part).objectName().toStdString() + " is no " +
+                                 T::staticMetaObject.className());
+    }
+    return *widget;
+}
+
+QString Identifier(const ui::Control& control) {
+    const std::string index = control.Index() ? "(" + std::to_string(*control.Index()) + ")" : "";
+    return QString::fromStdString(control.Name() + index);
+}
+
+std::string Latin(const QString& text) {
+    return text.toLatin1().toStdString();
+}
+
+Box ToBox(const QRect& rect) {
+    return {rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height()};
+}
+
+QPoint OnScreen(QWidget& widget, QPoint point) {
+    const QPoint place = widget.mapToGlobal(point);
+    const double scale = widget.devicePixelRatioF();
+    return {qRound(place.x() * scale), qRound(place.y() * scale)};
+}
+
+/// The part of a native control that is clicked on.
+QWidget& Surface(QWidget& widget) {
+    auto* area = qobject_cast<QAbstractScrollArea*>(&widget);
+    return area == nullptr ? widget : *area->viewport();
+}
+
+XInput& Hands() {
+    static XInput hands;
+    return hands;
+}
+
+/// Counts the keys that mean nothing to anybody.
+class KeyCounter : public QObject {
+  public:
+    KeyCounter() { qApp->installEventFilter(this); }
+    ~KeyCounter() override { qApp->removeEventFilter(this); }
+    int seen = 0;
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (object->isWidgetType() && event->type() == QEvent::KeyPress &&
+            static_cast<QKeyEvent*>(event)->key() == Qt::Key_F24) {
+            ++seen;
+            return true;
+        }
+        return false;
+    }
+};
+
+QTimer* meanwhile = nullptr;
+
+} // namespace
+
+bool IsThere() {
+    return platform::OpenDesktop() != nullptr;
+}
+
+bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    for (;;) {
+        platform::RunPendingEvents();
+        if (condition()) {
+            return true;
+        }
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+Meanwhile::Meanwhile(std::function<bool()> step) {
+    meanwhile = new QTimer;
+    QObject::connect(meanwhile, &QTimer::timeout, meanwhile, [timer = meanwhile, step = std::move(step)] {
+        if (step()) {
+            timer->stop();
+        }
+    });
+    meanwhile->start(std::chrono::milliseconds(10));
+}
+
+Meanwhile::~Meanwhile() {
+    delete std::exchange(meanwhile, nullptr);
+}
+
+// --- finding
+
+Part WindowOf(const ui::Form& form) {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == form.Design().name) {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
+Part Find(const ui::Form& form, const ui::Control& control) {
+    Part window = WindowOf(form);
+    return window == nullptr ? nullptr : Of(window).findChild<QWidget*>(Identifier(control));
+}
+
+Part ParentOf(Part part) {
+    return Of(part).parentWidget();
+}
+
+const ui::Control* Focused(const ui::Form& form) {
+    for (QWidget* widget = QApplication::focusWidget(); widget != nullptr; widget = widget->parentWidget()) {
+        for (const auto& control : form.Controls()) {
+            if (Identifier(*control) == widget->objectName()) {
+                return control.get();
+            }
+        }
+    }
+    return nullptr;
+}
+
+// --- seeing
+
+bool IsOfKind(Part part, ui::Kind kind) {
+    const QWidget& widget = Of(part);
+    switch (kind) {
+    case ui::Kind::Frame:
+        return qobject_cast<const QGroupBox*>(&widget) != nullptr;
+    case ui::Kind::PictureBox:
+        return widget.metaObject() == &QWidget::staticMetaObject;
+    case ui::Kind::Label:
+        return qobject_cast<const QLabel*>(&widget) != nullptr;
+    case ui::Kind::TextBox:
+        return qobject_cast<const QLineEdit*>(&widget) != nullptr ||
+               qobject_cast<const QPlainTextEdit*>(&widget) != nullptr;
+    case ui::Kind::CommandButton:
+        return qobject_cast<const QPushButton*>(&widget) != nullptr;
+    case ui::Kind::CheckBox:
+        return qobject_cast<const QCheckBox*>(&widget) != nullptr;
+    case ui::Kind::OptionButton:
+        return qobject_cast<const QRadioButton*>(&widget) != nullptr;
+    case ui::Kind::ComboBox:
+        return qobject_cast<const QComboBox*>(&widget) != nullptr;
+    case ui::Kind::ListBox:
+        return qobject_cast<const QListWidget*>(&widget) != nullptr;
+    case ui::Kind::ListView:
+        return qobject_cast<const QTableView*>(&widget) != nullptr;
+    case ui::Kind::ProgressBar:
+        return qobject_cast<const QProgressBar*>(&widget) != nullptr;
+    case ui::Kind::TabControl:
+        return qobject_cast<const QTabBar*>(&widget) != nullptr;
+    case ui::Kind::Form:
+        break;
+    }
+    return false;
+}
+
+bool IsShown(Part part) {
+    return part != nullptr && Of(part).isVisible();
+}
+
+bool IsEnabled(Part part) {
+    return Of(part).isEnabled();
+}
+
+std::string Text(Part part) {
+    QWidget& widget = Of(part);
+    if (widget.isWindow()) {
+        return Latin(widget.windowTitle());
+    }
+    if (auto* lines = qobject_cast<QPlainTextEdit*>(&widget)) {
+        return Latin(lines->toPlainText());
+    }
+    for (const char* property : {"text", "currentText", "title"}) {
+        if (const QVariant value = widget.property(property); value.isValid()) {
+            return Latin(value.toString());
+        }
+    }
+    return "";
+}
+
+bool IsTicked(Part part) {
+    return As<QAbstractButton>(part).isChecked();
+}
+
+bool IsReadOnly(Part part) {
+    return Of(part).property("readOnly").toBool();
+}
+
+std::pair<int, int> Selection(Part part) {
+    const auto& line = As<QLineEdit>(part);
+    return line.hasSelectedText() ? std::pair(line.selectionStart(), line.selectionEnd())
+                                  : std::pair(line.cursorPosition(), line.cursorPosition());
+}
+
+int ItemCount(Part part) {
+    return Of(part).property("count").toInt();
+}
+
+int ChosenItem(Part part) {
+    if (auto* list = qobject_cast<QListWidget*>(&Of(part))) {
+        return list->currentRow();
+    }
+    return As<QComboBox>(part).currentIndex();
+}
+
+bool IsDroppedDown(Part combo_box) {
+    return As<QComboBox>(combo_box).view()->isVisible();
+}
+
+int BarMax(Part bar) {
+    return As<QProgressBar>(bar).maximum();
+}
+
+int BarValue(Part bar) {
+    return As<QProgressBar>(bar).value();
+}
+
+int ShownTab(Part tabs) {
+    return As<QTabBar>(tabs).currentIndex();
+}
+
+int RowCount(Part list_view) {
+    return As<QTableView>(list_view).model()->rowCount();
+}
+
+int ColumnCount(Part list_view) {
+    return As<QTableView>(list_view).model()->columnCount();
+}
+
+std::string Cell(Part list_view, int row, int column) {
+    const QAbstractItemModel& model = *As<QTableView>(list_view).model();
+    return Latin(model.data(model.index(row, column)).toString());
+}
+
+int ColumnWidth(Part list_view, int column) {
+    return As<QTableView>(list_view).columnWidth(column);
+}
+
+bool HasGridAndFullRows(Part list_view) {
+    const auto& table = As<QTableView>(list_view);
+    return table.showGrid() && table.selectionBehavior() == QAbstractItemView::SelectRows;
+}
+
+int WidthOfText(Part part, const std::string& text) {
+    QString shown = QString::fromLatin1(QByteArray::fromStdString(text));
+    shown.replace("&&", QChar(1)).remove('&').replace(QChar(1), '&');
+    return Of(part).fontMetrics().horizontalAdvance(shown);
+}
+
+int RoomForCaption(Part part, ui::Kind kind) {
+    QWidget& widget = Of(part);
+    QStyleOptionButton option;
+    option.initFrom(&widget);
+    switch (kind) {
+    case ui::Kind::CheckBox:
+        return widget.style()->subElementRect(QStyle::SE_CheckBoxContents, &option, &widget).width();
+    case ui::Kind::OptionButton:
+        return widget.style()->subElementRect(QStyle::SE_RadioButtonContents, &option, &widget).width();
+    case ui::Kind::CommandButton:
+        return widget.style()->subElementRect(QStyle::SE_PushButtonContents, &option, &widget).width();
+    default:
+        return widget.contentsRect().width();
+    }
+}
+
+Box PlaceIn(Part part, Part other) {
+    QWidget& widget = Of(part);
+    return ToBox({Of(other).mapFromGlobal(widget.mapToGlobal(QPoint(0, 0))), widget.size()});
+}
+
+Box FrameOf(Part window) {
+    return ToBox(Of(window).frameGeometry());
+}
+
+Box Room(Part part) {
+    QWidget& widget = Of(part);
+    auto* frame = qobject_cast<QGroupBox*>(&widget);
+    if (frame == nullptr) {
+        return ToBox(widget.rect());
+    }
+    QStyleOptionGroupBox option;
+    option.initFrom(frame);
+    option.text = frame->title();
+    option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
+    return ToBox(
+        frame->style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxContents, frame));
+}
+
+Box TabPlace(Part tabs, int tab) {
+    return ToBox(As<QTabBar>(tabs).tabRect(tab));
+}
+
+Box ItemPlace(Part list_box, int item) {
+    const auto& list = As<QListWidget>(list_box);
+    return ToBox(list.visualItemRect(list.item(item)));
+}
+
+/// What Qt has given the window below the pointer to show: the server's own picture has no name without a
+/// theme.
+Pointer PointerOver(Part part) {
+    QWidget& surface = Surface(Of(part));
+    const QPoint middle = surface.rect().center();
+    for (const QPoint place : {middle - QPoint(1, 0), middle}) {
+        Hands().MoveTo(OnScreen(surface, place));
+        WaitFor([&] { return QCursor::pos() == surface.mapToGlobal(place); });
+        platform::RunPendingEvents();
+    }
+    const QCursor* over_all = QGuiApplication::overrideCursor();
+    const QCursor cursor = over_all == nullptr ? surface.window()->windowHandle()->cursor() : *over_all;
+    switch (cursor.shape()) {
+    case Qt::ArrowCursor:
+        return Pointer::Arrow;
+    case Qt::IBeamCursor:
+        return Pointer::Beam;
+    case Qt::WaitCursor:
+        return Pointer::Hourglass;
+    default:
+        return Pointer::Other;
+    }
+}
+
+std::string ToolTip() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->inherits("QTipLabel") && window->isVisible()) {
+            return Latin(static_cast<QLabel*>(window)->text());
+        }
+    }
+    return "";
+}
+
+bool TakePicture(Part window, const std::string& path) {
+    QWidget& widget = Of(window);
+    const QRect frame = widget.frameGeometry();
+    const QPixmap picture =
+        widget.screen()->grabWindow(0, frame.x(), frame.y(), frame.width(), frame.height());
+    return picture.save(QString::fromStdString(path) + ".png", "PNG");
+}
+
+std::vector<int> Sizes() {
+    return {9, 10, 11, 12, 14};
+}
+
+void SetSize(Part /*window*/, int size) {
+    QFont font = QApplication::font();
+    font.setPointSize(size);
+    QApplication::setFont(font);
+}
+
+// --- working
+
+/// The window manager moves the keyboard's focus some time after it was asked, so a key is pressed until one
+/// arrives.
+bool Activate(Part window) {
+    constexpr int kTries = 60;
+    Of(window).raise();
+    const KeyCounter counter;
+    for (int attempt = 0; attempt < kTries; ++attempt) {
+        const auto here = [&] { return counter.seen > 0 && Of(window).isActiveWindow(); };
+        Of(window).activateWindow();
+        Hands().PressNothing();
+        if (WaitFor(here, std::chrono::seconds(1))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void Click(Part part) {
+    QWidget& surface = Surface(Of(part));
+    ClickAt(part, surface.width() / 2, surface.height() / 2);
+}
+
+void ClickAt(Part part, int x, int y) {
+    QWidget& surface = Surface(Of(part));
+    Hands().MoveTo(OnScreen(surface, {x, y}));
+    Hands().Click();
+}
+
+void Type(const std::string& text) {
+    for (const char character : text) {
+        Hands().Type(character);
+    }
+}
+
+void Press(Key key, std::initializer_list<Held> held) {
+    std::vector<XInput::Symbol> symbols;
+    for (const Held one : held) {
+        symbols.push_back(XInput::SymbolOf(one));
+    }
+    Hands().Press(XInput::SymbolOf(key), symbols);
+}
+
+bool InputArrived() {
+    const KeyCounter counter;
+    Hands().PressNothing();
+    return WaitFor([&counter] { return counter.seen > 0; });
+}
+
+void CloseByFrame(Part window) {
+    QMetaObject::invokeMethod(&Of(window), &QWidget::close, Qt::QueuedConnection);
+}
+
+} // namespace screen

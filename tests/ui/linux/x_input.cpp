@@ -1,0 +1,93 @@
+#include "ui/linux/x_input.h"
+
+#include <map>
+#include <stdexcept>
+
+#include <X11/XKBlib.h>
+#include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+namespace screen {
+namespace {
+
+Display* Of(void* display) {
+    return static_cast<Display*>(display);
+}
+
+} // namespace
+
+XInput::XInput() : display_(::XOpenDisplay(nullptr)) {
+    if (display_ == nullptr) {
+        throw std::runtime_error("there is no X server");
+    }
+}
+
+XInput::~XInput() {
+    ::XCloseDisplay(Of(display_));
+}
+
+void XInput::MoveTo(QPoint point) {
+    ::XTestFakeMotionEvent(Of(display_), -1, point.x(), point.y(), CurrentTime);
+    ::XSync(Of(display_), False);
+}
+
+void XInput::Click() {
+    ::XTestFakeButtonEvent(Of(display_), 1, True, CurrentTime);
+    ::XTestFakeButtonEvent(Of(display_), 1, False, CurrentTime);
+    ::XSync(Of(display_), False);
+}
+
+void XInput::Send(Symbol key, bool down) {
+    ::XTestFakeKeyEvent(Of(display_), ::XKeysymToKeycode(Of(display_), key), down ? True : False,
+                        CurrentTime);
+}
+
+void XInput::Press(Symbol key, const std::vector<Symbol>& held) {
+    for (const Symbol one : held) {
+        Send(one, true);
+    }
+    Send(key, true);
+    Send(key, false);
+    for (auto one = held.rbegin(); one != held.rend(); ++one) {
+        Send(*one, false);
+    }
+    ::XSync(Of(display_), False);
+}
+
+/// The keys' symbols are Latin 1's; the second level of a key is with Shift.
+void XInput::Type(char character) {
+    const auto symbol = static_cast<Symbol>(static_cast<unsigned char>(character));
+    const KeyCode code = ::XKeysymToKeycode(Of(display_), symbol);
+    const bool shift = ::XkbKeycodeToKeysym(Of(display_), code, 0, 0) != symbol;
+    shift ? Press(symbol, {XK_Shift_L}) : Press(symbol);
+}
+
+void XInput::PressNothing() {
+    if (::XKeysymToKeycode(Of(display_), XK_F24) == 0) {
+        constexpr int kFree = 248; // no key of a usual keyboard has it
+        KeySym symbol = XK_F24;
+        ::XChangeKeyboardMapping(Of(display_), kFree, 1, &symbol, 1);
+        ::XSync(Of(display_), False);
+    }
+    Press(XK_F24);
+}
+
+XInput::Symbol XInput::SymbolOf(Key key) {
+    static const std::map<Key, Symbol> symbols = {
+        {Key::Tab, XK_Tab},   {Key::Enter, XK_Return}, {Key::Escape, XK_Escape}, {Key::Space, XK_space},
+        {Key::Home, XK_Home}, {Key::End, XK_End},      {Key::Left, XK_Left},     {Key::Right, XK_Right},
+        {Key::Up, XK_Up},     {Key::Down, XK_Down},    {Key::PageUp, XK_Prior},  {Key::PageDown, XK_Next},
+        {Key::F4, XK_F4},     {Key::C, XK_c},          {Key::P, XK_p},           {Key::R, XK_r},
+        {Key::U, XK_u},
+    };
+    return symbols.at(key);
+}
+
+XInput::Symbol XInput::SymbolOf(Held held) {
+    static const std::map<Held, Symbol> symbols = {
+        {Held::Control, XK_Control_L}, {Held::Shift, XK_Shift_L}, {Held::Alt, XK_Alt_L}};
+    return symbols.at(held);
+}
+
+} // namespace screen

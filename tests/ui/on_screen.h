@@ -1,0 +1,65 @@
+// A form in its native window, in front, for tests that look at it and steer it.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "console/main_form_design.h"
+#include "console/procedures_form_design.h"
+#include "platform/pending_events.h"
+#include "ui/screen.h"
+#include "ui/toolkit.h"
+
+class OnScreen : public ::testing::Test {
+  protected:
+    explicit OnScreen(const ui::FormDesign& design = kv::MainFormDesign()) : form_(design) {}
+
+    void SetUp() override {
+        ASSERT_TRUE(screen::IsThere()) << "this suite needs a screen";
+        window_ = ui::MakeWindow(form_);
+        top_ = screen::WindowOf(form_);
+        window_->Show();
+        ASSERT_TRUE(screen::Activate(top_));
+        Settle();
+    }
+
+    template <class T>
+    T& Get(const char* name, int index = ui::kNoIndex) {
+        return form_.Get<T>(name, index);
+    }
+    screen::Part Native(const char* name, int index = ui::kNoIndex) {
+        return Native(*form_.Find(name, index));
+    }
+    screen::Part Native(const ui::Control& control) { return screen::Find(form_, control); }
+    /// Lets what has been posted run.
+    static void Settle() {
+        platform::RunPendingEvents();
+        platform::RunPendingEvents();
+    }
+    /// A page's native controls are made when it is shown first.
+    void ShowTab(int tab) {
+        Get<ui::TabControl>("tabMain").Tab(tab);
+        Settle();
+    }
+    /// Every page, and the first one again; nothing on a form without tabs.
+    void ShowAllTabs() {
+        auto* tabs = static_cast<ui::TabControl*>(form_.Find("tabMain"));
+        for (int tab = 0; tabs != nullptr && tab <= tabs->Tabs(); ++tab) {
+            ShowTab(tab % tabs->Tabs());
+        }
+    }
+    /// The name of the control that has the focus, with its index; "" if none of the form's has.
+    std::string FocusName() const {
+        const ui::Control* focus = screen::Focused(form_);
+        return focus == nullptr ? "" : Name(*focus);
+    }
+    static std::string Name(const ui::Control& control) {
+        return control.Name() + (control.Index() ? std::to_string(*control.Index()) : std::string());
+    }
+
+    ui::Form form_;
+    std::unique_ptr<ui::Window> window_;
+    screen::Part top_ = nullptr;
+};
