@@ -133,7 +133,7 @@ class Machine:
         self.program = os.path.join(self.install, "KVLSQLDbMgr" + extension)
         shutil.copy(os.path.join(binaries, "KVLSQLDbMgr" + extension), self.program)
         if not wine:
-            shutil.copy(os.path.join(binaries, "KVLSQLDbMgrWindow.so"), self.install)
+            shutil.copy(os.path.join(binaries, "libkvconsole.so"), self.install)
         self.tool = os.path.join(self.tools, "Binn", "OSQL.EXE")
         shutil.copy(os.path.join(binaries, "OSQL.EXE"), self.tool)
         self.set_scripts("v1")

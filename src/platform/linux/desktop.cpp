@@ -12,8 +12,9 @@
 namespace platform {
 namespace {
 
-constexpr char kModule[] = "KVLSQLDbMgrWindow.so";
-constexpr char kPackage[] = "libqt6widgets6";
+constexpr char kModule[] = "libkvconsole.so";
+constexpr char kModulePackage[] = "kvlsqldbmgr-console";
+constexpr char kLibraryPackage[] = "libqt6widgets6";
 
 /// One of them is set in every session with a display; the last also by who wants windows without one.
 constexpr std::array kDisplayVariables = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
@@ -29,13 +30,10 @@ bool DisplayIsNamed() {
 }
 
 void SayWhatIsMissing(const std::string& path, const char* reason) {
-    const std::string name = ExecutableName();
-    if (!FileExists(path)) {
-        WriteToTerminal(name + ": Windows are not shown: " + path + " is missing.\n");
-        return;
-    }
-    WriteToTerminal(name + ": Windows are not shown: install the package " + kPackage + " (" +
-                    FromSystemText(reason == nullptr ? "" : reason) + ").\n");
+    const bool there = FileExists(path);
+    const std::string why = there ? FromSystemText(reason == nullptr ? "" : reason) : path + " is missing";
+    WriteToTerminal(ExecutableName() + ": Windows are not shown: install the package " +
+                    (there ? kLibraryPackage : kModulePackage) + " (" + why + ").\n");
 }
 
 struct Module {

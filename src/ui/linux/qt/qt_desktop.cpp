@@ -1,6 +1,7 @@
 #include "ui/linux/qt/qt_desktop.h"
 
 #include <array>
+#include <cerrno>
 #include <clocale>
 
 #include <QCloseEvent>
@@ -11,9 +12,7 @@
 #include <QPushButton>
 #include <QScreen>
 
-#include "platform/files.h"
 #include "platform/pending_events.h"
-#include "platform/system_text.h"
 #include "ui/linux/qt/text.h"
 
 namespace ui {
@@ -41,7 +40,7 @@ void TakeMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QS
 
 std::unique_ptr<QApplication> OpenApplication(const std::string& qt_platform) {
     // Qt keeps references to both for as long as it lives.
-    static std::string name = platform::ToSystemText(platform::ExecutableName());
+    static std::string name = program_invocation_short_name;
     static std::string option = "-platform";
     static std::string value = qt_platform;
     static std::array arguments = {name.data(), option.data(), value.data(), static_cast<char*>(nullptr)};
