@@ -1,5 +1,5 @@
 // The entry of the module of windows: the two functions by which the program reaches it.
-#include <cstdlib>
+#include <memory>
 #include <optional>
 
 #include "ui/linux/qt/display.h"
@@ -40,26 +40,21 @@ class QtToolkit final : public WindowToolkit {
     }
 };
 
-std::optional<QtDesktop> desktop;
-
-void CloseDesktop() {
-    desktop.reset();
-}
+/// Never destroyed: at the program's exit, statics of Qt that were made after it would be gone before it.
+QtDesktop* desktop = nullptr;
 
 } // namespace
 } // namespace ui
 
 extern "C" __attribute__((visibility("default"))) platform::Desktop* KvOpenDesktop() {
-    if (!ui::desktop) {
+    if (ui::desktop == nullptr) {
         const std::string qt_platform = ui::PlatformOfDisplay();
         if (qt_platform.empty()) {
             return nullptr;
         }
-        ui::desktop.emplace(qt_platform);
-        // Ahead of the statics of Qt's libraries, which stood here before.
-        std::atexit(ui::CloseDesktop);
+        ui::desktop = std::make_unique<ui::QtDesktop>(qt_platform).release();
     }
-    return &*ui::desktop;
+    return ui::desktop;
 }
 
 extern "C" __attribute__((visibility("default"))) ui::WindowToolkit* KvWindowToolkit() {
