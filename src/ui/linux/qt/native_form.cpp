@@ -211,6 +211,7 @@ void NativeForm::LayOut() {
         const Control& control = *natives_[static_cast<std::size_t>(tabs_index_)].control;
         tabs_->setGeometry(scale_.PlaceIn(control, control.Parent()));
     }
+    MoveWithin(window_->screen()->availableGeometry(), window_->pos()); // it may have grown
 }
 
 /// On the owner, or in the middle of the screen; wholly on the screen where it fits.
@@ -219,9 +220,13 @@ void NativeForm::CentreOn(const QWidget* owner) {
     const QRect middle = owner == nullptr ? work : owner->frameGeometry();
     QRect own = window_->rect();
     own.moveCenter(middle.center());
-    own.moveLeft(std::max(work.left(), std::min(own.left(), work.right() - own.width())));
-    own.moveTop(std::max(work.top(), std::min(own.top(), work.bottom() - own.height())));
-    window_->move(own.topLeft());
+    MoveWithin(work, own.topLeft());
+}
+
+void NativeForm::MoveWithin(const QRect& work, QPoint corner) {
+    const int left = std::min(corner.x(), work.right() - window_->width());
+    const int top = std::min(corner.y(), work.bottom() - window_->height());
+    window_->move(std::max(work.left(), left), std::max(work.top(), top));
 }
 
 } // namespace ui

@@ -49,6 +49,8 @@ class NativeForm final : public Window, private Mirror, private QObject {
     void LayOut();
     void Settle(const NativeControl& native);
     void CentreOn(const QWidget* owner);
+    /// Wholly within that part of the screen, if it fits.
+    void MoveWithin(const QRect& work, QPoint corner);
 
     // native_form_acts.cpp: what the operator does to a native control
     void Listen(NativeControl& native);

@@ -1,0 +1,66 @@
+// The desktop's colours, which may become dark while the program runs.
+#include <cstdlib>
+
+#include <QApplication>
+#include <QPalette>
+#include <QWidget>
+
+#include "ui/on_screen.h"
+
+namespace {
+
+QPalette DarkPalette() {
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(48, 48, 48));
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Button, QColor(60, 60, 60));
+    dark.setColor(QPalette::AlternateBase, QColor(48, 48, 48));
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::BrightText}) {
+        dark.setColor(role, QColor(230, 230, 230));
+        dark.setColor(QPalette::Disabled, role, QColor(130, 130, 130));
+    }
+    return dark;
+}
+
+class DarkDesktop : public OnScreen {
+  protected:
+    DarkDesktop() : OnScreen(kv::MainFormDesign()) {}
+    void TearDown() override { QApplication::setPalette(before_); }
+    static QColor Colour(screen::Part part, QPalette::ColorRole role) {
+        return static_cast<QWidget*>(part)->palette().color(role);
+    }
+    void GoDark() {
+        before_ = QApplication::palette();
+        QApplication::setPalette(DarkPalette());
+        Settle();
+    }
+
+    QPalette before_;
+};
+
+TEST_F(DarkDesktop, IsFollowedByEveryColourThatIsTheSystemsOwn) {
+    auto& status = Get<ui::Label>("lblSQLServerReplicationStatus");
+    auto& user = Get<ui::TextBox>("edtUserID", 0);
+    user.BackColor(ui::kButtonFaceBackground);
+    ShowTab(kv::kReplicationTab);
+    status.Caption("Replication status");
+    GoDark();
+    EXPECT_EQ(Colour(top_, QPalette::Window), QColor(48, 48, 48));
+    EXPECT_EQ(Colour(Native(status), QPalette::WindowText), QColor(230, 230, 230));
+    EXPECT_EQ(Colour(Native("edtUserID", 0), QPalette::Base), QColor(48, 48, 48));
+    EXPECT_EQ(Colour(Native("edtUserID", 1), QPalette::Base), QColor(30, 30, 30));
+    status.ForeColor(ui::kRed);
+    user.BackColor(ui::kWindowBackground);
+    Settle();
+    EXPECT_EQ(Colour(Native(status), QPalette::WindowText), QColor(255, 0, 0));
+    EXPECT_EQ(Colour(Native("edtUserID", 0), QPalette::Base), QColor(30, 30, 30));
+    if (const char* folder = std::getenv("KV_PICTURES")) {
+        EXPECT_TRUE(screen::TakePicture(top_, std::string(folder) + "/dark-replication"));
+        ShowTab(kv::kGeneralTab);
+        screen::WaitFor([turns = 0]() mutable { return ++turns > 150; });
+        EXPECT_TRUE(screen::TakePicture(top_, std::string(folder) + "/dark-general"));
+    }
+}
+
+} // namespace
