@@ -138,8 +138,11 @@ class OdbcRemote : public RemoteConnection {
             return {RemoteFailure::Kind::Refused, MessageOf(*server)};
         }
         const bool no_driver = std::ranges::any_of(records, [](const odbc::Diagnostic& record) {
-            // IM002, IM003: the driver manager finds no driver of the name; 01000: it can't load the file.
-            return record.sql_state.starts_with("IM") || record.sql_state == "01000";
+            // IM002, IM003: the driver manager finds no driver of the name; 01000: it can't load the file. A
+            // driver that is there says 01000 of a connection that is cut while it logs in.
+            return record.sql_state.starts_with("IM") ||
+                   (record.sql_state == "01000" &&
+                    record.message.find("[Driver Manager]") != std::string::npos);
         });
         return {no_driver ? RemoteFailure::Kind::NoDriver : RemoteFailure::Kind::Unreachable,
                 MessageOf(records.front())};

@@ -4,7 +4,12 @@
 
 #include <cstdlib>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include "devserver/linked/odbc_remote.h"
 #include "devserver/tds/server.h"
@@ -217,6 +222,53 @@ TEST_F(LinkedServers, WhatIsNotThereIsToldByItsNumber) {
     EXPECT_EQ(number("exec sp_addlinkedserver N'X', N'Oracle', N'MSDAORA'"), 7403);
     EXPECT_EQ(number("exec sp_addlinkedserver N'X', N'SQL Server', N'SQLOLEDB'"), 15428);
     EXPECT_EQ(number("exec sp_addlinkedserver N'X', N'Other'"), 15427);
+}
+
+/// A port whose connections are cut as soon as they have said something.
+class CuttingServer {
+  public:
+    CuttingServer() : listener_(socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto* const any = reinterpret_cast<sockaddr*>(&address);
+        if (bind(listener_, any, size) != 0 || listen(listener_, 4) != 0 ||
+            getsockname(listener_, any, &size) != 0) {
+            throw std::runtime_error("no port to listen on");
+        }
+        port_ = ntohs(address.sin_port);
+        thread_ = std::thread([this] {
+            for (int peer = accept(listener_, nullptr, nullptr); peer >= 0;
+                 peer = accept(listener_, nullptr, nullptr)) {
+                char byte = 0;
+                static_cast<void>(recv(peer, &byte, 1, 0));
+                close(peer);
+            }
+        });
+    }
+    ~CuttingServer() {
+        shutdown(listener_, SHUT_RDWR); // accept fails, and the thread ends.
+        thread_.join();
+        close(listener_);
+    }
+    CuttingServer(const CuttingServer&) = delete;
+    CuttingServer& operator=(const CuttingServer&) = delete;
+    std::string Address() const { return "127.0.0.1," + std::to_string(port_); }
+
+  private:
+    int listener_;
+    int port_ = 0;
+    std::thread thread_;
+};
+
+TEST_F(LinkedServers, AServerThatCutsTheLoginIsNotTakenForAMissingDriver) {
+    const CuttingServer cutting;
+    near.Run("exec sp_addlinkedserver N'CUT', N'', N'SQLOLEDB', N'" + cutting.Address() +
+             "' select * from CUT.Batch.dbo.Lots");
+    ASSERT_EQ(near.messages.size(), 2U);
+    EXPECT_EQ(near.messages[0].number, 7412);
+    EXPECT_EQ(near.messages[1].number, 7303);
 }
 
 TEST_F(LinkedServers, AServerWithLoginsGoesWithThemOrNotAtAll) {

@@ -51,7 +51,7 @@ select object_name(id), count(*) from syscolumns group by id order by 1)"),
               R"(
 name|type|length|prec|scale|isnullable|colstat
 id|int|4|10|0|0|1
-name|nvarchar|40|20|NULL|0|0
+name|label|40|20|NULL|0|0
 price|money|8|19|4|1|0
 code|char|8|8|NULL|0|0
 (4)
@@ -281,6 +281,89 @@ uq_code|2
 > [dbo].[item]
 > [dbo].[sale]
 )");
+}
+
+TEST_F(Catalogue, AUserTypeIsFoundUnderItsOwnNumberAndName) {
+    EXPECT_EQ(Run(R"(
+create table typed (a label, b sysname, c int)
+GO
+create procedure takes @a label as return
+GO
+select c.name, t.name type, b.name below from syscolumns c join systypes t on t.xusertype = c.xusertype
+join systypes b on b.xusertype = c.xtype where c.id = object_id('typed') order by c.colid
+select c.name, t.name old from syscolumns c join systypes t on t.usertype = c.usertype where c.id = object_id('typed')
+order by c.colid
+select c.name, t.name type, t.is_user_defined, type_name(c.user_type_id) named, type_id(t.name) - c.user_type_id same
+from sys.columns c join sys.types t on t.user_type_id = c.user_type_id where object_id = object_id('typed') order by column_id
+select type_name(user_type_id) type from sys.parameters where object_id = object_id('takes')
+select type_id('nothing') no, type_name(999) no)"),
+              R"(
+name|type|below
+a|label|nvarchar
+b|sysname|nvarchar
+c|int|int
+(3)
+name|old
+a|label
+b|sysname
+c|int
+(3)
+name|type|is_user_defined|named|same
+a|label|1|label|0
+b|sysname|0|sysname|0
+c|int|0|int|0
+(3)
+type
+label
+(1)
+no|no
+NULL|NULL
+(1)
+)");
+    EXPECT_EQ(Run(R"(
+create table #help (name sysname, type sysname, computed varchar(3), length int, prec int null, scale int null,
+    nullable varchar(3), collation sysname null)
+create table #columns (q sysname, o sysname, t sysname, name sysname, dt int, type sysname, p int, l int, s int null,
+    r int null, n int, rem varchar(9) null, d varchar(9) null, sdt int, sub int null, oct int null, pos int,
+    isn varchar(3), ss int)
+insert #columns exec sp_columns 'typed'
+select name, dt, type, p, l, ss from #columns order by pos)"),
+              R"(
+(3)
+name|dt|type|p|l|ss
+a|-9|label|20|40|39
+b|-9|sysname|128|256|39
+c|4|int|10|4|38
+(3)
+)");
+    EXPECT_NE(Run("exec sp_help 'typed'").find("\na|label|no|40|"), std::string::npos);
+    EXPECT_NE(Run("exec sp_help 'takes'").find("\n@a|label|40|"), std::string::npos);
+}
+
+TEST_F(Catalogue, ACheckOfOneColumnCarriesItsName) {
+    EXPECT_EQ(Run(R"(
+create table checked (low int check (low > 0), high int constraint ck_high check ([high] < 9),
+    note varchar(9) constraint df_note default '', constraint ck_order check (low < high and len(note) < 9))
+select name, col_name(parent_object_id, parent_column_id) col from sys.check_constraints
+where parent_object_id = object_id('checked') and name like 'ck[_]_%' and name not like 'CK[_][_]%' order by name
+select left(o.name, 18) name, n.colid from sysconstraints n join sysobjects o on o.id = n.constid
+where n.id = object_id('checked') order by 2, 1)"),
+              R"(
+name|col
+ck_high|high
+ck_order|NULL
+(2)
+name|colid
+ck_order|0
+CK__checked__low__|1
+ck_high|2
+df_note|3
+(4)
+)");
+    const std::string told = Run("exec sp_helpconstraint 'checked', 'nomsg'");
+    EXPECT_NE(told.find("\nCHECK on column high|ck_high|"), std::string::npos) << told;
+    EXPECT_NE(told.find("\nCHECK Table Level|ck_order|"), std::string::npos) << told;
+    EXPECT_NE(told.find("\nDEFAULT on column note|df_note|"), std::string::npos) << told;
 }
 
 } // namespace

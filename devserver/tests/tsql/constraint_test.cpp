@@ -29,10 +29,12 @@ TEST_F(Constraint, EachViolationHasItsNumberAndNamesItsConstraint) {
               "\nMsg 2627.14.1 L1: Violation of UNIQUE KEY constraint 'uq_code'. Cannot insert duplicate key "
               "in object "
               "'dbo.unit'. The duplicate key value is (A).\n> The statement has been terminated.\n");
-    EXPECT_EQ(Run("insert unit values (2, 'b', 0)"),
-              "\nMsg 547.16.0 L1: The INSERT statement conflicted with the CHECK constraint \"ck_volume\". "
-              "The conflict "
-              "occurred in database \"tempdb\", table \"dbo.unit\".\n> The statement has been terminated.\n");
+    EXPECT_EQ(
+        Run("insert unit values (2, 'b', 0)"),
+        "\nMsg 547.16.0 L1: The INSERT statement conflicted with the CHECK constraint \"ck_volume\". "
+        "The conflict "
+        "occurred in database \"tempdb\", table \"dbo.unit\", column 'volume'.\n> The statement has been "
+        "terminated.\n");
     EXPECT_EQ(
         Run("insert batch values (11, 9)"),
         "\nMsg 547.16.0 L1: The INSERT statement conflicted with the FOREIGN KEY constraint \"fk_unit\". The "
@@ -137,11 +139,11 @@ alter table unit drop constraint ck_volume
 insert unit values (8, 'r', -1))"),
               R"(
 (1)
-Msg 547.16.0 L4: The INSERT statement conflicted with the CHECK constraint "ck_code". The conflict occurred in database "tempdb", table "dbo.unit".
+Msg 547.16.0 L4: The INSERT statement conflicted with the CHECK constraint "ck_code". The conflict occurred in database "tempdb", table "dbo.unit", column 'code'.
 > The statement has been terminated.
-Msg 547.16.0 L1: The ALTER TABLE statement conflicted with the CHECK constraint "ck_more". The conflict occurred in database "tempdb", table "dbo.unit".
+Msg 547.16.0 L1: The ALTER TABLE statement conflicted with the CHECK constraint "ck_more". The conflict occurred in database "tempdb", table "dbo.unit", column 'volume'.
 (1)
-Msg 547.16.0 L4: The INSERT statement conflicted with the CHECK constraint "ck_volume". The conflict occurred in database "tempdb", table "dbo.unit".
+Msg 547.16.0 L4: The INSERT statement conflicted with the CHECK constraint "ck_volume". The conflict occurred in database "tempdb", table "dbo.unit", column 'volume'.
 > The statement has been terminated.
 (1)
 )");
@@ -169,6 +171,26 @@ TEST_F(Constraint, AForeignKeyNeedsAKeyToReferTo) {
         ASSERT_FALSE(client.messages.empty()) << sql;
         EXPECT_EQ(client.messages.at(0).number, number) << sql;
     }
+}
+
+TEST_F(Constraint, AViolatedCheckNamesItsColumnWhereItHasOne) {
+    EXPECT_EQ(Run("alter table unit with nocheck add constraint ck_both check (volume > id and id < 9)\n"
+                  "insert unit values (9, 'b', 20)"),
+              "\nMsg 547.16.0 L2: The INSERT statement conflicted with the CHECK constraint \"ck_both\". The "
+              "conflict occurred in database \"tempdb\", table \"dbo.unit\".\n"
+              "> The statement has been terminated.\n");
+    EXPECT_EQ(
+        Run("alter table unit add constraint ck_id check (unit.id > len(10))"),
+        "\nMsg 547.16.0 L1: The ALTER TABLE statement conflicted with the CHECK constraint \"ck_id\". The "
+        "conflict occurred in database \"tempdb\", table \"dbo.unit\", column 'id'.\n");
+}
+
+TEST_F(Constraint, AColumnGoesWhoseNameIsOnlyAPartOfWhatACheckNames) {
+    EXPECT_EQ(
+        Run("alter table unit add vol int, lume int\nalter table unit drop column vol\n"
+            "alter table unit drop column volume"),
+        "\nMsg 4922.16.1 L3: ALTER TABLE DROP COLUMN volume failed because one or more objects access this "
+        "column.\n");
 }
 
 } // namespace

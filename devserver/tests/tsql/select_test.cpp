@@ -505,5 +505,57 @@ TEST_F(Select, AMoneyLiteralEndsAtTheCommaThatGroupsNothing) {
     EXPECT_EQ(Run("select $1,000.50, $19.00,17, $5,2"), "\n||||\n1000.5000|19.0000|17|5.0000|2\n(1)\n");
 }
 
+TEST_F(Select, RowsOfATableWithAClusteredKeyComeInItsOrder) {
+    EXPECT_EQ(Run(R"(
+set nocount on
+create table keyed (a int, b varchar(5), c int, constraint pk_keyed primary key (b, a desc))
+create table plain (a int primary key nonclustered, b varchar(5))
+insert keyed values (1, 'b', 0) insert keyed values (2, 'a', 0) insert keyed values (3, 'b', 1)
+insert plain values (2, 'x') insert plain values (1, 'y')
+set nocount off
+declare @all varchar(20) set @all = ''
+select @all = @all + b + str(a, 1) from keyed
+select @all seen
+select * from keyed select top 1 a from keyed where c = 0 select count(*) n from keyed select distinct c from keyed order by c
+select * from plain
+declare k cursor for select a from keyed open k fetch k close k deallocate k)"),
+              R"(
+seen
+a2b3b1
+(1)
+a|b|c
+2|a|0
+3|b|1
+1|b|0
+(3)
+a
+2
+(1)
+n
+3
+(1)
+c
+0
+1
+(2)
+a|b
+2|x
+1|y
+(2)
+a
+2
+(1)
+)");
+}
+
+TEST_F(Select, StringAggIsRefusedByName) {
+    for (const char* call : {"string_agg(name, ',')", "STRING_AGG(name, ',') within group (order by name)"}) {
+        EXPECT_EQ(Run(std::string("select ") + call + " from sysobjects"),
+                  "\nMsg 40517.16.1 L1: Keyword or statement option 'STRING_AGG' is not supported in this "
+                  "version of "
+                  "SQL Server.\n");
+    }
+}
+
 } // namespace
 } // namespace devsql::test

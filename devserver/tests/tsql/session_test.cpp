@@ -144,5 +144,30 @@ TEST_F(SessionTest, ADeadlockEndsOneOfTheTwo) {
     EXPECT_EQ(a.Run("select (select n from One..t), (select n from Two..t)"), "|\n2|2\n(1)\n");
 }
 
+TEST_F(SessionTest, TheIsolationLevelIsShownAsEachSessionHasSetIt) {
+    Client client = server.Login("tempdb");
+    Client other = server.Login();
+    other.Run("set transaction isolation level repeatable read");
+    EXPECT_EQ("\n" + client.Run(R"(
+create procedure careful as
+set transaction isolation level serializable
+select transaction_isolation_level level from sys.dm_exec_sessions where session_id = @@spid
+GO
+set transaction isolation level read uncommitted
+exec careful
+select transaction_isolation_level level from sys.dm_exec_sessions order by session_id)"),
+              R"(
+level
+4
+(1)
+level
+1
+3
+(2)
+)");
+    EXPECT_EQ("\n" + client.Run("set transaction isolation level chaos"),
+              "\nMsg 102.15.1 L1: Incorrect syntax near 'chaos'.\n");
+}
+
 } // namespace
 } // namespace devsql::test

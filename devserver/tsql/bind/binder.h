@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,8 @@ class Binder {
 
     // ---- queries (binder_queries.cpp)
     BoundQuery BindQuery(const ast::Query& query, const Scope* outer = nullptr);
+    /// A query whose rows are delivered: without ORDER BY they come in the order of a clustered key.
+    BoundQuery BindRows(const ast::Query& query);
     /// The query's first term's items as expressions over the leaves that `sql` selects.
     BoundQuery BindAssignment(const ast::Query& query, std::vector<AssignmentItem>& items);
     /// A cursor's query. Where its rows are those of one table, `table` is set and the row number follows the
@@ -109,6 +112,7 @@ class Binder {
     void BindSelectParts(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
                          SelectParts& parts);
     void BindItems(const ast::SelectCore& core, const Scope& scope, SelectParts& parts);
+    std::string ClusteredOrder(const ast::SelectCore& core, const SelectParts& parts) const;
     void ExpandStar(const ast::SelectItem& item, const Scope& scope, SelectParts& parts) const;
     void CheckGrouping(const SelectParts& parts, const ast::SelectCore& core) const;
     void CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth,
@@ -170,7 +174,8 @@ class Binder {
     Emission& emission_;
     int aliases_ = 0;
     int view_depth_ = 0;
-    std::int64_t max_recursion_ = 100;                        ///< of the query whose WITH is being bound
+    bool outermost_ = false;           ///< the next SELECT is the one whose rows are delivered
+    std::int64_t max_recursion_ = 100; ///< of the query whose WITH is being bound
     std::vector<std::shared_ptr<RemoteTable>> remote_tables_; ///< of the statement, each fetched once
     CommonTables common_root_;
     CommonTables* common_ = &common_root_;
@@ -196,5 +201,10 @@ struct ObjectPlace {
 /// A name of four parts means this server where the first is its own name. Raises 7202 for an unknown server,
 /// 117 for a linked one.
 ObjectPlace PlaceOf(SessionCore& session, const ast::Name& name);
+
+/// The columns, by id, that an expression over the table's row names.
+std::set<int> ColumnsNamed(const TableDef& table, std::string_view expression);
+/// The one column that a CHECK constraint concerns; null where it names several.
+const ColumnDef* ColumnOfCheck(const TableDef& table, std::string_view expression);
 
 } // namespace devsql

@@ -10,9 +10,9 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<std::string_view, 13> kAggregates = {
-    "COUNT",  "COUNT_BIG", "SUM",  "AVG",          "MIN",      "MAX",       "STDEV",
-    "STDEVP", "VAR",       "VARP", "CHECKSUM_AGG", "GROUPING", "STRING_AGG"};
+constexpr std::array<std::string_view, 12> kAggregates = {"COUNT", "COUNT_BIG", "SUM",          "AVG",
+                                                          "MIN",   "MAX",       "STDEV",        "STDEVP",
+                                                          "VAR",   "VARP",      "CHECKSUM_AGG", "GROUPING"};
 constexpr std::array<std::string_view, 4> kRankings = {"ROW_NUMBER", "RANK", "DENSE_RANK", "NTILE"};
 
 /// DATEADD(day, …): the first argument is a word, not a column.
@@ -225,7 +225,7 @@ BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
         node->children.push_back(std::move(key));
         return node;
     }
-    if (name == "CHECKSUM_AGG" || name == "STRING_AGG") {
+    if (name == "CHECKSUM_AGG") {
         RaiseError(40517, {name});
     }
     in_aggregate_ = true;

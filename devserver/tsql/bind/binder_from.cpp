@@ -1,7 +1,8 @@
-// FROM: tables, joins and derived tables as SQLite joins them; and what a view's columns are.
+// FROM: tables, joins and derived tables as SQLite joins them; WITH; and what a view's columns are.
 #include <set>
 
 #include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/bind/select_parts.h"
 #include "devserver/tsql/scalar/text.h"
 
 namespace devsql {
@@ -91,6 +92,88 @@ std::string Binder::BindJoin(const ast::JoinSource& join, Scope& scope) {
         sql += " ON " + emission_.EmitCondition(BindCondition(*join.on, &scope));
     }
     return sql;
+}
+
+void Binder::BindWith(const std::vector<ast::CommonTable>& tables) {
+    const bool outermost = std::exchange(outermost_, false);
+    for (const ast::CommonTable& table : tables) {
+        CommonTables::Entry entry;
+        entry.name = table.name;
+        const auto* operation = std::get_if<ast::SetOperation>(&table.query->body->node);
+        BoundQuery query;
+        if (operation != nullptr && operation->op == ast::SetOp::UnionAll) {
+            query.sql = BindRecursive(table, entry);
+            query.columns = entry.columns;
+        } else {
+            query = BindQuery(*table.query);
+        }
+        entry.sql = query.sql;
+        entry.recursive = false;
+        entry.columns = query.columns;
+        for (std::size_t i = 0; i < entry.columns.size(); ++i) {
+            if (!table.columns.empty()) {
+                if (table.columns.size() != entry.columns.size()) {
+                    RaiseError(table.columns.size() < entry.columns.size() ? 8158 : 8159, {table.name});
+                }
+                entry.columns[i].name = table.columns[i];
+            }
+            if (entry.columns[i].name.empty()) {
+                RaiseError(8155, {std::to_string(i + 1), table.name});
+            }
+        }
+        RequireDifferentNames(entry.columns, 8156, table.name);
+        common_->entries.push_back(std::move(entry));
+    }
+    outermost_ = outermost;
+}
+
+/// "anchor UNION ALL rest", where the rest may name the table itself. The whole stands in a query of its own.
+std::string Binder::BindRecursive(const ast::CommonTable& table, CommonTables::Entry& entry) {
+    const auto& operation = std::get<ast::SetOperation>(table.query->body->node);
+    BoundQuery anchor = BindTerm(*operation.left, nullptr, nullptr);
+    CommonTables::Entry self;
+    self.name = table.name;
+    self.sql = NextAlias();
+    self.columns = anchor.columns;
+    self.recursive = true;
+    for (std::size_t i = 0; i < self.columns.size() && i < table.columns.size(); ++i) {
+        self.columns[i].name = table.columns[i];
+    }
+    const std::string name = self.sql;
+    CommonTables level{common_, {std::move(self)}};
+    CommonTables* const saved = std::exchange(common_, &level);
+    // SQLite wants the recursive name in the FROM of the member itself, so nothing may be put around it.
+    const auto* core = std::get_if<ast::SelectCore>(&operation.right->node);
+    if (core == nullptr) {
+        RaiseError(40517, {"several recursive members in " + table.name});
+    }
+    std::vector<Type> types;
+    std::string names;
+    for (std::size_t i = 0; i < anchor.columns.size(); ++i) {
+        types.push_back(anchor.columns[i].type);
+        names += (i == 0 ? "c" : ", c") + std::to_string(i + 1);
+    }
+    SelectParts rest;
+    BindSelectParts(*core, nullptr, nullptr, rest);
+    common_ = saved;
+    if (rest.items.size() != types.size()) {
+        RaiseError(205);
+    }
+    std::string level_before = "0";
+    for (const ScopeSource& source : rest.scope.sources) {
+        if (!source.columns.empty() && source.columns.back().name.empty()) {
+            level_before = source.columns.back().sql;
+        }
+    }
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        rest.items[i] = MakeConvert(rest.items[i], types[i]);
+    }
+    rest.items.push_back(MakeSql("tsql_level(" + level_before + ", " + std::to_string(max_recursion_) + ")",
+                                 Simple(TypeId::BigInt)));
+    rest.columns.push_back({"", Simple(TypeId::BigInt), false, false});
+    entry.columns = anchor.columns;
+    return "WITH RECURSIVE " + name + "(" + names + ", level) AS (SELECT *, 0 FROM (" + anchor.sql +
+           ") UNION ALL " + EmitSelect(rest, core->distinct) + ") SELECT " + names + " FROM " + name;
 }
 
 std::vector<Column> DescribeView(SessionCore& session, const ast::CreateModuleStatement& view) {

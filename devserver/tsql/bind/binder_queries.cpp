@@ -85,84 +85,9 @@ BoundQuery Binder::BindQuery(const ast::Query& query, const Scope* outer) {
     return bound;
 }
 
-void Binder::BindWith(const std::vector<ast::CommonTable>& tables) {
-    for (const ast::CommonTable& table : tables) {
-        CommonTables::Entry entry;
-        entry.name = table.name;
-        const auto* operation = std::get_if<ast::SetOperation>(&table.query->body->node);
-        BoundQuery query;
-        if (operation != nullptr && operation->op == ast::SetOp::UnionAll) {
-            query.sql = BindRecursive(table, entry);
-            query.columns = entry.columns;
-        } else {
-            query = BindQuery(*table.query);
-        }
-        entry.sql = query.sql;
-        entry.recursive = false;
-        entry.columns = query.columns;
-        for (std::size_t i = 0; i < entry.columns.size(); ++i) {
-            if (!table.columns.empty()) {
-                if (table.columns.size() != entry.columns.size()) {
-                    RaiseError(table.columns.size() < entry.columns.size() ? 8158 : 8159, {table.name});
-                }
-                entry.columns[i].name = table.columns[i];
-            }
-            if (entry.columns[i].name.empty()) {
-                RaiseError(8155, {std::to_string(i + 1), table.name});
-            }
-        }
-        RequireDifferentNames(entry.columns, 8156, table.name);
-        common_->entries.push_back(std::move(entry));
-    }
-}
-
-/// "anchor UNION ALL rest", where the rest may name the table itself. The whole stands in a query of its own.
-std::string Binder::BindRecursive(const ast::CommonTable& table, CommonTables::Entry& entry) {
-    const auto& operation = std::get<ast::SetOperation>(table.query->body->node);
-    BoundQuery anchor = BindTerm(*operation.left, nullptr, nullptr);
-    CommonTables::Entry self;
-    self.name = table.name;
-    self.sql = NextAlias();
-    self.columns = anchor.columns;
-    self.recursive = true;
-    for (std::size_t i = 0; i < self.columns.size() && i < table.columns.size(); ++i) {
-        self.columns[i].name = table.columns[i];
-    }
-    const std::string name = self.sql;
-    CommonTables level{common_, {std::move(self)}};
-    CommonTables* const saved = std::exchange(common_, &level);
-    // SQLite wants the recursive name in the FROM of the member itself, so nothing may be put around it.
-    const auto* core = std::get_if<ast::SelectCore>(&operation.right->node);
-    if (core == nullptr) {
-        RaiseError(40517, {"several recursive members in " + table.name});
-    }
-    std::vector<Type> types;
-    std::string names;
-    for (std::size_t i = 0; i < anchor.columns.size(); ++i) {
-        types.push_back(anchor.columns[i].type);
-        names += (i == 0 ? "c" : ", c") + std::to_string(i + 1);
-    }
-    SelectParts rest;
-    BindSelectParts(*core, nullptr, nullptr, rest);
-    common_ = saved;
-    if (rest.items.size() != types.size()) {
-        RaiseError(205);
-    }
-    std::string level_before = "0";
-    for (const ScopeSource& source : rest.scope.sources) {
-        if (!source.columns.empty() && source.columns.back().name.empty()) {
-            level_before = source.columns.back().sql;
-        }
-    }
-    for (std::size_t i = 0; i < types.size(); ++i) {
-        rest.items[i] = MakeConvert(rest.items[i], types[i]);
-    }
-    rest.items.push_back(MakeSql("tsql_level(" + level_before + ", " + std::to_string(max_recursion_) + ")",
-                                 Simple(TypeId::BigInt)));
-    rest.columns.push_back({"", Simple(TypeId::BigInt), false, false});
-    entry.columns = anchor.columns;
-    return "WITH RECURSIVE " + name + "(" + names + ", level) AS (SELECT *, 0 FROM (" + anchor.sql +
-           ") UNION ALL " + EmitSelect(rest, core->distinct) + ") SELECT " + names + " FROM " + name;
+BoundQuery Binder::BindRows(const ast::Query& query) {
+    outermost_ = true;
+    return BindQuery(query);
 }
 
 BoundQuery Binder::BindTerm(const ast::QueryTerm& term, const Scope* outer, const ast::Query* whole) {
@@ -251,6 +176,7 @@ BoundQuery Binder::BindSelect(const ast::SelectCore& core, const Scope* outer, c
 
 void Binder::BindSelectParts(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole,
                              SelectParts& parts) {
+    const bool outermost = std::exchange(outermost_, false);
     parts.scope.outer = outer;
     parts.scope.depth = outer == nullptr ? 0 : outer->depth + 1;
     if (!core.from.empty()) {
@@ -278,6 +204,8 @@ void Binder::BindSelectParts(const ast::SelectCore& core, const Scope* outer, co
     BindItems(core, parts.scope, parts);
     if (whole != nullptr && !whole->order_by.empty()) {
         parts.order = OrderClause(*whole, parts, parts.scope, core.distinct);
+    } else if (whole != nullptr && outermost) {
+        parts.order = ClusteredOrder(core, parts);
     }
     allow_window_ = false;
     allow_aggregates_ = false;
@@ -387,6 +315,27 @@ void Binder::CheckGrouping(const SelectParts& parts, const ast::SelectCore& core
     if (parts.having) {
         CheckGrouped(*parts.having, parts.keys, parts.scope.depth, "HAVING");
     }
+}
+
+/// Rows of one table come in the order of its clustered key where nothing else is asked for.
+std::string Binder::ClusteredOrder(const ast::SelectCore& core, const SelectParts& parts) const {
+    const bool grouped = core.distinct || !parts.keys.empty() || parts.having ||
+                         std::ranges::any_of(parts.items, [&](const BoundPtr& item) {
+                             return HasAggregate(*item, parts.scope.depth);
+                         });
+    if (grouped || parts.scope.sources.size() != 1 || !parts.scope.sources[0].table) {
+        return {};
+    }
+    const ScopeSource& source = parts.scope.sources[0];
+    const auto index = std::ranges::find_if(source.table->indexes, &IndexDef::clustered);
+    std::string order;
+    if (index != source.table->indexes.end()) {
+        for (const KeyColumn& key : index->columns) {
+            order += (order.empty() ? " ORDER BY " : ", ") + source.sql_alias + "." +
+                     QuoteName(source.table->ById(key.column).name) + (key.descending ? " DESC" : "");
+        }
+    }
+    return order;
 }
 
 std::string Binder::OrderClause(const ast::Query& query, const SelectParts& parts, const Scope& scope,
@@ -529,6 +478,7 @@ BoundQuery Binder::BindAssignment(const ast::Query& query, std::vector<Assignmen
         common_ = &level;
         BindWith(query.with);
     }
+    outermost_ = true;
     SelectParts parts;
     BindSelectParts(*core, nullptr, &query, parts);
     common_ = saved;
@@ -563,8 +513,9 @@ BoundQuery Binder::BindCursor(const ast::Query& query, TablePtr& table) {
     if (core == nullptr || core->distinct || !core->group_by.empty() || core->having ||
         core->from.size() != 1 || !query.with.empty() ||
         !std::holds_alternative<ast::NamedSource>(core->from[0]->node)) {
-        return BindQuery(query);
+        return BindRows(query);
     }
+    outermost_ = true;
     SelectParts parts;
     BindSelectParts(*core, nullptr, &query, parts);
     const ScopeSource& source = parts.scope.sources[0];

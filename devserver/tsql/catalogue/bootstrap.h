@@ -8,7 +8,7 @@
 namespace devsql {
 
 /// Rises when the batches change; a server whose files are of an older one runs them again.
-inline constexpr int kBootstrapVersion = 4;
+inline constexpr int kBootstrapVersion = 5;
 std::span<const std::string_view> BootstrapBatches();
 /// Those of bootstrap_help.cpp.
 std::span<const std::string_view> HelpBatches();

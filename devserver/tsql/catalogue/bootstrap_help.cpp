@@ -86,8 +86,8 @@ IF NOT EXISTS (SELECT * FROM @list)
     PRINT 'No constraints are defined on object ''' + @objname + ''', or you do not have permissions.'
 ELSE
     SELECT CASE WHEN l.part = 2 THEN N' ' WHEN o.xtype = 'PK' THEN N'PRIMARY KEY' + i.kind WHEN o.xtype = 'UQ' THEN
-            N'UNIQUE' + i.kind WHEN o.xtype = 'F' THEN N'FOREIGN KEY' WHEN o.xtype = 'C' THEN N'CHECK'
-            ELSE N'DEFAULT on column ' + c.name END AS constraint_type,
+            N'UNIQUE' + i.kind WHEN o.xtype = 'F' THEN N'FOREIGN KEY' WHEN o.xtype = 'D' THEN N'DEFAULT on column ' + c.name
+            ELSE N'CHECK ' + COALESCE(N'on column ' + c.name, N'Table Level') END AS constraint_type,
         CASE WHEN l.part = 2 THEN N' ' ELSE o.name END AS constraint_name,
         CASE WHEN l.part = 2 THEN ' ' WHEN o.xtype = 'F' THEN r.delete_rule ELSE '(n/a)' END AS delete_action,
         CASE WHEN l.part = 2 THEN ' ' WHEN o.xtype = 'F' THEN r.update_rule ELSE '(n/a)' END AS update_action,
@@ -101,7 +101,7 @@ ELSE
             FROM sys.indexes WHERE object_id = @id) i ON i.name = o.name
         LEFT JOIN INFORMATION_SCHEMA.REFERENTIAL_CONSTRAINTS r ON r.constraint_name = o.name
         LEFT JOIN sys.foreign_keys k ON k.object_id = o.id LEFT JOIN sys.check_constraints h ON h.object_id = o.id
-        LEFT JOIN syscolumns c ON c.id = @id AND c.cdefault = o.id
+        LEFT JOIN sysconstraints n ON n.constid = o.id LEFT JOIN syscolumns c ON c.id = @id AND c.colid = n.colid
     ORDER BY CASE o.xtype WHEN 'C' THEN 1 WHEN 'D' THEN 2 WHEN 'F' THEN 3 WHEN 'PK' THEN 4 ELSE 5 END, o.name, l.part
 IF EXISTS (SELECT * FROM sysreferences WHERE rkeyid = @id)
     SELECT DB_NAME() + N'.dbo.' + OBJECT_NAME(fkeyid) + N': ' + OBJECT_NAME(constid) AS

@@ -1,6 +1,6 @@
 // The views that clients of others and scripts look at beside the catalogue's own: sessions, what is empty
 // here because the server has no such objects, INFORMATION_SCHEMA's constraints. As in system_view_texts.cpp;
-// {sessions} is a table of who is connected (id, login, host, program, database).
+// {sessions} is a table of who is connected (id, login, host, program, database, isolation).
 #include <array>
 
 #include "devserver/tsql/catalogue/system_view_texts.h"
@@ -47,7 +47,7 @@ constexpr std::array kViews = {
         "is_user_process bit, original_login_name nvarchar(128)",
         "SELECT s.id AS session_id, s.host AS host_name, s.program AS program_name, s.login AS login_name, "
         "CASE WHEN s.own THEN 'running' ELSE 'sleeping' END AS status, coalesce((SELECT d.id FROM "
-        "main.devsql_databases d WHERE d.name = s.database), 1) AS database_id, 2 AS "
+        "main.devsql_databases d WHERE d.name = s.database), 1) AS database_id, s.isolation AS "
         "transaction_isolation_level, 1 AS is_user_process, s.login AS original_login_name FROM {sessions} "
         "s"},
     // ---------------------------------------------------------------- objects
@@ -61,6 +61,29 @@ constexpr std::array kViews = {
         "is_ms_shipped, (SELECT i.id FROM {db}.devsql_indexes i WHERE i.object = o.parent AND i.name = "
         "o.name) AS unique_index_id, 0 AS is_system_named FROM {db}.devsql_objects o WHERE o.type IN "
         "('PK', 'UQ')"},
+    SystemViewSource{
+        "sys", "index_columns",
+        "object_id int, index_id int, index_column_id int, column_id int, key_ordinal tinyint, "
+        "is_descending_key bit, "
+        "is_included_column bit",
+        "SELECT object AS object_id, id AS index_id, ordinal AS index_column_id, column_id, ordinal AS "
+        "key_ordinal, "
+        "descending AS is_descending_key, 0 AS is_included_column FROM {db}.devsql_index_columns"},
+    SystemViewSource{
+        "sys", "sql_modules",
+        "object_id int, definition nvarchar(max), uses_ansi_nulls bit, uses_quoted_identifier bit",
+        "SELECT o.id AS object_id, CASE WHEN o.encrypted THEN NULL ELSE o.text END AS definition, "
+        "o.ansi_nulls AS "
+        "uses_ansi_nulls, o.quoted_identifier AS uses_quoted_identifier FROM {db}.devsql_objects o WHERE "
+        "o.type IN ('P', 'V')"},
+    SystemViewSource{"sys", "identity_columns",
+                     "object_id int, name sysname, column_id int, seed_value bigint, increment_value bigint, "
+                     "last_value bigint",
+                     "SELECT c.object AS object_id, c.name, c.id AS column_id, c.seed AS seed_value, "
+                     "c.increment AS increment_value, "
+                     "(SELECT i.value FROM {db}.devsql_identities i WHERE i.object = c.object) AS last_value "
+                     "FROM {db}.devsql_columns c "
+                     "WHERE c.identity"},
     SystemViewSource{
         "sys", "computed_columns",
         "object_id int, name sysname, column_id int, definition nvarchar(max), is_persisted bit",

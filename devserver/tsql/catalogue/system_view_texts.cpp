@@ -25,9 +25,20 @@
     "THEN 4 WHEN t.type_name = 'datetime' THEN 3 WHEN t.type_name IN ('int', 'bigint', 'smallint', "         \
     "'tinyint', "                                                                                            \
     "'smalldatetime') THEN 0 ELSE NULL END"
+// The number of a column's or parameter's own type in systypes and sys.types; that of the type below where it
+// has none.
+#define USER_TYPE(below, system_name)                                                                        \
+    "CASE coalesce(c.user_type, '') WHEN '' THEN " below " WHEN 'sysname' THEN " system_name                 \
+    " ELSE (SELECT 256 + u.rowid FROM {db}.devsql_types u WHERE u.schema || '.' || u.name = c.user_type) "   \
+    "END"
 #define SCHEMA_ID                                                                                            \
     "CASE WHEN o.schema = 'dbo' THEN 1 ELSE (SELECT s.rowid + 10 FROM {db}.devsql_schemas s WHERE s.name = " \
     "o.schema) END"
+
+// The column of a constraint o that concerns one column alone; 0 for any other.
+#define CONSTRAINT_COLUMN                                                                                    \
+    "coalesce(CASE o.type WHEN 'C' THEN tsql_check_column({name}, o.id) WHEN 'D' THEN (SELECT d.id FROM "    \
+    "{db}.devsql_columns d WHERE d.object = o.parent AND d.default_id = o.id) END, 0)"
 
 namespace devsql {
 namespace {
@@ -67,21 +78,28 @@ constexpr std::array kViews = {
         "type tinyint, usertype smallint, printfmt varchar(255), prec smallint, scale int, iscomputed int, "
         "isoutparam int, "
         "isnullable int, collation sysname",
-        "SELECT c.name, c.object AS id, t.xtype, 0 AS typestat, t.xtype AS xusertype, " COLUMN_BYTES
-        " AS length, "
-        "c.precision AS xprec, c.scale AS xscale, c.id AS colid, 0 AS xoffset, 0 AS bitpos, 0 AS reserved, "
-        "CASE WHEN c.identity THEN 1 ELSE 0 END AS colstat, coalesce(c.default_id, 0) AS cdefault, 0 AS "
-        "domain, "
-        "0 AS number, coalesce(c.position, 0) + 1 AS colorder, NULL AS autoval, 0 AS offset, "
-        "(CASE WHEN c.nullable THEN 8 ELSE 0 END) + (CASE WHEN c.identity THEN 128 ELSE 0 END) + "
-        "(CASE WHEN c.output THEN 64 ELSE 0 END) AS status, t.tds AS type, t.usertype, NULL AS "
-        "printfmt, " COLUMN_DIGITS " AS prec, " COLUMN_SCALE
-        " AS scale, CASE WHEN coalesce(c.computed, '') <> '' THEN 1 ELSE 0 END AS "
-        "iscomputed, coalesce(c.output, 0) AS isoutparam, c.nullable AS isnullable, CASE WHEN t.type_name IN "
-        "('char', "
-        "'varchar', 'nchar', 'nvarchar', 'text', 'ntext') THEN 'SQL_Latin1_General_CP1_CI_AS' END AS "
-        "collation "
-        "FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type"},
+        "SELECT c.name, c.object AS id, t.xtype, 0 AS typestat, " USER_TYPE(
+            "t.xtype",
+            "256") " AS xusertype, " COLUMN_BYTES " AS length, "
+                   "c.precision AS xprec, c.scale AS xscale, c.id AS colid, 0 AS xoffset, 0 AS bitpos, 0 AS "
+                   "reserved, "
+                   "CASE WHEN c.identity THEN 1 ELSE 0 END AS colstat, coalesce(c.default_id, 0) AS "
+                   "cdefault, 0 AS "
+                   "domain, "
+                   "0 AS number, coalesce(c.position, 0) + 1 AS colorder, NULL AS autoval, 0 AS offset, "
+                   "(CASE WHEN c.nullable THEN 8 ELSE 0 END) + (CASE WHEN c.identity THEN 128 ELSE 0 END) + "
+                   "(CASE WHEN c.output THEN 64 ELSE 0 END) AS status, t.tds AS type, " USER_TYPE(
+                       "t.usertype",
+                       "18") " AS usertype, NULL AS "
+                             "printfmt, " COLUMN_DIGITS " AS prec, " COLUMN_SCALE
+                             " AS scale, CASE WHEN coalesce(c.computed, '') <> '' THEN 1 ELSE 0 END AS "
+                             "iscomputed, coalesce(c.output, 0) AS isoutparam, c.nullable AS isnullable, "
+                             "CASE WHEN t.type_name IN "
+                             "('char', "
+                             "'varchar', 'nchar', 'nvarchar', 'text', 'ntext') THEN "
+                             "'SQL_Latin1_General_CP1_CI_AS' END AS "
+                             "collation "
+                             "FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type"},
     SystemViewSource{
         "", "sysindexes",
         "id int, status int, first binary(6), indid smallint, root binary(6), minlen smallint, keycnt "
@@ -117,7 +135,8 @@ constexpr std::array kViews = {
         "count(*) FROM "
         "{db}.devsql_foreign_key_columns c WHERE c.id = k.id) AS keycnt FROM {db}.devsql_foreign_keys k"},
     SystemViewSource{"", "sysconstraints", "constid int, id int, colid smallint, status int",
-                     "SELECT o.id AS constid, o.parent AS id, 0 AS colid, CASE o.type WHEN 'PK' THEN 1 WHEN "
+                     "SELECT o.id AS constid, o.parent AS id, " CONSTRAINT_COLUMN
+                     " AS colid, CASE o.type WHEN 'PK' THEN 1 WHEN "
                      "'UQ' THEN 2 WHEN 'F' THEN 3 "
                      "WHEN 'C' THEN 4 ELSE 5 END AS status FROM {db}.devsql_objects o WHERE o.type IN ('PK', "
                      "'UQ', 'F', 'C', 'D')"},
@@ -318,38 +337,36 @@ constexpr std::array kViews = {
         "precision tinyint, scale tinyint, collation_name sysname, is_nullable bit, is_ansi_padded bit, "
         "is_rowguidcol bit, "
         "is_identity bit, is_computed bit, default_object_id int",
-        "SELECT c.object AS object_id, c.name, c.id AS column_id, t.xtype AS system_type_id, t.xtype AS "
-        "user_type_id, " COLUMN_BYTES " AS max_length, coalesce(CASE WHEN t.type_name IN ('char', 'varchar', "
-        "'nchar', 'nvarchar', 'binary', "
-        "'varbinary') THEN 0 ELSE " COLUMN_DIGITS " END, 0) AS precision, coalesce(" COLUMN_SCALE
-        ", 0) AS scale, "
-        "CASE WHEN t.type_name IN ('char', 'varchar', 'nchar', 'nvarchar', 'text', 'ntext') THEN "
-        "'SQL_Latin1_General_CP1_CI_AS' END AS collation_name, c.nullable AS is_nullable, 1 AS "
-        "is_ansi_padded, c.row_guid AS "
-        "is_rowguidcol, c.identity AS is_identity, coalesce(c.computed, '') <> '' AS is_computed, "
-        "coalesce(c.default_id, 0) AS "
-        "default_object_id FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN "
-        "{db}.devsql_objects o ON "
-        "o.id = c.object AND o.type IN ('U', 'V')"},
+        "SELECT c.object AS object_id, c.name, c.id AS column_id, t.xtype AS system_type_id, " USER_TYPE(
+            "t.xtype",
+            "256") " AS "
+                   "user_type_id, " COLUMN_BYTES
+                   " AS max_length, coalesce(CASE WHEN t.type_name IN ('char', 'varchar', "
+                   "'nchar', 'nvarchar', 'binary', "
+                   "'varbinary') THEN 0 ELSE " COLUMN_DIGITS " END, 0) AS precision, coalesce(" COLUMN_SCALE
+                   ", 0) AS scale, "
+                   "CASE WHEN t.type_name IN ('char', 'varchar', 'nchar', 'nvarchar', 'text', 'ntext') THEN "
+                   "'SQL_Latin1_General_CP1_CI_AS' END AS collation_name, c.nullable AS is_nullable, 1 AS "
+                   "is_ansi_padded, c.row_guid AS "
+                   "is_rowguidcol, c.identity AS is_identity, coalesce(c.computed, '') <> '' AS is_computed, "
+                   "coalesce(c.default_id, 0) AS "
+                   "default_object_id FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type "
+                   "CROSS JOIN "
+                   "{db}.devsql_objects o ON "
+                   "o.id = c.object AND o.type IN ('U', 'V')"},
     SystemViewSource{
         "sys", "parameters",
         "object_id int, name sysname, parameter_id int, system_type_id tinyint, user_type_id "
         "int, max_length smallint, "
         "precision tinyint, scale tinyint, is_output bit, has_default_value bit",
-        "SELECT c.object AS object_id, c.name, c.id AS parameter_id, t.xtype AS system_type_id, "
-        "t.xtype AS user_type_id, " COLUMN_BYTES
-        " AS max_length, c.precision, c.scale, c.output AS is_output, 0 AS has_default_value "
-        "FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN {db}.devsql_objects "
-        "o ON o.id = c.object AND "
-        "o.type = 'P'"},
-    SystemViewSource{"sys", "identity_columns",
-                     "object_id int, name sysname, column_id int, seed_value bigint, increment_value bigint, "
-                     "last_value bigint",
-                     "SELECT c.object AS object_id, c.name, c.id AS column_id, c.seed AS seed_value, "
-                     "c.increment AS increment_value, "
-                     "(SELECT i.value FROM {db}.devsql_identities i WHERE i.object = c.object) AS last_value "
-                     "FROM {db}.devsql_columns c "
-                     "WHERE c.identity"},
+        "SELECT c.object AS object_id, c.name, c.id AS parameter_id, t.xtype AS system_type_id, " USER_TYPE(
+            "t.xtype",
+            "256") " AS user_type_id, " COLUMN_BYTES
+                   " AS max_length, c.precision, c.scale, c.output AS is_output, 0 AS has_default_value "
+                   "FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN "
+                   "{db}.devsql_objects "
+                   "o ON o.id = c.object AND "
+                   "o.type = 'P'"},
     SystemViewSource{"sys", "indexes",
                      "object_id int, name sysname, index_id int, type tinyint, type_desc nvarchar(60), "
                      "is_unique bit, is_primary_key bit, "
@@ -360,14 +377,6 @@ constexpr std::array kViews = {
                      "i.primary_key AS is_primary_key, "
                      "i.is_constraint AND NOT i.primary_key AS is_unique_constraint, 0 AS is_disabled FROM "
                      "{db}.devsql_indexes i"},
-    SystemViewSource{
-        "sys", "index_columns",
-        "object_id int, index_id int, index_column_id int, column_id int, key_ordinal tinyint, "
-        "is_descending_key bit, "
-        "is_included_column bit",
-        "SELECT object AS object_id, id AS index_id, ordinal AS index_column_id, column_id, ordinal AS "
-        "key_ordinal, "
-        "descending AS is_descending_key, 0 AS is_included_column FROM {db}.devsql_index_columns"},
     SystemViewSource{
         "sys", "foreign_keys",
         "name sysname, object_id int, parent_object_id int, referenced_object_id int, is_disabled bit, "
@@ -388,9 +397,10 @@ constexpr std::array kViews = {
         "{db}.devsql_foreign_keys k JOIN {db}.devsql_foreign_key_columns c ON c.id = k.id"},
     SystemViewSource{
         "sys", "check_constraints",
-        "name sysname, object_id int, parent_object_id int, definition nvarchar(max), is_disabled bit",
+        "name sysname, object_id int, parent_object_id int, definition nvarchar(max), is_disabled bit, "
+        "parent_column_id int",
         "SELECT o.name, o.id AS object_id, o.parent AS parent_object_id, o.text AS definition, o.disabled AS "
-        "is_disabled FROM "
+        "is_disabled, " CONSTRAINT_COLUMN " AS parent_column_id FROM "
         "{db}.devsql_objects o WHERE o.type = 'C'"},
     SystemViewSource{
         "sys", "default_constraints",
@@ -400,13 +410,6 @@ constexpr std::array kViews = {
         "c.object = o.parent AND c.default_id = o.id) AS parent_column_id, o.text AS definition FROM "
         "{db}.devsql_objects o "
         "WHERE o.type = 'D'"},
-    SystemViewSource{
-        "sys", "sql_modules",
-        "object_id int, definition nvarchar(max), uses_ansi_nulls bit, uses_quoted_identifier bit",
-        "SELECT o.id AS object_id, CASE WHEN o.encrypted THEN NULL ELSE o.text END AS definition, "
-        "o.ansi_nulls AS "
-        "uses_ansi_nulls, o.quoted_identifier AS uses_quoted_identifier FROM {db}.devsql_objects o WHERE "
-        "o.type IN ('P', 'V')"},
     SystemViewSource{"sys", "schemas", "name sysname, schema_id int, principal_id int",
                      "SELECT s.name, CASE WHEN s.name = 'dbo' THEN 1 ELSE s.rowid + 10 END AS schema_id, 1 "
                      "AS principal_id FROM "
@@ -418,7 +421,7 @@ constexpr std::array kViews = {
                      "SELECT t.type_name AS name, t.xtype AS system_type_id, t.xtype AS user_type_id, 4 AS "
                      "schema_id, t.bytes AS "
                      "max_length, t.digits AS precision, 0 AS scale, 1 AS is_nullable, 0 AS is_user_defined "
-                     "FROM {types} t UNION ALL "
+                     "FROM {types} t UNION ALL SELECT 'sysname', 231, 256, 4, 256, 0, 0, 0, 0 UNION ALL "
                      "SELECT c.name, t.xtype, 256 + c.rowid, 1, " COLUMN_BYTES
                      ", c.precision, c.scale, c.nullable, 1 FROM "
                      "{db}.devsql_types c JOIN {types} t ON t.type = c.type"},

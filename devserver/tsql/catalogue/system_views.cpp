@@ -61,11 +61,12 @@ void Replace(std::string& text, std::string_view what, const std::string& by) {
 std::string SessionRows(SessionCore& session) {
     std::string rows =
         "(SELECT column1 AS id, column2 AS login, column3 AS host, column4 AS program, column5 AS "
-        "database, column6 AS own FROM (VALUES";
+        "database, column6 AS own, column7 AS isolation FROM (VALUES";
     for (const DatabaseUsers::SessionInfo& info : session.server.users().Sessions()) {
         rows += (rows.ends_with("VALUES") ? "(" : ",(") + std::to_string(info.id) + "," +
                 QuoteText(info.login) + "," + QuoteText(info.host) + "," + QuoteText(info.application) + "," +
-                QuoteText(info.database) + "," + (info.id == session.id ? "1" : "0") + ")";
+                QuoteText(info.database) + "," + (info.id == session.id ? "1" : "0") + "," +
+                std::to_string(info.isolation_level) + ")";
     }
     return rows + "))";
 }

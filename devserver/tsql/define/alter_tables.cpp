@@ -83,9 +83,10 @@ void RequireCheck(SessionCore& session, const Catalogue& catalogue, const TableP
                                                      condition + ") = 0 LIMIT 1");
     emission.BindAll(row);
     if (row.Step()) {
+        const ColumnDef* column = ColumnOfCheck(*table, check.text);
         RaiseError(547,
                    {"ALTER TABLE", "CHECK", check.name, DatabaseNameOf(session, catalogue),
-                    table->schema + "." + table->name, ""},
+                    table->schema + "." + table->name, column ? ", column '" + column->name + "'" : ""},
                    0);
     }
 }
@@ -249,8 +250,7 @@ void DropColumns(SessionCore& session, const ast::AlterTableStatement& alter, co
             used = used || std::find(key.columns.begin(), key.columns.end(), column->id) != key.columns.end();
         }
         for (const CheckDef& check : table->checks) {
-            const std::string text = ToLower(check.text);
-            used = used || text.find(ToLower(column->name)) != std::string::npos;
+            used = used || ColumnsNamed(*table, check.text).contains(column->id);
         }
         if (used) {
             RaiseError(4922, {"ALTER TABLE DROP COLUMN", name});

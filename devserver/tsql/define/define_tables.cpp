@@ -182,7 +182,7 @@ void TableBuilder::AddConstraint(const ast::Constraint& constraint, const std::s
         AddForeignKey(constraint, column);
         break;
     case ast::ConstraintKind::Check:
-        AddCheck(constraint);
+        AddCheck(constraint, column);
         break;
     case ast::ConstraintKind::Default:
         AddDefault(constraint, column);
@@ -230,9 +230,9 @@ void TableBuilder::AddKey(const ast::Constraint& constraint, const std::string& 
     table_.indexes.push_back(std::move(index));
 }
 
-void TableBuilder::AddCheck(const ast::Constraint& constraint) {
+void TableBuilder::AddCheck(const ast::Constraint& constraint, const std::string& column) {
     CheckDef check;
-    check.name = constraint.name.empty() ? MadeName("CK") : constraint.name;
+    check.name = constraint.name.empty() ? MadeName("CK", column) : constraint.name;
     check.text = constraint.text;
     table_.checks.push_back(std::move(check));
 }

@@ -31,7 +31,7 @@ class TableBuilder {
   private:
     void AddKey(const ast::Constraint& constraint, const std::string& column);
     void AddForeignKey(const ast::Constraint& constraint, const std::string& column);
-    void AddCheck(const ast::Constraint& constraint);
+    void AddCheck(const ast::Constraint& constraint, const std::string& column);
     void AddDefault(const ast::Constraint& constraint, const std::string& column);
     Type TypeOfComputed(const std::string& text);
     TablePtr Referenced(const ast::Constraint& constraint, const std::string& name);

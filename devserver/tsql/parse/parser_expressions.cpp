@@ -380,6 +380,9 @@ ast::ExprPtr Parser::ParseNamed() {
         if (IsWord("CONVERT") || IsWord("TRY_CONVERT")) {
             return ParseConvert(AsciiEqual(Take().text, "TRY_CONVERT"));
         }
+        if (IsWord("STRING_AGG")) { // Refused here, before what may follow it: WITHIN GROUP (...).
+            Unsupported("STRING_AGG");
+        }
         if (!IsReservedWord(token.text) || Contains(kFunctionWords, token)) {
             return ParseCall(Take().text);
         }

@@ -344,6 +344,11 @@ StatementPtr Parser::ParseSetVariable() {
     return Wrap(std::move(set));
 }
 
+namespace {
+constexpr std::pair<std::string_view, std::string_view> kIsolationLevels[] = {
+    {"READ", "UNCOMMITTED"}, {"READ", "COMMITTED"}, {"REPEATABLE", "READ"}, {"SERIALIZABLE", ""}};
+}
+
 StatementPtr Parser::ParseSetOption() {
     SetOptionStatement set;
     if (TakeWord("IDENTITY_INSERT")) {
@@ -354,11 +359,18 @@ StatementPtr Parser::ParseSetOption() {
         if (IsWord("SNAPSHOT")) { // The whole batch: nothing of it may run at another level instead.
             Unsupported("SNAPSHOT");
         }
-        set.value = AsciiUpper(Take().text);
-        if (set.value == "READ" || set.value == "REPEATABLE") {
-            set.value += " " + AsciiUpper(Take().text);
+        for (const auto& [first, second] : kIsolationLevels) {
+            if (IsWord(first) && (second.empty() || IsWord(second, 1))) {
+                Take();
+                set.value = first;
+                if (!second.empty()) {
+                    Take();
+                    set.value += " " + std::string(second);
+                }
+                return Wrap(std::move(set));
+            }
         }
-        return Wrap(std::move(set));
+        SyntaxError();
     } else if (TakeWord("STATISTICS")) {
         set.options = {"STATISTICS " + AsciiUpper(Take().text)};
     } else {

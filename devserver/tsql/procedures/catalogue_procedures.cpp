@@ -175,14 +175,15 @@ struct TypeFacts {
     std::int64_t ss_type;
 };
 
-TypeFacts FactsOf(const Type& type, bool nullable, bool identity) {
+TypeFacts FactsOf(const Type& type, const std::string& user_type, bool nullable, bool identity) {
     const SystemType& system = SystemTypeOf(type.id);
     TypeFacts facts{};
     facts.data_type = type.length == kMaxLength ? (IsUnicode(type.id)     ? -10
                                                    : IsCharacter(type.id) ? -1
                                                                           : -4)
                                                 : system.odbc_type;
-    facts.name = std::string(system.name) + (identity ? " identity" : "");
+    facts.name = (user_type.empty() ? std::string(system.name) : user_type.substr(user_type.find('.') + 1)) +
+                 (identity ? " identity" : "");
     const std::optional<std::int32_t> scale = TypeScale(type);
     facts.precision =
         type.length == kMaxLength ? (IsUnicode(type.id) ? 1073741823 : 2147483647) : TypePrecision(type);
@@ -268,7 +269,7 @@ std::int32_t Columns(SystemCall& call) {
          Matching(call, "'U', 'V'", Pattern(call, "@table_name"), Pattern(call, "@table_owner"))) {
         SqliteStatement row =
             session.CurrentDatabase().Prepare("SELECT name, type, length, precision, scale, nullable, "
-                                              "identity, default_text FROM {db}.devsql_columns "
+                                              "identity, default_text, user_type FROM {db}.devsql_columns "
                                               "WHERE object = ?1 ORDER BY position");
         row.BindInt(1, object.id);
         std::int64_t ordinal = 0;
@@ -280,7 +281,7 @@ std::int32_t Columns(SystemCall& call) {
             const Type type{static_cast<TypeId>(row.Int(1)), static_cast<std::int32_t>(row.Int(2)),
                             static_cast<std::uint8_t>(row.Int(3)), static_cast<std::uint8_t>(row.Int(4))};
             const bool nullable = row.Int(5) != 0;
-            const TypeFacts facts = FactsOf(type, nullable, row.Int(6) != 0);
+            const TypeFacts facts = FactsOf(type, row.Text(8), nullable, row.Int(6) != 0);
             table.Row({session.CurrentDatabaseName(), object.schema, object.name, row.Text(0),
                        facts.data_type, facts.name, facts.precision, facts.length, facts.scale, facts.radix,
                        std::int64_t{nullable}, Value(), TextOrNull(row.Text(7)), facts.sql_data_type,
@@ -334,8 +335,9 @@ std::int32_t ProcedureColumns(SystemCall& call) {
                                    {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
                                    {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
     const auto row = [&](const ListedObject& object, const std::string& name, std::int64_t kind,
-                         const Type& type, bool nullable, std::int64_t ordinal) {
-        const TypeFacts facts = FactsOf(type, true, false);
+                         const Type& type, const std::string& user_type, bool nullable,
+                         std::int64_t ordinal) {
+        const TypeFacts facts = FactsOf(type, user_type, true, false);
         table.Row({session.CurrentDatabaseName(),
                    object.schema,
                    object.name + ";1",
@@ -363,14 +365,14 @@ std::int32_t ProcedureColumns(SystemCall& call) {
     for (const ListedObject& object :
          Matching(call, "'P'", Pattern(call, "@procedure_name"), Pattern(call, "@procedure_owner"))) {
         if (LikeName("@RETURN_VALUE", Pattern(call, "@column_name"))) {
-            row(object, "@RETURN_VALUE", kReturnValue, kInt, false, 0);
+            row(object, "@RETURN_VALUE", kReturnValue, kInt, "", false, 0);
         }
         std::int64_t ordinal = 0;
         for (const ParameterDef& parameter : session.CurrentDatabase().Parameters(object.id)) {
             ++ordinal;
             if (LikeName(parameter.name, Pattern(call, "@column_name"))) {
-                row(object, parameter.name, parameter.output ? kInputOutput : kInput, parameter.type, true,
-                    ordinal);
+                row(object, parameter.name, parameter.output ? kInputOutput : kInput, parameter.type,
+                    parameter.user_type, true, ordinal);
             }
         }
     }

@@ -263,8 +263,7 @@ std::int32_t Help(SystemCall& call) {
         call.Run("SELECT c.name AS Parameter_name, t.name AS Type, c.length AS Length, c.prec AS Prec, "
                  "c.scale AS Scale, "
                  "c.colid AS Param_order, c.collation AS Collation FROM syscolumns c JOIN systypes t ON "
-                 "t.xtype = c.xtype AND "
-                 "t.xusertype = t.xtype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colid",
+                 "t.xusertype = c.xusertype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colid",
                  values);
         return 0;
     }
@@ -272,9 +271,8 @@ std::int32_t Help(SystemCall& call) {
              "END AS Computed, "
              "c.length AS Length, c.prec AS Prec, c.scale AS Scale, CASE c.isnullable WHEN 1 THEN 'yes' ELSE "
              "'no' END AS "
-             "Nullable, c.collation AS Collation FROM syscolumns c JOIN systypes t ON t.xtype = c.xtype AND "
-             "t.xusertype = "
-             "t.xtype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colorder",
+             "Nullable, c.collation AS Collation FROM syscolumns c JOIN systypes t ON t.xusertype = "
+             "c.xusertype WHERE c.id = CONVERT(int, @p1) ORDER BY c.colorder",
              values);
     if (object.type != "U") {
         return 0;

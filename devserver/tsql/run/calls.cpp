@@ -178,6 +178,7 @@ void Interpreter::RunBody(const ObjectDef& object, Frame& frame, const ast::Crea
     const auto leave = [&] {
         session_.Pop();
         session_.options = saved;
+        session_.isolation_level = saved.isolation_level;
         session_.line = line;
     };
     try {

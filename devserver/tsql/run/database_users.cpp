@@ -183,7 +183,8 @@ std::vector<DatabaseUsers::SessionInfo> DatabaseUsers::Sessions() {
     const std::lock_guard lock(mutex_);
     std::vector<SessionInfo> list;
     for (const auto& [id, session] : sessions_) {
-        list.push_back({id, session->login, session->host_name, session->application, ""});
+        list.push_back(
+            {id, session->login, session->host_name, session->application, "", session->isolation_level});
         for (const auto& [database, usage] : usage_) {
             if (usage.sessions.contains(session)) {
                 list.back().database = usage.name;

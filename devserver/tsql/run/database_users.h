@@ -54,6 +54,7 @@ class DatabaseUsers {
         std::string host;
         std::string application;
         std::string database; ///< folded
+        std::int16_t isolation_level;
     };
     std::vector<SessionInfo> Sessions();
 

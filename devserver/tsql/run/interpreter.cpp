@@ -210,6 +210,7 @@ void Interpreter::RunText(std::string_view sql, Frame& frame) {
     const auto leave = [&] {
         session_.Pop();
         session_.options = saved;
+        session_.isolation_level = saved.isolation_level;
         session_.line = line;
     };
     try {

@@ -86,6 +86,13 @@ constexpr std::array<Switch, 11> kSwitches = {{{"NOCOUNT", &Options::nocount},
                                                {"IMPLICIT_TRANSACTIONS", &Options::implicit_transactions},
                                                {"CURSOR_CLOSE_ON_COMMIT", &Options::cursor_close_on_commit}}};
 
+struct Isolation {
+    std::string_view name;
+    std::int16_t number;
+};
+constexpr Isolation kIsolationLevels[] = {
+    {"READ UNCOMMITTED", 1}, {"READ COMMITTED", 2}, {"REPEATABLE READ", 3}, {"SERIALIZABLE", 4}};
+
 /// Options that clients send at login and scripts carry along: this server always works as with the value
 /// that stands here, whatever is set, and a script that sets the other value is told so.
 struct Fixed {
@@ -167,7 +174,9 @@ void Interpreter::SetOption(const ast::SetOptionStatement& set) {
             continue;
         }
         if (option == "TRANSACTION ISOLATION LEVEL") {
-            options.others[option] = set.value;
+            options.isolation_level =
+                std::ranges::find(kIsolationLevels, set.value, &Isolation::name)->number;
+            session_.isolation_level = options.isolation_level;
             continue;
         }
         if (option == "DATEFIRST" && set.expr) {

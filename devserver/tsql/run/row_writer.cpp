@@ -129,7 +129,9 @@ void RowWriter::BindExpressions() {
     }
     for (const CheckDef& check : table_.checks) {
         if (!check.disabled) {
-            checks_.push_back({check.name, BindOverRow(check.text)});
+            const ColumnDef* column = ColumnOfCheck(table_, check.text);
+            checks_.push_back(
+                {check.name, BindOverRow(check.text), column ? ", column '" + column->name + "'" : ""});
         }
     }
     for (const ColumnDef& column : table_.columns) {
@@ -256,7 +258,7 @@ void RowWriter::CheckRow(const RowValues& row) {
     }
     for (const Check& check : checks_) {
         if (Test(*check.condition, session_, row) == false) {
-            RaiseError(547, {statement_, "CHECK", check.name, DatabaseName(), TableName(), ""}, 0);
+            RaiseError(547, {statement_, "CHECK", check.name, DatabaseName(), TableName(), check.column}, 0);
         }
     }
 }

@@ -57,6 +57,7 @@ class RowWriter {
     struct Check {
         std::string name;
         BoundPtr condition;
+        std::string column; ///< as the message names it; empty where several are concerned
     };
 
     void BindExpressions();

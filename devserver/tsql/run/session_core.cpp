@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/bind/evaluator.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/run/server.h"
@@ -117,6 +118,15 @@ void SessionCore::RegisterFunctions() {
         }
         SqliteStatement count = connection.Prepare("SELECT count(*) FROM " + table->Qualified());
         call.Result(count.Step() ? Value(count.Int(0)) : Value(), Simple(TypeId::BigInt));
+    });
+    connection.AddFunction("tsql_check_column", [this](const FunctionCall& call) {
+        const std::string name = std::get<std::string>(call.Argument(0, Sized(TypeId::NVarChar, 128)));
+        Catalogue& catalogue = Database(name);
+        const std::optional<ObjectDef> check = catalogue.FindObject(call.Int(1));
+        const TablePtr table = check ? Table(catalogue, check->parent) : nullptr;
+        if (const ColumnDef* column = table ? ColumnOfCheck(*table, check->text) : nullptr) {
+            call.Result(std::int64_t{column->id}, Simple(TypeId::Int));
+        }
     });
     connection.AddAggregate("tsql_stdev", [] { return std::make_unique<VarianceAggregate>(false, true); });
     connection.AddAggregate("tsql_stdevp", [] { return std::make_unique<VarianceAggregate>(true, true); });

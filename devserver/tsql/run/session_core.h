@@ -68,6 +68,7 @@ struct Options {
     bool noexec = false;
     bool parseonly = false;
     bool fmtonly = false;
+    std::int16_t isolation_level = 2; ///< by the catalogue's number; kept and shown, without effect
     std::int64_t rowcount = 0;
     std::int64_t textsize = 2147483647;
     std::int64_t lock_timeout = -1;
@@ -244,6 +245,7 @@ class SessionCore {
     Server& server;
     SqliteConnection connection;
     Options options;
+    std::atomic<std::int16_t> isolation_level = 2; ///< that of `options`, for other sessions to see
     const std::int32_t id;
     const std::string login;
     std::string host_name;

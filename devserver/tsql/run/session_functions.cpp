@@ -4,6 +4,7 @@
 #include <random>
 
 #include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/run/server.h"
 #include "devserver/tsql/run/session_function_parts.h"
 #include "devserver/tsql/run/user_messages.h"
@@ -234,13 +235,34 @@ const Message* Caught(const SessionCore& session) {
     return session.caught.empty() ? nullptr : &session.caught.back().message;
 }
 
-Value TypeIdOf(SessionCore&, Values values, Types types) {
-    const std::optional<TypeId> id = FindTypeId(TextOf(values, types, 0));
-    return id ? Value(std::int64_t{SystemTypeOf(*id).xtype}) : Value();
+constexpr std::int64_t kSysNameType = 256;
+
+Value TypeIdOf(SessionCore& session, Values values, Types types) {
+    const ast::Name name = ParseName(TextOf(values, types, 0));
+    if (name.empty()) {
+        return {};
+    }
+    if (AsciiEqual(name.last(), "sysname")) {
+        return kSysNameType;
+    }
+    if (const std::optional<TypeId> id = FindTypeId(name.last())) {
+        return std::int64_t{SystemTypeOf(*id).xtype};
+    }
+    SqliteStatement row =
+        session.CurrentDatabase().Prepare("SELECT rowid + 256 FROM {db}.devsql_types WHERE name = ?1");
+    return row.BindText(1, name.last()).Step() ? Value(row.Int(0)) : Value();
 }
 
-Value TypeNameOf(SessionCore&, Values values, Types types) {
+Value TypeNameOf(SessionCore& session, Values values, Types types) {
     const std::optional<std::int64_t> id = IntOf(values, types, 0);
+    if (id == kSysNameType) {
+        return std::string("sysname");
+    }
+    if (id > kSysNameType) {
+        SqliteStatement row =
+            session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_types WHERE rowid + 256 = ?1");
+        return row.BindInt(1, *id).Step() ? Value(row.Text(0)) : Value();
+    }
     for (const SystemType& type : SystemTypes()) {
         if (id && type.xtype == *id) {
             return std::string(type.name);

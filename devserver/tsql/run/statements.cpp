@@ -163,7 +163,7 @@ void RunSelect(SessionCore& session, const ast::Query& query) {
     }
     Emission emission(session);
     Binder binder(session, emission);
-    const BoundQuery bound = binder.BindQuery(query);
+    const BoundQuery bound = binder.BindRows(query);
     session.sink().Columns(bound.columns);
     std::int64_t count = 0;
     if (!session.options.fmtonly) {
@@ -184,7 +184,7 @@ void RunSelect(SessionCore& session, const ast::Query& query) {
 RowSet FetchAll(SessionCore& session, const ast::Query& query) {
     Emission emission(session);
     Binder binder(session, emission);
-    const BoundQuery bound = binder.BindQuery(query);
+    const BoundQuery bound = binder.BindRows(query);
     RowSet set{bound.columns, {}};
     QueryRows rows(session, emission, bound);
     while (rows.Next()) {
