@@ -53,6 +53,13 @@ TEST_F(StatementEnd, StatementsThatSteerTellOnlyWhatTheySteer) {
     EXPECT_EQ(OrderOf("goto there print 'a' there: return"), "");
 }
 
+TEST_F(StatementEnd, AFunctionEndsUnseenWithinTheStatementThatCallsIt) {
+    client.Run(
+        "create function f () returns int begin declare @i int set @i = 7 select @i = @i + 1 return @i end");
+    EXPECT_EQ(OrderOf("declare @i int set @i = dbo.f() select @i = dbo.f() if dbo.f() = 8 print 'x'"),
+              "done, done, print x, done");
+}
+
 TEST_F(StatementEnd, EachFailedStatementEndsByItself) {
     EXPECT_EQ(
         OrderOf(

@@ -1,8 +1,12 @@
 // Calls: aggregates, window functions, the functions that choose between their arguments, and all others.
+#include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/bind/evaluator.h"
+#include "devserver/tsql/parse/parser.h"
+#include "devserver/tsql/run/interpreter.h"
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/text.h"
@@ -35,6 +39,34 @@ BoundPtr Aggregated(std::string text, const Type& type, int depth, bool nullable
     return node;
 }
 
+/// A user's function asks the session to run it: database and number lead its arguments. `view_database` is
+/// that of the view being bound, or empty.
+BoundPtr UserCall(SessionCore& session, const std::string& view_database, const ast::Name& name,
+                  std::vector<BoundPtr> arguments) {
+    ObjectPlace place = PlaceOf(session, name);
+    if (!view_database.empty() && name.parts.size() < 3) {
+        place.database = view_database;
+    }
+    Catalogue& catalogue = session.Database(place.database);
+    const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
+    if (!object || object->type != "FN") {
+        RaiseError(4121, {place.schema, name.text()});
+    }
+    const std::vector<ParameterDef> parameters = catalogue.Parameters(object->id);
+    const std::size_t wanted = parameters.size() - 1; // The last is what it returns.
+    if (arguments.size() != wanted) {
+        RaiseError(arguments.size() < wanted ? 313 : 8144, {name.text()}, 2);
+    }
+    std::vector<BoundPtr> children = {MakeConstant(place.database, Sized(TypeId::NVarChar, 128)),
+                                      MakeConstant(object->id, Simple(TypeId::BigInt))};
+    std::ranges::move(arguments, std::back_inserter(children));
+    auto node =
+        std::make_shared<Bound>(*MakeNode(BoundKind::Session, parameters.back().type, std::move(children)));
+    node->session = &UserFunctionCall();
+    node->nullable = true;
+    return node;
+}
+
 } // namespace
 
 BoundPtr Binder::BindCall(const ast::CallExpr& call, const Scope* scope) {
@@ -60,6 +92,9 @@ BoundPtr Binder::BindCall(const ast::CallExpr& call, const Scope* scope) {
     for (const ast::ExprPtr& argument : call.arguments) {
         arguments.push_back(BindValue(*argument, scope));
         types.push_back(arguments.back()->type);
+    }
+    if (call.name.find('.') != std::string::npos) {
+        return UserCall(session_, database_, ParseName(call.name), std::move(arguments));
     }
     if (call.star) {
         arguments = AllColumns(name, scope);

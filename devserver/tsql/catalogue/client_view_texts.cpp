@@ -70,12 +70,21 @@ constexpr std::array kViews = {
         "key_ordinal, "
         "descending AS is_descending_key, 0 AS is_included_column FROM {db}.devsql_index_columns"},
     SystemViewSource{
+        "sys", "foreign_key_columns",
+        "constraint_object_id int, constraint_column_id int, parent_object_id int, parent_column_id int, "
+        "referenced_object_id int, referenced_column_id int",
+        "SELECT k.id AS constraint_object_id, c.ordinal AS constraint_column_id, k.object AS "
+        "parent_object_id, c.column_id AS "
+        "parent_column_id, k.referenced AS referenced_object_id, c.referenced_column AS referenced_column_id "
+        "FROM "
+        "{db}.devsql_foreign_keys k JOIN {db}.devsql_foreign_key_columns c ON c.id = k.id"},
+    SystemViewSource{
         "sys", "sql_modules",
         "object_id int, definition nvarchar(max), uses_ansi_nulls bit, uses_quoted_identifier bit",
         "SELECT o.id AS object_id, CASE WHEN o.encrypted THEN NULL ELSE o.text END AS definition, "
         "o.ansi_nulls AS "
         "uses_ansi_nulls, o.quoted_identifier AS uses_quoted_identifier FROM {db}.devsql_objects o WHERE "
-        "o.type IN ('P', 'V')"},
+        "o.type IN ('P', 'V', 'FN')"},
     SystemViewSource{"sys", "identity_columns",
                      "object_id int, name sysname, column_id int, seed_value bigint, increment_value bigint, "
                      "last_value bigint",

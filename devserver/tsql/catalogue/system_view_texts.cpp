@@ -297,7 +297,8 @@ constexpr std::array kViews = {
         " AS schema_id, o.parent AS parent_object_id, "
         "CASE WHEN length(o.type) = 1 THEN o.type || ' ' ELSE o.type END AS type, CASE o.type WHEN 'U' THEN "
         "'USER_TABLE' WHEN "
-        "'V' THEN 'VIEW' WHEN 'P' THEN 'SQL_STORED_PROCEDURE' WHEN 'PK' THEN 'PRIMARY_KEY_CONSTRAINT' WHEN "
+        "'V' THEN 'VIEW' WHEN 'P' THEN 'SQL_STORED_PROCEDURE' WHEN 'FN' THEN 'SQL_SCALAR_FUNCTION' WHEN 'PK' "
+        "THEN 'PRIMARY_KEY_CONSTRAINT' WHEN "
         "'UQ' THEN "
         "'UNIQUE_CONSTRAINT' WHEN 'F' THEN 'FOREIGN_KEY_CONSTRAINT' WHEN 'C' THEN 'CHECK_CONSTRAINT' ELSE "
         "'DEFAULT_CONSTRAINT' END AS type_desc, o.created AS create_date, o.created AS modify_date, "
@@ -359,14 +360,15 @@ constexpr std::array kViews = {
         "object_id int, name sysname, parameter_id int, system_type_id tinyint, user_type_id "
         "int, max_length smallint, "
         "precision tinyint, scale tinyint, is_output bit, has_default_value bit",
-        "SELECT c.object AS object_id, c.name, c.id AS parameter_id, t.xtype AS system_type_id, " USER_TYPE(
+        "SELECT c.object AS object_id, c.name, CASE c.name WHEN '' THEN 0 ELSE c.id END AS parameter_id, "
+        "t.xtype AS system_type_id, " USER_TYPE(
             "t.xtype",
             "256") " AS user_type_id, " COLUMN_BYTES
                    " AS max_length, c.precision, c.scale, c.output AS is_output, 0 AS has_default_value "
                    "FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN "
                    "{db}.devsql_objects "
                    "o ON o.id = c.object AND "
-                   "o.type = 'P'"},
+                   "o.type IN ('P', 'FN')"},
     SystemViewSource{"sys", "indexes",
                      "object_id int, name sysname, index_id int, type tinyint, type_desc nvarchar(60), "
                      "is_unique bit, is_primary_key bit, "
@@ -386,15 +388,6 @@ constexpr std::array kViews = {
         "is_disabled, k.on_delete AS delete_referential_action, k.on_update AS update_referential_action "
         "FROM "
         "{db}.devsql_foreign_keys k JOIN {db}.devsql_objects o ON o.id = k.id"},
-    SystemViewSource{
-        "sys", "foreign_key_columns",
-        "constraint_object_id int, constraint_column_id int, parent_object_id int, parent_column_id int, "
-        "referenced_object_id int, referenced_column_id int",
-        "SELECT k.id AS constraint_object_id, c.ordinal AS constraint_column_id, k.object AS "
-        "parent_object_id, c.column_id AS "
-        "parent_column_id, k.referenced AS referenced_object_id, c.referenced_column AS referenced_column_id "
-        "FROM "
-        "{db}.devsql_foreign_keys k JOIN {db}.devsql_foreign_key_columns c ON c.id = k.id"},
     SystemViewSource{
         "sys", "check_constraints",
         "name sysname, object_id int, parent_object_id int, definition nvarchar(max), is_disabled bit, "
@@ -525,19 +518,22 @@ constexpr std::array kViews = {
         "END AS DOMAIN_NAME FROM {db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN "
         "{db}.devsql_objects o ON o.id = "
         "c.object AND o.type IN ('U', 'V')"},
-    SystemViewSource{"INFORMATION_SCHEMA", "ROUTINES",
-                     "SPECIFIC_CATALOG sysname, SPECIFIC_SCHEMA sysname, SPECIFIC_NAME sysname, "
-                     "ROUTINE_CATALOG sysname, ROUTINE_SCHEMA "
-                     "sysname, ROUTINE_NAME sysname, ROUTINE_TYPE nvarchar(20), DATA_TYPE sysname, "
-                     "ROUTINE_DEFINITION nvarchar(4000), "
-                     "CREATED datetime, LAST_ALTERED datetime",
-                     "SELECT {name} AS SPECIFIC_CATALOG, o.schema AS SPECIFIC_SCHEMA, o.name AS "
-                     "SPECIFIC_NAME, {name} AS ROUTINE_CATALOG, "
-                     "o.schema AS ROUTINE_SCHEMA, o.name AS ROUTINE_NAME, 'PROCEDURE' AS ROUTINE_TYPE, NULL "
-                     "AS DATA_TYPE, CASE WHEN "
-                     "o.encrypted THEN NULL ELSE substr(o.text, 1, 4000) END AS ROUTINE_DEFINITION, "
-                     "o.created AS CREATED, o.created AS "
-                     "LAST_ALTERED FROM {db}.devsql_objects o WHERE o.type = 'P'"},
+    SystemViewSource{
+        "INFORMATION_SCHEMA", "ROUTINES",
+        "SPECIFIC_CATALOG sysname, SPECIFIC_SCHEMA sysname, SPECIFIC_NAME sysname, "
+        "ROUTINE_CATALOG sysname, ROUTINE_SCHEMA "
+        "sysname, ROUTINE_NAME sysname, ROUTINE_TYPE nvarchar(20), DATA_TYPE sysname, "
+        "ROUTINE_DEFINITION nvarchar(4000), "
+        "CREATED datetime, LAST_ALTERED datetime",
+        "SELECT {name} AS SPECIFIC_CATALOG, o.schema AS SPECIFIC_SCHEMA, o.name AS "
+        "SPECIFIC_NAME, {name} AS ROUTINE_CATALOG, "
+        "o.schema AS ROUTINE_SCHEMA, o.name AS ROUTINE_NAME, CASE o.type WHEN 'P' THEN 'PROCEDURE' ELSE "
+        "'FUNCTION' END AS ROUTINE_TYPE, (SELECT t.type_name FROM {db}.devsql_columns c JOIN {types} t ON "
+        "t.type = c.type WHERE c.object = o.id AND c.name = '') "
+        "AS DATA_TYPE, CASE WHEN "
+        "o.encrypted THEN NULL ELSE substr(o.text, 1, 4000) END AS ROUTINE_DEFINITION, "
+        "o.created AS CREATED, o.created AS "
+        "LAST_ALTERED FROM {db}.devsql_objects o WHERE o.type IN ('P', 'FN')"},
     SystemViewSource{
         "INFORMATION_SCHEMA", "PARAMETERS",
         "SPECIFIC_CATALOG sysname, SPECIFIC_SCHEMA sysname, SPECIFIC_NAME sysname, "
@@ -546,8 +542,9 @@ constexpr std::array kViews = {
         "CHARACTER_MAXIMUM_LENGTH int, "
         "NUMERIC_PRECISION tinyint, NUMERIC_SCALE int",
         "SELECT {name} AS SPECIFIC_CATALOG, o.schema AS SPECIFIC_SCHEMA, o.name AS "
-        "SPECIFIC_NAME, c.id AS ORDINAL_POSITION, "
-        "CASE WHEN c.output THEN 'INOUT' ELSE 'IN' END AS PARAMETER_MODE, 'NO' AS IS_RESULT, "
+        "SPECIFIC_NAME, CASE c.name WHEN '' THEN 0 ELSE c.id END AS ORDINAL_POSITION, "
+        "CASE WHEN c.name = '' THEN 'OUT' WHEN c.output THEN 'INOUT' ELSE 'IN' END AS PARAMETER_MODE, CASE "
+        "c.name WHEN '' THEN 'YES' ELSE 'NO' END AS IS_RESULT, "
         "c.name AS PARAMETER_NAME, "
         "t.type_name AS DATA_TYPE, CASE WHEN t.type_name IN ('char', 'varchar', 'nchar', "
         "'nvarchar', 'binary', 'varbinary') "
@@ -555,7 +552,7 @@ constexpr std::array kViews = {
         "'numeric') THEN c.precision "
         "WHEN t.digits > 0 THEN t.digits END AS NUMERIC_PRECISION, " COLUMN_SCALE " AS NUMERIC_SCALE FROM "
         "{db}.devsql_columns c CROSS JOIN {types} t ON t.type = c.type CROSS JOIN {db}.devsql_objects o ON "
-        "o.id = c.object AND o.type = 'P'"},
+        "o.id = c.object AND o.type IN ('P', 'FN')"},
     SystemViewSource{"INFORMATION_SCHEMA", "TABLE_CONSTRAINTS",
                      "CONSTRAINT_CATALOG sysname, CONSTRAINT_SCHEMA sysname, CONSTRAINT_NAME sysname, "
                      "TABLE_CATALOG sysname, TABLE_SCHEMA "

@@ -1,7 +1,11 @@
-// Procedures and views, user types, and DROP of whatever stands in a database.
+// Procedures, functions and views, user types, and DROP of whatever stands in a database.
+#include <algorithm>
 #include <array>
 
 #include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/parse/ast.h"
+#include "devserver/tsql/parse/overloaded.h"
+#include "devserver/tsql/run/statements.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
@@ -14,9 +18,10 @@ struct KindInfo {
     std::string_view type; ///< of devsql_objects
     std::string_view word; ///< of messages
 };
-constexpr std::array<KindInfo, 3> kKinds = {{{ast::ObjectKind::Table, "U", "table"},
+constexpr std::array<KindInfo, 4> kKinds = {{{ast::ObjectKind::Table, "U", "table"},
                                              {ast::ObjectKind::View, "V", "view"},
-                                             {ast::ObjectKind::Procedure, "P", "procedure"}}};
+                                             {ast::ObjectKind::Procedure, "P", "procedure"},
+                                             {ast::ObjectKind::Function, "FN", "function"}}};
 
 const KindInfo* InfoOf(ast::ObjectKind kind) {
     for (const KindInfo& info : kKinds) {
@@ -54,6 +59,64 @@ std::vector<ColumnDef> ViewColumns(const std::vector<Column>& columns) {
         defined.push_back(std::move(definition));
     }
     return defined;
+}
+
+template <class Node, class... Others>
+constexpr bool IsOneOf = (std::is_same_v<Node, Others> || ...);
+
+/// A function computes and changes nothing: raises 443 and 444 for a statement that would.
+void RequirePure(const ast::Statement& statement) {
+    std::visit(
+        Overloaded{
+            [](const ast::IfStatement& s) {
+                RequirePure(*s.then);
+                if (s.otherwise) {
+                    RequirePure(*s.otherwise);
+                }
+            },
+            [](const ast::WhileStatement& s) { RequirePure(*s.body); },
+            [](const ast::BlockStatement& s) {
+                for (const ast::StatementPtr& inner : s.statements) {
+                    RequirePure(*inner);
+                }
+            },
+            [](const ast::DeclareStatement& s) {
+                if (std::ranges::any_of(s.declarations, [](const auto& d) { return d.table.has_value(); })) {
+                    RaiseError(40517, {"table variable in a function"});
+                }
+            },
+            [](const ast::QueryPtr& s) {
+                if (!IsAssignment(*s)) {
+                    RaiseError(444, {}, 2);
+                }
+            },
+            []<class Node>(const Node&) {
+                if constexpr (!IsOneOf<Node, ast::SetVariableStatement, ast::BreakStatement,
+                                       ast::ContinueStatement, ast::ReturnStatement, ast::GotoStatement,
+                                       ast::LabelStatement, ast::CursorDeclareStatement, ast::CursorStatement,
+                                       ast::FetchStatement>) {
+                    RaiseError(443,
+                               {IsOneOf<Node, ast::InsertStatement>      ? "INSERT"
+                                : IsOneOf<Node, ast::UpdateStatement>    ? "UPDATE"
+                                : IsOneOf<Node, ast::DeleteStatement>    ? "DELETE"
+                                : IsOneOf<Node, ast::PrintStatement>     ? "PRINT"
+                                : IsOneOf<Node, ast::ExecuteStatement>   ? "EXECUTE"
+                                : IsOneOf<Node, ast::SetOptionStatement> ? "SET"
+                                : IsOneOf<Node, ast::TryStatement>       ? "BEGIN TRY"
+                                                                         : "this statement"},
+                               15);
+                }
+            },
+        },
+        statement.node);
+}
+
+void RequireFunctionBody(const ast::StatementList& body) {
+    RequirePure(*body.front());
+    const ast::StatementList& statements = std::get<ast::BlockStatement>(body.front()->node).statements;
+    if (statements.empty() || !std::holds_alternative<ast::ReturnStatement>(statements.back()->node)) {
+        RaiseError(455, {}, 2);
+    }
 }
 
 void DropTable(SessionCore& session, const ast::Name& name, bool if_exists) {
@@ -143,6 +206,9 @@ void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& cre
     if (create.name.last().starts_with("#")) {
         RaiseError(40517, {"temporary procedure"});
     }
+    if (create.kind == ast::ObjectKind::Function) {
+        RequireFunctionBody(create.body);
+    }
     const ObjectPlace place = PlaceOf(session, create.name);
     Catalogue& catalogue = session.CurrentDatabase();
     session.Write(catalogue.alias(), [&] {
@@ -199,13 +265,11 @@ void RunDrop(SessionCore& session, const ast::DropStatement& drop) {
         case ast::ObjectKind::Schema:
             DropPrincipal(session, drop.kind, name.last(), drop.if_exists);
             break;
-        default: { // Functions, triggers, defaults and rules can't be made here, so none is there to be
+        default: { // Triggers, defaults and rules can't be made here, so none is there to be
                    // dropped.
-            constexpr std::string_view kWords[] = {"function", "trigger", "default", "rule"};
-            const std::string_view word = drop.kind == ast::ObjectKind::Function  ? kWords[0]
-                                          : drop.kind == ast::ObjectKind::Trigger ? kWords[1]
-                                          : drop.kind == ast::ObjectKind::Default ? kWords[2]
-                                                                                  : kWords[3];
+            const std::string_view word = drop.kind == ast::ObjectKind::Trigger   ? "trigger"
+                                          : drop.kind == ast::ObjectKind::Default ? "default"
+                                                                                  : "rule";
             if (!drop.if_exists) {
                 RaiseError(3701, {"drop", word, name.text()}, 5);
             }

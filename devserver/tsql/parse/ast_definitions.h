@@ -123,19 +123,19 @@ struct Parameter {
     std::string default_text;
     bool output = false;
 };
-/// CREATE and ALTER of views and procedures: the text is kept, names are resolved when it runs.
+/// CREATE and ALTER of views, procedures and functions: the text is kept, names are resolved when it runs.
 struct CreateModuleStatement {
     ObjectKind kind;
     bool alter = false;
     bool or_alter = false;
     Name name;
-    std::vector<Parameter> parameters;
-    std::vector<std::string> columns; ///< of a view
+    std::vector<Parameter> parameters; ///< of a function, last and without a name, what it returns
+    std::vector<std::string> columns;  ///< of a view
     bool encrypted = false;
     bool recompile = false;
     bool check_option = false;
     QueryPtr query;     ///< of a view
-    StatementList body; ///< of a procedure
+    StatementList body; ///< of a procedure or function
     std::string text;   ///< the whole batch
 };
 

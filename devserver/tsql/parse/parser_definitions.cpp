@@ -47,6 +47,7 @@ StatementPtr Parser::ParseCreate() {
             return ParseCreateTable();
         case ObjectKind::View:
         case ObjectKind::Procedure:
+        case ObjectKind::Function:
             return ParseModule(entry.kind, false, or_alter);
         case ObjectKind::Database:
             return ParseCreateDatabase();
@@ -83,6 +84,9 @@ StatementPtr Parser::ParseAlter() {
     }
     if (TakeWord("VIEW")) {
         return ParseModule(ObjectKind::View, true, false);
+    }
+    if (TakeWord("FUNCTION")) {
+        return ParseModule(ObjectKind::Function, true, false);
     }
     if (TakeWord("INDEX")) {
         return ParseAlterIndex();
@@ -471,116 +475,6 @@ StatementPtr Parser::ParseDropIndex() {
         }
     } while (TakeSymbol(","));
     return Wrap(std::move(drop));
-}
-
-// ------------------------------------------------------------------ procedures, views
-
-StatementPtr Parser::ParseModule(ObjectKind kind, bool alter, bool or_alter) {
-    if (!module_allowed_) {
-        Fail(111,
-             {std::string(alter ? "ALTER " : "CREATE ") + (kind == ObjectKind::View ? "VIEW" : "PROCEDURE")});
-    }
-    CreateModuleStatement module = kind == ObjectKind::View ? ParseViewModule() : ParseProcedureModule();
-    module.kind = kind;
-    module.alter = alter;
-    module.or_alter = or_alter;
-    module.text = std::string(source_);
-    return Wrap(std::move(module));
-}
-
-CreateModuleStatement Parser::ParseProcedureModule() {
-    CreateModuleStatement module;
-    module_allowed_ = false;
-    module.name = TakeObjectName();
-    if (TakeSymbol(";")) {
-        if (TakeInteger() != 1) {
-            Unsupported("procedure number");
-        }
-    }
-    const bool parenthesis = TakeSymbol("(");
-    while (Peek().kind == TokenKind::Variable) {
-        Parameter parameter = ParseParameter();
-        module.parameters.push_back(std::move(parameter));
-        if (!TakeSymbol(",")) {
-            break;
-        }
-    }
-    if (parenthesis) {
-        ExpectSymbol(")");
-    }
-    if (TakeWord("WITH")) {
-        do {
-            const int option = TakeOneOf({"RECOMPILE", "ENCRYPTION"});
-            if (option < 0) {
-                ParseExecuteAs();
-            }
-            module.recompile = module.recompile || option == 0;
-            module.encrypted = module.encrypted || option == 1;
-        } while (TakeSymbol(","));
-    }
-    if (TakeWords({"FOR", "REPLICATION"})) {
-        // Such a procedure runs like any other here: there is no replication that would pick it out.
-    }
-    ExpectWord("AS");
-    module.body = ParseStatementsUntilEnd();
-    return module;
-}
-
-/// WITH EXECUTE AS CALLER, OWNER or SELF: every login may do everything, so that it is all one.
-void Parser::ParseExecuteAs() {
-    if (!(IsWord("EXECUTE") || IsWord("EXEC")) || !IsWord("AS", 1) ||
-        !(IsWord("CALLER", 2) || IsWord("OWNER", 2) || IsWord("SELF", 2))) {
-        Unsupported(Peek().text);
-    }
-    Take();
-    Take();
-    Take();
-}
-
-Parameter Parser::ParseParameter() {
-    Parameter parameter;
-    parameter.name = TakeVariable();
-    Declare(parameter.name);
-    TakeWord("AS");
-    parameter.type = ParseType();
-    if (TakeWord("VARYING")) {
-        Unsupported("cursor parameter");
-    }
-    if (TakeSymbol("=")) {
-        const std::size_t begin = Peek().begin;
-        if (IsName() && Peek().kind != TokenKind::DoubleQuoted) {
-            parameter.default_value = Make(LiteralExpr{Sized(TypeId::NVarChar, 128), Value(Take().text)});
-        } else {
-            parameter.default_value = ParseUnary();
-        }
-        parameter.default_text = Text(begin, PreviousEnd());
-    }
-    parameter.output = TakeOneOf({"OUTPUT", "OUT"}) >= 0;
-    TakeWord("READONLY");
-    return parameter;
-}
-
-CreateModuleStatement Parser::ParseViewModule() {
-    CreateModuleStatement module;
-    module.name = TakeObjectName();
-    if (IsSymbol("(")) {
-        module.columns = ParseNameList();
-    }
-    if (TakeWord("WITH")) {
-        do {
-            const int option = TakeOneOf({"ENCRYPTION", "SCHEMABINDING", "VIEW_METADATA"});
-            if (option < 0) {
-                SyntaxError();
-            }
-            module.encrypted = module.encrypted || option == 0;
-        } while (TakeSymbol(","));
-    }
-    ExpectWord("AS");
-    module.query = ParseQuery();
-    if (TakeWords({"WITH", "CHECK", "OPTION"})) {
-        module.check_option = true;
-    }
-    return module;
 }
 
 } // namespace devsql

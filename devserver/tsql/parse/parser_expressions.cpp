@@ -395,9 +395,10 @@ ast::ExprPtr Parser::ParseNamed() {
     if (IsWord("IDENTITYCOL") || IsWord("ROWGUIDCOL")) {
         Unsupported(token.text);
     }
+    const std::size_t begin = token.begin;
     ast::Name name = TakeObjectName();
     if (IsSymbol("(")) {
-        Unsupported(name.text() + "() (user-defined function)");
+        return ParseCall(name.parts.size() == 1 ? name.last() : Text(begin, PreviousEnd()));
     }
     return Make(ast::ColumnExpr{std::move(name)});
 }

@@ -200,6 +200,7 @@ class Parser {
     ast::StatementPtr ParseModule(ast::ObjectKind kind, bool alter, bool or_alter);
     ast::CreateModuleStatement ParseProcedureModule();
     ast::CreateModuleStatement ParseViewModule();
+    ast::CreateModuleStatement ParseFunctionModule();
     ast::Parameter ParseParameter();
 
     // ---- databases and security (parser_admin.cpp)

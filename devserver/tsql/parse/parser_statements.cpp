@@ -1,4 +1,5 @@
 // Statements of control and procedure: what stands between the queries.
+#include <algorithm>
 #include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
@@ -7,6 +8,13 @@
 namespace devsql {
 
 using namespace ast;
+
+namespace {
+/// The reserved words that a value may begin with, so that it belongs to the RETURN before it.
+constexpr std::string_view kValueWords[] = {
+    "NULL",   "CASE", "CONVERT",           "COALESCE",     "LEFT",         "RIGHT",
+    "NULLIF", "USER", "CURRENT_TIMESTAMP", "CURRENT_USER", "SESSION_USER", "SYSTEM_USER"};
+} // namespace
 
 StatementList Parser::ParseStatementsUntilEnd() {
     StatementList list;
@@ -139,9 +147,10 @@ StatementPtr Parser::ParseControlStatement() {
         return AsciiEqual(Take().text, "BREAK") ? Wrap(BreakStatement{}) : Wrap(ContinueStatement{});
     }
     if (TakeWord("RETURN")) {
-        const bool value = !AtEnd() && !IsSymbol(";") &&
-                           (Peek().kind != TokenKind::Word || IsWord("NULL") || IsWord("CASE") ||
-                            IsWord("CONVERT") || IsWord("COALESCE") || (IsName() && IsSymbol("(", 1)));
+        const bool word = std::ranges::any_of(kValueWords, [&](std::string_view w) { return IsWord(w); });
+        const bool value =
+            !AtEnd() && !IsSymbol(";") &&
+            (Peek().kind != TokenKind::Word || word || (IsName() && (IsSymbol("(", 1) || IsSymbol(".", 1))));
         return Wrap(ReturnStatement{value ? ParseValue() : nullptr});
     }
     if (TakeWord("GOTO")) {

@@ -246,7 +246,8 @@ std::int32_t Help(SystemCall& call) {
         call.Run(
             "SELECT o.name AS Name, 'dbo' AS Owner, CASE o.xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN "
             "'view' "
-            "WHEN 'P' THEN 'stored procedure' WHEN 'PK' THEN 'primary key cns' WHEN 'UQ' THEN 'unique cns' "
+            "WHEN 'P' THEN 'stored procedure' WHEN 'FN' THEN 'scalar function' WHEN 'PK' THEN 'primary key "
+            "cns' WHEN 'UQ' THEN 'unique cns' "
             "WHEN 'F' "
             "THEN 'foreign key cns' WHEN 'C' THEN 'check cns' ELSE 'default (maybe cns)' END AS Object_type "
             "FROM sysobjects o ORDER BY Object_type, Name");
@@ -256,10 +257,11 @@ std::int32_t Help(SystemCall& call) {
     const std::vector<std::string> values = {std::to_string(object.id)};
     call.Run("SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN "
              "'view' WHEN 'P' THEN "
-             "'stored procedure' ELSE 'constraint' END AS Type, crdate AS Created_datetime FROM sysobjects "
+             "'stored procedure' WHEN 'FN' THEN 'scalar function' ELSE 'constraint' END AS Type, crdate AS "
+             "Created_datetime FROM sysobjects "
              "WHERE id = CONVERT(int, @p1)",
              values);
-    if (object.type == "P") {
+    if (object.type == "P" || object.type == "FN") {
         call.Run("SELECT c.name AS Parameter_name, t.name AS Type, c.length AS Length, c.prec AS Prec, "
                  "c.scale AS Scale, "
                  "c.colid AS Param_order, c.collation AS Collation FROM syscolumns c JOIN systypes t ON "
@@ -298,16 +300,16 @@ std::int32_t Depends(SystemCall& call) {
     const std::string from =
         " FROM sys.sql_modules m JOIN sysobjects u ON N' ' + m.definition + N' ' LIKE "
         "N'%[^a-z0-9_@#$]' + REPLACE(u.name, '_', '[_]') + N'[^a-z0-9_@#$]%' AND u.id <> "
-        "m.object_id AND u.xtype IN ('U', 'V', 'P') JOIN sysobjects o ON o.id = m.object_id "
+        "m.object_id AND u.xtype IN ('U', 'V', 'P', 'FN') JOIN sysobjects o ON o.id = m.object_id "
         "WHERE ";
     const auto list = [&](const std::string& told, const std::string& wanted, std::int32_t heading) {
         const std::string rows = from + wanted + ".id = CONVERT(int, @p1)";
-        call.Run(
-            "IF EXISTS (SELECT *" + rows + ") BEGIN RAISERROR (" + std::to_string(heading) +
-                ", -1, -1) SELECT DISTINCT N'dbo.' + " + told + ".name AS name, CASE " + told +
-                ".xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view' ELSE 'stored procedure' END AS type" +
-                rows + " ORDER BY 1 END",
-            {std::to_string(object.id)});
+        call.Run("IF EXISTS (SELECT *" + rows + ") BEGIN RAISERROR (" + std::to_string(heading) +
+                     ", -1, -1) SELECT DISTINCT N'dbo.' + " + told + ".name AS name, CASE " + told +
+                     ".xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view' WHEN 'FN' THEN 'scalar "
+                     "function' ELSE 'stored procedure' END AS type" +
+                     rows + " ORDER BY 1 END",
+                 {std::to_string(object.id)});
     };
     list("u", "o", 15459);
     list("o", "u", 15460);

@@ -314,6 +314,9 @@ void Interpreter::Report(const StorageError& error) {
 }
 
 void Interpreter::Report(const SqlError& error) {
+    if (function_result_ != nullptr) {
+        throw error;
+    }
     const Message message = MessageOf(session_, error);
     session_.last_error = message.number;
     session_.row_count = 0;

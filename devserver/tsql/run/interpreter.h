@@ -56,6 +56,9 @@ class Interpreter {
     void RunDynamic(const std::string& text);
     /// The procedure's results go to the sink. Raises 2812 and the errors of the arguments.
     CallResult Call(const ast::Name& name, std::vector<ActualArgument> arguments);
+    /// The value of a user's function. An error in it is one of the statement that calls it.
+    Value CallFunction(const ObjectDef& object, Catalogue& catalogue, const std::string& database,
+                       const std::vector<ActualArgument>& arguments);
     SessionCore& session() { return session_; }
 
   private:
@@ -115,10 +118,14 @@ class Interpreter {
     SessionCore& session_;
     std::string goto_label_;
     std::int32_t return_value_ = 0;
-    bool changes_rows_ = false;   ///< the running statement is INSERT, UPDATE or DELETE
-    int tries_ = 0;               ///< TRY blocks that are open, in all frames
-    std::map<int, int> tries_at_; ///< the same by nesting
+    Variable* function_result_ = nullptr; ///< of the function that runs; null for anything else
+    bool changes_rows_ = false;           ///< the running statement is INSERT, UPDATE or DELETE
+    int tries_ = 0;                       ///< TRY blocks that are open, in all frames
+    std::map<int, int> tries_at_;         ///< the same by nesting
 };
+
+/// Runs a user's function: its arguments are the database, the object's number, and those of the call.
+const SessionFunction& UserFunctionCall();
 
 /// The variables of a call: `actual` put into `formal`. Raises 201, 8144, 8145, 8146, 8143. For each actual
 /// argument the position of its parameter comes back.

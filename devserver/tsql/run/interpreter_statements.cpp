@@ -318,7 +318,15 @@ void Interpreter::Throw(const ast::ThrowStatement& statement) {
 
 void Interpreter::Return(const ast::ReturnStatement& statement) {
     return_value_ = 0;
-    if (statement.value) {
+    if (function_result_ != nullptr) {
+        if (!statement.value) {
+            RaiseError(178);
+        }
+        Type type;
+        const Value value = ComputeExpression(session_, *statement.value, &type);
+        function_result_->value =
+            IsNull(value) ? Value() : AssignVariable(value, type, function_result_->type);
+    } else if (statement.value) {
         if (session_.frame().procedure.empty()) {
             RaiseError(178);
         }

@@ -20,6 +20,8 @@ const ast::SelectCore* FirstCore(const ast::Query& query) {
     return &std::get<ast::SelectCore>(term->node);
 }
 
+} // namespace
+
 bool IsAssignment(const ast::Query& query) {
     const auto* core = std::get_if<ast::SelectCore>(&query.body->node);
     if (core == nullptr) {
@@ -32,6 +34,8 @@ bool IsAssignment(const ast::Query& query) {
     }
     return false;
 }
+
+namespace {
 
 /// Steps through a bound query, a row at a time, up to SET ROWCOUNT.
 class QueryRows {

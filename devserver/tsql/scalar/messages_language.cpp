@@ -213,7 +213,10 @@ constexpr MessageTemplate kMessages[] = {
     {409, 16, "The %1 operation cannot take a %2 data type as an argument."},
     {421, 16, "The %1 data type cannot be selected as DISTINCT because it is not comparable."},
     {422, 16, "Common table expression defined but not used."},
+    {443, 16, "Invalid use of a side-effecting operator '%1' within a function."},
+    {444, 16, "Select statements included within a function cannot return data to a client."},
     {448, 16, "Invalid collation '%1'."},
+    {455, 16, "The last statement included within a function must be a return statement."},
     {465, 16, "Recursive references are not allowed in subqueries."},
     {505, 16,
      "The current user account was invoked with SETUSER or SP_SETAPPROLE. Changing databases is not "
