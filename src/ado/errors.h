@@ -3,11 +3,12 @@
 #pragma once
 
 #include <cstdint>
-#include <exception>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "base/reported_error.h"
 
 namespace ado {
 
@@ -46,19 +47,9 @@ class Errors {
 };
 
 /// A failing call: the first error that the server or the driver reported, or one of the numbers below.
-class CallError : public std::exception {
+class CallError : public kv::ReportedError {
   public:
-    CallError(std::int32_t number, std::string source, std::string description)
-        : number_(number), source_(std::move(source)), description_(std::move(description)) {}
-
-    std::int32_t Number() const { return number_; }
-    const std::string& Source() const { return source_; }
-    const char* what() const noexcept override { return description_.c_str(); }
-
-  private:
-    std::int32_t number_;
-    std::string source_;
-    std::string description_;
+    using ReportedError::ReportedError;
 };
 
 /// Failures of the layer itself, which no connection's Errors holds.
@@ -74,18 +65,11 @@ inline constexpr std::int32_t kInvalidConnection = 3709;
 /// `detail`, if there is one, goes behind the text and names what was refused.
 [[noreturn]] void RaiseOwnError(std::int32_t number, const char* source, const std::string& detail = {});
 
-/// Why a value could not be converted.
-enum class ConversionFault : std::uint8_t { Overflow, TypeMismatch, InvalidUseOfNull };
-
-/// A conversion that the readers' language refuses. A failure of the run time, not of a call.
-class ConversionError : public std::exception {
+/// A conversion of a value that the program's language refuses: run_time::kOverflow, kTypeMismatch or
+/// kInvalidUseOfNull. A failure of the run time, not of a call.
+class ConversionError : public kv::RunTimeError {
   public:
-    explicit ConversionError(ConversionFault fault) : fault_(fault) {}
-    ConversionFault Fault() const { return fault_; }
-    const char* what() const noexcept override { return "a value cannot be converted"; }
-
-  private:
-    ConversionFault fault_;
+    using RunTimeError::RunTimeError;
 };
 
 } // namespace ado

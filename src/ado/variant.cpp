@@ -41,7 +41,7 @@ double ParseNumber(std::string_view text) {
     constexpr std::string_view kBlanks = " \t";
     const std::size_t begin = text.find_first_not_of(kBlanks);
     if (begin == std::string_view::npos) {
-        throw ConversionError(ConversionFault::TypeMismatch);
+        throw ConversionError(kv::run_time::kTypeMismatch);
     }
     text = text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
     if (text.starts_with('+') && !text.starts_with("+-")) {
@@ -51,15 +51,15 @@ double ParseNumber(std::string_view text) {
     const bool negative = text.starts_with('-');
     const std::size_t first = negative ? 1 : 0;
     if (text.find_first_of("0123456789.", first) != first) {
-        throw ConversionError(ConversionFault::TypeMismatch);
+        throw ConversionError(kv::run_time::kTypeMismatch);
     }
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error == std::errc::invalid_argument || end != text.data() + text.size()) {
-        throw ConversionError(ConversionFault::TypeMismatch);
+        throw ConversionError(kv::run_time::kTypeMismatch);
     }
     if (error == std::errc::result_out_of_range) {
-        throw ConversionError(ConversionFault::Overflow);
+        throw ConversionError(kv::run_time::kOverflow);
     }
     return number;
 }
@@ -77,7 +77,7 @@ std::int16_t RoundToInt16(double number) {
     using Limits = std::numeric_limits<std::int16_t>;
     const double rounded = RoundHalfToEven(number);
     if (!(rounded >= Limits::min() && rounded <= Limits::max())) {
-        throw ConversionError(ConversionFault::Overflow);
+        throw ConversionError(kv::run_time::kOverflow);
     }
     return static_cast<std::int16_t>(rounded);
 }
@@ -86,7 +86,7 @@ struct ToText {
     const platform::LocaleForms& forms;
 
     std::string operator()(std::monostate) const { return {}; }
-    std::string operator()(Null) const { throw ConversionError(ConversionFault::InvalidUseOfNull); }
+    std::string operator()(Null) const { throw ConversionError(kv::run_time::kInvalidUseOfNull); }
     std::string operator()(bool value) const { return value ? forms.true_word : forms.false_word; }
     std::string operator()(std::int64_t value) const { return std::to_string(value); }
     std::string operator()(float value) const { return ShowFloating(value, 7, forms); }
@@ -99,7 +99,7 @@ struct ToText {
 
 struct ToNumber {
     double operator()(std::monostate) const { return 0; }
-    double operator()(Null) const { throw ConversionError(ConversionFault::InvalidUseOfNull); }
+    double operator()(Null) const { throw ConversionError(kv::run_time::kInvalidUseOfNull); }
     double operator()(bool value) const { return value ? -1 : 0; }
     double operator()(std::int64_t value) const { return static_cast<double>(value); }
     double operator()(float value) const { return static_cast<double>(value); }
@@ -107,7 +107,7 @@ struct ToNumber {
     double operator()(const Decimal& value) const { return ParseNumber(value.digits); }
     double operator()(const Date& value) const { return SerialNumber(value); }
     double operator()(const std::string& value) const { return ParseNumber(value); }
-    double operator()(const ByteArray&) const { throw ConversionError(ConversionFault::TypeMismatch); }
+    double operator()(const ByteArray&) const { throw ConversionError(kv::run_time::kTypeMismatch); }
 };
 
 } // namespace

@@ -1,42 +1,14 @@
 #include "base/failure.h"
 
-#include <array>
 #include <new>
 #include <stdexcept>
 
-#include "ado/errors.h"
-#include "packages/packages.h"
 #include "platform/files.h"
 
 namespace kv {
 namespace {
 
 ErrorState current_error;
-
-struct RunTimeText {
-    std::int32_t number;
-    const char* description;
-};
-
-constexpr std::array kRunTimeTexts = {
-    RunTimeText{run_time::kInvalidProcedureCall, "Invalid procedure call or argument"},
-    RunTimeText{run_time::kOverflow, "Overflow"},
-    RunTimeText{run_time::kOutOfMemory, "Out of memory"},
-    RunTimeText{run_time::kSubscriptOutOfRange, "Subscript out of range"},
-    RunTimeText{run_time::kTypeMismatch, "Type mismatch"},
-    RunTimeText{run_time::kInternalError, "Internal error"},
-    RunTimeText{run_time::kFileNotFound, "File not found"},
-    RunTimeText{run_time::kDeviceIoError, "Device I/O error"},
-    RunTimeText{run_time::kFileAlreadyExists, "File already exists"},
-    RunTimeText{run_time::kDiskFull, "Disk full"},
-    RunTimeText{run_time::kPermissionDenied, "Permission denied"},
-    RunTimeText{run_time::kPathFileAccessError, "Path/File access error"},
-    RunTimeText{run_time::kPathNotFound, "Path not found"},
-    RunTimeText{run_time::kObjectVariableNotSet, "Object variable or With block variable not set"},
-    RunTimeText{run_time::kInvalidUseOfNull, "Invalid use of Null"},
-    RunTimeText{run_time::kCannotCreateObject, "ActiveX component can't create object"},
-    RunTimeText{run_time::kAutomationError, "Automation error"},
-};
 
 std::int32_t NumberOf(platform::FileFault fault) {
     switch (fault) {
@@ -58,18 +30,6 @@ std::int32_t NumberOf(platform::FileFault fault) {
     return run_time::kDeviceIoError;
 }
 
-std::int32_t NumberOf(ado::ConversionFault fault) {
-    switch (fault) {
-    case ado::ConversionFault::Overflow:
-        return run_time::kOverflow;
-    case ado::ConversionFault::TypeMismatch:
-        return run_time::kTypeMismatch;
-    case ado::ConversionFault::InvalidUseOfNull:
-        break;
-    }
-    return run_time::kInvalidUseOfNull;
-}
-
 Failure RunTimeFailure(std::int32_t number) {
     return {number, platform::ExecutableName(), run_time::Description(number)};
 }
@@ -81,12 +41,10 @@ Failure FailureInFlight() {
         return failure;
     } catch (const platform::FileError& error) {
         return RunTimeFailure(NumberOf(error.Fault()));
-    } catch (const platform::PackageError& error) {
+    } catch (const ReportedError& error) {
         return {error.Number(), error.Source(), error.what()};
-    } catch (const ado::CallError& error) {
-        return {error.Number(), error.Source(), error.what()};
-    } catch (const ado::ConversionError& error) {
-        return RunTimeFailure(NumberOf(error.Fault()));
+    } catch (const RunTimeError& error) {
+        return RunTimeFailure(error.Number());
     } catch (const std::bad_alloc&) {
         return RunTimeFailure(run_time::kOutOfMemory);
     } catch (const std::exception& error) {
@@ -95,15 +53,6 @@ Failure FailureInFlight() {
 }
 
 } // namespace
-
-const char* run_time::Description(std::int32_t number) {
-    for (const auto& text : kRunTimeTexts) {
-        if (text.number == number) {
-            return text.description;
-        }
-    }
-    return "Application-defined or object-defined error";
-}
 
 const ErrorState& CurrentError() {
     return current_error;

@@ -7,34 +7,12 @@
 #include <string>
 #include <utility>
 
+#include "base/reported_error.h"
+
 namespace kv {
 
 /// The number of every failure that the program raises for itself, 0x80040001.
 inline constexpr std::int32_t kProgramFailure = static_cast<std::int32_t>(0x80040001U);
-
-/// The failures of the run time, with the numbers and texts that its documentation gives them.
-namespace run_time {
-inline constexpr std::int32_t kInvalidProcedureCall = 5;
-inline constexpr std::int32_t kOverflow = 6;
-inline constexpr std::int32_t kOutOfMemory = 7;
-inline constexpr std::int32_t kSubscriptOutOfRange = 9;
-inline constexpr std::int32_t kTypeMismatch = 13;
-inline constexpr std::int32_t kInternalError = 51;
-inline constexpr std::int32_t kFileNotFound = 53;
-inline constexpr std::int32_t kDeviceIoError = 57;
-inline constexpr std::int32_t kFileAlreadyExists = 58;
-inline constexpr std::int32_t kDiskFull = 61;
-inline constexpr std::int32_t kPermissionDenied = 70;
-inline constexpr std::int32_t kPathFileAccessError = 75;
-inline constexpr std::int32_t kPathNotFound = 76;
-inline constexpr std::int32_t kObjectVariableNotSet = 91;
-inline constexpr std::int32_t kInvalidUseOfNull = 94;
-inline constexpr std::int32_t kCannotCreateObject = 429;
-inline constexpr std::int32_t kAutomationError = 440;
-
-/// The text of one of the numbers above; "Application-defined or object-defined error" for any other.
-const char* Description(std::int32_t number);
-} // namespace run_time
 
 /// A raised failure. Three fields, as the current error has them.
 class Failure : public std::exception {
@@ -70,14 +48,14 @@ void ClearCurrentError();
 /// Raises one of run_time's numbers with its text, the program's name as the source.
 [[noreturn]] void RaiseRunTimeFailure(std::int32_t number);
 
-/// To be called inside a catch (...): gives what is in flight as a Failure and makes it the current error.
-/// What the system reported (a file error, no memory) becomes the run time's failure of the same meaning;
-/// this is the one place where it does.
+/// To be called inside a catch (...): returns the exception in flight as a Failure and makes it the current
+/// error. The system's errors (a file error, no memory) become the failure of the run time with the same
+/// meaning, here and nowhere else.
 Failure TranslateInFlight();
 
-/// Runs `body` with a failure handler armed. A failure goes to `handler` (which takes a const Failure&), and
-/// behind it the routine goes on at its exit label: this function returns. The current error is cleared when
-/// the handler is armed, and again on leaving. A failure inside `handler` is the caller's.
+/// Runs `body` with a failure handler armed. A failure goes to `handler` (which takes a const Failure&); then
+/// the routine goes on at its exit label: this function returns. The current error is cleared when the
+/// handler is armed and again on leaving. A failure inside `handler` goes to the caller.
 template <class Body, class Handler>
 void WithFailureHandler(Body&& body, Handler&& handler) {
     ClearCurrentError();

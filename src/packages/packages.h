@@ -4,32 +4,21 @@
 #pragma once
 
 #include <cstdint>
-#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
-#include <utility>
 
+#include "base/reported_error.h"
 #include "platform/clock.h"
 
 namespace platform {
 
-/// A call on one of the two objects failed: what COM or the server reported.
-class PackageError : public std::exception {
+/// A call on one of the two objects failed. The number is the HRESULT on Windows. On Linux it is the number
+/// that ADO over ODBC gives for the SQLSTATE; for a package file it is the HRESULT that Windows gives for the
+/// same fault.
+class PackageError : public kv::ReportedError {
   public:
-    PackageError(std::int32_t number, std::string source, std::string description)
-        : number_(number), source_(std::move(source)), description_(std::move(description)) {}
-
-    /// The HRESULT on Windows. On Linux the number that ADO over ODBC gives for the SQLSTATE; for a package
-    /// file the HRESULT that Windows has for the same fault of a storage file.
-    std::int32_t Number() const { return number_; }
-    const std::string& Source() const { return source_; }
-    const char* what() const noexcept override { return description_.c_str(); }
-
-  private:
-    std::int32_t number_;
-    std::string source_;
-    std::string description_;
+    using ReportedError::ReportedError;
 };
 
 struct PackageInfo {
