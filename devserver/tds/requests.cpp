@@ -68,11 +68,10 @@ RpcParameter ReadParameter(ByteReader& reader, Version version, int ordinal) {
     parameter.name = ReadText(reader, reader.Byte());
     const std::uint8_t flags = reader.Byte();
     parameter.output = (flags & kByReference) != 0;
-    // FreeTDS has no other word for a parameter that a call leaves out, as "?,,?" does, than the type that
-    // holds no data, without the flag.
-    const bool left_out = reader.Peek() == static_cast<std::uint8_t>(WireType::Null);
-    parameter.use_default = left_out || (flags & kDefaultValue) != 0;
-    if (left_out) {
+    parameter.use_default = (flags & kDefaultValue) != 0;
+    // The type that holds no data may stand for a default alone. Without the flag it is refused, as SQL Server does;
+    // FreeTDS sends it so for a place that a call leaves empty: {call p(?,,?)}.
+    if (parameter.use_default && reader.Peek() == static_cast<std::uint8_t>(WireType::Null)) {
         reader.Byte();
         return parameter;
     }

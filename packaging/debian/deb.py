@@ -46,7 +46,7 @@ def _devserver(target):
     _completion(target, "devsqlserver")
 
 
-CONSOLE_MODULE = "libkvconsole.so"
+CONSOLE_MODULE = "KVLSQLDbMgrWindow.so"
 
 PACKAGES = {
     "kvlsqldbmgr": {

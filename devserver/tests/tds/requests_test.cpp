@@ -60,14 +60,18 @@ TEST(TdsRpc, AProcedureIsCalledByItsName) {
     EXPECT_FALSE(call.parameters[1].use_default);
 }
 
-TEST(TdsRpc, AParameterWithoutATypeIsLeftToItsDefault) {
-    const std::string data = FromHex(kHeaders) + FromHex("0100") + Utf16("p") + FromHex("0000") +
-                             FromHex("00 00 1F") + FromHex("00 00 26 04 04 05000000");
-    const RpcRequest request = ParseRpc(data, Version::V74);
-    ASSERT_EQ(ErrorOf(request), 0);
-    ASSERT_EQ(request.calls[0].parameters.size(), 2U);
-    EXPECT_TRUE(request.calls[0].parameters[0].use_default);
-    EXPECT_FALSE(request.calls[0].parameters[1].use_default);
+TEST(TdsRpc, AParameterWithoutATypeIsRefusedUnlessItsDefaultIsAskedFor) {
+    const auto request = [](const char* flags) {
+        return ParseRpc(FromHex(kHeaders) + FromHex("0100") + Utf16("p") + FromHex("0000") +
+                            FromHex(std::string("00 ") + flags + " 1F") + FromHex("00 00 26 04 04 05000000"),
+                        Version::V74);
+    };
+    EXPECT_EQ(ErrorOf(request("00")), 8009);
+    const RpcRequest with_default = request("02");
+    ASSERT_EQ(ErrorOf(with_default), 0);
+    ASSERT_EQ(with_default.calls[0].parameters.size(), 2U);
+    EXPECT_TRUE(with_default.calls[0].parameters[0].use_default);
+    EXPECT_FALSE(with_default.calls[0].parameters[1].use_default);
 }
 
 TEST(TdsRpc, NumbersStandForTheProceduresOfTheSystem) {
