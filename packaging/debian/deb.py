@@ -46,7 +46,7 @@ def _devserver(target):
     _completion(target, "devsqlserver")
 
 
-CONSOLE_MODULE = "KVLSQLDbMgrWindow.so"
+CONSOLE_MODULE = "libkvconsole.so"
 
 PACKAGES = {
     "kvlsqldbmgr": {
