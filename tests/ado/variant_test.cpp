@@ -7,7 +7,7 @@
 namespace ado {
 namespace {
 
-std::int32_t NumberOf(const std::function<void()>& convert) {
+std::int32_t RunTimeNumberOf(const std::function<void()>& convert) {
     try {
         convert();
     } catch (const ConversionError& error) {
@@ -64,7 +64,7 @@ TEST(VariantAsText, PartsOfASecondAreRounded) {
 }
 
 TEST(VariantAsText, NullIsRefused) {
-    EXPECT_EQ(NumberOf([] { Variant(Null()).ToString(); }), kv::run_time::kInvalidUseOfNull);
+    EXPECT_EQ(RunTimeNumberOf([] { Variant(Null()).ToString(); }), kv::run_time::kInvalidUseOfNull);
 }
 
 TEST(VariantAsInt16, RoundsAHalfToTheEvenNeighbour) {
@@ -102,18 +102,18 @@ TEST(VariantAsInt16, RefusesWhatIsNoNumber) {
          {"", "  ", "two", "2x", "1 2", "--2", "+-2", "-", ".", "inf", "nan", "-inf", "0x10",
           "2."
           "0.1"}) {
-        EXPECT_EQ(NumberOf([&] { Variant(text).ToInt16(); }), kv::run_time::kTypeMismatch) << text;
+        EXPECT_EQ(RunTimeNumberOf([&] { Variant(text).ToInt16(); }), kv::run_time::kTypeMismatch) << text;
     }
-    EXPECT_EQ(NumberOf([] { Variant(ByteArray{"1"}).ToInt16(); }), kv::run_time::kTypeMismatch);
+    EXPECT_EQ(RunTimeNumberOf([] { Variant(ByteArray{"1"}).ToInt16(); }), kv::run_time::kTypeMismatch);
 }
 
 TEST(VariantAsInt16, RefusesWhatDoesNotFit) {
     for (const char* text : {"32767.5", "32768", "-32768.51", "1e30", "1e999"}) {
-        EXPECT_EQ(NumberOf([&] { Variant(text).ToInt16(); }), kv::run_time::kOverflow) << text;
+        EXPECT_EQ(RunTimeNumberOf([&] { Variant(text).ToInt16(); }), kv::run_time::kOverflow) << text;
     }
-    EXPECT_EQ(NumberOf([] { Variant(std::int64_t{9223372036854775807}).ToInt16(); }),
+    EXPECT_EQ(RunTimeNumberOf([] { Variant(std::int64_t{9223372036854775807}).ToInt16(); }),
               kv::run_time::kOverflow);
-    EXPECT_EQ(NumberOf([] { Variant(Null()).ToInt16(); }), kv::run_time::kInvalidUseOfNull);
+    EXPECT_EQ(RunTimeNumberOf([] { Variant(Null()).ToInt16(); }), kv::run_time::kInvalidUseOfNull);
 }
 
 TEST(RowStore, GivesBackEveryKindOfValueAsItWas) {
