@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include <linux/capability.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -86,9 +87,18 @@ fs::path NewLog(const FaultRoom& room) {
     return room.DataFolder() / "Tmp_log.ldf";
 }
 
-/// A file that nothing fits into: writing to it fails as on a full disk.
-void MakeFull(const fs::path& path) {
-    fs::create_symlink("/dev/full", path);
+/// From here on no file of this process grows to the size of `path`: a copy of it fails as on a full disk.
+void LeaveNoRoomFor(const fs::path& path) {
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+    limit.rlim_cur = fs::file_size(path) - 1;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+}
+
+/// The log must be the larger file, so that there is room for the data alone.
+void LeaveNoRoomForTheLog(const FaultRoom& room) {
+    fs::resize_file(OldLog(room), 2 * fs::file_size(OldData(room)));
+    LeaveNoRoomFor(OldLog(room));
 }
 
 void MakeReadOnlyFile(const fs::path& path) {
@@ -97,8 +107,8 @@ void MakeReadOnlyFile(const fs::path& path) {
 }
 
 const FileFaultCase kCases[] = {
-    {"full disk, copying the data", [](const FaultRoom& room) { MakeFull(NewData(room)); }, "xx+-"},
-    {"full disk, copying the log", [](const FaultRoom& room) { MakeFull(NewLog(room)); }, "xxx+"},
+    {"full disk, copying the data", [](const FaultRoom& room) { LeaveNoRoomFor(OldData(room)); }, "xx--"},
+    {"full disk, copying the log", LeaveNoRoomForTheLog, "xxx-"},
     {"no right to make the new data", [](const FaultRoom& room) { Close(room.DataFolder()); }, "xx--"},
     {"no right to write the new data", [](const FaultRoom& room) { MakeReadOnlyFile(NewData(room)); },
      "xx+-"},

@@ -70,8 +70,8 @@ struct UpgradeStep {
     Outcome ends;
     /// The program itself waits for it and gives up; the query tool and the packages have no limit.
     bool limited = true;
-    /// What comes of a run in which it is done and its answer does not arrive. Where it is not told, that is
-    /// what comes of a failure of the step behind it.
+    /// The outcome of a run in which the statement is done and its answer does not arrive. If it is not
+    /// given, it is the outcome of a failure of the next step.
     std::optional<Outcome> unanswered{};
 };
 
@@ -131,6 +131,7 @@ std::vector<UpgradeStep> Renaming() {
             {"sp_attach_db", detached_fails, detached_ends, true, renamed_fails}};
 }
 
+/// The query tool's statements, the options that it sets for its session first.
 std::vector<UpgradeStep> Scripts() {
     const Outcome nothing_fails = {"Batch=none Tmp=1:3 packages=1", {kUpgrade}};
     const Outcome nothing_ends = {"Batch=none Tmp=1:3 packages=0", {kPackage, kUpgrade}};
@@ -140,6 +141,7 @@ std::vector<UpgradeStep> Scripts() {
     const Outcome unversioned_fails = {"Batch=-:0 Tmp=1:3 packages=1", {kUpgrade}};
     const Outcome unversioned_ends = {"Batch=-:0 Tmp=1:3 packages=0", {kPackage, kUpgrade}};
     return {{"login", nothing_fails, nothing_ends, false},
+            {"SET ANSI_NULLS ON", nothing_fails, nothing_ends, false},
             {"SET QUOTED_IDENTIFIER OFF", nothing_fails, nothing_ends, false},
             {"IF EXISTS", nothing_fails, nothing_ends, false},
             {"CREATE DATABASE", nothing_fails, nothing_ends, false},
@@ -147,6 +149,7 @@ std::vector<UpgradeStep> Scripts() {
             {"CREATE TABLE", empty_fails, empty_ends, false},
             {"", kGood, unversioned_ends, false, kGood}, // the blank line that every modified script ends in
             {"login", helpless_fails, unversioned_ends, false},
+            {"SET ANSI_NULLS ON", helpless_fails, unversioned_ends, false},
             {"SET QUOTED_IDENTIFIER OFF", helpless_fails, unversioned_ends, false},
             {"IF NOT EXISTS", helpless_fails, unversioned_ends, false},
             {"USE [Batch]", helpless_fails, unversioned_ends, false},
@@ -154,6 +157,7 @@ std::vector<UpgradeStep> Scripts() {
             {"CREATE PROCEDURE spUpgradeDatabase", helpless_fails, unversioned_ends, false},
             {"", kGood, unversioned_ends, false, kGood},
             {"login", unversioned_fails, unversioned_ends, false},
+            {"SET ANSI_NULLS ON", unversioned_fails, unversioned_ends, false},
             {"SET QUOTED_IDENTIFIER OFF", unversioned_fails, unversioned_ends, false},
             {"IF NOT EXISTS", unversioned_fails, unversioned_ends, false},
             {"USE [Batch]", unversioned_fails, unversioned_ends, false},
