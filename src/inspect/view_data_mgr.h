@@ -38,8 +38,8 @@ class CViewDataMgr : public DatabaseManager {
     bool GetStoredProcedureParameters(const std::string& strDbName, const std::string& strStoredProcedure,
                                       ParameterArray& arrParameters);
     /// Runs the procedure with the values of the parameters, matched by name, and gives its first result.
-    /// Afterwards arrParameters has the values that went in and, where a parameter gives something back, what came
-    /// out. False for a procedure without a result, which has run all the same.
+    /// Afterwards arrParameters has the values that went in and, where a parameter gives something back, what
+    /// came out. False for a procedure without a result, which has run all the same.
     bool ExecuteStoredProcedure(const std::string& strDbName, const std::string& strStoredProcedure,
                                 ParameterArray& arrParameters, TextTable& arrData);
 };

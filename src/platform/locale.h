@@ -40,8 +40,8 @@ struct LocaleForms {
 /// The forms of the user's locale, read once.
 const LocaleForms& UserLocale();
 
-/// The forms of a locale named as in "de-DE", the user's for the empty name; the initial ones if the machine does not
-/// have it.
+/// The forms of a locale named as in "de-DE", the user's for the empty name; the initial ones if the machine
+/// does not have it.
 LocaleForms NamedLocale(const std::string& name);
 
 } // namespace platform
