@@ -1,7 +1,8 @@
 #include "devserver/storage/paths.h"
 
 #include <algorithm>
-#include <cctype>
+
+#include "devserver/tsql/scalar/text.h"
 
 namespace devsql {
 
@@ -10,7 +11,7 @@ std::optional<std::filesystem::path> LocalPath(std::string_view client_path, con
     std::replace(path.begin(), path.end(), '\\', '/');
     std::filesystem::path base = "/";
     if (path.size() >= 2 && path[1] == ':') {
-        const auto drive = drives.find(std::string(1, static_cast<char>(std::toupper(path[0]))));
+        const auto drive = drives.find(AsciiUpper(path.substr(0, 1)));
         if (drive != drives.end()) {
             base = drive->second;
         } else if (std::filesystem::path base_of_system = path.substr(0, 2) + "/";

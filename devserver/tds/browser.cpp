@@ -1,11 +1,9 @@
 // The resolution protocol's few messages. See browser.h.
 #include "devserver/tds/browser.h"
 
-#include <algorithm>
-#include <cctype>
-
 #include "devserver/tds/bytes.h"
 #include "devserver/tds/server_version.h"
+#include "devserver/tsql/scalar/text.h"
 
 namespace devsql::tds {
 
@@ -18,11 +16,6 @@ constexpr std::uint8_t kAnswer = 0x05;
 /// A request is at most a byte and an instance's name of 32 bytes with its NUL.
 constexpr std::size_t kLongestRequest = 64;
 constexpr std::string_view kDefaultInstance = "MSSQLSERVER";
-
-bool SameName(std::string_view left, std::string_view right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
-}
 
 std::string_view HostOf(std::string_view server_name) {
     return server_name.substr(0, server_name.find('\\'));
@@ -59,7 +52,7 @@ std::optional<std::string> BrowserAnswer(std::string_view request, const Browser
     const bool asks_all = (kind == kAll || kind == kBroadcastAll) && request.size() == 1;
     // Some clients leave the NUL behind the name away.
     const std::string_view name = request.substr(1, request.find('\0', 1) - 1);
-    if (!asks_all && !(kind == kOneInstance && SameName(name, InstanceOf(entry.server_name)))) {
+    if (!asks_all && !(kind == kOneInstance && AsciiEqual(name, InstanceOf(entry.server_name)))) {
         return std::nullopt;
     }
     const std::string text = Description(entry);

@@ -56,6 +56,12 @@ std::string Mapped(std::string_view text, const CaseTable& table) {
     return result;
 }
 
+char32_t MappedCharacter(char32_t character, const CaseTable& table) {
+    const auto byte = platform::NarrowCharacter(character);
+    return byte ? platform::WidenCharacter(static_cast<char>(table[static_cast<unsigned char>(*byte)]))
+                : character;
+}
+
 } // namespace
 
 std::string UpperCase(std::string_view text) {
@@ -69,11 +75,17 @@ std::string LowerCase(std::string_view text) {
 std::u16string UpperCase(std::u16string_view text) {
     std::u16string result(text);
     for (char16_t& c : result) {
-        if (const auto byte = platform::NarrowCharacter(c)) {
-            c = platform::WidenCharacter(static_cast<char>(kUpper[static_cast<unsigned char>(*byte)]));
-        }
+        c = static_cast<char16_t>(UpperCharacter(c));
     }
     return result;
+}
+
+char32_t UpperCharacter(char32_t character) {
+    return MappedCharacter(character, kUpper);
+}
+
+char32_t LowerCharacter(char32_t character) {
+    return MappedCharacter(character, kLower);
 }
 
 std::size_t FindIgnoringCase(std::string_view text, std::string_view wanted, std::size_t from) {

@@ -11,6 +11,8 @@ std::string UpperCase(std::string_view text);
 std::string LowerCase(std::string_view text);
 /// The same letters in UTF-16; all other characters stay.
 std::u16string UpperCase(std::u16string_view text);
+char32_t UpperCharacter(char32_t character);
+char32_t LowerCharacter(char32_t character);
 
 /// The place of the first occurrence at or after `from`, letter case ignored; npos if it does not occur.
 std::size_t FindIgnoringCase(std::string_view text, std::string_view wanted, std::size_t from = 0);

@@ -25,6 +25,19 @@ TEST(Text, WhatHasNoPartnerInTheCodePageStays) {
     EXPECT_EQ(LowerCase(others), others);
 }
 
+TEST(Text, ACharactersCaseIsThatOfItsByte) {
+    for (int i = 0; i < 256; ++i) {
+        const char byte = static_cast<char>(i);
+        const char32_t character = platform::WidenCharacter(byte);
+        EXPECT_EQ(platform::NarrowCharacter(UpperCharacter(character)), UpperCase(std::string(1, byte))[0])
+            << i;
+        EXPECT_EQ(platform::NarrowCharacter(LowerCharacter(character)), LowerCase(std::string(1, byte))[0])
+            << i;
+    }
+    EXPECT_EQ(UpperCharacter(0x142), 0x142U) << "a letter that the code page lacks";
+    EXPECT_EQ(LowerCharacter(0x1F600), 0x1F600U);
+}
+
 TEST(Text, CaseIsThereAndBackForEveryByte) {
     int letters = 0;
     for (int i = 0; i < 256; ++i) {

@@ -14,12 +14,21 @@ TEST(Collation, CaseAndTrailingBlanksDontCount) {
     EXPECT_EQ(CompareText("a", "a   "), 0);
     EXPECT_EQ(CompareText("", "  "), 0);
     EXPECT_EQ(CompareText("ÄÖÜ", "äöü"), 0);
+    EXPECT_EQ(CompareText("ŠŒŽŸ", "šœžÿ"), 0);
 }
 
 TEST(Collation, AccentsAndLeadingBlanksCount) {
     EXPECT_NE(CompareText("resume", "résumé"), 0);
     EXPECT_NE(CompareText("a", " a"), 0);
     EXPECT_NE(CompareText("ss", "ß"), 0);
+    EXPECT_NE(CompareText("oe", "œ"), 0);
+    EXPECT_NE(CompareText("s", "š"), 0);
+}
+
+TEST(Collation, LettersOutsideTheCodePageAreEqualToThemselvesOnly) {
+    EXPECT_NE(CompareText("Ł", "ł"), 0);
+    EXPECT_NE(CompareText("Ω", "ω"), 0);
+    EXPECT_EQ(CompareText("Ω", "Ω "), 0);
 }
 
 TEST(Collation, OrdersAsADictionary) {

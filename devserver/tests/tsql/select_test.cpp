@@ -58,6 +58,16 @@ T
 )");
 }
 
+TEST_F(Select, KnowsTheCaseOfTheCodePagesOwnLettersWhereverItCounts) {
+    Run("CREATE TABLE Šatna(œuvre varchar(10) PRIMARY KEY); INSERT Šatna VALUES('Žižka Ÿ')");
+    EXPECT_EQ(Run("DECLARE @Š int SET @š = 1 SELECT ŒUVRE, @š FROM šATNA WHERE Œuvre = 'žiŽKA ÿ'"),
+              "\nŒUVRE|\nŽižka Ÿ|1\n(1)\n");
+    EXPECT_EQ(Run("INSERT šATNA VALUES('žiŽKA ÿ')").substr(0, 9), "\nMsg 2627");
+    EXPECT_EQ(Run("SELECT UPPER('šœžÿ'), LOWER(N'ŠŒŽŸ'), CHARINDEX('Œ', 'aœ'), REPLACE('aš', 'Š', 'b') "
+                  "WHERE 'šœ' LIKE 'Š[Œ]' AND 'š' <> 's' AND 'œ' <> 'oe'"),
+              "\n|||\nŠŒŽŸ|šœžÿ|2|ab\n(1)\n");
+}
+
 TEST_F(Select, SortsTextAsTheCollationAndNullsFirst) {
     EXPECT_EQ(Run("select name, volume from unit order by volume desc, name\n"
                   "select name from unit order by name\nselect volume v from unit order by v"),

@@ -16,51 +16,30 @@ namespace devsql {
 
 namespace {
 
-/// A letter that sorts with others: with one base letter, or with two as ligatures do.
+/// A character of code page 1252 that sorts with one base letter, or with two as ligatures do.
 struct Accented {
     char16_t letter; ///< lower case
     char first;
-    std::uint8_t
-        accent; ///< 1 grave, 2 acute, 3 circumflex, 4 tilde, 5 diaeresis, 6 ring, 7 cedilla, 8 macron,
-                ///< 9 breve, 10 ogonek, 11 dot, 12 caron, 13 stroke, 14 double acute, 15 other
+    /// 1 grave, 2 acute, 3 circumflex, 4 tilde, 5 diaeresis, 6 ring, 7 cedilla, 8 caron, 9 stroke, 10 other
+    std::uint8_t accent;
     char second = 0;
 };
 
 constexpr std::array kAccented = {
-    Accented{u'ª', 'a', 15},      Accented{u'²', '2', 15}, Accented{u'³', '3', 15},
-    Accented{u'¹', '1', 15},      Accented{u'º', 'o', 15}, Accented{u'ß', 's', 15, 's'},
-    Accented{u'à', 'a', 1},       Accented{u'á', 'a', 2},  Accented{u'â', 'a', 3},
-    Accented{u'ã', 'a', 4},       Accented{u'ä', 'a', 5},  Accented{u'å', 'a', 6},
-    Accented{u'æ', 'a', 15, 'e'}, Accented{u'ç', 'c', 7},  Accented{u'è', 'e', 1},
-    Accented{u'é', 'e', 2},       Accented{u'ê', 'e', 3},  Accented{u'ë', 'e', 5},
-    Accented{u'ì', 'i', 1},       Accented{u'í', 'i', 2},  Accented{u'î', 'i', 3},
-    Accented{u'ï', 'i', 5},       Accented{u'ð', 'd', 15}, Accented{u'ñ', 'n', 4},
-    Accented{u'ò', 'o', 1},       Accented{u'ó', 'o', 2},  Accented{u'ô', 'o', 3},
-    Accented{u'õ', 'o', 4},       Accented{u'ö', 'o', 5},  Accented{u'ø', 'o', 13},
-    Accented{u'ù', 'u', 1},       Accented{u'ú', 'u', 2},  Accented{u'û', 'u', 3},
-    Accented{u'ü', 'u', 5},       Accented{u'ý', 'y', 2},  Accented{u'þ', 't', 15, 'h'},
-    Accented{u'ÿ', 'y', 5},       Accented{u'ā', 'a', 8},  Accented{u'ă', 'a', 9},
-    Accented{u'ą', 'a', 10},      Accented{u'ć', 'c', 2},  Accented{u'ĉ', 'c', 3},
-    Accented{u'ċ', 'c', 11},      Accented{u'č', 'c', 12}, Accented{u'ď', 'd', 12},
-    Accented{u'đ', 'd', 13},      Accented{u'ē', 'e', 8},  Accented{u'ĕ', 'e', 9},
-    Accented{u'ė', 'e', 11},      Accented{u'ę', 'e', 10}, Accented{u'ě', 'e', 12},
-    Accented{u'ĝ', 'g', 3},       Accented{u'ğ', 'g', 9},  Accented{u'ġ', 'g', 11},
-    Accented{u'ģ', 'g', 7},       Accented{u'ĥ', 'h', 3},  Accented{u'ħ', 'h', 13},
-    Accented{u'ĩ', 'i', 4},       Accented{u'ī', 'i', 8},  Accented{u'ĭ', 'i', 9},
-    Accented{u'į', 'i', 10},      Accented{u'ı', 'i', 15}, Accented{u'ĵ', 'j', 3},
-    Accented{u'ķ', 'k', 7},       Accented{u'ĺ', 'l', 2},  Accented{u'ļ', 'l', 7},
-    Accented{u'ľ', 'l', 12},      Accented{u'ŀ', 'l', 11}, Accented{u'ł', 'l', 13},
-    Accented{u'ń', 'n', 2},       Accented{u'ņ', 'n', 7},  Accented{u'ň', 'n', 12},
-    Accented{u'ō', 'o', 8},       Accented{u'ŏ', 'o', 9},  Accented{u'ő', 'o', 14},
-    Accented{u'œ', 'o', 15, 'e'}, Accented{u'ŕ', 'r', 2},  Accented{u'ŗ', 'r', 7},
-    Accented{u'ř', 'r', 12},      Accented{u'ś', 's', 2},  Accented{u'ŝ', 's', 3},
-    Accented{u'ş', 's', 7},       Accented{u'š', 's', 12}, Accented{u'ţ', 't', 7},
-    Accented{u'ť', 't', 12},      Accented{u'ŧ', 't', 13}, Accented{u'ũ', 'u', 4},
-    Accented{u'ū', 'u', 8},       Accented{u'ŭ', 'u', 9},  Accented{u'ů', 'u', 6},
-    Accented{u'ű', 'u', 14},      Accented{u'ų', 'u', 10}, Accented{u'ŵ', 'w', 3},
-    Accented{u'ŷ', 'y', 3},       Accented{u'ź', 'z', 2},  Accented{u'ż', 'z', 11},
-    Accented{u'ž', 'z', 12},      Accented{u'ƒ', 'f', 15},
-};
+    Accented{u'ª', 'a', 10},      Accented{u'²', '2', 10},      Accented{u'³', '3', 10},
+    Accented{u'¹', '1', 10},      Accented{u'º', 'o', 10},      Accented{u'ß', 's', 10, 's'},
+    Accented{u'à', 'a', 1},       Accented{u'á', 'a', 2},       Accented{u'â', 'a', 3},
+    Accented{u'ã', 'a', 4},       Accented{u'ä', 'a', 5},       Accented{u'å', 'a', 6},
+    Accented{u'æ', 'a', 10, 'e'}, Accented{u'ç', 'c', 7},       Accented{u'è', 'e', 1},
+    Accented{u'é', 'e', 2},       Accented{u'ê', 'e', 3},       Accented{u'ë', 'e', 5},
+    Accented{u'ì', 'i', 1},       Accented{u'í', 'i', 2},       Accented{u'î', 'i', 3},
+    Accented{u'ï', 'i', 5},       Accented{u'ð', 'd', 10},      Accented{u'ñ', 'n', 4},
+    Accented{u'ò', 'o', 1},       Accented{u'ó', 'o', 2},       Accented{u'ô', 'o', 3},
+    Accented{u'õ', 'o', 4},       Accented{u'ö', 'o', 5},       Accented{u'ø', 'o', 9},
+    Accented{u'ù', 'u', 1},       Accented{u'ú', 'u', 2},       Accented{u'û', 'u', 3},
+    Accented{u'ü', 'u', 5},       Accented{u'ý', 'y', 2},       Accented{u'þ', 't', 10, 'h'},
+    Accented{u'ÿ', 'y', 5},       Accented{u'œ', 'o', 10, 'e'}, Accented{u'š', 's', 8},
+    Accented{u'ž', 'z', 8},       Accented{u'ƒ', 'f', 10}};
 
 // Bytes of a sort key. The separator is below every weight, so that a text sorts before what it begins.
 constexpr char kSeparator = 1;

@@ -23,8 +23,7 @@ std::string FromUtf16(std::u16string_view text);
 std::string ToUtf16Le(std::string_view text);
 /// From the bytes of UTF-16LE; an odd last byte is left away.
 std::string FromUtf16Le(std::string_view bytes);
-/// A byte for each UTF-16 unit; "?" for what code page 1252 lacks. The five bytes it leaves undefined stand
-/// for the code points of the same value.
+/// A byte for each UTF-16 unit; "?" for what code page 1252 lacks.
 std::string ToCodePage1252(std::string_view text);
 std::string FromCodePage1252(std::string_view bytes);
 /// `text` with "?" for each UTF-16 unit that a varchar could not hold.
@@ -44,7 +43,7 @@ std::string SubText(std::string_view text, std::size_t start, std::size_t count 
 /// Without the blanks (U+0020) at its end.
 std::string_view TrimTrailingBlanks(std::string_view text);
 
-/// Simple case mapping of one character: Latin, Greek, Cyrillic, Armenian and full-width letters.
+/// Case of the letters of code page 1252; any other character stays as it is.
 char32_t ToUpper(char32_t character);
 char32_t ToLower(char32_t character);
 std::string ToUpper(std::string_view text);
