@@ -3,8 +3,9 @@
 #include <random>
 
 #include "devserver/storage/paths.h"
+#include "devserver/system/digest.h"
+#include "devserver/tsql/scalar/conversion_parts.h"
 #include "devserver/tsql/scalar/date_time.h"
-#include "devserver/tsql/scalar/digests.h"
 
 namespace devsql {
 namespace {
@@ -179,13 +180,13 @@ void RemoveLogin(SqliteConnection& connection, std::string_view name) {
 std::string HashPassword(std::string_view password) {
     std::random_device random;
     const std::string salt = std::to_string(random()) + std::to_string(random());
-    return salt + ":" + HexOf(Sha256(salt + std::string(password)));
+    return salt + ":" + HexText(system::Sha256(salt + std::string(password)));
 }
 
 bool PasswordMatches(std::string_view password, std::string_view hash) {
     const std::size_t colon = hash.find(':');
     return colon != std::string_view::npos &&
-           HexOf(Sha256(std::string(hash.substr(0, colon)) + std::string(password))) ==
+           HexText(system::Sha256(std::string(hash.substr(0, colon)) + std::string(password))) ==
                hash.substr(colon + 1);
 }
 

@@ -5,7 +5,8 @@
 #include <stdexcept>
 
 #include "devserver/storage/databases.h"
-#include "devserver/tsql/scalar/digests.h"
+#include "devserver/system/digest.h"
+#include "devserver/tsql/scalar/conversion_parts.h"
 
 namespace devsql {
 namespace {
@@ -46,19 +47,7 @@ std::string RandomHex() {
         text += "0123456789abcdef"[random() & 0xF];
         text += std::to_string(random());
     }
-    return HexOf(Sha256(text));
-}
-
-int HexDigit(char c) {
-    return c <= '9' ? c - '0' : c - 'a' + 10;
-}
-
-std::string FromHex(std::string_view hex) {
-    std::string bytes;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
-        bytes += static_cast<char>(HexDigit(hex[i]) << 4 | HexDigit(hex[i + 1]));
-    }
-    return bytes;
+    return HexText(system::Sha256(text));
 }
 
 } // namespace
@@ -136,7 +125,8 @@ std::optional<LinkedLogin> LinkedLogins::Find(int server, std::string_view local
                             "WHERE server = ?1 AND (local = ?2 OR local = '') ORDER BY local = ''");
     row.BindInt(1, server).BindText(2, local);
     if (row.Step()) {
-        found = {row.Text(0), row.Int(1) != 0, row.Text(2), Apply(row.Text(3), FromHex(row.Text(4)))};
+        found = {row.Text(0), row.Int(1) != 0, row.Text(2),
+                 Apply(row.Text(3), BytesFromHex(row.Text(4), false).value_or(""))};
     }
     return found;
 }
@@ -160,7 +150,7 @@ void LinkedLogins::Save(int server, const LinkedLogin& login) {
         .BindInt(3, login.own ? 1 : 0)
         .BindText(4, login.remote_user)
         .BindText(5, salt)
-        .BindText(6, HexOf(Apply(salt, login.password)))
+        .BindText(6, HexText(Apply(salt, login.password)))
         .Run();
 }
 
@@ -200,7 +190,7 @@ std::string LinkedLogins::Apply(const std::string& salt, std::string text) {
     const std::string key = Key();
     std::string stream;
     for (int block = 0; stream.size() < text.size(); ++block) {
-        stream += Sha256(key + ":" + salt + ":" + std::to_string(block));
+        stream += system::Sha256(key + ":" + salt + ":" + std::to_string(block));
     }
     for (std::size_t i = 0; i < text.size(); ++i) {
         text[i] = static_cast<char>(text[i] ^ stream[i]);

@@ -1,4 +1,4 @@
-// What scripts of administration and of the years of SQL Server 2000 say besides: checksums, messages by
+// What scripts of administration and of the years of SQL Server 2000 say besides: messages by
 // number, properties, ties, settings of dates and NULL, procedures that tell who is there.
 #include "devserver/tests/tsql/test_database.h"
 
@@ -27,24 +27,6 @@ select indexproperty(object_id('t'), 'pk_t', 'IsClustered'), indexproperty(objec
               R"(
 ||||||
 1|1|0|NULL|id|a|NULL
-)");
-}
-
-TEST_F(OldScripts, SumAndHash) {
-    EXPECT_EQ(Run(R"(
-select binary_checksum('abc'), binary_checksum(1, 2), binary_checksum(null), checksum('Abc ') - checksum('aBC')
-select count(distinct binary_checksum(*)), count(distinct checksum(newid())) from t
-select hashbytes('md5', 'abc'), hashbytes('sha1', 'abc')
-select hashbytes('sha2_256', replicate('a', 200)), hashbytes('nosuch', 'a'))"),
-              R"(
-|||
-26435|18|2147483647|0
-|
-4|4
-|
-0x900150983CD24FB0D6963F7D28E17F72|0xA9993E364706816ABA3E25717850C26C9CD0D89D
-|
-0xC2A908D98F5DF987ADE41B5FCE213067EFBCC21EF2240212A41E54B5E7C28AE5|NULL
 )");
 }
 

@@ -160,7 +160,6 @@ class Binder {
     BoundPtr BindSubquery(const ast::Query& query, const Scope* scope);
     // binder_calls.cpp
     BoundPtr BindCall(const ast::CallExpr& call, const Scope* scope);
-    std::vector<BoundPtr> AllColumns(std::string_view function, const Scope* scope) const;
     BoundPtr BindChoice(const std::vector<std::pair<BoundPtr, BoundPtr>>& branches,
                         const BoundPtr& otherwise) const;
     BoundPtr BindAggregate(const ast::CallExpr& call, const Scope* scope);

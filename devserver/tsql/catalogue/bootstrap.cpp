@@ -209,8 +209,6 @@ RETURN 0
 )",
     R"(
 USE master
-IF OBJECT_ID('dbo.sp_helpserver') IS NOT NULL -- of an older version; it is no T-SQL any more
-    DROP PROCEDURE dbo.sp_helpserver
 )",
     R"(
 CREATE OR ALTER PROCEDURE dbo.sp_helpuser @name_in_db sysname = NULL

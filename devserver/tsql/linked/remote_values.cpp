@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/conversion_parts.h"
 #include "devserver/tsql/scalar/decimal.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
@@ -12,13 +13,7 @@ namespace devsql {
 namespace {
 
 std::string Hex(std::string_view bytes) {
-    std::string text = "0x";
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        text += "0123456789ABCDEF"[byte >> 4];
-        text += "0123456789ABCDEF"[byte & 0xF];
-    }
-    return text;
+    return "0x" + HexText(bytes);
 }
 
 /// A text that can't stand between quotes: characters that the statement's code page lacks, a NUL, a

@@ -10,7 +10,6 @@
 #include "devserver/tsql/run/user_messages.h"
 #include "devserver/tsql/run/version.h"
 #include "devserver/tsql/scalar/date_time.h"
-#include "devserver/tsql/scalar/digests.h"
 #include "devserver/tsql/scalar/functions.h"
 #include "devserver/tsql/scalar/text.h"
 
@@ -191,26 +190,6 @@ Value FormatMessage(SessionCore& session, Values values, Types types) {
     return found ? Value(found->text) : Value();
 }
 
-Value HashBytes(SessionCore&, Values values, Types types) {
-    struct Algorithm {
-        std::string_view name;
-        std::string (*digest)(std::string text); ///< null: not here
-    };
-    constexpr Algorithm kAlgorithms[] = {{"MD5", Md5},         {"SHA", Sha1},    {"SHA1", Sha1},
-                                         {"SHA2_256", Sha256}, {"MD2", nullptr}, {"MD4", nullptr},
-                                         {"SHA2_512", nullptr}};
-    const std::string name = AsciiUpper(TextOf(values, types, 0));
-    const auto* const found = std::ranges::find(kAlgorithms, name, &Algorithm::name);
-    if (found == std::end(kAlgorithms) || IsNull(values[1])) {
-        return {};
-    }
-    if (found->digest == nullptr) {
-        RaiseError(40517, {"HASHBYTES " + name});
-    }
-    const Value bytes = Convert(values[1], types[1], Sized(TypeId::VarBinary, kMaxLength));
-    return Bytes{found->digest(std::get<Bytes>(bytes).data)};
-}
-
 /// The SET options of the session, 1 or 0.
 Value SessionProperty(SessionCore& session, Values values, Types types) {
     const std::string name = AsciiUpper(TextOf(values, types, 0));
@@ -305,7 +284,6 @@ constexpr SessionFunction kFunctions[] = {
      },
      true},
     {"FORMATMESSAGE", 1, 21, Sized(TypeId::NVarChar, 4000), FormatMessage, false},
-    {"HASHBYTES", 2, 2, Sized(TypeId::VarBinary, 8000), HashBytes, false},
     {"SESSIONPROPERTY", 1, 1, kInt, SessionProperty, false},
     {"DB_ID", 0, 1, Simple(TypeId::SmallInt), DbId, false},
     {"DB_NAME", 0, 1, kName, DbName, false},

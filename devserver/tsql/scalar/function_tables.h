@@ -18,7 +18,6 @@ std::span<const ScalarFunction> CharacterFunctions();
 std::span<const ScalarFunction> MathFunctions();
 std::span<const ScalarFunction> DateFunctions();
 std::span<const ScalarFunction> GeneralFunctions();
-std::span<const ScalarFunction> ChecksumFunctions();
 
 // ------------------------------------------------------------------ arguments
 

@@ -16,7 +16,7 @@ namespace {
 std::vector<ScalarFunction> JoinTables() {
     std::vector<ScalarFunction> all;
     for (const auto& part : {StringFunctions(), StringSearchFunctions(), CharacterFunctions(),
-                             MathFunctions(), DateFunctions(), GeneralFunctions(), ChecksumFunctions()}) {
+                             MathFunctions(), DateFunctions(), GeneralFunctions()}) {
         all.insert(all.end(), part.begin(), part.end());
     }
     std::sort(all.begin(), all.end(),
