@@ -31,8 +31,6 @@ TEST(Messages, TakeTheirArguments) {
         MessageText(515, {"Id", "a.dbo.t", "INSERT"}),
         "Cannot insert the value NULL into column 'Id', table 'a.dbo.t'; column does not allow nulls. INSERT "
         "fails.");
-    EXPECT_EQ(MessageText(5060, {"100"}),
-              "Nonqualified transactions are being rolled back. Estimated rollback completion: 100%.");
 }
 
 TEST(Messages, AnArgumentThatIsMissingLeavesNothing) {

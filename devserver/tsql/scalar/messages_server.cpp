@@ -7,74 +7,33 @@ namespace devsql {
 namespace {
 
 constexpr MessageTemplate kMessages[] = {
-    {3013, 16, "%1 is terminating abnormally."},
-    {3014, 10, "%1 successfully processed %2 pages in %3 seconds (%4 MB/sec)."},
-    {3101, 16, "Exclusive access could not be obtained because the database is in use."},
-    {3201, 16, "Cannot open backup device '%1'. Operating system error %2."},
-    {3604, 10, "Duplicate key was ignored."},
-    {3606, 10, "Arithmetic overflow occurred."},
-    {3607, 10, "Division by zero occurred."},
     {3609, 16, "The transaction ended in the trigger. The batch has been aborted."},
-    {3616, 16,
-     "An error was raised during trigger execution. The batch has been aborted and the user transaction, if "
-     "any, has been rolled back."},
     {3621, 10, "The statement has been terminated."},
     {3623, 16, "An invalid floating point operation occurred."},
     {3701, 11, "Cannot %1 the %2 '%3', because it does not exist or you do not have permission."},
     {3702, 16, "Cannot drop database \"%1\" because it is currently in use."},
     {3703, 16, "Cannot detach the %1 '%2' because it is currently in use."},
     {3705, 16, "Cannot use DROP %1 with '%2' because '%2' is a %3. Use %4."},
-    {3706, 16, "Cannot %1 a database snapshot."},
     {3708, 16, "Cannot %1 the %2 '%3' because it is a system %4."},
-    {3716, 16, "The %1 '%2' cannot be dropped because it is bound to one or more %3."},
-    {3718, 11,
-     "Could not drop index '%1' because the table or clustered index entry cannot be found in the sysindexes "
-     "system table."},
     {3723, 16,
      "An explicit DROP INDEX is not allowed on index '%1'. It is being used for %2 constraint enforcement."},
     {3725, 16, "The constraint '%1' is being referenced by table '%2', foreign key constraint '%3'."},
     {3726, 16, "Could not drop object '%1' because it is referenced by a FOREIGN KEY constraint."},
-    {3727, 10, "Could not drop constraint. See previous errors."},
     {3728, 16, "'%1' is not a constraint."},
     {3729, 16, "Cannot %1 '%2' because it is being referenced by object '%3'."},
     {3732, 16,
      "Cannot drop type '%1' because it is being referenced by object '%2'. There may be other objects that "
      "reference this type."},
-    {3733, 16, "Constraint '%1' does not belong to table '%2'."},
-    {3901, 16, "The transaction name must be specified when it is used with the mark option."},
     {3902, 16, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     {3903, 16, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."},
-    {3906, 16, "Failed to update database \"%1\" because the database is read-only."},
-    {3908, 16,
-     "Could not run BEGIN TRANSACTION in database '%1' because the database is in emergency mode or is "
-     "damaged and must be restarted."},
-    {3914, 16,
-     "The data type \"%1\" is invalid for transaction names or savepoint names. Allowed data types are char, "
-     "varchar, nchar, varchar(max), nvarchar, and nvarchar(max)."},
-    {3915, 16, "Cannot use the ROLLBACK statement within an INSERT-EXEC statement."},
-    {3916, 16,
-     "Cannot use the COMMIT statement within an INSERT-EXEC statement unless BEGIN TRANSACTION is used "
-     "first."},
     {3930, 16,
      "The current transaction cannot be committed and cannot support operations that write to the log file. "
      "Roll back the transaction."},
-    {3931, 16,
-     "The current transaction cannot be committed and cannot be rolled back to a savepoint. Roll back the "
-     "entire transaction."},
-    {3960, 16,
-     "Snapshot isolation transaction aborted due to update conflict. You cannot use snapshot isolation to "
-     "access table '%1' directly or indirectly in database '%2' to update, delete, or insert the row that "
-     "has been modified or deleted by another transaction. Retry the transaction or change the isolation "
-     "level for the update/delete statement."},
     {4002, 16,
      "The incoming tabular data stream (TDS) protocol stream is incorrect. The stream ended unexpectedly."},
     {4060, 11, "Cannot open database \"%1\" requested by the login. The login failed."},
     {4064, 11, "Cannot open user default database. Login failed."},
     {4104, 16, "The multi-part identifier \"%1\" could not be bound."},
-    {4108, 16, "Windowed functions can only appear in the SELECT or ORDER BY clauses."},
-    {4112, 16, "The function '%1' must have an OVER clause with ORDER BY."},
-    {4113, 16,
-     "The function '%1' is not a valid windowing function, and cannot be used with the OVER clause."},
     {4121, 16,
      "Cannot find either column \"%1\" or the user-defined function or aggregate \"%2\", or the name is "
      "ambiguous."},
@@ -93,32 +52,12 @@ constexpr MessageTemplate kMessages[] = {
      "argument has to be known."},
     {4405, 16,
      "View or function '%1' is not updatable because the modification affects multiple base tables."},
-    {4406, 16,
-     "Update or insert of view or function '%1' failed because it contains a derived or constant field."},
-    {4413, 16, "Could not use view or function '%1' because of binding errors."},
-    {4429, 16,
-     "View or function '%1' contains a self-reference. Views or functions cannot reference themselves "
-     "directly or indirectly."},
-    {4501, 16, "View or function '%1' has more columns defined than column names given."},
     {4502, 16, "View or function '%1' has more column names specified than columns defined."},
     {4506, 16,
      "Column names in each view or function must be unique. Column name '%1' in view or function '%2' is "
      "specified more than once."},
-    {4508, 16,
-     "Views or functions are not allowed on temporary tables. Table names that begin with '#' denote "
-     "temporary tables."},
     {4511, 16, "Create View or Function failed because no column name was specified for column %1."},
-    {4604, 16, "There is no such user or group '%1' or you do not have permission."},
-    {4606, 16, "Granted or revoked privilege %1 is not compatible with object."},
-    {4610, 16, "You can only grant or revoke permissions on objects in the current database."},
-    {4613, 16, "Grantor does not have GRANT permission."},
-    {4617, 16, "Cannot grant, deny or revoke permissions to or from special roles."},
-    {4621, 16, "Permissions at the server scope can only be granted when the current database is master"},
-    {4624, 16,
-     "Cannot grant, deny, or revoke permissions to sa, dbo, entity owner, information_schema, sys, or "
-     "yourself."},
     {4701, 16, "Cannot find the object \"%1\" because it does not exist or you do not have permissions."},
-    {4708, 16, "Could not truncate object '%1' because it is not a table."},
     {4712, 16, "Cannot truncate table '%1' because it is being referenced by a FOREIGN KEY constraint."},
     {4901, 16,
      "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition "
@@ -133,52 +72,22 @@ constexpr MessageTemplate kMessages[] = {
      "at least one data column."},
     {4924, 16, "%1 failed because column '%2' does not exist in table '%3'."},
     {4928, 16, "Cannot alter column '%1' because it is '%2'."},
-    {5001, 16, "User must be in the master database."},
-    {5006, 16, "Could not get exclusive use of %1 '%2' to perform the requested operation."},
-    {5008, 16,
-     "This ALTER DATABASE statement is not supported. Correct the syntax and execute the statement again."},
-    {5009, 16, "One or more files listed in the statement could not be found or could not be initialized."},
     {5011, 14,
      "User does not have permission to alter database '%1', the database does not exist, or the database is "
      "not in a state that allows access checks."},
-    {5013, 16, "The master and model databases cannot have files added to them. ALTER DATABASE was aborted."},
-    {5014, 16, "The %1 '%2' does not exist in database '%3'."},
-    {5016, 16, "Cannot change the name of the system database %1."},
     {5018, 10,
      "The file \"%1\" has been modified in the system catalog. The new path will be used the next time the "
      "database is started."},
-    {5020, 16, "The primary data or log file cannot be removed from a database."},
     {5021, 10, "The %1 name '%2' has been set."},
-    {5028, 16, "The system could not activate enough of the database to rebuild the log."},
     {5030, 16, "The database could not be exclusively locked to perform the operation."},
     {5035, 16,
      "Filegroup '%1' already exists in this database. Specify a different name or remove the conflicting "
      "filegroup if it is empty."},
-    {5036, 16, "MODIFY FILE failed. Specify logical name."},
-    {5038, 16, "MODIFY FILE failed for file \"%1\". At least one property per file must be specified."},
-    {5039, 16, "MODIFY FILE failed. Specified size is less than or equal to current size."},
     {5041, 16, "MODIFY FILE failed. File '%1' does not exist."},
-    {5042, 16, "The %1 '%2' cannot be removed because it is not empty."},
-    {5044, 10, "The %1 '%2' has been removed."},
     {5058, 16, "Option '%1' cannot be set in database '%2'."},
-    {5060, 10, "Nonqualified transactions are being rolled back. Estimated rollback completion: %1%."},
-    {5061, 16, "ALTER DATABASE failed because a lock could not be placed on database '%1'. Try again later."},
-    {5062, 16,
-     "The option \"%1\" conflicts with another requested option. The options cannot both be requested at the "
-     "same time."},
-    {5064, 16,
-     "Changes to the state or options of database '%1' cannot be made at this time. The database is in "
-     "single-user mode, and a user is currently connected to it."},
-    {5069, 16, "ALTER DATABASE statement failed."},
     {5070, 16, "Database state cannot be changed while other users are using the database '%1'"},
-    {5074, 16, "The %1 '%2' is dependent on %3 '%4'."},
-    {5103, 16, "MAXSIZE cannot be less than SIZE for file '%1'."},
     {5104, 16, "File '%1' already used."},
-    {5105, 16,
-     "A file activation error occurred. The physical file name '%1' may be incorrect. Diagnose and correct "
-     "additional errors, and retry the operation."},
     {5120, 16, "Unable to open the physical file \"%1\". Operating system error %2: \"%3\"."},
-    {5121, 16, "The path specified by \"%1\" is not in a valid directory."},
     {5123, 16,
      "CREATE FILE encountered operating system error %1 while attempting to open or create the physical file "
      "'%2'."},
@@ -186,10 +95,7 @@ constexpr MessageTemplate kMessages[] = {
     {5170, 16,
      "Cannot create file '%1' because it already exists. Change the file path or the file name, and retry "
      "the operation."},
-    {5171, 16, "%1 is not a primary database file."},
-    {5172, 16, "The header for file '%1' is not a valid database file header. The %2 property is incorrect."},
     {5701, 10, "Changed database context to '%1'."},
-    {5702, 10, "SQL Server is terminating this process."},
     {5703, 10, "Changed language setting to %1."},
     {6104, 16, "Cannot use KILL to kill your own process."},
     {6106, 16, "Process ID %1 is not an active process ID."},
@@ -206,36 +112,18 @@ constexpr MessageTemplate kMessages[] = {
     {7399, 16, "The OLE DB provider \"%1\" for linked server \"%2\" reported an error. %3"},
     {7411, 16, "Server '%1' is not configured for %2."},
     {7412, 10, "OLE DB provider \"%1\" for linked server \"%2\" returned message \"%3\"."},
-    {8003, 16,
-     "The incoming request has too many parameters. The server supports a maximum of %1 parameters. Reduce "
-     "the number of parameters and resend the request."},
-    {8004, 16,
-     "The incoming tabular data stream (TDS) remote procedure call (RPC) protocol stream is incorrect. The "
-     "RPC name is invalid."},
-    {8005, 16,
-     "The incoming tabular data stream (TDS) remote procedure call (RPC) protocol stream is incorrect. "
-     "Parameter %1: The parameter name is invalid."},
-    {8008, 16,
-     "The number of params passed to sp_execute is not equal to the number of params used when the handle "
-     "was prepared (%1)."},
     {8009, 16,
      "The incoming tabular data stream (TDS) remote procedure call (RPC) protocol stream is incorrect. "
      "Parameter %1 (\"%2\"): Data type 0x%3 is unknown."},
     {8016, 16,
      "The incoming tabular data stream (TDS) remote procedure call (RPC) protocol stream is incorrect. "
      "Parameter %1 (\"%2\"): Data type 0x%3 has an invalid data length or metadata length."},
-    {8017, 16,
-     "The incoming tabular data stream (TDS) remote procedure call (RPC) protocol stream is incorrect. "
-     "Parameter %1 (\"%2\"): Data type 0x%3 has an invalid precision or scale."},
     {8101, 16,
      "An explicit value for the identity column in table '%1' can only be specified when a column list is "
      "used and IDENTITY_INSERT is ON."},
     {8102, 16, "Cannot update identity column '%1'."},
     {8106, 16, "Table '%1' does not have the identity property. Cannot perform SET operation."},
     {8107, 16, "IDENTITY_INSERT is already ON for table '%1'. Cannot perform SET operation for table '%2'."},
-    {8108, 16,
-     "Cannot add identity column, using the SELECT INTO statement, to table '%1', which already has column "
-     "'%2' that inherits the identity property."},
     {8110, 16, "Cannot add multiple PRIMARY KEY constraints to table '%1'."},
     {8111, 16, "Cannot define PRIMARY KEY constraint on nullable column in table '%1'."},
     {8112, 16, "Cannot add more than one clustered index for constraints on table '%1'."},
@@ -246,18 +134,12 @@ constexpr MessageTemplate kMessages[] = {
     {8118, 16,
      "Column '%1.%2' is invalid in the select list because it is not contained in an aggregate function and "
      "there is no GROUP BY clause."},
-    {8119, 16,
-     "Column '%1.%2' is invalid in the HAVING clause because it is not contained in an aggregate function "
-     "and there is no GROUP BY clause."},
     {8120, 16,
      "Column '%1.%2' is invalid in the select list because it is not contained in either an aggregate "
      "function or the GROUP BY clause."},
     {8121, 16,
      "Column '%1.%2' is invalid in the HAVING clause because it is not contained in either an aggregate "
      "function or the GROUP BY clause."},
-    {8126, 16,
-     "Column \"%1.%2\" is invalid in the ORDER BY clause because it is not contained in an aggregate "
-     "function and there is no GROUP BY clause."},
     {8127, 16,
      "Column \"%1.%2\" is invalid in the ORDER BY clause because it is not contained in either an aggregate "
      "function or the GROUP BY clause."},
@@ -265,25 +147,13 @@ constexpr MessageTemplate kMessages[] = {
      "At least one of the result expressions in a CASE specification must be an expression other than the "
      "NULL constant."},
     {8134, 16, "Divide by zero error encountered."},
-    {8135, 16, "Table level constraint or index does not specify column list, table '%1'."},
-    {8136, 16, "Duplicate columns specified in %1 constraint key list, table '%2'."},
-    {8139, 16,
-     "Number of referencing columns in foreign key differs from number of referenced columns, table '%1'."},
-    {8140, 16, "More than one key specified in column level %1 constraint, table '%2'."},
-    {8141, 16, "Column %1 constraint for column '%2' references another column, table '%3'."},
     {8143, 16, "Parameter '%1' was supplied multiple times."},
     {8144, 16, "Procedure or function %1 has too many arguments specified."},
     {8145, 16, "%1 is not a parameter for procedure %2."},
     {8146, 16, "Procedure %1 has no parameters and arguments were supplied."},
     {8147, 16, "Could not create IDENTITY attribute on nullable column '%1', table '%2'."},
-    {8148, 16, "More than one column %1 %2 specified for column '%3', table '%4'."},
-    {8150, 16, "Multiple NULL constraints were specified for column '%1', table '%2'."},
-    {8151, 16,
-     "Both a PRIMARY KEY and UNIQUE constraint have been defined for column '%1', table '%2'. Only one is "
-     "allowed."},
     {8152, 16, "String or binary data would be truncated."},
     {8153, 10, "Warning: Null value is eliminated by an aggregate or other SET operation."},
-    {8154, 15, "The table '%1' is ambiguous."},
     {8155, 15, "No column name was specified for column %1 of '%2'."},
     {8156, 15, "The column '%1' was specified multiple times for '%2'."},
     {8158, 15, "'%1' has more columns than were specified in the column list."},
@@ -291,17 +161,9 @@ constexpr MessageTemplate kMessages[] = {
     {8162, 16,
      "The formal parameter \"%1\" was not declared as an OUTPUT parameter, but the actual parameter passed "
      "in requested output."},
-    {8164, 16, "An INSERT EXEC statement cannot be nested."},
-    {8166, 16, "Constraint name '%1' not permitted. Constraint names cannot begin with a number sign (#)."},
-    {8168, 16,
-     "Cannot create, drop, enable, or disable more than one constraint, column, index, or trigger named '%1' "
-     "in this context. Duplicate names are not allowed."},
     {8169, 16, "Conversion failed when converting from a character string to uniqueidentifier."},
     {8170, 16, "Insufficient result space to convert uniqueidentifier value to char."},
-    {8178, 16, "The parameterized query '%1' expects the parameter '%2', which was not supplied."},
     {8179, 16, "Could not find prepared statement with handle %1."},
-    {8180, 16, "Statement(s) could not be prepared."},
-    {8197, 16, "The object '%1' does not exist or is invalid for this operation."},
     {9810, 16, "The datepart %1 is not supported by date function %2 for data type %3."},
     {14262, 16, "The specified %1 ('%2') does not exist."},
     {14274, 16,
