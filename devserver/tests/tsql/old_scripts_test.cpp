@@ -138,25 +138,6 @@ select @@datefirst, datepart(dw, '20240101'), datepart(week, '20240107'), datepa
               "|\n2|2001-01-02 00:00:00.000\n(1)\n");
 }
 
-TEST_F(OldScripts, AskWhatDependsOnWhat) {
-    EXPECT_EQ(Run(R"(
-create view v as select * from t
-GO
-create procedure p as select * from v
-GO
-exec sp_depends v
-exec sp_depends pk_t)"),
-              R"(
-> In the current database, the specified object references the following:
-name|type
-dbo.t|user table
-> In the current database, the specified object is referenced by the following:
-name|type
-dbo.p|stored procedure
-> Object does not reference any object, and no objects reference it.
-)");
-}
-
 TEST_F(OldScripts, AskWhoIsThereAndAtWhatLevel) {
     Client other = server.Login("master");
     EXPECT_EQ(

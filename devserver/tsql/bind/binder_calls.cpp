@@ -17,8 +17,8 @@ namespace {
 constexpr std::array<std::string_view, 11> kAggregates = {
     "COUNT", "COUNT_BIG", "SUM", "AVG", "MIN", "MAX", "STDEV", "STDEVP", "VAR", "VARP", "GROUPING"};
 /// Functions of SQL Server that this one refuses by name; devserver/docs/cuts.md says why.
-constexpr std::array<std::string_view, 7> kRefused = {
-    "BINARY_CHECKSUM", "CHECKSUM", "CHECKSUM_AGG", "DIFFERENCE", "HASHBYTES", "SOUNDEX", "STRING_AGG"};
+constexpr std::array<std::string_view, 6> kRefused = {"BINARY_CHECKSUM", "CHECKSUM",  "CHECKSUM_AGG",
+                                                      "DIFFERENCE",      "HASHBYTES", "SOUNDEX"};
 constexpr std::array<std::string_view, 4> kRankings = {"ROW_NUMBER", "RANK", "DENSE_RANK", "NTILE"};
 
 /// DATEADD(day, …): the first argument is a word, not a column.

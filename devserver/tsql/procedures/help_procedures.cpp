@@ -1,4 +1,4 @@
-// The procedures by which people look around: sp_helpdb, sp_helpfile, sp_help, sp_depends, sp_who, sp_lock;
+// The procedures by which people look around: sp_helpdb, sp_helpfile, sp_help, sp_who;
 // and those that are accepted or refused whatever they are given.
 #include <algorithm>
 
@@ -186,30 +186,6 @@ std::int32_t Who2(SystemCall& call) {
     return 0;
 }
 
-/// Each session holds its database; what it has written is locked as a whole, and nobody is asked about that.
-std::int32_t Lock(SystemCall& call) {
-    SessionCore& session = call.session();
-    ProcedureTable table(session, {{"spid", kSmallInt, true, false},
-                                   {"dbid", kSmallInt, true, false},
-                                   {"ObjId", Simple(TypeId::Int), true, false},
-                                   {"IndId", kSmallInt, true, false},
-                                   {"Type", Sized(TypeId::NChar, 4), true, false},
-                                   {"Resource", Sized(TypeId::NChar, 32), true, false},
-                                   {"Mode", Sized(TypeId::NVarChar, 8), true, false},
-                                   {"Status", Sized(TypeId::NVarChar, 5), true, false}});
-    for (const DatabaseUsers::SessionInfo& info : session.server.users().Sessions()) {
-        const bool meant = call.IsNull("@spid1") || info.id == call.Int("@spid1") ||
-                           (!call.IsNull("@spid2") && info.id == call.Int("@spid2"));
-        const std::optional<DatabaseInfo> database = FindDatabase(session.connection, info.database);
-        if (meant && database) {
-            table.Row({std::int64_t{info.id}, std::int64_t{database->id}, std::int64_t{0}, std::int64_t{0},
-                       std::string("DB"), std::string(), std::string("S"), std::string("GRANT")});
-        }
-    }
-    table.End();
-    return 0;
-}
-
 std::int32_t CompatibilityLevel(SystemCall& call) {
     constexpr std::int64_t kLevels[] = {80, 90, 100, 110, 120, 130, 140};
     SessionCore& session = call.session();
@@ -293,32 +269,6 @@ std::int32_t Help(SystemCall& call) {
     return 0;
 }
 
-/// Dependencies are not kept: what a module refers to is looked up in its text.
-std::int32_t Depends(SystemCall& call) {
-    const ObjectDef object = NamedObject(call);
-    // From the side of the text (m) and of the name in it (u); each list is only told where it has rows.
-    const std::string from =
-        " FROM sys.sql_modules m JOIN sysobjects u ON N' ' + m.definition + N' ' LIKE "
-        "N'%[^a-z0-9_@#$]' + REPLACE(u.name, '_', '[_]') + N'[^a-z0-9_@#$]%' AND u.id <> "
-        "m.object_id AND u.xtype IN ('U', 'V', 'P', 'FN') JOIN sysobjects o ON o.id = m.object_id "
-        "WHERE ";
-    const auto list = [&](const std::string& told, const std::string& wanted, std::int32_t heading) {
-        const std::string rows = from + wanted + ".id = CONVERT(int, @p1)";
-        call.Run("IF EXISTS (SELECT *" + rows + ") BEGIN RAISERROR (" + std::to_string(heading) +
-                     ", -1, -1) SELECT DISTINCT N'dbo.' + " + told + ".name AS name, CASE " + told +
-                     ".xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view' WHEN 'FN' THEN 'scalar "
-                     "function' ELSE 'stored procedure' END AS type" +
-                     rows + " ORDER BY 1 END",
-                 {std::to_string(object.id)});
-    };
-    list("u", "o", 15459);
-    list("o", "u", 15460);
-    call.Run("IF NOT EXISTS (SELECT *" + from +
-                 "CONVERT(int, @p1) IN (o.id, u.id)) RAISERROR (15461, -1, -1)",
-             {std::to_string(object.id)});
-    return 0;
-}
-
 /// What there is nothing to do for: options of storage and of statistics that this server has no use for.
 std::int32_t Accept(SystemCall&) {
     return 0;
@@ -333,9 +283,7 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_helpfile", "@filename sysname = NULL", HelpFile},
     {"sp_who", "@loginame sysname = NULL", Who},
     {"sp_who2", "@loginame sysname = NULL", Who2},
-    {"sp_lock", "@spid1 int = NULL, @spid2 int = NULL", Lock},
     {"sp_dbcmptlevel", "@dbname sysname = NULL, @new_cmptlevel int = NULL", CompatibilityLevel},
-    {"sp_depends", "@objname nvarchar(776)", Depends},
     {"sp_tableoption", "@TableNamePattern nvarchar(776), @OptionName varchar(35), @OptionValue varchar(12)",
      Accept},
     {"sp_indexoption", "@IndexNamePattern nvarchar(1035), @OptionName varchar(35), @OptionValue varchar(12)",
@@ -344,6 +292,8 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_createstats", "...", Accept},
     {"sp_bindefault", "...", Refuse},
     {"sp_bindrule", "...", Refuse},
+    {"sp_depends", "...", Refuse},
+    {"sp_lock", "...", Refuse},
     {"sp_unbindefault", "...", Refuse},
     {"sp_unbindrule", "...", Refuse},
     {"sp_help", "@objname nvarchar(776) = NULL", Help},

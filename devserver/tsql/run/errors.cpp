@@ -10,7 +10,7 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<MessageTemplate, 49> kOwnMessages = {{
+constexpr std::array<MessageTemplate, 46> kOwnMessages = {{
     {321, 15,
      "\"%1\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
      "function or to the CHANGETABLE function, ensure that your database compatibility mode is set to 90."},
@@ -55,9 +55,6 @@ constexpr std::array<MessageTemplate, 49> kOwnMessages = {{
     {4920, 16, "ALTER TABLE failed because trigger '%1' on table '%2' does not exist."},
     {15048, 16, "Valid values of the database compatibility level are %1."},
     {15054, 10, "The current compatibility level is %1."},
-    {15459, 10, "In the current database, the specified object references the following:"},
-    {15460, 10, "In the current database, the specified object is referenced by the following:"},
-    {15461, 10, "Object does not reference any object, and no objects reference it."},
     {14043, 16, "The parameter %1 cannot be NULL."},
     {14261, 16, "The specified %1 ('%2') already exists."},
     {15150, 16, "Cannot drop the %1 '%2'."},
