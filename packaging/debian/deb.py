@@ -13,7 +13,7 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 LINUX = os.path.join(os.path.dirname(HERE), "linux")
 BUILT = os.path.join(TOP, "build", "linux", "bin")
 HOME = "usr/lib/kvlsqldbmgr"
-MAINTAINER = f"{MAKER} <maintainers@localhost>"
+MAINTAINER = f"{MAKER} <maintainers@halvane-vindrel.example>"
 
 
 def _program(target):
@@ -23,7 +23,7 @@ def _program(target):
     _link(target, "usr/bin/kvlsqldbmgr", "../lib/kvlsqldbmgr/KVLSQLDbMgr")
     _link(target, "usr/bin/kvl-osql", "../lib/kvlsqldbmgr/Binn/OSQL.EXE")
     # The program writes Data beside itself; what changes belongs below /var.
-    _link(target, HOME + "/Data", "../../../var/lib/kvlsqldbmgr/Data")
+    _link(target, HOME + "/Data", "/var/lib/kvlsqldbmgr/Data")
     os.makedirs(os.path.join(target, "var/lib/kvlsqldbmgr/Data"))
     stage.samples(os.path.join(target, "usr/share/kvlsqldbmgr/samples"))
     stage.manual(os.path.join(target, "usr/share/doc/kvlsqldbmgr/html"))

@@ -31,7 +31,8 @@ mkdir -p log data .config/KVLSQLDbMgr
 cp /root-of-test/registry.reg .config/KVLSQLDbMgr/
 printf 'sa:Secret_1\n' > logins
 devsqlserver --root server --port 0 --logins logins > ready &
-trap 'kill %1; wait' EXIT
+server=$!
+trap 'kill $server; wait' EXIT
 for _ in $(seq 100); do grep -q ready ready && break; sleep 0.1; done
 port=$(sed -n 's/.*:\([0-9]*\)$/\1/p' ready)
 kvlsqldbmgr /scriptfolder /usr/share/kvlsqldbmgr/samples/sqlscripts/v1 /server 127.0.0.1,$port /user sa \
