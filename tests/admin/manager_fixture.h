@@ -45,11 +45,14 @@ class ManagerTest : public ::testing::Test {
     ManagerTest() {
         registry_.AddText(registry_locations::kHkeyLocalMachine, registry_locations::kLogKey, "", "L:\\Log");
         files_.AddFolder("L:\\Log");
-        ado_.on_errors_read = [this] {
+        // The failure path reads the connection's errors, if there is one, and then writes the log.
+        const auto note = [this] {
             if (CurrentError().number != 0) {
                 failure_ = CurrentError();
             }
         };
+        ado_.on_errors_read = note;
+        files_.on_folder_asked = note;
     }
     /// Whatever a test does, no connection survives it.
     ~ManagerTest() override {

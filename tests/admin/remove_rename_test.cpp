@@ -169,6 +169,7 @@ TEST_F(RenameDatabase, WithoutInformationNothingRunsAndTwoLinesAreLogged) {
     EXPECT_EQ(LogLines(), (Lines{"CUpgradeDbMgr::GetDatabaseInfo('Batch')",
                                  "CUpgradeDbMgr::RenameDatabase('Batch', 'Tmp')"}));
     EXPECT_EQ(manager_.ErrorCount(), Int16(1)); // what the inner operation collected
+    ExpectRaised("CUpgradeDbMgr", "Database information could not be found for 'Batch'!");
     EXPECT_EQ(Files(), "xx--");
 }
 

@@ -104,6 +104,9 @@ bool FileExists(const std::string& path) {
 }
 
 bool FolderExists(const std::string& path) {
+    if (FakeFiles::Current().on_folder_asked) {
+        FakeFiles::Current().on_folder_asked();
+    }
     return FakeFiles::Current().HasFolder(path);
 }
 

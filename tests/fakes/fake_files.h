@@ -1,6 +1,7 @@
 // The file services in memory, for tests that link this in the place of the system's. Fails on demand.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -39,6 +40,9 @@ class FakeFiles {
     void Check(const std::string& operation, const std::string& path);
     void Record(const std::string& operation, const std::string& path);
 
+    /// Runs whenever a folder is asked for. The log asks for one in the first place, so this is where a test
+    /// sees the current error as a failure handler finds it.
+    std::function<void()> on_folder_asked;
     std::string executable_folder = R"(C:\Lotkeeper\Server)";
     std::string executable_name = "KVLSQLDbMgr";
     std::map<std::string, std::string> files;

@@ -22,10 +22,11 @@ class PackagesOfScriptMgr : public ScriptMgrTest {
         scripts_.ScriptFolder("S:\\Scripts");
         files_.AddFile("S:\\Scripts\\BatchSummaryExport.dts", "");
     }
-    void ExpectFailureWithoutCalls() {
+    void ExpectFailureWithoutCalls(const char* description = "No valid script folder was specified!") {
         EXPECT_FALSE(scripts_.InstallDTSPackage(dtsBatchSummaryExport));
         EXPECT_TRUE(packages_.calls.empty());
         EXPECT_EQ(LogLines(), std::vector<std::string>{" : Error in CSQLScriptMgr::InstallDTSPackage(4)"});
+        ExpectRaised("CSQLScriptMgr", description);
     }
 
     CSQLScriptMgr scripts_;
@@ -130,7 +131,7 @@ TEST_F(PackagesOfScriptMgr, TheRootOfTheDriveIsTestedForAnEmptyScriptFolder) {
 TEST_F(PackagesOfScriptMgr, MissingComponentsAreLogged) {
     UseFolderWithPackages();
     packages_.has_package_class = false;
-    ExpectFailureWithoutCalls();
+    ExpectFailureWithoutCalls("Installing SQL DTS package failed! Can not create DTS.Package object.");
 }
 
 TEST_F(PackagesOfScriptMgr, TheListHasAnEmptyElementInFront) {

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/failure.h"
 #include "base/registry_locations.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_files.h"
@@ -28,6 +29,21 @@ class ScriptMgrTest : public ::testing::Test {
         Version("14.0.1000.169");
         SqlPath("140", R"(C:\SQL\140\Tools)");
         files_.AddFile(kTool140, "");
+        // The log's first step is to ask for a folder: the last moment at which the raised failure can be
+        // seen.
+        files_.on_folder_asked = [this] {
+            if (CurrentError().number != 0) {
+                failure_ = CurrentError();
+            }
+        };
+    }
+
+    /// The last failure that reached a handler. Its text reaches neither operator nor log.
+    void ExpectRaised(const char* source, const std::string& description) {
+        EXPECT_EQ(failure_.number, kProgramFailure);
+        EXPECT_EQ(failure_.source, source);
+        EXPECT_EQ(failure_.description, description);
+        failure_ = {};
     }
 
     void Text(const std::string& key, const std::string& name, const std::string& text) {
@@ -55,6 +71,7 @@ class ScriptMgrTest : public ::testing::Test {
         return lines;
     }
 
+    ErrorState failure_;
     fakes::FakeClock clock_;
     fakes::FakeFiles files_;
     fakes::FakeProcesses processes_;

@@ -26,6 +26,7 @@ TEST_F(AutomaticUpgradeAbort, WithoutInformationOnTheDatabaseNothingIsDone) {
         ExpectNothingDone();
         EXPECT_EQ(ado_.Statements(), Lines{kFileQuery});
         EXPECT_EQ(LogLines(), (Lines{kInfoLine, kOwnLine}));
+        ExpectRaised("modMain", "Database information could not be found for 'Batch'!");
         EXPECT_EQ(Bar(), "0 / 17 0");
     }
 }
