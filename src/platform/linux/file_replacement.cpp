@@ -28,6 +28,10 @@ const std::string& Replaceable(const std::string& path) {
     if (S_ISDIR(status.st_mode)) {
         throw SystemFault{EISDIR};
     }
+    // A rename would put a file in the place of a device, for everybody on the computer.
+    if (!S_ISREG(status.st_mode)) {
+        throw SystemFault{EINVAL};
+    }
     if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
         ThrowSystemFault();
     }

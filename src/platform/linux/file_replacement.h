@@ -13,7 +13,8 @@ namespace platform {
 class FileReplacement {
   public:
     /// `mode` is that of the new file, limited by the user's mask. A symbolic link stays, and what it points
-    /// to is replaced. Throws EISDIR for a folder, and EACCES for a file that the user may not write.
+    /// to is replaced. Throws EISDIR for a folder, EINVAL for a device or a pipe, and EACCES for a file that
+    /// the user may not write.
     FileReplacement(const std::string& path, mode_t mode);
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;

@@ -208,6 +208,17 @@ TEST(LinuxFiles, AReplacedFileBehindALinkStaysThere) {
     EXPECT_EQ(ReadWholeFile(folder / "real"), "2");
 }
 
+TEST(LinuxFiles, APipeOrADeviceIsNotReplacedByAFile) {
+    const TempFolder folder;
+    const std::string pipe = folder / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+    std::filesystem::create_symlink(pipe, folder.Path() / "link");
+    WriteWholeFile(folder / "source", "rows");
+    EXPECT_THROW(CopyFileOver(folder / "source", folder / "link"), FileError);
+    EXPECT_THROW(ReplaceWholeFile(folder / "link", "text"), FileError);
+    EXPECT_TRUE(std::filesystem::is_fifo(pipe));
+}
+
 /// A process of its own that has the lock until it is killed.
 class LockHolder {
   public:
