@@ -91,7 +91,7 @@ void TokenWriter::WriteEnvironment(Environment change, std::string_view new_valu
 }
 
 void TokenWriter::WriteMessage(const Message& message) {
-    constexpr std::uint8_t kFirstError = 11;
+    constexpr std::uint8_t kFirstErrorSeverity = 11;
     // For clients' sake SQL Server gives severity 10 as 0; some take 10 for an error.
     constexpr std::uint8_t kInformation = 10;
     std::string body;
@@ -106,7 +106,7 @@ void TokenWriter::WriteMessage(const Message& message) {
     } else {
         AppendLe(body, static_cast<std::uint16_t>(std::clamp(message.line, 0, 0xFFFF)));
     }
-    WriteCounted(message.severity >= kFirstError ? token::kError : token::kInfo, body);
+    WriteCounted(message.severity >= kFirstErrorSeverity ? token::kError : token::kInfo, body);
 }
 
 void TokenWriter::WriteLoginAck() {

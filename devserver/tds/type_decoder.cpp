@@ -485,7 +485,8 @@ WireFormat ReadFormat(ByteReader& reader, Version version, const ValuePlace& pla
     const Entry& entry = FindEntry(wire, place);
     Context context{{wire, Type{entry.type}, 0, 0}, place};
     ReadTypeInfo(reader, entry, version, context);
-    return context;
+    const WireFormat& format = context; // without the place, which was for errors
+    return format;
 }
 
 Value ReadValue(ByteReader& reader, const WireFormat& format, const ValuePlace& place) {

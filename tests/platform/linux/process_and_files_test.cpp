@@ -260,16 +260,21 @@ TEST(LinuxLock, OfAKilledProcessIsFree) {
 }
 
 TEST(LinuxLock, IsNotHandedToAStartedProgram) {
+    const TempFolder folder;
+    WriteWholeFile(folder / "wait", "");
     const std::string name = "test " + std::to_string(::getpid());
     auto lock = TryLock(name);
     ShellExecuteInfo info;
     info.mask = kNoCloseProcess;
     info.file = "/bin/sh";
-    info.parameters = "-c \"sleep 60\"";
+    // It ends when its folder is gone.
+    info.parameters = "-c \"while [ -e '" + (folder / "wait") + "' ]; do sleep 0.02; done\"";
     std::unique_ptr<Process> process;
     ASSERT_TRUE(ShellExecuteProgram(info, process));
     lock.reset();
     EXPECT_NE(TryLock(name), nullptr);
+    std::filesystem::remove(folder.Path() / "wait");
+    process->Wait(kInfiniteWait);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ class QtDesktop final : public platform::Desktop {
     explicit QtDesktop(const std::string& qt_platform);
     QtDesktop(const QtDesktop&) = delete;
     QtDesktop& operator=(const QtDesktop&) = delete;
-    ~QtDesktop() = default;
+    virtual ~QtDesktop() = default;
 
     void ShowMessageBox(const std::string& text, platform::MessageIcon icon,
                         const std::string& title) override;
