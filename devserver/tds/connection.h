@@ -67,8 +67,8 @@ class Connection {
     void RunCalls(const ClientMessage& message, Response& response);
     void RunBulk(const ClientMessage& message, Response& response);
     void RunTransaction(const ClientMessage& message, Response& response);
-    /// Sets the isolation level of a transaction that is to begin; false when the client has been told of an
-    /// error.
+    /// Sets the isolation level for the next transaction. Returns false if that fails; the error has then
+    /// been sent to the client.
     bool SetIsolation(const std::string& statement, Response& response);
     bool ResetSession(Response& response);
     /// Tells the client that a transaction is open, or none any more, if it believes otherwise: its driver

@@ -105,7 +105,7 @@ def set_up(*steps):
     return " && ".join(f"{{ {line} || {{ echo 'once more:' {line} >&2; {line}; }}; }}" for line in lines)
 
 
-# Everything below these is a test's: a fresh prefix has none of them.
+# Only tests make these keys: a fresh prefix has no key of these names.
 REGISTRY_KEYS = ("HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVIK", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Microsoft SQL Server",
                  "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr")
 

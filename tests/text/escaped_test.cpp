@@ -1,4 +1,5 @@
-// Text of a wider system in the code page: everything comes back, and what needs no escape has none.
+// Any text of the system, written in the code page: it converts back to itself, and only what the code page
+// lacks is escaped.
 #include "text/escaped.h"
 
 #include <random>

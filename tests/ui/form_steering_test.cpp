@@ -198,7 +198,7 @@ TEST_F(SteeredForm, ShowsTheToolTipOfWhatThePointerRestsOn) {
     const auto& box = Get<ui::TextBox>("edtUserID", 1);
     screen::PointerOver(Native("edtUserID", 1));
     EXPECT_TRUE(tip_becomes(box.Design().tool_tip)) << screen::ToolTip();
-    screen::PointerOver(Native("lblStatus")); // it has none
+    screen::PointerOver(Native("lblStatus")); // a label without a tool tip
     EXPECT_TRUE(tip_becomes("")) << screen::ToolTip();
     ShowTab(kv::kScriptTab); // made later than the others
     const auto& package = Get<ui::CheckBox>("chkStandardSynchronize");

@@ -25,8 +25,8 @@
     "THEN 4 WHEN t.type_name = 'datetime' THEN 3 WHEN t.type_name IN ('int', 'bigint', 'smallint', "         \
     "'tinyint', "                                                                                            \
     "'smalldatetime') THEN 0 ELSE NULL END"
-// The number of a column's or parameter's own type in systypes and sys.types; that of the type below where it
-// has none.
+// The number of a column's or parameter's user type in systypes and sys.types; without a user type, the
+// number of its system type.
 #define USER_TYPE(below, system_name)                                                                        \
     "CASE coalesce(c.user_type, '') WHEN '' THEN " below " WHEN 'sysname' THEN " system_name                 \
     " ELSE (SELECT 256 + u.rowid FROM {db}.devsql_types u WHERE u.schema || '.' || u.name = c.user_type) "   \

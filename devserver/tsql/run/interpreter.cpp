@@ -60,8 +60,8 @@ bool BeginsImplicitly(const ast::Statement& statement) {
            std::holds_alternative<ast::FetchStatement>(statement.node);
 }
 
-/// Clients are told of the end of each statement but of declarations, of those that steer, and of calls,
-/// which end with their status.
+/// True for statements whose end is reported to the client by itself: all but declarations, control flow, and
+/// calls, which end with their status.
 bool HasEnd(const ast::Statement& statement) {
     return std::visit(
         [](const auto& node) {

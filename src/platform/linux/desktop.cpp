@@ -47,7 +47,7 @@ Module Load() {
         return module;
     }
     const std::string path = ExecutableFolder() + "/" + kModule;
-    // Never unloaded: its libraries leave threads and handlers behind that outlive every window.
+    // Never unloaded: its libraries start threads and set handlers that outlive every window.
     module.library = ::dlopen(ToSystemText(path).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (module.library == nullptr) {
         SayWhatIsMissing(path, ::dlerror());

@@ -87,8 +87,8 @@ std::string ExecutablePath() {
     return {buffer.data(), static_cast<std::size_t>(length)};
 }
 
-/// Keeps other processes that append in the same way out for as long as the descriptor is open. Without the
-/// lock, on a file system that has none, appending works all the same.
+/// Keeps other processes that append in the same way out for as long as the descriptor is open. On a
+/// file system that cannot lock, the file is appended to without a lock.
 void LockWhileOpen(const Descriptor& file) {
     while (::flock(file.Get(), LOCK_EX) != 0 && errno == EINTR) {
     }

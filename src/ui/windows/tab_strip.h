@@ -1,6 +1,7 @@
 // The native tab control, with tabs that can be disabled: grey, and not to be chosen by mouse or keyboard.
-// The system's own has none. It paints itself, in the colour of the pages: the system's themes give the body
-// and the selected tab another one, and draw a second focus rectangle. It knows nothing of pages.
+// The system's tab control cannot disable a tab. This one paints itself in the colour of the pages: the
+// system's themes give the body and the selected tab another colour, and draw a second focus rectangle. It
+// knows no pages.
 #pragma once
 
 #include <string>

@@ -269,7 +269,7 @@ TEST_F(SteeredForm, ShowsTheToolTipOfWhatThePointerRestsOn) {
     PointerOver(Native("edtUserID", 1));
     EXPECT_TRUE(tip_becomes(box.Design().tool_tip)) << tip.text;
     EXPECT_GT(tip.place.right - tip.place.left, 100);
-    PointerOver(Native("lblStatus")); // it has none
+    PointerOver(Native("lblStatus")); // a label without a tool tip
     EXPECT_TRUE(tip_becomes("")) << tip.text;
     ShowTab(kv::kScriptTab); // made later than the others
     const auto& package = Get<ui::CheckBox>("chkStandardSynchronize");

@@ -54,7 +54,7 @@ void ListViewModel::TakeOver() {
 }
 
 QVariant ListViewModel::data(const QModelIndex& index, int role) const {
-    // The list may have been emptied since the native control was told of its rows.
+    // The list may have been emptied after its rows were announced to the native control.
     if (role != Qt::DisplayRole || index.row() >= list_.RowCount()) {
         return {};
     }

@@ -9,8 +9,8 @@
 
 namespace ui {
 
-/// Qt's view of the rows. It takes over how many there are when it is told, and not before: between, the
-/// native control would ask for rows that it has not been told of.
+/// Qt's view of the rows. Its row count changes only when it announces the change to the native control,
+/// which would otherwise ask for rows that were never announced.
 class ListViewModel final : public QAbstractTableModel {
   public:
     explicit ListViewModel(const ListView& list) : list_(list) {}

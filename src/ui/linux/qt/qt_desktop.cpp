@@ -133,7 +133,7 @@ QtDesktop::QtDesktop(const std::string& qt_platform) : application_(OpenApplicat
 
 void QtDesktop::ShowMessageBox(const std::string& text, platform::MessageIcon icon,
                                const std::string& title) {
-    // Above the window that the operator is in, or alone, where the program has none.
+    // Above the window in use; without an owner if the program shows no window.
     QMessageBox box(IconOf(icon), ToQt(title), LinesOf(text), QMessageBox::Ok, QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
     box.setObjectName("message");
