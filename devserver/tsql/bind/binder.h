@@ -12,7 +12,7 @@
 #include "devserver/tsql/bind/emitter.h"
 #include "devserver/tsql/linked/remote_tables.h"
 #include "devserver/tsql/parse/ast_query.h"
-#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

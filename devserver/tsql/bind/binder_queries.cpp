@@ -5,7 +5,7 @@
 
 #include "devserver/tsql/bind/evaluator.h"
 #include "devserver/tsql/bind/select_parts.h"
-#include "devserver/tsql/run/row_writer.h"
+#include "devserver/tsql/rows/row_writer.h"
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"

@@ -2,11 +2,11 @@
 
 #include <stdexcept>
 
-#include "devserver/tsql/run/session_core.h"
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/like.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 namespace {

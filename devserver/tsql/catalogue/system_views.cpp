@@ -5,11 +5,11 @@
 #include "devserver/storage/sqlite.h"
 #include "devserver/tsql/catalogue/system_view_texts.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/run/server.h"
-#include "devserver/tsql/run/session_core.h"
-#include "devserver/tsql/run/user_messages.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
+#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/session_core.h"
+#include "devserver/tsql/session/user_messages.h"
 
 namespace devsql {
 namespace {

@@ -5,7 +5,7 @@
 #include "devserver/storage/databases.h"
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/run/row_writer.h"
+#include "devserver/tsql/rows/row_writer.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"

@@ -8,9 +8,9 @@
 #include "devserver/storage/paths.h"
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/define/file_names.h"
-#include "devserver/tsql/run/server.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server/server.h"
 
 namespace devsql {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/parse/ast_definitions.h"
-#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

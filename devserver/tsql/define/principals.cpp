@@ -4,8 +4,8 @@
 #include <array>
 
 #include "devserver/tsql/define/definitions.h"
-#include "devserver/tsql/run/server.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server/server.h"
 
 namespace devsql {
 namespace {

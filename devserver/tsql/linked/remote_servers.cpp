@@ -5,9 +5,9 @@
 #include <charconv>
 #include <random>
 
-#include "devserver/tsql/run/server.h"
-#include "devserver/tsql/run/session_core.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 namespace {

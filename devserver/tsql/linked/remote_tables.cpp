@@ -5,9 +5,9 @@
 
 #include "devserver/tsql/linked/remote_servers.h"
 #include "devserver/tsql/linked/remote_values.h"
-#include "devserver/tsql/run/session_core.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 namespace {

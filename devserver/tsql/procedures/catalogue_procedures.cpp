@@ -9,10 +9,10 @@
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/procedures/procedure_table.h"
-#include "devserver/tsql/run/server.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/like.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server/server.h"
 
 namespace devsql {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "devserver/tsql/run/session_core.h"
 #include "devserver/tsql/scalar/type_rules.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

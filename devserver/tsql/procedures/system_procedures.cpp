@@ -7,16 +7,16 @@
 
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/define/definitions.h"
-#include "devserver/tsql/linked/linked_procedures.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/procedures/catalogue_procedures.h"
+#include "devserver/tsql/procedures/linked_procedures.h"
 #include "devserver/tsql/procedures/procedure_table.h"
 #include "devserver/tsql/replication/replication_procedures.h"
-#include "devserver/tsql/run/server.h"
 #include "devserver/tsql/run/statements.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server/server.h"
 
 namespace devsql {
 

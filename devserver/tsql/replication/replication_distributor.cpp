@@ -6,9 +6,9 @@
 #include "devserver/storage/publications.h"
 #include "devserver/tsql/linked/remote_values.h"
 #include "devserver/tsql/replication/replication_procedures.h"
-#include "devserver/tsql/run/server.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server/server.h"
 
 namespace devsql {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "devserver/tsql/bind/binder.h"
-#include "devserver/tsql/run/row_writer.h"
+#include "devserver/tsql/rows/row_writer.h"
 #include "devserver/tsql/scalar/conversion.h"
 
 namespace devsql {

@@ -10,9 +10,9 @@
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/procedures/system_procedures.h"
 #include "devserver/tsql/run/bulk_insert.h"
-#include "devserver/tsql/run/server.h"
 #include "devserver/tsql/run/statements.h"
 #include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/server/server.h"
 
 namespace devsql {
 namespace {

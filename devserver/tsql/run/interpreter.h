@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "devserver/tsql/parse/ast.h"
-#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

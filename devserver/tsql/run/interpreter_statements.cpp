@@ -6,14 +6,14 @@
 
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/rows/row_writer.h"
 #include "devserver/tsql/run/interpreter.h"
-#include "devserver/tsql/run/row_writer.h"
 #include "devserver/tsql/run/statements.h"
-#include "devserver/tsql/run/user_messages.h"
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/user_messages.h"
 
 namespace devsql {
 

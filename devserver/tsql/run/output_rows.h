@@ -8,8 +8,8 @@
 
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/parse/ast.h"
-#include "devserver/tsql/run/row_writer.h"
-#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/rows/row_writer.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "devserver/tsql/parse/ast.h"
-#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

@@ -3,8 +3,8 @@
 
 #include "devserver/tsql/bind/evaluator.h"
 #include "devserver/tsql/parse/parser.h"
+#include "devserver/tsql/rows/row_writer.h"
 #include "devserver/tsql/run/output_rows.h"
-#include "devserver/tsql/run/row_writer.h"
 #include "devserver/tsql/run/statements.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "devserver/engine/engine.h"
-#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

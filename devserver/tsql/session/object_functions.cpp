@@ -5,8 +5,8 @@
 #include "devserver/storage/databases.h"
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/run/session_function_parts.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/session_function_parts.h"
 
 namespace devsql {
 namespace {

@@ -1,13 +1,13 @@
-#include "devserver/tsql/linked/linked_procedures.h"
+#include "devserver/tsql/procedures/linked_procedures.h"
 
 #include <algorithm>
 #include <array>
 
 #include "devserver/storage/databases.h"
 #include "devserver/storage/linked_servers.h"
-#include "devserver/tsql/run/server.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server/server.h"
 
 namespace devsql {
 namespace {

@@ -1,5 +1,5 @@
 // The server's start, its logins, and who uses which database.
-#include "devserver/tsql/run/server.h"
+#include "devserver/tsql/server/server.h"
 
 #include <array>
 #include <fstream>
@@ -10,8 +10,8 @@
 #include "devserver/storage/paths.h"
 #include "devserver/storage/publications.h"
 #include "devserver/tsql/catalogue/bootstrap.h"
-#include "devserver/tsql/run/errors.h"
-#include "devserver/tsql/run/session.h"
+#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/server/client_session.h"
 
 namespace devsql {
 namespace {

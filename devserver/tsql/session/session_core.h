@@ -21,8 +21,8 @@
 #include "devserver/tsql/bind/bound.h"
 #include "devserver/tsql/linked/remote_servers.h"
 #include "devserver/tsql/parse/ast_definitions.h"
-#include "devserver/tsql/run/errors.h"
 #include "devserver/tsql/scalar/date_settings.h"
+#include "devserver/tsql/scalar/errors.h"
 
 namespace devsql {
 

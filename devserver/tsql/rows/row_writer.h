@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "devserver/tsql/bind/binder.h"
-#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

@@ -1,5 +1,5 @@
 // A session's databases, temporary tables, frames and callbacks.
-#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/session/session_core.h"
 
 #include <algorithm>
 #include <limits>
@@ -7,9 +7,9 @@
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/bind/evaluator.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/run/server.h"
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server/server.h"
 
 namespace devsql {
 namespace {

@@ -1,10 +1,10 @@
-#include "devserver/tsql/run/database_users.h"
+#include "devserver/tsql/session/database_users.h"
 
 #include <algorithm>
 #include <thread>
 
-#include "devserver/tsql/run/server.h"
-#include "devserver/tsql/run/session_core.h"
+#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 namespace {

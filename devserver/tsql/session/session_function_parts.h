@@ -6,9 +6,9 @@
 #include <span>
 #include <string>
 
-#include "devserver/tsql/run/session_core.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

@@ -5,13 +5,13 @@
 
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/run/server.h"
-#include "devserver/tsql/run/session_function_parts.h"
-#include "devserver/tsql/run/user_messages.h"
-#include "devserver/tsql/run/version.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/functions.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/session_function_parts.h"
+#include "devserver/tsql/session/user_messages.h"
+#include "devserver/tsql/session/version.h"
 
 namespace devsql {
 namespace {

@@ -1,11 +1,11 @@
-#include "devserver/tsql/run/errors.h"
+#include "devserver/tsql/scalar/errors.h"
 
 #include <algorithm>
 #include <array>
 #include <span>
 #include <string>
 
-#include "devserver/tsql/linked/linked_messages.h"
+#include "devserver/tsql/scalar/messages_linked.h"
 
 namespace devsql {
 namespace {

@@ -1,4 +1,4 @@
-#include "devserver/tsql/linked/linked_messages.h"
+#include "devserver/tsql/scalar/messages_linked.h"
 
 #include <array>
 

@@ -1,11 +1,11 @@
-#include "devserver/tsql/run/user_messages.h"
+#include "devserver/tsql/session/user_messages.h"
 
 #include <vector>
 
 #include "devserver/storage/sqlite.h"
-#include "devserver/tsql/run/errors.h"
-#include "devserver/tsql/run/session_core.h"
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 

@@ -1,4 +1,4 @@
-#include "devserver/tsql/run/session.h"
+#include "devserver/tsql/server/client_session.h"
 
 #include <utility>
 

@@ -8,7 +8,7 @@
 
 #include "devserver/engine/engine.h"
 #include "devserver/storage/databases.h"
-#include "devserver/tsql/run/database_users.h"
+#include "devserver/tsql/session/database_users.h"
 
 namespace devsql {
 

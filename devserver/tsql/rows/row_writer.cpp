@@ -1,13 +1,13 @@
-#include "devserver/tsql/run/row_writer.h"
+#include "devserver/tsql/rows/row_writer.h"
 
 #include <algorithm>
 
 #include "devserver/storage/databases.h"
 #include "devserver/tsql/bind/evaluator.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/run/server.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/server/server.h"
 
 namespace devsql {
 namespace {
