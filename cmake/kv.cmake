@@ -32,14 +32,22 @@ if(WIN32)
     target_compile_definitions(kv_options INTERFACE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX)
 endif()
 
-# kv_batches(RESULT TARGET SOURCE …): the sources, or with KV_UNITY files of the build tree that include eight of them
-# each: headers are most of what a file costs to compile, and a whole build takes half as long. Who changes a file waits for
-# its batch, up to twenty seconds, so a tree is made of batches only where that is asked for. Names in unnamed namespaces
-# must differ within a target. The batches name their files from the root of the tree, so that the compiler cache serves
-# every checkout; those that CMake itself would make name the checkout's folder.
+# kv_batches(RESULT TARGET SOURCE …): the sources; with KV_UNITY, generated files that each include eight of them. Headers
+# are most of the cost of compiling a file, so a whole build takes half as long. A change of one file recompiles its batch,
+# which takes up to twenty seconds; therefore batches are an option. Names in unnamed namespaces must differ within a target.
+# The batches name their files relative to the root, so that the compiler cache works for every checkout (CMake's own unity
+# builds use absolute paths).
 function(kv_batches result target)
     set(per_batch 8)
-    list(LENGTH ARGN count)
+    # The system's headers define macros with plain names, so sources that include them stay apart.
+    set(apart ${ARGN})
+    list(FILTER apart INCLUDE REGEX "(^|/)windows/|\\.rc$")
+    set(together ${ARGN})
+    list(FILTER together EXCLUDE REGEX "(^|/)windows/|\\.rc$")
+    if(CMAKE_CURRENT_SOURCE_DIR MATCHES "/windows$")
+        set(together "")
+    endif()
+    list(LENGTH together count)
     if(NOT KV_UNITY OR count LESS 2)
         set(${result} ${ARGN} PARENT_SCOPE)
         return()
@@ -47,7 +55,7 @@ function(kv_batches result target)
     set(batches "")
     set(number 0)
     set(text "")
-    foreach(file IN LISTS ARGN)
+    foreach(file IN LISTS together)
         file(REAL_PATH "${file}" path BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
         file(RELATIVE_PATH path "${PROJECT_SOURCE_DIR}" "${path}")
         string(APPEND text "#include \"${path}\"\n")
@@ -60,7 +68,7 @@ function(kv_batches result target)
             set(text "")
         endif()
     endforeach()
-    set(${result} ${batches} PARENT_SCOPE)
+    set(${result} ${batches} ${apart} PARENT_SCOPE)
 endfunction()
 
 # kv_library(NAME SOURCES … SEPARATE … LINK …): a static library; headers are named from the root of the tree's src/.

@@ -58,15 +58,13 @@ watch() {
 # build PRESET [TARGET…]: configures once, for whole builds (KV_UNITY), and builds; tells how far it is, and the errors if
 # it fails. A tree that somebody has configured otherwise stays as it is.
 build() {
-    local preset=$1 pid unity=ON
+    local preset=$1 pid
     shift
     say "building $preset${*:+: $*}"
     mkdir -p build
     local log=build/$preset.log
-    # The files of the Windows half share names with each other.
-    case $preset in windows*) unity=OFF ;; esac
     # Tests that run beside a build come first: some wait for a server no longer than a second.
-    { { [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset" -DKV_UNITY=$unity; } && nice cmake --build --preset "$preset" ${*:+--target "$@"}; } > "$log" 2>&1 &
+    { { [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset" -DKV_UNITY=ON; } && nice cmake --build --preset "$preset" ${*:+--target "$@"}; } > "$log" 2>&1 &
     pid=$!
     watch "$log" $pid
     if ! wait $pid; then
