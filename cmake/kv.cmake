@@ -108,6 +108,8 @@ function(kv_test name)
         add_dependencies(unit_tests ${name})
     endif()
     if(WIN32)
+        # Tests alone: what is shipped is linked by the compiler's own linker.
+        target_link_options(${name} PRIVATE "SHELL:-wrapper ${PROJECT_SOURCE_DIR}/tools/link-with-lld")
         # On a screen the system itself shows a box for a program that cannot be started, and waits for an answer.
         set(runner env -u DISPLAY "${PROJECT_SOURCE_DIR}/tests/run-under-wine")
         if("screen" IN_LIST ARG_LABEL)

@@ -11,7 +11,7 @@ BUILD_PACKAGES="build-essential cmake ninja-build ccache libgtest-dev libgmock-d
 # python3-pkg-resources: python3-tds looks for its own version with it and does not depend on it.
 RUN_PACKAGES="tdsodbc freetds-bin python3 python3-pymssql python3-pyodbc python3-tds python3-pkg-resources"
 SCREEN_PACKAGES="xvfb openbox xdotool"
-WINDOWS_PACKAGES="g++-mingw-w64-x86-64 g++-mingw-w64-i686 wine wine64 tcl $SCREEN_PACKAGES"
+WINDOWS_PACKAGES="g++-mingw-w64-x86-64 g++-mingw-w64-i686 lld wine wine64 tcl $SCREEN_PACKAGES"
 STYLE_PACKAGES="clang-format clang-tidy"
 PACKAGING_PACKAGES="msitools wixl faketime pandoc xz-utils dpkg-dev"
 
