@@ -1,91 +1,18 @@
-# The remedies of the manual, each tried: a fault brings a run to a stop, the manual's own statements repair what it left,
-# and the old data are found whole under the name that the plant works with.
+# The remedies of the manual for one server, each tried: a fault brings a run to a stop, the manual's own statements repair
+# what it left, and the old data are found whole under the name that the plant works with.
 #
 #   remedies_test.py DEVSQLSERVER BIN_FOLDER [TEST …]
+import glob
 import os
 import re
+import shutil
 import sys
-import threading
 import unittest
 
-TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-sys.path[:0] = [os.path.join(TOP, "tests", "e2e")]
-from console_wire import HERE, Wire  # noqa: E402
-from test_machine import PASSWORD, USER  # noqa: E402
-from unattended_install_test import WholeWay  # noqa: E402
-from unattended_upgrade_test import (OLD_FILES, RENAME_LINE, TEMPORARY, TEMPORARY_FILES, UPGRADE_LINE,  # noqa: E402
-                                     UpgradeWay)
-
-RENAMED_FILES = ["Batch_old_data.mdf", "Batch_old_log.ldf"]
-MANUAL = os.path.join(TOP, "docs", "manual")
-
-
-def remedies():
-    """The statements of each repair, by its name, as they stand in the manual."""
-    found = {}
-    for name in sorted(os.listdir(MANUAL)):
-        if name.endswith(".md"):
-            with open(os.path.join(MANUAL, name), encoding="utf-8") as file:
-                for repair, block in re.findall(r"<!-- repair: ([\w-]+) -->\n\s*```sql\n(.*?)```", file.read(), re.DOTALL):
-                    found[repair] = [line.strip() for line in block.splitlines() if line.strip()]
-    return found
-
-
-REMEDIES = remedies()
-
-
-class Remedy(UpgradeWay):
-    def repair(self, name, database="master", change=lambda line: line):
-        """Runs the manual's statements, one after the other, as the manual says."""
-        for statement in REMEDIES[name]:
-            self.server.ask(change(statement), database)
-
-    def upgrade_stopped_at(self, statement):
-        """An upgrade whose server is killed in front of the statement; afterwards the server runs again."""
-        wire = Wire()
-        self.addCleanup(wire.close)
-        wire.up(self.server.port)
-        self.set_login((f"{HERE},{wire.port}", USER, PASSWORD))
-        held = wire.hold(statement)
-        run = threading.Thread(target=self.upgrade)
-        run.start()
-        self.assertTrue(held.wait(120), statement)
-        wire.down()
-        self.server.kill()
-        run.join(300)
-        self.assertFalse(run.is_alive())
-        self.server.start()
-
-    def rename_files(self):
-        """What the manual has the engineer do in the folder of the data files."""
-        for old, new in zip(TEMPORARY_FILES, RENAMED_FILES):
-            os.rename(os.path.join(self.machine.data, old), os.path.join(self.machine.data, new))
-
-    def give_the_old_database_its_name_back(self):
-        self.repair("release-old")
-        self.rename_files()
-        self.repair("attach-old", change=self.with_the_paths_of_this_machine)
-
-    def with_the_paths_of_this_machine(self, line):
-        """A statement of the manual with paths that exist, in the place of its example's."""
-        folder = self.machine.native(self.machine.data).replace("/", "\\")
-        return line.replace("D:\\SQLData", folder)
-
-    def upgrade_again(self):
-        """Once the cause is gone, the next upgrade must go through with all the old data."""
-        self.machine.set_scripts("v2")
-        self.set_login((self.server.name, USER, PASSWORD))
-        self.upgrade()
-        self.assertEqual(self.upgradable(), {"Batch": "2", TEMPORARY: "1"})
-        self.assert_old_data_under(TEMPORARY)
-
-    def access(self, database):
-        return self.server.ask(f"SELECT DATABASEPROPERTYEX('{database}', 'UserAccess')")[0][0]
-
-    def assert_the_plant_works_with_the_old_data(self):
-        self.assertEqual(self.version("Batch"), "1")
-        self.assertEqual(self.access("Batch"), "MULTI_USER")
-        self.assert_old_data_under("Batch")
+from remedy_fixture import HERE, REPAIRS, RENAMED_FILES, TEMPORARY, TEMPORARY_FILES, ConsoleCommands, Remedy, stopped_at, wire_to
+from test_machine import PASSWORD, USER
+from unattended_install_test import WholeWay
+from unattended_upgrade_test import OLD_FILES, RENAME_LINE, UPGRADE_LINE
 
 
 class AfterAStoppedUpgrade(Remedy):
@@ -132,6 +59,14 @@ class AfterAStoppedUpgrade(Remedy):
         self.assertEqual(self.upgradable(), {"Batch": "2", TEMPORARY: "1"})
         self.go_back()
 
+    def test_the_data_are_taken_over_once_more_from_the_upgrade_tab(self):
+        self.upgrade_stopped_at("spUpgradeDatabase ")
+        console = ConsoleCommands(self.machine, {"ServerA": self.server.name, "UserA": USER, "PasswordA": PASSWORD})
+        self.assertEqual(console.run("a", "upgrade-database", "Batch", TEMPORARY), (True, ""))
+        self.assertEqual(len(self.server.ask("SELECT * FROM dbo.Lots", "Batch")),
+                         len(self.server.ask("SELECT * FROM dbo.Lots", TEMPORARY)))
+        self.assert_old_data_under(TEMPORARY)
+
     def test_a_second_run_stopped_while_it_removed_the_temporary_database(self):
         self.upgrade()
         self.upgrade_stopped_at(f"ALTER DATABASE [{TEMPORARY}] SET MULTI_USER")
@@ -154,36 +89,105 @@ class AfterAStoppedUpgrade(Remedy):
         self.upgrade_again()
 
 
-class AfterAStoppedSynchronisation(Remedy):
-    """Replication as a site's procedures see it: a job of the distribution is what tells that it is on."""
+class AfterAStoppedRename(Remedy):
+    """The console's "Rename database", from "Batch" to "Plant2", on a server that is killed before one of its statements."""
 
-    JOBS = ("SELECT j.name FROM msdb.dbo.sysjobs j INNER JOIN msdb.dbo.syscategories c ON c.category_id = j.category_id "
-            "WHERE c.category_class = 1 AND c.name = N'REPL-Distribution'")
-    PROCEDURES = {
-        "spInstallReplication": "EXEC msdb.dbo.sp_add_job @job_name = N'distribution', "
-                                "@category_name = N'REPL-Distribution'",
-        "spUninstallReplication": "EXEC msdb.dbo.sp_delete_job @job_name = N'distribution'",
-    }
+    NEW_FILES = ["Plant2_data.mdf", "Plant2_log.ldf"]
 
     def setUp(self):
         super().setUp()
-        for name, body in self.PROCEDURES.items():
-            self.server.ask(f"IF OBJECT_ID(N'dbo.{name}') IS NOT NULL DROP PROCEDURE dbo.{name}", "Batch")
-            self.server.ask(f"CREATE PROCEDURE dbo.{name} AS {body}", "Batch")
+        self.wire = wire_to(self, self.server)
+        self.console = ConsoleCommands(self.machine, {
+            "ServerA": f"{HERE},{self.wire.port}", "UserA": USER, "PasswordA": PASSWORD, "SQLDataPathA": self.machine.data})
+        self.addCleanup(lambda: [self.drop(name) for name in self.databases() if name == "Plant2"])
 
-    def test_replication_stayed_off(self):
-        self.assertEqual(self.server.ask(self.JOBS), [])
-        self.repair("install-replication", "Batch")
-        self.assertEqual(self.server.ask(self.JOBS), [("distribution",)])
-        self.repair("uninstall-replication", "Batch")
-        self.assertEqual(self.server.ask(self.JOBS), [])
+    def rename(self):
+        return self.console.run("a", "rename-database", "Batch", "Plant2")
+
+    def stop_at(self, statement):
+        succeeded, _ = stopped_at(self, self.server, self.wire, statement, self.rename)
+        self.assertFalse(succeeded)
+        self.assertEqual(self.machine.log_lines(), [" : Error in CUpgradeDbMgr::RenameDatabase('Batch', 'Plant2')"])
+
+    def assert_a_rename_works(self):
+        """With the old data whole under the old name, the next rename succeeds and carries them and the files over."""
+        self.assert_the_plant_works_with_the_old_data()
+        self.assertEqual(self.rename(), (True, ""))
+        self.assert_old_data_under("Plant2")
+        self.assertEqual(self.files(), self.NEW_FILES)
+
+    def test_before_anything_was_changed(self):
+        for statement in ("ALTER DATABASE [Batch] SET SINGLE_USER", "MODIFY NAME"):
+            with self.subTest(statement):
+                shutil.rmtree(self.machine.log_folder)
+                os.mkdir(self.machine.log_folder)
+                self.stop_at(statement)
+                self.assert_the_plant_works_with_the_old_data()
+        self.assert_a_rename_works()
+
+    def test_somebody_was_thrown_out_and_nobody_is_let_in(self):
+        self.stop_at("ALTER DATABASE [Batch] SET MULTI_USER")
+        self.assertEqual(self.access("Batch"), "SINGLE_USER")
+        self.repair("multi-user")
+        self.assert_a_rename_works()
+
+    def new_name_old_files(self, statement):
+        self.stop_at(statement)
+        self.assertIn("Plant2", self.databases())
+        self.assertNotIn("Batch", self.databases())
+        self.assertEqual(self.files(), OLD_FILES)
+        self.assert_old_data_under("Plant2")
+        self.repair("rename-back")
+        self.assert_a_rename_works()
+
+    def test_the_name_is_new_and_the_logical_files_are_old(self):
+        self.new_name_old_files("MODIFY FILE (NAME=Batch_data")
+
+    def test_the_name_is_new_and_one_logical_file_is(self):
+        self.new_name_old_files("MODIFY FILE (NAME=Batch_log")
+
+    def test_the_name_is_new_and_the_files_have_not_moved(self):
+        self.new_name_old_files("sp_detach_db")
+
+    def test_the_files_have_moved_and_are_not_attached(self):
+        self.stop_at("sp_attach_db")
+        self.assertEqual(set(self.databases()) & {"Batch", "Plant2"}, set())
+        self.assertEqual(self.files(), self.NEW_FILES)
+        self.repair("attach-renamed", change=self.with_the_paths_of_this_machine)
+        self.assert_old_data_under("Plant2")
+        self.assertEqual(self.access("Plant2"), "MULTI_USER")
+
+    def test_the_files_could_not_be_copied(self):
+        in_the_way = os.path.join(self.machine.data, self.NEW_FILES[1])
+        os.mkdir(in_the_way)
+        self.assertFalse(self.rename()[0])
+        self.assertEqual(set(self.databases()) & {"Batch", "Plant2"}, set())
+        self.repair("detached", change=lambda line: self.with_the_paths_of_this_machine(line).replace(
+            "Batch_dat.mdf", OLD_FILES[0]))
+        os.rmdir(in_the_way)
+        self.assert_a_rename_works()
+
+
+class AfterAStoppedRemoval(Remedy):
+    def test_somebody_was_thrown_out_and_nobody_is_let_in(self):
+        wire = wire_to(self, self.server)
+        console = ConsoleCommands(self.machine, {"ServerA": f"{HERE},{wire.port}", "UserA": USER, "PasswordA": PASSWORD})
+        remove = lambda: console.run("a", "remove-database", "Batch")  # noqa: E731
+        self.assertFalse(stopped_at(self, self.server, wire, "ALTER DATABASE [Batch] SET MULTI_USER", remove)[0])
+        self.assertEqual(self.access("Batch"), "SINGLE_USER")
+        self.repair("multi-user")
+        self.assert_the_plant_works_with_the_old_data()
+        self.assertEqual(remove(), (True, ""))
+        self.assertNotIn("Batch", self.databases())
 
 
 class TheManual(unittest.TestCase):
     def test_every_remedy_is_tried(self):
-        with open(os.path.abspath(__file__), encoding="utf-8") as file:
-            tried = set(re.findall(r'self\.repair\(\s*"([\w-]+)"', file.read()))
-        self.assertEqual(tried, set(REMEDIES))
+        tried = set()
+        for path in glob.glob(os.path.join(os.path.dirname(os.path.abspath(__file__)), "*.py")):
+            with open(path, encoding="utf-8") as file:
+                tried |= set(re.findall(r'\brepair\((?:self\.server, |self\.a, |self\.b, )?\s*"([\w-]+)"', file.read()))
+        self.assertEqual(tried, set(REPAIRS))
 
 
 if __name__ == "__main__":

@@ -1,6 +1,6 @@
-// Steers the managers of synchronisation and replication from a command line, for runs from outside: the
-// product's own command line has no argument for them. Knows no server's answer beyond what the managers
-// tell.
+// Calls the managers as the console's commands do, from a command line: the product's own command line has no
+// argument for a synchronisation, for replication, or for a rename or an upgrade between databases of any
+// name.
 //
 //   server_pair_tool SETTINGS a|b COMMAND [ARGUMENT...]
 //
@@ -17,6 +17,7 @@
 
 #include "admin/sql_replication_mgr.h"
 #include "admin/synchronize_db_mgr.h"
+#include "admin/upgrade_db_mgr.h"
 #include "platform/files.h"
 #include "scripts/sql_script_mgr.h"
 
@@ -115,6 +116,24 @@ bool CreateReplicationProcedures(const Pair& pair, const Arguments& /*arguments*
     });
 }
 
+/// ARGUMENTS: the old and the new name.
+bool RenameDatabase(const Pair& pair, const Arguments& arguments) {
+    return Run<kv::CUpgradeDbMgr>(
+        pair, [&](kv::CUpgradeDbMgr& manager) { return manager.RenameDatabase(arguments[0], arguments[1]); });
+}
+
+/// ARGUMENTS: the new database, and the old one whose data it takes over.
+bool UpgradeDatabase(const Pair& pair, const Arguments& arguments) {
+    return Run<kv::CUpgradeDbMgr>(pair, [&](kv::CUpgradeDbMgr& manager) {
+        return manager.UpgradeDatabase(arguments[0], arguments[1]);
+    });
+}
+
+bool RemoveDatabase(const Pair& pair, const Arguments& arguments) {
+    return Run<kv::CUpgradeDbMgr>(
+        pair, [&](kv::CUpgradeDbMgr& manager) { return manager.RemoveDatabase(arguments[0]); });
+}
+
 struct Command {
     std::size_t arguments;
     bool (*run)(const Pair& pair, const Arguments& arguments);
@@ -127,6 +146,9 @@ const std::map<std::string, Command>& Commands() {
         {"uninstall-replication", {1, UninstallReplication}},
         {"is-replication-installed", {1, IsReplicationInstalled}},
         {"create-replication-procedures", {0, CreateReplicationProcedures}},
+        {"rename-database", {2, RenameDatabase}},
+        {"upgrade-database", {2, UpgradeDatabase}},
+        {"remove-database", {1, RemoveDatabase}},
     };
     return commands;
 }
