@@ -7,6 +7,7 @@
 #include "devserver/storage/catalogue_rows.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/errors.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
 
@@ -126,6 +127,15 @@ const ColumnDef* TableDef::IdentityColumn() const {
 
 std::string TableDef::Qualified() const {
     return QuoteName(alias) + "." + QuoteName(physical);
+}
+
+std::string RowIdName(const TableDef& table) {
+    for (const char* name : {"rowid", "_rowid_", "oid"}) {
+        if (table.Find(name) == nullptr) {
+            return name;
+        }
+    }
+    RaiseError(40517, {"columns named rowid, _rowid_ and oid in one table"});
 }
 
 std::string CreateTableText(const TableDef& table) {

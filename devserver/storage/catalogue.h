@@ -188,6 +188,8 @@ class Catalogue {
 
 /// SQLite's statement that makes `table`, and those that make its unique and other indexes.
 std::string CreateTableText(const TableDef& table);
+/// SQLite's name for the row number of a table, which may have a column named "rowid".
+std::string RowIdName(const TableDef& table);
 std::string CreateIndexText(const TableDef& table, const IndexDef& index);
 std::string DropIndexText(const TableDef& table, const IndexDef& index);
 

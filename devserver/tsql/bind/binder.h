@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -190,20 +189,5 @@ Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& n
 void RequireDifferentNames(const std::vector<Column>& columns, std::int32_t error, std::string_view of);
 /// The view's columns, for the catalogue.
 std::vector<Column> DescribeView(SessionCore& session, const ast::CreateModuleStatement& view);
-
-/// Where an object's name leads: the database, and its schema ("dbo" where none is given).
-struct ObjectPlace {
-    std::string database;
-    std::string schema;
-    std::string name;
-};
-/// A name of four parts means this server where the first is its own name. Raises 7202 for an unknown server,
-/// 117 for a linked one.
-ObjectPlace PlaceOf(SessionCore& session, const ast::Name& name);
-
-/// The columns, by id, that an expression over the table's row names.
-std::set<int> ColumnsNamed(const TableDef& table, std::string_view expression);
-/// The one column that a CHECK constraint concerns; null where it names several.
-const ColumnDef* ColumnOfCheck(const TableDef& table, std::string_view expression);
 
 } // namespace devsql

@@ -6,10 +6,11 @@
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/bind/evaluator.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/run/interpreter.h"
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/object_place.h"
+#include "devserver/tsql/session/user_functions.h"
 
 namespace devsql {
 namespace {
@@ -49,7 +50,7 @@ BoundPtr UserCall(SessionCore& session, const std::string& view_database, const 
     if (!view_database.empty() && name.parts.size() < 3) {
         place.database = view_database;
     }
-    Catalogue& catalogue = session.Database(place.database);
+    Catalogue& catalogue = session.databases().Get(place.database);
     const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
     if (!object || object->type != "FN") {
         RaiseError(4121, {place.schema, name.text()});
@@ -275,8 +276,9 @@ BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
 /// SUM and AVG by the server's own aggregates, which overflow and round as each type does.
 BoundPtr Binder::BindSum(const BoundPtr& operand, const std::string& distinct, bool average) {
     const Type type = average ? AverageType(operand->type) : SumType(operand->type);
-    return MakeSql(
-        session_.SumFunction(operand->type, average) + "(" + distinct + emission_.Emit(operand) + ")", type);
+    return MakeSql(session_.functions().SumFunction(operand->type, average) + "(" + distinct +
+                       emission_.Emit(operand) + ")",
+                   type);
 }
 
 // ------------------------------------------------------------------ window functions

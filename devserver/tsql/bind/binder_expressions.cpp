@@ -92,11 +92,12 @@ BoundPtr Binder::BindNode(const ast::Expr& expr, const Scope* scope) {
             [&](const ast::LiteralExpr& e) { return MakeConstant(e.value, e.type); },
             [&](const ast::VariableExpr& e) {
                 if (e.name.starts_with("@@")) {
-                    return session_.Global(e.name);
+                    Variable value = GlobalVariable(session_, e.name);
+                    return MakeConstant(std::move(value.value), value.type);
                 }
                 auto node = std::make_shared<Bound>();
                 node->kind = BoundKind::Variable;
-                node->type = session_.FindVariable(e.name).type;
+                node->type = session_.calls().FindVariable(e.name).type;
                 node->text = e.name;
                 return BoundPtr(node);
             },
@@ -111,7 +112,7 @@ BoundPtr Binder::BindNode(const ast::Expr& expr, const Scope* scope) {
             [&](const ast::BinaryExpr& e) {
                 BoundPtr left = BindValue(*e.left, scope);
                 BoundPtr right = BindValue(*e.right, scope);
-                if (e.op == BinaryOperator::Add && !session_.options.concat_null_yields_null &&
+                if (e.op == BinaryOperator::Add && !session_.options().concat_null_yields_null &&
                     IsCharacter(OperatorType(e.op, left->type, right->type).id)) {
                     left = EmptyForNull(left);
                     right = EmptyForNull(right);
@@ -175,7 +176,7 @@ BoundPtr Binder::BindCompare(ast::CompareOp op, const BoundPtr& left, const Boun
         *MakeCondition(BoundKind::Compare, {ForComparison(left, type), ForComparison(right, type)}));
     node->compare = op;
     const bool equality = op == ast::CompareOp::Equal || op == ast::CompareOp::NotEqual;
-    if (!session_.options.ansi_nulls && equality && (IsLooseNull(*left) || IsLooseNull(*right))) {
+    if (!session_.options().ansi_nulls && equality && (IsLooseNull(*left) || IsLooseNull(*right))) {
         return MakeCondition(BoundKind::Or, {node, LooseNulls(op, left, right)});
     }
     return node;
@@ -317,7 +318,7 @@ Type Binder::ResolveType(const ast::TypeSpec& spec, std::int32_t default_length,
             return DeclaredType(*id, spec.first, spec.second, spec.max, default_length);
         }
     }
-    Catalogue& catalogue = session_.CurrentDatabase();
+    Catalogue& catalogue = session_.databases().Current();
     const std::optional<UserTypeDef> found = catalogue.FindType(qualified ? spec.name.parts[0] : "", name);
     if (!found) {
         RaiseError(2715, {"1", spec.name.text()});

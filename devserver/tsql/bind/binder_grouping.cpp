@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "devserver/tsql/bind/select_parts.h"
+#include "devserver/tsql/scalar/errors.h"
 #include "devserver/tsql/scalar/type_rules.h"
 
 namespace devsql {

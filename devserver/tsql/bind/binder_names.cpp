@@ -1,10 +1,10 @@
 // Names: tables, views, columns and where they lie.
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/catalogue/system_views.h"
-#include "devserver/tsql/parse/lexer.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/object_place.h"
 
 namespace devsql {
 namespace {
@@ -33,48 +33,6 @@ bool Names(const ScopeSource& source, const ast::Name& name) {
 }
 
 } // namespace
-
-ObjectPlace PlaceOf(SessionCore& session, const ast::Name& name) {
-    if (session.remote().Means(name)) {
-        session.remote().Find(name.parts[0]);
-        RaiseError(117, {"object", name.text(), "2"});
-    }
-    constexpr std::size_t kServerParts = 4;
-    if (name.parts.size() == kServerParts) { // This server, under its own name.
-        return PlaceOf(session, {{name.parts.begin() + 1, name.parts.end()}});
-    }
-    const std::size_t count = name.parts.size();
-    ObjectPlace place;
-    place.name = name.last();
-    place.schema = count > 1 && !name.parts[count - 2].empty() ? name.parts[count - 2] : "dbo";
-    place.database = count > 2 && !name.parts[0].empty() ? name.parts[0] : session.CurrentDatabaseName();
-    if (IsGlobalTable(place.name)) {
-        place.database = "tempdb";
-        place.schema = "dbo";
-    }
-    return place;
-}
-
-std::set<int> ColumnsNamed(const TableDef& table, std::string_view expression) {
-    const std::vector<Token> tokens = Tokenize(expression);
-    std::set<int> columns;
-    for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
-        const bool name = tokens[i].kind == TokenKind::Word || tokens[i].kind == TokenKind::Bracketed ||
-                          tokens[i].kind == TokenKind::DoubleQuoted;
-        const bool leads = tokens[i + 1].kind == TokenKind::Symbol &&
-                           (tokens[i + 1].text == "(" || tokens[i + 1].text == "."); // a function, a table
-        const ColumnDef* column = name && !leads ? table.Find(tokens[i].text) : nullptr;
-        if (column != nullptr) {
-            columns.insert(column->id);
-        }
-    }
-    return columns;
-}
-
-const ColumnDef* ColumnOfCheck(const TableDef& table, std::string_view expression) {
-    const std::set<int> columns = ColumnsNamed(table, expression);
-    return columns.size() == 1 ? &table.ById(*columns.begin()) : nullptr;
-}
 
 ScopeSource Binder::SourceOf(const TablePtr& table, const std::string& exposed,
                              const std::string& sql_alias) const {
@@ -116,14 +74,14 @@ std::string Binder::BindNamed(const ast::NamedSource& named, Scope& scope) {
         return table->Qualified() + " AS " + alias;
     };
     if (last.starts_with("@")) {
-        const TablePtr table = session_.FindTableVariable(last);
+        const TablePtr table = session_.calls().FindTableVariable(last);
         if (!table) {
             RaiseError(1087, {last});
         }
         return add_table(table);
     }
     if (IsSessionTable(last)) {
-        const TablePtr table = session_.FindTemporary(last);
+        const TablePtr table = session_.temporaries().Find(last);
         if (!table) {
             RaiseError(208, {named.name.text()});
         }
@@ -158,10 +116,10 @@ std::string Binder::BindNamed(const ast::NamedSource& named, Scope& scope) {
         (named.name.parts.size() < 3 || named.name.parts[0].empty())) {
         place.database = database_;
     }
-    Catalogue& catalogue = session_.Database(place.database);
-    const std::optional<ObjectDef> object = session_.Object(catalogue, place.schema, place.name);
+    Catalogue& catalogue = session_.databases().Get(place.database);
+    const std::optional<ObjectDef> object = session_.databases().Object(catalogue, place.schema, place.name);
     if (object && object->type == "U") {
-        return add_table(session_.Table(catalogue, object->id));
+        return add_table(session_.databases().Table(catalogue, object->id));
     }
     if (object && object->type == "V") {
         const std::string saved = std::exchange(database_, place.database);
@@ -269,7 +227,7 @@ std::shared_ptr<RemoteTable> Binder::Remote(const ast::Name& name) {
             return table;
         }
     }
-    return remote_tables_.emplace_back(std::make_shared<RemoteTable>(session_, name));
+    return remote_tables_.emplace_back(std::make_shared<RemoteTable>(session_.remote(), name));
 }
 
 Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& name, std::int32_t error) {
@@ -287,14 +245,14 @@ Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& n
 Target Binder::BindTarget(const ast::Name& name) {
     Target target;
     if (name.last().starts_with("@")) {
-        target.table = session_.FindTableVariable(name.last());
+        target.table = session_.calls().FindTableVariable(name.last());
         if (!target.table) {
             RaiseError(1087, {name.last()});
         }
         return target;
     }
     if (IsSessionTable(name.last())) {
-        target.table = session_.FindTemporary(name.last());
+        target.table = session_.temporaries().Find(name.last());
         if (!target.table) {
             RaiseError(208, {name.text()});
         }
@@ -306,8 +264,8 @@ Target Binder::BindTarget(const ast::Name& name) {
         return target;
     }
     const ObjectPlace place = PlaceOf(session_, name);
-    Catalogue& catalogue = session_.Database(place.database);
-    const std::optional<ObjectDef> object = session_.Object(catalogue, place.schema, place.name);
+    Catalogue& catalogue = session_.databases().Get(place.database);
+    const std::optional<ObjectDef> object = session_.databases().Object(catalogue, place.schema, place.name);
     if (object && object->type == "V") {
         RaiseError(40517, {"writing through the view " + name.text()});
     }
@@ -317,7 +275,7 @@ Target Binder::BindTarget(const ast::Name& name) {
         }
         RaiseError(208, {name.text()});
     }
-    target.table = session_.Table(catalogue, object->id);
+    target.table = session_.databases().Table(catalogue, object->id);
     target.catalogue = &catalogue;
     return target;
 }

@@ -5,7 +5,6 @@
 
 #include "devserver/tsql/bind/evaluator.h"
 #include "devserver/tsql/bind/select_parts.h"
-#include "devserver/tsql/rows/row_writer.h"
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
@@ -525,8 +524,7 @@ BoundQuery Binder::BindCursor(const ast::Query& query, TablePtr& table) {
     bound.columns = parts.columns;
     if (source.table && !grouped) {
         table = source.table;
-        parts.items.push_back(
-            MakeSql(source.sql_alias + "." + RowWriter::RowIdName(*table), Simple(TypeId::BigInt)));
+        parts.items.push_back(MakeSql(source.sql_alias + "." + RowIdName(*table), Simple(TypeId::BigInt)));
     }
     bound.sql = EmitSelect(parts, false);
     return bound;

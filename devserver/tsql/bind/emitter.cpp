@@ -71,13 +71,36 @@ std::size_t HashOf(const Value& value) {
         value);
 }
 
+/// The types of the values that an expression takes, by its slots.
+void CollectSlots(const Bound& node, std::vector<Type>& slots) {
+    if (node.kind == BoundKind::Slot) {
+        if (slots.size() <= node.slot) {
+            slots.resize(node.slot + 1);
+        }
+        slots[node.slot] = node.condition ? Simple(TypeId::Bit) : node.type;
+    }
+    for (const BoundPtr& child : node.children) {
+        CollectSlots(*child, slots);
+    }
+}
+
+Operation OperationOf(SessionCore& session, BoundPtr expression) {
+    Operation operation;
+    operation.type = expression->condition ? Simple(TypeId::Bit) : expression->type;
+    CollectSlots(*expression, operation.slots);
+    operation.compute = [&session, expression = std::move(expression)](std::span<const Value> slots) {
+        return Compute(*expression, session, slots);
+    };
+    return operation;
+}
+
 } // namespace
 
 Emission::Emission(SessionCore& session) : session_(session) {}
 
 Emission::~Emission() {
     for (const std::int64_t operation : operations_) {
-        session_.RemoveOperation(operation);
+        session_.functions().Remove(operation);
     }
 }
 
@@ -145,7 +168,7 @@ std::string Emission::EmitOperation(const BoundPtr& expression) {
         }
     }
     std::vector<BoundPtr> leaves;
-    const std::int64_t number = session_.AddOperation(Extract(expression, leaves));
+    const std::int64_t number = session_.functions().Add(OperationOf(session_, Extract(expression, leaves)));
     operations_.push_back(number);
     std::string call = "tsql(" + std::to_string(number);
     for (const BoundPtr& leaf : leaves) {
@@ -175,7 +198,7 @@ std::string Emission::Emit(const BoundPtr& expression) {
     case BoundKind::Constant:
         return Parameter(expression->constant, expression->type);
     case BoundKind::Variable:
-        return Parameter(session_.FindVariable(expression->text).value, expression->type);
+        return Parameter(session_.calls().FindVariable(expression->text).value, expression->type);
     case BoundKind::Sql:
         return expression->text;
     case BoundKind::Case:

@@ -129,7 +129,7 @@ Value Compute(const Bound& node, SessionCore& session, Slots slots) {
     case BoundKind::Constant:
         return node.constant;
     case BoundKind::Variable:
-        return session.FindVariable(node.text).value;
+        return session.calls().FindVariable(node.text).value;
     case BoundKind::Slot:
         return slots[node.slot];
     case BoundKind::Unary:

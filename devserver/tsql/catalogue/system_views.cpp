@@ -7,7 +7,7 @@
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/server.h"
 #include "devserver/tsql/session/session_core.h"
 #include "devserver/tsql/session/user_messages.h"
 
@@ -62,10 +62,10 @@ std::string SessionRows(SessionCore& session) {
     std::string rows =
         "(SELECT column1 AS id, column2 AS login, column3 AS host, column4 AS program, column5 AS "
         "database, column6 AS own, column7 AS isolation FROM (VALUES";
-    for (const DatabaseUsers::SessionInfo& info : session.server.users().Sessions()) {
+    for (const DatabaseUsers::SessionInfo& info : session.server().users().Sessions()) {
         rows += (rows.ends_with("VALUES") ? "(" : ",(") + std::to_string(info.id) + "," +
                 QuoteText(info.login) + "," + QuoteText(info.host) + "," + QuoteText(info.application) + "," +
-                QuoteText(info.database) + "," + (info.id == session.id ? "1" : "0") + "," +
+                QuoteText(info.database) + "," + (info.id == session.id() ? "1" : "0") + "," +
                 std::to_string(info.isolation_level) + ")";
     }
     return rows + "))";
@@ -107,7 +107,7 @@ std::string SystemViewText(const SystemView& view, SessionCore& session, const s
     if (text.find("{messages}") != std::string::npos) {
         Replace(text, "{messages}", MessageRows());
     }
-    Replace(text, "{db}", QuoteName(session.Database(database).alias()));
+    Replace(text, "{db}", QuoteName(session.databases().Get(database).alias()));
     Replace(text, "{name}", QuoteText(database));
     return text;
 }

@@ -9,6 +9,7 @@
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/check_columns.h"
 
 namespace devsql {
 namespace {
@@ -49,8 +50,9 @@ void AddIndexChecked(SessionCore& session, Catalogue& catalogue, const TableDef&
             columns += (columns.empty() ? "" : ", ") + QuoteName(column.name) +
                        (IsCharacter(column.type.id) ? " COLLATE TSQL" : "");
         }
-        SqliteStatement row = session.connection.Prepare("SELECT " + columns + " FROM " + table.Qualified() +
-                                                         " GROUP BY " + columns + " HAVING count(*) > 1");
+        SqliteStatement row =
+            session.connection().Prepare("SELECT " + columns + " FROM " + table.Qualified() + " GROUP BY " +
+                                         columns + " HAVING count(*) > 1");
         if (row.Step()) {
             for (std::size_t i = 0; i < index.columns.size(); ++i) {
                 const Type& type = table.ById(index.columns[i].column).type;
@@ -63,7 +65,7 @@ void AddIndexChecked(SessionCore& session, Catalogue& catalogue, const TableDef&
 }
 
 std::string DatabaseNameOf(SessionCore& session, const Catalogue& catalogue) {
-    for (const DatabaseInfo& database : ListDatabases(session.connection)) {
+    for (const DatabaseInfo& database : ListDatabases(session.connection())) {
         if (catalogue.alias() == "db" + std::to_string(database.id)) {
             return database.name;
         }
@@ -79,8 +81,8 @@ void RequireCheck(SessionCore& session, const Catalogue& catalogue, const TableP
     scope.sources.push_back(binder.SourceOf(table, table->name, "t"));
     const ast::ExprPtr expr = ParseExpression(check.text);
     const std::string condition = emission.EmitCondition(binder.BindCondition(*expr, &scope));
-    SqliteStatement row = session.connection.Prepare("SELECT 1 FROM " + table->Qualified() + " AS t WHERE (" +
-                                                     condition + ") = 0 LIMIT 1");
+    SqliteStatement row = session.connection().Prepare("SELECT 1 FROM " + table->Qualified() +
+                                                       " AS t WHERE (" + condition + ") = 0 LIMIT 1");
     emission.BindAll(row);
     if (row.Step()) {
         const ColumnDef* column = ColumnOfCheck(*table, check.text);
@@ -102,11 +104,11 @@ void RequireParents(SessionCore& session, Catalogue& catalogue, const TableDef& 
                   ("p." + QuoteName(parent->ById(key.referenced_columns[i]).name) + " = " + own);
         filled += " AND " + own + " IS NOT NULL";
     }
-    SqliteStatement row =
-        session.connection.Prepare("SELECT 1 FROM " + table.Qualified() +
-                                   " AS t WHERE NOT EXISTS "
-                                   "(SELECT 1 FROM " +
-                                   parent->Qualified() + " AS p WHERE " + joined + ")" + filled + " LIMIT 1");
+    SqliteStatement row = session.connection().Prepare("SELECT 1 FROM " + table.Qualified() +
+                                                       " AS t WHERE NOT EXISTS "
+                                                       "(SELECT 1 FROM " +
+                                                       parent->Qualified() + " AS p WHERE " + joined + ")" +
+                                                       filled + " LIMIT 1");
     if (row.Step()) {
         RaiseError(547,
                    {"ALTER TABLE", "FOREIGN KEY", key.name, DatabaseNameOf(session, catalogue),
@@ -129,9 +131,9 @@ void FillColumns(SessionCore& session, const Target& target, std::size_t first,
         places += (places.empty() ? "" : ", ") + QuoteName(columns[i].name) + " = ?" +
                   std::to_string(i - first + 1);
     }
-    SqliteStatement update = session.connection.Prepare(
-        "UPDATE " + target.table->Qualified() + " SET " + places + " WHERE " +
-        RowWriter::RowIdName(*target.table) + " = ?" + std::to_string(columns.size() - first + 1));
+    SqliteStatement update = session.connection().Prepare(
+        "UPDATE " + target.table->Qualified() + " SET " + places + " WHERE " + RowIdName(*target.table) +
+        " = ?" + std::to_string(columns.size() - first + 1));
     RowWriter writer(session, target, "ALTER TABLE");
     std::int64_t counted = 0;
     for (StoredRow& row : RowWriter::Read(session, *target.table, "1", {})) {
@@ -182,9 +184,9 @@ void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const
     TableDef& after = builder.table();
     for (std::size_t i = before->columns.size(); i < after.columns.size(); ++i) {
         const ColumnDef& column = after.columns[i];
-        session.connection.Execute("ALTER TABLE " + after.Qualified() + " ADD COLUMN " +
-                                   QuoteName(column.name) +
-                                   (IsCharacter(column.type.id) ? " COLLATE TSQL" : ""));
+        session.connection().Execute("ALTER TABLE " + after.Qualified() + " ADD COLUMN " +
+                                     QuoteName(column.name) +
+                                     (IsCharacter(column.type.id) ? " COLLATE TSQL" : ""));
         catalogue.AddColumn(after.id, column, static_cast<int>(i));
     }
     for (std::size_t i = 0; i < before->columns.size(); ++i) {
@@ -258,8 +260,8 @@ void DropColumns(SessionCore& session, const ast::AlterTableStatement& alter, co
         if (table->columns.size() == 1) {
             RaiseError(4923, {name, table->name});
         }
-        session.connection.Execute("ALTER TABLE " + table->Qualified() + " DROP COLUMN " +
-                                   QuoteName(column->name));
+        session.connection().Execute("ALTER TABLE " + table->Qualified() + " DROP COLUMN " +
+                                     QuoteName(column->name));
         target.catalogue->RemoveColumn(table->id, column->id);
     }
 }
@@ -351,8 +353,8 @@ void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, 
         }
     }
     SqliteStatement update =
-        session.connection.Prepare("UPDATE " + table->Qualified() + " SET " + QuoteName(column.name) +
-                                   " = ?1 WHERE " + RowWriter::RowIdName(*table) + " = ?2");
+        session.connection().Prepare("UPDATE " + table->Qualified() + " SET " + QuoteName(column.name) +
+                                     " = ?1 WHERE " + RowIdName(*table) + " = ?2");
     const std::size_t position = table->IndexOf(column.id);
     for (const StoredRow& row : RowWriter::Read(session, *table, "1", {})) {
         const Value value = Assign(row.values[position], found->type, column.type);
@@ -370,8 +372,8 @@ void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, 
         const TablePtr after = target.catalogue->LoadTable(table->id);
         for (const IndexDef& index : after->indexes) {
             if (index.unique && IndexUses(index, column.id)) {
-                session.connection.Execute(DropIndexText(*after, index));
-                session.connection.Execute(CreateIndexText(*after, index));
+                session.connection().Execute(DropIndexText(*after, index));
+                session.connection().Execute(CreateIndexText(*after, index));
             }
         }
     }
@@ -381,7 +383,7 @@ void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, 
 
 void RunAlterTable(SessionCore& session, const ast::AlterTableStatement& alter) {
     const Target target = FindTable(session, alter.table);
-    session.Write(target.catalogue->alias(), [&] {
+    session.transactions().Write(target.catalogue->alias(), [&] {
         switch (alter.action) {
         case ast::AlterTableAction::Add:
             AddParts(session, alter, target);
@@ -409,13 +411,13 @@ void RunAlterTable(SessionCore& session, const ast::AlterTableStatement& alter) 
             }
         }
     });
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 void RunCreateIndex(SessionCore& session, const ast::CreateIndexStatement& create) {
     Emission emission(session);
     const Target target = BindTargetAs(session, emission, create.table, 1088);
-    session.Write(target.table->alias, [&] {
+    session.transactions().Write(target.table->alias, [&] {
         TableDef table = *target.table;
         IndexDef index;
         index.name = create.name;
@@ -447,14 +449,14 @@ void RunCreateIndex(SessionCore& session, const ast::CreateIndexStatement& creat
         if (target.catalogue != nullptr) {
             AddIndexChecked(session, *target.catalogue, table, index);
         } else {
-            session.connection.Execute(CreateIndexText(table, index));
+            session.connection().Execute(CreateIndexText(table, index));
             table.indexes.push_back(index);
             if (!table.name.starts_with("@")) {
-                session.AddTemporary(table);
+                session.temporaries().Add(table);
             }
         }
     });
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 void RunDropIndex(SessionCore& session, const ast::DropIndexStatement& drop) {
@@ -488,9 +490,10 @@ void RunDropIndex(SessionCore& session, const ast::DropIndexStatement& drop) {
         if (target.catalogue == nullptr) {
             RaiseError(40517, {"DROP INDEX of a temporary table"});
         }
-        session.Write(target.table->alias, [&] { target.catalogue->RemoveIndex(*target.table, *found); });
+        session.transactions().Write(target.table->alias,
+                                     [&] { target.catalogue->RemoveIndex(*target.table, *found); });
     }
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 } // namespace devsql

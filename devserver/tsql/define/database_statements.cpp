@@ -10,7 +10,7 @@
 #include "devserver/tsql/define/file_names.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
 namespace {
@@ -28,7 +28,7 @@ bool Same(std::string_view a, std::string_view b) {
 }
 
 void RequireNoTransaction(SessionCore& session, std::string_view statement) {
-    if (session.transaction_count() > 0) {
+    if (session.transactions().count() > 0) {
         RaiseError(226, {statement});
     }
 }
@@ -43,7 +43,7 @@ bool IsSystemDatabase(std::string_view name) {
 }
 
 DatabaseInfo RequireDatabase(SessionCore& session, const std::string& name, std::int32_t error) {
-    std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+    std::optional<DatabaseInfo> info = FindDatabase(session.connection(), name);
     if (!info) {
         RaiseError(error, {name});
     }
@@ -71,7 +71,7 @@ std::string InKilobytes(const std::string& size, std::string_view fallback) {
 
 /// The place of a new file. Raises 5133 where the folder isn't there, 5170 where the file is.
 fs::path PlaceOfNewFile(SessionCore& session, const std::string& client_path) {
-    const std::optional<fs::path> path = LocalPath(client_path, session.server.options().drives);
+    const std::optional<fs::path> path = LocalPath(client_path, session.server().options().drives);
     std::error_code error;
     if (!path || !fs::is_directory(path->parent_path(), error)) {
         RaiseError(5133, {client_path, "2(The system cannot find the file specified.)"});
@@ -84,7 +84,7 @@ fs::path PlaceOfNewFile(SessionCore& session, const std::string& client_path) {
 
 /// The files that the statement asks for, or the default ones below the root.
 std::vector<DatabaseFile> FilesOf(SessionCore& session, const ast::CreateDatabaseStatement& create) {
-    const fs::path& root = session.server.options().root;
+    const fs::path& root = session.server().options().root;
     std::vector<DatabaseFile> files;
     const auto add = [&](const ast::FileSpec& spec, bool log) {
         DatabaseFile file;
@@ -178,7 +178,7 @@ enum class Others : std::uint8_t { Refuse, ThrowOut };
 class Exclusive {
   public:
     Exclusive(SessionCore& session, int database, Others others, const SqlError& refusal)
-        : users_(session.server.users()), database_(database) {
+        : users_(session.server().users()), database_(database) {
         if (others == Others::ThrowOut) {
             users_.CloseAndThrowOut(database_, session);
         } else if (!users_.Close(database_, session)) {
@@ -196,10 +196,10 @@ class Exclusive {
 
 /// The session itself lets go of a database that is to be taken away. Raises `refusal` for its current one.
 void LetGo(SessionCore& session, const DatabaseInfo& info, const SqlError& refusal) {
-    if (Same(session.CurrentDatabaseName(), info.name) || Same(session.SessionDatabase(), info.name)) {
+    if (Same(session.databases().CurrentName(), info.name) || Same(session.databases().own(), info.name)) {
         throw refusal;
     }
-    session.ReleaseDatabase(info.name);
+    session.databases().Release(info.name);
 }
 
 /// Brings the write-ahead log back into the file, which the last one to close it does. Two sessions that
@@ -223,7 +223,7 @@ void RequireUnpublished(const DatabaseInfo& info, std::string_view verb) {
 void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement& create) {
     RequireNoTransaction(session, "CREATE DATABASE");
     const DatabaseUsers::ListTurn turn(session);
-    if (FindDatabase(session.connection, create.name)) {
+    if (FindDatabase(session.connection(), create.name)) {
         RaiseError(1801, {create.name}, 3);
     }
     if (create.attach) {
@@ -234,18 +234,18 @@ void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement&
             }
         }
         AttachDatabase(session, create.name, files);
-        session.Done(Command::None, std::nullopt);
+        session.results().Done(Command::None, std::nullopt);
         return;
     }
     DatabaseInfo info;
     info.name = create.name;
-    info.owner = session.login;
+    info.owner = session.client().login;
     info.options["RECOVERY"] = "FULL";
     try {
         info.files = FilesOf(session, create);
     } catch (const SqlError& error) {
-        session.Print({error.number(), error.severity(), error.state(), error.text(),
-                       session.frame().procedure, session.line});
+        session.results().Print({error.number(), error.severity(), error.state(), error.text(),
+                                 session.calls().frame().procedure, session.status().line});
         RaiseError(1802, {}, 4);
     }
     try {
@@ -253,18 +253,18 @@ void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement&
         for (std::size_t i = 1; i < info.files.size(); ++i) {
             WriteLogFile(info.files[i]);
         }
-        AddDatabase(session.connection, info);
+        AddDatabase(session.connection(), info);
     } catch (...) {
         RemoveFiles(info.files);
         throw;
     }
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 void DropDatabase(SessionCore& session, const std::string& name, bool if_exists) {
     RequireNoTransaction(session, "DROP DATABASE");
     const DatabaseUsers::ListTurn turn(session);
-    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection(), name);
     if (!info) {
         if (if_exists) {
             return;
@@ -278,7 +278,7 @@ void DropDatabase(SessionCore& session, const std::string& name, bool if_exists)
     const SqlError in_use = ErrorOf(3702, {info->name});
     LetGo(session, *info, in_use);
     const Exclusive exclusive(session, info->id, Others::Refuse, in_use);
-    RemoveDatabase(session.connection, info->id);
+    RemoveDatabase(session.connection(), info->id);
     RemoveFiles(info->files);
 }
 
@@ -297,7 +297,7 @@ void DetachDatabase(SessionCore& session, const std::string& name) {
         KeepFileNames(info);
     }
     SettleFile(info);
-    RemoveDatabase(session.connection, info.id);
+    RemoveDatabase(session.connection(), info.id);
 }
 
 namespace {
@@ -305,7 +305,7 @@ namespace {
 /// A file of a database that is there already is not even opened. Raises 5104.
 void RequireFree(SessionCore& session, const fs::path& path, const std::string& client_path) {
     std::error_code error;
-    for (const DatabaseInfo& other : ListDatabases(session.connection)) {
+    for (const DatabaseInfo& other : ListDatabases(session.connection())) {
         for (const DatabaseFile& file : other.files) {
             if (fs::equivalent(file.path, path, error)) {
                 RaiseError(5104, {client_path});
@@ -319,7 +319,7 @@ void RequireFree(SessionCore& session, const fs::path& path, const std::string& 
 void AttachDatabase(SessionCore& session, const std::string& name, const std::vector<std::string>& paths) {
     RequireNoTransaction(session, "sp_attach_db");
     const DatabaseUsers::ListTurn turn(session);
-    if (FindDatabase(session.connection, name)) {
+    if (FindDatabase(session.connection(), name)) {
         RaiseError(1801, {name}, 3);
     }
     if (paths.empty() || paths[0].empty()) {
@@ -327,11 +327,11 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
     }
     DatabaseInfo info;
     info.name = name;
-    info.owner = session.login;
+    info.owner = session.client().login;
     info.options["RECOVERY"] = "FULL";
     for (const std::string& client_path : paths) {
         DatabaseFile file;
-        const std::optional<fs::path> path = LocalPath(client_path, session.server.options().drives);
+        const std::optional<fs::path> path = LocalPath(client_path, session.server().options().drives);
         std::error_code error;
         if (!path || !fs::is_regular_file(*path, error)) {
             RaiseError(5120, {client_path, "2", "The system cannot find the file specified."});
@@ -365,7 +365,7 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
         WriteLogFile(log);
         info.files.push_back(std::move(log));
     }
-    AddDatabase(session.connection, info);
+    AddDatabase(session.connection(), info);
 }
 
 // ------------------------------------------------------------------ ALTER DATABASE
@@ -386,21 +386,21 @@ void ModifyFile(SessionCore& session, DatabaseInfo info, const ast::AlterDatabas
             }
         }
         file->name = alter.new_name;
-        session.Print({5021, 0, 1, "The file name '" + alter.new_name + "' has been set.",
-                       session.frame().procedure, session.line});
+        session.results().Print({5021, 0, 1, "The file name '" + alter.new_name + "' has been set.",
+                                 session.calls().frame().procedure, session.status().line});
     }
     const ast::FileSpec& spec = alter.files[0];
     file->size = InKilobytes(spec.size, file->size);
     file->max_size = InKilobytes(spec.max_size, file->max_size);
     file->growth = InKilobytes(spec.growth, file->growth);
-    UpdateDatabase(session.connection, info);
+    UpdateDatabase(session.connection(), info);
 }
 
 void ModifyName(SessionCore& session, DatabaseInfo info, const std::string& new_name) {
     if (IsSystemDatabase(info.name)) {
         RaiseError(3708, {"rename", "database", info.name, "database"});
     }
-    const std::optional<DatabaseInfo> other = FindDatabase(session.connection, new_name);
+    const std::optional<DatabaseInfo> other = FindDatabase(session.connection(), new_name);
     if (other && other->id != info.id) {
         RaiseError(1801, {new_name}, 3);
     }
@@ -408,9 +408,9 @@ void ModifyName(SessionCore& session, DatabaseInfo info, const std::string& new_
     LetGo(session, info, in_use);
     const Exclusive exclusive(session, info.id, Others::Refuse, in_use);
     info.name = new_name;
-    UpdateDatabase(session.connection, info);
-    session.Print({5018, 0, 1, "The database name '" + new_name + "' has been set.",
-                   session.frame().procedure, session.line});
+    UpdateDatabase(session.connection(), info);
+    session.results().Print({5018, 0, 1, "The database name '" + new_name + "' has been set.",
+                             session.calls().frame().procedure, session.status().line});
 }
 
 void AddFiles(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseStatement& alter) {
@@ -434,7 +434,7 @@ void AddFiles(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseS
         WriteLogFile(file);
         info.files.push_back(std::move(file));
     }
-    UpdateDatabase(session.connection, info);
+    UpdateDatabase(session.connection(), info);
 }
 
 /// Options that are kept and shown; those of access have their effect too.
@@ -473,7 +473,7 @@ constexpr std::array<std::string_view, 31> kOptions = {"RECOVERY",
 /// An offline database is in nobody's hands, and its files may be copied.
 void SetOffline(SessionCore& session, const DatabaseInfo& info, bool offline, Others others) {
     if (!offline) {
-        StoreOption(session.connection, info.id, "OFFLINE", "OFF");
+        StoreOption(session.connection(), info.id, "OFFLINE", "OFF");
         return;
     }
     if (IsSystemDatabase(info.name)) {
@@ -483,27 +483,27 @@ void SetOffline(SessionCore& session, const DatabaseInfo& info, bool offline, Ot
     LetGo(session, info, in_use);
     const Exclusive exclusive(session, info.id, others, in_use);
     SettleFile(info);
-    StoreOption(session.connection, info.id, "OFFLINE", "ON");
+    StoreOption(session.connection(), info.id, "OFFLINE", "ON");
 }
 
 void SetSingleUser(SessionCore& session, const DatabaseInfo& info, bool single, Others others) {
     if (!single) {
-        StoreOption(session.connection, info.id, "SINGLE_USER", "OFF");
+        StoreOption(session.connection(), info.id, "SINGLE_USER", "OFF");
         return;
     }
     if (IsSystemDatabase(info.name)) {
         RaiseError(5058, {"SINGLE_USER", info.name});
     }
     const Exclusive exclusive(session, info.id, others, ErrorOf(5070, {info.name}));
-    StoreOption(session.connection, info.id, "SINGLE_USER", "ON");
+    StoreOption(session.connection(), info.id, "SINGLE_USER", "ON");
 }
 
 void ChangeOwner(SessionCore& session, DatabaseInfo info, const std::string& login) {
-    if (!FindLogin(session.connection, login)) {
+    if (!FindLogin(session.connection(), login)) {
         RaiseError(15151, {"find", "principal", login});
     }
     info.owner = login;
-    UpdateDatabase(session.connection, info);
+    UpdateDatabase(session.connection(), info);
 }
 
 } // namespace
@@ -526,7 +526,7 @@ void SetDatabaseOption(SessionCore& session, const std::string& database, const 
         return; // That is how every database is.
     }
     if (option == "COLLATE" || std::find(kOptions.begin(), kOptions.end(), option) != kOptions.end()) {
-        StoreOption(session.connection, info.id, option, value);
+        StoreOption(session.connection(), info.id, option, value);
         return;
     }
     RaiseError(40517, {option});
@@ -535,7 +535,7 @@ void SetDatabaseOption(SessionCore& session, const std::string& database, const 
 void RunAlterDatabase(SessionCore& session, const ast::AlterDatabaseStatement& alter) {
     RequireNoTransaction(session, "ALTER DATABASE");
     const DatabaseUsers::ListTurn turn(session);
-    const std::string& name = alter.database.empty() ? session.CurrentDatabaseName() : alter.database;
+    const std::string& name = alter.database.empty() ? session.databases().CurrentName() : alter.database;
     switch (alter.action) {
     case ast::AlterDatabaseAction::ModifyName:
         ModifyName(session, RequireDatabase(session, name, 5011), alter.new_name);
@@ -552,7 +552,7 @@ void RunAlterDatabase(SessionCore& session, const ast::AlterDatabaseStatement& a
         if (info.options.contains(option)) {
             RaiseError(5035, {alter.name});
         }
-        StoreOption(session.connection, info.id, option, "ON");
+        StoreOption(session.connection(), info.id, option, "ON");
         break;
     }
     case ast::AlterDatabaseAction::Owner:
@@ -564,7 +564,7 @@ void RunAlterDatabase(SessionCore& session, const ast::AlterDatabaseStatement& a
         }
         break;
     }
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 } // namespace devsql

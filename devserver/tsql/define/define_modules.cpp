@@ -5,10 +5,10 @@
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/parse/ast.h"
 #include "devserver/tsql/parse/overloaded.h"
-#include "devserver/tsql/run/statements.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/object_place.h"
 
 namespace devsql {
 namespace {
@@ -86,7 +86,7 @@ void RequirePure(const ast::Statement& statement) {
                 }
             },
             [](const ast::QueryPtr& s) {
-                if (!IsAssignment(*s)) {
+                if (!ast::IsAssignment(*s)) {
                     RaiseError(444, {}, 2);
                 }
             },
@@ -121,21 +121,21 @@ void RequireFunctionBody(const ast::StatementList& body) {
 
 void DropTable(SessionCore& session, const ast::Name& name, bool if_exists) {
     if (IsSessionTable(name.last())) {
-        const TablePtr table = session.FindTemporary(name.last());
+        const TablePtr table = session.temporaries().Find(name.last());
         if (!table) {
             if (if_exists) {
                 return;
             }
             RaiseError(3701, {"drop", "table", name.text()}, 5);
         }
-        session.Write("temp", [&] {
-            session.connection.Execute("DROP TABLE " + table->Qualified());
-            session.DropTemporary(name.last());
+        session.transactions().Write("temp", [&] {
+            session.connection().Execute("DROP TABLE " + table->Qualified());
+            session.temporaries().Remove(name.last());
         });
         return;
     }
     const ObjectPlace place = PlaceOf(session, name);
-    Catalogue& catalogue = session.Database(place.database);
+    Catalogue& catalogue = session.databases().Get(place.database);
     const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
     const TablePtr table = catalogue.LoadTable(object->id);
     for (const ForeignKeyDef& key : table->referencing) {
@@ -143,8 +143,8 @@ void DropTable(SessionCore& session, const ast::Name& name, bool if_exists) {
             RaiseError(3726, {name.text()});
         }
     }
-    session.Write(catalogue.alias(), [&] {
-        session.connection.Execute("DROP TABLE " + table->Qualified());
+    session.transactions().Write(catalogue.alias(), [&] {
+        session.connection().Execute("DROP TABLE " + table->Qualified());
         catalogue.RemoveObject(table->id);
     });
 }
@@ -155,7 +155,7 @@ void DropObject(SessionCore& session, const KindInfo& info, const ast::Name& nam
         return;
     }
     const ObjectPlace place = PlaceOf(session, name);
-    Catalogue& catalogue = session.Database(place.database);
+    Catalogue& catalogue = session.databases().Get(place.database);
     const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
     if (!object || !IsTableOrModule(object->type)) {
         if (if_exists) {
@@ -175,11 +175,11 @@ void DropObject(SessionCore& session, const KindInfo& info, const ast::Name& nam
         DropTable(session, name, if_exists);
         return;
     }
-    session.Write(catalogue.alias(), [&] { catalogue.RemoveObject(object->id); });
+    session.transactions().Write(catalogue.alias(), [&] { catalogue.RemoveObject(object->id); });
 }
 
 void DropType(SessionCore& session, const ast::Name& name, bool if_exists) {
-    Catalogue& catalogue = session.CurrentDatabase();
+    Catalogue& catalogue = session.databases().Current();
     const std::optional<UserTypeDef> type = catalogue.FindType("", name.last());
     if (!type) {
         if (if_exists) {
@@ -193,7 +193,7 @@ void DropType(SessionCore& session, const ast::Name& name, bool if_exists) {
     if (used.BindText(1, type->schema + "." + type->name).Step()) {
         RaiseError(3732, {name.text(), used.Text(0)});
     }
-    session.Write(catalogue.alias(), [&] { catalogue.RemoveType(type->schema, type->name); });
+    session.transactions().Write(catalogue.alias(), [&] { catalogue.RemoveType(type->schema, type->name); });
 }
 
 } // namespace
@@ -210,8 +210,8 @@ void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& cre
         RequireFunctionBody(create.body);
     }
     const ObjectPlace place = PlaceOf(session, create.name);
-    Catalogue& catalogue = session.CurrentDatabase();
-    session.Write(catalogue.alias(), [&] {
+    Catalogue& catalogue = session.databases().Current();
+    session.transactions().Write(catalogue.alias(), [&] {
         std::optional<ObjectDef> existing = catalogue.FindObject(place.schema, place.name);
         const bool alter = create.alter || (create.or_alter && existing);
         if (existing && !alter) {
@@ -226,8 +226,8 @@ void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& cre
         object.name = existing ? existing->name : place.name;
         object.type = info.type;
         object.text = create.text;
-        object.quoted_identifier = session.options.quoted_identifier;
-        object.ansi_nulls = session.options.ansi_nulls;
+        object.quoted_identifier = session.options().quoted_identifier;
+        object.ansi_nulls = session.options().ansi_nulls;
         object.encrypted = create.encrypted;
         const std::vector<Column> columns =
             create.kind == ast::ObjectKind::View ? DescribeView(session, create) : std::vector<Column>();
@@ -243,7 +243,7 @@ void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& cre
             catalogue.SetParameters(object.id, parameters);
         }
     });
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 void RunDrop(SessionCore& session, const ast::DropStatement& drop) {
@@ -276,11 +276,11 @@ void RunDrop(SessionCore& session, const ast::DropStatement& drop) {
         }
         }
     }
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 void RunCreateType(SessionCore& session, const ast::CreateTypeStatement& create) {
-    Catalogue& catalogue = session.CurrentDatabase();
+    Catalogue& catalogue = session.databases().Current();
     UserTypeDef type;
     type.schema = create.name.parts.size() > 1 ? create.name.parts[0] : "dbo";
     type.name = create.name.last();
@@ -291,8 +291,8 @@ void RunCreateType(SessionCore& session, const ast::CreateTypeStatement& create)
     Emission emission(session);
     type.type = Binder(session, emission).ResolveType(create.base, 1, nullptr, &base_nullable);
     type.nullable = create.nullable.value_or(base_nullable);
-    session.Write(catalogue.alias(), [&] { catalogue.AddType(type); });
-    session.Done(Command::None, std::nullopt);
+    session.transactions().Write(catalogue.alias(), [&] { catalogue.AddType(type); });
+    session.results().Done(Command::None, std::nullopt);
 }
 
 } // namespace devsql

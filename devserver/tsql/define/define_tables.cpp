@@ -6,6 +6,7 @@
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/object_place.h"
 
 namespace devsql {
 namespace {
@@ -53,9 +54,9 @@ void Build(TableBuilder& builder, const ast::TableDefinition& definition) {
 }
 
 void StoreTemporary(SessionCore& session, const TableDef& table) {
-    session.connection.Execute(CreateTableText(table));
+    session.connection().Execute(CreateTableText(table));
     for (const IndexDef& index : table.indexes) {
-        session.connection.Execute(CreateIndexText(table, index));
+        session.connection().Execute(CreateIndexText(table, index));
     }
 }
 
@@ -76,7 +77,7 @@ void StoreTable(Catalogue& catalogue, const TableBuilder& builder, TableDef tabl
 
 TableDef NewTemporary(SessionCore& session, const std::string& name) {
     TableDef table;
-    table.id = session.NextTemporaryId();
+    table.id = session.temporaries().NextId();
     table.alias = "temp";
     table.schema = "dbo";
     table.name = name;
@@ -330,19 +331,19 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
 void RunCreateTable(SessionCore& session, const ast::CreateTableStatement& create) {
     const std::string& name = create.table.last();
     if (IsSessionTable(name)) {
-        if (session.HasOwnTemporary(name)) {
+        if (session.temporaries().HasOwn(name)) {
             RaiseError(2714, {name}, 6);
         }
-        session.Write("temp", [&] {
+        session.transactions().Write("temp", [&] {
             TableBuilder builder(session, nullptr, NewTemporary(session, name));
             Build(builder, create.definition);
             StoreTemporary(session, builder.table());
-            session.AddTemporary(builder.table());
+            session.temporaries().Add(builder.table());
         });
     } else {
         const ObjectPlace place = PlaceOf(session, create.table);
-        Catalogue& catalogue = session.Database(place.database);
-        session.Write(catalogue.alias(), [&] {
+        Catalogue& catalogue = session.databases().Get(place.database);
+        session.transactions().Write(catalogue.alias(), [&] {
             if (catalogue.FindObject(place.schema, place.name)) {
                 RaiseError(2714, {place.name}, 6);
             }
@@ -359,10 +360,10 @@ void RunCreateTable(SessionCore& session, const ast::CreateTableStatement& creat
             StoreTable(catalogue, builder, builder.table());
         });
         if (IsGlobalTable(name)) {
-            session.OwnGlobalTable(name);
+            session.temporaries().OwnGlobal(name);
         }
     }
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 void RequireSchema(Catalogue& catalogue, const std::string& schema) {
@@ -398,12 +399,12 @@ void RequireFreeNames(Catalogue& catalogue, TableBuilder& builder) {
 void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vector<Column>& columns) {
     const bool temporary = IsSessionTable(name.last());
     const ObjectPlace place = PlaceOf(session, name);
-    Catalogue* catalogue = temporary ? nullptr : &session.Database(place.database);
+    Catalogue* catalogue = temporary ? nullptr : &session.databases().Get(place.database);
     TableDef table = temporary ? NewTemporary(session, name.last()) : TableDef{};
-    if (temporary && session.HasOwnTemporary(name.last())) {
+    if (temporary && session.temporaries().HasOwn(name.last())) {
         RaiseError(2714, {name.last()}, 6);
     }
-    session.Write(temporary ? "temp" : catalogue->alias(), [&] {
+    session.transactions().Write(temporary ? "temp" : catalogue->alias(), [&] {
         if (!temporary) {
             if (catalogue->FindObject(place.schema, place.name)) {
                 RaiseError(2714, {place.name}, 6);
@@ -430,13 +431,13 @@ void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vect
         }
         if (temporary) {
             StoreTemporary(session, table);
-            session.AddTemporary(table);
+            session.temporaries().Add(table);
         } else {
             catalogue->AddTable(table);
         }
     });
     if (IsGlobalTable(table.name)) {
-        session.OwnGlobalTable(table.name);
+        session.temporaries().OwnGlobal(table.name);
     }
 }
 
@@ -444,7 +445,7 @@ void DeclareTable(SessionCore& session, const std::string& name, const ast::Tabl
     TableBuilder builder(session, nullptr, NewTemporary(session, name));
     Build(builder, definition);
     StoreTemporary(session, builder.table());
-    session.frame().tables[ToUpper(name)] = std::make_shared<const TableDef>(builder.table());
+    session.calls().frame().tables[ToUpper(name)] = std::make_shared<const TableDef>(builder.table());
 }
 
 } // namespace devsql

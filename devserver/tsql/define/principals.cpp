@@ -5,7 +5,8 @@
 
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/object_place.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
 namespace {
@@ -23,8 +24,8 @@ std::optional<Principal> FindPrincipal(Catalogue& catalogue, std::string_view na
 }
 
 void AddPrincipal(SessionCore& session, const std::string& name, const std::string& login, bool role) {
-    Catalogue& catalogue = session.CurrentDatabase();
-    session.Write(catalogue.alias(), [&] {
+    Catalogue& catalogue = session.databases().Current();
+    session.transactions().Write(catalogue.alias(), [&] {
         if (FindPrincipal(catalogue, name)) {
             RaiseError(15023, {name});
         }
@@ -71,26 +72,26 @@ constexpr std::array<std::string_view, 24> kPermissions = {"ALL",
 
 void AddLogin(SessionCore& session, const std::string& name, const std::string& password,
               const std::string& database) {
-    if (FindLogin(session.connection, name)) {
+    if (FindLogin(session.connection(), name)) {
         RaiseError(15025, {name});
     }
     if (name.find('\\') != std::string::npos) {
         RaiseError(15006, {name});
     }
-    if (!database.empty() && !FindDatabase(session.connection, database)) {
+    if (!database.empty() && !FindDatabase(session.connection(), database)) {
         RaiseError(15010, {database});
     }
-    session.Write("main", [&] {
-        SaveLogin(session.connection,
+    session.transactions().Write("main", [&] {
+        SaveLogin(session.connection(),
                   {name, HashPassword(password), database.empty() ? "master" : database, false});
     });
 }
 
 void AddUser(SessionCore& session, const std::string& login, const std::string& name) {
-    if (!AsciiEqual(login, "guest") && !FindLogin(session.connection, login)) {
+    if (!AsciiEqual(login, "guest") && !FindLogin(session.connection(), login)) {
         RaiseError(15007, {login});
     }
-    Catalogue& catalogue = session.CurrentDatabase();
+    Catalogue& catalogue = session.databases().Current();
     SqliteStatement known =
         catalogue.Prepare("SELECT name FROM {db}.devsql_users WHERE login = ?1 AND id > 4");
     if (known.BindText(1, login).Step()) {
@@ -104,7 +105,7 @@ void AddRole(SessionCore& session, const std::string& name) {
 }
 
 void SetRoleMember(SessionCore& session, const std::string& role, const std::string& member, bool add) {
-    Catalogue& catalogue = session.CurrentDatabase();
+    Catalogue& catalogue = session.databases().Current();
     const std::optional<Principal> group = FindPrincipal(catalogue, role);
     if (!group || !group->role) {
         RaiseError(15014, {role});
@@ -116,7 +117,7 @@ void SetRoleMember(SessionCore& session, const std::string& role, const std::str
     if (!user) {
         RaiseError(15410, {member});
     }
-    session.Write(catalogue.alias(), [&] {
+    session.transactions().Write(catalogue.alias(), [&] {
         catalogue
             .Prepare(add ? "INSERT OR IGNORE INTO {db}.devsql_members VALUES(?1, ?2)"
                          : "DELETE FROM {db}.devsql_members WHERE role = ?1 AND member = ?2")
@@ -142,8 +143,8 @@ void RunCreatePrincipal(SessionCore& session, const ast::CreatePrincipalStatemen
         AddRole(session, create.name);
         break;
     default: {
-        Catalogue& catalogue = session.CurrentDatabase();
-        session.Write(catalogue.alias(), [&] {
+        Catalogue& catalogue = session.databases().Current();
+        session.transactions().Write(catalogue.alias(), [&] {
             SqliteStatement known = catalogue.Prepare("SELECT 1 FROM {db}.devsql_schemas WHERE name = ?1");
             if (known.BindText(1, create.name).Step()) {
                 RaiseError(2714, {create.name}, 6);
@@ -155,32 +156,32 @@ void RunCreatePrincipal(SessionCore& session, const ast::CreatePrincipalStatemen
         });
     }
     }
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string& name, bool if_exists) {
     if (kind == ast::ObjectKind::Login) {
-        if (!FindLogin(session.connection, name)) {
+        if (!FindLogin(session.connection(), name)) {
             if (if_exists) {
                 return;
             }
             RaiseError(15151, {"drop", "login", name});
         }
-        session.Write("main", [&] { RemoveLogin(session.connection, name); });
+        session.transactions().Write("main", [&] { RemoveLogin(session.connection(), name); });
         return;
     }
-    Catalogue& catalogue = session.CurrentDatabase();
+    Catalogue& catalogue = session.databases().Current();
     if (kind == ast::ObjectKind::Schema) {
         SqliteStatement used = catalogue.Prepare("SELECT name FROM {db}.devsql_objects WHERE schema = ?1");
         if (used.BindText(1, name).Step()) {
             RaiseError(3729, {"drop schema", name, used.Text(0)});
         }
         used.Reset();
-        session.Write(catalogue.alias(), [&] {
+        session.transactions().Write(catalogue.alias(), [&] {
             catalogue.Prepare("DELETE FROM {db}.devsql_schemas WHERE name = ?1 AND name <> 'dbo'")
                 .BindText(1, name)
                 .Run();
-            if (session.connection.Changes() == 0 && !if_exists) {
+            if (session.connection().Changes() == 0 && !if_exists) {
                 RaiseError(15151, {"drop", "schema", name});
             }
         });
@@ -197,7 +198,7 @@ void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string
     if (principal->id <= 4 || (principal->id >= 16384 && principal->id < 16400)) {
         RaiseError(15150, {role ? "role" : "user", name});
     }
-    session.Write(catalogue.alias(), [&] {
+    session.transactions().Write(catalogue.alias(), [&] {
         SqliteStatement members = catalogue.Prepare("SELECT 1 FROM {db}.devsql_members WHERE role = ?1");
         if (members.BindInt(1, principal->id).Step()) {
             RaiseError(15144);
@@ -213,11 +214,11 @@ void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string
 
 void RunAlterRole(SessionCore& session, const ast::AlterRoleStatement& alter) {
     SetRoleMember(session, alter.role, alter.member, alter.add);
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 void RunGrant(SessionCore& session, const ast::GrantStatement& grant) {
-    Catalogue& catalogue = session.CurrentDatabase();
+    Catalogue& catalogue = session.databases().Current();
     std::int64_t object = 0;
     if (!grant.object.empty()) {
         const ObjectPlace place = PlaceOf(session, grant.object);
@@ -232,7 +233,7 @@ void RunGrant(SessionCore& session, const ast::GrantStatement& grant) {
             RaiseError(102, {permission});
         }
     }
-    session.Write(catalogue.alias(), [&] {
+    session.transactions().Write(catalogue.alias(), [&] {
         for (const std::string& grantee : grant.grantees) {
             const std::optional<Principal> principal = FindPrincipal(catalogue, grantee);
             if (!principal) {
@@ -258,7 +259,7 @@ void RunGrant(SessionCore& session, const ast::GrantStatement& grant) {
             }
         }
     });
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 } // namespace devsql

@@ -5,9 +5,9 @@
 #include <charconv>
 #include <random>
 
+#include "devserver/engine/cancelled.h"
+#include "devserver/tsql/scalar/errors.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
-#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 namespace {
@@ -51,11 +51,11 @@ void RemoteAnswer::RequireSuccess() const {
 
 bool RemoteServers::Means(const ast::Name& name) const {
     return name.parts.size() == kServerParts && !name.parts[0].empty() &&
-           Folded(name.parts[0]) != Folded(session_.server.ServerName());
+           Folded(name.parts[0]) != Folded(owner_.server_name());
 }
 
 LinkedServer RemoteServers::Find(const std::string& name) const {
-    std::optional<LinkedServer> server = FindServer(session_.connection, name);
+    std::optional<LinkedServer> server = FindServer(owner_.connection(), name);
     if (!server || server->id == 0) {
         RaiseError(7202, {name}, 2);
     }
@@ -69,8 +69,7 @@ std::string RemoteServers::Key(const std::string& name) {
 RemoteSource RemoteServers::SourceOf(const LinkedServer& server) const {
     constexpr unsigned kConnectSeconds = 15;
     constexpr unsigned kQuerySeconds = 600;
-    LinkedLogins logins(session_.connection, session_.server.LinkedKeyFile());
-    const std::optional<LinkedLogin> login = logins.Find(server.id, session_.login);
+    const std::optional<LinkedLogin> login = owner_.Logins().Find(server.id, owner_.login());
     if (!login) {
         RaiseError(7416, {}, 2);
     }
@@ -78,8 +77,8 @@ RemoteSource RemoteServers::SourceOf(const LinkedServer& server) const {
     source.address = server.source;
     source.provider_string = server.Option("provider string");
     source.catalog = server.Option("catalog");
-    source.user = login->own ? session_.login : login->remote_user;
-    source.password = login->own ? session_.password : login->password;
+    source.user = login->own ? owner_.login() : login->remote_user;
+    source.password = login->own ? owner_.password() : login->password;
     source.application = UniqueApplication();
     source.connect_seconds = Seconds(server, "connect timeout", kConnectSeconds);
     source.query_seconds = Seconds(server, "query timeout", kQuerySeconds);
@@ -91,7 +90,7 @@ RemoteServers::Link& RemoteServers::Connect(const LinkedServer& server) {
     if (const auto found = links_.find(key); found != links_.end()) {
         return found->second;
     }
-    const RemoteConnector& connect = session_.server.options().connect_remote;
+    const RemoteConnector& connect = owner_.connector();
     if (!connect) {
         RaiseError(7403, {server.provider}, 2);
     }
@@ -102,18 +101,14 @@ RemoteServers::Link& RemoteServers::Connect(const LinkedServer& server) {
     } catch (const RemoteFailure& failure) {
         Raise(server, failure);
     }
-    for (const DatabaseUsers::SessionInfo& session : session_.server.users().Sessions()) {
-        link.loopback = link.loopback || session.application == source.application;
-    }
+    link.loopback = owner_.HasSession(source.application);
     return links_.emplace(key, std::move(link)).first->second;
 }
 
 void RemoteServers::Raise(const LinkedServer& server, const RemoteFailure& failure) {
-    if (session_.cancelled) {
-        throw Cancelled{};
-    }
+    owner_.CheckCancelled();
     const auto tell = [&](const std::string& text) {
-        session_.Info(7412, {server.provider, server.name, text});
+        owner_.Inform(7412, {server.provider, server.name, text});
     };
     switch (failure.kind()) {
     case RemoteFailure::Kind::Refused:
@@ -140,7 +135,7 @@ void RemoteServers::RunOn(Link& link, const LinkedServer& server, const std::str
         const std::lock_guard lock(mutex_);
         running_ = connection;
     };
-    session_.CheckCancelled();
+    owner_.CheckCancelled();
     set_running(link.connection.get());
     try {
         link.connection->Run(sql, sink);
@@ -148,7 +143,9 @@ void RemoteServers::RunOn(Link& link, const LinkedServer& server, const std::str
         set_running(nullptr);
         if (failure.kind() == RemoteFailure::Kind::Lost) {
             // What it had changed there in the transaction is gone.
-            session_.doomed = session_.doomed || link.in_transaction;
+            if (link.in_transaction) {
+                owner_.DoomTransaction();
+            }
             links_.erase(Key(server.name));
         }
         Raise(server, failure);
@@ -174,13 +171,13 @@ std::int64_t RemoteServers::Execute(const LinkedServer& server, const std::strin
 
 void RemoteServers::Join(const LinkedServer& server) {
     Link& link = Connect(server);
-    if (session_.transaction_count() == 0 || link.in_transaction) {
+    if (!owner_.InTransaction() || link.in_transaction) {
         return;
     }
     if (link.loopback) {
         RaiseError(3910, {}, 2);
     }
-    if (session_.has_savepoints()) {
+    if (owner_.HasSavepoints()) {
         RaiseError(3933);
     }
     Execute(server, "BEGIN TRANSACTION");
@@ -193,7 +190,7 @@ void RemoteServers::NoticeEnd(Link& link, const LinkedServer& server) {
     RunOn(link, server, "SELECT @@TRANCOUNT", answer);
     if (answer.rows.size() == 1 && answer.rows[0][0] == Value(std::int64_t{0})) {
         links_.at(Key(server.name)).in_transaction = false;
-        session_.doomed = true;
+        owner_.DoomTransaction();
     }
 }
 
@@ -218,7 +215,9 @@ void RemoteServers::Change(const LinkedServer& server, const std::function<void(
         throw;
     } catch (...) {
         Forget(server.name);
-        session_.doomed = session_.doomed || shared;
+        if (shared) {
+            owner_.DoomTransaction();
+        }
         throw;
     }
     if (!shared) {

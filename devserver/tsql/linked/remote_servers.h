@@ -3,11 +3,13 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "devserver/linked/remote.h"
@@ -16,7 +18,33 @@
 
 namespace devsql {
 
-class SessionCore;
+/// What the connections ask of the session that they belong to.
+class RemoteServersOwner {
+  public:
+    virtual ~RemoteServersOwner() = default;
+
+    /// Its main file is master.
+    virtual SqliteConnection& connection() = 0;
+    virtual const std::string& server_name() const = 0;
+    /// As the client logged in.
+    virtual const std::string& login() const = 0;
+    virtual const std::string& password() const = 0;
+    /// Empty where other servers can't be reached.
+    virtual const RemoteConnector& connector() const = 0;
+    virtual LinkedLogins Logins() = 0;
+    /// True if a client with that application name is connected to this server.
+    virtual bool HasSession(const std::string& application) = 0;
+    /// The id of the next temporary table.
+    virtual std::int64_t NextTableId() = 0;
+    virtual void CheckCancelled() const = 0;
+    /// Sends a message of the message table to the client.
+    virtual void Inform(std::int32_t number, std::initializer_list<std::string_view> arguments) = 0;
+
+    virtual bool InTransaction() const = 0;
+    virtual bool HasSavepoints() const = 0;
+    /// Makes the session's transaction unfit for anything but a rollback.
+    virtual void DoomTransaction() = 0;
+};
 
 /// Keeps what a batch gave: its rows, the rows it touched, its first error.
 class RemoteAnswer : public RemoteSink {
@@ -36,7 +64,9 @@ class RemoteAnswer : public RemoteSink {
 
 class RemoteServers {
   public:
-    explicit RemoteServers(SessionCore& session) : session_(session) {}
+    explicit RemoteServers(RemoteServersOwner& owner) : owner_(owner) {}
+
+    RemoteServersOwner& owner() { return owner_; }
 
     /// True for a name of four parts whose first is another server than this one.
     bool Means(const ast::Name& name) const;
@@ -80,7 +110,7 @@ class RemoteServers {
     [[noreturn]] void Raise(const LinkedServer& server, const RemoteFailure& failure);
     void NoticeEnd(Link& link, const LinkedServer& server);
 
-    SessionCore& session_;
+    RemoteServersOwner& owner_;
     std::map<std::string, Link> links_;
     std::mutex mutex_;
     RemoteConnection* running_ = nullptr;

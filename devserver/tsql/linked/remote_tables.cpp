@@ -6,8 +6,8 @@
 #include "devserver/tsql/linked/remote_servers.h"
 #include "devserver/tsql/linked/remote_values.h"
 #include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/errors.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 namespace {
@@ -24,15 +24,15 @@ std::int64_t Number(const Value& value) {
 /// Puts the rows into the temporary table.
 class FillSink : public RemoteAnswer {
   public:
-    FillSink(SessionCore& session, const TableDef& table) : session_(session), table_(table) {
+    FillSink(RemoteServersOwner& owner, const TableDef& table) : owner_(owner), table_(table) {
         std::string text = "INSERT INTO " + table.Qualified() + " VALUES(";
         for (std::size_t i = 0; i < table.columns.size(); ++i) {
             text += (i == 0 ? "?" : ", ?") + std::to_string(i + 1);
         }
-        insert_.emplace(session.connection.Prepare(text + ")"));
+        insert_.emplace(owner.connection().Prepare(text + ")"));
     }
     void Row(const std::vector<Value>& values) override {
-        session_.CheckCancelled();
+        owner_.CheckCancelled();
         for (std::size_t i = 0; i < table_.columns.size(); ++i) {
             const Type& type = table_.columns[i].type;
             insert_->Bind(static_cast<int>(i + 1), CarriedValue(values[i], type), type);
@@ -42,7 +42,7 @@ class FillSink : public RemoteAnswer {
     }
 
   private:
-    SessionCore& session_;
+    RemoteServersOwner& owner_;
     const TableDef& table_;
     std::optional<SqliteStatement> insert_;
 };
@@ -75,8 +75,8 @@ void AddNew(const std::string& statement, std::set<std::string>& seen, std::vect
 
 } // namespace
 
-RemoteTable::RemoteTable(SessionCore& session, const ast::Name& name)
-    : session_(session), name_(name), server_(session.remote().Find(name.parts[0])) {
+RemoteTable::RemoteTable(RemoteServers& servers, const ast::Name& name)
+    : servers_(servers), name_(name), server_(servers.Find(name.parts[0])) {
     if (!server_.Is("data access")) {
         RaiseError(7411, {server_.name, "DATA ACCESS"});
     }
@@ -84,7 +84,7 @@ RemoteTable::RemoteTable(SessionCore& session, const ast::Name& name)
     qualified_ = Prefix() + (schema.empty() ? std::string() : BracketName(schema)) +
                  (schema.empty() && Prefix().empty() ? "" : ".") + BracketName(name.last());
     auto table = std::make_shared<TableDef>();
-    table->id = session_.NextTemporaryId();
+    table->id = servers_.owner().NextTableId();
     table->alias = "temp";
     table->schema = "dbo";
     table->name = name.last();
@@ -99,7 +99,7 @@ RemoteTable::~RemoteTable() {
         return;
     }
     try {
-        session_.connection.Execute("DROP TABLE IF EXISTS " + table_->Qualified());
+        servers_.owner().connection().Execute("DROP TABLE IF EXISTS " + table_->Qualified());
     } catch (const StorageError&) {
         // It goes with the session at the latest.
     }
@@ -112,7 +112,7 @@ std::string RemoteTable::Prefix() const {
 
 void RemoteTable::LoadColumns(TableDef& table) {
     RemoteAnswer answer;
-    session_.remote().Run(
+    servers_.Run(
         server_,
         "SELECT " + CarriedExpression("c.name", Sized(TypeId::NVarChar, 128)) +
             ", CONVERT(int, c.xtype), CONVERT(int, c.length), CONVERT(int, c.xprec), CONVERT(int, c.xscale), "
@@ -140,7 +140,7 @@ void RemoteTable::DescribeColumns(TableDef& table) {
     constexpr std::int32_t kNoObject = 208;
     constexpr std::int32_t kNoDatabase = 911;
     RemoteAnswer answer;
-    session_.remote().Run(server_, "SELECT * FROM " + qualified_ + " WHERE 1 = 0", answer);
+    servers_.Run(server_, "SELECT * FROM " + qualified_ + " WHERE 1 = 0", answer);
     if (answer.error && answer.error->number != kNoObject && answer.error->number != kNoDatabase) {
         answer.RequireSuccess();
     }
@@ -166,16 +166,16 @@ void RemoteTable::DescribeColumns(TableDef& table) {
 /// The primary key's columns, else those of another unique index, else all that can be compared.
 void RemoteTable::LoadKey(const TableDef& table) {
     RemoteAnswer answer;
-    session_.remote().Run(
-        server_,
-        "SELECT CONVERT(int, k.indid), " + CarriedExpression("c.name", Sized(TypeId::NVarChar, 128)) +
-            " FROM " + Prefix() + "dbo.sysindexes i INNER JOIN " + Prefix() +
-            "dbo.sysindexkeys k ON k.id = i.id AND k.indid = i.indid INNER JOIN " + Prefix() +
-            "dbo.syscolumns c ON c.id = k.id AND c.colid = k.colid WHERE i.id = OBJECT_ID(" +
-            RemoteText(qualified_) +
-            ") AND i.status & 2 = 2 ORDER BY CASE WHEN i.status & 2048 = 2048 THEN 0 ELSE 1 "
-            "END, k.indid, k.keyno",
-        answer);
+    servers_.Run(server_,
+                 "SELECT CONVERT(int, k.indid), " +
+                     CarriedExpression("c.name", Sized(TypeId::NVarChar, 128)) + " FROM " + Prefix() +
+                     "dbo.sysindexes i INNER JOIN " + Prefix() +
+                     "dbo.sysindexkeys k ON k.id = i.id AND k.indid = i.indid INNER JOIN " + Prefix() +
+                     "dbo.syscolumns c ON c.id = k.id AND c.colid = k.colid WHERE i.id = OBJECT_ID(" +
+                     RemoteText(qualified_) +
+                     ") AND i.status & 2 = 2 ORDER BY CASE WHEN i.status & 2048 = 2048 THEN 0 ELSE 1 "
+                     "END, k.indid, k.keyno",
+                 answer);
     for (const std::vector<Value>& row : answer.rows) {
         const std::string name = std::get<std::string>(CarriedValue(row[1], Sized(TypeId::NVarChar, 128)));
         const ColumnDef* column = table.Find(name);
@@ -199,13 +199,13 @@ void RemoteTable::Fill() {
         sql += (&column == &table_->columns.front() ? "" : ", ") +
                CarriedExpression(BracketName(column.name), column.type);
     }
-    SqliteConnection& connection = session_.connection;
+    SqliteConnection& connection = servers_.owner().connection();
     connection.Execute(CreateTableText(*table_));
     made_ = true;
     connection.Execute("SAVEPOINT remote_rows");
     try {
-        FillSink sink(session_, *table_);
-        session_.remote().Run(server_, sql + " FROM " + qualified_, sink);
+        FillSink sink(servers_.owner(), *table_);
+        servers_.Run(server_, sql + " FROM " + qualified_, sink);
         sink.RequireSuccess();
     } catch (...) {
         connection.Execute("ROLLBACK TO remote_rows; RELEASE remote_rows");
@@ -241,7 +241,7 @@ void RemoteTable::Send(const std::vector<std::string>& statements) {
     if (statements.empty()) {
         return;
     }
-    RemoteServers& remote = session_.remote();
+    RemoteServers& remote = servers_;
     remote.Change(server_, [&] {
         std::string batch;
         for (const std::string& statement : statements) {

@@ -13,12 +13,12 @@
 
 namespace devsql {
 
-class SessionCore;
+class RemoteServers;
 
 class RemoteTable {
   public:
     /// Asks the other server for the columns. Raises 7202, 7314, 7411 and what RemoteServers raises.
-    RemoteTable(SessionCore& session, const ast::Name& name);
+    RemoteTable(RemoteServers& servers, const ast::Name& name);
     ~RemoteTable();
     RemoteTable(const RemoteTable&) = delete;
     RemoteTable& operator=(const RemoteTable&) = delete;
@@ -45,7 +45,7 @@ class RemoteTable {
     std::string Condition(const std::vector<Value>& row) const;
     void Send(const std::vector<std::string>& statements);
 
-    SessionCore& session_;
+    RemoteServers& servers_;
     ast::Name name_;
     LinkedServer server_;
     std::string qualified_; ///< the table's name at the other server

@@ -2,6 +2,8 @@
 // functions, every source file that touches a node would compile the destructors of all of them.
 #include "devserver/tsql/parse/ast.h"
 
+#include <algorithm>
+
 namespace devsql::ast {
 
 Expr::Expr() = default;
@@ -28,5 +30,19 @@ Statement::Statement() = default;
 Statement::Statement(Statement&&) noexcept = default;
 Statement& Statement::operator=(Statement&&) noexcept = default;
 Statement::~Statement() = default;
+
+const SelectCore& FirstCore(const Query& query) {
+    const QueryTerm* term = query.body.get();
+    while (const auto* operation = std::get_if<SetOperation>(&term->node)) {
+        term = operation->left.get();
+    }
+    return std::get<SelectCore>(term->node);
+}
+
+bool IsAssignment(const Query& query) {
+    const auto* core = std::get_if<SelectCore>(&query.body->node);
+    return core != nullptr &&
+           std::ranges::any_of(core->items, [](const SelectItem& item) { return !item.variable.empty(); });
+}
 
 } // namespace devsql::ast

@@ -254,4 +254,9 @@ struct Query {
     std::int32_t line = 1;
 };
 
+/// The first SELECT of a query, which gives the columns their names and may hold an INTO.
+const SelectCore& FirstCore(const Query& query);
+/// SELECT @v = ...
+bool IsAssignment(const Query& query);
+
 } // namespace devsql::ast

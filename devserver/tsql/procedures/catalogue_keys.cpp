@@ -14,7 +14,7 @@ constexpr Type kInt = Simple(TypeId::Int);
 
 /// The tables whose name and owner match the parameters' patterns, by owner and name.
 std::vector<TablePtr> TablesLike(SystemCall& call, std::string_view name, std::string_view owner) {
-    Catalogue& catalogue = call.session().CurrentDatabase();
+    Catalogue& catalogue = call.session().databases().Current();
     std::vector<std::int64_t> found;
     {
         SqliteStatement row = catalogue.Prepare(
@@ -31,7 +31,7 @@ std::vector<TablePtr> TablesLike(SystemCall& call, std::string_view name, std::s
     std::vector<TablePtr> tables;
     tables.reserve(found.size());
     for (const std::int64_t id : found) {
-        tables.push_back(call.session().Table(catalogue, id));
+        tables.push_back(call.session().databases().Table(catalogue, id));
     }
     return tables;
 }
@@ -43,7 +43,7 @@ const IndexDef* PrimaryKeyOf(const TableDef& table) {
 }
 
 std::int32_t PrimaryKeys(SystemCall& call) {
-    const std::string database = call.session().CurrentDatabaseName();
+    const std::string database = call.session().databases().CurrentName();
     ProcedureTable rows(call.session(), {{"TABLE_QUALIFIER", kSysName, true, false},
                                          {"TABLE_OWNER", kSysName, true, false},
                                          {"TABLE_NAME", kSysName, false, false},
@@ -88,8 +88,8 @@ std::int32_t ForeignKeys(SystemCall& call) {
         RaiseError(15252);
     }
     SessionCore& session = call.session();
-    Catalogue& catalogue = session.CurrentDatabase();
-    const std::string database = session.CurrentDatabaseName();
+    Catalogue& catalogue = session.databases().Current();
+    const std::string database = session.databases().CurrentName();
     ProcedureTable rows(session, {{"PKTABLE_QUALIFIER", kSysName, true, false},
                                   {"PKTABLE_OWNER", kSysName, true, false},
                                   {"PKTABLE_NAME", kSysName, false, false},
@@ -107,7 +107,7 @@ std::int32_t ForeignKeys(SystemCall& call) {
     constexpr std::int64_t kNotDeferrable = 7;
     for (const TablePtr& table : TablesLike(call, "@fktable_name", "@fktable_owner")) {
         for (const ForeignKeyDef& key : table->foreign_keys) {
-            const TablePtr parent = session.Table(catalogue, key.referenced);
+            const TablePtr parent = session.databases().Table(catalogue, key.referenced);
             if (!Fits(call, "@pktable_name", parent->name) || !Fits(call, "@pktable_owner", parent->schema)) {
                 continue;
             }
@@ -128,7 +128,7 @@ std::int32_t ForeignKeys(SystemCall& call) {
 // ------------------------------------------------------------------ indexes, row identifiers
 
 std::int64_t RowsOf(SessionCore& session, const TableDef& table) {
-    SqliteStatement row = session.connection.Prepare("SELECT count(*) FROM " + table.Qualified());
+    SqliteStatement row = session.connection().Prepare("SELECT count(*) FROM " + table.Qualified());
     row.Step();
     return row.Int(0);
 }
@@ -147,7 +147,7 @@ void IndexRows(ProcedureTable& rows, const std::string& database, const TableDef
 
 std::int32_t Statistics(SystemCall& call) {
     SessionCore& session = call.session();
-    const std::string database = session.CurrentDatabaseName();
+    const std::string database = session.databases().CurrentName();
     ProcedureTable rows(session, {{"TABLE_QUALIFIER", kSysName, true, false},
                                   {"TABLE_OWNER", kSysName, true, false},
                                   {"TABLE_NAME", kSysName, false, false},

@@ -12,7 +12,7 @@
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/like.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
 namespace {
@@ -231,7 +231,7 @@ struct ListedObject {
 
 std::vector<ListedObject> Matching(SystemCall& call, std::string_view types, const std::string& name,
                                    const std::string& owner) {
-    SqliteStatement row = call.session().CurrentDatabase().Prepare(
+    SqliteStatement row = call.session().databases().Current().Prepare(
         "SELECT id, schema, name FROM {db}.devsql_objects WHERE type IN (" + std::string(types) +
         ") ORDER BY schema, name");
     std::vector<ListedObject> list;
@@ -267,10 +267,10 @@ std::int32_t Columns(SystemCall& call) {
                                    {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
     for (const ListedObject& object :
          Matching(call, "'U', 'V'", Pattern(call, "@table_name"), Pattern(call, "@table_owner"))) {
-        SqliteStatement row =
-            session.CurrentDatabase().Prepare("SELECT name, type, length, precision, scale, nullable, "
-                                              "identity, default_text, user_type FROM {db}.devsql_columns "
-                                              "WHERE object = ?1 ORDER BY position");
+        SqliteStatement row = session.databases().Current().Prepare(
+            "SELECT name, type, length, precision, scale, nullable, "
+            "identity, default_text, user_type FROM {db}.devsql_columns "
+            "WHERE object = ?1 ORDER BY position");
         row.BindInt(1, object.id);
         std::int64_t ordinal = 0;
         while (row.Step()) {
@@ -282,7 +282,7 @@ std::int32_t Columns(SystemCall& call) {
                             static_cast<std::uint8_t>(row.Int(3)), static_cast<std::uint8_t>(row.Int(4))};
             const bool nullable = row.Int(5) != 0;
             const TypeFacts facts = FactsOf(type, row.Text(8), nullable, row.Int(6) != 0);
-            table.Row({session.CurrentDatabaseName(), object.schema, object.name, row.Text(0),
+            table.Row({session.databases().CurrentName(), object.schema, object.name, row.Text(0),
                        facts.data_type, facts.name, facts.precision, facts.length, facts.scale, facts.radix,
                        std::int64_t{nullable}, Value(), TextOrNull(row.Text(7)), facts.sql_data_type,
                        facts.datetime_sub, facts.octets, ordinal, std::string(nullable ? "YES" : "NO"),
@@ -305,7 +305,7 @@ std::int32_t StoredProcedures(SystemCall& call) {
                                    {"PROCEDURE_TYPE", kSmallInt, false, false}});
     for (const ListedObject& object :
          Matching(call, "'P'", Pattern(call, "@sp_name"), Pattern(call, "@sp_owner"))) {
-        table.Row({session.CurrentDatabaseName(), object.schema, object.name + ";1", std::int64_t{-1},
+        table.Row({session.databases().CurrentName(), object.schema, object.name + ";1", std::int64_t{-1},
                    std::int64_t{-1}, std::int64_t{-1}, Value(), std::int64_t{2}});
     }
     table.End();
@@ -338,7 +338,7 @@ std::int32_t ProcedureColumns(SystemCall& call) {
                          const Type& type, const std::string& user_type, bool nullable,
                          std::int64_t ordinal) {
         const TypeFacts facts = FactsOf(type, user_type, true, false);
-        table.Row({session.CurrentDatabaseName(),
+        table.Row({session.databases().CurrentName(),
                    object.schema,
                    object.name + ";1",
                    name,
@@ -368,7 +368,7 @@ std::int32_t ProcedureColumns(SystemCall& call) {
             row(object, "@RETURN_VALUE", kReturnValue, kInt, "", false, 0);
         }
         std::int64_t ordinal = 0;
-        for (const ParameterDef& parameter : session.CurrentDatabase().Parameters(object.id)) {
+        for (const ParameterDef& parameter : session.databases().Current().Parameters(object.id)) {
             ++ordinal;
             if (LikeName(parameter.name, Pattern(call, "@column_name"))) {
                 row(object, parameter.name, parameter.output ? kInputOutput : kInput, parameter.type,

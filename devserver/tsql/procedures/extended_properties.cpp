@@ -58,7 +58,7 @@ Owner OwnerOf(SystemCall& call) {
     if (!AsciiEqual(level0, "SCHEMA") && !AsciiEqual(level0, "USER")) {
         RaiseError(40517, {"extended property of a " + level0});
     }
-    Catalogue& catalogue = call.session().CurrentDatabase();
+    Catalogue& catalogue = call.session().databases().Current();
     owner.name = schema;
     if (call.IsNull("@level1type")) {
         owner.kind = 3;
@@ -83,7 +83,7 @@ Owner OwnerOf(SystemCall& call) {
         owner.major = constraint ? constraint->id : 0;
     } else if ((AsciiEqual(level2, "COLUMN") || AsciiEqual(level2, "INDEX")) && object->type == "U") {
         owner.kind = AsciiEqual(level2, "INDEX") ? 7 : 1;
-        owner.minor = MinorOf(*call.session().Table(catalogue, object->id), level2, part);
+        owner.minor = MinorOf(*call.session().databases().Table(catalogue, object->id), level2, part);
     } else {
         RaiseError(40517, {"extended property of a " + level2});
     }
@@ -104,13 +104,13 @@ std::int32_t ChangeProperty(SystemCall& call, Change change) {
     const std::string key = std::string(kPrefix) + "[" + std::to_string(owner.kind) + "," +
                             std::to_string(owner.major) + "," + std::to_string(owner.minor) + "," +
                             JsonText(name) + "]";
-    Catalogue& catalogue = call.session().CurrentDatabase();
+    Catalogue& catalogue = call.session().databases().Current();
     const bool known =
         catalogue.Prepare("SELECT 1 FROM {db}.devsql_settings WHERE name = ?1").BindText(1, key).Step();
     if (known == (change == Change::Add)) {
         RaiseError(known ? 15233 : 15217, {name, owner.name});
     }
-    call.session().Write(catalogue.alias(), [&] {
+    call.session().transactions().Write(catalogue.alias(), [&] {
         catalogue.Prepare("DELETE FROM {db}.devsql_settings WHERE name = ?1").BindText(1, key).Run();
         if (change != Change::Drop) {
             catalogue.Prepare("INSERT INTO {db}.devsql_settings(name, value) VALUES(?1, ?2)")

@@ -10,7 +10,8 @@
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/object_place.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
 namespace {
@@ -67,9 +68,9 @@ std::vector<Column> FileColumns() {
 std::int32_t HelpDb(SystemCall& call) {
     SessionCore& session = call.session();
     const std::string name = call.Text("@dbname");
-    std::vector<DatabaseInfo> list = ListDatabases(session.connection);
+    std::vector<DatabaseInfo> list = ListDatabases(session.connection());
     if (!name.empty()) {
-        const std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+        const std::optional<DatabaseInfo> info = FindDatabase(session.connection(), name);
         if (!info) {
             RaiseError(15010, {name});
         }
@@ -99,7 +100,7 @@ std::int32_t HelpDb(SystemCall& call) {
 
 std::int32_t HelpFile(SystemCall& call) {
     SessionCore& session = call.session();
-    const DatabaseInfo info = *FindDatabase(session.connection, session.CurrentDatabaseName());
+    const DatabaseInfo info = *FindDatabase(session.connection(), session.databases().CurrentName());
     ProcedureTable table(session, FileColumns());
     if (call.IsNull("@filename")) {
         FileRows(table, info);
@@ -120,17 +121,17 @@ std::int32_t HelpFile(SystemCall& call) {
 /// The sessions that sp_who's argument means: a login's, one by its number, 'active' ones, or all.
 std::vector<DatabaseUsers::SessionInfo> SessionsMeant(SystemCall& call) {
     SessionCore& session = call.session();
-    std::vector<DatabaseUsers::SessionInfo> list = session.server.users().Sessions();
+    std::vector<DatabaseUsers::SessionInfo> list = session.server().users().Sessions();
     const std::string wanted = call.Text("@loginame");
     if (wanted.empty()) {
         return list;
     }
     if (CompareText(wanted, "active") == 0) { // A session that waits for its client is not.
-        std::erase_if(list, [&](const DatabaseUsers::SessionInfo& info) { return info.id != session.id; });
+        std::erase_if(list, [&](const DatabaseUsers::SessionInfo& info) { return info.id != session.id(); });
         return list;
     }
     const bool number = std::ranges::all_of(wanted, [](char c) { return c >= '0' && c <= '9'; });
-    if (!number && !FindLogin(session.connection, wanted)) {
+    if (!number && !FindLogin(session.connection(), wanted)) {
         RaiseError(15007, {wanted});
     }
     std::erase_if(list, [&](const DatabaseUsers::SessionInfo& info) {
@@ -140,7 +141,7 @@ std::vector<DatabaseUsers::SessionInfo> SessionsMeant(SystemCall& call) {
 }
 
 std::string DatabaseOf(SessionCore& session, const DatabaseUsers::SessionInfo& info) {
-    const std::optional<DatabaseInfo> database = FindDatabase(session.connection, info.database);
+    const std::optional<DatabaseInfo> database = FindDatabase(session.connection(), info.database);
     return database ? database->name : "master";
 }
 
@@ -156,7 +157,7 @@ std::int32_t Who(SystemCall& call) {
                                    {"dbname", kSysName, true, false},
                                    {"cmd", Sized(TypeId::NChar, 16), true, false}});
     for (const DatabaseUsers::SessionInfo& info : list) {
-        const bool own = info.id == session.id;
+        const bool own = info.id == session.id();
         table.Row({std::int64_t{info.id}, std::int64_t{0}, std::string(own ? "runnable" : "sleeping"),
                    info.login, info.host, std::string("0"), DatabaseOf(session, info),
                    std::string(own ? "SELECT" : "AWAITING COMMAND")});
@@ -177,7 +178,7 @@ std::int32_t Who2(SystemCall& call) {
                                    {"Command", Sized(TypeId::NVarChar, 16), true, false},
                                    {"ProgramName", kSysName, true, false}});
     for (const DatabaseUsers::SessionInfo& info : list) {
-        const bool own = info.id == session.id;
+        const bool own = info.id == session.id();
         table.Row({std::to_string(info.id), std::string(own ? "RUNNABLE" : "sleeping"), info.login, info.host,
                    std::string("  ."), DatabaseOf(session, info),
                    std::string(own ? "SELECT" : "AWAITING COMMAND"), info.application});
@@ -189,12 +190,13 @@ std::int32_t Who2(SystemCall& call) {
 std::int32_t CompatibilityLevel(SystemCall& call) {
     constexpr std::int64_t kLevels[] = {80, 90, 100, 110, 120, 130, 140};
     SessionCore& session = call.session();
-    const std::string name = call.IsNull("@dbname") ? session.CurrentDatabaseName() : call.Text("@dbname");
-    if (!FindDatabase(session.connection, name)) {
+    const std::string name =
+        call.IsNull("@dbname") ? session.databases().CurrentName() : call.Text("@dbname");
+    if (!FindDatabase(session.connection(), name)) {
         RaiseError(15010, {name});
     }
     if (call.IsNull("@new_cmptlevel")) {
-        session.Info(15054, {"140"});
+        session.results().Info(15054, {"140"});
     } else if (std::ranges::find(kLevels, call.Int("@new_cmptlevel")) == std::end(kLevels)) {
         RaiseError(15048, {"80, 90, 100, 110, 120, 130, 140"});
     }
@@ -210,9 +212,9 @@ ObjectDef NamedObject(SystemCall& call) {
     const ast::Name parsed = ParseName(name);
     const ObjectPlace place = parsed.empty() ? ObjectPlace{} : PlaceOf(session, parsed);
     const std::optional<ObjectDef> object =
-        parsed.empty() ? std::nullopt : session.CurrentDatabase().FindObject(place.schema, place.name);
+        parsed.empty() ? std::nullopt : session.databases().Current().FindObject(place.schema, place.name);
     if (!object) {
-        RaiseError(15009, {name, session.CurrentDatabaseName()});
+        RaiseError(15009, {name, session.databases().CurrentName()});
     }
     return *object;
 }
@@ -275,7 +277,7 @@ std::int32_t Accept(SystemCall&) {
 }
 
 std::int32_t Refuse(SystemCall& call) {
-    RaiseError(40510, {call.session().frame().procedure});
+    RaiseError(40510, {call.session().calls().frame().procedure});
 }
 
 constexpr SystemProcedure kProcedures[] = {

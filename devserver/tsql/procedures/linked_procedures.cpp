@@ -7,7 +7,7 @@
 #include "devserver/storage/linked_servers.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
 namespace {
@@ -20,19 +20,19 @@ constexpr std::array<std::string_view, 6> kProviders = {"SQLOLEDB",  "SQLNCLI", 
                                                         "SQLNCLI11", "MSOLEDBSQL", "MSDASQL"};
 
 void RequireNoTransaction(SystemCall& call, std::string_view procedure) {
-    if (call.session().transaction_count() > 0) {
+    if (call.session().transactions().count() > 0) {
         RaiseError(15002, {procedure});
     }
 }
 
 LinkedLogins Logins(SystemCall& call) {
-    return {call.session().connection, call.session().server.LinkedKeyFile()};
+    return call.session().remote().owner().Logins();
 }
 
 /// Raises 15015.
 LinkedServer Require(SystemCall& call, std::string_view parameter) {
     const std::string name = call.Text(parameter);
-    std::optional<LinkedServer> server = FindServer(call.session().connection, name);
+    std::optional<LinkedServer> server = FindServer(call.session().connection(), name);
     if (!server) {
         RaiseError(15015, {name});
     }
@@ -41,7 +41,7 @@ LinkedServer Require(SystemCall& call, std::string_view parameter) {
 
 /// Writes to master, and lets go of what this session has open by the old settings.
 void Change(SystemCall& call, const std::string& server, const std::function<void()>& work) {
-    call.session().Write("main", work);
+    call.session().transactions().Write("main", work);
     call.session().remote().Forget(server);
 }
 
@@ -94,7 +94,7 @@ std::int32_t AddLinkedServer(SystemCall& call) {
                              [&](std::string_view p) { return AsciiEqual(p, server.provider); })) {
         RaiseError(7403, {server.provider});
     }
-    if (FindServer(call.session().connection, server.name)) {
+    if (FindServer(call.session().connection(), server.name)) {
         RaiseError(15028, {server.name});
     }
     if (server.source.empty()) {
@@ -111,7 +111,7 @@ std::int32_t AddLinkedServer(SystemCall& call) {
     server.options["use remote collation"] = "true";
     std::erase_if(server.options, [](const auto& option) { return option.second.empty(); });
     Change(call, server.name, [&] {
-        SqliteConnection& connection = call.session().connection;
+        SqliteConnection& connection = call.session().connection();
         SaveServer(connection, server);
         // Until something else is said, everybody logs in there as here.
         Logins(call).Save(FindServer(connection, server.name)->id, {});
@@ -135,7 +135,7 @@ std::int32_t DropServer(SystemCall& call) {
     if (mapped && with_logins.empty()) {
         RaiseError(15190, {server.name});
     }
-    Change(call, server.name, [&] { RemoveServer(call.session().connection, server.id); });
+    Change(call, server.name, [&] { RemoveServer(call.session().connection(), server.id); });
     return 0;
 }
 
@@ -149,7 +149,7 @@ std::int32_t AddLinkedLogin(SystemCall& call) {
         RaiseError(15600, {"sp_addlinkedsrvlogin"});
     }
     login.own = own != "FALSE";
-    if (!login.local.empty() && !FindLogin(call.session().connection, login.local)) {
+    if (!login.local.empty() && !FindLogin(call.session().connection(), login.local)) {
         RaiseError(15007, {login.local});
     }
     if (!login.own) {
@@ -164,7 +164,7 @@ std::int32_t DropLinkedLogin(SystemCall& call) {
     RequireNoTransaction(call, "sp_droplinkedsrvlogin");
     const LinkedServer server = Require(call, "@rmtsrvname");
     const std::string local = call.Text("@locallogin");
-    if (!local.empty() && !FindLogin(call.session().connection, local)) {
+    if (!local.empty() && !FindLogin(call.session().connection(), local)) {
         RaiseError(15007, {local});
     }
     bool removed = false;
@@ -210,7 +210,7 @@ std::int32_t ServerOption(SystemCall& call) {
     } else {
         RaiseError(15600, {"sp_serveroption"});
     }
-    Change(call, server.name, [&] { SaveServer(call.session().connection, server); });
+    Change(call, server.name, [&] { SaveServer(call.session().connection(), server); });
     return 0;
 }
 
@@ -244,25 +244,25 @@ std::int32_t HelpLinkedLogin(SystemCall& call) {
     const std::string server_name = call.Text("@rmtsrvname");
     const std::string local = call.Text("@locallogin");
     constexpr Type kName = Sized(TypeId::NVarChar, 128);
-    session.sink().Columns({{"Linked Server", kName, true, false},
-                            {"Local Login", kName, true, false},
-                            {"Is Self Mapping", Simple(TypeId::SmallInt), true, false},
-                            {"Remote Login", kName, true, false}});
+    session.results().sink().Columns({{"Linked Server", kName, true, false},
+                                      {"Local Login", kName, true, false},
+                                      {"Is Self Mapping", Simple(TypeId::SmallInt), true, false},
+                                      {"Remote Login", kName, true, false}});
     std::int64_t rows = 0;
     const auto or_null = [](const std::string& text) { return text.empty() ? Value() : Value(text); };
-    for (const LinkedServer& server : ListServers(session.connection)) {
+    for (const LinkedServer& server : ListServers(session.connection())) {
         if (!server_name.empty() && Folded(server.name) != Folded(server_name)) {
             continue;
         }
         for (const LinkedLogin& login : Logins(call).List(server.id)) {
             if (local.empty() || Folded(login.local) == Folded(local)) {
-                session.sink().Row(
+                session.results().sink().Row(
                     {server.name, or_null(login.local), std::int64_t{login.own}, or_null(login.remote_user)});
                 ++rows;
             }
         }
     }
-    session.Done(Command::Select, rows);
+    session.results().Done(Command::Select, rows);
     return 0;
 }
 

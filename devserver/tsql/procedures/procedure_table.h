@@ -13,13 +13,13 @@ namespace devsql {
 class ProcedureTable {
   public:
     ProcedureTable(SessionCore& session, const std::vector<Column>& columns) : session_(session) {
-        session.sink().Columns(columns);
+        session.results().sink().Columns(columns);
     }
     void Row(const std::vector<Value>& values) {
-        session_.sink().Row(values);
+        session_.results().sink().Row(values);
         ++rows_;
     }
-    void End() { session_.Done(Command::Select, rows_); }
+    void End() { session_.results().Done(Command::Select, rows_); }
 
   private:
     SessionCore& session_;

@@ -1,5 +1,3 @@
-// The system procedures: looking one up, and those on databases, objects, principals and dynamic SQL.
-// Those that only read the catalogue for drivers are in catalogue_procedures.cpp.
 #include "devserver/tsql/procedures/system_procedures.h"
 
 #include <algorithm>
@@ -8,52 +6,14 @@
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/procedures/catalogue_procedures.h"
-#include "devserver/tsql/procedures/linked_procedures.h"
 #include "devserver/tsql/procedures/procedure_table.h"
-#include "devserver/tsql/replication/replication_procedures.h"
-#include "devserver/tsql/run/statements.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/object_place.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
-
-const Variable& SystemCall::Find(std::string_view name) const {
-    return frame_.variables.find(ToUpper(name))->second;
-}
-
-bool SystemCall::IsNull(std::string_view name) const {
-    return devsql::IsNull(Find(name).value);
-}
-
-std::string SystemCall::Text(std::string_view name) const {
-    const Variable& variable = Find(name);
-    return devsql::IsNull(variable.value) ? std::string() : ValueText(variable.value, variable.type);
-}
-
-std::int64_t SystemCall::Int(std::string_view name, std::int64_t otherwise) const {
-    const Variable& variable = Find(name);
-    return devsql::IsNull(variable.value)
-               ? otherwise
-               : std::get<std::int64_t>(Convert(variable.value, variable.type, Simple(TypeId::BigInt)));
-}
-
-void SystemCall::Set(std::string_view name, Value value) {
-    frame_.variables.find(ToUpper(name))->second.value = std::move(value);
-}
-
-void SystemCall::Run(std::string_view sql, const std::vector<std::string>& values) {
-    Frame frame;
-    frame.database = session().CurrentDatabaseName();
-    frame.procedure = session().frame().procedure;
-    int number = 1;
-    for (const std::string& value : values) {
-        frame.variables["@P" + std::to_string(number++)] = {Sized(TypeId::NVarChar, kMaxLength), value};
-    }
-    interpreter_.RunText(sql, frame);
-}
 
 namespace {
 
@@ -89,12 +49,13 @@ std::int32_t RunParameterized(SystemCall& call, const std::string& text, const s
         call.actual().begin() + static_cast<std::ptrdiff_t>(std::min(first_value, call.actual().size())),
         call.actual().end());
     Frame frame;
-    frame.database = session.frame().database == session.SessionDatabase() ? "" : session.frame().database;
+    frame.database =
+        session.calls().frame().database == session.databases().own() ? "" : session.calls().frame().database;
     const std::vector<std::size_t> positions = BindArguments(session, "sp_executesql", formal, values, frame);
-    const std::string database = session.SessionDatabase();
+    const std::string database = session.databases().own();
     call.interpreter().RunText(text, frame);
-    if (session.SessionDatabase() != database) {
-        session.Use(database);
+    if (session.databases().own() != database) {
+        session.databases().Use(database);
     }
     call.outputs.resize(std::min(first_value, call.actual().size()));
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -103,7 +64,7 @@ std::int32_t RunParameterized(SystemCall& call, const std::string& text, const s
                                    ? std::optional(frame.variables[ToUpper(parameter.name)])
                                    : std::nullopt);
     }
-    return session.last_error;
+    return session.status().last_error;
 }
 
 std::int32_t ExecuteSql(SystemCall& call) {
@@ -124,7 +85,7 @@ std::int32_t Prepare(SystemCall& call) {
     if (actual.size() < 3) {
         RaiseError(201, {"sp_prepare", "@stmt"}, 4);
     }
-    const std::int32_t handle = call.session().AddPrepared(TextOf(actual[1]), TextOf(actual[2]));
+    const std::int32_t handle = call.session().prepared().Add({TextOf(actual[1]), TextOf(actual[2])});
     call.outputs.emplace_back(Variable{Simple(TypeId::Int), std::int64_t{handle}});
     return 0;
 }
@@ -135,7 +96,7 @@ std::int32_t ExecutePrepared(SystemCall& call) {
         actual.empty() || IsNull(actual[0].value)
             ? 0
             : std::get<std::int64_t>(Convert(actual[0].value, actual[0].type, Simple(TypeId::BigInt)));
-    const auto* prepared = call.session().FindPrepared(static_cast<std::int32_t>(handle));
+    const auto* prepared = call.session().prepared().Find(static_cast<std::int32_t>(handle));
     if (prepared == nullptr) {
         RaiseError(8179, {std::to_string(handle)}, 2);
     }
@@ -148,14 +109,14 @@ std::int32_t PrepareAndExecute(SystemCall& call) {
     if (actual.size() < 3) {
         RaiseError(201, {"sp_prepexec", "@stmt"}, 4);
     }
-    const std::int32_t handle = call.session().AddPrepared(TextOf(actual[1]), TextOf(actual[2]));
+    const std::int32_t handle = call.session().prepared().Add({TextOf(actual[1]), TextOf(actual[2])});
     const std::int32_t status = RunParameterized(call, TextOf(actual[2]), TextOf(actual[1]), 3);
     call.outputs[0] = Variable{Simple(TypeId::Int), std::int64_t{handle}};
     return status;
 }
 
 std::int32_t Unprepare(SystemCall& call) {
-    call.session().RemovePrepared(static_cast<std::int32_t>(call.Int("@handle")));
+    call.session().prepared().Remove(static_cast<std::int32_t>(call.Int("@handle")));
     return 0;
 }
 
@@ -236,11 +197,11 @@ std::int32_t DbOptionProcedure(SystemCall& call) {
         ListOptions(session, "Settable database options:", nullptr);
         return 0;
     }
-    if (!FindDatabase(session.connection, database)) {
+    if (!FindDatabase(session.connection(), database)) {
         RaiseError(15010, {database});
     }
     if (call.IsNull("@optname")) {
-        const DatabaseInfo info = *FindDatabase(session.connection, database);
+        const DatabaseInfo info = *FindDatabase(session.connection(), database);
         ListOptions(session, "The following options are set:", &info);
         return 0;
     }
@@ -250,7 +211,7 @@ std::int32_t DbOptionProcedure(SystemCall& call) {
     if (found == kDbOptions.end()) {
         RaiseError(40517, {"sp_dboption '" + name + "'"});
     }
-    const DatabaseInfo info = *FindDatabase(session.connection, database);
+    const DatabaseInfo info = *FindDatabase(session.connection(), database);
     if (call.IsNull("@optvalue")) {
         const bool on = IsOn(info, *found);
         call.Run("SELECT @p1 AS OptionName, CASE @p2 WHEN N'1' THEN 'ON' ELSE 'OFF' END AS CurrentSetting",
@@ -314,7 +275,7 @@ std::int32_t Rename(SystemCall& call) {
     const std::string kind = AsciiUpper(call.Text("@objtype"));
     ast::Name name = ParseName(old_text);
     if (name.empty()) {
-        RaiseError(15225, {old_text, session.CurrentDatabaseName(), kind.empty() ? "(null)" : kind});
+        RaiseError(15225, {old_text, session.databases().CurrentName(), kind.empty() ? "(null)" : kind});
     }
     if (kind == "DATABASE") {
         ast::AlterDatabaseStatement alter;
@@ -324,7 +285,7 @@ std::int32_t Rename(SystemCall& call) {
         RunAlterDatabase(session, alter);
         return 0;
     }
-    Catalogue& catalogue = session.CurrentDatabase();
+    Catalogue& catalogue = session.databases().Current();
     std::string part;
     if (kind == "COLUMN" || kind == "INDEX") {
         part = name.last();
@@ -336,9 +297,9 @@ std::int32_t Rename(SystemCall& call) {
                                             name.last());
     if (!object) {
         RaiseError(part.empty() ? 15225 : 15248,
-                   {part.empty() ? old_text : kind, session.CurrentDatabaseName(), "(null)"});
+                   {part.empty() ? old_text : kind, session.databases().CurrentName(), "(null)"});
     }
-    session.Write(catalogue.alias(), [&] {
+    session.transactions().Write(catalogue.alias(), [&] {
         if (part.empty()) {
             if (catalogue.FindObject(object->schema, new_name)) {
                 RaiseError(15335, {new_name, "OBJECT"});
@@ -352,8 +313,8 @@ std::int32_t Rename(SystemCall& call) {
             if (column == nullptr) {
                 RaiseError(15248, {"COLUMN"});
             }
-            session.connection.Execute("ALTER TABLE " + table->Qualified() + " RENAME COLUMN " +
-                                       QuoteName(column->name) + " TO " + QuoteName(new_name));
+            session.connection().Execute("ALTER TABLE " + table->Qualified() + " RENAME COLUMN " +
+                                         QuoteName(column->name) + " TO " + QuoteName(new_name));
             ColumnDef renamed = *column;
             renamed.name = new_name;
             catalogue.UpdateColumn(table->id, renamed);
@@ -372,7 +333,7 @@ std::int32_t Rename(SystemCall& call) {
             .Run();
         catalogue.Touch();
     });
-    session.Info(15477, {});
+    session.results().Info(15477, {});
     return 0;
 }
 
@@ -382,28 +343,28 @@ std::int32_t HelpText(SystemCall& call) {
     const std::string text = call.Text("@objname");
     const ast::Name name = ParseName(text);
     if (name.empty()) {
-        RaiseError(15009, {text, session.CurrentDatabaseName()});
+        RaiseError(15009, {text, session.databases().CurrentName()});
     }
     const ObjectPlace place = PlaceOf(session, name);
-    if (CompareText(place.database, session.CurrentDatabaseName()) != 0) {
+    if (CompareText(place.database, session.databases().CurrentName()) != 0) {
         RaiseError(15250);
     }
-    Catalogue& catalogue = session.CurrentDatabase();
+    Catalogue& catalogue = session.databases().Current();
     std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
     if (!object && ToLower(place.name).starts_with("sp_")) {
-        object = session.Database("master").FindObject("dbo", place.name);
+        object = session.databases().Get("master").FindObject("dbo", place.name);
     }
     if (!object) {
-        RaiseError(15009, {text, session.CurrentDatabaseName()});
+        RaiseError(15009, {text, session.databases().CurrentName()});
     }
     if (object->text.empty()) {
         RaiseError(15197, {text});
     }
     if (object->encrypted) {
-        session.Info(15471, {text});
+        session.results().Info(15471, {text});
         return 0;
     }
-    session.sink().Columns({{"Text", Sized(TypeId::NVarChar, 255), true, false}});
+    session.results().sink().Columns({{"Text", Sized(TypeId::NVarChar, 255), true, false}});
     std::size_t begin = 0;
     std::int64_t rows = 0;
     while (begin < object->text.size()) {
@@ -412,13 +373,13 @@ std::int32_t HelpText(SystemCall& call) {
         std::string rest = object->text.substr(begin, end - begin);
         while (!rest.empty()) {
             const std::string piece = SubText(rest, 0, 255);
-            session.sink().Row({piece});
+            session.results().sink().Row({piece});
             rest.erase(0, piece.size());
             ++rows;
         }
         begin = end;
     }
-    session.Done(Command::Select, rows);
+    session.results().Done(Command::Select, rows);
     return 0;
 }
 
@@ -431,7 +392,7 @@ std::int32_t AddLoginProcedure(SystemCall& call) {
 
 std::int32_t DropLoginProcedure(SystemCall& call) {
     const std::string name = call.Text("@loginame");
-    if (!FindLogin(call.session().connection, name)) {
+    if (!FindLogin(call.session().connection(), name)) {
         RaiseError(15007, {name});
     }
     DropPrincipal(call.session(), ast::ObjectKind::Login, name, false);
@@ -439,8 +400,9 @@ std::int32_t DropLoginProcedure(SystemCall& call) {
 }
 
 std::int32_t Password(SystemCall& call) {
-    const std::string name = call.IsNull("@loginame") ? call.session().login : call.Text("@loginame");
-    std::optional<LoginInfo> login = FindLogin(call.session().connection, name);
+    const std::string name =
+        call.IsNull("@loginame") ? call.session().client().login : call.Text("@loginame");
+    std::optional<LoginInfo> login = FindLogin(call.session().connection(), name);
     if (!login) {
         RaiseError(15007, {name});
     }
@@ -448,20 +410,20 @@ std::int32_t Password(SystemCall& call) {
         RaiseError(40517, {"sp_password for a login of the logins file"});
     }
     login->password_hash = HashPassword(call.Text("@new"));
-    call.session().Write("main", [&] { SaveLogin(call.session().connection, *login); });
+    call.session().transactions().Write("main", [&] { SaveLogin(call.session().connection(), *login); });
     return 0;
 }
 
 std::int32_t DefaultDb(SystemCall& call) {
-    std::optional<LoginInfo> login = FindLogin(call.session().connection, call.Text("@loginame"));
+    std::optional<LoginInfo> login = FindLogin(call.session().connection(), call.Text("@loginame"));
     if (!login) {
         RaiseError(15007, {call.Text("@loginame")});
     }
-    if (!FindDatabase(call.session().connection, call.Text("@defdb"))) {
+    if (!FindDatabase(call.session().connection(), call.Text("@defdb"))) {
         RaiseError(15010, {call.Text("@defdb")});
     }
     login->database = call.Text("@defdb");
-    call.session().Write("main", [&] { SaveLogin(call.session().connection, *login); });
+    call.session().transactions().Write("main", [&] { SaveLogin(call.session().connection(), *login); });
     return 0;
 }
 
@@ -496,24 +458,24 @@ std::int32_t DropRoleMember(SystemCall& call) {
 }
 
 std::int32_t AddServerRoleMember(SystemCall& call) {
-    std::optional<LoginInfo> login = FindLogin(call.session().connection, call.Text("@loginame"));
+    std::optional<LoginInfo> login = FindLogin(call.session().connection(), call.Text("@loginame"));
     if (!login) {
         RaiseError(15007, {call.Text("@loginame")});
     }
     login->administrator = login->administrator || AsciiEqual(call.Text("@rolename"), "sysadmin");
-    call.session().Write("main", [&] { SaveLogin(call.session().connection, *login); });
+    call.session().transactions().Write("main", [&] { SaveLogin(call.session().connection(), *login); });
     return 0;
 }
 
 std::int32_t ChangeDbOwner(SystemCall& call) {
     std::optional<DatabaseInfo> info =
-        FindDatabase(call.session().connection, call.session().CurrentDatabaseName());
+        FindDatabase(call.session().connection(), call.session().databases().CurrentName());
     const std::string login = call.Text("@loginame");
-    if (!FindLogin(call.session().connection, login)) {
+    if (!FindLogin(call.session().connection(), login)) {
         RaiseError(15007, {login});
     }
     info->owner = login;
-    UpdateDatabase(call.session().connection, *info);
+    UpdateDatabase(call.session().connection(), *info);
     return 0;
 }
 
@@ -574,18 +536,8 @@ constexpr SystemProcedure kProcedures[] = {
 
 } // namespace
 
-const SystemProcedure* FindSystemProcedure(std::string_view name) {
-    for (const std::span<const SystemProcedure> list :
-         {std::span<const SystemProcedure>(kProcedures), CatalogueProcedures(), HelpProcedures(),
-          KeyProcedures(), PropertyProcedures(), LinkedProcedures(), DistributorProcedures(),
-          PublicationProcedures()}) {
-        for (const SystemProcedure& procedure : list) {
-            if (AsciiEqual(procedure.name, name)) {
-                return &procedure;
-            }
-        }
-    }
-    return nullptr;
+std::span<const SystemProcedure> SystemProcedures() {
+    return kProcedures;
 }
 
 } // namespace devsql

@@ -1,48 +1,12 @@
-// The procedures that come with the server and are no T-SQL: a table of names, parameters and what they do.
+// The system procedures that are written in C++: those on databases, objects, principals and dynamic SQL.
 #pragma once
 
-#include <string_view>
-#include <vector>
+#include <span>
 
-#include "devserver/tsql/run/interpreter.h"
+#include "devserver/tsql/run/system_call.h"
 
 namespace devsql {
 
-/// A call of a system procedure: its parameters by name, results by the session's sink.
-class SystemCall {
-  public:
-    SystemCall(Interpreter& interpreter, Frame& frame, const std::vector<ActualArgument>& actual)
-        : interpreter_(interpreter), frame_(frame), actual_(actual) {}
-
-    SessionCore& session() { return interpreter_.session(); }
-    Interpreter& interpreter() { return interpreter_; }
-    /// The arguments as they were handed over.
-    const std::vector<ActualArgument>& actual() const { return actual_; }
-    bool IsNull(std::string_view name) const;
-    /// The parameter's text; empty for NULL.
-    std::string Text(std::string_view name) const;
-    std::int64_t Int(std::string_view name, std::int64_t otherwise = 0) const;
-    void Set(std::string_view name, Value value);
-    /// Runs T-SQL in a frame of its own; `values` are its parameters @p1, @p2, … as nvarchar.
-    void Run(std::string_view sql, const std::vector<std::string>& values = {});
-    /// Values for parameters of any number (sp_executesql): handed back to the caller by position.
-    std::vector<std::optional<Variable>> outputs;
-
-  private:
-    const Variable& Find(std::string_view name) const;
-
-    Interpreter& interpreter_;
-    Frame& frame_;
-    const std::vector<ActualArgument>& actual_;
-};
-
-struct SystemProcedure {
-    std::string_view name;
-    std::string_view parameters; ///< as CREATE PROCEDURE has them; "..." takes any arguments
-    std::int32_t (*run)(SystemCall& call);
-};
-
-/// Null for a name that is none.
-const SystemProcedure* FindSystemProcedure(std::string_view name);
+std::span<const SystemProcedure> SystemProcedures();
 
 } // namespace devsql

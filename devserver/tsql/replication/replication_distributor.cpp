@@ -8,7 +8,7 @@
 #include "devserver/tsql/replication/replication_procedures.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
 
@@ -37,11 +37,11 @@ constexpr const char* kDistributionDb = "distribution db"; ///< of a publisher's
 constexpr const char* kMadeHere = "made by replication";   ///< of a server's row that came with its role
 
 SqliteConnection& Connection(SystemCall& call) {
-    return call.session().connection;
+    return call.session().connection();
 }
 
 void Save(SystemCall& call, const LinkedServer& server) {
-    call.session().Write("main", [&] { SaveServer(Connection(call), server); });
+    call.session().transactions().Write("main", [&] { SaveServer(Connection(call), server); });
 }
 
 /// The server's row, made if there is none.
@@ -62,7 +62,7 @@ LinkedServer ServerRow(SystemCall& call, const std::string& name) {
 void DropRole(SystemCall& call, const LinkedServer& server) {
     const bool none = !server.publisher && !server.subscriber && !server.distributor;
     if (none && server.Is(kMadeHere)) {
-        call.session().Write("main", [&] { RemoveServer(Connection(call), server.id); });
+        call.session().transactions().Write("main", [&] { RemoveServer(Connection(call), server.id); });
     } else {
         Save(call, server);
     }
@@ -111,7 +111,8 @@ std::string FolderPrefix(std::string folder) {
 }
 
 void SetOption(SystemCall& call, const DatabaseInfo& info, std::string_view option, bool on) {
-    call.session().Write("main", [&] { StoreOption(Connection(call), info.id, option, on ? "ON" : "OFF"); });
+    call.session().transactions().Write(
+        "main", [&] { StoreOption(Connection(call), info.id, option, on ? "ON" : "OFF"); });
 }
 
 std::int32_t AddDistributionDb(SystemCall& call) {
@@ -202,7 +203,7 @@ std::int32_t DropDistributionDb(SystemCall& call) {
 std::int32_t DropDistributor(SystemCall& call) {
     const std::optional<LinkedServer> distributor = FindServer(Connection(call), kDistributor);
     if (!distributor) {
-        RaiseError(14114, {call.session().server.ServerName()});
+        RaiseError(14114, {call.session().server().name()});
     }
     const std::vector<std::string> databases = DistributionDatabases(call);
     if (!databases.empty() && call.Int("@no_checks") == 0) {
@@ -223,7 +224,7 @@ std::int32_t DropDistributor(SystemCall& call) {
     for (const std::string& name : databases) {
         DropDistributionDatabase(call, name);
     }
-    call.session().Write("main", [&] { RemoveServer(Connection(call), distributor->id); });
+    call.session().transactions().Write("main", [&] { RemoveServer(Connection(call), distributor->id); });
     return 0;
 }
 
@@ -245,9 +246,9 @@ std::int32_t AddSubscriber(SystemCall& call) {
     if (call.IsNull("@login")) {
         return 0;
     }
-    LinkedLogins logins(Connection(call), call.session().server.LinkedKeyFile());
+    LinkedLogins logins(Connection(call), call.session().server().LinkedKeyFile());
     const int id = FindServer(Connection(call), name)->id;
-    call.session().Write("main", [&] {
+    call.session().transactions().Write("main", [&] {
         logins.Save(id, {"", false, call.Text("@login"), call.Text("@password")});
     });
     return 0;
@@ -260,7 +261,7 @@ std::int32_t DropSubscriber(SystemCall& call) {
         RaiseError(14048, {name});
     }
     if (HasSubscriptions(Connection(call), name)) {
-        RaiseError(14144, {name, call.session().CurrentDatabaseName()});
+        RaiseError(14144, {name, call.session().databases().CurrentName()});
     }
     server->subscriber = false;
     DropRole(call, *server);
@@ -296,7 +297,7 @@ std::int32_t ReplicationDbOption(SystemCall& call) {
 
 std::int32_t RemoveDbReplication(SystemCall& call) {
     const std::string name =
-        call.IsNull("@dbname") ? call.session().CurrentDatabaseName() : call.Text("@dbname");
+        call.IsNull("@dbname") ? call.session().databases().CurrentName() : call.Text("@dbname");
     const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
     if (!info) {
         RaiseError(15010, {name});

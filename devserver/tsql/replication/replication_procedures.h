@@ -4,7 +4,7 @@
 
 #include <span>
 
-#include "devserver/tsql/procedures/system_procedures.h"
+#include "devserver/tsql/run/system_call.h"
 
 namespace devsql {
 

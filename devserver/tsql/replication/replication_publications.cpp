@@ -8,7 +8,7 @@
 #include "devserver/tsql/replication/replication_procedures.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
 namespace {
@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view kAll = "all";
 
 SqliteConnection& Connection(SystemCall& call) {
-    return call.session().connection;
+    return call.session().connection();
 }
 
 bool IsAll(const std::string& text) {
@@ -26,7 +26,7 @@ bool IsAll(const std::string& text) {
 /// The current database. Raises 14013 where it is not published.
 DatabaseInfo RequirePublished(SystemCall& call) {
     const std::optional<DatabaseInfo> info =
-        FindDatabase(Connection(call), call.session().CurrentDatabaseName());
+        FindDatabase(Connection(call), call.session().databases().CurrentName());
     if (!info || !info->Option("PUBLISHED")) {
         RaiseError(14013);
     }
@@ -59,7 +59,7 @@ std::vector<Article> RequireArticles(SystemCall& call, const Publication& public
 
 /// "SERVER-Batch-batch_a": the beginning that an agent's name has.
 std::string AgentName(SystemCall& call, const std::string& database, const std::string& rest = "") {
-    return call.session().server.ServerName() + "-" + database + (rest.empty() ? "" : "-" + rest);
+    return call.session().server().name() + "-" + database + (rest.empty() ? "" : "-" + rest);
 }
 
 void DropUnusedJob(SystemCall& call, const std::string& job) {
@@ -92,7 +92,7 @@ std::int32_t AddPublicationProcedure(SystemCall& call) {
     publication.description = call.Text("@description");
     publication.snapshot = AsciiEqual(frequency, "snapshot");
     publication.active = AsciiEqual(status, "active");
-    call.session().Write("main", [&] { AddPublication(Connection(call), publication); });
+    call.session().transactions().Write("main", [&] { AddPublication(Connection(call), publication); });
     if (!publication.snapshot) {
         AddAgentJob(call, LogReaderJob(call, info.name), "REPL-LogReader");
     }
@@ -103,9 +103,10 @@ std::int32_t AddSnapshot(SystemCall& call) {
     const Publication publication = RequirePublication(call);
     const std::string given = call.Text("@snapshot_job_name");
     const std::string job =
-        given.empty() ? AgentName(call, call.session().CurrentDatabaseName(), publication.name) : given;
+        given.empty() ? AgentName(call, call.session().databases().CurrentName(), publication.name) : given;
     AddAgentJob(call, job, "REPL-Snapshot");
-    call.session().Write("main", [&] { SetSnapshotJob(Connection(call), publication.id, job); });
+    call.session().transactions().Write("main",
+                                        [&] { SetSnapshotJob(Connection(call), publication.id, job); });
     return 0;
 }
 
@@ -123,7 +124,7 @@ void RemovePublicationAndJobs(SystemCall& call, const Publication& publication, 
             jobs.insert(subscription.job);
         }
     }
-    call.session().Write("main", [&] { RemovePublication(Connection(call), publication.id); });
+    call.session().transactions().Write("main", [&] { RemovePublication(Connection(call), publication.id); });
     for (const std::string& job : jobs) {
         DropUnusedJob(call, job);
     }
@@ -155,7 +156,7 @@ std::int32_t DropPublication(SystemCall& call) {
 
 /// The table that the article publishes. Raises 14027, 14088.
 ObjectDef RequireTable(SystemCall& call, const Publication& publication) {
-    Catalogue& catalogue = call.session().CurrentDatabase();
+    Catalogue& catalogue = call.session().databases().Current();
     const std::string owner = call.Text("@source_owner");
     const std::string name =
         call.IsNull("@source_object") ? call.Text("@source_table") : call.Text("@source_object");
@@ -164,7 +165,7 @@ ObjectDef RequireTable(SystemCall& call, const Publication& publication) {
         RaiseError(14027, {name});
     }
     if (object->type == "U" && !publication.snapshot) {
-        const TablePtr table = call.session().Table(catalogue, object->id);
+        const TablePtr table = call.session().databases().Table(catalogue, object->id);
         const bool key =
             std::ranges::any_of(table->indexes, [](const IndexDef& index) { return index.primary_key; });
         if (!key) {
@@ -188,7 +189,7 @@ std::int32_t AddArticleProcedure(SystemCall& call) {
     article.object = table.id;
     article.destination = call.IsNull("@destination_table") ? table.name : call.Text("@destination_table");
     std::int64_t id = 0;
-    call.session().Write("main", [&] { id = AddArticle(Connection(call), article); });
+    call.session().transactions().Write("main", [&] { id = AddArticle(Connection(call), article); });
     call.Set("@artid", id);
     return 0;
 }
@@ -199,7 +200,7 @@ std::int32_t DropArticle(SystemCall& call) {
         if (!ListSubscriptions(Connection(call), article.id).empty()) {
             RaiseError(14046);
         }
-        call.session().Write("main", [&] { RemoveArticle(Connection(call), article.id); });
+        call.session().transactions().Write("main", [&] { RemoveArticle(Connection(call), article.id); });
     }
     return 0;
 }
@@ -217,7 +218,7 @@ std::int32_t AddSubscriptionProcedure(SystemCall& call) {
     if (!AsciiEqual(type, "push") && !AsciiEqual(type, "pull")) {
         RaiseError(20587, {"@subscription_type", "sp_addsubscription"});
     }
-    const std::string database = call.session().CurrentDatabaseName();
+    const std::string database = call.session().databases().CurrentName();
     Subscription subscription;
     subscription.server = server->name;
     subscription.database = call.IsNull("@destination_db") ? database : call.Text("@destination_db");
@@ -239,7 +240,7 @@ std::int32_t AddSubscriptionProcedure(SystemCall& call) {
             }
         }
     }
-    call.session().Write("main", [&] {
+    call.session().transactions().Write("main", [&] {
         for (const Article& article : articles) {
             subscription.article = article.id;
             AddSubscription(Connection(call), subscription);
@@ -300,7 +301,7 @@ std::int32_t DropSubscription(SystemCall& call) {
     if (dropped.empty() && !every && !IsAll(subscriber)) {
         RaiseError(14055);
     }
-    call.session().Write("main", [&] {
+    call.session().transactions().Write("main", [&] {
         for (const Subscription& subscription : dropped) {
             RemoveSubscription(Connection(call), subscription);
         }

@@ -7,7 +7,8 @@
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/check_columns.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
 namespace {
@@ -65,7 +66,7 @@ std::string RowWriter::DatabaseName() const {
         return "tempdb";
     }
     const std::string& alias = target_.catalogue->alias();
-    for (const DatabaseInfo& database : ListDatabases(session_.connection)) {
+    for (const DatabaseInfo& database : ListDatabases(session_.connection())) {
         if (alias == "db" + std::to_string(database.id)) {
             return database.name;
         }
@@ -75,19 +76,6 @@ std::string RowWriter::DatabaseName() const {
 
 std::string RowWriter::TableName() const {
     return target_.catalogue == nullptr ? table_.name : table_.schema + "." + table_.name;
-}
-
-std::string RowWriter::IdentityKey() const {
-    return table_.alias + "." + std::to_string(table_.id);
-}
-
-std::string RowWriter::RowIdName(const TableDef& table) {
-    for (const char* name : {"rowid", "_rowid_", "oid"}) {
-        if (table.Find(name) == nullptr) {
-            return name;
-        }
-    }
-    RaiseError(40517, {"columns named rowid, _rowid_ and oid in one table"});
 }
 
 BoundPtr RowWriter::BindOverRow(const std::string& text) {
@@ -161,15 +149,13 @@ void RowWriter::FillIdentity(std::size_t index, std::optional<Value>& value) {
         identity_loaded_ = true;
         if (target_.catalogue != nullptr) {
             identity_ = target_.catalogue->IdentityValue(table_.id);
-        } else if (const auto known = session_.temporary_identities.find(table_.id);
-                   known != session_.temporary_identities.end()) {
-            identity_ = known->second;
+        } else {
+            identity_ = session_.identities().Temporary(table_.id);
         }
-        if (const auto given = session_.given_identities.find(IdentityKey());
-            given != session_.given_identities.end()) {
-            const bool ahead = !identity_ || (column.increment > 0 ? given->second > *identity_
-                                                                   : given->second < *identity_);
-            identity_ = ahead ? given->second : *identity_;
+        if (const std::optional<std::int64_t> given = session_.identities().Given(table_)) {
+            const bool ahead =
+                !identity_ || (column.increment > 0 ? *given > *identity_ : *given < *identity_);
+            identity_ = ahead ? *given : *identity_;
         }
     }
     const bool scaled = IsDecimal(column.type.id);
@@ -194,7 +180,7 @@ void RowWriter::FillIdentity(std::size_t index, std::optional<Value>& value) {
     }
     identity_dirty_ = true;
     identity_given_ = number;
-    session_.given_identities[IdentityKey()] = *identity_;
+    session_.identities().SetGiven(table_, *identity_);
 }
 
 void RowWriter::Insert(std::vector<std::optional<Value>> given) {
@@ -234,7 +220,7 @@ void RowWriter::Complete(RowValues& row) {
         if (column.type.id == TypeId::Timestamp) {
             auto number = static_cast<std::uint64_t>(target_.catalogue != nullptr
                                                          ? target_.catalogue->NextTimestamp()
-                                                         : session_.server.NextTemporaryTimestamp());
+                                                         : session_.server().NextTemporaryTimestamp());
             std::string bytes(8, '\0');
             for (std::size_t byte = 8; byte-- > 0; number >>= 8) {
                 bytes[byte] = static_cast<char>(number & 0xFF);
@@ -275,8 +261,8 @@ SqliteStatement RowWriter::PrepareInsert(bool with_row_id) {
         names += ", " + RowIdName(table_);
         places += ", ?" + std::to_string(count + 1);
     }
-    return session_.connection.Prepare("INSERT INTO " + table_.Qualified() + "(" + names + ") VALUES(" +
-                                       places + ")");
+    return session_.connection().Prepare("INSERT INTO " + table_.Qualified() + "(" + names + ") VALUES(" +
+                                         places + ")");
 }
 
 void RowWriter::Store(const RowValues& row, std::optional<std::int64_t> row_id) {
@@ -353,8 +339,8 @@ void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValu
         }
     }
     // Keys may change places among the rows ("SET id = id + 1"): all old ones go before the new ones come.
-    SqliteStatement remove = session_.connection.Prepare("DELETE FROM " + table_.Qualified() + " WHERE " +
-                                                         RowIdName(table_) + " = ?1");
+    SqliteStatement remove = session_.connection().Prepare("DELETE FROM " + table_.Qualified() + " WHERE " +
+                                                           RowIdName(table_) + " = ?1");
     if (keys) {
         for (const StoredRow& row : before) {
             remove.BindInt(1, row.row_id).Run();
@@ -365,7 +351,7 @@ void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValu
         assignments +=
             (i == 0 ? "" : ", ") + QuoteName(table_.columns[i].name) + " = ?" + std::to_string(i + 2);
     }
-    SqliteStatement update = session_.connection.Prepare(
+    SqliteStatement update = session_.connection().Prepare(
         "UPDATE " + table_.Qualified() + " SET " + assignments + " WHERE " + RowIdName(table_) + " = ?1");
     for (std::size_t i = 0; i < after.size(); ++i) {
         if (keys) {
@@ -394,8 +380,8 @@ void RowWriter::Delete(const std::vector<StoredRow>& rows) {
         target_.remote->Delete(ValuesOf(rows));
         return;
     }
-    SqliteStatement remove = session_.connection.Prepare("DELETE FROM " + table_.Qualified() + " WHERE " +
-                                                         RowIdName(table_) + " = ?1");
+    SqliteStatement remove = session_.connection().Prepare("DELETE FROM " + table_.Qualified() + " WHERE " +
+                                                           RowIdName(table_) + " = ?1");
     for (const StoredRow& row : rows) {
         remove.BindInt(1, row.row_id).Run();
         if (observer_) {
@@ -431,7 +417,7 @@ void RowWriter::Finish() {
         if (target_.catalogue != nullptr) {
             target_.catalogue->SetIdentityValue(table_.id, identity_);
         } else {
-            session_.temporary_identities[table_.id] = *identity_;
+            session_.identities().SetTemporary(table_.id, identity_);
         }
     }
 }
@@ -445,10 +431,10 @@ void RowWriter::ForeignKeyError(const ForeignKeyDef& key, std::string_view kind,
 }
 
 void RowWriter::RequireParent(const ForeignKeyDef& key, const RowValues& row) {
-    const TablePtr parent = session_.Table(*target_.catalogue, key.referenced);
+    const TablePtr parent = session_.databases().Table(*target_.catalogue, key.referenced);
     SqliteStatement find =
-        session_.connection.Prepare("SELECT 1 FROM " + parent->Qualified() + " WHERE " +
-                                    KeyCondition(*parent, key.referenced_columns) + " LIMIT 1");
+        session_.connection().Prepare("SELECT 1 FROM " + parent->Qualified() + " WHERE " +
+                                      KeyCondition(*parent, key.referenced_columns) + " LIMIT 1");
     for (std::size_t i = 0; i < key.columns.size(); ++i) {
         const std::size_t index = table_.IndexOf(key.columns[i]);
         if (IsNull(row[index])) {
@@ -471,8 +457,8 @@ std::vector<StoredRow> RowWriter::Read(SessionCore& session, const TableDef& tab
     for (const ColumnDef& column : table.columns) {
         names += ", " + QuoteName(column.name);
     }
-    SqliteStatement row =
-        session.connection.Prepare("SELECT " + names + " FROM " + table.Qualified() + " WHERE " + condition);
+    SqliteStatement row = session.connection().Prepare("SELECT " + names + " FROM " + table.Qualified() +
+                                                       " WHERE " + condition);
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         row.Bind(static_cast<int>(i + 1), parameters[i].first, parameters[i].second);
     }
@@ -489,7 +475,7 @@ std::vector<StoredRow> RowWriter::Read(SessionCore& session, const TableDef& tab
 
 /// Rows that referred to a key that has gone or changed.
 void RowWriter::ReleaseChildren(const ForeignKeyDef& key, const RowValues& before, const RowValues* after) {
-    const TablePtr child = session_.Table(*target_.catalogue, key.table);
+    const TablePtr child = session_.databases().Table(*target_.catalogue, key.table);
     std::vector<std::pair<Value, Type>> parameters;
     for (std::size_t i = 0; i < key.columns.size(); ++i) {
         const std::size_t index = table_.IndexOf(key.referenced_columns[i]);
@@ -502,8 +488,8 @@ void RowWriter::ReleaseChildren(const ForeignKeyDef& key, const RowValues& befor
     }
     // The same key may still be there, in another row or in this one under another spelling.
     SqliteStatement still =
-        session_.connection.Prepare("SELECT 1 FROM " + table_.Qualified() + " WHERE " +
-                                    KeyCondition(table_, key.referenced_columns) + " LIMIT 1");
+        session_.connection().Prepare("SELECT 1 FROM " + table_.Qualified() + " WHERE " +
+                                      KeyCondition(table_, key.referenced_columns) + " LIMIT 1");
     for (std::size_t i = 0; i < key.referenced_columns.size(); ++i) {
         const std::size_t index = table_.IndexOf(key.referenced_columns[i]);
         still.Bind(static_cast<int>(i + 1), before[index], table_.columns[index].type);

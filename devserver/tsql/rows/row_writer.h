@@ -46,8 +46,6 @@ class RowWriter {
     /// Puts in what the server itself fills in: timestamps and computed columns.
     void Complete(RowValues& row);
 
-    /// SQLite's name for the row number of a table, which may have a column named "rowid".
-    static std::string RowIdName(const TableDef& table);
     /// All rows for which `condition` (over the table itself) holds.
     static std::vector<StoredRow> Read(SessionCore& session, const TableDef& table,
                                        const std::string& condition,
@@ -80,7 +78,6 @@ class RowWriter {
                                       std::string_view column) const;
     std::string DatabaseName() const;
     std::string TableName() const;
-    std::string IdentityKey() const;
 
     SessionCore& session_;
     Target target_;

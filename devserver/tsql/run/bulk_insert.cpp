@@ -61,7 +61,7 @@ void BeginBulkInsert(SessionCore& session, const ast::InsertBulkStatement& bulk)
         RaiseError(40517, {"INSERT BULK into a linked server's table"});
     }
     Positions(bulk, *target.table);
-    session.bulk = std::make_shared<const ast::InsertBulkStatement>(bulk);
+    session.status().bulk = std::make_shared<const ast::InsertBulkStatement>(bulk);
 }
 
 void RunBulkInsert(SessionCore& session, const ast::InsertBulkStatement& bulk, BulkRows& rows) {
@@ -69,7 +69,7 @@ void RunBulkInsert(SessionCore& session, const ast::InsertBulkStatement& bulk, B
     const TableDef& table = *target.table;
     const std::vector<std::size_t> positions = Positions(bulk, table);
     std::int64_t count = 0;
-    session.Write(table.alias, [&] {
+    session.transactions().Write(table.alias, [&] {
         RowWriter writer(session, target, "INSERT");
         if (!bulk.check_constraints) {
             writer.IgnoreConstraints();
@@ -91,8 +91,8 @@ void RunBulkInsert(SessionCore& session, const ast::InsertBulkStatement& bulk, B
         }
         writer.Finish();
     });
-    session.row_count = count;
-    session.Done(Command::Insert, count);
+    session.status().row_count = count;
+    session.results().Done(Command::Insert, count);
 }
 
 } // namespace devsql

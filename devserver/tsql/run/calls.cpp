@@ -4,12 +4,13 @@
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/parse/located_error.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/procedures/system_procedures.h"
 #include "devserver/tsql/run/interpreter.h"
 #include "devserver/tsql/run/statements.h"
+#include "devserver/tsql/run/system_call.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/object_place.h"
 
 namespace devsql {
 namespace {
@@ -170,16 +171,15 @@ std::vector<std::size_t> BindArguments(SessionCore& session, std::string_view pr
 // ------------------------------------------------------------------ stored procedures
 
 void Interpreter::RunBody(const ObjectDef& object, Frame& frame, const ast::CreateModuleStatement& module) {
-    const Options saved = session_.options;
-    const std::int32_t line = session_.line;
-    session_.Push(frame);
-    session_.options.quoted_identifier = object.quoted_identifier;
-    session_.options.ansi_nulls = object.ansi_nulls;
+    const Options saved = session_.options();
+    const std::int32_t line = session_.status().line;
+    session_.calls().Push(frame);
+    session_.options().quoted_identifier = object.quoted_identifier;
+    session_.options().ansi_nulls = object.ansi_nulls;
     const auto leave = [&] {
-        session_.Pop();
-        session_.options = saved;
-        session_.isolation_level = saved.isolation_level;
-        session_.line = line;
+        session_.calls().Pop();
+        session_.SetOptions(saved);
+        session_.status().line = line;
     };
     try {
         RunScope(module.body);
@@ -198,10 +198,11 @@ CallResult Interpreter::CallStored(const ObjectDef& object, Catalogue& catalogue
     frame.database = database;
     const std::vector<ParameterDef> formal = catalogue.Parameters(object.id);
     const std::vector<std::size_t> positions = BindArguments(session_, object.name, formal, arguments, frame);
-    const std::shared_ptr<const ast::CreateModuleStatement> module = session_.Module(catalogue, object);
-    const int transactions = session_.transaction_count();
+    const std::shared_ptr<const ast::CreateModuleStatement> module =
+        session_.databases().Module(catalogue, object);
+    const int transactions = session_.transactions().count();
     return_value_ = 0;
-    session_.last_error = 0;
+    session_.status().last_error = 0;
     RunBody(object, frame, *module);
     CallResult result;
     result.status = std::exchange(return_value_, 0);
@@ -210,13 +211,13 @@ CallResult Interpreter::CallStored(const ObjectDef& object, Catalogue& catalogue
         result.outputs.push_back(output ? std::optional(frame.variables[ToUpper(formal[positions[i]].name)])
                                         : std::nullopt);
     }
-    if (session_.transaction_count() != transactions) {
+    if (session_.transactions().count() != transactions) {
         // Said in the name of the procedure, whose business it was.
         const std::string counts[] = {std::to_string(transactions),
-                                      std::to_string(session_.transaction_count())};
+                                      std::to_string(session_.transactions().count())};
         const SqlError error = ErrorOf(266, {counts[0], counts[1]}, 2);
-        session_.Print({266, error.severity(), 2, error.text(), object.name, 0});
-        session_.last_error = 266;
+        session_.results().Print({266, error.severity(), 2, error.text(), object.name, 0});
+        session_.status().last_error = 266;
     }
     return result;
 }
@@ -227,14 +228,15 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
     }
     const ObjectPlace place = PlaceOf(session_, name);
     const bool placed = name.parts.size() > 2;
-    Catalogue& catalogue = session_.Database(place.database);
-    if (const std::optional<ObjectDef> object = session_.Object(catalogue, place.schema, place.name);
+    Catalogue& catalogue = session_.databases().Get(place.database);
+    if (const std::optional<ObjectDef> object =
+            session_.databases().Object(catalogue, place.schema, place.name);
         object && object->type == "P") {
-        return CallStored(*object, catalogue, placed ? place.database : session_.CurrentDatabaseName(),
+        return CallStored(*object, catalogue, placed ? place.database : session_.databases().CurrentName(),
                           arguments);
     }
-    if (const SystemProcedure* system = FindSystemProcedure(place.name)) {
-        const std::string database = placed ? place.database : session_.CurrentDatabaseName();
+    if (const SystemProcedure* system = find_system_procedure_(place.name)) {
+        const std::string database = placed ? place.database : session_.databases().CurrentName();
         Frame frame;
         frame.procedure = system->name;
         frame.database = database;
@@ -244,19 +246,19 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
             formal = SystemParameters(session_, system->parameters);
             positions = BindArguments(session_, system->name, formal, arguments, frame);
         }
-        const std::int32_t line = session_.line;
+        const std::int32_t line = session_.status().line;
         SystemCall call(*this, frame, arguments);
         CallResult result;
-        session_.last_error = 0;
-        session_.Push(frame);
+        session_.status().last_error = 0;
+        session_.calls().Push(frame);
         try {
             result.status = RunSystem(*system, call);
         } catch (...) {
-            session_.Pop();
+            session_.calls().Pop();
             throw;
         }
-        session_.Pop();
-        session_.line = line;
+        session_.calls().Pop();
+        session_.status().line = line;
         result.outputs = std::move(call.outputs);
         for (std::size_t i = result.outputs.size(); i < positions.size(); ++i) {
             result.outputs.push_back(arguments[i].output
@@ -266,10 +268,10 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
         return result;
     }
     if (ToLower(place.name).starts_with("sp_")) { // A procedure of master that serves every database.
-        Catalogue& master = session_.Database("master");
+        Catalogue& master = session_.databases().Get("master");
         if (const std::optional<ObjectDef> object = master.FindObject("dbo", place.name);
             object && object->type == "P") {
-            return CallStored(*object, master, placed ? place.database : session_.CurrentDatabaseName(),
+            return CallStored(*object, master, placed ? place.database : session_.databases().CurrentName(),
                               arguments);
         }
     }
@@ -296,7 +298,7 @@ std::vector<ActualArgument> Interpreter::Arguments(const ast::ExecuteStatement& 
 void Interpreter::ExecuteCall(const ast::ExecuteStatement& call) {
     ast::Name name = call.procedure;
     if (!call.procedure_variable.empty()) {
-        const Variable& variable = session_.FindVariable(call.procedure_variable);
+        const Variable& variable = session_.calls().FindVariable(call.procedure_variable);
         const std::string text = IsNull(variable.value) ? "" : ValueText(variable.value, variable.type);
         name = ParseName(text);
         if (name.empty()) {
@@ -313,8 +315,8 @@ void Interpreter::ExecuteCall(const ast::ExecuteStatement& call) {
     if (!call.return_variable.empty()) {
         AssignTo(session_, call.return_variable, std::int64_t{result.status}, Simple(TypeId::Int));
     }
-    if (session_.frame().procedure.empty()) {
-        session_.sink().ReturnStatus(result.status);
+    if (session_.calls().frame().procedure.empty()) {
+        session_.results().sink().ReturnStatus(result.status);
     }
 }
 
@@ -329,26 +331,26 @@ void Interpreter::ExecuteString(const ast::ExecuteStringStatement& statement) {
 
 void Interpreter::RunDynamic(const std::string& text) {
     Frame frame;
-    frame.database = session_.frame().database;
-    const std::string database = session_.SessionDatabase();
-    session_.last_error = 0;
+    frame.database = session_.calls().frame().database;
+    const std::string database = session_.databases().own();
+    session_.status().last_error = 0;
     RunText(text, frame);
-    if (session_.SessionDatabase() != database) { // USE holds for the string alone.
-        session_.Use(database);
+    if (session_.databases().own() != database) { // USE holds for the string alone.
+        session_.databases().Use(database);
     }
 }
 
 RowSet Interpreter::Capture(const ast::Statement& statement) {
     RowSet rows;
-    CaptureSink sink(session_.sink(), rows);
-    ResultSink* const outer = session_.ExchangeSink(&sink);
+    CaptureSink sink(session_.results().sink(), rows);
+    ResultSink* const outer = session_.results().Exchange(&sink);
     try {
         Execute(statement);
     } catch (...) {
-        session_.ExchangeSink(outer);
+        session_.results().Exchange(outer);
         throw;
     }
-    session_.ExchangeSink(outer);
+    session_.results().Exchange(outer);
     return rows;
 }
 
@@ -356,7 +358,7 @@ RowSet Interpreter::Capture(const ast::Statement& statement) {
 
 void Interpreter::RunCall(const RpcCall& call) {
     RunGuarded([&] {
-        session_.line = 1;
+        session_.status().line = 1;
         std::string text = call.procedure;
         if (const std::size_t number = text.rfind(";1");
             number != std::string::npos && number + 2 == text.size()) {
@@ -372,25 +374,25 @@ void Interpreter::RunCall(const RpcCall& call) {
                 {parameter.name, parameter.value, parameter.type, parameter.output, parameter.use_default});
         }
         Frame frame;
-        session_.Push(frame);
+        session_.calls().Push(frame);
         CallResult result;
         try {
             result = Call(name, std::move(arguments));
         } catch (const SqlError& error) {
-            session_.Pop();
+            session_.calls().Pop();
             Report(error);
-            session_.sink().ReturnStatus(-6);
+            session_.results().sink().ReturnStatus(-6);
             return;
         } catch (...) {
-            session_.Pop();
+            session_.calls().Pop();
             throw;
         }
-        session_.Pop();
-        session_.sink().ReturnStatus(result.status);
+        session_.calls().Pop();
+        session_.results().sink().ReturnStatus(result.status);
         for (std::size_t i = 0; i < result.outputs.size(); ++i) {
             if (result.outputs[i]) {
-                session_.sink().OutputParameter(call.parameters[i].name, result.outputs[i]->type,
-                                                result.outputs[i]->value);
+                session_.results().sink().OutputParameter(call.parameters[i].name, result.outputs[i]->type,
+                                                          result.outputs[i]->value);
             }
         }
     });

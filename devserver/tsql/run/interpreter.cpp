@@ -8,11 +8,11 @@
 #include "devserver/tsql/parse/located_error.h"
 #include "devserver/tsql/parse/overloaded.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/procedures/system_procedures.h"
 #include "devserver/tsql/run/bulk_insert.h"
 #include "devserver/tsql/run/statements.h"
+#include "devserver/tsql/run/system_call.h"
 #include "devserver/tsql/scalar/compare.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/server.h"
 
 namespace devsql {
 namespace {
@@ -78,8 +78,12 @@ Message MessageOf(const SessionCore& session, const SqlError& error) {
     if (const auto* call = dynamic_cast<const CallError*>(&error)) {
         return {error.number(), error.severity(), error.state(), error.text(), call->procedure(), 0};
     }
-    return {error.number(), error.severity(),          error.state(),
-            error.text(),   session.frame().procedure, session.line};
+    return {error.number(),
+            error.severity(),
+            error.state(),
+            error.text(),
+            session.calls().frame().procedure,
+            session.status().line};
 }
 
 /// How SQLite says that a statement has more of something than it takes.
@@ -89,7 +93,7 @@ SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
     switch (error.primary_code()) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return session.LockError();
+        return session.transactions().LockError();
     case SQLITE_TOOBIG:
     case SQLITE_ERROR: // A statement too large for SQLite: depth, columns, terms of a compound.
         return std::ranges::any_of(kTooLarge,
@@ -100,7 +104,7 @@ SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
                    ? ErrorOf(8623)
                    : ErrorOf(8624, {error.what()});
     case SQLITE_FULL:
-        return ErrorOf(1105, {"", session.CurrentDatabaseName(), "PRIMARY"}, 2);
+        return ErrorOf(1105, {"", session.databases().CurrentName(), "PRIMARY"}, 2);
     default:
         return ErrorOf(8624, {error.what()});
     }
@@ -111,53 +115,53 @@ SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
 // ------------------------------------------------------------------ entries
 
 void Interpreter::RunGuarded(const std::function<void()>& work) {
-    const DateSettingsScope dates(session_.options.dates);
+    const DateSettingsScope dates(session_.options().dates);
     try {
         work();
     } catch (const BatchAborted&) {
     } catch (const ScopeAborted&) {
     } catch (const LocatedError& error) {
-        session_.last_error = error.number();
-        session_.Print({error.number(), error.severity(), error.state(), error.text(),
-                        session_.frame().procedure, error.line()});
+        session_.status().last_error = error.number();
+        session_.results().Print({error.number(), error.severity(), error.state(), error.text(),
+                                  session_.calls().frame().procedure, error.line()});
     } catch (const SqlError& error) {
-        session_.last_error = error.number();
-        session_.Print(MessageOf(session_, error));
+        session_.status().last_error = error.number();
+        session_.results().Print(MessageOf(session_, error));
     } catch (const Failure& failure) {
-        session_.last_error = failure.message.number;
-        session_.Print(failure.message);
+        session_.status().last_error = failure.message.number;
+        session_.results().Print(failure.message);
     } catch (const Cancelled&) {
         EndCancelled();
     } catch (const StorageError& error) {
-        if (session_.cancelled) {
+        if (session_.interruption().requested()) {
             EndCancelled();
             return;
         }
         const SqlError translated = ErrorOfStorage(session_, error);
-        session_.last_error = translated.number();
-        session_.AbandonTransaction();
-        session_.Print(MessageOf(session_, translated));
+        session_.status().last_error = translated.number();
+        session_.transactions().Abandon();
+        session_.results().Print(MessageOf(session_, translated));
     } catch (const std::exception& error) {
-        session_.AbandonTransaction();
-        session_.Print(MessageOf(session_, ErrorOf(8624, {error.what()})));
+        session_.transactions().Abandon();
+        session_.results().Print(MessageOf(session_, ErrorOf(8624, {error.what()})));
     }
 }
 
 /// A client that has asked for the end gets no error; one that was thrown out must not take the batch for
 /// done.
 void Interpreter::EndCancelled() {
-    session_.AbandonTransaction();
-    if (session_.ended) {
-        session_.last_error = 596;
-        session_.Info(596);
+    session_.transactions().Abandon();
+    if (session_.interruption().session_ended()) {
+        session_.status().last_error = 596;
+        session_.results().Info(596);
     }
 }
 
 void Interpreter::RunBatch(std::string_view sql) {
     RunGuarded([&] {
-        session_.line = 1;
-        const Batch batch = ParseBatch(sql, {session_.options.quoted_identifier, {}});
-        if (session_.options.parseonly) {
+        session_.status().line = 1;
+        const Batch batch = ParseBatch(sql, {session_.options().quoted_identifier, {}});
+        if (session_.options().parseonly) {
             const bool ends =
                 std::any_of(batch.statements.begin(), batch.statements.end(), [](const ast::StatementPtr& s) {
                     return std::holds_alternative<ast::SetOptionStatement>(s->node);
@@ -167,20 +171,20 @@ void Interpreter::RunBatch(std::string_view sql) {
             }
         }
         Frame frame;
-        session_.Push(frame);
+        session_.calls().Push(frame);
         try {
             RunWhole(batch.statements);
         } catch (...) {
-            session_.Pop();
+            session_.calls().Pop();
             throw;
         }
-        session_.Pop();
+        session_.calls().Pop();
     });
 }
 
 void Interpreter::RunBulk(const ast::InsertBulkStatement& bulk, BulkRows& rows) {
     RunGuarded([&] {
-        session_.line = 1;
+        session_.status().line = 1;
         changes_rows_ = true;
         try {
             RunBulkInsert(session_, bulk, rows);
@@ -197,21 +201,20 @@ void Interpreter::RunText(std::string_view sql, Frame& frame) {
     for (const auto& [name, variable] : frame.variables) {
         variables.push_back(name);
     }
-    const std::int32_t line = session_.line;
+    const std::int32_t line = session_.status().line;
     Batch batch;
     try {
-        batch = ParseBatch(sql, {session_.options.quoted_identifier, variables});
+        batch = ParseBatch(sql, {session_.options().quoted_identifier, variables});
     } catch (const LocatedError& error) {
-        session_.line = error.line();
+        session_.status().line = error.line();
         throw;
     }
-    const Options saved = session_.options;
-    session_.Push(frame);
+    const Options saved = session_.options();
+    session_.calls().Push(frame);
     const auto leave = [&] {
-        session_.Pop();
-        session_.options = saved;
-        session_.isolation_level = saved.isolation_level;
-        session_.line = line;
+        session_.calls().Pop();
+        session_.SetOptions(saved);
+        session_.status().line = line;
     };
     try {
         RunScope(batch.statements); // What called the string goes on.
@@ -282,18 +285,18 @@ Interpreter::Flow Interpreter::RunList(const ast::StatementList& list) {
 
 Interpreter::Flow Interpreter::RunStatement(const ast::Statement& statement) {
     session_.CheckCancelled();
-    session_.line = statement.line;
+    session_.status().line = statement.line;
     changes_rows_ = std::holds_alternative<ast::InsertStatement>(statement.node) ||
                     std::holds_alternative<ast::UpdateStatement>(statement.node) ||
                     std::holds_alternative<ast::DeleteStatement>(statement.node);
-    if (session_.options.noexec && !std::holds_alternative<ast::SetOptionStatement>(statement.node)) {
+    if (session_.options().noexec && !std::holds_alternative<ast::SetOptionStatement>(statement.node)) {
         return Flow::Next;
     }
-    session_.BeginStatement();
+    session_.results().BeginStatement();
     try {
         const Flow flow = Execute(statement);
         if (HasEnd(statement)) {
-            session_.EndStatement();
+            session_.results().EndStatement();
         }
         return flow;
     } catch (const SqlError& error) {
@@ -307,7 +310,7 @@ Interpreter::Flow Interpreter::RunStatement(const ast::Statement& statement) {
 
 void Interpreter::Report(const StorageError& error) {
     // Also where a wait for a lock was given up, which SQLite reports as the lock being taken.
-    if (error.primary_code() == SQLITE_INTERRUPT || session_.cancelled) {
+    if (error.primary_code() == SQLITE_INTERRUPT || session_.interruption().requested()) {
         throw Cancelled{};
     }
     Report(ErrorOfStorage(session_, error));
@@ -318,22 +321,24 @@ void Interpreter::Report(const SqlError& error) {
         throw error;
     }
     const Message message = MessageOf(session_, error);
-    session_.last_error = message.number;
-    session_.row_count = 0;
+    session_.status().last_error = message.number;
+    session_.status().row_count = 0;
     if (message.severity < kFirstError) {
-        session_.Print(message);
+        session_.results().Print(message);
         return;
     }
-    const bool ends_batch =
-        Contains(kBatchErrors, message.number) || session_.options.xact_abort || session_.lost_transaction();
+    const bool ends_batch = Contains(kBatchErrors, message.number) || session_.options().xact_abort ||
+                            session_.transactions().lost();
     const bool compiled = Contains(kScopeErrors, message.number);
-    if (tries_ > (compiled ? tries_at_[session_.nesting()] : 0)) {
-        session_.doomed = session_.doomed || (ends_batch && session_.transaction_count() > 0);
-        throw Failure{message, compiled ? session_.nesting() : 0};
+    if (tries_ > (compiled ? tries_at_[session_.calls().nesting()] : 0)) {
+        if (ends_batch) {
+            session_.transactions().Doom();
+        }
+        throw Failure{message, compiled ? session_.calls().nesting() : 0};
     }
-    session_.Print(message);
+    session_.results().Print(message);
     if (changes_rows_ && !ends_batch && Contains(kRowErrors, message.number)) {
-        session_.Info(3621, {}, 0);
+        session_.results().Info(3621, {}, 0);
     }
     if (ends_batch) {
         AbortBatch();
@@ -344,15 +349,15 @@ void Interpreter::Report(const SqlError& error) {
 }
 
 void Interpreter::AbortBatch() {
-    if (session_.transaction_count() > 0) {
-        session_.AbandonTransaction();
+    if (session_.transactions().count() > 0) {
+        session_.transactions().Abandon();
     }
     throw BatchAborted{};
 }
 
 Interpreter::Flow Interpreter::RunTry(const ast::TryStatement& statement) {
-    const int nesting = session_.nesting();
-    const std::size_t caught = session_.caught.size();
+    const int nesting = session_.calls().nesting();
+    const std::size_t caught = session_.status().caught.size();
     const auto leave = [&] {
         --tries_;
         --tries_at_[nesting];
@@ -368,7 +373,7 @@ Interpreter::Flow Interpreter::RunTry(const ast::TryStatement& statement) {
         if (failure.uncaught_at == nesting) {
             throw;
         }
-        session_.caught.push_back({failure.message});
+        session_.status().caught.push_back(failure.message);
         EndFailed(); // Its result set may have begun.
     } catch (...) {
         leave();
@@ -378,17 +383,17 @@ Interpreter::Flow Interpreter::RunTry(const ast::TryStatement& statement) {
     try {
         flow = RunList(statement.handler);
     } catch (...) {
-        session_.caught.resize(caught);
+        session_.status().caught.resize(caught);
         throw;
     }
-    session_.caught.resize(caught);
+    session_.status().caught.resize(caught);
     return flow;
 }
 
 Interpreter::Flow Interpreter::RunWhile(const ast::WhileStatement& loop) {
-    const std::int32_t line = session_.line;
+    const std::int32_t line = session_.status().line;
     while (true) {
-        session_.line = line;
+        session_.status().line = line;
         session_.CheckCancelled();
         if (!TestExpression(session_, *loop.condition)) {
             return Flow::Next;
@@ -432,31 +437,37 @@ Interpreter::Flow Interpreter::Execute(const ast::Statement& statement) {
 }
 
 Interpreter::Flow Interpreter::ExecuteSimple(const ast::Statement& statement) {
-    if (session_.doomed && (std::holds_alternative<ast::InsertStatement>(statement.node) ||
-                            std::holds_alternative<ast::UpdateStatement>(statement.node) ||
-                            std::holds_alternative<ast::DeleteStatement>(statement.node))) {
+    if (session_.transactions().doomed() && (std::holds_alternative<ast::InsertStatement>(statement.node) ||
+                                             std::holds_alternative<ast::UpdateStatement>(statement.node) ||
+                                             std::holds_alternative<ast::DeleteStatement>(statement.node))) {
         RaiseError(3930);
     }
-    if (session_.options.implicit_transactions && session_.transaction_count() == 0 &&
+    if (session_.options().implicit_transactions && session_.transactions().count() == 0 &&
         BeginsImplicitly(statement)) {
-        session_.BeginTransaction("");
+        session_.transactions().Begin("");
     }
     const bool keeps_error = std::holds_alternative<ast::DeclareStatement>(statement.node);
     bool sets_count = true;
     const bool handled = std::visit(
         Overloaded{
             [&](const ast::DeclareStatement& s) { return Declare(s), sets_count = false, true; },
-            [&](const ast::SetVariableStatement& s) { return SetVariable(s), session_.row_count = 1, true; },
-            [&](const ast::SetOptionStatement& s) { return SetOption(s), session_.row_count = 0, true; },
-            [&](const ast::PrintStatement& s) { return Print(s), session_.row_count = 0, true; },
+            [&](const ast::SetVariableStatement& s) {
+                return SetVariable(s), session_.status().row_count = 1, true;
+            },
+            [&](const ast::SetOptionStatement& s) {
+                return SetOption(s), session_.status().row_count = 0, true;
+            },
+            [&](const ast::PrintStatement& s) { return Print(s), session_.status().row_count = 0, true; },
             [&](const ast::RaiserrorStatement& s) { return Raiserror(s), true; },
             [&](const ast::ThrowStatement& s) { return Throw(s), true; },
             [&](const ast::WaitforStatement& s) { return Wait(s), true; },
             [&](const ast::ExecuteStatement& s) { return ExecuteCall(s), true; },
             [&](const ast::ExecuteStringStatement& s) { return ExecuteString(s), true; },
-            [&](const ast::TransactionStatement& s) { return Transaction(s), session_.row_count = 0, true; },
+            [&](const ast::TransactionStatement& s) {
+                return Transaction(s), session_.status().row_count = 0, true;
+            },
             [&](const ast::UseStatement& s) {
-                return session_.Use(s.database), session_.row_count = 0, true;
+                return session_.databases().Use(s.database), session_.status().row_count = 0, true;
             },
             [&](const ast::QueryPtr& s) { return RunSelect(session_, *s), true; },
             [&](const ast::InsertStatement& s) {
@@ -480,7 +491,7 @@ Interpreter::Flow Interpreter::ExecuteSimple(const ast::Statement& statement) {
                         std::holds_alternative<ast::ExecuteStatement>(statement.node) ||
                         std::holds_alternative<ast::ExecuteStringStatement>(statement.node);
     if (!keeps_error && !raises) {
-        session_.last_error = 0;
+        session_.status().last_error = 0;
     }
     return Flow::Next;
 }
@@ -501,19 +512,19 @@ Interpreter::Flow Interpreter::ExecuteDefinition(const ast::Statement& statement
                    [&](const ast::AlterRoleStatement& s) { RunAlterRole(session_, s); },
                    [&](const ast::MaintenanceStatement& s) {
                        if (s.tells) {
-                           session_.Info(2528);
+                           session_.results().Info(2528);
                        }
-                       session_.Done(Command::None, std::nullopt);
+                       session_.results().Done(Command::None, std::nullopt);
                    },
                    [&](const ast::CheckIdentityStatement& s) { RunCheckIdentity(session_, s); },
                    [&](const ast::KillStatement& s) {
-                       session_.server.users().Kill(static_cast<std::int32_t>(s.session), session_);
-                       session_.Done(Command::None, std::nullopt);
+                       session_.server().users().Kill(static_cast<std::int32_t>(s.session), session_);
+                       session_.results().Done(Command::None, std::nullopt);
                    },
                    [&](const auto&) { throw std::logic_error("a statement without execution"); },
                },
                statement.node);
-    session_.row_count = 0;
+    session_.status().row_count = 0;
     return Flow::Next;
 }
 

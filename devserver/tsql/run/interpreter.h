@@ -14,6 +14,8 @@ namespace devsql {
 
 struct SystemProcedure;
 class SystemCall;
+/// Null for a name that is no system procedure.
+using SystemProcedureFinder = const SystemProcedure* (*)(std::string_view name);
 
 /// What a caller hands to a parameter.
 struct ActualArgument {
@@ -40,7 +42,8 @@ struct Failure {
 
 class Interpreter {
   public:
-    explicit Interpreter(SessionCore& session) : session_(session) {}
+    Interpreter(SessionCore& session, SystemProcedureFinder find_system_procedure)
+        : session_(session), find_system_procedure_(find_system_procedure) {}
 
     /// A batch from the client. Errors go to the sink.
     void RunBatch(std::string_view sql);
@@ -57,7 +60,7 @@ class Interpreter {
     /// The procedure's results go to the sink. Raises 2812 and the errors of the arguments.
     CallResult Call(const ast::Name& name, std::vector<ActualArgument> arguments);
     /// The value of a user's function. An error in it is one of the statement that calls it.
-    Value CallFunction(const ObjectDef& object, Catalogue& catalogue, const std::string& database,
+    Value CallFunction(const ObjectDef& object, const std::string& database,
                        const std::vector<ActualArgument>& arguments);
     SessionCore& session() { return session_; }
 
@@ -76,7 +79,7 @@ class Interpreter {
     Flow RunStatement(const ast::Statement& statement);
     Flow Execute(const ast::Statement& statement);
     /// Tells the sink that a failed statement has ended, whatever it has told before.
-    void EndFailed() { session_.Done(Command::None, std::nullopt); }
+    void EndFailed() { session_.results().Done(Command::None, std::nullopt); }
     Flow ExecuteSimple(const ast::Statement& statement);
     Flow ExecuteDefinition(const ast::Statement& statement);
     Flow RunTry(const ast::TryStatement& statement);
@@ -116,6 +119,7 @@ class Interpreter {
     void RunBody(const ObjectDef& object, Frame& frame, const ast::CreateModuleStatement& module);
 
     SessionCore& session_;
+    SystemProcedureFinder find_system_procedure_;
     std::string goto_label_;
     std::int32_t return_value_ = 0;
     Variable* function_result_ = nullptr; ///< of the function that runs; null for anything else
@@ -123,9 +127,6 @@ class Interpreter {
     int tries_ = 0;                       ///< TRY blocks that are open, in all frames
     std::map<int, int> tries_at_;         ///< the same by nesting
 };
-
-/// Runs a user's function: its arguments are the database, the object's number, and those of the call.
-const SessionFunction& UserFunctionCall();
 
 /// The variables of a call: `actual` put into `formal`. Raises 201, 8144, 8145, 8146, 8143. For each actual
 /// argument the position of its parameter comes back.

@@ -23,7 +23,7 @@ void Interpreter::Declare(const ast::DeclareStatement& declare) {
         if (declaration.table) {
             DeclareTable(session_, declaration.name, *declaration.table);
         } else if (declaration.cursor) {
-            session_.frame().cursors[name] = nullptr;
+            session_.calls().frame().cursors[name] = nullptr;
         } else {
             Emission emission(session_);
             const Type type = Binder(session_, emission).ResolveType(declaration.type, 1);
@@ -31,7 +31,7 @@ void Interpreter::Declare(const ast::DeclareStatement& declare) {
                 RaiseError(2739);
             }
             // A declaration in a loop leaves what the variable holds, as SQL Server does.
-            session_.frame().variables.try_emplace(name, Variable{type, {}});
+            session_.calls().frame().variables.try_emplace(name, Variable{type, {}});
             if (declaration.value) {
                 Type given;
                 const Value value = ComputeExpression(session_, *declaration.value, &given);
@@ -45,7 +45,7 @@ void Interpreter::SetVariable(const ast::SetVariableStatement& set) {
     Type type;
     Value value = ComputeExpression(session_, *set.value, &type);
     if (set.op) {
-        const Variable& old = session_.FindVariable(set.name);
+        const Variable& old = session_.calls().FindVariable(set.name);
         const Type result = OperatorType(*set.op, old.type, type);
         value = Evaluate(*set.op, old.value, old.type, value, type);
         type = result;
@@ -152,31 +152,30 @@ void SetDateOrder(DateSettings& dates, const std::string& order) {
 void Interpreter::SetIdentityInsert(const ast::SetOptionStatement& set) {
     Emission emission(session_);
     const Target target = BindTargetAs(session_, emission, set.table, 1088);
-    const std::string key = target.table->alias + "." + std::to_string(target.table->id);
+    Identities& identities = session_.identities();
     if (target.table->IdentityColumn() == nullptr) {
         RaiseError(8106, {set.table.text()});
     }
     if (set.value == "ON") {
-        if (!session_.identity_insert.empty() && session_.identity_insert != key) {
-            RaiseError(8107, {session_.identity_insert, set.table.text()});
+        if (!identities.insert_table().empty() && !identities.InsertsInto(*target.table)) {
+            RaiseError(8107, {identities.insert_table(), set.table.text()});
         }
-        session_.identity_insert = key;
-    } else if (session_.identity_insert == key) {
-        session_.identity_insert.clear();
+        identities.StartInsert(*target.table);
+    } else if (identities.InsertsInto(*target.table)) {
+        identities.StopInsert();
     }
 }
 
 void Interpreter::SetOption(const ast::SetOptionStatement& set) {
-    Options& options = session_.options;
+    Options& options = session_.options();
     for (const std::string& option : set.options) {
         if (option == "IDENTITY_INSERT") {
             SetIdentityInsert(set);
             continue;
         }
         if (option == "TRANSACTION ISOLATION LEVEL") {
-            options.isolation_level =
-                std::ranges::find(kIsolationLevels, set.value, &Isolation::name)->number;
-            session_.isolation_level = options.isolation_level;
+            session_.SetIsolationLevel(
+                std::ranges::find(kIsolationLevels, set.value, &Isolation::name)->number);
             continue;
         }
         if (option == "DATEFIRST" && set.expr) {
@@ -225,7 +224,8 @@ void Interpreter::Print(const ast::PrintStatement& print) {
     const Value value = ComputeExpression(session_, *print.value, &type);
     std::string text = IsNull(value) ? std::string() : ValueText(value, type);
     text = text.empty() ? " " : text; // As SQL Server sends an empty text.
-    session_.Print({0, 0, 1, SubText(text, 0, 8000), session_.frame().procedure, session_.line});
+    session_.results().Print(
+        {0, 0, 1, SubText(text, 0, 8000), session_.calls().frame().procedure, session_.status().line});
 }
 
 void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
@@ -271,31 +271,31 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
                           static_cast<std::uint8_t>(severity == 10 ? 0 : severity),
                           static_cast<std::uint8_t>(state < 0 || state > 255 ? 1 : state),
                           text,
-                          session_.frame().procedure,
-                          session_.line};
-    session_.last_error = severity > 10 || raise.set_error ? number : 0;
+                          session_.calls().frame().procedure,
+                          session_.status().line};
+    session_.status().last_error = severity > 10 || raise.set_error ? number : 0;
     if (severity >= kFirstFatal) { // The connection ends with it, whatever TRY stands around.
-        session_.Print(sent);
-        session_.ended = true;
-        session_.cancelled = true;
+        session_.results().Print(sent);
+        session_.interruption().EndSession();
+        session_.interruption().Request();
         AbortBatch();
     }
     if (severity > 10 && tries_ > 0) {
         throw Failure{sent};
     }
-    session_.Print(sent);
+    session_.results().Print(sent);
     if (raise.no_wait) {
-        session_.sink().Flush();
+        session_.results().sink().Flush();
     }
 }
 
 void Interpreter::Throw(const ast::ThrowStatement& statement) {
     Message message;
     if (!statement.number) {
-        if (session_.caught.empty()) {
+        if (session_.status().caught.empty()) {
             RaiseError(10704);
         }
-        message = session_.caught.back().message;
+        message = session_.status().caught.back();
     } else {
         message.number = static_cast<std::int32_t>(Number(session_, *statement.number, 50000));
         Type type;
@@ -303,16 +303,17 @@ void Interpreter::Throw(const ast::ThrowStatement& statement) {
         message.text = IsNull(text) ? "" : ValueText(text, type);
         message.severity = 16;
         message.state = static_cast<std::uint8_t>(Number(session_, *statement.state, 1));
-        message.procedure = session_.frame().procedure;
-        message.line = session_.line;
+        message.procedure = session_.calls().frame().procedure;
+        message.line = session_.status().line;
     }
-    session_.last_error = message.number;
+    session_.status().last_error = message.number;
     if (tries_ > 0) {
-        session_.doomed =
-            session_.doomed || (session_.options.xact_abort && session_.transaction_count() > 0);
+        if (session_.options().xact_abort) {
+            session_.transactions().Doom();
+        }
         throw Failure{message};
     }
-    session_.Print(message);
+    session_.results().Print(message);
     AbortBatch();
 }
 
@@ -327,7 +328,7 @@ void Interpreter::Return(const ast::ReturnStatement& statement) {
         function_result_->value =
             IsNull(value) ? Value() : AssignVariable(value, type, function_result_->type);
     } else if (statement.value) {
-        if (session_.frame().procedure.empty()) {
+        if (session_.calls().frame().procedure.empty()) {
             RaiseError(178);
         }
         return_value_ = static_cast<std::int32_t>(Number(session_, *statement.value, 0));
@@ -353,33 +354,33 @@ void Interpreter::Wait(const ast::WaitforStatement& wait) {
         std::this_thread::sleep_for(std::min<std::chrono::steady_clock::duration>(
             std::chrono::milliseconds(20), end - std::chrono::steady_clock::now()));
     }
-    session_.Done(Command::None, std::nullopt);
+    session_.results().Done(Command::None, std::nullopt);
 }
 
 void Interpreter::Transaction(const ast::TransactionStatement& statement) {
     std::string name = statement.name;
     if (name.starts_with("@")) {
-        const Variable& variable = session_.FindVariable(name);
+        const Variable& variable = session_.calls().FindVariable(name);
         name = IsNull(variable.value) ? "" : ValueText(variable.value, variable.type);
     }
     switch (statement.action) {
     case ast::TransactionAction::Begin:
-        session_.BeginTransaction(name);
+        session_.transactions().Begin(name);
         break;
     case ast::TransactionAction::Commit:
-        session_.CommitTransaction();
+        session_.transactions().Commit();
         break;
     case ast::TransactionAction::Rollback:
-        session_.RollbackTransaction(name);
+        session_.transactions().Rollback(name);
         break;
     case ast::TransactionAction::Save:
-        session_.SaveTransaction(name);
+        session_.transactions().Save(name);
         break;
     }
-    if (session_.options.cursor_close_on_commit && session_.transaction_count() == 0) {
-        session_.CloseCursors();
+    if (session_.options().cursor_close_on_commit && session_.transactions().count() == 0) {
+        session_.calls().CloseCursors();
     }
-    session_.Done(Command::None, std::nullopt);
+    session_.results().Done(Command::None, std::nullopt);
 }
 
 // ------------------------------------------------------------------ cursors
@@ -387,7 +388,8 @@ void Interpreter::Transaction(const ast::TransactionStatement& statement) {
 void Interpreter::DeclareCursor(const ast::CursorDeclareStatement& declare) {
     const std::string name = ToUpper(declare.name);
     const bool variable = name.starts_with("@");
-    auto& cursors = declare.local || variable ? session_.frame().cursors : session_.global_cursors;
+    auto& cursors =
+        declare.local || variable ? session_.calls().frame().cursors : session_.calls().global_cursors();
     if (!variable && cursors.contains(name)) {
         RaiseError(16915, {declare.name});
     }
@@ -398,7 +400,7 @@ void Interpreter::DeclareCursor(const ast::CursorDeclareStatement& declare) {
 }
 
 void Interpreter::OpenCursor(const std::string& name) {
-    const std::shared_ptr<Cursor> cursor = session_.FindCursor(name);
+    const std::shared_ptr<Cursor> cursor = session_.calls().FindCursor(name);
     if (!cursor) {
         RaiseError(16916, {name});
     }
@@ -415,7 +417,7 @@ void Interpreter::RunCursor(const ast::CursorStatement& statement) {
         OpenCursor(statement.name);
         return;
     }
-    const std::shared_ptr<Cursor> cursor = session_.FindCursor(statement.name);
+    const std::shared_ptr<Cursor> cursor = session_.calls().FindCursor(statement.name);
     if (!cursor) {
         RaiseError(16916, {statement.name});
     }
@@ -429,13 +431,13 @@ void Interpreter::RunCursor(const ast::CursorStatement& statement) {
         return;
     }
     const std::string name = ToUpper(statement.name);
-    if (session_.frame().cursors.erase(name) == 0) {
-        session_.global_cursors.erase(name);
+    if (session_.calls().frame().cursors.erase(name) == 0) {
+        session_.calls().global_cursors().erase(name);
     }
 }
 
 void Interpreter::Fetch(const ast::FetchStatement& fetch) {
-    const std::shared_ptr<Cursor> cursor = session_.FindCursor(fetch.name);
+    const std::shared_ptr<Cursor> cursor = session_.calls().FindCursor(fetch.name);
     if (!cursor) {
         RaiseError(16916, {fetch.name});
     }
@@ -471,14 +473,14 @@ void Interpreter::Fetch(const ast::FetchStatement& fetch) {
     position = std::clamp<std::int64_t>(position, -1, count);
     cursor->position = position;
     const bool found = position >= 0 && position < count;
-    session_.fetch_status = found ? 0 : -1;
+    session_.status().fetch_status = found ? 0 : -1;
     if (fetch.into.empty()) {
-        session_.sink().Columns(cursor->rows.columns);
+        session_.results().sink().Columns(cursor->rows.columns);
         if (found) {
-            session_.sink().Row(cursor->rows.rows[static_cast<std::size_t>(position)]);
+            session_.results().sink().Row(cursor->rows.rows[static_cast<std::size_t>(position)]);
         }
-        session_.row_count = found ? 1 : 0;
-        session_.Done(Command::Select, session_.row_count);
+        session_.status().row_count = found ? 1 : 0;
+        session_.results().Done(Command::Select, session_.status().row_count);
         return;
     }
     if (fetch.into.size() != cursor->rows.columns.size()) {
@@ -488,7 +490,7 @@ void Interpreter::Fetch(const ast::FetchStatement& fetch) {
         AssignTo(session_, fetch.into[i], cursor->rows.rows[static_cast<std::size_t>(position)][i],
                  cursor->rows.columns[i].type);
     }
-    session_.row_count = found ? 1 : 0;
+    session_.status().row_count = found ? 1 : 0;
 }
 
 } // namespace devsql

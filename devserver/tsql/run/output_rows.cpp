@@ -129,13 +129,13 @@ void OutputRows::Store() {
 void OutputRows::End(Command command, std::int64_t count) {
     for (const Bound& bound : clauses_) {
         if (bound.clause->into.empty()) {
-            session_.sink().Columns(bound.rows.columns);
+            session_.results().sink().Columns(bound.rows.columns);
             for (const std::vector<Value>& row : bound.rows.rows) {
-                session_.sink().Row(row);
+                session_.results().sink().Row(row);
             }
         }
     }
-    session_.Done(command, count);
+    session_.results().Done(command, count);
 }
 
 } // namespace devsql

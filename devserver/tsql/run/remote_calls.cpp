@@ -20,7 +20,7 @@ class CallSink : public RemoteSink {
         End();
         own_ = !columns.empty() && columns[0].name == kStatus;
         if (!own_) {
-            session_.sink().Columns(columns);
+            session_.results().sink().Columns(columns);
             rows_ = 0;
         }
     }
@@ -30,25 +30,25 @@ class CallSink : public RemoteSink {
             answer = values;
             return;
         }
-        session_.sink().Row(values);
+        session_.results().sink().Row(values);
         ++*rows_;
     }
     void Count(std::int64_t rows) override {
         End();
-        session_.Done(Command::None, rows);
+        session_.results().Done(Command::None, rows);
     }
     void Said(const Message& message) override {
         End();
         if (message.severity >= kFirstErrorSeverity) {
             errors.push_back(message);
         } else {
-            session_.Print(message);
+            session_.results().Print(message);
         }
     }
     /// Ends the result set that is open.
     void End() {
         if (rows_) {
-            session_.Done(Command::Select, *std::exchange(rows_, std::nullopt));
+            session_.results().Done(Command::Select, *std::exchange(rows_, std::nullopt));
         }
     }
 
@@ -115,7 +115,7 @@ CallResult Interpreter::CallRemote(const ast::Name& name, const std::vector<Actu
         RaiseError(7411, {server.name, "RPC"});
     }
     remote.Join(server);
-    session_.last_error = 0;
+    session_.status().last_error = 0;
     CallSink sink(session_);
     remote.Run(server, CallText(name, arguments), sink);
     sink.End();
@@ -126,8 +126,8 @@ CallResult Interpreter::CallRemote(const ast::Name& name, const std::vector<Actu
         if (tries_ > 0 || (last && !returned)) { // A call that gave nothing back has failed as a whole.
             throw SqlError(error.number, error.severity, error.state, error.text);
         }
-        session_.last_error = error.number;
-        session_.Print(error);
+        session_.status().last_error = error.number;
+        session_.results().Print(error);
     }
     CallResult result;
     result.status = returned ? static_cast<std::int32_t>(std::get<std::int64_t>(sink.answer[0])) : 0;

@@ -12,38 +12,13 @@
 namespace devsql {
 namespace {
 
-const ast::SelectCore* FirstCore(const ast::Query& query) {
-    const ast::QueryTerm* term = query.body.get();
-    while (const auto* operation = std::get_if<ast::SetOperation>(&term->node)) {
-        term = operation->left.get();
-    }
-    return &std::get<ast::SelectCore>(term->node);
-}
-
-} // namespace
-
-bool IsAssignment(const ast::Query& query) {
-    const auto* core = std::get_if<ast::SelectCore>(&query.body->node);
-    if (core == nullptr) {
-        return false;
-    }
-    for (const ast::SelectItem& item : core->items) {
-        if (!item.variable.empty()) {
-            return true;
-        }
-    }
-    return false;
-}
-
-namespace {
-
 /// Steps through a bound query, a row at a time, up to SET ROWCOUNT.
 class QueryRows {
   public:
     QueryRows(SessionCore& session, const Emission& emission, const BoundQuery& query)
         : session_(session),
-          statement_(session.connection.Prepare(query.sql)),
-          limit_(session.options.rowcount) {
+          statement_(session.connection().Prepare(query.sql)),
+          limit_(session.options().rowcount) {
         emission.BindAll(statement_);
     }
 
@@ -86,8 +61,8 @@ void SelectIntoVariables(SessionCore& session, const ast::Query& query) {
             AssignTo(session, item.variable, Compute(*item.value, session, slots), item.value->type);
         }
     }
-    session.row_count = rows.count();
-    session.Done(Command::None, std::nullopt);
+    session.status().row_count = rows.count();
+    session.results().Done(Command::None, std::nullopt);
 }
 
 /// SELECT … INTO: the table is made from the query's columns.
@@ -102,7 +77,7 @@ void SelectIntoTable(SessionCore& session, const ast::Query& query, const ast::N
     Emission emission(session);
     Binder binder(session, emission);
     const Target target = binder.BindTarget(into);
-    session.Write(target.table->alias, [&] {
+    session.transactions().Write(target.table->alias, [&] {
         RowWriter writer(session, target, "INSERT");
         for (std::vector<Value>& row : source.rows) {
             std::vector<std::optional<Value>> given(row.size());
@@ -115,8 +90,8 @@ void SelectIntoTable(SessionCore& session, const ast::Query& query, const ast::N
         }
         writer.Finish();
     });
-    session.row_count = static_cast<std::int64_t>(source.rows.size());
-    session.Done(Command::Insert, session.row_count);
+    session.status().row_count = static_cast<std::int64_t>(source.rows.size());
+    session.results().Done(Command::Insert, session.status().row_count);
 }
 
 } // namespace
@@ -131,7 +106,7 @@ Value ComputeExpression(SessionCore& session, const ast::Expr& expr, Type* type)
     if (!NeedsSql(*bound)) {
         return Compute(*bound, session);
     }
-    SqliteStatement statement = session.connection.Prepare("SELECT " + emission.Emit(bound));
+    SqliteStatement statement = session.connection().Prepare("SELECT " + emission.Emit(bound));
     emission.BindAll(statement);
     statement.Step();
     return statement.Column(0, bound->type);
@@ -144,45 +119,45 @@ bool TestExpression(SessionCore& session, const ast::Expr& condition) {
     if (!NeedsSql(*bound)) {
         return Test(*bound, session) == true;
     }
-    SqliteStatement statement = session.connection.Prepare("SELECT " + emission.EmitCondition(bound));
+    SqliteStatement statement = session.connection().Prepare("SELECT " + emission.EmitCondition(bound));
     emission.BindAll(statement);
     statement.Step();
     return statement.Int(0) != 0;
 }
 
 void AssignTo(SessionCore& session, std::string_view name, const Value& value, const Type& type) {
-    Variable& variable = session.FindVariable(name);
+    Variable& variable = session.calls().FindVariable(name);
     // NULL is of every type, also where its own would not convert.
     variable.value = IsNull(value) ? Value() : AssignVariable(value, type, variable.type);
 }
 
 void RunSelect(SessionCore& session, const ast::Query& query) {
-    if (IsAssignment(query)) {
+    if (ast::IsAssignment(query)) {
         SelectIntoVariables(session, query);
         return;
     }
-    if (const ast::Name& into = FirstCore(query)->into; !into.empty()) {
+    if (const ast::Name& into = ast::FirstCore(query).into; !into.empty()) {
         SelectIntoTable(session, query, into);
         return;
     }
     Emission emission(session);
     Binder binder(session, emission);
     const BoundQuery bound = binder.BindRows(query);
-    session.sink().Columns(bound.columns);
+    session.results().sink().Columns(bound.columns);
     std::int64_t count = 0;
-    if (!session.options.fmtonly) {
+    if (!session.options().fmtonly) {
         QueryRows rows(session, emission, bound);
         std::vector<Value> values(bound.columns.size());
         while (rows.Next()) {
             for (std::size_t i = 0; i < values.size(); ++i) {
                 values[i] = rows.Column(i, bound.columns[i].type);
             }
-            session.sink().Row(values);
+            session.results().sink().Row(values);
         }
         count = rows.count();
     }
-    session.row_count = count;
-    session.Done(Command::Select, count);
+    session.status().row_count = count;
+    session.results().Done(Command::Select, count);
 }
 
 RowSet FetchAll(SessionCore& session, const ast::Query& query) {
@@ -226,7 +201,7 @@ void OpenRows(SessionCore& session, Cursor& cursor) {
 namespace {
 
 bool IdentityInsertOn(SessionCore& session, const Target& target) {
-    return session.identity_insert == target.table->alias + "." + std::to_string(target.table->id);
+    return session.identities().InsertsInto(*target.table);
 }
 
 /// The positions of the table's columns that the statement gives, in its order.
@@ -338,7 +313,7 @@ void InsertRows(SessionCore& session, const ast::Name& table, const std::vector<
     insert.columns = columns;
     Emission emission(session);
     const Target target = Binder(session, emission).BindTarget(table);
-    session.Write(target.table->alias, [&] {
+    session.transactions().Write(target.table->alias, [&] {
         const std::vector<std::size_t> positions = InsertColumns(session, insert, target);
         RowWriter writer(session, target, "INSERT");
         for (GivenRow& row : QueryRowsFor(source, insert, *target.table, positions)) {
@@ -360,7 +335,7 @@ void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const R
     }
     std::int64_t count = 0;
     OutputRows output(session, insert.outputs, *target.table, OutputRows::kInserted);
-    session.Write(target.table->alias, [&] {
+    session.transactions().Write(target.table->alias, [&] {
         const TableDef& table = *target.table;
         const std::vector<std::size_t> positions = InsertColumns(session, insert, target);
         std::vector<GivenRow> rows;
@@ -389,15 +364,15 @@ void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const R
         writer.Finish();
         count = static_cast<std::int64_t>(rows.size());
         if (writer.last_identity() && count > 0) {
-            session.last_identity = writer.last_identity();
-            session.frame().scope_identity = *writer.last_identity();
-            session.frame().has_scope_identity = true;
+            session.identities().last = writer.last_identity();
+            session.calls().frame().scope_identity = *writer.last_identity();
+            session.calls().frame().has_scope_identity = true;
         } else if (count > 0) {
-            session.last_identity.reset();
+            session.identities().last.reset();
         }
         output.Store();
     });
-    session.row_count = count;
+    session.status().row_count = count;
     output.End(Command::Insert, count);
 }
 

@@ -13,8 +13,6 @@ bool TestExpression(SessionCore& session, const ast::Expr& condition);
 void AssignTo(SessionCore& session, std::string_view variable, const Value& value, const Type& type);
 
 /// SELECT: to the client, into variables or into a new table.
-/// SELECT @v = ...
-bool IsAssignment(const ast::Query& query);
 void RunSelect(SessionCore& session, const ast::Query& query);
 /// The whole result, in memory.
 RowSet FetchAll(SessionCore& session, const ast::Query& query);

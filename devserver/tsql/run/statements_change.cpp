@@ -79,7 +79,7 @@ Selection Select(SessionCore& session, Binder& binder, Emission& emission, const
         selection.where = " WHERE " + emission.EmitCondition(binder.BindCondition(*where, &selection.scope));
     }
     if (!cursor.empty()) {
-        const std::shared_ptr<Cursor> found = session.FindCursor(cursor);
+        const std::shared_ptr<Cursor> found = session.calls().FindCursor(cursor);
         if (!found) {
             RaiseError(16916, {cursor});
         }
@@ -88,14 +88,14 @@ Selection Select(SessionCore& session, Binder& binder, Emission& emission, const
             RaiseError(16931);
         }
         const std::int64_t row = found->row_ids[static_cast<std::size_t>(found->position)];
-        selection.where = " WHERE " + selection.alias + "." + RowWriter::RowIdName(*selection.target.table) +
-                          " = " + std::to_string(row);
+        selection.where = " WHERE " + selection.alias + "." + RowIdName(*selection.target.table) + " = " +
+                          std::to_string(row);
     }
     return selection;
 }
 
 std::string TargetColumns(const Selection& selection) {
-    std::string text = selection.alias + "." + RowWriter::RowIdName(*selection.target.table);
+    std::string text = selection.alias + "." + RowIdName(*selection.target.table);
     for (const ColumnDef& column : selection.target.table->columns) {
         text += ", " + selection.alias + "." + QuoteName(column.name);
     }
@@ -103,7 +103,7 @@ std::string TargetColumns(const Selection& selection) {
 }
 
 std::int64_t RowLimit(SessionCore& session, const std::optional<ast::Top>& top) {
-    std::int64_t limit = session.options.rowcount > 0 ? session.options.rowcount : -1;
+    std::int64_t limit = session.options().rowcount > 0 ? session.options().rowcount : -1;
     if (top) {
         if (top->percent) {
             RaiseError(40517, {"TOP PERCENT in UPDATE and DELETE"});
@@ -200,7 +200,7 @@ void UpdateRows(SessionCore& session, const ast::UpdateStatement& update, Binder
     std::vector<StoredRow> before;
     std::vector<RowValues> after;
     {
-        SqliteStatement row = session.connection.Prepare(sql);
+        SqliteStatement row = session.connection().Prepare(sql);
         emission.BindAll(row);
         std::set<std::int64_t> seen; // A row that FROM gives twice is changed once.
         std::vector<Value> slots(leaves.size());
@@ -249,9 +249,10 @@ void RunUpdate(SessionCore& session, const ast::UpdateStatement& update) {
         Select(session, binder, emission, update.table, update.from, update.where.get(), update.cursor);
     OutputRows output(session, update.outputs, *selection.target.table,
                       OutputRows::kInserted | OutputRows::kDeleted);
-    session.Write(selection.target.table->alias,
-                  [&] { UpdateRows(session, update, binder, emission, selection, output, count); });
-    session.row_count = count;
+    session.transactions().Write(selection.target.table->alias, [&] {
+        UpdateRows(session, update, binder, emission, selection, output, count);
+    });
+    session.status().row_count = count;
     output.End(Command::Update, count);
 }
 
@@ -263,13 +264,13 @@ void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
                                        statement.where.get(), statement.cursor);
     OutputRows output(session, statement.outputs, *selection.target.table, OutputRows::kDeleted);
     std::int64_t count = 0;
-    session.Write(selection.target.table->alias, [&] {
+    session.transactions().Write(selection.target.table->alias, [&] {
         const TableDef& table = *selection.target.table;
         const std::int64_t limit = RowLimit(session, statement.top);
         std::vector<StoredRow> rows;
         {
-            SqliteStatement row = session.connection.Prepare("SELECT " + TargetColumns(selection) + " FROM " +
-                                                             selection.from + selection.where);
+            SqliteStatement row = session.connection().Prepare("SELECT " + TargetColumns(selection) +
+                                                               " FROM " + selection.from + selection.where);
             emission.BindAll(row);
             std::set<std::int64_t> seen;
             while ((limit < 0 || static_cast<std::int64_t>(rows.size()) < limit) && row.Step()) {
@@ -287,7 +288,7 @@ void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
         output.Store();
         count = static_cast<std::int64_t>(rows.size());
     });
-    session.row_count = count;
+    session.status().row_count = count;
     output.End(Command::Delete, count);
 }
 
@@ -295,26 +296,19 @@ namespace {
 
 /// The last identity given in a table: what this session knows of goes before what is stored.
 std::optional<std::int64_t> LastIdentity(SessionCore& session, const Target& target) {
-    const auto& given = session.given_identities;
-    if (const auto known = given.find(target.table->alias + "." + std::to_string(target.table->id));
-        known != given.end()) {
-        return known->second;
+    if (const std::optional<std::int64_t> given = session.identities().Given(*target.table)) {
+        return given;
     }
-    if (target.catalogue != nullptr) {
-        return target.catalogue->IdentityValue(target.table->id);
-    }
-    const auto known = session.temporary_identities.find(target.table->id);
-    return known == session.temporary_identities.end() ? std::nullopt : std::optional(known->second);
+    return target.catalogue != nullptr ? target.catalogue->IdentityValue(target.table->id)
+                                       : session.identities().Temporary(target.table->id);
 }
 
 void SetIdentity(SessionCore& session, const Target& target, std::optional<std::int64_t> value) {
-    session.given_identities.erase(target.table->alias + "." + std::to_string(target.table->id));
+    session.identities().ForgetGiven(*target.table);
     if (target.catalogue != nullptr) {
         target.catalogue->SetIdentityValue(target.table->id, value);
-    } else if (value) {
-        session.temporary_identities[target.table->id] = *value;
     } else {
-        session.temporary_identities.erase(target.table->id);
+        session.identities().SetTemporary(target.table->id, value);
     }
 }
 
@@ -322,8 +316,8 @@ void SetIdentity(SessionCore& session, const Target& target, std::optional<std::
 std::optional<std::int64_t> OutermostIdentity(SessionCore& session, const TableDef& table,
                                               const ColumnDef& column) {
     SqliteStatement row =
-        session.connection.Prepare(std::string("SELECT ") + (column.increment < 0 ? "min(" : "max(") +
-                                   QuoteName(column.name) + ") FROM " + table.Qualified());
+        session.connection().Prepare(std::string("SELECT ") + (column.increment < 0 ? "min(" : "max(") +
+                                     QuoteName(column.name) + ") FROM " + table.Qualified());
     row.Step();
     const Value value = row.Column(0, column.type);
     return IsNull(value)
@@ -365,16 +359,16 @@ void RunCheckIdentity(SessionCore& session, const ast::CheckIdentityStatement& c
                    (column->increment < 0 ? *outermost < *current : *outermost > *current)) {
             next = outermost;
         }
-        session.Write(target.table->alias, [&] { SetIdentity(session, target, next); });
+        session.transactions().Write(target.table->alias, [&] { SetIdentity(session, target, next); });
     }
     if (!check.silent) {
         const auto text = [](const std::optional<std::int64_t>& number) {
             return number ? std::to_string(*number) : "NULL";
         };
-        session.Info(7998, {text(current), text(wanted ? wanted : outermost)});
-        session.Info(2528, {});
+        session.results().Info(7998, {text(current), text(wanted ? wanted : outermost)});
+        session.results().Info(2528, {});
     }
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 void RunTruncate(SessionCore& session, const ast::TruncateStatement& truncate) {
@@ -388,11 +382,11 @@ void RunTruncate(SessionCore& session, const ast::TruncateStatement& truncate) {
             RaiseError(4712, {target.table->name});
         }
     }
-    session.Write(target.table->alias, [&] {
-        session.connection.Execute("DELETE FROM " + target.table->Qualified());
+    session.transactions().Write(target.table->alias, [&] {
+        session.connection().Execute("DELETE FROM " + target.table->Qualified());
         SetIdentity(session, target, std::nullopt);
     });
-    session.Done(Command::None, std::nullopt);
+    session.results().Done(Command::None, std::nullopt);
 }
 
 } // namespace devsql

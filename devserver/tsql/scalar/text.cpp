@@ -215,6 +215,10 @@ std::string ToLower(std::string_view text) {
     return MapText(text, kv::LowerCharacter);
 }
 
+std::string Folded(std::string_view name) {
+    return ToLower(TrimTrailingBlanks(name));
+}
+
 std::string AsciiUpper(std::string_view text) {
     std::string result(text);
     for (char& c : result) {

@@ -48,6 +48,8 @@ char32_t ToUpper(char32_t character);
 char32_t ToLower(char32_t character);
 std::string ToUpper(std::string_view text);
 std::string ToLower(std::string_view text);
+/// The form of a name that every other spelling of it shares: lower case, no blanks at its end.
+std::string Folded(std::string_view name);
 /// ASCII letters only; for keywords and names of the language.
 std::string AsciiUpper(std::string_view text);
 /// Equal but for the case of ASCII letters.

@@ -2,46 +2,40 @@
 
 #include <utility>
 
+#include "devserver/tsql/parse/ast.h"
 #include "devserver/tsql/run/interpreter.h"
+#include "devserver/tsql/server/procedure_list.h"
 
 namespace devsql {
 
-ClientSession::ClientSession(Server& server, std::int32_t id, const LoginRequest& request,
-                             const std::string& login)
-    : core_(server, id, login) {
-    core_.host_name = request.host_name;
-    core_.application = request.application;
-    core_.password = request.password;
-}
-
 void ClientSession::Run(ResultSink& sink, const std::function<void()>& work) {
-    const std::lock_guard lock(core_.running);
-    core_.cancelled = false; // Before it is asked: who ends the session sets `ended` first.
-    core_.ExchangeSink(&sink);
-    if (core_.ended) {
-        core_.line = 1;
-        core_.Info(596);
-        core_.ExchangeSink(nullptr);
+    const std::lock_guard lock(core_.interruption().running());
+    core_.interruption().Reset(); // Before the next line: whoever ends the session says so first.
+    core_.results().Exchange(&sink);
+    if (core_.interruption().session_ended()) {
+        core_.status().line = 1;
+        core_.results().Info(596);
+        core_.results().Exchange(nullptr);
         return;
     }
     work();
-    core_.ExchangeSink(nullptr);
+    core_.results().Exchange(nullptr);
     core_.remote().Release();
-    if (core_.transaction_count() == 0) {
-        core_.ReleaseDatabases();
+    if (core_.transactions().count() == 0) {
+        core_.databases().ReleaseOthers();
     }
 }
 
 void ClientSession::ExecuteBatch(std::string_view sql, ResultSink& sink) {
-    RunOther(sink, [&] { Interpreter(core_).RunBatch(sql); });
+    RunOther(sink, [&] { Interpreter(core_, FindSystemProcedure).RunBatch(sql); });
 }
 
 void ClientSession::ExecuteProcedure(const RpcCall& call, ResultSink& sink) {
-    RunOther(sink, [&] { Interpreter(core_).RunCall(call); });
+    RunOther(sink, [&] { Interpreter(core_, FindSystemProcedure).RunCall(call); });
 }
 
 void ClientSession::RunOther(ResultSink& sink, const std::function<void()>& work) {
-    if (std::exchange(core_.bulk, nullptr)) {
+    if (std::exchange(core_.status().bulk, nullptr)) {
         sink.Send(
             {4022, 16, 1, "Bulk load data was expected but not sent. The batch will be terminated.", "", 1});
         return;
@@ -50,7 +44,7 @@ void ClientSession::RunOther(ResultSink& sink, const std::function<void()>& work
 }
 
 void ClientSession::LoadRows(BulkRows& rows, ResultSink& sink) {
-    const std::shared_ptr<const ast::InsertBulkStatement> bulk = std::exchange(core_.bulk, nullptr);
+    const std::shared_ptr<const ast::InsertBulkStatement> bulk = std::exchange(core_.status().bulk, nullptr);
     if (!bulk) {
         sink.Send(
             {4002, 16, 1,
@@ -59,22 +53,22 @@ void ClientSession::LoadRows(BulkRows& rows, ResultSink& sink) {
              "", 1});
         return;
     }
-    Run(sink, [&] { Interpreter(core_).RunBulk(*bulk, rows); });
+    Run(sink, [&] { Interpreter(core_, FindSystemProcedure).RunBulk(*bulk, rows); });
 }
 
 void ClientSession::Enter(const std::string& database, ResultSink& sink) {
-    const std::lock_guard lock(core_.running);
-    core_.ExchangeSink(&sink);
+    const std::lock_guard lock(core_.interruption().running());
+    core_.results().Exchange(&sink);
     try {
-        core_.Use(database);
+        core_.databases().Use(database);
     } catch (const Cancelled&) {
-        core_.ExchangeSink(nullptr);
+        core_.results().Exchange(nullptr);
         RaiseError(596);
     } catch (...) {
-        core_.ExchangeSink(nullptr);
+        core_.results().Exchange(nullptr);
         throw;
     }
-    core_.ExchangeSink(nullptr);
+    core_.results().Exchange(nullptr);
 }
 
 } // namespace devsql

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <thread>
 
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/server.h"
 #include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
@@ -31,13 +32,13 @@ std::int32_t DatabaseUsers::NewSessionId() {
 
 void DatabaseUsers::Register(SessionCore& session) {
     const std::lock_guard lock(mutex_);
-    sessions_[session.id] = &session;
+    sessions_[session.id()] = &session;
 }
 
 void DatabaseUsers::Withdraw(SessionCore& session) {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [&] { return !ending_.contains(&session); });
-    sessions_.erase(session.id);
+    sessions_.erase(session.id());
 }
 
 template <class Done>
@@ -45,7 +46,7 @@ bool DatabaseUsers::WaitFor(std::unique_lock<std::mutex>& lock, const SessionCor
                             milliseconds limit, Done done) {
     const auto end = steady_clock::now() + limit;
     while (!done()) {
-        if (session.cancelled || steady_clock::now() >= end) {
+        if (session.interruption().requested() || steady_clock::now() >= end) {
             return false;
         }
         changed_.wait_for(lock, kTick);
@@ -58,7 +59,7 @@ DatabaseInfo DatabaseUsers::Enter(const std::string& name, SessionCore& session)
     std::optional<DatabaseInfo> info;
     Usage* usage = nullptr;
     // While it is closed it may be renamed or removed: it is found anew each time.
-    const bool open = WaitFor(lock, session, session.LockTime(), [&] {
+    const bool open = WaitFor(lock, session, session.transactions().LockTime(), [&] {
         info = FindDatabase(list_, name);
         usage = info ? &usage_[info->id] : nullptr;
         return usage == nullptr || usage->closed_by == nullptr || usage->closed_by == &session;
@@ -133,7 +134,7 @@ void DatabaseUsers::CloseAndThrowOut(int database, const SessionCore& session) {
         for (SessionCore* other : others) {
             End(*other, session);
         }
-        if (session.cancelled) {
+        if (session.interruption().requested()) {
             Reopen(database);
             session.CheckCancelled();
         }
@@ -149,17 +150,18 @@ void DatabaseUsers::End(SessionCore& session, const SessionCore& by) {
         changed_.notify_all();
     };
     const std::unique_ptr<SessionCore, decltype(release)> taken(&session, release);
-    session.ended = true;
-    std::unique_lock running(session.running, std::defer_lock);
+    session.interruption().EndSession();
+    std::unique_lock running(session.interruption().running(), std::defer_lock);
     do {
         session.Cancel(); // Again and again: it may have been between two statements.
         if (running.try_lock()) {
-            session.AbandonTransaction();
-            session.ReleaseEverything();
+            session.transactions().Abandon();
+            session.databases().ReleaseAll();
             return;
         }
         std::this_thread::sleep_for(milliseconds(1));
-    } while (!by.ended); // Two that end each other: the one that was ended first gives up.
+    } while (!by.interruption()
+                  .session_ended()); // Two that end each other: the one that was ended first gives up.
 }
 
 void DatabaseUsers::Kill(std::int32_t id, const SessionCore& by) {
@@ -183,8 +185,9 @@ std::vector<DatabaseUsers::SessionInfo> DatabaseUsers::Sessions() {
     const std::lock_guard lock(mutex_);
     std::vector<SessionInfo> list;
     for (const auto& [id, session] : sessions_) {
+        const ClientInfo& client = session->client();
         list.push_back(
-            {id, session->login, session->host_name, session->application, "", session->isolation_level});
+            {id, client.login, client.host_name, client.application, "", session->isolation_level()});
         for (const auto& [database, usage] : usage_) {
             if (usage.sessions.contains(session)) {
                 list.back().database = usage.name;
@@ -194,13 +197,13 @@ std::vector<DatabaseUsers::SessionInfo> DatabaseUsers::Sessions() {
     return list;
 }
 
-DatabaseUsers::ListTurn::ListTurn(const SessionCore& session) : users_(session.server.users()) {
+DatabaseUsers::ListTurn::ListTurn(const SessionCore& session) : users_(session.server().users()) {
     std::unique_lock lock(users_.mutex_);
-    const bool taken = users_.WaitFor(lock, session, session.LockTime(),
+    const bool taken = users_.WaitFor(lock, session, session.transactions().LockTime(),
                                       [&] { return users_.turn_ == nullptr || users_.turn_ == &session; });
     if (!taken) {
         session.CheckCancelled();
-        throw session.LockError();
+        throw session.transactions().LockError();
     }
     users_.turn_ = &session;
     ++users_.turns_;

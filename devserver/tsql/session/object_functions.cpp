@@ -3,9 +3,9 @@
 #include <array>
 
 #include "devserver/storage/databases.h"
-#include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/text.h"
+#include "devserver/tsql/session/object_place.h"
 #include "devserver/tsql/session/session_function_parts.h"
 
 namespace devsql {
@@ -25,10 +25,10 @@ std::optional<Found> FindNamed(SessionCore& session, const std::string& text) {
         return std::nullopt;
     }
     const ObjectPlace place = PlaceOf(session, name);
-    if (!FindDatabase(session.connection, place.database)) {
+    if (!FindDatabase(session.connection(), place.database)) {
         return std::nullopt;
     }
-    Catalogue& catalogue = session.Database(place.database);
+    Catalogue& catalogue = session.databases().Get(place.database);
     std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
     return object ? std::optional(Found{&catalogue, std::move(*object)}) : std::nullopt;
 }
@@ -37,7 +37,7 @@ Value ObjectId(SessionCore& session, Values values, Types types) {
     const std::string text = TextOf(values, types, 0);
     const ast::Name name = ParseName(text);
     if (!name.empty() && IsSessionTable(name.last())) {
-        const TablePtr table = session.FindTemporary(name.last());
+        const TablePtr table = session.temporaries().Find(name.last());
         return table ? Value(table->id) : Value();
     }
     const std::optional<Found> found = FindNamed(session, text);
@@ -50,7 +50,7 @@ Value ObjectId(SessionCore& session, Values values, Types types) {
 
 Value ObjectName(SessionCore& session, Values values, Types types) {
     const std::optional<std::int64_t> id = IntOf(values, types, 0);
-    const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
+    const std::optional<ObjectDef> object = id ? session.databases().Current().FindObject(*id) : std::nullopt;
     return object ? Value(object->name) : Value();
 }
 
@@ -100,7 +100,7 @@ Value TableProperty(const TableDef& table, std::string_view property) {
 
 Value ObjectProperty(SessionCore& session, Values values, Types types) {
     const std::optional<std::int64_t> id = IntOf(values, types, 0);
-    const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
+    const std::optional<ObjectDef> object = id ? session.databases().Current().FindObject(*id) : std::nullopt;
     if (!object) {
         return {};
     }
@@ -148,14 +148,16 @@ Value ObjectProperty(SessionCore& session, Values values, Types types) {
     if (property == "ISENCRYPTED") {
         return std::int64_t{object->encrypted};
     }
-    const TablePtr table = object->type == "U" ? session.Table(session.CurrentDatabase(), *id) : nullptr;
+    const TablePtr table =
+        object->type == "U" ? session.databases().Table(session.databases().Current(), *id) : nullptr;
     return table ? TableProperty(*table, property) : Value();
 }
 
 TablePtr TableById(SessionCore& session, Values values, Types types, std::size_t index) {
     const std::optional<std::int64_t> id = IntOf(values, types, index);
-    const std::optional<ObjectDef> object = id ? session.CurrentDatabase().FindObject(*id) : std::nullopt;
-    return object && object->type == "U" ? session.Table(session.CurrentDatabase(), *id) : nullptr;
+    const std::optional<ObjectDef> object = id ? session.databases().Current().FindObject(*id) : std::nullopt;
+    return object && object->type == "U" ? session.databases().Table(session.databases().Current(), *id)
+                                         : nullptr;
 }
 
 Value ColumnProperty(SessionCore& session, Values values, Types types) {
@@ -198,8 +200,9 @@ Value ColumnProperty(SessionCore& session, Values values, Types types) {
 
 Value ColLength(SessionCore& session, Values values, Types types) {
     const std::optional<Found> found = FindNamed(session, TextOf(values, types, 0));
-    const TablePtr table =
-        found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const TablePtr table = found && found->object.type == "U"
+                               ? session.databases().Table(*found->catalogue, found->object.id)
+                               : nullptr;
     const ColumnDef* column = table ? table->Find(TextOf(values, types, 1)) : nullptr;
     return column == nullptr ? Value() : Value(std::int64_t{StorageBytes(column->type)});
 }
@@ -255,8 +258,9 @@ Value IndexProperty(SessionCore& session, Values values, Types types) {
 /// INDEX_COL(table, index id, key): the key's column.
 Value IndexColumn(SessionCore& session, Values values, Types types) {
     const std::optional<Found> found = FindNamed(session, TextOf(values, types, 0));
-    const TablePtr table =
-        found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const TablePtr table = found && found->object.type == "U"
+                               ? session.databases().Table(*found->catalogue, found->object.id)
+                               : nullptr;
     const IndexDef* index = FindIndex(
         table, [](const IndexDef& i, const std::string& id) { return std::to_string(i.id) == id; },
         TextOf(values, types, 1));
@@ -271,8 +275,9 @@ Value IndexColumn(SessionCore& session, Values values, Types types) {
 
 Value IdentityInfo(SessionCore& session, const std::string& name, int what) {
     const std::optional<Found> found = FindNamed(session, name);
-    const TablePtr table =
-        found && found->object.type == "U" ? session.Table(*found->catalogue, found->object.id) : nullptr;
+    const TablePtr table = found && found->object.type == "U"
+                               ? session.databases().Table(*found->catalogue, found->object.id)
+                               : nullptr;
     const ColumnDef* column = table ? table->IdentityColumn() : nullptr;
     if (column == nullptr) {
         return {};

@@ -3,12 +3,12 @@
 #include <array>
 #include <random>
 
-#include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/errors.h"
 #include "devserver/tsql/scalar/functions.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
+#include "devserver/tsql/session/server.h"
 #include "devserver/tsql/session/session_function_parts.h"
 #include "devserver/tsql/session/user_messages.h"
 #include "devserver/tsql/session/version.h"
@@ -22,17 +22,17 @@ constexpr Type kName = Sized(TypeId::NVarChar, 128);
 // ------------------------------------------------------------------ databases and server
 
 Value DbId(SessionCore& session, Values values, Types types) {
-    const std::string name = values.empty() ? session.CurrentDatabaseName() : TextOf(values, types, 0);
-    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, name);
+    const std::string name = values.empty() ? session.databases().CurrentName() : TextOf(values, types, 0);
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection(), name);
     return info ? Value(std::int64_t{info->id}) : Value();
 }
 
 Value DbName(SessionCore& session, Values values, Types types) {
     if (values.empty()) {
-        return session.CurrentDatabaseName();
+        return session.databases().CurrentName();
     }
     const std::optional<std::int64_t> id = IntOf(values, types, 0);
-    for (const DatabaseInfo& info : ListDatabases(session.connection)) {
+    for (const DatabaseInfo& info : ListDatabases(session.connection())) {
         if (id && info.id == *id) {
             return info.name;
         }
@@ -43,7 +43,7 @@ Value DbName(SessionCore& session, Values values, Types types) {
 /// Numbers as texts: the one type that stands for sql_variant here.
 Value ServerProperty(SessionCore& session, Values values, Types types) {
     const std::string property = AsciiUpper(TextOf(values, types, 0));
-    const std::string& server = session.server.ServerName();
+    const std::string& server = session.server().name();
     const std::size_t slash = server.find('\\');
     if (property == "SERVERNAME") {
         return server;
@@ -79,7 +79,7 @@ Value ServerProperty(SessionCore& session, Values values, Types types) {
 }
 
 Value DatabasePropertyEx(SessionCore& session, Values values, Types types) {
-    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, TextOf(values, types, 0));
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection(), TextOf(values, types, 0));
     if (!info) {
         return {};
     }
@@ -116,30 +116,30 @@ Value DatabasePropertyEx(SessionCore& session, Values values, Types types) {
 }
 
 Value HasDbAccess(SessionCore& session, Values values, Types types) {
-    const std::optional<DatabaseInfo> info = FindDatabase(session.connection, TextOf(values, types, 0));
+    const std::optional<DatabaseInfo> info = FindDatabase(session.connection(), TextOf(values, types, 0));
     return info ? Value(std::int64_t{1}) : Value();
 }
 
 Value SuserSid(SessionCore& session, Values values, Types types) {
-    const std::string name = values.empty() ? session.login : TextOf(values, types, 0);
-    SqliteStatement row = session.connection.Prepare("SELECT sid FROM devsql_logins WHERE name = ?1");
+    const std::string name = values.empty() ? session.client().login : TextOf(values, types, 0);
+    SqliteStatement row = session.connection().Prepare("SELECT sid FROM devsql_logins WHERE name = ?1");
     row.BindText(1, name);
     return row.Step() ? row.Column(0, Sized(TypeId::VarBinary, 85)) : Value();
 }
 
 Value SuserName(SessionCore& session, Values values, Types types) {
     if (values.empty() || types[0].id == TypeId::Int) {
-        return session.login;
+        return session.client().login;
     }
-    SqliteStatement row = session.connection.Prepare("SELECT name FROM devsql_logins WHERE sid = ?1");
+    SqliteStatement row = session.connection().Prepare("SELECT name FROM devsql_logins WHERE sid = ?1");
     row.Bind(1, values[0], types[0]);
     return row.Step() ? Value(row.Text(0)) : Value();
 }
 
 std::string CurrentUser(SessionCore& session) {
-    SqliteStatement row =
-        session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_users WHERE login = ?1 AND id > 4");
-    row.BindText(1, session.login);
+    SqliteStatement row = session.databases().Current().Prepare(
+        "SELECT name FROM {db}.devsql_users WHERE login = ?1 AND id > 4");
+    row.BindText(1, session.client().login);
     return row.Step() ? row.Text(0) : "dbo";
 }
 
@@ -149,14 +149,14 @@ Value UserName(SessionCore& session, Values values, Types types) {
         return CurrentUser(session);
     }
     SqliteStatement row =
-        session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_users WHERE id = ?1");
+        session.databases().Current().Prepare("SELECT name FROM {db}.devsql_users WHERE id = ?1");
     row.BindInt(1, *id);
     return row.Step() ? Value(row.Text(0)) : Value();
 }
 
 Value UserId(SessionCore& session, Values values, Types types) {
     SqliteStatement row =
-        session.CurrentDatabase().Prepare("SELECT id FROM {db}.devsql_users WHERE name = ?1");
+        session.databases().Current().Prepare("SELECT id FROM {db}.devsql_users WHERE name = ?1");
     row.BindText(1, values.empty() ? CurrentUser(session) : TextOf(values, types, 0));
     return row.Step() ? Value(row.Int(0)) : Value();
 }
@@ -169,7 +169,7 @@ Value IsMember(SessionCore& session, Values values, Types types) {
 }
 
 Value CursorStatus(SessionCore& session, Values values, Types types) {
-    const std::shared_ptr<Cursor> cursor = session.FindCursor(TextOf(values, types, 1));
+    const std::shared_ptr<Cursor> cursor = session.calls().FindCursor(TextOf(values, types, 1));
     return std::int64_t{!cursor ? -3 : cursor->open ? (cursor->rows.rows.empty() ? 0 : 1) : -1};
 }
 
@@ -193,7 +193,7 @@ Value FormatMessage(SessionCore& session, Values values, Types types) {
 /// The SET options of the session, 1 or 0.
 Value SessionProperty(SessionCore& session, Values values, Types types) {
     const std::string name = AsciiUpper(TextOf(values, types, 0));
-    const Options& options = session.options;
+    const Options& options = session.options();
     const std::pair<std::string_view, bool> properties[] = {
         {"ANSI_NULLS", options.ansi_nulls},
         {"ANSI_PADDING", true},
@@ -211,7 +211,7 @@ Value SessionProperty(SessionCore& session, Values values, Types types) {
 }
 
 const Message* Caught(const SessionCore& session) {
-    return session.caught.empty() ? nullptr : &session.caught.back().message;
+    return session.status().caught.empty() ? nullptr : &session.status().caught.back();
 }
 
 constexpr std::int64_t kSysNameType = 256;
@@ -228,7 +228,7 @@ Value TypeIdOf(SessionCore& session, Values values, Types types) {
         return std::int64_t{SystemTypeOf(*id).xtype};
     }
     SqliteStatement row =
-        session.CurrentDatabase().Prepare("SELECT rowid + 256 FROM {db}.devsql_types WHERE name = ?1");
+        session.databases().Current().Prepare("SELECT rowid + 256 FROM {db}.devsql_types WHERE name = ?1");
     return row.BindText(1, name.last()).Step() ? Value(row.Int(0)) : Value();
 }
 
@@ -238,8 +238,8 @@ Value TypeNameOf(SessionCore& session, Values values, Types types) {
         return std::string("sysname");
     }
     if (id > kSysNameType) {
-        SqliteStatement row =
-            session.CurrentDatabase().Prepare("SELECT name FROM {db}.devsql_types WHERE rowid + 256 = ?1");
+        SqliteStatement row = session.databases().Current().Prepare(
+            "SELECT name FROM {db}.devsql_types WHERE rowid + 256 = ?1");
         return row.BindInt(1, *id).Step() ? Value(row.Text(0)) : Value();
     }
     for (const SystemType& type : SystemTypes()) {
@@ -280,7 +280,8 @@ constexpr SessionFunction kFunctions[] = {
     {"NEWSEQUENTIALID", 0, 0, Simple(TypeId::UniqueIdentifier), NewId, false},
     {"SCOPE_IDENTITY", 0, 0, DecimalType(38, 0),
      [](SessionCore& s, Values, Types) -> Value {
-         return s.frame().has_scope_identity ? Value(Decimal{s.frame().scope_identity, 0}) : Value();
+         return s.calls().frame().has_scope_identity ? Value(Decimal{s.calls().frame().scope_identity, 0})
+                                                     : Value();
      },
      true},
     {"FORMATMESSAGE", 1, 21, Sized(TypeId::NVarChar, 4000), FormatMessage, false},
@@ -310,11 +311,13 @@ constexpr SessionFunction kFunctions[] = {
     {"IS_SRVROLEMEMBER", 1, 2, kInt, IsMember, false},
     {"PERMISSIONS", 0, 2, kInt, [](SessionCore&, Values, Types) -> Value { return std::int64_t{0x1F1F1F1F}; },
      false},
-    {"HOST_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.host_name; }, true},
-    {"APP_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.application; }, true},
+    {"HOST_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.client().host_name; },
+     true},
+    {"APP_NAME", 0, 0, kName, [](SessionCore& s, Values, Types) -> Value { return s.client().application; },
+     true},
     {"XACT_STATE", 0, 0, Simple(TypeId::SmallInt),
      [](SessionCore& s, Values, Types) -> Value {
-         return std::int64_t{s.doomed ? -1 : s.transaction_count() > 0 ? 1 : 0};
+         return std::int64_t{s.transactions().doomed() ? -1 : s.transactions().count() > 0 ? 1 : 0};
      },
      true},
     {"CURSOR_STATUS", 2, 2, Simple(TypeId::SmallInt), CursorStatus, false},
@@ -350,25 +353,25 @@ constexpr SessionFunction kFunctions[] = {
      true},
 };
 
-struct GlobalVariable {
+struct GlobalEntry {
     std::string_view name;
     Type type;
     Value (*value)(SessionCore& session);
 };
 
-constexpr GlobalVariable kGlobals[] = {
-    {"@@ERROR", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.last_error}; }},
-    {"@@ROWCOUNT", kInt, [](SessionCore& s) -> Value { return s.row_count; }},
-    {"@@TRANCOUNT", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.transaction_count()}; }},
+constexpr GlobalEntry kGlobals[] = {
+    {"@@ERROR", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.status().last_error}; }},
+    {"@@ROWCOUNT", kInt, [](SessionCore& s) -> Value { return s.status().row_count; }},
+    {"@@TRANCOUNT", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.transactions().count()}; }},
     {"@@IDENTITY", DecimalType(38, 0, TypeId::Numeric),
      [](SessionCore& s) -> Value {
-         return s.last_identity ? Value(Decimal{*s.last_identity, 0}) : Value();
+         return s.identities().last ? Value(Decimal{*s.identities().last, 0}) : Value();
      }},
-    {"@@FETCH_STATUS", kInt, [](SessionCore& s) -> Value { return s.fetch_status; }},
-    {"@@NESTLEVEL", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.nesting() - 1}; }},
-    {"@@PROCID", kInt, [](SessionCore& s) -> Value { return s.frame().procedure_id; }},
-    {"@@SPID", Simple(TypeId::SmallInt), [](SessionCore& s) -> Value { return std::int64_t{s.id}; }},
-    {"@@SERVERNAME", kName, [](SessionCore& s) -> Value { return s.server.ServerName(); }},
+    {"@@FETCH_STATUS", kInt, [](SessionCore& s) -> Value { return s.status().fetch_status; }},
+    {"@@NESTLEVEL", kInt, [](SessionCore& s) -> Value { return std::int64_t{s.calls().nesting() - 1}; }},
+    {"@@PROCID", kInt, [](SessionCore& s) -> Value { return s.calls().frame().procedure_id; }},
+    {"@@SPID", Simple(TypeId::SmallInt), [](SessionCore& s) -> Value { return std::int64_t{s.id()}; }},
+    {"@@SERVERNAME", kName, [](SessionCore& s) -> Value { return s.server().name(); }},
     {"@@SERVICENAME", kName, [](SessionCore&) -> Value { return std::string("MSSQLSERVER"); }},
     {"@@VERSION", Sized(TypeId::NVarChar, 300),
      [](SessionCore&) -> Value { return std::string(kVersionText); }},
@@ -376,21 +379,21 @@ constexpr GlobalVariable kGlobals[] = {
     {"@@LANGUAGE", kName, [](SessionCore&) -> Value { return std::string("us_english"); }},
     {"@@LANGID", Simple(TypeId::SmallInt), [](SessionCore&) -> Value { return std::int64_t{0}; }},
     {"@@DATEFIRST", Simple(TypeId::TinyInt),
-     [](SessionCore& s) -> Value { return std::int64_t{s.options.dates.first_day}; }},
-    {"@@TEXTSIZE", kInt, [](SessionCore& s) -> Value { return s.options.textsize; }},
-    {"@@LOCK_TIMEOUT", kInt, [](SessionCore& s) -> Value { return s.options.lock_timeout; }},
+     [](SessionCore& s) -> Value { return std::int64_t{s.options().dates.first_day}; }},
+    {"@@TEXTSIZE", kInt, [](SessionCore& s) -> Value { return s.options().textsize; }},
+    {"@@LOCK_TIMEOUT", kInt, [](SessionCore& s) -> Value { return s.options().lock_timeout; }},
     {"@@MAX_PRECISION", Simple(TypeId::TinyInt), [](SessionCore&) -> Value { return std::int64_t{38}; }},
     {"@@MAX_CONNECTIONS", kInt, [](SessionCore&) -> Value { return std::int64_t{32767}; }},
     {"@@CURSOR_ROWS", kInt, [](SessionCore&) -> Value { return std::int64_t{0}; }},
     {"@@OPTIONS", kInt,
      [](SessionCore& s) -> Value {
-         return std::int64_t{(s.options.nocount ? 512 : 0) | (s.options.quoted_identifier ? 256 : 0) |
-                             (s.options.ansi_nulls ? 32 : 0) | (s.options.xact_abort ? 16384 : 0) | 4096};
+         return std::int64_t{(s.options().nocount ? 512 : 0) | (s.options().quoted_identifier ? 256 : 0) |
+                             (s.options().ansi_nulls ? 32 : 0) | (s.options().xact_abort ? 16384 : 0) | 4096};
      }},
     {"@@DBTS", Sized(TypeId::VarBinary, 8),
      [](SessionCore& s) -> Value {
          std::string bytes(8, '\0');
-         auto number = static_cast<std::uint64_t>(s.CurrentDatabase().LastTimestamp());
+         auto number = static_cast<std::uint64_t>(s.databases().Current().LastTimestamp());
          for (std::size_t i = 8; i-- > 0; number >>= 8) {
              bytes[i] = static_cast<char>(number & 0xFF);
          }
@@ -411,10 +414,10 @@ const SessionFunction* FindSessionFunction(std::string_view name) {
     return nullptr;
 }
 
-BoundPtr SessionCore::Global(std::string_view name) {
-    for (const GlobalVariable& variable : kGlobals) {
+Variable GlobalVariable(SessionCore& session, std::string_view name) {
+    for (const GlobalEntry& variable : kGlobals) {
         if (AsciiEqual(variable.name, name)) {
-            return MakeConstant(variable.value(*this), variable.type);
+            return {variable.type, variable.value(session)};
         }
     }
     RaiseError(137, {name});

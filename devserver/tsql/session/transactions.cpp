@@ -1,19 +1,20 @@
-// Transactions: SQLite's begins with the first write of T-SQL's, so that one that only reads sees every
-// commit of others, as READ COMMITTED does, and holds no lock.
-#include <chrono>
+#include "devserver/tsql/session/transactions.h"
+
 #include <thread>
 
 #include <sqlite3.h>
 
+#include "devserver/tsql/scalar/errors.h"
 #include "devserver/tsql/scalar/text.h"
-#include "devserver/tsql/server/server.h"
 #include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
 namespace {
 
+using std::chrono::milliseconds;
+
 /// Two sessions that wait for each other end so: one of them gives up.
-constexpr std::chrono::milliseconds kLongestWait(20000);
+constexpr milliseconds kLongestWait(20000);
 
 /// The rows of one table variable, kept while a rollback takes them away.
 struct KeptTable {
@@ -55,20 +56,24 @@ void Restore(SqliteConnection& connection, const KeptTable& kept) {
 
 } // namespace
 
-void SessionCore::BeginStorage() {
-    if (!connection.InTransaction()) {
-        connection.Prepare("BEGIN").Run();
+Transactions::Transactions(SessionCore& session) : session_(session) {
+    session_.connection().OnBusy([this](int waited) { return WaitForLock(waited); });
+}
+
+void Transactions::BeginStorage() {
+    if (!session_.connection().InTransaction()) {
+        session_.connection().Prepare("BEGIN").Run();
     }
 }
 
 /// Takes the write lock before anything is read, so that what is read is what will be changed. Where the
 /// transaction has read of this file before, SQLite does not ask the busy handler, and the waiting is done
 /// here; what it read must then still be the last commit (SQLITE_BUSY_SNAPSHOT says that it is not).
-void SessionCore::LockForWriting(const std::string& alias) {
+void Transactions::LockForWriting(const std::string& alias) {
+    SqliteConnection& connection = session_.connection();
     if (alias == "temp" || connection.Writes(alias)) {
         return;
     }
-    using std::chrono::milliseconds;
     constexpr milliseconds kPause(5);
     const auto begun = std::chrono::steady_clock::now();
     for (;;) {
@@ -86,25 +91,24 @@ void SessionCore::LockForWriting(const std::string& alias) {
     }
 }
 
-bool SessionCore::WaitForLock(int waited) const {
-    if (cancelled) {
-        return false;
-    }
-    return std::chrono::milliseconds(waited) < LockTime();
+bool Transactions::WaitForLock(int waited) const {
+    return !session_.interruption().requested() && milliseconds(waited) < LockTime();
 }
 
-std::chrono::milliseconds SessionCore::LockTime() const {
-    return options.lock_timeout >= 0 ? std::chrono::milliseconds(options.lock_timeout) : kLongestWait;
+milliseconds Transactions::LockTime() const {
+    const std::int64_t timeout = session_.options().lock_timeout;
+    return timeout >= 0 ? milliseconds(timeout) : kLongestWait;
 }
 
-SqlError SessionCore::LockError() const {
-    return options.lock_timeout >= 0 ? ErrorOf(1222, {}, 51)
-                                     : ErrorOf(1205, {std::to_string(id), "lock"}, 51);
+SqlError Transactions::LockError() const {
+    return session_.options().lock_timeout >= 0 ? ErrorOf(1222, {}, 51)
+                                                : ErrorOf(1205, {std::to_string(session_.id()), "lock"}, 51);
 }
 
-void SessionCore::Write(const std::string& alias, const std::function<void()>& work) {
-    const bool own = transaction_count_ == 0 && writes_ == 0;
-    const Temporaries before = temporary_;
+void Transactions::Write(const std::string& alias, const std::function<void()>& work) {
+    SqliteConnection& connection = session_.connection();
+    const bool own = count_ == 0 && writes_ == 0;
+    const Temporaries before = session_.temporaries().list();
     BeginStorage();
     ++writes_;
     const std::string savepoint = "write" + std::to_string(writes_);
@@ -116,157 +120,156 @@ void SessionCore::Write(const std::string& alias, const std::function<void()>& w
             saved = true;
         }
         work();
-        if (own) {
-            connection.Prepare("COMMIT").Run();
-        } else {
-            connection.Prepare("RELEASE " + savepoint).Run();
-        }
+        connection.Prepare(own ? "COMMIT" : "RELEASE " + savepoint).Run();
         --writes_;
     } catch (...) {
-        const Uninterrupted whole(*this);
-        if (connection.InTransaction()) {
-            if (own) {
-                RollbackAround("ROLLBACK", before, false);
-            } else if (saved) {
-                RollbackAround("ROLLBACK TO " + savepoint + "; RELEASE " + savepoint, before, false);
-            }
-        } else { // SQLite has given the transaction up by itself.
-            LoseTransaction(own ? before : temporary_before_);
-        }
+        UndoWrite(savepoint, own, saved, before);
         --writes_;
         throw;
     }
 }
 
-void SessionCore::RollbackAround(const std::string& text, const Temporaries& temporary, bool keep_variables) {
+void Transactions::UndoWrite(const std::string& savepoint, bool own, bool saved, const Temporaries& before) {
+    const Interruption::Block block(session_.interruption());
+    if (!session_.connection().InTransaction()) { // SQLite has given the transaction up by itself.
+        Lose(own ? before : temporary_before_);
+    } else if (own) {
+        RollbackAround("ROLLBACK", before, false);
+    } else if (saved) {
+        RollbackAround("ROLLBACK TO " + savepoint + "; RELEASE " + savepoint, before, false);
+    }
+}
+
+void Transactions::RollbackAround(const std::string& text, const Temporaries& temporary,
+                                  bool keep_variables) {
+    SqliteConnection& connection = session_.connection();
     std::vector<KeptTable> kept;
-    for (Frame* frame = frame_; keep_variables && frame != nullptr; frame = frame->caller) {
-        for (const auto& [name, table] : frame->tables) {
+    if (keep_variables) {
+        for (const TablePtr& table : session_.calls().TableVariables()) {
             kept.push_back(Keep(connection, table));
         }
     }
     connection.Execute(text);
-    temporary_ = temporary;
-    DropTemporariesFrom(nesting_ + 1); // of calls that have ended within what is rolled back
-    ForgetTables();
+    session_.temporaries().Restore(temporary);
+    session_.databases().ForgetTables();
     for (const KeptTable& table : kept) {
         Restore(connection, table);
     }
 }
 
-void SessionCore::ResetTransaction() {
-    transaction_count_ = 0;
+void Transactions::Reset() {
+    count_ = 0;
     savepoints_.clear();
-    transaction_name_.clear();
-    doomed = false;
+    name_.clear();
+    doomed_ = false;
     lost_ = false;
 }
 
 /// For a transaction that SQLite has rolled back, which it does where a commit fails and where a write fails
 /// in a way that it can't undo alone. Table variables are as they were before the transaction.
-void SessionCore::LoseTransaction(const Temporaries& temporary) {
-    temporary_ = temporary;
-    DropTemporariesFrom(nesting_ + 1);
-    ForgetTables();
-    for (Frame* frame = frame_; frame != nullptr; frame = frame->caller) {
-        for (const auto& [name, table] : frame->tables) {
-            SqliteStatement known = connection.Prepare("SELECT 1 FROM temp.sqlite_master WHERE name = ?1");
-            known.BindText(1, table->physical);
-            if (!known.Step()) {
-                known.Reset();
-                Restore(connection, {table, {}});
-            }
+void Transactions::Lose(const Temporaries& temporary) {
+    SqliteConnection& connection = session_.connection();
+    session_.temporaries().Restore(temporary);
+    session_.databases().ForgetTables();
+    for (const TablePtr& table : session_.calls().TableVariables()) {
+        SqliteStatement known = connection.Prepare("SELECT 1 FROM temp.sqlite_master WHERE name = ?1");
+        known.BindText(1, table->physical);
+        if (!known.Step()) {
+            known.Reset();
+            Restore(connection, {table, {}});
         }
     }
     savepoints_.clear();
-    lost_ = transaction_count_ > 0;
+    lost_ = count_ > 0;
 }
 
-void SessionCore::CommitStorage() {
+void Transactions::CommitStorage() {
+    SqliteConnection& connection = session_.connection();
     try {
         connection.Execute("COMMIT");
     } catch (const StorageError& error) {
-        const Uninterrupted whole(*this);
+        const Interruption::Block block(session_.interruption());
         if (connection.InTransaction()) {
             connection.Execute("ROLLBACK");
         }
-        LoseTransaction(temporary_before_);
+        Lose(temporary_before_);
         if (error.primary_code() == SQLITE_FULL) {
-            RaiseError(9002, {CurrentDatabaseName(), "NOTHING"});
+            RaiseError(9002, {session_.databases().CurrentName(), "NOTHING"});
         }
         throw;
     }
 }
 
-void SessionCore::BeginTransaction(const std::string& name) {
-    if (transaction_count_++ == 0) {
-        transaction_name_ = Folded(name);
-        temporary_before_ = temporary_;
+void Transactions::Begin(const std::string& name) {
+    if (count_++ == 0) {
+        name_ = Folded(name);
+        temporary_before_ = session_.temporaries().list();
     }
 }
 
-void SessionCore::CommitTransaction() {
-    if (transaction_count_ == 0) {
+void Transactions::Commit() {
+    if (count_ == 0) {
         RaiseError(3902);
     }
-    if (doomed) {
+    if (doomed_) {
         RaiseError(3930);
     }
-    if (transaction_count_ == 1) {
-        // The others first: where one of them can't commit, nothing is committed here either.
-        try {
-            remote_.Commit();
-        } catch (const SqlError&) {
-            AbandonTransaction();
-            throw;
-        }
-        if (connection.InTransaction()) {
-            CommitStorage();
-        }
-        ResetTransaction();
-    } else {
-        --transaction_count_;
+    if (count_ > 1) {
+        --count_;
+        return;
     }
+    // The linked servers first: where one of them can't commit, nothing is committed here either.
+    try {
+        session_.remote().Commit();
+    } catch (const SqlError&) {
+        Abandon();
+        throw;
+    }
+    if (session_.connection().InTransaction()) {
+        CommitStorage();
+    }
+    Reset();
 }
 
-void SessionCore::RollbackTransaction(const std::string& name) {
-    if (transaction_count_ == 0) {
+void Transactions::Rollback(const std::string& name) {
+    if (count_ == 0) {
         RaiseError(3903);
     }
-    if (!name.empty() && Folded(name) != transaction_name_) {
-        const std::string folded = Folded(name);
-        for (std::size_t i = savepoints_.size(); i-- > 0;) {
-            if (savepoints_[i].name == folded) {
-                const Temporaries temporary = savepoints_[i].temporary;
-                savepoints_.resize(i + 1);
-                RollbackAround("ROLLBACK TO user_" + std::to_string(i), temporary, true);
-                return;
-            }
-        }
-        RaiseError(6401, {name});
+    const std::string folded = Folded(name);
+    if (name.empty() || folded == name_) {
+        Abandon();
+        return;
     }
-    AbandonTransaction();
+    for (std::size_t i = savepoints_.size(); i-- > 0;) {
+        if (savepoints_[i].name == folded) {
+            const Temporaries temporary = savepoints_[i].temporary;
+            savepoints_.resize(i + 1);
+            RollbackAround("ROLLBACK TO user_" + std::to_string(i), temporary, true);
+            return;
+        }
+    }
+    RaiseError(6401, {name});
 }
 
-void SessionCore::SaveTransaction(const std::string& name) {
-    if (transaction_count_ == 0) {
+void Transactions::Save(const std::string& name) {
+    if (count_ == 0) {
         RaiseError(628);
     }
-    if (remote_.InTransaction()) {
+    if (session_.remote().InTransaction()) {
         RaiseError(627);
     }
     BeginStorage();
-    connection.Execute("SAVEPOINT user_" + std::to_string(savepoints_.size()));
-    savepoints_.push_back({Folded(name), temporary_});
+    session_.connection().Execute("SAVEPOINT user_" + std::to_string(savepoints_.size()));
+    savepoints_.push_back({Folded(name), session_.temporaries().list()});
 }
 
-void SessionCore::AbandonTransaction() {
-    const Uninterrupted whole(*this);
-    remote_.Rollback();
-    if (connection.InTransaction()) {
-        RollbackAround("ROLLBACK", transaction_count_ > 0 ? temporary_before_ : temporary_, true);
+void Transactions::Abandon() {
+    const Interruption::Block block(session_.interruption());
+    session_.remote().Rollback();
+    if (session_.connection().InTransaction()) {
+        RollbackAround("ROLLBACK", count_ > 0 ? temporary_before_ : session_.temporaries().list(), true);
     }
-    ResetTransaction();
+    Reset();
 }
 
 } // namespace devsql

@@ -18,8 +18,8 @@ std::optional<NumberedMessage> FindMessageText(SessionCore& session, std::int32_
     if (const MessageTemplate* own = FindTemplate(number)) {
         return NumberedMessage{own->severity, Filled(own->text, texts)};
     }
-    SqliteStatement row =
-        session.connection.Prepare("SELECT severity, description FROM main.sysusermessages WHERE error = ?1");
+    SqliteStatement row = session.connection().Prepare(
+        "SELECT severity, description FROM main.sysusermessages WHERE error = ?1");
     row.BindInt(1, number);
     if (!row.Step()) {
         return std::nullopt;

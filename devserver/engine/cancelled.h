@@ -1,0 +1,10 @@
+// The exception that ends whatever a session runs. It is no error: nothing is sent to the client for it.
+#pragma once
+
+namespace devsql {
+
+/// Thrown where a running statement notices that the client has asked for its end, or that another session
+/// has ended this one.
+struct Cancelled {};
+
+} // namespace devsql

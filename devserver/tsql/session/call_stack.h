@@ -1,0 +1,89 @@
+// The batch and the procedures that are running, one inside the other, with their variables and cursors.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "devserver/engine/engine.h"
+#include "devserver/storage/catalogue.h"
+
+namespace devsql {
+
+namespace ast {
+struct Query;
+}
+class TemporaryTables;
+
+struct Variable {
+    Type type;
+    Value value;
+};
+
+/// A result set kept in memory: the rows of a cursor or of INSERT … EXEC.
+struct RowSet {
+    std::vector<Column> columns;
+    std::vector<std::vector<Value>> rows;
+};
+
+struct Cursor {
+    std::shared_ptr<const ast::Query> query;
+    bool open = false;
+    bool scroll = false;
+    RowSet rows;
+    /// The row numbers in `table`, for WHERE CURRENT OF; empty where the query has not one table alone.
+    std::vector<std::int64_t> row_ids;
+    TablePtr table;
+    std::int64_t position = -1; ///< of the row fetched last; -1 before the first
+};
+
+/// A running batch or procedure.
+struct Frame {
+    std::map<std::string, Variable, std::less<>> variables; ///< by upper-case name with "@"
+    std::map<std::string, TablePtr, std::less<>> tables;    ///< table variables
+    std::map<std::string, std::shared_ptr<Cursor>, std::less<>> cursors;
+    std::string procedure;
+    std::int64_t procedure_id = 0;
+    std::string database; ///< in which its names are looked up; empty: the session's
+    std::int64_t scope_identity = 0;
+    bool has_scope_identity = false;
+    Frame* caller = nullptr;
+};
+
+class CallStack {
+  public:
+    explicit CallStack(TemporaryTables& temporaries) : temporaries_(temporaries) {}
+
+    Frame& frame() { return *frame_; }
+    const Frame& frame() const { return *frame_; }
+    /// Raises 217 when too many calls are open.
+    void Push(Frame& frame);
+    /// Drops the tables that the call has made.
+    void Pop();
+    int nesting() const { return nesting_; }
+
+    /// Raises 137.
+    Variable& FindVariable(std::string_view name);
+    /// Null for an unknown name.
+    TablePtr FindTableVariable(std::string_view name) const;
+    /// The table variables of all running calls.
+    std::vector<TablePtr> TableVariables() const;
+
+    /// Null for an unknown name.
+    std::shared_ptr<Cursor> FindCursor(const std::string& name);
+    /// Those that every call of the session sees.
+    std::map<std::string, std::shared_ptr<Cursor>, std::less<>>& global_cursors() { return global_cursors_; }
+    void CloseCursors();
+
+  private:
+    TemporaryTables& temporaries_;
+    Frame base_;
+    Frame* frame_ = &base_;
+    int nesting_ = 0;
+    std::map<std::string, std::shared_ptr<Cursor>, std::less<>> global_cursors_;
+};
+
+} // namespace devsql
