@@ -1,4 +1,5 @@
-// Calls: aggregates, window functions, the functions that choose between their arguments, and all others.
+#include "devserver/tsql/bind/call_binder.h"
+
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -72,70 +73,82 @@ BoundPtr UserCall(SessionCore& session, const std::string& view_database, const 
 
 } // namespace
 
-BoundPtr Binder::BindCall(const ast::CallExpr& call, const Scope* scope) {
+BoundPtr CallBinder::Call(const ast::CallExpr& call, const Scope* scope) {
     const std::string name = AsciiUpper(call.name);
     if (Contains(kRefused, name)) {
         RaiseError(40517, {name});
     }
     if (call.over) {
-        return BindWindow(call, scope);
+        return Window(call, scope);
     }
     if (Contains(kAggregates, name)) {
-        return BindAggregate(call, scope);
+        return Aggregate(call, scope);
     }
     if (Contains(kRankings, name)) {
         RaiseError(10753, {call.name});
     }
-    if (BoundPtr special = BindSpecialCall(call, scope)) {
+    if (BoundPtr special = SpecialCall(call, scope)) {
         return special;
     }
+    return OrdinaryCall(call, scope);
+}
+
+BoundPtr CallBinder::OrdinaryCall(const ast::CallExpr& call, const Scope* scope) {
+    const std::string name = AsciiUpper(call.name);
     const ScalarFunction* function = FindFunction(name);
     if (function != nullptr && Contains(kDateCalls, name)) {
-        return BindDateCall(call, scope, *function);
+        return DateCall(call, scope, *function);
     }
     std::vector<BoundPtr> arguments;
-    std::vector<Type> types;
     for (const ast::ExprPtr& argument : call.arguments) {
-        arguments.push_back(BindValue(*argument, scope));
-        types.push_back(arguments.back()->type);
+        arguments.push_back(binder_.BindValue(*argument, scope));
     }
     if (call.name.find('.') != std::string::npos) {
-        return UserCall(session_, database_, ParseName(call.name), std::move(arguments));
+        return UserCall(session_, binding_.view_database, ParseName(call.name), std::move(arguments));
     }
     if (call.star) {
         RaiseError(102, {"*"});
     }
-    if (function != nullptr) {
-        CheckArgumentCount(*function, arguments.size());
-        auto node = std::make_shared<Bound>(
-            *MakeNode(BoundKind::Function, function->result_type(types), std::move(arguments)));
-        node->function = function;
-        node->nullable = true;
-        if (name == "ISNULL" && node->children.size() == 2) {
-            node->nullable = node->children[0]->nullable && node->children[1]->nullable;
-        }
-        return node;
+    return function != nullptr ? ScalarCall(*function, std::move(arguments))
+                               : SessionCall(call, std::move(arguments));
+}
+
+BoundPtr CallBinder::ScalarCall(const ScalarFunction& function, std::vector<BoundPtr> arguments) {
+    CheckArgumentCount(function, arguments.size());
+    std::vector<Type> types;
+    for (const BoundPtr& argument : arguments) {
+        types.push_back(argument->type);
     }
-    const SessionFunction* asked = FindSessionFunction(name);
-    if (asked == nullptr) {
+    auto node = std::make_shared<Bound>(
+        *MakeNode(BoundKind::Function, function.result_type(types), std::move(arguments)));
+    node->function = &function;
+    node->nullable = true;
+    if (function.name == "ISNULL" && node->children.size() == 2) {
+        node->nullable = node->children[0]->nullable && node->children[1]->nullable;
+    }
+    return node;
+}
+
+BoundPtr CallBinder::SessionCall(const ast::CallExpr& call, std::vector<BoundPtr> arguments) {
+    const SessionFunction* function = FindSessionFunction(AsciiUpper(call.name));
+    if (function == nullptr) {
         RaiseError(195, {call.name, "function name"});
     }
     const int count = static_cast<int>(arguments.size());
-    if (count < asked->min_arguments || count > asked->max_arguments) {
-        RaiseError(174, {call.name, std::to_string(asked->max_arguments)});
+    if (count < function->min_arguments || count > function->max_arguments) {
+        RaiseError(174, {call.name, std::to_string(function->max_arguments)});
     }
-    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Session, asked->type, std::move(arguments)));
-    node->session = asked;
+    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Session, function->type, std::move(arguments)));
+    node->session = function;
     node->nullable = true;
-    if (asked->constant && node->children.empty()) {
+    if (function->constant && node->children.empty()) {
         return MakeConstant(Compute(*node, session_), node->type);
     }
     return node;
 }
 
-/// The functions that leave some arguments uncomputed.
-BoundPtr Binder::BindSpecialCall(const ast::CallExpr& call, const Scope* scope) {
-    const auto bind = [&](std::size_t index) { return BindValue(*call.arguments[index], scope); };
+BoundPtr CallBinder::SpecialCall(const ast::CallExpr& call, const Scope* scope) {
+    const auto bind = [&](std::size_t index) { return binder_.BindValue(*call.arguments[index], scope); };
     const auto expect = [&](std::size_t count) {
         if (call.arguments.size() != count) {
             RaiseError(174, {ToLower(call.name), std::to_string(count)});
@@ -151,19 +164,19 @@ BoundPtr Binder::BindSpecialCall(const ast::CallExpr& call, const Scope* scope) 
             BoundPtr null = MakeCondition(BoundKind::IsNull, {value});
             branches.emplace_back(MakeCondition(BoundKind::Not, {null}), value);
         }
-        return BindChoice(branches, bind(call.arguments.size() - 1));
+        return ExpressionBinder::Choice(branches, bind(call.arguments.size() - 1));
     }
     if (AsciiEqual(call.name, "NULLIF")) {
         expect(2);
         BoundPtr value = bind(0);
-        BoundPtr equal = BindCompare(ast::CompareOp::Equal, value, bind(1));
+        BoundPtr equal = binder_.expressions().Compare(ast::CompareOp::Equal, value, bind(1));
         return MakeNode(BoundKind::Case, value->type, {equal, MakeConstant({}, value->type), value});
     }
     if (AsciiEqual(call.name, "IIF")) {
         expect(3);
         std::vector<std::pair<BoundPtr, BoundPtr>> branches;
-        branches.emplace_back(BindCondition(*call.arguments[0], scope), bind(1));
-        return BindChoice(branches, bind(2));
+        branches.emplace_back(binder_.BindCondition(*call.arguments[0], scope), bind(1));
+        return ExpressionBinder::Choice(branches, bind(2));
     }
     if (AsciiEqual(call.name, "IDENTITY")) {
         RaiseError(40517, {"IDENTITY function"});
@@ -171,7 +184,7 @@ BoundPtr Binder::BindSpecialCall(const ast::CallExpr& call, const Scope* scope) 
     return nullptr;
 }
 
-BoundPtr Binder::BindDateCall(const ast::CallExpr& call, const Scope* scope, const ScalarFunction& function) {
+BoundPtr CallBinder::DateCall(const ast::CallExpr& call, const Scope* scope, const ScalarFunction& function) {
     CheckArgumentCount(function, call.arguments.size());
     const auto* word = std::get_if<ast::ColumnExpr>(&call.arguments[0]->node);
     if (word == nullptr || word->name.parts.size() != 1) {
@@ -185,7 +198,7 @@ BoundPtr Binder::BindDateCall(const ast::CallExpr& call, const Scope* scope, con
         MakeConstant(part, Sized(TypeId::VarChar, static_cast<std::int32_t>(part.size())))};
     std::vector<Type> types = {arguments[0]->type};
     for (std::size_t i = 1; i < call.arguments.size(); ++i) {
-        arguments.push_back(BindValue(*call.arguments[i], scope));
+        arguments.push_back(binder_.BindValue(*call.arguments[i], scope));
         types.push_back(arguments.back()->type);
     }
     auto node = std::make_shared<Bound>(
@@ -194,41 +207,13 @@ BoundPtr Binder::BindDateCall(const ast::CallExpr& call, const Scope* scope, con
     return node;
 }
 
-/// A CASE whose values all take the type of the strongest.
-BoundPtr Binder::BindChoice(const std::vector<std::pair<BoundPtr, BoundPtr>>& branches,
-                            const BoundPtr& otherwise) const {
-    std::vector<Type> types;
-    bool typed = false;
-    bool nullable = otherwise->nullable;
-    for (const auto& [condition, value] : branches) {
-        types.push_back(value->type);
-        typed = typed || !IsUntypedNull(value->type);
-        nullable = nullable || value->nullable;
-    }
-    types.push_back(otherwise->type);
-    typed = typed || !IsUntypedNull(otherwise->type);
-    if (!typed) {
-        RaiseError(8133);
-    }
-    const Type type = CommonType(types);
-    std::vector<BoundPtr> children;
-    for (const auto& [condition, value] : branches) {
-        children.push_back(condition);
-        children.push_back(MakeConvert(value, type));
-    }
-    children.push_back(MakeConvert(otherwise, type));
-    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Case, type, std::move(children)));
-    node->nullable = nullable;
-    return node;
-}
-
 // ------------------------------------------------------------------ aggregates
 
-BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
+BoundPtr CallBinder::Aggregate(const ast::CallExpr& call, const Scope* scope) {
     const std::string name = AsciiUpper(call.name);
     const int depth = scope == nullptr ? 0 : scope->depth;
-    if (!allow_aggregates_ || in_aggregate_) {
-        RaiseError(in_aggregate_ ? 130 : 147);
+    if (!binding_.clause.aggregates || binding_.clause.inside_aggregate) {
+        RaiseError(binding_.clause.inside_aggregate ? 130 : 147);
     }
     if (call.star) {
         if (name != "COUNT" && name != "COUNT_BIG") {
@@ -240,14 +225,19 @@ BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
         RaiseError(174, {ToLower(call.name), "1"});
     }
     if (name == "GROUPING") { // The query that has the keys puts its value in.
-        BoundPtr key = BindValue(*call.arguments[0], scope);
+        BoundPtr key = binder_.BindValue(*call.arguments[0], scope);
         auto node = std::make_shared<Bound>(*Aggregated("0", Simple(TypeId::TinyInt), depth, false));
         node->children.push_back(std::move(key));
         return node;
     }
-    in_aggregate_ = true;
-    BoundPtr operand = BindValue(*call.arguments[0], scope);
-    in_aggregate_ = false;
+    binding_.clause.inside_aggregate = true;
+    BoundPtr operand = binder_.BindValue(*call.arguments[0], scope);
+    binding_.clause.inside_aggregate = false;
+    return AggregateOf(call, operand, depth);
+}
+
+BoundPtr CallBinder::AggregateOf(const ast::CallExpr& call, const BoundPtr& operand, int depth) {
+    const std::string name = AsciiUpper(call.name);
     const std::string distinct = call.distinct ? "DISTINCT " : "";
     if (name == "COUNT" || name == "COUNT_BIG") {
         return Aggregated("count(" + distinct + emission_.EmitCollated(operand) + ")",
@@ -259,7 +249,7 @@ BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
                           depth);
     }
     if (name == "SUM" || name == "AVG") {
-        BoundPtr result = BindSum(operand, distinct, name == "AVG");
+        BoundPtr result = Sum(operand, distinct, name == "AVG");
         auto node = std::make_shared<Bound>(*result);
         node->aggregate = true;
         node->depth = depth;
@@ -274,7 +264,7 @@ BoundPtr Binder::BindAggregate(const ast::CallExpr& call, const Scope* scope) {
 }
 
 /// SUM and AVG by the server's own aggregates, which overflow and round as each type does.
-BoundPtr Binder::BindSum(const BoundPtr& operand, const std::string& distinct, bool average) {
+BoundPtr CallBinder::Sum(const BoundPtr& operand, const std::string& distinct, bool average) {
     const Type type = average ? AverageType(operand->type) : SumType(operand->type);
     return MakeSql(session_.functions().SumFunction(operand->type, average) + "(" + distinct +
                        emission_.Emit(operand) + ")",
@@ -283,23 +273,23 @@ BoundPtr Binder::BindSum(const BoundPtr& operand, const std::string& distinct, b
 
 // ------------------------------------------------------------------ window functions
 
-std::string Binder::OverClause(const ast::Over& over, const Scope* scope) {
+std::string CallBinder::OverClause(const ast::Over& over, const Scope* scope) {
     std::string text = " OVER (";
     for (const ast::ExprPtr& key : over.partition_by) {
         text += (&key == &over.partition_by.front() ? "PARTITION BY " : ", ") +
-                emission_.EmitCollated(BindValue(*key, scope));
+                emission_.EmitCollated(binder_.BindValue(*key, scope));
     }
     for (const ast::OrderItem& item : over.order_by) {
-        const BoundPtr value = BindValue(*item.expr, scope);
+        const BoundPtr value = binder_.BindValue(*item.expr, scope);
         text += (&item == &over.order_by.front() ? " ORDER BY " : ", ") + emission_.EmitCollated(value) +
                 (item.descending ? " DESC" : "");
     }
     return text + ")";
 }
 
-BoundPtr Binder::BindWindow(const ast::CallExpr& call, const Scope* scope) {
+BoundPtr CallBinder::Window(const ast::CallExpr& call, const Scope* scope) {
     const std::string name = AsciiUpper(call.name);
-    if (!allow_window_) {
+    if (!binding_.clause.windows) {
         RaiseError(40517, {"OVER outside SELECT and ORDER BY"});
     }
     if (Contains(kRankings, name)) {
@@ -308,8 +298,8 @@ BoundPtr Binder::BindWindow(const ast::CallExpr& call, const Scope* scope) {
         }
         std::string argument;
         if (name == "NTILE" && call.arguments.size() == 1) {
-            argument =
-                emission_.Emit(MakeConvert(BindValue(*call.arguments[0], scope), Simple(TypeId::BigInt)));
+            argument = emission_.Emit(
+                MakeConvert(binder_.BindValue(*call.arguments[0], scope), Simple(TypeId::BigInt)));
         }
         return MakeSql(ToLower(name) + "(" + argument + ")" + OverClause(*call.over, scope),
                        Simple(TypeId::BigInt), false);
@@ -317,7 +307,7 @@ BoundPtr Binder::BindWindow(const ast::CallExpr& call, const Scope* scope) {
     if (!Contains(kAggregates, name) || name == "SUM" || name == "AVG" || call.distinct) {
         RaiseError(40517, {name + " with OVER"});
     }
-    BoundPtr aggregate = BindAggregate(call, scope);
+    BoundPtr aggregate = Aggregate(call, scope);
     return MakeSql(aggregate->text + OverClause(*call.over, scope), aggregate->type, aggregate->nullable);
 }
 

@@ -1,14 +1,17 @@
-// What binding makes of one SELECT before it is written as SQLite's. For the binder's files alone.
+// A bound SELECT in SQLite's SQL: one query, or under ROLLUP and CUBE one for each grouping set.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/bind/bound_query.h"
 
 namespace devsql {
 
-struct Binder::SelectParts {
+class Emission;
+
+/// What binding makes of one SELECT.
+struct SelectParts {
     Scope scope;
     std::string from;
     BoundPtr where;
@@ -23,7 +26,9 @@ struct Binder::SelectParts {
     std::string limit;
 };
 
-/// GROUPING(key), as BindAggregate leaves it.
+std::string EmitSelect(Emission& emission, const SelectParts& parts, bool distinct);
+
+/// GROUPING(key), as the binder of calls leaves it.
 bool IsGrouping(const Bound& node);
 
 } // namespace devsql

@@ -1,56 +1,18 @@
-// A bound SELECT in SQLite's SQL: one query, or under ROLLUP and CUBE one for each grouping set.
+#include "devserver/tsql/bind/select_emitter.h"
+
 #include <algorithm>
 
-#include "devserver/tsql/bind/select_parts.h"
+#include "devserver/tsql/bind/emitter.h"
 #include "devserver/tsql/scalar/errors.h"
 #include "devserver/tsql/scalar/type_rules.h"
 
 namespace devsql {
 
-bool IsGrouping(const Bound& node) {
-    return node.kind == BoundKind::Sql && node.aggregate && !node.children.empty();
-}
-
-std::string Binder::EmitGroups(const SelectParts& parts, bool distinct, const std::vector<bool>& absent) {
-    const bool whole = std::find(absent.begin(), absent.end(), true) == absent.end() &&
-                       parts.grouping == ast::GroupingSets::One;
-    const auto of_set = [&](const BoundPtr& node) {
-        return whole ? node : WithoutKeys(node, parts.keys, absent);
-    };
-    std::string sql = distinct ? "SELECT DISTINCT " : "SELECT ";
-    for (std::size_t i = 0; i < parts.items.size(); ++i) {
-        const BoundPtr item = of_set(parts.items[i]);
-        if (distinct && IsOldLob(item->type.id)) {
-            RaiseError(421, {TypeName(item->type.id)});
-        }
-        sql += (i == 0 ? "" : ", ") + (distinct ? emission_.EmitCollated(item) : emission_.Emit(item)) +
-               " AS c" + std::to_string(i + 1);
-    }
-    if (!parts.from.empty()) {
-        sql += " FROM " + parts.from;
-    }
-    if (parts.where) {
-        sql += " WHERE " + emission_.EmitCondition(parts.where);
-    }
-    std::string keys;
-    for (std::size_t i = 0; i < parts.keys.size(); ++i) {
-        if (!absent[i]) {
-            keys += (keys.empty() ? "" : ", ") + emission_.EmitCollated(parts.keys[i]);
-        }
-    }
-    // SQLite wants a GROUP BY before HAVING; all rows are one group without.
-    if (!parts.keys.empty() || parts.having) {
-        sql += " GROUP BY " + (keys.empty() ? "NULL" : keys);
-    }
-    if (parts.having) {
-        sql += " HAVING " + emission_.EmitCondition(of_set(parts.having));
-    }
-    return sql;
-}
+namespace {
 
 /// An expression as a grouping set without the keys in `absent` has it: they are NULL there.
-BoundPtr Binder::WithoutKeys(const BoundPtr& node, const std::vector<BoundPtr>& keys,
-                             const std::vector<bool>& absent) {
+BoundPtr WithoutKeys(const BoundPtr& node, const std::vector<BoundPtr>& keys,
+                     const std::vector<bool>& absent) {
     const auto find = [&](const Bound& wanted) {
         std::size_t key = 0;
         while (key < keys.size() && !SameExpression(wanted, *keys[key])) {
@@ -71,11 +33,54 @@ BoundPtr Binder::WithoutKeys(const BoundPtr& node, const std::vector<BoundPtr>& 
     return copy;
 }
 
-/// One query, or with ROLLUP and CUBE one for each grouping set.
-std::string Binder::EmitSelect(const SelectParts& parts, bool distinct) {
+std::string EmitGroups(Emission& emission, const SelectParts& parts, bool distinct,
+                       const std::vector<bool>& absent) {
+    const bool whole = std::find(absent.begin(), absent.end(), true) == absent.end() &&
+                       parts.grouping == ast::GroupingSets::One;
+    const auto of_set = [&](const BoundPtr& node) {
+        return whole ? node : WithoutKeys(node, parts.keys, absent);
+    };
+    std::string sql = distinct ? "SELECT DISTINCT " : "SELECT ";
+    for (std::size_t i = 0; i < parts.items.size(); ++i) {
+        const BoundPtr item = of_set(parts.items[i]);
+        if (distinct && IsOldLob(item->type.id)) {
+            RaiseError(421, {TypeName(item->type.id)});
+        }
+        sql += (i == 0 ? "" : ", ") + (distinct ? emission.EmitCollated(item) : emission.Emit(item)) +
+               " AS c" + std::to_string(i + 1);
+    }
+    if (!parts.from.empty()) {
+        sql += " FROM " + parts.from;
+    }
+    if (parts.where) {
+        sql += " WHERE " + emission.EmitCondition(parts.where);
+    }
+    std::string keys;
+    for (std::size_t i = 0; i < parts.keys.size(); ++i) {
+        if (!absent[i]) {
+            keys += (keys.empty() ? "" : ", ") + emission.EmitCollated(parts.keys[i]);
+        }
+    }
+    // SQLite wants a GROUP BY before HAVING; all rows are one group without.
+    if (!parts.keys.empty() || parts.having) {
+        sql += " GROUP BY " + (keys.empty() ? "NULL" : keys);
+    }
+    if (parts.having) {
+        sql += " HAVING " + emission.EmitCondition(of_set(parts.having));
+    }
+    return sql;
+}
+
+} // namespace
+
+bool IsGrouping(const Bound& node) {
+    return node.kind == BoundKind::Sql && node.aggregate && !node.children.empty();
+}
+
+std::string EmitSelect(Emission& emission, const SelectParts& parts, bool distinct) {
     const std::size_t keys = parts.keys.size();
     if (parts.grouping == ast::GroupingSets::One) {
-        return EmitGroups(parts, distinct, std::vector<bool>(keys)) + parts.order + parts.limit;
+        return EmitGroups(emission, parts, distinct, std::vector<bool>(keys)) + parts.order + parts.limit;
     }
     constexpr std::size_t kMostKeys = 10; // As SQL Server has it.
     if (keys > kMostKeys) {
@@ -90,7 +95,7 @@ std::string Binder::EmitSelect(const SelectParts& parts, bool distinct) {
             rolled_up = rolled_up && (key == 0 || !absent[key - 1] || absent[key]);
         }
         if (parts.grouping == ast::GroupingSets::Cube || rolled_up) {
-            sql += (sql.empty() ? "" : " UNION ALL ") + EmitGroups(parts, distinct, absent);
+            sql += (sql.empty() ? "" : " UNION ALL ") + EmitGroups(emission, parts, distinct, absent);
         }
     }
     return "SELECT * FROM (" + sql + ")" + parts.order + parts.limit;

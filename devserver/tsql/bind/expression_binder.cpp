@@ -1,4 +1,5 @@
-// Expressions: types, implicit conversions, predicates over queries.
+#include "devserver/tsql/bind/expression_binder.h"
+
 #include <array>
 
 #include "devserver/tsql/bind/binder.h"
@@ -50,7 +51,7 @@ BoundPtr EmptyForNull(const BoundPtr& operand) {
 /// What SET ANSI_NULLS OFF lets be equal to NULL: columns and what is computed from them are not.
 bool IsLooseNull(const Bound& operand) {
     return operand.kind == BoundKind::Variable ||
-           (operand.kind == BoundKind::Constant && IsNull(operand.constant));
+           (operand.kind == BoundKind::Constant && devsql::IsNull(operand.constant));
 }
 
 /// What such a comparison is true for besides: two NULLs are equal, NULL differs from anything else.
@@ -74,84 +75,88 @@ BoundPtr LooseNulls(ast::CompareOp op, const BoundPtr& left, const BoundPtr& rig
 
 } // namespace
 
-BoundPtr Binder::BindValue(const ast::Expr& expr, const Scope* scope) {
-    BoundPtr bound = BindNode(expr, scope);
+BoundPtr ExpressionBinder::Value(const ast::Expr& expr, const Scope* scope) {
+    BoundPtr bound = Node(expr, scope);
     if (bound->condition) {
         RaiseError(102, {"="});
     }
     return bound;
 }
 
-BoundPtr Binder::BindCondition(const ast::Expr& expr, const Scope* scope) {
-    return BindNode(expr, scope);
+BoundPtr ExpressionBinder::Node(const ast::Expr& expr, const Scope* scope) {
+    return std::visit(Overloaded{
+                          [&](const ast::LiteralExpr& e) { return MakeConstant(e.value, e.type); },
+                          [&](const ast::VariableExpr& e) { return Variable(e); },
+                          [&](const ast::ColumnExpr& e) { return binder_.names().Column(e, scope); },
+                          [&](const ast::UnaryExpr& e) { return Unary(e, scope); },
+                          [&](const ast::BinaryExpr& e) { return Binary(e, scope); },
+                          [&](const ast::CompareExpr& e) {
+                              BoundPtr left = Value(*e.left, scope);
+                              return Compare(e.op, left, Value(*e.right, scope));
+                          },
+                          [&](const ast::QuantifiedExpr& e) { return Quantified(e, scope); },
+                          [&](const ast::LogicExpr& e) { return Logic(e, scope); },
+                          [&](const ast::NotExpr& e) {
+                              return MakeCondition(BoundKind::Not, {Condition(*e.operand, scope)});
+                          },
+                          [&](const ast::IsNullExpr& e) { return IsNull(e, scope); },
+                          [&](const ast::BetweenExpr& e) { return Between(e, scope); },
+                          [&](const ast::InListExpr& e) { return InList(e, scope); },
+                          [&](const ast::InQueryExpr& e) { return InQuery(e, scope); },
+                          [&](const ast::LikeExpr& e) { return Like(e, scope); },
+                          [&](const ast::ExistsExpr& e) {
+                              return MakeSqlCondition("EXISTS (" + binder_.BindQuery(*e.query, scope).sql +
+                                                      ")");
+                          },
+                          [&](const ast::SubqueryExpr& e) { return Subquery(*e.query, scope); },
+                          [&](const ast::CaseExpr& e) { return Case(e, scope); },
+                          [&](const ast::CastExpr& e) { return Cast(e, scope); },
+                          [&](const ast::CallExpr& e) { return binder_.calls().Call(e, scope); },
+                      },
+                      expr.node);
 }
 
-BoundPtr Binder::BindNode(const ast::Expr& expr, const Scope* scope) {
-    return std::visit(
-        Overloaded{
-            [&](const ast::LiteralExpr& e) { return MakeConstant(e.value, e.type); },
-            [&](const ast::VariableExpr& e) {
-                if (e.name.starts_with("@@")) {
-                    Variable value = GlobalVariable(session_, e.name);
-                    return MakeConstant(std::move(value.value), value.type);
-                }
-                auto node = std::make_shared<Bound>();
-                node->kind = BoundKind::Variable;
-                node->type = session_.calls().FindVariable(e.name).type;
-                node->text = e.name;
-                return BoundPtr(node);
-            },
-            [&](const ast::ColumnExpr& e) { return BindColumn(e, scope); },
-            [&](const ast::UnaryExpr& e) {
-                BoundPtr operand = BindValue(*e.operand, scope);
-                auto node = std::make_shared<Bound>(
-                    *MakeNode(BoundKind::Unary, OperatorType(e.op, operand->type), {operand}));
-                node->unary = e.op;
-                return BoundPtr(node);
-            },
-            [&](const ast::BinaryExpr& e) {
-                BoundPtr left = BindValue(*e.left, scope);
-                BoundPtr right = BindValue(*e.right, scope);
-                if (e.op == BinaryOperator::Add && !session_.options().concat_null_yields_null &&
-                    IsCharacter(OperatorType(e.op, left->type, right->type).id)) {
-                    left = EmptyForNull(left);
-                    right = EmptyForNull(right);
-                }
-                const Type type = OperatorType(e.op, left->type, right->type);
-                auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Binary, type, {left, right}));
-                node->binary = e.op;
-                return BoundPtr(node);
-            },
-            [&](const ast::CompareExpr& e) {
-                BoundPtr left = BindValue(*e.left, scope);
-                return BindCompare(e.op, left, BindValue(*e.right, scope));
-            },
-            [&](const ast::QuantifiedExpr& e) { return BindQuantified(e, scope); },
-            [&](const ast::LogicExpr& e) { return BindLogic(e, scope); },
-            [&](const ast::NotExpr& e) {
-                return MakeCondition(BoundKind::Not, {BindCondition(*e.operand, scope)});
-            },
-            [&](const ast::IsNullExpr& e) {
-                BoundPtr test = MakeCondition(BoundKind::IsNull, {BindValue(*e.operand, scope)});
-                return e.negated ? MakeCondition(BoundKind::Not, {test}) : test;
-            },
-            [&](const ast::BetweenExpr& e) { return BindBetween(e, scope); },
-            [&](const ast::InListExpr& e) { return BindInList(e, scope); },
-            [&](const ast::InQueryExpr& e) { return BindInQuery(e, scope); },
-            [&](const ast::LikeExpr& e) { return BindLike(e, scope); },
-            [&](const ast::ExistsExpr& e) {
-                return MakeSqlCondition("EXISTS (" + BindQuery(*e.query, scope).sql + ")");
-            },
-            [&](const ast::SubqueryExpr& e) { return BindSubquery(*e.query, scope); },
-            [&](const ast::CaseExpr& e) { return BindCase(e, scope); },
-            [&](const ast::CastExpr& e) { return BindCast(e, scope); },
-            [&](const ast::CallExpr& e) { return BindCall(e, scope); },
-        },
-        expr.node);
+BoundPtr ExpressionBinder::Variable(const ast::VariableExpr& expr) {
+    if (expr.name.starts_with("@@")) {
+        devsql::Variable global = GlobalVariable(session_, expr.name);
+        return MakeConstant(std::move(global.value), global.type);
+    }
+    auto node = std::make_shared<Bound>();
+    node->kind = BoundKind::Variable;
+    node->type = session_.calls().FindVariable(expr.name).type;
+    node->text = expr.name;
+    return node;
+}
+
+BoundPtr ExpressionBinder::Unary(const ast::UnaryExpr& expr, const Scope* scope) {
+    BoundPtr operand = Value(*expr.operand, scope);
+    auto node =
+        std::make_shared<Bound>(*MakeNode(BoundKind::Unary, OperatorType(expr.op, operand->type), {operand}));
+    node->unary = expr.op;
+    return node;
+}
+
+BoundPtr ExpressionBinder::Binary(const ast::BinaryExpr& expr, const Scope* scope) {
+    BoundPtr left = Value(*expr.left, scope);
+    BoundPtr right = Value(*expr.right, scope);
+    if (expr.op == BinaryOperator::Add && !session_.options().concat_null_yields_null &&
+        IsCharacter(OperatorType(expr.op, left->type, right->type).id)) {
+        left = EmptyForNull(left);
+        right = EmptyForNull(right);
+    }
+    const Type type = OperatorType(expr.op, left->type, right->type);
+    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Binary, type, {left, right}));
+    node->binary = expr.op;
+    return node;
+}
+
+BoundPtr ExpressionBinder::IsNull(const ast::IsNullExpr& expr, const Scope* scope) {
+    BoundPtr test = MakeCondition(BoundKind::IsNull, {Value(*expr.operand, scope)});
+    return expr.negated ? MakeCondition(BoundKind::Not, {test}) : test;
 }
 
 /// "a AND b AND c" as one condition of three: a chain must not become as deep as it is long.
-BoundPtr Binder::BindLogic(const ast::LogicExpr& logic, const Scope* scope) {
+BoundPtr ExpressionBinder::Logic(const ast::LogicExpr& logic, const Scope* scope) {
     std::vector<const ast::Expr*> operands = {logic.right.get()};
     const ast::Expr* left = logic.left.get();
     for (const auto* inner = std::get_if<ast::LogicExpr>(&left->node);
@@ -163,12 +168,12 @@ BoundPtr Binder::BindLogic(const ast::LogicExpr& logic, const Scope* scope) {
     operands.push_back(left);
     std::vector<BoundPtr> children;
     for (auto operand = operands.rbegin(); operand != operands.rend(); ++operand) {
-        children.push_back(BindCondition(**operand, scope));
+        children.push_back(Condition(**operand, scope));
     }
     return MakeCondition(logic.conjunction ? BoundKind::And : BoundKind::Or, std::move(children));
 }
 
-BoundPtr Binder::BindCompare(ast::CompareOp op, const BoundPtr& left, const BoundPtr& right) const {
+BoundPtr ExpressionBinder::Compare(ast::CompareOp op, const BoundPtr& left, const BoundPtr& right) const {
     const std::string_view name = kCompareNames[static_cast<std::size_t>(op)];
     RequireComparable(left->type, right->type, name);
     const Type type = ComparisonType(left->type, right->type);
@@ -182,20 +187,20 @@ BoundPtr Binder::BindCompare(ast::CompareOp op, const BoundPtr& left, const Boun
     return node;
 }
 
-BoundPtr Binder::BindBetween(const ast::BetweenExpr& between, const Scope* scope) {
-    BoundPtr operand = BindValue(*between.operand, scope);
-    BoundPtr low = BindCompare(ast::CompareOp::GreaterEqual, operand, BindValue(*between.low, scope));
-    BoundPtr high = BindCompare(ast::CompareOp::LessEqual, operand, BindValue(*between.high, scope));
+BoundPtr ExpressionBinder::Between(const ast::BetweenExpr& between, const Scope* scope) {
+    BoundPtr operand = Value(*between.operand, scope);
+    BoundPtr low = Compare(ast::CompareOp::GreaterEqual, operand, Value(*between.low, scope));
+    BoundPtr high = Compare(ast::CompareOp::LessEqual, operand, Value(*between.high, scope));
     BoundPtr both = MakeCondition(BoundKind::And, {std::move(low), std::move(high)});
     return between.negated ? MakeCondition(BoundKind::Not, {both}) : both;
 }
 
-BoundPtr Binder::BindInList(const ast::InListExpr& in, const Scope* scope) {
-    BoundPtr operand = BindValue(*in.operand, scope);
+BoundPtr ExpressionBinder::InList(const ast::InListExpr& in, const Scope* scope) {
+    BoundPtr operand = Value(*in.operand, scope);
     std::vector<BoundPtr> items;
     Type type = operand->type;
     for (const ast::ExprPtr& item : in.items) {
-        items.push_back(BindValue(*item, scope));
+        items.push_back(Value(*item, scope));
         RequireComparable(operand->type, items.back()->type, kCompareNames[0]);
         type = ComparisonType(type, items.back()->type);
     }
@@ -207,9 +212,9 @@ BoundPtr Binder::BindInList(const ast::InListExpr& in, const Scope* scope) {
     return in.negated ? MakeCondition(BoundKind::Not, {test}) : test;
 }
 
-BoundPtr Binder::BindInQuery(const ast::InQueryExpr& in, const Scope* scope) {
-    BoundPtr operand = BindValue(*in.operand, scope);
-    BoundQuery query = BindQuery(*in.query, scope);
+BoundPtr ExpressionBinder::InQuery(const ast::InQueryExpr& in, const Scope* scope) {
+    BoundPtr operand = Value(*in.operand, scope);
+    BoundQuery query = binder_.BindQuery(*in.query, scope);
     if (query.columns.size() != 1) {
         RaiseError(116);
     }
@@ -225,23 +230,23 @@ BoundPtr Binder::BindInQuery(const ast::InQueryExpr& in, const Scope* scope) {
                             (in.negated ? " NOT IN (" : " IN (") + list + "))");
 }
 
-BoundPtr Binder::BindQuantified(const ast::QuantifiedExpr& expr, const Scope* scope) {
-    BoundPtr operand = BindValue(*expr.operand, scope);
-    BoundQuery query = BindQuery(*expr.query, scope);
+BoundPtr ExpressionBinder::Quantified(const ast::QuantifiedExpr& expr, const Scope* scope) {
+    BoundPtr operand = Value(*expr.operand, scope);
+    BoundQuery query = binder_.BindQuery(*expr.query, scope);
     if (query.columns.size() != 1) {
         RaiseError(116);
     }
-    const std::string alias = NextAlias();
-    BoundPtr test = BindCompare(expr.op, operand, MakeSql(alias + ".c1", query.columns[0].type));
+    const std::string alias = binding_.NextAlias();
+    BoundPtr test = Compare(expr.op, operand, MakeSql(alias + ".c1", query.columns[0].type));
     const std::string condition = emission_.EmitCondition(test);
     const std::string from = " FROM (" + query.sql + ") AS " + alias + " WHERE ";
     return MakeSqlCondition(expr.all ? "NOT EXISTS (SELECT 1" + from + "(" + condition + ") IS NOT 1)"
                                      : "EXISTS (SELECT 1" + from + condition + ")");
 }
 
-BoundPtr Binder::BindLike(const ast::LikeExpr& like, const Scope* scope) {
+BoundPtr ExpressionBinder::Like(const ast::LikeExpr& like, const Scope* scope) {
     const auto as_text = [&](const ast::Expr& expr, std::string_view position) {
-        BoundPtr operand = BindValue(expr, scope);
+        BoundPtr operand = Value(expr, scope);
         if (!IsCharacter(operand->type.id)) {
             if (IsBinary(operand->type.id)) {
                 RaiseError(8116, {TypeName(operand->type.id), position, "like"});
@@ -258,78 +263,72 @@ BoundPtr Binder::BindLike(const ast::LikeExpr& like, const Scope* scope) {
     return like.negated ? MakeCondition(BoundKind::Not, {test}) : test;
 }
 
-BoundPtr Binder::BindCase(const ast::CaseExpr& expr, const Scope* scope) {
+BoundPtr ExpressionBinder::Case(const ast::CaseExpr& expr, const Scope* scope) {
     std::vector<std::pair<BoundPtr, BoundPtr>> branches;
-    const BoundPtr operand = expr.operand ? BindValue(*expr.operand, scope) : nullptr;
+    const BoundPtr operand = expr.operand ? Value(*expr.operand, scope) : nullptr;
     for (const auto& [when, then] : expr.branches) {
-        BoundPtr condition = operand ? BindCompare(ast::CompareOp::Equal, operand, BindValue(*when, scope))
-                                     : BindCondition(*when, scope);
-        branches.emplace_back(std::move(condition), BindValue(*then, scope));
+        BoundPtr condition =
+            operand ? Compare(ast::CompareOp::Equal, operand, Value(*when, scope)) : Condition(*when, scope);
+        branches.emplace_back(std::move(condition), Value(*then, scope));
     }
-    return BindChoice(branches,
-                      expr.otherwise ? BindValue(*expr.otherwise, scope) : MakeConstant({}, kUntypedNull));
+    return Choice(branches, expr.otherwise ? Value(*expr.otherwise, scope) : MakeConstant({}, kUntypedNull));
 }
 
-BoundPtr Binder::BindCast(const ast::CastExpr& cast, const Scope* scope) {
-    BoundPtr operand = BindValue(*cast.operand, scope);
-    const Type type = ResolveType(cast.type, 30);
+BoundPtr ExpressionBinder::Cast(const ast::CastExpr& cast, const Scope* scope) {
+    BoundPtr operand = Value(*cast.operand, scope);
+    const Type type = binder_.ResolveType(cast.type, 30);
     if (ConversionAllowed(operand->type.id, type.id) == Allowed::Never && !IsUntypedNull(operand->type)) {
         RaiseError(529, {TypeName(operand->type.id), TypeName(type.id)});
     }
     std::vector<BoundPtr> children;
     children.push_back(operand);
     if (cast.style) {
-        children.push_back(BindValue(*cast.style, scope));
+        children.push_back(Value(*cast.style, scope));
     }
     auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Convert, type, std::move(children)));
     node->attempt = cast.attempt;
     return node;
 }
 
-BoundPtr Binder::BindSubquery(const ast::Query& query, const Scope* scope) {
-    BoundQuery bound = BindQuery(query, scope);
+BoundPtr ExpressionBinder::Subquery(const ast::Query& query, const Scope* scope) {
+    BoundQuery bound = binder_.BindQuery(query, scope);
     if (bound.columns.size() != 1) {
         RaiseError(116);
     }
     // SQLite takes the first of several rows; T-SQL wants at most one. Two are fetched and the second
     // refused.
-    const std::string alias = NextAlias();
+    const std::string alias = binding_.NextAlias();
     return MakeSql("(SELECT tsql_single(" + alias + ".c1, " + alias +
                        ".n) FROM (SELECT c1, count(*) OVER () AS n FROM (" + bound.sql + ") LIMIT 2) AS " +
                        alias + " LIMIT 1)",
                    bound.columns[0].type);
 }
 
-Type Binder::ResolveType(const ast::TypeSpec& spec, std::int32_t default_length, std::string* user_type,
-                         bool* nullable) {
-    const std::string& name = spec.name.last();
-    const bool qualified = spec.name.parts.size() > 1;
-    if (!qualified || AsciiEqual(spec.name.parts[0], "sys")) {
-        if (AsciiEqual(name, "sysname")) {
-            if (user_type != nullptr) {
-                *user_type = "sysname";
-            }
-            if (nullable != nullptr) {
-                *nullable = false;
-            }
-            return Sized(TypeId::NVarChar, 128);
-        }
-        if (const std::optional<TypeId> id = FindTypeId(name)) {
-            return DeclaredType(*id, spec.first, spec.second, spec.max, default_length);
-        }
+BoundPtr ExpressionBinder::Choice(const std::vector<std::pair<BoundPtr, BoundPtr>>& branches,
+                                  const BoundPtr& otherwise) {
+    std::vector<Type> types;
+    bool typed = false;
+    bool nullable = otherwise->nullable;
+    for (const auto& [condition, value] : branches) {
+        types.push_back(value->type);
+        typed = typed || !IsUntypedNull(value->type);
+        nullable = nullable || value->nullable;
     }
-    Catalogue& catalogue = session_.databases().Current();
-    const std::optional<UserTypeDef> found = catalogue.FindType(qualified ? spec.name.parts[0] : "", name);
-    if (!found) {
-        RaiseError(2715, {"1", spec.name.text()});
+    types.push_back(otherwise->type);
+    typed = typed || !IsUntypedNull(otherwise->type);
+    if (!typed) {
+        RaiseError(8133);
     }
-    if (user_type != nullptr) {
-        *user_type = found->schema + "." + found->name;
+    const Type type = CommonType(types);
+    std::vector<BoundPtr> children;
+    for (const auto& [condition, value] : branches) {
+        children.push_back(condition);
+        children.push_back(MakeConvert(value, type));
     }
-    if (nullable != nullptr) {
-        *nullable = found->nullable;
-    }
-    return found->type;
+    children.push_back(MakeConvert(otherwise, type));
+    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Case, type, std::move(children)));
+    node->nullable = nullable;
+    return node;
 }
 
 } // namespace devsql

@@ -1,0 +1,54 @@
+#include "devserver/tsql/bind/binder.h"
+
+#include <set>
+
+#include "devserver/tsql/scalar/text.h"
+
+namespace devsql {
+
+BinderPart::BinderPart(Binder& binder)
+    : binder_(binder), binding_(binder.binding()), session_(binder.session()), emission_(binder.emission()) {}
+
+void RequireDifferentNames(const std::vector<Column>& columns, std::int32_t error, std::string_view of) {
+    std::set<std::string> names;
+    for (const Column& column : columns) {
+        if (!names.insert(ToUpper(column.name)).second) {
+            RaiseError(error, {column.name, of});
+        }
+    }
+}
+
+Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& name, std::int32_t error) {
+    constexpr std::int32_t kNoObject = 208;
+    try {
+        return Binder(session, emission).BindTarget(name);
+    } catch (const SqlError& failure) {
+        if (failure.number() == kNoObject) {
+            RaiseError(error, {name.text()});
+        }
+        throw;
+    }
+}
+
+std::vector<Column> DescribeView(SessionCore& session, const ast::CreateModuleStatement& view) {
+    Emission emission(session);
+    Binder binder(session, emission);
+    std::vector<Column> columns = binder.BindQuery(*view.query).columns;
+    if (!view.columns.empty()) {
+        if (view.columns.size() != columns.size()) {
+            RaiseError(4502, {view.name.text()});
+        }
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            columns[i].name = view.columns[i];
+        }
+    }
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].name.empty()) {
+            RaiseError(4511, {std::to_string(i + 1)});
+        }
+    }
+    RequireDifferentNames(columns, 4506, view.name.text());
+    return columns;
+}
+
+} // namespace devsql

@@ -1,0 +1,48 @@
+// Names: tables, views, columns, types, and where they are found.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "devserver/tsql/bind/binding.h"
+
+namespace devsql {
+
+struct ObjectPlace;
+
+class NameBinder : private BinderPart {
+  public:
+    explicit NameBinder(Binder& binder) : BinderPart(binder) {}
+
+    /// A name in a FROM clause. Adds the source to `scope` and gives its SQL. Raises 208, 1011, 1013, 1087.
+    std::string Source(const ast::NamedSource& named, Scope& scope);
+    BoundPtr Column(const ast::ColumnExpr& column, const Scope* scope) const;
+    /// The table that a statement writes to. Raises 208, 259, 1087, 40517.
+    Target WriteTarget(const ast::Name& name);
+    ScopeSource SourceOf(const TablePtr& table, const std::string& exposed,
+                         const std::string& sql_alias) const;
+    /// `user_type` is set to the name of a user's type, `nullable` to what that type says of NULL.
+    Type ResolveType(const ast::TypeSpec& spec, std::int32_t default_length, std::string* user_type,
+                     bool* nullable);
+
+  private:
+    /// A source whose name is being bound.
+    struct Naming {
+        const ast::NamedSource& named;
+        std::string exposed;
+        std::string alias; ///< in SQLite's SQL
+        Scope& scope;
+    };
+    std::string AddTable(const Naming& naming, const TablePtr& table);
+    std::string LocalTable(const Naming& naming);
+    std::string CommonTable(const Naming& naming, const CommonTables::Entry& entry);
+    std::string LinkedTable(const Naming& naming);
+    std::string CatalogueTable(const Naming& naming);
+    std::string View(const Naming& naming, const ObjectDef& view, const std::string& database);
+    std::optional<std::string> SystemView(const Naming& naming, const ObjectPlace& place);
+    const CommonTables::Entry* FindCommon(const std::string& name) const;
+    /// A table of a linked server; the same table twice in a statement is one.
+    std::shared_ptr<RemoteTable> Remote(const ast::Name& name);
+};
+
+} // namespace devsql

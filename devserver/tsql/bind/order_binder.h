@@ -1,0 +1,34 @@
+// The order of rows and how many of them: ORDER BY, TOP, OFFSET and FETCH.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "devserver/tsql/bind/binding.h"
+#include "devserver/tsql/bind/select_emitter.h"
+
+namespace devsql {
+
+class OrderBinder : private BinderPart {
+  public:
+    explicit OrderBinder(Binder& binder) : BinderPart(binder) {}
+
+    /// ORDER BY of a single SELECT, which may name what is not selected.
+    std::string OfSelect(const ast::Query& query, const SelectParts& parts, bool distinct);
+    /// ORDER BY of a set operation, which can only name columns of the result.
+    std::string OfColumns(const ast::Query& query, const std::vector<Column>& columns);
+    /// OFFSET and FETCH of a whole query; empty without.
+    std::string Offset(const ast::Query& query);
+    /// The number of rows of TOP as SQL. `counted` is the query whose rows TOP … PERCENT counts.
+    std::string Top(const ast::SelectCore& core, const std::string& counted);
+    /// TOP … WITH TIES: how many rows rank no lower than the last of `rows`.
+    std::string WithTies(const ast::SelectCore& core, const ast::Query* whole, const SelectParts& parts,
+                         const std::string& rows);
+
+  private:
+    std::string ByColumn(const Column& column, std::size_t position) const;
+    std::string ByExpression(const ast::Expr& expr, const SelectParts& parts, bool distinct);
+    std::int64_t RowNumber(const ast::Expr& expr, std::int32_t null_error);
+};
+
+} // namespace devsql

@@ -1,0 +1,212 @@
+#include "devserver/tsql/bind/select_binder.h"
+
+#include <algorithm>
+
+#include "devserver/tsql/bind/binder.h"
+#include "devserver/tsql/bind/evaluator.h"
+#include "devserver/tsql/scalar/compare.h"
+
+namespace devsql {
+namespace {
+
+/// What an item is called when it has no alias: a column keeps its name.
+std::string NameOf(const ast::Expr& expr) {
+    const auto* column = std::get_if<ast::ColumnExpr>(&expr.node);
+    return column == nullptr ? std::string() : column->name.last();
+}
+
+} // namespace
+
+bool HasAggregate(const Bound& node, int depth) {
+    if (node.kind == BoundKind::Sql) {
+        return node.aggregate && node.depth == depth;
+    }
+    for (const BoundPtr& child : node.children) {
+        if (HasAggregate(*child, depth)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+BoundQuery SelectBinder::Select(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole) {
+    SelectParts parts = Parts(core, outer, whole);
+    return {EmitSelect(emission_, parts, core.distinct), std::move(parts.columns),
+            std::move(parts.untyped_nulls)};
+}
+
+SelectParts SelectBinder::Parts(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole) {
+    const bool outermost = std::exchange(binding_.outermost, false);
+    SelectParts parts;
+    parts.scope.outer = outer;
+    parts.scope.depth = outer == nullptr ? 0 : outer->depth + 1;
+    if (!core.from.empty()) {
+        parts.from = binder_.BindFrom(core.from, parts.scope);
+    }
+    if (core.where) {
+        parts.where = binder_.BindCondition(*core.where, &parts.scope);
+    }
+    Keys(core, parts);
+    Binding::Clause& clause = binding_.clause;
+    clause.aggregates = true;
+    if (core.having) {
+        parts.having = binder_.BindCondition(*core.having, &parts.scope);
+    }
+    clause.windows = true;
+    Items(core, parts);
+    if (whole != nullptr && !whole->order_by.empty()) {
+        parts.order = binder_.orders().OfSelect(*whole, parts, core.distinct);
+    } else if (whole != nullptr && outermost) {
+        parts.order = ClusteredOrder(core, parts);
+    }
+    clause.windows = false;
+    clause.aggregates = false;
+    CheckGrouping(parts, core);
+    Limit(core, whole, parts);
+    return parts;
+}
+
+void SelectBinder::Keys(const ast::SelectCore& core, SelectParts& parts) {
+    for (const ast::ExprPtr& key : core.group_by) {
+        BoundPtr bound = binder_.BindValue(*key, &parts.scope);
+        if (IsOldLob(bound->type.id)) {
+            RaiseError(306);
+        }
+        if (!NeedsSql(*bound)) {
+            RaiseError(164);
+        }
+        parts.keys.push_back(std::move(bound));
+    }
+    parts.grouping = core.grouping;
+}
+
+void SelectBinder::Limit(const ast::SelectCore& core, const ast::Query* whole, SelectParts& parts) {
+    OrderBinder& orders = binder_.orders();
+    if (whole != nullptr && whole->offset) {
+        if (core.top) {
+            RaiseError(10741);
+        }
+        parts.limit = orders.Offset(*whole);
+    }
+    if (core.top) {
+        const std::string counted = core.top->percent ? EmitSelect(emission_, parts, core.distinct) : "";
+        const std::string rows = orders.Top(core, counted);
+        parts.limit = " LIMIT " + (core.top->ties ? orders.WithTies(core, whole, parts, rows) : rows);
+    }
+}
+
+void SelectBinder::ExpandStar(const ast::SelectItem& item, SelectParts& parts) const {
+    bool found = false;
+    if (parts.scope.sources.empty()) {
+        RaiseError(263);
+    }
+    for (const ScopeSource& source : parts.scope.sources) {
+        if (!item.star_of.empty() && CompareText(source.exposed, item.star_of.last()) != 0) {
+            continue;
+        }
+        found = true;
+        for (const ScopeColumn& column : source.columns) {
+            if (column.name.empty()) {
+                continue;
+            }
+            auto node = std::make_shared<Bound>(*MakeSql(column.sql, column.type, column.nullable));
+            node->source = source.exposed;
+            node->column = column.name;
+            node->depth = parts.scope.depth;
+            node->identity = column.identity;
+            parts.columns.push_back({column.name, column.type, column.nullable, column.identity});
+            parts.items.push_back(std::move(node));
+            parts.variables.emplace_back();
+        }
+    }
+    if (!found) {
+        RaiseError(107, {item.star_of.text()});
+    }
+}
+
+void SelectBinder::Items(const ast::SelectCore& core, SelectParts& parts) {
+    for (const ast::SelectItem& item : core.items) {
+        if (item.star) {
+            ExpandStar(item, parts);
+            continue;
+        }
+        BoundPtr value = binder_.BindValue(*item.expr, &parts.scope);
+        const Type type = Settled(value->type);
+        if (IsUntypedNull(value->type)) {
+            parts.untyped_nulls.resize(parts.columns.size() + 1);
+            parts.untyped_nulls.back() = true;
+            value = MakeConstant({}, type);
+        }
+        // An assigned item has no name, so that ORDER BY never takes it for an output column.
+        const std::string name = !item.variable.empty() ? ""
+                                 : item.alias.empty()   ? NameOf(*item.expr)
+                                                        : item.alias;
+        parts.columns.push_back(
+            {name, type, value->nullable, value->kind == BoundKind::Sql && value->identity});
+        parts.items.push_back(std::move(value));
+        parts.variables.push_back(item.variable);
+    }
+}
+
+void CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int depth, std::string_view clause) {
+    const Bound& wanted = IsGrouping(item) ? *item.children[0] : item;
+    for (const BoundPtr& key : keys) {
+        if (SameExpression(wanted, *key)) {
+            return;
+        }
+    }
+    if (IsGrouping(item)) {
+        RaiseError(8161);
+    }
+    if (item.kind == BoundKind::Sql && !item.aggregate && !item.column.empty() && item.depth == depth) {
+        if (clause == "ORDER BY") {
+            RaiseError(8127, {item.source, item.column});
+        }
+        if (clause == "HAVING") {
+            RaiseError(8121, {item.source, item.column});
+        }
+        RaiseError(8120, {item.source, item.column});
+    }
+    for (const BoundPtr& child : item.children) {
+        CheckGrouped(*child, keys, depth, clause);
+    }
+}
+
+void SelectBinder::CheckGrouping(const SelectParts& parts, const ast::SelectCore& core) const {
+    bool grouping = !core.group_by.empty() || parts.having != nullptr;
+    for (const BoundPtr& item : parts.items) {
+        grouping = grouping || HasAggregate(*item, parts.scope.depth);
+    }
+    if (!grouping) {
+        return;
+    }
+    for (const BoundPtr& item : parts.items) {
+        CheckGrouped(*item, parts.keys, parts.scope.depth, "SELECT");
+    }
+    if (parts.having) {
+        CheckGrouped(*parts.having, parts.keys, parts.scope.depth, "HAVING");
+    }
+}
+
+/// Rows of one table come in the order of its clustered key where nothing else is asked for.
+std::string SelectBinder::ClusteredOrder(const ast::SelectCore& core, const SelectParts& parts) const {
+    const bool grouped = core.distinct || !parts.keys.empty() || parts.having ||
+                         std::ranges::any_of(parts.items, [&](const BoundPtr& item) {
+                             return HasAggregate(*item, parts.scope.depth);
+                         });
+    if (grouped || parts.scope.sources.size() != 1 || !parts.scope.sources[0].table) {
+        return {};
+    }
+    const ScopeSource& source = parts.scope.sources[0];
+    const auto index = std::ranges::find_if(source.table->indexes, &IndexDef::clustered);
+    std::string order;
+    if (index != source.table->indexes.end()) {
+        for (const KeyColumn& key : index->columns) {
+            order += (order.empty() ? " ORDER BY " : ", ") + source.sql_alias + "." +
+                     QuoteName(source.table->ById(key.column).name) + (key.descending ? " DESC" : "");
+        }
+    }
+    return order;
+}
+
+} // namespace devsql
