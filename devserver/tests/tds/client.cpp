@@ -129,13 +129,22 @@ std::string Utf16(std::string_view ascii) {
     return wide;
 }
 
-std::string LoginMessage(const LoginFields& fields) {
-    const bool has72 = fields.version >= 0x72000000;
-    std::string password = Utf16(fields.password);
-    for (char& character : password) {
+namespace {
+
+/// As a login message hides it: the halves of each byte change places, and its bits are flipped by a pattern.
+std::string Hidden(const std::string& password) {
+    std::string hidden = Utf16(password);
+    for (char& character : hidden) {
         const auto byte = static_cast<std::uint8_t>(character);
         character = static_cast<char>(static_cast<std::uint8_t>(byte << 4 | byte >> 4) ^ 0xA5);
     }
+    return hidden;
+}
+
+} // namespace
+
+std::string LoginMessage(const LoginFields& fields) {
+    const bool has72 = fields.version >= 0x72000000;
     const std::size_t fixed = has72 ? 94 : 86;
     std::string table;
     std::string texts;
@@ -146,7 +155,7 @@ std::string LoginMessage(const LoginFields& fields) {
     };
     add(Utf16(fields.host), fields.host.size());
     add(Utf16(fields.user), fields.user.size());
-    add(password, fields.password.size());
+    add(Hidden(fields.password), fields.password.size());
     add(Utf16(fields.application), fields.application.size());
     add(Utf16(fields.server), fields.server.size());
     std::string pointer;
@@ -222,6 +231,52 @@ std::string Packets(std::uint8_t type, std::string_view data, std::size_t packet
     return bytes;
 }
 
+namespace {
+
+/// Reads a token after its type; `columns` are those that the last token of columns had.
+void ReadToken(Cursor& cursor, bool has72, std::vector<WireColumn>& columns, Token& token) {
+    switch (token.type) {
+    case 0x81:
+        columns = ReadColumns(cursor, has72);
+        break;
+    case 0xD1:
+        ReadRow(cursor, columns);
+        break;
+    case 0x79:
+        cursor.Take(4);
+        break;
+    case 0xAC: {
+        cursor.Take(2);
+        cursor.Take(cursor.Number(1) * 2);
+        cursor.Take(has72 ? 7 : 5);
+        const auto type = static_cast<std::uint8_t>(cursor.Number(1));
+        cursor.Take(type == 0x26 ? 1 : 7);
+        ReadRow(cursor, {{type, false}});
+        break;
+    }
+    case 0xFD:
+    case 0xFE:
+    case 0xFF:
+        token.status = static_cast<std::uint16_t>(cursor.Number(2));
+        cursor.Take(2);
+        token.rows = static_cast<std::int64_t>(cursor.Number(has72 ? 8 : 4));
+        break;
+    case 0xAA:
+    case 0xAB:
+    case 0xAD:
+    case 0xE3:
+        token.body = cursor.Take(cursor.Number(2));
+        if (token.type == 0xAA || token.type == 0xAB) {
+            ReadMessageFields(token, has72);
+        }
+        break;
+    default:
+        throw std::runtime_error("no token begins with " + std::to_string(token.type));
+    }
+}
+
+} // namespace
+
 std::vector<Token> ParseTokens(std::string_view data, tds::Version version) {
     const bool has72 = tds::Has72(version);
     std::vector<Token> tokens;
@@ -231,44 +286,7 @@ std::vector<Token> ParseTokens(std::string_view data, tds::Version version) {
         Token token;
         token.type = static_cast<std::uint8_t>(cursor.Number(1));
         const std::size_t start = cursor.position();
-        switch (token.type) {
-        case 0x81:
-            columns = ReadColumns(cursor, has72);
-            break;
-        case 0xD1:
-            ReadRow(cursor, columns);
-            break;
-        case 0x79:
-            cursor.Take(4);
-            break;
-        case 0xAC: {
-            cursor.Take(2);
-            cursor.Take(cursor.Number(1) * 2);
-            cursor.Take(has72 ? 7 : 5);
-            const auto type = static_cast<std::uint8_t>(cursor.Number(1));
-            cursor.Take(type == 0x26 ? 1 : 7);
-            ReadRow(cursor, {{type, false}});
-            break;
-        }
-        case 0xFD:
-        case 0xFE:
-        case 0xFF:
-            token.status = static_cast<std::uint16_t>(cursor.Number(2));
-            cursor.Take(2);
-            token.rows = static_cast<std::int64_t>(cursor.Number(has72 ? 8 : 4));
-            break;
-        case 0xAA:
-        case 0xAB:
-        case 0xAD:
-        case 0xE3:
-            token.body = cursor.Take(cursor.Number(2));
-            if (token.type == 0xAA || token.type == 0xAB) {
-                ReadMessageFields(token, has72);
-            }
-            break;
-        default:
-            throw std::runtime_error("no token begins with " + std::to_string(token.type));
-        }
+        ReadToken(cursor, has72, columns, token);
         if (token.body.empty()) {
             token.body = cursor.From(start);
         }

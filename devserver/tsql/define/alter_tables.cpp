@@ -158,10 +158,9 @@ void FillColumns(SessionCore& session, const Target& target, std::size_t first,
     }
 }
 
-void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const Target& target) {
-    Catalogue& catalogue = *target.catalogue;
-    const TablePtr before = catalogue.LoadTable(target.table->id);
-    TableBuilder builder(session, &catalogue, *before, true);
+/// Puts the statement's columns and constraints into the definition. False where WITH NOCHECK leaves the rows
+/// that are there unchecked.
+bool BuildParts(const ast::AlterTableStatement& alter, const TableDef& before, TableBuilder& builder) {
     for (const ast::ColumnDefinition& column : alter.definition.columns) {
         builder.AddColumn(column);
         for (const ast::Constraint& constraint : column.constraints) {
@@ -171,60 +170,79 @@ void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const
     bool check = true;
     for (const ast::Constraint& constraint : alter.definition.constraints) {
         builder.AddConstraint(constraint, "");
-        if (constraint.kind == ast::ConstraintKind::PrimaryKey) {
-            for (const ast::IndexColumn& key : constraint.columns) {
-                const ColumnDef* column = before->Find(key.name);
-                if (column != nullptr && column->nullable) {
-                    RaiseError(8111, {before->name});
-                }
+        check = check && constraint.with_check;
+        if (constraint.kind != ast::ConstraintKind::PrimaryKey) {
+            continue;
+        }
+        for (const ast::IndexColumn& key : constraint.columns) {
+            const ColumnDef* column = before.Find(key.name);
+            if (column != nullptr && column->nullable) {
+                RaiseError(8111, {before.name});
             }
         }
-        check = check && constraint.with_check;
     }
-    TableDef& after = builder.table();
-    for (std::size_t i = before->columns.size(); i < after.columns.size(); ++i) {
+    return check;
+}
+
+/// Raises 2714 where the name is taken.
+void RequireFree(Catalogue& catalogue, const TableDef& table, const std::string& name) {
+    if (catalogue.FindObject(table.schema, name)) {
+        RaiseError(2714, {name}, 5);
+    }
+}
+
+/// Stores new columns, and defaults that old ones have been given.
+void AddColumns(SessionCore& session, Catalogue& catalogue, const TableDef& before, const TableDef& after) {
+    for (std::size_t i = before.columns.size(); i < after.columns.size(); ++i) {
         const ColumnDef& column = after.columns[i];
         session.connection().Execute("ALTER TABLE " + after.Qualified() + " ADD COLUMN " +
                                      QuoteName(column.name) +
                                      (IsCharacter(column.type.id) ? " COLLATE TSQL" : ""));
         catalogue.AddColumn(after.id, column, static_cast<int>(i));
     }
-    for (std::size_t i = 0; i < before->columns.size(); ++i) {
-        if (after.columns[i].default_name != before->columns[i].default_name) {
-            if (catalogue.FindObject(after.schema, after.columns[i].default_name)) {
-                RaiseError(2714, {after.columns[i].default_name}, 5);
-            }
+    for (std::size_t i = 0; i < before.columns.size(); ++i) {
+        if (after.columns[i].default_name != before.columns[i].default_name) {
+            RequireFree(catalogue, after, after.columns[i].default_name);
             catalogue.UpdateColumn(after.id, after.columns[i]);
         }
     }
-    const Target changed{catalogue.LoadTable(after.id), &catalogue};
-    std::set<int> with_default;
+}
+
+/// The new columns, by id, whose default the rows that are there get.
+std::set<int> ColumnsWithDefault(const ast::AlterTableStatement& alter, const TableDef& after) {
+    std::set<int> columns;
     for (const ast::ColumnDefinition& column : alter.definition.columns) {
         const ColumnDef& added = *after.Find(column.name);
         const bool asked = std::ranges::any_of(column.constraints, &ast::Constraint::with_values);
         if (!added.nullable || asked) {
-            with_default.insert(added.id);
+            columns.insert(added.id);
         }
     }
-    FillColumns(session, changed, before->columns.size(), with_default);
-    const auto require_free = [&](const std::string& name) {
-        if (catalogue.FindObject(after.schema, name)) {
-            RaiseError(2714, {name}, 5);
-        }
-    };
+    return columns;
+}
+
+void AddParts(SessionCore& session, const ast::AlterTableStatement& alter, const Target& target) {
+    Catalogue& catalogue = *target.catalogue;
+    const TablePtr before = catalogue.LoadTable(target.table->id);
+    TableBuilder builder(session, &catalogue, *before, true);
+    const bool check = BuildParts(alter, *before, builder);
+    TableDef& after = builder.table();
+    AddColumns(session, catalogue, *before, after);
+    const Target changed{catalogue.LoadTable(after.id), &catalogue};
+    FillColumns(session, changed, before->columns.size(), ColumnsWithDefault(alter, after));
     for (std::size_t i = before->indexes.size(); i < after.indexes.size(); ++i) {
-        require_free(after.indexes[i].name);
+        RequireFree(catalogue, after, after.indexes[i].name);
         AddIndexChecked(session, catalogue, after, after.indexes[i]);
     }
     for (std::size_t i = before->checks.size(); i < after.checks.size(); ++i) {
-        require_free(after.checks[i].name);
+        RequireFree(catalogue, after, after.checks[i].name);
         if (check) {
             RequireCheck(session, catalogue, changed.table, after.checks[i]);
         }
         catalogue.AddCheck(after.id, after.checks[i]);
     }
     for (const ForeignKeyDef& key : builder.foreign_keys()) {
-        require_free(key.name);
+        RequireFree(catalogue, after, key.name);
         if (check) {
             RequireParents(session, catalogue, after, key);
         }

@@ -276,6 +276,22 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
     key.on_update = ToOnChange(constraint.on_update);
     const TablePtr referenced = Referenced(constraint, key.name);
     key.referenced = referenced->id;
+    FindKeyColumns(constraint, column, *referenced, key);
+    RequireReferencedKey(constraint, *referenced, key);
+    for (std::size_t i = 0; i < key.columns.size(); ++i) {
+        const ColumnDef& own = table_.ById(key.columns[i]);
+        const ColumnDef& other = referenced->ById(key.referenced_columns[i]);
+        const bool texts = IsCharacter(own.type.id) && IsCharacter(other.type.id);
+        if (own.type.id != other.type.id && !texts && !(IsDecimal(own.type.id) && IsDecimal(other.type.id))) {
+            RaiseError(1778, {referenced->name, other.name, table_.name, own.name, key.name});
+        }
+    }
+    foreign_keys_.push_back(std::move(key));
+}
+
+/// The columns that the constraint names on both sides. A constraint of a column means that column.
+void TableBuilder::FindKeyColumns(const ast::Constraint& constraint, const std::string& column,
+                                  const TableDef& referenced, ForeignKeyDef& key) const {
     std::vector<ast::IndexColumn> columns = constraint.columns;
     if (columns.empty()) {
         columns.push_back({column, false});
@@ -288,14 +304,19 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
         key.columns.push_back(definition->id);
     }
     for (const std::string& name : constraint.referenced_columns) {
-        const ColumnDef* definition = referenced->Find(name);
+        const ColumnDef* definition = referenced.Find(name);
         if (definition == nullptr) {
-            RaiseError(1770, {key.name, name, referenced->name});
+            RaiseError(1770, {key.name, name, referenced.name});
         }
         key.referenced_columns.push_back(definition->id);
     }
+}
+
+/// The columns referred to must be a key. Without a list they are the primary key. Raises 1773, 1774, 1776.
+void TableBuilder::RequireReferencedKey(const ast::Constraint& constraint, const TableDef& referenced,
+                                        ForeignKeyDef& key) {
     const bool any_key =
-        std::any_of(referenced->indexes.begin(), referenced->indexes.end(), [&](const IndexDef& index) {
+        std::any_of(referenced.indexes.begin(), referenced.indexes.end(), [&](const IndexDef& index) {
             std::vector<int> ids;
             for (const KeyColumn& part : index.columns) {
                 ids.push_back(part.column);
@@ -307,23 +328,14 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
                                                        key.referenced_columns.end());
         });
     if (constraint.referenced_columns.empty() && key.referenced_columns.empty()) {
-        RaiseError(1773, {key.name, referenced->name});
+        RaiseError(1773, {key.name, referenced.name});
     }
     if (key.columns.size() != key.referenced_columns.size()) {
         RaiseError(1774, {key.name});
     }
     if (!any_key) {
-        RaiseError(1776, {referenced->name, key.name});
+        RaiseError(1776, {referenced.name, key.name});
     }
-    for (std::size_t i = 0; i < key.columns.size(); ++i) {
-        const ColumnDef& own = table_.ById(key.columns[i]);
-        const ColumnDef& other = referenced->ById(key.referenced_columns[i]);
-        const bool texts = IsCharacter(own.type.id) && IsCharacter(other.type.id);
-        if (own.type.id != other.type.id && !texts && !(IsDecimal(own.type.id) && IsDecimal(other.type.id))) {
-            RaiseError(1778, {referenced->name, other.name, table_.name, own.name, key.name});
-        }
-    }
-    foreign_keys_.push_back(std::move(key));
 }
 
 // ------------------------------------------------------------------ statements

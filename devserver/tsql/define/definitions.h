@@ -31,6 +31,10 @@ class TableBuilder {
   private:
     void AddKey(const ast::Constraint& constraint, const std::string& column);
     void AddForeignKey(const ast::Constraint& constraint, const std::string& column);
+    void FindKeyColumns(const ast::Constraint& constraint, const std::string& column,
+                        const TableDef& referenced, ForeignKeyDef& key) const;
+    static void RequireReferencedKey(const ast::Constraint& constraint, const TableDef& referenced,
+                                     ForeignKeyDef& key);
     void AddCheck(const ast::Constraint& constraint, const std::string& column);
     void AddDefault(const ast::Constraint& constraint, const std::string& column);
     Type TypeOfComputed(const std::string& text);

@@ -150,6 +150,8 @@ class Parser {
     ast::StatementPtr ParseBegin();
     ast::StatementPtr ParseTry();
     ast::StatementPtr ParseIf();
+    ast::StatementPtr ParseWhile();
+    ast::StatementPtr ParseReturn();
     ast::StatementPtr ParseDeclare();
     ast::Declaration ParseDeclaration();
     ast::StatementPtr ParseCursorDeclaration(std::string name);

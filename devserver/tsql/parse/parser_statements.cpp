@@ -126,32 +126,19 @@ StatementPtr Parser::ParseControlStatement() {
         {"CREATE", &Parser::ParseCreate},   {"ALTER", &Parser::ParseAlter},
         {"DROP", &Parser::ParseDrop},       {"FETCH", &Parser::ParseFetch},
         {"WAITFOR", &Parser::ParseWaitfor}, {"RAISERROR", &Parser::ParseRaiserror},
+        {"WHILE", &Parser::ParseWhile},     {"RETURN", &Parser::ParseReturn},
+        {"THROW", &Parser::ParseThrow},
     };
     for (const Entry& entry : kEntries) {
         if (IsWord(entry.word)) {
             return (this->*entry.parse)();
         }
     }
-    if (TakeWord("WHILE")) {
-        WhileStatement loop;
-        loop.condition = ParseCondition();
-        ++loops_;
-        loop.body = ParseStatement();
-        --loops_;
-        return Wrap(std::move(loop));
-    }
     if (IsWord("BREAK") || IsWord("CONTINUE")) {
         if (loops_ == 0) {
             Fail(IsWord("BREAK") ? 135 : 136);
         }
         return AsciiEqual(Take().text, "BREAK") ? Wrap(BreakStatement{}) : Wrap(ContinueStatement{});
-    }
-    if (TakeWord("RETURN")) {
-        const bool word = std::ranges::any_of(kValueWords, [&](std::string_view w) { return IsWord(w); });
-        const bool value =
-            !AtEnd() && !IsSymbol(";") &&
-            (Peek().kind != TokenKind::Word || word || (IsName() && (IsSymbol("(", 1) || IsSymbol(".", 1))));
-        return Wrap(ReturnStatement{value ? ParseValue() : nullptr});
     }
     if (TakeWord("GOTO")) {
         return Wrap(GotoStatement{TakeName()});
@@ -162,7 +149,26 @@ StatementPtr Parser::ParseControlStatement() {
     if (TakeWord("USE")) {
         return Wrap(UseStatement{TakeName()});
     }
-    return IsWord("THROW") ? ParseThrow() : ParseActionStatement();
+    return ParseActionStatement();
+}
+
+StatementPtr Parser::ParseWhile() {
+    ExpectWord("WHILE");
+    WhileStatement loop;
+    loop.condition = ParseCondition();
+    ++loops_;
+    loop.body = ParseStatement();
+    --loops_;
+    return Wrap(std::move(loop));
+}
+
+StatementPtr Parser::ParseReturn() {
+    ExpectWord("RETURN");
+    const bool word = std::ranges::any_of(kValueWords, [&](std::string_view w) { return IsWord(w); });
+    const bool value =
+        !AtEnd() && !IsSymbol(";") &&
+        (Peek().kind != TokenKind::Word || word || (IsName() && (IsSymbol("(", 1) || IsSymbol(".", 1))));
+    return Wrap(ReturnStatement{value ? ParseValue() : nullptr});
 }
 
 /// Statements whose first word is an action on something named: a transaction, a cursor, a right.

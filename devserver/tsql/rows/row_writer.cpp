@@ -321,6 +321,26 @@ bool RowWriter::KeyChanged(const std::vector<int>& columns, const RowValues& bef
     });
 }
 
+bool RowWriter::UniqueKeyChanged(const RowValues& before, const RowValues& after) const {
+    return std::ranges::any_of(table_.indexes, [&](const IndexDef& index) {
+        std::vector<int> ids;
+        for (const KeyColumn& key : index.columns) {
+            ids.push_back(key.column);
+        }
+        return index.unique && KeyChanged(ids, before, after);
+    });
+}
+
+SqliteStatement RowWriter::PrepareUpdate() {
+    std::string assignments;
+    for (std::size_t i = 0; i < table_.columns.size(); ++i) {
+        assignments +=
+            (i == 0 ? "" : ", ") + QuoteName(table_.columns[i].name) + " = ?" + std::to_string(i + 2);
+    }
+    return session_.connection().Prepare("UPDATE " + table_.Qualified() + " SET " + assignments + " WHERE " +
+                                         RowIdName(table_) + " = ?1");
+}
+
 void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValues> after) {
     if (IsRemote()) {
         target_.remote->Update(ValuesOf(before), after);
@@ -330,13 +350,7 @@ void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValu
     for (std::size_t i = 0; i < after.size(); ++i) {
         Complete(after[i]);
         CheckRow(after[i]);
-        for (const IndexDef& index : table_.indexes) {
-            std::vector<int> ids;
-            for (const KeyColumn& key : index.columns) {
-                ids.push_back(key.column);
-            }
-            keys = keys || (index.unique && KeyChanged(ids, before[i].values, after[i]));
-        }
+        keys = keys || UniqueKeyChanged(before[i].values, after[i]);
     }
     // Keys may change places among the rows ("SET id = id + 1"): all old ones go before the new ones come.
     SqliteStatement remove = session_.connection().Prepare("DELETE FROM " + table_.Qualified() + " WHERE " +
@@ -346,13 +360,7 @@ void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValu
             remove.BindInt(1, row.row_id).Run();
         }
     }
-    std::string assignments;
-    for (std::size_t i = 0; i < table_.columns.size(); ++i) {
-        assignments +=
-            (i == 0 ? "" : ", ") + QuoteName(table_.columns[i].name) + " = ?" + std::to_string(i + 2);
-    }
-    SqliteStatement update = session_.connection().Prepare(
-        "UPDATE " + table_.Qualified() + " SET " + assignments + " WHERE " + RowIdName(table_) + " = ?1");
+    SqliteStatement update = PrepareUpdate();
     for (std::size_t i = 0; i < after.size(); ++i) {
         if (keys) {
             Store(after[i], before[i].row_id);

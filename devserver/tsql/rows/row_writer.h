@@ -65,6 +65,9 @@ class RowWriter {
     void Store(const RowValues& row, std::optional<std::int64_t> row_id);
     /// What stores a row, with a parameter for each column and, if asked for, one more for the row's number.
     SqliteStatement PrepareInsert(bool with_row_id);
+    /// What updates a row: parameter 1 is the row's number, a value for each column follows.
+    SqliteStatement PrepareUpdate();
+    bool UniqueKeyChanged(const RowValues& before, const RowValues& after) const;
     void RequireParent(const ForeignKeyDef& key, const RowValues& row);
     void ReleaseChildren(const ForeignKeyDef& key, const RowValues& before, const RowValues* after);
     void Cascade(const ForeignKeyDef& key, const TablePtr& child, const std::vector<StoredRow>& rows,

@@ -226,56 +226,59 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
     if (session_.remote().Means(name)) {
         return CallRemote(name, arguments);
     }
+    OpenDatabases& databases = session_.databases();
     const ObjectPlace place = PlaceOf(session_, name);
     const bool placed = name.parts.size() > 2;
-    Catalogue& catalogue = session_.databases().Get(place.database);
-    if (const std::optional<ObjectDef> object =
-            session_.databases().Object(catalogue, place.schema, place.name);
+    const std::string database = placed ? place.database : databases.CurrentName();
+    Catalogue& catalogue = databases.Get(place.database);
+    if (const std::optional<ObjectDef> object = databases.Object(catalogue, place.schema, place.name);
         object && object->type == "P") {
-        return CallStored(*object, catalogue, placed ? place.database : session_.databases().CurrentName(),
-                          arguments);
+        return CallStored(*object, catalogue, database, arguments);
     }
     if (const SystemProcedure* system = find_system_procedure_(place.name)) {
-        const std::string database = placed ? place.database : session_.databases().CurrentName();
-        Frame frame;
-        frame.procedure = system->name;
-        frame.database = database;
-        std::vector<std::size_t> positions;
-        std::vector<ParameterDef> formal;
-        if (system->parameters != "...") {
-            formal = SystemParameters(session_, system->parameters);
-            positions = BindArguments(session_, system->name, formal, arguments, frame);
-        }
-        const std::int32_t line = session_.status().line;
-        SystemCall call(*this, frame, arguments);
-        CallResult result;
-        session_.status().last_error = 0;
-        session_.calls().Push(frame);
-        try {
-            result.status = RunSystem(*system, call);
-        } catch (...) {
-            session_.calls().Pop();
-            throw;
-        }
-        session_.calls().Pop();
-        session_.status().line = line;
-        result.outputs = std::move(call.outputs);
-        for (std::size_t i = result.outputs.size(); i < positions.size(); ++i) {
-            result.outputs.push_back(arguments[i].output
-                                         ? std::optional(frame.variables[ToUpper(formal[positions[i]].name)])
-                                         : std::nullopt);
-        }
-        return result;
+        return CallSystem(*system, database, arguments);
     }
     if (ToLower(place.name).starts_with("sp_")) { // A procedure of master that serves every database.
-        Catalogue& master = session_.databases().Get("master");
+        Catalogue& master = databases.Get("master");
         if (const std::optional<ObjectDef> object = master.FindObject("dbo", place.name);
             object && object->type == "P") {
-            return CallStored(*object, master, placed ? place.database : session_.databases().CurrentName(),
-                              arguments);
+            return CallStored(*object, master, database, arguments);
         }
     }
     RaiseError(2812, {name.text()}, 62);
+}
+
+CallResult Interpreter::CallSystem(const SystemProcedure& procedure, const std::string& database,
+                                   const std::vector<ActualArgument>& arguments) {
+    Frame frame;
+    frame.procedure = procedure.name;
+    frame.database = database;
+    std::vector<std::size_t> positions;
+    std::vector<ParameterDef> formal;
+    if (procedure.parameters != "...") {
+        formal = SystemParameters(session_, procedure.parameters);
+        positions = BindArguments(session_, procedure.name, formal, arguments, frame);
+    }
+    const std::int32_t line = session_.status().line;
+    SystemCall call(*this, frame, arguments);
+    CallResult result;
+    session_.status().last_error = 0;
+    session_.calls().Push(frame);
+    try {
+        result.status = RunSystem(procedure, call);
+    } catch (...) {
+        session_.calls().Pop();
+        throw;
+    }
+    session_.calls().Pop();
+    session_.status().line = line;
+    result.outputs = std::move(call.outputs);
+    for (std::size_t i = result.outputs.size(); i < positions.size(); ++i) {
+        result.outputs.push_back(arguments[i].output
+                                     ? std::optional(frame.variables[ToUpper(formal[positions[i]].name)])
+                                     : std::nullopt);
+    }
+    return result;
 }
 
 // ------------------------------------------------------------------ EXECUTE

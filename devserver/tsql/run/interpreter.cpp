@@ -60,6 +60,14 @@ bool BeginsImplicitly(const ast::Statement& statement) {
            std::holds_alternative<ast::FetchStatement>(statement.node);
 }
 
+/// True for statements after which @@ERROR stays as it is, or is what they have set.
+bool KeepsError(const ast::Statement& statement) {
+    return std::holds_alternative<ast::DeclareStatement>(statement.node) ||
+           std::holds_alternative<ast::RaiserrorStatement>(statement.node) ||
+           std::holds_alternative<ast::ExecuteStatement>(statement.node) ||
+           std::holds_alternative<ast::ExecuteStringStatement>(statement.node);
+}
+
 /// True for statements whose end is reported to the client by itself: all but declarations, control flow, and
 /// calls, which end with their status.
 bool HasEnd(const ast::Statement& statement) {
@@ -437,43 +445,42 @@ Interpreter::Flow Interpreter::Execute(const ast::Statement& statement) {
 }
 
 Interpreter::Flow Interpreter::ExecuteSimple(const ast::Statement& statement) {
-    if (session_.transactions().doomed() && (std::holds_alternative<ast::InsertStatement>(statement.node) ||
-                                             std::holds_alternative<ast::UpdateStatement>(statement.node) ||
-                                             std::holds_alternative<ast::DeleteStatement>(statement.node))) {
+    if (session_.transactions().doomed() && changes_rows_) {
         RaiseError(3930);
     }
     if (session_.options().implicit_transactions && session_.transactions().count() == 0 &&
         BeginsImplicitly(statement)) {
         session_.transactions().Begin("");
     }
-    const bool keeps_error = std::holds_alternative<ast::DeclareStatement>(statement.node);
-    bool sets_count = true;
-    const bool handled = std::visit(
+    if (!ExecuteAction(statement)) {
+        ExecuteDefinition(statement);
+    }
+    if (!KeepsError(statement)) {
+        session_.status().last_error = 0;
+    }
+    return Flow::Next;
+}
+
+bool Interpreter::ExecuteAction(const ast::Statement& statement) {
+    const auto nested = [this](const ast::Statement& inner) { return Capture(inner); };
+    std::int64_t& row_count = session_.status().row_count;
+    return std::visit(
         Overloaded{
-            [&](const ast::DeclareStatement& s) { return Declare(s), sets_count = false, true; },
-            [&](const ast::SetVariableStatement& s) {
-                return SetVariable(s), session_.status().row_count = 1, true;
-            },
-            [&](const ast::SetOptionStatement& s) {
-                return SetOption(s), session_.status().row_count = 0, true;
-            },
-            [&](const ast::PrintStatement& s) { return Print(s), session_.status().row_count = 0, true; },
+            [&](const ast::DeclareStatement& s) { return Declare(s), true; },
+            [&](const ast::SetVariableStatement& s) { return SetVariable(s), row_count = 1, true; },
+            [&](const ast::SetOptionStatement& s) { return SetOption(s), row_count = 0, true; },
+            [&](const ast::PrintStatement& s) { return Print(s), row_count = 0, true; },
             [&](const ast::RaiserrorStatement& s) { return Raiserror(s), true; },
             [&](const ast::ThrowStatement& s) { return Throw(s), true; },
             [&](const ast::WaitforStatement& s) { return Wait(s), true; },
             [&](const ast::ExecuteStatement& s) { return ExecuteCall(s), true; },
             [&](const ast::ExecuteStringStatement& s) { return ExecuteString(s), true; },
-            [&](const ast::TransactionStatement& s) {
-                return Transaction(s), session_.status().row_count = 0, true;
-            },
+            [&](const ast::TransactionStatement& s) { return Transaction(s), row_count = 0, true; },
             [&](const ast::UseStatement& s) {
-                return session_.databases().Use(s.database), session_.status().row_count = 0, true;
+                return session_.databases().Use(s.database), row_count = 0, true;
             },
             [&](const ast::QueryPtr& s) { return RunSelect(session_, *s), true; },
-            [&](const ast::InsertStatement& s) {
-                RunInsert(session_, s, [this](const ast::Statement& nested) { return Capture(nested); });
-                return true;
-            },
+            [&](const ast::InsertStatement& s) { return RunInsert(session_, s, nested), true; },
             [&](const ast::InsertBulkStatement& s) { return BeginBulkInsert(session_, s), true; },
             [&](const ast::UpdateStatement& s) { return RunUpdate(session_, s), true; },
             [&](const ast::DeleteStatement& s) { return RunDelete(session_, s), true; },
@@ -484,16 +491,6 @@ Interpreter::Flow Interpreter::ExecuteSimple(const ast::Statement& statement) {
             [&](const auto&) { return false; },
         },
         statement.node);
-    if (!handled) {
-        ExecuteDefinition(statement);
-    }
-    const bool raises = std::holds_alternative<ast::RaiserrorStatement>(statement.node) ||
-                        std::holds_alternative<ast::ExecuteStatement>(statement.node) ||
-                        std::holds_alternative<ast::ExecuteStringStatement>(statement.node);
-    if (!keeps_error && !raises) {
-        session_.status().last_error = 0;
-    }
-    return Flow::Next;
 }
 
 Interpreter::Flow Interpreter::ExecuteDefinition(const ast::Statement& statement) {

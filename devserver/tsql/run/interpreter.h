@@ -40,6 +40,14 @@ struct Failure {
     int uncaught_at = 0;
 };
 
+/// What RAISERROR says, before it is held to the limits.
+struct RaisedMessage {
+    std::int32_t number = 50000;
+    std::int64_t severity = 16;
+    std::int64_t state = 1;
+    std::string text;
+};
+
 class Interpreter {
   public:
     Interpreter(SessionCore& session, SystemProcedureFinder find_system_procedure)
@@ -81,6 +89,8 @@ class Interpreter {
     /// Tells the sink that a failed statement has ended, whatever it has told before.
     void EndFailed() { session_.results().Done(Command::None, std::nullopt); }
     Flow ExecuteSimple(const ast::Statement& statement);
+    /// False for a definition.
+    bool ExecuteAction(const ast::Statement& statement);
     Flow ExecuteDefinition(const ast::Statement& statement);
     Flow RunTry(const ast::TryStatement& statement);
     Flow RunWhile(const ast::WhileStatement& loop);
@@ -97,6 +107,8 @@ class Interpreter {
     void SetIdentityInsert(const ast::SetOptionStatement& set);
     void Print(const ast::PrintStatement& print);
     void Raiserror(const ast::RaiserrorStatement& raise);
+    /// The message that a RAISERROR raises, its severity and state as written.
+    RaisedMessage RaisedBy(const ast::RaiserrorStatement& raise);
     void Throw(const ast::ThrowStatement& statement);
     void Wait(const ast::WaitforStatement& wait);
     void Transaction(const ast::TransactionStatement& statement);
@@ -105,6 +117,7 @@ class Interpreter {
     void OpenCursor(const std::string& name);
     void RunCursor(const ast::CursorStatement& statement);
     void Fetch(const ast::FetchStatement& fetch);
+    std::int64_t FetchPosition(const ast::FetchStatement& fetch, const Cursor& cursor);
 
     // calls.cpp
     void ExecuteCall(const ast::ExecuteStatement& call);
@@ -116,6 +129,8 @@ class Interpreter {
     std::vector<ActualArgument> Arguments(const ast::ExecuteStatement& call);
     CallResult CallStored(const ObjectDef& object, Catalogue& catalogue, const std::string& database,
                           std::vector<ActualArgument>& arguments);
+    CallResult CallSystem(const SystemProcedure& procedure, const std::string& database,
+                          const std::vector<ActualArgument>& arguments);
     void RunBody(const ObjectDef& object, Frame& frame, const ast::CreateModuleStatement& module);
 
     SessionCore& session_;

@@ -228,7 +228,7 @@ void Interpreter::Print(const ast::PrintStatement& print) {
         {0, 0, 1, SubText(text, 0, 8000), session_.calls().frame().procedure, session_.status().line});
 }
 
-void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
+RaisedMessage Interpreter::RaisedBy(const ast::RaiserrorStatement& raise) {
     Type type;
     const Value message = ComputeExpression(session_, *raise.message, &type);
     std::vector<FormatArgument> arguments;
@@ -237,43 +237,49 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
         formatted.value = ComputeExpression(session_, *argument, &formatted.type);
         arguments.push_back(std::move(formatted));
     }
-    std::int32_t number = 50000;
-    std::string text;
-    std::int64_t severity = raise.severity ? Number(session_, *raise.severity, 16) : 16;
-    const std::int64_t state = raise.state ? Number(session_, *raise.state, 1) : 1;
-    if (!raise.severity) { // RAISERROR 50001 'text'
-        number =
-            static_cast<std::int32_t>(std::get<std::int64_t>(Convert(message, type, Simple(TypeId::Int))));
-        text = ValueText(arguments.at(0).value, arguments.at(0).type);
-    } else if (IsCharacter(type.id)) {
-        text = FormatRaiserror(IsNull(message) ? "" : std::get<std::string>(message), arguments);
-    } else {
-        number =
-            static_cast<std::int32_t>(std::get<std::int64_t>(Convert(message, type, Simple(TypeId::Int))));
-        if (number < 13000 || number == 50000) {
-            RaiseError(2732, {std::to_string(number), "13000", "2147483647"});
-        }
-        const std::optional<NumberedMessage> found = FindMessageText(session_, number, arguments);
-        if (!found) {
-            RaiseError(18054, {std::to_string(number), std::to_string(severity), std::to_string(state)});
-        }
-        severity = severity < 0 ? found->severity : severity;
-        text = found->text;
+    RaisedMessage raised;
+    raised.severity = raise.severity ? Number(session_, *raise.severity, 16) : 16;
+    raised.state = raise.state ? Number(session_, *raise.state, 1) : 1;
+    if (raise.severity && IsCharacter(type.id)) {
+        raised.text = FormatRaiserror(IsNull(message) ? "" : std::get<std::string>(message), arguments);
+        return raised;
     }
+    raised.number =
+        static_cast<std::int32_t>(std::get<std::int64_t>(Convert(message, type, Simple(TypeId::Int))));
+    if (!raise.severity) { // RAISERROR 50001 'text'
+        raised.text = ValueText(arguments.at(0).value, arguments.at(0).type);
+        return raised;
+    }
+    if (raised.number < 13000 || raised.number == 50000) {
+        RaiseError(2732, {std::to_string(raised.number), "13000", "2147483647"});
+    }
+    const std::optional<NumberedMessage> found = FindMessageText(session_, raised.number, arguments);
+    if (!found) {
+        RaiseError(18054, {std::to_string(raised.number), std::to_string(raised.severity),
+                           std::to_string(raised.state)});
+    }
+    raised.severity = raised.severity < 0 ? found->severity : raised.severity;
+    raised.text = found->text;
+    return raised;
+}
+
+void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
     constexpr std::int64_t kHighestUnlogged = 18;
     constexpr std::int64_t kFirstFatal = 20;
-    if (severity > kHighestUnlogged && !raise.log) {
+    constexpr std::int64_t kHighest = 25;
+    const RaisedMessage raised = RaisedBy(raise);
+    if (raised.severity > kHighestUnlogged && !raise.log) {
         RaiseError(2754, {std::to_string(kHighestUnlogged)});
     }
-    severity = std::min<std::int64_t>(severity, 25);
-    severity = std::max<std::int64_t>(0, severity);
-    const Message sent = {number,
-                          static_cast<std::uint8_t>(severity == 10 ? 0 : severity),
-                          static_cast<std::uint8_t>(state < 0 || state > 255 ? 1 : state),
-                          text,
-                          session_.calls().frame().procedure,
-                          session_.status().line};
-    session_.status().last_error = severity > 10 || raise.set_error ? number : 0;
+    const std::int64_t severity = std::clamp<std::int64_t>(raised.severity, 0, kHighest);
+    const Message sent = {
+        raised.number,
+        static_cast<std::uint8_t>(severity == 10 ? 0 : severity),
+        static_cast<std::uint8_t>(raised.state < 0 || raised.state > 255 ? 1 : raised.state),
+        raised.text,
+        session_.calls().frame().procedure,
+        session_.status().line};
+    session_.status().last_error = severity > 10 || raise.set_error ? raised.number : 0;
     if (severity >= kFirstFatal) { // The connection ends with it, whatever TRY stands around.
         session_.results().Print(sent);
         session_.interruption().EndSession();
@@ -436,20 +442,11 @@ void Interpreter::RunCursor(const ast::CursorStatement& statement) {
     }
 }
 
-void Interpreter::Fetch(const ast::FetchStatement& fetch) {
-    const std::shared_ptr<Cursor> cursor = session_.calls().FindCursor(fetch.name);
-    if (!cursor) {
-        RaiseError(16916, {fetch.name});
-    }
-    if (!cursor->open) {
-        RaiseError(16917);
-    }
-    if (fetch.direction != ast::FetchDirection::Next && !cursor->scroll) {
-        RaiseError(16911, {"fetch", "forward only"});
-    }
-    const auto count = static_cast<std::int64_t>(cursor->rows.rows.size());
+/// Where the cursor stands after the statement: -1 before the first row, the number of rows after the last.
+std::int64_t Interpreter::FetchPosition(const ast::FetchStatement& fetch, const Cursor& cursor) {
+    const auto count = static_cast<std::int64_t>(cursor.rows.rows.size());
     const std::int64_t offset = fetch.offset ? Number(session_, *fetch.offset, 0) : 0;
-    std::int64_t position = cursor->position;
+    std::int64_t position = cursor.position;
     switch (fetch.direction) {
     case ast::FetchDirection::Next:
         ++position;
@@ -470,27 +467,42 @@ void Interpreter::Fetch(const ast::FetchStatement& fetch) {
         position += offset;
         break;
     }
-    position = std::clamp<std::int64_t>(position, -1, count);
-    cursor->position = position;
-    const bool found = position >= 0 && position < count;
-    session_.status().fetch_status = found ? 0 : -1;
+    return std::clamp<std::int64_t>(position, -1, count);
+}
+
+void Interpreter::Fetch(const ast::FetchStatement& fetch) {
+    const std::shared_ptr<Cursor> cursor = session_.calls().FindCursor(fetch.name);
+    if (!cursor) {
+        RaiseError(16916, {fetch.name});
+    }
+    if (!cursor->open) {
+        RaiseError(16917);
+    }
+    if (fetch.direction != ast::FetchDirection::Next && !cursor->scroll) {
+        RaiseError(16911, {"fetch", "forward only"});
+    }
+    cursor->position = FetchPosition(fetch, *cursor);
+    const auto& rows = cursor->rows.rows;
+    const auto position = static_cast<std::size_t>(cursor->position);
+    const bool found = cursor->position >= 0 && position < rows.size();
+    Status& status = session_.status();
+    status.fetch_status = found ? 0 : -1;
     if (fetch.into.empty()) {
         session_.results().sink().Columns(cursor->rows.columns);
         if (found) {
-            session_.results().sink().Row(cursor->rows.rows[static_cast<std::size_t>(position)]);
+            session_.results().sink().Row(rows[position]);
         }
-        session_.status().row_count = found ? 1 : 0;
-        session_.results().Done(Command::Select, session_.status().row_count);
+        status.row_count = found ? 1 : 0;
+        session_.results().Done(Command::Select, status.row_count);
         return;
     }
     if (fetch.into.size() != cursor->rows.columns.size()) {
         RaiseError(16924);
     }
     for (std::size_t i = 0; found && i < fetch.into.size(); ++i) {
-        AssignTo(session_, fetch.into[i], cursor->rows.rows[static_cast<std::size_t>(position)][i],
-                 cursor->rows.columns[i].type);
+        AssignTo(session_, fetch.into[i], rows[position][i], cursor->rows.columns[i].type);
     }
-    session_.status().row_count = found ? 1 : 0;
+    status.row_count = found ? 1 : 0;
 }
 
 } // namespace devsql

@@ -98,6 +98,52 @@ Value TableProperty(const TableDef& table, std::string_view property) {
     return {};
 }
 
+/// OBJECTPROPERTY's properties that ask which kind of object it is: 1 or 0; nothing for another property.
+std::optional<bool> KindProperty(const ObjectDef& object, std::string_view property) {
+    struct Kind {
+        std::string_view property;
+        std::string_view type;
+    };
+    constexpr std::array<Kind, 11> kKinds = {{{"ISUSERTABLE", "U"},
+                                              {"ISTABLE", "U"},
+                                              {"ISVIEW", "V"},
+                                              {"ISPROCEDURE", "P"},
+                                              {"ISPRIMARYKEY", "PK"},
+                                              {"ISUNIQUECNST", "UQ"},
+                                              {"ISFOREIGNKEY", "F"},
+                                              {"ISCHECKCNST", "C"},
+                                              {"ISDEFAULTCNST", "D"},
+                                              {"ISTRIGGER", "TR"},
+                                              {"ISSCALARFUNCTION", "FN"}}};
+    const auto found = std::ranges::find(kKinds, property, &Kind::property);
+    return found == kKinds.end() ? std::nullopt : std::optional(object.type == found->type);
+}
+
+/// OBJECTPROPERTY's properties of any object; nothing for another property.
+std::optional<std::int64_t> CommonProperty(const ObjectDef& object, std::string_view property) {
+    struct Entry {
+        std::string_view property;
+        std::int64_t value;
+    };
+    const Entry entries[] = {{"ISCONSTRAINT", !IsTableOrModule(object.type)},
+                             {"ISMSSHIPPED", object.shipped},
+                             {"ISSYSTEMTABLE", 0},
+                             {"ISINLINEFUNCTION", 0},
+                             {"ISTABLEFUNCTION", 0},
+                             {"ISEXTENDEDPROC", 0},
+                             {"ISRULE", 0},
+                             {"ISREPLPROC", 0},
+                             {"EXECISSTARTUP", 0},
+                             {"OWNERID", 1},
+                             {"EXECISQUOTEDIDENTON", object.quoted_identifier},
+                             {"ISQUOTEDIDENTON", object.quoted_identifier},
+                             {"EXECISANSINULLSON", object.ansi_nulls},
+                             {"ISANSINULLSON", object.ansi_nulls},
+                             {"ISENCRYPTED", object.encrypted}};
+    const auto* found = std::ranges::find(entries, property, &Entry::property);
+    return found == std::end(entries) ? std::nullopt : std::optional(found->value);
+}
+
 Value ObjectProperty(SessionCore& session, Values values, Types types) {
     const std::optional<std::int64_t> id = IntOf(values, types, 0);
     const std::optional<ObjectDef> object = id ? session.databases().Current().FindObject(*id) : std::nullopt;
@@ -105,48 +151,11 @@ Value ObjectProperty(SessionCore& session, Values values, Types types) {
         return {};
     }
     const std::string property = AsciiUpper(TextOf(values, types, 1));
-    struct KindProperty {
-        std::string_view name;
-        std::string_view type;
-    };
-    constexpr std::array<KindProperty, 11> kKinds = {{{"ISUSERTABLE", "U"},
-                                                      {"ISTABLE", "U"},
-                                                      {"ISVIEW", "V"},
-                                                      {"ISPROCEDURE", "P"},
-                                                      {"ISPRIMARYKEY", "PK"},
-                                                      {"ISUNIQUECNST", "UQ"},
-                                                      {"ISFOREIGNKEY", "F"},
-                                                      {"ISCHECKCNST", "C"},
-                                                      {"ISDEFAULTCNST", "D"},
-                                                      {"ISTRIGGER", "TR"},
-                                                      {"ISSCALARFUNCTION", "FN"}}};
-    for (const KindProperty& kind : kKinds) {
-        if (kind.name == property) {
-            return std::int64_t{object->type == kind.type};
-        }
+    if (const std::optional<bool> kind = KindProperty(*object, property)) {
+        return std::int64_t{*kind};
     }
-    if (property == "ISCONSTRAINT") {
-        return std::int64_t{!IsTableOrModule(object->type)};
-    }
-    if (property == "ISMSSHIPPED") {
-        return std::int64_t{object->shipped};
-    }
-    if (property == "ISSYSTEMTABLE" || property == "ISINLINEFUNCTION" || property == "ISTABLEFUNCTION" ||
-        property == "ISEXTENDEDPROC" || property == "ISRULE" || property == "ISREPLPROC" ||
-        property == "EXECISSTARTUP") {
-        return std::int64_t{0};
-    }
-    if (property == "OWNERID") {
-        return std::int64_t{1};
-    }
-    if (property == "EXECISQUOTEDIDENTON" || property == "ISQUOTEDIDENTON") {
-        return std::int64_t{object->quoted_identifier};
-    }
-    if (property == "EXECISANSINULLSON" || property == "ISANSINULLSON") {
-        return std::int64_t{object->ansi_nulls};
-    }
-    if (property == "ISENCRYPTED") {
-        return std::int64_t{object->encrypted};
+    if (const std::optional<std::int64_t> common = CommonProperty(*object, property)) {
+        return *common;
     }
     const TablePtr table =
         object->type == "U" ? session.databases().Table(session.databases().Current(), *id) : nullptr;
