@@ -1,6 +1,9 @@
 # What every target of the tree has in common: warnings, sanitizers, static Windows executables; and the one
 # way to declare a library, a program and a test.
 
+# The root of the sources, also where the project is the development server alone.
+get_filename_component(KV_ROOT "${CMAKE_CURRENT_LIST_DIR}/.." ABSOLUTE)
+
 add_library(kv_options INTERFACE)
 target_compile_options(kv_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor
                                             -Wold-style-cast -Wconversion -Wno-sign-conversion -fno-strict-aliasing)
@@ -57,7 +60,7 @@ function(kv_batches result target)
     set(text "")
     foreach(file IN LISTS together)
         file(REAL_PATH "${file}" path BASE_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
-        file(RELATIVE_PATH path "${PROJECT_SOURCE_DIR}" "${path}")
+        file(RELATIVE_PATH path "${KV_ROOT}" "${path}")
         string(APPEND text "#include \"${path}\"\n")
         math(EXPR number "${number} + 1")
         math(EXPR rest "${number} % ${per_batch}")
@@ -77,7 +80,7 @@ function(kv_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;SEPARATE;LINK" ${ARGN})
     kv_batches(sources ${name} ${ARG_SOURCES})
     add_library(${name} STATIC ${sources} ${ARG_SEPARATE})
-    target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}")
+    target_include_directories(${name} PUBLIC "${KV_ROOT}/src" "${KV_ROOT}")
     target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE kv_options)
 endfunction()
 
@@ -86,7 +89,7 @@ function(kv_program name)
     cmake_parse_arguments(ARG "" "" "SOURCES;SEPARATE;LINK" ${ARGN})
     kv_batches(sources ${name} ${ARG_SOURCES})
     add_executable(${name} ${sources} ${ARG_SEPARATE})
-    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}")
+    target_include_directories(${name} PRIVATE "${KV_ROOT}/src" "${KV_ROOT}")
     target_link_libraries(${name} PRIVATE ${ARG_LINK} kv_options)
 endfunction()
 
@@ -103,17 +106,17 @@ function(kv_test name)
     endif()
     kv_program(${name} SOURCES ${ARG_SOURCES} SEPARATE ${ARG_SEPARATE}
                LINK ${ARG_LINK} GTest::gmock GTest::gtest_main)
-    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_include_directories(${name} PRIVATE "${KV_ROOT}/tests")
     if("unit" IN_LIST ARG_LABEL)
         add_dependencies(unit_tests ${name})
     endif()
     if(WIN32)
         # Tests alone: what is shipped is linked by the compiler's own linker.
-        target_link_options(${name} PRIVATE "SHELL:-wrapper ${PROJECT_SOURCE_DIR}/tools/link-with-lld")
+        target_link_options(${name} PRIVATE "SHELL:-wrapper ${KV_ROOT}/tools/link-with-lld")
         # On a screen the system itself shows a box for a program that cannot be started, and waits for an answer.
-        set(runner env -u DISPLAY "${PROJECT_SOURCE_DIR}/tests/run-under-wine")
+        set(runner env -u DISPLAY "${KV_ROOT}/tests/run-under-wine")
         if("screen" IN_LIST ARG_LABEL)
-            set(runner "${PROJECT_SOURCE_DIR}/tests/with-screen" "${PROJECT_SOURCE_DIR}/tests/run-under-wine")
+            set(runner "${KV_ROOT}/tests/with-screen" "${KV_ROOT}/tests/run-under-wine")
         endif()
         add_test(NAME ${name} COMMAND ${runner} $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600)
@@ -125,9 +128,9 @@ function(kv_test name)
         endif()
     elseif("screen" IN_LIST ARG_LABEL)
         # One test of the whole program: a screen takes longer to come up than most of them.
-        add_test(NAME ${name} COMMAND "${PROJECT_SOURCE_DIR}/tests/with-screen" $<TARGET_FILE:${name}>)
+        add_test(NAME ${name} COMMAND "${KV_ROOT}/tests/with-screen" $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600 RESOURCE_LOCK screen
-            ENVIRONMENT "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/leaks_of_others.txt")
+            ENVIRONMENT "LSAN_OPTIONS=suppressions=${KV_ROOT}/tests/leaks_of_others.txt")
     else()
         add_test(NAME ${name} COMMAND ${name})
         set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600)
