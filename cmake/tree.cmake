@@ -1,7 +1,7 @@
 # What every build tree of these sources begins with, that of the whole and that of the development server alone: options,
 # the language's standard, the compiler cache, GoogleTest. Included after project().
 option(KV_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
-option(KV_FUZZ "Build the harnesses of devserver/tests/fuzz for libFuzzer (clang)" OFF)
+option(KV_FUZZ "Build the fuzzing harnesses for libFuzzer (clang)" OFF)
 
 option(KV_UNITY "Compile the files of a target in batches; ./check and ./demo ask for it" OFF)
 
@@ -17,6 +17,7 @@ if(KV_CCACHE)
 endif()
 
 include("${CMAKE_CURRENT_LIST_DIR}/kv.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/fuzz.cmake")
 if(WIN32)
     enable_language(RC)
     set(KV_SYSTEM windows)

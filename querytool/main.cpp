@@ -8,6 +8,7 @@
 
 #include "platform/console_input.h"
 #include "platform/files.h"
+#include "platform/memory_secrecy.h"
 #include "platform/system_text.h"
 #include "querytool/server.h"
 #include "querytool/tool.h"
@@ -59,6 +60,7 @@ int Run(const ParsedLine& line, Output& output) {
 } // namespace
 
 int main(int argc, char** argv) {
+    platform::KeepMemoryOutOfCrashes();
     try {
         const ParsedLine line = ParseSwitches(Arguments(argc, argv));
         if (line.switches.help) {

@@ -26,7 +26,7 @@ void StandardOutput::Flush() {
 }
 
 FileOutput::FileOutput(std::string path) : path_(std::move(path)) {
-    platform::WriteWholeFile(path_, {});
+    platform::MakePrivateFile(path_);
 }
 
 void FileOutput::Write(std::string_view text) {

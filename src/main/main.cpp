@@ -8,6 +8,7 @@
 #include "main/main_routine.h"
 #include "platform/command_line.h"
 #include "platform/files.h"
+#include "platform/memory_secrecy.h"
 #include "platform/message_box.h"
 #include "platform/terminal.h"
 #include "ui/toolkit.h"
@@ -89,6 +90,7 @@ std::string CommandLine(int argc, const char* const* argv) {
 
 // There is no exit code: whatever the outcome, the process ends the same way.
 int main(int argc, char** argv) {
+    platform::KeepMemoryOutOfCrashes();
     try {
         ProgramFaces faces;
         kv::Main(CommandLine(argc, argv), faces);

@@ -61,8 +61,11 @@ std::string ReadWholeFile(const std::string& path);
 /// Makes the file or cuts it to nothing, and writes the pieces one after the other.
 void WriteWholeFile(const std::string& path, std::string_view content, std::string_view tail = {});
 /// The same in one step: nobody finds a part of the new content at the path, and a failure leaves what was
-/// there.
+/// there. A new file may hold passwords: on Linux only its owner may read it.
 void ReplaceWholeFile(const std::string& path, std::string_view content, std::string_view tail = {});
+/// Makes an empty file for text that may hold passwords, to be appended to: on Linux only its owner may read
+/// it. A plain file of that name is deleted first, whoever it belongs to, or else cut to nothing.
+void MakePrivateFile(const std::string& path);
 /// Opens the file for appending, making it if it is absent, writes and closes it. Others may have it open. A
 /// failure leaves no part of the content.
 void AppendToFile(const std::string& path, std::string_view content);

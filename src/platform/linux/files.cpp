@@ -20,8 +20,7 @@
 namespace platform {
 namespace {
 
-constexpr mode_t kAsTheMaskSays = 0666; // as for any file of the user's
-constexpr mode_t kOwnerOnly = 0600;     // until a copy has its rights
+constexpr mode_t kOwnerOnly = 0600;
 
 std::string NativePath(const std::string& path) {
     std::string native = ToSystemText(path);
@@ -155,7 +154,7 @@ void CopyFileOver(const std::string& from, const std::string& to) {
         throw FileError(FileFault::InUse, to, EBUSY); // a copy to itself is a mistake of the caller
     }
     About(to, [&] {
-        FileReplacement copy(NativePath(to), kOwnerOnly);
+        FileReplacement copy(NativePath(to), kOwnerOnly); // until it has the source's rights
         std::string buffer(std::size_t{1} << 20U, '\0');
         while (const std::size_t count =
                    About(from, [&] { return source.Read(buffer.data(), buffer.size()); })) {
@@ -187,12 +186,22 @@ void WriteWholeFile(const std::string& path, std::string_view content, std::stri
 
 void ReplaceWholeFile(const std::string& path, std::string_view content, std::string_view tail) {
     About(path, [&] {
-        FileReplacement file(NativePath(path), kAsTheMaskSays);
+        FileReplacement file(NativePath(path), kOwnerOnly);
         file.File().Write(content);
         file.File().Write(tail);
         file.KeepRights();
         file.Place(FileReplacement::Durability::AsTheSystemLikes);
     });
+}
+
+void MakePrivateFile(const std::string& path) {
+    const std::string native = NativePath(path);
+    // A link, a device or a pipe stays what it is.
+    struct stat old {};
+    if (::lstat(native.c_str(), &old) == 0 && S_ISREG(old.st_mode)) {
+        ::unlink(native.c_str()); // where the folder refuses this, the file may be the user's to write
+    }
+    About(path, [&] { Descriptor(native, O_WRONLY | O_CREAT | O_TRUNC, kOwnerOnly).Close(); });
 }
 
 void AppendToFile(const std::string& path, std::string_view content) {

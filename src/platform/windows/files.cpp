@@ -193,6 +193,10 @@ void WriteWholeFile(const std::string& path, std::string_view content, std::stri
     file.Close();
 }
 
+void MakePrivateFile(const std::string& path) {
+    WriteWholeFile(path, {}); // it has the rights of its folder
+}
+
 void ReplaceWholeFile(const std::string& path, std::string_view content, std::string_view tail) {
     const std::string beside = path + "." + std::to_string(::GetCurrentProcessId()) + ".new";
     try {

@@ -188,15 +188,38 @@ TEST(LinuxFiles, ACopyHasTheOwnerOfItsSourceWhereTheUserMayGiveIt) {
     EXPECT_EQ(StatusOf(folder.Path() / "to").st_gid, given ? kOther : ::getegid());
 }
 
-TEST(LinuxFiles, AReplacedFileKeepsItsRightsAndANewOneHasTheUsers) {
+TEST(LinuxFiles, AReplacedFileKeepsItsRightsAndANewOneIsItsOwnersAlone) {
     const TempFolder folder;
-    const mode_t mask = ::umask(027);
+    const mode_t mask = ::umask(0);
     ReplaceWholeFile(folder / "script", "1");
     ::umask(mask);
-    EXPECT_EQ(StatusOf(folder.Path() / "script").st_mode & kPermissions, 0640U);
-    ASSERT_EQ(::chmod((folder.Path() / "script").c_str(), 0600), 0);
-    ReplaceWholeFile(folder / "script", "2");
     EXPECT_EQ(StatusOf(folder.Path() / "script").st_mode & kPermissions, 0600U);
+    ASSERT_EQ(::chmod((folder.Path() / "script").c_str(), 0640), 0);
+    ReplaceWholeFile(folder / "script", "2");
+    EXPECT_EQ(StatusOf(folder.Path() / "script").st_mode & kPermissions, 0640U);
+}
+
+TEST(LinuxFiles, APrivateFileIsItsOwnersAloneWhateverFileWasThere) {
+    const TempFolder folder;
+    WriteWholeFile(folder / "output", "of an earlier run");
+    ASSERT_EQ(::chmod((folder.Path() / "output").c_str(), 0444), 0);
+    const mode_t mask = ::umask(0);
+    MakePrivateFile(folder / "output");
+    ::umask(mask);
+    AppendToFile(folder / "output", "text");
+    EXPECT_EQ(StatusOf(folder.Path() / "output").st_mode & kPermissions, 0600U);
+    EXPECT_EQ(ReadWholeFile(folder / "output"), "text");
+}
+
+TEST(LinuxFiles, OfAPrivateFileTheLinkStaysAndSoDoesADevice) {
+    const TempFolder folder;
+    WriteWholeFile(folder / "real", "1");
+    std::filesystem::create_symlink(folder.Path() / "real", folder.Path() / "link");
+    MakePrivateFile(folder / "link");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.Path() / "link"));
+    EXPECT_EQ(ReadWholeFile(folder / "real"), "");
+    MakePrivateFile("/dev/null");
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
 TEST(LinuxFiles, AReplacedFileBehindALinkStaysThere) {

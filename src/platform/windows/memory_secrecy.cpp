@@ -1,0 +1,15 @@
+#include "platform/memory_secrecy.h"
+
+#include "platform/windows/lean_windows.h"
+
+// As <werapi.h> has it, which mingw-w64 cannot compile.
+extern "C" HRESULT WINAPI WerSetFlags(DWORD flags);
+
+namespace platform {
+
+void KeepMemoryOutOfCrashes() {
+    constexpr DWORD kNoHeap = 1; // WER_FAULT_REPORTING_FLAG_NOHEAP
+    ::WerSetFlags(kNoHeap);
+}
+
+} // namespace platform

@@ -1,0 +1,49 @@
+// libFuzzer's entry into the settings file of a user: the input is the file. What is written comes back, what
+// stood in the file under another key stays, and nothing is thrown.
+#include <filesystem>
+#include <fstream>
+
+#include <unistd.h>
+
+#include "fuzz/input.h"
+#include "registry/user_settings.h"
+
+namespace {
+
+constexpr char kApplication[] = "Program";
+constexpr char kSection[] = "Settings";
+
+/// The folder of the process, gone with it.
+class Folder {
+  public:
+    Folder() : path_(std::filesystem::temp_directory_path() / ("kv-fuzz-" + std::to_string(::getpid()))) {
+        std::filesystem::create_directories(path_ / kApplication);
+        ::setenv("XDG_CONFIG_HOME", path_.c_str(), 1);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    ~Folder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    std::filesystem::path File() const { return path_ / kApplication / "settings.ini"; }
+
+  private:
+    std::filesystem::path path_;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    static const Folder folder;
+    std::ofstream(folder.File(), std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(size));
+    const std::string before = platform::ReadUserSetting(kApplication, kSection, "other", "none");
+    fuzz::Require(platform::WriteUserSetting(kApplication, kSection, "edtPassword0", "a=[b]"),
+                  "a setting can be written");
+    fuzz::Require(platform::ReadUserSetting(kApplication, kSection, "edtPassword0", "none") == "a=[b]",
+                  "what was written comes back");
+    fuzz::Require(platform::ReadUserSetting(kApplication, kSection, "other", "none") == before,
+                  "the other settings stay");
+    return 0;
+}

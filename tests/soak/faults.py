@@ -1,0 +1,23 @@
+# Every operation with every fault at each of its statements: the suites of faults count what they try and compare state
+# and log with what is laid down; this runs them and adds up their counts.
+import os
+import re
+import subprocess
+
+SUITES = {"admin_faults_test": "*", "unattended_test": "AutomaticUpgrade*"}
+SHORT = {"admin_faults_test": "SynchronizeFaults.*"}
+FAULTS = 1000
+LONGEST = 3600
+
+
+def run(part, settings):
+    part.want("faults", FAULTS)
+    for suite, tests in (SHORT if settings.short else SUITES).items():
+        done = subprocess.run([os.path.join(settings.fault_binaries, suite), "--gtest_filter=" + tests],
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", timeout=LONGEST)
+        part.check(done.returncode == 0, f"{suite}: {done.stdout[-3000:]}{done.stderr[-1000:]}")
+        for name, count, steps in re.findall(r"^(.+): (\d+) faults tried at (?:its )?(\w+) ", done.stdout, re.MULTILINE):
+            part.say(f"{name}: {count} faults at {steps} steps")
+            part.count("faults", int(count))
+        ran = re.search(r"(\d+) tests? from \d+ test suites? ran", done.stdout)
+        part.count("tests of faults", int(ran.group(1)) if ran else 0)

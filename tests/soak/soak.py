@@ -1,0 +1,86 @@
+# The soak: long runs of the whole system, which count what they did and fail when anything failed or grew.
+#
+#   soak.py [--short] [--report] [--seconds N] --bin FOLDER [--windows FOLDER] [--faults FOLDER] [PART …]
+#
+# ./soak builds what this needs and calls it; ./check runs the short round on the sanitized tree.
+import argparse
+import contextlib
+import importlib
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+
+TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path[:0] = [os.path.join(TOP, "tests", "e2e"), os.path.join(TOP, "tests", "samples"),
+                os.path.dirname(os.path.abspath(__file__))]
+
+import part as soak_part  # noqa: E402
+import report  # noqa: E402
+
+PARTS = ("installs", "console", "faults", "kills", "fuzz", "secrets")
+MODULES = {"fuzz": "fuzzing", "secrets": "secrecy"}  # the others are called as their part
+
+
+class Settings:
+    """What the parts are told: where the programs are, and how long the run is."""
+
+    def __init__(self, arguments):
+        self.short = arguments.short
+        self.seconds = arguments.seconds
+        self.binaries, self.windows, self.fault_binaries = (path and os.path.abspath(path) for path in (
+            arguments.bin, arguments.windows, arguments.faults or arguments.bin))
+        self.dev_server = os.path.join(self.binaries, "devsqlserver")
+        self.sources = TOP
+
+    @contextlib.contextmanager
+    def folder(self):
+        path = tempfile.mkdtemp(prefix="kv-soak-")
+        try:
+            yield path
+        finally:
+            shutil.rmtree(path, ignore_errors=True)
+
+
+def run_part(name, settings, results):
+    part = soak_part.Part(name, settings.short)
+    part.say("begins")
+    try:
+        importlib.import_module(MODULES.get(name, name)).run(part, settings)
+    except (RuntimeError, OSError, AssertionError, subprocess.SubprocessError) as error:
+        part.fail(f"{type(error).__name__}: {error}")
+    result = part.result()
+    if not settings.short:
+        soak_part.keep(result, results)
+    part.say("FAILED" if result["failures"] else "done")
+    return result
+
+
+def main():
+    # Whoever ends the soak finds no server and no folder of it left.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    parser = argparse.ArgumentParser(prog="soak.py")
+    parser.add_argument("--short", action="store_true")
+    parser.add_argument("--report", action="store_true")
+    parser.add_argument("--bin", required=True)
+    parser.add_argument("--windows")
+    parser.add_argument("--faults", help="the tree's programs with the suites of faults, where it is another")
+    parser.add_argument("--seconds", type=int, help="of each fuzzing harness")
+    parser.add_argument("--results", default=os.path.join(TOP, "build", "soak"))
+    parser.add_argument("parts", nargs="*", metavar="PART")
+    arguments = parser.parse_args()
+    unknown = [name for name in arguments.parts if name not in PARTS]
+    if unknown:
+        parser.error(f"no such part: {unknown[0]}; there are {', '.join(PARTS)}")
+    settings = Settings(arguments)
+    results = [run_part(name, settings, arguments.results) for name in arguments.parts or PARTS]
+    report.show(results)
+    if arguments.report:
+        report.write(arguments.results, os.path.join(TOP, "docs", "reliability.md"))
+    return 1 if any(result["failures"] for result in results) else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
