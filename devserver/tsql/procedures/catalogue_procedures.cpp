@@ -27,29 +27,73 @@ std::int16_t OdbcNumber(const SystemType& type, std::int64_t odbc_version) {
     return odbc_version >= 3 && type.odbc_type == kTimestamp2 ? kTimestamp3 : type.odbc_type;
 }
 
+/// The columns of sp_datatype_info.
+std::vector<Column> DatatypeColumns() {
+    return {{"TYPE_NAME", kSysName, false, false},
+            {"DATA_TYPE", kSmallInt, false, false},
+            {"PRECISION", kInt, true, false},
+            {"LITERAL_PREFIX", Sized(TypeId::VarChar, 32), true, false},
+            {"LITERAL_SUFFIX", Sized(TypeId::VarChar, 32), true, false},
+            {"CREATE_PARAMS", Sized(TypeId::VarChar, 32), true, false},
+            {"NULLABLE", kSmallInt, false, false},
+            {"CASE_SENSITIVE", kSmallInt, false, false},
+            {"SEARCHABLE", kSmallInt, false, false},
+            {"UNSIGNED_ATTRIBUTE", kSmallInt, true, false},
+            {"MONEY", kSmallInt, false, false},
+            {"AUTO_INCREMENT", kSmallInt, true, false},
+            {"LOCAL_TYPE_NAME", kSysName, true, false},
+            {"MINIMUM_SCALE", kSmallInt, true, false},
+            {"MAXIMUM_SCALE", kSmallInt, true, false},
+            {"SQL_DATA_TYPE", kSmallInt, false, false},
+            {"SQL_DATETIME_SUB", kSmallInt, true, false},
+            {"NUM_PREC_RADIX", kInt, true, false},
+            {"INTERVAL_PRECISION", kSmallInt, true, false},
+            {"USERTYPE", kSmallInt, true, false}};
+}
+
+/// The most digits, characters or bytes that a value of the type has.
+std::int64_t LargestSize(const SystemType& type) {
+    return type.precision != 0            ? type.precision
+           : IsUnicode(type.id)           ? (IsOldLob(type.id) ? 1073741823 : 4000)
+           : IsOldLob(type.id)            ? 2147483647
+           : type.id == TypeId::Timestamp ? 8
+           : HasLength(type.id)           ? 8000
+                                          : type.storage_length;
+}
+
+std::vector<Value> DatatypeRow(const SystemType& type, std::int64_t version) {
+    const bool number = IsNumber(type.id);
+    const bool text = IsCharacter(type.id);
+    return {std::string(type.name),
+            std::int64_t{OdbcNumber(type, version)},
+            LargestSize(type),
+            TextOrNull(std::string(type.literal_prefix)),
+            TextOrNull(std::string(type.literal_suffix)),
+            TextOrNull(std::string(type.create_parameters)),
+            std::int64_t{type.id != TypeId::Timestamp},
+            std::int64_t{0},
+            std::int64_t{IsOldLob(type.id)             ? (text ? 1 : 0)
+                         : text || IsDateTime(type.id) ? 3
+                                                       : 2},
+            number ? Value(std::int64_t{type.id == TypeId::TinyInt}) : Value(),
+            std::int64_t{IsMoney(type.id)},
+            number ? Value(std::int64_t{0}) : Value(),
+            std::string(type.name),
+            IsInteger(type.id) || IsDecimal(type.id) ? Value(std::int64_t{0}) : Value(),
+            IsDecimal(type.id)   ? Value(std::int64_t{38})
+            : IsInteger(type.id) ? Value(std::int64_t{0})
+                                 : Value(),
+            std::int64_t{IsDateTime(type.id) ? 9 : type.odbc_type},
+            IsDateTime(type.id) ? Value(std::int64_t{type.id == TypeId::Date ? 1 : 3}) : Value(),
+            number ? Value(std::int64_t{IsApproximate(type.id) ? 2 : 10}) : Value(),
+            Value(),
+            std::int64_t{type.user_type}};
+}
+
 std::int32_t DatatypeInfo(SystemCall& call) {
     const std::int64_t wanted = call.Int("@data_type");
     const std::int64_t version = call.Int("@ODBCVer", 2);
-    ProcedureTable table(call.session(), {{"TYPE_NAME", kSysName, false, false},
-                                          {"DATA_TYPE", kSmallInt, false, false},
-                                          {"PRECISION", kInt, true, false},
-                                          {"LITERAL_PREFIX", Sized(TypeId::VarChar, 32), true, false},
-                                          {"LITERAL_SUFFIX", Sized(TypeId::VarChar, 32), true, false},
-                                          {"CREATE_PARAMS", Sized(TypeId::VarChar, 32), true, false},
-                                          {"NULLABLE", kSmallInt, false, false},
-                                          {"CASE_SENSITIVE", kSmallInt, false, false},
-                                          {"SEARCHABLE", kSmallInt, false, false},
-                                          {"UNSIGNED_ATTRIBUTE", kSmallInt, true, false},
-                                          {"MONEY", kSmallInt, false, false},
-                                          {"AUTO_INCREMENT", kSmallInt, true, false},
-                                          {"LOCAL_TYPE_NAME", kSysName, true, false},
-                                          {"MINIMUM_SCALE", kSmallInt, true, false},
-                                          {"MAXIMUM_SCALE", kSmallInt, true, false},
-                                          {"SQL_DATA_TYPE", kSmallInt, false, false},
-                                          {"SQL_DATETIME_SUB", kSmallInt, true, false},
-                                          {"NUM_PREC_RADIX", kInt, true, false},
-                                          {"INTERVAL_PRECISION", kSmallInt, true, false},
-                                          {"USERTYPE", kSmallInt, true, false}});
+    ProcedureTable table(call.session(), DatatypeColumns());
     std::vector<const SystemType*> types;
     for (const SystemType& type : SystemTypes()) {
         if (wanted == 0 || OdbcNumber(type, version) == wanted) {
@@ -59,38 +103,7 @@ std::int32_t DatatypeInfo(SystemCall& call) {
     std::stable_sort(types.begin(), types.end(),
                      [](const SystemType* a, const SystemType* b) { return a->odbc_type < b->odbc_type; });
     for (const SystemType* type : types) {
-        const bool number = IsNumber(type->id);
-        const bool text = IsCharacter(type->id);
-        const std::int64_t digits = type->precision != 0            ? type->precision
-                                    : IsUnicode(type->id)           ? (IsOldLob(type->id) ? 1073741823 : 4000)
-                                    : IsOldLob(type->id)            ? 2147483647
-                                    : type->id == TypeId::Timestamp ? 8
-                                    : HasLength(type->id)           ? 8000
-                                                                    : type->storage_length;
-        table.Row({std::string(type->name),
-                   std::int64_t{OdbcNumber(*type, version)},
-                   digits,
-                   TextOrNull(std::string(type->literal_prefix)),
-                   TextOrNull(std::string(type->literal_suffix)),
-                   TextOrNull(std::string(type->create_parameters)),
-                   std::int64_t{type->id != TypeId::Timestamp},
-                   std::int64_t{0},
-                   std::int64_t{IsOldLob(type->id)             ? (text ? 1 : 0)
-                                : text || IsDateTime(type->id) ? 3
-                                                               : 2},
-                   number ? Value(std::int64_t{type->id == TypeId::TinyInt}) : Value(),
-                   std::int64_t{IsMoney(type->id)},
-                   number ? Value(std::int64_t{0}) : Value(),
-                   std::string(type->name),
-                   IsInteger(type->id) || IsDecimal(type->id) ? Value(std::int64_t{0}) : Value(),
-                   IsDecimal(type->id)   ? Value(std::int64_t{38})
-                   : IsInteger(type->id) ? Value(std::int64_t{0})
-                                         : Value(),
-                   std::int64_t{IsDateTime(type->id) ? 9 : type->odbc_type},
-                   IsDateTime(type->id) ? Value(std::int64_t{type->id == TypeId::Date ? 1 : 3}) : Value(),
-                   number ? Value(std::int64_t{IsApproximate(type->id) ? 2 : 10}) : Value(),
-                   Value(),
-                   std::int64_t{type->user_type}});
+        table.Row(DatatypeRow(*type, version));
     }
     table.End();
     return 0;
@@ -312,67 +325,77 @@ std::int32_t StoredProcedures(SystemCall& call) {
     return 0;
 }
 
+/// The columns of sp_sproc_columns.
+std::vector<Column> ProcedureColumnColumns() {
+    return {{"PROCEDURE_QUALIFIER", kSysName, true, false},
+            {"PROCEDURE_OWNER", kSysName, true, false},
+            {"PROCEDURE_NAME", Sized(TypeId::NVarChar, 134), false, false},
+            {"COLUMN_NAME", kSysName, false, false},
+            {"COLUMN_TYPE", kSmallInt, false, false},
+            {"DATA_TYPE", kSmallInt, false, false},
+            {"TYPE_NAME", kSysName, false, false},
+            {"PRECISION", kInt, true, false},
+            {"LENGTH", kInt, true, false},
+            {"SCALE", kSmallInt, true, false},
+            {"RADIX", kSmallInt, true, false},
+            {"NULLABLE", kSmallInt, false, false},
+            {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
+            {"COLUMN_DEF", Sized(TypeId::NVarChar, 4000), true, false},
+            {"SQL_DATA_TYPE", kSmallInt, false, false},
+            {"SQL_DATETIME_SUB", kSmallInt, true, false},
+            {"CHAR_OCTET_LENGTH", kInt, true, false},
+            {"ORDINAL_POSITION", kInt, false, false},
+            {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
+            {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}};
+}
+
+/// A row of sp_sproc_columns: a parameter, or the return value, whose `kind` says which.
+std::vector<Value> ProcedureColumnRow(SessionCore& session, const ListedObject& object,
+                                      const ParameterDef& parameter, std::int64_t kind, std::int64_t ordinal,
+                                      bool nullable) {
+    const TypeFacts facts = FactsOf(parameter.type, parameter.user_type, true, false);
+    return {session.databases().CurrentName(),
+            object.schema,
+            object.name + ";1",
+            parameter.name,
+            kind,
+            facts.data_type,
+            facts.name,
+            facts.precision,
+            facts.length,
+            facts.scale,
+            facts.radix,
+            std::int64_t{nullable},
+            Value(),
+            Value(),
+            facts.sql_data_type,
+            facts.datetime_sub,
+            facts.octets,
+            ordinal,
+            std::string(nullable ? "YES" : "NO"),
+            facts.ss_type};
+}
+
 std::int32_t ProcedureColumns(SystemCall& call) {
     SessionCore& session = call.session();
-    ProcedureTable table(session, {{"PROCEDURE_QUALIFIER", kSysName, true, false},
-                                   {"PROCEDURE_OWNER", kSysName, true, false},
-                                   {"PROCEDURE_NAME", Sized(TypeId::NVarChar, 134), false, false},
-                                   {"COLUMN_NAME", kSysName, false, false},
-                                   {"COLUMN_TYPE", kSmallInt, false, false},
-                                   {"DATA_TYPE", kSmallInt, false, false},
-                                   {"TYPE_NAME", kSysName, false, false},
-                                   {"PRECISION", kInt, true, false},
-                                   {"LENGTH", kInt, true, false},
-                                   {"SCALE", kSmallInt, true, false},
-                                   {"RADIX", kSmallInt, true, false},
-                                   {"NULLABLE", kSmallInt, false, false},
-                                   {"REMARKS", Sized(TypeId::VarChar, 254), true, false},
-                                   {"COLUMN_DEF", Sized(TypeId::NVarChar, 4000), true, false},
-                                   {"SQL_DATA_TYPE", kSmallInt, false, false},
-                                   {"SQL_DATETIME_SUB", kSmallInt, true, false},
-                                   {"CHAR_OCTET_LENGTH", kInt, true, false},
-                                   {"ORDINAL_POSITION", kInt, false, false},
-                                   {"IS_NULLABLE", Sized(TypeId::VarChar, 254), true, false},
-                                   {"SS_DATA_TYPE", Simple(TypeId::TinyInt), true, false}});
-    const auto row = [&](const ListedObject& object, const std::string& name, std::int64_t kind,
-                         const Type& type, const std::string& user_type, bool nullable,
-                         std::int64_t ordinal) {
-        const TypeFacts facts = FactsOf(type, user_type, true, false);
-        table.Row({session.databases().CurrentName(),
-                   object.schema,
-                   object.name + ";1",
-                   name,
-                   kind,
-                   facts.data_type,
-                   facts.name,
-                   facts.precision,
-                   facts.length,
-                   facts.scale,
-                   facts.radix,
-                   std::int64_t{nullable},
-                   Value(),
-                   Value(),
-                   facts.sql_data_type,
-                   facts.datetime_sub,
-                   facts.octets,
-                   ordinal,
-                   std::string(nullable ? "YES" : "NO"),
-                   facts.ss_type});
-    };
+    ProcedureTable table(session, ProcedureColumnColumns());
     constexpr std::int64_t kInput = 1;
     constexpr std::int64_t kInputOutput = 2;
     constexpr std::int64_t kReturnValue = 5;
     for (const ListedObject& object :
          Matching(call, "'P'", Pattern(call, "@procedure_name"), Pattern(call, "@procedure_owner"))) {
         if (LikeName("@RETURN_VALUE", Pattern(call, "@column_name"))) {
-            row(object, "@RETURN_VALUE", kReturnValue, kInt, "", false, 0);
+            ParameterDef result;
+            result.name = "@RETURN_VALUE";
+            result.type = kInt;
+            table.Row(ProcedureColumnRow(session, object, result, kReturnValue, 0, false));
         }
         std::int64_t ordinal = 0;
         for (const ParameterDef& parameter : session.databases().Current().Parameters(object.id)) {
             ++ordinal;
             if (LikeName(parameter.name, Pattern(call, "@column_name"))) {
-                row(object, parameter.name, parameter.output ? kInputOutput : kInput, parameter.type,
-                    parameter.user_type, true, ordinal);
+                const std::int64_t kind = parameter.output ? kInputOutput : kInput;
+                table.Row(ProcedureColumnRow(session, object, parameter, kind, ordinal, true));
             }
         }
     }

@@ -64,21 +64,11 @@ std::string Attribute(const std::string& text, std::initializer_list<std::string
     return {};
 }
 
-std::int32_t AddLinkedServer(SystemCall& call) {
-    RequireNoTransaction(call, "sp_addlinkedserver");
-    LinkedServer server;
-    server.name = call.Text("@server");
-    server.product = call.IsNull("@srvproduct") ? std::string(kOwnProduct) : call.Text("@srvproduct");
-    server.provider = call.Text("@provider");
-    server.source = call.Text("@datasrc");
-    const std::string provider_string = call.Text("@provstr");
-    const std::string catalog = call.Text("@catalog");
-    if (server.name.empty()) {
-        RaiseError(15600, {"sp_addlinkedserver"});
-    }
+/// Holds a new server's product and provider to each other: a server of this kind is named by its product
+/// alone. Raises 15426, 15427, 15428, 7403.
+void RequireProvider(LinkedServer& server, bool has_details) {
     if (AsciiEqual(server.product, kOwnProduct)) {
-        if (!server.provider.empty() || !server.source.empty() || !provider_string.empty() ||
-            !catalog.empty()) {
+        if (has_details) {
             RaiseError(15428, {server.product});
         }
         server.product = kOwnProduct;
@@ -94,6 +84,22 @@ std::int32_t AddLinkedServer(SystemCall& call) {
                              [&](std::string_view p) { return AsciiEqual(p, server.provider); })) {
         RaiseError(7403, {server.provider});
     }
+}
+
+std::int32_t AddLinkedServer(SystemCall& call) {
+    RequireNoTransaction(call, "sp_addlinkedserver");
+    LinkedServer server;
+    server.name = call.Text("@server");
+    server.product = call.IsNull("@srvproduct") ? std::string(kOwnProduct) : call.Text("@srvproduct");
+    server.provider = call.Text("@provider");
+    server.source = call.Text("@datasrc");
+    const std::string provider_string = call.Text("@provstr");
+    const std::string catalog = call.Text("@catalog");
+    if (server.name.empty()) {
+        RaiseError(15600, {"sp_addlinkedserver"});
+    }
+    RequireProvider(server, !server.provider.empty() || !server.source.empty() || !provider_string.empty() ||
+                                !catalog.empty());
     if (FindServer(call.session().connection(), server.name)) {
         RaiseError(15028, {server.name});
     }

@@ -235,15 +235,6 @@ std::int32_t DbOptionProcedure(SystemCall& call) {
     return 0;
 }
 
-std::int32_t RenameDb(SystemCall& call) {
-    ast::AlterDatabaseStatement alter;
-    alter.database = call.Text("@dbname");
-    alter.new_name = call.Text("@newname");
-    alter.action = ast::AlterDatabaseAction::ModifyName;
-    RunAlterDatabase(call.session(), alter);
-    return 0;
-}
-
 // ------------------------------------------------------------------ objects and types
 
 std::int32_t AddType(SystemCall& call) {
@@ -268,6 +259,55 @@ std::int32_t DropType(SystemCall& call) {
     return 0;
 }
 
+void RenameDatabase(SessionCore& session, const std::string& name, const std::string& new_name) {
+    ast::AlterDatabaseStatement alter;
+    alter.database = name;
+    alter.new_name = new_name;
+    alter.action = ast::AlterDatabaseAction::ModifyName;
+    RunAlterDatabase(session, alter);
+}
+
+std::int32_t RenameDb(SystemCall& call) {
+    RenameDatabase(call.session(), call.Text("@dbname"), call.Text("@newname"));
+    return 0;
+}
+
+void RenameObject(Catalogue& catalogue, const ObjectDef& object, const std::string& new_name) {
+    if (catalogue.FindObject(object.schema, new_name)) {
+        RaiseError(15335, {new_name, "OBJECT"});
+    }
+    catalogue.RenameObject(object.id, new_name);
+}
+
+void RenameColumn(SessionCore& session, Catalogue& catalogue, const TablePtr& table, const std::string& name,
+                  const std::string& new_name) {
+    const ColumnDef* column = table ? table->Find(name) : nullptr;
+    if (column == nullptr) {
+        RaiseError(15248, {"COLUMN"});
+    }
+    session.connection().Execute("ALTER TABLE " + table->Qualified() + " RENAME COLUMN " +
+                                 QuoteName(column->name) + " TO " + QuoteName(new_name));
+    ColumnDef renamed = *column;
+    renamed.name = new_name;
+    catalogue.UpdateColumn(table->id, renamed);
+}
+
+void RenameIndex(Catalogue& catalogue, const TablePtr& table, const std::string& name,
+                 const std::string& new_name) {
+    const bool known =
+        table && std::any_of(table->indexes.begin(), table->indexes.end(),
+                             [&](const IndexDef& i) { return CompareText(i.name, name) == 0; });
+    if (!known) {
+        RaiseError(15248, {"INDEX"});
+    }
+    catalogue.Prepare("UPDATE {db}.devsql_indexes SET name = ?3 WHERE object = ?1 AND name = ?2")
+        .BindInt(1, table->id)
+        .BindText(2, name)
+        .BindText(3, new_name)
+        .Run();
+    catalogue.Touch();
+}
+
 std::int32_t Rename(SystemCall& call) {
     SessionCore& session = call.session();
     const std::string old_text = call.Text("@objname");
@@ -278,11 +318,7 @@ std::int32_t Rename(SystemCall& call) {
         RaiseError(15225, {old_text, session.databases().CurrentName(), kind.empty() ? "(null)" : kind});
     }
     if (kind == "DATABASE") {
-        ast::AlterDatabaseStatement alter;
-        alter.database = name.last();
-        alter.new_name = new_name;
-        alter.action = ast::AlterDatabaseAction::ModifyName;
-        RunAlterDatabase(session, alter);
+        RenameDatabase(session, name.last(), new_name);
         return 0;
     }
     Catalogue& catalogue = session.databases().Current();
@@ -301,37 +337,12 @@ std::int32_t Rename(SystemCall& call) {
     }
     session.transactions().Write(catalogue.alias(), [&] {
         if (part.empty()) {
-            if (catalogue.FindObject(object->schema, new_name)) {
-                RaiseError(15335, {new_name, "OBJECT"});
-            }
-            catalogue.RenameObject(object->id, new_name);
-            return;
+            RenameObject(catalogue, *object, new_name);
+        } else if (kind == "COLUMN") {
+            RenameColumn(session, catalogue, catalogue.LoadTable(object->id), part, new_name);
+        } else {
+            RenameIndex(catalogue, catalogue.LoadTable(object->id), part, new_name);
         }
-        const TablePtr table = catalogue.LoadTable(object->id);
-        if (kind == "COLUMN") {
-            const ColumnDef* column = table ? table->Find(part) : nullptr;
-            if (column == nullptr) {
-                RaiseError(15248, {"COLUMN"});
-            }
-            session.connection().Execute("ALTER TABLE " + table->Qualified() + " RENAME COLUMN " +
-                                         QuoteName(column->name) + " TO " + QuoteName(new_name));
-            ColumnDef renamed = *column;
-            renamed.name = new_name;
-            catalogue.UpdateColumn(table->id, renamed);
-            return;
-        }
-        const bool known =
-            table && std::any_of(table->indexes.begin(), table->indexes.end(),
-                                 [&](const IndexDef& i) { return CompareText(i.name, part) == 0; });
-        if (!known) {
-            RaiseError(15248, {"INDEX"});
-        }
-        catalogue.Prepare("UPDATE {db}.devsql_indexes SET name = ?3 WHERE object = ?1 AND name = ?2")
-            .BindInt(1, object->id)
-            .BindText(2, part)
-            .BindText(3, new_name)
-            .Run();
-        catalogue.Touch();
     });
     session.results().Info(15477, {});
     return 0;
