@@ -1,5 +1,5 @@
 // What the protocol sees of the language: an engine that logs clients in, sessions that run what they send,
-// and a sink that takes what comes of it, in order. Knows nothing of TDS.
+// and a sink that takes the results in order. Knows nothing of TDS.
 #pragma once
 
 #include <cstdint>
@@ -45,7 +45,8 @@ enum class Command : std::uint16_t {
     Update = 0xC5,
 };
 
-/// Takes what a batch or a procedure call gives, in order. A call that throws ends the batch.
+/// Takes the results of a batch or a procedure call, in order. If one of its functions throws, the batch
+/// ends.
 class ResultSink {
   public:
     virtual ~ResultSink() = default;
@@ -54,8 +55,9 @@ class ResultSink {
     virtual void Columns(const std::vector<Column>& columns) = 0;
     /// One row of the result set, a value for each column.
     virtual void Row(const std::vector<Value>& values) = 0;
-    /// Ends a statement: `rows` is what it touched or returned, none under NOCOUNT or where nothing is
-    /// counted. `in_procedure` is true for the statements inside a stored procedure.
+    /// Ends a statement: `rows` is the number of rows that it touched or returned, empty under NOCOUNT and
+    /// for statements that count nothing. `in_procedure` is true for the statements inside a stored
+    /// procedure.
     virtual void StatementDone(Command command, std::optional<std::int64_t> rows, bool in_procedure) = 0;
     /// An error or an information message.
     virtual void Send(const Message& message) = 0;
@@ -65,8 +67,8 @@ class ResultSink {
     virtual void OutputParameter(const std::string& name, const Type& type, const Value& value) = 0;
     /// The return status of a procedure.
     virtual void ReturnStatus(std::int32_t status) = 0;
-    /// What was given so far is to reach the client now (RAISERROR … WITH NOWAIT). For a sink that holds
-    /// nothing back there is nothing to do.
+    /// Sends to the client what has been kept back so far (RAISERROR … WITH NOWAIT). A sink that keeps
+    /// nothing back does nothing.
     virtual void Flush() {}
 };
 
@@ -89,15 +91,15 @@ class BulkRows {
   public:
     enum class Step : std::uint8_t {
         Row,
-        Waiting, ///< nothing came for a moment: the caller can look whether it is to end
+        Waiting, ///< nothing came for a moment; the caller can check whether it must end
         End,
-        Gone, ///< the client has taken the load back, or what it sent makes no sense: nothing is to be kept
+        Gone, ///< the client has cancelled the load, or has sent something malformed: no row is kept
     };
     virtual ~BulkRows() = default;
 
     /// The next row, a value for each of Types().
     virtual Step Next(std::vector<Value>& row) = 0;
-    /// Of the rows' columns; known once a row or the end has come.
+    /// The types of the rows' columns; known after the first row or the end has come.
     virtual const std::vector<Type>& Types() const = 0;
 };
 
@@ -107,23 +109,23 @@ class Session {
   public:
     virtual ~Session() = default;
 
-    /// Runs a batch of T-SQL (UTF-8, without GO). Errors of the language go to the sink and never out.
+    /// Runs a batch of T-SQL (UTF-8, without GO). Errors of the language go to the sink and are never thrown.
     virtual void ExecuteBatch(std::string_view sql, ResultSink& sink) = 0;
-    /// Calls a procedure: stored, of the system, or sp_executesql and its kin.
+    /// Calls a stored procedure, or one of the system such as sp_executesql.
     virtual void ExecuteProcedure(const RpcCall& call, ResultSink& sink) = 0;
-    /// Takes the rows that the INSERT BULK of the last batch has announced.
+    /// Takes the rows for the INSERT BULK of the last batch.
     virtual void LoadRows(BulkRows& rows, ResultSink& sink) = 0;
     /// Asks the running call to end soon (attention); may be called from any thread, at any time.
     virtual void Cancel() = 0;
     /// The current database.
     virtual std::string Database() const = 0;
-    /// The id of the session, as @@SPID has it.
+    /// The number of the session: @@SPID.
     virtual std::int32_t Id() const = 0;
-    /// True once the session has been thrown out (SET SINGLE_USER WITH ROLLBACK IMMEDIATE by another client,
-    /// a fatal error): the connection is to be closed after the running call.
+    /// True after the session has been ended, by another client (SET SINGLE_USER WITH ROLLBACK IMMEDIATE,
+    /// KILL) or by a fatal error: the connection must be closed after the running call.
     virtual bool Ended() const = 0;
-    /// @@TRANCOUNT: how many transactions are open, one in the other. Asked between calls: drivers keep track
-    /// of it and must be told when a batch has begun or ended one.
+    /// @@TRANCOUNT: how many nested transactions are open. The protocol asks between calls, because drivers
+    /// must be told when a batch has begun or ended a transaction.
     virtual std::int32_t TransactionCount() const = 0;
 };
 
@@ -141,10 +143,10 @@ struct RemoteSource;
 struct EngineOptions {
     std::filesystem::path root;                ///< holds the system databases; made if absent
     std::map<std::string, std::string> logins; ///< name, password; names compare without case
-    /// Upper-case drive letter ("D") to the folder that stands for its root.
+    /// Maps an upper-case drive letter ("D") to the folder that is its root.
     std::map<std::string, std::filesystem::path> drives;
     std::string server_name = "DEVSQLSERVER"; ///< @@SERVERNAME
-    /// Connects to linked servers (linked/remote.h); none: they can't be reached.
+    /// Connects to linked servers (linked/remote.h); empty if they can't be reached.
     std::function<std::unique_ptr<RemoteConnection>(const RemoteSource&)> connect_remote{};
 };
 
@@ -152,10 +154,10 @@ class Engine {
   public:
     virtual ~Engine() = default;
 
-    /// Logs a client in. A refusal (18456 wrong login, 4060 no such database) is sent to the sink, and null
-    /// comes back. A login that works sends the messages 5701 and 5703 and DatabaseChanged.
+    /// Logs a client in. On success sends the messages 5701 and 5703 and DatabaseChanged. Otherwise sends the
+    /// error (18456 wrong login, 4060 no such database) and returns null.
     virtual std::unique_ptr<Session> Login(const LoginRequest& request, ResultSink& sink) = 0;
-    /// The name that the server gives itself.
+    /// The server's own name: @@SERVERNAME.
     virtual const std::string& ServerName() const = 0;
 };
 

@@ -1,5 +1,5 @@
-// The data types and values of the server, as its three layers hand them to each other.
-// Knows nothing of the protocol that carries them nor of how they are stored.
+// The data types and values that protocol, language and storage exchange. Knows nothing of the protocol that
+// carries them nor of how they are stored.
 #pragma once
 
 #include <array>
@@ -34,7 +34,7 @@ enum class TypeId : std::uint8_t {
     Image,
     UniqueIdentifier,
     Timestamp,
-    Date, // Behind the others: databases keep these numbers.
+    Date, // The last one, because database files hold these numbers.
 };
 
 /// `length` of a type declared with (max).
@@ -47,7 +47,7 @@ struct Type {
     std::int32_t length = 0;
     /// decimal and numeric: digits in all, 1 to 38. Not used by the other types.
     std::uint8_t precision = 0;
-    /// decimal and numeric: digits behind the point, 0 to `precision`.
+    /// decimal and numeric: digits after the point, 0 to `precision`.
     std::uint8_t scale = 0;
 
     friend bool operator==(const Type&, const Type&) = default;
@@ -88,9 +88,9 @@ struct Bytes {
     friend bool operator==(const Bytes&, const Bytes&) = default;
 };
 
-/// One value. Which alternative stands in it follows from the type: std::monostate NULL of any type; int64
-/// the integers and bit; double real and float; std::string the character types, in UTF-8 (a char or varchar
-/// holds only characters of code page 1252).
+/// One value. Its type decides which alternative is used: std::monostate for NULL of any type; int64 for the
+/// integers and bit; double for real and float; std::string for the character types, in UTF-8 (a char or
+/// varchar holds only characters of code page 1252).
 using Value = std::variant<std::monostate, std::int64_t, double, Decimal, DateTime, std::string, Bytes, Guid>;
 
 inline bool IsNull(const Value& value) {

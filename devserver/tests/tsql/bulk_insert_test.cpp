@@ -72,13 +72,13 @@ TEST_F(BulkInsert, HintsDecideOnDefaultsAndConstraints) {
     EXPECT_NE(Run("insert bulk t (a int) with (nosuch)").find("Msg 321.15"), std::string::npos);
 }
 
-TEST_F(BulkInsert, AnIdentityThatTheRowsBringIsKept) {
+TEST_F(BulkInsert, IdentityValuesInTheRowsAreStored) {
     Run("insert bulk t (id int, a int)");
     EXPECT_EQ(Load({{kInt, kInt}, {{std::int64_t{40}, std::int64_t{1}}}}), "(1)\n");
     EXPECT_EQ(Run("insert t (a) values (2) select id from t"), "\n(1)\nid\n40\n41\n(2)\n");
 }
 
-TEST_F(BulkInsert, ARowThatFailsTakesAllRowsBack) {
+TEST_F(BulkInsert, ARowThatFailsUndoesAllRows) {
     Run("insert bulk t (a int)");
     EXPECT_NE(Load({{kInt}, {{std::int64_t{1}}, {Value()}}}).find("Msg 515.16.2"), std::string::npos);
     Run("insert bulk t (id int, a int)");
@@ -96,13 +96,13 @@ TEST_F(BulkInsert, ARowThatFailsTakesAllRowsBack) {
     EXPECT_EQ(Table(), "\nid|a|b|p|c\n(0)\n");
 }
 
-TEST_F(BulkInsert, ALoadBelongsToTheTransactionAroundIt) {
+TEST_F(BulkInsert, ALoadIsPartOfTheTransactionAroundIt) {
     Run("begin tran insert bulk t (a int)");
     EXPECT_EQ(Load({{kInt}, {{std::int64_t{1}}}}), "(1)\n");
     EXPECT_EQ(Run("rollback select count(*) from t"), "\n\n0\n(1)\n");
 }
 
-TEST_F(BulkInsert, TheStatementNamesWhatIsThere) {
+TEST_F(BulkInsert, TheStatementMustNameExistingColumns) {
     EXPECT_EQ(Run("insert bulk nosuch (a int)"), "\nMsg 208.16.1 L1: Invalid object name 'nosuch'.\n");
     EXPECT_EQ(Run("insert bulk t (nosuch int)"), "\nMsg 207.16.1 L1: Invalid column name 'nosuch'.\n");
     for (const auto& [sql, number] : {std::pair{"insert bulk t (c int)", 271},
@@ -116,7 +116,7 @@ TEST_F(BulkInsert, TheStatementNamesWhatIsThere) {
     EXPECT_NE(Load({{kInt}, {{std::int64_t{1}}}}).find("Msg 4002.16"), std::string::npos);
 }
 
-TEST_F(BulkInsert, AnythingElseInPlaceOfTheRowsEndsTheLoad) {
+TEST_F(BulkInsert, AnotherRequestInsteadOfTheRowsEndsTheLoad) {
     Run("insert bulk t (a int)");
     EXPECT_NE(Run("select 1").find("Msg 4022.16"), std::string::npos);
     EXPECT_EQ(Run("select 1"), "\n\n1\n(1)\n");

@@ -1,4 +1,4 @@
-// What the catalogue tells: system tables and views, property functions, the procedures that drivers call.
+// The catalogue: system tables and views, property functions, the procedures that drivers call.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
@@ -145,7 +145,7 @@ NULL|NULL|0|Shop|master|4|dbo|sa|1
 )");
 }
 
-TEST_F(Catalogue, TheServerSaysWhatItIsAndWhatItIsNot) {
+TEST_F(Catalogue, TheServerReportsItsVersionAndThatItIsNotSqlServer) {
     EXPECT_EQ(Run("select @@servername, serverproperty('MachineName'), serverproperty('InstanceName'), "
                   "app_name(), host_name()"),
               R"(
@@ -158,7 +158,7 @@ TESTSERVER\KV_BATCH|TESTSERVER|KV_BATCH|tests|TESTHOST
               std::string::npos);
 }
 
-TEST_F(Catalogue, DriversGetTheirTables) {
+TEST_F(Catalogue, TheProceduresThatDriversCallReturnTheirResultSets) {
     EXPECT_EQ(Run("exec sp_tables @table_type = \"'TABLE'\""), R"(
 TABLE_QUALIFIER|TABLE_OWNER|TABLE_NAME|TABLE_TYPE|REMARKS
 Shop|dbo|item|TABLE|NULL
@@ -242,7 +242,7 @@ colid|
 )");
 }
 
-TEST_F(Catalogue, TellsOfConstraintsIndexesAndRowsAsScriptsAskForThem) {
+TEST_F(Catalogue, ShowsConstraintsIndexesAndRowCountsToScripts) {
     EXPECT_EQ(Run(R"(
 set nocount on
 insert item (name, code) values (N'a', 'b')
@@ -340,7 +340,7 @@ c|4|int|10|4|38
     EXPECT_NE(Run("exec sp_help 'takes'").find("\n@a|label|40|"), std::string::npos);
 }
 
-TEST_F(Catalogue, ACheckOfOneColumnCarriesItsName) {
+TEST_F(Catalogue, ACheckOfOneColumnIsListedWithThatColumn) {
     EXPECT_EQ(Run(R"(
 create table checked (low int check (low > 0), high int constraint ck_high check ([high] < 9),
     note varchar(9) constraint df_note default '', constraint ck_order check (low < high and len(note) < 9))

@@ -30,7 +30,7 @@ id|a|b|c
 )");
 }
 
-TEST_F(Change, IdentityInsertTakesTheGivenValueAndGoesOnFromIt) {
+TEST_F(Change, IdentityInsertStoresTheGivenValueAndContinuesFromIt) {
     EXPECT_EQ(Run(R"(
 create table t (id int identity, a int)
 set identity_insert t on
@@ -247,7 +247,7 @@ Msg 273.16.1 L9: Cannot insert an explicit value into a timestamp column. Use IN
 )");
 }
 
-TEST_F(Change, ValuesOfEveryTypeComeBackAsTheyWere) {
+TEST_F(Change, ValuesOfEveryTypeAreReadAsTheyWereWritten) {
     EXPECT_EQ(Run(R"(
 create table t (a bit, b tinyint, c smallint, d bigint, e decimal(5,2), f money, g smallmoney, h real, i float, j datetime,
     k smalldatetime, l char(4), m varchar(4), n nchar(4), o nvarchar(4), p text, q ntext, r binary(3), s varbinary(3),
@@ -353,7 +353,7 @@ Msg 8134.16.1 L9: Divide by zero error encountered.
 )");
 }
 
-TEST_F(Change, OutputNamesOnlyTheRowsThatThereAre) {
+TEST_F(Change, OutputRefusesInsertedAndDeletedWhereThereAreNoSuchRows) {
     EXPECT_EQ(Run(R"(
 create table t (id int)
 GO
@@ -372,7 +372,7 @@ Msg 107.15.1 L1: The column prefix '*' does not match with a table name or alias
 )");
 }
 
-TEST_F(Change, CheckIdentTellsAndSetsTheCounter) {
+TEST_F(Change, CheckIdentReportsAndSetsTheCounter) {
     EXPECT_EQ(Run(R"(
 create table t (id int identity(1, 2), a int)
 create table u (a int)

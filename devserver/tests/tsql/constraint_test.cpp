@@ -1,4 +1,4 @@
-// What a table promises: keys, foreign keys and their cascades, checks, unique indexes.
+// Constraints of tables: keys, foreign keys and their cascades, checks, unique indexes.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
@@ -86,7 +86,7 @@ batch_id
 )");
 }
 
-TEST_F(Constraint, AUniqueIndexHoldsTwoNullsForEqual) {
+TEST_F(Constraint, AUniqueIndexTreatsTwoNullsAsEqual) {
     EXPECT_EQ(Run("insert unit (id) values (2)\ninsert unit (id) values (3)"), R"(
 (1)
 Msg 2627.14.1 L2: Violation of UNIQUE KEY constraint 'uq_code'. Cannot insert duplicate key in object 'dbo.unit'. The duplicate key value is (<NULL>).
@@ -185,7 +185,7 @@ TEST_F(Constraint, AViolatedCheckNamesItsColumnWhereItHasOne) {
         "conflict occurred in database \"tempdb\", table \"dbo.unit\", column 'id'.\n");
 }
 
-TEST_F(Constraint, AColumnGoesWhoseNameIsOnlyAPartOfWhatACheckNames) {
+TEST_F(Constraint, AColumnCanBeDroppedWhoseNameIsPartOfANameInACheck) {
     EXPECT_EQ(
         Run("alter table unit add vol int, lume int\nalter table unit drop column vol\n"
             "alter table unit drop column volume"),

@@ -80,7 +80,7 @@ print 'never')"),
 )");
 }
 
-TEST_F(Control, TryCatchTellsOfTheErrorAndRethrows) {
+TEST_F(Control, CatchReadsTheErrorAndRethrowsIt) {
     EXPECT_EQ(Run(R"(
 begin try
     print 'try'
@@ -109,7 +109,7 @@ Msg 50123.16.9 L14: thrown
 )");
 }
 
-TEST_F(Control, ANameThatIsMissingIsCaughtOnlyFromOutside) {
+TEST_F(Control, AMissingNameIsCaughtOnlyByACaller) {
     EXPECT_EQ(Run(R"(
 create procedure broken as select * from nosuch
 GO
@@ -185,7 +185,7 @@ Msg 16916.16.1 L21: A cursor with the name 'c' does not exist.
 )");
 }
 
-TEST_F(Control, CursorsChangeTheRowTheyStandOn) {
+TEST_F(Control, WhereCurrentOfChangesTheRowOfTheCursor) {
     EXPECT_EQ(Run(R"(
 create table t (id int, n int)
 insert t values (1, 0), (2, 0), (3, 0)

@@ -1,4 +1,5 @@
-// Databases as files: made, listed, renamed, detached, copied, attached, dropped, taken for one user.
+// Databases as files: creating, listing, renaming, detaching, copying, attaching, dropping them, and use by a
+// single user.
 #include <fstream>
 #include <thread>
 
@@ -120,7 +121,7 @@ TEST_F(Database, CannotBeDroppedOrDetachedWhileAnotherSessionUsesIt) {
     EXPECT_FALSE(std::filesystem::exists(Drive("Batch_log.ldf")));
 }
 
-TEST_F(Database, SingleUserWithRollbackImmediateThrowsTheOthersOut) {
+TEST_F(Database, SingleUserWithRollbackImmediateEndsOtherSessions) {
     client.Run("use Batch create table t (a int) use master");
     Client idle = server.Login("Batch");
     Client busy = server.Login("Batch");
@@ -148,7 +149,7 @@ TEST_F(Database, SingleUserWithRollbackImmediateThrowsTheOthersOut) {
     EXPECT_EQ(server.Login("Batch").Run("print db_name()"), "> Batch\n");
 }
 
-TEST_F(Database, AStatementThatWaitsForALockIsThrownOutToo) {
+TEST_F(Database, RollbackImmediateEndsAStatementThatWaitsForALock) {
     client.Run("use Batch create table t (a int) use master");
     Client holder = server.Login("Batch");
     Client waiter = server.Login("Batch");
@@ -163,14 +164,14 @@ TEST_F(Database, AStatementThatWaitsForALockIsThrownOutToo) {
     EXPECT_EQ(holder.Run("commit select count(*) from t"), "\n1\n(1)\n");
 }
 
-TEST_F(Database, ItsOwnSessionsCurrentDatabaseStaysFromWithinAnotherToo) {
+TEST_F(Database, TheSessionsDatabaseCannotBeDroppedByAProcedureInAnotherOne) {
     client.Run("create procedure drop_it as drop database Batch\nGO\nuse Batch");
     EXPECT_EQ(Run("exec master..drop_it"), "\nMsg 3702.16.1 drop_it L1: Cannot drop database \"Batch\" "
                                            "because it is currently in use.\n");
     EXPECT_EQ(Run("print db_name()"), "\n> Batch\n");
 }
 
-TEST_F(Database, MadeAnewGivesItsIdentitiesFromTheBeginning) {
+TEST_F(Database, CreatedAgainStartsItsIdentitiesAgain) {
     const std::string make =
         "create database Again\nGO\ncreate table Again..t (id int identity, a int)\ninsert "
         "Again..t values (1)\nselect id from Again..t";
@@ -179,7 +180,7 @@ TEST_F(Database, MadeAnewGivesItsIdentitiesFromTheBeginning) {
     EXPECT_EQ(Run(make), "\n(1)\nid\n1\n(1)\n");
 }
 
-TEST_F(Database, WhoseFileIsGoneIsNotMadeAnewByEnteringIt) {
+TEST_F(Database, WithAMissingFileIsNotCreatedByUsingIt) {
     client.Run("create database Gone on (name = g, filename = 'D:\\gone.mdf')");
     std::filesystem::remove(Drive("gone.mdf"));
     client.Run("use Gone");
@@ -198,7 +199,7 @@ TEST_F(Database, ItsOptionsAreNotSetInATransaction) {
     client.Run("rollback");
 }
 
-TEST_F(Database, TheGuardedRemovalOfADatabaseThatIsNotThereSaysNothing) {
+TEST_F(Database, ConditionalDropOfAMissingDatabaseSucceedsSilently) {
     const std::string guard = "IF EXISTS (SELECT name FROM master.dbo.sysdatabases WHERE name = N'NoSuch') ";
     EXPECT_EQ(Run(guard + "ALTER DATABASE [NoSuch] SET SINGLE_USER WITH ROLLBACK IMMEDIATE\nGO\n" + guard +
                   "ALTER DATABASE [NoSuch] SET MULTI_USER\nGO\n" + guard + "DROP DATABASE [NoSuch]"),
@@ -276,7 +277,7 @@ return 1
 )");
 }
 
-TEST_F(Database, IsNotMadeInATransaction) {
+TEST_F(Database, CannotBeCreatedInATransaction) {
     Run("begin tran create database X");
     EXPECT_EQ(client.messages.at(0).number, 226);
     client.Run("rollback");

@@ -1,4 +1,4 @@
-// The common mistakes and their numbers, and what is refused by name.
+// Common mistakes and their error numbers, and the statements that are refused by name.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
@@ -160,7 +160,7 @@ TEST_F(Mistakes, OfDefinitionsAndOptions) {
             {"exec sp_dbcmptlevel 'tempdb', 5", 15048}});
 }
 
-TEST_F(Mistakes, OfArgumentsAreToldInTheNameOfTheProcedure) {
+TEST_F(Mistakes, OfArgumentsAreReportedInTheNameOfTheProcedure) {
     client.Run("create procedure p @a int as print @a\nGO\ncreate procedure none as print 1");
     EXPECT_EQ(Run("print ''\nexec p"), "\n>  \nMsg 201.16.4 p L0: Procedure or function 'p' expects "
                                        "parameter '@a', which was not supplied.\n");
@@ -172,14 +172,14 @@ TEST_F(Mistakes, OfArgumentsAreToldInTheNameOfTheProcedure) {
     EXPECT_EQ(Run("begin try exec p end try begin catch print error_procedure() end catch"), "\n> p\n");
 }
 
-TEST_F(Mistakes, OfStatementsThatAskForMoreThanThereIsEnd) {
+TEST_F(Mistakes, OfStatementsThatExceedALimitAreErrors) {
     Expect({{"declare @s varchar(max) set @s = replicate(cast('x' as varchar(max)), 100000)\n"
              "print len(replace(@s, 'x', @s))",
              7119},
             {"with x as (select 1 n union all select n + 1 from x) select count(*) from x", 530}});
 }
 
-TEST_F(Mistakes, OfSyntaxAreToldBeforeAnythingRuns) {
+TEST_F(Mistakes, OfSyntaxAreReportedBeforeAnythingRuns) {
     EXPECT_EQ(Run("print 'first'\nselect * form t"), "\nMsg 102.15.1 L2: Incorrect syntax near 'form'.\n");
 }
 
@@ -210,7 +210,7 @@ TEST_F(Mistakes, TextsNestedTooDeeplyEndInAnError) {
     EXPECT_EQ(client.messages.at(0).number, 191);
 }
 
-/// A chain of one operator nests as deep as it is long, in the tree and in SQLite's.
+/// A chain of one operator is as deep as it is long, in the parser's tree and in SQLite's.
 TEST_F(Mistakes, TextsLongerThanTheyMayBeEndInAnError) {
     constexpr int kLong = 20000;
     for (const auto& [begin, link] :
@@ -229,7 +229,7 @@ TEST_F(Mistakes, TextsLongerThanTheyMayBeEndInAnError) {
     EXPECT_EQ(client.messages.at(0).text, "alive");
 }
 
-TEST_F(Mistakes, RaisedWithASeverityAbove18WantTheLog) {
+TEST_F(Mistakes, RaisedWithASeverityAbove18RequireWithLog) {
     EXPECT_EQ(Run("raiserror('x', 19, 1)").substr(0, 10), "\nMsg 2754.");
     EXPECT_EQ(Run("raiserror('severe', 19, 3) with log, nowait\nprint 'goes on'"),
               "\nMsg 50000.19.3 L1: severe\n> goes on\n");
@@ -248,7 +248,7 @@ TEST_F(Mistakes, OfSeverity20EndTheConnectionAndItsTransaction) {
               "\n0\n(1)\n(1)\n");
 }
 
-TEST_F(Mistakes, InMessagesByNumberAreToldAndThoseOfUsersFilledIn) {
+TEST_F(Mistakes, InMessagesByNumberAreReportedAndUsersMessagesAreFormatted) {
     EXPECT_EQ(Run(R"(
 exec sp_addmessage 50010, 16, N'%s has %d'
 raiserror (50010, -1, 2, 'it', 5)

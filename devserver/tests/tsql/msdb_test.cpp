@@ -47,7 +47,7 @@ one|2|second|sa|3|0x010203|1|0
 )");
 }
 
-TEST_F(Msdb, ARemovalByNameTakesTheMostRecentVersion) {
+TEST_F(Msdb, ARemovalByNameRemovesTheMostRecentVersion) {
     EXPECT_EQ(
         Run("exec msdb..sp_drop_dtspackage 'one', null, null\n" + (kList + std::string("'one'") + kShow)), R"(
 (1)
@@ -57,7 +57,7 @@ one|1|first|sa|2|0x0102|1|0
 )");
 }
 
-TEST_F(Msdb, WhatIsNotThereIsError14262) {
+TEST_F(Msdb, AMissingPackageIsError14262) {
     EXPECT_EQ(Run("exec msdb..sp_drop_dtspackage 'nosuch', null, null"),
               "\nMsg 14262.16.1 sp_drop_dtspackage L19: The specified DTS Package ('nosuch') does not "
               "exist.\nreturn 1\n");

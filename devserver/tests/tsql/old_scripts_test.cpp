@@ -1,5 +1,5 @@
-// What scripts of administration and of the years of SQL Server 2000 say besides: messages by
-// number, properties, ties, settings of dates and NULL, procedures that tell who is there.
+// Features that administrative scripts and scripts for SQL Server 2000 use: messages by number, properties,
+// ties, settings of dates and NULL, procedures that list sessions.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
@@ -66,7 +66,7 @@ b|
 )");
 }
 
-TEST_F(OldScripts, LetTablesNameThemselvesSoOftenAndNoOftener) {
+TEST_F(OldScripts, LimitTheDepthOfARecursion) {
     EXPECT_EQ(Run(R"(
 with x as (select 1 as n union all select n + 1 from x where n < 101) select max(n) from x
 GO
@@ -83,7 +83,7 @@ Msg 530.16.1 L1: The statement terminated. The maximum recursion 100 has been ex
 )");
 }
 
-TEST_F(OldScripts, SetWhatNullEquals) {
+TEST_F(OldScripts, SetWhetherNullEqualsNull) {
     EXPECT_EQ(Run(R"(
 declare @v int
 set ansi_nulls off
@@ -138,7 +138,7 @@ select @@datefirst, datepart(dw, '20240101'), datepart(week, '20240107'), datepa
               "|\n2|2001-01-02 00:00:00.000\n(1)\n");
 }
 
-TEST_F(OldScripts, AskWhoIsThereAndAtWhatLevel) {
+TEST_F(OldScripts, ListSessionsAndTheCompatibilityLevel) {
     Client other = server.Login("master");
     EXPECT_EQ(
         Run("create table #who (spid int, ecid int, status nchar(30), loginame sysname, hostname nchar(128), "
@@ -149,7 +149,7 @@ TEST_F(OldScripts, AskWhoIsThereAndAtWhatLevel) {
         "\n\n2\ndbname\nShop\n> The current compatibility level is 140.\n");
 }
 
-TEST_F(OldScripts, TidyWhatNeedsNoTidying) {
+TEST_F(OldScripts, RunMaintenanceStatementsWithoutEffect) {
     EXPECT_EQ(Run(R"(
 dbcc checkdb
 dbcc traceon (3604) with no_infomsgs

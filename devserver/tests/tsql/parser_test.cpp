@@ -88,7 +88,7 @@ TEST(Parser, TellsSubqueriesFromParentheses) {
     }
 }
 
-TEST(Parser, TakesTheOddFormsOfOldScripts) {
+TEST(Parser, AcceptsTheUnusualFormsOfOldScripts) {
     for (const char* sql : {
              "CREATE TABLE [a] ([b] [nvarchar] (10) COLLATE Latin1_General_CI_AS NOT NULL , [c] [int] "
              "IDENTITY (1, 1) NOT FOR "
@@ -124,13 +124,13 @@ TEST(Parser, NamesOfArgumentsMayBeReservedWords) {
     EXPECT_EQ(ParseName("dbo.[My Table]").text(), "dbo.My Table");
     EXPECT_EQ(ParseName("table").last(), "table");
     EXPECT_EQ(ParseName("a..b").parts.size(), 3U);
-    EXPECT_EQ(ParseName("dbo.Order Lines").last(), "Order Lines"); // OBJECT_ID takes it without brackets
+    EXPECT_EQ(ParseName("dbo.Order Lines").last(), "Order Lines"); // OBJECT_ID accepts it without brackets
     EXPECT_TRUE(ParseName("a b].c").empty());
     EXPECT_TRUE(ParseName("").empty());
     EXPECT_TRUE(ParseName("[open").empty());
 }
 
-TEST(Parser, EndsDeepTextsWithError191) {
+TEST(Parser, FailsWithError191ForDeepTexts) {
     for (const char* unit :
          {"(", "not ", "- ", "case when 1 = 1 then ", "(select ", "begin ", "if 1 = 1 ", "while 1 = 1 "}) {
         std::string sql = std::string(unit) == "begin " || unit[0] == 'i' || unit[0] == 'w' ? "" : "select ";

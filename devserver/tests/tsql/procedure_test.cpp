@@ -170,7 +170,7 @@ TEST_F(Procedure, NestingEndsAtThirtyTwo) {
     EXPECT_EQ(client.messages.at(0).number, 217);
 }
 
-TEST_F(Procedure, ExecuteOfAStringHasVariablesAndDatabaseOfItsOwn) {
+TEST_F(Procedure, ExecuteOfAStringHasItsOwnVariablesAndDatabase) {
     EXPECT_EQ(Run(R"(
 declare @t varchar(20)
 set @t = 'sysdatabases'

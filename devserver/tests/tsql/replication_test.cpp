@@ -1,4 +1,4 @@
-// The procedures of replication: what they keep, the jobs that they make and remove, and what they refuse.
+// The procedures of replication: what they store, the jobs that they make and remove, and what they refuse.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
@@ -64,7 +64,7 @@ Distribution clean up: distribution|REPL-Distribution Cleanup|11|1
 )");
 }
 
-TEST_F(Replication, TheTablesTellWhatIsPublishedAndToWhom) {
+TEST_F(Replication, TheTablesListWhatIsPublishedToWhom) {
     Publish();
     client.Run("exec sp_addsubscription N'pub', N'Lots', N'OTHER', N'Copy'");
     EXPECT_EQ(Run("select p.name, p.description, p.status, p.repl_freq, a.name, object_name(a.objid), "
@@ -94,7 +94,7 @@ TESTSERVER\KV_BATCH|1|0|0
 )");
 }
 
-TEST_F(Replication, WhatIsUsedIsNotDropped) {
+TEST_F(Replication, ObjectsInUseAreNotDropped) {
     Publish();
     client.Run("exec sp_addsubscription N'pub', N'all', N'OTHER', N'Copy'");
     const std::pair<const char*, int> refused[] = {
@@ -110,7 +110,7 @@ TEST_F(Replication, WhatIsUsedIsNotDropped) {
     }
 }
 
-TEST_F(Replication, MistakesAreToldByTheirNumbers) {
+TEST_F(Replication, MistakesAreReportedByTheirNumbers) {
     const auto number = [&](const std::string& statement) {
         client.Run(statement);
         return client.messages.empty() ? 0 : client.messages[0].number;
@@ -142,7 +142,7 @@ TEST_F(Replication, MistakesAreToldByTheirNumbers) {
     EXPECT_EQ(number("exec sp_replicationdboption N'nosuch', N'publish', N'true'"), 15010);
 }
 
-TEST_F(Replication, TheDistributorGoesWithAllThatItServesWhereItIsTold) {
+TEST_F(Replication, TheDistributorIsDroppedWithAllItsPublicationsIfForced) {
     Publish();
     client.Run("exec sp_addsubscription N'pub', N'all', N'OTHER', N'Copy'");
     EXPECT_EQ(Run("use master\nexec sp_dropdistributor @no_checks = 1\n" + std::string(kJobs) +

@@ -1,4 +1,4 @@
-// The scripts that the project delivers run whole, and what they say they install is there.
+// The sample scripts run without errors and install what they announce.
 #include <map>
 #include <sstream>
 
@@ -12,7 +12,7 @@ class Samples : public TsqlTest {
   protected:
     Samples() { client = server.Login("master"); }
 
-    /// The messages of errors that the script gives, one a line.
+    /// The texts of the errors that the script causes, one on each line.
     std::string Install(const std::string& file) {
         std::ifstream in(std::filesystem::path(KV_SAMPLES_FOLDER) / file, std::ios::binary);
         std::stringstream content;
@@ -63,7 +63,7 @@ class Samples : public TsqlTest {
     }
 };
 
-TEST_F(Samples, RunWholeAndInstallWhatTheySay) {
+TEST_F(Samples, RunWithoutErrorsAndInstallWhatTheyAnnounce) {
     InstallAll();
     EXPECT_EQ(Run("use Batch\nSELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'"),
               "\nValue\n1\n");
@@ -88,7 +88,7 @@ TEST_F(Samples, RefuseToOverwriteTheDatabase) {
               "50000 Database \"Batch\" exists already on TESTSERVER. Nothing was changed.\n");
 }
 
-TEST_F(Samples, TheirProceduresCarryABatchThrough) {
+TEST_F(Samples, TheirProceduresProcessABatch) {
     InstallAll();
     client.Run("set noexec off\nGO\nuse Batch");
     const std::string text = client.Run(R"(

@@ -1,5 +1,5 @@
-// Install scripts as others write them for SQL Server 2000 to 2017 run to their end: what they create is
-// there, and nothing fails but what they want to fail and what the dialect refuses.
+// Install scripts of the kind that is written for SQL Server 2000 to 2017 run to their end. They create what
+// they should, and only those statements fail that are meant to or that the dialect refuses.
 #include <fstream>
 #include <sstream>
 
@@ -11,7 +11,7 @@ namespace {
 
 class Scripts : public TsqlTest {
   protected:
-    /// The numbers of the errors that the script gives, in their order.
+    /// The numbers of the errors that the script causes, in their order.
     std::string Errors(const std::string& file) {
         std::filesystem::create_directories(server.folder.path() / "drive" / "Data");
         std::ifstream in(std::filesystem::path(KV_SCRIPTS_FOLDER) / file);
@@ -125,8 +125,8 @@ Order Lines
 }
 
 TEST_F(Scripts, OfAPublishersDatabaseRunToTheirEnd) {
-    // Refused by name: a trigger, a default, a rule. Wanted by the script: three checks, a foreign key, an
-    // index that is already there.
+    // The dialect refuses a trigger, a default and a rule. The script itself means three checks, a foreign
+    // key and a duplicate index to fail.
     EXPECT_EQ(Errors("publishing.sql"), "40510 40510 40510 547 547 547 547 1913");
     EXPECT_EQ(last_text.substr(0, 10), "Ending at ");
     EXPECT_EQ(Run(R"(
@@ -209,7 +209,8 @@ SIMPLE
 }
 
 TEST_F(Scripts, ThatToolsOfLaterYearsGenerateRunToTheirEnd) {
-    // Refused by name: rights on a schema, ALTER SCHEMA, FOR XML. Wanted: a check, a RAISERROR.
+    // The dialect refuses rights on a schema, ALTER SCHEMA and FOR XML. The script itself means a check and a
+    // RAISERROR to fail.
     EXPECT_EQ(Errors("workshop.sql"), "547 50000 40517 40510 40517");
     EXPECT_EQ(last_text, "Workshop is ready");
     EXPECT_TRUE(std::filesystem::exists(server.folder.path() / "drive" / "Data" / "Workshop_history.ndf"));

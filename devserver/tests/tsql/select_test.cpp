@@ -1,4 +1,4 @@
-// SELECT: what rows, types and orders come out.
+// SELECT: rows, types and orders of results.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
@@ -58,7 +58,7 @@ T
 )");
 }
 
-TEST_F(Select, KnowsTheCaseOfTheCodePagesOwnLettersWhereverItCounts) {
+TEST_F(Select, FoldsTheCaseOfTheCodePagesLettersEverywhere) {
     Run("CREATE TABLE Šatna(œuvre varchar(10) PRIMARY KEY); INSERT Šatna VALUES('Žižka Ÿ')");
     EXPECT_EQ(Run("DECLARE @Š int SET @š = 1 SELECT ŒUVRE, @š FROM šATNA WHERE Œuvre = 'žiŽKA ÿ'"),
               "\nŒUVRE|\nŽižka Ÿ|1\n(1)\n");

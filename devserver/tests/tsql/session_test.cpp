@@ -1,4 +1,4 @@
-// Logins, and many sessions at once.
+// Logins, and several sessions at once.
 #include <mutex>
 #include <thread>
 
@@ -12,7 +12,7 @@ class SessionTest : public ::testing::Test {
     TestServer server;
 };
 
-TEST_F(SessionTest, ALoginTellsDatabaseAndLanguage) {
+TEST_F(SessionTest, ALoginReportsDatabaseAndLanguage) {
     Transcript transcript;
     LoginRequest request;
     request.user = "SA";
@@ -63,7 +63,7 @@ TEST_F(SessionTest, PasswordsOfAddedLoginsAreNotKeptInTheClear) {
     }
 }
 
-TEST_F(SessionTest, SessionsHaveNumbersDatabasesAndOptionsOfTheirOwn) {
+TEST_F(SessionTest, EachSessionHasANumberADatabaseAndOptions) {
     Client a = server.Login();
     Client b = server.Login();
     EXPECT_NE(a.session().Id(), b.session().Id());
@@ -130,7 +130,8 @@ TEST_F(SessionTest, ADeadlockEndsOneOfTheTwo) {
           "Two..t (n int)\n"
           "insert One..t values (0)\ninsert Two..t values (0)");
     Client b = server.Login();
-    // Not the twenty seconds of a real one: the first gives up by its lock timeout, the second gets through.
+    // The first session has a lock timeout, so that the test does not wait for twenty seconds; the second one
+    // succeeds.
     a.Run("begin tran update One..t set n = 1");
     b.Run("begin tran update Two..t set n = 2");
     std::thread crossing([&] { b.Run("update One..t set n = 2 commit"); });

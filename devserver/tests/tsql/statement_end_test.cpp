@@ -1,12 +1,11 @@
-// Where the end of each statement is told: clients take messages and counts for those of the statement that
-// ends next.
+// The end of each statement is reported in its place: clients assign messages and counts to the statement
+// that ends next.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
 namespace {
 
-/// Writes down what comes, in order: "print a", "error 8134", "columns", "row", "done", "done 2", "done
-/// inside".
+/// Records what comes, in order: "print a", "error 8134", "columns", "row", "done", "done 2", "done inside".
 class Order : public ResultSink {
   public:
     void Columns(const std::vector<Column>&) override { Add("columns"); }
@@ -37,7 +36,7 @@ class StatementEnd : public TsqlTest {
     }
 };
 
-TEST_F(StatementEnd, EachStatementTellsItsEndAndDeclarationsDoNot) {
+TEST_F(StatementEnd, EachStatementReportsItsEndButDeclarationsDoNot) {
     EXPECT_EQ(OrderOf("print 'a' print 'b'"), "print a, done, print b, done");
     EXPECT_EQ(OrderOf("declare @i int set @i = 1 select @i"), "done, columns, row, done 1");
     EXPECT_EQ(OrderOf("create table #t (a int) insert #t values (1), (2) print 'c' drop table #t"),
@@ -47,20 +46,20 @@ TEST_F(StatementEnd, EachStatementTellsItsEndAndDeclarationsDoNot) {
               "print x, done, error 50000, done, print z, done");
 }
 
-TEST_F(StatementEnd, StatementsThatSteerTellOnlyWhatTheySteer) {
+TEST_F(StatementEnd, ControlFlowReportsOnlyTheStatementsInIt) {
     EXPECT_EQ(OrderOf("if 1 = 1 begin print 'a' print 'b' end"), "print a, done, print b, done");
     EXPECT_EQ(OrderOf("declare @i int set @i = 0 while @i < 2 set @i = @i + 1"), "done, done, done");
     EXPECT_EQ(OrderOf("goto there print 'a' there: return"), "");
 }
 
-TEST_F(StatementEnd, AFunctionEndsUnseenWithinTheStatementThatCallsIt) {
+TEST_F(StatementEnd, AFunctionReportsNoEndInTheStatementThatCallsIt) {
     client.Run(
         "create function f () returns int begin declare @i int set @i = 7 select @i = @i + 1 return @i end");
     EXPECT_EQ(OrderOf("declare @i int set @i = dbo.f() select @i = dbo.f() if dbo.f() = 8 print 'x'"),
               "done, done, print x, done");
 }
 
-TEST_F(StatementEnd, EachFailedStatementEndsByItself) {
+TEST_F(StatementEnd, EachFailedStatementReportsItsOwnEnd) {
     EXPECT_EQ(
         OrderOf(
             "create table #t (a int not null) insert #t values (null) insert #t values (null) print 'on'"),
@@ -85,7 +84,7 @@ TEST_F(StatementEnd, InAProcedureNocountSilencesStatementsThatGiveNothing) {
     EXPECT_EQ(OrderOf("exec nosuch print 'b'"), "error 2812, done, print b, done");
 }
 
-TEST_F(StatementEnd, AStringThatFailsEndsByItself) {
+TEST_F(StatementEnd, AStringThatFailsReportsItsOwnEnd) {
     EXPECT_EQ(OrderOf("exec('print ''a'' select * from nosuch') print 'b'"),
               "print a, done, error 208, done, print b, done");
 }

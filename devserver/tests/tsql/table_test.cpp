@@ -33,7 +33,7 @@ id|a|c|n
 )");
 }
 
-TEST_F(Tables, AlterTableRefusesWhatTheRowsCannotBear) {
+TEST_F(Tables, AlterTableRefusesWhatTheRowsContradict) {
     EXPECT_EQ(Run(R"(
 create table t (id int null)
 insert t values (null)
@@ -54,7 +54,7 @@ Msg 4902.16.1 L1: Cannot find the object "nosuch" because it does not exist or y
 )");
 }
 
-TEST_F(Tables, NewColumnsFillTheRowsThatStand) {
+TEST_F(Tables, NewColumnsAreFilledInExistingRows) {
     EXPECT_EQ(Run(R"(
 set nocount on
 create table t (id int)
@@ -204,7 +204,7 @@ Msg 208.16.1 L1: Invalid object name 't'.
 )");
 }
 
-TEST_F(Tables, NamesWithBlanksQuotesAndOwnWordsWork) {
+TEST_F(Tables, NamesWithBlanksQuotesAndReservedWordsWork) {
     EXPECT_EQ(Run(R"(
 create table [my "odd" table] ([select] int, [a b] int, [rowid] int, [c]]d] int)
 insert [my "odd" table] values (1, 2, 3, 4)
@@ -231,7 +231,7 @@ x
 )");
 }
 
-TEST_F(Tables, NamedWithTwoCrossesAreEverybodysAndGoWithTheirMaker) {
+TEST_F(Tables, WithTwoNumberSignsAreSharedUntilTheirSessionEnds) {
     Client other = server.Login("master");
     EXPECT_EQ(Run("create table ##shared (id int identity, a int)\ninsert ##shared values (5)"), "\n(1)\n");
     EXPECT_EQ(other.Run("update ##shared set a = a + 1\nselect * from tempdb..##shared\n"

@@ -1,4 +1,4 @@
-// A server, a client in tempdb, and the one line that most tests are made of.
+// The fixture of most tests: a server, and a client whose database is tempdb.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@ namespace devsql::test {
 
 class TsqlTest : public ::testing::Test {
   protected:
-    /// The transcript of a batch, or of several divided by lines with GO. Begins with a line end, as the raw
-    /// texts that it is compared with do.
+    /// The transcript of a batch, or of several that are divided by lines with GO. It begins with a line end,
+    /// as the raw strings do that it is compared with.
     std::string Run(std::string_view sql) { return "\n" + client.Run(sql); }
 
     TestServer server;

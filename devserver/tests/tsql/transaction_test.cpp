@@ -1,4 +1,4 @@
-// Transactions, savepoints, what errors do to them, and sessions beside each other.
+// Transactions, savepoints, the effect of errors on them, and concurrent sessions.
 #include <chrono>
 #include <thread>
 
@@ -115,7 +115,7 @@ Msg 245.16.1 L4: Conversion failed when converting the varchar value 'x' to data
 )");
 }
 
-TEST_F(Transaction, AProcedureThatLeavesATransactionOpenIsTold) {
+TEST_F(Transaction, AProcedureThatLeavesATransactionOpenIsReported) {
     EXPECT_EQ(Run(R"(
 create procedure p as begin tran
 GO
@@ -128,7 +128,7 @@ Msg 266.16.2 p L0: Transaction count after EXECUTE indicates a mismatching numbe
 )");
 }
 
-TEST_F(Transaction, ADoomedTransactionTakesOnlyARollback) {
+TEST_F(Transaction, ADoomedTransactionAcceptsOnlyARollback) {
     EXPECT_EQ(Run(R"(
 set xact_abort on
 begin tran
@@ -183,7 +183,7 @@ TEST_F(Transaction, ImplicitTransactionsBeginByThemselves) {
               "\n(1)\n> 1\n\n1\n(1)\n");
 }
 
-TEST_F(Transaction, ASessionThatGoesRollsBack) {
+TEST_F(Transaction, ASessionThatEndsRollsBack) {
     {
         Client other = server.Login("tempdb");
         other.Run("begin tran\ndelete t");

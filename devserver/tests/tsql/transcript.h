@@ -1,11 +1,8 @@
-// Runs T-SQL in-process and writes down what comes of it as text that a person can read and compare:
-//
-//   id|name            the columns of a result set
-//   1|abc              a row; NULL is NULL, a binary 0x…
-//   (1)                how many rows, where it is counted
-//   Msg 208.16.1 L1: Invalid object name 'x'.        an error: number.severity.state, line
-//   Msg 50000.16.1 p L3: text                        … of a procedure
-//   > text             what PRINT and the like say
+// Runs T-SQL in-process and writes the results as text that a person can read and compare:    id|name
+// the columns of a result set   1|abc              a row; NULL is NULL, a binary 0x…   (1)                how
+// many rows, where it is counted   Msg 208.16.1 L1: Invalid object name 'x'.        an error:
+// number.severity.state, line   Msg 50000.16.1 p L3: text                        … of a procedure   > text
+// what PRINT and the like say
 #pragma once
 
 #include <filesystem>
@@ -84,7 +81,7 @@ class Transcript : public ResultSink {
             return std::get<std::string>(Convert(value, type, Type{TypeId::VarChar, 30, 0, 0}, 121));
         }
         if (std::holds_alternative<Bytes>(value)) {
-            const Type binary{TypeId::VarBinary, kMaxLength, 0, 0}; // image converts to no text
+            const Type binary{TypeId::VarBinary, kMaxLength, 0, 0}; // image can't be converted to text
             return std::get<std::string>(Convert(value, binary, Type{TypeId::VarChar, kMaxLength, 0, 0}, 1));
         }
         if (type.id == TypeId::Money || type.id == TypeId::SmallMoney) {
@@ -96,7 +93,7 @@ class Transcript : public ResultSink {
     std::vector<Column> columns_;
 };
 
-/// A folder of its own, gone at the end.
+/// A temporary folder, removed at the end.
 class TemporaryFolder {
   public:
     TemporaryFolder() {
@@ -118,12 +115,12 @@ class TemporaryFolder {
     std::filesystem::path path_;
 };
 
-/// A client: a session, and what it was told last.
+/// A client: a session and the messages of its last call.
 class Client {
   public:
     explicit Client(std::unique_ptr<Session> session) : session_(std::move(session)) {}
 
-    /// Runs batches divided by lines with GO, and gives the transcript of all.
+    /// Runs batches that are divided by lines with GO, and returns the transcript of all.
     std::string Run(std::string_view sql) {
         Transcript transcript;
         std::string batch;
@@ -161,7 +158,7 @@ class Client {
     std::unique_ptr<Session> session_;
 };
 
-/// A server in a folder of its own, with the login sa.
+/// A server in a temporary folder, with the login sa.
 class TestServer {
   public:
     TestServer() { Start(); }

@@ -1,4 +1,4 @@
-// Every type keeps NULL and its extremes: in columns, in variables, through parameters in and out.
+// Every type preserves NULL and its lowest and highest values: in columns, in variables, in parameters.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
@@ -48,7 +48,7 @@ constexpr TypeCase kTypes[] = {
      "00000000-0000-0000-0000-000000000000", "FFFFFFFF-FFFF-FFFF-FFFF-FFFFFFFFFFFF"},
 };
 
-/// Types that no variable may have.
+/// Types that variables can't have.
 constexpr TypeCase kLongTypes[] = {
     {"text", "''", "'abc'", "", "abc"},
     {"ntext", "N''", "N'\xD0\x96'", "", "\xD0\x96"},
@@ -60,7 +60,7 @@ class Types : public TsqlTest {
     static std::string Column(const TypeCase& type, const std::string& name) {
         return std::string("\n") + name + "\nNULL\n" + type.low_text + "\n" + type.high_text + "\n(3)\n";
     }
-    /// A table of the type's NULL, lowest and highest value.
+    /// A table with NULL, the lowest and the highest value of the type.
     void Fill(const TypeCase& type) {
         const std::string name(type.type);
         ASSERT_EQ(Run("create table t (n int identity, v " + name + " null)\ninsert t (v) values (null)\n" +
@@ -111,7 +111,7 @@ TEST_F(Types, KeepNullAndExtremesThroughParameters) {
     }
 }
 
-TEST_F(Types, RefuseWhatLiesBehindTheirExtremes) {
+TEST_F(Types, RefuseValuesBeyondTheirExtremes) {
     constexpr std::pair<const char*, int> kBeyond[] = {
         {"tinyint = 256", 220},
         {"tinyint = -1", 220},

@@ -1,4 +1,5 @@
-// Scalar functions that users define: where they may be called, what ends them, and what the catalogue says.
+// Scalar functions of users: where they may be called, which errors end them, and how the catalogue shows
+// them.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
@@ -29,7 +30,7 @@ end
     }
 };
 
-TEST_F(UserFunction, IsComputedForEachRowAndWhereverAValueStands) {
+TEST_F(UserFunction, IsComputedForEachRowAndWhereverAValueIsAllowed) {
     EXPECT_EQ(Run(R"(
 select id, dbo.net(10, id) net, dbo.factorial(id + 1) f from rate where dbo.net(100, id) > 1 order by dbo.net(1, id)
 declare @v varchar(20) set @v = dbo.net($2, 9)
@@ -53,7 +54,7 @@ s|n
 )");
 }
 
-TEST_F(UserFunction, StandsInDefaultsChecksComputedColumnsAndViews) {
+TEST_F(UserFunction, CanBeUsedInDefaultsChecksComputedColumnsAndViews) {
     EXPECT_EQ(Run(R"(
 create table made (a int constraint ck_a check (dbo.factorial(a) < 100), b as dbo.factorial(a), c bigint default dbo.factorial(3))
 GO
@@ -120,7 +121,7 @@ TEST_F(UserFunction, MayReturnWhateverAValueBeginsWith) {
     }
 }
 
-TEST_F(UserFunction, ACallThatFitsNothingIsRefused) {
+TEST_F(UserFunction, ACallOfAnUnknownFunctionOrWithWrongArgumentsIsRefused) {
     EXPECT_EQ(
         Run("select dbo.nothing(1)"),
         "\nMsg 4121.16.1 L1: Cannot find either column \"dbo\" or the user-defined function or aggregate "
@@ -156,7 +157,7 @@ TEST_F(UserFunction, ABodyThatChangesOrSendsSomethingIsRefused) {
     EXPECT_EQ(Run("select id from rate where 1 = 0"), "\nid\n(0)\n");
 }
 
-TEST_F(UserFunction, TheCatalogueKnowsIt) {
+TEST_F(UserFunction, TheCatalogueListsIt) {
     EXPECT_EQ(Run(R"(
 select name, xtype, objectproperty(id, 'IsScalarFunction') f from sysobjects where name = 'net'
 select type, type_desc from sys.objects where name = 'net'

@@ -1,6 +1,6 @@
 // From the tree to SQLite's SQL: finds what names mean, gives every expression its type, makes conversions
-// explicit, and writes the relational part as one SQLite statement. Its parts do the work, each one kind of
-// it.
+// explicit, and writes the relational part as one SQLite statement. The work is done by its parts, one for
+// each kind of node.
 #pragma once
 
 #include <string>

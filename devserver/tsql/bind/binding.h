@@ -17,7 +17,7 @@ class SessionCore;
 struct Binding {
     std::string NextAlias() { return "t" + std::to_string(++aliases); }
 
-    /// What the clause that is being bound may hold.
+    /// What the clause that is being bound may contain.
     struct Clause {
         bool aggregates = false;
         bool windows = false;

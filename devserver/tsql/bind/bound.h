@@ -1,5 +1,5 @@
 // Expressions after binding: names are resolved, every node has its static type, conversions are explicit.
-// What only SQLite can compute (columns, subqueries, aggregates) is a leaf of SQL text.
+// Columns, subqueries and aggregates, which only SQLite can compute, are leaves with SQL text.
 #pragma once
 
 #include <memory>
@@ -21,7 +21,7 @@ enum class BoundKind : std::uint8_t {
     Constant,
     Variable, ///< of the running frame: read when it is evaluated
     Sql,      ///< SQLite text
-    Slot,     ///< a value of the row at hand, by position
+    Slot,     ///< a value of the current row, by position
     Unary,
     Binary,
     Convert,
@@ -47,7 +47,7 @@ struct Bound {
 
     Value constant;           ///< Constant
     std::string text;         ///< Sql: the text; Variable: the name
-    std::string source;       ///< Sql: of a column reference, the table as the query calls it
+    std::string source;       ///< Sql: of a column reference, the table's name or alias in the query
     std::string column;       ///< Sql: of a column reference
     int depth = 0;            ///< Sql: of a column reference, the query it belongs to
     bool aggregate = false;   ///< Sql: the call of an aggregate
@@ -57,7 +57,7 @@ struct Bound {
     UnaryOperator unary{};    ///< Unary
     ast::CompareOp compare{}; ///< Compare
     bool attempt = false;     ///< Convert: TRY_CAST
-    bool assignment = false;  ///< Convert: of a comparison or another implicit place
+    bool assignment = false;  ///< Convert: an implicit conversion, such as that of a comparison
     const ScalarFunction* function = nullptr;
     const SessionFunction* session = nullptr;
 };
@@ -71,7 +71,7 @@ BoundPtr MakeConvert(BoundPtr operand, const Type& type);
 BoundPtr MakeNode(BoundKind kind, const Type& type, std::vector<BoundPtr> children);
 BoundPtr MakeCondition(BoundKind kind, std::vector<BoundPtr> children);
 
-/// Equal in structure: the same text of the program, for GROUP BY.
+/// True for expressions of the same structure, as GROUP BY compares them.
 bool SameExpression(const Bound& a, const Bound& b);
 
 } // namespace devsql

@@ -43,8 +43,8 @@ BoundPtr Aggregated(std::string text, const Type& type, int depth, bool nullable
     return node;
 }
 
-/// A user's function asks the session to run it: database and number lead its arguments. `view_database` is
-/// that of the view being bound, or empty.
+/// A call of a user's function, which the session runs. Its first two arguments are the database and the
+/// object's number. `view_database` is the database of the view being bound, or empty.
 BoundPtr UserCall(SessionCore& session, const std::string& view_database, const ast::Name& name,
                   std::vector<BoundPtr> arguments) {
     ObjectPlace place = PlaceOf(session, name);
@@ -57,7 +57,7 @@ BoundPtr UserCall(SessionCore& session, const std::string& view_database, const 
         RaiseError(4121, {place.schema, name.text()});
     }
     const std::vector<ParameterDef> parameters = catalogue.Parameters(object->id);
-    const std::size_t wanted = parameters.size() - 1; // The last is what it returns.
+    const std::size_t wanted = parameters.size() - 1; // The last one is the result.
     if (arguments.size() != wanted) {
         RaiseError(arguments.size() < wanted ? 313 : 8144, {name.text()}, 2);
     }
@@ -224,7 +224,7 @@ BoundPtr CallBinder::Aggregate(const ast::CallExpr& call, const Scope* scope) {
     if (call.arguments.size() != 1) {
         RaiseError(174, {ToLower(call.name), "1"});
     }
-    if (name == "GROUPING") { // The query that has the keys puts its value in.
+    if (name == "GROUPING") { // Its value is filled in where the grouping keys are known.
         BoundPtr key = binder_.BindValue(*call.arguments[0], scope);
         auto node = std::make_shared<Bound>(*Aggregated("0", Simple(TypeId::TinyInt), depth, false));
         node->children.push_back(std::move(key));

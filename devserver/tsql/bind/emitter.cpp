@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::array<std::string_view, 6> kCompareSymbols = {"=", "<>", "<", "<=", ">", ">="};
 
-/// A conversion that leaves SQLite's form of the value as it is.
+/// True for a conversion after which SQLite would store the same value.
 bool ChangesNothing(const Bound& convert) {
     const Type& from = convert.children[0]->type;
     const Type& to = convert.type;
@@ -36,11 +36,11 @@ bool ChangesNothing(const Bound& convert) {
            (from.id == TypeId::SmallMoney && to.id == TypeId::Money);
 }
 
-/// From so many items on, a list is written out: SQLite looks each numbered parameter up among all of them,
-/// and 50,000 took it seven seconds.
+/// Lists of at least this length are written with literals. SQLite searches all parameters for each numbered
+/// one; with 50,000 of them a statement took seven seconds.
 constexpr std::size_t kLongList = 100;
 
-/// The value as it may stand in a list, where SQLite's own literal is the same.
+/// The value as a literal of SQLite; empty where SQLite has no literal that is exactly the same.
 std::optional<std::string> LiteralOf(const Value& value) {
     if (const auto* number = std::get_if<std::int64_t>(&value)) {
         return std::to_string(*number);
@@ -105,7 +105,7 @@ Emission::~Emission() {
 }
 
 std::string Emission::Parameter(const Value& value, const Type& type) {
-    // The same value is the same parameter: what GROUP BY and the list of items say must be the same text.
+    // Equal values share a parameter, because SQLite compares GROUP BY and the list of items as text.
     const std::size_t hash = HashOf(value);
     const auto [first, last] = places_.equal_range(hash);
     for (auto place = first; place != last; ++place) {
@@ -138,7 +138,7 @@ bool Emission::IsNative(const Bound& expression) const {
     }
 }
 
-/// As WithSlots, but what SQLite can compute by itself stays whole.
+/// As WithSlots, but keeps expressions whole that SQLite can compute itself.
 BoundPtr Emission::Extract(const BoundPtr& expression, std::vector<BoundPtr>& leaves) const {
     if (!NeedsSql(*expression)) {
         return expression;
@@ -164,7 +164,7 @@ std::string Emission::EmitOperation(const BoundPtr& expression) {
         try {
             return Parameter(Compute(*expression, session_), expression->type);
         } catch (const SqlError&) {
-            // It fails when, and only if, a row asks for it.
+            // It must fail only if a row needs it.
         }
     }
     std::vector<BoundPtr> leaves;
@@ -184,7 +184,7 @@ std::string Emission::EmitListed(const BoundPtr& expression) {
                 return *literal;
             }
         } catch (const SqlError&) {
-            // It fails when, and only if, a row asks for it.
+            // It must fail only if a row needs it.
         }
     }
     return Emit(expression);

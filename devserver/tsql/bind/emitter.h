@@ -1,6 +1,6 @@
-// Turns bound expressions into SQLite's SQL. What SQLite does as T-SQL does it (comparisons, logic, CASE) is
-// written in its own words; the rest (arithmetic, conversions, functions) becomes a call of the function
-// "tsql", which computes the expression under its number with the values that it is handed.
+// Turns bound expressions into SQLite's SQL. Comparisons, logic and CASE, which SQLite computes as T-SQL
+// does, become SQLite's own operators. Arithmetic, conversions and functions become a call of the function
+// "tsql", which computes an expression by its number from the values that it is given.
 #pragma once
 
 #include <string>
@@ -15,7 +15,7 @@ namespace devsql {
 
 class SessionCore;
 
-/// The parameters and operations of one SQLite statement under construction, and for as long as it runs.
+/// The parameters and operations of one SQLite statement. Must live as long as the statement runs.
 class Emission {
   public:
     explicit Emission(SessionCore& session);
@@ -35,7 +35,7 @@ class Emission {
 
   private:
     std::string EmitOperation(const BoundPtr& expression);
-    /// An item of a long list: a constant is written out.
+    /// An item of a long list, in which constants are literals and not parameters.
     std::string EmitListed(const BoundPtr& expression);
     std::string EmitCase(const Bound& expression);
     std::string EmitJunction(const Bound& condition, std::string_view word);

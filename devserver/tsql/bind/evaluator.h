@@ -10,18 +10,18 @@ namespace devsql {
 
 class SessionCore;
 
-/// The value of `expression`, of its type; `slots` are the values of its Slot nodes. A leaf of SQL can't be
-/// computed here: std::logic_error.
+/// The value of `expression`, of its type; `slots` are the values of its Slot nodes. Throws std::logic_error
+/// for a leaf of SQL, which can't be computed here.
 Value Compute(const Bound& expression, SessionCore& session, std::span<const Value> slots = {});
-/// A condition: none is unknown.
+/// A condition; empty for unknown.
 std::optional<bool> Test(const Bound& condition, SessionCore& session, std::span<const Value> slots = {});
 
 /// True if the expression has a leaf of SQL anywhere.
 bool NeedsSql(const Bound& expression);
-/// True if its value changes neither with rows, variables nor time.
+/// True if its value depends neither on rows, variables nor time.
 bool IsConstant(const Bound& expression);
 
-/// Takes the leaves of SQL out of an expression: each becomes a Slot, and stands in `leaves` at its place.
+/// Takes the leaves of SQL out of an expression: each is replaced by a Slot and appended to `leaves`.
 BoundPtr WithSlots(const BoundPtr& expression, std::vector<BoundPtr>& leaves);
 
 } // namespace devsql

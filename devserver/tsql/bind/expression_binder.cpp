@@ -15,7 +15,8 @@ constexpr std::string_view kCompareNames[] = {"equal to",     "not equal to",
                                               "less than",    "less than or equal to",
                                               "greater than", "greater than or equal to"};
 
-/// Old and new types alike compare as their stronger one; fixed lengths must not pad.
+/// The type in which two values are compared: the stronger one. Types of fixed length become those of
+/// variable length, so that no blanks are added.
 Type ComparisonType(const Type& a, const Type& b) {
     Type type = CommonType(a, b);
     if (type.id == TypeId::Char) {
@@ -28,7 +29,8 @@ Type ComparisonType(const Type& a, const Type& b) {
     return type;
 }
 
-/// The operand for a comparison as `type`. Text of any length and kind compares as it stands.
+/// Converts the operand for a comparison. Texts, whatever their types, and binaries are compared without
+/// conversion.
 BoundPtr ForComparison(const BoundPtr& operand, const Type& type) {
     if ((IsCharacter(operand->type.id) && IsCharacter(type.id)) ||
         (IsBinary(operand->type.id) && IsBinary(type.id))) {
@@ -37,7 +39,7 @@ BoundPtr ForComparison(const BoundPtr& operand, const Type& type) {
     return MakeConvert(operand, type);
 }
 
-/// SET CONCAT_NULL_YIELDS_NULL OFF: NULL is an empty text where texts are joined.
+/// SET CONCAT_NULL_YIELDS_NULL OFF: NULL becomes an empty text where texts are concatenated.
 BoundPtr EmptyForNull(const BoundPtr& operand) {
     BoundPtr empty = MakeConstant(std::string(), Sized(TypeId::VarChar, 1));
     const ScalarFunction* function = FindFunction("ISNULL");
@@ -48,13 +50,15 @@ BoundPtr EmptyForNull(const BoundPtr& operand) {
     return node;
 }
 
-/// What SET ANSI_NULLS OFF lets be equal to NULL: columns and what is computed from them are not.
+/// True for operands that may equal NULL under SET ANSI_NULLS OFF: variables and NULL itself, but not columns
+/// and what is computed from them.
 bool IsLooseNull(const Bound& operand) {
     return operand.kind == BoundKind::Variable ||
            (operand.kind == BoundKind::Constant && devsql::IsNull(operand.constant));
 }
 
-/// What such a comparison is true for besides: two NULLs are equal, NULL differs from anything else.
+/// The cases in which a comparison is also true under SET ANSI_NULLS OFF: two NULLs are equal, and NULL
+/// differs from anything else.
 BoundPtr LooseNulls(ast::CompareOp op, const BoundPtr& left, const BoundPtr& right) {
     const BoundPtr left_null = MakeCondition(BoundKind::IsNull, {left});
     const BoundPtr right_null = MakeCondition(BoundKind::IsNull, {right});
@@ -155,7 +159,7 @@ BoundPtr ExpressionBinder::IsNull(const ast::IsNullExpr& expr, const Scope* scop
     return expr.negated ? MakeCondition(BoundKind::Not, {test}) : test;
 }
 
-/// "a AND b AND c" as one condition of three: a chain must not become as deep as it is long.
+/// "a AND b AND c" as one condition of three: otherwise the tree of a long chain would be too deep.
 BoundPtr ExpressionBinder::Logic(const ast::LogicExpr& logic, const Scope* scope) {
     std::vector<const ast::Expr*> operands = {logic.right.get()};
     const ast::Expr* left = logic.left.get();
@@ -295,8 +299,8 @@ BoundPtr ExpressionBinder::Subquery(const ast::Query& query, const Scope* scope)
     if (bound.columns.size() != 1) {
         RaiseError(116);
     }
-    // SQLite takes the first of several rows; T-SQL wants at most one. Two are fetched and the second
-    // refused.
+    // SQLite takes the first of several rows; T-SQL wants at most one. So two rows are fetched, and a second
+    // one is an error.
     const std::string alias = binding_.NextAlias();
     return MakeSql("(SELECT tsql_single(" + alias + ".c1, " + alias +
                        ".n) FROM (SELECT c1, count(*) OVER () AS n FROM (" + bound.sql + ") LIMIT 2) AS " +

@@ -16,7 +16,7 @@ bool SameName(std::string_view a, std::string_view b) {
     return CompareText(a, b) == 0;
 }
 
-/// Does "b.BatchId", "dbo.Batches.BatchId" mean a column of this source?
+/// True if a name such as "b.BatchId" or "dbo.Batches.BatchId" may mean a column of this source.
 bool Names(const ScopeSource& source, const ast::Name& name) {
     const std::size_t qualifiers = name.parts.size() - 1;
     if (qualifiers == 1) {

@@ -21,7 +21,7 @@ class NameBinder : private BinderPart {
     Target WriteTarget(const ast::Name& name);
     ScopeSource SourceOf(const TablePtr& table, const std::string& exposed,
                          const std::string& sql_alias) const;
-    /// `user_type` is set to the name of a user's type, `nullable` to what that type says of NULL.
+    /// For a user's type sets `user_type` to its name and `nullable` to whether it accepts NULL.
     Type ResolveType(const ast::TypeSpec& spec, std::int32_t default_length, std::string* user_type,
                      bool* nullable);
 

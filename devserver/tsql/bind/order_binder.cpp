@@ -72,7 +72,7 @@ std::string OrderBinder::ByExpression(const ast::Expr& expr, const SelectParts& 
     if (parts.grouping == ast::GroupingSets::One) {
         return NeedsSql(*value) ? emission_.EmitCollated(value) : "NULL";
     }
-    if (selected == 0) { // Over all sets, an order can only name columns.
+    if (selected == 0) { // Over a union of grouping sets, an order can only name columns.
         RaiseError(40517, {"ORDER BY of what is not selected with ROLLUP or CUBE"});
     }
     return ByColumn({"", value->type, true, false}, selected);

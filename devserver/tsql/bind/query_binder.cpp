@@ -8,7 +8,7 @@
 namespace devsql {
 namespace {
 
-/// Keeps what binding a query changes for its own clauses, and puts it back.
+/// Saves the state that binding a query changes, and restores it at the end.
 class QueryScope {
   public:
     explicit QueryScope(Binding& binding)
@@ -80,7 +80,7 @@ BoundQuery QueryBinder::Unified(const BoundQuery& query, const std::vector<Type>
 }
 
 BoundQuery QueryBinder::SetOperation(const ast::SetOperation& operation, const Scope* outer) {
-    // A chain of one operator is written flat: SQLite nests queries less deep than scripts are long.
+    // A chain of one operator becomes one flat compound: SQLite limits how deeply queries nest.
     std::vector<const ast::QueryTerm*> terms = {operation.right.get()};
     const ast::QueryTerm* left = operation.left.get();
     for (const auto* inner = std::get_if<ast::SetOperation>(&left->node);
@@ -136,8 +136,8 @@ BoundQuery QueryBinder::Assignment(const ast::Query& query, std::vector<Assignme
     }
     binding_.outermost = true;
     const SelectParts parts = binder_.selects().Parts(*core, nullptr, &query);
-    // The leaves are selected and the items computed over them row by row, so that an item may use what the
-    // row before has assigned.
+    // SQL selects the leaves only. The items are computed from them row by row, so that an item sees what the
+    // previous row has assigned.
     std::vector<BoundPtr> leaves;
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
         if (parts.variables[i].empty()) {

@@ -9,7 +9,7 @@
 namespace devsql {
 namespace {
 
-/// What an item is called when it has no alias: a column keeps its name.
+/// The name of an item without alias: that of the column, else empty.
 std::string NameOf(const ast::Expr& expr) {
     const auto* column = std::get_if<ast::ColumnExpr>(&expr.node);
     return column == nullptr ? std::string() : column->name.last();
@@ -137,7 +137,7 @@ void SelectBinder::Items(const ast::SelectCore& core, SelectParts& parts) {
             parts.untyped_nulls.back() = true;
             value = MakeConstant({}, type);
         }
-        // An assigned item has no name, so that ORDER BY never takes it for an output column.
+        // An assigned item has no name, so that ORDER BY does not find it among the output columns.
         const std::string name = !item.variable.empty() ? ""
                                  : item.alias.empty()   ? NameOf(*item.expr)
                                                         : item.alias;
@@ -188,7 +188,7 @@ void SelectBinder::CheckGrouping(const SelectParts& parts, const ast::SelectCore
     }
 }
 
-/// Rows of one table come in the order of its clustered key where nothing else is asked for.
+/// ORDER BY the clustered key, for a query that reads one table and has no order of its own; otherwise empty.
 std::string SelectBinder::ClusteredOrder(const ast::SelectCore& core, const SelectParts& parts) const {
     const bool grouped = core.distinct || !parts.keys.empty() || parts.having ||
                          std::ranges::any_of(parts.items, [&](const BoundPtr& item) {

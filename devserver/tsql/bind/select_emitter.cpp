@@ -10,7 +10,7 @@ namespace devsql {
 
 namespace {
 
-/// An expression as a grouping set without the keys in `absent` has it: they are NULL there.
+/// The expression for a grouping set in which the keys in `absent` are NULL.
 BoundPtr WithoutKeys(const BoundPtr& node, const std::vector<BoundPtr>& keys,
                      const std::vector<bool>& absent) {
     const auto find = [&](const Bound& wanted) {
@@ -61,7 +61,7 @@ std::string EmitGroups(Emission& emission, const SelectParts& parts, bool distin
             keys += (keys.empty() ? "" : ", ") + emission.EmitCollated(parts.keys[i]);
         }
     }
-    // SQLite wants a GROUP BY before HAVING; all rows are one group without.
+    // SQLite requires a GROUP BY before HAVING. Without keys all rows are one group.
     if (!parts.keys.empty() || parts.having) {
         sql += " GROUP BY " + (keys.empty() ? "NULL" : keys);
     }
@@ -82,14 +82,14 @@ std::string EmitSelect(Emission& emission, const SelectParts& parts, bool distin
     if (parts.grouping == ast::GroupingSets::One) {
         return EmitGroups(emission, parts, distinct, std::vector<bool>(keys)) + parts.order + parts.limit;
     }
-    constexpr std::size_t kMostKeys = 10; // As SQL Server has it.
+    constexpr std::size_t kMostKeys = 10; // SQL Server's limit.
     if (keys > kMostKeys) {
         RaiseError(40517, {"more than 10 keys under ROLLUP or CUBE"});
     }
     std::string sql;
     for (std::size_t set = 0; set < (std::size_t{1} << keys); ++set) {
         std::vector<bool> absent(keys);
-        bool rolled_up = true; // The absent ones are the last ones.
+        bool rolled_up = true; // True if only the last keys are absent.
         for (std::size_t key = 0; key < keys; ++key) {
             absent[key] = ((set >> (keys - 1 - key)) & 1) != 0;
             rolled_up = rolled_up && (key == 0 || !absent[key - 1] || absent[key]);

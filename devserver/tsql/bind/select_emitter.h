@@ -10,7 +10,7 @@ namespace devsql {
 
 class Emission;
 
-/// What binding makes of one SELECT.
+/// A bound SELECT, clause by clause.
 struct SelectParts {
     Scope scope;
     std::string from;
@@ -28,7 +28,7 @@ struct SelectParts {
 
 std::string EmitSelect(Emission& emission, const SelectParts& parts, bool distinct);
 
-/// GROUPING(key), as the binder of calls leaves it.
+/// True for GROUPING(key), whose value is not known before EmitSelect.
 bool IsGrouping(const Bound& node);
 
 } // namespace devsql

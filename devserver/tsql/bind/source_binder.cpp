@@ -7,7 +7,8 @@ namespace devsql {
 std::string SourceBinder::From(const std::vector<ast::TableSourcePtr>& sources, Scope& scope) {
     std::string text;
     for (const ast::TableSourcePtr& source : sources) {
-        // A comma binds less than a JOIN in T-SQL and as much in SQLite: joined sources go into parentheses.
+        // In T-SQL a JOIN binds more tightly than a comma, in SQLite they bind equally: joined sources are
+        // put in parentheses.
         const bool joined = std::holds_alternative<ast::JoinSource>(source->node);
         std::string item = Source(*source, scope);
         if (joined && sources.size() > 1) {
@@ -120,7 +121,7 @@ CommonTables::Entry SourceBinder::CommonTable(const ast::CommonTable& table) {
 /// parentheses.
 std::string SourceBinder::Recursive(const ast::CommonTable& table, CommonTables::Entry& entry) {
     const auto& operation = std::get<ast::SetOperation>(table.query->body->node);
-    // SQLite wants the recursive name in the FROM of the member itself, so nothing may be put around it.
+    // SQLite requires the recursive name in the FROM of the member itself, so the member can't be wrapped.
     const auto* core = std::get_if<ast::SelectCore>(&operation.right->node);
     const BoundQuery anchor = binder_.queries().Term(*operation.left, nullptr, nullptr);
     if (core == nullptr) {

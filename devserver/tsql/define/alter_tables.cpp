@@ -34,7 +34,7 @@ Target FindTable(SessionCore& session, const ast::Name& name) {
     }
 }
 
-/// Index and unique constraint over rows that are there already.
+/// Creates an index, also for a unique constraint, over existing rows.
 void AddIndexChecked(SessionCore& session, Catalogue& catalogue, const TableDef& table,
                      const IndexDef& index) {
     try {
@@ -43,7 +43,7 @@ void AddIndexChecked(SessionCore& session, Catalogue& catalogue, const TableDef&
         if (error.primary_code() != SQLITE_CONSTRAINT) {
             throw;
         }
-        std::string key; // Which one, SQLite doesn't say: the first that stands twice.
+        std::string key; // SQLite does not say which key is a duplicate: search the first one.
         std::string columns;
         for (const KeyColumn& part : index.columns) {
             const ColumnDef& column = table.ById(part.column);
@@ -118,8 +118,8 @@ void RequireParents(SessionCore& session, Catalogue& catalogue, const TableDef& 
     }
 }
 
-/// Gives every row its values of the columns from `first` on, through the writer that knows defaults and what
-/// is computed. `with_default`: the ids of those whose default counts for rows that stand already.
+/// Fills the columns from `first` on in every existing row, by the row writer, which knows defaults and
+/// computed columns. `with_default`: the ids of the columns whose default existing rows get.
 void FillColumns(SessionCore& session, const Target& target, std::size_t first,
                  const std::set<int>& with_default) {
     const std::vector<ColumnDef>& columns = target.table->columns;
@@ -158,8 +158,8 @@ void FillColumns(SessionCore& session, const Target& target, std::size_t first,
     }
 }
 
-/// Puts the statement's columns and constraints into the definition. False where WITH NOCHECK leaves the rows
-/// that are there unchecked.
+/// Puts the statement's columns and constraints into the definition. Returns false if existing rows are not
+/// checked (WITH NOCHECK).
 bool BuildParts(const ast::AlterTableStatement& alter, const TableDef& before, TableBuilder& builder) {
     for (const ast::ColumnDefinition& column : alter.definition.columns) {
         builder.AddColumn(column);
@@ -208,7 +208,7 @@ void AddColumns(SessionCore& session, Catalogue& catalogue, const TableDef& befo
     }
 }
 
-/// The new columns, by id, whose default the rows that are there get.
+/// The ids of the new columns whose default existing rows get.
 std::set<int> ColumnsWithDefault(const ast::AlterTableStatement& alter, const TableDef& after) {
     std::set<int> columns;
     for (const ast::ColumnDefinition& column : alter.definition.columns) {
@@ -386,7 +386,8 @@ void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, 
         update.Bind(1, value, column.type).BindInt(2, row.row_id).Run();
     }
     target.catalogue->UpdateColumn(table->id, column);
-    if (column.nullable != found->nullable) { // A unique index treats nullable columns in a way of its own.
+    if (column.nullable !=
+        found->nullable) { // A unique index handles nullable columns differently, so it is made again.
         const TablePtr after = target.catalogue->LoadTable(table->id);
         for (const IndexDef& index : after->indexes) {
             if (index.unique && IndexUses(index, column.id)) {

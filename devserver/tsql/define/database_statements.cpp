@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 constexpr std::string_view kLogText = "Log file of a database of the development server. The data file holds "
                                       "the whole database, log included.\r\n";
 
-/// What SQLite leaves beside a file while it is open.
+/// The files that SQLite keeps next to an open database file.
 constexpr std::array<std::string_view, 3> kCompanions = {"-wal", "-shm", "-journal"};
 
 bool Same(std::string_view a, std::string_view b) {
@@ -50,7 +50,7 @@ DatabaseInfo RequireDatabase(SessionCore& session, const std::string& name, std:
     return std::move(*info);
 }
 
-/// "20480 KB" of "20MB"; "10%" and "Unlimited" stay.
+/// "20MB" becomes "20480 KB"; "10%" and "Unlimited" stay as they are.
 std::string InKilobytes(const std::string& size, std::string_view fallback) {
     if (size.empty()) {
         return std::string(fallback);
@@ -69,7 +69,7 @@ std::string InKilobytes(const std::string& size, std::string_view fallback) {
     return std::to_string(std::stoll(size) * factor) + " KB";
 }
 
-/// The place of a new file. Raises 5133 where the folder isn't there, 5170 where the file is.
+/// The path of a new file. Raises 5133 if the folder does not exist, 5170 if the file already exists.
 fs::path PlaceOfNewFile(SessionCore& session, const std::string& client_path) {
     const std::optional<fs::path> path = LocalPath(client_path, session.server().options().drives);
     std::error_code error;
@@ -82,7 +82,7 @@ fs::path PlaceOfNewFile(SessionCore& session, const std::string& client_path) {
     return *path;
 }
 
-/// The files that the statement asks for, or the default ones below the root.
+/// The files of the statement, or the default ones below the root.
 std::vector<DatabaseFile> FilesOf(SessionCore& session, const ast::CreateDatabaseStatement& create) {
     const fs::path& root = session.server().options().root;
     std::vector<DatabaseFile> files;
@@ -157,7 +157,7 @@ void RemoveFiles(const std::vector<DatabaseFile>& files) {
     }
 }
 
-/// True for a file that this server has made a database of.
+/// True for a database file of this server.
 bool IsDatabaseFile(const fs::path& path) {
     std::error_code error;
     if (!fs::is_regular_file(path, error)) {
@@ -174,7 +174,7 @@ bool IsDatabaseFile(const fs::path& path) {
 
 enum class Others : std::uint8_t { Refuse, ThrowOut };
 
-/// Keeps other sessions out of a database while it changes. Raises `refusal` where one is in and stays.
+/// Keeps other sessions out of a database while it changes. Raises `refusal` if another session uses it.
 class Exclusive {
   public:
     Exclusive(SessionCore& session, int database, Others others, const SqlError& refusal)
@@ -194,7 +194,8 @@ class Exclusive {
     int database_;
 };
 
-/// The session itself lets go of a database that is to be taken away. Raises `refusal` for its current one.
+/// Releases the session's own use of a database that will be removed. Raises `refusal` if it is the current
+/// one.
 void LetGo(SessionCore& session, const DatabaseInfo& info, const SqlError& refusal) {
     if (Same(session.databases().CurrentName(), info.name) || Same(session.databases().own(), info.name)) {
         throw refusal;
@@ -202,8 +203,8 @@ void LetGo(SessionCore& session, const DatabaseInfo& info, const SqlError& refus
     session.databases().Release(info.name);
 }
 
-/// Brings the write-ahead log back into the file, which the last one to close it does. Two sessions that
-/// close it at the same moment both leave it.
+/// Brings the write-ahead log back into the file. SQLite does that when the last connection closes, but not
+/// when two close at the same moment.
 void SettleFile(const DatabaseInfo& info) {
     if (std::error_code error; fs::exists(info.DataFile().path, error)) {
         SqliteConnection last(info.DataFile().path);
@@ -211,7 +212,7 @@ void SettleFile(const DatabaseInfo& info) {
     }
 }
 
-/// What is published can't go. Raises 3724.
+/// Raises 3724 for a published database.
 void RequireUnpublished(const DatabaseInfo& info, std::string_view verb) {
     if (info.Option("PUBLISHED") || info.Option("DISTRIBUTOR")) {
         RaiseError(3724, {verb, "database", info.name});
@@ -302,7 +303,7 @@ void DetachDatabase(SessionCore& session, const std::string& name) {
 
 namespace {
 
-/// A file of a database that is there already is not even opened. Raises 5104.
+/// Raises 5104 for a file of an existing database, before it is opened.
 void RequireFree(SessionCore& session, const fs::path& path, const std::string& client_path) {
     std::error_code error;
     for (const DatabaseInfo& other : ListDatabases(session.connection())) {
@@ -352,7 +353,7 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
         RaiseError(1813, {name});
     }
     RestoreFileNames(info);
-    if (info.files.size() == 1) { // As SQL Server makes a new log where none is given.
+    if (info.files.size() == 1) { // SQL Server makes a new log if none is given.
         DatabaseFile log = info.files[0];
         log.id = 2;
         log.log = true;
@@ -437,7 +438,7 @@ void AddFiles(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseS
     UpdateDatabase(session.connection(), info);
 }
 
-/// Options that are kept and shown; those of access have their effect too.
+/// Sets an option. Options are stored and shown; only those of access have an effect.
 constexpr std::array<std::string_view, 31> kOptions = {"RECOVERY",
                                                        "AUTO_SHRINK",
                                                        "AUTO_CLOSE",
@@ -470,7 +471,7 @@ constexpr std::array<std::string_view, 31> kOptions = {"RECOVERY",
                                                        "DELAYED_DURABILITY",
                                                        "MIXED_PAGE_ALLOCATION"};
 
-/// An offline database is in nobody's hands, and its files may be copied.
+/// No session uses an offline database, so its files can be copied.
 void SetOffline(SessionCore& session, const DatabaseInfo& info, bool offline, Others others) {
     if (!offline) {
         StoreOption(session.connection(), info.id, "OFFLINE", "OFF");
@@ -523,7 +524,7 @@ void SetDatabaseOption(SessionCore& session, const std::string& database, const 
         return;
     }
     if (option == "READ_WRITE" || (option == "FILESTREAM" && value == "OFF")) {
-        return; // That is how every database is.
+        return; // Every database is read-write.
     }
     if (option == "COLLATE" || std::find(kOptions.begin(), kOptions.end(), option) != kOptions.end()) {
         StoreOption(session.connection(), info.id, option, value);

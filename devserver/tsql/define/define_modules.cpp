@@ -1,4 +1,4 @@
-// Procedures, functions and views, user types, and DROP of whatever stands in a database.
+// Procedures, functions and views, user types, and DROP of any object.
 #include <algorithm>
 #include <array>
 
@@ -64,7 +64,7 @@ std::vector<ColumnDef> ViewColumns(const std::vector<Column>& columns) {
 template <class Node, class... Others>
 constexpr bool IsOneOf = (std::is_same_v<Node, Others> || ...);
 
-/// A function computes and changes nothing: raises 443 and 444 for a statement that would.
+/// Raises 443 and 444 for a statement that changes or returns something, which a function must not.
 void RequirePure(const ast::Statement& statement) {
     std::visit(
         Overloaded{

@@ -1,4 +1,4 @@
-// CREATE TABLE and its kin.
+// CREATE TABLE, SELECT … INTO and table variables.
 #include <algorithm>
 #include <array>
 
@@ -23,7 +23,7 @@ OnChange ToOnChange(ast::ReferentialAction action) {
     return static_cast<OnChange>(action);
 }
 
-/// PRIMARY KEY first: what other constraints say of its columns depends on it.
+/// PRIMARY KEY first, because it makes its columns NOT NULL.
 std::vector<const ast::Constraint*> Ordered(const std::vector<ast::Constraint>& constraints) {
     std::vector<const ast::Constraint*> ordered;
     for (const bool primary : {true, false}) {
@@ -207,7 +207,7 @@ void TableBuilder::AddKey(const ast::Constraint& constraint, const std::string& 
             if (constraint.clustering_given) {
                 RaiseError(8112, {table_.name});
             }
-            index.clustered = false; // A primary key is clustered only where nothing else is.
+            index.clustered = false; // A primary key is clustered unless another index is.
         }
         highest = std::max(highest, other.id);
     }
@@ -219,7 +219,7 @@ void TableBuilder::AddKey(const ast::Constraint& constraint, const std::string& 
     for (const ast::IndexColumn& key : columns) {
         ColumnDef& definition = Column(key.name, 1911);
         if (primary && definition.nullable) {
-            // What the definition leaves open, a primary key makes NOT NULL.
+            // A column without NULL or NOT NULL becomes NOT NULL by a primary key.
             definition.nullable = false;
         }
         if (IsOldLob(definition.type.id) || definition.type.length == kMaxLength) {
@@ -267,7 +267,7 @@ TablePtr TableBuilder::Referenced(const ast::Constraint& constraint, const std::
 
 void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::string& column) {
     if (catalogue_ == nullptr) {
-        return; // Temporary tables take foreign keys without keeping them, as SQL Server does.
+        return; // SQL Server ignores foreign keys of temporary tables too.
     }
     ForeignKeyDef key;
     key.name = constraint.name.empty() ? MadeName("FK", column) : constraint.name;
@@ -289,7 +289,7 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
     foreign_keys_.push_back(std::move(key));
 }
 
-/// The columns that the constraint names on both sides. A constraint of a column means that column.
+/// Finds the columns on both sides. A constraint without a list of columns is for the column that it follows.
 void TableBuilder::FindKeyColumns(const ast::Constraint& constraint, const std::string& column,
                                   const TableDef& referenced, ForeignKeyDef& key) const {
     std::vector<ast::IndexColumn> columns = constraint.columns;

@@ -1,5 +1,5 @@
-// Runs the statements that define what stands inside a database: tables, indexes, views, procedures, types,
-// users, roles, rights.
+// Runs the statements that define databases and the objects in them: tables, indexes, views, procedures,
+// types, users, roles, rights.
 #pragma once
 
 #include "devserver/tsql/bind/binder.h"
@@ -10,9 +10,9 @@ namespace devsql {
 
 // ---- tables (define_tables.cpp)
 void RunCreateTable(SessionCore& session, const ast::CreateTableStatement& create);
-/// The table of SELECT … INTO.
+/// Creates the table of SELECT … INTO.
 void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vector<Column>& columns);
-/// A table variable of the running frame.
+/// Creates a table variable of the running batch or procedure.
 void DeclareTable(SessionCore& session, const std::string& name, const ast::TableDefinition& definition);
 
 /// Builds the definition of one table from its parts, for a new table and for one that is altered.
@@ -25,7 +25,7 @@ class TableBuilder {
     void AddConstraint(const ast::Constraint& constraint, const std::string& column);
     TableDef& table() { return table_; }
     const std::vector<ForeignKeyDef>& foreign_keys() const { return foreign_keys_; }
-    /// "PK__Batches__4F7CD00D": a name that the server makes.
+    /// A generated name: "PK__Batches__4F7CD00D".
     std::string MadeName(std::string_view prefix, std::string_view column = "") const;
 
   private:
@@ -68,7 +68,7 @@ void RunGrant(SessionCore& session, const ast::GrantStatement& grant);
 void RunCreatePrincipal(SessionCore& session, const ast::CreatePrincipalStatement& create);
 void RunAlterRole(SessionCore& session, const ast::AlterRoleStatement& alter);
 void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string& name, bool if_exists);
-/// Each raises what its procedure does: 15007, 15023, 15025, 15401, 15410, ...
+/// Each raises the errors of its procedure: 15007, 15023, 15025, 15401, 15410, ...
 void AddLogin(SessionCore& session, const std::string& name, const std::string& password,
               const std::string& database);
 void AddUser(SessionCore& session, const std::string& login, const std::string& name);

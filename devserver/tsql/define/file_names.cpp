@@ -10,7 +10,7 @@ namespace {
 
 struct KeptFile {
     std::string name;
-    std::string file; ///< its name on the disk, without folder
+    std::string file; ///< its name on disk, without the folder
     std::string group;
     bool log = false;
 };
@@ -55,7 +55,7 @@ void RestoreFileNames(DatabaseInfo& database) {
             return CompareText(candidate.file, NameOnDisk(file)) == 0;
         });
         if (found == kept.end() && i < kept.size() && kept.size() == database.files.size()) {
-            found = kept.begin() + static_cast<std::ptrdiff_t>(i); // A copy may be called otherwise.
+            found = kept.begin() + static_cast<std::ptrdiff_t>(i); // A copied file may have another name.
         }
         if (found != kept.end()) {
             file.name = found->name;

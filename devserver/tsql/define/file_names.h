@@ -1,5 +1,5 @@
-// The logical names of a database's files go with its data file when it is detached, and come back when it
-// is attached, wherever that is.
+// Stores the logical names of a database's files in its data file when it is detached, so that they are
+// restored when it is attached anywhere.
 #pragma once
 
 #include "devserver/storage/databases.h"
@@ -9,7 +9,7 @@ namespace devsql {
 /// Writes them into the data file; nobody else may have it open.
 void KeepFileNames(const DatabaseInfo& database);
 /// Gives the files of a database that is being attached the names, kinds and file groups that they had.
-/// `database.files` are in the order in which they were named; the first is the data file.
+/// `database.files` are in the order of the statement; the first one is the data file.
 void RestoreFileNames(DatabaseInfo& database);
 
 } // namespace devsql

@@ -1,5 +1,5 @@
-// Logins, users, roles, schemas and rights. They are kept and shown; every login may do everything, since a
-// development server has nobody to be kept out once he is in.
+// Logins, users, roles, schemas and rights. Rights are stored and shown but not enforced: every login may do
+// everything.
 #include <algorithm>
 #include <array>
 
@@ -29,7 +29,7 @@ void AddPrincipal(SessionCore& session, const std::string& name, const std::stri
         if (FindPrincipal(catalogue, name)) {
             RaiseError(15023, {name});
         }
-        // Users from 5 up, roles of one's own from 16400, as the ids of SQL Server lie.
+        // As in SQL Server, the ids of users begin at 5 and those of new roles at 16400.
         catalogue
             .Prepare("INSERT INTO {db}.devsql_users SELECT max(max(id), ?4) + 1, ?1, ?2, ?3, "
                      "CAST((julianday('now', 'localtime') - 2415020.5) * 25920000 AS INTEGER) "
@@ -42,7 +42,7 @@ void AddPrincipal(SessionCore& session, const std::string& name, const std::stri
     });
 }
 
-/// What GRANT knows.
+/// The permissions that GRANT accepts.
 constexpr std::array<std::string_view, 24> kPermissions = {"ALL",
                                                            "ALL PRIVILEGES",
                                                            "SELECT",

@@ -1,5 +1,5 @@
-// What the nodes of the tree that own others need to be moved and destroyed. It stands here once: as inline
-// functions, every source file that touches a node would compile the destructors of all of them.
+// Moving and destroying the nodes of the tree that own others. As inline functions, every source file that
+// uses a node would compile the destructors of all of them.
 #include "devserver/tsql/parse/ast.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-// The tree of T-SQL as the parser builds it: names unresolved, no types but those written down. Here are
-// the statements; what they consist of stands in the two headers below.
-// Knows nothing of catalogue and execution.
+// The tree of T-SQL as the parser builds it: names are not resolved, and only types that are written down are
+// known. This header has the statements; ast_query.h has names, expressions and queries, ast_definitions.h
+// the statements that define objects. Knows nothing of catalogue and execution.
 #pragma once
 
 #include <cstdint>
@@ -73,11 +73,11 @@ struct RaiserrorStatement {
     ExprPtr state;
     std::vector<ExprPtr> arguments;
     bool set_error = false;
-    bool log = false;     ///< WITH LOG: what a severity above 18 wants
+    bool log = false;     ///< WITH LOG: required for a severity above 18
     bool no_wait = false; ///< WITH NOWAIT: goes to the client at once
 };
 struct ThrowStatement {
-    ExprPtr number; ///< null: THROW alone
+    ExprPtr number; ///< null for THROW without arguments
     ExprPtr message;
     ExprPtr state;
 };
@@ -130,7 +130,7 @@ struct InsertStatement {
     std::optional<Top> top;
     std::vector<OutputClause> outputs;
 };
-/// INSERT BULK: what a client says before it sends rows, whose types it tells with them.
+/// INSERT BULK: a client sends it before the rows of a bulk load. The rows bring their own types.
 struct InsertBulkStatement {
     Name table;
     std::vector<std::string> columns;
@@ -170,7 +170,7 @@ struct TruncateStatement {
 
 struct CursorDeclareStatement {
     std::string name;             ///< a cursor variable has its "@"
-    std::shared_ptr<Query> query; ///< outlives its batch with a global cursor
+    std::shared_ptr<Query> query; ///< shared, because a global cursor outlives its batch
     bool scroll = false;
     bool local = false;
     bool read_only = false;
@@ -190,11 +190,11 @@ struct FetchStatement {
 
 // ------------------------------------------------------------------ the server
 
-/// A statement that succeeds and changes nothing here: CHECKPOINT, UPDATE STATISTICS, DBCC of a kind listed
-/// in the documentation.
+/// A statement that succeeds without any effect on this server: CHECKPOINT, UPDATE STATISTICS, the kinds of
+/// DBCC that devserver/docs lists.
 struct MaintenanceStatement {
     std::string name;
-    bool tells = false; ///< says that it is done (2528)
+    bool tells = false; ///< sends the message 2528 when it is done
 };
 /// DBCC CHECKIDENT ('table' [, RESEED [, value] | NORESEED])
 struct CheckIdentityStatement {

@@ -1,5 +1,5 @@
-// The tree of T-SQL, what defines: tables, indexes, modules, databases, principals and their rights.
-// Knows nothing of how any of them is kept.
+// The tree of T-SQL, the statements that define: tables, indexes, modules, databases, principals and their
+// rights. Knows nothing of how they are stored.
 #pragma once
 
 #include <cstdint>
@@ -39,7 +39,7 @@ struct Constraint {
     ReferentialAction on_update = ReferentialAction::NoAction;
     std::string text; ///< CHECK and DEFAULT: the expression as written, in parentheses
     bool with_check = true;
-    bool with_values = false; ///< DEFAULT … WITH VALUES: also for the rows that a new column finds
+    bool with_values = false; ///< DEFAULT … WITH VALUES: existing rows get it too when the column is new
 };
 
 struct Identity {
@@ -129,7 +129,7 @@ struct CreateModuleStatement {
     bool alter = false;
     bool or_alter = false;
     Name name;
-    std::vector<Parameter> parameters; ///< of a function, last and without a name, what it returns
+    std::vector<Parameter> parameters; ///< of a function, the last one is its result and has no name
     std::vector<std::string> columns;  ///< of a view
     bool encrypted = false;
     bool recompile = false;

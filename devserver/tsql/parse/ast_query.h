@@ -22,7 +22,7 @@ struct Name {
 
     bool empty() const { return parts.empty(); }
     const std::string& last() const { return parts.back(); }
-    /// As written, joined with points.
+    /// As written, with points between the parts.
     std::string text() const;
 };
 
@@ -198,7 +198,7 @@ struct TableSource {
 struct Top {
     ExprPtr count;
     bool percent = false;
-    bool ties = false; ///< WITH TIES: also the rows that ORDER BY can't tell from the last
+    bool ties = false; ///< WITH TIES: also the rows that are equal to the last one by ORDER BY
 };
 
 /// GROUP BY … WITH ROLLUP: also each shorter list of the keys from the left; WITH CUBE: each choice of keys.

@@ -1,4 +1,4 @@
-// The lexer.
+// Splits T-SQL text into tokens; see lexer.h.
 #include "devserver/tsql/parse/lexer.h"
 
 #include <array>
@@ -55,7 +55,7 @@ class Lexer {
         }
     }
 
-    /// Where the token that is being read begins.
+    /// The position at which the current token begins.
     std::int32_t line() const { return begin_line_; }
 
   private:
@@ -80,7 +80,7 @@ class Lexer {
             if (IsBlank(At()) || (At() == '\0' && position_ < source_.size())) {
                 Advance();
             } else if (At() == '\xC2' && At(1) == '\xA0') {
-                Advance(2); // A no-break space, as text copied from documents has it.
+                Advance(2); // A no-break space, which text copied from documents contains.
             } else if (At() == '-' && At(1) == '-') {
                 while (position_ < source_.size() && At() != '\n') {
                     Advance();
@@ -137,7 +137,7 @@ class Lexer {
         }
     }
 
-    /// From the opening quotation mark to the closing one, which a doubled one is not.
+    /// Reads from the opening quotation mark to the closing one. A doubled mark is a part of the text.
     std::string Quoted(char close) {
         Advance();
         std::string text;

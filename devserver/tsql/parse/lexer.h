@@ -1,4 +1,4 @@
-// Cuts T-SQL text (UTF-8) into tokens. Knows comments, brackets, both quotes and every form of literal;
+// Splits T-SQL text (UTF-8) into tokens. Knows comments, brackets, both quotes and every form of literal;
 // knows nothing of grammar, types or names.
 #pragma once
 
@@ -13,7 +13,7 @@ namespace devsql {
 enum class TokenKind : std::uint8_t {
     Word,          ///< identifier or keyword, unquoted; also #temp and ##temp
     Bracketed,     ///< [identifier]
-    DoubleQuoted,  ///< "…": an identifier or a string, as SET QUOTED_IDENTIFIER has it
+    DoubleQuoted,  ///< "…": an identifier or a string, by SET QUOTED_IDENTIFIER
     Variable,      ///< @name and @@name
     String,        ///< '…'
     UnicodeString, ///< N'…'
@@ -28,7 +28,7 @@ enum class TokenKind : std::uint8_t {
 
 struct Token {
     TokenKind kind = TokenKind::End;
-    std::string text; ///< the content without quotes, doubled quotes undone; for numbers the digits
+    std::string text; ///< the content without quotes, with doubled quotes made single; for numbers the digits
     std::int32_t line = 1;
     std::size_t begin = 0; ///< bytes in the source
     std::size_t end = 0;

@@ -1,5 +1,4 @@
-// Errors that know where they happened: at a line, which lexer and parser tell, or in the call of a
-// procedure.
+// Errors with the place where they happened: a line of the source, or the call of a procedure.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +20,7 @@ class LocatedError : public SqlError {
     std::int32_t line_;
 };
 
-/// An error of a procedure's arguments: told in the procedure's name, before its first line.
+/// An error of a procedure's arguments. It is reported with the procedure's name and line 0.
 class CallError : public SqlError {
   public:
     CallError(const SqlError& error, std::string procedure)

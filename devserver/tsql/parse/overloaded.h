@@ -1,4 +1,4 @@
-// A visitor of a variant, made of one function for each alternative.
+// A visitor for std::visit, made of one function for each alternative.
 #pragma once
 
 namespace devsql {

@@ -1,5 +1,5 @@
-// Builds the tree of a batch. Names are not resolved; what can be said without a catalogue is said here:
-// syntax, undeclared variables, options that don't exist.
+// Builds the tree of a batch. Names are not resolved. Errors that need no catalogue are found here: syntax,
+// undeclared variables, options that don't exist.
 #pragma once
 
 #include <string>
@@ -29,13 +29,13 @@ Batch ParseBatch(std::string_view sql, const ParseOptions& options = {});
 ast::CreateModuleStatement ParseModule(std::string_view sql, bool quoted_identifier);
 /// The expression of a default, a check or a computed column.
 ast::ExprPtr ParseExpression(std::string_view text, bool quoted_identifier = true);
-/// A name as it stands in an argument: N'dbo.[My Table]'. Empty if it is none.
+/// A name inside an argument: N'dbo.[My Table]'. Empty if the text is no name.
 ast::Name ParseName(std::string_view text);
-/// A type as it stands in an argument: 'decimal(10, 2)'.
+/// A type inside an argument: 'decimal(10, 2)'.
 ast::TypeSpec ParseTypeSpec(std::string_view text);
 /// "@a int, @b nvarchar(20) OUTPUT": the parameters of sp_executesql.
 std::vector<ast::Parameter> ParseParameters(std::string_view text);
-/// True for the reserved words of the language, without regard to case.
+/// True for the reserved words of the language, in any case.
 bool IsReservedWord(std::string_view word);
 
 } // namespace devsql

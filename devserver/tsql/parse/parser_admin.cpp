@@ -286,7 +286,7 @@ StatementPtr Parser::ParseGrant(GrantAction action) {
         grant.grantees.push_back(TakeWord("PUBLIC") ? "public" : TakeName());
     } while (TakeSymbol(","));
     grant.grant_option = TakeWords({"WITH", "GRANT", "OPTION"});
-    if (TakeWord("AS")) { // In whose name: rights are kept, not enforced.
+    if (TakeWord("AS")) { // The grantor is skipped: rights are kept, not enforced.
         TakeName();
     }
     TakeWord("CASCADE");

@@ -1,4 +1,4 @@
-// EXECUTE, messages, waiting, transactions, and the statements that only look after the server.
+// EXECUTE, messages, waiting, transactions, and the statements that maintain a server.
 #include <algorithm>
 #include <array>
 
@@ -96,7 +96,7 @@ StatementPtr Parser::ParseRaiserror() {
     RaiserrorStatement raise;
     const bool parenthesis = TakeSymbol("(");
     raise.message = ParseValue();
-    if (!parenthesis) { // RAISERROR 50001 'text', of the oldest scripts
+    if (!parenthesis) { // RAISERROR 50001 'text', an old form
         TakeSymbol(",");
         raise.arguments.push_back(ParseValue());
         return Wrap(std::move(raise));
@@ -240,7 +240,7 @@ StatementPtr Parser::ParseMaintenance() {
     return nullptr;
 }
 
-/// DUMP TRANSACTION x WITH NO_LOG, BACKUP LOG x WITH TRUNCATE_ONLY: there is nothing to cut off the log here.
+/// DUMP TRANSACTION x WITH NO_LOG, BACKUP LOG x WITH TRUNCATE_ONLY: there is no log to truncate here.
 StatementPtr Parser::ParseLogTruncation() {
     const bool log = (IsWord("DUMP") || IsWord("BACKUP")) &&
                      (IsWord("TRAN", 1) || IsWord("TRANSACTION", 1) || IsWord("LOG", 1));
@@ -279,7 +279,7 @@ StatementPtr Parser::ParseCheckIdentity() {
     return Wrap(std::move(check));
 }
 
-/// "(…)" with whatever stands in it, if it stands there.
+/// Skips a list in parentheses, if one follows.
 void Parser::SkipParenthesized() {
     if (!TakeSymbol("(")) {
         return;
@@ -340,7 +340,7 @@ StatementPtr Parser::ParseDbcc() {
     if (name == "CHECKIDENT") {
         return ParseCheckIdentity();
     }
-    // These tidy or check what this server has no need to tidy and checks by itself.
+    // These reorganise or check what needs neither on this server.
     constexpr std::array<std::string_view, 14> kAccepted = {
         "CHECKDB",         "CHECKTABLE",       "CHECKALLOC",  "CHECKCATALOG", "SHRINKDATABASE",
         "SHRINKFILE",      "DBREINDEX",        "INDEXDEFRAG", "UPDATEUSAGE",  "FREEPROCCACHE",

@@ -22,7 +22,7 @@ InsertStatement Parser::ParseInsert() {
     if (IsSymbol("(") && !BeginsQuery(1) && !IsWord("SELECT", 1)) {
         ExpectSymbol("(");
         do {
-            // "t.c" names the column c as well.
+            // "t.c" is accepted for the column c.
             insert.columns.push_back(TakeObjectName().last());
         } while (TakeSymbol(","));
         ExpectSymbol(")");
@@ -33,7 +33,7 @@ InsertStatement Parser::ParseInsert() {
 }
 
 /// INSERT BULK t (a int, b varchar(10) COLLATE c) WITH (TABLOCK, ROWS_PER_BATCH = 100). The declared types
-/// count for nothing: the rows bring theirs.
+/// are ignored: the rows bring their own.
 InsertBulkStatement Parser::ParseInsertBulk() {
     InsertBulkStatement bulk;
     ExpectWord("INSERT");
@@ -64,7 +64,7 @@ void Parser::ParseBulkOptions(InsertBulkStatement& bulk) {
             bulk.check_constraints = true;
         } else if (TakeWord("KEEP_NULLS")) {
             bulk.keep_nulls = true;
-        } else if (TakeWord("ORDER")) { // The rest asks for a way, or for triggers, which there are not.
+        } else if (TakeWord("ORDER")) { // The other options affect neither the rows nor their checks.
             SkipParenthesized();
         } else if (TakeWord("ROWS_PER_BATCH") || TakeWord("KILOBYTES_PER_BATCH")) {
             ExpectSymbol("=");

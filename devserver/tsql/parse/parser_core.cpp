@@ -1,4 +1,4 @@
-// The parser's dealings with tokens, names, types and errors, and its entries.
+// The parser's entries, and its handling of tokens, names, types and errors.
 #include <algorithm>
 #include <array>
 
@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kDeepest = 250;
 
-/// Sorted. The reserved words of SQL Server 2000, which its successors kept.
+/// The reserved words of SQL Server 2000, which later versions kept. Sorted.
 constexpr std::array<std::string_view, 174> kReservedWords = {"ADD",
                                                               "ALL",
                                                               "ALTER",
@@ -325,7 +325,7 @@ void Parser::SyntaxError() const {
 }
 
 void Parser::Fail(std::int32_t number, std::initializer_list<std::string_view> arguments) const {
-    constexpr std::int32_t kUndeclared = 137; // The one error here whose state isn't 1.
+    constexpr std::int32_t kUndeclared = 137; // Its state is 2, that of all others is 1.
     throw LocatedError(ErrorOf(number, arguments, number == kUndeclared ? 2 : 1), Peek().line);
 }
 
@@ -377,7 +377,7 @@ ast::Name Parser::TakeObjectName() {
         while (TakeSymbol(".")) {
             name.parts.emplace_back();
         }
-        // Behind a point even a reserved word can't be anything but a name.
+        // After a point, a reserved word is a name too.
         name.parts.push_back(Peek().kind == TokenKind::Word ? Take().text : TakeName());
     }
     if (name.parts.size() > 4) {
@@ -414,7 +414,7 @@ std::size_t Parser::PreviousEnd() const {
 }
 
 namespace {
-/// What stands in the parentheses behind a type's name.
+/// The parentheses after a type's name, with length, precision and scale.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 8> kTwoWordTypes = {{
     {"double", "precision"},
     {"char", "varying"},
@@ -469,7 +469,7 @@ Batch Parser::ParseWholeBatch() {
     while (TakeSymbol(";")) {
     }
     if (!AtEnd() && IsName() && !IsSymbol(":", 1) &&
-        !BeginsStatementOfNames()) { // A procedure's name alone begins a batch.
+        !BeginsStatementOfNames()) { // At the beginning of a batch, a procedure's name alone is a call.
         const std::int32_t line = Peek().line;
         batch.statements.push_back(Wrap(ParseProcedureCall()));
         batch.statements.back()->line = line;

@@ -1,4 +1,4 @@
-// CREATE, ALTER and DROP of what stands inside a database.
+// CREATE, ALTER and DROP of the objects in a database.
 #include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
@@ -158,7 +158,7 @@ TableDefinition Parser::ParseTableDefinition() {
     ExpectSymbol("(");
     do {
         if (IsSymbol(")")) {
-            break; // A comma behind the last column is let through, as SQL Server does.
+            break; // SQL Server accepts a comma after the last column too.
         }
         if (IsWord("CONSTRAINT") || IsWord("PRIMARY") || IsWord("UNIQUE") || IsWord("FOREIGN") ||
             IsWord("CHECK")) {
@@ -188,7 +188,7 @@ ColumnDefinition Parser::ParseColumn() {
     }
     if (AsciiEqual(column.name, "timestamp") &&
         (IsSymbol(",") || IsSymbol(")") || IsWord("NOT") || IsWord("NULL"))) {
-        column.type.name.parts = {"timestamp"}; // The one type that may stand without a column's name.
+        column.type.name.parts = {"timestamp"}; // timestamp may be written without a column's name.
     } else {
         column.type = ParseType();
     }
@@ -211,7 +211,7 @@ bool Parser::ParseColumnOption(ColumnDefinition& column) {
             ExpectSymbol(")");
         }
     } else if (TakeWords({"NOT", "FOR", "REPLICATION"})) {
-        // No agent of a replication writes here, so there is nobody to make the exception for.
+        // No replication agent writes to this server, so the clause has no effect.
     } else if (TakeWord("ROWGUIDCOL")) {
         column.row_guid = true;
     } else if (TakeWord("COLLATE")) {
@@ -336,7 +336,7 @@ std::vector<std::string> Parser::ParseNameList() {
     return names;
 }
 
-/// WITH FILLFACTOR = 90 and WITH (PAD_INDEX = OFF, …): how pages are filled is SQLite's business.
+/// WITH FILLFACTOR = 90 and WITH (PAD_INDEX = OFF, …): SQLite itself decides how pages are filled.
 void Parser::SkipIndexOptions() {
     if (!IsWord("WITH") || IsWord("VALUES", 1)) {
         return;

@@ -44,7 +44,7 @@ constexpr OperatorSymbol kAdditive[] = {{"+", BinaryOperator::Add},
 constexpr OperatorSymbol kMultiplicative[] = {
     {"*", BinaryOperator::Multiply}, {"/", BinaryOperator::Divide}, {"%", BinaryOperator::Modulo}};
 
-/// Reserved words that are called as functions, or are values without parentheses.
+/// Reserved words that are called as functions, or used as values without parentheses.
 constexpr std::string_view kFunctionWords[] = {"LEFT",   "RIGHT", "COALESCE", "NULLIF",
                                                "UPDATE", "USER",  "IDENTITY"};
 constexpr std::string_view kBareFunctions[] = {"CURRENT_TIMESTAMP", "CURRENT_USER", "SESSION_USER",
@@ -89,7 +89,7 @@ ast::ExprPtr Parser::ParseCondition() {
 ast::ExprPtr Parser::ParseValue() {
     const std::size_t start = next_;
     ast::ExprPtr expr = ParseExpr();
-    if (IsPredicate(*expr)) { // A condition is no value in this language: complain at its operator.
+    if (IsPredicate(*expr)) { // In T-SQL a condition is no value: report its operator.
         next_ = start + 1;
         SyntaxError();
     }
@@ -265,7 +265,7 @@ ast::ExprPtr Parser::ParseUnary() {
 ast::ExprPtr Parser::ParsePostfix() {
     ast::ExprPtr expr = ParsePrimary();
     while (TakeWord("COLLATE")) {
-        // One collation serves all; the name is taken note of and has no effect on a single expression.
+        // All text has one collation, so COLLATE has no effect on an expression.
         if (!IsName()) {
             SyntaxError();
         }
@@ -332,8 +332,8 @@ ast::ExprPtr Parser::ParseLiteral() {
     return Make(ast::LiteralExpr{literal.type, std::move(literal.value)});
 }
 
-/// A parenthesis may open a query of its own or only the first operand of one: what stands behind its end
-/// tells "((SELECT 1) UNION (SELECT 2))" from "((SELECT 1) + 2)".
+/// A parenthesis may contain a whole query or only its first operand. The token after its end decides:
+/// "((SELECT 1) UNION (SELECT 2))" is a query, "((SELECT 1) + 2)" is a sum.
 bool Parser::BeginsQuery(std::size_t ahead) const {
     std::size_t first = next_ + ahead;
     while (closing_[std::min(first, closing_.size() - 1)] != 0) {
@@ -380,7 +380,8 @@ ast::ExprPtr Parser::ParseNamed() {
         if (IsWord("CONVERT") || IsWord("TRY_CONVERT")) {
             return ParseConvert(AsciiEqual(Take().text, "TRY_CONVERT"));
         }
-        if (IsWord("STRING_AGG")) { // Refused here, before what may follow it: WITHIN GROUP (...).
+        if (IsWord(
+                "STRING_AGG")) { // Refused here, because WITHIN GROUP (...) after it would be a syntax error.
             Unsupported("STRING_AGG");
         }
         if (!IsReservedWord(token.text) || Contains(kFunctionWords, token)) {
@@ -486,7 +487,7 @@ ast::Over Parser::ParseOver() {
     return over;
 }
 
-/// {d '2000-01-31'}, {t '12:00:00'}, {ts '…'}, {fn now()}: what ODBC drivers pass on.
+/// {d '2000-01-31'}, {t '12:00:00'}, {ts '…'}, {fn now()}: the escapes that ODBC drivers pass on.
 ast::ExprPtr Parser::ParseOdbcEscape() {
     ExpectSymbol("{");
     ast::ExprPtr expr;

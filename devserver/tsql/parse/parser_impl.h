@@ -1,4 +1,4 @@
-// The parser's class, spread over parser_*.cpp by subject. For those files alone.
+// The parser's class. Its functions are in parser_*.cpp, by subject; only those files include this header.
 #pragma once
 
 #include <initializer_list>
@@ -26,7 +26,7 @@ class Parser {
     std::vector<ast::Parameter> ParseWholeParameters();
 
   private:
-    /// Counts nesting, so that hostile text ends in error 191 and not in a full stack.
+    /// Counts nesting, so that a hostile text fails with error 191 and does not overflow the stack.
     class Depth {
       public:
         explicit Depth(Parser& parser);
@@ -50,7 +50,7 @@ class Parser {
     bool TakeSymbol(std::string_view symbol);
     void ExpectWord(std::string_view word);
     void ExpectSymbol(std::string_view symbol);
-    /// The index of the word in `words` that stands here, which is taken; -1 if none does.
+    /// Takes the next token if it is one of `words`, and returns its index; otherwise -1.
     int TakeOneOf(std::initializer_list<std::string_view> words);
     void FindClosings();
     [[noreturn]] void SyntaxError() const;
@@ -121,7 +121,7 @@ class Parser {
     ast::QueryPtr ParseValues();
     bool ParseJoinKind(ast::JoinKind& kind);
     void SkipTableHints();
-    /// OPTION (…), and what it says of MAXRECURSION.
+    /// OPTION (…), of which MAXRECURSION is kept.
     std::int64_t SkipQueryOptions();
     std::vector<ast::OrderItem> ParseOrderBy();
     void ParseOffset(ast::Query& query);
@@ -222,7 +222,7 @@ class Parser {
 
     std::string_view source_;
     std::vector<Token> tokens_;
-    /// For each "(" where its ")" stands; 0 for other tokens, and for one that is never closed.
+    /// For each "(" the position of its ")"; 0 for other tokens and for a parenthesis that is never closed.
     std::vector<std::size_t> closing_;
     std::size_t next_ = 0;
     bool quoted_identifier_;

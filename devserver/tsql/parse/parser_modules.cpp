@@ -1,4 +1,4 @@
-// CREATE and ALTER of procedures, functions and views, each of which is a batch of its own.
+// CREATE and ALTER of procedures, functions and views, each of which must be alone in its batch.
 #include "devserver/tsql/parse/parser_impl.h"
 
 namespace devsql {
@@ -53,7 +53,7 @@ CreateModuleStatement Parser::ParseProcedureModule() {
         } while (TakeSymbol(","));
     }
     if (TakeWords({"FOR", "REPLICATION"})) {
-        // Such a procedure runs like any other here: there is no replication that would pick it out.
+        // FOR REPLICATION has no effect: the procedure runs like any other.
     }
     ExpectWord("AS");
     module.body = ParseStatementsUntilEnd();
@@ -101,7 +101,7 @@ CreateModuleStatement Parser::ParseFunctionModule() {
     return module;
 }
 
-/// WITH EXECUTE AS CALLER, OWNER or SELF: every login may do everything, so that it is all one.
+/// WITH EXECUTE AS CALLER, OWNER or SELF: no effect, because every login may do everything.
 void Parser::ParseExecuteAs() {
     if (!(IsWord("EXECUTE") || IsWord("EXEC")) || !IsWord("AS", 1) ||
         !(IsWord("CALLER", 2) || IsWord("OWNER", 2) || IsWord("SELF", 2))) {

@@ -9,7 +9,7 @@ namespace devsql {
 using namespace ast;
 
 namespace {
-/// Hints that ask for a way of reading or locking, not for a result: this server's own way serves.
+/// Hints about reading and locking. They don't change a result, so they have no effect here.
 constexpr std::array<std::string_view, 19> kTableHints = {
     "NOLOCK",   "READUNCOMMITTED", "READCOMMITTED", "REPEATABLEREAD",   "SERIALIZABLE",
     "HOLDLOCK", "UPDLOCK",         "XLOCK",         "ROWLOCK",          "PAGLOCK",
@@ -44,7 +44,7 @@ QueryPtr Parser::ParseQuery() {
         Unsupported("COMPUTE");
     }
     if (TakeWord("FOR")) {
-        if (!TakeWord("BROWSE")) { // Adds key columns that no client here asks for.
+        if (!TakeWord("BROWSE")) { // FOR BROWSE would add key columns; it is not supported.
             Unsupported("FOR " + AsciiUpper(Peek().text));
         }
     }
@@ -232,7 +232,7 @@ std::vector<TableSourcePtr> Parser::ParseFrom() {
 }
 
 bool Parser::ParseJoinKind(JoinKind& kind) {
-    const auto hint = [this] { // INNER HASH JOIN and its like
+    const auto hint = [this] { // INNER HASH JOIN and similar hints
         TakeOneOf({"LOOP", "HASH", "MERGE", "REMOTE"});
     };
     if (TakeWord("JOIN")) {

@@ -1,4 +1,4 @@
-// Statements of control and procedure: what stands between the queries.
+// Control flow, variables, procedure calls and other statements that are not queries.
 #include <algorithm>
 #include <array>
 
@@ -10,7 +10,7 @@ namespace devsql {
 using namespace ast;
 
 namespace {
-/// The reserved words that a value may begin with, so that it belongs to the RETURN before it.
+/// The reserved words with which a value may begin: after RETURN they belong to it.
 constexpr std::string_view kValueWords[] = {
     "NULL",   "CASE", "CONVERT",           "COALESCE",     "LEFT",         "RIGHT",
     "NULLIF", "USER", "CURRENT_TIMESTAMP", "CURRENT_USER", "SESSION_USER", "SYSTEM_USER"};
@@ -118,7 +118,7 @@ StatementPtr Parser::ParseControlStatement() {
         std::string_view word;
         StatementPtr (Parser::*parse)();
     };
-    // Each takes its own first word.
+    // Each function takes the first word itself.
     static constexpr Entry kEntries[] = {
         {"DECLARE", &Parser::ParseDeclare}, {"SET", &Parser::ParseSet},
         {"IF", &Parser::ParseIf},           {"BEGIN", &Parser::ParseBegin},
@@ -220,7 +220,7 @@ StatementPtr Parser::ParseBegin() {
     ExpectWord("END");
     if (block.statements.empty()) {
         --next_;
-        SyntaxError(); // An empty block is refused here as there.
+        SyntaxError(); // SQL Server refuses an empty block too.
     }
     return Wrap(std::move(block));
 }
@@ -351,7 +351,7 @@ StatementPtr Parser::ParseSetVariable() {
     }
     ExpectSymbol("=");
     if (IsWord("CURSOR")) {
-        --next_; // ParseCursorDeclaration wants to see its keyword.
+        --next_; // ParseCursorDeclaration takes the keyword itself.
         Take();
         return ParseCursorDeclaration(set.name);
     }
@@ -371,7 +371,7 @@ StatementPtr Parser::ParseSetOption() {
         set.table = TakeObjectName();
     } else if (TakeWords({"TRANSACTION", "ISOLATION", "LEVEL"})) {
         set.options = {"TRANSACTION ISOLATION LEVEL"};
-        if (IsWord("SNAPSHOT")) { // The whole batch: nothing of it may run at another level instead.
+        if (IsWord("SNAPSHOT")) { // Refuses the whole batch, so that nothing of it runs at another level.
             Unsupported("SNAPSHOT");
         }
         for (const auto& [first, second] : kIsolationLevels) {
@@ -401,7 +401,8 @@ StatementPtr Parser::ParseSetOption() {
     } else {
         set.expr = ParseValue();
     }
-    for (const std::string& option : set.options) { // Takes effect while the batch is parsed.
+    for (const std::string& option :
+         set.options) { // QUOTED_IDENTIFIER takes effect while the batch is parsed.
         if (option == "QUOTED_IDENTIFIER" || option == "ANSI_DEFAULTS") {
             quoted_identifier_ = set.value == "ON";
         }

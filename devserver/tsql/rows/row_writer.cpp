@@ -266,7 +266,7 @@ SqliteStatement RowWriter::PrepareInsert(bool with_row_id) {
 }
 
 void RowWriter::Store(const RowValues& row, std::optional<std::int64_t> row_id) {
-    if (!insert_) { // One writer stores either new rows or those that keep their numbers.
+    if (!insert_) { // A writer stores either new rows or rows that keep their numbers, never both.
         insert_ = PrepareInsert(row_id.has_value());
     }
     SqliteStatement& insert = *insert_;
@@ -283,7 +283,7 @@ void RowWriter::Store(const RowValues& row, std::optional<std::int64_t> row_id) 
     }
 }
 
-/// SQLite says which columns, or which index, a duplicate key has met.
+/// Raises 2627 or 2601 for a duplicate key. SQLite's message names the columns or the index.
 void RowWriter::ExplainUnique(const StorageError& error, const RowValues& row) {
     if (error.primary_code() != SQLITE_CONSTRAINT) {
         throw error;
@@ -352,7 +352,8 @@ void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValu
         CheckRow(after[i]);
         keys = keys || UniqueKeyChanged(before[i].values, after[i]);
     }
-    // Keys may change places among the rows ("SET id = id + 1"): all old ones go before the new ones come.
+    // Rows may exchange their keys ("SET id = id + 1"), so all old rows are deleted before the new ones are
+    // stored.
     SqliteStatement remove = session_.connection().Prepare("DELETE FROM " + table_.Qualified() + " WHERE " +
                                                            RowIdName(table_) + " = ?1");
     if (keys) {
@@ -481,7 +482,7 @@ std::vector<StoredRow> RowWriter::Read(SessionCore& session, const TableDef& tab
     return rows;
 }
 
-/// Rows that referred to a key that has gone or changed.
+/// Handles the rows that refer to a key which was removed or changed.
 void RowWriter::ReleaseChildren(const ForeignKeyDef& key, const RowValues& before, const RowValues* after) {
     const TablePtr child = session_.databases().Table(*target_.catalogue, key.table);
     std::vector<std::pair<Value, Type>> parameters;
@@ -491,10 +492,10 @@ void RowWriter::ReleaseChildren(const ForeignKeyDef& key, const RowValues& befor
         try {
             parameters.emplace_back(Convert(before[index], table_.columns[index].type, type), type);
         } catch (const SqlError&) {
-            return; // No child can hold a key that its type has no room for.
+            return; // A key that doesn't fit the child's type can't be in a child.
         }
     }
-    // The same key may still be there, in another row or in this one under another spelling.
+    // The same key may still exist, in another row or in this one in another spelling.
     SqliteStatement still =
         session_.connection().Prepare("SELECT 1 FROM " + table_.Qualified() + " WHERE " +
                                       KeyCondition(table_, key.referenced_columns) + " LIMIT 1");

@@ -1,5 +1,5 @@
-// Writes rows into one table and holds them to what the table promises: conversions, NOT NULL, defaults,
-// identity, checks, unique keys, foreign keys with their cascades. Used inside SessionCore::Write.
+// Writes rows into one table and enforces its definition: conversions, NOT NULL, defaults, identity, checks,
+// unique keys, foreign keys with their cascades. Used inside Transactions::Write.
 #pragma once
 
 #include <functional>
@@ -23,27 +23,28 @@ struct StoredRow {
 
 class RowWriter {
   public:
-    /// `statement` is the word for messages: INSERT, UPDATE, DELETE.
+    /// `statement` is named in messages: INSERT, UPDATE, DELETE.
     RowWriter(SessionCore& session, Target target, std::string statement);
 
-    /// One row for INSERT: none stands for a column that wasn't given. Values are of the columns' types.
+    /// Inserts a row. A column without value gets its default. Values are of the columns' types.
     void Insert(std::vector<std::optional<Value>> given);
-    /// Leaves out CHECK and foreign keys, as a bulk load does.
+    /// Turns off CHECK and foreign keys, for a bulk load.
     void IgnoreConstraints();
-    /// Rows with their old and new values.
+    /// Changes rows: `before` and `after` are their old and new values.
     void Update(const std::vector<StoredRow>& before, std::vector<RowValues> after);
     void Delete(const std::vector<StoredRow>& rows);
-    /// Checks what can only be checked when all rows are written, and keeps the identity. Call it last.
+    /// Does the checks that need all rows written, and stores the identity counter. Must be called last.
     void Finish();
 
-    /// Is told of every row that this writer itself changes (not of cascades), old and new; null for none.
+    /// Called for every row that this writer itself changes (not for cascades), with its old and new values;
+    /// null where there is none.
     using Observer = std::function<void(const RowValues* before, const RowValues* after)>;
     void Observe(Observer observer) { observer_ = std::move(observer); }
 
     std::optional<std::int64_t> last_identity() const { return identity_given_; }
     /// The default's value, of the column's type.
     Value DefaultOf(const ColumnDef& column);
-    /// Puts in what the server itself fills in: timestamps and computed columns.
+    /// Fills in the columns that the server computes: timestamps and computed columns.
     void Complete(RowValues& row);
 
     /// All rows for which `condition` (over the table itself) holds.
@@ -55,7 +56,7 @@ class RowWriter {
     struct Check {
         std::string name;
         BoundPtr condition;
-        std::string column; ///< as the message names it; empty where several are concerned
+        std::string column; ///< as the message names it; empty where the check names several columns
     };
 
     void BindExpressions();
@@ -63,9 +64,10 @@ class RowWriter {
     void FillIdentity(std::size_t column, std::optional<Value>& value);
     void CheckRow(const RowValues& row);
     void Store(const RowValues& row, std::optional<std::int64_t> row_id);
-    /// What stores a row, with a parameter for each column and, if asked for, one more for the row's number.
+    /// The statement that stores a row: a parameter for each column and, if asked for, one more for the row's
+    /// number.
     SqliteStatement PrepareInsert(bool with_row_id);
-    /// What updates a row: parameter 1 is the row's number, a value for each column follows.
+    /// The statement that updates a row: parameter 1 is the row's number, the columns follow.
     SqliteStatement PrepareUpdate();
     bool UniqueKeyChanged(const RowValues& before, const RowValues& after) const;
     void RequireParent(const ForeignKeyDef& key, const RowValues& row);
@@ -73,8 +75,8 @@ class RowWriter {
     void Cascade(const ForeignKeyDef& key, const TablePtr& child, const std::vector<StoredRow>& rows,
                  const RowValues* after);
     bool KeyChanged(const std::vector<int>& columns, const RowValues& before, const RowValues& after) const;
-    /// True where the rows go to a linked server, which itself holds them to what the table promises. Raises
-    /// 405 where the statement has an OUTPUT clause.
+    /// True where the rows go to a linked server, which enforces the table's definition itself. Raises 405
+    /// where the statement has an OUTPUT clause.
     bool IsRemote() const;
     [[noreturn]] void ExplainUnique(const StorageError& error, const RowValues& row);
     [[noreturn]] void ForeignKeyError(const ForeignKeyDef& key, std::string_view kind, const TableDef& other,
@@ -88,11 +90,11 @@ class RowWriter {
     std::string statement_;
     Observer observer_;
     std::vector<Check> checks_;
-    std::map<int, BoundPtr> defaults_; ///< by column id; those that a row has asked for
+    std::map<int, BoundPtr> defaults_; ///< by column id; bound when a row first needs one
     std::map<int, BoundPtr> computed_;
     std::optional<SqliteStatement> insert_;
     std::vector<RowValues> new_rows_;                            ///< for the foreign keys at the end
-    std::vector<std::vector<std::optional<Value>>> remote_rows_; ///< go together, at the end
+    std::vector<std::vector<std::optional<Value>>> remote_rows_; ///< sent together, at the end
     struct Removed {
         RowValues before;
         std::optional<RowValues> after;

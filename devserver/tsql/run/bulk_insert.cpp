@@ -14,7 +14,8 @@ Target TargetOf(SessionCore& session, const ast::InsertBulkStatement& bulk) {
     return Binder(session, emission).BindTarget(bulk.table);
 }
 
-/// The positions of the columns that the rows bring. An identity column among them keeps the rows' values.
+/// The positions of the columns for which the rows have values. An identity column among them takes these
+/// values.
 std::vector<std::size_t> Positions(const ast::InsertBulkStatement& bulk, const TableDef& table) {
     std::vector<std::size_t> positions;
     for (const std::string& name : bulk.columns) {
@@ -34,7 +35,8 @@ std::vector<std::size_t> Positions(const ast::InsertBulkStatement& bulk, const T
     return positions;
 }
 
-/// One row of the client as the writer takes it: no value where a default or the server's own value goes.
+/// A row of the client for the row writer: a column is empty where its default or a value of the server's is
+/// stored.
 std::vector<std::optional<Value>> GivenRow(const ast::InsertBulkStatement& bulk, const TableDef& table,
                                            const std::vector<std::size_t>& positions,
                                            const std::vector<Type>& types, const std::vector<Value>& row) {
@@ -42,7 +44,7 @@ std::vector<std::optional<Value>> GivenRow(const ast::InsertBulkStatement& bulk,
     for (std::size_t i = 0; i < positions.size(); ++i) {
         const ColumnDef& column = table.columns[positions[i]];
         if (column.type.id == TypeId::Timestamp) {
-            continue; // The server's own.
+            continue; // Filled in by the server.
         }
         if (!IsNull(row[i])) {
             given[positions[i]] = Assign(row[i], types[i], column.type);

@@ -1,4 +1,4 @@
-// Calls of procedures: finding them, handing values over and back.
+// Calls of procedures: finding them, passing arguments, returning values.
 #include <algorithm>
 
 #include "devserver/tsql/bind/binder.h"
@@ -15,7 +15,7 @@
 namespace devsql {
 namespace {
 
-/// Keeps the rows of a statement instead of sending them: INSERT … EXEC.
+/// Keeps the rows of a statement for INSERT … EXEC instead of sending them.
 class CaptureSink : public ResultSink {
   public:
     CaptureSink(ResultSink& outer, RowSet& rows) : outer_(outer), rows_(rows) {}
@@ -157,7 +157,7 @@ std::vector<std::size_t> BindEach(SessionCore& session, std::string_view procedu
 std::vector<std::size_t> BindArguments(SessionCore& session, std::string_view procedure,
                                        const std::vector<ParameterDef>& formal,
                                        const std::vector<ActualArgument>& actual, Frame& frame) {
-    constexpr std::int32_t kOfTheBatch = 119; // Found by looking at the call alone.
+    constexpr std::int32_t kOfTheBatch = 119; // An error of the call itself, not of the procedure.
     try {
         return BindEach(session, procedure, formal, actual, frame);
     } catch (const SqlError& error) {
@@ -212,7 +212,7 @@ CallResult Interpreter::CallStored(const ObjectDef& object, Catalogue& catalogue
                                         : std::nullopt);
     }
     if (session_.transactions().count() != transactions) {
-        // Said in the name of the procedure, whose business it was.
+        // Reported in the name of the procedure that has changed the count.
         const std::string counts[] = {std::to_string(transactions),
                                       std::to_string(session_.transactions().count())};
         const SqlError error = ErrorOf(266, {counts[0], counts[1]}, 2);
@@ -238,7 +238,7 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
     if (const SystemProcedure* system = find_system_procedure_(place.name)) {
         return CallSystem(*system, database, arguments);
     }
-    if (ToLower(place.name).starts_with("sp_")) { // A procedure of master that serves every database.
+    if (ToLower(place.name).starts_with("sp_")) { // A procedure of master can be called in every database.
         Catalogue& master = databases.Get("master");
         if (const std::optional<ObjectDef> object = master.FindObject("dbo", place.name);
             object && object->type == "P") {
@@ -338,7 +338,7 @@ void Interpreter::RunDynamic(const std::string& text) {
     const std::string database = session_.databases().own();
     session_.status().last_error = 0;
     RunText(text, frame);
-    if (session_.databases().own() != database) { // USE holds for the string alone.
+    if (session_.databases().own() != database) { // A USE in the string ends with it.
         session_.databases().Use(database);
     }
 }

@@ -3,7 +3,7 @@
 namespace devsql {
 namespace {
 
-/// For a body whose statements end unseen.
+/// Discards everything: the body of a function sends nothing.
 class NoSink : public ResultSink {
   public:
     void Columns(const std::vector<Column>&) override {}

@@ -24,8 +24,7 @@ struct ScopeAborted {};
 
 constexpr std::uint8_t kFirstError = 11;
 
-/// Errors that end the batch and roll its transaction back: a value that isn't what its type wants, a lost
-/// fight for a lock.
+/// Errors that end the batch and roll its transaction back: failed conversions, deadlocks and lost locks.
 constexpr std::array<std::int32_t, 15> kBatchErrors = {241,  242,  244,  245, 248,  295, 8169, 8170,
                                                        1205, 3930, 3609, 217, 8624, 235, 296};
 
@@ -35,7 +34,7 @@ constexpr std::array<std::int32_t, 53> kScopeErrors = {
     189, 195, 205,  206,  207,  208,  209, 213,  257,  259,  263,  264,  271,  272,  273,  306,  402, 420,
     421, 529, 1011, 1013, 1046, 1087, 911, 4104, 8101, 8116, 8117, 8118, 8120, 8121, 8127, 8133, 8155};
 
-/// The statement has been terminated: said behind the errors of rows.
+/// Errors after which the message 3621 is sent: "The statement has been terminated".
 constexpr std::array<std::int32_t, 10> kRowErrors = {515, 547, 2601, 2627, 8152, 8115, 8134, 220, 232, 512};
 
 template <class Type, class... Others>
@@ -60,7 +59,7 @@ bool BeginsImplicitly(const ast::Statement& statement) {
            std::holds_alternative<ast::FetchStatement>(statement.node);
 }
 
-/// True for statements after which @@ERROR stays as it is, or is what they have set.
+/// True for statements that leave @@ERROR unchanged or set it themselves.
 bool KeepsError(const ast::Statement& statement) {
     return std::holds_alternative<ast::DeclareStatement>(statement.node) ||
            std::holds_alternative<ast::RaiserrorStatement>(statement.node) ||
@@ -94,7 +93,7 @@ Message MessageOf(const SessionCore& session, const SqlError& error) {
             session.status().line};
 }
 
-/// How SQLite says that a statement has more of something than it takes.
+/// Parts of SQLite's messages about statements that exceed its limits.
 constexpr std::array<std::string_view, 4> kTooLarge = {"oo many", "oo large", "at most", "stack overflow"};
 
 SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
@@ -155,8 +154,8 @@ void Interpreter::RunGuarded(const std::function<void()>& work) {
     }
 }
 
-/// A client that has asked for the end gets no error; one that was thrown out must not take the batch for
-/// done.
+/// A client that has cancelled gets no error. A client whose session was ended by another one must not take
+/// the batch for finished.
 void Interpreter::EndCancelled() {
     session_.transactions().Abandon();
     if (session_.interruption().session_ended()) {
@@ -225,7 +224,7 @@ void Interpreter::RunText(std::string_view sql, Frame& frame) {
         session_.status().line = line;
     };
     try {
-        RunScope(batch.statements); // What called the string goes on.
+        RunScope(batch.statements); // The caller of the string goes on after an error in it.
     } catch (...) {
         leave();
         throw;
@@ -261,7 +260,7 @@ void Interpreter::RunScope(const ast::StatementList& list) {
     }
 }
 
-/// An error in a system procedure is the procedure's own: it is told in its name and the call gives 1.
+/// An error in a system procedure is reported in its name, and the call returns 1.
 std::int32_t Interpreter::RunSystem(const SystemProcedure& procedure, SystemCall& call) {
     constexpr std::int32_t kFailed = 1;
     try {
@@ -317,7 +316,7 @@ Interpreter::Flow Interpreter::RunStatement(const ast::Statement& statement) {
 }
 
 void Interpreter::Report(const StorageError& error) {
-    // Also where a wait for a lock was given up, which SQLite reports as the lock being taken.
+    // A cancelled wait for a lock too, which SQLite reports as a locked database.
     if (error.primary_code() == SQLITE_INTERRUPT || session_.interruption().requested()) {
         throw Cancelled{};
     }
@@ -382,7 +381,7 @@ Interpreter::Flow Interpreter::RunTry(const ast::TryStatement& statement) {
             throw;
         }
         session_.status().caught.push_back(failure.message);
-        EndFailed(); // Its result set may have begun.
+        EndFailed(); // The failed statement may have begun a result set.
     } catch (...) {
         leave();
         throw;

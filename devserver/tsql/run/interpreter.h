@@ -17,7 +17,7 @@ class SystemCall;
 /// Null for a name that is no system procedure.
 using SystemProcedureFinder = const SystemProcedure* (*)(std::string_view name);
 
-/// What a caller hands to a parameter.
+/// What a caller passes for a parameter.
 struct ActualArgument {
     std::string name; ///< with "@"; empty: by position
     Value value;
@@ -28,19 +28,19 @@ struct ActualArgument {
 
 struct CallResult {
     std::int32_t status = 0;
-    /// For each actual argument that was handed over OUTPUT: what came back.
+    /// For each argument that was passed as OUTPUT, the value that came back; empty for the others.
     std::vector<std::optional<Variable>> outputs;
 };
 
 /// An error on its way to a CATCH block, its message complete.
 struct Failure {
     Message message;
-    /// An error that was found when the statement was compiled is not caught in the frame that it stands in,
-    /// only in a caller's: the nesting at which no TRY takes it; 0 for any other error.
+    /// The nesting level at which TRY does not catch it; 0 for none. An error that SQL Server finds when it
+    /// compiles a statement is not caught in the same procedure, only in a caller.
     int uncaught_at = 0;
 };
 
-/// What RAISERROR says, before it is held to the limits.
+/// The message of a RAISERROR, before its severity and state are limited.
 struct RaisedMessage {
     std::int32_t number = 50000;
     std::int64_t severity = 16;
@@ -61,7 +61,7 @@ class Interpreter {
     void RunBulk(const ast::InsertBulkStatement& bulk, BulkRows& rows);
 
     // ---- for the system procedures
-    /// EXEC of a string, in a frame with the given variables; those may come back changed.
+    /// EXEC of a string, in a frame with the given variables, which may be changed.
     void RunText(std::string_view sql, Frame& frame);
     /// EXEC('…'): in a frame of its own.
     void RunDynamic(const std::string& text);
@@ -79,14 +79,14 @@ class Interpreter {
     std::int32_t RunSystem(const SystemProcedure& procedure, SystemCall& call);
     void RunGuarded(const std::function<void()>& work);
     void EndCancelled();
-    /// A batch or a procedure: reports 133 for a GOTO whose label stands nowhere in it.
+    /// Runs a batch or a procedure. Reports 133 for a GOTO to an unknown label.
     void RunWhole(const ast::StatementList& list);
     Flow RunList(const ast::StatementList& list);
-    /// A procedure's body: errors that end a scope end here.
+    /// Runs a procedure's body. An error that ends a procedure ends it here.
     void RunScope(const ast::StatementList& list);
     Flow RunStatement(const ast::Statement& statement);
     Flow Execute(const ast::Statement& statement);
-    /// Tells the sink that a failed statement has ended, whatever it has told before.
+    /// Tells the sink that a failed statement has ended, even if it has already sent an end.
     void EndFailed() { session_.results().Done(Command::None, std::nullopt); }
     Flow ExecuteSimple(const ast::Statement& statement);
     /// False for a definition.
@@ -95,7 +95,7 @@ class Interpreter {
     Flow RunTry(const ast::TryStatement& statement);
     Flow RunWhile(const ast::WhileStatement& loop);
     bool FindLabel(const ast::StatementList& list, std::size_t& position) const;
-    /// Sends the error, or hands it to the CATCH block that waits for it.
+    /// Sends the error to the client, or throws it to the CATCH block around the statement.
     void Report(const SqlError& error);
     void Report(const StorageError& error);
     [[noreturn]] void AbortBatch();
@@ -137,14 +137,14 @@ class Interpreter {
     SystemProcedureFinder find_system_procedure_;
     std::string goto_label_;
     std::int32_t return_value_ = 0;
-    Variable* function_result_ = nullptr; ///< of the function that runs; null for anything else
+    Variable* function_result_ = nullptr; ///< the result of the running function; null outside functions
     bool changes_rows_ = false;           ///< the running statement is INSERT, UPDATE or DELETE
     int tries_ = 0;                       ///< TRY blocks that are open, in all frames
     std::map<int, int> tries_at_;         ///< the same by nesting
 };
 
-/// The variables of a call: `actual` put into `formal`. Raises 201, 8144, 8145, 8146, 8143. For each actual
-/// argument the position of its parameter comes back.
+/// Makes the variables of a call from its arguments. Returns the position of the parameter for each argument.
+/// Raises 201, 8143, 8144, 8145, 8146.
 std::vector<std::size_t> BindArguments(SessionCore& session, std::string_view procedure,
                                        const std::vector<ParameterDef>& formal,
                                        const std::vector<ActualArgument>& actual, Frame& frame);

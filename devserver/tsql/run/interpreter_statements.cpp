@@ -30,7 +30,7 @@ void Interpreter::Declare(const ast::DeclareStatement& declare) {
             if (type.id == TypeId::Text || type.id == TypeId::NText || type.id == TypeId::Image) {
                 RaiseError(2739);
             }
-            // A declaration in a loop leaves what the variable holds, as SQL Server does.
+            // A declaration in a loop keeps the variable's value, as in SQL Server.
             session_.calls().frame().variables.try_emplace(name, Variable{type, {}});
             if (declaration.value) {
                 Type given;
@@ -93,8 +93,8 @@ struct Isolation {
 constexpr Isolation kIsolationLevels[] = {
     {"READ UNCOMMITTED", 1}, {"READ COMMITTED", 2}, {"REPEATABLE READ", 3}, {"SERIALIZABLE", 4}};
 
-/// Options that clients send at login and scripts carry along: this server always works as with the value
-/// that stands here, whatever is set, and a script that sets the other value is told so.
+/// Options that clients send at login and that scripts contain. This server always behaves as with the value
+/// given here; setting another value is refused.
 struct Fixed {
     std::string_view name;
     std::string_view value; ///< empty: any
@@ -223,7 +223,7 @@ void Interpreter::Print(const ast::PrintStatement& print) {
     Type type;
     const Value value = ComputeExpression(session_, *print.value, &type);
     std::string text = IsNull(value) ? std::string() : ValueText(value, type);
-    text = text.empty() ? " " : text; // As SQL Server sends an empty text.
+    text = text.empty() ? " " : text; // SQL Server sends a blank for an empty text.
     session_.results().Print(
         {0, 0, 1, SubText(text, 0, 8000), session_.calls().frame().procedure, session_.status().line});
 }
@@ -280,7 +280,7 @@ void Interpreter::Raiserror(const ast::RaiserrorStatement& raise) {
         session_.calls().frame().procedure,
         session_.status().line};
     session_.status().last_error = severity > 10 || raise.set_error ? raised.number : 0;
-    if (severity >= kFirstFatal) { // The connection ends with it, whatever TRY stands around.
+    if (severity >= kFirstFatal) { // Ends the connection, even inside TRY.
         session_.results().Print(sent);
         session_.interruption().EndSession();
         session_.interruption().Request();
@@ -442,7 +442,7 @@ void Interpreter::RunCursor(const ast::CursorStatement& statement) {
     }
 }
 
-/// Where the cursor stands after the statement: -1 before the first row, the number of rows after the last.
+/// The cursor's position after the statement: -1 before the first row, the number of rows after the last.
 std::int64_t Interpreter::FetchPosition(const ast::FetchStatement& fetch, const Cursor& cursor) {
     const auto count = static_cast<std::int64_t>(cursor.rows.rows.size());
     const std::int64_t offset = fetch.offset ? Number(session_, *fetch.offset, 0) : 0;

@@ -15,7 +15,7 @@ struct RowName {
 };
 constexpr RowName kRowNames[] = {{OutputRows::kInserted, "inserted"}, {OutputRows::kDeleted, "deleted"}};
 
-/// The two rows as sources: their columns' SQL is "inserted.3", the row and the column's place in it.
+/// The two rows as sources. A column's SQL is "inserted.3": the row, and the column's position in it.
 ScopeSource SourceOfRow(const TableDef& table, std::string_view name) {
     ScopeSource source{std::string(name), {{std::string(name)}}, std::string(name), {}, nullptr};
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
@@ -37,7 +37,7 @@ std::pair<unsigned, std::size_t> PlaceOfLeaf(const std::string& text) {
             }
         }
     }
-    RaiseError(10705); // What isn't a column is a subquery.
+    RaiseError(10705); // Not a column, so it is a subquery.
 }
 
 } // namespace

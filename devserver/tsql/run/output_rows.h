@@ -1,5 +1,5 @@
-// The OUTPUT clauses of INSERT, UPDATE and DELETE: what they make of every row that is changed, and where it
-// goes. Knows nothing of how rows are changed.
+// The OUTPUT clauses of INSERT, UPDATE and DELETE: computes their items for every changed row, and sends or
+// stores the results. Knows nothing of how rows are changed.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ namespace devsql {
 
 class OutputRows {
   public:
-    /// Which of the two rows the statement has.
+    /// Whether the statement has inserted rows, deleted rows, or both.
     static constexpr unsigned kInserted = 1;
     static constexpr unsigned kDeleted = 2;
 
@@ -25,9 +25,9 @@ class OutputRows {
     OutputRows(const OutputRows&) = delete;
     OutputRows& operator=(const OutputRows&) = delete;
 
-    /// To be told of each row; valid as long as this object.
+    /// The observer for the row writer; valid as long as this object.
     RowWriter::Observer Observer();
-    /// Writes what goes into tables; inside the statement's own SessionCore::Write.
+    /// Stores the rows of OUTPUT … INTO. Called inside the statement's own Transactions::Write.
     void Store();
     /// Ends the statement: with the rows that go to the client, or with the count alone.
     void End(Command command, std::int64_t count);
@@ -35,7 +35,7 @@ class OutputRows {
   private:
     struct Item {
         BoundPtr value;
-        /// For each slot of `value`: in which row it lies, and where.
+        /// For each slot of `value`: the row (kInserted or kDeleted) and the column's position.
         std::vector<std::pair<unsigned, std::size_t>> places;
     };
     struct Bound {

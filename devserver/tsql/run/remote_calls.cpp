@@ -1,5 +1,5 @@
-// EXEC of a procedure on a linked server: the call as a text, its results handed on, its return value and
-// output parameters fetched behind them.
+// EXEC of a procedure on a linked server: the call is sent as text, its results are passed on, and its return
+// value and output parameters are read after them.
 #include "devserver/tsql/linked/remote_servers.h"
 #include "devserver/tsql/linked/remote_values.h"
 #include "devserver/tsql/run/interpreter.h"
@@ -11,7 +11,7 @@ namespace {
 constexpr const char* kStatus = "devsql_status";
 constexpr std::uint8_t kFirstErrorSeverity = 11;
 
-/// Hands results and messages on; keeps the row with the return value, and the errors.
+/// Passes results and messages on. Keeps the row with the return value, and the errors.
 class CallSink : public RemoteSink {
   public:
     explicit CallSink(SessionCore& session) : session_(session) {}
@@ -52,7 +52,7 @@ class CallSink : public RemoteSink {
         }
     }
 
-    std::vector<Value> answer; ///< the return value and the output parameters; empty if they never came
+    std::vector<Value> answer; ///< the return value and the output parameters; empty if they did not come
     std::vector<Message> errors;
 
   private:
@@ -65,7 +65,8 @@ std::string OutputName(std::size_t number) {
     return "@devsql_" + std::to_string(number);
 }
 
-/// The type of a variable that takes the value there: text and its kin can't be variables.
+/// The type of the variable that takes the value at the other server: there are no variables of text, ntext
+/// and image.
 Type VariableType(const Type& type) {
     const Type settled = Settled(type);
     return !IsOldLob(settled.id)         ? settled
@@ -123,7 +124,7 @@ CallResult Interpreter::CallRemote(const ast::Name& name, const std::vector<Actu
     for (std::size_t i = 0; i < sink.errors.size(); ++i) {
         const Message& error = sink.errors[i];
         const bool last = i + 1 == sink.errors.size();
-        if (tries_ > 0 || (last && !returned)) { // A call that gave nothing back has failed as a whole.
+        if (tries_ > 0 || (last && !returned)) { // A call without return value has failed as a whole.
             throw SqlError(error.number, error.severity, error.state, error.text);
         }
         session_.status().last_error = error.number;

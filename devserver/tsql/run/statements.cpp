@@ -127,7 +127,7 @@ bool TestExpression(SessionCore& session, const ast::Expr& condition) {
 
 void AssignTo(SessionCore& session, std::string_view name, const Value& value, const Type& type) {
     Variable& variable = session.calls().FindVariable(name);
-    // NULL is of every type, also where its own would not convert.
+    // NULL can be assigned to every type, even where its own type can't be converted.
     variable.value = IsNull(value) ? Value() : AssignVariable(value, type, variable.type);
 }
 
@@ -204,7 +204,7 @@ bool IdentityInsertOn(SessionCore& session, const Target& target) {
     return session.identities().InsertsInto(*target.table);
 }
 
-/// The positions of the table's columns that the statement gives, in its order.
+/// The positions of the table's columns for which the statement has values, in the statement's order.
 std::vector<std::size_t> InsertColumns(SessionCore& session, const ast::InsertStatement& insert,
                                        const Target& target) {
     const TableDef& table = *target.table;
@@ -250,7 +250,8 @@ using GivenRow = std::vector<std::optional<Value>>;
 
 void Put(const TableDef& table, std::size_t position, const Value& value, const Type& type, GivenRow& row) {
     const ColumnDef& column = table.columns[position];
-    if (column.type.id == TypeId::Timestamp) { // DEFAULT and NULL hold its place in a row without names.
+    if (column.type.id ==
+        TypeId::Timestamp) { // Only DEFAULT and NULL may be given for it, in a row without column names.
         if (!IsNull(value)) {
             RaiseError(273);
         }
@@ -259,8 +260,8 @@ void Put(const TableDef& table, std::size_t position, const Value& value, const 
     row[position] = Assign(value, type, column.type);
 }
 
-/// VALUES: with several rows, each column takes its type from all of them only in UNION; here each value is
-/// assigned by itself.
+/// The rows of VALUES. Each value is converted to the column's type by itself, not to a common type of all
+/// rows as in UNION.
 std::vector<GivenRow> ValueRows(SessionCore& session, const ast::InsertStatement& insert,
                                 const TableDef& table, const std::vector<std::size_t>& positions) {
     std::vector<GivenRow> rows;
@@ -324,7 +325,7 @@ void InsertRows(SessionCore& session, const ast::Name& table, const std::vector<
 }
 
 void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const RunNested& execute) {
-    std::optional<RowSet> executed; // The procedure runs first: it may open and end transactions of its own.
+    std::optional<RowSet> executed; // The procedure runs first, because it may begin and end transactions.
     if (insert.execute) {
         executed = execute(*insert.execute);
     }

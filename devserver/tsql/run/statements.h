@@ -14,14 +14,14 @@ void AssignTo(SessionCore& session, std::string_view variable, const Value& valu
 
 /// SELECT: to the client, into variables or into a new table.
 void RunSelect(SessionCore& session, const ast::Query& query);
-/// The whole result, in memory.
+/// Runs a query and returns all its rows.
 RowSet FetchAll(SessionCore& session, const ast::Query& query);
 /// Fills a cursor, with the row numbers of its table where WHERE CURRENT OF can use them.
 void OpenRows(SessionCore& session, Cursor& cursor);
-/// Takes a statement's rows for INSERT … EXEC; see interpreter.cpp.
+/// Runs the EXEC of an INSERT and returns its rows; the interpreter passes it.
 using RunNested = std::function<RowSet(const ast::Statement&)>;
 void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const RunNested& execute);
-/// Rows that another statement has made (OUTPUT … INTO), without a count of their own.
+/// Inserts the rows of another statement (OUTPUT … INTO). They are not counted.
 void InsertRows(SessionCore& session, const ast::Name& table, const std::vector<std::string>& columns,
                 const RowSet& source);
 void RunUpdate(SessionCore& session, const ast::UpdateStatement& update);

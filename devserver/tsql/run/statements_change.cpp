@@ -13,7 +13,8 @@
 namespace devsql {
 namespace {
 
-/// What UPDATE and DELETE have in common: the target among the sources of FROM, and the rows that are meant.
+/// Shared by UPDATE and DELETE: the target among the sources of FROM, and the condition that selects its
+/// rows.
 struct Selection {
     Target target;
     Scope scope;
@@ -202,7 +203,7 @@ void UpdateRows(SessionCore& session, const ast::UpdateStatement& update, Binder
     {
         SqliteStatement row = session.connection().Prepare(sql);
         emission.BindAll(row);
-        std::set<std::int64_t> seen; // A row that FROM gives twice is changed once.
+        std::set<std::int64_t> seen; // A row that FROM returns twice is changed once.
         std::vector<Value> slots(leaves.size());
         while ((limit < 0 || static_cast<std::int64_t>(before.size()) < limit) && row.Step()) {
             if (!seen.insert(row.Int(0)).second) {
@@ -294,7 +295,8 @@ void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
 
 namespace {
 
-/// The last identity given in a table: what this session knows of goes before what is stored.
+/// The last identity given in a table. A value that this session has given comes before the stored counter,
+/// which a rollback may have set back.
 std::optional<std::int64_t> LastIdentity(SessionCore& session, const Target& target) {
     if (const std::optional<std::int64_t> given = session.identities().Given(*target.table)) {
         return given;
@@ -312,7 +314,7 @@ void SetIdentity(SessionCore& session, const Target& target, std::optional<std::
     }
 }
 
-/// The outermost value that stands in the identity column; none for an empty table.
+/// The highest value in the identity column, or the lowest if it counts down; empty for an empty table.
 std::optional<std::int64_t> OutermostIdentity(SessionCore& session, const TableDef& table,
                                               const ColumnDef& column) {
     SqliteStatement row =
@@ -353,7 +355,7 @@ void RunCheckIdentity(SessionCore& session, const ast::CheckIdentityStatement& c
     const std::optional<std::int64_t> outermost = OutermostIdentity(session, *target.table, *column);
     if (check.reseed) {
         std::optional<std::int64_t> next = current;
-        if (wanted) { // Where no row has ever been, the first one gets the value itself.
+        if (wanted) { // If the table has never had a row, the first one gets the value itself.
             next = current ? *wanted : *wanted - column->increment;
         } else if (outermost && current &&
                    (column->increment < 0 ? *outermost < *current : *outermost > *current)) {

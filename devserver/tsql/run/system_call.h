@@ -1,5 +1,5 @@
-// The system procedures as the interpreter calls them. Which ones there are is decided above: the interpreter
-// is given a function that finds them.
+// How the interpreter calls system procedures. It does not know which ones exist: it is given a function that
+// finds them.
 #pragma once
 
 #include <optional>
@@ -19,7 +19,7 @@ class SystemCall {
 
     SessionCore& session() { return interpreter_.session(); }
     Interpreter& interpreter() { return interpreter_; }
-    /// The arguments as they were handed over.
+    /// The arguments as they were passed.
     const std::vector<ActualArgument>& actual() const { return actual_; }
     bool IsNull(std::string_view name) const;
     /// The parameter's text; empty for NULL.
@@ -28,7 +28,7 @@ class SystemCall {
     void Set(std::string_view name, Value value);
     /// Runs T-SQL in a frame of its own; `values` are its parameters @p1, @p2, … as nvarchar.
     void Run(std::string_view sql, const std::vector<std::string>& values = {});
-    /// Values for parameters of any number (sp_executesql): handed back to the caller by position.
+    /// The values of output arguments, by position, of a procedure that takes any arguments (sp_executesql).
     std::vector<std::optional<Variable>> outputs;
 
   private:

@@ -13,7 +13,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-/// How often one who waits looks whether its client has asked for an end.
+/// How often a waiting session checks whether its client has cancelled.
 constexpr milliseconds kTick{10};
 constexpr milliseconds kTimeToLeave{500};
 
@@ -58,7 +58,7 @@ DatabaseInfo DatabaseUsers::Enter(const std::string& name, SessionCore& session)
     std::unique_lock lock(mutex_);
     std::optional<DatabaseInfo> info;
     Usage* usage = nullptr;
-    // While it is closed it may be renamed or removed: it is found anew each time.
+    // While the database is closed it may be renamed or removed, so it is looked up each time.
     const bool open = WaitFor(lock, session, session.transactions().LockTime(), [&] {
         info = FindDatabase(list_, name);
         usage = info ? &usage_[info->id] : nullptr;
@@ -126,7 +126,7 @@ void DatabaseUsers::CloseAndThrowOut(int database, const SessionCore& session) {
             Usage& usage = usage_[database];
             usage.closed_by = &session;
             others = TakeOthers(database, session);
-            // One that is ending by itself can't be ended, and will soon be out.
+            // A session that is already ending can't be ended, and will soon have left.
             if (others.empty() && WaitFor(lock, session, kTick, [&] { return !usage.OthersThan(session); })) {
                 return;
             }
@@ -141,9 +141,9 @@ void DatabaseUsers::CloseAndThrowOut(int database, const SessionCore& session) {
     }
 }
 
-/// Ends a session: what it runs is interrupted, what it holds is rolled back and let go.
+/// Ends a session: interrupts what it runs, rolls back its transaction and releases its databases.
 void DatabaseUsers::End(SessionCore& session, const SessionCore& by) {
-    // At the end in any case: the session's destruction waits for it.
+    // Done in every case, because the session's destructor waits for it.
     const auto release = [this](const SessionCore* ended) {
         const std::lock_guard lock(mutex_);
         ending_.erase(ending_.find(ended));
@@ -153,15 +153,16 @@ void DatabaseUsers::End(SessionCore& session, const SessionCore& by) {
     session.interruption().EndSession();
     std::unique_lock running(session.interruption().running(), std::defer_lock);
     do {
-        session.Cancel(); // Again and again: it may have been between two statements.
+        session.Cancel(); // Repeated, because the session may have been between two statements.
         if (running.try_lock()) {
             session.transactions().Abandon();
             session.databases().ReleaseAll();
             return;
         }
         std::this_thread::sleep_for(milliseconds(1));
-    } while (!by.interruption()
-                  .session_ended()); // Two that end each other: the one that was ended first gives up.
+    } while (
+        !by.interruption()
+             .session_ended()); // When two sessions end each other, the one that was ended first gives up.
 }
 
 void DatabaseUsers::Kill(std::int32_t id, const SessionCore& by) {

@@ -1,6 +1,6 @@
-// Which sessions there are, which database each of them uses, and who changes the list of databases. A
-// session enters a database in one step with finding it in the list, so what it has entered stays where it is
-// until it leaves.
+// The list of sessions, the databases that each of them uses, and the lock on the list of databases. A
+// session finds a database and enters it in one step, so that the database can't be moved or removed until
+// the session leaves it.
 #pragma once
 
 #include <chrono>
@@ -26,25 +26,24 @@ class DatabaseUsers {
 
     std::int32_t NewSessionId();
     void Register(SessionCore& session);
-    /// The session is ending by itself: nobody else ends it from now on. It still counts where it has
-    /// entered.
+    /// The session is ending by itself: no other session ends it from now on. It is still counted as a user
+    /// of its databases.
     void Withdraw(SessionCore& session);
 
     /// Finds the database and counts the session among its users. Waits while the database is closed, as for
-    /// a lock. Raises 911 for an unknown name, 942 for one that is offline, 924 where another session has it
-    /// for itself alone, 952 where it has been closed for too long.
+    /// a lock. Raises 911 for an unknown name, 942 for one that is offline, 924 where another session uses it
+    /// exclusively, 952 where it stays closed for too long.
     DatabaseInfo Enter(const std::string& name, SessionCore& session);
     void Leave(int database, SessionCore& session);
 
     /// Keeps all but this session out until Reopen. False if another session uses the database and does not
-    /// leave it within half a second: a client that has just closed its connection may still be on its way
-    /// out.
+    /// leave within half a second, which a client that has just closed its connection may need.
     bool Close(int database, const SessionCore& session);
     /// The same, but ends the sessions that use it: their transactions are rolled back.
     void CloseAndThrowOut(int database, const SessionCore& session);
     void Reopen(int database);
 
-    /// Ends another session. Raises 6106 for an unknown number, 6104 for the own one.
+    /// Ends another session. Raises 6106 for an unknown number, 6104 for this session's number.
     void Kill(std::int32_t id, const SessionCore& by);
 
     /// One row of sp_who.
@@ -58,8 +57,9 @@ class DatabaseUsers {
     };
     std::vector<SessionInfo> Sessions();
 
-    /// Held by a statement that makes, renames, moves or removes databases or changes their options: one at a
-    /// time, so what it has found in the list stays true. A session may hold several, one within the other.
+    /// Held by a statement that makes, renames, moves or removes databases or changes their options. One
+    /// session at a time holds it, so that the list doesn't change under the statement. A session may hold
+    /// several, nested.
     class ListTurn {
       public:
         /// Waits, as for a lock: raises 1222 or 1205.
@@ -85,11 +85,11 @@ class DatabaseUsers {
         }
     };
 
-    /// Waits for `done`; false if it has not come about after `limit` or the session is to end.
+    /// Waits for `done`; false if it is not true after `limit`, or if the session must end.
     template <class Done>
     bool WaitFor(std::unique_lock<std::mutex>& lock, const SessionCore& session,
                  std::chrono::milliseconds limit, Done done);
-    /// The users of the database that can be ended, marked so that none of them goes meanwhile.
+    /// The other users of the database that can be ended, marked so that none of them is destroyed meanwhile.
     std::vector<SessionCore*> TakeOthers(int database, const SessionCore& session);
     void End(SessionCore& session, const SessionCore& by);
 
@@ -100,9 +100,9 @@ class DatabaseUsers {
     std::map<std::int32_t, SessionCore*> sessions_;
     std::int32_t next_session_ = kFirstSession;
     std::multiset<const SessionCore*>
-        ending_; ///< being ended by another session, and not to be destroyed meanwhile
+        ending_; ///< being ended by another session; must not be destroyed meanwhile
     const SessionCore* turn_ = nullptr;
-    int turns_ = 0; ///< how many the session holds
+    int turns_ = 0; ///< how many turns the session holds
 };
 
 } // namespace devsql

@@ -1,4 +1,4 @@
-// Functions that ask for what a database holds: objects, columns, indexes, identities.
+// Functions about the objects of a database: tables, columns, indexes, identities.
 #include <algorithm>
 #include <array>
 
@@ -63,7 +63,7 @@ bool HasIndex(const TableDef& table, bool (*test)(const IndexDef&)) {
     return false;
 }
 
-/// OBJECTPROPERTY's properties of tables alone.
+/// The properties of OBJECTPROPERTY that only tables have.
 Value TableProperty(const TableDef& table, std::string_view property) {
     if (property == "TABLEHASPRIMARYKEY") {
         return std::int64_t{HasIndex(table, [](const IndexDef& index) { return index.primary_key; })};
@@ -98,7 +98,7 @@ Value TableProperty(const TableDef& table, std::string_view property) {
     return {};
 }
 
-/// OBJECTPROPERTY's properties that ask which kind of object it is: 1 or 0; nothing for another property.
+/// The properties of OBJECTPROPERTY that ask for the kind of object; empty for any other property.
 std::optional<bool> KindProperty(const ObjectDef& object, std::string_view property) {
     struct Kind {
         std::string_view property;
@@ -119,7 +119,7 @@ std::optional<bool> KindProperty(const ObjectDef& object, std::string_view prope
     return found == kKinds.end() ? std::nullopt : std::optional(object.type == found->type);
 }
 
-/// OBJECTPROPERTY's properties of any object; nothing for another property.
+/// The properties of OBJECTPROPERTY that every object has; empty for any other property.
 std::optional<std::int64_t> CommonProperty(const ObjectDef& object, std::string_view property) {
     struct Entry {
         std::string_view property;
@@ -227,7 +227,7 @@ Value ColName(SessionCore& session, Values values, Types types) {
     return {};
 }
 
-/// The columns of an index, or nothing where the table or the index is none.
+/// The index for which `test` is true; null if there is none, or no table.
 const IndexDef* FindIndex(const TablePtr& table, bool (*test)(const IndexDef&, const std::string&),
                           const std::string& wanted) {
     for (const IndexDef& index :

@@ -1,4 +1,4 @@
-// What the functions that ask the session share: reading their arguments, and the parts of their table.
+// Shared by the functions that ask the session: reading arguments, and the parts of their table.
 #pragma once
 
 #include <cstdint>
@@ -15,10 +15,10 @@ namespace devsql {
 using Values = std::span<const Value>;
 using Types = std::span<const Type>;
 
-/// Those that ask for what a database holds: OBJECT_ID, COLUMNPROPERTY, ...
+/// The functions about the objects of a database: OBJECT_ID, COLUMNPROPERTY, ...
 std::span<const SessionFunction> ObjectFunctions();
 
-/// Empty for NULL and for an argument that is not there.
+/// Empty for NULL and for a missing argument.
 inline std::string TextOf(Values values, Types types, std::size_t index) {
     return index < values.size() && !IsNull(values[index]) ? ValueText(values[index], types[index])
                                                            : std::string();

@@ -1,4 +1,4 @@
-// Functions and global variables whose value is the session's, the server's or the clock's.
+// Functions and global variables whose value depends on the session, the server or the time.
 #include <algorithm>
 #include <array>
 #include <random>
@@ -40,7 +40,7 @@ Value DbName(SessionCore& session, Values values, Types types) {
     return {};
 }
 
-/// Numbers as texts: the one type that stands for sql_variant here.
+/// Gives numbers as texts, since there is no sql_variant.
 Value ServerProperty(SessionCore& session, Values values, Types types) {
     const std::string property = AsciiUpper(TextOf(values, types, 0));
     const std::string& server = session.server().name();
@@ -173,7 +173,7 @@ Value CursorStatus(SessionCore& session, Values values, Types types) {
     return std::int64_t{!cursor ? -3 : cursor->open ? (cursor->rows.rows.empty() ? 0 : 1) : -1};
 }
 
-/// FORMATMESSAGE: a message by number or a text, with its arguments put in. NULL for a number that is none.
+/// FORMATMESSAGE: a message by number or a text, with its arguments put in. NULL for an unknown number.
 Value FormatMessage(SessionCore& session, Values values, Types types) {
     std::vector<FormatArgument> arguments;
     for (std::size_t i = 1; i < values.size(); ++i) {
@@ -190,7 +190,7 @@ Value FormatMessage(SessionCore& session, Values values, Types types) {
     return found ? Value(found->text) : Value();
 }
 
-/// The SET options of the session, 1 or 0.
+/// SESSIONPROPERTY: a SET option of the session, 1 or 0.
 Value SessionProperty(SessionCore& session, Values values, Types types) {
     const std::string name = AsciiUpper(TextOf(values, types, 0));
     const Options& options = session.options();
@@ -250,7 +250,7 @@ Value TypeNameOf(SessionCore& session, Values values, Types types) {
     return {};
 }
 
-/// Random, version 4.
+/// A random identifier, version 4.
 Value NewId(SessionCore&, Values, Types) {
     static thread_local std::mt19937_64 random{std::random_device{}()};
     Guid guid;

@@ -17,12 +17,12 @@ struct NumberedMessage {
     std::string text; ///< with the arguments put in
 };
 
-/// None for a number that has no message.
+/// Empty for a number without message.
 std::optional<NumberedMessage> FindMessageText(SessionCore& session, std::int32_t number,
                                                std::span<const FormatArgument> arguments);
 
-/// The server's own messages as the rows of a query in SQLite's SQL: error, severity, description. Where a
-/// message takes an argument, "%ls" stands.
+/// The server's own messages as the rows of a query in SQLite's SQL: error, severity, description. Arguments
+/// are written as "%ls".
 std::string MessageRows();
 
 } // namespace devsql
