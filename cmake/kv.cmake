@@ -1,5 +1,5 @@
-# What every target of the tree has in common: warnings, sanitizers, static Windows executables; and the one
-# way to declare a library, a program and a test.
+# The options of every target (warnings, sanitizers, static Windows executables), and the functions that declare a
+# library, a program and a test.
 
 # The root of the sources, also where the project is the development server alone.
 get_filename_component(KV_ROOT "${CMAKE_CURRENT_LIST_DIR}/.." ABSOLUTE)
@@ -7,30 +7,30 @@ get_filename_component(KV_ROOT "${CMAKE_CURRENT_LIST_DIR}/.." ABSOLUTE)
 add_library(kv_options INTERFACE)
 target_compile_options(kv_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor
                                             -Wold-style-cast -Wconversion -Wno-sign-conversion -fno-strict-aliasing)
-# GCC 12 sees overlapping copies in "literal" + std::string at -O2 where there are none.
-# clang, which clang-tidy and the fuzzers are, does not know that warning and would stop at its name.
+# At -O2 GCC 12 wrongly warns of overlapping copies in "literal" + std::string. clang, which clang-tidy and the fuzzers
+# use, does not know that warning and would fail on its name.
 target_compile_options(kv_options INTERFACE -Wno-restrict -Wno-unknown-warning-option)
 if(KV_UNITY)
-    # In a batch a source is an included file, whose classes GCC takes for everybody's: those with members of types from
-    # its own unnamed namespace are warned of.
+    # In a batch a source is an included file. GCC then warns of its classes with members of types from an unnamed
+    # namespace, as if it were a header.
     target_compile_options(kv_options INTERFACE -Wno-subobject-linkage)
 endif()
 if(KV_SANITIZE)
-    # Compiling is most of what a run of the tests costs. Line numbers are all of the debug information that the
-    # sanitizers' reports need, and optimising costs more than it brings, but for the development server (there). Four
-    # checks at every access to an object cost a quarter of the compiling: a null pointer's use and one past an object
-    # stop the program at the processor and the address sanitizer anyway, this processor
-    # takes every alignment, and casts down go by a kind that is asked first.
+    # Compiling takes most of the time of a test run. The sanitizers' reports need only line numbers of the debug
+    # information, and optimising takes more time than it saves, except for the development server, which sets it itself.
+    # Four checks at every access to an object would take a quarter of the compile time and find nothing more: the
+    # processor stops at a null pointer, the address sanitizer finds accesses outside an object, the processor accepts
+    # every alignment, and a downcast follows a test of the object's kind.
     target_compile_options(kv_options INTERFACE -g1 -fsanitize=address,undefined -fno-sanitize-recover=all
                                                 -fno-sanitize=null,alignment,object-size,vptr -fno-omit-frame-pointer)
     target_link_options(kv_options INTERFACE -fsanitize=address,undefined)
 endif()
 if(KV_FUZZ)
-    # What a fuzzer sees of the way an input takes; only clang has it.
+    # Lets the fuzzer see which code an input reaches; only clang has it.
     target_compile_options(kv_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 if(WIN32)
-    # One static executable: no DLL beyond the system's own.
+    # One static executable that needs only the system's DLLs.
     target_link_options(kv_options INTERFACE -static -Wl,--no-insert-timestamp)
     target_compile_definitions(kv_options INTERFACE WINVER=0x0601 _WIN32_WINNT=0x0601 NOMINMAX)
 endif()
@@ -42,7 +42,7 @@ endif()
 # builds use absolute paths).
 function(kv_batches result target)
     set(per_batch 8)
-    # The system's headers define macros with plain names, so sources that include them stay apart.
+    # The system's headers define macros with common names, so sources that include them are compiled separately.
     set(apart ${ARGN})
     list(FILTER apart INCLUDE REGEX "(^|/)windows/|\\.rc$")
     set(together ${ARGN})
@@ -74,8 +74,8 @@ function(kv_batches result target)
     set(${result} ${batches} ${apart} PARENT_SCOPE)
 endfunction()
 
-# kv_library(NAME SOURCES … SEPARATE … LINK …): a static library; headers are named from the root of the tree's src/.
-# SEPARATE: sources that cannot be compiled in one batch with others.
+# kv_library(NAME SOURCES … SEPARATE … LINK …): a static library; headers are included by their paths below src/.
+# SEPARATE: sources that cannot be compiled in a batch with others.
 function(kv_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;SEPARATE;LINK" ${ARGN})
     kv_batches(sources ${name} ${ARG_SOURCES})
@@ -93,12 +93,12 @@ function(kv_program name)
     target_link_libraries(${name} PRIVATE ${ARG_LINK} kv_options)
 endfunction()
 
-# Builds what the tests that need nothing consist of.
+# Builds the programs of all unit tests.
 add_custom_target(unit_tests)
 
-# kv_test(NAME LABEL … SOURCES … SEPARATE … LINK …): a GoogleTest program, which is one test of ctest: a start costs 50
-# milliseconds, under Wine half a second. tools/test-counts counts the tests in it.
-# LABEL says what it needs: "unit" nothing, "server" a development server, "wine", "screen".
+# kv_test(NAME LABEL … SOURCES … SEPARATE … LINK …): a GoogleTest program. The program is one test of ctest, because
+# starting it takes 50 milliseconds, under Wine half a second. tools/test-counts counts the tests in it.
+# LABEL says what it needs: "unit" nothing, "server" a development server, "wine" Wine, "screen" a screen.
 function(kv_test name)
     cmake_parse_arguments(ARG "" "LABEL" "SOURCES;SEPARATE;LINK" ${ARGN})
     if(ARG_UNPARSED_ARGUMENTS)
@@ -111,23 +111,23 @@ function(kv_test name)
         add_dependencies(unit_tests ${name})
     endif()
     if(WIN32)
-        # Tests alone: what is shipped is linked by the compiler's own linker.
+        # Only tests: the delivered programs are linked by the compiler's own linker.
         target_link_options(${name} PRIVATE "SHELL:-wrapper ${KV_ROOT}/tools/link-with-lld")
-        # On a screen the system itself shows a box for a program that cannot be started, and waits for an answer.
+        # With a screen the system shows a box if a program cannot be started, and waits for an answer.
         set(runner env -u DISPLAY "${KV_ROOT}/tests/run-under-wine")
         if("screen" IN_LIST ARG_LABEL)
             set(runner "${KV_ROOT}/tests/with-screen" "${KV_ROOT}/tests/run-under-wine")
         endif()
         add_test(NAME ${name} COMMAND ${runner} $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600)
-        # Seen: a program that has crashed under Wine, whose exit code was 0.
+        # A program that crashed under Wine has been seen to return exit code 0.
         set_tests_properties(${name} PROPERTIES FAIL_REGULAR_EXPRESSION "starting debugger")
         if("screen" IN_LIST ARG_LABEL)
-            # A new screen ends what runs in the prefix for screens (tests/run-under-wine).
+            # A new screen ends the programs in the Wine prefix for screens (tests/run-under-wine).
             set_tests_properties(${name} PROPERTIES RESOURCE_LOCK wine_screen)
         endif()
     elseif("screen" IN_LIST ARG_LABEL)
-        # One test of the whole program: a screen takes longer to come up than most of them.
+        # One screen for the whole program: starting a screen takes longer than most of its tests.
         add_test(NAME ${name} COMMAND "${KV_ROOT}/tests/with-screen" $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600 RESOURCE_LOCK screen
             ENVIRONMENT "LSAN_OPTIONS=suppressions=${KV_ROOT}/tests/leaks_of_others.txt")

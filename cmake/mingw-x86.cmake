@@ -1,4 +1,4 @@
-# mingw-w64 for Windows x86. The posix thread variant is the one whose C++20 library is complete.
+# mingw-w64 for Windows x86. Only the variant with posix threads has a complete C++20 library.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)

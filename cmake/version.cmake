@@ -1,5 +1,5 @@
-# The one place for the version and the names of the product: the executables, the packages and the build take them
-# from here. KV_VERSION_COMMENTS is the text that the title of the main window shows.
+# The version and the names of the product, for the executables, the packages and the build. KV_VERSION_COMMENTS is shown
+# in the title of the main window.
 set(KV_VERSION "6.0.4.31")
 set(KV_VERSION_COMMENTS "Version 6.G4 Build 31")
 string(REPLACE "." "," KV_VERSION_NUMBERS "${KV_VERSION}")
@@ -7,9 +7,9 @@ set(KV_PRODUCT "Lotkeeper Database Manager")
 set(KV_DESCRIPTION "Halvane Vindrel SQL Database Manager")
 set(KV_MAKER "Halvane Vindrel")
 
-# kv_windows_resources(TARGET [FILE name] [DESCRIPTION text]): the icons, the manifest and the version record of a Windows
-# executable; those of the product unless they are given. The manifest selects version 6 of the common controls and
-# lets the program see the monitor's real pixels.
+# kv_windows_resources(TARGET [FILE name] [DESCRIPTION text]): adds icons, manifest and version record to a Windows
+# executable. File name and description are the product's unless they are given. The manifest selects version 6 of the
+# common controls and prevents the system from scaling the windows.
 function(kv_windows_resources target)
     if(NOT WIN32)
         return()

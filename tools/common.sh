@@ -1,9 +1,9 @@
-# What ./demo, ./check and ./bench have in common: telling what they do, packages, builds, Wine.
-# To be sourced from the root of the checkout.
+# Functions of ./demo, ./check and ./bench: progress messages, packages, builds, steps.
+# Source it from the root of the checkout.
 
 export DEBIAN_FRONTEND=noninteractive
-# The compiler cache is the user's, so that a fresh clone starts with what another checkout has compiled: paths below
-# the checkout count as relative, and the folder of the build does not count.
+# The compiler cache is in the user's cache folder and serves all checkouts: paths below the checkout are made relative,
+# and the build folder is ignored.
 export CCACHE_DIR="${CCACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/ccache}" CCACHE_MAXSIZE="${CCACHE_MAXSIZE:-5G}"
 export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 
@@ -17,10 +17,10 @@ PACKAGING_PACKAGES="msitools wixl faketime pandoc xz-utils dpkg-dev"
 
 started=$SECONDS
 
-# say TEXT: one line on what is being done, with the time since the start.
+# say TEXT: prints a line with the time since the start.
 say() { printf '[%2d:%02d] %s\n' $(((SECONDS - started) / 60)) $(((SECONDS - started) % 60)) "$*"; }
 
-# need PACKAGE…: installs what is missing.
+# need PACKAGE…: installs the missing packages.
 need() {
     local missing=() package
     for package in "$@"; do
@@ -41,7 +41,7 @@ need() {
     fi
 }
 
-# watch LOG PID: until the process ends, every 15 seconds how far the build or ctest has come.
+# watch LOG PID: until the process ends, prints the progress of the build or of ctest every 15 seconds.
 watch() {
     local log=$1 pid=$2 last= now
     while kill -0 "$pid" 2>/dev/null; do
@@ -55,15 +55,15 @@ watch() {
     done
 }
 
-# build PRESET [TARGET…]: configures once, for whole builds (KV_UNITY), and builds; tells how far it is, and the errors if
-# it fails. A tree that somebody has configured otherwise stays as it is.
+# build PRESET [TARGET…]: configures the tree once, in batches (KV_UNITY), and builds it; prints the progress, and the
+# errors if it fails. A tree that is already configured is not configured again.
 build() {
     local preset=$1 pid
     shift
     say "building $preset${*:+: $*}"
     mkdir -p build
     local log=build/$preset.log
-    # Tests that run beside a build come first: some wait for a server no longer than a second.
+    # Tests that run at the same time get the processor first: some wait for a server no longer than a second.
     { { [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset" -DKV_UNITY=ON; } && nice cmake --build --preset "$preset" ${*:+--target "$@"}; } > "$log" 2>&1 &
     pid=$!
     watch "$log" $pid
@@ -75,14 +75,14 @@ build() {
     fi
 }
 
-# step NAME COMMAND [ARGUMENT…]: runs a command, notes how long it took and how it ended, and returns its exit code.
+# step NAME COMMAND [ARGUMENT…]: runs a command, records its time and exit code, and returns the exit code.
 steps=$PWD/build/steps
 step() {
     local name=$1 begun=$((SECONDS - started)) code=0 cpu
     shift
     say "$name"
     mkdir -p build
-    # The times of a subshell's children are those of the command alone.
+    # In a subshell `times` counts only this command.
     ( set +e; "$@"; code=$?; times > "$steps.$BASHPID.times"; exit $code ) &
     local pid=$!
     wait $pid || code=$?
@@ -93,7 +93,7 @@ step() {
     return $code
 }
 
-# show_steps: a table of the steps by their beginning. Those that ran beside each other overlap.
+# show_steps: prints a table of the steps in the order of their start. Steps that ran in parallel overlap.
 show_steps() {
     echo
     printf '%-34s %8s %8s %8s\n' step began took "CPU time"
@@ -104,5 +104,5 @@ show_steps() {
     echo
 }
 
-# failed_steps: the names of those that failed, one for each line.
+# failed_steps: prints the names of the failed steps, one on each line.
 failed_steps() { [ ! -e "$steps" ] || awk -F'\t' '$5 { print $1 }' "$steps"; }

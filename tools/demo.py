@@ -1,4 +1,4 @@
-# The demo's run: what it does is printed as it goes, and every claim is asked over the wire before it is made.
+# The run of ./demo: prints each step, and checks every result on the servers before it reports it.
 #
 #   demo.py BIN_FOLDER
 import os
@@ -13,7 +13,7 @@ from test_machine import PACKAGES, PASSWORD, TEMPLATES, USER, DevServer, Machine
 from upgraded_samples_test import RENAMED, USE_OF_VERSION_1  # noqa: E402
 
 TEMPORARY = "TmpBatchUpgradeDb"
-# What a synchronisation leaves to each server: its own settings, and figures that it works out itself.
+# Tables that a synchronisation does not copy: a server's settings, and figures that it calculates itself.
 OWN_TABLES = ("LKConfig", "BatchSummary")
 
 
@@ -28,7 +28,7 @@ def check(claim, holds):
 
 
 class Node:
-    """A computer of the pair: its server, and the program beside it."""
+    """A computer of the pair, with its server and the program."""
 
     def __init__(self, name, binaries, folder):
         self.name = name
@@ -42,7 +42,7 @@ class Node:
         return self.server.ask_bsqldb("SELECT name FROM msdb.dbo.sysdtspackages ORDER BY name\n")
 
     def files(self):
-        """What lies in the data folder; while a database is in use, the server has companions of its data file."""
+        """The files of the data folder, without the two auxiliary files that the server keeps for a database in use."""
         return sorted(name for name in os.listdir(self.machine.data) if not name.endswith(("-wal", "-shm")))
 
     def version(self, database="Batch"):
@@ -97,20 +97,20 @@ def install(node):
     node.run_program(*machine.install_arguments(server, "/installdb", "/installsp", "/installdts"))
     node.show()
     node.check_quiet()
-    check(f"{node.name}: data file and log file lie in the data folder", node.files() == ["Batch_data.mdf", "Batch_log.ldf"])
+    check(f"{node.name}: data file and log file are in the data folder", node.files() == ["Batch_data.mdf", "Batch_log.ldf"])
     tables = sorted(node.in_template("Create_Batch_Database", "TABLE") +
                     node.in_template("Create_Batch_Stored_Procedures", "TABLE"))
-    check(f"{node.name}: the {len(tables)} tables are those of the templates", node.tables() == tables)
+    check(f"{node.name}: it has the {len(tables)} tables of the templates", node.tables() == tables)
     procedures = node.in_template("Create_Batch_Stored_Procedures", "PROCEDURE")
-    check(f"{node.name}: the {len(procedures)} stored procedures are those of the template",
+    check(f"{node.name}: it has the {len(procedures)} stored procedures of the template",
           server.column("SELECT name FROM sysobjects WHERE xtype = 'P'", "Batch") == procedures)
     check(f"{node.name}: LKConfig says DatabaseVersion 1", node.version() == "1")
     check(f"{node.name}: the {len(PACKAGES)} packages are stored", sorted(node.packages()) == sorted(PACKAGES))
-    check(f"{node.name}: the default data are there", node.count("LKConfig") > 1 and node.count("Units") == 4)
+    check(f"{node.name}: it has the default data", node.count("LKConfig") > 1 and node.count("Units") == 4)
 
 
 def use(node):
-    """Some days of a plant, so that there is something to carry over."""
+    """Makes the batches of some days, so that there are data to upgrade."""
     for statement in USE_OF_VERSION_1:
         node.server.ask(statement, "Batch")
     for table in node.tables():
@@ -128,11 +128,11 @@ def upgrade(node):
     print(f"   {node.name}: after")
     node.show()
     node.check_quiet()
-    check(f"{node.name}: version 1 is out of the way as {TEMPORARY}, Batch is version 2",
+    check(f"{node.name}: version 1 is renamed to {TEMPORARY}, Batch is version 2",
           (node.version(TEMPORARY), node.version()) == ("1", "2"))
     check(f"{node.name}: both databases have their files in the folder of the old ones", node.files() ==
           ["Batch_data.mdf", "Batch_log.ldf", TEMPORARY + "_data.mdf", TEMPORARY + "_log.ldf"])
-    check(f"{node.name}: {TEMPORARY} holds what Batch held, row for row",
+    check(f"{node.name}: {TEMPORARY} has the rows that Batch had",
           {table: node.rows(table, node.columns(table, TEMPORARY), TEMPORARY) for table in node.tables(TEMPORARY)} == old)
     check_carried_over(node, old)
 
@@ -143,17 +143,17 @@ def check_carried_over(node, old):
         print(f"     {table:<24} {len(old[table]):>10} {node.count(table):>10}", flush=True)
     for table in sorted(set(old) - {"Batches", "Events", "LKConfig"}):
         names = [RENAMED.get(table, {}).get(name, name) for name in node.columns(table, TEMPORARY)]
-        check(f"{node.name}: {table} is the same, row for row", node.rows(table, names) == old[table])
+        check(f"{node.name}: {table} has the same rows", node.rows(table, names) == old[table])
     overview = ["BatchName", "RecipeName", "UnitName", "OrderNo", "CustomerName", "StatusText", "StartTime", "EndTime",
                 "Cost", "Yield"]
-    check(f"{node.name}: Batches and the new table Orders together say what Batches said",
+    check(f"{node.name}: Batches and the new table Orders together have the data that Batches had",
           node.rows("vBatchOverview", overview) == node.rows("vBatchOverview", overview, TEMPORARY))
-    check(f"{node.name}: Events holds the old ones and one of the upgrade", node.count("Events") == len(old["Events"]) + 1)
+    check(f"{node.name}: Events has the old events and one of the upgrade", node.count("Events") == len(old["Events"]) + 1)
 
 
 class Pair:
-    """The two nodes as an operator's console on Server A sees them. The program's command line has no argument for what
-    the console's tabs do, so a small program calls the same managers."""
+    """The two nodes, operated from Server A. The program's command line cannot do what the console's tabs do, so a small
+    program calls the same managers."""
 
     def __init__(self, a, b):
         self.a, self.b = a, b
@@ -167,7 +167,7 @@ class Pair:
             file.write(f"ScriptFolder={a.machine.scripts}\n")
 
     def run(self, selected, *command):
-        """Runs an operation with the node as the selected server; gives what it printed."""
+        """Runs an operation with the node as the selected server; returns its output."""
         letter = "a" if selected is self.a else "b"
         print(f"   {selected.name} selected: {' '.join(command)}", flush=True)
         run = subprocess.run([self.tool, self.settings, letter, *command], env=self.a.machine.environment,
@@ -182,7 +182,7 @@ class Pair:
 
 
 def differing(a, b):
-    """The tables that do not hold the same rows."""
+    """The tables whose rows differ."""
     return [table for table in a.tables() if table not in OWN_TABLES and
             a.rows(table, a.columns(table)) != b.rows(table, b.columns(table))]
 
@@ -196,7 +196,7 @@ def synchronise(pair, source):
     print(f"     {'table':<24} {source.name:>10} {destination.name:>10}")
     for table in tables:
         print(f"     {table:<24} {source.count(table):>10} {destination.count(table):>10}", flush=True)
-    check(f"the {len(tables)} tables of {destination.name} hold what those of {source.name} held, row for row",
+    check(f"the {len(tables)} tables of {destination.name} have the rows of {source.name}",
           all(destination.rows(table, destination.columns(table)) == wanted[table] for table in tables))
     check(f"{destination.name} keeps its own settings",
           destination.server.ask("SELECT Value FROM LKConfig WHERE ParameterName = 'ServerA'", "Batch") ==
@@ -204,27 +204,27 @@ def synchronise(pair, source):
 
 
 def replicate(pair):
-    """Replication on, a synchronisation with it on, and off."""
+    """Installs replication, synchronises, and uninstalls replication."""
     a, b = pair.a, pair.b
     jobs = ("SELECT j.name FROM msdb.dbo.sysjobs j INNER JOIN msdb.dbo.syscategories c ON c.category_id = j.category_id "
             "WHERE c.category_class = 1 AND c.name = N'REPL-Distribution'")
     pair.run(a, "create-replication-procedures")
     check(f"{a.name}: the query tool reported no error",
           not re.search(r"Msg \d+, Level 1[1-9]", a.machine.output("Create_Replication_Stored_Procedures")))
-    check("replication is off", pair.run(a, "is-replication-installed", "Batch") == "not installed" and not a.server.ask(jobs))
+    check("replication is not installed", pair.run(a, "is-replication-installed", "Batch") == "not installed" and not a.server.ask(jobs))
     pair.run(a, "install-replication", "Batch")
-    print("   a development server keeps publications, subscriptions and jobs; it carries no row over by itself")
+    print("   a development server stores publications, subscriptions and jobs; it does not copy rows by itself")
     job = a.server.ask(jobs)
-    check("replication is on", pair.run(a, "is-replication-installed", "Batch") == "installed" and len(job) == 1)
+    check("replication is installed", pair.run(a, "is-replication-installed", "Batch") == "installed" and len(job) == 1)
     print(f"   {a.name}: job {job[0][0]}")
     articles = a.server.column("SELECT name FROM sysarticles", "Batch")
     check(f"{len(articles)} tables are published to {b.name}",
           articles == [table for table in a.tables() if table not in OWN_TABLES])
     a.server.ask("EXEC dbo.spEndBatch 1001, 480", "Batch")
     synchronise(pair, a)
-    check("the synchronisation took replication off and put it back", a.server.ask(jobs) == job)
+    check("the synchronisation uninstalled replication and installed it again", a.server.ask(jobs) == job)
     pair.run(a, "uninstall-replication", "Batch")
-    check("replication is off", pair.run(a, "is-replication-installed", "Batch") == "not installed" and not a.server.ask(jobs))
+    check("replication is not installed", pair.run(a, "is-replication-installed", "Batch") == "not installed" and not a.server.ask(jobs))
 
 
 def main():
@@ -248,7 +248,7 @@ def main():
         pair = Pair(a, b)
         heading("Server A is synchronised with Server B")
         synchronise(pair, a)
-        heading("The other way round, after some work on Server B")
+        heading("Server B is synchronised with Server A, after some work on Server B")
         b.server.ask("EXEC dbo.spStartBatch N'B-9', 1, 3, 250, 'A-19', N'Nord', 3 EXEC dbo.spBlockLot 'W-0001'", "Batch")
         synchronise(pair, b)
         heading("Replication from Server A to Server B")

@@ -1,6 +1,5 @@
-# The console on a pair of development servers with the sample database: everything is laid out, the console is opened with
-# the General tab filled in, and what to try is printed. When the window is closed, the servers are stopped and what was laid
-# out is deleted.
+# Opens the console on a pair of development servers with the sample database and the General tab filled in, and prints
+# what can be tried. When the window is closed, the servers are stopped and all files deleted.
 #
 #   demo_console.py SERVER_BIN_FOLDER PROGRAM_BIN_FOLDER [--windows]
 import os
@@ -23,7 +22,7 @@ WHAT_TO_TRY = """
    General      the fields of both servers are filled in; empty a user's name and tabs become grey
    Script       tick "Create Batch Database", choose "Create and Install script files", press Run
    Synchronize  source and destination "Batch": Server A's rows go to Server B
-   Upgrade      rename "Batch" to another name, or remove it: there is no question first
+   Upgrade      rename "Batch" to another name, or remove it: it does not ask first
    Replication  choose "Batch", install and uninstall
    View Data    choose "Batch", then a table: "Units" has an identity column, marked with a star
    Stored Proc. choose "Batch" and "spStartBatch"; the green arrow opens the dialog that runs it
@@ -31,7 +30,7 @@ Close the window and everything is stopped and deleted."""
 
 
 def settings(machine, servers, scripts, data):
-    """What the program remembers of the General tab: that is how it comes up filled in."""
+    """The remembered entries of the General tab, with which the program fills it."""
     values = {"edtScriptFolder": machine.native(scripts)}
     for index, server in enumerate(servers):
         values |= {f"edtServerName{index}": server.name, f"edtUserID{index}": USER, f"edtPassword{index}": PASSWORD,
@@ -41,7 +40,8 @@ def settings(machine, servers, scripts, data):
 
 
 def remember(machine, values):
-    """On Linux a file, on Windows keys, for a file of the registry's own form."""
+    """Writes the entries: on Linux to the program's settings file, for Windows to a registry file, whose path it
+    returns."""
     if machine.wine:
         path = os.path.join(machine.folder, "settings.reg")
         lines = [f'"{key}"="' + value.replace("\\", "\\\\") + '"' for key, value in values.items()]
@@ -58,7 +58,7 @@ def remember(machine, values):
 
 
 def install(machine, server):
-    """The sample database, by the program's own unattended run, and some days of use."""
+    """Installs the sample database with an unattended run, and makes the batches of some days."""
     machine.run(*machine.install_arguments(server, "/installdb", "/installsp"), timeout=600)
     if "Batch" not in server.column("SELECT name FROM master.dbo.sysdatabases"):
         sys.exit("demo: the database was not installed; see " + machine.log_folder)
@@ -81,7 +81,7 @@ def main():
     wine = "--windows" in sys.argv[3:]
     shutil.rmtree(FOLDER, ignore_errors=True)
     try:
-        # The database is installed by the program of this system in either case: the servers are.
+        # The servers run on Linux, so the Linux program installs the databases in either case.
         nodes = [Machine(servers_bin, os.path.join(FOLDER, letter)) for letter in "AB"]
         console = Machine(program_bin, os.path.join(FOLDER, "console"), wine=wine, screen=wine)
         server_program = os.path.join(servers_bin, "devsqlserver")

@@ -1,4 +1,4 @@
-# The help of each program and its manual page name the same options, and the manual's chapters link only what is there.
+# The help of each program and its manual page have the same options, and every link of the manual's chapters has a target.
 #
 #   help_test.py BIN_FOLDER
 import os
@@ -25,7 +25,7 @@ def read(*path):
 
 
 def options_of_page(name, prefix):
-    """The options of a manual page: what the lines above a description begin with."""
+    """The options of a manual page: the beginnings of the lines above a description."""
     terms = re.findall(r"^(\S.*)\n:   ", read("man", name), re.MULTILINE)
     return {word for term in terms for word in re.findall(rf"(?:^|, ){prefix}[\w?-]+", term)}
 
@@ -49,7 +49,7 @@ class Options(unittest.TestCase):
 
 
 class Chapters(unittest.TestCase):
-    def test_what_they_link_is_there(self):
+    def test_every_link_has_a_target(self):
         chapters = [name for name in os.listdir(MANUAL) if name.endswith(".md")]
         self.assertGreater(len(chapters), 5)
         for name in chapters:

@@ -1,5 +1,5 @@
-# Installs the sample templates on a development server of its own, over the wire, and uses what they made: the
-# rows, the rights, every procedure. Not asked here: the program and its query tool, which have tests of their own.
+# Installs the sample templates on a development server with a database client, and tests the result: the rows, the
+# rights, every procedure. Does not use the program or its query tool, which have their own tests.
 #
 #   installed_samples_test.py DEVSQLSERVER SCRIPT_FOLDER
 import datetime
@@ -16,7 +16,7 @@ import uuid
 
 import pymssql
 
-# The driver by which a server reaches linked servers, wherever the tests run.
+# Registers the driver with which a server connects to linked servers.
 ODBC_CONFIG = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "src", "odbc", "odbc_config")
 USER, PASSWORD = "lk_admin", "Pass_1!"
 TEMPLATES = ("Create_Batch_Database", "Insert_Default_Data", "Create_Batch_Stored_Procedures",
@@ -24,7 +24,7 @@ TEMPLATES = ("Create_Batch_Database", "Insert_Default_Data", "Create_Batch_Store
 
 
 class Server:
-    """A development server in a folder of its own; gone with stop()."""
+    """A development server in a new folder, which stop() deletes."""
 
     def __init__(self, program):
         self.root = tempfile.mkdtemp(prefix="kv-samples-")
@@ -60,8 +60,8 @@ class Server:
 
 
 def modified(template, data_path, more=()):
-    """The template as an unattended run makes it: nothing is known of Server B, the domain, the UNC paths. `more` are
-    values that the console knows."""
+    """The script that an unattended run makes from the template: Server B, the domain and the UNC paths are empty. `more`
+    has further values, as the console would use."""
     values = {"server": "NODE1", "servera": "NODE1", "userid": USER, "userida": USER, "password": PASSWORD,
               "passworda": PASSWORD, "datapath": data_path, "datapatha": data_path, **dict(more)}
 
@@ -79,7 +79,7 @@ def batches(script):
 
 
 def run(cursor, statement, parameters=None):
-    """All result sets of a statement; the first error of the server is raised."""
+    """Returns all result sets of a statement; raises the server's first error."""
     cursor.execute(statement, parameters) if parameters else cursor.execute(statement)
     results = []
     while True:
@@ -90,7 +90,7 @@ def run(cursor, statement, parameters=None):
 
 
 def install(connection, script):
-    """Runs a script as a query tool does: each batch, whatever became of the one before. Gives the errors."""
+    """Runs a script as a query tool does: every batch, even after an error. Returns the errors."""
     errors = []
     with connection.cursor() as cursor:
         for number, batch in enumerate(batches(script), 1):
@@ -148,18 +148,18 @@ class InstalledSamples(unittest.TestCase):
         return self.one("DECLARE @r int, @b int "
                         f"EXEC @r = dbo.spStartBatch N'{name}', 1, {unit}{more}, @BatchId = @b OUTPUT SELECT @b")
 
-    def test_EveryTemplateRunsWhole(self):
+    def test_EveryTemplateRunsWithoutErrors(self):
         for name in TEMPLATES:
             with self.subTest(name):
                 self.assertEqual(self.errors[name], [])
 
     def test_TheDatabaseHasItsFilesInTheDataPath(self):
-        # While a client uses the database, the server keeps two companions of the data file beside it.
+        # While a client uses the database, the server keeps two auxiliary files of the data file in the folder.
         files = [name for name in os.listdir(self.server.data) if not name.endswith(("-wal", "-shm"))]
         self.assertEqual(sorted(files), ["Batch_data.mdf", "Batch_log.ldf"])
         self.assertEqual(self.one("SELECT COUNT(*) FROM master.dbo.sysdatabases WHERE name = N'Batch'"), 1)
 
-    def test_DefaultDataIsThereWithItsLetters(self):
+    def test_TheDefaultDataHaveTheirLetters(self):
         self.assertEqual(self.one("SELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'"), self.version)
         self.assertEqual(self.one("SELECT Value FROM dbo.LKConfig WHERE ParameterName = N'Currency'"), "€")
         self.assertIsNone(self.one("SELECT Value FROM dbo.LKConfig WHERE ParameterName = N'ServerB'"))
@@ -179,7 +179,7 @@ class InstalledSamples(unittest.TestCase):
         self.assertEqual(self.ask("SELECT RecipeId, StepNo, UnitId, SetPoint FROM dbo.RecipePhases ORDER BY 1, 2")[:5],
                          [(1, 1, 1, None), (1, 2, 1, 80.0), (1, 3, 1, None), (1, 4, 3, 22.5), (1, 5, 4, None)])
 
-    def test_KeysAndChecksHold(self):
+    def test_KeysAndChecksAreEnforced(self):
         self.refused("INSERT INTO dbo.LKUser (LoginName, FullName) VALUES (N'system', N'Twin')", "UQ_LKUser_LoginName")
         self.refused("INSERT INTO dbo.Phases VALUES (99, N'x', 'Q', 0)", "CK_Phases_Category")
         self.refused("INSERT INTO dbo.RecipePhases VALUES (1, 77, 12345, 1, NULL)", "FK_RecipePhases_Phases")
@@ -199,7 +199,7 @@ class InstalledSamples(unittest.TestCase):
         self.refused("EXEC dbo.spSetConfig N'DatabaseVersion', N'7'", "'DatabaseVersion'")
         self.assertEqual(self.one(read.format("DatabaseVersion")), (0, self.version))
 
-    def test_ABatchGoesItsWay(self):
+    def test_ABatchRunsFromStartToEnd(self):
         lot = self.released_lot("L-WAY", 100)
         batch = self.started_batch("Way-1", 1, ", 500, 'O-1', N'Müller & Söhne', 2, '20240105 10:00'")
         self.assertGreaterEqual(batch, 1000)
@@ -242,7 +242,7 @@ class InstalledSamples(unittest.TestCase):
         self.assertEqual(self.one(f"SELECT Notes, Remark FROM dbo.Batches WHERE BatchId = {batch}"),
                          ("Schön gelaufen", "ok"))
 
-    def test_AFailedStartLeavesNothing(self):
+    def test_AFailedStartChangesNothing(self):
         batch = self.started_batch("Twin", 4)
         events = self.one("SELECT COUNT(*) FROM dbo.Events")
         self.refused("EXEC dbo.spStartBatch N'twin', 1, 3", "UQ_Batches_BatchName")
@@ -261,7 +261,7 @@ class InstalledSamples(unittest.TestCase):
         self.assertEqual(self.one("DECLARE @d int EXEC dbo.spPurgeEvents @Deleted = @d OUTPUT SELECT @d"), 1)
         self.assertEqual(self.ask(f"SELECT * FROM dbo.Events WHERE EventId = {event}"), [])
 
-    def test_UnitsUsersAndLotsTakeTheirValues(self):
+    def test_UnitsUsersAndLotsAreChanged(self):
         self.ask("EXEC dbo.spSetUnitLimits 3, 1200.125, 38.5, '20240229 08:00'")
         limit = "MaxTemperature" if self.version == "1" else "TemperatureLimit"
         self.assertEqual(self.one(f"SELECT MaxVolume, {limit}, LastCleaned FROM dbo.Units WHERE UnitId = 3"),
@@ -291,7 +291,7 @@ class InstalledSamples(unittest.TestCase):
                           "Lots", "Materials", "Phases", "RecipePhases", "Recipes", "Units"])
         self.assertEqual("Orders" in counts, self.version != "1")
 
-    def test_RecalculationsPutTheFiguresRight(self):
+    def test_RecalculationsCorrectTheFigures(self):
         lot = self.released_lot("L-CALC", 1000)
         batch = self.started_batch("Calc-1", 3, ", 200")
         self.ask(f"EXEC dbo.spConsumeLot {batch}, {lot}, 100")
@@ -307,7 +307,7 @@ class InstalledSamples(unittest.TestCase):
                             f"WHERE Status >= 3 AND CONVERT(char(7), StartTime, 120) = '{month}' AND RecipeId = 1")
         self.assertEqual((row[2], row[4], row[6]), expected)
 
-    def test_NoVersionTakesOverFromOneThatItDoesNotKnow(self):
+    def test_AnUpgradeFromAnUnknownVersionIsRefused(self):
         self.refused("spUpgradeDatabase 7, 9, N'TmpBatchUpgradeDb', N'Batch', N'u', N'p'",
                      "'TmpBatchUpgradeDb' of version 7 can not be upgraded to version 9")
         self.assertEqual(self.one("SELECT @@TRANCOUNT"), 0)
@@ -323,8 +323,8 @@ class InstalledSamples(unittest.TestCase):
         rows = self.ask("SELECT name FROM dbo.sysusers WHERE issqlrole = 1 AND name LIKE N'LK%' ORDER BY name")
         self.assertEqual(rows, [("LKBatchReader",), ("LKBatchUser",)])
 
-    # Last by its name: a second run of everything over a database in use.
-    def test_zASecondRunHarmsNothing(self):
+    # Its name makes it the last test: runs all scripts again on a database in use.
+    def test_zASecondRunKeepsTheData(self):
         self.ask("INSERT INTO dbo.LKConfig (ParameterName, Value) VALUES (N'Own', N'kept')")
         tables = "SELECT name FROM dbo.sysobjects WHERE xtype = 'U' ORDER BY name"
         counted = [name for (name,) in self.ask(tables) if name != "BatchSummary"]
@@ -343,7 +343,7 @@ class InstalledSamples(unittest.TestCase):
 class WithoutDatabase(unittest.TestCase):
     program = folder = None
 
-    def test_NoScriptTouchesMasterWhereTheDatabaseIsMissing(self):
+    def test_NoScriptChangesMasterIfTheDatabaseIsMissing(self):
         server = Server(self.program)
         self.addCleanup(server.stop)
         for name in TEMPLATES:

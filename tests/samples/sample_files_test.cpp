@@ -1,5 +1,5 @@
-// Holds the delivered templates and packages to what the program and the query tools expect of such files.
-// Runs nothing on a server.
+// Checks that the delivered templates and packages are as the program and the query tools expect them. Uses
+// no server.
 #include <algorithm>
 #include <array>
 #include <ostream>
@@ -33,7 +33,7 @@ struct ScriptFolder {
     std::string version;
 };
 
-/// What GoogleTest calls the parameter; without it, it prints the bytes.
+/// Prints the parameter in GoogleTest's output, which would print its bytes otherwise.
 void PrintTo(const ScriptFolder& folder, std::ostream* out) {
     *out << folder.path;
 }
@@ -65,7 +65,7 @@ bool IsAscii(std::string_view text) {
     return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80U; });
 }
 
-/// What is wrong with the file's form; empty if nothing is.
+/// Describes the first fault of the file's encoding or line ends; empty if there is none.
 std::string FormFault(std::string_view text) {
     constexpr std::string_view kNotInCodePage = "\x81\x8D\x8F\x90\x9D";
     if (text.starts_with("\xEF\xBB\xBF") || text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
@@ -88,7 +88,7 @@ std::string FormFault(std::string_view text) {
     return text.ends_with("\r\n") ? "" : "its last line has no end";
 }
 
-/// The batches of a script: what stands between the lines that hold GO alone.
+/// The batches of a script, which are separated by lines with GO.
 std::vector<std::string> Batches(const std::string& script) {
     std::vector<std::string> batches(1);
     std::istringstream lines(script);
@@ -103,7 +103,7 @@ std::vector<std::string> Batches(const std::string& script) {
 }
 
 /// The number of parameters of a procedure; 0 if the script does not create it. A template has each parameter
-/// on a line of its own.
+/// on a separate line.
 int ParameterCount(const std::string& script, const std::string& procedure) {
     std::size_t at = script.find("CREATE PROCEDURE [dbo].[" + procedure + "]\r\n");
     if (at == std::string::npos) {
@@ -131,7 +131,7 @@ TEST_P(SampleFiles, EveryTokenIsUsedSomewhereInTheTemplates) {
     }
 }
 
-TEST_P(SampleFiles, NoTemplateHoldsHashSignsThatAreNoToken) {
+TEST_P(SampleFiles, NoTemplateHasHashSignsOutsideTokens) {
     for (const eSQLScript script : kTemplates) {
         std::string text = ReadTemplate(GetParam(), script);
         for (const std::string_view token : kTokens) {
@@ -149,20 +149,20 @@ TEST_P(SampleFiles, TemplatesAreCodePage1252WithCrLfAndNoMark) {
     }
 }
 
-TEST_P(SampleFiles, DefaultDataHoldsLettersOutsideAscii) {
+TEST_P(SampleFiles, TheDefaultDataHaveLettersOutsideAscii) {
     const std::string text = ReadTemplate(GetParam(), sqlInsertDefaultData);
     EXPECT_NE(text.find("'\xB0\x43'"), std::string::npos) << "degrees Celsius";
     EXPECT_NE(text.find("N'\x80'"), std::string::npos) << "the euro sign";
     EXPECT_NE(text.find("R\xFChrkessel"), std::string::npos);
 }
 
-TEST_P(SampleFiles, DefaultDataHoldsTheVersionOfTheFolder) {
+TEST_P(SampleFiles, TheDefaultDataHaveTheVersionOfTheFolder) {
     EXPECT_NE(ReadTemplate(GetParam(), sqlInsertDefaultData)
                   .find("(N'DatabaseVersion', N'" + GetParam().version + "',"),
               std::string::npos);
 }
 
-TEST_P(SampleFiles, ProceduresOfTheProgramTakeItsArguments) {
+TEST_P(SampleFiles, ProceduresHaveTheParametersThatTheProgramPasses) {
     const std::string batch = ReadTemplate(GetParam(), sqlCreateBatchStoredProcedures);
     EXPECT_EQ(ParameterCount(batch, "spUpgradeDatabase"), 6);
     EXPECT_EQ(ParameterCount(batch, "spStdSynchronize"), 10);
@@ -174,14 +174,14 @@ TEST_P(SampleFiles, ProceduresOfTheProgramTakeItsArguments) {
     }
 }
 
-// An upgrade calls the procedure in a database that has seen the first three scripts only.
-TEST_P(SampleFiles, UnattendedScriptsBringAProcedureThatUninstallsReplication) {
+// An upgrade calls the procedure in a database in which only the first three scripts were run.
+TEST_P(SampleFiles, TheFirstThreeScriptsCreateAProcedureThatUninstallsReplication) {
     EXPECT_NE(ReadTemplate(GetParam(), sqlCreateBatchStoredProcedures)
                   .find("CREATE PROCEDURE [dbo].[spUninstallReplication]"),
               std::string::npos);
 }
 
-// Without the guard a script would go on in master where the database is missing.
+// Without the guard a script would continue in master if the database is missing.
 TEST_P(SampleFiles, EveryUseOfTheDatabaseIsGuarded) {
     for (const eSQLScript script : kTemplates) {
         const std::vector<std::string> batches = Batches(ReadTemplate(GetParam(), script));
@@ -199,7 +199,7 @@ TEST_P(SampleFiles, EveryUseOfTheDatabaseIsGuarded) {
     }
 }
 
-TEST_P(SampleFiles, NothingThatHoldsRowsIsDropped) {
+TEST_P(SampleFiles, NoTableWithRowsIsDropped) {
     for (const eSQLScript script : kTemplates) {
         const std::string text = ReadTemplate(GetParam(), script);
         EXPECT_EQ(text.find("DROP DATABASE"), std::string::npos);
@@ -210,7 +210,7 @@ TEST_P(SampleFiles, NothingThatHoldsRowsIsDropped) {
     }
 }
 
-TEST_P(SampleFiles, PackagesHaveAHeadThatTheProgramReadsAndTheNameOfTheirFile) {
+TEST_P(SampleFiles, PackagesCanBeReadAndAreNamedLikeTheirFiles) {
     std::set<std::string> ids;
     for (const eDTSPackage package : kDtsPackages) {
         const std::string path = GetParam().path + "/" + PackageFileName(package);
@@ -222,7 +222,7 @@ TEST_P(SampleFiles, PackagesHaveAHeadThatTheProgramReadsAndTheNameOfTheirFile) {
         ids.insert(file.package_id);
         ids.insert(file.version_id);
     }
-    EXPECT_EQ(ids.size(), 2 * kDtsPackages.size()) << "an identifier stands in two places";
+    EXPECT_EQ(ids.size(), 2 * kDtsPackages.size()) << "an identifier is used twice";
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, SampleFiles,

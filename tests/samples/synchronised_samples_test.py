@@ -1,5 +1,6 @@
-# The sample templates on a pair of development servers: spStdSynchronize must make the destination's tables equal to
-# the source's or change nothing, and the replication procedures must come and go. Over the wire, without the program.
+# Installs the sample templates on a pair of development servers with a database client: spStdSynchronize must make the
+# destination's tables equal to the source's or change nothing, and replication can be installed and uninstalled. Does
+# not use the program.
 #
 #   synchronised_samples_test.py DEVSQLSERVER SAMPLES_FOLDER
 import os
@@ -17,7 +18,7 @@ JOBS = ("SELECT j.name FROM msdb.dbo.sysjobs j INNER JOIN msdb.dbo.syscategories
 
 
 class Node(Server):
-    """A server of the pair; it knows its own name and the other's."""
+    """A server of the pair."""
 
     @property
     def name(self):
@@ -81,12 +82,12 @@ class Pair(unittest.TestCase):
         self.assert_nothing_left()
 
     def assert_nothing_left(self):
-        """Neither a linked server with its passwords nor a work table stays."""
+        """Checks that no linked server, which would have a password, is left."""
         for server in (self.a, self.b):
             if server.process.poll() is None:
                 self.assertEqual(server.ask("SELECT srvname FROM master.dbo.sysservers WHERE srvname LIKE N'LKSYNC%'"), [])
 
-    def test_BothWays(self):
+    def test_BothDirections(self):
         for version in ("v1", "v2"):
             with self.subTest(version):
                 self.install(version, version)
@@ -96,7 +97,7 @@ class Pair(unittest.TestCase):
                 self.assert_synchronised(self.a, self.b)
                 self.b.ask("EXEC dbo.spStartBatch N'B-9', 1, 3 DELETE FROM dbo.RecipePhases WHERE StepNo = 5")
                 self.assert_synchronised(self.b, self.a)
-                # Numbers go on where the source's were.
+                # The next number follows the source's last one.
                 self.a.ask("EXEC dbo.spStartBatch N'B-10', 1, 4" if version == "v2" else
                            "UPDATE dbo.Batches SET Status = 4 EXEC dbo.spStartBatch N'B-10', 1, 4")
                 self.assertEqual(self.a.ask("SELECT BatchId - (SELECT MAX(BatchId) FROM dbo.Batches WHERE BatchName <> "
@@ -104,9 +105,9 @@ class Pair(unittest.TestCase):
                 for server in (self.a, self.b):
                     server.ask("ALTER DATABASE [Batch] SET SINGLE_USER WITH ROLLBACK IMMEDIATE DROP DATABASE [Batch]", "master")
 
-    def test_WhatFailsChangesNothing(self):
+    def test_AFailureChangesNothing(self):
         self.install("v1", "v2")
-        # A table, and a column, that the other version does not have.
+        # The other version does not have these columns.
         self.assert_refused(self.b, self.a, "Invalid column name 'MaxTemperature'")
         self.assert_refused(self.a, self.b, "Invalid column name '(ChangedBy|TemperatureLimit)'")
         self.assert_refused(self.a, self.b, "Login failed", password="wrong")
@@ -116,17 +117,17 @@ class Pair(unittest.TestCase):
             self.synchronise(self.a, self.b)
         self.assert_nothing_left()
 
-    def test_ARowThatTheDestinationRefusesTakesAllBack(self):
+    def test_ARowThatTheDestinationRefusesRollsBackEverything(self):
         self.install("v2", "v2")
         self.a.ask("EXEC dbo.spStartBatch N'B-1', 1, 1 EXEC dbo.spAddEvent 5, 'alarm', N'Too hot'")
         self.b.ask("EXEC dbo.spStartBatch N'Kept', 1, 2 ALTER TABLE dbo.Events WITH NOCHECK ADD CONSTRAINT CK_Low "
                    "CHECK (Severity < 3)")
         self.assert_refused(self.a, self.b, "was not synchronised|CK_Low")
 
-    def test_ReplicationComesAndGoes(self):
+    def test_ReplicationIsInstalledAndUninstalled(self):
         self.install("v2", "v2", TEMPLATES)
         self.a.ask("exec spUninstallReplication")  # nothing to do
-        for _ in range(2):  # the second time it is there already
+        for _ in range(2):  # the second time it is already installed
             self.a.ask("exec spInstallReplication")
             self.assertEqual(len(self.a.ask(JOBS)), 1)
         self.assertEqual(sorted(row[0] for row in self.a.ask("SELECT name FROM dbo.sysarticles")),
@@ -136,7 +137,7 @@ class Pair(unittest.TestCase):
             self.a.ask("exec spUninstallReplication")
             self.assertEqual(self.a.ask(JOBS), [])
             self.assertEqual(self.a.ask("SELECT name FROM dbo.syspublications"), [])
-        # From the other server, with the pair the other way round.
+        # From the other server.
         self.b.ask("exec spInstallReplication")
         self.assertEqual((len(self.b.ask(JOBS)), self.a.ask(JOBS)), (1, []))
         self.b.ask("exec spUninstallReplication")

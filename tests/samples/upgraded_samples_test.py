@@ -1,5 +1,5 @@
-# What version 2 of the sample templates has and version 1 had not; and its spUpgradeDatabase, which must carry over
-# every row of a version 1 database that was in use. Over the wire, without the program.
+# The new features of version 2 of the sample templates, and its spUpgradeDatabase, which must copy every row of a used
+# version 1 database. Uses a database client, not the program.
 #
 #   upgraded_samples_test.py DEVSQLSERVER SAMPLES_FOLDER
 import decimal
@@ -36,7 +36,7 @@ class OnAServer(unittest.TestCase):
 
 
 class VersionTwo(OnAServer):
-    """What version 2 has and version 1 had not."""
+    """The features that version 1 does not have."""
 
     @classmethod
     def setUpClass(cls):
@@ -59,12 +59,12 @@ class VersionTwo(OnAServer):
             self.ask("EXEC dbo.spConsumeLot 1000, 1, 5")
         self.assertEqual(self.ask("DECLARE @r int EXEC @r = dbo.spBlockLot 'none' SELECT @r"), [(1,)])
 
-    def test_WhoSetAParameterIsKept(self):
+    def test_TheUserWhoSetAParameterIsStored(self):
         self.ask("EXEC dbo.spSetConfig N'Line', N'4'")
         self.assertEqual(self.ask("SELECT ChangedBy FROM dbo.LKConfig WHERE ParameterName = N'Line'"), [(USER,)])
 
 
-# A version 1 plant in use: every table has rows, with values that a careless copy would lose.
+# Fills a version 1 database: every table gets rows, with values that a careless copy would lose.
 USE_OF_VERSION_1 = [
     "DECLARE @b int EXEC dbo.spStartBatch N'B-1', 1, 1, 500, 'A-17', N'Müller & Söhne', 2, '20240105 10:00', @b OUTPUT "
     "EXEC dbo.spStartPhase @b, 2, '20240105 10:05' UPDATE dbo.Lots SET Released = 1 EXEC dbo.spConsumeLot @b, 1, 12.5 "
@@ -83,12 +83,12 @@ USE_OF_VERSION_1 = [
     "EXEC dbo.spAcknowledgeEvents 3, '20300101', 0",
     "EXEC dbo.spBatchSummaryRecalc 1200",
 ]
-# What a version 1 table is called in version 2's terms; a table that is not named here has the same columns.
+# The columns of version 1 that are renamed in version 2, by table.
 RENAMED = {"Units": {"MaxTemperature": "TemperatureLimit"}, "Recipes": {"Version": "Revision"}}
 
 
 class TwoDatabases(OnAServer):
-    """Version 1 in use, out of the way under its temporary name, and version 2 as the installation leaves it."""
+    """A used version 1 database under the temporary name, and a new version 2 database."""
 
     @classmethod
     def make_databases(cls):
@@ -102,7 +102,7 @@ class TwoDatabases(OnAServer):
 
     @classmethod
     def alone_in(cls, database, statement):
-        """Runs the statement from outside when nobody is in the database: a session ends some time after its client."""
+        """Disconnects everybody from the database and runs the statement: a session ends some time after its client."""
         with cls.server.connect() as connection, connection.cursor() as cursor:
             for step in (f"ALTER DATABASE [{database}] SET SINGLE_USER WITH ROLLBACK IMMEDIATE",
                          f"ALTER DATABASE [{database}] SET MULTI_USER", statement):
@@ -132,7 +132,7 @@ class TakenOver(TwoDatabases):
         cls.source_before = cls().everything("TmpBatchUpgradeDb")
         cls.take_over()
 
-    def test_EveryRowOfEveryTableIsTheSameUnderItsNewNames(self):
+    def test_EveryRowOfEveryTableIsCopied(self):
         for table in ("LKUser", "Units", "Phases", "Recipes", "RecipePhases", "Materials", "Lots", "BatchPhases",
                       "BatchMaterials", "BatchSummary"):
             with self.subTest(table):
@@ -142,7 +142,7 @@ class TakenOver(TwoDatabases):
                 self.assertTrue(wanted)
                 self.assertEqual(self.rows(table, new, "Batch"), wanted)
 
-    def test_BatchesKeepTheirOrderAndCustomerInATableOfItsOwn(self):
+    def test_OrdersAndCustomersOfBatchesAreMovedToTheirTable(self):
         old = self.columns("Batches")
         wanted = self.rows("Batches", old, "TmpBatchUpgradeDb")
         self.assertEqual(len(wanted), 4)
@@ -152,26 +152,26 @@ class TakenOver(TwoDatabases):
         self.assertEqual(self.rows("Orders", ["OrderNo", "CustomerName", "Due"], "Batch"),
                          [("A-17", "Müller & Söhne", None), (None, "Crème SA", None)])
 
-    def test_EventsAreTheOldOnesAndOneMore(self):
+    def test_EventsAreCopiedAndOneIsAdded(self):
         columns = self.columns("Events")
         new = self.rows("Events", columns, "Batch")
         added = [row for row in new if row not in self.rows("Events", columns, "TmpBatchUpgradeDb")]
         self.assertEqual(len(new) - 1, len(self.rows("Events", columns, "TmpBatchUpgradeDb")))
         self.assertEqual([row[6] for row in added], ["Version 2 took over 4 batches of version 1"])
 
-    def test_TheSitesOwnSettingsStay(self):
+    def test_TheSitesSettingsAreKept(self):
         wanted = dict(self.ask("SELECT ParameterName, Value FROM dbo.LKConfig", "TmpBatchUpgradeDb"))
         self.assertEqual((wanted["Shift"], wanted["ServerB"], wanted["Currency"]), ("früh", "NODE2", "CHF"))
         wanted["DatabaseVersion"] = "2"
         self.assertEqual(dict(self.ask("SELECT ParameterName, Value FROM dbo.LKConfig")), wanted)
 
-    def test_NumbersGoOnWhereTheyWere(self):
+    def test_NumbersContinueAfterTheLastOne(self):
         last = self.ask("SELECT MAX(BatchId) FROM dbo.Batches")[0][0]
         number = self.ask("SET NOCOUNT ON DECLARE @b int BEGIN TRANSACTION EXEC dbo.spStartBatch N'B-6', 1, 3, @BatchId = @b "
                           "OUTPUT ROLLBACK TRANSACTION SELECT @b")[0][0]
         self.assertEqual(number, last + 1)
 
-    def test_TheSourceIsNotTouched(self):
+    def test_TheSourceIsNotChanged(self):
         self.assertEqual(self.everything("TmpBatchUpgradeDb"), self.source_before)
 
 
@@ -184,7 +184,7 @@ class NotTakenOver(TwoDatabases):
         for database in ("Batch", "TmpBatchUpgradeDb"):
             self.alone_in(database, f"DROP DATABASE [{database}]")
 
-    def test_AFailureOnTheWayLeavesTheNewDatabaseAsItWas(self):
+    def test_AFailureLeavesTheNewDatabaseUnchanged(self):
         before = self.everything()
         for spoil in ("UPDATE dbo.BatchPhases SET StepNo = -1 ALTER TABLE dbo.BatchPhases DROP COLUMN SetPoint",
                       "DROP TABLE dbo.BatchSummary"):
@@ -193,7 +193,7 @@ class NotTakenOver(TwoDatabases):
                 self.take_over()
             self.assertEqual(self.everything(), before)
 
-    def test_ADatabaseThatHoldsBatchesIsRefused(self):
+    def test_ADatabaseWithBatchesIsRefused(self):
         self.take_over()
         before = self.everything()
         with self.assertRaisesRegex(pymssql.Error, "'Batch' holds batches already"):

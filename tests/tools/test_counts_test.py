@@ -1,5 +1,5 @@
-"""tools/test-counts sums the tests of programs honestly: a crash, a program that fails alone, a skipped test and one that
-never ran all count as failures, by name.
+"""tools/test-counts counts a crash, a program that fails without a failed test, a skipped test and a program without
+tests as failures, and names them.
 
 usage: test_counts_test.py TEST_COUNTS
 """
@@ -34,7 +34,7 @@ class TestCounts(unittest.TestCase):
             with open(names, encoding="utf-8") as file:
                 return run.returncode, run.stdout, file.read()
 
-    def test_the_tests_of_several_programs_are_added_up(self):
+    def test_the_tests_of_several_programs_are_added(self):
         code, text, names = self.count(case("one", "run", PASSES + PASSES.replace("Works", "Too/0")),
                                        case("two", "run", "noise\n....\n---\nRan 3 tests in 0.1s\n\nOK\n"),
                                        case("three", "run", "a program that is one test"))
@@ -47,13 +47,13 @@ class TestCounts(unittest.TestCase):
         self.assertIn("FAILED: one: A.Fails\n", text)
         self.assertIn("x.cpp:1: Failure\n", text)
 
-    def test_a_test_that_ends_its_program_is_named(self):
+    def test_a_test_that_crashes_its_program_is_named(self):
         code, text, _ = self.count(case("one", "fail", PASSES + "[ RUN      ] A.Dies\nAddressSanitizer: oh\n", ""))
         self.assertEqual((code, text.splitlines()[-1]), (1, "1 passed, 1 failed"))
         self.assertIn("CRASHED: one: A.Dies\n", text)
         self.assertIn("AddressSanitizer: oh\n", text)
 
-    def test_a_program_that_ends_in_a_test_with_success_has_failed(self):
+    def test_a_program_that_ends_within_a_test_has_failed(self):
         code, text, _ = self.count(case("one", "run", PASSES + "[ RUN      ] A.Exits\n"))
         self.assertEqual((code, text.splitlines()[-1]), (1, "1 passed, 2 failed"))
 
@@ -67,7 +67,7 @@ class TestCounts(unittest.TestCase):
         code, text, _ = self.count(case("one", "run", PASSES), case("two", "notrun", ""))
         self.assertEqual((code, text.splitlines()[-1]), (1, "1 passed, 1 failed"))
 
-    def test_a_skipped_test_is_not_a_passed_one(self):
+    def test_a_skipped_test_has_not_passed(self):
         skipped = "[ RUN      ] A.Later\n[  SKIPPED ] A.Later (0 ms)\n"
         code, text, _ = self.count(case("one", "run", PASSES + skipped),
                                    case("two", "run", "Ran 2 tests in 0.1s\n\nOK (skipped=1)\n"))
