@@ -7,7 +7,7 @@ namespace {
 
 constexpr auto kNotFound = std::string::npos;
 
-/// Where the text stands behind "/" or, if it does so nowhere, behind "-".
+/// The position of "/" and the text or, if the line does not contain that, of "-" and the text.
 std::size_t FindPrefixed(const std::string& line, const std::string& text) {
     const auto slash = FindIgnoringCase(line, "/" + text);
     return slash != kNotFound ? slash : FindIgnoringCase(line, "-" + text);
@@ -17,11 +17,11 @@ bool StandsAlone(const std::string& line, std::size_t at, std::size_t name_lengt
     if (at != 0 && line[at - 1] != ' ') {
         return false;
     }
-    const auto behind = at + 1 + name_length;
-    return behind == line.size() || line[behind] == ' ';
+    const auto after = at + 1 + name_length;
+    return after == line.size() || line[after] == ' ';
 }
 
-/// The value that begins at `begin`, its quotes taken off.
+/// The value that begins at `begin`, without its quotes.
 std::string ValueAt(const std::string& line, std::size_t begin) {
     const bool at_end = begin >= line.size();
     if (at_end || line[begin] == '/') {
@@ -73,7 +73,7 @@ void ParseCommandArgument(const std::string& CommandLine, std::size_t Index, Com
     if (!row.HasValue) {
         return;
     }
-    // A search of its own: it may end at another place than the one that was checked above.
+    // A second search, which may find another place than the one that was checked above.
     const auto with_blank = FindPrefixed(CommandLine, row.Name + ' ');
     if (with_blank != kNotFound) {
         row.Value = ValueAt(CommandLine, with_blank + 1 + row.Name.size() + 1);

@@ -1,4 +1,4 @@
-// The known arguments of the command line and the routine that looks for one of them in the raw line.
+// The known arguments of the command line, and the routine that looks for one of them in the raw line.
 #pragma once
 
 #include <array>
@@ -34,11 +34,13 @@ using CommandArguments = std::array<CommandArgument, kArgumentCount>;
 /// The table with every row's name, nothing looked up yet.
 CommandArguments KnownArguments();
 
-/// Looks the row `Index` up in the line and sets its Found and Value; no other row changes.
+/// Looks for the argument of row `Index` in the line and sets the row's Found and Value; no other row
+/// changes.
 ///
-/// Only the first occurrence of the name counts: "/" goes before "-", a blank or the line's start must stand
-/// in front and a blank or the line's end behind. A value in double quotes keeps its blanks; one without ends
-/// at the first blank; one that begins with "/" is the next argument and no value.
+/// Only the first occurrence of the name counts. One with "/" is looked for first, then one with "-". A blank
+/// or the line's start must precede it, and a blank or the line's end must follow it. A value in double
+/// quotes keeps its blanks. A value without quotes ends at the first blank. A text that begins with "/" is
+/// the next argument, not a value.
 void ParseCommandArgument(const std::string& CommandLine, std::size_t Index, CommandArguments& Arguments);
 
 } // namespace kv

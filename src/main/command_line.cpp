@@ -13,7 +13,7 @@ bool HasPrefix(const std::string& argument) {
     return !argument.empty() && (argument.front() == '/' || argument.front() == '-');
 }
 
-/// The row of the table whose word the argument is.
+/// The row of the known argument that this is, if any.
 std::optional<std::size_t> WordOf(const std::string& argument) {
     static const CommandArguments known = KnownArguments();
     if (!HasPrefix(argument)) {

@@ -1,5 +1,5 @@
-// The program's command line in the one form that its parser reads, on systems that hand over split arguments
-// too.
+// Joins split arguments to one command line, the form that the program's parser reads. Needed on systems that
+// pass a program split arguments.
 #pragma once
 
 #include <string>
@@ -7,14 +7,13 @@
 
 namespace kv {
 
-/// Puts the line together again. An argument that is exactly one of the program's words, "/" or "-" in front,
-/// in any letter case, is that word. Every other one is a value: it goes between double quotes if it is
-/// empty, holds a blank or begins with "/" or "-", and in the value of a path argument each "/" becomes "\",
-/// since the parser would find
-/// "/user" in "/home/user".
+/// Joins the arguments with blanks. An argument that is "/" or "-" and the name of a known argument, in any
+/// letter case, is left as it is. Every other argument is a value: it is put in double quotes if it is empty,
+/// contains a blank or begins with "/" or "-". In the value of a path argument each "/" becomes "\", because
+/// the parser would find "/user" in "/home/user".
 ///
-/// The parser's own limits stay: a value cannot begin or end with a blank or a double quote, one between
-/// quotes cannot hold a double quote, and one that holds a word of the program hides that word's own place.
+/// The limits of the parser remain: a value cannot begin or end with a blank or a double quote, a quoted
+/// value cannot contain a double quote, and a value that contains "/user" hides the argument "/user".
 std::string JoinArguments(const std::vector<std::string>& arguments);
 
 } // namespace kv

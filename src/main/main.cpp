@@ -1,4 +1,4 @@
-// The entry of the program: the one place that knows both faces.
+// The entry of the program: the one place that knows both the console and the unattended runs.
 #include <memory>
 #include <string>
 
@@ -17,35 +17,21 @@
 
 namespace {
 
-class ProgramFaces : public kv::Faces {
+/// The interactive console: the main window and the toolkit's window that shows it.
+class Console {
   public:
-    void DoAutomaticUpgrade(const std::string& strScriptFolder) override {
-        kv::DoAutomaticUpgrade(strScriptFolder);
-    }
-
-    void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Server,
-                            const std::string& User, const std::string& Password,
-                            const std::string& SQLDataPath, bool InstallDb, bool InstallSp,
-                            bool InstallDts) override {
-        kv::DoAutomaticInstall(ScriptFolder, Server, User, Password, SQLDataPath, InstallDb, InstallSp,
-                               InstallDts);
-    }
-
-    void ShowMainWindow() override {
-        console_ = std::make_unique<kv::frmMain>();
-        window_ = ui::MakeWindow(console_->Form());
+    /// Shows the main window and returns. Without a display it writes to the terminal instead.
+    void Show() {
+        form_ = std::make_unique<kv::frmMain>();
+        window_ = ui::MakeWindow(form_->Form());
         if (!window_) {
             platform::WriteToTerminal(platform::ExecutableName() +
                                       ": The console cannot show its window here. The unattended runs need "
-                                      "none: /help tells their arguments.\n");
+                                      "no window: /help lists their arguments.\n");
             return;
         }
-        console_->Load();
+        form_->Load();
         window_->Show();
-    }
-
-    void ShowHelp(const std::string& text) override {
-        platform::ShowMessageBox(text, platform::MessageIcon::None, platform::ExecutableName());
     }
 
     /// Returns when the window is closed; at once if there is none.
@@ -56,12 +42,37 @@ class ProgramFaces : public kv::Faces {
     }
 
   private:
-    std::unique_ptr<kv::frmMain> console_;
-    std::unique_ptr<ui::Window> window_; // goes first: it mirrors the form
+    std::unique_ptr<kv::frmMain> form_;
+    std::unique_ptr<ui::Window> window_; // destroyed before the form, which it mirrors
 };
 
-/// The run time's texts do not say which file it is about. Mostly it is the log, and there is no other place
-/// that could tell.
+void RunConsole(bool show_help) {
+    Console console;
+    console.Show();
+    if (show_help) {
+        platform::ShowMessageBox(kv::HelpText(), platform::MessageIcon::None, platform::ExecutableName());
+    }
+    console.RunUntilClosed();
+}
+
+void Run(const kv::MainDecision& decision) {
+    switch (decision.action) {
+    case kv::MainAction::Upgrade:
+        kv::DoAutomaticUpgrade(decision.script_folder);
+        return;
+    case kv::MainAction::Install:
+        kv::DoAutomaticInstall(decision.script_folder, decision.server, decision.user, decision.password,
+                               decision.sql_data_path, decision.install_db, decision.install_sp,
+                               decision.install_dts);
+        return;
+    case kv::MainAction::ShowWindow:
+        RunConsole(decision.show_help);
+        return;
+    }
+}
+
+/// The path of the file that the current exception is about, as further lines of the box: the run time's
+/// texts do not name it. Mostly it is the log, so the box is the only place that can name it.
 std::string FileInFlight() {
     try {
         throw;
@@ -72,7 +83,7 @@ std::string FileInFlight() {
     }
 }
 
-/// What ends the program when a failure finds no handler: the run time's fatal error box.
+/// Shows the run time's fatal error box for a failure that no handler caught.
 void ShowFatalError() {
     const kv::Failure failure = kv::TranslateInFlight();
     platform::ShowMessageBox("Run-time error '" + std::to_string(failure.Number()) + "':\r\n\r\n" +
@@ -80,7 +91,7 @@ void ShowFatalError() {
                              platform::MessageIcon::Critical, platform::ExecutableName());
 }
 
-/// As it was typed or, where the system hands over split arguments, put together again.
+/// The command line as it was typed or, if the system passes split arguments, put together again.
 std::string CommandLine(int argc, const char* const* argv) {
     const auto typed = platform::RawCommandLine();
     return typed ? *typed : kv::JoinArguments(platform::ProgramArguments(argc, argv));
@@ -88,13 +99,11 @@ std::string CommandLine(int argc, const char* const* argv) {
 
 } // namespace
 
-// There is no exit code: whatever the outcome, the process ends the same way.
+// The exit code is always 0, whatever the outcome.
 int main(int argc, char** argv) {
     platform::KeepMemoryOutOfCrashes();
     try {
-        ProgramFaces faces;
-        kv::Main(CommandLine(argc, argv), faces);
-        faces.RunUntilClosed();
+        Run(kv::DecideAction(CommandLine(argc, argv)));
     } catch (...) {
         ShowFatalError();
     }

@@ -8,12 +8,13 @@
 namespace kv {
 namespace {
 
-/// True for a folder and for a plain file alike: the directory search that stood here answered for both.
+/// True for a folder and for a plain file: a file is accepted where a folder is asked for.
 bool Exists(const std::string& path) {
     return platform::FolderExists(path) || platform::FileExists(path);
 }
 
-/// The line and the table while it is looked through. What is not reached stays not found.
+/// Looks arguments up in the line, one at a time and in the caller's order. An argument that is never parsed
+/// counts as not found.
 class Lookup {
   public:
     explicit Lookup(const std::string& line) : line_(line), arguments_(KnownArguments()) {}
@@ -50,7 +51,7 @@ struct HelpEntry {
     const char* description;
 };
 
-// The wording of /upgradedb is as operators know it.
+// The odd wording of /upgradedb is the product's text.
 constexpr std::array kHelpEntries = {
     HelpEntry{"/help", "Shows this command help information."},
     HelpEntry{"/scriptfolder", "Path to the folder with sql scripts and dts storage files."},
@@ -72,7 +73,7 @@ constexpr std::array kHelpEntries = {
 
 } // namespace
 
-MainDecision DecideWay(const std::string& CommandLine) {
+MainDecision DecideAction(const std::string& CommandLine) {
     MainDecision decision;
     if (CommandLine.empty()) {
         return decision;
@@ -96,14 +97,14 @@ MainDecision DecideWay(const std::string& CommandLine) {
         ParseInstallArguments(lookup);
     }
     if (lookup.Parse(kUpgradeDb)) {
-        decision.way = MainWay::Upgrade;
+        decision.action = MainAction::Upgrade;
         decision.script_folder = script_folder;
         return decision;
     }
     if (!lookup.Found(kInstallDb) && !lookup.Found(kInstallSp) && !lookup.Found(kInstallDts)) {
         return decision;
     }
-    decision.way = MainWay::Install;
+    decision.action = MainAction::Install;
     decision.script_folder = script_folder;
     decision.server = lookup.Value(kServer);
     decision.user = lookup.Value(kUser);
@@ -114,26 +115,6 @@ MainDecision DecideWay(const std::string& CommandLine) {
     decision.install_sp = lookup.Found(kInstallSp) || decision.install_db;
     decision.install_dts = lookup.Found(kInstallDts);
     return decision;
-}
-
-void Main(const std::string& CommandLine, Faces& faces) {
-    const MainDecision decision = DecideWay(CommandLine);
-    switch (decision.way) {
-    case MainWay::Upgrade:
-        faces.DoAutomaticUpgrade(decision.script_folder);
-        return;
-    case MainWay::Install:
-        faces.DoAutomaticInstall(decision.script_folder, decision.server, decision.user, decision.password,
-                                 decision.sql_data_path, decision.install_db, decision.install_sp,
-                                 decision.install_dts);
-        return;
-    case MainWay::Window:
-        faces.ShowMainWindow();
-        if (decision.show_help) {
-            faces.ShowHelp(HelpText());
-        }
-        return;
-    }
 }
 
 std::string HelpText() {

@@ -1,3 +1,4 @@
+// How one argument and its value are found in the raw command line.
 #include "main/command_argument.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +24,7 @@ void ExpectValue(const std::string& line, ArgumentIndex index, const std::string
     EXPECT_EQ(row.Value, value) << line;
 }
 
-TEST(CommandArgument, TheTableHoldsTenRowsInTheirOrder) {
+TEST(CommandArgument, TheTableHasTenRowsInOrder) {
     const CommandArguments arguments = KnownArguments();
     const char* const names[] = {"help",        "scriptfolder", "server",    "user",       "password",
                                  "sqldatapath", "installdb",    "installsp", "installdts", "upgradedb"};
@@ -36,19 +37,19 @@ TEST(CommandArgument, TheTableHoldsTenRowsInTheirOrder) {
     }
 }
 
-TEST(CommandArgument, LetterCaseAndEitherPrefixAreTaken) {
+TEST(CommandArgument, AnyLetterCaseAndBothPrefixesAreAccepted) {
     for (const char* line : {"/help", "/HELP", "-help", "-Help", "  /help", "x -hElP y"}) {
         EXPECT_TRUE(Parsed(line, kHelp).Found) << line;
     }
 }
 
-TEST(CommandArgument, ABlankOrTheLinesStartMustStandInFront) {
+TEST(CommandArgument, ABlankOrTheLinesStartMustPrecedeIt) {
     ExpectNotFound("x/help", kHelp);
     ExpectNotFound("\t/help", kHelp);
     ExpectNotFound("\"/help\"", kHelp);
 }
 
-TEST(CommandArgument, ABlankOrTheLinesEndMustStandBehind) {
+TEST(CommandArgument, ABlankOrTheLinesEndMustFollowIt) {
     ExpectNotFound("/helpme", kHelp);
     ExpectNotFound("/servers S", kServer);
     ExpectNotFound("/server:x", kServer);
@@ -61,7 +62,7 @@ TEST(CommandArgument, OnlyTheFirstOccurrenceIsTried) {
     ExpectNotFound("/servers a /server b", kServer);
 }
 
-TEST(CommandArgument, TheHyphenFormCountsOnlyWhereTheSlashFormDoesNotOccurAtAll) {
+TEST(CommandArgument, AHyphenIsLookedForOnlyIfTheSlashFormDoesNotOccur) {
     ExpectNotFound("x/help -help", kHelp);
     ExpectValue("-server a /server b", kServer, "b");
 }
@@ -85,22 +86,23 @@ TEST(CommandArgument, AnOpeningQuoteWithoutAClosingOneRunsToTheEndOfTheLine) {
     ExpectValue(R"(/password "a b /user U)", kPassword, "a b /user U");
 }
 
-TEST(CommandArgument, TheNextArgumentIsNoValue) {
+TEST(CommandArgument, TheNextArgumentIsNotAValue) {
     ExpectValue("/password /installdb", kPassword, "");
     ExpectValue("/server -user x", kServer, "-user");
 }
 
-TEST(CommandArgument, ARowWithoutAValueTakesNone) {
+TEST(CommandArgument, AnArgumentWithoutAValueReadsNone) {
     ExpectValue("/installdb x /help", kInstallDb, "");
 }
 
-TEST(CommandArgument, SeveralBlanksInFrontOfAValue) {
-    // The value is looked for behind one blank; the first of the others is taken into the piece and trimmed.
+TEST(CommandArgument, SeveralBlanksBeforeAValue) {
+    // The value begins after one blank. A second blank becomes part of it and is trimmed; a third one ends
+    // it.
     ExpectValue("/server  S /user U", kServer, "S");
     ExpectValue("/server   S /user U", kServer, "");
 }
 
-TEST(CommandArgument, AQuoteBehindAValueWithoutQuotesIsDropped) {
+TEST(CommandArgument, AQuoteAfterAnUnquotedValueIsDropped) {
     ExpectValue(R"(/server S" x)", kServer, "S");
 }
 
@@ -111,11 +113,10 @@ TEST(CommandArgument, ANameMayOccurInsideAValue) {
     ExpectNotFound(R"(/scriptfolder c:\/user x /user U)", kUser);
 }
 
-TEST(CommandArgument, TheSearchForTheValueIsOneOfItsOwnAndDoesNotRepeatTheStartCheck) {
-    // The name at the line's end is the first occurrence of "/server" only if no other stands in front of it:
-    // here the checked one is "-server", and the value is that of the "-server " behind the check.
+TEST(CommandArgument, TheSearchForTheValueDoesNotCheckWhatPrecedesTheName) {
     ExpectValue("-server a x-server b", kServer, "a");
-    // Found by its place at the line's end; there is no "/user " anywhere, but a "-user " inside a value.
+    // "/user" is found at the line's end. The value is searched for with a blank after the name: there is no
+    // "/user ", but a "-user " inside another value.
     ExpectValue("c:\\-user U /user", kUser, "U");
 }
 
@@ -125,13 +126,13 @@ TEST(CommandArgument, OnlyTheRowAskedForChanges) {
     EXPECT_TRUE(arguments[kServer].Found);
     EXPECT_FALSE(arguments[kUser].Found);
     EXPECT_EQ(arguments[kUser].Value, "");
-    // A second look-up forgets the first.
+    // A second look-up replaces the result of the first.
     ParseCommandArgument("", kServer, arguments);
     EXPECT_FALSE(arguments[kServer].Found);
     EXPECT_EQ(arguments[kServer].Value, "");
 }
 
-TEST(CommandArgument, BytesAboveAsciiAreBorne) {
+TEST(CommandArgument, ValuesMayContainBytesAboveAscii) {
     ExpectValue("/user M\xFCller /password \"\xDF \x80\"", kUser, "M\xFCller");
     ExpectValue("/user M\xFCller /password \"\xDF \x80\"", kPassword, "\xDF \x80");
 }

@@ -1,5 +1,5 @@
-// The line that is put together from split arguments, and what the parser makes of it. A second way to read
-// arguments, written without a look at the program's, must agree with it on random ones.
+// Joining split arguments to a line, and parsing lines. Two further parsers, written independently of the
+// program's, must agree with it on random input.
 #include "main/command_line.h"
 
 #include <algorithm>
@@ -21,17 +21,17 @@ TEST(CommandLine, NoArgumentGivesAnEmptyLine) {
     EXPECT_EQ(JoinArguments({}), "");
 }
 
-TEST(CommandLine, WordsAndPlainValuesStandAsTheyAre) {
+TEST(CommandLine, KnownArgumentsAndPlainValuesAreUnchanged) {
     EXPECT_EQ(JoinArguments({"/server", "S", "-USER", "U"}), "/server S -USER U");
     EXPECT_EQ(JoinArguments({"/password", "a/b", "/server", "s-i"}), "/password a/b /server s-i");
 }
 
-TEST(CommandLine, AnEmptyValueAndOneWithABlankGoBetweenQuotes) {
+TEST(CommandLine, AnEmptyValueAndAValueWithABlankAreQuoted) {
     EXPECT_EQ(JoinArguments({"/password", "", "/server", "a b"}), "/password \"\" /server \"a b\"");
     EXPECT_EQ(JoinArguments({" "}), "\" \"");
 }
 
-TEST(CommandLine, AValueThatLooksLikeAnArgumentGoesBetweenQuotes) {
+TEST(CommandLine, AValueThatLooksLikeAnArgumentIsQuoted) {
     EXPECT_EQ(JoinArguments({"/password", "/secret", "/user", "-u"}), R"(/password "/secret" /user "-u")");
     EXPECT_EQ(JoinArguments({"/helpme", "-x"}), R"("/helpme" "-x")");
 }
@@ -44,12 +44,12 @@ TEST(CommandLine, ASlashInTheValueOfAPathArgumentBecomesABackslash) {
     EXPECT_EQ(JoinArguments({"scriptfolder", "a/b"}), "scriptfolder a/b");
 }
 
-TEST(CommandLine, AWordAfterAPathArgumentStaysAWord) {
+TEST(CommandLine, AKnownArgumentAfterAPathArgumentIsUnchanged) {
     EXPECT_EQ(JoinArguments({"/scriptfolder", "/help"}), "/scriptfolder /help");
     EXPECT_EQ(JoinArguments({"/sqldatapath", "-InstallDb", "/s"}), R"(/sqldatapath -InstallDb "/s")");
 }
 
-// The other way to read arguments.
+// The first of the two further parsers: reads the split arguments.
 
 struct Word {
     const char* name;
@@ -86,7 +86,7 @@ struct Read {
     friend bool operator==(const Read&, const Read&) = default;
 };
 
-/// What follows the first place of the word with this prefix that anything follows.
+/// The argument after the first occurrence of the word with this prefix that is not the last argument.
 const std::string* After(const Words& arguments, char prefix, const Word& word) {
     for (std::size_t i = 0; i + 1 < arguments.size(); ++i) {
         if (Is(arguments[i], prefix, word)) {
@@ -123,8 +123,7 @@ const std::string& Pick(const Words& words, Random& random) {
     return words[random() % words.size()];
 }
 
-/// A value may hold anything but what the parser cannot take: quotes, blanks at its ends, and words of its
-/// own.
+/// Any value that the parser can read: without quotes, blanks at its ends and known arguments.
 std::string RandomValue(Random& random) {
     static const Words pieces = {"/",    "-", "\\", " ", "a",      "B",    "7",     ".",    ",",
                                  "\xFC", ":", "_",  "=", "server", "user", "x-y.z", "C:\\", "/home"};
@@ -154,7 +153,7 @@ std::string RandomWord(Random& random) {
     return word;
 }
 
-TEST(CommandLine, TenThousandRandomLinesReadTheSameInASecondWay) {
+TEST(CommandLine, ParsesTenThousandRandomArgumentListsLikeASecondParser) {
     Random random(2006);
     for (int i = 0; i < 10000; ++i) {
         Words arguments;
@@ -172,7 +171,8 @@ TEST(CommandLine, TenThousandRandomLinesReadTheSameInASecondWay) {
     }
 }
 
-/// The rules of the raw line once more, step by step, with places that count from 1 and 0 for "nowhere".
+/// The second further parser: follows the rules for a raw line step by step. Positions count from 1; 0 means
+/// "not found".
 class RawRules {
   public:
     explicit RawRules(const std::string& line) : line_(line), lower_(Lower(line)) {}
@@ -226,7 +226,7 @@ class RawRules {
     std::string lower_;
 };
 
-TEST(CommandLine, TenThousandRandomRawLinesReadTheSameByTheRulesStepByStep) {
+TEST(CommandLine, ParsesTenThousandRandomLinesLikeAThirdParser) {
     static const Words pieces = {" ",       " ",    " ",     "\"",      "/",        "-",
                                  "a b",     "x",    "C:\\s", "/helpme", "-servers", "/user:x",
                                  "\"a b\"", "\"\"", "\t",    "x/help"};

@@ -1,7 +1,7 @@
+// What a run of the program does, as decided from its command line.
 #include "main/main_routine.h"
 
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -20,8 +20,8 @@ class MainRoutine : public ::testing::Test {
     }
 
     static void ExpectWindowWithoutHelp(const std::string& line) {
-        const MainDecision decision = DecideWay(line);
-        EXPECT_EQ(decision.way, MainWay::Window) << line;
+        const MainDecision decision = DecideAction(line);
+        EXPECT_EQ(decision.action, MainAction::ShowWindow) << line;
         EXPECT_FALSE(decision.show_help) << line;
     }
 
@@ -37,22 +37,22 @@ TEST_F(MainRoutine, AnEmptyLineAndALineOfBlanksOpenTheWindow) {
 
 TEST_F(MainRoutine, HelpInAnyCaseAndWithEitherPrefixShowsTheHelp) {
     for (const char* line : {"/HELP", "-Help", "/help"}) {
-        const MainDecision decision = DecideWay(line);
-        EXPECT_EQ(decision.way, MainWay::Window) << line;
+        const MainDecision decision = DecideAction(line);
+        EXPECT_EQ(decision.action, MainAction::ShowWindow) << line;
         EXPECT_TRUE(decision.show_help) << line;
     }
 }
 
-TEST_F(MainRoutine, WhatOnlyLooksLikeHelpOpensTheWindowWithoutHelp) {
+TEST_F(MainRoutine, AnArgumentThatContainsHelpOpensTheWindowWithoutHelp) {
     ExpectWindowWithoutHelp("x/help");
     ExpectWindowWithoutHelp("/helpme");
 }
 
-TEST_F(MainRoutine, HelpBeatsEverythingElse) {
+TEST_F(MainRoutine, HelpGoesBeforeEverythingElse) {
     for (const std::string& line : {std::string(R"(/upgradedb /scriptfolder c:\s /help)"),
                                     std::string(kLogin) + R"(/sqldatapath d:\data /installdb -help)"}) {
-        const MainDecision decision = DecideWay(line);
-        EXPECT_EQ(decision.way, MainWay::Window) << line;
+        const MainDecision decision = DecideAction(line);
+        EXPECT_EQ(decision.action, MainAction::ShowWindow) << line;
         EXPECT_TRUE(decision.show_help) << line;
     }
 }
@@ -62,26 +62,26 @@ TEST_F(MainRoutine, UpgradeNeedsAnExistingScriptFolder) {
     ExpectWindowWithoutHelp(R"(/upgradedb /scriptfolder "C:\no such folder")");
     ExpectWindowWithoutHelp("/upgradedb /scriptfolder");
     ExpectWindowWithoutHelp(R"(/upgradedb /scriptfolder "")");
-    const MainDecision decision = DecideWay(R"(/upgradedb /scriptfolder "c:\program files\x")");
-    EXPECT_EQ(decision.way, MainWay::Upgrade);
+    const MainDecision decision = DecideAction(R"(/upgradedb /scriptfolder "c:\program files\x")");
+    EXPECT_EQ(decision.action, MainAction::Upgrade);
     EXPECT_EQ(decision.script_folder, R"(c:\program files\x)");
 }
 
 TEST_F(MainRoutine, APlainFilePassesAsAScriptFolder) {
-    EXPECT_EQ(DecideWay(R"(/upgradedb /scriptfolder c:\plain.txt)").way, MainWay::Upgrade);
+    EXPECT_EQ(DecideAction(R"(/upgradedb /scriptfolder c:\plain.txt)").action, MainAction::Upgrade);
 }
 
-TEST_F(MainRoutine, UpgradeBeatsTheInstallArguments) {
+TEST_F(MainRoutine, UpgradeGoesBeforeTheInstallArguments) {
     const MainDecision decision =
-        DecideWay(std::string(kLogin) + R"(/sqldatapath d:\data /installdb /installdts /upgradedb)");
-    EXPECT_EQ(decision.way, MainWay::Upgrade);
+        DecideAction(std::string(kLogin) + R"(/sqldatapath d:\data /installdb /installdts /upgradedb)");
+    EXPECT_EQ(decision.action, MainAction::Upgrade);
     EXPECT_EQ(decision.script_folder, R"(c:\s)");
 }
 
 TEST_F(MainRoutine, AnEmptyPasswordIsFoundAndAccepted) {
     const MainDecision decision =
-        DecideWay(R"(/scriptfolder c:\s /server S /user U /password /installdb /sqldatapath d:\data)");
-    EXPECT_EQ(decision.way, MainWay::Install);
+        DecideAction(R"(/scriptfolder c:\s /server S /user U /password /installdb /sqldatapath d:\data)");
+    EXPECT_EQ(decision.action, MainAction::Install);
     EXPECT_EQ(decision.server, "S");
     EXPECT_EQ(decision.user, "U");
     EXPECT_EQ(decision.password, "");
@@ -90,8 +90,8 @@ TEST_F(MainRoutine, AnEmptyPasswordIsFoundAndAccepted) {
 }
 
 TEST_F(MainRoutine, PackagesAloneNeedNoDataPath) {
-    const MainDecision decision = DecideWay(std::string(kLogin) + "/installdts");
-    EXPECT_EQ(decision.way, MainWay::Install);
+    const MainDecision decision = DecideAction(std::string(kLogin) + "/installdts");
+    EXPECT_EQ(decision.action, MainAction::Install);
     EXPECT_FALSE(decision.install_db);
     EXPECT_FALSE(decision.install_sp);
     EXPECT_TRUE(decision.install_dts);
@@ -100,22 +100,22 @@ TEST_F(MainRoutine, PackagesAloneNeedNoDataPath) {
     ExpectWindowWithoutHelp(std::string(kLogin) + "/installsp");
 }
 
-TEST_F(MainRoutine, ABadDataPathTakesAwayTheDatabaseAndTheProceduresOnly) {
+TEST_F(MainRoutine, WithABadDataPathOnlyThePackagesAreInstalled) {
     const MainDecision decision =
-        DecideWay(std::string(kLogin) + R"(/sqldatapath d:\none /installdb /installsp /installdts)");
-    EXPECT_EQ(decision.way, MainWay::Install);
+        DecideAction(std::string(kLogin) + R"(/sqldatapath d:\none /installdb /installsp /installdts)");
+    EXPECT_EQ(decision.action, MainAction::Install);
     EXPECT_FALSE(decision.install_db);
     EXPECT_FALSE(decision.install_sp);
     EXPECT_TRUE(decision.install_dts);
     EXPECT_EQ(decision.sql_data_path, R"(d:\none)");
 }
 
-TEST_F(MainRoutine, TheDatabaseBringsTheProceduresWithIt) {
-    const MainDecision db = DecideWay(std::string(kLogin) + R"(/sqldatapath d:\data /installdb)");
+TEST_F(MainRoutine, InstallingTheDatabaseInstallsTheProcedures) {
+    const MainDecision db = DecideAction(std::string(kLogin) + R"(/sqldatapath d:\data /installdb)");
     EXPECT_TRUE(db.install_db);
     EXPECT_TRUE(db.install_sp);
     EXPECT_FALSE(db.install_dts);
-    const MainDecision sp = DecideWay(std::string(kLogin) + R"(/sqldatapath d:\data /installsp)");
+    const MainDecision sp = DecideAction(std::string(kLogin) + R"(/sqldatapath d:\data /installsp)");
     EXPECT_FALSE(sp.install_db);
     EXPECT_TRUE(sp.install_sp);
     EXPECT_FALSE(sp.install_dts);
@@ -135,44 +135,7 @@ TEST_F(MainRoutine, AnUnknownOptionOpensTheWindow) {
     ExpectWindowWithoutHelp(R"(/scriptfolder c:\s /frobnicate)");
 }
 
-class RecordedFaces : public Faces {
-  public:
-    void DoAutomaticUpgrade(const std::string& strScriptFolder) override {
-        calls.push_back("upgrade " + strScriptFolder);
-    }
-    void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Server,
-                            const std::string& User, const std::string& Password,
-                            const std::string& SQLDataPath, bool InstallDb, bool InstallSp,
-                            bool InstallDts) override {
-        calls.push_back("install " + ScriptFolder + "|" + Server + "|" + User + "|" + Password + "|" +
-                        SQLDataPath + "|" + std::to_string(static_cast<int>(InstallDb)) +
-                        std::to_string(static_cast<int>(InstallSp)) +
-                        std::to_string(static_cast<int>(InstallDts)));
-    }
-    void ShowMainWindow() override { calls.emplace_back("window"); }
-    void ShowHelp(const std::string& text) override {
-        calls.push_back("help " + std::to_string(text.size()));
-    }
-
-    std::vector<std::string> calls;
-};
-
-std::vector<std::string> CallsOf(const std::string& line) {
-    RecordedFaces faces;
-    Main(line, faces);
-    return faces.calls;
-}
-
-TEST_F(MainRoutine, MainGoesExactlyOneWay) {
-    using Calls = std::vector<std::string>;
-    EXPECT_EQ(CallsOf(""), Calls{"window"});
-    EXPECT_EQ(CallsOf("/help"), (Calls{"window", "help " + std::to_string(HelpText().size())}));
-    EXPECT_EQ(CallsOf(R"(/upgradedb /scriptfolder c:\s)"), Calls{R"(upgrade c:\s)"});
-    EXPECT_EQ(CallsOf(std::string(kLogin) + R"(/sqldatapath d:\data /installdb /installdts)"),
-              Calls{R"(install c:\s|S|U|P|d:\data|111)"});
-}
-
-TEST_F(MainRoutine, TheHelpTextStandsByteForByte) {
+TEST_F(MainRoutine, TheHelpTextIsTheProducts) {
     EXPECT_EQ(
         HelpText(),
         "The following command arguments can be defined:\r\n\r\n"

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-# Draws the program's icons from shapes, at every size that Windows asks for, with nothing but the standard library.
-# Run it after a change of a shape, in any folder: it writes program.ico and execute.ico beside itself.
+# Draws the program's icons from shapes, in every size that Windows asks for, with the standard library alone.
+# Run it after changing a shape, in any folder: it writes program.ico and execute.ico into its own folder.
 import os
 import struct
 import zlib
 
-SAMPLES = 6  # a side of each pixel's grid of samples
+SAMPLES = 6  # each pixel is the mean of SAMPLES * SAMPLES points
 SIZES = {"program": (16, 20, 24, 32, 40, 48, 64, 256), "execute": (16, 20, 24, 32)}
 PACKED_FROM = 256  # from this size on an entry is a PNG: Vista and later read it, and it is a tenth of the bytes
 
@@ -25,7 +25,7 @@ def in_triangle(x, y, corners):
 
 
 def cylinder(x, y):
-    """A pile of three disks, in a square of side 1; None outside."""
+    """The colour of a stack of three disks at a point of the unit square; None outside the disks."""
     middle, half_width, half_height, top, bottom = 0.44, 0.38, 0.13, 0.18, 0.82
     if in_ellipse(x, y, middle, top, half_width, half_height):
         return TOP
@@ -42,7 +42,7 @@ def cylinder(x, y):
 
 
 def program(x, y):
-    """The disks with a round badge that has a tick in it."""
+    """The disks with a round badge that contains a tick."""
     badge_x, badge_y, radius = 0.72, 0.72, 0.27
     if in_ellipse(x, y, badge_x, badge_y, radius, radius):
         u, v = (x - badge_x) / radius, (y - badge_y) / radius
@@ -53,7 +53,7 @@ def program(x, y):
                 return WHITE
         return GREEN
     if in_ellipse(x, y, badge_x, badge_y, radius + 0.04, radius + 0.04):
-        return None  # a gap, so that the badge stands off the disks
+        return None  # a gap between the badge and the disks
     return cylinder(x, y)
 
 
@@ -66,7 +66,7 @@ def execute(x, y):
 
 
 def pixels(shape, size):
-    """Rows from the top; each pixel (red, green, blue, alpha)."""
+    """The rows from the top; each pixel is (red, green, blue, alpha)."""
     rows = []
     for row in range(size):
         line = []
@@ -84,7 +84,7 @@ def pixels(shape, size):
 
 
 def bitmap(rows):
-    """An icon's bitmap: the header with twice the height, the colours, the mask, both from the bottom row up."""
+    """An icon's bitmap: a header with twice the height, then colours and mask, both from the bottom row up."""
     size = len(rows)
     colours = b"".join(struct.pack("4B", blue, green, red, alpha)
                        for line in reversed(rows) for red, green, blue, alpha in line)
