@@ -23,7 +23,7 @@ bool CatalogueManager::ListDatabases(const char* statement, std::vector<std::str
             operation.Fail("No information about available databases could be found!");
         }
         while (!rows->Eof()) {
-            // The element comes first: a name that cannot be read leaves it empty behind the others.
+            // The element is added first, so a name that cannot be read leaves it empty after the others.
             arrDatabase.emplace_back();
             arrDatabase.back() = rows->Fields().Item(0).Value().ToString();
             rows->MoveNext();

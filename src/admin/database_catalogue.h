@@ -1,4 +1,5 @@
-// What the selected server holds: the steps of GetDatabases and GetDatabaseInfo, which two classes have.
+// The base of the managers that list databases: the steps of GetDatabases and GetDatabaseInfo, which
+// CUpgradeDbMgr and CSynchronizeDbMgr both have.
 #pragma once
 
 #include <string>
@@ -8,8 +9,8 @@
 
 namespace kv {
 
-/// The logical names and the whole physical paths of a database's first two files, which are taken for its
-/// data and its log without a look at what they are.
+/// Where to store the logical names and full physical paths of a database's first two files. The first is
+/// taken to be the data file and the second the log, without checking.
 struct DatabaseFiles {
     std::string& data_file_name;
     std::string& data_file_path;
@@ -17,7 +18,6 @@ struct DatabaseFiles {
     std::string& log_file_path;
 };
 
-/// The base of the two classes, there to be written once.
 class CatalogueManager : public DatabaseManager {
   protected:
     using DatabaseManager::DatabaseManager;

@@ -7,7 +7,7 @@
 namespace kv {
 namespace {
 
-/// The one in front of the file's name.
+/// The position of the separator before the file's name.
 std::size_t LastSeparator(const std::string& path) {
     return path.find_last_of("\\/");
 }
@@ -19,8 +19,8 @@ std::string FolderOnServer(const std::string& path) {
     if (separator == std::string::npos) {
         return path;
     }
-    const bool stays = path[separator] == '\\' || separator == 0;
-    return path.substr(0, stays ? separator + 1 : separator);
+    const bool kept = path[separator] == '\\' || separator == 0;
+    return path.substr(0, kept ? separator + 1 : separator);
 }
 
 std::string ServerPath(std::string folder, const std::string& file, const std::string& reported) {

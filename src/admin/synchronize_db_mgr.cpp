@@ -2,9 +2,10 @@
 
 #include <array>
 
-#include "admin/replication_job.h"
+#include "admin/sql_replication_mgr.h"
 
 namespace kv {
+
 bool CSynchronizeDbMgr::GetDatabases(std::vector<std::string>& arrDatabase) {
     return ListDatabases("use [master] exec sp_helpdb", arrDatabase);
 }
@@ -20,7 +21,8 @@ std::string CSynchronizeDbMgr::SynchronizeStatement(const std::string& strSource
     const std::string& other_server = UseServerA() ? ServerB() : ServerA();
     const std::string& other_user = UseServerA() ? UserB() : UserA();
     const std::string& other_password = UseServerA() ? PasswordB() : PasswordA();
-    // The source server's login goes in twice: at the head, and in the pairs behind the databases.
+    // The source server's login is passed twice: as the first arguments, and in the pairs after the
+    // databases.
     const std::array<const std::string*, 10> arguments = {
         &SelectedUser(), &SelectedPassword(), &other_server,   &SelectedServer(), &strDestDb,
         &strSourceDb,    &other_user,         &SelectedUser(), &other_password,   &SelectedPassword()};

@@ -1,5 +1,5 @@
-// CSynchronizeDbMgr: brings a database of the other server of the pair up to one of the selected server. The
-// work lies in a stored procedure of the source database.
+// CSynchronizeDbMgr: copies the data of a database on the selected server to a database on the other server
+// of the pair. The work is done by a stored procedure of the source database.
 #pragma once
 
 #include <string>
@@ -9,23 +9,24 @@
 
 namespace kv {
 
-/// Every operation gives true if it ran to its end. A failure is one line of the log and what the server
-/// reported in the object's errors; nothing is undone.
+/// Every operation returns true if it ran to its end. A failure is logged as one line, and the server's
+/// errors are kept in the object; nothing is undone.
 class CSynchronizeDbMgr : public CatalogueManager {
   public:
     CSynchronizeDbMgr() : CatalogueManager("CSynchronizeDbMgr") {}
 
-    /// As CUpgradeDbMgr has them.
+    /// These two do the same as those of CUpgradeDbMgr.
     bool GetDatabases(std::vector<std::string>& arrDatabase);
     bool GetDatabaseInfo(const std::string& strDbName, std::string& strDataFileName,
                          std::string& strDataFilePath, std::string& strLogFileName,
                          std::string& strLogFilePath);
-    /// From `strSourceDb` on the selected server to `strDestDb` on the other. If the source server replicates
-    /// anything, replication is taken off before and put back behind; a failure in between leaves it off.
+    /// Copies from `strSourceDb` on the selected server to `strDestDb` on the other. If the source server
+    /// replicates anything, replication is uninstalled before and installed again after; a failure in between
+    /// leaves it uninstalled.
     bool Synchronize(const std::string& strSourceDb, const std::string& strDestDb);
 
   private:
-    /// The call of the stored procedure with the logins of both servers.
+    /// The statement that calls the stored procedure, with the logins of both servers.
     std::string SynchronizeStatement(const std::string& strSourceDb, const std::string& strDestDb) const;
 };
 

@@ -15,7 +15,7 @@ std::string Unicode(const std::string& text) {
     return "N'" + text + "'";
 }
 
-/// The version that the first row holds; `version` stays where there is none.
+/// Reads the version from the first row; without a row `version` is unchanged.
 void ReadVersion(Operation& operation, Int16& version) {
     const auto rows = operation.Execute(kVersionQuery);
     if (rows && !(rows->Eof() && rows->Bof())) {
@@ -73,7 +73,7 @@ bool CUpgradeDbMgr::RenameDatabase(const std::string& strDbName, const std::stri
         operation.Execute("use master");
         operation.Execute("ALTER DATABASE [" + strDbName + "] SET SINGLE_USER WITH ROLLBACK IMMEDIATE");
         operation.Execute("ALTER DATABASE [" + strDbName + "] SET MULTI_USER");
-        // No brackets from here on: a name that needs them fails before anything has been changed.
+        // No brackets from here on: a name that needs them fails here, before anything has been changed.
         operation.Execute("ALTER DATABASE " + strDbName + " MODIFY NAME = " + strNewDbName);
         operation.Execute("ALTER DATABASE " + strNewDbName + " MODIFY FILE (NAME=" + data_name +
                           ", NEWNAME=" + strNewDbName + "_data)");

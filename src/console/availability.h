@@ -1,4 +1,4 @@
-// Which tabs and servers can be used: one function of the General tab's fields. Knows no control.
+// Works out which tabs and servers can be used, from the General tab's fields alone. Knows no control.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 namespace kv {
 
-/// What the General tab holds for one server.
+/// The General tab's fields of one server.
 struct ServerFields {
     std::string name;
     std::string user;
@@ -20,20 +20,19 @@ struct ServerFields {
 
 struct TabAvailability {
     bool enabled = false;
-    /// Whether Server A, and Server B, can be used on the tab.
+    /// Whether Server A (index 0) and Server B (index 1) can be used on the tab.
     std::array<bool, 2> servers{};
 };
 
 struct Availability {
-    /// The entry of the General tab means nothing: it can always be used.
+    /// The entry of the General tab is unused: that tab can always be used.
     std::array<TabAvailability, kMainTabs> tabs{};
     bool replication_scripts_enabled = false;
-    /// Only a missing Server B takes the tick away. With Server A missing alone it stays under the disabled
-    /// box.
+    /// True only if Server B is incomplete. If only Server A is, the disabled check box keeps its tick.
     bool replication_scripts_cleared = false;
 };
 
-/// `sql_server_installed` is asked only where both servers are complete.
+/// `sql_server_installed` is called only if both servers are complete.
 Availability WorkOutAvailability(const std::array<ServerFields, 2>& servers,
                                  const std::function<bool()>& sql_server_installed);
 

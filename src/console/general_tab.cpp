@@ -2,8 +2,7 @@
 
 #include "base/registry_locations.h"
 #include "base/registry_settings.h"
-#include "console/exclamation.h"
-#include "console/folder_browser.h"
+#include "console/dialogs.h"
 #include "console/main_form.h"
 
 namespace kv {
@@ -22,8 +21,7 @@ constexpr std::array kLoginFields = {
     LoginField{"edtPassword", location::kPasswordValue},
 };
 
-} // namespace
-
+/// Derives the share part of a server's replication path from its data path.
 std::string DeriveReplicationPath(const std::string& data_path) {
     std::string path = data_path;
     if (const auto colon = path.find(':'); colon != std::string::npos) {
@@ -34,6 +32,8 @@ std::string DeriveReplicationPath(const std::string& data_path) {
     }
     return path;
 }
+
+} // namespace
 
 GeneralTab::GeneralTab(frmMain& main) : main_(main) {
     ui::Form& form = main.Form();

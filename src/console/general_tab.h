@@ -1,4 +1,5 @@
-// The General tab: what the whole console works with. Its text boxes are the only store of these values.
+// The General tab: script folder, domain and the two servers with which every tab works. Its text boxes are
+// the only store of these values.
 #pragma once
 
 #include <cstdint>
@@ -20,13 +21,11 @@ class GeneralTab {
     void edtSQLDataPath_Change(int Index);
 
     ui::TextBox& Box(const char* name, int index = ui::kNoIndex) const;
-    /// Ready for the operator to type the path that the registry does not hold.
+    /// Selects the data path's text, so that the operator can type the path, which the registry does not
+    /// hold.
     void SelectDataPath(int index) const;
 
     frmMain& main_;
 };
-
-/// The share part of a server's replication path, as its data path gives it.
-std::string DeriveReplicationPath(const std::string& data_path);
 
 } // namespace kv

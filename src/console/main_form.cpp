@@ -4,8 +4,7 @@
 #include "base/failure.h"
 #include "base/registry_locations.h"
 #include "base/registry_settings.h"
-#include "console/list_view_helpers.h"
-#include "console/server_options.h"
+#include "console/list_views.h"
 #include "console/wait_cursor.h"
 #include "platform/version_record.h"
 #include "registry/registry.h"
@@ -19,25 +18,39 @@ namespace location = registry_locations;
 constexpr char kApplication[] = "KVLSQLDbMgr";
 constexpr char kSection[] = "Settings";
 
-/// What is remembered, in the order of loading and saving. A key is the control's name and its index:
-/// renaming a control loses what was remembered for it.
-constexpr std::array kRemembered = std::to_array<ui::ControlName>({
-    {"edtScriptFolder"},          {"edtDomainName"},
-    {"edtServerName", 0},         {"edtUserID", 0},
-    {"edtPassword", 0},           {"edtSQLDataPath", 0},
-    {"edtSQLUNCReplDataPath", 0}, // behind the data path, whose Change derives another one
-    {"edtServerName", 1},         {"edtUserID", 1},
-    {"edtPassword", 1},           {"edtSQLDataPath", 1},
-    {"edtSQLUNCReplDataPath", 1}, {"edtCreateInstallScriptFile"},
-    {"cboRenameDatabase"},        {"edtRenameNewDatabase"},
-    {"cboUpgradeDatabaseDest"},   {"cboUpgradeDatabaseSource"},
-    {"cboRemoveDatabase"},        {"cboViewDataDatabase"},
-    {"cboStoredProcDatabase"},    {"cboStoredProcedure"},
+// The entries that are remembered from run to run, in the order of loading and saving. The load does other
+// work between the three groups. A key is the control's name and its index: renaming a control loses its
+// entry.
+
+constexpr std::array kGeneralEntries = std::to_array<ui::ControlName>({
+    {"edtScriptFolder"},
+    {"edtDomainName"},
+    {"edtServerName", 0},
+    {"edtUserID", 0},
+    {"edtPassword", 0},
+    {"edtSQLDataPath", 0},
+    {"edtSQLUNCReplDataPath", 0}, // after the data path, whose Change event derives another one
+    {"edtServerName", 1},
+    {"edtUserID", 1},
+    {"edtPassword", 1},
+    {"edtSQLDataPath", 1},
+    {"edtSQLUNCReplDataPath", 1},
+    {"edtCreateInstallScriptFile"},
 });
 
-// Where the load does other things in between.
-constexpr std::size_t kBehindScriptFile = 13;
-constexpr std::size_t kBehindViewData = 19;
+constexpr std::array kDatabaseEntries = std::to_array<ui::ControlName>({
+    {"cboRenameDatabase"},
+    {"edtRenameNewDatabase"},
+    {"cboUpgradeDatabaseDest"},
+    {"cboUpgradeDatabaseSource"},
+    {"cboRemoveDatabase"},
+    {"cboViewDataDatabase"},
+});
+
+constexpr std::array kProcedureEntries = std::to_array<ui::ControlName>({
+    {"cboStoredProcDatabase"},
+    {"cboStoredProcedure"},
+});
 
 std::string KeyOf(const ui::Control& control) {
     const auto index = control.Index();
@@ -70,13 +83,13 @@ void frmMain::Load() {
     form_.Caption(form_.Caption() + " [" + platform::VersionComments() + "]");
     loading_ = true;
     LookForDomain();
-    LoadSettings(0, kBehindScriptFile);
+    LoadSettings(kGeneralEntries);
     script_.UpdateScriptFileBox();
-    LoadSettings(kBehindScriptFile, kBehindViewData);
+    LoadSettings(kDatabaseEntries);
     auto& lvwViewData = form_.Get<ui::ListView>("lvwViewData");
     SetExtendedStyle(lvwViewData, ui::kFullRowSelect, true);
     SetExtendedStyle(lvwViewData, ui::kGridLines, true);
-    LoadSettings(kBehindViewData, kRemembered.size());
+    LoadSettings(kProcedureEntries);
     tabMain_.Tab(kGeneralTab);
     loading_ = false;
     UpdateServerAvailability();
@@ -92,21 +105,27 @@ void frmMain::LookForDomain() {
         return;
     }
     platform::CloseKey(key.key);
-    // Read, and not used any further: what the log tells of a failed read is all that comes of it.
+    // The value is not used. The read stays because a failed one is logged.
     GetLocalSetting(location::kHkeyLocalMachine, location::kInstallationKey, location::kSqlDomainValue,
                     location::kNoDefault);
 }
 
 void frmMain::Unload() {
     const CWaitCursor wait;
-    for (const ui::ControlName& name : kRemembered) {
-        SaveControlSetting(*form_.Find(name.name, name.index));
+    SaveSettings(kGeneralEntries);
+    SaveSettings(kDatabaseEntries);
+    SaveSettings(kProcedureEntries);
+}
+
+void frmMain::LoadSettings(std::span<const ui::ControlName> entries) {
+    for (const ui::ControlName& entry : entries) {
+        LoadControlSetting(*form_.Find(entry.name, entry.index));
     }
 }
 
-void frmMain::LoadSettings(std::size_t begin, std::size_t end) {
-    for (std::size_t i = begin; i < end; ++i) {
-        LoadControlSetting(*form_.Find(kRemembered[i].name, kRemembered[i].index));
+void frmMain::SaveSettings(std::span<const ui::ControlName> entries) {
+    for (const ui::ControlName& entry : entries) {
+        SaveControlSetting(*form_.Find(entry.name, entry.index));
     }
 }
 
@@ -119,7 +138,7 @@ void frmMain::LoadControlSetting(ui::Control& control) {
             static_cast<ui::ComboBox&>(control).Text(text);
         }
     } catch (const ui::Refusal&) {
-        // A drop-down list has no items yet and takes no text: its entry is remembered in vain.
+        // A drop-down list has no items yet and refuses every text: its remembered entry has no effect.
     }
 }
 
@@ -140,6 +159,28 @@ void frmMain::tabMain_Click() {
             RefreshTab(tabMain_.Tab());
         },
         [](const Failure&) { WriteErrorLog("frmMain::tabMain_Click"); });
+}
+
+ServerFields frmMain::FieldsOf(int index) const {
+    const auto text = [&](const char* name) { return form_.Get<ui::TextBox>(name, index).Text(); };
+    return {text("edtServerName"), text("edtUserID"), text("edtPassword"), text("edtSQLDataPath"),
+            text("edtSQLUNCReplDataPath")};
+}
+
+void frmMain::FillSettings(ServerPairSettings& settings, bool blnUseServerA) const {
+    const ServerFields a = FieldsOf(0);
+    const ServerFields b = FieldsOf(1);
+    settings.UseServerA(blnUseServerA);
+    settings.ServerA(a.name);
+    settings.ServerB(b.name);
+    settings.UserA(a.user);
+    settings.UserB(b.user);
+    settings.PasswordA(a.password);
+    settings.PasswordB(b.password);
+    settings.SQLDataPathA(a.data_path);
+    settings.SQLDataPathB(b.data_path);
+    settings.SQLUNCReplDataPathA(a.replication_path);
+    settings.SQLUNCReplDataPathB(b.replication_path);
 }
 
 bool frmMain::ServerASelected(int tab) const {
@@ -166,6 +207,11 @@ void frmMain::RefillOnServerChoice(int intTab) {
                 UpdateDatabaseLists(intTab, ServerASelected(intTab));
             };
     }
+}
+
+void frmMain::GiveButtonBack(ui::CommandButton& button) {
+    button.Enabled(true);
+    form_.SetFocus(button);
 }
 
 } // namespace kv

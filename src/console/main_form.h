@@ -1,10 +1,11 @@
-// frmMain: the one window of the interactive console. Carries what its tabs share: the remembered entries,
-// which tabs and servers can be used, the database lists and the status line. The tabs' own work stands in
-// their files.
+// frmMain: the main window of the interactive console. Contains what its tabs share: the entries remembered
+// from run to run, which tabs and servers can be used, the database lists and the status line. The handlers
+// of each tab are in the tab's file.
 #pragma once
 
 #include <array>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,53 +25,57 @@ namespace kv {
 
 class frmMain {
   public:
-    /// The window with its design's texts; nothing is loaded yet.
+    /// The window with the texts of its design; nothing is loaded yet.
     frmMain();
     frmMain(const frmMain&) = delete;
     frmMain& operator=(const frmMain&) = delete;
     ~frmMain();
 
-    /// Restores what was remembered and works out what can be used. Raises
-    /// run_time::kInvalidProcedureCall for a server version without a ".". Its unload, by cmdClose or by the
-    /// frame, remembers the entries.
+    /// Restores the remembered entries and works out which tabs and servers can be used. Raises
+    /// run_time::kInvalidProcedureCall for a server version without a ".". The entries are saved when the
+    /// form is unloaded, by cmdClose or by its frame.
     void Load();
 
     ui::Form& Form() { return form_; }
 
-    // What the tabs use.
+    // For the tabs.
 
-    /// Works out availability of tabs and servers from the General tab.
+    /// Works out which tabs and servers can be used, from the fields of the General tab.
     void UpdateServerAvailability();
-    /// Applies the version rule to the controls of the packages.
+    /// Enables the controls of the DTS packages if the installed server version has DTS.
     void DisableDTSOptions();
 
-    /// The status line: a bar and a text, shown at once. Pending events run behind each of the three.
+    /// The status line: a bar and a text, shown at once. Each of the three then runs pending events.
     void InitStatus(Int16 intMax, const std::string& strText);
     void StepStatus(const std::string& strText);
     void ResetStatus(const std::string& strText);
 
-    /// Refills the database lists of one tab. Logs a failure; shows what the server reported.
+    /// Refills the database lists of one tab. Logs a failure and shows the server's errors.
     void UpdateDatabaseLists(int intTab, bool blnUseServerA);
 
-    /// A choice of one of the tab's two servers refills its database lists.
+    /// Makes the tab's two server options refill its database lists when one is chosen.
     void RefillOnServerChoice(int intTab);
 
-    /// Writes the whole block of settings from the General tab.
+    /// Copies the fields of the General tab into a manager's settings.
     void FillSettings(ServerPairSettings& settings, bool blnUseServerA) const;
+
+    /// Ends a command: enables its button again and gives it the focus.
+    void GiveButtonBack(ui::CommandButton& button);
 
   private:
     void tabMain_Click();
-    /// What the tab that is opened shows of the server.
+    /// Reads from the server the lists and the status that the opened tab shows.
     void RefreshTab(int tab);
     bool ServerASelected(int tab) const;
 
     void UpdateTabStatus();
     void UpdateServerOptions(int intTab);
     void SetServerOption(ui::OptionButton& option, const std::string& strCaption);
+    /// The General tab's fields of Server A (index 0) or Server B (index 1).
     ServerFields FieldsOf(int index) const;
 
-    /// The settings memory, entries `begin` to before `end` of the list.
-    void LoadSettings(std::size_t begin, std::size_t end);
+    void LoadSettings(std::span<const ui::ControlName> entries);
+    void SaveSettings(std::span<const ui::ControlName> entries);
     void LoadControlSetting(ui::Control& control);
     void SaveControlSetting(const ui::Control& control);
     void Unload();

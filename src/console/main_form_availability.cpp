@@ -1,11 +1,10 @@
-// frmMain: what can be used, shown on the controls.
+// frmMain: which tabs, servers and packages can be used, from the fields of the General tab and the registry.
 #include "ado/variant.h"
 #include "base/error_log.h"
 #include "base/failure.h"
 #include "base/registry_locations.h"
 #include "base/registry_settings.h"
 #include "console/main_form.h"
-#include "console/server_options.h"
 #include "text/text.h"
 
 namespace kv {
@@ -16,7 +15,7 @@ namespace location = registry_locations;
 constexpr char kTrue[] = "True";
 constexpr char kFalse[] = "False";
 
-/// DTS went with this version of the server.
+/// This version of the server is the first without DTS.
 constexpr std::int16_t kFirstVersionWithoutDts = 12;
 
 constexpr std::array kPackageControls = {
@@ -38,18 +37,12 @@ void frmMain::UpdateTabStatus() {
     }
     WithFailureHandler(
         [&] {
-            // The controls of a page that is not seen must not take the focus.
+            // The controls of a hidden page must not take the focus.
             for (int page = 0; page < kMainTabs; ++page) {
                 form_.Get<ui::Frame>("fraMainTab", page).Enabled(tabMain_.Tab() == page);
             }
         },
         [](const Failure&) { WriteErrorLog("frmMain::UpdateTabStatus"); });
-}
-
-ServerFields frmMain::FieldsOf(int index) const {
-    const auto text = [&](const char* name) { return form_.Get<ui::TextBox>(name, index).Text(); };
-    return {text("edtServerName"), text("edtUserID"), text("edtPassword"), text("edtSQLDataPath"),
-            text("edtSQLUNCReplDataPath")};
 }
 
 void frmMain::UpdateServerAvailability() {

@@ -18,9 +18,8 @@ constexpr std::array kTabCaptions = {"General",     "Script",    "Synchronize", 
                                      "Replication", "View Data", "Stored Proc."};
 static_assert(kTabCaptions.size() == kMainTabs);
 
-// Kind, name and index, caption, tool tip, parent, place, traits. The misspelt texts, and the tool tip of the
-// data path of Server B that names another server's token, are the program's texts.
-// One row, one line.
+// Kind, name and index, caption, tool tip, parent, position, traits. The misspelt texts are the product's,
+// and so is the tool tip of Server B's data path, which names Server A's token. One row is one line.
 // clang-format off
 constexpr std::array kControls = std::to_array<ControlDesign>({
     {Kind::TabControl, {"tabMain"}, "", "", kForm, Pixels(8, 8, 626, 462)},

@@ -1,6 +1,8 @@
-// The tree of frmMain's controls, the one place of their names, kinds, captions, tool tips and places. The
-// window and the model are both made from it; what the controls do stands in the files of the tabs.
+// The tree of frmMain's controls, the one place of their names, kinds, captions, tool tips and positions. The
+// window and the model are both made from it; the handlers of the controls are in the files of the tabs.
 #pragma once
+
+#include <array>
 
 #include "ui/design.h"
 
@@ -17,6 +19,17 @@ enum MainTab : int {
     kReplicationTab = 4,
     kViewDataTab = 5,
     kStoredProcTab = 6,
+};
+
+/// The option buttons for Server A (index 0) and Server B (index 1) of each tab; the General tab has none.
+inline constexpr std::array<const char*, kMainTabs> kServerOptions = {
+    nullptr,
+    "optScriptCurrentServer",
+    "optSynchronizeSourceServer",
+    "optUpgradeCurrentServer",
+    "optSQLReplCurrentServer",
+    "optViewDataCurrentServer",
+    "optStoredProcCurrentServer",
 };
 
 const ui::FormDesign& MainFormDesign();

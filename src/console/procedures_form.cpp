@@ -2,14 +2,14 @@
 
 #include "base/error_log.h"
 #include "base/failure.h"
+#include "console/list_views.h"
 #include "console/procedures_form_design.h"
-#include "console/result_list.h"
 #include "console/wait_cursor.h"
 
 namespace kv {
 namespace {
 
-/// What the operator fills in; the rest is only shown.
+/// True for a parameter whose value the operator enters; the others are only shown.
 bool GoesIn(const ado::Parameter& parameter) {
     return parameter.Direction() == ado::adParamInput || parameter.Direction() == ado::adParamInputOutput;
 }
@@ -99,7 +99,7 @@ void frmStoredProcedures::SaveParameter() {
     }
     ado::Parameter& parameter = ParameterAt(in_box);
     if (GoesIn(parameter)) {
-        // An emptied box means that nothing was given, which is neither an empty text nor NULL.
+        // An empty box means that no value was given, which is neither an empty text nor NULL.
         parameter.Value(edtValue_.Text().empty() ? ado::Variant() : ado::Variant(edtValue_.Text()));
     }
 }
@@ -116,7 +116,7 @@ void frmStoredProcedures::LoadParameter() {
     }
     edtDataType_.Text(GetDataTypeName(parameter.Type()));
     edtDirection_.Text(GetDirectionName(parameter.Direction()));
-    // A NULL fails here: the box still belongs to the parameter before, and its Tag says so.
+    // NULL fails here: the box then still shows the previous parameter, and its Tag says so.
     edtValue_.Text(parameter.Value().ToString());
     edtValue_.Tag(std::to_string(index));
 }
@@ -135,8 +135,8 @@ void frmStoredProcedures::cmdExecute_Click() {
 
 bool frmStoredProcedures::Execute() {
     form_.LockPainting();
-    // Another test than that of a click in the list: only the last parameter is taken over here, whatever its
-    // direction, and an empty box gives an empty text.
+    // Unlike a click in the list: only the last parameter is saved here, whatever its direction, and an empty
+    // box gives an empty text.
     if (const int in_box = ParameterInBox(); in_box > 0 && in_box >= LastParameter()) {
         ParameterAt(in_box).Value(edtValue_.Text());
     }
@@ -149,7 +149,7 @@ bool frmStoredProcedures::Execute() {
     if (arrData.ColumnUpperBound() == 0) {
         return false;
     }
-    // The number keeps the keys of equal and of empty names apart.
+    // The number makes the keys of equal and of empty names different.
     FillResultList(lvwViewData_, arrData, [](Int16 number, const std::string& name) {
         return ui::ListView::Column{std::to_string(number.Value()) + "_" + name, name};
     });

@@ -29,9 +29,9 @@ class frmStoredProcedures {
     void SaveParameter();
     void LoadParameter();
     void cmdExecute_Click();
-    /// False where the handler is left at once: the window stays locked and the list closed.
+    /// Returns false if the handler must return at once: painting stays locked and the list disabled.
     bool Execute();
-    /// The parameter that the value box holds, 0 for none; its box says so in its Tag.
+    /// The number of the parameter that the value box shows, 0 if it shows none. The box keeps it in its Tag.
     int ParameterInBox() const;
     int LastParameter() const { return static_cast<int>(arrParameters_.size()) - 1; }
     ado::Parameter& ParameterAt(int index);
@@ -49,7 +49,7 @@ class frmStoredProcedures {
     ParameterArray arrParameters_;
 };
 
-/// Names for the operator; "Unknown" for a number that has none.
+/// The names that the operator sees; "Unknown" for any other number.
 std::string GetDataTypeName(std::int32_t lngType);
 std::string GetDirectionName(std::int32_t lngDirection);
 

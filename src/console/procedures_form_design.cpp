@@ -12,7 +12,7 @@ using ui::Pixels;
 constexpr ui::ControlName kForm{};
 constexpr std::uint32_t kShown = ui::kReadOnly | ui::kButtonFace;
 
-// Kind, name and index, caption, tool tip, parent, place, traits.
+// Kind, name and index, caption, tool tip, parent, position, traits.
 constexpr std::array kControls = std::to_array<ControlDesign>({
     {Kind::Label, {"lblParameters"}, "&Parameters:", "", kForm, Pixels(12, 12, 220, 15)},
     {Kind::ListBox, {"lstParameters"}, "", "", kForm, Pixels(12, 30, 220, 130)},

@@ -25,15 +25,15 @@ ReplicationTab::ReplicationTab(frmMain& main)
       status_(main.Form().Get<ui::Label>("lblSQLServerReplicationStatus")) {
     main.RefillOnServerChoice(kReplicationTab);
     chkUseSQLServerReplication_.on_click = [this] { chkUseSQLServerReplication_Click(); };
-    const auto follow = [this](const char* log_source) {
+    const auto update_status = [this](const char* log_source) {
         return [this, log_source] {
             const CWaitCursor wait;
             WithFailureHandler([this] { UpdatedReplicationStatus(); },
                                [log_source](const Failure&) { WriteErrorLog(log_source); });
         };
     };
-    cboSQLReplicationDatabase_.on_click = follow("frmMain::cboSQLReplicationDatabase_Click");
-    cboSQLReplicationDatabase_.on_change = follow("frmMain::cboSQLReplicationDatabase_Change");
+    cboSQLReplicationDatabase_.on_click = update_status("frmMain::cboSQLReplicationDatabase_Click");
+    cboSQLReplicationDatabase_.on_change = update_status("frmMain::cboSQLReplicationDatabase_Change");
     cmdInstallReplication_.on_click = [this] {
         RunCommand("frmMain::cmdInstallReplication_Click", &CSQLReplicationMgr::InstallReplication);
     };

@@ -1,5 +1,5 @@
-// The Replication tab: shows whether replication is on, switches it, and holds the site's switch that says
-// whether it is to be used at all.
+// The Replication tab: shows whether replication is installed, installs and uninstalls it, and shows the
+// site's registry setting that says whether it is to be used.
 #pragma once
 
 #include <string>
@@ -15,9 +15,9 @@ class ReplicationTab {
   public:
     explicit ReplicationTab(frmMain& main);
 
-    /// The site's switch, as the registry holds it, on its box.
+    /// Shows the site's registry setting in its check box.
     void ShowSwitch();
-    /// Asks the server, and sets the two buttons and the status label.
+    /// Asks the server whether replication is installed, and sets the two buttons and the status label.
     void UpdatedReplicationStatus();
 
   private:
@@ -26,8 +26,8 @@ class ReplicationTab {
     void chkUseSQLServerReplication_Click();
     void RunCommand(const char* log_source, Operation operation);
     void ShowStatus(bool known, bool installed);
-    /// The server is the one that the Upgrade tab has selected, not this tab's: the option here says only
-    /// whose databases fill the list. Sites rely on it.
+    /// Uses the server that is selected on the Upgrade tab, not on this one: the option here only chooses the
+    /// server whose databases fill the list. Sites rely on it.
     void Fill(CSQLReplicationMgr& manager) const;
 
     frmMain& main_;

@@ -7,10 +7,11 @@
 #include "ado/variant.h"
 #include "base/error_log.h"
 #include "base/failure.h"
-#include "console/exclamation.h"
-#include "console/folder_browser.h"
+#include "console/dialogs.h"
 #include "console/main_form.h"
 #include "console/wait_cursor.h"
+#include "platform/files.h"
+#include "platform/message_box.h"
 #include "ui/toolkit.h"
 
 namespace kv {
@@ -43,7 +44,7 @@ constexpr std::array kCreateSteps = {
     ScriptStep{"chkCreateInstallScriptFile", sqlUserDefinedScript, "Create modified user defined script..."},
 };
 
-/// In another order than they are created: the default data want the stored procedures.
+/// Not in the order in which they are created: the default data need the stored procedures.
 constexpr std::array kInstallSteps = {
     ScriptStep{"chkCreateInstallBatchDatabase", sqlCreateBatchDatabase, "Install batch database..."},
     ScriptStep{"chkCreateInstallBatchStoredProcedures", sqlCreateBatchStoredProcedures,
@@ -68,7 +69,8 @@ constexpr std::array kPackageSteps = {
                 "Install Batch Summary Recalculation Export DTS package..."},
 };
 
-/// In the forms of the user's locale, as every date that the program shows but those of its log.
+/// In the format of the user's locale, like every date that the program shows; only the log has its own
+/// format.
 std::string TextOf(const platform::LocalTime& time) {
     ado::Date date{};
     date.year = static_cast<decltype(date.year)>(time.year);
@@ -78,6 +80,20 @@ std::string TextOf(const platform::LocalTime& time) {
     date.minute = static_cast<decltype(date.minute)>(time.minute);
     date.second = static_cast<decltype(date.second)>(time.second);
     return ado::Variant(date).ToString();
+}
+
+/// The text that lists a server's packages for the operator; empty if there are none.
+std::string DescribePackages(const std::vector<DTSPackageInfo>& arrPackages) {
+    std::string text;
+    for (std::size_t i = 1; i < arrPackages.size(); ++i) {
+        if (i > 1) {
+            text += "\r\n----------------------------------------------\r\n\r\n";
+        }
+        text += arrPackages[i].name + "\r\n";
+        text += arrPackages[i].description + "\r\n";
+        text += "Created: " + TextOf(arrPackages[i].creationDate) + "\r\n";
+    }
+    return text;
 }
 
 } // namespace
@@ -151,7 +167,7 @@ void ScriptTab::cmdCreateInstall_Click() {
     if (run == Run::Refused) {
         return;
     }
-    GiveButtonBack();
+    main_.GiveButtonBack(cmdCreateInstall_);
     if (manager) {
         manager->ShowDbError();
     }
@@ -162,15 +178,15 @@ ScriptTab::Run ScriptTab::RunTicked(std::unique_ptr<CSQLScriptMgr>& manager) {
     cmdCreateInstall_.Enabled(false);
     const int items = TickedScripts() + TickedPackages();
     const int steps = TickedScripts() * (InstallsScripts() ? 2 : 1) + TickedPackages();
-    // One step more than the run takes: the bar never quite fills.
+    // One step more than the run takes, so the bar never quite fills.
     main_.InitStatus(Int16(steps + 2), "Initializing...");
     if (items == 0) {
         ShowExclamation("No scripts or DTS packages selected!");
-        GiveButtonBack();
-        return Run::Refused; // the status line goes on saying "Initializing..."
+        main_.GiveButtonBack(cmdCreateInstall_);
+        return Run::Refused; // the status line keeps "Initializing..."
     }
     manager = MakeManager();
-    // The folder's setter ends it in "\", so that an empty box means the root of the current drive.
+    // The setter appends "\" to the folder, so an empty box means the root of the current drive.
     if (manager->ScriptFolder().empty() || !platform::FolderHoldsFile(manager->ScriptFolder())) {
         return Refuse("You must specify a script folder!");
     }
@@ -204,7 +220,7 @@ bool ScriptTab::CreateScripts(const CSQLScriptMgr& manager) {
 }
 
 bool ScriptTab::AnyPackageExists(const CSQLScriptMgr& manager) const {
-    // Each that is ticked is looked for, also behind the first one found.
+    // Every ticked package is looked for, also after the first one was found.
     return std::count_if(kPackageSteps.begin(), kPackageSteps.end(), [&](const PackageStep& step) {
                return Ticked(step.check_box) && manager.DTSPackageExist(step.package);
            }) > 0;
@@ -214,8 +230,8 @@ void ScriptTab::InstallScripts(const CSQLScriptMgr& manager) {
     for (const ScriptStep& step : kInstallSteps) {
         if (Ticked(step.check_box)) {
             main_.StepStatus(step.text);
-            // Whether it worked stands in the tool's output. A script whose template was missing is tried as
-            // well, and runs an older modified one if that is still there.
+            // The tool's output file says whether it worked. A script whose template was missing is run too:
+            // an older modified script may still be there.
             manager.ExecuteSQLScript(step.script, FileOf(step.script));
             ui::Wait(kScriptWait);
         }
@@ -233,27 +249,9 @@ void ScriptTab::InstallPackages(const CSQLScriptMgr& manager) {
 
 ScriptTab::Run ScriptTab::Refuse(const char* message) {
     ShowExclamation(message);
-    GiveButtonBack();
+    main_.GiveButtonBack(cmdCreateInstall_);
     main_.ResetStatus("");
     return Run::Refused;
-}
-
-void ScriptTab::GiveButtonBack() {
-    cmdCreateInstall_.Enabled(true);
-    main_.Form().SetFocus(cmdCreateInstall_);
-}
-
-std::string DescribePackages(const std::vector<DTSPackageInfo>& arrPackages) {
-    std::string text;
-    for (std::size_t i = 1; i < arrPackages.size(); ++i) {
-        if (i > 1) {
-            text += "\r\n----------------------------------------------\r\n\r\n";
-        }
-        text += arrPackages[i].name + "\r\n";
-        text += arrPackages[i].description + "\r\n";
-        text += "Created: " + TextOf(arrPackages[i].creationDate) + "\r\n";
-    }
-    return text;
 }
 
 void ScriptTab::cmdGetInstalledPackages_Click() {

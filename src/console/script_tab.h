@@ -1,4 +1,5 @@
-// The Script tab: by hand and in pieces what the unattended installation does in one run.
+// The Script tab: the operator chooses which scripts are created and run and which packages are installed.
+// The unattended installation does the same in one run.
 #pragma once
 
 #include <string>
@@ -15,8 +16,8 @@ class ScriptTab {
   public:
     explicit ScriptTab(frmMain& main);
 
-    /// The box of the operator's own script can be ticked while its text names an existing file; otherwise it
-    /// is clear, so that a stale tick cannot run.
+    /// Enables the check box of the operator's own script if its text names an existing file; otherwise
+    /// disables and clears it, so that a script that is gone cannot be run.
     void UpdateScriptFileBox();
 
   private:
@@ -26,15 +27,14 @@ class ScriptTab {
     void cmdGetInstalledPackages_Click();
     void cmdBrowseForScriptFile_Click();
 
-    /// The run between its first step and its exit steps. Makes the manager on the way.
+    /// The steps of a run before its exit steps. Makes the manager when the first step needs it.
     Run RunTicked(std::unique_ptr<CSQLScriptMgr>& manager);
     bool CreateScripts(const CSQLScriptMgr& manager);
     bool AnyPackageExists(const CSQLScriptMgr& manager) const;
     void InstallScripts(const CSQLScriptMgr& manager);
     void InstallPackages(const CSQLScriptMgr& manager);
-    /// The message, the button back, and the end of the run.
+    /// Shows the message and runs the exit steps.
     Run Refuse(const char* message);
-    void GiveButtonBack();
 
     std::unique_ptr<CSQLScriptMgr> MakeManager() const;
     bool Ticked(const char* check_box) const;
@@ -48,8 +48,5 @@ class ScriptTab {
     ui::TextBox& edtCreateInstallScriptFile_;
     ui::CheckBox& chkCreateInstallScriptFile_;
 };
-
-/// What the operator is told of the packages of a server; empty if there are none.
-std::string DescribePackages(const std::vector<DTSPackageInfo>& arrPackages);
 
 } // namespace kv

@@ -74,7 +74,7 @@ void StoredProcTab::cmdExecute_Click() {
             Fill(manager);
             frmStoredProcedures dialog;
             dialog.Init(manager, cboStoredProcDatabase_.Text(), cboStoredProcedure_.Text());
-            wait.reset(); // the operator is not under the hourglass in the dialog
+            wait.reset(); // no hourglass while the dialog is open
             ui::ShowModally(dialog.Form(), main_.Form());
         },
         [](const Failure&) { WriteErrorLog("frmMain::cmdExecute_Click"); });

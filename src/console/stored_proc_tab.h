@@ -1,5 +1,5 @@
-// The Stored Proc. tab: a server, a database, a procedure, its source text, and the way to the dialog that
-// runs it.
+// The Stored Proc. tab: the operator chooses a server, a database and a procedure, sees its source text and
+// opens the dialog that runs it.
 #pragma once
 
 #include "inspect/view_data_mgr.h"

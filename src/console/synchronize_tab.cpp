@@ -3,7 +3,7 @@
 #include "admin/synchronize_db_mgr.h"
 #include "base/error_log.h"
 #include "base/failure.h"
-#include "console/exclamation.h"
+#include "console/dialogs.h"
 #include "console/main_form.h"
 #include "console/wait_cursor.h"
 
@@ -28,7 +28,7 @@ void SynchronizeTab::cmdSynchronize_Click() {
     if (refused) {
         return;
     }
-    GiveButtonBack();
+    main_.GiveButtonBack(cmdSynchronize_);
     manager.ShowDbError();
     main_.ResetStatus("");
 }
@@ -37,23 +37,18 @@ bool SynchronizeTab::Synchronize(CSynchronizeDbMgr& manager) {
     cmdSynchronize_.Enabled(false);
     main_.InitStatus(Int16(2), "Initializing...");
     main_.FillSettings(manager, server_a_.Value());
-    // As typed: the same server under two spellings passes.
+    // The names are compared as typed: the same server in two spellings counts as two.
     if (manager.ServerA() == manager.ServerB() && source_.Text() == dest_.Text()) {
         ShowExclamation("Different source and destination database must be specified!");
-        GiveButtonBack();
+        main_.GiveButtonBack(cmdSynchronize_);
         main_.ResetStatus("");
         return false;
     }
     main_.StepStatus("Synchronizing databases...");
     manager.Synchronize(source_.Text(), dest_.Text());
-    // Whether or not it succeeded.
+    // Shown whether or not it succeeded.
     main_.StepStatus("Synchronization completed...");
     return true;
-}
-
-void SynchronizeTab::GiveButtonBack() {
-    cmdSynchronize_.Enabled(true);
-    main_.Form().SetFocus(cmdSynchronize_);
 }
 
 } // namespace kv

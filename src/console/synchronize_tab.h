@@ -1,4 +1,4 @@
-// The Synchronize tab: brings a database of one server of the pair up to one of the other.
+// The Synchronize tab: copies the data of a database on one server of the pair to a database on the other.
 #pragma once
 
 #include "ui/form.h"
@@ -14,9 +14,8 @@ class SynchronizeTab {
 
   private:
     void cmdSynchronize_Click();
-    /// False if it was refused: the handler ends then without its exit steps.
+    /// Returns false if the command was refused: the handler then ends without its exit steps.
     bool Synchronize(CSynchronizeDbMgr& manager);
-    void GiveButtonBack();
 
     frmMain& main_;
     ui::OptionButton& server_a_;

@@ -5,7 +5,7 @@
 #include "admin/upgrade_db_mgr.h"
 #include "base/error_log.h"
 #include "base/failure.h"
-#include "console/exclamation.h"
+#include "console/dialogs.h"
 #include "console/main_form.h"
 #include "console/wait_cursor.h"
 
@@ -56,30 +56,25 @@ void UpgradeTab::RunCommand(ui::CommandButton& button, const char* log_source, c
         return;
     }
     main_.UpdateDatabaseLists(kUpgradeTab, server_a_.Value());
-    GiveBack(button);
+    main_.GiveButtonBack(button);
     manager.ShowDbError();
 }
 
 bool UpgradeTab::Rename(CUpgradeDbMgr& manager) {
     const std::string& new_name = edtRenameNewDatabase_.Text();
-    // Where the names cannot be read there is nothing to compare with, and the server decides.
+    // If the names cannot be read there is nothing to compare with, and the server decides.
     std::vector<std::string> arrDatabase;
     manager.GetDatabases(arrDatabase);
     const Int16 last(static_cast<std::int64_t>(arrDatabase.size()) - 1);
     for (Int16 i(1); i <= last; ++i) {
         if (arrDatabase[static_cast<std::size_t>(i.Value())] == new_name) {
             ShowExclamation("The database '" + new_name + "' already exist!");
-            GiveBack(cmdRename_);
+            main_.GiveButtonBack(cmdRename_);
             return false;
         }
     }
     manager.RenameDatabase(Chosen("cboRenameDatabase"), new_name);
     return true;
-}
-
-void UpgradeTab::GiveBack(ui::CommandButton& button) {
-    button.Enabled(true);
-    main_.Form().SetFocus(button);
 }
 
 } // namespace kv

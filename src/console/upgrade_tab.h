@@ -1,4 +1,4 @@
-// The Upgrade tab: renames, upgrades and removes databases of one server, at once and without a question.
+// The Upgrade tab: renames, upgrades and removes databases of one server, without asking for confirmation.
 #pragma once
 
 #include <functional>
@@ -16,13 +16,14 @@ class UpgradeTab {
     explicit UpgradeTab(frmMain& main);
 
   private:
-    /// False if it was refused: the handler ends then without its exit steps.
+    /// Returns false if the command was refused: the handler then ends without its exit steps.
     using Work = std::function<bool(CUpgradeDbMgr&)>;
 
-    /// What the three commands share: the button away and back, the manager, the refreshed lists.
+    /// The steps that the three commands share: disables the button, makes the manager, does the work,
+    /// refreshes the lists and enables the button.
     void RunCommand(ui::CommandButton& button, const char* log_source, const Work& work);
     bool Rename(CUpgradeDbMgr& manager);
-    void GiveBack(ui::CommandButton& button);
+
     const std::string& Chosen(const char* combo) const;
 
     frmMain& main_;

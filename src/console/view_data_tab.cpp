@@ -4,8 +4,9 @@
 
 #include "base/error_log.h"
 #include "base/failure.h"
+#include "console/list_views.h"
 #include "console/main_form.h"
-#include "console/result_list.h"
+
 #include "console/wait_cursor.h"
 
 namespace kv {
@@ -28,7 +29,7 @@ void ViewDataTab::Fill(CViewDataMgr& manager) const {
 void ViewDataTab::cboViewDataDatabase_Click() {
     const CWaitCursor wait;
     CViewDataMgr manager;
-    // The tag names another event than the one that it serves; logs are read by it.
+    // The log line names another event than this one: readers of the log know it by that name.
     WithFailureHandler([&] { ListTables(manager); },
                        [](const Failure&) { WriteErrorLog("frmMain::cboViewDataDatabase_Change"); });
     main_.Form().UnlockPainting();

@@ -1,4 +1,5 @@
-// The View Data tab: a server, a database, a table, and the whole table with its identity columns marked.
+// The View Data tab: the operator chooses a server, a database and a table, and sees the whole table with its
+// identity columns marked.
 #pragma once
 
 #include <memory>
@@ -18,7 +19,7 @@ class ViewDataTab {
     void cboViewDataDatabase_Click();
     void lstViewDataTables_Click();
     void ListTables(CViewDataMgr& manager);
-    /// False where the handler is left at once: the window stays locked and the list closed.
+    /// Returns false if the handler must return at once: painting stays locked and the list disabled.
     bool ShowTable(std::unique_ptr<CViewDataMgr>& manager);
     void Fill(CViewDataMgr& manager) const;
 

@@ -1,4 +1,4 @@
-// CWaitCursor: the hourglass for as long as the object lives.
+// CWaitCursor: shows the hourglass as long as the object lives.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace kv {
 
-/// Nested objects unwind in their own order, each restoring the pointer that it found.
+/// Objects can be nested: each restores the mouse pointer that it found.
 class CWaitCursor {
   public:
     CWaitCursor() : pointer_(platform::MousePointer()) {

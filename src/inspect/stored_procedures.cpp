@@ -2,16 +2,15 @@
 #include <algorithm>
 
 #include "base/int16.h"
-#include "inspect/result_table.h"
 #include "inspect/view_data_mgr.h"
 
 namespace kv {
 namespace {
 
-/// Seconds for connecting and for the command, where a procedure's parameters are concerned.
+/// Seconds allowed for connecting and for each call, in the operations that read a procedure's parameters.
 constexpr std::int32_t kProcedureTimeoutSeconds = 60;
 
-/// Makes the command one of the procedure, and asks the server for its parameters.
+/// Sets the command up to call the procedure, and asks the server for its parameters.
 void SetUp(ado::Command& command, Operation& operation, const std::string& strStoredProcedure) {
     command.ActiveConnection(operation.Connection());
     command.CommandText(strStoredProcedure);
@@ -20,30 +19,17 @@ void SetUp(ado::Command& command, Operation& operation, const std::string& strSt
     command.Parameters().Refresh();
 }
 
-std::unique_ptr<ado::Parameter> FreeStanding(const ado::Parameter& live) {
-    auto parameter = std::make_unique<ado::Parameter>();
-    parameter->Attributes(live.Attributes());
-    parameter->Direction(live.Direction());
-    parameter->Name(live.Name());
-    parameter->NumericScale(live.NumericScale());
-    parameter->Precision(live.Precision());
-    parameter->Size(live.Size());
-    parameter->Type(live.Type());
-    parameter->Value(live.Value());
-    return parameter;
-}
-
-/// What a reference stands for. One that is nothing fails whoever uses it: an element that a failed operation
-/// left without an object, a recordset that did not come back and is not asked for.
+/// Returns the object, or raises the run time's failure 91 if there is none: an array element that a failed
+/// operation left empty, or a recordset that was not returned.
 template <class Object>
-Object& Used(const std::unique_ptr<Object>& reference) {
+Object& Checked(const std::unique_ptr<Object>& reference) {
     if (!reference) {
         RaiseRunTimeFailure(run_time::kObjectVariableNotSet);
     }
     return *reference;
 }
 
-/// Calls `copy` with each live parameter and its namesake in the array, the first of them, if it has one.
+/// Calls `copy` with each parameter of the command and the first one of the same name in the array, if any.
 template <class Copy>
 void ForEachPair(ado::Parameters& live, ParameterArray& arrParameters, Copy copy) {
     const Int16 count(live.Count());
@@ -51,7 +37,7 @@ void ForEachPair(ado::Parameters& live, ParameterArray& arrParameters, Copy copy
     for (Int16 i; i < count; ++i) {
         ado::Parameter& parameter = live.Item(i.Value());
         for (Int16 j(1); j <= upper; ++j) {
-            ado::Parameter& held = Used(arrParameters[static_cast<std::size_t>(j.Value())]);
+            ado::Parameter& held = Checked(arrParameters[static_cast<std::size_t>(j.Value())]);
             if (parameter.Name() == held.Name()) {
                 copy(parameter, held);
                 break;
@@ -68,7 +54,7 @@ bool CViewDataMgr::GetStoredProcedures(const std::string& strDbName,
         arrStoredProcedures.assign(1, {});
         operation.OpenStandard(strDbName);
         const auto catalogue = operation.OpenSchema(ado::adSchemaProcedures);
-        ado::Recordset& rows = Used(catalogue);
+        ado::Recordset& rows = Checked(catalogue);
         if (rows.Eof() && rows.Bof()) {
             return;
         }
@@ -77,7 +63,7 @@ bool CViewDataMgr::GetStoredProcedures(const std::string& strDbName,
             arrStoredProcedures.emplace_back();
             std::string& name = arrStoredProcedures.back();
             name = rows.Fields().Item("PROCEDURE_NAME").Value().ToString();
-            name.resize(std::min(name.find(';'), name.size())); // the number behind it goes
+            name.resize(std::min(name.find(';'), name.size())); // cuts the number after the name
         }
     });
 }
@@ -90,13 +76,13 @@ std::string CViewDataMgr::GetStoredProcedure(const std::string& strDbName,
             operation.OpenStandard(strDbName);
             const auto lines =
                 operation.Execute("sp_helptext '" + strStoredProcedure + "'", ado::adOptionUnspecified);
-            ado::Recordset& rows = Used(lines);
+            ado::Recordset& rows = Checked(lines);
             if (rows.Eof() && rows.Bof()) {
                 return;
             }
             rows.MoveFirst();
             for (; !rows.Eof(); rows.MoveNext()) {
-                text += rows.Fields().Item(0).Value().ToString(); // with the line's own end
+                text += rows.Fields().Item(0).Value().ToString(); // each ends with its line end
             }
         });
     return done ? text : std::string();
@@ -116,7 +102,8 @@ bool CViewDataMgr::GetStoredProcedureParameters(const std::string& strDbName,
         arrParameters.resize(static_cast<std::size_t>(live.Count()) + 1);
         const Int16 count(live.Count());
         for (Int16 n(1); n <= count; ++n) {
-            arrParameters[static_cast<std::size_t>(n.Value())] = FreeStanding(live.Item(n.Value() - 1));
+            arrParameters[static_cast<std::size_t>(n.Value())] =
+                std::make_unique<ado::Parameter>(live.Item(n.Value() - 1));
         }
     });
 }
@@ -128,11 +115,11 @@ bool CViewDataMgr::ExecuteStoredProcedure(const std::string& strDbName, const st
         operation.OpenStandard(strDbName, kProcedureTimeoutSeconds);
         ado::Command command;
         SetUp(command, operation, strStoredProcedure);
-        // The server's list is the one that goes into the call; the array only supplies values.
+        // The call uses the server's parameter list; the array only supplies values.
         ForEachPair(command.Parameters(), arrParameters,
                     [](ado::Parameter& live, const ado::Parameter& held) { live.Value(held.Value()); });
         const auto rows = operation.Execute(command);
-        // Before the copying: the new list keeps the values, those that came out among them.
+        // Refreshed before copying back: the new list keeps the values, output values included.
         command.Parameters().Refresh();
         ForEachPair(command.Parameters(), arrParameters,
                     [](const ado::Parameter& live, ado::Parameter& held) { held.Value(live.Value()); });

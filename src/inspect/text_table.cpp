@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/failure.h"
+#include "base/int16.h"
 
 namespace kv {
 namespace {
@@ -57,6 +58,20 @@ void TextTable::CheckBounds(std::int32_t column, std::int32_t row) const {
     if (!inside) {
         RaiseRunTimeFailure(run_time::kSubscriptOutOfRange);
     }
+}
+
+void FillTable(TextTable& table, ado::Recordset& rows) {
+    const ado::Fields fields = rows.Fields();
+    table.ReDim(fields.Count());
+    const Int16 last(table.ColumnUpperBound()); // columns are counted with 16 bits
+    for (Int16 i(1); i <= last; ++i) {
+        table.SetName(i.Value(), fields.Item(i.Value() - 1).Name());
+    }
+    if (rows.Eof() && rows.Bof()) {
+        return;
+    }
+    // All rows at once: added one by one they would be in memory twice while the table grows.
+    table.SetRows(rows.GetRows());
 }
 
 } // namespace kv

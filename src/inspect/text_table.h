@@ -1,25 +1,26 @@
-// The two-dimensional array of strings in which a manager hands a result to the console: first index the
-// column, second the row, both from 0. The rows stay as the database layer packs them, so that a large table
-// costs about its text; a cell becomes a string when it is asked for.
+// The two-dimensional array of strings in which a manager returns a result to the console. The first index is
+// the column, the second the row, both from 0. The rows stay packed as the database layer read them, so that
+// a large table takes little more memory than its text; a cell is made a string when it is asked for.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "ado/recordset.h"
 #include "ado/row_store.h"
 
 namespace kv {
 
-/// Until its first ReDim it has no bounds, and asking for them raises run_time::kSubscriptOutOfRange, as does
-/// a cell outside them. Column 0 is empty throughout.
+/// Before its first ReDim it has no bounds: asking for them raises run_time::kSubscriptOutOfRange, and so
+/// does a cell outside the bounds. Column 0 is always empty.
 class TextTable {
   public:
-    /// Drops what it holds and sizes it: the columns 0 to `last_column` and the single row 0, all empty.
+    /// Clears the table and gives it the columns 0 to `last_column` and row 0, all empty.
     void ReDim(std::int32_t last_column);
     /// Writes a cell of row 0.
     void SetName(std::int32_t column, const std::string& name);
-    /// The rows from 1 on, in place of those before; a value for each column from 1 on.
+    /// Replaces the rows from 1 on; each has a value for each column from 1 on.
     void SetRows(ado::RowStore rows);
 
     std::int32_t ColumnUpperBound() const;
@@ -27,14 +28,15 @@ class TextTable {
     /// A value's ordinary text; "(Null)" for the database's NULL.
     std::string operator()(std::int32_t column, std::int32_t row) const;
 
-    /// What the rows take in memory, in bytes.
-    std::size_t Bytes() const { return rows_.Bytes(); }
-
   private:
     void CheckBounds(std::int32_t column, std::int32_t row) const;
 
-    std::vector<std::string> names_; ///< of the columns from 0 on; none: never sized
+    std::vector<std::string> names_; ///< of the columns from 0 on; empty before the first ReDim
     ado::RowStore rows_;
 };
+
+/// Sizes the table for the recordset, fills row 0 with the fields' names and adds a row for each record. If
+/// it fails, the table keeps what was written. A closed recordset fails when its rows are asked for.
+void FillTable(TextTable& table, ado::Recordset& rows);
 
 } // namespace kv

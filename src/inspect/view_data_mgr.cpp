@@ -1,12 +1,10 @@
 // CViewDataMgr's operations on tables.
 #include "inspect/view_data_mgr.h"
 
-#include "inspect/result_table.h"
-
 namespace kv {
 namespace {
 
-/// Seconds that a statement and connecting may take here.
+/// Seconds allowed for connecting and for each statement.
 constexpr std::int32_t kTableTimeoutSeconds = 60;
 
 std::string IdentityQuery(const std::string& strTable) {
@@ -14,7 +12,8 @@ std::string IdentityQuery(const std::string& strTable) {
            "' AND COLUMNPROPERTY(OBJECT_ID('" + strTable + "'), COLUMN_NAME, 'IsIdentity')=1";
 }
 
-/// Adds field 0 of every record. The element comes first: a value that is no text leaves it empty.
+/// Appends field 0 of every record. The element is added first, so a value that cannot be read leaves it
+/// empty.
 void AppendFirstField(std::vector<std::string>& texts, ado::Recordset& rows) {
     for (; !rows.Eof(); rows.MoveNext()) {
         texts.emplace_back();

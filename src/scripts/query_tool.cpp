@@ -17,14 +17,15 @@ namespace location = registry_locations;
 struct QueryTool {
     const char* major_version; ///< compared exactly
     const char* key;
-    const char* tool;    ///< behind the folder that the key names
-    const char* removed; ///< every occurrence goes from the finished path; empty: nothing
+    const char* tool;    ///< below the folder that the key names
+    const char* removed; ///< every occurrence is removed from the full path; empty: nothing is removed
 };
 
 constexpr std::array kQueryTools = {
     QueryTool{"9", location::kClientSetup90Key, "Binn\\SqlCMD.EXE", ""},
     QueryTool{"12", location::kClientSetup120Key, "Binn\\OSQL.EXE", ""},
-    // That version's set-up names the folder of the 32-bit programs, but the tool lies beside them.
+    // That version's setup names the folder of the 32-bit programs, but the tool is in that of the 64-bit
+    // ones.
     QueryTool{"14", location::kClientSetup140Key, "Binn\\OSQL.EXE", " (x86)"},
 };
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 
-/// Hands every line of the text, without its end, to `take`.
+/// Calls `take` with every line of the text, without its line end.
 template <class Take>
 void ForEachLine(std::string_view text, Take&& take) {
     std::size_t at = 0;
@@ -22,7 +22,7 @@ void ForEachLine(std::string_view text, Take&& take) {
         if (stop == std::string_view::npos) {
             return;
         }
-        // A line feed right after a carriage return is one line end together with it.
+        // A carriage return and a line feed right after it are one line end.
         at = carriage_return < line_feed && line_feed == carriage_return + 1 ? line_feed + 1 : stop + 1;
         if (carriage_return < at) {
             carriage_return = text.find('\r', at);
@@ -49,7 +49,7 @@ std::string ReadFileContent(const std::string& path) {
         is_ended_by_cr_lf = is_ended_by_cr_lf && raw.compare(end, kLineEnd.size(), kLineEnd) == 0;
     });
     if (is_ended_by_cr_lf) {
-        return raw; // the usual template: nothing to change, and no second copy of a large one
+        return raw; // the usual template: nothing to change, so a large one is not copied
     }
     std::string content;
     content.reserve(size);
@@ -66,8 +66,8 @@ void WriteDataFile(const std::string& strFileContent, const std::string& strFile
     if (platform::FileExists(path)) {
         platform::DeleteFileAt(path);
     }
-    // The text is printed as an item that ends with a line end of its own. In one step: the query tool must
-    // not find a part of a script under its name.
+    // The product adds one more line end. The file is written in one step, so that the query tool never finds
+    // an incomplete script under its name.
     platform::ReplaceWholeFile(path, strFileContent, kLineEnd);
 }
 

@@ -3,7 +3,7 @@
 namespace kv {
 namespace {
 
-/// The fixed scripts by number; template and modified script have the same name.
+/// The fixed scripts by number. A template and its modified script have the same name.
 constexpr std::array kScriptNames = {
     "Create_Batch_Database.sql",
     "Create_Batch_Stored_Procedures.sql",

@@ -1,4 +1,4 @@
-// Scripts and packages by number: their files and names.
+// The scripts and packages by number, with the names of their files.
 #pragma once
 
 #include <array>
@@ -29,13 +29,11 @@ inline constexpr std::array kDtsPackages = {
     dtsBatchSummaryExport, dtsBatchSummaryRecalcExport,
 };
 
-/// The template's path: in `script_folder`, which ends in "\", or, for a user-defined script, `file` as it
-/// stands.
+/// The path of the template: in `script_folder`, which ends in "\"; for a user-defined script `file` itself.
 std::string TemplatePath(eSQLScript script, const std::string& script_folder, const std::string& file);
-/// The bare name of the modified script: for a user-defined script what follows the last "\" or "/" of
-/// `file`.
+/// The name of the modified script, without a folder; for a user-defined script the name in `file`.
 std::string ModifiedScriptName(eSQLScript script, const std::string& file);
-/// The bare name of the query tool's output file: the script's name with "txt" after its last ".".
+/// The name of the query tool's output file: the script's name with the extension "txt".
 std::string OutputFileName(eSQLScript script, const std::string& file);
 
 /// The package's name on the server.

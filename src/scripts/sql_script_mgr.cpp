@@ -25,7 +25,7 @@ std::string Quoted(const std::string& text) {
     return '"' + text + '"';
 }
 
-/// The path writers cut a trailing "\", which turns the root of a drive into the drive alone.
+/// The setters of the paths cut a trailing "\", which turns "C:\" into "C:". This appends it again.
 std::string WithDriveRootRepair(const std::string& path) {
     return !path.empty() && path.back() == ':' ? path + '\\' : path;
 }
@@ -54,8 +54,9 @@ bool CSQLScriptMgr::CreateModifiedScript(eSQLScript script, const std::string& s
 }
 
 std::string CSQLScriptMgr::ReplaceFileContent(std::string_view strFileContent) const {
-    // Server and domain tokens choose the case of their value by their own; the other values keep theirs. The
-    // single paths go in without the drive root repair, those of the pair with it: templates rely on both.
+    // The letter case of a server or domain token decides the case of its value; the other values keep
+    // theirs. The paths of the pair get the drive root repair, those of the selected server do not: templates
+    // rely on both.
     return ReplaceTokens(strFileContent,
                          {
                              {"###SERVER###", false, UpperCase(SelectedServer())},
@@ -84,7 +85,7 @@ bool CSQLScriptMgr::ExecuteSQLScript(eSQLScript script, const std::string& strFi
     bool result = false;
     WithFailureHandler(
         [&] {
-            // The three values stand unquoted: an empty password leaves " -P " directly in front of " -i ".
+            // The three values are not quoted: with an empty password " -P " is followed directly by " -i ".
             std::string parameters =
                 " -S " + SelectedServer() + " -U " + SelectedUser() + " -P " + SelectedPassword();
             const std::string folder = DataFolder() + "\\";
@@ -104,7 +105,7 @@ bool CSQLScriptMgr::ExecuteSQLScript(eSQLScript script, const std::string& strFi
 bool CSQLScriptMgr::RunProcessAndWait(const std::string& program, const std::string& parameters,
                                       const std::string& working_folder, std::int32_t wait_milliseconds,
                                       std::int32_t /*show_state*/, std::int32_t /*priority*/) const {
-    // Show state and priority reach no field of the record: the tool's console window stays hidden.
+    // Show state and priority are not passed on: the tool's console window stays hidden.
     platform::ShellExecuteInfo info;
     info.mask = platform::kNoCloseProcess;
     info.verb = "open";
@@ -140,8 +141,7 @@ bool CSQLScriptMgr::InstallDTSPackage(eDTSPackage package) const {
                 RaiseFailure(kProgramFailure, kClassName,
                              "Installing SQL DTS package failed! Can not create DTS.Package object.");
             }
-            // A package that is not there to be removed is no failure, and no other failure of this call is
-            // noticed.
+            // The package may not exist on the server. No failure of this call is noticed.
             WithFailureHandler(
                 [&] { object->RemoveFromSQLServer(server, user, password, PackageName(package)); },
                 [](const Failure&) {});

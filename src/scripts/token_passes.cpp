@@ -1,6 +1,6 @@
-// No token can reach over a character that is neither a letter nor a hash sign, and replacing takes no such
-// character away. So the text falls into runs of letters and hash signs that cannot influence one another:
-// the passes over the whole text are the passes over each run, and a template repeats the same few runs.
+// A token consists of letters and hash signs, and replacing never removes another character. So a text can be
+// split into runs of letters and hash signs that do not influence one another: the passes over the whole text
+// give the same as the passes over each run. A template repeats the same few runs, so their results are kept.
 #include "scripts/token_passes.h"
 
 #include <deque>
@@ -23,7 +23,7 @@ char LowerLetter(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
-bool TokenStandsAt(std::string_view text, std::size_t at, const TokenPass& pass) {
+bool IsTokenAt(std::string_view text, std::size_t at, const TokenPass& pass) {
     if (text.size() - at < pass.token.size()) {
         return false;
     }
@@ -44,7 +44,7 @@ std::string RunPass(const std::string& text, const TokenPass& pass) {
     std::size_t copied = 0;
     std::size_t at = text.find('#');
     while (at != std::string::npos) {
-        if (TokenStandsAt(text, at, pass)) {
+        if (IsTokenAt(text, at, pass)) {
             result.append(text, copied, at - copied).append(pass.value);
             at += pass.token.size();
             copied = at;
@@ -65,12 +65,12 @@ std::string RunAllPasses(std::string_view run, const std::vector<TokenPass>& pas
     return text;
 }
 
-/// What the passes make of a run. A run that was seen before is looked up.
+/// The result of the passes over a run. The result of a run that was seen before is looked up.
 class RunResults {
   public:
     explicit RunResults(const std::vector<TokenPass>& passes) : passes_(passes) {}
 
-    /// The result lives as long as this object.
+    /// The returned reference is valid as long as this object.
     const std::string& Of(std::string_view run) {
         constexpr std::size_t kLongestRemembered = 128;
         constexpr std::size_t kMostRemembered = 4096;
@@ -93,7 +93,7 @@ class RunResults {
     std::unordered_map<std::string_view, const std::string*> remembered_;
 };
 
-/// A piece of the text that changes, and what it becomes.
+/// A part of the text that changes, and the text that replaces it.
 struct Replacement {
     std::size_t begin;
     std::size_t end;
@@ -133,7 +133,7 @@ std::string ReplaceTokens(std::string_view text, const std::vector<TokenPass>& p
     RunResults results(passes);
     const std::vector<Replacement> replacements = FindReplacements(text, results);
 
-    // The exact size first: growing a result of this length step by step would hold it twice in memory.
+    // The size is computed first: a result that grows step by step would be in memory twice.
     std::size_t size = text.size();
     for (const Replacement& replacement : replacements) {
         size = size - (replacement.end - replacement.begin) + replacement.result->size();

@@ -42,8 +42,7 @@ void frmStatus::StepProgessBar(Int16 intStep) {
 }
 
 void frmStatus::StatusText(const std::string& strText) {
-    text_ = strText;
-    window_->SetLabel(text_);
+    window_->SetLabel(strText);
     platform::RunPendingEvents();
 }
 

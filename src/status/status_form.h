@@ -19,16 +19,10 @@ class frmStatus {
 
     /// Sets the bar's Min, then its Max, then its Value.
     void InitProgressBar(float sngMin, float sngMax, float sngValue);
-    /// Moves the bar; it stops at either end and never fails on an overrun. The spelling is the member's
-    /// name.
+    /// Moves the bar; it stops at either end and never fails. The misspelt name is the product's.
     void StepProgessBar(Int16 intStep);
-    /// The text is on the screen when this returns, and pending events have run once.
+    /// Shows the text at once and runs pending events.
     void StatusText(const std::string& strText);
-
-    float Min() const { return min_; }
-    float Max() const { return max_; }
-    float Value() const { return value_; }
-    const std::string& Text() const { return text_; }
 
   private:
     void UpdateBar();
@@ -37,7 +31,6 @@ class frmStatus {
     float min_ = 0;
     float max_ = 100;
     float value_ = 0;
-    std::string text_;
 };
 
 } // namespace kv

@@ -16,7 +16,7 @@ struct Flags {
     bool dts;
 };
 
-/// The exact number of steps that the sequence makes.
+/// The number of steps that the sequence makes.
 float StepCount(const Flags& install) {
     return 2.0F + (install.db ? 4.0F : 0.0F) + (install.sp ? 2.0F : 0.0F) + (install.dts ? 6.0F : 0.0F);
 }
@@ -31,7 +31,7 @@ void RunSequence(const CSQLScriptMgr& scripts, frmStatus& status, const Flags& i
     if (install.sp) {
         ModifyScript(scripts, status, kCreateStoredProcedures);
     }
-    RequireQueryTool(scripts, status); // asked also by a run of packages alone, which does not use the tool
+    RequireQueryTool(scripts, status); // also for a run of packages alone, which does not use the tool
     if (install.db) {
         RunScript(scripts, status, kCreateBatchDatabase);
         RunScript(scripts, status, kInsertDefaultData);
@@ -49,7 +49,7 @@ void RunSequence(const CSQLScriptMgr& scripts, frmStatus& status, const Flags& i
 void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Server, const std::string& User,
                         const std::string& Password, const std::string& SQLDataPath, bool InstallDb,
                         bool InstallSp, bool InstallDts) {
-    // It goes away last, after the handler.
+    // Outside the handler, so that the window is closed after a failure was logged.
     std::unique_ptr<frmStatus> status;
     WithFailureHandler(
         [&] {
@@ -73,7 +73,7 @@ void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Serv
             scripts.ScriptFolder(ScriptFolder);
             RunSequence(scripts, *status, install);
         },
-        // The sister routine's name is what this routine has always logged.
+        // The product logs the name of the upgrade routine here.
         [](const Failure&) { WriteErrorLog("modMain::DoAutomaticUpgrade"); });
 }
 

@@ -22,7 +22,7 @@ namespace {
 
 constexpr char kBatchDb[] = "Batch";
 constexpr char kTemporaryDb[] = "TmpBatchUpgradeDb";
-/// The exact number of steps that the sequence makes.
+/// The number of steps that the sequence makes.
 constexpr float kStepCount = 17.0F;
 
 std::string LoginSetting(frmStatus& status, const char* value) {
@@ -37,14 +37,15 @@ void ReadLogin(CUpgradeDbMgr& databases, frmStatus& status) {
     databases.ServerA(LoginSetting(status, registry_locations::kServerNameValue));
     databases.UserA(LoginSetting(status, registry_locations::kUserIdValue));
     databases.PasswordA(
-        LoginSetting(status, registry_locations::kPasswordValue)); // as it stands, not decrypted
+        LoginSetting(status, registry_locations::kPasswordValue)); // used as stored, not decrypted
 }
 
 using Locks = std::vector<std::unique_ptr<platform::NamedLock>>;
 
-/// Of two upgrades at once the second would delete the temporary database of the first, the only copy of the
-/// old data. They meet on the server or, whatever names the server has, in the program's folder Data.
-Locks LockOthersOut(const std::string& server, frmStatus& status) {
+/// Makes sure that no other upgrade runs: the second of two would delete the temporary database of the first,
+/// the only copy of the old data. There is a lock for the server's name and, because a server can have
+/// several names, one for the program's folder.
+Locks LockOutOtherUpgrades(const std::string& server, frmStatus& status) {
     std::vector<std::string> names = {"program " + platform::ExecutableFolder()};
     if (!server.empty()) {
         names.push_back("server " + server);
@@ -60,7 +61,7 @@ Locks LockOthersOut(const std::string& server, frmStatus& status) {
     return locks;
 }
 
-/// The new database's files go where the old data file lies.
+/// The files of the new database go into the folder of the old data file.
 void FindDataPath(CUpgradeDbMgr& databases, frmStatus& status) {
     std::string strDataFileName;
     std::string strDataFilePath;
@@ -86,9 +87,9 @@ void CopySettings(const CUpgradeDbMgr& databases, CSQLScriptMgr& scripts) {
     scripts.SQLDataPathA(databases.SQLDataPathA());
 }
 
-/// No result is looked at: a first upgrade has no temporary database to remove, and after a rename that
-/// failed the create script runs on top of what there is.
-void PutOldDatabaseAside(CUpgradeDbMgr& databases, frmStatus& status) {
+/// The results are ignored: at a first upgrade there is no temporary database to remove, and after a failed
+/// rename the create script is run on the existing database.
+void RenameOldDatabase(CUpgradeDbMgr& databases, frmStatus& status) {
     StepBar(status);
     status.StatusText("Deleting existing temporary database...");
     databases.RemoveDatabase(kTemporaryDb);
@@ -97,7 +98,7 @@ void PutOldDatabaseAside(CUpgradeDbMgr& databases, frmStatus& status) {
     databases.RenameDatabase(kBatchDb, kTemporaryDb);
 }
 
-/// The procedures come before the default data, the other way round than in an installation.
+/// The stored procedures are run before the default data; an installation runs them after.
 void BuildNewDatabase(const CSQLScriptMgr& scripts, frmStatus& status) {
     StepBar(status);
     status.StatusText("Modifying sql scripts...");
@@ -114,7 +115,7 @@ void BuildNewDatabase(const CSQLScriptMgr& scripts, frmStatus& status) {
 } // namespace
 
 void DoAutomaticUpgrade(const std::string& strScriptFolder) {
-    // It goes away last, after the handler.
+    // Outside the handler, so that the window is closed after a failure was logged.
     std::unique_ptr<frmStatus> status;
     WithFailureHandler(
         [&] {
@@ -126,17 +127,17 @@ void DoAutomaticUpgrade(const std::string& strScriptFolder) {
 
             CUpgradeDbMgr databases;
             ReadLogin(databases, *status);
-            const Locks locks = LockOthersOut(databases.ServerA(), *status);
+            const Locks locks = LockOutOtherUpgrades(databases.ServerA(), *status);
             FindDataPath(databases, *status);
             CSQLScriptMgr scripts;
             CopySettings(databases, scripts);
             scripts.ScriptFolder(strScriptFolder);
 
-            PutOldDatabaseAside(databases, *status);
+            RenameOldDatabase(databases, *status);
             BuildNewDatabase(scripts, *status);
             status->StatusText(std::string("Upgrading database '") + kBatchDb + "' from '" + kTemporaryDb +
                                "'...");
-            databases.UpgradeDatabase(kBatchDb, kTemporaryDb); // the result is not looked at
+            databases.UpgradeDatabase(kBatchDb, kTemporaryDb); // the result is ignored
             StepBar(*status);
         },
         [](const Failure&) { WriteErrorLog("modMain::DoAutomaticUpgrade"); });

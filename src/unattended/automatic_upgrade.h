@@ -1,16 +1,16 @@
-// DoAutomaticUpgrade: what /upgradedb runs, with no operator present.
+// DoAutomaticUpgrade: the unattended run of /upgradedb.
 #pragma once
 
 #include <string>
 
 namespace kv {
 
-/// Takes the database "Batch" of the server that the registry names out of the way under the name
-/// "TmpBatchUpgradeDb", builds a new one from the scripts where the old one's data file lay, and has it take
-/// the old data over. Returns when the run is over, whatever its outcome: a failure is one line of the log
-/// and nothing is undone. The old data stay under the temporary name until the next run removes them first of
-/// all: a run after one that failed after the creation of the new database loses them. A run that starts
-/// while another one runs changes nothing, reports it in the window and fails.
+/// Renames the database "Batch", on the server that the registry names, to "TmpBatchUpgradeDb", builds a new
+/// one from the scripts in the folder of the old data file, and copies the old data into it. Returns when the
+/// run is over, whatever its outcome: a failure is logged as one line and nothing is undone. The old data
+/// stay in the temporary database until the next run, whose first step removes it. So if a run fails after it
+/// has created the new database, the next run loses the old data. A run that starts while another one is
+/// running changes nothing, says so in the status window and fails.
 void DoAutomaticUpgrade(const std::string& strScriptFolder);
 
 } // namespace kv

@@ -1,5 +1,5 @@
-// The steps that the unattended installation and the unattended upgrade share, each in its own order. Knows
-// neither sequence.
+// The steps that the unattended installation and the unattended upgrade share; each runs them in its own
+// order. Knows neither sequence.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@ namespace kv {
 /// The source of the failures that both sequences raise.
 inline constexpr char kUnattendedModule[] = "modMain";
 
-/// A script of an unattended run: how a failure names it, and what the status window says while it runs.
+/// A script of an unattended run: its name in a failure, and the status window's text while it runs.
 struct UnattendedScript {
     eSQLScript script;
     const char* name;
@@ -27,27 +27,27 @@ inline constexpr UnattendedScript kCreateStoredProcedures = {sqlCreateBatchStore
                                                              "Create Batch Stored Procedures",
                                                              "Installing batch stored procedures..."};
 
-/// Moves the bar by one.
+/// Moves the progress bar by one step.
 void StepBar(frmStatus& status);
 
-/// Shows the text and raises it as a failure.
+/// Shows the text in the status window and raises it as a failure.
 [[noreturn]] void Refuse(frmStatus& status, const std::string& text);
 
-/// Refuses a value that is not what was typed or stored, since it has characters that the code page lacks: a
-/// server would be given another one. `name` is how the operator knows it.
+/// Refuses a value with characters that the code page lacks: the server would get a different value. `name`
+/// is the value's name in the message.
 void RequireCodePage(frmStatus& status, const std::string& name, const std::string& value);
 
 /// Writes the modified script and moves the bar. Raises a failure if its template is missing.
 void ModifyScript(const CSQLScriptMgr& scripts, frmStatus& status, const UnattendedScript& script);
 
-/// Raises a failure if there is no query tool, and moves the bar.
+/// Moves the bar, or raises a failure if there is no query tool.
 void RequireQueryTool(const CSQLScriptMgr& scripts, frmStatus& status);
 
-/// Runs the modified script and moves the bar; the result is not looked at.
+/// Runs the modified script and moves the bar; the result is ignored.
 void RunScript(const CSQLScriptMgr& scripts, frmStatus& status, const UnattendedScript& script);
 
-/// Stores every package whose file is there. The bar moves once for each of the six, there or not; the result
-/// is not looked at.
+/// Installs every package whose file exists. The bar moves once for each of the six, whether it exists or
+/// not; the results are ignored.
 void InstallPackages(const CSQLScriptMgr& scripts, frmStatus& status);
 
 } // namespace kv

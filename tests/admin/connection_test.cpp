@@ -1,4 +1,4 @@
-// What the managers that use a connection share: the connection string, the open sequence, the failure path.
+// What the managers share: the connection string, the open sequence, and the failure path.
 #include <algorithm>
 #include <functional>
 
@@ -34,7 +34,7 @@ TEST_F(ConnectionOfManagers, TheStringNamesDriverServerDatabaseUserAndPassword) 
     EXPECT_EQ(StringOf(manager), ConnectionStringB("Batch"));
 }
 
-TEST_F(ConnectionOfManagers, WithoutServerOrUserOfTheSelectedServerTheStringIsEmptyAndOpenFails) {
+TEST_F(ConnectionOfManagers, WithoutServerOrUserTheStringIsEmptyAndOpenFails) {
     CSQLReplicationMgr no_server;
     FillPair(no_server, false);
     no_server.ServerB("");
@@ -45,7 +45,7 @@ TEST_F(ConnectionOfManagers, WithoutServerOrUserOfTheSelectedServerTheStringIsEm
     no_user.UserB("");
     EXPECT_EQ(StringOf(no_user), "");
     EXPECT_TRUE(ado_.Statements().empty());
-    EXPECT_EQ(ado_.calls.back(), "Open '' '' '' -1"); // set and opened all the same
+    EXPECT_EQ(ado_.calls.back(), "Open '' '' '' -1"); // the empty string is set and opened
     EXPECT_EQ(LogLines(), (Lines(3, "CSQLReplicationMgr::InstallReplication('Batch')")));
 }
 
@@ -65,7 +65,7 @@ TEST_F(ConnectionOfManagers, ANumberSignInTheServersNameShiftsEveryLaterValue) {
     EXPECT_EQ(StringOf(manager), "Driver={SQL Server};Server=NoBatchde;Database=saA;Uid=pwA;Pwd=#;");
 }
 
-TEST_F(ConnectionOfManagers, ANumberSignInThePasswordStays) {
+TEST_F(ConnectionOfManagers, ANumberSignInThePasswordIsKept) {
     CSQLReplicationMgr manager;
     FillPair(manager);
     manager.PasswordA("a#b");
@@ -80,7 +80,7 @@ TEST_F(ConnectionOfManagers, ASemicolonInThePasswordIsNotProtected) {
     EXPECT_TRUE(StringOf(manager).ends_with("Pwd=a;Database=x;"));
 }
 
-/// An operation, the database that it goes to and the name that the log has for it.
+/// An operation, its name in the log, and the database that it opens.
 struct OperationCase {
     const char* source;
     const char* database;
@@ -169,7 +169,7 @@ TEST_F(EveryOperation, OpensByTheStandardSequenceWithBothTimeOuts) {
     }
 }
 
-TEST_F(EveryOperation, ThatCannotOpenKeepsTheErrorLogsOneLineAndIsFalse) {
+TEST_F(EveryOperation, KeepsTheErrorAndLogsOneLineIfItCannotOpen) {
     for (const OperationCase& one : Cases()) {
         SCOPED_TRACE(one.source);
         ForgetLog();
@@ -187,7 +187,7 @@ TEST_F(EveryOperation, ThatCannotOpenKeepsTheErrorLogsOneLineAndIsFalse) {
     }
 }
 
-TEST_F(EveryOperation, LeavesNoCurrentErrorBehind) {
+TEST_F(EveryOperation, LeavesNoCurrentError) {
     for (const OperationCase& one : Cases()) {
         ado_.Answer("Open", Failing());
         one.run();
@@ -195,7 +195,7 @@ TEST_F(EveryOperation, LeavesNoCurrentErrorBehind) {
     }
 }
 
-TEST_F(EveryOperation, DropsTheErrorsOfTheOperationBeforeIt) {
+TEST_F(EveryOperation, DropsTheErrorsOfThePreviousOperation) {
     for (const OperationCase& one : Cases()) {
         SCOPED_TRACE(one.source);
         for (int run = 0; run < 2; ++run) {
@@ -206,7 +206,7 @@ TEST_F(EveryOperation, DropsTheErrorsOfTheOperationBeforeIt) {
     }
 }
 
-TEST_F(EveryOperation, WhoseFailureCannotBeLoggedFailsItsCaller) {
+TEST_F(EveryOperation, RaisesAFailureToItsCallerIfTheLogCannotBeWritten) {
     for (const OperationCase& one : Cases()) {
         SCOPED_TRACE(one.source);
         ado_.Answer("Open", Failing());
@@ -223,7 +223,7 @@ class CollectedErrors : public ManagerTest {
     CSQLReplicationMgr manager_;
 };
 
-TEST_F(CollectedErrors, StayBehindASuccessToo) {
+TEST_F(CollectedErrors, AreKeptAfterASuccessToo) {
     ado_.Answer(kInstall, WithErrors({-5, -6}));
     EXPECT_TRUE(manager_.InstallReplication("Batch"));
     EXPECT_EQ(manager_.ErrorCount(), Int16(2));
@@ -240,15 +240,15 @@ TEST_F(CollectedErrors, MessagesWithoutANumberAreLeftOut) {
     EXPECT_EQ(screen_.Count("box"), 0);
 }
 
-TEST_F(CollectedErrors, AnErrorInFrontOfAMessageIsKept) {
+TEST_F(CollectedErrors, AnErrorBeforeAMessageIsKept) {
     ado_.Answer(kInstall, WithErrors({-5, 0}));
     EXPECT_TRUE(manager_.InstallReplication("Batch"));
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
 }
 
-TEST_F(CollectedErrors, AMessageInFrontOfAnErrorFailsTheOperationAndThenItsCaller) {
-    // The normal path fails in collecting; the failure path collects the same again, and that is the
-    // caller's.
+TEST_F(CollectedErrors, AMessageBeforeAnErrorFailsTheOperationAndThenItsCaller) {
+    // Collecting the errors fails. The failure path collects them again, and that failure is raised to the
+    // caller.
     ado_.Answer(kInstall, WithErrors({0, -5}));
     try {
         manager_.InstallReplication("Batch");
@@ -256,7 +256,7 @@ TEST_F(CollectedErrors, AMessageInFrontOfAnErrorFailsTheOperationAndThenItsCalle
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.Number(), run_time::kSubscriptOutOfRange);
     }
-    EXPECT_TRUE(LogLines().empty()); // the line comes behind the collecting
+    EXPECT_TRUE(LogLines().empty()); // the line would be logged after the collecting
     EXPECT_EQ(ado_.calls.back(), "Execute 1 exec spInstallReplication");
     EXPECT_EQ(ado_.closed_by_going, 1U);
     EXPECT_EQ(ado_.connections, 0U);
@@ -271,8 +271,8 @@ TEST_F(CollectedErrors, TheSameOrderWithAFailingStatementFailsTheCallerToo) {
     EXPECT_EQ(ado_.connections, 0U);
 }
 
-TEST_F(CollectedErrors, AFailureOfTheOperationsOwnCollectsTheLastStatementsErrorsOnceMore) {
-    // The connection still holds them when the failure path looks.
+TEST_F(CollectedErrors, AFailureThatTheOperationRaisesCollectsTheLastStatementsErrorsTwice) {
+    // The connection still has them when the failure path collects.
     std::vector<std::string> names;
     CUpgradeDbMgr manager;
     FillPair(manager);
@@ -283,12 +283,12 @@ TEST_F(CollectedErrors, AFailureOfTheOperationsOwnCollectsTheLastStatementsError
     EXPECT_EQ(manager.ErrorCount(), Int16(2));
 }
 
-TEST_F(CollectedErrors, AConnectionThatCannotCloseTakesTheFailurePath) {
+TEST_F(CollectedErrors, AConnectionThatCannotBeClosedFailsTheOperation) {
     ado_.Answer("Close", Failing());
     EXPECT_FALSE(manager_.InstallReplication("Batch"));
     EXPECT_EQ(LogLines(), Lines{"CSQLReplicationMgr::InstallReplication('Batch')"});
     const Lines closes(ado_.calls.end() - 2, ado_.calls.end());
-    EXPECT_EQ(closes, (Lines{"Close", "Close"})); // once at the success end, once on the failure path
+    EXPECT_EQ(closes, (Lines{"Close", "Close"})); // once at the operation's end, once on the failure path
 }
 
 TEST_F(CollectedErrors, ANewManagerHasNone) {

@@ -1,3 +1,4 @@
+// GetDatabases and GetDatabaseInfo of both classes that have them.
 #include "admin/manager_fixture.h"
 #include "admin/synchronize_db_mgr.h"
 #include "admin/upgrade_db_mgr.h"
@@ -23,7 +24,6 @@ struct Names<CSynchronizeDbMgr> {
     static constexpr char kList[] = "use [master] exec sp_helpdb";
 };
 
-/// Both classes that have the catalogue.
 template <class Manager>
 class DatabaseCatalogue : public ManagerTest {
   protected:
@@ -58,7 +58,7 @@ class DatabaseCatalogue : public ManagerTest {
 using BothClasses = ::testing::Types<CUpgradeDbMgr, CSynchronizeDbMgr>;
 TYPED_TEST_SUITE(DatabaseCatalogue, BothClasses);
 
-TYPED_TEST(DatabaseCatalogue, ListsEveryDatabaseInTheServersOrderTheSystemsToo) {
+TYPED_TEST(DatabaseCatalogue, ListsEveryDatabaseInTheServersOrder) {
     this->ado_.Answer(this->kList, Rows({{"tempdb", 1}, {"Batch", 2}, {"master", 3}, {"A b", 4}}));
     EXPECT_TRUE(this->manager_.GetDatabases(this->names_));
     EXPECT_EQ(this->names_, (Lines{"", "tempdb", "Batch", "master", "A b"}));
@@ -73,27 +73,27 @@ TYPED_TEST(DatabaseCatalogue, WorksOnTheSelectedServer) {
     EXPECT_EQ(this->ado_.calls, this->StandardCalls(this->ConnectionStringB("master"), {this->kList}));
 }
 
-TYPED_TEST(DatabaseCatalogue, ANameIsTakenAsItIsBlanksIncluded) {
+TYPED_TEST(DatabaseCatalogue, BlanksInANameAreKept) {
     this->ado_.Answer(this->kList, Rows({{" a "}}));
     EXPECT_TRUE(this->manager_.GetDatabases(this->names_));
     EXPECT_EQ(this->names_, (Lines{"", " a "}));
 }
 
-TYPED_TEST(DatabaseCatalogue, NoRecordsetIsAFailureWithElement0Alone) {
+TYPED_TEST(DatabaseCatalogue, AMissingRecordsetFailsAndLeavesOnlyElement0) {
     this->ado_.Answer(this->kList, {.no_recordset = true});
     this->ExpectListFailed();
     this->ExpectRaised(Names<TypeParam>::kClass, "Database information could not be found!");
     EXPECT_EQ(this->names_, Lines{""});
 }
 
-TYPED_TEST(DatabaseCatalogue, NoRowIsAFailureWithElement0Alone) {
+TYPED_TEST(DatabaseCatalogue, AnEmptyResultFailsAndLeavesOnlyElement0) {
     this->ado_.Answer(this->kList, Rows({}));
     this->ExpectListFailed();
     this->ExpectRaised(Names<TypeParam>::kClass, "No information about available databases could be found!");
     EXPECT_EQ(this->names_, Lines{""});
 }
 
-TYPED_TEST(DatabaseCatalogue, AClosedRecordsetFailsWhereItIsRead) {
+TYPED_TEST(DatabaseCatalogue, AClosedRecordsetFailsWhenItIsRead) {
     this->ExpectListFailed();
     EXPECT_EQ(this->manager_.ErrorCount(), Int16(0));
 }
@@ -104,19 +104,19 @@ TYPED_TEST(DatabaseCatalogue, ARefusedListKeepsTheServersError) {
     EXPECT_EQ(this->manager_.ErrorCount(), Int16(1));
 }
 
-TYPED_TEST(DatabaseCatalogue, AFailureToOpenLeavesElement0Alone) {
+TYPED_TEST(DatabaseCatalogue, AFailureToOpenLeavesOnlyElement0) {
     this->ado_.Answer("Open", Failing());
     EXPECT_FALSE(this->manager_.GetDatabases(this->names_));
     EXPECT_EQ(this->names_, Lines{""});
 }
 
-TYPED_TEST(DatabaseCatalogue, AFailureAmidTheRowsKeepsTheNamesReadSoFar) {
+TYPED_TEST(DatabaseCatalogue, AFailureWhileReadingKeepsTheNamesReadSoFar) {
     this->ado_.Answer(this->kList, Rows({{"one"}, {"two"}, {Null()}, {"four"}}));
     this->ExpectListFailed();
-    EXPECT_EQ(this->names_, (Lines{"", "one", "two", ""})); // the element was there before its name was read
+    EXPECT_EQ(this->names_, (Lines{"", "one", "two", ""})); // the element is added before its name is read
 }
 
-TYPED_TEST(DatabaseCatalogue, InfoTakesTheFirstTwoRowsTrimmed) {
+TYPED_TEST(DatabaseCatalogue, InfoReadsTheFirstTwoRowsTrimmed) {
     this->ado_.Answer(this->kFiles, Rows({{"Batch_Data  ", 1, "  C:\\My data\\Batch.mdf   ", "PRIMARY"},
                                           {" Batch_Log", 2, "C:\\My data\\Batch.ldf ", Null()},
                                           {"Batch_3", 3, "C:\\3.ndf", Null()}}));
@@ -126,7 +126,7 @@ TYPED_TEST(DatabaseCatalogue, InfoTakesTheFirstTwoRowsTrimmed) {
     EXPECT_EQ(this->ado_.calls, this->StandardCalls(this->ConnectionStringA("master"), {this->kFiles}));
 }
 
-TYPED_TEST(DatabaseCatalogue, ASecondDataFileInFrontOfTheLogIsTakenForTheLog) {
+TYPED_TEST(DatabaseCatalogue, ASecondDataFileBeforeTheLogIsTakenForTheLog) {
     this->ado_.Answer(this->kFiles,
                       Rows({{"D1", 1, "C:\\1.mdf"}, {"D2", 3, "C:\\2.ndf"}, {"L", 2, "C:\\3"}}));
     EXPECT_TRUE(this->Info());
@@ -154,7 +154,7 @@ TYPED_TEST(DatabaseCatalogue, InfoWithoutARowFails) {
     EXPECT_EQ(this->manager_.ErrorCount(), Int16(0));
 }
 
-TYPED_TEST(DatabaseCatalogue, InfoFromAClosedRecordsetOrTooFewColumnsFailsWhereItIsRead) {
+TYPED_TEST(DatabaseCatalogue, InfoFromAClosedRecordsetOrTooFewColumnsFailsWhenItIsRead) {
     this->ExpectInfoFailed();
     EXPECT_EQ(this->failure_.number, ado::kObjectClosed);
     this->ForgetLog();
@@ -169,7 +169,7 @@ TYPED_TEST(DatabaseCatalogue, AnUnknownDatabaseIsTheServersError) {
     EXPECT_EQ(this->manager_.ErrorCount(), Int16(1));
 }
 
-TYPED_TEST(DatabaseCatalogue, ANameGoesBetweenTheBracketsAsItStands) {
+TYPED_TEST(DatabaseCatalogue, ANameIsPutBetweenTheBracketsUnchanged) {
     this->Info("a]b'c d");
     EXPECT_EQ(this->ado_.Statements(), Lines{"use [a]b'c d] exec sp_helpfile"});
     EXPECT_EQ(this->LogLines(),

@@ -1,5 +1,5 @@
-// The managers over a driver manager that counts: whichever call of ODBC fails, in the middle of an operation
-// or on its failure path, no handle and no connection stays behind, and the operation says whether it ran.
+// The managers with a driver manager that counts handles: whichever ODBC call fails, during an operation or
+// on its failure path, no handle and no connection is leaked.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -49,7 +49,8 @@ class HandlesOfManagers : public ::testing::Test {
             EXPECT_EQ(Counting().open_connections, 0U) << Counting().failed_function;
             EXPECT_TRUE(Counting().violations.empty()) << Counting().violations.front();
         }
-        EXPECT_GT(failed, calls / 4); // what fails in clean-up or behind the rows is no failure
+        EXPECT_GT(failed,
+                  calls / 4); // a call that fails while cleaning up or after the rows fails no operation
     }
 
     fakes::FakeClock clock_;
@@ -57,23 +58,23 @@ class HandlesOfManagers : public ::testing::Test {
     fakes::FakeRegistry registry_;
 };
 
-TEST_F(HandlesOfManagers, AreGoneWhicheverCallOfACatalogueFails) {
+TEST_F(HandlesOfManagers, AreFreedWhicheverCallOfACatalogueFails) {
     FailEveryCall<CUpgradeDbMgr>([](CUpgradeDbMgr& manager) {
         std::vector<std::string> names;
         return manager.GetDatabases(names);
     });
 }
 
-TEST_F(HandlesOfManagers, AreGoneWhicheverCallOfARemovalFails) {
+TEST_F(HandlesOfManagers, AreFreedWhicheverCallOfARemovalFails) {
     FailEveryCall<CUpgradeDbMgr>([](CUpgradeDbMgr& manager) { return manager.RemoveDatabase("Batch"); });
 }
 
-TEST_F(HandlesOfManagers, AreGoneWhicheverCallOfASynchronisationFails) {
+TEST_F(HandlesOfManagers, AreFreedWhicheverCallOfASynchronisationFails) {
     FailEveryCall<CSynchronizeDbMgr>(
         [](CSynchronizeDbMgr& manager) { return manager.Synchronize("One", "Two"); });
 }
 
-TEST_F(HandlesOfManagers, AreGoneWhicheverCallOfTheReplicationFails) {
+TEST_F(HandlesOfManagers, AreFreedWhicheverCallOfTheReplicationFails) {
     FailEveryCall<CSQLReplicationMgr>([](CSQLReplicationMgr& manager) {
         bool installed = false;
         return manager.IsReplicationInstalled("One", installed);

@@ -1,5 +1,5 @@
-// What the tests of the managers have in common: a machine in memory with a log, and a database that answers
-// as the test says.
+// The fixture of the managers' tests: a system in memory with a log, and a database that answers as the test
+// says.
 #pragma once
 
 #include <string>
@@ -14,17 +14,16 @@
 #include "fakes/fake_files.h"
 #include "fakes/fake_registry.h"
 #include "fakes/fake_screen.h"
+#include "support/log_lines.h"
+#include "support/program_statements.h"
 
 namespace kv {
 
-inline constexpr char kJobQuery[] =
-    "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
-    "From msdb.dbo.syscategories Where "
-    "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
-
+using support::kJobQuery;
+using support::kVersionQuery;
 using Lines = std::vector<std::string>;
 
-/// The pair as the tests fill it.
+/// Sets the servers, logins and paths of both servers.
 template <class Manager>
 void FillPair(Manager& manager, bool use_server_a = true) {
     manager.UseServerA(use_server_a);
@@ -45,7 +44,8 @@ class ManagerTest : public ::testing::Test {
     ManagerTest() {
         registry_.AddText(registry_locations::kHkeyLocalMachine, registry_locations::kLogKey, "", "L:\\Log");
         files_.AddFolder("L:\\Log");
-        // The failure path reads the connection's errors, if there is one, and then writes the log.
+        // The failure path first reads the connection's errors, if there is a connection, and then writes the
+        // log.
         const auto note = [this] {
             if (CurrentError().number != 0) {
                 failure_ = CurrentError();
@@ -54,7 +54,7 @@ class ManagerTest : public ::testing::Test {
         ado_.on_errors_read = note;
         files_.on_folder_asked = note;
     }
-    /// Whatever a test does, no connection survives it.
+    /// No test may leave a connection open.
     ~ManagerTest() override {
         EXPECT_EQ(ado_.connections, 0U);
         EXPECT_EQ(ado_.open_connections, 0U);
@@ -66,7 +66,7 @@ class ManagerTest : public ::testing::Test {
     static std::string ConnectionStringB(const std::string& database) {
         return "Driver={SQL Server};Server=NodeB;Database=" + database + ";Uid=saB;Pwd=pwB;";
     }
-    /// Every call of an operation that opens by the standard sequence and runs these statements.
+    /// The calls of an operation that opens by the standard sequence and runs these statements.
     static Lines StandardCalls(const std::string& connection_string, const Lines& statements) {
         Lines calls = {"CursorLocation 3", "ConnectionString " + connection_string, "CommandTimeout 300",
                        "ConnectionTimeout 300", "Open '' '' '' -1"};
@@ -77,23 +77,10 @@ class ManagerTest : public ::testing::Test {
         return calls;
     }
 
-    /// The log without the date of its lines and the words that each begins with.
     Lines LogLines() const {
-        constexpr std::string_view kHead = "2006-05-12 14:03:22 : Error in ";
-        Lines lines;
-        if (!files_.HasFile(kLogFile)) {
-            return lines;
-        }
-        const std::string& log = files_.Content(kLogFile);
-        for (std::size_t at = 0; at < log.size();) {
-            const std::size_t end = log.find("\r\n", at);
-            lines.push_back(log.substr(at, end - at).substr(kHead.size()));
-            at = end + 2;
-        }
-        return lines;
+        return files_.HasFile(kLogFile) ? support::LogLines(files_.Content(kLogFile)) : Lines{};
     }
-    /// The last failure that went through a failure path. Its text reaches neither operator nor log, so this
-    /// is the one place where it can be seen.
+    /// Checks the last failure that reached a failure path. Its text is neither shown nor logged.
     void ExpectRaised(const char* class_name, const std::string& description) {
         EXPECT_EQ(failure_.number, kProgramFailure);
         EXPECT_EQ(failure_.source, class_name);

@@ -1,3 +1,5 @@
+// CUpgradeDbMgr's RemoveDatabase and RenameDatabase: their statements, and what a failure at each of them
+// leaves.
 #include "admin/manager_fixture.h"
 #include "admin/upgrade_db_mgr.h"
 
@@ -22,7 +24,7 @@ class RemoveDatabase : public ManagerTest {
     CUpgradeDbMgr manager_;
 };
 
-TEST_F(RemoveDatabase, ThrowsEverybodyOutAndDrops) {
+TEST_F(RemoveDatabase, DisconnectsEveryUserAndDrops) {
     EXPECT_TRUE(manager_.RemoveDatabase("Batch"));
     EXPECT_EQ(ado_.calls, StandardCalls(ConnectionStringA("master"), statements_));
     EXPECT_TRUE(LogLines().empty());
@@ -49,7 +51,7 @@ TEST_F(RemoveDatabase, EscapesNothingInTheName) {
         "IF EXISTS (SELECT name FROM master.dbo.sysdatabases WHERE name = N'a]'b') DROP DATABASE [a]'b]");
 }
 
-TEST_F(RemoveDatabase, CollectsBehindEveryStatement) {
+TEST_F(RemoveDatabase, CollectsTheErrorsOfEveryStatement) {
     for (const std::string& statement : statements_) {
         ado_.Answer(statement, fakes::WithErrors({-3}));
     }
@@ -75,7 +77,7 @@ class RenameDatabase : public ManagerTest {
         AnswerInfo();
         return manager_.RenameDatabase("Batch", "Tmp");
     }
-    /// The statements behind the one that asks for the files, up to and with the one at `last`.
+    /// The statement that asks for the files, and `statements_` up to and including the one at `last`.
     Lines UpTo(std::size_t last) const {
         Lines wanted = {"use [Batch] exec sp_helpfile"};
         wanted.insert(wanted.end(), statements_.begin(),
@@ -86,7 +88,7 @@ class RenameDatabase : public ManagerTest {
         EXPECT_EQ(LogLines(), Lines{"CUpgradeDbMgr::RenameDatabase('Batch', 'Tmp')"});
         EXPECT_EQ(ado_.calls.back(), "Close");
     }
-    /// Which of the four files are there: old data, old log, new data, new log.
+    /// Which of four files exist ("x") or not ("-"): old data, old log, new data, new log.
     std::string Files() const {
         std::string there;
         for (const char* path : {kOldData, kOldLog, kNewData, kNewLog}) {
@@ -136,7 +138,7 @@ TEST_F(RenameDatabase, MovesTheFilesToTheDataPathOfTheSelectedServer) {
               R"(sp_attach_db N'Tmp', N'E:\DataB\Tmp_data.mdf', N'E:\DataB\Tmp_log.ldf')");
 }
 
-TEST_F(RenameDatabase, OnAServerWhosePathsHaveSlashesWritesSlashes) {
+TEST_F(RenameDatabase, PathsWithSlashesKeepSlashes) {
     for (const char* folder : {"/var/data", "/var/data/", "\\var\\data"}) {
         SCOPED_TRACE(folder);
         files_.AddFolder("/var/data");
@@ -153,7 +155,7 @@ TEST_F(RenameDatabase, OnAServerWhosePathsHaveSlashesWritesSlashes) {
     }
 }
 
-TEST_F(RenameDatabase, OfFilesWhosePathsTheCodePageLacksChangesNothing) {
+TEST_F(RenameDatabase, APathOutsideTheCodePageChangesNothing) {
     ado_.Answer("use [Batch] exec sp_helpfile",
                 Rows({{"Batch_Data", 1, kOldData}, {"Batch_Log", 2, "/home/?ukasz/Batch.ldf"}}));
     EXPECT_FALSE(manager_.RenameDatabase("Batch", "Tmp"));
@@ -168,19 +170,19 @@ TEST_F(RenameDatabase, WithoutInformationNothingRunsAndTwoLinesAreLogged) {
     EXPECT_EQ(ado_.Statements(), Lines{"use [Batch] exec sp_helpfile"});
     EXPECT_EQ(LogLines(), (Lines{"CUpgradeDbMgr::GetDatabaseInfo('Batch')",
                                  "CUpgradeDbMgr::RenameDatabase('Batch', 'Tmp')"}));
-    EXPECT_EQ(manager_.ErrorCount(), Int16(1)); // what the inner operation collected
+    EXPECT_EQ(manager_.ErrorCount(), Int16(1)); // collected by the inner operation
     ExpectRaised("CUpgradeDbMgr", "Database information could not be found for 'Batch'!");
     EXPECT_EQ(Files(), "xx--");
 }
 
-TEST_F(RenameDatabase, AnInnerOperationThatFailsInItsFailurePathLogsTheOuterLineAlone) {
+TEST_F(RenameDatabase, AnInnerOperationThatFailsInItsFailurePathLogsOnlyTheOuterLine) {
     ado_.Answer("use [Batch] exec sp_helpfile", fakes::WithErrors({0, -5}));
     EXPECT_FALSE(manager_.RenameDatabase("Batch", "Tmp"));
     EXPECT_EQ(LogLines(), Lines{"CUpgradeDbMgr::RenameDatabase('Batch', 'Tmp')"});
     EXPECT_EQ(Files(), "xx--");
 }
 
-TEST_F(RenameDatabase, WhatTheInnerOperationCollectsStays) {
+TEST_F(RenameDatabase, TheErrorsOfTheInnerOperationAreKept) {
     fakes::AdoAnswer info = Rows({{"Batch_Data", 1, kOldData}, {"Batch_Log", 2, kOldLog}});
     info.errors = fakes::WithErrors({-8}).errors;
     ado_.Answer("use [Batch] exec sp_helpfile", info);
@@ -189,7 +191,7 @@ TEST_F(RenameDatabase, WhatTheInnerOperationCollectsStays) {
     EXPECT_EQ(manager_.ErrorCount(), Int16(2));
 }
 
-TEST_F(RenameDatabase, CollectsBehindEveryStatement) {
+TEST_F(RenameDatabase, CollectsTheErrorsOfEveryStatement) {
     for (const std::string& statement : statements_) {
         ado_.Answer(statement, fakes::WithErrors({-3}));
     }
@@ -218,12 +220,12 @@ TEST_F(RenameDatabase, StopsAtEachStatementThatFailsAndUndoesNothing) {
         EXPECT_EQ(ado_.Statements(), UpTo(failing));
         ExpectFailed();
         EXPECT_EQ(manager_.ErrorCount(), Int16(1));
-        // Behind the attaching alone the old files are gone.
+        // Only the last statement, which attaches the files, comes after the old files were deleted.
         EXPECT_EQ(Files(), failing <= kDetach ? "xx--" : "--xx");
     }
 }
 
-TEST_F(RenameDatabase, AFailingFileOperationLeavesTheDatabaseDetachedAndTheFilesAsFarAsTheyGot) {
+TEST_F(RenameDatabase, AFailingFileOperationLeavesTheDatabaseDetachedAndTheFilesPartlyMoved) {
     struct Case {
         const char* operation;
         const char* path;
@@ -239,7 +241,7 @@ TEST_F(RenameDatabase, AFailingFileOperationLeavesTheDatabaseDetachedAndTheFiles
             ado_.calls.clear();
             files_.FailNext(one.operation, one.path, fault);
             EXPECT_FALSE(Rename());
-            EXPECT_EQ(ado_.Statements(), UpTo(kDetach)); // nothing attaches it again
+            EXPECT_EQ(ado_.Statements(), UpTo(kDetach)); // the database is not attached again
             ExpectFailed();
             EXPECT_EQ(manager_.ErrorCount(), Int16(0)); // the server reported nothing
             EXPECT_EQ(Files(), one.remains);
@@ -247,7 +249,7 @@ TEST_F(RenameDatabase, AFailingFileOperationLeavesTheDatabaseDetachedAndTheFiles
     }
 }
 
-TEST_F(RenameDatabase, OldFilesThatThisMachineDoesNotReachFailTheFirstCopy) {
+TEST_F(RenameDatabase, IfTheOldFilesCannotBeReachedTheFirstCopyFails) {
     files_.files.clear();
     EXPECT_FALSE(Rename());
     EXPECT_EQ(ado_.Statements(), UpTo(kDetach));

@@ -1,3 +1,4 @@
+// CSQLReplicationMgr: whether replication is installed, installing and uninstalling it.
 #include "admin/sql_replication_mgr.h"
 
 #include "admin/manager_fixture.h"
@@ -22,7 +23,7 @@ class Replication : public ManagerTest {
     CSQLReplicationMgr manager_;
 };
 
-TEST_F(Replication, AnyDistributionJobOfTheServerMakesTheAnswerTrueForEveryDatabase) {
+TEST_F(Replication, ADistributionJobOfTheServerMeansInstalledForEveryDatabase) {
     ado_.Answer(kJobQuery, Rows({{"6F9619FF"}}));
     bool installed = false;
     EXPECT_TRUE(manager_.IsReplicationInstalled("Unrelated", installed));
@@ -38,14 +39,14 @@ TEST_F(Replication, WithoutAJobTheAnswerIsFalseAndTheResultTrue) {
     EXPECT_FALSE(installed);
 }
 
-TEST_F(Replication, ADatabaseThatDoesNotExistGivesNeitherResultNorAnswer) {
+TEST_F(Replication, ADatabaseThatDoesNotExistFailsAndReportsNotInstalled) {
     ado_.Answer("Open", Failing());
     ExpectUnanswered("None");
     EXPECT_TRUE(ado_.Statements().empty());
 }
 
-/// Its handler fails with it, and so nothing is assigned after the question.
-TEST_F(Replication, AQuestionThatEndsInAFailureGivesNoAnswer) {
+/// The operation's handler fails too, so the answer is never assigned.
+TEST_F(Replication, AFailureRaisedToTheCallerReportsNotInstalled) {
     ado_.Answer("Open", Failing());
     files_.FailNext("append", kLogFile, platform::FileFault::PathNotFound);
     bool installed = true;
@@ -53,24 +54,24 @@ TEST_F(Replication, AQuestionThatEndsInAFailureGivesNoAnswer) {
     EXPECT_FALSE(installed);
 }
 
-TEST_F(Replication, ARefusedQueryGivesNeitherResultNorAnswer) {
+TEST_F(Replication, AFailedQueryReportsNotInstalled) {
     ado_.Answer(kJobQuery, Failing());
     ExpectUnanswered();
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
 }
 
-TEST_F(Replication, AQueryWithoutARecordsetGivesNeitherResultNorAnswer) {
+TEST_F(Replication, AQueryWithoutARecordsetReportsNotInstalled) {
     ado_.Answer(kJobQuery, {.no_recordset = true});
     ExpectUnanswered();
     ExpectRaised("CSQLReplicationMgr", "Replication information could not be retrieved from the SQL Server!");
 }
 
-TEST_F(Replication, AClosedRecordsetFailsWhereItIsRead) {
+TEST_F(Replication, AClosedRecordsetFailsWhenItIsRead) {
     ExpectUnanswered();
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
 }
 
-TEST_F(Replication, AConnectionThatCannotCloseTakesTheAnswerBack) {
+TEST_F(Replication, IfTheConnectionCannotBeClosedItReportsNotInstalled) {
     ado_.Answer(kJobQuery, Rows({{"6F9619FF"}}));
     ado_.Answer("Close", Failing());
     ExpectUnanswered();

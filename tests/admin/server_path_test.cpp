@@ -1,3 +1,4 @@
+// Folders and new paths on the computer of a database server.
 #include "admin/server_path.h"
 
 #include <string>
@@ -9,7 +10,7 @@
 namespace kv {
 namespace {
 
-TEST(ServerPath, TheFolderIsWhatStandsBeforeTheLastSeparatorOfEitherKind) {
+TEST(ServerPath, TheFolderEndsAtTheLastSeparatorOfEitherKind) {
     EXPECT_EQ(FolderOnServer(R"(D:\A\B\Batch.mdf)"), R"(D:\A\B\)");
     EXPECT_EQ(FolderOnServer("/var/opt/mssql/data/Batch.mdf"), "/var/opt/mssql/data");
     EXPECT_EQ(FolderOnServer("/var/opt\\Batch.mdf"), "/var/opt\\");
@@ -20,7 +21,7 @@ TEST(ServerPath, TheFolderIsWhatStandsBeforeTheLastSeparatorOfEitherKind) {
     EXPECT_EQ(FolderOnServer(""), "");
 }
 
-TEST(ServerPath, ANewPathHasTheSeparatorOfTheServersOwn) {
+TEST(ServerPath, ANewPathHasTheSeparatorOfTheReportedPath) {
     EXPECT_EQ(ServerPath(R"(D:\A)", "x.mdf", R"(C:\B\Batch.mdf)"), R"(D:\A\x.mdf)");
     EXPECT_EQ(ServerPath("/data", "x.mdf", "/var/Batch.mdf"), "/data/x.mdf");
     EXPECT_EQ(ServerPath("/data/", "x.mdf", "/var/Batch.mdf"), "/data/x.mdf");
@@ -30,7 +31,7 @@ TEST(ServerPath, ANewPathHasTheSeparatorOfTheServersOwn) {
     EXPECT_EQ(ServerPath("D:", "x.mdf", "Batch.mdf"), R"(D:\x.mdf)");
 }
 
-TEST(ServerPath, WithAQuestionMarkIsGuessedUnlessThereIsSuchAFile) {
+TEST(ServerPath, APathWithAQuestionMarkIsGuessedUnlessThereIsSuchAFile) {
     fakes::FakeFiles files;
     files.AddFolder("/data");
     files.AddFile("/data/really?.mdf", "");

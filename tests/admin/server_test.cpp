@@ -1,5 +1,5 @@
-// The operations of the managers for real: against two development servers, with real files, and on Windows
-// with the code that is delivered there. The databases' procedures are small ones of the tests' own.
+// The operations of the managers on two development servers with real files. On Windows this tests the code
+// that is delivered there. The stored procedures are small ones written for these tests.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,6 +12,7 @@
 #include "fakes/fake_registry.h"
 #include "fakes/fake_screen.h"
 #include "platform/files.h"
+#include "support/log_lines.h"
 #include "support/servers.h"
 
 namespace kv {
@@ -62,7 +63,7 @@ class OnServers : public ::testing::Test {
     static std::string OldData(const std::string& name) { return SharedPath("old") + "\\" + name + ".mdf"; }
     static std::string OldLog(const std::string& name) { return SharedPath("old") + "\\" + name + ".ldf"; }
 
-    /// With two files in the folder "old" and the rows 1 and 2 in the table Things.
+    /// Creates a database with two files in the folder "old" and the rows 1 and 2 in the table Things.
     static void CreateDatabase(const std::string& server, const std::string& name,
                                const Lines& batches = {}) {
         const std::string plain = name == "Batch" || name == "Tmp" ? name : "odd";
@@ -82,19 +83,11 @@ class OnServers : public ::testing::Test {
         return Ask(server, database, "SELECT a FROM Things ORDER BY a");
     }
 
-    /// The log without dates.
     static Lines LogLines() {
-        constexpr std::size_t kHead = std::string_view("2006-05-12 14:03:22 : Error in ").size();
-        Lines lines;
-        const std::string log = platform::FileExists(LogFile()) ? platform::ReadWholeFile(LogFile()) : "";
-        for (std::size_t at = 0; at < log.size();) {
-            const std::size_t end = log.find("\r\n", at);
-            lines.push_back(log.substr(at, end - at).substr(kHead));
-            at = end + 2;
-        }
-        return lines;
+        return platform::FileExists(LogFile()) ? support::LogLines(platform::ReadWholeFile(LogFile()))
+                                               : Lines{};
     }
-    /// What the operator would be shown.
+    /// The box that the operator would see.
     template <class Manager>
     std::string Shown(Manager& manager) {
         screen_.calls.clear();
@@ -115,7 +108,7 @@ class OnServers : public ::testing::Test {
     fakes::FakeScreen screen_;
 };
 
-TEST_F(OnServers, TheCatalogueIsTheServers) {
+TEST_F(OnServers, GetDatabasesListsTheServersDatabases) {
     CreateDatabase(ServerB(), "Batch");
     for (const bool server_a : {true, false}) {
         const std::string server = server_a ? ServerA() : ServerB();
@@ -140,7 +133,7 @@ TEST_F(OnServers, TheCatalogueIsTheServers) {
     EXPECT_EQ(LogLines(), Lines());
 }
 
-TEST_F(OnServers, TheFilesOfADatabaseAreTheServers) {
+TEST_F(OnServers, GetDatabaseInfoReadsTheFiles) {
     CreateDatabase(ServerA(), "my Batch");
     CSynchronizeDbMgr manager;
     Fill(manager);
@@ -149,7 +142,7 @@ TEST_F(OnServers, TheFilesOfADatabaseAreTheServers) {
     EXPECT_EQ(files, (Lines{"odd_dat", OldData("odd"), "odd_lg", OldLog("odd")}));
 }
 
-TEST_F(OnServers, ASecondDataFileIsWhereTheServerPutsIt) {
+TEST_F(OnServers, TheSecondFileIsTheOneThatTheServerListsSecond) {
     Ask(ServerA(), "master",
         "CREATE DATABASE Batch ON (NAME=one, FILENAME='" + OldData("Batch") + "'), (NAME=two, FILENAME='" +
             SharedPath("old") + "\\two.ndf') LOG ON (NAME=three, FILENAME='" + OldLog("Batch") + "')");
@@ -159,10 +152,10 @@ TEST_F(OnServers, ASecondDataFileIsWhereTheServerPutsIt) {
     Lines files(4);
     EXPECT_TRUE(manager.GetDatabaseInfo("Batch", files[0], files[1], files[2], files[3]));
     EXPECT_EQ(files[0], "one");
-    EXPECT_TRUE(rows.at(1).starts_with(files[2] + " ")); // the second row, whatever it is
+    EXPECT_TRUE(rows.at(1).starts_with(files[2] + " ")); // the second row, data file or log
 }
 
-TEST_F(OnServers, WhatIsNotThereAndWhoMayNotComeInAreFalseWithTheServersError) {
+TEST_F(OnServers, AMissingDatabaseAndAWrongPasswordAreTheServersErrors) {
     CUpgradeDbMgr manager;
     Fill(manager);
     Lines files(4);
@@ -182,12 +175,12 @@ TEST_F(OnServers, ASemicolonInAPasswordEndsIt) {
     Fill(manager);
     Lines names;
     manager.PasswordA(manager.PasswordA() + ";APP=other");
-    EXPECT_TRUE(manager.GetDatabases(names)); // what stands behind it is another key
+    EXPECT_TRUE(manager.GetDatabases(names)); // the text after the semicolon is another key
     manager.PasswordA("x;" + manager.PasswordA());
     EXPECT_FALSE(manager.GetDatabases(names));
 }
 
-TEST_F(OnServers, RemoveDropsADatabaseThatOthersHold) {
+TEST_F(OnServers, RemoveDropsADatabaseThatOthersUse) {
     CreateDatabase(ServerA(), "Batch");
     ado::Connection idle = support::Connect(ServerA(), "Batch");
     ado::Connection writing = support::Connect(ServerA(), "Batch");
@@ -198,13 +191,13 @@ TEST_F(OnServers, RemoveDropsADatabaseThatOthersHold) {
     EXPECT_TRUE(manager.RemoveDatabase("Batch"));
     EXPECT_FALSE(HasDatabase(ServerA(), "Batch"));
     EXPECT_FALSE(platform::FileExists(OldData("Batch")) || platform::FileExists(OldLog("Batch")));
-    for (ado::Connection* thrown_out : {&idle, &writing}) {
-        EXPECT_THROW(thrown_out->Execute("SELECT a FROM Things", affected, ado::adCmdText), ado::CallError);
+    for (ado::Connection* disconnected : {&idle, &writing}) {
+        EXPECT_THROW(disconnected->Execute("SELECT a FROM Things", affected, ado::adCmdText), ado::CallError);
     }
     EXPECT_EQ(LogLines(), Lines());
 }
 
-TEST_F(OnServers, RemoveOfADatabaseThatIsNotThereIsASuccess) {
+TEST_F(OnServers, RemovingAMissingDatabaseSucceeds) {
     CUpgradeDbMgr manager;
     Fill(manager);
     EXPECT_TRUE(manager.RemoveDatabase("Batch"));
@@ -212,7 +205,7 @@ TEST_F(OnServers, RemoveOfADatabaseThatIsNotThereIsASuccess) {
     EXPECT_EQ(LogLines(), Lines());
 }
 
-TEST_F(OnServers, RemoveBearsBlanksInANameAndNoQuotes) {
+TEST_F(OnServers, RemoveAcceptsBlanksInANameButNoQuotes) {
     CreateDatabase(ServerA(), "my Batch");
     CUpgradeDbMgr manager;
     Fill(manager);
@@ -245,7 +238,7 @@ TEST_F(OnServers, RenameMovesTheDatabaseWithItsLogicalAndPhysicalFiles) {
     EXPECT_EQ(LogLines(), Lines());
 }
 
-TEST_F(OnServers, RenameThereAndBackKeepsTheRows) {
+TEST_F(OnServers, RenamingTwiceKeepsTheRows) {
     CreateDatabase(ServerA(), "Batch");
     CUpgradeDbMgr manager;
     Fill(manager);
@@ -254,7 +247,7 @@ TEST_F(OnServers, RenameThereAndBackKeepsTheRows) {
     EXPECT_EQ(Things(ServerA(), "Batch"), (Lines{"1", "2"}));
 }
 
-TEST_F(OnServers, RenameRefusesANameThatNeedsBracketsAndOneThatIsTaken) {
+TEST_F(OnServers, RenameFailsForANameThatNeedsBracketsAndForAnExistingOne) {
     CreateDatabase(ServerA(), "my Batch");
     CUpgradeDbMgr manager;
     Fill(manager);
@@ -272,7 +265,7 @@ TEST_F(OnServers, RenameRefusesANameThatNeedsBracketsAndOneThatIsTaken) {
                                  "CUpgradeDbMgr::RenameDatabase('Batch', 'Tmp')"}));
 }
 
-TEST_F(OnServers, RenameOfADatabaseThatIsNotThereLogsTwoLines) {
+TEST_F(OnServers, RenamingAMissingDatabaseLogsTwoLines) {
     CUpgradeDbMgr manager;
     Fill(manager);
     EXPECT_FALSE(manager.RenameDatabase("Batch", "Tmp"));
@@ -280,7 +273,7 @@ TEST_F(OnServers, RenameOfADatabaseThatIsNotThereLogsTwoLines) {
                                  "CUpgradeDbMgr::RenameDatabase('Batch', 'Tmp')"}));
 }
 
-/// What a database of a version needs to be upgraded, and to show that it was.
+/// The batches that make a database of this version, with procedures that record their calls.
 Lines Versioned(const std::string& version) {
     return {
         "CREATE TABLE LKConfig (ParameterName nvarchar(50), Value nvarchar(50))",
@@ -315,7 +308,7 @@ TEST_F(UpgradeOnServers, ANewerDatabaseCallsBothProceduresWithVersionsDatabasesA
     EXPECT_EQ(LogLines(), Lines());
 }
 
-TEST_F(UpgradeOnServers, ARuleThatAppliesChangesNothing) {
+TEST_F(UpgradeOnServers, VersionsThatTheRulesRefuseChangeNothing) {
     for (const auto& [source, destination] : std::vector<std::pair<const char*, const char*>>{
              {"1", "1"}, {"2", "2"}, {"3", "2"}, {"x", "2"}, {"1", "40000"}}) {
         EXPECT_FALSE(Upgrade(Versioned(source), Versioned(destination))) << source << " " << destination;
@@ -337,12 +330,12 @@ TEST_F(UpgradeOnServers, MissingTablesAndProceduresAreTheServersErrors) {
     EXPECT_EQ(Calls(), Lines());
 }
 
-TEST_F(UpgradeOnServers, AProcedureThatRaisesFailsBehindReplicationTakenOff) {
+TEST_F(UpgradeOnServers, AProcedureThatRaisesAnErrorFailsWithReplicationUninstalled) {
     Lines raising = Versioned("2");
     raising.back() = "CREATE PROCEDURE spUpgradeDatabase @1 int, @2 int, @3 nvarchar(50), @4 nvarchar(50), "
                      "@5 nvarchar(50), @6 nvarchar(50) AS PRINT 'begun' SELECT a FROM Things "
                      "RAISERROR('cannot', 16, 1)";
-    // Rows come first, so that the error is no failure of the call: it is shown all the same.
+    // The rows come first, so the error does not fail the call; it is shown nevertheless.
     EXPECT_TRUE(Upgrade(Versioned("1"), raising));
     EXPECT_NE(Shown(manager_).find("cannot"), std::string::npos);
     raising.back() = "CREATE PROCEDURE spUpgradeDatabase @1 int, @2 int, @3 nvarchar(50), @4 nvarchar(50), "
@@ -360,7 +353,7 @@ constexpr char kAddJob[] =
     "EXEC msdb.dbo.sp_add_job @job_name = N'distribution', "
     "@category_name = N'REPL-Distribution'";
 
-/// Procedures that switch a distribution job on and off and note their calls.
+/// The batches that make procedures which add and delete a distribution job and record their calls.
 Lines Replicating() {
     return {"CREATE TABLE Calls (text nvarchar(400))",
             std::string("CREATE PROCEDURE spInstallReplication AS INSERT Calls VALUES ('install') ") +
@@ -374,7 +367,7 @@ Lines Replicating() {
             "INSERT Calls VALUES (@3 + ' ' + @4 + ' ' + @5 + ' ' + @6)"};
 }
 
-TEST_F(OnServers, ReplicationGoesOnAndOff) {
+TEST_F(OnServers, ReplicationIsInstalledAndUninstalled) {
     for (const bool server_a : {true, false}) {
         const std::string server = server_a ? ServerA() : ServerB();
         CreateDatabase(server, "Batch", Replicating());
@@ -388,7 +381,7 @@ TEST_F(OnServers, ReplicationGoesOnAndOff) {
         EXPECT_TRUE(manager.IsReplicationInstalled("Batch", installed));
         EXPECT_TRUE(installed);
         installed = false;
-        EXPECT_TRUE(manager.IsReplicationInstalled("Tmp", installed)); // which has nothing to do with it
+        EXPECT_TRUE(manager.IsReplicationInstalled("Tmp", installed)); // a database that is not replicated
         EXPECT_TRUE(installed);
         EXPECT_TRUE(manager.UninstallReplication("Batch"));
         EXPECT_TRUE(manager.IsReplicationInstalled("Batch", installed));
@@ -399,7 +392,7 @@ TEST_F(OnServers, ReplicationGoesOnAndOff) {
     EXPECT_EQ(LogLines(), Lines());
 }
 
-TEST_F(OnServers, ReplicationOfWhatIsNotThereFails) {
+TEST_F(OnServers, ReplicationFailsWithoutTheDatabaseOrItsProcedures) {
     CreateDatabase(ServerA(), "Tmp");
     CSQLReplicationMgr manager;
     Fill(manager);

@@ -1,3 +1,4 @@
+// CSynchronizeDbMgr's Synchronize: its statements, and what a failure at each of them leaves.
 #include "admin/synchronize_db_mgr.h"
 
 #include "admin/manager_fixture.h"
@@ -23,7 +24,7 @@ class Synchronize : public ManagerTest {
         ado_.Answer(kJobQuery, with_job ? Rows({{"6F9619FF"}}) : Rows({}));
         return manager_.Synchronize("Source", "Dest");
     }
-    void ExpectFailedBehind(const Lines& statements) {
+    void ExpectFailedAfter(const Lines& statements) {
         EXPECT_EQ(ado_.Statements(), statements);
         EXPECT_EQ(LogLines(), Lines{kSource});
         EXPECT_EQ(manager_.ErrorCount(), Int16(1));
@@ -45,16 +46,16 @@ TEST_F(Synchronize, WithAReplicationJobFourStatementsRun) {
               StandardCalls(ConnectionStringA("Source"), {kJobQuery, kUninstall, kSynchronize, kInstall}));
 }
 
-TEST_F(Synchronize, TheOtherDirectionMirrorsTheServersAndLoginsAndNotTheDatabases) {
+TEST_F(Synchronize, TheOtherDirectionSwapsServersAndLoginsButNotDatabases) {
     manager_.UseServerA(false);
     EXPECT_TRUE(Run(false));
-    const std::string mirrored =
+    const std::string swapped =
         "spStdSynchronize N'saB', N'pwB', N'NodeA\\KV_BATCH', N'NodeB', N'Dest', N'Source', "
         "N'saA', N'saB', N'pwA', N'pwB'";
-    EXPECT_EQ(ado_.calls, StandardCalls(ConnectionStringB("Source"), {kJobQuery, mirrored}));
+    EXPECT_EQ(ado_.calls, StandardCalls(ConnectionStringB("Source"), {kJobQuery, swapped}));
 }
 
-TEST_F(Synchronize, EqualLoginsAndServersAreNotTested) {
+TEST_F(Synchronize, EqualLoginsAndServersAreAccepted) {
     manager_.ServerB(manager_.ServerA());
     manager_.UserB(manager_.UserA());
     manager_.PasswordB("");
@@ -75,7 +76,7 @@ TEST_F(Synchronize, ASourceThatCannotBeOpenedChangesNothing) {
 TEST_F(Synchronize, AFailingJobQueryChangesNothing) {
     ado_.Answer(kJobQuery, Failing());
     EXPECT_FALSE(manager_.Synchronize("Source", "Dest"));
-    ExpectFailedBehind({kJobQuery});
+    ExpectFailedAfter({kJobQuery});
 }
 
 TEST_F(Synchronize, AJobQueryWithoutARecordsetChangesNothing) {
@@ -86,29 +87,29 @@ TEST_F(Synchronize, AJobQueryWithoutARecordsetChangesNothing) {
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
-TEST_F(Synchronize, AClosedRecordsetOfJobsFailsWhereItIsReadAndChangesNothing) {
+TEST_F(Synchronize, AClosedRecordsetOfJobsFailsAndChangesNothing) {
     EXPECT_FALSE(manager_.Synchronize("Source", "Dest"));
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
     EXPECT_EQ(ado_.Statements(), Lines{kJobQuery});
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
-TEST_F(Synchronize, IsNotRunIfReplicationCannotBeTakenOff) {
+TEST_F(Synchronize, IsNotRunIfReplicationCannotBeUninstalled) {
     ado_.Answer(kUninstall, Failing());
     EXPECT_FALSE(Run(true));
-    ExpectFailedBehind({kJobQuery, kUninstall});
+    ExpectFailedAfter({kJobQuery, kUninstall});
 }
 
 TEST_F(Synchronize, AFailureLeavesReplicationUninstalled) {
     ado_.Answer(kSynchronize, Failing());
     EXPECT_FALSE(Run(true));
-    ExpectFailedBehind({kJobQuery, kUninstall, kSynchronize});
+    ExpectFailedAfter({kJobQuery, kUninstall, kSynchronize});
 }
 
-TEST_F(Synchronize, IsAFailureIfReplicationCannotBePutBack) {
+TEST_F(Synchronize, FailsIfReplicationCannotBeInstalledAgain) {
     ado_.Answer(kInstall, Failing());
     EXPECT_FALSE(Run(true));
-    ExpectFailedBehind({kJobQuery, kUninstall, kSynchronize, kInstall});
+    ExpectFailedAfter({kJobQuery, kUninstall, kSynchronize, kInstall});
 }
 
 TEST_F(Synchronize, EveryStatementsMessagesAreCollected) {

@@ -1,3 +1,4 @@
+// CUpgradeDbMgr's UpgradeDatabase: the version rules, and what a failure at each step leaves.
 #include "admin/manager_fixture.h"
 #include "admin/upgrade_db_mgr.h"
 #include "base/failure.h"
@@ -14,27 +15,26 @@ class UpgradeDatabase : public ManagerTest {
   protected:
     UpgradeDatabase() { FillPair(manager_); }
 
-    /// One answer for the source, one for the destination.
+    /// Runs the upgrade with these answers for the versions of source and destination.
     bool Upgrade(const fakes::AdoAnswer& source, const fakes::AdoAnswer& destination) {
         ado_.calls.clear();
-        ado_.Answer(kQuery, source);
-        ado_.Answer(kQuery, destination);
+        ado_.Answer(kVersionQuery, source);
+        ado_.Answer(kVersionQuery, destination);
         return manager_.UpgradeDatabase("Batch", "Tmp");
     }
     bool Upgrade(const Variant& source, const Variant& destination) {
         return Upgrade(Rows({{source}}), Rows({{destination}}));
     }
-    /// Both versions were read and nothing else was done.
+    /// Checks that both versions were read and nothing else was done.
     void ExpectRefused(const std::string& description) {
         ExpectRaised("CUpgradeDbMgr", description);
-        EXPECT_EQ(ado_.Statements(), (Lines{kQuery, kQuery}));
+        EXPECT_EQ(ado_.Statements(), (Lines{kVersionQuery, kVersionQuery}));
         EXPECT_EQ(LogLines(), Lines{kSource});
         EXPECT_EQ(manager_.ErrorCount(), Int16(0));
         EXPECT_EQ(ado_.calls.back(), "Close");
         ForgetLog();
     }
 
-    static constexpr char kQuery[] = "SELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'";
     static constexpr char kVersion1[] = "A destination databases with version 1 can not be upgraded!";
     static constexpr char kSame2[] = "The source and destination databases have the same version: 2";
     static constexpr char kSource[] = "CUpgradeDbMgr::UpgradeDatabase('Batch', 'Tmp')";
@@ -50,11 +50,11 @@ TEST_F(UpgradeDatabase, ReadsBothVersionsOverOneConnectionAndRunsBothProcedures)
                           "ConnectionTimeout 300",
                           "ConnectionString " + ConnectionStringA("Tmp"),
                           "Open '' '' '' -1",
-                          std::string("Execute 1 ") + kQuery,
+                          std::string("Execute 1 ") + kVersionQuery,
                           "Close",
                           "ConnectionString " + ConnectionStringA("Batch"),
                           "Open '' '' '' -1",
-                          std::string("Execute 1 ") + kQuery,
+                          std::string("Execute 1 ") + kVersionQuery,
                           std::string("Execute 1 ") + kUninstall,
                           std::string("Execute 1 ") + kUpgrade,
                           "Close"};
@@ -62,7 +62,7 @@ TEST_F(UpgradeDatabase, ReadsBothVersionsOverOneConnectionAndRunsBothProcedures)
     EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(UpgradeDatabase, CollectsBehindEveryStatement) {
+TEST_F(UpgradeDatabase, CollectsTheErrorsOfEveryStatement) {
     fakes::AdoAnswer source = Rows({{"2"}});
     fakes::AdoAnswer destination = Rows({{"3"}});
     source.errors = fakes::WithErrors({-1}).errors;
@@ -121,10 +121,10 @@ TEST_F(UpgradeDatabase, ADatabaseWithoutAVersionCountsAs1) {
     EXPECT_EQ(ado_.Statements().back(), "spUpgradeDatabase 1, 2, N'Tmp', N'Batch', N'saA', N'pwA'");
 }
 
-TEST_F(UpgradeDatabase, AClosedRecordsetIsNoVersionAndFailsWhereItIsRead) {
+TEST_F(UpgradeDatabase, AClosedRecordsetFailsWhenItIsRead) {
     EXPECT_FALSE(Upgrade({}, Rows({{"2"}})));
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
-    EXPECT_EQ(ado_.Statements(), Lines{kQuery});
+    EXPECT_EQ(ado_.Statements(), Lines{kVersionQuery});
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
@@ -140,21 +140,21 @@ TEST_F(UpgradeDatabase, AFractionIsRoundedToTheEvenNeighbour) {
     ExpectRefused(kSame2);
 }
 
-TEST_F(UpgradeDatabase, ANumberColumnServesAsWell) {
+TEST_F(UpgradeDatabase, TheVersionMayBeANumber) {
     EXPECT_TRUE(Upgrade(Variant(2), Variant(ado::Decimal{"3.00"})));
     EXPECT_EQ(ado_.Statements().back(), kUpgrade);
 }
 
-TEST_F(UpgradeDatabase, AValueThatIsNo16BitNumberFails) {
+TEST_F(UpgradeDatabase, AValueThatIsNotA16BitNumberFails) {
     for (const Variant& value :
          {Variant("two"), Variant(""), Variant("32768"), Variant("-32769"), Variant(Null())}) {
         EXPECT_FALSE(Upgrade(value, "3"));
-        EXPECT_EQ(ado_.Statements(), Lines{kQuery});
+        EXPECT_EQ(ado_.Statements(), Lines{kVersionQuery});
         EXPECT_EQ(LogLines(), Lines{kSource});
         ForgetLog();
-        ado_.Take(kQuery); // the destination's answer was not asked for
+        ado_.Take(kVersionQuery); // the destination's answer was not asked for
         EXPECT_FALSE(Upgrade("2", value));
-        EXPECT_EQ(ado_.Statements(), (Lines{kQuery, kQuery}));
+        EXPECT_EQ(ado_.Statements(), (Lines{kVersionQuery, kVersionQuery}));
         ForgetLog();
     }
 }
@@ -164,29 +164,29 @@ TEST_F(UpgradeDatabase, ASourceThatCannotBeOpenedChangesNothing) {
     EXPECT_FALSE(Upgrade("2", "3"));
     EXPECT_TRUE(ado_.Statements().empty());
     EXPECT_EQ(LogLines(), Lines{kSource});
-    EXPECT_EQ(ado_.calls.back(), "Open '' '' '' -1"); // what is not open is not closed
+    EXPECT_EQ(ado_.calls.back(), "Open '' '' '' -1"); // a connection that is not open is not closed
 }
 
 TEST_F(UpgradeDatabase, ADestinationThatCannotBeOpenedChangesNothing) {
     ado_.Answer("Open", {});
     ado_.Answer("Open", Failing());
     EXPECT_FALSE(Upgrade("2", "3"));
-    EXPECT_EQ(ado_.Statements(), Lines{kQuery});
+    EXPECT_EQ(ado_.Statements(), Lines{kVersionQuery});
     EXPECT_EQ(LogLines(), Lines{kSource});
     EXPECT_EQ(ado_.calls.back(), "Open '' '' '' -1");
 }
 
 TEST_F(UpgradeDatabase, AMissingConfigurationTableChangesNothing) {
     EXPECT_FALSE(Upgrade(Failing(-2147217865, "Invalid object name 'LKConfig'."), {}));
-    EXPECT_EQ(ado_.Statements(), Lines{kQuery});
+    EXPECT_EQ(ado_.Statements(), Lines{kVersionQuery});
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
-    ado_.Take(kQuery);
+    ado_.Take(kVersionQuery);
     EXPECT_FALSE(Upgrade(Rows({{"2"}}), Failing()));
-    EXPECT_EQ(ado_.Statements(), (Lines{kQuery, kQuery}));
+    EXPECT_EQ(ado_.Statements(), (Lines{kVersionQuery, kVersionQuery}));
     EXPECT_EQ(LogLines(), (Lines{kSource, kSource}));
 }
 
-TEST_F(UpgradeDatabase, IsNotRunIfReplicationCannotBeTakenOff) {
+TEST_F(UpgradeDatabase, IsNotRunIfReplicationCannotBeUninstalled) {
     ado_.Answer(kUninstall, Failing());
     EXPECT_FALSE(Upgrade("2", "3"));
     EXPECT_EQ(ado_.Statements().back(), kUninstall);
@@ -194,10 +194,10 @@ TEST_F(UpgradeDatabase, IsNotRunIfReplicationCannotBeTakenOff) {
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
 }
 
-TEST_F(UpgradeDatabase, AFailingProcedureLeavesReplicationOff) {
+TEST_F(UpgradeDatabase, AFailingProcedureLeavesReplicationUninstalled) {
     ado_.Answer(kUpgrade, Failing());
     EXPECT_FALSE(Upgrade("2", "3"));
-    EXPECT_EQ(ado_.Statements(), (Lines{kQuery, kQuery, kUninstall, kUpgrade}));
+    EXPECT_EQ(ado_.Statements(), (Lines{kVersionQuery, kVersionQuery, kUninstall, kUpgrade}));
     EXPECT_EQ(LogLines(), Lines{kSource});
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
 }

@@ -1,4 +1,4 @@
-// Which tabs and servers can be used, as a function of the General tab's fields.
+// Which tabs and servers can be used, depending on the General tab's fields.
 #include "console/availability.h"
 
 #include <gtest/gtest.h>
@@ -29,8 +29,8 @@ std::array<bool, kMainTabs> Open(const Availability& availability) {
     return open;
 }
 
-// Script, Synchronize, Upgrade, Replication, View Data, Stored Proc. behind the General tab, which does not
-// count.
+// General, which is always false here, then Script, Synchronize, Upgrade, Replication, View Data, Stored
+// Proc.
 using Tabs = std::array<bool, kMainTabs>;
 
 TEST(AvailabilityTable, FromNothingToTwoCompleteServers) {
@@ -65,7 +65,7 @@ TEST(AvailabilityTable, EachFieldCounts) {
     }
 }
 
-TEST(AvailabilityTable, TheScriptTabAsksForCompleteServersAndTheOthersForLogins) {
+TEST(AvailabilityTable, TheScriptTabNeedsCompleteServersAndTheOthersLogins) {
     const Availability availability = Decide({Login(), Complete()});
     EXPECT_EQ(availability.tabs[kScriptTab].servers, (std::array<bool, 2>{false, true}));
     for (const MainTab tab : {kSynchronizeTab, kUpgradeTab, kReplicationTab, kViewDataTab, kStoredProcTab}) {
@@ -73,7 +73,7 @@ TEST(AvailabilityTable, TheScriptTabAsksForCompleteServersAndTheOthersForLogins)
     }
 }
 
-TEST(AvailabilityTable, TheRegistryIsAskedOnlyWithBothServersComplete) {
+TEST(AvailabilityTable, TheRegistryIsAskedOnlyIfBothServersAreComplete) {
     int asked = 0;
     const auto ask = [&asked] {
         ++asked;

@@ -1,5 +1,5 @@
-// The order of the steps that an operator can see: hourglass, button, server, lists, status line and boxes of
-// each command and choice, written down as one sequence each.
+// The order of the steps that an operator can see: for each command and each choice the sequence of
+// hourglass, buttons, questions to the server, lists, status line and boxes.
 #include <tuple>
 
 #include "console/console_fixture.h"
@@ -8,22 +8,22 @@
 namespace kv {
 namespace {
 
-/// While it lives, a form's changes become lines between the calls of the screen:
-///   "lock", "unlock"                the painting of the window
-///   "NAME on", "NAME off"           what can be used
-///   "NAME locked", "NAME unlocked"  a text box
+/// As long as it lives, records the changes of a form as lines among the recorded calls of the screen:
+///   "lock", "unlock"                painting of the window is locked or unlocked
+///   "NAME on", "NAME off"           a control is enabled or disabled
+///   "NAME locked", "NAME unlocked"  a text box is made read-only or writable
 ///   "NAME colour", "NAME text", "NAME caption"
-///   "NAME filled", "NAME sized"     a list; one line for all the steps that follow upon another
-///   "NAME painted"                  at once
-///   "status VALUE/MAX TEXT"         the status line, when it is painted
-///   "focus NAME"                    given by the program
-///   "server"                        a database was asked since the line before
+///   "NAME filled", "NAME sized"     a list changes; changes in a row are one line
+///   "NAME painted"                  a control is painted at once
+///   "status VALUE/MAX TEXT"         the status line is painted
+///   "focus NAME"                    the program sets the focus
+///   "server"                        a database was asked since the previous line
 class Trace final : public ui::Mirror {
   public:
     Trace(ui::Form& form, fakes::FakeScreen& screen, const fakes::FakeAdo& ado)
         : form_(form), screen_(screen), ado_(ado), asked_(ado.calls.size()) {
         form_.Attach(this);
-        screen_.on_box = [this] { TellOfServer(1); };
+        screen_.on_box = [this] { AddServerLine(1); };
         screen_.calls.clear();
     }
     Trace(const Trace&) = delete;
@@ -38,7 +38,7 @@ class Trace final : public ui::Mirror {
         if (line.empty()) {
             return;
         }
-        TellOfServer(0);
+        AddServerLine(0);
         const bool of_a_list = control.Kind() == ui::Kind::ListView || control.Kind() == ui::Kind::ListBox ||
                                control.Kind() == ui::Kind::ComboBox;
         if (!of_a_list || screen_.calls.empty() || screen_.calls.back() != line) {
@@ -88,8 +88,8 @@ class Trace final : public ui::Mirror {
                std::to_string(static_cast<int>(bar.Max())) + " " +
                form_.Get<ui::Label>("lblStatus").Caption();
     }
-    /// In front of the last `lines` lines.
-    void TellOfServer(int lines) {
+    /// Adds the line "server" if a database was asked, before the last `lines` lines.
+    void AddServerLine(int lines) {
         if (ado_.calls.size() != asked_) {
             screen_.calls.insert(screen_.calls.end() - lines, "server");
         }
@@ -125,15 +125,15 @@ class CommandOrder : public ConsoleTest {
     void ServerFails(const std::string& description) {
         ado_.Answer("Open", fakes::Failing(-2147467259, description));
     }
-    /// What happens from the press of a button to its end.
+    /// The lines recorded while the act runs.
     template <class Act>
-    const Lines& Seen(ui::Form& form, const Act& act) {
+    const Lines& Recorded(ui::Form& form, const Act& act) {
         const Trace trace(form, screen_, ado_);
         act();
         return screen_.calls;
     }
-    const Lines& SeenAtClick(const char* button) {
-        return Seen(Form(), [&] { EXPECT_TRUE(ui::Click(Button(button))); });
+    const Lines& RecordedAtClick(const char* button) {
+        return Recorded(Form(), [&] { EXPECT_TRUE(ui::Click(Button(button))); });
     }
 };
 
@@ -142,40 +142,41 @@ TEST_F(CommandOrder, TheLoadOfTheWindow) {
     Remember("edtSQLUNCReplDataPath0", "kept");
     Remember("edtCreateInstallScriptFile", "S:\\gone.sql");
     Remember("edtRenameNewDatabase", "New");
-    registry_.Fail(fakes::RegistryCall::Open, 2); // no key of the installation
+    registry_.Fail(fakes::RegistryCall::Open, 2); // the installation's key does not exist
     main_.emplace();
-    EXPECT_EQ(Seen(Form(), [this] { main_->Load(); }), (Lines{"pointer 11",
-                                                              "events",
-                                                              "frmMain caption",
-                                                              "edtDomainName off",
-                                                              "edtScriptFolder text",
-                                                              "edtDomainName text",
-                                                              "edtServerName(0) text",
-                                                              "edtUserID(0) text",
-                                                              "edtPassword(0) text",
-                                                              "edtSQLDataPath(0) text",
-                                                              "edtSQLUNCReplDataPath(0) text", // derived
-                                                              "edtSQLUNCReplDataPath(0) text", // remembered
-                                                              "edtServerName(1) text",
-                                                              "edtUserID(1) text",
-                                                              "edtPassword(1) text",
-                                                              "edtSQLDataPath(1) text",
-                                                              "edtSQLUNCReplDataPath(1) text",
-                                                              "edtCreateInstallScriptFile text",
-                                                              "chkCreateInstallScriptFile off",
-                                                              "edtRenameNewDatabase text",
-                                                              "fraMainTab(1) off",
-                                                              "fraMainTab(2) off",
-                                                              "fraMainTab(3) off",
-                                                              "fraMainTab(4) off",
-                                                              "fraMainTab(5) off",
-                                                              "fraMainTab(6) off",
-                                                              "pointer 0"}));
+    EXPECT_EQ(Recorded(Form(), [this] { main_->Load(); }),
+              (Lines{"pointer 11",
+                     "events",
+                     "frmMain caption",
+                     "edtDomainName off",
+                     "edtScriptFolder text",
+                     "edtDomainName text",
+                     "edtServerName(0) text",
+                     "edtUserID(0) text",
+                     "edtPassword(0) text",
+                     "edtSQLDataPath(0) text",
+                     "edtSQLUNCReplDataPath(0) text", // derived
+                     "edtSQLUNCReplDataPath(0) text", // remembered
+                     "edtServerName(1) text",
+                     "edtUserID(1) text",
+                     "edtPassword(1) text",
+                     "edtSQLDataPath(1) text",
+                     "edtSQLUNCReplDataPath(1) text",
+                     "edtCreateInstallScriptFile text",
+                     "chkCreateInstallScriptFile off",
+                     "edtRenameNewDatabase text",
+                     "fraMainTab(1) off",
+                     "fraMainTab(2) off",
+                     "fraMainTab(3) off",
+                     "fraMainTab(4) off",
+                     "fraMainTab(5) off",
+                     "fraMainTab(6) off",
+                     "pointer 0"}));
 }
 
 TEST_F(CommandOrder, OpeningATab) {
     Start();
-    EXPECT_EQ(Seen(Form(), [this] { Open(kViewDataTab); }),
+    EXPECT_EQ(Recorded(Form(), [this] { Open(kViewDataTab); }),
               (Lines{"pointer 11", "events", "optViewDataCurrentServer(0) caption",
                      "optViewDataCurrentServer(1) caption", "fraMainTab(0) off", "fraMainTab(5) on", "events",
                      "server", "cboViewDataDatabase filled", "pointer 0"}));
@@ -185,16 +186,16 @@ TEST_F(CommandOrder, OpeningTheReplicationTab) {
     Start();
     ServerFails("of the list");
     ServerFails("of the status");
-    const Lines& seen = Seen(Form(), [this] { Open(kReplicationTab); });
-    const auto filled = std::find(seen.begin(), seen.end(), "cboSQLReplicationDatabase filled");
-    EXPECT_EQ(Lines(filled, seen.end()),
+    const Lines& lines = Recorded(Form(), [this] { Open(kReplicationTab); });
+    const auto filled = std::find(lines.begin(), lines.end(), "cboSQLReplicationDatabase filled");
+    EXPECT_EQ(Lines(filled, lines.end()),
               (Lines{"cboSQLReplicationDatabase filled", BoxOf("of the list"), "server",
                      "cmdInstallReplication off", "cmdUninstallReplication off",
                      "lblSQLServerReplicationStatus colour", "lblSQLServerReplicationStatus caption",
                      BoxOf("of the status"), "pointer 0"}));
 }
 
-TEST_F(CommandOrder, AChoiceOfTheServerFillsTheListsOfEachTab) {
+TEST_F(CommandOrder, ChoosingAServerFillsTheListsOfEachTab) {
     const std::tuple<MainTab, const char*, Lines> choices[] = {
         {kSynchronizeTab,
          "optSynchronizeSourceServer",
@@ -212,22 +213,22 @@ TEST_F(CommandOrder, AChoiceOfTheServerFillsTheListsOfEachTab) {
         expected.insert(expected.end(), lists.begin(), lists.end());
         expected.emplace_back("pointer 0");
         const char* const name = option;
-        EXPECT_EQ(Seen(Form(), [&] { ui::Click(Option(name, 1)); }), expected) << name;
+        EXPECT_EQ(Recorded(Form(), [&] { ui::Click(Option(name, 1)); }), expected) << name;
     }
 }
 
-TEST_F(CommandOrder, AChoiceOfTheServerOnTheReplicationTabEmptiesItsBoxAndFillsIt) {
+TEST_F(CommandOrder, ChoosingAServerOnTheReplicationTabEmptiesAndFillsItsComboBox) {
     StartOn(kReplicationTab);
     Databases({"ofB"});
     ado_.Answer(kJobQuery, fakes::Rows({}));
     ado_.Answer(kJobQuery, fakes::Rows({{"job"}}));
-    EXPECT_EQ(Seen(Form(), [&] { ui::Click(Option("optSQLReplCurrentServer", 1)); }),
+    EXPECT_EQ(Recorded(Form(), [&] { ui::Click(Option("optSQLReplCurrentServer", 1)); }),
               (Lines{"pointer 11", "events", "server",
-                     // a change to no text
+                     // the text changes to the empty text
                      "cboSQLReplicationDatabase filled", "pointer 11", "events", "server",
                      "cmdInstallReplication on", "lblSQLServerReplicationStatus colour",
                      "lblSQLServerReplicationStatus caption", "pointer 11",
-                     // a change to the first name
+                     // the text changes to the first name
                      "cboSQLReplicationDatabase filled", "pointer 11", "events", "server",
                      "cmdInstallReplication off", "cmdUninstallReplication on",
                      "lblSQLServerReplicationStatus caption", "pointer 11", "pointer 0"}));
@@ -236,7 +237,7 @@ TEST_F(CommandOrder, AChoiceOfTheServerOnTheReplicationTabEmptiesItsBoxAndFillsI
 TEST_F(CommandOrder, Synchronize) {
     StartOn(kSynchronizeTab);
     ServerFails("gone");
-    EXPECT_EQ(SeenAtClick("cmdSynchronize"),
+    EXPECT_EQ(RecordedAtClick("cmdSynchronize"),
               (Lines{"pointer 11", "events", "cmdSynchronize off", "status 0/2 Initializing...", "events",
                      "status 1/2 Synchronizing databases...", "events", "server",
                      "status 2/2 Synchronization completed...", "events", "cmdSynchronize on",
@@ -246,7 +247,7 @@ TEST_F(CommandOrder, Synchronize) {
 TEST_F(CommandOrder, SynchronizeRefused) {
     StartOn(kSynchronizeTab);
     Edit("edtServerName", 1).Text("NodeA");
-    EXPECT_EQ(SeenAtClick("cmdSynchronize"),
+    EXPECT_EQ(RecordedAtClick("cmdSynchronize"),
               (Lines{"pointer 11", "events", "cmdSynchronize off", "status 0/2 Initializing...", "events",
                      "box [exclamation] KVLSQLDbMgr: Different source and destination database must be "
                      "specified!",
@@ -257,11 +258,11 @@ TEST_F(CommandOrder, RenameUpgradeAndRemove) {
     StartOn(kUpgradeTab);
     for (const std::string name : {"cmdRename", "cmdUpgrade", "cmdRemove"}) {
         if (name == "cmdRename") {
-            ServerFails("of the names"); // each operation drops what the one before has collected
+            ServerFails("of the names"); // not shown: the next operation drops the errors of this one
         }
         ServerFails("of the command");
         ServerFails("of the refresh");
-        EXPECT_EQ(SeenAtClick(name.c_str()),
+        EXPECT_EQ(RecordedAtClick(name.c_str()),
                   (Lines{"pointer 11", "events", name + " off", "server", "cboRenameDatabase filled",
                          "cboUpgradeDatabaseDest filled", "cboUpgradeDatabaseSource filled",
                          "cboRemoveDatabase filled", BoxOf("of the refresh"), name + " on", "focus " + name,
@@ -273,7 +274,7 @@ TEST_F(CommandOrder, RenameRefused) {
     StartOn(kUpgradeTab);
     Edit("edtRenameNewDatabase").Text("Batch");
     Databases({"master", "Batch"});
-    EXPECT_EQ(SeenAtClick("cmdRename"),
+    EXPECT_EQ(RecordedAtClick("cmdRename"),
               (Lines{"pointer 11", "events", "cmdRename off", "server",
                      "box [exclamation] KVLSQLDbMgr: The database 'Batch' already exist!", "cmdRename on",
                      "focus cmdRename", "pointer 0"}));
@@ -284,11 +285,11 @@ TEST_F(CommandOrder, TheStatusOfReplicationAtEachChange) {
     ado_.Answer(kJobQuery, fakes::Rows({}));
     ui::Choose(Combo("cboSQLReplicationDatabase"), 0);
     ado_.Answer(kJobQuery, fakes::Rows({{"job"}}));
-    EXPECT_EQ(Seen(Form(), [this] { ui::Choose(Combo("cboSQLReplicationDatabase"), 1); }),
+    EXPECT_EQ(Recorded(Form(), [this] { ui::Choose(Combo("cboSQLReplicationDatabase"), 1); }),
               (Lines{"pointer 11", "events", "server", "cmdInstallReplication off",
                      "cmdUninstallReplication on", "lblSQLServerReplicationStatus caption", "pointer 0"}));
     ado_.Answer(kJobQuery, fakes::Rows({}));
-    EXPECT_EQ(Seen(Form(), [this] { ui::Type(Combo("cboSQLReplicationDatabase"), "X"); }),
+    EXPECT_EQ(Recorded(Form(), [this] { ui::Type(Combo("cboSQLReplicationDatabase"), "X"); }),
               (Lines{"pointer 11", "events", "server", "cmdInstallReplication on",
                      "cmdUninstallReplication off", "lblSQLServerReplicationStatus caption", "pointer 0"}));
 }
@@ -301,7 +302,7 @@ TEST_F(CommandOrder, InstallAndUninstallReplication) {
         Label("lblSQLServerReplicationStatus").Caption("");
         ServerFails("of the command");
         ServerFails("of the status");
-        EXPECT_EQ(SeenAtClick(name),
+        EXPECT_EQ(RecordedAtClick(name),
                   (Lines{"pointer 11", "events", "server", std::string(name) + " off",
                          "lblSQLServerReplicationStatus colour", "lblSQLServerReplicationStatus caption",
                          BoxOf("of the status"), BoxOf("of the command"), "pointer 0"}));
@@ -328,7 +329,7 @@ class RunOrder : public CommandOrder {
               std::string("pointer 0")}) {
             expected.push_back(line);
         }
-        EXPECT_EQ(SeenAtClick("cmdCreateInstall"), expected);
+        EXPECT_EQ(RecordedAtClick("cmdCreateInstall"), expected);
     }
 };
 
@@ -338,7 +339,7 @@ TEST_F(RunOrder, ARunOfScriptsAndPackages) {
     Check("chkCreateInstallBatchDatabase").Value(1);
     Check("chkStandardSynchronize").Value(1);
     Option("optCreateInstallScriptFiles", 1).Value(true);
-    EXPECT_EQ(SeenAtClick("cmdCreateInstall"),
+    EXPECT_EQ(RecordedAtClick("cmdCreateInstall"),
               (Lines{"pointer 11",
                      "events",
                      "cmdCreateInstall off",
@@ -365,13 +366,13 @@ TEST_F(RunOrder, ARunOfScriptsAndPackages) {
 
 TEST_F(RunOrder, RefusedWithNothingTicked) {
     StartOnScripts();
-    EXPECT_EQ(SeenAtClick("cmdCreateInstall"),
+    EXPECT_EQ(RecordedAtClick("cmdCreateInstall"),
               (Lines{"pointer 11", "events", "cmdCreateInstall off", "status 0/2 Initializing...", "events",
                      "box [exclamation] KVLSQLDbMgr: No scripts or DTS packages selected!",
                      "cmdCreateInstall on", "focus cmdCreateInstall", "pointer 0"}));
 }
 
-TEST_F(RunOrder, RefusedOnTheWay) {
+TEST_F(RunOrder, RefusedLater) {
     StartOnScripts();
     Check("chkCreateInstallBatchDatabase").Value(1);
     ExpectRefused("3", "You must specify a script folder!", {});
@@ -385,49 +386,49 @@ TEST_F(RunOrder, RefusedOnTheWay) {
                   {"status 1/4 Create modified batch database script...", "events", "wait 2000"});
 }
 
-TEST_F(CommandOrder, ADatabasesTablesAndTheFirstOnesData) {
+TEST_F(CommandOrder, ChoosingADatabaseShowsItsFirstTable) {
     StartOn(kViewDataTab);
-    ado_.Answer(kTables, fakes::Rows({{"Lots"}}));
-    ado_.Answer(kIdentity, fakes::Rows({}));
+    ado_.Answer(kTableQuery, fakes::Rows({{"Lots"}}));
+    ado_.Answer(IdentityQuery("Lots"), fakes::Rows({}));
     ado_.Answer("SELECT * FROM Lots", fakes::Rows({{1, 2}, {3, 4}}));
-    EXPECT_EQ(Seen(Form(), [this] { ui::Choose(Combo("cboViewDataDatabase"), 1); }),
+    EXPECT_EQ(Recorded(Form(), [this] { ui::Choose(Combo("cboViewDataDatabase"), 1); }),
               (Lines{"pointer 11", "events", "lock", "lstViewDataTables filled", "lstViewDataTables off",
                      "server", "lstViewDataTables filled",
-                     // The first table is chosen while its list is still closed.
+                     // The first table is chosen while the list is still disabled.
                      "pointer 11", "events", "lock", "lvwViewData filled", "lvwViewData painted",
                      "lvwViewData off", "events", "server", "lvwViewData filled", "lvwViewData sized",
                      "lvwViewData on", "unlock", "pointer 11",
-                     // The window paints again already.
+                     // Painting is already unlocked.
                      "lstViewDataTables on", "unlock", "pointer 0"}));
 }
 
-TEST_F(CommandOrder, TheBoxesOfTheChainComeFromTheInnerLinkOutwards) {
+TEST_F(CommandOrder, TheBoxOfTheInnerHandlerComesBeforeThatOfTheOuter) {
     StartOn(kViewDataTab);
     fakes::AdoAnswer tables = fakes::Rows({{"Lots"}});
     tables.errors = {{-2147467259, "of the tables", "SQL Server", 50000, "42000"}};
-    ado_.Answer(kTables, tables);
-    ado_.Answer(kIdentity, fakes::Rows({}));
+    ado_.Answer(kTableQuery, tables);
+    ado_.Answer(IdentityQuery("Lots"), fakes::Rows({}));
     ado_.Answer("SELECT * FROM Lots", fakes::Failing(-2147467259, "of the data"));
-    const Lines& seen = Seen(Form(), [this] { ui::Choose(Combo("cboViewDataDatabase"), 1); });
-    const auto inner = std::find(seen.begin(), seen.end(), "unlock");
-    EXPECT_EQ(Lines(inner, seen.end()),
+    const Lines& lines = Recorded(Form(), [this] { ui::Choose(Combo("cboViewDataDatabase"), 1); });
+    const auto inner = std::find(lines.begin(), lines.end(), "unlock");
+    EXPECT_EQ(Lines(inner, lines.end()),
               (Lines{"unlock", BoxOf("of the data"), "pointer 11", "lstViewDataTables on", "unlock",
                      BoxOf("of the tables"), "pointer 0"}));
 }
 
-TEST_F(CommandOrder, ADatabasesProceduresAndTheFirstOnesText) {
+TEST_F(CommandOrder, ChoosingADatabaseShowsItsFirstProcedure) {
     StartOn(kStoredProcTab);
     fakes::AdoAnswer procedures = fakes::Rows({{"spOne"}});
     procedures.fields = {"PROCEDURE_NAME"};
     ado_.Answer("OpenSchema 16", procedures);
     ado_.Answer("sp_helptext 'spOne'", fakes::Rows({{"text"}}));
-    EXPECT_EQ(Seen(Form(), [this] { ui::Choose(Combo("cboStoredProcDatabase"), 1); }),
+    EXPECT_EQ(Recorded(Form(), [this] { ui::Choose(Combo("cboStoredProcDatabase"), 1); }),
               (Lines{"pointer 11", "events", "cboStoredProcedure filled", "cboStoredProcedure off", "server",
                      "cboStoredProcedure filled", "pointer 11", "events", "server", "edtStoredProcedure text",
                      "pointer 11", "cboStoredProcedure on", "pointer 0"}));
 }
 
-TEST_F(CommandOrder, TheDialogIsReadUnderTheHourglassAndShownWithoutIt) {
+TEST_F(CommandOrder, TheDialogIsFilledUnderTheHourglassAndShownWithoutIt) {
     StartOn(kStoredProcTab);
     screen_.calls.clear();
     ado_.Answer("Refresh", fakes::Failing(-2147467259, "no such procedure"));
@@ -444,7 +445,7 @@ class DialogOrder : public CommandOrder {
         manager_.ServerA("NodeA");
         manager_.UserA("sa");
     }
-    void Has(std::vector<ado::Parameter> parameters) {
+    void AnswerParameters(std::vector<ado::Parameter> parameters) {
         fakes::AdoAnswer answer;
         answer.parameters = std::move(parameters);
         ado_.Answer("Refresh", std::move(answer));
@@ -457,9 +458,9 @@ class DialogOrder : public CommandOrder {
         parameter.Value(name);
         return parameter;
     }
-    const Lines& SeenInDialog(const char* button) {
+    const Lines& RecordedInDialog(const char* button) {
         ui::Form& form = dialog_.Form();
-        return Seen(form, [&] { EXPECT_TRUE(ui::Click(form.Get<ui::CommandButton>(button))); });
+        return Recorded(form, [&] { EXPECT_TRUE(ui::Click(form.Get<ui::CommandButton>(button))); });
     }
 
     CViewDataMgr manager_;
@@ -467,22 +468,22 @@ class DialogOrder : public CommandOrder {
 };
 
 TEST_F(DialogOrder, Reload) {
-    Has({Named("@a", ado::adParamInput), Named("@b", ado::adParamOutput)});
+    AnswerParameters({Named("@a", ado::adParamInput), Named("@b", ado::adParamOutput)});
     dialog_.Init(manager_, "Batch", "spOne");
-    Has({Named("@c", ado::adParamInput)});
+    AnswerParameters({Named("@c", ado::adParamInput)});
     EXPECT_EQ(
-        SeenInDialog("cmdReload"),
+        RecordedInDialog("cmdReload"),
         (Lines{"pointer 11", "events", "lvwViewData filled", "lstParameters filled", "lstParameters off",
                "edtDataType text", "edtDirection text", "edtValue text", "server", "lstParameters filled",
                "edtDataType text", "edtDirection text", "edtValue text", "lstParameters on", "pointer 0"}));
     EXPECT_EQ(dialog_.Form().Get<ui::ListBox>("lstParameters").ListCount(), 1);
 }
 
-TEST_F(DialogOrder, AReloadThatFailsLeavesNothingOfTheParametersBefore) {
-    Has({Named("@a", ado::adParamInput)});
+TEST_F(DialogOrder, AFailedReloadLeavesNoParameters) {
+    AnswerParameters({Named("@a", ado::adParamInput)});
     dialog_.Init(manager_, "Batch", "spOne");
     ServerFails("gone");
-    EXPECT_EQ(SeenInDialog("cmdReload"),
+    EXPECT_EQ(RecordedInDialog("cmdReload"),
               (Lines{"pointer 11", "events", "lvwViewData filled", "lstParameters filled",
                      "lstParameters off", "edtDataType text", "edtDirection text", "edtValue text", "server",
                      BoxOf("gone"), "pointer 0"}));
@@ -494,27 +495,27 @@ TEST_F(DialogOrder, AReloadThatFailsLeavesNothingOfTheParametersBefore) {
 }
 
 TEST_F(DialogOrder, Execute) {
-    Has({});
+    AnswerParameters({});
     dialog_.Init(manager_, "Batch", "spOne");
     ado_.Answer("call spOne", fakes::Rows({{1, 2}}));
-    EXPECT_EQ(SeenInDialog("cmdExecute"),
+    EXPECT_EQ(RecordedInDialog("cmdExecute"),
               (Lines{"pointer 11", "events", "lock", "lvwViewData filled", "lvwViewData painted",
                      "lvwViewData off", "events", "server", "lvwViewData filled", "lvwViewData sized",
                      "lvwViewData on", "unlock", "pointer 0"}));
     ServerFails("gone");
-    EXPECT_EQ(SeenInDialog("cmdExecute"),
+    EXPECT_EQ(RecordedInDialog("cmdExecute"),
               (Lines{"pointer 11", "events", "lock", "lvwViewData filled", "lvwViewData painted",
                      "lvwViewData off", "events", "server", "unlock", BoxOf("gone"), "pointer 0"}));
 }
 
-TEST_F(DialogOrder, AParameterThatIsChosen) {
-    Has({Named("@a", ado::adParamInput), Named("@b", ado::adParamOutput)});
+TEST_F(DialogOrder, ChoosingAParameter) {
+    AnswerParameters({Named("@a", ado::adParamInput), Named("@b", ado::adParamOutput)});
     dialog_.Init(manager_, "Batch", "spOne");
     auto& list = dialog_.Form().Get<ui::ListBox>("lstParameters");
-    EXPECT_EQ(Seen(dialog_.Form(), [&] { ui::Choose(list, 1); }),
+    EXPECT_EQ(Recorded(dialog_.Form(), [&] { ui::Choose(list, 1); }),
               (Lines{"edtValue locked", "edtValue colour", "edtDirection text", "edtValue text"}))
         << "neither hourglass nor lock";
-    EXPECT_EQ(Seen(dialog_.Form(), [&] { ui::Choose(list, 0); }),
+    EXPECT_EQ(Recorded(dialog_.Form(), [&] { ui::Choose(list, 0); }),
               (Lines{"edtValue colour", "edtValue unlocked", "edtDirection text", "edtValue text"}));
 }
 

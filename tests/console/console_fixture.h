@@ -1,5 +1,5 @@
-// What the tests of the console have in common: a machine in memory with a registry, a log, a query tool and
-// a database that answers as the test says, and an operator who presses the main window's buttons.
+// The fixture of the console's tests: a system in memory with a registry, a log, a query tool and a database
+// that answers as the test says; the tests use the main window's controls as an operator does.
 #pragma once
 
 #include <algorithm>
@@ -20,20 +20,16 @@
 #include "fakes/fake_screen.h"
 #include "fakes/fake_toolkit.h"
 #include "fakes/fake_user_settings.h"
+#include "support/log_lines.h"
+#include "support/program_statements.h"
 #include "ui/operator.h"
 
 namespace kv {
 
-// Statements of the program.
-inline constexpr char kTables[] = "SELECT DISTINCT TABLE_NAME FROM INFORMATION_SCHEMA.COLUMNS";
-inline constexpr char kIdentity[] =
-    "SELECT COLUMN_NAME AS [Column] FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = 'Lots' "
-    "AND COLUMNPROPERTY(OBJECT_ID('Lots'), COLUMN_NAME, 'IsIdentity')=1";
-inline constexpr char kJobQuery[] =
-    "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
-    "From msdb.dbo.syscategories Where "
-    "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
-
+using support::IdentityQuery;
+using support::kJobQuery;
+using support::kTableQuery;
+using support::kVersionQuery;
 using Lines = std::vector<std::string>;
 
 class ConsoleTest : public ::testing::Test {
@@ -69,13 +65,14 @@ class ConsoleTest : public ::testing::Test {
     void Remember(const std::string& key, const std::string& text) {
         remembered_.texts["KVLSQLDbMgr/Settings/" + key] = text;
     }
-    /// One server's fields, remembered from an earlier run.
+    /// Remembers a server's login, as an earlier run would. `server` is 0 for Server A, 1 for Server B.
     void RememberLogin(int server) {
         const std::string index = std::to_string(server);
         Remember("edtServerName" + index, server == 0 ? "NodeA" : "NodeB");
         Remember("edtUserID" + index, server == 0 ? "saA" : "saB");
         Remember("edtPassword" + index, server == 0 ? "pwA" : "pwB");
     }
+    /// Remembers all fields of a server.
     void RememberServer(int server) {
         RememberLogin(server);
         const std::string index = std::to_string(server);
@@ -83,7 +80,7 @@ class ConsoleTest : public ::testing::Test {
         Remember("edtSQLUNCReplDataPath" + index, server == 0 ? "D$\\ReplData" : "E$\\ReplData");
     }
 
-    /// Loads the window and forgets what that has called.
+    /// Loads the window and drops the calls recorded so far.
     void Start() {
         main_.emplace();
         main_->Load();
@@ -107,16 +104,16 @@ class ConsoleTest : public ::testing::Test {
     ui::ProgressBar& Bar() { return Form().Get<ui::ProgressBar>("prbStatus"); }
     ui::TabControl& Tabs() { return Form().Get<ui::TabControl>("tabMain"); }
 
-    /// Opens a tab as the operator does.
+    /// Opens a tab as an operator does.
     void Open(MainTab tab) { ASSERT_TRUE(ui::Choose(Tabs(), tab)); }
-    /// The operator empties the box and types.
+    /// Empties the box and types the text, as an operator does.
     static void TypeInto(ui::TextBox& box, const std::string& text) {
         ui::SelectAll(box);
         ASSERT_TRUE(ui::Edit(box, ""));
         ui::Type(box, text);
     }
 
-    /// The next `times` lists of databases, of whichever server.
+    /// The answer to the next `times` questions for the databases of a server.
     void Databases(const std::vector<std::string>& names, int times = 1) {
         std::vector<fakes::AdoRow> rows;
         for (const std::string& name : names) {
@@ -134,7 +131,7 @@ class ConsoleTest : public ::testing::Test {
         return items;
     }
     Lines Boxes() const { return screen_.Behind("box "); }
-    /// The servers that were connected to, in order, as "server database".
+    /// The connections in order, each as "server database".
     Lines Connections() const {
         Lines connections;
         for (const std::string& call : ado_.calls) {
@@ -149,20 +146,8 @@ class ConsoleTest : public ::testing::Test {
         return connections;
     }
 
-    /// The log without the date of its lines and the words that each begins with.
     Lines LogLines() const {
-        constexpr std::string_view kHead = "2006-05-12 14:03:22 : Error in ";
-        Lines lines;
-        if (!files_.HasFile(kLogFile)) {
-            return lines;
-        }
-        const std::string& log = files_.Content(kLogFile);
-        for (std::size_t at = 0; at < log.size();) {
-            const std::size_t end = log.find("\r\n", at);
-            lines.push_back(log.substr(at, end - at).substr(kHead.size()));
-            at = end + 2;
-        }
-        return lines;
+        return files_.HasFile(kLogFile) ? support::LogLines(files_.Content(kLogFile)) : Lines{};
     }
 
     fakes::FakeClock clock_;

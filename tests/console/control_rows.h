@@ -1,5 +1,5 @@
-// The controls of the main window's pages, written down a second time: what stands here and what the
-// program's own table says must agree.
+// The controls of the main window's pages, written a second time and independently of the program's own
+// table. A test compares the two.
 #pragma once
 
 namespace console_tests {
@@ -24,7 +24,7 @@ inline constexpr PageRow kPageRows[] = {
 struct ControlRow {
     int tab;
     const char* name;
-    int index; ///< -1: outside an array
+    int index; ///< -1: not in a control array
     const char* kind;
     const char* caption;
     const char* tool_tip;

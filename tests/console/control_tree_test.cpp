@@ -1,4 +1,5 @@
-// The program's table of the main window's controls against the one of these tests.
+// Compares the program's table of the main window's controls with the tests' own, and checks the arrangement
+// of both windows.
 #include <map>
 #include <set>
 #include <string>
@@ -58,7 +59,7 @@ const ui::ControlDesign* Find(const std::string& full_name) {
     return nullptr;
 }
 
-TEST(ControlTree, EveryRowStandsInTheDesign) {
+TEST(ControlTree, EveryRowIsInTheDesign) {
     for (const ControlRow& row : console_tests::kControlRows) {
         const std::string name = FullName(row.name, row.index);
         const ui::ControlDesign* design = Find(name);
@@ -69,13 +70,13 @@ TEST(ControlTree, EveryRowStandsInTheDesign) {
         EXPECT_EQ(design->traits & ~(ui::kData | ui::kButtonFace), Traits().at(row.remarks)) << name;
         std::string parent = *row.inside == '\0' ? FullName("fraMainTab", row.tab) : row.inside;
         if (name == "lvwViewData") {
-            parent = "picListViewFrame"; // the box that the list of the page lies in
+            parent = "picListViewFrame"; // the picture box that contains the page's list
         }
         EXPECT_EQ(FullName(design->parent.name, design->parent.index), parent) << name;
     }
 }
 
-TEST(ControlTree, TheNamesOfServersAndTheTwoStatusTextsAreData) {
+TEST(ControlTree, OnlyServerNamesAndTheTwoStatusTextsAreMarkedAsData) {
     std::set<std::string> expected = {"lblStatus", "lblSQLServerReplicationStatus"};
     for (const char* pair :
          {"optScriptCurrentServer", "optSynchronizeSourceServer", "optUpgradeCurrentServer",
@@ -92,7 +93,7 @@ TEST(ControlTree, TheNamesOfServersAndTheTwoStatusTextsAreData) {
     EXPECT_EQ(designed, expected);
 }
 
-TEST(ControlTree, ThePathsThatNobodyTypesLookLikeTheBoxesOfTheDialogThatNobodyTypesIn) {
+TEST(ControlTree, TheDerivedPathsHaveTheBackgroundOfReadOnlyBoxes) {
     const ui::Form form(MainFormDesign());
     for (const int server : {0, 1}) {
         EXPECT_EQ(form.Get<ui::TextBox>("edtSQLUNCReplDataPath", server).BackColor(),
@@ -113,7 +114,7 @@ TEST(ControlTree, ThePagesAreTheSevenTabs) {
     }
 }
 
-TEST(ControlTree, NothingStandsInTheDesignBeyondTheRowsAndTheWindowsOwnFour) {
+TEST(ControlTree, TheDesignHasNoOtherControlsButTheWindowsOwnFour) {
     std::set<std::string> expected = {"tabMain", "prbStatus", "lblStatus", "cmdClose"};
     for (const auto& page : console_tests::kPageRows) {
         expected.insert(FullName("fraMainTab", page.tab));
@@ -128,7 +129,7 @@ TEST(ControlTree, NothingStandsInTheDesignBeyondTheRowsAndTheWindowsOwnFour) {
     EXPECT_EQ(designed, expected);
 }
 
-TEST(ControlTree, TheWindowsOwnFourLieOnItAndTheTitleIsTheDesigns) {
+TEST(ControlTree, TheWindowsOwnFourControlsAndItsTitle) {
     EXPECT_STREQ(MainFormDesign().caption, "Halvane Vindrel SQL Database Manager");
     EXPECT_STREQ(Find("cmdClose")->caption, "&Close");
     EXPECT_STREQ(Find("lblStatus")->caption, "");
@@ -138,8 +139,8 @@ TEST(ControlTree, TheWindowsOwnFourLieOnItAndTheTitleIsTheDesigns) {
     }
 }
 
-/// Whether a control lies inside what it lies on, and beside what lies there as well.
-void ExpectRoomForAll(const ui::FormDesign& form) {
+/// Checks that every control lies within its parent and overlaps none of the parent's other controls.
+void ExpectNoOverlap(const ui::FormDesign& form) {
     const ui::Form made(form);
     for (const auto& control : made.Controls()) {
         const ui::Place& place = control->Design().place;
@@ -166,12 +167,12 @@ void ExpectRoomForAll(const ui::FormDesign& form) {
     }
 }
 
-TEST(ControlTree, NoControlCoversAnotherOrLeavesItsParent) {
-    ExpectRoomForAll(MainFormDesign());
-    ExpectRoomForAll(ProceduresFormDesign());
+TEST(ControlTree, NoControlOverlapsAnotherOrLeavesItsParent) {
+    ExpectNoOverlap(MainFormDesign());
+    ExpectNoOverlap(ProceduresFormDesign());
 }
 
-TEST(ControlTree, AMnemonicsLabelStandsInFrontOfItsBox) {
+TEST(ControlTree, ALabelWithAMnemonicIsFollowedByItsTextBox) {
     const auto& rows = MainFormDesign().controls;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (rows[i].kind == ui::Kind::Label && std::string(rows[i].caption).find('&') != std::string::npos) {
@@ -181,9 +182,9 @@ TEST(ControlTree, AMnemonicsLabelStandsInFrontOfItsBox) {
     }
 }
 
-/// The list of the parameters at the left, the fields of one beside it, the result across the lower part, and
-/// the buttons in a row at the bottom, the one that closes at the right.
-TEST(ControlTree, TheDialogIsArrangedAsItIsRead) {
+/// The list of parameters is on the left, the fields of one parameter on its right, the result below both,
+/// and the buttons in a row at the bottom, Close on the right.
+TEST(ControlTree, TheControlsOfTheDialogAreArranged) {
     const ui::FormDesign& design = ProceduresFormDesign();
     const ui::Form form(design);
     const auto place = [&form](const char* name) { return form.Find(name)->Design().place; };
@@ -219,7 +220,7 @@ TEST(ControlTree, TheDialogIsArrangedAsItIsRead) {
     EXPECT_EQ(right("cmdClose"), right("picListViewFrame"));
 }
 
-TEST(ControlTree, TheDialogHasItsControlsInTheOrderOfTheTabKey) {
+TEST(ControlTree, TheControlsOfTheDialogAreInTabOrder) {
     const std::tuple<ui::Kind, const char*, const char*> rows[] = {
         {ui::Kind::Label, "lblParameters", "&Parameters:"},
         {ui::Kind::ListBox, "lstParameters", ""},

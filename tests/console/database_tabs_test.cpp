@@ -1,4 +1,4 @@
-// The Synchronize, Upgrade and Replication tabs.
+// The commands of the Synchronize, Upgrade and Replication tabs.
 #include "console/console_fixture.h"
 
 namespace kv {
@@ -16,7 +16,7 @@ class DatabaseTabs : public ConsoleTest {
         Start();
         Databases({"master", "Batch"}, 2);
         Open(tab);
-        // What the opening has left over is not for the command.
+        // The command must not use the answer that opening the tab has left.
         ado_.Take("exec sp_helpdb");
         screen_.calls.clear();
         ado_.calls.clear();
@@ -33,7 +33,7 @@ using SynchronizeTabTest = DatabaseTabs;
 using UpgradeTabTest = DatabaseTabs;
 using ReplicationTabTest = DatabaseTabs;
 
-TEST_F(SynchronizeTabTest, TheSourceGoesToTheOtherServer) {
+TEST_F(SynchronizeTabTest, TheSourceIsCopiedToTheOtherServer) {
     StartOn(kSynchronizeTab);
     ui::Choose(Combo("cboSynchronizeSourceDatabase"), 1);
     ado_.Answer(kJobQuery, fakes::Rows({}));
@@ -47,7 +47,7 @@ TEST_F(SynchronizeTabTest, TheSourceGoesToTheOtherServer) {
     ExpectButtonBack("cmdSynchronize");
 }
 
-TEST_F(SynchronizeTabTest, TheStatusLineSaysCompletedEvenBehindAFailure) {
+TEST_F(SynchronizeTabTest, TheStatusLineSaysCompletedEvenAfterAFailure) {
     StartOn(kSynchronizeTab);
     ado_.Answer("Open", fakes::Failing(-2147467259, "no such server"));
     Lines texts;
@@ -88,7 +88,7 @@ TEST_F(SynchronizeTabTest, TheSameDatabaseOfTheSameServerIsRefused) {
     EXPECT_EQ(Boxes().size(), 1U) << "another spelling passes";
 }
 
-TEST_F(SynchronizeTabTest, WithServerBAsTheSourceItGoesTheOtherWay) {
+TEST_F(SynchronizeTabTest, WithServerBAsTheSourceServerAIsTheDestination) {
     StartOn(kSynchronizeTab);
     Databases({"ofB"});
     Databases({"ofA"});
@@ -116,7 +116,7 @@ TEST_F(SynchronizeTabTest, AChoiceOfTheSourceServerRefillsBothLists) {
     EXPECT_EQ(screen_.Count("pointer 11"), 1);
 }
 
-TEST_F(SynchronizeTabTest, ARunLeavesTheListsAsTheyAre) {
+TEST_F(SynchronizeTabTest, ARunDoesNotRefreshTheLists) {
     StartOn(kSynchronizeTab);
     ui::Click(Button("cmdSynchronize"));
     for (const std::string& statement : Statements()) {
@@ -173,8 +173,7 @@ TEST_F(UpgradeTabTest, UpgradeGoesFromTheSourceToTheTypedDestination) {
     Combo("cboUpgradeDatabaseDest").Text("New");
     ui::Choose(Combo("cboUpgradeDatabaseSource"), 1);
     for (const char* version : {"1", "2"}) {
-        ado_.Answer("SELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'",
-                    fakes::Rows({{version}}));
+        ado_.Answer(kVersionQuery, fakes::Rows({{version}}));
     }
     Databases({"master", "Batch"});
     ui::Click(Button("cmdUpgrade"));
@@ -183,7 +182,7 @@ TEST_F(UpgradeTabTest, UpgradeGoesFromTheSourceToTheTypedDestination) {
     ExpectButtonBack("cmdUpgrade");
 }
 
-TEST_F(UpgradeTabTest, WhatTheServerReportedComesUpBehindTheRefresh) {
+TEST_F(UpgradeTabTest, TheErrorsOfTheCommandAreShownAfterThoseOfTheRefresh) {
     StartOn(kUpgradeTab);
     ado_.Answer("Open", fakes::Failing(-2147467259, "of the command"));
     ado_.Answer("Open", fakes::Failing(-2147467259, "of the refresh"));
@@ -194,7 +193,7 @@ TEST_F(UpgradeTabTest, WhatTheServerReportedComesUpBehindTheRefresh) {
     ExpectButtonBack("cmdRemove");
 }
 
-TEST_F(UpgradeTabTest, TheOptionSaysWhichServerIsWorkedOn) {
+TEST_F(UpgradeTabTest, TheCommandsWorkOnTheSelectedServer) {
     StartOn(kUpgradeTab);
     Databases({"ofB"});
     ui::Click(Option("optUpgradeCurrentServer", 1));
@@ -218,11 +217,11 @@ TEST_F(ReplicationTabTest, OpeningShowsTheSwitchTheListAndTheStatus) {
     EXPECT_EQ(Label("lblSQLServerReplicationStatus").ForeColor(), ui::kButtonText);
     EXPECT_TRUE(Button("cmdInstallReplication").Enabled());
     EXPECT_FALSE(Button("cmdUninstallReplication").Enabled());
-    // Filling the free text is a change of its own.
+    // Filling the combo box changes its text, which asks for the status once more.
     EXPECT_EQ(Connections(), (Lines{"NodeA master", "NodeA master", "NodeA master"}));
 }
 
-TEST_F(ReplicationTabTest, AServerWithAJobReadsAsActivated) {
+TEST_F(ReplicationTabTest, AServerWithAJobIsShownAsActivated) {
     StartOn(kReplicationTab);
     ado_.Answer(kJobQuery, fakes::Rows({{"job"}}));
     ui::Choose(Combo("cboSQLReplicationDatabase"), 1);
@@ -232,7 +231,7 @@ TEST_F(ReplicationTabTest, AServerWithAJobReadsAsActivated) {
     EXPECT_TRUE(Button("cmdUninstallReplication").Enabled());
 }
 
-TEST_F(ReplicationTabTest, AFailureIsRedAndComesUpForEachCharacter) {
+TEST_F(ReplicationTabTest, AFailureIsRedAndShownForEachCharacter) {
     StartOn(kReplicationTab);
     ui::Edit(Combo("cboSQLReplicationDatabase"), "");
     screen_.calls.clear();
@@ -248,7 +247,7 @@ TEST_F(ReplicationTabTest, AFailureIsRedAndComesUpForEachCharacter) {
     EXPECT_FALSE(Button("cmdUninstallReplication").Enabled());
 }
 
-TEST_F(ReplicationTabTest, AListThatEmptiesOutTakesTheStatusOfItsDatabaseAway) {
+TEST_F(ReplicationTabTest, AListThatBecomesEmptyShowsTheStatusAsUnknown) {
     StartOn(kReplicationTab);
     ado_.Answer(kJobQuery, fakes::Rows({}));
     ui::Choose(Combo("cboSQLReplicationDatabase"), 1);
@@ -263,7 +262,7 @@ TEST_F(ReplicationTabTest, AListThatEmptiesOutTakesTheStatusOfItsDatabaseAway) {
     EXPECT_FALSE(Button("cmdUninstallReplication").Enabled());
 }
 
-TEST_F(ReplicationTabTest, TheServerIsTheUpgradeTabsAndTheListThisTabs) {
+TEST_F(ReplicationTabTest, TheStatusIsOfTheUpgradeTabsServerAndTheListOfThisTabs) {
     StartOn(kReplicationTab);
     Databases({"ofB"});
     ui::Click(Option("optSQLReplCurrentServer", 1));
@@ -293,7 +292,7 @@ TEST_F(ReplicationTabTest, InstallAndUninstallAreFollowedByTheStatus) {
     EXPECT_EQ(screen_.pointer, 0);
 }
 
-TEST_F(ReplicationTabTest, AFailedInstallIsToldBehindTheStatus) {
+TEST_F(ReplicationTabTest, AFailedInstallIsReportedAfterTheStatus) {
     StartOn(kReplicationTab);
     ado_.Answer(kJobQuery, fakes::Rows({}));
     ui::Choose(Combo("cboSQLReplicationDatabase"), 1);
@@ -305,7 +304,7 @@ TEST_F(ReplicationTabTest, AFailedInstallIsToldBehindTheStatus) {
     EXPECT_TRUE(Button("cmdInstallReplication").Enabled());
 }
 
-TEST_F(ReplicationTabTest, TheSwitchIsWrittenAndFallsBackToTheRegistry) {
+TEST_F(ReplicationTabTest, TheSwitchIsSavedAndShowsTheRegistryIfSavingFails) {
     StartOn(kReplicationTab);
     const auto stored = [this] {
         return registry_.TextOf(registry_locations::kHkeyLocalMachine,

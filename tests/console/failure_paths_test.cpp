@@ -1,5 +1,5 @@
-// The ways out that a working system does not take: a server that goes away at any call of a command, and a
-// failure of a handler's own at each place where a handler catches one.
+// Failures that a working system does not have: the server is lost at any call of a command, and a handler's
+// own code fails at each place where a failure is caught.
 #include "console/console_fixture.h"
 #include "console/procedures_form.h"
 
@@ -8,7 +8,6 @@ namespace {
 
 constexpr char kLostBox[] = "[exclamation] KVLSQLDbMgr: Error:\t-2147467259\r\n"
                             "Desc:\tCommunication link failure\r\n\t0\r\n\tSQL Server\r\n\t08S01\r\n";
-constexpr char kVersion[] = "SELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'";
 
 ado::Parameter Input(const std::string& name) {
     ado::Parameter parameter;
@@ -18,7 +17,7 @@ ado::Parameter Input(const std::string& name) {
     return parameter;
 }
 
-/// A control that fails once, when its property changes.
+/// Makes a change of a control's property fail once.
 class BrokenControl final : public ui::Mirror {
   public:
     BrokenControl(ui::Form& form, const ui::Control& control, ui::Property property)
@@ -54,13 +53,13 @@ class FailurePaths : public ConsoleTest {
         Databases({"master", "Batch"}, 4);
         ado_.Answer("use [master] exec sp_helpfile",
                     fakes::Rows({{"D", 1, "C:\\Data\\D.mdf"}, {"L", 2, "C:\\Data\\L.ldf"}}));
-        ado_.Answer(kVersion, fakes::Rows({{"1"}}));
-        ado_.Answer(kVersion, fakes::Rows({{"2"}}));
+        ado_.Answer(kVersionQuery, fakes::Rows({{"1"}}));
+        ado_.Answer(kVersionQuery, fakes::Rows({{"2"}}));
         for (int i = 0; i < 3; ++i) {
             ado_.Answer(kJobQuery, fakes::Rows({}));
             ado_.Answer("Refresh", Parameters());
         }
-        ado_.Answer(kTables, fakes::Rows({{"Lots"}}));
+        ado_.Answer(kTableQuery, fakes::Rows({{"Lots"}}));
         HasData();
         fakes::AdoAnswer procedures = fakes::Rows({{"Batch", "spOne"}});
         procedures.fields = {"PROCEDURE_CATALOG", "PROCEDURE_NAME"};
@@ -69,7 +68,7 @@ class FailurePaths : public ConsoleTest {
         ado_.Answer("call spOne", fakes::Rows({{1}}));
     }
     void HasData(const fakes::AdoAnswer& answer = fakes::Rows({{1}})) {
-        ado_.Answer(kIdentity, fakes::Rows({}));
+        ado_.Answer(IdentityQuery("Lots"), fakes::Rows({}));
         ado_.Answer("SELECT * FROM Lots", answer);
     }
     static fakes::AdoAnswer Parameters() {
@@ -83,15 +82,16 @@ class FailurePaths : public ConsoleTest {
         Open(tab);
         Forget();
     }
-    /// What was called and shown so far is of no interest; the answers are whole again.
+    /// Drops the calls, boxes and log lines recorded so far, and sets all answers again.
     void Forget() {
         AnswerAll();
         screen_.calls.clear();
         ado_.calls.clear();
         files_.files.erase(fakes::FakeFiles::Plain(kLogFile));
     }
-    /// Presses with the server gone behind no call, one call and so on, until it is not missed any more.
-    /// Each time the form must be usable, the box must tell, and the same command must work afterwards.
+    /// Runs a command with the server lost after no call, after one call and so on, until the command ends
+    /// before that call. Each time the form must be usable, a box must report the loss, and the same command
+    /// must work with the server back.
     void LoseTheServerAtEachCall(ui::Form& form, const std::function<void()>& press,
                                  const std::function<bool()>& usable) {
         std::size_t call = 0;
@@ -113,18 +113,18 @@ class FailurePaths : public ConsoleTest {
             }
             Forget();
             press();
-            EXPECT_EQ(Boxes(), Lines{}) << "the next one works";
+            EXPECT_EQ(Boxes(), Lines{}) << "the next command works";
             EXPECT_TRUE(usable());
-            ASSERT_LT(call, 60U) << "the command does not come to its end";
+            ASSERT_LT(call, 60U) << "the command does not end";
         }
-        EXPECT_GT(call, 2U) << "the command has asked the server";
+        EXPECT_GT(call, 2U) << "the command did not ask the server";
     }
     void PressAtEachLoss(MainTab tab, const char* button) {
         StartOn(tab);
         LoseTheServerAtEachCall(
             Form(),
             [&] {
-                // The tab's own list may have been emptied by the loss before.
+                // The previous loss may have emptied the tab's lists.
                 ASSERT_TRUE(Button(button).Enabled());
                 ui::Click(Button(button));
             },
@@ -165,7 +165,7 @@ TEST_F(LostServer, WhileReplicationIsInstalledAndUninstalled) {
             Form(),
             [&] {
                 status();
-                // A lost server has closed both buttons; the next status brings them back.
+                // A lost server has disabled both buttons; the next status enables them.
                 Button(name).Enabled(true);
                 ui::Click(Button(name));
             },
@@ -195,10 +195,10 @@ TEST_F(LostServer, WhileATableIsShown) {
     LoseTheServerAtEachCall(
         Form(), [&] { ui::Choose(Combo("cboViewDataDatabase"), 1); },
         [&] {
-            // Without its tables a database leaves the data of the one before on show.
-            const bool all_stands =
+            // If the tables cannot be read, the data of the previous database stay shown.
+            const bool all_enabled =
                 Form().Find("lstViewDataTables")->Enabled() && Form().Find("lvwViewData")->Enabled();
-            return Combo("cboViewDataDatabase").Enabled() && all_stands == Boxes().empty();
+            return Combo("cboViewDataDatabase").Enabled() && all_enabled == Boxes().empty();
         });
 }
 
@@ -227,7 +227,7 @@ TEST_F(LostServer, WhileAProcedureRuns) {
 
 class BrokenHandler : public FailurePaths {
   protected:
-    /// The act meets the broken control, and this line of the log tells.
+    /// Runs the act with the control broken, and checks that the failure is logged under this name.
     void ExpectLogged(const std::string& tag, ui::Form& form, const ui::Control& control,
                       ui::Property property, const std::function<void()>& act) {
         Forget();
@@ -250,15 +250,15 @@ TEST_F(BrokenHandler, OpeningATab) {
     Start();
     ExpectLogged("frmMain::tabMain_Click", Form(), Option("optUpgradeCurrentServer", 0),
                  ui::Property::Caption, open);
-    EXPECT_TRUE(ado_.calls.empty()) << "left where it failed";
+    EXPECT_TRUE(ado_.calls.empty()) << "the handler ends at the failure";
     ExpectLogged("frmMain::UpdateTabStatus", Form(), *Form().Find("fraMainTab", 0), ui::Property::Enabled,
                  open);
-    EXPECT_FALSE(ado_.calls.empty()) << "and the tab goes on";
+    EXPECT_FALSE(ado_.calls.empty()) << "opening the tab continues";
     ExpectLogged("frmMain::UpdateDatabaseLists", Form(), Combo("cboRemoveDatabase"), ui::Property::Items,
                  open);
 }
 
-TEST_F(BrokenHandler, ACommandGivesItsButtonBack) {
+TEST_F(BrokenHandler, ACommandEnablesItsButtonAgain) {
     const std::tuple<MainTab, const char*, const char*> commands[] = {
         {kSynchronizeTab, "cmdSynchronize", "frmMain::cmdSynchronize_Click"},
         {kUpgradeTab, "cmdRename", "frmMain::cmdRename_Click"},
@@ -273,7 +273,7 @@ TEST_F(BrokenHandler, ACommandGivesItsButtonBack) {
         EXPECT_EQ(Form().Focused(), &button) << name;
         EXPECT_EQ(Label("lblStatus").Caption(), "");
         EXPECT_EQ(ado_.Statements(), tab == kUpgradeTab ? Lines{"exec sp_helpdb"} : Lines{})
-            << "the lists alone are read";
+            << "only the lists are read";
     }
 }
 
@@ -283,7 +283,7 @@ TEST_F(BrokenHandler, TheStatusOfReplication) {
                  ui::Property::Caption, [this] { ui::Choose(Combo("cboSQLReplicationDatabase"), 1); });
 }
 
-TEST_F(BrokenHandler, AFailureBehindTheStatusOfReplicationIsItsCallers) {
+TEST_F(BrokenHandler, AFailureAfterTheStatusOfReplicationIsCaughtByItsCaller) {
     StartOn(kReplicationTab);
     screen_.on_box = [] { throw ui::Refusal("no box"); };
     const std::pair<const char*, std::function<void()>> acts[] = {
@@ -314,7 +314,7 @@ TEST_F(BrokenHandler, TheProceduresAndTheirText) {
                  choose);
     ExpectLogged("frmMain::cboStoredProcedure_Click", Form(), Edit("edtStoredProcedure"), ui::Property::Text,
                  choose);
-    EXPECT_TRUE(Combo("cboStoredProcedure").Enabled()) << "the outer link went on";
+    EXPECT_TRUE(Combo("cboStoredProcedure").Enabled()) << "the outer handler continued";
     Forget();
     toolkit_.on_modal = [](ui::Form&) { throw ui::Refusal("no dialog"); };
     ui::Click(Button("cmdExecute"));
@@ -340,10 +340,10 @@ TEST_F(BrokenHandler, TheDialog) {
     value.Tag("no number");
     ui::Choose(list, 1);
     EXPECT_EQ(LogLines(), Lines{"frmStoredProcedures::lstParameters_Click - Save parameter"});
-    EXPECT_EQ(value.Tag(), "2") << "the load half runs all the same";
+    EXPECT_EQ(value.Tag(), "2") << "the chosen parameter is loaded nevertheless";
 }
 
-TEST_F(BrokenHandler, MoreDatabasesThanTheCounterHolds) {
+TEST_F(BrokenHandler, MoreDatabasesThanTheCounterCanCount) {
     StartOn(kUpgradeTab);
     ado_.Forget();
     Databases(Lines(32'768, "D"));
@@ -359,29 +359,29 @@ TEST_F(BrokenHandler, MoreDatabasesThanTheCounterHolds) {
     EXPECT_EQ(Boxes(), Lines{});
 }
 
-TEST_F(FailurePaths, ALogThatCannotBeWrittenIsTheEndOfACommand) {
+TEST_F(FailurePaths, ALogThatCannotBeWrittenEndsTheCommand) {
     StartOn(kUpgradeTab);
     ado_.Forget();
     ado_.Answer("Open", fakes::ServerGone());
-    // The operation's handler fails, the command's own takes that over and fails as well.
+    // The operation's handler fails; the command's handler catches that failure and fails too.
     files_.FailNext("create folder", "C:\\Lotkeeper\\Server\\Data", platform::FileFault::AccessDenied);
     files_.FailNext("append", kLogFile, platform::FileFault::PathNotFound);
     try {
         ui::Click(Button("cmdRemove"));
-        FAIL() << "the failure must go on";
+        FAIL() << "the failure was not raised to the caller";
     } catch (...) {
         EXPECT_EQ(TranslateInFlight().Number(), run_time::kPathNotFound);
     }
-    EXPECT_FALSE(Button("cmdRemove").Enabled()) << "its exit steps do not run";
+    EXPECT_FALSE(Button("cmdRemove").Enabled()) << "the exit steps do not run";
     EXPECT_EQ(Boxes(), Lines{});
 }
 
-TEST_F(FailurePaths, AResultWithoutAColumnLeavesTheWindowLockedAndTheListClosed) {
+TEST_F(FailurePaths, AResultWithoutAColumnLeavesTheWindowLockedAndTheListDisabled) {
     Start();
     AnswerAll();
     Open(kViewDataTab);
     ado_.Forget();
-    ado_.Answer(kTables, fakes::Rows({{"Lots"}}));
+    ado_.Answer(kTableQuery, fakes::Rows({{"Lots"}}));
     HasData();
     ui::Choose(Combo("cboViewDataDatabase"), 1);
     ASSERT_TRUE(Form().Find("lvwViewData")->Enabled());
@@ -397,7 +397,7 @@ TEST_F(FailurePaths, AResultWithoutAColumnLeavesTheWindowLockedAndTheListClosed)
     EXPECT_EQ(LogLines(), Lines{});
     HasData();
     ui::Choose(Form().Get<ui::ListBox>("lstViewDataTables"), 0);
-    EXPECT_FALSE(Form().PaintingLocked()) << "the next table unlocks";
+    EXPECT_FALSE(Form().PaintingLocked()) << "the next table unlocks the window";
 }
 
 TEST_F(FailurePaths, AProceduresResultWithoutAColumnLeavesTheDialogLocked) {
@@ -412,7 +412,7 @@ TEST_F(FailurePaths, AProceduresResultWithoutAColumnLeavesTheDialogLocked) {
     ado_.Forget();
     fakes::AdoAnswer empty;
     empty.no_columns = true;
-    // The server's message is kept back as well: the box is one of the final steps.
+    // The server's message is not shown: showing it is one of the exit steps.
     empty.errors = {{0, "a message", "SQL Server", 0, "01000"}};
     ado_.Answer("call spOne", empty);
     ui::Click(dialog.Form().Get<ui::CommandButton>("cmdExecute"));

@@ -1,3 +1,4 @@
+// The General tab: fetching logins from the registry, choosing folders, and the derived replication path.
 #include "console/console_fixture.h"
 
 namespace kv {
@@ -22,13 +23,13 @@ TEST_F(General, LocalSettingsFillServerA) {
     ui::Click(Button("cmdGetLocalSettings"));
     EXPECT_EQ(Edit("edtServerName", 0).Text(), "NodeA");
     EXPECT_EQ(Edit("edtUserID", 0).Text(), "sa");
-    EXPECT_EQ(Edit("edtPassword", 0).Text(), " p w ") << "as it stands";
+    EXPECT_EQ(Edit("edtPassword", 0).Text(), " p w ") << "unchanged";
     EXPECT_EQ(Edit("edtServerName", 1).Text(), "");
     EXPECT_TRUE(Tabs().TabEnabled(kUpgradeTab));
     EXPECT_TRUE(Boxes().empty());
 }
 
-TEST_F(General, BehindAFetchTheDataPathIsSelectedForTyping) {
+TEST_F(General, AfterAFetchTheDataPathIsSelectedForTyping) {
     Remember("edtSQLDataPath0", "D:\\Data");
     Start();
     Edit("edtSQLDataPath", 0).SelStart(7);
@@ -66,9 +67,9 @@ TEST_F(General, RemoteSettingsComeFromTheBackupNode) {
     EXPECT_EQ(Form().Focused(), &Edit("edtSQLDataPath", 1));
 }
 
-TEST_F(General, WithoutABackupNodeABoxComesUpAndNothingChanges) {
+TEST_F(General, WithoutABackupNodeABoxIsShownAndNothingChanges) {
     RememberLogin(1);
-    Text(registry_locations::kRedundancyKey, "BackupNode", "of the machine, which does not count");
+    Text(registry_locations::kRedundancyKey, "BackupNode", "the machine's value, which is not used");
     Start();
     ui::Click(Button("cmdGetRemoteSettings"));
     EXPECT_EQ(Boxes(), Lines{"[exclamation] KVLSQLDbMgr: Lotkeeper redundancy must be configured!"});
@@ -87,7 +88,7 @@ TEST_F(General, ABackupNodeThatDoesNotAnswerEmptiesTheFields) {
     EXPECT_TRUE(Boxes().empty());
 }
 
-TEST_F(General, FoldersAreChosenFromWhereTheBoxesStand) {
+TEST_F(General, TheFolderDialogsStartAtTheBoxesTexts) {
     Remember("edtScriptFolder", "S:\\Old");
     RememberLogin(1);
     Start();
@@ -100,7 +101,7 @@ TEST_F(General, FoldersAreChosenFromWhereTheBoxesStand) {
               (Lines{"folder [S:\\Old] Browse for script folder", "folder [] Browse for SQL Data path"}));
     EXPECT_EQ(Edit("edtSQLDataPath", 1).Text(), "E:\\Data");
     EXPECT_EQ(Edit("edtSQLUNCReplDataPath", 1).Text(), "E$\\ReplData");
-    EXPECT_TRUE(Tabs().TabEnabled(kScriptTab)) << "what can be used is worked out behind the derived path";
+    EXPECT_TRUE(Tabs().TabEnabled(kScriptTab)) << "availability is worked out after the derived path";
 }
 
 TEST_F(General, ACancelledFolderDialogFiresNoChange) {
@@ -122,7 +123,24 @@ TEST_F(General, TheReplicationPathFollowsEachCharacterAndCannotBeTyped) {
     EXPECT_FALSE(ui::Type(Edit("edtSQLUNCReplDataPath", 0), "x"));
 }
 
-TEST_F(General, AnEmptiedDataPathTakesTheTabsWithIt) {
+TEST_F(General, TheReplicationPathIsDerivedFromTheDataPath) {
+    Start();
+    const std::pair<const char*, const char*> paths[] = {
+        {R"(C:\MSSQL\Data)", R"(C$\MSSQL\ReplData)"},
+        {R"(D:\Data)", R"(D$\ReplData)"},
+        {R"(D:\)", R"(D$\ReplData)"},
+        {"D:", "D$"},
+        {"share", "share"},
+        {"", ""},
+        {R"(C:\a:b\c)", R"(C$\a:b\ReplData)"},
+    };
+    for (const auto& [data, replication] : paths) {
+        Edit("edtSQLDataPath", 0).Text(data);
+        EXPECT_EQ(Edit("edtSQLUNCReplDataPath", 0).Text(), replication) << data;
+    }
+}
+
+TEST_F(General, AnEmptyDataPathDisablesTheTabsThatNeedIt) {
     RememberServer(0);
     RememberServer(1);
     SqlServerInstalled("TRUE");

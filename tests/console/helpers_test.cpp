@@ -1,9 +1,9 @@
-// modListView, modFolderBrowser, and the derived replication path.
+// The helpers of modListView and modFolderBrowser.
 #include <gtest/gtest.h>
 
-#include "console/folder_browser.h"
-#include "console/general_tab.h"
-#include "console/list_view_helpers.h"
+#include "console/dialogs.h"
+
+#include "console/list_views.h"
 #include "console/main_form_design.h"
 #include "fakes/fake_files.h"
 #include "fakes/fake_screen.h"
@@ -22,7 +22,7 @@ class ConsoleHelpers : public ::testing::Test {
     ui::ListView& view_ = form_.Get<ui::ListView>("lvwViewData");
 };
 
-TEST_F(ConsoleHelpers, StylesAreAddedAndTheResultTellsOfThePreviousOne) {
+TEST_F(ConsoleHelpers, StylesAreAddedAndTheResultSaysIfThereWasOneBefore) {
     EXPECT_FALSE(SetExtendedStyle(view_, 0x20, true));
     EXPECT_TRUE(SetExtendedStyle(view_, 1, true));
     EXPECT_EQ(view_.ExtendedStyle(), 0x21);
@@ -46,45 +46,30 @@ TEST_F(ConsoleHelpers, EveryColumnIsSized) {
     EXPECT_EQ(view_.AutoSized(), (std::vector<bool>{true, true, true}));
 }
 
-TEST_F(ConsoleHelpers, AChosenFolderComesBack) {
+TEST_F(ConsoleHelpers, TheChosenFolderIsReturned) {
     toolkit_.picked = "D:\\New";
     EXPECT_EQ(BrowseForFolder(form_, "Title", "C:\\Old"), "D:\\New");
     EXPECT_EQ(screen_.calls, std::vector<std::string>{"folder [C:\\Old] Title"});
 }
 
-TEST_F(ConsoleHelpers, ACancelledFolderDialogGivesTheStartFolder) {
+TEST_F(ConsoleHelpers, ACancelledFolderDialogReturnsTheStartFolder) {
     EXPECT_EQ(BrowseForFolder(form_, "Title", "C:\\Old"), "C:\\Old");
     EXPECT_EQ(BrowseForFolder(form_, "Title", ""), "");
 }
 
-TEST_F(ConsoleHelpers, AFolderDialogThatFailsGivesTheStartFolderWithoutAWord) {
+TEST_F(ConsoleHelpers, AFolderDialogThatFailsReturnsTheStartFolderAndLogsNothing) {
     toolkit_.pickers_fail = true;
     EXPECT_EQ(BrowseForFolder(form_, "Title", "C:\\Old"), "C:\\Old");
     EXPECT_TRUE(files_.Log().empty());
 }
 
-TEST_F(ConsoleHelpers, AFileDialogGivesTheFileOrNothing) {
+TEST_F(ConsoleHelpers, AFileDialogReturnsTheFileOrNothing) {
     EXPECT_EQ(BrowseForFile("Title", "Filter", form_, "C:\\Old"), "");
     toolkit_.picked = "C:\\Old\\x.sql";
     EXPECT_EQ(BrowseForFile("Title", "Filter", form_, "C:\\Old"), "C:\\Old\\x.sql");
     EXPECT_EQ(screen_.calls.back(), "file [C:\\Old] Title Filter");
     toolkit_.pickers_fail = true;
     EXPECT_EQ(BrowseForFile("Title", "Filter", form_, "C:\\Old"), "");
-}
-
-TEST_F(ConsoleHelpers, TheReplicationPathIsTheShareOfTheDataPath) {
-    const std::pair<const char*, const char*> paths[] = {
-        {R"(C:\MSSQL\Data)", R"(C$\MSSQL\ReplData)"},
-        {R"(D:\Data)", R"(D$\ReplData)"},
-        {R"(D:\)", R"(D$\ReplData)"},
-        {"D:", "D$"},
-        {"share", "share"},
-        {"", ""},
-        {R"(C:\a:b\c)", R"(C$\a:b\ReplData)"},
-    };
-    for (const auto& [data, replication] : paths) {
-        EXPECT_EQ(DeriveReplicationPath(data), replication) << data;
-    }
 }
 
 } // namespace

@@ -1,4 +1,5 @@
-// frmMain's frame: load, unload, remembered entries, tabs and servers, database lists, status line.
+// What frmMain's tabs share: load and unload, remembered entries, which tabs and servers can be used,
+// database lists and status line.
 #include "console/console_fixture.h"
 #include "platform/version_record.h"
 
@@ -31,7 +32,7 @@ const Lines kRememberedKeys = {
 
 class MainFrame : public ConsoleTest {
   protected:
-    /// The tabs that can be used, as their numbers.
+    /// The numbers of the enabled tabs, as one text.
     std::string OpenTabs() {
         std::string open;
         for (int tab = 0; tab < Tabs().Tabs(); ++tab) {
@@ -47,7 +48,7 @@ TEST_F(MainFrame, TheTitleEndsWithTheVersionRecord) {
     EXPECT_EQ(Form().Caption(), "Halvane Vindrel SQL Database Manager [Version 6.G4 Build 31]");
 }
 
-TEST_F(MainFrame, AFirstStartLeavesAllBoxesEmptyAndSaysNothing) {
+TEST_F(MainFrame, AFirstStartLeavesAllBoxesEmptyAndShowsNoMessage) {
     main_.emplace();
     main_->Load();
     for (const auto& control : Form().Controls()) {
@@ -61,13 +62,13 @@ TEST_F(MainFrame, AFirstStartLeavesAllBoxesEmptyAndSaysNothing) {
     EXPECT_TRUE(ado_.calls.empty());
 }
 
-TEST_F(MainFrame, LoadingShowsTheHourglassForItsWholeLength) {
+TEST_F(MainFrame, LoadingShowsTheHourglass) {
     main_.emplace();
     main_->Load();
     EXPECT_EQ(screen_.calls, (Lines{"pointer 11", "events", "pointer 0"}));
 }
 
-TEST_F(MainFrame, EntriesAreReadInTheirOrder) {
+TEST_F(MainFrame, EntriesAreReadInOrder) {
     Start();
     Lines expected;
     for (const std::string& key : kRememberedKeys) {
@@ -93,7 +94,7 @@ TEST_F(MainFrame, EntriesAreSavedInTheSameOrderUnderTheHourglass) {
     }
     EXPECT_EQ(remembered_.texts.at("KVLSQLDbMgr/Settings/edtDomainName"), "dom");
     EXPECT_EQ(remembered_.texts.at("KVLSQLDbMgr/Settings/cboRemoveDatabase"), "Batch");
-    EXPECT_EQ(remembered_.texts.at("KVLSQLDbMgr/Settings/edtPassword0"), "pwA") << "in the clear";
+    EXPECT_EQ(remembered_.texts.at("KVLSQLDbMgr/Settings/edtPassword0"), "pwA") << "in plain text";
     EXPECT_EQ(screen_.calls, (Lines{"pointer 11", "events", "pointer 0"}));
 }
 
@@ -104,7 +105,7 @@ TEST_F(MainFrame, ClosingByTheFrameSavesAsWell) {
     EXPECT_TRUE(Form().Unloaded());
 }
 
-TEST_F(MainFrame, ASettingsStoreThatFailsKeepsNobodyFromClosing) {
+TEST_F(MainFrame, TheWindowClosesEvenIfTheEntriesCannotBeSaved) {
     Start();
     remembered_.writes_fail = true;
     ui::Click(Button("cmdClose"));
@@ -113,7 +114,7 @@ TEST_F(MainFrame, ASettingsStoreThatFailsKeepsNobodyFromClosing) {
     EXPECT_TRUE(Boxes().empty());
 }
 
-TEST_F(MainFrame, WhatWasTypedComesBackInTheNextRun) {
+TEST_F(MainFrame, TypedTextsAreRestoredInTheNextRun) {
     Start();
     TypeInto(Edit("edtServerName", 0), "NodeA");
     TypeInto(Edit("edtServerName", 1), "NodeB");
@@ -125,7 +126,7 @@ TEST_F(MainFrame, WhatWasTypedComesBackInTheNextRun) {
     EXPECT_EQ(Edit("edtScriptFolder").Text(), "S:\\Scripts");
 }
 
-TEST_F(MainFrame, ADropDownListRefusesWhatWasRememberedAndTheFreeOneTakesIt) {
+TEST_F(MainFrame, ADropDownListRefusesItsRememberedTextAndAFreeComboBoxAcceptsIt) {
     for (const std::string& key : kRememberedKeys) {
         Remember(key, "Batch");
     }
@@ -144,12 +145,12 @@ TEST_F(MainFrame, TheRememberedReplicationPathOverwritesTheDerivedOne) {
     Remember("edtSQLDataPath1", "E:\\Data");
     Start();
     EXPECT_EQ(Edit("edtSQLUNCReplDataPath", 0).Text(), "kept");
-    EXPECT_EQ(Edit("edtSQLUNCReplDataPath", 1).Text(), "") << "an absent entry overwrites it too";
+    EXPECT_EQ(Edit("edtSQLUNCReplDataPath", 1).Text(), "") << "a missing entry overwrites it too";
     TypeInto(Edit("edtSQLDataPath", 0), "F:\\Data");
     EXPECT_EQ(Edit("edtSQLUNCReplDataPath", 0).Text(), "F$\\ReplData");
 }
 
-TEST_F(MainFrame, WhileItLoadsNothingIsWorkedOut) {
+TEST_F(MainFrame, AvailabilityIsWorkedOutOnceAtTheEndOfTheLoad) {
     RememberServer(0);
     RememberServer(1);
     SqlServerInstalled("TRUE");
@@ -157,11 +158,11 @@ TEST_F(MainFrame, WhileItLoadsNothingIsWorkedOut) {
     main_->Load();
     const auto& calls = registry_.Calls();
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "Query SqlServerInstalled"), 1)
-        << "ten restored boxes changed, and the one time is the end of the load";
+        << "although ten boxes were restored and changed";
     EXPECT_EQ(OpenTabs(), "0123456");
 }
 
-TEST_F(MainFrame, AnOperatorWhoIsQuickerThanTheLoadChangesNothing) {
+TEST_F(MainFrame, AChoiceOfATabDuringTheLoadHasNoEffect) {
     RememberLogin(0);
     main_.emplace();
     class Quick final : public ui::Mirror {
@@ -181,10 +182,10 @@ TEST_F(MainFrame, AnOperatorWhoIsQuickerThanTheLoadChangesNothing) {
     Form().Attach(&quick);
     main_->Load();
     Form().Attach(nullptr);
-    EXPECT_TRUE(quick.general_enabled) << "no page was switched";
+    EXPECT_TRUE(quick.general_enabled) << "the page was switched";
     EXPECT_EQ(Option("optUpgradeCurrentServer", 0).Caption(), "Server A");
     EXPECT_TRUE(ado_.calls.empty());
-    EXPECT_EQ(Tabs().Tab(), kGeneralTab) << "where the load ends";
+    EXPECT_EQ(Tabs().Tab(), kGeneralTab) << "the load ends on this tab";
     EXPECT_TRUE(Form().Find("fraMainTab", kGeneralTab)->Enabled());
 }
 
@@ -196,10 +197,11 @@ TEST_F(MainFrame, WithoutTheInstallationKeyTheDomainNameIsDisabled) {
     registry_.Fail(fakes::RegistryCall::Open, 2);
     Start();
     EXPECT_FALSE(Edit("edtDomainName").Enabled());
-    EXPECT_TRUE(Button("cmdGetInstalledPackages").Enabled()) << "no instance leaves the packages as designed";
+    EXPECT_TRUE(Button("cmdGetInstalledPackages").Enabled())
+        << "without an instance the packages stay enabled";
 }
 
-TEST_F(MainFrame, TheDomainInTheRegistryGoesNowhere) {
+TEST_F(MainFrame, TheDomainInTheRegistryIsNotUsed) {
     Text(registry_locations::kInstallationKey, registry_locations::kSqlDomainValue, "REGDOM");
     const std::size_t open = registry_.OpenHandles();
     Start();
@@ -217,7 +219,7 @@ TEST_F(MainFrame, TheScriptFileBoxFollowsARememberedFile) {
     EXPECT_TRUE(Check("chkCreateInstallScriptFile").Enabled());
 }
 
-TEST_F(MainFrame, TheListOfTheDataHasWholeRowsAndLines) {
+TEST_F(MainFrame, TheDataListSelectsWholeRowsAndShowsGridLines) {
     Start();
     EXPECT_EQ(Form().Get<ui::ListView>("lvwViewData").ExtendedStyle(), ui::kFullRowSelect | ui::kGridLines);
 }
@@ -237,13 +239,13 @@ TEST_F(MainFrame, OnlyThePageOfTheActiveTabIsEnabled) {
     EXPECT_EQ(enabled(), "5");
 }
 
-TEST_F(MainFrame, EmptyFieldsLeaveTheGeneralTabAlone) {
+TEST_F(MainFrame, WithEmptyFieldsOnlyTheGeneralTabCanBeUsed) {
     Start();
     EXPECT_EQ(OpenTabs(), "0");
     EXPECT_FALSE(ui::Choose(Tabs(), kScriptTab));
 }
 
-TEST_F(MainFrame, EachCharacterDecidesAnew) {
+TEST_F(MainFrame, AvailabilityFollowsEachTypedCharacter) {
     RememberLogin(0);
     Start();
     EXPECT_EQ(OpenTabs(), "0356");
@@ -259,7 +261,7 @@ TEST_F(MainFrame, EachCharacterDecidesAnew) {
     EXPECT_EQ(OpenTabs(), "012356");
 }
 
-TEST_F(MainFrame, TheReplicationTabWantsTheRegistrysWord) {
+TEST_F(MainFrame, TheReplicationTabNeedsTheWordTrueInTheRegistry) {
     RememberServer(0);
     RememberServer(1);
     Start();
@@ -274,7 +276,7 @@ TEST_F(MainFrame, TheReplicationTabWantsTheRegistrysWord) {
     EXPECT_FALSE(Tabs().TabEnabled(kReplicationTab));
 }
 
-TEST_F(MainFrame, ATabThatBecomesDisabledKeepsItsOperator) {
+TEST_F(MainFrame, ATabThatIsDisabledStaysOpen) {
     RememberLogin(0);
     Start();
     Open(kUpgradeTab);
@@ -283,13 +285,13 @@ TEST_F(MainFrame, ATabThatBecomesDisabledKeepsItsOperator) {
     EXPECT_EQ(Tabs().Tab(), kUpgradeTab);
 }
 
-TEST_F(MainFrame, AServerThatCannotBeUsedShowsOnTheTabOnceItIsOpened) {
+TEST_F(MainFrame, AServerThatCannotBeUsedIsDisabledWhenTheTabIsOpened) {
     RememberLogin(0);
     Start();
     ui::OptionButton& b = Option("optUpgradeCurrentServer", 1);
     EXPECT_EQ(b.Caption(), "Server B");
     EXPECT_EQ(b.Tag(), "False");
-    EXPECT_TRUE(b.Enabled()) << "the pair catches up when its tab is opened";
+    EXPECT_TRUE(b.Enabled()) << "the options change only when their tab is opened";
     Open(kUpgradeTab);
     EXPECT_EQ(Option("optUpgradeCurrentServer", 0).Caption(), "NodeA");
     EXPECT_TRUE(Option("optUpgradeCurrentServer", 0).Enabled());
@@ -306,7 +308,7 @@ TEST_F(MainFrame, TheSelectionMovesToTheServerThatCanBeUsed) {
     EXPECT_EQ(Option("optUpgradeCurrentServer", 1).Caption(), "NodeB");
 }
 
-TEST_F(MainFrame, ASelectedServerBThatHasGoneGivesTheSelectionBack) {
+TEST_F(MainFrame, IfTheSelectedServerBCannotBeUsedServerAIsSelected) {
     RememberLogin(0);
     RememberLogin(1);
     Start();
@@ -317,7 +319,7 @@ TEST_F(MainFrame, ASelectedServerBThatHasGoneGivesTheSelectionBack) {
     EXPECT_FALSE(Option("optUpgradeCurrentServer", 1).Value());
 }
 
-TEST_F(MainFrame, TheSelectionStaysWhereBothServersCanBeUsed) {
+TEST_F(MainFrame, TheSelectionStaysIfBothServersCanBeUsed) {
     RememberLogin(0);
     RememberLogin(1);
     Start();
@@ -326,7 +328,7 @@ TEST_F(MainFrame, TheSelectionStaysWhereBothServersCanBeUsed) {
     EXPECT_TRUE(Option("optUpgradeCurrentServer", 1).Value());
 }
 
-TEST_F(MainFrame, WithNoServerLeftNeitherIsSelected) {
+TEST_F(MainFrame, IfNoServerCanBeUsedNeitherIsSelected) {
     RememberLogin(0);
     RememberLogin(1);
     Start();
@@ -342,7 +344,7 @@ TEST_F(MainFrame, WithNoServerLeftNeitherIsSelected) {
     EXPECT_EQ(Option("optUpgradeCurrentServer", 0).Caption(), "N/A");
 }
 
-TEST_F(MainFrame, WithNoServerLeftASelectedServerBIsClearedToo) {
+TEST_F(MainFrame, IfNoServerCanBeUsedASelectedServerBIsClearedToo) {
     RememberLogin(0);
     RememberLogin(1);
     Start();
@@ -357,7 +359,7 @@ TEST_F(MainFrame, WithNoServerLeftASelectedServerBIsClearedToo) {
     EXPECT_FALSE(Option("optUpgradeCurrentServer", 1).Value());
 }
 
-TEST_F(MainFrame, AClickOnTheActiveTabReadsItsListsAnew) {
+TEST_F(MainFrame, AClickOnTheActiveTabReadsItsListsAgain) {
     RememberLogin(0);
     Start();
     Databases({"master"});
@@ -367,7 +369,7 @@ TEST_F(MainFrame, AClickOnTheActiveTabReadsItsListsAnew) {
     EXPECT_EQ(ItemsOf(Combo("cboRemoveDatabase")), (Lines{"master", "New"}));
 }
 
-TEST_F(MainFrame, TheTickOfTheReplicationScriptsGoesWithServerBOnly) {
+TEST_F(MainFrame, TheTickOfTheReplicationScriptsIsClearedWithServerBOnly) {
     RememberServer(0);
     RememberServer(1);
     Start();
@@ -383,7 +385,7 @@ TEST_F(MainFrame, TheTickOfTheReplicationScriptsGoesWithServerBOnly) {
     EXPECT_EQ(box.Value(), 0);
 }
 
-TEST_F(MainFrame, TheVersionOfTheServerDecidesOverThePackages) {
+TEST_F(MainFrame, TheServersVersionDecidesIfPackagesCanBeInstalled) {
     const char* const controls[] = {"chkStandardSynchronize",       "chkBatchOverviewExport",
                                     "chkBatchSummaryExport",        "chkUpgradeDatabaseV1ToV2",
                                     "chkBatchOverviewRecalcExport", "chkBatchSummaryRecalcExport",
@@ -410,12 +412,12 @@ TEST_F(MainFrame, AVersionWithoutAPointOrANumberFailsTheLoad) {
         main_.emplace();
         try {
             main_->Load();
-            FAIL() << "the load must fail";
+            FAIL() << "the load did not fail";
         } catch (...) {
             EXPECT_EQ(TranslateInFlight().Number(), number);
         }
-        EXPECT_EQ(OpenTabs(), "0") << "what can be used was worked out before";
-        EXPECT_TRUE(Form().Find("fraMainTab", kScriptTab)->Enabled()) << "and the pages come behind";
+        EXPECT_EQ(OpenTabs(), "0") << "availability is worked out before the version is read";
+        EXPECT_TRUE(Form().Find("fraMainTab", kScriptTab)->Enabled()) << "the pages are disabled after it";
         EXPECT_EQ(screen_.pointer, 0);
     }
 }
@@ -483,7 +485,7 @@ TEST_F(MainFrame, TheDestinationListShowsTheOtherServer) {
     EXPECT_EQ(Combo("cboSynchronizeDestDatabase").Text(), "ofB");
 }
 
-TEST_F(MainFrame, AChoiceSurvivesARefillAndElseTheFirstIsTaken) {
+TEST_F(MainFrame, ARefillKeepsTheChoiceOrElseChoosesTheFirst) {
     RememberLogin(0);
     Start();
     Databases({"master", "Batch"});
@@ -492,14 +494,15 @@ TEST_F(MainFrame, AChoiceSurvivesARefillAndElseTheFirstIsTaken) {
     ui::Choose(Combo("cboRemoveDatabase"), 1);
     Databases({"batch", "tempdb", "Batch", "After"});
     main_->UpdateDatabaseLists(kUpgradeTab, true);
-    EXPECT_EQ(Combo("cboRemoveDatabase").Text(), "Batch") << "at another place";
+    EXPECT_EQ(Combo("cboRemoveDatabase").Text(), "Batch") << "in another position";
     EXPECT_EQ(Combo("cboRemoveDatabase").ListIndex(), 2);
     Databases({"BATCH", "tempdb"});
     main_->UpdateDatabaseLists(kUpgradeTab, true);
-    EXPECT_EQ(Combo("cboRemoveDatabase").Text(), "BATCH") << "the comparison is exact: the first is taken";
+    EXPECT_EQ(Combo("cboRemoveDatabase").Text(), "BATCH")
+        << "the letter case differs, so the first is chosen";
 }
 
-TEST_F(MainFrame, ATypedDestinationSurvivesARefill) {
+TEST_F(MainFrame, ARefillKeepsATypedDestination) {
     Remember("cboUpgradeDatabaseDest", "NotThereYet");
     RememberLogin(0);
     Start();
@@ -510,7 +513,7 @@ TEST_F(MainFrame, ATypedDestinationSurvivesARefill) {
     EXPECT_EQ(Combo("cboUpgradeDatabaseSource").Text(), "master");
 }
 
-TEST_F(MainFrame, AFailedListEmptiesTheListsAndOneBoxTellsWhy) {
+TEST_F(MainFrame, IfTheDatabasesCannotBeReadTheListsAreEmptyAndABoxSaysWhy) {
     RememberLogin(0);
     Start();
     Databases({"master"});
@@ -524,16 +527,16 @@ TEST_F(MainFrame, AFailedListEmptiesTheListsAndOneBoxTellsWhy) {
     EXPECT_EQ(LogLines(), Lines{"CUpgradeDbMgr::GetDatabases"});
 }
 
-TEST_F(MainFrame, ATabThatIsNoneFillsNothing) {
+TEST_F(MainFrame, ATabWithoutDatabaseListsFillsNothing) {
     RememberLogin(0);
     Start();
     Databases({"master"});
     main_->UpdateDatabaseLists(kScriptTab, true);
-    EXPECT_EQ(Connections(), Lines{"NodeA master"}) << "the names are read all the same";
+    EXPECT_EQ(Connections(), Lines{"NodeA master"}) << "the names are read nevertheless";
     EXPECT_EQ(Combo("cboRemoveDatabase").ListCount(), 0);
 }
 
-TEST_F(MainFrame, TheStatusLineStepsAndNeverRunsOver) {
+TEST_F(MainFrame, TheStatusLineStepsUpToItsEnd) {
     Start();
     Bar().Min(1);
     Bar().Value(7);
@@ -559,7 +562,7 @@ TEST_F(MainFrame, TheStatusLineStepsAndNeverRunsOver) {
     EXPECT_EQ(Bar().Max(), 0.0F);
 }
 
-TEST_F(MainFrame, TheSettingsAreThoseOnTheScreenAtTheMoment) {
+TEST_F(MainFrame, TheSettingsAreTheCurrentTextsOfTheGeneralTab) {
     RememberServer(0);
     RememberServer(1);
     Start();

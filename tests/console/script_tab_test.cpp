@@ -1,5 +1,7 @@
+// The Script tab: creating and running scripts, installing packages and listing the installed ones.
 #include "console/console_fixture.h"
 #include "fakes/fake_locale.h"
+#include "scripts/executed_scripts.h"
 
 namespace kv {
 namespace {
@@ -32,9 +34,9 @@ class ScriptTabTest : public ConsoleTest {
             files_.AddFile("S:\\Scripts\\" + PackageFileName(package), "");
         }
     }
-    void AddOwnScript() {
-        files_.AddFile("S:\\Own\\mine.sql", "PRINT 1");
-        Remember("edtCreateInstallScriptFile", "S:\\Own\\mine.sql");
+    void AddUserScript() {
+        files_.AddFile("S:\\User\\mine.sql", "PRINT 1");
+        Remember("edtCreateInstallScriptFile", "S:\\User\\mine.sql");
     }
 
     void StartOnTab() {
@@ -51,7 +53,7 @@ class ScriptTabTest : public ConsoleTest {
     }
     void AlsoInstall() { ASSERT_TRUE(ui::Click(Option("optCreateInstallScriptFiles", 1))); }
 
-    /// Presses the button and keeps the texts of the status line as they came.
+    /// Presses the button and records the texts of the status line.
     void Run() {
         steps_.clear();
         bar_full_ = false;
@@ -61,15 +63,7 @@ class ScriptTabTest : public ConsoleTest {
     }
     const Lines& Steps() const { return steps_; }
 
-    Lines Executed() const {
-        Lines names;
-        for (const auto& info : processes_.started) {
-            const auto end = info.parameters.find(".sql\"");
-            const auto begin = info.parameters.rfind('\\', end) + 1;
-            names.push_back(info.parameters.substr(begin, end - begin));
-        }
-        return names;
-    }
+    Lines Executed() const { return ExecutedScripts(processes_); }
     Lines SavedMembers() const {
         Lines calls;
         for (const auto& call : packages_.calls) {
@@ -87,13 +81,13 @@ class ScriptTabTest : public ConsoleTest {
       public:
         explicit Watch(ScriptTabTest& test) : test_(test) {}
         void Changed(const ui::Control& control, ui::Property property) override {
-            test_.Seen(control, property);
+            test_.Record(control, property);
         }
 
       private:
         ScriptTabTest& test_;
     };
-    void Seen(const ui::Control& control, ui::Property property) {
+    void Record(const ui::Control& control, ui::Property property) {
         if (&control == &Label("lblStatus") && property == ui::Property::Refresh) {
             steps_.push_back(Label("lblStatus").Caption());
             button_disabled_ = button_disabled_ || !Button("cmdCreateInstall").Enabled();
@@ -109,7 +103,7 @@ class ScriptTabTest : public ConsoleTest {
     bool button_disabled_ = false;
 };
 
-TEST_F(ScriptTabTest, NothingTickedIsRefusedAndTheStatusLineStays) {
+TEST_F(ScriptTabTest, WithNothingTickedItIsRefusedAndKeepsTheStatusLine) {
     StartOnTab();
     Run();
     EXPECT_EQ(Boxes(), Lines{"[exclamation] KVLSQLDbMgr: No scripts or DTS packages selected!"});
@@ -136,7 +130,7 @@ TEST_F(ScriptTabTest, APackageThatIsNotTickedDoesNotCountAsFound) {
                              "folder!"});
 }
 
-TEST_F(ScriptTabTest, AFolderWithoutAFileIsRefused) {
+TEST_F(ScriptTabTest, AnEmptyFolderIsRefused) {
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
     Run();
@@ -155,11 +149,11 @@ TEST_F(ScriptTabTest, AnEmptyFolderTextMeansTheRootOfTheDrive) {
     EXPECT_EQ(Boxes().at(0), "[exclamation] KVLSQLDbMgr: You must specify a script folder!");
     files_.AddFile("\\Create_Batch_Database.sql", "PRINT 1");
     Run();
-    EXPECT_EQ(Boxes().size(), 1U) << "a file in the root passes";
+    EXPECT_EQ(Boxes().size(), 1U) << "a file in the root is accepted";
     EXPECT_EQ(Steps().at(1), "Create modified batch database script...");
 }
 
-TEST_F(ScriptTabTest, NothingFoundIsRefusedBehindTheWaits) {
+TEST_F(ScriptTabTest, IfNothingIsFoundItIsRefusedAfterTheWaits) {
     files_.AddFile("S:\\Scripts\\other.txt", "");
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
@@ -168,13 +162,13 @@ TEST_F(ScriptTabTest, NothingFoundIsRefusedBehindTheWaits) {
     Run();
     EXPECT_EQ(Boxes(), Lines{"[exclamation] KVLSQLDbMgr: No scripts or DTS packages were found in the script "
                              "folder!"});
-    EXPECT_EQ(screen_.Behind("wait "), (Lines{"2000", "2000"})) << "also where there was no template";
+    EXPECT_EQ(screen_.Behind("wait "), (Lines{"2000", "2000"})) << "it waits for a missing template too";
     EXPECT_EQ(Label("lblStatus").Caption(), "");
     EXPECT_TRUE(packages_.calls.empty());
     ExpectButtonBack();
 }
 
-TEST_F(ScriptTabTest, WithoutAToolInstallingIsRefusedAndCreatingIsNot) {
+TEST_F(ScriptTabTest, WithoutAToolScriptsCanBeCreatedButNotInstalled) {
     AddTemplates();
     files_.files.erase(fakes::FakeFiles::Plain(kTool));
     StartOnTab();
@@ -191,7 +185,7 @@ TEST_F(ScriptTabTest, WithoutAToolInstallingIsRefusedAndCreatingIsNot) {
 TEST_F(ScriptTabTest, AllBoxesRunAllSteps) {
     AddTemplates();
     AddPackages();
-    AddOwnScript();
+    AddUserScript();
     StartOnTab();
     TickAll(kScriptBoxes);
     TickAll(kPackageBoxes);
@@ -244,7 +238,7 @@ TEST_F(ScriptTabTest, TheBarNeverQuiteFills) {
     EXPECT_FALSE(bar_full_);
 }
 
-TEST_F(ScriptTabTest, CreatingAloneInstallsNothingAndSaysItIsCompleted) {
+TEST_F(ScriptTabTest, CreatingInstallsNothingAndSaysItIsCompleted) {
     AddTemplates();
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
@@ -257,7 +251,7 @@ TEST_F(ScriptTabTest, CreatingAloneInstallsNothingAndSaysItIsCompleted) {
               "USE NODEA");
 }
 
-TEST_F(ScriptTabTest, TheOptionGovernsTheScriptsAlone) {
+TEST_F(ScriptTabTest, PackagesAreInstalledWhateverTheOption) {
     AddPackages();
     StartOnTab();
     Tick("chkBatchSummaryExport");
@@ -267,7 +261,7 @@ TEST_F(ScriptTabTest, TheOptionGovernsTheScriptsAlone) {
                               "Installation completed...", ""}));
 }
 
-TEST_F(ScriptTabTest, OneTemplateIsEnoughAndTheMissingOnesAreTried) {
+TEST_F(ScriptTabTest, OneTemplateIsEnoughAndMissingScriptsAreRunToo) {
     files_.AddFile("S:\\Scripts\\Insert_Default_Data.sql", "PRINT 1");
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
@@ -278,7 +272,7 @@ TEST_F(ScriptTabTest, OneTemplateIsEnoughAndTheMissingOnesAreTried) {
     EXPECT_EQ(Executed(), (Lines{"Create_Batch_Database", "Insert_Default_Data"}));
 }
 
-TEST_F(ScriptTabTest, APackageWithoutAFileIsTriedAndLogged) {
+TEST_F(ScriptTabTest, AMissingPackageFileIsLogged) {
     AddTemplates();
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
@@ -286,13 +280,13 @@ TEST_F(ScriptTabTest, APackageWithoutAFileIsTriedAndLogged) {
     packages_.failures.emplace("LoadFromStorageFile", platform::PackageError(1, "DTS", "no such file"));
     Run();
     EXPECT_EQ(SavedMembers(), (Lines{"RemoveFromSQLServer", "LoadFromStorageFile"}))
-        << "the old copy is gone";
+        << "the old package was removed first";
     EXPECT_EQ(LogLines(), Lines{"CSQLScriptMgr::InstallDTSPackage(0)"});
     EXPECT_EQ(Steps().at(Steps().size() - 2), "Installation completed...");
     EXPECT_TRUE(Boxes().empty());
 }
 
-TEST_F(ScriptTabTest, AToolThatDoesNotStartStopsNothing) {
+TEST_F(ScriptTabTest, AToolThatDoesNotStartDoesNotEndTheRun) {
     AddTemplates();
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
@@ -303,7 +297,7 @@ TEST_F(ScriptTabTest, AToolThatDoesNotStartStopsNothing) {
     EXPECT_TRUE(Boxes().empty());
 }
 
-TEST_F(ScriptTabTest, AFailureThatIsRaisedEndsTheRunAndGivesTheButtonBack) {
+TEST_F(ScriptTabTest, ARaisedFailureEndsTheRunAndEnablesTheButton) {
     AddTemplates();
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
@@ -317,7 +311,7 @@ TEST_F(ScriptTabTest, AFailureThatIsRaisedEndsTheRunAndGivesTheButtonBack) {
     ExpectButtonBack();
 }
 
-TEST_F(ScriptTabTest, AManagerThatCannotBeMadeEndsTheRunTheSameWay) {
+TEST_F(ScriptTabTest, AManagerThatCannotBeCreatedEndsTheRunAndEnablesTheButton) {
     AddTemplates();
     StartOnTab();
     Version("14");
@@ -327,7 +321,7 @@ TEST_F(ScriptTabTest, AManagerThatCannotBeMadeEndsTheRunTheSameWay) {
     ExpectButtonBack();
 }
 
-TEST_F(ScriptTabTest, AServerWithoutAKnownVersionIsToldWhenTheManagerIsMade) {
+TEST_F(ScriptTabTest, AnUnknownServerVersionIsReportedInABoxAndTheRunContinues) {
     AddTemplates();
     Version("11.0");
     StartOnTab();
@@ -361,32 +355,33 @@ TEST_F(ScriptTabTest, ASecondClickDuringARunDoesNothing) {
     EXPECT_EQ(screen_.Behind("wait ").size(), 2U);
 }
 
-TEST_F(ScriptTabTest, TheOwnScriptCanBeTickedWhileItsFileIsThere) {
-    files_.AddFile("S:\\Own\\mine.sql", "PRINT 1");
+TEST_F(ScriptTabTest, TheUsersScriptCanBeTickedIfItsFileExists) {
+    files_.AddFile("S:\\User\\mine.sql", "PRINT 1");
     StartOnTab();
     EXPECT_FALSE(Check("chkCreateInstallScriptFile").Enabled());
-    ui::Type(Edit("edtCreateInstallScriptFile"), "S:\\Own\\mine.sq");
+    ui::Type(Edit("edtCreateInstallScriptFile"), "S:\\User\\mine.sq");
     EXPECT_FALSE(Check("chkCreateInstallScriptFile").Enabled());
     ui::Type(Edit("edtCreateInstallScriptFile"), "l");
     EXPECT_TRUE(Check("chkCreateInstallScriptFile").Enabled());
     Tick("chkCreateInstallScriptFile");
-    files_.AddFile("S:\\Own\\other.sql", "PRINT 2");
-    ui::Edit(Edit("edtCreateInstallScriptFile"), "S:\\Own\\other.sql");
-    EXPECT_EQ(Check("chkCreateInstallScriptFile").Value(), 1) << "another file leaves the tick";
+    files_.AddFile("S:\\User\\other.sql", "PRINT 2");
+    ui::Edit(Edit("edtCreateInstallScriptFile"), "S:\\User\\other.sql");
+    EXPECT_EQ(Check("chkCreateInstallScriptFile").Value(), 1) << "another file keeps the tick";
     ui::Type(Edit("edtCreateInstallScriptFile"), "x");
     EXPECT_FALSE(Check("chkCreateInstallScriptFile").Enabled());
-    EXPECT_EQ(Check("chkCreateInstallScriptFile").Value(), 0) << "a stale tick must not run";
+    EXPECT_EQ(Check("chkCreateInstallScriptFile").Value(), 0)
+        << "a script that does not exist must not be run";
 }
 
-TEST_F(ScriptTabTest, BrowsingForAScriptStartsAtTheTextAndACancelEmptiesIt) {
-    AddOwnScript();
+TEST_F(ScriptTabTest, BrowsingForAScriptStartsAtTheTextAndCancellingEmptiesIt) {
+    AddUserScript();
     StartOnTab();
     ui::Click(Button("cmdBrowseForScriptFile"));
     EXPECT_EQ(screen_.calls,
-              Lines{"file [S:\\Own\\mine.sql] Browse for script file Script Files (*.sql)|*.sql"});
+              Lines{"file [S:\\User\\mine.sql] Browse for script file Script Files (*.sql)|*.sql"});
     EXPECT_EQ(Edit("edtCreateInstallScriptFile").Text(), "");
     EXPECT_FALSE(Check("chkCreateInstallScriptFile").Enabled());
-    toolkit_.picked = "S:\\Own\\mine.sql";
+    toolkit_.picked = "S:\\User\\mine.sql";
     ui::Click(Button("cmdBrowseForScriptFile"));
     EXPECT_TRUE(Check("chkCreateInstallScriptFile").Enabled());
 }
@@ -403,14 +398,14 @@ class PackageList : public ScriptTabTest {
     }
 };
 
-TEST_F(PackageList, OnePackageHasNoLineOfHyphens) {
+TEST_F(PackageList, OnePackageIsListedWithoutALineOfHyphens) {
     Installed("StdSynchronize");
     EXPECT_EQ(Listed(),
               "[none] KVLSQLDbMgr: StdSynchronize\r\nwhat it does\r\nCreated: 5/12/2006 2:03:22 PM\r\n");
     EXPECT_EQ(screen_.Count("pointer"), 0) << "no hourglass";
 }
 
-TEST_F(PackageList, SeveralHaveOneBetweenEachTwo) {
+TEST_F(PackageList, SeveralPackagesAreSeparatedByLinesOfHyphens) {
     Installed("A");
     Installed("A"); // two stored versions are two entries
     Installed("B");
@@ -419,25 +414,25 @@ TEST_F(PackageList, SeveralHaveOneBetweenEachTwo) {
     EXPECT_EQ(Listed(), "[none] KVLSQLDbMgr: A" + entry + line + "A" + entry + line + "B" + entry);
 }
 
-TEST_F(PackageList, TheTimeIsInTheFormsOfTheUsersLocale) {
+TEST_F(PackageList, TheTimeIsInTheFormatOfTheUsersLocale) {
     const fakes::FakeLocale german(fakes::German());
     Installed("A");
     EXPECT_EQ(Listed(), "[none] KVLSQLDbMgr: A\r\nwhat it does\r\nCreated: 12.05.2006 14:03:22\r\n");
 }
 
-TEST_F(PackageList, NoPackagesShowNothingAtAll) {
+TEST_F(PackageList, WithoutPackagesNoBoxIsShown) {
     EXPECT_EQ(Listed(), "");
     EXPECT_EQ(packages_.applications_created, 1);
 }
 
-TEST_F(PackageList, AServerThatCannotBeReadIsTold) {
+TEST_F(PackageList, IfThePackagesCannotBeReadABoxSaysSo) {
     packages_.failures.emplace("EnumPackageInfos", platform::PackageError(1, "DTS", "refused"));
     EXPECT_EQ(Listed(), "[none] KVLSQLDbMgr: Information about installed packages could not be read from the "
                         "SQL Server installation!");
     EXPECT_EQ(LogLines(), Lines{"CSQLScriptMgr::GetInstalledDTSPackages()"});
 }
 
-TEST_F(PackageList, AManagerThatCannotBeMadeFindsNoHandler) {
+TEST_F(PackageList, AFailureToCreateTheManagerIsNotCaught) {
     StartOnTab();
     Version("14");
     EXPECT_THROW(ui::Click(Button("cmdGetInstalledPackages")), Failure);

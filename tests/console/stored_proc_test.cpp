@@ -56,7 +56,7 @@ class StoredProc : public ConsoleTest {
     }
 };
 
-TEST_F(StoredProc, ADatabaseBringsItsProceduresAndTheFirstOnesText) {
+TEST_F(StoredProc, ChoosingADatabaseListsItsProceduresAndShowsTheFirst) {
     StartOnTab();
     HasProcedures({"spOne;1", "spTwo;1"});
     HasText("spOne", "CREATE PROCEDURE spOne\r\n");
@@ -71,7 +71,7 @@ TEST_F(StoredProc, ADatabaseBringsItsProceduresAndTheFirstOnesText) {
     EXPECT_EQ(screen_.pointer, 0);
 }
 
-TEST_F(StoredProc, ADatabaseWithoutProceduresOpensAnEmptyListAndKeepsTheText) {
+TEST_F(StoredProc, ADatabaseWithoutProceduresHasAnEmptyListAndKeepsTheText) {
     StartOnTab();
     HasProcedures({"spOne"});
     HasText("spOne", "text");
@@ -83,7 +83,7 @@ TEST_F(StoredProc, ADatabaseWithoutProceduresOpensAnEmptyListAndKeepsTheText) {
     EXPECT_EQ(Edit("edtStoredProcedure").Text(), "text");
 }
 
-TEST_F(StoredProc, ProceduresThatCannotBeReadCloseTheList) {
+TEST_F(StoredProc, IfTheProceduresCannotBeReadTheListIsDisabled) {
     StartOnTab();
     ado_.Answer("OpenSchema 16", fakes::Failing(-2147467259, "gone"));
     ui::Choose(Combo("cboStoredProcDatabase"), 1);
@@ -91,7 +91,7 @@ TEST_F(StoredProc, ProceduresThatCannotBeReadCloseTheList) {
     EXPECT_EQ(Boxes().size(), 1U);
 }
 
-TEST_F(StoredProc, ATextThatCannotBeReadEmptiesTheBox) {
+TEST_F(StoredProc, IfTheTextCannotBeReadTheBoxIsEmptied) {
     StartOnTab();
     HasProcedures({"spOne"});
     HasText("spOne", "text");
@@ -102,13 +102,14 @@ TEST_F(StoredProc, ATextThatCannotBeReadEmptiesTheBox) {
     EXPECT_EQ(Boxes().size(), 1U);
 }
 
-TEST_F(StoredProc, TheSelectedServerIsAskedForAll) {
+TEST_F(StoredProc, TheSelectedServerIsAskedEachTime) {
     RememberLogin(1);
     StartOnTab();
     Databases({"ofB"});
     ui::Click(Option("optStoredProcCurrentServer", 1));
     EXPECT_EQ(Combo("cboStoredProcDatabase").Text(), "ofB");
-    EXPECT_EQ(Combo("cboStoredProcedure").ListCount(), 0) << "the procedures wait for a database";
+    EXPECT_EQ(Combo("cboStoredProcedure").ListCount(), 0)
+        << "the procedures are read when a database is chosen";
     HasProcedures({"spOne"});
     HasText("spOne", "text");
     ui::Choose(Combo("cboStoredProcDatabase"), 0);
@@ -116,7 +117,7 @@ TEST_F(StoredProc, TheSelectedServerIsAskedForAll) {
     EXPECT_EQ(Connections(), (Lines{"NodeB master", "NodeB ofB", "NodeB ofB", "NodeB ofB"}));
 }
 
-TEST_F(StoredProc, ExecuteOpensTheDialogAboveTheWindowWithoutTheHourglass) {
+TEST_F(StoredProc, ExecuteOpensTheDialogWithoutTheHourglass) {
     StartOnTab();
     HasProcedures({"spOne"});
     HasText("spOne", "text");
@@ -153,7 +154,7 @@ TEST_F(StoredProc, WithoutAProcedureTheDialogOpensForTheEmptyName) {
     EXPECT_EQ(Boxes().size(), 1U);
 }
 
-TEST_F(StoredProc, MoreProceduresThanTheCounterHoldsLeaveTheListEmptyAndClosed) {
+TEST_F(StoredProc, With32768ProceduresTheListIsEmptyAndDisabled) {
     StartOnTab();
     HasProcedures(Lines(32'768, "spOne;1"));
     ui::Choose(Combo("cboStoredProcDatabase"), 1);
@@ -162,12 +163,11 @@ TEST_F(StoredProc, MoreProceduresThanTheCounterHoldsLeaveTheListEmptyAndClosed) 
     EXPECT_EQ(LogLines(), Lines{"frmMain::loadStoredProcedures"});
 }
 
-TEST_F(StoredProc, AsManyProceduresAsTheCounterHoldsStandInAClosedList) {
+TEST_F(StoredProc, With32767ProceduresTheListIsFullAndDisabled) {
     StartOnTab();
     HasProcedures(Lines(32'767, "spOne;1"));
     ui::Choose(Combo("cboStoredProcDatabase"), 1);
-    EXPECT_EQ(Combo("cboStoredProcedure").ListCount(), 32'767)
-        << "the counter fails on its way past the last one";
+    EXPECT_EQ(Combo("cboStoredProcedure").ListCount(), 32'767) << "the counter overflows after the last one";
     EXPECT_EQ(Combo("cboStoredProcedure").ListIndex(), -1);
     EXPECT_FALSE(Combo("cboStoredProcedure").Enabled());
     EXPECT_EQ(LogLines(), Lines{"frmMain::loadStoredProcedures"});
@@ -184,14 +184,15 @@ class ProcedureDialog : public ConsoleTest {
         screen_.calls.clear();
         ado_.calls.clear();
     }
-    /// The answers to one execution: the list before and behind the call, and the call itself.
+    /// Sets the answers to one execution: the parameters before the call, the call, and the parameters after
+    /// it.
     void Answers(const std::vector<ado::Parameter>& parameters, AdoAnswer answer) {
         ado_.Answer("Refresh", List(parameters));
         ado_.Answer("call spOne", std::move(answer));
         ado_.Answer("Refresh", List(parameters));
     }
     void Execute() { ASSERT_TRUE(ui::Click(dialog_.Form().Get<ui::CommandButton>("cmdExecute"))); }
-    /// What the procedure was called with.
+    /// The recorded call of the procedure with its values.
     std::string Call() const {
         const auto found = std::find_if(ado_.calls.begin(), ado_.calls.end(), [](const std::string& call) {
             return call.rfind("call spOne", 0) == 0;
@@ -224,15 +225,15 @@ TEST_F(ProcedureDialog, TheFirstParameterIsShownWhenItOpens) {
     EXPECT_EQ(Box("edtValue").Tag(), "2");
 }
 
-TEST_F(ProcedureDialog, BeforeItsParametersAreReadItHoldsTheEmptyElementAlone) {
+TEST_F(ProcedureDialog, BeforeItsParametersAreReadItHasNone) {
     Box("edtValue").Tag("1");
     Parameters().AddItem("none");
     ui::Choose(Parameters(), 0);
     EXPECT_EQ(LogLines(), Lines{"frmStoredProcedures::lstParameters_Click - Load parameter"})
-        << "element 0 is no parameter, and there is no element 1 to save";
+        << "element 0 is not a parameter, and there is no element 1 to save";
 }
 
-TEST_F(ProcedureDialog, WithoutParametersTheProcedureRunsDirectly) {
+TEST_F(ProcedureDialog, AProcedureWithoutParametersCanBeRun) {
     OpenDialog({});
     EXPECT_EQ(Parameters().ListCount(), 0);
     EXPECT_TRUE(Parameters().Enabled());
@@ -244,7 +245,7 @@ TEST_F(ProcedureDialog, WithoutParametersTheProcedureRunsDirectly) {
     EXPECT_FALSE(dialog_.Form().PaintingLocked());
 }
 
-TEST_F(ProcedureDialog, OnlyTheLastParameterIsTakenOverByExecute) {
+TEST_F(ProcedureDialog, ExecuteSavesTheLastParameterOnly) {
     const std::vector<ado::Parameter> list = {Live("@a"), Live("@b")};
     OpenDialog(list);
     ui::Type(Box("edtValue"), "lost");
@@ -256,10 +257,10 @@ TEST_F(ProcedureDialog, OnlyTheLastParameterIsTakenOverByExecute) {
     ui::Type(Box("edtValue"), "kept");
     Answers(list, Result({"A"}, {}));
     Execute();
-    EXPECT_EQ(Call(), "call spOne -1 @a=lost @b=kept") << "moving on has taken the first one over";
+    EXPECT_EQ(Call(), "call spOne -1 @a=lost @b=kept") << "choosing the second one has saved the first";
 }
 
-TEST_F(ProcedureDialog, AnEmptiedBoxIsNothingWhereItIsLeftAndAnEmptyTextWhereItIsExecuted) {
+TEST_F(ProcedureDialog, AnEmptyBoxIsNoValueForAChoiceAndAnEmptyTextForExecute) {
     const std::vector<ado::Parameter> list = {Live("@a", ado::adParamInput, "x"),
                                               Live("@b", ado::adParamInput, "y")};
     OpenDialog(list);
@@ -271,21 +272,21 @@ TEST_F(ProcedureDialog, AnEmptiedBoxIsNothingWhereItIsLeftAndAnEmptyTextWhereItI
     EXPECT_EQ(Call(), "call spOne -1 @a=(Empty) @b=");
 }
 
-TEST_F(ProcedureDialog, ExecuteTakesTheLastOneOverWhateverItsDirection) {
+TEST_F(ProcedureDialog, ExecuteSavesTheLastParameterWhateverItsDirection) {
     const std::vector<ado::Parameter> list = {Live("@a", ado::adParamOutput, "before")};
     OpenDialog(list);
-    Box("edtValue").Text("written by hand of the test");
+    Box("edtValue").Text("written by the test");
     ui::Choose(Parameters(), 0);
-    EXPECT_EQ(Box("edtValue").Text(), "before") << "a click writes no output parameter";
-    Box("edtValue").Text("taken");
+    EXPECT_EQ(Box("edtValue").Text(), "before") << "a choice does not save an output parameter";
+    Box("edtValue").Text("saved");
     ado_.Answer("Refresh", List(list));
     ado_.Answer("call spOne", fakes::Failing());
     Execute();
     ui::Choose(Parameters(), 0);
-    EXPECT_EQ(Box("edtValue").Text(), "taken");
+    EXPECT_EQ(Box("edtValue").Text(), "saved");
 }
 
-TEST_F(ProcedureDialog, AParameterOfBothDirectionsIsFilledInAndWritten) {
+TEST_F(ProcedureDialog, AnInputOutputParameterCanBeEnteredAndIsSaved) {
     const std::vector<ado::Parameter> list = {Live("@both", ado::adParamInputOutput, "x"), Live("@b")};
     OpenDialog(list);
     EXPECT_FALSE(Box("edtValue").Locked());
@@ -297,17 +298,17 @@ TEST_F(ProcedureDialog, AParameterOfBothDirectionsIsFilledInAndWritten) {
     EXPECT_EQ(Call(), "call spOne -1 @both=typed @b=");
 }
 
-TEST_F(ProcedureDialog, AnUnknownDirectionIsShownAndNotWritten) {
+TEST_F(ProcedureDialog, AParameterOfUnknownDirectionIsShownAndNotSaved) {
     OpenDialog({Live("@odd", 9, "x"), Live("@b")});
     EXPECT_TRUE(Box("edtValue").Locked());
     EXPECT_EQ(Box("edtDirection").Text(), "Unknown");
-    Box("edtValue").Text("written by hand of the test");
+    Box("edtValue").Text("written by the test");
     ui::Choose(Parameters(), 1);
     ui::Choose(Parameters(), 0);
     EXPECT_EQ(Box("edtValue").Text(), "x");
 }
 
-TEST_F(ProcedureDialog, ATagBehindTheLastParameterIsNothingToAClickAndAFailureToExecute) {
+TEST_F(ProcedureDialog, ATagAfterTheLastParameterIsIgnoredByAChoiceAndFailsExecute) {
     OpenDialog({Live("@a", ado::adParamInput, "x")});
     Box("edtValue").Tag("2");
     ui::Choose(Parameters(), 0);
@@ -320,7 +321,7 @@ TEST_F(ProcedureDialog, ATagBehindTheLastParameterIsNothingToAClickAndAFailureTo
     EXPECT_FALSE(dialog_.Form().PaintingLocked());
 }
 
-TEST_F(ProcedureDialog, AnEntryWithoutAParameterFailsTheLoadHalf) {
+TEST_F(ProcedureDialog, ChoosingAnEntryWithoutAParameterFails) {
     OpenDialog({Live("@a", ado::adParamInput, "x")});
     for (const int index : {0, 2}) {
         Parameters().ItemData(0, index);
@@ -331,7 +332,7 @@ TEST_F(ProcedureDialog, AnEntryWithoutAParameterFailsTheLoadHalf) {
     EXPECT_EQ(Box("edtValue").Text(), "x");
 }
 
-TEST_F(ProcedureDialog, WhatCameBackIsSeenWhereTheParameterIsChosenAndAnInputIsOverwritten) {
+TEST_F(ProcedureDialog, AnOutputValueIsShownWhenItsParameterIsChosen) {
     const std::vector<ado::Parameter> list = {Live("@both", ado::adParamInputOutput),
                                               Live("@out", ado::adParamOutput)};
     OpenDialog(list);
@@ -343,10 +344,11 @@ TEST_F(ProcedureDialog, WhatCameBackIsSeenWhereTheParameterIsChosenAndAnInputIsO
     ui::Choose(Parameters(), 1);
     EXPECT_EQ(Box("edtValue").Text(), "out");
     ui::Choose(Parameters(), 0);
-    EXPECT_EQ(Box("edtValue").Text(), "typed") << "the click saved the box over what came back";
+    EXPECT_EQ(Box("edtValue").Text(), "typed")
+        << "choosing the other parameter has saved the box over the output value";
 }
 
-TEST_F(ProcedureDialog, ASecondRunHasTheValuesOfTheFirstUntilTheListIsReadAnew) {
+TEST_F(ProcedureDialog, ASecondRunUsesTheValuesOfTheFirstUntilReload) {
     const std::vector<ado::Parameter> list = {Live("@RETURN_VALUE", ado::adParamReturnValue), Live("@a"),
                                               Live("@b")};
     OpenDialog(list);
@@ -376,7 +378,7 @@ TEST_F(ProcedureDialog, ASecondRunHasTheValuesOfTheFirstUntilTheListIsReadAnew) 
     EXPECT_EQ(Call(), "call spOne -1 @RETURN_VALUE=(Empty) @a=(Empty) @b=(Empty)");
 }
 
-TEST_F(ProcedureDialog, ARefusedValueIsToldAndStaysInTheBox) {
+TEST_F(ProcedureDialog, ARefusedValueIsReportedAndStaysInTheBox) {
     const std::vector<ado::Parameter> list = {Live("@a")};
     OpenDialog(list);
     ui::Type(Box("edtValue"), "5.7");
@@ -401,16 +403,16 @@ TEST_F(ProcedureDialog, ValuesAreShownInTheUsersLocale) {
     EXPECT_EQ(Box("edtValue").Text(), "Wahr");
 }
 
-TEST_F(ProcedureDialog, ANullStopsTheLoadHalf) {
+TEST_F(ProcedureDialog, ChoosingAParameterWhoseValueIsNullFails) {
     OpenDialog({Live("@a", ado::adParamInput, "x"), Live("@b", ado::adParamOutput, Null{})});
     ui::Choose(Parameters(), 1);
     EXPECT_EQ(LogLines(), Lines{"frmStoredProcedures::lstParameters_Click - Load parameter"});
     EXPECT_EQ(Box("edtDirection").Text(), "Output");
     EXPECT_EQ(Box("edtValue").Text(), "x");
-    EXPECT_EQ(Box("edtValue").Tag(), "1") << "the box still belongs to the parameter before";
+    EXPECT_EQ(Box("edtValue").Tag(), "1") << "the box still shows the previous parameter";
 }
 
-TEST_F(ProcedureDialog, ReloadDropsWhatWasTypedAndTheRowsButNotTheColumns) {
+TEST_F(ProcedureDialog, ReloadClearsTypedTextAndRowsButNotColumns) {
     const std::vector<ado::Parameter> list = {Live("@a")};
     OpenDialog(list);
     Answers(list, Result({"A"}, {{1}}));
@@ -423,7 +425,7 @@ TEST_F(ProcedureDialog, ReloadDropsWhatWasTypedAndTheRowsButNotTheColumns) {
     EXPECT_EQ(View().ColumnCount(), 1);
 }
 
-TEST_F(ProcedureDialog, EqualAndEmptyNamesHaveKeysOfTheirOwn) {
+TEST_F(ProcedureDialog, ColumnsWithEqualOrEmptyNamesHaveDifferentKeys) {
     OpenDialog({});
     Answers({}, Result({"Same", "Same", ""}, {{1, 2, 3}}));
     Execute();
@@ -432,10 +434,10 @@ TEST_F(ProcedureDialog, EqualAndEmptyNamesHaveKeysOfTheirOwn) {
     EXPECT_EQ(View().ColumnAt(1).key, "2_Same");
     EXPECT_EQ(View().ColumnAt(2).key, "3_");
     EXPECT_EQ(View().Cell(0, 2), "3");
-    EXPECT_EQ(View().ExtendedStyle(), 0) << "neither whole rows nor lines";
+    EXPECT_EQ(View().ExtendedStyle(), 0) << "neither row selection nor grid lines";
 }
 
-TEST_F(ProcedureDialog, AProcedureWithoutAResultLeavesTheListClosed) {
+TEST_F(ProcedureDialog, AProcedureWithoutAResultLeavesTheListDisabled) {
     OpenDialog({});
     Answers({}, {.no_recordset = true});
     Execute();
@@ -444,7 +446,7 @@ TEST_F(ProcedureDialog, AProcedureWithoutAResultLeavesTheListClosed) {
     EXPECT_TRUE(dialog_.Form().Get<ui::CommandButton>("cmdExecute").Enabled());
 }
 
-TEST_F(ProcedureDialog, AFailureIsToldAndTheNextRunWorks) {
+TEST_F(ProcedureDialog, AFailureIsReportedAndTheNextRunWorks) {
     OpenDialog({});
     ado_.Answer("Open", fakes::Failing(-2147467259, "no server"));
     Execute();
@@ -455,7 +457,7 @@ TEST_F(ProcedureDialog, AFailureIsToldAndTheNextRunWorks) {
     EXPECT_EQ(View().RowCount(), 1);
 }
 
-TEST_F(ProcedureDialog, MoreRowsThanTheCounterHoldsLeaveTheHeadersAlone) {
+TEST_F(ProcedureDialog, With32768RowsTheListHasHeadersOnly) {
     OpenDialog({});
     Answers({}, Result({"A"}, std::vector<fakes::AdoRow>(32'768, {1})));
     Execute();

@@ -1,4 +1,5 @@
-// The View Data tab: the chain database, table, data, and its ways out.
+// The View Data tab: choosing a database lists its tables and shows the first one; and the failures of each
+// step.
 #include "console/console_fixture.h"
 
 namespace kv {
@@ -8,11 +9,6 @@ using ado::Null;
 using ado::Variant;
 using fakes::AdoAnswer;
 using fakes::AdoRow;
-
-std::string IdentityQuery(const std::string& table) {
-    return "SELECT COLUMN_NAME AS [Column] FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = '" + table +
-           "' AND COLUMNPROPERTY(OBJECT_ID('" + table + "'), COLUMN_NAME, 'IsIdentity')=1";
-}
 
 class ViewData : public ConsoleTest {
   protected:
@@ -30,7 +26,7 @@ class ViewData : public ConsoleTest {
         for (const std::string& table : tables) {
             rows.push_back({table});
         }
-        ado_.Answer(kTables, fakes::Rows(rows));
+        ado_.Answer(kTableQuery, fakes::Rows(rows));
     }
     void HasData(const std::string& table, const std::vector<std::string>& fields, std::vector<AdoRow> rows,
                  const std::string& identity = "") {
@@ -40,7 +36,7 @@ class ViewData : public ConsoleTest {
         answer.rows = std::move(rows);
         ado_.Answer("SELECT * FROM " + table, std::move(answer));
     }
-    /// A table of so many rows with two columns.
+    /// Answers with a table of two columns and `count` rows.
     void HasRows(const std::string& table, int count) {
         HasData(table, {"Id", "Name"}, std::vector<AdoRow>(static_cast<std::size_t>(count), {1, "n"}));
     }
@@ -60,7 +56,7 @@ class ViewData : public ConsoleTest {
     }
 };
 
-TEST_F(ViewData, OpeningTheTabFillsTheDatabasesAndGoesNoFurther) {
+TEST_F(ViewData, OpeningTheTabOnlyListsTheDatabases) {
     Start();
     Databases({"master", "Batch"});
     Open(kViewDataTab);
@@ -69,7 +65,7 @@ TEST_F(ViewData, OpeningTheTabFillsTheDatabasesAndGoesNoFurther) {
     EXPECT_EQ(Connections(), Lines{"NodeA master"});
 }
 
-TEST_F(ViewData, ADatabaseBringsItsTablesAndTheFirstOnesData) {
+TEST_F(ViewData, ChoosingADatabaseListsItsTablesAndShowsTheFirst) {
     StartOnTab();
     HasTables({"Lots", "Units"});
     HasData("Lots", {"Id", "Name", "At"}, {{1, "one", "x"}, {2, Null{}, "y"}}, "Id");
@@ -87,13 +83,13 @@ TEST_F(ViewData, ADatabaseBringsItsTablesAndTheFirstOnesData) {
     EXPECT_TRUE(View().Enabled());
     EXPECT_TRUE(Sized());
     EXPECT_FALSE(Form().PaintingLocked());
-    EXPECT_EQ(ado_.Statements(), (Lines{kTables, IdentityQuery("Lots"), "SELECT * FROM Lots"}));
+    EXPECT_EQ(ado_.Statements(), (Lines{kTableQuery, IdentityQuery("Lots"), "SELECT * FROM Lots"}));
     EXPECT_EQ(Connections(), (Lines{"NodeA Batch", "NodeA Batch"}));
     EXPECT_TRUE(Boxes().empty());
     EXPECT_EQ(screen_.pointer, 0);
 }
 
-TEST_F(ViewData, ATableFromTheListRunsTheLastLinkOnly) {
+TEST_F(ViewData, ChoosingATableReadsItsDataOnly) {
     StartOnTab();
     HasTables({"Lots", "Units"});
     HasRows("Lots", 1);
@@ -106,7 +102,7 @@ TEST_F(ViewData, ATableFromTheListRunsTheLastLinkOnly) {
     EXPECT_EQ(View().Cell(0, 0), "(Null)");
 }
 
-TEST_F(ViewData, ATableWithoutRowsHasColumnsAndIsOpen) {
+TEST_F(ViewData, ATableWithoutRowsHasColumnsAndIsEnabled) {
     StartOnTab();
     HasTables({"Lots"});
     HasRows("Lots", 0);
@@ -117,7 +113,7 @@ TEST_F(ViewData, ATableWithoutRowsHasColumnsAndIsOpen) {
     EXPECT_TRUE(Sized());
 }
 
-TEST_F(ViewData, ADatabaseWithoutTablesClosesTheListAndLeavesTheData) {
+TEST_F(ViewData, ADatabaseWithoutTablesDisablesTheListAndKeepsTheData) {
     StartOnTab();
     HasTables({"Lots"});
     HasRows("Lots", 3);
@@ -131,7 +127,7 @@ TEST_F(ViewData, ADatabaseWithoutTablesClosesTheListAndLeavesTheData) {
     EXPECT_TRUE(Boxes().empty());
 }
 
-TEST_F(ViewData, TablesThatCannotBeReadAreToldOnce) {
+TEST_F(ViewData, TablesThatCannotBeReadAreReportedOnce) {
     StartOnTab();
     ado_.Answer("Open", fakes::Failing(-2147217843, "Login failed for user"));
     ChooseBatch();
@@ -141,7 +137,7 @@ TEST_F(ViewData, TablesThatCannotBeReadAreToldOnce) {
     EXPECT_FALSE(Form().PaintingLocked());
 }
 
-TEST_F(ViewData, DataThatCannotBeReadLeavesTheListEmptyAndClosed) {
+TEST_F(ViewData, DataThatCannotBeReadLeaveTheListEmptyAndDisabled) {
     StartOnTab();
     HasTables({"Lots"});
     ado_.Answer(IdentityQuery("Lots"), fakes::Rows({}));
@@ -151,11 +147,11 @@ TEST_F(ViewData, DataThatCannotBeReadLeavesTheListEmptyAndClosed) {
     EXPECT_EQ(View().ColumnCount(), 0);
     ASSERT_EQ(Boxes().size(), 1U);
     EXPECT_NE(Boxes()[0].find("Invalid object name"), std::string::npos);
-    EXPECT_TRUE(TableList().Enabled()) << "the outer link went on";
+    EXPECT_TRUE(TableList().Enabled()) << "the outer handler continued";
     EXPECT_FALSE(Form().PaintingLocked());
 }
 
-TEST_F(ViewData, WithoutASelectedTableTheWindowStaysLockedAndTheListClosed) {
+TEST_F(ViewData, WithoutASelectedTableTheWindowStaysLockedAndTheListDisabled) {
     StartOnTab();
     TableList().AddItem("Lots");
     TableList().ListIndex(-1);
@@ -165,7 +161,7 @@ TEST_F(ViewData, WithoutASelectedTableTheWindowStaysLockedAndTheListClosed) {
     EXPECT_EQ(screen_.pointer, 0);
 }
 
-TEST_F(ViewData, TheListIsEmptiedAndShownSoBeforeTheServerIsAsked) {
+TEST_F(ViewData, TheEmptyListIsShownBeforeTheServerIsAsked) {
     StartOnTab();
     HasTables({"Lots"});
     HasRows("Lots", 1);
@@ -174,7 +170,7 @@ TEST_F(ViewData, TheListIsEmptiedAndShownSoBeforeTheServerIsAsked) {
               (Lines{"pointer 11", "events", "pointer 11", "events", "events", "pointer 11", "pointer 0"}));
 }
 
-TEST_F(ViewData, TwoColumnsOfOneNameTakeTheFailurePath) {
+TEST_F(ViewData, TwoColumnsOfOneNameFail) {
     StartOnTab();
     HasTables({"Lots"});
     HasData("Lots", {"Same", "Same"}, {{1, 2}});
@@ -184,7 +180,7 @@ TEST_F(ViewData, TwoColumnsOfOneNameTakeTheFailurePath) {
     EXPECT_FALSE(Form().PaintingLocked());
 }
 
-TEST_F(ViewData, ThirtyTwoThousandSevenHundredSixtySixRowsStand) {
+TEST_F(ViewData, UpTo32766RowsAreShown) {
     StartOnTab();
     HasTables({"Lots"});
     HasRows("Lots", 32'766);
@@ -195,7 +191,7 @@ TEST_F(ViewData, ThirtyTwoThousandSevenHundredSixtySixRowsStand) {
     EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(ViewData, OneRowMoreStandsUnsizedInAClosedList) {
+TEST_F(ViewData, With32767RowsTheListIsFilledButNotSizedAndDisabled) {
     StartOnTab();
     HasTables({"Lots"});
     HasRows("Lots", 32'767);
@@ -208,7 +204,7 @@ TEST_F(ViewData, OneRowMoreStandsUnsizedInAClosedList) {
     EXPECT_FALSE(Form().PaintingLocked());
 }
 
-TEST_F(ViewData, AndOneMoreLeavesTheHeadersAlone) {
+TEST_F(ViewData, With32768RowsTheListHasHeadersOnly) {
     StartOnTab();
     HasTables({"Lots"});
     HasRows("Lots", 32'768);
@@ -219,7 +215,7 @@ TEST_F(ViewData, AndOneMoreLeavesTheHeadersAlone) {
     EXPECT_EQ(LogLines(), Lines{"frmMain::lstViewDataTables_Click"});
 }
 
-TEST_F(ViewData, AFailureWhileTheTablesAreListedIsLoggedUnderTheOtherEvent) {
+TEST_F(ViewData, AFailureToListTheTablesIsLoggedAsAChangeEvent) {
     StartOnTab();
     HasTables(Lines(32'767, "T"));
     HasRows("T", 0);
@@ -229,7 +225,7 @@ TEST_F(ViewData, AFailureWhileTheTablesAreListedIsLoggedUnderTheOtherEvent) {
     EXPECT_FALSE(Form().PaintingLocked());
 }
 
-TEST_F(ViewData, ANameLikeTheEmptyElementInFrontIsNotMarked) {
+TEST_F(ViewData, AnEmptyColumnNameIsNotMarkedAsIdentity) {
     StartOnTab();
     HasTables({"Lots"});
     HasData("Lots", {"", "Id", "id"}, {{1, 2, 3}}, "Id");
@@ -237,7 +233,7 @@ TEST_F(ViewData, ANameLikeTheEmptyElementInFrontIsNotMarked) {
     EXPECT_EQ(Headers(), (Lines{"", "Id *", "id"}));
 }
 
-TEST_F(ViewData, AChoiceOfTheServerRefillsTheDatabasesOnly) {
+TEST_F(ViewData, ChoosingAServerOnlyListsItsDatabases) {
     RememberLogin(1);
     StartOnTab();
     HasTables({"Lots"});
@@ -254,7 +250,8 @@ TEST_F(ViewData, AChoiceOfTheServerRefillsTheDatabasesOnly) {
     HasTables({"Lots"});
     HasRows("Lots", 1);
     ui::Choose(Combo("cboViewDataDatabase"), 0);
-    EXPECT_EQ(Connections(), (Lines{"NodeB ofB", "NodeB ofB"})) << "and all that follows asks it";
+    EXPECT_EQ(Connections(), (Lines{"NodeB ofB", "NodeB ofB"}))
+        << "the tables and the data are read from that server";
 }
 
 } // namespace

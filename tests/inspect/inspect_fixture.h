@@ -1,4 +1,4 @@
-// What the tests of CViewDataMgr have in common.
+// The fixture of CViewDataMgr's tests, with a database in memory that answers as the test says.
 #pragma once
 
 #include "admin/manager_fixture.h"
@@ -6,7 +6,7 @@
 
 namespace kv {
 
-/// Every row of a table from row 0 on, its cells from column 1 on. Asks each cell as a reader would.
+/// All rows of a table from row 0 on, each with its cells from column 1 on.
 inline std::vector<Lines> Cells(const TextTable& table) {
     std::vector<Lines> rows;
     for (std::int32_t row = 0; row <= table.RowUpperBound(); ++row) {
@@ -19,7 +19,7 @@ inline std::vector<Lines> Cells(const TextTable& table) {
     return rows;
 }
 
-/// The number of the run time's failure that the call raises; 0 if it raises none.
+/// The number of the failure that the call raises; 0 if it raises none.
 template <class Call>
 std::int32_t FailureNumber(Call&& call) {
     try {
@@ -35,7 +35,8 @@ class InspectTest : public ManagerTest {
     InspectTest() { FillPair(manager_); }
     ~InspectTest() override { EXPECT_EQ(ado_.commands, 0U); }
 
-    /// The calls of an operation that opens the database "Batch" with these time-outs.
+    /// The ADO calls of an operation on the database "Batch" with these time-outs, `between` opening and
+    /// closing.
     static Lines Calls(int seconds, const Lines& between) {
         const std::string time = std::to_string(seconds);
         Lines calls = {"CursorLocation 3", "ConnectionString " + ConnectionStringA("Batch"),

@@ -1,4 +1,5 @@
-// Ten thousand operations over a driver manager that counts handles and lets any call fail: none is lost.
+// Ten thousand operations with a driver manager that counts handles and lets any call fail: no handle is
+// leaked.
 #include "base/registry_locations.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_files.h"
@@ -65,7 +66,7 @@ TEST_F(Leaks, TenThousandOperationsLeaveNoHandleWhetherTheySucceedOrFail) {
         Counting().results = {LaidOut("tnt", {{"one", "1", std::nullopt}, {"two", "2", ""}})};
         Counting().catalogue = {LaidOut("tttntntnnnnn", {{"Batch", "dbo", "sp;1", "4", "1", "4", "int", "10",
                                                           std::nullopt, "0", std::nullopt, "1"}})};
-        // Every other one fails, at a call that moves on from round to round.
+        // Every other operation fails, each time at another call.
         Counting().failing_call = i % 2 == 0 ? 0 : static_cast<std::size_t>(1 + i / 12 % 60);
         RunOne(i / 2);
         failed += files_.HasFile(R"(L:\Log\KVLSQLDbMgr.log)") ? 1 : 0;

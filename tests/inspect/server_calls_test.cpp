@@ -1,4 +1,5 @@
-// Stored procedures as they run on a server: what goes in, what comes of it.
+// Running stored procedures on a server: the values of their parameters, their results, output values and
+// errors.
 #include <gmock/gmock.h>
 
 #include "inspect/server_fixture.h"
@@ -11,7 +12,7 @@ using ado::Variant;
 
 class ServerCalls : public ServerTest {};
 
-TEST_F(ServerCalls, TextBecomesAValueOfEveryType) {
+TEST_F(ServerCalls, TextIsConvertedToEveryType) {
     Do("CREATE PROC spEcho @bit bit, @tinyint tinyint, @smallint smallint, @int int, @bigint bigint, "
        "@decimal "
        "decimal(20, 5), @money money, @real real, @float float, @datetime datetime, @char char(7), @varchar "
@@ -39,7 +40,7 @@ TEST_F(ServerCalls, TextBecomesAValueOfEveryType) {
     EXPECT_EQ(Rows().back(), wanted);
 }
 
-TEST_F(ServerCalls, WhatTheServerGaveIsReadAgain) {
+TEST_F(ServerCalls, AShownValueCanBePassedAgain) {
     Do("CREATE PROC spAgain @bit bit, @int int, @decimal decimal(20, 5), @money money, @smallmoney "
        "smallmoney, "
        "@real real, @float float, @datetime datetime, @smalldatetime smalldatetime, @char char(7), "
@@ -72,7 +73,7 @@ TEST_F(ServerCalls, WhatTheServerGaveIsReadAgain) {
     EXPECT_EQ(Rows().back(), shown);
 }
 
-TEST_F(ServerCalls, WhatDoesNotFitIsRefusedAndNothingRuns) {
+TEST_F(ServerCalls, AValueThatDoesNotFitIsRefusedAndNothingRuns) {
     Do("CREATE TABLE Ran (a int)");
     Do("CREATE PROC spStrict @bit bit = 0, @int int = 0, @decimal decimal(5, 2) = 0, @datetime datetime = "
        "NULL, "
@@ -104,13 +105,13 @@ TEST_F(ServerCalls, WhatDoesNotFitIsRefusedAndNothingRuns) {
     EXPECT_EQ(Rows(Data("Ran")), Lines{"a"});
 }
 
-TEST_F(ServerCalls, TheLastMomentIsShownInItsYear) {
+TEST_F(ServerCalls, TheLastDateIsNotRoundedToTheNextYear) {
     Do("CREATE PROC spLast AS SELECT CAST('9999-12-31 23:59:59.997' AS datetime) AS last");
     EXPECT_TRUE(Call("spLast"));
     EXPECT_EQ(Rows().back(), "12/31/9999 11:59:59 PM");
 }
 
-TEST_F(ServerCalls, AnEmptyValueIsTheDefault) {
+TEST_F(ServerCalls, AnEmptyValueUsesTheDefault) {
     Do("CREATE PROC spDefaults @a int = 1, @b varchar(10) = 'two', @c int = NULL, @d int = 4 AS SELECT @a AS "
        "a, @b AS "
        "b, @c AS c, @d AS d");
@@ -124,7 +125,7 @@ TEST_F(ServerCalls, AnEmptyValueIsTheDefault) {
     EXPECT_EQ(Rows().back(), "(Null)||(Null)|(Null)");
 }
 
-TEST_F(ServerCalls, ADefaultInFrontOfAnotherValueLosesNoOutput) {
+TEST_F(ServerCalls, ADefaultBeforeAnotherValueLosesNoOutput) {
     Do("CREATE PROC spGap @a int = 1, @b decimal(9, 2) = 2.5, @c nvarchar(10) = N'three', @d datetime = NULL "
        "OUTPUT, "
        "@e money = 5 AS SELECT @a AS a, @b AS b, @c AS c, @d AS d, @e AS e SET @d = '2024-02-29' RETURN 42");
@@ -152,7 +153,7 @@ TEST_F(ServerCalls, AnEmptyOutputParameterIsNull) {
     EXPECT_EQ(parameters_[3]->Value(), Variant("given"));
 }
 
-TEST_F(ServerCalls, OfTwoOwnersTheParametersAreThoseOfTheProcedureThatRuns) {
+TEST_F(ServerCalls, WithTwoOwnersTheParametersAreThoseOfTheProcedureThatRuns) {
     Do("CREATE SCHEMA aaa");
     Do("CREATE PROC aaa.spShared @first int AS SELECT 'aaa' AS owner");
     Do("CREATE PROC dbo.spShared @second varchar(5) AS SELECT 'dbo' AS owner, @second AS second");
@@ -162,7 +163,7 @@ TEST_F(ServerCalls, OfTwoOwnersTheParametersAreThoseOfTheProcedureThatRuns) {
     EXPECT_TRUE(Call("aaa.spShared", {"1"}));
     EXPECT_EQ(Rows().back(), "aaa");
     Do("DROP PROC dbo.spShared");
-    EXPECT_FALSE(Call("spShared", {"1"})) << "nobody's procedure is found by that name";
+    EXPECT_FALSE(Call("spShared", {"1"})) << "the name without an owner finds no procedure";
 }
 
 TEST_F(ServerCalls, AnEmptyValueWithoutADefaultIsTheServersError) {
@@ -173,7 +174,7 @@ TEST_F(ServerCalls, AnEmptyValueWithoutADefaultIsTheServersError) {
         Lines{"201 Procedure or function 'spNeeds' expects parameter '@needed', which was not supplied."});
 }
 
-TEST_F(ServerCalls, ParametersGoInInEveryDirectionAndComeBackWithTheirValues) {
+TEST_F(ServerCalls, ParametersOfEveryDirectionReturnTheirValues) {
     Do("CREATE PROC spBack @in int, @both varchar(20) OUTPUT, @out int = 0 OUTPUT AS SELECT @in AS i, @both "
        "AS b, @out "
        "AS o SET @both = @both + '!' SET @out = 7 RETURN 42");
@@ -207,43 +208,43 @@ TEST_F(ServerCalls, AProcedureWithoutAResultFailsAndHasRun) {
     EXPECT_EQ(Rows(Data("Effects")), (Lines{"a", "1", "2"}));
 }
 
-TEST_F(ServerCalls, AResultWithoutRowsIsItsNames) {
+TEST_F(ServerCalls, AResultWithoutRowsHasItsNames) {
     Do("CREATE PROC spNoRows AS SELECT 1 AS a, 2 AS a, 3 WHERE 1 = 0");
     EXPECT_TRUE(Call("spNoRows"));
     EXPECT_EQ(Rows(), Lines{"a|a|"});
 }
 
-TEST_F(ServerCalls, OfSeveralResultsTheFirstIsShown) {
+TEST_F(ServerCalls, TheFirstOfSeveralResultsIsShown) {
     Do("CREATE PROC spSeveral AS SELECT 1 AS first SELECT 2 AS second, 3 AS more SELECT 4 AS third RETURN 5");
     EXPECT_TRUE(Call("spSeveral"));
     EXPECT_EQ(Rows(), (Lines{"first", "1"}));
 }
 
-TEST_F(ServerCalls, AnErrorInFrontOfTheResultFails) {
+TEST_F(ServerCalls, AnErrorBeforeTheResultFails) {
     Do("CREATE PROC spErrorFirst AS RAISERROR('before', 16, 1) SELECT 1 AS one");
     EXPECT_FALSE(Call("spErrorFirst"));
     EXPECT_EQ(manager_.Reported(), Lines{"50000 before"});
     EXPECT_EQ(LoggedFailures(), 1U);
 }
 
-TEST_F(ServerCalls, AnErrorBetweenResultsIsShownBesideTheFirst) {
+TEST_F(ServerCalls, AnErrorBetweenResultsIsReportedWithTheFirst) {
     Do("CREATE PROC spErrorBetween AS SELECT 1 AS one RAISERROR('between', 16, 1) SELECT 2 AS two "
-       "RAISERROR('behind', 11, "
+       "RAISERROR('after', 11, "
        "1)");
     EXPECT_TRUE(Call("spErrorBetween"));
     EXPECT_EQ(Rows(), (Lines{"one", "1"}));
-    EXPECT_EQ(manager_.Reported(), (Lines{"50000 between", "50000 behind"}));
+    EXPECT_EQ(manager_.Reported(), (Lines{"50000 between", "50000 after"}));
     EXPECT_EQ(LoggedFailures(), 0U);
 }
 
-TEST_F(ServerCalls, AnErrorBehindACountFails) {
+TEST_F(ServerCalls, AnErrorAfterACountFails) {
     Do("CREATE TABLE Counted (a int)");
-    Do("CREATE PROC spErrorBehindCount AS INSERT Counted VALUES (1) RAISERROR('behind', 16, 1)");
-    EXPECT_FALSE(Call("spErrorBehindCount"));
-    EXPECT_EQ(manager_.Reported(), Lines{"50000 behind"});
+    Do("CREATE PROC spErrorAfterCount AS INSERT Counted VALUES (1) RAISERROR('after', 16, 1)");
+    EXPECT_FALSE(Call("spErrorAfterCount"));
+    EXPECT_EQ(manager_.Reported(), Lines{"50000 after"});
 }
 
-TEST_F(ServerCalls, WhatIsPrintedIsNoError) {
+TEST_F(ServerCalls, APrintedTextIsNotAnError) {
     Do("CREATE PROC spPrints AS PRINT 'one' SELECT 1 AS one PRINT 'two'");
     EXPECT_TRUE(Call("spPrints"));
     EXPECT_EQ(Rows(), (Lines{"one", "1"}));
@@ -253,7 +254,7 @@ TEST_F(ServerCalls, WhatIsPrintedIsNoError) {
     EXPECT_EQ(manager_.Reported(), Lines{});
 }
 
-TEST_F(ServerCalls, WhatAProcedureRaisesIsShownWhateverItsSeverity) {
+TEST_F(ServerCalls, ARaisedErrorIsReportedWhateverItsSeverity) {
     constexpr std::int32_t kRaisedMessage = 265946;
     constexpr std::int32_t kError = -2147217900;
     constexpr int kLoggedFrom = 19;
@@ -269,7 +270,7 @@ TEST_F(ServerCalls, WhatAProcedureRaisesIsShownWhateverItsSeverity) {
     EXPECT_EQ(LoggedFailures(), 0U);
 }
 
-TEST_F(ServerCalls, ARaisedMessageComesUpInABoxAfterASuccess) {
+TEST_F(ServerCalls, ARaisedMessageIsShownInABoxAfterASuccess) {
     Do("CREATE PROC spWarns AS PRINT 'not this' SELECT 1 AS one RAISERROR('Tank %d is low', 10, 1, 7)");
     EXPECT_TRUE(Call("spWarns"));
     EXPECT_EQ(Rows(), (Lines{"one", "1"}));
@@ -289,10 +290,10 @@ TEST_F(ServerCalls, ASeverityThatEndsTheConnectionFails) {
         EXPECT_FALSE(manager_.Reported().empty()) << severity;
         EXPECT_EQ(LoggedFailures(), ++failures);
     }
-    Do("SELECT 1"); // the server is there
+    Do("SELECT 1"); // the server still answers
 }
 
-TEST_F(ServerCalls, AProcedureThatIsNotThereIsReported) {
+TEST_F(ServerCalls, AMissingProcedureIsReported) {
     EXPECT_FALSE(Call("spGone"));
     EXPECT_EQ(manager_.Reported(), Lines{"2812 Could not find stored procedure 'spGone'."});
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char kLogFile[] = R"(L:\Log\KVLSQLDbMgr.log)";
 
-/// Makes the database of the program's run.
+/// Creates the databases once for each run of the test program.
 class Database : public ::testing::Environment {
   public:
     void SetUp() override;
@@ -110,16 +110,16 @@ std::size_t ServerTest::LoggedFailures() const {
 
 namespace {
 
-/// Opens what the fixture keeps to itself.
-class Opened : public ServerTest {
+/// Gives access to the fixture's protected function.
+class StatementRunner : public ServerTest {
   public:
     using ServerTest::Do;
     void TestBody() override {}
 };
 
 void Database::SetUp() {
-    Opened::Do("CREATE DATABASE Inspect", "master");
-    Opened::Do("CREATE DATABASE Bare", "master");
+    StatementRunner::Do("CREATE DATABASE Inspect", "master");
+    StatementRunner::Do("CREATE DATABASE Bare", "master");
 }
 
 } // namespace

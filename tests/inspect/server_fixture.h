@@ -1,5 +1,5 @@
-// What the tests of CViewDataMgr on a running server have in common: a database of the program's own, made
-// once, and a machine in memory for the log.
+// The fixture of CViewDataMgr's tests on a running server: a database that the test program creates once, and
+// a registry and files in memory for the log.
 #pragma once
 
 #include <cstdint>
@@ -18,12 +18,12 @@ namespace kv {
 
 using Lines = std::vector<std::string>;
 
-/// The manager, with its errors in the open.
+/// The manager, with access to its collected errors.
 class TestedManager : public CViewDataMgr {
   public:
-    /// "native number text" of each, the text without the components that it passed.
+    /// "native number text" of each error, the text without the names of the components in front.
     Lines Reported() const;
-    /// The number of each.
+    /// The number of each error.
     std::vector<std::int32_t> Numbers() const;
 };
 
@@ -33,19 +33,19 @@ class ServerTest : public ::testing::Test {
 
     ServerTest();
 
-    /// Runs statements in the database, beside the manager.
+    /// Runs a statement in the database on another connection than the manager's.
     static void Do(const std::string& statement, const std::string& database = kDatabase);
 
-    /// A table of the database whole; adds a failure to the test if it cannot be had.
+    /// Reads a whole table; the test fails if it cannot be read.
     TextTable Data(const std::string& table);
-    /// Runs a procedure with the values, in the order of its parameters behind the return value.
+    /// Runs a procedure with the values, in the order of its parameters after the return value.
     bool Call(const std::string& procedure, const std::vector<ado::Variant>& values = {});
-    /// The rows of the last call from row 0 on: cells between bars.
+    /// The rows of the last call from row 0 on, the cells joined by "|".
     Lines Rows() const { return Rows(data_); }
     static Lines Rows(const TextTable& table);
-    /// How many failures the log has.
+    /// The number of failures in the log.
     std::size_t LoggedFailures() const;
-    /// The boxes that ShowDbError of the manager brings up.
+    /// The text of the boxes that the manager's ShowDbError shows.
     std::string ShownErrors();
 
     Lines identifiers_;

@@ -1,4 +1,4 @@
-// Stored procedures as a running server lists, shows and describes them.
+// Listing stored procedures of a running server, and reading their texts and parameters.
 #include <algorithm>
 
 #include "inspect/server_fixture.h"
@@ -28,7 +28,7 @@ class ServerProcedures : public ServerTest {
     static constexpr char kReturn[] = "@RETURN_VALUE 3 4 0 10 0 16";
 };
 
-TEST_F(ServerProcedures, AreListedWithoutTheirNumber) {
+TEST_F(ServerProcedures, AreListedWithoutTheirNumbers) {
     Do("CREATE PROC spListed AS SELECT 1 AS one");
     Do("CREATE PROC [odd;name] AS SELECT 1 AS one");
     Lines procedures;
@@ -36,7 +36,7 @@ TEST_F(ServerProcedures, AreListedWithoutTheirNumber) {
     EXPECT_EQ(procedures.front(), "");
     EXPECT_EQ(std::ranges::count(procedures, "spListed"), 1);
     EXPECT_EQ(std::ranges::count(procedures, "odd"), 1);
-    // What is left of the name is no procedure's.
+    // The cut name "odd" is not the name of a procedure.
     EXPECT_EQ(Described("odd"), Lines{});
     EXPECT_FALSE(Call("odd"));
     EXPECT_EQ(manager_.Reported(), Lines{"2812 Could not find stored procedure 'odd'."});
@@ -44,21 +44,21 @@ TEST_F(ServerProcedures, AreListedWithoutTheirNumber) {
     EXPECT_EQ(Rows(), (Lines{"one", "1"}));
 }
 
-TEST_F(ServerProcedures, ADatabaseWithoutAnyHasNone) {
+TEST_F(ServerProcedures, ADatabaseWithoutProceduresIsNotAFailure) {
     Lines procedures = {"left"};
     EXPECT_TRUE(manager_.GetStoredProcedures("Bare", procedures));
     EXPECT_EQ(procedures, Lines{""});
     EXPECT_EQ(LoggedFailures(), 0U);
 }
 
-TEST_F(ServerProcedures, TheTextIsAsItWasWritten) {
+TEST_F(ServerProcedures, TheTextIsReadByteForByte) {
     const std::string text =
         "CREATE PROC spText @a int AS\r\n-- \x80 und \xFC\r\n\tSELECT @a AS a,\r\n\r\n  'x' AS b\r\n";
     Do(text);
     EXPECT_EQ(manager_.GetStoredProcedure(kDatabase, "spText"), text);
 }
 
-TEST_F(ServerProcedures, ATextOfTwoMegabytesIsWhole) {
+TEST_F(ServerProcedures, ATextOfTwoMegabytesIsReadWhole) {
     std::string text = "CREATE PROC spLong AS\r\n";
     for (int line = 0; text.size() < 2'000'000; ++line) {
         text += "-- line " + std::to_string(line) + std::string(static_cast<std::size_t>(line % 100), '.') +
@@ -80,7 +80,7 @@ TEST_F(ServerProcedures, AnEncryptedTextIsNotShown) {
     EXPECT_EQ(Rows(), (Lines{"a", "4"}));
 }
 
-TEST_F(ServerProcedures, ATextThatCannotBeHadIsReported) {
+TEST_F(ServerProcedures, ATextThatCannotBeReadIsReported) {
     EXPECT_EQ(manager_.GetStoredProcedure(kDatabase, "spNone"), "");
     EXPECT_EQ(manager_.Reported().size(), 1U);
     EXPECT_EQ(manager_.Reported().front().substr(0, 6), "15009 ");
@@ -131,12 +131,12 @@ TEST_F(ServerProcedures, DirectionsAreAsTheServerListsThem) {
               (Lines{kReturn, "@in 3 1 0 10 0 80", "@out 3 3 0 10 0 80", "@default 200 1 5 0 0 64"}));
 }
 
-TEST_F(ServerProcedures, WithoutParametersThereIsTheReturnValue) {
+TEST_F(ServerProcedures, AProcedureWithoutParametersHasAReturnValue) {
     Do("CREATE PROC spNothing AS RETURN 0");
     EXPECT_EQ(Described("spNothing"), Lines{kReturn});
 }
 
-TEST_F(ServerProcedures, NamesThatAreLikeOthersAreToldApart) {
+TEST_F(ServerProcedures, WildcardsInANameMatchThemselvesOnly) {
     Do("CREATE PROC sp_Like @one int AS RETURN 0");
     Do("CREATE PROC spXLike @two int AS RETURN 0");
     Do("CREATE PROC [sp%Like] @three int AS RETURN 0");
@@ -152,7 +152,7 @@ TEST_F(ServerProcedures, NamesThatAreLikeOthersAreToldApart) {
     EXPECT_EQ(Described("guest.sp_Like"), Lines{});
 }
 
-TEST_F(ServerProcedures, OfTwoOwnersTheOneIsTakenThatACallFinds) {
+TEST_F(ServerProcedures, WithTwoOwnersTheProcedureIsTheOneThatACallFinds) {
     Do("CREATE SCHEMA aa");
     Do("CREATE PROC aa.spOwned @first int AS RETURN 0");
     Do("CREATE PROC dbo.spOwned @second int AS RETURN 0");
@@ -161,7 +161,7 @@ TEST_F(ServerProcedures, OfTwoOwnersTheOneIsTakenThatACallFinds) {
     EXPECT_EQ(Described("spOwned").back().substr(0, 7), "@second");
 }
 
-TEST_F(ServerProcedures, WithoutANameThereIsNothingToAskFor) {
+TEST_F(ServerProcedures, AnEmptyNameFails) {
     EXPECT_FALSE(manager_.GetStoredProcedureParameters(kDatabase, "", parameters_));
     EXPECT_EQ(parameters_.size(), 1U);
     EXPECT_EQ(manager_.Reported(), Lines{"0 Command text was not set for the command object."});

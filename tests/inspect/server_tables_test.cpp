@@ -1,4 +1,4 @@
-// Tables and views as a running server gives them.
+// Listing tables and views of a running server, and reading values of every type from them.
 #include <algorithm>
 
 #include "inspect/server_fixture.h"
@@ -36,7 +36,7 @@ TEST_F(ServerTables, AWrongPasswordIsReported) {
     EXPECT_EQ(manager_.Reported().front().substr(0, 18), "18456 Login failed");
 }
 
-TEST_F(ServerTables, ADatabaseThatIsNotThereIsReported) {
+TEST_F(ServerTables, AMissingDatabaseIsReported) {
     Lines tables;
     EXPECT_FALSE(manager_.GetTables("NoSuchDatabase", tables));
     EXPECT_FALSE(manager_.Reported().empty());
@@ -136,7 +136,7 @@ TEST_F(ServerTables, IdentityColumnsAreNamed) {
     EXPECT_EQ(Rows(Data("WithIdentity")), (Lines{"a|Number|b", "1|5|2"}));
     EXPECT_EQ(identifiers_, (Lines{"", "Number"}));
     Do("CREATE TABLE WithoutIdentity (a int)");
-    EXPECT_EQ(Rows(Data("WithoutIdentity")), Lines{"a"}); // and without rows
+    EXPECT_EQ(Rows(Data("WithoutIdentity")), Lines{"a"}); // it has no rows either
     EXPECT_EQ(identifiers_, Lines{""});
 }
 
@@ -167,7 +167,7 @@ TEST_F(ServerTables, AThousandColumns) {
 
 TEST_F(ServerTables, AHundredThousandRows) {
     Do("CREATE TABLE Many (n int, t varchar(20))");
-    // Doubled from one row: 2 to the 17th, of which the first are taken.
+    // One row is doubled 17 times, and the rows over 100,000 are deleted.
     Do("SET NOCOUNT ON INSERT Many VALUES (1, 'row 1') DECLARE @n int SET @n = 1 WHILE @n < 131072 BEGIN "
        "INSERT Many "
        "SELECT n + @n, 'row ' + CONVERT(varchar(20), n + @n) FROM Many SET @n = @n * 2 END DELETE Many WHERE "
@@ -192,7 +192,7 @@ TEST_F(ServerTables, ReservedWordsAndBlanksInANameFailOnTheServer) {
         EXPECT_EQ(manager_.Reported().size(), 1U) << name;
     }
     EXPECT_EQ(LoggedFailures(), 2U);
-    EXPECT_EQ(Rows(Data("[select]")), Lines{"a"}); // who brackets the name himself is served
+    EXPECT_EQ(Rows(Data("[select]")), Lines{"a"}); // it works if the caller puts the name in brackets
 }
 
 TEST_F(ServerTables, AnApostropheInANameBreaksTheFirstStatement) {
@@ -203,13 +203,13 @@ TEST_F(ServerTables, AnApostropheInANameBreaksTheFirstStatement) {
     EXPECT_EQ(identifiers_, Lines{"left"});
 }
 
-TEST_F(ServerTables, ATableThatIsNotThereIsReportedOnce) {
+TEST_F(ServerTables, AMissingTableIsReportedOnce) {
     EXPECT_FALSE(manager_.GetData(kDatabase, "NoSuchTable", identifiers_, data_));
     EXPECT_EQ(manager_.Reported(), Lines{"208 Invalid object name 'NoSuchTable'."});
     EXPECT_EQ(identifiers_, Lines{""});
 }
 
-TEST_F(ServerTables, TwoCallsSeeTwoStates) {
+TEST_F(ServerTables, EachCallReadsTheCurrentRows) {
     Do("CREATE TABLE Changing (a int)");
     EXPECT_EQ(Rows(Data("Changing")), Lines{"a"});
     Do("INSERT Changing VALUES (1)");

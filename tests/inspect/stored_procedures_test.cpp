@@ -1,3 +1,5 @@
+// CViewDataMgr's operations on stored procedures, with a database in memory: the statements, the arrays, the
+// values of parameters and the failures.
 #include "inspect/inspect_fixture.h"
 
 namespace kv {
@@ -50,12 +52,12 @@ TEST_F(GetStoredProcedures, ListsTheCatalogueWithinFiveMinutes) {
     EXPECT_EQ(ado_.calls, Calls(300, {"OpenSchema 16"}));
 }
 
-TEST_F(GetStoredProcedures, NamesEndInFrontOfTheirFirstSemicolon) {
+TEST_F(GetStoredProcedures, NamesAreCutBeforeTheirFirstSemicolon) {
     EXPECT_TRUE(Run(Catalogue({"plain", ";1", "a;b;1", "two;2", ""})));
     EXPECT_EQ(procedures_, (Lines{"", "plain", "", "a", "two", ""}));
 }
 
-TEST_F(GetStoredProcedures, ADatabaseWithoutProceduresIsNoFailure) {
+TEST_F(GetStoredProcedures, ADatabaseWithoutProceduresIsNotAFailure) {
     EXPECT_TRUE(Run(Catalogue({})));
     EXPECT_EQ(procedures_, Lines{""});
     EXPECT_TRUE(LogLines().empty());
@@ -85,18 +87,18 @@ TEST_F(GetStoredProcedures, WarningsAreCollected) {
 TEST_F(GetStoredProcedures, ACatalogueWithoutTheNamesFails) {
     EXPECT_FALSE(Run(Rows({{"spOne;1"}})));
     EXPECT_EQ(failure_.number, ado::kItemNotFound);
-    EXPECT_EQ(procedures_, (Lines{"", ""})); // the element comes before its name
+    EXPECT_EQ(procedures_, (Lines{"", ""})); // the element is added before its name is read
     EXPECT_FALSE(Run(Catalogue({Null()})));
     EXPECT_EQ(failure_.number, run_time::kInvalidUseOfNull);
 }
 
-TEST_F(GetStoredProcedures, AClosedRecordsetFailsAtItsFirstReading) {
+TEST_F(GetStoredProcedures, AClosedRecordsetFailsWhenItIsRead) {
     EXPECT_FALSE(Run({}));
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
-TEST_F(GetStoredProcedures, WithoutARecordsetFailsAtItsFirstReading) {
+TEST_F(GetStoredProcedures, AMissingRecordsetFailsWhenItIsRead) {
     EXPECT_FALSE(Run({.no_recordset = true}));
     EXPECT_EQ(failure_.number, run_time::kObjectVariableNotSet);
     EXPECT_EQ(procedures_, Lines{""});
@@ -115,52 +117,52 @@ class GetStoredProcedure : public InspectTest {
     static constexpr char kSource[] = "CViewDataMgr::GetStoredProcedure('Batch', 'spOne')";
 };
 
-TEST_F(GetStoredProcedure, JoinsTheRowsWithNothingBetween) {
+TEST_F(GetStoredProcedure, JoinsTheRowsWithoutASeparator) {
     EXPECT_EQ(Run(Rows({{"CREATE PROC spOne AS\r\n"}, {"SELECT 1 "}, {"AS one\r\n"}})),
               "CREATE PROC spOne AS\r\nSELECT 1 AS one\r\n");
     EXPECT_EQ(ado_.calls, Calls(300, {"Execute -1 sp_helptext 'spOne'"}));
 }
 
-TEST_F(GetStoredProcedure, WithoutRowsIsEmptyAndNoFailure) {
+TEST_F(GetStoredProcedure, IsEmptyAndNotAFailureWithoutRows) {
     EXPECT_EQ(Run(Rows({})), "");
     EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(GetStoredProcedure, AFailureGivesNoPartOfTheText) {
+TEST_F(GetStoredProcedure, AFailureReturnsNoPartOfTheText) {
     EXPECT_EQ(Run(Rows({{"CREATE PROC"}, {Null()}})), "");
     EXPECT_EQ(LogLines(), Lines{kSource});
     ado_.Answer("Close", Failing());
-    EXPECT_EQ(Run(Rows({{"CREATE PROC"}})), ""); // the result is set behind the close
+    EXPECT_EQ(Run(Rows({{"CREATE PROC"}})), ""); // the result is set after the close
     EXPECT_EQ(LogLines().size(), 2U);
 }
 
-TEST_F(GetStoredProcedure, AClosedRecordsetFailsAtItsFirstReading) {
+TEST_F(GetStoredProcedure, AClosedRecordsetFailsWhenItIsRead) {
     EXPECT_EQ(Run({}), "");
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
-TEST_F(GetStoredProcedure, WithoutARecordsetFailsAtItsFirstReading) {
+TEST_F(GetStoredProcedure, AMissingRecordsetFailsWhenItIsRead) {
     EXPECT_EQ(Run({.no_recordset = true}), "");
     EXPECT_EQ(failure_.number, run_time::kObjectVariableNotSet);
     EXPECT_EQ(LogLines(), Lines{kSource});
     EXPECT_EQ(ado_.calls.back(), "Close");
 }
 
-TEST_F(GetStoredProcedure, MessagesStayBehindASuccess) {
+TEST_F(GetStoredProcedure, MessagesAreKeptAfterASuccess) {
     AdoAnswer answer = Rows({{"CREATE PROC"}});
     answer.errors = WithErrors({-4}).errors;
     EXPECT_EQ(Run(answer), "CREATE PROC");
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
 }
 
-TEST_F(GetStoredProcedure, TheServersRefusalIsCollected) {
+TEST_F(GetStoredProcedure, TheServersErrorIsCollected) {
     EXPECT_EQ(Run(Failing(-2147217900, "does not exist")), "");
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
-TEST_F(GetStoredProcedure, TheNameGoesInAsItIs) {
+TEST_F(GetStoredProcedure, TheNameIsPutIntoTheStatementUnchanged) {
     manager_.GetStoredProcedure("Batch", "O'Neil");
     EXPECT_EQ(ado_.calls.at(5), "Execute -1 sp_helptext 'O'Neil'");
 }
@@ -190,7 +192,7 @@ TEST_F(GetStoredProcedureParameters, AsksTheServerWithinAMinute) {
     EXPECT_EQ(parameters_[2]->Name(), "@a");
 }
 
-TEST_F(GetStoredProcedureParameters, EveryFieldIsCopiedAndStandsFree) {
+TEST_F(GetStoredProcedureParameters, EveryFieldIsCopiedAndOutlivesTheCommand) {
     ado::Parameter live = Live("@amount", ado::adParamInputOutput);
     live.Attributes(80);
     live.NumericScale(4);
@@ -199,7 +201,7 @@ TEST_F(GetStoredProcedureParameters, EveryFieldIsCopiedAndStandsFree) {
     live.Type(131);
     live.Value("12.5");
     EXPECT_TRUE(Run(List({live})));
-    const ado::Parameter& copy = *parameters_.at(1); // the command and its connection are gone
+    const ado::Parameter& copy = *parameters_.at(1); // the command and its connection no longer exist
     EXPECT_EQ(copy.Attributes(), 80);
     EXPECT_EQ(copy.Direction(), 3);
     EXPECT_EQ(copy.Name(), "@amount");
@@ -210,7 +212,7 @@ TEST_F(GetStoredProcedureParameters, EveryFieldIsCopiedAndStandsFree) {
     EXPECT_EQ(copy.Value(), Variant("12.5"));
 }
 
-TEST_F(GetStoredProcedureParameters, WithoutAnyTheUpperBoundIsZero) {
+TEST_F(GetStoredProcedureParameters, WithoutParametersTheUpperBoundIsZero) {
     EXPECT_TRUE(Run(List({})));
     EXPECT_EQ(parameters_.size(), 1U);
 }
@@ -237,10 +239,10 @@ TEST_F(GetStoredProcedureParameters, WarningsOfTheRefreshAreNotCollected) {
     EXPECT_EQ(manager_.ErrorCount(), Int16(0));
 }
 
-TEST_F(GetStoredProcedureParameters, MoreThanASixteenBitCounterHasFail) {
+TEST_F(GetStoredProcedureParameters, MoreThanASixteenBitCounterCanCountFail) {
     EXPECT_FALSE(Run(List(std::vector<ado::Parameter>(32768))));
     EXPECT_EQ(failure_.number, run_time::kOverflow);
-    EXPECT_EQ(parameters_.size(), 32769U); // sized, and no object in it
+    EXPECT_EQ(parameters_.size(), 32769U); // sized, but still without parameters
     EXPECT_EQ(parameters_[1], nullptr);
 }
 
@@ -263,7 +265,7 @@ class ExecuteStoredProcedure : public InspectTest {
         ado_.Answer("call spOne", std::move(call));
         return manager_.ExecuteStoredProcedure("Batch", "spOne", parameters_, data_);
     }
-    /// The call as it was recorded, with the values that went in.
+    /// The recorded call, with the values that were passed.
     std::string TheCall() const {
         for (const std::string& call : ado_.calls) {
             if (call.starts_with("call ")) {
@@ -291,7 +293,7 @@ TEST_F(ExecuteStoredProcedure, RefreshesCallsAndRefreshesAgain) {
     EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(ExecuteStoredProcedure, ValuesGoInByExactNameWhateverTheDirection) {
+TEST_F(ExecuteStoredProcedure, ValuesArePassedByExactNameWhateverTheDirection) {
     Hold("@b", "two");
     Hold("@A", "other case");
     Hold("@RETURN_VALUE", 7, ado::adParamReturnValue);
@@ -305,7 +307,7 @@ TEST_F(ExecuteStoredProcedure, ValuesGoInByExactNameWhateverTheDirection) {
     EXPECT_EQ(TheCall(), "call spOne -1 @RETURN_VALUE=7 @a=(Empty) @b=two @c=(Null) @kept=42");
 }
 
-TEST_F(ExecuteStoredProcedure, TheValuesThatComeBackAreThoseThatTheSecondRefreshKeeps) {
+TEST_F(ExecuteStoredProcedure, TheValuesAreCopiedBackFromTheSecondRefresh) {
     Hold("@RETURN_VALUE", Variant(), ado::adParamReturnValue);
     Hold("@a", "typed");
     Hold("@both", "in", ado::adParamInputOutput);
@@ -319,11 +321,11 @@ TEST_F(ExecuteStoredProcedure, TheValuesThatComeBackAreThoseThatTheSecondRefresh
     EXPECT_EQ(parameters_[1]->Value(), Variant(99));
     EXPECT_EQ(parameters_[2]->Value(), Variant("typed"));
     EXPECT_EQ(parameters_[3]->Value(), Variant("out"));
-    EXPECT_EQ(parameters_[4]->Value(), Variant("typed too")) << "not in the second list: it is left alone";
+    EXPECT_EQ(parameters_[4]->Value(), Variant("typed too")) << "not in the second list, so not changed";
     EXPECT_EQ(parameters_[5]->Value(), Variant("stays"));
 }
 
-TEST_F(ExecuteStoredProcedure, TheSecondRunHasTheValuesOfTheFirst) {
+TEST_F(ExecuteStoredProcedure, TheSecondRunUsesTheValuesOfTheFirst) {
     Hold("@a", "typed");
     Hold("@both", Variant(), ado::adParamInputOutput);
     AdoAnswer call = Result();
@@ -336,7 +338,7 @@ TEST_F(ExecuteStoredProcedure, TheSecondRunHasTheValuesOfTheFirst) {
     EXPECT_EQ(TheCall(), "call spOne -1 @a=typed @both=out");
 }
 
-TEST_F(ExecuteStoredProcedure, TheArrayServesAnyNumberOfTimes) {
+TEST_F(ExecuteStoredProcedure, TheArrayCanBeUsedAgain) {
     Hold("@a", "first");
     EXPECT_TRUE(Run(List({Live("@a")}), Result(), List({Live("@a")})));
     parameters_[1]->Value("second");
@@ -345,12 +347,12 @@ TEST_F(ExecuteStoredProcedure, TheArrayServesAnyNumberOfTimes) {
     EXPECT_EQ(TheCall(), "call spOne -1 @a=second");
 }
 
-TEST_F(ExecuteStoredProcedure, FailuresUpToTheFirstRefreshLeaveEverythingAsItWas) {
+TEST_F(ExecuteStoredProcedure, AFailureBeforeTheCallChangesNothing) {
     Hold("@a", "typed");
     ado_.Answer("Open", Failing());
     EXPECT_FALSE(Run(List({}), {}, {}));
     EXPECT_EQ(Cells(data_), kDataBefore);
-    ado_.Answer("Refresh", List({})); // behind the two that were not asked for
+    ado_.Answer("Refresh", List({})); // three answers are left, which the run did not ask for
     fakes::FakeAdo::Current().Take("Refresh");
     fakes::FakeAdo::Current().Take("Refresh");
     fakes::FakeAdo::Current().Take("Refresh");
@@ -380,7 +382,7 @@ TEST_F(ExecuteStoredProcedure, ASecondRefreshThatFailsLosesTheResult) {
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
 }
 
-TEST_F(ExecuteStoredProcedure, NoRecordsetFailsBehindTheCopying) {
+TEST_F(ExecuteStoredProcedure, AMissingRecordsetFailsAfterTheCopying) {
     Hold("@a", "typed");
     EXPECT_FALSE(
         Run(List({Live("@a")}), {.no_recordset = true, .output = {{"@a", "out"}}}, List({Live("@a")})));
@@ -390,7 +392,7 @@ TEST_F(ExecuteStoredProcedure, NoRecordsetFailsBehindTheCopying) {
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
-TEST_F(ExecuteStoredProcedure, AProcedureWithoutAResultFailsThoughItHasRun) {
+TEST_F(ExecuteStoredProcedure, AProcedureWithoutAResultFailsAlthoughItHasRun) {
     Hold("@a", "typed");
     EXPECT_FALSE(Run(List({Live("@a")}), {.output = {{"@a", "out"}}}, List({Live("@a")})));
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
@@ -401,12 +403,12 @@ TEST_F(ExecuteStoredProcedure, AProcedureWithoutAResultFailsThoughItHasRun) {
     EXPECT_EQ(LogLines(), Lines{kSource});
 }
 
-TEST_F(ExecuteStoredProcedure, AResultWithoutRowsIsItsNamesAlone) {
+TEST_F(ExecuteStoredProcedure, AResultWithoutRowsHasItsNamesOnly) {
     EXPECT_TRUE(Run(List({}), Rows({}), List({})));
     EXPECT_EQ(Cells(data_), (std::vector<Lines>{{"column0"}}));
 }
 
-TEST_F(ExecuteStoredProcedure, WhatTheCallReportedIsCollectedInFrontOfTheSecondRefresh) {
+TEST_F(ExecuteStoredProcedure, TheErrorsOfTheCallAreCollectedAndNotThoseOfTheSecondRefresh) {
     AdoAnswer call = Result();
     call.errors = WithErrors({-1, -2}).errors;
     AdoAnswer after = List({});
@@ -415,14 +417,14 @@ TEST_F(ExecuteStoredProcedure, WhatTheCallReportedIsCollectedInFrontOfTheSecondR
     EXPECT_EQ(manager_.ErrorCount(), Int16(2));
 }
 
-TEST_F(ExecuteStoredProcedure, AnElementWithoutAnObjectFailsAsOne) {
+TEST_F(ExecuteStoredProcedure, AnElementWithoutAParameterFails) {
     parameters_.resize(2);
     EXPECT_FALSE(Run(List({Live("@a")}), Result(), List({})));
     EXPECT_EQ(failure_.number, run_time::kObjectVariableNotSet);
     EXPECT_EQ(TheCall(), "");
 }
 
-TEST_F(ExecuteStoredProcedure, AnArrayWithoutElementsSuppliesNoValue) {
+TEST_F(ExecuteStoredProcedure, AnEmptyArraySuppliesNoValues) {
     parameters_.clear();
     EXPECT_TRUE(Run(List({Live("@a")}), Result(), List({Live("@a")})));
     EXPECT_EQ(TheCall(), "call spOne -1 @a=(Empty)");

@@ -1,5 +1,8 @@
+// CViewDataMgr's operations on tables, with a database in memory: the statements, the arrays and the
+// failures.
 #include "fakes/fake_locale.h"
 #include "inspect/inspect_fixture.h"
+#include "support/program_statements.h"
 
 namespace kv {
 namespace {
@@ -9,11 +12,9 @@ using fakes::AdoAnswer;
 using fakes::Failing;
 using fakes::Rows;
 using fakes::WithErrors;
+using support::IdentityQuery;
+using support::kTableQuery;
 
-constexpr char kTables[] = "SELECT DISTINCT TABLE_NAME FROM INFORMATION_SCHEMA.COLUMNS";
-constexpr char kIdentity[] =
-    "SELECT COLUMN_NAME AS [Column] FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = 'Lots' AND "
-    "COLUMNPROPERTY(OBJECT_ID('Lots'), COLUMN_NAME, 'IsIdentity')=1";
 constexpr char kSelect[] = "SELECT * FROM Lots";
 constexpr char kGetTables[] = "CViewDataMgr::GetTables('Batch')";
 constexpr char kGetData[] = "CViewDataMgr::GetData('Batch', 'Lots')";
@@ -24,16 +25,16 @@ class GetTables : public InspectTest {
 };
 
 TEST_F(GetTables, AsksTheDatabaseItselfWithinAMinute) {
-    ado_.Answer(kTables, Rows({{"Lots"}, {"LKConfig"}, {"ViewOfLots"}}));
+    ado_.Answer(kTableQuery, Rows({{"Lots"}, {"LKConfig"}, {"ViewOfLots"}}));
     EXPECT_TRUE(manager_.GetTables("Batch", tables_));
     EXPECT_EQ(tables_, (Lines{"", "Lots", "LKConfig", "ViewOfLots"})); // the server's order
-    EXPECT_EQ(ado_.calls, Calls(60, {std::string("Execute 1 ") + kTables}));
+    EXPECT_EQ(ado_.calls, Calls(60, {std::string("Execute 1 ") + kTableQuery}));
     EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(GetTables, GoesToTheServerThatIsSelected) {
+TEST_F(GetTables, AsksTheSelectedServer) {
     manager_.UseServerA(false);
-    ado_.Answer(kTables, Rows({{"Lots"}}));
+    ado_.Answer(kTableQuery, Rows({{"Lots"}}));
     EXPECT_TRUE(manager_.GetTables("Other", tables_));
     EXPECT_EQ(ado_.calls.at(1), "ConnectionString " + ConnectionStringB("Other"));
 }
@@ -47,7 +48,7 @@ TEST_F(GetTables, TheArrayIsEmptiedBeforeTheConnection) {
 }
 
 TEST_F(GetTables, ADatabaseWithoutTablesIsAFailureWithoutAnError) {
-    ado_.Answer(kTables, Rows({}));
+    ado_.Answer(kTableQuery, Rows({}));
     EXPECT_FALSE(manager_.GetTables("Batch", tables_));
     EXPECT_EQ(tables_, Lines{""});
     EXPECT_EQ(manager_.ErrorCount(), Int16(0));
@@ -57,14 +58,14 @@ TEST_F(GetTables, ADatabaseWithoutTablesIsAFailureWithoutAnError) {
     EXPECT_EQ(screen_.Count("box"), 0);
 }
 
-TEST_F(GetTables, NoRecordsetIsAFailureOfItsOwn) {
-    ado_.Answer(kTables, {.no_recordset = true});
+TEST_F(GetTables, AMissingRecordsetFails) {
+    ado_.Answer(kTableQuery, {.no_recordset = true});
     EXPECT_FALSE(manager_.GetTables("Batch", tables_));
     ExpectRaised("CViewDataMgr", "Table information could not be retrieved from the SQL Server!");
     EXPECT_EQ(ado_.calls.back(), "Close");
 }
 
-TEST_F(GetTables, AClosedRecordsetFailsWhereItIsRead) {
+TEST_F(GetTables, AClosedRecordsetFailsWhenItIsRead) {
     EXPECT_FALSE(manager_.GetTables("Batch", tables_));
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
     EXPECT_EQ(tables_, Lines{""});
@@ -72,44 +73,44 @@ TEST_F(GetTables, AClosedRecordsetFailsWhereItIsRead) {
 }
 
 TEST_F(GetTables, AFailingStatementKeepsTheServersErrors) {
-    ado_.Answer(kTables, Failing(-2147217865, "Invalid object name"));
+    ado_.Answer(kTableQuery, Failing(-2147217865, "Invalid object name"));
     EXPECT_FALSE(manager_.GetTables("Batch", tables_));
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
     EXPECT_EQ(LogLines(), Lines{kGetTables});
 }
 
-TEST_F(GetTables, ANameThatIsNullFailsBehindTheElementMadeForIt) {
-    ado_.Answer(kTables, Rows({{"Lots"}, {Null()}}));
+TEST_F(GetTables, ANameThatIsNullFailsAndLeavesAnEmptyElement) {
+    ado_.Answer(kTableQuery, Rows({{"Lots"}, {Null()}}));
     EXPECT_FALSE(manager_.GetTables("Batch", tables_));
     EXPECT_EQ(tables_, (Lines{"", "Lots", ""}));
     EXPECT_EQ(failure_.number, run_time::kInvalidUseOfNull);
 }
 
-TEST_F(GetTables, WarningsStayBehindASuccess) {
+TEST_F(GetTables, WarningsAreKeptAfterASuccess) {
     AdoAnswer answer = Rows({{"Lots"}});
     answer.errors = WithErrors({-5}).errors;
-    ado_.Answer(kTables, answer);
+    ado_.Answer(kTableQuery, answer);
     EXPECT_TRUE(manager_.GetTables("Batch", tables_));
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
     manager_.ShowDbError();
     EXPECT_EQ(screen_.Count("box"), 1);
 }
 
-TEST_F(GetTables, AFailureOfItsOwnBehindWarningsCollectsThemOnceMore) {
+TEST_F(GetTables, AnEmptyResultWithAWarningCollectsTheWarningTwice) {
     AdoAnswer answer = Rows({});
     answer.errors = WithErrors({-5}).errors;
-    ado_.Answer(kTables, answer);
+    ado_.Answer(kTableQuery, answer);
     EXPECT_FALSE(manager_.GetTables("Batch", tables_));
     EXPECT_EQ(manager_.ErrorCount(), Int16(2));
 }
 
 TEST_F(GetTables, TheErrorsAreThoseOfTheLastCall) {
-    ado_.Answer(kTables, Rows({{"Lots"}}));
+    ado_.Answer(kTableQuery, Rows({{"Lots"}}));
     EXPECT_TRUE(manager_.GetTables("Batch", tables_));
-    ado_.Answer(kTables, Failing());
+    ado_.Answer(kTableQuery, Failing());
     EXPECT_FALSE(manager_.GetTables("Batch", tables_));
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
-    ado_.Answer(kTables, Failing());
+    ado_.Answer(kTableQuery, Failing());
     EXPECT_FALSE(manager_.GetTables("Batch", tables_));
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
 }
@@ -121,7 +122,7 @@ class GetData : public InspectTest {
         data_.SetName(1, "left from before");
     }
     bool Run(AdoAnswer identity, AdoAnswer rows) {
-        ado_.Answer(kIdentity, std::move(identity));
+        ado_.Answer(IdentityQuery("Lots"), std::move(identity));
         ado_.Answer(kSelect, std::move(rows));
         return manager_.GetData("Batch", "Lots", identifiers_, data_);
     }
@@ -140,7 +141,7 @@ class GetData : public InspectTest {
 TEST_F(GetData, AsksForTheIdentityColumnsAndThenForTheRows) {
     EXPECT_TRUE(Run(Rows({{"Id"}}), Lots({{1, "one"}, {2, "two"}})));
     EXPECT_EQ(ado_.calls,
-              Calls(60, {std::string("Execute 1 ") + kIdentity, std::string("Execute 1 ") + kSelect}));
+              Calls(60, {"Execute 1 " + IdentityQuery("Lots"), std::string("Execute 1 ") + kSelect}));
     EXPECT_EQ(identifiers_, (Lines{"", "Id"}));
     EXPECT_EQ(Cells(data_), (std::vector<Lines>{{"Id", "Name"}, {"1", "one"}, {"2", "two"}}));
     EXPECT_EQ(data_.ColumnUpperBound(), 2);
@@ -148,12 +149,12 @@ TEST_F(GetData, AsksForTheIdentityColumnsAndThenForTheRows) {
     EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(GetData, NullIsATextAndAnEmptyTextIsEmpty) {
+TEST_F(GetData, NullIsShownAsATextAndAnEmptyTextIsEmpty) {
     EXPECT_TRUE(Run(Rows({}), Lots({{Null(), ""}, {"(Null)", Null()}})));
     EXPECT_EQ(Cells(data_), (std::vector<Lines>{{"Id", "Name"}, {"(Null)", ""}, {"(Null)", "(Null)"}}));
 }
 
-TEST_F(GetData, ValuesAreTheTextOfTheirOrdinaryConversion) {
+TEST_F(GetData, ValuesAreConvertedToTheirUsualText) {
     EXPECT_TRUE(Run(Rows({}), Lots({{true, 2.5},
                                     {ado::Decimal{"1.5000"}, ado::ByteArray{"\x01\xFF"}},
                                     {ado::Date{2006, 5, 12, 14, 3, 22, 0}, ado::Variant()}})));
@@ -162,7 +163,7 @@ TEST_F(GetData, ValuesAreTheTextOfTheirOrdinaryConversion) {
                   {"Id", "Name"}, {"True", "2.5"}, {"1.5", "0x01FF"}, {"5/12/2006 2:03:22 PM", ""}}));
 }
 
-TEST_F(GetData, ATableWithoutRowsIsItsNamesAlone) {
+TEST_F(GetData, ATableWithoutRowsHasItsNamesOnly) {
     EXPECT_TRUE(Run(Rows({{"Id"}}), Lots({})));
     EXPECT_EQ(Cells(data_), (std::vector<Lines>{{"Id", "Name"}}));
 }
@@ -172,13 +173,13 @@ TEST_F(GetData, ATableWithoutIdentityColumnHasNoIdentifier) {
     EXPECT_EQ(identifiers_, Lines{""});
 }
 
-TEST_F(GetData, NoRecordsetOfIdentityColumnsIsNoFailure) {
+TEST_F(GetData, AMissingRecordsetOfIdentityColumnsIsNotAFailure) {
     EXPECT_TRUE(Run({.no_recordset = true}, Lots({{1, "one"}})));
     EXPECT_EQ(identifiers_, Lines{""});
     EXPECT_EQ(data_.RowUpperBound(), 1);
 }
 
-TEST_F(GetData, NoRecordsetOfRowsIsAFailureOfItsOwn) {
+TEST_F(GetData, AMissingRecordsetOfRowsFails) {
     EXPECT_FALSE(Run(Rows({{"Id"}}), {.no_recordset = true}));
     ExpectRaised("CViewDataMgr", "Data could not be retrieved from the SQL Server!");
     EXPECT_EQ(identifiers_, (Lines{"", "Id"}));
@@ -186,7 +187,7 @@ TEST_F(GetData, NoRecordsetOfRowsIsAFailureOfItsOwn) {
     EXPECT_EQ(LogLines(), Lines{kGetData});
 }
 
-TEST_F(GetData, FailingToOpenLeavesBothArraysAsTheyWere) {
+TEST_F(GetData, AConnectionThatFailsLeavesBothArraysUnchanged) {
     ado_.Answer("Open", Failing());
     EXPECT_FALSE(Run(Rows({{"Id"}}), Lots({})));
     EXPECT_EQ(identifiers_, kBefore);
@@ -194,15 +195,15 @@ TEST_F(GetData, FailingToOpenLeavesBothArraysAsTheyWere) {
     EXPECT_EQ(LogLines(), Lines{kGetData});
 }
 
-TEST_F(GetData, AFailingIdentityQueryLeavesBothArraysAsTheyWere) {
+TEST_F(GetData, AFailingIdentityQueryLeavesBothArraysUnchanged) {
     EXPECT_FALSE(Run(Failing(), Lots({})));
     EXPECT_EQ(identifiers_, kBefore);
     EXPECT_EQ(Cells(data_), kDataBefore);
-    EXPECT_EQ(ado_.Statements(), Lines{kIdentity});
+    EXPECT_EQ(ado_.Statements(), Lines{IdentityQuery("Lots")});
     EXPECT_EQ(manager_.ErrorCount(), Int16(1));
 }
 
-TEST_F(GetData, FailingRowsLeaveTheIdentifiers) {
+TEST_F(GetData, AFailingReadOfRowsKeepsTheIdentifiers) {
     EXPECT_FALSE(Run(Rows({{"Id"}}), Failing()));
     EXPECT_EQ(identifiers_, (Lines{"", "Id"}));
     EXPECT_EQ(Cells(data_), kDataBefore);
@@ -210,17 +211,17 @@ TEST_F(GetData, FailingRowsLeaveTheIdentifiers) {
     EXPECT_EQ(ado_.calls.back(), "Close");
 }
 
-TEST_F(GetData, AClosedRecordsetOfIdentityColumnsFailsWhereItIsRead) {
+TEST_F(GetData, AClosedRecordsetOfIdentityColumnsFailsWhenItIsRead) {
     EXPECT_FALSE(Run({}, Lots({})));
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
     EXPECT_EQ(identifiers_, Lines{""});
     EXPECT_EQ(Cells(data_), kDataBefore);
 }
 
-TEST_F(GetData, AClosedRecordsetOfRowsFailsWhereItIsRead) {
+TEST_F(GetData, AClosedRecordsetOfRowsFailsWhenItIsRead) {
     EXPECT_FALSE(Run(Rows({}), {}));
     EXPECT_EQ(failure_.number, ado::kObjectClosed);
-    EXPECT_EQ(data_.ColumnUpperBound(), 0); // sized, with no field
+    EXPECT_EQ(data_.ColumnUpperBound(), 0); // the table was sized for no fields
     EXPECT_EQ(data_.RowUpperBound(), 0);
 }
 
@@ -233,29 +234,24 @@ TEST_F(GetData, TheErrorsOfBothStatementsAreCollected) {
     EXPECT_EQ(manager_.ErrorCount(), Int16(3));
 }
 
-TEST_F(GetData, TheNameGoesIntoBothStatementsAsItIs) {
+TEST_F(GetData, TheNameIsPutIntoBothStatementsUnchanged) {
     manager_.GetData("Batch", "O'Neil Lots]", identifiers_, data_);
-    EXPECT_EQ(
-        ado_.Statements(),
-        Lines{"SELECT COLUMN_NAME AS [Column] FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = 'O'Neil "
-              "Lots]' AND COLUMNPROPERTY(OBJECT_ID('O'Neil Lots]'), COLUMN_NAME, 'IsIdentity')=1"});
+    EXPECT_EQ(ado_.Statements(), Lines{IdentityQuery("O'Neil Lots]")});
     ado_.calls.clear();
-    ado_.Answer("SELECT COLUMN_NAME AS [Column] FROM INFORMATION_SCHEMA.COLUMNS WHERE TABLE_NAME = '' AND "
-                "COLUMNPROPERTY(OBJECT_ID(''), COLUMN_NAME, 'IsIdentity')=1",
-                Rows({}));
+    ado_.Answer(IdentityQuery(""), Rows({}));
     manager_.GetData("Batch", "", identifiers_, data_);
     EXPECT_EQ(ado_.Statements().back(), "SELECT * FROM ");
     EXPECT_EQ(LogLines().back(), "CViewDataMgr::GetData('Batch', '')");
 }
 
-TEST_F(GetData, MoreFieldsThanASixteenBitCounterHasFail) {
+TEST_F(GetData, MoreFieldsThanASixteenBitCounterCanCountFail) {
     AdoAnswer wide;
     wide.fields.assign(32768, "f");
     EXPECT_FALSE(Run(Rows({}), wide));
     EXPECT_EQ(failure_.number, run_time::kOverflow);
     EXPECT_EQ(data_.ColumnUpperBound(), 32768);
     EXPECT_EQ(data_(1, 0), "");
-    // The counter steps on after the last field and overflows, when all the names are written.
+    // The counter overflows when it is stepped after the last field: all names are already written.
     wide.fields.assign(32767, "f");
     failure_ = {};
     EXPECT_FALSE(Run(Rows({}), wide));
@@ -274,7 +270,7 @@ TEST_F(GetData, ValuesAreShownInTheUsersLocale) {
     EXPECT_EQ(Cells(data_).at(1), (Lines{"0,5", "-1000,25", "Sant", "2024-02-29 14:03:05", "1234567"}));
 }
 
-TEST_F(GetData, TwoFieldsOfOneNameStandEachInItsColumn) {
+TEST_F(GetData, TwoFieldsOfOneNameAreTwoColumns) {
     AdoAnswer rows;
     rows.fields = {"same", "same", ""};
     rows.rows = {{1, 2, 3}};

@@ -1,3 +1,4 @@
+// The bounds and cells of a TextTable.
 #include "inspect/text_table.h"
 
 #include "inspect/inspect_fixture.h"
@@ -9,7 +10,7 @@ constexpr std::int32_t kSubscript = run_time::kSubscriptOutOfRange;
 
 class TextTableTest : public ::testing::Test {
   private:
-    fakes::FakeFiles files_; // failures of the run time name the executable
+    fakes::FakeFiles files_; // a failure's source is the executable's name
 };
 
 TEST_F(TextTableTest, HasNoBoundsBeforeItIsSized) {
@@ -31,7 +32,7 @@ TEST_F(TextTableTest, IsSizedToOneEmptyRow) {
     EXPECT_EQ(Cells(table), (std::vector<Lines>{{}}));
 }
 
-TEST_F(TextTableTest, HasNamesAboveItsRowsAndNothingInColumnZero) {
+TEST_F(TextTableTest, HasNamesInRowZeroAndNothingInColumnZero) {
     TextTable table;
     table.ReDim(2);
     table.SetName(1, "number");
@@ -45,7 +46,7 @@ TEST_F(TextTableTest, HasNamesAboveItsRowsAndNothingInColumnZero) {
     EXPECT_EQ(table(0, 2), "");
 }
 
-TEST_F(TextTableTest, OutsideItsBoundsItFails) {
+TEST_F(TextTableTest, FailsOutsideItsBounds) {
     TextTable table;
     table.ReDim(1);
     EXPECT_EQ(FailureNumber([&] { table(2, 0); }), kSubscript);
@@ -55,7 +56,7 @@ TEST_F(TextTableTest, OutsideItsBoundsItFails) {
     EXPECT_EQ(FailureNumber([&] { table.SetName(2, "name"); }), kSubscript);
 }
 
-TEST_F(TextTableTest, SizingItAnewDropsWhatItHeld) {
+TEST_F(TextTableTest, SizingItAgainClearsIt) {
     TextTable table;
     table.ReDim(1);
     table.SetName(1, "old");

@@ -1,3 +1,4 @@
+// CSQLScriptMgr's operations on DTS packages: finding their files, installing and listing them.
 #include "fakes/fake_packages.h"
 #include "scripts/script_mgr_fixture.h"
 
@@ -25,7 +26,7 @@ class PackagesOfScriptMgr : public ScriptMgrTest {
     void ExpectFailureWithoutCalls(const char* description = "No valid script folder was specified!") {
         EXPECT_FALSE(scripts_.InstallDTSPackage(dtsBatchSummaryExport));
         EXPECT_TRUE(packages_.calls.empty());
-        EXPECT_EQ(LogLines(), std::vector<std::string>{" : Error in CSQLScriptMgr::InstallDTSPackage(4)"});
+        EXPECT_EQ(LogLines(), std::vector<std::string>{"CSQLScriptMgr::InstallDTSPackage(4)"});
         ExpectRaised("CSQLScriptMgr", description);
     }
 
@@ -33,7 +34,7 @@ class PackagesOfScriptMgr : public ScriptMgrTest {
     fakes::FakePackages packages_;
 };
 
-TEST_F(PackagesOfScriptMgr, SixPackagesHaveTheirNamesAndFiles) {
+TEST_F(PackagesOfScriptMgr, TheSixPackagesHaveTheirNamesAndFiles) {
     const char* const names[] = {"StdSynchronize",      "UpgradeDatabase_V1_to_V2",
                                  "BatchOverviewExport", "BatchOverviewRecalcExport",
                                  "BatchSummaryExport",  "BatchSummaryRecalcExport"};
@@ -45,7 +46,7 @@ TEST_F(PackagesOfScriptMgr, SixPackagesHaveTheirNamesAndFiles) {
     }
 }
 
-TEST_F(PackagesOfScriptMgr, APackageExistsIfItsFileLiesInTheScriptFolder) {
+TEST_F(PackagesOfScriptMgr, APackageExistsIfItsFileIsInTheScriptFolder) {
     UseFolderWithPackages();
     EXPECT_TRUE(scripts_.DTSPackageExist(dtsBatchSummaryExport));
     EXPECT_FALSE(scripts_.DTSPackageExist(dtsStdSynchronize));
@@ -69,7 +70,7 @@ TEST_F(PackagesOfScriptMgr, APackageIsRemovedLoadedAndSavedInThisOrder) {
     EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(PackagesOfScriptMgr, ServerBIsUsedWhereItIsSelected) {
+TEST_F(PackagesOfScriptMgr, ServerBIsUsedIfItIsSelected) {
     UseFolderWithPackages();
     scripts_.UseServerA(false);
     EXPECT_TRUE(scripts_.InstallDTSPackage(dtsBatchSummaryExport));
@@ -92,7 +93,7 @@ TEST_F(PackagesOfScriptMgr, AFailingSaveIsLogged) {
     packages_.failures.insert(
         {"SaveToSQLServer", platform::PackageError(-2147217843, "ODBC", "Login failed")});
     EXPECT_FALSE(scripts_.InstallDTSPackage(dtsBatchSummaryExport));
-    EXPECT_EQ(LogLines(), std::vector<std::string>{" : Error in CSQLScriptMgr::InstallDTSPackage(4)"});
+    EXPECT_EQ(LogLines(), std::vector<std::string>{"CSQLScriptMgr::InstallDTSPackage(4)"});
     EXPECT_EQ(packages_.open_objects, 0);
 }
 
@@ -103,11 +104,11 @@ TEST_F(PackagesOfScriptMgr, AMissingFileFailsAfterTheOldCopyWasRemoved) {
     EXPECT_FALSE(scripts_.InstallDTSPackage(dtsStdSynchronize));
     ASSERT_EQ(packages_.calls.size(), 2U);
     EXPECT_EQ(packages_.calls[0].member, "RemoveFromSQLServer");
-    EXPECT_EQ(LogLines(), std::vector<std::string>{" : Error in CSQLScriptMgr::InstallDTSPackage(0)"});
+    EXPECT_EQ(LogLines(), std::vector<std::string>{"CSQLScriptMgr::InstallDTSPackage(0)"});
 }
 
 TEST_F(PackagesOfScriptMgr, AScriptFolderThatWasNeverSetFails) {
-    files_.AddFile("\\a file in the root, which nobody named", "");
+    files_.AddFile("\\a file in the root of the drive", "");
     ExpectFailureWithoutCalls();
 }
 
@@ -116,7 +117,7 @@ TEST_F(PackagesOfScriptMgr, AMissingScriptFolderFails) {
     ExpectFailureWithoutCalls();
 }
 
-TEST_F(PackagesOfScriptMgr, AFolderOfNothingButSubfoldersFails) {
+TEST_F(PackagesOfScriptMgr, AFolderWithOnlySubfoldersFails) {
     scripts_.ScriptFolder("S:\\Scripts");
     files_.AddFolder("S:\\Scripts\\Sub");
     files_.AddFile("S:\\Scripts\\Sub\\BatchSummaryExport.dts", "");
@@ -134,7 +135,7 @@ TEST_F(PackagesOfScriptMgr, MissingComponentsAreLogged) {
     ExpectFailureWithoutCalls("Installing SQL DTS package failed! Can not create DTS.Package object.");
 }
 
-TEST_F(PackagesOfScriptMgr, TheListHasAnEmptyElementInFront) {
+TEST_F(PackagesOfScriptMgr, TheListBeginsWithAnEmptyElement) {
     packages_.installed = {{"A", "first", {2006, 5, 12, 14, 3, 22}}, {"A", "second", {}}, {"B", "", {}}};
     std::vector<DTSPackageInfo> list = {{"stale", "", {}}, {"stale", "", {}}};
     EXPECT_TRUE(scripts_.GetInstalledDTSPackages(list));
@@ -147,20 +148,20 @@ TEST_F(PackagesOfScriptMgr, TheListHasAnEmptyElementInFront) {
     EXPECT_EQ(list[3].name, "B");
 }
 
-TEST_F(PackagesOfScriptMgr, AServerWithoutPackagesGivesTheEmptyElementAlone) {
+TEST_F(PackagesOfScriptMgr, AServerWithoutPackagesReturnsTheEmptyElementOnly) {
     std::vector<DTSPackageInfo> list;
     EXPECT_TRUE(scripts_.GetInstalledDTSPackages(list));
     EXPECT_EQ(list.size(), 1U);
 }
 
-TEST_F(PackagesOfScriptMgr, WhatWasReadBeforeAFailureStaysInTheList) {
+TEST_F(PackagesOfScriptMgr, PackagesReadBeforeAFailureStayInTheList) {
     packages_.installed = {{"A", "", {}}, {"B", "", {}}, {"C", "", {}}};
     packages_.enumerated_before_failure = 2;
     std::vector<DTSPackageInfo> list;
     EXPECT_FALSE(scripts_.GetInstalledDTSPackages(list));
     ASSERT_EQ(list.size(), 3U);
     EXPECT_EQ(list[2].name, "B");
-    EXPECT_EQ(LogLines(), std::vector<std::string>{" : Error in CSQLScriptMgr::GetInstalledDTSPackages()"});
+    EXPECT_EQ(LogLines(), std::vector<std::string>{"CSQLScriptMgr::GetInstalledDTSPackages()"});
 }
 
 TEST_F(PackagesOfScriptMgr, WithoutTheApplicationClassTheListFails) {
@@ -168,7 +169,7 @@ TEST_F(PackagesOfScriptMgr, WithoutTheApplicationClassTheListFails) {
     std::vector<DTSPackageInfo> list;
     EXPECT_FALSE(scripts_.GetInstalledDTSPackages(list));
     EXPECT_EQ(list.size(), 1U);
-    EXPECT_EQ(LogLines(), std::vector<std::string>{" : Error in CSQLScriptMgr::GetInstalledDTSPackages()"});
+    EXPECT_EQ(LogLines(), std::vector<std::string>{"CSQLScriptMgr::GetInstalledDTSPackages()"});
 }
 
 } // namespace

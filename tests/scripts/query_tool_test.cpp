@@ -1,3 +1,4 @@
+// How the query tool is found from the server's version and the registry.
 #include "scripts/query_tool.h"
 
 #include "base/failure.h"
@@ -36,7 +37,7 @@ TEST_F(QueryTool, TheMajorVersionSelectsTheTool) {
     EXPECT_TRUE(screen_.calls.empty());
 }
 
-TEST_F(QueryTool, OtherVersionsAreUnknownAndToldInABox) {
+TEST_F(QueryTool, OtherVersionsAreUnknownAndReportedInABox) {
     for (const char* version :
          {"11.0.2100.60", "13.0.1601.5", "8.00.194", "09.00.1399", " 9.0", "140.1", ".9"}) {
         ExpectUnknown(version);
@@ -47,7 +48,7 @@ TEST_F(QueryTool, AnEmptyVersionIsUnknown) {
     ExpectUnknown("");
 }
 
-TEST_F(QueryTool, AnUnknownVersionStillTakesTheFallback) {
+TEST_F(QueryTool, AnUnknownVersionStillUsesTheFallback) {
     files_.AddFile(R"(C:\SQL\80\Tools\Binn\OSQL.EXE)", "");
     Version("8.00.194");
     EXPECT_EQ(FindQueryTool(), R"(C:\SQL\80\Tools\Binn\OSQL.EXE)");
@@ -65,13 +66,13 @@ TEST_F(QueryTool, AVersionWithoutAPointFails) {
     EXPECT_TRUE(screen_.calls.empty());
 }
 
-TEST_F(QueryTool, NoSecondBackslashIsAdded) {
+TEST_F(QueryTool, AFolderThatEndsInABackslashGetsNoSecondOne) {
     files_.AddFile(R"(C:\SQL\80\Tools\Binn\OSQL.EXE)", "");
     files_.files.erase("C:/SQL/140/Tools/Binn/OSQL.EXE");
     EXPECT_EQ(FindQueryTool(), R"(C:\SQL\80\Tools\Binn\OSQL.EXE)");
 }
 
-TEST_F(QueryTool, Version14LosesTheMarkOfThe32BitFolder) {
+TEST_F(QueryTool, Version14DropsTheMarkOfThe32BitFolder) {
     SqlPath("140", R"(C:\Program Files (x86)\Microsoft SQL Server\140\Tools)");
     files_.AddFile(R"(C:\Program Files\Microsoft SQL Server\140\Tools\Binn\OSQL.EXE)", "");
     EXPECT_EQ(FindQueryTool(), R"(C:\Program Files\Microsoft SQL Server\140\Tools\Binn\OSQL.EXE)");
@@ -88,7 +89,7 @@ TEST_F(QueryTool, OtherVersionsKeepTheMarkOfThe32BitFolder) {
     EXPECT_EQ(FindQueryTool(), R"(C:\P (x86)\T\Binn\OSQL.EXE)");
 }
 
-TEST_F(QueryTool, AMissingToolGivesWayToTheFallbackWithoutAMessage) {
+TEST_F(QueryTool, IfTheToolIsMissingTheFallbackIsUsedWithoutAMessage) {
     files_.files.erase("C:/SQL/140/Tools/Binn/OSQL.EXE");
     files_.AddFile(R"(C:\SQL\80\Tools\Binn\OSQL.EXE)", "");
     EXPECT_EQ(FindQueryTool(), R"(C:\SQL\80\Tools\Binn\OSQL.EXE)");
@@ -108,7 +109,7 @@ TEST_F(QueryTool, AMissingInstanceKeyIsLoggedAndUnknown) {
     EXPECT_EQ(FindQueryTool(), "");
     EXPECT_EQ(screen_.calls, std::vector<std::string>{kUnknownVersion});
     const auto lines = LogLines();
-    ASSERT_EQ(lines.size(), 4U); // the version's key and the fallback's, an inner and an outer line each
+    ASSERT_EQ(lines.size(), 4U); // two lines each for the version's key and for the fallback's
     EXPECT_NE(lines[0].find(R"(KV_BATCH\\MSSQLServer)"), std::string::npos) << lines[0];
 }
 

@@ -1,3 +1,4 @@
+// Reading templates and writing modified scripts.
 #include "scripts/script_files.h"
 
 #include <string>
@@ -22,7 +23,7 @@ class ScriptFiles : public ::testing::Test {
     fakes::FakeFiles files_;
 };
 
-TEST_F(ScriptFiles, EveryLineEndBecomesCrLfTheLastOneToo) {
+TEST_F(ScriptFiles, EveryLineEndBecomesCrLf) {
     EXPECT_EQ(Read("a\r\nb\r\n"), "a\r\nb\r\n");
     EXPECT_EQ(Read("a\nb\n"), "a\r\nb\r\n");
     EXPECT_EQ(Read("a\rb\r"), "a\r\nb\r\n");
@@ -38,7 +39,7 @@ TEST_F(ScriptFiles, AnEmptyFileIsAnEmptyText) {
     EXPECT_EQ(Read(""), "");
 }
 
-TEST_F(ScriptFiles, AllOtherBytesStay) {
+TEST_F(ScriptFiles, AllOtherBytesAreUnchanged) {
     std::string bytes;
     for (int i = 0; i < 256; ++i) {
         if (i != '\r' && i != '\n') {
@@ -48,7 +49,7 @@ TEST_F(ScriptFiles, AllOtherBytesStay) {
     EXPECT_EQ(Read("\xEF\xBB\xBF" + bytes), "\xEF\xBB\xBF" + bytes + "\r\n");
 }
 
-TEST_F(ScriptFiles, AFileThatIsNotThereFails) {
+TEST_F(ScriptFiles, AMissingFileFails) {
     try {
         ReadFileContent("none.sql");
         FAIL() << "no failure";
@@ -57,7 +58,7 @@ TEST_F(ScriptFiles, AFileThatIsNotThereFails) {
     }
 }
 
-TEST_F(ScriptFiles, WritingAddsOneLineEndAndMakesTheFolder) {
+TEST_F(ScriptFiles, WritingAddsOneLineEndAndCreatesTheFolder) {
     WriteDataFile("a\r\n", "s.sql");
     EXPECT_TRUE(files_.HasFolder(kData));
     EXPECT_EQ(files_.Content(R"(C:\Lotkeeper\Server\Data\s.sql)"), "a\r\n\r\n");
@@ -77,21 +78,21 @@ TEST_F(ScriptFiles, AnOlderFileIsDeletedFirst) {
     EXPECT_EQ(files_.Log(), wanted);
 }
 
-TEST_F(ScriptFiles, AFailedDeleteLeavesTheOldFile) {
+TEST_F(ScriptFiles, AFailedDeleteKeepsTheOldFile) {
     WriteDataFile("old", "s.sql");
     files_.FailNext("delete", R"(C:\Lotkeeper\Server\Data\s.sql)", platform::FileFault::AccessDenied);
     EXPECT_THROW(WriteDataFile("new", "s.sql"), platform::FileError);
     EXPECT_EQ(files_.Content(R"(C:\Lotkeeper\Server\Data\s.sql)"), "old\r\n");
 }
 
-TEST_F(ScriptFiles, AFailedWriteCanLeaveNone) {
+TEST_F(ScriptFiles, AFailedWriteLeavesNoFile) {
     WriteDataFile("old", "s.sql");
     files_.FailNext("write", R"(C:\Lotkeeper\Server\Data\s.sql)", platform::FileFault::DiskFull);
     EXPECT_THROW(WriteDataFile("new", "s.sql"), platform::FileError);
     EXPECT_FALSE(files_.HasFile(R"(C:\Lotkeeper\Server\Data\s.sql)"));
 }
 
-TEST_F(ScriptFiles, AFolderThatCannotBeMadeFails) {
+TEST_F(ScriptFiles, AFolderThatCannotBeCreatedFails) {
     files_.FailNext("create folder", kData, platform::FileFault::AccessDenied);
     EXPECT_THROW(WriteDataFile("new", "s.sql"), platform::FileError);
     EXPECT_TRUE(files_.Log().empty());

@@ -1,4 +1,5 @@
-// What the tests of CSQLScriptMgr have in common: a machine in memory on which version 14's query tool lies.
+// The fixture of CSQLScriptMgr's tests: files, registry, processes and packages in memory, with the query
+// tool of server version 14 installed.
 #pragma once
 
 #include <string>
@@ -13,7 +14,9 @@
 #include "fakes/fake_process.h"
 #include "fakes/fake_registry.h"
 #include "fakes/fake_screen.h"
+#include "scripts/executed_scripts.h"
 #include "scripts/sql_script_mgr.h"
+#include "support/log_lines.h"
 
 namespace kv {
 
@@ -29,8 +32,8 @@ class ScriptMgrTest : public ::testing::Test {
         Version("14.0.1000.169");
         SqlPath("140", R"(C:\SQL\140\Tools)");
         files_.AddFile(kTool140, "");
-        // The log's first step is to ask for a folder: the last moment at which the raised failure can be
-        // seen.
+        // The raised failure can last be seen when the log begins to write, which is when it asks for its
+        // folder.
         files_.on_folder_asked = [this] {
             if (CurrentError().number != 0) {
                 failure_ = CurrentError();
@@ -38,7 +41,7 @@ class ScriptMgrTest : public ::testing::Test {
         };
     }
 
-    /// The last failure that reached a handler. Its text reaches neither operator nor log.
+    /// Checks the last failure that reached a handler. Its text is neither shown nor logged.
     void ExpectRaised(const char* source, const std::string& description) {
         EXPECT_EQ(failure_.number, kProgramFailure);
         EXPECT_EQ(failure_.source, source);
@@ -56,20 +59,12 @@ class ScriptMgrTest : public ::testing::Test {
         Text(R"(SOFTWARE\Microsoft\Microsoft SQL Server\)" + version + R"(\Tools\ClientSetup)", "SQLPath",
              path);
     }
-    /// The log without the date of its lines.
     std::vector<std::string> LogLines() const {
-        std::vector<std::string> lines;
-        if (!files_.HasFile(kLogFile)) {
-            return lines;
-        }
-        const std::string& log = files_.Content(kLogFile);
-        for (std::size_t at = 0; at < log.size();) {
-            const std::size_t end = log.find("\r\n", at);
-            lines.push_back(log.substr(at, end - at).substr(std::string("2006-05-12 14:03:22").size()));
-            at = end + 2;
-        }
-        return lines;
+        return files_.HasFile(kLogFile) ? support::LogLines(files_.Content(kLogFile))
+                                        : std::vector<std::string>{};
     }
+    /// The scripts that the query tool was started with, in order.
+    std::vector<std::string> Executed() const { return ExecutedScripts(processes_); }
 
     ErrorState failure_;
     fakes::FakeClock clock_;

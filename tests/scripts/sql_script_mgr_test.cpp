@@ -1,3 +1,4 @@
+// CSQLScriptMgr: its settings, the tokens and their values, and creating and running scripts.
 #include "scripts/sql_script_mgr.h"
 
 #include "scripts/script_mgr_fixture.h"
@@ -28,7 +29,7 @@ class SqlScriptMgr : public ScriptMgrTest {
     }
 };
 
-TEST_F(SqlScriptMgr, ANewObjectIsEmptyAndWorksOnServerB) {
+TEST_F(SqlScriptMgr, ANewObjectIsEmptyAndHasServerBSelected) {
     const CSQLScriptMgr scripts;
     EXPECT_FALSE(scripts.UseServerA());
     EXPECT_EQ(scripts.ScriptFolder(), "");
@@ -74,7 +75,7 @@ TEST_F(SqlScriptMgr, TheScriptFolderAlwaysEndsInABackslash) {
     EXPECT_EQ(scripts.ScriptFolder(), "D:\\Scripts\\");
 }
 
-TEST_F(SqlScriptMgr, AllNineteenTokensTakeTheirValues) {
+TEST_F(SqlScriptMgr, AllNineteenTokensHaveTheirValues) {
     CSQLScriptMgr scripts;
     FillPair(scripts);
     struct Case {
@@ -127,20 +128,20 @@ TEST_F(SqlScriptMgr, UserPasswordAndPathTokensMatchInAnyLetterCase) {
               "PassOne D:\\SQL \\\\Node1\\Repl");
 }
 
-TEST_F(SqlScriptMgr, ServerAndDomainTokensInAnotherCaseStay) {
+TEST_F(SqlScriptMgr, ServerAndDomainTokensInAnotherCaseAreNotReplaced) {
     CSQLScriptMgr scripts;
     FillPair(scripts);
     const std::string text = "###Server### ###domain### ###ServerA### ###serverB### ###Domain###";
     EXPECT_EQ(scripts.ReplaceFileContent(text), text);
 }
 
-TEST_F(SqlScriptMgr, TheTokenOfAnEmptyMemberIsReplacedByNothing) {
+TEST_F(SqlScriptMgr, TheTokenOfAnEmptySettingIsRemoved) {
     const CSQLScriptMgr scripts;
     EXPECT_EQ(scripts.ReplaceFileContent("[###SERVERA######DOMAIN######DATAPATHA######UNCREPLDATAPATHB###]"),
               "[]");
 }
 
-TEST_F(SqlScriptMgr, AValueThatHoldsALaterTokenHasItReplacedToo) {
+TEST_F(SqlScriptMgr, ATokenInAValueIsReplacedByALaterPass) {
     CSQLScriptMgr scripts;
     scripts.UseServerA(true);
     scripts.PasswordA("###DOMAIN###");
@@ -149,8 +150,8 @@ TEST_F(SqlScriptMgr, AValueThatHoldsALaterTokenHasItReplacedToo) {
     EXPECT_EQ(scripts.ReplaceFileContent("###PASSWORD### ###USERID###"), "PLANT ###server###");
 }
 
-/// A value that holds the token of an earlier pass keeps it. Pairs that case keeps apart have no order that
-/// shows: the upper form of a server token never comes out of a lower one's pass.
+/// A value that contains the token of an earlier pass keeps it. The order of the passes for a server's upper
+/// and lower case tokens cannot be seen: the value of the one never contains the token of the other.
 TEST_F(SqlScriptMgr, ThePassesRunInTheirOrder) {
     using Writer = void (CSQLScriptMgr::*)(const std::string&);
     struct Case {
@@ -219,7 +220,7 @@ TEST_F(SqlScriptMgr, EachScriptIsReadFromItsTemplateAndWrittenUnderItsName) {
     }
 }
 
-TEST_F(SqlScriptMgr, AUserDefinedScriptIsReadWhereItLies) {
+TEST_F(SqlScriptMgr, AUserDefinedScriptIsReadFromItsOwnPath) {
     const CSQLScriptMgr scripts;
     files_.AddFile("D:\\Work\\My.sql", "a");
     files_.AddFile("My.sql", "b");
@@ -229,7 +230,7 @@ TEST_F(SqlScriptMgr, AUserDefinedScriptIsReadWhereItLies) {
     EXPECT_EQ(Modified("My.sql"), "b\r\n\r\n");
 }
 
-TEST_F(SqlScriptMgr, AMissingTemplateLeavesTheEarlierScriptInPlace) {
+TEST_F(SqlScriptMgr, AMissingTemplateKeepsTheEarlierScript) {
     CSQLScriptMgr scripts;
     scripts.ScriptFolder("S:\\Scripts");
     files_.AddFolder(kDataFolder);
@@ -252,7 +253,7 @@ TEST_F(SqlScriptMgr, ASecondRunReplacesTheModifiedScript) {
     EXPECT_EQ(files_.Content("S:\\Scripts\\Insert_Default_Data.sql"), "###DOMAIN###");
 }
 
-TEST_F(SqlScriptMgr, AFileFailureGoesToTheCaller) {
+TEST_F(SqlScriptMgr, AFileFailureIsRaisedToTheCaller) {
     CSQLScriptMgr scripts;
     scripts.ScriptFolder("S:\\Scripts");
     files_.AddFile("S:\\Scripts\\Insert_Default_Data.sql", "x");
@@ -267,7 +268,7 @@ TEST_F(SqlScriptMgr, ShowDbErrorShowsNothing) {
     EXPECT_TRUE(screen_.calls.empty());
 }
 
-TEST_F(SqlScriptMgr, AScriptRunsThroughTheToolWithItsFilesInTheFolderData) {
+TEST_F(SqlScriptMgr, AScriptIsRunByTheToolWithItsFilesInTheFolderData) {
     CSQLScriptMgr scripts;
     FillPair(scripts);
     EXPECT_TRUE(scripts.ExecuteSQLScript(sqlCreateBatchDatabase, "ignored"));
@@ -304,13 +305,13 @@ TEST_F(SqlScriptMgr, TheOutputFileIsNamedAfterTheScript) {
     EXPECT_EQ(OutputFileName(sqlUserDefinedScript, "Fix."), "Fix.txt");
 }
 
-TEST_F(SqlScriptMgr, AnEmptyPasswordStandsDirectlyInFrontOfTheInputFile) {
+TEST_F(SqlScriptMgr, AnEmptyPasswordIsFollowedByTheInputFile) {
     CSQLScriptMgr scripts;
     scripts.ExecuteSQLScript(sqlInsertDefaultData, "");
     EXPECT_EQ(processes_.started.at(0).parameters.substr(0, 17), " -S  -U  -P  -i \"");
 }
 
-TEST_F(SqlScriptMgr, WithoutAToolAnEmptyPairOfQuotesIsPassedAndTheStartFails) {
+TEST_F(SqlScriptMgr, WithoutAToolAnEmptyQuotedNameIsStartedAndFails) {
     files_.files.erase("C:/SQL/140/Tools/Binn/OSQL.EXE");
     SqlPath("80", "C:\\none");
     const CSQLScriptMgr scripts;
@@ -330,7 +331,7 @@ TEST_F(SqlScriptMgr, AFailureOfARunIsLoggedWithTheScriptsNumber) {
     const CSQLScriptMgr scripts;
     processes_.on_start = [](const platform::ShellExecuteInfo&) -> bool { throw std::bad_alloc(); };
     EXPECT_FALSE(scripts.ExecuteSQLScript(sqlInsertDefaultData, ""));
-    EXPECT_EQ(LogLines(), std::vector<std::string>{" : Error in CSQLScriptMgr::ExecuteSQLScript(3)"});
+    EXPECT_EQ(LogLines(), std::vector<std::string>{"CSQLScriptMgr::ExecuteSQLScript(3)"});
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+// Replacing tokens, compared with a plain implementation of the passes.
 #include "scripts/token_passes.h"
 
 #include <random>
@@ -11,7 +12,7 @@
 namespace kv {
 namespace {
 
-/// The passes as they are laid down: each over the whole text, one behind the other.
+/// Runs each pass over the whole text, one after the other.
 std::string ReplaceOneAfterTheOther(std::string text, const std::vector<TokenPass>& passes) {
     for (const TokenPass& pass : passes) {
         std::string result;
@@ -40,7 +41,7 @@ const std::vector<TokenPass>& Passes() {
     return passes;
 }
 
-TEST(TokenPasses, TextWithoutTokensStays) {
+TEST(TokenPasses, TextWithoutTokensIsUnchanged) {
     for (const std::string text :
          {"", "plain", "#", "##", "###", "####", "# ## ###", "###SERVER##", "##SERVER###"}) {
         EXPECT_EQ(ReplaceTokens(text, Passes()), text);
@@ -68,16 +69,16 @@ TEST(TokenPasses, ATokenThatAnEarlierPassCompletesIsFound) {
     EXPECT_EQ(ReplaceTokens("###SER###DOMAIN###VER###", Passes()), "###SERVER###");
 }
 
-TEST(TokenPasses, WhereTokensOverlapTheEarlierPassWins) {
+TEST(TokenPasses, OfOverlappingTokensTheEarlierPassIsReplaced) {
     EXPECT_EQ(ReplaceTokens("###USERID###SERVER###", Passes()), "###USERIDNODE1");
     EXPECT_EQ(ReplaceTokens("###SERVER###USERID###", Passes()), "NODE1USERID###");
 }
 
-TEST(TokenPasses, TokensTouchLettersAndHashSigns) {
+TEST(TokenPasses, TokensMayTouchLettersAndHashSigns) {
     EXPECT_EQ(ReplaceTokens("a###SERVER###b #####SERVER####", Passes()), "aNODE1b ##NODE1#");
 }
 
-TEST(TokenPasses, BytesOfAllKindsStandBesideTokens) {
+TEST(TokenPasses, TokensMayTouchAnyOtherByte) {
     const std::string nul(1, '\0');
     EXPECT_EQ(ReplaceTokens(nul + "###SERVER###" + nul + "\xFF###SERVER###\xC0\r", Passes()),
               nul + "NODE1" + nul + "\xFFNODE1\xC0\r");
@@ -93,12 +94,12 @@ TEST(TokenPasses, ALongRunIsReplacedLikeAShortOne) {
     EXPECT_EQ(ReplaceTokens(text, Passes()), wanted);
 }
 
-/// Pieces that make tokens, parts of tokens and what lies between them, put together at random.
+/// The texts are random sequences of tokens, parts of tokens and other characters.
 TEST(TokenPasses, TheResultIsThatOfThePassesOneAfterTheOther) {
     const std::vector<std::string> pieces = {
         "###", "##", "#",    "SERVER", "server", "USERID",       "UserId",        "DOMAIN",        "PASSWORD",
         "A",   " ",  "\r\n", "x",      "B",      "###SERVER###", "###USERIDA###", "###PASSWORD###"};
-    std::mt19937 random(20060512); // fixed: a failure must come back
+    std::mt19937 random(20060512); // a fixed seed, so that a failure can be repeated
     std::uniform_int_distribution<std::size_t> pick(0, pieces.size() - 1);
     for (int round = 0; round < 20000; ++round) {
         std::string text;

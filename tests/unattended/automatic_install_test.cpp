@@ -1,3 +1,4 @@
+// The unattended installation: its order, its progress bar and its failures.
 #include "unattended/automatic_install.h"
 
 #include "fakes/fake_packages.h"
@@ -24,16 +25,6 @@ class AutomaticInstall : public ScriptMgrTest {
     static void Run(bool db, bool sp, bool dts) {
         DoAutomaticInstall("S:\\Scripts", "NodeA", "sa", "pw", "D:\\Data\\", db, sp, dts);
     }
-    /// The scripts that the query tool was started with, in order.
-    Lines Executed() const {
-        Lines names;
-        for (const auto& info : processes_.started) {
-            const auto end = info.parameters.find(".sql\"");
-            const auto begin = info.parameters.rfind('\\', end) + 1;
-            names.push_back(info.parameters.substr(begin, end - begin));
-        }
-        return names;
-    }
     Lines Saved() const {
         Lines calls;
         for (const auto& call : packages_.calls) {
@@ -41,14 +32,14 @@ class AutomaticInstall : public ScriptMgrTest {
         }
         return calls;
     }
-    /// How often the bar moved, and where it stood at the end, as "steps/last position".
+    /// How often the bar moved, its range and its last position, as "steps range position".
     std::string Bar() const {
         const Lines bars = screen_.Behind("bar 0 ");
-        // The first two are the loaded window's own and InitProgressBar's.
+        // The first two come from loading the window and from InitProgressBar.
         return std::to_string(bars.size() - 2) + " " + bars.back();
     }
     void ExpectAbort() {
-        EXPECT_EQ(LogLines(), Lines{" : Error in modMain::DoAutomaticUpgrade"});
+        EXPECT_EQ(LogLines(), Lines{"modMain::DoAutomaticUpgrade"});
         EXPECT_EQ(screen_.calls.back(), "window gone");
         EXPECT_EQ(screen_.Count("box"), 0);
         EXPECT_TRUE(processes_.started.empty());
@@ -93,7 +84,7 @@ TEST_F(AutomaticInstall, TheStatusTextsFollowTheSteps) {
                      "Installing batch stored procedures...", "Installing DTS packages..."}));
 }
 
-TEST_F(AutomaticInstall, TheWindowIsShownAfterItsFirstTextAndGoesAtTheEnd) {
+TEST_F(AutomaticInstall, TheWindowIsShownAfterItsFirstTextAndClosedAtTheEnd) {
     Run(false, true, false);
     const Lines wanted = {"window made Installing / Upgrading Lotkeeper database",
                           "bar 0 100 0",
@@ -114,7 +105,7 @@ TEST_F(AutomaticInstall, TheWindowIsShownAfterItsFirstTextAndGoesAtTheEnd) {
     EXPECT_EQ(screen_.calls, wanted);
 }
 
-TEST_F(AutomaticInstall, EverythingGoesToServerA) {
+TEST_F(AutomaticInstall, EverythingIsDoneOnServerA) {
     Run(true, true, true);
     for (const auto& info : processes_.started) {
         EXPECT_EQ(info.parameters.find(" -S NodeA -U sa -P pw -i "), 0U) << info.parameters;
@@ -124,7 +115,7 @@ TEST_F(AutomaticInstall, EverythingGoesToServerA) {
               "USE NODEA D:\\Data\r\n\r\n");
 }
 
-TEST_F(AutomaticInstall, EveryMissingTemplateEndsTheRunBeforeAnyScript) {
+TEST_F(AutomaticInstall, AMissingTemplateEndsTheRunBeforeAnyScript) {
     for (const char* name :
          {"Create_Batch_Database.sql", "Insert_Default_Data.sql", "Create_Batch_Stored_Procedures.sql"}) {
         files_.files.erase(std::string("S:/Scripts/") + name);
@@ -135,7 +126,7 @@ TEST_F(AutomaticInstall, EveryMissingTemplateEndsTheRunBeforeAnyScript) {
     }
 }
 
-TEST_F(AutomaticInstall, WithoutAQueryToolEvenPackagesAloneAreNotInstalled) {
+TEST_F(AutomaticInstall, WithoutAQueryToolNotEvenPackagesAreInstalled) {
     files_.files.erase("C:/SQL/140/Tools/Binn/OSQL.EXE");
     SqlPath("80", "C:\\none");
     Run(false, false, true);
@@ -157,15 +148,15 @@ TEST_F(AutomaticInstall, AFileFailureEndsTheRun) {
     EXPECT_TRUE(files_.HasFile(R"(C:\Lotkeeper\Server\Data\Create_Batch_Database.sql)"));
 }
 
-TEST_F(AutomaticInstall, AFailingLogGoesOnToTheCallerAndTheWindowIsGone) {
+TEST_F(AutomaticInstall, IfTheLogFailsTheFailureIsRaisedToTheCallerAndTheWindowIsClosed) {
     files_.files.erase("S:/Scripts/Create_Batch_Database.sql");
     files_.FailNext("append", kLogFile, platform::FileFault::AccessDenied);
     EXPECT_THROW(Run(true, true, true), platform::FileError);
     EXPECT_EQ(screen_.calls.back(), "window gone");
 }
 
-TEST_F(AutomaticInstall, ADataFolderThatCannotBeMadeFailsInTheLogToo) {
-    // The log makes that folder as well, so the failure finds no handler that is free.
+TEST_F(AutomaticInstall, IfTheFolderDataCannotBeCreatedTheLogFailsToo) {
+    // The log creates that folder too, so the failure is raised to the caller.
     files_.executable_folder = R"(X:\None)";
     EXPECT_THROW(Run(true, true, true), platform::FileError);
     EXPECT_EQ(screen_.calls.back(), "window gone");
@@ -181,7 +172,7 @@ TEST_F(AutomaticInstall, AMissingPackageFileIsSkippedAndTheBarStillMoves) {
     EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(AutomaticInstall, AToolThatDoesNotStartChangesNothingInTheSequence) {
+TEST_F(AutomaticInstall, AToolThatDoesNotStartDoesNotEndTheRun) {
     processes_.on_start = [](const platform::ShellExecuteInfo&) { return false; };
     Run(true, true, true);
     EXPECT_EQ(Executed().size(), 3U);
@@ -190,27 +181,27 @@ TEST_F(AutomaticInstall, AToolThatDoesNotStartChangesNothingInTheSequence) {
     EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(AutomaticInstall, APackageThatCannotBeStoredIsLoggedAndTheNextOneFollows) {
+TEST_F(AutomaticInstall, APackageThatCannotBeInstalledIsLoggedAndTheNextOneFollows) {
     packages_.failures.insert({"SaveToSQLServer", platform::PackageError(-2147467259, "ODBC", "gone")});
     Run(false, false, true);
     Lines wanted;
     for (int i = 0; i < 6; ++i) {
-        wanted.push_back(" : Error in CSQLScriptMgr::InstallDTSPackage(" + std::to_string(i) + ")");
+        wanted.push_back("CSQLScriptMgr::InstallDTSPackage(" + std::to_string(i) + ")");
     }
     EXPECT_EQ(LogLines(), wanted);
     EXPECT_EQ(Bar(), "8 8 8");
 }
 
-TEST_F(AutomaticInstall, AnUnknownVersionIsAskedForInABox) {
+TEST_F(AutomaticInstall, AnUnknownVersionIsReportedInABox) {
     Version("11.0.2100.60");
     Run(true, true, true);
     EXPECT_EQ(screen_.Count("box [exclamation] KVLSQLDbMgr: Can't determine installed SQL Server version!"),
               1);
     EXPECT_TRUE(processes_.started.empty());
-    EXPECT_EQ(LogLines().back(), " : Error in modMain::DoAutomaticUpgrade");
+    EXPECT_EQ(LogLines().back(), "modMain::DoAutomaticUpgrade");
 }
 
-TEST_F(AutomaticInstall, AValueThatTheCodePageLacksIsRefusedByName) {
+TEST_F(AutomaticInstall, AValueOutsideTheCodePageIsRefusedByName) {
     constexpr char kOutside[] = "a\x81"
                                 "141\x9D";
     struct Case {
@@ -229,7 +220,7 @@ TEST_F(AutomaticInstall, AValueThatTheCodePageLacksIsRefusedByName) {
     }
 }
 
-TEST_F(AutomaticInstall, AScriptFolderThatTheCodePageLacksIsUsed) {
+TEST_F(AutomaticInstall, AScriptFolderOutsideTheCodePageIsUsed) {
     const std::string folder = "S:\\\x81"
                                "141\x9D";
     files_.AddFolder(folder);

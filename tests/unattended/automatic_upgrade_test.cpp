@@ -1,4 +1,4 @@
-// The sequence of the unattended upgrade where nothing stands in its way.
+// The unattended upgrade without failures: its order, its settings and its progress bar.
 #include "unattended/automatic_upgrade.h"
 
 #include <algorithm>
@@ -9,13 +9,13 @@
 namespace kv {
 namespace {
 
-/// An ADO operation that opens by the standard sequence on "master".
+/// The calls of an operation that opens "master" by the standard sequence.
 Lines OnMaster(const Lines& statements) {
     Lines calls = {"CursorLocation 3",
                    "ConnectionString Driver={SQL Server};Server=NodeA;Database=master;Uid=lk_admin;Pwd=pw;",
                    "CommandTimeout 300", "ConnectionTimeout 300", "Open '' '' '' -1"};
     for (const std::string& statement : statements) {
-        // A line of the files' stands between the statements that it came between.
+        // Copying and deleting files happens between the statements.
         const bool file = statement.starts_with("copy ") || statement.starts_with("delete ");
         calls.push_back(file ? statement : "Execute 1 " + statement);
     }
@@ -35,7 +35,7 @@ std::string BarAt(int place) {
     return "bar 0 17 " + std::to_string(place);
 }
 
-/// A step of the bar and the text behind it.
+/// A step of the bar and the text that follows it.
 Lines Next(int place, const std::string& text) {
     return {BarAt(place), "label " + text, "events"};
 }
@@ -105,8 +105,9 @@ class UpgradeOrder : public AutomaticUpgrade {
     }
 };
 
-// The end of an operation and the step of the bar behind it are noted together, the screen's first.
-TEST_F(UpgradeOrder, IsThisAndNoOther) {
+// The journal takes the records of an operation's end and of the bar's next step at the same time, those of
+// the screen first.
+TEST_F(UpgradeOrder, IsFixed) {
     RunToTheEnd();
     Lines wanted = Joined({{"window made Installing / Upgrading Lotkeeper database", "bar 0 100 0", BarAt(0),
                             "label Retrieving upgrade information...", "events", "show", "events"},
@@ -127,7 +128,7 @@ TEST_F(UpgradeOrder, IsThisAndNoOther) {
                            Next(16, "Upgrading database 'Batch' from 'TmpBatchUpgradeDb'..."),
                            TakingOver(),
                            {BarAt(17), "window gone", "Close"}});
-    // A "Close" is noted with what comes next, behind the screen's lines of that moment.
+    // So a "Close" is recorded after the next lines of the screen, and its position is not compared.
     const auto without = [](Lines lines) {
         std::erase(lines, "Close");
         return lines;
@@ -143,7 +144,7 @@ TEST_F(AutomaticUpgrade, TheBarMovesExactlyToItsEnd) {
     EXPECT_EQ(Bar(), "17 / 17 17");
 }
 
-TEST_F(AutomaticUpgrade, LoginIsReadFromTheRegistry) {
+TEST_F(AutomaticUpgrade, TheLoginIsReadFromTheRegistry) {
     RunToTheEnd();
     Lines asked;
     for (const std::string& call : registry_.Calls()) {
@@ -158,7 +159,7 @@ TEST_F(AutomaticUpgrade, LoginIsReadFromTheRegistry) {
     EXPECT_EQ(packages_.calls.front().arguments, (Lines{"NodeA", "lk_admin", "pw", "StdSynchronize"}));
 }
 
-TEST_F(AutomaticUpgrade, PasswordOfTheRegistryIsUsedAsItStands) {
+TEST_F(AutomaticUpgrade, ThePasswordOfTheRegistryIsUsedUnchanged) {
     const std::string password = " =Ab%20\\3D\xE4+/== ";
     Login("NodeA", "lk_admin", password.c_str());
     RunToTheEnd();
@@ -171,7 +172,7 @@ TEST_F(AutomaticUpgrade, PasswordOfTheRegistryIsUsedAsItStands) {
     EXPECT_TRUE(ado_.Statements().back().ends_with(", N'" + password + "'"));
 }
 
-TEST_F(AutomaticUpgrade, NewFilesGoWhereTheOldDataFileLies) {
+TEST_F(AutomaticUpgrade, NewFilesAreInTheFolderOfTheOldDataFile) {
     RunToTheEnd();
     EXPECT_EQ(files_.Content(R"(C:\Lotkeeper\Server\Data\Create_Batch_Database.sql)"),
               "USE NODEA D:\\Old Data\r\n\r\n");
@@ -180,8 +181,8 @@ TEST_F(AutomaticUpgrade, NewFilesGoWhereTheOldDataFileLies) {
     EXPECT_EQ(files_.Content(kNewLog), "old log");
 }
 
-// Each of the two managers takes one backslash off the end.
-TEST_F(AutomaticUpgrade, DataPathIsCutAfterItsLastSeparator) {
+// Each of the two managers cuts one backslash at the end of the folder.
+TEST_F(AutomaticUpgrade, TheDataPathIsCutAfterItsLastSeparator) {
     struct Case {
         const char* file;
         const char* folder;
@@ -198,7 +199,7 @@ TEST_F(AutomaticUpgrade, DataPathIsCutAfterItsLastSeparator) {
     }
 }
 
-TEST_F(AutomaticUpgrade, OfAServerWithSlashesWritesSlashes) {
+TEST_F(AutomaticUpgrade, APathWithSlashesKeepsSlashes) {
     files_.AddFolder("/var/data");
     files_.AddFile("/var/data/Batch.mdf", "old rows");
     files_.AddFile("/var/data/Batch.ldf", "old log");
@@ -216,7 +217,7 @@ TEST_F(AutomaticUpgrade, OfAServerWithSlashesWritesSlashes) {
               1);
 }
 
-TEST_F(AutomaticUpgrade, HasItsLocksFromTheLoginToTheEnd) {
+TEST_F(AutomaticUpgrade, HoldsItsLocksFromTheLoginToTheEnd) {
     std::multiset<std::string> held;
     ado_.on_errors_read = [&] { held = locks_.held; };
     RunToTheEnd();
@@ -244,7 +245,7 @@ TEST_F(AutomaticUpgrade, ASecondRunWorksTheSameWay) {
     files_.folders.erase(fakes::FakeFiles::Plain(kDataFolder));
     RunToTheEnd();
     Lines second = journal_;
-    // What differs: the modified scripts of the first run are replaced.
+    // The one difference: the modified scripts of the first run are deleted first.
     std::erase_if(second, [](const std::string& line) {
         return line.starts_with(std::string("delete ") + kDataFolder);
     });

@@ -1,4 +1,5 @@
-// What the steps raise: the descriptions reach neither operator nor log, so this is where they can be seen.
+// The failures that the steps raise. Their descriptions are neither shown nor logged by a run, so they are
+// tested here.
 #include "unattended/script_steps.h"
 
 #include "base/failure.h"
@@ -15,7 +16,7 @@ class ScriptSteps : public ScriptMgrTest {
     static void ExpectRaised(const Step& step, const std::string& description) {
         try {
             step();
-            ADD_FAILURE() << "nothing was raised in the place of: " << description;
+            ADD_FAILURE() << "not raised: " << description;
         } catch (const Failure& failure) {
             EXPECT_EQ(failure.Number(), kProgramFailure);
             EXPECT_EQ(failure.Source(), "modMain");
@@ -27,7 +28,7 @@ class ScriptSteps : public ScriptMgrTest {
     frmStatus status_;
 };
 
-TEST_F(ScriptSteps, AMissingTemplateIsRaisedUnderItsName) {
+TEST_F(ScriptSteps, AMissingTemplateIsNamed) {
     ExpectRaised([&] { ModifyScript(scripts_, status_, kCreateBatchDatabase); },
                  "The script 'Create Batch Database' could not be modified!");
     ExpectRaised([&] { ModifyScript(scripts_, status_, kInsertDefaultData); },
@@ -36,7 +37,7 @@ TEST_F(ScriptSteps, AMissingTemplateIsRaisedUnderItsName) {
                  "The script 'Create Batch Stored Procedures' could not be modified!");
 }
 
-TEST_F(ScriptSteps, AMissingToolIsRaised) {
+TEST_F(ScriptSteps, AMissingToolFails) {
     Version("none.");
     SqlPath("80", "C:\\none");
     const CSQLScriptMgr without_tool;

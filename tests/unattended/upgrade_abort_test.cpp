@@ -1,5 +1,5 @@
-// The unattended upgrade on its abort paths and past what does not abort it: what ran, what the log says, and
-// what becomes of the old data.
+// The unattended upgrade with failures, those that end the run and those that do not: what ran, what was
+// logged, and where the old data are afterwards.
 #include "unattended/upgrade_fixture.h"
 
 namespace kv {
@@ -11,7 +11,7 @@ using platform::FileFault;
 
 using AutomaticUpgradeAbort = AutomaticUpgrade;
 
-constexpr char kInfoLine[] = " : Error in CUpgradeDbMgr::GetDatabaseInfo('Batch')";
+constexpr char kInfoLine[] = "CUpgradeDbMgr::GetDatabaseInfo('Batch')";
 
 TEST_F(AutomaticUpgradeAbort, WithoutInformationOnTheDatabaseNothingIsDone) {
     fakes::AdoAnswer no_recordset;
@@ -31,7 +31,7 @@ TEST_F(AutomaticUpgradeAbort, WithoutInformationOnTheDatabaseNothingIsDone) {
     }
 }
 
-TEST_F(AutomaticUpgradeAbort, AServerThatRefusesTheLoginStaysUntouched) {
+TEST_F(AutomaticUpgradeAbort, IfTheServerRefusesTheLoginNothingIsDone) {
     ado_.Answer("Open", Failing(-2147217843, "Login failed"));
     Run();
     ExpectNothingDone();
@@ -67,7 +67,7 @@ TEST_F(AutomaticUpgradeAbort, WhileAnotherUpgradeRunsNothingIsDone) {
     EXPECT_EQ(Files(), "--xx");
 }
 
-TEST_F(AutomaticUpgradeAbort, ALoginThatTheCodePageLacksIsRefusedByName) {
+TEST_F(AutomaticUpgradeAbort, ALoginOutsideTheCodePageIsRefusedByName) {
     struct Case {
         const char* server;
         const char* user;
@@ -90,7 +90,7 @@ TEST_F(AutomaticUpgradeAbort, ALoginThatTheCodePageLacksIsRefusedByName) {
     }
 }
 
-TEST_F(AutomaticUpgradeAbort, ADataPathThatTheCodePageLacksIsRefusedByName) {
+TEST_F(AutomaticUpgradeAbort, ADataPathOutsideTheCodePageIsRefusedByName) {
     AnswerFiles("/home/?ukasz/Batch.mdf", "/home/?ukasz/Batch.ldf");
     Run();
     ExpectNothingDone();
@@ -114,14 +114,13 @@ TEST_F(AutomaticUpgradeWithoutLogin, LogsTheThreeReadsAndEnds) {
     std::size_t line = 0;
     for (const char* value : {"ServerName", "UserID", "PWD"}) {
         for (const char* routine : {"GetStringKey", "GetLocalSetting"}) {
-            EXPECT_TRUE(log[line].starts_with(std::string(" : Error in mRegistry::") + routine + "('"))
-                << log[line];
+            EXPECT_TRUE(log[line].starts_with(std::string("mRegistry::") + routine + "('")) << log[line];
             EXPECT_NE(log[line].find(value), std::string::npos) << log[line];
             ++line;
         }
     }
     EXPECT_EQ(log[6], kInfoLine);
-    EXPECT_EQ(log[7], " : Error in modMain::DoAutomaticUpgrade");
+    EXPECT_EQ(log[7], "modMain::DoAutomaticUpgrade");
     EXPECT_EQ(ado_.calls[1], "ConnectionString ");
     EXPECT_TRUE(ado_.Statements().empty());
     EXPECT_EQ(ado_.connections, 0U);
@@ -136,7 +135,7 @@ TEST_F(AutomaticUpgradeAbort, AVersionWithoutAPointEndsTheRunBeforeAnythingIsCha
     EXPECT_EQ(LogLines(), Lines{kOwnLine});
 }
 
-TEST_F(AutomaticUpgradeAbort, AnUnknownVersionIsAskedForInABoxAndTheRunEndsBehindTheRename) {
+TEST_F(AutomaticUpgradeAbort, AnUnknownVersionIsReportedInABoxAndTheRunEndsAfterTheRename) {
     Version("11.0.2100.60");
     SqlPath("80", "C:\\none");
     RunToTheEnd();
@@ -147,8 +146,8 @@ TEST_F(AutomaticUpgradeAbort, AnUnknownVersionIsAskedForInABoxAndTheRunEndsBehin
     EXPECT_EQ(LogLines(), Lines{kOwnLine});
 }
 
-// The normal case of a first upgrade has no such database; this one has it and cannot remove it.
-TEST_F(AutomaticUpgradeAbort, ARemovalThatFailsEndsNothing) {
+// At a first upgrade there is no temporary database; here there is one, and it cannot be removed.
+TEST_F(AutomaticUpgradeAbort, AFailedRemovalDoesNotEndTheRun) {
     ado_.Answer(std::string(kGuard) + "DROP DATABASE [TmpBatchUpgradeDb]", Failing());
     RunToTheEnd();
     EXPECT_EQ(LogLines(), Lines{kRemoveLine});
@@ -156,9 +155,9 @@ TEST_F(AutomaticUpgradeAbort, ARemovalThatFailsEndsNothing) {
     EXPECT_EQ(Executed().size(), 3U);
 }
 
-TEST_F(AutomaticUpgradeAbort, ARenameThatFailsEndsNothingAndTheScriptsRunOnTopOfIt) {
+TEST_F(AutomaticUpgradeAbort, AfterAFailedRenameTheScriptsRunOnTheOldDatabase) {
     ado_.Answer("ALTER DATABASE Batch MODIFY NAME = TmpBatchUpgradeDb", Failing());
-    ado_.Answer(kVersionQuery, Failing()); // there is no temporary database to open
+    ado_.Answer(kVersionQuery, Failing()); // the temporary database does not exist
     AnswerFiles(kOldData, kOldLog);
     AnswerFiles(kOldData, kOldLog);
     Run();
@@ -172,7 +171,7 @@ TEST_F(AutomaticUpgradeAbort, ARenameThatFailsEndsNothingAndTheScriptsRunOnTopOf
     ExpectQuietEnd();
 }
 
-TEST_F(AutomaticUpgradeAbort, AFileThatCannotBeMovedEndsNothing) {
+TEST_F(AutomaticUpgradeAbort, AFileThatCannotBeMovedDoesNotEndTheRun) {
     for (const FileFault fault : {FileFault::DiskFull, FileFault::AccessDenied}) {
         ForgetRun();
         AddOldFiles();
@@ -185,7 +184,7 @@ TEST_F(AutomaticUpgradeAbort, AFileThatCannotBeMovedEndsNothing) {
     }
 }
 
-TEST_F(AutomaticUpgradeAbort, AMissingTemplateLeavesTheOldDataUnderTheTemporaryName) {
+TEST_F(AutomaticUpgradeAbort, AMissingTemplateLeavesTheOldDataInTheTemporaryDatabase) {
     struct Case {
         const char* name;
         const char* bar;
@@ -208,7 +207,7 @@ TEST_F(AutomaticUpgradeAbort, AMissingTemplateLeavesTheOldDataUnderTheTemporaryN
     }
 }
 
-TEST_F(AutomaticUpgradeAbort, AMissingToolLeavesTheOldDataUnderTheTemporaryName) {
+TEST_F(AutomaticUpgradeAbort, AMissingToolLeavesTheOldDataInTheTemporaryDatabase) {
     files_.files.erase("C:/SQL/140/Tools/Binn/OSQL.EXE");
     SqlPath("80", "C:\\none");
     RunToTheEnd();
@@ -227,9 +226,9 @@ TEST_F(AutomaticUpgradeAbort, AModifiedScriptThatCannotBeWrittenEndsTheRun) {
     ExpectNothingInstalled();
 }
 
-// What a script or a package does on the server is not looked at; a failure of this routine's own can only
-// come from a log that cannot be written.
-TEST_F(AutomaticUpgradeAbort, AFailureWhileTheNewDatabaseIsBuiltLeavesTheOldDataUnderTheTemporaryName) {
+// The results of scripts and packages are ignored. So while the new database is built, the run can only fail
+// if the log cannot be written.
+TEST_F(AutomaticUpgradeAbort, AFailureWhileTheNewDatabaseIsBuiltLeavesTheOldDataInTheTemporaryDatabase) {
     packages_.failures.insert({"SaveToSQLServer", platform::PackageError(-2147467259, "ODBC", "gone")});
     files_.FailNext("append", kLogFile, FileFault::AccessDenied);
     RunToTheEnd();
@@ -241,13 +240,13 @@ TEST_F(AutomaticUpgradeAbort, AFailureWhileTheNewDatabaseIsBuiltLeavesTheOldData
     ExpectQuietEnd();
 }
 
-TEST_F(AutomaticUpgradeAbort, AToolThatDoesNotStartAndPackagesThatCannotBeStoredEndNothing) {
+TEST_F(AutomaticUpgradeAbort, AToolThatDoesNotStartAndPackagesThatCannotBeInstalledDoNotEndTheRun) {
     processes_.on_start = [](const platform::ShellExecuteInfo&) { return false; };
     packages_.failures.insert({"LoadFromStorageFile", platform::PackageError(-2147467259, "DTS", "bad")});
     RunToTheEnd();
     Lines wanted;
     for (int i = 0; i < 6; ++i) {
-        wanted.push_back(" : Error in CSQLScriptMgr::InstallDTSPackage(" + std::to_string(i) + ")");
+        wanted.push_back("CSQLScriptMgr::InstallDTSPackage(" + std::to_string(i) + ")");
     }
     EXPECT_EQ(LogLines(), wanted);
     EXPECT_EQ(Executed().size(), 3U);
@@ -268,7 +267,7 @@ TEST_F(AutomaticUpgradeAbort, AnUpgradeThatFailsEndsTheRunAsUsual) {
         EXPECT_EQ(Bar(), "17 / 17 17");
         EXPECT_EQ(Files(), "--xx");
         ExpectQuietEnd();
-        while (!ado_.Take(kVersionQuery).rows.empty()) { // what this run did not ask for
+        while (!ado_.Take(kVersionQuery).rows.empty()) { // removes the answers that this run did not ask for
         }
     }
 }
@@ -289,8 +288,8 @@ TEST_F(AutomaticUpgradeAbort, VersionsThatTheRulesRefuseEndTheRunAsUsual) {
     }
 }
 
-// Errors that cannot be collected take the operation's failure path down with them, and this routine's own
-// handler is the next one.
+// If collecting the server's errors fails, the operation's handler fails too, and the failure reaches the
+// handler of the run.
 TEST_F(AutomaticUpgradeAbort, ErrorsThatCannotBeCollectedEndTheRun) {
     const std::string drop = std::string(kGuard) + "DROP DATABASE [TmpBatchUpgradeDb]";
     ado_.Answer(drop, fakes::WithErrors({0, -5}));
@@ -302,7 +301,7 @@ TEST_F(AutomaticUpgradeAbort, ErrorsThatCannotBeCollectedEndTheRun) {
     ExpectNothingInstalled();
 }
 
-TEST_F(AutomaticUpgradeAbort, ErrorsOfTheUpgradeThatCannotBeCollectedSkipTheLastStepAlone) {
+TEST_F(AutomaticUpgradeAbort, ErrorsOfTheUpgradeThatCannotBeCollectedSkipOnlyTheLastStep) {
     ado_.Answer("spUninstallReplication", fakes::WithErrors({0, -5}));
     RunToTheEnd();
     EXPECT_EQ(ado_.Statements().back(), "spUninstallReplication");
@@ -312,7 +311,7 @@ TEST_F(AutomaticUpgradeAbort, ErrorsOfTheUpgradeThatCannotBeCollectedSkipTheLast
     ExpectQuietEnd();
 }
 
-TEST_F(AutomaticUpgradeAbort, WithoutALogTheFailureGoesToTheCallerAndTheWindowIsGone) {
+TEST_F(AutomaticUpgradeAbort, IfTheLogFailsTheFailureIsRaisedToTheCallerAndTheWindowIsClosed) {
     files_.files.erase("S:/Scripts/Create_Batch_Database.sql");
     files_.FailNext("append", kLogFile, FileFault::AccessDenied);
     AnswerAll();
@@ -320,7 +319,7 @@ TEST_F(AutomaticUpgradeAbort, WithoutALogTheFailureGoesToTheCallerAndTheWindowIs
     EXPECT_EQ(screen_.calls.back(), "window gone");
 }
 
-TEST_F(AutomaticUpgradeAbort, ARunBehindOneThatLeftNoDatabaseChangesNothing) {
+TEST_F(AutomaticUpgradeAbort, ARunAfterOneThatLeftNoDatabaseChangesNothing) {
     files_.files.erase("S:/Scripts/Create_Batch_Database.sql");
     RunToTheEnd();
     ForgetRun();
@@ -331,14 +330,14 @@ TEST_F(AutomaticUpgradeAbort, ARunBehindOneThatLeftNoDatabaseChangesNothing) {
     EXPECT_EQ(Files(), "--xx");
 }
 
-// The one case in which old data are lost, and by design: a run that failed behind the creation of the new
-// database left the only copy under the temporary name, and the next run removes that without a question.
-TEST_F(AutomaticUpgradeAbort, ARunBehindOneThatLeftANewDatabaseRemovesTheOnlyCopyOfTheOldData) {
+// The one case in which old data are lost, which is intended: a run that fails after it has created the new
+// database leaves the only copy in the temporary database, and the next run removes that without asking.
+TEST_F(AutomaticUpgradeAbort, ARunAfterOneThatLeftANewDatabaseRemovesTheOnlyCopyOfTheOldData) {
     ado_.Answer("spUpgradeDatabase 1, 2, N'TmpBatchUpgradeDb', N'Batch', N'lk_admin', N'pw'", Failing());
     RunToTheEnd();
     ASSERT_EQ(LogLines(), Lines{kUpgradeLine});
     ForgetRun();
-    AddOldFiles(); // the new database's
+    AddOldFiles(); // here the files of the new database
     RunToTheEnd();
     const Lines statements = ado_.Statements();
     ASSERT_GE(statements.size(), 4U);

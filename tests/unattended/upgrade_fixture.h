@@ -1,5 +1,5 @@
-// What the tests of the unattended upgrade have in common: a machine in memory with the server's login in its
-// registry, a script folder, and a database that answers as the test says.
+// The fixture of the unattended upgrade's tests: a system in memory with the server's login in its registry,
+// a script folder, and a database that answers as the test says.
 #pragma once
 
 #include <string>
@@ -9,10 +9,12 @@
 #include "fakes/fake_named_lock.h"
 #include "fakes/fake_packages.h"
 #include "scripts/script_mgr_fixture.h"
+#include "support/program_statements.h"
 #include "unattended/automatic_upgrade.h"
 
 namespace kv {
 
+using support::kVersionQuery;
 using Lines = std::vector<std::string>;
 
 class AutomaticUpgrade : public ScriptMgrTest {
@@ -22,16 +24,12 @@ class AutomaticUpgrade : public ScriptMgrTest {
     static constexpr char kNewData[] = R"(D:\Old Data\TmpBatchUpgradeDb_data.mdf)";
     static constexpr char kNewLog[] = R"(D:\Old Data\TmpBatchUpgradeDb_log.ldf)";
     static constexpr char kFileQuery[] = "use [Batch] exec sp_helpfile";
-    static constexpr char kVersionQuery[] =
-        "SELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'";
     static constexpr char kGuard[] =
         "IF EXISTS (SELECT name FROM master.dbo.sysdatabases WHERE name = N'TmpBatchUpgradeDb') ";
-    static constexpr char kOwnLine[] = " : Error in modMain::DoAutomaticUpgrade";
-    static constexpr char kRenameLine[] =
-        " : Error in CUpgradeDbMgr::RenameDatabase('Batch', 'TmpBatchUpgradeDb')";
-    static constexpr char kRemoveLine[] = " : Error in CUpgradeDbMgr::RemoveDatabase('TmpBatchUpgradeDb')";
-    static constexpr char kUpgradeLine[] =
-        " : Error in CUpgradeDbMgr::UpgradeDatabase('Batch', 'TmpBatchUpgradeDb')";
+    static constexpr char kOwnLine[] = "modMain::DoAutomaticUpgrade";
+    static constexpr char kRenameLine[] = "CUpgradeDbMgr::RenameDatabase('Batch', 'TmpBatchUpgradeDb')";
+    static constexpr char kRemoveLine[] = "CUpgradeDbMgr::RemoveDatabase('TmpBatchUpgradeDb')";
+    static constexpr char kUpgradeLine[] = "CUpgradeDbMgr::UpgradeDatabase('Batch', 'TmpBatchUpgradeDb')";
 
     AutomaticUpgrade() {
         Login("NodeA", "lk_admin", "pw");
@@ -51,7 +49,7 @@ class AutomaticUpgrade : public ScriptMgrTest {
             return true;
         };
     }
-    /// Whatever a test does, no connection and no package object survives it.
+    /// No test may leave a connection or a package object open.
     ~AutomaticUpgrade() override {
         EXPECT_EQ(ado_.connections, 0U);
         EXPECT_EQ(packages_.open_objects, 0);
@@ -67,17 +65,17 @@ class AutomaticUpgrade : public ScriptMgrTest {
         files_.AddFile(kOldData, "old rows");
         files_.AddFile(kOldLog, "old log");
     }
-    /// The server's answers in a run that meets no obstacle, with these schema versions.
+    /// Sets the server's answers for a run without failures, with these schema versions.
     void AnswerAll(const char* old_version = "1", const char* new_version = "2") {
         AnswerFiles(kOldData, kOldLog);
-        AnswerFiles(kOldData, kOldLog); // RenameDatabase asks for itself
+        AnswerFiles(kOldData, kOldLog); // RenameDatabase asks again
         ado_.Answer(kVersionQuery, fakes::Rows({{old_version}}));
         ado_.Answer(kVersionQuery, fakes::Rows({{new_version}}));
     }
     void AnswerFiles(const char* data, const char* log) {
         ado_.Answer(kFileQuery, fakes::Rows({{"Batch_data", 1, data}, {"Batch_log", 2, log}}));
     }
-    /// A run on a server that answers all of it.
+    /// A run on a server that answers without failures.
     void RunToTheEnd() {
         AnswerAll();
         Run();
@@ -87,26 +85,13 @@ class AutomaticUpgrade : public ScriptMgrTest {
         Note();
     }
 
-    /// The scripts that the query tool was started with, in order.
-    Lines Executed() const {
-        Lines names;
-        for (const auto& info : processes_.started) {
-            names.push_back(ScriptOf(info));
-        }
-        return names;
-    }
-    static std::string ScriptOf(const platform::ShellExecuteInfo& info) {
-        const auto end = info.parameters.find(".sql\"");
-        const auto begin = info.parameters.rfind('\\', end) + 1;
-        return info.parameters.substr(begin, end - begin);
-    }
-    /// How often the bar moved, and where it stood at the end, as "steps / range and last position".
+    /// How often the bar moved, its range and its last position, as "steps / range position".
     std::string Bar() const {
         const Lines bars = screen_.Behind("bar 0 ");
-        // The first two are the loaded window's own and InitProgressBar's.
+        // The first two come from loading the window and from InitProgressBar.
         return std::to_string(bars.size() - 2) + " / " + bars.back();
     }
-    /// Which of the four files are there: old data, old log, temporary data, temporary log.
+    /// Which of four files exist ("x") or not ("-"): old data, old log, temporary data, temporary log.
     std::string Files() const {
         std::string there;
         for (const char* path : {kOldData, kOldLog, kNewData, kNewLog}) {
@@ -114,12 +99,12 @@ class AutomaticUpgrade : public ScriptMgrTest {
         }
         return there;
     }
-    /// The run ended as every run does: no box, the window gone.
+    /// Checks that the run ended without a box and closed its window.
     void ExpectQuietEnd() {
         EXPECT_EQ(screen_.Count("box"), 0);
         EXPECT_EQ(screen_.calls.back(), "window gone");
     }
-    /// Nothing was done on the server behind the question where the database lies.
+    /// Checks that the server was only asked for the database's files, and nothing was changed.
     void ExpectNothingDone() {
         for (const std::string& statement : ado_.Statements()) {
             EXPECT_EQ(statement, kFileQuery);
@@ -142,15 +127,15 @@ class AutomaticUpgrade : public ScriptMgrTest {
         seen_ = {.files = files_.Log().size()};
     }
 
-    /// What the program did to screen, files, database, packages and programs, in one order.
+    /// What the program did to screen, files, database, packages and processes, in order.
     Lines journal_;
     fakes::FakeAdo ado_;
     fakes::FakePackages packages_;
     fakes::FakeNamedLocks locks_;
 
   private:
-    /// Takes over what the fakes have recorded since the last time. They call it behind whatever of theirs
-    /// could change its order with another's.
+    /// Appends to the journal what the fakes have recorded since the last call. The fakes call it after each
+    /// record whose order relative to another fake's records matters.
     void Note() {
         Append(screen_.calls, seen_.screen);
         Append(files_.Log(), seen_.files);
@@ -168,7 +153,7 @@ class AutomaticUpgrade : public ScriptMgrTest {
         seen = calls.size();
     }
 
-    /// How many of each fake's records the journal has.
+    /// How many records of each fake are in the journal.
     struct Seen {
         std::size_t screen = 0;
         std::size_t files = 0;

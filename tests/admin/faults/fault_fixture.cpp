@@ -8,6 +8,7 @@
 
 #include "ado/connection.h"
 #include "platform/files.h"
+#include "support/log_lines.h"
 #include "support/short_time_outs.h"
 #include "support/temp_folder.h"
 
@@ -16,12 +17,12 @@ namespace {
 
 using support::Fault;
 
-// Behind a database's name.
+// The ends of the names of a database's files.
 constexpr char kDataEnd[] = "_dat.mdf";
 constexpr char kLogEnd[] = "_lg.ldf";
-constexpr char kPreparation[] = "PRINT ''"; // the layer's own, in front of every statement
+constexpr char kPreparation[] = "PRINT ''"; // the database layer runs it before every statement
 
-/// The driver gives up a login that hangs by going, and a statement by cancelling it.
+/// The driver ends a login that hangs by closing the connection, and a statement that hangs by cancelling it.
 constexpr Fault kFaults[] = {Fault::CutBefore, Fault::CutAfter,   Fault::HangBefore,
                              Fault::HangAfter, Fault::KillBefore, Fault::KillAfter};
 
@@ -33,7 +34,7 @@ bool IsKill(Fault fault) {
     return fault == Fault::KillBefore || fault == Fault::KillAfter;
 }
 
-/// The events of the steps up to and with `last`, as the proxy sees them.
+/// The events that the proxy sees up to and including the step `last`.
 Lines EventsUpTo(const std::vector<Step>& steps, std::size_t last) {
     Lines events;
     for (std::size_t i = 0; i <= last; ++i) {
@@ -51,12 +52,12 @@ void ReplaceAll(std::string& text, const std::string& what, const char* by) {
     }
 }
 
-/// What the proxy has seen, with a word in the place of what is another one each time.
-Lines SeenEvents(FaultRoom& room) {
-    Lines events = room.Proxy().Events();
+/// The events that the proxy has seen, with placeholders for the parts that differ from run to run.
+Lines EventsOf(FaultFixture& fixture) {
+    Lines events = fixture.Proxy().Events();
     for (std::string& event : events) {
-        ReplaceAll(event, room.DataFolder().string(), "{data}");
-        ReplaceAll(event, room.ServerName(), "{server}");
+        ReplaceAll(event, fixture.DataFolder().string(), "{data}");
+        ReplaceAll(event, fixture.ServerName(), "{server}");
     }
     return events;
 }
@@ -70,51 +71,51 @@ const std::string& StateBefore(const FaultyOperation& operation, std::size_t ste
 }
 
 void RunWithoutFault(const FaultyOperation& operation, const std::filesystem::path& model) {
-    FaultRoom room(model);
-    EXPECT_EQ(operation.state(room), operation.state_before);
-    support::TakeTimeOuts(); // those of the preparation
-    EXPECT_TRUE(operation.run(room));
+    FaultFixture fixture(model);
+    EXPECT_EQ(operation.state(fixture), operation.state_before);
+    support::TakeTimeOuts(); // drops those of the preparation
+    EXPECT_TRUE(operation.run(fixture));
     EXPECT_EQ(support::TakeTimeOuts(), std::set<std::uintptr_t>{300});
-    EXPECT_EQ(SeenEvents(room), EventsUpTo(operation.steps, operation.steps.size() - 1));
-    EXPECT_EQ(operation.state(room), operation.steps.back().state);
-    EXPECT_EQ(room.LogLines(), Lines());
+    EXPECT_EQ(EventsOf(fixture), EventsUpTo(operation.steps, operation.steps.size() - 1));
+    EXPECT_EQ(operation.state(fixture), operation.steps.back().state);
+    EXPECT_EQ(fixture.LogLines(), Lines());
 }
 
-/// `ahead` is how many events before the step's own the fault strikes.
+/// The fault happens `ahead` events before the step's own event.
 void RunWithFault(const FaultyOperation& operation, const std::filesystem::path& model, std::size_t step,
                   Fault fault, std::size_t ahead) {
-    FaultRoom room(model);
+    FaultFixture fixture(model);
     Lines events = EventsUpTo(operation.steps, step);
     events.resize(events.size() - ahead);
-    room.Proxy().Arm(events.size() - 1, fault);
-    EXPECT_FALSE(operation.run(room));
-    EXPECT_TRUE(room.Proxy().Struck());
-    EXPECT_EQ(SeenEvents(room), events); // nothing ran behind it
-    EXPECT_EQ(room.LogLines(), operation.log_lines(step));
+    fixture.Proxy().Arm(events.size() - 1, fault);
+    EXPECT_FALSE(operation.run(fixture));
+    EXPECT_TRUE(fixture.Proxy().Struck());
+    EXPECT_EQ(EventsOf(fixture), events); // nothing ran after the fault
+    EXPECT_EQ(fixture.LogLines(), operation.log_lines(step));
     if (IsKill(fault)) {
-        room.StartServerAgain();
+        fixture.RestartServer();
     }
-    EXPECT_EQ(operation.state(room),
+    EXPECT_EQ(operation.state(fixture),
               IsBefore(fault) ? StateBefore(operation, step) : operation.steps[step].state);
 }
 
 } // namespace
 
-FaultRoom::FaultRoom() : proxy_(server_.Port(), [this] { server_.Kill(); }) {
+FaultFixture::FaultFixture() : proxy_(server_.Port(), [this] { server_.Kill(); }) {
     SetUp();
 }
 
-FaultRoom::FaultRoom(const std::filesystem::path& model)
+FaultFixture::FaultFixture(const std::filesystem::path& model)
     : server_(model), proxy_(server_.Port(), [this] { server_.Kill(); }) {
     SetUp();
     for (const std::string& name : DatabasesInOldFolder()) {
-        // A backslash in front of the name, as an installation has it.
+        // The installation's script too puts a backslash before the file's name.
         const std::string path = OldFolder().string() + "\\" + name;
         Ask("master", "sp_attach_db N'" + name + "', N'" + path + kDataEnd + "', N'" + path + kLogEnd + "'");
     }
 }
 
-Lines FaultRoom::DatabasesInOldFolder() const {
+Lines FaultFixture::DatabasesInOldFolder() const {
     Lines names;
     for (const auto& entry : std::filesystem::directory_iterator(OldFolder())) {
         const std::string file = entry.path().filename().string();
@@ -125,7 +126,7 @@ Lines FaultRoom::DatabasesInOldFolder() const {
     return names;
 }
 
-void FaultRoom::SetUp() {
+void FaultFixture::SetUp() {
     for (const char* folder : {"data", "old", "Log"}) {
         std::filesystem::create_directory(Folder() / folder);
     }
@@ -135,7 +136,7 @@ void FaultRoom::SetUp() {
     setenv("KVLSQLDBMGR_REGISTRY", registry.c_str(), 1);
 }
 
-void FaultRoom::KeepAs(const std::filesystem::path& model) {
+void FaultFixture::SaveAs(const std::filesystem::path& model) {
     for (const std::string& name : DatabasesInOldFolder()) {
         Ask("master", "sp_detach_db N'" + name + "'");
     }
@@ -143,7 +144,7 @@ void FaultRoom::KeepAs(const std::filesystem::path& model) {
     std::filesystem::copy(Folder(), model, std::filesystem::copy_options::recursive);
 }
 
-void FaultRoom::CreateDatabase(const std::string& name, const Lines& batches) {
+void FaultFixture::CreateDatabase(const std::string& name, const Lines& batches) {
     const std::string path = (OldFolder() / name).string();
     Ask("master", "CREATE DATABASE " + name + " ON (NAME=" + name + "_dat, FILENAME='" + path + kDataEnd +
                       "') LOG ON (NAME=" + name + "_lg, FILENAME='" + path + kLogEnd + "')");
@@ -152,12 +153,12 @@ void FaultRoom::CreateDatabase(const std::string& name, const Lines& batches) {
     }
 }
 
-void FaultRoom::StartServerAgain() {
+void FaultFixture::RestartServer() {
     master_.reset();
     server_.StartAgain();
 }
 
-ado::Connection FaultRoom::Connect(const std::string& database) const {
+ado::Connection FaultFixture::Connect(const std::string& database) const {
     ado::Connection connection;
     connection.CursorLocation(ado::adUseClient);
     connection.Open("Driver={SQL Server};Server=" + server_.Name() + ";Database=" + database +
@@ -166,7 +167,7 @@ ado::Connection FaultRoom::Connect(const std::string& database) const {
     return connection;
 }
 
-Lines FaultRoom::Ask(const std::string& database, const std::string& statement) const {
+Lines FaultFixture::Ask(const std::string& database, const std::string& statement) const {
     std::optional<ado::Connection> own;
     std::optional<ado::Connection>& connection = database == "master" ? master_ : own;
     if (!connection) {
@@ -187,34 +188,29 @@ Lines FaultRoom::Ask(const std::string& database, const std::string& statement) 
     return lines;
 }
 
-std::string FaultRoom::AskOne(const std::string& database, const std::string& statement) const {
+std::string FaultFixture::AskOne(const std::string& database, const std::string& statement) const {
     const Lines lines = Ask(database, statement);
     return lines.empty() ? "" : lines.front();
 }
 
-bool FaultRoom::HasDatabase(const std::string& name) const {
+bool FaultFixture::HasDatabase(const std::string& name) const {
     return !Ask("master", "SELECT name FROM master.dbo.sysdatabases WHERE name = '" + name + "'").empty();
 }
 
-Lines FaultRoom::LogLines() const {
-    constexpr std::size_t kHead = std::string_view("2006-05-12 14:03:22 : Error in ").size();
-    Lines lines;
-    const std::filesystem::directory_iterator logs(Folder() /
-                                                   "Log"); // one, called after the program that wrote it
-    std::ifstream log(logs == std::filesystem::directory_iterator() ? "" : logs->path());
-    for (std::string line; std::getline(log, line);) {
-        EXPECT_TRUE(line.ends_with('\r'));
-        lines.push_back(line.substr(kHead, line.size() - kHead - 1));
-    }
-    return lines;
+Lines FaultFixture::LogLines() const {
+    // The folder has one log, named after the program that wrote it.
+    const std::filesystem::directory_iterator logs(Folder() / "Log");
+    return logs == std::filesystem::directory_iterator()
+               ? Lines{}
+               : support::LogLines(platform::ReadWholeFile(logs->path().string()));
 }
 
-void MakeModel(const std::function<void(FaultRoom&)>& prepare, const std::filesystem::path& model) {
+void MakeServerModel(const std::function<void(FaultFixture&)>& prepare, const std::filesystem::path& model) {
     support::RunInChildren({{"preparation",
                              [&] {
-                                 FaultRoom room;
-                                 prepare(room);
-                                 room.KeepAs(model);
+                                 FaultFixture fixture;
+                                 prepare(fixture);
+                                 fixture.SaveAs(model);
                              }}},
                            1);
 }
@@ -222,7 +218,7 @@ void MakeModel(const std::function<void(FaultRoom&)>& prepare, const std::filesy
 void TryEveryFault(const char* name, const FaultyOperation& operation) {
     const support::TempFolder folder;
     const std::filesystem::path& model = folder.Path();
-    MakeModel(operation.prepare, model);
+    MakeServerModel(operation.prepare, model);
     std::vector<support::Case> cases = {{"no fault", [&] { RunWithoutFault(operation, model); }}};
     for (std::size_t i = 0; i < operation.steps.size(); ++i) {
         const std::string& event = operation.steps[i].event;
@@ -231,7 +227,7 @@ void TryEveryFault(const char* name, const FaultyOperation& operation) {
                              [&, i, fault] { RunWithFault(operation, model, i, fault, 0); }});
         }
         if (event != "login") {
-            cases.push_back({"cut in front of " + event,
+            cases.push_back({"cut in the event before " + event,
                              [&, i] { RunWithFault(operation, model, i, Fault::CutBefore, 1); }});
         }
     }

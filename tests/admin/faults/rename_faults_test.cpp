@@ -1,5 +1,5 @@
-// RenameDatabase with a fault at each of its statements: what stands afterwards is what the steps before it
-// left, and the old rows can always be had.
+// RenameDatabase with a fault at each of its statements: the state is that after the steps before the fault,
+// and the old rows are never lost.
 #include <gtest/gtest.h>
 
 #include "admin/faults/fault_fixture.h"
@@ -8,59 +8,59 @@
 namespace kv {
 namespace {
 
-/// Asked from another database: who asks in a database with a single user keeps the next out for a moment.
-std::string Rows(const FaultRoom& room, const std::string& database) {
-    return room.AskOne("master", "SELECT COUNT(*) FROM " + database + ".dbo.Things");
+/// Asks on a connection to "master": one to a database in single-user mode would keep the next one out for a
+/// moment.
+std::string Rows(const FaultFixture& fixture, const std::string& database) {
+    return fixture.AskOne("master", "SELECT COUNT(*) FROM " + database + ".dbo.Things");
 }
 
-/// Which of the four files are there: old data, old log, new data, new log.
-std::string Files(const FaultRoom& room) {
+/// Which of four files exist ("x") or not ("-"): old data, old log, new data, new log.
+std::string Files(const FaultFixture& fixture) {
     std::string there;
-    for (const auto& path : {room.OldFolder() / "Batch_dat.mdf", room.OldFolder() / "Batch_lg.ldf",
-                             room.DataFolder() / "Tmp_data.mdf", room.DataFolder() / "Tmp_log.ldf"}) {
+    for (const auto& path : {fixture.OldFolder() / "Batch_dat.mdf", fixture.OldFolder() / "Batch_lg.ldf",
+                             fixture.DataFolder() / "Tmp_data.mdf", fixture.DataFolder() / "Tmp_log.ldf"}) {
         there += std::filesystem::exists(path) ? 'x' : '-';
     }
     return there;
 }
 
-/// Takes a detached database's files to the server again, the old ones if they are there, and counts its
-/// rows.
-std::string RescuedRows(FaultRoom& room) {
-    const bool old = std::filesystem::exists(room.OldFolder() / "Batch_dat.mdf");
-    const auto data = old ? room.OldFolder() / "Batch_dat.mdf" : room.DataFolder() / "Tmp_data.mdf";
-    const auto log = old ? room.OldFolder() / "Batch_lg.ldf" : room.DataFolder() / "Tmp_log.ldf";
-    room.Ask("master", "sp_attach_db N'Rescue', N'" + data.string() + "', N'" + log.string() + "'");
-    return Rows(room, "Rescue");
+/// Attaches a detached database, from its old files if they exist, and counts its rows.
+std::string RescuedRows(FaultFixture& fixture) {
+    const bool old = std::filesystem::exists(fixture.OldFolder() / "Batch_dat.mdf");
+    const auto data = old ? fixture.OldFolder() / "Batch_dat.mdf" : fixture.DataFolder() / "Tmp_data.mdf";
+    const auto log = old ? fixture.OldFolder() / "Batch_lg.ldf" : fixture.DataFolder() / "Tmp_log.ldf";
+    fixture.Ask("master", "sp_attach_db N'Rescue', N'" + data.string() + "', N'" + log.string() + "'");
+    return Rows(fixture, "Rescue");
 }
 
-/// The database's name, who may use it, its logical and physical files and its rows; and the files on disk.
-std::string State(FaultRoom& room) {
-    const std::string files = Files(room);
+/// The database's name, its user access, its logical files and number of rows, and the files on disk.
+std::string State(FaultFixture& fixture) {
+    const std::string files = Files(fixture);
     for (const char* name : {"Batch", "Tmp"}) {
-        if (!room.HasDatabase(name)) {
+        if (!fixture.HasDatabase(name)) {
             continue;
         }
         std::string state = name;
-        state += " " + room.AskOne("master",
-                                   std::string("SELECT DATABASEPROPERTYEX('") + name + "', 'UserAccess')");
-        for (const std::string& logical : room.Ask("master", std::string("SELECT RTRIM(name) FROM ") + name +
-                                                                 ".dbo.sysfiles ORDER BY fileid")) {
+        state += " " + fixture.AskOne("master",
+                                      std::string("SELECT DATABASEPROPERTYEX('") + name + "', 'UserAccess')");
+        for (const std::string& logical : fixture.Ask("master", std::string("SELECT RTRIM(name) FROM ") +
+                                                                    name + ".dbo.sysfiles ORDER BY fileid")) {
             state += " " + logical;
         }
-        return state + " " + Rows(room, name) + " rows " + files;
+        return state + " " + Rows(fixture, name) + " rows " + files;
     }
-    return "detached " + RescuedRows(room) + " rows " + files;
+    return "detached " + RescuedRows(fixture) + " rows " + files;
 }
 
 FaultyOperation Rename() {
     FaultyOperation rename;
-    rename.prepare = [](FaultRoom& room) {
-        room.CreateDatabase("Batch", {"CREATE TABLE Things (a int)", "INSERT Things VALUES (1)",
-                                      "INSERT Things VALUES (2)", "INSERT Things VALUES (3)"});
+    rename.prepare = [](FaultFixture& fixture) {
+        fixture.CreateDatabase("Batch", {"CREATE TABLE Things (a int)", "INSERT Things VALUES (1)",
+                                         "INSERT Things VALUES (2)", "INSERT Things VALUES (3)"});
     };
-    rename.run = [](FaultRoom& room) {
+    rename.run = [](FaultFixture& fixture) {
         CUpgradeDbMgr manager;
-        room.Fill(manager);
+        fixture.Fill(manager);
         return manager.RenameDatabase("Batch", "Tmp");
     };
     rename.state = State;
@@ -84,7 +84,7 @@ FaultyOperation Rename() {
         {R"(sp_attach_db N'Tmp', N'{data}\Tmp_data.mdf', N'{data}\Tmp_log.ldf')",
          "Tmp MULTI_USER Tmp_data Tmp_log 3 rows --xx", "detached 3 rows --xx"},
     };
-    // The inner operation, which asks for the files, has a line of its own.
+    // The inner operation, which asks for the files, logs its own line.
     rename.log_lines = [](std::size_t step) {
         constexpr std::size_t kInnerSteps = 2;
         Lines lines = {"CUpgradeDbMgr::RenameDatabase('Batch', 'Tmp')"};
@@ -96,7 +96,7 @@ FaultyOperation Rename() {
     return rename;
 }
 
-TEST(RenameDatabaseFaults, LeaveWhatTheStepsBeforeLeftAndEveryRow) {
+TEST(RenameDatabaseFaults, LeaveTheStateOfThePreviousStepAndEveryRow) {
     TryEveryFault("RenameDatabase", Rename());
 }
 

@@ -1,20 +1,19 @@
-// UpgradeDatabase and Synchronize with a fault at each of their statements. The databases' procedures are
-// small ones of the test's own: what counts is which of them ran.
+// UpgradeDatabase and Synchronize with a fault at each of their statements. The stored procedures are small
+// ones written for these tests, which show that they ran.
 #include <gtest/gtest.h>
 
 #include "admin/faults/fault_fixture.h"
 #include "admin/synchronize_db_mgr.h"
 #include "admin/upgrade_db_mgr.h"
+#include "support/program_statements.h"
 
 namespace kv {
 namespace {
 
-constexpr char kVersionQuery[] = "SELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'";
-constexpr char kJobQuery[] = "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
-                             "From msdb.dbo.syscategories Where "
-                             "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
+using support::kJobQuery;
+using support::kVersionQuery;
 
-/// The batches of a database of this version.
+/// The batches that make a database of this version.
 Lines Database(const std::string& version) {
     return {"CREATE TABLE LKConfig (ParameterName nvarchar(50), Value nvarchar(50))",
             "INSERT LKConfig VALUES ('DatabaseVersion', '" + version + "')",
@@ -25,27 +24,27 @@ Lines Database(const std::string& version) {
             "INSERT Replicated VALUES (1)"};
 }
 
-/// Rows of the old and of the new database, and whether the new one is replicated.
-std::string UpgradeState(FaultRoom& room) {
-    return room.AskOne("Tmp", "SELECT COUNT(*) FROM Things") + " old " +
-           room.AskOne("Batch", "SELECT COUNT(*) FROM Things") + " new replicated " +
-           room.AskOne("Batch", "SELECT COUNT(*) FROM Replicated");
+/// The number of rows of the old and of the new database, and whether the new one is replicated.
+std::string UpgradeState(FaultFixture& fixture) {
+    return fixture.AskOne("Tmp", "SELECT COUNT(*) FROM Things") + " old " +
+           fixture.AskOne("Batch", "SELECT COUNT(*) FROM Things") + " new replicated " +
+           fixture.AskOne("Batch", "SELECT COUNT(*) FROM Replicated");
 }
 
 FaultyOperation Upgrade() {
     FaultyOperation upgrade;
-    upgrade.prepare = [](FaultRoom& room) {
-        room.CreateDatabase("Tmp", Database("1"));
-        room.CreateDatabase("Batch", Database("2"));
-        room.Ask("Tmp", "INSERT Things VALUES (1) INSERT Things VALUES (2)");
-        room.Ask("Batch", "CREATE PROCEDURE spUpgradeDatabase @old int, @new int, @source nvarchar(50), "
-                          "@destination nvarchar(50), @user nvarchar(50), @password nvarchar(50) AS "
-                          "EXEC ('INSERT [' + @destination + '].dbo.Things SELECT a FROM [' + @source + "
-                          "'].dbo.Things')");
+    upgrade.prepare = [](FaultFixture& fixture) {
+        fixture.CreateDatabase("Tmp", Database("1"));
+        fixture.CreateDatabase("Batch", Database("2"));
+        fixture.Ask("Tmp", "INSERT Things VALUES (1) INSERT Things VALUES (2)");
+        fixture.Ask("Batch", "CREATE PROCEDURE spUpgradeDatabase @old int, @new int, @source nvarchar(50), "
+                             "@destination nvarchar(50), @user nvarchar(50), @password nvarchar(50) AS "
+                             "EXEC ('INSERT [' + @destination + '].dbo.Things SELECT a FROM [' + @source + "
+                             "'].dbo.Things')");
     };
-    upgrade.run = [](FaultRoom& room) {
+    upgrade.run = [](FaultFixture& fixture) {
         CUpgradeDbMgr manager;
-        room.Fill(manager);
+        fixture.Fill(manager);
         return manager.UpgradeDatabase("Batch", "Tmp");
     };
     upgrade.state = UpgradeState;
@@ -62,34 +61,35 @@ FaultyOperation Upgrade() {
     return upgrade;
 }
 
-TEST(UpgradeDatabaseFaults, LeaveTheOldRowsAndWhatTheStepsBeforeLeft) {
+TEST(UpgradeDatabaseFaults, LeaveTheOldRowsAndTheStateOfThePreviousStep) {
     TryEveryFault("UpgradeDatabase", Upgrade());
 }
 
-/// A database that replicates, on a server with a distribution job: the longer of the two ways.
+/// A replicated database on a server with a distribution job: the longer of the two sequences.
 FaultyOperation Synchronize() {
     FaultyOperation synchronize;
-    synchronize.prepare = [](FaultRoom& room) {
-        room.CreateDatabase("Batch", Database("2"));
-        room.Ask("Batch",
-                 "CREATE PROCEDURE spStdSynchronize @user nvarchar(50), @password nvarchar(50), "
-                 "@to nvarchar(50), @from nvarchar(50), @destination nvarchar(50), @source nvarchar(50), "
-                 "@user2 nvarchar(50), @user1 nvarchar(50), @password2 nvarchar(50), @password1 nvarchar(50) "
-                 "AS INSERT Things VALUES (1)");
-        room.Ask("msdb", "INSERT msdb.dbo.syscategories (category_class, category_type, name) "
-                         "SELECT 1, 1, 'REPL-Distribution' WHERE NOT EXISTS "
-                         "(SELECT * FROM msdb.dbo.syscategories WHERE name = 'REPL-Distribution')");
-        room.Ask("msdb", "EXEC msdb.dbo.sp_add_job @job_name = N'distribution', "
-                         "@category_name = N'REPL-Distribution'");
+    synchronize.prepare = [](FaultFixture& fixture) {
+        fixture.CreateDatabase("Batch", Database("2"));
+        fixture.Ask(
+            "Batch",
+            "CREATE PROCEDURE spStdSynchronize @user nvarchar(50), @password nvarchar(50), "
+            "@to nvarchar(50), @from nvarchar(50), @destination nvarchar(50), @source nvarchar(50), "
+            "@user2 nvarchar(50), @user1 nvarchar(50), @password2 nvarchar(50), @password1 nvarchar(50) "
+            "AS INSERT Things VALUES (1)");
+        fixture.Ask("msdb", "INSERT msdb.dbo.syscategories (category_class, category_type, name) "
+                            "SELECT 1, 1, 'REPL-Distribution' WHERE NOT EXISTS "
+                            "(SELECT * FROM msdb.dbo.syscategories WHERE name = 'REPL-Distribution')");
+        fixture.Ask("msdb", "EXEC msdb.dbo.sp_add_job @job_name = N'distribution', "
+                            "@category_name = N'REPL-Distribution'");
     };
-    synchronize.run = [](FaultRoom& room) {
+    synchronize.run = [](FaultFixture& fixture) {
         CSynchronizeDbMgr manager;
-        room.Fill(manager);
+        fixture.Fill(manager);
         return manager.Synchronize("Batch", "Copy");
     };
-    synchronize.state = [](FaultRoom& room) {
-        return "synchronised " + room.AskOne("Batch", "SELECT COUNT(*) FROM Things") + " replicated " +
-               room.AskOne("Batch", "SELECT COUNT(*) FROM Replicated");
+    synchronize.state = [](FaultFixture& fixture) {
+        return "synchronised " + fixture.AskOne("Batch", "SELECT COUNT(*) FROM Things") + " replicated " +
+               fixture.AskOne("Batch", "SELECT COUNT(*) FROM Replicated");
     };
     synchronize.state_before = "synchronised 0 replicated 1";
     synchronize.steps = {
@@ -107,7 +107,7 @@ FaultyOperation Synchronize() {
     return synchronize;
 }
 
-TEST(SynchronizeFaults, LeaveReplicationAsTheStepsBeforeLeftIt) {
+TEST(SynchronizeFaults, LeaveTheStateOfThePreviousStep) {
     TryEveryFault("Synchronize", Synchronize());
 }
 

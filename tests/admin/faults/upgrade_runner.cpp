@@ -1,5 +1,5 @@
-// Runs the unattended upgrade alone, as a program of its own: the machine that a test makes has its own
-// folder, and the program finds its data beside itself. Usage: upgrade_runner SCRIPT_FOLDER
+// Runs the unattended upgrade as a separate program, so that each test can have its own folder Data, which is
+// beside the executable. Usage: upgrade_runner SCRIPT_FOLDER
 #include "unattended/automatic_upgrade.h"
 
 int main(int argc, char** argv) {

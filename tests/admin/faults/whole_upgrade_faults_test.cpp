@@ -1,6 +1,6 @@
-// The whole unattended upgrade, as a program of its own with its query tool, with a fault at each statement
-// that goes to the server: what stands afterwards, what the log says, and that the old rows are still to be
-// had. The scripts are small ones of the test's own.
+// The whole unattended upgrade, run as a separate program with its query tool, with a fault at each statement
+// that is sent to the server: the databases afterwards, the log, and that the old rows are not lost. The
+// scripts are small ones written for this test.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -48,7 +48,7 @@ constexpr char kInsertData[] =
 GO
 )";
 
-// The lines of the log.
+// Lines of the log.
 constexpr char kInfo[] = "CUpgradeDbMgr::GetDatabaseInfo('Batch')";
 constexpr char kAbort[] = "modMain::DoAutomaticUpgrade";
 constexpr char kRemove[] = "CUpgradeDbMgr::RemoveDatabase('TmpBatchUpgradeDb')";
@@ -56,22 +56,22 @@ constexpr char kRename[] = "CUpgradeDbMgr::RenameDatabase('Batch', 'TmpBatchUpgr
 constexpr char kPackage[] = "CSQLScriptMgr::InstallDTSPackage(0)";
 constexpr char kUpgrade[] = "CUpgradeDbMgr::UpgradeDatabase('Batch', 'TmpBatchUpgradeDb')";
 
-/// What stands, as "version:rows" of each database, and the packages.
+/// The state after a run, with "version:rows" of each database and the number of packages, and the lines of
+/// the log.
 struct Outcome {
     std::string state;
     Lines log;
 };
 
-/// A statement as it goes to the server, known by its beginning; what comes of a run in which it alone fails,
-/// and of one whose server ends with it.
+/// A statement that is sent to the server, and the outcomes of faults at it.
 struct UpgradeStep {
-    const char* event;
-    Outcome fails;
-    Outcome ends;
-    /// The program itself waits for it and gives up; the query tool and the packages have no limit.
+    const char* event; ///< the beginning of the statement
+    Outcome fails;     ///< if this statement fails and the server keeps running
+    Outcome ends;      ///< if the server ends before the statement
+    /// The statement has a time limit. Those of the query tool and of the packages have none.
     bool limited = true;
-    /// The outcome of a run in which the statement is done and its answer does not arrive. If it is not
-    /// given, it is the outcome of a failure of the next step.
+    /// The outcome if the statement runs and its answer is lost. If it is not set, it is the outcome of a
+    /// failure of the next step.
     std::optional<Outcome> unanswered{};
 };
 
@@ -83,7 +83,7 @@ std::vector<UpgradeStep> Information() {
             {"use [Batch] exec sp_helpfile", untouched, untouched, true, untouched}};
 }
 
-/// With the temporary database of an earlier run still there, the old one cannot take its name and stays.
+/// If the temporary database of an earlier run is not removed, the old database cannot be renamed to it.
 std::vector<UpgradeStep> Removal() {
     const Outcome fails = {"Batch=1:3 Tmp=1:7 packages=1", {kRemove, kRename, kUpgrade}};
     const Outcome ends = {"Batch=1:3 Tmp=1:7 packages=0", {kRemove, kInfo, kRename, kPackage, kUpgrade}};
@@ -112,7 +112,7 @@ std::vector<UpgradeStep> Renaming() {
     const Outcome ends = {"Batch=1:3 Tmp=none packages=0", {kRename, kPackage, kUpgrade}};
     const Outcome fails_single = {"Batch=1:3 single Tmp=none packages=1", {kRename, kUpgrade}};
     const Outcome ends_single = {"Batch=1:3 single Tmp=none packages=0", {kRename, kPackage, kUpgrade}};
-    // Once the name is changed the rest of the run finds what it needs.
+    // After the name was changed the rest of the run succeeds.
     const Outcome renamed_fails = {kGood.state, {kRename}};
     const Outcome renamed_ends = {"Batch=none Tmp=1:3 packages=0", {kRename, kPackage, kUpgrade}};
     const Outcome detached_fails = {"Batch=2:0 Tmp=none packages=1 detached 3", {kRename, kUpgrade}};
@@ -131,13 +131,13 @@ std::vector<UpgradeStep> Renaming() {
             {"sp_attach_db", detached_fails, detached_ends, true, renamed_fails}};
 }
 
-/// The query tool's statements, the options that it sets for its session first.
+/// The statements of the query tool, which begin with its session's options.
 std::vector<UpgradeStep> Scripts() {
     const Outcome nothing_fails = {"Batch=none Tmp=1:3 packages=1", {kUpgrade}};
     const Outcome nothing_ends = {"Batch=none Tmp=1:3 packages=0", {kPackage, kUpgrade}};
     const Outcome empty_fails = {"Batch=empty Tmp=1:3 packages=1", {kUpgrade}};
     const Outcome empty_ends = {"Batch=empty Tmp=1:3 packages=0", {kPackage, kUpgrade}};
-    const Outcome helpless_fails = {"Batch=2:0 Tmp=1:3 packages=1", {kUpgrade}};
+    const Outcome no_procedures_fails = {"Batch=2:0 Tmp=1:3 packages=1", {kUpgrade}};
     const Outcome unversioned_fails = {"Batch=-:0 Tmp=1:3 packages=1", {kUpgrade}};
     const Outcome unversioned_ends = {"Batch=-:0 Tmp=1:3 packages=0", {kPackage, kUpgrade}};
     return {{"login", nothing_fails, nothing_ends, false},
@@ -147,14 +147,14 @@ std::vector<UpgradeStep> Scripts() {
             {"CREATE DATABASE", nothing_fails, nothing_ends, false},
             {"USE [Batch]", empty_fails, empty_ends, false},
             {"CREATE TABLE", empty_fails, empty_ends, false},
-            {"", kGood, unversioned_ends, false, kGood}, // the blank line that every modified script ends in
-            {"login", helpless_fails, unversioned_ends, false},
-            {"SET ANSI_NULLS ON", helpless_fails, unversioned_ends, false},
-            {"SET QUOTED_IDENTIFIER OFF", helpless_fails, unversioned_ends, false},
-            {"IF NOT EXISTS", helpless_fails, unversioned_ends, false},
-            {"USE [Batch]", helpless_fails, unversioned_ends, false},
-            {"CREATE PROCEDURE spUninstallReplication", helpless_fails, unversioned_ends, false},
-            {"CREATE PROCEDURE spUpgradeDatabase", helpless_fails, unversioned_ends, false},
+            {"", kGood, unversioned_ends, false, kGood}, // the blank line at the end of every modified script
+            {"login", no_procedures_fails, unversioned_ends, false},
+            {"SET ANSI_NULLS ON", no_procedures_fails, unversioned_ends, false},
+            {"SET QUOTED_IDENTIFIER OFF", no_procedures_fails, unversioned_ends, false},
+            {"IF NOT EXISTS", no_procedures_fails, unversioned_ends, false},
+            {"USE [Batch]", no_procedures_fails, unversioned_ends, false},
+            {"CREATE PROCEDURE spUninstallReplication", no_procedures_fails, unversioned_ends, false},
+            {"CREATE PROCEDURE spUpgradeDatabase", no_procedures_fails, unversioned_ends, false},
             {"", kGood, unversioned_ends, false, kGood},
             {"login", unversioned_fails, unversioned_ends, false},
             {"SET ANSI_NULLS ON", unversioned_fails, unversioned_ends, false},
@@ -165,7 +165,7 @@ std::vector<UpgradeStep> Scripts() {
             {"", kGood, {"Batch=2:0 Tmp=1:3 packages=0", {kPackage, kUpgrade}}, false, kGood}};
 }
 
-/// Removing the package of an earlier time comes first, and a failure there is not noticed.
+/// The first call removes the old package; its failure is not noticed.
 std::vector<UpgradeStep> Packages() {
     const Outcome unnoticed = kGood;
     const Outcome fails = {"Batch=2:3 Tmp=1:3 packages=0", {kPackage}};
@@ -198,89 +198,90 @@ void Write(const fs::path& path, const std::string& content) {
     std::ofstream(path, std::ios::binary) << content;
 }
 
-/// Everything that is the same for all runs: the programs, the scripts and, in "model", the server.
-void PreparePlant(const fs::path& plant) {
+/// Makes the files that all runs have in common: the programs, the scripts and, in "model", the server.
+void PrepareCommonFiles(const fs::path& common) {
     const fs::path binaries = platform::ExecutableFolder();
-    fs::create_directories(plant / "scripts");
-    fs::create_directory(plant / "model");
-    fs::copy(binaries / "upgrade_runner", plant / "KVLSQLDbMgr");
-    fs::copy(binaries / "OSQL.EXE", plant / "OSQL.EXE");
-    fs::copy(fs::path(KV_SAMPLES) / "StdSynchronize.dts", plant / "scripts");
-    Write(plant / "scripts" / "Create_Batch_Database.sql", kCreateDatabase);
-    Write(plant / "scripts" / "Create_Batch_Stored_Procedures.sql", std::string(kGuard) + kCreateProcedures);
-    Write(plant / "scripts" / "Insert_Default_Data.sql", std::string(kGuard) + kInsertData);
-    MakeModel(
-        [](FaultRoom& room) {
+    fs::create_directories(common / "scripts");
+    fs::create_directory(common / "model");
+    fs::copy(binaries / "upgrade_runner", common / "KVLSQLDbMgr");
+    fs::copy(binaries / "OSQL.EXE", common / "OSQL.EXE");
+    fs::copy(fs::path(KV_SAMPLES) / "StdSynchronize.dts", common / "scripts");
+    Write(common / "scripts" / "Create_Batch_Database.sql", kCreateDatabase);
+    Write(common / "scripts" / "Create_Batch_Stored_Procedures.sql", std::string(kGuard) + kCreateProcedures);
+    Write(common / "scripts" / "Insert_Default_Data.sql", std::string(kGuard) + kInsertData);
+    MakeServerModel(
+        [](FaultFixture& fixture) {
             for (const auto& [name, rows] : {std::pair("Batch", 3), std::pair("TmpBatchUpgradeDb", 7)}) {
-                room.CreateDatabase(
+                fixture.CreateDatabase(
                     name, {"CREATE TABLE LKConfig (ParameterName nvarchar(50), Value nvarchar(50))",
                            "INSERT LKConfig VALUES ('DatabaseVersion', '1')", "CREATE TABLE Things (a int)",
                            "DECLARE @i int SET @i = 0 WHILE @i < " + std::to_string(rows) +
                                " BEGIN INSERT Things VALUES (@i) SET @i = @i + 1 END"});
             }
         },
-        plant / "model");
+        common / "model");
 }
 
-/// The machine of one run: the program in a folder of its own, the query tool, the registry.
-void RunUpgrade(FaultRoom& room, const fs::path& plant) {
-    const fs::path machine = room.Folder() / "machine";
-    fs::create_directories(machine / "tools" / "Binn");
-    fs::create_hard_link(plant / "KVLSQLDbMgr", machine / "KVLSQLDbMgr");
-    fs::create_hard_link(plant / "OSQL.EXE", machine / "tools" / "Binn" / "OSQL.EXE");
+/// Runs the upgrade in a new folder with the program, the query tool and the registry.
+void RunUpgrade(FaultFixture& fixture, const fs::path& common) {
+    const fs::path installed = fixture.Folder() / "installed";
+    fs::create_directories(installed / "tools" / "Binn");
+    fs::create_hard_link(common / "KVLSQLDbMgr", installed / "KVLSQLDbMgr");
+    fs::create_hard_link(common / "OSQL.EXE", installed / "tools" / "Binn" / "OSQL.EXE");
     const std::string hive = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\";
     const std::string sql_server = hive + "Microsoft\\Microsoft SQL Server\\";
-    Write(room.Folder() / "registry.reg",
-          "REGEDIT4\n\n" + hive + "ORVIK\\QUORLEN\\Log]\n@=\"" + (room.Folder() / "Log").string() + "\"\n\n" +
-              hive + "Orvik\\Quorlen\\Lotkeeper\\Login]\n\"ServerName\"=\"" + room.ServerName() +
-              "\"\n\"UserID\"=\"sa\"\n\"PWD\"=\"Test-1\"\n\n" + sql_server +
+    Write(fixture.Folder() / "registry.reg",
+          "REGEDIT4\n\n" + hive + "ORVIK\\QUORLEN\\Log]\n@=\"" + (fixture.Folder() / "Log").string() +
+              "\"\n\n" + hive + "Orvik\\Quorlen\\Lotkeeper\\Login]\n\"ServerName\"=\"" +
+              fixture.ServerName() + "\"\n\"UserID\"=\"sa\"\n\"PWD\"=\"Test-1\"\n\n" + sql_server +
               "KV_BATCH\\MSSQLServer\\CurrentVersion]\n\"CurrentVersion\"=\"14.0.1000.169\"\n\n" +
-              sql_server + "140\\Tools\\ClientSetup]\n\"SQLPath\"=\"" + (machine / "tools").string() +
+              sql_server + "140\\Tools\\ClientSetup]\n\"SQLPath\"=\"" + (installed / "tools").string() +
               "\"\n");
     platform::ShellExecuteInfo info;
     info.mask = platform::kNoCloseProcess;
-    info.file = (machine / "KVLSQLDbMgr").string();
-    info.parameters = "\"" + (plant / "scripts").string() + "/\"";
+    info.file = (installed / "KVLSQLDbMgr").string();
+    info.parameters = "\"" + (common / "scripts").string() + "/\"";
     std::unique_ptr<platform::Process> process;
     ASSERT_TRUE(platform::ShellExecuteProgram(info, process));
     process->Wait(platform::kInfiniteWait);
 }
 
-std::string DatabaseState(const FaultRoom& room, const std::string& name) {
-    if (!room.HasDatabase(name)) {
+std::string DatabaseState(const FaultFixture& fixture, const std::string& name) {
+    if (!fixture.HasDatabase(name)) {
         return "none";
     }
     const std::string single =
-        room.AskOne("master", "SELECT DATABASEPROPERTYEX('" + name + "', 'UserAccess')") == "MULTI_USER"
+        fixture.AskOne("master", "SELECT DATABASEPROPERTYEX('" + name + "', 'UserAccess')") == "MULTI_USER"
             ? ""
             : " single";
-    if (room.Ask("master", "SELECT name FROM " + name + ".dbo.sysobjects WHERE name = 'LKConfig'").empty()) {
+    if (fixture.Ask("master", "SELECT name FROM " + name + ".dbo.sysobjects WHERE name = 'LKConfig'")
+            .empty()) {
         return "empty" + single;
     }
-    const std::string version = room.AskOne("master", "SELECT Value FROM " + name + ".dbo.LKConfig");
+    const std::string version = fixture.AskOne("master", "SELECT Value FROM " + name + ".dbo.LKConfig");
     return (version.empty() ? "-" : version) + ":" +
-           room.AskOne("master", "SELECT COUNT(*) FROM " + name + ".dbo.Things") + single;
+           fixture.AskOne("master", "SELECT COUNT(*) FROM " + name + ".dbo.Things") + single;
 }
 
-std::string State(FaultRoom& room) {
-    const std::string batch = DatabaseState(room, "Batch");
-    const std::string temporary = DatabaseState(room, "TmpBatchUpgradeDb");
-    std::string state = "Batch=" + batch + " Tmp=" + temporary +
-                        " packages=" + room.AskOne("master", "SELECT COUNT(*) FROM msdb.dbo.sysdtspackages");
+std::string State(FaultFixture& fixture) {
+    const std::string batch = DatabaseState(fixture, "Batch");
+    const std::string temporary = DatabaseState(fixture, "TmpBatchUpgradeDb");
+    std::string state = "Batch=" + batch + " Tmp=" + temporary + " packages=" +
+                        fixture.AskOne("master", "SELECT COUNT(*) FROM msdb.dbo.sysdtspackages");
     if (!batch.starts_with("1:3") && !temporary.starts_with("1:3")) {
-        // Nobody has the old rows: they lie in the files, which have been moved or not.
-        const std::string files = room.OldFolder().string();
+        // No database has the old rows. They are in the detached files, which may have been moved.
+        const std::string files = fixture.OldFolder().string();
         const bool moved = fs::exists(files + "/TmpBatchUpgradeDb_data.mdf");
-        room.Ask("master", "sp_attach_db N'Rescue', N'" + files +
-                               (moved ? "/TmpBatchUpgradeDb_data.mdf" : "/Batch_dat.mdf") + "', N'" + files +
-                               (moved ? "/TmpBatchUpgradeDb_log.ldf'" : "/Batch_lg.ldf'"));
-        state += " detached " + room.AskOne("Rescue", "SELECT COUNT(*) FROM Things");
+        fixture.Ask("master", "sp_attach_db N'Rescue', N'" + files +
+                                  (moved ? "/TmpBatchUpgradeDb_data.mdf" : "/Batch_dat.mdf") + "', N'" +
+                                  files + (moved ? "/TmpBatchUpgradeDb_log.ldf'" : "/Batch_lg.ldf'"));
+        state += " detached " + fixture.AskOne("Rescue", "SELECT COUNT(*) FROM Things");
     }
     return state;
 }
 
-void ExpectEvents(FaultRoom& room, const std::vector<UpgradeStep>& steps) {
-    const Lines events = room.Proxy().Events();
+void ExpectEvents(FaultFixture& fixture, const std::vector<UpgradeStep>& steps) {
+    const Lines events = fixture.Proxy().Events();
     std::string all;
     for (const std::string& event : events) {
         all += event + "\n";
@@ -292,21 +293,21 @@ void ExpectEvents(FaultRoom& room, const std::vector<UpgradeStep>& steps) {
     }
 }
 
-/// The good run, with every statement late that nobody gives up: those of the query tool and of the packages.
-/// Gives nothing back but failed expectations.
-void TryLate(const fs::path& plant, const std::vector<UpgradeStep>& steps) {
-    FaultRoom room(plant / "model");
-    room.Proxy().Ignore("PRINT ''");
+/// A run without failures in which every statement without a time limit is slow: those of the query tool and
+/// of the packages.
+void TrySlow(const fs::path& common, const std::vector<UpgradeStep>& steps) {
+    FaultFixture fixture(common / "model");
+    fixture.Proxy().Ignore("PRINT ''");
     const auto unlimited = [](const UpgradeStep& step) { return !step.limited; };
     const auto first = std::ranges::find_if(steps, unlimited) - steps.begin();
-    room.Proxy().Arm(static_cast<std::size_t>(first),
-                     static_cast<std::size_t>(first + std::ranges::count_if(steps, unlimited) - 1),
-                     Fault::Slow);
-    RunUpgrade(room, plant);
-    EXPECT_TRUE(room.Proxy().Struck());
-    EXPECT_EQ(State(room), kGood.state);
-    EXPECT_EQ(room.LogLines(), kGood.log);
-    ExpectEvents(room, steps);
+    fixture.Proxy().Arm(static_cast<std::size_t>(first),
+                        static_cast<std::size_t>(first + std::ranges::count_if(steps, unlimited) - 1),
+                        Fault::Slow);
+    RunUpgrade(fixture, common);
+    EXPECT_TRUE(fixture.Proxy().Struck());
+    EXPECT_EQ(State(fixture), kGood.state);
+    EXPECT_EQ(fixture.LogLines(), kGood.log);
+    ExpectEvents(fixture, steps);
 }
 
 const Outcome& WantedOutcome(const std::vector<UpgradeStep>& steps, std::size_t step, Fault fault) {
@@ -319,42 +320,42 @@ const Outcome& WantedOutcome(const std::vector<UpgradeStep>& steps, std::size_t 
     return steps[step].unanswered ? *steps[step].unanswered : steps[step + 1].fails;
 }
 
-void Try(const fs::path& plant, const std::vector<UpgradeStep>& steps, std::size_t step, Fault fault) {
-    FaultRoom room(plant / "model");
-    room.Proxy().Ignore("PRINT ''");
-    room.Proxy().Arm(step, fault);
-    RunUpgrade(room, plant);
-    EXPECT_TRUE(room.Proxy().Struck());
+void Try(const fs::path& common, const std::vector<UpgradeStep>& steps, std::size_t step, Fault fault) {
+    FaultFixture fixture(common / "model");
+    fixture.Proxy().Ignore("PRINT ''");
+    fixture.Proxy().Arm(step, fault);
+    RunUpgrade(fixture, common);
+    EXPECT_TRUE(fixture.Proxy().Struck());
     if (fault == Fault::KillBefore) {
-        room.StartServerAgain();
+        fixture.RestartServer();
     }
     const Outcome& wanted = WantedOutcome(steps, step, fault);
-    EXPECT_EQ(State(room), wanted.state);
-    EXPECT_EQ(room.LogLines(), wanted.log);
+    EXPECT_EQ(State(fixture), wanted.state);
+    EXPECT_EQ(fixture.LogLines(), wanted.log);
 }
 
-TEST(WholeUpgradeFaults, LeaveTheOldRowsWhateverStatementFails) {
+TEST(WholeUpgradeFaults, NeverLoseTheOldRows) {
     const support::TempFolder folder;
-    const fs::path plant = folder.Path();
-    PreparePlant(plant);
+    const fs::path common = folder.Path();
+    PrepareCommonFiles(common);
     const std::vector<UpgradeStep> steps = AllSteps();
-    std::size_t late = 0;
-    std::vector<support::Case> cases = {{"late statements", [&] { TryLate(plant, steps); }}};
+    std::size_t slow = 0;
+    std::vector<support::Case> cases = {{"slow statements", [&] { TrySlow(common, steps); }}};
     for (std::size_t i = 0; i < steps.size(); ++i) {
         std::vector<Fault> faults = {Fault::CutBefore, Fault::CutAfter, Fault::KillBefore};
         if (steps[i].limited) {
             faults.push_back(Fault::HangBefore);
         } else {
-            ++late;
+            ++slow;
         }
         for (const Fault fault : faults) {
             cases.push_back(
                 {std::string(support::NameOf(fault)) + " at " + std::to_string(i) + " " + steps[i].event,
-                 [&, i, fault] { Try(plant, steps, i, fault); }});
+                 [&, i, fault] { Try(common, steps, i, fault); }});
         }
     }
     support::RunInChildren(cases, kFaultsAtOnce);
-    std::printf("unattended upgrade: %zu faults tried at %zu steps\n", cases.size() - 1 + late, steps.size());
+    std::printf("unattended upgrade: %zu faults tried at %zu steps\n", cases.size() - 1 + slow, steps.size());
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// The real executable on a screen, driven from outside as a person does: windows found by the identifiers of
-// the control tree, real mouse and keyboard input, and what is shown read back.
+// Drives the real executable on a screen with mouse and keyboard input. Finds its controls by the identifiers
+// of the control tree and reads their texts.
 #include <memory>
 #include <string>
 
@@ -16,7 +16,7 @@ namespace {
 
 constexpr char kSettings[] = "Software\\VB and VBA Program Settings\\KVLSQLDbMgr";
 
-/// The program beside this one, running.
+/// A running KVLSQLDbMgr.exe, from the folder of this test.
 class Program {
   public:
     Program() {
@@ -31,15 +31,16 @@ class Program {
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
     ~Program() {
-        ::TerminateProcess(process_.hProcess, 1); // no more than a failed test leaves it running
+        ::TerminateProcess(process_.hProcess, 1); // it still runs only after a failed test
         ::WaitForSingleObject(process_.hProcess, 10000);
         ::CloseHandle(process_.hProcess);
         ::CloseHandle(process_.hThread);
     }
 
+    /// Waits for its end.
     bool Ends() const { return ::WaitForSingleObject(process_.hProcess, 60000) == WAIT_OBJECT_0; }
 
-    /// Its window, visible and in front; null if there is none.
+    /// Waits for its window and activates it; null if there is none.
     HWND Window() const {
         HWND window = nullptr;
         hands::WaitFor([this, &window] {
@@ -77,8 +78,8 @@ class Console : public ::testing::Test {
         const HWND box = Native(name, index);
         constexpr std::chrono::seconds kMoment{5};
         bool focused = false;
-        for (int click = 0; click < 10 && !focused;
-             ++click) { // one may go past a window that has just come up
+        // A window that was just shown may miss a click.
+        for (int click = 0; click < 10 && !focused; ++click) {
             far_controls::Click(box);
             focused = hands::WaitFor([this, box] { return hands::FocusIn(window_) == box; }, kMoment);
         }
@@ -88,7 +89,7 @@ class Console : public ::testing::Test {
             << name << ": " << hands::Text(box);
     }
     int Tab() const { return static_cast<int>(::SendMessageA(Native("tabMain"), TCM_GETCURSEL, 0, 0)); }
-    /// It is made when it is shown first.
+    /// Waits for the page: its window is created when it is first shown.
     bool PageIsShown(int page) const {
         return hands::WaitFor([&] {
             const HWND frame = Native("fraMainTab", page);
@@ -105,7 +106,7 @@ class Console : public ::testing::Test {
     HWND window_ = nullptr;
 };
 
-TEST_F(Console, OpensWithItsVersionInItsTitleAndEndsByItsButton) {
+TEST_F(Console, ShowsItsVersionInItsTitleAndEndsByItsButton) {
     EXPECT_EQ(hands::Text(window_), "Halvane Vindrel SQL Database Manager [Version 6.G4 Build 31]");
     EXPECT_EQ(hands::Text(Native("lblStatus")), "");
     EXPECT_TRUE(PageIsShown(kv::kGeneralTab));
@@ -113,7 +114,7 @@ TEST_F(Console, OpensWithItsVersionInItsTitleAndEndsByItsButton) {
 }
 
 TEST_F(Console, OpensOnlyTheTabsThatItsFieldsAllow) {
-    hands::Press(VK_TAB, {VK_CONTROL}); // no other tab can be used: this one stays
+    hands::Press(VK_TAB, {VK_CONTROL}); // no other tab can be used, so this one stays open
     Fill("edtServerName", 0, "SRVA");
     EXPECT_EQ(Tab(), kv::kGeneralTab);
     Fill("edtUserID", 0, "sa");
@@ -130,7 +131,7 @@ TEST_F(Console, OpensOnlyTheTabsThatItsFieldsAllow) {
     Close();
 }
 
-TEST_F(Console, RemembersWhatWasTyped) {
+TEST_F(Console, RemembersTypedTexts) {
     Fill("edtServerName", 1, "SRVB");
     Fill("edtScriptFolder", ui::kNoIndex, "C:\\scripts");
     Close();
@@ -159,7 +160,7 @@ TEST_F(Console, RefusesARunWithNothingTicked) {
     EXPECT_TRUE(hands::Activate(box));
     hands::Press(VK_RETURN);
     EXPECT_TRUE(hands::WaitFor([&] { return ::IsWindow(box) == 0; }));
-    EXPECT_EQ(hands::Text(Native("lblStatus")), "Initializing..."); // it stays until the next command
+    EXPECT_EQ(hands::Text(Native("lblStatus")), "Initializing..."); // kept until the next command
     EXPECT_TRUE(::IsWindowEnabled(Native("cmdCreateInstall")));
     Close();
 }

@@ -1,9 +1,15 @@
-#include "console/folder_browser.h"
+#include "console/dialogs.h"
 
 #include "base/failure.h"
+#include "platform/files.h"
+#include "platform/message_box.h"
 #include "ui/toolkit.h"
 
 namespace kv {
+
+void ShowExclamation(const std::string& text) {
+    platform::ShowMessageBox(text, platform::MessageIcon::Exclamation, platform::ExecutableName());
+}
 
 std::string BrowseForFolder(const ui::Form& owner, const std::string& strTitle,
                             const std::string& strStartFolder) {

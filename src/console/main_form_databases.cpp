@@ -1,9 +1,8 @@
-// frmMain: the status line, the block of settings, and the database lists.
+// frmMain's database lists: which combo boxes of which tab show the databases of a server.
 #include "admin/upgrade_db_mgr.h"
 #include "base/error_log.h"
 #include "base/failure.h"
 #include "console/main_form.h"
-#include "platform/pending_events.h"
 
 namespace kv {
 namespace {
@@ -16,7 +15,7 @@ struct DatabaseList {
 };
 
 /// In the order of filling. A name typed as the destination of an upgrade is kept, since that database need
-/// not be there yet.
+/// not exist yet.
 constexpr std::array kDatabaseLists = {
     DatabaseList{kSynchronizeTab, "cboSynchronizeSourceDatabase", false, false},
     DatabaseList{kSynchronizeTab, "cboSynchronizeDestDatabase", false, true},
@@ -31,49 +30,6 @@ constexpr std::array kDatabaseLists = {
 
 } // namespace
 
-void frmMain::InitStatus(Int16 intMax, const std::string& strText) {
-    prbStatus_.Min(0);
-    prbStatus_.Max(intMax < Int16(0) ? 1 : static_cast<float>(intMax.Value()));
-    prbStatus_.Value(0);
-    ShowStatusText(strText);
-}
-
-void frmMain::StepStatus(const std::string& strText) {
-    if (prbStatus_.Max() > prbStatus_.Value()) {
-        prbStatus_.Value(prbStatus_.Value() + 1);
-    }
-    ShowStatusText(strText);
-}
-
-void frmMain::ResetStatus(const std::string& strText) {
-    prbStatus_.Min(0);
-    prbStatus_.Value(0);
-    prbStatus_.Max(1);
-    ShowStatusText(strText);
-}
-
-void frmMain::ShowStatusText(const std::string& strText) {
-    lblStatus_.Caption(strText);
-    lblStatus_.Refresh();
-    platform::RunPendingEvents();
-}
-
-void frmMain::FillSettings(ServerPairSettings& settings, bool blnUseServerA) const {
-    const ServerFields a = FieldsOf(0);
-    const ServerFields b = FieldsOf(1);
-    settings.UseServerA(blnUseServerA);
-    settings.ServerA(a.name);
-    settings.ServerB(b.name);
-    settings.UserA(a.user);
-    settings.UserB(b.user);
-    settings.PasswordA(a.password);
-    settings.PasswordB(b.password);
-    settings.SQLDataPathA(a.data_path);
-    settings.SQLDataPathB(b.data_path);
-    settings.SQLUNCReplDataPathA(a.replication_path);
-    settings.SQLUNCReplDataPathB(b.replication_path);
-}
-
 void frmMain::UpdateDatabaseLists(int intTab, bool blnUseServerA) {
     if (loading_) {
         return;
@@ -82,7 +38,7 @@ void frmMain::UpdateDatabaseLists(int intTab, bool blnUseServerA) {
     WithFailureHandler(
         [&] {
             FillSettings(manager, blnUseServerA);
-            // An operation that failed leaves no names: the lists empty out.
+            // If the operation fails there are no names, and the lists become empty.
             std::vector<std::string> arrDatabase;
             manager.GetDatabases(arrDatabase);
             for (const DatabaseList& list : kDatabaseLists) {

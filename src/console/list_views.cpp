@@ -1,9 +1,21 @@
-#include "console/result_list.h"
+#include "console/list_views.h"
 
-#include "console/list_view_helpers.h"
 #include "platform/pending_events.h"
 
 namespace kv {
+
+bool SetExtendedStyle(ui::ListView& objListView, std::int32_t lngStyle, bool blnSet) {
+    const std::int32_t previous = objListView.ExtendedStyle();
+    objListView.ExtendedStyle(blnSet ? previous | lngStyle : previous ^ lngStyle);
+    return previous != 0;
+}
+
+void AutoSizeColumns(ui::ListView& objListView) {
+    const Int16 count(objListView.ColumnCount());
+    for (Int16 column; column < count; ++column) {
+        objListView.AutoSizeColumn(column.Value());
+    }
+}
 
 void EmptyResultList(ui::ListView& list) {
     list.ClearRows();
@@ -23,7 +35,7 @@ void FillResultList(
     }
     if (table.RowUpperBound() >= 1) {
         const Int16 last_row(table.RowUpperBound());
-        // The counter steps on behind the last row and overflows there if that is the last number it holds.
+        // After the last row the counter is stepped once more: it overflows if the row's number was 32,767.
         for (Int16 r(1); r <= last_row; ++r) {
             const int row = list.AddRow("row_" + std::to_string(r.Value()), table(1, r.Value()));
             for (Int16 i(2); i <= last_column; ++i) {
