@@ -3,6 +3,7 @@
 #include "base/error_log.h"
 #include "base/failure.h"
 #include "console/main_form.h"
+#include "console/name_array.h"
 
 namespace kv {
 namespace {
@@ -61,14 +62,12 @@ void frmMain::FillDatabaseCombo(ui::ComboBox& combo, const std::vector<std::stri
     const std::string text = combo.Text();
     combo.Clear();
     int selected = 0;
-    const Int16 last(static_cast<std::int64_t>(arrDatabase.size()) - 1);
-    for (Int16 i(1); i <= last; ++i) {
-        const std::string& name = arrDatabase[static_cast<std::size_t>(i.Value())];
+    ForEachName(arrDatabase, [&](const std::string& name) {
         combo.AddItem(name);
         if (name == text) {
             selected = combo.ListCount() - 1;
         }
-    }
+    });
     if (keep_text) {
         combo.Text(text);
     } else if (combo.ListCount() > 0) {

@@ -5,6 +5,7 @@
 #include "base/error_log.h"
 #include "base/failure.h"
 #include "console/main_form.h"
+#include "console/name_array.h"
 #include "console/procedures_form.h"
 #include "console/wait_cursor.h"
 #include "ui/toolkit.h"
@@ -43,10 +44,7 @@ void StoredProcTab::ListProcedures(CViewDataMgr& manager) {
     if (!manager.GetStoredProcedures(cboStoredProcDatabase_.Text(), arrStoredProcedures)) {
         return;
     }
-    const Int16 last(static_cast<std::int64_t>(arrStoredProcedures.size()) - 1);
-    for (Int16 i(1); i <= last; ++i) {
-        cboStoredProcedure_.AddItem(arrStoredProcedures[static_cast<std::size_t>(i.Value())]);
-    }
+    ForEachName(arrStoredProcedures, [this](const std::string& name) { cboStoredProcedure_.AddItem(name); });
     if (cboStoredProcedure_.ListCount() > 0) {
         cboStoredProcedure_.ListIndex(0);
     }

@@ -7,6 +7,7 @@
 #include "base/failure.h"
 #include "console/dialogs.h"
 #include "console/main_form.h"
+#include "console/name_array.h"
 #include "console/wait_cursor.h"
 
 namespace kv {
@@ -65,13 +66,10 @@ bool UpgradeTab::Rename(CUpgradeDbMgr& manager) {
     // If the names cannot be read there is nothing to compare with, and the server decides.
     std::vector<std::string> arrDatabase;
     manager.GetDatabases(arrDatabase);
-    const Int16 last(static_cast<std::int64_t>(arrDatabase.size()) - 1);
-    for (Int16 i(1); i <= last; ++i) {
-        if (arrDatabase[static_cast<std::size_t>(i.Value())] == new_name) {
-            ShowExclamation("The database '" + new_name + "' already exist!");
-            main_.GiveButtonBack(cmdRename_);
-            return false;
-        }
+    if (AnyName(arrDatabase, [&](const std::string& name) { return name == new_name; })) {
+        ShowExclamation("The database '" + new_name + "' already exist!");
+        main_.GiveButtonBack(cmdRename_);
+        return false;
     }
     manager.RenameDatabase(Chosen("cboRenameDatabase"), new_name);
     return true;

@@ -6,6 +6,7 @@
 #include "base/failure.h"
 #include "console/list_views.h"
 #include "console/main_form.h"
+#include "console/name_array.h"
 
 #include "console/wait_cursor.h"
 
@@ -45,10 +46,7 @@ void ViewDataTab::ListTables(CViewDataMgr& manager) {
     if (!manager.GetTables(cboViewDataDatabase_.Text(), arrTables)) {
         return;
     }
-    const Int16 last(static_cast<std::int64_t>(arrTables.size()) - 1);
-    for (Int16 i(1); i <= last; ++i) {
-        lstViewDataTables_.AddItem(arrTables[static_cast<std::size_t>(i.Value())]);
-    }
+    ForEachName(arrTables, [this](const std::string& name) { lstViewDataTables_.AddItem(name); });
     if (lstViewDataTables_.ListCount() > 0) {
         lstViewDataTables_.ListIndex(0);
     }

@@ -1,5 +1,5 @@
-# The remedies of the manual for a pair of servers: a synchronisation or a switch of replication is stopped by a fault, the
-# manual's own statements and the console's commands repair what it left, and both servers hold the same data.
+# Tries the manual's repairs for a pair of servers: a fault stops a synchronisation, an installation or an uninstallation
+# of replication, and the manual's statements and the console's commands repair the result.
 #
 #   pair_remedies_test.py DEVSQLSERVER BIN_FOLDER [TEST …]
 import os
@@ -15,12 +15,12 @@ SYNCHRONIZE = ("synchronize", "Batch", "Batch")
 SYNCHRONIZE_LINE = " : Error in CSynchronizeDbMgr::Synchronize('Batch', 'Batch')"
 INSTALL_LINE = " : Error in CSQLReplicationMgr::InstallReplication('Batch')"
 UNINSTALL_LINE = " : Error in CSQLReplicationMgr::UninstallReplication('Batch')"
-# The settings of each server are its own.
+# A synchronisation does not copy a server's settings.
 OWN_TABLES = ("LKConfig",)
 
 
 class PairRemedy(WholeWay):
-    """Version 1 on two servers, with the procedures of replication on Server A; each test makes its own pair."""
+    """Two servers with version 1, and the replication procedures on Server A; each test makes its own pair."""
 
     def setUp(self):
         self.folder = fresh_folder()
@@ -46,13 +46,13 @@ class PairRemedy(WholeWay):
         self.a.ask("EXEC dbo.spAddEvent 1, 'Test', N'only on Server A'", "Batch")
 
     def do(self, *command):
-        """A command with Server A selected, which must succeed; what it printed."""
+        """Runs a command with Server A selected, which must succeed; returns its output."""
         succeeded, printed = self.console.run("a", *command)
         self.assertTrue(succeeded, printed)
         return printed.strip()
 
     def stop_at(self, statement, command, line, server=None, wire=None):
-        """The command fails, because the server was killed before the statement, and the log says where."""
+        """Runs the command and kills the server before the statement. The command must fail and log this line."""
         succeeded, _ = stopped_at(self, server or self.a, wire or self.wire_a, statement,
                                   lambda: self.console.run("a", *command))
         self.assertFalse(succeeded)
@@ -62,11 +62,11 @@ class PairRemedy(WholeWay):
         return self.do("is-replication-installed", "Batch")
 
     def rows(self, server):
-        """All rows by table, without each server's own: its settings, and the events that its synchronisations add."""
+        """All rows by table, without a server's settings and the events that its synchronisations add."""
         return {table: [row for row in rows if table != "Events" or "SYNC" not in row]
                 for table, rows in contents(server)["rows"].items() if table not in OWN_TABLES}
 
-    def assert_in_step(self):
+    def assert_same_rows(self):
         self.assertEqual(self.rows(self.b), self.rows(self.a))
 
 
@@ -76,48 +76,48 @@ class AfterAStoppedSynchronisation(PairRemedy):
         self.stop_at("spStdSynchronize", SYNCHRONIZE, SYNCHRONIZE_LINE)
         self.assertEqual(self.rows(self.b), before)
         self.do(*SYNCHRONIZE)
-        self.assert_in_step()
+        self.assert_same_rows()
 
     def test_the_destination_stopped_in_the_middle(self):
         self.stop_at("spStdSynchronizePull", SYNCHRONIZE, SYNCHRONIZE_LINE, self.b, self.wire_b)
         self.do(*SYNCHRONIZE)
-        self.assert_in_step()
+        self.assert_same_rows()
 
-    def test_replication_stayed_on(self):
+    def test_replication_stayed_installed(self):
         self.do("install-replication", "Batch")
         self.stop_at("spUninstallReplication", SYNCHRONIZE, SYNCHRONIZE_LINE)
         self.assertEqual(self.replication(), "installed")
         self.do(*SYNCHRONIZE)
-        self.assert_in_step()
+        self.assert_same_rows()
         self.assertEqual(self.replication(), "installed")
 
-    def test_replication_stayed_off_and_nothing_was_synchronised(self):
+    def test_replication_was_uninstalled_and_nothing_was_synchronised(self):
         self.do("install-replication", "Batch")
         self.stop_at("spStdSynchronize", SYNCHRONIZE, SYNCHRONIZE_LINE)
         self.assertEqual(self.replication(), "not installed")
         self.do(*SYNCHRONIZE)
         repair(self.a, "install-replication", "Batch")
-        self.assert_in_step()
+        self.assert_same_rows()
         self.assertEqual(self.replication(), "installed")
 
-    def test_replication_stayed_off_after_the_data_were_synchronised(self):
+    def test_replication_was_not_installed_again(self):
         self.do("install-replication", "Batch")
         self.stop_at("spInstallReplication", SYNCHRONIZE, SYNCHRONIZE_LINE)
-        self.assert_in_step()
+        self.assert_same_rows()
         self.assertEqual(self.replication(), "not installed")
         repair(self.a, "install-replication", "Batch")
         self.assertEqual(self.replication(), "installed")
 
 
 class AfterAStoppedSwitchOfReplication(PairRemedy):
-    def test_nothing_was_set_up(self):
+    def test_it_was_not_installed(self):
         self.stop_at("spInstallReplication", ("install-replication", "Batch"), INSTALL_LINE)
         self.assertEqual(self.replication(), "not installed")
         self.do("install-replication", "Batch")
         self.assertEqual(self.replication(), "installed")
 
-    def test_it_was_set_up_in_part(self):
-        """The folder of the distribution database is missing, so the server is a distributor without a database."""
+    def test_it_was_installed_in_part(self):
+        """Without the folder of the distribution database the server becomes a distributor without a database."""
         os.rmdir(self.distribution)
         succeeded, _ = self.console.run("a", "install-replication", "Batch")
         os.mkdir(self.distribution)
@@ -130,15 +130,15 @@ class AfterAStoppedSwitchOfReplication(PairRemedy):
         repair(self.a, "install-replication", "Batch")
         self.assertEqual(self.replication(), "installed")
 
-    def test_it_was_not_taken_down(self):
+    def test_it_was_not_uninstalled(self):
         self.do("install-replication", "Batch")
         self.stop_at("spUninstallReplication", ("uninstall-replication", "Batch"), UNINSTALL_LINE)
         self.assertEqual(self.replication(), "installed")
         repair(self.a, "uninstall-replication", "Batch")
         self.assertEqual(self.replication(), "not installed")
 
-    def test_it_was_taken_down_in_part(self):
-        """As a run leaves it that was stopped after the first of the procedure's steps."""
+    def test_it_was_uninstalled_in_part(self):
+        """The state after a run that was stopped after the procedure's first step."""
         self.do("install-replication", "Batch")
         publication = self.a.column("SELECT name FROM syspublications", "Batch")[0]
         self.a.ask(f"EXEC sp_dropsubscription @publication = N'{publication}', @article = N'all', @subscriber = N'all'",

@@ -1,5 +1,5 @@
-# The remedies of the manual for one server, each tried: a fault brings a run to a stop, the manual's own statements repair
-# what it left, and the old data are found whole under the name that the plant works with.
+# Tries the manual's repairs for one server: a fault stops a run, the manual's statements repair the result, and the old
+# data are complete in the database "Batch".
 #
 #   remedies_test.py DEVSQLSERVER BIN_FOLDER [TEST …]
 import glob
@@ -16,41 +16,41 @@ from unattended_upgrade_test import OLD_FILES, RENAME_LINE, UPGRADE_LINE
 
 
 class AfterAStoppedUpgrade(Remedy):
-    def test_somebody_was_thrown_out_and_nobody_is_let_in(self):
+    def test_the_database_stayed_in_single_user_mode(self):
         self.upgrade_stopped_at("ALTER DATABASE [Batch] SET MULTI_USER")
         self.assertEqual(self.access("Batch"), "SINGLE_USER")
         self.assertIn(RENAME_LINE, self.machine.log_lines())
         self.repair("multi-user")
-        self.assert_the_plant_works_with_the_old_data()
+        self.assert_batch_has_the_old_data()
 
-    def test_the_temporary_database_alone_is_there(self):
+    def test_only_the_temporary_database_exists(self):
         os.remove(os.path.join(self.machine.scripts, "Create_Batch_Database.sql"))
         self.upgrade()
         self.assertEqual(self.upgradable(), {TEMPORARY: "1"})
-        self.give_the_old_database_its_name_back()
-        self.assert_the_plant_works_with_the_old_data()
+        self.rename_the_old_database_back()
+        self.assert_batch_has_the_old_data()
         self.upgrade_again()
 
     def test_the_files_could_not_be_copied(self):
         os.mkdir(os.path.join(self.machine.data, TEMPORARY_FILES[1]))
         self.addCleanup(os.rmdir, os.path.join(self.machine.data, TEMPORARY_FILES[1]))
-        # Without the create script nothing is made in the place of the old files.
+        # Without the create script no new database is created in the folder of the old files.
         os.remove(os.path.join(self.machine.scripts, "Create_Batch_Database.sql"))
         self.upgrade()
         self.assertIn(RENAME_LINE, self.machine.log_lines())
         self.assertEqual(self.upgradable(), {})
-        self.repair("detached", change=lambda line: self.with_the_paths_of_this_machine(line).replace(
+        self.repair("detached", change=lambda line: self.with_paths_of_this_test(line).replace(
             "Batch_dat.mdf", OLD_FILES[0]))
-        self.assert_the_plant_works_with_the_old_data()
+        self.assert_batch_has_the_old_data()
 
     def test_the_server_stopped_before_the_files_were_attached(self):
         self.upgrade_stopped_at("sp_attach_db")
         self.assertEqual(self.upgradable(), {})
         self.assertEqual(self.files(), TEMPORARY_FILES)
         self.rename_files()
-        self.repair("detached", change=lambda line: self.with_the_paths_of_this_machine(line).replace(
+        self.repair("detached", change=lambda line: self.with_paths_of_this_test(line).replace(
             "Batch_dat.mdf", RENAMED_FILES[0]).replace("Batch_log.ldf", RENAMED_FILES[1]))
-        self.assert_the_plant_works_with_the_old_data()
+        self.assert_batch_has_the_old_data()
         self.upgrade_again()
 
     def test_the_data_were_not_taken_over(self):
@@ -59,7 +59,7 @@ class AfterAStoppedUpgrade(Remedy):
         self.assertEqual(self.upgradable(), {"Batch": "2", TEMPORARY: "1"})
         self.go_back()
 
-    def test_the_data_are_taken_over_once_more_from_the_upgrade_tab(self):
+    def test_the_upgrade_tab_copies_the_data(self):
         self.upgrade_stopped_at("spUpgradeDatabase ")
         console = ConsoleCommands(self.machine, {"ServerA": self.server.name, "UserA": USER, "PasswordA": PASSWORD})
         self.assertEqual(console.run("a", "upgrade-database", "Batch", TEMPORARY), (True, ""))
@@ -81,16 +81,16 @@ class AfterAStoppedUpgrade(Remedy):
         self.go_back()
 
     def go_back(self):
-        """Steps 3 and 4 of the manual; and the next upgrade, after the failed one is removed."""
+        """Does steps 3 and 4 of the manual, removes the failed database, and upgrades again."""
         self.repair("put-aside")
-        self.give_the_old_database_its_name_back()
-        self.assert_the_plant_works_with_the_old_data()
+        self.rename_the_old_database_back()
+        self.assert_batch_has_the_old_data()
         self.drop("Batch_failed_upgrade")
         self.upgrade_again()
 
 
 class AfterAStoppedRename(Remedy):
-    """The console's "Rename database", from "Batch" to "Plant2", on a server that is killed before one of its statements."""
+    """The console's command "Rename", from "Batch" to "Plant2", stopped by killing the server before a statement."""
 
     NEW_FILES = ["Plant2_data.mdf", "Plant2_log.ldf"]
 
@@ -110,8 +110,8 @@ class AfterAStoppedRename(Remedy):
         self.assertEqual(self.machine.log_lines(), [" : Error in CUpgradeDbMgr::RenameDatabase('Batch', 'Plant2')"])
 
     def assert_a_rename_works(self):
-        """With the old data whole under the old name, the next rename succeeds and carries them and the files over."""
-        self.assert_the_plant_works_with_the_old_data()
+        """Checks that the old data are complete under the old name, and that the next rename succeeds."""
+        self.assert_batch_has_the_old_data()
         self.assertEqual(self.rename(), (True, ""))
         self.assert_old_data_under("Plant2")
         self.assertEqual(self.files(), self.NEW_FILES)
@@ -122,16 +122,16 @@ class AfterAStoppedRename(Remedy):
                 shutil.rmtree(self.machine.log_folder)
                 os.mkdir(self.machine.log_folder)
                 self.stop_at(statement)
-                self.assert_the_plant_works_with_the_old_data()
+                self.assert_batch_has_the_old_data()
         self.assert_a_rename_works()
 
-    def test_somebody_was_thrown_out_and_nobody_is_let_in(self):
+    def test_the_database_stayed_in_single_user_mode(self):
         self.stop_at("ALTER DATABASE [Batch] SET MULTI_USER")
         self.assertEqual(self.access("Batch"), "SINGLE_USER")
         self.repair("multi-user")
         self.assert_a_rename_works()
 
-    def new_name_old_files(self, statement):
+    def check_new_name_with_old_files(self, statement):
         self.stop_at(statement)
         self.assertIn("Plant2", self.databases())
         self.assertNotIn("Batch", self.databases())
@@ -141,19 +141,19 @@ class AfterAStoppedRename(Remedy):
         self.assert_a_rename_works()
 
     def test_the_name_is_new_and_the_logical_files_are_old(self):
-        self.new_name_old_files("MODIFY FILE (NAME=Batch_data")
+        self.check_new_name_with_old_files("MODIFY FILE (NAME=Batch_data")
 
-    def test_the_name_is_new_and_one_logical_file_is(self):
-        self.new_name_old_files("MODIFY FILE (NAME=Batch_log")
+    def test_the_name_and_one_logical_file_are_new(self):
+        self.check_new_name_with_old_files("MODIFY FILE (NAME=Batch_log")
 
     def test_the_name_is_new_and_the_files_have_not_moved(self):
-        self.new_name_old_files("sp_detach_db")
+        self.check_new_name_with_old_files("sp_detach_db")
 
     def test_the_files_have_moved_and_are_not_attached(self):
         self.stop_at("sp_attach_db")
         self.assertEqual(set(self.databases()) & {"Batch", "Plant2"}, set())
         self.assertEqual(self.files(), self.NEW_FILES)
-        self.repair("attach-renamed", change=self.with_the_paths_of_this_machine)
+        self.repair("attach-renamed", change=self.with_paths_of_this_test)
         self.assert_old_data_under("Plant2")
         self.assertEqual(self.access("Plant2"), "MULTI_USER")
 
@@ -162,27 +162,27 @@ class AfterAStoppedRename(Remedy):
         os.mkdir(in_the_way)
         self.assertFalse(self.rename()[0])
         self.assertEqual(set(self.databases()) & {"Batch", "Plant2"}, set())
-        self.repair("detached", change=lambda line: self.with_the_paths_of_this_machine(line).replace(
+        self.repair("detached", change=lambda line: self.with_paths_of_this_test(line).replace(
             "Batch_dat.mdf", OLD_FILES[0]))
         os.rmdir(in_the_way)
         self.assert_a_rename_works()
 
 
 class AfterAStoppedRemoval(Remedy):
-    def test_somebody_was_thrown_out_and_nobody_is_let_in(self):
+    def test_the_database_stayed_in_single_user_mode(self):
         wire = wire_to(self, self.server)
         console = ConsoleCommands(self.machine, {"ServerA": f"{HERE},{wire.port}", "UserA": USER, "PasswordA": PASSWORD})
         remove = lambda: console.run("a", "remove-database", "Batch")  # noqa: E731
         self.assertFalse(stopped_at(self, self.server, wire, "ALTER DATABASE [Batch] SET MULTI_USER", remove)[0])
         self.assertEqual(self.access("Batch"), "SINGLE_USER")
         self.repair("multi-user")
-        self.assert_the_plant_works_with_the_old_data()
+        self.assert_batch_has_the_old_data()
         self.assertEqual(remove(), (True, ""))
         self.assertNotIn("Batch", self.databases())
 
 
 class TheManual(unittest.TestCase):
-    def test_every_remedy_is_tried(self):
+    def test_every_repair_is_tried(self):
         tried = set()
         for path in glob.glob(os.path.join(os.path.dirname(os.path.abspath(__file__)), "*.py")):
             with open(path, encoding="utf-8") as file:

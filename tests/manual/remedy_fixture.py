@@ -1,5 +1,5 @@
-# What the tests of the manual's remedies share: the repairs, which are blocks of statements in the manual, each with its
-# name in a comment before it; the program that calls the managers as the console does; and how a run is brought to a stop.
+# The fixture of the tests of the manual's repairs: the repairs, which are blocks of statements in the manual, each with
+# its name in a comment before it; a program that runs the console's commands; and stopping a run by killing its server.
 import os
 import re
 import shutil
@@ -32,10 +32,10 @@ REPAIRS = _read()
 
 
 class ConsoleCommands:
-    """Runs operations of the console's tabs on one server or a pair: server_pair_tool, which needs no window."""
+    """Runs commands of the console's tabs on one server or a pair with server_pair_tool, which needs no window."""
 
     def __init__(self, machine, settings):
-        """`settings`: what the General tab would hold, such as {"ServerA": "127.0.0.1,1433"}."""
+        """`settings`: the fields of the General tab, such as {"ServerA": "127.0.0.1,1433"}."""
         self.machine = machine
         # The log is named after the program.
         self.program = os.path.join(machine.folder, "console", "KVLSQLDbMgr")
@@ -46,7 +46,7 @@ class ConsoleCommands:
             file.writelines(f"{name}={value}\n" for name, value in settings.items())
 
     def run(self, selected, *command):
-        """The operation on the selected server, "a" or "b": whether it succeeded, and what it printed."""
+        """Runs the command with server "a" or "b" selected. Returns whether it succeeded, and its output."""
         run = subprocess.run([self.program, self.settings, selected, *command], env=self.machine.environment,
                              stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", timeout=300)
         if run.returncode not in (0, 1):
@@ -55,13 +55,13 @@ class ConsoleCommands:
 
 
 def repair(server, name, database="master", change=lambda line: line):
-    """Runs the manual's statements, one after the other, as the manual says."""
+    """Runs the manual's statements one after the other."""
     for statement in REPAIRS[name]:
         server.ask(change(statement), database)
 
 
 def wire_to(test, server):
-    """A connection to the server that can be held and cut; it is closed at the end of the test."""
+    """Returns a proxy of the server that can hold and cut connections; it is closed at the end of the test."""
     wire = Wire()
     test.addCleanup(wire.close)
     wire.up(server.port)
@@ -69,8 +69,8 @@ def wire_to(test, server):
 
 
 def stopped_at(test, server, wire, statement, action):
-    """Runs the action and kills the server when a client has sent the statement and before the server gets it.
-    Afterwards the server runs again. The result of the action."""
+    """Runs the action, and kills the server after a client has sent the statement and before the server gets it. Then
+    starts the server again. Returns the result of the action."""
     held, results = wire.hold(statement), []
     run = threading.Thread(target=lambda: results.append(action()))
     run.start()
@@ -85,7 +85,7 @@ def stopped_at(test, server, wire, statement, action):
 
 
 class Remedy(UpgradeWay):
-    """The tests of one server: version 1 is installed and in use, version 2's scripts are in the script folder."""
+    """One server with a used version 1 database; the scripts of version 2 are in the script folder."""
 
     def repair(self, name, database="master", change=lambda line: line):
         repair(self.server, name, database, change)
@@ -96,22 +96,22 @@ class Remedy(UpgradeWay):
         stopped_at(self, self.server, wire, statement, self.upgrade)
 
     def rename_files(self):
-        """What the manual has the engineer do in the folder of the data files."""
+        """Renames the database's files, as the manual tells the engineer to."""
         for old, new in zip(TEMPORARY_FILES, RENAMED_FILES):
             os.rename(os.path.join(self.machine.data, old), os.path.join(self.machine.data, new))
 
-    def give_the_old_database_its_name_back(self):
+    def rename_the_old_database_back(self):
         self.repair("release-old")
         self.rename_files()
-        self.repair("attach-old", change=self.with_the_paths_of_this_machine)
+        self.repair("attach-old", change=self.with_paths_of_this_test)
 
-    def with_the_paths_of_this_machine(self, line):
-        """A statement of the manual with paths that exist, in the place of its example's."""
+    def with_paths_of_this_test(self, line):
+        """A statement of the manual with the paths of this test instead of the example's."""
         folder = self.machine.native(self.machine.data).replace("/", "\\")
         return line.replace("D:\\SQLData", folder)
 
     def upgrade_again(self):
-        """Once the cause is gone, the next upgrade must go through with all the old data."""
+        """Checks that the next upgrade, without the fault, succeeds and keeps all the old data."""
         self.machine.set_scripts("v2")
         self.set_login((self.server.name, USER, PASSWORD))
         self.upgrade()
@@ -121,7 +121,7 @@ class Remedy(UpgradeWay):
     def access(self, database):
         return self.server.ask(f"SELECT DATABASEPROPERTYEX('{database}', 'UserAccess')")[0][0]
 
-    def assert_the_plant_works_with_the_old_data(self):
+    def assert_batch_has_the_old_data(self):
         self.assertEqual(self.version("Batch"), "1")
         self.assertEqual(self.access("Batch"), "MULTI_USER")
         self.assert_old_data_under("Batch")
