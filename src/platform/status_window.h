@@ -4,9 +4,11 @@
 #include <memory>
 #include <string>
 
+#include "platform/twips.h"
+
 namespace platform {
 
-/// In twips, 1/1440 inch; 15 of them are a pixel at 96 DPI.
+/// A position and size in twips.
 struct TwipsRect {
     int left = 0;
     int top = 0;

@@ -7,6 +7,8 @@
 #include <span>
 #include <string>
 
+#include "platform/twips.h"
+
 namespace ui {
 
 enum class Kind : std::uint8_t {
@@ -25,11 +27,10 @@ enum class Kind : std::uint8_t {
     TabControl,
 };
 
-/// In twips, 1/1440 inch: 15 of them are a pixel at 96 DPI.
-inline constexpr int kTwipsPerPixel = 15;
+using platform::kTwipsPerPixel;
 
-/// Relative to the parent's upper left corner: a frame's own border and caption, and a tab control's tabs,
-/// lie inside its place.
+/// A position and size in twips. Relative to the parent's upper left corner: a frame's own border and
+/// caption, and a tab control's tabs, lie inside its place.
 struct Place {
     int left = 0;
     int top = 0;

@@ -1,6 +1,7 @@
 #include "platform/status_window.h"
 
 #include "platform/windows/desktop.h"
+#include "platform/windows/screen_scale.h"
 
 #include <commctrl.h>
 
@@ -8,19 +9,11 @@ namespace platform {
 namespace {
 
 constexpr char kClassName[] = "StatusWindow";
-constexpr int kTwipsPerInch = 1440;
 constexpr int kProgramIcon = 1; // the icon's number among the resources
 
 HICON ProgramIcon(int width, int height) {
     return static_cast<HICON>(::LoadImageA(::GetModuleHandleA(nullptr), MAKEINTRESOURCEA(kProgramIcon),
                                            IMAGE_ICON, width, height, LR_SHARED));
-}
-
-int ScreenDpi() {
-    const HDC screen = ::GetDC(nullptr);
-    const int dpi = ::GetDeviceCaps(screen, LOGPIXELSX);
-    ::ReleaseDC(nullptr, screen);
-    return dpi;
 }
 
 class Font {
@@ -85,7 +78,7 @@ class NativeStatusWindow : public StatusWindow {
     void Show() override { ::ShowWindow(window_, SW_SHOWNORMAL); }
 
   private:
-    int Pixels(int twips) const { return ::MulDiv(twips, dpi_, kTwipsPerInch); }
+    int Pixels(int twips) const { return TwipsToPixels(twips, dpi_); }
 
     HWND CreateFrame(const StatusWindowLayout& layout) const {
         const HINSTANCE instance = ::GetModuleHandleA(nullptr);

@@ -24,10 +24,7 @@ DpiFunction FindDpiFunction() {
 } // namespace
 
 int SystemDpi() {
-    const HDC screen = ::GetDC(nullptr);
-    const int dpi = ::GetDeviceCaps(screen, LOGPIXELSX);
-    ::ReleaseDC(nullptr, screen);
-    return dpi;
+    return platform::ScreenDpi();
 }
 
 int DpiOf(HWND window) {

@@ -3,12 +3,11 @@
 
 #include <utility>
 
-#include "platform/windows/lean_windows.h"
+#include "platform/windows/screen_scale.h"
 
 namespace ui {
 
-/// Pixels per inch that places on the design are given for.
-inline constexpr int kDesignDpi = 96;
+using platform::kDesignDpi;
 
 /// Pixels per inch of the whole desktop, as the process was told them at its start.
 int SystemDpi();

@@ -185,11 +185,6 @@ void MakeNativeControl(NativeControl& native, HWND parent, const RECT& place, DW
     }
 }
 
-int Scaled(int twips, int dpi) {
-    constexpr int kTwipsPerInch = 1440;
-    return ::MulDiv(twips, dpi, kTwipsPerInch);
-}
-
 void PlaceNativeControl(const NativeControl& native, const RECT& place, const DialogFont& font) {
     GiveFont(native.window, font);
     if (native.control->Kind() == Kind::ComboBox) {

@@ -28,9 +28,6 @@ constexpr std::uint32_t Bit(Property property) {
 void MakeNativeControl(NativeControl& native, HWND parent, const RECT& place, DWORD style,
                        const DialogFont& font);
 
-/// The twips of a design on a monitor of that many pixels per inch.
-int Scaled(int twips, int dpi);
-
 /// Gives it a font and a place in its parent, in pixels.
 void PlaceNativeControl(const NativeControl& native, const RECT& place, const DialogFont& font);
 

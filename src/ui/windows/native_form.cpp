@@ -137,7 +137,8 @@ HWND NativeForm::MakeFrame(const Form& form, HWND owner) {
     const DWORD style = dialog ? kDialogStyle : kMainStyle;
     const DWORD extended_style = dialog ? kDialogExtendedStyle : kMainExtendedStyle;
     const int dpi = dialog ? DpiOf(owner) : SystemDpi();
-    RECT frame{0, 0, Scaled(form.Design().client_width, dpi), Scaled(form.Design().client_height, dpi)};
+    RECT frame{0, 0, platform::TwipsToPixels(form.Design().client_width, dpi),
+               platform::TwipsToPixels(form.Design().client_height, dpi)};
     ::AdjustWindowRectEx(&frame, style, FALSE, extended_style);
     return ::CreateWindowExA(extended_style, kClassName, form.Caption().c_str(), style, CW_USEDEFAULT,
                              CW_USEDEFAULT, frame.right - frame.left, frame.bottom - frame.top, owner,
@@ -269,12 +270,13 @@ RECT NativeForm::PlaceOf(const Control& control) const {
     const bool on_form = ParentOf(control) == window_;
     const POINT origin = CornerOf(control.Parent());
     const POINT native_origin = on_form ? POINT{0, 0} : origin;
-    const LONG left = Scaled(native_origin.x, dpi_);
-    const LONG top = Scaled(native_origin.y, dpi_);
+    const LONG left = platform::TwipsToPixels(native_origin.x, dpi_);
+    const LONG top = platform::TwipsToPixels(native_origin.y, dpi_);
     const Place& design = control.Design().place;
-    return {Scaled(origin.x + design.left, dpi_) - left, Scaled(origin.y + design.top, dpi_) - top,
-            Scaled(origin.x + design.left + design.width, dpi_) - left,
-            Scaled(origin.y + design.top + design.height, dpi_) - top};
+    return {platform::TwipsToPixels(origin.x + design.left, dpi_) - left,
+            platform::TwipsToPixels(origin.y + design.top, dpi_) - top,
+            platform::TwipsToPixels(origin.x + design.left + design.width, dpi_) - left,
+            platform::TwipsToPixels(origin.y + design.top + design.height, dpi_) - top};
 }
 
 /// The font and the place of a control that stands.
@@ -305,8 +307,8 @@ void NativeForm::LayOut(int dpi) {
 
 /// How thick a frame is depends on the monitor; so the client area is set, measured, and set again.
 void NativeForm::FitClient() {
-    const int width = Scaled(form_.Design().client_width, dpi_);
-    const int height = Scaled(form_.Design().client_height, dpi_);
+    const int width = platform::TwipsToPixels(form_.Design().client_width, dpi_);
+    const int height = platform::TwipsToPixels(form_.Design().client_height, dpi_);
     for (int time = 0; time < 2; ++time) {
         RECT frame{};
         RECT client{};

@@ -107,10 +107,7 @@ class QtStatusWindow final : public QWidget, public platform::StatusWindow {
     void closeEvent(QCloseEvent* event) override { event->ignore(); } // the run ends the window
 
   private:
-    static double Pixels(int twips) {
-        constexpr double kTwipsPerPixel = 15;
-        return twips / kTwipsPerPixel;
-    }
+    static double Pixels(int twips) { return static_cast<double>(twips) / platform::kTwipsPerPixel; }
     void Settle(QWidget& part, const platform::TwipsRect& place) const {
         part.setGeometry(QRectF(Pixels(place.left) * height_, Pixels(place.top) * height_,
                                 Pixels(place.width) * height_, Pixels(place.height) * height_)
