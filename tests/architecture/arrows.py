@@ -1,5 +1,5 @@
-# Holds a tree of sources to the table in its document that says which folder may use which. The table's first column is
-# headed "Folder" or "Room", its second "May use".
+# Compares the includes of a tree of sources with the table in its document that says which folder may use which. The
+# table's first column is called "Folder" or "Room", its second "May use".
 import os
 import re
 import unittest
@@ -24,7 +24,7 @@ def included(path):
         for name in re.findall(r'^#include "([^"]+)"', file.read(), re.MULTILINE):
             found = [where for where in (os.path.join("src", name), name, os.path.join(os.path.dirname(path), name))
                      if os.path.exists(os.path.join(TOP, where))]
-            # A header that the build makes, or chooses by the system, has no folder here.
+            # A header that the build generates or selects for the system is not in the tree.
             if found:
                 yield os.path.relpath(found[0])
 
@@ -35,13 +35,13 @@ class ArrowTests:
     document = ""
 
     def arrows_of(self, path):
-        """The folders that a file includes from, besides its own, each with the file that it includes."""
+        """The other folders that a file includes from, each with the included file."""
         own = self.folder_of(path)
         for other in included(path):
             if self.folder_of(other) != own:
                 yield self.folder_of(other), other
 
-    def test_every_include_is_an_arrow_that_is_drawn(self):
+    def test_every_include_is_allowed(self):
         arrows, wrong = table(self.document), []
         for path in self.sources():
             own = self.folder_of(path)
@@ -49,7 +49,7 @@ class ArrowTests:
             wrong += [f"{path} includes {other}" for folder, other in self.arrows_of(path) if folder not in arrows[own]]
         self.assertEqual(wrong, [])
 
-    def test_every_arrow_that_is_drawn_is_used(self):
+    def test_every_entry_of_the_table_is_used(self):
         used = {}
         for path in self.sources():
             used.setdefault(self.folder_of(path), set()).update(folder for folder, _ in self.arrows_of(path))
@@ -57,7 +57,7 @@ class ArrowTests:
             self.assertIn(folder, used, "the table has a folder without sources")
             self.assertEqual(may - used[folder], set(), f"{folder} does not use them")
 
-    def test_the_arrows_make_no_circle(self):
+    def test_the_table_has_no_circle(self):
         arrows, done = table(self.document), set()
         while len(done) < len(arrows):
             ready = {folder for folder, used in arrows.items() if folder not in done and used & set(arrows) <= done}

@@ -1,5 +1,5 @@
-# Reads every #include of the sources and fails on one that docs/architecture.md does not draw: the table there says which
-# folder may use which. A folder of the table that uses nothing, or is not there, fails as well.
+# Compares every #include of the sources with the table in docs/architecture.md that says which folder may use which.
+# Fails on an include that the table does not allow, on an entry that no include uses, and on a circle.
 #
 #   arrows_test.py
 import unittest
@@ -12,7 +12,7 @@ class Arrows(arrows.ArrowTests, unittest.TestCase):
 
     def sources(self):
         for folder in ("src", "querytool", "devserver"):
-            # The tests of the development server lie in its own folder.
+            # The tests of the development server are below its folder and are not checked.
             yield from arrows.files(folder, without=("devserver/tests",))
 
     def folder_of(self, path):

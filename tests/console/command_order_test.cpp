@@ -440,11 +440,7 @@ TEST_F(CommandOrder, TheDialogIsFilledUnderTheHourglassAndShownWithoutIt) {
 
 class DialogOrder : public CommandOrder {
   protected:
-    DialogOrder() {
-        manager_.UseServerA(true);
-        manager_.ServerA("NodeA");
-        manager_.UserA("sa");
-    }
+    DialogOrder() { SelectServerA(manager_); }
     void AnswerParameters(std::vector<ado::Parameter> parameters) {
         fakes::AdoAnswer answer;
         answer.parameters = std::move(parameters);

@@ -80,6 +80,13 @@ class ConsoleTest : public ::testing::Test {
         Remember("edtSQLUNCReplDataPath" + index, server == 0 ? "D$\\ReplData" : "E$\\ReplData");
     }
 
+    /// Selects Server A for a manager that is used without the main window.
+    static void SelectServerA(ServerPairSettings& manager) {
+        manager.UseServerA(true);
+        manager.ServerA("NodeA");
+        manager.UserA("sa");
+    }
+
     /// Loads the window and drops the calls recorded so far.
     void Start() {
         main_.emplace();
@@ -130,7 +137,7 @@ class ConsoleTest : public ::testing::Test {
         }
         return items;
     }
-    Lines Boxes() const { return screen_.Behind("box "); }
+    Lines Boxes() const { return screen_.After("box "); }
     /// The connections in order, each as "server database".
     Lines Connections() const {
         Lines connections;

@@ -211,9 +211,7 @@ TEST_F(LostServer, WhileAProcedureIsShown) {
 
 TEST_F(LostServer, WhileAProcedureRuns) {
     CViewDataMgr manager;
-    manager.UseServerA(true);
-    manager.ServerA("NodeA");
-    manager.UserA("sa");
+    SelectServerA(manager);
     AnswerAll();
     frmStoredProcedures dialog;
     dialog.Init(manager, "Batch", "spOne");
@@ -324,9 +322,7 @@ TEST_F(BrokenHandler, TheProceduresAndTheirText) {
 
 TEST_F(BrokenHandler, TheDialog) {
     CViewDataMgr manager;
-    manager.UseServerA(true);
-    manager.ServerA("NodeA");
-    manager.UserA("sa");
+    SelectServerA(manager);
     AnswerAll();
     frmStoredProcedures dialog;
     dialog.Init(manager, "Batch", "spOne");
@@ -402,9 +398,7 @@ TEST_F(FailurePaths, AResultWithoutAColumnLeavesTheWindowLockedAndTheListDisable
 
 TEST_F(FailurePaths, AProceduresResultWithoutAColumnLeavesTheDialogLocked) {
     CViewDataMgr manager;
-    manager.UseServerA(true);
-    manager.ServerA("NodeA");
-    manager.UserA("sa");
+    SelectServerA(manager);
     AnswerAll();
     frmStoredProcedures dialog;
     dialog.Init(manager, "Batch", "spOne");

@@ -162,7 +162,7 @@ TEST_F(ScriptTabTest, IfNothingIsFoundItIsRefusedAfterTheWaits) {
     Run();
     EXPECT_EQ(Boxes(), Lines{"[exclamation] KVLSQLDbMgr: No scripts or DTS packages were found in the script "
                              "folder!"});
-    EXPECT_EQ(screen_.Behind("wait "), (Lines{"2000", "2000"})) << "it waits for a missing template too";
+    EXPECT_EQ(screen_.After("wait "), (Lines{"2000", "2000"})) << "it waits for a missing template too";
     EXPECT_EQ(Label("lblStatus").Caption(), "");
     EXPECT_TRUE(packages_.calls.empty());
     ExpectButtonBack();
@@ -208,7 +208,7 @@ TEST_F(ScriptTabTest, AllBoxesRunAllSteps) {
                      ""}));
     Lines waits(10, "2000");
     waits.emplace_back("3000");
-    EXPECT_EQ(screen_.Behind("wait "), waits);
+    EXPECT_EQ(screen_.After("wait "), waits);
     EXPECT_EQ(Executed(), (Lines{"Create_Batch_Database", "Create_Batch_Stored_Procedures",
                                  "Insert_Default_Data", "Create_Replication_Stored_Procedures", "mine"}));
     for (const char* name : kTemplates) {
@@ -245,7 +245,7 @@ TEST_F(ScriptTabTest, CreatingInstallsNothingAndSaysItIsCompleted) {
     Run();
     EXPECT_EQ(Steps(), (Lines{"Initializing...", "Create modified batch database script...",
                               "Installation completed...", ""}));
-    EXPECT_EQ(screen_.Behind("wait "), (Lines{"2000", "3000"}));
+    EXPECT_EQ(screen_.After("wait "), (Lines{"2000", "3000"}));
     EXPECT_TRUE(processes_.started.empty());
     EXPECT_EQ(files_.Content("C:\\Lotkeeper\\Server\\Data\\Create_Batch_Database.sql").substr(0, 9),
               "USE NODEA");
@@ -352,7 +352,7 @@ TEST_F(ScriptTabTest, ASecondClickDuringARunDoesNothing) {
     toolkit_.on_wait = [&] { accepted = ui::Click(Button("cmdCreateInstall")); };
     Run();
     EXPECT_FALSE(accepted);
-    EXPECT_EQ(screen_.Behind("wait ").size(), 2U);
+    EXPECT_EQ(screen_.After("wait ").size(), 2U);
 }
 
 TEST_F(ScriptTabTest, TheUsersScriptCanBeTickedIfItsFileExists) {

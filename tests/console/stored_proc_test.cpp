@@ -176,9 +176,7 @@ TEST_F(StoredProc, With32767ProceduresTheListIsFullAndDisabled) {
 class ProcedureDialog : public ConsoleTest {
   protected:
     void OpenDialog(std::vector<ado::Parameter> parameters) {
-        manager_.UseServerA(true);
-        manager_.ServerA("NodeA");
-        manager_.UserA("sa");
+        SelectServerA(manager_);
         ado_.Answer("Refresh", List(std::move(parameters)));
         dialog_.Init(manager_, "Batch", "spOne");
         screen_.calls.clear();

@@ -29,10 +29,10 @@ FakeScreen& FakeScreen::Current() {
 }
 
 int FakeScreen::Count(const std::string& beginning) const {
-    return static_cast<int>(Behind(beginning).size());
+    return static_cast<int>(After(beginning).size());
 }
 
-std::vector<std::string> FakeScreen::Behind(const std::string& beginning) const {
+std::vector<std::string> FakeScreen::After(const std::string& beginning) const {
     std::vector<std::string> found;
     for (const std::string& call : calls) {
         if (call.compare(0, beginning.size(), beginning) == 0) {

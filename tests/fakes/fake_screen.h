@@ -31,7 +31,7 @@ class FakeScreen {
     /// How many of the calls begin so.
     int Count(const std::string& beginning) const;
     /// The calls that begin so, without that beginning.
-    std::vector<std::string> Behind(const std::string& beginning) const;
+    std::vector<std::string> After(const std::string& beginning) const;
 };
 
 } // namespace fakes

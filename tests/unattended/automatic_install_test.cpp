@@ -34,7 +34,7 @@ class AutomaticInstall : public ScriptMgrTest {
     }
     /// How often the bar moved, its range and its last position, as "steps range position".
     std::string Bar() const {
-        const Lines bars = screen_.Behind("bar 0 ");
+        const Lines bars = screen_.After("bar 0 ");
         // The first two come from loading the window and from InitProgressBar.
         return std::to_string(bars.size() - 2) + " " + bars.back();
     }
@@ -78,7 +78,7 @@ TEST_F(AutomaticInstall, TheOrderOnTheServerIsFixed) {
 
 TEST_F(AutomaticInstall, TheStatusTextsFollowTheSteps) {
     Run(true, true, true);
-    EXPECT_EQ(screen_.Behind("label "),
+    EXPECT_EQ(screen_.After("label "),
               (Lines{"Initializing installation...", "Modifying sql scripts...",
                      "Installing the new database...", "Inserting batch default data...",
                      "Installing batch stored procedures...", "Installing DTS packages..."}));
@@ -215,7 +215,7 @@ TEST_F(AutomaticInstall, AValueOutsideTheCodePageIsRefusedByName) {
         files_.files.erase(fakes::FakeFiles::Plain(kLogFile));
         DoAutomaticInstall("S:\\Scripts", one.server, one.user, one.password, one.path, true, true, true);
         ExpectAbort();
-        EXPECT_EQ(screen_.Behind("label ").back(),
+        EXPECT_EQ(screen_.After("label ").back(),
                   std::string(one.name) + " has characters that code page 1252 lacks. Nothing was changed.");
     }
 }

@@ -59,7 +59,7 @@ TEST_F(AutomaticUpgradeAbort, WhileAnotherUpgradeRunsNothingIsDone) {
         EXPECT_TRUE(ado_.calls.empty());
         ExpectNothingDone();
         EXPECT_EQ(LogLines(), Lines{kOwnLine});
-        EXPECT_EQ(screen_.Behind("label ").back(), "Another upgrade is running. Nothing was changed.");
+        EXPECT_EQ(screen_.After("label ").back(), "Another upgrade is running. Nothing was changed.");
         EXPECT_TRUE(locks_.held.empty());
     }
     locks_.held_elsewhere.clear();
@@ -84,7 +84,7 @@ TEST_F(AutomaticUpgradeAbort, ALoginOutsideTheCodePageIsRefusedByName) {
         Run();
         EXPECT_TRUE(ado_.calls.empty());
         EXPECT_EQ(LogLines(), Lines{kOwnLine});
-        EXPECT_EQ(screen_.Behind("label ").back(),
+        EXPECT_EQ(screen_.After("label ").back(),
                   std::string("The registry's ") + one.name +
                       " has characters that code page 1252 lacks. Nothing was changed.");
     }
@@ -95,7 +95,7 @@ TEST_F(AutomaticUpgradeAbort, ADataPathOutsideTheCodePageIsRefusedByName) {
     Run();
     ExpectNothingDone();
     EXPECT_EQ(LogLines(), Lines{kOwnLine});
-    EXPECT_EQ(screen_.Behind("label ").back(),
+    EXPECT_EQ(screen_.After("label ").back(),
               "The path '/home/?ukasz/Batch.mdf' has characters that code page 1252 "
               "lacks. Nothing was changed.");
 }
@@ -139,7 +139,7 @@ TEST_F(AutomaticUpgradeAbort, AnUnknownVersionIsReportedInABoxAndTheRunEndsAfter
     Version("11.0.2100.60");
     SqlPath("80", "C:\\none");
     RunToTheEnd();
-    EXPECT_EQ(screen_.Behind("box "),
+    EXPECT_EQ(screen_.After("box "),
               Lines{"[exclamation] KVLSQLDbMgr: Can't determine installed SQL Server version!"});
     EXPECT_TRUE(processes_.started.empty());
     EXPECT_EQ(Files(), "--xx");

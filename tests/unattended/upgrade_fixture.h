@@ -87,7 +87,7 @@ class AutomaticUpgrade : public ScriptMgrTest {
 
     /// How often the bar moved, its range and its last position, as "steps / range position".
     std::string Bar() const {
-        const Lines bars = screen_.Behind("bar 0 ");
+        const Lines bars = screen_.After("bar 0 ");
         // The first two come from loading the window and from InitProgressBar.
         return std::to_string(bars.size() - 2) + " / " + bars.back();
     }

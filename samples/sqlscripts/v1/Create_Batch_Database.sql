@@ -10,7 +10,7 @@ GO
 USE [master]
 GO
 
-/* State 127 ends OSQL and SqlCMD; for any other tool NOEXEC keeps the batches behind from running. */
+/* State 127 ends OSQL and SqlCMD; for any other tool NOEXEC prevents the following batches from running. */
 IF EXISTS (SELECT * FROM master.dbo.sysdatabases WHERE name = N'Batch')
 BEGIN
 	RAISERROR (N'Database "Batch" exists already on %s. Nothing was changed.', 16, 127, N'###SERVER###')
@@ -324,7 +324,7 @@ IF N'###USERID###' <> N'' AND NOT EXISTS (SELECT * FROM master.dbo.syslogins WHE
 	EXEC sp_addlogin N'###USERID###', N'###PASSWORD###', N'Batch'
 GO
 
-/* The login that creates the database is its owner and needs no user of its own. */
+/* The login that creates the database is its owner and needs no separate user. */
 IF N'###USERID###' <> N'' AND NOT EXISTS (SELECT * FROM dbo.sysusers WHERE sid = SUSER_SID(N'###USERID###'))
 BEGIN
 	EXEC sp_grantdbaccess N'###USERID###', N'###USERID###'

@@ -1,8 +1,8 @@
 /*
 	Lotkeeper - stored procedures of the batch database, schema version 1
 
-	May run again: every procedure is dropped and created anew. The only table that is dropped is BatchSummary,
-	whose rows spBatchSummaryRecalc can work out again.
+	Can be run again: every procedure is dropped and created again. The only table that is dropped is BatchSummary,
+	whose rows spBatchSummaryRecalc can calculate again.
 */
 SET NOCOUNT ON
 GO
@@ -474,7 +474,7 @@ AS
 	ORDER BY BatchId
 GO
 
-/* Works out cost and yield of every ended batch again and returns how many differed. */
+/* Calculates cost and yield of every ended batch again and returns how many differed. */
 CREATE PROCEDURE [dbo].[spBatchOverviewRecalc]
 AS
 	SET NOCOUNT ON
@@ -547,7 +547,7 @@ AS
 GO
 
 /*
-	Takes the data of an older batch database on the same server over into this one. There is nothing older than
+	Copies the data of an older batch database on the same server into this one. There is nothing older than
 	version 1, so this version refuses.
 */
 CREATE PROCEDURE [dbo].[spUpgradeDatabase]
@@ -565,9 +565,9 @@ AS
 GO
 
 /*
-	Makes the tables of this database equal to those of the source. Runs on the destination server, where it is
-	called by spStdSynchronize of the source: explicit identity values can be inserted by a local statement only.
-	All rows are fetched before the transaction begins, so that it stays a local one.
+	Makes the tables of this database equal to those of the source. Runs on the destination server, where
+	spStdSynchronize of the source calls it, because only a local statement can insert explicit identity values.
+	All rows are fetched before the transaction begins, so that it is a local transaction.
 */
 CREATE PROCEDURE [dbo].[spStdSynchronizePull]
 	@SourceServer nvarchar(128),
@@ -601,7 +601,7 @@ AS
 	EXEC sp_addlinkedserver @server = N'LKSYNC_SOURCE', @srvproduct = N'', @provider = N'SQLOLEDB', @datasrc = @SourceServer
 	EXEC sp_addlinkedsrvlogin N'LKSYNC_SOURCE', N'false', NULL, @SourceUser, @SourcePassword
 
-	/* A timestamp column (type 189) is the server's own. The -1 stays where a statement does not even start. */
+	/* The server sets a timestamp column (type 189) itself. The -1 remains if a statement does not even start. */
 	SET @intError = 0
 	SET @intNo = 1
 	WHILE @intNo <= @intLast AND @intError = 0
@@ -712,7 +712,7 @@ GO
 
 /*
 	An upgrade and a synchronisation call spUninstallReplication whether or not replication was ever prepared. The
-	script of the replication procedures puts the full procedure in this one's place.
+	script of the replication procedures replaces this procedure by the full one.
 */
 IF NOT EXISTS (SELECT * FROM dbo.sysobjects WHERE id = object_id(N'[dbo].[spUninstallReplication]') AND OBJECTPROPERTY(id, N'IsProcedure') = 1)
 	EXEC (N'CREATE PROCEDURE [dbo].[spUninstallReplication]

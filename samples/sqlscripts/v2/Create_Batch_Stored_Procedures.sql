@@ -1,8 +1,8 @@
 /*
 	Lotkeeper - stored procedures of the batch database, schema version 2
 
-	May run again: every procedure is dropped and created anew. The only table that is dropped is BatchSummary,
-	whose rows spBatchSummaryRecalc can work out again.
+	Can be run again: every procedure is dropped and created again. The only table that is dropped is BatchSummary,
+	whose rows spBatchSummaryRecalc can calculate again.
 */
 SET NOCOUNT ON
 GO
@@ -132,7 +132,7 @@ AS
 	RETURN 0
 GO
 
-/* The order of this number and customer; made if there is none. A batch without either has no order. */
+/* Returns the order of this number and customer; creates it if necessary. A batch without either has no order. */
 CREATE PROCEDURE [dbo].[spGetOrder]
 	@OrderNo varchar(20),
 	@CustomerName nvarchar(80),
@@ -156,7 +156,7 @@ AS
 	RETURN 0
 GO
 
-/* Every order with what was made for it. */
+/* Every order with its number of batches and the quantity produced. */
 CREATE PROCEDURE [dbo].[spListOrders]
 	@OpenOnly bit = 0
 AS
@@ -535,7 +535,7 @@ AS
 	ORDER BY BatchId
 GO
 
-/* Works out cost and yield of every ended batch again and returns how many differed. */
+/* Calculates cost and yield of every ended batch again and returns how many differed. */
 CREATE PROCEDURE [dbo].[spBatchOverviewRecalc]
 AS
 	SET NOCOUNT ON
@@ -608,8 +608,8 @@ AS
 GO
 
 /*
-	Takes the rows of a version 1 database on the same server over into this one, in the caller's transaction. What
-	the installation inserted by default goes first. Identity values are kept; the next ones follow them.
+	Copies the rows of a version 1 database on the same server into this one, in the caller's transaction. First
+	deletes the rows that the installation inserted by default. Identity values are kept; the next ones follow them.
 	Returns 0, or the error of the table that failed.
 */
 CREATE PROCEDURE [dbo].[spUpgradeFromV1]
@@ -620,7 +620,7 @@ AS
 		@strColumns nvarchar(500), @strValues nvarchar(500), @strFrom nvarchar(1000), @strSql nvarchar(4000)
 	SET @strSource = QUOTENAME(@SourceDatabase) + N'.dbo.'
 
-	/* In the order of the foreign keys. Without values of its own a table's columns have the names of version 1. */
+	/* In the order of the foreign keys. A table without values here has the column names of version 1. */
 	CREATE TABLE #Steps (
 		StepNo int IDENTITY (1, 1) NOT NULL,
 		TableName nvarchar(128) COLLATE database_default NOT NULL,
@@ -645,7 +645,7 @@ AS
 		VALUES (N'Materials', N'MaterialId, MaterialCode, MaterialName, MeasureUnit, Density, MinStock, ListPrice, Hazardous, DataSheet')
 	INSERT INTO #Steps (TableName, ColumnList)
 		VALUES (N'Lots', N'LotId, LotNumber, MaterialId, Supplier, Received, Expires, Quantity, Remaining, UnitPrice, Released')
-	/* Number and customer were columns of each batch; batches of the same order share one row from here on. */
+	/* Number and customer were columns of each batch; in version 2 the batches of an order share one row. */
 	INSERT INTO #Steps (TableName, ColumnList, FromClause, KeepsIdentity)
 		VALUES (N'Orders', N'OrderNo, CustomerName',
 			N'(SELECT DISTINCT OrderNo, CustomerName FROM ' + @strSource + N'Batches WHERE OrderNo IS NOT NULL OR CustomerName IS NOT NULL) AS o',
@@ -664,7 +664,7 @@ AS
 		VALUES (N'BatchSummary', N'RecipeId, Month, Batches, Aborted, Quantity, MeanYield, Cost, Calculated')
 	SELECT @intLast = MAX(StepNo) FROM #Steps
 
-	/* The -1 stays where a statement does not even start. */
+	/* The -1 remains if a statement does not even start. */
 	SET @intError = 0
 	SET @intNo = @intLast
 	WHILE @intNo >= 1 AND @intError = 0
@@ -692,7 +692,7 @@ AS
 		SET @intNo = @intNo + 1
 	END
 
-	/* What the site has set stays, also where the unattended installation knows no value. */
+	/* The site's settings are kept, also those for which the unattended installation has no value. */
 	IF @intError = 0
 	BEGIN
 		SET @intError = -1
@@ -706,8 +706,8 @@ AS
 GO
 
 /*
-	Takes the data of an older batch database on the same server over into this one: everything or nothing. This
-	database must be as the installation left it: one that holds batches is refused.
+	Copies the data of an older batch database on the same server into this one, all or nothing. This database must
+	be as the installation left it: a database that already has batches is refused.
 */
 CREATE PROCEDURE [dbo].[spUpgradeDatabase]
 	@SourceVersion int,
@@ -751,9 +751,9 @@ AS
 GO
 
 /*
-	Makes the tables of this database equal to those of the source. Runs on the destination server, where it is
-	called by spStdSynchronize of the source: explicit identity values can be inserted by a local statement only.
-	All rows are fetched before the transaction begins, so that it stays a local one.
+	Makes the tables of this database equal to those of the source. Runs on the destination server, where
+	spStdSynchronize of the source calls it, because only a local statement can insert explicit identity values.
+	All rows are fetched before the transaction begins, so that it is a local transaction.
 */
 CREATE PROCEDURE [dbo].[spStdSynchronizePull]
 	@SourceServer nvarchar(128),
@@ -788,7 +788,7 @@ AS
 	EXEC sp_addlinkedserver @server = N'LKSYNC_SOURCE', @srvproduct = N'', @provider = N'SQLOLEDB', @datasrc = @SourceServer
 	EXEC sp_addlinkedsrvlogin N'LKSYNC_SOURCE', N'false', NULL, @SourceUser, @SourcePassword
 
-	/* A timestamp column (type 189) is the server's own. The -1 stays where a statement does not even start. */
+	/* The server sets a timestamp column (type 189) itself. The -1 remains if a statement does not even start. */
 	SET @intError = 0
 	SET @intNo = 1
 	WHILE @intNo <= @intLast AND @intError = 0
@@ -899,7 +899,7 @@ GO
 
 /*
 	An upgrade and a synchronisation call spUninstallReplication whether or not replication was ever prepared. The
-	script of the replication procedures puts the full procedure in this one's place.
+	script of the replication procedures replaces this procedure by the full one.
 */
 IF NOT EXISTS (SELECT * FROM dbo.sysobjects WHERE id = object_id(N'[dbo].[spUninstallReplication]') AND OBJECTPROPERTY(id, N'IsProcedure') = 1)
 	EXEC (N'CREATE PROCEDURE [dbo].[spUninstallReplication]

@@ -36,7 +36,7 @@ IF EXISTS (SELECT * FROM dbo.sysobjects WHERE id = object_id(N'[dbo].[spReplicat
 	DROP PROCEDURE [dbo].[spReplicationPair]
 GO
 
-/* What the two servers of the pair are called, who may log in and where their files lie. */
+/* The names of the two servers of the pair, their logins and the folders of their files. */
 CREATE PROCEDURE [dbo].[spReplicationPair]
 	@Publication sysname OUTPUT,
 	@Publisher sysname OUTPUT,
@@ -74,7 +74,7 @@ AS
 	RETURN 0
 GO
 
-/* Ends the subscription of the other server, and with it the job of the distribution agent. */
+/* Ends the subscription of the other server, which removes the job of the distribution agent. */
 CREATE PROCEDURE [dbo].[spUninstallReplication]
 AS
 	SET NOCOUNT ON
@@ -111,7 +111,7 @@ AS
 	RETURN 0
 GO
 
-/* Publishes every table with a primary key to the other server, which gets the data of this one first. */
+/* Publishes every table with a primary key to the other server, which first gets the data of this one. */
 CREATE PROCEDURE [dbo].[spInstallReplication]
 AS
 	SET NOCOUNT ON

@@ -1,7 +1,7 @@
 /*
 	Lotkeeper - default data of the batch database, schema version 2
 
-	May run again: only what is missing is inserted, nothing that stands is changed.
+	Can be run again: only missing rows are inserted, existing rows are not changed.
 */
 SET NOCOUNT ON
 GO
