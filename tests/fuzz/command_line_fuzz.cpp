@@ -1,6 +1,6 @@
-// libFuzzer's entry into the program's command line: as one raw line, and as arguments (separated by NUL)
-// that are put together to a line. No argument may get a value that is not in the line, and nothing may be
-// thrown.
+// libFuzzer's entry into the program's command line: the input is used as one raw line, and as arguments,
+// separated by NUL, that are joined to a line. An argument's value must be part of the line, the decision
+// must be complete, and nothing may be thrown.
 #include "fakes/fake_files.h"
 #include "fuzz/input.h"
 #include "main/command_argument.h"
@@ -9,41 +9,31 @@
 
 namespace {
 
-/// Both faces of the program, which count how often they are shown.
-class CountedFaces : public kv::Faces {
-  public:
-    void DoAutomaticUpgrade(const std::string& folder) override {
-        fuzz::Require(!folder.empty(), "an upgrade has a script folder");
-        ++unattended;
+void CheckDecision(const kv::MainDecision& decision) {
+    if (decision.action == kv::MainAction::ShowWindow) {
+        return;
     }
-    void DoAutomaticInstall(const std::string& folder, const std::string& server, const std::string& user,
-                            const std::string& /*password*/, const std::string& data_path, bool database,
-                            bool procedures, bool packages) override {
-        fuzz::Require(!folder.empty() && !server.empty() && !user.empty(), "an installation has its login");
-        fuzz::Require(database || procedures || packages, "an installation has something to do");
-        fuzz::Require(!database || procedures, "a database comes with its procedures");
-        fuzz::Require(!procedures || !data_path.empty(), "a database has a place");
-        ++unattended;
+    fuzz::Require(!decision.show_help, "an unattended run shows no help");
+    fuzz::Require(!decision.script_folder.empty(), "an unattended run has a script folder");
+    if (decision.action == kv::MainAction::Upgrade) {
+        return;
     }
-    void ShowMainWindow() override { ++windows; }
-    void ShowHelp(const std::string& /*text*/) override {
-        fuzz::Require(windows == 1, "the help stands above the window");
-    }
-
-    int unattended = 0;
-    int windows = 0;
-};
+    fuzz::Require(!decision.server.empty() && !decision.user.empty(), "an installation has its login");
+    fuzz::Require(decision.install_db || decision.install_sp || decision.install_dts,
+                  "an installation has something to do");
+    fuzz::Require(!decision.install_db || decision.install_sp, "a database is installed with its procedures");
+    fuzz::Require(!decision.install_sp || !decision.sql_data_path.empty(), "a database has a data path");
+}
 
 void RunLine(const std::string& line) {
     kv::CommandArguments arguments = kv::KnownArguments();
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         kv::ParseCommandArgument(line, i, arguments);
-        fuzz::Require(arguments[i].Found || arguments[i].Value.empty(), "only what is found has a value");
-        fuzz::Require(line.find(arguments[i].Value) != std::string::npos, "a value stands in the line");
+        fuzz::Require(arguments[i].Found || arguments[i].Value.empty(),
+                      "an argument that is not found has no value");
+        fuzz::Require(line.find(arguments[i].Value) != std::string::npos, "a value is part of the line");
     }
-    CountedFaces faces;
-    kv::Main(line, faces);
-    fuzz::Require(faces.unattended + faces.windows == 1, "the program goes exactly one way");
+    CheckDecision(kv::DecideAction(line));
 }
 
 } // namespace

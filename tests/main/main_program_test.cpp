@@ -3,9 +3,19 @@
 #include "console/console_fixture.h"
 #include "fakes/fake_named_lock.h"
 #include "main/main_routine.h"
+#include "platform/memory_secrecy.h"
 
 /// The program's main function, which this test is built with under another name.
 int ProgramMain(int argc, char** argv);
+
+namespace {
+int kept_out_of_crashes = 0;
+}
+
+/// Counted only: in this process it would also stop the leak sanitizer.
+void platform::KeepMemoryOutOfCrashes() {
+    ++kept_out_of_crashes;
+}
 
 namespace kv {
 namespace {
@@ -18,7 +28,9 @@ class MainProgram : public ConsoleTest {
         for (std::string& argument : arguments) {
             argv.push_back(argument.data());
         }
+        kept_out_of_crashes = 0;
         EXPECT_EQ(ProgramMain(static_cast<int>(argv.size()), argv.data()), 0);
+        EXPECT_EQ(kept_out_of_crashes, 1);
     }
     /// What was shown: the calls of windows and boxes.
     Lines Shown() const {
