@@ -18,14 +18,13 @@ bool CSynchronizeDbMgr::GetDatabaseInfo(const std::string& strDbName, std::strin
 
 std::string CSynchronizeDbMgr::SynchronizeStatement(const std::string& strSourceDb,
                                                     const std::string& strDestDb) const {
-    const std::string& other_server = UseServerA() ? ServerB() : ServerA();
-    const std::string& other_user = UseServerA() ? UserB() : UserA();
-    const std::string& other_password = UseServerA() ? PasswordB() : PasswordA();
+    const ServerSettings& source = Selected();
+    const ServerSettings& other = Other();
     // The source server's login is passed twice: as the first arguments, and in the pairs after the
     // databases.
     const std::array<const std::string*, 10> arguments = {
-        &SelectedUser(), &SelectedPassword(), &other_server,   &SelectedServer(), &strDestDb,
-        &strSourceDb,    &other_user,         &SelectedUser(), &other_password,   &SelectedPassword()};
+        &source.user, &source.password, &other.server, &source.server,  &strDestDb,
+        &strSourceDb, &other.user,      &source.user,  &other.password, &source.password};
     std::string statement = "spStdSynchronize N'";
     const char* between = "";
     for (const std::string* argument : arguments) {

@@ -66,9 +66,9 @@ bool CUpgradeDbMgr::RenameDatabase(const std::string& strDbName, const std::stri
         }
         operation.OpenStandard("master");
         const std::string new_data_path =
-            ServerPath(SelectedSQLDataPath(), strNewDbName + "_data.mdf", data_path);
+            ServerPath(Selected().sql_data_path, strNewDbName + "_data.mdf", data_path);
         const std::string new_log_path =
-            ServerPath(SelectedSQLDataPath(), strNewDbName + "_log.ldf", log_path);
+            ServerPath(Selected().sql_data_path, strNewDbName + "_log.ldf", log_path);
 
         operation.Execute("use master");
         operation.Execute("ALTER DATABASE [" + strDbName + "] SET SINGLE_USER WITH ROLLBACK IMMEDIATE");
@@ -120,7 +120,7 @@ bool CUpgradeDbMgr::UpgradeDatabase(const std::string& strDbName, const std::str
             operation.Execute("spUninstallReplication");
             operation.Execute("spUpgradeDatabase " + Digits(source_version) + ", " + Digits(version) + ", " +
                               Unicode(strSourceDBName) + ", " + Unicode(strDbName) + ", " +
-                              Unicode(SelectedUser()) + ", " + Unicode(SelectedPassword()));
+                              Unicode(Selected().user) + ", " + Unicode(Selected().password));
         });
 }
 

@@ -99,12 +99,12 @@ bool DatabaseManager::RunOperation(const std::string& error_source, const Steps&
 }
 
 std::string DatabaseManager::BuildConnectionString(const std::string& strDatabase) const {
-    if (SelectedServer().empty() || SelectedUser().empty()) {
+    if (Selected().server.empty() || Selected().user.empty()) {
         return {};
     }
     std::string text = "Driver={SQL Server};Server=#;Database=#;Uid=#;Pwd=#;";
-    const std::array<const std::string*, 4> values = {&SelectedServer(), &strDatabase, &SelectedUser(),
-                                                      &SelectedPassword()};
+    const std::array<const std::string*, 4> values = {&Selected().server, &strDatabase, &Selected().user,
+                                                      &Selected().password};
     for (const std::string* value : values) {
         text.replace(text.find('#'), 1, *value);
     }

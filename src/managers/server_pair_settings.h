@@ -1,60 +1,59 @@
-// The block of connection and path settings of the redundant pair that every manager class carries.
-// Validates nothing and reads no settings by itself: whoever makes a manager writes what its operations need.
+// The settings of the redundant pair of servers that every manager class carries. Validates nothing and reads
+// no settings by itself: the caller that makes a manager sets what its operations need.
 #pragma once
 
 #include <string>
 
 namespace kv {
 
+/// The settings of one server of the pair.
+struct ServerSettings {
+    std::string server; ///< the name as typed; it may name an instance
+    std::string user;
+    std::string password;               ///< in clear text
+    std::string sql_data_path;          ///< the folder for data and log files
+    std::string sql_unc_repl_data_path; ///< the UNC path of the folder for replication data
+};
+
+/// Each setter of a path cuts one trailing "\".
 class ServerPairSettings {
   public:
     /// True: the object works on Server A. False: on Server B.
     bool UseServerA() const { return use_server_a_; }
     void UseServerA(bool value) { use_server_a_ = value; }
 
-    /// Server names as typed; they may name an instance.
-    const std::string& ServerA() const { return server_a_; }
-    void ServerA(const std::string& value) { server_a_ = value; }
-    const std::string& ServerB() const { return server_b_; }
-    void ServerB(const std::string& value) { server_b_ = value; }
+    const std::string& ServerA() const { return a_.server; }
+    void ServerA(const std::string& value) { a_.server = value; }
+    const std::string& ServerB() const { return b_.server; }
+    void ServerB(const std::string& value) { b_.server = value; }
 
-    const std::string& UserA() const { return user_a_; }
-    void UserA(const std::string& value) { user_a_ = value; }
-    const std::string& UserB() const { return user_b_; }
-    void UserB(const std::string& value) { user_b_ = value; }
+    const std::string& UserA() const { return a_.user; }
+    void UserA(const std::string& value) { a_.user = value; }
+    const std::string& UserB() const { return b_.user; }
+    void UserB(const std::string& value) { b_.user = value; }
 
-    /// In clear text.
-    const std::string& PasswordA() const { return password_a_; }
-    void PasswordA(const std::string& value) { password_a_ = value; }
-    const std::string& PasswordB() const { return password_b_; }
-    void PasswordB(const std::string& value) { password_b_ = value; }
+    const std::string& PasswordA() const { return a_.password; }
+    void PasswordA(const std::string& value) { a_.password = value; }
+    const std::string& PasswordB() const { return b_.password; }
+    void PasswordB(const std::string& value) { b_.password = value; }
 
-    /// Folders for data and log files; one trailing "\" is cut when they are written.
-    const std::string& SQLDataPathA() const { return sql_data_path_a_; }
-    void SQLDataPathA(const std::string& value) { sql_data_path_a_ = WithoutTrailingBackslash(value); }
-    const std::string& SQLDataPathB() const { return sql_data_path_b_; }
-    void SQLDataPathB(const std::string& value) { sql_data_path_b_ = WithoutTrailingBackslash(value); }
+    const std::string& SQLDataPathA() const { return a_.sql_data_path; }
+    void SQLDataPathA(const std::string& value) { a_.sql_data_path = WithoutTrailingBackslash(value); }
+    const std::string& SQLDataPathB() const { return b_.sql_data_path; }
+    void SQLDataPathB(const std::string& value) { b_.sql_data_path = WithoutTrailingBackslash(value); }
 
-    /// UNC paths of the replication data folders, cut likewise.
-    const std::string& SQLUNCReplDataPathA() const { return sql_unc_repl_data_path_a_; }
+    const std::string& SQLUNCReplDataPathA() const { return a_.sql_unc_repl_data_path; }
     void SQLUNCReplDataPathA(const std::string& value) {
-        sql_unc_repl_data_path_a_ = WithoutTrailingBackslash(value);
+        a_.sql_unc_repl_data_path = WithoutTrailingBackslash(value);
     }
-    const std::string& SQLUNCReplDataPathB() const { return sql_unc_repl_data_path_b_; }
+    const std::string& SQLUNCReplDataPathB() const { return b_.sql_unc_repl_data_path; }
     void SQLUNCReplDataPathB(const std::string& value) {
-        sql_unc_repl_data_path_b_ = WithoutTrailingBackslash(value);
+        b_.sql_unc_repl_data_path = WithoutTrailingBackslash(value);
     }
 
-    /// The members of the server that UseServerA selects.
-    const std::string& SelectedServer() const { return use_server_a_ ? server_a_ : server_b_; }
-    const std::string& SelectedUser() const { return use_server_a_ ? user_a_ : user_b_; }
-    const std::string& SelectedPassword() const { return use_server_a_ ? password_a_ : password_b_; }
-    const std::string& SelectedSQLDataPath() const {
-        return use_server_a_ ? sql_data_path_a_ : sql_data_path_b_;
-    }
-    const std::string& SelectedSQLUNCReplDataPath() const {
-        return use_server_a_ ? sql_unc_repl_data_path_a_ : sql_unc_repl_data_path_b_;
-    }
+    /// The settings of the server that UseServerA selects, and those of the other one.
+    const ServerSettings& Selected() const { return use_server_a_ ? a_ : b_; }
+    const ServerSettings& Other() const { return use_server_a_ ? b_ : a_; }
 
   protected:
     ~ServerPairSettings() = default;
@@ -65,16 +64,8 @@ class ServerPairSettings {
     }
 
     bool use_server_a_ = false;
-    std::string server_a_;
-    std::string server_b_;
-    std::string user_a_;
-    std::string user_b_;
-    std::string password_a_;
-    std::string password_b_;
-    std::string sql_data_path_a_;
-    std::string sql_data_path_b_;
-    std::string sql_unc_repl_data_path_a_;
-    std::string sql_unc_repl_data_path_b_;
+    ServerSettings a_;
+    ServerSettings b_;
 };
 
 } // namespace kv

@@ -59,12 +59,12 @@ std::string CSQLScriptMgr::ReplaceFileContent(std::string_view strFileContent) c
     // rely on both.
     return ReplaceTokens(strFileContent,
                          {
-                             {"###SERVER###", false, UpperCase(SelectedServer())},
-                             {"###server###", false, LowerCase(SelectedServer())},
-                             {"###USERID###", true, SelectedUser()},
-                             {"###PASSWORD###", true, SelectedPassword()},
-                             {"###DATAPATH###", true, SelectedSQLDataPath()},
-                             {"###UNCREPLDATAPATH###", true, SelectedSQLUNCReplDataPath()},
+                             {"###SERVER###", false, UpperCase(Selected().server)},
+                             {"###server###", false, LowerCase(Selected().server)},
+                             {"###USERID###", true, Selected().user},
+                             {"###PASSWORD###", true, Selected().password},
+                             {"###DATAPATH###", true, Selected().sql_data_path},
+                             {"###UNCREPLDATAPATH###", true, Selected().sql_unc_repl_data_path},
                              {"###DOMAIN###", false, UpperCase(domain_)},
                              {"###SERVERA###", false, UpperCase(ServerA())},
                              {"###SERVERB###", false, UpperCase(ServerB())},
@@ -87,7 +87,7 @@ bool CSQLScriptMgr::ExecuteSQLScript(eSQLScript script, const std::string& strFi
         [&] {
             // The three values are not quoted: with an empty password " -P " is followed directly by " -i ".
             std::string parameters =
-                " -S " + SelectedServer() + " -U " + SelectedUser() + " -P " + SelectedPassword();
+                " -S " + Selected().server + " -U " + Selected().user + " -P " + Selected().password;
             const std::string folder = DataFolder() + "\\";
             parameters += " -i " + Quoted(folder + ModifiedScriptName(script, strFile));
             parameters += " -o " + Quoted(folder + OutputFileName(script, strFile));
@@ -130,9 +130,9 @@ bool CSQLScriptMgr::InstallDTSPackage(eDTSPackage package) const {
     bool result = false;
     WithFailureHandler(
         [&] {
-            const std::string& server = SelectedServer();
-            const std::string& user = SelectedUser();
-            const std::string& password = SelectedPassword();
+            const std::string& server = Selected().server;
+            const std::string& user = Selected().user;
+            const std::string& password = Selected().password;
             if (script_folder_.empty() || !platform::FolderHoldsFile(script_folder_)) {
                 RaiseFailure(kProgramFailure, kClassName, "No valid script folder was specified!");
             }
@@ -163,7 +163,8 @@ bool CSQLScriptMgr::GetInstalledDTSPackages(std::vector<DTSPackageInfo>& arrPack
                 RaiseRunTimeFailure(run_time::kCannotCreateObject);
             }
             object->EnumPackageInfos(
-                SelectedServer(), SelectedUser(), SelectedPassword(), [&](const platform::PackageInfo& info) {
+                Selected().server, Selected().user, Selected().password,
+                [&](const platform::PackageInfo& info) {
                     arrPackages.push_back({info.name, info.description, info.creation_date});
                 });
             result = true;
