@@ -1,15 +1,15 @@
-// OSQL.EXE: puts the tool together with the real server, files and terminal.
+// OSQL.EXE: runs the tool with the real server, files and terminal.
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <vector>
 
-#include "platform/console_input.h"
+#include "platform/command_line.h"
 #include "platform/files.h"
 #include "platform/memory_secrecy.h"
 #include "platform/system_text.h"
+#include "platform/terminal.h"
 #include "querytool/server.h"
 #include "querytool/tool.h"
 
@@ -24,21 +24,13 @@ std::unique_ptr<Output> OpenOutput(const Switches& switches) {
     return std::make_unique<FileOutput>(switches.output_file);
 }
 
-/// The password that the switches do not give.
+/// The password for a command line without one: from the environment, or from the keyboard.
 std::string FindPassword() {
     if (const char* const password = std::getenv("OSQLPASSWORD")) {
         return platform::FromSystemText(password);
     }
     return platform::InputIsTerminal() ? platform::FromSystemText(platform::AskPassword("Password: "))
                                        : std::string();
-}
-
-std::vector<std::string> Arguments(int argc, char** argv) {
-    std::vector<std::string> arguments;
-    for (int i = 1; i < argc; ++i) {
-        arguments.push_back(platform::FromSystemText(argv[i]));
-    }
-    return arguments;
 }
 
 int Run(const ParsedLine& line, Output& output) {
@@ -62,7 +54,7 @@ int Run(const ParsedLine& line, Output& output) {
 int main(int argc, char** argv) {
     platform::KeepMemoryOutOfCrashes();
     try {
-        const ParsedLine line = ParseSwitches(Arguments(argc, argv));
+        const ParsedLine line = ParseSwitches(platform::ProgramArguments(argc, argv));
         if (line.switches.help) {
             std::cout << HelpText();
             return kSuccess;

@@ -7,7 +7,7 @@
 namespace querytool {
 namespace {
 
-/// What may wait before it is appended to the file.
+/// The file is appended to when this much text is pending.
 constexpr std::size_t kPendingBytes = 256 * 1024;
 
 } // namespace

@@ -1,5 +1,5 @@
-// Where the tool writes: the standard output and error, or a file that exists from the first moment on, so
-// that it tells also why nothing else came.
+// Where the tool writes: the standard output and error, or a file. The file is made before anything else is
+// done, so that every error is in it.
 #pragma once
 
 #include <string>
@@ -12,9 +12,9 @@ class Output {
     virtual ~Output() = default;
     /// Lines end in "\n".
     virtual void Write(std::string_view text) = 0;
-    /// Errors and messages that -r sends the other way.
+    /// Writes errors and messages that -r sends to the error channel.
     virtual void WriteError(std::string_view text) = 0;
-    /// Hands over what was written so far.
+    /// Passes on everything that was written so far.
     virtual void Flush() = 0;
 };
 
@@ -28,7 +28,7 @@ class StandardOutput : public Output {
 /// A file of 8-bit text whose lines end in CR LF.
 class FileOutput : public Output {
   public:
-    /// Makes the file or cuts it to nothing. Throws platform::FileError, as the other members do.
+    /// Makes or empties the file. Throws platform::FileError, as the other members do.
     explicit FileOutput(std::string path);
     void Write(std::string_view text) override;
     void WriteError(std::string_view text) override;

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <string_view>
 
+#include "odbc/value_text.h"
+
 namespace querytool {
 namespace {
 
@@ -14,14 +16,14 @@ using platform::odbc::SqlType;
 using platform::odbc::Timestamp;
 
 constexpr std::string_view kNull = "NULL";
-/// What a long column is given on paper; a longer value is printed whole all the same.
+/// The width of a long column; a longer value is printed in full all the same.
 constexpr std::size_t kLongWidth = 256;
-/// Errors begin at this level. An error whose driver does not tell its level counts as the commonest one.
+/// Errors begin at this level. An error without a level counts as one of level 16.
 constexpr int kFirstErrorLevel = 11;
 constexpr int kCommonErrorLevel = 16;
-/// "Changed database context" and "Changed language setting" are news for programs only.
-constexpr std::array kUnsaid = {5701, 5703};
-/// A message with this state ends the tool: RAISERROR(..., 127) in a script is made for that.
+/// "Changed database context" and "Changed language setting" are not printed.
+constexpr std::array kNotPrinted = {5701, 5703};
+/// A message with this state ends the tool, so that a script can end it by RAISERROR(..., 127).
 constexpr std::int32_t kEndingState = 127;
 
 bool IsNumber(SqlType type) {
@@ -38,7 +40,7 @@ std::string Format(const char* format, Arguments... arguments) {
     return {text.data(), static_cast<std::size_t>(std::max(length, 0))};
 }
 
-/// The fraction has as many digits as the column; datetime three, smalldatetime none.
+/// The fraction has as many digits as the column: datetime has three, smalldatetime no fraction.
 std::string Text(const Column& column, const Timestamp& value) {
     std::string text =
         Format("%04d-%02u-%02u %02u:%02u:%02u", value.year, unsigned{value.month}, unsigned{value.day},
@@ -50,45 +52,26 @@ std::string Text(const Column& column, const Timestamp& value) {
     return text;
 }
 
-std::string Text(const Guid& value) {
-    std::string text = Format("%08X-%04X-%04X-", value.data1, unsigned{value.data2}, unsigned{value.data3});
-    for (std::size_t i = 0; i < std::size(value.data4); ++i) {
-        text += Format(i == 2 ? "-%02X" : "%02X", unsigned{value.data4[i]});
-    }
-    return text;
-}
-
-std::string Text(const Bytes& value) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    std::string text = "0x";
-    for (const char c : value.data) {
-        const auto byte = static_cast<unsigned char>(c);
-        text += kDigits[byte >> 4U];
-        text += kDigits[byte & 15U];
-    }
-    return text;
-}
-
 /// Makes a value's text.
 struct ToText {
     const Column& column;
     std::string operator()(std::monostate) const { return std::string(kNull); }
     std::string operator()(bool value) const { return value ? "1" : "0"; }
     std::string operator()(std::int64_t value) const { return std::to_string(value); }
-    // As many digits as the type carries, as the system's own driver gives them: 0.1 is 0.10000000000000001.
+    // All digits of the type, as the system's own driver gives them: 0.1 is 0.10000000000000001.
     std::string operator()(double value) const {
         return Format(column.type == SqlType::Real ? "%.8g" : "%.17g", value);
     }
     std::string operator()(const std::string& value) const { return value; }
-    std::string operator()(const Bytes& value) const { return Text(value); }
+    std::string operator()(const Bytes& value) const { return TextOf(value); }
     std::string operator()(const Timestamp& value) const { return Text(column, value); }
-    std::string operator()(const Guid& value) const { return Text(value); }
+    std::string operator()(const Guid& value) const { return TextOf(value); }
 };
 
 std::size_t WidthOf(const Column& column) {
     std::size_t width = column.IsLong() || column.display_size == 0 ? kLongWidth : column.display_size;
     if (column.type == SqlType::Binary || column.type == SqlType::VarBinary) {
-        width += 2; // "0x" is not in the driver's figure
+        width += 2; // the driver's size does not include "0x"
     }
     if (column.nullable) {
         width = std::max(width, kNull.size());
@@ -96,7 +79,7 @@ std::size_t WidthOf(const Column& column) {
     return std::max(width, column.name.size());
 }
 
-/// Puts cells together to lines of at most `limit` characters. What does not fit goes on in further lines,
+/// Joins cells to lines of at most `limit` characters. Text that does not fit continues on further lines,
 /// which begin with a tab.
 class LineBuilder {
   public:
@@ -113,7 +96,7 @@ class LineBuilder {
             const std::size_t room = limit_ - used_;
             Put(cell.substr(0, room));
             cell.remove_prefix(room);
-            // The padding of a wide column is not worth lines of its own.
+            // The padding of a wide column gets no line of its own.
             if (cell.find_first_not_of(' ') == std::string_view::npos) {
                 return;
             }
@@ -148,7 +131,7 @@ int LevelOf(const Diagnostic& diagnostic) {
     return diagnostic.severity.value_or(diagnostic.error ? kCommonErrorLevel : 0);
 }
 
-/// "Msg 208, Level 16, State 1, Server X, Procedure p, Line 1", as far as the driver tells.
+/// "Msg 208, Level 16, State 1, Server X, Procedure p, Line 1", as far as the driver provides the fields.
 std::string HeadOf(const Diagnostic& diagnostic) {
     std::string head = "Msg " + std::to_string(diagnostic.native_error);
     const auto number = [&head](const char* name, const std::optional<std::int32_t>& value) {
@@ -196,7 +179,7 @@ void ResultPrinter::WriteHeading() {
     std::vector<std::string> dashes;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         names.push_back(columns_[i].name);
-        names.back().resize(fields_[i].width, ' '); // names stand at the left, above numbers too
+        names.back().resize(fields_[i].width, ' '); // names are aligned left, also above numbers
         dashes.emplace_back(fields_[i].width, '-');
     }
     WriteCells(names);
@@ -257,17 +240,17 @@ void ResultPrinter::Message(const Diagnostic& diagnostic) {
     const int level = LevelOf(diagnostic);
     const bool error = level >= kFirstErrorLevel;
     error_seen_ = error_seen_ || error;
-    if (std::ranges::find(kUnsaid, diagnostic.native_error) != kUnsaid.end() ||
+    if (std::ranges::find(kNotPrinted, diagnostic.native_error) != kNotPrinted.end() ||
         (switches_.error_level && level < *switches_.error_level)) {
         return;
     }
-    // PRINT has no number, and what the driver says for itself stands at no line.
+    // PRINT has no number, and messages of the driver itself have no line.
     const bool from_batch = diagnostic.native_error != 0 && (diagnostic.severity || diagnostic.line);
     const bool numbered = from_batch && (error || switches_.error_level);
     std::string text = numbered ? HeadOf(diagnostic) : std::string();
     text += diagnostic.message + "\n";
-    const bool aside = error ? switches_.errors_to_stderr : switches_.messages_to_stderr;
-    if (aside) {
+    const bool to_error_channel = error ? switches_.errors_to_stderr : switches_.messages_to_stderr;
+    if (to_error_channel) {
         output_.WriteError(text);
     } else {
         output_.Write(text);

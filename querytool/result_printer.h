@@ -1,4 +1,4 @@
-// How results and messages look on paper. Knows neither servers nor files.
+// Prints results and messages. Knows neither servers nor files.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,11 @@
 
 namespace querytool {
 
-/// The text of a value as it stands in the column; "NULL" for NULL.
+/// The text of a value in its column, without padding; "NULL" for NULL.
 std::string CellText(const Column& column, const Value& value);
 
-/// Prints what a batch gives, and remembers what the exit code depends on. Prints nothing after a message
-/// that ends the tool.
+/// Prints the results and messages of a batch, and keeps the values that the exit code depends on. Prints
+/// nothing after a message that ends the tool.
 class ResultPrinter : public ResultSink {
   public:
     /// Both must outlive the printer.
@@ -31,16 +31,16 @@ class ResultPrinter : public ResultSink {
     /// The number of the message that ended the tool.
     std::optional<std::int32_t> EndingNumber() const { return ending_number_; }
 
-    /// True if an error has come since the last call of ForgetErrors.
+    /// True if there was an error since the last call of ForgetErrors.
     bool ErrorSeen() const { return error_seen_; }
     void ForgetErrors() { error_seen_ = false; }
-    /// The first value of the last result, as text; empty if there was none.
+    /// The first value of the last result, as text; empty if it had no row.
     const std::string& FirstValue() const { return first_value_; }
 
   private:
     struct Field {
         std::size_t width = 0;
-        bool right = false; ///< numbers stand at the right
+        bool right = false; ///< numbers are aligned right
     };
 
     void WriteHeading();

@@ -2,10 +2,28 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
+
+#include "text/code_page.h"
+#include "text/text.h"
+#include "text/utf8.h"
 
 namespace querytool {
 namespace {
+
+/// A byte that is not UTF-8 becomes "?", as a character that the code page lacks does.
+std::string FromUtf8(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty()) {
+        const auto character = platform::TakeUtf8(bytes);
+        if (!character) {
+            bytes.remove_prefix(1);
+        }
+        text += character ? platform::NarrowCharacter(*character).value_or('?') : '?';
+    }
+    return text;
+}
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
@@ -17,16 +35,8 @@ std::string_view Trim(std::string_view text) {
     return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
 }
 
-char Lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool SameWord(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, Lower, Lower);
-}
-
 bool BeginsWithWord(std::string_view text, std::string_view word) {
-    return text.size() >= word.size() && SameWord(text.substr(0, word.size()), word);
+    return kv::SameIgnoringCase(text.substr(0, word.size()), word);
 }
 
 struct WordRow {
@@ -34,7 +44,7 @@ struct WordRow {
     LineKind kind;
 };
 
-/// Commands that are a line of their own.
+/// Commands that are the whole line.
 constexpr std::array kWords = {
     WordRow{"RESET", LineKind::Reset},
     WordRow{"QUIT", LineKind::Quit},
@@ -42,7 +52,7 @@ constexpr std::array kWords = {
     WordRow{"ED", LineKind::Refused},
 };
 
-/// Commands with something behind them that are not supported.
+/// Commands with arguments that are not supported.
 constexpr std::array<std::string_view, 2> kRefusedPrefixes = {":r", "!!"};
 
 /// GO, or GO and a number.
@@ -76,6 +86,20 @@ std::optional<LineMeaning> AsExitRun(std::string_view line) {
 }
 
 } // namespace
+
+std::string ToCodePage(std::string content) {
+    const std::string_view view = content;
+    if (view.starts_with("\xEF\xBB\xBF")) {
+        return FromUtf8(view.substr(3));
+    }
+    if (view.starts_with("\xFF\xFE")) {
+        return platform::Narrow(platform::FromUtf16Bytes(view.substr(2), std::endian::little));
+    }
+    if (view.starts_with("\xFE\xFF")) {
+        return platform::Narrow(platform::FromUtf16Bytes(view.substr(2), std::endian::big));
+    }
+    return content;
+}
 
 TextLines::TextLines(std::string text) : text_(std::move(text)) {
     std::ranges::replace(text_, '\0', ' ');
@@ -153,8 +177,7 @@ void BatchLexer::Step(std::string_view line, std::size_t& at) {
             state_ = quote.state;
             break;
         }
-        // A doubled quote that is its own opposite ends the text and begins it again, which comes to the
-        // same.
+        // A doubled quote inside a text ends the text and begins a new one, which has the same effect.
         if (state_ == quote.state && rest.front() == quote.closes) {
             state_ = State::Plain;
             break;
@@ -172,7 +195,7 @@ LineMeaning MeaningOf(std::string_view line, std::string_view terminator) {
         return *exit;
     }
     for (const WordRow& row : kWords) {
-        if (SameWord(text, row.word)) {
+        if (kv::SameIgnoringCase(text, row.word)) {
             return {row.kind, 1, row.word};
         }
     }

@@ -1,5 +1,5 @@
-// Lines of input, and what each of them means to the tool: a part of the batch, its end, or a command.
-// Knows nothing of servers.
+// Reads lines of input and finds what each of them is: a part of the batch, its end, or a command. Knows
+// nothing of servers.
 #pragma once
 
 #include <cstdint>
@@ -10,16 +10,21 @@
 
 namespace querytool {
 
+/// The content of a script as 8-bit text, code page 1252. A file that begins with the mark of UTF-8 or UTF-16
+/// is converted: a character that the code page lacks, and a byte that is not UTF-8, becomes "?". All other
+/// files stay as they are, byte for byte.
+std::string ToCodePage(std::string content);
+
 /// Where lines come from.
 class LineSource {
   public:
     virtual ~LineSource() = default;
-    /// The next line with its end, valid until the next call; none at the end of the input.
+    /// The next line with its line end, valid until the next call; nothing at the end of the input.
     virtual std::optional<std::string_view> Next() = 0;
 };
 
-/// The lines of a text. CR LF, LF and CR alone all end a line. A CR alone becomes CR LF, since the server
-/// does not take it for a line's end, and a comment would go on to the end of the batch.
+/// The lines of a text. CR LF, LF and CR alone all end a line. A CR alone becomes CR LF: the server does not
+/// accept it as a line end, and a comment would continue to the end of the batch.
 class TextLines : public LineSource {
   public:
     explicit TextLines(std::string text);
@@ -31,7 +36,7 @@ class TextLines : public LineSource {
     std::string mended_;
 };
 
-/// The lines of a stream, each asked for when it is needed. NUL bytes become blanks here too.
+/// The lines of a stream, each read when it is needed. NUL bytes become blanks, as in TextLines.
 class StreamLines : public LineSource {
   public:
     explicit StreamLines(std::istream& stream) : stream_(stream) {}
@@ -57,28 +62,28 @@ struct LineMeaning {
     std::string_view text; ///< the query of EXIT(...), or the name of a refused command
 };
 
-/// Follows a batch through its strings, quoted names and comments, in which a line is no command: a GO in a
-/// text or in a part that was commented out belongs to the batch.
+/// Follows the strings, quoted names and comments of a batch. A line inside one of them is not a command: a
+/// GO in a string or in a comment belongs to the batch.
 class BatchLexer {
   public:
-    /// True when the next line begins outside all of them.
+    /// True if the next line begins outside all of them.
     bool AtCommands() const { return state_ == State::Plain; }
-    /// Goes on behind a line of the batch, which stands here with its end.
+    /// Moves past a line of the batch, which is given with its line end.
     void Take(std::string_view line);
-    /// A new batch begins: what an error left open does not reach into it.
+    /// Begins a new batch. A string or comment that the last batch left open does not continue in it.
     void Reset() { *this = BatchLexer(); }
 
   private:
     enum class State : std::uint8_t { Plain, String, DoubleQuoted, Bracketed, Comment };
 
-    /// Takes what begins or goes on at `at`, and moves behind it.
+    /// Handles the character or characters at `at`, and moves `at` past them.
     void Step(std::string_view line, std::size_t& at);
 
     State state_ = State::Plain;
-    unsigned comment_depth_ = 0; ///< comments stand in one another
+    unsigned comment_depth_ = 0; ///< comments can be nested
 };
 
-/// `terminator` is the word that ends a batch. Blanks around commands count for nothing.
+/// `terminator` is the word that ends a batch. Blanks around commands are ignored.
 LineMeaning MeaningOf(std::string_view line, std::string_view terminator);
 
 } // namespace querytool

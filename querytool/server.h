@@ -1,5 +1,5 @@
-// What the tool needs of a server: a login, and batches whose results come in order. windows/ implements it
-// by ODBC, linux/ by FreeTDS's DB-Library; a test plays a script.
+// The tool's connection to a server: a login, and batches whose results come in order. windows/ implements it
+// with ODBC, linux/ with FreeTDS's DB-Library; tests replace it by a script.
 #pragma once
 
 #include <cstdint>
@@ -15,18 +15,18 @@ using platform::odbc::Column;
 using platform::odbc::Diagnostic;
 using platform::odbc::Value;
 
-/// Takes what a batch gives, in the order in which it comes.
+/// Receives the results and messages of a batch, in the order in which they come.
 class ResultSink {
   public:
     virtual ~ResultSink() = default;
     /// A result with columns begins; its rows and ResultEnd follow.
     virtual void ResultBegin(const std::vector<Column>& columns) = 0;
     virtual void Row(const std::vector<Value>& values) = 0;
-    /// Ends a result; `rows` as counted by the server, below 0 where nothing was counted.
+    /// Ends a result. `rows` is the server's count, or below 0 if it did not count.
     virtual void ResultEnd(std::int64_t rows) = 0;
-    /// An error or a message. Its text is the server's own, without the names of drivers in front.
+    /// An error or a message. Its text is the server's own, without the names of drivers before it.
     virtual void Message(const Diagnostic& diagnostic) = 0;
-    /// True from a message on that ends the tool: nothing further of the batch is wanted.
+    /// True after a message that ends the tool: the rest of the batch is not needed.
     virtual bool Ended() const = 0;
 };
 
@@ -44,13 +44,14 @@ struct LoginSettings {
 class Server {
   public:
     virtual ~Server() = default;
-    /// False: not connected; the reasons went to the sink as messages.
+    /// False if it could not connect; the reasons are sent to the sink as messages.
     virtual bool Connect(const LoginSettings& settings, ResultSink& sink) = 0;
-    /// Runs a batch to its end, errors or not, or until the sink has ended. False: the connection is lost.
+    /// Runs a batch to its end, even if there are errors, or until the sink has ended. False if the
+    /// connection is lost.
     virtual bool Run(const std::string& batch, ResultSink& sink) = 0;
 };
 
-/// The system's. There is one at a time.
+/// The server of this system. Only one may exist at a time.
 std::unique_ptr<Server> MakeServer();
 
 } // namespace querytool

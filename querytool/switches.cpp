@@ -9,17 +9,17 @@
 namespace querytool {
 namespace {
 
-/// How a switch takes its value from the argument behind it.
+/// How a switch takes its value from the next argument.
 enum class Takes : std::uint8_t {
     Nothing,
     Optional,   ///< the next argument, unless it begins with "-"; it may have no value
     Text,       ///< the next argument, unless it begins with "-"
-    TextOrNone, ///< the same; where there is none, the value is empty
+    TextOrNone, ///< the same; without such an argument the value is empty
     Anything,   ///< the next argument, whatever it begins with
     Refused,
 };
 
-/// Applies the value, and says what is wrong with it; empty: nothing.
+/// Applies the value. Returns what is wrong with it; empty if it is right.
 using Apply = std::string (*)(Switches&, const std::string&);
 
 struct Row {
@@ -48,7 +48,7 @@ std::string Set(Switches& switches, const std::string&) {
     return {};
 }
 
-/// Reads a whole number within limits; false if it is none.
+/// Reads a whole number within limits; false if the value is not such a number.
 bool ReadNumber(const std::string& value, int low, int high, int& number) {
     const char* const end = value.data() + value.size();
     const auto [stop, error] = std::from_chars(value.data(), end, number);
@@ -119,9 +119,9 @@ constexpr std::array kRows = {
     Row{'S', Takes::Text, Set<&Switches::server>, "server", "the server: name, name\\instance or name,port"},
     Row{'U', Takes::Text, Set<&Switches::user>, "login", "the login"},
     Row{'P', Takes::TextOrNone, Set<&Switches::password>, "password",
-        "its password; without a value, or with a switch behind it: empty"},
+        "its password; without a value, or with a switch after it: empty"},
     Row{'d', Takes::Text, Set<&Switches::database>, "database", "the database to begin in"},
-    Row{'H', Takes::Text, Set<&Switches::workstation>, "name", "the name that this computer gives itself"},
+    Row{'H', Takes::Text, Set<&Switches::workstation>, "name", "the name of this computer for the server"},
     Row{'i', Takes::Text, Set<&Switches::input_file>, "file", "run the batches of this file"},
     Row{'o', Takes::Text, Set<&Switches::output_file>, "file", "write the output to this file"},
     Row{'q', Takes::Anything, SetQuery<false>, "query", "run this query, then go on at the prompt"},
@@ -129,8 +129,8 @@ constexpr std::array kRows = {
     Row{'c', Takes::Anything, SetTerminator, "word", "the line that ends a batch, in place of GO"},
     Row{'n', Takes::Nothing, Set<&Switches::no_prompts>, "", "no line numbers and prompts"},
     Row{'e', Takes::Nothing, Set<&Switches::echo>, "", "write the input lines to the output"},
-    Row{'h', Takes::Anything, SetHeaderRows, "rows", "rows between column headings; -1: none at all"},
-    Row{'s', Takes::Anything, SetSeparator, "char", "between the columns"},
+    Row{'h', Takes::Anything, SetHeaderRows, "rows", "rows between column headings; -1: no headings"},
+    Row{'s', Takes::Anything, SetSeparator, "char", "the character between the columns"},
     Row{'w', Takes::Anything, SetNumber<&Switches::width, 9, 32767>, "chars", "width of an output line"},
     Row{'m', Takes::Anything, SetErrorLevel, "level",
         "show messages from this level on, with their numbers; -1: all"},
@@ -171,7 +171,7 @@ class Parser {
             TakeArgument(arguments_[at_]);
         }
         if (!parsed_.switches.input_file.empty() && parsed_.switches.query) {
-            Complain("The switch -i can't stand beside -q or -Q.");
+            Complain("The switch -i can't be used with -q or -Q.");
         }
         return std::move(parsed_);
     }
@@ -214,7 +214,7 @@ class Parser {
         return there || takes == Takes::TextOrNone || takes == Takes::Optional;
     }
 
-    /// The first complaint is the one that is told.
+    /// Only the first error is reported.
     void Complain(std::string text) {
         if (!parsed_.error) {
             parsed_.error = std::move(text);

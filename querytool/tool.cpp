@@ -6,7 +6,6 @@
 
 #include "platform/files.h"
 #include "querytool/result_printer.h"
-#include "querytool/text_input.h"
 
 namespace querytool {
 namespace {
@@ -24,7 +23,7 @@ LoginSettings LoginOf(const Switches& switches, const std::string& password) {
     return login;
 }
 
-/// Lines, one after the other, until the input ends or a command ends the tool.
+/// Runs the batches of the input, until the input ends or a command ends the tool.
 class BatchLoop {
   public:
     BatchLoop(const Switches& switches, Server& server, Output& output)
@@ -37,7 +36,8 @@ class BatchLoop {
             exit_code_ = kFailed;
             return false;
         }
-        // Scripts of this tool take double quotes for strings, whatever the driver asks the server for.
+        // Scripts for this tool enclose strings in double quotes, whatever option the driver sets on the
+        // server.
         return switches_.quoted_identifiers || RunBatch("SET QUOTED_IDENTIFIER OFF");
     }
 

@@ -1,5 +1,5 @@
-// The tool's run: from its switches over the login to the last batch, and the exit code. The server, the
-// output and the person at the keyboard are handed in.
+// Runs the tool: from its switches over the login to the last batch and the exit code. The server, the output
+// and the keyboard are passed in.
 #pragma once
 
 #include <functional>
@@ -15,8 +15,8 @@ namespace querytool {
 inline constexpr int kSuccess = 0;
 inline constexpr int kFailed = 1;
 
-/// Runs what the switches ask for. `standard_input` gives the batches when neither a file nor -Q does.
-/// Returns the exit code.
+/// Runs the tool with the switches. The batches come from `standard_input` if the switches name neither a
+/// file nor -Q. Returns the exit code.
 int RunTool(const Switches& switches, const std::string& password, Server& server, LineSource& standard_input,
             Output& output);
 

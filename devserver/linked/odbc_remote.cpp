@@ -86,8 +86,8 @@ class OdbcRemote : public RemoteConnection {
         odbc::Statement statement(connection_);
         statement.SetQueryTimeout(query_seconds_);
         const Running running(*this, statement);
-        if (connection_.DropsResultsBehindError()) {
-            Step(statement, sink, [&] { return statement.KeepResultsBehindError(), true; });
+        if (connection_.DropsResultsAfterError()) {
+            Step(statement, sink, [&] { return statement.KeepResultsAfterError(), true; });
         }
         bool more = Step(statement, sink, [&] {
             statement.ExecDirect(ToCodePage1252(sql));

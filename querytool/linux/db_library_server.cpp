@@ -1,6 +1,6 @@
-// The server over FreeTDS's DB-Library. ODBC would do too, but its driver for this system sorts the messages
-// of a statement and leaves out their state, and the output is the only place where a failing script shows:
-// there every message must stand where the server sent it. Knows no file and no format of the output.
+// The server over FreeTDS's DB-Library. FreeTDS's driver for ODBC is not used, because it sorts the messages
+// of a statement and leaves out their state. The output is the only place where a failing script can be seen,
+// so every message must come in the order in which the server sent it.
 #include <algorithm>
 #include <array>
 #include <exception>
@@ -17,26 +17,25 @@
 namespace querytool {
 namespace {
 
-/// Seconds that the server has to confirm that it has given up a batch that takes too long.
+/// The time in seconds in which the server must confirm that it has cancelled a batch.
 constexpr int kCancelSeconds = 5;
 
 /// Errors begin at this level, as the server counts.
 constexpr int kFirstErrorLevel = 11;
 
-/// What ODBC would ask the server for, and a session of this library does not have by itself: the scripts
-/// were written for a tool that runs over ODBC.
+/// The options that ODBC would set and this library does not: the scripts were written for a tool over ODBC.
 constexpr const char* kSessionOptions =
     "SET ANSI_NULLS ON SET ANSI_NULL_DFLT_ON ON SET ANSI_PADDING ON SET ANSI_WARNINGS ON "
     "SET CONCAT_NULL_YIELDS_NULL ON SET QUOTED_IDENTIFIER ON SET TEXTSIZE 2147483647";
 
-/// Reports of the library that tell nothing new: a message of the server came, a character has no place in
-/// the server's own code page.
-constexpr std::array kUnsaid = {SYBESMSG, SYBEICONVIU, SYBEICONVI};
+/// Reports of the library that are not shown: that the server has sent a message, and that a character is not
+/// in the server's code page.
+constexpr std::array kIgnored = {SYBESMSG, SYBEICONVIU, SYBEICONVI};
 
 struct OwnText {
     int number;
     const char* sql_state;
-    const char* text; ///< null: the library's own
+    const char* text; ///< null: the library's text
 };
 
 /// Reports of the library in the tool's own words.
@@ -88,7 +87,7 @@ class DbLibraryServer : public Server {
     bool Run(const std::string& batch, ResultSink& sink) override;
 
   private:
-    /// The library's handlers are the process's: they belong to the one server that there is.
+    /// The library has one set of handlers for the process, so they belong to the one server object.
     static DbLibraryServer*& Active() {
         static DbLibraryServer* active = nullptr;
         return active;
@@ -104,31 +103,31 @@ class DbLibraryServer : public Server {
     void TakeRows(int columns);
     void EndResult();
     void Report(int number, std::string_view text, int system_error, std::string_view system_text);
-    void Tell(const Diagnostic& diagnostic);
+    void Send(const Diagnostic& diagnostic);
 
-    /// A call of the tool: as long as it lasts, reports go to its sink.
+    /// A call of the tool. As long as it exists, reports go to its sink.
     class Call;
 
     std::unique_ptr<DBPROCESS, CloseProcess> process_;
     int query_timeout_ = 0;
     // Of the running call:
     ResultSink* sink_ = nullptr;
-    std::exception_ptr failure_; ///< of the sink: exceptions must not cross the library
-    std::size_t told_ = 0;       ///< what has been reported so far
-    bool reason_told_ = false;   ///< what the library reports further is only what follows from it
+    std::exception_ptr failure_;   ///< of the sink: exceptions must not cross the library
+    std::size_t reports_ = 0;      ///< how many reports there were so far
+    bool reason_reported_ = false; ///< further reports of the library are only its consequences
     bool timed_out_ = false;
     bool in_rows_ = false; ///< a result with columns has begun and not ended
 };
 
-/// INT_TIMEOUT makes the library ask the server to give the batch up, INT_CANCEL makes it give up itself.
+/// INT_TIMEOUT makes the library ask the server to cancel the batch, INT_CANCEL makes the library give up.
 int DbLibraryServer::OnReport(DBPROCESS*, int, int number, int system_error, char* text, char* system_text) {
     DbLibraryServer* const server = Active();
-    if (server == nullptr || std::ranges::find(kUnsaid, number) != kUnsaid.end()) {
+    if (server == nullptr || std::ranges::find(kIgnored, number) != kIgnored.end()) {
         return INT_CANCEL;
     }
     server->Report(number, Text(text), system_error, Text(system_text));
     if (number == SYBETIME && server->process_ && !std::exchange(server->timed_out_, true)) {
-        dbsettime(kCancelSeconds); // a server that does not answer this either is lost
+        dbsettime(kCancelSeconds); // if the server does not answer this either, the connection is lost
         return INT_TIMEOUT;
     }
     return INT_CANCEL;
@@ -149,16 +148,16 @@ int DbLibraryServer::OnMessage(DBPROCESS*, DBINT number, int state, int severity
     message.line = line;
     message.severity = severity;
     message.state = state;
-    // A login that the server refuses is told by the server.
-    Active()->reason_told_ = Active()->reason_told_ || (message.error && !Active()->process_);
-    Active()->Tell(message);
+    // If the server refuses the login, its own message is the reason.
+    Active()->reason_reported_ = Active()->reason_reported_ || (message.error && !Active()->process_);
+    Active()->Send(message);
     return 0;
 }
 
 void DbLibraryServer::Report(int number, std::string_view text, int system_error,
                              std::string_view system_text) {
-    ++told_;
-    if (std::exchange(reason_told_, true)) {
+    ++reports_;
+    if (std::exchange(reason_reported_, true)) {
         return;
     }
     const auto* const own = std::ranges::find(kOwnTexts, number, &OwnText::number);
@@ -169,17 +168,17 @@ void DbLibraryServer::Report(int number, std::string_view text, int system_error
     if (system_error != 0 && number != SYBETIME && !system_text.empty()) {
         report.message += " (" + std::string(system_text) + ")";
     }
-    Tell(report);
+    Send(report);
 }
 
-void DbLibraryServer::Tell(const Diagnostic& diagnostic) {
-    ++told_;
+void DbLibraryServer::Send(const Diagnostic& diagnostic) {
+    ++reports_;
     if (sink_ == nullptr || failure_) {
         return;
     }
     try {
-        // Looking for the next row, the library reads on to the next result of a procedure. The count of rows
-        // is there when the result has ended: the message then comes after it.
+        // When the library looks for the next row, it may read into the next result of a procedure. If the
+        // count of rows is known, the result has ended, and the message comes after it.
         if (in_rows_ && dbiscount(process_.get()) != FALSE) {
             EndResult();
         }
@@ -194,7 +193,7 @@ class DbLibraryServer::Call {
     Call(DbLibraryServer& server, ResultSink& sink) : server_(server) {
         server.sink_ = &sink;
         server.failure_ = nullptr;
-        server.reason_told_ = false;
+        server.reason_reported_ = false;
         server.timed_out_ = false;
         server.in_rows_ = false;
     }
@@ -202,7 +201,7 @@ class DbLibraryServer::Call {
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
 
-    /// Throws what the sink has thrown inside the library.
+    /// Rethrows an exception that the sink has thrown inside the library.
     void Finish() {
         if (server_.failure_) {
             std::rethrow_exception(std::exchange(server_.failure_, nullptr));
@@ -238,7 +237,7 @@ bool DbLibraryServer::Open(const LoginSettings& settings) {
     if (settings.packet_size != 0) {
         dbsetllong(login.get(), static_cast<long>(settings.packet_size), DBSETPACKET);
     }
-    // The version that knows (max) but none of the types after it: the server then sends those as text.
+    // This version has (max), but no later types: the server then sends those as text.
     dbsetlversion(login.get(), DBVERSION_72);
     dbsetlogintime(static_cast<int>(settings.login_timeout));
     process_.reset(dbopen(login.get(), ServerName(settings.server).c_str()));
@@ -268,17 +267,17 @@ void DbLibraryServer::RunBatch(const std::string& batch) {
     if (dbcmd(process, ToLibrary(batch).c_str()) == FAIL || dbsqlsend(process) == FAIL) {
         return;
     }
-    dbsqlok(process); // a first statement that fails is no reason not to take the results of the others
+    dbsqlok(process); // if the first statement fails, the results of the others are still read
     while (dbdead(process) == FALSE && !timed_out_ && !failure_ && !sink_->Ended()) {
-        const std::size_t told = told_;
+        const std::size_t reports_before = reports_;
         const RETCODE code = dbresults(process);
         if (code == NO_MORE_RESULTS) {
             return;
         }
         if (code == SUCCEED) {
             TakeResult();
-        } else if (told_ == told) {
-            break; // it failed without a word, and would do so for ever
+        } else if (reports_ == reports_before) {
+            break; // it failed without a report, and would fail again for ever
         }
     }
     dbcancel(process);

@@ -55,12 +55,12 @@ constexpr std::array kTypes = {
     TypeRow{SYBIMAGE, SqlType::LongVarBinary, Measure::Long, 0, 0, 0},
 };
 
-/// Types that are not in the table are printed as long text: text, ntext, xml, and whatever is yet to come.
+/// Types that are not in the table are printed as long text: text, ntext, xml and unknown types.
 constexpr TypeRow kOther = {0, SqlType::LongVarChar, Measure::Long, 0, 0, 0};
 
-/// The library gives a column the room for as many characters of the longest kind, in UTF-8, as it may hold.
+/// The library gives the size of a column in bytes of UTF-8, with four bytes for each character.
 constexpr std::size_t kBytesOfCharacter = 4;
-/// A column without a limit (max) has a size above this one.
+/// A column without a limit (max) has a larger size than this.
 constexpr std::size_t kMostInRow = 8000;
 
 const TypeRow& TypeOf(int type) {
@@ -68,7 +68,7 @@ const TypeRow& TypeOf(int type) {
     return row != kTypes.end() ? *row : kOther;
 }
 
-/// Digits, or characters or bytes at most; 0 where there is no limit.
+/// The largest number of digits, characters or bytes; 0 if there is no limit.
 std::size_t SizeOf(const TypeRow& row, const DBCOL& description) {
     if (row.measure == Measure::Digits) {
         return description.Precision;
@@ -94,7 +94,7 @@ std::size_t DisplaySizeOf(const TypeRow& row, std::size_t size) {
     }
 }
 
-/// The cell's bytes as a value of this type. They lie where the library put them, aligned or not.
+/// The cell's bytes, which may not be aligned, as a value of this type.
 template <class Type>
 Type As(std::string_view bytes) {
     Type value{};
@@ -203,7 +203,7 @@ constexpr std::array kReaders = {
     Reader{SYBTEXT, Characters},
 };
 
-/// The library's own text for a value of another type: for exact numbers, their digits.
+/// The library's own text for a value of another type. For exact numbers these are their digits.
 Value LibraryText(DBPROCESS* process, int type, std::string_view bytes) {
     constexpr DBINT kUntilNul = -1;
     std::array<BYTE, 512> text{};

@@ -1,5 +1,5 @@
-// Columns and cells of DB-Library as the tool's own. The only other file that includes its header is the
-// server's.
+// Converts columns and cells of DB-Library to the tool's types. Only this folder includes the library's
+// header.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@
 
 namespace querytool {
 
-/// Text in code page 1252 from the UTF-8 that the library is told to speak, and back.
+/// Text in code page 1252 from UTF-8, which the library is set to use, and back.
 std::string FromLibrary(std::string_view utf8);
 std::string ToLibrary(std::string_view text);
 

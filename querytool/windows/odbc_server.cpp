@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "odbc/odbc_rows.h"
+#include "text/text.h"
 
 namespace querytool {
 namespace {
@@ -14,8 +15,8 @@ using platform::odbc::OdbcError;
 using platform::odbc::RowReader;
 using platform::odbc::Statement;
 
-/// Braces only where a value would otherwise end early or lose its blanks: FreeTDS does not take a doubled
-/// "}" back to one, so that a value with both needs is left to the drivers that do.
+/// Uses braces only where a value would otherwise end early or lose its blanks: FreeTDS does not read a
+/// doubled "}" as one, so a value that needs braces and contains "}" works with other drivers only.
 std::string Quoted(const std::string& value) {
     const bool blanks = !value.empty() && (value.front() == ' ' || value.back() == ' ');
     if (!blanks && value.find(';') == std::string::npos && !value.starts_with("{")) {
@@ -31,28 +32,27 @@ std::string Quoted(const std::string& value) {
     return quoted + "}";
 }
 
-/// Statements that are kept ready: as many batches may ask for the last one's outcome in a row.
+/// The number of prepared statements. So many consecutive batches may ask for the outcome of the batch
+/// before.
 constexpr std::size_t kStock = 8;
 
 /// True if the batch asks the session for the outcome of the statement before.
 bool AsksForLastBatch(std::string_view batch) {
     constexpr std::array<std::string_view, 2> kVariables = {"@@ERROR", "@@ROWCOUNT"};
-    const auto same_letter = [](char a, char b) { return (a >= 'a' && a <= 'z' ? a - 'a' + 'A' : a) == b; };
     return std::ranges::any_of(kVariables, [&](std::string_view variable) {
-        return std::search(batch.begin(), batch.end(), variable.begin(), variable.end(), same_letter) !=
-               batch.end();
+        return kv::FindIgnoringCase(batch, variable) != std::string_view::npos;
     });
 }
 
 /// The SQLSTATE of a time-out.
 constexpr std::string_view kTimeOut = "HYT00";
 
-void Tell(std::vector<Diagnostic> diagnostics, ResultSink& sink) {
+void Send(std::vector<Diagnostic> diagnostics, ResultSink& sink) {
     for (Diagnostic& diagnostic : diagnostics) {
         diagnostic.message = platform::odbc::WithoutOrigin(diagnostic.message);
         sink.Message(diagnostic);
         if (diagnostic.sql_state == kTimeOut) {
-            return; // The records after it only say that there is no connection or no result, therefore.
+            return; // The records after it only report its consequences: no connection or no result.
         }
     }
 }
@@ -60,7 +60,7 @@ void Tell(std::vector<Diagnostic> diagnostics, ResultSink& sink) {
 } // namespace
 
 std::string ConnectionString(const LoginSettings& settings) {
-    // A comma parts the server's name from its port, so that value stands as it is.
+    // The server's name is not quoted: it may have a comma and a port.
     std::string text = "Driver={SQL Server};Server=" + settings.server + ";Uid=" + Quoted(settings.user) +
                        ";Pwd=" + Quoted(settings.password) + ";App=OSQL;";
     if (!settings.database.empty()) {
@@ -82,22 +82,22 @@ bool OdbcServer::Connect(const LoginSettings& settings, ResultSink& sink) {
         }
         connection_->DriverConnect(ConnectionString(settings), settings.login_timeout);
     } catch (const OdbcError& error) {
-        Tell(error.Diagnostics(), sink);
+        Send(error.Diagnostics(), sink);
         return false;
     }
-    Tell(connection_->TakeMessages(), sink);
+    Send(connection_->TakeMessages(), sink);
     return true;
 }
 
-/// A statement to run the batch with, made ready to keep what stands behind an error. That resets @@ERROR and
-/// @@ROWCOUNT, which a batch may ask for what the one before it left: such a batch takes a statement from the
-/// stock, which is filled up before others.
+/// A statement for the batch, prepared to keep the results after an error. The preparation resets @@ERROR and
+/// @@ROWCOUNT. A batch that reads them for the outcome of the batch before takes a statement from the stock,
+/// which is filled before other batches.
 Statement OdbcServer::NextStatement(const std::string& batch) {
-    if (!connection_->DropsResultsBehindError()) {
+    if (!connection_->DropsResultsAfterError()) {
         return Statement(*connection_);
     }
     while (stock_.size() < kStock && (stock_.empty() || !AsksForLastBatch(batch))) {
-        stock_.emplace_back(*connection_).KeepResultsBehindError();
+        stock_.emplace_back(*connection_).KeepResultsAfterError();
     }
     Statement statement = std::move(stock_.back());
     stock_.pop_back();
@@ -105,7 +105,7 @@ Statement OdbcServer::NextStatement(const std::string& batch) {
 }
 
 void OdbcServer::TakeResult(Statement& statement, ResultSink& sink) {
-    Tell(statement.TakeMessages(), sink);
+    Send(statement.TakeMessages(), sink);
     if (statement.ColumnCount() != 0) {
         RowReader rows(statement);
         sink.ResultBegin(rows.Columns());
@@ -115,17 +115,17 @@ void OdbcServer::TakeResult(Statement& statement, ResultSink& sink) {
         }
     }
     sink.ResultEnd(statement.RowCount());
-    Tell(statement.TakeMessages(), sink);
+    Send(statement.TakeMessages(), sink);
 }
 
-/// Takes a step of a batch; what fails goes to the sink. False: the connection is lost.
+/// Runs a step of a batch and sends its errors to the sink. False if the connection is lost.
 template <class Step>
 bool OdbcServer::Try(ResultSink& sink, Step&& step) {
     try {
         std::forward<Step>(step)();
         return true;
     } catch (const OdbcError& error) {
-        Tell(error.Diagnostics(), sink);
+        Send(error.Diagnostics(), sink);
         return !error.ConnectionLost() && !connection_->Dead();
     }
 }
@@ -149,7 +149,7 @@ bool OdbcServer::Run(const std::string& batch, ResultSink& sink) {
                     TakeResult(statement, sink);
                 }
             });
-            Tell(statement.TakeMessages(), sink);
+            Send(statement.TakeMessages(), sink);
         }
     });
     return started && alive;

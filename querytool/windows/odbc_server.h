@@ -10,7 +10,7 @@
 
 namespace querytool {
 
-/// The string that connects to the server; values that would break it stand between braces.
+/// The connection string for the server; values that would break it are enclosed in braces.
 std::string ConnectionString(const LoginSettings& settings);
 
 class OdbcServer : public Server {
@@ -26,7 +26,7 @@ class OdbcServer : public Server {
 
     std::optional<platform::odbc::Environment> environment_;
     std::optional<platform::odbc::Connection> connection_;
-    std::vector<platform::odbc::Statement> stock_; ///< goes before the connection
+    std::vector<platform::odbc::Statement> stock_; ///< destroyed before the connection
     unsigned query_timeout_ = 0;
 };
 

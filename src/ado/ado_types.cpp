@@ -8,15 +8,15 @@ namespace {
 
 using platform::odbc::SqlType;
 
-/// Types of ODBC 2, which drivers give to whoever asks as its version 2 does.
+/// Type numbers of ODBC 2, which drivers report to programs of that version.
 constexpr auto kDate2 = static_cast<SqlType>(9);
 constexpr auto kTime2 = static_cast<SqlType>(10);
 constexpr auto kTimestamp2 = static_cast<SqlType>(11);
 /// The server's own number for XML.
 constexpr auto kXml = static_cast<SqlType>(-152);
 
-/// What ADO over ODBC makes of each type. Of several rows with one of ADO's numbers, the first is what goes
-/// back to the driver.
+/// ADO's type for each type of ODBC. Where several rows have the same ADO type, its parameters are bound with
+/// the ODBC type of the first row.
 constexpr std::array kTypes = {
     AdoType{adVarWChar, SqlType::WVarChar, "nvarchar", TypeKind::Sized},
     AdoType{adVarChar, SqlType::VarChar, "varchar", TypeKind::Sized},

@@ -1,5 +1,5 @@
-// ADO's numbers of data types, and what they are in ODBC: one table, both ways. Inner header of the layer but
-// for the numbers.
+// ADO's data types and the ODBC types that correspond to them, in one table for both directions. Everything
+// but the enumeration of data types is internal to the layer.
 #pragma once
 
 #include <cstdint>
@@ -36,12 +36,12 @@ enum DataType : std::int32_t {
     adLongVarBinary = 205,
 };
 
-/// What Size and Precision of a parameter of the type are.
+/// The meaning of a parameter's Size and Precision.
 enum class TypeKind : std::uint8_t {
-    Fixed,   ///< its precision follows from the type
-    Decimal, ///< precision and scale are the parameter's own
-    Sized,   ///< so many characters or bytes
-    Long,    ///< the same, and adParamLong
+    Fixed,   ///< the precision follows from the type
+    Decimal, ///< each parameter has its own precision and scale
+    Sized,   ///< the size is the largest number of characters or bytes
+    Long,    ///< as Sized; the parameter also has the attribute adParamLong
 };
 
 struct AdoType {
@@ -49,14 +49,15 @@ struct AdoType {
     platform::odbc::SqlType sql_type = platform::odbc::SqlType::Unknown;
     std::string_view server_name; ///< the server's own name for the type
     TypeKind kind = TypeKind::Fixed;
-    std::uint8_t precision = 0; ///< of a fixed type; 0 for those that are no numbers
+    std::uint8_t precision = 0; ///< of a fixed type; 0 for types that are not numbers
     bool is_signed = false;
 };
 
-/// ADO's type of a column of the catalogue. The driver's type tells it, but for money, which is a decimal to
-/// ODBC and which the server's name for the type tells. A type without a row is text, which every value has.
+/// ADO's type for a column of the catalogue. It follows from the driver's type, except for money: ODBC
+/// reports it as a decimal, so the server's name of the type decides. A type that is not in the table becomes
+/// text, since every value can be shown as text.
 const AdoType& AdoTypeOf(platform::odbc::SqlType sql_type, std::string_view type_name);
-/// The row of one of ADO's numbers; text for a number that no driver gives.
+/// The row for one of ADO's numbers; the row of text for an unknown number.
 const AdoType& AdoTypeOf(std::int32_t number);
 
 } // namespace ado

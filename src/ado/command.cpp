@@ -1,4 +1,5 @@
-// A command over ODBC: the parameters from the driver's catalogue, the call in ODBC's own form.
+// Commands over ODBC: reads the parameters of a procedure from the driver's catalogue and calls the
+// procedure.
 #include "ado/command.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include "ado/procedure_call.h"
 #include "ado/procedure_name.h"
 #include "platform/locale.h"
+#include "text/text.h"
 
 namespace ado {
 namespace {
@@ -22,7 +24,7 @@ constexpr char kSource[] = "ADODB.Command";
 
 // ------------------------------------------------------------------ the catalogue of parameters
 
-/// The columns of SQLProcedureColumns, which are promised by their place; from 0.
+/// The columns of SQLProcedureColumns, counted from 0. ODBC guarantees their order, not their names.
 enum CatalogueColumn : std::int32_t {
     kOwner = 1,
     kProcedureName = 2,
@@ -35,7 +37,8 @@ enum CatalogueColumn : std::int32_t {
     kNullable = 11,
 };
 
-/// ADO's directions by ODBC's kinds of columns. The columns of a result, which are there too, have none.
+/// ADO's directions, indexed by ODBC's column type. The catalogue also lists the columns of a procedure's
+/// result, which are not parameters.
 constexpr std::int32_t kNoParameter = -1;
 constexpr std::array<std::int32_t, 6> kDirections = {adParamUnknown, adParamInput,  adParamInputOutput,
                                                      kNoParameter,   adParamOutput, adParamReturnValue};
@@ -49,7 +52,7 @@ class CatalogueRow {
         const Variant& value = Value(column);
         return value.IsNull() ? std::string() : value.ToString();
     }
-    /// 0 for NULL and for what is no whole number.
+    /// 0 for NULL and for a value that is not a whole number.
     std::int64_t Number(CatalogueColumn column) const {
         const auto* const number = std::get_if<std::int64_t>(&Value(column).Get());
         return number != nullptr ? *number : 0;
@@ -59,15 +62,15 @@ class CatalogueRow {
         const bool known = kind >= 0 && kind < static_cast<std::int64_t>(kDirections.size());
         return known ? kDirections[static_cast<std::size_t>(kind)] : adParamUnknown;
     }
-    /// True if the row is of the procedure with this name. Its number stands behind the name, in most
-    /// drivers; a function, which the catalogue of procedures has too, is number 0.
+    /// True if the row belongs to the procedure with this name. Most drivers append the procedure's number,
+    /// as in "name;1". The catalogue lists functions too, with the number 0.
     bool IsOf(const ProcedureName& wanted) const {
         const std::string listed = Text(kProcedureName);
         const std::size_t end = listed.rfind(';');
         const std::string number = end == std::string::npos ? "1" : listed.substr(end + 1);
-        return SameName(listed.substr(0, end), wanted.name) &&
+        return kv::SameIgnoringCase(listed.substr(0, end), wanted.name) &&
                (number == "0" ? "1" : number) == wanted.number &&
-               (wanted.owner.empty() || SameName(Text(kOwner), wanted.owner));
+               (wanted.owner.empty() || kv::SameIgnoringCase(Text(kOwner), wanted.owner));
     }
 
   private:
@@ -76,7 +79,7 @@ class CatalogueRow {
     const Recordset& rows_;
 };
 
-/// The greatest number that the field takes stands for a greater one.
+/// A number that is too large for the field becomes the field's largest value.
 template <class Field>
 Field Fitted(std::int64_t number) {
     return static_cast<Field>(std::clamp<std::int64_t>(number, 0, std::numeric_limits<Field>::max()));
@@ -104,8 +107,7 @@ Parameter ParameterOf(const CatalogueRow& row) {
     return parameter;
 }
 
-/// The parameters of the procedures that have a name, by the procedure's owner, in the order of the
-/// catalogue.
+/// The parameters of all procedures with the same name, by owner, in the order of the catalogue.
 using ByOwner = std::vector<std::pair<std::string, std::vector<Parameter>>>;
 
 ByOwner ParametersByOwner(Recordset& rows, const ProcedureName& name) {
@@ -125,7 +127,7 @@ ByOwner ParametersByOwner(Recordset& rows, const ProcedureName& name) {
     return procedures;
 }
 
-/// Asks which of the owners' procedures a call without an owner finds: a number from 0, or NULL.
+/// A query for the procedure that a call without an owner would run: its index in `procedures`, or NULL.
 std::string OwnerQuery(const ByOwner& procedures, const std::string& name) {
     std::string query = "SELECT CASE OBJECT_ID(N'" + InBrackets(name) + "')";
     for (std::size_t i = 0; i < procedures.size(); ++i) {
@@ -135,7 +137,7 @@ std::string OwnerQuery(const ByOwner& procedures, const std::string& name) {
     return query + " END";
 }
 
-/// The answer to it; the first where the server finds none of them.
+/// The index in the answer to OwnerQuery; 0 if the server finds no procedure.
 std::size_t OwnerIn(const Recordset& answer, std::size_t count) {
     if (answer.Eof()) {
         return 0;
@@ -197,7 +199,7 @@ std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std:
         throw CallError(first.Number, first.Source, first.Description);
     }
     return connection.impl_->Run({.timeout = command_timeout_,
-                                  .results_behind_error = true,
+                                  .results_after_error = true,
                                   .start = [&](odbc::Statement& statement) { call.Start(statement); },
                                   .finish = [&](odbc::Statement& statement) { call.TakeOutput(statement); }},
                                  records_affected);

@@ -1,5 +1,9 @@
-// The connection over ODBC. Each has a driver manager's environment of its own, so that nothing outlives it.
+// Connections over ODBC. Each has its own environment of the driver manager, so that closing it frees
+// everything.
 #include "ado/connection.h"
+
+#include <string>
+#include <vector>
 
 #include "ado/connection_impl.h"
 #include "ado/error_numbers.h"
@@ -11,6 +15,10 @@ namespace {
 namespace odbc = platform::odbc;
 
 constexpr char kSource[] = "ADODB.Connection";
+
+/// Names for the first columns of ODBC's catalogue of procedures. The driver's own names depend on its
+/// version of ODBC.
+const std::vector<std::string> kProcedureFields = {"PROCEDURE_CATALOG", "PROCEDURE_SCHEMA", "PROCEDURE_NAME"};
 
 unsigned Seconds(std::int32_t value) {
     return value > 0 ? static_cast<unsigned>(value) : 0;
@@ -37,7 +45,7 @@ void Connection::Impl::CheckOpen(bool wanted) const {
 std::unique_ptr<Session> Connection::Impl::Connect() const {
     auto made = std::make_unique<Session>();
     made->connection.DriverConnect(connection_string, Seconds(connection_timeout));
-    made->drops_results_behind_error = made->connection.DropsResultsBehindError();
+    made->drops_results_after_error = made->connection.DropsResultsAfterError();
     return made;
 }
 
@@ -46,8 +54,8 @@ std::unique_ptr<Recordset> Connection::Impl::Run(const Work& work, std::int64_t&
     try {
         odbc::Statement statement(session->connection);
         statement.SetQueryTimeout(Seconds(work.timeout));
-        if (work.results_behind_error && session->drops_results_behind_error) {
-            statement.KeepResultsBehindError();
+        if (work.results_after_error && session->drops_results_after_error) {
+            statement.KeepResultsAfterError();
         }
         StatementRun run(statement, session->connection);
         run.Run([&] { work.start(statement); });
@@ -83,17 +91,9 @@ void Connection::CursorLocation(std::int32_t value) {
     impl_->cursor_location = value;
 }
 
-std::int32_t Connection::CursorLocation() const {
-    return impl_->cursor_location;
-}
-
 void Connection::ConnectionString(const std::string& value) {
     impl_->CheckOpen(false);
     impl_->connection_string = value;
-}
-
-const std::string& Connection::ConnectionString() const {
-    return impl_->connection_string;
 }
 
 void Connection::ConnectionTimeout(std::int32_t seconds) {
@@ -101,16 +101,8 @@ void Connection::ConnectionTimeout(std::int32_t seconds) {
     impl_->connection_timeout = seconds;
 }
 
-std::int32_t Connection::ConnectionTimeout() const {
-    return impl_->connection_timeout;
-}
-
 void Connection::CommandTimeout(std::int32_t seconds) {
     impl_->command_timeout = seconds;
-}
-
-std::int32_t Connection::CommandTimeout() const {
-    return impl_->command_timeout;
 }
 
 void Connection::Open(const std::string& connection_string, const std::string& user,
@@ -140,9 +132,30 @@ std::unique_ptr<Recordset> Connection::Execute(const std::string& command_text,
     impl_->CheckOpen(true);
     RefuseOptions(options, true);
     return impl_->Run({.timeout = impl_->command_timeout,
-                       .results_behind_error = true,
+                       .results_after_error = true,
                        .start = [&](odbc::Statement& statement) { statement.ExecDirect(command_text); }},
                       records_affected);
+}
+
+std::unique_ptr<Recordset> Connection::OpenSchema(std::int32_t schema) {
+    impl_->CheckOpen(true);
+    if (schema != adSchemaProcedures) {
+        RaiseOwnError(kFeatureNotAvailable, kSource, "schema " + std::to_string(schema));
+    }
+    std::int64_t ignored = 0;
+    const std::unique_ptr<Recordset> catalogue =
+        impl_->Run({.timeout = impl_->command_timeout,
+                    .start = [](odbc::Statement& statement) { statement.Procedures(); }},
+                   ignored);
+    RowStore rows;
+    std::vector<Variant> row(kProcedureFields.size());
+    for (; !catalogue->Eof(); catalogue->MoveNext()) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            row[i] = catalogue->Fields().Item(static_cast<std::int32_t>(i)).Value();
+        }
+        rows.Append(row);
+    }
+    return std::make_unique<Recordset>(kProcedureFields, std::move(rows));
 }
 
 std::int32_t Connection::State() const {

@@ -14,10 +14,9 @@ namespace {
 
 using platform::LocaleForms;
 
-/// A piece of a picture: an element by its letter and the number of its letters, or a text that stands for
-/// itself.
+/// A piece of a picture: an element, given by its letter and the number of its letters, or literal text.
 struct Element {
-    char letter = '\0'; ///< of d M y h H m s t; NUL: the text
+    char letter = '\0'; ///< one of d M y h H m s t; NUL for literal text
     std::size_t count = 0;
     std::string text{};
 };
@@ -26,13 +25,13 @@ using Picture = std::vector<Element>;
 /// Some locales write it where an operator types a space.
 constexpr std::string_view kNoBreakSpace = "\xA0";
 
-/// Weekdays and eras are left out, with the text that follows them: they say nothing that a reader needs.
+/// Weekdays and eras are left out, with the text that follows them: the date is complete without them.
 bool IsLeftOut(char letter, std::size_t count) {
     return letter == 'g' || (letter == 'd' && count > 2);
 }
 
-/// Calls `take` with each piece of a picture: its letter and how often it stands there, or NUL and a
-/// character that stands for itself.
+/// Calls `take` with each piece of a picture: an element's letter and its text, or NUL and a literal
+/// character.
 template <class Take>
 void ForEachPiece(std::string_view picture, Take take) {
     bool quoted = false;
@@ -130,7 +129,7 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// A number of `least` to `most` digits at the front of the text, which is taken from it.
+/// Takes a number of `least` to `most` digits from the front of the text.
 template <class Number>
 bool TakeNumber(std::string_view& text, std::size_t least, std::size_t most, Number& number) {
     std::size_t size = 0;
@@ -165,7 +164,7 @@ bool TakeMonth(std::string_view& text, const LocaleForms& forms, std::uint16_t& 
     return false;
 }
 
-/// What has been read of a text so far.
+/// The rest of a text that is being read, and the date as far as it has been read.
 struct Reading {
     std::string_view text;
     Date date = kDayZero;
@@ -203,7 +202,7 @@ bool TakePicture(const Picture& picture, const LocaleForms& forms, Reading& read
                                [&](const Element& element) { return TakeElement(element, forms, reading); });
 }
 
-/// Makes one of the day's 24 hours of the hour that was read. False if there is no such hour.
+/// Converts the hour to a clock of 24 hours. False if there is no such hour.
 bool SettleHour(Reading& reading) {
     std::uint16_t& hour = reading.date.hour;
     if (!reading.twelve_hours) {
@@ -222,7 +221,8 @@ bool IsValid(const Date& date) {
     return date.year >= 1 && day.ok() && date.hour < 24 && date.minute < 60 && date.second < 60;
 }
 
-/// The picture without the element and the text on its left; where it is the first, the text on its right.
+/// The picture without the element and the literal text on its left, or on its right if the element is the
+/// first.
 Picture Without(Picture picture, char letter) {
     const auto found = std::ranges::find(picture, letter, &Element::letter);
     if (found == picture.end()) {
@@ -239,7 +239,7 @@ Picture Without(Picture picture, char letter) {
     return picture;
 }
 
-/// The locale's time, also without seconds and, on a clock of 24 hours, without the half of the day.
+/// The locale's time; the same without seconds; without AM and PM, for a clock of 24 hours; and without both.
 std::vector<Picture> TimePictures(const LocaleForms& forms) {
     const Picture whole = PictureOf(forms.time_picture);
     return {whole, Without(whole, 's'), Without(whole, 't'), Without(Without(whole, 's'), 't')};
@@ -272,7 +272,7 @@ std::optional<DateText> ReadOfLocale(std::string_view text, const LocaleForms& f
     return std::nullopt;
 }
 
-/// A point and parts of a second, up to the nanosecond.
+/// Takes a point and a fraction of a second of up to nine digits, if the text begins with a point.
 bool TakeFraction(std::string_view& text, std::uint32_t& nanosecond) {
     if (!text.starts_with('.')) {
         return true;
@@ -289,7 +289,7 @@ bool TakeFraction(std::string_view& text, std::uint32_t& nanosecond) {
     return true;
 }
 
-/// The text from the front on in this shape: a digit for each 0, every other character itself.
+/// True if the text begins with this shape: a digit for each 0, and every other character as it is.
 bool HasShape(std::string_view text, std::string_view shape) {
     return text.size() >= shape.size() &&
            std::ranges::equal(text.substr(0, shape.size()), shape,
@@ -336,7 +336,7 @@ Date RoundedToSecond(const Date& date) {
         return rounded;
     }
     const sys_days day = year_month_day(year(date.year), month(date.month), std::chrono::day(date.day));
-    // The day is not counted in nanoseconds: these reach from 1677 to 2262 only.
+    // Not counted in nanoseconds, since these reach from 1677 to 2262 only.
     const sys_seconds next =
         sys_seconds(day) + hours(date.hour) + minutes(date.minute) + seconds(date.second + 1);
     const sys_days midnight = floor<days>(next);
@@ -368,7 +368,8 @@ std::string ShowDate(const Date& date, const LocaleForms& forms) {
 
 std::optional<DateText> ReadDate(std::string_view given, const LocaleForms& forms) {
     const std::string text = kv::ReplaceAll(WithoutBlanks(given), kNoBreakSpace, " ");
-    // A text of ISO's shape is judged by ISO alone: the locale's own order must not find another day in it.
+    // A text in the form of ISO 8601 is read as such and in no other way: in the locale's order it could be
+    // another day.
     if (HasShape(text, "0000-00-00")) {
         return ReadIsoDate(text);
     }

@@ -1,4 +1,4 @@
-// Dates and times of day as text, in the forms of a locale, and back. Inner header of the layer.
+// Dates and times of day as text, in the forms of a locale, and back. Internal to the layer.
 #pragma once
 
 #include <optional>
@@ -10,17 +10,18 @@
 
 namespace ado {
 
-/// The day that a time of day without a date stands on.
+/// The date of a time of day that has no date.
 inline constexpr Date kDayZero{1899, 12, 30, 0, 0, 0, 0};
 
-/// To the whole second, since the text has no parts of one; the last moment of the year 9999 is not rounded
-/// up.
+/// Rounds to a whole second, since the text shows no fraction. The last second of the year 9999 is not
+/// rounded up.
 Date RoundedToSecond(const Date& date);
 
-/// Midnight and the day zero are left out, unless both would be.
+/// Leaves out the date if it is day zero, and the time if it is midnight; midnight of day zero is shown as
+/// the time alone.
 std::string ShowDate(const Date& date, const platform::LocaleForms& forms);
 
-/// A text that was read.
+/// A date that was read from a text.
 struct DateText {
     Date date = kDayZero;
     bool has_date = false;
@@ -28,8 +29,8 @@ struct DateText {
 };
 
 /// Reads a date, a time or both: in the locale's own order, with the year in four digits, with or without
-/// seconds; or by ISO 8601, with a space or a "T" between the two and parts of a second. Nothing for any
-/// other text: neither the order of day and month nor a century is guessed.
+/// seconds; or by ISO 8601, with a space or a "T" between the two and parts of a second. Returns nothing for
+/// any other text: neither the order of day and month nor a century is guessed.
 std::optional<DateText> ReadDate(std::string_view text, const platform::LocaleForms& forms);
 
 } // namespace ado

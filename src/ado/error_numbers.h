@@ -1,5 +1,4 @@
-// What a driver's diagnostic record becomes as an error of a connection's collection: inner header of the
-// layer.
+// Makes the entries of a connection's Errors from a driver's diagnostic records. Internal to the layer.
 #pragma once
 
 #include "ado/errors.h"
@@ -7,15 +6,15 @@
 
 namespace ado {
 
-/// The record as the collection holds it. Its source is the component that the record comes from, its text
-/// the driver's, with the components that it passed in front. A message that came with success has the number
-/// 265946 if a script or procedure raised it, else 0.
+/// The entry for a record. Its source is the component that reported it; its text is the driver's, with the
+/// names of the components before it. A message that came with success has the number 265946 if a script or
+/// procedure raised it, otherwise 0.
 Error ErrorOf(const platform::odbc::Diagnostic& diagnostic);
 
-/// What the provider reports where a command has no text: no driver is asked then.
+/// The error of a command without text. It is reported without a call of the driver.
 Error NoCommandText();
 
-/// The refusal of a parameter's value, which no driver has seen.
+/// The error of a parameter's value that is refused before a call of the driver.
 Error RefusalOf(const char* sql_state, const std::string& text);
 
 /// The collection of all records: errors, then raised messages, then the server's own messages, each group in

@@ -1,5 +1,5 @@
-// The errors and messages that the last call on a connection left, as ADO presents them, and what a failing
-// call throws. Plain data: knows no driver and no program above.
+// The errors and messages that the last call on a connection left, as ADO presents them, and the exceptions
+// of failing calls. Plain data; knows no driver.
 #pragma once
 
 #include <cstdint>
@@ -30,7 +30,7 @@ class Errors {
 
     std::int32_t Count() const { return static_cast<std::int32_t>(errors_.size()); }
 
-    /// The first has the index 0. Throws std::out_of_range for an index that is none.
+    /// The first has the index 0. Throws std::out_of_range for an index outside the collection.
     const Error& Item(std::int16_t index) const {
         if (index < 0 || index >= Count()) {
             throw std::out_of_range("Item cannot be found in the collection corresponding to the requested "
@@ -39,7 +39,6 @@ class Errors {
         return errors_[static_cast<std::size_t>(index)];
     }
 
-    void Append(Error error) { errors_.push_back(std::move(error)); }
     void Clear() { errors_.clear(); }
 
   private:
@@ -52,7 +51,7 @@ class CallError : public kv::ReportedError {
     using ReportedError::ReportedError;
 };
 
-/// Failures of the layer itself, which no connection's Errors holds.
+/// Failures of the layer itself, which are not added to a connection's Errors.
 inline constexpr std::int32_t kArgumentsInConflict = 3001;
 inline constexpr std::int32_t kNoCurrentRecord = 3021;
 inline constexpr std::int32_t kFeatureNotAvailable = 3251;
@@ -61,12 +60,12 @@ inline constexpr std::int32_t kObjectClosed = 3704;
 inline constexpr std::int32_t kObjectOpen = 3705;
 inline constexpr std::int32_t kInvalidConnection = 3709;
 
-/// Throws the CallError of one of these numbers with its text. `source` is the object's class;
-/// `detail`, if there is one, goes behind the text and names what was refused.
+/// Throws the CallError of one of these numbers with its text. `source` is the object's class; `detail`, if
+/// not empty, is added to the text and names what was refused.
 [[noreturn]] void RaiseOwnError(std::int32_t number, const char* source, const std::string& detail = {});
 
-/// A conversion of a value that the program's language refuses: run_time::kOverflow, kTypeMismatch or
-/// kInvalidUseOfNull. A failure of the run time, not of a call.
+/// A value that cannot be converted: run_time::kOverflow, kTypeMismatch or kInvalidUseOfNull. A failure of
+/// the run time, not of a call.
 class ConversionError : public kv::RunTimeError {
   public:
     using RunTimeError::RunTimeError;

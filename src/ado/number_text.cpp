@@ -23,7 +23,7 @@ class Scanner {
     explicit Scanner(std::string_view text) : rest_(text) {}
 
     bool AtEnd() const { return rest_.empty(); }
-    /// True if the piece stood there; all kinds of space are equal.
+    /// True if the text began with the piece. All kinds of space are equal.
     bool Take(std::string_view piece) {
         const auto same = [](char one, char other) {
             return one == other || (IsBlank(one) && IsBlank(other));
@@ -47,7 +47,7 @@ class Scanner {
     std::string_view rest_;
 };
 
-/// The sizes must be the locale's, but for the first group, which may be smaller.
+/// Each group must have the locale's size; the first group may be smaller.
 bool SizesFit(const std::vector<std::string>& groups, const std::vector<std::size_t>& sizes) {
     for (std::size_t i = 0; i < groups.size(); ++i) {
         const std::size_t from_right = groups.size() - 1 - i;
@@ -63,7 +63,7 @@ bool SizesFit(const std::vector<std::string>& groups, const std::vector<std::siz
 /// The digits before the decimal point, without separators.
 std::optional<std::string> TakeWhole(Scanner& scanner, const platform::LocaleForms& forms) {
     std::vector<std::string> groups = {scanner.TakeDigits()};
-    // A space may also be the one before the currency.
+    // A space that no digits follow is not a separator: it may stand before the currency's symbol.
     for (Scanner next = scanner; next.Take(forms.group_separator); next = scanner) {
         std::string group = next.TakeDigits();
         if (group.empty()) {
@@ -82,7 +82,7 @@ std::optional<std::string> TakeWhole(Scanner& scanner, const platform::LocaleFor
     return whole;
 }
 
-/// 0 if there is none. Nothing for a sign or an "E" without digits.
+/// The exponent; 0 if the text has no exponent. Returns nothing for an "E" without digits.
 std::optional<std::int64_t> TakeExponent(Scanner& scanner) {
     if (!scanner.Take("E") && !scanner.Take("e")) {
         return 0;

@@ -1,7 +1,8 @@
 #include "ado/odbc_values.h"
 
-#include <cstdio>
 #include <utility>
+
+#include "odbc/value_text.h"
 
 namespace ado {
 namespace {
@@ -22,7 +23,7 @@ struct ToVariant {
     }
     Variant operator()(odbc::Bytes& value) const { return std::move(value); }
     Variant operator()(const odbc::Timestamp& value) const { return value; }
-    Variant operator()(const odbc::Guid& value) const { return TextOf(value); }
+    Variant operator()(const odbc::Guid& value) const { return GuidText(value); }
 };
 
 struct ToOdbc {
@@ -42,14 +43,8 @@ bool IsExact(odbc::SqlType type) {
     return type == odbc::SqlType::Decimal || type == odbc::SqlType::Numeric;
 }
 
-std::string TextOf(const odbc::Guid& guid) {
-    char text[40];
-    std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.data1,
-                  unsigned{guid.data2}, unsigned{guid.data3}, unsigned{guid.data4[0]},
-                  unsigned{guid.data4[1]}, unsigned{guid.data4[2]}, unsigned{guid.data4[3]},
-                  unsigned{guid.data4[4]}, unsigned{guid.data4[5]}, unsigned{guid.data4[6]},
-                  unsigned{guid.data4[7]});
-    return text;
+std::string GuidText(const odbc::Guid& guid) {
+    return "{" + odbc::TextOf(guid) + "}";
 }
 
 Variant VariantOf(odbc::SqlType type, odbc::Value& value) {

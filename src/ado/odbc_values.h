@@ -1,4 +1,4 @@
-// Values between the layer and the driver: inner header of the layer.
+// Converts values between the layer and the driver. Internal to the layer.
 #pragma once
 
 #include <string>
@@ -8,16 +8,16 @@
 
 namespace ado {
 
-/// The layer's value of the driver's, which may be emptied by it. `type` tells what the driver's value does
-/// not: a single from a double, a decimal from a text.
+/// The layer's value for a value of the driver, whose text is moved out of it. `type` is the column's: the
+/// driver gives singles as doubles and decimals as text.
 Variant VariantOf(platform::odbc::SqlType type, platform::odbc::Value& value);
 
 /// True for the types whose text is an exact number.
 bool IsExact(platform::odbc::SqlType type);
-/// As it is written, in braces.
-std::string TextOf(const platform::odbc::Guid& guid);
+/// In braces, as ADO shows it.
+std::string GuidText(const platform::odbc::Guid& guid);
 
-/// The driver's value of the layer's; no value of Empty and of Null.
+/// The driver's value for a value of the layer. Empty and Null become NULL.
 platform::odbc::Value OdbcValueOf(const Variant& value);
 
 } // namespace ado

@@ -1,5 +1,5 @@
-// A parameter of a stored procedure and the collection of a command's. A Parameter is plain data: it stands
-// free of any command and connection, and outlives both. Knows no driver.
+// The parameters of a stored procedure and a command's collection of them. A Parameter is plain data: it
+// refers to no command or connection and may outlive both. Knows no driver.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace ado {
 
-/// What Direction holds; 0 where the catalogue does not say.
+/// Values of Direction. Unknown: the catalogue does not say.
 enum ParameterDirection : std::int32_t {
     adParamUnknown = 0,
     adParamInput = 1,
@@ -27,7 +27,7 @@ enum ParameterAttributes : std::int32_t {
     adParamLong = 128,
 };
 
-/// A value is kept as it is assigned; it becomes one of the parameter's type when the command runs.
+/// A value is kept as it was assigned, and converted to the parameter's type when the command runs.
 class Parameter {
   public:
     std::int32_t Attributes() const { return attributes_; }
@@ -36,7 +36,7 @@ class Parameter {
     void Direction(std::int32_t value) { direction_ = value; }
     const std::string& Name() const { return name_; }
     void Name(const std::string& value) { name_ = value; }
-    /// Digits behind the point.
+    /// Digits after the decimal point.
     std::uint8_t NumericScale() const { return numeric_scale_; }
     void NumericScale(std::uint8_t value) { numeric_scale_ = value; }
     /// Digits in all.
@@ -45,11 +45,11 @@ class Parameter {
     /// Characters or bytes at most; 0 for types whose size does not vary.
     std::int32_t Size() const { return size_; }
     void Size(std::int32_t value) { size_ = value; }
-    /// A number of ado_types.h.
+    /// A DataType of ado_types.h.
     std::int32_t Type() const { return type_; }
     void Type(std::int32_t value) { type_ = value; }
-    /// Empty: an input parameter is left to the procedure's default, and every other one that goes in is
-    /// NULL.
+    /// If it is Empty, an input parameter is left out of the call, so that the procedure's default applies; a
+    /// parameter of both directions is passed as NULL.
     const Variant& Value() const { return value_; }
     void Value(Variant value) { value_ = std::move(value); }
 
@@ -70,22 +70,22 @@ class Command;
 class Parameters {
   public:
     std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
-    /// The first has the index 0. Throws kItemNotFound. Good until the next Refresh.
+    /// The first has the index 0. Throws kItemNotFound. Valid until the next Refresh.
     Parameter& Item(std::int32_t index);
     /// Asks the server for the parameters of the command's procedure and rebuilds the collection from its
-    /// answer. A parameter keeps the value that its namesake in the collection before had, if that was of the
-    /// same procedure; every other one is Empty. A procedure that the server does not know has no parameters.
-    /// Throws CallError; the collection is then empty.
+    /// answer. A parameter keeps the value of the parameter with the same name in the previous collection, if
+    /// that was of the same procedure; all others are Empty. A procedure that the server does not know has no
+    /// parameters. Throws CallError; the collection is then empty.
     void Refresh();
 
   private:
     friend class Command;
     explicit Parameters(const Command& command) : command_(&command) {}
 
-    /// Empties the collection and gives what it held.
+    /// Empties the collection and returns its items.
     std::vector<Parameter> Take();
-    /// Fills the empty collection with the parameters of the command's procedure. `before` are those of the
-    /// last time.
+    /// Fills the empty collection with the parameters of the command's procedure. `before` are the previous
+    /// parameters.
     void Fill(std::vector<Parameter> items, const std::vector<Parameter>& before);
 
     const Command* command_;

@@ -25,11 +25,11 @@ struct Reason {
     const char* sql_state;
     const char* text;
 };
-constexpr Reason kNoNumber{"22018", "it is not a number"};
-constexpr Reason kNoTruthValue{"22018", "it is neither true nor false"};
-constexpr Reason kNoGuid{"22018", "it is not a GUID"};
-constexpr Reason kNoBytes{"22018", "it is not a row of bytes in hexadecimal digits"};
-constexpr Reason kNoDate{"22007", "it is not a date or time"};
+constexpr Reason kNotANumber{"22018", "it is not a number"};
+constexpr Reason kNotATruthValue{"22018", "it is neither true nor false"};
+constexpr Reason kNotAGuid{"22018", "it is not a GUID"};
+constexpr Reason kNotHexDigits{"22018", "it is not a row of bytes in hexadecimal digits"};
+constexpr Reason kNotADate{"22007", "it is not a date or time"};
 constexpr Reason kOutOfRange{"22003", "it is out of the range of the type"};
 constexpr Reason kFraction{"22003", "it has a fraction"};
 constexpr Reason kDecimals{"22003", "it has more decimals than the type"};
@@ -37,7 +37,7 @@ constexpr Reason kDateOutOfRange{"22008", "it is out of the range of the type"};
 constexpr Reason kPartOfTime{"22008", "it has a part that the type cannot hold"};
 constexpr Reason kTooLong{"22001", "it is too long"};
 
-/// A value on its way into a type.
+/// A value that is to be converted.
 struct Given {
     const Parameter& parameter;
     const platform::LocaleForms& forms;
@@ -63,7 +63,7 @@ ExactNumber NumberOf(const Given& given) {
         number = ReadNumber(given.text, given.forms);
     }
     if (!number) {
-        throw kNoNumber;
+        throw kNotANumber;
     }
     return *number;
 }
@@ -115,7 +115,7 @@ odbc::Value ToBit(const Given& given) {
     }
     const auto number = ReadNumber(given.text, given.forms);
     if (!number) {
-        throw kNoTruthValue;
+        throw kNotATruthValue;
     }
     const std::int64_t whole = ToWhole(*number, 0);
     if (whole != 0 && whole != 1) {
@@ -124,7 +124,8 @@ odbc::Value ToBit(const Given& given) {
     return whole == 1;
 }
 
-/// A number that the type rounds, but neither to infinity nor, unless it is 0, to 0.
+/// Rounds to the precision of the type. A number that would become infinite, or 0 without being 0, is
+/// refused.
 template <class Number>
 odbc::Value ToFloating(const Given& given) {
     if (const auto* const same = given.As<Number>()) {
@@ -138,7 +139,7 @@ odbc::Value ToFloating(const Given& given) {
     return double{number};
 }
 
-/// Exact digits with a ".", which the driver takes in every locale.
+/// Exact digits with a ".", which the driver accepts in every locale.
 odbc::Value ToDecimal(const Given& given) {
     const ExactNumber number = NumberOf(given);
     constexpr std::int64_t kMostDigits = 38;
@@ -171,7 +172,7 @@ constexpr std::uint8_t kSmallDateTimePrecision = 16;
 constexpr std::uint8_t kDateTimePrecision = 23;
 constexpr std::uint32_t kMillisecond = 1'000'000; // nanoseconds
 
-/// The first and the last day of a type, and the parts of a time that it holds.
+/// The first and the last day of a type, and whether it can hold a time of day exactly.
 struct DateRange {
     std::uint8_t precision;
     std::tuple<int, int, int> first;
@@ -185,7 +186,7 @@ constexpr DateRange kDateRanges[] = {
      {1900, 1, 1},
      {2079, 6, 6},
      [](const Date& date) { return date.second == 0 && date.nanosecond == 0; }},
-    // Counts in 300ths of a second, which it shows as milliseconds that end in 0, 3 and 7.
+    // The type counts in 300ths of a second, which it shows as milliseconds that end in 0, 3 and 7.
     {kDateTimePrecision,
      {1753, 1, 1},
      {9999, 12, 31},
@@ -196,8 +197,7 @@ constexpr DateRange kDateRanges[] = {
      }},
 };
 
-/// A type without a row of its own is the server's type of up to seven decimals: it has as many as its scale
-/// says.
+/// A type that is not in the table has up to seven decimals of a second; its scale is their number.
 void CheckRange(const Date& date, const Parameter& parameter) {
     for (const DateRange& range : kDateRanges) {
         if (range.precision == parameter.Precision()) {
@@ -223,14 +223,15 @@ void CheckRange(const Date& date, const Parameter& parameter) {
 DateText DateOf(const Given& given) {
     const auto read = ReadDate(given.text, given.forms);
     if (!read) {
-        throw kNoDate;
+        throw kNotADate;
     }
     return *read;
 }
 
 odbc::Value ToTimestamp(const Given& given) {
     if (const auto* const same = given.As<Date>()) {
-        // One that the server gave: 300ths of a second, which the system's driver takes as milliseconds only.
+        // The value comes from the server, in 300ths of a second. The system's driver accepts whole
+        // milliseconds only.
         Date date = *same;
         if (given.parameter.Precision() == kDateTimePrecision) {
             date.nanosecond = (date.nanosecond + kMillisecond / 2) / kMillisecond * kMillisecond;
@@ -242,11 +243,11 @@ odbc::Value ToTimestamp(const Given& given) {
     return date;
 }
 
-/// A date alone, as text that the driver takes in every locale.
+/// A date alone, as text that the driver accepts in every locale.
 odbc::Value ToDay(const Given& given) {
     const DateText read = DateOf(given);
     if (!read.has_date || read.has_time) {
-        throw read.has_date ? kPartOfTime : kNoDate;
+        throw read.has_date ? kPartOfTime : kNotADate;
     }
     char text[32];
     std::snprintf(text, sizeof text, "%04d-%02u-%02u", int{read.date.year}, unsigned{read.date.month},
@@ -258,7 +259,7 @@ odbc::Value ToDay(const Given& given) {
 odbc::Value ToTime(const Given& given) {
     const DateText read = DateOf(given);
     if (!read.has_time || read.has_date) {
-        throw read.has_time ? kPartOfTime : kNoDate;
+        throw read.has_time ? kPartOfTime : kNotADate;
     }
     constexpr std::uint32_t kUnit = 100; // nanoseconds
     if (read.date.nanosecond % kUnit != 0) {
@@ -274,7 +275,7 @@ odbc::Value ToTime(const Given& given) {
 
 // ------------------------------------------------------------------ text and bytes
 
-/// 0 is no limit.
+/// A size of 0 means no limit.
 void CheckSize(const Given& given, std::size_t size) {
     if (given.parameter.Size() > 0 && size > static_cast<std::size_t>(given.parameter.Size())) {
         throw kTooLong;
@@ -292,7 +293,7 @@ std::optional<unsigned> DigitOf(char c) {
     return digit == std::string_view::npos ? std::nullopt : std::optional(static_cast<unsigned>(digit));
 }
 
-/// Nothing if the text is not an even number of hexadecimal digits.
+/// Returns nothing if the text is not an even number of hexadecimal digits.
 std::optional<std::string> BytesOf(std::string_view digits) {
     std::string bytes;
     for (std::size_t i = 0; i < digits.size(); i += 2) {
@@ -309,14 +310,14 @@ std::optional<std::string> BytesOf(std::string_view digits) {
 odbc::Value ToBytes(const Given& given) {
     std::string_view digits = WithoutBlanks(given.text);
     if (digits.empty()) {
-        throw kNoBytes;
+        throw kNotHexDigits;
     }
     if (digits.starts_with("0x") || digits.starts_with("0X")) {
         digits.remove_prefix(2);
     }
     auto bytes = BytesOf(digits);
     if (!bytes) {
-        throw kNoBytes;
+        throw kNotHexDigits;
     }
     CheckSize(given, bytes->size());
     return odbc::Bytes{std::move(*bytes)};
@@ -331,13 +332,13 @@ odbc::Value ToGuid(const Given& given) {
     std::string digits;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (i < kShape.size() && kShape[i] == '-' ? text[i] != '-' : !DigitOf(text[i])) {
-            throw kNoGuid;
+            throw kNotAGuid;
         }
         digits += text[i] == '-' ? "" : std::string(1, text[i]);
     }
     const auto bytes = BytesOf(digits);
     if (text.size() != kShape.size() || !bytes) {
-        throw kNoGuid;
+        throw kNotAGuid;
     }
     const auto number = [&](std::size_t begin, std::size_t size) {
         std::uint32_t value = 0;
@@ -356,7 +357,7 @@ odbc::Value ToGuid(const Given& given) {
     return guid;
 }
 
-/// A type that holds values of several kinds is given the value as it is.
+/// A type that holds values of several kinds takes the value without conversion.
 odbc::Value ToAny(const Given& given) {
     return OdbcValueOf(given.parameter.Value());
 }
@@ -368,7 +369,7 @@ struct Conversion {
     odbc::Value (*convert)(const Given& given);
 };
 
-/// Types without a row are text.
+/// Types that are not in the table are text.
 constexpr std::array kConversions = {
     Conversion{adBoolean, ToBit},
     Conversion{adUnsignedTinyInt, ToInteger<std::uint8_t>},
@@ -389,7 +390,7 @@ constexpr std::array kConversions = {
     Conversion{adVariant, ToAny},
 };
 
-/// A long text is named by its beginning.
+/// The beginning of a long text, for a message.
 std::string Shortened(const std::string& text) {
     constexpr std::size_t kMost = 100;
     return text.size() > kMost ? text.substr(0, kMost) + "..." : text;

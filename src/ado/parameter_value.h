@@ -1,4 +1,4 @@
-// A parameter's value as one of the parameter's type: inner header of the layer.
+// Converts a parameter's value to the parameter's type. Internal to the layer.
 #pragma once
 
 #include <exception>
@@ -10,7 +10,7 @@
 
 namespace ado {
 
-/// The value cannot be one of its parameter's type without becoming another value.
+/// The value cannot be converted to its parameter's type without becoming another value.
 class ValueRefused : public std::exception {
   public:
     ValueRefused(const char* sql_state, std::string text) : sql_state_(sql_state), text_(std::move(text)) {}
@@ -23,11 +23,12 @@ class ValueRefused : public std::exception {
     std::string text_;
 };
 
-/// The parameter's type as a declaration of the server's language has it: "varchar(30)", "decimal(12,4)".
+/// The parameter's type as it is declared in T-SQL: "varchar(30)", "decimal(12,4)".
 std::string DeclarationOf(const Parameter& parameter);
 
-/// What the driver is given for the parameter's value. Text is read in the forms of the locale, dates also by
-/// ISO 8601: the inverse of Variant::ToString. Throws ValueRefused for what does not fit the type whole.
+/// The parameter's value as it is passed to the driver. Text is read in the forms of the locale, dates also
+/// in ISO 8601: the inverse of Variant::ToString. Throws ValueRefused if the value does not fit the type
+/// exactly.
 platform::odbc::Value TypedValue(const Parameter& parameter, const platform::LocaleForms& forms);
 
 } // namespace ado

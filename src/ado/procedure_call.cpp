@@ -13,29 +13,28 @@ namespace {
 
 namespace odbc = platform::odbc;
 
-/// Characters or bytes that are kept free for a value that comes back of a type without a limit.
+/// The size of the buffer for an output value of a type without a limit, in characters or bytes.
 constexpr std::int32_t kMaxOutput = 1024 * 1024;
 
-bool GivesBack(const Parameter& parameter) {
+bool IsOutput(const Parameter& parameter) {
     return parameter.Direction() != adParamInput && parameter.Direction() != adParamUnknown;
 }
 
-/// A parameter that is left out of the call, for the procedure's default. One that gives something back is
-/// always there: a procedure's output parameter seldom has a default, and the server does not run the call
-/// without it.
+/// True if the parameter is left out of the call, so that the procedure's default applies. Output parameters
+/// are never left out: they seldom have a default, and without one the server refuses the call.
 bool IsLeftToDefault(const Parameter& parameter) {
-    return parameter.Value().IsEmpty() && !GivesBack(parameter);
+    return parameter.Value().IsEmpty() && !IsOutput(parameter);
 }
 
 odbc::Direction DirectionOf(const Parameter& parameter) {
-    if (!GivesBack(parameter)) {
+    if (!IsOutput(parameter)) {
         return odbc::Direction::Input;
     }
     return parameter.Direction() == adParamInputOutput ? odbc::Direction::InputOutput
                                                        : odbc::Direction::Output;
 }
 
-/// Without a value.
+/// The binding of a parameter, without its value.
 odbc::Parameter Bound(const Parameter& parameter) {
     const AdoType& type = AdoTypeOf(parameter.Type());
     odbc::Parameter bound;
@@ -106,10 +105,10 @@ std::string ProcedureCall::CallText(const std::string& procedure, std::vector<Pa
            (markers.empty() ? "" : "(" + markers + ")") + "}";
 }
 
-/// Names the parameters, since ODBC's own form for one that is left out before another one, "(?,,?)",
-/// becomes with FreeTDS one of the type without data, which a server may refuse (8009). FreeTDS has no other
-/// form that brings output and the return value back: so the server's own procedure for statements with
-/// parameters runs the call.
+/// Passes the parameters by name. ODBC's own form for a parameter that is left out before another one is
+/// "(?,,?)", but FreeTDS sends it as a parameter of the type without data, which a server may refuse (8009),
+/// and it ignores names of parameters. So the call is run by sp_executesql, which also brings back output and
+/// the return value.
 void ProcedureCall::CallByName(const std::string& procedure) {
     std::string result;
     std::string arguments;
@@ -118,7 +117,7 @@ void ProcedureCall::CallByName(const std::string& procedure) {
     for (std::size_t i = 0; i < marked_.size(); ++i) {
         const Parameter& parameter = *marked_[i].parameter;
         const std::string name = "@p" + std::to_string(i + 1);
-        const char* const output = GivesBack(parameter) ? " output" : "";
+        const char* const output = IsOutput(parameter) ? " output" : "";
         if (parameter.Direction() == adParamReturnValue) {
             result = name + " = ";
         } else {
@@ -146,7 +145,7 @@ void ProcedureCall::TakeOutput(const odbc::Statement& statement) const {
     auto position = static_cast<std::uint16_t>(leading_.size());
     for (const Marked& marked : marked_) {
         ++position;
-        if (GivesBack(*marked.parameter)) {
+        if (IsOutput(*marked.parameter)) {
             odbc::Value value = statement.ParameterValue(position);
             marked.parameter->Value(VariantOf(AdoTypeOf(marked.parameter->Type()).sql_type, value));
         }

@@ -1,5 +1,5 @@
-// The call of a stored procedure as a statement: its text, and what its markers are bound to. Inner header of
-// the layer.
+// The call of a stored procedure as a statement: its text and the values of its markers. Internal to the
+// layer.
 #pragma once
 
 #include <string>
@@ -14,14 +14,15 @@ namespace ado {
 
 class ProcedureCall {
   public:
-    /// Converts the values that go in. `parameters` must outlive the call.
+    /// Converts the input values. `parameters` must outlive the call.
     ProcedureCall(const std::string& procedure, std::vector<Parameter>& parameters,
                   const platform::LocaleForms& forms);
 
-    /// An entry for each value that does not fit its parameter's type; the call must not be started then.
+    /// An entry for each value that does not fit its parameter's type. If there is one, the call must not be
+    /// started.
     const std::vector<Error>& Refusals() const { return refusals_; }
     void Start(platform::odbc::Statement& statement) const;
-    /// Gives the parameters what came back; to be called after the last result.
+    /// Stores the output values in the parameters. To be called after the last result.
     void TakeOutput(const platform::odbc::Statement& statement) const;
 
   private:

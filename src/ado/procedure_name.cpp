@@ -6,12 +6,12 @@
 namespace ado {
 namespace {
 
-/// The bracket that closes one of the two ways to enclose a name; NUL for a character that opens none.
+/// The character that closes a name enclosed by `opening`; NUL if `opening` does not begin an enclosed name.
 char ClosingOf(char opening) {
     return opening == '[' ? ']' : opening == '"' ? '"' : '\0';
 }
 
-/// Takes an enclosed name from the front of `text`; two closing brackets within are one character.
+/// Takes an enclosed name from the front of `text`; a doubled closing character in it is one character.
 std::string TakeEnclosed(std::string_view& text, char closing) {
     std::string name;
     std::size_t at = 1;
@@ -32,13 +32,6 @@ std::string TakePlain(std::string_view& text) {
     const std::string name(text.substr(0, text.find_first_of(".;")));
     text.remove_prefix(name.size());
     return name;
-}
-
-char Lower(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    constexpr unsigned char kTimesSign = 0xD7;
-    const bool upper = (byte >= 'A' && byte <= 'Z') || (byte >= 0xC0 && byte <= 0xDE && byte != kTimesSign);
-    return upper ? static_cast<char>(byte + 0x20) : c;
 }
 
 } // namespace
@@ -73,10 +66,6 @@ std::string CataloguePattern(std::string_view name) {
     std::ranges::replace_if(
         pattern, [&](char c) { return kSpecial.find(c) != std::string_view::npos; }, '_');
     return pattern;
-}
-
-bool SameName(std::string_view one, std::string_view other) {
-    return std::ranges::equal(one, other, {}, Lower, Lower);
 }
 
 std::string InBrackets(std::string_view name) {

@@ -1,5 +1,5 @@
-// The name of a stored procedure as a caller writes it, taken apart for the server's catalogue. Inner header
-// of the layer.
+// Splits the name of a stored procedure into its parts, to find it in the server's catalogue. Internal to the
+// layer.
 #pragma once
 
 #include <string>
@@ -9,23 +9,20 @@ namespace ado {
 
 struct ProcedureName {
     std::string database; ///< empty: the current one
-    std::string owner;    ///< empty: whichever the server finds
+    std::string owner;    ///< empty: the one that the server finds
     std::string name;
     std::string number = "1"; ///< of the procedure among those that share the name
 };
 
-/// Understands "database.owner.name;number", each part but the name optional, names plain, in brackets or in
-/// double quotes.
+/// Reads "database.owner.name;number". All parts but the name are optional; names may be plain, in brackets
+/// or in double quotes.
 ProcedureName ParseProcedureName(std::string_view text);
 
-/// A pattern for the catalogue that finds the name, and perhaps others: what is a wildcard or an escape
-/// there, to one driver or the other, stands for any character.
+/// A pattern for the catalogue that matches the name, and perhaps others: a character that some driver takes
+/// for a wildcard or an escape is replaced by "_", which matches any character.
 std::string CataloguePattern(std::string_view name);
 
-/// True for the same name, by the characters of the code page without regard to case.
-bool SameName(std::string_view one, std::string_view other);
-
-/// The name in brackets, for a place within a text between apostrophes.
+/// The name in brackets, to be used inside a string literal: apostrophes are doubled as well.
 std::string InBrackets(std::string_view name);
 
 } // namespace ado

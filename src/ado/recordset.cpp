@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "ado/errors.h"
+#include "text/text.h"
 
 namespace ado {
 namespace {
@@ -35,11 +36,9 @@ Field Fields::Item(std::int32_t index) const {
 }
 
 Field Fields::Item(std::string_view name) const {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
     const std::vector<std::string>& names = recordset_->field_names_;
-    const auto found = std::ranges::find_if(names, [&](const std::string& candidate) {
-        return std::ranges::equal(candidate, name, {}, lower, lower);
-    });
+    const auto found = std::ranges::find_if(
+        names, [&](const std::string& candidate) { return kv::SameIgnoringCase(candidate, name); });
     if (found == names.end()) {
         RaiseOwnError(kItemNotFound, "ADODB.Fields", std::string(name));
     }
@@ -73,7 +72,7 @@ bool Recordset::Eof() const {
 
 bool Recordset::Bof() const {
     CheckOpen();
-    return rows_.RowCount() == 0; // there is no way back in front of the first row
+    return rows_.RowCount() == 0; // moving before the first row is not possible
 }
 
 void Recordset::MoveFirst() {

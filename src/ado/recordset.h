@@ -1,5 +1,4 @@
-// A client-side result: its fields, its rows in memory, and the one row that is the current one. Needs no
-// connection any more.
+// A client-side result: its fields, its rows in memory, and the current row. Needs no connection.
 #pragma once
 
 #include <cstdint>
@@ -12,17 +11,17 @@
 
 namespace ado {
 
-/// What State gives; the same numbers for a connection.
+/// Values of State, of a recordset and of a connection.
 enum ObjectState : std::int32_t { adStateClosed = 0, adStateOpen = 1 };
 
 class Recordset;
 
-/// One column of the current row. Does not outlive its recordset.
+/// One column of the current row. Must not outlive its recordset.
 class Field {
   public:
     Field(const Recordset& recordset, std::size_t index) : recordset_(&recordset), index_(index) {}
     const std::string& Name() const;
-    /// Throws kNoCurrentRecord if the recordset stands on no row.
+    /// Throws kNoCurrentRecord if there is no current row.
     const Variant& Value() const;
 
   private:
@@ -30,14 +29,14 @@ class Field {
     std::size_t index_;
 };
 
-/// The columns of a recordset; none if it is closed. Does not outlive it.
+/// The columns of a recordset; a closed recordset has no columns. Must not outlive the recordset.
 class Fields {
   public:
     explicit Fields(const Recordset& recordset) : recordset_(&recordset) {}
     std::int32_t Count() const;
     /// The first has the index 0. Throws kItemNotFound.
     Field Item(std::int32_t index) const;
-    /// By its name, without regard to case. Throws kItemNotFound.
+    /// The field with this name, letter case ignored. Throws kItemNotFound.
     Field Item(std::string_view name) const;
 
   private:
@@ -47,19 +46,19 @@ class Fields {
 /// Every failure is a CallError.
 class Recordset {
   public:
-    /// A closed one: what a statement without columns gives.
+    /// A closed recordset, as a statement without columns returns it.
     Recordset() = default;
-    /// An open one, on its first row if there is one. `rows` have a value for each field.
+    /// An open recordset, on its first row if it has rows. Each row of `rows` has a value for each field.
     Recordset(std::vector<std::string> field_names, RowStore rows);
 
     std::int32_t State() const { return open_ ? adStateOpen : adStateClosed; }
-    /// Both are true for a result without rows. The C library has the usual spelling as a macro.
+    /// Both are true for a result without rows. Not spelled EOF, which is a macro of the C library.
     bool Eof() const;
     bool Bof() const;
     void MoveFirst();
     void MoveNext();
-    /// Gives all rows away from the first on; the recordset is at its end then and has none. For readers of
-    /// whole results, who need no row of their own beside it.
+    /// Moves all rows out of the recordset, which is then empty. For callers that keep the whole result, so
+    /// that its rows are not held twice.
     RowStore GetRows();
     ado::Fields Fields() const { return ado::Fields(*this); }
 
@@ -75,7 +74,7 @@ class Recordset {
     RowStore rows_;
     std::vector<Variant> current_;
     RowStore::Place next_;
-    std::size_t position_ = 0; ///< of the current row, from 0; the number of rows: at the end
+    std::size_t position_ = 0; ///< of the current row, from 0; at the end it is the number of rows
 };
 
 } // namespace ado

@@ -6,16 +6,15 @@
 #include <type_traits>
 #include <utility>
 
-#include "ado/packed_number.h"
 #include "text/code_page.h"
 
 namespace ado {
 namespace {
 
-/// A chunk that has so many bytes takes no further row.
+/// A chunk of this size takes no further row.
 constexpr std::size_t kChunkBytes = std::size_t{1024} * 1024;
 
-/// The lower half of a value's first byte is its kind, the place of its type among the variant's.
+/// The lower four bits of a value's first byte are its kind: the index of its type in the variant.
 template <class T, std::size_t Index = 0>
 constexpr std::size_t KindOf() {
     if constexpr (std::is_same_v<std::variant_alternative_t<Index, Variant::Storage>, T>) {
@@ -28,14 +27,38 @@ constexpr unsigned kKindBits = 4;
 constexpr unsigned kKindMask = (1U << kKindBits) - 1;
 static_assert(std::variant_size_v<Variant::Storage> <= kKindMask);
 
-/// The upper half is a number that the kind has a use for. This one says that it follows as a packed number.
+/// The upper four bits are a number whose meaning depends on the kind. This value means that the number
+/// follows in packed form.
 constexpr std::size_t kFollows = 15;
 
 char FirstByte(std::size_t kind, std::uint64_t number = 0) {
     return static_cast<char>(kind | (number << kKindBits));
 }
 
-/// The sign goes last, so that small negative numbers are short too.
+// Whole numbers are packed into as few bytes as they need: seven bits to a byte, the lowest first; the top
+// bit says that another byte follows.
+
+void PutNumber(std::string& to, std::uint64_t number) {
+    while (number >= 0x80) {
+        to += static_cast<char>((number & 0x7F) | 0x80);
+        number >>= 7U;
+    }
+    to += static_cast<char>(number);
+}
+
+/// The number at `offset`, which is moved to the byte after it.
+std::uint64_t TakeNumber(const std::string& from, std::size_t& offset) {
+    std::uint64_t number = 0;
+    for (unsigned shift = 0;; shift += 7) {
+        const auto byte = static_cast<unsigned char>(from[offset++]);
+        number |= std::uint64_t{byte & 0x7FU} << shift;
+        if (byte < 0x80) {
+            return number;
+        }
+    }
+}
+
+/// The sign becomes the lowest bit, so that small negative numbers are short too.
 std::uint64_t Zigzag(std::int64_t value) {
     return (static_cast<std::uint64_t>(value) << 1U) ^ (value < 0 ? ~std::uint64_t{0} : 0);
 }
@@ -53,7 +76,7 @@ void PutRaw(std::string& to, std::size_t kind, const T& value) {
     to.append(packed, sizeof packed);
 }
 
-/// The first byte of a value with a number, and the number.
+/// Appends the first byte of a value, with the number in it or after it.
 void PutCounted(std::string& to, std::size_t kind, std::uint64_t number) {
     if (number < kFollows) {
         to += FirstByte(kind, number);
@@ -78,7 +101,7 @@ struct Putter {
     void operator()(const ByteArray& value) const { store.PutBytes(value.data); }
 };
 
-/// Takes values from a row, one after the other.
+/// Reads the values of a row, one after the other.
 class Reader {
   public:
     Reader(const std::string& from, std::size_t& offset) : from_(from), offset_(offset) {}
@@ -113,7 +136,7 @@ class Reader {
         case KindOf<ByteArray>():
             Text();
             break;
-        default: // nothing behind the first byte
+        default: // nothing after the first byte
             break;
         }
     }
@@ -162,7 +185,7 @@ void RowStore::BeginRow() {
         }
         Chunk& chunk = chunks_.emplace_back();
         chunk.first_row = row_count_;
-        if (!first) { // a small result stays small
+        if (!first) { // the first chunk grows as needed: a small result stays small
             chunk.values.reserve(kChunkBytes + kChunkBytes / 64);
         }
     }
@@ -219,7 +242,7 @@ void RowStore::PutWideSized(std::size_t kind, std::u16string_view text) {
     const std::size_t text_begin = values.size();
     platform::AppendNarrow(values, text);
     const std::size_t size = values.size() - text_begin;
-    if (size != text.size()) { // a character of two units is one byte
+    if (size != text.size()) { // a character of two UTF-16 units became one byte
         const std::string narrow = values.substr(text_begin);
         values.resize(begin);
         PutSized(kind, narrow);

@@ -1,5 +1,6 @@
-// The rows of a client-side result, packed one behind the other: a byte for the kind of each value, with its
-// size where that is small, and what the value needs. Written once, then read forwards or by place.
+// The rows of a client-side result in packed form, one after the other. Each value begins with a byte for its
+// kind, which also holds its size if that is small; the bytes of the value follow. Written once, then read
+// forwards or by position.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +15,7 @@ namespace ado {
 
 class RowStore {
   public:
-    /// Where the next row begins. A new one stands in front of the first row.
+    /// Where the next row begins. A new Place is the beginning of the first row.
     struct Place {
         std::size_t chunk = 0;
         std::size_t offset = 0;
@@ -23,7 +24,7 @@ class RowStore {
     /// Every row has as many values as the first.
     void Append(const std::vector<Variant>& row);
 
-    // The same piece by piece: a row, then each of its values.
+    // The same in steps: BeginRow, then a call for each value.
 
     void BeginRow();
     void PutEmpty();
@@ -35,24 +36,25 @@ class RowStore {
     void PutDecimal(std::string_view digits);
     void PutDate(const Date& value);
     void PutText(std::string_view text);
-    /// UTF-16, which becomes the program's text.
+    /// UTF-16, which is converted to code page 1252.
     void PutWideDecimal(std::u16string_view digits);
     void PutWideText(std::u16string_view text);
     void PutBytes(std::string_view bytes);
 
     std::size_t RowCount() const { return row_count_; }
 
-    /// Replaces the values of `row`, as many as it has, by those at `place`, which goes on behind them. There
-    /// must be a row.
+    /// Reads the row at `place` into `row`, which has the size of a row, and moves `place` to the next row.
+    /// There must be a row at `place`.
     void Read(Place& place, std::vector<Variant>& row) const;
-    /// The value in a column of a row, both from 0. There must be one.
+    /// The value in a column of a row, both counted from 0. The value must exist.
     Variant Value(std::size_t row, std::size_t column) const;
 
-    /// What it holds in memory, in bytes.
+    /// The memory that the rows take, in bytes.
     std::size_t Bytes() const;
 
   private:
-    /// Rows lie whole in one chunk. Chunks keep what is held twice while the store grows small.
+    /// Each row lies in one chunk. A buffer that grows is held twice while it is copied; with chunks only the
+    /// last one is.
     struct Chunk {
         std::size_t first_row = 0;
         std::vector<std::uint32_t> row_starts;

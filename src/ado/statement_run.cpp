@@ -11,7 +11,7 @@ namespace {
 
 namespace odbc = platform::odbc;
 
-/// Stores a value as the driver has it, without a stop on the way. `type` is its column's.
+/// Stores a value directly from the driver's buffer. `type` is the type of its column.
 void Put(RowStore& store, odbc::SqlType type, const odbc::CellView& cell) {
     switch (cell.kind) {
     case odbc::CellKind::Null:
@@ -26,7 +26,7 @@ void Put(RowStore& store, odbc::SqlType type, const odbc::CellView& cell) {
     case odbc::CellKind::Timestamp:
         return store.PutDate(odbc::TimestampAt(cell.data));
     case odbc::CellKind::Guid:
-        return store.PutText(TextOf(cell.As<odbc::Guid>()));
+        return store.PutText(GuidText(cell.As<odbc::Guid>()));
     case odbc::CellKind::Binary:
         return store.PutBytes({cell.data, cell.size});
     case odbc::CellKind::Text:
@@ -52,9 +52,9 @@ std::unique_ptr<Recordset> ReadRows(odbc::Statement& statement) {
     return std::make_unique<Recordset>(std::move(names), std::move(store));
 }
 
-/// True if the server itself reported the failure: it goes on with the results after it. A failure that the
-/// driver reports (a time-out, a server that is gone) ends the statement: asked again, the driver would fail
-/// again, for ever.
+/// True if the server itself reported the failure: further results may follow. A failure that the driver
+/// reports (a time-out, a lost connection) ends the statement, since the driver would fail at every further
+/// call.
 bool ServerGoesOn(const odbc::OdbcError& error, odbc::Connection& connection) {
     return !error.ConnectionLost() && !connection.Dead() &&
            std::ranges::any_of(error.Diagnostics(), [](const odbc::Diagnostic& diagnostic) {
@@ -64,7 +64,7 @@ bool ServerGoesOn(const odbc::OdbcError& error, odbc::Connection& connection) {
 
 } // namespace
 
-/// Makes one call. False: there is nothing behind it.
+/// Makes one call and collects what it reports. False if no result can follow.
 template <class Call>
 bool StatementRun::Step(Call call) {
     bool more = false;
@@ -81,7 +81,7 @@ bool StatementRun::Step(Call call) {
 
 void StatementRun::TakeMessages() {
     for (odbc::Diagnostic& message : statement_.TakeMessages()) {
-        // ODBC lets a driver tell of a batch that went on behind a failed statement by success with
+        // ODBC allows a driver to report a batch that went on after a failed statement as success with
         // information.
         failed_ = failed_ || (message.error && !rows_);
         diagnostics_.push_back(std::move(message));
@@ -89,15 +89,15 @@ void StatementRun::TakeMessages() {
 }
 
 void StatementRun::TakeResult() {
-    TakeMessages(); // an error that came with the result lies in front of it
+    TakeMessages(); // an error that came with the result counts as one before it
     if (statement_.ColumnCount() != 0) {
-        // Of the results behind the first nothing is wanted but what the server reports with them.
+        // Rows are kept of the first result only; of the others only errors and messages are.
         if (!std::exchange(has_result_, true)) {
             rows_ = ReadRows(statement_);
         }
         return;
     }
-    // Neither columns nor a count: a change of the database, a message. No result.
+    // A statement with neither columns nor a count (USE, PRINT) gives no result.
     const std::int64_t count = statement_.RowCount();
     if (count >= 0 && !std::exchange(has_result_, true)) {
         records_affected_ = count;

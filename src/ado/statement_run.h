@@ -1,4 +1,4 @@
-// One statement from its start to the end of its last result: inner header of the layer.
+// Runs one statement from its start to the end of its last result. Internal to the layer.
 #pragma once
 
 #include <cstdint>
@@ -11,22 +11,23 @@
 
 namespace ado {
 
-/// Collects what a statement gives: its results are taken until there is none.
+/// Reads all results of a statement and collects what is reported with them.
 class StatementRun {
   public:
     /// The statement is one of the connection's; both must outlive the run.
     StatementRun(platform::odbc::Statement& statement, platform::odbc::Connection& connection)
         : statement_(statement), connection_(connection) {}
 
-    /// Runs what `start` begins. Throws nothing that the database reported.
+    /// Calls `start`, which executes the statement, and reads all its results. Errors of the database are
+    /// collected, not thrown.
     void Run(const std::function<void()>& start);
 
     /// True if the call that ran it has to fail.
     bool Failed() const { return failed_; }
-    /// Rows that the first result touched; -1 where nothing was counted.
+    /// The number of rows that the first result touched; -1 if the server did not count them.
     std::int64_t RecordsAffected() const { return records_affected_; }
     const std::vector<platform::odbc::Diagnostic>& Diagnostics() const { return diagnostics_; }
-    /// The first result; closed if it has no columns or if there is none.
+    /// The first result; a closed recordset if it has no columns or if there is no result.
     std::unique_ptr<Recordset> TakeRecordset();
 
   private:

@@ -8,22 +8,11 @@
 
 #include "ado/date_text.h"
 #include "ado/number_text.h"
+#include "odbc/value_text.h"
 #include "platform/locale.h"
 
 namespace ado {
 namespace {
-
-std::string FormatBytes(const ByteArray& bytes) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string text = "0x";
-    text.reserve(2 + 2 * bytes.data.size());
-    for (const char c : bytes.data) {
-        const auto byte = static_cast<unsigned char>(c);
-        text += kDigits[byte >> 4U];
-        text += kDigits[byte & 0xFU];
-    }
-    return text;
-}
 
 /// Days since day zero, the time of day as the fraction.
 double SerialNumber(const Date& date) {
@@ -47,7 +36,7 @@ double ParseNumber(std::string_view text) {
     if (text.starts_with('+') && !text.starts_with("+-")) {
         text.remove_prefix(1);
     }
-    // Words for infinity and the like, and a second sign, are no numbers.
+    // Words such as "inf", which from_chars reads, are not numbers, nor is a number with a second sign.
     const bool negative = text.starts_with('-');
     const std::size_t first = negative ? 1 : 0;
     if (text.find_first_of("0123456789.", first) != first) {
@@ -94,7 +83,7 @@ struct ToText {
     std::string operator()(const Decimal& value) const { return ShowExact(value.digits, forms); }
     std::string operator()(const Date& value) const { return ShowDate(value, forms); }
     std::string operator()(const std::string& value) const { return value; }
-    std::string operator()(const ByteArray& value) const { return FormatBytes(value); }
+    std::string operator()(const ByteArray& value) const { return platform::odbc::TextOf(value); }
 };
 
 struct ToNumber {

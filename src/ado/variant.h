@@ -1,5 +1,5 @@
-// A value as a field hands it out, and the conversions that the language of its readers has for it. Knows no
-// connection and no program above.
+// A value of a field or a parameter, and its conversions to text and to a 16-bit integer. Knows no
+// connection.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ struct Null {
     friend bool operator==(Null, Null) = default;
 };
 
-/// An exact number: digits, perhaps with a sign in front and a point.
+/// An exact number in decimal digits, perhaps with a sign before them and a point.
 struct Decimal {
     std::string digits;
     friend bool operator==(const Decimal&, const Decimal&) = default;
@@ -33,7 +33,7 @@ using ByteArray = platform::odbc::Bytes;
 
 class Variant {
   public:
-    /// Whole numbers of every width are one kind. The first is Empty: nothing was ever assigned.
+    /// Whole numbers of every width are one kind. The first alternative is Empty: no value has been assigned.
     using Storage = std::variant<std::monostate, Null, bool, std::int64_t, float, double, Decimal, Date,
                                  std::string, ByteArray>;
 
@@ -60,8 +60,8 @@ class Variant {
     /// The same in the forms of a given locale.
     std::string ToString(const platform::LocaleForms& forms) const;
     /// The signed 16-bit integer nearest to the value, a half going to the even neighbour; True is -1. Text
-    /// is read as a number: blanks around it are borne, a sign, a point and an exponent understood.
-    /// Throws ConversionError.
+    /// is read as a number, perhaps with blanks around it, a sign, a point and an exponent. Throws
+    /// ConversionError.
     std::int16_t ToInt16() const;
 
     friend bool operator==(const Variant&, const Variant&) = default;

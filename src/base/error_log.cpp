@@ -10,8 +10,8 @@
 namespace kv {
 namespace {
 
-/// Reading the log folder reports its own failures here. Without an end, a missing log key would take the
-/// stack with it.
+/// True while WriteErrorLog runs. Reading the log folder reports its failures to the log as well: without
+/// this mark a missing log key would lead to endless recursion.
 bool writing = false;
 
 class WritingMark {
@@ -22,8 +22,7 @@ class WritingMark {
     ~WritingMark() { writing = false; }
 };
 
-/// A plain file of that name answers the directory lookup too, and then nothing is made. Another process may
-/// have made the folder since the lookup.
+/// Makes nothing if a plain file has that name. Another process may make the folder after the lookup.
 void MakeDataFolder() {
     const std::string folder = platform::ExecutableFolder() + "\\Data";
     if (platform::FolderExists(folder) || platform::FileExists(folder)) {
@@ -62,8 +61,8 @@ void WriteErrorLog(const std::string& strSource) {
     }
     const WritingMark mark;
     MakeDataFolder();
-    // Reading clears the current error, so that the line below says what the caller passed and no more:
-    // what reads the log relies on the short form.
+    // Reading the setting clears the current error, so the line below has the short form, without number and
+    // description. Programs that read the log rely on that.
     const std::string folder =
         GetLocalSetting(registry_locations::kHkeyLocalMachine, registry_locations::kLogKey,
                         registry_locations::kLogValue, registry_locations::kLogDefault);

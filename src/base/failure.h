@@ -1,5 +1,5 @@
-// Failures: what a routine raises, the current error that it leaves behind, and the one way to arm a handler.
-// Knows no log, no window and no database.
+// Failures: the exception that a routine raises, the current error that it leaves, and the one way to arm a
+// handler. Knows no log, no window and no database.
 #pragma once
 
 #include <cstdint>
@@ -31,8 +31,8 @@ class Failure : public std::exception {
     std::string description_;
 };
 
-/// The state that a raised failure leaves behind: number 0 means none. A routine that arms a handler clears
-/// it, when it arms it and again when it leaves.
+/// The state that a raised failure leaves; number 0 means no error. A routine that arms a handler clears it
+/// when it arms the handler and again when it returns.
 struct ErrorState {
     std::int32_t number = 0;
     std::string source;
@@ -55,7 +55,7 @@ Failure TranslateInFlight();
 
 /// Runs `body` with a failure handler armed. A failure goes to `handler` (which takes a const Failure&); then
 /// the routine goes on at its exit label: this function returns. The current error is cleared when the
-/// handler is armed and again on leaving. A failure inside `handler` goes to the caller.
+/// handler is armed and again on return. A failure inside `handler` goes to the caller.
 template <class Body, class Handler>
 void WithFailureHandler(Body&& body, Handler&& handler) {
     ClearCurrentError();

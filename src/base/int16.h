@@ -1,4 +1,4 @@
-// The signed 16-bit integer of the program's counters: what does not fit fails as an overflow.
+// The signed 16-bit integer of the program's counters: a value that does not fit fails as an overflow.
 #pragma once
 
 #include <compare>
@@ -9,8 +9,7 @@
 
 namespace kv {
 
-/// Arithmetic between two of them gives one of them and raises run_time::kOverflow where the result does not
-/// fit; nothing wraps around.
+/// Arithmetic raises run_time::kOverflow where the result does not fit; nothing wraps around.
 class Int16 {
   public:
     constexpr Int16() = default;

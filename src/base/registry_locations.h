@@ -38,7 +38,7 @@ inline constexpr const char* kCurrentVersionKey =
     R"(SOFTWARE\\Microsoft\\Microsoft SQL Server\\KV_BATCH\\MSSQLServer\\CurrentVersion)";
 inline constexpr const char* kCurrentVersionValue = "CurrentVersion";
 
-/// HKEY_LOCAL_MACHINE: where each version of the server's client tools lies.
+/// HKEY_LOCAL_MACHINE: the folder of each version of the server's client tools.
 inline constexpr const char* kClientSetup80Key =
     R"(SOFTWARE\Microsoft\Microsoft SQL Server\80\Tools\ClientSetup)";
 inline constexpr const char* kClientSetup90Key =

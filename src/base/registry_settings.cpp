@@ -13,8 +13,8 @@ namespace registry_error = platform::registry_error;
 constexpr std::size_t kValueBuffer = 400;   // bytes
 constexpr std::size_t kMessageBuffer = 200; // characters
 
-/// The raised number is the length of the system's text and not the system's number: the log has always
-/// carried it. A system without a text fails here as an invalid call.
+/// The raised number is the length of the system's text, not the system's number, as the log has always shown
+/// it. An error for which the system has no text is raised as an invalid call.
 [[noreturn]] void RaiseRegistryFailure(const platform::RegistryError& error, const char* source) {
     constexpr std::size_t kLineEnd = 2; // the text's CR LF
     const std::string text = platform::SystemMessage(error, kMessageBuffer);
@@ -82,7 +82,7 @@ bool SetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey
     bool written = false;
     WithFailureHandler(
         [&] {
-            // The class of a new key is the value's name: so keys of this program have always been made.
+            // The class of a new key is the value's name, as in all keys that this program makes.
             const auto created =
                 platform::CreateKey(lngRoot, strSubKey, strValueName, platform::kKeyAllAccess);
             if (created.error != registry_error::kSuccess) {
@@ -133,7 +133,7 @@ std::string GetRemoteSetting(const std::string& strComputer, std::int32_t lngHiv
     std::string result;
     WithFailureHandler(
         [&] {
-            // Never closed: the connection is one for each call and ends with the program.
+            // Never closed: each call makes its own connection, which lasts until the program ends.
             const auto root = platform::ConnectRegistry(strComputer, lngHive);
             if (root.error != registry_error::kSuccess) {
                 RaiseRegistryFailure(root.error, "mRegistry::GetRemoteSetting");

@@ -1,5 +1,5 @@
-// modRegistry: the only door to the registry's string values. Knows the seam, the log and no caller.
-// All text is 8-bit. The empty value name means the key's default value.
+// modRegistry: reads and writes the registry's string values for the whole program, and logs failures. All
+// text is 8-bit. The empty value name means the key's default value.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace kv {
 
-// The outer layer logs every failure and lets none pass.
+// The outer layer logs a failure and does not raise it.
 
 /// The value; `strDefault` if the key is there and the value is not; empty on any failure, a missing key
 /// among them.
@@ -25,8 +25,9 @@ std::string GetRemoteSetting(const std::string& strComputer, std::int32_t lngHiv
 bool SaveLocalSetting(std::int32_t lngHive, const std::string& strSubKey, const std::string& strValueName,
                       const std::string& strValue);
 
-// The inner layer logs a failure and raises it again. `lngRoot` is a hive or what ConnectRegistry gave. The
-// number of a raised failure is the length of the system's text for it, and not the system's number.
+// The inner layer logs a failure and raises it again. `lngRoot` is a hive or a root that ConnectRegistry has
+// opened. The number of a raised failure is the length of the system's text for it, and not the system's
+// number.
 
 std::string GetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey,
                          const std::string& strValueName, const std::string& strDefault);

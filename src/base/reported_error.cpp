@@ -27,7 +27,6 @@ constexpr std::array kRunTimeTexts = {
     RunTimeText{run_time::kObjectVariableNotSet, "Object variable or With block variable not set"},
     RunTimeText{run_time::kInvalidUseOfNull, "Invalid use of Null"},
     RunTimeText{run_time::kCannotCreateObject, "ActiveX component can't create object"},
-    RunTimeText{run_time::kAutomationError, "Automation error"},
 };
 
 } // namespace

@@ -1,5 +1,5 @@
-// What the layers below the managers throw, so that a failure handler understands it without knowing them: an
-// error that something outside reported, and a failure of the run time.
+// The exceptions of the layers below the managers, which a failure handler understands without knowing those
+// layers: an error that a server, a driver or a COM object reported, and a failure of the run time.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,6 @@ inline constexpr std::int32_t kPathNotFound = 76;
 inline constexpr std::int32_t kObjectVariableNotSet = 91;
 inline constexpr std::int32_t kInvalidUseOfNull = 94;
 inline constexpr std::int32_t kCannotCreateObject = 429;
-inline constexpr std::int32_t kAutomationError = 440;
 
 /// The text of one of the numbers above; "Application-defined or object-defined error" for any other number.
 const char* Description(std::int32_t number);
@@ -50,7 +49,7 @@ class ReportedError : public std::exception {
     std::string description_;
 };
 
-/// A failure that has one of run_time's numbers and so its text.
+/// A failure with one of run_time's numbers and the text of that number.
 class RunTimeError : public std::exception {
   public:
     explicit RunTimeError(std::int32_t number) : number_(number) {}

@@ -37,7 +37,7 @@ void Operation::Close() {
 }
 
 std::unique_ptr<ado::Recordset> Operation::Execute(const std::string& statement, std::int32_t options) {
-    std::int64_t records_affected = 0; // asked for and never read
+    std::int64_t records_affected = 0; // the call requires it; not used
     std::unique_ptr<ado::Recordset> recordset = connection_->Execute(statement, records_affected, options);
     Collect();
     return recordset;
@@ -68,7 +68,7 @@ void Operation::CleanUp() {
     if (!connection_) {
         return;
     }
-    // Errors that came in an order that cannot be stored have failed the steps, and fail here again.
+    // If the order of the errors made Collect fail in a step, it fails here again.
     Collect();
     if (connection_->State() != ado::adStateClosed) {
         connection_->Close();

@@ -1,5 +1,5 @@
-// What the manager classes that use a connection share: the connection string, the standard open sequence,
-// the form of every statement and the standard failure path, each written once. Knows no operation.
+// The base of the manager classes that use a connection: the connection string, the standard open sequence,
+// how a statement is run, and the standard failure path. Contains no operation.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ inline constexpr std::int32_t kTimeoutSeconds = 300;
 
 class DatabaseManager;
 
-/// An operation while it runs: its one connection, as its steps use it. Failures go to its failure path.
+/// A running operation and its one connection. A failure in one of its steps starts its failure path.
 class Operation {
   public:
     explicit Operation(DatabaseManager& manager) : manager_(manager) {}
@@ -27,7 +27,7 @@ class Operation {
     /// The standard open sequence. `seconds` is both time-outs.
     void OpenStandard(const std::string& strDatabase, std::int32_t seconds = kTimeoutSeconds);
 
-    // Its pieces, for an operation with an order of its own.
+    // The steps of that sequence, for operations that need another order.
 
     /// A new connection with its results on the client's side.
     void Create();
@@ -36,7 +36,7 @@ class Operation {
     void Open();
     void Close();
 
-    // Each collects what the server reported. Null if no recordset came back.
+    // Each collects the errors that the server reported, and returns null if there is no recordset.
 
     std::unique_ptr<ado::Recordset> Execute(const std::string& statement,
                                             std::int32_t options = ado::adCmdText);
@@ -44,39 +44,40 @@ class Operation {
     /// Runs the command, whose connection is this operation's.
     std::unique_ptr<ado::Recordset> Execute(ado::Command& command);
 
-    /// For a command. There is one from OpenStandard or Create on.
+    /// The connection, for a command. It exists after OpenStandard or Create.
     ado::Connection& Connection() { return *connection_; }
 
-    /// Raises a failure of the operation's own, with the class as its source.
+    /// Raises a failure with the class as its source.
     [[noreturn]] void Fail(const std::string& description) const;
 
   private:
     friend class DatabaseManager;
 
     void Collect();
-    /// Collects, closes and releases, if there is a connection.
+    /// Collects the errors, then closes and releases the connection, if there is one.
     void CleanUp();
 
     DatabaseManager& manager_;
     std::unique_ptr<ado::Connection> connection_;
 };
 
-/// The base of the four classes. There to be written once, not to be used as a type of its own.
+/// The base of the four manager classes. Not used as a type of its own.
 class DatabaseManager : public ManagerErrors, public ServerPairSettings {
   protected:
-    /// `class_name` is a literal: the source of raised failures and the head of every log line.
+    /// `class_name` is a literal: the source of raised failures and the beginning of every log line.
     explicit DatabaseManager(const char* class_name);
     ~DatabaseManager() = default;
 
     using Steps = std::function<void(Operation&)>;
 
-    /// Runs an operation: its steps, the standard success end, or the standard failure path with the class's
-    /// name and `error_source` in the log. True if the steps ran to their end. A failure inside the failure
-    /// path goes to the caller; the connection is then released without being closed first.
+    /// Runs the steps of an operation and closes its connection. If a step fails, runs the standard failure
+    /// path, which writes the class's name and `error_source` to the log. True if all steps succeeded. A
+    /// failure inside the failure path goes to the caller; the connection is then released without being
+    /// closed first.
     bool RunOperation(const std::string& error_source, const Steps& steps);
 
     /// The connection string for the database on the selected server; empty if that server has no name or no
-    /// user. Nothing is escaped: a "#" in a value takes the place of the next one, a ";" ends it.
+    /// user. Nothing is escaped: a "#" in a value is replaced by the next value, and a ";" ends the value.
     std::string BuildConnectionString(const std::string& strDatabase) const;
 
   private:

@@ -39,8 +39,9 @@ void CollectDbErrors(DbErrors& arrErrors, const ado::Errors& errors) {
             continue;
         }
         arrErrors.Grow();
-        // The index counts the entries that were left out, the growth does not. Callers rely on the failure
-        // that follows: it takes an operation whose errors come in such an order to its failure path.
+        // The index counts the entries that are left out, but the array grows only for those that are stored.
+        // So an entry after one that is left out has an index outside the array. Callers rely on this
+        // failure: it takes the operation to its failure path.
         const Int16 index = base + place + Int16(1);
         DbError& record = arrErrors[index.Value()];
         record.Number = errors.Item(place.Value()).Number;

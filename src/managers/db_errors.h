@@ -1,5 +1,5 @@
-// What the database reported to a manager object: collected behind a statement, shown in one message box at
-// the end of a command. Knows no connection and no window.
+// The errors that the database reported to a manager: collected after each statement, shown in one message
+// box at the end of a command. Knows no connection and no window.
 #pragma once
 
 #include <cstdint>
@@ -32,9 +32,9 @@ class DbErrors {
     DbError& operator[](std::int32_t index);
     const DbError& operator[](std::int32_t index) const;
 
-    /// Adds one empty element behind the last.
+    /// Adds one empty element after the last.
     void Grow() { records_.emplace_back(); }
-    /// Leaves the one empty element 0.
+    /// Removes all elements except element 0, which is empty.
     void Reset() { records_.assign(1, {}); }
 
   private:
@@ -44,19 +44,21 @@ class DbErrors {
 /// Drops every record.
 void ResetDbErrors(DbErrors& arrErrors);
 
-/// Appends the errors of `errors` whose number is not 0. Each is stored at the upper bound before the call
-/// plus its place in `errors`, those with number 0 counted, while the array grows for the stored ones only: a
-/// 0 in front of another number fails with run_time::kSubscriptOutOfRange.
+/// Appends the entries of `errors` whose number is not 0. The index of an entry is the upper bound before the
+/// call plus its position in `errors`, counted from 1 and including entries with number 0. The array grows
+/// for stored entries only, so an entry with number 0 before another one fails with
+/// run_time::kSubscriptOutOfRange.
 void CollectDbErrors(DbErrors& arrErrors, const ado::Errors& errors);
 
 /// The text that the operator sees; empty if there is nothing to show.
 std::string FormatDbErrors(const DbErrors& arrErrors);
 
-/// The head of every manager class: its errors and the members that present them. A manager derives from it
-/// and fills db_errors_ with the routines above.
+/// The base of every manager class: its errors and the members that show them. A manager derives from it and
+/// fills db_errors_ with the routines above.
 class ManagerErrors {
   public:
-    /// One message box with all errors, none if there are none. A second call shows the same again.
+    /// Shows all errors in one message box, or nothing if there are no errors. The errors stay: a second call
+    /// shows them again.
     void ShowDbError() const;
     /// The number of errors held.
     Int16 ErrorCount() const;

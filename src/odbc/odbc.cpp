@@ -17,13 +17,13 @@ static_assert(static_cast<SQLSMALLINT>(HandleKind::Environment) == SQL_HANDLE_EN
 static_assert(static_cast<SQLSMALLINT>(HandleKind::Connection) == SQL_HANDLE_DBC);
 static_assert(static_cast<SQLSMALLINT>(HandleKind::Statement) == SQL_HANDLE_STMT);
 
-/// The server's name for itself as the last of the components in front of a message.
+/// The name of the server, which is the last of the components before a message.
 constexpr std::string_view kServerComponent = "[SQL Server]";
 
-/// The file of the driver that is reached by way of unixODBC, also under Wine.
-constexpr std::string_view kDriverBehindUnixOdbc = "libtdsodbc";
+/// The library of FreeTDS's driver, which is used on Linux and under Wine.
+constexpr std::string_view kFreeTdsLibrary = "libtdsodbc";
 
-/// The class of the SQLSTATEs of connections, and the one of a connection that broke.
+/// The class of the SQLSTATEs about connections, and the SQLSTATE of a connection that broke.
 constexpr std::string_view kConnectionClass = "08";
 constexpr const char* kCommunicationFailure = "08S01";
 
@@ -46,10 +46,10 @@ std::optional<std::int32_t> DiagnosticNumber(HandleKind kind, void* handle, SQLS
     return SQL_SUCCEEDED(code) && number != 0 ? std::optional(number) : std::nullopt;
 }
 
-/// FreeTDS's own messages have numbers of their own and stand at line -1, which no message of a server does.
-/// Seen with FreeTDS 1.3: if a server dies after the first result of a batch, the driver answers success with
-/// the message 20017, and every call from then on fails with "Unknown error".
-void MendOwnRecord(Diagnostic& diagnostic) {
+/// FreeTDS's own messages have their own numbers and the line -1, which no message of a server has. Seen with
+/// FreeTDS 1.3: if a server dies after the first result of a batch, the driver answers success with the
+/// message 20017, and every call from then on fails with "Unknown error".
+void CorrectFreeTdsRecord(Diagnostic& diagnostic) {
     constexpr std::int32_t kNoLine = 0xFFFF;
     constexpr std::array kLost = {20004, 20006, 20017,
                                   20047}; // reading, writing, end of data, dead connection
@@ -96,11 +96,11 @@ bool ReadRecord(HandleKind kind, void* handle, SQLSMALLINT record, Diagnostic& d
         // Seen with FreeTDS 1.3: it knows no severity field, and puts the severity where the state belongs.
         diagnostic.severity = std::exchange(diagnostic.state, std::nullopt);
     }
-    MendOwnRecord(diagnostic);
+    CorrectFreeTdsRecord(diagnostic);
     return true;
 }
 
-/// An error without a record would be an error without a word.
+/// An error without a record gets a placeholder, so that every error has a text.
 std::vector<Diagnostic> OrPlaceholder(const char* function, std::vector<Diagnostic> diagnostics) {
     if (diagnostics.empty()) {
         Diagnostic placeholder;
@@ -111,8 +111,8 @@ std::vector<Diagnostic> OrPlaceholder(const char* function, std::vector<Diagnost
     return diagnostics;
 }
 
-/// Only the driver can report a lost connection. A server that still reports something is there, whatever
-/// SQLSTATE the driver gives its message: FreeTDS gives 08004 to 911, an unknown database in USE.
+/// Only the driver can report a lost connection. If the server reports something, the connection works,
+/// whatever SQLSTATE the driver gives the message: FreeTDS gives 08004 to 911, an unknown database in USE.
 bool IsLost(const std::vector<Diagnostic>& diagnostics) {
     return std::ranges::any_of(diagnostics, [](const Diagnostic& diagnostic) {
         return !diagnostic.severity && diagnostic.sql_state.starts_with(kConnectionClass);
@@ -122,8 +122,8 @@ bool IsLost(const std::vector<Diagnostic>& diagnostics) {
 } // namespace
 
 std::string_view WithoutOrigin(std::string_view message) {
-    // All components stand in front, each in brackets, the server's last. Behind it the text is the server's
-    // own, and may itself begin with a bracket.
+    // The components come first, each in brackets, the server last. The text after them is the server's own
+    // and may begin with a bracket too.
     std::size_t end = 0;
     while (end < message.size() && message[end] == '[') {
         const std::size_t close = message.find(']', end);
@@ -157,7 +157,7 @@ std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle, bool fail
         diagnostic = {};
     }
     if (failed && !error_found) {
-        // unixODBC tells a driver that it can't load by 01000.
+        // unixODBC reports a driver that it can't load with 01000.
         for (Diagnostic& reason : diagnostics) {
             reason.error = true;
         }
@@ -261,7 +261,7 @@ void Connection::DriverConnect(const std::string& connection_string, unsigned lo
     handle_.Check("SQLDriverConnect", SQLDriverConnectW(handle_.Get(), nullptr, text.Data(), SQL_NTS, nullptr,
                                                         0, &length, SQL_DRIVER_NOPROMPT));
     connected_ = true;
-    free_tds_ = Info(SQL_DRIVER_NAME).starts_with(kDriverBehindUnixOdbc);
+    free_tds_ = Info(SQL_DRIVER_NAME).starts_with(kFreeTdsLibrary);
 }
 
 void Connection::SetPacketSize(unsigned bytes) {

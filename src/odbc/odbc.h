@@ -1,5 +1,5 @@
-// ODBC, thinly: owners of its three handles, what its calls report, and the calls themselves. Text is 8-bit,
-// code page 1252. Knows no database layer above it: what an error means is the caller's business.
+// A thin layer over ODBC: owners of its three handles, its calls, and what they report. Text is 8-bit, code
+// page 1252. Callers decide what an error means to them.
 #pragma once
 
 #include <cstdint>
@@ -13,20 +13,20 @@
 
 namespace platform::odbc {
 
-/// One diagnostic record. What a driver does not tell is empty.
+/// One diagnostic record. Fields that the driver does not provide are empty.
 struct Diagnostic {
     std::string sql_state; ///< five characters
-    bool error = true;     ///< false for a message: SQLSTATE class "01" or "00" beside success or an error
+    bool error = true;     ///< false for a message: SQLSTATE class "01" or "00"
     std::int32_t native_error = 0;
-    std::string message; ///< with the components that it passed in front: "[FreeTDS][SQL Server]..."
+    std::string message; ///< after the components that it passed: "[FreeTDS][SQL Server]..."
     std::string server;
     std::string procedure;
     std::optional<std::int32_t> line; ///< within the batch or the procedure, from 1
     std::optional<std::int32_t> severity;
-    std::optional<std::int32_t> state; ///< FreeTDS does not tell it
+    std::optional<std::int32_t> state; ///< FreeTDS does not provide it
 };
 
-/// The text without the names of the components that it passed. Brackets that the server wrote stay.
+/// The message without the names of the components before it. Brackets that the server wrote stay.
 std::string_view WithoutOrigin(std::string_view message);
 
 /// A call failed. Carries every record of that call, in ODBC's order: errors before messages.
@@ -36,7 +36,7 @@ class OdbcError : public std::exception {
 
     /// The ODBC function that failed; a literal.
     const char* Function() const { return function_; }
-    /// At least one record, whatever the driver left behind.
+    /// Never empty, even if the driver left no record.
     const std::vector<Diagnostic>& Diagnostics() const { return diagnostics_; }
     /// True if the connection can't be used any more: the driver itself reports SQLSTATE class 08. Messages
     /// of the server, which have a severity, do not count.
@@ -79,7 +79,7 @@ enum class SqlType : std::int16_t {
 
 enum class HandleKind : std::int16_t { Environment = 1, Connection = 2, Statement = 3 };
 
-/// Every record that the handle holds; may be empty. `failed` tells whether the call that left them did.
+/// Every record that the handle holds; may be empty. `failed`: the call that left them has failed.
 std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle, bool failed);
 
 /// The one owner of an ODBC handle, and the messages that came with its successful calls.
@@ -93,12 +93,12 @@ class Handle {
     Handle& operator=(const Handle&) = delete;
     ~Handle();
 
-    /// SQLHENV, SQLHDBC or SQLHSTMT; the handle stays the owner's.
+    /// SQLHENV, SQLHDBC or SQLHSTMT. The handle remains owned by this object.
     void* Get() const { return handle_; }
-    /// Looks at a call's return code: collects what came with success, throws OdbcError on failure.
-    /// False if the code was SQL_NO_DATA.
+    /// Checks a call's return code: collects the messages of a success, throws OdbcError on failure. False if
+    /// the code was SQL_NO_DATA.
     bool Check(const char* function, int return_code);
-    /// The messages since the last call of this, oldest first.
+    /// The messages since the last call of TakeMessages, oldest first.
     std::vector<Diagnostic> TakeMessages();
 
   private:
@@ -109,7 +109,7 @@ class Handle {
     std::vector<Diagnostic> messages_;
 };
 
-/// The driver manager, version 3. One for a program is enough; must outlive its connections.
+/// An environment of the driver manager, for ODBC 3. Must outlive its connections.
 class Environment {
   public:
     Environment();
@@ -119,7 +119,7 @@ class Environment {
     Handle handle_;
 };
 
-/// One connection. Its destructor disconnects; its statements must be gone by then.
+/// One connection. Its destructor disconnects; its statements must be destroyed before.
 class Connection {
   public:
     explicit Connection(const Environment& environment);
@@ -127,25 +127,25 @@ class Connection {
     Connection& operator=(Connection&& other) noexcept;
     ~Connection();
 
-    /// Connects without asking anybody for what is missing. The driver gives up after `login_timeout`
-    /// seconds; 0 means no limit.
+    /// Connects without prompting for missing values. The driver gives up after `login_timeout` seconds; 0
+    /// means no limit.
     void DriverConnect(const std::string& connection_string, unsigned login_timeout);
-    /// The size of a packet of the protocol in bytes; to be set before connecting.
+    /// The size of the protocol's packets in bytes. To be called before connecting.
     void SetPacketSize(unsigned bytes);
-    /// What the connection answers for an information type whose value is text (SQL_SERVER_NAME and so on).
+    /// The value of an information type that is text (SQL_SERVER_NAME and so on).
     std::string Info(std::uint16_t type);
-    /// Its statements must be gone by now: ODBC frees them with the connection.
+    /// Its statements must have been destroyed: ODBC frees them with the connection.
     void Disconnect();
-    /// True between DriverConnect and Disconnect, also when the server has gone meanwhile.
+    /// True between DriverConnect and Disconnect, also after the connection is lost.
     bool Connected() const { return connected_; }
-    /// True if the driver has noticed that the server has gone.
+    /// True if the driver has noticed that the connection is lost.
     bool Dead();
-    /// True if the results behind a failed first statement of a batch can't be had, and the server's work on
-    /// them is cut short: unixODBC takes a statement whose execution has failed for one without results.
-    /// Statement::KeepResultsBehindError helps.
-    bool DropsResultsBehindError() const { return free_tds_; }
-    /// True if the driver is FreeTDS, whose ways differ from the system's driver's in several places.
-    bool BehindFreeTds() const { return free_tds_; }
+    /// True if the results after a failed first statement of a batch are lost, and the server's work on them
+    /// is cancelled: unixODBC treats a statement whose execution has failed as one without results.
+    /// Statement::KeepResultsAfterError avoids that.
+    bool DropsResultsAfterError() const { return free_tds_; }
+    /// True if the driver is FreeTDS, which differs from the system's driver in several places.
+    bool UsesFreeTds() const { return free_tds_; }
     std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
     void* Get() const { return handle_.Get(); }
 
@@ -157,7 +157,7 @@ class Connection {
     bool free_tds_ = false;
 };
 
-/// Text and bytes are told apart by type, since both are bytes.
+/// Binary data. A type of its own, since text is a std::string as well.
 struct Bytes {
     std::string data;
     friend bool operator==(const Bytes&, const Bytes&) = default;
@@ -184,16 +184,16 @@ struct Guid {
     friend bool operator==(const Guid&, const Guid&) = default;
 };
 
-/// A value; no alternative but the first means NULL. Whole numbers of every width are int64, decimals and
-/// money are text, as are the types that the standard does not know.
+/// A value; std::monostate is NULL. Whole numbers of every width are int64. Decimals and money are text, as
+/// are types that the standard does not define.
 using Value = std::variant<std::monostate, bool, std::int64_t, double, std::string, Bytes, Timestamp, Guid>;
 
 enum class Direction : std::uint8_t { Input, InputOutput, Output };
 
-/// A parameter marker's value.
+/// The value of a parameter marker.
 struct Parameter {
-    SqlType type = SqlType::VarChar; ///< what the server is told; the value is converted by the driver
-    Value value{};                   ///< what goes in
+    SqlType type = SqlType::VarChar; ///< the type that the server is told; the driver converts the value
+    Value value{};                   ///< the input value
     Direction direction = Direction::Input;
     /// Characters or bytes at most; digits for decimals. 0: as long as the value.
     std::size_t size = 0;
@@ -213,8 +213,8 @@ struct Column {
     bool IsLong() const;
 };
 
-/// One statement of a connection, which must outlive it. Every call throws OdbcError; behind a failed Execute
-/// or MoreResults the results that follow are still there, to be had by further calls of MoreResults.
+/// One statement of a connection, which must outlive it. Every call throws OdbcError. After a failed Execute
+/// or MoreResults the following results can still be read by further calls of MoreResults.
 class Statement {
   public:
     explicit Statement(const Connection& connection);
@@ -225,39 +225,40 @@ class Statement {
     /// Seconds that a call may take before it fails with HYT00; 0 means no limit.
     void SetQueryTimeout(unsigned seconds);
 
-    /// Asks what the statement runs to end; the running call then fails (HY008). The one call that another
-    /// thread may make.
+    /// Asks the driver to end the running call, which then fails with HY008. The only member that another
+    /// thread may call.
     void Cancel() noexcept;
 
-    /// Makes the next ExecDirect keep the results behind an error, where Connection::DropsResultsBehindError
-    /// says that it would not. Runs an empty PRINT, which resets the session's @@ERROR and @@ROWCOUNT; other
-    /// statements may run between this and the ExecDirect.
-    void KeepResultsBehindError();
+    /// Makes the next ExecDirect keep the results after an error, where Connection::DropsResultsAfterError is
+    /// true. Runs an empty PRINT, which resets the session's @@ERROR and @@ROWCOUNT; other statements may run
+    /// between this and the ExecDirect.
+    void KeepResultsAfterError();
 
-    /// Runs the text. Having nothing to tell (DDL, statements under NOCOUNT) is success. A text with a NUL
-    /// byte is refused.
+    /// Runs the text. A statement without a result (DDL, statements under NOCOUNT) succeeds. A text with a
+    /// NUL byte is refused.
     void ExecDirect(const std::string& sql);
     void Prepare(const std::string& sql);
     /// Binds a copy of `parameter` to the marker at `position`, counted from 1.
     void Bind(std::uint16_t position, const Parameter& parameter);
     void Execute();
-    /// The value of a bound parameter. One that is output has its value when MoreResults has given false.
+    /// The value of a bound parameter. An output parameter has its value after MoreResults has returned
+    /// false.
     Value ParameterValue(std::uint16_t position) const;
 
-    /// Goes to the next result and drops what is left of this one. False: there is none.
+    /// Goes to the next result and drops the rest of the current one. False if there is no further result.
     bool MoreResults();
     /// 0 for a result without columns.
     std::uint16_t ColumnCount();
     /// The columns of the current result; empty for a result without columns.
     std::vector<Column> Columns();
-    /// Rows touched by a result without columns; -1 where nothing was counted, and for most results with
-    /// columns until their last row has been read.
+    /// The number of rows that a result without columns touched; -1 if the server did not count them, and for
+    /// most results with columns until their last row has been read.
     std::int64_t RowCount();
 
     /// The catalogue of all stored procedures, as a result of this statement.
     void Procedures();
-    /// The catalogue of the parameters of the procedures whose names match: "_" and "%" in the name, which
-    /// goes without ";1", are wildcards.
+    /// The catalogue of the parameters of all procedures whose names match, as a result of this statement.
+    /// The name has no ";1"; "_" and "%" in it are wildcards.
     void ProcedureColumns(const std::string& procedure);
 
     std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
@@ -270,7 +271,7 @@ class Statement {
     struct BoundParameter;
 
     Handle handle_;
-    bool counts_no_rows_ = false; ///< a row count of 0 is a count, not a blank
+    bool counts_no_rows_ = false; ///< a row count of 0 means that the result is empty
     std::vector<std::unique_ptr<BoundParameter>> parameters_;
 };
 

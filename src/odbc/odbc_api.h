@@ -1,6 +1,5 @@
-// The one way to ODBC's own headers. They need the system's types in front of them on Windows, and bring a
-// thousand macros along: no header of the tree includes this file, only the sources behind platform/odbc*.h
-// and the fakes that stand in for the driver manager.
+// Includes ODBC's own headers, and on Windows the system's types that they need. They define a thousand
+// macros, so only the sources of this folder and the fakes of the driver manager include this file.
 #pragma once
 
 #ifdef _WIN32
@@ -12,13 +11,6 @@
 
 #include <sql.h>
 #include <sqlext.h>
-
-/// What SQLColAttribute writes numbers to, as the system's header declares it.
-#if defined(_WIN32) && !defined(_WIN64)
-using OdbcColumnNumber = SQLPOINTER;
-#else
-using OdbcColumnNumber = SQLLEN*;
-#endif
 
 /// Diagnostic fields and column types that the drivers for this server add to the standard's.
 inline constexpr SQLSMALLINT kDiagServerState = -1150;

@@ -1,4 +1,4 @@
-// What the system's driver needs before it is used for the first time.
+// Prepares the system's driver for its first use.
 #pragma once
 
 namespace platform::odbc {

@@ -1,5 +1,5 @@
 // Rows of a result. The array size is set when the statement has run: set before, the drivers of this server
-// open a cursor on the server in place of sending the rows.
+// open a cursor on the server instead of sending the rows.
 #include "odbc/odbc_rows.h"
 
 #include <algorithm>
@@ -12,10 +12,10 @@
 namespace platform::odbc {
 namespace {
 
-/// Room for a block, in bytes, and the most rows that are worth one.
+/// The size of a block in bytes, and the largest number of rows in a block.
 constexpr std::size_t kBlockBytes = 256 * 1024;
 constexpr std::size_t kMaxBlockRows = 512;
-/// Bytes that a long value is read in at a time.
+/// A long value is read in pieces of this many bytes.
 constexpr std::size_t kPieceBytes = 64 * 1024;
 
 /// A column that is bound, with a value and an indicator for each row of the block.
@@ -23,7 +23,7 @@ struct BoundColumn {
     SQLSMALLINT c_type = SQL_C_WCHAR;
     CellKind kind = CellKind::Text;
     bool varies = false;   ///< in length, up to `room` bytes
-    std::size_t width = 0; ///< bytes of a value's place
+    std::size_t width = 0; ///< bytes reserved for a value
     std::size_t room = 0;
     std::vector<char> data;
     std::vector<SQLLEN> indicators;
@@ -34,12 +34,13 @@ std::size_t WidthOf(const Column& column, SQLSMALLINT c_type) {
     if (fixed != 0) {
         return fixed;
     }
-    // Text takes a character more for the NUL behind it; a decimal's sign and point are in its display size.
+    // Text takes one character more for the NUL after it. The display size of a decimal includes its sign and
+    // point.
     return c_type == SQL_C_BINARY ? column.size
                                   : (std::max(column.size, column.display_size) + 1) * sizeof(char16_t);
 }
 
-/// Bytes of a value that a buffer of `size` bytes takes: text has a NUL behind it.
+/// The length in bytes of the longest value that a buffer of `size` bytes can hold: text has a NUL after it.
 std::size_t RoomFor(SQLSMALLINT c_type, std::size_t size) {
     return c_type == SQL_C_WCHAR ? size - sizeof(char16_t) : size;
 }
@@ -49,14 +50,14 @@ std::size_t RoomFor(SQLSMALLINT c_type, std::size_t size) {
 struct RowReader::State {
     Statement* statement = nullptr;
     std::vector<Column> columns;
-    std::vector<BoundColumn> bound; ///< of the columns in front of the first long one
+    std::vector<BoundColumn> bound; ///< of the columns before the first long one
     std::vector<SQLUSMALLINT> row_status;
     std::vector<char> piece;
     std::string whole; ///< the long value that was read last
     std::size_t block_rows = 1;
     SQLULEN fetched = 0;
-    std::size_t next = 0; ///< row of the block that NextRow goes to
-    bool ended = false;   ///< a further fetch would be out of order
+    std::size_t next = 0; ///< the current row of the block
+    bool ended = false;   ///< the last block has been fetched
 
     ~State() { Release(); }
     void Layout();
@@ -71,7 +72,7 @@ struct RowReader::State {
 void RowReader::State::Layout() {
     std::size_t row_bytes = 0;
     for (const Column& column : columns) {
-        // The drivers of this server read columns in pieces only behind the last bound one, and only from
+        // The drivers of this server read columns in pieces only after the last bound one, and only from
         // blocks of one row.
         if (column.IsLong()) {
             break;
@@ -111,8 +112,8 @@ void RowReader::State::BindAll() {
     }
 }
 
-/// Success with information tells of a block that was cut short by an error, too: by the state of a row, or
-/// by the record alone.
+/// Success with information may also mean that an error has cut the block short. Then a row has the status
+/// SQL_ROW_ERROR, or there is only a record.
 bool RowReader::State::BlockFailed() const {
     const auto rows_end =
         row_status.begin() + static_cast<std::ptrdiff_t>(std::min<SQLULEN>(fetched, block_rows));
@@ -130,8 +131,8 @@ bool RowReader::State::FetchBlock() {
         throw OdbcError("SQLFetch", ReadDiagnostics(HandleKind::Statement, handle.Get(), true));
     }
     const bool got = handle.Check("SQLFetch", code) && fetched != 0;
-    // A block that is not full is the last one. Asking once more would be harmless but for FreeTDS, which
-    // then reads on behind the result and loses the message that stands there.
+    // A block that is not full is the last one. A further fetch must be avoided: FreeTDS would read past the
+    // result and lose the message that follows.
     ended = !got || fetched < block_rows;
     return got;
 }
@@ -184,7 +185,7 @@ CellView RowReader::State::LongView(std::size_t column) {
 }
 
 void RowReader::State::Release() noexcept {
-    // Whatever these answer: the buffers go now, and the statement must not know them any more.
+    // Return codes are ignored: the buffers are freed now, and the statement must not refer to them.
     SQLFreeStmt(statement->Get(), SQL_UNBIND);
     SQLSetStmtAttrW(statement->Get(), SQL_ATTR_ROW_STATUS_PTR, nullptr, SQL_IS_POINTER);
     SQLSetStmtAttrW(statement->Get(), SQL_ATTR_ROWS_FETCHED_PTR, nullptr, SQL_IS_POINTER);
@@ -194,7 +195,7 @@ void RowReader::State::Release() noexcept {
 RowReader::RowReader(Statement& statement) : state_(std::make_unique<State>()) {
     state_->statement = &statement;
     state_->columns = statement.Columns();
-    // FreeTDS has then read the result to its end, and a fetch would read on, as behind a last block.
+    // FreeTDS has read an empty result to its end, and a fetch would read past it, as after a last block.
     state_->ended = statement.KnownEmpty();
     state_->Layout();
     state_->BindAll();

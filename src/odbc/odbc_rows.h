@@ -1,5 +1,4 @@
-// The rows of a result: fetched in blocks into bound buffers, long columns in pieces. Knows nothing of what
-// the rows mean.
+// Reads the rows of a result: in blocks into bound buffers, long columns in pieces.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +12,7 @@
 
 namespace platform::odbc {
 
-/// What a value is, where the driver has put it.
+/// The type of a value in the driver's buffer.
 enum class CellKind : std::uint8_t {
     Null,
     Bit,
@@ -25,7 +24,7 @@ enum class CellKind : std::uint8_t {
     Text, ///< UTF-16
 };
 
-/// A value as it lies in the driver's buffers.
+/// A value in the driver's buffers.
 struct CellView {
     CellKind kind = CellKind::Null;
     const char* data = nullptr;
@@ -44,8 +43,8 @@ struct CellView {
 
 Timestamp TimestampAt(const char* data);
 
-/// Reads the current result of a statement, forwards and once. The statement must outlive it, and is left
-/// without bound columns by its destructor.
+/// Reads the current result of a statement, forwards and once. The statement must outlive the reader, whose
+/// destructor unbinds the columns.
 class RowReader {
   public:
     /// Binds the columns. Throws OdbcError.
@@ -55,12 +54,13 @@ class RowReader {
     ~RowReader();
 
     const std::vector<Column>& Columns() const;
-    /// Fills `row` with the next row, one value for each column. False: there is none, `row` is untouched.
-    /// Throws OdbcError; a value that does not fit its column's description is one (01004).
+    /// Reads the next row into `row`, one value for each column. Returns false and leaves `row` as it is if
+    /// there is no further row. Throws OdbcError, with 01004 for a value that does not fit its column's
+    /// description.
     bool Next(std::vector<Value>& row);
 
-    /// The same without a copy: goes to the next row, whose values View then gives, each asked for once and
-    /// in the order of the columns. What it gives is good until its next call.
+    /// The same without a copy. NextRow goes to the next row; View then returns its values, each once and in
+    /// the order of the columns. A view is valid until the next call.
     bool NextRow();
     CellView View(std::size_t column);
 

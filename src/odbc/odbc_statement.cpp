@@ -38,7 +38,7 @@ Column DescribeColumn(Handle& handle, SQLUSMALLINT number) {
     return column;
 }
 
-/// FreeTDS takes a NUL for the end of a statement's text and would run what stands in front of it.
+/// FreeTDS takes a NUL for the end of a statement's text and would run the part before it.
 void RefuseNul(const char* function, const std::string& sql) {
     if (sql.find('\0') != std::string::npos) {
         Diagnostic refusal;
@@ -58,9 +58,9 @@ struct Statement::BoundParameter {
 
 Statement::Statement(const Connection& connection)
     : handle_(HandleKind::Statement, HandleKind::Connection, connection.Get()),
-      counts_no_rows_(connection.BehindFreeTds()) {}
+      counts_no_rows_(connection.UsesFreeTds()) {}
 Statement::Statement(Statement&&) noexcept = default;
-// The handle goes before the buffers that are bound to it.
+// The handle is replaced before the buffers that are bound to it.
 Statement& Statement::operator=(Statement&& other) noexcept {
     handle_ = std::move(other.handle_);
     parameters_ = std::move(other.parameters_);
@@ -75,13 +75,13 @@ void Statement::SetQueryTimeout(unsigned seconds) {
 }
 
 void Statement::Cancel() noexcept {
-    SQLCancel(handle_.Get()); // Whatever it answers: the running call tells what became of it.
+    SQLCancel(handle_.Get()); // The return code is ignored: the running call reports the outcome.
 }
 
-void Statement::KeepResultsBehindError() {
-    // unixODBC 2.3 remembers a failed execution as "no results" only for a statement without a cursor. It
-    // takes a successful execution, whatever it gave, for a cursor; a message is the one success that FreeTDS
-    // does not answer with SQL_NO_DATA and that leaves nothing to be fetched.
+void Statement::KeepResultsAfterError() {
+    // unixODBC 2.3 treats a statement whose execution failed as one without results, unless the statement has
+    // a cursor. It assumes a cursor after every successful execution. A message serves because it is the only
+    // success that FreeTDS does not report as SQL_NO_DATA and that leaves nothing to be fetched.
     ExecDirect("PRINT ''");
     TakeMessages();
 }

@@ -14,7 +14,7 @@ struct TypeRow {
     SQLSMALLINT c_type;
 };
 
-/// Types that are not here travel as text.
+/// Types that are not in the table are transferred as text.
 constexpr std::array kBufferTypes = {
     TypeRow{SqlType::Bit, SQL_C_BIT},
     TypeRow{SqlType::TinyInt, SQL_C_SBIGINT},
@@ -31,7 +31,7 @@ constexpr std::array kBufferTypes = {
     TypeRow{SqlType::LongVarBinary, SQL_C_BINARY},
 };
 
-/// The widest text that a type without a limit of its own gives: a decimal of 38 digits, sign and point.
+/// The longest text of a type without a limit: a decimal of 38 digits, with sign and point.
 constexpr std::size_t kNumberText = 64;
 constexpr std::size_t kMaxPrecision = 38;
 constexpr std::size_t kMaxInRow = 8000;
@@ -56,7 +56,7 @@ SQL_TIMESTAMP_STRUCT ToOdbc(const Timestamp& from) {
     return to;
 }
 
-/// Writes a value's bytes, and says what they are.
+/// Writes a value's bytes and their type into the buffer.
 struct Encode {
     ValueBuffer& buffer;
 
@@ -180,7 +180,7 @@ ValueBuffer MakeParameterBuffer(const Parameter& parameter) {
         room = std::max(parameter.size, kNumberText);
     }
     if (buffer.c_type == SQL_C_WCHAR) {
-        room = (room + 1) * sizeof(char16_t); // and the NUL that the driver puts behind it
+        room = (room + 1) * sizeof(char16_t); // with the NUL that the driver appends
     }
     buffer.data.resize(std::max(buffer.data.size(), room));
     return buffer;

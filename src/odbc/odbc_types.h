@@ -1,4 +1,4 @@
-// How values lie in the buffers that ODBC reads and writes: inner header of the ODBC layer's own sources.
+// How values are stored in the buffers that ODBC reads and writes. Internal to this folder.
 #pragma once
 
 #include <cstddef>
@@ -16,13 +16,13 @@ namespace platform::odbc {
 
 static_assert(sizeof(SQLWCHAR) == sizeof(char16_t));
 
-/// ODBC takes small numbers as attribute values in place of a pointer to them.
+/// ODBC takes a small number as an attribute value in place of a pointer to it.
 inline SQLPOINTER AttributeValue(std::uintptr_t number) {
-    return reinterpret_cast<SQLPOINTER>(number); // NOLINT(performance-no-int-to-ptr): the call wants it so
+    return reinterpret_cast<SQLPOINTER>(number); // NOLINT(performance-no-int-to-ptr): the call requires it
 }
 
-/// A text on its way into a call. The wide calls are used, and the text is converted here: what the narrow
-/// ones take their bytes for depends on the driver manager, the driver and the locale (docs/odbc.md).
+/// A text argument of a call. The wide functions are used and the text is converted here: how the narrow
+/// functions read bytes depends on the driver manager, the driver and the locale (docs/odbc.md).
 class TextArgument {
   public:
     explicit TextArgument(std::string_view text) : wide_(Widen(text)) {}
@@ -37,7 +37,7 @@ class TextArgument {
     std::u16string wide_;
 };
 
-/// Room for a text that a call writes.
+/// A buffer for a text that a call writes.
 class TextBuffer {
   public:
     explicit TextBuffer(std::size_t characters) : wide_(characters, u'\0') {}
@@ -58,24 +58,24 @@ class TextBuffer {
     std::u16string wide_;
 };
 
-/// What a column of the type is bound as; SQL_C_WCHAR where nothing fits better.
+/// The buffer type for columns of the type; SQL_C_WCHAR if no other fits.
 SQLSMALLINT BufferType(SqlType type);
 /// Bytes that one value of the buffer type takes; 0 for text and bytes, whose length varies.
 std::size_t FixedSize(SQLSMALLINT c_type);
 CellKind KindOf(SQLSMALLINT c_type);
-/// The value that lies at `data`; `indicator` is its length in bytes or SQL_NULL_DATA.
+/// The value at `data`; `indicator` is its length in bytes or SQL_NULL_DATA.
 CellView ViewOf(SQLSMALLINT c_type, const char* data, SQLLEN indicator);
 Value ReadValue(const CellView& view);
 
-/// A value as a parameter marker is bound to it.
+/// The buffer of a parameter marker.
 struct ValueBuffer {
     SQLSMALLINT c_type = SQL_C_WCHAR;
     std::vector<char> data; ///< never empty
-    std::size_t length = 0; ///< of the value that goes in, in bytes
+    std::size_t length = 0; ///< of the input value, in bytes
     bool null = false;
 };
 
-/// A buffer with the parameter's value in it, wide enough for what may come back.
+/// A buffer that holds the parameter's value and is large enough for its output value.
 ValueBuffer MakeParameterBuffer(const Parameter& parameter);
 
 /// What SQLBindParameter calls the column size and the decimal digits.

@@ -49,7 +49,7 @@ std::int32_t NumberOf(FileFault fault) {
     return kReadFault;
 }
 
-/// Takes the head's lines off the front of the file.
+/// Reads the lines of the head, one after the other.
 class HeadReader {
   public:
     HeadReader(const std::string& path, std::string_view content) : path_(path), rest_(content) {}
@@ -145,7 +145,7 @@ PackageFile ParsePackageFile(const std::string& path, std::string content) {
     file.package_id = ReadId(head, "PackageId");
     file.version_id = ReadId(head, "VersionId");
     if (!head.NextLine().empty()) {
-        head.Fail("an empty line is expected behind the head");
+        head.Fail("an empty line is expected after the head");
     }
     file.content = std::move(content);
     return file;

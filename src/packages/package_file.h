@@ -1,12 +1,12 @@
-// The file in which a package is delivered: a head of five lines, an empty line, and a body that only the
-// package's own steps understand. Knows nothing of servers.
+// The file in which a package is delivered: a head of five lines, an empty line, and a body that is stored
+// without being read. Knows nothing of servers.
 #pragma once
 
 #include <string>
 
 namespace platform {
 
-/// A package as its file gives it.
+/// The content of a package file, such as this one:
 ///
 ///     LKDTS 1
 ///     Name: StdSynchronize
@@ -25,11 +25,11 @@ struct PackageFile {
     std::string content;     ///< the whole file, byte for byte
 };
 
-/// Reads a package out of the content of the file at `path`, which is only named in errors. Throws
-/// PackageError that says which line is wrong and why.
+/// Parses the content of the file at `path`, which is used in error texts only. Throws PackageError, which
+/// names the wrong line and the reason.
 PackageFile ParsePackageFile(const std::string& path, std::string content);
 
-/// Reads and parses the file at `path`. Throws PackageError that names the file.
+/// Reads and parses the file at `path`. Throws PackageError, which names the file.
 PackageFile ReadPackageFile(const std::string& path);
 
 } // namespace platform

@@ -1,16 +1,16 @@
-// The calls of the server's package procedures: sp_add_dtspackage, sp_drop_dtspackage, sp_enum_dtspackages.
+// Calls the server's package procedures: sp_add_dtspackage, sp_drop_dtspackage, sp_enum_dtspackages.
 #include "packages/package_store.h"
 
-#include <array>
-#include <cstdio>
 #include <optional>
 #include <random>
 #include <string_view>
 #include <tuple>
 #include <vector>
 
+#include "odbc/error_number.h"
 #include "odbc/odbc.h"
 #include "odbc/odbc_rows.h"
+#include "odbc/value_text.h"
 
 namespace platform {
 namespace {
@@ -23,34 +23,17 @@ constexpr std::int64_t kNewestOnly = 1;
 /// The columns of sp_enum_dtspackages that are used, by position.
 enum EnumColumn : std::size_t { kName, kPackageId, kVersionId, kDescription, kCreateDate, kEnumColumns };
 
-struct StateNumber {
-    std::string_view sql_state;
-    std::int32_t number;
-};
-/// What ADO makes of the states that the package procedures end with.
-constexpr std::array kNumbers = {
-    StateNumber{"28000", -2147217843}, StateNumber{"42000", -2147217900}, StateNumber{"42S02", -2147217865},
-    StateNumber{"HYT00", -2147217871}, StateNumber{"23000", -2147217873},
-};
-constexpr std::int32_t kOtherState = -2147467259;
-constexpr std::int32_t kNoSuchPackage = -2147217900; // the server's own error 14262 has the state 42000
 constexpr auto kInvalidParameter = static_cast<std::int32_t>(0x80070057U);
 constexpr const char* kSource = "Package store";
 
 [[noreturn]] void Rethrow(const odbc::OdbcError& error) {
     const odbc::Diagnostic& first = error.Diagnostics().front();
-    std::int32_t number = kOtherState;
-    for (const StateNumber& known : kNumbers) {
-        if (known.sql_state == first.sql_state) {
-            number = known.number;
-        }
-    }
-    throw PackageError(number, kSource,
+    throw PackageError(odbc::ErrorNumberOf(first.sql_state), kSource,
                        std::string(odbc::WithoutOrigin(first.message)) + " (SQLSTATE " + first.sql_state +
                            ", error " + std::to_string(first.native_error) + ")");
 }
 
-/// A connection to a server's msdb for the one call that it serves.
+/// A connection to a server's msdb, for one call.
 class MsdbConnection {
   public:
     explicit MsdbConnection(const PackageServer& server) : connection_(environment_) {
@@ -77,7 +60,7 @@ class MsdbConnection {
     odbc::Connection connection_;
 };
 
-/// Runs on to the end: an error may stand behind the first result.
+/// Reads all further results: an error may come after the first one.
 void Drain(odbc::Statement& statement) {
     while (statement.MoreResults()) {
     }
@@ -91,24 +74,16 @@ odbc::Parameter Null() {
     return {.type = odbc::SqlType::VarChar, .value = {}, .size = 1};
 }
 
-/// The server converts the text; braces are this side's way of writing an id.
+/// The id as text without its braces, which the server converts.
 odbc::Parameter Id(std::string_view braced) {
     return Text(std::string(braced.substr(1, braced.size() - 2)));
 }
 
-std::string Format(const odbc::Guid& id) {
-    std::array<char, 39> text{};
-    std::snprintf(text.data(), text.size(), "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
-                  static_cast<unsigned>(id.data1), static_cast<unsigned>(id.data2),
-                  static_cast<unsigned>(id.data3), static_cast<unsigned>(id.data4[0]),
-                  static_cast<unsigned>(id.data4[1]), static_cast<unsigned>(id.data4[2]),
-                  static_cast<unsigned>(id.data4[3]), static_cast<unsigned>(id.data4[4]),
-                  static_cast<unsigned>(id.data4[5]), static_cast<unsigned>(id.data4[6]),
-                  static_cast<unsigned>(id.data4[7]));
-    return text.data();
+std::string Braced(const odbc::Guid& id) {
+    return "{" + odbc::TextOf(id) + "}";
 }
 
-/// A random id, marked as one (version 4).
+/// A random id (version 4).
 std::string NewId() {
     std::random_device random;
     odbc::Guid id;
@@ -119,11 +94,11 @@ std::string NewId() {
         byte = static_cast<std::uint8_t>(random());
     }
     id.data4[0] = static_cast<std::uint8_t>((id.data4[0] & 0x3FU) | 0x80U);
-    return Format(id);
+    return Braced(id);
 }
 
 [[noreturn]] void RefuseColumn(std::size_t column) {
-    throw PackageError(kOtherState, kSource,
+    throw PackageError(odbc::ErrorNumberOf("HY000"), kSource,
                        "sp_enum_dtspackages gave an unexpected value in column " +
                            std::to_string(column + 1));
 }
@@ -144,8 +119,8 @@ LocalTime ToLocalTime(const odbc::Timestamp& stamp) {
 StoredPackage ReadPackage(const std::vector<odbc::Value>& row) {
     StoredPackage package;
     package.info.name = Get<std::string>(row, kName);
-    package.package_id = Format(Get<odbc::Guid>(row, kPackageId));
-    package.version_id = Format(Get<odbc::Guid>(row, kVersionId));
+    package.package_id = Braced(Get<odbc::Guid>(row, kPackageId));
+    package.version_id = Braced(Get<odbc::Guid>(row, kVersionId));
     if (!std::holds_alternative<std::monostate>(row[kDescription])) {
         package.info.description = Get<std::string>(row, kDescription);
     }
@@ -167,7 +142,7 @@ void ForEachPackage(odbc::Statement& statement, const std::function<void(const S
     Drain(statement);
 }
 
-/// A pattern of LIKE that only the name itself matches.
+/// A LIKE pattern that only this name matches.
 std::string PatternOf(const std::string& name) {
     std::string pattern;
     for (const char character : name) {
@@ -189,7 +164,7 @@ CreationTime TimeOf(const StoredPackage& package) {
     return {time.year, time.month, time.day, time.hour, time.minute, time.second};
 }
 
-/// The newest version; two packages may have one name, each with its own newest version.
+/// The newest version of all packages with this name: several packages may have the same name.
 std::optional<StoredPackage> FindNewest(MsdbConnection& connection, const std::string& name) {
     odbc::Statement statement = connection.Call(
         "{call sp_enum_dtspackages(?, ?, ?, ?)}",
@@ -235,7 +210,8 @@ void PackageStore::RemoveNewest(const std::string& package_name) {
         MsdbConnection connection(server_);
         const std::optional<StoredPackage> newest = FindNewest(connection, package_name);
         if (!newest) {
-            throw PackageError(kNoSuchPackage, kSource,
+            // As the server reports it: its error 14262 has the state 42000.
+            throw PackageError(odbc::ErrorNumberOf("42000"), kSource,
                                "The package '" + package_name + "' does not exist on the server");
         }
         odbc::Statement statement =

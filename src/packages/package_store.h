@@ -1,5 +1,5 @@
 // The package store of a server's msdb, reached through the server's own procedures over ODBC: add, drop,
-// list. Text is code page 1252. Knows no COM and no program above it.
+// list. Text is code page 1252.
 #pragma once
 
 #include <functional>
@@ -11,7 +11,7 @@
 
 namespace platform {
 
-/// How to reach a server. The texts go into the connection string as they are.
+/// How to reach a server. The texts are put into the connection string unchanged.
 struct PackageServer {
     std::string server;
     std::string user;
@@ -30,11 +30,11 @@ class PackageStore {
   public:
     explicit PackageStore(PackageServer server) : server_(std::move(server)) {}
 
-    /// Stores the file's whole content under its package id, as a new version: the version id is made here,
-    /// since a package that is saved twice stands twice in the store.
+    /// Stores the file's whole content under its package id as a new version. Each call makes a new version
+    /// id, so a package that is saved twice is in the store twice.
     void Add(const PackageFile& file);
-    /// Removes the newest version of the package of that name; names compare without case. That there is none
-    /// is a PackageError.
+    /// Removes the newest version of the package with this name, letter case ignored. Throws PackageError if
+    /// there is no such package.
     void RemoveNewest(const std::string& package_name);
     /// Calls `take` for every stored version of every package, in the server's order.
     void List(const std::function<void(const StoredPackage&)>& take);

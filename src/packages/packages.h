@@ -1,6 +1,6 @@
 // The two objects through which packages are stored on a server and listed: on Windows the COM classes
 // "DTS.Package" and "DTS.Application", called late bound; on Linux the package store of the server's msdb.
-// Text is 8-bit; the program above decides what is installed and in which order.
+// Text is 8-bit.
 #pragma once
 
 #include <cstdint>
@@ -42,14 +42,14 @@ class DtsPackage {
 class DtsApplication {
   public:
     virtual ~DtsApplication() = default;
-    /// Calls `take` for every stored version of every package, in the server's order. Throws PackageError;
-    /// what was taken before stays with the caller.
+    /// Calls `take` for every stored version of every package, in the server's order. Throws PackageError,
+    /// perhaps after some calls of `take`.
     virtual void EnumPackageInfos(const std::string& server, const std::string& user,
                                   const std::string& password,
                                   const std::function<void(const PackageInfo&)>& take) = 0;
 };
 
-/// Null where the system has no such class.
+/// Null if the system has no such class.
 std::unique_ptr<DtsPackage> CreateDtsPackage();
 std::unique_ptr<DtsApplication> CreateDtsApplication();
 

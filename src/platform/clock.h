@@ -3,7 +3,7 @@
 
 namespace platform {
 
-/// A point in local time, as a calendar and a clock on the wall show it.
+/// A point in local time, as a calendar and a clock show it.
 struct LocalTime {
     int year = 0;
     int month = 0; ///< 1 to 12

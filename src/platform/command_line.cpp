@@ -5,7 +5,7 @@
 namespace platform {
 namespace {
 
-/// The backslashes at a place of the text, and whether a quote follows them.
+/// The number of backslashes at a place in the text, and whether a quote follows them.
 struct Backslashes {
     std::size_t count = 0;
     bool before_quote = false;

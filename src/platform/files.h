@@ -1,5 +1,5 @@
 // The file services of the operating system. Paths are 8-bit text; both "\" and "/" separate folders on every
-// system. A failure is a FileError; nothing here knows the program.
+// system. Failures are thrown as FileError.
 #pragma once
 
 #include <cstdint>
@@ -10,12 +10,12 @@
 
 namespace platform {
 
-/// What went wrong, in the meanings that callers tell apart.
+/// The kinds of failure that callers distinguish.
 enum class FileFault : std::uint8_t {
     NotFound,     ///< the file is not there
-    PathNotFound, ///< a folder on the way is not there
-    AccessDenied, ///< rights, a read-only file, a folder where a file is wanted
-    InUse,        ///< another program holds it
+    PathNotFound, ///< a folder of the path is not there
+    AccessDenied, ///< missing rights, a read-only file, a folder instead of a file
+    InUse,        ///< another program has it open
     AlreadyExists,
     DiskFull,
     Other,
@@ -52,22 +52,23 @@ bool FolderHoldsFile(const std::string& folder);
 
 /// One level only; the parent must exist.
 void CreateFolder(const std::string& path);
-/// The copy has the source's rights. `to` is replaced when the copy is whole; a failure leaves it as it was.
+/// The copy has the source's rights. `to` is replaced when the copy is complete; a failure leaves it as it
+/// was.
 void CopyFileOver(const std::string& from, const std::string& to);
 void DeleteFileAt(const std::string& path);
 
 /// The whole content, byte for byte.
 std::string ReadWholeFile(const std::string& path);
-/// Makes the file or cuts it to nothing, and writes the pieces one after the other.
+/// Makes or empties the file, and writes `content` and `tail` one after the other.
 void WriteWholeFile(const std::string& path, std::string_view content, std::string_view tail = {});
-/// The same in one step: nobody finds a part of the new content at the path, and a failure leaves what was
-/// there. A new file may hold passwords: on Linux only its owner may read it.
+/// The same in one step: no other program ever finds a part of the new content, and a failure leaves the old
+/// file. A new file may contain passwords: on Linux only its owner can read it.
 void ReplaceWholeFile(const std::string& path, std::string_view content, std::string_view tail = {});
-/// Makes an empty file for text that may hold passwords, to be appended to: on Linux only its owner may read
-/// it. A plain file of that name is deleted first, whoever it belongs to, or else cut to nothing.
+/// Makes an empty file that text with passwords may be appended to: on Linux only its owner can read it. A
+/// plain file with that name is deleted first, or emptied if it cannot be deleted.
 void MakePrivateFile(const std::string& path);
-/// Opens the file for appending, making it if it is absent, writes and closes it. Others may have it open. A
-/// failure leaves no part of the content.
+/// Appends to the file, which is made if it is absent. Other programs may have it open. After a failure no
+/// part of the content is in the file.
 void AppendToFile(const std::string& path, std::string_view content);
 
 } // namespace platform

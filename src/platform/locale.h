@@ -1,5 +1,5 @@
-// How the user's locale writes numbers, dates and truth values. The service gives these forms; converting by
-// them is the caller's business.
+// How the user's locale writes numbers, dates and truth values. The service only provides these forms;
+// callers convert.
 #pragma once
 
 #include <array>
@@ -8,23 +8,23 @@
 
 namespace platform {
 
-/// Text is in the program's code page. The initial values are the forms of English (United States), which
-/// also stand for a locale that the machine does not have, and for each form that the code page cannot hold.
+/// Text is in the program's code page. The initial values are the forms of English (United States). They are
+/// also used for a locale that the machine does not have, and for a form that the code page cannot hold.
 struct LocaleForms {
     using MonthNames = std::array<std::string, 12>;
 
     std::string decimal_point = ".";
-    /// Between groups of digits; empty if the locale does not group. A no-break space stands for every kind
-    /// of space.
+    /// Between groups of digits; empty if the locale does not group. Every kind of space is given as a
+    /// no-break space.
     std::string group_separator = ",";
-    /// The sizes of the groups, from the decimal point to the left; the last one counts for all further
+    /// The sizes of the groups, from the decimal point to the left; the last one applies to all further
     /// groups.
     std::vector<std::size_t> group_sizes = {3};
     std::string currency_symbol = "$";
     std::string true_word = "True";
     std::string false_word = "False";
     /// Pictures as Windows writes them: d, dd, M, MM, MMM, MMMM, yyyy for a date, h, hh, H, HH, m, mm, s, ss,
-    /// t, tt for a time; text between apostrophes and all other characters stand for themselves.
+    /// t, tt for a time; text between apostrophes and all other characters are literal.
     std::string date_picture = "M/d/yyyy";
     std::string time_picture = "h:mm:ss tt";
     std::string am = "AM";
@@ -40,8 +40,8 @@ struct LocaleForms {
 /// The forms of the user's locale, read once.
 const LocaleForms& UserLocale();
 
-/// The forms of a locale named as in "de-DE", the user's for the empty name; the initial ones if the machine
-/// does not have it.
+/// The forms of a locale with a name such as "de-DE"; the empty name is the user's locale. The initial values
+/// if the machine does not have the locale.
 LocaleForms NamedLocale(const std::string& name);
 
 } // namespace platform

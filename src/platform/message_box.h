@@ -1,4 +1,4 @@
-// The plain message box: a text, an icon, one OK button. It waits for its answer.
+// A message box with a text, an icon and an OK button.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,9 @@ namespace platform {
 
 enum class MessageIcon : std::uint8_t { None, Exclamation, Critical };
 
-/// Shows the box and returns when it is answered. Where no window can be shown it is lines on the terminal's
-/// error channel, and waits for Enter only where someone can press it: with a terminal at both ends.
+/// Shows the box and returns when the operator has closed it. If no window can be shown, the text is written
+/// to the terminal's error channel; the call then waits for Enter only if both input and error channel are a
+/// terminal.
 void ShowMessageBox(const std::string& text, MessageIcon icon, const std::string& title);
 
 } // namespace platform

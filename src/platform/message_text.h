@@ -1,4 +1,4 @@
-// How a message box reads on a terminal.
+// Message boxes as text on a terminal.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace platform {
 /// "title: text" in lines of the terminal, marked with "!" for an exclamation and "X" for a critical message.
 std::string MessageAsLines(const std::string& text, MessageIcon icon, const std::string& title);
 
-/// Writes the message to the terminal, and waits for Enter where someone can press it.
+/// Writes the message to the terminal, and waits for Enter if the terminal is interactive.
 void ShowMessageOnTerminal(const std::string& text, MessageIcon icon, const std::string& title);
 
 } // namespace platform

@@ -1,4 +1,4 @@
-// A lock by name that one process of the computer can have at a time.
+// A lock with a name, which one process of the computer can have at a time.
 #pragma once
 
 #include <memory>
@@ -6,15 +6,15 @@
 
 namespace platform {
 
-/// Has the lock as long as it lives. The system takes it back when the process ends, however it ends;
-/// programs that the process has started do not have it.
+/// Holds the lock as long as it lives. The system releases it when the process ends, in whatever way.
+/// Programs that the process has started do not inherit it.
 class NamedLock {
   public:
     virtual ~NamedLock() = default;
 };
 
-/// Null if another process, of whatever user, has the lock of this name; does not wait. `name` may be of any
-/// length and hold any character. Throws std::system_error if the system has no such locks to give.
+/// Returns null if another process, of any user, has the lock with this name; does not wait. `name` may have
+/// any length and contain any character. Throws std::system_error if the system cannot make a lock.
 std::unique_ptr<NamedLock> TryLock(const std::string& name);
 
 } // namespace platform

@@ -1,11 +1,11 @@
-// The window system's queue of the one thread, and the screen's mouse pointer.
+// The event queue of the program's one thread, and the mouse pointer.
 #pragma once
 
 #include <cstdint>
 
 namespace platform {
 
-/// Lets everything that waits in the queue run, and returns. Does nothing where there are no windows.
+/// Processes all events in the queue and returns. Does nothing if there are no windows.
 void RunPendingEvents();
 
 /// The pointer numbers that the program uses.

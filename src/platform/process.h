@@ -1,4 +1,4 @@
-// Starting another program and waiting for its end, in the terms of the system's shell call.
+// Starts another program and waits for its end, with the parameters of the Windows call ShellExecuteEx.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace platform {
 
-/// SEE_MASK_NOCLOSEPROCESS: hand the process's handle back.
+/// SEE_MASK_NOCLOSEPROCESS: return the process's handle.
 inline constexpr std::uint32_t kNoCloseProcess = 0x40;
 /// WaitForSingleObject's "no limit".
 inline constexpr std::uint32_t kInfiniteWait = 0xFFFFFFFF;
@@ -16,7 +16,7 @@ inline constexpr std::uint32_t kInfiniteWait = 0xFFFFFFFF;
 struct ShellExecuteInfo {
     std::uint32_t mask = 0;
     std::string verb;
-    std::string file;       ///< may stand between double quotes
+    std::string file;       ///< may be enclosed in double quotes
     std::string parameters; ///< one string, split as the started program splits it
     std::string directory;  ///< empty: the current one
     std::int32_t show = 0;  ///< 0 hides the started program's window

@@ -1,4 +1,4 @@
-// A small window with a label and a progress bar. What it shows and when is decided above.
+// A small window with a label and a progress bar.
 #pragma once
 
 #include <memory>
@@ -27,18 +27,19 @@ struct StatusWindowLayout {
 class StatusWindow {
   public:
     virtual ~StatusWindow() = default;
-    /// `value` lies between `min` and `max`.
+    /// `value` must be between `min` and `max`.
     virtual void SetBar(float min, float max, float value) = 0;
-    /// The text stands on the screen when this returns.
+    /// The text is on the screen when this returns.
     virtual void SetLabel(const std::string& text) = 0;
-    /// Non-modal; topmost from its activation on.
+    /// Shows the window, non-modal; it is topmost once it has been activated.
     virtual void Show() = 0;
 };
 
-/// A window, or, where none can be shown, one that tells its progress on the terminal. Never null.
+/// A window or, if no window can be shown, a StatusWindow that reports its progress on the terminal. Never
+/// null.
 std::unique_ptr<StatusWindow> MakeStatusWindow(const StatusWindowLayout& layout);
 
-/// The one for the terminal.
+/// The StatusWindow that reports on the terminal.
 std::unique_ptr<StatusWindow> MakeTerminalStatus(const std::string& caption);
 
 } // namespace platform

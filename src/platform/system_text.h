@@ -1,4 +1,4 @@
-// 8-bit text of code page 1252, to and from the text of the system's own 8-bit calls: arguments, names of
+// Converts 8-bit text of code page 1252 to and from the text of the system's 8-bit calls: arguments, names of
 // files, the terminal.
 #pragma once
 
@@ -7,11 +7,11 @@
 
 namespace platform {
 
-/// Text that came from the system. On Windows the two are the same. On Linux the system's text is UTF-8: what
-/// the code page cannot hold becomes an escape (text/escaped.h), so that a file of such a name can be reached
-/// by it.
+/// Converts text of the system. On Windows the two are the same. On Linux the system's text is UTF-8: a
+/// character that the code page lacks becomes an escape (text/escaped.h), so that a file with such a name can
+/// still be opened.
 std::string FromSystemText(std::string_view text);
-/// The way back: whatever FromSystemText has read comes out as it was.
+/// The reverse: ToSystemText(FromSystemText(text)) is `text`.
 std::string ToSystemText(std::string_view text);
 
 } // namespace platform

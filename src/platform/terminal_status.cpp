@@ -1,4 +1,4 @@
-// The progress of a run in lines of the terminal: one for each text, with where the bar stands.
+// Shows the progress of a run as lines on the terminal: one line for each text, with the position of the bar.
 #include "platform/status_window.h"
 
 #include <string>

@@ -5,7 +5,7 @@
 
 namespace platform {
 
-/// The record's Comments text. Empty where the executable carries no such record.
+/// The record's Comments text. Empty if the executable has no version record.
 std::string VersionComments();
 
 } // namespace platform

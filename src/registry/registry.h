@@ -1,5 +1,5 @@
-// The registry, at the level of the system's own calls: handles, error numbers, raw bytes. What the numbers
-// mean to the program is decided above. On Linux a .reg file takes its place.
+// The registry, at the level of the system's own calls: handles, error numbers, raw bytes. On Linux a .reg
+// file takes its place.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +9,8 @@
 
 namespace platform {
 
-/// An open key, or a hive. Nothing closes it by itself: callers close keys with CloseKey, and the program
-/// leaves some open on purpose.
+/// An open key, or a hive. Not closed automatically: callers close keys with CloseKey, and the program leaves
+/// some open on purpose.
 using RegistryHandle = std::intptr_t;
 
 /// The hives as signed 32-bit numbers; as a RegistryHandle they are sign-extended.
@@ -25,7 +25,7 @@ inline constexpr std::uint32_t kKeyAllAccess = 0xF003F;
 /// The one type of value that the program writes.
 inline constexpr std::uint32_t kRegSz = 1;
 
-/// The platform's error numbers, for what callers and tests tell apart.
+/// The system's error numbers that callers and tests distinguish.
 namespace registry_error {
 inline constexpr std::int32_t kSuccess = 0;
 inline constexpr std::int32_t kFileNotFound = 2;
@@ -41,9 +41,9 @@ inline constexpr std::int32_t kCantRead = 1012;
 inline constexpr std::int32_t kCantWrite = 1013;
 } // namespace registry_error
 
-/// What became of a call: the system's number, and what the store adds to the system's text for it.
+/// The outcome of a call: the system's number, and details that are added to the system's text for it.
 struct RegistryError {
-    // Conversion is meant: most calls have a number alone.
+    // Implicit on purpose: most calls return a number alone.
     RegistryError(std::int32_t number_ = registry_error::kSuccess, std::string detail_ = {})
         : number(number_), detail(std::move(detail_)) {}
 
@@ -58,7 +58,7 @@ struct OpenedKey {
     RegistryHandle key = 0; ///< only if error is 0
 };
 
-/// Opens an existing key; 2 if there is none.
+/// Opens an existing key; error 2 if there is no such key.
 OpenedKey OpenKey(RegistryHandle root, const std::string& subkey, std::uint32_t access);
 
 /// Opens a key, and makes it with the class `key_class` if it is absent.
@@ -66,18 +66,18 @@ OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::s
                     std::uint32_t access);
 
 /// Copies the bytes of a value of any type to the beginning of `buffer` and leaves the rest of it as it is;
-/// the empty name is the key's default value. Text comes in the 8-bit code page, with its NUL; one that is
-/// stored without a NUL gets one where the buffer has room. 2 if there is no such value, 234 if it does not
-/// fit.
+/// the empty name is the key's default value. Text is in the 8-bit code page, with its NUL; if it is stored
+/// without a NUL, a NUL is added if the buffer has space for it. Error 2 if there is no such value, 234 if it
+/// does not fit.
 RegistryError QueryValue(RegistryHandle key, const std::string& name, std::string& buffer);
 
-/// Stores the bytes of `data`, no NUL counted.
+/// Stores the bytes of `data`, without a NUL.
 RegistryError SetValue(RegistryHandle key, const std::string& name, std::uint32_t type,
                        const std::string& data);
 
 std::int32_t CloseKey(RegistryHandle key);
 
-/// A root on another computer, whose name may begin with two backslashes.
+/// Opens a hive of another computer, whose name may begin with two backslashes.
 OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive);
 
 /// The system's text for an error number with the error's detail, its CR LF included; empty if the system has

@@ -1,5 +1,5 @@
-// What a program remembers for its user: texts under application, section and key.
-// On Windows below HKEY_CURRENT_USER\Software\VB and VBA Program Settings; on Linux in the file
+// The settings that a program stores for its user: texts by application, section and key. On Windows below
+// HKEY_CURRENT_USER\Software\VB and VBA Program Settings; on Linux in the file
 // $XDG_CONFIG_HOME/<application>/settings.ini, which only its user can read.
 #pragma once
 
@@ -7,12 +7,11 @@
 
 namespace platform {
 
-/// The text; `otherwise` if there is none or it cannot be read.
+/// The text; `otherwise` if there is no such setting or it cannot be read.
 std::string ReadUserSetting(const std::string& application, const std::string& section,
                             const std::string& key, const std::string& otherwise);
 
-/// False if the text could not be stored; what was there before stays then. A text of several lines is not
-/// stored.
+/// False if the text could not be stored; the old text then stays. A text of several lines is refused.
 bool WriteUserSetting(const std::string& application, const std::string& section, const std::string& key,
                       const std::string& value);
 

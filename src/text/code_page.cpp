@@ -6,8 +6,9 @@
 namespace platform {
 namespace {
 
-/// The characters of the bytes 0x80 to 0x9F. The five bytes without a character of their own stand for the
-/// control characters of the same number, as on Windows. All other bytes are their own characters.
+/// The characters of the bytes 0x80 to 0x9F. The five bytes to which the code page gives no character are the
+/// control characters with the same number, as on Windows. Every other byte is the character with the same
+/// number.
 constexpr unsigned char kFirstOdd = 0x80;
 constexpr std::array<char16_t, 32> kOdd = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
@@ -56,14 +57,14 @@ void AppendNarrow(std::string& to, std::u16string_view text) {
     for (const char16_t unit : text) {
         seen |= unit;
     }
-    if (seen < kFirstOdd) { // most text is plain, and needs no look at any of its characters
+    if (seen < kFirstOdd) { // most text is ASCII and needs no conversion
         for (const char16_t unit : text) {
             *next++ = static_cast<char>(unit);
         }
         return;
     }
     for (const char16_t unit : text) {
-        if (!IsLowSurrogate(unit)) { // the high one of the pair has given its "?"
+        if (!IsLowSurrogate(unit)) { // the high surrogate before it has become the "?"
             *next++ = NarrowCharacter(unit).value_or('?');
         }
     }

@@ -14,7 +14,7 @@ std::optional<char> NarrowCharacter(char32_t character);
 
 /// Every byte has a character, as Windows maps them.
 std::u16string Widen(std::string_view text);
-/// A character that the code page lacks becomes "?"; one that takes two units, one "?".
+/// A character that the code page lacks becomes one "?", also if it takes two UTF-16 units.
 std::string Narrow(std::u16string_view text);
 /// The same, appended to `to`.
 void AppendNarrow(std::string& to, std::u16string_view text);

@@ -39,7 +39,7 @@ struct Escape {
     char32_t number;
 };
 
-/// The number that the digits write, if it is written as Hex writes it.
+/// The number in hexadecimal digits; nothing if Hex would write it in another way.
 std::optional<char32_t> NumberOf(std::string_view digits) {
     if (digits.empty() || digits.size() > kMostDigits || digits.front() == '0') {
         return std::nullopt;
@@ -55,8 +55,8 @@ std::optional<char32_t> NumberOf(std::string_view digits) {
     return number;
 }
 
-/// The escape that `text` begins with. Anything else after the byte that begins an escape makes it a plain
-/// character.
+/// The escape at the start of `text`. Returns nothing if there is no valid escape: the first byte is then a
+/// plain character.
 std::optional<Escape> EscapeAt(std::string_view text) {
     if (text.empty() || text.front() != kBegin) {
         return std::nullopt;
@@ -77,7 +77,7 @@ std::optional<Escape> EscapeAt(std::string_view text) {
         if (is_byte) {
             return *number > kLastAscii && *number <= kLastByte;
         }
-        // The beginning byte itself is escaped where what follows it would make it an escape.
+        // The byte that begins an escape is itself escaped where the text after it would make it one.
         return *number <= kLastCharacter &&
                (!NarrowCharacter(*number) || *number == static_cast<unsigned char>(kBegin));
     };
@@ -100,7 +100,7 @@ class Escaper {
     void AppendByte(char byte) { text_ += EscapeOfByte(byte); }
 
     std::string Take() {
-        // From the last to the first, so that the places of the others stay right.
+        // From the last to the first, so that the remaining places stay valid.
         std::for_each(plain_begins_.rbegin(), plain_begins_.rend(), [&](std::size_t place) {
             if (EscapeAt(std::string_view(text_).substr(place))) {
                 text_.replace(place, 1, EscapeOf(static_cast<unsigned char>(kBegin)));
@@ -111,7 +111,7 @@ class Escaper {
 
   private:
     std::string text_;
-    std::vector<std::size_t> plain_begins_; ///< places of the beginning byte that begin no escape
+    std::vector<std::size_t> plain_begins_; ///< where the byte that begins an escape is a plain character
 };
 
 /// Hands every character of the text to `take_character` and every escaped byte to `take_byte`.

@@ -15,7 +15,7 @@ struct CasePair {
     unsigned char lower;
 };
 
-/// Letters of code page 1252 outside the two regular ranges whose partner is in the code page as well.
+/// Letters outside the two regular ranges that the code page has in both cases.
 constexpr std::array kScatteredPairs = {
     CasePair{0x8A, 0x9A}, // S with caron
     CasePair{0x8C, 0x9C}, // OE
@@ -35,7 +35,7 @@ constexpr CaseTable MakeTable(bool to_upper) {
         add(letter, letter + 0x20);
     }
     for (std::size_t letter = 0xC0; letter <= 0xDE; ++letter) {
-        if (letter != 0xD7) { // the multiplication sign, over the division sign
+        if (letter != 0xD7) { // no letter: the multiplication sign, with the division sign 0x20 above it
             add(letter, letter + 0x20);
         }
     }
@@ -54,6 +54,10 @@ std::string Mapped(std::string_view text, const CaseTable& table) {
         c = static_cast<char>(table[static_cast<unsigned char>(c)]);
     }
     return result;
+}
+
+bool SameLetter(char one, char other) {
+    return kLower[static_cast<unsigned char>(one)] == kLower[static_cast<unsigned char>(other)];
 }
 
 char32_t MappedCharacter(char32_t character, const CaseTable& table) {
@@ -92,15 +96,16 @@ std::size_t FindIgnoringCase(std::string_view text, std::string_view wanted, std
     if (from > text.size()) {
         return std::string_view::npos;
     }
-    const auto found =
-        std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), wanted.begin(),
-                    wanted.end(), [](char a, char b) {
-                        return kLower[static_cast<unsigned char>(a)] == kLower[static_cast<unsigned char>(b)];
-                    });
+    const auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(),
+                                   wanted.begin(), wanted.end(), SameLetter);
     if (found == text.end() && !wanted.empty()) {
         return std::string_view::npos;
     }
     return static_cast<std::size_t>(found - text.begin());
+}
+
+bool SameIgnoringCase(std::string_view one, std::string_view other) {
+    return std::ranges::equal(one, other, SameLetter);
 }
 
 std::string_view Trim(std::string_view text) {

@@ -110,4 +110,25 @@ std::string ToUtf8(std::u16string_view characters) {
     return bytes;
 }
 
+std::u16string FromUtf16Bytes(std::string_view bytes, std::endian order) {
+    std::u16string characters;
+    characters.reserve(bytes.size() / 2);
+    const std::size_t low = order == std::endian::little ? 0 : 1; // of the two bytes
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        const unsigned high_byte = static_cast<unsigned char>(bytes[i + 1 - low]);
+        characters += static_cast<char16_t>(static_cast<unsigned char>(bytes[i + low]) | (high_byte << 8U));
+    }
+    return characters;
+}
+
+std::string ToUtf16Bytes(std::u16string_view characters) {
+    std::string bytes;
+    bytes.reserve(characters.size() * 2);
+    for (const char16_t c : characters) {
+        bytes += static_cast<char>(c & 0xFFU);
+        bytes += static_cast<char>(c >> 8U);
+    }
+    return bytes;
+}
+
 } // namespace platform

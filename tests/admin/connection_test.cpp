@@ -258,7 +258,7 @@ TEST_F(CollectedErrors, AMessageBeforeAnErrorFailsTheOperationAndThenItsCaller) 
     }
     EXPECT_TRUE(LogLines().empty()); // the line would be logged after the collecting
     EXPECT_EQ(ado_.calls.back(), "Execute 1 exec spInstallReplication");
-    EXPECT_EQ(ado_.closed_by_going, 1U);
+    EXPECT_EQ(ado_.destroyed_while_open, 1U);
     EXPECT_EQ(ado_.connections, 0U);
 }
 

@@ -1,5 +1,5 @@
-// The connection over a counting driver manager: which results and errors come of what the driver says, and
-// no handle left behind whichever call fails.
+// The connection with a counting driver manager: the results and errors for each answer of the driver, and
+// that no handle is left open whichever call fails.
 #include "ado/connection.h"
 
 #include <gtest/gtest.h>
@@ -16,15 +16,15 @@ using fakes::Counting;
 using fakes::OdbcRecord;
 using fakes::OdbcResult;
 
-/// What a server reports has a severity; what a driver reports for itself has none.
+/// A record of the server has a severity; a record of the driver itself has no severity.
 OdbcRecord ServerError(const std::string& state, std::int32_t native, const std::string& text) {
     return {.state = state, .native = native, .message = "[Fake][SQL Server]" + text, .severity = 16};
 }
-/// FreeTDS's own records stand at line -1 and have a severity without meaning.
+/// FreeTDS's own records have the line -1 and a severity without meaning.
 OdbcRecord DriversError(const std::string& state, const std::string& text) {
     return {.state = state, .message = "[Fake]" + text, .line = 0xFFFF, .severity = 9};
 }
-/// A message with success: 0 is PRINT, from 50000 on it was raised.
+/// A message with success: 0 is PRINT, numbers from 50000 are raised messages.
 OdbcRecord Raised(std::int32_t native, const std::string& text) {
     return {.state = "01000", .native = native, .message = "[Fake][SQL Server]" + text, .severity = 10};
 }
@@ -58,7 +58,7 @@ class AdoConnection : public ::testing::Test {
         Counting().results = std::move(results);
         return connection_.Execute("run", affected_, adCmdText);
     }
-    /// The call fails, and its failure is the first of Errors.
+    /// The number of a call that must fail, with the first entry of Errors as its failure.
     void ExpectFailure(std::vector<OdbcResult> results) {
         try {
             Execute(std::move(results));
@@ -134,7 +134,7 @@ TEST_F(AdoConnection, AResultWithACountAloneIsAClosedRecordset) {
     EXPECT_EQ(affected_, 7);
 }
 
-TEST_F(AdoConnection, WhatGivesNeitherColumnsNorACountIsNoResult) {
+TEST_F(AdoConnection, AStatementWithNeitherColumnsNorACountGivesNoResult) {
     Open();
     const auto rows = Execute({Nothing({Message("Changed database context to 'x'.")}), {.rows = 3}});
     EXPECT_EQ(rows->State(), adStateOpen);
@@ -154,7 +154,7 @@ TEST_F(AdoConnection, TheFirstOfSeveralResultsIsTaken) {
     EXPECT_EQ(affected_, -1);
 }
 
-TEST_F(AdoConnection, EveryRecordOfEveryResultIsKeptErrorsInFrontOfMessages) {
+TEST_F(AdoConnection, EveryRecordOfEveryResultIsKeptErrorsBeforeMessages) {
     Open();
     const auto rows = Execute({Nothing({Message("one")}),
                                {.rows = 1, .records = {Message("two")}},
@@ -191,20 +191,20 @@ TEST_F(AdoConnection, AnErrorInPlaceOfTheFirstResultFails) {
     ExpectFailure({Failed({ServerError("42000", 1, "no")})});
 }
 
-TEST_F(AdoConnection, AnErrorInFrontOfTheFirstResultFailsAndTheResultsBehindItAreDrained) {
+TEST_F(AdoConnection, AnErrorBeforeTheFirstResultFailsAndTheLaterResultsAreRead) {
     Open();
     ExpectFailure(
         {Failed({ServerError("42000", 1, "no")}), {.rows = 3}, Failed({ServerError("42000", 2, "nor")})});
     EXPECT_EQ(Errors(), "-2147217900/1 -2147217900/2 ");
 }
 
-TEST_F(AdoConnection, AnErrorBehindAResultWithoutColumnsFails) {
+TEST_F(AdoConnection, AnErrorAfterAResultWithoutColumnsFails) {
     Open();
     ExpectFailure({{.columns = false, .row_count = 3}, Failed({ServerError("42000", 1, "no")})});
     ExpectFailure({Nothing({Message("PRINT")}), Failed({ServerError("42000", 1, "no")}), {.rows = 1}});
 }
 
-TEST_F(AdoConnection, AnErrorBehindAResultWithColumnsStaysInErrors) {
+TEST_F(AdoConnection, AnErrorAfterAResultWithColumnsStaysInErrors) {
     Open();
     const auto rows = Execute({{.rows = 1}, Failed({ServerError("42000", 1, "no")})});
     EXPECT_EQ(rows->State(), adStateOpen);
@@ -212,8 +212,8 @@ TEST_F(AdoConnection, AnErrorBehindAResultWithColumnsStaysInErrors) {
     EXPECT_EQ(Errors(), "-2147217900/1 ");
 }
 
-TEST_F(AdoConnection, AnErrorThatComesWithSuccessIsOne) {
-    // A driver may tell so of a batch that went on behind a failed statement.
+TEST_F(AdoConnection, AnErrorThatComesWithSuccessFailsTheCall) {
+    // A driver may report a batch that went on after a failed statement in this way.
     Open();
     const OdbcRecord failed = ServerError("42000", 1, "no");
     ExpectFailure({{.columns = false, .row_count = 2, .records = {failed}}, {.rows = 1}});
@@ -236,7 +236,7 @@ TEST_F(AdoConnection, WarningsOfTheDriversOwnAreMessages) {
     EXPECT_EQ(Errors(), "0/0 0/0 0/0 ");
 }
 
-TEST_F(AdoConnection, AStatementThatTouchesNoRowIsAClosedRecordsetWithACountOfNone) {
+TEST_F(AdoConnection, AStatementThatTouchesNoRowIsAClosedRecordsetWithACountOfZero) {
     Open();
     EXPECT_EQ(Execute({{.columns = false, .row_count = 0, .no_data = true}, {.rows = 1}})->State(),
               adStateClosed);
@@ -245,18 +245,18 @@ TEST_F(AdoConnection, AStatementThatTouchesNoRowIsAClosedRecordsetWithACountOfNo
         {{.columns = false, .row_count = 0, .no_data = true}, Failed({ServerError("42000", 1, "no")})});
 }
 
-TEST_F(AdoConnection, ABlockThatAnErrorCutShortFailsThoughItsRowsCameWithSuccess) {
+TEST_F(AdoConnection, ABlockThatAnErrorHasCutShortFailsThoughTheDriverReportsSuccess) {
     Open();
     ExpectFailure({{.rows = 3, .fetch_records = {ServerError("22018", 245, "Conversion failed")}}});
     EXPECT_EQ(Errors(), "-2147217913/245 ");
 }
 
-TEST_F(AdoConnection, AnErrorAmidTheRowsFails) {
+TEST_F(AdoConnection, AnErrorAmongTheRowsFails) {
     Open();
     Counting().results = {{.rows = 600}};
     std::size_t at = Counting().calls;
     do {
-        // The call that is made to fail moves on until it is a fetch.
+        // Fails one call after the other until the failing call is a fetch.
         connection_ = Connection();
         fakes::ResetCounting();
         Counting().results = {{.rows = 600}};
@@ -273,7 +273,7 @@ TEST_F(AdoConnection, AnErrorAmidTheRowsFails) {
 
 TEST_F(AdoConnection, ADriverThatFailsForEverEndsTheStatement) {
     Open();
-    // Without a server's word behind it a failure is not asked again.
+    // After a failure that the server has not reported, the driver is not called again.
     ExpectFailure({Failed({{.state = "HYT00", .message = "[Fake]Timeout expired"}}), {.rows = 1}});
     EXPECT_EQ(Errors(), "-2147217871/0 ");
     ExpectFailure({Failed({DriversError("08S01", "gone")}), Failed({ServerError("42000", 1, "never")})});
@@ -287,13 +287,13 @@ TEST_F(AdoConnection, AServersErrorOfClass08LeavesTheResultsAfterIt) {
                                              Failed({ServerError("42000", 1, "and on")})};
     Execute(results);
     EXPECT_EQ(Errors(), "-2147467259/911 -2147217900/1 ");
-    // The same from a connection that is dead: there is nothing more to be had.
+    // With the same error on a dead connection no more results are read.
     Counting().connection_dead = true;
     Execute(results);
     EXPECT_EQ(Errors(), "-2147467259/911 ");
 }
 
-TEST_F(AdoConnection, ARaisedMessageHasANumberAndTheServersOwnHaveNone) {
+TEST_F(AdoConnection, ARaisedMessageHasANumberAndTheServersOwnHaveZero) {
     Open();
     const auto rows = Execute({Nothing({Message("PRINT")}),
                                {.rows = 1, .records = {Raised(5701, "Changed database context")}},
@@ -304,14 +304,14 @@ TEST_F(AdoConnection, ARaisedMessageHasANumberAndTheServersOwnHaveNone) {
     EXPECT_EQ(Errors(), "265946/50000 265946/2147483647 0/0 0/5701 0/49999 ");
 }
 
-TEST_F(AdoConnection, AFailureIsTheFirstErrorAlsoAfterARaisedMessage) {
+TEST_F(AdoConnection, TheErrorIsTheFirstEntryAlsoAfterARaisedMessage) {
     Open();
     ExpectFailure(
         {Nothing({Message("one"), Raised(50001, "two")}), Failed({ServerError("42000", 50000, "no")})});
     EXPECT_EQ(Errors(), "-2147217900/50000 265946/50001 0/0 ");
 }
 
-TEST_F(AdoConnection, TheMessagesOfALoginStandInErrors) {
+TEST_F(AdoConnection, TheMessagesOfALoginAreInErrors) {
     Counting().login_records = {Raised(5701, "Changed database context"),
                                 Raised(50000, "Maintenance at noon")};
     Open();
@@ -319,7 +319,7 @@ TEST_F(AdoConnection, TheMessagesOfALoginStandInErrors) {
     EXPECT_EQ(Errors(), "265946/50000 0/5701 ");
 }
 
-TEST_F(AdoConnection, ErrorsHoldsWhatTheLastCallLeft) {
+TEST_F(AdoConnection, ErrorsHasTheEntriesOfTheLastCall) {
     Open();
     ExpectFailure({Failed({ServerError("42000", 1, "no")})});
     Execute({{.rows = 1}});
@@ -327,7 +327,7 @@ TEST_F(AdoConnection, ErrorsHoldsWhatTheLastCallLeft) {
     ExpectFailure({Failed({ServerError("42000", 2, "no")})});
     connection_.Close();
     EXPECT_EQ(Errors(),
-              "-2147217900/2 "); // the failure path looks before it closes, and after nothing changes
+              "-2147217900/2 "); // the failure path reads Errors before it closes; closing changes nothing
 }
 
 TEST_F(AdoConnection, NumbersFollowTheSqlState) {
@@ -345,7 +345,7 @@ TEST_F(AdoConnection, NumbersFollowTheSqlState) {
     }
 }
 
-TEST_F(AdoConnection, WhatDoesNotFitTheStateIsRefusedWithAdosNumbers) {
+TEST_F(AdoConnection, ACallInTheWrongStateIsRefusedWithAdosNumbers) {
     const auto number = [](const std::function<void()>& call) {
         try {
             call();
@@ -392,7 +392,7 @@ TEST_F(AdoConnection, NoHandleIsLostWhicheverCallFails) {
             EXPECT_NE(error.Number(), 0);
             EXPECT_GE(connection_.Errors().Count(), 1);
         }
-        // What fails in clean-up has nobody to tell, and what fails behind the rows leaves the rows.
+        // A failure in clean-up is not reported, and a failure after the rows leaves the rows.
         const std::set<std::string> silent = {"SQLFreeStmt", "SQLSetStmtAttr", "SQLMoreResults",
                                               "SQLNumResultCols", "SQLRowCount"};
         EXPECT_TRUE(thrown || silent.contains(Counting().failed_function)) << Counting().failed_function;

@@ -13,8 +13,8 @@ using fakes::Swedish;
 
 constexpr Date kAfternoon{2024, 2, 29, 14, 3, 5, 0};
 
-/// "2024-02-29 14:03:05.000000000", with "date" or "time" in front where the text had only one; "-" if it is
-/// refused.
+/// "2024-02-29 14:03:05.000000000", with "date" or "time" before it if the text had only one of them; "-" if
+/// the text is refused.
 std::string Read(const std::string& text, const platform::LocaleForms& forms = American()) {
     const auto read = ReadDate(text, forms);
     if (!read) {
@@ -47,13 +47,13 @@ TEST(DateText, ShowsEveryElementOfAPicture) {
     forms.am = "vorm.";
     forms.pm = "nachm.";
     EXPECT_EQ(ShowDate({2024, 3, 5, 14, 3, 5, 0}, forms), "5. M\xE4rz 2024 g nachm. 2.3.5")
-        << "without the weekday, and a year has its century";
+        << "no weekday, and the year has four digits";
     forms.date_picture = "yyyy/MMM/dd gg";
     forms.time_picture = "HH:mm:ss t";
     EXPECT_EQ(ShowDate({2024, 3, 5, 9, 3, 5, 0}, forms), "2024/M\xE4r/05  09:03:05 v");
 }
 
-TEST(DateText, NothingIsRoundedBeyondTheYear9999) {
+TEST(DateText, IsNotRoundedBeyondTheYear9999) {
     EXPECT_EQ(ShowDate({9999, 12, 31, 23, 59, 59, 997000000}, American()), "12/31/9999 11:59:59 PM");
     EXPECT_EQ(ShowDate({9999, 12, 31, 23, 59, 58, 997000000}, American()), "12/31/9999 11:59:59 PM");
     EXPECT_EQ(ShowDate({9999, 12, 30, 23, 59, 59, 997000000}, American()), "12/31/9999");

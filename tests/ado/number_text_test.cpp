@@ -11,7 +11,7 @@ using fakes::American;
 using fakes::German;
 using fakes::Swedish;
 
-/// What was read, as plain digits; "-" for a text that is not a number.
+/// The number that was read, in plain digits; "-" for a text that is not a number.
 std::string Read(const std::string& text, const platform::LocaleForms& forms = American()) {
     const auto number = ReadNumber(text, forms);
     return number ? number->Plain() : "-";
@@ -73,7 +73,7 @@ TEST(NumberText, RefusesTheDecimalPointOfAnotherLocale) {
     EXPECT_EQ(Read("1.000.50", German()), "-");
 }
 
-TEST(NumberText, RefusesWhatIsNoNumber) {
+TEST(NumberText, RefusesTextThatIsNotANumber) {
     for (const char* const text :
          {"",   "  ",   "two",    "2x",     "1 2",      "--2",   "+-2",     "-",    ".",   ",",
           "$",  "-$",   "$$5",    "5 5",    "1e",       "1e+",   "1e1.5",   "0x10", "inf", "nan",
@@ -82,7 +82,7 @@ TEST(NumberText, RefusesWhatIsNoNumber) {
     }
 }
 
-TEST(NumberText, KnowsSizeAndScaleWithoutLoss) {
+TEST(NumberText, HasTheSizeAndScaleOfAnExactNumber) {
     const auto number = ReadNumber("00120.0500", American());
     ASSERT_TRUE(number);
     EXPECT_EQ(number->digits, "12005");

@@ -1,4 +1,5 @@
-// Values on their way into a parameter: each type's texts and borders, and the way back from what is shown.
+// The conversion of values to the types of parameters: the texts and limits of each type, and that shown
+// values can be read again.
 #include "ado/parameter_value.h"
 
 #include <gtest/gtest.h>
@@ -56,7 +57,7 @@ odbc::Value Typed(Parameter parameter, const Variant& value,
     return TypedValue(parameter, forms);
 }
 
-/// The SQLSTATE of the refusal; empty if the value is taken.
+/// The SQLSTATE of the refusal; empty if the value is accepted.
 std::string Refused(Parameter parameter, const Variant& value,
                     const platform::LocaleForms& forms = American()) {
     try {
@@ -91,7 +92,7 @@ TEST(ParameterValue, ARefusalNamesParameterTypeAndValue) {
                   "...' cannot be given to the parameter @p of the type varchar(5): it is too long.");
 }
 
-TEST(ParameterValue, EmptyTextIsAValueOfTextAlone) {
+TEST(ParameterValue, EmptyTextIsAValueForTextTypesOnly) {
     EXPECT_EQ(Typed(Of(adVarChar, 5), ""), odbc::Value(""));
     EXPECT_EQ(Typed(Of(adLongVarWChar, 1073741823), ""), odbc::Value(""));
     for (const std::int32_t type :
@@ -124,7 +125,7 @@ TEST(ParameterValue, TruthValues) {
     EXPECT_EQ(Refused(Bit(), "yes"), "22018");
 }
 
-TEST(ParameterValue, WholeNumbersAreTakenUpToTheBordersOfTheirType) {
+TEST(ParameterValue, WholeNumbersAreAcceptedUpToTheLimitsOfTheirType) {
     struct Range {
         std::int32_t type;
         const char* least;
@@ -161,7 +162,7 @@ TEST(ParameterValue, WholeNumbersInOtherForms) {
     EXPECT_EQ(Refused(Int(), kDayZero), "22018");
 }
 
-TEST(ParameterValue, FloatingNumbersNeitherOverflowNorVanish) {
+TEST(ParameterValue, FloatingNumbersNeitherOverflowNorBecomeZero) {
     EXPECT_EQ(Typed(Of(adDouble), "0.1"), odbc::Value(0.1));
     EXPECT_EQ(Typed(Of(adDouble), "-1,5E+100", German()), odbc::Value(-1.5E+100));
     EXPECT_EQ(Typed(Of(adSingle), "0.1"), odbc::Value(double{0.1F}));
@@ -190,7 +191,7 @@ TEST(ParameterValue, DecimalsKeepEveryDigit) {
     EXPECT_EQ(Refused(Exact(5, 2), "1,5"), "22018");
 }
 
-TEST(ParameterValue, MoneyIsTakenUpToItsBorders) {
+TEST(ParameterValue, MoneyIsAcceptedUpToItsLimits) {
     EXPECT_EQ(Typed(Money(), "922337203685477.5807"), odbc::Value("922337203685477.5807"));
     EXPECT_EQ(Typed(Money(), "-922337203685477.5808"), odbc::Value("-922337203685477.5808"));
     EXPECT_EQ(Refused(Money(), "922337203685477.5808"), "22003");
@@ -204,7 +205,7 @@ TEST(ParameterValue, MoneyIsTakenUpToItsBorders) {
     EXPECT_EQ(Refused(SmallMoney(), "-214748.3649"), "22003");
 }
 
-TEST(ParameterValue, DatesAreTakenInTheLocalesFormsAndByIso) {
+TEST(ParameterValue, DatesAreReadInTheLocalesFormsAndInIso) {
     const odbc::Value whole = Date{2024, 2, 29, 12, 34, 57, 0};
     EXPECT_EQ(Typed(DateTime(), "2/29/2024 12:34:57 PM"), whole);
     EXPECT_EQ(Typed(DateTime(), "2024-02-29T12:34:57"), whole);
@@ -226,14 +227,15 @@ TEST(ParameterValue, DatesThatTheTypeCannotHoldAreRefused) {
     EXPECT_EQ(Typed(SmallDateTime(), "6/6/2079 11:59 PM"), odbc::Value(Date{2079, 6, 6, 23, 59, 0, 0}));
     EXPECT_EQ(Refused(SmallDateTime(), "6/7/2079"), "22008");
     EXPECT_EQ(Refused(SmallDateTime(), "12/31/1899"), "22008");
-    EXPECT_EQ(Refused(SmallDateTime(), "2/29/2024 12:34:57 PM"), "22008") << "it would become 12:35";
+    EXPECT_EQ(Refused(SmallDateTime(), "2/29/2024 12:34:57 PM"), "22008")
+        << "the type would round it to 12:35";
     const Parameter precise = Of(adDBTimeStamp, 0, 27, 7);
     EXPECT_EQ(Typed(precise, "0001-01-01 00:00:00.1234567"), odbc::Value(Date{1, 1, 1, 0, 0, 0, 123456700}));
     EXPECT_EQ(Refused(precise, "0001-01-01 00:00:00.12345678"), "22008");
     EXPECT_EQ(Refused(Of(adDBTimeStamp, 0, 19, 0), "2024-02-29 12:34:57.5"), "22008");
 }
 
-TEST(ParameterValue, ADateThatTheServerGaveGoesBackWithItsParts) {
+TEST(ParameterValue, ADateFromTheServerIsPassedBackWithItsFraction) {
     EXPECT_EQ(Typed(DateTime(), Date{2024, 2, 29, 12, 34, 57, 996666600}),
               odbc::Value(Date{2024, 2, 29, 12, 34, 57, 997000000}));
 }
@@ -294,7 +296,7 @@ TEST(ParameterValue, AnUnknownTypeIsText) {
     EXPECT_EQ(Typed(Of(adVariant), 5), odbc::Value(std::int64_t{5}));
 }
 
-TEST(ParameterValue, WhatIsShownIsReadAsTheSameValueInEveryLocale) {
+TEST(ParameterValue, AShownValueIsReadAsTheSameValueInEveryLocale) {
     struct Sample {
         Parameter parameter;
         odbc::SqlType type;
@@ -331,7 +333,7 @@ TEST(ParameterValue, WhatIsShownIsReadAsTheSameValueInEveryLocale) {
     }
 }
 
-TEST(ParameterValue, DeclarationsAreTheServers) {
+TEST(ParameterValue, TypesAreDeclaredInTSql) {
     EXPECT_EQ(DeclarationOf(Int()), "int");
     EXPECT_EQ(DeclarationOf(Exact(12, 4)), "numeric(12,4)");
     EXPECT_EQ(DeclarationOf(Money()), "money");

@@ -26,7 +26,7 @@ std::int32_t NumberOf(const std::function<void()>& call) {
     return 0;
 }
 
-TEST(Recordset, StandsOnItsFirstRowAndIsReadForwards) {
+TEST(Recordset, BeginsAtItsFirstRowAndIsReadForwards) {
     Recordset rows = ThreeRows();
     std::string text;
     for (; !rows.Eof(); rows.MoveNext()) {
@@ -61,7 +61,7 @@ TEST(Recordset, WithoutRowsIsAtBothEnds) {
     EXPECT_EQ(NumberOf([&] { rows.MoveNext(); }), 3021);
 }
 
-TEST(Recordset, BehindItsLastRowHasNoValue) {
+TEST(Recordset, AfterItsLastRowHasNoValue) {
     Recordset rows = ThreeRows();
     for (int i = 0; i < 3; ++i) {
         rows.MoveNext();
@@ -96,7 +96,7 @@ TEST(Recordset, ThatIsClosedHasNoFieldsAndCannotBeRead) {
     }
 }
 
-TEST(Recordset, KnowsItsFieldsByPositionOnly) {
+TEST(Recordset, FindsItsFieldsByPosition) {
     const Recordset rows = ThreeRows();
     EXPECT_EQ(rows.Fields().Count(), 2);
     EXPECT_EQ(rows.Fields().Item(1).Name(), "b");

@@ -30,7 +30,7 @@ std::vector<Variant> EveryKind() {
             ByteArray{std::string("\0\xFF", 2)}};
 }
 
-TEST(RowStore, EveryValueIsFoundByItsPlace) {
+TEST(RowStore, EveryValueIsFoundByItsPosition) {
     const std::vector<Variant> first = EveryKind();
     const std::vector<Variant> second(first.rbegin(), first.rend());
     RowStore store;
@@ -42,11 +42,11 @@ TEST(RowStore, EveryValueIsFoundByItsPlace) {
     }
 }
 
-TEST(RowStore, WideTextBecomesTheProgramsText) {
+TEST(RowStore, WideTextIsConvertedToTheCodePage) {
     RowStore store;
     store.BeginRow();
     store.PutWideText(u"a\u20AC\u00FC");
-    store.PutWideText(u"\u4E00\U0001F600x"); // neither is in the code page; the second takes two units
+    store.PutWideText(u"\u4E00\U0001F600x"); // neither is in the code page; the second has two UTF-16 units
     store.PutWideText(u"");
     store.PutWideDecimal(u"-1.50");
     EXPECT_EQ(store.Value(0, 0), Variant("a\x80\xFC"));
@@ -56,7 +56,7 @@ TEST(RowStore, WideTextBecomesTheProgramsText) {
     EXPECT_EQ(store.Value(0, 3), Variant(Decimal{"-1.50"}));
 }
 
-TEST(RowStore, PlacesReachOverAllChunks) {
+TEST(RowStore, PositionsReachAllChunks) {
     RowStore store;
     const std::string big(3000000, 'x');
     constexpr int kRows = 100000;

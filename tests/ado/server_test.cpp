@@ -1,5 +1,5 @@
-// The layer against a development server, by the system's driver manager and driver: every type, every
-// diagnostic of every result, the numbers of errors, and time-outs that really end something.
+// The layer with a development server and the system's driver manager and driver: every type, every
+// diagnostic of every result, the numbers of errors, and time-outs that end statements and logins.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -30,7 +30,7 @@ class OnAServer : public ::testing::Test {
         const auto rows = Execute("SELECT " + expression);
         return rows->Fields().Item(0).Value();
     }
-    /// The number of the failure; 0 if there was none.
+    /// The number of the failure; 0 if there was no failure.
     std::int32_t NumberOf(const std::string& statement) {
         try {
             Execute(statement);
@@ -125,7 +125,7 @@ TEST_F(OnAServer, AStatementWithoutColumnsGivesAClosedRecordsetAndItsCount) {
     EXPECT_EQ(Execute("USE master")->State(), adStateClosed);
     const auto none = Execute("SELECT a FROM tempdb..#t WHERE a = 9");
     EXPECT_TRUE(none->Eof() && none->Bof());
-    EXPECT_EQ(Execute("USE tempdb SELECT 5")->Fields().Item(0).Value(), Variant(5)); // USE is no result
+    EXPECT_EQ(Execute("USE tempdb SELECT 5")->Fields().Item(0).Value(), Variant(5)); // USE gives no result
 }
 
 TEST_F(OnAServer, EveryDiagnosticOfEveryResultIsKeptNumbersFirst) {
@@ -165,25 +165,25 @@ TEST_F(OnAServer, AMessageThatAProcedureRaisesHasANumber) {
     EXPECT_EQ(Errors(), "265946/50000 0/0 0/0 ");
 }
 
-TEST_F(OnAServer, AnUnknownDatabaseInABatchIsNoLostConnection) {
+TEST_F(OnAServer, AnUnknownDatabaseInABatchIsNotALostConnection) {
     const auto rows = Execute("SELECT 1 USE NoSuchDatabase");
     EXPECT_EQ(rows->Fields().Item(0).Value(), Variant(1));
     EXPECT_EQ(Errors(), "-2147467259/911 ");
     EXPECT_EQ(Value("7"), Variant(7));
 }
 
-TEST_F(OnAServer, AnErrorAmidTheRowsFailsWhereverItStrikes) {
+TEST_F(OnAServer, AnErrorAmongTheRowsFailsAtEveryRow) {
     Execute("CREATE TABLE #numbers (n int, t varchar(9))");
     Execute(
         "DECLARE @n int SET @n = 0 WHILE @n < 1100 BEGIN INSERT #numbers VALUES (@n, CAST(@n AS varchar(9))) "
         "SET @n = @n + 1 END");
-    // In the first row, behind some, at the end of a block and in a later one.
+    // In the first row, after some rows, at the end of a block and in a later block.
     for (const char* row : {"0", "5", "511", "512", "1099"}) {
         Execute(std::string("UPDATE #numbers SET t = 'x' WHERE n = ") + row);
         EXPECT_NE(NumberOf("SELECT n, CAST(t AS int) FROM #numbers"), 0) << row;
         EXPECT_EQ(connection_.Errors().Item(0).NativeError, 245) << row;
         EXPECT_NE(NumberOf("SELECT n, CAST(t AS int), CAST('long' AS text) FROM #numbers"), 0) << row;
-        // Behind a result with columns it is kept, and the first result stands.
+        // After a result with columns the error is kept in Errors, and the first result is returned.
         const auto first = Execute("SELECT 7 SELECT n, CAST(t AS int) FROM #numbers SELECT 8");
         EXPECT_EQ(first->Fields().Item(0).Value(), Variant(7)) << row;
         EXPECT_NE(Errors().find("/245 "), std::string::npos) << row << ": " << Errors();
@@ -192,47 +192,48 @@ TEST_F(OnAServer, AnErrorAmidTheRowsFailsWhereverItStrikes) {
     EXPECT_EQ(Value("COUNT(*) FROM #numbers WHERE CAST(t AS int) >= 0"), Variant(1100));
 }
 
-TEST_F(OnAServer, AStatementThatTouchesNoRowIsAResultWithACountOfNone) {
+TEST_F(OnAServer, AStatementThatTouchesNoRowIsAResultWithACountOfZero) {
     Execute("CREATE TABLE #t (a int)");
     for (const char* statement : {"UPDATE #t SET a = 1 WHERE a = 9", "DELETE #t SELECT 5"}) {
         affected_ = -1;
         EXPECT_EQ(Execute(statement)->State(), adStateClosed) << statement;
         EXPECT_EQ(affected_, 0) << statement;
     }
-    EXPECT_EQ(NumberOf("DELETE #t RAISERROR('behind it', 16, 1)"), -2147217900);
+    EXPECT_EQ(NumberOf("DELETE #t RAISERROR('after it', 16, 1)"), -2147217900);
 }
 
+struct OutputCase {
+    const char* type;
+    const char* value; ///< as T-SQL writes it
+    Variant wanted;
+};
+
+const std::vector<OutputCase> kOutputCases = {
+    {"bit", "1", true},
+    {"tinyint", "255", 255},
+    {"smallint", "-32768", -32768},
+    {"int", "-2147483648", std::int64_t{-2147483648}},
+    {"bigint", "9223372036854775807", std::int64_t{9223372036854775807}},
+    {"decimal(20, 5)", "-123456789012345.54321", Decimal{"-123456789012345.54321"}},
+    {"numeric(9, 2)", "1.50", Decimal{"1.50"}},
+    {"money", "-922337203685477.5808", Decimal{"-922337203685477.5808"}},
+    {"smallmoney", "214748.3647", Decimal{"214748.3647"}},
+    {"real", "0.5", 0.5F},
+    {"float", "-1.5E+100", -1.5E+100},
+    {"datetime", "'2006-05-12 14:03:22'", Date{2006, 5, 12, 14, 3, 22, 0}},
+    {"smalldatetime", "'2006-05-12 14:03'", Date{2006, 5, 12, 14, 3, 0, 0}},
+    {"char(4)", "'ab'", "ab  "},
+    {"varchar(8000)", "'\x80 of 9'", "\x80 of 9"},
+    {"nchar(3)", "N'\xE4'", "\xE4  "},
+    {"nvarchar(4000)", "N'\xFC\xDF'", "\xFC\xDF"},
+    {"binary(4)", "0x0102", ByteArray{std::string("\1\2\0\0", 4)}},
+    {"varbinary(8)", "0x00FF", ByteArray{std::string("\0\xFF", 2)}},
+    {"uniqueidentifier", "'6F9619FF-8B86-D011-B42D-00C04FC964FF'", "{6F9619FF-8B86-D011-B42D-00C04FC964FF}"},
+};
+
 TEST_F(OnAServer, ParametersOfEveryTypeComeBack) {
-    struct Case {
-        const char* type;
-        const char* value;
-        Variant wanted;
-    };
-    const std::vector<Case> cases = {
-        {"bit", "1", true},
-        {"tinyint", "255", 255},
-        {"smallint", "-32768", -32768},
-        {"int", "-2147483648", std::int64_t{-2147483648}},
-        {"bigint", "9223372036854775807", std::int64_t{9223372036854775807}},
-        {"decimal(20, 5)", "-123456789012345.54321", Decimal{"-123456789012345.54321"}},
-        {"numeric(9, 2)", "1.50", Decimal{"1.50"}},
-        {"money", "-922337203685477.5808", Decimal{"-922337203685477.5808"}},
-        {"smallmoney", "214748.3647", Decimal{"214748.3647"}},
-        {"real", "0.5", 0.5F},
-        {"float", "-1.5E+100", -1.5E+100},
-        {"datetime", "'2006-05-12 14:03:22'", Date{2006, 5, 12, 14, 3, 22, 0}},
-        {"smalldatetime", "'2006-05-12 14:03'", Date{2006, 5, 12, 14, 3, 0, 0}},
-        {"char(4)", "'ab'", "ab  "},
-        {"varchar(8000)", "'\x80 of 9'", "\x80 of 9"},
-        {"nchar(3)", "N'\xE4'", "\xE4  "},
-        {"nvarchar(4000)", "N'\xFC\xDF'", "\xFC\xDF"},
-        {"binary(4)", "0x0102", ByteArray{std::string("\1\2\0\0", 4)}},
-        {"varbinary(8)", "0x00FF", ByteArray{std::string("\0\xFF", 2)}},
-        {"uniqueidentifier", "'6F9619FF-8B86-D011-B42D-00C04FC964FF'",
-         "{6F9619FF-8B86-D011-B42D-00C04FC964FF}"},
-    };
     Execute("USE tempdb");
-    for (const Case& one : cases) {
+    for (const OutputCase& one : kOutputCases) {
         const std::string type = one.type;
         SCOPED_TRACE(type);
         NumberOf("DROP PROCEDURE spGives");
@@ -277,7 +278,7 @@ TEST_F(OnAServer, ErrorsHaveTheNumbersOfTheirState) {
           Case{"INSERT #t VALUES (NULL, 'y')", -2147217873, 515},
           Case{"INSERT #t VALUES (2, 'toolong')", -2147217833, 8152},
           Case{"INSERT #t VALUES (1, 2, 3)", -2147217900, 213},
-          // The driver has no state of its own for these two.
+          // The driver has no SQLSTATE for these two.
           Case{"DECLARE @i int SET @i = 2147483647 SET @i = @i + 1", -2147467259, 8115},
           Case{"USE NoSuchDatabase", -2147467259, 911}}) {
         SCOPED_TRACE(one.statement);
@@ -290,7 +291,7 @@ TEST_F(OnAServer, ErrorsHaveTheNumbersOfTheirState) {
 
 class Refused : public ::testing::Test {
   protected:
-    /// Opens with this connection string and gives what is left.
+    /// Opens with this connection string and returns the errors.
     static ado::Errors Open(const std::string& connection_string, std::int32_t seconds = 10) {
         Connection connection;
         connection.CursorLocation(adUseClient);
@@ -306,7 +307,7 @@ class Refused : public ::testing::Test {
     }
 };
 
-TEST_F(Refused, AWrongPasswordIsTheServersErrorInFront) {
+TEST_F(Refused, AWrongPasswordIsTheServersErrorFirst) {
     const ado::Errors errors = Open(String(support::ServerA(), "master", "wrong"));
     EXPECT_EQ(errors.Item(0).NativeError, 18456);
     EXPECT_NE(errors.Item(0).Number, 0);
@@ -325,7 +326,7 @@ TEST_F(Refused, AnUnknownDatabaseAnUnknownDriverAndAnEmptyString) {
 class TimeOut : public OnAServer {
   protected:
     using Clock = std::chrono::steady_clock;
-    /// Generous to a slow machine, and far below what the server was told to wait.
+    /// Enough for a slow machine, and much less than the statement waits.
     static constexpr std::chrono::seconds kSoon{20};
 };
 
@@ -346,7 +347,7 @@ TEST_F(TimeOut, RollsBackNothingThatWasDoneBefore) {
     EXPECT_EQ(Execute("SELECT COUNT(*) FROM #t")->Fields().Item(0).Value(), Variant(1));
 }
 
-TEST_F(TimeOut, OfALoginEndsAServerThatTakesTheConnectionAndIsSilent) {
+TEST_F(TimeOut, EndsALoginToAServerThatAcceptsTheConnectionAndDoesNotAnswer) {
     Connection connection;
     connection.CursorLocation(adUseClient);
     connection.ConnectionTimeout(1);

@@ -17,7 +17,7 @@ std::int32_t RunTimeNumberOf(const std::function<void()>& convert) {
     return {};
 }
 
-TEST(VariantAsText, IsWhatTheReadersLanguageMakesOfIt) {
+TEST(VariantAsText, IsTheTextOfTheProgramsLanguage) {
     EXPECT_EQ(Variant().ToString(), "");
     EXPECT_EQ(Variant("  a b ").ToString(), "  a b ");
     EXPECT_EQ(Variant(true).ToString(), "True");
@@ -47,7 +47,7 @@ TEST(VariantAsText, ExactNumbersLoseTheZerosOfTheirScale) {
               "12345678901234567890123456789012345678");
 }
 
-TEST(VariantAsText, DatesLeaveOutTheMidnightAndTheDayZero) {
+TEST(VariantAsText, DatesLeaveOutMidnightAndDayZero) {
     EXPECT_EQ(Variant(Date{2006, 5, 12, 14, 3, 22, 0}).ToString(), "5/12/2006 2:03:22 PM");
     EXPECT_EQ(Variant(Date{2006, 5, 12, 0, 3, 5, 0}).ToString(), "5/12/2006 12:03:05 AM");
     EXPECT_EQ(Variant(Date{2006, 5, 12, 12, 0, 0, 0}).ToString(), "5/12/2006 12:00:00 PM");
@@ -84,7 +84,7 @@ TEST(VariantAsInt16, TakesEveryKindOfNumber) {
     EXPECT_EQ(Variant(32767).ToInt16(), 32767);
     EXPECT_EQ(Variant(-32768).ToInt16(), -32768);
     EXPECT_EQ(Variant(Decimal{".5"}).ToInt16(), 0);
-    EXPECT_EQ(Variant(Date{1900, 1, 1, 12, 0, 0, 0}).ToInt16(), 2); // day 2 and a half
+    EXPECT_EQ(Variant(Date{1900, 1, 1, 12, 0, 0, 0}).ToInt16(), 2); // day 2.5
 }
 
 TEST(VariantAsInt16, ReadsTextAsANumber) {
@@ -97,7 +97,7 @@ TEST(VariantAsInt16, ReadsTextAsANumber) {
     EXPECT_EQ(Variant("32767.49").ToInt16(), 32767);
 }
 
-TEST(VariantAsInt16, RefusesWhatIsNoNumber) {
+TEST(VariantAsInt16, RefusesAValueThatIsNotANumber) {
     for (const char* text :
          {"", "  ", "two", "2x", "1 2", "--2", "+-2", "-", ".", "inf", "nan", "-inf", "0x10",
           "2."
@@ -107,7 +107,7 @@ TEST(VariantAsInt16, RefusesWhatIsNoNumber) {
     EXPECT_EQ(RunTimeNumberOf([] { Variant(ByteArray{"1"}).ToInt16(); }), kv::run_time::kTypeMismatch);
 }
 
-TEST(VariantAsInt16, RefusesWhatDoesNotFit) {
+TEST(VariantAsInt16, RefusesANumberThatDoesNotFit) {
     for (const char* text : {"32767.5", "32768", "-32768.51", "1e30", "1e999"}) {
         EXPECT_EQ(RunTimeNumberOf([&] { Variant(text).ToInt16(); }), kv::run_time::kOverflow) << text;
     }

@@ -1,5 +1,5 @@
-// What the program makes of a damaged .reg file: the registry's failure paths, and the log names file and
-// line.
+// The program with a damaged .reg file: the failure paths of the registry are taken, and the log names the
+// file and the line.
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -69,7 +69,7 @@ TEST_F(DamagedRegistry, OfAnotherComputerGivesNothingAndTwoLogLinesWithFileAndLi
                          "computers/ServerB.reg"));
 }
 
-TEST_F(DamagedRegistry, OfThisComputerTakesTheLogFolderWithItAndStaysAsItIs) {
+TEST_F(DamagedRegistry, OfThisComputerLeavesNoLogFolderAndIsNotChanged) {
     Put("registry.reg", kDamaged);
     EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, "SOFTWARE\\A", "V", "x"), "");
     EXPECT_FALSE(SaveLocalSetting(kHkeyLocalMachine, "SOFTWARE\\A", "V", "new"));

@@ -49,7 +49,7 @@ TEST_F(ErrorLog, WritesTheTimeOfTheLine) {
     EXPECT_EQ(files_.Content(kLogFile), "2026-01-02 03:04:05 : Error in a\r\n");
 }
 
-TEST_F(ErrorLog, HasALongLineForAnErrorThatIsStillThere) {
+TEST_F(ErrorLog, HasALongLineWithNumberAndDescriptionForACurrentError) {
     EXPECT_EQ(ErrorLogLine({2006, 5, 12, 14, 3, 22}, "x", {kProgramFailure, "s", "what happened"}),
               "2006-05-12 14:03:22 : Error in x : -2147221503, what happened");
 }
@@ -177,7 +177,7 @@ TEST(ErrorLogFolder, TakesTheValueAsItStands) {
 
 class UnreadableLogKey : public testing::TestWithParam<RegistryCall> {};
 
-/// Reading the key reports its failure to the log, which reads the key.
+/// A failure to read the key is reported to the log, which reads the key again.
 TEST_P(UnreadableLogKey, EndsTheRecursionAtTheSecondEntry) {
     const fakes::FakeClock clock;
     fakes::FakeFiles files;
@@ -185,8 +185,8 @@ TEST_P(UnreadableLogKey, EndsTheRecursionAtTheSecondEntry) {
     registry.AddText(places::kHkeyLocalMachine, places::kLogKey, "", "D:\\Log");
     registry.Fail(GetParam(), platform::registry_error::kAccessDenied);
     WriteErrorLog("a");
-    // One reading, one line of the first entry, none of the nested ones; an unreadable folder is an empty
-    // one.
+    // The folder is read once, and only the outer call writes a line. A folder that cannot be read counts as
+    // empty.
     EXPECT_EQ(std::count_if(registry.Calls().begin(), registry.Calls().end(),
                             [](const std::string& call) { return call.starts_with("Open"); }),
               1);
@@ -197,7 +197,7 @@ TEST_P(UnreadableLogKey, EndsTheRecursionAtTheSecondEntry) {
 
 INSTANTIATE_TEST_SUITE_P(EachWay, UnreadableLogKey, testing::Values(RegistryCall::Open, RegistryCall::Query));
 
-TEST(ErrorLogRecursion, EndsForAMissingKeyAndForEveryLineAnew) {
+TEST(ErrorLogRecursion, EndsForEveryLineIfTheKeyIsMissing) {
     const fakes::FakeClock clock;
     fakes::FakeFiles files;
     fakes::FakeRegistry registry;

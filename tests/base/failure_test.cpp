@@ -48,13 +48,13 @@ TEST_F(FailureTest, AFailureInAHandlerGoesToTheCallersHandler) {
     const Failure seen = Caught([] {
         WithFailureHandler([] { RaiseRunTimeFailure(run_time::kOverflow); },
                            [](const Failure&) { RaiseRunTimeFailure(run_time::kPathNotFound); });
-        FAIL() << "the routine went on behind its failing handler";
+        FAIL() << "the routine went on after its handler failed";
     });
     EXPECT_EQ(seen.Number(), run_time::kPathNotFound);
     EXPECT_EQ(seen.Description(), "Path not found");
 }
 
-TEST_F(FailureTest, WhatTheSystemReportsBecomesTheRunTimesFailure) {
+TEST_F(FailureTest, AnErrorOfTheSystemBecomesAFailureOfTheRunTime) {
     using platform::FileError;
     using platform::FileFault;
     struct Case {

@@ -1,4 +1,4 @@
-// The log and the settings over the system's own files and registry. The clock alone stands still.
+// The log and the settings with the system's real files and registry. Only the clock is a fake.
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -23,14 +23,14 @@ namespace fs = std::filesystem;
 
 constexpr const char* kLine = "2006-05-12 14:03:22 : Error in ";
 
-/// The log key is the program's own, one for the whole system: it is left without a value where there is
-/// none.
+/// The log key is the real one of the program, of which a system has only one. If it has no value, the test
+/// does not set one.
 class ThisSystem : public testing::Test {
   public:
     ThisSystem()
         : start_(fs::current_path()),
           folder_(fs::temp_directory_path() / ("kv_startup_" + std::to_string(std::random_device{}()))) {
-        room_.OwnLocalMachine();
+        registry_.OwnLocalMachine();
         fs::create_directories(folder_ / "Log");
         fs::create_directories(folder_ / "Current");
         fs::current_path(folder_ / "Current");
@@ -50,12 +50,12 @@ class ThisSystem : public testing::Test {
     }
 
     fakes::FakeClock clock_;
-    registry_tests::RegistryRoom room_;
+    registry_tests::TestRegistry registry_;
     fs::path start_;
     fs::path folder_;
 };
 
-TEST_F(ThisSystem, AMissingLogValueLeadsBesideTheCurrentFolderAndTheDataFolderComesIntoBeing) {
+TEST_F(ThisSystem, WithoutALogValueTheLogIsBesideTheCurrentFolderAndTheDataFolderIsMade) {
     WriteErrorLog("CUpgradeDbMgr::RemoveDatabase('Batch')");
     WriteErrorLog("Z\xFCrich");
     EXPECT_EQ(Log(),
@@ -72,44 +72,44 @@ TEST_F(ThisSystem, ALogFolderThatIsNotThereFails) {
 TEST_F(ThisSystem, SavesAndGetsAValueInBothHives) {
     for (const auto hive : {kHkeyCurrentUser, kHkeyLocalMachine}) {
         const std::string text = "Z\xFCrich \x80 " + std::to_string(hive);
-        EXPECT_TRUE(SaveLocalSetting(hive, room_.Key("A"), "Name", text));
-        EXPECT_EQ(GetLocalSetting(hive, room_.Key("A"), "NAME", "x"), text);
+        EXPECT_TRUE(SaveLocalSetting(hive, registry_.Key("A"), "Name", text));
+        EXPECT_EQ(GetLocalSetting(hive, registry_.Key("A"), "NAME", "x"), text);
     }
-    EXPECT_EQ(room_.ClassOf(kHkeyLocalMachine, room_.Key("A")), "Name");
+    EXPECT_EQ(registry_.ClassOf(kHkeyLocalMachine, registry_.Key("A")), "Name");
     EXPECT_EQ(Log(), "");
 }
 
 TEST_F(ThisSystem, GetsTheDefaultForAMissingValueAndNothingForAMissingKey) {
-    EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, room_.Key("A"), "", "default value"));
-    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, room_.Key("A"), "", "x"), "default value");
-    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, room_.Key("A"), "Missing", "x"), "x");
+    EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "", "default value"));
+    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "", "x"), "default value");
+    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "Missing", "x"), "x");
     EXPECT_EQ(Log(), "");
-    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, room_.Key("B"), "Missing", "x"), "");
+    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("B"), "Missing", "x"), "");
     const std::string text = platform::SystemMessage(platform::registry_error::kFileNotFound, 200);
     const std::string tail =
-        "'" + room_.Key("B") + "', 'Missing'): " + std::to_string(text.size()) + " - " + text;
+        "'" + registry_.Key("B") + "', 'Missing'): " + std::to_string(text.size()) + " - " + text;
     EXPECT_EQ(Log(), std::string(kLine) + "mRegistry::GetStringKey(" + tail + kLine +
                          "mRegistry::GetLocalSetting('-2147483646', " + tail);
 }
 
 TEST_F(ThisSystem, GetsAValueOf399CharactersWholeAndFailsAt400) {
-    EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, room_.Key("A"), "V", std::string(399, 'v')));
-    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, room_.Key("A"), "V", "x"), std::string(399, 'v'));
-    EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, room_.Key("A"), "V", std::string(400, 'v')));
-    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, room_.Key("A"), "V", "x"), "");
+    EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "V", std::string(399, 'v')));
+    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "V", "x"), std::string(399, 'v'));
+    EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "V", std::string(400, 'v')));
+    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "V", "x"), "");
 }
 
 TEST_F(ThisSystem, KeepsTheBlanksOfAValueWithANulAndTrimsOneThatFillsTheBuffer) {
-    EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, room_.Key("A"), "V", " a  "));
-    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, room_.Key("A"), "V", "x"), " a  ");
-    room_.Put(kHkeyLocalMachine, room_.Key("A"), "W", platform::kRegSz, " a" + std::string(398, ' '));
-    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, room_.Key("A"), "W", "x"), " a");
+    EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "V", " a  "));
+    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "V", "x"), " a  ");
+    registry_.Put(kHkeyLocalMachine, registry_.Key("A"), "W", platform::kRegSz, " a" + std::string(398, ' '));
+    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "W", "x"), " a");
 }
 
 TEST_F(ThisSystem, GetsTheRawBytesOfANumber) {
     constexpr std::uint32_t kNumber = 4;
-    room_.Put(kHkeyLocalMachine, room_.Key("A"), "N", kNumber, "1234");
-    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, room_.Key("A"), "N", "x"), "1234");
+    registry_.Put(kHkeyLocalMachine, registry_.Key("A"), "N", kNumber, "1234");
+    EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "N", "x"), "1234");
 }
 
 TEST_F(ThisSystem, ReportsAComputerThatIsNotThereWithOneLine) {
@@ -117,7 +117,7 @@ TEST_F(ThisSystem, ReportsAComputerThatIsNotThereWithOneLine) {
     const std::string line =
         std::string(kLine) +
         R"(mRegistry::GetRemoteSetting('\\kv-no-such-computer', '-2147483646', 'A', 'V'): )";
-    // Which of the system's texts follows depends on what a system without a network says.
+    // The text depends on how the system reports that there is no network.
     EXPECT_EQ(Log().substr(0, line.size()), line);
     EXPECT_EQ(Log().find("\r\n"), Log().size() - 2);
 }

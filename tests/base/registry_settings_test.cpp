@@ -20,7 +20,7 @@ using platform::kHkeyLocalMachine;
 using namespace platform::registry_error;
 
 constexpr const char* kKey = R"(SOFTWARE\Key)";
-// The text is 22 characters long with its line end, 20 without: the logged number is 22.
+// The text has 22 characters with its line end and 20 without it: the logged number is 22.
 constexpr const char* kText = "Something went wrong\r\n";
 constexpr const char* kLogged = "22 - Something went wrong";
 constexpr const char* kDate = "2006-05-12 14:03:22 : Error in ";
@@ -35,7 +35,7 @@ class RegistrySettings : public testing::Test {
         }
     }
 
-    /// What the log says, without dates.
+    /// The lines of the log, without dates.
     std::vector<std::string> LogLines() const {
         std::vector<std::string> lines;
         if (!files_.HasFile(R"(D:\Log\KVLSQLDbMgr.log)")) {
@@ -100,7 +100,7 @@ TEST_F(RegistrySettings, GetsTheEmptyStringForAKeyThatCannotBeOpenedWithTwoLogLi
     registry_.SetSystemMessage(kAccessDenied, "No\r\n");
     files_.AddFolder("");
     EXPECT_EQ(GetLocalSetting(kHkeyCurrentUser, kKey, "Name", "x"), "");
-    // The log's own key cannot be opened either, so the lines stand where an empty folder leads.
+    // The log's own key cannot be opened either, so the lines go to the file for an empty log folder.
     EXPECT_EQ(files_.Content("\\KVLSQLDbMgr.log"),
               std::string(kDate) + R"(mRegistry::GetStringKey('SOFTWARE\Key', 'Name'): 4 - No)" + "\r\n" +
                   kDate + R"(mRegistry::GetLocalSetting('-2147483647', 'SOFTWARE\Key', 'Name'): 4 - No)" +
@@ -121,7 +121,7 @@ TEST_F(RegistrySettings, FailsOnAValueOf400CharactersWithTwoLogLinesAndTheKeyLef
     EXPECT_EQ(registry_.OpenHandles(), 1U);
 }
 
-TEST_F(RegistrySettings, KeepsTheBlanksOfAValueWithANulBehind) {
+TEST_F(RegistrySettings, KeepsTheBlanksOfAValueThatEndsInANul) {
     registry_.AddText(kHkeyLocalMachine, kKey, "Name", "  ");
     EXPECT_EQ(GetLocal("Name"), "  ");
     registry_.AddText(kHkeyLocalMachine, kKey, "Name", " a ");
@@ -142,7 +142,7 @@ TEST_F(RegistrySettings, EndsAValueAtItsFirstNul) {
     EXPECT_EQ(GetLocal("Name"), "a");
 }
 
-TEST_F(RegistrySettings, GetsTheRawBytesOfAValueThatIsNoText) {
+TEST_F(RegistrySettings, GetsTheRawBytesOfAValueThatIsNotText) {
     registry_.AddBytes(kHkeyLocalMachine, kKey, "Name", "\x31\x32\x33\x34");
     EXPECT_EQ(GetLocal("Name"), "1234");
     registry_.AddBytes(kHkeyLocalMachine, kKey, "Name", std::string("\1\0\0\0", 4));
@@ -168,8 +168,8 @@ TEST_F(RegistrySettings, FindsTheKeyThatTheProgramWritesWithDoubledSeparators) {
               std::string::npos);
 }
 
-/// Other programs write and read these places: a name that is changed here is another place.
-TEST(RegistryLocations, StandLetterByLetter) {
+/// Other programs read and write these settings, so no name may change.
+TEST(RegistryLocations, HaveExactlyTheseNames) {
     using namespace registry_locations;
     struct Place {
         const char* in_the_program;
@@ -291,7 +291,7 @@ TEST_F(RegistrySettings, ReportsAnErrorWhoseTextDoesNotFitAsAnInvalidCall) {
               R"(mRegistry::GetStringKey('SOFTWARE\Key', 'Name'): 199 - )" + std::string(197, 't'));
 }
 
-TEST_F(RegistrySettings, RaisesTheInnerFailuresAgainAsTheyWere) {
+TEST_F(RegistrySettings, RaisesFailuresOfTheInnerLayerUnchanged) {
     try {
         GetStringKey(kHkeyLocalMachine, kKey, "Name", "x");
         FAIL();
@@ -325,7 +325,8 @@ TEST_F(RegistrySettings, ClearsTheCurrentErrorOnEveryWayOut) {
 }
 
 TEST_F(RegistrySettings, PassesAFailureOfTheLogOnToTheCaller) {
-    // The inner line fails, which the outer routine takes for its failure; its own line is written.
+    // Writing the inner routine's line fails, and the outer routine handles that failure: it writes its own
+    // line.
     files_.FailNext("append", R"(D:\Log\KVLSQLDbMgr.log)", platform::FileFault::PathNotFound);
     EXPECT_EQ(GetLocal("Name"), "");
     EXPECT_EQ(

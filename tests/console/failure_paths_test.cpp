@@ -358,7 +358,7 @@ TEST_F(BrokenHandler, MoreDatabasesThanTheCounterCanCount) {
 TEST_F(FailurePaths, ALogThatCannotBeWrittenEndsTheCommand) {
     StartOn(kUpgradeTab);
     ado_.Forget();
-    ado_.Answer("Open", fakes::ServerGone());
+    ado_.Answer("Open", fakes::LostConnection());
     // The operation's handler fails; the command's handler catches that failure and fails too.
     files_.FailNext("create folder", "C:\\Lotkeeper\\Server\\Data", platform::FileFault::AccessDenied);
     files_.FailNext("append", kLogFile, platform::FileFault::PathNotFound);

@@ -37,7 +37,7 @@ CountedObject::~CountedObject() {
 ULONG CountedObject::ReleaseReference() {
     const ULONG left = --references_;
     if (left == 0) {
-        const std::shared_ptr<CountedObject> last = std::move(self_); // ends with this call
+        const std::shared_ptr<CountedObject> last = std::move(self_); // destroyed at the end of this call
     }
     return left;
 }

@@ -1,5 +1,5 @@
-// The base of the stand-in's objects: IDispatch over a table of member names, each call recorded. Knows
-// nothing of packages.
+// The base of the replacement's COM objects: IDispatch over a table of member names, with a record of each
+// call. Knows nothing of packages.
 #pragma once
 
 #include <memory>
@@ -10,10 +10,10 @@
 
 namespace fakes {
 
-/// How many objects are alive: while there are any, the DLL must stay.
+/// The number of objects: while there are any, the DLL must stay loaded.
 long LiveObjects();
 
-/// Counts references; the first is its maker's. It owns itself until the last one is released.
+/// Counts references; the creator has the first. The object lives until the last reference is released.
 class CountedObject {
   public:
     CountedObject();
@@ -24,7 +24,7 @@ class CountedObject {
     ULONG AddReference() { return ++references_; }
     ULONG ReleaseReference();
 
-    /// A new object with one reference, the caller's.
+    /// A new object with one reference, which the caller owns.
     template <class Object, class... Arguments>
     static Object* Make(Arguments&&... arguments) {
         const auto object = std::make_shared<Object>(std::forward<Arguments>(arguments)...);
@@ -43,7 +43,7 @@ class ReceivedArguments {
     explicit ReceivedArguments(const DISPPARAMS& parameters) : parameters_(parameters) {}
 
     std::size_t Count() const { return parameters_.cArgs; }
-    /// Throws PackageError where the argument is no string.
+    /// Throws PackageError if the argument is not a string.
     std::string Text(std::size_t index) const;
 
   private:
@@ -58,7 +58,7 @@ class RecordedObject : public IDispatch, public CountedObject {
         std::size_t arguments;
     };
 
-    /// `name` stands in the record in front of each line.
+    /// `name` is the beginning of each of its lines in the record.
     RecordedObject(std::string name, std::vector<Member> members);
     ~RecordedObject() override;
 
@@ -73,7 +73,7 @@ class RecordedObject : public IDispatch, public CountedObject {
                                      VARIANT* result, EXCEPINFO* exception, UINT* argument) override;
 
   protected:
-    /// Does what the member does and gives its result; may throw PackageError.
+    /// Executes the member and returns its result. May throw PackageError.
     virtual platform::Variant Run(DISPID id, const ReceivedArguments& arguments) = 0;
 
   private:
@@ -81,7 +81,7 @@ class RecordedObject : public IDispatch, public CountedObject {
     std::vector<Member> members_;
 };
 
-/// A variant that holds the one reference of a new object.
+/// A variant with the only reference to a new object.
 platform::Variant Holding(IDispatch* object);
 
 } // namespace fakes

@@ -94,7 +94,7 @@ Rule ParseRule(const std::string& entry) {
     return rule;
 }
 
-/// The rules, counting anew whenever the variable has another text.
+/// The rules of the variable. Calls are counted from the beginning whenever its text changes.
 std::vector<Rule>& Rules() {
     static std::string read_from;
     static std::vector<Rule> rules;
@@ -113,7 +113,7 @@ std::vector<Rule>& Rules() {
 } // namespace
 
 std::string Setting(const char* name) {
-    // Not the C library's copy, which this DLL made when it was loaded.
+    // Read from the system: the C library of this DLL made its copy when it was loaded.
     std::array<char, 32767> value{};
     const DWORD length = GetEnvironmentVariableA(name, value.data(), static_cast<DWORD>(value.size()));
     return {value.data(), length};

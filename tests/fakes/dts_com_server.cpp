@@ -1,11 +1,11 @@
-// A stand-in for the COM classes "DTS.Package" and "DTS.Application" on machines that have none: an
-// in-process server (dts_com_server.dll) that writes down what it is called with, fails when told to, and
-// stores packages for real when told to. Environment variables of the calling process, read at each call:
+// A replacement of the COM classes "DTS.Package" and "DTS.Application" for machines without them: an
+// in-process server (dts_com_server.dll) that records its calls, and on demand fails or really stores
+// packages. It is controlled by environment variables of the calling process, which are read at each call:
 //
 //   KV_DTS_RECORD=FILE  appends a line for each object's birth and end, each GetIDsOfNames and each Invoke
 //   KV_DTS_FAIL=RULES   "Member[@n]:code[:description]", several separated by ";". The member (every call of
 //                       it, or the n-th alone) fails with the HRESULT: as an exception with the description,
-//                       or bare where there is none. "_NewEnum", "Next" and the names of the two classes
+//                       or with the HRESULT alone. "_NewEnum", "Next" and the names of the two classes
 //                       (their creation) are members too
 //   KV_DTS_STORE=1      packages are read from their files, and stored in, removed from and listed from the
 //                       msdb of the server that the caller names, over the ODBC driver "SQL Server"
@@ -164,7 +164,8 @@ class Infos final : public RecordedObject {
     std::vector<PackageInfo> infos_;
 };
 
-/// Two versions of one package, an empty description, 8-bit text, dates at the edges of their parts.
+/// Two versions of one package, an empty description, 8-bit text, and dates with the smallest and largest
+/// parts.
 std::vector<PackageInfo> MadeUpPackages() {
     std::vector<PackageInfo> infos = {
         {"StdSynchronize", "Second version", {2004, 2, 29, 23, 59, 58}},
@@ -281,7 +282,7 @@ bool WriteClassText(const std::string& key, const char* name, const std::string&
                            static_cast<DWORD>(text.size() + 1)) == ERROR_SUCCESS;
 }
 
-/// The id of the class that the program name belongs to; empty where it is free.
+/// The id of the class with the program name; empty if there is no such class.
 std::string RegisteredId(const Class& known) {
     std::array<char, 64> text{};
     auto size = static_cast<DWORD>(text.size());
@@ -322,7 +323,7 @@ STDAPI DllRegisterServer() {
     for (const fakes::Class& known : fakes::kClasses) {
         const std::string other = fakes::RegisteredId(known);
         if (!other.empty() && other != known.id_text) {
-            return SELFREG_E_CLASS; // the real classes are here: they stay
+            return SELFREG_E_CLASS; // the real classes are registered and must stay
         }
     }
     const bool done = std::all_of(fakes::kClasses.begin(), fakes::kClasses.end(), fakes::Register);

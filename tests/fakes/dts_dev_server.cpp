@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kReadyMilliseconds = 60000;
 
-/// The first line that comes out of the pipe; what there is of it when the time is over.
+/// The first line that is read from the pipe; the part that has come when the time is over.
 std::string ReadLine(int pipe) {
     std::string line;
     pollfd waiting{pipe, POLLIN, 0};

@@ -1,4 +1,4 @@
-// A development server of a test's own: started on a free port in a fresh folder, stopped and cleared away.
+// A development server for one test: started on a free port in a fresh folder, then stopped and deleted.
 #pragma once
 
 #include <filesystem>
@@ -13,7 +13,7 @@ class DevServer {
   public:
     /// Throws std::runtime_error when the server is not ready after a minute.
     DevServer();
-    /// On a copy of a stopped server's folder, which starts four times as fast as an empty one.
+    /// Starts on a copy of a stopped server's folder, which takes a quarter of the time of an empty one.
     explicit DevServer(const std::filesystem::path& model);
     DevServer(const DevServer&) = delete;
     DevServer& operator=(const DevServer&) = delete;
@@ -22,12 +22,12 @@ class DevServer {
     /// "127.0.0.1,port", as a connection string names it.
     std::string Name() const { return "127.0.0.1," + std::to_string(port_); }
     int Port() const { return port_; }
-    /// A folder of the test's own beside the server's root, gone with the server.
+    /// A folder for the test beside the server's root, deleted with the server.
     const std::filesystem::path& Folder() const { return folder_; }
     void Stop();
-    /// Ends it where it stands. To be called once for each start, from any thread.
+    /// Kills the server. To be called once for each start, from any thread.
     void Kill();
-    /// Starts it again behind a Stop or a Kill, on what it left and on a new port.
+    /// Starts the server again after Stop or Kill, with the data that it left and on a new port.
     void StartAgain();
 
   private:

@@ -1,5 +1,5 @@
-// The ODBC layer with scripted answers, for tests of what the package store sends and what it makes of what
-// comes back. Holds what the package store uses and no more.
+// A fake of the ODBC layer with scripted answers, for tests of the package store. Has only the functions that
+// the package store uses.
 #pragma once
 
 #include <deque>
@@ -10,12 +10,12 @@
 
 namespace fakes {
 
-/// What one executed statement gives.
+/// The result of one executed statement.
 struct OdbcAnswer {
     std::vector<platform::odbc::Column> columns;
     std::vector<std::vector<platform::odbc::Value>> rows;
     std::vector<platform::odbc::Diagnostic> error;      ///< of the execution; empty: it succeeds
-    std::vector<platform::odbc::Diagnostic> late_error; ///< behind the first result
+    std::vector<platform::odbc::Diagnostic> late_error; ///< after the first result
 };
 
 class ScriptedOdbc {
@@ -33,17 +33,17 @@ class ScriptedOdbc {
 
     /// Empty: connecting succeeds.
     std::vector<platform::odbc::Diagnostic> connect_error;
-    /// One for each execution; an execution without one gives nothing and succeeds.
+    /// One for each execution; a further execution succeeds without a result.
     std::deque<OdbcAnswer> answers;
 
     std::vector<std::string> connection_strings;
     std::vector<Executed> executed;
 
-    // The statement that is open.
+    // The current statement.
     Executed prepared;
     OdbcAnswer answer;
     std::size_t next_row = 0;
-    bool drained = false; ///< somebody asked for further results until there were none
+    bool drained = false; ///< all further results have been read
 };
 
 } // namespace fakes

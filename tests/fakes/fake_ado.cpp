@@ -29,7 +29,7 @@ AdoAnswer Failing(std::int32_t number, const std::string& description) {
     return answer;
 }
 
-AdoAnswer ServerGone() {
+AdoAnswer LostConnection() {
     AdoAnswer answer;
     answer.errors = {{-2147467259, "Communication link failure", "SQL Server", 0, "08S01"}};
     answer.fails = true;
@@ -78,7 +78,7 @@ AdoAnswer FakeAdo::Take(const std::string& call) {
     if (calls_before_loss_) {
         if (*calls_before_loss_ == 0) {
             ++missed;
-            return ServerGone();
+            return LostConnection();
         }
         --*calls_before_loss_;
     }
@@ -106,7 +106,7 @@ struct Connection::Impl {
         --FakeAdo::Current().connections;
         if (open) {
             --FakeAdo::Current().open_connections;
-            ++FakeAdo::Current().closed_by_going;
+            ++FakeAdo::Current().destroyed_while_open;
         }
     }
 
@@ -124,10 +124,7 @@ struct Connection::Impl {
         return answer;
     }
 
-    std::int32_t cursor_location = adUseServer;
     std::string connection_string;
-    std::int32_t connection_timeout = 15;
-    std::int32_t command_timeout = 30;
     ado::Errors errors;
     bool open = false;
 };
@@ -161,36 +158,17 @@ Connection::~Connection() = default;
 
 void Connection::CursorLocation(std::int32_t value) {
     impl_->Record("CursorLocation " + std::to_string(value));
-    impl_->cursor_location = value;
 }
-std::int32_t Connection::CursorLocation() const {
-    return impl_->cursor_location;
-}
-
 void Connection::ConnectionString(const std::string& value) {
     impl_->Record("ConnectionString " + value);
     impl_->connection_string = value;
 }
-const std::string& Connection::ConnectionString() const {
-    return impl_->connection_string;
-}
-
 void Connection::ConnectionTimeout(std::int32_t seconds) {
     impl_->Record("ConnectionTimeout " + std::to_string(seconds));
-    impl_->connection_timeout = seconds;
 }
-std::int32_t Connection::ConnectionTimeout() const {
-    return impl_->connection_timeout;
-}
-
 void Connection::CommandTimeout(std::int32_t seconds) {
     impl_->Record("CommandTimeout " + std::to_string(seconds));
-    impl_->command_timeout = seconds;
 }
-std::int32_t Connection::CommandTimeout() const {
-    return impl_->command_timeout;
-}
-
 void Connection::Open(const std::string& connection_string, const std::string& user,
                       const std::string& password, std::int32_t options) {
     impl_->Record("Open '" + connection_string + "' '" + user + "' '" + password + "' " +

@@ -1,4 +1,4 @@
-// A clock that stands still, in the place of the system's. A test that makes one has it linked in.
+// A clock that stands still, linked in place of the system's. A test creates one.
 #pragma once
 
 #include "platform/clock.h"

@@ -1,4 +1,4 @@
-// The file services in memory, for tests that link this in the place of the system's. Fails on demand.
+// The file services in memory, linked in place of the system's. Fails on demand.
 #pragma once
 
 #include <functional>
@@ -11,7 +11,7 @@
 
 namespace fakes {
 
-/// Paths are kept with "/" and without a separator at their end; both separators are taken.
+/// Paths are kept with "/" and without a separator at their end; both separators are accepted.
 class FakeFiles {
   public:
     /// An empty file system with the program's own folder and the folders above it.
@@ -20,7 +20,7 @@ class FakeFiles {
     FakeFiles& operator=(const FakeFiles&) = delete;
     ~FakeFiles();
 
-    /// The one that the services work on. Fails the test's program if there is none.
+    /// The instance that the services use. Ends the test program if there is no instance.
     static FakeFiles& Current();
 
     void AddFolder(const std::string& path);
@@ -40,8 +40,8 @@ class FakeFiles {
     void Check(const std::string& operation, const std::string& path);
     void Record(const std::string& operation, const std::string& path);
 
-    /// Runs whenever a folder is asked for. The log asks for one in the first place, so this is where a test
-    /// sees the current error as a failure handler finds it.
+    /// Runs whenever the existence of a folder is checked. The log does that first of all, so here a test can
+    /// see the current error of a failure handler.
     std::function<void()> on_folder_asked;
     std::string executable_folder = R"(C:\Lotkeeper\Server)";
     std::string executable_name = "KVLSQLDbMgr";

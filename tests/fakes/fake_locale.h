@@ -1,4 +1,4 @@
-// A user's locale that a test chooses, on every system the same, and the forms of three locales.
+// A user's locale that a test chooses, the same on every system, and the forms of three locales.
 #pragma once
 
 #include "platform/locale.h"

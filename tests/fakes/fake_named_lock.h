@@ -1,4 +1,4 @@
-// The computer's named locks in memory, for tests that link this in the place of the system's.
+// The computer's named locks in memory, linked in place of the system's.
 #pragma once
 
 #include <set>
@@ -13,14 +13,14 @@ class FakeNamedLocks {
     FakeNamedLocks(const FakeNamedLocks&) = delete;
     FakeNamedLocks& operator=(const FakeNamedLocks&) = delete;
     ~FakeNamedLocks();
-    /// The one that the service works on. Fails the test's program if there is none.
+    /// The instance that the service uses. Ends the test program if there is no instance.
     static FakeNamedLocks& Current();
 
     /// Locks that another process has, by a part of their names.
     std::set<std::string> held_elsewhere;
     /// Every name that was asked for, in order.
     std::vector<std::string> asked;
-    /// Those that the program has.
+    /// The locks that the program has.
     std::multiset<std::string> held;
 };
 

@@ -1,4 +1,4 @@
-// The package classes, recorded and not done, for tests that link this in the place of the system's.
+// The package classes, linked in place of the system's: calls are recorded and not executed.
 #pragma once
 
 #include <cstddef>
@@ -27,17 +27,17 @@ class FakePackages {
     ~FakePackages();
     static FakePackages& Current();
 
-    /// False: the system has no such class, and creating an object gives none.
+    /// False: the system has no such class, and creating an object returns null.
     bool has_package_class = true;
     bool has_application_class = true;
-    /// The members that fail, and what they fail with.
+    /// The members that fail, with their failures.
     std::map<std::string, platform::PackageError> failures;
 
-    /// What the enumeration gives; after `enumerated_before_failure` of them it fails.
+    /// The packages of the enumeration, which fails after `enumerated_before_failure` of them.
     std::vector<platform::PackageInfo> installed;
     std::size_t enumerated_before_failure = std::numeric_limits<std::size_t>::max();
 
-    /// Called behind every call that was recorded.
+    /// Called after every recorded call.
     std::function<void()> on_call;
 
     std::vector<PackageCall> calls;

@@ -1,4 +1,5 @@
-// Starting programs, recorded and not done, for tests that link this in the place of the system's.
+// The service that starts programs, linked in place of the system's: calls are recorded and nothing is
+// started.
 #pragma once
 
 #include <cstdint>
@@ -17,9 +18,9 @@ class FakeProcesses {
     ~FakeProcesses();
     static FakeProcesses& Current();
 
-    /// What every started program does; true: it starts. Without it every program starts.
+    /// Called for every program; returns true if it starts. Without it every program starts.
     std::function<bool(const platform::ShellExecuteInfo&)> on_start;
-    /// Whether a started program's handle comes back.
+    /// True if the handle of a started program is returned.
     bool gives_handle = true;
 
     std::vector<platform::ShellExecuteInfo> started;

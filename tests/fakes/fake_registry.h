@@ -1,5 +1,4 @@
-// A registry in memory in the place of the system's, which fails on demand and counts what is left open. Link
-// fake_registry.cpp into a test and it stands behind platform/registry.h.
+// A registry in memory, linked in place of the system's. Fails on demand and counts the keys that stay open.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +12,7 @@ namespace fakes {
 
 enum class RegistryCall : std::uint8_t { Open, Create, Query, Set, Connect };
 
-/// One for each test: everything is forgotten when it is made and when it goes.
+/// One for each test. Its constructor and its destructor empty the registry.
 class FakeRegistry {
   public:
     FakeRegistry();
@@ -21,31 +20,31 @@ class FakeRegistry {
     FakeRegistry& operator=(const FakeRegistry&) = delete;
     ~FakeRegistry();
 
-    // What it holds. The empty name is a key's default value; names compare without case, and a run of "\" in
-    // a key is one.
+    // The content. The empty name is a key's default value; letter case is ignored, and a run of "\" in a key
+    // counts as one.
 
     void AddKey(std::int32_t hive, const std::string& key);
-    /// A text as Windows keeps it, its NUL behind it. The key is made if it is absent.
+    /// Stores a text with its NUL, as Windows does. The key is made if it is absent.
     void AddText(std::int32_t hive, const std::string& key, const std::string& name, const std::string& text);
-    /// A value of no text type: its bytes as they are.
+    /// Stores the bytes of a value that is not text.
     void AddBytes(std::int32_t hive, const std::string& key, const std::string& name,
                   const std::string& bytes);
-    /// From here on, until the empty name, the three above fill this computer instead.
+    /// After this call the three functions above fill this computer's registry; the empty name switches back.
     void OnComputer(const std::string& computer);
 
     bool HasKey(std::int32_t hive, const std::string& key) const;
     bool HasValue(std::int32_t hive, const std::string& key, const std::string& name) const;
-    /// Without its NUL; empty if there is no such value.
+    /// The text without its NUL; empty if there is no such value.
     std::string TextOf(std::int32_t hive, const std::string& key, const std::string& name) const;
     /// The class that the key was made with.
     std::string ClassOf(std::int32_t hive, const std::string& key) const;
 
     /// Every call of this kind fails with `error` until it is 0 again.
     void Fail(RegistryCall call, std::int32_t error);
-    /// The system's text for an error, CR LF included; the empty text is a system that has none.
+    /// The system's text for an error, CR LF included; empty for a system without such a text.
     void SetSystemMessage(std::int32_t error, const std::string& text);
 
-    /// Keys and remote roots that were opened and not closed.
+    /// The number of keys and remote roots that were opened and not closed.
     std::size_t OpenHandles() const;
     /// One line for each call, as "Open HKLM\SOFTWARE\A 1", "Query name", "Close".
     const std::vector<std::string>& Calls() const;

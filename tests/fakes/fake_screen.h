@@ -1,5 +1,5 @@
-// The screen without one: message boxes, the status window, pending events and the mouse pointer, recorded in
-// the order of the calls. For tests that link this in the place of the system's services.
+// A fake screen, linked in place of the system's services: message boxes, the status window, pending events
+// and the mouse pointer are recorded in the order of the calls.
 #pragma once
 
 #include <cstdint>
@@ -23,14 +23,14 @@ class FakeScreen {
     /// "show", "window gone", "events", "pointer N".
     std::vector<std::string> calls;
     std::int16_t pointer = 0;
-    /// What the status window was made of.
+    /// The layout with which the status window was made.
     platform::StatusWindowLayout status_layout;
     /// Called while a message box is on the screen.
     std::function<void()> on_box;
 
-    /// How many of the calls begin so.
+    /// The number of calls that begin with this text.
     int Count(const std::string& beginning) const;
-    /// The calls that begin so, without that beginning.
+    /// The calls that begin with this text, without that text.
     std::vector<std::string> After(const std::string& beginning) const;
 };
 

@@ -1,5 +1,5 @@
-// The toolkit without a screen, recorded between the calls of FakeScreen. A window of it does nothing; a test
-// presses the form's buttons by ui/operator.h.
+// A fake toolkit, whose calls are recorded among those of FakeScreen. Its windows do nothing; a test presses
+// the form's buttons with ui/operator.h.
 #pragma once
 
 #include <functional>
@@ -20,13 +20,13 @@ class FakeToolkit {
     ~FakeToolkit();
     static FakeToolkit& Current();
 
-    /// What the pickers give; none is a cancelled one.
+    /// The results of the pickers; nothing if the operator cancels.
     std::optional<std::string> picked;
     /// The next pickers fail instead.
     bool pickers_fail = false;
     /// False: no window can be made.
     bool has_windows = true;
-    /// What the operator does in a dialog while it is shown.
+    /// Called while a dialog is shown; acts as the operator.
     std::function<void(ui::Form&)> on_modal;
     /// Called by each wait, before it ends.
     std::function<void()> on_wait;

@@ -1,4 +1,4 @@
-// What is remembered for the user, in memory. Records reads and writes; fails on demand.
+// The user's settings in memory, linked in place of the system's. Records reads and writes; fails on demand.
 #pragma once
 
 #include <map>
@@ -17,7 +17,7 @@ class FakeUserSettings {
 
     /// By "application/section/key".
     std::map<std::string, std::string> texts;
-    /// Every place read, and every place written with its text behind a "=", in order.
+    /// Every setting that was read, and every setting that was written, with "=" and its text, in order.
     std::vector<std::string> reads;
     std::vector<std::string> writes;
     bool writes_fail = false;

@@ -33,7 +33,7 @@ struct FakeHandle {
     std::size_t children = 0;
     bool connected = false;
     std::vector<OdbcRecord> records;
-    std::size_t result = 0; ///< of the statement; one behind the last: none
+    std::size_t result = 0; ///< of the statement; equal to the number of results after the last one
     bool has_result = false;
     std::size_t next_row = 0;
     std::size_t long_read = 0;
@@ -61,7 +61,7 @@ FakeHandle* Find(void* handle, const char* function) {
     return found->second.get();
 }
 
-/// Begins a call: null if it is to fail. `code` is then what it answers.
+/// Begins a call. Returns null if it must fail; `code` is then its return code.
 FakeHandle* Begin(void* handle, const char* function, SQLRETURN& code) {
     FakeHandle* const fake = Find(handle, function);
     code = SQL_INVALID_HANDLE;
@@ -83,7 +83,7 @@ const OdbcResult& ResultOf(const FakeHandle& fake) {
     return fake.results->at(fake.result);
 }
 
-/// The cell that lies in a buffer.
+/// The cell in a buffer.
 OdbcCell Stored(int c_type, const char* data, SQLLEN indicator) {
     if (indicator == SQL_NULL_DATA) {
         return {};
@@ -98,7 +98,7 @@ OdbcCell Stored(int c_type, const char* data, SQLLEN indicator) {
                                  : std::string(data, size);
 }
 
-/// Writes a cell as drivers do: a text cut to the room, with its whole length told.
+/// Writes a cell as drivers do: a text is cut to the buffer, and its whole length is reported.
 void Store(const OdbcCell& cell, int c_type, char* to, SQLLEN room, SQLLEN& indicator) {
     if (!cell) {
         indicator = SQL_NULL_DATA;
@@ -117,7 +117,7 @@ void Store(const OdbcCell& cell, int c_type, char* to, SQLLEN room, SQLLEN& indi
     indicator = static_cast<SQLLEN>(text.size() * sizeof(char16_t));
 }
 
-/// What the markers of a statement that is run say.
+/// The values of the markers of a statement that is run.
 void NoteParameters(FakeHandle& fake) {
     counting.parameters.clear();
     for (auto& [number, marker] : fake.markers) {
@@ -126,7 +126,7 @@ void NoteParameters(FakeHandle& fake) {
     }
 }
 
-/// The values of the markers come behind the last result.
+/// Sets the output values of the markers, after the last result.
 void GiveOutput(FakeHandle& fake) {
     for (auto& [number, marker] : fake.markers) {
         if (marker.shape.direction != SQL_PARAM_INPUT && number <= counting.output.size()) {
@@ -173,7 +173,7 @@ std::string Narrowed(const SQLWCHAR* text, SQLINTEGER length) {
                                               : std::u16string_view(wide, static_cast<std::size_t>(length)));
 }
 
-/// Writes a text as ODBC does: cut to the room, always with a NUL. `room` and the answer are characters.
+/// Writes a text as ODBC does: cut to the buffer, always with a NUL. `room` and the result are in characters.
 SQLRETURN WriteText(const std::string& text, SQLWCHAR* to, SQLSMALLINT room, SQLSMALLINT* length) {
     const std::u16string wide = platform::Widen(text);
     if (length != nullptr) {
@@ -227,6 +227,16 @@ void ResetCounting() {
 } // namespace fakes
 
 using namespace fakes; // the functions below belong to no namespace
+
+namespace {
+
+/// The type of the last parameter of SQLColAttributeW, which differs between programs of 32 and of 64 bits.
+template <class Last>
+Last LastParameter(SQLRETURN(SQL_API*)(SQLHSTMT, SQLUSMALLINT, SQLUSMALLINT, SQLPOINTER, SQLSMALLINT,
+                                       SQLSMALLINT*, Last));
+using NumberPointer = decltype(LastParameter(&SQLColAttributeW));
+
+} // namespace
 
 extern "C" {
 
@@ -360,7 +370,7 @@ SQLRETURN SQL_API SQLGetDiagFieldW(SQLSMALLINT, SQLHANDLE handle, SQLSMALLINT nu
     if (found == numbers.end() || !found->second) {
         return SQL_ERROR;
     }
-    // The line has 16 bits only, as drivers write it.
+    // The line has only 16 bits, as drivers write it.
     std::memcpy(value, &*found->second,
                 field == kDiagServerLine ? sizeof(std::int16_t) : sizeof(std::int32_t));
     return SQL_SUCCESS;
@@ -463,7 +473,7 @@ SQLRETURN SQL_API SQLDescribeColW(SQLHSTMT handle, SQLUSMALLINT number, SQLWCHAR
 }
 
 SQLRETURN SQL_API SQLColAttributeW(SQLHSTMT handle, SQLUSMALLINT number, SQLUSMALLINT, SQLPOINTER,
-                                   SQLSMALLINT, SQLSMALLINT*, OdbcColumnNumber value) {
+                                   SQLSMALLINT, SQLSMALLINT*, NumberPointer value) {
     SQLRETURN code = SQL_SUCCESS;
     if (Begin(handle, "SQLColAttribute", code) != nullptr) {
         *static_cast<SQLLEN*>(value) = number == 1 ? 11 : kTextSize;

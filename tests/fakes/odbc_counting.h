@@ -1,5 +1,5 @@
-// A driver manager without a driver, linked in place of the system's: counts the handles that are open, fails
-// the call that a test names, and answers every statement with the results that the test lays down.
+// A fake driver manager, linked in place of the system's: counts open handles, fails the call that a test
+// names, and answers every statement with the results that the test has set.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace fakes {
 
-/// A diagnostic record as the driver hands it out.
+/// A diagnostic record as the driver returns it.
 struct OdbcRecord {
     std::string state = "HY000";
     std::int32_t native = 0;
@@ -22,23 +22,23 @@ struct OdbcRecord {
     std::optional<std::int32_t> server_state{};
 };
 
-/// A cell of a result that a test lays out; none: NULL.
+/// A cell of a result with given cells; without a value it is NULL.
 using OdbcCell = std::optional<std::string>;
 
-/// A result: no column at all, or a number, a text of at most 20 characters and, if it is long, a long text;
-/// or what the test lays out.
+/// A result. It has no column; or a number, a text of at most 20 characters and, if it is long, a long text;
+/// or the cells that the test has set.
 struct OdbcResult {
     bool columns = true;
     bool with_long_column = false;
     std::size_t rows = 0;
     std::int64_t row_count = -1;
     std::size_t long_size = 0;         ///< characters of each long text
-    std::vector<OdbcRecord> records{}; ///< come with it, by SQL_SUCCESS_WITH_INFO
-    /// Come with the fetch that reaches the last of its rows, in the same way.
+    std::vector<OdbcRecord> records{}; ///< returned with it, with SQL_SUCCESS_WITH_INFO
+    /// Returned in the same way with the fetch that reaches the last row.
     std::vector<OdbcRecord> fetch_records{};
-    bool no_data = false; ///< given by SQL_NO_DATA, as a statement that touches no row is
-    bool fails = false;   ///< the call that should give it fails, with its records
-    /// Of a result that is laid out: 'n' a whole number, 't' a text of at most 20 characters.
+    bool no_data = false; ///< returned with SQL_NO_DATA, as for a statement that touches no row
+    bool fails = false;   ///< the call that would return it fails, with its records
+    /// The columns of a result with given cells: 'n' is a whole number, 't' a text of at most 20 characters.
     std::string kinds{};
     std::vector<std::vector<OdbcCell>> cells{}; ///< `rows` of them
 };
@@ -52,37 +52,38 @@ inline OdbcResult LaidOut(std::string kinds, std::vector<std::vector<OdbcCell>> 
     return result;
 }
 
-/// A marker's binding when its statement was run.
+/// The binding of a marker at the time when its statement was run.
 struct OdbcParameter {
     int direction = 0;
     int c_type = 0;
     int sql_type = 0;
     std::size_t size = 0;
     int digits = 0;
-    OdbcCell value{}; ///< what goes in, numbers and texts alike
+    OdbcCell value{}; ///< the input value; numbers as text
 };
 
-/// What the fake holds. One for the process, since ODBC's functions know no other place.
+/// The state of the fake. There is one for the process, since ODBC's functions have no other context.
 struct OdbcCounting {
-    std::vector<OdbcResult> results;       ///< of each statement, in order
-    std::vector<OdbcResult> catalogue;     ///< of each call of a catalogue; none: `results`
-    std::vector<OdbcCell> output;          ///< what a statement's markers get behind its last result
+    std::vector<OdbcResult> results;   ///< of each statement, in order
+    std::vector<OdbcResult> catalogue; ///< of each call of a catalogue; if empty, `results` are used
+    std::vector<OdbcCell> output;      ///< the output values of a statement's markers after its last result
     std::vector<OdbcParameter> parameters; ///< of the last statement that was run
 
-    /// The call, counted from 1, that fails; 0: none. Freeing handles and reading records is not counted.
+    /// The call, counted from 1, that fails; 0: no call fails. Freeing handles and reading records is not
+    /// counted.
     std::size_t failing_call = 0;
     std::size_t calls = 0;
-    std::string failed_function; ///< the one that has failed
+    std::string failed_function; ///< the function that has failed
     std::size_t fetches = 0;
 
     std::size_t open_handles = 0;
     std::size_t most_handles = 0;
     std::size_t open_connections = 0;
-    /// Sins against the order of things: a parent freed before its child, a handle freed twice and so on.
+    /// Violations of the order of calls: a parent freed before its child, a handle freed twice and so on.
     std::vector<std::string> violations;
-    std::string driver_name = "fake.so";   ///< as the connection tells it
-    std::vector<OdbcRecord> login_records; ///< come with a login that succeeds
-    bool connection_dead = false;          ///< what a connection answers when it is asked
+    std::string driver_name = "fake.so";   ///< as the connection reports it
+    std::vector<OdbcRecord> login_records; ///< returned with a login that succeeds
+    bool connection_dead = false;          ///< as the connection reports it
     std::string last_connection_string;
     std::string last_statement;
     std::string last_catalogue; ///< the pattern of the last call of the parameters' catalogue

@@ -4,7 +4,6 @@
 #include <sstream>
 
 #include "fuzz/input.h"
-#include "querytool/text_input.h"
 #include "querytool/tool.h"
 
 namespace {

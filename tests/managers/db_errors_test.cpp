@@ -14,15 +14,15 @@ namespace {
 using namespace kv;
 
 ado::Errors ErrorsWith(const std::vector<std::int32_t>& numbers) {
-    ado::Errors errors;
+    std::vector<ado::Error> errors;
     for (const auto number : numbers) {
         const std::string text = std::to_string(number);
-        errors.Append({number, "Description " + text, "Source " + text, number + 1000, "S" + text});
+        errors.push_back({number, "Description " + text, "Source " + text, number + 1000, "S" + text});
     }
-    return errors;
+    return ado::Errors(std::move(errors));
 }
 
-/// The number of the failure; 0 if there was none.
+/// The number of the failure; 0 if there was no failure.
 std::int32_t NumberRaisedBy(const std::function<void()>& step) {
     try {
         step();
@@ -102,19 +102,19 @@ TEST_F(DbErrorsTest, TwoEntriesWithNumberZeroAddNothingAndDoNotFail) {
     EXPECT_EQ(array_.UpperBound(), 0);
 }
 
-TEST_F(DbErrorsTest, AnEntryInFrontOfAZeroBecomesOneRecordBehindTheOnesBefore) {
+TEST_F(DbErrorsTest, AnEntryBeforeAZeroIsAppendedToTheEarlierRecords) {
     CollectDbErrors(array_, ErrorsWith({3, 4}));
     EXPECT_EQ(NumberRaisedByCollecting(array_, {5, 0}), 0);
     EXPECT_EQ(NumbersIn(array_), (Numbers{0, 3, 4, 5}));
 }
 
-TEST_F(DbErrorsTest, AZeroInFrontOfAnEntryIsASubscriptFailure) {
+TEST_F(DbErrorsTest, AZeroBeforeAnEntryIsASubscriptFailure) {
     EXPECT_EQ(NumberRaisedByCollecting(array_, {0, 5}), run_time::kSubscriptOutOfRange);
-    // The array has grown before the index is looked at.
+    // The array has grown before the index is checked.
     EXPECT_EQ(NumbersIn(array_), (Numbers{0, 0}));
 }
 
-TEST_F(DbErrorsTest, AZeroBetweenTwoEntriesIsASubscriptFailureBehindTheFirst) {
+TEST_F(DbErrorsTest, AZeroBetweenTwoEntriesIsASubscriptFailureAfterTheFirst) {
     EXPECT_EQ(NumberRaisedByCollecting(array_, {5, 0, 6}), run_time::kSubscriptOutOfRange);
     EXPECT_EQ(NumbersIn(array_), (Numbers{0, 5, 0}));
 }
@@ -122,14 +122,15 @@ TEST_F(DbErrorsTest, AZeroBetweenTwoEntriesIsASubscriptFailureBehindTheFirst) {
 TEST_F(DbErrorsTest, MoreThanA16BitNumberCountsIsAnOverflow) {
     EXPECT_EQ(NumberRaisedByCollecting(array_, Numbers(32767, 1)), 0);
     EXPECT_EQ(NumberRaisedByCollecting(array_, {1}), run_time::kOverflow);
-    // The array has grown before its index overflowed. From now on its bound itself does not fit.
+    // The array has grown before its index overflowed. After that its upper bound does not fit an Int16
+    // either.
     EXPECT_EQ(array_.UpperBound(), 32768);
     EXPECT_EQ(NumberRaisedByCollecting(array_, {0}), run_time::kOverflow);
     EXPECT_EQ(array_.UpperBound(), 32768);
     EXPECT_EQ(NumberRaisedBy([&] { FormatDbErrors(array_); }), run_time::kOverflow);
 }
 
-TEST_F(DbErrorsTest, TheIndexOverflowsBeforeTheArraysBoundIsLookedAt) {
+TEST_F(DbErrorsTest, TheIndexOverflowsBeforeItIsCheckedAgainstTheArray) {
     CollectDbErrors(array_, ErrorsWith({1}));
     Numbers numbers(32767, 0);
     numbers.back() = 7; // 1 + 32766 + 1

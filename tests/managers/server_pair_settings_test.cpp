@@ -1,4 +1,4 @@
-// The block of settings, which is the same in every class that carries it.
+// The settings of the pair of servers, which are the same in every manager class.
 #include <gtest/gtest.h>
 
 #include "admin/sql_replication_mgr.h"
@@ -29,7 +29,7 @@ class ServerPairBlock : public ::testing::Test {
         return (manager_.*member.reader)();
     }
 
-    // One of the classes looks for its query tool when it is made.
+    // The constructor of one of the classes looks for the query tool.
     fakes::FakeClock clock_;
     fakes::FakeFiles files_;
     fakes::FakeRegistry registry_;
@@ -64,7 +64,7 @@ TYPED_TEST(ServerPairBlock, IsEmptyAndOnServerBAtFirst) {
     }
 }
 
-TYPED_TEST(ServerPairBlock, KeepsWhatIsWrittenAndEachMemberForItself) {
+TYPED_TEST(ServerPairBlock, KeepsEachMemberAsItWasSet) {
     int number = 0;
     for (const auto& members : {this->plain_, this->paths_}) {
         for (const auto& member : members) {
@@ -93,7 +93,7 @@ TYPED_TEST(ServerPairBlock, CutsOneBackslashFromTheEndOfAPath) {
         EXPECT_EQ(this->Written(member, "\\\\"), "\\");
         EXPECT_EQ(this->Written(member, ""), "");
         EXPECT_EQ(this->Written(member, "D:/Data/ "), "D:/Data/ ");
-        EXPECT_EQ(this->Written(member, "D:\\Data\\ "), "D:\\Data\\ "); // a blank is no backslash
+        EXPECT_EQ(this->Written(member, "D:\\Data\\ "), "D:\\Data\\ "); // a blank after the backslash
     }
 }
 

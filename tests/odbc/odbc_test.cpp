@@ -1,5 +1,5 @@
-// The ODBC layer over a counting driver manager: no handle is lost, whichever call fails, and nothing that
-// the driver reports is.
+// The ODBC layer with a counting driver manager: no handle stays open, whichever call fails, and every report
+// of the driver is kept.
 #include "odbc/odbc.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ class Odbc : public ::testing::Test {
     }
 };
 
-/// Everything that the layer can do, once.
+/// A session that uses every function of the layer once.
 void RunWholeSession() {
     Environment environment;
     Connection connection(environment);
@@ -85,7 +85,7 @@ TEST_F(Odbc, NoHandleIsLostWhicheverCallFails) {
     RunWholeSession();
     const std::size_t calls = Counting().calls;
     ASSERT_GT(calls, 50U);
-    // Calls in clean-up have nobody to tell.
+    // Failures in clean-up are not reported.
     const std::set<std::string> silent = {"SQLFreeStmt", "SQLSetStmtAttr"};
     std::set<std::string> failed;
     for (std::size_t call = 1; call <= calls; ++call) {
@@ -131,16 +131,16 @@ TEST_F(Odbc, AMovedFromHandleFreesNothing) {
     EXPECT_TRUE(Counting().violations.empty());
 }
 
-TEST_F(Odbc, AMovedConnectionKnowsItsDriver) {
+TEST_F(Odbc, AMovedConnectionStillKnowsItsDriver) {
     Environment environment;
     Counting().driver_name = "libtdsodbc.so";
     Connection first(environment);
     first.DriverConnect("x", 0);
     Connection second(std::move(first));
-    EXPECT_TRUE(second.BehindFreeTds());
+    EXPECT_TRUE(second.UsesFreeTds());
     Connection third(environment);
     third = std::move(second);
-    EXPECT_TRUE(third.BehindFreeTds());
+    EXPECT_TRUE(third.UsesFreeTds());
 }
 
 /// A connection whose statement has run with `results`.
@@ -220,7 +220,7 @@ TEST_F(OdbcStatement, MessagesOfSuccessWaitToBeTaken) {
     EXPECT_TRUE(statement.TakeMessages().empty());
 }
 
-/// What the driver leaves when a statement fails, as the layer hands it on.
+/// The records that the layer passes on when a statement fails.
 class OdbcFailure : public OdbcStatement {
   protected:
     std::vector<Diagnostic> Fail(std::vector<OdbcRecord> records) {
@@ -264,7 +264,7 @@ TEST_F(OdbcFailure, AMessageLongerThanTheBufferComesWhole) {
     EXPECT_EQ(Fail({{.message = text}}).front().message, text);
 }
 
-TEST_F(OdbcFailure, ADriverThatKnowsNoSeverityHasItInTheStatesPlace) {
+TEST_F(OdbcFailure, ADriverWithoutASeverityFieldGivesTheSeverityAsTheState) {
     const auto records = Fail({{.state = "42000", .native = 50000, .server_state = 14}});
     EXPECT_EQ(records.front().severity, 14);
     EXPECT_FALSE(records.front().state.has_value());
@@ -281,7 +281,7 @@ TEST_F(OdbcFailure, AFailureWithoutARecordNamesItsFunction) {
     EXPECT_NE(records.front().message.find("SQLExecDirect"), std::string::npos);
 }
 
-/// A number by which FreeTDS reports a connection that broke.
+/// A number with which FreeTDS reports a broken connection.
 class OdbcLostByNumber : public OdbcFailure, public ::testing::WithParamInterface<std::int32_t> {};
 
 TEST_P(OdbcLostByNumber, IsAnErrorAlsoWhereTheDriverCallsItSuccess) {
@@ -299,7 +299,7 @@ TEST_P(OdbcLostByNumber, IsAnErrorAlsoWhereTheDriverCallsItSuccess) {
     }
 }
 
-TEST_P(OdbcLostByNumber, IsNoLostConnectionInAMessageOfTheServer) {
+TEST_P(OdbcLostByNumber, IsNotALostConnectionInAMessageOfTheServer) {
     EXPECT_EQ(Fail({{.state = "42000", .native = GetParam(), .line = 4, .severity = 16}}).front().sql_state,
               "42000");
     EXPECT_FALSE(lost_);
@@ -307,7 +307,7 @@ TEST_P(OdbcLostByNumber, IsNoLostConnectionInAMessageOfTheServer) {
 
 INSTANTIATE_TEST_SUITE_P(FreeTds, OdbcLostByNumber, ::testing::Values(20004, 20006, 20017, 20047));
 
-TEST_F(OdbcFailure, AnotherMessageOfTheDriversOwnIsNoLostConnection) {
+TEST_F(OdbcFailure, AnotherMessageOfTheDriverIsNotALostConnection) {
     const OdbcRecord notice = {.state = "01000", .native = 20018, .message = "see above", .line = 0xFFFF};
     Statement statement = Run({{.columns = false}, {.columns = false, .records = {notice}}});
     EXPECT_TRUE(statement.MoreResults());

@@ -75,8 +75,8 @@ class OdbcWire : public ::testing::Test {
 
     Statement Ready() {
         Statement statement(connection_);
-        if (connection_.DropsResultsBehindError()) {
-            statement.KeepResultsBehindError();
+        if (connection_.DropsResultsAfterError()) {
+            statement.KeepResultsAfterError();
         }
         return statement;
     }

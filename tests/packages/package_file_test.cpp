@@ -1,4 +1,4 @@
-// Package files: what is read out of a good one, and what is said of a bad one.
+// Package files: the fields of a valid file, and the error texts for damaged files.
 #include "packages/package_file.h"
 
 #include <filesystem>
@@ -31,7 +31,7 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
-/// What a damaged file's error says behind the name of the file.
+/// The text of a damaged file's error after the name of the file.
 std::string ComplaintAbout(const std::string& content) {
     try {
         ParsePackageFile("X.dts", content);
@@ -114,7 +114,7 @@ TEST(PackageFile, SaysWhichLineIsWrong) {
     EXPECT_EQ(ComplaintAbout(std::string(kHead).substr(0, std::string(kHead).size() - 2)),
               "line 6: it ends inside the head");
     EXPECT_EQ(ComplaintAbout(Replaced(kHead, "\r\n\r\n", "\r\nbody\r\n")),
-              "line 6: an empty line is expected behind the head");
+              "line 6: an empty line is expected after the head");
 }
 
 TEST(PackageFile, TheLongestNameAndDescriptionFit) {

@@ -1,5 +1,4 @@
-// What the package store sends to the server, and what it makes of the answers; the server itself is
-// scripted.
+// The calls that the package store makes, and how it handles the answers of a scripted server.
 #include "packages/package_store.h"
 
 #include <algorithm>
@@ -11,10 +10,12 @@
 #include <gtest/gtest.h>
 
 #include "fakes/dts_odbc.h"
+#include "packages/package_failure.h"
 
 namespace {
 
 using fakes::OdbcAnswer;
+using package_tests::FailureOf;
 using platform::LocalTime;
 using platform::PackageError;
 using platform::PackageFile;
@@ -58,17 +59,6 @@ platform::odbc::Diagnostic Error(const std::string& sql_state, std::int32_t nati
     diagnostic.native_error = native_error;
     diagnostic.message = message;
     return diagnostic;
-}
-
-template <class Call>
-PackageError FailureOf(Call&& call) {
-    try {
-        std::forward<Call>(call)();
-    } catch (const PackageError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "the call did not fail";
-    return {0, "", ""};
 }
 
 std::vector<Value> ValuesOf(const fakes::ScriptedOdbc::Executed& executed) {
@@ -127,7 +117,7 @@ TEST_F(ScriptedStore, AddsTheWholeFileUnderItsPackageId) {
     EXPECT_TRUE(odbc_.drained);
 }
 
-TEST_F(ScriptedStore, EverySaveIsAVersionOfItsOwn) {
+TEST_F(ScriptedStore, EverySaveIsANewVersion) {
     store_.Add(SomeFile());
     store_.Add(SomeFile());
     const auto first = std::get<std::string>(odbc_.executed.at(0).parameters.at(2).value);
@@ -156,7 +146,7 @@ TEST_F(ScriptedStore, ListsEveryVersionInTheServersOrder) {
     EXPECT_EQ(packages[2].version_id, "{FFFFFFFF-FFFF-FFFF-FFFF-FFFFFFFFFFFF}");
 }
 
-TEST_F(ScriptedStore, AListThatBreaksOffKeepsWhatItGave) {
+TEST_F(ScriptedStore, AListThatFailsKeepsThePackagesBeforeTheFailure) {
     odbc_.answers.push_back(Packages({Row("A", kOlder, {2026, 1, 1, 0, 0, 0, 0})}));
     odbc_.answers.back().late_error = {
         Error("08S01", 20006, "[FreeTDS][SQL Server]Write to the server failed")};
@@ -182,7 +172,7 @@ TEST_F(ScriptedStore, RemovesTheNewestVersionAlone) {
     EXPECT_TRUE(odbc_.drained);
 }
 
-TEST_F(ScriptedStore, SignsOfPatternsInANameStandForThemselves) {
+TEST_F(ScriptedStore, WildcardsInANameAreLiteral) {
     FailureOf([&] { store_.RemoveNewest("50%[x]_"); });
     EXPECT_EQ(odbc_.executed.at(0).parameters.at(0).value, Text("50[%][[]x][_]"));
 }
@@ -203,8 +193,8 @@ TEST_F(ScriptedStore, ANameThatIsTooLongIsRefused) {
 
 TEST_F(ScriptedStore, AnErrorGetsTheNumberOfItsState) {
     const std::vector<std::pair<std::string, std::int32_t>> numbers = {
-        {"42000", -2147217900}, {"42S02", -2147217865}, {"28000", -2147217843},
-        {"23000", -2147217873}, {"HYT00", -2147217871}, {"08001", -2147467259},
+        {"42000", -2147217900}, {"42S02", -2147217865}, {"28000", -2147217843}, {"23000", -2147217873},
+        {"HYT00", -2147217871}, {"22001", -2147217833}, {"08001", -2147467259},
     };
     for (const auto& [sql_state, number] : numbers) {
         odbc_.answers.push_back({});
@@ -213,14 +203,14 @@ TEST_F(ScriptedStore, AnErrorGetsTheNumberOfItsState) {
     }
 }
 
-TEST_F(ScriptedStore, ARefusedLoginTellsWhatTheServerSaid) {
+TEST_F(ScriptedStore, ARefusedLoginHasTheServersText) {
     odbc_.connect_error = {Error("42000", 18456, "[FreeTDS][SQL Server]Login failed for user 'sa'."),
                            Error("08001", 0, "[FreeTDS][SQL Server]Unable to connect to data source")};
     EXPECT_STREQ(FailureOf([&] { List(); }).what(),
                  "Login failed for user 'sa'. (SQLSTATE 42000, error 18456)");
 }
 
-TEST_F(ScriptedStore, AnErrorBehindTheFirstResultFailsTheCall) {
+TEST_F(ScriptedStore, AnErrorAfterTheFirstResultFailsTheCall) {
     odbc_.answers.push_back({});
     odbc_.answers.back().late_error = {Error("42000", 14590, "Package already exists")};
     EXPECT_THAT(FailureOf([&] { store_.Add(SomeFile()); }).what(), HasSubstr("error 14590"));

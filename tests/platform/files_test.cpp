@@ -44,7 +44,7 @@ TEST(Files, ABackslashSeparatesFolders) {
     EXPECT_TRUE(std::filesystem::exists(folder.Path() / "sub" / "a.txt"));
 }
 
-TEST(Files, AFileIsNoFolderAndAFolderNoFile) {
+TEST(Files, AFileIsNotAFolderAndAFolderIsNotAFile) {
     const TempFolder folder;
     WriteWholeFile(folder / "a", "");
     EXPECT_TRUE(FileExists(folder / "a"));
@@ -70,7 +70,7 @@ TEST(Files, AFolderOfFoldersHoldsNoFile) {
     EXPECT_FALSE(FolderHoldsFile(folder / "none\\"));
 }
 
-TEST(Files, EveryByteComesBack) {
+TEST(Files, EveryByteIsReadAsItWasWritten) {
     const TempFolder folder;
     std::string all;
     for (int i = 0; i < 256; ++i) {
@@ -85,7 +85,7 @@ TEST(Files, EveryByteComesBack) {
     EXPECT_EQ(ReadWholeFile(folder / "bytes"), "");
 }
 
-TEST(Files, AFileIsReplacedWholeAndLeavesNothingBeside) {
+TEST(Files, AFileIsReplacedAndNoOtherFileIsLeft) {
     const TempFolder folder;
     ReplaceWholeFile(folder / "script", "longer than the next", "\r\n");
     EXPECT_EQ(ReadWholeFile(folder / "script"), "longer than the next\r\n");
@@ -109,7 +109,7 @@ TEST(Files, AppendingMakesTheFileAndGrowsIt) {
     EXPECT_EQ(ReadWholeFile(folder / "log"), "a\r\nb\r\n");
 }
 
-TEST(Files, AppendingBearsAnotherProgramThatHasTheFileOpen) {
+TEST(Files, AppendingWorksWhileAnotherProgramHasTheFileOpen) {
     const TempFolder folder;
     std::ofstream other(folder.Path() / "log.txt", std::ios::binary | std::ios::app);
     other << "other\n" << std::flush;
@@ -135,7 +135,7 @@ TEST(Files, AFileIsNotCopiedToItself) {
     EXPECT_EQ(ReadWholeFile(folder / "a"), "content");
 }
 
-TEST(Files, WhatIsNotThereIsToldApart) {
+TEST(Files, AMissingFileAndAMissingFolderAreDistinguished) {
     const TempFolder folder;
     EXPECT_EQ(FaultOf([&] { ReadWholeFile(folder / "none"); }), FileFault::NotFound);
     EXPECT_EQ(FaultOf([&] { ReadWholeFile(folder / "none\\a"); }), FileFault::PathNotFound);
@@ -154,7 +154,7 @@ TEST(Files, AFolderIsNotMadeTwice) {
     EXPECT_EQ(FaultOf([&] { CreateFolder(folder / "a"); }), FileFault::AlreadyExists);
 }
 
-TEST(Files, AFolderIsNoFileToReadOrWrite) {
+TEST(Files, AFolderCannotBeReadOrWrittenAsAFile) {
     const TempFolder folder;
     CreateFolder(folder / "a");
     EXPECT_EQ(FaultOf([&] { ReadWholeFile(folder / "a"); }), FileFault::AccessDenied);

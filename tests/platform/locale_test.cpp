@@ -1,4 +1,4 @@
-// The forms of real locales. On Linux they are the ones that the build has made.
+// The forms of real locales, which on Linux the build has made.
 #include "platform/locale.h"
 
 #include <gmock/gmock.h>
@@ -47,7 +47,7 @@ TEST(Locale, Swedish) {
     EXPECT_EQ(forms.months.at(4), "maj");
 }
 
-TEST(Locale, TheUsersOneIsReadOnce) {
+TEST(Locale, TheUsersLocaleIsReadOnce) {
     EXPECT_EQ(&UserLocale(), &UserLocale());
     EXPECT_EQ(UserLocale(), NamedLocale(""));
 }

@@ -12,7 +12,7 @@ std::string FreshName() {
     return R"(test C:\Folder\of the program )" + std::to_string(std::random_device{}());
 }
 
-TEST(NamedLock, IsHadOnceAtATime) {
+TEST(NamedLock, IsHeldOnceAtATime) {
     const std::string name = FreshName();
     auto first = TryLock(name);
     ASSERT_NE(first, nullptr);
@@ -28,7 +28,7 @@ TEST(NamedLock, OfAnotherNameIsAnotherLock) {
     EXPECT_NE(TryLock(name + "x"), nullptr);
 }
 
-TEST(NamedLock, HasAWholeNameHoweverLong) {
+TEST(NamedLock, DistinguishesLongNamesByTheirEnds) {
     const std::string name = FreshName() + std::string(1000, 'x');
     const auto first = TryLock(name + "1");
     ASSERT_NE(first, nullptr);

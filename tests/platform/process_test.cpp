@@ -1,4 +1,4 @@
-// Starts real programs: the tests' own helper, which writes its arguments to a file.
+// Starts a real program: the test tool, which writes its arguments to a file.
 #include "platform/process.h"
 
 #include <chrono>

@@ -1,4 +1,4 @@
-// The real window on a screen: what a person sees of an unattended run on Windows.
+// The status window on a real screen, as the operator sees it during an unattended run on Windows.
 #include "platform/status_window.h"
 
 #include <string>
@@ -62,7 +62,7 @@ class NativeStatusWindow : public ::testing::Test {
     HWND bar_ = nullptr;
 };
 
-TEST_F(NativeStatusWindow, IsLoadedUnseenAndHasItsSizeAndPlaces) {
+TEST_F(NativeStatusWindow, IsInvisibleAtFirstAndHasItsSizeAndPlaces) {
     EXPECT_FALSE(::IsWindowVisible(window_));
     RECT client{};
     ::GetClientRect(window_, &client);
@@ -94,7 +94,7 @@ TEST_F(NativeStatusWindow, PaintsItsTextAtOnce) {
     status_->Show();
     RunPendingEvents();
     ASSERT_FALSE(::GetUpdateRect(label_, nullptr, FALSE));
-    ::InvalidateRect(label_, nullptr, TRUE); // as the system may leave it when it is told a text
+    ::InvalidateRect(label_, nullptr, TRUE); // as the system may leave it after a change of its text
     status_->SetLabel("Installing the new database...");
     EXPECT_FALSE(::GetUpdateRect(label_, nullptr, FALSE));
 }
@@ -102,11 +102,12 @@ TEST_F(NativeStatusWindow, PaintsItsTextAtOnce) {
 TEST_F(NativeStatusWindow, HasTheProgramsIconAndNoButtonToCloseIt) {
     EXPECT_NE(::GetClassLongPtrA(window_, GCLP_HICON), 0U);
     EXPECT_NE(::GetClassLongPtrA(window_, GCLP_HICONSM), 0U);
-    EXPECT_NE(::GetWindowLongPtrA(window_, GWL_STYLE) & WS_SYSMENU, 0) << "without it no icon is shown";
+    EXPECT_NE(::GetWindowLongPtrA(window_, GWL_STYLE) & WS_SYSMENU, 0)
+        << "without this style the window has no icon";
     EXPECT_NE(::GetClassLongPtrA(window_, GCL_STYLE) & CS_NOCLOSE, 0U);
 }
 
-TEST_F(NativeStatusWindow, IsNotClosedByHandAndGoesWithItsObject) {
+TEST_F(NativeStatusWindow, CannotBeClosedByTheOperatorAndIsDestroyedWithItsObject) {
     status_->Show();
     ::SendMessageA(window_, WM_CLOSE, 0, 0);
     RunPendingEvents();

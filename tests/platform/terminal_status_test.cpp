@@ -1,4 +1,4 @@
-// What a run without a window tells on the terminal.
+// The progress and the messages of a run without windows, as lines on the terminal.
 #include <string>
 #include <vector>
 
@@ -14,7 +14,7 @@ bool interactive = false;
 int enters_awaited = 0;
 } // namespace
 
-// The terminal, in the place of the system's.
+// A fake terminal, linked in place of the system's.
 namespace platform {
 void WriteToTerminal(const std::string& text) {
     written += text;
@@ -37,12 +37,12 @@ class Terminal : public ::testing::Test {
     }
 };
 
-TEST_F(Terminal, EveryTextIsALineWithWhereTheBarStands) {
+TEST_F(Terminal, EveryTextIsALineWithThePositionOfTheBar) {
     {
         const auto status = MakeTerminalStatus("Installing");
         status->SetBar(0, 14, 0);
         status->SetLabel("Initializing...");
-        EXPECT_EQ(written, ""); // loaded, not shown
+        EXPECT_EQ(written, ""); // not shown yet
         status->Show();
         status->SetBar(0, 14, 9);
         status->SetLabel("Working...");

@@ -1,5 +1,6 @@
-// A query tool of the tests: writes its arguments, one a line between brackets, to the file behind -o.
-// --until FILE waits first until there is such a file; --exit N ends with that code; --silent writes nothing.
+// A program that tests start in place of the query tool: writes its arguments, one a line between brackets,
+// to the file after -o. --until FILE first waits until the file exists; --exit N sets the exit code; --silent
+// writes nothing.
 #include <chrono>
 #include <cstdlib>
 #include <string>
@@ -10,7 +11,7 @@
 
 namespace {
 
-/// A minute at most: longer, and whoever should make the file is gone.
+/// Waits for at most a minute: after that the test that should make the file has ended.
 void WaitFor(const std::string& path) {
     constexpr auto kPause = std::chrono::milliseconds(10);
     for (int i = 0; i < 6000 && !platform::FileExists(path); ++i) {

@@ -1,5 +1,5 @@
-# What OSQL.EXE prints for a script is what two other tools print for it: FreeTDS's fisql (messages, counts and rows in
-# their order) and tsql (messages). The scripts are the cases below and the sample templates.
+# Compares the output of OSQL.EXE with that of two other tools: FreeTDS's fisql (messages, counts and rows in their
+# order) and tsql (messages). The scripts are the cases below and the sample templates.
 #
 #   osql_order_test.py DEVSQLSERVER OSQL.EXE SCRIPT_FOLDER
 import os
@@ -61,7 +61,7 @@ def osql_lines(text):
     """The tool's output: one line for an error, cells parted by single blanks."""
     text = re.sub(r"Msg (\d+), Level (\d+), State (\d+), Server [^,\n]+(?:, Procedure [^,\n]+)?, Line (\d+)\n(.*)",
                   lambda match: ERROR.format(*match.groups()), text)
-    # fisql shows no heading of a result without rows.
+    # fisql shows no heading for a result without rows.
     text = re.sub(r".*\n [- ]+\n\n(?=\(0 rows affected\))", "", text)
     return squeezed(text.replace("(1 row affected)", "(1 rows affected)"))
 
@@ -69,7 +69,7 @@ def osql_lines(text):
 def fisql_lines(text):
     text = re.sub(r"Msg (\d+), Level (\d+), State (\d+):\nServer '[^']*'(?:, Procedure '[^']*')?, Line (\d+):\n(.*)",
                   lambda match: ERROR.format(*match.groups()), text)
-    # It shows the news of database and language, and the return status, alone or beside the count.
+    # It shows changes of database and language, and the return status, alone or beside the count.
     text = re.sub(r"Changed (?:database context|language setting) to .*\n", "", text)
     text = re.sub(r"\(return status = -?\d+\)\n", "", text)
     return squeezed(re.sub(r", return status = -?\d+\)", ")", text))
@@ -134,7 +134,7 @@ class Order(unittest.TestCase):
                 self.assertEqual(messages(lines), self.tsql_errors(script))
 
     def test_the_templates_on_a_fresh_server_each(self):
-        """Each tool has a server of its own, since a template that has run changes what the next run gives."""
+        """Each tool has its own server, since a template changes the output of its next run."""
         said = []
         for tool in (self.osql, self.fisql):
             lines = []

@@ -1,5 +1,5 @@
-# The sample templates run whole through OSQL.EXE on a development server, and what they made stands there, asked by
-# the tool itself and by a client that is not ours.
+# Runs the complete sample templates with OSQL.EXE on a development server, and checks the result with the tool itself
+# and with a client of another maker.
 #
 #   osql_templates_test.py DEVSQLSERVER OSQL.EXE SCRIPT_FOLDER [--wine]
 import datetime
@@ -44,7 +44,7 @@ class Templates(unittest.TestCase):
         return subprocess.run(command, stdout=subprocess.PIPE, env=environment, timeout=300, stdin=subprocess.DEVNULL)
 
     def ask(self, query):
-        """The words that the tool prints for a query, without headings and counts."""
+        """The words of the tool's output for a query, without headings and counts."""
         done = self.tool("-d", "Batch", "-n", "-h-1", "-w", "500", "-Q", "SET NOCOUNT ON " + query)
         self.assertEqual(done.returncode, 0, done.stdout)
         return done.stdout.decode("cp1252").split()
@@ -79,7 +79,7 @@ class Templates(unittest.TestCase):
                 self.assertIn(word, words)
 
     def test_a_guard_ends_the_tool(self):
-        """What stands after the guard's RAISERROR with state 127 is not run, by the tool's end or by NOEXEC."""
+        """Statements after the guard's RAISERROR with state 127 are not run, because the tool ends or because of NOEXEC."""
         path = os.path.join(self.server.root, "Create_Batch_Database.sql")
         done = self.tool("-n", "-i", self.native(path))
         lines = done.stdout.decode("cp1252").replace("\r", "").split("\n")

@@ -1,5 +1,5 @@
-# OSQL.EXE as it is run: its command line, its files, its exit code, against a server that gives what the test asks
-# for, dies and keeps silent. The second argument is the tool; a third, "--wine", runs it under Wine.
+# OSQL.EXE as a program: its command line, its files and its exit code, with a server that sends the results that a test
+# asks for, dies or does not answer. The second argument is the tool; a third, "--wine", runs it under Wine.
 #
 #   osql_test.py DIRECTIVE_SERVER OSQL.EXE [--wine]
 import os
@@ -30,7 +30,7 @@ class Plant:
         return os.path.join(self.folder, name)
 
     def native(self, name):
-        """A path as the tool is told it."""
+        """A path in the form that the tool needs."""
         path = self.path(name)
         return "Z:" + path.replace("/", "\\") if self.wine else path
 
@@ -65,7 +65,7 @@ class PlantTest(unittest.TestCase):
         self.plant.stop()
 
     def script(self, content, *switches, **how):
-        """Runs a script file into an output file: exit code and what the file holds."""
+        """Runs a script file with an output file: exit code and content of the output file."""
         self.plant.write("a.sql", content)
         code, printed = self.plant.run("-i", self.plant.native("a.sql"), "-o", self.plant.native("a.txt"), *switches,
                                        **how)
@@ -207,7 +207,7 @@ class Osql(PlantTest):
 
 
 class OsqlByDbLibrary(PlantTest):
-    """Order and state of messages, as FreeTDS's DB-Library gives them. Not under Wine: there the tool has FreeTDS's
+    """Order and state of messages with FreeTDS's DB-Library. Not under Wine: there the tool has FreeTDS's
     driver for ODBC, which sorts the messages of a statement and gives no state."""
 
     def test_messages_stand_in_the_servers_order(self):

@@ -1,4 +1,4 @@
-// What results and messages look like on paper.
+// The printed form of results and messages.
 #include "querytool/result_printer.h"
 
 #include <gtest/gtest.h>
@@ -77,11 +77,11 @@ TEST_F(Printed, OneRowIsCountedInTheSingular) {
     EXPECT_EQ(Counted(0), "(0 rows affected)\n");
 }
 
-TEST_F(Printed, WithoutACountNothingIsSaidOfIt) {
+TEST_F(Printed, WithoutACountNoCountIsPrinted) {
     EXPECT_EQ(Counted(-1), "");
 }
 
-TEST_F(Printed, NullStandsWhereItsColumnsValuesStand) {
+TEST_F(Printed, NullIsAlignedAsTheValuesOfItsColumn) {
     EXPECT_EQ(Table({Named("n", SqlType::Integer, 11, true), Named("t", SqlType::Char, 1, true)},
                     {{Value(), Value()}}),
               " n           t    \n"
@@ -110,7 +110,7 @@ TEST_F(Printed, HeadingsComeAgainAfterSoManyRows) {
               " a \n - \n 1 \n 2 \n\n a \n - \n 3 \n");
 }
 
-TEST_F(Printed, ALineThatIsTooLongGoesOnBehindATab) {
+TEST_F(Printed, ALineThatIsTooLongContinuesAfterATab) {
     switches.width = 12;
     EXPECT_EQ(Table({Named("abc", SqlType::VarChar, 5), Named("def", SqlType::VarChar, 8)},
                     {{std::string("one"), std::string("two")}}),
@@ -143,7 +143,7 @@ TEST_F(Printed, ATextThatBeginsWithABracketStaysWhole) {
     EXPECT_EQ(Told(Message(0, "[a][SQL Server]b")), "[a][SQL Server]b\n");
 }
 
-TEST_F(Printed, WhatTheDriverSaysForItselfHasNoNumbers) {
+TEST_F(Printed, AMessageOfTheDriverHasNoNumbers) {
     Diagnostic error = Error(0, "");
     error.message = "Unable to connect";
     error.native_error = 20009;
@@ -160,7 +160,7 @@ TEST_F(Printed, AMessageIsItsTextAlone) {
     EXPECT_EQ(Told(Message(15477, "Caution")), "Caution\n");
 }
 
-TEST_F(Printed, TheNewsOfDatabaseAndLanguageIsNotTold) {
+TEST_F(Printed, ChangesOfDatabaseAndLanguageAreNotPrinted) {
     EXPECT_EQ(Told(Message(5701, "Changed database context to 'x'.")), "");
     EXPECT_EQ(Told(Message(5703, "Changed language setting.")), "");
 }
@@ -179,7 +179,7 @@ TEST_F(Printed, WithLevelMinusOneMessagesHaveTheirNumbersToo) {
     EXPECT_EQ(Told(Message(15477, "Caution")), "Msg 15477, Server SRV, Line 3\nCaution\n");
 }
 
-TEST_F(Printed, ErrorsGoAsideAndMessagesOnlyOnRequest) {
+TEST_F(Printed, ErrorsGoToTheErrorChannelAndMessagesOnlyOnRequest) {
     switches.errors_to_stderr = true;
     Told(Error(1, "wrong"));
     Told(Message(0, "news"));

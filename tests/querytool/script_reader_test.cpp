@@ -5,8 +5,6 @@
 
 #include <sstream>
 
-#include "querytool/text_input.h"
-
 namespace {
 
 using namespace querytool;
@@ -59,7 +57,7 @@ struct MeaningCase {
 
 class MeaningTest : public ::testing::TestWithParam<MeaningCase> {};
 
-TEST_P(MeaningTest, IsTold) {
+TEST_P(MeaningTest, IsFound) {
     const LineMeaning meaning = MeaningOf(GetParam().line, "GO");
     EXPECT_EQ(meaning.kind, GetParam().kind);
     EXPECT_EQ(meaning.count, GetParam().count);
@@ -128,7 +126,7 @@ TEST(TextInput, AMarkedUtf16FileOfEitherOrderIsConverted) {
               "G");
 }
 
-/// For each line, whether it would have been taken for a command.
+/// For each line, "+" if it can be a command, otherwise "-".
 std::string CommandLines(const std::string& text) {
     std::string at_commands;
     BatchLexer lexer;
@@ -147,14 +145,14 @@ TEST(BatchLexer, FindsNoCommandInTextsNamesAndComments) {
     EXPECT_EQ(CommandLines("/* a\nGO\n*/\nGO\n"), "+--+");
 }
 
-TEST(BatchLexer, KnowsDoubledQuotesAndCommentsInOneAnother) {
+TEST(BatchLexer, KnowsDoubledQuotesAndNestedComments) {
     EXPECT_EQ(CommandLines("print 'it''s\nGO\n'\nGO"), "+--+");
     EXPECT_EQ(CommandLines("print 'it''s'\nGO"), "++");
     EXPECT_EQ(CommandLines("select [a]]b\nGO\n]\nGO"), "+--+");
     EXPECT_EQ(CommandLines("/* /* */\nGO\n*/\nGO"), "+--+");
 }
 
-TEST(BatchLexer, WhatIsQuotedOrCommentedOpensNothing) {
+TEST(BatchLexer, QuotesAndCommentsDoNotBeginInsideEachOther) {
     EXPECT_EQ(CommandLines("-- it's\nGO"), "++");
     EXPECT_EQ(CommandLines("-- /*\nGO"), "++");
     EXPECT_EQ(CommandLines("print '/* -- ['\nGO"), "++");

@@ -1,4 +1,4 @@
-// A server of the tests: plays what a test lays down for each batch, and remembers what it was sent.
+// A fake server: sends the answer that a test has set for each batch, and records what it receives.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ namespace querytool_tests {
 
 class ScriptedServer : public querytool::Server {
   public:
-    /// What a batch gives; false: the connection is lost.
+    /// The answer to a batch; returns false if the connection is lost.
     using Answer = std::function<bool(querytool::ResultSink&)>;
 
     bool Connect(const querytool::LoginSettings& settings, querytool::ResultSink& sink) override {
@@ -25,20 +25,20 @@ class ScriptedServer : public querytool::Server {
         return refusals.empty();
     }
 
-    /// Plays a batch's answer whole: that nothing is printed after the end is the printer's business.
+    /// Sends the complete answer of a batch: the printer must not print anything after the end.
     bool Run(const std::string& batch, querytool::ResultSink& sink) override {
         batches.push_back(batch);
         const auto answer = answers.find(batch);
         return answer == answers.end() || answer->second(sink);
     }
 
-    std::map<std::string, Answer> answers; ///< batches without one give nothing
+    std::map<std::string, Answer> answers; ///< a batch without an answer has no results
     std::vector<querytool::Diagnostic> refusals;
     std::vector<std::string> batches;
     querytool::LoginSettings login;
 };
 
-/// Keeps what is written.
+/// Keeps the written text.
 class TextOutput : public querytool::Output {
   public:
     void Write(std::string_view text) override { written += text; }

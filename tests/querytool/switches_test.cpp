@@ -17,7 +17,7 @@ std::string ErrorOf(const std::vector<std::string>& arguments) {
     return ParseSwitches(arguments).error.value_or("");
 }
 
-TEST(Switches, ValuesStandBehindTheirSwitchOrAreAttached) {
+TEST(Switches, ValuesFollowTheirSwitchOrAreAttached) {
     const Switches apart = Parse({"-S", "host,1433", "-U", "sa", "-P", "secret", "-d", "Batch", "-w", "200"});
     const Switches attached = Parse({"-Shost,1433", "-Usa", "-Psecret", "-dBatch", "-w200"});
     for (const Switches& switches : {apart, attached}) {
@@ -29,7 +29,7 @@ TEST(Switches, ValuesStandBehindTheirSwitchOrAreAttached) {
     }
 }
 
-TEST(Switches, APasswordSwitchWithASwitchBehindItMeansTheEmptyPassword) {
+TEST(Switches, APasswordSwitchBeforeAnotherSwitchMeansTheEmptyPassword) {
     // As the program calls it: -S host,port -U user -P  -i "script" -o "output"
     const Switches switches =
         Parse({"-S", "h,1", "-U", "u", "-P", "-i", "D:\\Data\\a.sql", "-o", "D:\\Data\\a.txt"});
@@ -63,7 +63,7 @@ TEST(Switches, AQueryMayBeginWithADash) {
     EXPECT_FALSE(Parse({"-q", "x"}).exit_after_query);
 }
 
-TEST(Switches, MinusOneIsANumberApartAndAttached) {
+TEST(Switches, MinusOneIsANumberSeparateAndAttached) {
     EXPECT_EQ(Parse({"-h", "-1", "-m", "-1"}).header_rows, -1);
     EXPECT_EQ(Parse({"-h-1", "-m-1"}).error_level, -1);
 }
@@ -85,7 +85,7 @@ TEST(Switches, EverySwitchWithoutAValueIsTaken) {
                 switches.help);
 }
 
-TEST(Switches, TheErrorChannelsValueStandsAsTheHelpWritesIt) {
+TEST(Switches, TheErrorChannelsValueCanBeWrittenAsInTheHelp) {
     EXPECT_NE(HelpText().find("-r 0|1"), std::string::npos);
     for (const auto& [arguments, messages] : std::vector<std::pair<std::vector<std::string>, bool>>{
              {{"-r", "0"}, false}, {{"-r", "1"}, true}, {{"-r0"}, false}, {{"-r1"}, true}, {{"-r"}, false}}) {
@@ -98,7 +98,7 @@ TEST(Switches, TheErrorChannelsValueStandsAsTheHelpWritesIt) {
 
 struct BadLine {
     std::vector<std::string> arguments;
-    std::string named; ///< what the message names
+    std::string named; ///< the message must contain it
 };
 
 class BadSwitches : public ::testing::TestWithParam<BadLine> {};
@@ -117,9 +117,9 @@ INSTANTIATE_TEST_SUITE_P(
                       BadLine{{"-i"}, "-i needs a value"}, BadLine{{"-w", "wide"}, "'wide'"},
                       BadLine{{"-w8"}, "'8'"}, BadLine{{"-t", "-1"}, "'-1'"}, BadLine{{"-s", "ab"}, "'ab'"},
                       BadLine{{"-c", ""}, "-c"}, BadLine{{"-r2"}, "'2'"}, BadLine{{"-r", "2"}, "'2'"},
-                      BadLine{{"-i", "a", "-Q", "b"}, "-i can't stand beside"}));
+                      BadLine{{"-i", "a", "-Q", "b"}, "-i can't be used with"}));
 
-TEST(Switches, ABadLineStillTellsWhereTheMessageGoes) {
+TEST(Switches, ABadLineStillSetsTheOutputFile) {
     const ParsedLine line = ParseSwitches({"-S", "h", "two words", "-Z", "-o", "out.txt"});
     EXPECT_EQ(line.error, "'two words' is not a switch. -? lists them.");
     EXPECT_EQ(line.switches.output_file, "out.txt");

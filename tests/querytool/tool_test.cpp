@@ -1,4 +1,4 @@
-// The query tool's run against a server of the tests.
+// Runs of the query tool with a fake server.
 #include "querytool/tool.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ using namespace querytool_tests;
 
 const std::string kFirstBatch = "SET QUOTED_IDENTIFIER OFF";
 
-/// The tool, its input and what came of it.
+/// The tool, its input and its output.
 class Tool : public ::testing::Test {
   protected:
     Tool() { switches.no_prompts = true; }
@@ -54,7 +54,7 @@ TEST_F(Tool, AGoInATextOrACommentEndsNoBatch) {
     ExpectBatches({"print 'a\nGO\n'\n/*\nGO\nEXIT\n*/\n", "-- it's\n"});
 }
 
-TEST_F(Tool, WhatABatchLeftOpenDoesNotReachIntoTheNext) {
+TEST_F(Tool, AnOpenStringOfABatchDoesNotContinueInTheNext) {
     EXPECT_EQ(Run("print 1\nRESET\nprint 2\nGO\n"), kSuccess);
     ExpectBatches({"print 2\n"});
 }
@@ -79,7 +79,7 @@ TEST_F(Tool, PromptsNumberTheLinesOfABatch) {
     EXPECT_EQ(output.written, "1> 2> 3> (1 row affected)\n1> ");
 }
 
-TEST_F(Tool, EchoShowsTheLinesBehindTheirPrompts) {
+TEST_F(Tool, EchoShowsTheLinesAfterTheirPrompts) {
     switches.no_prompts = false;
     switches.echo = true;
     Run("a\nGO\n");
@@ -132,7 +132,7 @@ TEST_F(Tool, AnErrorStopsTheScriptOnRequest) {
     ExpectBatches({"a\n"});
 }
 
-TEST_F(Tool, AQueryRunsAloneOrInFrontOfTheInput) {
+TEST_F(Tool, AQueryRunsAloneOrBeforeTheInput) {
     switches.query = "first";
     switches.exit_after_query = true;
     EXPECT_EQ(Run("x\nGO\n"), kSuccess);
@@ -168,7 +168,7 @@ TEST_F(Tool, State127EndsItAlsoInALowMessageThatIsNotShown) {
         Diagnostic last = Message(50002, "enough");
         last.state = 127;
         sink.Message(last);
-        return false; // the server may close the connection as well: that is no news then
+        return false; // the server may close the connection as well, which is not reported then
     };
     EXPECT_EQ(Run("a\nGO\nb\nGO\n"), 50002);
     ExpectBatches({"a\n"});
@@ -192,7 +192,7 @@ TEST_F(Tool, QuotedIdentifiersAreLeftAsTheServerHasThem) {
     EXPECT_EQ(server.batches, std::vector<std::string>{"a\n"});
 }
 
-TEST_F(Tool, ALoginThatIsRefusedIsToldAndNothingIsRun) {
+TEST_F(Tool, ALoginThatIsRefusedIsReportedAndNothingIsRun) {
     server.refusals = {Error(18456, "Login failed for user 'x'.")};
     EXPECT_EQ(Run("a\n"), kFailed);
     EXPECT_NE(output.written.find("Login failed for user 'x'.\n"), std::string::npos);
@@ -209,17 +209,17 @@ TEST_F(Tool, AConnectionThatIsLostEndsTheScript) {
     EXPECT_NE(output.written.find("The connection to the server is lost.\n"), std::string::npos);
 }
 
-TEST_F(Tool, WhatABatchGaveIsHandedOverBeforeTheNextOne) {
+TEST_F(Tool, TheOutputOfABatchIsFlushedBeforeTheNextBatch) {
     int flushes = 0;
     server.answers["b\n"] = [&](ResultSink&) {
         flushes = output.flushes;
         return true;
     };
     Run("a\nGO\nb\nGO\n");
-    EXPECT_EQ(flushes, 2); // the first batch of all, and "a"
+    EXPECT_EQ(flushes, 2); // for the batch that sets the options, and for "a"
 }
 
-TEST_F(Tool, TheLoginIsWhatTheSwitchesSay) {
+TEST_F(Tool, TheLoginHasTheValuesOfTheSwitches) {
     switches.server = "host,1";
     switches.user = "u";
     switches.database = "Batch";
@@ -234,7 +234,7 @@ TEST_F(Tool, TheLoginIsWhatTheSwitchesSay) {
     EXPECT_EQ(server.login.query_timeout, 4U);
 }
 
-/// A folder of the test's own.
+/// A folder for the test.
 class ToolFiles : public Tool {
   protected:
     ToolFiles()

@@ -1,4 +1,4 @@
-// A corner of the real registry that belongs to one test and is gone when it ends.
+// A key of the real registry that belongs to one test and is deleted when the test ends.
 #pragma once
 
 #include <cstdint>
@@ -8,18 +8,18 @@
 
 namespace registry_tests {
 
-class RegistryRoom {
+class TestRegistry {
   public:
-    RegistryRoom();
-    RegistryRoom(const RegistryRoom&) = delete;
-    RegistryRoom& operator=(const RegistryRoom&) = delete;
-    ~RegistryRoom();
+    TestRegistry();
+    TestRegistry(const TestRegistry&) = delete;
+    TestRegistry& operator=(const TestRegistry&) = delete;
+    ~TestRegistry();
 
-    /// The room's own key, the same in both hives, and a key below it.
+    /// The test's own key, which has the same name in both hives, and a key below it.
     std::string Key() const;
     std::string Key(const std::string& below) const { return Key() + "\\" + below; }
 
-    /// From here on HKEY_LOCAL_MACHINE is an empty one of the room's own, as far as this process sees.
+    /// After this call HKEY_LOCAL_MACHINE is an empty hive of the test's own for this process.
     void OwnLocalMachine();
 
     /// Stores exactly these bytes, without the NUL that the ordinary calls add to a text. Text is in the

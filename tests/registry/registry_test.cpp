@@ -1,4 +1,4 @@
-// What the registry's seam promises, on the system's own registry.
+// The functions of registry.h with the real registry of the system.
 #include "registry/registry.h"
 
 #include <string>
@@ -11,7 +11,7 @@ namespace {
 
 using namespace platform;
 using namespace platform::registry_error;
-using registry_tests::RegistryRoom;
+using registry_tests::TestRegistry;
 
 constexpr std::uint32_t kExpandText = 2;
 constexpr std::uint32_t kBinary = 3;
@@ -46,48 +46,48 @@ void Write(std::int32_t hive, const std::string& key, const std::string& name, c
 
 class Registry : public testing::Test {
   protected:
-    RegistryRoom room_;
+    TestRegistry registry_;
 };
 
 class RegistryHive : public testing::TestWithParam<std::int32_t> {
   protected:
-    RegistryRoom room_;
+    TestRegistry registry_;
 };
 
 TEST_P(RegistryHive, GivesBackWhatWasWritten) {
-    Write(GetParam(), room_.Key("A"), "Value", "text");
-    const Query query = Read(GetParam(), room_.Key("A"), "Value");
+    Write(GetParam(), registry_.Key("A"), "Value", "text");
+    const Query query = Read(GetParam(), registry_.Key("A"), "Value");
     EXPECT_EQ(query.error, kSuccess);
     EXPECT_EQ(UpToNul(query.buffer), "text");
 }
 
 TEST_P(RegistryHive, KeepsTheOtherHiveApart) {
-    Write(GetParam(), room_.Key("A"), "Value", "text");
+    Write(GetParam(), registry_.Key("A"), "Value", "text");
     const std::int32_t other = GetParam() == kHkeyLocalMachine ? kHkeyCurrentUser : kHkeyLocalMachine;
-    EXPECT_EQ(Read(other, room_.Key("A"), "Value").error, kFileNotFound);
+    EXPECT_EQ(Read(other, registry_.Key("A"), "Value").error, kFileNotFound);
 }
 
 INSTANTIATE_TEST_SUITE_P(Both, RegistryHive, testing::Values(kHkeyCurrentUser, kHkeyLocalMachine));
 
-TEST_F(Registry, HasNoMissingKey) {
-    EXPECT_EQ(OpenKey(kHkeyLocalMachine, room_.Key("Nowhere"), kKeyQueryValue).error, kFileNotFound);
+TEST_F(Registry, ReportsAMissingKey) {
+    EXPECT_EQ(OpenKey(kHkeyLocalMachine, registry_.Key("Nowhere"), kKeyQueryValue).error, kFileNotFound);
 }
 
-TEST_F(Registry, HasNoMissingValueInAKeyThatIsThere) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", "text");
-    EXPECT_EQ(Read(kHkeyLocalMachine, room_.Key("A"), "Other").error, kFileNotFound);
-    EXPECT_EQ(Read(kHkeyLocalMachine, room_.Key("A"), "").error, kFileNotFound);
+TEST_F(Registry, ReportsAMissingValueOfAnExistingKey) {
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", "text");
+    EXPECT_EQ(Read(kHkeyLocalMachine, registry_.Key("A"), "Other").error, kFileNotFound);
+    EXPECT_EQ(Read(kHkeyLocalMachine, registry_.Key("A"), "").error, kFileNotFound);
 }
 
 TEST_F(Registry, TakesTheEmptyNameForTheDefaultValue) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "", "the default");
-    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, room_.Key("A"), "").buffer), "the default");
+    Write(kHkeyLocalMachine, registry_.Key("A"), "", "the default");
+    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, registry_.Key("A"), "").buffer), "the default");
 }
 
 TEST_F(Registry, ReplacesAValue) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", "a longer text");
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", "b");
-    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, room_.Key("A"), "Value").buffer), "b");
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", "a longer text");
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", "b");
+    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, registry_.Key("A"), "Value").buffer), "b");
 }
 
 TEST_F(Registry, KeepsEveryEightBitCharacterOfAText) {
@@ -95,79 +95,79 @@ TEST_F(Registry, KeepsEveryEightBitCharacterOfAText) {
     for (int c = 1; c < 256; ++c) {
         text += static_cast<char>(c);
     }
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", text);
-    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, room_.Key("A"), "Value").buffer), text);
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", text);
+    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, registry_.Key("A"), "Value").buffer), text);
 }
 
 TEST_F(Registry, KeepsQuotesAndBackslashesOfNamesAndTexts) {
-    Write(kHkeyLocalMachine, room_.Key("A"), R"(a "name" \)", R"(C:\a "b"\)");
-    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, room_.Key("A"), R"(a "name" \)").buffer), R"(C:\a "b"\)");
+    Write(kHkeyLocalMachine, registry_.Key("A"), R"(a "name" \)", R"(C:\a "b"\)");
+    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, registry_.Key("A"), R"(a "name" \)").buffer), R"(C:\a "b"\)");
 }
 
 TEST_F(Registry, GivesATextOf399CharactersWithItsNulInABufferOf400) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", std::string(399, 'x'));
-    EXPECT_EQ(Read(kHkeyLocalMachine, room_.Key("A"), "Value").buffer, std::string(399, 'x') + '\0');
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", std::string(399, 'x'));
+    EXPECT_EQ(Read(kHkeyLocalMachine, registry_.Key("A"), "Value").buffer, std::string(399, 'x') + '\0');
 }
 
 TEST_F(Registry, ReportsMoreDataForATextOf400Characters) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", std::string(400, 'x'));
-    EXPECT_EQ(Read(kHkeyLocalMachine, room_.Key("A"), "Value").error, kMoreData);
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", std::string(400, 'x'));
+    EXPECT_EQ(Read(kHkeyLocalMachine, registry_.Key("A"), "Value").error, kMoreData);
 }
 
-TEST_F(Registry, LeavesTheBufferBehindAValueAsItIs) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", "ab");
-    EXPECT_EQ(Read(kHkeyLocalMachine, room_.Key("A"), "Value", 6).buffer, std::string("ab\0   ", 6));
+TEST_F(Registry, LeavesTheBufferAfterAValueAsItIs) {
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", "ab");
+    EXPECT_EQ(Read(kHkeyLocalMachine, registry_.Key("A"), "Value", 6).buffer, std::string("ab\0   ", 6));
 }
 
 TEST_F(Registry, AddsTheNulThatAStoredTextLacksWhereThereIsRoom) {
-    room_.Put(kHkeyLocalMachine, room_.Key("A"), "Value", kRegSz, "ab");
-    EXPECT_EQ(Read(kHkeyLocalMachine, room_.Key("A"), "Value", 6).buffer, std::string("ab\0   ", 6));
-    EXPECT_EQ(Read(kHkeyLocalMachine, room_.Key("A"), "Value", 2).buffer, "ab");
+    registry_.Put(kHkeyLocalMachine, registry_.Key("A"), "Value", kRegSz, "ab");
+    EXPECT_EQ(Read(kHkeyLocalMachine, registry_.Key("A"), "Value", 6).buffer, std::string("ab\0   ", 6));
+    EXPECT_EQ(Read(kHkeyLocalMachine, registry_.Key("A"), "Value", 2).buffer, "ab");
 }
 
 TEST_F(Registry, GivesATextWithVariablesAsItIsStored) {
-    room_.Put(kHkeyLocalMachine, room_.Key("A"), "Value", kExpandText, std::string("%TEMP%\0", 7));
-    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, room_.Key("A"), "Value").buffer), "%TEMP%");
+    registry_.Put(kHkeyLocalMachine, registry_.Key("A"), "Value", kExpandText, std::string("%TEMP%\0", 7));
+    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, registry_.Key("A"), "Value").buffer), "%TEMP%");
 }
 
 TEST_F(Registry, GivesTheRawBytesOfANumber) {
-    room_.Put(kHkeyLocalMachine, room_.Key("A"), "Value", kNumber, "\x01\x02\x03\x04");
-    EXPECT_EQ(Read(kHkeyLocalMachine, room_.Key("A"), "Value", 6).buffer, "\x01\x02\x03\x04  ");
+    registry_.Put(kHkeyLocalMachine, registry_.Key("A"), "Value", kNumber, "\x01\x02\x03\x04");
+    EXPECT_EQ(Read(kHkeyLocalMachine, registry_.Key("A"), "Value", 6).buffer, "\x01\x02\x03\x04  ");
 }
 
 TEST_F(Registry, GivesTheRawBytesOfABinaryValue) {
     const std::string bytes("a\0\xFF ", 4);
-    room_.Put(kHkeyLocalMachine, room_.Key("A"), "Value", kBinary, bytes);
-    EXPECT_EQ(Read(kHkeyLocalMachine, room_.Key("A"), "Value", 6).buffer, bytes + "  ");
+    registry_.Put(kHkeyLocalMachine, registry_.Key("A"), "Value", kBinary, bytes);
+    EXPECT_EQ(Read(kHkeyLocalMachine, registry_.Key("A"), "Value", 6).buffer, bytes + "  ");
 }
 
-TEST_F(Registry, GivesNothingOfAnEmptyBinaryValue) {
-    room_.Put(kHkeyLocalMachine, room_.Key("A"), "Value", kBinary, "");
-    const Query query = Read(kHkeyLocalMachine, room_.Key("A"), "Value", 3);
+TEST_F(Registry, GivesNoBytesOfAnEmptyBinaryValue) {
+    registry_.Put(kHkeyLocalMachine, registry_.Key("A"), "Value", kBinary, "");
+    const Query query = Read(kHkeyLocalMachine, registry_.Key("A"), "Value", 3);
     EXPECT_EQ(query.error, kSuccess);
     EXPECT_EQ(query.buffer, "   ");
 }
 
 TEST_F(Registry, ComparesNamesWithoutCase) {
-    Write(kHkeyLocalMachine, room_.Key("Sub Key"), "Value", "text");
-    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, room_.Key("SUB kEY"), "vALUE").buffer), "text");
+    Write(kHkeyLocalMachine, registry_.Key("Sub Key"), "Value", "text");
+    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, registry_.Key("SUB kEY"), "vALUE").buffer), "text");
 }
 
 TEST_F(Registry, TakesARunOfSeparatorsForOne) {
-    Write(kHkeyLocalMachine, room_.Key("A\\B\\C"), "Value", "text");
-    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, room_.Key("A\\\\B\\\\C"), "Value").buffer), "text");
+    Write(kHkeyLocalMachine, registry_.Key("A\\B\\C"), "Value", "text");
+    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, registry_.Key("A\\\\B\\\\C"), "Value").buffer), "text");
 }
 
 TEST_F(Registry, MakesTheKeysAboveANewKey) {
-    Write(kHkeyLocalMachine, room_.Key("A\\B\\C"), "Value", "text");
-    const OpenedKey middle = OpenKey(kHkeyLocalMachine, room_.Key("A\\B"), kKeyQueryValue);
+    Write(kHkeyLocalMachine, registry_.Key("A\\B\\C"), "Value", "text");
+    const OpenedKey middle = OpenKey(kHkeyLocalMachine, registry_.Key("A\\B"), kKeyQueryValue);
     EXPECT_EQ(middle.error, kSuccess);
     EXPECT_EQ(CloseKey(middle.key), kSuccess);
 }
 
 TEST_F(Registry, OpensAKeyBelowAnOpenKey) {
-    Write(kHkeyLocalMachine, room_.Key("A\\B"), "Value", "text");
-    const OpenedKey above = OpenKey(kHkeyLocalMachine, room_.Key("A"), kKeyQueryValue);
+    Write(kHkeyLocalMachine, registry_.Key("A\\B"), "Value", "text");
+    const OpenedKey above = OpenKey(kHkeyLocalMachine, registry_.Key("A"), kKeyQueryValue);
     const OpenedKey below = OpenKey(above.key, "B", kKeyQueryValue);
     std::string buffer(5, ' ');
     EXPECT_EQ(QueryValue(below.key, "Value", buffer), kSuccess);
@@ -177,21 +177,21 @@ TEST_F(Registry, OpensAKeyBelowAnOpenKey) {
 }
 
 TEST_F(Registry, KeepsTheClassThatAKeyWasMadeWith) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", "text");
-    EXPECT_EQ(room_.ClassOf(kHkeyLocalMachine, room_.Key("A")), "Value");
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", "text");
+    EXPECT_EQ(registry_.ClassOf(kHkeyLocalMachine, registry_.Key("A")), "Value");
 }
 
-TEST_F(Registry, SetsNothingThroughAKeyThatWasOpenedToBeRead) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", "old");
-    const OpenedKey opened = OpenKey(kHkeyLocalMachine, room_.Key("A"), kKeyQueryValue);
+TEST_F(Registry, SetsNothingThroughAKeyThatWasOpenedForReading) {
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", "old");
+    const OpenedKey opened = OpenKey(kHkeyLocalMachine, registry_.Key("A"), kKeyQueryValue);
     EXPECT_EQ(SetValue(opened.key, "Value", kRegSz, "new"), kAccessDenied);
     EXPECT_EQ(CloseKey(opened.key), kSuccess);
-    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, room_.Key("A"), "Value").buffer), "old");
+    EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, registry_.Key("A"), "Value").buffer), "old");
 }
 
-TEST_F(Registry, DoesNotKnowAClosedKey) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", "text");
-    const OpenedKey opened = OpenKey(kHkeyLocalMachine, room_.Key("A"), kKeyQueryValue);
+TEST_F(Registry, RefusesAClosedKey) {
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", "text");
+    const OpenedKey opened = OpenKey(kHkeyLocalMachine, registry_.Key("A"), kKeyQueryValue);
     EXPECT_EQ(CloseKey(opened.key), kSuccess);
     std::string buffer(5, ' ');
     EXPECT_EQ(QueryValue(opened.key, "Value", buffer), kInvalidHandle);
@@ -203,10 +203,10 @@ TEST_F(Registry, DoesNotReachAComputerThatIsNotThere) {
 }
 
 TEST_F(Registry, ReachesThisComputerByTheEmptyName) {
-    Write(kHkeyLocalMachine, room_.Key("A"), "Value", "text");
+    Write(kHkeyLocalMachine, registry_.Key("A"), "Value", "text");
     const OpenedKey root = ConnectRegistry("", kHkeyLocalMachine);
     ASSERT_EQ(root.error, kSuccess);
-    const OpenedKey opened = OpenKey(root.key, room_.Key("A"), kKeyQueryValue);
+    const OpenedKey opened = OpenKey(root.key, registry_.Key("A"), kKeyQueryValue);
     std::string buffer(5, ' ');
     EXPECT_EQ(QueryValue(opened.key, "Value", buffer), kSuccess);
     EXPECT_EQ(UpToNul(buffer), "text");
@@ -222,7 +222,7 @@ TEST_F(Registry, HasATextWithItsLineEndForEachErrorOfItsCalls) {
     }
 }
 
-TEST_F(Registry, HasNoTextForAnErrorThatIsNone) {
+TEST_F(Registry, HasNoTextForAnUnknownError) {
     EXPECT_EQ(SystemMessage(0x2FFFFFFF, 200), "");
 }
 

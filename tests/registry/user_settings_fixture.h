@@ -1,4 +1,4 @@
-// A place for the settings of one test, gone when it ends.
+// The settings of one test, which are deleted when the test ends.
 #pragma once
 
 #include <memory>
@@ -6,14 +6,14 @@
 
 namespace settings_tests {
 
-class SettingsRoom {
+class TestSettings {
   public:
-    SettingsRoom();
-    SettingsRoom(const SettingsRoom&) = delete;
-    SettingsRoom& operator=(const SettingsRoom&) = delete;
-    ~SettingsRoom();
+    TestSettings();
+    TestSettings(const TestSettings&) = delete;
+    TestSettings& operator=(const TestSettings&) = delete;
+    ~TestSettings();
 
-    /// An application of the room's own.
+    /// The name of an application that only this test uses.
     const std::string& Application() const { return application_; }
 
   private:

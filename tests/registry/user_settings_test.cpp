@@ -9,23 +9,23 @@ namespace {
 class UserSettings : public ::testing::Test {
   protected:
     std::string Read(const std::string& key, const std::string& section = "Settings") const {
-        return platform::ReadUserSetting(room_.Application(), section, key, "none");
+        return platform::ReadUserSetting(settings_.Application(), section, key, "none");
     }
     bool Write(const std::string& key, const std::string& value,
                const std::string& section = "Settings") const {
-        return platform::WriteUserSetting(room_.Application(), section, key, value);
+        return platform::WriteUserSetting(settings_.Application(), section, key, value);
     }
 
-    settings_tests::SettingsRoom room_;
+    settings_tests::TestSettings settings_;
 };
 
-TEST_F(UserSettings, NothingIsThereAtFirst) {
+TEST_F(UserSettings, ThereAreNoSettingsAtFirst) {
     EXPECT_EQ(Read("edtScriptFolder"), "none");
     EXPECT_TRUE(Write("other", "x"));
     EXPECT_EQ(Read("edtScriptFolder"), "none");
 }
 
-TEST_F(UserSettings, TextsComeBackAsTheyWere) {
+TEST_F(UserSettings, TextsAreReadAsTheyWereWritten) {
     for (const char* text : {"", "C:\\Data\\", " blanks at both ends ", "a=b", "[section]", "\xE4\x80\x9F",
                              "; no comment", "\"quoted\"", "100%"}) {
         EXPECT_TRUE(Write("key", text)) << text;
@@ -44,7 +44,7 @@ TEST_F(UserSettings, KeysAndSectionsAreKeptApart) {
     EXPECT_EQ(Read("edtServerName"), "D");
 }
 
-TEST_F(UserSettings, ALaterTextTakesThePlaceOfTheEarlier) {
+TEST_F(UserSettings, ALaterTextReplacesTheEarlierOne) {
     EXPECT_TRUE(Write("key", "a long text"));
     EXPECT_TRUE(Write("key", "short"));
     EXPECT_EQ(Read("key"), "short");

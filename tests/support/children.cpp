@@ -24,7 +24,7 @@ struct Child {
 
 /// Never returns.
 [[noreturn]] void BeChild(const Case& one, int output) {
-    setpgid(0, 0);           // what the case starts can be ended with it
+    setpgid(0, 0);           // processes that the case starts can be ended with it
     alarm(kSecondsForACase); // ends a case that hangs
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
@@ -60,7 +60,7 @@ class Children {
 
     void WaitForOne() {
         int status = 0;
-        // Only the children of this object: the test may have others.
+        // Waits only for the children of this object: the test may have others.
         for (;;) {
             for (const auto& [process, child] : running_) {
                 if (waitpid(process, &status, WNOHANG) == process) {
@@ -95,7 +95,7 @@ class Children {
 
 void RunInChildren(const std::vector<Case>& cases, std::size_t at_once) {
     Children children;
-    static_cast<void>(std::fflush(nullptr)); // a child would print what stands in the buffers once more
+    static_cast<void>(std::fflush(nullptr)); // otherwise a child would print the content of the buffers again
     for (const Case& one : cases) {
         while (children.Running() >= at_once) {
             children.WaitForOne();

@@ -1,5 +1,5 @@
-// Runs cases side by side, each in a process of its own: for tests that wait more than they work, and for
-// code that has one state for the process. Linux only.
+// Runs cases in parallel, each in its own process: for tests that wait more than they compute, and for code
+// with global state. Linux only.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,8 @@ namespace support {
 
 struct Case {
     std::string name;
-    /// Runs in the child; its failed expectations are the test's. What it starts ends with it.
+    /// Runs in the child. Its failed expectations are failures of the test. Processes that it starts end with
+    /// it.
     std::function<void()> run;
 };
 

@@ -22,7 +22,7 @@ constexpr unsigned char kAttention = 0x06;
 constexpr unsigned char kLogin = 0x10;
 constexpr unsigned char kEndOfMessage = 0x01;
 constexpr std::chrono::milliseconds kSlow{50};
-constexpr int kPollMilliseconds = 50; ///< how soon a link sees that the proxy ends
+constexpr int kPollMilliseconds = 50; ///< after this time at most a link sees that the proxy ends
 
 /// A socket, closed by its owner.
 class Socket {
@@ -39,7 +39,7 @@ class Socket {
     }
     int Get() const { return fd_; }
 
-    /// False if the other end has gone.
+    /// False if the other end is closed.
     bool Send(const std::string& bytes) const {
         for (std::size_t at = 0; at < bytes.size();) {
             const ssize_t sent = send(fd_, bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
@@ -63,11 +63,11 @@ sockaddr_in Loopback(int port) {
     return address;
 }
 
-/// One end of a link: what has come and was not taken yet.
+/// One end of a link, with the received bytes that have not been used yet.
 struct End {
     explicit End(Socket taken) : socket(std::move(taken)) {}
 
-    /// Reads what there is. False if there will be nothing more.
+    /// Reads the bytes that have arrived. False if the connection is closed.
     bool Read() {
         std::array<char, 65536> buffer{};
         const ssize_t count = recv(socket.Get(), buffer.data(), buffer.size(), 0);
@@ -78,7 +78,7 @@ struct End {
         return true;
     }
 
-    /// Takes a whole message, all its packets; none if it has not come whole.
+    /// Takes a complete message with all its packets; nothing if it is not complete yet.
     std::optional<std::string> TakeMessage() {
         std::size_t at = 0;
         while (pending.size() >= at + kHeaderSize) {
@@ -115,7 +115,7 @@ std::string TextOf(const std::string& message) {
         body.append(message, at + kHeaderSize, length - kHeaderSize);
         at += length;
     }
-    // From version 7.2 of the protocol on, headers stand in front; their whole length comes first.
+    // From version 7.2 of the protocol on there are headers before the text; their total length comes first.
     const std::size_t headers = body.size() >= 4 ? static_cast<unsigned char>(body[0]) : 0;
     std::string text;
     for (std::size_t at = headers; at + 1 < body.size(); at += 2) {
@@ -124,7 +124,7 @@ std::string TextOf(const std::string& message) {
     return text;
 }
 
-/// What a message is called as an event; empty for one that is none.
+/// The name of a message as an event; empty if it is not an event.
 std::string EventOf(const std::string& message) {
     switch (KindOf(message)) {
     case kLogin:
@@ -158,7 +158,7 @@ class FaultProxy::Link {
     }
 
   private:
-    /// Waits for what comes and hands it on. False: the link is over.
+    /// Waits for messages and passes them on. False if the link has ended.
     bool Turn() {
         std::array<pollfd, 2> waiting = {pollfd{client_.socket.Get(), POLLIN, 0},
                                          pollfd{server_.socket.Get(), POLLIN, 0}};
@@ -184,13 +184,13 @@ class FaultProxy::Link {
     bool FromServer() {
         switch (fault_) {
         case Fault::HangAfter:
-            return true; // stays where it is
+            return true; // is kept
         case Fault::CutAfter:
         case Fault::KillAfter:
             if (!server_.TakeMessage()) {
                 return true;
             }
-            Strike(); // the answer is whole, so what was asked for is done
+            InjectFault(); // the answer is complete, so the server has executed the message
             return false;
         default:
             return client_.socket.Send(std::exchange(server_.pending, {}));
@@ -207,7 +207,7 @@ class FaultProxy::Link {
         switch (fault_) {
         case Fault::CutBefore:
         case Fault::KillBefore:
-            Strike();
+            InjectFault();
             return false;
         case Fault::HangBefore:
             return true;
@@ -219,7 +219,7 @@ class FaultProxy::Link {
         }
     }
 
-    /// The client has given up waiting: whatever was held back is over.
+    /// The client has given up waiting: messages that were held back are dropped.
     bool Cancelled(const std::string& message) {
         if (std::exchange(fault_, Fault::None) == Fault::HangAfter &&
             !client_.socket.Send(std::exchange(server_.pending, {}))) {
@@ -228,7 +228,7 @@ class FaultProxy::Link {
         return server_.socket.Send(message);
     }
 
-    void Strike() {
+    void InjectFault() {
         if (fault_ == Fault::KillBefore || fault_ == Fault::KillAfter) {
             proxy_.kill_server_();
         }
@@ -237,7 +237,7 @@ class FaultProxy::Link {
     FaultProxy& proxy_;
     End client_;
     End server_;
-    Fault fault_ = Fault::None; ///< what the latest message suffers
+    Fault fault_ = Fault::None; ///< the fault of the latest message
 };
 
 FaultProxy::FaultProxy(int server_port, std::function<void()> kill_server)
@@ -273,7 +273,7 @@ void FaultProxy::Accept() {
         Socket server(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
         sockaddr_in address = Loopback(server_port_);
         if (connect(server.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
-            continue; // no server: the client finds itself alone
+            continue; // no server: the client's connection is closed
         }
         links_.emplace_back([this, client = std::move(client), server = std::move(server)]() mutable {
             Link(*this, std::move(client), std::move(server)).Run();

@@ -1,5 +1,5 @@
-// A proxy between the program and a development server, which sees where the protocol's messages begin and
-// end and does damage at a chosen one. Knows neither the program nor the statements' meaning.
+// A proxy between the program and a development server, which splits the connection into the protocol's
+// messages and injects a fault at a chosen message.
 #pragma once
 
 #include <atomic>
@@ -13,14 +13,14 @@
 
 namespace support {
 
-/// What happens to a message. "Before": the server never gets it. "After": the server does what it says, and
-/// its answer does not arrive.
+/// The fault of a message. "Before": the server never receives it. "After": the server executes it, and its
+/// answer does not arrive.
 enum class Fault : std::uint8_t {
     None,
-    Slow,      ///< handed on a while later
-    CutBefore, ///< both connections end
+    Slow,      ///< passed on after a delay
+    CutBefore, ///< both connections are closed
     CutAfter,
-    HangBefore, ///< nothing happens until the client gives up: cancels, or goes
+    HangBefore, ///< nothing happens until the client gives up: it cancels or closes the connection
     HangAfter,
     KillBefore, ///< the server is killed
     KillAfter,
@@ -28,8 +28,8 @@ enum class Fault : std::uint8_t {
 
 const char* NameOf(Fault fault);
 
-/// Takes connections on a free port of loopback and hands them on. A login and every batch is an event;
-/// events are counted over all connections.
+/// Accepts connections on a free port of loopback and passes their data on. Each login and each batch is an
+/// event; events are counted over all connections.
 class FaultProxy {
   public:
     /// `kill_server` ends the server's process at once; it is called from a thread of the proxy.
@@ -40,11 +40,11 @@ class FaultProxy {
     ~FaultProxy();
 
     int Port() const { return port_; }
-    /// The event with this number, counted from 0, suffers the fault. To be called before it comes.
+    /// Injects the fault at the event with this number, counted from 0. To be called before that event.
     void Arm(std::size_t event, Fault fault) { Arm(event, event, fault); }
-    /// All events from one to another suffer it.
+    /// Injects the fault at all events of a range.
     void Arm(std::size_t first, std::size_t last, Fault fault);
-    /// Batches of this text are no events from now on.
+    /// Batches with this text are not events from now on.
     void Ignore(std::string text);
     /// "login", "call", or the text of the batch; in the order in which they came.
     std::vector<std::string> Events() const;
@@ -55,7 +55,7 @@ class FaultProxy {
     class Link;
 
     void Accept();
-    /// Counts an event; gives the fault that it suffers.
+    /// Counts an event and returns its fault.
     Fault Note(std::string event);
 
     std::function<void()> kill_server_;

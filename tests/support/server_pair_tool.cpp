@@ -5,8 +5,8 @@
 //   server_pair_tool SETTINGS a|b COMMAND [ARGUMENT...]
 //
 // SETTINGS is a file of lines "Member=value", the members as ServerPairSettings names them and ScriptFolder;
-// a or b is the selected server. Exit 0: the operation gave true. 1: it gave false; what the server reported
-// goes to the terminal. 2: the line is wrong.
+// a or b is the selected server. Exit code 0: the operation succeeded. 1: it failed; the errors that the
+// server reported are written to the terminal. 2: wrong arguments.
 #include <cstdio>
 #include <exception>
 #include <functional>
@@ -66,7 +66,7 @@ void Fill(Manager& manager, const Pair& pair) {
     manager.SQLUNCReplDataPathB(pair["SQLUNCReplDataPathB"]);
 }
 
-/// Runs an operation of a new manager, and shows what the server reported if it fails.
+/// Runs an operation of a new manager, and shows the server's errors if it fails.
 template <class Manager>
 bool Run(const Pair& pair, const std::function<bool(Manager&)>& operation) {
     Manager manager;

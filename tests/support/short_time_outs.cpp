@@ -1,6 +1,6 @@
-// Stands in front of the driver manager and makes every time-out that a program sets a second long, so that a
-// test need not wait five minutes. Linked into a test's own executable, whose functions are found before a
-// library's.
+// Replaces functions of the driver manager and makes every time-out that a program sets a second long, so
+// that a test need not wait five minutes. Linked into the test's executable, whose functions are found before
+// those of a library.
 #include "support/short_time_outs.h"
 
 #include <cstdlib>
@@ -24,7 +24,7 @@ Function Next(const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
-/// A second, where there is a limit.
+/// One second, if there is a limit.
 SQLPOINTER Shortened(SQLPOINTER value) {
     const auto seconds = reinterpret_cast<std::uintptr_t>(value);
     Seen().insert(seconds);

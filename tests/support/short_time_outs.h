@@ -1,4 +1,4 @@
-// What the program asked for before short_time_outs.cpp cut it to a second. Linux only.
+// The time-outs that the program set, before short_time_outs.cpp reduced them to a second. Linux only.
 #pragma once
 
 #include <cstdint>

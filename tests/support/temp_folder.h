@@ -1,4 +1,4 @@
-// A fresh folder for one test, gone with all that it holds when the test ends.
+// A fresh folder for one test, which is deleted with its content when the test ends.
 #pragma once
 
 #include <atomic>
@@ -26,7 +26,7 @@ class TempFolder {
     }
 
     const std::filesystem::path& Path() const { return path_; }
-    /// A path below the folder, with "\" between.
+    /// A path below the folder, with "\" as the separator.
     std::string operator/(const std::string& name) const { return path_.string() + "\\" + name; }
 
   private:

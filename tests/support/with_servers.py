@@ -1,10 +1,10 @@
-# Runs a test program beside two development servers, on Linux or under Wine.
+# Runs a test program with two development servers, on Linux or under Wine.
 #
 #   with_servers.py DEVSQLSERVER PROGRAM [--wine] [ARGUMENT …]
 #
 # The program finds in its environment: KV_SERVER_A and KV_SERVER_B, names as a connection string has them; KV_USER and
-# KV_PASSWORD; KV_SILENT, a server that takes connections and never answers; KV_FOLDER, a fresh folder that the program
-# and both servers reach, as the program's system writes it; and the driver "SQL Server".
+# KV_PASSWORD; KV_SILENT, a server that accepts connections and never answers; KV_FOLDER, a fresh folder that the
+# program and both servers share, in the form of the program's system; and the driver "SQL Server".
 import os
 import shutil
 import socket

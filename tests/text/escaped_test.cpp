@@ -1,5 +1,5 @@
-// Any text of the system, written in the code page: it converts back to itself, and only what the code page
-// lacks is escaped.
+// Any text of the system can be written in the code page and converted back, and only characters that the
+// code page lacks are escaped.
 #include "text/escaped.h"
 
 #include <random>
@@ -32,7 +32,7 @@ TEST(EscapedText, OfTheCodePageIsItsCharacters) {
     EXPECT_FALSE(HoldsEscape(AllBytes()));
 }
 
-TEST(EscapedText, ThatHappensToBeUtf8IsNotTakenForIt) {
+TEST(EscapedText, ThatIsAlsoValidUtf8IsNotTakenForUtf8) {
     // Two characters of the code page whose bytes are the UTF-8 of one.
     const std::string password = "\xC3\xA4";
     EXPECT_EQ(Utf8FromEscaped(password), "\xC3\x83\xC2\xA4");
@@ -76,7 +76,7 @@ TEST(EscapedText, TakesNothingElseForAnEscape) {
     }
 }
 
-TEST(EscapedText, ThatLooksLikeAnEscapeOutsideComesBackAsItWas) {
+TEST(EscapedText, FromTheSystemThatLooksLikeAnEscapeComesBackUnchanged) {
     for (const char* inside : {"\x81"
                                "141\x9D",
                                "\x81xFF\x9D",
@@ -89,7 +89,7 @@ TEST(EscapedText, ThatLooksLikeAnEscapeOutsideComesBackAsItWas) {
 }
 
 TEST(EscapedText, GivesEveryRandomStringOfBytesBack) {
-    // Pieces that meet each other where the rules could go wrong.
+    // Pieces whose combinations could break the rules for escapes.
     const std::vector<std::string> pieces = {
         "a",    "1",    "F",    "x",    "\xC2\x81", "\xC2\x9D", "\xC5\x81", "\xC3\xA4", "\xC3",
         "\xA4", "\x81", "\x9D", "\xFF", "\xED\xA0", "\\",       "\xC2\x80", "81",       "141"};

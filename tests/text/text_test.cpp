@@ -8,7 +8,7 @@ namespace kv {
 namespace {
 
 TEST(Text, UpperAndLowerCaseFollowCodePage1252) {
-    // Every letter of the code page that has a partner in it, the lower one behind the upper one.
+    // Some letters that the code page has in both cases, in the same order.
     const std::string upper = "AZ\x8A\x8C\x8E\x9F\xC0\xC4\xD6\xD8\xDC\xDE";
     const std::string lower = "az\x9A\x9C\x9E\xFF\xE0\xE4\xF6\xF8\xFC\xFE";
     EXPECT_EQ(UpperCase(lower), upper);
@@ -19,7 +19,7 @@ TEST(Text, UpperAndLowerCaseFollowCodePage1252) {
     EXPECT_EQ(LowerCase(lower), lower);
 }
 
-TEST(Text, WhatHasNoPartnerInTheCodePageStays) {
+TEST(Text, ACharacterWithoutAnotherCaseInTheCodePageStays) {
     const std::string others = "09#\\_\xD7\xF7\xDF\xB5\x83\x80\xAA\xBA@[`{";
     EXPECT_EQ(UpperCase(others), others);
     EXPECT_EQ(LowerCase(others), others);
@@ -38,7 +38,7 @@ TEST(Text, ACharactersCaseIsThatOfItsByte) {
     EXPECT_EQ(LowerCharacter(0x1F600), 0x1F600U);
 }
 
-TEST(Text, CaseIsThereAndBackForEveryByte) {
+TEST(Text, EveryUpperCaseLetterIsTheUpperCaseOfItsLowerCase) {
     int letters = 0;
     for (int i = 0; i < 256; ++i) {
         const std::string c(1, static_cast<char>(i));
@@ -48,6 +48,14 @@ TEST(Text, CaseIsThereAndBackForEveryByte) {
         }
     }
     EXPECT_EQ(letters, 26 + 30 + 4);
+}
+
+TEST(Text, SameIgnoringCaseComparesWholeTexts) {
+    EXPECT_TRUE(SameIgnoringCase("sp\xC4", "SP\xE4"));
+    EXPECT_TRUE(SameIgnoringCase("", ""));
+    EXPECT_FALSE(SameIgnoringCase("sp\xD7", "sp\xF7")); // the signs of multiplication and division
+    EXPECT_FALSE(SameIgnoringCase("sp", "spx"));
+    EXPECT_FALSE(SameIgnoringCase("spx", "sp"));
 }
 
 TEST(Text, FindIgnoringCaseGivesTheFirstPlace) {

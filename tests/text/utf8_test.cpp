@@ -5,13 +5,13 @@
 namespace platform {
 namespace {
 
-TEST(Utf8, IsThereAndBackForSequencesOfEachLength) {
+TEST(Utf8, SequencesOfEachLengthAreConvertedAndBack) {
     const std::u16string characters = u"a\u00E9\u20AC\U0001F600";
     EXPECT_EQ(ToUtf8(characters), "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
     EXPECT_EQ(FromUtf8(ToUtf8(characters)), characters);
 }
 
-TEST(Utf8, RefusesWhatIsNotWellFormed) {
+TEST(Utf8, BytesThatAreNotWellFormedAreRefused) {
     for (const std::string_view broken :
          {"\x80", "\xC3", "\xC3(", "\xC0\x80", "\xE0\x80\x80", "\xF5\x80\x80\x80", "\xED\xA0\x80", "\xFF"}) {
         EXPECT_EQ(FromUtf8(broken), std::nullopt) << testing::PrintToString(broken);

@@ -5,9 +5,9 @@
 namespace platform::odbc {
 
 void PrepareDriver() {
-    // Left to find the protocol's version by trial, FreeTDS 1.3 tries one after the other where a server
-    // takes the connection but does not answer, and hangs for good in the last one, whatever the login
-    // time-out is. With one version the time-out holds. What the user has set stands.
+    // Without a given version of the protocol FreeTDS 1.3 tries one after the other. With a server that
+    // accepts the connection and does not answer, it hangs for ever in the last one, whatever the login
+    // time-out is. With a given version the time-out works. A version that the user has set is kept.
     constexpr int kKeep = 0;
     ::setenv("TDSVER", "7.4", kKeep);
 }

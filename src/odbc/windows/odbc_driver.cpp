@@ -2,6 +2,6 @@
 
 namespace platform::odbc {
 
-void PrepareDriver() {} // the system's own driver needs nothing
+void PrepareDriver() {} // the system's own driver needs no preparation
 
 } // namespace platform::odbc

@@ -1,4 +1,5 @@
-// The two objects where no COM classes exist: the package file and the package store of the server's msdb.
+// The two objects on a system without COM, by means of the package file and the package store of the server's
+// msdb.
 #include "packages/packages.h"
 
 #include <optional>

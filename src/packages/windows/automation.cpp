@@ -1,38 +1,19 @@
-// Late bound calls over IDispatch. COM is entered once, by the first object, and left at the end of the
+// Late bound calls over IDispatch. COM is initialised by the first object and uninitialised at the end of the
 // process: the program has one thread.
 #include "packages/windows/automation.h"
-
-#include <limits>
 
 #include <objbase.h>
 
 #include "packages/packages.h"
+#include "text/code_page.h"
 
 namespace platform {
 namespace {
 
-constexpr UINT kCodePage = 1252;
+static_assert(sizeof(wchar_t) == sizeof(char16_t));
 
-int Length(std::size_t size) {
-    if (size > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
-        throw PackageError(E_OUTOFMEMORY, "", "A text for an automation call is too long");
-    }
-    return static_cast<int>(size);
-}
-
-std::wstring Widen(std::string_view text) {
-    const int length = Length(text.size());
-    std::wstring wide(text.size(), L'\0'); // one unit for each byte: the code page has single bytes only
-    MultiByteToWideChar(kCodePage, 0, text.data(), length, wide.data(), length);
-    return wide;
-}
-
-std::string Narrow(std::wstring_view wide) {
-    const int length = Length(wide.size());
-    const int needed = WideCharToMultiByte(kCodePage, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string text(static_cast<std::size_t>(needed), '\0');
-    WideCharToMultiByte(kCodePage, 0, wide.data(), length, text.data(), needed, nullptr, nullptr);
-    return text;
+std::string FromWide(std::wstring_view wide) {
+    return Narrow({reinterpret_cast<const char16_t*>(wide.data()), wide.size()});
 }
 
 struct FreeLocal {
@@ -45,14 +26,14 @@ std::string SystemText(HRESULT result) {
         FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
         static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&raw), 0, nullptr);
     const std::unique_ptr<wchar_t, FreeLocal> owned(raw);
-    std::string text = length == 0 ? "Automation error" : Narrow(std::wstring_view(raw, length));
+    std::string text = length == 0 ? "Automation error" : FromWide(std::wstring_view(raw, length));
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r' || text.back() == ' ')) {
         text.pop_back();
     }
     return text;
 }
 
-/// What an object says of its failure. The code is `scode` or, in the old way, `wCode`.
+/// Throws the failure that an object reported. The code is in `scode` or, with older objects, in `wCode`.
 [[noreturn]] void ThrowException(EXCEPINFO& info, const std::string& what) {
     if (info.pfnDeferredFillIn != nullptr) {
         info.pfnDeferredFillIn(&info);
@@ -89,7 +70,7 @@ void EnterApartment() {
 
 Variant Converted(const VARIANT& value, VARTYPE type, const std::string& what) {
     Variant converted;
-    VARIANT borrowed = value; // the call only reads it, but does not say so
+    VARIANT borrowed = value; // the call only reads it, but takes no const pointer
     RequireSuccess(VariantChangeType(converted.Receive(), &borrowed, 0, type), what);
     return converted;
 }
@@ -103,8 +84,8 @@ void RequireSuccess(HRESULT result, const std::string& what) {
 }
 
 Bstr::Bstr(std::string_view text) {
-    const std::wstring wide = Widen(text);
-    value_ = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    const std::u16string wide = Widen(text);
+    value_ = SysAllocStringLen(reinterpret_cast<const wchar_t*>(wide.data()), static_cast<UINT>(wide.size()));
     if (value_ == nullptr) {
         throw std::bad_alloc();
     }
@@ -116,7 +97,7 @@ Bstr& Bstr::operator=(Bstr&& other) noexcept {
 }
 
 std::string Bstr::Text() const {
-    return Narrow(std::wstring_view(value_, SysStringLen(value_)));
+    return FromWide(std::wstring_view(value_, SysStringLen(value_)));
 }
 
 Variant& Variant::operator=(Variant&& other) noexcept {
@@ -163,7 +144,7 @@ Variant Variant::LeftOut() {
 std::string Variant::ToText(const std::string& what) const {
     const Variant converted = Converted(value_, VT_BSTR, what);
     const BSTR text = V_BSTR(&converted.value_);
-    return Narrow(std::wstring_view(text, SysStringLen(text)));
+    return FromWide(std::wstring_view(text, SysStringLen(text)));
 }
 
 LocalTime Variant::ToLocalTime(const std::string& what) const {
@@ -203,7 +184,8 @@ void AutomationObject::Call(const wchar_t* member, const Arguments& arguments) c
 
 Variant AutomationObject::Ask(const wchar_t* member, const Arguments& arguments) const {
     Variant result;
-    // A caller without a type library can't tell a method from a property with arguments, and says both.
+    // A caller without a type library can't tell a method from a property with arguments, and sets both
+    // flags.
     Invoke(IdOf(member), member, DISPATCH_METHOD | DISPATCH_PROPERTYGET, arguments, result.Receive());
     return result;
 }
@@ -226,7 +208,7 @@ ComPointer<IEnumVARIANT> AutomationObject::Enumerator() const {
 }
 
 DISPID AutomationObject::IdOf(const wchar_t* member) const {
-    Bstr name(Narrow(member));
+    Bstr name(FromWide(member));
     BSTR names[] = {name.Get()};
     DISPID id = DISPID_UNKNOWN;
     RequireSuccess(object_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), Named(member));
@@ -235,7 +217,7 @@ DISPID AutomationObject::IdOf(const wchar_t* member) const {
 
 void AutomationObject::Invoke(DISPID id, const wchar_t* member, WORD flags, const Arguments& arguments,
                               VARIANT* result) const {
-    std::vector<VARIANT> last_first; // borrowed: `arguments` owns what is in them
+    std::vector<VARIANT> last_first; // copies that own nothing: `arguments` owns the content
     for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
         last_first.push_back(argument->Raw());
     }
@@ -252,7 +234,7 @@ void AutomationObject::Invoke(DISPID id, const wchar_t* member, WORD flags, cons
 }
 
 std::string AutomationObject::Named(const wchar_t* member) const {
-    return name_ + "." + Narrow(member);
+    return name_ + "." + FromWide(member);
 }
 
 } // namespace platform

@@ -17,11 +17,12 @@
 
 namespace platform {
 
-/// Owns a BSTR. Made from text it is never null, for an empty text neither: callees may tell the two apart.
+/// Owns a BSTR. One that was made from text is never null, not even for an empty text: callees may
+/// distinguish the two.
 class Bstr {
   public:
     explicit Bstr(std::string_view text);
-    /// Takes ownership of what a callee returned; null is an empty text.
+    /// Takes ownership of a string that a callee returned; null is an empty text.
     explicit Bstr(BSTR returned) : value_(returned) {}
     Bstr(Bstr&& other) noexcept : value_(std::exchange(other.value_, nullptr)) {}
     Bstr& operator=(Bstr&& other) noexcept;
@@ -31,7 +32,7 @@ class Bstr {
 
     BSTR Get() const { return value_; }
     BSTR Release() { return std::exchange(value_, nullptr); }
-    /// For a callee that may put another string in its place, which is owned then.
+    /// For a callee that may replace the string; the new string is then owned.
     BSTR* Reference() { return &value_; }
     std::string Text() const;
 
@@ -42,11 +43,11 @@ class Bstr {
 struct ReleaseObject {
     void operator()(IUnknown* object) const { object->Release(); }
 };
-/// One reference on a COM object.
+/// Owns one reference to a COM object.
 template <class Interface>
 using ComPointer = std::unique_ptr<Interface, ReleaseObject>;
 
-/// Owns a VARIANT and what is in it; a reference in it belongs to somebody else.
+/// Owns a VARIANT and its content. A value that it refers to by VT_BYREF is not owned.
 class Variant {
   public:
     Variant() { VariantInit(&value_); }
@@ -67,8 +68,8 @@ class Variant {
     const VARIANT& Raw() const { return value_; }
     VARIANT* Receive() { return &value_; }
 
-    /// The value as an automation caller converts it when it assigns it to a string, a date or an object.
-    /// Each throws PackageError (type mismatch and the like), naming `what`.
+    /// The value, converted as automation converts on assignment to a string, a date or an object. Each
+    /// throws PackageError, which names `what`, if there is no such conversion.
     std::string ToText(const std::string& what) const;
     LocalTime ToLocalTime(const std::string& what) const;
     template <class Interface>
@@ -94,24 +95,24 @@ Arguments InOrder(Values... values) {
 }
 
 /// An object that is called by the names of its members. Every call throws PackageError: for DISP_E_EXCEPTION
-/// with what the object says of its failure, else with the HRESULT and the system's text for it.
+/// with the object's own description of its failure, otherwise with the HRESULT and the system's text for it.
 class AutomationObject {
   public:
     AutomationObject() = default;
-    /// `name` stands in the texts of failures.
+    /// `name` is used in the texts of failures.
     AutomationObject(ComPointer<IDispatch> object, std::string name)
         : object_(std::move(object)), name_(std::move(name)) {}
-    /// A new object of the class of that program name, in this process or another. Holds nothing
-    /// where there is no such class or it gives no object.
+    /// Makes an object of the class with this program name, in this process or another. The result is empty
+    /// if there is no such class or no object can be made.
     static AutomationObject Create(const wchar_t* program_name, std::string name);
 
     explicit operator bool() const { return object_ != nullptr; }
 
-    /// Calls a method whose result nobody wants.
+    /// Calls a method and ignores its result.
     void Call(const wchar_t* member, const Arguments& arguments) const;
-    /// Calls a method for its result.
+    /// Calls a method and returns its result.
     Variant Ask(const wchar_t* member, const Arguments& arguments) const;
-    /// Calls a method whose result is another object, named `name`.
+    /// Calls a method that returns another object, which gets the name `name`.
     AutomationObject AskObject(const wchar_t* member, const Arguments& arguments, std::string name) const;
     Variant Property(const wchar_t* member) const;
     /// The enumerator of a collection.
@@ -127,7 +128,7 @@ class AutomationObject {
     std::string name_;
 };
 
-/// Throws PackageError with `result` and the system's text for it when it is a failure.
+/// Throws PackageError with `result` and the system's text for it if it is a failure.
 void RequireSuccess(HRESULT result, const std::string& what);
 
 } // namespace platform

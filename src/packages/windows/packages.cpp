@@ -1,6 +1,7 @@
-// The COM classes "DTS.Package" and "DTS.Application", bound by name: no type library is needed to build, and
-// a machine without them only gives no objects. The kinds of the arguments (references, 16-bit integers,
-// arguments left out) are what these classes are used to be called with.
+// The COM classes "DTS.Package" and "DTS.Application", called by the names of their members: no type library
+// is needed to build, and on a machine without them no object is made. The types of the arguments
+// (references, 16-bit integers, arguments left out) are those with which callers have always called these
+// classes.
 #include "packages/packages.h"
 
 #include <array>

@@ -50,7 +50,8 @@ std::size_t Descriptor::Read(char* to, std::size_t size) const {
 }
 
 std::string Descriptor::ReadAll() const {
-    // One byte more than the size lets the end be seen without growing, which would hold a large file twice.
+    // One byte more than the size, so that the end is seen without enlarging the buffer, which would hold a
+    // large file twice.
     std::string content(static_cast<std::size_t>(std::max<off_t>(Status().st_size, 0)) + 1, '\0');
     std::size_t filled = 0;
     for (;;) {

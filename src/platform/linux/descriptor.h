@@ -1,4 +1,4 @@
-// The owner of a file descriptor. Paths are the system's own; what fails throws the system's error number.
+// The owner of a file descriptor. Paths are in the system's encoding; failures are thrown as SystemFault.
 #pragma once
 
 #include <string>
@@ -18,9 +18,9 @@ struct SystemFault {
 
 class Descriptor {
   public:
-    /// Open flags and the mode of a new file, which the user's mask limits.
+    /// Opens the file. `flags` are those of open(); `mode` is that of a new file, limited by the user's mask.
     Descriptor(const std::string& path, int flags, mode_t mode = 0666);
-    /// Takes the descriptor over.
+    /// Takes ownership of the descriptor.
     explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
     Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
@@ -36,12 +36,12 @@ class Descriptor {
     struct stat Status() const;
     /// Up to `size` bytes; 0 at the end.
     std::size_t Read(char* to, std::size_t size) const;
-    /// Everything up to the end. A file that grows meanwhile, or reports no size, is read to its end all the
-    /// same.
+    /// The content up to the end of the file, even if the file grows meanwhile or reports no size.
     std::string ReadAll() const;
-    /// The whole content or a fault: a full disk or a limit of the user's does not end the program.
+    /// Writes the whole content or throws: a full disk or a limit of the user does not end the program by a
+    /// signal.
     void Write(std::string_view content) const;
-    /// Reports a full disk that shows only here, as the destructor cannot.
+    /// Closes and throws an error that the system reports only now; the destructor cannot report it.
     void Close();
 
   private:

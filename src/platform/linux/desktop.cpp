@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <optional>
 
 #include <dlfcn.h>
 
@@ -16,7 +17,8 @@ constexpr char kModule[] = "libkvconsole.so";
 constexpr char kModulePackage[] = "kvlsqldbmgr-console";
 constexpr char kLibraryPackage[] = "libqt6widgets6";
 
-/// One of them is set in every session with a display; the last also by who wants windows without one.
+/// One of these is set in every session with a display. The last one can also be set to get windows without a
+/// display.
 constexpr std::array kDisplayVariables = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
 
 bool DisplayIsNamed() {
@@ -29,7 +31,7 @@ bool DisplayIsNamed() {
     return false;
 }
 
-void SayWhatIsMissing(const std::string& path, const char* reason) {
+void ReportMissingModule(const std::string& path, const char* reason) {
     const bool there = FileExists(path);
     const std::string why = there ? FromSystemText(reason == nullptr ? "" : reason) : path + " is missing";
     WriteToTerminal(ExecutableName() + ": Windows are not shown: install the package " +
@@ -47,10 +49,10 @@ Module Load() {
         return module;
     }
     const std::string path = ExecutableFolder() + "/" + kModule;
-    // Never unloaded: its libraries start threads and set handlers that outlive every window.
+    // Never unloaded: its libraries start threads and install handlers that outlive every window.
     module.library = ::dlopen(ToSystemText(path).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (module.library == nullptr) {
-        SayWhatIsMissing(path, ::dlerror());
+        ReportMissingModule(path, ::dlerror());
         return module;
     }
     const auto open = reinterpret_cast<OpenDesktopFunction>(::dlsym(module.library, kOpenDesktopFunction));
@@ -58,25 +60,25 @@ Module Load() {
     return module;
 }
 
-Module loaded;
-bool tried = false;
+/// The result of the one attempt to load the module.
+std::optional<Module> loaded;
 
 } // namespace
 
 Desktop* OpenDesktop() {
-    if (!tried) {
-        tried = true;
+    if (!loaded) {
+        loaded = Module(); // a call from the module while it is being loaded finds no desktop
         loaded = Load();
     }
-    return loaded.desktop;
+    return loaded->desktop;
 }
 
 Desktop* OpenedDesktop() {
-    return loaded.desktop;
+    return loaded ? loaded->desktop : nullptr;
 }
 
 void* FindInModule(const char* name) {
-    return loaded.desktop == nullptr ? nullptr : ::dlsym(loaded.library, name);
+    return OpenedDesktop() == nullptr ? nullptr : ::dlsym(loaded->library, name);
 }
 
 } // namespace platform

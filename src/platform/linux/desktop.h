@@ -1,5 +1,5 @@
-// The module of windows: a shared library beside the program, loaded when a window is first wanted, so that a
-// run without windows neither needs its libraries nor pays for them. Nothing here knows which toolkit it is.
+// The module for windows: a shared library beside the program, which is loaded when the first window is
+// needed. A run without windows does not need its libraries. Nothing here depends on the toolkit.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace platform {
 
-/// What the module does for the services of this folder.
+/// The functions of the module that the services of this folder use.
 class Desktop {
   public:
     virtual void ShowMessageBox(const std::string& text, MessageIcon icon, const std::string& title) = 0;
@@ -23,16 +23,16 @@ class Desktop {
     ~Desktop() = default;
 };
 
-/// The name of the module's function that opens the desktop: null where no display answers.
+/// The name of the module's function that opens the desktop. The function returns null if no display answers.
 inline constexpr char kOpenDesktopFunction[] = "KvOpenDesktop";
 using OpenDesktopFunction = Desktop* (*)();
 
-/// The desktop, for as long as the program runs. The first call loads the module. Null without a display, and
-/// without the module; that it is missing is said once, on the terminal.
+/// The desktop, which stays open as long as the program runs. The first call loads the module. Null if there
+/// is no display or no module; a missing module is reported once, on the terminal.
 Desktop* OpenDesktop();
-/// Null as long as OpenDesktop has not given one.
+/// The desktop that OpenDesktop has returned; null before that.
 Desktop* OpenedDesktop();
-/// A function of the module by its name; null without a desktop.
+/// A function of the module by its name; null if there is no desktop.
 void* FindInModule(const char* name);
 
 } // namespace platform

@@ -13,13 +13,8 @@ namespace {
 
 constexpr mode_t kPermissions = 07777;
 
-/// Renaming over a symbolic link would leave the file that it points to as it was.
-std::string Resolved(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-    return real ? real.get() : path;
-}
-
-/// A rename asks for rights on the folder alone, and the file may be closed to the user.
+/// Throws unless the path names a writable plain file or nothing. A rename needs rights on the folder only,
+/// so the file's own rights are checked here.
 const std::string& Replaceable(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) {
@@ -28,7 +23,7 @@ const std::string& Replaceable(const std::string& path) {
     if (S_ISDIR(status.st_mode)) {
         throw SystemFault{EISDIR};
     }
-    // A rename would put a file in the place of a device, for everybody on the computer.
+    // A rename would replace a device by a file, for all users of the computer.
     if (!S_ISREG(status.st_mode)) {
         throw SystemFault{EINVAL};
     }
@@ -38,7 +33,7 @@ const std::string& Replaceable(const std::string& path) {
     return path;
 }
 
-/// No other process writes a file of this name; one that an earlier process left is of no use to anybody.
+/// A path that no other process uses. A file that an earlier process has left there is deleted.
 std::string PathBeside(const std::string& target) {
     std::string path = target + "." + std::to_string(::getpid()) + ".new";
     ::unlink(path.c_str());
@@ -47,6 +42,12 @@ std::string PathBeside(const std::string& target) {
 
 } // namespace
 
+std::string Resolved(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    return real ? real.get() : path;
+}
+
+// Renaming over a symbolic link would leave the file that it points to as it was: the link is followed first.
 FileReplacement::FileReplacement(const std::string& path, mode_t mode)
     : target_(Resolved(path)),
       path_(PathBeside(Replaceable(target_))),
@@ -86,7 +87,7 @@ void FileReplacement::Place(Durability durability) {
     }
     placed_ = true;
     if (durability == Durability::OnTheDisk) {
-        // The new file is in its place whether or not the folder can be made to last as well.
+        // The new file is in its place even if the folder cannot be synchronised.
         const auto slash = target_.find_last_of('/');
         const std::string folder = slash == std::string::npos ? "." : target_.substr(0, slash + 1);
         const Descriptor open_folder(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

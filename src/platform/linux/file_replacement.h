@@ -1,5 +1,5 @@
-// Replacing a file in one step: the new one is written beside it and takes its place when it is whole.
-// Whoever opens the path finds the old content or the new, whatever ends the program in between.
+// Replaces a file in one step: the new file is written beside it and renamed when it is complete. At any time
+// the path holds the old content or the new, even if the program is killed.
 #pragma once
 
 #include <string>
@@ -10,27 +10,30 @@
 
 namespace platform {
 
+/// The path of the file itself, symbolic links followed; `path` as it is if there is no such file.
+std::string Resolved(const std::string& path);
+
 class FileReplacement {
   public:
-    /// `mode` is that of the new file, limited by the user's mask. A symbolic link stays, and what it points
-    /// to is replaced. Throws EISDIR for a folder, EINVAL for a device or a pipe, and EACCES for a file that
-    /// the user may not write.
+    /// `mode` is that of the new file, limited by the user's mask. A symbolic link stays; the file that it
+    /// points to is replaced. Throws EISDIR for a folder, EINVAL for a device or a pipe, and EACCES for a
+    /// file that the user may not write.
     FileReplacement(const std::string& path, mode_t mode);
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
-    /// The new file goes away unless it was put in its place.
+    /// Deletes the new file unless Place has succeeded.
     ~FileReplacement();
 
     const Descriptor& File() const { return file_; }
 
-    /// Gives the new file this owner, group and mode as far as the user may. Bits that would open it to a
-    /// group that was not meant are left out.
+    /// Gives the new file this owner, group and mode as far as the user is allowed to. If the group cannot be
+    /// set, the group gets no rights.
     void TakeRights(const struct stat& rights) const;
-    /// The same, from the file that is replaced, if there is one.
+    /// The same with the owner, group and mode of the file that is replaced, if there is one.
     void KeepRights() const;
 
     enum class Durability : bool { AsTheSystemLikes, OnTheDisk };
-    /// Puts the new file in its place. With OnTheDisk it is there after a power cut too.
+    /// Renames the new file to the path. With OnTheDisk it is there even after a power failure.
     void Place(Durability durability);
 
   private:

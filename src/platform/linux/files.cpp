@@ -28,7 +28,7 @@ std::string NativePath(const std::string& path) {
     return native;
 }
 
-/// ENOENT does not tell a missing file from a missing folder on the way to it; callers do.
+/// ENOENT is reported for a missing file and for a missing folder of its path; callers distinguish the two.
 bool ParentExists(const std::string& native) {
     const auto slash = native.find_last_of('/');
     if (slash == std::string::npos || slash == 0) {
@@ -67,7 +67,7 @@ FileFault FaultOf(int error, const std::string& native) {
     throw FileError(FaultOf(error, NativePath(path)), path, error);
 }
 
-/// Runs `steps`, whose faults are about `path`.
+/// Runs `steps`; a failure in them becomes a FileError about `path`.
 template <class Steps>
 auto About(const std::string& path, Steps&& steps) {
     try {
@@ -86,8 +86,8 @@ std::string ExecutablePath() {
     return {buffer.data(), static_cast<std::size_t>(length)};
 }
 
-/// Keeps other processes that append in the same way out for as long as the descriptor is open. On a
-/// file system that cannot lock, the file is appended to without a lock.
+/// Locks the file, for as long as the descriptor is open, against other processes that append in the same
+/// way. If the file system cannot lock, the file is appended to without a lock.
 void LockWhileOpen(const Descriptor& file) {
     while (::flock(file.Get(), LOCK_EX) != 0 && errno == EINTR) {
     }
@@ -137,7 +137,7 @@ bool FolderHoldsFile(const std::string& folder) {
 void CreateFolder(const std::string& path) {
     constexpr mode_t kMode = 0777;
     if (::mkdir(NativePath(path).c_str(), kMode) != 0) {
-        // A missing parent and not a missing file: there is nothing else that could be missing here.
+        // Here ENOENT can only mean a missing parent folder.
         if (errno == ENOENT) {
             throw FileError(FileFault::PathNotFound, path, ENOENT);
         }
@@ -151,7 +151,7 @@ void CopyFileOver(const std::string& from, const std::string& to) {
     struct stat old {};
     if (::stat(NativePath(to).c_str(), &old) == 0 && rights.st_dev == old.st_dev &&
         rights.st_ino == old.st_ino) {
-        throw FileError(FileFault::InUse, to, EBUSY); // a copy to itself is a mistake of the caller
+        throw FileError(FileFault::InUse, to, EBUSY); // copying a file to itself is an error of the caller
     }
     About(to, [&] {
         FileReplacement copy(NativePath(to), kOwnerOnly); // until it has the source's rights
@@ -212,7 +212,7 @@ void AppendToFile(const std::string& path, std::string_view content) {
         try {
             file.Write(content);
         } catch (const SystemFault&) {
-            // Half a line would have the next one glued to it.
+            // After half a line the next line would be joined to it.
             if (S_ISREG(before.st_mode) && ::ftruncate(file.Get(), before.st_size) != 0) {
                 ThrowSystemFault();
             }

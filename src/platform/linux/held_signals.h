@@ -1,5 +1,5 @@
-// Signals with which the system ends a program whose write cannot be done. As long as this lives such a write
-// fails with an error instead. Programs that are started keep the system's way.
+// Blocks the signals by which the system ends a program that cannot write, so that the write fails with an
+// error instead. Started programs are not affected.
 #pragma once
 
 #include <csignal>
@@ -16,7 +16,7 @@ class HeldSignals {
     ~HeldSignals();
 
   private:
-    sigset_t fresh_{}; ///< those that were not waiting before
+    sigset_t fresh_{}; ///< signals that were not pending before
     sigset_t mask_before_{};
 };
 

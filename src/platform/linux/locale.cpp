@@ -1,5 +1,5 @@
-// The environment's locale, asked through a locale object of our own: the process's global locale stays "C",
-// which the driver manager and the driver look at.
+// Reads the environment's locale through a separate locale object: the process's global locale stays "C",
+// since the driver manager and the driver depend on it.
 #include "platform/locale.h"
 
 #include <climits>
@@ -34,8 +34,8 @@ constexpr TruthWords kTruthWords[] = {
     {"pt", "Verdadeiro", "Falso"}, {"sv", "Sant", "Falskt"},
 };
 
-/// What a directive of strftime is as an element of a picture. A year always has its four digits: two would
-/// lose the century. Directives without a row, such as the time zone, are left out.
+/// The element of a picture for each directive of strftime. A year always has four digits, since two would
+/// lose the century. Directives that are not in the table, such as the time zone, are left out.
 struct Directive {
     char letter;
     const char* element;
@@ -51,7 +51,7 @@ constexpr Directive kDirectives[] = {
 std::string InCodePage(const char* text, const std::string& otherwise) {
     auto characters = FromUtf8(text);
     if (!characters) {
-        return text; // of a locale with an 8-bit code page
+        return text; // the locale has an 8-bit code page
     }
     for (char16_t& character : *characters) {
         constexpr char16_t kThinSpace = 0x2009;
@@ -65,14 +65,14 @@ std::string InCodePage(const char* text, const std::string& otherwise) {
     return Widen(narrow) == *characters ? narrow : otherwise;
 }
 
-/// One locale, category by category: those that the machine does not have are "C".
+/// A locale, made category by category; categories that the machine does not have are "C".
 class System {
   public:
     explicit System(const char* name) {
         for (const int mask :
              {LC_CTYPE_MASK, LC_NUMERIC_MASK, LC_TIME_MASK, LC_MONETARY_MASK, LC_MESSAGES_MASK}) {
             if (const locale_t made = ::newlocale(mask, name, locale_.get()); made != nullptr) {
-                // A given locale becomes the new one.
+                // newlocale has taken over the old locale.
                 static_cast<void>(locale_.release());
                 locale_.reset(made);
             }
@@ -80,7 +80,7 @@ class System {
     }
 
     const char* Text(nl_item item) const { return locale_ ? ::nl_langinfo_l(item, locale_.get()) : ""; }
-    /// "de_DE.UTF-8"; empty for "C" and its kin.
+    /// As in "de_DE.UTF-8"; empty for "C", "POSIX" and "C.UTF-8".
     std::string_view NameOf(int category) const {
         const std::string_view name = Text(_NL_LOCALE_NAME(category));
         return name == "C" || name == "POSIX" || name.starts_with("C.") ? std::string_view() : name;
@@ -94,7 +94,7 @@ std::string PictureOf(const System& system, std::string_view format) {
     std::string picture;
     for (std::size_t i = 0; i < format.size(); ++i) {
         if (format[i] != '%') {
-            // A letter would be taken for an element.
+            // Without quotes a letter would be an element.
             const bool letter =
                 (format[i] >= 'a' && format[i] <= 'z') || (format[i] >= 'A' && format[i] <= 'Z');
             picture += letter ? "'" + std::string(1, format[i]) + "'" : std::string(1, format[i]);
@@ -130,7 +130,7 @@ void ReadNumbers(const System& system, LocaleForms& forms) {
     forms.decimal_point = InCodePage(system.Text(RADIXCHAR), initial.decimal_point);
     forms.group_separator = InCodePage(system.Text(THOUSEP), {});
     forms.group_sizes.clear();
-    // A byte for each group, up to a NUL or to CHAR_MAX, which means that there is no further one.
+    // One byte for each group, ended by NUL or by CHAR_MAX, which means that no group follows.
     for (const char* size = system.Text(GROUPING); *size > 0 && *size != CHAR_MAX; ++size) {
         forms.group_sizes.push_back(static_cast<std::size_t>(*size));
     }
@@ -140,7 +140,8 @@ void ReadNumbers(const System& system, LocaleForms& forms) {
 }
 
 void ReadCurrency(const System& system, LocaleForms& forms) {
-    const std::string_view symbol = system.Text(CRNCYSTR); // after a sign that says where it stands
+    const std::string_view symbol =
+        system.Text(CRNCYSTR); // the first character says where the symbol is placed
     if (!system.NameOf(LC_MONETARY).empty() && symbol.size() > 1) {
         forms.currency_symbol = InCodePage(symbol.data() + 1, forms.currency_symbol);
     }

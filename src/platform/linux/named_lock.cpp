@@ -1,5 +1,5 @@
-// A lock is a socket's address in the system's abstract names: one process can be bound to it, nothing lies
-// on a disk, and the name is free again when the process is gone.
+// A lock is a socket bound to an abstract name: only one process can bind it, no file is made, and the name
+// is free again when the process ends.
 #include "platform/named_lock.h"
 
 #include <algorithm>
@@ -25,8 +25,8 @@ class SocketLock : public NamedLock {
     Descriptor socket_;
 };
 
-/// An abstract name begins with a NUL and has a fixed greatest length: a long one keeps its beginning and a
-/// sum of all.
+/// An abstract name begins with a NUL and has a limited length: of a long name the beginning and a hash of
+/// the whole are used.
 std::string AbstractName(const std::string& name) {
     constexpr std::size_t kMost = sizeof(sockaddr_un::sun_path) - 1;
     if (name.size() <= kMost) {

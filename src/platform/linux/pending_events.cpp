@@ -1,4 +1,4 @@
-// As long as no window was wanted there is no queue, and the pointer is only remembered.
+// Before the first window is opened there is no queue, and the pointer is only remembered.
 #include "platform/pending_events.h"
 
 #include "platform/linux/desktop.h"

@@ -38,8 +38,8 @@ class LinuxProcess : public Process {
     pid_t pid_;
 };
 
-/// The started program has no console to show: its input is empty and its output goes nowhere. Its error
-/// channel stays, for whoever started this program from a terminal.
+/// The started program has no console: its input is empty and its output is discarded. Its error channel is
+/// this program's, so that errors are seen on a terminal.
 class HiddenConsole {
   public:
     HiddenConsole() {

@@ -1,4 +1,4 @@
-// The system's text is UTF-8, whatever the locale says: it is what names of files are written in.
+// The system's text is UTF-8, whatever the locale says, since names of files are in UTF-8.
 #include "platform/system_text.h"
 
 #include "text/escaped.h"

@@ -2,12 +2,14 @@
 
 #include <cerrno>
 
+#include <termios.h>
 #include <unistd.h>
 
 #include "platform/linux/held_signals.h"
 #include "platform/system_text.h"
 
 namespace platform {
+
 void WriteToTerminal(const std::string& message) {
     const std::string text = ToSystemText(message);
     const HeldSignals held;
@@ -25,7 +27,7 @@ void WriteToTerminal(const std::string& message) {
 }
 
 bool TerminalIsInteractive() {
-    // A job in the background that asks for input is stopped by the system, for good where nobody looks.
+    // The system stops a background job that reads from the terminal, so only a foreground job may ask.
     return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1 &&
            ::tcgetpgrp(STDIN_FILENO) == ::getpgrp();
 }
@@ -34,6 +36,22 @@ void WaitForEnter() {
     char c = '\0';
     while (::read(STDIN_FILENO, &c, 1) == 1 && c != '\n') {
     }
+}
+
+bool InputIsTerminal() {
+    return ::isatty(STDIN_FILENO) == 1;
+}
+
+bool SetEcho(bool on) {
+    termios mode{};
+    if (::tcgetattr(STDIN_FILENO, &mode) != 0) {
+        return false;
+    }
+    constexpr auto kEcho = static_cast<tcflag_t>(ECHO);
+    const bool before = (mode.c_lflag & kEcho) != 0;
+    mode.c_lflag = on ? mode.c_lflag | kEcho : mode.c_lflag & ~kEcho;
+    ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &mode);
+    return before;
 }
 
 } // namespace platform

@@ -1,4 +1,4 @@
-// The record is compiled in: an executable of this system carries no resources.
+// The text is compiled in, since executables of this system have no resources.
 #include "platform/version_record.h"
 
 namespace platform {

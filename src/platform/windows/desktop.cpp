@@ -10,8 +10,8 @@ bool DesktopIsVisible() {
         (flags.dwFlags & WSF_VISIBLE) == 0) {
         return false;
     }
-    // Seen with Wine started without a display: the window station calls itself visible, the screen has a
-    // size, and only the making of a top-level window fails.
+    // Seen with Wine without a display: the window station reports that it is visible, the screen has a size,
+    // and only the creation of a top-level window fails.
     const HWND probe =
         ::CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
     if (probe == nullptr) {

@@ -62,7 +62,7 @@ class FileHandle {
     HANDLE Get() const { return handle_; }
 
     void Write(std::string_view content) const {
-        // One call takes no more than 32 bits of bytes, and a share on another computer much less.
+        // One call writes less than 4 GiB, and to a share on another computer much less.
         constexpr std::size_t kPiece = std::size_t{1} << 24U;
         while (!content.empty()) {
             DWORD written = 0;
@@ -211,8 +211,8 @@ void ReplaceWholeFile(const std::string& path, std::string_view content, std::st
 }
 
 void AppendToFile(const std::string& path, std::string_view content) {
-    // Without GENERIC_WRITE every write goes to the end, wherever another process has moved it, so that
-    // several may have the file open.
+    // Without GENERIC_WRITE every write goes to the current end of the file, so that several processes may
+    // append to it.
     FileHandle file(path, FILE_APPEND_DATA, OPEN_ALWAYS,
                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
     file.Write(content);

@@ -1,4 +1,4 @@
-// The user's locale with what the user has changed of it. The words for True and False are those of oleaut32.
+// The user's locale with the user's own settings. The words for True and False are those of oleaut32.
 #include "platform/locale.h"
 
 #include "platform/windows/lean_windows.h"

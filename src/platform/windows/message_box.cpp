@@ -21,7 +21,7 @@ void ShowMessageBox(const std::string& text, MessageIcon icon, const std::string
         flags |= MB_ICONERROR;
         break;
     }
-    // Above the window in use; without an owner if the program shows no window.
+    // The owner is the active window; the box has no owner if the program shows no window.
     ::MessageBoxA(::GetActiveWindow(), text.c_str(), title.c_str(), flags | MB_TASKMODAL);
 }
 

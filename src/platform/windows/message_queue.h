@@ -1,14 +1,14 @@
-// How a message from the queue reaches its window, wherever it was taken from the queue.
+// Delivers messages from the queue to their windows, for every loop that takes messages from the queue.
 #pragma once
 
 #include "platform/windows/lean_windows.h"
 
 namespace platform {
 
-/// Sees every message before its window does; true says that it has dealt with it.
+/// Called with every message before its window gets it. Returns true if it has handled the message.
 using MessageFilter = bool (*)(MSG& message);
 
-/// One at most; null takes it off.
+/// Sets the one filter; null removes it.
 void SetMessageFilter(MessageFilter filter);
 
 void Deliver(MSG& message);

@@ -1,28 +1,26 @@
-// A lock is a mutex in the name space of all sessions. It is only made and never waited for: its being there
-// is the lock, and the system takes it away with the last process that has it open.
+// A lock is a mutex in the name space of all sessions. It is created and never waited for: its existence is
+// the lock, and the system deletes it when the last process that has it open ends.
 #include "platform/named_lock.h"
 
 #include <functional>
 #include <system_error>
+#include <utility>
 
-#include "platform/windows/lean_windows.h"
+#include "platform/windows/handle.h"
 
 namespace platform {
 namespace {
 
 class MutexLock : public NamedLock {
   public:
-    explicit MutexLock(HANDLE handle) : handle_(handle) {}
-    MutexLock(const MutexLock&) = delete;
-    MutexLock& operator=(const MutexLock&) = delete;
-    ~MutexLock() override { ::CloseHandle(handle_); }
+    explicit MutexLock(OwnedHandle mutex) : mutex_(std::move(mutex)) {}
 
   private:
-    HANDLE handle_;
+    OwnedHandle mutex_;
 };
 
-/// A name holds no backslash after its name space, and no more than MAX_PATH characters: a long one keeps its
-/// beginning and a sum of all.
+/// A name has no backslash after its name space and at most MAX_PATH characters: of a long name the beginning
+/// and a hash of the whole are used.
 std::string SystemName(std::string name) {
     constexpr std::size_t kMost = 200;
     if (name.size() > kMost) {
@@ -37,16 +35,15 @@ std::string SystemName(std::string name) {
 } // namespace
 
 std::unique_ptr<NamedLock> TryLock(const std::string& name) {
-    const HANDLE handle = ::CreateMutexA(nullptr, FALSE, SystemName(name).c_str());
+    OwnedHandle mutex(::CreateMutexA(nullptr, FALSE, SystemName(name).c_str()));
     const DWORD error = ::GetLastError();
-    if (handle == nullptr) {
+    if (mutex == nullptr) {
         if (error == ERROR_ACCESS_DENIED) {
             return nullptr; // another user's process has it
         }
         throw std::system_error(static_cast<int>(error), std::system_category(), "a lock could not be made");
     }
-    auto lock = std::make_unique<MutexLock>(handle);
-    return error == ERROR_ALREADY_EXISTS ? nullptr : std::unique_ptr<NamedLock>(std::move(lock));
+    return error == ERROR_ALREADY_EXISTS ? nullptr : std::make_unique<MutexLock>(std::move(mutex));
 }
 
 } // namespace platform

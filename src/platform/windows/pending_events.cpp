@@ -24,7 +24,7 @@ void RunPendingEvents() {
     MSG message{};
     while (::PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
         if (message.message == WM_QUIT) {
-            // Whoever runs the loop of a window must still see it.
+            // The loop of the window must still receive it.
             ::PostQuitMessage(static_cast<int>(message.wParam));
             return;
         }

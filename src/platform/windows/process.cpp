@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/windows/lean_windows.h"
+#include "platform/windows/handle.h"
 
 #include <shellapi.h>
 
@@ -11,15 +11,12 @@ namespace {
 
 class WindowsProcess : public Process {
   public:
-    explicit WindowsProcess(HANDLE handle) : handle_(handle) {}
-    WindowsProcess(const WindowsProcess&) = delete;
-    WindowsProcess& operator=(const WindowsProcess&) = delete;
-    ~WindowsProcess() override { ::CloseHandle(handle_); }
+    explicit WindowsProcess(OwnedHandle process) : process_(std::move(process)) {}
 
-    void Wait(std::uint32_t milliseconds) override { ::WaitForSingleObject(handle_, milliseconds); }
+    void Wait(std::uint32_t milliseconds) override { ::WaitForSingleObject(process_.get(), milliseconds); }
 
   private:
-    HANDLE handle_;
+    OwnedHandle process_;
 };
 
 } // namespace
@@ -39,7 +36,7 @@ bool ShellExecuteProgram(const ShellExecuteInfo& info, std::unique_ptr<Process>&
         return false;
     }
     if (record.hProcess != nullptr) {
-        process = std::make_unique<WindowsProcess>(record.hProcess);
+        process = std::make_unique<WindowsProcess>(OwnedHandle(record.hProcess));
     }
     return true;
 }

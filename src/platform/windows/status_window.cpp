@@ -38,7 +38,7 @@ LRESULT CALLBACK StatusProcedure(HWND window, UINT message, WPARAM wparam, LPARA
     switch (message) {
     case WM_ACTIVATE:
         if (LOWORD(wparam) != WA_INACTIVE) {
-            // No other window may cover the progress of a run that nobody has started by hand.
+            // No other window may cover the progress of an unattended run.
             ::SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0,
                            SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
         }
@@ -94,7 +94,8 @@ class NativeStatusWindow : public StatusWindow {
         window_class.lpszClassName = kClassName;
         ::RegisterClassExA(&window_class);
 
-        constexpr DWORD kStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU; // without the last it shows no icon
+        constexpr DWORD kStyle =
+            WS_POPUP | WS_CAPTION | WS_SYSMENU; // without WS_SYSMENU the window has no icon
         RECT frame{0, 0, Pixels(layout.client_width), Pixels(layout.client_height)};
         ::AdjustWindowRect(&frame, kStyle, FALSE);
         const int width = frame.right - frame.left;

@@ -1,4 +1,4 @@
-// The sources make the system's 8-bit calls, whose text is that of the code page.
+// The text of the system's 8-bit calls is in the code page already.
 #include "platform/system_text.h"
 
 namespace platform {

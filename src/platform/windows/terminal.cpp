@@ -5,8 +5,8 @@
 namespace platform {
 namespace {
 
-/// A program of the window subsystem has no console of its own; the one that it was started from can be
-/// joined.
+/// A program of the window subsystem has no console of its own, but it can attach to that of the program that
+/// started it.
 HANDLE Channel(DWORD which) {
     HANDLE handle = ::GetStdHandle(which);
     if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {
@@ -40,6 +40,21 @@ void WaitForEnter() {
     DWORD count = 0;
     while (::ReadFile(channel, &c, 1, &count, nullptr) != 0 && count == 1 && c != '\n') {
     }
+}
+
+bool InputIsTerminal() {
+    return IsConsole(::GetStdHandle(STD_INPUT_HANDLE));
+}
+
+bool SetEcho(bool on) {
+    const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
+    DWORD mode = 0;
+    if (::GetConsoleMode(input, &mode) == 0) {
+        return false;
+    }
+    constexpr DWORD kEcho = ENABLE_ECHO_INPUT;
+    ::SetConsoleMode(input, on ? mode | kEcho : mode & ~kEcho);
+    return (mode & kEcho) != 0;
 }
 
 } // namespace platform

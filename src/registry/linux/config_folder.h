@@ -1,11 +1,11 @@
-// Where this system keeps a user's configuration.
+// The folder in which this system keeps a user's configuration.
 #pragma once
 
 #include <string>
 
 namespace platform {
 
-/// $XDG_CONFIG_HOME if that is a whole path, else ~/.config. Empty if the user has no home.
+/// $XDG_CONFIG_HOME if that is an absolute path, otherwise ~/.config. Empty if the user has no home folder.
 std::string ConfigFolder();
 
 } // namespace platform

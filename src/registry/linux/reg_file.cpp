@@ -7,6 +7,7 @@
 #include "registry/linux/reg_parser.h"
 #include "text/escaped.h"
 #include "text/text.h"
+#include "text/utf8.h"
 
 namespace platform {
 namespace {
@@ -54,7 +55,7 @@ std::u16string Hex(std::uint32_t type, std::string_view bytes) {
     return text;
 }
 
-/// Between quotes a control character would end the line or be lost in an editor.
+/// Between quotes, a control character would end the line or be lost in an editor.
 bool FitsInQuotes(std::string_view data) {
     return std::none_of(data.begin(), data.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; });
 }
@@ -67,12 +68,7 @@ std::u16string DataText(bool version5, std::uint32_t type, std::string_view data
     if (IsRegText(type)) {
         bytes += '\0';
         if (version5) {
-            const std::u16string wide = Utf16FromEscaped(bytes);
-            bytes.clear();
-            for (const char16_t c : wide) {
-                bytes += static_cast<char>(c & 0xFFU);
-                bytes += static_cast<char>(c >> 8U);
-            }
+            bytes = ToUtf16Bytes(Utf16FromEscaped(bytes));
         }
     }
     return Hex(type, bytes);
@@ -182,7 +178,7 @@ void RegFile::AppendSection(const RegPath& key, std::string_view key_class) {
     }
 }
 
-/// The file's own, by its first line.
+/// The line end of the file's first line.
 std::u16string RegFile::LineEnd() const {
     const auto end = text_.characters.find_first_of(u"\r\n");
     if (end == std::u16string::npos) {

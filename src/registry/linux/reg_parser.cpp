@@ -5,6 +5,7 @@
 
 #include "text/escaped.h"
 #include "text/text.h"
+#include "text/utf8.h"
 
 namespace platform {
 namespace {
@@ -28,18 +29,6 @@ int HexDigit(char16_t c) {
         return c - u'A' + 10;
     }
     return -1;
-}
-
-/// Version 5.00 writes the bytes of a text as UTF-16; the 8-bit calls give it in the code page. A last odd
-/// byte is not a character and is left out.
-std::string TextFromWide(std::string_view bytes) {
-    std::u16string characters;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        const auto low = static_cast<unsigned char>(bytes[i]);
-        const auto high = static_cast<unsigned char>(bytes[i + 1]);
-        characters += static_cast<char16_t>(low | (unsigned{high} << 8U));
-    }
-    return EscapedFromUtf16(characters);
 }
 
 } // namespace
@@ -89,7 +78,7 @@ void RegParser::ReadLine() {
     SkipLineEnd();
 }
 
-/// A key's name may hold "]": it ends at the first one that nothing follows in its line.
+/// A key's name may contain "]": it ends at the first "]" that only blanks or a comment follow in the line.
 void RegParser::ReadSection() {
     const std::size_t begin = position_ + 1;
     for (;;) {
@@ -138,7 +127,7 @@ std::u16string RegParser::SectionPath(std::u16string_view name) const {
 
 void RegParser::OpenSection(std::u16string_view name) {
     const std::u16string path = SectionPath(name);
-    // A key brings the keys above it into being.
+    // A key implies all keys above it.
     for (auto end = path.find(u'\\'); end != std::u16string::npos; end = path.find(u'\\', end + 1)) {
         file_.keys_[path.substr(0, end)];
     }
@@ -242,7 +231,7 @@ RegValue RegParser::ReadHex() {
     bool more = !AtLineEnd() && !AtChar(u';');
     while (more) {
         SkipBlanks();
-        if (AtChar(u'\\')) { // the data goes on in the next line
+        if (AtChar(u'\\')) { // the data continues in the next line
             ++position_;
             SkipBlanks();
             if (AtEnd() || !AtLineEnd()) {
@@ -258,13 +247,14 @@ RegValue RegParser::ReadHex() {
         position_ = more ? position_ + 1 : end;
     }
     if (file_.version5_ && IsRegText(value.type)) {
-        value.bytes = TextFromWide(value.bytes);
+        // Version 5.00 writes the bytes of a text as UTF-16; the 8-bit calls give it in the code page.
+        value.bytes = EscapedFromUtf16(FromUtf16Bytes(value.bytes));
     }
     return value;
 }
 
-/// Windows writes the line ends of a text as they are, so a text may go over several lines. One that lacks
-/// its closing quote ends at the next value's and is found out by what follows it there.
+/// Windows writes the line ends of a text as they are, so a text may span several lines. A text without its
+/// closing quote ends at the quote of the next value, and the text after that is found to be wrong.
 std::u16string RegParser::ReadQuoted() {
     const std::size_t begin = position_++;
     std::u16string content;

@@ -1,4 +1,5 @@
-// Reads the text of a .reg file from its first line to its last into the keys and values that it leaves.
+// Parses the text of a .reg file, from its first line to its last, into the keys and values that result from
+// it.
 #pragma once
 
 #include <cstddef>

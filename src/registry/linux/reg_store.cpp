@@ -26,7 +26,7 @@
 namespace platform {
 namespace {
 
-constexpr mode_t kFolderMode = 0700; // passwords lie in the registry in the clear
+constexpr mode_t kFolderMode = 0700; // the registry contains passwords in clear text
 constexpr mode_t kFileMode = 0600;
 
 std::int32_t NumberOf(int system_error, std::int32_t otherwise) {
@@ -44,13 +44,14 @@ std::int32_t NumberOf(int system_error, std::int32_t otherwise) {
     }
 }
 
-/// A step failed: the registry's number for it, and the reason in words.
+/// A step failed: the registry's error number and the reason as text.
 struct StepFailure {
     std::int32_t number;
     std::string reason;
 };
 
-/// Runs a step; a fault of the system in it counts as `otherwise` unless it has a number of its own.
+/// Runs a step. A system error in it becomes a StepFailure with the number `otherwise`, unless NumberOf has
+/// another one.
 template <class Step>
 auto InStep(std::int32_t otherwise, Step&& step) {
     try {
@@ -82,7 +83,8 @@ void MakeFolders(const std::string& folder) {
     }
 }
 
-/// Nothing if there is no such file. Anything but a plain file is not waited for.
+/// Returns nothing if there is no such file. Does not wait for a pipe, and refuses everything but a plain
+/// file.
 std::optional<Descriptor> OpenIfThere(const std::string& path) {
     try {
         Descriptor file(path, O_RDONLY | O_NONBLOCK);
@@ -106,7 +108,7 @@ std::string ReadRegistry(const Descriptor& file) {
     return InStep(registry_error::kCantRead, [&] { return file.ReadAll(); });
 }
 
-/// What tells one state of a file from another.
+/// Identifies the state of a file: a file with another stamp has changed.
 struct Stamp {
     dev_t device = 0;
     ino_t inode = 0;
@@ -125,8 +127,8 @@ Stamp StampOf(const struct stat& info) {
     return {info.st_dev, info.st_ino, info.st_size, SinceEpoch(info.st_mtim), SinceEpoch(info.st_ctim)};
 }
 
-/// A file that was changed just now may change again without a new time on it: file systems count time in
-/// steps.
+/// A file that has just been changed may change again without a new time stamp, since file systems count time
+/// in steps.
 bool IsSettled(const Stamp& stamp) {
     constexpr std::chrono::seconds kLongestStep(2);
     return std::chrono::system_clock::now().time_since_epoch() - stamp.changed > kLongestStep;
@@ -145,8 +147,9 @@ class LoadedRegistries {
     }
     void Forget(const std::string& path) { loaded_.erase(path); }
 
-    /// A file that cannot be used may take the log's own folder with it, so it is reported where someone may
-    /// see it, once for each file and reason. `place` is where in the file the trouble is.
+    /// Reports a file that cannot be used on the terminal, once for each file and reason: the log's folder is
+    /// a setting of the registry, so the log may not be available. `place` is the place of the error in the
+    /// file.
     RegistryError Report(const std::string& path, std::int32_t number, const std::string& reason,
                          const std::string& place) {
         const std::string shown = FromSystemText(path);
@@ -163,7 +166,7 @@ class LoadedRegistries {
   private:
     struct Entry {
         Stamp stamp;
-        bool settled = false; ///< when it was read
+        bool settled = false; ///< it was settled when it was read
         LoadedRegistry registry;
     };
 
@@ -215,7 +218,8 @@ void Replace(const std::string& path, const std::string& bytes) {
     replacement.Place(FileReplacement::Durability::OnTheDisk);
 }
 
-/// The file's content after the change; throws RegDamage for the file and StepFailure for the change.
+/// The file's content after the change; nothing if the change changes nothing. Throws RegDamage for a damaged
+/// file and StepFailure for a change that the file cannot hold.
 std::optional<std::string> Changed(const std::string& path, const std::function<void(RegFile&)>& change) {
     const auto open = OpenRegistry(path);
     RegFile file = open ? RegFile(ReadRegistry(*open)) : RegFile();
@@ -229,16 +233,10 @@ std::optional<std::string> Changed(const std::string& path, const std::function<
     }
 }
 
-/// Two names of one file have one lock.
-std::string Resolved(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
-    return real ? real.get() : path;
-}
-
 void Change(const std::string& named, const std::function<void(RegFile&)>& change) {
     const auto write = [](auto&& step) { return InStep(registry_error::kCantWrite, step); };
     write([&] { MakeFolders(FolderOf(named)); });
-    const std::string path = Resolved(named);
+    const std::string path = Resolved(named); // two names of one file have one lock
     const Descriptor lock = write([&] { return Locked(path); });
     if (const auto bytes = Changed(path, change)) {
         write([&] { Replace(path, *bytes); });
@@ -261,14 +259,14 @@ std::optional<std::string> RemoteRegistryPath(const std::string& computer) {
     if (begin == std::string::npos) {
         return std::nullopt;
     }
-    const std::string wanted = kv::UpperCase(computer.substr(begin) + ".reg");
+    const std::string wanted = computer.substr(begin) + ".reg";
     const std::string folder = FolderOf(LocalRegistryPath()) + "/computers";
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), &::closedir);
     if (!stream) {
         return std::nullopt;
     }
     while (const dirent* entry = ::readdir(stream.get())) {
-        if (kv::UpperCase(FromSystemText(entry->d_name)) == wanted) {
+        if (kv::SameIgnoringCase(FromSystemText(entry->d_name), wanted)) {
             return folder + "/" + entry->d_name;
         }
     }

@@ -18,27 +18,11 @@ std::size_t LinesIn(std::u16string_view text) {
 }
 
 std::u16string FromUtf16(std::string_view bytes) {
-    std::u16string characters;
-    characters.reserve(bytes.size() / 2);
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        const auto low = static_cast<unsigned char>(bytes[i]);
-        const auto high = static_cast<unsigned char>(bytes[i + 1]);
-        characters += static_cast<char16_t>(low | (unsigned{high} << 8U));
-    }
+    std::u16string characters = FromUtf16Bytes(bytes);
     if (bytes.size() % 2 != 0) {
         throw RegDamage(LinesIn(characters), "half a character at the end");
     }
     return characters;
-}
-
-std::string ToUtf16(std::u16string_view characters) {
-    std::string bytes;
-    bytes.reserve(characters.size() * 2);
-    for (const char16_t c : characters) {
-        bytes += static_cast<char>(c & 0xFFU);
-        bytes += static_cast<char>(c >> 8U);
-    }
-    return bytes;
 }
 
 } // namespace
@@ -68,7 +52,7 @@ RegText DecodeRegText(std::string_view bytes) {
 std::string EncodeRegText(const RegText& text) {
     switch (text.encoding) {
     case RegEncoding::Utf16:
-        return std::string(kUtf16Mark) + ToUtf16(text.characters);
+        return std::string(kUtf16Mark) + ToUtf16Bytes(text.characters);
     case RegEncoding::Utf8:
         return ToUtf8(text.characters);
     case RegEncoding::Utf8WithMark:

@@ -1,5 +1,5 @@
-// The text of a .reg file: how its bytes become characters and come back, in the encodings in which Windows
-// writes such files and people edit them. Knows nothing of keys and values.
+// Decodes and encodes the text of a .reg file, in the encodings in which Windows writes such files and people
+// edit them. Knows nothing of keys and values.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 namespace platform {
 
-/// A .reg file cannot be what it says it is.
+/// A .reg file is damaged.
 class RegDamage : public std::exception {
   public:
     RegDamage(std::size_t line, std::string what) : line_(line), what_(std::move(what)) {}
@@ -24,8 +24,8 @@ class RegDamage : public std::exception {
 };
 
 enum class RegEncoding : unsigned char {
-    Utf16, ///< little-endian with its mark, as Windows exports "Version 5.00"
-    Utf8,  ///< as people save it who edit it elsewhere
+    Utf16, ///< little-endian with a byte order mark, as Windows exports "Version 5.00"
+    Utf8,  ///< as editors of other systems save it
     Utf8WithMark,
     CodePage1252 ///< as Windows exports REGEDIT4
 };
@@ -35,8 +35,8 @@ struct RegText {
     std::u16string characters;
 };
 
-/// Throws RegDamage if the bytes are not text in any of the encodings. Every character that an encoding has
-/// comes back as it was, half surrogate pairs included.
+/// Throws RegDamage if the bytes are not text in any of the encodings. EncodeRegText writes every character
+/// back as it was, half surrogate pairs included.
 RegText DecodeRegText(std::string_view bytes);
 /// Throws RegDamage for a character that the encoding lacks.
 std::string EncodeRegText(const RegText& text);

@@ -1,4 +1,4 @@
-// The registry on Linux: handles and calls as the platform has them, over .reg files.
+// The registry on Linux: the handles and calls of Windows, implemented with .reg files.
 #include "registry/registry.h"
 
 #include <algorithm>
@@ -9,10 +9,10 @@
 #include <string_view>
 #include <utility>
 
-#include <strings.h>
 #include <unistd.h>
 
 #include "registry/linux/reg_store.h"
+#include "text/text.h"
 
 namespace platform {
 namespace {
@@ -44,7 +44,7 @@ OpenedKey Open(Key key) {
     return {kSuccess, last};
 }
 
-/// Texts end at their first NUL, as the platform's calls take them.
+/// Texts end at their first NUL, as in the calls of Windows.
 std::string_view Text(const std::string& text) {
     return text.c_str();
 }
@@ -70,8 +70,8 @@ bool IsHive(const RegPath& path) {
 
 bool IsThisComputer(std::string_view name) {
     std::array<char, HOST_NAME_MAX + 1> own{};
-    return name.empty() || (::gethostname(own.data(), own.size() - 1) == 0 &&
-                            ::strcasecmp(std::string(name).c_str(), own.data()) == 0);
+    return name.empty() ||
+           (::gethostname(own.data(), own.size() - 1) == 0 && kv::SameIgnoringCase(name, own.data()));
 }
 
 struct Message {
@@ -93,7 +93,7 @@ constexpr std::array kMessages = {
     Message{kCantWrite, "The configuration registry key could not be written."},
 };
 
-/// The end says which file and line; the beginning is what can be spared.
+/// Cuts the beginning: the end names the file and the line.
 std::string Shortened(std::string text, std::size_t most) {
     constexpr std::string_view kLeftOut = "...";
     if (text.size() > most) {
@@ -155,7 +155,7 @@ RegistryError QueryValue(RegistryHandle key, const std::string& name, std::strin
     if (bytes.size() > buffer.size()) {
         return kMoreData;
     }
-    constexpr std::uint32_t kLastTextType = 2; // texts and texts with variables
+    constexpr std::uint32_t kLastTextType = 2; // text, and text with variables
     const bool text = value->type >= kRegSz && value->type <= kLastTextType;
     if (text && bytes.size() < buffer.size() && !bytes.ends_with('\0')) {
         bytes += '\0';
@@ -202,7 +202,7 @@ OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive) {
 
 std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     constexpr std::string_view kLineEnd = "\r\n";
-    constexpr std::size_t kFixed = 3; // the line end and the NUL that the buffer takes too
+    constexpr std::size_t kFixed = 3; // the line end, and the NUL for which the buffer needs space too
     const auto* message = std::find_if(kMessages.begin(), kMessages.end(),
                                        [&](const Message& m) { return m.error == error.number; });
     if (message == kMessages.end() || message->text.size() + kFixed > buffer_size) {
@@ -210,7 +210,7 @@ std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     }
     std::string text(message->text);
     const std::size_t room = buffer_size - kFixed - text.size();
-    constexpr std::size_t kLeast = 20; // less of it would be of no use
+    constexpr std::size_t kLeast = 20; // a shorter detail would be of no use
     if (!error.detail.empty() && room > kLeast) {
         text.back() = ':';
         text += ' ';

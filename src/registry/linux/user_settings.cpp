@@ -1,5 +1,5 @@
-// The file is a list of "[section]" lines with "key=text" lines under them. A text begins after the "=" and
-// ends with the line, its blanks belong to it, and its bytes are kept as they are.
+// The file has "[section]" lines with "key=text" lines below them. A text begins after the "=" and ends with
+// the line, blanks included; its bytes are kept as they are.
 #include "registry/user_settings.h"
 
 #include <filesystem>
@@ -24,7 +24,7 @@ std::filesystem::path FolderOf(const std::string& application) {
     return folder.empty() ? std::filesystem::path() : std::filesystem::path(folder) / application;
 }
 
-/// A file that is not there has no lines. Returns nothing for one that cannot be read to its end.
+/// A missing file has no lines. Returns nothing if a file cannot be read to its end.
 std::optional<Lines> ReadLines(const std::filesystem::path& file) {
     Lines lines;
     std::error_code error;
@@ -38,7 +38,7 @@ std::optional<Lines> ReadLines(const std::filesystem::path& file) {
     return stream.eof() ? std::optional(lines) : std::nullopt;
 }
 
-/// Where the section's lines begin and end, its head not counted; nothing if it is not there.
+/// The lines of a section without its heading: from `begin` to before `end`.
 struct Range {
     std::size_t begin;
     std::size_t end;
@@ -82,8 +82,8 @@ void SetLine(Lines& lines, const std::string& section, const std::string& key, c
     }
 }
 
-/// Passwords lie in the file in the clear: it belongs to its user alone from its first byte on, whatever the
-/// rights of the one that it replaces.
+/// The file contains passwords in clear text. So only its user can read it, from its first byte on, whatever
+/// the rights of the file that it replaces.
 bool ReplaceFile(const std::filesystem::path& file, const Lines& lines) {
     constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
     std::string content;
@@ -123,7 +123,7 @@ bool WriteUserSetting(const std::string& application, const std::string& section
     const std::filesystem::path file = folder / "settings.ini";
     auto lines = ReadLines(file);
     if (!lines) {
-        return false; // a new file would hold this one text in the place of all
+        return false; // a new file would hold this one text in place of all
     }
     SetLine(*lines, section, key, value);
     return ReplaceFile(file, *lines);

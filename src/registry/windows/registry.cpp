@@ -24,10 +24,10 @@ OpenedKey OpenKey(RegistryHandle root, const std::string& subkey, std::uint32_t 
 
 OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::string& key_class,
                     std::uint32_t access) {
-    // The security attributes begin with a zero word, their size. The rest is zeros too, since the system
-    // reads on: no descriptor, so the key inherits its parent's.
+    // The first word of the security attributes, their size, is 0. The system reads the other fields all the
+    // same, so they are 0 as well: without a descriptor the key inherits its parent's.
     SECURITY_ATTRIBUTES security{};
-    std::string class_buffer = key_class; // the call wants it writable
+    std::string class_buffer = key_class; // the call requires a writable buffer
     HKEY key = nullptr;
     const LSTATUS error = ::RegCreateKeyExA(Native(root), subkey.c_str(), 0, class_buffer.data(), 0, access,
                                             &security, &key, nullptr);

@@ -5,7 +5,7 @@
 namespace platform {
 namespace {
 
-constexpr std::size_t kLongestText = 4096; // bytes, the NUL counted
+constexpr std::size_t kLongestText = 4096; // bytes, including the NUL
 
 std::string KeyOf(const std::string& application, const std::string& section) {
     return "Software\\VB and VBA Program Settings\\" + application + "\\" + section;

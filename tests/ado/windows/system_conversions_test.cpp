@@ -1,4 +1,5 @@
-// What is shown, held against the system's own conversions for the same locale; and what these read of it.
+// Compares shown values with the system's own conversions for the same locale, which must also read them
+// back.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -39,7 +40,7 @@ class SystemConversions : public ::testing::TestWithParam<Case> {
 };
 
 TEST_P(SystemConversions, NumbersAreShownAndReadAlike) {
-    // Of at most 15 digits: of more, the two round a half in the last place to different sides.
+    // Numbers of at most 15 digits: with more, the two round a half in the last digit differently.
     std::uniform_int_distribution<std::int64_t> digits(-999'999'999'999'999, 999'999'999'999'999);
     std::uniform_int_distribution<int> exponent(-30, 20);
     for (int i = 0; i < 2000; ++i) {
@@ -47,7 +48,7 @@ TEST_P(SystemConversions, NumbersAreShownAndReadAlike) {
                                        "E" + std::to_string(exponent(random_)));
         const std::string shown = ShowFloating(value, 15, forms_);
         std::string systems = Text([&](BSTR* to) { return ::VarBstrFromR8(value, locale_, 0, to); });
-        // Wine 8 keeps the point of the C library in a number with an exponent.
+        // Wine 8 writes the point of the C library in a number with an exponent.
         if (const std::size_t point = systems.find('.');
             point != std::string::npos && systems.find('E') != std::string::npos) {
             systems.replace(point, 1, forms_.decimal_point);
@@ -67,7 +68,7 @@ TEST_P(SystemConversions, DatesAreShownAndReadAlike) {
     for (int i = 0; i < 2000; ++i) {
         const int day = i == 0 ? 0 : days(random_);
         const int seconds = i % 5 == 1 ? 0 : second_of_day(random_);
-        // In front of day zero the time of day counts on from it all the same.
+        // Before day zero, too, the time of day is added to the day.
         const double serial = day + (day < 0 ? -1 : 1) * seconds / 86400.0;
         SYSTEMTIME time{};
         ASSERT_TRUE(::VariantTimeToSystemTime(serial, &time));

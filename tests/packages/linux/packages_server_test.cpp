@@ -1,4 +1,4 @@
-// The package objects of Linux against a development server: what is stored, listed, replaced and removed.
+// The package objects of Linux with a development server: packages are stored, listed, replaced and removed.
 #include "packages/packages.h"
 
 #include <chrono>
@@ -15,9 +15,11 @@
 #include "fakes/dts_dev_server.h"
 #include "odbc/odbc.h"
 #include "odbc/odbc_rows.h"
+#include "packages/package_failure.h"
 
 namespace {
 
+using package_tests::FailureOf;
 using platform::CreateDtsApplication;
 using platform::CreateDtsPackage;
 using platform::PackageError;
@@ -30,24 +32,13 @@ using testing::UnorderedElementsAre;
 const std::string kUser = "sa";
 const std::string kPassword = "Test-1";
 
-template <class Call>
-PackageError FailureOf(Call&& call) {
-    try {
-        std::forward<Call>(call)();
-    } catch (const PackageError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "the call did not fail";
-    return {0, "", ""};
-}
-
 std::string Head(const std::string& name, const std::string& description, int number) {
     return "LKDTS 1\r\nName: " + name + "\r\nDescription: " + description +
            "\r\nPackageId: {8F14E45F-CEEA-467F-A8B6-2C1F1B7A9D0" + std::to_string(number) +
            "}\r\nVersionId: {3C59DC04-8E88-4024-9BBE-079A5D4B1A02}\r\n\r\n";
 }
 
-/// Each test has a server of its own: it starts in well under a second.
+/// Each test has its own server, which starts in less than a second.
 class PackagesOnServer : public testing::Test {
   protected:
     PackagesOnServer()
@@ -57,7 +48,7 @@ class PackagesOnServer : public testing::Test {
     ~PackagesOnServer() override { std::filesystem::remove(path_); }
 
     void Save(const std::string& content) {
-        // A datetime has steps of 1/300 s: versions of one step have no order.
+        // A datetime has steps of 1/300 s, and versions of the same step have no order.
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
         std::ofstream(path_, std::ios::binary | std::ios::trunc) << content;
         const auto package = CreateDtsPackage();
@@ -85,7 +76,7 @@ class PackagesOnServer : public testing::Test {
         return texts;
     }
 
-    /// The stored bytes of the one package that there is.
+    /// The stored bytes of the only package.
     std::string StoredBytes() {
         using namespace platform::odbc;
         const Environment environment;
@@ -107,7 +98,7 @@ class PackagesOnServer : public testing::Test {
     std::filesystem::path path_;
 };
 
-TEST_F(PackagesOnServer, AFreshServerHoldsNone) {
+TEST_F(PackagesOnServer, AFreshServerHasNoPackages) {
     EXPECT_THAT(List(), IsEmpty());
 }
 
@@ -167,7 +158,7 @@ TEST_F(PackagesOnServer, RemovingAndSavingAgainLeavesOneCopy) {
     EXPECT_THAT(Listed(), ElementsAre("UpgradeDatabase_V1_to_V2: new"));
 }
 
-TEST_F(PackagesOnServer, ANameWithAnUnderscoreDoesNotMatchItsLike) {
+TEST_F(PackagesOnServer, AnUnderscoreInANameIsNotAWildcard) {
     Save(Head("A_B", "wanted", 1));
     Save(Head("AxB", "its like", 2));
     Remove("a_b");

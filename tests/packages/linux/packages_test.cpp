@@ -1,4 +1,4 @@
-// The two package objects where no COM classes exist: how they use the package file and the store.
+// The two package objects of a system without COM: how they use the package file and the store.
 #include "packages/packages.h"
 
 #include <filesystem>
@@ -9,9 +9,11 @@
 #include <gtest/gtest.h>
 
 #include "fakes/dts_odbc.h"
+#include "packages/package_failure.h"
 
 namespace {
 
+using package_tests::FailureOf;
 using platform::CreateDtsApplication;
 using platform::CreateDtsPackage;
 using platform::PackageError;
@@ -21,17 +23,6 @@ using testing::SizeIs;
 constexpr const char* kContent = "LKDTS 1\nName: StdSynchronize\nDescription: d\n"
                                  "PackageId: {8F14E45F-CEEA-467F-A8B6-2C1F1B7A9D01}\n"
                                  "VersionId: {3C59DC04-8E88-4024-9BBE-079A5D4B1A02}\n\nbody";
-
-template <class Call>
-PackageError FailureOf(Call&& call) {
-    try {
-        std::forward<Call>(call)();
-    } catch (const PackageError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "the call did not fail";
-    return {0, "", ""};
-}
 
 class LinuxPackages : public testing::Test {
   protected:
@@ -84,7 +75,7 @@ TEST_F(LinuxPackages, RemovingAnAbsentPackageFails) {
         HasSubstr("'StdSynchronize' does not exist"));
 }
 
-TEST_F(LinuxPackages, AServerWithoutPackagesGivesNone) {
+TEST_F(LinuxPackages, AServerWithoutPackagesListsNothing) {
     odbc_.answers.emplace_back();
     odbc_.answers.back().columns.resize(10);
     int taken = 0;

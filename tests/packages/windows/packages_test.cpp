@@ -1,5 +1,4 @@
-// What the package classes are called with, over real COM, against the stand-in that lies beside this
-// program.
+// The calls of the package classes by real COM, with the replacement DLL in this program's folder.
 #include "packages/packages.h"
 
 #include <algorithm>
@@ -12,10 +11,12 @@
 
 #include <gtest/gtest.h>
 
+#include "packages/package_failure.h"
 #include "packages/windows/automation.h"
 
 namespace {
 
+using package_tests::FailureOf;
 using platform::CreateDtsApplication;
 using platform::CreateDtsPackage;
 using platform::LocalTime;
@@ -27,7 +28,7 @@ struct FreeModule {
     void operator()(HMODULE module) const { FreeLibrary(module); }
 };
 
-/// The DLL, and its two entry points that put the classes into the registry and take them out.
+/// The DLL and its two functions that register and unregister the classes.
 class StandIn {
   public:
     StandIn() : module_(LoadLibraryA("dts_com_server.dll")) {}
@@ -82,18 +83,6 @@ class ComPackages : public Test {
 
     std::filesystem::path record_;
 };
-
-/// What a call failed with; a call that fails not at all fails the test.
-template <class Call>
-PackageError FailureOf(Call&& call) {
-    try {
-        std::forward<Call>(call)();
-    } catch (const PackageError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "the call did not fail";
-    return {0, "", ""};
-}
 
 std::vector<PackageInfo> List() {
     std::vector<PackageInfo> infos;
@@ -197,7 +186,7 @@ TEST_F(ComPackages, ListsEveryVersionWithItsTextsAndDatesInTheServersOrder) {
     EXPECT_EQ(infos[2].creation_date, (LocalTime{2026, 1, 1, 12, 30, 1}));
 }
 
-TEST_F(ComPackages, AServerWithoutPackagesGivesNone) {
+TEST_F(ComPackages, AServerWithoutPackagesListsNothing) {
     SetEnvironmentVariableA("KV_DTS_PACKAGES", "0");
     EXPECT_TRUE(List().empty());
 }
@@ -211,7 +200,7 @@ TEST_F(ComPackages, TextOfAllKindsArrivesUnchanged) {
               "DTS.Package Invoke LoadFromStorageFile METHOD (BYREF|BSTR \"" + all + "\", BSTR \"\")");
 }
 
-TEST_F(ComPackages, AnExceptionTellsItsCodeSourceAndDescription) {
+TEST_F(ComPackages, AnExceptionGivesItsCodeSourceAndDescription) {
     Order("RemoveFromSQLServer:0x80040E14:The specified package does not exist");
     const PackageError error = FailureOf([] { CreateDtsPackage()->RemoveFromSQLServer("S", "u", "p", "N"); });
     EXPECT_EQ(error.Number(), static_cast<std::int32_t>(0x80040E14U));
@@ -219,7 +208,7 @@ TEST_F(ComPackages, AnExceptionTellsItsCodeSourceAndDescription) {
     EXPECT_STREQ(error.what(), "The specified package does not exist");
 }
 
-TEST_F(ComPackages, ABareFailureTellsTheResultAndTheMember) {
+TEST_F(ComPackages, AFailureWithoutExceptionGivesTheResultAndTheMember) {
     Order("SaveToSQLServer:0x80070005");
     const PackageError error = FailureOf([] { CreateDtsPackage()->SaveToSQLServer("S", "u", "p"); });
     EXPECT_EQ(error.Number(), static_cast<std::int32_t>(kAccessDenied));
@@ -243,7 +232,7 @@ TEST_F(ComPackages, EachMemberCanFailAndTheObjectIsStillReleased) {
     }
 }
 
-TEST_F(ComPackages, AnEnumerationThatBreaksOffKeepsWhatItGave) {
+TEST_F(ComPackages, AnEnumerationThatFailsKeepsThePackagesBeforeTheFailure) {
     Order("Next@3:0x80004005");
     std::vector<std::string> names;
     const auto application = CreateDtsApplication();
@@ -262,13 +251,13 @@ TEST_F(ComPackages, AFailedCallLeavesTheObjectUsable) {
     EXPECT_NO_THROW(package->SaveToSQLServer("S", "u", "p"));
 }
 
-TEST_F(ComPackages, AClassThatCantMakeItsObjectGivesNone) {
+TEST_F(ComPackages, AClassThatCantMakeItsObjectGivesNull) {
     Order("DTS.Package:0x80040111;DTS.Application:0x80070005");
     EXPECT_EQ(CreateDtsPackage(), nullptr);
     EXPECT_EQ(CreateDtsApplication(), nullptr);
 }
 
-TEST_F(ComPackages, AClassThatIsNotRegisteredGivesNone) {
+TEST_F(ComPackages, AClassThatIsNotRegisteredGivesNull) {
     StandIn().Unregister();
     EXPECT_EQ(CreateDtsPackage(), nullptr);
     EXPECT_EQ(CreateDtsApplication(), nullptr);

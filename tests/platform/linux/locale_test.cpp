@@ -39,7 +39,7 @@ TEST_F(EnvironmentsLocale, EachCategoryHasItsOwn) {
     EXPECT_EQ(NamedLocale("").decimal_point, ",");
 }
 
-TEST_F(EnvironmentsLocale, CAndItsKinAreTheInitialForms) {
+TEST_F(EnvironmentsLocale, CAndPosixAreTheInitialForms) {
     for (const char* const name : {"C", "POSIX", "C.UTF-8", ""}) {
         EXPECT_EQ(With("LC_ALL", name), LocaleForms()) << name;
     }
@@ -51,10 +51,10 @@ TEST_F(EnvironmentsLocale, OneThatTheMachineDoesNotHaveIsTheInitialForms) {
     unsetenv("LC_ALL");
     setenv("LANG", "xx_YY.UTF-8", 1);
     EXPECT_EQ(With("LC_TIME", "sv_SE.UTF-8").date_picture, "yyyy-MM-dd")
-        << "the others are asked all the same";
+        << "the other categories are read all the same";
 }
 
-TEST_F(EnvironmentsLocale, AYearHasFourDigitsAndANarrowSpaceIsOneOfTheCodePage) {
+TEST_F(EnvironmentsLocale, AYearHasFourDigitsAndANarrowSpaceBecomesANoBreakSpace) {
     EXPECT_EQ(NamedLocale("en-GB").date_picture, "dd/MM/yyyy");
     EXPECT_EQ(NamedLocale("fr-FR").group_separator, "\xA0");
     EXPECT_EQ(NamedLocale("fi-FI").time_picture, "HH.mm.ss");

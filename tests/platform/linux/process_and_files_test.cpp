@@ -1,4 +1,4 @@
-// What this system's processes and files owe beyond what both systems promise.
+// Behaviour of processes and files on Linux beyond that of both systems.
 #include <algorithm>
 #include <array>
 #include <csignal>
@@ -25,10 +25,10 @@ namespace {
 
 using support::TempFolder;
 
-/// A pipe in the place of one of the test's own channels for as long as this lives.
+/// Replaces one of the test's own channels by a pipe for as long as it lives.
 class PipeAt {
   public:
-    /// `end` is the pipe's end that becomes the channel: 0 to be read from, 1 to be written to.
+    /// `end` is the end of the pipe that becomes the channel: 0 for reading, 1 for writing.
     PipeAt(int channel, std::size_t end) : channel_(channel), before_(::dup(channel)) {
         EXPECT_EQ(::pipe2(ends_.data(), O_CLOEXEC | O_NONBLOCK), 0);
         ::dup2(ends_[end], channel);
@@ -45,7 +45,7 @@ class PipeAt {
     void Put(const std::string& text) const {
         EXPECT_EQ(::write(ends_[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
     }
-    /// What nobody has taken out.
+    /// The content of the pipe that nobody has read.
     std::string Take() const {
         std::array<char, 64> buffer{};
         const ssize_t count = ::read(ends_[0], buffer.data(), buffer.size());
@@ -58,7 +58,7 @@ class PipeAt {
     std::array<int, 2> ends_{};
 };
 
-TEST(LinuxProcess, AStartedProgramHasNoInputAndItsOutputGoesNowhere) {
+TEST(LinuxProcess, AStartedProgramHasNoInputAndItsOutputIsDiscarded) {
     const TempFolder folder;
     const std::string taken = (folder.Path() / "taken").string();
     ShellExecuteInfo info;
@@ -89,11 +89,11 @@ TEST(LinuxFiles, ARunningProgramsFileIsInUse) {
     EXPECT_EQ(FaultOfAppending(ExecutableFolder() + "\\" + ExecutableName(), ""), FileFault::InUse);
 }
 
-TEST(LinuxFiles, AFullDiskIsToldApart) {
+TEST(LinuxFiles, AFullDiskIsReportedAsSuch) {
     EXPECT_EQ(FaultOfAppending("/dev/full", "x"), FileFault::DiskFull);
 }
 
-/// What `body` gives in a process of its own whose files may grow to `bytes`.
+/// Runs `body` in a process whose files may grow to `bytes`, and returns its result.
 int WithLimit(rlim_t bytes, const std::function<bool()>& body) {
     const pid_t child = ::fork();
     if (child == 0) {
@@ -127,7 +127,7 @@ std::vector<std::string> NamesIn(const TempFolder& folder) {
 constexpr rlim_t kLimit = 4096;
 const std::string kTooLong(10000, 'x');
 
-TEST(LinuxFiles, AFileThatMayNotGrowIsNotReplacedByHalfOfTheNewOne) {
+TEST(LinuxFiles, AFileIsNotReplacedByHalfOfTheNewOneAtTheSizeLimit) {
     const TempFolder folder;
     WriteWholeFile(folder / "script", "old");
     EXPECT_EQ(WithLimit(kLimit,
@@ -140,7 +140,7 @@ TEST(LinuxFiles, AFileThatMayNotGrowIsNotReplacedByHalfOfTheNewOne) {
     EXPECT_EQ(NamesIn(folder), std::vector<std::string>{"script"});
 }
 
-TEST(LinuxFiles, ALogThatMayNotGrowHasNoHalfLine) {
+TEST(LinuxFiles, ALogAtTheSizeLimitHasNoHalfLine) {
     const TempFolder folder;
     const std::string log(kLimit - 10, 'l');
     WriteWholeFile(folder / "log", log);
@@ -149,7 +149,7 @@ TEST(LinuxFiles, ALogThatMayNotGrowHasNoHalfLine) {
     EXPECT_EQ(ReadWholeFile(folder / "log"), log);
 }
 
-TEST(LinuxFiles, ACopyThatMayNotGrowLeavesTheTarget) {
+TEST(LinuxFiles, ACopyAtTheSizeLimitLeavesTheTarget) {
     const TempFolder folder;
     WriteWholeFile(folder / "from", kTooLong);
     WriteWholeFile(folder / "to", "old");
@@ -188,7 +188,7 @@ TEST(LinuxFiles, ACopyHasTheOwnerOfItsSourceWhereTheUserMayGiveIt) {
     EXPECT_EQ(StatusOf(folder.Path() / "to").st_gid, given ? kOther : ::getegid());
 }
 
-TEST(LinuxFiles, AReplacedFileKeepsItsRightsAndANewOneIsItsOwnersAlone) {
+TEST(LinuxFiles, AReplacedFileKeepsItsRightsAndANewFileCanBeReadByItsOwnerOnly) {
     const TempFolder folder;
     const mode_t mask = ::umask(0);
     ReplaceWholeFile(folder / "script", "1");
@@ -222,7 +222,7 @@ TEST(LinuxFiles, OfAPrivateFileTheLinkStaysAndSoDoesADevice) {
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
-TEST(LinuxFiles, AReplacedFileBehindALinkStaysThere) {
+TEST(LinuxFiles, AFileThatALinkPointsToIsReplacedAndTheLinkStays) {
     const TempFolder folder;
     WriteWholeFile(folder / "real", "1");
     std::filesystem::create_symlink(folder.Path() / "real", folder.Path() / "link");
@@ -242,7 +242,7 @@ TEST(LinuxFiles, APipeOrADeviceIsNotReplacedByAFile) {
     EXPECT_TRUE(std::filesystem::is_fifo(pipe));
 }
 
-/// A process of its own that has the lock until it is killed.
+/// A process that has the lock until it is killed.
 class LockHolder {
   public:
     explicit LockHolder(const std::string& name) {
@@ -290,7 +290,7 @@ TEST(LinuxLock, IsNotHandedToAStartedProgram) {
     ShellExecuteInfo info;
     info.mask = kNoCloseProcess;
     info.file = "/bin/sh";
-    // It ends when its folder is gone.
+    // The program ends when its folder is deleted.
     info.parameters = "-c \"while [ -e '" + (folder / "wait") + "' ]; do sleep 0.02; done\"";
     std::unique_ptr<Process> process;
     ASSERT_TRUE(ShellExecuteProgram(info, process));

@@ -1,4 +1,4 @@
-// Text beyond ASCII at the edges of the system, which is UTF-8 there and code page 1252 inside.
+// Text beyond ASCII that comes from the system or goes to it: UTF-8 outside, code page 1252 inside.
 #include "platform/system_text.h"
 
 #include <filesystem>
@@ -25,9 +25,9 @@ constexpr const char* kInside = "Pr\xFC"
 constexpr const char* kOutside = "Pr\xC3\xBC"
                                  "f \xE2\x82\xAC";
 constexpr const char* kGreek = "\xCE\xA9";       // no character of the code page
-constexpr const char* kHalf = "\xC3\xBC \xFC x"; // UTF-8 and a byte that is not
+constexpr const char* kHalf = "\xC3\xBC \xFC x"; // UTF-8, and a byte that is not UTF-8
 
-TEST(SystemText, IsTakenIntoTheCodePageAndBack) {
+TEST(SystemText, IsConvertedToTheCodePageAndBack) {
     EXPECT_EQ(FromSystemText(kOutside), kInside);
     EXPECT_EQ(ToSystemText(kInside), kOutside);
     EXPECT_EQ(FromSystemText("plain"), "plain");
@@ -45,14 +45,14 @@ TEST(SystemText, OfTheCodePageIsNeverTakenForUtf8) {
     EXPECT_EQ(FromSystemText("\xC3\x83\xC2\xA4"), "\xC3\xA4");
 }
 
-TEST(SystemText, OfArgumentsComesInTheCodePage) {
+TEST(SystemText, OfArgumentsIsInTheCodePage) {
     const char* const arguments[] = {"program", kOutside, "plain"};
     EXPECT_EQ(ProgramArguments(3, arguments), (std::vector<std::string>{kInside, "plain"}));
     EXPECT_EQ(ProgramArguments(0, nullptr), std::vector<std::string>{});
     EXPECT_EQ(RawCommandLine(), std::nullopt);
 }
 
-TEST(SystemText, OfFilesIsWrittenAsTheSystemWritesIt) {
+TEST(SystemText, OfFileNamesIsUtf8OnTheDisk) {
     const TempFolder folder;
     CreateFolder(folder / kInside);
     WriteWholeFile(folder / kInside + "\\" + kInside, "a");
@@ -67,13 +67,13 @@ TEST(SystemText, OfFilesIsWrittenAsTheSystemWritesIt) {
     EXPECT_FALSE(FileExists(folder / kInside + "\\" + kInside));
 }
 
-TEST(SystemText, OfNoEncodingInAFilesNameIsNoHindrance) {
+TEST(SystemText, InAFileNameMayHaveAnyBytes) {
     const TempFolder folder;
     std::ofstream(folder.Path() / "\xFC\\") << "x";
     EXPECT_TRUE(FolderHoldsFile(folder / ""));
 }
 
-TEST(SystemText, OfAStartedProgramIsTheSystems) {
+TEST(SystemText, OfAStartedProgramsArgumentsIsUtf8) {
     const TempFolder folder;
     CreateFolder(folder / kInside);
     const fs::path program = folder.Path() / kOutside / "OSQL.EXE";

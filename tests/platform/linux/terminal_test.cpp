@@ -1,4 +1,4 @@
-// The terminal of this system: an error channel that nobody reads, and who can press Enter.
+// The terminal on Linux: an error channel that nobody reads, and when Enter can be awaited.
 #include "platform/terminal.h"
 
 #include <array>
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The error channel, in the place of the test's own for as long as this lives.
+/// Replaces the test's error channel for as long as it lives.
 class ErrorChannel {
   public:
     explicit ErrorChannel(int channel) : before_(::dup(STDERR_FILENO)) { ::dup2(channel, STDERR_FILENO); }
@@ -62,25 +62,25 @@ TEST(LinuxTerminal, TextArrivesWholeAndInTheSystemsEncoding) {
     ::close(ends[1]);
 }
 
-/// In a process of its own, at a terminal of its own: what a run in front of it is told, and one behind.
+/// Asks in a new process with its own terminal: once as the foreground job and once as a background job.
 int AskAtATerminal() {
-    constexpr int kInFront = 1;
-    constexpr int kBehind = 2;
-    const int in_front = platform::TerminalIsInteractive() ? kInFront : 0;
+    constexpr int kForeground = 1;
+    constexpr int kBackground = 2;
+    const int foreground = platform::TerminalIsInteractive() ? kForeground : 0;
     const pid_t job = ::fork();
     if (job == 0) {
         ::setpgid(0, 0); // as a shell starts a job with "&"
-        ::_exit(platform::TerminalIsInteractive() ? kBehind : 0);
+        ::_exit(platform::TerminalIsInteractive() ? kBackground : 0);
     }
     int status = 0;
     ::waitpid(job, &status, 0);
-    return in_front | WEXITSTATUS(status);
+    return foreground | WEXITSTATUS(status);
 }
 
-TEST(LinuxTerminal, OnlyARunInFrontOfItsTerminalCanBeAnswered) {
+TEST(LinuxTerminal, OnlyAForegroundJobIsInteractive) {
     int terminal = -1;
     const pid_t session = ::forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (session < 0) { // a system without terminals has nobody who could answer
+    if (session < 0) { // a system without terminals
         EXPECT_FALSE(platform::TerminalIsInteractive());
         return;
     }

@@ -1,4 +1,4 @@
-// Has the locales that the build made looked up before any test runs.
+// Sets LOCPATH to the locales that the build has made before any test runs.
 #include <cstdlib>
 
 namespace {
@@ -7,8 +7,8 @@ namespace {
 
 } // namespace
 
-/// The C library (2.36) loses the list that it makes of LOCPATH each time a locale is made. The name is the
-/// sanitizer's.
+/// The C library (2.36) leaks its list of the folders in LOCPATH whenever a locale is made. The leak
+/// sanitizer calls this function by its name.
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:__argz_add_sep";
 }

@@ -1,5 +1,5 @@
-// Damaged .reg files: each is found out, at the line where the damage is, and none is taken for an empty or a
-// shorter registry.
+// Damaged .reg files: each damage is found at its line, and no damaged file is read as an empty or shorter
+// registry.
 #include <string>
 
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ const Damage kDamages[] = {
     {"AnUnknownHeader", "REGEDIT5\r\n", 1},
     {"AHeaderInAnotherCase", "regedit4\r\n", 1},
     {"ACutHeader", "Windows Registry Editor Version 5.0", 1},
-    {"TextBehindTheHeader", "REGEDIT4 [HKLM\\A]\r\n", 1},
+    {"TextAfterTheHeader", "REGEDIT4 [HKLM\\A]\r\n", 1},
     {"APicture", "\x89PNG\r\n\x1A\n", 1},
     {"APage", "<!DOCTYPE html>\n<html></html>\n", 1},
     {"OnlyZeroBytes", std::string(4096, '\0'), 1},
@@ -43,7 +43,7 @@ const Damage kDamages[] = {
     {"AMarkOfUtf8WithoutUtf8", "\xEF\xBB\xBFREGEDIT4\r\n;\xFC\r\n", 1},
     {"HalfASurrogatePairInUtf8", "\xEF\xBB\xBFREGEDIT4\r\n;\xED\xA0\x80\r\n", 1},
     {"AnOverlongCharacterInUtf8", "\xEF\xBB\xBFREGEDIT4\r\n;\xC0\xAF\r\n", 1},
-    {"ACharacterBehindTheLastInUtf8", "\xEF\xBB\xBFREGEDIT4\r\n;\xF4\x90\x80\x80\r\n", 1},
+    {"ACharacterAfterTheLastInUtf8", "\xEF\xBB\xBFREGEDIT4\r\n;\xF4\x90\x80\x80\r\n", 1},
     {"ACutCharacterInUtf8", "\xEF\xBB\xBFREGEDIT4\r\n;\xE2\x82", 1},
     {"AZeroByteInALine", Body("\"v\"=\"a\"\r\n") + std::string("\0", 1), 5},
     {"AZeroByteInAComment", Body(std::string(";\0\r\n", 4)), 4},
@@ -63,9 +63,9 @@ const Damage kDamages[] = {
     {"AValueWithoutAnEqualsSign", Body("\"v\" \"a\"\r\n"), 4},
     {"AValueWithoutData", Body("\"v\"=\r\n"), 4},
     {"ADefaultValueWithoutAnything", Body("@\r\n"), 4},
-    {"AValueBehindAValue", Body("\"v\"=\"a\" \"w\"=\"b\"\r\n"), 4},
-    {"AKeyBehindAValue", Body("\"v\"=dword:1 [HKLM\\B]\r\n"), 4},
-    {"TextBehindADeletion", Body("\"v\"=-x\r\n"), 4},
+    {"AValueAfterAValue", Body("\"v\"=\"a\" \"w\"=\"b\"\r\n"), 4},
+    {"AKeyAfterAValue", Body("\"v\"=dword:1 [HKLM\\B]\r\n"), 4},
+    {"TextAfterADeletion", Body("\"v\"=-x\r\n"), 4},
     {"ANumberWithoutDigits", Body("\"v\"=dword:\r\n"), 4},
     {"ANumberWithTooManyDigits", Body("\"v\"=dword:000000001\r\n"), 4},
     {"ANumberWithALetter", Body("\"v\"=dword:0000000g\r\n"), 4},
@@ -85,7 +85,7 @@ const Damage kDamages[] = {
     {"ATypeWithoutItsBracket", Body("\"v\"=hex(2:01\r\n"), 4},
     {"ATypeOfTooManyDigits", Body("\"v\"=hex(000000002):01\r\n"), 4},
     {"AKeyWithoutItsBracket", "REGEDIT4\r\n[HKLM\\A\r\n", 2},
-    {"ATextBehindAKey", "REGEDIT4\r\n[HKLM\\A] x\r\n", 2},
+    {"ATextAfterAKey", "REGEDIT4\r\n[HKLM\\A] x\r\n", 2},
     {"AKeyOfNoHive", "REGEDIT4\r\n[SOFTWARE\\A]\r\n", 2},
     {"AKeyWithoutAName", "REGEDIT4\r\n[]\r\n", 2},
     {"ADeletionWithoutAName", "REGEDIT4\r\n[-]\r\n", 2},
@@ -94,7 +94,7 @@ const Damage kDamages[] = {
 
 class DamagedRegFile : public testing::TestWithParam<Damage> {};
 
-TEST_P(DamagedRegFile, IsFoundOutAtItsLine) {
+TEST_P(DamagedRegFile, IsFoundAtItsLine) {
     try {
         const RegFile file(GetParam().bytes);
         FAIL() << "was read";
@@ -122,7 +122,8 @@ bool Reads(const std::string& bytes) {
     }
 }
 
-/// How many of the cuts can be read. Those are the ones that leave whole lines; each other is damage.
+/// The number of cuts after which the file can be read, since they leave complete lines; all others are
+/// damage.
 std::size_t CutsThatRead(const std::string& bytes) {
     std::size_t count = 0;
     for (std::size_t length = 0; length <= bytes.size(); ++length) {
@@ -133,7 +134,7 @@ std::size_t CutsThatRead(const std::string& bytes) {
 
 class CutRegFile : public testing::TestWithParam<RegEncoding> {};
 
-TEST_P(CutRegFile, IsReadOrFoundOutAtEveryByte) {
+TEST_P(CutRegFile, IsReadOrFoundAtEveryByte) {
     const std::string bytes = EncodeRegText({GetParam(), kSample});
     ASSERT_TRUE(Reads(bytes));
     const std::size_t count = CutsThatRead(bytes);
@@ -145,17 +146,17 @@ INSTANTIATE_TEST_SUITE_P(Encodings, CutRegFile,
                          testing::Values(RegEncoding::Utf16, RegEncoding::Utf8, RegEncoding::Utf8WithMark,
                                          RegEncoding::CodePage1252));
 
-TEST(ChangedRegFile, IsReadOrFoundOutWithAnyOneByteChanged) {
+TEST(ChangedRegFile, IsReadOrFoundWithAnyOneByteChanged) {
     const std::string bytes = EncodeRegText({RegEncoding::Utf8, kSample});
-    std::size_t found_out = 0;
+    std::size_t found = 0;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         for (const char c : {'\0', '\n', '"', '\\', ']', '[', ';', '\xFF', '='}) {
             std::string changed = bytes;
             changed[i] = c;
-            found_out += Reads(changed) ? 0 : 1;
+            found += Reads(changed) ? 0 : 1;
         }
     }
-    EXPECT_GT(found_out, bytes.size());
+    EXPECT_GT(found, bytes.size());
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// What a .reg file may hold, and what a change leaves of it.
+// The content of .reg files, and changes to them.
 #include "registry/linux/reg_file.h"
 
 #include <string>
@@ -26,7 +26,7 @@ std::u16string Wide(const std::string& text) {
     return Utf16FromEscaped(text);
 }
 
-/// The stored bytes; "none" if there is no such value.
+/// The stored bytes; the text "none" if there is no such value.
 std::string BytesOf(const RegFile& file, const std::string& key, const std::string& name) {
     const RegValue* value = file.Find(Path(key), name);
     return value == nullptr ? "none" : value->bytes;
@@ -38,7 +38,7 @@ std::string TextOf(const RegFile& file, const std::string& key, const std::strin
     return bytes.substr(0, bytes.find('\0'));
 }
 
-/// The value "v" of the key A, whose data is `data` as it stands behind the equals sign.
+/// The value "v" of the key A, where `data` is its text after the equals sign.
 RegValue ValueOf(const std::string& header, const std::string& data) {
     const RegFile file(header + "[HKEY_LOCAL_MACHINE\\A]\r\n\"v\"=" + data + "\r\n");
     const RegValue* value = file.Find(Path("A"), "v");
@@ -63,7 +63,7 @@ TEST(RegFile, ReadsVersion5AsPeopleSaveItInUtf8) {
     EXPECT_EQ(TextOf(RegFile("\xEF\xBB\xBF" + body), "A", "v"), "Z\xFCrich \x80");
 }
 
-TEST(RegFile, ReadsVersion5ThatIsNoUtf8InTheEightBitCodePage) {
+TEST(RegFile, ReadsVersion5ThatIsNotUtf8InTheEightBitCodePage) {
     EXPECT_EQ(TextOf(RegFile(kVersion5 + "[HKLM\\A]\n\"v\"=\"Z\xFCrich\"\n"), "A", "v"), "Z\xFCrich");
 }
 
@@ -74,14 +74,14 @@ TEST(RegFile, EscapesACharacterOutsideTheCodePage) {
               "b");
 }
 
-TEST(RegFile, PassesOverCommentsBlankLinesAndBlanks) {
+TEST(RegFile, SkipsCommentsEmptyLinesAndBlanks) {
     const RegFile file(kRegedit4 + "; a comment\r\n\r\n  [HKEY_LOCAL_MACHINE\\A]  ; and another\r\n\t\r\n"
                                    "  \"v\" = \"text\" ; \"more\"\r\n;\"w\"=\"no\"\r\n");
     EXPECT_EQ(TextOf(file, "A", "v"), "text");
     EXPECT_EQ(BytesOf(file, "A", "w"), "none");
 }
 
-TEST(RegFile, ReadsEveryKindOfLineEndAndNoneBehindTheLastLine) {
+TEST(RegFile, ReadsEveryKindOfLineEndAndALastLineWithoutOne) {
     for (const std::string end : {"\r\n", "\n", "\r"}) {
         std::string bytes;
         for (const char* line : {"REGEDIT4", "", "[HKLM\\A]", "\"v\"=\"one\""}) {
@@ -94,7 +94,7 @@ TEST(RegFile, ReadsEveryKindOfLineEndAndNoneBehindTheLastLine) {
     }
 }
 
-TEST(RegFile, TakesBackslashesAndQuotesOutOfTheirEscapes) {
+TEST(RegFile, ReadsEscapedBackslashesAndQuotes) {
     const RegFile file(kRegedit4 + R"([HKLM\A])"
                                    "\r\n"
                                    R"("a\\b\"c"="C:\\d \"e\"\\")"
@@ -141,7 +141,7 @@ TEST(RegFile, LeavesOutHalfACharacterOfHexadecimalText) {
     EXPECT_EQ(ValueOf(kVersion5, "hex(1):41,00,42").bytes, "A");
 }
 
-TEST(RegFile, KnowsTheHivesByTheirShortNames) {
+TEST(RegFile, AcceptsTheShortNamesOfTheHives) {
     const RegFile file(kRegedit4 + "[hklm\\A]\r\n\"v\"=\"machine\"\r\n[HKCU\\A]\r\n\"v\"=\"user\"\r\n");
     EXPECT_EQ(TextOf(file, "A", "v"), "machine");
     const RegValue* value = file.Find(MakeRegPath(u"HKEY_CURRENT_USER", "A"), "v");
@@ -166,7 +166,7 @@ TEST(RegFile, EndsAKeyAtItsLastBracket) {
     EXPECT_TRUE(RegFile(kRegedit4 + "[HKLM\\A [x] b]\r\n").HasKey(Path("A [x] b")));
 }
 
-TEST(RegFile, AddsUpSeveralSectionsOfOneKeyAndTheLastValueHolds) {
+TEST(RegFile, JoinsSeveralSectionsOfAKeyAndTheLastValueCounts) {
     const RegFile file(
         kRegedit4 + "[HKLM\\A]\r\n\"v\"=\"1\"\r\n\"w\"=\"2\"\r\n[HKLM\\B]\r\n[HKLM\\a]\r\n\"V\"=\"3\"\r\n");
     EXPECT_EQ(TextOf(file, "A", "v"), "3");
@@ -180,7 +180,7 @@ TEST(RegFile, DeletesAValue) {
     EXPECT_TRUE(file.HasKey(Path("A")));
 }
 
-TEST(RegFile, DeletesAKeyWithAllBelowItAndNothingBeside) {
+TEST(RegFile, DeletesAKeyWithAllKeysBelowItAndNoOther) {
     const RegFile file(
         kRegedit4 +
         "[HKLM\\A\\B]\r\n\"v\"=\"1\"\r\n[HKLM\\AB]\r\n[HKLM\\A!]\r\n[-HKLM\\A]\r\n\"v\"=\"2\"\r\n");
@@ -190,7 +190,7 @@ TEST(RegFile, DeletesAKeyWithAllBelowItAndNothingBeside) {
     EXPECT_TRUE(file.HasKey(Path("A!")));
 }
 
-TEST(RegFile, HasAKeyThatComesBackBehindItsDeletion) {
+TEST(RegFile, HasAKeyThatIsMadeAgainAfterItsDeletion) {
     RegFile file(kRegedit4 + "[HKLM\\A]\r\n\"v\"=\"1\"\r\n[-HKLM\\A]\r\n[HKLM\\A]\r\n\"w\"=\"2\"\r\n");
     EXPECT_EQ(BytesOf(file, "A", "v"), "none");
     file.SetValue(Path("A"), "v", 1, "new");
@@ -198,7 +198,7 @@ TEST(RegFile, HasAKeyThatComesBackBehindItsDeletion) {
     EXPECT_EQ(TextOf(RegFile(file.Bytes()), "A", "w"), "2");
 }
 
-TEST(RegFile, IsEmptyBehindItsHeader) {
+TEST(RegFile, IsEmptyAfterItsHeader) {
     EXPECT_FALSE(RegFile("REGEDIT4").HasKey(Path("A")));
     EXPECT_FALSE(RegFile("Windows Registry Editor Version 5.00  \n").HasKey(Path("A")));
 }
@@ -214,13 +214,13 @@ TEST(RegFileChange, ReplacesAValueAndLeavesEverythingElse) {
     EXPECT_EQ(file.Bytes(), after);
 }
 
-TEST(RegFileChange, PutsANewValueBehindTheLastOfItsKey) {
+TEST(RegFileChange, PutsANewValueAfterTheLastOfItsKey) {
     RegFile file("REGEDIT4\n\n[HKLM\\A]\n\"v\"=hex:01,\\\n  02 ; two\n\n[HKLM\\B]\n");
     file.SetValue(Path("A"), "w", 1, "x");
     EXPECT_EQ(file.Bytes(), "REGEDIT4\n\n[HKLM\\A]\n\"v\"=hex:01,\\\n  02 ; two\n\"w\"=\"x\"\n\n[HKLM\\B]\n");
 }
 
-TEST(RegFileChange, ReplacesTheValueThatHolds) {
+TEST(RegFileChange, ReplacesTheValueThatCounts) {
     RegFile file("REGEDIT4\n[HKLM\\A]\n\"v\"=\"1\"\n[HKLM\\A]\n\"v\"=\"2\"\n");
     file.SetValue(Path("A"), "v", 1, "3");
     EXPECT_EQ(file.Bytes(), "REGEDIT4\n[HKLM\\A]\n\"v\"=\"1\"\n[HKLM\\A]\n\"v\"=\"3\"\n");
@@ -275,7 +275,7 @@ TEST(RegFileChange, KeepsHalfASurrogatePairOfAComment) {
     EXPECT_EQ(file.Bytes(), before);
 }
 
-TEST(RegFileChange, WritesControlCharactersSoThatNoLineBreaks) {
+TEST(RegFileChange, WritesControlCharactersWithoutBreakingALine) {
     const std::string text("a\r\nb\0c\td", 8);
     for (const auto& header : {kRegedit4, kVersion5}) {
         RegFile file(header);

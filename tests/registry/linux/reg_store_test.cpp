@@ -1,4 +1,4 @@
-// Where the .reg files lie, and that a save costs nothing that was there: seen through the registry's calls.
+// Where the .reg files are, and that saving loses nothing, tested through the registry's calls.
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -33,7 +33,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kKey = R"(SOFTWARE\Orvik\Test)";
 
-/// What `body` gives in a process of its own, which may lose its rights and cannot get them back.
+/// Runs `body` in a new process, which may give up its rights for ever, and returns its result.
 int InChild(const std::function<int()>& body) {
     const pid_t child = ::fork();
     if (child == 0) {
@@ -105,7 +105,7 @@ class RegStore : public testing::Test {
         return error == kSuccess ? buffer.substr(0, buffer.find('\0'))
                                  : "query " + std::to_string(error.number);
     }
-    /// The system's text for what opening the key gives.
+    /// The system's text for the error of opening the key.
     static std::string Message() {
         return SystemMessage(OpenKey(kHkeyLocalMachine, kKey, kKeyQueryValue).error, 200);
     }
@@ -122,25 +122,25 @@ TEST_F(RegStore, IsAnEmptyRegistryWithoutItsFile) {
     EXPECT_TRUE(FilesInFolder().empty());
 }
 
-TEST_F(RegStore, LiesWhereTheEnvironmentSays) {
+TEST_F(RegStore, IsWhereTheEnvironmentSays) {
     Put(folder_ / "other/my.reg", Sample("there"));
     ::setenv("KVLSQLDBMGR_REGISTRY", (folder_ / "other/my.reg").c_str(), 1);
     EXPECT_EQ(Read("v"), "there");
 }
 
-TEST_F(RegStore, LiesInTheUsersConfigurationElse) {
+TEST_F(RegStore, IsInTheUsersConfigurationOtherwise) {
     Put(folder_ / "KVLSQLDbMgr/registry.reg", Sample("configured"));
     ::setenv("KVLSQLDBMGR_REGISTRY", "", 1);
     ::setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
     EXPECT_EQ(Read("v"), "configured");
 }
 
-TEST_F(RegStore, LiesBelowTheHomeFolderElse) {
+TEST_F(RegStore, IsBelowTheHomeFolderWithoutAConfigurationFolder) {
     Put(folder_ / ".config/KVLSQLDbMgr/registry.reg", Sample("at home"));
     const char* home = std::getenv("HOME");
     const std::string kept = home == nullptr ? "" : home;
     ::unsetenv("KVLSQLDBMGR_REGISTRY");
-    ::setenv("XDG_CONFIG_HOME", "relative", 1); // counts for nothing
+    ::setenv("XDG_CONFIG_HOME", "relative", 1); // is ignored
     ::setenv("HOME", folder_.c_str(), 1);
     const std::string text = Read("v");
     ::setenv("HOME", kept.c_str(), 1);
@@ -164,7 +164,7 @@ TEST_F(RegStore, KeepsTheModeOfItsFile) {
     EXPECT_EQ(ModeOf(File()), 0640U);
 }
 
-TEST_F(RegStore, SavesBehindASymbolicLink) {
+TEST_F(RegStore, SavesToTheFileThatASymbolicLinkPointsTo) {
     Put(folder_ / "real/site.reg", Sample("old"));
     fs::create_symlink(folder_ / "real/site.reg", File());
     EXPECT_EQ(Save("v", "new"), kSuccess);
@@ -172,13 +172,13 @@ TEST_F(RegStore, SavesBehindASymbolicLink) {
     EXPECT_EQ(Get(folder_ / "real/site.reg"), Sample("new"));
 }
 
-TEST_F(RegStore, LeavesNothingBesideTheFileButItsLock) {
+TEST_F(RegStore, LeavesOnlyTheFileAndItsLock) {
     Put(Sample("old"));
     EXPECT_EQ(Save("v", "new"), kSuccess);
     EXPECT_EQ(FilesInFolder(), (std::vector<std::string>{"registry.reg", "registry.reg.lock"}));
 }
 
-TEST_F(RegStore, TakesNoHarmFromWhatACrashLeftBeside) {
+TEST_F(RegStore, IsNotHarmedByFilesThatACrashHasLeft) {
     Put(Sample("old"));
     Put(folder_ / "registry.reg.new", "half a fi");
     EXPECT_EQ(Read("v"), "old");
@@ -233,7 +233,7 @@ TEST_F(RegStore, ReportsAFileThatCannotBeUsedOnTheTerminalOnce) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), begin + ": it is not a plain file\n");
 }
 
-TEST_F(RegStore, IsNotEndedByATerminalThatNobodyReads) {
+TEST_F(RegStore, DoesNotEndTheProgramIfNobodyReadsTheTerminal) {
     Put("rubbish");
     EXPECT_EQ(InChild([] {
                   std::array<int, 2> ends{};
@@ -247,7 +247,7 @@ TEST_F(RegStore, IsNotEndedByATerminalThatNobodyReads) {
               1);
 }
 
-/// The same object, as long as the file has not changed for some time.
+/// The same object is returned as long as the file has not changed.
 TEST_F(RegStore, IsReadOnceWhileItsFileStaysAsItIs) {
     Put(Sample("old"));
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
@@ -267,7 +267,7 @@ TEST_F(RegStore, IsReadOnceWhileItsFileStaysAsItIs) {
     EXPECT_EQ(Read("v"), "mine");
 }
 
-TEST_F(RegStore, EscapesWhatTheCodePageLacksAndSavesItAsItWas) {
+TEST_F(RegStore, EscapesCharactersThatTheCodePageLacksAndSavesThemUnchanged) {
     const std::string path = "/home/\xC5\x81ukasz";
     Put("Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\" + std::string(kKey) + "]\n\"v\"=\"" +
         path + "\"\n");
@@ -284,7 +284,7 @@ TEST_F(RegStore, RefusesATextThatTheFilesEncodingLacks) {
     EXPECT_EQ(Get(File()), Sample("old"));
 }
 
-TEST_F(RegStore, TellsFileAndLineOfTheDamageInTheSystemsText) {
+TEST_F(RegStore, NamesFileAndLineOfADamageInTheSystemsText) {
     Put("REGEDIT4\n\nrubbish\n");
     const std::string text = Message();
     EXPECT_TRUE(text.starts_with("The configuration registry database is corrupt: ")) << text;
@@ -301,7 +301,7 @@ TEST_F(RegStore, KeepsTheEndOfATextThatIsTooLongForTheBuffer) {
     EXPECT_TRUE(text.ends_with("line 2: neither a key nor a value nor a comment\r\n")) << text;
 }
 
-TEST_F(RegStore, ForgetsADamageThatIsMended) {
+TEST_F(RegStore, ReadsAFileAgainAfterItsDamageIsRepaired) {
     Put("rubbish");
     EXPECT_EQ(Read("v"), "open 1009");
     Put(Sample("mended"));
@@ -408,7 +408,7 @@ TEST_F(RegStore, WaitsForAnotherProcessThatSaves) {
     EXPECT_EQ(Read("w"), "mine");
 }
 
-TEST_F(RegStore, HasOtherComputersBesideItsFile) {
+TEST_F(RegStore, FindsTheFilesOfOtherComputersBesideItsOwn) {
     Put(folder_ / "computers/ServerB.reg", Sample("of B"));
     for (const std::string name : {"ServerB", "\\\\SERVERB", "serverb"}) {
         const OpenedKey root = ConnectRegistry(name, kHkeyLocalMachine);
@@ -442,7 +442,7 @@ TEST_F(RegStore, FailsOnADamagedFileOfAnotherComputer) {
     EXPECT_EQ(Read("v", root.key), "open 1009");
 }
 
-TEST_F(RegStore, KnowsItselfByItsOwnName) {
+TEST_F(RegStore, AcceptsTheNameOfThisComputer) {
     Put(Sample("mine"));
     std::array<char, 256> name{};
     ASSERT_EQ(::gethostname(name.data(), name.size() - 1), 0);

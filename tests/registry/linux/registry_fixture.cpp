@@ -13,7 +13,7 @@ namespace registry_tests {
 namespace {
 
 std::filesystem::path Folder() {
-    return std::filesystem::temp_directory_path() / ("kv_registry_room_" + std::to_string(::getpid()));
+    return std::filesystem::temp_directory_path() / ("kv_registry_test_" + std::to_string(::getpid()));
 }
 
 std::filesystem::path File() {
@@ -27,26 +27,26 @@ std::string HiveName(std::int32_t hive) {
 } // namespace
 
 /// REGEDIT4 keeps text in the 8-bit code page.
-RegistryRoom::RegistryRoom() {
+TestRegistry::TestRegistry() {
     std::filesystem::remove_all(Folder());
     std::filesystem::create_directories(Folder());
     std::ofstream(File()) << "REGEDIT4\r\n";
     ::setenv("KVLSQLDBMGR_REGISTRY", File().c_str(), 1);
 }
 
-RegistryRoom::~RegistryRoom() {
+TestRegistry::~TestRegistry() {
     ::unsetenv("KVLSQLDBMGR_REGISTRY");
     std::filesystem::remove_all(Folder());
 }
 
-std::string RegistryRoom::Key() const {
+std::string TestRegistry::Key() const {
     return "SOFTWARE\\KVLSQLDbMgrTest";
 }
 
-/// The whole file is the room's.
-void RegistryRoom::OwnLocalMachine() {}
+/// The whole file belongs to the test.
+void TestRegistry::OwnLocalMachine() {}
 
-void RegistryRoom::Put(std::int32_t hive, const std::string& key, const std::string& name, std::uint32_t type,
+void TestRegistry::Put(std::int32_t hive, const std::string& key, const std::string& name, std::uint32_t type,
                        const std::string& bytes) {
     std::ofstream file(File(), std::ios::app | std::ios::binary);
     file << "\r\n[" << HiveName(hive) << "\\" << key << "]\r\n\"" << name << "\"=hex(" << std::hex << type
@@ -61,8 +61,8 @@ void RegistryRoom::Put(std::int32_t hive, const std::string& key, const std::str
     file << "\r\n";
 }
 
-/// The file keeps a class as the comment above its key.
-std::string RegistryRoom::ClassOf(std::int32_t hive, const std::string& key) const {
+/// The file has a class as a comment above its key.
+std::string TestRegistry::ClassOf(std::int32_t hive, const std::string& key) const {
     std::ifstream file(File(), std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
     const auto section = text.find("\r\n[" + HiveName(hive) + "\\" + key + "]");

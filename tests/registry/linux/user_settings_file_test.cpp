@@ -1,4 +1,4 @@
-// What the settings file of this system owes its user beyond the texts themselves.
+// The settings file on Linux: its rights, and what happens to it when it cannot be read or written.
 #include "registry/user_settings.h"
 
 #include <cstdlib>
@@ -41,7 +41,7 @@ TEST_F(UserSettingsFile, AFileThatWasOpenToAllIsClosedByTheNextWrite) {
     EXPECT_EQ(ModeOf(File()) & fs::perms::others_read, fs::perms::none);
 }
 
-TEST_F(UserSettingsFile, WhatAPersonHasAddedStays) {
+TEST_F(UserSettingsFile, LinesThatAPersonHasAddedStay) {
     fs::create_directories(File().parent_path());
     std::ofstream(File()) << "; mine\n[Other]\nkey=1\n\n[Settings]\nkey=2\nmore=3\n";
     ASSERT_TRUE(platform::WriteUserSetting("App", "Settings", "key", "4"));
@@ -56,7 +56,7 @@ TEST_F(UserSettingsFile, AFileThatCannotBeReadIsNotReplaced) {
     fs::permissions(File().parent_path(), fs::perms{0777});
     const pid_t child = ::fork();
     if (child == 0) {
-        // Without root's rights: the file is its user's alone, the folder is everybody's.
+        // Without the rights of root. Only its user can read the file; everybody can write to the folder.
         constexpr uid_t kNobody = 65534;
         const bool dropped = ::geteuid() != 0 ? ::chmod(File().c_str(), 0) == 0
                                               : ::setegid(kNobody) == 0 && ::seteuid(kNobody) == 0;
@@ -71,7 +71,7 @@ TEST_F(UserSettingsFile, AFileThatCannotBeReadIsNotReplaced) {
     EXPECT_EQ(platform::ReadUserSetting("App", "Settings", "key", "none"), "1");
 }
 
-TEST_F(UserSettingsFile, AFolderThatCannotBeMadeIsAFailureWithoutNoise) {
+TEST_F(UserSettingsFile, AFolderThatCannotBeMadeIsAFailureWithoutAnException) {
     std::ofstream(folder_.Path() / "App") << "a file where the folder should be";
     EXPECT_FALSE(platform::WriteUserSetting("App", "Settings", "key", "1"));
     EXPECT_EQ(platform::ReadUserSetting("App", "Settings", "key", "none"), "none");

@@ -6,15 +6,15 @@
 
 namespace settings_tests {
 
-struct SettingsRoom::State {
+struct TestSettings::State {
     support::TempFolder folder;
 };
 
-SettingsRoom::SettingsRoom() : state_(std::make_unique<State>()), application_("KVTest") {
+TestSettings::TestSettings() : state_(std::make_unique<State>()), application_("KVTest") {
     ::setenv("XDG_CONFIG_HOME", state_->folder.Path().c_str(), 1);
 }
 
-SettingsRoom::~SettingsRoom() {
+TestSettings::~TestSettings() {
     ::unsetenv("XDG_CONFIG_HOME");
 }
 

@@ -20,7 +20,8 @@ void Must(LSTATUS error) {
 
 void Clear(const std::string& key) {
     for (const auto hive : {platform::kHkeyCurrentUser, platform::kHkeyLocalMachine}) {
-        // The key's content goes first: the call that takes both is not in every system's library.
+        // The key's content is deleted first: the call that deletes both is not in every version of the
+        // system's library.
         ::RegDeleteTreeA(Native(hive), key.c_str());
         ::RegDeleteKeyA(Native(hive), key.c_str());
     }
@@ -28,20 +29,20 @@ void Clear(const std::string& key) {
 
 } // namespace
 
-RegistryRoom::RegistryRoom() {
+TestRegistry::TestRegistry() {
     Clear(Key());
 }
 
-RegistryRoom::~RegistryRoom() {
+TestRegistry::~TestRegistry() {
     ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
     Clear(Key());
 }
 
-std::string RegistryRoom::Key() const {
+std::string TestRegistry::Key() const {
     return "SOFTWARE\\KVLSQLDbMgrTest" + std::to_string(::GetCurrentProcessId());
 }
 
-void RegistryRoom::OwnLocalMachine() {
+void TestRegistry::OwnLocalMachine() {
     HKEY machine = nullptr;
     Must(::RegCreateKeyA(HKEY_CURRENT_USER, Key("LocalMachine").c_str(), &machine));
     const LSTATUS error = ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine);
@@ -49,11 +50,11 @@ void RegistryRoom::OwnLocalMachine() {
     Must(error);
 }
 
-void RegistryRoom::Put(std::int32_t hive, const std::string& key, const std::string& name, std::uint32_t type,
+void TestRegistry::Put(std::int32_t hive, const std::string& key, const std::string& name, std::uint32_t type,
                        const std::string& bytes) {
     HKEY opened = nullptr;
     Must(::RegCreateKeyA(Native(hive), key.c_str(), &opened));
-    // The system takes a NUL behind the bytes in; another character there keeps it from doing so.
+    // The system stores a NUL that follows the bytes as well; another character there prevents that.
     const std::string guarded = bytes + "!";
     const LSTATUS error =
         ::RegSetValueExA(opened, name.c_str(), 0, type, reinterpret_cast<const BYTE*>(guarded.data()),
@@ -62,7 +63,7 @@ void RegistryRoom::Put(std::int32_t hive, const std::string& key, const std::str
     Must(error);
 }
 
-std::string RegistryRoom::ClassOf(std::int32_t hive, const std::string& key) const {
+std::string TestRegistry::ClassOf(std::int32_t hive, const std::string& key) const {
     HKEY opened = nullptr;
     Must(::RegOpenKeyExA(Native(hive), key.c_str(), 0, KEY_QUERY_VALUE, &opened));
     std::array<char, 256> name{};

@@ -4,11 +4,11 @@
 
 namespace settings_tests {
 
-struct SettingsRoom::State {};
+struct TestSettings::State {};
 
-SettingsRoom::SettingsRoom() : application_("KVTest" + std::to_string(::GetCurrentProcessId())) {}
+TestSettings::TestSettings() : application_("KVTest" + std::to_string(::GetCurrentProcessId())) {}
 
-SettingsRoom::~SettingsRoom() {
+TestSettings::~TestSettings() {
     const std::string key = "Software\\VB and VBA Program Settings\\" + application_;
     ::RegDeleteTreeA(HKEY_CURRENT_USER, key.c_str());
     ::RegDeleteKeyA(HKEY_CURRENT_USER, key.c_str());

@@ -1,0 +1,33 @@
+#include <iostream>
+
+#include "platform/terminal.h"
+
+namespace platform {
+namespace {
+
+/// While it lives, the terminal does not show what is typed.
+class WithoutEcho {
+  public:
+    WithoutEcho() : before_(SetEcho(false)) {}
+    WithoutEcho(const WithoutEcho&) = delete;
+    WithoutEcho& operator=(const WithoutEcho&) = delete;
+    ~WithoutEcho() { SetEcho(before_); }
+
+  private:
+    bool before_;
+};
+
+} // namespace
+
+std::string AskPassword(const std::string& prompt) {
+    std::cerr << prompt << std::flush;
+    std::string password;
+    {
+        const WithoutEcho silent;
+        std::getline(std::cin, password);
+    }
+    std::cerr << "\n";
+    return password;
+}
+
+} // namespace platform
