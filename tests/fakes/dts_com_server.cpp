@@ -2,7 +2,7 @@
 // in-process server (dts_com_server.dll) that records its calls, and on demand fails or really stores
 // packages. It is controlled by environment variables of the calling process, which are read at each call:
 //
-//   KV_DTS_RECORD=FILE  appends a line for each object's birth and end, each GetIDsOfNames and each Invoke
+//   KV_DTS_RECORD=FILE  appends a line for each object made and destroyed, each GetIDsOfNames and each Invoke
 //   KV_DTS_FAIL=RULES   "Member[@n]:code[:description]", several separated by ";". The member (every call of
 //                       it, or the n-th alone) fails with the HRESULT: as an exception with the description,
 //                       or with the HRESULT alone. "_NewEnum", "Next" and the names of the two classes
@@ -13,7 +13,7 @@
 //
 // A whole run of the Windows executable registers it once, in the prefix and as the user that it runs with:
 //
-//   tests/run-under-wine regsvr32 /s build/windows/bin/dts_com_server.dll     (/u to take it out again)
+//   tests/run-under-wine regsvr32 /s build/windows/bin/dts_com_server.dll     (/u to unregister it)
 //   KV_DTS_STORE=1 KV_DTS_RECORD=Z:/tmp/calls.txt tests/run-under-wine build/windows/bin/KVLSQLDbMgr.exe …
 //
 // Registering is refused where the names already belong to other classes. Tests that register it hold the

@@ -27,5 +27,17 @@ TEST(Utf8, OneSequenceIsTakenFromTheFront) {
     EXPECT_EQ(broken, "\x80z") << "nothing is taken";
 }
 
+TEST(Utf16Bytes, AreReadInBothOrdersAndWrittenLittleEndian) {
+    const std::string little("G\0\xAC\x20", 4);
+    EXPECT_EQ(FromUtf16Bytes(little), u"G\u20AC");
+    EXPECT_EQ(FromUtf16Bytes(std::string("\0G\x20\xAC", 4), std::endian::big), u"G\u20AC");
+    EXPECT_EQ(ToUtf16Bytes(u"G\u20AC"), little);
+}
+
+TEST(Utf16Bytes, ALastOddByteIsLeftOut) {
+    EXPECT_EQ(FromUtf16Bytes(std::string("G\0x", 3)), u"G");
+    EXPECT_EQ(FromUtf16Bytes("x"), u"");
+}
+
 } // namespace
 } // namespace platform

@@ -1,12 +1,16 @@
 // The terminal on Linux: an error channel that nobody reads, and when Enter can be awaited.
 #include "platform/terminal.h"
 
+#include <algorithm>
 #include <array>
 #include <csignal>
+#include <iterator>
+#include <optional>
 #include <string>
 
 #include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -77,21 +81,52 @@ int AskAtATerminal() {
     return foreground | WEXITSTATUS(status);
 }
 
-TEST(LinuxTerminal, OnlyAForegroundJobIsInteractive) {
+/// Runs `body` in a new process with its own terminal and returns its exit code; nothing on a system without
+/// terminals.
+std::optional<int> AtATerminal(int (*body)()) {
     int terminal = -1;
     const pid_t session = ::forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (session < 0) { // a system without terminals
-        EXPECT_FALSE(platform::TerminalIsInteractive());
-        return;
+    if (session < 0) {
+        return std::nullopt;
     }
     if (session == 0) {
-        ::_exit(AskAtATerminal());
+        ::_exit(body());
     }
     int status = 0;
     ::waitpid(session, &status, 0);
     ::close(terminal);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 1);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(LinuxTerminal, OnlyAForegroundJobIsInteractive) {
+    const std::optional<int> answers = AtATerminal(AskAtATerminal);
+    if (!answers) {
+        EXPECT_FALSE(platform::TerminalIsInteractive());
+        return;
+    }
+    EXPECT_EQ(answers, 1);
+}
+
+bool Echoes() {
+    termios mode{};
+    return ::tcgetattr(STDIN_FILENO, &mode) == 0 && (mode.c_lflag & static_cast<tcflag_t>(ECHO)) != 0;
+}
+
+/// The number of the first step that fails; 0 if all succeed.
+int SwitchEcho() {
+    const bool steps[] = {platform::InputIsTerminal(), Echoes(), platform::SetEcho(false), !Echoes(),
+                          !platform::SetEcho(true),    Echoes()};
+    const auto* const wrong = std::find(std::begin(steps), std::end(steps), false);
+    return wrong == std::end(steps) ? 0 : static_cast<int>(wrong - std::begin(steps)) + 1;
+}
+
+TEST(LinuxTerminal, TheEchoIsSwitchedOffAndOn) {
+    const std::optional<int> wrong_step = AtATerminal(SwitchEcho);
+    if (!wrong_step) {
+        EXPECT_FALSE(platform::SetEcho(false));
+        return;
+    }
+    EXPECT_EQ(wrong_step, 0);
 }
 
 } // namespace
