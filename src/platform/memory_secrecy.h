@@ -1,9 +1,10 @@
-// Keeps what this process has in its memory, passwords among it, out of what a crash leaves on the disk.
+// Keeps the memory of this process, which may contain passwords, out of the files that a crash writes to the
+// disk.
 #pragma once
 
 namespace platform {
 
-/// From here on a crash of this process leaves no picture of its memory; on Linux neither does one of the
+/// After this call a crash of this process writes no dump of its memory. On Linux the same holds for the
 /// processes that it starts, and only root can attach to it.
 void KeepMemoryOutOfCrashes();
 

@@ -196,10 +196,10 @@ void ReplaceWholeFile(const std::string& path, std::string_view content, std::st
 
 void MakePrivateFile(const std::string& path) {
     const std::string native = NativePath(path);
-    // A link, a device or a pipe stays what it is.
+    // A link, a device or a pipe is kept.
     struct stat old {};
     if (::lstat(native.c_str(), &old) == 0 && S_ISREG(old.st_mode)) {
-        ::unlink(native.c_str()); // where the folder refuses this, the file may be the user's to write
+        ::unlink(native.c_str()); // if this fails, the user may still be allowed to write the file
     }
     About(path, [&] { Descriptor(native, O_WRONLY | O_CREAT | O_TRUNC, kOwnerOnly).Close(); });
 }

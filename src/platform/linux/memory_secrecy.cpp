@@ -8,7 +8,7 @@ namespace platform {
 void KeepMemoryOutOfCrashes() {
     constexpr rlimit kNoCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &kNoCore);
-    // A core that goes to a program (systemd's, for one) knows no limit.
+    // The limit does not apply to a core that is passed to a program, such as systemd's.
     ::prctl(PR_SET_DUMPABLE, 0);
 }
 
