@@ -7,7 +7,7 @@
 #include "devserver/storage/catalogue_rows.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/date_time.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
 

@@ -178,7 +178,6 @@ class Catalogue {
     SqliteStatement Prepare(std::string_view text);
 
   private:
-    void CreateIndex(const TableDef& table, const IndexDef& index);
     void LoadIndexes(TableDef& table);
     void LoadForeignKeys(TableDef& table);
 

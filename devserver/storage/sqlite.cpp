@@ -76,11 +76,6 @@ SqliteStatement& SqliteStatement::BindText(int index, std::string_view value) {
     return *this;
 }
 
-SqliteStatement& SqliteStatement::BindNull(int index) {
-    sqlite3_bind_null(handle_, index);
-    return *this;
-}
-
 bool SqliteStatement::Step() {
     const int code = sqlite3_step(handle_);
     if (code == SQLITE_ROW) {

@@ -48,7 +48,6 @@ class SqliteStatement {
     SqliteStatement& Bind(int index, const Value& value, const Type& type);
     SqliteStatement& BindInt(int index, std::int64_t value);
     SqliteStatement& BindText(int index, std::string_view value);
-    SqliteStatement& BindNull(int index);
 
     /// True: a row stands ready. Throws StorageError, or what a function of ours threw.
     bool Step();

@@ -19,6 +19,16 @@ class Arrows(arrows.ArrowTests, unittest.TestCase):
         parts = path.split("/")
         return parts[1] if parts[0] == "src" else parts[0]
 
+    def test_the_products_tests_know_the_development_server_as_a_program_alone(self):
+        wrong = []
+        for path, _, files in os.walk("tests"):
+            for name in files:
+                if name == "CMakeLists.txt" or name.endswith((".h", ".cpp", ".cmake")):
+                    with open(os.path.join(path, name), encoding="utf-8") as file:
+                        if re.search(r'devsql_|^#include ".*devserver/', file.read(), re.MULTILINE):
+                            wrong.append(os.path.join(path, name))
+        self.assertEqual(wrong, [])
+
 
 if __name__ == "__main__":
     arrows.run()

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "devserver/tsql/parse/lexer.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);

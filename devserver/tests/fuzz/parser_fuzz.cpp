@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 
 namespace {
 

@@ -209,31 +209,5 @@ TEST(Sums, OverflowTheirType) {
     EXPECT_EQ(ErrorOf([] { SumOf(Sized(TypeId::VarChar, 1), {}); }), 8117);
 }
 
-TEST(Extremes, FollowTheCollation) {
-    ExtremeAccumulator least(Sized(TypeId::VarChar, 5), -1);
-    ExtremeAccumulator most(Sized(TypeId::VarChar, 5), 1);
-    for (const Value& value : {Value("b"), Value(), Value("A"), Value("C")}) {
-        least.Add(value);
-        most.Add(value);
-    }
-    EXPECT_EQ(least.Extreme(), Value("A"));
-    EXPECT_EQ(most.Extreme(), Value("C"));
-    EXPECT_TRUE(IsNull(ExtremeAccumulator(Simple(TypeId::Int), 1).Extreme()));
-}
-
-TEST(Variances, AreOfSamplesOrPopulations) {
-    VarianceAccumulator variance(Simple(TypeId::Int));
-    EXPECT_TRUE(IsNull(variance.Variance(true)));
-    for (const std::int64_t value : {2, 4, 4, 4, 5, 5, 7, 9}) {
-        variance.Add(value);
-    }
-    EXPECT_DOUBLE_EQ(std::get<double>(variance.Variance(true)), 4.0);
-    EXPECT_DOUBLE_EQ(std::get<double>(variance.Deviation(true)), 2.0);
-    EXPECT_DOUBLE_EQ(std::get<double>(variance.Variance(false)), 32.0 / 7);
-    VarianceAccumulator one(Simple(TypeId::Int));
-    one.Add(std::int64_t{5});
-    EXPECT_TRUE(IsNull(one.Variance(false)));
-}
-
 } // namespace
 } // namespace devsql

@@ -104,14 +104,5 @@ TEST(Values, TextThatIsNoNumberFailsBesideANumber) {
               245);
 }
 
-TEST(Keys, AreEqualForEqualValuesOnly) {
-    EXPECT_EQ(ValueKey(Value("Abc ")), ValueKey(Value("aBC")));
-    EXPECT_NE(ValueKey(Value("Abc")), ValueKey(Value("abd")));
-    EXPECT_EQ(ValueKey(Value(Decimal{150, 2})), ValueKey(Value(Decimal{15, 1})));
-    EXPECT_EQ(ValueKey(Value(0.0)), ValueKey(Value(-0.0)));
-    EXPECT_NE(ValueKey(Value(std::string())), ValueKey(Value()));
-    EXPECT_TRUE(ValueKey(Value()).empty());
-}
-
 } // namespace
 } // namespace devsql

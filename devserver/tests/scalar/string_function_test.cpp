@@ -120,20 +120,13 @@ TEST(NumbersAsText, FillTheirField) {
     ExpectAll(cases);
 }
 
-TEST(Names, AreQuotedAndTakenApart) {
+TEST(Names, AreQuoted) {
     const FunctionCase cases[] = {
         {"QUOTENAME", {Text("a]b")}, "[a]]b]"},
         {"QUOTENAME", {Text("a'b"), Text("'")}, "'a''b'"},
         {"QUOTENAME", {Text("a"), Text("\"")}, "\"a\""},
         {"QUOTENAME", {Text("a"), Text("x")}, "NULL"},
         {"QUOTENAME", {Text(std::string(129, 'a'))}, "NULL"},
-        {"PARSENAME", {Text("s.d.o.t"), Whole(1)}, "t"},
-        {"PARSENAME", {Text("s.d.o.t"), Whole(4)}, "s"},
-        {"PARSENAME", {Text("d..t"), Whole(2)}, "NULL"},
-        {"PARSENAME", {Text("[a.b].\"c]\""), Whole(2)}, "a.b"},
-        {"PARSENAME", {Text("[a]]b]"), Whole(1)}, "a]b"},
-        {"PARSENAME", {Text("[a"), Whole(1)}, "NULL"},
-        {"PARSENAME", {Text("a.b.c.d.e"), Whole(1)}, "NULL"},
     };
     ExpectAll(cases);
 }

@@ -1,5 +1,6 @@
 // The catalogue: system tables and views, property functions, the procedures that drivers call.
 #include "devserver/tests/tsql/test_database.h"
+#include "devserver/tsql/catalogue/embedded_sql.h"
 
 namespace devsql::test {
 namespace {
@@ -364,6 +365,22 @@ df_note|3
     EXPECT_NE(told.find("\nCHECK on column high|ck_high|"), std::string::npos) << told;
     EXPECT_NE(told.find("\nCHECK Table Level|ck_order|"), std::string::npos) << told;
     EXPECT_NE(told.find("\nDEFAULT on column note|df_note|"), std::string::npos) << told;
+}
+
+TEST_F(Catalogue, EveryViewHasTheColumnsThatItsFileNames) {
+    int views = 0;
+    for (const std::string_view file : {embedded::kSystemTables, embedded::kSysViews,
+                                        embedded::kInformationSchema, embedded::kServerViews}) {
+        for (const std::string_view batch : embedded::Batches(file)) {
+            constexpr std::string_view kCreate = "CREATE VIEW ";
+            const std::string_view view = batch.substr(batch.find(kCreate) + kCreate.size());
+            const std::string name(view.substr(0, view.find(" (\n")));
+            EXPECT_EQ(Run("select * from " + name + " where 1 = 0").find("Msg "), std::string::npos)
+                << Run("select * from " + name);
+            ++views;
+        }
+    }
+    EXPECT_GE(views, 60);
 }
 
 } // namespace

@@ -16,24 +16,22 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<std::string_view, 11> kAggregates = {
-    "COUNT", "COUNT_BIG", "SUM", "AVG", "MIN", "MAX", "STDEV", "STDEVP", "VAR", "VARP", "GROUPING"};
+constexpr std::array<std::string_view, 7> kAggregates = {"COUNT", "COUNT_BIG", "SUM",     "AVG",
+                                                         "MIN",   "MAX",       "GROUPING"};
 /// Functions of SQL Server that this one refuses by name; devserver/docs/cuts.md says why.
-constexpr std::array<std::string_view, 6> kRefused = {"BINARY_CHECKSUM", "CHECKSUM",  "CHECKSUM_AGG",
-                                                      "DIFFERENCE",      "HASHBYTES", "SOUNDEX"};
+constexpr std::string_view kRefused[] = {"ACOS",     "ASIN",         "ATAN",  "ATN2",      "BINARY_CHECKSUM",
+                                         "CHECKSUM", "CHECKSUM_AGG", "COS",   "COT",       "CURSOR_STATUS",
+                                         "DEGREES",  "DIFFERENCE",   "EXP",   "HASHBYTES", "LOG",
+                                         "LOG10",    "PARSENAME",    "PI",    "RADIANS",   "SESSIONPROPERTY",
+                                         "SIN",      "SOUNDEX",      "STDEV", "STDEVP",    "TAN",
+                                         "VAR",      "VARP"};
 constexpr std::array<std::string_view, 4> kRankings = {"ROW_NUMBER", "RANK", "DENSE_RANK", "NTILE"};
 
 /// DATEADD(day, …): the first argument is a word, not a column.
 constexpr std::array<std::string_view, 4> kDateCalls = {"DATEADD", "DATEDIFF", "DATEPART", "DATENAME"};
 
-template <std::size_t Count>
-bool Contains(const std::array<std::string_view, Count>& words, std::string_view word) {
-    for (const std::string_view candidate : words) {
-        if (candidate == word) {
-            return true;
-        }
-    }
-    return false;
+bool Contains(std::span<const std::string_view> words, std::string_view word) {
+    return std::ranges::find(words, word) != words.end();
 }
 
 BoundPtr Aggregated(std::string text, const Type& type, int depth, bool nullable = true) {
@@ -120,7 +118,7 @@ BoundPtr CallBinder::ScalarCall(const ScalarFunction& function, std::vector<Boun
         types.push_back(argument->type);
     }
     auto node = std::make_shared<Bound>(
-        *MakeNode(BoundKind::Function, function.result_type(types), std::move(arguments)));
+        *MakeNode(BoundKind::Function, ResultType(function, types), std::move(arguments)));
     node->function = &function;
     node->nullable = true;
     if (function.name == "ISNULL" && node->children.size() == 2) {
@@ -202,7 +200,7 @@ BoundPtr CallBinder::DateCall(const ast::CallExpr& call, const Scope* scope, con
         types.push_back(arguments.back()->type);
     }
     auto node = std::make_shared<Bound>(
-        *MakeNode(BoundKind::Function, function.result_type(types), std::move(arguments)));
+        *MakeNode(BoundKind::Function, ResultType(function, types), std::move(arguments)));
     node->function = &function;
     return node;
 }

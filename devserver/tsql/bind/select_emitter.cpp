@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "devserver/tsql/bind/emitter.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/type_rules.h"
 
 namespace devsql {

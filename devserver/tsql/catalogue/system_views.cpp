@@ -1,9 +1,7 @@
 #include "devserver/tsql/catalogue/system_views.h"
 
-#include <array>
-
 #include "devserver/storage/sqlite.h"
-#include "devserver/tsql/catalogue/system_view_texts.h"
+#include "devserver/tsql/catalogue/embedded_sql.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
@@ -41,20 +39,58 @@ std::vector<SystemColumn> ParseColumns(std::string_view text) {
     return columns;
 }
 
-std::vector<SystemView> LoadViews() {
-    std::vector<SystemView> views;
-    for (const auto& sources : {SystemViewSources(), ServerViewSources(), ClientViewSources()}) {
-        for (const SystemViewSource& source : sources) {
-            views.push_back({source.schema, source.name, ParseColumns(source.columns), source.text});
-        }
-    }
-    return views;
-}
-
-void Replace(std::string& text, std::string_view what, const std::string& by) {
+void Replace(std::string& text, std::string_view what, std::string_view by) {
     for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size())) {
         text.replace(at, what.size(), by);
     }
+}
+
+/// A text that a name stands for in the queries: "DEFINE {name} AS" and the text.
+struct Fragment {
+    std::string name;
+    std::string text;
+};
+
+std::vector<Fragment> LoadFragments() {
+    std::vector<Fragment> fragments;
+    for (const std::string_view batch : embedded::Batches(embedded::kFragments)) {
+        const std::string_view definition = embedded::After("DEFINE ", batch);
+        const std::size_t end = definition.find(" AS\n");
+        fragments.push_back(
+            {std::string(definition.substr(0, end)), std::string(definition.substr(end + 4))});
+    }
+    return fragments;
+}
+
+/// "CREATE VIEW schema.name (columns) AS query". A fragment may name those before it.
+SystemView LoadView(std::string_view batch, const std::vector<Fragment>& fragments) {
+    constexpr std::string_view kColumnsBegin = " (\n";
+    constexpr std::string_view kColumnsEnd = "\n) AS\n";
+    const std::string_view view = embedded::After("CREATE VIEW ", batch);
+    const std::size_t begin = view.find(kColumnsBegin);
+    const std::size_t end = view.find(kColumnsEnd);
+    const std::string_view name = view.substr(0, begin);
+    const std::size_t dot = name.find('.');
+    std::string text(view.substr(end + kColumnsEnd.size()));
+    for (auto fragment = fragments.rbegin(); fragment != fragments.rend(); ++fragment) {
+        Replace(text, fragment->name, fragment->text);
+    }
+    return {dot == std::string_view::npos ? std::string_view() : name.substr(0, dot),
+            name.substr(dot == std::string_view::npos ? 0 : dot + 1),
+            ParseColumns(view.substr(begin + kColumnsBegin.size(), end - begin - kColumnsBegin.size())),
+            text};
+}
+
+std::vector<SystemView> LoadViews() {
+    const std::vector<Fragment> fragments = LoadFragments();
+    std::vector<SystemView> views;
+    for (const std::string_view file : {embedded::kSystemTables, embedded::kSysViews,
+                                        embedded::kInformationSchema, embedded::kServerViews}) {
+        for (const std::string_view batch : embedded::Batches(file)) {
+            views.push_back(LoadView(batch, fragments));
+        }
+    }
+    return views;
 }
 
 /// Who is connected, as rows of a query.
@@ -69,6 +105,27 @@ std::string SessionRows(SessionCore& session) {
                 std::to_string(info.isolation_level) + ")";
     }
     return rows + "))";
+}
+
+/// The server's types, which SQLite does not store.
+std::string TypeRows() {
+    std::string rows = "(VALUES";
+    char separator = ' ';
+    int position = 0;
+    for (const SystemType& type : SystemTypes()) {
+        rows += separator + ("(" + std::to_string(static_cast<int>(type.id)) + "," + QuoteText(type.name));
+        for (const int number : {int{type.xtype}, int{type.user_type}, int{type.tds_type},
+                                 int{type.storage_length}, int{type.precision}, int{type.odbc_type}}) {
+            rows += "," + std::to_string(number);
+        }
+        for (const std::string_view text :
+             {type.literal_prefix, type.literal_suffix, type.create_parameters}) {
+            rows += "," + QuoteText(std::string(text));
+        }
+        rows += "," + std::to_string(position++) + ")";
+        separator = ',';
+    }
+    return rows + ")";
 }
 
 } // namespace
@@ -87,20 +144,7 @@ const SystemView* FindSystemView(std::string_view schema, std::string_view name)
 
 std::string SystemViewText(const SystemView& view, SessionCore& session, const std::string& database) {
     std::string text(view.text);
-    // SQLite keeps the numbers of T-SQL's types nowhere: they come as a list of rows.
-    std::string types = "(VALUES";
-    for (const SystemType& type : SystemTypes()) {
-        types += (types.size() == 7 ? "" : ",");
-        types += "(" + std::to_string(static_cast<int>(type.id)) + "," + QuoteText(type.name) + "," +
-                 std::to_string(type.xtype) + "," + std::to_string(type.user_type) + "," +
-                 std::to_string(type.tds_type) + "," + std::to_string(type.storage_length) + "," +
-                 std::to_string(type.precision) + "," + std::to_string(type.odbc_type) + ")";
-    }
-    Replace(text, "{types}",
-            "(SELECT column1 AS type, column2 AS type_name, column3 AS xtype, column4 AS usertype, column5 "
-            "AS tds, "
-            "column6 AS bytes, column7 AS digits, column8 AS odbc FROM " +
-                types + "))");
+    Replace(text, "{type_rows}", TypeRows());
     if (text.find("{sessions}") != std::string::npos) {
         Replace(text, "{sessions}", SessionRows(session));
     }

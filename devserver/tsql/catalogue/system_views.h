@@ -21,7 +21,7 @@ struct SystemView {
     std::string_view schema; ///< "sys", "INFORMATION_SCHEMA"; empty: found under any owner, as sysobjects is
     std::string_view name;
     std::vector<SystemColumn> columns;
-    std::string_view text; ///< SQLite's SQL: {db} the database's alias, {name} its name as a text
+    std::string text; ///< SQLite's SQL with the names that fragments.sql lists
 };
 
 /// `schema` is empty where none was written. Null for a name that is none.

@@ -6,7 +6,7 @@
 #include <random>
 
 #include "devserver/engine/cancelled.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 
 namespace devsql {
@@ -99,13 +99,13 @@ RemoteServers::Link& RemoteServers::Connect(const LinkedServer& server) {
     try {
         link.connection = connect(source);
     } catch (const RemoteFailure& failure) {
-        Raise(server, failure);
+        RaiseRemote(server, failure);
     }
     link.loopback = owner_.HasSession(source.application);
     return links_.emplace(key, std::move(link)).first->second;
 }
 
-void RemoteServers::Raise(const LinkedServer& server, const RemoteFailure& failure) {
+void RemoteServers::RaiseRemote(const LinkedServer& server, const RemoteFailure& failure) {
     owner_.CheckCancelled();
     const auto tell = [&](const std::string& text) {
         owner_.Inform(7412, {server.provider, server.name, text});
@@ -148,7 +148,7 @@ void RemoteServers::RunOn(Link& link, const LinkedServer& server, const std::str
             }
             links_.erase(Key(server.name));
         }
-        Raise(server, failure);
+        RaiseRemote(server, failure);
     } catch (...) {
         set_running(nullptr);
         throw;

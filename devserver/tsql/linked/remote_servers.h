@@ -107,7 +107,7 @@ class RemoteServers {
     Link& Connect(const LinkedServer& server);
     RemoteSource SourceOf(const LinkedServer& server) const;
     void RunOn(Link& link, const LinkedServer& server, const std::string& sql, RemoteSink& sink);
-    [[noreturn]] void Raise(const LinkedServer& server, const RemoteFailure& failure);
+    [[noreturn]] void RaiseRemote(const LinkedServer& server, const RemoteFailure& failure);
     void NoticeEnd(Link& link, const LinkedServer& server);
 
     RemoteServersOwner& owner_;

@@ -6,7 +6,7 @@
 #include "devserver/tsql/linked/remote_servers.h"
 #include "devserver/tsql/linked/remote_values.h"
 #include "devserver/tsql/scalar/compare.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 
 namespace devsql {

@@ -99,7 +99,7 @@ class Lexer {
         int depth = 0;
         do {
             if (position_ >= source_.size()) {
-                Raise(113);
+                RaiseError(113);
             }
             if (At() == '/' && At(1) == '*') {
                 ++depth;
@@ -143,7 +143,7 @@ class Lexer {
         std::string text;
         while (true) {
             if (position_ >= source_.size()) {
-                Raise(105, {std::string_view(text)});
+                RaiseError(105, {std::string_view(text)});
             }
             const char c = At();
             if (c == close) {
@@ -170,7 +170,7 @@ class Lexer {
 
     static std::string CheckedName(std::string name) {
         if (TextLength(name) > 128) {
-            Raise(103, {"identifier", SubText(name, 0, 128), "128"});
+            RaiseError(103, {"identifier", SubText(name, 0, 128), "128"});
         }
         return name;
     }
@@ -238,7 +238,7 @@ class Lexer {
         }
         const std::string text(1, At());
         if (kLoneSymbols.find(At()) == std::string_view::npos) {
-            Raise(102, {text});
+            RaiseError(102, {text});
         }
         Advance();
         Add(TokenKind::Symbol, text);

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 
 namespace devsql {

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 
 namespace devsql {
@@ -319,7 +319,7 @@ void Parser::SyntaxError() const {
     }
     if (token.kind == TokenKind::End && next_ > 0) {
         const Token& last = tokens_[next_ - 1];
-        throw LocatedError(MakeError(102, {last.text}), last.line);
+        throw LocatedError(ErrorOf(102, {last.text}), last.line);
     }
     Fail(102, {token.text});
 }

@@ -2,7 +2,7 @@
 // database's settings, under a JSON list of class, object, column and name, and sys.extended_properties
 // shows them.
 #include "devserver/tsql/bind/binder.h"
-#include "devserver/tsql/procedures/catalogue_procedures.h"
+#include "devserver/tsql/procedures/system_procedures.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
 
@@ -127,18 +127,11 @@ std::int32_t Property(SystemCall& call) {
     return ChangeProperty(call, kChange);
 }
 
-#define LEVELS                                                                                               \
-    "@level0type varchar(128) = NULL, @level0name sysname = NULL, @level1type varchar(128) = NULL, "         \
-    "@level1name sysname = NULL, @level2type varchar(128) = NULL, @level2name sysname = NULL"
-
 constexpr SystemProcedure kProcedures[] = {
-    {"sp_addextendedproperty", "@name sysname, @value nvarchar(3750) = NULL, " LEVELS, Property<Change::Add>},
-    {"sp_updateextendedproperty", "@name sysname, @value nvarchar(3750) = NULL, " LEVELS,
-     Property<Change::Update>},
-    {"sp_dropextendedproperty", "@name sysname, " LEVELS, Property<Change::Drop>},
+    {"sp_addextendedproperty", Property<Change::Add>},
+    {"sp_updateextendedproperty", Property<Change::Update>},
+    {"sp_dropextendedproperty", Property<Change::Drop>},
 };
-
-#undef LEVELS
 
 } // namespace
 

@@ -1,4 +1,4 @@
-#include "devserver/tsql/procedures/linked_procedures.h"
+#include "devserver/tsql/procedures/system_procedures.h"
 
 #include <algorithm>
 #include <array>
@@ -281,23 +281,15 @@ std::int32_t TestLinkedServer(SystemCall& call) {
 }
 
 constexpr SystemProcedure kProcedures[] = {
-    {"sp_addlinkedserver",
-     "@server sysname, @srvproduct nvarchar(128) = NULL, @provider nvarchar(128) = NULL, "
-     "@datasrc nvarchar(4000) = NULL, @location nvarchar(4000) = NULL, @provstr nvarchar(4000) = NULL, "
-     "@catalog sysname = NULL",
-     AddLinkedServer},
-    {"sp_dropserver", "@server sysname, @droplogins char(10) = NULL", DropServer},
-    {"sp_addlinkedsrvlogin",
-     "@rmtsrvname sysname, @useself varchar(8) = 'true', @locallogin sysname = NULL, @rmtuser sysname = "
-     "NULL, @rmtpassword sysname = NULL",
-     AddLinkedLogin},
-    {"sp_droplinkedsrvlogin", "@rmtsrvname sysname, @locallogin sysname = NULL", DropLinkedLogin},
-    {"sp_serveroption", "@server sysname, @optname varchar(35), @optvalue nvarchar(128)", ServerOption},
-    {"sp_linkedservers", "", ListLinkedServers},
-    {"sp_helpserver", "@server sysname = NULL, @optname varchar(35) = NULL, @show_topology varchar(1) = NULL",
-     HelpServer},
-    {"sp_helplinkedsrvlogin", "@rmtsrvname sysname = NULL, @locallogin sysname = NULL", HelpLinkedLogin},
-    {"sp_testlinkedserver", "@servername sysname", TestLinkedServer},
+    {"sp_addlinkedserver", AddLinkedServer},
+    {"sp_dropserver", DropServer},
+    {"sp_addlinkedsrvlogin", AddLinkedLogin},
+    {"sp_droplinkedsrvlogin", DropLinkedLogin},
+    {"sp_serveroption", ServerOption},
+    {"sp_linkedservers", ListLinkedServers},
+    {"sp_helpserver", HelpServer},
+    {"sp_helplinkedsrvlogin", HelpLinkedLogin},
+    {"sp_testlinkedserver", TestLinkedServer},
 };
 
 } // namespace

@@ -1,3 +1,5 @@
+// The system procedures on databases, objects, principals and dynamic SQL.
+// Procedures that are T-SQL are in the .sql files of devserver/tsql/catalogue/.
 #include "devserver/tsql/procedures/system_procedures.h"
 
 #include <algorithm>
@@ -498,51 +500,36 @@ std::int32_t Configure(SystemCall& call) {
 }
 
 constexpr SystemProcedure kProcedures[] = {
-    {"sp_executesql", "...", ExecuteSql},
-    {"sp_prepare", "...", Prepare},
-    {"sp_execute", "...", ExecutePrepared},
-    {"sp_prepexec", "...", PrepareAndExecute},
-    {"sp_unprepare", "@handle int", Unprepare},
-    {"sp_sqlexec", "@statement nvarchar(max)", Execute},
-    {"sp_detach_db",
-     "@dbname sysname = NULL, @skipchecks nvarchar(10) = NULL, @keepfulltextindexfile nvarchar(10) = NULL",
-     DetachDb},
-    {"sp_attach_db",
-     "@dbname sysname, @filename1 nvarchar(260), @filename2 nvarchar(260) = NULL, @filename3 nvarchar(260) = "
-     "NULL, "
-     "@filename4 nvarchar(260) = NULL, @filename5 nvarchar(260) = NULL, @filename6 nvarchar(260) = NULL, "
-     "@filename7 nvarchar(260) = NULL, @filename8 nvarchar(260) = NULL, @filename9 nvarchar(260) = NULL, "
-     "@filename10 nvarchar(260) = NULL, @filename11 nvarchar(260) = NULL, @filename12 nvarchar(260) = NULL, "
-     "@filename13 nvarchar(260) = NULL, @filename14 nvarchar(260) = NULL, @filename15 nvarchar(260) = NULL, "
-     "@filename16 nvarchar(260) = NULL",
-     AttachDb},
-    {"sp_attach_single_file_db", "@dbname sysname, @physname nvarchar(260)", AttachSingleFileDb},
-    {"sp_dboption", "@dbname sysname = NULL, @optname varchar(35) = NULL, @optvalue varchar(10) = NULL",
-     DbOptionProcedure},
-    {"sp_renamedb", "@dbname sysname, @newname sysname", RenameDb},
-    {"sp_addtype", "@typename sysname, @phystype sysname, @nulltype varchar(8) = NULL, @owner sysname = NULL",
-     AddType},
-    {"sp_droptype", "@typename sysname", DropType},
-    {"sp_rename", "@objname nvarchar(1035), @newname sysname, @objtype varchar(13) = NULL", Rename},
-    {"sp_helptext", "@objname nvarchar(776), @columnname sysname = NULL", HelpText},
-    {"sp_addlogin",
-     "@loginame sysname, @passwd sysname = NULL, @defdb sysname = 'master', @deflanguage sysname = NULL, "
-     "@sid varbinary(16) = NULL, @encryptopt varchar(20) = NULL",
-     AddLoginProcedure},
-    {"sp_droplogin", "@loginame sysname", DropLoginProcedure},
-    {"sp_password", "@old sysname = NULL, @new sysname, @loginame sysname = NULL", Password},
-    {"sp_defaultdb", "@loginame sysname, @defdb sysname", DefaultDb},
-    {"sp_grantdbaccess", "@loginame sysname, @name_in_db sysname = NULL", GrantDbAccess},
-    {"sp_adduser", "@loginame sysname, @name_in_db sysname = NULL, @grpname sysname = NULL", GrantDbAccess},
-    {"sp_revokedbaccess", "@name_in_db sysname", RevokeDbAccess},
-    {"sp_dropuser", "@name_in_db sysname", RevokeDbAccess},
-    {"sp_addrole", "@rolename sysname, @ownername sysname = NULL", AddRoleProcedure},
-    {"sp_droprole", "@rolename sysname", DropRoleProcedure},
-    {"sp_addrolemember", "@rolename sysname, @membername sysname", AddRoleMember},
-    {"sp_droprolemember", "@rolename sysname, @membername sysname", DropRoleMember},
-    {"sp_addsrvrolemember", "@loginame sysname, @rolename sysname = NULL", AddServerRoleMember},
-    {"sp_changedbowner", "@loginame sysname, @map varchar(5) = NULL", ChangeDbOwner},
-    {"sp_configure", "@configname varchar(35) = NULL, @configvalue int = NULL", Configure},
+    {"sp_executesql", ExecuteSql},
+    {"sp_prepare", Prepare},
+    {"sp_execute", ExecutePrepared},
+    {"sp_prepexec", PrepareAndExecute},
+    {"sp_unprepare", Unprepare},
+    {"sp_sqlexec", Execute},
+    {"sp_detach_db", DetachDb},
+    {"sp_attach_db", AttachDb},
+    {"sp_attach_single_file_db", AttachSingleFileDb},
+    {"sp_dboption", DbOptionProcedure},
+    {"sp_renamedb", RenameDb},
+    {"sp_addtype", AddType},
+    {"sp_droptype", DropType},
+    {"sp_rename", Rename},
+    {"sp_helptext", HelpText},
+    {"sp_addlogin", AddLoginProcedure},
+    {"sp_droplogin", DropLoginProcedure},
+    {"sp_password", Password},
+    {"sp_defaultdb", DefaultDb},
+    {"sp_grantdbaccess", GrantDbAccess},
+    {"sp_adduser", GrantDbAccess},
+    {"sp_revokedbaccess", RevokeDbAccess},
+    {"sp_dropuser", RevokeDbAccess},
+    {"sp_addrole", AddRoleProcedure},
+    {"sp_droprole", DropRoleProcedure},
+    {"sp_addrolemember", AddRoleMember},
+    {"sp_droprolemember", DropRoleMember},
+    {"sp_addsrvrolemember", AddServerRoleMember},
+    {"sp_changedbowner", ChangeDbOwner},
+    {"sp_configure", Configure},
 };
 
 } // namespace

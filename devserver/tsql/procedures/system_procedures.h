@@ -1,4 +1,4 @@
-// The system procedures that are written in C++: those on databases, objects, principals and dynamic SQL.
+// The system procedures that are written in C++, by topic.
 #pragma once
 
 #include <span>
@@ -7,6 +7,13 @@
 
 namespace devsql {
 
+/// Databases, objects, principals and dynamic SQL.
 std::span<const SystemProcedure> SystemProcedures();
+/// The files of databases, and procedures that are refused by name.
+std::span<const SystemProcedure> HelpProcedures();
+/// Extended properties.
+std::span<const SystemProcedure> PropertyProcedures();
+/// Linked servers.
+std::span<const SystemProcedure> LinkedProcedures();
 
 } // namespace devsql

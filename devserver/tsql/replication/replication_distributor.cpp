@@ -295,89 +295,18 @@ std::int32_t ReplicationDbOption(SystemCall& call) {
     return 0;
 }
 
-std::int32_t RemoveDbReplication(SystemCall& call) {
-    const std::string name =
-        call.IsNull("@dbname") ? call.session().databases().CurrentName() : call.Text("@dbname");
-    const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
-    if (!info) {
-        RaiseError(15010, {name});
-    }
-    UnpublishDatabase(call, info->name);
-    SetOption(call, *info, "PUBLISHED", false);
-    return 0;
-}
-
-std::int32_t HelpDistributor(SystemCall& call) {
-    call.Run(
-        "SELECT s.datasource AS distributor, d.name AS [distribution database], CONVERT(nvarchar(255), "
-        "NULL) AS directory, CONVERT(nvarchar(255), NULL) AS account, 0 AS [min distrib retention], 72 AS "
-        "[max distrib retention], 48 AS [history retention], CONVERT(nvarchar(100), N'Agent history clean "
-        "up: ' + d.name) AS [history cleanup agent], CONVERT(nvarchar(100), N'Distribution clean up: ' + "
-        "d.name) AS [distribution cleanup agent], s.srvname AS [rpc server name], "
-        "CONVERT(sysname, N'distributor_admin') AS [rpc login name] FROM master.dbo.sysservers s LEFT JOIN "
-        "master.dbo.sysdatabases d ON d.category & 16 = 16 WHERE s.srvname = N'repl_distributor'");
-    return 0;
-}
-
-std::int32_t GetDistributor(SystemCall& call) {
-    call.Run("SELECT CASE WHEN EXISTS (SELECT * FROM master.dbo.sysservers WHERE srvname = "
-             "N'repl_distributor') THEN 1 ELSE 0 END AS installed, (SELECT datasource FROM "
-             "master.dbo.sysservers WHERE srvname = N'repl_distributor') AS [distribution server], CASE WHEN "
-             "EXISTS (SELECT * FROM master.dbo.sysdatabases WHERE category & 16 = 16) THEN 1 ELSE 0 END AS "
-             "[distribution db installed], CASE WHEN EXISTS (SELECT * FROM master.dbo.sysservers WHERE srvid "
-             "= 0 AND pub = 1) THEN 1 ELSE 0 END AS [is distribution publisher], CASE WHEN EXISTS (SELECT * "
-             "FROM master.dbo.sysservers WHERE srvid > 0 AND pub = 1) THEN 1 ELSE 0 END AS [has remote "
-             "distribution publisher]");
-    return 0;
-}
-
-#define SCHEDULE                                                                                             \
-    "@frequency_type int = NULL, @frequency_interval int = NULL, @frequency_relative_interval int = NULL, "  \
-    "@frequency_recurrence_factor int = NULL, @frequency_subday int = NULL, @frequency_subday_interval int " \
-    "= NULL, @active_start_time_of_day int = NULL, @active_end_time_of_day int = NULL, @active_start_date "  \
-    "int = NULL, @active_end_date int = NULL"
-
 constexpr SystemProcedure kProcedures[] = {
-    {"sp_adddistributor",
-     "@distributor sysname, @heartbeat_interval int = 10, @password sysname = NULL, @from_scripting bit = 0",
-     AddDistributor},
-    {"sp_adddistributiondb",
-     "@database sysname, @data_folder nvarchar(255) = NULL, @data_file nvarchar(255) = NULL, "
-     "@data_file_size int = NULL, @log_folder nvarchar(255) = NULL, @log_file nvarchar(255) = NULL, "
-     "@log_file_size int = NULL, @min_distretention int = 0, @max_distretention int = 72, "
-     "@history_retention int = 48, @security_mode int = 1, @login sysname = NULL, @password sysname = NULL, "
-     "@createmode int = 1, @from_scripting bit = 0",
-     AddDistributionDb},
-    {"sp_adddistpublisher",
-     "@publisher sysname, @distribution_db sysname, @security_mode int = 1, @login sysname = NULL, "
-     "@password sysname = NULL, @working_directory nvarchar(255) = NULL, @trusted nvarchar(5) = NULL, "
-     "@encrypted_password bit = 0, @thirdparty_flag bit = 0, @publisher_type sysname = NULL",
-     AddDistPublisher},
-    {"sp_dropdistpublisher", "@publisher sysname, @no_checks bit = 0, @ignore_distributor bit = 0",
-     DropDistPublisher},
-    {"sp_dropdistributiondb", "@database sysname", DropDistributionDb},
-    {"sp_dropdistributor", "@no_checks bit = 0, @ignore_distributor bit = 0", DropDistributor},
-    {"sp_changedistributor_password", "@password sysname", ChangeDistributorPassword},
-    {"sp_addsubscriber",
-     "@subscriber sysname, @type tinyint = 0, @login sysname = NULL, @password nvarchar(524) = NULL, "
-     "@commit_batch_size int = 100, @status_batch_size int = 100, @flush_frequency int = 0, " SCHEDULE
-     ", @description nvarchar(255) = NULL, @security_mode int = 1, @encrypted_password bit = 0, @publisher "
-     "sysname = NULL",
-     AddSubscriber},
-    {"sp_dropsubscriber",
-     "@subscriber sysname, @reserved nvarchar(50) = NULL, @ignore_distributor bit = 0, @publisher sysname = "
-     "NULL",
-     DropSubscriber},
-    {"sp_replicationdboption",
-     "@dbname sysname, @optname sysname, @value sysname, @ignore_distributor bit = 0, @from_scripting bit = "
-     "0",
-     ReplicationDbOption},
-    {"sp_removedbreplication", "@dbname sysname = NULL, @type nvarchar(5) = N'both'", RemoveDbReplication},
-    {"sp_helpdistributor", "", HelpDistributor},
-    {"sp_get_distributor", "", GetDistributor},
+    {"sp_adddistributor", AddDistributor},
+    {"sp_adddistributiondb", AddDistributionDb},
+    {"sp_adddistpublisher", AddDistPublisher},
+    {"sp_dropdistpublisher", DropDistPublisher},
+    {"sp_dropdistributiondb", DropDistributionDb},
+    {"sp_dropdistributor", DropDistributor},
+    {"sp_changedistributor_password", ChangeDistributorPassword},
+    {"sp_addsubscriber", AddSubscriber},
+    {"sp_dropsubscriber", DropSubscriber},
+    {"sp_replicationdboption", ReplicationDbOption},
 };
-
-#undef SCHEDULE
 
 } // namespace
 

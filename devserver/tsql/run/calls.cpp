@@ -89,6 +89,16 @@ Value DefaultValue(SessionCore& session, const ParameterDef& parameter) {
 
 namespace {
 
+/// Clients put the version that they were made for into some names: sp_columns_100 is sp_columns.
+std::string_view WithoutVersion(std::string_view name) {
+    for (const std::string_view version : {"_90", "_100"}) {
+        if (name.ends_with(version)) {
+            name.remove_suffix(version.size());
+        }
+    }
+    return name;
+}
+
 std::vector<std::size_t> BindEach(SessionCore& session, std::string_view procedure,
                                   const std::vector<ParameterDef>& formal,
                                   const std::vector<ActualArgument>& actual, Frame& frame) {
@@ -240,7 +250,7 @@ CallResult Interpreter::Call(const ast::Name& name, std::vector<ActualArgument> 
     }
     if (ToLower(place.name).starts_with("sp_")) { // A procedure of master can be called in every database.
         Catalogue& master = databases.Get("master");
-        if (const std::optional<ObjectDef> object = master.FindObject("dbo", place.name);
+        if (const std::optional<ObjectDef> object = master.FindObject("dbo", WithoutVersion(place.name));
             object && object->type == "P") {
             return CallStored(*object, master, database, arguments);
         }

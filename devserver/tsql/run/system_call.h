@@ -41,8 +41,8 @@ class SystemCall {
 
 struct SystemProcedure {
     std::string_view name;
-    std::string_view parameters; ///< as CREATE PROCEDURE has them; "..." takes any arguments
     std::int32_t (*run)(SystemCall& call);
+    std::string_view parameters = "..."; ///< of procedure_parameters.sql; "..." takes any arguments
 };
 
 } // namespace devsql

@@ -20,7 +20,7 @@ constexpr int kMoneyScale = 4;
 
 [[noreturn]] void Overflow(TypeId id) {
     const TypeId named = id == TypeId::Decimal ? TypeId::Numeric : id;
-    throw MakeError(8115, {"expression", TypeName(named)}, 2);
+    throw ErrorOf(8115, {"expression", TypeName(named)}, 2);
 }
 
 /// An operand with its type.
@@ -97,7 +97,7 @@ Value EvaluateInteger(BinaryOperator op, const Operand& left, const Operand& rig
     const auto a = std::get<std::int64_t>(Convert(left.value, left.type, type));
     const auto b = std::get<std::int64_t>(Convert(right.value, right.type, type));
     if (Divides(op) && b == 0) {
-        Raise(8134);
+        RaiseError(8134);
     }
     return IntegerResult(ComputeInteger(op, a, b), type.id);
 }
@@ -119,7 +119,7 @@ std::optional<Decimal> ComputeDecimal(BinaryOperator op, const Decimal& a, const
 
 Value EvaluateDecimal(BinaryOperator op, const Decimal& a, const Decimal& b, const Type& type) {
     if (Divides(op) && b.unscaled == 0) {
-        Raise(8134);
+        RaiseError(8134);
     }
     const bool money = IsMoney(type.id);
     const auto result = ComputeDecimal(op, a, b, money ? kMoneyScale : type.scale);
@@ -153,7 +153,7 @@ Value EvaluateFloat(BinaryOperator op, const Operand& left, const Operand& right
         return FloatResult(a * b, type.id);
     default:
         if (b == 0) {
-            Raise(8134);
+            RaiseError(8134);
         }
         return FloatResult(a / b, type.id);
     }
@@ -177,7 +177,7 @@ Value EvaluateDate(BinaryOperator op, const Operand& left, const Operand& right,
     const double ticks = op == BinaryOperator::Add ? a + b : a - b;
     const double days = std::floor(ticks / kTicksPerDay);
     if (!(days >= kFirstDay && days <= kLastDay)) {
-        Raise(517, {TypeName(type.id)});
+        RaiseError(517, {TypeName(type.id)});
     }
     const DateTime sum{static_cast<std::int32_t>(days),
                        static_cast<std::int32_t>(ticks - days * kTicksPerDay)};
@@ -186,7 +186,7 @@ Value EvaluateDate(BinaryOperator op, const Operand& left, const Operand& right,
     }
     const auto small = ToSmallDateTime(sum);
     if (!small) {
-        Raise(517, {TypeName(type.id)});
+        RaiseError(517, {TypeName(type.id)});
     }
     return *small;
 }
@@ -271,7 +271,6 @@ SumAccumulator::SumAccumulator(const Type& type) : type_(type), sum_type_(SumTyp
 
 void SumAccumulator::Add(const Value& value) {
     if (IsNull(value)) {
-        had_null_ = true;
         return;
     }
     const Value addend = Convert(value, type_, sum_type_);
@@ -304,45 +303,6 @@ Value SumAccumulator::Average() const {
     }
     return EvaluateDecimal(BinaryOperator::Divide, std::get<Decimal>(sum_), Decimal{count_, 0},
                            AverageType(type_));
-}
-
-void ExtremeAccumulator::Add(const Value& value) {
-    if (IsNull(value)) {
-        return;
-    }
-    if (IsNull(extreme_) || CompareSameType(value, extreme_, type_.id) * sign_ > 0) {
-        extreme_ = value;
-    }
-}
-
-VarianceAccumulator::VarianceAccumulator(const Type& type) : type_(type) {
-    if (!IsNumber(type.id) || type.id == TypeId::Bit) {
-        Raise(8117, {TypeName(type.id), "var"});
-    }
-}
-
-void VarianceAccumulator::Add(const Value& value) {
-    if (IsNull(value)) {
-        return;
-    }
-    const auto number = std::get<double>(Convert(value, type_, Simple(TypeId::Float)));
-    ++count_;
-    const double distance = number - mean_;
-    mean_ += distance / static_cast<double>(count_);
-    squares_ += distance * (number - mean_);
-}
-
-Value VarianceAccumulator::Variance(bool population) const {
-    const std::int64_t divisor = population ? count_ : count_ - 1;
-    if (divisor < 1) {
-        return {};
-    }
-    return squares_ / static_cast<double>(divisor);
-}
-
-Value VarianceAccumulator::Deviation(bool population) const {
-    const Value variance = Variance(population);
-    return IsNull(variance) ? variance : Value(std::sqrt(std::get<double>(variance)));
 }
 
 } // namespace devsql

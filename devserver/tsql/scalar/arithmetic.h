@@ -30,46 +30,12 @@ class SumAccumulator {
     /// NULL if nothing was added. Of AverageType(type).
     Value Average() const;
     std::int64_t Count() const { return count_; }
-    bool HadNull() const { return had_null_; }
 
   private:
     Type type_;
     Type sum_type_;
     Value sum_;
     std::int64_t count_ = 0;
-    bool had_null_ = false;
-};
-
-/// MIN (`sign` -1) and MAX (`sign` 1) of one type.
-class ExtremeAccumulator {
-  public:
-    ExtremeAccumulator(const Type& type, int sign) : type_(type), sign_(sign) {}
-
-    void Add(const Value& value);
-    /// NULL if nothing was added.
-    const Value& Extreme() const { return extreme_; }
-
-  private:
-    Type type_;
-    int sign_;
-    Value extreme_;
-};
-
-/// STDEV, STDEVP, VAR, VARP: floats, in one pass.
-class VarianceAccumulator {
-  public:
-    explicit VarianceAccumulator(const Type& type);
-
-    void Add(const Value& value);
-    /// NULL with fewer than two values (of a population: one).
-    Value Variance(bool population) const;
-    Value Deviation(bool population) const;
-
-  private:
-    Type type_;
-    std::int64_t count_ = 0;
-    double mean_ = 0;
-    double squares_ = 0; ///< sum of squared distances from the mean
 };
 
 } // namespace devsql

@@ -146,14 +146,6 @@ std::string GuidOrderKey(const Guid& guid) {
     return key;
 }
 
-std::string DecimalKey(Decimal value) {
-    while (value.scale > 0 && value.unscaled % 10 == 0) {
-        value.unscaled /= 10;
-        --value.scale;
-    }
-    return DecimalText(value);
-}
-
 bool IsExact(TypeId id) {
     return IsNumber(id) && !IsApproximate(id);
 }
@@ -239,31 +231,6 @@ int CompareValues(const Value& a, const Type& a_type, const Value& b, const Type
     }
     const Type common = CommonType(a_type, b_type);
     return CompareSameType(Convert(a, a_type, common), Convert(b, b_type, common), common.id);
-}
-
-std::string ValueKey(const Value& value) {
-    struct Visitor {
-        std::string operator()(std::monostate) const { return {}; }
-        std::string operator()(std::int64_t v) const { return BigEndian(static_cast<std::uint64_t>(v), 8); }
-        std::string operator()(double v) const {
-            const double positive_zero = v == 0 ? 0 : v;
-            std::string bytes(sizeof v, '\0');
-            std::memcpy(bytes.data(), &positive_zero, sizeof v);
-            return bytes;
-        }
-        std::string operator()(const Decimal& v) const { return DecimalKey(v); }
-        std::string operator()(const DateTime& v) const {
-            return BigEndian(static_cast<std::uint32_t>(v.days), 4) +
-                   BigEndian(static_cast<std::uint32_t>(v.ticks), 4);
-        }
-        std::string operator()(const std::string& v) const { return SortKey(v); }
-        std::string operator()(const Bytes& v) const {
-            return v.data.substr(0, v.data.find_last_not_of('\0') + 1);
-        }
-        std::string operator()(const Guid& v) const { return GuidOrderKey(v); }
-    };
-    // NULL alone has the empty key.
-    return IsNull(value) ? std::string() : "=" + std::visit(Visitor{}, value);
 }
 
 } // namespace devsql

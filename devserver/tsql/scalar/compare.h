@@ -16,8 +16,7 @@ namespace devsql {
 /// Negative, 0 or positive. For SQLite's collation callback too.
 int CompareText(std::string_view a, std::string_view b);
 
-/// A key that compares by its bytes as CompareText compares the texts; equal keys are equal texts. For
-/// hashing and grouping.
+/// A key that compares by its bytes as CompareText compares the texts; equal keys are equal texts.
 std::string SortKey(std::string_view text);
 
 /// Compares two values of different or equal types: the one of lower precedence is converted to the type of
@@ -27,9 +26,5 @@ int CompareValues(const Value& a, const Type& a_type, const Value& b, const Type
 
 /// Compares two values of the same data type (lengths, precision and scale may differ) without conversion.
 int CompareSameType(const Value& a, const Value& b, TypeId type);
-
-/// A key for hashing and grouping values of one type: equal keys are equal values. NULL alone has the empty
-/// key.
-std::string ValueKey(const Value& value);
 
 } // namespace devsql

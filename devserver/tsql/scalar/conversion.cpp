@@ -12,7 +12,7 @@ namespace {
 
 void RequireConvertible(const Type& from, const Type& to) {
     if (!IsUntypedNull(from) && ConversionAllowed(from.id, to.id) == Allowed::Never) {
-        Raise(529, {TypeName(from.id), TypeName(to.id)});
+        RaiseError(529, {TypeName(from.id), TypeName(to.id)});
     }
 }
 
@@ -98,17 +98,17 @@ Value Assign(const Value& value, const Type& from, const Type& to) {
     }
     if (const auto* text = std::get_if<std::string>(&value); text != nullptr && IsCharacter(to.id)) {
         if (LosesText(*text, to)) {
-            Raise(8152);
+            RaiseError(8152);
         }
     }
     if (const auto* bytes = std::get_if<Bytes>(&value); bytes != nullptr && IsBinary(to.id)) {
         if (LosesBytes(bytes->data, to)) {
-            Raise(8152);
+            RaiseError(8152);
         }
     }
     if (std::holds_alternative<DateTime>(value) && IsCharacter(to.id) &&
         LosesText(ValueText(value, from), to)) {
-        Raise(8152);
+        RaiseError(8152);
     }
     return ConvertValue(value, from, to, std::nullopt);
 }

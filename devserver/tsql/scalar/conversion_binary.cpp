@@ -1,11 +1,9 @@
 // Conversions to binary and uniqueidentifier: the bytes of each type.
 #include <algorithm>
 #include <array>
-#include <bit>
 
 #include "devserver/tsql/scalar/conversion_parts.h"
 #include "devserver/tsql/scalar/date_time.h"
-#include "devserver/tsql/scalar/decimal.h"
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
@@ -35,18 +33,6 @@ std::string DateBytes(const DateTime& value, const Type& type) {
            BigEndian(static_cast<std::uint32_t>(value.ticks / (60 * kTicksPerSecond)), 2);
 }
 
-std::string ExactBytes(const Decimal& value, const Type& type) {
-    if (!IsMoney(type.id)) {
-        return DecimalBytes(value, type.precision);
-    }
-    return BigEndian(static_cast<std::uint64_t>(value.unscaled), type.id == TypeId::Money ? 8 : 4);
-}
-
-std::string DoubleBytes(double value, const Type& type) {
-    return type.id == TypeId::Float ? BigEndian(std::bit_cast<std::uint64_t>(value), 8)
-                                    : BigEndian(std::bit_cast<std::uint32_t>(static_cast<float>(value)), 4);
-}
-
 std::string TextBytes(const std::string& text, const Type& from, const Type& to, Style style) {
     if (style != 1 && style != 2) {
         return IsUnicode(from.id) ? ToUtf16Le(text) : ToCodePage1252(text);
@@ -56,7 +42,7 @@ std::string TextBytes(const std::string& text, const Type& from, const Type& to,
     const auto bytes =
         prefixed == (style == 1) ? BytesFromHex(digits.substr(prefixed ? 2 : 0), false) : std::nullopt;
     if (!bytes) {
-        Raise(8114, {TypeName(from.id), TypeName(to.id)});
+        RaiseError(8114, {TypeName(from.id), TypeName(to.id)});
     }
     return *bytes;
 }
@@ -87,8 +73,9 @@ Value ToBinary(const Value& value, const Type& from, const Type& target, Style s
             const auto width = static_cast<std::size_t>(SystemTypeOf(from.id).storage_length);
             return FitNumber(BigEndian(static_cast<std::uint64_t>(v), width), to);
         }
-        std::string operator()(double v) const { return FitNumber(DoubleBytes(v, from), to); }
-        std::string operator()(const Decimal& v) const { return FitNumber(ExactBytes(v, from), to); }
+        // Numbers with a fraction do not convert to binary (type_rules.cpp).
+        std::string operator()(double) const { return {}; }
+        std::string operator()(const Decimal&) const { return {}; }
         std::string operator()(const DateTime& v) const { return FitNumber(DateBytes(v, from), to); }
         std::string operator()(const std::string& v) const {
             return FitBytes(TextBytes(v, from, to, style), to);
@@ -115,13 +102,13 @@ Value ToGuid(const Value& value, const Type&) {
     for (auto dash = kGuidDashes.rbegin(); dash != kGuidDashes.rend(); ++dash) {
         if (hex.size() != kGuidLength - static_cast<std::size_t>(dash - kGuidDashes.rbegin()) ||
             hex[*dash] != '-') {
-            Raise(8169);
+            RaiseError(8169);
         }
         hex.erase(*dash, 1);
     }
     const auto bytes = BytesFromHex(hex, false);
     if (!bytes) {
-        Raise(8169);
+        RaiseError(8169);
     }
     Guid guid;
     std::copy(bytes->begin(), bytes->end(), guid.bytes.begin());
@@ -173,37 +160,6 @@ std::uint64_t FromBigEndian(std::string_view bytes) {
         value = (value << 8) | static_cast<unsigned char>(c);
     }
     return value;
-}
-
-std::string DecimalBytes(const Decimal& value, int precision) {
-    Int128 left = value.unscaled < 0 ? -value.unscaled : value.unscaled;
-    std::string bytes = {static_cast<char>(precision), static_cast<char>(value.scale), '\0',
-                         static_cast<char>(value.unscaled < 0 ? 0 : 1)};
-    do {
-        for (int i = 0; i < 4; ++i, left >>= 8) {
-            bytes += static_cast<char>(left & 0xFF);
-        }
-    } while (left != 0);
-    return bytes;
-}
-
-std::optional<Decimal> DecimalFromBytes(std::string_view bytes) {
-    constexpr std::size_t head = 4;
-    if (bytes.size() <= head || bytes.size() > head + 16) {
-        return std::nullopt;
-    }
-    const auto scale = static_cast<unsigned char>(bytes[1]);
-    Int128 magnitude = 0;
-    for (std::size_t i = bytes.size(); i-- > head;) {
-        if (magnitude >= PowerOfTen(kMaxDigits) / 256 + 1) {
-            return std::nullopt;
-        }
-        magnitude = magnitude * 256 + static_cast<unsigned char>(bytes[i]);
-    }
-    if (scale > kMaxDigits || !FitsPrecision(magnitude, kMaxDigits)) {
-        return std::nullopt;
-    }
-    return Decimal{bytes[3] == '\0' ? -magnitude : magnitude, scale};
 }
 
 std::string GuidBytes(const Guid& guid) {

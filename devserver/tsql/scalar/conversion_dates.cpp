@@ -116,13 +116,13 @@ std::string WritePart(char part, const CivilTime& time) {
 
 [[noreturn]] void OutOfRange(const Type& from, TypeId to) {
     if (to == TypeId::Date) {
-        Raise(241);
+        RaiseError(241);
     }
-    throw MakeError(242, {TypeName(from.id), TypeName(to)}, 3);
+    throw ErrorOf(242, {TypeName(from.id), TypeName(to)}, 3);
 }
 
 [[noreturn]] void Overflow(TypeId to) {
-    throw MakeError(8115, {"expression", TypeName(to)}, 2);
+    throw ErrorOf(8115, {"expression", TypeName(to)}, 2);
 }
 
 Value DateFromText(const std::string& text, const Type& from, TypeId to, Style style) {
@@ -130,7 +130,7 @@ Value DateFromText(const std::string& text, const Type& from, TypeId to, Style s
     switch (ParseDateTime(text, style.value_or(0) == 0 ? CurrentDateSettings().order : OrderOfStyle(style),
                           value)) {
     case DateReading::NoDate:
-        Raise(to == TypeId::SmallDateTime ? 295 : 241);
+        RaiseError(to == TypeId::SmallDateTime ? 295 : 241);
     case DateReading::OutOfRange:
         OutOfRange(from, to);
     case DateReading::Good:
@@ -163,7 +163,7 @@ Value DateFromBytes(std::string_view bytes, TypeId to) {
     const bool valid =
         value.days >= kFirstDay && value.days <= kLastDay && value.ticks >= 0 && value.ticks < kTicksPerDay;
     if (!valid) {
-        Raise(210);
+        RaiseError(210);
     }
     return value;
 }
@@ -177,7 +177,7 @@ Value DayFromBytes(std::string_view bytes) {
     }
     days -= kDaysTo1900;
     if (days < kFirstDay || days > kLastDay) {
-        Raise(241);
+        RaiseError(241);
     }
     return DateTime{static_cast<std::int32_t>(days), 0};
 }
@@ -195,7 +195,7 @@ std::string_view DayPattern(std::string_view pattern) {
 DateOrder OrderOfStyle(Style style) {
     const DateStyle* found = FindStyle(style.value_or(0));
     if (found == nullptr) {
-        Raise(281, {std::to_string(*style), TypeName(TypeId::DateTime)});
+        RaiseError(281, {std::to_string(*style), TypeName(TypeId::DateTime)});
     }
     return found->order;
 }
@@ -205,7 +205,7 @@ std::string WriteDate(const DateTime& value, const Type& type, int style) {
     const bool day = type.id == TypeId::Date;
     const DateStyle* found = FindStyle(day && style == 0 ? kDayStyle : style);
     if (found == nullptr) {
-        Raise(281, {std::to_string(style), TypeName(type.id)});
+        RaiseError(281, {std::to_string(style), TypeName(type.id)});
     }
     const CivilTime time = ToCivil(value);
     std::string text;

@@ -51,14 +51,14 @@ std::string_view MessageName(TypeId id) {
 [[noreturn]] void Overflow(std::string_view from, TypeId to) {
     constexpr std::uint8_t kOfDecimals = 8;
     constexpr std::uint8_t kOfFloats = 6;
-    throw MakeError(8115, {from, MessageName(to)},
-                    !IsDecimal(to)    ? std::uint8_t{2}
-                    : from == "float" ? kOfFloats
-                                      : kOfDecimals);
+    throw ErrorOf(8115, {from, MessageName(to)},
+                  !IsDecimal(to)    ? std::uint8_t{2}
+                  : from == "float" ? kOfFloats
+                                    : kOfDecimals);
 }
 
 [[noreturn]] void BadFormat(const Type& from, TypeId to) {
-    throw MakeError(8114, {TypeName(from.id), MessageName(to)}, 5);
+    throw ErrorOf(8114, {TypeName(from.id), MessageName(to)}, 5);
 }
 
 Value IntegerFromInteger(std::int64_t value, const IntegerRange& range) {
@@ -67,7 +67,7 @@ Value IntegerFromInteger(std::int64_t value, const IntegerRange& range) {
     }
     if (!InRange(value, range)) {
         if (range.bytes < 4) {
-            Raise(220, {TypeName(range.id), std::to_string(value)});
+            RaiseError(220, {TypeName(range.id), std::to_string(value)});
         }
         Overflow("expression", range.id);
     }
@@ -97,10 +97,10 @@ Value IntegerFromDouble(double value, const IntegerRange& range) {
         if (range.id == TypeId::BigInt) {
             Overflow("expression", range.id);
         }
-        Raise(232, {TypeName(range.id), FixedText(value, 6)});
+        RaiseError(232, {TypeName(range.id), FixedText(value, 6)});
     }
     if (!InRange(static_cast<std::int64_t>(whole), range)) {
-        Raise(232, {TypeName(range.id), FixedText(value, 6)});
+        RaiseError(232, {TypeName(range.id), FixedText(value, 6)});
     }
     return static_cast<std::int64_t>(whole);
 }
@@ -123,7 +123,7 @@ Value BitFromText(const std::string& text, const Type& from) {
     }
     const ParsedInteger parsed = ParseInteger(text);
     if (!parsed.valid) {
-        Raise(245, {TypeName(from.id), text, "bit"});
+        RaiseError(245, {TypeName(from.id), text, "bit"});
     }
     return std::int64_t{!parsed.value || *parsed.value != 0};
 }
@@ -137,16 +137,16 @@ Value IntegerFromText(const std::string& text, const Type& from, const IntegerRa
         if (range.id == TypeId::BigInt) {
             BadFormat(from, range.id);
         }
-        Raise(245, {TypeName(from.id), text, TypeName(range.id)});
+        RaiseError(245, {TypeName(from.id), text, TypeName(range.id)});
     }
     if (!parsed.value || !InRange(*parsed.value, range)) {
         if (range.id == TypeId::BigInt) {
             Overflow("expression", range.id);
         }
         if (range.id == TypeId::Int) {
-            Raise(248, {TypeName(from.id), text});
+            RaiseError(248, {TypeName(from.id), text});
         }
-        Raise(244, {TypeName(from.id), text, range.column});
+        RaiseError(244, {TypeName(from.id), text, range.column});
     }
     return *parsed.value;
 }
@@ -178,7 +178,7 @@ Exact ExactFromText(const std::string& text, const Type& from, const Type& to) {
     if (IsMoney(to.id)) {
         const ParsedMoney parsed = ParseMoney(text);
         if (!parsed.valid) {
-            Raise(to.id == TypeId::Money ? 235 : 293);
+            RaiseError(to.id == TypeId::Money ? 235 : 293);
         }
         return {parsed.value, "expression"};
     }
@@ -187,20 +187,6 @@ Exact ExactFromText(const std::string& text, const Type& from, const Type& to) {
         BadFormat(from, to.id);
     }
     return {parsed.value, TypeName(from.id)};
-}
-
-Exact ExactFromBytes(std::string_view bytes, const Type& from, const Type& to) {
-    if (IsMoney(to.id)) {
-        const std::int64_t raw = to.id == TypeId::Money
-                                     ? static_cast<std::int64_t>(FromBigEndian(bytes))
-                                     : static_cast<std::int32_t>(FromBigEndian(bytes) & 0xFFFFFFFFU);
-        return {Decimal{raw, kMoneyScale}, "expression"};
-    }
-    const auto value = DecimalFromBytes(bytes);
-    if (!value) {
-        BadFormat(from, to.id);
-    }
-    return {value, MessageName(from.id)};
 }
 
 Exact ExactOf(const Value& value, const Type& from, const Type& to, int scale) {
@@ -217,7 +203,7 @@ Exact ExactOf(const Value& value, const Type& from, const Type& to, int scale) {
             return {FromDouble(ToDayNumber(v), scale), "expression"};
         }
         Exact operator()(const std::string& v) const { return ExactFromText(v, from, to); }
-        Exact operator()(const Bytes& v) const { return ExactFromBytes(v.data, from, to); }
+        Exact operator()(const Bytes&) const { return {}; } // never converts (type_rules.cpp)
         Exact operator()(const Guid&) const { return {}; }
     };
     return std::visit(Visitor{from, to, scale}, value);
@@ -274,7 +260,7 @@ Value ToApproximate(const Value& value, const Type& from, TypeId to) {
     }
     if (to == TypeId::Real) {
         if (std::fabs(result) > static_cast<double>(std::numeric_limits<float>::max())) {
-            Raise(232, {TypeName(to), FixedText(result, 6)});
+            RaiseError(232, {TypeName(to), FixedText(result, 6)});
         }
         result = static_cast<double>(static_cast<float>(result));
     }

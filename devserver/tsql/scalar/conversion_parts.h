@@ -45,9 +45,6 @@ std::string GuidText(const Guid& guid);
 std::string BigEndian(std::uint64_t value, std::size_t count);
 /// The last eight bytes at most, the first highest.
 std::uint64_t FromBigEndian(std::string_view bytes);
-/// A decimal as binary has it: precision, scale, 0, sign, the digits as a number, lowest byte first.
-std::string DecimalBytes(const Decimal& value, int precision);
-std::optional<Decimal> DecimalFromBytes(std::string_view bytes);
 /// As it lies in memory: the first three groups with the lowest byte first.
 std::string GuidBytes(const Guid& guid);
 Guid GuidFromBytes(std::string_view bytes);

@@ -15,7 +15,7 @@ namespace devsql {
 namespace {
 
 [[noreturn]] void InvalidStyle(int style, const Type& type) {
-    throw MakeError(281, {std::to_string(style), TypeName(type.id)});
+    throw ErrorOf(281, {std::to_string(style), TypeName(type.id)});
 }
 
 std::string MoneyText(const Decimal& value, const Type& type, int style) {
@@ -52,19 +52,19 @@ std::string BinaryText(std::string_view bytes, int style) {
 std::string Crowded(const Value& value, const Type& from, const Type& to) {
     const std::string_view target = TypeName(to.id);
     if (IsMoney(from.id)) {
-        Raise(from.id == TypeId::Money ? 234 : 292, {target});
+        RaiseError(from.id == TypeId::Money ? 234 : 292, {target});
     }
     if (IsApproximate(from.id)) {
-        Raise(232, {target, FixedText(std::get<double>(value), 6)});
+        RaiseError(232, {target, FixedText(std::get<double>(value), 6)});
     }
     if (from.id == TypeId::UniqueIdentifier) {
-        Raise(8170);
+        RaiseError(8170);
     }
     if (IsDecimal(from.id)) {
-        throw MakeError(8115, {TypeName(TypeId::Numeric), target}, 5);
+        throw ErrorOf(8115, {TypeName(TypeId::Numeric), target}, 5);
     }
     if (from.id == TypeId::BigInt || IsUnicode(to.id)) {
-        throw MakeError(8115, {"expression", target}, 2);
+        throw ErrorOf(8115, {"expression", target}, 2);
     }
     return "*";
 }

@@ -15,7 +15,7 @@ DatePart PartOf(Values values, std::string_view function) {
     const auto part = FindDatePart(name);
     const bool counted = function == "dateadd" || function == "datediff";
     if (!part || (counted && part == DatePart::IsoWeek)) {
-        Raise(155, {name, function});
+        RaiseError(155, {name, function});
     }
     return *part;
 }
@@ -33,12 +33,12 @@ Value DateAdd(Values values, Types types) {
     }
     const Type type = DateAddType(types);
     if (type.id == TypeId::Date && part >= DatePart::Hour) {
-        Raise(9810, {std::get<std::string>(values[0]), "dateadd", TypeName(type.id)});
+        RaiseError(9810, {std::get<std::string>(values[0]), "dateadd", TypeName(type.id)});
     }
     const auto sum = AddDatePart(part, IntOf(values[1], types[1]), DateOf(values[2], types[2]));
     const auto result = sum && type.id == TypeId::SmallDateTime ? ToSmallDateTime(*sum) : sum;
     if (!result) {
-        Raise(517, {TypeName(type.id)});
+        RaiseError(517, {TypeName(type.id)});
     }
     return *result;
 }
@@ -50,7 +50,7 @@ Value DateDiff(Values values, Types types) {
     }
     const std::int64_t count = CountDateParts(part, DateOf(values[1], types[1]), DateOf(values[2], types[2]));
     if (count > INT32_MAX || count < INT32_MIN) {
-        Raise(535, {"datediff"});
+        RaiseError(535, {"datediff"});
     }
     return count;
 }
@@ -103,7 +103,7 @@ Value EndOfMonth(Values values, Types types) {
     const std::int64_t months = values.size() > 1 && !IsNull(values[1]) ? IntOf(values[1], types[1]) : 0;
     const auto moved = AddDatePart(DatePart::Month, months, DateOf(values[0], types[0]));
     if (!moved) {
-        Raise(517, {TypeName(TypeId::Date)});
+        RaiseError(517, {TypeName(TypeId::Date)});
     }
     const CivilTime civil = ToCivil(*moved);
     return DateTime{DaysFromCivil(civil.year, civil.month, DaysInMonth(civil.year, civil.month)), 0};
@@ -124,7 +124,7 @@ Value FromParts(Values values, Types types) {
         parts[3] >= 0 && parts[3] < 24 && parts[4] >= 0 && parts[4] < 60 && parts[5] >= 0 && parts[5] < 60 &&
         parts[6] >= 0 && parts[6] < 1000;
     if (!valid) {
-        Raise(289, {values.size() == 3 ? "date" : "datetime"});
+        RaiseError(289, {values.size() == 3 ? "date" : "datetime"});
     }
     civil.year = static_cast<std::int32_t>(parts[0]);
     civil.month = static_cast<std::int32_t>(parts[1]);

@@ -52,15 +52,15 @@ void CheckArgumentCount(const ScalarFunction& function, std::size_t count) {
         return;
     }
     if (least == most) {
-        Raise(174, {NameInMessages(function), std::to_string(least)});
+        RaiseError(174, {NameInMessages(function), std::to_string(least)});
     }
-    Raise(189, {NameInMessages(function), std::to_string(least), std::to_string(most)});
+    RaiseError(189, {NameInMessages(function), std::to_string(least), std::to_string(most)});
 }
 
 Type ResultType(const ScalarFunction& function, Types arguments) {
     for (std::size_t i = 0; i < arguments.size() && !function.takes_old_lobs; ++i) {
         if (IsOldLob(arguments[i].id)) {
-            Raise(8116, {TypeName(arguments[i].id), std::to_string(i + 1), NameInMessages(function)});
+            RaiseError(8116, {TypeName(arguments[i].id), std::to_string(i + 1), NameInMessages(function)});
         }
     }
     return function.result_type(arguments);

@@ -25,7 +25,7 @@ Value IsNullOr(Values values, Types types) {
 
 Type NullIfType(Types types) {
     if (IsUntypedNull(types[0])) {
-        Raise(4151);
+        RaiseError(4151);
     }
     RequireComparable(types[0], types[1], "equal to");
     return Settled(types[0]);
@@ -41,7 +41,7 @@ Value NullIf(Values values, Types types) {
 Type CoalesceType(Types types) {
     const Type type = CommonType(types);
     if (IsUntypedNull(type)) {
-        Raise(4127);
+        RaiseError(4127);
     }
     return type;
 }
@@ -60,7 +60,7 @@ Value Coalesce(Values values, Types types) {
 Type ChosenType(Types types) {
     const Type type = CommonType(types.subspan(1));
     if (IsUntypedNull(type)) {
-        Raise(8133);
+        RaiseError(8133);
     }
     return type;
 }

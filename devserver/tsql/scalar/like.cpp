@@ -182,7 +182,7 @@ std::optional<char32_t> EscapeCharacter(std::string_view text) {
         return std::nullopt;
     }
     if (TextLength(text) != 1) {
-        Raise(506, {text, "LIKE"});
+        RaiseError(506, {text, "LIKE"});
     }
     std::size_t position = 0;
     return DecodeUtf8(text, position);

@@ -24,7 +24,7 @@ Literal FloatLiteral(std::string_view text) {
     }
     const auto value = ParseFloat(number);
     if (!value || !std::isfinite(*value)) {
-        Raise(168, {text, "8"});
+        RaiseError(168, {text, "8"});
     }
     return {Simple(TypeId::Float), *value};
 }
@@ -40,11 +40,11 @@ Literal ParseNumberLiteral(std::string_view text) {
     const std::string_view digits = text.substr(first);
     const ParsedDecimal parsed = ParseDecimal(digits);
     if (!parsed.valid) {
-        Raise(102, {text});
+        RaiseError(102, {text});
     }
     const auto count = std::count_if(digits.begin(), digits.end(), [](char c) { return c != '.'; });
     if (!parsed.value || count > kMaxDigits) {
-        Raise(1007, {"number", text});
+        RaiseError(1007, {"number", text});
     }
     const Decimal value = *parsed.value;
     const bool whole = text.find('.') == std::string_view::npos;
@@ -59,7 +59,7 @@ Literal ParseMoneyLiteral(std::string_view text) {
     const ParsedMoney parsed = ParseMoney(text);
     const auto value = parsed.value ? Rescale(*parsed.value, 4) : std::nullopt;
     if (!value || !MoneyInRange(value->unscaled, TypeId::Money)) {
-        Raise(151, {text});
+        RaiseError(151, {text});
     }
     return {Simple(TypeId::Money), *value};
 }
@@ -67,7 +67,7 @@ Literal ParseMoneyLiteral(std::string_view text) {
 Literal ParseBinaryLiteral(std::string_view text) {
     const auto bytes = BytesFromHex(text.substr(2), true);
     if (!bytes) {
-        Raise(102, {text});
+        RaiseError(102, {text});
     }
     const Type type = FittedLength(TypeId::VarBinary, std::max<std::int64_t>(1, std::ssize(*bytes)));
     return {type, Bytes{*bytes}};

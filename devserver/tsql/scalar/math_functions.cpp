@@ -1,7 +1,6 @@
-// Number functions. Those of trigonometry and logarithms compute in float; the others keep the type they get.
+// Number functions. SQRT and SQUARE compute in float; the others keep the type of their argument.
 #include <array>
 #include <cmath>
-#include <numbers>
 
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/conversion.h"
@@ -44,10 +43,10 @@ Type PowerType(Types types) {
 
 Value Float(double value) {
     if (std::isnan(value)) {
-        Raise(kInvalidFloatOperation);
+        RaiseError(kInvalidFloatOperation);
     }
     if (std::isinf(value)) {
-        Raise(8115, {"expression", TypeName(TypeId::Float)}, 2);
+        RaiseError(8115, {"expression", TypeName(TypeId::Float)}, 2);
     }
     return value;
 }
@@ -59,36 +58,6 @@ Value OfFloat(Values values, Types types) {
 
 double Square(double x) {
     return x * x;
-}
-
-double Cotangent(double x) {
-    return 1 / std::tan(x);
-}
-
-/// Of 0 there is no logarithm, and infinite is no float.
-double Defined(double x, double result) {
-    return x > 0 ? result : std::nan("");
-}
-
-double NaturalLog(double x) {
-    return Defined(x, std::log(x));
-}
-
-double DecimalLog(double x) {
-    return Defined(x, std::log10(x));
-}
-
-Value Log(Values values, Types types) {
-    const double result = NaturalLog(FloatOf(values[0], types[0]));
-    return Float(values.size() == 1 ? result : result / NaturalLog(FloatOf(values[1], types[1])));
-}
-
-Value ArcTangent2(Values values, Types types) {
-    return Float(std::atan2(FloatOf(values[0], types[0]), FloatOf(values[1], types[1])));
-}
-
-Value Pi(Values, Types) {
-    return std::numbers::pi;
 }
 
 /// The argument in the type in which the function computes.
@@ -213,19 +182,6 @@ Value Power(Values values, Types types) {
     return Convert(Float(result), Simple(TypeId::Float), PowerType(types));
 }
 
-Value Scaled(Values values, Types types, double factor) {
-    const Type type = PowerType(types);
-    return Convert(Float(FloatOf(values[0], types[0]) * factor), Simple(TypeId::Float), type);
-}
-
-Value Radians(Values values, Types types) {
-    return Scaled(values, types, std::numbers::pi / 180);
-}
-
-Value Degrees(Values values, Types types) {
-    return Scaled(values, types, 180 / std::numbers::pi);
-}
-
 Value Rand(Values values, Types types) {
     return RandomSequence(static_cast<std::int32_t>(IntOf(values[0], types[0]))).Next();
 }
@@ -239,22 +195,8 @@ constexpr ScalarFunction kFunctions[] = {
     {"FLOOR", 1, 1, WholeType, NullIfAnyNull<Floor>},
     {"ROUND", 2, 3, WorkingTypeOfFirst, NullIfAnyNull<Round>},
     {"POWER", 2, 2, PowerType, NullIfAnyNull<Power>},
-    {"RADIANS", 1, 1, PowerType, NullIfAnyNull<Radians>},
-    {"DEGREES", 1, 1, PowerType, NullIfAnyNull<Degrees>},
     {"SQRT", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::sqrt>>},
     {"SQUARE", 1, 1, kFloatType, NullIfAnyNull<OfFloat<Square>>},
-    {"EXP", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::exp>>},
-    {"LOG", 1, 2, kFloatType, NullIfAnyNull<Log>},
-    {"LOG10", 1, 1, kFloatType, NullIfAnyNull<OfFloat<DecimalLog>>},
-    {"SIN", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::sin>>},
-    {"COS", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::cos>>},
-    {"TAN", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::tan>>},
-    {"COT", 1, 1, kFloatType, NullIfAnyNull<OfFloat<Cotangent>>},
-    {"ASIN", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::asin>>},
-    {"ACOS", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::acos>>},
-    {"ATAN", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::atan>>},
-    {"ATN2", 2, 2, kFloatType, NullIfAnyNull<ArcTangent2>},
-    {"PI", 0, 0, kFloatType, Pi},
     {"RAND", 1, 1, kFloatType, NullIfAnyNull<Rand>},
 };
 

@@ -116,7 +116,7 @@ class Formatter {
         }
         p.kind = Peek();
         if (p.kind == '\0' || std::string_view("dioxXus").find(p.kind) == std::string_view::npos) {
-            Raise(2787, {text_.substr(start, at_ - start + 1)});
+            RaiseError(2787, {text_.substr(start, at_ - start + 1)});
         }
         ++at_;
         return p;
@@ -126,7 +126,7 @@ class Formatter {
         return next_ < arguments_.size() ? &arguments_[next_++] : nullptr;
     }
 
-    [[noreturn]] void RefuseType() const { throw MakeError(2786, {std::to_string(next_)}); }
+    [[noreturn]] void RefuseType() const { throw ErrorOf(2786, {std::to_string(next_)}); }
 
     std::string Format(const Placeholder& p) {
         const FormatArgument* argument = NextArgument();
@@ -194,13 +194,13 @@ class Formatter {
 
 void RequireTypes(std::span<const FormatArgument> arguments) {
     if (arguments.size() > kMostArguments) {
-        Raise(2747, {std::to_string(kMostArguments)});
+        RaiseError(2747, {std::to_string(kMostArguments)});
     }
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const TypeId id = arguments[i].type.id;
         const bool allowed = IsInteger(id) || (IsCharacter(id) && !IsOldLob(id));
         if (!allowed) {
-            Raise(2748, {TypeName(id), std::to_string(i + 1 + kParametersBefore)});
+            RaiseError(2748, {TypeName(id), std::to_string(i + 1 + kParametersBefore)});
         }
     }
 }

@@ -20,11 +20,11 @@ bool IsBitOperator(BinaryOperator op) {
 }
 
 [[noreturn]] void Incompatible(BinaryOperator op, const Type& left, const Type& right) {
-    throw MakeError(402, {TypeName(left.id), TypeName(right.id), OperatorWord(op)});
+    throw ErrorOf(402, {TypeName(left.id), TypeName(right.id), OperatorWord(op)});
 }
 
 [[noreturn]] void InvalidOperand(const Type& type, std::string_view op) {
-    throw MakeError(8117, {TypeName(type.id), op});
+    throw ErrorOf(8117, {TypeName(type.id), op});
 }
 
 Type DecimalOperatorType(BinaryOperator op, const Type& left, const Type& right) {

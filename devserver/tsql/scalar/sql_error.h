@@ -1,5 +1,5 @@
-// The error that every layer of the server raises, and the one table of message texts by number.
-// Knows nothing of procedures and lines: who catches an error adds where it happened.
+// The error that every layer of the server raises, and the table of messages by number (messages.txt). It
+// knows nothing of procedures and lines: the code that catches an error adds where it happened.
 #pragma once
 
 #include <cstdint>
@@ -44,16 +44,16 @@ const MessageTemplate* FindMessage(std::int32_t number);
 /// The whole table, ascending by number (sysmessages reads it).
 std::span<const MessageTemplate> AllMessages();
 
-/// The text of a message with its arguments put in. An argument that is missing leaves nothing in its place.
-/// A number that the table doesn't have throws std::logic_error.
-std::string MessageText(std::int32_t number, std::initializer_list<std::string_view> arguments = {});
+/// A text with its arguments put in. An argument that is missing leaves nothing in its place.
+std::string Filled(std::string_view text, std::span<const std::string_view> arguments);
 
-/// An error by number. A number that the table doesn't have throws std::logic_error.
-SqlError MakeError(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
-                   std::uint8_t state = 1);
-
-/// Throws MakeError(number, arguments, state).
-[[noreturn]] void Raise(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
-                        std::uint8_t state = 1);
+/// An error by number. A number that the table doesn't have throws std::logic_error. What the server does not
+/// support is 40510 ("Statement '%1' is not supported") or 40517 ("Keyword or statement option '%1' is not
+/// supported").
+SqlError ErrorOf(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
+                 std::uint8_t state = 1);
+/// Throws ErrorOf(number, arguments, state).
+[[noreturn]] void RaiseError(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
+                             std::uint8_t state = 1);
 
 } // namespace devsql

@@ -53,7 +53,7 @@ Value DataLength(Values values, Types types) {
 Value Left(Values values, Types types) {
     const std::int64_t count = IntOf(values[1], types[1]);
     if (count < 0) {
-        Raise(kInvalidLeftLength);
+        RaiseError(kInvalidLeftLength);
     }
     return SubText(TextOf(values[0], types[0]), 0, CountOf(count));
 }
@@ -61,7 +61,7 @@ Value Left(Values values, Types types) {
 Value Right(Values values, Types types) {
     const std::int64_t count = IntOf(values[1], types[1]);
     if (count < 0) {
-        Raise(kInvalidLength, {"right"});
+        RaiseError(kInvalidLength, {"right"});
     }
     const std::string text = TextOf(values[0], types[0]);
     const std::size_t length = TextLength(text);
@@ -79,7 +79,7 @@ Value Substring(Values values, Types types) {
     const std::int64_t start = IntOf(values[1], types[1]);
     const std::int64_t count = IntOf(values[2], types[2]);
     if (count < 0) {
-        Raise(kInvalidLeftLength);
+        RaiseError(kInvalidLeftLength);
     }
     // Positions before the first count, but hold nothing.
     const std::int64_t first = std::max<std::int64_t>(start, 1);

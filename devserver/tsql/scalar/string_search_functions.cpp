@@ -95,57 +95,11 @@ Value QuoteName(Values values, Types types) {
     return quoted + found->close;
 }
 
-/// Takes the text up to `close` from `at` on, which ends behind it; a doubled `close` is one of the text.
-/// False if there is no end.
-bool TakeQuoted(std::string_view name, char close, std::size_t& at, std::string& part) {
-    while (at < name.size()) {
-        const char c = name[at++];
-        if (c == close) {
-            if (at == name.size() || name[at] != close) {
-                return true;
-            }
-            ++at;
-        }
-        part += c;
-    }
-    return false;
-}
-
-/// The parts of a name, brackets and quotes taken off; none for a bracket that is not closed.
-std::vector<std::string> NameParts(std::string_view name) {
-    std::vector<std::string> parts(1);
-    for (std::size_t at = 0; at < name.size();) {
-        const char c = name[at++];
-        if (c == '.') {
-            parts.emplace_back();
-        } else if (c == '[' || c == '"') {
-            if (!TakeQuoted(name, c == '[' ? ']' : '"', at, parts.back())) {
-                return {};
-            }
-        } else {
-            parts.back() += c;
-        }
-    }
-    return parts;
-}
-
-Value ParseName(Values values, Types types) {
-    const std::vector<std::string> parts = NameParts(TextOf(values[0], types[0]));
-    const std::int64_t wanted = IntOf(values[1], types[1]);
-    constexpr std::int64_t most_parts = 4;
-    if (std::ssize(parts) > most_parts || wanted < 1 || wanted > std::ssize(parts)) {
-        return {};
-    }
-    const std::string& part = parts[parts.size() - static_cast<std::size_t>(wanted)];
-    return part.empty() ? Value{} : Value(part);
-}
-
 constexpr ScalarFunction kFunctions[] = {
     {"CHARINDEX", 2, 3, Always<TypeId::Int>, NullIfAnyNull<CharIndex>, true},
     {"PATINDEX", 2, 2, Always<TypeId::Int>, NullIfAnyNull<PatIndexOf>, true},
     {"REPLACE", 3, 3, ReplaceType, NullIfAnyNull<Replace>},
     {"QUOTENAME", 1, 2, Always<TypeId::NVarChar, 258>, NullIfAnyNull<QuoteName>},
-    {"PARSENAME", 2, 2, Always<TypeId::NVarChar, 128>, NullIfAnyNull<ParseName>},
 };
 
 } // namespace

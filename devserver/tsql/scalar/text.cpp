@@ -158,7 +158,7 @@ std::string NarrowToCodePage1252(std::string_view text) {
 void RequireRoom(std::size_t bytes) {
     constexpr std::size_t kMostBytes = std::size_t{1} << 28;
     if (bytes > kMostBytes) {
-        Raise(7119, {std::to_string(kMostBytes)});
+        RaiseError(7119, {std::to_string(kMostBytes)});
     }
 }
 

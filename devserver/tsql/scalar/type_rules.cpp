@@ -43,16 +43,16 @@ Kind KindOf(TypeId id) {
 // i: implicitly, e: by CAST and CONVERT alone, -: never.
 // Columns: binary char nchar date decimal float integer money bit timestamp guid image ntext text day.
 constexpr std::array<std::string_view, 15> kConversions = {
-    "iiiii-iiiiii--e", // binary
+    "iiii--i-iiii--e", // binary
     "eiiiiiiiieiiiii", // char
     "eiiiiiiii-i-iii", // nchar
     "eiiieeeeee----i", // date
-    "iiiiiiiiii-----", // decimal
-    "iiiiiiiii------", // float
+    "-iiiiiiii------", // decimal
+    "-iiiiiiii------", // float
     "iiiiiiiiii-----", // integer
-    "iiiiiiiiii-----", // money
+    "-iiiiiiii------", // money
     "iiiiiiiiii-----", // bit
-    "ii-ii-iiii-i---", // timestamp
+    "ii-i--i-ii-i---", // timestamp
     "iii-------i----", // uniqueidentifier
     "i--------i-i---", // image
     "-ii---------ii-", // ntext
@@ -143,7 +143,7 @@ Allowed ConversionAllowed(TypeId from, TypeId to) {
 void RequireImplicit(TypeId from, TypeId to) {
     const Allowed allowed = ConversionAllowed(from, to);
     if (allowed != Allowed::Implicit) {
-        Raise(allowed == Allowed::Never ? 206 : 257, {TypeName(from), TypeName(to)});
+        RaiseError(allowed == Allowed::Never ? 206 : 257, {TypeName(from), TypeName(to)});
     }
 }
 
@@ -194,7 +194,7 @@ Type CommonType(std::span<const Type> types) {
 
 void RequireComparable(const Type& left, const Type& right, std::string_view op) {
     if (IsOldLob(left.id) || IsOldLob(right.id)) {
-        Raise(402, {TypeName(left.id), TypeName(right.id), op});
+        RaiseError(402, {TypeName(left.id), TypeName(right.id), op});
     }
     CommonType(left, right);
 }

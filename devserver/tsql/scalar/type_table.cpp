@@ -82,21 +82,21 @@ std::string_view PlaceName(const DeclarationPlace& place, TypeId id) {
 
 void RequirePositive(std::int64_t length) {
     if (length < 1) {
-        Raise(1001, {"1", Number(length)});
+        RaiseError(1001, {"1", Number(length)});
     }
 }
 
 void RefusePrecision(const DeclarationPlace& place, std::int64_t precision, int maximum) {
-    Raise(2750, {Number(place.ordinal), Number(precision), Number(maximum)});
+    RaiseError(2750, {Number(place.ordinal), Number(precision), Number(maximum)});
 }
 
 Type DeclaredLength(TypeId id, std::int64_t length, const DeclarationPlace& place) {
     RequirePositive(length);
     if (length > kMaxBytes) {
-        Raise(131, {Number(length), place.kind, PlaceName(place, id), Number(kMaxBytes)});
+        RaiseError(131, {Number(length), place.kind, PlaceName(place, id), Number(kMaxBytes)});
     }
     if (IsUnicode(id) && length > kMaxBytes / 2) {
-        Raise(2717, {Number(length), place.kind, PlaceName(place, id), Number(kMaxBytes / 2)});
+        RaiseError(2717, {Number(length), place.kind, PlaceName(place, id), Number(kMaxBytes / 2)});
     }
     return Sized(id, static_cast<std::int32_t>(length));
 }
@@ -107,7 +107,7 @@ Type DeclaredDecimal(TypeId id, std::int64_t precision, std::int64_t scale, cons
         RefusePrecision(place, precision, kMaxPrecision);
     }
     if (scale < 0 || scale > precision) {
-        Raise(192);
+        RaiseError(192);
     }
     return DecimalType(static_cast<int>(precision), static_cast<int>(scale), id);
 }
@@ -163,7 +163,7 @@ Type DeclaredType(TypeId id, std::optional<std::int64_t> first, std::optional<st
                   std::int32_t default_length, const DeclarationPlace& place) {
     if (max) {
         if (id != VarChar && id != NVarChar && id != VarBinary) {
-            Raise(102, {"max"});
+            RaiseError(102, {"max"});
         }
         return Sized(id, kMaxLength);
     }
@@ -175,7 +175,7 @@ Type DeclaredType(TypeId id, std::optional<std::int64_t> first, std::optional<st
     }
     const bool takes_one = HasLength(id) || id == Float;
     if ((first && !takes_one) || second) {
-        Raise(2716, {Number(place.ordinal), TypeName(id)});
+        RaiseError(2716, {Number(place.ordinal), TypeName(id)});
     }
     if (id == Float) {
         return DeclaredFloat(first.value_or(kMaxFloatBits), place);

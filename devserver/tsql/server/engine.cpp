@@ -6,7 +6,7 @@
 
 #include "devserver/storage/paths.h"
 #include "devserver/tsql/run/function_runner.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/server/client_session.h"
 #include "devserver/tsql/server/procedure_list.h"

@@ -8,7 +8,7 @@
 #include "devserver/storage/linked_servers.h"
 #include "devserver/storage/paths.h"
 #include "devserver/storage/publications.h"
-#include "devserver/tsql/catalogue/bootstrap.h"
+#include "devserver/tsql/catalogue/embedded_sql.h"
 #include "devserver/tsql/server/client_session.h"
 #include "devserver/tsql/session/server.h"
 
@@ -108,7 +108,7 @@ void ListLogins(SqliteConnection& master, const std::map<std::string, std::strin
 bool BootstrapIsCurrent(const std::filesystem::path& master) {
     SqliteConnection connection(master);
     SqliteStatement row = connection.Prepare("SELECT value FROM devsql_settings WHERE name = 'bootstrap'");
-    return row.Step() && row.Int(0) == kBootstrapVersion;
+    return row.Step() && row.Int(0) == embedded::kBootstrapVersion;
 }
 
 } // namespace
@@ -141,8 +141,9 @@ void RunBootstrap(Server& server) {
     }
     ClientSession session(server, {1, "sa", "", "", ""});
     BootstrapSink sink;
-    for (const auto& batches : {BootstrapBatches(), HelpBatches()}) {
-        for (const std::string_view batch : batches) {
+    for (const std::string_view file :
+         {embedded::kMsdbProcedures, embedded::kMasterProcedures, embedded::kDriverProcedures}) {
+        for (const std::string_view batch : embedded::Batches(file)) {
             session.ExecuteBatch(batch.substr(batch.find_first_not_of('\n')), sink);
             if (!sink.error.empty()) {
                 throw std::runtime_error("bootstrap: " + sink.error + " in " +
@@ -152,7 +153,7 @@ void RunBootstrap(Server& server) {
     }
     SqliteConnection master(server.MasterFile());
     master.Execute("INSERT OR REPLACE INTO devsql_settings VALUES('bootstrap', " +
-                   std::to_string(kBootstrapVersion) + "); UPDATE devsql_objects SET shipped = 1");
+                   std::to_string(embedded::kBootstrapVersion) + "); UPDATE devsql_objects SET shipped = 1");
     SqliteConnection msdb(server.options().root / "msdb.mdf");
     msdb.Execute("UPDATE devsql_objects SET shipped = 1");
 }

@@ -1,6 +1,6 @@
 #include "devserver/tsql/session/call_stack.h"
 
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/temporary_tables.h"
 

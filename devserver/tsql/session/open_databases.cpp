@@ -5,7 +5,7 @@
 
 #include "devserver/storage/databases.h"
 #include "devserver/tsql/parse/parser.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
 #include "devserver/tsql/session/session_core.h"

@@ -1,6 +1,6 @@
 #include "devserver/tsql/session/results.h"
 
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/session/call_stack.h"
 #include "devserver/tsql/session/options.h"
 #include "devserver/tsql/session/status.h"

@@ -9,7 +9,7 @@
 #include "devserver/storage/catalogue.h"
 #include "devserver/storage/sqlite.h"
 #include "devserver/tsql/linked/remote_servers.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/session/call_stack.h"
 #include "devserver/tsql/session/client_info.h"
 #include "devserver/tsql/session/identities.h"

@@ -5,8 +5,8 @@
 
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/date_time.h"
-#include "devserver/tsql/scalar/errors.h"
 #include "devserver/tsql/scalar/functions.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
 #include "devserver/tsql/session/session_function_parts.h"
@@ -168,11 +168,6 @@ Value IsMember(SessionCore& session, Values values, Types types) {
            std::int64_t{!CurrentUser(session).empty() && AsciiEqual(role, "dbcreator")};
 }
 
-Value CursorStatus(SessionCore& session, Values values, Types types) {
-    const std::shared_ptr<Cursor> cursor = session.calls().FindCursor(TextOf(values, types, 1));
-    return std::int64_t{!cursor ? -3 : cursor->open ? (cursor->rows.rows.empty() ? 0 : 1) : -1};
-}
-
 /// FORMATMESSAGE: a message by number or a text, with its arguments put in. NULL for an unknown number.
 Value FormatMessage(SessionCore& session, Values values, Types types) {
     std::vector<FormatArgument> arguments;
@@ -188,26 +183,6 @@ Value FormatMessage(SessionCore& session, Values values, Types types) {
     const auto number = static_cast<std::int32_t>(IntOf(values, types, 0).value_or(0));
     const std::optional<NumberedMessage> found = FindMessageText(session, number, arguments);
     return found ? Value(found->text) : Value();
-}
-
-/// SESSIONPROPERTY: a SET option of the session, 1 or 0.
-Value SessionProperty(SessionCore& session, Values values, Types types) {
-    const std::string name = AsciiUpper(TextOf(values, types, 0));
-    const Options& options = session.options();
-    const std::pair<std::string_view, bool> properties[] = {
-        {"ANSI_NULLS", options.ansi_nulls},
-        {"ANSI_PADDING", true},
-        {"ANSI_WARNINGS", true},
-        {"ARITHABORT", true},
-        {"CONCAT_NULL_YIELDS_NULL", options.concat_null_yields_null},
-        {"NUMERIC_ROUNDABORT", false},
-        {"QUOTED_IDENTIFIER", options.quoted_identifier}};
-    for (const auto& [property, value] : properties) {
-        if (property == name) {
-            return std::int64_t{value};
-        }
-    }
-    return {};
 }
 
 const Message* Caught(const SessionCore& session) {
@@ -285,7 +260,6 @@ constexpr SessionFunction kFunctions[] = {
      },
      true},
     {"FORMATMESSAGE", 1, 21, Sized(TypeId::NVarChar, 4000), FormatMessage, false},
-    {"SESSIONPROPERTY", 1, 1, kInt, SessionProperty, false},
     {"DB_ID", 0, 1, Simple(TypeId::SmallInt), DbId, false},
     {"DB_NAME", 0, 1, kName, DbName, false},
     {"SERVERPROPERTY", 1, 1, Sized(TypeId::NVarChar, 256), ServerProperty, false},
@@ -320,7 +294,6 @@ constexpr SessionFunction kFunctions[] = {
          return std::int64_t{s.transactions().doomed() ? -1 : s.transactions().count() > 0 ? 1 : 0};
      },
      true},
-    {"CURSOR_STATUS", 2, 2, Simple(TypeId::SmallInt), CursorStatus, false},
     {"TYPE_ID", 1, 1, kInt, TypeIdOf, false},
     {"TYPE_NAME", 1, 1, kName, TypeNameOf, false},
     {"ERROR_NUMBER", 0, 0, kInt,

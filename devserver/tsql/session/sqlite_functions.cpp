@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "devserver/tsql/scalar/arithmetic.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/session/check_columns.h"
 #include "devserver/tsql/session/session_core.h"
 
@@ -32,30 +32,12 @@ class SumAggregate : public Aggregate {
     SumAccumulator sum_;
 };
 
-class VarianceAggregate : public Aggregate {
-  public:
-    VarianceAggregate(bool population, bool deviation)
-        : population_(population), deviation_(deviation), sum_(Simple(TypeId::Float)) {}
-
-    void Step(const FunctionCall& call) override { sum_.Add(call.Argument(0, Simple(TypeId::Float))); }
-    void Finish(const FunctionCall& call) override {
-        call.Result(deviation_ ? sum_.Deviation(population_) : sum_.Variance(population_),
-                    Simple(TypeId::Float));
-    }
-
-  private:
-    bool population_;
-    bool deviation_;
-    VarianceAccumulator sum_;
-};
-
 } // namespace
 
 SqliteFunctions::SqliteFunctions(SessionCore& session) : session_(session) {
     session_.connection().AddFunction("tsql", [this](const FunctionCall& call) { Run(call); });
     AddChecks();
     AddCatalogueFunctions();
-    AddVariances();
 }
 
 /// What a query must not exceed.
@@ -99,21 +81,6 @@ void SqliteFunctions::AddCatalogueFunctions() {
             call.Result(std::int64_t{column->id}, Simple(TypeId::Int));
         }
     });
-}
-
-void SqliteFunctions::AddVariances() {
-    struct Function {
-        const char* name;
-        bool population;
-        bool deviation;
-    };
-    for (const Function& function :
-         {Function{"tsql_stdev", false, true}, Function{"tsql_stdevp", true, true},
-          Function{"tsql_var", false, false}, Function{"tsql_varp", true, false}}) {
-        session_.connection().AddAggregate(function.name, [function] {
-            return std::make_unique<VarianceAggregate>(function.population, function.deviation);
-        });
-    }
 }
 
 std::string SqliteFunctions::SumFunction(const Type& type, bool average) {

@@ -36,7 +36,6 @@ class SqliteFunctions {
   private:
     void AddChecks();
     void AddCatalogueFunctions();
-    void AddVariances();
     void Run(const FunctionCall& call);
 
     SessionCore& session_;

@@ -4,7 +4,7 @@
 
 #include <sqlite3.h>
 
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/session_core.h"
 

@@ -4,7 +4,7 @@
 
 #include "devserver/storage/sqlite.h"
 #include "devserver/tsql/scalar/conversion.h"
-#include "devserver/tsql/scalar/errors.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/session/session_core.h"
 
 namespace devsql {
@@ -15,8 +15,9 @@ std::optional<NumberedMessage> FindMessageText(SessionCore& session, std::int32_
     for (const FormatArgument& argument : arguments) {
         texts.push_back(IsNull(argument.value) ? "(null)" : ValueText(argument.value, argument.type));
     }
-    if (const MessageTemplate* own = FindTemplate(number)) {
-        return NumberedMessage{own->severity, Filled(own->text, texts)};
+    if (const MessageTemplate* own = FindMessage(number)) {
+        return NumberedMessage{own->severity,
+                               Filled(own->text, std::vector<std::string_view>(texts.begin(), texts.end()))};
     }
     SqliteStatement row = session.connection().Prepare(
         "SELECT severity, description FROM main.sysusermessages WHERE error = ?1");
@@ -29,13 +30,13 @@ std::optional<NumberedMessage> FindMessageText(SessionCore& session, std::int32_
 
 std::string MessageRows() {
     static const std::string rows = [] {
-        const std::vector<std::string> places(9, "%ls");
+        const std::vector<std::string_view> places(9, "%ls");
         std::string text =
             "(SELECT column1 AS error, column2 AS severity, column3 AS description FROM (VALUES";
         char separator = ' ';
-        for (const MessageTemplate* message : AllTemplates()) {
-            text += separator + ("(" + std::to_string(message->number)) + "," +
-                    std::to_string(message->severity) + "," + QuoteText(Filled(message->text, places)) + ")";
+        for (const MessageTemplate& message : AllMessages()) {
+            text += separator + ("(" + std::to_string(message.number)) + "," +
+                    std::to_string(message.severity) + "," + QuoteText(Filled(message.text, places)) + ")";
             separator = ',';
         }
         return text + "))";

@@ -1,15 +1,10 @@
-#include "devserver/tsql/catalogue/bootstrap.h"
+-- What msdb and master consist of beside the catalogue: the package store and the job tables of msdb with their procedures,
+-- and procedures of master about users, logins and databases. GO ends each batch. They run at the first start of a
+-- version of the server: kBootstrapVersion in sql_texts.h rises when a file changes.
 
-#include <array>
-
-namespace devsql {
-namespace {
-
-constexpr std::array<std::string_view, 16> kBatches = {
-    R"(
 USE msdb
-)",
-    R"(
+GO
+
 IF OBJECT_ID('dbo.sysdtspackages') IS NULL
 CREATE TABLE dbo.sysdtspackages (
     name sysname NOT NULL,
@@ -32,8 +27,8 @@ BEGIN
     INSERT dbo.sysdtscategories VALUES (N'Local', N'Packages of this server',
         'B8C30002-A282-11D1-B7D9-00C04FB6EFD5', 'B8C30000-A282-11D1-B7D9-00C04FB6EFD5')
 END
-)",
-    R"(
+GO
+
 IF OBJECT_ID('dbo.syscategories') IS NULL
 BEGIN
     CREATE TABLE dbo.syscategories (
@@ -57,8 +52,8 @@ CREATE TABLE dbo.sysjobs (
     notify_level_netsend int NOT NULL, notify_level_page int NOT NULL, notify_email_operator_id int NOT NULL,
     notify_netsend_operator_id int NOT NULL, notify_page_operator_id int NOT NULL, delete_level int NOT NULL,
     date_created datetime NOT NULL, date_modified datetime NOT NULL, version_number int NOT NULL)
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_add_dtspackage
     @name sysname, @id uniqueidentifier, @versionid uniqueidentifier, @description nvarchar(255),
     @categoryid uniqueidentifier, @owner sysname, @packagedata image, @packagetype int = 0
@@ -95,8 +90,8 @@ INSERT msdb.dbo.sysdtspackages (name, id, versionid, description, categoryid, cr
 VALUES (@name, @id, @versionid, @description, @categoryid, GETDATE(), COALESCE(@owner, SUSER_SNAME()), @packagedata,
     COALESCE(SUSER_SID(), 0x01), COALESCE(@packagetype, 0))
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_drop_dtspackage
     @name sysname, @id uniqueidentifier, @versionid uniqueidentifier
 AS
@@ -120,8 +115,8 @@ BEGIN
 END
 DELETE msdb.dbo.sysdtspackages WHERE id = @find_id AND versionid = @find_version
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_enum_dtspackages
     @name_filter sysname = '%', @description_filter nvarchar(255) = '%', @categoryid uniqueidentifier = NULL,
     @flags int = 0, @id uniqueidentifier = NULL, @wanttype int = NULL
@@ -141,8 +136,8 @@ WHERE   (@name_filter IS NULL OR p.name LIKE @name_filter)
          WHERE n.id = p.id AND n.createdate > p.createdate))
 ORDER BY p.name, p.createdate DESC
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_get_dtspackage
     @name sysname, @id uniqueidentifier, @versionid uniqueidentifier
 AS
@@ -165,8 +160,8 @@ SELECT  name, id, versionid, description, createdate, owner, DATALENGTH(packaged
 FROM    msdb.dbo.sysdtspackages
 WHERE   id = @find_id AND versionid = @find_version
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_add_job
     @job_name sysname, @enabled tinyint = 1, @description nvarchar(512) = NULL, @start_step_id int = 1,
     @category_name sysname = NULL, @category_id int = NULL, @owner_login_name sysname = NULL,
@@ -189,8 +184,8 @@ SET @job_id = NEWID()
 INSERT msdb.dbo.sysjobs VALUES (@job_id, LEFT(@@SERVERNAME, 30), @job_name, @enabled, @description, @start_step_id,
     COALESCE(@category_id, 0), COALESCE(SUSER_SID(), 0x01), 0, 0, 0, 0, 0, 0, 0, 0, GETDATE(), GETDATE(), 1)
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_delete_job
     @job_id uniqueidentifier = NULL, @job_name sysname = NULL
 AS
@@ -206,11 +201,11 @@ BEGIN
 END
 DELETE msdb.dbo.sysjobs WHERE job_id = @job_id
 RETURN 0
-)",
-    R"(
+GO
+
 USE master
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_helpuser @name_in_db sysname = NULL
 AS
 SET NOCOUNT ON
@@ -220,8 +215,8 @@ FROM sysusers u LEFT JOIN sysmembers m ON m.memberuid = u.uid LEFT JOIN sysusers
     LEFT JOIN master.dbo.syslogins l ON l.sid = u.sid
 WHERE u.issqlrole = 0 AND u.hasdbaccess = 1 AND (@name_in_db IS NULL OR u.name = @name_in_db)
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_helprolemember @rolename sysname = NULL
 AS
 SET NOCOUNT ON
@@ -229,8 +224,8 @@ SELECT g.name AS DbRole, u.name AS MemberName, u.sid AS MemberSID
 FROM sysmembers m JOIN sysusers u ON u.uid = m.memberuid JOIN sysusers g ON g.uid = m.groupuid
 WHERE @rolename IS NULL OR g.name = @rolename
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_server_info @attribute_id int = NULL
 AS
 SET NOCOUNT ON
@@ -244,32 +239,23 @@ INSERT #info VALUES (16, 'IDENTIFIER_CASE', 'MIXED')
 INSERT #info VALUES (18, 'COLLATION_SEQ', 'charset=iso_1 sort_order=nocase_iso')
 SELECT * FROM #info WHERE @attribute_id IS NULL OR attribute_id = @attribute_id
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_helplogins @LoginNamePattern sysname = NULL
 AS
 SET NOCOUNT ON
 SELECT loginname AS LoginName, sid AS SID, dbname AS DefDBName, language AS DefLangName, 'yes' AS AUser, 'no' AS ARemote
 FROM master.dbo.syslogins WHERE @LoginNamePattern IS NULL OR loginname = @LoginNamePattern
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_databases
 AS
 SET NOCOUNT ON
 SELECT name AS DATABASE_NAME, CONVERT(int, 2048) AS DATABASE_SIZE, CONVERT(varchar(254), NULL) AS REMARKS
 FROM master.dbo.sysdatabases ORDER BY name
 RETURN 0
-)",
-    R"(
+GO
+
 USE master
-)",
-};
-
-} // namespace
-
-std::span<const std::string_view> BootstrapBatches() {
-    return kBatches;
-}
-
-} // namespace devsql
+GO

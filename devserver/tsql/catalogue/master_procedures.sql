@@ -1,17 +1,9 @@
-// Procedures of master that are T-SQL: those that tell of tables, those that run something for each table or
-// database, the messages of users.
-#include <array>
+-- Procedures of master: about tables, indexes and constraints, for each table or database, and users' messages. GO ends
+-- each batch; see msdb_procedures.sql.
 
-#include "devserver/tsql/catalogue/bootstrap.h"
-
-namespace devsql {
-namespace {
-
-constexpr std::array<std::string_view, 14> kBatches = {
-    R"(
 USE master
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_helpindex @objname nvarchar(776)
 AS
 SET NOCOUNT ON
@@ -48,8 +40,8 @@ SELECT i.name AS index_name,
     l.keys AS index_keys
 FROM sysindexes i JOIN @list l ON l.indid = i.indid WHERE i.id = @id ORDER BY i.name
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_helpconstraint @objname nvarchar(776), @nomsg varchar(5) = 'msg'
 AS
 SET NOCOUNT ON
@@ -110,9 +102,9 @@ IF EXISTS (SELECT * FROM sysreferences WHERE rkeyid = @id)
 ELSE IF @nomsg <> 'nomsg'
     PRINT 'No foreign keys reference table ''' + @objname + ''', or you do not have permissions on referencing tables.'
 RETURN 0
-)",
-    // What a table takes is not known: SQLite tells it only where it is built to.
-    R"(
+GO
+
+-- What a table takes is not known: SQLite tells it only where it is built to.
 CREATE OR ALTER PROCEDURE dbo.sp_spaceused @objname nvarchar(776) = NULL, @updateusage varchar(5) = 'false'
 AS
 SET NOCOUNT ON
@@ -135,17 +127,17 @@ SELECT OBJECT_NAME(id) AS name, CONVERT(char(11), rows) AS rows, CONVERT(varchar
     CONVERT(varchar(18), NULL) AS data, CONVERT(varchar(18), NULL) AS index_size, CONVERT(varchar(18), NULL) AS unused
 FROM sysindexes WHERE id = OBJECT_ID(@objname) AND indid < 2
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_helprole @rolename sysname = NULL
 AS
 SET NOCOUNT ON
 SELECT name AS RoleName, uid AS RoleId, 0 AS IsAppRole FROM sysusers
 WHERE issqlrole = 1 AND (@rolename IS NULL OR name = @rolename)
 RETURN 0
-)",
-    // Statements are compiled whenever they run: nothing to mark, nothing to refresh.
-    R"(
+GO
+
+-- Statements are compiled whenever they run: nothing to mark, nothing to refresh.
 CREATE OR ALTER PROCEDURE dbo.sp_recompile @objname nvarchar(776)
 AS
 IF OBJECT_ID(@objname) IS NULL
@@ -157,8 +149,8 @@ BEGIN
 END
 PRINT 'Object ''' + @objname + ''' was successfully marked for recompilation.'
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_refreshview @viewname nvarchar(776)
 AS
 IF OBJECT_ID(@viewname, 'V') IS NULL
@@ -169,14 +161,14 @@ BEGIN
     RETURN 1
 END
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_updatestats @resample char(8) = 'NO'
 AS
 PRINT 'Statistics for all tables have been updated.'
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_MSforeachtable @command1 nvarchar(2000), @replacechar nchar(1) = N'?',
     @command2 nvarchar(2000) = NULL, @command3 nvarchar(2000) = NULL, @whereand nvarchar(2000) = NULL,
     @precommand nvarchar(2000) = NULL, @postcommand nvarchar(2000) = NULL
@@ -208,8 +200,8 @@ END
 IF @postcommand IS NOT NULL
     EXEC (@postcommand)
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_MSforeachdb @command1 nvarchar(2000), @replacechar nchar(1) = N'?'
 AS
 DECLARE @database sysname, @sql nvarchar(max)
@@ -223,16 +215,16 @@ BEGIN
     FETCH NEXT FROM each INTO @database
 END
 RETURN 0
-)",
-    R"(
+GO
+
 IF OBJECT_ID('dbo.sysmessages') IS NOT NULL
     EXEC sp_rename 'dbo.sysmessages', 'sysusermessages'
 IF OBJECT_ID('dbo.sysusermessages') IS NULL
 CREATE TABLE dbo.sysusermessages (
     error int NOT NULL PRIMARY KEY, severity smallint NOT NULL, dlevel smallint NOT NULL,
     description nvarchar(255) NULL, msglangid smallint NOT NULL)
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_addmessage @msgnum int, @severity smallint, @msgtext nvarchar(255),
     @lang sysname = NULL, @with_log varchar(5) = 'FALSE', @replace varchar(7) = NULL
 AS
@@ -251,8 +243,8 @@ BEGIN
 END
 INSERT master.dbo.sysusermessages VALUES (@msgnum, @severity, 0, @msgtext, 1033)
 RETURN 0
-)",
-    R"(
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_dropmessage @msgnum int, @lang sysname = NULL
 AS
 SET NOCOUNT ON
@@ -263,16 +255,126 @@ BEGIN
     RETURN 1
 END
 RETURN 0
-)",
-    R"(
-USE master
-)",
-};
+GO
 
-} // namespace
+-- The sessions that the argument selects: those of a login, one by its number, 'active' ones (the session that asks; all
+-- others wait for their clients), or all.
+CREATE OR ALTER PROCEDURE dbo.sp_who @loginame sysname = NULL
+AS
+IF @loginame LIKE N'%[^0-9]%' AND @loginame <> N'active' AND NOT EXISTS
+    (SELECT * FROM master.dbo.syslogins WHERE loginname = @loginame)
+BEGIN
+    RAISERROR (15007, 16, 1, @loginame)
+    RETURN 1
+END
+SELECT p.spid, CONVERT(smallint, 0) AS ecid, p.status, CONVERT(sysname, p.loginame) AS loginame, p.hostname,
+    CONVERT(char(5), '0') AS blk, DB_NAME(p.dbid) AS dbname, p.cmd
+FROM master.dbo.sysprocesses p
+WHERE COALESCE(@loginame, N'') = N'' OR @loginame = N'active' AND p.spid = @@SPID OR p.loginame = @loginame
+    OR CONVERT(nvarchar(9), p.spid) = @loginame
+RETURN 0
+GO
 
-std::span<const std::string_view> HelpBatches() {
-    return kBatches;
-}
+CREATE OR ALTER PROCEDURE dbo.sp_who2 @loginame sysname = NULL
+AS
+SELECT CONVERT(char(5), p.spid) AS SPID, CONVERT(nvarchar(30), RTRIM(CASE p.status WHEN 'runnable' THEN 'RUNNABLE'
+        ELSE p.status END)) AS Status, CONVERT(sysname, p.loginame) AS Login,
+    CONVERT(sysname, p.hostname) AS HostName, CONVERT(char(5), '  .') AS BlkBy, DB_NAME(p.dbid) AS DBName,
+    CONVERT(nvarchar(16), RTRIM(p.cmd)) AS Command, CONVERT(sysname, p.program_name) AS ProgramName
+FROM master.dbo.sysprocesses p
+WHERE COALESCE(@loginame, N'') = N'' OR @loginame = N'active' AND p.spid = @@SPID OR p.loginame = @loginame
+    OR CONVERT(nvarchar(9), p.spid) = @loginame
+RETURN 0
+GO
 
-} // namespace devsql
+-- Every level is accepted; the language is always that of level 140.
+CREATE OR ALTER PROCEDURE dbo.sp_dbcmptlevel @dbname sysname = NULL, @new_cmptlevel int = NULL
+AS
+SET NOCOUNT ON
+IF @dbname IS NOT NULL AND DB_ID(@dbname) IS NULL
+BEGIN
+    RAISERROR (15010, 16, 1, @dbname)
+    RETURN 1
+END
+IF @new_cmptlevel IS NULL
+    RAISERROR (15054, 10, 1, '140')
+ELSE IF @new_cmptlevel NOT IN (80, 90, 100, 110, 120, 130, 140)
+BEGIN
+    RAISERROR (15048, 16, 1, '80, 90, 100, 110, 120, 130, 140')
+    RETURN 1
+END
+RETURN 0
+GO
+
+CREATE OR ALTER PROCEDURE dbo.sp_help @objname nvarchar(776) = NULL
+AS
+SET NOCOUNT ON
+DECLARE @id int, @type char(2), @db sysname
+IF @objname IS NULL
+BEGIN
+    SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
+            WHEN 'P' THEN 'stored procedure' WHEN 'FN' THEN 'scalar function' WHEN 'PK' THEN 'primary key cns'
+            WHEN 'UQ' THEN 'unique cns' WHEN 'F' THEN 'foreign key cns' WHEN 'C' THEN 'check cns'
+            ELSE 'default (maybe cns)' END AS Object_type
+    FROM sysobjects ORDER BY Object_type, Name
+    RETURN 0
+END
+SELECT @id = id, @type = xtype FROM sysobjects WHERE id = OBJECT_ID(@objname)
+IF @id IS NULL
+BEGIN
+    SET @db = DB_NAME()
+    RAISERROR (15009, 16, 1, @objname, @db)
+    RETURN 1
+END
+SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
+        WHEN 'P' THEN 'stored procedure' WHEN 'FN' THEN 'scalar function' ELSE 'constraint' END AS Type,
+    crdate AS Created_datetime
+FROM sysobjects WHERE id = @id
+IF @type IN ('P', 'FN')
+BEGIN
+    SELECT c.name AS Parameter_name, t.name AS Type, c.length AS Length, c.prec AS Prec, c.scale AS Scale,
+        c.colid AS Param_order, c.collation AS Collation
+    FROM syscolumns c JOIN systypes t ON t.xusertype = c.xusertype WHERE c.id = @id ORDER BY c.colid
+    RETURN 0
+END
+SELECT c.name AS Column_name, t.name AS Type, CASE c.iscomputed WHEN 1 THEN 'yes' ELSE 'no' END AS Computed,
+    c.length AS Length, c.prec AS Prec, c.scale AS Scale, CASE c.isnullable WHEN 1 THEN 'yes' ELSE 'no' END AS Nullable,
+    c.collation AS Collation
+FROM syscolumns c JOIN systypes t ON t.xusertype = c.xusertype WHERE c.id = @id ORDER BY c.colorder
+IF @type <> 'U'
+    RETURN 0
+SELECT name AS [Identity], IDENT_SEED(@objname) AS Seed, IDENT_INCR(@objname) AS Increment, 0 AS [Not For Replication]
+FROM syscolumns WHERE id = @id AND colstat & 1 = 1
+UNION ALL
+SELECT N'No identity column defined.', NULL, NULL, NULL
+WHERE NOT EXISTS (SELECT * FROM syscolumns WHERE id = @id AND colstat & 1 = 1)
+SELECT name AS [RowGuidCol] FROM sys.columns WHERE object_id = @id AND is_rowguidcol = 1
+UNION ALL
+SELECT N'No rowguidcol column defined.'
+WHERE NOT EXISTS (SELECT * FROM sys.columns WHERE object_id = @id AND is_rowguidcol = 1)
+SELECT N'PRIMARY' AS Data_located_on_filegroup
+EXEC sp_helpindex @objname
+EXEC sp_helpconstraint @objname, 'nomsg'
+RETURN 0
+GO
+
+-- Storage and statistics need no care here: these succeed and do nothing.
+CREATE OR ALTER PROCEDURE dbo.sp_tableoption
+    @TableNamePattern nvarchar(776), @OptionName varchar(35), @OptionValue varchar(12)
+AS RETURN 0
+GO
+
+CREATE OR ALTER PROCEDURE dbo.sp_indexoption
+    @IndexNamePattern nvarchar(1035), @OptionName varchar(35), @OptionValue varchar(12)
+AS RETURN 0
+GO
+
+CREATE OR ALTER PROCEDURE dbo.sp_autostats
+    @tblname nvarchar(776), @flagc varchar(10) = NULL, @indname sysname = NULL
+AS RETURN 0
+GO
+
+CREATE OR ALTER PROCEDURE dbo.sp_createstats
+    @indexonly char(9) = NULL, @fullscan char(9) = NULL, @norecompute char(12) = NULL
+AS RETURN 0
+GO
