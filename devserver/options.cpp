@@ -47,7 +47,7 @@ void TakeName(ProgramOptions& options, const std::string& value) {
     if (value.find('\\') != std::string::npos) {
         throw UsageError("--name: \"" + value + "\" is no name of a computer; --instance names the instance");
     }
-    // The instance may have been told before.
+    // The option --instance may come before --name.
     const std::string& known = options.engine.server_name;
     const std::size_t slash = known.find('\\');
     options.engine.server_name = value + (slash == std::string::npos ? "" : known.substr(slash));

@@ -15,7 +15,7 @@
 
 namespace devsql {
 
-/// A command line or a file of logins that can't be used; what() says why, for the operator.
+/// A command line or a file of logins that cannot be used; what() tells the operator why.
 class UsageError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -27,15 +27,15 @@ struct ProgramOptions {
     Action action = Action::Serve;
     std::uint16_t port = 0;
     std::filesystem::path logins_file;
-    std::optional<std::uint16_t> browser_port; ///< none: no answers as SQL Browser
+    std::optional<std::uint16_t> browser_port; ///< empty: does not answer as SQL Browser
     EngineOptions engine;                      ///< without the logins
 };
 
 /// `arguments` without the program's name. Throws UsageError.
 ProgramOptions ParseArguments(const std::vector<std::string>& arguments);
 
-/// A line `name:password` for each login; the password is all behind the first colon. Blank lines and lines
-/// that begin with "#" are passed over. Throws UsageError, naming `file_name` and the line.
+/// A line `name:password` for each login; the password is everything after the first colon. Blank lines and
+/// lines that begin with "#" are passed over. Throws UsageError, naming `file_name` and the line.
 std::map<std::string, std::string> ParseLogins(std::istream& lines, const std::string& file_name);
 
 /// The same from a file, which is refused where others than its owner may read it: it holds passwords. Throws

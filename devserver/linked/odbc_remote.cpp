@@ -17,13 +17,13 @@ constexpr std::uint8_t kErrorSeverity = 16;
 constexpr std::string_view kTimedOut = "HYT00";
 constexpr std::string_view kCancelled = "HY008";
 
-/// What the server itself reported has a severity and a line; what driver and driver manager report has none.
-/// The severity of a message is 0, which reads as none.
+/// A message of the server has a severity and a line; a message of the driver or the driver manager does not.
+/// The severity of an informational message is 0.
 bool IsServers(const odbc::Diagnostic& diagnostic) {
     return diagnostic.severity.has_value() || diagnostic.line.has_value();
 }
 
-/// The same before there is a connection: FreeTDS tells neither severity nor line then.
+/// The same before there is a connection, when FreeTDS reports neither severity nor line.
 bool IsRefusal(const odbc::Diagnostic& diagnostic) {
     return IsServers(diagnostic) || diagnostic.sql_state.starts_with("28") ||
            diagnostic.sql_state.starts_with("42");
@@ -148,7 +148,7 @@ class OdbcRemote : public RemoteConnection {
                 MessageOf(records.front())};
     }
 
-    /// Makes one call and passes on what the server says. False: there is nothing behind it.
+    /// Makes one call and passes on the messages of the server. Returns false after the last result.
     template <class Call>
     bool Step(odbc::Statement& statement, RemoteSink& sink, Call call) {
         bool more = false;
@@ -172,7 +172,7 @@ class OdbcRemote : public RemoteConnection {
                 sink.Said(MessageOf(record));
             }
         }
-        // An error of the server's own may be of the class "08" (911 is), and ends nothing.
+        // An error of the server may have the class "08" (911 has), and does not end the connection.
         const bool lost = std::ranges::any_of(records, [](const odbc::Diagnostic& record) {
             return record.sql_state.starts_with("08") && !IsServers(record);
         });

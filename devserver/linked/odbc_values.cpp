@@ -14,7 +14,7 @@ namespace {
 namespace odbc = platform::odbc;
 using odbc::SqlType;
 
-/// How long a type is that comes with one, if ODBC names none.
+/// The length of a type for which ODBC reports none.
 enum class Shape : std::uint8_t { Plain, Sized, Exact };
 
 struct TypeRow {
@@ -99,7 +99,7 @@ Guid GuidOf(const odbc::Guid& from) {
     return guid;
 }
 
-/// Makes the server's value of the driver's.
+/// Converts a value of the driver to a value of the server.
 struct ToValue {
     const Type& type;
 

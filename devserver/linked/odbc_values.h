@@ -6,7 +6,7 @@
 
 namespace devsql {
 
-/// A type that the server has no equal for becomes nvarchar(max).
+/// A type that the server does not have becomes nvarchar(max).
 Column ColumnOfOdbc(const platform::odbc::Column& column);
 /// Of the type that ColumnOfOdbc gave.
 Value ValueOfOdbc(const platform::odbc::Value& value, const Type& type);

@@ -1,5 +1,5 @@
-// What the language sees of another server: a connection that runs T-SQL there and hands back what comes, in
-// order. Knows nothing of how it is reached, nor of what the language wants with it.
+// The interface to another server: a connection that runs T-SQL there and hands the results back in order.
+// Knows nothing of ODBC, nor of the use that the language makes of it.
 #pragma once
 
 #include <cstdint>
@@ -16,16 +16,16 @@ namespace devsql {
 /// Where another server is and who logs in there. Texts are UTF-8.
 struct RemoteSource {
     std::string address;         ///< HOST, "HOST,PORT", HOST\INSTANCE
-    std::string provider_string; ///< attributes of a connection string; put behind those made of the others
+    std::string provider_string; ///< attributes of a connection string, added after the others
     std::string catalog;         ///< the database; empty: the login's default
     std::string user;
     std::string password;
-    std::string application; ///< what the other server is told of who calls
+    std::string application; ///< the application name of the connection
     unsigned connect_seconds = 15;
     unsigned query_seconds = 600; ///< 0: no limit
 };
 
-/// Takes what a batch gives at the other server, in order.
+/// Takes the results of a batch at the other server, in order.
 class RemoteSink {
   public:
     virtual ~RemoteSink() = default;
@@ -38,13 +38,12 @@ class RemoteSink {
     virtual void Said(const Message& message) = 0;
 };
 
-/// The other server can't be reached or used: what was said about it, by the way there or by the server
-/// itself.
+/// The other server cannot be reached or used: the message of the driver or of the server.
 class RemoteFailure : public std::exception {
   public:
     enum class Kind : std::uint8_t {
         NoDriver,    ///< nothing on this system leads to such a server
-        Refused,     ///< the server answered, and said no: `message` is its error
+        Refused,     ///< the server refused the login: `message` is its error
         Unreachable, ///< nobody answered, or not in time
         Lost,        ///< the connection broke while it was used
         TimedOut,    ///< a batch took too long, or was cancelled; the connection can still be used

@@ -141,7 +141,7 @@ std::string RowIdName(const TableDef& table) {
 std::string CreateTableText(const TableDef& table) {
     std::string text = "CREATE TABLE " + table.Qualified() + "(";
     for (const ColumnDef& column : table.columns) {
-        // No declared types: SQLite must not turn what codec.h has laid down into anything else.
+        // No declared types: SQLite must not convert the forms of codec.h.
         text += (&column == &table.columns.front() ? "" : ", ") + QuoteName(column.name);
         if (IsCharacter(column.type.id)) {
             text += " COLLATE " + std::string(kCollation);
@@ -164,7 +164,7 @@ std::string CreateIndexText(const TableDef& table, const IndexDef& index) {
         const ColumnDef& column = table.ById(key.column);
         std::string item = QuoteName(column.name);
         if (index.unique && column.nullable) {
-            // T-SQL holds two NULLs in a unique index for equal, SQLite doesn't: this blob stands for NULL.
+            // In a unique index T-SQL treats two NULLs as equal, SQLite does not: this blob replaces NULL.
             item = "coalesce(" + item + ", x'00DEADBEEF00')";
         }
         if (IsCharacter(column.type.id)) {
@@ -216,7 +216,7 @@ std::optional<ObjectDef> Catalogue::FindObject(std::int64_t id) {
 }
 
 std::int64_t Catalogue::NextId() {
-    // SQL Server's ids lie far apart and fit a signed int; so do these.
+    // As on SQL Server, ids are far apart and fit a signed int.
     Prepare("UPDATE {db}.devsql_settings SET value = value + 16000057 - "
             "CASE WHEN value > 2100000000 THEN 2099000019 ELSE 0 END WHERE name = 'next_id'")
         .Run();

@@ -1,6 +1,6 @@
-// What a database says of itself: tables, columns, keys, procedures, users, kept in tables named devsql_… in
-// the database's own file, so that the file brings everything along. One Catalogue speaks for one attached
-// database of one connection. Knows nothing of T-SQL's grammar: expressions are texts here.
+// The catalogue of a database: tables, columns, keys, procedures, users, kept in tables named devsql_… in the
+// file of the database, so that the file is complete. One Catalogue belongs to one attached database of one
+// connection. Knows nothing of T-SQL's grammar: expressions are texts here.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@
 namespace devsql {
 
 struct ColumnDef {
-    int id = 0; ///< from 1, never given twice
+    int id = 0; ///< from 1, never used twice
     std::string name;
     Type type;
     std::string user_type; ///< "dbo.LKName"; empty for the system's types
@@ -78,13 +78,13 @@ struct TableDef {
     std::vector<ForeignKeyDef> referencing; ///< foreign keys of any table to this one
     std::vector<CheckDef> checks;
 
-    /// Without regard to case; null if there is none.
+    /// Ignores case. Returns null for an unknown name.
     const ColumnDef* Find(std::string_view column) const;
     const ColumnDef& ById(int id) const;
     /// Position in `columns`.
     std::size_t IndexOf(int id) const;
     const ColumnDef* IdentityColumn() const;
-    /// What SQLite calls it, with the database's alias.
+    /// The table's name in SQLite, with the alias of the database.
     std::string Qualified() const;
 };
 using TablePtr = std::shared_ptr<const TableDef>;
@@ -139,7 +139,7 @@ class Catalogue {
     /// Gives the object an id if it has none, and returns it.
     std::int64_t AddObject(ObjectDef object);
     void ReplaceText(const ObjectDef& object);
-    /// With all that belongs to it: columns, keys, rights.
+    /// Removes the object with its columns, keys and rights.
     void RemoveObject(std::int64_t id);
     void RenameObject(std::int64_t id, std::string_view name);
     std::int64_t NextId();
@@ -157,7 +157,7 @@ class Catalogue {
     void AddForeignKey(const ForeignKeyDef& key);
     void AddCheck(std::int64_t table, const CheckDef& check);
     void SetDisabled(std::int64_t constraint, bool disabled);
-    /// The last identity given, none before the first.
+    /// The last identity value; nothing before the first row.
     std::optional<std::int64_t> IdentityValue(std::int64_t table);
     void SetIdentityValue(std::int64_t table, std::optional<std::int64_t> value);
     std::int64_t NextTimestamp();

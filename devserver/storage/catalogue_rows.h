@@ -1,4 +1,4 @@
-// How a type lies in four columns of a catalogue table. For the catalogue's own files.
+// Reads and writes a type as four columns of a catalogue table. Only for the files of the catalogue.
 #pragma once
 
 #include "devserver/storage/sqlite.h"

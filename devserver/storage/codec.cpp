@@ -11,7 +11,7 @@
 namespace devsql {
 namespace {
 
-/// Which printed byte stands at each place of the order in which SQL Server compares uniqueidentifiers.
+/// The order in which SQL Server compares the bytes of a uniqueidentifier, as positions in its printed form.
 constexpr std::array<std::size_t, 16> kGuidOrder = {10, 11, 12, 13, 14, 15, 8, 9, 7, 6, 5, 4, 3, 2, 1, 0};
 
 __extension__ typedef unsigned __int128 Bits128;

@@ -1,4 +1,4 @@
-// How a value stands in SQLite: by its T-SQL type, so that SQLite's own comparison, sorting and indexes give
+// The form of a value in SQLite, by its T-SQL type: SQLite's comparison, sorting and indexes then have
 // T-SQL's order.
 //
 //   bit, integers            INTEGER
@@ -24,8 +24,8 @@ void BindValue(sqlite3_stmt* statement, int index, const Value& value, const Typ
 void ResultValue(sqlite3_context* context, const Value& value, const Type& type);
 Value DecodeValue(sqlite3_value* value, const Type& type);
 
-/// True when values of both types stand in SQLite in the same form, so that no conversion is needed between
-/// them for comparing and passing on.
+/// True when values of both types have the same form in SQLite, so that comparing and copying need no
+/// conversion.
 bool SameEncoding(const Type& a, const Type& b);
 
 } // namespace devsql

@@ -39,17 +39,17 @@ struct DatabaseInfo {
     bool Option(const std::string& name) const;
 };
 
-/// Makes the tables in master's file if they aren't there.
+/// Makes the tables in master's file if they do not exist.
 void CreateDatabaseList(SqliteConnection& connection);
 std::optional<DatabaseInfo> FindDatabase(SqliteConnection& connection, std::string_view name);
 /// By id.
 std::vector<DatabaseInfo> ListDatabases(SqliteConnection& connection);
-/// Gives the database the lowest free id and returns it.
+/// Adds the database under the lowest free id, and returns the id.
 int AddDatabase(SqliteConnection& connection, DatabaseInfo database);
 void RemoveDatabase(SqliteConnection& connection, int id);
 /// Name, owner and files.
 void UpdateDatabase(SqliteConnection& connection, const DatabaseInfo& database);
-/// One option of the database, without regard to the others.
+/// Stores one option of the database and leaves the others as they are.
 void StoreOption(SqliteConnection& connection, int id, std::string_view option, std::string_view value);
 
 struct LoginInfo {

@@ -168,7 +168,7 @@ std::string LinkedLogins::Key() {
         return key;
     }
     {
-        // The permissions come before the content.
+        // The permissions are set before the key is written.
         const std::ofstream empty(key_file_);
     }
     std::error_code error;
@@ -182,7 +182,7 @@ std::string LinkedLogins::Key() {
     return key;
 }
 
-/// Seals and opens: the text with a stream over it that only the key and the salt give.
+/// Encrypts and decrypts: combines the text with a stream of bytes that follows from key and salt.
 std::string LinkedLogins::Apply(const std::string& salt, std::string text) {
     if (text.empty()) {
         return text;

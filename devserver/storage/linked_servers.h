@@ -1,6 +1,6 @@
-// The other servers that this one knows, and who logs in there how: tables of master's file. Passwords are
-// kept sealed by a key that lies beside the databases, so that a copy of master alone tells none.
-// Knows nothing of connections.
+// The linked servers and the logins for them: tables of master's file. Passwords are encrypted with a key in
+// a file beside the databases, so that a copy of master alone does not reveal them. Knows nothing of
+// connections.
 #pragma once
 
 #include <filesystem>
@@ -40,7 +40,7 @@ struct LinkedLogin {
     std::string password;
 };
 
-/// Makes the tables in master's file if they aren't there.
+/// Makes the tables in master's file if they do not exist.
 void CreateServerList(SqliteConnection& connection);
 std::optional<LinkedServer> FindServer(SqliteConnection& connection, std::string_view name);
 /// By id.
@@ -56,11 +56,11 @@ class LinkedLogins {
     LinkedLogins(SqliteConnection& connection, std::filesystem::path key_file)
         : connection_(connection), key_file_(std::move(key_file)) {}
 
-    /// The row of that login, else that of every login.
+    /// The row of that login, otherwise the row for all logins.
     std::optional<LinkedLogin> Find(int server, std::string_view local);
     std::vector<LinkedLogin> List(int server);
     void Save(int server, const LinkedLogin& login);
-    /// False if there was none.
+    /// Returns false if there was no such row.
     bool Remove(int server, std::string_view local);
 
   private:

@@ -16,7 +16,7 @@ std::optional<std::filesystem::path> LocalPath(std::string_view client_path, con
             base = drive->second;
         } else if (std::filesystem::path base_of_system = path.substr(0, 2) + "/";
                    base_of_system.is_absolute()) {
-            base = std::move(base_of_system); // This system has drives of its own.
+            base = std::move(base_of_system); // The system has drive letters.
         } else {
             return std::nullopt;
         }

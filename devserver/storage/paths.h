@@ -1,4 +1,4 @@
-// Paths as clients write them (either separator, drive letters) and where they lie on this machine.
+// Translates paths as clients write them (either separator, drive letters) to paths of this machine.
 #pragma once
 
 #include <filesystem>
@@ -9,12 +9,12 @@
 
 namespace devsql {
 
-/// Upper-case drive letter ("D") to the folder that stands for its root.
+/// Upper-case drive letter ("D") to the folder that replaces its root.
 using DriveMap = std::map<std::string, std::filesystem::path>;
 
 /// The place of a client's path: "D:\x\y.mdf" below the folder of drive D, "\srv\x" and "/srv/x" as they are.
-/// None for a drive that isn't mapped, for a relative path and for an empty one. On Windows a drive that
-/// isn't mapped is the machine's own.
+/// Returns nothing for a drive that is not mapped, for a relative path and for an empty one. On Windows a
+/// drive that is not mapped is the drive of the machine.
 std::optional<std::filesystem::path> LocalPath(std::string_view client_path, const DriveMap& drives);
 
 /// A path as UTF-8, which is what SQLite, the catalogue and clients take.

@@ -1,5 +1,5 @@
-// What each database publishes and to whom: tables of master's file. Nothing is replicated from them: they
-// are what the procedures and views of replication tell.
+// The publications of each database and their subscribers: tables of master's file. The procedures and views
+// of replication read them; no row is replicated.
 #pragma once
 
 #include <optional>
@@ -37,7 +37,7 @@ struct Subscription {
     std::string job; ///< of msdb; empty for a pulled one
 };
 
-/// Makes the tables in master's file if they aren't there.
+/// Makes the tables in master's file if they do not exist.
 void CreatePublicationList(SqliteConnection& connection);
 
 std::optional<Publication> FindPublication(SqliteConnection& connection, int database, std::string_view name);

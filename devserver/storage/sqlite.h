@@ -1,5 +1,5 @@
-// SQLite behind a few small classes: a connection, its statements, its errors. Values go in and come out in
-// the server's own form (codec.h). Knows nothing of T-SQL.
+// Classes over the C interface of SQLite: a connection, its statements, its errors. Values are bound and read
+// in the form of codec.h. Knows nothing of T-SQL.
 #pragma once
 
 #include <sqlite3.h>
@@ -21,7 +21,7 @@
 
 namespace devsql {
 
-/// What SQLite refuses: `code` is its extended result code, the text its message.
+/// An error of SQLite: `code` is the extended result code, the text its message.
 class StorageError : public std::runtime_error {
   public:
     StorageError(int code, const std::string& message) : std::runtime_error(message), code_(code) {}
@@ -49,9 +49,10 @@ class SqliteStatement {
     SqliteStatement& BindInt(int index, std::int64_t value);
     SqliteStatement& BindText(int index, std::string_view value);
 
-    /// True: a row stands ready. Throws StorageError, or what a function of ours threw.
+    /// Returns true if there is a row. Throws StorageError, or the exception of a function that SQLite called
+    /// back.
     bool Step();
-    /// Runs to the end; rows are passed over.
+    /// Runs to the end and drops the rows.
     void Run();
     void Reset();
 
@@ -83,7 +84,7 @@ class FunctionCall {
     std::int64_t Int(std::size_t index) const;
     Value Argument(std::size_t index, const Type& type) const;
     void Result(const Value& value, const Type& type) const;
-    /// The result is that argument, whatever it is.
+    /// Returns that argument as the result, unchanged.
     void PassOn(std::size_t index) const;
 
   private:
@@ -130,7 +131,7 @@ class SqliteConnection {
     void AddFunction(const std::string& name, Function function);
     void AddAggregate(const std::string& name, MakeAggregate make);
 
-    /// Keeps what a callback threw until the statement that called it has failed.
+    /// Keeps the exception of a callback until the statement that called it has failed.
     void Keep(std::exception_ptr error) { pending_ = std::move(error); }
 
   private:

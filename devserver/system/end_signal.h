@@ -4,13 +4,13 @@
 
 namespace devsql::system {
 
-/// From here on the program is not ended but asked to. Called once, before any thread begins, so that every
-/// thread leaves the signal to the one that waits.
+/// From here on these signals do not end the program. Called once, before any thread begins, so that all
+/// threads leave the signal to the thread that waits for it.
 void TakeEndSignals();
-/// Comes back when the program is asked to end.
+/// Returns when the program is asked to end.
 void WaitForEndSignal();
-/// All is closed. Windows ends the process as soon as the event of a closed console was taken, so the taking
-/// waits for this.
+/// Called when everything is closed. Windows ends the process as soon as the handler for a closed console
+/// returns, so the handler waits for this call.
 void TellEnded();
 
 } // namespace devsql::system

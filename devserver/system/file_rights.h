@@ -7,7 +7,7 @@ namespace devsql::system {
 
 /// True when anybody but its owner and those who administer the machine may read or change the file. Linux:
 /// the rights of group and others. Windows: an entry of the access list that allows another account; a file
-/// without an access list (FAT) is everybody's. Throws std::runtime_error when it can't be told.
+/// without an access list (FAT) is everybody's. Throws std::runtime_error when the rights cannot be read.
 bool OthersHaveRights(const std::filesystem::path& file);
 
 } // namespace devsql::system

@@ -1,5 +1,5 @@
-// What both systems' sockets do alike: Winsock has the calls of BSD. What differs stands in the system's
-// folder, which the build puts in the way of "native_sockets.h".
+// The calls that POSIX and Winsock share. The differences are in native_sockets.h, which the build takes from
+// the folder of the system.
 #include "devserver/system/sockets.h"
 
 #include "native_sockets.h"
@@ -15,7 +15,7 @@ sockaddr_in Loopback(std::uint16_t port) {
     return address;
 }
 
-/// The socket calls take every family's address under this one type.
+/// The socket calls take the addresses of all families as this type.
 sockaddr* Generic(sockaddr_in& address) {
     return reinterpret_cast<sockaddr*>(&address);
 }

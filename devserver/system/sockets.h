@@ -1,5 +1,5 @@
-// The system's sockets as far as the server needs them, on loopback alone. Each system has its folder behind
-// this header. Knows nothing of who speaks.
+// The sockets of the operating system, on loopback alone. Each system has a folder with its implementation.
+// Knows nothing of the protocols.
 #pragma once
 
 #include <chrono>
@@ -59,10 +59,10 @@ SocketHandle SelfConnected();
 /// The port that the system gave. Throws SocketError.
 std::uint16_t PortOf(const SocketHandle& socket);
 
-/// The next client; none when it has gone already or when the system has no socket left.
+/// The next client; nothing when it has gone already or when the system has no socket left.
 std::optional<SocketHandle> AcceptClient(const SocketHandle& listener);
 
-/// Waits until bytes (or an end, or a client) can be taken, at most `timeout`; none waits for ever. `second`
+/// Waits until bytes (or an end, or a client) can be taken, at most `timeout`; without one for ever. `second`
 /// may be null. Throws SocketError.
 Readable WaitReadable(const SocketHandle& first, const SocketHandle* second,
                       std::optional<std::chrono::milliseconds> timeout);
@@ -70,11 +70,11 @@ Readable WaitReadable(const SocketHandle& first, const SocketHandle* second,
 std::size_t Receive(const SocketHandle& socket, char* buffer, std::size_t size);
 /// How much the system took, at least one byte. Throws SocketError.
 std::size_t Send(const SocketHandle& socket, std::string_view bytes);
-/// Ends sending, or both directions; whoever waits in a call comes back. Throws nothing.
+/// Ends sending, or both directions; a thread that waits in a call returns. Throws nothing.
 void EndSending(const SocketHandle& socket) noexcept;
 void EndBoth(const SocketHandle& socket) noexcept;
 
-/// None when nothing was there after all. Longer packets are cut to `longest` bytes.
+/// Returns nothing if no packet was there. Longer packets are cut to `longest` bytes.
 std::optional<Datagram> ReceiveDatagram(const SocketHandle& socket, std::size_t longest);
 /// To a port of 127.0.0.1. An answer that can't be sent is lost, as any datagram may be.
 void SendDatagram(const SocketHandle& socket, std::string_view bytes, std::uint16_t port) noexcept;

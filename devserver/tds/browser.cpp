@@ -50,7 +50,7 @@ std::optional<std::string> BrowserAnswer(std::string_view request, const Browser
     }
     const auto kind = static_cast<std::uint8_t>(request.front());
     const bool asks_all = (kind == kAll || kind == kBroadcastAll) && request.size() == 1;
-    // Some clients leave the NUL behind the name away.
+    // Some clients omit the NUL after the name.
     const std::string_view name = request.substr(1, request.find('\0', 1) - 1);
     if (!asks_all && !(kind == kOneInstance && AsciiEqual(name, InstanceOf(entry.server_name)))) {
         return std::nullopt;

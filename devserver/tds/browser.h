@@ -1,4 +1,4 @@
-// Answers as the SQL Browser does (the SQL Server Resolution Protocol): tells by UDP on which port an
+// Answers as the SQL Browser does (the SQL Server Resolution Protocol): reports by UDP on which port an
 // instance listens, so that clients reach it as HOST\INSTANCE. Knows nothing of TDS.
 #pragma once
 
@@ -14,20 +14,20 @@ namespace devsql::tds {
 
 inline constexpr std::uint16_t kBrowserPort = 1434;
 
-/// What there is to tell of an instance.
+/// The instance that the answers describe.
 struct BrowserEntry {
     std::string server_name; ///< HOST or HOST\INSTANCE
     std::uint16_t port = 0;
 };
 
-/// The answer to one request; none to what is no request, to one for another instance, and to one for the
-/// dedicated administrator connection, which this server has not: the protocol has silence for that.
+/// The answer to one request. Empty for other bytes, for another instance, and for the dedicated
+/// administrator connection, which this server does not have: the protocol then asks for silence.
 std::optional<std::string> BrowserAnswer(std::string_view request, const BrowserEntry& entry);
 
 class Browser {
   public:
     /// Answers on 127.0.0.1 from here on, until destroyed. `port` 0 takes a free one. Throws
-    /// std::runtime_error when the port can't be had: one program on a machine is the browser.
+    /// std::runtime_error when the port is taken: only one program on a machine can be the browser.
     Browser(BrowserEntry entry, std::uint16_t port);
     ~Browser();
     Browser(const Browser&) = delete;
@@ -41,7 +41,7 @@ class Browser {
     BrowserEntry entry_;
     system::SocketHandle handle_;
     WakeUp wake_;
-    std::thread thread_; ///< begins when all above stands
+    std::thread thread_; ///< last, since it uses the members above
 };
 
 } // namespace devsql::tds

@@ -1,4 +1,4 @@
-// Takes the rows apart while they come. See bulk_load.h.
+// Reads the rows while they arrive. See bulk_load.h.
 #include "devserver/tds/bulk_load.h"
 
 #include <utility>
@@ -48,7 +48,7 @@ BulkRows::Step BulkReader::Next(std::vector<Value>& row) {
         try {
             const Step step = Read(reader, row);
             if (step == Step::End && state_ != PacketChannel::State::Whole) {
-                // Whether the client takes it back is said by the message's last packet.
+                // The last packet of the message says whether the client cancels it.
                 wanted_ = buffer_.size() - position_ + 1;
                 continue;
             }
@@ -65,8 +65,8 @@ BulkRows::Step BulkReader::Next(std::vector<Value>& row) {
                 error_ = error;
                 return Step::Gone;
             }
-            // The row goes on in a later packet. Twice as much is waited for each time: what has been read is
-            // read again.
+            // The row goes on in a later packet. Each time twice as many bytes are waited for, since the row
+            // is read again from its beginning.
             wanted_ = had * 2;
         }
     }

@@ -21,7 +21,7 @@ class BulkReader : public BulkRows {
 
     Step Next(std::vector<Value>& row) override;
     const std::vector<Type>& Types() const override { return types_; }
-    /// What was wrong with the bytes where Next has given Gone because of them.
+    /// The error in the bytes, if Next returned Gone because of it.
     const std::optional<ProtocolError>& error() const { return error_; }
 
   private:
@@ -29,7 +29,7 @@ class BulkReader : public BulkRows {
     Step Read(ByteReader& reader, std::vector<Value>& row);
     void ReadColumns(ByteReader& reader);
     void ReadRow(ByteReader& reader, std::vector<Value>& row) const;
-    /// Takes more bytes. False when there are none yet, or none any more.
+    /// Takes more bytes. Returns false if none have arrived yet or the message has ended.
     bool More();
 
     PacketChannel& packets_;

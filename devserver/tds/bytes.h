@@ -30,7 +30,7 @@ void AppendBe(std::string& out, T value) {
     }
 }
 
-/// Walks over bytes that it does not own. A read behind the end throws ProtocolError (StreamEnded).
+/// Walks over bytes that it does not own. A read past the end throws ProtocolError (StreamEnded).
 class ByteReader {
   public:
     explicit ByteReader(std::string_view data) : data_(data) {}
@@ -65,7 +65,7 @@ class ByteReader {
         return static_cast<std::uint16_t>(high << 8 | Byte());
     }
 
-    /// The next byte without moving; the end is an error.
+    /// The next byte, without moving past it. Throws ProtocolError at the end.
     std::uint8_t Peek() {
         if (AtEnd()) {
             throw StreamEnded();

@@ -10,9 +10,9 @@ namespace devsql::tds {
 
 namespace {
 
-/// How often the reading thread looks whether the session was thrown out, when nothing comes.
+/// How often the reading thread checks, while nothing arrives, whether the session was ended by another.
 constexpr std::chrono::milliseconds kIdleTick{250};
-/// How often a running call is told again to end: it may have begun just after it was told.
+/// How often a running call is asked again to end: it may have begun just after the last request.
 constexpr std::chrono::milliseconds kCancelTick{20};
 /// How long a call that was told to end may still write before the connection is cut.
 constexpr std::chrono::milliseconds kCancelPatience{1000};
@@ -53,7 +53,7 @@ void Connection::Run() {
         }
         socket_.FinishWriting();
     } catch (const std::exception&) {
-        // The client is gone, or the system has no thread left for it: nobody is there to be told.
+        // The client is gone, or the system has no thread left for it: nobody would get an error.
         socket_.Shutdown();
     }
     const std::lock_guard lock(mutex_);
@@ -244,7 +244,7 @@ bool Connection::Deliver(ClientMessage message) {
     } else if (waiting_.empty()) {
         waiting_.push_back(std::move(message));
     } else {
-        // One may come early; a client that sends more without reading would fill the memory.
+        // One request may arrive early. A client that sends more without reading would fill the memory.
         return false;
     }
     changed_.notify_all();

@@ -1,5 +1,6 @@
 // One client from its first packet to its last: login, then requests until it goes.
-// Two threads: one reads, and so hears an attention or the end of the client while the other runs a request.
+// Two threads: one reads, so that it notices an attention or the end of the client while the other runs a
+// request.
 #pragma once
 
 #include <atomic>
@@ -23,16 +24,16 @@ namespace devsql::tds {
 
 class Connection {
   public:
-    /// `refused` lets the client come as far as its login and tells it then that there are too many.
+    /// `refused`: the client gets as far as its login, which fails because there are too many clients.
     /// `engine` must outlive the connection. `login_time` is what a client has for its login.
     Connection(Socket socket, Engine& engine, bool refused,
                std::chrono::milliseconds login_time = std::chrono::seconds(30));
 
     /// Serves the client until it goes or is thrown out. Throws nothing.
     void Run();
-    /// Ends the connection soon, whatever it is at. May be called from any thread.
+    /// Ends the connection soon, even while it runs a request. May be called from any thread.
     void Stop();
-    /// The client has shown who it is. May be asked from any thread.
+    /// True after the login. May be called from any thread.
     bool logged_in() const { return logged_in_; }
 
   private:
@@ -71,8 +72,8 @@ class Connection {
     /// been sent to the client.
     bool SetIsolation(const std::string& statement, Response& response);
     bool ResetSession(Response& response);
-    /// Tells the client that a transaction is open, or none any more, if it believes otherwise: its driver
-    /// sends commit and rollback only while it knows of one.
+    /// Tells the client that a transaction has begun or ended, if it does not know: its driver sends commit
+    /// and rollback only while it knows of a transaction.
     void TellTransaction(Response& response, Environment ended_by);
     bool FinishRequest(Response& response);
 

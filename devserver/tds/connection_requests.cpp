@@ -19,7 +19,7 @@ void Connection::Work() {
     std::unique_lock lock(mutex_);
     while (!closing_) {
         if (attention_) {
-            // Nothing runs. A request that was still waiting is taken back, and has an answer all the same.
+            // Nothing runs. A request that was waiting is cancelled, and still gets an answer.
             const bool taken_back = !waiting_.empty();
             waiting_.clear();
             attention_ = false;
@@ -142,8 +142,7 @@ void Connection::RunTransaction(const ClientMessage& message, Response& response
         session_->ExecuteBatch(request.statement, response);
     }
     TellTransaction(response, request.ended_by);
-    // Also after a commit that found nothing to commit: a driver that believes to be in a transaction would
-    // roll nothing back.
+    // Also after a commit without a transaction: otherwise the driver would believe that one is open.
     if (!request.next_statement.empty() && session_->TransactionCount() == 0 &&
         SetIsolation(request.next_isolation, response)) {
         session_->ExecuteBatch(request.next_statement, response);

@@ -43,7 +43,7 @@ constexpr std::array<VersionEntry, 6> kVersions{{
 }};
 
 Version ChooseVersion(std::uint32_t asked) {
-    // 8.0 counts as 0x08000000 and begins with TLS; it can't get here but by a client that is mistaken.
+    // 8.0 is 0x08000000 and begins with TLS, so no client of it gets here unless it is mistaken.
     for (const VersionEntry& entry : kVersions) {
         if (asked >= entry.least) {
             return entry.version;
@@ -81,7 +81,7 @@ class Texts {
     std::string_view data_;
 };
 
-/// Each byte was turned by four bits and then combined with 0xA5.
+/// The client swaps the halves of each byte and then combines it with 0xA5.
 std::string Descramble(std::string_view scrambled) {
     std::string clear;
     clear.reserve(scrambled.size());

@@ -1,5 +1,5 @@
-// Carries the packets of one long message from the thread that reads them to the one that works on them, so
-// that a bulk load of any length needs little memory. Knows nothing of what they say.
+// Carries the packets of one long message from the reading thread to the working thread, so that a bulk load
+// of any length needs little memory. Knows nothing of their contents.
 #pragma once
 
 #include <chrono>
@@ -20,9 +20,9 @@ class PacketChannel {
         Lost,      ///< the connection has ended within it
     };
 
-    /// Waits while much lies here that nobody has taken. After Close the bytes are dropped.
+    /// Waits while the channel holds much that was not taken. After Close the bytes are dropped.
     void Put(const std::string& bytes);
-    /// Nothing more is put.
+    /// The writing side is finished.
     void End(State state);
     /// Adds to `bytes` what has come, waiting for a moment where nothing has. Open when more may follow; else
     /// how the message ended, once all its bytes have been taken.
@@ -30,7 +30,7 @@ class PacketChannel {
     /// Drops everything up to the message's end, which it waits for; how it ended. None of it is taken any
     /// more.
     State Drain();
-    /// Nothing more is taken: who puts does not wait.
+    /// The reading side is finished: Put does not wait.
     void Close();
 
   private:

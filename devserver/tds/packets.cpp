@@ -14,7 +14,7 @@ namespace {
 struct Header {
     PacketType type;
     std::uint8_t status;
-    std::size_t payload; ///< bytes behind the header
+    std::size_t payload; ///< bytes after the header
 };
 
 ProtocolError BadPacket(const std::string& what) {
@@ -34,7 +34,7 @@ Header ParseHeader(const std::array<char, kHeaderSize>& bytes) {
     const auto type = static_cast<PacketType>(reader.Byte());
     const std::uint8_t status = reader.Byte();
     const std::size_t length = reader.Be16();
-    // Told at once: whoever speaks another protocol would only wait for an answer.
+    // Refused at once: a client of another protocol would wait for an answer.
     if (!IsKnown(type)) {
         throw BadPacket("the type " + std::to_string(static_cast<unsigned>(type)));
     }

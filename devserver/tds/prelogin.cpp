@@ -1,5 +1,4 @@
-// The prelogin message: a table of options (token, offset, length), ended by 0xFF, and behind it their
-// values.
+// The prelogin message: a table of options (token, offset, length), ended by 0xFF, and then their values.
 #include "devserver/tds/prelogin.h"
 
 #include <array>

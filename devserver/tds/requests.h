@@ -19,8 +19,7 @@ std::string ParseBatch(std::string_view data, Version version);
 
 struct RpcRequest {
     std::vector<RpcCall> calls;
-    /// What was wrong with the call behind the last of these. A call that is wrong does not undo those
-    /// before.
+    /// The error of the call after the last of these. A wrong call does not undo the calls before it.
     std::optional<ProtocolError> error;
 };
 

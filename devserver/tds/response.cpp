@@ -14,7 +14,7 @@ constexpr std::uint8_t kFirstError = 11;
 template <class Writing>
 void Response::Guarded(Writing write) {
     if (lost_ || cancelled_.load()) {
-        // Said again with every token: a call that began just after it was first said must hear it too.
+        // Asked again with every token: a call that began just after the first request must end too.
         stop_();
         return;
     }
@@ -196,7 +196,7 @@ void Response::Write(const std::function<void(TokenWriter&)>& write) {
 
 void Response::Finish(bool interrupted) {
     EndMessage([&] {
-        // What a procedure's inside ended with can't end the answer.
+        // The state in which the inside of a procedure ended does not end the answer.
         if (interrupted || !pending_ || pending_->token == DoneToken::DoneInProcedure) {
             Hold(DoneToken::Done, done_status::kFinal, Command::None, 0);
         }

@@ -14,8 +14,8 @@
 
 namespace devsql::tds {
 
-/// Takes what the language gives for one request. Nothing is thrown into the language for what happens on the
-/// network: once the client is gone, or has asked to stop, what still comes is dropped and `stop` is called.
+/// Takes the results of one request from the language. Errors of the network are not thrown into the
+/// language: once the client is gone or has cancelled, further results are dropped and `stop` is called.
 class Response : public ResultSink {
   public:
     enum class Kind : std::uint8_t { Batch, Procedure };
@@ -40,7 +40,7 @@ class Response : public ResultSink {
     void BeginCall(const RpcCall& call);
     /// Ends the part: return status, output parameters and the token that ends a procedure.
     void End();
-    /// Makes the DONE that follows tell of an error for which there is no message.
+    /// Marks the next DONE as failed, for an error without a message.
     void Fail() { statement_error_ = true; }
     /// A token that belongs to the statement whose DONE may be held back, such as an environment change.
     void Write(const std::function<void(TokenWriter&)>& write);

@@ -13,7 +13,7 @@ namespace devsql::tds {
 
 namespace {
 
-/// Clients beyond the limit that may be told about it at a time; who comes then is cut off without a word.
+/// Clients beyond the limit that get an error at the same time; further clients are closed without one.
 constexpr std::size_t kRefusedAtATime = 32;
 
 } // namespace
@@ -31,7 +31,7 @@ struct Server::Client {
     const std::chrono::steady_clock::time_point since = std::chrono::steady_clock::now();
     std::atomic<bool> ended = false;
     Connection connection;
-    std::thread thread; ///< begins when all above stands
+    std::thread thread; ///< last, since it uses the members above
 };
 
 Server::Server(Engine& engine, const ServerOptions& options)
@@ -65,7 +65,7 @@ void Server::Serve(Socket socket) {
         clients_.push_back(std::make_unique<Client>(
             std::move(socket), engine_, present >= options_.connection_limit, options_.login_time));
     } catch (const std::system_error&) {
-        // No thread is left for this client. The others go on.
+        // The system has no thread left for this client. The others go on.
         return;
     }
 }

@@ -17,9 +17,10 @@ namespace devsql::tds {
 
 struct ServerOptions {
     std::uint16_t port = 0;             ///< 0 takes a free one
-    std::size_t connection_limit = 200; ///< clients beyond are told so and go
+    std::size_t connection_limit = 200; ///< further clients get an error
     std::chrono::milliseconds login_time = std::chrono::seconds(30);
-    /// When all places are taken, who has not logged in for so long gives its place to a newcomer.
+    /// When all places are taken, a client that has not logged in for this long gives its place to a new
+    /// client.
     std::chrono::milliseconds login_grace = std::chrono::seconds(3);
 };
 
@@ -42,9 +43,9 @@ class Server {
     struct Client;
 
     void Serve(Socket socket);
-    /// Forgets the clients that are gone; tells how many are left.
+    /// Forgets the clients that are gone. Returns how many are left.
     std::size_t Reap();
-    /// Ends one that holds a place and does not log in; false where there is none.
+    /// Ends a client that holds a place and does not log in. Returns false if there is no such client.
     bool MakeRoom();
 
     Engine& engine_;

@@ -94,7 +94,7 @@ void Socket::FinishWriting() const {
             }
         }
     } catch (const SocketError&) {
-        // The peer has gone, and that was waited for.
+        // The peer has closed the connection, which was waited for.
         return;
     }
 }

@@ -32,7 +32,7 @@ class Socket {
                      std::optional<std::chrono::steady_clock::time_point> deadline) const;
     /// Writes all, waiting as long as the peer takes to read. Throws ConnectionLost.
     void Write(std::string_view bytes) const;
-    /// Ends both directions: whoever waits in a read or a write comes back.
+    /// Ends both directions: a thread that waits in a read or a write returns.
     void Shutdown() const;
     /// Ends writing and drops what the peer still sends, for at most a second: a close with unread bytes
     /// would reset the connection, and the peer would lose the error that was sent last.
@@ -42,12 +42,12 @@ class Socket {
     system::SocketHandle handle_;
 };
 
-/// Makes a thread come back that waits for a socket.
+/// Wakes a thread that waits for a socket.
 class WakeUp {
   public:
     WakeUp() : handle_(system::SelfConnected()) {}
 
-    /// Now and from then on. May be called from any thread; throws nothing, since a socket that is its own
+    /// Stays in effect. May be called from any thread; throws nothing, since a socket that is its own
     /// peer takes every datagram or drops it.
     void Wake() const { system::Send(handle_, "w"); }
     const system::SocketHandle& handle() const { return handle_; }
@@ -59,13 +59,13 @@ class WakeUp {
 /// Listens on 127.0.0.1 alone.
 class Listener {
   public:
-    /// `port` 0 takes a free one. Throws std::runtime_error, naming the port, when it can't be had.
+    /// `port` 0 takes a free one. Throws std::runtime_error, naming the port, when the port is taken.
     explicit Listener(std::uint16_t port);
 
     std::uint16_t port() const { return port_; }
-    /// The next client; none after Wake. Failures that pass (no descriptors left) are waited out.
+    /// The next client; nothing after Wake. Failures that pass (no descriptors left) are waited out.
     std::optional<Socket> Accept() const;
-    /// Makes Accept return none, now and from then on. May be called from any thread.
+    /// Makes Accept return nothing, also later. May be called from any thread.
     void Wake() const { wake_.Wake(); }
 
   private:

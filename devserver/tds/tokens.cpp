@@ -170,7 +170,7 @@ void TokenWriter::WriteColumns(const std::vector<Column>& columns) {
                                             (column.identity ? kIdentityFlag : 0) | kUpdatableUnknownFlag));
         encoder.AppendTypeInfo(buffer_);
         if (encoder.HasTableName()) {
-            // The language does not tell the table: no part before 7.2 is an empty name, since then a count.
+            // The table is not known. Before 7.2 it is an empty name, since 7.2 a count of 0 parts.
             if (Has72(version_)) {
                 AppendByte(buffer_, 0);
             } else {

@@ -22,7 +22,7 @@ class TokenWriter {
     TokenWriter(PacketWriter& packets, std::string server_name)
         : packets_(packets), server_name_(std::move(server_name)) {}
 
-    /// The version that the tokens are written in; the latest until the login has told another.
+    /// The version that the tokens are written in: the latest until the login names another.
     void SetVersion(Version version) { version_ = version; }
     Version version() const { return version_; }
 

@@ -38,7 +38,7 @@ enum class Shape : std::uint8_t {
     Long,    ///< four bytes; four bytes, 0xFFFFFFFF for NULL
 };
 
-/// What is known of a parameter when its bytes are turned into a value.
+/// The description of a parameter, for turning its bytes into a value.
 struct Context : WireFormat {
     const ValuePlace& place;
 };
@@ -385,7 +385,7 @@ void SettleNumericType(Context& context, ByteReader& reader) {
     }
 }
 
-/// Reads the description behind the type's number.
+/// Reads the description that follows the type's number.
 void ReadTypeInfo(ByteReader& reader, const Entry& entry, Version version, Context& context) {
     switch (entry.shape) {
     case Shape::Fixed:
@@ -447,7 +447,7 @@ std::optional<std::string> ReadByteCounted(ByteReader& reader, const Context& co
     return std::string(reader.Take(size));
 }
 
-/// The bytes of the value; none for NULL.
+/// The bytes of the value; nothing for NULL.
 std::optional<std::string> ReadContent(ByteReader& reader, const Entry& entry, const Context& context) {
     switch (entry.shape) {
     case Shape::Fixed:

@@ -32,9 +32,9 @@ struct ValuePlace {
 };
 
 /// Reads the description of a type. Throws ProtocolError: 8009 for a type that does not exist, 40510 for one
-/// that is not supported, 8016 for a length that can't be, 4002 when the data ends.
+/// that is not supported, 8016 for an impossible length, 4002 when the data ends.
 WireFormat ReadFormat(ByteReader& reader, Version version, const ValuePlace& place);
-/// Reads a value. Throws ProtocolError: 8016, 8023 for a value that is none, 4002.
+/// Reads a value. Throws ProtocolError: 8016, 8023 for an invalid value, 4002.
 Value ReadValue(ByteReader& reader, const WireFormat& format, const ValuePlace& place);
 /// Reads both. date, time, datetime2 and datetimeoffset of TDS 7.3, which the server has no types
 /// for, are taken as datetime (a time on 1900-01-01; an offset's local time).

@@ -2,6 +2,8 @@
 # Fails on an include that the table does not allow, on an entry that no include uses, and on a circle.
 #
 #   arrows_test.py
+import os
+import re
 import unittest
 
 import arrows

@@ -24,7 +24,7 @@ HANDLE Ended() {
 
 BOOL WINAPI OnConsoleEvent(DWORD) {
     SetEvent(Asked());
-    // Behind a closed console the process ends when this comes back, whatever its other threads are at.
+    // After the console was closed, the process ends when this returns, even if other threads still run.
     WaitForSingleObject(Ended(), kEndTime);
     return TRUE;
 }

@@ -24,7 +24,7 @@ extern const std::string_view kDriverProcedures;
 /// again.
 inline constexpr int kBootstrapVersion = 7;
 
-/// The batches of a file: what stands before each line "GO".
+/// The batches of a file. A line "GO" ends each.
 std::vector<std::string_view> Batches(std::string_view text);
 /// The text of a batch after `word`, with which it begins, and after the comments before that. Empty if the
 /// batch begins with something else.

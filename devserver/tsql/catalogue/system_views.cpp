@@ -45,7 +45,7 @@ void Replace(std::string& text, std::string_view what, std::string_view by) {
     }
 }
 
-/// A text that a name stands for in the queries: "DEFINE {name} AS" and the text.
+/// A name that the queries use, and the text that replaces it: "DEFINE {name} AS" and the text.
 struct Fragment {
     std::string name;
     std::string text;
@@ -93,7 +93,7 @@ std::vector<SystemView> LoadViews() {
     return views;
 }
 
-/// Who is connected, as rows of a query.
+/// The connected clients, as rows of a query.
 std::string SessionRows(SessionCore& session) {
     std::string rows =
         "(SELECT column1 AS id, column2 AS login, column3 AS host, column4 AS program, column5 AS "

@@ -24,7 +24,7 @@ struct SystemView {
     std::string text; ///< SQLite's SQL with the names that fragments.sql lists
 };
 
-/// `schema` is empty where none was written. Null for a name that is none.
+/// `schema` is empty if the statement names no schema. Returns null for an unknown name.
 const SystemView* FindSystemView(std::string_view schema, std::string_view name);
 /// The view of that database, as a query for the session's connection.
 std::string SystemViewText(const SystemView& view, SessionCore& session, const std::string& database);

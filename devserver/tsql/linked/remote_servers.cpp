@@ -15,8 +15,8 @@ namespace {
 constexpr std::size_t kServerParts = 4;
 constexpr std::string_view kSavepoint = "devsql_statement";
 
-/// A name for a connection that no other one has, in any process: a session of this server that bears it is
-/// the connection's other end.
+/// An application name that no other connection has, in any process. A session of this server with that name
+/// is the other end of the connection: the linked server is this server.
 std::string UniqueApplication() {
     static const unsigned process = std::random_device()();
     static std::atomic<unsigned> count = 0;
@@ -142,7 +142,7 @@ void RemoteServers::RunOn(Link& link, const LinkedServer& server, const std::str
     } catch (const RemoteFailure& failure) {
         set_running(nullptr);
         if (failure.kind() == RemoteFailure::Kind::Lost) {
-            // What it had changed there in the transaction is gone.
+            // Its changes there in the transaction are lost.
             if (link.in_transaction) {
                 owner_.DoomTransaction();
             }
@@ -184,7 +184,7 @@ void RemoteServers::Join(const LinkedServer& server) {
     links_.at(Key(server.name)).in_transaction = true;
 }
 
-/// An error there may have ended the transaction: then nothing of ours can be committed any more.
+/// An error there may have ended the transaction, which then cannot be committed here either.
 void RemoteServers::NoticeEnd(Link& link, const LinkedServer& server) {
     RemoteAnswer answer;
     RunOn(link, server, "SELECT @@TRANCOUNT", answer);
@@ -202,7 +202,7 @@ void RemoteServers::Change(const LinkedServer& server, const std::function<void(
     try {
         work();
     } catch (const Cancelled&) {
-        Forget(server.name); // With the connection goes all that it has begun.
+        Forget(server.name); // Closing the connection rolls back what it began.
         throw;
     } catch (const SqlError&) {
         const auto link = links_.find(Key(server.name));
@@ -244,7 +244,7 @@ void RemoteServers::Commit() {
 
 void RemoteServers::Rollback() noexcept {
     for (auto link = links_.begin(); link != links_.end();) {
-        // A connection that goes takes its transaction back; a server that is gone has done so.
+        // Closing the connection rolls its transaction back, also at a server that has ended.
         link = link->second.in_transaction ? links_.erase(link) : std::next(link);
     }
 }

@@ -1,5 +1,5 @@
-// A session's connections to linked servers, and the part that they take in its transaction. Knows nothing of
-// tables and procedures there.
+// A session's connections to linked servers, and their part in its transaction. Knows nothing of tables and
+// procedures there.
 #pragma once
 
 #include <functional>
@@ -46,7 +46,7 @@ class RemoteServersOwner {
     virtual void DoomTransaction() = 0;
 };
 
-/// Keeps what a batch gave: its rows, the rows it touched, its first error.
+/// Keeps the results of a batch: its rows, the number of rows it touched, its first error.
 class RemoteAnswer : public RemoteSink {
   public:
     void Columns(const std::vector<Column>& given) override { columns = given; }
@@ -76,7 +76,7 @@ class RemoteServers {
     /// Runs a batch there, connecting first where needed. Errors of the other server go to the sink. Raises
     /// 7303, 7399, 7403, 7416 and what the other server says to a login.
     void Run(const LinkedServer& server, const std::string& sql, RemoteSink& sink);
-    /// Runs a batch whose first error there is raised here, under its own number. Gives the rows touched.
+    /// Runs a batch and raises its first error under its own number. Returns the number of rows touched.
     std::int64_t Execute(const LinkedServer& server, const std::string& sql);
     /// Runs `work`, which changes something there, whole or not at all: as a part of the session's
     /// transaction, or in one of its own. Raises 3910 for a server that is this one while the session is in a
@@ -87,7 +87,7 @@ class RemoteServers {
 
     /// True if another server takes part in the session's transaction.
     bool InTransaction() const;
-    /// Raises what the first server that can't commit says; the others are rolled back then.
+    /// Raises the error of the first server that cannot commit; the others are then rolled back.
     void Commit();
     void Rollback() noexcept;
     /// Closes the connections that no transaction holds.

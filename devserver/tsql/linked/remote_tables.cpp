@@ -12,7 +12,7 @@
 namespace devsql {
 namespace {
 
-/// A batch that goes to the other server has about so many characters at most, unless one row is longer.
+/// The approximate limit of a batch for the other server, in characters. A single longer row still goes.
 constexpr std::size_t kBatchLength = 60000;
 constexpr std::size_t kRowsOfInsert = 500; ///< servers take 1000
 
@@ -47,7 +47,7 @@ class FillSink : public RemoteAnswer {
     std::optional<SqliteStatement> insert_;
 };
 
-/// The type of a row of syscolumns. One that this server doesn't know travels as text.
+/// The type of a row of syscolumns. A type that this server does not know is fetched as text.
 Type TypeOfColumn(std::int64_t xtype, std::int64_t length, std::int64_t precision, std::int64_t scale) {
     for (const SystemType& type : SystemTypes()) {
         if (type.xtype != xtype) {
@@ -66,7 +66,7 @@ Type TypeOfColumn(std::int64_t xtype, std::int64_t length, std::int64_t precisio
     return Sized(TypeId::NVarChar, kMaxLength);
 }
 
-/// Rows that nothing tells apart are meant by one statement.
+/// Equal rows are changed by one statement.
 void AddNew(const std::string& statement, std::set<std::string>& seen, std::vector<std::string>& statements) {
     if (seen.insert(statement).second) {
         statements.push_back(statement);
@@ -101,11 +101,11 @@ RemoteTable::~RemoteTable() {
     try {
         servers_.owner().connection().Execute("DROP TABLE IF EXISTS " + table_->Qualified());
     } catch (const StorageError&) {
-        // It goes with the session at the latest.
+        // The table is dropped with the session at the latest.
     }
 }
 
-/// "[Batch]." or nothing: names then mean the login's database.
+/// "[Batch].", or nothing for the login's default database.
 std::string RemoteTable::Prefix() const {
     return name_.parts[1].empty() ? std::string() : BracketName(name_.parts[1]) + ".";
 }
@@ -135,7 +135,7 @@ void RemoteTable::LoadColumns(TableDef& table) {
     }
 }
 
-/// The views of the catalogue itself have no rows in syscolumns.
+/// Asks for the columns of a view of the catalogue, which has no rows in syscolumns.
 void RemoteTable::DescribeColumns(TableDef& table) {
     constexpr std::int32_t kNoObject = 208;
     constexpr std::int32_t kNoDatabase = 911;
@@ -163,7 +163,7 @@ void RemoteTable::DescribeColumns(TableDef& table) {
     }
 }
 
-/// The primary key's columns, else those of another unique index, else all that can be compared.
+/// The columns of the primary key, otherwise those of another unique index, otherwise all comparable columns.
 void RemoteTable::LoadKey(const TableDef& table) {
     RemoteAnswer answer;
     servers_.Run(server_,
@@ -224,7 +224,7 @@ std::string RemoteTable::ColumnList(const std::vector<std::size_t>& positions) c
     return text;
 }
 
-/// Which row of the other server is meant.
+/// The condition that finds a row at the other server.
 std::string RemoteTable::Condition(const std::vector<Value>& row) const {
     std::string text;
     for (const std::size_t position : key_) {

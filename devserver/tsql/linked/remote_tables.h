@@ -1,5 +1,5 @@
-// A table of a linked server in a statement: its columns as the other server tells them, its rows in a
-// temporary table of SQLite for as long as the statement runs, and the changes that go back.
+// A table of a linked server in a statement: its columns as the other server reports them, its rows in a
+// temporary table of SQLite while the statement runs, and the changes that are sent back.
 #pragma once
 
 #include <memory>
@@ -28,11 +28,11 @@ class RemoteTable {
     /// Fetches the rows, once.
     void Fill();
 
-    // Each sends whole rows, a value for each column, and raises what the other server says.
+    // Each sends whole rows, a value for each column, and raises the errors of the other server.
 
-    /// None stands for the column's default.
+    /// An empty value means the default of the column.
     void Insert(const std::vector<std::vector<std::optional<Value>>>& rows);
-    /// Sets what differs in any row.
+    /// Sets the columns that differ in any row.
     void Update(const std::vector<std::vector<Value>>& before, const std::vector<std::vector<Value>>& after);
     void Delete(const std::vector<std::vector<Value>>& rows);
 
@@ -50,7 +50,7 @@ class RemoteTable {
     LinkedServer server_;
     std::string qualified_; ///< the table's name at the other server
     TablePtr table_;
-    std::vector<std::size_t> key_; ///< positions of the columns that tell a row from others
+    std::vector<std::size_t> key_; ///< positions of the columns that identify a row
     bool made_ = false;
 };
 

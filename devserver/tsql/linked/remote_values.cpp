@@ -16,8 +16,8 @@ std::string Hex(std::string_view bytes) {
     return "0x" + HexText(bytes);
 }
 
-/// A text that can't stand between quotes: characters that the statement's code page lacks, a NUL, a
-/// backslash at a line's end (which the server reads as a line that goes on).
+/// True for a text that cannot be written between quotes: it has characters that code page 1252 lacks, a NUL,
+/// or a backslash at the end of a line, which the server reads as a line that goes on.
 bool NeedsBytes(const std::string& text) {
     return NarrowToCodePage1252(text) != text || text.find('\0') != std::string::npos ||
            text.find("\\\n") != std::string::npos || text.find("\\\r") != std::string::npos;
@@ -35,7 +35,7 @@ std::string TextLiteralOf(const std::string& text, bool unicode) {
     return literal + "'";
 }
 
-/// All digits that tell it from its neighbours, with an exponent: without one it would be a decimal.
+/// All digits that identify the number, with an exponent: without one the literal would be a decimal.
 std::string FloatLiteral(double value, bool real) {
     std::array<char, 40> buffer{};
     const auto end = real ? std::to_chars(buffer.data(), buffer.data() + buffer.size(),

@@ -1,6 +1,6 @@
-// sp_addextendedproperty and its kin: texts that scripts hang on tables and columns. They stand among the
-// database's settings, under a JSON list of class, object, column and name, and sys.extended_properties
-// shows them.
+// sp_addextendedproperty, sp_updateextendedproperty and sp_dropextendedproperty: descriptions that scripts
+// give to tables and columns. They are kept among the settings of the database, under a JSON list of class,
+// object, column and name; sys.extended_properties shows them.
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/procedures/system_procedures.h"
 #include "devserver/tsql/scalar/compare.h"
@@ -22,7 +22,7 @@ std::string JsonText(const std::string& text) {
     return quoted + "\"";
 }
 
-/// What a property hangs on, in the numbers of sys.extended_properties.
+/// The object that a property describes, in the numbers of sys.extended_properties.
 struct Owner {
     std::int64_t kind = 0; ///< 0 the database, 1 an object or column, 3 a schema, 7 an index
     std::int64_t major = 0;

@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view kOwnProduct = "SQL Server";
 constexpr std::string_view kOwnProvider = "SQLOLEDB";
 
-/// Providers that lead to a server of this kind. Others have nothing here that they could be reached by.
+/// Providers of SQL Server. The server cannot reach data of any other provider.
 constexpr std::array<std::string_view, 6> kProviders = {"SQLOLEDB",  "SQLNCLI",    "SQLNCLI10",
                                                         "SQLNCLI11", "MSOLEDBSQL", "MSDASQL"};
 
@@ -39,7 +39,7 @@ LinkedServer Require(SystemCall& call, std::string_view parameter) {
     return *std::move(server);
 }
 
-/// Writes to master, and lets go of what this session has open by the old settings.
+/// Writes to master, and closes the session's connection that was made with the old settings.
 void Change(SystemCall& call, const std::string& server, const std::function<void()>& work) {
     call.session().transactions().Write("main", work);
     call.session().remote().Forget(server);
@@ -119,7 +119,7 @@ std::int32_t AddLinkedServer(SystemCall& call) {
     Change(call, server.name, [&] {
         SqliteConnection& connection = call.session().connection();
         SaveServer(connection, server);
-        // Until something else is said, everybody logs in there as here.
+        // By default everybody logs in there with the name and password of this server.
         Logins(call).Save(FindServer(connection, server.name)->id, {});
     });
     return 0;
@@ -275,7 +275,7 @@ std::int32_t HelpLinkedLogin(SystemCall& call) {
 std::int32_t TestLinkedServer(SystemCall& call) {
     const std::string name = call.Text("@servername");
     RemoteServers& remote = call.session().remote();
-    remote.Forget(name); // A connection that is still open proves nothing.
+    remote.Forget(name); // An open connection would pass the test without a login.
     remote.Execute(remote.Find(name), "SELECT 1");
     return 0;
 }

@@ -28,7 +28,7 @@ class ProcedureTable {
 
 inline constexpr Type kSysName = Sized(TypeId::NVarChar, 128);
 
-/// An empty text stands for NULL.
+/// NULL for an empty text.
 inline Value TextOrNull(const std::string& text) {
     return text.empty() ? Value() : Value(text);
 }

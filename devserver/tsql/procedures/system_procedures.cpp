@@ -25,8 +25,8 @@ std::string TextOf(const ActualArgument& argument) {
     return IsNull(argument.value) ? std::string() : ValueText(argument.value, argument.type);
 }
 
-/// Drivers declare what they send by its type on the wire. Times come as datetime (tds/type_decoder.h), whose
-/// name then serves: the server has no columns of time and datetimeoffset.
+/// Drivers declare a parameter with its type on the wire. The protocol hands times over as datetime
+/// (tds/type_decoder.h), so time and datetimeoffset, which the server does not have, become datetime.
 ast::TypeSpec ParameterType(const ast::TypeSpec& declared) {
     const std::string& name = declared.name.last();
     return AsciiEqual(name, "time") || AsciiEqual(name, "datetimeoffset")
@@ -34,7 +34,8 @@ ast::TypeSpec ParameterType(const ast::TypeSpec& declared) {
                : declared;
 }
 
-/// sp_executesql and sp_prepare: parameters declared in a text, values behind.
+/// sp_executesql and sp_prepare: runs `text` with the parameters that `declarations` declares. Their values
+/// are the arguments from `first_value` on.
 std::int32_t RunParameterized(SystemCall& call, const std::string& text, const std::string& declarations,
                               std::size_t first_value) {
     SessionCore& session = call.session();
@@ -350,7 +351,7 @@ std::int32_t Rename(SystemCall& call) {
     return 0;
 }
 
-/// The text in rows of 255 characters that keep their line ends.
+/// Sends the text in rows of at most 255 characters, each with its line end.
 std::int32_t HelpText(SystemCall& call) {
     SessionCore& session = call.session();
     const std::string text = call.Text("@objname");

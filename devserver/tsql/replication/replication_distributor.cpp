@@ -44,7 +44,7 @@ void Save(SystemCall& call, const LinkedServer& server) {
     call.session().transactions().Write("main", [&] { SaveServer(Connection(call), server); });
 }
 
-/// The server's row, made if there is none.
+/// The row of the server; a new one if it is not listed.
 LinkedServer ServerRow(SystemCall& call, const std::string& name) {
     if (std::optional<LinkedServer> known = FindServer(Connection(call), name)) {
         return *std::move(known);
@@ -58,7 +58,7 @@ LinkedServer ServerRow(SystemCall& call, const std::string& name) {
     return server;
 }
 
-/// A role has ended: the row goes if it came with the role.
+/// Saves a server that has lost a role. Removes its row if replication added it and no role is left.
 void DropRole(SystemCall& call, const LinkedServer& server) {
     const bool none = !server.publisher && !server.subscriber && !server.distributor;
     if (none && server.Is(kMadeHere)) {
@@ -102,7 +102,7 @@ std::int32_t AddDistributor(SystemCall& call) {
     return 0;
 }
 
-/// The folder with a separator at its end, as it is written; empty stays empty.
+/// The folder with a separator at its end, of the kind that it already contains; empty stays empty.
 std::string FolderPrefix(std::string folder) {
     if (!folder.empty() && !folder.ends_with('\\') && !folder.ends_with('/')) {
         folder += folder.find('/') == std::string::npos ? '\\' : '/';
@@ -139,7 +139,7 @@ std::int32_t AddDistributionDb(SystemCall& call) {
         }
         call.Run(sql);
         info = FindDatabase(Connection(call), name);
-        if (!info) { // CREATE DATABASE has said why.
+        if (!info) { // CREATE DATABASE has reported the reason.
             return 1;
         }
     }
@@ -229,7 +229,7 @@ std::int32_t DropDistributor(SystemCall& call) {
 }
 
 std::int32_t ChangeDistributorPassword(SystemCall& call) {
-    // No agent logs in with it, so it is not even kept.
+    // No agent logs in with the password, so it is not kept.
     RequireDistributor(call);
     return 0;
 }

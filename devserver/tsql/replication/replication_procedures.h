@@ -14,14 +14,14 @@ std::span<const SystemProcedure> DistributorProcedures();
 std::span<const SystemProcedure> PublicationProcedures();
 
 // ---- shared by the two
-/// True where the text says "true", in any case.
+/// True for the text "true" in any case.
 bool SaysTrue(const std::string& text);
 void AddAgentJob(SystemCall& call, const std::string& name, const std::string& category);
-/// Nothing where there is no such job.
+/// Does nothing if there is no such job.
 void DropAgentJob(SystemCall& call, const std::string& name);
-/// Takes all publications of a database away, with their subscriptions and jobs.
+/// Removes all publications of a database, with their subscriptions and jobs.
 void UnpublishDatabase(SystemCall& call, const std::string& database);
-/// The name of a job of the log reader, which serves the whole database.
+/// The name of the log reader's job, which serves the whole database.
 std::string LogReaderJob(SystemCall& call, const std::string& database);
 
 } // namespace devsql

@@ -44,7 +44,7 @@ Publication RequirePublication(SystemCall& call) {
     return *std::move(publication);
 }
 
-/// The article of that name, or every one for "all". Raises 20027.
+/// The article of that name, or all articles for "all". Raises 20027.
 std::vector<Article> RequireArticles(SystemCall& call, const Publication& publication) {
     const std::string name = call.Text("@article");
     std::vector<Article> articles = ListArticles(Connection(call), publication.id);
@@ -57,7 +57,7 @@ std::vector<Article> RequireArticles(SystemCall& call, const Publication& public
     return articles;
 }
 
-/// "SERVER-Batch-batch_a": the beginning that an agent's name has.
+/// "SERVER-Batch-batch_a": the beginning of an agent's name.
 std::string AgentName(SystemCall& call, const std::string& database, const std::string& rest = "") {
     return call.session().server().name() + "-" + database + (rest.empty() ? "" : "-" + rest);
 }
@@ -116,7 +116,7 @@ std::int32_t AddLogReader(SystemCall& call) {
     return 0;
 }
 
-/// With what belongs to it: the snapshot's job, and the log reader's behind the last publication.
+/// Removes a publication with its snapshot job, and after the last publication the log reader's job.
 void RemovePublicationAndJobs(SystemCall& call, const Publication& publication, const std::string& database) {
     std::set<std::string> jobs;
     for (const Article& article : ListArticles(Connection(call), publication.id)) {
@@ -252,7 +252,7 @@ std::int32_t AddSubscriptionProcedure(SystemCall& call) {
     return 0;
 }
 
-/// The subscriptions of the publication's articles that a server has, or any server for "all".
+/// The subscriptions of a server to the articles; of all servers for "all".
 std::vector<Subscription> Matching(SystemCall& call, const std::vector<Article>& articles,
                                    const std::string& subscriber, const std::string& database) {
     std::vector<Subscription> found;
@@ -269,7 +269,7 @@ std::vector<Subscription> Matching(SystemCall& call, const std::vector<Article>&
     return found;
 }
 
-/// The agent's job is there since the subscription; only one that nobody has asked for is an error.
+/// sp_addsubscription has made the job already. Raises an error if there is no such subscription.
 std::int32_t AddPushAgent(SystemCall& call) {
     const Publication publication = RequirePublication(call);
     const std::vector<Subscription> subscriptions =

@@ -18,7 +18,7 @@ Value Evaluate(BinaryOperator op, const Value& left, const Type& left_type, cons
 /// `op operand`, of the type OperatorType(op, type).
 Value Evaluate(UnaryOperator op, const Value& operand, const Type& type);
 
-/// SUM and AVG. Adds values of one type; NULL is left out (had_null tells, for the warning 8153).
+/// SUM and AVG. Adds values of one type; NULL is left out.
 class SumAccumulator {
   public:
     explicit SumAccumulator(const Type& type);

@@ -1,4 +1,4 @@
-// The weights behind the collation, and the comparison of values.
+// The weights of the collation, and the comparison of values.
 #include "devserver/tsql/scalar/compare.h"
 
 #include <algorithm>
@@ -124,7 +124,7 @@ int Order(const T& a, const T& b) {
     return a < b ? -1 : static_cast<int>(b < a);
 }
 
-/// The shorter one counts as filled up with zeros.
+/// The shorter one is compared as if it were filled up with zeros.
 int CompareBytes(std::string_view a, std::string_view b) {
     const std::size_t common = std::min(a.size(), b.size());
     if (const int order = std::memcmp(a.data(), b.data(), common); order != 0) {
@@ -181,7 +181,7 @@ int CompareText(std::string_view a, std::string_view b) {
         const auto x = static_cast<unsigned char>(a[i]);
         const auto y = static_cast<unsigned char>(b[i]);
         if (x >= 0x80 || y >= 0x80) {
-            // What stands before is equal and without accents, so the rest decides alone.
+            // The texts before this position are equal and have no accents, so the rest decides alone.
             return Sign(SortKey(a.substr(i)).compare(SortKey(b.substr(i))));
         }
         if (kWeights[x] != kWeights[y]) {

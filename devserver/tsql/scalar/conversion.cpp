@@ -1,4 +1,4 @@
-// The front of the conversions: what is allowed at all, and to which part the pair of types goes.
+// CAST and CONVERT: checks that the conversion is allowed, and calls the conversion to the target type.
 #include "devserver/tsql/scalar/conversion.h"
 
 #include "devserver/tsql/scalar/conversion_parts.h"
@@ -54,7 +54,7 @@ Value ConvertValue(const Value& value, const Type& from, const Type& to, Style s
     }
 }
 
-/// True if more than the blanks at its end is lost when `text` goes into the length of `to`.
+/// True if cutting `text` to the length of `to` loses more than blanks at its end.
 bool LosesText(const std::string& text, const Type& to) {
     return HasLength(to.id) && to.length != kMaxLength &&
            TextLength(TrimTrailingBlanks(text)) > static_cast<std::size_t>(to.length);

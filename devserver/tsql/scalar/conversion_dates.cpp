@@ -168,7 +168,7 @@ Value DateFromBytes(std::string_view bytes, TypeId to) {
     return value;
 }
 
-/// As scripts that tools have generated write a date: days since 0001-01-01, the lowest byte first.
+/// A date as generated scripts write it: days since 0001-01-01, the lowest byte first.
 Value DayFromBytes(std::string_view bytes) {
     constexpr std::int64_t kDaysTo1900 = 693595;
     std::int64_t days = 0;
@@ -182,7 +182,7 @@ Value DayFromBytes(std::string_view bytes) {
     return DateTime{static_cast<std::int32_t>(days), 0};
 }
 
-/// What a style writes of a date that has no time.
+/// The part of a style that a date without time is written in.
 std::string_view DayPattern(std::string_view pattern) {
     for (const std::string_view time : {" H", " h", "TH"}) {
         pattern = pattern.substr(0, pattern.find(time));
@@ -201,7 +201,7 @@ DateOrder OrderOfStyle(Style style) {
 }
 
 std::string WriteDate(const DateTime& value, const Type& type, int style) {
-    constexpr int kDayStyle = 23; // What a date is written in where no style is named.
+    constexpr int kDayStyle = 23; // the default of a date
     const bool day = type.id == TypeId::Date;
     const DateStyle* found = FindStyle(day && style == 0 ? kDayStyle : style);
     if (found == nullptr) {

@@ -34,8 +34,8 @@ std::string FitText(std::string text, const Type& to);
 std::string FitBytes(std::string bytes, const Type& to);
 /// "1.5", "1e+020": with so many digits, as SQL Server writes floats.
 std::string FloatText(double value, int digits, bool scientific);
-/// "%f" with six digits behind the point, as in message 232.
-std::string FixedText(double value, int digits_behind_point);
+/// The number as "%f" writes it; message 232 has it with six digits after the point.
+std::string FixedText(double value, int digits_after_point);
 std::string HexText(std::string_view bytes);
 std::string GuidText(const Guid& guid);
 
@@ -56,10 +56,10 @@ std::optional<std::string> BytesFromHex(std::string_view digits, bool odd);
 /// The whole number that a text holds: sign, digits, blanks around; an empty text is 0.
 struct ParsedInteger {
     bool valid = false;
-    std::optional<std::int64_t> value; ///< none beyond 64 bits
+    std::optional<std::int64_t> value; ///< empty if it does not fit 64 bits
 };
 ParsedInteger ParseInteger(std::string_view text);
-/// A float in a text; none if it holds something else. Infinite beyond the range.
+/// A float in a text; nothing if it holds something else. Infinite beyond the range.
 std::optional<double> ParseFloat(std::string_view text);
 /// A money amount with currency sign and commas; see ParsedDecimal.
 struct ParsedMoney {
@@ -68,7 +68,7 @@ struct ParsedMoney {
 };
 ParsedMoney ParseMoney(std::string_view text);
 bool MoneyInRange(Int128 unscaled, TypeId id);
-/// The order of a date in digits that a style of CONVERT asks for.
+/// The order of day, month and year that a style of CONVERT asks for.
 DateOrder OrderOfStyle(Style style);
 std::string_view TrimBlanks(std::string_view text);
 

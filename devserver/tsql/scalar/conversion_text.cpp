@@ -86,11 +86,11 @@ std::string FloatText(double value, int digits, bool scientific) {
     return text;
 }
 
-std::string FixedText(double value, int digits_behind_point) {
+std::string FixedText(double value, int digits_after_point) {
     // The largest double has 309 digits before the point.
     std::array<char, 400> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                   std::chars_format::fixed, digits_behind_point);
+                                   std::chars_format::fixed, digits_after_point);
     return {buffer.data(), end.ptr};
 }
 

@@ -44,7 +44,7 @@ bool IsLetter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-/// None if a character stands there that no date has.
+/// Returns nothing if the text has a character that no date has.
 std::optional<Tokens> Cut(std::string_view text) {
     Tokens tokens;
     bool blank = false;
@@ -94,12 +94,12 @@ bool IsHalf(const Tokens& tokens, std::size_t i) {
     return i < tokens.size() && (tokens[i].Is(TokenKind::Word, "AM") || tokens[i].Is(TokenKind::Word, "PM"));
 }
 
-/// A number behind `mark` at `i`: the next part of a time.
+/// The number after `mark` at `i`: the next part of a time.
 bool IsPart(const Tokens& tokens, std::size_t i, std::string_view mark) {
     return i + 1 < tokens.size() && tokens[i].IsMark(mark) && tokens[i + 1].IsNumber();
 }
 
-/// Milliseconds behind ":" are a count, behind "." a fraction. False with more than three digits.
+/// Milliseconds after ":" are a count, after "." a fraction. Returns false for more than three digits.
 bool ReadMilliseconds(const Tokens& tokens, std::size_t& i, Time& time) {
     const bool count = IsPart(tokens, i, ":");
     if (!count && !IsPart(tokens, i, ".")) {

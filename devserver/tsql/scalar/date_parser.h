@@ -8,7 +8,7 @@
 
 namespace devsql {
 
-/// In which order the parts of a date in digits stand.
+/// The order of day, month and year in a date of digits.
 enum class DateOrder : std::uint8_t { MonthDayYear, DayMonthYear, YearMonthDay };
 
 enum class DateReading : std::uint8_t {
@@ -18,7 +18,7 @@ enum class DateReading : std::uint8_t {
 };
 
 /// Takes yyyymmdd, yymmdd, yyyy, digits with "/", "-" or ".", months by name, ISO 8601 with "T", times with
-/// milliseconds and AM/PM before or behind the date. An empty text is 1900-01-01; two digits of a year below
+/// milliseconds and AM/PM before or after the date. An empty text is 1900-01-01; two digits of a year below
 /// 50 are in the 2000s. Writes to `value` only when Good.
 DateReading ParseDateTime(std::string_view text, DateOrder order, DateTime& value);
 

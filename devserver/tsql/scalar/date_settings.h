@@ -1,5 +1,5 @@
-// What SET DATEFIRST and SET DATEFORMAT say. The functions of this library are given values alone, so what a
-// session has set holds for the thread that runs its statements.
+// The settings of SET DATEFIRST and SET DATEFORMAT. The functions of this library get values alone, so the
+// settings of a session belong to the thread that runs its statements.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ struct DateSettings {
     DateOrder order = DateOrder::MonthDayYear;
 };
 
-/// Those of the innermost scope of this thread; us_english's outside of any.
+/// The settings of the innermost scope of this thread; those of us_english outside of any scope.
 const DateSettings& CurrentDateSettings();
 
 /// While it lives, the thread has these settings. They are read when they are needed, so a change counts at

@@ -38,10 +38,10 @@ std::int32_t DayOfYear(std::int32_t days);
 /// The milliseconds of 1/300 seconds within a second, as SQL Server prints them: 0, 3, 7, 10, 13, ...
 std::int32_t MillisecondsOf(std::int32_t ticks);
 
-/// Days since 1900-01-01, with the time as fraction, to datetime; none beyond its range.
+/// Days since 1900-01-01, with the time as fraction, to datetime; nothing beyond its range.
 std::optional<DateTime> FromDayNumber(double days);
 double ToDayNumber(const DateTime& value);
-/// To the whole minute, 29.998 seconds down and 29.999 up; none beyond the range of smalldatetime.
+/// To the whole minute, 29.998 seconds down and 29.999 up; nothing beyond the range of smalldatetime.
 std::optional<DateTime> ToSmallDateTime(const DateTime& value);
 
 /// The local time, rounded to 1/300 seconds.
@@ -66,11 +66,11 @@ enum class DatePart : std::uint8_t {
     IsoWeek, ///< of DATEPART and DATENAME alone
 };
 
-/// By name or abbreviation ("yy", "year", "dw"), without regard to case; none for another word.
+/// By name or abbreviation ("yy", "year", "dw"), ignoring case; nothing for another word.
 std::optional<DatePart> FindDatePart(std::string_view name);
 /// `datefirst` is 1 Monday to 7 Sunday, 7 under us_english.
 std::int32_t GetDatePart(DatePart part, const DateTime& value, int datefirst = 7);
-/// None when the result leaves the range of datetime.
+/// Returns nothing when the result leaves the range of datetime.
 std::optional<DateTime> AddDatePart(DatePart part, std::int64_t count, const DateTime& value);
 /// The boundaries between the two, as DATEDIFF counts them.
 std::int64_t CountDateParts(DatePart part, const DateTime& from, const DateTime& to);

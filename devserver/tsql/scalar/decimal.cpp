@@ -1,4 +1,4 @@
-// 256-bit products and digit-by-digit division behind decimal.h.
+// Implements decimal.h with 256-bit products and division digit by digit.
 #include "devserver/tsql/scalar/decimal.h"
 
 #include <algorithm>
@@ -265,7 +265,7 @@ std::optional<Decimal> FromDouble(double value, int scale) {
     const std::size_t first = mark + (text[mark + 1] == '+' ? 2 : 1);
     std::from_chars(text.data() + first, text.data() + text.size(), exponent);
 
-    const int point = 16 - exponent; // digits behind the point
+    const int point = 16 - exponent; // digits after the point
     UInt256 magnitude{0, static_cast<UInt128>(digits)};
     if (point > scale) {
         magnitude = point - scale > 2 * kMaxDigits ? UInt256{}

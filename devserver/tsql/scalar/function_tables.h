@@ -32,7 +32,7 @@ bool AnyNull(Values values);
 
 // ------------------------------------------------------------------ result types
 
-/// `evaluate` behind this gives NULL when an argument is NULL.
+/// Calls `Evaluate`, but returns NULL when an argument is NULL.
 template <Value (*Evaluate)(Values, Types)>
 Value NullIfAnyNull(Values values, Types types) {
     return AnyNull(values) ? Value{} : Evaluate(values, types);

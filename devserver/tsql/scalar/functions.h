@@ -11,7 +11,7 @@
 
 namespace devsql {
 
-/// `max_arguments` of a function that takes as many as one likes.
+/// `max_arguments` of a function that takes any number of arguments.
 inline constexpr int kAnyNumber = 254;
 
 struct ScalarFunction {
@@ -27,7 +27,7 @@ struct ScalarFunction {
     bool takes_old_lobs = false;
 };
 
-/// Without regard to case; null if there is no such function here.
+/// Ignores case. Returns null if there is no such function in the table.
 const ScalarFunction* FindFunction(std::string_view name);
 std::span<const ScalarFunction> AllFunctions();
 
@@ -37,7 +37,7 @@ void CheckArgumentCount(const ScalarFunction& function, std::size_t count);
 /// The type of the function's result. Raises 8116 for a type that the function doesn't take.
 Type ResultType(const ScalarFunction& function, std::span<const Type> arguments);
 
-/// The generator behind RAND: RAND(seed) begins a sequence, RAND() of the session goes on with it.
+/// The generator that RAND uses: RAND(seed) begins a sequence, RAND() of the session continues it.
 class RandomSequence {
   public:
     explicit RandomSequence(std::int32_t seed);

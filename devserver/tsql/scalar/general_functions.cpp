@@ -9,7 +9,7 @@ namespace devsql {
 
 namespace {
 
-/// The type of the first argument, whatever the second: ISNULL cuts its replacement.
+/// The type of the first argument, even where the second is longer: ISNULL cuts its replacement.
 Type IsNullType(Types types) {
     if (!IsUntypedNull(types[0])) {
         RequireImplicit(IsUntypedNull(types[1]) ? types[0].id : types[1].id, types[0].id);
@@ -56,7 +56,7 @@ Value Coalesce(Values values, Types types) {
     return {};
 }
 
-/// Of all that can be chosen: everything behind the first argument.
+/// The common type of the values that can be chosen: all arguments after the first.
 Type ChosenType(Types types) {
     const Type type = CommonType(types.subspan(1));
     if (IsUntypedNull(type)) {

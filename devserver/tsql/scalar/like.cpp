@@ -64,7 +64,7 @@ class PatternReader {
         Step step;
         const char32_t c = pattern_[at_++];
         if (escape_ && c == *escape_) {
-            // Nothing behind the escape character: such a pattern matches nothing.
+            // Nothing follows the escape character: such a pattern matches nothing.
             return at_ < pattern_.size() ? Literal(pattern_[at_++]) : step;
         }
         if (c == U'%' || c == U'_') {

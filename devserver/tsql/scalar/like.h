@@ -11,7 +11,7 @@ namespace devsql {
 bool Like(std::string_view text, std::string_view pattern, std::optional<char32_t> escape = std::nullopt,
           bool unicode = false);
 
-/// The one character of an ESCAPE clause; none for an empty text. Raises 506 for a longer one.
+/// The character of an ESCAPE clause; nothing for an empty text. Raises 506 for a longer text.
 std::optional<char32_t> EscapeCharacter(std::string_view text);
 
 /// The position, from 1 in UTF-16 units, at which `pattern` is found, 0 if it isn't.

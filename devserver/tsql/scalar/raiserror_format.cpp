@@ -13,7 +13,7 @@ namespace devsql {
 namespace {
 
 constexpr std::size_t kMostArguments = 20;
-/// Behind text, severity and state, the first argument is the fourth parameter of RAISERROR.
+/// After text, severity and state, the first argument is the fourth parameter of RAISERROR.
 constexpr std::size_t kParametersBefore = 3;
 /// A longer message is cut to kCutLength and three points.
 constexpr std::size_t kMostLength = 2047;

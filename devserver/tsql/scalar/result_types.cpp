@@ -12,7 +12,7 @@ namespace {
 using enum TypeId;
 
 constexpr int kMaxPrecision = 38;
-/// Division and reduction leave at least so many digits behind the point.
+/// Division and reduction leave at least this many digits after the point.
 constexpr int kLeastScale = 6;
 
 bool IsBitOperator(BinaryOperator op) {

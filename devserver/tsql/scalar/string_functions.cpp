@@ -81,7 +81,7 @@ Value Substring(Values values, Types types) {
     if (count < 0) {
         RaiseError(kInvalidLeftLength);
     }
-    // Positions before the first count, but hold nothing.
+    // Positions before the first character count, but no character is there.
     const std::int64_t first = std::max<std::int64_t>(start, 1);
     const std::size_t room = CountOf(std::max<std::int64_t>(0, start + count - first));
     if (const auto* bytes = std::get_if<Bytes>(&values[0])) {
@@ -166,12 +166,12 @@ Value Stuff(Values values, Types types) {
     if (start < 1 || start > std::ssize(text) || count < 0) {
         return {};
     }
-    // A NULL to be put in puts nothing in.
+    // Where the text to insert is NULL, nothing is inserted.
     const std::u16string insert = IsNull(values[3]) ? std::u16string() : ToUtf16(TextOf(values[3], types[3]));
     RequireRoom(text.size() + insert.size());
     const std::size_t first = CountOf(start - 1);
-    const std::size_t behind = std::min(text.size(), first + CountOf(count));
-    return FitText(FromUtf16(text.substr(0, first) + insert + text.substr(behind)), StuffType(types));
+    const std::size_t rest = std::min(text.size(), first + CountOf(count));
+    return FitText(FromUtf16(text.substr(0, first) + insert + text.substr(rest)), StuffType(types));
 }
 
 Type ConcatType(Types types) {
@@ -211,7 +211,7 @@ Value Str(Values values, Types types) {
     const std::size_t room = CountOf(length);
     std::string text = FixedText(number, static_cast<int>(std::min(asked, most_digits)));
     if (text.size() > room) {
-        // Digits behind the point give way, with rounding, before the number turns to stars.
+        // Digits after the point are rounded away before the number is replaced by stars.
         const std::size_t whole = FixedText(std::trunc(number), 0).size();
         const int fits = whole + 1 < room ? static_cast<int>(room - whole - 1) : 0;
         text = FixedText(number, fits);

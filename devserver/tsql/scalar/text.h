@@ -12,9 +12,9 @@ namespace devsql {
 // All texts are UTF-8 in which a lone surrogate may stand in three bytes (WTF-8), so that any UTF-16 text
 // round trips. Bytes that are no UTF-8 read as U+FFFD.
 
-/// Reads the character at `position` and moves behind it; `position` < `text.size()`.
+/// Reads the character at `position` and moves past it; `position` < `text.size()`.
 char32_t DecodeUtf8(std::string_view text, std::size_t& position);
-/// Appends one code point; a low surrogate behind a high one at the end of `text` joins it to one character.
+/// Appends one code point; a low surrogate after a high one at the end of `text` joins it to one character.
 void AppendUtf8(std::string& text, char32_t character);
 
 std::u16string ToUtf16(std::string_view text);

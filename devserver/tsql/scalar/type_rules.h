@@ -30,7 +30,7 @@ bool HasLength(TypeId id);     ///< declared with a length
 
 // ------------------------------------------------------------------ making types
 
-/// A type without length, precision and scale. timestamp and the others that need none.
+/// A type without length, precision and scale.
 constexpr Type Simple(TypeId id) {
     return Type{id, 0, 0, 0};
 }
@@ -41,8 +41,8 @@ constexpr Type DecimalType(int precision, int scale, TypeId id = TypeId::Decimal
     return Type{id, 0, static_cast<std::uint8_t>(precision), static_cast<std::uint8_t>(scale)};
 }
 
-/// The type of the literal NULL: an int to every client, but it takes on the type of what it meets in
-/// CommonType, OperatorType and the functions. The mark stands in the length, which an int doesn't use.
+/// The type of the literal NULL: an int to every client, but CommonType, OperatorType and the functions give
+/// it the type of the other operand. Its length, which an int does not use, marks it.
 inline constexpr Type kUntypedNull{TypeId::Int, -2, 0, 0};
 inline bool IsUntypedNull(const Type& type) {
     return type == kUntypedNull;
@@ -85,11 +85,11 @@ std::span<const SystemType> SystemTypes();
 const SystemType& SystemTypeOf(TypeId id);
 /// "decimal": the name alone.
 std::string_view TypeName(TypeId id);
-/// "decimal(18,2)", "varchar(max)", "int": the name with what it is declared with.
+/// "decimal(18,2)", "varchar(max)", "int": the name with length, precision and scale.
 std::string FullTypeName(const Type& type);
 /// By name or synonym ("integer", "character varying", "rowversion", "double precision", "national char
-/// varying" with single blanks), without regard to case; none if there is no such type. sysname is the
-/// caller's, since it is a user type.
+/// varying" with single blanks), ignoring case; nothing if there is no such type. The caller looks up
+/// sysname, since it is a user type.
 std::optional<TypeId> FindTypeId(std::string_view name);
 
 /// What a declaration is for, as its errors name it.
@@ -111,7 +111,7 @@ Type DeclaredType(TypeId id, std::optional<std::int64_t> first, std::optional<st
 std::int32_t StorageBytes(const Type& type);
 /// syscolumns.prec, INFORMATION_SCHEMA's precisions: digits or characters of the type.
 std::int32_t TypePrecision(const Type& type);
-/// Digits behind the point; none for types that have none.
+/// Digits after the point; nothing for types without a scale.
 std::optional<std::int32_t> TypeScale(const Type& type);
 
 // ------------------------------------------------------------------ conversions between types

@@ -61,7 +61,7 @@ constexpr std::array kSynonyms = {
     Synonym{"national text", NText},
     Synonym{"binary varying", VarBinary},
     Synonym{"rowversion", Timestamp},
-    // To 1/300 seconds, from 1753 on: told in the documentation.
+    // To 1/300 seconds, from 1753 on; see devserver/docs/devserver.md.
     Synonym{"datetime2", TypeId::DateTime},
 };
 
