@@ -99,7 +99,7 @@ bool IsTableOrModule(std::string_view object_type) {
 
 const ColumnDef* TableDef::Find(std::string_view column) const {
     for (const ColumnDef& candidate : columns) {
-        if (CompareText(candidate.name, column) == 0) {
+        if (SameText(candidate.name, column)) {
             return &candidate;
         }
     }

@@ -100,7 +100,7 @@ TEST(DevsqlserverOptions, WrongUsageSaysWhatIsWrong) {
     EXPECT_EQ(UsageOf({"--drive", "D=/x", "--drive", "d=/y"}), "--drive: D is given twice");
 }
 
-TEST(DevsqlserverLogins, ThePasswordIsAllBehindTheFirstColon) {
+TEST(DevsqlserverLogins, ThePasswordIsEverythingAfterTheFirstColon) {
     const auto logins = Logins("sa:a:b: c \n\n# a remark\n   \nreader:\r\n");
     EXPECT_EQ(logins.size(), 2U);
     EXPECT_EQ(logins.at("sa"), "a:b: c ");

@@ -1,5 +1,5 @@
 // libFuzzer's way into a whole connection: the input is what a client sends, packets and all, before or
-// behind its login. The language is that of the tests.
+// after its login. The language is that of the tests.
 #include <array>
 #include <cstddef>
 #include <cstdint>

@@ -65,7 +65,7 @@ class LinkedServers : public ::testing::Test {
     static void SetUpTestSuite() { setenv("ODBCSYSINI", KV_ODBC_CONFIG, 1); }
 
     LinkedServers() {
-        far.Run(
+        other.Run(
             "create database Batch\nGO\nuse Batch\ncreate table Lots (id int primary key, name nvarchar(20), "
             "quantity decimal(10, 3))\ninsert Lots values (1, N'one', 1.5) insert Lots values (2, N'two', "
             "null)");
@@ -80,16 +80,16 @@ class LinkedServers : public ::testing::Test {
                  "exec sp_serveroption N'FAR', N'rpc out', N'true'");
     }
     std::string Near(const std::string& sql) { return "\n" + near.Run(sql); }
-    std::string Far(const std::string& sql) { return "\n" + far.Run(sql); }
+    std::string RunAtOther(const std::string& sql) { return "\n" + other.Run(sql); }
     std::string KeyName() {
-        far.Run("select name from sysobjects where xtype = 'PK' and parent_obj = object_id('Lots')");
-        return std::get<std::string>(far.last_row.at(0));
+        other.Run("select name from sysobjects where xtype = 'PK' and parent_obj = object_id('Lots')");
+        return std::get<std::string>(other.last_row.at(0));
     }
 
     WireServer server_a{"SERVERA"};
     WireServer server_b{"SERVERB"};
     Client near = server_a.Login();
-    Client far = server_b.Login();
+    Client other = server_b.Login();
 };
 
 TEST_F(LinkedServers, RowsAreReadAndJoinedWithThoseHere) {
@@ -115,7 +115,7 @@ TEST_F(LinkedServers, ANameInBracketsMayHoldACommaAndABackslash) {
 }
 
 TEST_F(LinkedServers, EveryTypeComesAndGoesUnharmed) {
-    far.Run(R"(
+    other.Run(R"(
 create table Types (id int identity primary key, b bit, ti tinyint, si smallint, bi bigint, d decimal(10,3),
     d38 decimal(38,10), m money, sm smallmoney, r real, f float, dt datetime, sdt smalldatetime, c char(5),
     vc varchar(20), nc nchar(5), nvc nvarchar(20), t text, nt ntext, vm varchar(max), nvm nvarchar(max),
@@ -131,16 +131,17 @@ insert Types (vc) values ('')
         "b, ti, si, bi, d, d38, m, sm, r, f, dt, sdt, c, vc, nc, nvc, t, nt, vm, nvm, bin, "
         "vb, im, g";
     EXPECT_EQ(Near("select * into Copy from FAR.Batch.dbo.Types"), "\n(2)\n");
-    EXPECT_EQ(Near("select " + columns + " from Copy"), Far("select " + columns + " from Types"));
+    EXPECT_EQ(Near("select " + columns + " from Copy"), RunAtOther("select " + columns + " from Types"));
     EXPECT_EQ(Near("select name, xtype, length, prec, scale from syscolumns where id = object_id('Copy') and "
                    "name <> "
                    "'ts'"),
-              Far("select name, xtype, length, prec, scale from syscolumns where id = object_id('Types') and "
+              RunAtOther(
+                  "select name, xtype, length, prec, scale from syscolumns where id = object_id('Types') and "
                   "name <> "
                   "'ts'"));
     EXPECT_EQ(Near("insert FAR.Batch.dbo.Types (" + columns + ") select " + columns + " from Copy"),
               "\n(2)\n");
-    EXPECT_EQ(Far("select " + columns + " from Types where id > 2"),
+    EXPECT_EQ(RunAtOther("select " + columns + " from Types where id > 2"),
               Near("select " + columns + " from Copy"));
 }
 
@@ -153,7 +154,7 @@ TEST_F(LinkedServers, RowsAreInsertedChangedAndDeleted) {
                    "10 = r.id) "
                    "and r.id > 2"),
               "\n(2)\n(1)\n(3)\n(1)\n(1)\n");
-    EXPECT_EQ(Far("select * from Lots"), R"(
+    EXPECT_EQ(RunAtOther("select * from Lots"), R"(
 id|name|quantity
 1|one|1.500
 2|zwei|NULL
@@ -168,25 +169,25 @@ TEST_F(LinkedServers, AStatementIsDoneWholeOrNotAtAllAndTheOtherServersErrorCome
               "\nMsg 2627.14.1 L1: Violation of PRIMARY KEY constraint '" + KeyName() +
                   "'. Cannot insert duplicate key in object 'dbo.Lots'. The duplicate key value is (1).\n"
                   "> The statement has been terminated.\n");
-    EXPECT_EQ(Far("select count(*) from Lots"), "\n\n2\n(1)\n");
+    EXPECT_EQ(RunAtOther("select count(*) from Lots"), "\n\n2\n(1)\n");
 }
 
 TEST_F(LinkedServers, TheOtherServerTakesPartInTheTransaction) {
     const std::string change =
         "begin transaction insert FAR.Batch.dbo.Lots (id) values (9) insert Lots (id) values (9)";
     near.Run(change + " rollback");
-    EXPECT_EQ(Far("select count(*) from Lots"), "\n\n2\n(1)\n");
+    EXPECT_EQ(RunAtOther("select count(*) from Lots"), "\n\n2\n(1)\n");
     near.Run(change);
     EXPECT_EQ(Near("save transaction s"),
               "\nMsg 627.16.1 L1: Cannot use SAVE TRANSACTION within a distributed transaction.\n");
     near.Run("commit");
-    EXPECT_EQ(Far("select count(*) from Lots"), "\n\n3\n(1)\n");
+    EXPECT_EQ(RunAtOther("select count(*) from Lots"), "\n\n3\n(1)\n");
     EXPECT_EQ(Near("select count(*) from Lots"), "\n\n3\n(1)\n");
 }
 
 TEST_F(LinkedServers, ProceduresAreCalledWithTheirParametersBothWays) {
-    far.Run("create procedure p @a int, @b nvarchar(20) = N'default', @o nvarchar(30) = null output as\n"
-            "select @a as a, @b as b print 'hello' set @o = @b + nchar(1071) return @a");
+    other.Run("create procedure p @a int, @b nvarchar(20) = N'default', @o nvarchar(30) = null output as\n"
+              "select @a as a, @b as b print 'hello' set @o = @b + nchar(1071) return @a");
     EXPECT_EQ(Near("declare @r int, @o nvarchar(30), @p nvarchar(100) set @p = N'FAR.Batch.dbo.p'\n"
                    "exec @r = @p 7, @o = @o output select @r, @o"),
               "\na|b\n7|default\n(1)\n> hello\nreturn 7\n|\n7|default\u042f\n(1)\n");
@@ -292,10 +293,10 @@ TEST_F(LinkedServers, ALinkToTheServerItselfReadsAndWritesButTakesPartInNoTransa
 }
 
 TEST_F(LinkedServers, ACancelledStatementEndsAtTheOtherServerToo) {
-    far.Run("create procedure slow as insert Lots (id) values (99) waitfor delay '00:02:00'");
+    other.Run("create procedure slow as insert Lots (id) values (99) waitfor delay '00:02:00'");
     std::thread cancel([this] {
         // Once the row is there, the procedure runs.
-        for (int i = 0; i < 1000 && far.Run("select id from Lots where id = 99") != "id\n99\n(1)\n"; ++i) {
+        for (int i = 0; i < 1000 && other.Run("select id from Lots where id = 99") != "id\n99\n(1)\n"; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
         near.session().Cancel();

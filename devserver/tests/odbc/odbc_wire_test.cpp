@@ -65,7 +65,7 @@ class OdbcWire : public ::testing::Test {
         };
     }
 
-    /// A connection string for the server; `more` goes behind it.
+    /// A connection string for the server, with `more` at its end.
     std::string Target(const std::string& password = "secret", const std::string& more = "") const {
         return "Driver={SQL Server};Server=127.0.0.1," + std::to_string(server_.Port()) +
                ";Uid=sa;Pwd=" + password + ";" + more;
@@ -155,7 +155,7 @@ class OdbcWire : public ::testing::Test {
     Connection connection_{environment_};
 };
 
-TEST_F(OdbcWire, ResultsBehindAnErrorOfTheFirstStatementAreKept) {
+TEST_F(OdbcWire, ResultsAfterAnErrorOfTheFirstStatementAreKept) {
     Connect();
     answers_["x"] = [](FakeSession&, ResultSink& sink) {
         SendError(sink, 2627);
@@ -188,19 +188,19 @@ TEST_F(OdbcWire, AServersErrorOfClass08IsNoLostConnection) {
     }
 }
 
-class MessagesBehindRows : public OdbcWire, public ::testing::WithParamInterface<int> {};
+class MessagesAfterRows : public OdbcWire, public ::testing::WithParamInterface<int> {};
 
-TEST_P(MessagesBehindRows, AreKeptWhereverABlockEnds) {
+TEST_P(MessagesAfterRows, AreKeptWhereverABlockEnds) {
     Connect();
     answers_["x"] = [](FakeSession&, ResultSink& sink) {
         SendRows(sink, GetParam());
-        Print(sink, "behind");
+        Print(sink, "after");
         sink.StatementDone(Command::Insert, 2, false);
     };
-    EXPECT_EQ(Story("x"), "rows " + std::to_string(GetParam()) + " | message behind | touched 2 | ");
+    EXPECT_EQ(Story("x"), "rows " + std::to_string(GetParam()) + " | message after | touched 2 | ");
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, MessagesBehindRows, ::testing::Values(0, 1, 511, 512, 513, 1024));
+INSTANTIATE_TEST_SUITE_P(Rows, MessagesAfterRows, ::testing::Values(0, 1, 511, 512, 513, 1024));
 
 TEST_F(OdbcWire, WhatGivesNothingIsSuccess) {
     Connect();
@@ -305,7 +305,7 @@ TEST_F(OdbcWire, EveryTypeOfColumnIsRead) {
     EXPECT_EQ(row[12], Value());
 }
 
-TEST_F(OdbcWire, LongColumnsComeWholeAndTheColumnsBehindThemToo) {
+TEST_F(OdbcWire, LongColumnsComeWholeAndTheColumnsAfterThemToo) {
     Connect();
     const std::string text(200001, 'x');
     answers_["x"] = [&](FakeSession&, ResultSink& sink) {
@@ -496,7 +496,7 @@ TEST_F(OdbcDyingServer, AmidRowsIsALostConnection) {
     EXPECT_EQ(story, "error 20017 | lost");
 }
 
-TEST_F(OdbcDyingServer, BehindAResultIsALostConnection) {
+TEST_F(OdbcDyingServer, AfterAResultIsALostConnection) {
     const std::string story = Dying([](ResultSink& sink) {
         SendRows(sink, 3000);
         SendRows(sink, 3000);

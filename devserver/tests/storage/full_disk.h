@@ -36,7 +36,7 @@ class FullDisk {
     void Free() { full = false; }
 
   private:
-    /// Opens the file as ever, and gives one that is a write-ahead log methods of which writing is ours.
+    /// Opens the file as SQLite does, and replaces the write method of a write-ahead log with ours.
     static int Open(sqlite3_vfs* vfs, const char* name, sqlite3_file* file, int flags, int* out) {
         auto* real = static_cast<sqlite3_vfs*>(vfs->pAppData);
         const int code = real->xOpen(real, name, file, flags, out);

@@ -31,7 +31,7 @@ constexpr int kWriters = 4;
 /// Between two rounds, so that those who were thrown out come back and write.
 constexpr std::chrono::milliseconds kCalm{20};
 constexpr int kNumbersOfAWriter = 10'000'000;
-/// The storm is so far from taking this long that a server that hangs is meant.
+/// Far more than the storm takes: only a server that hangs reaches it.
 constexpr std::chrono::seconds kLongestRound{60};
 
 /// What a writer may be told while the database is away: unknown, in transition, in use by one user, offline;

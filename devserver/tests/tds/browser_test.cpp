@@ -13,7 +13,7 @@ const BrowserEntry kNamed{"NODE1\\KV_BATCH", 5001};
 const std::string kDescription =
     "ServerName;NODE1;InstanceName;KV_BATCH;IsClustered;No;Version;14.0.1000.0;tcp;5001;;";
 
-/// What stands behind the head of an answer, whose length must be that of what stands there.
+/// The text after the head of an answer. The length in the head must be that of the text.
 std::string Text(const std::optional<std::string>& answer) {
     if (!answer) {
         return "(silence)";

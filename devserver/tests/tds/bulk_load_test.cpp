@@ -34,7 +34,7 @@ std::string Row(std::uint8_t number, std::string_view text) {
 
 class TdsBulkReader : public testing::Test {
   protected:
-    /// Everything that comes of `data`, whole rows as "7 x", then how it ends.
+    /// Everything that the rows in `data` give, whole rows as "7 x", then how the load ends.
     std::string ReadAll(const std::string& data, State end = State::Whole, Version version = Version::V74) {
         PacketChannel packets;
         packets.Put(data);
@@ -208,7 +208,7 @@ TEST_F(TdsBulkLoad, AnAttentionAfterALoadIsAcknowledged) {
     EXPECT_EQ(Summarize(client), "DONE(20,0)");
 }
 
-TEST_F(TdsBulkLoad, AClientThatGoesWithinALoadLeavesNothingBehind) {
+TEST_F(TdsBulkLoad, AClientThatGoesDuringALoadLeavesNoRows) {
     for (const bool refused : {false, true}) {
         script().refuse_bulk = refused;
         TdsClient client = server_.LoggedIn();

@@ -354,7 +354,7 @@ TdsClient TdsClient::Connect(std::uint16_t port) {
                 sizeof address) != 0) {
         throw std::runtime_error("cannot connect to the server of the test");
     }
-    // An attention is to go out behind its batch at once.
+    // An attention must be sent right after its batch.
     const int on = 1;
     setsockopt(static_cast<int>(handle.get()), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return TdsClient(tds::Socket(std::move(handle)));

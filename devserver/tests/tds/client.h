@@ -37,7 +37,7 @@ std::string BatchMessage(std::string_view sql);
 std::string Packets(std::uint8_t type, std::string_view data, std::size_t packet_size = 4096,
                     std::uint8_t first_status = 0);
 
-/// One token of an answer, its fields taken apart as far as the tests look at them.
+/// One token of an answer, with the fields that the tests look at.
 struct Token {
     std::uint8_t type = 0;
     std::string body; ///< without the token's byte and, where it has one, its length
@@ -46,7 +46,7 @@ struct Token {
     std::uint8_t severity = 0;
     std::int32_t line = 0;
     std::string text;
-    // DONE and its kin
+    // DONE, DONEINPROC, DONEPROC
     std::uint16_t status = 0;
     std::int64_t rows = 0;
 };

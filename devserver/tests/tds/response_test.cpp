@@ -69,7 +69,7 @@ TEST_F(TdsResponse, WithoutACountThereIsNoCountBit) {
               "DONE(00,0)");
 }
 
-TEST_F(TdsResponse, AMessageBehindTheLastStatementIsFollowedByADone) {
+TEST_F(TdsResponse, AMessageAfterTheLastStatementIsFollowedByADone) {
     EXPECT_EQ(Batch([](Response& r) {
                   r.StatementDone(Command::Insert, 1, false);
                   r.Send(kPrint);
@@ -96,7 +96,7 @@ TEST_F(TdsResponse, AnErrorWithinRowsMarksTheirDone) {
               "COLUMNS ROW ERROR(208) DONE(02,0)");
 }
 
-TEST_F(TdsResponse, TheStatementBehindAFailedOneIsNotMarked) {
+TEST_F(TdsResponse, TheStatementAfterAFailedOneIsNotMarked) {
     EXPECT_EQ(Batch([](Response& r) {
                   r.Send(kError);
                   Rows(r, 1);

@@ -45,7 +45,7 @@ TEST(TdsTokens, AMessageUpToSeverityTenIsInformation) {
 
 TEST(TdsTokens, SeverityTenIsGivenAsZero) {
     const auto severity = [](std::uint8_t given) {
-        constexpr std::size_t kPlace = 3 * (1 + 2 + 4 + 1); // behind token, length, number and state
+        constexpr std::size_t kPlace = 3 * (1 + 2 + 4 + 1); // after token, length, number and state
         return Written(Version::V74,
                        [=](TokenWriter& tokens) {
                            tokens.WriteMessage({5701, given, 1, "x", "", 1});

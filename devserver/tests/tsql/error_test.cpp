@@ -104,6 +104,13 @@ TEST_F(Mistakes, OfTypesAndValues) {
             {"kill 9999", 6106}});
 }
 
+TEST_F(Mistakes, AFunctionTakesNoText) {
+    Expect({{"select upper(cast('x' as text))", 8116},
+            {"select len(cast(N'x' as ntext))", 8116},
+            {"select replicate(cast('x' as text), 2)", 8116}});
+    EXPECT_EQ(Run("select substring(cast('abc' as text), 2, 1) as part"), "\npart\nb\n(1)\n");
+}
+
 TEST_F(Mistakes, WhatIsNotSupportedIsRefusedByName) {
     Expect({{"create trigger x on t for insert as print 1", 40510},
             {"backup database master to disk = 'x'", 40510},

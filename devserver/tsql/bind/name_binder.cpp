@@ -12,25 +12,21 @@ namespace {
 
 constexpr int kDeepestView = 32;
 
-bool SameName(std::string_view a, std::string_view b) {
-    return CompareText(a, b) == 0;
-}
-
 /// True if a name such as "b.BatchId" or "dbo.Batches.BatchId" may mean a column of this source.
 bool Names(const ScopeSource& source, const ast::Name& name) {
     const std::size_t qualifiers = name.parts.size() - 1;
     if (qualifiers == 1) {
-        return SameName(source.exposed, name.parts[0]);
+        return SameText(source.exposed, name.parts[0]);
     }
-    if (source.name.empty() || !SameName(source.name.last(), name.parts[qualifiers - 1]) ||
-        !SameName(source.exposed, source.name.last())) {
+    if (source.name.empty() || !SameText(source.name.last(), name.parts[qualifiers - 1]) ||
+        !SameText(source.exposed, source.name.last())) {
         return false;
     }
     const std::string& schema = name.parts[qualifiers - 2];
     const std::size_t own = source.name.parts.size();
     const std::string own_schema =
         own > 1 && !source.name.parts[own - 2].empty() ? source.name.parts[own - 2] : "dbo";
-    return schema.empty() || SameName(schema, own_schema);
+    return schema.empty() || SameText(schema, own_schema);
 }
 
 } // namespace
@@ -51,7 +47,7 @@ ScopeSource NameBinder::SourceOf(const TablePtr& table, const std::string& expos
 const CommonTables::Entry* NameBinder::FindCommon(const std::string& name) const {
     for (const CommonTables* level = binding_.common; level != nullptr; level = level->outer) {
         for (const CommonTables::Entry& entry : level->entries) {
-            if (SameName(entry.name, name)) {
+            if (SameText(entry.name, name)) {
                 return &entry;
             }
         }
@@ -63,7 +59,7 @@ std::string NameBinder::Source(const ast::NamedSource& named, Scope& scope) {
     const std::string& last = named.name.last();
     const Naming naming{named, named.alias.empty() ? last : named.alias, binding_.NextAlias(), scope};
     for (const ScopeSource& other : scope.sources) {
-        if (SameName(other.exposed, naming.exposed) &&
+        if (SameText(other.exposed, naming.exposed) &&
             (!named.alias.empty() || other.name.empty() || other.name.text() == named.name.text())) {
             RaiseError(named.alias.empty() ? 1013 : 1011, {naming.exposed, naming.exposed});
         }
@@ -197,7 +193,7 @@ BoundPtr NameBinder::Column(const ast::ColumnExpr& column, const Scope* scope) c
             }
             qualifier_known = true;
             for (const ScopeColumn& candidate : source.columns) {
-                if (!SameName(candidate.name, name.last())) {
+                if (!SameText(candidate.name, name.last())) {
                     continue;
                 }
                 if (found != nullptr) {

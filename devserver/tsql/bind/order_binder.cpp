@@ -26,7 +26,7 @@ std::size_t OutputPosition(const ast::Expr& expr, const std::vector<Column>& col
     const auto* column = std::get_if<ast::ColumnExpr>(&expr.node);
     if (column != nullptr && column->name.parts.size() == 1) {
         for (std::size_t i = 0; i < columns.size(); ++i) {
-            if (CompareText(columns[i].name, column->name.last()) == 0) {
+            if (SameText(columns[i].name, column->name.last())) {
                 return i + 1;
             }
         }

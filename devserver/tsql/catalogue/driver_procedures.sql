@@ -6,7 +6,7 @@
 CREATE OR ALTER PROCEDURE dbo.sp_datatype_info @data_type int = 0, @ODBCVer tinyint = 2
 AS
 SELECT type_name AS TYPE_NAME, CASE WHEN @ODBCVer >= 3 THEN odbc_3_type ELSE odbc_2_type END AS DATA_TYPE,
-    precision AS PRECISION, prefix AS LITERAL_PREFIX, suffix AS LITERAL_SUFFIX, create_params AS CREATE_PARAMS,
+    digits AS [PRECISION], prefix AS LITERAL_PREFIX, suffix AS LITERAL_SUFFIX, create_params AS CREATE_PARAMS,
     nullable AS NULLABLE, CONVERT(smallint, 0) AS CASE_SENSITIVE, searchable AS SEARCHABLE,
     unsigned_attribute AS UNSIGNED_ATTRIBUTE, money AS MONEY, auto_increment AS AUTO_INCREMENT,
     type_name AS LOCAL_TYPE_NAME, minimum_scale AS MINIMUM_SCALE, maximum_scale AS MAXIMUM_SCALE,
@@ -58,7 +58,7 @@ AS
 SELECT CONVERT(sysname, DB_NAME()) AS TABLE_QUALIFIER, owner AS TABLE_OWNER, object AS TABLE_NAME, name AS COLUMN_NAME,
     data_type AS DATA_TYPE,
     CONVERT(sysname, type_name + CASE is_identity WHEN 1 THEN N' identity' ELSE N'' END) AS TYPE_NAME,
-    precision AS PRECISION, length AS LENGTH, scale AS SCALE, radix AS RADIX, nullable AS NULLABLE,
+    digits AS [PRECISION], length AS LENGTH, scale AS SCALE, radix AS RADIX, nullable AS NULLABLE,
     CONVERT(varchar(254), NULL) AS REMARKS, column_def AS COLUMN_DEF, sql_data_type AS SQL_DATA_TYPE,
     datetime_sub AS SQL_DATETIME_SUB, octets AS CHAR_OCTET_LENGTH, ordinal AS ORDINAL_POSITION,
     CONVERT(varchar(254), CASE nullable WHEN 1 THEN 'YES' ELSE 'NO' END) AS IS_NULLABLE,
@@ -91,13 +91,13 @@ AS
 SELECT CONVERT(sysname, DB_NAME()) AS PROCEDURE_QUALIFIER, p.owner AS PROCEDURE_OWNER,
     CONVERT(nvarchar(134), p.object + N';1') AS PROCEDURE_NAME, p.name AS COLUMN_NAME,
     CONVERT(smallint, p.kind) AS COLUMN_TYPE, p.data_type AS DATA_TYPE, p.type_name AS TYPE_NAME,
-    p.precision AS PRECISION, p.length AS LENGTH, p.scale AS SCALE, p.radix AS RADIX,
+    p.digits AS [PRECISION], p.length AS LENGTH, p.scale AS SCALE, p.radix AS RADIX,
     CONVERT(smallint, p.nullable) AS NULLABLE, CONVERT(varchar(254), NULL) AS REMARKS,
     CONVERT(nvarchar(4000), NULL) AS COLUMN_DEF, p.sql_data_type AS SQL_DATA_TYPE, p.datetime_sub AS SQL_DATETIME_SUB,
     p.octets AS CHAR_OCTET_LENGTH, p.ordinal AS ORDINAL_POSITION,
     CONVERT(varchar(254), CASE p.nullable WHEN 1 THEN 'YES' ELSE 'NO' END) AS IS_NULLABLE,
     p.ss_nullable_type AS SS_DATA_TYPE
-FROM (SELECT owner, object, name, CASE is_output WHEN 1 THEN 2 ELSE 1 END AS kind, data_type, type_name, precision,
+FROM (SELECT owner, object, name, CASE is_output WHEN 1 THEN 2 ELSE 1 END AS kind, data_type, type_name, digits,
         length, scale, radix, 1 AS nullable, sql_data_type, datetime_sub, octets, ordinal, ss_nullable_type
     FROM sys.spt_columns WHERE object_type = 'P'
     UNION ALL
@@ -186,7 +186,7 @@ AS
 SELECT CONVERT(smallint, CASE WHEN @col_type = 'V' THEN NULL ELSE 2 END) AS SCOPE, c.name AS COLUMN_NAME,
     c.data_type AS DATA_TYPE,
     CONVERT(sysname, c.type_name + CASE c.is_identity WHEN 1 THEN N' identity' ELSE N'' END) AS TYPE_NAME,
-    c.precision AS PRECISION, c.length AS LENGTH, c.scale AS SCALE, CONVERT(smallint, 1) AS PSEUDO_COLUMN
+    c.digits AS [PRECISION], c.length AS LENGTH, c.scale AS SCALE, CONVERT(smallint, 1) AS PSEUDO_COLUMN
 FROM sys.spt_columns c LEFT JOIN sys.index_columns k ON k.object_id = c.object_id AND k.column_id = c.column_id
     AND k.index_id = (SELECT TOP 1 i.index_id FROM sys.indexes i WHERE i.object_id = c.object_id AND i.is_unique = 1
         ORDER BY i.is_primary_key DESC, i.index_id)

@@ -354,7 +354,7 @@ GO
 
 -- The types and columns as ODBC describes them. driver_procedures.sql reads these two views.
 CREATE VIEW sys.spt_types (
-    position int, type_name sysname, odbc_2_type smallint, odbc_3_type smallint, precision int, prefix varchar(32),
+    position int, type_name sysname, odbc_2_type smallint, odbc_3_type smallint, digits int, prefix varchar(32),
     suffix varchar(32), create_params varchar(32), nullable smallint, searchable smallint, unsigned_attribute smallint,
     money smallint, auto_increment smallint, minimum_scale smallint, maximum_scale smallint, sql_data_type smallint,
     datetime_sub smallint, radix int, usertype smallint
@@ -367,7 +367,7 @@ SELECT t.position, t.type_name, t.odbc AS odbc_2_type,
         WHEN t.type_name IN ('nchar', 'nvarchar') THEN 4000
         WHEN t.type_name IN ('char', 'varchar', 'binary', 'varbinary', 'decimal', 'numeric') THEN
             CASE WHEN t.odbc IN (2, 3) THEN 38 ELSE 8000 END
-        ELSE t.bytes END AS precision,
+        ELSE t.bytes END AS digits,
     nullif(t.prefix, '') AS prefix, nullif(t.suffix, '') AS suffix, nullif(t.parameters, '') AS create_params,
     t.type_name <> 'timestamp' AS nullable,
     CASE WHEN t.type_name = 'image' THEN 0
@@ -389,7 +389,7 @@ GO
 -- length of a decimal, of money and of dates is that of their C types.
 CREATE VIEW sys.spt_columns (
     object_id int, object_type char(2), owner sysname, object sysname, name sysname, column_id int, ordinal int,
-    data_type smallint, type_name sysname, precision int, length int, scale smallint, radix smallint,
+    data_type smallint, type_name sysname, digits int, length int, scale smallint, radix smallint,
     nullable smallint, is_identity bit, is_output bit, column_def nvarchar(4000), sql_data_type smallint,
     datetime_sub smallint, octets int, ss_type tinyint, ss_nullable_type tinyint
 ) AS
@@ -398,7 +398,7 @@ SELECT c.object AS object_id, o.type AS object_type, o.schema AS owner, o.name A
     {odbc_type} AS data_type,
     CASE coalesce(c.user_type, '') WHEN '' THEN t.type_name
         ELSE substr(c.user_type, instr(c.user_type, '.') + 1) END AS type_name,
-    {odbc_precision} AS precision,
+    {odbc_precision} AS digits,
     CASE WHEN {is_decimal} THEN c.precision + 2
         WHEN t.type_name IN ('money', 'smallmoney') THEN t.digits + 2
         WHEN t.type_name = 'date' THEN 6

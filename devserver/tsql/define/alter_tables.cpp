@@ -14,10 +14,6 @@
 namespace devsql {
 namespace {
 
-bool Same(std::string_view a, std::string_view b) {
-    return CompareText(a, b) == 0;
-}
-
 Target FindTable(SessionCore& session, const ast::Name& name) {
     Emission emission(session);
     try {
@@ -286,7 +282,7 @@ void DropColumns(SessionCore& session, const ast::AlterTableStatement& alter, co
 
 void DropConstraint(const std::string& name, Catalogue& catalogue, const TableDef& table) {
     for (const IndexDef& index : table.indexes) {
-        if (!index.constraint || !Same(index.name, name)) {
+        if (!index.constraint || !SameText(index.name, name)) {
             continue;
         }
         for (const ForeignKeyDef& key : table.referencing) {
@@ -304,19 +300,19 @@ void DropConstraint(const std::string& name, Catalogue& catalogue, const TableDe
         return;
     }
     for (const ForeignKeyDef& key : table.foreign_keys) {
-        if (Same(key.name, name)) {
+        if (SameText(key.name, name)) {
             catalogue.RemoveObject(key.id);
             return;
         }
     }
     for (const CheckDef& check : table.checks) {
-        if (Same(check.name, name)) {
+        if (SameText(check.name, name)) {
             catalogue.RemoveObject(check.id);
             return;
         }
     }
     for (ColumnDef column : table.columns) {
-        if (Same(column.default_name, name)) {
+        if (SameText(column.default_name, name)) {
             column.default_name.clear();
             column.default_text.clear();
             catalogue.UpdateColumn(table.id, column);
@@ -331,13 +327,13 @@ void SwitchConstraints(const ast::AlterTableStatement& alter, Catalogue& catalog
     for (const std::string& name : alter.names) {
         bool found = name == "ALL";
         for (const ForeignKeyDef& key : table.foreign_keys) {
-            if (name == "ALL" || Same(key.name, name)) {
+            if (name == "ALL" || SameText(key.name, name)) {
                 catalogue.SetDisabled(key.id, disabled);
                 found = true;
             }
         }
         for (const CheckDef& check : table.checks) {
-            if (name == "ALL" || Same(check.name, name)) {
+            if (name == "ALL" || SameText(check.name, name)) {
                 catalogue.SetDisabled(check.id, disabled);
                 found = true;
             }
@@ -444,7 +440,7 @@ void RunCreateIndex(SessionCore& session, const ast::CreateIndexStatement& creat
         index.clustered = create.clustered;
         int highest = 1;
         for (const IndexDef& other : table.indexes) {
-            if (Same(other.name, create.name)) {
+            if (SameText(other.name, create.name)) {
                 if (!create.drop_existing || target.catalogue == nullptr) {
                     RaiseError(1913, {create.name, "table", table.name});
                 }
@@ -491,7 +487,7 @@ void RunDropIndex(SessionCore& session, const ast::DropIndexStatement& drop) {
         }
         const IndexDef* found = nullptr;
         for (const IndexDef& index : target.table ? target.table->indexes : std::vector<IndexDef>()) {
-            if (Same(index.name, index_name)) {
+            if (SameText(index.name, index_name)) {
                 found = &*std::find_if(target.table->indexes.begin(), target.table->indexes.end(),
                                        [&](const IndexDef& i) { return i.id == index.id; });
             }

@@ -23,10 +23,6 @@ constexpr std::string_view kLogText = "Log file of a database of the development
 /// The files that SQLite keeps next to an open database file.
 constexpr std::array<std::string_view, 3> kCompanions = {"-wal", "-shm", "-journal"};
 
-bool Same(std::string_view a, std::string_view b) {
-    return CompareText(a, b) == 0;
-}
-
 void RequireNoTransaction(SessionCore& session, std::string_view statement) {
     if (session.transactions().count() > 0) {
         RaiseError(226, {statement});
@@ -35,7 +31,7 @@ void RequireNoTransaction(SessionCore& session, std::string_view statement) {
 
 bool IsSystemDatabase(std::string_view name) {
     for (const std::string_view system : {"master", "model", "msdb", "tempdb"}) {
-        if (Same(system, name)) {
+        if (SameText(system, name)) {
             return true;
         }
     }
@@ -103,7 +99,7 @@ std::vector<DatabaseFile> FilesOf(SessionCore& session, const ast::CreateDatabas
         file.max_size = InKilobytes(spec.max_size, "Unlimited");
         file.growth = InKilobytes(spec.growth, log ? "10%" : "1024 KB");
         for (const DatabaseFile& other : files) {
-            if (Same(other.name, file.name)) {
+            if (SameText(other.name, file.name)) {
                 RaiseError(1828, {file.name});
             }
             if (other.path == file.path) {
@@ -197,7 +193,8 @@ class Exclusive {
 /// Releases the session's own use of a database that will be removed. Raises `refusal` if it is the current
 /// one.
 void LetGo(SessionCore& session, const DatabaseInfo& info, const SqlError& refusal) {
-    if (Same(session.databases().CurrentName(), info.name) || Same(session.databases().own(), info.name)) {
+    if (SameText(session.databases().CurrentName(), info.name) ||
+        SameText(session.databases().own(), info.name)) {
         throw refusal;
     }
     session.databases().Release(info.name);
@@ -375,14 +372,14 @@ namespace {
 
 void ModifyFile(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseStatement& alter) {
     const auto file = std::find_if(info.files.begin(), info.files.end(), [&](const DatabaseFile& candidate) {
-        return Same(candidate.name, alter.name);
+        return SameText(candidate.name, alter.name);
     });
     if (file == info.files.end()) {
         RaiseError(5041, {alter.name});
     }
     if (!alter.new_name.empty()) {
         for (const DatabaseFile& other : info.files) {
-            if (other.id != file->id && Same(other.name, alter.new_name)) {
+            if (other.id != file->id && SameText(other.name, alter.new_name)) {
                 RaiseError(1828, {alter.new_name});
             }
         }
@@ -418,7 +415,7 @@ void AddFiles(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseS
     for (const ast::FileSpec& spec : alter.files) {
         DatabaseFile file;
         for (const DatabaseFile& other : info.files) {
-            if (Same(other.name, spec.name)) {
+            if (SameText(other.name, spec.name)) {
                 RaiseError(1828, {spec.name});
             }
             file.id = std::max(file.id, other.id);

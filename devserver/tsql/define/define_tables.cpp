@@ -105,7 +105,7 @@ std::string TableBuilder::MadeName(std::string_view prefix, std::string_view col
 
 ColumnDef& TableBuilder::Column(const std::string& name, std::int32_t error) {
     for (ColumnDef& column : table_.columns) {
-        if (CompareText(column.name, name) == 0) {
+        if (SameText(column.name, name)) {
             return column;
         }
     }
@@ -256,7 +256,7 @@ void TableBuilder::AddDefault(const ast::Constraint& constraint, const std::stri
 TablePtr TableBuilder::Referenced(const ast::Constraint& constraint, const std::string& name) {
     const ObjectPlace place = PlaceOf(session_, constraint.references);
     const std::optional<ObjectDef> object = catalogue_->FindObject(place.schema, place.name);
-    if (CompareText(place.name, table_.name) == 0 && CompareText(place.schema, table_.schema) == 0) {
+    if (SameText(place.name, table_.name) && SameText(place.schema, table_.schema)) {
         return std::make_shared<TableDef>(table_);
     }
     if (!object || object->type != "U") {

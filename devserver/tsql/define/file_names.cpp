@@ -52,7 +52,7 @@ void RestoreFileNames(DatabaseInfo& database) {
     for (std::size_t i = 0; i < database.files.size(); ++i) {
         DatabaseFile& file = database.files[i];
         auto found = std::find_if(kept.begin(), kept.end(), [&](const KeptFile& candidate) {
-            return CompareText(candidate.file, NameOnDisk(file)) == 0;
+            return SameText(candidate.file, NameOnDisk(file));
         });
         if (found == kept.end() && i < kept.size() && kept.size() == database.files.size()) {
             found = kept.begin() + static_cast<std::ptrdiff_t>(i); // A copied file may have another name.

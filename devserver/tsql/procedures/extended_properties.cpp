@@ -40,7 +40,7 @@ std::int64_t MinorOf(const TableDef& table, const std::string& kind, const std::
         return column == nullptr ? 0 : column->id;
     }
     for (const IndexDef& index : table.indexes) {
-        if (CompareText(index.name, name) == 0) {
+        if (SameText(index.name, name)) {
             return index.id;
         }
     }

@@ -113,7 +113,7 @@ std::vector<std::size_t> BindEach(SessionCore& session, std::string_view procedu
         if (!argument.name.empty()) {
             named = true;
             const auto found = std::find_if(formal.begin(), formal.end(), [&](const ParameterDef& parameter) {
-                return CompareText(parameter.name, argument.name) == 0;
+                return SameText(parameter.name, argument.name);
             });
             if (found == formal.end()) {
                 RaiseError(8145, {argument.name, procedure}, 2);

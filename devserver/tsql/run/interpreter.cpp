@@ -237,7 +237,7 @@ void Interpreter::RunText(std::string_view sql, Frame& frame) {
 bool Interpreter::FindLabel(const ast::StatementList& list, std::size_t& position) const {
     for (std::size_t i = 0; i < list.size(); ++i) {
         const auto* label = std::get_if<ast::LabelStatement>(&list[i]->node);
-        if (label != nullptr && CompareText(label->label, goto_label_) == 0) {
+        if (label != nullptr && SameText(label->label, goto_label_)) {
             position = i;
             return true;
         }

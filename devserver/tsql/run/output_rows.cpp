@@ -65,7 +65,7 @@ OutputRows::OutputRows(SessionCore& session, const std::vector<ast::OutputClause
             }
             bool found = false;
             for (const ScopeSource& source : scope.sources) {
-                if (!item.star_of.empty() && CompareText(source.exposed, item.star_of.last()) == 0) {
+                if (!item.star_of.empty() && SameText(source.exposed, item.star_of.last())) {
                     found = true;
                     for (const ScopeColumn& column : source.columns) {
                         AddItem(bound, MakeSql(column.sql, column.type, column.nullable), column.name);

@@ -23,15 +23,11 @@ struct Selection {
     std::string where;
 };
 
-bool Same(std::string_view a, std::string_view b) {
-    return CompareText(a, b) == 0;
-}
-
 /// UPDATE b … FROM Batches b: the target is named by its alias.
 const ScopeSource* FindTarget(const Scope& scope, const ast::Name& name) {
     if (name.parts.size() == 1) {
         for (const ScopeSource& source : scope.sources) {
-            if (source.table && Same(source.exposed, name.last())) {
+            if (source.table && SameText(source.exposed, name.last())) {
                 return &source;
             }
         }

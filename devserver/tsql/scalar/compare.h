@@ -15,6 +15,10 @@ namespace devsql {
 
 /// Negative, 0 or positive. For SQLite's collation callback too.
 int CompareText(std::string_view a, std::string_view b);
+/// True if the texts are equal under the collation, as the names of objects are compared.
+inline bool SameText(std::string_view a, std::string_view b) {
+    return CompareText(a, b) == 0;
+}
 
 /// A key that compares by its bytes as CompareText compares the texts; equal keys are equal texts.
 std::string SortKey(std::string_view text);

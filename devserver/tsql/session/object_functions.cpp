@@ -242,7 +242,7 @@ const IndexDef* FindIndex(const TablePtr& table, bool (*test)(const IndexDef&, c
 Value IndexProperty(SessionCore& session, Values values, Types types) {
     const TablePtr table = TableById(session, values, types, 0);
     const IndexDef* index = FindIndex(
-        table, [](const IndexDef& i, const std::string& name) { return CompareText(i.name, name) == 0; },
+        table, [](const IndexDef& i, const std::string& name) { return SameText(i.name, name); },
         TextOf(values, types, 1));
     if (index == nullptr) {
         return {};
