@@ -128,7 +128,7 @@ function(kv_test name)
         endif()
     elseif("screen" IN_LIST ARG_LABEL)
         # One screen for the whole program: starting a screen takes longer than most of its tests.
-        add_test(NAME ${name} COMMAND "${KV_ROOT}/tests/with-screen" $<TARGET_FILE:${name}>)
+        add_test(NAME ${name} COMMAND "${KV_ROOT}/tests/with-screen" --no-wine $<TARGET_FILE:${name}>)
         set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT 600 RESOURCE_LOCK screen
             ENVIRONMENT "LSAN_OPTIONS=suppressions=${KV_ROOT}/tests/leaks_of_others.txt")
     else()

@@ -10,7 +10,8 @@ export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 BUILD_PACKAGES="build-essential cmake ninja-build ccache libgtest-dev libgmock-dev libbenchmark-dev unixodbc-dev freetds-dev libsqlite3-dev libssl-dev locales qt6-base-dev libxcb1-dev libxtst-dev"
 # python3-pkg-resources: python3-tds looks for its own version with it and does not depend on it.
 RUN_PACKAGES="tdsodbc freetds-bin python3 python3-pymssql python3-pyodbc python3-tds python3-pkg-resources"
-SCREEN_PACKAGES="xvfb openbox xdotool"
+# The programs that work at the console on Linux read its windows as a screen reader does.
+SCREEN_PACKAGES="xvfb openbox xdotool imagemagick dbus-daemon at-spi2-core gir1.2-atspi-2.0 python3-gi python3-xlib"
 WINDOWS_PACKAGES="g++-mingw-w64-x86-64 g++-mingw-w64-i686 lld wine wine64 tcl $SCREEN_PACKAGES"
 STYLE_PACKAGES="clang-format clang-tidy"
 PACKAGING_PACKAGES="msitools wixl faketime pandoc xz-utils dpkg-dev"

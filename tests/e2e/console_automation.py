@@ -1,43 +1,26 @@
-# A person at the console under Wine and the two servers that it is told of: what the tests of the console by clicks and
-# keys stand on. What is done there, and what must come of it, is theirs.
+# The console on a screen with the two servers that it is given: what the tests of the console by clicks and keys share.
+# The same tests run on Linux and, with --wine, on Windows: each toolkit has a program that works at the console as an
+# operator does (linux/console_operator.py, windows/console_operator.cpp) and takes the same orders.
 #
-# With KV_PICTURES set to a folder, pictures of what is on show are put there.
+# With KV_PICTURES set to a folder, pictures of the screen are put there.
 import os
 import select
 import shlex
 import shutil
 import signal
 import subprocess
+import sys
 import time
 import unittest
 
-from test_machine import (PASSWORD, RUNNER, TEMPLATES, TOP, USER, DevServer, Machine, fresh_folder, install_by_pymssql, set_up,
-                   wait_for)
+from test_machine import (PASSWORD, RUNNER, TEMPLATES, TOP, USER, DevServer, Machine, fresh_folder, install_by_pymssql,
+                          wait_for)
 
-SCRIPT, SYNCHRONIZE, UPGRADE, REPLICATION, VIEW_DATA, STORED_PROC = range(1, 7)
-LONGEST = 60  # seconds that anything may take to be seen; a machine at work takes a tenth of it
+GENERAL, SCRIPT, SYNCHRONIZE, UPGRADE, REPLICATION, VIEW_DATA, STORED_PROC = range(7)
+LONGEST = 60  # seconds that anything may take to be seen; a busy machine takes a tenth of it
 FIRST_ANSWER = 300  # others may have the screen until then
-
-
-def start_on_screen(machine, command, **streams):
-    """Starts a line of the shell on a screen, at the head of a group of processes."""
-    environment = machine.wine_environment()
-    if "KV_SCREEN" in os.environ:
-        environment["DISPLAY"] = os.environ["DISPLAY"]
-    return subprocess.Popen([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command], env=environment,
-                            cwd=machine.install, start_new_session=True, **streams)
-
-
-def run_on_screen(machine, command, seconds):
-    """Runs a line of the shell to its end, or to the end of its time: what it said until then is told."""
-    process = start_on_screen(machine, command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, text=True, errors="replace")
-    try:
-        said, complained = process.communicate(timeout=seconds)
-    except subprocess.TimeoutExpired:
-        end_group(process)
-        said, complained = process.communicate()
-    return subprocess.CompletedProcess(command, process.returncode, said, complained)
+ESCAPES = {"\\n": "\n", "\\r": "\r", "\\t": "\t", "\\\\": "\\"}
+LOTKEEPER = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper"
 
 
 def end_group(process):
@@ -49,40 +32,52 @@ def end_group(process):
     process.wait()
 
 
-def keep_picture(bitmap, name):
-    target = os.path.join(os.environ["KV_PICTURES"], name + ".png")
-    subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", target], check=True)
+def unescaped(text):
+    result = []
+    while text:
+        escape = text[:2] if text[:2] in ESCAPES else text[0]
+        result.append(ESCAPES.get(escape, escape))
+        text = text[len(escape):]
+    return "".join(result)
 
 
-class Person:
-    """At the console: each order is carried out by mouse and keyboard, and answered by what was seen."""
+def operator_command(machine, before, after):
+    """For the shell on a screen: the program that works at the machine's console."""
+    if machine.wine:
+        operator = shlex.join([RUNNER, os.path.join(machine.binaries, "console_operator.exe"),
+                               machine.native(machine.program)])
+        return machine.with_registry(f"{before} && {{ {operator}; {after} < /dev/null; }}")
+    operator = shlex.join(["/usr/bin/python3", os.path.join(TOP, "tests", "e2e", "linux", "console_operator.py"),
+                           machine.program, os.path.join(machine.binaries, "form_controls")])
+    # The session bus and what it starts write lines of their own to both streams.
+    session = shlex.join(["dbus-run-session", "--", "sh", "-c", f"exec {operator} >&3 2>&4"])
+    return f"{session} 3>&1 4>&2 > {shlex.quote(os.path.join(machine.folder, 'session.log'))} 2>&1"
 
-    escapes = (("\\n", "\n"), ("\\r", "\r"), ("\\t", "\t"), ("\\\\", "\\"))
 
-    def __init__(self, machine, binaries):
-        self.machine, self.gone = machine, False
-        # Where a server is installed the Replication tab can be used.
-        more = os.path.join(machine.folder, "more.reg")
-        with open(more, "w") as file:
-            file.write("REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper\\CustomFunctions]\n"
-                       '"SqlServerInstalled"="TRUE"\n"UseTransactionalReplication"="FALSE"\n')
-        operator = os.path.join(binaries, "console_operator.exe")
-        command = machine.with_registry(shlex.join([RUNNER, operator, machine.native(machine.program)]), more)
-        self.process = start_on_screen(machine, command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
-                                       encoding="cp1252", bufsize=1)
+class Console:
+    """An open console: each order is carried out by mouse and keyboard, and answered by what was seen."""
 
-    def sit_down(self):
-        """Waits until the console stands there."""
+    def __init__(self, machine, before="true", after="true"):
+        """`before` and `after` are lines of the shell that run around it under Wine, with its registry."""
+        self.machine, self.closed = machine, False
+        environment = machine.environment_on_screen()
+        screen = [os.path.join(TOP, "tests", "with-screen")] + ([] if machine.wine else ["--no-wine"])
+        command = [*screen, "sh", "-c", operator_command(machine, before, after)]
+        self.process = subprocess.Popen(command, env=environment, cwd=machine.install, start_new_session=True,
+                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1,
+                                        encoding="cp1252" if machine.wine else "utf-8")
+
+    def wait_until_open(self):
         self.answer_of("the start", FIRST_ANSWER)
 
     def answer_of(self, order, seconds=2 * LONGEST):
-        # One line follows each order, so nothing of it can lie read and unseen in this side's buffer.
+        # One line follows each order, so no part of an answer can wait unseen in this side's buffer.
         if not select.select([self.process.stdout], [], [], seconds)[0]:
             end_group(self.process)
             raise AssertionError(f"{order}: no answer, the program does not take messages")
         line = self.process.stdout.readline().rstrip("\r\n")
         if not line.startswith("= "):
-            raise AssertionError(f"{order}: {line or 'the operator has gone'}")
+            raise AssertionError(f"{order}: {unescaped(line) or 'the operator has ended'}")
         return line[2:]
 
     def begin(self, *words):
@@ -92,23 +87,18 @@ class Person:
         return words
 
     def finish(self, words):
-        """The texts that came back."""
+        """The texts of the answer."""
         line = self.answer_of(words)
-        return [self.plain(text) for text in line.split("\t")] if line else []
+        return [unescaped(text) for text in line.split("\t")] if line else []
 
     def do(self, *words):
         return self.finish(self.begin(*words))
 
-    def plain(self, text):
-        result = []
-        while text:
-            escape = next((pair for pair in self.escapes if text.startswith(pair[0])), (text[0], text[0]))
-            result.append(escape[1])
-            text = text[len(escape[0]):]
-        return "".join(result)
-
     def text(self, name):
         return "".join(self.do("text", name))
+
+    def is_open(self, tab):
+        return self.do("shown", f"fraMainTab.{tab}") == ["yes"]
 
     def can_use(self, name):
         return self.do("enabled", name) == ["yes"]
@@ -117,20 +107,33 @@ class Person:
         return self.do("row", "lvwViewData", number)
 
     def picture(self, name):
-        if os.environ.get("KV_PICTURES") and not self.gone:
-            bitmap = os.path.join(self.machine.folder, "picture.bmp")
-            shown = None
-            while shown is None or shown != open(bitmap, "rb").read():  # until nothing is left to paint
-                shown = open(bitmap, "rb").read() if shown is not None else b""
-                time.sleep(0.3)
-                self.do("picture", self.machine.native(bitmap))
-            keep_picture(bitmap, name)
+        if os.environ.get("KV_PICTURES") and not self.closed:
+            self.take_picture(os.path.join(os.environ["KV_PICTURES"], name + ".png"))
+
+    def take_picture(self, target):
+        bitmap = os.path.join(self.machine.folder, "picture.bmp")
+        before, shown = None, b""
+        while before != shown:  # until nothing is left to paint
+            before = shown
+            time.sleep(0.3)
+            self.do("picture", self.machine.native(bitmap))
+            with open(bitmap, "rb") as file:
+                shown = file.read()
+        subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", target], check=True)
 
     def close(self):
         self.do("close")
-        self.gone = True
+        self.closed = True
+
+    def end(self):
+        """Waits for the program's end."""
+        self.do("end")
+        self.closed = True
 
     def leave(self):
+        """Ends the operator and the screen: the next console under Wine waits for it."""
+        if self.process.stdin.closed:
+            return
         self.process.stdin.close()
         try:
             self.process.wait(LONGEST)
@@ -140,19 +143,31 @@ class Person:
         finally:
             self.process.stdout.close()
 
+# Between two errors in a box.
+SEPARATOR = "\r\n----------------------------------------------\r\n\r\n"
+
+
+def record(text, native, state, number=-2147467259):
+    """An error of a connection, as the box for errors shows it."""
+    return f"Error:\t{number}\r\nDesc:\t[FreeTDS][SQL Server]{text}\r\n\t{native}\r\n\tSQL Server\r\n\t{state}\r\n"
+
 
 class ConsoleTest(unittest.TestCase):
     """Two servers, and a machine with the program beside them."""
 
     dev_server = binaries = None
+    wine = False
+    # With this in its registry the Replication tab can be used.
+    SERVER_INSTALLED = (f"[{LOTKEEPER}\\CustomFunctions]\n"
+                        '"SqlServerInstalled"="TRUE"\n"UseTransactionalReplication"="FALSE"\n')
 
     def setUp(self):
         self.folder = fresh_folder()
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
-        self.machine = Machine(self.binaries, os.path.join(self.folder, "m"), wine=True, screen=True)
+        self.machine = Machine(self.binaries, os.path.join(self.folder, "m"), wine=self.wine, screen=True)
+        self.machine.add_to_registry(self.SERVER_INSTALLED)
         self.data = {}
         self.a, self.b = (self.start_server(name) for name in ("a", "b"))
-
     def start_server(self, name):
         server = DevServer(self.dev_server, os.path.join(self.folder, name), self.machine.drives()).start()
         self.addCleanup(server.stop)
@@ -175,38 +190,56 @@ class ConsoleTest(unittest.TestCase):
             for statement in statements:
                 cursor.execute(statement)
 
-    def told_name(self, server):
-        """What the console is told that the server is called."""
+    def address_of(self, server):
+        """The name of the server that is typed into the General tab."""
         return server.name
 
-    def at_the_console(self):
-        """A console in whose first tab both servers are told."""
-        person = Person(self.machine, self.binaries)
-        self.addCleanup(person.leave)
-        person.sit_down()
-        self.addCleanup(person.picture, self.id().rpartition(".")[2] + "-at-the-end")
+    def open(self, *around):
+        console = Console(self.machine, *around)
+        self.addCleanup(console.leave)
+        console.wait_until_open()
+        self.addCleanup(console.picture, self.id().rpartition(".")[2] + "-at-the-end")
+        return console
+
+    def open_console(self):
+        """A console whose General tab names both servers."""
+        console = self.open()
         for index, server in enumerate((self.a, self.b)):
-            for box, text in (("edtServerName", self.told_name(server)), ("edtUserID", USER),
+            for box, text in (("edtServerName", self.address_of(server)), ("edtUserID", USER),
                               ("edtPassword", PASSWORD), ("edtSQLDataPath", self.machine.native(self.data[server]))):
-                person.do("fill", f"{box}.{index}", text)
-        return person
+                console.do("fill", f"{box}.{index}", text)
+        return console
 
     def becomes(self, ask, wanted):
-        """What the console comes to show, within a generous time."""
+        """Fails if the console does not show this within a generous time."""
         seen = []
         try:
             wait_for(lambda: seen.append(ask()) or seen[-1] == wanted, LONGEST)
         except RuntimeError:
             self.assertEqual(seen[-1], wanted)
 
-    def comes_back(self, person, button):
-        """The button of a command that is at work, or has done with it."""
-        self.becomes(lambda: person.can_use(button), True)
-        self.becomes(lambda: person.do("focus", button), ["yes"])
+    def comes_back(self, console, button):
+        """Waits until the command has ended: its button can be used and has the focus."""
+        self.becomes(lambda: console.can_use(button), True)
+        self.becomes(lambda: console.do("focus", button), ["yes"])
 
-    def told(self):
-        """The log, without what is not in the registry."""
+    def in_box(self, text):
+        """A text of the program as a message box shows it."""
+        return text if self.wine else text.replace("\r\n", "\n")
+
+    def log(self):
+        """The log's lines, without those on what is not in the registry."""
         return [line for line in self.machine.log_lines() if " : Error in mRegistry::" not in line]
 
     def files(self, server):
         return sorted(os.listdir(self.data[server]))
+
+
+def main(test_class, **options):
+    """For a file of tests: DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]"""
+    test_class.dev_server, test_class.binaries = map(os.path.abspath, sys.argv[1:3])
+    rest = sys.argv[3:]
+    if "--wine" in rest:
+        rest.remove("--wine")
+        test_class.wine = True
+    unittest.main(argv=[sys.argv[0], *rest], **options)

@@ -2,11 +2,8 @@
 # what the connection reported, the button comes back, and once the server runs again so does the command.
 #
 #   console_kill_test.py DEVSQLSERVER BIN_FOLDER
-import os
-import sys
-import unittest
-
-from console_automation import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest
+from console_automation import (LONGEST, REPLICATION, SEPARATOR, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA,
+                                ConsoleTest, main, record)
 from console_wire import HERE, Wire
 from test_machine import wait_for
 
@@ -32,19 +29,15 @@ NEWER = [statement.format("Newer", 2) for statement in VERSIONED] + [
     "CREATE PROCEDURE spUninstallReplication AS SET NOCOUNT ON",
     ENDLESS.format("spUpgradeDatabase", "@from int, @to int, " + ", ".join(f"@p{i} sysname" for i in range(4)), ""),
 ]
-SPARE = ["CREATE DATABASE Spare ON (NAME = Spare_data, FILENAME = '{0}\\Spare_data.mdf') "
-         "LOG ON (NAME = Spare_log, FILENAME = '{0}\\Spare_log.ldf')"]
-
-
-def record(text, native, state):
-    return f"Error:\t-2147467259\r\nDesc:\t[FreeTDS][SQL Server]{text}\r\n\t{native}\r\n\tSQL Server\r\n\t{state}\r\n"
+SPARE = ["CREATE DATABASE Spare ON (NAME = Spare_data, FILENAME = '{0}Spare_data.mdf') "
+         "LOG ON (NAME = Spare_log, FILENAME = '{0}Spare_log.ldf')"]
 
 
 # What a connection reports that ends, and one that cannot be made.
 LOST = record("Unexpected EOF from the server", 20017, "08S01")
-REFUSED = (record("Unable to connect: Adaptive Server is unavailable or does not exist", 20009, "08S01") +
-           "\r\n----------------------------------------------\r\n\r\n" +
-           record("Unable to connect to data source", 0, "08001"))
+REFUSED = SEPARATOR.join([
+    record("Unable to connect: Adaptive Server is unavailable or does not exist", 20009, "08S01"),
+    record("Unable to connect to data source", 0, "08001")])
 
 
 class ConsoleKill(ConsoleTest):
@@ -53,11 +46,11 @@ class ConsoleKill(ConsoleTest):
         self.wire = Wire()
         self.addCleanup(self.wire.close)
         self.wire.up(self.a.port)
-        for statements in (OLDER, NEWER, [line.format(self.machine.native(self.data[self.a])) for line in SPARE]):
+        for statements in (OLDER, NEWER, [line.format(self.machine.native(self.data[self.a] + "/")) for line in SPARE]):
             self.prepare(statements)
-        self.person = self.at_the_console()
+        self.console = self.open_console()
 
-    def told_name(self, server):
+    def address_of(self, server):
         return f"{HERE},{self.wire.port}" if server is self.a else server.name
 
     def calls(self, database, procedure):
@@ -77,27 +70,27 @@ class ConsoleKill(ConsoleTest):
 
     def killed(self, at_work, order, boxes=(LOST,)):
         """Gives the order and kills the server once it is at work on it; answers the boxes that come."""
-        words = self.person.begin(*order)
+        words = self.console.begin(*order)
         at_work()
         self.wire.down()
         self.a.kill()
-        self.person.finish(words)
+        self.console.finish(words)
         for text in boxes:
-            self.assertEqual(self.person.do("box"), ["KVLSQLDbMgr", text], order)
-            self.person.do("answer")
+            self.assertEqual(self.console.do("box"), ["KVLSQLDbMgr", self.in_box(text)], order)
+            self.console.do("answer")
 
     def run_again(self):
         self.a.port = 0
         self.wire.up(self.a.start().port)
 
     def items_become(self, name, wanted):
-        self.becomes(lambda: self.person.do("items", name), wanted)
+        self.becomes(lambda: self.console.do("items", name), wanted)
 
     def cannot_be_used(self, name):
-        self.becomes(lambda: self.person.can_use(name), False)
+        self.becomes(lambda: self.console.can_use(name), False)
 
     def databases_become(self, name, known):
-        self.becomes(lambda: "Older" in self.person.do("items", name), known)
+        self.becomes(lambda: "Older" in self.console.do("items", name), known)
 
     def test_EachCommandOutlivesItsServer(self):
         self.synchronize()
@@ -105,169 +98,168 @@ class ConsoleKill(ConsoleTest):
         self.replicate()
         self.view_data()
         self.run_procedures()
-        self.person.close()
+        self.console.close()
 
     def synchronize(self):
-        person = self.person
-        person.do("tab", SYNCHRONIZE)
-        person.do("choose", "cboSynchronizeSourceDatabase", "Older")
+        console = self.console
+        console.do("tab", SYNCHRONIZE)
+        console.do("choose", "cboSynchronizeSourceDatabase", "Older")
         self.killed(self.in_call("Older", "spStdSynchronize"), ("click", "cmdSynchronize"))
-        self.comes_back(person, "cmdSynchronize")
+        self.comes_back(console, "cmdSynchronize")
         self.run_again()
-        person.do("click", "cmdSynchronize")
+        console.do("click", "cmdSynchronize")
         self.called("Older", "spStdSynchronize", 2)
-        self.comes_back(person, "cmdSynchronize")
+        self.comes_back(console, "cmdSynchronize")
 
     def upgrade(self):
         """Rename, upgrade and remove; each refreshes the lists at its end, which are empty without a server."""
-        person = self.person
-        person.do("tab", UPGRADE)
-        person.do("choose", "cboRenameDatabase", "Spare")
-        person.do("fill", "edtRenameNewDatabase", "Spare2")
+        console = self.console
+        console.do("tab", UPGRADE)
+        console.do("choose", "cboRenameDatabase", "Spare")
+        console.do("fill", "edtRenameNewDatabase", "Spare2")
         self.killed(self.at("MODIFY NAME"), ("click", "cmdRename"), (REFUSED, LOST))
         self.lists_come_back("cmdRename")
-        person.do("choose", "cboRenameDatabase", "Spare")
-        person.do("click", "cmdRename")
-        self.becomes(lambda: "Spare2" in person.do("items", "cboRenameDatabase"), True)
-        self.comes_back(person, "cmdRename")
+        console.do("choose", "cboRenameDatabase", "Spare")
+        console.do("click", "cmdRename")
+        self.becomes(lambda: "Spare2" in console.do("items", "cboRenameDatabase"), True)
+        self.comes_back(console, "cmdRename")
         self.assertEqual(self.files(self.a), ["Spare2_data.mdf", "Spare2_log.ldf"])
 
-        person.do("choose", "cboUpgradeDatabaseSource", "Older")
-        person.do("fill", "cboUpgradeDatabaseDest", "Newer")
+        console.do("choose", "cboUpgradeDatabaseSource", "Older")
+        console.do("fill", "cboUpgradeDatabaseDest", "Newer")
         self.killed(self.in_call("Newer", "spUpgradeDatabase"), ("click", "cmdUpgrade"), (REFUSED, LOST))
         self.lists_come_back("cmdUpgrade")
-        person.do("choose", "cboUpgradeDatabaseSource", "Older")
-        person.do("click", "cmdUpgrade")
+        console.do("choose", "cboUpgradeDatabaseSource", "Older")
+        console.do("click", "cmdUpgrade")
         self.called("Newer", "spUpgradeDatabase", 2)
-        self.comes_back(person, "cmdUpgrade")
+        self.comes_back(console, "cmdUpgrade")
 
-        person.do("choose", "cboRemoveDatabase", "Spare2")
+        console.do("choose", "cboRemoveDatabase", "Spare2")
         self.killed(self.at("DROP DATABASE"), ("click", "cmdRemove"), (REFUSED, LOST))
         self.lists_come_back("cmdRemove")
-        person.do("choose", "cboRemoveDatabase", "Spare2")
-        person.do("click", "cmdRemove")
-        self.becomes(lambda: "Spare2" in person.do("items", "cboRemoveDatabase"), False)
-        self.comes_back(person, "cmdRemove")
+        console.do("choose", "cboRemoveDatabase", "Spare2")
+        console.do("click", "cmdRemove")
+        self.becomes(lambda: "Spare2" in console.do("items", "cboRemoveDatabase"), False)
+        self.comes_back(console, "cmdRemove")
         self.assertEqual(self.files(self.a), [])
 
     def lists_come_back(self, button):
         """Behind a kill on the Upgrade tab: the button at once, the lists when the server runs and the tab is opened."""
-        self.comes_back(self.person, button)
+        self.comes_back(self.console, button)
         self.items_become("cboRemoveDatabase", [])
         self.run_again()
-        self.person.do("tab", SYNCHRONIZE)
-        self.person.do("tab", UPGRADE)
+        self.console.do("tab", SYNCHRONIZE)
+        self.console.do("tab", UPGRADE)
         self.databases_become("cboRemoveDatabase", True)
 
     def replicate(self):
-        self.person.do("tab", REPLICATION)
+        self.console.do("tab", REPLICATION)
         # The tab asks for the status as well, and the label tells when it has done so.
-        self.becomes(lambda: "activated for" in self.person.text("lblSQLServerReplicationStatus"), True)
+        self.becomes(lambda: "activated for" in self.console.text("lblSQLServerReplicationStatus"), True)
         self.killed(self.at("sysjobs"), ("choose", "cboSQLReplicationDatabase", "Older"))
         self.status_comes_back("not ")
         self.killed(self.in_call("Older", "spInstallReplication"), ("click", "cmdInstallReplication"), (REFUSED, LOST))
         self.status_comes_back("not ")
-        self.person.do("click", "cmdInstallReplication")
+        self.console.do("click", "cmdInstallReplication")
         self.status_becomes("Transaction replication is activated for the SQL Server database 'Older'.")
         self.killed(self.in_call("Older", "spUninstallReplication"), ("click", "cmdUninstallReplication"),
                     (REFUSED, LOST))
         self.status_comes_back("")
-        self.person.do("click", "cmdUninstallReplication")
+        self.console.do("click", "cmdUninstallReplication")
         self.status_becomes("Transaction replication is not activated for the SQL Server database 'Older'.")
 
     def status_becomes(self, text):
-        self.becomes(lambda: self.person.text("lblSQLServerReplicationStatus"), text)
+        self.becomes(lambda: self.console.text("lblSQLServerReplicationStatus"), text)
 
     def status_comes_back(self, word):
         """Behind a kill on the Replication tab: no button can be used before the status is known again."""
-        person = self.person
+        console = self.console
         self.status_becomes("Replication status for database 'Older' could not be retieved from the SQL Server!")
         self.cannot_be_used("cmdInstallReplication")
         self.cannot_be_used("cmdUninstallReplication")
         self.run_again()
         for database in ("Newer", "Older"):
-            person.do("choose", "cboSQLReplicationDatabase", database)
+            console.do("choose", "cboSQLReplicationDatabase", database)
             self.status_becomes(f"Transaction replication is {word}activated for the SQL Server database '{database}'.")
 
     def list_databases(self, tab, option, combo):
         """On a tab whose list of databases follows the choice of a server."""
-        person = self.person
-        person.do("tab", tab)
+        console = self.console
+        console.do("tab", tab)
         self.databases_become(combo, True)
-        person.do("click", option + ".1")
+        console.do("click", option + ".1")
         self.databases_become(combo, False)
         self.killed(self.at("sp_helpdb"), ("click", option + ".0"))
         self.items_become(combo, [])
         self.run_again()
-        person.do("click", option + ".1")
-        self.becomes(lambda: "master" in person.do("items", combo), True)
-        person.do("click", option + ".0")
+        console.do("click", option + ".1")
+        self.becomes(lambda: "master" in console.do("items", combo), True)
+        console.do("click", option + ".0")
         self.databases_become(combo, True)
 
     def view_data(self):
-        person = self.person
+        console = self.console
         self.list_databases(VIEW_DATA, "optViewDataCurrentServer", "cboViewDataDatabase")
         self.killed(self.at("INFORMATION_SCHEMA"), ("choose", "cboViewDataDatabase", "Older"))
         self.items_become("lstViewDataTables", [])
         self.cannot_be_used("lstViewDataTables")
         self.run_again()
         for database, tables in (("Newer", ["LKConfig", "Calls", "Last"]), ("Older", ["LKConfig", "Calls"])):
-            person.do("choose", "cboViewDataDatabase", database)
+            console.do("choose", "cboViewDataDatabase", database)
             self.items_become("lstViewDataTables", tables)
-        self.becomes(lambda: person.can_use("lvwViewData"), True)
+        self.becomes(lambda: console.can_use("lvwViewData"), True)
         self.killed(self.at("SELECT * FROM Calls"), ("choose", "lstViewDataTables", "Calls"))
-        self.becomes(lambda: person.do("headers", "lvwViewData"), [])
+        self.becomes(lambda: console.do("headers", "lvwViewData"), [])
         self.cannot_be_used("lvwViewData")
         self.run_again()
         for table, headers in (("LKConfig", ["ParameterName", "Value"]), ("Calls", ["Name"])):
-            person.do("choose", "lstViewDataTables", table)
-            self.becomes(lambda: person.do("headers", "lvwViewData"), headers)
-            self.becomes(lambda: person.can_use("lvwViewData"), True)
-        self.becomes(lambda: person.row(0), ["spStdSynchronize"])
+            console.do("choose", "lstViewDataTables", table)
+            self.becomes(lambda: console.do("headers", "lvwViewData"), headers)
+            self.becomes(lambda: console.can_use("lvwViewData"), True)
+        self.becomes(lambda: console.row(0), ["spStdSynchronize"])
 
     def run_procedures(self):
-        person = self.person
+        console = self.console
         self.list_databases(STORED_PROC, "optStoredProcCurrentServer", "cboStoredProcDatabase")
         self.killed(self.at("sp_stored_procedures"), ("choose", "cboStoredProcDatabase", "Older"))
         self.items_become("cboStoredProcedure", [])
         self.cannot_be_used("cboStoredProcedure")
         self.run_again()
         for database, last in (("Newer", "spUpgradeDatabase"), ("Older", "spUninstallReplication")):
-            person.do("choose", "cboStoredProcDatabase", database)
-            self.becomes(lambda: person.do("items", "cboStoredProcedure")[-1:], [last])
+            console.do("choose", "cboStoredProcDatabase", database)
+            self.becomes(lambda: console.do("items", "cboStoredProcedure")[-1:], [last])
         self.killed(self.at("sp_helptext 'spStdSynchronize'"), ("choose", "cboStoredProcedure", "spStdSynchronize"))
-        self.becomes(lambda: person.text("edtStoredProcedure"), "")
+        self.becomes(lambda: console.text("edtStoredProcedure"), "")
         self.run_again()
-        person.do("choose", "cboStoredProcedure", "spEndless")
-        self.becomes(lambda: "CREATE PROCEDURE spEndless" in person.text("edtStoredProcedure"), True)
+        console.do("choose", "cboStoredProcedure", "spEndless")
+        self.becomes(lambda: "CREATE PROCEDURE spEndless" in console.text("edtStoredProcedure"), True)
         self.run_in_dialog()
 
     def run_in_dialog(self):
-        person = self.person
+        console = self.console
         self.killed(self.at("sp_sproc_columns"), ("click", "cmdExecute"))
-        person.do("form", "dialog")
+        console.do("form", "dialog")
         self.parameters_come_back()
         self.killed(self.at("sp_sproc_columns"), ("click", "cmdReload"))
         self.parameters_come_back()
         self.killed(self.in_call("Older", "spEndless"), ("click", "cmdExecute"))
         self.cannot_be_used("lvwViewData")
-        self.comes_back(person, "cmdExecute")
+        self.comes_back(console, "cmdExecute")
         self.run_again()
-        person.do("click", "cmdExecute")
-        self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
-        self.becomes(lambda: person.can_use("lvwViewData"), True)
-        self.becomes(lambda: person.row(0), ["ended"])
-        person.do("click", "cmdClose")
-        person.do("form", "main")
+        console.do("click", "cmdExecute")
+        self.becomes(lambda: console.do("rows", "lvwViewData"), ["1"])
+        self.becomes(lambda: console.can_use("lvwViewData"), True)
+        self.becomes(lambda: console.row(0), ["ended"])
+        console.do("click", "cmdClose")
+        console.do("form", "main")
 
     def parameters_come_back(self):
         self.items_become("lstParameters", [])
         self.cannot_be_used("lstParameters")
         self.run_again()
-        self.person.do("click", "cmdReload")
+        self.console.do("click", "cmdReload")
         self.items_become("lstParameters", ["@RETURN_VALUE"])
 
 
 if __name__ == "__main__":
-    ConsoleKill.dev_server, ConsoleKill.binaries = map(os.path.abspath, sys.argv[1:3])
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    main(ConsoleKill)

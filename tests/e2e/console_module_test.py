@@ -74,7 +74,7 @@ class OnAScreen(unittest.TestCase):
         line = f'"$0" "$@" & program=$!; {script}; wait $program'
         environment = self.machine.environment | {
             "LSAN_OPTIONS": f"suppressions={TOP}/tests/leaks_of_others.txt:print_suppressions=0"}
-        run = subprocess.run([os.path.join(TOP, "tests", "with-screen"), "bash", "-c", line, self.machine.program, *arguments],
+        run = subprocess.run([os.path.join(TOP, "tests", "with-screen"), "--no-wine", "bash", "-c", line, self.machine.program, *arguments],
                              env=environment, cwd=self.machine.install, stdin=subprocess.DEVNULL, capture_output=True,
                              text=True, timeout=300)
         self.assertEqual(run.returncode, 0, run.stderr)

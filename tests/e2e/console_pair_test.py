@@ -2,12 +2,9 @@
 # the servers, in their files and in the log afterwards.
 #
 #   console_pair_test.py DEVSQLSERVER BIN_FOLDER
-import os
-import sys
 import time
-import unittest
 
-from console_automation import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest
+from console_automation import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest, main
 from test_machine import wait_for
 
 FIRST_BATCH = "EXEC dbo.spStartBatch N'B-1', 1, 1, 500, 'A-17', N'Müller', 2"
@@ -40,86 +37,86 @@ class ConsolePair(ConsoleTest):
         self.install(self.a, "v1")
         self.a.ask(FIRST_BATCH, "Batch")
         self.install(self.b, "v2")
-        person = self.at_the_console()
-        person.picture("pair-general")
+        console = self.open_console()
+        console.picture("pair-general")
 
         with self.subTest("rename"):
-            person.do("tab", UPGRADE)
-            person.do("choose", "cboRenameDatabase", "Batch")
-            person.do("fill", "edtRenameNewDatabase", "Batch")
-            person.do("click", "cmdRename")
-            self.assertEqual(person.do("box"), ["KVLSQLDbMgr", "The database 'Batch' already exist!"])
-            person.picture("pair-rename-refused")
-            person.do("answer")
-            self.comes_back(person, "cmdRename")
-            person.do("fill", "edtRenameNewDatabase", "BatchOld")
-            person.do("click", "cmdRename")
-            self.becomes(lambda: "BatchOld" in person.do("items", "cboRenameDatabase"), True)
-            self.comes_back(person, "cmdRename")
-            self.assertNotIn("Batch", person.do("items", "cboRemoveDatabase"))
+            console.do("tab", UPGRADE)
+            console.do("choose", "cboRenameDatabase", "Batch")
+            console.do("fill", "edtRenameNewDatabase", "Batch")
+            console.do("click", "cmdRename")
+            self.assertEqual(console.do("box"), ["KVLSQLDbMgr", "The database 'Batch' already exist!"])
+            console.picture("pair-rename-refused")
+            console.do("answer")
+            self.comes_back(console, "cmdRename")
+            console.do("fill", "edtRenameNewDatabase", "BatchOld")
+            console.do("click", "cmdRename")
+            self.becomes(lambda: "BatchOld" in console.do("items", "cboRenameDatabase"), True)
+            self.comes_back(console, "cmdRename")
+            self.assertNotIn("Batch", console.do("items", "cboRemoveDatabase"))
             self.assertEqual(self.files(self.a), ["BatchOld_data.mdf", "BatchOld_log.ldf"])
 
         with self.subTest("upgrade"):
             self.install(self.a, "v2")
-            person.do("tab", SYNCHRONIZE)
-            person.do("tab", UPGRADE)
-            person.do("choose", "cboUpgradeDatabaseSource", "BatchOld")
-            person.do("fill", "cboUpgradeDatabaseDest", "Batch")
-            person.picture("pair-upgrade")
-            person.do("click", "cmdUpgrade")
+            console.do("tab", SYNCHRONIZE)
+            console.do("tab", UPGRADE)
+            console.do("choose", "cboUpgradeDatabaseSource", "BatchOld")
+            console.do("fill", "cboUpgradeDatabaseDest", "Batch")
+            console.picture("pair-upgrade")
+            console.do("click", "cmdUpgrade")
             wait_for(lambda: self.a.column("SELECT BatchName FROM dbo.Batches", "Batch") == ["B-1"], LONGEST)
-            self.comes_back(person, "cmdUpgrade")
+            self.comes_back(console, "cmdUpgrade")
 
         with self.subTest("remove"):
-            person.do("choose", "cboRemoveDatabase", "BatchOld")
-            person.do("click", "cmdRemove")
-            self.becomes(lambda: "BatchOld" in person.do("items", "cboRemoveDatabase"), False)
-            self.comes_back(person, "cmdRemove")
+            console.do("choose", "cboRemoveDatabase", "BatchOld")
+            console.do("click", "cmdRemove")
+            self.becomes(lambda: "BatchOld" in console.do("items", "cboRemoveDatabase"), False)
+            self.comes_back(console, "cmdRemove")
             self.assertEqual(self.files(self.a), ["Batch_data.mdf", "Batch_log.ldf"])
 
         with self.subTest("remove by a double click"):
-            self.remove_by_double_clicks(person)
+            self.remove_by_double_clicks(console)
 
         with self.subTest("synchronise"):
-            person.do("tab", SYNCHRONIZE)
+            console.do("tab", SYNCHRONIZE)
             for box in ("cboSynchronizeSourceDatabase", "cboSynchronizeDestDatabase"):
-                person.do("choose", box, "Batch")
-            person.picture("pair-synchronize")
-            person.do("click", "cmdSynchronize")
+                console.do("choose", box, "Batch")
+            console.picture("pair-synchronize")
+            console.do("click", "cmdSynchronize")
             wait_for(lambda: self.b.column("SELECT BatchName FROM dbo.Batches", "Batch") == ["B-1"], LONGEST)
-            self.comes_back(person, "cmdSynchronize")
+            self.comes_back(console, "cmdSynchronize")
             self.b.ask("UPDATE dbo.Batches SET BatchName = N'B-1 of B'", "Batch")
-            person.do("click", "optSynchronizeSourceServer.1")
-            self.becomes(lambda: person.do("checked", "optSynchronizeSourceServer.1"), ["yes"])
-            person.do("click", "cmdSynchronize")
+            console.do("click", "optSynchronizeSourceServer.1")
+            self.becomes(lambda: console.do("checked", "optSynchronizeSourceServer.1"), ["yes"])
+            console.do("click", "cmdSynchronize")
             wait_for(lambda: self.a.column("SELECT BatchName FROM dbo.Batches", "Batch") == ["B-1 of B"], LONGEST)
-            self.comes_back(person, "cmdSynchronize")
-            self.becomes(lambda: person.text("lblStatus"), "")
+            self.comes_back(console, "cmdSynchronize")
+            self.becomes(lambda: console.text("lblStatus"), "")
 
         with self.subTest("replication"):
             on, off = ("Transaction replication is %sactivated for the SQL Server database 'Batch'." % word
                        for word in ("", "not "))
-            person.do("tab", REPLICATION)
-            person.do("choose", "cboSQLReplicationDatabase", "Batch")
-            self.becomes(lambda: person.text("lblSQLServerReplicationStatus"), off)
-            self.assertFalse(person.can_use("cmdUninstallReplication"))
-            person.do("click", "cmdInstallReplication")
-            self.becomes(lambda: person.text("lblSQLServerReplicationStatus"), on)
-            self.assertFalse(person.can_use("cmdInstallReplication"))
-            person.picture("pair-replication")
+            console.do("tab", REPLICATION)
+            console.do("choose", "cboSQLReplicationDatabase", "Batch")
+            self.becomes(lambda: console.text("lblSQLServerReplicationStatus"), off)
+            self.assertFalse(console.can_use("cmdUninstallReplication"))
+            console.do("click", "cmdInstallReplication")
+            self.becomes(lambda: console.text("lblSQLServerReplicationStatus"), on)
+            self.assertFalse(console.can_use("cmdInstallReplication"))
+            console.picture("pair-replication")
             self.assertIn("LKUser", self.a.column("SELECT name FROM dbo.sysarticles", "Batch"))
-            person.do("click", "cmdUninstallReplication")
-            self.becomes(lambda: person.text("lblSQLServerReplicationStatus"), off)
+            console.do("click", "cmdUninstallReplication")
+            self.becomes(lambda: console.text("lblSQLServerReplicationStatus"), off)
             self.assertEqual(self.a.ask("SELECT name FROM dbo.syspublications", "Batch"), [])
-            person.do("click", "chkUseSQLServerReplication")
-            self.becomes(lambda: person.do("checked", "chkUseSQLServerReplication"), ["yes"])
-            person.do("tab", UPGRADE)
-            person.do("tab", REPLICATION)
-            self.becomes(lambda: person.do("checked", "chkUseSQLServerReplication"), ["yes"])
-        person.close()
-        self.assertEqual(self.told(), [])
+            console.do("click", "chkUseSQLServerReplication")
+            self.becomes(lambda: console.do("checked", "chkUseSQLServerReplication"), ["yes"])
+            console.do("tab", UPGRADE)
+            console.do("tab", REPLICATION)
+            self.becomes(lambda: console.do("checked", "chkUseSQLServerReplication"), ["yes"])
+        console.close()
+        self.assertEqual(self.log(), [])
 
-    def remove_by_double_clicks(self, person):
+    def remove_by_double_clicks(self, console):
         """Of three databases the one that is chosen goes, and no other one with it."""
         names = ("Alpha", "Beta", "Gamma")
 
@@ -130,24 +127,24 @@ class ConsolePair(ConsoleTest):
             if not intervals:
                 break
             self.prepare([f"CREATE DATABASE [{name}]" for name in names if name not in there()])
-            person.do("tab", UPGRADE)  # a click on the active tab reads the lists anew
-            person.do("choose", "cboRemoveDatabase", "Beta")
-            took = int(person.do("twice", "cmdRemove", intervals[0])[0])
-            self.becomes(lambda: "Beta" in person.do("items", "cboRemoveDatabase"), False)
-            self.comes_back(person, "cmdRemove")
+            console.do("tab", UPGRADE)  # a click on the active tab reads the lists anew
+            console.do("choose", "cboRemoveDatabase", "Beta")
+            took = int(console.do("twice", "cmdRemove", intervals[0])[0])
+            self.becomes(lambda: "Beta" in console.do("items", "cboRemoveDatabase"), False)
+            self.comes_back(console, "cmdRemove")
             time.sleep(1)  # whatever a second click would do
             if took < 470:  # else the machine was too busy for a double click, which is one within 500 ms
                 self.assertEqual(there(), ["Alpha", "Gamma"], f"{intervals.pop(0)} ms between the clicks")
         self.assertEqual(intervals, [])
         self.prepare([f"DROP DATABASE [{name}]" for name in there()])
-        person.do("tab", UPGRADE)
+        console.do("tab", UPGRADE)
 
     def test_BrowsesTablesAndRunsProcedures(self):
         self.prepare(PROBE)
-        person = self.at_the_console()
-        person.do("tab", VIEW_DATA)
-        person.do("choose", "cboViewDataDatabase", "Probe")
-        self.becomes(lambda: person.do("items", "lstViewDataTables"),
+        console = self.open_console()
+        console.do("tab", VIEW_DATA)
+        console.do("choose", "cboViewDataDatabase", "Probe")
+        self.becomes(lambda: console.do("items", "lstViewDataTables"),
                      ["Marked", "NoRows", "Rows32768", "Rows32767", "Rows32766"])
         for table, headers, rows, usable in (("Rows32767", ["Number"], 32767, False),
                                              ("NoRows", ["Code", "Meaning"], 0, True),
@@ -155,98 +152,97 @@ class ConsolePair(ConsoleTest):
                                              ("Rows32768", ["Number"], 0, False),
                                              ("Marked", ["Name", "Number *", "Remark"], 2, True)):
             with self.subTest(table):
-                person.do("choose", "lstViewDataTables", table)
-                self.becomes(lambda: (person.do("headers", "lvwViewData"), person.do("rows", "lvwViewData"),
-                                      person.can_use("lvwViewData")), (headers, [str(rows)], usable))
-                person.picture("pair-view-" + table)
+                console.do("choose", "lstViewDataTables", table)
+                self.becomes(lambda: (console.do("headers", "lvwViewData"), console.do("rows", "lvwViewData"),
+                                      console.can_use("lvwViewData")), (headers, [str(rows)], usable))
+                console.picture("pair-view-" + table)
                 if table == "Rows32766":
-                    self.becomes(lambda: person.row(32765), ["32766"])
-        self.becomes(lambda: [person.row(number) for number in (0, 1)],
+                    self.becomes(lambda: console.row(32765), ["32766"])
+        self.becomes(lambda: [console.row(number) for number in (0, 1)],
                      [["Müller", "1", "first"], ["(Null)", "2", "(Null)"]])
-        self.assertEqual([line.split("lstViewDataTables_Click")[0] for line in self.told()],
+        self.assertEqual([line.split("lstViewDataTables_Click")[0] for line in self.log()],
                          [" : Error in frmMain::"] * 2)
-        self.run_procedures(person)
-        person.close()
+        self.run_procedures(console)
+        console.close()
 
-    def run_procedures(self, person):
-        person.do("tab", STORED_PROC)
-        person.do("choose", "cboStoredProcDatabase", "Probe")
-        self.becomes(lambda: person.do("items", "cboStoredProcedure"),
+    def run_procedures(self, console):
+        console.do("tab", STORED_PROC)
+        console.do("choose", "cboStoredProcDatabase", "Probe")
+        self.becomes(lambda: console.do("items", "cboStoredProcedure"),
                      ["spDirections", "spEqualNames", "spFails", "spNothing", "spRowsAndError"])
-        self.becomes(lambda: "SET @Double = @Double * 2" in person.text("edtStoredProcedure"), True)
-        person.picture("pair-stored-proc")
+        self.becomes(lambda: "SET @Double = @Double * 2" in console.text("edtStoredProcedure"), True)
+        console.picture("pair-stored-proc")
         with self.subTest("directions"):
-            self.run_with_parameters(person)
+            self.run_with_parameters(console)
         # The rows of the first result; what comes in a box; whether the list can be used.
         for name, headers, row, message in (("spEqualNames", ["Same", "Same", ""], ["1", "2", "3"], None),
                                             ("spFails", [], None, "The valve is stuck."),
                                             ("spNothing", [], None, None),
                                             ("spRowsAndError", ["One"], ["1"], "Behind the rows.")):
             with self.subTest(name):
-                self.open_dialog(person, name)
-                person.do("click", "cmdExecute")
+                self.open_dialog(console, name)
+                console.do("click", "cmdExecute")
                 if message:
-                    title, text = person.do("box")
+                    title, text = console.do("box")
                     self.assertIn(message, text)
-                    person.picture("pair-box-" + name)
-                    person.do("answer")
-                self.becomes(lambda: person.do("headers", "lvwViewData"), headers)
-                self.becomes(lambda: person.can_use("lvwViewData"), row is not None)
+                    console.picture("pair-box-" + name)
+                    console.do("answer")
+                self.becomes(lambda: console.do("headers", "lvwViewData"), headers)
+                self.becomes(lambda: console.can_use("lvwViewData"), row is not None)
                 if name == "spNothing":  # nothing shows that it ran but the log, which tells of a missing result
-                    self.becomes(lambda: any("'spNothing')" in line for line in self.told()), True)
+                    self.becomes(lambda: any("'spNothing')" in line for line in self.log()), True)
                 if row:
-                    self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
-                    self.becomes(lambda: person.row(0), row)
-                person.picture("pair-dialog-" + name)
-                person.do("click", "cmdClose")
-                person.do("form", "main")
+                    self.becomes(lambda: console.do("rows", "lvwViewData"), ["1"])
+                    self.becomes(lambda: console.row(0), row)
+                console.picture("pair-dialog-" + name)
+                console.do("click", "cmdClose")
+                console.do("form", "main")
 
-    def open_dialog(self, person, name):
-        person.do("choose", "cboStoredProcedure", name)
-        self.becomes(lambda: name in person.text("edtStoredProcedure"), True)
-        person.do("click", "cmdExecute")
-        self.assertEqual(person.do("form", "dialog"), [f"Run {name} in [Probe]"])
+    def open_dialog(self, console, name):
+        console.do("choose", "cboStoredProcedure", name)
+        self.becomes(lambda: name in console.text("edtStoredProcedure"), True)
+        console.do("click", "cmdExecute")
+        self.assertEqual(console.do("form", "dialog"), [f"Run {name} in [Probe]"])
 
-    def run_with_parameters(self, person):
-        self.open_dialog(person, "spDirections")
-        self.becomes(lambda: person.text("edtDirection"), "Return value")
-        parameters = person.do("items", "lstParameters")
+    def run_with_parameters(self, console):
+        self.open_dialog(console, "spDirections")
+        self.becomes(lambda: console.text("edtDirection"), "Return value")
+        parameters = console.do("items", "lstParameters")
         self.assertEqual(parameters[1:], ["@In", "@Text", "@Double"])
         for name, direction, kind, value in (("@In", "Input", "Integer", "12"),
                                              ("@Text", "Input", "VarWChar", "Valve 3"),
                                              ("@Double", "Input/Output", "Integer", "21")):
-            person.do("choose", "lstParameters", name)
-            self.becomes(lambda: (person.text("edtDirection"), person.text("edtDataType")), (direction, kind))
-            person.do("fill", "edtValue", value)
+            console.do("choose", "lstParameters", name)
+            self.becomes(lambda: (console.text("edtDirection"), console.text("edtDataType")), (direction, kind))
+            console.do("fill", "edtValue", value)
         # Choosing another one takes over what the box holds: done now, it does not hide what comes back of the call.
-        person.do("choose", "lstParameters", parameters[0])
-        self.becomes(lambda: person.text("edtDirection"), "Return value")
-        person.do("click", "cmdExecute")
-        self.becomes(lambda: person.do("rows", "lvwViewData"), ["1"])
-        self.assertEqual(person.do("headers", "lvwViewData"), ["Given", "Said", "Doubled"])
-        self.becomes(lambda: person.row(0), ["12", "Valve 3", "42"])
+        console.do("choose", "lstParameters", parameters[0])
+        self.becomes(lambda: console.text("edtDirection"), "Return value")
+        console.do("click", "cmdExecute")
+        self.becomes(lambda: console.do("rows", "lvwViewData"), ["1"])
+        self.assertEqual(console.do("headers", "lvwViewData"), ["Given", "Said", "Doubled"])
+        self.becomes(lambda: console.row(0), ["12", "Valve 3", "42"])
         # What came out of the call is seen, and goes into the next one with what was put in.
         for name, direction, value in (("@Double", "Input/Output", "42"), (parameters[0], "Return value", "7")):
-            person.do("choose", "lstParameters", name)
-            self.becomes(lambda: (person.text("edtDirection"), person.text("edtValue")), (direction, value))
-        person.do("click", "cmdExecute")
-        self.becomes(lambda: person.row(0), ["12", "Valve 3", "84"])
+            console.do("choose", "lstParameters", name)
+            self.becomes(lambda: (console.text("edtDirection"), console.text("edtValue")), (direction, value))
+        console.do("click", "cmdExecute")
+        self.becomes(lambda: console.row(0), ["12", "Valve 3", "84"])
         # A value that does not fit is refused in a box, and nothing is shown of a call.
-        person.do("choose", "lstParameters", "@In")
-        self.becomes(lambda: person.text("edtValue"), "12")
-        person.do("fill", "edtValue", "5.7")
-        person.do("choose", "lstParameters", parameters[0])
-        self.becomes(lambda: person.text("edtDirection"), "Return value")
-        person.do("click", "cmdExecute")
-        self.assertIn("The value '5.7' cannot be given to the parameter @In of the type int", person.do("box")[1])
-        person.picture("pair-box-refused")
-        person.do("answer")
-        self.becomes(lambda: person.can_use("lvwViewData"), False)
-        person.picture("pair-dialog")
-        person.do("click", "cmdClose")
-        person.do("form", "main")
+        console.do("choose", "lstParameters", "@In")
+        self.becomes(lambda: console.text("edtValue"), "12")
+        console.do("fill", "edtValue", "5.7")
+        console.do("choose", "lstParameters", parameters[0])
+        self.becomes(lambda: console.text("edtDirection"), "Return value")
+        console.do("click", "cmdExecute")
+        self.assertIn("The value '5.7' cannot be given to the parameter @In of the type int", console.do("box")[1])
+        console.picture("pair-box-refused")
+        console.do("answer")
+        self.becomes(lambda: console.can_use("lvwViewData"), False)
+        console.picture("pair-dialog")
+        console.do("click", "cmdClose")
+        console.do("form", "main")
 
 
 if __name__ == "__main__":
-    ConsolePair.dev_server, ConsolePair.binaries = map(os.path.abspath, sys.argv[1:3])
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:], failfast=True)  # what follows a failure would wait in vain
+    main(ConsolePair, failfast=True)  # what follows a failure would wait in vain)

@@ -1,68 +1,85 @@
-# The whole way through the console by clicks alone, on a screen under Wine, and what stands on the server afterwards.
+# An operator who installs everything by clicks and keys: fetches the local settings, picks the script folder, runs all
+# scripts and packages, lists the packages. Then what is on the server, in the folders and in the log.
 #
-#   console_walk_test.py DEVSQLSERVER BIN_FOLDER
-#
-# With KV_PICTURES set to a folder, pictures of the first two tabs are put there.
-import glob
+#   console_walk_test.py DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]
 import os
 import shlex
 import shutil
-import sys
-import unittest
 
-from console_automation import keep_picture, run_on_screen
-from test_machine import PACKAGES, PASSWORD, TEMPLATES, RUNNER, TOP, USER, DevServer, Machine, fresh_folder, set_up
+from console_automation import SCRIPT, ConsoleTest, main
+from test_machine import PACKAGES, PASSWORD, TEMPLATES, TOP, USER, set_up
+
+SCRIPTS = ("chkCreateInstallBatchDatabase", "chkCreateInstallBatchStoredProcedures", "chkCreateInstallBatchDefaultData")
+PACKAGE_BOXES = ("chkStandardSynchronize", "chkUpgradeDatabaseV1ToV2", "chkBatchOverviewExport",
+                 "chkBatchOverviewRecalcExport", "chkBatchSummaryExport", "chkBatchSummaryRecalcExport")
 
 
-class ConsoleWalk(unittest.TestCase):
-    dev_server = binaries = None
-
-    def setUp(self):
-        self.folder = fresh_folder()
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
-        self.machine = Machine(self.binaries, os.path.join(self.folder, "machine"), wine=True, screen=True)
-        self.server = DevServer(self.dev_server, os.path.join(self.folder, "server"), self.machine.drives()).start()
-        self.addCleanup(self.server.stop)
-
-    def walk(self):
-        """Everything that needs the screen's prefix, in one run: registry, classes, the walk, the classes' end."""
+class ConsoleWalk(ConsoleTest):
+    def open_walk(self):
+        """The console, and the folder of the scripts as it is typed."""
         machine = self.machine
-        library = machine.native(os.path.join(self.binaries, "dts_com_server.dll"))
+        if not self.wine:
+            return self.open(), machine.scripts
         # Wine's tree of folders opens at a folder of the drive C:, and of the drive Z: at its root alone.
         name = os.path.basename(self.folder)
         scripts = os.path.join(os.environ.get("WINEPREFIX", os.path.join(TOP, "build", "wine-screen")), "drive_c", name)
         self.addCleanup(shutil.rmtree, scripts, ignore_errors=True)
-        walk = [RUNNER, os.path.join(self.binaries, "console_walk.exe"), machine.native(machine.program), self.server.name,
-                machine.native(machine.data), "C:\\" + name]
-        if os.environ.get("KV_PICTURES"):
-            walk.append(machine.native(self.folder))
-        copy = shlex.join(["cp", "-r", machine.scripts, scripts])
-        command = set_up(("regsvr32", "/s", library)) + " && " + copy
-        command += " && " + shlex.join(walk) + "; walked=$?; "
-        command += set_up(("regsvr32", "/s", "/u", library)) + "; exit $walked"
-        walked = run_on_screen(machine, machine.with_registry(f"( {command} )"), 600)
-        for bitmap in glob.glob(os.path.join(self.folder, "*.bmp")):
-            keep_picture(bitmap, os.path.basename(bitmap)[:-len(".bmp")])
-        return walked
+        library = machine.native(os.path.join(self.binaries, "dts_com_server.dll"))
+        before = set_up(("regsvr32", "/s", library)) + " && " + shlex.join(["cp", "-r", machine.scripts, scripts])
+        return self.open(before, set_up(("regsvr32", "/s", "/u", library))), "C:\\" + name
 
     def test_installs_everything_by_clicks(self):
         # Packages can be chosen by hand below version 12 alone.
-        self.machine.set_registry(version="9.00.1399.06", login=(self.server.name, USER, PASSWORD))
-        walked = self.walk()
-        left = {name: self.machine.output(name) for name in TEMPLATES if name + ".txt" in self.machine.data_files()}
-        self.assertEqual(walked.returncode, 0, "\n".join([walked.stdout, walked.stderr, *self.machine.log_lines(),
-                                                          str(left)[-2000:]]))
-        self.assertIn("Batch", self.server.column("SELECT name FROM master.dbo.sysdatabases"))
-        self.assertIn("DatabaseVersion", self.server.column("SELECT ParameterName FROM Batch.dbo.LKConfig"))
-        self.assertEqual(sorted(set(self.server.column("SELECT name FROM msdb.dbo.sysdtspackages"))), sorted(PACKAGES))
+        self.machine.set_registry(version="9.00.1399.06", login=(self.a.name, USER, PASSWORD))
+        console, scripts = self.open_walk()
+        self.fetch_settings(console)
+        self.pick_script_folder(console, scripts)
+        self.install_all(console)
+        console.do("click", "cmdGetInstalledPackages")
+        listed = console.do("box")[1]
+        console.do("answer")
+        console.close()
         for name in PACKAGES:
-            self.assertIn(name, walked.stdout)
+            self.assertIn(name, listed)
+        self.assertIn("Batch", self.a.column("SELECT name FROM master.dbo.sysdatabases"))
+        self.assertIn("DatabaseVersion", self.a.column("SELECT ParameterName FROM Batch.dbo.LKConfig"))
+        self.assertEqual(sorted(set(self.a.column("SELECT name FROM msdb.dbo.sysdtspackages"))), sorted(PACKAGES))
         for name in TEMPLATES:
             self.assertIn(name + ".txt", self.machine.data_files())
             self.assertNotRegex(self.machine.output(name), r"Msg \d+, Level 1[1-9]")
         self.assertEqual(self.machine.log_lines(), [])
 
+    def fetch_settings(self, console):
+        console.do("click", "cmdGetLocalSettings")
+        self.becomes(lambda: console.text("edtServerName.0"), self.a.name)
+        # The box of the data path gets the focus with its text selected: typing is enough.
+        self.becomes(lambda: console.do("focus", "edtSQLDataPath.0"), ["yes"])
+        folder = self.machine.native(self.data[self.a])
+        console.do("type", folder)
+        self.becomes(lambda: console.text("edtSQLDataPath.0"), folder)
+
+    def pick_script_folder(self, console, folder):
+        console.do("fill", "edtScriptFolder", folder)
+        console.do("click", "cmdBrowseForScriptFolder")
+        name = folder.replace("\\", "/").rpartition("/")[2]
+        self.becomes(lambda: console.do("folder"), [name])  # it opens at the folder that is typed
+        console.do("pick")
+        self.becomes(lambda: console.text("edtScriptFolder"), folder)
+
+    def install_all(self, console):
+        console.do("press", "Control+Tab")
+        self.becomes(lambda: console.is_open(SCRIPT), True)
+        for box in SCRIPTS + PACKAGE_BOXES:
+            console.do("click", box)
+            self.becomes(lambda: console.do("checked", box), ["yes"])
+        console.do("click", "optCreateInstallScriptFiles.1")
+        self.becomes(lambda: console.do("checked", "optCreateInstallScriptFiles.1"), ["yes"])
+        console.do("click", "cmdCreateInstall")
+        console.do("await", "lblStatus", "Installation completed...")
+        console.picture("console-script")
+        self.comes_back(console, "cmdCreateInstall")
+        self.becomes(lambda: console.text("lblStatus"), "")
+
 
 if __name__ == "__main__":
-    ConsoleWalk.dev_server, ConsoleWalk.binaries = map(os.path.abspath, sys.argv[1:3])
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    main(ConsoleWalk)

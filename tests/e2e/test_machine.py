@@ -201,6 +201,17 @@ class Machine:
         end = set_up(("regedit.exe", "/S", self.native(self.forget_file)))
         return f"{begin} && {{ {command}; }}; ended=$?; {{ {end}; }} < /dev/null; exit $ended"
 
+    def add_to_registry(self, text):
+        """More keys, in the form of a REGEDIT4 file without its first line. Under Wine for runs on a screen alone."""
+        if self.wine:
+            path = os.path.join(self.folder, f"more{len(self.registry_files)}.reg")
+            self.registry_files += (path,)
+            text = "REGEDIT4\n\n" + text
+        else:
+            path = self.registry_files[0]
+        with open(path, "a", encoding="utf-8") as file:
+            file.write(text)
+
     def forget_registry(self):
         """Leaves the prefix for runs without a screen as it was."""
         if self.wine and not self.screen:
@@ -222,6 +233,15 @@ class Machine:
         environment = dict(self.environment, HOME=os.environ.get("HOME", "/root"))
         return environment
 
+    def environment_on_screen(self):
+        """For tests/with-screen and what runs on its screen."""
+        environment = self.wine_environment() if self.wine else dict(self.environment)
+        suppressions = os.path.join(TOP, "tests", "leaks_of_others.txt")
+        environment["LSAN_OPTIONS"] = f"suppressions={suppressions}:print_suppressions=0"
+        if "KV_SCREEN" in os.environ:
+            environment["DISPLAY"] = os.environ["DISPLAY"]
+        return environment
+
     def run(self, *arguments, timeout=300, **how):
         """Runs the program unattended to its end and returns what it wrote to the terminal. `how` goes to
         subprocess.run, on Linux alone."""
@@ -238,12 +258,9 @@ class Machine:
     def on_a_screen(self, *arguments):
         """As run(), with a screen; under Wine alone, where runs with a screen have a registry of their own."""
         command = self.with_registry(shlex.join([RUNNER, self.program, *arguments]))
-        environment = self.wine_environment()
-        if "KV_SCREEN" in os.environ:
-            environment["DISPLAY"] = os.environ["DISPLAY"]
-        return subprocess.run([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command], env=environment,
-                              stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", timeout=600,
-                              cwd=self.install).stderr
+        return subprocess.run([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command],
+                              env=self.environment_on_screen(), stdin=subprocess.DEVNULL, capture_output=True,
+                              text=True, errors="replace", timeout=600, cwd=self.install).stderr
 
     def start(self, *arguments):
         command = [self.program, *arguments]

@@ -84,8 +84,11 @@ void NativeForm::ListenToComboBox(NativeControl& native) {
 
 void NativeForm::ListenToListBox(NativeControl& native) {
     auto* widget = static_cast<QListWidget*>(native.widget);
-    QObject::connect(widget, &QListWidget::currentRowChanged, widget, [this, &native](int row) {
+    QObject::connect(widget, &QListWidget::currentRowChanged, widget, [this, widget, &native](int row) {
         Report([&] {
+            // Of a click Qt reports the current row before it selects it, and the handler may run for long.
+            widget->selectionModel()->select(widget->currentIndex(), QItemSelectionModel::ClearAndSelect);
+            widget->viewport()->repaint();
             Stale(native, Property::ListIndex);
             Choose(static_cast<ListBox&>(*native.control), row);
         });

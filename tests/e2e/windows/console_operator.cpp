@@ -1,7 +1,7 @@
-// An operator at the console who does what it is told: reads orders, one a line, carries them out by mouse
-// and keyboard alone and answers each with one line, "= " and what was seen or "! " and what was not so. What
-// to do and what must come of it is the affair of console_pair_test.py; the servers are none of this
-// program's.
+// Works at the console under Wine as an operator does: reads orders, one a line, carries them out by mouse
+// and keyboard, and answers each with one line: "= " and what was seen, or "! " and what went wrong.
+// linux/console_operator.py takes the same orders on Linux. What to do, and what must come of it, is up to
+// the tests (console_automation.py).
 //
 //   console_operator PROGRAM
 #include <algorithm>
@@ -39,10 +39,10 @@ void Require(bool condition, const std::string& what) {
     }
 }
 
-Words Split(const std::string& line) {
+Words Split(const std::string& line, char separator) {
     Words words;
     for (std::size_t begin = 0; begin <= line.size();) {
-        const std::size_t end = std::min(line.find('\t', begin), line.size());
+        const std::size_t end = std::min(line.find(separator, begin), line.size());
         words.push_back(line.substr(begin, end - begin));
         begin = end + 1;
     }
@@ -132,14 +132,16 @@ class Operator {
 
     std::string Do(const std::string& line) {
         static const std::map<std::string, std::string (Operator::*)(const Words&)> orders = {
-            {"form", &Operator::TakeForm},   {"tab", &Operator::Tab},         {"click", &Operator::Click},
-            {"fill", &Operator::Fill},       {"choose", &Operator::Choose},   {"text", &Operator::Text},
-            {"enabled", &Operator::Enabled}, {"checked", &Operator::Checked}, {"items", &Operator::Items},
-            {"headers", &Operator::Headers}, {"rows", &Operator::Rows},       {"row", &Operator::Row},
-            {"focus", &Operator::HasFocus},  {"box", &Operator::Box},         {"answer", &Operator::Answer},
-            {"picture", &Operator::Picture}, {"caption", &Operator::Caption}, {"close", &Operator::Close},
-            {"twice", &Operator::ClickTwice}};
-        Words words = Split(line);
+            {"form", &Operator::TakeForm},    {"tab", &Operator::Tab},         {"click", &Operator::Click},
+            {"fill", &Operator::Fill},        {"choose", &Operator::Choose},   {"text", &Operator::Text},
+            {"enabled", &Operator::Enabled},  {"checked", &Operator::Checked}, {"items", &Operator::Items},
+            {"headers", &Operator::Headers},  {"rows", &Operator::Rows},       {"row", &Operator::Row},
+            {"focus", &Operator::HasFocus},   {"box", &Operator::Box},         {"answer", &Operator::Answer},
+            {"picture", &Operator::Picture},  {"caption", &Operator::Caption}, {"close", &Operator::Close},
+            {"twice", &Operator::ClickTwice}, {"press", &Operator::Press},     {"type", &Operator::Type},
+            {"folder", &Operator::Folder},    {"picker", &Operator::Picker},   {"pick", &Operator::Pick},
+            {"end", &Operator::End},          {"shown", &Operator::Shown},     {"await", &Operator::Await}};
+        Words words = Split(line, '\t');
         const auto order = orders.find(words.front());
         Require(order != orders.end(), "no such order: " + line);
         words.erase(words.begin());
@@ -190,9 +192,8 @@ class Operator {
             far_controls::ClickAt(tabs, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
         };
         const auto open = [&] {
-            const HWND page = Look("fraMainTab." + words.at(0));
-            return ::SendMessageA(tabs, TCM_GETCURSEL, 0, 0) == tab && page != nullptr &&
-                   ::IsWindowVisible(page) != 0;
+            return ::SendMessageA(tabs, TCM_GETCURSEL, 0, 0) == tab &&
+                   Shown({"fraMainTab." + words.at(0)}) == "yes";
         };
         RequireAfter(click, open, "the tab does not open: " + words.at(0));
         Settle(tabs);
@@ -317,6 +318,17 @@ class Operator {
     }
 
     std::string Text(const Words& words) { return Joined({hands::Text(Native(words.at(0)))}); }
+    std::string Shown(const Words& words) {
+        const HWND native = Look(words.at(0));
+        return native != nullptr && ::IsWindowVisible(native) != 0 ? "yes" : "no";
+    }
+    /// Of a label that a running command writes to.
+    std::string Await(const Words& words) {
+        const HWND label = Native(words.at(0));
+        Require(hands::WaitFor([&] { return hands::Caption(label) == words.at(1); }, kLongest),
+                "does not become " + words.at(1) + ": " + words.at(0));
+        return "";
+    }
     std::string Enabled(const Words& words) {
         return ::IsWindowEnabled(Native(words.at(0))) != 0 ? "yes" : "no";
     }
@@ -376,8 +388,56 @@ class Operator {
         return "";
     }
 
-    std::string Close(const Words& /*none*/) {
+    /// Keys that are pressed together: "Control+Shift+Tab".
+    std::string Press(const Words& words) {
+        static const std::map<std::string, WORD> keys = {
+            {"End", VK_END},       {"Alt", VK_MENU}, {"Control", VK_CONTROL}, {"Shift", VK_SHIFT},
+            {"Escape", VK_ESCAPE}, {"F4", VK_F4},    {"Tab", VK_TAB}};
+        Words names = Split(words.at(0), '+');
+        const WORD key = keys.at(names.back());
+        names.pop_back();
+        constexpr std::size_t kHeld = 2;
+        Require(names.size() <= kHeld, "too many keys at once: " + words.at(0));
+        if (names.empty()) {
+            hands::Press(key);
+        } else if (names.size() < kHeld) {
+            hands::Press(key, {keys.at(names[0])});
+        } else {
+            hands::Press(key, {keys.at(names[0]), keys.at(names[1])});
+        }
+        return "";
+    }
+    /// Where the focus is.
+    std::string Type(const Words& words) {
+        hands::Type(words.at(0));
+        return "";
+    }
+
+    /// The folder at which the dialog for a folder stands.
+    std::string Folder(const Words& /*none*/) {
+        constexpr int kTreeId = 0x3741;
+        const HWND tree = hands::Child(program_.Await(kBoxClass, "the dialog for a folder"), kTreeId);
+        return far_controls::SelectedInTree(program_.Process(), tree);
+    }
+    /// Waits for the dialog for a folder or a file.
+    std::string Picker(const Words& /*none*/) {
+        Require(hands::Activate(program_.Await(kBoxClass, "a dialog for a folder or a file")),
+                "the dialog does not come to the front");
+        return "";
+    }
+    /// Takes the choice of a dialog for a folder or a file.
+    std::string Pick(const Words& /*none*/) {
+        const HWND dialog = program_.Await(kBoxClass, "a dialog to choose in");
+        far_controls::ClickButton(::GetDlgItem(dialog, IDOK));
+        Require(hands::WaitFor([dialog] { return ::IsWindow(dialog) == 0; }, kLongest), "the dialog stays");
+        return "";
+    }
+
+    std::string Close(const Words& words) {
         far_controls::ClickButton(Native("cmdClose"));
+        return End(words);
+    }
+    std::string End(const Words& /*none*/) {
         Require(program_.Ends(), "the program does not end");
         return "";
     }
@@ -407,16 +467,16 @@ int main(int argc, char** argv) {
         std::puts("usage: console_operator PROGRAM");
         return 2;
     }
-    std::unique_ptr<Operator> person;
+    std::unique_ptr<Operator> worker;
     Answer([&] {
-        person = std::make_unique<Operator>(argv[1]);
+        worker = std::make_unique<Operator>(argv[1]);
         return std::string();
     });
-    for (std::string line; person && std::getline(std::cin, line);) {
+    for (std::string line; worker && std::getline(std::cin, line);) {
         if (!line.empty() && line.back() == '\r') {
             line.pop_back();
         }
-        Answer([&] { return person->Do(line); });
+        Answer([&] { return worker->Do(line); });
     }
     return 0;
 }
