@@ -119,7 +119,8 @@ class Console:
             self.do("picture", self.machine.native(bitmap))
             with open(bitmap, "rb") as file:
                 shown = file.read()
-        subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", target], check=True)
+        subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", "-colors", "255",
+                        "-define", "png:compression-level=9", "PNG8:" + target], check=True)
 
     def close(self):
         self.do("close")
@@ -198,8 +199,12 @@ class ConsoleTest(unittest.TestCase):
         console = Console(self.machine, *around)
         self.addCleanup(console.leave)
         console.wait_until_open()
-        self.addCleanup(console.picture, self.id().rpartition(".")[2] + "-at-the-end")
+        self.addCleanup(self.picture_of_a_failure, console)
         return console
+
+    def picture_of_a_failure(self, console):
+        """What is on the screen when a test ends before it has closed the console."""
+        console.picture(self.id().rpartition(".")[2] + "-failed")
 
     def open_console(self):
         """A console whose General tab names both servers."""
