@@ -1,5 +1,5 @@
-# kv_fuzz_harness(TARGET SOURCE ARCHIVE [SOURCES … LINK …]): a fuzzing harness. In a tree of clang's (KV_FUZZ) it is a
-# program of libFuzzer's, which tools/fuzz runs; in the others it is a test that goes over the kept inputs of the archive.
+# kv_fuzz_harness(TARGET SOURCE ARCHIVE [SOURCES … LINK …]): a fuzzing harness. With KV_FUZZ (clang) it is a libFuzzer
+# program, which tools/fuzz runs; otherwise it is a test that runs the saved inputs of the archive.
 function(kv_fuzz_harness target source archive)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
     if(KV_FUZZ)

@@ -1,9 +1,9 @@
-# What every build tree of these sources begins with, that of the whole and that of the development server alone: options,
-# the language's standard, the compiler cache, GoogleTest. Included after project().
+# Common to the build trees of the whole project and of the development server alone: options, the C++ standard, the
+# compiler cache, GoogleTest. Include it after project().
 option(KV_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 option(KV_FUZZ "Build the fuzzing harnesses for libFuzzer (clang)" OFF)
 
-option(KV_UNITY "Compile the files of a target in batches; ./check and ./demo ask for it" OFF)
+option(KV_UNITY "Compile the files of a target in batches, as ./check and ./demo do" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -26,7 +26,7 @@ else()
 endif()
 enable_testing()
 if(WIN32)
-    # Debian ships no GoogleTest for mingw; the source that libgtest-dev brings builds for it.
+    # Debian has no GoogleTest for mingw, so the sources of libgtest-dev are compiled.
     set(gtest_force_shared_crt ON)
     set(INSTALL_GTEST OFF)
     add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)

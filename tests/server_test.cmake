@@ -1,5 +1,5 @@
-# kv_server_test(NAME SOURCES … LINK …): a GoogleTest program NAME_test that runs beside two development servers, as the
-# one test NAME. The servers run on Linux alone; the Windows tree takes the program of the sanitize tree.
+# kv_server_test(NAME SOURCES … LINK …): a GoogleTest program NAME_test that uses two running development servers; it is the
+# test NAME of ctest. The servers run on Linux; the Windows tree uses the program of the sanitize tree.
 function(kv_server_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
     kv_program(${name}_test SOURCES ${ARG_SOURCES} "${PROJECT_SOURCE_DIR}/tests/support/servers.cpp"
