@@ -35,7 +35,7 @@ class Part:
     def __init__(self, name, is_short):
         self.name, self.is_short = name, is_short
         self.begun = time.monotonic()
-        self.shown = self.begun
+        self.shown, self.stopped = self.begun, False
         self.counts, self.wanted, self.failures, self.series = {}, {}, [], []
 
     def want(self, what, count):
@@ -76,7 +76,7 @@ class Part:
             if one["grows"]:
                 self.fail(f"{one['name']} grows: {one['first']:g} to {one['last']:g} {one['unit']}")
         return {"part": self.name, "short": self.is_short, "counts": self.counts, "wanted": self.wanted,
-                "failures": self.failures, "series": series, "seconds": round(time.monotonic() - self.begun),
+                "failures": self.failures, "stopped": self.stopped, "series": series, "seconds": round(time.monotonic() - self.begun),
                 "date": time.strftime("%Y-%m-%d")}
 
 

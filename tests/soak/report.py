@@ -12,7 +12,7 @@ def counts_text(result):
 def show(results):
     print(f"\n{'part':<10} {'ended':<7} {'took':>8}  counts")
     for result in results:
-        ended = "FAILED" if result["failures"] else "ok"
+        ended = "FAILED" if result["failures"] else "stopped" if result["stopped"] else "ok"
         took = f"{result['seconds'] // 60}:{result['seconds'] % 60:02d}"
         print(f"{result['part']:<10} {ended:<7} {took:>8}  {counts_text(result)}")
     for result in results:
@@ -80,7 +80,8 @@ def section(name, result):
     if not is_full(result):
         wanted = ", ".join(f"{count:,} {what}" for what, count in result["wanted"].items()
                            if result["counts"].get(what, 0) < count)
-        lines += ["", f"This run was not a full one, which has {wanted}."]
+        stopped = "It was stopped before its end. " if result["stopped"] else ""
+        lines += ["", f"{stopped}This was not a full run, which has {wanted}."]
     lines += [f"- failed: {failure.splitlines()[0][:200]}" for failure in result["failures"]]
     return "\n".join(lines) + "\n" + figures(result)
 

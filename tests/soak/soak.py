@@ -24,6 +24,14 @@ PARTS = ("installs", "console", "faults", "kills", "fuzz", "secrets")
 MODULES = {"fuzz": "fuzzing", "secrets": "secrecy"}  # the others are called as their part
 
 
+class Stopped(Exception):
+    """Somebody ends the soak: what was done until then is reported, and no server and no folder is left."""
+
+
+def stop(*_):
+    raise Stopped("stopped before its end")
+
+
 class Settings:
     """What the parts are told: where the programs are, and how long the run is."""
 
@@ -37,10 +45,17 @@ class Settings:
 
     @contextlib.contextmanager
     def folder(self):
+        """A folder of the part's own, and in it the temporary folder of all that it starts."""
         path = tempfile.mkdtemp(prefix="kv-soak-")
+        before = os.environ.get("TMPDIR")
+        os.environ["TMPDIR"] = os.path.join(path, "tmp")
+        os.mkdir(os.environ["TMPDIR"])
         try:
             yield path
         finally:
+            os.environ.pop("TMPDIR")
+            if before is not None:
+                os.environ["TMPDIR"] = before
             shutil.rmtree(path, ignore_errors=True)
 
 
@@ -49,6 +64,9 @@ def run_part(name, settings, results):
     part.say("begins")
     try:
         importlib.import_module(MODULES.get(name, name)).run(part, settings)
+    except (Stopped, KeyboardInterrupt) as reason:
+        part.stopped = True
+        part.say(str(reason))
     except (RuntimeError, OSError, AssertionError, subprocess.SubprocessError) as error:
         part.fail(f"{type(error).__name__}: {error}")
     result = part.result()
@@ -59,8 +77,7 @@ def run_part(name, settings, results):
 
 
 def main():
-    # Whoever ends the soak finds no server and no folder of it left.
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    signal.signal(signal.SIGTERM, stop)
     parser = argparse.ArgumentParser(prog="soak.py")
     parser.add_argument("--short", action="store_true")
     parser.add_argument("--report", action="store_true")
@@ -75,11 +92,15 @@ def main():
     if unknown:
         parser.error(f"no such part: {unknown[0]}; there are {', '.join(PARTS)}")
     settings = Settings(arguments)
-    results = [run_part(name, settings, arguments.results) for name in arguments.parts or PARTS]
+    results = []
+    for name in arguments.parts or PARTS:
+        results.append(run_part(name, settings, arguments.results))
+        if results[-1]["stopped"]:
+            break
     report.show(results)
     if arguments.report:
         report.write(arguments.results, os.path.join(TOP, "docs", "reliability.md"))
-    return 1 if any(result["failures"] for result in results) else 0
+    return 1 if any(result["failures"] or result["stopped"] for result in results) else 0
 
 
 if __name__ == "__main__":
