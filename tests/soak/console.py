@@ -123,10 +123,7 @@ def run_on(part, settings, toolkit, binaries, wine):
 
 
 def run(part, settings):
-    toolkits = [("Qt", settings.binaries, False)]
-    if settings.windows and not settings.short:
-        toolkits.append(("Win32", settings.windows, True))
-    for toolkit in ("Qt", "Win32"):
-        part.want(f"opens and commands with {toolkit}", ACTS)
-    for toolkit, binaries, wine in toolkits:
-        run_on(part, settings, toolkit, binaries, wine)
+    toolkit, binaries, wine = ("Qt", settings.binaries, False) if part.name == "console" else \
+        ("Win32", settings.windows, True)
+    part.want(f"opens and commands with {toolkit}", ACTS)
+    run_on(part, settings, toolkit, binaries, wine)

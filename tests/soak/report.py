@@ -37,9 +37,11 @@ TITLES = {
     "installs": ("Installations and upgrades",
                  "One pair of servers, the program's own command line. After each run the versions, the batches, the packages "
                  "and the log are compared with what is laid down, and the figures below are taken."),
-    "console": ("The console",
+    "console": ("The console, with Qt",
                 "The window of the real toolkit, opened, worked through tab by tab against a server, and closed, all in one "
                 "process."),
+    "console-windows": ("The console, with Windows' own controls",
+                        "The same under Wine, on a virtual screen."),
     "faults": ("Faults",
                "Each operation with each fault at each of its statements; the state of the server, the files and the log are "
                "compared with what is laid down."),

@@ -20,8 +20,9 @@ sys.path[:0] = [os.path.join(TOP, "tests", "e2e"), os.path.join(TOP, "tests", "s
 import part as soak_part  # noqa: E402
 import report  # noqa: E402
 
-PARTS = ("installs", "console", "faults", "kills", "fuzz", "secrets")
-MODULES = {"fuzz": "fuzzing", "secrets": "secrecy"}  # the others are called as their part
+PARTS = ("installs", "console", "console-windows", "faults", "kills", "fuzz", "secrets")
+UNDER_WINE = ("console-windows",)  # no part of the short round
+MODULES = {"console-windows": "console", "fuzz": "fuzzing", "secrets": "secrecy"}  # the others are called as their part
 
 
 class Stopped(Exception):
@@ -91,9 +92,12 @@ def main():
     unknown = [name for name in arguments.parts if name not in PARTS]
     if unknown:
         parser.error(f"no such part: {unknown[0]}; there are {', '.join(PARTS)}")
+    if not arguments.windows and any(name in UNDER_WINE for name in arguments.parts):
+        parser.error("--windows is needed for what runs under Wine")
     settings = Settings(arguments)
     results = []
-    for name in arguments.parts or PARTS:
+    wanted = arguments.parts or [name for name in PARTS if not (arguments.short and name in UNDER_WINE)]
+    for name in wanted:
         results.append(run_part(name, settings, arguments.results))
         if results[-1]["stopped"]:
             break

@@ -1,0 +1,155 @@
+# Runs every benchmark several times and writes docs/benchmarks.md: the medians of ours and of the peer that each benchmark
+# measures in the same run, side by side.
+#
+#   report.py ROUNDS LINUX_BIN WINDOWS_BIN
+import os
+import re
+import statistics
+import subprocess
+import sys
+import time
+
+TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path[:0] = [os.path.join(TOP, "tests", "e2e"), os.path.join(TOP, "tests", "soak")]
+from report import machine  # noqa: E402
+from test_machine import DevServer, fresh_folder  # noqa: E402
+
+LONGEST = 3600  # seconds of one run of a benchmark
+STARTS = 7  # of each program, in each round
+
+NUMBER = r"(\d[\d.,]*)"
+
+
+class Figures:
+    """Ours and the peer's of each comparison, over the rounds; in the order in which they first came."""
+
+    def __init__(self):
+        self.taken = {}
+
+    def take(self, what, unit, ours, peer, theirs, wanted=""):
+        row = self.taken.setdefault((what, unit, peer, wanted), ([], []))
+        row[0].append(ours)
+        if theirs is not None:
+            row[1].append(theirs)
+
+    def lines(self):
+        for (what, unit, peer, wanted), (ours, theirs) in self.taken.items():
+            own = statistics.median(ours)
+            if theirs:
+                other = statistics.median(theirs)
+                yield f"| {what} | {own:,.4g} {unit} | {peer} | {other:,.4g} {unit} | {own / other:.2f} | {wanted} |"
+            else:
+                yield f"| {what} | {own:,.4g} {unit} | {peer} | | | {wanted} |"
+
+
+def run(*command, **how):
+    done = subprocess.run(command, cwd=TOP, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=LONGEST, **how)
+    if done.returncode != 0:
+        sys.exit(f"{' '.join(command)} ended with {done.returncode}:\n{done.stdout}{done.stderr}")
+    return done.stdout
+
+
+def number(text):
+    return float(text.replace(",", ""))
+
+
+def substitution(figures, binaries):
+    said = run(os.path.join(binaries, "substitution_bench"))
+    ours, theirs = re.search(rf"program {NUMBER} s, sed {NUMBER} s", said).groups()
+    figures.take("Substitution of a large template", "s", number(ours), "sed", number(theirs), "at most 0.20")
+
+
+def dev_server(figures, binaries):
+    said = run("/usr/bin/python3", "tests/bench/devserver_bench.py", os.path.join(binaries, "devsqlserver"))
+    for what, peer, ours, theirs in re.findall(rf"^(.+), against (.+): {NUMBER} s, peer {NUMBER} s, ratio", said,
+                                               re.MULTILINE):
+        figures.take("Development server: " + what, "s", number(ours), peer, number(theirs))
+
+
+def get_data(figures, binaries):
+    said = run("/usr/bin/python3", "tests/bench/get_data_bench.py", os.path.join(binaries, "devsqlserver"),
+               os.path.join(binaries, "get_data_bench"), "1")
+    rows = dict(re.findall(rf"^  (\S.*?) +{NUMBER} s .*GetData takes", said, re.MULTILINE))
+    for peer, seconds in rows.items():
+        if peer != "GetData":
+            figures.take("A million rows by GetData", "s", number(rows["GetData"]), peer, number(seconds),
+                         "at most 1.20" if peer == "bare ODBC loop" else "below 1.00")
+
+
+def databases(figures, binaries):
+    said = run("/usr/bin/python3", "tests/bench/database_bench.py", os.path.join(binaries, "devsqlserver"), binaries)
+    ours, theirs = re.search(rf"databases: {NUMBER} ms; pymssql, the same rows: {NUMBER} ms", said).groups()
+    figures.take("The list of 200 databases", "ms", number(ours), "pymssql", number(theirs))
+    whole = re.search(rf"/upgradedb, .*: {NUMBER} ms", said).group(1)
+    for tool, by_hand in re.findall(rf"by hand with (\w+), .*?: {NUMBER} ms", said):
+        figures.take("The unattended upgrade", "ms", number(whole), f"its scripts by hand with {tool}", number(by_hand))
+
+
+def windows(figures, binaries):
+    said = run("tests/with-screen", "tests/run-under-wine", os.path.join(binaries, "window_bench.exe"))
+    for what, ours, peer, theirs in re.findall(rf"^(.+): fastest \d+ ms, median {NUMBER}; (.+): \d+ and {NUMBER}; ratio",
+                                               said, re.MULTILINE):
+        figures.take("Under Wine: " + what, "ms", number(ours), peer, number(theirs),
+                     "at most 1.40" if "libraries" in peer else "")
+
+
+def milliseconds(*command, **how):
+    begun = time.perf_counter()
+    subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=60, **how)
+    return 1000 * (time.perf_counter() - begun)
+
+
+def starts(figures, binaries):
+    environment = {name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
+    folder = fresh_folder()
+    try:
+        server = DevServer(os.path.join(binaries, "devsqlserver"), folder).start()
+        server.stop()
+        for _ in range(STARTS):
+            nothing = milliseconds("/bin/true")
+            for what, command in (("KVLSQLDbMgr /help", ("KVLSQLDbMgr", "/help")), ("OSQL.EXE -?", ("OSQL.EXE", "-?"))):
+                taken = milliseconds(os.path.join(binaries, command[0]), *command[1:], env=environment)
+                figures.take(f"Start to end of {what}", "ms", taken, "/bin/true", nothing)
+            begun = time.perf_counter()
+            server.start()
+            figures.take("Start of devsqlserver until it is ready", "ms", 1000 * (time.perf_counter() - begun), "/bin/true",
+                         nothing)
+            server.stop()
+    finally:
+        subprocess.run(["rm", "-rf", folder], check=True)
+
+
+def sizes(linux, windows_folder):
+    for folder, system in ((windows_folder, "Windows x64"), (linux, "Linux")):
+        for name in ("KVLSQLDbMgr.exe", "KVLSQLDbMgr", "libkvconsole.so", "OSQL.EXE", "devsqlserver"):
+            path = os.path.join(folder, name)
+            if os.path.exists(path):
+                stripped = os.path.join(fresh_folder(), name)
+                strip = "x86_64-w64-mingw32-strip" if "Windows" in system else "strip"
+                subprocess.run([strip, "-o", stripped, path], check=True)
+                yield f"| {name} | {system} | {os.path.getsize(stripped) / 1e6:.2f} MB |"
+                subprocess.run(["rm", "-rf", os.path.dirname(stripped)], check=True)
+
+
+def main(rounds, linux, windows_folder):
+    figures = Figures()
+    loads = []
+    for turn in range(rounds):
+        for bench, folder in ((substitution, linux), (dev_server, linux), (get_data, linux), (databases, linux),
+                              (windows, windows_folder), (starts, linux)):
+            print(f"round {turn + 1} of {rounds}: {bench.__name__}", flush=True)
+            loads.append(os.getloadavg()[0])
+            bench(figures, folder)
+    text = [f"# Benchmarks\n\nWritten by `./bench --report`, {time.strftime('%Y-%m-%d')}: medians of {rounds} rounds, each with "
+            f"its peer in the same round.\n\nMachine: {machine()}. Programs that were ready to run beside the benchmarks (load "
+            f"average): {min(loads):.0f} to {max(loads):.0f}; with more than the cores the times are long, and the ratios are "
+            "what counts.\n\n## Times\n\n| What | Ours | Peer | Peer's | Ratio | Wanted |\n| --- | ---: | --- | ---: | ---: | --- |",
+            *figures.lines(), "\n## Sizes\n\nWithout symbols, as delivered.\n\n| Program | System | Size |\n| --- | --- | ---: |",
+            *sizes(linux, windows_folder)]
+    with open(os.path.join(TOP, "docs", "benchmarks.md"), "w", encoding="utf-8") as file:
+        file.write("\n".join(text) + "\n")
+    print("docs/benchmarks.md is written")
+
+
+if __name__ == "__main__":
+    main(int(sys.argv[1]), *map(os.path.abspath, sys.argv[2:4]))
