@@ -131,6 +131,17 @@ def sizes(linux, windows_folder):
                 subprocess.run(["rm", "-rf", os.path.dirname(stripped)], check=True)
 
 
+def write(figures, rounds, loads, linux, windows_folder):
+    text = [f"# Benchmarks\n\nWritten by `./bench --report`, {time.strftime('%Y-%m-%d')}: medians of {rounds} rounds, each with "
+            f"its peer in the same round.\n\nMachine: {machine()}. Programs that were ready to run beside the benchmarks (load "
+            f"average): {min(loads):.0f} to {max(loads):.0f}; with more than the cores the times are long, and the ratios are "
+            "what counts.\n\n## Times\n\n| What | Ours | Peer | Peer's | Ratio | Wanted |\n| --- | ---: | --- | ---: | ---: | --- |",
+            *figures.lines(), "\n## Sizes\n\nWithout symbols, as delivered.\n\n| Program | System | Size |\n| --- | --- | ---: |",
+            *sizes(linux, windows_folder)]
+    with open(os.path.join(TOP, "docs", "benchmarks.md"), "w", encoding="utf-8") as file:
+        file.write("\n".join(text) + "\n")
+
+
 def main(rounds, linux, windows_folder):
     figures = Figures()
     loads = []
@@ -140,14 +151,8 @@ def main(rounds, linux, windows_folder):
             print(f"round {turn + 1} of {rounds}: {bench.__name__}", flush=True)
             loads.append(os.getloadavg()[0])
             bench(figures, folder)
-    text = [f"# Benchmarks\n\nWritten by `./bench --report`, {time.strftime('%Y-%m-%d')}: medians of {rounds} rounds, each with "
-            f"its peer in the same round.\n\nMachine: {machine()}. Programs that were ready to run beside the benchmarks (load "
-            f"average): {min(loads):.0f} to {max(loads):.0f}; with more than the cores the times are long, and the ratios are "
-            "what counts.\n\n## Times\n\n| What | Ours | Peer | Peer's | Ratio | Wanted |\n| --- | ---: | --- | ---: | ---: | --- |",
-            *figures.lines(), "\n## Sizes\n\nWithout symbols, as delivered.\n\n| Program | System | Size |\n| --- | --- | ---: |",
-            *sizes(linux, windows_folder)]
-    with open(os.path.join(TOP, "docs", "benchmarks.md"), "w", encoding="utf-8") as file:
-        file.write("\n".join(text) + "\n")
+        # After each round, so that a run that is stopped leaves the rounds that it did.
+        write(figures, turn + 1, loads, linux, windows_folder)
     print("docs/benchmarks.md is written")
 
 

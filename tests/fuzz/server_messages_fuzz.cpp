@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kMostRecords = 5;
 constexpr std::size_t kStateLength = 5;
+constexpr int kNarrowest = 9;
 
 fakes::OdbcRecord Record(fuzz::Input& input) {
     fakes::OdbcRecord record;
@@ -84,7 +85,7 @@ class KeptOutput : public querytool::Output {
 
 void ThroughThePrinter(fuzz::Input& input) {
     querytool::Switches switches;
-    switches.width = 1 + input.Byte();
+    switches.width = kNarrowest + input.Byte(); // as far as -w goes
     switches.header_rows = static_cast<int>(input.Byte()) - 1;
     if (input.Byte() % 2 == 0) {
         switches.error_level = input.Byte();
