@@ -114,6 +114,7 @@ BoundPtr CallBinder::OrdinaryCall(const ast::CallExpr& call, const Scope* scope)
 BoundPtr CallBinder::ScalarCall(const ScalarFunction& function, std::vector<BoundPtr> arguments) {
     CheckArgumentCount(function, arguments.size());
     std::vector<Type> types;
+    types.reserve(arguments.size());
     for (const BoundPtr& argument : arguments) {
         types.push_back(argument->type);
     }
