@@ -299,7 +299,7 @@ BoundPtr ExpressionBinder::Subquery(const ast::Query& query, const Scope* scope)
     if (bound.columns.size() != 1) {
         RaiseError(116);
     }
-    // SQLite takes the first of several rows; T-SQL wants at most one. So two rows are fetched, and a second
+    // SQLite takes the first of several rows; T-SQL allows only one. So two rows are fetched, and a second
     // one is an error.
     const std::string alias = binding_.NextAlias();
     return MakeSql("(SELECT tsql_single(" + alias + ".c1, " + alias +

@@ -168,15 +168,15 @@ bool IsDatabaseFile(const fs::path& path) {
     }
 }
 
-enum class Others : std::uint8_t { Refuse, ThrowOut };
+enum class Others : std::uint8_t { Refuse, End };
 
 /// Keeps other sessions out of a database while it changes. Raises `refusal` if another session uses it.
 class Exclusive {
   public:
     Exclusive(SessionCore& session, int database, Others others, const SqlError& refusal)
         : users_(session.server().users()), database_(database) {
-        if (others == Others::ThrowOut) {
-            users_.CloseAndThrowOut(database_, session);
+        if (others == Others::End) {
+            users_.CloseAndEndOthers(database_, session);
         } else if (!users_.Close(database_, session)) {
             throw refusal;
         }
@@ -511,7 +511,7 @@ void SetDatabaseOption(SessionCore& session, const std::string& database, const 
     RequireNoTransaction(session, "ALTER DATABASE");
     const DatabaseUsers::ListTurn turn(session);
     const DatabaseInfo info = RequireDatabase(session, database, 5011);
-    const Others others = rollback_immediate ? Others::ThrowOut : Others::Refuse;
+    const Others others = rollback_immediate ? Others::End : Others::Refuse;
     if (option == "SINGLE_USER" || option == "MULTI_USER" || option == "RESTRICTED_USER") {
         SetSingleUser(session, info, option == "SINGLE_USER", others);
         return;

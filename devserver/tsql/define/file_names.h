@@ -6,7 +6,7 @@
 
 namespace devsql {
 
-/// Writes them into the data file; nobody else may have it open.
+/// Writes them into the data file; no other connection may have the file open.
 void KeepFileNames(const DatabaseInfo& database);
 /// Gives the files of a database that is being attached the names, kinds and file groups that they had.
 /// `database.files` are in the order of the statement; the first one is the data file.

@@ -343,9 +343,9 @@ bool Parser::BeginsQuery(std::size_t ahead) const {
         return false;
     }
     for (std::size_t open = next_ + ahead; open < first; ++open) {
-        const std::size_t behind = closing_[open] + 1 - next_;
-        if (!IsSymbol(")", behind) && !IsWord("UNION", behind) && !IsWord("EXCEPT", behind) &&
-            !IsWord("INTERSECT", behind)) {
+        const std::size_t after = closing_[open] + 1 - next_;
+        if (!IsSymbol(")", after) && !IsWord("UNION", after) && !IsWord("EXCEPT", after) &&
+            !IsWord("INTERSECT", after)) {
             return false;
         }
     }

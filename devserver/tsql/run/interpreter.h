@@ -32,7 +32,7 @@ struct CallResult {
     std::vector<std::optional<Variable>> outputs;
 };
 
-/// An error on its way to a CATCH block, its message complete.
+/// Thrown to a CATCH block: an error with its complete message.
 struct Failure {
     Message message;
     /// The nesting level at which TRY does not catch it; 0 for none. An error that SQL Server finds when it

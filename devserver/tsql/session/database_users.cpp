@@ -118,7 +118,7 @@ std::vector<SessionCore*> DatabaseUsers::TakeOthers(int database, const SessionC
     return others;
 }
 
-void DatabaseUsers::CloseAndThrowOut(int database, const SessionCore& session) {
+void DatabaseUsers::CloseAndEndOthers(int database, const SessionCore& session) {
     for (;;) {
         std::vector<SessionCore*> others;
         {

@@ -40,7 +40,7 @@ class DatabaseUsers {
     /// leave within half a second, which a client that has just closed its connection may need.
     bool Close(int database, const SessionCore& session);
     /// The same, but ends the sessions that use it: their transactions are rolled back.
-    void CloseAndThrowOut(int database, const SessionCore& session);
+    void CloseAndEndOthers(int database, const SessionCore& session);
     void Reopen(int database);
 
     /// Ends another session. Raises 6106 for an unknown number, 6104 for this session's number.

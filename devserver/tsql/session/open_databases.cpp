@@ -53,7 +53,7 @@ std::string OpenDatabases::Attach(const DatabaseInfo& info) {
         session_.CheckCancelled(); // SQLite gives up waiting then, and says that the file is locked.
         RaiseError(5120, {info.DataFile().client_path, std::to_string(error.primary_code()), error.what()});
     }
-    // A database that was made after another one of this id had gone starts with its own identities.
+    // Another database may have had this id before: its identity values don't count for the new one.
     if (std::int64_t& created = created_[alias]; created != info.created) {
         session_.identities().ForgetDatabase(alias);
         created = info.created;
@@ -81,7 +81,7 @@ const std::string& OpenDatabases::CurrentName() const {
 }
 
 void OpenDatabases::Use(const std::string& name) {
-    Get(name); // From here on nobody renames or removes it.
+    Get(name); // From here on no other session can rename or remove it.
     const std::optional<DatabaseInfo> info = FindDatabase(session_.connection(), name);
     if (!info) { // Renamed since the session's transaction has read the list: it sees the list as it was.
         RaiseError(911, {name});

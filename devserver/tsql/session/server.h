@@ -27,7 +27,7 @@ class Server {
 
     DatabaseUsers& users() { return users_; }
     const UserFunctions& functions() const { return functions_; }
-    /// The next value of a timestamp column of a temporary table, which lies in no database's file.
+    /// The next value of a timestamp column of a temporary table, which is in no database's file.
     std::int64_t NextTemporaryTimestamp() { return ++temporary_timestamp_; }
 
   private:

@@ -10,7 +10,7 @@ SessionCore::SessionCore(Server& server, ClientInfo client)
 }
 
 SessionCore::~SessionCore() {
-    // First out of the list, so that nobody ends a session that is ending by itself.
+    // Leaves the list first, so that no other session ends one that is already ending.
     server_.users().Withdraw(*this);
     transactions_.Abandon();
     interruption_.Reset();
@@ -40,7 +40,7 @@ void SessionCore::DropGlobalTables() {
                     catalogue.RemoveObject(object->id);
                 });
             }
-        } catch (const std::exception&) { // The next start makes tempdb anew.
+        } catch (const std::exception&) { // tempdb is made again at the next start.
             return;
         }
     }

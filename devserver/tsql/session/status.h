@@ -1,4 +1,4 @@
-// What the last statements left behind for the next ones to ask: @@ERROR, @@ROWCOUNT and the like.
+// The results of the last statements that later ones can ask for: @@ERROR, @@ROWCOUNT and the like.
 #pragma once
 
 #include <cstdint>

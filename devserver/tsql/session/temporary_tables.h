@@ -35,7 +35,7 @@ class TemporaryTables {
     /// The id of the next temporary table; below 0, so that no stored table has it.
     std::int64_t NextId() { return next_id_--; }
 
-    /// Tables named ## are kept in tempdb for everybody; they go with the session that made them.
+    /// Tables named ## are in tempdb, for all sessions. They are dropped with the session that made them.
     void OwnGlobal(const std::string& name);
     /// Their folded names; from now on the session owns none.
     std::set<std::string> TakeGlobals() { return std::exchange(globals_, {}); }

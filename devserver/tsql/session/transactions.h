@@ -35,7 +35,8 @@ class Transactions {
     /// transaction there is nothing to doom.
     void Doom() { doomed_ = doomed_ || count_ > 0; }
     bool doomed() const { return doomed_; }
-    /// SQLite has given the transaction up: nothing of it is left, and whoever counts on it must be told.
+    /// True after SQLite has rolled the transaction back by itself: the batch must not go on as if it were
+    /// open.
     bool lost() const { return lost_; }
 
     /// How long the session waits for a lock.
