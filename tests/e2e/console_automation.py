@@ -119,7 +119,7 @@ class Console:
             self.do("picture", self.machine.native(bitmap))
             with open(bitmap, "rb") as file:
                 shown = file.read()
-        subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", "-colors", "255",
+        subprocess.run(["convert", bitmap, "-alpha", "off", "-strip", "+dither", "-colors", "128",
                         "-define", "png:compression-level=9", "PNG8:" + target], check=True)
 
     def close(self):

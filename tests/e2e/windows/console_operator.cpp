@@ -383,6 +383,7 @@ class Operator {
 
     /// Of the message box if there is one, else of the form.
     std::string Picture(const Words& words) {
+        ::SetCursorPos(0, 0); // where it brings up no tool tip
         const HWND box = program_.Find(kBoxClass);
         Require(hands::TakePicture(box != nullptr ? box : window_, words.at(0)), "no picture can be taken");
         return "";
