@@ -1,7 +1,7 @@
-# The console while its server is killed at work: each command by clicks, on a screen under Wine. The message box shows
+# The console while its server is killed at work: each command by clicks on a screen. The message box shows
 # what the connection reported, the button comes back, and once the server runs again so does the command.
 #
-#   console_kill_test.py DEVSQLSERVER BIN_FOLDER
+#   console_kill_test.py DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]
 from console_automation import (LONGEST, REPLICATION, SEPARATOR, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA,
                                 ConsoleTest, main, record)
 from console_wire import HERE, Wire
@@ -144,7 +144,7 @@ class ConsoleKill(ConsoleTest):
         self.assertEqual(self.files(self.a), [])
 
     def lists_come_back(self, button):
-        """Behind a kill on the Upgrade tab: the button at once, the lists when the server runs and the tab is opened."""
+        """After a kill on the Upgrade tab: the button at once; the lists once the server runs and the tab is opened."""
         self.comes_back(self.console, button)
         self.items_become("cboRemoveDatabase", [])
         self.run_again()
@@ -172,7 +172,7 @@ class ConsoleKill(ConsoleTest):
         self.becomes(lambda: self.console.text("lblSQLServerReplicationStatus"), text)
 
     def status_comes_back(self, word):
-        """Behind a kill on the Replication tab: no button can be used before the status is known again."""
+        """After a kill on the Replication tab: no button can be used before the status is known again."""
         console = self.console
         self.status_becomes("Replication status for database 'Older' could not be retieved from the SQL Server!")
         self.cannot_be_used("cmdInstallReplication")

@@ -1,7 +1,7 @@
-# The console between two running servers, by clicks and keys on a screen under Wine: what it shows, and what stands on
+# The console between two running servers, by clicks and keys on a screen: what it shows, and what is on
 # the servers, in their files and in the log afterwards.
 #
-#   console_pair_test.py DEVSQLSERVER BIN_FOLDER
+#   console_pair_test.py DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]
 import time
 
 from console_automation import LONGEST, REPLICATION, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest, main
