@@ -38,6 +38,11 @@ class Socket {
         }
     }
     int Get() const { return fd_; }
+    /// The other end finds its connection reset and not ended.
+    void ResetWhenClosed() const {
+        const linger at_once{1, 0};
+        setsockopt(fd_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+    }
 
     /// False if the other end is closed.
     bool Send(const std::string& bytes) const {
@@ -124,6 +129,55 @@ std::string TextOf(const std::string& message) {
     return text;
 }
 
+void Put(std::string& bytes, std::uint64_t number, int size) {
+    for (int i = 0; i < size; ++i) {
+        bytes += static_cast<char>(number >> (8U * static_cast<unsigned>(i)) & 0xFFU);
+    }
+}
+
+/// The answer of a server that refuses a message: an error and the end of the answer, as version 7.2 of the
+/// protocol and later ones have them.
+std::string Refusal(Fault fault, unsigned char kind) {
+    struct Error {
+        std::uint32_t number;
+        std::uint8_t severity;
+        const char* text;
+    };
+    constexpr Error kNoLogin{18456, 14, "Login failed for user 'sa'."};
+    constexpr Error kNoRight{229, 14, "The permission was denied."};
+    constexpr Error kFullDisk{1105, 17, "Could not allocate space because the filegroup is full."};
+    const Error& error = fault == Fault::RefuseRoom ? kFullDisk : kind == kLogin ? kNoLogin : kNoRight;
+    std::string body;
+    Put(body, error.number, 4);
+    Put(body, 1, 1); // state
+    Put(body, error.severity, 1);
+    const std::string_view text(error.text);
+    Put(body, text.size(), 2);
+    for (const char character : text) {
+        Put(body, static_cast<unsigned char>(character), 2);
+    }
+    Put(body, 0, 2); // neither a server nor a procedure
+    Put(body, 1, 4); // line
+    std::string tokens;
+    Put(tokens, 0xAA, 1); // ERROR
+    Put(tokens, body.size(), 2);
+    tokens += body;
+    Put(tokens, 0xFD, 1); // DONE, with an error, and no rows
+    Put(tokens, 2, 2);
+    Put(tokens, 0, 2);
+    Put(tokens, 0, 8);
+    const std::size_t size = kHeaderSize + tokens.size();
+    std::string message = {0x04,
+                           static_cast<char>(kEndOfMessage),
+                           static_cast<char>(size >> 8U),
+                           static_cast<char>(size),
+                           0,
+                           0,
+                           1,
+                           0};
+    return message + tokens;
+}
+
 /// The name of a message as an event; empty if it is not an event.
 std::string EventOf(const std::string& message) {
     switch (KindOf(message)) {
@@ -141,8 +195,20 @@ std::string EventOf(const std::string& message) {
 } // namespace
 
 const char* NameOf(Fault fault) {
-    constexpr std::array kNames = {"none",        "slow",       "cut before",  "cut after",
-                                   "hang before", "hang after", "kill before", "kill after"};
+    constexpr std::array kNames = {"none",
+                                   "slow",
+                                   "cut before",
+                                   "cut after",
+                                   "hang before",
+                                   "hang after",
+                                   "kill before",
+                                   "kill after",
+                                   "reset before",
+                                   "reset after",
+                                   "kill of the program before",
+                                   "kill of the program after",
+                                   "no right",
+                                   "full disk"};
     return kNames.at(static_cast<std::size_t>(fault));
 }
 
@@ -187,6 +253,8 @@ class FaultProxy::Link {
             return true; // is kept
         case Fault::CutAfter:
         case Fault::KillAfter:
+        case Fault::ResetAfter:
+        case Fault::KillProgramAfter:
             if (!server_.TakeMessage()) {
                 return true;
             }
@@ -207,8 +275,13 @@ class FaultProxy::Link {
         switch (fault_) {
         case Fault::CutBefore:
         case Fault::KillBefore:
+        case Fault::ResetBefore:
+        case Fault::KillProgramBefore:
             InjectFault();
             return false;
+        case Fault::RefuseRight:
+        case Fault::RefuseRoom:
+            return client_.socket.Send(Refusal(std::exchange(fault_, Fault::None), KindOf(message)));
         case Fault::HangBefore:
             return true;
         case Fault::Slow:
@@ -231,6 +304,11 @@ class FaultProxy::Link {
     void InjectFault() {
         if (fault_ == Fault::KillBefore || fault_ == Fault::KillAfter) {
             proxy_.kill_server_();
+        } else if (fault_ == Fault::KillProgramBefore || fault_ == Fault::KillProgramAfter) {
+            proxy_.kill_program_();
+        } else if (fault_ == Fault::ResetBefore || fault_ == Fault::ResetAfter) {
+            client_.socket.ResetWhenClosed();
+            server_.socket.ResetWhenClosed();
         }
     }
 

@@ -9,6 +9,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace support {
@@ -24,6 +25,12 @@ enum class Fault : std::uint8_t {
     HangAfter,
     KillBefore, ///< the server is killed
     KillAfter,
+    ResetBefore, ///< both connections are reset
+    ResetAfter,
+    KillProgramBefore, ///< the program is killed
+    KillProgramAfter,
+    RefuseRight, ///< answered in the server's place: the login lacks the right
+    RefuseRoom,  ///< the same: the server's disk is full
 };
 
 const char* NameOf(Fault fault);
@@ -40,6 +47,9 @@ class FaultProxy {
     ~FaultProxy();
 
     int Port() const { return port_; }
+    /// Ends the program's process at once, for the faults that kill it; called from a thread of the proxy. To
+    /// be set before the program connects.
+    void KillProgramBy(std::function<void()> kill_program) { kill_program_ = std::move(kill_program); }
     /// Injects the fault at the event with this number, counted from 0. To be called before that event.
     void Arm(std::size_t event, Fault fault) { Arm(event, event, fault); }
     /// Injects the fault at all events of a range.
@@ -59,6 +69,7 @@ class FaultProxy {
     Fault Note(std::string event);
 
     std::function<void()> kill_server_;
+    std::function<void()> kill_program_;
     int server_port_;
     int listener_ = -1;
     int port_ = 0;

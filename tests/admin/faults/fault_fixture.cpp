@@ -1,8 +1,13 @@
 #include "admin/faults/fault_fixture.h"
 
+#include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -22,16 +27,46 @@ constexpr char kDataEnd[] = "_dat.mdf";
 constexpr char kLogEnd[] = "_lg.ldf";
 constexpr char kPreparation[] = "PRINT ''"; // the database layer runs it before every statement
 
-/// The driver ends a login that hangs by closing the connection, and a statement that hangs by cancelling it.
-constexpr Fault kFaults[] = {Fault::CutBefore, Fault::CutAfter,   Fault::HangBefore,
-                             Fault::HangAfter, Fault::KillBefore, Fault::KillAfter};
+struct FaultKind {
+    Fault fault;
+    bool before;           ///< the step is not done
+    bool always;           ///< not only where every fault is wanted
+    bool in_front = false; ///< also at the database layer's own statement before the step
+};
 
-bool IsBefore(Fault fault) {
-    return fault == Fault::CutBefore || fault == Fault::HangBefore || fault == Fault::KillBefore;
-}
+/// The driver ends a login that hangs by closing the connection, and a statement that hangs by cancelling it.
+constexpr FaultKind kFaults[] = {
+    {Fault::CutBefore, true, true, true},    {Fault::CutAfter, false, true},
+    {Fault::HangBefore, true, true},         {Fault::HangAfter, false, true},
+    {Fault::KillBefore, true, true},         {Fault::KillAfter, false, true},
+    {Fault::ResetBefore, true, false, true}, {Fault::ResetAfter, false, false},
+    {Fault::KillProgramBefore, true, false}, {Fault::KillProgramAfter, false, false},
+    {Fault::RefuseRight, true, false},       {Fault::RefuseRoom, true, false}};
 
 bool IsKill(Fault fault) {
     return fault == Fault::KillBefore || fault == Fault::KillAfter;
+}
+
+bool KillsTheProgram(Fault fault) {
+    return fault == Fault::KillProgramBefore || fault == Fault::KillProgramAfter;
+}
+
+/// Runs the operation in a process of its own, which the fault is to kill.
+void RunUntilKilled(const FaultyOperation& operation, FaultFixture& fixture) {
+    std::array<int, 2> start{};
+    ASSERT_EQ(pipe(start.data()), 0);
+    const pid_t program = fork();
+    if (program == 0) {
+        char go = 0;
+        _exit(read(start[0], &go, 1) == 1 && operation.run(fixture) ? 0 : 1);
+    }
+    fixture.Proxy().KillProgramBy([program] { kill(program, SIGKILL); });
+    EXPECT_EQ(write(start[1], "g", 1), 1);
+    int status = 0;
+    EXPECT_EQ(waitpid(program, &status, 0), program);
+    EXPECT_TRUE(WIFSIGNALED(status)) << status;
+    close(start[0]);
+    close(start[1]);
 }
 
 /// The events that the proxy sees up to and including the step `last`.
@@ -83,23 +118,32 @@ void RunWithoutFault(const FaultyOperation& operation, const std::filesystem::pa
 
 /// The fault happens `ahead` events before the step's own event.
 void RunWithFault(const FaultyOperation& operation, const std::filesystem::path& model, std::size_t step,
-                  Fault fault, std::size_t ahead) {
+                  const FaultKind& kind, std::size_t ahead) {
+    const Fault fault = kind.fault;
     FaultFixture fixture(model);
     Lines events = EventsUpTo(operation.steps, step);
     events.resize(events.size() - ahead);
     fixture.Proxy().Arm(events.size() - 1, fault);
-    EXPECT_FALSE(operation.run(fixture));
+    if (KillsTheProgram(fault)) {
+        RunUntilKilled(operation, fixture);
+    } else {
+        EXPECT_FALSE(operation.run(fixture));
+    }
     EXPECT_TRUE(fixture.Proxy().Struck());
     EXPECT_EQ(EventsOf(fixture), events); // nothing ran after the fault
-    EXPECT_EQ(fixture.LogLines(), operation.log_lines(step));
+    EXPECT_EQ(fixture.LogLines(), KillsTheProgram(fault) ? Lines() : operation.log_lines(step));
     if (IsKill(fault)) {
         fixture.RestartServer();
     }
     EXPECT_EQ(operation.state(fixture),
-              IsBefore(fault) ? StateBefore(operation, step) : operation.steps[step].state);
+              kind.before ? StateBefore(operation, step) : operation.steps[step].state);
 }
 
 } // namespace
+
+bool EveryFault() {
+    return std::getenv("KV_EVERY_FAULT") != nullptr;
+}
 
 FaultFixture::FaultFixture() : proxy_(server_.Port(), [this] { server_.Kill(); }) {
     SetUp();
@@ -222,13 +266,16 @@ void TryEveryFault(const char* name, const FaultyOperation& operation) {
     std::vector<support::Case> cases = {{"no fault", [&] { RunWithoutFault(operation, model); }}};
     for (std::size_t i = 0; i < operation.steps.size(); ++i) {
         const std::string& event = operation.steps[i].event;
-        for (const Fault fault : kFaults) {
-            cases.push_back({std::string(support::NameOf(fault)) + " at " + event,
-                             [&, i, fault] { RunWithFault(operation, model, i, fault, 0); }});
-        }
-        if (event != "login") {
-            cases.push_back({"cut in the event before " + event,
-                             [&, i] { RunWithFault(operation, model, i, Fault::CutBefore, 1); }});
+        for (const FaultKind& kind : kFaults) {
+            if (!kind.always && !EveryFault()) {
+                continue;
+            }
+            const std::string fault = support::NameOf(kind.fault);
+            cases.push_back({fault + " at " + event, [&, i] { RunWithFault(operation, model, i, kind, 0); }});
+            if (kind.in_front && event != "login") {
+                cases.push_back({fault + " in the event before " + event,
+                                 [&, i] { RunWithFault(operation, model, i, kind, 1); }});
+            }
         }
     }
     support::RunInChildren(cases, kFaultsAtOnce);

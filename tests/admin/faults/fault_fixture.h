@@ -99,6 +99,10 @@ struct FaultyOperation {
 /// Many, because most faults only wait.
 inline constexpr std::size_t kFaultsAtOnce = 16;
 
+/// True if the environment variable KV_EVERY_FAULT asks for every fault, as the soak does. Otherwise only
+/// those are tried that differ most from each other.
+bool EveryFault();
+
 /// Prepares a server in another process and saves it in the folder for FaultFixture's second constructor.
 void MakeServerModel(const std::function<void(FaultFixture&)>& prepare, const std::filesystem::path& model);
 

@@ -310,14 +310,24 @@ void TrySlow(const fs::path& common, const std::vector<UpgradeStep>& steps) {
     ExpectEvents(fixture, steps);
 }
 
-const Outcome& WantedOutcome(const std::vector<UpgradeStep>& steps, std::size_t step, Fault fault) {
-    if (fault == Fault::KillBefore) {
+/// The state of a run whose server is gone before the step.
+const std::string& StateAt(const std::vector<UpgradeStep>& steps, std::size_t step) {
+    return step < steps.size() ? steps[step].ends.state : kGood.state;
+}
+
+Outcome WantedOutcome(const std::vector<UpgradeStep>& steps, std::size_t step, Fault fault) {
+    switch (fault) {
+    case Fault::KillBefore:
         return steps[step].ends;
-    }
-    if (fault != Fault::CutAfter) {
+    case Fault::KillAfter:
+        return {StateAt(steps, step + 1), steps[step].ends.log};
+    case Fault::CutAfter:
+    case Fault::ResetAfter:
+    case Fault::HangAfter:
+        return steps[step].unanswered ? *steps[step].unanswered : steps[step + 1].fails;
+    default:
         return steps[step].fails;
     }
-    return steps[step].unanswered ? *steps[step].unanswered : steps[step + 1].fails;
 }
 
 void Try(const fs::path& common, const std::vector<UpgradeStep>& steps, std::size_t step, Fault fault) {
@@ -326,10 +336,10 @@ void Try(const fs::path& common, const std::vector<UpgradeStep>& steps, std::siz
     fixture.Proxy().Arm(step, fault);
     RunUpgrade(fixture, common);
     EXPECT_TRUE(fixture.Proxy().Struck());
-    if (fault == Fault::KillBefore) {
+    if (fault == Fault::KillBefore || fault == Fault::KillAfter) {
         fixture.RestartServer();
     }
-    const Outcome& wanted = WantedOutcome(steps, step, fault);
+    const Outcome wanted = WantedOutcome(steps, step, fault);
     EXPECT_EQ(State(fixture), wanted.state);
     EXPECT_EQ(fixture.LogLines(), wanted.log);
 }
@@ -347,6 +357,14 @@ TEST(WholeUpgradeFaults, NeverLoseTheOldRows) {
             faults.push_back(Fault::HangBefore);
         } else {
             ++slow;
+        }
+        if (EveryFault()) {
+            faults.insert(faults.end(), {Fault::ResetBefore, Fault::ResetAfter});
+        }
+        if (EveryFault() && steps[i].limited) {
+            // The query tool goes on after a statement that is refused.
+            faults.insert(faults.end(),
+                          {Fault::HangAfter, Fault::KillAfter, Fault::RefuseRight, Fault::RefuseRoom});
         }
         for (const Fault fault : faults) {
             cases.push_back(
