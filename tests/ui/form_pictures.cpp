@@ -1,7 +1,7 @@
 // Shows the console's forms, each tab, at every size that they must fit at, and writes what the screen shows
-// of them into files: for eyes, after a change of a place or a text. tests/ui/take-pictures runs it.
+// of them into files, to be looked at after a change of a place or a text. The scripts take-pictures run it.
 //
-//   form_pictures FOLDER [SIZE …]     by default all of screen::Sizes
+//   form_pictures FOLDER [SIZE …]     by default all of screen::Sizes; 0 is the size of the desktop
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -13,6 +13,8 @@
 #include "ui/toolkit.h"
 
 namespace {
+
+constexpr int kDesktop = 0;
 
 void Fill(ui::ListView& list) {
     list.ExtendedStyle(ui::kGridLines | ui::kFullRowSelect);
@@ -37,26 +39,39 @@ void Fill(ui::ListBox& list) {
     list.ListIndex(2);
 }
 
-void Fill(ui::Form& form) {
-    for (const auto& control : form.Controls()) {
-        switch (control->Kind()) {
-        case ui::Kind::TextBox:
-            static_cast<ui::TextBox&>(*control).Text("Text of " + std::string(control->Name()) +
-                                                     " gjpqy \xC4\xD6\xDC\xDF");
-            break;
-        case ui::Kind::ComboBox:
-            static_cast<ui::ComboBox&>(*control).AddItem("Batch");
-            static_cast<ui::ComboBox&>(*control).Text("Batch");
-            break;
-        case ui::Kind::ListBox:
-            Fill(static_cast<ui::ListBox&>(*control));
-            break;
-        case ui::Kind::ListView:
-            Fill(static_cast<ui::ListView&>(*control));
-            break;
-        default:
-            break;
+/// Texts with descenders and umlauts, captions of data with "&", one that is too long for its place.
+void Fill(ui::Control& control) {
+    const bool is_data = (control.Design().traits & ui::kData) != 0;
+    switch (control.Kind()) {
+    case ui::Kind::TextBox:
+        static_cast<ui::TextBox&>(control).Text("Text of " + std::string(control.Name()) +
+                                                " gjpqy \xC4\xD6\xDC\xDF");
+        break;
+    case ui::Kind::ComboBox:
+        static_cast<ui::ComboBox&>(control).AddItem("Batch");
+        static_cast<ui::ComboBox&>(control).Text("Batch");
+        break;
+    case ui::Kind::Label:
+        if (is_data) {
+            static_cast<ui::Label&>(control).Caption("A status of 'R&D' gjpqy");
         }
+        break;
+    case ui::Kind::OptionButton:
+        if (is_data && control.Index() == 1) {
+            static_cast<ui::OptionButton&>(control).Caption("LONGNAMED-COMPUTER-17\\R&D_BATCH_INSTANCE");
+        }
+        break;
+    case ui::Kind::CheckBox:
+        control.Enabled(control.Design().caption[0] != '\0');
+        break;
+    case ui::Kind::ListBox:
+        Fill(static_cast<ui::ListBox&>(control));
+        break;
+    case ui::Kind::ListView:
+        Fill(static_cast<ui::ListView&>(control));
+        break;
+    default:
+        break;
     }
 }
 
@@ -74,8 +89,12 @@ bool TakeAll(const ui::FormDesign& design, int size, const std::string& folder) 
         return false;
     }
     screen::Part top = screen::WindowOf(form);
-    Fill(form);
-    screen::SetSize(top, size);
+    for (const auto& control : form.Controls()) {
+        Fill(*control);
+    }
+    if (size != kDesktop) {
+        screen::SetSize(top, size);
+    }
     window->Show();
     screen::Activate(top);
     const std::string begin = folder + "/" + design.name + "-" + std::to_string(size) + "-";

@@ -1,4 +1,5 @@
 // What the native window shows of its form.
+#include <algorithm>
 #include <tuple>
 #include <utility>
 
@@ -42,8 +43,8 @@ TEST_F(ShownForm, MakesTheControlsOfAPageWhenItIsShownFirst) {
     }
 }
 
-/// All of it is done to the model while the page is not there.
-TEST_F(ShownForm, FillsAPageWithWhatTheModelGotBefore) {
+/// The model is changed before the page has native controls.
+TEST_F(ShownForm, FillsAPageWithTheEarlierChangesOfTheModel) {
     auto& rename = Get<ui::TextBox>("edtRenameNewDatabase");
     rename.Text("Batch2");
     rename.SelStart(2);
@@ -156,6 +157,35 @@ TEST_F(ShownForm, KeepsTheSelectionOfATextThatTheProgramSelects) {
     EXPECT_EQ(FocusName(), "edtSQLDataPath0");
 }
 
+TEST_F(ShownForm, ShowsAChoiceThatHasMovedToAnotherPlaceOfTheList) {
+    ShowTab(kv::kUpgradeTab);
+    auto& box = Get<ui::ComboBox>("cboRemoveDatabase");
+    box.AddItem("Batch");
+    box.Text("Batch");
+    Settle();
+    box.Clear();
+    for (const char* name : {"Alpha", "Batch", "Gamma"}) {
+        box.AddItem(name);
+    }
+    box.Text("Batch");
+    Settle();
+    screen::Part native = Native("cboRemoveDatabase");
+    EXPECT_EQ(screen::ChosenItem(native), 1);
+    EXPECT_EQ(screen::ItemCount(native), 3);
+    EXPECT_EQ(screen::Text(native), "Batch");
+}
+
+TEST_F(ShownForm, GivesTheBarBothItsEnds) {
+    auto& bar = Get<ui::ProgressBar>("prbStatus");
+    bar.Min(3);
+    bar.Max(14);
+    bar.Value(5);
+    Settle();
+    EXPECT_EQ(screen::BarMin(Native("prbStatus")), 3);
+    EXPECT_EQ(screen::BarMax(Native("prbStatus")), 14);
+    EXPECT_EQ(screen::BarValue(Native("prbStatus")), 5);
+}
+
 TEST_F(ShownForm, ShowsThePageOfItsTabAlone) {
     for (int tab = 0; tab < kv::kMainTabs; ++tab) {
         Get<ui::TabControl>("tabMain").Tab(tab);
@@ -171,14 +201,13 @@ class ShownAtSize : public OnScreen,
                     public ::testing::WithParamInterface<std::tuple<int, const ui::FormDesign*>> {
   protected:
     ShownAtSize() : OnScreen(*std::get<1>(GetParam())) {}
-    void TearDown() override { screen::SetSize(top_, screen::Sizes().front()); }
     /// Some of the pages are there when the size changes, and some come after it.
     void ResizeAmongTabs() {
         if (form_.Find("tabMain") != nullptr) {
             ShowTab(kv::kScriptTab);
             ShowTab(kv::kViewDataTab);
         }
-        screen::SetSize(top_, std::get<0>(GetParam()));
+        SetSize(std::get<0>(GetParam()));
         ShowAllTabs();
     }
     static bool IsPage(const ui::Control& control) {
@@ -240,6 +269,17 @@ TEST_P(ShownAtSize, ShowsEveryTabBesideItsPage) {
     }
 }
 
+/// The frame included.
+TEST_F(ShownForm, FitsTheScreenAtEverySize) {
+    const screen::Box area = screen::WorkArea();
+    for (const int size : screen::Sizes()) {
+        SetSize(size);
+        const auto fits = [&] { return area.Holds(screen::FrameOf(top_)); };
+        EXPECT_TRUE(screen::WaitFor(fits, std::chrono::seconds(10))) // the window manager moves it
+            << size << ": " << screen::FrameOf(top_).Width() << " x " << screen::FrameOf(top_).Height();
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Sizes, ShownAtSize,
                          ::testing::Combine(::testing::ValuesIn(screen::Sizes()),
                                             ::testing::Values(&kv::MainFormDesign(),
@@ -288,6 +328,36 @@ TEST_F(ShownList, MakesAColumnAsWideAsItsWidestCellWhereverThatIs) {
     EXPECT_GT(screen::ColumnWidth(native_, 1), screen::WidthOfText(native_, wide));
     EXPECT_GE(screen::ColumnWidth(native_, 0), screen::WidthOfText(native_, "ID *") + 8);
     EXPECT_EQ(screen::RowCount(native_), 2000);
+}
+
+TEST_F(ShownList, MakesAColumnOfLongCellsAsWideAsItsViewAndNoWider) {
+    Fill(3);
+    ui::ListView& list = Get<ui::ListView>("lvwViewData");
+    Settle();
+    for (const std::size_t length : {260U, 4680U, 5000U, 40000U}) {
+        list.SetCell(1, 1, std::string(length, 'x'));
+        list.AutoSizeColumn(1);
+        Settle();
+        EXPECT_EQ(screen::ColumnWidth(native_, 1), screen::ViewWidth(native_)) << length;
+        EXPECT_EQ(screen::Cell(native_, 1, 1), std::string(std::min(length, screen::LongestCell()), 'x'));
+    }
+    list.SetCell(1, 1, "short");
+    list.AddColumn("Long", std::string(300, 'h'));
+    list.AutoSizeColumn(1);
+    list.AutoSizeColumn(2);
+    Settle();
+    EXPECT_LT(screen::ColumnWidth(native_, 1), screen::ViewWidth(native_) / 2);
+    EXPECT_EQ(screen::ColumnWidth(native_, 2), screen::ViewWidth(native_)) << "a long header";
+}
+
+TEST_F(ShownList, IsDisabledWithItsModel) {
+    EXPECT_TRUE(screen::IsEnabled(native_));
+    Get<ui::ListView>("lvwViewData").Enabled(false);
+    Settle();
+    EXPECT_FALSE(screen::IsEnabled(native_));
+    Get<ui::ListView>("lvwViewData").Enabled(true);
+    Settle();
+    EXPECT_TRUE(screen::IsEnabled(native_));
 }
 
 TEST_F(ShownList, IsEmptiedWithItsModel) {

@@ -1,4 +1,4 @@
-// A form steered by real mouse and keyboard input, as a person does.
+// A form that is operated by real mouse and keyboard input.
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -14,6 +14,9 @@ using screen::Key;
 
 class SteeredForm : public OnScreen {
   protected:
+    /// A place on the first tab that the dialog does not cover.
+    static constexpr int kBesideDialog = 8;
+
     ui::TabControl& Tabs() { return Get<ui::TabControl>("tabMain"); }
 
     void ClickTab(int tab) {
@@ -28,9 +31,10 @@ class SteeredForm : public OnScreen {
         EXPECT_TRUE(there) << "the focus is on '" << FocusName() << "' and not on '" << name << "'";
         return there;
     }
-    static void InputArrived() {
-        EXPECT_TRUE(screen::InputArrived());
-        Settle();
+    /// Longer than a double click after the press before.
+    static void Rest() {
+        const auto end = ui::InputClock::now() + ui::kDoubleClickTime + std::chrono::milliseconds(100);
+        EXPECT_TRUE(screen::WaitFor([end] { return ui::InputClock::now() > end; }));
     }
 };
 
@@ -61,7 +65,7 @@ TEST_F(SteeredForm, TakesNoTextForALockedBox) {
     screen::Click(Native("edtSQLUNCReplDataPath", 0));
     ASSERT_TRUE(FocusBecomes("edtSQLUNCReplDataPath0"));
     screen::Type("x");
-    InputArrived();
+    ExpectInputArrives();
     EXPECT_EQ(screen::Text(Native("edtSQLUNCReplDataPath", 0)), "");
 }
 
@@ -74,11 +78,35 @@ TEST_F(SteeredForm, ChoosesATabByMouse) {
     EXPECT_TRUE(screen::WaitFor([this] { return screen::IsShown(Native("fraMainTab", 3)); }));
 }
 
+TEST_F(SteeredForm, ClicksTheActiveTabAgainByMouse) {
+    int clicks = 0;
+    Tabs().on_click = [&] { ++clicks; };
+    ClickTab(3);
+    EXPECT_TRUE(TabBecomes(3));
+    Rest();
+    ClickTab(3);
+    ClickTab(3); // a double click
+    EXPECT_TRUE(screen::WaitFor([&] { return clicks == 2; }));
+    ExpectInputArrives();
+    EXPECT_EQ(clicks, 2);
+    EXPECT_EQ(Tabs().Tab(), 3);
+}
+
+TEST_F(SteeredForm, DoesNotClickTheActiveTabWhenItIsDisabled) {
+    int clicks = 0;
+    Tabs().TabEnabled(0, false);
+    Tabs().on_click = [&] { ++clicks; };
+    Settle();
+    ClickTab(0);
+    ExpectInputArrives();
+    EXPECT_EQ(clicks, 0);
+}
+
 TEST_F(SteeredForm, DoesNotChooseADisabledTabByMouse) {
     Tabs().TabEnabled(2, false);
     Settle();
     ClickTab(2);
-    InputArrived();
+    ExpectInputArrives();
     EXPECT_EQ(Tabs().Tab(), 0);
     EXPECT_EQ(screen::ShownTab(Native("tabMain")), 0);
 }
@@ -93,7 +121,7 @@ TEST_F(SteeredForm, PassesOverDisabledTabsByKeyboard) {
     screen::Press(Key::PageDown, {Held::Control});
     EXPECT_TRUE(TabBecomes(5));
     screen::Press(Key::Tab, {Held::Control});
-    EXPECT_TRUE(TabBecomes(0)) << "behind the last comes the first";
+    EXPECT_TRUE(TabBecomes(0)) << "after the last comes the first";
     screen::Press(Key::Tab, {Held::Control, Held::Shift});
     EXPECT_TRUE(TabBecomes(5));
     screen::Press(Key::PageUp, {Held::Control});
@@ -198,12 +226,28 @@ TEST_F(SteeredForm, ShowsTheToolTipOfWhatThePointerRestsOn) {
     const auto& box = Get<ui::TextBox>("edtUserID", 1);
     screen::PointerOver(Native("edtUserID", 1));
     EXPECT_TRUE(tip_becomes(box.Design().tool_tip)) << screen::ToolTip();
+    EXPECT_GT(screen::ToolTipWidth(), 100);
     screen::PointerOver(Native("lblStatus")); // a label without a tool tip
     EXPECT_TRUE(tip_becomes("")) << screen::ToolTip();
     ShowTab(kv::kScriptTab); // made later than the others
     const auto& package = Get<ui::CheckBox>("chkStandardSynchronize");
     screen::PointerOver(Native("chkStandardSynchronize"));
     EXPECT_TRUE(tip_becomes(package.Design().tool_tip)) << screen::ToolTip();
+}
+
+TEST_F(SteeredForm, ShowsTheWholeNameOfAServerThatIsCutAsItsToolTip) {
+    const auto tip_becomes = [](const std::string& text) {
+        return screen::WaitFor([&] { return screen::ToolTip() == text; });
+    };
+    ShowTab(kv::kScriptTab);
+    const std::string name = "A-COMPUTER-WITH-A-LONG-NAME\\AN_INSTANCE_WITH_R&D";
+    Get<ui::OptionButton>("optScriptCurrentServer", 0).Caption(name);
+    Settle();
+    screen::PointerOver(Native("optScriptCurrentServer", 0));
+    EXPECT_TRUE(tip_becomes(name)) << screen::ToolTip();
+    Get<ui::OptionButton>("optScriptCurrentServer", 1).Caption("SRVB");
+    screen::PointerOver(Native("optScriptCurrentServer", 1));
+    EXPECT_TRUE(tip_becomes("")) << screen::ToolTip();
 }
 
 // --- buttons
@@ -240,9 +284,28 @@ TEST_F(SteeredForm, DoesNothingOnEnterInATextBoxAndOnEscape) {
     ASSERT_TRUE(FocusBecomes("edtScriptFolder"));
     screen::Press(Key::Enter);
     screen::Press(Key::Escape);
-    InputArrived();
+    ExpectInputArrives();
     EXPECT_EQ(clicks, 0);
     EXPECT_FALSE(form_.Unloaded());
+}
+
+TEST_F(SteeredForm, DoesNothingOnEnterInATextBoxAfterAButtonWasPressed) {
+    ShowTab(kv::kUpgradeTab);
+    int clicks = 0;
+    Get<ui::CommandButton>("cmdRename").on_click = [&] {
+        ++clicks;
+        form_.SetFocus(Get<ui::CommandButton>("cmdRename"));
+    };
+    screen::Click(Native("cmdRename"));
+    EXPECT_TRUE(screen::WaitFor([&] { return clicks == 1; }));
+    Rest();
+    for (const char* box : {"edtRenameNewDatabase", "cboUpgradeDatabaseDest"}) {
+        screen::Click(Native(box));
+        ASSERT_TRUE(FocusBecomes(box));
+        screen::Press(Key::Enter);
+        ExpectInputArrives();
+        EXPECT_EQ(clicks, 1) << box;
+    }
 }
 
 TEST_F(SteeredForm, TicksABoxAndSelectsAnOption) {
@@ -258,7 +321,7 @@ TEST_F(SteeredForm, TicksABoxAndSelectsAnOption) {
     screen::Click(Native("optCreateInstallScriptFiles", 1));
     EXPECT_TRUE(screen::WaitFor([&] { return clicks == 1; }));
     EXPECT_FALSE(Get<ui::OptionButton>("optCreateInstallScriptFiles", 0).Value());
-    EXPECT_TRUE(Get<ui::OptionButton>("optScriptCurrentServer", 0).Value()) << "another group";
+    EXPECT_TRUE(Get<ui::OptionButton>("optScriptCurrentServer", 0).Value()) << "it is in another group";
     screen::Press(Key::Up);
     EXPECT_TRUE(
         screen::WaitFor([&] { return Get<ui::OptionButton>("optCreateInstallScriptFiles", 0).Value(); }));
@@ -323,14 +386,14 @@ TEST_F(SteeredForm, DoesNotPressWhatIsDisabled) {
     button.Enabled(false);
     Settle();
     screen::Click(Native("cmdGetLocalSettings"));
-    InputArrived();
+    ExpectInputArrives();
     EXPECT_EQ(clicks, 0);
 }
 
 TEST_F(SteeredForm, ThrowsAgainWhatAHandlerHasThrown) {
     Get<ui::CommandButton>("cmdClose").on_click = [] { throw std::runtime_error("out of a handler"); };
     screen::Click(Native("cmdClose"));
-    EXPECT_THROW(window_->RunUntilClosed(), std::runtime_error);
+    EXPECT_THROW(RunUntilClosed(), std::runtime_error);
 }
 
 TEST_F(SteeredForm, MovesTheFocusOnWhenItsControlIsDisabled) {
@@ -341,7 +404,7 @@ TEST_F(SteeredForm, MovesTheFocusOnWhenItsControlIsDisabled) {
     ASSERT_TRUE(FocusBecomes("cmdGetLocalSettings"));
     screen::Press(Key::Space);
     screen::Type("z"); // arrives where the focus has gone
-    window_->RunUntilClosed();
+    RunUntilClosed();
     EXPECT_EQ(Get<ui::TextBox>("edtServerName", 1).Text(), "z");
 }
 
@@ -350,13 +413,13 @@ TEST_F(SteeredForm, FollowsTheFocusThatAHandlerGives) {
     Get<ui::CommandButton>("cmdGetLocalSettings").on_click = [&] { form_.SetFocus(path); };
     path.on_change = [this] { form_.Unload(); };
     screen::Click(Native("cmdGetLocalSettings"));
-    const screen::Meanwhile typing([this] {
+    const screen::Meanwhile typing(WithEnd(form_, [this] {
         if (FocusName() != "edtSQLDataPath0") {
             return false;
         }
         screen::Type("q");
         return true;
-    });
+    }));
     window_->RunUntilClosed(); // its loop follows the operator's focus, and may not take the handler's away
     EXPECT_EQ(path.Text(), "q");
 }
@@ -365,44 +428,47 @@ TEST_F(SteeredForm, IsUnloadedByItsFrame) {
     bool unloaded = false;
     form_.on_unload = [&] { unloaded = true; };
     screen::Press(Key::F4, {Held::Alt});
-    window_->RunUntilClosed();
+    RunUntilClosed();
     EXPECT_TRUE(unloaded);
     EXPECT_FALSE(screen::IsShown(top_));
 }
 
 // --- the dialog
 
-TEST_F(SteeredForm, TakesNoInputWhileADialogStandsAboveIt) {
+TEST_F(SteeredForm, TakesNoInputWhileADialogIsAboveIt) {
     ui::Form dialog(kv::ProceduresFormDesign());
     int below = 0;
-    Get<ui::CommandButton>("cmdGetLocalSettings").on_click = [&] { ++below; };
+    Tabs().on_click = [&] { ++below; };
     screen::Box place;
     screen::Box owner;
     auto& run = dialog.Get<ui::CommandButton>("cmdExecute");
     run.on_click = [&] {
         owner = screen::FrameOf(top_);
         place = screen::FrameOf(screen::WindowOf(dialog));
-        screen::Click(Native("cmdGetLocalSettings"));
+        screen::ClickAt(Native("tabMain"), kBesideDialog, kBesideDialog);
+        EXPECT_TRUE(screen::InputArrived());
         EXPECT_TRUE(screen::Activate(screen::WindowOf(dialog)));
         screen::Press(Key::Escape);
     };
     dialog.Get<ui::CommandButton>("cmdClose").on_click = [&] { dialog.Unload(); };
     dialog.SetFocus(run);
     Get<ui::CommandButton>("cmdClose").on_click = [&] { ui::ShowModally(dialog, form_); };
-    const screen::Meanwhile operating([&] {
+    const screen::Meanwhile operating(WithEnd(dialog, [&] {
         if (screen::WindowOf(dialog) == nullptr || screen::Focused(dialog) != &run) {
             return false;
         }
         screen::Press(Key::Space);
         return true;
-    });
+    }));
     screen::Click(Native("cmdClose"));
     EXPECT_TRUE(screen::WaitFor([&] { return dialog.Unloaded(); }));
     EXPECT_EQ(below, 0);
     EXPECT_NEAR(place.left + place.right, owner.left + owner.right, 2);
+    EXPECT_GT(place.left, owner.left + kBesideDialog) << "the click was not on the dialog";
     ASSERT_TRUE(screen::Activate(top_));
-    screen::Click(Native("cmdGetLocalSettings"));
-    EXPECT_TRUE(screen::WaitFor([&] { return below == 1; })) << "and takes it again when the dialog has gone";
+    screen::ClickAt(Native("tabMain"), kBesideDialog, kBesideDialog);
+    EXPECT_TRUE(screen::WaitFor([&] { return below == 1; }))
+        << "the window takes input again after the dialog";
 }
 
 } // namespace

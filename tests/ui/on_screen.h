@@ -1,8 +1,12 @@
 // A form in its native window, in front, for tests that look at it and steer it.
 #pragma once
 
+#include <chrono>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -25,6 +29,12 @@ class OnScreen : public ::testing::Test {
         Settle();
     }
 
+    void TearDown() override {
+        if (resized_) {
+            screen::SetSize(top_, screen::Sizes().front());
+        }
+    }
+
     template <class T>
     T& Get(const char* name, int index = ui::kNoIndex) {
         return form_.Get<T>(name, index);
@@ -32,7 +42,14 @@ class OnScreen : public ::testing::Test {
     screen::Part Native(const char* name, int index = ui::kNoIndex) {
         return Native(*form_.Find(name, index));
     }
-    screen::Part Native(const ui::Control& control) { return screen::Find(form_, control); }
+    /// Null as long as the control has no native one.
+    screen::Part Native(const ui::Control& control) {
+        screen::Part& native = natives_[control.Id()]; // the search is slow, and what is found stays
+        if (native == nullptr) {
+            native = screen::Find(form_, control);
+        }
+        return native;
+    }
     /// Lets what has been posted run.
     static void Settle() {
         platform::RunPendingEvents();
@@ -50,6 +67,29 @@ class OnScreen : public ::testing::Test {
             ShowTab(tab % tabs->Tabs());
         }
     }
+    void SetSize(int size) {
+        resized_ = true;
+        screen::SetSize(top_, size);
+        Settle();
+    }
+    /// For screen::Meanwhile: the step, and after a minute the end of the form, so that a test that fails
+    /// ends.
+    static std::function<bool()> WithEnd(ui::Form& form, std::function<bool()> step) {
+        const auto end = ui::InputClock::now() + std::chrono::minutes(1);
+        return [&form, step = std::move(step), end, done = false]() mutable {
+            done = done || step();
+            if (ui::InputClock::now() < end) {
+                return false;
+            }
+            ADD_FAILURE() << "the form is still there after a minute";
+            form.Unload();
+            return true;
+        };
+    }
+    void RunUntilClosed() {
+        const screen::Meanwhile end(WithEnd(form_, [] { return true; }));
+        window_->RunUntilClosed();
+    }
     /// The name of the control that has the focus, with its index; "" if none of the form's has.
     std::string FocusName() const {
         const ui::Control* focus = screen::Focused(form_);
@@ -58,8 +98,16 @@ class OnScreen : public ::testing::Test {
     static std::string Name(const ui::Control& control) {
         return control.Name() + (control.Index() ? std::to_string(*control.Index()) : std::string());
     }
+    static void ExpectInputArrives() {
+        EXPECT_TRUE(screen::InputArrived());
+        Settle();
+    }
 
     ui::Form form_;
     std::unique_ptr<ui::Window> window_;
     screen::Part top_ = nullptr;
+
+  private:
+    std::map<int, screen::Part> natives_;
+    bool resized_ = false;
 };

@@ -8,11 +8,13 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -73,23 +75,25 @@ QWidget& Surface(QWidget& widget) {
     return area == nullptr ? widget : *area->viewport();
 }
 
-XInput& Hands() {
-    static XInput hands;
-    return hands;
+XInput& Input() {
+    static XInput input;
+    return input;
 }
 
-/// Counts the keys that mean nothing to anybody.
-class KeyCounter : public QObject {
+/// Counts the keys that do nothing, and the moves of the pointer.
+class InputCounter : public QObject {
   public:
-    KeyCounter() { qApp->installEventFilter(this); }
-    ~KeyCounter() override { qApp->removeEventFilter(this); }
-    int seen = 0;
+    InputCounter() { qApp->installEventFilter(this); }
+    ~InputCounter() override { qApp->removeEventFilter(this); }
+    int keys = 0;
+    int moves = 0;
 
   protected:
     bool eventFilter(QObject* object, QEvent* event) override {
+        moves += object->isWindowType() && event->type() == QEvent::MouseMove ? 1 : 0;
         if (object->isWidgetType() && event->type() == QEvent::KeyPress &&
             static_cast<QKeyEvent*>(event)->key() == Qt::Key_F24) {
-            ++seen;
+            ++keys;
             return true;
         }
         return false;
@@ -98,13 +102,18 @@ class KeyCounter : public QObject {
 
 QTimer* meanwhile = nullptr;
 
+bool HasBuddy(const QWidget& widget) {
+    const auto* label = qobject_cast<const QLabel*>(&widget);
+    return label != nullptr && label->buddy() != nullptr;
+}
+
 } // namespace
 
 bool IsThere() {
     return platform::OpenDesktop() != nullptr;
 }
 
-bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit) {
+bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
     const auto end = std::chrono::steady_clock::now() + limit;
     for (;;) {
         platform::RunPendingEvents();
@@ -120,11 +129,16 @@ bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit)
 
 Meanwhile::Meanwhile(std::function<bool()> step) {
     meanwhile = new QTimer;
-    QObject::connect(meanwhile, &QTimer::timeout, meanwhile, [timer = meanwhile, step = std::move(step)] {
+    const auto run = [timer = meanwhile, step = std::move(step), running = false]() mutable {
+        if (std::exchange(running, true)) {
+            return; // a step may run events itself
+        }
         if (step()) {
             timer->stop();
         }
-    });
+        running = false;
+    };
+    QObject::connect(meanwhile, &QTimer::timeout, meanwhile, run);
     meanwhile->start(std::chrono::milliseconds(10));
 }
 
@@ -223,6 +237,24 @@ std::string Text(Part part) {
     return "";
 }
 
+std::string ShownCaption(Part part) {
+    QWidget& widget = Of(part);
+    QString caption = widget.property("text").toString();
+    if (qobject_cast<QAbstractButton*>(&widget) != nullptr || HasBuddy(widget)) {
+        caption.replace("&&", QChar(1)).remove('&').replace(QChar(1), '&');
+    }
+    return caption.toStdString();
+}
+
+std::string Ellipsis() {
+    return "\xE2\x80\xA6"; // U+2026 in UTF-8
+}
+
+/// Qt measures.
+std::size_t EllipsisOffset() {
+    return 4;
+}
+
 bool IsTicked(Part part) {
     return As<QAbstractButton>(part).isChecked();
 }
@@ -232,7 +264,8 @@ bool IsReadOnly(Part part) {
 }
 
 std::pair<int, int> Selection(Part part) {
-    const auto& line = As<QLineEdit>(part);
+    auto* combo_box = qobject_cast<QComboBox*>(&Of(part));
+    const auto& line = combo_box == nullptr ? As<QLineEdit>(part) : *combo_box->lineEdit();
     return line.hasSelectedText() ? std::pair(line.selectionStart(), line.selectionEnd())
                                   : std::pair(line.cursorPosition(), line.cursorPosition());
 }
@@ -250,6 +283,10 @@ int ChosenItem(Part part) {
 
 bool IsDroppedDown(Part combo_box) {
     return As<QComboBox>(combo_box).view()->isVisible();
+}
+
+int BarMin(Part bar) {
+    return As<QProgressBar>(bar).minimum();
 }
 
 int BarMax(Part bar) {
@@ -279,6 +316,14 @@ std::string Cell(Part list_view, int row, int column) {
 
 int ColumnWidth(Part list_view, int column) {
     return As<QTableView>(list_view).columnWidth(column);
+}
+
+int ViewWidth(Part list_view) {
+    return As<QTableView>(list_view).viewport()->width();
+}
+
+std::size_t LongestCell() {
+    return std::string::npos;
 }
 
 bool HasGridAndFullRows(Part list_view) {
@@ -346,7 +391,7 @@ Pointer PointerOver(Part part) {
     QWidget& surface = Surface(Of(part));
     const QPoint middle = surface.rect().center();
     for (const QPoint place : {middle - QPoint(1, 0), middle}) {
-        Hands().MoveTo(OnScreen(surface, place));
+        Input().MoveTo(OnScreen(surface, place));
         WaitFor([&] { return QCursor::pos() == surface.mapToGlobal(place); });
         platform::RunPendingEvents();
     }
@@ -364,13 +409,63 @@ Pointer PointerOver(Part part) {
     }
 }
 
-std::string ToolTip() {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
+namespace {
+
+const QLabel* ShownTip() {
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
         if (window->inherits("QTipLabel") && window->isVisible()) {
-            return Latin(static_cast<QLabel*>(window)->text());
+            return static_cast<const QLabel*>(window);
         }
     }
-    return "";
+    return nullptr;
+}
+
+} // namespace
+
+std::string ToolTip() {
+    const QLabel* tip = ShownTip();
+    return tip == nullptr ? "" : Latin(tip->text());
+}
+
+int ToolTipWidth() {
+    const QLabel* tip = ShownTip();
+    return tip == nullptr ? 0 : tip->width();
+}
+
+bool HasIcon(Part window) {
+    return !Of(window).windowIcon().isNull();
+}
+
+bool HasPicture(Part button) {
+    return !As<QAbstractButton>(button).icon().isNull();
+}
+
+bool PaintingIsLocked(Part window) {
+    return !Of(window).updatesEnabled();
+}
+
+Colour ColourOf(Look look) {
+    const QPalette palette = QApplication::palette();
+    const QColor colour = look == Look::Face ? palette.color(QPalette::Window)
+                          : look == Look::TextBackground
+                              ? palette.color(QPalette::Base)
+                              : palette.color(QPalette::Disabled, QPalette::WindowText);
+    return colour.rgb() & 0xFFFFFFU;
+}
+
+std::vector<Colour> Pixels(Part part, const Box& box) {
+    QWidget& widget = Of(part);
+    const QPoint corner = widget.mapToGlobal(QPoint(box.left, box.top));
+    const QImage image =
+        widget.screen()->grabWindow(0, corner.x(), corner.y(), box.Width(), box.Height()).toImage();
+    const double scale = image.devicePixelRatio();
+    std::vector<Colour> pixels;
+    for (int y = 0; y < box.Height(); ++y) {
+        for (int x = 0; x < box.Width(); ++x) {
+            pixels.push_back(image.pixel(qFloor(x * scale), qFloor(y * scale)) & 0xFFFFFFU);
+        }
+    }
+    return pixels;
 }
 
 bool TakePicture(Part window, const std::string& path) {
@@ -382,7 +477,7 @@ bool TakePicture(Part window, const std::string& path) {
 }
 
 std::vector<int> Sizes() {
-    return {9, 10, 11, 12, 14};
+    return {9, 10, 11, 12, 13, 14};
 }
 
 void SetSize(Part /*window*/, int size) {
@@ -391,19 +486,72 @@ void SetSize(Part /*window*/, int size) {
     QApplication::setFont(font);
 }
 
+Box WorkArea() {
+    return ToBox(QGuiApplication::primaryScreen()->availableGeometry());
+}
+
+// --- dialogs of the system
+
+Part DialogInFront() {
+    QWidget* window = QApplication::activeModalWidget();
+    return window != nullptr && window->isVisible() && window->inherits("QDialog") ? window : nullptr;
+}
+
+BoxIcon IconOf(Part message_box) {
+    switch (As<QMessageBox>(message_box).icon()) {
+    case QMessageBox::NoIcon:
+        return BoxIcon::None;
+    case QMessageBox::Warning:
+        return BoxIcon::Exclamation;
+    case QMessageBox::Critical:
+        return BoxIcon::Critical;
+    default:
+        return BoxIcon::Other;
+    }
+}
+
+std::string MessageOf(Part message_box) {
+    return Latin(As<QMessageBox>(message_box).text());
+}
+
+bool Says(Part dialog, const std::string& text) {
+    return Text(dialog) == text;
+}
+
+std::vector<std::string> ButtonsOf(Part dialog) {
+    std::vector<std::string> captions;
+    for (QWidget* button : Of(dialog).findChildren<QPushButton*>()) {
+        if (button->isVisible()) {
+            captions.push_back(ShownCaption(button));
+        }
+    }
+    return captions;
+}
+
+void Dismiss(Part dialog) {
+    QMetaObject::invokeMethod(&As<QDialog>(dialog), &QDialog::reject, Qt::QueuedConnection);
+}
+
 // --- working
 
-/// The window manager moves the keyboard's focus some time after it was asked, so a key is pressed until one
-/// arrives.
+/// The window manager places the window, frames it and gives it the keyboard's focus some time after it was
+/// asked. So a key is pressed and the pointer moved onto the window until both arrive, and the display is
+/// asked whether the window is where Qt takes it to be: a click before that would miss it.
 bool Activate(Part window) {
-    constexpr int kTries = 60;
+    constexpr int kTries = 300;
     Of(window).raise();
-    const KeyCounter counter;
+    const InputCounter counter;
     for (int attempt = 0; attempt < kTries; ++attempt) {
-        const auto here = [&] { return counter.seen > 0 && Of(window).isActiveWindow(); };
+        const auto here = [&] {
+            QWidget& widget = Of(window);
+            return counter.keys > 0 && counter.moves > 0 && widget.isActiveWindow() &&
+                   Input().CornerOf(widget.winId()) == OnScreen(widget, {0, 0});
+        };
         Of(window).activateWindow();
-        Hands().PressNothing();
-        if (WaitFor(here, std::chrono::seconds(1))) {
+        Input().MoveTo(OnScreen(Of(window), Of(window).rect().center()));
+        Input().Nudge();
+        Input().PressNothing();
+        if (WaitFor(here, std::chrono::milliseconds(200))) {
             return true;
         }
     }
@@ -417,13 +565,24 @@ void Click(Part part) {
 
 void ClickAt(Part part, int x, int y) {
     QWidget& surface = Surface(Of(part));
-    Hands().MoveTo(OnScreen(surface, {x, y}));
-    Hands().Click();
+    Input().MoveTo(OnScreen(surface, {x, y}));
+    Input().Click();
+}
+
+Spot MiddleOf(Part part) {
+    QWidget& surface = Surface(Of(part));
+    const QPoint middle = OnScreen(surface, surface.rect().center());
+    return {middle.x(), middle.y()};
+}
+
+void ClickAt(Spot spot) {
+    Input().MoveTo({spot.x, spot.y});
+    Input().Click();
 }
 
 void Type(const std::string& text) {
     for (const char character : text) {
-        Hands().Type(character);
+        Input().Type(character);
     }
 }
 
@@ -432,13 +591,23 @@ void Press(Key key, std::initializer_list<Held> held) {
     for (const Held one : held) {
         symbols.push_back(XInput::SymbolOf(one));
     }
-    Hands().Press(XInput::SymbolOf(key), symbols);
+    Input().Press(XInput::SymbolOf(key), symbols);
 }
 
+void Hold(Key key, int repeats) {
+    Input().Hold(XInput::SymbolOf(key), repeats);
+}
+
+/// A press may come later than a key that was sent after it: the window manager looks at it first. It is
+/// followed by the next move of the pointer, if that is over one of the program's windows.
 bool InputArrived() {
-    const KeyCounter counter;
-    Hands().PressNothing();
-    return WaitFor([&counter] { return counter.seen > 0; });
+    const InputCounter counter;
+    const QWidget* below = QApplication::widgetAt(QCursor::pos());
+    const QWidget* modal = QApplication::activeModalWidget();
+    const bool over_window = below != nullptr && (modal == nullptr || below->window() == modal);
+    Input().Nudge();
+    Input().PressNothing();
+    return WaitFor([&] { return counter.keys > 0 && (counter.moves > 0 || !over_window); });
 }
 
 void CloseByFrame(Part window) {

@@ -17,7 +17,9 @@ Display* Of(void* display) {
 
 } // namespace
 
-XInput::XInput() : display_(::XOpenDisplay(nullptr)) {
+XInput::XInput() {
+    ::XInitThreads();
+    display_ = ::XOpenDisplay(nullptr);
     if (display_ == nullptr) {
         throw std::runtime_error("there is no X server");
     }
@@ -27,8 +29,22 @@ XInput::~XInput() {
     ::XCloseDisplay(Of(display_));
 }
 
+QPoint XInput::CornerOf(unsigned long window) {
+    int x = 0;
+    int y = 0;
+    ::Window child = 0;
+    ::XTranslateCoordinates(Of(display_), window, DefaultRootWindow(Of(display_)), 0, 0, &x, &y, &child);
+    return {x, y};
+}
+
 void XInput::MoveTo(QPoint point) {
     ::XTestFakeMotionEvent(Of(display_), -1, point.x(), point.y(), CurrentTime);
+    ::XSync(Of(display_), False);
+}
+
+void XInput::Nudge() {
+    nudge_ = -nudge_;
+    ::XTestFakeRelativeMotionEvent(Of(display_), nudge_, 0, CurrentTime);
     ::XSync(Of(display_), False);
 }
 
@@ -55,7 +71,15 @@ void XInput::Press(Symbol key, const std::vector<Symbol>& held) {
     ::XSync(Of(display_), False);
 }
 
-/// The keys' symbols are Latin 1's; the second level of a key is with Shift.
+void XInput::Hold(Symbol key, int repeats) {
+    for (int time = 0; time <= repeats; ++time) {
+        Send(key, true);
+    }
+    Send(key, false);
+    ::XSync(Of(display_), False);
+}
+
+/// A key's symbol is the character's code in Latin 1. What is on a key's second level needs Shift.
 void XInput::Type(char character) {
     const auto symbol = static_cast<Symbol>(static_cast<unsigned char>(character));
     const KeyCode code = ::XKeysymToKeycode(Of(display_), symbol);

@@ -1,5 +1,5 @@
-// Mouse and keyboard of an X server, by its extension for tests, on a connection of its own: what is sent
-// here comes to the program as a person's input does.
+// Mouse and keyboard input of an X server, sent by its extension for tests (XTEST) over a connection apart
+// from Qt's: it reaches the program as a person's input does. Its members may be called from any thread.
 #pragma once
 
 #include <vector>
@@ -19,11 +19,16 @@ class XInput {
     XInput& operator=(const XInput&) = delete;
     ~XInput();
 
-    /// In pixels of the screen.
+    /// Where the display has a window's contents. In pixels of the screen, as below.
+    QPoint CornerOf(unsigned long window);
     void MoveTo(QPoint point);
+    /// By one pixel, to and fro.
+    void Nudge();
     void Click();
     void Type(char character);
     void Press(Symbol key, const std::vector<Symbol>& held = {});
+    /// Presses a key, lets it come down `repeats` times more as a keyboard does, and lets it go.
+    void Hold(Symbol key, int repeats);
     /// A key that no program has a use for: F24.
     void PressNothing();
 
@@ -33,7 +38,8 @@ class XInput {
   private:
     void Send(Symbol key, bool down);
 
-    void* display_; ///< Xlib's; its header has macros by names that Qt uses
+    int nudge_ = -1;
+    void* display_ = nullptr; ///< of Xlib, whose header has macros with names that Qt uses
 };
 
 } // namespace screen

@@ -1,8 +1,7 @@
-// The system's dialogs for a folder and a file, answered from a second thread as a person would.
+// How the system's dialogs for a folder and a file are asked for on Windows. ../pickers_test.cpp answers
+// them.
 #include "ui/windows/pickers.h"
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -14,7 +13,7 @@
 
 namespace {
 
-/// What the program asks the system for, taken on its way: a dialog does not show all of it.
+/// What the program asks the system for: a dialog does not show all of it.
 struct AskedFolder {
     HWND owner = nullptr;
     std::string title;
@@ -35,7 +34,7 @@ ITEMIDLIST* WINAPI TakeAndBrowse(BROWSEINFOA* info) {
 
 } // namespace
 
-/// Stands before the system's own entry: the linker takes the first.
+/// Replaces the system's own entry: the linker takes the first.
 extern "C" {
 void* __imp_SHBrowseForFolderA = reinterpret_cast<void*>(&TakeAndBrowse);
 }
@@ -100,98 +99,6 @@ TEST(FilePicker, HasItsOwnerTitleAndFilterAndNoBoxForReadOnly) {
     EXPECT_EQ(title, "Browse for script file");
     EXPECT_EQ(filter, "Script Files (*.sql)");
     EXPECT_FALSE(read_only);
-}
-
-/// A dialog of this process that stands above another one; null if there is none.
-HWND BoxAbove(HWND dialog) {
-    HWND box = nullptr;
-    while ((box = ::FindWindowExA(nullptr, box, "#32770", nullptr)) != nullptr) {
-        if (box != dialog && ::GetWindow(box, GW_OWNER) == dialog && ::IsWindowVisible(box) != 0) {
-            return box;
-        }
-    }
-    return nullptr;
-}
-
-TEST(FilePicker, TakesNoFileThatIsNotThere) {
-    bool refused = false;
-    std::optional<std::string> chosen;
-    {
-        const Answer type([&refused](HWND dialog) {
-            hands::Activate(dialog);
-            hands::WaitFor([dialog] { return hands::ClassOf(hands::FocusIn(dialog)) == "Edit"; });
-            hands::Type("kv no such file.sql");
-            hands::Press(VK_RETURN);
-            hands::WaitFor(
-                [dialog, &refused] {
-                    const HWND box = BoxAbove(dialog);
-                    refused = box != nullptr;
-                    if (refused) {
-                        Answer::Press(box, IDOK);
-                    }
-                    return refused || ::IsWindow(dialog) == 0;
-                },
-                std::chrono::seconds(20));
-            hands::WaitFor([dialog] { return BoxAbove(dialog) == nullptr; });
-            Answer::Press(dialog, IDCANCEL);
-        });
-        chosen = ui::BrowseForFile("Browse for script file", "Script Files (*.sql)|*.sql", nullptr, "C:\\");
-    }
-    EXPECT_TRUE(refused);
-    EXPECT_EQ(chosen, std::nullopt);
-}
-
-TEST(FolderPicker, GivesNothingWhenItIsCancelled) {
-    const Answer cancel([](HWND dialog) { Answer::Press(dialog, IDCANCEL); });
-    EXPECT_EQ(ui::BrowseForFolder(nullptr, "Browse for script folder", "C:\\windows"), std::nullopt);
-}
-
-TEST(FolderPicker, OpensAtTheStartFolderAndGivesIt) {
-    const Answer take([](HWND dialog) { Answer::Press(dialog, IDOK); });
-    const auto chosen = ui::BrowseForFolder(nullptr, "Browse for script folder", "C:\\windows\\system32");
-    ASSERT_TRUE(chosen.has_value());
-    EXPECT_EQ(::lstrcmpiA(chosen->c_str(), "C:\\windows\\system32"), 0) << *chosen;
-}
-
-TEST(FilePicker, GivesNothingWhenItIsCancelled) {
-    const Answer cancel([](HWND dialog) { Answer::Press(dialog, IDCANCEL); });
-    EXPECT_EQ(ui::BrowseForFile("Browse for script file", "Script Files (*.sql)|*.sql", nullptr, ""),
-              std::nullopt);
-}
-
-/// Picks the file of that name in the folder that the dialog opens at.
-std::optional<std::string> PickTyped(const std::string& name, const std::string& start_folder) {
-    const Answer type([&name](HWND dialog) {
-        EXPECT_TRUE(hands::Activate(dialog)) << "the dialog is in front";
-        EXPECT_TRUE(hands::WaitFor([dialog] { return hands::ClassOf(hands::FocusIn(dialog)) == "Edit"; }))
-            << "the focus is in the name";
-        hands::Type(name);
-        hands::Press(VK_RETURN);
-        // A name that is not found brings up a box: both go, so that a failure has an end.
-        if (hands::WaitFor([dialog] { return ::IsWindow(dialog) == 0 || BoxAbove(dialog) != nullptr; },
-                           std::chrono::seconds(20)) &&
-            ::IsWindow(dialog) == 0) {
-            return;
-        }
-        Answer::Press(BoxAbove(dialog), IDOK);
-        hands::WaitFor([dialog] { return BoxAbove(dialog) == nullptr; });
-        Answer::Press(dialog, IDCANCEL);
-    });
-    return ui::BrowseForFile("Browse for script file", "Script Files (*.sql)|*.sql", nullptr, start_folder);
-}
-
-TEST(FilePicker, GivesTheFileThatIsTypedInTheStartFolder) {
-    // In no folder of its own: the shell would not let go of it before this program ends.
-    const std::filesystem::path file = std::filesystem::temp_directory_path() / "kv pick a file.sql";
-    std::ofstream(file) << "SELECT 1";
-    // One after the other: the system remembers where the last file was.
-    const auto first = PickTyped("win.ini", "C:\\windows");
-    const auto second = PickTyped(file.filename().string(), file.parent_path().string());
-    std::filesystem::remove(file);
-    ASSERT_TRUE(first.has_value());
-    EXPECT_EQ(::lstrcmpiA(first->c_str(), "C:\\windows\\win.ini"), 0) << *first;
-    ASSERT_TRUE(second.has_value());
-    EXPECT_EQ(::lstrcmpiA(second->c_str(), file.string().c_str()), 0) << *second;
 }
 
 } // namespace

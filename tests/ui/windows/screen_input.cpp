@@ -104,7 +104,7 @@ class Canvas {
 
 } // namespace
 
-bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit) {
+bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
     const auto end = std::chrono::steady_clock::now() + limit;
     for (;;) {
         platform::RunPendingEvents();
@@ -197,7 +197,7 @@ void Type(const std::string& text) {
     }
 }
 
-void Press(WORD key, std::initializer_list<WORD> held) {
+void Press(WORD key, const std::vector<WORD>& held) {
     std::vector<INPUT> inputs;
     for (const WORD other : held) {
         inputs.push_back(KeyInput(other, false));
@@ -207,6 +207,12 @@ void Press(WORD key, std::initializer_list<WORD> held) {
     for (auto other = std::rbegin(held); other != std::rend(held); ++other) {
         inputs.push_back(KeyInput(*other, true));
     }
+    Send(std::move(inputs));
+}
+
+void Hold(WORD key, int repeats) {
+    std::vector<INPUT> inputs(static_cast<std::size_t>(repeats) + 1, KeyInput(key, false));
+    inputs.push_back(KeyInput(key, true));
     Send(std::move(inputs));
 }
 

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <functional>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -13,7 +12,7 @@
 namespace hands {
 
 /// Waits until the condition holds, letting this thread's windows run meanwhile; false if it takes too long.
-bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds limit = std::chrono::seconds(60));
+bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds limit = std::chrono::minutes(1));
 
 /// The window below `top`, at any depth, with this identifier; null if there is none.
 HWND Child(HWND top, int id);
@@ -41,7 +40,9 @@ void Click(HWND window);
 /// The keys of these characters: letters, digits, blanks and what stands on a US keyboard.
 void Type(const std::string& text);
 /// Presses a key while others are held.
-void Press(WORD key, std::initializer_list<WORD> held = {});
+void Press(WORD key, const std::vector<WORD>& held = {});
+/// Presses a key, lets it come down `repeats` times more as a keyboard does, and lets it go.
+void Hold(WORD key, int repeats);
 
 /// Writes what the screen shows of the window with its frame into a bitmap file.
 bool TakePicture(HWND window, const std::string& path);

@@ -223,9 +223,11 @@ void NativeForm::CentreOn(const QWidget* owner) {
     MoveWithin(work, own.topLeft());
 }
 
+/// The frame's corner; its size is known when the window has been shown.
 void NativeForm::MoveWithin(const QRect& work, QPoint corner) {
-    const int left = std::min(corner.x(), work.right() - window_->width());
-    const int top = std::min(corner.y(), work.bottom() - window_->height());
+    const QSize frame = window_->frameGeometry().size();
+    const int left = std::min(corner.x(), work.x() + work.width() - frame.width());
+    const int top = std::min(corner.y(), work.y() + work.height() - frame.height());
     window_->move(std::max(work.left(), left), std::max(work.top(), top));
 }
 

@@ -185,7 +185,7 @@ bool NativeForm::RefusesMouse(QWidget& widget, const QInputEvent& press) {
     if (native == nullptr) {
         return false;
     }
-    const auto arrived = clock_.ArrivalOf(press);
+    const auto arrived = clock_.ArrivalOf(press.timestamp());
     const std::chrono::milliseconds double_click(QApplication::doubleClickInterval());
     if (!AcceptsPress(*native->control, arrived, std::max(kDoubleClickTime, double_click))) {
         return true;
@@ -200,12 +200,17 @@ bool NativeForm::RefusesKey(QWidget& widget, const QKeyEvent& key) {
     if (native == nullptr) {
         return false;
     }
-    const bool repeated = key.isAutoRepeat() && native->control->Kind() == Kind::CommandButton;
-    return repeated || !Accepts(*native->control, last_press_);
+    const bool button = native->control->Kind() == Kind::CommandButton;
+    const bool presses =
+        key.key() == Qt::Key_Space || key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+    if (button && !presses) {
+        return false; // it leads elsewhere
+    }
+    return (button && key.isAutoRepeat()) || !Accepts(*native->control, last_press_);
 }
 
 bool NativeForm::TakeKey(QWidget& widget, const QKeyEvent& key) {
-    last_press_ = clock_.ArrivalOf(key);
+    last_press_ = clock_.ArrivalOf(key.timestamp());
     return FilterKey(widget, key, false) || RefusesKey(widget, key);
 }
 
@@ -243,8 +248,12 @@ bool NativeForm::eventFilter(QObject* object, QEvent* event) {
         return false;
     }
     switch (event->type()) {
-    case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
+        if (tabs_ != nullptr && &widget == &tabs_->Bar()) {
+            return true; // the bar would take it for a second click on the tab
+        }
+        [[fallthrough]];
+    case QEvent::MouseButtonPress:
         return RefusesMouse(widget, static_cast<const QInputEvent&>(*event));
     case QEvent::ShortcutOverride:
         return FilterKey(widget, static_cast<const QKeyEvent&>(*event), true) && (event->accept(), true);

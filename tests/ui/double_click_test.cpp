@@ -1,16 +1,16 @@
-// Second clicks on commands, by a real mouse and keyboard: whenever they come, the command runs once.
+// Second clicks on commands by real mouse and keyboard input: the command runs once, whenever they arrive.
 #include <chrono>
-#include <map>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "console/wait_cursor.h"
+#include "ui/on_screen.h"
 #include "ui/operator.h"
-#include "ui/windows/on_screen.h"
 
 namespace {
 
+using screen::Key;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
@@ -28,7 +28,7 @@ class SecondClicks : public OnScreen {
   protected:
     using OnScreen::OnScreen;
     static constexpr milliseconds kWork{80};
-    static constexpr int kEnough = 3; // of runs, where each would bring about the next
+    static constexpr int kEnough = 3; // runs, in a test where each run would cause the next
 
     /// As the console's commands run: pending events once, then the server's time, and the button is back
     /// with the focus.
@@ -55,38 +55,32 @@ class SecondClicks : public OnScreen {
             }
         }
     }
-    /// All input so far has been dealt with when a key pressed after it has: F24 does nothing else.
-    static void InputArrived() {
-        const int before = ::GetKeyState(VK_F24) & 1;
-        hands::Press(VK_F24);
-        ASSERT_TRUE(hands::WaitFor([before] { return (::GetKeyState(VK_F24) & 1) != before; }));
-        Settle();
-    }
     /// Longer than a double click after whatever was pressed before.
     static void Rest() {
         const auto end = steady_clock::now() + ui::kDoubleClickTime + milliseconds(100);
-        hands::WaitFor([end] { return steady_clock::now() > end; });
+        EXPECT_TRUE(screen::WaitFor([end] { return steady_clock::now() > end; }));
     }
     /// False if the machine was so busy that the clicks came further apart than those of a double click.
-    bool ClickTwice(HWND native, milliseconds between) {
+    bool ClickTwice(screen::Part native, milliseconds between) {
         constexpr milliseconds kSteps{32}; // of the system's clock, of both clicks
         auto took = ui::kDoubleClickTime;
         {
-            const std::jthread hand([native, between, &took] {
+            // A thread apart: the second click comes while the command keeps this one busy.
+            const std::jthread clicking([spot = screen::MiddleOf(native), between, &took] {
                 const auto start = steady_clock::now();
-                hands::Click(native);
+                screen::ClickAt(spot);
                 std::this_thread::sleep_for(between);
-                hands::Click(native);
+                screen::ClickAt(spot);
                 took = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
             });
-            EXPECT_TRUE(hands::WaitFor([this] { return runs_ > 0; }));
+            EXPECT_TRUE(screen::WaitFor([this] { return runs_ > 0; }));
         }
-        InputArrived();
+        ExpectInputArrives();
         return took < ui::kDoubleClickTime - kSteps;
     }
     void ExpectOneRunOfTwoClicks(const ui::CommandButton& button, milliseconds between) {
         SCOPED_TRACE(Name(button) + ", " + std::to_string(between.count()) + " ms between the clicks");
-        const HWND native = Native(button);
+        screen::Part native = Native(button);
         ASSERT_NE(native, nullptr);
         constexpr int kTries = 20;
         for (int time = 0; time < kTries; ++time) {
@@ -151,8 +145,8 @@ TEST_F(SecondClicks, AreNewCommandsOnceTheOperatorHasSeenTheEnd) {
     ShowTab(kv::kUpgradeTab);
     for (int time = 1; time <= 3; ++time) {
         Rest();
-        hands::Click(Native("cmdRemove"));
-        EXPECT_TRUE(hands::WaitFor([this, time] { return runs_ == time; })) << runs_;
+        screen::Click(Native("cmdRemove"));
+        EXPECT_TRUE(screen::WaitFor([this, time] { return runs_ == time; })) << runs_;
     }
 }
 
@@ -161,13 +155,13 @@ TEST_F(SecondClicks, ByKeysThatWaitDoNotRunACommandAgain) {
     ShowTab(kv::kUpgradeTab);
     auto& remove = Get<ui::CommandButton>("cmdRemove");
     for (const bool disables : {true, false}) {
-        for (const WORD key : {WORD{VK_SPACE}, WORD{VK_RETURN}}) {
+        for (const Key key : {Key::Space, Key::Enter}) {
             remove.on_click = [&] {
                 ++runs_;
                 remove.Enabled(!disables);
                 Settle();
                 if (runs_ < kEnough) {
-                    hands::Press(key);
+                    screen::Press(key);
                 }
                 remove.Enabled(true);
                 form_.SetFocus(remove);
@@ -176,10 +170,11 @@ TEST_F(SecondClicks, ByKeysThatWaitDoNotRunACommandAgain) {
             form_.SetFocus(remove);
             Settle();
             runs_ = 0;
-            hands::Press(key);
-            EXPECT_TRUE(hands::WaitFor([this] { return runs_ > 0; }));
-            InputArrived();
-            EXPECT_EQ(runs_, 1) << key << (disables ? ", disabled" : ", enabled");
+            screen::Press(key);
+            EXPECT_TRUE(screen::WaitFor([this] { return runs_ > 0; }));
+            ExpectInputArrives();
+            EXPECT_EQ(runs_, 1) << (key == Key::Space ? "space" : "Enter")
+                                << (disables ? ", disabled" : ", enabled");
         }
     }
 }
@@ -191,9 +186,9 @@ TEST_F(SecondClicks, ByKeysThatLeadElsewhereAreNotDropped) {
     remove.on_click = [this] { ++runs_; };
     form_.SetFocus(remove);
     Settle();
-    hands::Press(VK_SPACE);
-    hands::Press(VK_TAB);
-    EXPECT_TRUE(hands::WaitFor([this] { return FocusName() == "cmdClose"; })) << FocusName();
+    screen::Press(Key::Space);
+    screen::Press(Key::Tab);
+    EXPECT_TRUE(screen::WaitFor([this] { return FocusName() == "cmdClose"; })) << FocusName();
     EXPECT_EQ(runs_, 1);
 }
 
@@ -205,33 +200,29 @@ TEST_F(SecondClicks, ByAMnemonicThatWaitsDoNotRunACommandAgain) {
         run.Enabled(false);
         Settle();
         if (runs_ < kEnough) {
-            hands::Press('R', {VK_MENU});
+            screen::Press(Key::R, {screen::Held::Alt});
         }
         run.Enabled(true);
     };
-    hands::Press('R', {VK_MENU});
-    EXPECT_TRUE(hands::WaitFor([this] { return runs_ > 0; }));
-    InputArrived();
+    screen::Press(Key::R, {screen::Held::Alt});
+    EXPECT_TRUE(screen::WaitFor([this] { return runs_ > 0; }));
+    ExpectInputArrives();
     EXPECT_EQ(runs_, 1);
 }
 
-/// A held key comes as one key that goes down again and again.
+/// A key that is held comes down again and again.
 TEST_F(SecondClicks, ByAKeyThatIsHeldDoNotRunACommandAgain) {
-    Arm();
     ShowTab(kv::kUpgradeTab);
     auto& remove = Get<ui::CommandButton>("cmdRemove");
+    remove.on_click = [this] { ++runs_; };
     form_.SetFocus(remove);
     Settle();
-    const HWND native = Native(remove);
-    constexpr LPARAM kRepeated = LPARAM{1} << 30;
-    ::PostMessageA(native, WM_KEYDOWN, VK_RETURN, 1);
-    EXPECT_TRUE(hands::WaitFor([this] { return runs_ == 1; }));
-    Rest();
-    ::PostMessageA(native, WM_KEYDOWN, VK_RETURN, kRepeated | 1);
-    Settle();
+    screen::Hold(Key::Enter, 5);
+    ExpectInputArrives();
     EXPECT_EQ(runs_, 1);
-    ::PostMessageA(native, WM_KEYDOWN, VK_RETURN, 1);
-    EXPECT_TRUE(hands::WaitFor([this] { return runs_ == 2; })) << "the key is pressed anew";
+    Rest();
+    screen::Press(Key::Enter);
+    EXPECT_TRUE(screen::WaitFor([this] { return runs_ == 2; })) << "the key is pressed anew";
 }
 
 /// The first press meets the disabled button, which the system gives to the page below it.
@@ -241,12 +232,12 @@ TEST_F(SecondClicks, OfADoubleClickThatBeganOnADisabledButtonRunNothing) {
     auto& remove = Get<ui::CommandButton>("cmdRemove");
     remove.Enabled(false);
     Settle();
-    hands::Click(Native(remove));
-    InputArrived();
+    screen::Click(Native(remove));
+    ExpectInputArrives();
     remove.Enabled(true);
     Settle();
-    hands::Click(Native(remove));
-    InputArrived();
+    screen::Click(Native(remove));
+    ExpectInputArrives();
     EXPECT_EQ(runs_, 0);
 }
 

@@ -1,0 +1,97 @@
+// The system's dialogs for a folder and a file, answered as a person does it.
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/temp_folder.h"
+#include "ui/dialog_answers.h"
+#include "ui/on_screen.h"
+
+namespace {
+
+using screen::Key;
+
+class Pickers : public OnScreen {
+  protected:
+    using Chosen = std::optional<std::string>;
+    using Act = DialogAnswers::Act;
+
+    Chosen PickFolder(const std::string& start_folder, const Act& act) {
+        constexpr char kTitle[] = "Browse for script folder";
+        const screen::Meanwhile answering(DialogAnswers({Checked(kTitle, act)}));
+        return ui::PickFolder(form_, kTitle, start_folder);
+    }
+    Chosen PickFile(const std::string& start_folder, std::vector<Act> acts) {
+        constexpr char kTitle[] = "Browse for script file";
+        acts.front() = Checked(kTitle, acts.front());
+        const screen::Meanwhile answering(DialogAnswers(std::move(acts)));
+        return ui::PickFile(form_, kTitle, "Script Files (*.sql)|*.sql", start_folder);
+    }
+    static std::string Start(const support::TempFolder& folder) { return folder.Path().string(); }
+    static void Cancel(screen::Part /*dialog*/) { screen::Press(Key::Escape); }
+    static void Accept(screen::Part /*dialog*/) { screen::Press(Key::Enter); }
+    /// The keyboard goes to the name when the dialog comes up.
+    static Act TypeName(const std::string& name) {
+        return [name](screen::Part /*dialog*/) {
+            screen::Type(name);
+            screen::Press(Key::Enter);
+        };
+    }
+    static void ExpectSamePath(const Chosen& chosen, const std::filesystem::path& path) {
+        ASSERT_TRUE(chosen.has_value());
+        EXPECT_TRUE(std::filesystem::equivalent(*chosen, path)) << *chosen << " and not " << path;
+    }
+
+    bool asked_ = false; ///< the last dialog had the title that it was given
+
+  private:
+    Act Checked(const char* title, const Act& act) {
+        return [this, title, act](screen::Part dialog) {
+            asked_ = screen::Says(dialog, title);
+            act(dialog);
+        };
+    }
+};
+
+TEST_F(Pickers, GiveNoFolderWhenTheyAreCancelled) {
+    const support::TempFolder folder;
+    EXPECT_EQ(PickFolder(Start(folder), Cancel), std::nullopt);
+    EXPECT_TRUE(asked_);
+}
+
+TEST_F(Pickers, GiveNoFileWhenTheyAreCancelled) {
+    EXPECT_EQ(PickFile("", {Cancel}), std::nullopt);
+    EXPECT_TRUE(asked_);
+}
+
+TEST_F(Pickers, OpenAtTheStartFolderAndGiveIt) {
+    const support::TempFolder folder;
+    ExpectSamePath(PickFolder(Start(folder), Accept), folder.Path());
+}
+
+/// Twice, in different folders: the system remembers where the last file was.
+TEST_F(Pickers, GiveTheFileThatIsTypedInTheStartFolder) {
+    for (const char* name : {"kv pick a file.sql", "kv another file.sql"}) {
+        const support::TempFolder folder;
+        const std::filesystem::path file = folder.Path() / name;
+        std::ofstream(file) << "SELECT 1";
+        ExpectSamePath(PickFile(Start(folder), {TypeName(name)}), file);
+    }
+}
+
+TEST_F(Pickers, TakeNoFileThatIsNotThere) {
+    const support::TempFolder folder;
+    bool refused = false;
+    const auto see_box = [&refused](screen::Part box) {
+        refused = true;
+        Accept(box);
+    };
+    const auto chosen = PickFile(Start(folder), {TypeName("kv no such file.sql"), see_box, Cancel});
+    EXPECT_TRUE(refused);
+    EXPECT_EQ(chosen, std::nullopt);
+}
+
+} // namespace
