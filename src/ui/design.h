@@ -58,6 +58,8 @@ enum Trait : std::uint32_t {
     /// Label, OptionButton: the caption is data. An "&" in it is itself and no mnemonic's. A caption too long
     /// for an option button is shown with an ellipsis in its middle, and the whole of it is the tool tip.
     kData = 1U << 7U,
+    /// TextBox: a password. The screen shows it as it is; assistive technology is not given it.
+    kSecret = 1U << 8U,
 };
 
 /// Controls outside an array have this index.

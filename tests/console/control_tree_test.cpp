@@ -67,7 +67,8 @@ TEST(ControlTree, EveryRowIsInTheDesign) {
         EXPECT_EQ(design->kind, Kinds().at(row.kind)) << name;
         EXPECT_STREQ(design->caption, row.caption) << name;
         EXPECT_STREQ(design->tool_tip, row.tool_tip) << name;
-        EXPECT_EQ(design->traits & ~(ui::kData | ui::kButtonFace), Traits().at(row.remarks)) << name;
+        EXPECT_EQ(design->traits & ~(ui::kData | ui::kButtonFace | ui::kSecret), Traits().at(row.remarks))
+            << name;
         std::string parent = *row.inside == '\0' ? FullName("fraMainTab", row.tab) : row.inside;
         if (name == "lvwViewData") {
             parent = "picListViewFrame"; // the picture box that contains the page's list
@@ -91,6 +92,16 @@ TEST(ControlTree, OnlyServerNamesAndTheTwoStatusTextsAreMarkedAsData) {
         }
     }
     EXPECT_EQ(designed, expected);
+}
+
+TEST(ControlTree, TheTwoPasswordsAreSecret) {
+    std::set<std::string> designed;
+    for (const ui::ControlDesign& row : MainFormDesign().controls) {
+        if ((row.traits & ui::kSecret) != 0) {
+            designed.insert(FullName(row.name.name, row.name.index));
+        }
+    }
+    EXPECT_EQ(designed, (std::set<std::string>{FullName("edtPassword", 0), FullName("edtPassword", 1)}));
 }
 
 TEST(ControlTree, TheDerivedPathsHaveTheBackgroundOfReadOnlyBoxes) {

@@ -11,12 +11,13 @@
 
 #include "ui/screen.h"
 
-/// For screen::Meanwhile. Each act answers the dialog that comes to the front next, by input, and may not
-/// wait: a dialog gets its input only when its own loop runs. A dialog that is still in front long after its
-/// act, or that no act is left for, is dismissed, so that a test that fails ends.
+/// For screen::Meanwhile. Each act answers the dialog that comes to the front next, by input. It returns
+/// false to be called again, and may not wait: a dialog gets its input only when its own loop runs. A dialog
+/// that is still in front long after its act, or that no act is left for, is dismissed, so that a test that
+/// fails ends.
 class DialogAnswers {
   public:
-    using Act = std::function<void(screen::Part dialog)>;
+    using Act = std::function<bool(screen::Part dialog)>;
 
     explicit DialogAnswers(std::vector<Act> acts) : acts_(std::move(acts)) {}
 
@@ -32,10 +33,9 @@ class DialogAnswers {
         if (front == nullptr || now - since_ < kToComeUp) {
             return false;
         }
-        if (!answered_ && next_ < acts_.size()) {
+        if (!answered_ && next_ < acts_.size() && screen::Activate(front) && acts_[next_](front)) {
             answered_ = true;
-            EXPECT_TRUE(screen::Activate(front));
-            acts_[next_++](front);
+            ++next_;
         } else if (now - since_ > kLongest) {
             ADD_FAILURE() << "a dialog has not gone by its answer, or there is none for it";
             screen::Dismiss(front);
@@ -45,7 +45,7 @@ class DialogAnswers {
     }
 
   private:
-    static constexpr std::chrono::milliseconds kToComeUp{200}; ///< its tree or its list is filled
+    static constexpr std::chrono::milliseconds kToComeUp{200}; ///< its list is filled
     static constexpr std::chrono::seconds kLongest{30};
 
     std::vector<Act> acts_;

@@ -22,6 +22,7 @@ SeenBox Show(platform::MessageIcon icon, screen::Key key = screen::Key::Enter) {
     const screen::Meanwhile answering(DialogAnswers({[&seen, key](screen::Part box) {
         seen = {screen::MessageOf(box), screen::Text(box), screen::IconOf(box), screen::ButtonsOf(box)};
         screen::Press(key);
+        return true;
     }}));
     platform::ShowMessageBox("R&D already exist!", icon, "KVLSQLDbMgr");
     return seen;

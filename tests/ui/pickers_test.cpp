@@ -31,13 +31,19 @@ class Pickers : public OnScreen {
         return ui::PickFile(form_, kTitle, "Script Files (*.sql)|*.sql", start_folder);
     }
     static std::string Start(const support::TempFolder& folder) { return folder.Path().string(); }
-    static void Cancel(screen::Part /*dialog*/) { screen::Press(Key::Escape); }
-    static void Accept(screen::Part /*dialog*/) { screen::Press(Key::Enter); }
+    static bool Cancel(screen::Part /*dialog*/) {
+        screen::Press(Key::Escape);
+        return true;
+    }
+    static bool Accept(screen::Part /*dialog*/) {
+        screen::Press(Key::Enter);
+        return true;
+    }
     /// The keyboard goes to the name when the dialog comes up.
     static Act TypeName(const std::string& name) {
         return [name](screen::Part /*dialog*/) {
             screen::Type(name);
-            screen::Press(Key::Enter);
+            return Accept(nullptr);
         };
     }
     static void ExpectSamePath(const Chosen& chosen, const std::filesystem::path& path) {
@@ -51,7 +57,7 @@ class Pickers : public OnScreen {
     Act Checked(const char* title, const Act& act) {
         return [this, title, act](screen::Part dialog) {
             asked_ = screen::Says(dialog, title);
-            act(dialog);
+            return act(dialog);
         };
     }
 };
@@ -69,7 +75,10 @@ TEST_F(Pickers, GiveNoFileWhenTheyAreCancelled) {
 
 TEST_F(Pickers, OpenAtTheStartFolderAndGiveIt) {
     const support::TempFolder folder;
-    ExpectSamePath(PickFolder(Start(folder), Accept), folder.Path());
+    const auto accept = [&folder](screen::Part dialog) {
+        return screen::HasChosen(dialog, folder.Path().filename().string()) && Accept(dialog);
+    };
+    ExpectSamePath(PickFolder(Start(folder), accept), folder.Path());
 }
 
 /// Twice, in different folders: the system remembers where the last file was.
@@ -87,7 +96,7 @@ TEST_F(Pickers, TakeNoFileThatIsNotThere) {
     bool refused = false;
     const auto see_box = [&refused](screen::Part box) {
         refused = true;
-        Accept(box);
+        return Accept(box);
     };
     const auto chosen = PickFile(Start(folder), {TypeName("kv no such file.sql"), see_box, Cancel});
     EXPECT_TRUE(refused);

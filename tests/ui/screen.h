@@ -42,7 +42,8 @@ struct Box {
 
 bool IsThere();
 /// Waits until the condition holds, letting this thread's windows run meanwhile; false if it takes too long.
-bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds limit = std::chrono::minutes(1));
+bool WaitFor(const std::function<bool()>& condition,
+             std::chrono::milliseconds limit = std::chrono::minutes(1));
 /// Calls `step` every few milliseconds from within whatever loop runs the windows (a modal dialog's too),
 /// until it returns true or this object goes. There is one at a time.
 class Meanwhile {
@@ -151,6 +152,8 @@ BoxIcon IconOf(Part message_box);
 std::string MessageOf(Part message_box);
 /// True if that text is the dialog's title or written in it.
 bool Says(Part dialog, const std::string& text);
+/// True if the dialog for a folder has come to the one with this name.
+bool HasChosen(Part dialog, const std::string& name);
 /// The captions of its buttons, left to right, without mnemonics.
 std::vector<std::string> ButtonsOf(Part dialog);
 /// Cancels the dialog, or closes a message box, without any input: the end of a test that failed.

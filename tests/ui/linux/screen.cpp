@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QFileDialog>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -512,6 +513,10 @@ BoxIcon IconOf(Part message_box) {
 
 std::string MessageOf(Part message_box) {
     return Latin(As<QMessageBox>(message_box).text());
+}
+
+bool HasChosen(Part dialog, const std::string& name) {
+    return As<QFileDialog>(dialog).directory().dirName().toStdString() == name;
 }
 
 bool Says(Part dialog, const std::string& text) {

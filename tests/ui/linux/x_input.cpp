@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include <X11/XKBlib.h>
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
@@ -27,6 +28,20 @@ XInput::XInput() {
 
 XInput::~XInput() {
     ::XCloseDisplay(Of(display_));
+}
+
+int XInput::ManagedWindows() {
+    const ::Atom list = ::XInternAtom(Of(display_), "_NET_CLIENT_LIST", False);
+    ::Atom type = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long left = 0;
+    unsigned char* windows = nullptr;
+    constexpr long kMost = 1000;
+    ::XGetWindowProperty(Of(display_), DefaultRootWindow(Of(display_)), list, 0, kMost, False, XA_WINDOW,
+                         &type, &format, &count, &left, &windows);
+    ::XFree(windows);
+    return static_cast<int>(count);
 }
 
 QPoint XInput::CornerOf(unsigned long window) {

@@ -19,6 +19,8 @@ class XInput {
     XInput& operator=(const XInput&) = delete;
     ~XInput();
 
+    /// How many windows of programs the window manager has on the screen.
+    int ManagedWindows();
     /// Where the display has a window's contents. In pixels of the screen, as below.
     QPoint CornerOf(unsigned long window);
     void MoveTo(QPoint point);

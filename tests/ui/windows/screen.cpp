@@ -499,6 +499,29 @@ std::string MessageOf(Part message_box) {
     return hands::Text(hands::Child(Of(message_box), kMessage));
 }
 
+/// The dialog fills its tree after it has come up.
+bool HasChosen(Part dialog, const std::string& name) {
+    HWND tree = nullptr;
+    ::EnumChildWindows(
+        Of(dialog),
+        [](HWND child, LPARAM found) -> BOOL {
+            if (hands::ClassOf(child) != WC_TREEVIEWA) {
+                return TRUE;
+            }
+            *reinterpret_cast<HWND*>(found) = child;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&tree));
+    char text[300] = "";
+    TVITEMA item{};
+    item.mask = TVIF_TEXT;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    item.hItem =
+        tree == nullptr ? nullptr : reinterpret_cast<HTREEITEM>(Ask(tree, TVM_GETNEXTITEM, TVGN_CARET));
+    return item.hItem != nullptr && Ask(tree, TVM_GETITEMA, 0, &item) != 0 && text == name;
+}
+
 bool Says(Part dialog, const std::string& text) {
     const std::vector<HWND> texts = ShownChildren(dialog, "Static");
     return Text(dialog) == text ||

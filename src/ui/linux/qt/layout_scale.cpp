@@ -29,12 +29,6 @@ QPoint CornerOf(const Control* control) {
     return corner;
 }
 
-QString WithoutMnemonic(const char* caption) {
-    QString text = ToQt(caption);
-    text.replace("&&", QChar(1)).remove('&').replace(QChar(1), '&');
-    return text;
-}
-
 /// The sizes of the style's own controls, which do not depend on what they hold.
 class Samples {
   public:

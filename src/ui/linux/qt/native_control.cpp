@@ -12,6 +12,7 @@
 
 #include "ui/linux/qt/native_button.h"
 #include "ui/linux/qt/native_list_view.h"
+#include "ui/linux/qt/secret_line.h"
 #include "ui/linux/qt/text.h"
 
 namespace ui {
@@ -20,7 +21,10 @@ namespace {
 constexpr int kShownListItems = 12;
 
 QWidget* MakeFrame(const Control& control, QWidget* parent) {
-    return new QGroupBox(ToQt(control.Design().caption), parent);
+    auto* frame = new QGroupBox(ToQt(control.Design().caption), parent);
+    frame->setAccessibleName(
+        WithoutMnemonic(control.Design().caption)); // Qt would name it by the frame around it
+    return frame;
 }
 
 QWidget* MakePictureBox(const Control& /*control*/, QWidget* parent) {
@@ -39,7 +43,8 @@ QWidget* MakeLabel(const Control& control, QWidget* parent) {
 
 QWidget* MakeTextBox(const Control& control, QWidget* parent) {
     if ((control.Design().traits & kMultiLine) == 0) {
-        auto* line = new QLineEdit(parent);
+        const bool secret = (control.Design().traits & kSecret) != 0;
+        auto* line = secret ? new SecretLine(parent) : new QLineEdit(parent);
         line->setMaxLength(INT_MAX);
         return line;
     }

@@ -28,6 +28,16 @@ const Control* PageOf(const Control& control) {
     return nullptr;
 }
 
+/// The caption of the frame that a control lies on, else the title of the form.
+QString CaptionAround(const Control& control) {
+    for (const Control* part = control.Parent(); part != nullptr; part = part->Parent()) {
+        if (part->Design().caption[0] != '\0') {
+            return WithoutMnemonic(part->Design().caption);
+        }
+    }
+    return ToQt(control.Owner().Design().caption);
+}
+
 bool TakesText(Kind kind) {
     return kind == Kind::TextBox || kind == Kind::ComboBox || kind == Kind::ListBox;
 }
@@ -171,8 +181,8 @@ void NativeForm::OrderTabKey() {
     }
 }
 
-/// A label names the box that comes next, for the eye and for a screen reader. What has neither label nor
-/// caption has its tool tip for a name, and its identifier where there is none.
+/// What a screen reader calls a control. A label names the box that comes next; a control with neither label
+/// nor caption is called by its tool tip, else by the caption of what it lies on.
 void NativeForm::NameBoxes() {
     const Control* label = nullptr;
     for (NativeControl& native : natives_) {
@@ -188,12 +198,14 @@ void NativeForm::NameBoxes() {
             label != nullptr && label->Parent() == control.Parent() && TakesText(control.Kind());
         if (labelled) {
             static_cast<QLabel*>(NativeOf(*label).widget)->setBuddy(native.widget);
+            // Qt names a line of text by its label, but not a list.
+            native.widget->setAccessibleName(WithoutMnemonic(label->Design().caption));
         }
         label = nullptr;
         const bool captioned = control.Design().caption[0] != '\0';
         if (!labelled && !captioned && native.widget->accessibleName().isEmpty()) {
             const QString tip = ToQt(control.Design().tool_tip);
-            native.widget->setAccessibleName(tip.isEmpty() ? IdentifierOf(control) : tip);
+            native.widget->setAccessibleName(tip.isEmpty() ? CaptionAround(control) : tip);
         }
     }
 }

@@ -13,6 +13,7 @@
 #include <QScreen>
 
 #include "platform/pending_events.h"
+#include "ui/linux/qt/secret_line.h"
 #include "ui/linux/qt/text.h"
 
 namespace ui {
@@ -126,6 +127,7 @@ QtDesktop::QtDesktop(const std::string& qt_platform) : application_(OpenApplicat
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setQuitLockEnabled(false);
     QApplication::setWindowIcon(QIcon(":/icons/program.ico"));
+    SecretLine::HideFromAssistiveTechnology();
 }
 
 void QtDesktop::ShowMessageBox(const std::string& text, platform::MessageIcon icon,

@@ -14,6 +14,13 @@ inline QString ToQt(std::string_view text) {
     return QString::fromStdU16String(platform::Widen(text));
 }
 
+/// A caption as it is painted: "&&" is one sign, and a single "&" is not seen.
+inline QString WithoutMnemonic(std::string_view caption) {
+    QString text = ToQt(caption);
+    text.replace("&&", QChar(1)).remove('&').replace(QChar(1), '&');
+    return text;
+}
+
 /// A character that the code page lacks becomes "?", as in a text box of Windows.
 inline std::string FromQt(const QString& text) {
     return platform::Narrow(text.toStdU16String());
