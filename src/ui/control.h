@@ -1,5 +1,5 @@
-// What all controls have in common, and the mirror through which a toolkit learns what changed.
-// Controls are complete by themselves: nothing here needs a toolkit.
+// The base of all controls, and the interface through which a toolkit is notified of changes (Mirror).
+// Controls work without a toolkit.
 #pragma once
 
 #include <chrono>
@@ -17,9 +17,9 @@ namespace ui {
 class Control;
 class Form;
 
-/// What a change concerns. The mirror asks the control for the new state.
+/// The property that has changed. The mirror asks the control for the new state.
 enum class Property : std::uint8_t {
-    Enabled,       ///< the control's own; see CanBeUsed in operator.h for what it comes to
+    Enabled,       ///< of the control alone; CanBeUsed in operator.h also looks at its parents
     Caption,       ///< of a form: its title
     Text,          ///< TextBox, ComboBox
     Selection,     ///< TextBox: SelStart, SelLength
@@ -32,20 +32,20 @@ enum class Property : std::uint8_t {
     Tab,           ///< TabControl: the active one
     TabEnabled,    ///< TabControl: any of them
     Columns,       ///< ListView: any change of the column headers
-    Rows,          ///< ListView: rows came or went
-    Cells,         ///< ListView: texts of rows that stand
+    Rows,          ///< ListView: rows were added or removed
+    Cells,         ///< ListView: texts of existing rows
     ColumnSizes,   ///< ListView: AutoSizeColumn was called; see ListView::AutoSized
     ExtendedStyle, ///< ListView
     Refresh,       ///< to be painted at once
     Focus,         ///< Form: the focus goes to Form::Focused()
     Painting,      ///< Form: painting was locked or unlocked
-    Unloaded,      ///< Form: the window goes
+    Unloaded,      ///< Form: the window is to close
 };
 
-/// A toolkit's side of one form. Called for every change, whoever made it, the operator's own among them:
-/// compare with what the native control shows and leave it alone where it agrees. Called often while lists
-/// are filled, so it must be cheap: note what changed, and bring the window in line when Refresh, Painting or
-/// the next run of the event queue asks for it. Must not throw.
+/// A toolkit's side of one form. Called for every change, also for those that the operator made, which the
+/// native control shows already: compare, and leave it alone where it agrees. Called often while lists are
+/// filled, so it must be cheap: note the change, and update the window on Refresh, on Painting or when the
+/// event queue runs next. Must not throw.
 class Mirror {
   public:
     virtual void Changed(const Control& control, Property property) = 0;
@@ -54,7 +54,7 @@ class Mirror {
     ~Mirror() = default;
 };
 
-/// What a control does not accept: a text outside a drop-down list, an index outside a list, a key twice.
+/// Thrown for a value that a control does not accept: a text or an index outside its list, a key twice.
 class Refusal : public std::exception {
   public:
     explicit Refusal(std::string text) : text_(std::move(text)) {}
@@ -74,7 +74,7 @@ inline constexpr Colour kButtonFaceBackground = 0x8000000F;
 inline constexpr Colour kButtonText = 0x80000012;
 inline constexpr Colour kRed = 255;
 
-/// The clock that puts input and the states of controls in order.
+/// The clock by which the arrival of input is compared with changes of controls.
 using InputClock = std::chrono::steady_clock;
 
 /// The base of the controls; made by a Form out of its design and owned by it.
@@ -88,7 +88,7 @@ class Control {
     const ControlDesign& Design() const { return design_; }
     ui::Kind Kind() const { return design_.kind; }
     const char* Name() const { return design_.name.name; }
-    /// None for a control outside an array.
+    /// Nothing for a control outside an array.
     std::optional<int> Index() const;
     /// 1000 and the row of the design, from 0: the native control's identifier.
     int Id() const { return id_; }

@@ -1,5 +1,5 @@
-// The kinds of controls but for lists. What a member does when the program calls it stands here; what the
-// operator does comes through operator.h.
+// The kinds of controls except lists. The members are for the program, but for those marked as operator.h's,
+// through which the operator's acts come.
 #pragma once
 
 #include <string>
@@ -61,7 +61,7 @@ class TextBox : public Control {
 
     Handler on_change;
 
-    /// For operator.h: the text that the operator has made of it, and where the selection is then.
+    /// For operator.h: the text as the operator has changed it, and the place of the selection then.
     void TakeEdit(std::string text, std::size_t sel_start);
     /// For operator.h: the operator's selection.
     void TakeSelection(std::size_t start, std::size_t length);

@@ -1,4 +1,4 @@
-// What a form is made from: one row for each control, as data. Knows no toolkit and no particular form.
+// The data that a form is made from: one row for each control. Knows no toolkit and no particular form.
 //
 // Each row makes one object of the model and, where a toolkit shows the form, one native control.
 #pragma once
@@ -45,7 +45,7 @@ constexpr Place Pixels(int left, int top, int width, int height) {
     return {left * kTwipsPerPixel, top * kTwipsPerPixel, width * kTwipsPerPixel, height * kTwipsPerPixel};
 }
 
-/// What a row says beyond its columns; sums of these.
+/// Further properties of a row, combined by "|".
 enum Trait : std::uint32_t {
     kPlain = 0,
     kReadOnly = 1U << 0U,     ///< TextBox: starts locked
@@ -55,7 +55,7 @@ enum Trait : std::uint32_t {
     kButtonFace = 1U << 4U,   ///< TextBox: starts with the background of a button
     kPicture = 1U << 5U,      ///< CommandButton: the toolkit's picture for "run" in the place of a caption
     kCancel = 1U << 6U,       ///< CommandButton: Escape presses it
-    /// Label, OptionButton: the caption is data. An "&" in it is itself and no mnemonic's. A caption too long
+    /// Label, OptionButton: the caption is data. An "&" in it marks no mnemonic. A caption too long
     /// for an option button is shown with an ellipsis in its middle, and the whole of it is the tool tip.
     kData = 1U << 7U,
     /// TextBox: a password. The screen shows it as it is; assistive technology is not given it.
@@ -70,7 +70,7 @@ struct ControlName {
     int index = kNoIndex;
 };
 
-/// A mnemonic's "&" stands in captions as Windows has it, "&&" for the sign itself. On a label it leads to
+/// As on Windows, "&" in a caption marks a mnemonic, and "&&" is the sign itself. On a label it leads to
 /// the next control that takes the focus.
 struct ControlDesign {
     ui::Kind kind;
@@ -88,7 +88,7 @@ struct FormDesign {
     const char* caption;
     int client_width;  ///< twips
     int client_height; ///< twips
-    /// In the order of the Tab key. A row's parent stands before it.
+    /// In the order of the Tab key. A row's parent comes before it.
     std::span<const ControlDesign> controls;
     /// The captions of the tabs, left to right, if there is a tab control. Its child with the index i is
     /// page i.

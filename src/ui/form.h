@@ -1,13 +1,13 @@
-// A form: the controls that its design lays down, its title, focus and state of painting.
+// A form: the controls of its design, its title, its focus, and whether its painting is locked.
 //
 // How a toolkit attaches:
-//  1. MakeWindow (toolkit.h) gets a form, whose load may still come. It walks Form::Controls(), which stand
+//  1. MakeWindow (toolkit.h) gets a form, which may still be loading. It walks Form::Controls(), which are
 //     in the order of the Tab key and parents before children, makes one native control for each by its Kind,
 //     at Design().place, with the identifier Id(), and fills it from the control's present state. A child of
 //     the tab control belongs to the tab of its index and is seen while TabControl::Tab() is that; it and
-//     what lies on it need not be made before.
-//  2. It attaches its Mirror with Form::Attach and brings the native controls in line on each Changed.
-//  3. It reports what the operator does by the functions of operator.h: Edit for a changed text, Choose for a
+//     its children need not be made before.
+//  2. It attaches its Mirror with Form::Attach and updates the native controls on each Changed.
+//  3. It reports the operator's acts by the functions of operator.h: Edit for a changed text, Choose for a
 //     list item or a tab, Click for buttons, FocusMoved, Close for the frame's own button. These fire the
 //     handlers. A handler may throw: a toolkit carries the exception past its native callbacks (a
 //     std::exception_ptr) and throws it again from RunUntilClosed or ShowModally.
@@ -38,7 +38,7 @@ class Form {
     const std::vector<std::unique_ptr<Control>>& Controls() const { return controls_; }
     /// Null if there is no such control.
     Control* Find(const std::string& name, int index = kNoIndex) const;
-    /// The control of this name and type. Refuses where the design has none: a mistake of the program.
+    /// The control of this name and type. Throws Refusal if the design has no such control.
     template <class T>
     T& Get(const char* name, int index = kNoIndex) const {
         Control* control = Find(name, index);
@@ -54,7 +54,7 @@ class Form {
 
     /// The program gives the focus; a control that cannot be used does not take it, and nothing happens.
     void SetFocus(Control& control);
-    /// Null while none has it.
+    /// Null while no control has it.
     Control* Focused() const { return focused_; }
 
     /// Stops the painting of the window until UnlockPainting, however often it is called.
@@ -64,12 +64,12 @@ class Form {
     /// How often painting was locked since it was last unlocked.
     int PaintingLocks() const { return painting_locks_; }
 
-    /// Fires on_unload once; the window goes. A second call does nothing.
+    /// Fires on_unload once and closes the window. A second call does nothing.
     void Unload();
     bool Unloaded() const { return unloaded_; }
     Handler on_unload;
 
-    /// One mirror at most; null takes it off. It must be taken off before it goes.
+    /// One mirror at most; null detaches it. It must be detached before it is destroyed.
     void Attach(Mirror* mirror) { mirror_ = mirror; }
     /// For the controls. A form's own changes come with Root() as the control.
     void Notify(const Control& control, Property property) const;

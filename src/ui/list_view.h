@@ -30,16 +30,16 @@ class ListView : public Control {
     int ColumnCount() const { return static_cast<int>(columns_.size()); }
     /// From 0.
     const Column& ColumnAt(int column) const { return columns_.at(static_cast<std::size_t>(column)); }
-    /// Behind the last. Refuses a key that is there; the empty key is none.
+    /// After the last. Refuses a key that exists; an empty key counts as no key.
     void AddColumn(const std::string& key, const std::string& text);
     void ClearColumns();
 
     int RowCount() const { return static_cast<int>(rows_.size()); }
     const std::string& RowKey(int row) const { return RowAt(row).key; }
-    /// From 0; column 0 is the item's own text. Empty where nothing was set.
+    /// From 0; column 0 is the item's own text. Empty if nothing was set.
     const std::string& Cell(int row, int column) const;
-    /// Adds a row behind the last, with the text of its column 0, and gives its number. Refuses a key that is
-    /// there; the empty key is none.
+    /// Adds a row after the last, with the text of its column 0, and returns its number. Refuses a key that
+    /// exists; an empty key counts as no key.
     int AddRow(const std::string& key, const std::string& text);
     void SetCell(int row, int column, const std::string& text);
     void ClearRows();

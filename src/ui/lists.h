@@ -21,7 +21,7 @@ class ListItems {
     /// Refuses an index outside the list.
     const Item& At(int index) const;
     Item& At(int index);
-    /// -1 if there is none with exactly this text.
+    /// -1 if no item has exactly this text.
     int Find(const std::string& text) const;
     void Add(const std::string& text) { items_.push_back({text}); }
     void Clear() { items_.clear(); }
@@ -61,7 +61,7 @@ class ComboBox : public Control {
     static constexpr ui::Kind kKind = ui::Kind::ComboBox;
     using Control::Control;
 
-    /// True: only what is in the list. False: free text with a list to it.
+    /// True: only texts of the list. False: any text, with a list to choose from.
     bool IsDropDownList() const { return Has(kDropDownList); }
 
     int ListCount() const { return items_.Count(); }
@@ -84,7 +84,7 @@ class ComboBox : public Control {
     Handler on_click;
     Handler on_change; ///< free text only
 
-    /// For operator.h: the text that the operator has made of it.
+    /// For operator.h: the text as the operator has changed it.
     void TakeEdit(const std::string& text);
 
   private:

@@ -1,5 +1,6 @@
 // What an operator does to a form. A toolkit reports through these, and tests press the same buttons.
-// An act fires what Windows would. On a control that cannot be used it does nothing and gives false.
+// An act fires the events that Windows would. On a control that cannot be used it does nothing and returns
+// false.
 //
 // Input can wait in the system's queue while a handler runs. It is judged by the state that its control had
 // when it arrived, and not by the state at its delivery: a second click on a command must not start the
@@ -21,7 +22,7 @@
 
 namespace ui {
 
-/// True if the form is there, the control and all it lies on are enabled, and its tab is the active one.
+/// True if the form is not unloaded, the control and all that it lies on are enabled, and its tab is active.
 bool CanBeUsed(const Control& control);
 /// The same for a frame's and a picture's children, without the control's own state: whether it is seen.
 bool IsShown(const Control& control);
@@ -44,7 +45,7 @@ bool AcceptsPress(Control& control, InputClock::time_point arrived,
 
 /// Types the text at the selection, which it takes the place of: Change for each character.
 bool Type(TextBox& box, std::string_view text);
-/// At the end of a free text: Change for each character. A drop-down list takes none.
+/// At the end of a free text: Change for each character. A drop-down list accepts no text.
 bool Type(ComboBox& box, std::string_view text);
 bool SelectAll(TextBox& box);
 
@@ -65,7 +66,7 @@ bool Click(CheckBox& box);
 /// Also on the button that is selected.
 bool Click(OptionButton& button);
 
-/// The focus is on this control now, or on none of the form's.
+/// The focus is on this control now; null if it is on no control of the form.
 void FocusMoved(Form& form, Control* control);
 /// The frame's close button, Alt+F4: unloads the form.
 void Close(Form& form);

@@ -1,4 +1,4 @@
-// What a control is without a toolkit, and what fires when the program assigns.
+// Controls without a toolkit: their state, and the events that assignments by the program fire.
 #include <gtest/gtest.h>
 
 #include "ui/operator.h"

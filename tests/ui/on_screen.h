@@ -1,4 +1,4 @@
-// A form in its native window, in front, for tests that look at it and steer it.
+// A fixture with a form in its native window, which is in front.
 #pragma once
 
 #include <chrono>
@@ -44,13 +44,13 @@ class OnScreen : public ::testing::Test {
     }
     /// Null as long as the control has no native one.
     screen::Part Native(const ui::Control& control) {
-        screen::Part& native = natives_[control.Id()]; // the search is slow, and what is found stays
+        screen::Part& native = natives_[control.Id()]; // the search is slow, and a native control stays
         if (native == nullptr) {
             native = screen::Find(form_, control);
         }
         return native;
     }
-    /// Lets what has been posted run.
+    /// Lets the posted events run.
     static void Settle() {
         platform::RunPendingEvents();
         platform::RunPendingEvents();
@@ -90,7 +90,7 @@ class OnScreen : public ::testing::Test {
         const screen::Meanwhile end(WithEnd(form_, [] { return true; }));
         window_->RunUntilClosed();
     }
-    /// The name of the control that has the focus, with its index; "" if none of the form's has.
+    /// The name of the control that has the focus, with its index; "" if no control of the form has it.
     std::string FocusName() const {
         const ui::Control* focus = screen::Focused(form_);
         return focus == nullptr ? "" : Name(*focus);

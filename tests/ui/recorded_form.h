@@ -1,4 +1,4 @@
-// A small form of every kind of control, and what its mirror and its handlers were told.
+// A small form with every kind of control, and a mirror that records its notifications.
 #pragma once
 
 #include <array>

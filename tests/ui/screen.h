@@ -60,7 +60,7 @@ Part WindowOf(const ui::Form& form);
 /// Null as long as the control has no native one.
 Part Find(const ui::Form& form, const ui::Control& control);
 Part ParentOf(Part part);
-/// The control of the form that has the keyboard's focus; null if none has.
+/// The control of the form that has the keyboard's focus; null if no control has it.
 const ui::Control* Focused(const ui::Form& form);
 
 // --- seeing
@@ -72,7 +72,7 @@ bool IsEnabled(Part part);
 std::string Text(Part part);
 /// The caption as it is painted: without the "&" of a mnemonic.
 std::string ShownCaption(Part part);
-/// What stands for the part of a caption that is left out.
+/// The sign for the part of a caption that is left out.
 std::string Ellipsis();
 /// How many more characters one end of such a caption may have than the other.
 std::size_t EllipsisOffset();
@@ -82,7 +82,7 @@ bool IsReadOnly(Part part);
 std::pair<int, int> Selection(Part part);
 /// Of a combo box or list box.
 int ItemCount(Part part);
-/// -1 if none is.
+/// -1 if nothing is chosen.
 int ChosenItem(Part part);
 bool IsDroppedDown(Part combo_box);
 int BarMin(Part bar);
@@ -189,7 +189,7 @@ void ClickAt(Part part, int x, int y);
 Spot MiddleOf(Part part);
 /// May be called from any thread: a person clicks whatever the program does.
 void ClickAt(Spot spot);
-/// Letters, digits, blanks and what stands on a US keyboard.
+/// Letters, digits, blanks and the signs of a US keyboard.
 void Type(const std::string& text);
 void Press(Key key, std::initializer_list<Held> held = {});
 /// Presses a key and lets it come down `repeats` times more, as a keyboard does while a key is held; then it

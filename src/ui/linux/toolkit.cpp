@@ -1,5 +1,5 @@
 // The program's side of the toolkit: hands everything to the module of windows, which is loaded when the
-// first window is made. Where none can be shown, every function answers so.
+// first window is made. Without a display every function returns the result for that.
 #include "ui/toolkit.h"
 
 #include <thread>

@@ -5,7 +5,7 @@
 
 namespace ui {
 
-/// From now on the window hands what its children tell on to its own parent, and paints its own background.
+/// Lets the window pass its children's notifications on to its parent and paint its own background.
 void MakeContainer(HWND window);
 
 } // namespace ui

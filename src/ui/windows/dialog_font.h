@@ -9,7 +9,7 @@ namespace ui {
 
 using platform::kDesignDpi;
 
-/// Pixels per inch of the whole desktop, as the process was told them at its start.
+/// Pixels per inch of the whole desktop at the start of the process.
 int SystemDpi();
 /// Pixels per inch of the monitor that the window is on; SystemDpi where the system has no scale for each
 /// monitor.

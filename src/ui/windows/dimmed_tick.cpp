@@ -35,7 +35,8 @@ LRESULT CALLBACK TickProcedure(HWND button, UINT message, WPARAM wparam, LPARAM 
         if (::IsWindowEnabled(button) != 0) {
             break;
         }
-        ::InvalidateRect(button, nullptr, FALSE); // all of it: what is not painted anew would be dimmed twice
+        ::InvalidateRect(button, nullptr,
+                         FALSE); // the whole button: a part that is not repainted would be dimmed twice
         const LRESULT result = ::DefSubclassProc(button, message, wparam, lparam);
         Dim(button);
         return result;

@@ -1,5 +1,5 @@
 // Makes the tick of a disabled check box or option button look disabled. Themes paint it as that of an
-// enabled one (Wine's does), and a box without a caption has nothing else to tell by.
+// enabled one (Wine's does), and a box without a caption would look the same in both states.
 #pragma once
 
 #include "platform/windows/lean_windows.h"

@@ -55,7 +55,7 @@ Recipe TextBoxRecipe(const Control& control) {
 Recipe CommandButtonRecipe(const Control& control) {
     const bool picture = (control.Design().traits & kPicture) != 0;
     const DWORD look = picture ? DWORD{BS_ICON} : DWORD{0};
-    // What is not seen is what a screen reader says.
+    // The window's text, which is not painted, is for screen readers.
     return {WC_BUTTONA, kField | BS_PUSHBUTTON | look, 0,
             picture ? control.Design().tool_tip : control.Design().caption};
 }
@@ -118,11 +118,11 @@ RecipeFunction RecipeOf(Kind kind) {
     case Kind::TabControl:
         break;
     }
-    return nullptr; // both are windows of classes of their own, made elsewhere
+    return nullptr; // both have their own window classes and are made elsewhere
 }
 
-/// A combo box has the height of its font, whatever it is given: a higher one would show its text at the top.
-/// So it stands in the middle of its place; the list below it belongs to the window's size.
+/// A combo box has the height of its font, since a higher one would show its text at the top. So it is put in
+/// the middle of its place. The window's height includes the list below it.
 void PlaceComboBox(HWND window, const RECT& place) {
     RECT own{};
     ::GetWindowRect(window, &own);

@@ -1,5 +1,5 @@
-// One native control for each control of a form: how each kind is made, placed and shown as its control
-// stands. It knows nothing of the window around it.
+// One native control for each control of a form: makes each kind, places it and shows the control's state.
+// It knows nothing of the window around it.
 #pragma once
 
 #include <cstdint>
@@ -24,14 +24,14 @@ constexpr std::uint32_t Bit(Property property) {
 /// Makes the window of a control of any kind but a tab control, at its place in its parent, in pixels, and
 /// with all of the control's state that a window can be made with: on Wine, a control that is made first and
 /// changed then costs twice. BringInLine does the rest.
-/// `style` comes to what the kind asks for; WS_VISIBLE is in it or not.
+/// `style` is added to the style of the kind; WS_VISIBLE may be in it.
 void MakeNativeControl(NativeControl& native, HWND parent, const RECT& place, DWORD style,
                        const DialogFont& font);
 
 /// Gives it a font and a place in its parent, in pixels.
 void PlaceNativeControl(const NativeControl& native, const RECT& place, const DialogFont& font);
 
-/// Brings the native control in line with what is stale, and leaves alone what agrees. Not for a tab control.
+/// Updates the stale properties that the native control does not show already. Not for a tab control.
 void BringInLine(NativeControl& native);
 
 /// The text of a native control.

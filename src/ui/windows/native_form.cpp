@@ -59,8 +59,8 @@ std::vector<std::string> Captions(const TabControl& tabs) {
     return captions;
 }
 
-/// A control's upper left corner on the form, in twips. Places are scaled as edges on the form, not as sizes:
-/// what touches at one scale touches at all.
+/// A control's upper left corner on the form, in twips. Edges are scaled, not sizes, so controls that touch
+/// at one scale touch at every scale.
 POINT CornerOf(const Control* control) {
     POINT corner{0, 0};
     for (; control != nullptr; control = control->Parent()) {
@@ -70,7 +70,7 @@ POINT CornerOf(const Control* control) {
     return corner;
 }
 
-/// The page of a tab control that a control is or lies on; null where there is none.
+/// The page of a tab control that a control is or lies on; null for a control outside the tabs.
 const Control* PageOf(const Control& control) {
     for (const Control* part = &control; part->Parent() != nullptr; part = part->Parent()) {
         if (part->Parent()->Kind() == Kind::TabControl) {
@@ -102,7 +102,7 @@ NativeForm::NativeForm(Form& form, HWND owner)
 
 NativeForm::~NativeForm() {
     form_.Attach(nullptr);
-    showing_ = true; // what the controls tell at their end is no news
+    showing_ = true; // notifications of controls that are being destroyed are not reported
     ::DestroyWindow(window_);
     std::erase(All(), this);
 }
@@ -145,7 +145,7 @@ HWND NativeForm::MakeFrame(const Form& form, HWND owner) {
                              nullptr, ::GetModuleHandleA(nullptr), nullptr);
 }
 
-/// All but what lies on the pages of a tab control.
+/// All except the controls on the pages of a tab control.
 void NativeForm::MakeControls() {
     showing_ = true;
     natives_.reserve(form_.Controls().size());
@@ -170,8 +170,8 @@ void NativeForm::MakeControls() {
     showing_ = false;
 }
 
-/// The page that is to be shown and what lies on it, if it has not been shown before: most of the time that a
-/// window takes to stand there is the making of controls, and of the pages one is seen.
+/// The page that is to be shown and the controls on it, when it is shown first: a window spends most of its
+/// start on making controls, and only one page is seen.
 void NativeForm::MakePage() {
     if (!tabs_) {
         return;
@@ -195,7 +195,7 @@ void NativeForm::Make(NativeControl& native) {
     const Control& control = *native.control;
     const bool is_page = control.Parent() != nullptr && control.Parent()->Kind() == Kind::TabControl;
     const DWORD group = BeginsGroup(static_cast<std::size_t>(&native - natives_.data())) ? WS_GROUP : 0;
-    const DWORD visible = is_page ? 0 : WS_VISIBLE; // a page comes up when everything on it is in line
+    const DWORD visible = is_page ? 0 : WS_VISIBLE; // a page comes up when everything on it is up to date
     MakeNativeControl(native, ParentOf(control), PlaceOf(control), group | visible, font_);
     if (is_page) {
         MoveInOrder(native.window, HWND_TOP);
@@ -223,8 +223,8 @@ HWND NativeForm::ParentOf(const Control& control) const {
     return natives_.at(static_cast<std::size_t>(parent->Id() - form_.Controls().front()->Id())).window;
 }
 
-/// The arrow keys walk within a group. Option buttons of one name that stand together are one; everything
-/// else stands for itself.
+/// The arrow keys move within a group. Adjacent option buttons of one name are a group; every other control
+/// is a group alone.
 bool NativeForm::BeginsGroup(std::size_t index) const {
     const Control& control = *natives_[index].control;
     if (index == 0 || control.Kind() != Kind::OptionButton) {
@@ -279,7 +279,7 @@ RECT NativeForm::PlaceOf(const Control& control) const {
             platform::TwipsToPixels(origin.y + design.top + design.height, dpi_) - top};
 }
 
-/// The font and the place of a control that stands.
+/// The font and the place of an existing control.
 void NativeForm::Settle(const NativeControl& native) {
     if (native.control->Kind() == Kind::TabControl) {
         const int padding = ::MulDiv(kTabPadding, dpi_, kDesignDpi);
@@ -295,7 +295,7 @@ void NativeForm::LayOut(int dpi) {
     for (NativeControl& native : natives_) {
         if (native.window != nullptr) {
             Settle(native);
-            native.stale |= Bit(Property::Caption); // what fits is another part of it now
+            native.stale |= Bit(Property::Caption); // another part of it fits
         }
     }
     BringAllInLine();

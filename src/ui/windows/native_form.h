@@ -1,5 +1,5 @@
-// The window of a form: native controls, made, filled, kept in line and listened to. It decides nothing: what
-// the operator does goes to the form through operator.h.
+// The window of a form: makes the native controls, shows the state of the form in them, and reports the
+// operator's acts to the form through operator.h. It makes no decisions.
 #pragma once
 
 #include <exception>
@@ -18,7 +18,7 @@ namespace ui {
 
 class NativeForm final : public Window, private Mirror {
   public:
-    /// With an owner it is a dialog above it. Throws nothing of its own; the window is there, unseen.
+    /// With an owner it is a dialog above that. The window is hidden until Show.
     NativeForm(Form& form, HWND owner);
     NativeForm(const NativeForm&) = delete;
     NativeForm& operator=(const NativeForm&) = delete;
@@ -27,7 +27,7 @@ class NativeForm final : public Window, private Mirror {
     void Show() override;
     void RunUntilClosed() override;
 
-    /// The window of a form; null if none shows it.
+    /// The window of a form; null if the form has no window.
     static HWND HandleOf(const Form& form);
 
   private:
@@ -50,7 +50,7 @@ class NativeForm final : public Window, private Mirror {
     RECT PlaceOf(const Control& control) const;
     void CentreOn(HWND owner);
 
-    // native_form_events.cpp: in line, and listening
+    // native_form_events.cpp: updating and listening
     static NativeForm* OfWindow(HWND window);
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
     static bool Filter(MSG& message);
@@ -76,20 +76,20 @@ class NativeForm final : public Window, private Mirror {
     void PressCancel();
     void TakeDpi(int dpi, const RECT& place);
 
-    /// Those that there are, in the order of their making.
+    /// All that exist, the oldest first.
     static std::vector<NativeForm*>& All();
 
     Form& form_;
     HWND window_;
     int dpi_; ///< pixels per inch that the controls are placed for
     DialogFont font_;
-    HWND tool_tips_ = nullptr; ///< made when the window stands there
+    HWND tool_tips_ = nullptr; ///< made when the window is shown
     std::vector<NativeControl> natives_;
     std::unique_ptr<TabStrip> tabs_;
     int tabs_index_ = -1;       ///< the tab control's place among the controls
-    bool told_ = false;         ///< a message that brings the window in line is in the queue
-    bool showing_ = false;      ///< what native controls tell now is this class's own doing
-    bool focus_wanted_ = false; ///< by the form, and not given yet
+    bool told_ = false;         ///< a message that updates the window is in the queue
+    bool showing_ = false;      ///< changes of native controls are made by this class and not reported
+    bool focus_wanted_ = false; ///< the form has moved the focus, and the window has not yet
     /// When the input arrived that is being delivered, to whatever form.
     static std::optional<InputClock::time_point> arrived_;
     std::exception_ptr thrown_;

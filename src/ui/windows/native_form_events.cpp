@@ -1,4 +1,4 @@
-// The events of a form's window: what the form changes is shown, what the operator does is told to the form.
+// The events of a form's window: changes of the form are shown, the operator's acts are reported to the form.
 #include <algorithm>
 
 #include "platform/pending_events.h"
@@ -43,7 +43,7 @@ std::chrono::milliseconds DoubleClickTime() {
 
 } // namespace
 
-// --- what the form changes
+// --- changes of the form
 
 void NativeForm::Stale(std::size_t index, Property property) {
     natives_[index].stale |= Bit(property);
@@ -98,8 +98,8 @@ void NativeForm::TakeFormChange(Property property) {
     }
 }
 
-/// The loop asks only when GetMessage returns whether it has come to its end, and GetMessage hands over a
-/// message that another thread or process sends, such as WM_CLOSE, without returning.
+/// The loop checks for its end when GetMessage returns. GetMessage does not return for a message that another
+/// thread or process sends, such as WM_CLOSE, so one is posted.
 void NativeForm::WakeLoop() const {
     ::PostMessageA(window_, WM_NULL, 0, 0);
 }
@@ -114,12 +114,12 @@ void NativeForm::BringAllInLine() {
             BringInLine(natives_[index]);
         }
     }
-    // Last, so that a page comes up with everything on it in line.
+    // Last, so that everything on a page is up to date when it comes up.
     if (tabs_ && natives_[static_cast<std::size_t>(tabs_index_)].stale != 0) {
         BringTabsInLine(natives_[static_cast<std::size_t>(tabs_index_)]);
     }
     showing_ = before;
-    // Below a message box the window takes no focus, and WM_ENABLE tells when the box has gone.
+    // A window below a message box takes no focus. WM_ENABLE comes when the box has closed.
     if (::IsWindowEnabled(window_) != 0 && std::exchange(focus_wanted_, false) &&
         form_.Focused() != nullptr && IsShown(*form_.Focused())) {
         GiveFocus(FindById(form_.Focused()->Id())->window);
@@ -179,11 +179,11 @@ void NativeForm::GiveFocusToSomeone() const {
 
 void NativeForm::TrackFocus() {
     if (focus_wanted_) {
-        return; // the form has given it away, and the window has still to follow
+        return; // the form has moved the focus, and the window has not yet
     }
     const HWND focus = ::GetFocus();
     if (focus == nullptr || ::IsChild(window_, focus) == 0) {
-        return; // in another window, or nowhere while a control is disabled: the form keeps what it knows
+        return; // in another window, or nowhere while a control is disabled: the form's focus stays
     }
     NativeControl* native = Find(focus);
     if (native == nullptr) {
@@ -194,7 +194,7 @@ void NativeForm::TrackFocus() {
     }
 }
 
-// --- what the operator does
+// --- the operator's acts
 
 NativeControl* NativeForm::Find(HWND window) {
     if (window == nullptr) {
@@ -391,7 +391,8 @@ LRESULT NativeForm::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     return ::DefDlgProcA(window_, message, wparam, lparam);
 }
 
-/// A failure may not pass through the system's own frames: it waits for the loop that delivered the message.
+/// An exception may not pass through functions of the system: it is kept for the loop that delivered the
+/// message.
 LRESULT CALLBACK NativeForm::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     NativeForm* form = OfWindow(window);
     if (form == nullptr) {
@@ -443,7 +444,7 @@ NativeControl* NativeForm::FindUnder(POINT place) {
     return native != nullptr ? native : Find(::GetParent(window));
 }
 
-/// Input that its control is not to see: see operator.h.
+/// True for input that does not go to its control; operator.h has the rules.
 bool NativeForm::DropsInput(const MSG& message) {
     if (message.message == WM_LBUTTONDOWN || message.message == WM_LBUTTONDBLCLK) {
         NativeControl* pressed = FindUnder(message.pt);
@@ -464,7 +465,7 @@ bool NativeForm::DropsInput(const MSG& message) {
     }
     const bool button = focused->control->Kind() == Kind::CommandButton;
     if (button && message.wParam != VK_RETURN && message.wParam != VK_SPACE) {
-        return false; // it leads elsewhere
+        return false; // a key that leads to another control
     }
     return (button && IsRepeat(message)) || !Accepts(*focused->control, *arrived_);
 }
@@ -487,8 +488,8 @@ bool NativeForm::Filter(MSG& message) {
 
 void NativeForm::Show() {
     BringAllInLine();
-    focus_wanted_ =
-        form_.Focused() != nullptr; // the system's own choice, when it activates the window, does not count
+    focus_wanted_ = form_.Focused() !=
+                    nullptr; // not the one that the system gives the focus to when it activates the window
     ::ShowWindow(window_, SW_SHOWNORMAL);
     if (focus_wanted_) {
         BringAllInLine();
@@ -497,7 +498,7 @@ void NativeForm::Show() {
     }
     ::UpdateWindow(window_);
     if (tool_tips_ == nullptr) {
-        MakeToolTips(); // nobody points at anything before there is something to see
+        MakeToolTips(); // not needed before the window is seen
     }
 }
 

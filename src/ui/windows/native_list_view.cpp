@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::size_t kPaintedCharacters = 259; // the control's own buffer for a text holds no more
 constexpr int kNewColumnWidth = 96;             // an inch, at the design's scale
-constexpr int kCellMargins = 14; // what the control leaves free left and right of a text, with the grid line
-constexpr int kHeaderMargins = 24; // the same of a header
+constexpr int kCellMargins = 14;                // free space left and right of a text, with the grid line
+constexpr int kHeaderMargins = 24;              // the same of a header
 
 using CharacterWidths = std::array<INT, 256>;
 
@@ -76,9 +76,9 @@ void ShowRows(HWND window, const ListView& list) {
 }
 
 void SizeColumns(HWND window, const ListView& list) {
-    // The control itself would measure only the rows on show, as it holds none, and leaves a header on Wine
-    // three points where its text ends. So it is asked with no rows there, which lets the last column reach
-    // the edge, and the texts are measured here.
+    // The control holds no rows, so it would measure only those on the screen; on Wine it also makes a header
+    // too narrow. So it is asked while it has no rows, which lets the last column reach the edge, and the
+    // texts are measured here.
     const CharacterWidths widths = WidthsOfFont(window);
     const int cell_margins = ::MulDiv(kCellMargins, DpiOf(window), kDesignDpi);
     const int header_margins = ::MulDiv(kHeaderMargins, DpiOf(window), kDesignDpi);

@@ -1,5 +1,5 @@
-// The native list view as a window onto the rows of a ListView: it holds none itself and asks for the cells
-// that it paints, so that a table stands there at once however many rows it has.
+// The native list view. It holds no rows and asks the ListView for the cells that it paints, so a table is
+// shown at once however many rows it has.
 #pragma once
 
 #include "ui/list_view.h"

@@ -1,5 +1,5 @@
-// Brings native controls in line with their controls. Each function asks first what the native control shows:
-// a text that is set again loses its selection, a list its place.
+// Shows the state of controls in their native controls. Each function compares first: a text that is set
+// again loses its selection, and a list its scroll position.
 #include <algorithm>
 #include <string>
 
@@ -64,7 +64,7 @@ void ShowOptionButton(const NativeControl& native) {
     ShowTick(native.window, button.Value());
 }
 
-/// The system marks the text that is taken from the list, and shows the mark also without the focus.
+/// The system selects the text that comes from the list, and shows the selection also without the focus.
 void Unmark(HWND combo_box) {
     ::SendMessageA(combo_box, CB_SETEDITSEL, 0, 0);
 }
@@ -78,7 +78,7 @@ void ShowComboBox(const NativeControl& native) {
         }
     }
     const bool had_focus = ::IsChild(native.window, ::GetFocus()) != 0;
-    // In a box with free text an index of -1 would take away what the operator is typing.
+    // In a box with free text an index of -1 would erase the text that the operator is typing.
     const bool from_list = box.IsDropDownList() || box.ListIndex() >= 0;
     if (from_list && ::SendMessageA(native.window, CB_GETCURSEL, 0, 0) != box.ListIndex()) {
         ::SendMessageA(native.window, CB_SETCURSEL, static_cast<WPARAM>(box.ListIndex()), 0);
@@ -143,7 +143,7 @@ void ShowListView(const NativeControl& native) {
     }
 }
 
-/// The native bar counts in whole numbers; so do all who step it.
+/// The native bar counts in whole numbers; no caller uses others.
 void ShowProgressBar(const NativeControl& native) {
     const auto& bar = static_cast<const ProgressBar&>(*native.control);
     ::SendMessageA(native.window, PBM_SETRANGE32, static_cast<WPARAM>(bar.Min()),
@@ -178,7 +178,7 @@ ShowFunction ShowFunctionOf(Kind kind) {
     case Kind::TabControl:
         break;
     }
-    return nullptr; // nothing of them changes but whether they are enabled
+    return nullptr; // only whether they are enabled changes
 }
 
 } // namespace

@@ -12,7 +12,7 @@
 namespace ui {
 namespace {
 
-/// The dialogs walk folders through objects of the shell, which want the thread's apartment entered.
+/// The dialogs use objects of the shell, for which the thread must have entered a COM apartment.
 class Apartment {
   public:
     Apartment() : entered_(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
@@ -36,7 +36,7 @@ struct FreeLocal {
     void operator()(char* block) const { ::LocalFree(block); }
 };
 
-/// A copy that the dialog's callback can be given the address of.
+/// A copy whose address the dialog's callback gets.
 std::unique_ptr<char, FreeLocal> LocalCopy(const std::string& text) {
     std::unique_ptr<char, FreeLocal> copy(static_cast<char*>(::LocalAlloc(LPTR, text.size() + 1)));
     if (copy) {
@@ -99,7 +99,7 @@ std::optional<std::string> BrowseForFile(const std::string& title, const std::st
     const Apartment apartment;
     std::string pairs = filter;
     std::replace(pairs.begin(), pairs.end(), '|', '\0');
-    pairs.push_back('\0'); // and the one that every std::string has behind it
+    pairs.push_back('\0'); // the second zero is the one at the end of every std::string
     std::string path(MAX_PATH, '\0');
     OPENFILENAMEA record{};
     record.lStructSize = kOpenRecordSize;

@@ -1,5 +1,5 @@
-// How a caption that is data stands on a native control: as it is, and cut in its middle where it is too
-// long.
+// The text by which a native control shows a caption that is data: with every "&", and cut in its middle if
+// it is too long.
 #pragma once
 
 #include <string>

@@ -52,7 +52,7 @@ void TabStrip::ChooseNext(int direction, bool around) {
             index = (index + Count()) % Count();
         }
         if (IsEnabled(index)) {
-            // Unlike TCM_SETCURSEL this tells the parent, as a click does.
+            // Unlike TCM_SETCURSEL this notifies the parent, as a click does.
             ::SendMessageA(window_, TCM_SETCURFOCUS, static_cast<WPARAM>(index), 0);
             return;
         }
@@ -69,7 +69,7 @@ void TabStrip::ChooseFrom(int index, int direction) {
     }
 }
 
-/// -1 where there is none.
+/// -1 if there is no tab.
 int TabStrip::TabAt(LPARAM point) const {
     TCHITTESTINFO hit{{GET_X_LPARAM(point), GET_Y_LPARAM(point)}, 0};
     return static_cast<int>(::SendMessageA(window_, TCM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));

@@ -1,4 +1,4 @@
-// The native tab control, with tabs that can be disabled: grey, and not to be chosen by mouse or keyboard.
+// The native tab control, with tabs that can be disabled: these are grey and cannot be chosen.
 // The system's tab control cannot disable a tab. This one paints itself in the colour of the pages: the
 // system's themes give the body and the selected tab another colour, and draw a second focus rectangle. It
 // knows no pages.
@@ -22,11 +22,11 @@ class TabStrip {
 
     HWND Window() const { return window_; }
     int Selected() const;
-    /// Tells nobody.
+    /// Notifies nobody.
     void Select(int index);
     void Enable(int index, bool enabled);
     /// Chooses the next tab in that direction (1 or -1) that can be chosen, as the operator does; `around`
-    /// goes on at the other end. Nothing happens where there is none.
+    /// goes on at the other end. Does nothing if there is no such tab.
     void ChooseNext(int direction, bool around);
     /// Free space left and right, above and below of each caption, in pixels. Before a font is set, which is
     /// when the tabs take their size.

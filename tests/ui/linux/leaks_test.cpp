@@ -1,5 +1,5 @@
-// What a form leaves behind: native controls that are still there, which no tool that looks for lost memory
-// would miss.
+// Native controls that stay when their form or page goes. They still have an owner, so a leak checker does
+// not find them.
 #include <QApplication>
 #include <QWidget>
 
@@ -25,7 +25,7 @@ class ShownFormOfQt : public OnScreen {
 };
 
 TEST_F(ShownFormOfQt, LeavesNothingBehindInTwoHundredTabSwitches) {
-    SwitchTabs(2 * kv::kMainTabs); // what is made once is made
+    SwitchTabs(2 * kv::kMainTabs); // pages are made when they are shown first
     const qsizetype widgets = Widgets();
     const qsizetype objects = Objects(top_);
     ASSERT_GT(widgets, 100);

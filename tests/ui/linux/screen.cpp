@@ -386,7 +386,7 @@ Box ItemPlace(Part list_box, int item) {
     return ToBox(list.visualItemRect(list.item(item)));
 }
 
-/// What Qt has given the window below the pointer to show: the server's own picture has no name without a
+/// The shape that Qt has set for the window below the pointer: the shape on the display has no name without a
 /// theme.
 Pointer PointerOver(Part part) {
     QWidget& surface = Surface(Of(part));

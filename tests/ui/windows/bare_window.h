@@ -1,4 +1,4 @@
-// An empty window and nothing more: what a start of the console is measured beside.
+// An empty window, with which the start of the console is compared.
 #pragma once
 
 #include "platform/windows/lean_windows.h"

@@ -12,17 +12,17 @@ namespace {
 
 constexpr std::size_t kLongestText = 260;
 
-/// A piece of the other process's memory, for one structure and a text behind it.
+/// Memory of the other process for one structure and a text after it.
 template <class T>
-class FarPiece {
+class RemoteMemory {
   public:
-    explicit FarPiece(HANDLE process)
+    explicit RemoteMemory(HANDLE process)
         : process_(process),
           place_(static_cast<char*>(::VirtualAllocEx(process, nullptr, sizeof(T) + kLongestText,
                                                      MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE))) {}
-    FarPiece(const FarPiece&) = delete;
-    FarPiece& operator=(const FarPiece&) = delete;
-    ~FarPiece() { ::VirtualFreeEx(process_, place_, 0, MEM_RELEASE); }
+    RemoteMemory(const RemoteMemory&) = delete;
+    RemoteMemory& operator=(const RemoteMemory&) = delete;
+    ~RemoteMemory() { ::VirtualFreeEx(process_, place_, 0, MEM_RELEASE); }
 
     char* TextPlace() const { return place_ + sizeof(T); }
     LRESULT Send(HWND window, UINT message, WPARAM what, T& value) const {
@@ -65,7 +65,7 @@ void MoveTo(HWND window, int x, int y, std::chrono::milliseconds rest = std::chr
     }
 }
 
-/// A press sooner after a command's end is dropped as one that was meant for it.
+/// A press that comes sooner after the end of a command is dropped as a second click on it.
 constexpr std::chrono::milliseconds kSight{300};
 
 POINT MiddleOf(HWND window) {
@@ -114,7 +114,7 @@ void ClickButton(HWND button) {
 }
 
 RECT TabPlace(HANDLE process, HWND tabs, int tab) {
-    const FarPiece<RECT> piece(process);
+    const RemoteMemory<RECT> piece(process);
     RECT place{};
     piece.Send(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(tab), place);
     return place;
@@ -122,7 +122,7 @@ RECT TabPlace(HANDLE process, HWND tabs, int tab) {
 
 std::vector<std::string> Headers(HANDLE process, HWND list_view) {
     const auto header = reinterpret_cast<HWND>(::SendMessageA(list_view, LVM_GETHEADER, 0, 0));
-    const FarPiece<HDITEMA> piece(process);
+    const RemoteMemory<HDITEMA> piece(process);
     std::vector<std::string> texts;
     const LRESULT count = ::SendMessageA(header, HDM_GETITEMCOUNT, 0, 0);
     for (LRESULT i = 0; i < count; ++i) {
@@ -137,7 +137,7 @@ std::vector<std::string> Headers(HANDLE process, HWND list_view) {
 }
 
 std::vector<std::string> Row(HANDLE process, HWND list_view, int row, int columns) {
-    const FarPiece<LVITEMA> piece(process);
+    const RemoteMemory<LVITEMA> piece(process);
     std::vector<std::string> texts;
     for (int column = 0; column < columns; ++column) {
         LVITEMA item{};
@@ -151,7 +151,7 @@ std::vector<std::string> Row(HANDLE process, HWND list_view, int row, int column
 }
 
 std::string SelectedInTree(HANDLE process, HWND tree) {
-    const FarPiece<TVITEMA> piece(process);
+    const RemoteMemory<TVITEMA> piece(process);
     TVITEMA item{};
     item.hItem = reinterpret_cast<HTREEITEM>(::SendMessageA(tree, TVM_GETNEXTITEM, TVGN_CARET, 0));
     item.mask = TVIF_TEXT;

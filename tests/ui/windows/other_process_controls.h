@@ -1,6 +1,6 @@
-// Clicks into the windows of another process, and what stands in its list views, trees and tab strips. Their
-// messages hand over pointers, which mean nothing there: what they point to is put into the other process's
-// memory and fetched from it.
+// Clicks into the windows of another process, and reads its list views, trees and tab strips. The messages
+// for that have pointers, which must be valid in the other process: the data is written to its memory and
+// read from it.
 #pragma once
 
 #include <chrono>
@@ -31,10 +31,10 @@ RECT TabPlace(HANDLE process, HWND tabs, int tab);
 
 std::vector<std::string> Headers(HANDLE process, HWND list_view);
 
-/// The cells of one row, counted from 0; nothing of a text behind its 259th character.
+/// The cells of one row, counted from 0; a text ends after its 259th character.
 std::vector<std::string> Row(HANDLE process, HWND list_view, int row, int columns);
 
-/// The text of the item that is selected in a tree; "" if there is none.
+/// The text of the item that is selected in a tree; "" if nothing is selected.
 std::string SelectedInTree(HANDLE process, HWND tree);
 
 } // namespace far_controls

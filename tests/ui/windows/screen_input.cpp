@@ -15,7 +15,7 @@ struct Search {
 
 BOOL CALLBACK TakeIfWanted(HWND window, LPARAM wanted) {
     auto& search = *reinterpret_cast<Search*>(wanted);
-    // The text field of a combo box has an identifier too, the system's own.
+    // The text field of a combo box has an identifier of the system, which may equal the one that is wanted.
     if (::GetDlgCtrlID(window) != search.id || ClassOf(::GetParent(window)) == "ComboBox") {
         return TRUE;
     }
@@ -134,7 +134,7 @@ std::string Text(HWND window) {
 
 std::string Caption(HWND window) {
     char text[512] = "";
-    ::GetWindowTextA(window, text, sizeof text); // from another process this reads what the system keeps
+    ::GetWindowTextA(window, text, sizeof text); // for a window of another process the system keeps a copy
     return text;
 }
 

@@ -1,5 +1,5 @@
-// An operator's hands for tests on a screen: real mouse and keyboard input, windows found by their
-// identifiers, pictures of what is shown. It knows no program and no toolkit.
+// Real mouse and keyboard input for tests on a screen, windows found by their identifiers, and pictures of
+// the screen. It knows no program and no toolkit.
 #pragma once
 
 #include <chrono>
@@ -12,9 +12,10 @@
 namespace hands {
 
 /// Waits until the condition holds, letting this thread's windows run meanwhile; false if it takes too long.
-bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds limit = std::chrono::minutes(1));
+bool WaitFor(const std::function<bool()>& condition,
+             std::chrono::milliseconds limit = std::chrono::minutes(1));
 
-/// The window below `top`, at any depth, with this identifier; null if there is none.
+/// The window below `top`, at any depth, with this identifier; null if there is no such window.
 HWND Child(HWND top, int id);
 std::string Text(HWND window);
 /// The text of a label or a window, without asking the thread that it belongs to, which may be at work.
@@ -37,7 +38,7 @@ void ReleaseAt(HWND window, int x, int y);
 void ClickAt(HWND window, int x, int y);
 /// In the middle of the window.
 void Click(HWND window);
-/// The keys of these characters: letters, digits, blanks and what stands on a US keyboard.
+/// The keys of these characters: letters, digits, blanks and the signs of a US keyboard.
 void Type(const std::string& text);
 /// Presses a key while others are held.
 void Press(WORD key, const std::vector<WORD>& held = {});

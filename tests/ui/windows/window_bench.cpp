@@ -1,7 +1,7 @@
-// Two measurements under Wine, each beside its peer in the same run: a list of 32,766 rows of ten columns,
-// sizing of columns included, beside a list view that is filled by a bare loop; and the start of the program
-// until its window stands there, beside that of a program of user32 alone with an empty window, and of this
-// program with one, which brings the toolkit's libraries.
+// Two measurements under Wine, each compared with a simpler program in the same run: a list of 32,766 rows of
+// ten columns, with the sizing of columns, against a list view that is filled by a loop; and the start of the
+// program until its window is shown, against an empty window of a program that uses user32 alone, and against
+// an empty window of this program, which has the toolkit's libraries.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -33,7 +33,7 @@ double Milliseconds(const std::function<void()>& work) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// The fastest as well: what else the machine does only ever adds to a time.
+/// With the fastest: other work of the machine can only make a run slower.
 void Print(const char* what, std::vector<double> ours, const char* peer, std::vector<double> theirs) {
     std::sort(ours.begin(), ours.end());
     std::sort(theirs.begin(), theirs.end());
@@ -157,8 +157,8 @@ class Started {
     PROCESS_INFORMATION process_{};
 };
 
-/// From the start of a program until it shows a window of that class. Throws if none comes: something else
-/// may be on the screen, such as a message about what the program lacks.
+/// From the start of a program until it shows a window of that class. Throws if no such window comes:
+/// the screen may show something else, such as a message about a missing library.
 double StartOf(const std::string& command, const char* window_class) {
     constexpr std::chrono::seconds kLongest{20};
     std::optional<Started> started;

@@ -43,7 +43,7 @@ bool SocketAnswers(const std::string& path) {
     return answers;
 }
 
-/// The plugin is a package of its own on Debian.
+/// The plugin is in a separate package on Debian.
 bool WaylandAnswers() {
     const std::string display = Variable("WAYLAND_DISPLAY");
     const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");

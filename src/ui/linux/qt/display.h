@@ -1,12 +1,12 @@
-// Which display the program can open its windows on. Asked before Qt is: it ends the program if there is
-// none.
+// Which display the program can open its windows on. To be called before Qt is used, which ends the program
+// if there is no display.
 #pragma once
 
 #include <string>
 
 namespace ui {
 
-/// The name of Qt's plugin for the display; "" if no display answers. What QT_QPA_PLATFORM says is taken.
+/// The name of Qt's plugin for the display; "" if no display answers. QT_QPA_PLATFORM takes precedence.
 std::string PlatformOfDisplay();
 
 } // namespace ui

@@ -29,7 +29,7 @@ QPoint CornerOf(const Control* control) {
     return corner;
 }
 
-/// The sizes of the style's own controls, which do not depend on what they hold.
+/// The sizes that the style asks for controls, which do not depend on their contents.
 class Samples {
   public:
     explicit Samples(const QFont& font) : metrics_(font) {

@@ -13,8 +13,8 @@ class LayoutScale {
     /// As small as the design, and larger where a caption, a line of text or the tabs need it.
     LayoutScale(const Form& form, const QFont& font);
 
-    /// A control's place in its parent, in Qt's pixels. Places are scaled as edges on the form, not as sizes:
-    /// what touches at one scale touches at all.
+    /// A control's place in its parent, in Qt's pixels. Edges are scaled, not sizes, so controls that
+    /// touch at one scale touch at every scale.
     QRect PlaceIn(const Control& control, const Control* parent) const;
     QSize ClientSize(const FormDesign& design) const;
     double Across() const { return across_; }

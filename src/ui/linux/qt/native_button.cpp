@@ -8,7 +8,7 @@ namespace ui {
 void NativeDataOption::SetCaption(const QString& caption) {
     if (caption_ != caption) {
         caption_ = caption;
-        setAccessibleName(caption); // all of it, and without what stands for an "&"
+        setAccessibleName(caption); // the whole caption, with "&" not doubled
         Fit();
     }
 }

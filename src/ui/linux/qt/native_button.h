@@ -1,5 +1,5 @@
-// Buttons with what the native ones lack: a command button that says whether the operator has pressed it, and
-// an option button whose caption is data, too long as it may be.
+// A command button that knows whether a click came from the keyboard or mouse, and an option button whose
+// caption is data, which may be too long for its place.
 #pragma once
 
 #include <utility>
@@ -15,8 +15,8 @@ class NativeButton final : public QPushButton {
   public:
     using QPushButton::QPushButton;
 
-    /// True once for a click by mouse or keyboard, which has a time of arrival. One by a screen reader has
-    /// none.
+    /// True once for a click by mouse or keyboard, which has a time of arrival; false for a click by a screen
+    /// reader.
     bool TakeByInput() { return std::exchange(by_input_, false); }
     void ClickByInput() {
         by_input_ = true;
@@ -45,8 +45,8 @@ class NativeButton final : public QPushButton {
     bool by_input_ = false;
 };
 
-/// Shows its caption as it stands, "&" included, and where it is too long with an ellipsis in its middle and
-/// the whole of it as tool tip.
+/// Shows its caption with every "&". A caption that is too long has an ellipsis in its middle, and the whole
+/// caption is the tool tip.
 class NativeDataOption final : public QRadioButton {
   public:
     using QRadioButton::QRadioButton;

@@ -59,7 +59,7 @@ QWidget* MakeCommandButton(const Control& control, QWidget* parent) {
     button->setAutoDefault(true); // Enter presses the button that has the focus
     if ((control.Design().traits & kPicture) != 0) {
         button->setIcon(QIcon(":/icons/execute.ico"));
-        button->setAccessibleName(ToQt(control.Design().tool_tip)); // a screen reader says what is not seen
+        button->setAccessibleName(ToQt(control.Design().tool_tip)); // for a screen reader
     }
     return button;
 }

@@ -27,7 +27,7 @@ QWidget* MakeNativeControl(const Control& control, QWidget* parent);
 /// "edtServerName(1)", "cmdClose": the control's identifier, the native control's objectName.
 QString IdentifierOf(const Control& control);
 
-/// Brings the native control in line with what is stale, and leaves alone what agrees. Not for a tab control.
+/// Updates the stale properties that the native control does not show already. Not for a tab control.
 void BringInLine(NativeControl& native);
 
 } // namespace ui

@@ -18,7 +18,7 @@ constexpr Qt::WindowFlags kMainFlags = Qt::Window | Qt::CustomizeWindowHint | Qt
 constexpr Qt::WindowFlags kDialogFlags = Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                                          Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
 
-/// The page of a tab control that a control is or lies on; null where there is none.
+/// The page of a tab control that a control is or lies on; null for a control outside the tabs.
 const Control* PageOf(const Control& control) {
     for (const Control* part = &control; part->Parent() != nullptr; part = part->Parent()) {
         if (part->Parent()->Kind() == Kind::TabControl) {
@@ -59,7 +59,7 @@ NativeForm::NativeForm(Form& form, QWidget* owner)
 NativeForm::~NativeForm() {
     qApp->removeEventFilter(this);
     form_.Attach(nullptr);
-    showing_ = true; // what the controls report at their end is no news
+    showing_ = true; // signals of controls that are being destroyed are not reported
     std::erase(All(), this);
     window_.reset();
 }
@@ -87,7 +87,7 @@ void NativeForm::MakeFrame(QWidget* owner) {
     }
 }
 
-/// All but what lies on the pages of a tab control.
+/// All except the controls on the pages of a tab control.
 void NativeForm::MakeControls() {
     showing_ = true;
     natives_.reserve(form_.Controls().size());
@@ -109,8 +109,8 @@ void NativeForm::MakeControls() {
     showing_ = false;
 }
 
-/// The page that is to be shown and what lies on it, if it has not been shown before: most of the time that a
-/// window takes to stand there is the making of controls, and of the pages one is seen.
+/// The page that is to be shown and the controls on it, when it is shown first: a window spends most of its
+/// start on making controls, and only one page is seen.
 void NativeForm::MakePage() {
     if (tabs_ == nullptr) {
         return;
@@ -138,7 +138,7 @@ void NativeForm::Make(NativeControl& native) {
     native.widget = MakeNativeControl(control, ParentOf(control));
     Settle(native);
     Listen(native);
-    // A page comes up when everything on it is in line.
+    // A page comes up when everything on it is up to date.
     native.widget->setVisible(!is_page);
 }
 
@@ -181,8 +181,8 @@ void NativeForm::OrderTabKey() {
     }
 }
 
-/// What a screen reader calls a control. A label names the box that comes next; a control with neither label
-/// nor caption is called by its tool tip, else by the caption of what it lies on.
+/// Gives each control its name for screen readers. A label names the box that comes next; a control with
+/// neither label nor caption is called by its tool tip, else by the caption of its frame.
 void NativeForm::NameBoxes() {
     const Control* label = nullptr;
     for (NativeControl& native : natives_) {

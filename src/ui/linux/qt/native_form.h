@@ -1,5 +1,5 @@
-// The window of a form: native controls, made, filled, kept in line and listened to. It decides nothing: what
-// the operator does goes to the form through operator.h.
+// The window of a form: makes the native controls, shows the state of the form in them, and reports the
+// operator's acts to the form through operator.h. It makes no decisions.
 #pragma once
 
 #include <exception>
@@ -22,7 +22,7 @@ namespace ui {
 
 class NativeForm final : public Window, private Mirror, private QObject {
   public:
-    /// With an owner it is a dialog above it. Throws nothing of its own; the window is there, unseen.
+    /// With an owner it is a dialog above that. The window is hidden until Show.
     NativeForm(Form& form, QWidget* owner);
     NativeForm(const NativeForm&) = delete;
     NativeForm& operator=(const NativeForm&) = delete;
@@ -31,7 +31,7 @@ class NativeForm final : public Window, private Mirror, private QObject {
     void Show() override;
     void RunUntilClosed() override;
 
-    /// The window of a form; null if none shows it.
+    /// The window of a form; null if the form has no window.
     static QWidget* WindowOf(const Form& form);
 
   private:
@@ -52,18 +52,18 @@ class NativeForm final : public Window, private Mirror, private QObject {
     /// Wholly within that part of the screen, if it fits.
     void MoveWithin(const QRect& work, QPoint corner);
 
-    // native_form_acts.cpp: what the operator does to a native control
+    // native_form_acts.cpp: the operator's acts on native controls
     void Listen(NativeControl& native);
     void ListenToText(NativeControl& native);
     void ListenToButton(NativeControl& native);
     void ListenToComboBox(NativeControl& native);
     void ListenToListBox(NativeControl& native);
     void ListenToTabs(NativeControl& native);
-    /// Runs what reports to the form, unless it is this class's own doing. What is thrown waits for
-    /// RunUntilClosed: it may not pass through Qt's own frames.
+    /// Runs `act`, which reports to the form, unless this class itself changed the native control. An
+    /// exception is kept for RunUntilClosed: it may not pass through Qt's functions.
     void Report(const std::function<void()>& act);
 
-    // native_form_events.cpp: in line, and listening
+    // native_form_events.cpp: updating and listening
     bool eventFilter(QObject* object, QEvent* event) override;
     bool event(QEvent* event) override;
     bool FilterWindow(QEvent& event);
@@ -91,7 +91,7 @@ class NativeForm final : public Window, private Mirror, private QObject {
     static void Press(QAbstractButton& button);
     void PressCancel();
 
-    /// Those that there are, in the order of their making.
+    /// All that exist, the oldest first.
     static std::vector<NativeForm*>& All();
 
     Form& form_;
@@ -103,9 +103,9 @@ class NativeForm final : public Window, private Mirror, private QObject {
         last_press_{}; ///< when the key or the mouse's button that was last let through arrived
     TabStrip* tabs_ = nullptr;
     int tabs_index_ = -1;       ///< the tab control's place among the controls
-    bool told_ = false;         ///< an event that brings the window in line is in the queue
-    bool showing_ = false;      ///< what native controls report now is this class's own doing
-    bool focus_wanted_ = false; ///< by the form, and not given yet
+    bool told_ = false;         ///< an event that updates the window is in the queue
+    bool showing_ = false;      ///< changes of native controls are made by this class and not reported
+    bool focus_wanted_ = false; ///< the form has moved the focus, and the window has not yet
     QEventLoop* loop_ = nullptr;
     std::exception_ptr thrown_;
 };

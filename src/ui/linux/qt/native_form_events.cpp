@@ -1,4 +1,4 @@
-// The events of a form's window: what the form changes is shown, what the operator does is reported to the
+// The events of a form's window: changes of the form are shown, and the operator's acts are reported to the
 // form.
 #include <algorithm>
 #include <utility>
@@ -22,7 +22,7 @@ QWidget* locked_window = nullptr;
 
 } // namespace
 
-// --- what the form changes
+// --- changes of the form
 
 void NativeForm::AskToBringInLine() {
     if (!std::exchange(told_, true)) {
@@ -101,7 +101,7 @@ void NativeForm::BringAllInLine() {
             BringInLine(native);
         }
     }
-    // Last, so that a page comes up with everything on it in line.
+    // Last, so that everything on a page is up to date when it comes up.
     if (tabs_ != nullptr && natives_[static_cast<std::size_t>(tabs_index_)].stale != 0) {
         BringTabsInLine(natives_[static_cast<std::size_t>(tabs_index_)]);
     }
@@ -156,7 +156,7 @@ void NativeForm::GiveFocus() {
 
 void NativeForm::TrackFocus() {
     if (focus_wanted_) {
-        return; // the form has given it away, and the window has still to follow
+        return; // the form has moved the focus, and the window has not yet
     }
     const NativeControl* native = Find(window_->focusWidget());
     if (native != nullptr && native->control != form_.Focused()) {
@@ -165,7 +165,7 @@ void NativeForm::TrackFocus() {
 }
 
 NativeControl* NativeForm::Find(const QObject* object) {
-    // The text field of a combo box and the sheet that a list paints on are widgets of their own below it.
+    // The text field of a combo box and the area that a list paints on are child widgets.
     for (; object != nullptr && object != window_.get(); object = object->parent()) {
         const auto found =
             std::find_if(natives_.begin(), natives_.end(),
@@ -177,7 +177,7 @@ NativeControl* NativeForm::Find(const QObject* object) {
     return nullptr;
 }
 
-// --- what the operator does
+// --- the operator's acts
 
 /// Asked once for each press, also for one on a disabled control.
 bool NativeForm::RefusesMouse(QWidget& widget, const QInputEvent& press) {
@@ -204,7 +204,7 @@ bool NativeForm::RefusesKey(QWidget& widget, const QKeyEvent& key) {
     const bool presses =
         key.key() == Qt::Key_Space || key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
     if (button && !presses) {
-        return false; // it leads elsewhere
+        return false; // a key that leads to another control
     }
     return (button && key.isAutoRepeat()) || !Accepts(*native->control, last_press_);
 }
@@ -285,7 +285,8 @@ bool NativeForm::event(QEvent* event) {
 
 void NativeForm::Show() {
     BringAllInLine();
-    focus_wanted_ = form_.Focused() != nullptr; // the window's own choice, when it comes up, does not count
+    focus_wanted_ =
+        form_.Focused() != nullptr; // not the one that Qt gives the focus to when the window comes up
     window_->show();
     if (focus_wanted_) {
         BringAllInLine();

@@ -1,5 +1,5 @@
-// The keys of a dialog, as Windows has them: mnemonics, tabs, Escape. Qt asks whether a key is wanted before
-// it looks at its own shortcuts; `asked` is that question, and nothing is done on it.
+// The keys of a dialog, as on Windows: mnemonics, tabs, Escape. Before Qt looks at its own shortcuts it asks
+// whether a key is wanted here; then `asked` is true, and the key is only answered and not acted on.
 #include "ui/linux/qt/native_button.h"
 #include "ui/linux/qt/native_form.h"
 #include "ui/linux/qt/text.h"

@@ -1,5 +1,5 @@
-// Brings native controls in line with their controls. Each function asks first what the native control shows:
-// a text that is set again loses its selection, a list its place.
+// Shows the state of controls in their native controls. Each function compares first: a text that is set
+// again loses its selection, and a list its scroll position.
 #include <algorithm>
 
 #include <QAbstractButton>
@@ -23,7 +23,7 @@ bool Stale(const NativeControl& native, Property property) {
     return (native.stale & Bit(property)) != 0;
 }
 
-/// A colour of the design that is the system's own is left to the palette, which may change to a dark one.
+/// System colours come from the palette, which may change to a dark one while the program runs.
 QPalette PaletteOf(const QWidget& widget, QPalette::ColorRole role, Colour colour) {
     QPalette palette;
     switch (colour) {
@@ -118,7 +118,7 @@ void ShowComboBox(const NativeControl& native) {
             widget.lineEdit()->setText(typed);
         }
     }
-    // In a box with free text an index of -1 would take away what the operator is typing.
+    // In a box with free text an index of -1 would erase the text that the operator is typing.
     const bool from_list = box.IsDropDownList() || box.ListIndex() >= 0;
     if (from_list && widget.currentIndex() != box.ListIndex()) {
         widget.setCurrentIndex(box.ListIndex());
@@ -157,7 +157,7 @@ void ShowListView(const NativeControl& native) {
     }
 }
 
-/// The native bar counts in whole numbers; so do all who step it.
+/// The native bar counts in whole numbers; no caller uses others.
 void ShowProgressBar(const NativeControl& native) {
     const auto& bar = static_cast<const ProgressBar&>(*native.control);
     auto& widget = static_cast<QProgressBar&>(*native.widget);
@@ -194,7 +194,7 @@ ShowFunction ShowFunctionOf(Kind kind) {
     case Kind::TabControl:
         break;
     }
-    return nullptr; // nothing of them changes but whether they are enabled
+    return nullptr; // only whether they are enabled changes
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 namespace ui {
 namespace {
 
-/// Paths of the program may have either separator, and characters that its own code page lacks.
+/// Paths of the program may have either separator, and escapes for characters that its code page lacks.
 QString PathToQt(const std::string& path) {
     return QString::fromUtf8(platform::ToSystemText(path)).replace('\\', '/');
 }
@@ -21,7 +21,7 @@ std::optional<std::string> PathFromQt(const QString& path) {
 }
 
 /// "Script Files (*.sql)|*.sql" becomes "Script Files (*.sql)": the name holds the pattern in parentheses,
-/// which is what Qt looks at. One that does not gets it.
+/// where Qt looks for it. A name without it gets it.
 QString FilterToQt(const std::string& filter) {
     const QStringList parts = ToQt(filter).split('|');
     QStringList filters;

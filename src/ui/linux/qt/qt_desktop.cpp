@@ -19,8 +19,8 @@
 namespace ui {
 namespace {
 
-/// Qt sets the process's locale from the environment, on which conversions of numbers would depend that the
-/// program makes. This puts back what was there.
+/// Qt sets the process's locale from the environment, which would change how the program converts numbers.
+/// This restores the locale.
 class KeepLocale {
   public:
     KeepLocale() : before_(std::setlocale(LC_ALL, nullptr)) {}
@@ -32,7 +32,7 @@ class KeepLocale {
     std::string before_;
 };
 
-/// Qt's hints to its developers are none for an operator's terminal; what ends the program is.
+/// Qt's warnings are for developers and do not go to the operator's terminal; fatal errors do.
 void TakeMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
     if (type == QtCriticalMsg || type == QtFatalMsg) {
         std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
@@ -67,7 +67,7 @@ QMessageBox::Icon IconOf(platform::MessageIcon icon) {
     return QMessageBox::NoIcon;
 }
 
-/// Places in twips at 96 DPI, which is Qt's own unit; grown where the font is higher than the design's.
+/// Lays twips out as Qt's pixels (96 to the inch), larger where the font is higher than the design's.
 class QtStatusWindow final : public QWidget, public platform::StatusWindow {
   public:
     explicit QtStatusWindow(const platform::StatusWindowLayout& layout)
@@ -123,7 +123,7 @@ class QtStatusWindow final : public QWidget, public platform::StatusWindow {
 } // namespace
 
 QtDesktop::QtDesktop(const std::string& qt_platform) : application_(OpenApplication(qt_platform)) {
-    // A window's own loop says when it is over; a message box that closes is not the program's end.
+    // Each window ends its own loop; the program does not end when a message box closes.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setQuitLockEnabled(false);
     QApplication::setWindowIcon(QIcon(":/icons/program.ico"));

@@ -1,5 +1,5 @@
-// The native tab bar and the sheet below it that its pages lie on. The pages are no children of it: the form
-// places them itself. A disabled tab is grey and not to be chosen.
+// The native tab bar and the area below it for the pages. The pages are not its children: the form places
+// them. A disabled tab is grey and cannot be chosen.
 #pragma once
 
 #include <vector>
@@ -17,7 +17,7 @@ class TabStrip final : public QWidget {
 
     QTabBar& Bar() { return *bar_; }
     /// Chooses the next tab in that direction (1 or -1) that can be chosen, as the operator does; `around`
-    /// goes on at the other end. Nothing happens where there is none.
+    /// goes on at the other end. Does nothing if there is no such tab.
     void ChooseNext(int direction, bool around);
     /// The first tab from `index` on, in that direction, that can be chosen.
     void ChooseFrom(int index, int direction);

@@ -1,5 +1,7 @@
-// The desktop's colours, which may become dark while the program runs.
+// The desktop's colours and text direction, which may change while the program runs.
+#include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 #include <QApplication>
 #include <QPalette>
@@ -61,6 +63,50 @@ TEST_F(DarkDesktop, IsFollowedByEveryColourThatIsTheSystemsOwn) {
         screen::WaitFor([turns = 0]() mutable { return ++turns > 150; });
         EXPECT_TRUE(screen::TakePicture(top_, std::string(folder) + "/dark-general"));
     }
+}
+
+TEST_F(DarkDesktop, IsLeftForALightOneAgain) {
+    ShowTab(kv::kReplicationTab);
+    auto& status = Get<ui::Label>("lblSQLServerReplicationStatus");
+    auto& user = Get<ui::TextBox>("edtUserID", 0);
+    user.BackColor(ui::kButtonFaceBackground);
+    Settle();
+    const QColor window = Colour(top_, QPalette::Window);
+    const QColor text = Colour(Native(status), QPalette::WindowText);
+    GoDark();
+    QApplication::setPalette(before_);
+    Settle();
+    EXPECT_EQ(Colour(top_, QPalette::Window), window);
+    EXPECT_EQ(Colour(Native(status), QPalette::WindowText), text);
+    EXPECT_EQ(Colour(Native("edtUserID", 0), QPalette::Base), window);
+}
+
+class DesktopFromRightToLeft : public OnScreen {
+  protected:
+    void TearDown() override { QApplication::setLayoutDirection(Qt::LeftToRight); }
+    /// Whether there is anything dark in that half of a label.
+    bool IsPainted(const char* label, int index, bool right_half) {
+        constexpr screen::Colour kDark = 100;
+        screen::Part native = Native(label, index);
+        const screen::Box all = screen::PlaceIn(native, native);
+        const int middle = all.Width() / 2;
+        const std::vector<screen::Colour> pixels = screen::Pixels(
+            native, {right_half ? middle : 0, 0, right_half ? all.Width() : middle, all.Height()});
+        return std::any_of(pixels.begin(), pixels.end(),
+                           [](screen::Colour pixel) { return (pixel & 0xFFU) < kDark; });
+    }
+};
+
+/// The program's texts are English: they are read from left to right on every desktop, beside their boxes.
+TEST_F(DesktopFromRightToLeft, LeavesEnglishLabelsAtTheirLeft) {
+    ASSERT_TRUE(IsPainted("lblUserID", 0, false));
+    ASSERT_FALSE(IsPainted("lblUserID", 0, true));
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    Settle();
+    EXPECT_TRUE(IsPainted("lblUserID", 0, false));
+    EXPECT_FALSE(IsPainted("lblUserID", 0, true));
+    ShowTab(kv::kReplicationTab); // made after the change
+    EXPECT_TRUE(IsPainted("lblSQLReplicationDatabase", ui::kNoIndex, false));
 }
 
 } // namespace
