@@ -30,6 +30,7 @@ ROLES = {
     "frame": "panel", "picture box": "filler", "label": "label", "text box": "text", "command button": "push button",
     "check box": "check box", "option button": "radio button", "combo box": "combo box", "list box": "list",
     "list view": "table", "progress bar": "progress bar", "tab control": "filler"}
+PASSWORD = "password text"  # the role of a text box that gives its text to nobody
 FORMS = {"main": "frmMain", "dialog": "frmStoredProcedures"}
 HELD_KEYS = {"Alt": "Alt_L", "Control": "Control_L", "Shift": "Shift_L"}
 State = Atspi.StateType
@@ -237,7 +238,7 @@ class Operator:
             part = around and around.get_child_at_index(self.design.places[key])
         if part is not None:
             role, wanted = part.get_role_name(), ROLES[self.design.kinds[key]]
-            require(role == wanted, f"{name} is a {role} and not a {wanted}")
+            require(role == wanted or (wanted, role) == ("text", PASSWORD), f"{name} is a {role} and not a {wanted}")
         return part
 
     def page(self, caption):
@@ -260,7 +261,7 @@ class Operator:
     def edit_of(self, part):
         """Where a text box or a combo box with free text takes its text; None for any other."""
         parts = [part, *children(part)] if self.is_combo(part) else [part]
-        return next((one for one in parts if one.get_role_name() == "text"), None)
+        return next((one for one in parts if one.get_role_name() in ("text", PASSWORD)), None)
 
     def has_focus(self, part):
         return any(has(one, State.FOCUSED) for one in (part, self.edit_of(part)) if one is not None)
@@ -318,6 +319,8 @@ class Operator:
         self.input.press("Shift_L", "End")
         self.input.press("Delete")
         self.input.type(text)
+        if edit.get_role_name() == PASSWORD:
+            return
         require(wait_for(lambda: text_of(edit) == text), f'the text is "{text_of(edit)}" and not "{text}"')
 
     def choose(self, name, text):
