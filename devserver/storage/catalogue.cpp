@@ -92,7 +92,8 @@ constexpr std::string_view kObjectFields =
 } // namespace
 
 bool IsTableOrModule(std::string_view object_type) {
-    return object_type == "U" || object_type == "V" || object_type == "P" || object_type == "FN";
+    return object_type == "U" || object_type == "V" || object_type == "P" || object_type == "FN" ||
+           object_type == "TR";
 }
 
 // ------------------------------------------------------------------ definitions

@@ -66,6 +66,12 @@ struct CheckDef {
     bool disabled = false;
 };
 
+struct TriggerDef {
+    std::int64_t id = 0;
+    std::string name;
+    bool disabled = false;
+};
+
 struct TableDef {
     std::int64_t id = 0;
     std::string alias; ///< of the attached database in SQLite: "main", "db7", "temp"
@@ -77,6 +83,7 @@ struct TableDef {
     std::vector<ForeignKeyDef> foreign_keys;
     std::vector<ForeignKeyDef> referencing; ///< foreign keys of any table to this one
     std::vector<CheckDef> checks;
+    std::vector<TriggerDef> triggers; ///< in the order in which they were made
 
     /// Ignores case. Returns null for an unknown name.
     const ColumnDef* Find(std::string_view column) const;
@@ -102,9 +109,9 @@ struct ObjectDef {
     std::int64_t id = 0;
     std::string schema;
     std::string name;
-    std::string type; ///< "U", "V", "P", "PK", "UQ", "F", "C", "D"
+    std::string type; ///< "U", "V", "P", "FN", "TR", "PK", "UQ", "F", "C", "D"
     std::int64_t parent = 0;
-    std::string text; ///< of procedures, views, checks, defaults
+    std::string text; ///< of modules, checks, defaults
     bool quoted_identifier = true;
     bool ansi_nulls = true;
     bool encrypted = false;
@@ -156,7 +163,8 @@ class Catalogue {
     void RemoveIndex(const TableDef& table, const IndexDef& index);
     void AddForeignKey(const ForeignKeyDef& key);
     void AddCheck(std::int64_t table, const CheckDef& check);
-    void SetDisabled(std::int64_t constraint, bool disabled);
+    /// Of a constraint or a trigger.
+    void SetDisabled(std::int64_t object, bool disabled);
     /// The last identity value; nothing before the first row.
     std::optional<std::int64_t> IdentityValue(std::int64_t table);
     void SetIdentityValue(std::int64_t table, std::optional<std::int64_t> value);

@@ -65,6 +65,13 @@ TablePtr Catalogue::LoadTable(std::int64_t id) {
     while (check.Step()) {
         table->checks.push_back({check.Int(0), check.Text(1), check.Text(2), check.Int(3) != 0});
     }
+    SqliteStatement trigger =
+        Prepare("SELECT id, name, disabled FROM {db}.devsql_objects WHERE parent = ?1 AND type = 'TR' "
+                "ORDER BY created, id");
+    trigger.BindInt(1, id);
+    while (trigger.Step()) {
+        table->triggers.push_back({trigger.Int(0), trigger.Text(1), trigger.Int(2) != 0});
+    }
     return table;
 }
 
@@ -273,9 +280,9 @@ void Catalogue::AddCheck(std::int64_t table, const CheckDef& check) {
     AddObject(object);
 }
 
-void Catalogue::SetDisabled(std::int64_t constraint, bool disabled) {
+void Catalogue::SetDisabled(std::int64_t object, bool disabled) {
     Prepare("UPDATE {db}.devsql_objects SET disabled = ?2 WHERE id = ?1")
-        .BindInt(1, constraint)
+        .BindInt(1, object)
         .BindInt(2, disabled)
         .Run();
     Touch();

@@ -49,6 +49,15 @@ class BulkInsert : public TsqlTest {
     std::string Table() { return Run("select * from t"); }
 };
 
+TEST_F(BulkInsert, FiresTriggersOnlyWhereItAsksForThem) {
+    client.Run("create trigger counts on t for insert as declare @n int select @n = count(*) from inserted "
+               "print @n");
+    Run("insert bulk t (a int)");
+    EXPECT_EQ(Load({{kText}, {{"1"}, {"2"}}}), "(2)\n");
+    Run("insert bulk t (a int) with (fire_triggers)");
+    EXPECT_EQ(Load({{kText}, {{"3"}, {"4"}}}), "> 2\n(2)\n");
+}
+
 TEST_F(BulkInsert, RowsAreConvertedAndCounted) {
     EXPECT_EQ(
         Run("insert bulk dbo.t (a int, [b] varchar(5) collate Latin1_General_CI_AS null) with (tablock, "

@@ -80,6 +80,8 @@ class Binder {
     QueryBinder queries_{*this};
 };
 
+/// Raises 311 for a column that may not be read: a text, ntext or image of a trigger's "inserted", "deleted".
+void RequireReadable(const ScopeColumn& column);
 /// As Binder::BindTarget, with `error` (1088, 4701) instead of 208.
 Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& name, std::int32_t error);
 /// The view's columns, for the catalogue.

@@ -18,7 +18,7 @@ struct ScopeColumn {
     Type type;
     bool nullable = true;
     bool identity = false;
-    std::string sql; ///< in SQLite's SQL: t3."BatchId"
+    std::string sql; ///< in SQLite's SQL: t3."BatchId"; empty: see RequireReadable
 };
 
 /// A table, view or query in a FROM clause.

@@ -12,6 +12,12 @@ namespace {
 
 constexpr int kDeepestView = 32;
 
+/// The table "inserted" or "deleted" of a trigger: all other tables of SQLite's temporary database have names
+/// that begin with # or @.
+bool IsTransitionTable(const TableDef& table) {
+    return table.alias == "temp" && !table.name.starts_with("#") && !table.name.starts_with("@");
+}
+
 /// True if a name such as "b.BatchId" or "dbo.Batches.BatchId" may mean a column of this source.
 bool Names(const ScopeSource& source, const ast::Name& name) {
     const std::size_t qualifiers = name.parts.size() - 1;
@@ -31,15 +37,23 @@ bool Names(const ScopeSource& source, const ast::Name& name) {
 
 } // namespace
 
+void RequireReadable(const ScopeColumn& column) {
+    if (column.sql.empty()) {
+        RaiseError(311);
+    }
+}
+
 ScopeSource NameBinder::SourceOf(const TablePtr& table, const std::string& exposed,
                                  const std::string& sql_alias) const {
     ScopeSource source;
     source.exposed = exposed;
     source.sql_alias = sql_alias;
     source.table = table;
+    const bool of_trigger = IsTransitionTable(*table);
     for (const ColumnDef& column : table->columns) {
+        const bool hidden = of_trigger && IsOldLob(column.type.id);
         source.columns.push_back({column.name, column.type, column.nullable, column.identity,
-                                  sql_alias + "." + QuoteName(column.name)});
+                                  hidden ? "" : sql_alias + "." + QuoteName(column.name)});
     }
     return source;
 }
@@ -70,6 +84,9 @@ std::string NameBinder::Source(const ast::NamedSource& named, Scope& scope) {
     if (named.name.parts.size() == 1) {
         if (const CommonTables::Entry* entry = FindCommon(last)) {
             return CommonTable(naming, *entry);
+        }
+        if (binding_.view_database.empty() && session_.calls().FindTableVariable(last)) {
+            return AddTable(naming, session_.calls().FindTableVariable(last)); // of a trigger
         }
     }
     return session_.remote().Means(named.name) ? LinkedTable(naming) : CatalogueTable(naming);
@@ -204,6 +221,7 @@ BoundPtr NameBinder::Column(const ast::ColumnExpr& column, const Scope* scope) c
             }
         }
         if (found != nullptr) {
+            RequireReadable(*found);
             auto node = std::make_shared<Bound>(*MakeSql(found->sql, found->type, found->nullable));
             node->source = found_in->exposed;
             node->column = found->name;
@@ -245,6 +263,9 @@ Target NameBinder::WriteTarget(const ast::Name& name) {
             RaiseError(208, {name.text()});
         }
         return target;
+    }
+    if (name.parts.size() == 1 && session_.calls().FindTableVariable(name.last())) {
+        RaiseError(286);
     }
     if (session_.remote().Means(name)) {
         target.remote = Remote(name);

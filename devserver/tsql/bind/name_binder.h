@@ -17,7 +17,7 @@ class NameBinder : private BinderPart {
     /// A name in a FROM clause. Adds the source to `scope` and gives its SQL. Raises 208, 1011, 1013, 1087.
     std::string Source(const ast::NamedSource& named, Scope& scope);
     BoundPtr Column(const ast::ColumnExpr& column, const Scope* scope) const;
-    /// The table that a statement writes to. Raises 208, 259, 1087, 40517.
+    /// The table that a statement writes to. Raises 208, 259, 286, 1087, 40517.
     Target WriteTarget(const ast::Name& name);
     ScopeSource SourceOf(const TablePtr& table, const std::string& exposed,
                          const std::string& sql_alias) const;

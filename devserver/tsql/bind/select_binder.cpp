@@ -109,6 +109,7 @@ void SelectBinder::ExpandStar(const ast::SelectItem& item, SelectParts& parts) c
             if (column.name.empty()) {
                 continue;
             }
+            RequireReadable(column);
             auto node = std::make_shared<Bound>(*MakeSql(column.sql, column.type, column.nullable));
             node->source = source.exposed;
             node->column = column.name;

@@ -22,7 +22,7 @@ extern const std::string_view kMasterProcedures;
 extern const std::string_view kDriverProcedures;
 /// Must rise when one of these files changes: a server whose files are of another version runs them
 /// again.
-inline constexpr int kBootstrapVersion = 7;
+inline constexpr int kBootstrapVersion = 8;
 
 /// The batches of a file. A line "GO" ends each.
 std::vector<std::string_view> Batches(std::string_view text);

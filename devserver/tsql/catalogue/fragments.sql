@@ -109,3 +109,21 @@ CASE WHEN t.type_name IN ('uniqueidentifier', 'timestamp') THEN t.bytes
     WHEN t.digits = 0 THEN c.length
     ELSE t.digits END
 GO
+
+-- Of a table o: the trigger that was made last for INSERT; 0 without one.
+DEFINE {insert_trigger} AS
+coalesce((SELECT max(r.id) FROM {db}.devsql_objects r WHERE r.parent = o.id AND r.type = 'TR'
+    AND tsql_trigger_events({name}, r.id) & 1), 0)
+GO
+
+-- Of a table o: the trigger that was made last for UPDATE; 0 without one.
+DEFINE {update_trigger} AS
+coalesce((SELECT max(r.id) FROM {db}.devsql_objects r WHERE r.parent = o.id AND r.type = 'TR'
+    AND tsql_trigger_events({name}, r.id) & 2), 0)
+GO
+
+-- Of a table o: the trigger that was made last for DELETE; 0 without one.
+DEFINE {delete_trigger} AS
+coalesce((SELECT max(r.id) FROM {db}.devsql_objects r WHERE r.parent = o.id AND r.type = 'TR'
+    AND tsql_trigger_events({name}, r.id) & 4), 0)
+GO

@@ -55,7 +55,7 @@ BEGIN
     RETURN 1
 END
 DECLARE @list TABLE (id int, part int, keys nvarchar(4000))
-SELECT @con = MIN(id) FROM sysobjects WHERE parent_obj = @id
+SELECT @con = MIN(id) FROM sysobjects WHERE parent_obj = @id AND xtype <> 'TR'
 WHILE @con IS NOT NULL
 BEGIN
     SELECT @keys = NULL, @references = NULL
@@ -70,7 +70,7 @@ BEGIN
     INSERT @list VALUES (@con, 1, @keys)
     IF @references IS NOT NULL
         INSERT @list VALUES (@con, 2, @references + N')')
-    SELECT @con = MIN(id) FROM sysobjects WHERE parent_obj = @id AND id > @con
+    SELECT @con = MIN(id) FROM sysobjects WHERE parent_obj = @id AND xtype <> 'TR' AND id > @con
 END
 IF @nomsg <> 'nomsg'
     SELECT @objname AS [Object Name]
@@ -306,6 +306,34 @@ END
 RETURN 0
 GO
 
+CREATE OR ALTER PROCEDURE dbo.sp_helptrigger @tabname nvarchar(776), @triggertype char(6) = NULL
+AS
+SET NOCOUNT ON
+IF COALESCE(OBJECTPROPERTY(OBJECT_ID(@tabname), 'IsUserTable'), 0) = 0
+BEGIN
+    DECLARE @db sysname
+    SET @db = DB_NAME()
+    RAISERROR (15009, 16, 1, @tabname, @db)
+    RETURN 1
+END
+IF @triggertype NOT IN ('insert', 'update', 'delete')
+BEGIN
+    RAISERROR (15305, 16, 1)
+    RETURN 1
+END
+SET NOCOUNT OFF
+SELECT t.name AS trigger_name, 'dbo' AS trigger_owner, OBJECTPROPERTY(t.object_id, 'ExecIsUpdateTrigger') AS isupdate,
+    OBJECTPROPERTY(t.object_id, 'ExecIsDeleteTrigger') AS isdelete,
+    OBJECTPROPERTY(t.object_id, 'ExecIsInsertTrigger') AS isinsert, 1 AS isafter, 0 AS isinsteadof,
+    (SELECT s.name FROM sys.objects o JOIN sys.schemas s ON s.schema_id = o.schema_id WHERE o.object_id = t.object_id)
+        AS trigger_schema
+FROM sys.triggers t
+WHERE t.parent_id = OBJECT_ID(@tabname)
+    AND (@triggertype IS NULL OR OBJECTPROPERTY(t.object_id, 'ExecIs' + RTRIM(@triggertype) + 'Trigger') = 1)
+ORDER BY t.name
+RETURN 0
+GO
+
 CREATE OR ALTER PROCEDURE dbo.sp_help @objname nvarchar(776) = NULL
 AS
 SET NOCOUNT ON
@@ -315,7 +343,7 @@ BEGIN
     SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
             WHEN 'P' THEN 'stored procedure' WHEN 'FN' THEN 'scalar function' WHEN 'PK' THEN 'primary key cns'
             WHEN 'UQ' THEN 'unique cns' WHEN 'F' THEN 'foreign key cns' WHEN 'C' THEN 'check cns'
-            ELSE 'default (maybe cns)' END AS Object_type
+            WHEN 'TR' THEN 'trigger' ELSE 'default (maybe cns)' END AS Object_type
     FROM sysobjects ORDER BY Object_type, Name
     RETURN 0
 END
@@ -327,9 +355,12 @@ BEGIN
     RETURN 1
 END
 SELECT name AS Name, 'dbo' AS Owner, CASE xtype WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
-        WHEN 'P' THEN 'stored procedure' WHEN 'FN' THEN 'scalar function' ELSE 'constraint' END AS Type,
+        WHEN 'P' THEN 'stored procedure' WHEN 'FN' THEN 'scalar function' WHEN 'TR' THEN 'trigger'
+        ELSE 'constraint' END AS Type,
     crdate AS Created_datetime
 FROM sysobjects WHERE id = @id
+IF @type = 'TR'
+    RETURN 0
 IF @type IN ('P', 'FN')
 BEGIN
     SELECT c.name AS Parameter_name, t.name AS Type, c.length AS Length, c.prec AS Prec, c.scale AS Scale,

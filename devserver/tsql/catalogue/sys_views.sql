@@ -37,7 +37,7 @@ CREATE VIEW sys.objects (
 SELECT o.name, o.id AS object_id, NULL AS principal_id, {schema_id} AS schema_id, o.parent AS parent_object_id,
     CASE WHEN length(o.type) = 1 THEN o.type || ' ' ELSE o.type END AS type,
     CASE o.type WHEN 'U' THEN 'USER_TABLE' WHEN 'V' THEN 'VIEW' WHEN 'P' THEN 'SQL_STORED_PROCEDURE'
-        WHEN 'FN' THEN 'SQL_SCALAR_FUNCTION' WHEN 'PK' THEN 'PRIMARY_KEY_CONSTRAINT'
+        WHEN 'FN' THEN 'SQL_SCALAR_FUNCTION' WHEN 'TR' THEN 'SQL_TRIGGER' WHEN 'PK' THEN 'PRIMARY_KEY_CONSTRAINT'
         WHEN 'UQ' THEN 'UNIQUE_CONSTRAINT' WHEN 'F' THEN 'FOREIGN_KEY_CONSTRAINT'
         WHEN 'C' THEN 'CHECK_CONSTRAINT' ELSE 'DEFAULT_CONSTRAINT' END AS type_desc,
     o.created AS create_date, o.created AS modify_date, o.shipped AS is_ms_shipped, 0 AS is_published
@@ -271,7 +271,7 @@ CREATE VIEW sys.sql_modules (
 SELECT o.id AS object_id, CASE WHEN o.encrypted THEN NULL ELSE o.text END AS definition,
     o.ansi_nulls AS uses_ansi_nulls, o.quoted_identifier AS uses_quoted_identifier
 FROM {db}.devsql_objects o
-WHERE o.type IN ('P', 'V', 'FN')
+WHERE o.type IN ('P', 'V', 'FN', 'TR')
 GO
 
 CREATE VIEW sys.identity_columns (
@@ -313,14 +313,27 @@ SELECT 'PRIMARY' AS name, 1 AS data_space_id, 'FG' AS type, 'ROWS_FILEGROUP' AS 
 GO
 
 CREATE VIEW sys.triggers (
-    name sysname, object_id int, principal_id int, schema_id int, parent_object_id int, type char(2),
-    type_desc nvarchar(60), create_date datetime, modify_date datetime, is_ms_shipped bit, parent_id int,
-    is_disabled bit, is_instead_of_trigger bit
+    name sysname, object_id int, parent_class tinyint, parent_class_desc nvarchar(60), parent_id int,
+    type char(2), type_desc nvarchar(60), create_date datetime, modify_date datetime, is_ms_shipped bit,
+    is_disabled bit, is_not_for_replication bit, is_instead_of_trigger bit
 ) AS
-SELECT NULL AS name, NULL AS object_id, NULL AS principal_id, NULL AS schema_id, NULL AS parent_object_id,
-    NULL AS type, NULL AS type_desc, NULL AS create_date, NULL AS modify_date, NULL AS is_ms_shipped,
-    NULL AS parent_id, NULL AS is_disabled, NULL AS is_instead_of_trigger
-WHERE 0
+SELECT o.name, o.id AS object_id, 1 AS parent_class, 'OBJECT_OR_COLUMN' AS parent_class_desc, o.parent AS parent_id,
+    'TR' AS type, 'SQL_TRIGGER' AS type_desc, o.created AS create_date, o.created AS modify_date,
+    o.shipped AS is_ms_shipped, o.disabled AS is_disabled, 0 AS is_not_for_replication, 0 AS is_instead_of_trigger
+FROM {db}.devsql_objects o
+WHERE o.type = 'TR'
+GO
+
+CREATE VIEW sys.trigger_events (
+    object_id int, type int, type_desc nvarchar(60), is_first bit, is_last bit, event_group_type int,
+    event_group_type_desc nvarchar(60), is_trigger_event bit
+) AS
+SELECT o.id AS object_id, e.type, e.word AS type_desc, 0 AS is_first, 0 AS is_last, NULL AS event_group_type,
+    NULL AS event_group_type_desc, 1 AS is_trigger_event
+FROM {db}.devsql_objects o
+    JOIN (SELECT 1 AS type, 1 AS bit, 'INSERT' AS word UNION ALL SELECT 2, 2, 'UPDATE' UNION ALL SELECT 3, 4, 'DELETE') e
+        ON tsql_trigger_events({name}, o.id) & e.bit
+WHERE o.type = 'TR'
 GO
 
 CREATE VIEW sys.synonyms (

@@ -14,8 +14,9 @@ SELECT o.name, o.id, CASE WHEN length(o.type) = 1 THEN o.type || ' ' ELSE o.type
         AS type,
     1 AS userstat,
     CASE o.type WHEN 'U' THEN 3 WHEN 'V' THEN 2 WHEN 'P' THEN 4 WHEN 'PK' THEN 9 WHEN 'UQ' THEN 9
-        WHEN 'F' THEN 11 WHEN 'C' THEN 7 WHEN 'D' THEN 6 ELSE 0 END AS sysstat,
-    0 AS indexdel, o.created AS refdate, 0 AS version, 0 AS deltrig, 0 AS instrig, 0 AS updtrig, 0 AS seltrig,
+        WHEN 'F' THEN 11 WHEN 'C' THEN 7 WHEN 'D' THEN 6 WHEN 'TR' THEN 8 ELSE 0 END AS sysstat,
+    0 AS indexdel, o.created AS refdate, 0 AS version,
+    {delete_trigger} AS deltrig, {insert_trigger} AS instrig, {update_trigger} AS updtrig, 0 AS seltrig,
     CASE WHEN o.shipped THEN 2 ELSE 0 END AS category, 0 AS cache
 FROM {db}.devsql_objects o
 GO

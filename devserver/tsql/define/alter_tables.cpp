@@ -418,12 +418,6 @@ void RunAlterTable(SessionCore& session, const ast::AlterTableStatement& alter) 
         case ast::AlterTableAction::DisableConstraint:
             SwitchConstraints(alter, *target.catalogue, *target.table);
             break;
-        case ast::AlterTableAction::Triggers:
-            for (const std::string& name : alter.names) { // There are none.
-                if (name != "ALL") {
-                    RaiseError(4920, {name, alter.table.text()});
-                }
-            }
         }
     });
     session.results().Done(Command::None, std::nullopt);

@@ -1,4 +1,4 @@
-// Procedures, functions and views, user types, and DROP of any object.
+// Procedures, functions, views and triggers, user types, and DROP of any object.
 #include <algorithm>
 #include <array>
 
@@ -18,10 +18,11 @@ struct KindInfo {
     std::string_view type; ///< of devsql_objects
     std::string_view word; ///< of messages
 };
-constexpr std::array<KindInfo, 4> kKinds = {{{ast::ObjectKind::Table, "U", "table"},
+constexpr std::array<KindInfo, 5> kKinds = {{{ast::ObjectKind::Table, "U", "table"},
                                              {ast::ObjectKind::View, "V", "view"},
                                              {ast::ObjectKind::Procedure, "P", "procedure"},
-                                             {ast::ObjectKind::Function, "FN", "function"}}};
+                                             {ast::ObjectKind::Function, "FN", "function"},
+                                             {ast::ObjectKind::Trigger, "TR", "trigger"}}};
 
 const KindInfo* InfoOf(ast::ObjectKind kind) {
     for (const KindInfo& info : kKinds) {
@@ -196,6 +197,24 @@ void DropType(SessionCore& session, const ast::Name& name, bool if_exists) {
     session.transactions().Write(catalogue.alias(), [&] { catalogue.RemoveType(type->schema, type->name); });
 }
 
+/// The module that ALTER names; nothing for CREATE. Raises 2714, 2010, 208, 2110. `table` is a trigger's, 0
+/// for any other module.
+std::optional<ObjectDef> ModuleToAlter(Catalogue& catalogue, const ast::CreateModuleStatement& create,
+                                       const ObjectPlace& place, std::int64_t table) {
+    std::optional<ObjectDef> existing = catalogue.FindObject(place.schema, place.name);
+    const bool alter = create.alter || (create.or_alter && existing);
+    if (existing && !alter) {
+        RaiseError(2714, {place.name}, 3);
+    }
+    if (alter && (!existing || existing->type != InfoOf(create.kind)->type)) {
+        RaiseError(existing ? 2010 : 208, {create.name.text()}, 6);
+    }
+    if (existing && existing->parent != table) {
+        RaiseError(2110, {create.name.text(), create.table.text()});
+    }
+    return existing;
+}
+
 } // namespace
 
 void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& create) {
@@ -209,19 +228,15 @@ void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& cre
     if (create.kind == ast::ObjectKind::Function) {
         RequireFunctionBody(create.body);
     }
-    const ObjectPlace place = PlaceOf(session, create.name);
+    ObjectPlace place = PlaceOf(session, create.name);
     Catalogue& catalogue = session.databases().Current();
     session.transactions().Write(catalogue.alias(), [&] {
-        std::optional<ObjectDef> existing = catalogue.FindObject(place.schema, place.name);
-        const bool alter = create.alter || (create.or_alter && existing);
-        if (existing && !alter) {
-            RaiseError(2714, {place.name}, 3);
-        }
-        if (alter && (!existing || existing->type != info.type)) {
-            RaiseError(existing ? 2010 : 208, {create.name.text()}, 6);
-        }
+        const std::int64_t table =
+            create.kind == ast::ObjectKind::Trigger ? TableOfTrigger(session, create, place.schema) : 0;
+        const std::optional<ObjectDef> existing = ModuleToAlter(catalogue, create, place, table);
         RequireSchema(catalogue, place.schema);
         ObjectDef object = existing.value_or(ObjectDef{});
+        object.parent = table;
         object.schema = place.schema;
         object.name = existing ? existing->name : place.name;
         object.type = info.type;
@@ -265,15 +280,12 @@ void RunDrop(SessionCore& session, const ast::DropStatement& drop) {
         case ast::ObjectKind::Schema:
             DropPrincipal(session, drop.kind, name.last(), drop.if_exists);
             break;
-        default: { // Triggers, defaults and rules can't be made here, so none is there to be
-                   // dropped.
-            const std::string_view word = drop.kind == ast::ObjectKind::Trigger   ? "trigger"
-                                          : drop.kind == ast::ObjectKind::Default ? "default"
-                                                                                  : "rule";
+        default: // Defaults and rules can't be made here, so none is there to be dropped.
             if (!drop.if_exists) {
-                RaiseError(3701, {"drop", word, name.text()}, 5);
+                RaiseError(3701,
+                           {"drop", drop.kind == ast::ObjectKind::Default ? "default" : "rule", name.text()},
+                           5);
             }
-        }
         }
     }
     session.results().Done(Command::None, std::nullopt);

@@ -136,6 +136,7 @@ struct InsertBulkStatement {
     std::vector<std::string> columns;
     bool check_constraints = false;
     bool keep_nulls = false;
+    bool fire_triggers = false;
 };
 struct Assignment {
     std::string column;
@@ -224,10 +225,10 @@ struct Statement {
                  TryStatement, ExecuteStatement, ExecuteStringStatement, TransactionStatement, UseStatement,
                  QueryPtr, InsertStatement, InsertBulkStatement, UpdateStatement, DeleteStatement,
                  TruncateStatement, CreateTableStatement, AlterTableStatement, DropStatement,
-                 CreateIndexStatement, DropIndexStatement, CreateModuleStatement, CreateDatabaseStatement,
-                 AlterDatabaseStatement, GrantStatement, CreatePrincipalStatement, CreateTypeStatement,
-                 AlterRoleStatement, CursorDeclareStatement, CursorStatement, FetchStatement,
-                 MaintenanceStatement, CheckIdentityStatement, KillStatement>
+                 CreateIndexStatement, DropIndexStatement, SwitchTriggersStatement, CreateModuleStatement,
+                 CreateDatabaseStatement, AlterDatabaseStatement, GrantStatement, CreatePrincipalStatement,
+                 CreateTypeStatement, AlterRoleStatement, CursorDeclareStatement, CursorStatement,
+                 FetchStatement, MaintenanceStatement, CheckIdentityStatement, KillStatement>
         node;
     std::int32_t line = 1;
 };

@@ -74,7 +74,6 @@ enum class AlterTableAction : std::uint8_t {
     DropConstraint,
     EnableConstraint,
     DisableConstraint,
-    Triggers,
 };
 struct AlterTableStatement {
     Name table;
@@ -116,6 +115,17 @@ struct DropIndexStatement {
     bool if_exists = false;
 };
 
+/// ENABLE and DISABLE TRIGGER, also as ALTER TABLE … ENABLE TRIGGER.
+struct SwitchTriggersStatement {
+    Name table;
+    std::vector<std::string> names; ///< "ALL" alone: all of the table
+    bool enable = true;
+    std::int32_t missing = 4920; ///< the error for a name that is no trigger of the table
+};
+
+/// The statements that fire a trigger, as bits.
+enum TriggerEvent : std::uint8_t { kOnInsert = 1, kOnUpdate = 2, kOnDelete = 4 };
+
 struct Parameter {
     std::string name;
     TypeSpec type;
@@ -123,7 +133,8 @@ struct Parameter {
     std::string default_text;
     bool output = false;
 };
-/// CREATE and ALTER of views, procedures and functions: the text is kept, names are resolved when it runs.
+/// CREATE and ALTER of views, procedures, functions and triggers: the text is kept, names are resolved when
+/// it runs.
 struct CreateModuleStatement {
     ObjectKind kind;
     bool alter = false;
@@ -134,9 +145,11 @@ struct CreateModuleStatement {
     bool encrypted = false;
     bool recompile = false;
     bool check_option = false;
-    QueryPtr query;     ///< of a view
-    StatementList body; ///< of a procedure or function
-    std::string text;   ///< the whole batch
+    QueryPtr query;          ///< of a view
+    StatementList body;      ///< of a procedure, function or trigger
+    Name table;              ///< of a trigger
+    std::uint8_t events = 0; ///< of a trigger: TriggerEvent bits
+    std::string text;        ///< the whole batch
 };
 
 struct FileSpec {

@@ -231,11 +231,11 @@ StatementPtr Parser::ParseMaintenance() {
             UnsupportedStatement(word);
         }
     }
-    constexpr std::array<std::string_view, 3> kRefusedWithNext = {"BULK", "DISABLE", "ENABLE"};
-    for (const std::string_view word : kRefusedWithNext) {
-        if (IsWord(word)) {
-            UnsupportedStatement(std::string(word) + " " + AsciiUpper(Peek(1).text));
-        }
+    if (IsWord("BULK")) {
+        UnsupportedStatement("BULK " + AsciiUpper(Peek(1).text));
+    }
+    if ((IsWord("ENABLE") || IsWord("DISABLE")) && IsWord("TRIGGER", 1)) {
+        return ParseSwitchTriggers();
     }
     return nullptr;
 }

@@ -64,12 +64,14 @@ void Parser::ParseBulkOptions(InsertBulkStatement& bulk) {
             bulk.check_constraints = true;
         } else if (TakeWord("KEEP_NULLS")) {
             bulk.keep_nulls = true;
+        } else if (TakeWord("FIRE_TRIGGERS")) {
+            bulk.fire_triggers = true;
         } else if (TakeWord("ORDER")) { // The other options affect neither the rows nor their checks.
             SkipParenthesized();
         } else if (TakeWord("ROWS_PER_BATCH") || TakeWord("KILOBYTES_PER_BATCH")) {
             ExpectSymbol("=");
             Take();
-        } else if (TakeOneOf({"TABLOCK", "FIRE_TRIGGERS"}) < 0) {
+        } else if (!TakeWord("TABLOCK")) {
             Fail(321, {Peek().text});
         }
     } while (TakeSymbol(","));

@@ -48,6 +48,7 @@ StatementPtr Parser::ParseCreate() {
         case ObjectKind::View:
         case ObjectKind::Procedure:
         case ObjectKind::Function:
+        case ObjectKind::Trigger:
             return ParseModule(entry.kind, false, or_alter);
         case ObjectKind::Database:
             return ParseCreateDatabase();
@@ -87,6 +88,9 @@ StatementPtr Parser::ParseAlter() {
     }
     if (TakeWord("FUNCTION")) {
         return ParseModule(ObjectKind::Function, true, false);
+    }
+    if (TakeWord("TRIGGER")) {
+        return ParseModule(ObjectKind::Trigger, true, false);
     }
     if (TakeWord("INDEX")) {
         return ParseAlterIndex();
@@ -392,12 +396,10 @@ StatementPtr Parser::ParseAlterTable() {
             alter.names.push_back(TakeWord("ALL") ? "ALL" : TakeName());
         } while (TakeSymbol(","));
     } else if ((IsWord("ENABLE") || IsWord("DISABLE")) && IsWord("TRIGGER", 1)) {
+        SwitchTriggersStatement triggers{std::move(alter.table), {}, AsciiEqual(Take().text, "ENABLE")};
         Take();
-        Take();
-        alter.action = AlterTableAction::Triggers;
-        do {
-            alter.names.push_back(TakeWord("ALL") ? "ALL" : TakeName());
-        } while (TakeSymbol(","));
+        triggers.names = ParseTriggerNames();
+        return Wrap(std::move(triggers));
     } else {
         SyntaxError();
     }

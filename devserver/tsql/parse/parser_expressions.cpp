@@ -150,6 +150,9 @@ ast::ExprPtr Parser::ParsePredicate() {
         ExpectSymbol(")");
         return Make(ast::ExistsExpr{std::move(query)});
     }
+    if (IsWord("UPDATE") && IsSymbol("(", 1)) {
+        return ParseUpdatedColumn();
+    }
     ast::ExprPtr left = ParseAdditive();
     if (IsSymbol("*=") || (IsSymbol("=") && IsSymbol("*", 1))) {
         Fail(4147);

@@ -203,6 +203,12 @@ class Parser {
     ast::CreateModuleStatement ParseProcedureModule();
     ast::CreateModuleStatement ParseViewModule();
     ast::CreateModuleStatement ParseFunctionModule();
+    // parser_triggers.cpp
+    ast::CreateModuleStatement ParseTriggerModule();
+    std::uint8_t ParseTriggerEvents();
+    std::vector<std::string> ParseTriggerNames();
+    ast::StatementPtr ParseSwitchTriggers();
+    ast::ExprPtr ParseUpdatedColumn();
     ast::Parameter ParseParameter();
 
     // ---- databases and security (parser_admin.cpp)
@@ -230,6 +236,7 @@ class Parser {
     int depth_ = 0;
     int loops_ = 0;
     bool module_allowed_ = false;
+    bool in_trigger_ = false;
 };
 
 } // namespace devsql

@@ -1,4 +1,7 @@
-// CREATE and ALTER of procedures, functions and views, each of which must be alone in its batch.
+// CREATE and ALTER of procedures, functions and views, each of which must be alone in its batch. Triggers are
+// in parser_triggers.cpp.
+#include <algorithm>
+
 #include "devserver/tsql/parse/parser_impl.h"
 
 namespace devsql {
@@ -6,15 +9,20 @@ namespace devsql {
 using namespace ast;
 
 StatementPtr Parser::ParseModule(ObjectKind kind, bool alter, bool or_alter) {
+    struct Entry {
+        ObjectKind kind;
+        std::string_view word;
+        CreateModuleStatement (Parser::*parse)();
+    };
+    static constexpr Entry kEntries[] = {{ObjectKind::View, "VIEW", &Parser::ParseViewModule},
+                                         {ObjectKind::Function, "FUNCTION", &Parser::ParseFunctionModule},
+                                         {ObjectKind::Trigger, "TRIGGER", &Parser::ParseTriggerModule},
+                                         {ObjectKind::Procedure, "PROCEDURE", &Parser::ParseProcedureModule}};
+    const Entry& entry = *std::ranges::find(kEntries, kind, &Entry::kind);
     if (!module_allowed_) {
-        Fail(111,
-             {(alter ? "ALTER " : "CREATE ") + std::string(kind == ObjectKind::View       ? "VIEW"
-                                                           : kind == ObjectKind::Function ? "FUNCTION"
-                                                                                          : "PROCEDURE")});
+        Fail(111, {(alter ? "ALTER " : "CREATE ") + std::string(entry.word)});
     }
-    CreateModuleStatement module = kind == ObjectKind::View       ? ParseViewModule()
-                                   : kind == ObjectKind::Function ? ParseFunctionModule()
-                                                                  : ParseProcedureModule();
+    CreateModuleStatement module = (this->*entry.parse)();
     module.kind = kind;
     module.alter = alter;
     module.or_alter = or_alter;

@@ -130,6 +130,7 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_helpsubscription", Refuse},
     {"sp_lock", Refuse},
     {"sp_removedbreplication", Refuse},
+    {"sp_settriggerorder", Refuse},
     {"sp_unbindefault", Refuse},
     {"sp_unbindrule", Refuse},
 };

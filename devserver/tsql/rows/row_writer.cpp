@@ -48,9 +48,33 @@ RowWriter::RowWriter(SessionCore& session, Target target, std::string statement)
     : session_(session),
       target_(std::move(target)),
       table_(*target_.table),
-      statement_(std::move(statement)) {
+      statement_(std::move(statement)),
+      firings_(std::make_shared<std::vector<Firing>>()) {
     if (!target_.remote) {
         BindExpressions();
+        PrepareFiring();
+    }
+}
+
+void RowWriter::PrepareFiring() {
+    constexpr std::pair<std::string_view, ast::TriggerEvent> kEvents[] = {
+        {"INSERT", ast::kOnInsert}, {"UPDATE", ast::kOnUpdate}, {"DELETE", ast::kOnDelete}};
+    for (const auto& [word, event] : kEvents) {
+        if (statement_ == word && HasTrigger(session_, target_.catalogue, table_, event)) {
+            firing_ = Firing{target_.table, DatabaseName(), event, {}, {}, {}};
+        }
+    }
+}
+
+void RowWriter::SetAssigned(std::set<int> columns) {
+    if (firing_) {
+        firing_->columns = std::move(columns);
+    }
+}
+
+void RowWriter::FireTriggers() {
+    if (!firings_->empty()) {
+        session_.triggers().Run(*firings_);
     }
 }
 
@@ -203,6 +227,9 @@ void RowWriter::Insert(std::vector<std::optional<Value>> given) {
     Store(row, std::nullopt);
     if (observer_) {
         observer_(nullptr, &row);
+    }
+    if (firing_) {
+        firing_->inserted.push_back(row);
     }
     if (!table_.foreign_keys.empty() && !ignores_keys_) {
         new_rows_.push_back(std::move(row));
@@ -375,6 +402,10 @@ void RowWriter::Update(const std::vector<StoredRow>& before, std::vector<RowValu
         if (observer_) {
             observer_(&before[i].values, &after[i]);
         }
+        if (firing_) {
+            firing_->deleted.push_back(before[i].values);
+            firing_->inserted.push_back(after[i]);
+        }
         if (!table_.foreign_keys.empty()) {
             new_rows_.push_back(after[i]);
         }
@@ -395,6 +426,9 @@ void RowWriter::Delete(const std::vector<StoredRow>& rows) {
         remove.BindInt(1, row.row_id).Run();
         if (observer_) {
             observer_(&row.values, nullptr);
+        }
+        if (firing_) {
+            firing_->deleted.push_back(row.values);
         }
         if (!table_.referencing.empty()) {
             removed_.push_back({row.values, std::nullopt});
@@ -428,6 +462,9 @@ void RowWriter::Finish() {
         } else {
             session_.identities().SetTemporary(table_.id, identity_);
         }
+    }
+    if (firing_) {
+        AddFiring(*firings_, std::move(*firing_));
     }
 }
 
@@ -524,6 +561,8 @@ void RowWriter::Cascade(const ForeignKeyDef& key, const TablePtr& child, const s
     const OnChange action = after == nullptr ? key.on_delete : key.on_update;
     RowWriter writer(session_, {child, target_.catalogue},
                      after == nullptr && action == OnChange::Cascade ? "DELETE" : "UPDATE");
+    writer.firings_ = firings_;
+    writer.SetAssigned({key.columns.begin(), key.columns.end()});
     if (after == nullptr && action == OnChange::Cascade) {
         writer.Delete(rows);
         writer.Finish();

@@ -1,5 +1,5 @@
 // Writes rows into one table and enforces its definition: conversions, NOT NULL, defaults, identity, checks,
-// unique keys, foreign keys with their cascades. Used inside Transactions::Write.
+// unique keys, foreign keys with their cascades; then fires its triggers. Used inside Transactions::Write.
 #pragma once
 
 #include <functional>
@@ -10,6 +10,7 @@
 
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/session/session_core.h"
+#include "devserver/tsql/session/triggers.h"
 
 namespace devsql {
 
@@ -33,8 +34,14 @@ class RowWriter {
     /// Changes rows: `before` and `after` are their old and new values.
     void Update(const std::vector<StoredRow>& before, std::vector<RowValues> after);
     void Delete(const std::vector<StoredRow>& rows);
-    /// Does the checks that need all rows written, and stores the identity counter. Must be called last.
+    /// Does the checks that need all rows written, and stores the identity counter.
     void Finish();
+    /// Runs the triggers. Must be called last, after Finish and everything else that the statement does.
+    void FireTriggers();
+    /// For a bulk load that does not ask for triggers.
+    void IgnoreTriggers() { firing_.reset(); }
+    /// `columns` are the ids of those that an UPDATE assigns to, for UPDATE(column) in its triggers.
+    void SetAssigned(std::set<int> columns);
 
     /// Called for every row that this writer itself changes (not for cascades), with its old and new values;
     /// null where there is none.
@@ -60,6 +67,7 @@ class RowWriter {
     };
 
     void BindExpressions();
+    void PrepareFiring();
     BoundPtr BindOverRow(const std::string& text);
     void FillIdentity(std::size_t column, std::optional<Value>& value);
     void CheckRow(const RowValues& row);
@@ -100,7 +108,9 @@ class RowWriter {
         std::optional<RowValues> after;
     };
     std::vector<Removed> removed_;
-    std::optional<std::int64_t> identity_; ///< the counter
+    std::optional<Firing> firing_;                 ///< what the triggers get to see; nothing where none fires
+    std::shared_ptr<std::vector<Firing>> firings_; ///< of the statement: cascades first, the target last
+    std::optional<std::int64_t> identity_;         ///< the counter
     bool identity_loaded_ = false;
     bool identity_dirty_ = false;
     bool ignores_keys_ = false; ///< foreign ones

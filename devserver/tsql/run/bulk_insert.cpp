@@ -76,6 +76,9 @@ void RunBulkInsert(SessionCore& session, const ast::InsertBulkStatement& bulk, B
         if (!bulk.check_constraints) {
             writer.IgnoreConstraints();
         }
+        if (!bulk.fire_triggers) {
+            writer.IgnoreTriggers();
+        }
         std::vector<Value> row;
         for (BulkRows::Step step = rows.Next(row); step != BulkRows::Step::End; step = rows.Next(row)) {
             session.CheckCancelled();
@@ -92,6 +95,7 @@ void RunBulkInsert(SessionCore& session, const ast::InsertBulkStatement& bulk, B
             ++count;
         }
         writer.Finish();
+        writer.FireTriggers();
     });
     session.status().row_count = count;
     session.results().Done(Command::Insert, count);

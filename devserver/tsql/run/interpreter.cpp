@@ -25,8 +25,8 @@ struct ScopeAborted {};
 constexpr std::uint8_t kFirstError = 11;
 
 /// Errors that end the batch and roll its transaction back: failed conversions, deadlocks and lost locks.
-constexpr std::array<std::int32_t, 15> kBatchErrors = {241,  242,  244,  245, 248,  295, 8169, 8170,
-                                                       1205, 3930, 3609, 217, 8624, 235, 296};
+constexpr std::array<std::int32_t, 16> kBatchErrors = {241,  242,  244,  245,  248, 295,  8169, 8170,
+                                                       1205, 3930, 3609, 3616, 217, 8624, 235,  296};
 
 /// Errors that SQL Server finds when it compiles the statement: they end the procedure or the batch.
 constexpr std::array<std::int32_t, 53> kScopeErrors = {
@@ -123,6 +123,8 @@ SqlError ErrorOfStorage(const SessionCore& session, const StorageError& error) {
 
 void Interpreter::RunGuarded(const std::function<void()>& work) {
     const DateSettingsScope dates(session_.options().dates);
+    const TriggerRunner::Use triggers(session_.triggers(),
+                                      [this](const std::vector<Firing>& firings) { Fire(firings); });
     try {
         work();
     } catch (const BatchAborted&) {
@@ -500,6 +502,7 @@ Interpreter::Flow Interpreter::ExecuteDefinition(const ast::Statement& statement
                    [&](const ast::CreateIndexStatement& s) { RunCreateIndex(session_, s); },
                    [&](const ast::DropIndexStatement& s) { RunDropIndex(session_, s); },
                    [&](const ast::CreateModuleStatement& s) { RunCreateModule(session_, s); },
+                   [&](const ast::SwitchTriggersStatement& s) { RunSwitchTriggers(session_, s); },
                    [&](const ast::CreateDatabaseStatement& s) { RunCreateDatabase(session_, s); },
                    [&](const ast::AlterDatabaseStatement& s) { RunAlterDatabase(session_, s); },
                    [&](const ast::GrantStatement& s) { RunGrant(session_, s); },

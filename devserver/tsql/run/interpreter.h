@@ -12,6 +12,7 @@
 
 namespace devsql {
 
+struct Firing;
 struct SystemProcedure;
 class SystemCall;
 /// Null for a name that is no system procedure.
@@ -132,6 +133,10 @@ class Interpreter {
     CallResult CallSystem(const SystemProcedure& procedure, const std::string& database,
                           const std::vector<ActualArgument>& arguments);
     void RunBody(const ObjectDef& object, Frame& frame, const ast::CreateModuleStatement& module);
+    // trigger_calls.cpp
+    /// Raises 3609 and 3616 where a trigger has ended the transaction or made it unfit.
+    void Fire(const std::vector<Firing>& firings);
+    void RunTrigger(const Firing& firing, std::int64_t id);
 
     SessionCore& session_;
     SystemProcedureFinder find_system_procedure_;

@@ -334,7 +334,8 @@ void Interpreter::Return(const ast::ReturnStatement& statement) {
         function_result_->value =
             IsNull(value) ? Value() : AssignVariable(value, type, function_result_->type);
     } else if (statement.value) {
-        if (session_.calls().frame().procedure.empty()) {
+        const Frame& frame = session_.calls().frame();
+        if (frame.procedure.empty() || frame.trigger != nullptr) {
             RaiseError(178);
         }
         return_value_ = static_cast<std::int32_t>(Number(session_, *statement.value, 0));

@@ -1,5 +1,6 @@
 #include "devserver/tsql/run/output_rows.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "devserver/tsql/bind/evaluator.h"
@@ -43,12 +44,17 @@ std::pair<unsigned, std::size_t> PlaceOfLeaf(const std::string& text) {
 } // namespace
 
 OutputRows::OutputRows(SessionCore& session, const std::vector<ast::OutputClause>& clauses,
-                       const TableDef& table, unsigned rows)
+                       const Target& target, unsigned rows)
     : session_(session) {
     if (clauses.empty()) {
         return;
     }
-    const Scope scope = RowScope(table, rows);
+    const bool to_client =
+        std::ranges::any_of(clauses, [](const ast::OutputClause& clause) { return clause.into.empty(); });
+    if (to_client && HasTrigger(session, target.catalogue, *target.table, kAnyEvent)) {
+        RaiseError(334, {target.table->name});
+    }
+    const Scope scope = RowScope(*target.table, rows);
     Emission emission(session);
     Binder binder(session, emission);
     for (const ast::OutputClause& clause : clauses) {

@@ -19,8 +19,9 @@ class OutputRows {
     static constexpr unsigned kInserted = 1;
     static constexpr unsigned kDeleted = 2;
 
-    /// Raises what binding raises: 4104, 207, 10705, ...
-    OutputRows(SessionCore& session, const std::vector<ast::OutputClause>& clauses, const TableDef& table,
+    /// Raises what binding raises: 4104, 207, 10705, ..., and 334 where rows would go to the client in spite
+    /// of triggers.
+    OutputRows(SessionCore& session, const std::vector<ast::OutputClause>& clauses, const Target& target,
                unsigned rows);
     OutputRows(const OutputRows&) = delete;
     OutputRows& operator=(const OutputRows&) = delete;

@@ -314,6 +314,9 @@ void InsertRows(SessionCore& session, const ast::Name& table, const std::vector<
     insert.columns = columns;
     Emission emission(session);
     const Target target = Binder(session, emission).BindTarget(table);
+    if (HasTrigger(session, target.catalogue, *target.table, kAnyEvent)) {
+        RaiseError(331, {table.text()});
+    }
     session.transactions().Write(target.table->alias, [&] {
         const std::vector<std::size_t> positions = InsertColumns(session, insert, target);
         RowWriter writer(session, target, "INSERT");
@@ -323,6 +326,19 @@ void InsertRows(SessionCore& session, const ast::Name& table, const std::vector<
         writer.Finish();
     });
 }
+
+namespace {
+
+/// @@IDENTITY and SCOPE_IDENTITY() after an INSERT; nothing for a table without an identity column.
+void KeepIdentity(SessionCore& session, std::optional<std::int64_t> identity) {
+    session.identities().last = identity;
+    if (identity) {
+        session.calls().frame().scope_identity = *identity;
+        session.calls().frame().has_scope_identity = true;
+    }
+}
+
+} // namespace
 
 void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const RunNested& execute) {
     std::optional<RowSet> executed; // The procedure runs first, because it may begin and end transactions.
@@ -335,7 +351,7 @@ void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const R
         target = Binder(session, emission).BindTarget(insert.table);
     }
     std::int64_t count = 0;
-    OutputRows output(session, insert.outputs, *target.table, OutputRows::kInserted);
+    OutputRows output(session, insert.outputs, target, OutputRows::kInserted);
     session.transactions().Write(target.table->alias, [&] {
         const TableDef& table = *target.table;
         const std::vector<std::size_t> positions = InsertColumns(session, insert, target);
@@ -364,14 +380,11 @@ void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const R
         }
         writer.Finish();
         count = static_cast<std::int64_t>(rows.size());
-        if (writer.last_identity() && count > 0) {
-            session.identities().last = writer.last_identity();
-            session.calls().frame().scope_identity = *writer.last_identity();
-            session.calls().frame().has_scope_identity = true;
-        } else if (count > 0) {
-            session.identities().last.reset();
+        if (count > 0) {
+            KeepIdentity(session, writer.last_identity());
         }
         output.Store();
+        writer.FireTriggers();
     });
     session.status().row_count = count;
     output.End(Command::Insert, count);

@@ -191,6 +191,13 @@ void UpdateRows(SessionCore& session, const ast::UpdateStatement& update, Binder
     sql += " FROM " + selection.from + selection.where;
     const std::int64_t limit = RowLimit(session, update.top);
     RowWriter writer(session, selection.target, "UPDATE");
+    std::set<int> assigned;
+    for (const BoundAssignment& assignment : assignments) {
+        if (assignment.column) {
+            assigned.insert(table.columns[*assignment.column].id);
+        }
+    }
+    writer.SetAssigned(std::move(assigned));
     if (!update.outputs.empty()) {
         writer.Observe(output.Observer());
     }
@@ -232,6 +239,7 @@ void UpdateRows(SessionCore& session, const ast::UpdateStatement& update, Binder
     writer.Update(before, std::move(after));
     writer.Finish();
     output.Store();
+    writer.FireTriggers();
     count = static_cast<std::int64_t>(before.size());
 }
 
@@ -244,7 +252,7 @@ void RunUpdate(SessionCore& session, const ast::UpdateStatement& update) {
     binder.BindWith(update.with);
     const Selection selection =
         Select(session, binder, emission, update.table, update.from, update.where.get(), update.cursor);
-    OutputRows output(session, update.outputs, *selection.target.table,
+    OutputRows output(session, update.outputs, selection.target,
                       OutputRows::kInserted | OutputRows::kDeleted);
     session.transactions().Write(selection.target.table->alias, [&] {
         UpdateRows(session, update, binder, emission, selection, output, count);
@@ -259,7 +267,7 @@ void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
     binder.BindWith(statement.with);
     const Selection selection = Select(session, binder, emission, statement.table, statement.from,
                                        statement.where.get(), statement.cursor);
-    OutputRows output(session, statement.outputs, *selection.target.table, OutputRows::kDeleted);
+    OutputRows output(session, statement.outputs, selection.target, OutputRows::kDeleted);
     std::int64_t count = 0;
     session.transactions().Write(selection.target.table->alias, [&] {
         const TableDef& table = *selection.target.table;
@@ -283,6 +291,7 @@ void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
         writer.Delete(rows);
         writer.Finish();
         output.Store();
+        writer.FireTriggers();
         count = static_cast<std::int64_t>(rows.size());
     });
     session.status().row_count = count;

@@ -17,6 +17,7 @@ namespace ast {
 struct Query;
 }
 class TemporaryTables;
+struct TriggerRun;
 
 struct Variable {
     Type type;
@@ -43,13 +44,15 @@ struct Cursor {
 /// A running batch or procedure.
 struct Frame {
     std::map<std::string, Variable, std::less<>> variables; ///< by upper-case name with "@"
-    std::map<std::string, TablePtr, std::less<>> tables;    ///< table variables
+    /// Table variables, by upper-case name with "@"; in a trigger also INSERTED and DELETED.
+    std::map<std::string, TablePtr, std::less<>> tables;
     std::map<std::string, std::shared_ptr<Cursor>, std::less<>> cursors;
     std::string procedure;
     std::int64_t procedure_id = 0;
     std::string database; ///< in which its names are looked up; empty: the session's
     std::int64_t scope_identity = 0;
     bool has_scope_identity = false;
+    const TriggerRun* trigger = nullptr; ///< null for anything else
     Frame* caller = nullptr;
 };
 
@@ -69,7 +72,7 @@ class CallStack {
     Variable& FindVariable(std::string_view name);
     /// Null for an unknown name.
     TablePtr FindTableVariable(std::string_view name) const;
-    /// The table variables of all running calls.
+    /// The table variables of all running calls, and the INSERTED and DELETED of triggers.
     std::vector<TablePtr> TableVariables() const;
 
     /// Null for an unknown name.

@@ -7,6 +7,7 @@
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/object_place.h"
 #include "devserver/tsql/session/session_function_parts.h"
+#include "devserver/tsql/session/triggers.h"
 
 namespace devsql {
 namespace {
@@ -61,6 +62,61 @@ bool HasIndex(const TableDef& table, bool (*test)(const IndexDef&)) {
         }
     }
     return false;
+}
+
+struct EventProperty {
+    std::string_view name;
+    std::uint8_t events;
+};
+
+/// The properties of OBJECTPROPERTY that only triggers have.
+Value TriggerProperty(SessionCore& session, const ObjectDef& trigger, std::string_view property) {
+    constexpr EventProperty kEvents[] = {
+        {"EXECISINSERTTRIGGER", ast::kOnInsert}, {"EXECISUPDATETRIGGER", ast::kOnUpdate},
+        {"EXECISDELETETRIGGER", ast::kOnDelete}, {"EXECISAFTERTRIGGER", kAnyEvent},
+        {"EXECISINSTEADOFTRIGGER", 0},           {"EXECISFIRSTINSERTTRIGGER", 0},
+        {"EXECISFIRSTUPDATETRIGGER", 0},         {"EXECISFIRSTDELETETRIGGER", 0},
+        {"EXECISLASTINSERTTRIGGER", 0},          {"EXECISLASTUPDATETRIGGER", 0},
+        {"EXECISLASTDELETETRIGGER", 0},          {"EXECISTRIGGERNOTFORREPL", 0}};
+    for (const EventProperty& entry : kEvents) {
+        if (entry.name == property) {
+            return std::int64_t{
+                (EventsOfTrigger(session, session.databases().Current(), trigger) & entry.events) != 0};
+        }
+    }
+    if (property == "EXECISTRIGGERDISABLED") {
+        const TablePtr table = session.databases().Table(session.databases().Current(), trigger.parent);
+        const auto found = std::ranges::find(table->triggers, trigger.id, &TriggerDef::id);
+        return std::int64_t{found != table->triggers.end() && found->disabled};
+    }
+    return {};
+}
+
+/// The properties of OBJECTPROPERTY that count a table's triggers or name the first of them.
+Value TriggersOfTable(SessionCore& session, const TableDef& table, std::string_view property) {
+    constexpr std::pair<std::string_view, std::uint8_t> kEvents[] = {
+        {"INSERT", ast::kOnInsert}, {"UPDATE", ast::kOnUpdate}, {"DELETE", ast::kOnDelete}};
+    for (const auto& [word, event] : kEvents) {
+        std::int64_t count = 0;
+        std::int64_t first = 0;
+        for (const TriggerDef& trigger : table.triggers) {
+            const ObjectDef object = session.databases().Current().FindObject(trigger.id).value();
+            if ((EventsOfTrigger(session, session.databases().Current(), object) & event) != 0) {
+                first = count++ == 0 ? trigger.id : first;
+            }
+        }
+        const std::string name = std::string(word) + "TRIGGER";
+        if (property == "TABLEHAS" + name) {
+            return std::int64_t{count > 0};
+        }
+        if (property == "TABLE" + name + "COUNT") {
+            return count;
+        }
+        if (property == "TABLE" + name) {
+            return first;
+        }
+    }
+    return {};
 }
 
 /// The properties of OBJECTPROPERTY that only tables have.
@@ -157,9 +213,16 @@ Value ObjectProperty(SessionCore& session, Values values, Types types) {
     if (const std::optional<std::int64_t> common = CommonProperty(*object, property)) {
         return *common;
     }
+    if (object->type == "TR") {
+        return TriggerProperty(session, *object, property);
+    }
     const TablePtr table =
         object->type == "U" ? session.databases().Table(session.databases().Current(), *id) : nullptr;
-    return table ? TableProperty(*table, property) : Value();
+    if (!table) {
+        return {};
+    }
+    const Value of_table = TableProperty(*table, property);
+    return IsNull(of_table) ? TriggersOfTable(session, *table, property) : of_table;
 }
 
 TablePtr TableById(SessionCore& session, Values values, Types types, std::size_t index) {

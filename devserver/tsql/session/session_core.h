@@ -24,6 +24,7 @@
 #include "devserver/tsql/session/status.h"
 #include "devserver/tsql/session/temporary_tables.h"
 #include "devserver/tsql/session/transactions.h"
+#include "devserver/tsql/session/trigger_runner.h"
 
 namespace devsql {
 
@@ -61,6 +62,7 @@ class SessionCore {
     Identities& identities() { return identities_; }
     Transactions& transactions() { return transactions_; }
     const Transactions& transactions() const { return transactions_; }
+    TriggerRunner& triggers() { return triggers_; }
     PreparedTexts& prepared() { return prepared_; }
     SqliteFunctions& functions() { return functions_; }
     /// The connections to linked servers.
@@ -92,6 +94,7 @@ class SessionCore {
     RemoteServers remote_{remote_owner_};
     OpenDatabases databases_{*this};
     Transactions transactions_{*this};
+    TriggerRunner triggers_;
     SqliteFunctions functions_{*this};
 };
 

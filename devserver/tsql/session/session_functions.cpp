@@ -10,6 +10,7 @@
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
 #include "devserver/tsql/session/session_function_parts.h"
+#include "devserver/tsql/session/triggers.h"
 #include "devserver/tsql/session/user_messages.h"
 #include "devserver/tsql/session/version.h"
 
@@ -378,7 +379,7 @@ constexpr GlobalEntry kGlobals[] = {
 
 const SessionFunction* FindSessionFunction(std::string_view name) {
     for (const std::span<const SessionFunction> list :
-         {std::span<const SessionFunction>(kFunctions), ObjectFunctions()}) {
+         {std::span<const SessionFunction>(kFunctions), ObjectFunctions(), TriggerFunctions()}) {
         const auto found = std::ranges::find(list, name, &SessionFunction::name);
         if (found != list.end()) {
             return &*found;

@@ -6,6 +6,7 @@
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/session/check_columns.h"
 #include "devserver/tsql/session/session_core.h"
+#include "devserver/tsql/session/triggers.h"
 
 namespace devsql {
 namespace {
@@ -79,6 +80,12 @@ void SqliteFunctions::AddCatalogueFunctions() {
         const TablePtr table = check ? databases.Table(catalogue, check->parent) : nullptr;
         if (const ColumnDef* column = table ? ColumnOfCheck(*table, check->text) : nullptr) {
             call.Result(std::int64_t{column->id}, Simple(TypeId::Int));
+        }
+    });
+    connection.AddFunction("tsql_trigger_events", [this](const FunctionCall& call) {
+        Catalogue& catalogue = session_.databases().Get(std::get<std::string>(call.Argument(0, kName)));
+        if (const std::optional<ObjectDef> trigger = catalogue.FindObject(call.Int(1))) {
+            call.Result(std::int64_t{EventsOfTrigger(session_, catalogue, *trigger)}, Simple(TypeId::Int));
         }
     });
 }

@@ -1,6 +1,8 @@
 #include "devserver/tsql/session/transactions.h"
 
+#include <algorithm>
 #include <thread>
+#include <utility>
 
 #include <sqlite3.h>
 
@@ -109,10 +111,19 @@ void Transactions::Write(const std::string& alias, const std::function<void()>& 
     SqliteConnection& connection = session_.connection();
     const bool own = count_ == 0 && writes_ == 0;
     const Temporaries before = session_.temporaries().list();
+    const std::size_t savepoints = savepoints_.size();
+    const std::int64_t transaction = ended_;
+    const std::size_t lowest_around = std::exchange(lowest_savepoint_, kNoSavepoint);
     BeginStorage();
     ++writes_;
     const std::string savepoint = "write" + std::to_string(writes_);
     bool saved = false;
+    // A trigger may have rolled back to a savepoint that is older than the statement's own.
+    const auto holds = [&] { return saved && lowest_savepoint_ >= savepoints; };
+    const auto leave = [&] {
+        --writes_;
+        lowest_savepoint_ = std::min(lowest_savepoint_, lowest_around);
+    };
     try {
         LockForWriting(alias);
         if (!own) { // A statement of its own is undone with its transaction.
@@ -120,11 +131,18 @@ void Transactions::Write(const std::string& alias, const std::function<void()>& 
             saved = true;
         }
         work();
-        connection.Prepare(own ? "COMMIT" : "RELEASE " + savepoint).Run();
-        --writes_;
+        if (own) {
+            connection.Prepare("COMMIT").Run();
+        } else if (holds() && savepoints_.size() == savepoints) { // Else a trigger has set some, which stay.
+            connection.Prepare("RELEASE " + savepoint).Run();
+        }
+        leave();
     } catch (...) {
-        UndoWrite(savepoint, own, saved, before);
-        --writes_;
+        if (transaction == ended_) { // Else a trigger has ended it, and nothing is left to undo.
+            UndoWrite(savepoint, own, holds(), before);
+            savepoints_.resize(std::min(savepoints_.size(), savepoints));
+            leave();
+        }
         throw;
     }
 }
@@ -157,12 +175,28 @@ void Transactions::RollbackAround(const std::string& text, const Temporaries& te
     }
 }
 
-void Transactions::Reset() {
+void Transactions::Clear() {
     count_ = 0;
     savepoints_.clear();
     name_.clear();
     doomed_ = false;
     lost_ = false;
+}
+
+void Transactions::Reset() {
+    Clear();
+    ++ended_;
+    writes_ = 0;
+    lowest_savepoint_ = kNoSavepoint;
+}
+
+/// After a rollback of the statement that fired a trigger, the trigger finds none of its rows.
+void Transactions::EmptyTransitionTables() {
+    for (const TablePtr& table : session_.calls().TableVariables()) {
+        if (!table->name.starts_with("@")) {
+            session_.connection().Execute("DELETE FROM " + table->Qualified());
+        }
+    }
 }
 
 /// For a transaction that SQLite has rolled back, which it does where a commit fails and where a write fails
@@ -244,6 +278,7 @@ void Transactions::Rollback(const std::string& name) {
         if (savepoints_[i].name == folded) {
             const Temporaries temporary = savepoints_[i].temporary;
             savepoints_.resize(i + 1);
+            lowest_savepoint_ = std::min(lowest_savepoint_, i);
             RollbackAround("ROLLBACK TO user_" + std::to_string(i), temporary, true);
             return;
         }
@@ -267,6 +302,7 @@ void Transactions::Abandon() {
     const Interruption::Block block(session_.interruption());
     session_.remote().Rollback();
     if (session_.connection().InTransaction()) {
+        EmptyTransitionTables();
         RollbackAround("ROLLBACK", count_ > 0 ? temporary_before_ : session_.temporaries().list(), true);
     }
     Reset();

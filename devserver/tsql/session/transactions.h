@@ -3,6 +3,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -24,6 +26,11 @@ class Transactions {
     void Save(const std::string& name);
     /// @@TRANCOUNT
     int count() const { return count_; }
+    /// Another number whenever a transaction has ended.
+    std::int64_t ended() const { return ended_; }
+    /// Ends what was begun around the triggers of a statement outside transactions: the statement itself is
+    /// then committed or undone by Write.
+    void EndForTriggers() { Clear(); }
     bool has_savepoints() const { return !savepoints_.empty(); }
     /// Rolls back whatever is open; for the end of a session and for errors that end the batch.
     void Abandon();
@@ -59,6 +66,8 @@ class Transactions {
     /// has failed.
     void RollbackAround(const std::string& text, const Temporaries& temporary, bool keep_variables);
     void UndoWrite(const std::string& savepoint, bool own, bool saved, const Temporaries& before);
+    void EmptyTransitionTables();
+    void Clear();
     void Lose(const Temporaries& temporary);
     void Reset();
 
@@ -69,7 +78,11 @@ class Transactions {
     Temporaries temporary_before_; ///< as they were when the transaction began
     bool doomed_ = false;
     bool lost_ = false;
+    std::int64_t ended_ = 0;
     int writes_ = 0; ///< calls of Write that are open, one inside the other
+    static constexpr std::size_t kNoSavepoint = static_cast<std::size_t>(-1);
+    /// The lowest savepoint that was rolled back to since the innermost open Write began.
+    std::size_t lowest_savepoint_ = kNoSavepoint;
 };
 
 } // namespace devsql
