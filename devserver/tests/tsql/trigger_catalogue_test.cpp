@@ -159,9 +159,9 @@ lot_journal|dbo|1|1|1|1|0|dbo
 trigger_name|trigger_owner|isupdate|isdelete|isinsert|isafter|isinsteadof|trigger_schema
 lot_journal|dbo|1|1|1|1|0|dbo
 (1)
-Msg 15009.16.1 sp_helptrigger L15: The object 'nosuch' does not exist in database 'tempdb' or is invalid for this operation.
+Msg 15009.16.1 sp_helptrigger L8: The object 'nosuch' does not exist in database 'tempdb' or is invalid for this operation.
 return 1
-Msg 15305.16.1 sp_helptrigger L16: The @TriggerType parameter value must be 'insert', 'update', or 'delete'.
+Msg 15305.16.1 sp_helptrigger L13: The @TriggerType parameter value must be 'insert', 'update', or 'delete'.
 return 1
 > The text for object 'hidden' is encrypted.
 > No constraints are defined on object 'journal', or you do not have permissions.

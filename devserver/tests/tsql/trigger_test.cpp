@@ -351,7 +351,7 @@ Name|Owed
 Ash|35.0000
 Birch|30.0000
 (2)
-Msg 50000.16.1 tr_InvoiceLine L29: Ash would owe too much by invoice 1.
+Msg 50000.16.1 tr_InvoiceLine L26: Ash would owe too much by invoice 1.
 Msg 3609.16.1 L1: The transaction ended in the trigger. The batch has been aborted.
 Msg 50000.16.1 tr_InvoiceLine L8: A line stays with its invoice.
 Msg 3609.16.1 L1: The transaction ended in the trigger. The batch has been aborted.

@@ -12,10 +12,11 @@ namespace {
 
 constexpr int kDeepestView = 32;
 
-/// The table "inserted" or "deleted" of a trigger: all other tables of SQLite's temporary database have names
-/// that begin with # or @.
+/// The table "inserted" or "deleted" of a trigger. SQLite's temporary database also has the tables that begin with # or @
+/// and the rows of linked servers' tables, which have those tables' names.
 bool IsTransitionTable(const TableDef& table) {
-    return table.alias == "temp" && !table.name.starts_with("#") && !table.name.starts_with("@");
+    return table.alias == "temp" && (table.name == "INSERTED" || table.name == "DELETED") &&
+           table.physical == table.name + std::to_string(table.id);
 }
 
 /// True if a name such as "b.BatchId" or "dbo.Batches.BatchId" may mean a column of this source.

@@ -298,18 +298,23 @@ class Operator:
     def click(self, name):
         part = self.native(name)
         require(wait_for(lambda: has(part, State.ENABLED)), "cannot be used: " + name)
-        if name in self.clicked:
-            # A button refuses a click that follows the last one, or its command's end, sooner than an operator could.
-            time.sleep(max(REACTION, self.clicked[name] + DOUBLE_CLICK - time.monotonic()))
+        self.let_the_last_click_pass(name)
         self.input.click(part)
         self.clicked[name] = time.monotonic()
 
+    def let_the_last_click_pass(self, name):
+        """A button refuses a click that follows the last one, or its command's end, sooner than an operator could."""
+        if name in self.clicked:
+            time.sleep(max(REACTION, self.clicked[name] + DOUBLE_CLICK - time.monotonic()))
+
     def click_twice(self, name, milliseconds):
+        self.let_the_last_click_pass(name)
         self.input.click(self.native(name))
         begun = time.monotonic()
         time.sleep(int(milliseconds) / 1000)
         self.input.click_here()
-        return str(round((time.monotonic() - begun) * 1000))
+        self.clicked[name] = time.monotonic()
+        return str(round((self.clicked[name] - begun) * 1000))
 
     def fill(self, name, text):
         box = self.native(name)

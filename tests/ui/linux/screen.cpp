@@ -539,6 +539,12 @@ void Dismiss(Part dialog) {
 
 // --- working
 
+/// Whether the display has the window where Qt takes it to be. With a scale such as 1.25, Qt's place is rounded.
+bool IsAtPlace(QWidget& widget) {
+    constexpr int kRounding = 2; // points, one in each direction
+    return (Input().CornerOf(widget.winId()) - OnScreen(widget, {0, 0})).manhattanLength() <= kRounding;
+}
+
 /// The window manager places the window, frames it and gives it the keyboard's focus some time after it was
 /// asked. So a key is pressed and the pointer moved onto the window until both arrive, and the display is
 /// asked whether the window is where Qt takes it to be: a click before that would miss it.
@@ -550,7 +556,7 @@ bool Activate(Part window) {
         const auto here = [&] {
             QWidget& widget = Of(window);
             return counter.keys > 0 && counter.moves > 0 && widget.isActiveWindow() &&
-                   Input().CornerOf(widget.winId()) == OnScreen(widget, {0, 0});
+                   IsAtPlace(widget);
         };
         Of(window).activateWindow();
         Input().MoveTo(OnScreen(Of(window), Of(window).rect().center()));
