@@ -1,21 +1,17 @@
 #include "ui/screen.h"
 
 #include <memory>
-#include <stdexcept>
 #include <thread>
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialog>
-#include <QFileDialog>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -29,35 +25,15 @@
 
 #include "platform/linux/desktop.h"
 #include "platform/pending_events.h"
+#include "ui/linux/parts.h"
 #include "ui/linux/x_input.h"
 
 namespace screen {
 namespace {
 
-QWidget& Of(Part part) {
-    if (part == nullptr) {
-        throw std::runtime_error("there is no such native control");
-    }
-    return *static_cast<QWidget*>(part);
-}
-
-template <class T>
-T& As(Part part) {
-    auto* widget = qobject_cast<T*>(&Of(part));
-    if (widget == nullptr) {
-        throw std::runtime_error(Of(part).objectName().toStdString() + " is no " +
-                                 T::staticMetaObject.className());
-    }
-    return *widget;
-}
-
 QString Identifier(const ui::Control& control) {
     const std::string index = control.Index() ? "(" + std::to_string(*control.Index()) + ")" : "";
     return QString::fromStdString(control.Name() + index);
-}
-
-std::string Latin(const QString& text) {
-    return text.toLatin1().toStdString();
 }
 
 Box ToBox(const QRect& rect) {
@@ -491,55 +467,10 @@ Box WorkArea() {
     return ToBox(QGuiApplication::primaryScreen()->availableGeometry());
 }
 
-// --- dialogs of the system
-
-Part DialogInFront() {
-    QWidget* window = QApplication::activeModalWidget();
-    return window != nullptr && window->isVisible() && window->inherits("QDialog") ? window : nullptr;
-}
-
-BoxIcon IconOf(Part message_box) {
-    switch (As<QMessageBox>(message_box).icon()) {
-    case QMessageBox::NoIcon:
-        return BoxIcon::None;
-    case QMessageBox::Warning:
-        return BoxIcon::Exclamation;
-    case QMessageBox::Critical:
-        return BoxIcon::Critical;
-    default:
-        return BoxIcon::Other;
-    }
-}
-
-std::string MessageOf(Part message_box) {
-    return Latin(As<QMessageBox>(message_box).text());
-}
-
-bool HasChosen(Part dialog, const std::string& name) {
-    return As<QFileDialog>(dialog).directory().dirName().toStdString() == name;
-}
-
-bool Says(Part dialog, const std::string& text) {
-    return Text(dialog) == text;
-}
-
-std::vector<std::string> ButtonsOf(Part dialog) {
-    std::vector<std::string> captions;
-    for (QWidget* button : Of(dialog).findChildren<QPushButton*>()) {
-        if (button->isVisible()) {
-            captions.push_back(ShownCaption(button));
-        }
-    }
-    return captions;
-}
-
-void Dismiss(Part dialog) {
-    QMetaObject::invokeMethod(&As<QDialog>(dialog), &QDialog::reject, Qt::QueuedConnection);
-}
-
 // --- working
 
-/// Whether the display has the window where Qt takes it to be. With a scale such as 1.25, Qt's place is rounded.
+/// Whether the display has the window where Qt takes it to be. With a scale such as 1.25, Qt's place is
+/// rounded.
 bool IsAtPlace(QWidget& widget) {
     constexpr int kRounding = 2; // points, one in each direction
     return (Input().CornerOf(widget.winId()) - OnScreen(widget, {0, 0})).manhattanLength() <= kRounding;
@@ -555,8 +486,7 @@ bool Activate(Part window) {
     for (int attempt = 0; attempt < kTries; ++attempt) {
         const auto here = [&] {
             QWidget& widget = Of(window);
-            return counter.keys > 0 && counter.moves > 0 && widget.isActiveWindow() &&
-                   IsAtPlace(widget);
+            return counter.keys > 0 && counter.moves > 0 && widget.isActiveWindow() && IsAtPlace(widget);
         };
         Of(window).activateWindow();
         Input().MoveTo(OnScreen(Of(window), Of(window).rect().center()));
