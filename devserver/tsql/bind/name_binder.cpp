@@ -12,8 +12,8 @@ namespace {
 
 constexpr int kDeepestView = 32;
 
-/// The table "inserted" or "deleted" of a trigger. SQLite's temporary database also has the tables that begin with # or @
-/// and the rows of linked servers' tables, which have those tables' names.
+/// The table "inserted" or "deleted" of a trigger. SQLite's temporary database also has the tables that begin
+/// with # or @ and the rows of linked servers' tables, which have those tables' names.
 bool IsTransitionTable(const TableDef& table) {
     return table.alias == "temp" && (table.name == "INSERTED" || table.name == "DELETED") &&
            table.physical == table.name + std::to_string(table.id);
