@@ -21,7 +21,7 @@ enum MainTab : int {
     kStoredProcTab = 6,
 };
 
-/// The option buttons for Server A (index 0) and Server B (index 1) of each tab; the General tab has none.
+/// The option buttons for Server A (index 0) and Server B (index 1) of each tab except General.
 inline constexpr std::array<const char*, kMainTabs> kServerOptions = {
     nullptr,
     "optScriptCurrentServer",

@@ -25,7 +25,7 @@ class CViewDataMgr : public DatabaseManager {
   public:
     CViewDataMgr() : DatabaseManager("CViewDataMgr") {}
 
-    /// Lists tables and views. Fails for a database that has none.
+    /// Lists tables and views. Fails if the database has neither.
     bool GetTables(const std::string& strDbName, std::vector<std::string>& arrTables);
     /// Reads a whole table or view, and the names of its identity columns.
     bool GetData(const std::string& strDbName, const std::string& strTable,
