@@ -24,7 +24,8 @@ std::unique_ptr<Output> OpenOutput(const Switches& switches) {
     return std::make_unique<FileOutput>(switches.output_file);
 }
 
-/// The password for a command line without one: from the environment, or from the keyboard.
+/// Called if the command line has no password. Takes it from the environment or asks for it; returns an empty
+/// password if there is no terminal to ask at.
 std::string FindPassword() {
     if (const char* const password = std::getenv("OSQLPASSWORD")) {
         return platform::FromSystemText(password);

@@ -1,5 +1,5 @@
-// Windows only: makes the C run time leave "*" and "?" in the arguments as they are.
+// Windows only: keeps the C run time from replacing arguments that contain "*" or "?" by the names of files.
 extern "C" {
-extern int _dowildcard; // the run time's own name for it
+extern int _dowildcard; // the C run time reads this variable before main
 int _dowildcard = 0;
 }

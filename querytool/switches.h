@@ -1,5 +1,5 @@
-// The command line of the query tool: its switches, their values, what is refused. Knows neither files nor
-// servers.
+// The command line of the query tool: its switches, their values and the errors in them. Knows neither files
+// nor servers.
 #pragma once
 
 #include <optional>
@@ -11,34 +11,36 @@ namespace querytool {
 struct Switches {
     std::string server = "localhost";
     std::optional<std::string> user;
-    std::optional<std::string> password; ///< absent: OSQLPASSWORD, or ask
+    std::optional<std::string> password; ///< absent: from OSQLPASSWORD, or asked for
     std::string database;                ///< empty: the login's default
     std::string workstation;
-    std::string input_file;  ///< empty: the query, or the standard input
+    std::string input_file;  ///< empty: run `query`, or read the standard input
     std::string output_file; ///< empty: the standard output
     std::optional<std::string> query;
-    bool exit_after_query = false; ///< -Q; with -q the prompt follows
+    bool exit_after_query = false; ///< true for -Q; after the query of -q the prompt follows
     std::string terminator = "GO"; ///< ends a batch, in any letter case
     std::string separator = " ";   ///< between the columns
     int width = 80;                ///< characters of an output line
     int header_rows = 0;           ///< rows between two headings; 0: one heading for a result, -1: no heading
-    std::optional<int> error_level; ///< -m: messages below it are not shown, from it on with their numbers
-    unsigned query_timeout = 0;     ///< seconds, 0: no limit
-    unsigned login_timeout = 8;     ///< seconds, 0: no limit
-    unsigned packet_size = 0;       ///< bytes, 0: the driver's own
+    /// -m: messages of a lower severity are not shown, and all others are shown with their numbers. Absent:
+    /// all messages are shown, but only errors with their numbers.
+    std::optional<int> error_level;
+    unsigned query_timeout = 0; ///< seconds, 0: no limit
+    unsigned login_timeout = 8; ///< seconds, 0: no limit
+    unsigned packet_size = 0;   ///< bytes, 0: the driver's own
     bool echo = false;
     bool no_prompts = false;
     bool stop_on_error = false;
-    bool errors_to_stderr = false;   ///< -r: errors
-    bool messages_to_stderr = false; ///< -r1: messages too
+    bool errors_to_stderr = false;   ///< -r, -r0 and -r1
+    bool messages_to_stderr = false; ///< -r1 only
     bool quoted_identifiers = false;
     bool help = false;
 };
 
 struct ParsedLine {
     Switches switches;
-    /// The first error of the line. The other switches are read all the same, so that the message can go to
-    /// the output file that the line names.
+    /// The message about the first error in the line. The switches after the error are read too, since one of
+    /// them may name the output file, to which the message is written.
     std::optional<std::string> error;
 };
 

@@ -15,8 +15,9 @@ using platform::odbc::OdbcError;
 using platform::odbc::RowReader;
 using platform::odbc::Statement;
 
-/// Uses braces only where a value would otherwise end early or lose its blanks: FreeTDS does not read a
-/// doubled "}" as one, so a value that needs braces and contains "}" works with other drivers only.
+/// Encloses a value of a connection string in braces, but only if it would otherwise end early or lose its
+/// blanks: FreeTDS does not read a doubled "}" as one, so a value that needs braces and contains "}" works
+/// with other drivers only.
 std::string Quoted(const std::string& value) {
     const bool blanks = !value.empty() && (value.front() == ' ' || value.back() == ' ');
     if (!blanks && value.find(';') == std::string::npos && !value.starts_with("{")) {
@@ -32,11 +33,11 @@ std::string Quoted(const std::string& value) {
     return quoted + "}";
 }
 
-/// The number of prepared statements. So many consecutive batches may ask for the outcome of the batch
-/// before.
+/// The number of statements that are prepared in advance, and so the largest number of batches in succession
+/// that can read the outcome of the batch before.
 constexpr std::size_t kStock = 8;
 
-/// True if the batch asks the session for the outcome of the statement before.
+/// True if the batch may read the outcome of the batch before it.
 bool AsksForLastBatch(std::string_view batch) {
     constexpr std::array<std::string_view, 2> kVariables = {"@@ERROR", "@@ROWCOUNT"};
     return std::ranges::any_of(kVariables, [&](std::string_view variable) {
@@ -89,9 +90,10 @@ bool OdbcServer::Connect(const LoginSettings& settings, ResultSink& sink) {
     return true;
 }
 
-/// A statement for the batch, prepared to keep the results after an error. The preparation resets @@ERROR and
-/// @@ROWCOUNT. A batch that reads them for the outcome of the batch before takes a statement from the stock,
-/// which is filled before other batches.
+/// A statement for the batch. With FreeTDS it must be prepared to keep the results after an error, which sets
+/// the session's @@ERROR and @@ROWCOUNT to 0. So statements are prepared in advance, before batches that do
+/// not read these variables, and a batch that reads them takes one from the stock. If the stock is empty, a
+/// statement is prepared all the same: the results matter more than the variables.
 Statement OdbcServer::NextStatement(const std::string& batch) {
     if (!connection_->DropsResultsAfterError()) {
         return Statement(*connection_);
@@ -132,7 +134,7 @@ bool OdbcServer::Try(ResultSink& sink, Step&& step) {
 
 bool OdbcServer::Run(const std::string& batch, ResultSink& sink) {
     bool alive = true;
-    const bool started = Try(sink, [&] {
+    const bool started = Try(sink, [&] { // for the errors of calls that have no Try of their own
         Statement statement = NextStatement(batch);
         if (query_timeout_ != 0) {
             statement.SetQueryTimeout(query_timeout_);

@@ -24,21 +24,21 @@ std::int32_t NumberOf(const platform::odbc::Diagnostic& diagnostic) {
     return platform::odbc::ErrorNumberOf(diagnostic.sql_state);
 }
 
-/// The group of an entry in the collection.
+/// The groups of the collection's entries, in the order in which the groups are sorted.
 enum class Rank : std::uint8_t { Error, Raised, Message };
 
 Rank RankOf(std::int32_t number) {
     return number == 0 ? Rank::Message : number == kRaisedMessage ? Rank::Raised : Rank::Error;
 }
 
-/// The last of the bracketed names before a message.
+/// The last of the bracketed names before a message: "SQL Server" for "[FreeTDS][SQL Server]...".
 std::string SourceOf(std::string_view message) {
     const std::string_view text = platform::odbc::WithoutOrigin(message);
     std::string_view origin = message.substr(0, message.size() - text.size());
     if (origin.empty()) {
         return "ODBC";
     }
-    origin.remove_suffix(1);
+    origin.remove_suffix(1); // the last "]"
     return std::string(origin.substr(origin.rfind('[') + 1));
 }
 

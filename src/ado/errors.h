@@ -51,7 +51,7 @@ class CallError : public kv::ReportedError {
     using ReportedError::ReportedError;
 };
 
-/// Failures of the layer itself, which are not added to a connection's Errors.
+/// Numbers of the failures that this layer finds itself. They are not added to a connection's Errors.
 inline constexpr std::int32_t kArgumentsInConflict = 3001;
 inline constexpr std::int32_t kNoCurrentRecord = 3021;
 inline constexpr std::int32_t kFeatureNotAvailable = 3251;
@@ -60,12 +60,13 @@ inline constexpr std::int32_t kObjectClosed = 3704;
 inline constexpr std::int32_t kObjectOpen = 3705;
 inline constexpr std::int32_t kInvalidConnection = 3709;
 
-/// Throws the CallError of one of these numbers with its text. `source` is the object's class; `detail`, if
-/// not empty, is added to the text and names what was refused.
+/// Throws a CallError with one of these numbers and ADO's text for that number. `source` is the class of the
+/// object that was called, as in "ADODB.Command". `detail` names the value or the object that was refused; it
+/// is added to the text if it is not empty.
 [[noreturn]] void RaiseOwnError(std::int32_t number, const char* source, const std::string& detail = {});
 
-/// A value that cannot be converted: run_time::kOverflow, kTypeMismatch or kInvalidUseOfNull. A failure of
-/// the run time, not of a call.
+/// Thrown for a value that cannot be converted. Its number is kOverflow, kTypeMismatch or kInvalidUseOfNull
+/// of kv::run_time. It is not a CallError, since no call has failed.
 class ConversionError : public kv::RunTimeError {
   public:
     using RunTimeError::RunTimeError;

@@ -10,7 +10,7 @@ namespace {
 namespace odbc = platform::odbc;
 
 struct ToVariant {
-    odbc::SqlType type;
+    odbc::SqlType type; ///< of the column
 
     Variant operator()(std::monostate) const { return Null(); }
     Variant operator()(bool value) const { return value; }

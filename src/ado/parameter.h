@@ -11,7 +11,7 @@
 
 namespace ado {
 
-/// Values of Direction. Unknown: the catalogue does not say.
+/// Values of Direction. adParamUnknown: the catalogue does not give the direction.
 enum ParameterDirection : std::int32_t {
     adParamUnknown = 0,
     adParamInput = 1,
@@ -48,8 +48,8 @@ class Parameter {
     /// A DataType of ado_types.h.
     std::int32_t Type() const { return type_; }
     void Type(std::int32_t value) { type_ = value; }
-    /// If it is Empty, an input parameter is left out of the call, so that the procedure's default applies; a
-    /// parameter of both directions is passed as NULL.
+    /// An input parameter whose value is Empty is left out of the call, so that the procedure's default
+    /// applies. For an input/output parameter, Empty is passed as NULL.
     const Variant& Value() const { return value_; }
     void Value(Variant value) { value_ = std::move(value); }
 
@@ -70,12 +70,13 @@ class Command;
 class Parameters {
   public:
     std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
-    /// The first has the index 0. Throws kItemNotFound. Valid until the next Refresh.
+    /// The first has the index 0. The reference is valid until the next Refresh. Throws CallError with
+    /// kItemNotFound for an index outside the collection.
     Parameter& Item(std::int32_t index);
     /// Asks the server for the parameters of the command's procedure and rebuilds the collection from its
-    /// answer. A parameter keeps the value of the parameter with the same name in the previous collection, if
-    /// that was of the same procedure; all others are Empty. A procedure that the server does not know has no
-    /// parameters. Throws CallError; the collection is then empty.
+    /// answer. If the previous collection was of the same procedure, each parameter takes over the value of
+    /// the previous one with the same name. The values of all other parameters are Empty. A procedure that
+    /// the server does not know has no parameters. Throws CallError; the collection is then empty.
     void Refresh();
 
   private:

@@ -20,7 +20,8 @@ namespace {
 
 namespace odbc = platform::odbc;
 
-/// Why a value does not fit, with its SQLSTATE.
+/// Why a value does not fit, with its SQLSTATE. The conversions throw it; TypedValue catches it and adds the
+/// value and the parameter to the text.
 struct Reason {
     const char* sql_state;
     const char* text;
@@ -37,13 +38,13 @@ constexpr Reason kDateOutOfRange{"22008", "it is out of the range of the type"};
 constexpr Reason kPartOfTime{"22008", "it has a part that the type cannot hold"};
 constexpr Reason kTooLong{"22001", "it is too long"};
 
-/// A value that is to be converted.
+/// A parameter's value that is to be converted.
 struct Given {
     const Parameter& parameter;
     const platform::LocaleForms& forms;
-    std::string text; ///< the value as it is shown
+    std::string text; ///< the value as Variant::ToString shows it
 
-    /// The value itself if it is of that kind.
+    /// The value if it is stored as this alternative of Variant, otherwise null.
     template <class Kind>
     const Kind* As() const {
         return std::get_if<Kind>(&parameter.Value().Get());
@@ -77,6 +78,7 @@ std::int64_t ToWhole(const ExactNumber& number, std::int64_t decimals) {
     }
     constexpr std::int64_t kMostDigits = std::numeric_limits<std::int64_t>::digits10 + 1;
     std::int64_t whole = 0;
+    // Checked before Plain, which would write all the zeros of a number like 1E1000000000.
     if (scaled.WholeDigits() > kMostDigits) {
         throw kOutOfRange;
     }
@@ -124,8 +126,8 @@ odbc::Value ToBit(const Given& given) {
     return whole == 1;
 }
 
-/// Rounds to the precision of the type. A number that would become infinite, or 0 without being 0, is
-/// refused.
+/// Rounds to the precision of the type. Refuses a number that is too large for the type, and one that is so
+/// small that it would be rounded to 0.
 template <class Number>
 odbc::Value ToFloating(const Given& given) {
     if (const auto* const same = given.As<Number>()) {
@@ -139,7 +141,8 @@ odbc::Value ToFloating(const Given& given) {
     return double{number};
 }
 
-/// Exact digits with a ".", which the driver accepts in every locale.
+/// The number as text with all its digits and a "." as the decimal point, which the driver accepts in every
+/// locale.
 odbc::Value ToDecimal(const Given& given) {
     const ExactNumber number = NumberOf(given);
     constexpr std::int64_t kMostDigits = 38;
@@ -172,7 +175,8 @@ constexpr std::uint8_t kSmallDateTimePrecision = 16;
 constexpr std::uint8_t kDateTimePrecision = 23;
 constexpr std::uint32_t kMillisecond = 1'000'000; // nanoseconds
 
-/// The first and the last day of a type, and whether it can hold a time of day exactly.
+/// The first and the last day of a type, and whether it can hold a time of day exactly. ADO has one number
+/// for all types with a date and a time, so the parameter's precision tells them apart.
 struct DateRange {
     std::uint8_t precision;
     std::tuple<int, int, int> first;
@@ -197,7 +201,8 @@ constexpr DateRange kDateRanges[] = {
      }},
 };
 
-/// A type that is not in the table has up to seven decimals of a second; its scale is their number.
+/// A type that is not in the table (datetime2) holds every date; the parameter's NumericScale is the number
+/// of decimals of a second that it holds.
 void CheckRange(const Date& date, const Parameter& parameter) {
     for (const DateRange& range : kDateRanges) {
         if (range.precision == parameter.Precision()) {
@@ -230,8 +235,8 @@ DateText DateOf(const Given& given) {
 
 odbc::Value ToTimestamp(const Given& given) {
     if (const auto* const same = given.As<Date>()) {
-        // The value comes from the server, in 300ths of a second. The system's driver accepts whole
-        // milliseconds only.
+        // A Date is a value that the server returned. One of the type datetime counts 300ths of a second, but
+        // the system's driver accepts whole milliseconds only.
         Date date = *same;
         if (given.parameter.Precision() == kDateTimePrecision) {
             date.nanosecond = (date.nanosecond + kMillisecond / 2) / kMillisecond * kMillisecond;
@@ -255,7 +260,8 @@ odbc::Value ToDay(const Given& given) {
     return std::string(text);
 }
 
-/// A time of day alone, in the same way.
+/// A time of day alone, as text that the driver accepts in every locale: with up to seven decimals of a
+/// second, without zeros at the end.
 odbc::Value ToTime(const Given& given) {
     const DateText read = DateOf(given);
     if (!read.has_time || read.has_date) {
@@ -275,7 +281,7 @@ odbc::Value ToTime(const Given& given) {
 
 // ------------------------------------------------------------------ text and bytes
 
-/// A size of 0 means no limit.
+/// `size` is in bytes, which for text are characters. A parameter's size of 0 means no limit.
 void CheckSize(const Given& given, std::size_t size) {
     if (given.parameter.Size() > 0 && size > static_cast<std::size_t>(given.parameter.Size())) {
         throw kTooLong;
@@ -310,7 +316,7 @@ std::optional<std::string> BytesOf(std::string_view digits) {
 odbc::Value ToBytes(const Given& given) {
     std::string_view digits = WithoutBlanks(given.text);
     if (digits.empty()) {
-        throw kNotHexDigits;
+        throw kNotHexDigits; // an empty row of bytes is written as "0x"
     }
     if (digits.starts_with("0x") || digits.starts_with("0X")) {
         digits.remove_prefix(2);
@@ -331,6 +337,7 @@ odbc::Value ToGuid(const Given& given) {
     constexpr std::string_view kShape = "00000000-0000-0000-0000-000000000000";
     std::string digits;
     for (std::size_t i = 0; i < text.size(); ++i) {
+        // Must be "-" where the shape has one, and a hexadecimal digit everywhere else.
         if (i < kShape.size() && kShape[i] == '-' ? text[i] != '-' : !DigitOf(text[i])) {
             throw kNotAGuid;
         }
@@ -340,6 +347,7 @@ odbc::Value ToGuid(const Given& given) {
     if (text.size() != kShape.size() || !bytes) {
         throw kNotAGuid;
     }
+    // The highest byte comes first.
     const auto number = [&](std::size_t begin, std::size_t size) {
         std::uint32_t value = 0;
         for (const char byte : bytes->substr(begin, size)) {

@@ -10,9 +10,10 @@
 
 namespace ado {
 
-/// The value cannot be converted to its parameter's type without becoming another value.
+/// Thrown for a value that cannot be converted to its parameter's type without being changed.
 class ValueRefused : public std::exception {
   public:
+    /// `sql_state` is a literal; it is not copied.
     ValueRefused(const char* sql_state, std::string text) : sql_state_(sql_state), text_(std::move(text)) {}
     const char* SqlState() const { return sql_state_; }
     /// Names the parameter, its type and the value.
@@ -26,9 +27,9 @@ class ValueRefused : public std::exception {
 /// The parameter's type as it is declared in T-SQL: "varchar(30)", "decimal(12,4)".
 std::string DeclarationOf(const Parameter& parameter);
 
-/// The parameter's value as it is passed to the driver. Text is read in the forms of the locale, dates also
-/// in ISO 8601: the inverse of Variant::ToString. Throws ValueRefused if the value does not fit the type
-/// exactly.
+/// The parameter's value as it is passed to the driver; Empty and Null become NULL. Numbers and dates in text
+/// are read in the forms of the locale, as Variant::ToString writes them; dates may also be in ISO 8601.
+/// Throws ValueRefused if the value does not fit the type exactly.
 platform::odbc::Value TypedValue(const Parameter& parameter, const platform::LocaleForms& forms);
 
 } // namespace ado

@@ -1,5 +1,5 @@
-// The call of a stored procedure as a statement: its text and the values of its markers. Internal to the
-// layer.
+// The call of a stored procedure as an ODBC statement: its text and the values of its parameter markers
+// ("?"). Internal to the layer.
 #pragma once
 
 #include <string>
@@ -14,30 +14,35 @@ namespace ado {
 
 class ProcedureCall {
   public:
-    /// Converts the input values. `parameters` must outlive the call.
+    /// Converts the input values. `parameters` must outlive this object; meanwhile, no parameter may be
+    /// added to it or removed from it.
     ProcedureCall(const std::string& procedure, std::vector<Parameter>& parameters,
                   const platform::LocaleForms& forms);
 
-    /// An entry for each value that does not fit its parameter's type. If there is one, the call must not be
-    /// started.
+    /// One entry for each value that does not fit its parameter's type. Start may be called only if there are
+    /// no entries.
     const std::vector<Error>& Refusals() const { return refusals_; }
+    /// Binds the values and runs the statement. Throws OdbcError.
     void Start(platform::odbc::Statement& statement) const;
-    /// Stores the output values in the parameters. To be called after the last result.
+    /// Stores the output values in `parameters`. Must be called after the last result was read, since the
+    /// driver has the values only then.
     void TakeOutput(const platform::odbc::Statement& statement) const;
 
   private:
-    /// A parameter that has a marker.
+    /// A parameter that is passed, and the value that is bound to its marker.
     struct Marked {
         Parameter* parameter;
         platform::odbc::Parameter bound;
     };
 
     std::string CallText(const std::string& procedure, std::vector<Parameter>& parameters) const;
+    /// Makes a call by sp_executesql, which passes the parameters by name. It is used if a parameter that is
+    /// left out comes before one that is passed.
     void CallByName(const std::string& procedure);
     void Mark(Parameter& parameter, const platform::LocaleForms& forms);
 
     std::string text_;
-    std::vector<platform::odbc::Parameter> leading_; ///< markers before those of the parameters
+    std::vector<platform::odbc::Parameter> leading_; ///< the arguments of sp_executesql before the parameters
     std::vector<Marked> marked_;
     std::vector<Error> refusals_;
 };

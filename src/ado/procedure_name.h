@@ -11,18 +11,19 @@ struct ProcedureName {
     std::string database; ///< empty: the current one
     std::string owner;    ///< empty: the one that the server finds
     std::string name;
-    std::string number = "1"; ///< of the procedure among those that share the name
+    std::string number = "1"; ///< tells apart procedures that share the name
 };
 
 /// Reads "database.owner.name;number". All parts but the name are optional; names may be plain, in brackets
 /// or in double quotes.
 ProcedureName ParseProcedureName(std::string_view text);
 
-/// A pattern for the catalogue that matches the name, and perhaps others: a character that some driver takes
-/// for a wildcard or an escape is replaced by "_", which matches any character.
+/// A pattern that finds the name in the catalogue. It may also match other names: each character that a
+/// driver may take for a wildcard, an escape or a quotation mark is replaced by "_", which matches any
+/// character.
 std::string CataloguePattern(std::string_view name);
 
-/// The name in brackets, to be used inside a string literal: apostrophes are doubled as well.
+/// The name in brackets, for use inside a string literal of T-SQL: both "]" and "'" are doubled.
 std::string InBrackets(std::string_view name);
 
 } // namespace ado

@@ -1,4 +1,4 @@
-// The table of buffer types, and values to and from their buffers.
+// The table of buffer types, and the conversion of values to and from their buffers.
 #include "odbc/odbc_types.h"
 
 #include <algorithm>
@@ -31,9 +31,11 @@ constexpr std::array kBufferTypes = {
     TypeRow{SqlType::LongVarBinary, SQL_C_BINARY},
 };
 
-/// The longest text of a type without a limit: a decimal of 38 digits, with sign and point.
+/// The least space for an output value whose length varies, in characters or bytes. It is enough for a
+/// decimal of 38 digits with sign and point.
 constexpr std::size_t kNumberText = 64;
 constexpr std::size_t kMaxPrecision = 38;
+/// In characters or bytes. A column whose values may be longer is read in pieces.
 constexpr std::size_t kMaxInRow = 8000;
 
 template <class T>
@@ -56,7 +58,7 @@ SQL_TIMESTAMP_STRUCT ToOdbc(const Timestamp& from) {
     return to;
 }
 
-/// Writes a value's bytes and their type into the buffer.
+/// Writes a value's bytes and their buffer type into the buffer. NULL leaves the buffer type as it is.
 struct Encode {
     ValueBuffer& buffer;
 
@@ -175,12 +177,12 @@ ValueBuffer MakeParameterBuffer(const Parameter& parameter) {
     buffer.c_type = BufferType(parameter.type);
     std::visit(Encode{buffer}, parameter.value);
     const std::size_t fixed = FixedSize(buffer.c_type);
-    std::size_t room = std::max<std::size_t>(fixed, 1);
+    std::size_t room = std::max<std::size_t>(fixed, 1); // in bytes; for text in characters
     if (fixed == 0 && parameter.direction != Direction::Input) {
         room = std::max(parameter.size, kNumberText);
     }
     if (buffer.c_type == SQL_C_WCHAR) {
-        room = (room + 1) * sizeof(char16_t); // with the NUL that the driver appends
+        room = (room + 1) * sizeof(char16_t); // in bytes, with the NUL that the driver appends
     }
     buffer.data.resize(std::max(buffer.data.size(), room));
     return buffer;
@@ -192,9 +194,9 @@ ParameterShape ShapeOf(const Parameter& parameter, const ValueBuffer& buffer) {
     case SqlType::Decimal:
         return {parameter.size != 0 ? parameter.size : kMaxPrecision, parameter.decimal_digits};
     case SqlType::Timestamp:
-        return {23, 3};
+        return {23, 3}; // "yyyy-mm-dd hh:mm:ss.fff"
     case SqlType::Guid:
-        return {36, 0};
+        return {36, 0}; // characters of its text, without braces
     default:
         break;
     }

@@ -1,7 +1,7 @@
 // The list view: columns, and rows of texts under them.
 //
-// A toolkit may show it as a virtual list: RowCount and Cell answer at once, and 32,767 rows of ten cells
-// are added in a few milliseconds, one notification for each row and each cell.
+// RowCount and Cell take constant time, so that a toolkit can show it as a virtual list. Each row and each
+// cell that is added causes one notification; 32,767 rows of ten cells are added in a few milliseconds.
 #pragma once
 
 #include <cstdint>
@@ -28,25 +28,26 @@ class ListView : public Control {
     };
 
     int ColumnCount() const { return static_cast<int>(columns_.size()); }
-    /// From 0.
+    /// The first has the number 0.
     const Column& ColumnAt(int column) const { return columns_.at(static_cast<std::size_t>(column)); }
-    /// After the last. Refuses a key that exists; an empty key counts as no key.
+    /// Adds a column after the last. Throws Refusal if another column has the key; any number of columns may
+    /// have the empty key.
     void AddColumn(const std::string& key, const std::string& text);
     void ClearColumns();
 
     int RowCount() const { return static_cast<int>(rows_.size()); }
     const std::string& RowKey(int row) const { return RowAt(row).key; }
-    /// From 0; column 0 is the item's own text. Empty if nothing was set.
+    /// Rows and columns are numbered from 0; column 0 is the item's own text. Empty if nothing was set.
     const std::string& Cell(int row, int column) const;
-    /// Adds a row after the last, with the text of its column 0, and returns its number. Refuses a key that
-    /// exists; an empty key counts as no key.
+    /// Adds a row after the last, with the text of its column 0, and returns its number. Throws Refusal if
+    /// another row has the key; any number of rows may have the empty key.
     int AddRow(const std::string& key, const std::string& text);
     void SetCell(int row, int column, const std::string& text);
     void ClearRows();
 
-    /// The column is to become as wide as its header and its cells need. Refuses a column that is not there.
+    /// Makes the column as wide as its header and its cells need. Throws Refusal if there is no such column.
     void AutoSizeColumn(int column);
-    /// The columns that were sized so since the columns were cleared, in order of their numbers.
+    /// One entry for each column, by its number: true if AutoSizeColumn was called for it.
     const std::vector<bool>& AutoSized() const { return auto_sized_; }
 
     std::int32_t ExtendedStyle() const { return extended_style_; }

@@ -6,6 +6,7 @@
 namespace ui {
 namespace {
 
+/// -1 is accepted: no item is selected.
 void RefuseOutside(int index, const ListItems& items) {
     if (index < -1 || index >= items.Count()) {
         throw Refusal("the list has no item " + std::to_string(index));

@@ -7,6 +7,7 @@ bool IsShown(const Control& control) {
         return false;
     }
     for (const Control* child = &control; child->Parent() != nullptr; child = child->Parent()) {
+        // A child of a tab control lies on the tab whose number is the child's index.
         if (child->Parent()->Kind() == Kind::TabControl &&
             static_cast<const TabControl*>(child->Parent())->Tab() != child->Index()) {
             return false;
@@ -52,6 +53,7 @@ bool AcceptsPress(Control& control, InputClock::time_point arrived, std::chrono:
 
 bool Type(TextBox& box, std::string_view text) {
     for (const char character : text) {
+        // Checked for each character, since a handler of Change may disable or lock the box.
         if (!CanBeUsed(box) || box.Locked()) {
             return false;
         }

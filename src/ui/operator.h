@@ -24,7 +24,7 @@ namespace ui {
 
 /// True if the form is not unloaded, the control and all that it lies on are enabled, and its tab is active.
 bool CanBeUsed(const Control& control);
-/// The same for a frame's and a picture's children, without the control's own state: whether it is seen.
+/// True if the form is not unloaded and the control's tab is active, whether or not the control is enabled.
 bool IsShown(const Control& control);
 
 /// Presses of a command button that follow each other within this time are one double click; Windows' own
@@ -43,27 +43,31 @@ bool Accepts(const Control& control, InputClock::time_point arrived);
 bool AcceptsPress(Control& control, InputClock::time_point arrived,
                   std::chrono::milliseconds double_click = kDoubleClickTime);
 
-/// Types the text at the selection, which it takes the place of: Change for each character.
+/// Types the text in place of the selection. Fires Change for each character.
 bool Type(TextBox& box, std::string_view text);
-/// At the end of a free text: Change for each character. A drop-down list accepts no text.
+/// Types the text at the end of a free text. Fires Change for each character. A drop-down list accepts no
+/// text.
 bool Type(ComboBox& box, std::string_view text);
 bool SelectAll(TextBox& box);
 
-/// The box now holds this text by the operator's doing (a key, a paste, an undo): one Change if it differs.
+/// The operator has changed the whole text to this one (by a key, a paste, an undo). Fires one Change if the
+/// text differs.
 bool Edit(TextBox& box, const std::string& text);
 bool Edit(ComboBox& box, const std::string& text);
 
-/// An item is chosen: Click, and no Change.
+/// The operator chooses an item. Fires Click, and no Change.
 bool Choose(ComboBox& box, int index);
 bool Choose(ListBox& box, int index);
-/// A tab is chosen by mouse or keyboard: Click, also on the active one. A disabled tab is refused.
+/// The operator chooses a tab by mouse or keyboard. Fires Click, also if the tab is active already. A
+/// disabled tab is refused.
 bool Choose(TabControl& tabs, int tab);
 
-/// Also by the space bar, Enter or a mnemonic. Refused while the command runs, and where Accepts refuses what
-/// arrived at that time. A click without a time comes from a program, not from the input queue.
+/// The operator presses the button by mouse, space bar, Enter or a mnemonic. Refused while the button's
+/// command runs, and if Accepts refuses input that arrived at that time. A click without a time comes from a
+/// program, not from the input queue.
 bool Click(CommandButton& button, std::optional<InputClock::time_point> arrived = std::nullopt);
 bool Click(CheckBox& box);
-/// Also on the button that is selected.
+/// Fires Click also if the button is selected already.
 bool Click(OptionButton& button);
 
 /// The focus is on this control now; null if it is on no control of the form.

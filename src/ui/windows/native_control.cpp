@@ -11,12 +11,13 @@
 namespace ui {
 namespace {
 
-constexpr int kExecutePicture = 2; // the icon's number among the resources
-constexpr int kShownListItems = 12;
+constexpr int kExecutePicture = 2;  // the icon's number among the resources
+constexpr int kShownListItems = 12; // rows of a combo box's open list
 
 constexpr DWORD kChild = WS_CHILD | WS_CLIPSIBLINGS;
 constexpr DWORD kField = kChild | WS_TABSTOP;
 
+/// The arguments of CreateWindowEx that depend on the kind of a control and on its state.
 struct Recipe {
     const char* window_class = "";
     DWORD style = 0;
@@ -47,6 +48,7 @@ Recipe TextBoxRecipe(const Control& control) {
     const DWORD locked = box.Locked() ? DWORD{ES_READONLY} : DWORD{0};
     constexpr DWORD kLines = ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL | WS_HSCROLL;
     if (!IsOneLine(control)) {
+        // BringInLine sets its text.
         return {WC_EDITA, kField | ES_AUTOHSCROLL | kLines | locked, WS_EX_CLIENTEDGE, ""};
     }
     return {WC_EDITA, kField | ES_AUTOHSCROLL | locked, WS_EX_CLIENTEDGE, box.Text()};
@@ -121,8 +123,8 @@ RecipeFunction RecipeOf(Kind kind) {
     return nullptr; // both have their own window classes and are made elsewhere
 }
 
-/// A combo box has the height of its font, since a higher one would show its text at the top. So it is put in
-/// the middle of its place. The window's height includes the list below it.
+/// Leaves the closed box as high as its font requires and centres it vertically in its place: in a higher box
+/// the text would stand at the top. The height that is set includes that of the open list below the box.
 void PlaceComboBox(HWND window, const RECT& place) {
     RECT own{};
     ::GetWindowRect(window, &own);
@@ -132,10 +134,10 @@ void PlaceComboBox(HWND window, const RECT& place) {
                    own.bottom - own.top + row * kShownListItems, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-/// As high as a combo box of the same font, in the middle of its place: in a higher box the text stands at
-/// the top.
+/// The rectangle for a text box of one line: as high as a combo box with the same font and centred vertically
+/// in its place, since in a higher box the text would stand at the top.
 RECT PlaceOfLine(RECT place, const DialogFont& font) {
-    constexpr LONG kEdges = 8;
+    constexpr LONG kEdges = 8; // pixels above and below the text, together
     const LONG spare = std::max(LONG{0}, place.bottom - place.top - (font.TextHeight() + kEdges));
     place.top += spare / 2;
     place.bottom -= spare - spare / 2;
@@ -165,13 +167,14 @@ void MakeNativeControl(NativeControl& native, HWND parent, const RECT& place, DW
         recipe.extended_style, recipe.window_class, recipe.text.c_str(), recipe.style | disabled | style,
         own.left, own.top, own.right - own.left, own.bottom - own.top, parent,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(control.Id())), ::GetModuleHandleA(nullptr), nullptr);
+    // The styles show the first two already; the colours are asked for when the control is painted.
     native.stale &= ~(Bit(Property::Enabled) | Bit(Property::Locked) | Bit(Property::ForeColor) |
                       Bit(Property::BackColor));
     if ((recipe.extended_style & WS_EX_CONTROLPARENT) != 0) {
         MakeContainer(native.window);
     }
     if (control.Kind() == Kind::TextBox) {
-        ::SendMessageA(native.window, EM_SETLIMITTEXT, 0, 0); // as much as there is memory for
+        ::SendMessageA(native.window, EM_SETLIMITTEXT, 0, 0); // 0: the largest limit that the control has
     }
     if ((control.Design().traits & kPicture) != 0) {
         GivePicture(native.window);

@@ -11,12 +11,14 @@
 namespace ui {
 
 void ShowExtendedStyle(HWND window, const ListView& list);
-/// Makes the columns anew, each of the width of a new one.
+/// Deletes all columns and adds those of the list, each with the same initial width.
 void ShowColumns(HWND window, const ListView& list);
+/// Sets the number of rows and has the cells painted again.
 void ShowRows(HWND window, const ListView& list);
-/// Makes the columns that the list says are sized so as wide as their headers and their cells need.
+/// Makes each column of ListView::AutoSized as wide as its header and its cells need, but no wider than the
+/// window.
 void SizeColumns(HWND window, const ListView& list);
-/// Answers LVN_GETDISPINFO.
+/// Answers LVN_GETDISPINFO: writes the text of the wanted cell into the buffer of `wanted`.
 void GiveCell(const ListView& list, NMLVDISPINFOA& wanted);
 
 } // namespace ui
