@@ -1,4 +1,4 @@
-// Other servers by ODBC and the driver "SQL Server". Knows nothing of the language.
+// Reaches other servers through ODBC and its driver "SQL Server". Knows nothing of the T-SQL that uses them.
 #pragma once
 
 #include "devserver/linked/remote.h"

@@ -11,6 +11,7 @@
 namespace devsql {
 namespace {
 
+// databases.cpp makes the table devsql_servers. `sealed` is the encrypted password in hexadecimal digits.
 constexpr const char* kTables = R"(
 CREATE TABLE IF NOT EXISTS devsql_server_options(server INTEGER, name TEXT, value TEXT, PRIMARY KEY(server, name));
 CREATE TABLE IF NOT EXISTS devsql_server_logins(server INTEGER, local TEXT COLLATE TSQL, own INTEGER, remote TEXT,
@@ -39,6 +40,7 @@ LinkedServer ReadServer(SqliteConnection& connection, const SqliteStatement& row
     return server;
 }
 
+/// 64 hexadecimal digits that nobody can guess.
 std::string RandomHex() {
     constexpr int kNumbers = 8;
     std::random_device random;
@@ -168,7 +170,7 @@ std::string LinkedLogins::Key() {
         return key;
     }
     {
-        // The permissions are set before the key is written.
+        // An empty file first, so that its permissions are set before the key is in it.
         const std::ofstream empty(key_file_);
     }
     std::error_code error;
@@ -182,7 +184,7 @@ std::string LinkedLogins::Key() {
     return key;
 }
 
-/// Encrypts and decrypts: combines the text with a stream of bytes that follows from key and salt.
+/// Encrypts or decrypts: combines the text by XOR with a stream of bytes made from the key and the salt.
 std::string LinkedLogins::Apply(const std::string& salt, std::string text) {
     if (text.empty()) {
         return text;

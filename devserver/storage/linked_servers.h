@@ -23,19 +23,20 @@ struct LinkedServer {
     bool publisher = false;
     bool subscriber = false;
     bool distributor = false;
-    /// Lower case: "rpc out" "true", "connect timeout" "15", "catalog", "provider string", "location".
+    /// The values by the options' names, which are in lower case: "catalog", "location", "provider string",
+    /// "rpc out", "connect timeout" (in seconds). An option that is switched on has the value "true".
     std::map<std::string, std::string> options;
 
-    /// True where the option says "true".
+    /// True if the option is switched on.
     bool Is(const std::string& option) const;
-    /// Empty where the option isn't set.
+    /// The option's value; empty if it is not set.
     std::string Option(const std::string& option) const;
 };
 
 /// How a login of this server logs in at another one.
 struct LinkedLogin {
-    std::string local; ///< empty: every login without a row of its own
-    bool own = true;   ///< with the name and password that it has here
+    std::string local; ///< the login on this server; empty: every login without a row of its own
+    bool own = true;   ///< logs in with its own name and password; otherwise with those below
     std::string remote_user;
     std::string password;
 };
@@ -43,14 +44,15 @@ struct LinkedLogin {
 /// Makes the tables in master's file if they do not exist.
 void CreateServerList(SqliteConnection& connection);
 std::optional<LinkedServer> FindServer(SqliteConnection& connection, std::string_view name);
-/// By id.
+/// In the order of their ids.
 std::vector<LinkedServer> ListServers(SqliteConnection& connection);
-/// Adds the server if its id is -1.
+/// Replaces the server with that id and its options; adds the server if its id is -1.
 void SaveServer(SqliteConnection& connection, const LinkedServer& server);
-/// With its options and logins.
+/// Removes the server, its options and its logins.
 void RemoveServer(SqliteConnection& connection, int id);
 
-/// Keeps logins; `key_file` holds the key, and is made, readable by its owner alone, when it is first needed.
+/// Keeps the logins. `key_file` holds the key that encrypts the passwords. The file is made when it is first
+/// needed; only its owner can read it.
 class LinkedLogins {
   public:
     LinkedLogins(SqliteConnection& connection, std::filesystem::path key_file)
@@ -58,6 +60,7 @@ class LinkedLogins {
 
     /// The row of that login, otherwise the row for all logins.
     std::optional<LinkedLogin> Find(int server, std::string_view local);
+    /// The rows without their passwords.
     std::vector<LinkedLogin> List(int server);
     void Save(int server, const LinkedLogin& login);
     /// Returns false if there was no such row.

@@ -1,5 +1,5 @@
-// The publications of each database and their subscribers: tables of master's file. The procedures and views
-// of replication read them; no row is replicated.
+// The publications of each database and their subscriptions, in tables of master's file. Only the procedures
+// and views of replication use them; no data is replicated.
 #pragma once
 
 #include <optional>
@@ -13,28 +13,28 @@ namespace devsql {
 
 struct Publication {
     std::int64_t id = 0;
-    int database = 0;
+    int database = 0; ///< the id of the published database
     std::string name;
     std::string description;
-    bool snapshot = false; ///< of the frequency "snapshot", else "continuous"
+    bool snapshot = false; ///< the frequency is "snapshot", otherwise "continuous"
     bool active = false;
-    std::string snapshot_job; ///< of msdb; empty for none
+    std::string snapshot_job; ///< the name of the job in msdb; empty if there is no job
 };
 
 struct Article {
     std::int64_t id = 0;
     std::int64_t publication = 0;
     std::string name;
-    std::int64_t object = 0; ///< of the table in its database
-    std::string destination; ///< the table's name at the subscriber
+    std::int64_t object = 0; ///< the id of the published table or procedure in its database
+    std::string destination; ///< the object's name at the subscriber
 };
 
 struct Subscription {
     std::int64_t article = 0;
-    std::string server;
+    std::string server;   ///< the subscriber
     std::string database; ///< at the subscriber
-    bool push = true;
-    std::string job; ///< of msdb; empty for a pulled one
+    bool push = true;     ///< otherwise a pull subscription
+    std::string job;      ///< the name of the job in msdb; empty for a pull subscription
 };
 
 /// Makes the tables in master's file if they do not exist.
@@ -44,21 +44,21 @@ std::optional<Publication> FindPublication(SqliteConnection& connection, int dat
 std::vector<Publication> ListPublications(SqliteConnection& connection, int database);
 void AddPublication(SqliteConnection& connection, const Publication& publication);
 void SetSnapshotJob(SqliteConnection& connection, std::int64_t publication, std::string_view job);
-/// With its articles and their subscriptions.
+/// Removes the publication, its articles and their subscriptions.
 void RemovePublication(SqliteConnection& connection, std::int64_t id);
 
 std::vector<Article> ListArticles(SqliteConnection& connection, std::int64_t publication);
-/// Returns the id.
+/// Returns the id that the article gets.
 std::int64_t AddArticle(SqliteConnection& connection, const Article& article);
-/// With its subscriptions.
+/// Removes the article and its subscriptions.
 void RemoveArticle(SqliteConnection& connection, std::int64_t id);
 
 std::vector<Subscription> ListSubscriptions(SqliteConnection& connection, std::int64_t article);
 void AddSubscription(SqliteConnection& connection, const Subscription& subscription);
 void RemoveSubscription(SqliteConnection& connection, const Subscription& subscription);
-/// True if any database has a subscription of that server.
+/// True if that server subscribes to an article of any database.
 bool HasSubscriptions(SqliteConnection& connection, std::string_view server);
-/// True if a subscription has that job.
+/// True if any subscription has the job of that name.
 bool UsesJob(SqliteConnection& connection, std::string_view job);
 
 } // namespace devsql

@@ -83,6 +83,8 @@ TextTable ServerTest::Data(const std::string& table) {
 
 bool ServerTest::Call(const std::string& procedure, const std::vector<ado::Variant>& values) {
     EXPECT_TRUE(manager_.GetStoredProcedureParameters(kDatabase, procedure, parameters_)) << procedure;
+    // parameters_[0] is not used and [1] is the return value, so the first value belongs to [2]. Every value
+    // must have a parameter; a call without values may be of a procedure whose parameters are not known.
     EXPECT_LE(values.size() + 2, parameters_.size() + (values.empty() ? 1 : 0)) << procedure;
     for (std::size_t i = 0; i < values.size() && i + 2 < parameters_.size(); ++i) {
         parameters_[i + 2]->Value(values[i]);

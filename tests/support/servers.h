@@ -1,4 +1,4 @@
-// The development servers that with_servers.py has started for a test program, on every system.
+// Access to the two development servers that with_servers.py starts for a test program, on Linux and Windows.
 #pragma once
 
 #include <cstdint>
@@ -11,10 +11,10 @@
 
 namespace support {
 
-/// A variable that with_servers.py sets; throws std::logic_error if with_servers.py did not start the
-/// program.
+/// The value of an environment variable that with_servers.py sets. Throws std::logic_error if it is not set.
 std::string FromServers(const char* name);
 
+/// The servers' names as a connection string takes them.
 inline std::string ServerA() {
     return FromServers("KV_SERVER_A");
 }
@@ -22,13 +22,16 @@ inline std::string ServerB() {
     return FromServers("KV_SERVER_B");
 }
 
-/// A path in the folder that the program and the servers share, in the form of this system.
+/// The path of a file in the folder that the program and the servers share, with the separator of the system
+/// that the program runs on.
 std::string SharedPath(const std::string& name);
 
-/// A connection that is open on the database with the tests' login, with time-outs of ten seconds.
+/// Opens a connection to the database with the tests' login. Connecting and each statement may take ten
+/// seconds.
 ado::Connection Connect(const std::string& server, const std::string& database);
 
-/// The rows of the first result, columns separated by a blank, "-" for NULL.
+/// Runs the statement and returns the rows of its first result, one text for each row: the columns are
+/// separated by a blank, and NULL is "-".
 std::vector<std::string> Ask(const std::string& server, const std::string& database,
                              const std::string& statement);
 

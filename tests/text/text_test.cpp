@@ -13,6 +13,7 @@ TEST(Text, UpperAndLowerCaseFollowCodePage1252) {
     const std::string lower = "az\x9A\x9C\x9E\xFF\xE0\xE4\xF6\xF8\xFC\xFE";
     EXPECT_EQ(UpperCase(lower), upper);
     EXPECT_EQ(UpperCase(platform::Widen(lower)), platform::Widen(upper));
+    // Letters with an upper case that is not in the code page.
     EXPECT_EQ(UpperCase(u"\u0142\u00B5"), u"\u0142\u00B5");
     EXPECT_EQ(LowerCase(upper), lower);
     EXPECT_EQ(UpperCase(upper), upper);
@@ -25,7 +26,7 @@ TEST(Text, ACharacterWithoutAnotherCaseInTheCodePageStays) {
     EXPECT_EQ(LowerCase(others), others);
 }
 
-TEST(Text, ACharactersCaseIsThatOfItsByte) {
+TEST(Text, ACharacterChangesItsCaseAsItsByteDoes) {
     for (int i = 0; i < 256; ++i) {
         const char byte = static_cast<char>(i);
         const char32_t character = platform::WidenCharacter(byte);
@@ -38,7 +39,7 @@ TEST(Text, ACharactersCaseIsThatOfItsByte) {
     EXPECT_EQ(LowerCharacter(0x1F600), 0x1F600U);
 }
 
-TEST(Text, EveryUpperCaseLetterIsTheUpperCaseOfItsLowerCase) {
+TEST(Text, LowerCaseUndoesUpperCase) {
     int letters = 0;
     for (int i = 0; i < 256; ++i) {
         const std::string c(1, static_cast<char>(i));
@@ -47,7 +48,7 @@ TEST(Text, EveryUpperCaseLetterIsTheUpperCaseOfItsLowerCase) {
             EXPECT_EQ(LowerCase(UpperCase(c)), c) << i;
         }
     }
-    EXPECT_EQ(letters, 26 + 30 + 4);
+    EXPECT_EQ(letters, 26 + 30 + 4); // a to z; \xE0 to \xFE without \xF7; \x9A, \x9C, \x9E, \xFF
 }
 
 TEST(Text, SameIgnoringCaseComparesWholeTexts) {
@@ -58,7 +59,7 @@ TEST(Text, SameIgnoringCaseComparesWholeTexts) {
     EXPECT_FALSE(SameIgnoringCase("spx", "sp"));
 }
 
-TEST(Text, FindIgnoringCaseGivesTheFirstPlace) {
+TEST(Text, FindIgnoringCaseReturnsTheFirstMatch) {
     EXPECT_EQ(FindIgnoringCase("xx /Help /help", "/HELP"), 3U);
     EXPECT_EQ(FindIgnoringCase("xx /Help /help", "/HELP", 4), 9U);
     EXPECT_EQ(FindIgnoringCase("xx", "xxx"), std::string_view::npos);
@@ -67,7 +68,7 @@ TEST(Text, FindIgnoringCaseGivesTheFirstPlace) {
     EXPECT_EQ(FindIgnoringCase("M\xDCLLER", "m\xFCller"), 0U);
 }
 
-TEST(Text, TrimTakesBlanksOnly) {
+TEST(Text, TrimRemovesBlanksOnly) {
     EXPECT_EQ(Trim("  a b\t "), "a b\t");
     EXPECT_EQ(Trim("   "), "");
     EXPECT_EQ(Trim(""), "");

@@ -1,4 +1,5 @@
-// Winsock. Its calls are those of POSIX with other types, other names for errors, and a start of its own.
+// Sockets by Winsock. Its calls are those of POSIX, but have other types and error numbers, and Winsock must
+// be started first.
 #include "native_sockets.h"
 
 #include <array>
@@ -8,7 +9,7 @@ namespace devsql::system {
 namespace native {
 namespace {
 
-/// Once for the process; the system undoes it with its end.
+/// Starts Winsock once for the process. The system stops it when the process ends.
 void StartWinsock() {
     static const int result = [] {
         WSADATA data{};
@@ -29,7 +30,8 @@ SocketHandle Open(int kind) {
     StartWinsock();
     SocketHandle socket(static_cast<SocketHandle::Native>(::socket(AF_INET, kind, 0)));
     if (socket.valid()) {
-        // Without this another program could take the port as well; a port in TIME_WAIT is free here anyway.
+        // Without this another program could bind the same port. SO_REUSEADDR, which POSIX needs for a port
+        // in TIME_WAIT, is not needed here.
         SetOption(socket, SOL_SOCKET, SO_EXCLUSIVEADDRUSE);
     }
     return socket;
@@ -56,6 +58,7 @@ Readable WaitReadable(const SocketHandle& first, const SocketHandle* second,
         WSAPOLLFD{native::Of(first), POLLRDNORM, 0},
         WSAPOLLFD{second != nullptr ? native::Of(*second) : INVALID_SOCKET, POLLRDNORM, 0}};
     const ULONG count = second != nullptr ? 2 : 1;
+    // At most an hour, which fits an int; -1 waits for ever.
     const auto milliseconds =
         timeout ? static_cast<int>(std::clamp<std::int64_t>(timeout->count(), 0, 3'600'000)) : -1;
     const int ready = WSAPoll(entries.data(), count, milliseconds);

@@ -1,4 +1,5 @@
-// Constraints of tables: keys, foreign keys and their cascades, checks, unique indexes.
+// Constraints of tables: keys, foreign keys and their cascades, checks, unique indexes. transcript.h explains
+// how results and errors are written.
 #include "devserver/tests/tsql/test_database.h"
 
 namespace devsql::test {
@@ -86,7 +87,7 @@ batch_id
 )");
 }
 
-TEST_F(Constraint, AUniqueIndexTreatsTwoNullsAsEqual) {
+TEST_F(Constraint, AUniqueConstraintAllowsOneNullOnly) {
     EXPECT_EQ(Run("insert unit (id) values (2)\ninsert unit (id) values (3)"), R"(
 (1)
 Msg 2627.14.1 L2: Violation of UNIQUE KEY constraint 'uq_code'. Cannot insert duplicate key in object 'dbo.unit'. The duplicate key value is (<NULL>).
@@ -94,7 +95,7 @@ Msg 2627.14.1 L2: Violation of UNIQUE KEY constraint 'uq_code'. Cannot insert du
 )");
 }
 
-TEST_F(Constraint, AUniqueIndexIsNotAConstraint) {
+TEST_F(Constraint, AUniqueIndexHasAnotherErrorThanAConstraint) {
     EXPECT_EQ(Run(R"(
 create unique index ix_volume on unit (volume)
 insert unit values (2, 'b', 5))"),
@@ -108,7 +109,7 @@ TEST_F(Constraint, AForeignKeyWithNullRefersToNothing) {
     EXPECT_EQ(Run("insert batch values (11, null)"), "\n(1)\n");
 }
 
-TEST_F(Constraint, ARowMayReferToARowOfItsOwnStatement) {
+TEST_F(Constraint, ARowMayReferToARowThatTheSameStatementInserts) {
     EXPECT_EQ(Run(R"(
 create table tree (id int primary key, parent int null constraint fk_tree references tree (id))
 insert tree select 1, 2 union all select 2, null
@@ -122,7 +123,7 @@ Msg 547.16.0 L4: The DELETE statement conflicted with the SAME TABLE REFERENCE c
 )");
 }
 
-TEST_F(Constraint, NocheckLeavesOldRowsAndChecksNewOnes) {
+TEST_F(Constraint, NocheckSparesOldRowsAndSwitchesAConstraintOff) {
     EXPECT_EQ(Run(R"(
 alter table unit with nocheck add constraint ck_code check (code <> 'a')
 insert unit values (5, 'a2', 1)
@@ -173,7 +174,7 @@ TEST_F(Constraint, AForeignKeyNeedsAKeyToReferTo) {
     }
 }
 
-TEST_F(Constraint, AViolatedCheckNamesItsColumnWhereItHasOne) {
+TEST_F(Constraint, AViolatedCheckNamesItsColumnIfItUsesOnlyOne) {
     EXPECT_EQ(Run("alter table unit with nocheck add constraint ck_both check (volume > id and id < 9)\n"
                   "insert unit values (9, 'b', 20)"),
               "\nMsg 547.16.0 L2: The INSERT statement conflicted with the CHECK constraint \"ck_both\". The "
@@ -185,7 +186,7 @@ TEST_F(Constraint, AViolatedCheckNamesItsColumnWhereItHasOne) {
         "conflict occurred in database \"tempdb\", table \"dbo.unit\", column 'id'.\n");
 }
 
-TEST_F(Constraint, AColumnCanBeDroppedWhoseNameIsPartOfANameInACheck) {
+TEST_F(Constraint, DroppingAColumnLooksForItsWholeNameInChecks) {
     EXPECT_EQ(
         Run("alter table unit add vol int, lume int\nalter table unit drop column vol\n"
             "alter table unit drop column volume"),

@@ -1,8 +1,12 @@
-// Runs T-SQL in-process and writes the results as text that a person can read and compare:    id|name
-// the columns of a result set   1|abc              a row; NULL is NULL, a binary 0x…   (1)                how
-// many rows, where it is counted   Msg 208.16.1 L1: Invalid object name 'x'.        an error:
-// number.severity.state, line   Msg 50000.16.1 p L3: text                        … of a procedure   > text
-// what PRINT and the like say
+// Runs T-SQL in-process and writes the results as text that a person can read and compare. The lines are:
+// - "id|name": the names of a result set's columns.
+// - "1|abc": a row. NULL is written "NULL", a binary value in hexadecimal digits after "0x".
+// - "(1)": the number of rows, if the statement has one.
+// - "Msg 208.16.1 L1: Invalid object name 'x'.": an error with its number, severity, state and line.
+// - "Msg 50000.16.1 p L3: text": an error in the procedure p.
+// - "> text": a message that is not an error, such as that of PRINT.
+// - "@p = 1": an output parameter.
+// - "return 1": a procedure's status other than 0.
 #pragma once
 
 #include <filesystem>

@@ -19,7 +19,8 @@ namespace {
 }
 
 std::string MoneyText(const Decimal& value, const Type& type, int style) {
-    // 0 two digits, 1 with commas, 2 and 126 all four digits.
+    // Style 0 writes two digits after the point, 1 adds a comma before every three digits, 2 and 126 write
+    // all four digits after the point.
     if (style == 2 || style == 126) {
         return DecimalText(value);
     }
@@ -37,18 +38,19 @@ std::string MoneyText(const Decimal& value, const Type& type, int style) {
 }
 
 std::string FloatStyleText(double value, const Type& type, int style) {
-    constexpr int digits[] = {6, 8, 16, 17};
+    constexpr int digits_of_style[] = {6, 8, 16, 17}; // significant digits of the styles 0 to 3
     if (style < 0 || style > 3) {
         InvalidStyle(style, type);
     }
-    return FloatText(value, digits[style], style != 0);
+    return FloatText(value, digits_of_style[style], style != 0);
 }
 
 std::string BinaryText(std::string_view bytes, int style) {
     return style == 1 ? "0x" + HexText(bytes) : HexText(bytes);
 }
 
-/// What doesn't fit is an error of its own for each type, or the star of the small integers.
+/// For a value whose text is longer than the target type allows: raises the error that SQL Server has for the
+/// value's type. Returns "*", without an error, for an int, smallint, tinyint or bit as char or varchar.
 std::string Crowded(const Value& value, const Type& from, const Type& to) {
     const std::string_view target = TypeName(to.id);
     if (IsMoney(from.id)) {
@@ -78,7 +80,7 @@ std::string FloatText(double value, int digits, bool scientific) {
                                 : std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                                 std::chars_format::general, digits);
     std::string text(buffer.data(), end.ptr);
-    // An exponent has three digits.
+    // SQL Server writes an exponent with three digits; to_chars writes at least two.
     if (const std::size_t mark = text.find('e'); mark != std::string::npos) {
         const std::size_t first = mark + 2;
         text.insert(first, 3 - std::min<std::size_t>(3, text.size() - first), '0');
@@ -137,6 +139,7 @@ Value ToText(const Value& value, const Type& from, const Type& to, Style style) 
         return FitText(IsUnicode(to.id) ? FromUtf16Le(bytes->data) : FromCodePage1252(bytes->data), to);
     }
     std::string text = WriteText(value, from, style);
+    // These are cut to the target's length without an error.
     const bool may_be_cut = IsCharacter(from.id) || IsDateTime(from.id) || bytes != nullptr;
     const bool limited = HasLength(to.id) && to.length != kMaxLength;
     if (!may_be_cut && limited && TextLength(text) > static_cast<std::size_t>(to.length)) {

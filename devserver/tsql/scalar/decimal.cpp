@@ -1,4 +1,4 @@
-// Implements decimal.h with 256-bit products and division digit by digit.
+// Implements decimal.h: products have 256 bits, and a quotient is found digit by digit.
 #include "devserver/tsql/scalar/decimal.h"
 
 #include <algorithm>
@@ -65,7 +65,7 @@ struct Quotient {
     UInt128 remainder = 0;
 };
 
-/// Bit by bit; the divisor is below 2^127.
+/// Long division, bit by bit. The divisor must be below 2^127, so that the doubled remainder fits 128 bits.
 Quotient Divide(const UInt256& dividend, UInt128 divisor) {
     if (dividend.high == 0) {
         return {{0, dividend.low / divisor}, dividend.low % divisor};
@@ -94,11 +94,12 @@ std::optional<Decimal> MakeDecimal(const UInt256& magnitude, bool negative, int 
     return Decimal{WithSign(magnitude.low, negative), static_cast<std::uint8_t>(scale)};
 }
 
-/// magnitude / 10^digits.
+/// magnitude / 10^digits as a whole number, rounded or cut as `rounding` says.
 UInt256 DropDigits(const UInt256& magnitude, int digits, Rounding rounding) {
     UInt256 value = magnitude;
     for (int left = digits; left > 0;) {
-        // A dropped half is seen only in the last step, so the digits before it are cut.
+        // The first dropped digit decides about rounding up. It belongs to the last step, so the steps before
+        // it cut.
         const int step = std::min(left, kMaxDigits - 1);
         const auto divisor = static_cast<UInt128>(kPowers[static_cast<std::size_t>(step)]);
         const Quotient parts = Divide(value, divisor);
@@ -112,6 +113,7 @@ UInt256 DropDigits(const UInt256& magnitude, int digits, Rounding rounding) {
     return value;
 }
 
+/// |value| * 10^digits; nullopt if `digits` is above 38, unless the value is 0.
 std::optional<UInt256> Scaled(Int128 value, int digits) {
     if (digits > kMaxDigits) {
         return value == 0 ? std::optional<UInt256>(UInt256{}) : std::nullopt;
@@ -153,7 +155,8 @@ std::optional<Decimal> AddDecimals(const Decimal& a, const Decimal& b, int scale
     if (!x || !y) {
         return std::nullopt;
     }
-    // Two values below 10^38 stay within 127 bits only one at a time.
+    // With the same sign the sum may not fit an Int128, so the magnitudes are added: they fit 128 bits
+    // without a sign.
     const bool same_sign = (x->unscaled < 0) == (y->unscaled < 0);
     if (same_sign) {
         return MakeDecimal({0, Magnitude(x->unscaled) + Magnitude(y->unscaled)}, x->unscaled < 0, scale);
@@ -168,8 +171,8 @@ std::optional<Decimal> MultiplyDecimals(const Decimal& a, const Decimal& b, int 
     if (surplus >= 0) {
         return MakeDecimal(DropDigits(product, surplus, Rounding::HalfUp), negative, scale);
     }
-    const auto whole = MakeDecimal(product, negative, a.scale + b.scale);
-    return whole ? Rescale(*whole, scale) : std::nullopt;
+    const auto exact = MakeDecimal(product, negative, a.scale + b.scale);
+    return exact ? Rescale(*exact, scale) : std::nullopt;
 }
 
 std::optional<Decimal> DivideDecimals(const Decimal& a, const Decimal& b, int scale) {
@@ -177,8 +180,10 @@ std::optional<Decimal> DivideDecimals(const Decimal& a, const Decimal& b, int sc
     const UInt128 divisor = Magnitude(b.unscaled);
     UInt128 quotient = Magnitude(a.unscaled) / divisor;
     UInt256 remainder{0, Magnitude(a.unscaled) % divisor};
+    // How many digits the quotient of the unscaled numbers lacks; if negative, how many it has too many.
     int digits = scale + b.scale - a.scale;
     for (; digits > 0; --digits) {
+        // remainder * 10 = remainder * 2 + remainder * 8
         const UInt256 twice = ShiftLeft(remainder);
         const UInt256 eight = ShiftLeft(ShiftLeft(twice));
         remainder = {eight.high + twice.high, eight.low + twice.low};
@@ -191,7 +196,7 @@ std::optional<Decimal> DivideDecimals(const Decimal& a, const Decimal& b, int sc
         if (!InRange(quotient)) {
             return std::nullopt;
         }
-        // Below 10^38, so ten times as much may leave 128 bits.
+        // The quotient is below 10^38; ten times as much may need more than 128 bits.
         const UInt256 next = Multiply(quotient, 10);
         if (next.high != 0) {
             return std::nullopt;
@@ -209,7 +214,8 @@ std::optional<Decimal> DecimalRemainder(const Decimal& a, const Decimal& b, int 
         return std::nullopt;
     }
     if (!divisor) {
-        // A divisor with so many more whole digits than the dividend can hold: the dividend is left over.
+        // The divisor has too many digits for the common scale, so it is larger than the dividend, and the
+        // whole dividend is the remainder.
         return Rescale(a, scale);
     }
     const UInt128 rest = Divide(*dividend, Magnitude(divisor->unscaled)).remainder;
@@ -252,7 +258,7 @@ std::optional<Decimal> FromDouble(double value, int scale) {
     if (!std::isfinite(value)) {
         return std::nullopt;
     }
-    // d.dddddddddddddddde±xx: the 17 digits as a whole number, and where its point belongs.
+    // From "d.dddddddddddddddde±xx" this reads the 17 digits as a whole number, and where its point belongs.
     std::array<char, 40> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
                                    std::chars_format::scientific, 16);
@@ -268,6 +274,7 @@ std::optional<Decimal> FromDouble(double value, int scale) {
     const int point = 16 - exponent; // digits after the point
     UInt256 magnitude{0, static_cast<UInt128>(digits)};
     if (point > scale) {
+        // Far more digits are dropped than there are: 0.
         magnitude = point - scale > 2 * kMaxDigits ? UInt256{}
                                                    : DropDigits(magnitude, point - scale, Rounding::HalfUp);
     } else {

@@ -1,4 +1,5 @@
-// The parts of the function table, and what the functions share: reading arguments, common result types.
+// The function table is put together from these parts. They share the functions below, which read arguments
+// and compute results and their types.
 #pragma once
 
 #include <span>
@@ -21,16 +22,18 @@ std::span<const ScalarFunction> GeneralFunctions();
 
 // ------------------------------------------------------------------ arguments
 
-/// Any value as text: a text as it is, others as CAST writes them.
+/// The value as text: a text unchanged, any other value as CAST writes it.
 std::string TextOf(const Value& value, const Type& type);
-/// As CAST to int, with its errors.
+
+// Each converts as CAST to int, float or datetime does, with the same errors. The value must not be NULL.
+
 std::int64_t IntOf(const Value& value, const Type& type);
 double FloatOf(const Value& value, const Type& type);
-/// The datetime; a smalldatetime stays one.
 DateTime DateOf(const Value& value, const Type& type);
+
 bool AnyNull(Values values);
 
-// ------------------------------------------------------------------ result types
+// ------------------------------------------------------------------ results and their types
 
 /// Calls `Evaluate`, but returns NULL when an argument is NULL.
 template <Value (*Evaluate)(Values, Types)>
@@ -38,14 +41,15 @@ Value NullIfAnyNull(Values values, Types types) {
     return AnyNull(values) ? Value{} : Evaluate(values, types);
 }
 
+/// The result type of a function that has the same type for all arguments.
 template <TypeId Id, std::int32_t Length = 0>
 Type Always(Types) {
     return Sized(Id, Length);
 }
 
-/// varchar or nvarchar wide enough for any text of the type.
+/// The varchar or nvarchar that is wide enough for any value of the type as text.
 Type TextTypeOf(const Type& type);
-/// As TextTypeOf, but of the greatest length short of (max).
+/// As TextTypeOf, but varchar(8000) or nvarchar(4000) instead of a shorter type.
 Type WideTextTypeOf(const Type& type);
 
 } // namespace devsql

@@ -9,7 +9,8 @@ namespace devsql {
 
 namespace {
 
-/// The type of the first argument, even where the second is longer: ISNULL cuts its replacement.
+/// ISNULL has the type of its first argument, and cuts a replacement that is longer. Only if the first
+/// argument is the constant NULL, it has the type of the second.
 Type IsNullType(Types types) {
     if (!IsUntypedNull(types[0])) {
         RequireImplicit(IsUntypedNull(types[1]) ? types[0].id : types[1].id, types[0].id);
@@ -18,11 +19,13 @@ Type IsNullType(Types types) {
     return Settled(types[1]);
 }
 
+/// ISNULL.
 Value IsNullOr(Values values, Types types) {
     const std::size_t chosen = IsNull(values[0]) ? 1 : 0;
     return Convert(values[chosen], types[chosen], IsNullType(types));
 }
 
+/// Raises 4151 if the first argument is the constant NULL, which has no type.
 Type NullIfType(Types types) {
     if (IsUntypedNull(types[0])) {
         RaiseError(4151);
@@ -38,6 +41,7 @@ Value NullIf(Values values, Types types) {
     return CompareValues(values[0], types[0], values[1], types[1]) == 0 ? Value{} : values[0];
 }
 
+/// Raises 4127 if all arguments are the constant NULL.
 Type CoalesceType(Types types) {
     const Type type = CommonType(types);
     if (IsUntypedNull(type)) {
@@ -56,7 +60,8 @@ Value Coalesce(Values values, Types types) {
     return {};
 }
 
-/// The common type of the values that can be chosen: all arguments after the first.
+/// IIF and CHOOSE: the common type of the values that can be chosen, which are all arguments after the first.
+/// Raises 8133 if all of them are the constant NULL.
 Type ChosenType(Types types) {
     const Type type = CommonType(types.subspan(1));
     if (IsUntypedNull(type)) {
@@ -65,13 +70,14 @@ Type ChosenType(Types types) {
     return type;
 }
 
-/// The condition comes as a bit; unknown is false.
+/// IIF. The condition comes as a bit, or as NULL if it is unknown, which counts as false.
 Value IfThenElse(Values values, Types types) {
     const auto* condition = std::get_if<std::int64_t>(&values[0]);
     const std::size_t chosen = condition != nullptr && *condition != 0 ? 1 : 2;
     return Convert(values[chosen], types[chosen], ChosenType(types));
 }
 
+/// CHOOSE: values[0] is the index, counted from 1. NULL if there is no value with that index.
 Value Choose(Values values, Types types) {
     if (IsNull(values[0])) {
         return {};
@@ -84,7 +90,7 @@ Value Choose(Values values, Types types) {
     return Convert(values[chosen], types[chosen], ChosenType(types));
 }
 
-/// True for what converts to any of the number types, money with its currency signs included.
+/// 1 for a number, and for a text that can be converted to at least one numeric type ("1e5", "$12"); else 0.
 Value IsNumeric(Values values, Types types) {
     const auto* text = std::get_if<std::string>(&values[0]);
     if (text == nullptr) {
@@ -97,6 +103,7 @@ Value IsNumeric(Values values, Types types) {
 }
 
 constexpr ScalarFunction kFunctions[] = {
+    // The last value, takes_old_lobs, is true where text, ntext and image are allowed.
     {"ISNULL", 2, 2, IsNullType, IsNullOr, true},
     {"NULLIF", 2, 2, NullIfType, NullIf},
     {"COALESCE", 2, kAnyNumber, CoalesceType, Coalesce, true},

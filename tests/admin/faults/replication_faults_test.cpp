@@ -1,6 +1,5 @@
-// Switching replication, asking for it, and a synchronisation of servers that do not replicate, with a fault
-// at each statement. The databases' procedures are small ones of the test's own: what counts is which of them
-// ran.
+// Replication is installed, uninstalled and asked for, and two servers without replication are synchronised,
+// with a fault at each statement. The stored procedures are stubs: each one only records that it has run.
 #include <gtest/gtest.h>
 
 #include "admin/faults/fault_fixture.h"
@@ -10,11 +9,13 @@
 namespace kv {
 namespace {
 
+/// Finds out whether replication is installed: it is if msdb has a distribution job.
 constexpr char kAskForJob[] = "select [job_id] from msdb.dbo.sysjobs where category_id = (select category_id "
                               "From msdb.dbo.syscategories Where "
                               "(category_class = 1) AND ([name] = 'REPL-Distribution'))";
 
-/// A database of which a table says whether it is replicated, and another how often it was synchronised.
+/// An operation on a database with two tables: Replicated has a row while replication is installed, and
+/// Synchronised has a row for each synchronisation. The caller adds the call and its steps.
 FaultyOperation OnReplicatedDatabase(bool replicated) {
     FaultyOperation operation;
     operation.prepare = [replicated](FaultFixture& fixture) {
@@ -37,6 +38,8 @@ FaultyOperation OnReplicatedDatabase(bool replicated) {
     return operation;
 }
 
+/// A call of CSQLReplicationMgr that logs in and runs one statement, and changes nothing. A caller whose
+/// statement does change something sets the last step's state.
 template <class Operation>
 FaultyOperation Switch(bool replicated, Operation operation, const char* statement, const char* log_line) {
     FaultyOperation change = OnReplicatedDatabase(replicated);
@@ -50,7 +53,7 @@ FaultyOperation Switch(bool replicated, Operation operation, const char* stateme
     return change;
 }
 
-TEST(ReplicationFaults, OfTurningItOnLeaveItOnOrOff) {
+TEST(ReplicationFaults, AnInstallationIsDoneOrChangesNothing) {
     FaultyOperation install = Switch(
         false, [](CSQLReplicationMgr& manager) { return manager.InstallReplication("Batch"); },
         "exec spInstallReplication", "CSQLReplicationMgr::InstallReplication('Batch')");
@@ -58,7 +61,7 @@ TEST(ReplicationFaults, OfTurningItOnLeaveItOnOrOff) {
     TryEveryFault("InstallReplication", install);
 }
 
-TEST(ReplicationFaults, OfTurningItOffLeaveItOnOrOff) {
+TEST(ReplicationFaults, AnUninstallationIsDoneOrChangesNothing) {
     FaultyOperation uninstall = Switch(
         true, [](CSQLReplicationMgr& manager) { return manager.UninstallReplication("Batch"); },
         "exec spUninstallReplication", "CSQLReplicationMgr::UninstallReplication('Batch')");
@@ -66,7 +69,7 @@ TEST(ReplicationFaults, OfTurningItOffLeaveItOnOrOff) {
     TryEveryFault("UninstallReplication", uninstall);
 }
 
-TEST(ReplicationFaults, OfTheQuestionChangeNothing) {
+TEST(ReplicationFaults, AskingChangesNothing) {
     TryEveryFault("IsReplicationInstalled",
                   Switch(
                       true,
@@ -77,7 +80,7 @@ TEST(ReplicationFaults, OfTheQuestionChangeNothing) {
                       kAskForJob, "CSQLReplicationMgr::IsReplicationInstalled('Batch')"));
 }
 
-TEST(SynchronizeWithoutReplicationFaults, LeaveTheDatabasesSynchronisedOrNot) {
+TEST(SynchronizeWithoutReplicationFaults, ASynchronisationIsDoneOrChangesNothing) {
     FaultyOperation synchronize = OnReplicatedDatabase(false);
     synchronize.run = [](FaultFixture& fixture) {
         CSynchronizeDbMgr manager;

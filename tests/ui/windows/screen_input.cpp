@@ -15,7 +15,7 @@ struct Search {
 
 BOOL CALLBACK TakeIfWanted(HWND window, LPARAM wanted) {
     auto& search = *reinterpret_cast<Search*>(wanted);
-    // The text field of a combo box has an identifier of the system, which may equal the one that is wanted.
+    // The system gives the text field of a combo box an identifier, which may equal the one that is wanted.
     if (::GetDlgCtrlID(window) != search.id || ClassOf(::GetParent(window)) == "ComboBox") {
         return TRUE;
     }
@@ -32,16 +32,18 @@ INPUT KeyInput(WORD key, bool up) {
     return input;
 }
 
-/// A button with the place where it is pressed: the pointer's own place may be set back in between, by the
-/// display's late news of an earlier move, and the press would go where the one before it went (seen on
-/// Wine).
+/// Presses or releases a button at a point of the screen. The point is given although the pointer was moved
+/// there before: a late event of an earlier move may set the pointer back (seen on Wine), and the button
+/// would be pressed at the old point.
 INPUT MouseInput(POINT point, DWORD button) {
-    constexpr LONG kWhole = 65536; // the screen's width and height in the units of absolute places
-    const auto whole_part = [](LONG pixel, LONG pixels) { return (pixel * kWhole + kWhole / 2) / pixels; };
+    constexpr LONG kScreenUnits = 65536; // the screen's width and height in units of MOUSEEVENTF_ABSOLUTE
+    const auto middle_of = [](LONG pixel, LONG pixels) {
+        return (pixel * kScreenUnits + kScreenUnits / 2) / pixels;
+    };
     INPUT input{};
     input.type = INPUT_MOUSE;
-    input.mi.dx = whole_part(point.x, ::GetSystemMetrics(SM_CXSCREEN));
-    input.mi.dy = whole_part(point.y, ::GetSystemMetrics(SM_CYSCREEN));
+    input.mi.dx = middle_of(point.x, ::GetSystemMetrics(SM_CXSCREEN));
+    input.mi.dy = middle_of(point.y, ::GetSystemMetrics(SM_CYSCREEN));
     input.mi.dwFlags = button | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
     return input;
 }
@@ -134,7 +136,8 @@ std::string Text(HWND window) {
 
 std::string Caption(HWND window) {
     char text[512] = "";
-    ::GetWindowTextA(window, text, sizeof text); // for a window of another process the system keeps a copy
+    // Sends no message to a window of another process: the system returns its own copy of the text.
+    ::GetWindowTextA(window, text, sizeof text);
     return text;
 }
 
