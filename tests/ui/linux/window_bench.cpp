@@ -1,0 +1,153 @@
+// Three measurements, each compared with a simpler program in the same run:
+//  - the start of the console until its window is painted, against an empty window of Qt;
+//  - a list of 32,766 rows of ten columns, with the sizing of columns, against a table of Qt that is filled
+//  by
+//    a loop;
+//  - /help without a display, against the same program without the code that loads the module of windows.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <QTableWidget>
+
+#include "console/main_form_design.h"
+#include "platform/files.h"
+#include "platform/pending_events.h"
+#include "support/temp_folder.h"
+#include "ui/linux/measured_start.h"
+#include "ui/toolkit.h"
+
+namespace {
+
+constexpr int kRows = 32766;
+constexpr int kColumns = 10;
+constexpr int kFills = 5;
+constexpr int kStarts = 15;
+constexpr int kHelps = 60;
+
+double Milliseconds(const std::function<void()>& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// With the fastest: other work of the machine can only make a run slower.
+void Print(const char* what, std::vector<double> ours, const char* peer, std::vector<double> theirs) {
+    std::sort(ours.begin(), ours.end());
+    std::sort(theirs.begin(), theirs.end());
+    const double median = ours[ours.size() / 2];
+    const double their_median = theirs[theirs.size() / 2];
+    std::printf("%s: fastest %.1f ms, median %.1f; %s: %.1f and %.1f; ratio %.2f and %.2f\n", what,
+                ours.front(), median, peer, theirs.front(), their_median, ours.front() / theirs.front(),
+                median / their_median);
+}
+
+std::string Beside(const std::string& program) {
+    return platform::ExecutableFolder() + "/" + program;
+}
+
+void MeasureWindow() {
+    screen::MeasuredStart measured;
+    std::vector<double> ours;
+    std::vector<double> theirs;
+    for (int time = 0; time < kStarts; ++time) {
+        ours.push_back(measured.UntilPainted(Beside("KVLSQLDbMgr")));
+        theirs.push_back(measured.UntilPainted(Beside("bare_window")));
+    }
+    Print("start until the window is painted", ours, "an empty window of Qt", theirs);
+}
+
+std::string CellText(int row, int column) {
+    return "value " + std::to_string(row * kColumns + column);
+}
+
+void FillByModel(ui::ListView& list) {
+    list.ClearRows();
+    list.ClearColumns();
+    for (int column = 0; column < kColumns; ++column) {
+        list.AddColumn("Column" + std::to_string(column), "Column" + std::to_string(column));
+    }
+    for (int row = 0; row < kRows; ++row) {
+        list.AddRow("row_" + std::to_string(row + 1), CellText(row, 0));
+        for (int column = 1; column < kColumns; ++column) {
+            list.SetCell(row, column, CellText(row, column));
+        }
+    }
+    for (int column = 0; column < kColumns; ++column) {
+        list.AutoSizeColumn(column);
+    }
+    list.Refresh();
+    platform::RunPendingEvents();
+}
+
+void FillBare(QTableWidget& table) {
+    table.clear();
+    table.setRowCount(kRows);
+    table.setColumnCount(kColumns);
+    for (int row = 0; row < kRows; ++row) {
+        for (int column = 0; column < kColumns; ++column) {
+            auto item = std::make_unique<QTableWidgetItem>(QString::fromStdString(CellText(row, column)));
+            table.setItem(row, column, item.release()); // the table's now
+        }
+    }
+    table.resizeColumnsToContents();
+    table.repaint();
+    platform::RunPendingEvents();
+}
+
+void MeasureList() {
+    ui::Form form(kv::MainFormDesign());
+    const auto window = ui::MakeWindow(form);
+    if (!window) {
+        throw std::runtime_error("there is no screen");
+    }
+    form.Get<ui::TabControl>("tabMain").Tab(kv::kViewDataTab);
+    window->Show();
+    QTableWidget bare;
+    bare.resize(400, 380);
+    bare.show();
+    platform::RunPendingEvents();
+    std::vector<double> ours;
+    std::vector<double> theirs;
+    for (int time = 0; time < kFills; ++time) {
+        ours.push_back(Milliseconds([&] { FillByModel(form.Get<ui::ListView>("lvwViewData")); }));
+        theirs.push_back(Milliseconds([&] { FillBare(bare); }));
+    }
+    Print("32,766 rows of ten columns", ours, "a table of Qt", theirs);
+}
+
+/// Without a display /help writes to the terminal.
+void MeasureHelp() {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        ::unsetenv(name);
+    }
+    std::vector<double> ours;
+    std::vector<double> theirs;
+    for (int time = 0; time < kHelps; ++time) {
+        ours.push_back(screen::UntilEnd(Beside("KVLSQLDbMgr"), "/help"));
+        theirs.push_back(screen::UntilEnd(Beside("program_without_windows"), "/help"));
+    }
+    Print("/help", ours, "a build without windows", theirs);
+}
+
+} // namespace
+
+int main() {
+    try {
+        const support::TempFolder settings; // not what the person who runs this has entered in the console
+        ::setenv("XDG_CONFIG_HOME", settings.Path().c_str(), 1);
+        MeasureWindow(); // before this program has windows of its own
+        MeasureList();
+        MeasureHelp();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "window_bench: %s\n", error.what());
+        return 1;
+    }
+    return 0;
+}
