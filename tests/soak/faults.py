@@ -1,10 +1,10 @@
-# Every operation with every fault at each of its statements: the suites of faults count what they try and compare state
-# and log with what is laid down; this runs them and adds up their counts.
+# Every operation with every fault at each of its statements. The suites print the number of faults that they tried, and
+# compare the state and the log with the expected ones; this runs them and adds up the numbers.
 import os
 import re
 import subprocess
 
-SUITES = {"admin_faults_test": "*", "unattended_test": "AutomaticUpgrade*"}
+SUITES = {"admin_faults_test": "*", "unattended_test": "AutomaticUpgradeAbort*"}
 SHORT = {"admin_faults_test": "RemoveDatabaseFaults.*"}
 FAULTS = 1000
 LONGEST = 3600

@@ -207,6 +207,7 @@ const char* NameOf(Fault fault) {
                                    "reset after",
                                    "kill of the program before",
                                    "kill of the program after",
+                                   "kill of the program under its query tool",
                                    "no right",
                                    "full disk"};
     return kNames.at(static_cast<std::size_t>(fault));
@@ -284,6 +285,9 @@ class FaultProxy::Link {
             return client_.socket.Send(Refusal(std::exchange(fault_, Fault::None), KindOf(message)));
         case Fault::HangBefore:
             return true;
+        case Fault::KillStarter:
+            InjectFault();
+            return server_.socket.Send(message);
         case Fault::Slow:
             std::this_thread::sleep_for(kSlow);
             [[fallthrough]];
@@ -304,7 +308,8 @@ class FaultProxy::Link {
     void InjectFault() {
         if (fault_ == Fault::KillBefore || fault_ == Fault::KillAfter) {
             proxy_.kill_server_();
-        } else if (fault_ == Fault::KillProgramBefore || fault_ == Fault::KillProgramAfter) {
+        } else if (fault_ == Fault::KillProgramBefore || fault_ == Fault::KillProgramAfter ||
+                   fault_ == Fault::KillStarter) {
             proxy_.kill_program_();
         } else if (fault_ == Fault::ResetBefore || fault_ == Fault::ResetAfter) {
             client_.socket.ResetWhenClosed();

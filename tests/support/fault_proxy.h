@@ -27,8 +27,9 @@ enum class Fault : std::uint8_t {
     KillAfter,
     ResetBefore, ///< both connections are reset
     ResetAfter,
-    KillProgramBefore, ///< the program is killed
+    KillProgramBefore, ///< the process that sent the message is killed
     KillProgramAfter,
+    KillStarter, ///< the process that started the sender is killed; the message is passed on
     RefuseRight, ///< answered in the server's place: the login lacks the right
     RefuseRoom,  ///< the same: the server's disk is full
 };
@@ -47,8 +48,8 @@ class FaultProxy {
     ~FaultProxy();
 
     int Port() const { return port_; }
-    /// Ends the program's process at once, for the faults that kill it; called from a thread of the proxy. To
-    /// be set before the program connects.
+    /// `kill_program` ends a process of the program at once, for the faults that kill one; it is called from
+    /// a thread of the proxy. To be set before the program connects.
     void KillProgramBy(std::function<void()> kill_program) { kill_program_ = std::move(kill_program); }
     /// Injects the fault at the event with this number, counted from 0. To be called before that event.
     void Arm(std::size_t event, Fault fault) { Arm(event, event, fault); }
