@@ -1,5 +1,5 @@
-# The console in its real window, opened and worked at over and over in one process, on each toolkit: Qt without a screen,
-# and Windows' own under Wine.
+# Opens the console's real window and uses it, many times in one process, with each toolkit: Qt without a screen, and
+# Windows' own controls under Wine.
 import os
 import re
 import select
@@ -11,8 +11,9 @@ from test_machine import PASSWORD, RUNNER, TOP, USER, DevServer, Machine
 
 OPENS, SHORT_OPENS = 600, 2
 ACTS = 10000  # opens and commands, on each toolkit
-LONGEST_OPEN = 300  # seconds; others may have the screen when the first one is wanted
-# Memory may grow by what the allocator keeps: a leak of one window is more than this within a run.
+LONGEST_OPEN = 300  # seconds
+LONGEST_START = 1800  # seconds until the first open: Wine's prefix may have to be made, or another test has the screen
+# The allocator keeps some memory. The leak of one window would be more than this within a run.
 ALLOWED = {"memory in KB": (4096, 0.1)}
 
 PROBE = ["CREATE DATABASE Probe", "USE Probe", "CREATE TABLE Few (Number int)", "CREATE TABLE Many (Number int, Word varchar(20))",
@@ -21,7 +22,7 @@ PROBE = ["CREATE DATABASE Probe", "USE Probe", "CREATE TABLE Few (Number int)", 
          "CREATE PROCEDURE spProbe AS SELECT 42"]
 
 
-# Without these the Replication tab cannot be used, and each look at it is logged.
+# Without these keys the Replication tab cannot be used, and each opening of it is logged.
 REPLICATION_KEYS = ("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper\\CustomFunctions]\n"
                     '"SqlServerInstalled"="TRUE"\n"UseTransactionalReplication"="FALSE"\n')
 
@@ -36,7 +37,7 @@ def prepare(server, machine):
 
 
 def start(machine, program, settings_file):
-    """The program at the head of a group of processes, and what it prints."""
+    """Starts the program as the leader of a group of processes, with a pipe for its output."""
     if machine.wine:
         more = os.path.join(machine.folder, "more.reg")
         with open(more, "w", encoding="ascii") as file:
@@ -50,7 +51,7 @@ def start(machine, program, settings_file):
         with open(machine.environment["KVLSQLDBMGR_REGISTRY"], "a", encoding="ascii") as file:
             file.write(REPLICATION_KEYS)
         words = [program, settings_file]
-        # The toolkit's own libraries keep things to the end of the process.
+        # The toolkit's libraries do not free all memory at the end of the process.
         environment = dict(machine.environment, QT_QPA_PLATFORM="offscreen",
                            LSAN_OPTIONS=f"suppressions={TOP}/tests/leaks_of_others.txt:print_suppressions=0")
     return subprocess.Popen(words, env=environment, cwd=machine.install, stdin=subprocess.DEVNULL,
@@ -58,18 +59,20 @@ def start(machine, program, settings_file):
 
 
 def lines(process):
-    """What the program prints, line by line; raises when nothing comes for too long."""
+    """The lines that the program prints. Raises if none comes for too long."""
+    longest = LONGEST_START
     while True:
-        if not select.select([process.stdout], [], [], LONGEST_OPEN)[0]:
-            raise RuntimeError(f"nothing has happened for {LONGEST_OPEN} s")
+        if not select.select([process.stdout], [], [], longest)[0]:
+            raise RuntimeError(f"nothing has happened for {longest} s")
         line = process.stdout.readline()
         if not line:
             return
         yield line.rstrip("\r\n")
+        longest = LONGEST_OPEN
 
 
 def watch(part, toolkit, process, machine):
-    """Follows a run to its end; gives how many opens and commands there were."""
+    """Counts the opens and commands of a run and records its figures, to its end."""
     series = {}
     log = part.measure(f"{toolkit}: lines of the log", "lines", 0)
     acts = 0

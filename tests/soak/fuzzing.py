@@ -1,22 +1,37 @@
-# Fuzzing of everything that takes foreign input apart. The short round goes over the kept inputs alone, which the tests of
-# the harnesses do as well; the long one runs each harness under libFuzzer.
+# Fuzzing of every reader of foreign input. The short round runs the harnesses over their kept inputs only, as their tests
+# do; the long one runs each harness under libFuzzer, several at a time.
 import os
 import re
 import subprocess
+import time
+
+from console_automation import end_group
 
 HARNESSES = ("command_line", "templates", "reg_file", "user_settings", "package_file", "script", "switches", "odbc_rows",
              "server_messages")
 SECONDS = 600  # of each harness
 KEPT_INPUTS_TAKE = 120
+REDUCING_TAKES = 1800  # seconds after a run, in which tools/fuzz reduces the inputs to the ones to keep
 
 
 def run(part, settings):
     part.want("harnesses run for 10 minutes", len(HARNESSES))
-    for harness in HARNESSES:
-        if settings.short:
+    if settings.short:
+        for harness in HARNESSES:
             over_kept_inputs(part, settings, harness)
-        else:
-            under_libfuzzer(part, settings, harness)
+        return
+    waiting, running = list(HARNESSES), []
+    try:
+        while waiting or running:
+            while waiting and len(running) < settings.jobs:
+                running.append(UnderLibfuzzer(part, settings, waiting.pop(0)))
+            for one in [one for one in running if one.has_ended()]:
+                running.remove(one)
+                one.count()
+            time.sleep(1)
+    finally:
+        for one in running:
+            one.stop()
 
 
 def over_kept_inputs(part, settings, harness):
@@ -29,16 +44,43 @@ def over_kept_inputs(part, settings, harness):
     part.count("kept inputs", int(match.group(1)) if match else 0)
 
 
-def under_libfuzzer(part, settings, harness):
-    seconds = settings.seconds or SECONDS
-    log = os.path.join(settings.sources, "build", "fuzz", harness + ".log")
-    done = subprocess.run([os.path.join(settings.sources, "tools", "fuzz"), "--keep", str(seconds), harness],
-                          stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace",
-                          timeout=seconds + 3600)
-    if not part.check(done.returncode == 0, f"{harness}: {done.stdout[-500:]}{done.stderr[-2000:]}"):
-        return
-    with open(log, encoding="utf-8", errors="replace") as file:
-        units = re.findall(r"number_of_executed_units: (\d+)", file.read())
-    part.count(f"harnesses run for {seconds // 60} minutes" if seconds >= 60 else f"harnesses run for {seconds} s")
-    part.count("inputs tried", int(units[0]) if units else 0)
-    part.say(f"{harness}: {int(units[0]) if units else 0:,} inputs tried in {seconds} s")
+class UnderLibfuzzer:
+    """A harness that runs under libFuzzer."""
+
+    def __init__(self, part, settings, harness):
+        self.part, self.harness = part, harness
+        self.seconds = settings.seconds or SECONDS
+        self.folder = os.path.join(settings.sources, "build", "fuzz")
+        os.makedirs(self.folder, exist_ok=True)
+        with open(self.path(".out"), "w", encoding="utf-8") as output:
+            self.process = subprocess.Popen(
+                [os.path.join(settings.sources, "tools", "fuzz"), "--keep", str(self.seconds), harness],
+                stdin=subprocess.DEVNULL, stdout=output, stderr=output, start_new_session=True)
+        self.end = time.monotonic() + self.seconds + REDUCING_TAKES
+
+    def path(self, extension):
+        return os.path.join(self.folder, self.harness + extension)
+
+    def has_ended(self):
+        if self.process.poll() is None and time.monotonic() > self.end:
+            self.part.fail(f"{self.harness} has not ended {REDUCING_TAKES} s after its time")
+            self.stop()
+        return self.process.poll() is not None
+
+    def stop(self):
+        end_group(self.process)
+
+    def count(self):
+        """What the run has done, after its end."""
+        with open(self.path(".out"), encoding="utf-8", errors="replace") as file:
+            output = file.read()
+        if not self.part.check(self.process.returncode == 0, f"{self.harness}: {output[-2500:]}"):
+            return
+        with open(self.path(".log"), encoding="utf-8", errors="replace") as file:
+            units = re.findall(r"number_of_executed_units: (\d+)", file.read())
+        tried = int(units[0]) if units else 0
+        minutes, seconds = divmod(self.seconds, 60)
+        self.part.count(f"harnesses run for {minutes} minutes" if seconds == 0 else f"harnesses run for {self.seconds} s")
+        self.part.count("inputs tried", tried)
+        self.part.check(tried > 0, f"{self.harness}: its log has no number of inputs")
+        self.part.say(f"{self.harness}: {tried:,} inputs tried in {self.seconds} s")

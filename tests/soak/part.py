@@ -1,19 +1,17 @@
-# What the parts of the soak have in common: counting, progress, failures, and figures that may not grow.
-import json
-import os
+# What all parts of the soak use: counts, progress, failures, and figures that may not grow.
 import statistics
 import time
 
 PROGRESS_SECONDS = 15
 FAILURES_SHOWN = 20
-FEWEST_VALUES = 20  # fewer say nothing about growth
+FEWEST_VALUES = 20  # with fewer values, growth is not checked
 
 
 class Series:
-    """A figure that is taken over and over, and may not grow. The first tenth is the warm-up and does not count."""
+    """A figure that is measured again and again and may not grow. The first tenth is the warm-up and is left out."""
 
     def __init__(self, name, unit, allowed, allowed_share=0.0):
-        """`allowed`, and the share of the first figure, is how much the last quarter may lie above the first one."""
+        """The last quarter may be larger than the first one by `allowed` plus `allowed_share` of the first."""
         self.name, self.unit, self.allowed, self.allowed_share = name, unit, allowed, allowed_share
         self.values = []
 
@@ -30,7 +28,7 @@ class Series:
 
 
 class Part:
-    """One part of the soak while it runs: what was done, and what went wrong."""
+    """A part of the soak while it runs: its counts, figures and failures."""
 
     def __init__(self, name, is_short):
         self.name, self.is_short = name, is_short
@@ -39,7 +37,7 @@ class Part:
         self.counts, self.wanted, self.failures, self.series = {}, {}, [], []
 
     def want(self, what, count):
-        """What a full run does at least; a run that does less is reported as one that did not run in full."""
+        """Sets the least count of a full run. The report says so if a run has less."""
         self.wanted[what] = count
         self.counts.setdefault(what, 0)
 
@@ -65,7 +63,7 @@ class Part:
         print(f"[{seconds // 60:3d}:{seconds % 60:02d}] {self.name}: {text}", flush=True)
 
     def progress(self, text=None):
-        """Says how far the part is, a few times a minute."""
+        """Prints the counts, a few times a minute."""
         if time.monotonic() - self.shown >= PROGRESS_SECONDS:
             self.shown = time.monotonic()
             self.say(text or ", ".join(f"{count:,} {what}" for what, count in self.counts.items()))
@@ -79,8 +77,3 @@ class Part:
                 "failures": self.failures, "stopped": self.stopped, "series": series, "seconds": round(time.monotonic() - self.begun),
                 "date": time.strftime("%Y-%m-%d")}
 
-
-def keep(result, folder):
-    os.makedirs(folder, exist_ok=True)
-    with open(os.path.join(folder, result["part"] + ".json"), "w", encoding="utf-8") as file:
-        json.dump(result, file, indent=1)

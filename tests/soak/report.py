@@ -1,6 +1,4 @@
-# The table at the end of a soak, and docs/reliability.md out of what the last runs of the parts have left.
-import glob
-import json
+# The table at the end of a soak, and docs/reliability.md, which has a section for each part.
 import os
 import platform
 
@@ -35,23 +33,23 @@ def machine():
 
 TITLES = {
     "installs": ("Installations and upgrades",
-                 "One pair of servers, the program's own command line. After each run the versions, the batches, the packages "
-                 "and the log are compared with what is laid down, and the figures below are taken."),
+                 "One pair of servers; the program is run by its command line. After each run the versions, the batches, the "
+                 "packages and the log are compared with the expected ones, and the figures below are measured."),
     "console": ("The console, with Qt",
-                "The window of the real toolkit, opened, worked through tab by tab against a server, and closed, all in one "
-                "process."),
+                "The real window is opened, used tab by tab with a server, and closed, all in one process."),
     "console-windows": ("The console, with Windows' own controls",
                         "The same under Wine, on a virtual screen."),
     "faults": ("Faults",
-               "Each operation with each fault at each of its statements; the state of the server, the files and the log are "
-               "compared with what is laid down."),
+               "Every operation with every fault at each of its statements: the connection is cut or reset, the server does "
+               "not answer in time, the server, the program or its query tool is killed, the disk is full, a right is "
+               "missing. The state of the server, the files and the log are compared with the expected ones."),
     "kills": ("Kills of the development server",
-              "Four clients write, one row or one transaction at a time; the server is killed at some moment and started "
-              "again. A row is lost when its insert was answered and it is not there."),
+              "Four clients write, one row or one transaction at a time. The server is killed at a random moment and "
+              "started again. A row is lost if its insert was answered and it is missing."),
     "fuzz": ("Fuzzing", "The readers of foreign input, under libFuzzer with the address and undefined-behaviour sanitizers."),
     "secrets": ("Passwords",
-                "Runs that work and runs that fail; the texts are those of the terminal, the log and the console, the files "
-                "are made under a mask that closes nothing."),
+                "Runs that succeed and runs that fail. The texts are those of the terminal and the log; the files are created "
+                "with a file mode mask of 0."),
 }
 
 
@@ -70,14 +68,13 @@ def is_full(result):
     return all(result["counts"].get(what, 0) >= count for what, count in result["wanted"].items())
 
 
-def section(name, result):
+def section(result):
+    name = result["part"]
     title, text = TITLES[name]
-    lines = [f"## {title}", "", text, ""]
-    if result is None:
-        return "\n".join(lines + [f"Not run yet: `./soak {name}`.", ""])
     failures = len(result["failures"])
-    lines += [f"`./soak {name}`, {result['date']}, {result['seconds'] // 60} minutes: "
-              f"{'no failure' if failures == 0 else f'**{failures} failures**'}.", ""]
+    lines = [f"## {title}", "", text, "",
+             f"`./soak {name}`, {result['date']}, {result['seconds'] // 60} minutes: "
+             f"{'no failure' if failures == 0 else f'**{failures} failures**'}. Machine: {machine()}.", ""]
     lines += [f"- {count:,} {what}" for what, count in result["counts"].items()]
     if not is_full(result):
         wanted = ", ".join(f"{count:,} {what}" for what, count in result["wanted"].items()
@@ -88,17 +85,27 @@ def section(name, result):
     return "\n".join(lines) + "\n" + figures(result)
 
 
-def write(results_folder, path):
-    results = {}
-    for file in glob.glob(os.path.join(results_folder, "*.json")):
-        with open(file, encoding="utf-8") as content:
-            result = json.load(content)
-        results[result["part"]] = result
-    text = ("# Reliability\n\n"
-            "The last long run of each part of `./soak`, written by `./soak --report`. The figures of memory, files and "
-            "handles are medians of the first and of the last quarter of a run, its first tenth left out; a part fails when "
-            "the last lies above the first by more than its measure allows.\n\n"
-            f"Machine: {machine()}.\n\n")
-    text += "\n".join(section(name, results.get(name)) for name in TITLES)
+HEAD = """# Reliability
+
+The last long run of each part of `./soak`. `./soak --report PART` writes the section of that part and leaves the others
+as they are. The figures of memory, files and handles are medians of the first and of the last quarter of a run; its
+first tenth is left out. A part fails if the last median is larger than the first one by more than the figure's limit.
+
+"""
+
+
+def sections_of(text):
+    """The sections of the page by title, each with its heading."""
+    pieces = ("\n" + text).split("\n## ")[1:]
+    return {piece.split("\n", 1)[0]: "## " + piece.rstrip("\n") + "\n" for piece in pieces}
+
+
+def write(result, path):
+    """Replaces the section of the part that has run."""
+    sections = {}
+    if os.path.exists(path):
+        with open(path, encoding="utf-8") as file:
+            sections = sections_of(file.read())
+    sections[TITLES[result["part"]][0]] = section(result)
     with open(path, "w", encoding="utf-8") as file:
-        file.write(text)
+        file.write(HEAD + "\n".join(sections[title] for title, _ in TITLES.values() if title in sections))

@@ -1,8 +1,8 @@
-# The soak: long runs of the whole system, which count what they did and fail when anything failed or grew.
+# The soak: long runs of the whole system. They count what they do, and fail if anything fails or grows.
 #
-#   soak.py [--short] [--report] [--seconds N] --bin FOLDER [--windows FOLDER] [--faults FOLDER] [PART …]
+#   soak.py [--short] [--report] [--seconds N] [--jobs N] --bin FOLDER [--windows FOLDER] [--faults FOLDER] [PART …]
 #
-# ./soak builds what this needs and calls it; ./check runs the short round on the sanitized tree.
+# ./soak builds the programs and calls this; ./check runs the short round on the sanitized tree.
 import argparse
 import contextlib
 import importlib
@@ -21,12 +21,12 @@ import part as soak_part  # noqa: E402
 import report  # noqa: E402
 
 PARTS = ("installs", "console", "console-windows", "faults", "kills", "fuzz", "secrets")
-UNDER_WINE = ("console-windows",)  # no part of the short round
-MODULES = {"console-windows": "console", "fuzz": "fuzzing", "secrets": "secrecy"}  # the others are called as their part
+UNDER_WINE = ("console-windows",)  # not in the short round
+MODULES = {"console-windows": "console", "fuzz": "fuzzing", "secrets": "secrecy"}  # the others have the part's name
 
 
 class Stopped(Exception):
-    """Somebody ends the soak: what was done until then is reported, and no server and no folder is left."""
+    """The soak was told to end. What it did is reported, and no server and no folder is left."""
 
 
 def stop(*_):
@@ -34,11 +34,11 @@ def stop(*_):
 
 
 class Settings:
-    """What the parts are told: where the programs are, and how long the run is."""
+    """Where the programs are, and how long the run is."""
 
     def __init__(self, arguments):
         self.short = arguments.short
-        self.seconds = arguments.seconds
+        self.seconds, self.jobs = arguments.seconds, arguments.jobs or os.cpu_count() or 1
         self.binaries, self.windows, self.fault_binaries = (path and os.path.abspath(path) for path in (
             arguments.bin, arguments.windows, arguments.faults or arguments.bin))
         self.dev_server = os.path.join(self.binaries, "devsqlserver")
@@ -46,7 +46,7 @@ class Settings:
 
     @contextlib.contextmanager
     def folder(self):
-        """A folder of the part's own, and in it the temporary folder of all that it starts."""
+        """A folder for the part. The programs that it starts have their temporary folder in it."""
         path = tempfile.mkdtemp(prefix="kv-soak-")
         before = os.environ.get("TMPDIR")
         os.environ["TMPDIR"] = os.path.join(path, "tmp")
@@ -60,7 +60,7 @@ class Settings:
             shutil.rmtree(path, ignore_errors=True)
 
 
-def run_part(name, settings, results):
+def run_part(name, settings):
     part = soak_part.Part(name, settings.short)
     part.say("begins")
     try:
@@ -71,8 +71,6 @@ def run_part(name, settings, results):
     except (RuntimeError, OSError, AssertionError, subprocess.SubprocessError) as error:
         part.fail(f"{type(error).__name__}: {error}")
     result = part.result()
-    if not settings.short:
-        soak_part.keep(result, results)
     part.say("FAILED" if result["failures"] else "done")
     return result
 
@@ -84,9 +82,9 @@ def main():
     parser.add_argument("--report", action="store_true")
     parser.add_argument("--bin", required=True)
     parser.add_argument("--windows")
-    parser.add_argument("--faults", help="the tree's programs with the suites of faults, where it is another")
-    parser.add_argument("--seconds", type=int, help="of each fuzzing harness")
-    parser.add_argument("--results", default=os.path.join(TOP, "build", "soak"))
+    parser.add_argument("--faults", help="the folder of the fault suites, if it is another")
+    parser.add_argument("--seconds", type=int, help="time of each fuzzing harness")
+    parser.add_argument("--jobs", type=int, help="fuzzing harnesses at a time")
     parser.add_argument("parts", nargs="*", metavar="PART")
     arguments = parser.parse_args()
     unknown = [name for name in arguments.parts if name not in PARTS]
@@ -94,16 +92,18 @@ def main():
         parser.error(f"no such part: {unknown[0]}; there are {', '.join(PARTS)}")
     if not arguments.windows and any(name in UNDER_WINE for name in arguments.parts):
         parser.error("--windows is needed for what runs under Wine")
+    if arguments.short and arguments.report:
+        parser.error("a short round is not reported")
     settings = Settings(arguments)
     results = []
     wanted = arguments.parts or [name for name in PARTS if not (arguments.short and name in UNDER_WINE)]
     for name in wanted:
-        results.append(run_part(name, settings, arguments.results))
+        results.append(run_part(name, settings))
+        if arguments.report:
+            report.write(results[-1], os.path.join(TOP, "docs", "reliability.md"))
         if results[-1]["stopped"]:
             break
     report.show(results)
-    if arguments.report:
-        report.write(arguments.results, os.path.join(TOP, "docs", "reliability.md"))
     return 1 if any(result["failures"] or result["stopped"] for result in results) else 0
 
 
