@@ -1,6 +1,6 @@
-// libFuzzer's entry into the program's command line: the input is used as one raw line, and as arguments,
-// separated by NUL, that are joined to a line. An argument's value must be part of the line, the decision
-// must be complete, and nothing may be thrown.
+// Fuzzes the program's command line. The input is used twice: as one raw line, and as arguments, separated by
+// NUL, that are joined to a line. An argument's value must be part of the line, the decision must be
+// complete, and nothing may be thrown.
 #include "fakes/fake_files.h"
 #include "fuzz/input.h"
 #include "main/command_argument.h"

@@ -1,5 +1,5 @@
-// Runs a fuzzing harness over the files of folders, as an ordinary test: what once was found stays mended.
-// usage: PROGRAM FOLDER… ; an empty folder is an error.
+// Runs a fuzzing harness over the saved inputs of a folder, as an ordinary test, so that a repaired defect
+// does not return. Usage: PROGRAM FOLDER… It is an error if the folders have no files.
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
         for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
             std::ifstream file(entry.path(), std::ios::binary);
             const std::string text{std::istreambuf_iterator<char>(file), {}};
-            std::cout << entry.path().filename().string() << std::endl; // told before it may crash
+            std::cout << entry.path().filename().string() << std::endl; // printed before a possible crash
             LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
             ++inputs;
         }

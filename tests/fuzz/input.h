@@ -1,5 +1,5 @@
-// What the harnesses have in common: pieces of an input, and a claim that stops the fuzzer when it does not
-// hold.
+// Functions that the harnesses share: they divide an input into pieces, and stop the fuzzer if a condition is
+// not met.
 #pragma once
 
 #include <algorithm>
@@ -13,14 +13,14 @@
 
 namespace fuzz {
 
-inline void Require(bool holds, const char* claim) {
+inline void Require(bool holds, const char* condition) {
     if (!holds) {
-        std::fprintf(stderr, "does not hold: %s\n", claim);
+        std::fprintf(stderr, "not met: %s\n", condition);
         std::abort();
     }
 }
 
-/// The parts of a text between separators; one more than there are separators.
+/// The parts of a text between separators: always one more than there are separators.
 inline std::vector<std::string> Split(std::string_view text, char separator) {
     std::vector<std::string> parts;
     for (std::size_t begin = 0; begin <= text.size();) {
@@ -31,7 +31,7 @@ inline std::vector<std::string> Split(std::string_view text, char separator) {
     return parts;
 }
 
-/// Takes an input apart from its beginning. At its end everything is 0 and empty.
+/// Reads an input from its beginning. After its end every number is 0 and every text is empty.
 class Input {
   public:
     Input(const std::uint8_t* bytes, std::size_t size) : rest_(reinterpret_cast<const char*>(bytes), size) {}

@@ -1,5 +1,6 @@
-// libFuzzer's entry into rows: what a driver could give as results, of any shape and content, read by the
-// manager of tables. It ends in rows or in a failure that it reports; no handle and no connection stays open.
+// Fuzzes the reading of rows. The input describes results of any shape and content, as a driver could return
+// them; the manager for viewing data reads them. Each read must return rows or report a failure, and no
+// handle and no connection may stay open.
 #include "base/registry_locations.h"
 #include "fakes/fake_clock.h"
 #include "fakes/fake_files.h"

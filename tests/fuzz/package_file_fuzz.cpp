@@ -1,5 +1,5 @@
-// libFuzzer's entry into a package file. Only PackageError may come out, and a package that is taken is as it
-// is laid down.
+// Fuzzes the reading of a package file. Only PackageError may be thrown, and a package that is accepted must
+// keep to the limits.
 #include "fuzz/input.h"
 #include "packages/package_file.h"
 #include "packages/packages.h"

@@ -1,5 +1,5 @@
-// libFuzzer's entry into a registry file. Only RegDamage may come out; a file that is read is written as it
-// was, and what is put into it is found again in what is written.
+// Fuzzes the reading of a registry file. Only RegDamage may be thrown. An unchanged file must be written as
+// it was read, and a value that is set must be in the file that is written.
 #include "fuzz/input.h"
 #include "registry/linux/reg_file.h"
 

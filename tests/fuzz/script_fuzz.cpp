@@ -1,6 +1,5 @@
-// libFuzzer's entry into a script of the query tool: the input is the file, in whatever encoding, which is
-// run against a server that takes every batch. No batch may be empty, and each piece of it stands in the
-// script.
+// Fuzzes the query tool's reading of a script. The input is the file, in any encoding; the server is a fake
+// that accepts every batch. No batch may be empty.
 #include <sstream>
 
 #include "fuzz/input.h"
@@ -8,7 +7,7 @@
 
 namespace {
 
-/// "GO 4000000000" is taken at its word; this is as far as it is followed.
+/// "GO 4000000000" would run a batch that often; the fake server ends the run after this number.
 constexpr int kMostBatches = 100;
 constexpr std::size_t kLongest = 4096;
 

@@ -1,6 +1,6 @@
-// libFuzzer's entry into what a server and its driver report: records of any number, state and text, with
-// success, with an error and with the rows, through the database layer to the operator's box, and through the
-// query tool's printer.
+// Fuzzes the handling of messages from a server and its driver: records with any number, state and text,
+// which come with success, with an error or with rows. They go through the database layer to the text of the
+// message box, or through the query tool's printer.
 #include "ado/connection.h"
 #include "fakes/odbc_counting.h"
 #include "fuzz/input.h"
@@ -40,13 +40,13 @@ std::vector<fakes::OdbcRecord> Records(fuzz::Input& input) {
     return records;
 }
 
-/// What the operator would see of it.
+/// Makes the text that a message box would show.
 void Collect(const ado::Connection& connection) {
     kv::DbErrors errors;
     try {
         kv::CollectDbErrors(errors, connection.Errors());
     } catch (const kv::RunTimeError&) {
-        return; // a 0 in front of another number, which is laid down
+        return; // a number 0 before another number is an error
     }
     const std::string text = kv::FormatDbErrors(errors);
     fuzz::Require(errors.UpperBound() == 0 || !text.empty(), "what was collected is shown");
@@ -85,7 +85,7 @@ class KeptOutput : public querytool::Output {
 
 void ThroughThePrinter(fuzz::Input& input) {
     querytool::Switches switches;
-    switches.width = kNarrowest + input.Byte(); // as far as -w goes
+    switches.width = kNarrowest + input.Byte(); // the range of -w
     switches.header_rows = static_cast<int>(input.Byte()) - 1;
     if (input.Byte() % 2 == 0) {
         switches.error_level = input.Byte();

@@ -1,5 +1,5 @@
-// libFuzzer's entry into the query tool's command line: arguments separated by NUL. A line is read or refused
-// by a text that says why; nothing is thrown.
+// Fuzzes the query tool's command line. The input is a list of arguments separated by NUL. A line is
+// accepted, or refused with a text that gives the reason; nothing may be thrown.
 #include "fuzz/input.h"
 #include "querytool/switches.h"
 

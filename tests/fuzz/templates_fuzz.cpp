@@ -1,13 +1,12 @@
-// libFuzzer's entry into the templates: the values of seven tokens, separated by NUL, and the template. The
-// result must be that of the passes done one after the other over the whole text, which is how they are laid
-// down.
+// Fuzzes the replacement of tokens. The input is the values of seven tokens, separated by NUL, and the
+// template. The result must equal that of separate passes over the whole text, one for each token in turn.
 #include "fuzz/input.h"
 #include "scripts/token_passes.h"
 #include "text/text.h"
 
 namespace {
 
-/// What the tokens of a value make of a text can double with every pass.
+/// A value can contain tokens, so each pass can double the length of the text.
 constexpr std::size_t kLongestValue = 40;
 constexpr std::size_t kLongestText = 4096;
 

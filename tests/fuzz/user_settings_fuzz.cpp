@@ -1,5 +1,5 @@
-// libFuzzer's entry into the settings file of a user: the input is the file. What is written comes back, what
-// stood in the file under another key stays, and nothing is thrown.
+// Fuzzes the settings file of a user. The input is the file. A setting that is written must be read back,
+// other settings must stay, and nothing may be thrown.
 #include <filesystem>
 #include <fstream>
 
@@ -13,7 +13,7 @@ namespace {
 constexpr char kApplication[] = "Program";
 constexpr char kSection[] = "Settings";
 
-/// The folder of the process, gone with it.
+/// A folder for this process, removed at its end.
 class Folder {
   public:
     Folder() : path_(std::filesystem::temp_directory_path() / ("kv-fuzz-" + std::to_string(::getpid()))) {

@@ -1,12 +1,11 @@
-// The console in its real window, opened over and over in one process: each time an operator works through
-// its tabs against a server, by the control model, and closes it. tests/soak/console.py prepares the server
-// and judges the figures that are printed.
+// Opens the console's real window many times in one process. Each time it works through the tabs with a
+// server, by the control model, as an operator would, and closes the window. tests/soak/console.py prepares the
+// server and checks the figures that are printed.
 //
 //   console_soak SETTINGS
 //
-// SETTINGS is a file of lines: server A, server B, the user, the password, the data path, and how many opens.
-// Prints "at OPENS COMMANDS name=figure; name=figure" after each open, and ends with 1 at the first thing
-// that is not as it must be.
+// SETTINGS is a file of lines: server A, server B, the user, the password, the data path, the number of opens.
+// Prints "at OPENS COMMANDS name=figure; name=figure" after each open. Exits with 1 at the first failure.
 #include <cstdio>
 #include <exception>
 #include <memory>
@@ -180,7 +179,7 @@ class Session {
 
     int& commands_;
     kv::frmMain main_;
-    std::unique_ptr<ui::Window> window_; // goes first: it mirrors the form
+    std::unique_ptr<ui::Window> window_; // destroyed before the form, which it mirrors
 };
 
 void Print(int opens, int commands) {

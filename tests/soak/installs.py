@@ -1,5 +1,5 @@
-# Installations and upgrades one after the other on one pair of servers: each must end as laid down, and nothing of the
-# servers, the machine or the log may grow.
+# Installs and upgrades again and again on one pair of servers. Each run must leave the expected state, and neither the
+# servers nor the machines nor the logs may grow.
 import contextlib
 import os
 import resource
@@ -11,16 +11,16 @@ from unattended_install_test import WholeWay
 from upgraded_samples_test import USE_OF_VERSION_1
 
 TEMPORARY = "TmpBatchUpgradeDb"
-RUNS, SHORT_RUNS = 1000, 4  # of the program: an installation is one, an upgrade is one
+RUNS, SHORT_RUNS = 1000, 4  # of the program; an installation and an upgrade are two
 WINDOWS_RUNS = 100
 LONGEST_RUN = 300
-BATCHES = 4  # that the use of version 1 leaves in the database
-QUIET_SECONDS = 10  # until a server has closed what its clients had open
-SAME = 10  # so many times, 20 ms apart, the same figure
+BATCHES = 4  # in the database after the use of version 1
+QUIET_SECONDS = 10  # in which a server closes the files of its last clients
+SAME = 10  # equal figures in a row, 20 ms apart
 
 
 class Node:
-    """One of the pair: a server, and the machine beside it on which the program runs."""
+    """A server of the pair, and the machines on which the program runs for it."""
 
     def __init__(self, part, settings, folder, windows):
         self.server = DevServer(settings.dev_server, os.path.join(folder, "server"), ("Z=/",))
@@ -49,7 +49,7 @@ class Node:
 
 
 def open_files_at_rest(process):
-    """How many they are once they stay the same: a server closes the last client's a little later."""
+    """The number once it stays the same: a server closes the files of its last client a little later."""
     seen = []
     wait_for(lambda: seen.append(processes.open_files(process)) or
              (len(seen) > SAME and len(set(seen[-SAME:])) == 1), QUIET_SECONDS)
@@ -58,7 +58,7 @@ def open_files_at_rest(process):
 
 @contextlib.contextmanager
 def package_classes(settings, wanted):
-    """The objects for packages that the tests have under Wine, for as long as the runs take."""
+    """Registers the tests' package objects under Wine while the runs take place."""
     if not wanted:
         yield
         return
@@ -109,7 +109,7 @@ def left_in_temporary_folder():
 
 
 def wine_server(part):
-    """Wine's server, which outlives the programs: what it keeps of them would be seen here."""
+    """Wine's server, which runs longer than the programs. What it does not free of them shows in its figures."""
     for process, words in processes.running():
         if words and os.path.basename(words[0]).startswith(b"wineserver") and \
                 processes.with_prefix(process, wine_prefix()):
@@ -123,7 +123,7 @@ def wine_prefix():
 
 
 def rounds(settings):
-    """The system of each round of an installation and an upgrade. One in five is Windows' where both are there."""
+    """The system of each round, which is an installation and an upgrade. One round in ten is on Windows, if it is there."""
     count = (SHORT_RUNS if settings.short else RUNS) // 2
     windows = 0 if settings.short or not settings.windows else WINDOWS_RUNS // 2
     every = count // windows if windows else 0

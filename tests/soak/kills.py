@@ -1,11 +1,11 @@
-# The development server, killed over and over under clients that write: no row whose insert was answered may be missing,
-# and no transaction may be there by half.
+# Kills the development server again and again while clients write. No row may be missing whose insert was answered, and
+# no transaction may be incomplete.
 import random
 import threading
 import time
 
 import pymssql
-from pymssql._mssql import MSSQLException  # what the lower layer lets out when it goes in the middle of closing
+from pymssql._mssql import MSSQLException  # the lower layer raises it if the server ends during a close
 
 from test_machine import DevServer, wait_for
 
@@ -13,7 +13,7 @@ WRITERS = 4
 KILLS, SHORT_KILLS = 1000, 8
 LONGEST_LIFE = 0.25  # seconds that a server lives after the first rows
 BIG = 3  # rows of one transaction
-END_OF_WRITER = 60  # seconds until a writer must have noticed that its server is gone
+END_OF_WRITER = 60  # seconds in which a writer must notice that its server is gone
 
 
 class Writer(threading.Thread):
@@ -51,7 +51,7 @@ class Writer(threading.Thread):
 
 
 def check_life(part, server, life, writers):
-    """What the server has of the rows of its last life, beside what the writers were told."""
+    """Compares the rows of the server's last life with the answers that the writers received."""
     found = {writer.number: set() for writer in writers}
     for number, row in server.ask(f"SELECT Writer, Number FROM Written WHERE Life = {life}", "Kills"):
         found[number].add(row)

@@ -1,4 +1,4 @@
-// What this process holds of its system at the moment, for a run that watches that nothing grows.
+// The memory and the handles that this process uses at the moment. A long run checks that they do not grow.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace soak {
 
-/// Names and figures, in the same order each time: "memory in KB" and the kinds of handles that the system
-/// has.
+/// Names and figures, in the same order each time: "memory in KB", and one for each kind of handle of the
+/// system.
 std::vector<std::pair<std::string, std::uint64_t>> OwnFigures();
 
 } // namespace soak

@@ -1,4 +1,4 @@
-# What the system knows about processes: memory, open files, sockets that listen. Linux alone.
+# Figures of processes from /proc: memory, open files, listening sockets. Linux only.
 import os
 import re
 
@@ -15,7 +15,7 @@ def open_files(process):
 
 
 def running():
-    """The processes of this system, as number and command line."""
+    """The number and the command line of each process."""
     for name in filter(str.isdigit, os.listdir("/proc")):
         try:
             with open(f"/proc/{name}/cmdline", "rb") as file:
@@ -50,7 +50,7 @@ def sockets(process):
 
 
 def is_loopback(address):
-    """For an address as /proc/net has it: words of four bytes, each in this processor's order."""
+    """True for a loopback address. /proc/net writes it as words of four bytes, each in the processor's byte order."""
     host = address.split(":")[0]
     octets = b"".join(bytes.fromhex(host[at:at + 8])[::-1] for at in range(0, len(host), 8))
     if len(octets) == 16 and octets[:12] == b"\0" * 10 + b"\xff\xff":
@@ -59,8 +59,8 @@ def is_loopback(address):
 
 
 def listening(processes):
-    """(loopback, elsewhere): how many sockets of the processes take connections or datagrams, and which of them others
-    than this machine reach."""
+    """(loopback, elsewhere): the number of listening sockets on loopback, and the addresses of those that other machines
+    can reach."""
     inodes = set().union(*(sockets(process) for process in processes)) if processes else set()
     loopback, elsewhere = 0, []
     for table in ("tcp", "tcp6", "udp", "udp6"):
@@ -76,5 +76,5 @@ def listening(processes):
 
 
 def with_prefix(process, prefix):
-    """True if the process works in this prefix of Wine's."""
+    """True if the process runs in this prefix of Wine."""
     return process in with_variable("WINEPREFIX", prefix)

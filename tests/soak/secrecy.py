@@ -1,5 +1,5 @@
-# Passwords: in nothing that the programs write or show, in files that their owner alone may read, and on no socket that
-# another machine reaches. Also of runs that fail, since it is failures that are told about. Linux.
+# Checks that no password is in anything that the programs write or show, except in files that only their owner may read,
+# and that no socket can be reached from another machine. Also for runs that fail, because failures are reported. Linux.
 import os
 import resource
 import stat
@@ -11,7 +11,7 @@ import processes
 from console import prepare, start, watch
 from test_machine import DevServer, Machine
 
-# Nothing else on a machine holds these texts.
+# No other file or process contains these texts.
 USER, PASSWORD = "soak_user", "Zq8-Secret-Vy4"
 WRONG = "Zq8-Wrong-Vy4"
 LONGEST_RUN = 300
@@ -26,13 +26,13 @@ class SecretServer(DevServer):
 
 
 def anybody_may_read():
-    """As with the laxest of settings: what is closed then, is closed by the program."""
+    """Removes the usual limits, so that only the program itself can protect a file or prevent a core."""
     os.umask(0)
     resource.setrlimit(resource.RLIMIT_CORE, (resource.RLIM_INFINITY, resource.RLIM_INFINITY))
 
 
 class Listeners(threading.Thread):
-    """Looks at the sockets of all programs that run for the soak, until it is ended."""
+    """Looks again and again at the sockets of all programs of this part, until `ended` is set."""
 
     def __init__(self, folder):
         super().__init__(daemon=True)
@@ -94,15 +94,15 @@ def runs_of_the_program(part, machine, server):
 
 
 def broken_scripts(part, machine, server):
-    """A statement that fails with the password in it, and one that prints it as a server could: the output file holds
-    what the server says, so it is closed to others."""
+    """A script with the password in a statement that fails. The server's message goes to the output file, which must be
+    closed to others."""
     machine.write_template("Create_Batch_Database", b"SELECT * FROM NoSuchTable -- ###PASSWORD###\r\nGO\r\n")
     arguments = machine.install_arguments(server, "/installdb", user=USER, password=PASSWORD)
     run_program(part, machine, "a broken script", arguments)
 
 
 def core_of_a_crash(part, machine, server):
-    """A program that is ended by a fault while it holds the password leaves no picture of its memory."""
+    """A program that crashes while the password is in its memory leaves no core."""
     machine.write_template("Create_Batch_Database", b"WAITFOR DELAY '00:00:20'\r\nGO\r\n")
     arguments = machine.install_arguments(server, "/installdb", user=USER, password=PASSWORD)
     data = os.path.join(machine.install, "Data")
@@ -136,7 +136,7 @@ def wait_for_child(process):
 
 
 def console(part, settings, machine, server):
-    """The console's own look at its texts is in console_soak; here is what it leaves."""
+    """Runs the console and checks the settings file that it leaves."""
     settings_file = os.path.join(machine.folder, "settings.txt")
     with open(settings_file, "w", encoding="ascii") as file:
         file.write("\n".join([server.name, server.name, USER, PASSWORD, machine.data, "1"]) + "\n")

@@ -1,4 +1,4 @@
-// Wine has no figures of handles and objects, so they are counted one by one.
+// Wine's functions for the number of handles and objects return no counts, so this tries each possible handle.
 #include "soak/own_figures.h"
 
 #include "platform/windows/lean_windows.h"
