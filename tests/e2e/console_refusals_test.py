@@ -72,14 +72,17 @@ class ConsoleRefusals(ConsoleTest):
         self.refused(console, "cmdCreateInstall", "No scripts or DTS packages were found in the script folder!")
 
         console.do("click", "chkCreateInstallBatchDatabase")
+        self.becomes(lambda: console.do("checked", "chkCreateInstallBatchDatabase"), ["no"])
         self.assertFalse(console.can_use("chkCreateInstallScriptFile"))
+        console.do("fill", "edtCreateInstallScriptFile", self.machine.native(folder))
         console.do("click", "cmdBrowseForScriptFile")
         console.do("picker")
-        console.do("type", self.machine.native(user_script))
+        console.do("type", "mine.sql")  # the dialog opens at the folder that is in the box
         console.do("pick")
         console.do("form", "main")
         self.becomes(lambda: console.text("edtCreateInstallScriptFile"), self.machine.native(user_script))
         console.do("click", "chkCreateInstallScriptFile")
+        self.becomes(lambda: console.do("checked", "chkCreateInstallScriptFile"), ["yes"])
         console.do("click", "optCreateInstallScriptFiles.1")
         os.rename(self.machine.tool, self.machine.tool + ".away")
         self.refused(console, "cmdCreateInstall", "The query tool OSQL.EXE was not found!")

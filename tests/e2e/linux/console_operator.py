@@ -14,6 +14,7 @@ import time
 
 import gi
 import Xlib.display
+import Xlib.error
 import Xlib.ext.xtest
 import Xlib.X
 import Xlib.XK
@@ -105,14 +106,32 @@ class Input:
     def click(self, part):
         place = part.get_extents(Atspi.CoordType.SCREEN)
         require(place.width > 0 and place.height > 0, "is out of sight: " + part.get_name())
-        self.move_to(place.x + place.width // 2, place.y + place.height // 2)
-        self.click_here()
+        self.click_at(place.x + place.width // 2, place.y + place.height // 2)
 
     def open(self, combo):
         """By the arrow at its end."""
         place = combo.get_extents(Atspi.CoordType.SCREEN)
-        self.move_to(place.x + place.width - 8, place.y + place.height // 2)
+        self.click_at(place.x + place.width - 8, place.y + place.height // 2)
+
+    def click_at(self, x, y):
+        """Waits until the place can be seen: the frame of a closed dialog goes when the window manager takes it away,
+        and takes the clicks until then."""
+        self.move_to(x, y)
+        require(wait_for(self.is_on_window_in_front), f"another window covers {x}, {y}")
         self.click_here()
+
+    def is_on_window_in_front(self):
+        """True also for a list that a combo box has opened: the program's window without a frame."""
+        try:
+            below = self.display.screen().root.query_pointer().child
+            if below != Xlib.X.NONE and below.get_wm_class():
+                return True
+            window = self.display.create_resource_object("window", self.window_in_front())
+            while window.query_tree().parent != self.display.screen().root:
+                window = window.query_tree().parent
+            return window == below
+        except Xlib.error.XError:
+            return False  # the window in front has just been closed
 
     def press(self, *names):
         """All of them together, in this order."""
@@ -425,12 +444,12 @@ class Operator:
     def await_picker(self):
         dialog = wait_for(self.program.picker)
         require(dialog is not None, "a dialog for a folder or a file does not come")
-        require(wait_for(lambda: has(dialog, State.ACTIVE)), "the dialog does not come to the front")
         return dialog
 
     def picker(self):
-        """Waits for the dialog for a folder or a file."""
-        self.await_picker()
+        """Waits for the dialog for a folder or a file to come to the front."""
+        dialog = self.await_picker()
+        require(wait_for(lambda: has(dialog, State.ACTIVE)), "the dialog does not come to the front")
 
     def folder(self):
         """The folder at which the dialog for a folder stands."""
@@ -440,7 +459,8 @@ class Operator:
     def pick(self):
         """Takes the choice of the dialog for a folder or a file."""
         dialog = self.await_picker()
-        # The list of names that Qt shows below a typed path takes the first Return, if it is open by then.
+        # Below a typed name Qt opens a list of names, sooner or later. While it is open, it is the active window and not
+        # the dialog, and it takes the next Return.
         require_after(lambda: self.input.press("Return"), lambda: dialog not in self.program.windows(), "the dialog stays")
 
     def close(self):
