@@ -164,7 +164,6 @@ TEST_F(Mistakes, OfDefinitionsAndOptions) {
             {"create view v as select id, id from t", 4506},
             {"select * from (select id, id from t) x", 8156},
             {"with x as (select id, id from t) select * from x", 8156},
-            {"select top 1 with ties id from t", 1062},
             {"select * from t, u where t.id *= u.id", 4147},
             {"select * from t, u where t.id =* u.id", 4147},
             {"select id, count(*) from t", 8120},

@@ -48,24 +48,6 @@ error|severity|description
 )");
 }
 
-TEST_F(OldScripts, TakeTies) {
-    EXPECT_EQ(Run(R"(
-select top 1 with ties id from t order by b
-select top 2 with ties a, b from t order by b desc
-select top 1 with ties b, count(*) from t group by b order by count(*))"),
-              R"(
-id
-1
-2
-a|b
-NULL|3
-z|2
-b|
-2|1
-3|1
-)");
-}
-
 TEST_F(OldScripts, LimitTheDepthOfARecursion) {
     EXPECT_EQ(Run(R"(
 with x as (select 1 as n union all select n + 1 from x where n < 101) select max(n) from x

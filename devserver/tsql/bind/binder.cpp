@@ -18,6 +18,24 @@ void RequireDifferentNames(const std::vector<Column>& columns, std::int32_t erro
     }
 }
 
+BoundPtr MakeColumn(const ScopeColumn& column, const ScopeSource& source, int depth) {
+    auto node = MakeSql(column.sql, column.type, column.nullable);
+    node->source = source.exposed;
+    node->column = column.name;
+    node->depth = depth;
+    node->identity = column.identity;
+    return node;
+}
+
+void AddColumns(ScopeSource& source, const std::vector<Column>& columns,
+                const std::vector<std::string>& names) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const Column& column = columns[i];
+        source.columns.push_back({names.empty() ? column.name : names[i], column.type, column.nullable,
+                                  column.identity, source.sql_alias + ".c" + std::to_string(i + 1)});
+    }
+}
+
 Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& name, std::int32_t error) {
     constexpr std::int32_t kNoObject = 208;
     try {

@@ -1,5 +1,7 @@
 #include "devserver/tsql/bind/bound.h"
 
+#include <algorithm>
+
 #include "devserver/storage/codec.h"
 
 namespace devsql {
@@ -14,28 +16,28 @@ std::shared_ptr<Bound> New(BoundKind kind, const Type& type) {
 
 } // namespace
 
-BoundPtr MakeConstant(Value value, const Type& type) {
+std::shared_ptr<Bound> MakeConstant(Value value, const Type& type) {
     auto node = New(BoundKind::Constant, type);
     node->nullable = IsNull(value);
     node->constant = std::move(value);
     return node;
 }
 
-BoundPtr MakeSql(std::string text, const Type& type, bool nullable) {
+std::shared_ptr<Bound> MakeSql(std::string text, const Type& type, bool nullable) {
     auto node = New(BoundKind::Sql, type);
     node->text = std::move(text);
     node->nullable = nullable;
     return node;
 }
 
-BoundPtr MakeSqlCondition(std::string text) {
+std::shared_ptr<Bound> MakeSqlCondition(std::string text) {
     auto node = New(BoundKind::Sql, Simple(TypeId::Bit));
     node->text = std::move(text);
     node->condition = true;
     return node;
 }
 
-BoundPtr MakeSlot(std::size_t slot, const Type& type) {
+std::shared_ptr<Bound> MakeSlot(std::size_t slot, const Type& type) {
     auto node = New(BoundKind::Slot, type);
     node->slot = slot;
     return node;
@@ -52,7 +54,7 @@ BoundPtr MakeConvert(BoundPtr operand, const Type& type) {
     return node;
 }
 
-BoundPtr MakeNode(BoundKind kind, const Type& type, std::vector<BoundPtr> children) {
+std::shared_ptr<Bound> MakeNode(BoundKind kind, const Type& type, std::vector<BoundPtr> children) {
     auto node = New(kind, type);
     node->nullable = false;
     for (const BoundPtr& child : children) {
@@ -62,7 +64,7 @@ BoundPtr MakeNode(BoundKind kind, const Type& type, std::vector<BoundPtr> childr
     return node;
 }
 
-BoundPtr MakeCondition(BoundKind kind, std::vector<BoundPtr> children) {
+std::shared_ptr<Bound> MakeCondition(BoundKind kind, std::vector<BoundPtr> children) {
     auto node = New(kind, Simple(TypeId::Bit));
     node->condition = true;
     node->children = std::move(children);
@@ -71,16 +73,12 @@ BoundPtr MakeCondition(BoundKind kind, std::vector<BoundPtr> children) {
 
 bool SameExpression(const Bound& a, const Bound& b) {
     if (a.kind != b.kind || a.type != b.type || a.text != b.text || a.constant != b.constant ||
-        a.children.size() != b.children.size() || a.binary != b.binary || a.unary != b.unary ||
-        a.compare != b.compare || a.function != b.function || a.session != b.session || a.slot != b.slot) {
+        a.binary != b.binary || a.unary != b.unary || a.compare != b.compare || a.function != b.function ||
+        a.session != b.session || a.slot != b.slot) {
         return false;
     }
-    for (std::size_t i = 0; i < a.children.size(); ++i) {
-        if (!SameExpression(*a.children[i], *b.children[i])) {
-            return false;
-        }
-    }
-    return true;
+    return std::ranges::equal(a.children, b.children,
+                              [](const BoundPtr& x, const BoundPtr& y) { return SameExpression(*x, *y); });
 }
 
 } // namespace devsql

@@ -62,14 +62,16 @@ struct Bound {
     const SessionFunction* session = nullptr;
 };
 
-BoundPtr MakeConstant(Value value, const Type& type);
-BoundPtr MakeSql(std::string text, const Type& type, bool nullable = true);
-BoundPtr MakeSqlCondition(std::string text);
-BoundPtr MakeSlot(std::size_t slot, const Type& type);
+// The nodes that are not const may get the values of their kind before they go into a tree.
+
+std::shared_ptr<Bound> MakeConstant(Value value, const Type& type);
+std::shared_ptr<Bound> MakeSql(std::string text, const Type& type, bool nullable = true);
+std::shared_ptr<Bound> MakeSqlCondition(std::string text);
+std::shared_ptr<Bound> MakeSlot(std::size_t slot, const Type& type);
 /// `operand` as `type`; the operand itself where nothing changes.
 BoundPtr MakeConvert(BoundPtr operand, const Type& type);
-BoundPtr MakeNode(BoundKind kind, const Type& type, std::vector<BoundPtr> children);
-BoundPtr MakeCondition(BoundKind kind, std::vector<BoundPtr> children);
+std::shared_ptr<Bound> MakeNode(BoundKind kind, const Type& type, std::vector<BoundPtr> children);
+std::shared_ptr<Bound> MakeCondition(BoundKind kind, std::vector<BoundPtr> children);
 
 /// True for expressions of the same structure, as GROUP BY compares them.
 bool SameExpression(const Bound& a, const Bound& b);

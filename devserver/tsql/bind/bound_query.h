@@ -30,6 +30,12 @@ struct ScopeSource {
     TablePtr table; ///< of a stored table
 };
 
+/// A reference to a column of the source, in the query of that depth.
+BoundPtr MakeColumn(const ScopeColumn& column, const ScopeSource& source, int depth);
+/// Adds the columns of a query, whose names in SQLite's SQL are c1, c2, …; `names` may replace their names.
+void AddColumns(ScopeSource& source, const std::vector<Column>& columns,
+                const std::vector<std::string>& names);
+
 struct Scope {
     std::vector<ScopeSource> sources;
     const Scope* outer = nullptr;

@@ -1,7 +1,6 @@
 #include "devserver/tsql/bind/call_binder.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 
 #include "devserver/tsql/bind/binder.h"
@@ -16,26 +15,18 @@
 namespace devsql {
 namespace {
 
-constexpr std::array<std::string_view, 7> kAggregates = {"COUNT", "COUNT_BIG", "SUM",     "AVG",
-                                                         "MIN",   "MAX",       "GROUPING"};
+constexpr std::string_view kAggregates = "COUNT,COUNT_BIG,SUM,AVG,MIN,MAX,GROUPING";
 /// Functions of SQL Server that this one refuses by name; devserver/docs/cuts.md says why.
-constexpr std::string_view kRefused[] = {"ACOS",     "ASIN",         "ATAN",  "ATN2",      "BINARY_CHECKSUM",
-                                         "CHECKSUM", "CHECKSUM_AGG", "COS",   "COT",       "CURSOR_STATUS",
-                                         "DEGREES",  "DIFFERENCE",   "EXP",   "HASHBYTES", "LOG",
-                                         "LOG10",    "PARSENAME",    "PI",    "RADIANS",   "SESSIONPROPERTY",
-                                         "SIN",      "SOUNDEX",      "STDEV", "STDEVP",    "TAN",
-                                         "VAR",      "VARP"};
-constexpr std::array<std::string_view, 4> kRankings = {"ROW_NUMBER", "RANK", "DENSE_RANK", "NTILE"};
+constexpr std::string_view kRefused =
+    "ACOS,ASIN,ATAN,ATN2,BINARY_CHECKSUM,CHECKSUM,CHECKSUM_AGG,COS,COT,CURSOR_STATUS,DEGREES,DIFFERENCE,EXP,"
+    "HASHBYTES,LOG,LOG10,NTILE,PARSENAME,PI,RADIANS,SESSIONPROPERTY,SIN,SOUNDEX,STDEV,STDEVP,TAN,VAR,VARP";
+constexpr std::string_view kRankings = "ROW_NUMBER,RANK,DENSE_RANK";
 
 /// DATEADD(day, …): the first argument is a word, not a column.
-constexpr std::array<std::string_view, 4> kDateCalls = {"DATEADD", "DATEDIFF", "DATEPART", "DATENAME"};
+constexpr std::string_view kDateCalls = "DATEADD,DATEDIFF,DATEPART,DATENAME";
 
-bool Contains(std::span<const std::string_view> words, std::string_view word) {
-    return std::ranges::find(words, word) != words.end();
-}
-
-BoundPtr Aggregated(std::string text, const Type& type, int depth, bool nullable = true) {
-    auto node = std::make_shared<Bound>(*MakeSql(std::move(text), type, nullable));
+std::shared_ptr<Bound> Aggregated(std::string text, const Type& type, int depth, bool nullable = true) {
+    auto node = MakeSql(std::move(text), type, nullable);
     node->aggregate = true;
     node->depth = depth;
     return node;
@@ -62,8 +53,7 @@ BoundPtr UserCall(SessionCore& session, const std::string& view_database, const 
     std::vector<BoundPtr> children = {MakeConstant(place.database, Sized(TypeId::NVarChar, 128)),
                                       MakeConstant(object->id, Simple(TypeId::BigInt))};
     std::ranges::move(arguments, std::back_inserter(children));
-    auto node =
-        std::make_shared<Bound>(*MakeNode(BoundKind::Session, parameters.back().type, std::move(children)));
+    auto node = MakeNode(BoundKind::Session, parameters.back().type, std::move(children));
     node->session = &UserFunctionCall();
     node->nullable = true;
     return node;
@@ -73,16 +63,16 @@ BoundPtr UserCall(SessionCore& session, const std::string& view_database, const 
 
 BoundPtr CallBinder::Call(const ast::CallExpr& call, const Scope* scope) {
     const std::string name = AsciiUpper(call.name);
-    if (Contains(kRefused, name)) {
+    if (ListHas(kRefused, name)) {
         RaiseError(40517, {name});
     }
     if (call.over) {
         return Window(call, scope);
     }
-    if (Contains(kAggregates, name)) {
+    if (ListHas(kAggregates, name)) {
         return Aggregate(call, scope);
     }
-    if (Contains(kRankings, name)) {
+    if (ListHas(kRankings, name)) {
         RaiseError(10753, {call.name});
     }
     if (BoundPtr special = SpecialCall(call, scope)) {
@@ -94,7 +84,7 @@ BoundPtr CallBinder::Call(const ast::CallExpr& call, const Scope* scope) {
 BoundPtr CallBinder::OrdinaryCall(const ast::CallExpr& call, const Scope* scope) {
     const std::string name = AsciiUpper(call.name);
     const ScalarFunction* function = FindFunction(name);
-    if (function != nullptr && Contains(kDateCalls, name)) {
+    if (function != nullptr && ListHas(kDateCalls, name)) {
         return DateCall(call, scope, *function);
     }
     std::vector<BoundPtr> arguments;
@@ -118,8 +108,7 @@ BoundPtr CallBinder::ScalarCall(const ScalarFunction& function, std::vector<Boun
     for (const BoundPtr& argument : arguments) {
         types.push_back(argument->type);
     }
-    auto node = std::make_shared<Bound>(
-        *MakeNode(BoundKind::Function, ResultType(function, types), std::move(arguments)));
+    auto node = MakeNode(BoundKind::Function, ResultType(function, types), std::move(arguments));
     node->function = &function;
     node->nullable = true;
     if (function.name == "ISNULL" && node->children.size() == 2) {
@@ -137,7 +126,7 @@ BoundPtr CallBinder::SessionCall(const ast::CallExpr& call, std::vector<BoundPtr
     if (count < function->min_arguments || count > function->max_arguments) {
         RaiseError(174, {call.name, std::to_string(function->max_arguments)});
     }
-    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Session, function->type, std::move(arguments)));
+    auto node = MakeNode(BoundKind::Session, function->type, std::move(arguments));
     node->session = function;
     node->nullable = true;
     if (function->constant && node->children.empty()) {
@@ -200,8 +189,7 @@ BoundPtr CallBinder::DateCall(const ast::CallExpr& call, const Scope* scope, con
         arguments.push_back(binder_.BindValue(*call.arguments[i], scope));
         types.push_back(arguments.back()->type);
     }
-    auto node = std::make_shared<Bound>(
-        *MakeNode(BoundKind::Function, ResultType(function, types), std::move(arguments)));
+    auto node = MakeNode(BoundKind::Function, ResultType(function, types), std::move(arguments));
     node->function = &function;
     return node;
 }
@@ -225,7 +213,7 @@ BoundPtr CallBinder::Aggregate(const ast::CallExpr& call, const Scope* scope) {
     }
     if (name == "GROUPING") { // Its value is filled in where the grouping keys are known.
         BoundPtr key = binder_.BindValue(*call.arguments[0], scope);
-        auto node = std::make_shared<Bound>(*Aggregated("0", Simple(TypeId::TinyInt), depth, false));
+        auto node = Aggregated("0", Simple(TypeId::TinyInt), depth, false);
         node->children.push_back(std::move(key));
         return node;
     }
@@ -247,27 +235,11 @@ BoundPtr CallBinder::AggregateOf(const ast::CallExpr& call, const BoundPtr& oper
         return Aggregated((name == "MIN" ? "min(" : "max(") + emission_.EmitCollated(operand) + ")", type,
                           depth);
     }
-    if (name == "SUM" || name == "AVG") {
-        BoundPtr result = Sum(operand, distinct, name == "AVG");
-        auto node = std::make_shared<Bound>(*result);
-        node->aggregate = true;
-        node->depth = depth;
-        return node;
-    }
-    if (!IsNumber(operand->type.id)) {
-        RaiseError(8117, {TypeName(operand->type.id), ToLower(name)});
-    }
-    const BoundPtr number = MakeConvert(operand, Simple(TypeId::Float));
-    return Aggregated("tsql_" + ToLower(name) + "(" + distinct + emission_.Emit(number) + ")",
-                      Simple(TypeId::Float), depth);
-}
-
-/// SUM and AVG by the server's own aggregates, which overflow and round as each type does.
-BoundPtr CallBinder::Sum(const BoundPtr& operand, const std::string& distinct, bool average) {
-    const Type type = average ? AverageType(operand->type) : SumType(operand->type);
-    return MakeSql(session_.functions().SumFunction(operand->type, average) + "(" + distinct +
-                       emission_.Emit(operand) + ")",
-                   type);
+    // SUM and AVG by the server's own aggregates, which overflow and round as each type does.
+    const bool average = name == "AVG";
+    return Aggregated(session_.functions().SumFunction(operand->type, average) + "(" + distinct +
+                          emission_.Emit(operand) + ")",
+                      average ? AverageType(operand->type) : SumType(operand->type), depth);
 }
 
 // ------------------------------------------------------------------ window functions
@@ -291,19 +263,13 @@ BoundPtr CallBinder::Window(const ast::CallExpr& call, const Scope* scope) {
     if (!binding_.clause.windows) {
         RaiseError(40517, {"OVER outside SELECT and ORDER BY"});
     }
-    if (Contains(kRankings, name)) {
+    if (ListHas(kRankings, name)) {
         if (call.over->order_by.empty()) {
             RaiseError(40517, {name + " without ORDER BY"});
         }
-        std::string argument;
-        if (name == "NTILE" && call.arguments.size() == 1) {
-            argument = emission_.Emit(
-                MakeConvert(binder_.BindValue(*call.arguments[0], scope), Simple(TypeId::BigInt)));
-        }
-        return MakeSql(ToLower(name) + "(" + argument + ")" + OverClause(*call.over, scope),
-                       Simple(TypeId::BigInt), false);
+        return MakeSql(ToLower(name) + "()" + OverClause(*call.over, scope), Simple(TypeId::BigInt), false);
     }
-    if (!Contains(kAggregates, name) || name == "SUM" || name == "AVG" || call.distinct) {
+    if (!ListHas(kAggregates, name) || name == "SUM" || name == "AVG" || call.distinct) {
         RaiseError(40517, {name + " with OVER"});
     }
     BoundPtr aggregate = Aggregate(call, scope);

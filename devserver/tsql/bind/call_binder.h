@@ -22,7 +22,6 @@ class CallBinder : private BinderPart {
     BoundPtr DateCall(const ast::CallExpr& call, const Scope* scope, const ScalarFunction& function);
     BoundPtr Aggregate(const ast::CallExpr& call, const Scope* scope);
     BoundPtr AggregateOf(const ast::CallExpr& call, const BoundPtr& operand, int depth);
-    BoundPtr Sum(const BoundPtr& operand, const std::string& distinct, bool average);
     BoundPtr Window(const ast::CallExpr& call, const Scope* scope);
     std::string OverClause(const ast::Over& over, const Scope* scope);
 };

@@ -1,5 +1,6 @@
 #include "devserver/tsql/bind/evaluator.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "devserver/tsql/scalar/arithmetic.h"
@@ -59,20 +60,10 @@ std::optional<bool> TestCompare(const Bound& node, SessionCore& session, Slots s
         return std::nullopt;
     }
     const int order = CompareValues(a, left.type, b, right.type);
-    switch (node.compare) {
-    case ast::CompareOp::Equal:
-        return order == 0;
-    case ast::CompareOp::NotEqual:
-        return order != 0;
-    case ast::CompareOp::Less:
-        return order < 0;
-    case ast::CompareOp::LessEqual:
-        return order <= 0;
-    case ast::CompareOp::Greater:
-        return order > 0;
-    default:
-        return order >= 0;
-    }
+    // In the order of CompareOp: for less, equal and greater.
+    constexpr bool kResults[][3] = {{false, true, false}, {true, false, true},  {true, false, false},
+                                    {true, true, false},  {false, false, true}, {false, true, true}};
+    return kResults[static_cast<std::size_t>(node.compare)][order < 0 ? 0 : order == 0 ? 1 : 2];
 }
 
 std::optional<bool> TestJunction(const Bound& node, SessionCore& session, Slots slots, bool decisive) {
@@ -177,30 +168,16 @@ std::optional<bool> Test(const Bound& node, SessionCore& session, Slots slots) {
 }
 
 bool NeedsSql(const Bound& node) {
-    if (node.kind == BoundKind::Sql) {
-        return true;
-    }
-    for (const BoundPtr& child : node.children) {
-        if (NeedsSql(*child)) {
-            return true;
-        }
-    }
-    return false;
+    return node.kind == BoundKind::Sql ||
+           std::ranges::any_of(node.children, [](const BoundPtr& child) { return NeedsSql(*child); });
 }
 
 bool IsConstant(const Bound& node) {
-    if (node.kind == BoundKind::Sql || node.kind == BoundKind::Slot || node.kind == BoundKind::Variable ||
-        node.kind == BoundKind::Session ||
-        (node.kind == BoundKind::Function &&
-         (node.function->name == "NEWID" || node.function->name == "RAND"))) {
-        return false;
-    }
-    for (const BoundPtr& child : node.children) {
-        if (!IsConstant(*child)) {
-            return false;
-        }
-    }
-    return true;
+    const bool varies = node.kind == BoundKind::Sql || node.kind == BoundKind::Slot ||
+                        node.kind == BoundKind::Variable || node.kind == BoundKind::Session ||
+                        (node.kind == BoundKind::Function && node.function->name == "RAND");
+    return !varies &&
+           std::ranges::all_of(node.children, [](const BoundPtr& child) { return IsConstant(*child); });
 }
 
 BoundPtr WithSlots(const BoundPtr& expression, std::vector<BoundPtr>& leaves) {

@@ -44,8 +44,7 @@ BoundPtr EmptyForNull(const BoundPtr& operand) {
     BoundPtr empty = MakeConstant(std::string(), Sized(TypeId::VarChar, 1));
     const ScalarFunction* function = FindFunction("ISNULL");
     const std::array types = {operand->type, empty->type};
-    auto node = std::make_shared<Bound>(
-        *MakeNode(BoundKind::Function, function->result_type(types), {operand, std::move(empty)}));
+    auto node = MakeNode(BoundKind::Function, function->result_type(types), {operand, std::move(empty)});
     node->function = function;
     return node;
 }
@@ -88,36 +87,35 @@ BoundPtr ExpressionBinder::Value(const ast::Expr& expr, const Scope* scope) {
 }
 
 BoundPtr ExpressionBinder::Node(const ast::Expr& expr, const Scope* scope) {
-    return std::visit(Overloaded{
-                          [&](const ast::LiteralExpr& e) { return MakeConstant(e.value, e.type); },
-                          [&](const ast::VariableExpr& e) { return Variable(e); },
-                          [&](const ast::ColumnExpr& e) { return binder_.names().Column(e, scope); },
-                          [&](const ast::UnaryExpr& e) { return Unary(e, scope); },
-                          [&](const ast::BinaryExpr& e) { return Binary(e, scope); },
-                          [&](const ast::CompareExpr& e) {
-                              BoundPtr left = Value(*e.left, scope);
-                              return Compare(e.op, left, Value(*e.right, scope));
-                          },
-                          [&](const ast::QuantifiedExpr& e) { return Quantified(e, scope); },
-                          [&](const ast::LogicExpr& e) { return Logic(e, scope); },
-                          [&](const ast::NotExpr& e) {
-                              return MakeCondition(BoundKind::Not, {Condition(*e.operand, scope)});
-                          },
-                          [&](const ast::IsNullExpr& e) { return IsNull(e, scope); },
-                          [&](const ast::BetweenExpr& e) { return Between(e, scope); },
-                          [&](const ast::InListExpr& e) { return InList(e, scope); },
-                          [&](const ast::InQueryExpr& e) { return InQuery(e, scope); },
-                          [&](const ast::LikeExpr& e) { return Like(e, scope); },
-                          [&](const ast::ExistsExpr& e) {
-                              return MakeSqlCondition("EXISTS (" + binder_.BindQuery(*e.query, scope).sql +
-                                                      ")");
-                          },
-                          [&](const ast::SubqueryExpr& e) { return Subquery(*e.query, scope); },
-                          [&](const ast::CaseExpr& e) { return Case(e, scope); },
-                          [&](const ast::CastExpr& e) { return Cast(e, scope); },
-                          [&](const ast::CallExpr& e) { return binder_.calls().Call(e, scope); },
-                      },
-                      expr.node);
+    return std::visit<BoundPtr>(
+        Overloaded{
+            [&](const ast::LiteralExpr& e) { return MakeConstant(e.value, e.type); },
+            [&](const ast::VariableExpr& e) { return Variable(e); },
+            [&](const ast::ColumnExpr& e) { return binder_.names().Column(e, scope); },
+            [&](const ast::UnaryExpr& e) { return Unary(e, scope); },
+            [&](const ast::BinaryExpr& e) { return Binary(e, scope); },
+            [&](const ast::CompareExpr& e) {
+                BoundPtr left = Value(*e.left, scope);
+                return Compare(e.op, left, Value(*e.right, scope));
+            },
+            [&](const ast::LogicExpr& e) { return Logic(e, scope); },
+            [&](const ast::NotExpr& e) {
+                return MakeCondition(BoundKind::Not, {Condition(*e.operand, scope)});
+            },
+            [&](const ast::IsNullExpr& e) { return IsNull(e, scope); },
+            [&](const ast::BetweenExpr& e) { return Between(e, scope); },
+            [&](const ast::InListExpr& e) { return InList(e, scope); },
+            [&](const ast::InQueryExpr& e) { return InQuery(e, scope); },
+            [&](const ast::LikeExpr& e) { return Like(e, scope); },
+            [&](const ast::ExistsExpr& e) {
+                return MakeSqlCondition("EXISTS (" + binder_.BindQuery(*e.query, scope).sql + ")");
+            },
+            [&](const ast::SubqueryExpr& e) { return Subquery(*e.query, scope); },
+            [&](const ast::CaseExpr& e) { return Case(e, scope); },
+            [&](const ast::CastExpr& e) { return Cast(e, scope); },
+            [&](const ast::CallExpr& e) { return binder_.calls().Call(e, scope); },
+        },
+        expr.node);
 }
 
 BoundPtr ExpressionBinder::Variable(const ast::VariableExpr& expr) {
@@ -134,8 +132,7 @@ BoundPtr ExpressionBinder::Variable(const ast::VariableExpr& expr) {
 
 BoundPtr ExpressionBinder::Unary(const ast::UnaryExpr& expr, const Scope* scope) {
     BoundPtr operand = Value(*expr.operand, scope);
-    auto node =
-        std::make_shared<Bound>(*MakeNode(BoundKind::Unary, OperatorType(expr.op, operand->type), {operand}));
+    auto node = MakeNode(BoundKind::Unary, OperatorType(expr.op, operand->type), {operand});
     node->unary = expr.op;
     return node;
 }
@@ -149,7 +146,7 @@ BoundPtr ExpressionBinder::Binary(const ast::BinaryExpr& expr, const Scope* scop
         right = EmptyForNull(right);
     }
     const Type type = OperatorType(expr.op, left->type, right->type);
-    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Binary, type, {left, right}));
+    auto node = MakeNode(BoundKind::Binary, type, {left, right});
     node->binary = expr.op;
     return node;
 }
@@ -181,8 +178,7 @@ BoundPtr ExpressionBinder::Compare(ast::CompareOp op, const BoundPtr& left, cons
     const std::string_view name = kCompareNames[static_cast<std::size_t>(op)];
     RequireComparable(left->type, right->type, name);
     const Type type = ComparisonType(left->type, right->type);
-    auto node = std::make_shared<Bound>(
-        *MakeCondition(BoundKind::Compare, {ForComparison(left, type), ForComparison(right, type)}));
+    auto node = MakeCondition(BoundKind::Compare, {ForComparison(left, type), ForComparison(right, type)});
     node->compare = op;
     const bool equality = op == ast::CompareOp::Equal || op == ast::CompareOp::NotEqual;
     if (!session_.options().ansi_nulls && equality && (IsLooseNull(*left) || IsLooseNull(*right))) {
@@ -234,20 +230,6 @@ BoundPtr ExpressionBinder::InQuery(const ast::InQueryExpr& in, const Scope* scop
                             (in.negated ? " NOT IN (" : " IN (") + list + "))");
 }
 
-BoundPtr ExpressionBinder::Quantified(const ast::QuantifiedExpr& expr, const Scope* scope) {
-    BoundPtr operand = Value(*expr.operand, scope);
-    BoundQuery query = binder_.BindQuery(*expr.query, scope);
-    if (query.columns.size() != 1) {
-        RaiseError(116);
-    }
-    const std::string alias = binding_.NextAlias();
-    BoundPtr test = Compare(expr.op, operand, MakeSql(alias + ".c1", query.columns[0].type));
-    const std::string condition = emission_.EmitCondition(test);
-    const std::string from = " FROM (" + query.sql + ") AS " + alias + " WHERE ";
-    return MakeSqlCondition(expr.all ? "NOT EXISTS (SELECT 1" + from + "(" + condition + ") IS NOT 1)"
-                                     : "EXISTS (SELECT 1" + from + condition + ")");
-}
-
 BoundPtr ExpressionBinder::Like(const ast::LikeExpr& like, const Scope* scope) {
     const auto as_text = [&](const ast::Expr& expr, std::string_view position) {
         BoundPtr operand = Value(expr, scope);
@@ -289,7 +271,7 @@ BoundPtr ExpressionBinder::Cast(const ast::CastExpr& cast, const Scope* scope) {
     if (cast.style) {
         children.push_back(Value(*cast.style, scope));
     }
-    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Convert, type, std::move(children)));
+    auto node = MakeNode(BoundKind::Convert, type, std::move(children));
     node->attempt = cast.attempt;
     return node;
 }
@@ -330,7 +312,7 @@ BoundPtr ExpressionBinder::Choice(const std::vector<std::pair<BoundPtr, BoundPtr
         children.push_back(MakeConvert(value, type));
     }
     children.push_back(MakeConvert(otherwise, type));
-    auto node = std::make_shared<Bound>(*MakeNode(BoundKind::Case, type, std::move(children)));
+    auto node = MakeNode(BoundKind::Case, type, std::move(children));
     node->nullable = nullable;
     return node;
 }

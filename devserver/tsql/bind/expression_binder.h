@@ -26,7 +26,6 @@ class ExpressionBinder : private BinderPart {
     BoundPtr IsNull(const ast::IsNullExpr& expr, const Scope* scope);
     BoundPtr InList(const ast::InListExpr& in, const Scope* scope);
     BoundPtr InQuery(const ast::InQueryExpr& in, const Scope* scope);
-    BoundPtr Quantified(const ast::QuantifiedExpr& expr, const Scope* scope);
     BoundPtr Like(const ast::LikeExpr& like, const Scope* scope);
     BoundPtr Between(const ast::BetweenExpr& between, const Scope* scope);
     BoundPtr Case(const ast::CaseExpr& expr, const Scope* scope);

@@ -113,11 +113,7 @@ std::string NameBinder::LocalTable(const Naming& naming) {
 
 std::string NameBinder::CommonTable(const Naming& naming, const CommonTables::Entry& entry) {
     ScopeSource source{naming.exposed, {}, naming.alias, {}, nullptr};
-    for (std::size_t i = 0; i < entry.columns.size(); ++i) {
-        const devsql::Column& column = entry.columns[i];
-        source.columns.push_back({column.name, column.type, column.nullable, column.identity,
-                                  naming.alias + ".c" + std::to_string(i + 1)});
-    }
+    AddColumns(source, entry.columns, {});
     if (entry.recursive) { // The row's depth, under no name.
         source.columns.push_back({"", Simple(TypeId::BigInt), false, false, naming.alias + ".level"});
     }
@@ -172,12 +168,7 @@ std::string NameBinder::View(const Naming& naming, const ObjectDef& view, const 
         RaiseError(4502, {view.name});
     }
     ScopeSource source{naming.exposed, naming.named.name, binding_.NextAlias(), {}, nullptr};
-    for (std::size_t i = 0; i < query.columns.size(); ++i) {
-        const devsql::Column& column = query.columns[i];
-        source.columns.push_back({module.columns.empty() ? column.name : module.columns[i], column.type,
-                                  column.nullable, column.identity,
-                                  source.sql_alias + ".c" + std::to_string(i + 1)});
-    }
+    AddColumns(source, query.columns, module.columns);
     std::string sql = "(" + query.sql + ") AS " + source.sql_alias;
     naming.scope.sources.push_back(std::move(source));
     return sql;
@@ -223,12 +214,7 @@ BoundPtr NameBinder::Column(const ast::ColumnExpr& column, const Scope* scope) c
         }
         if (found != nullptr) {
             RequireReadable(*found);
-            auto node = std::make_shared<Bound>(*MakeSql(found->sql, found->type, found->nullable));
-            node->source = found_in->exposed;
-            node->column = found->name;
-            node->depth = level->depth;
-            node->identity = found->identity;
-            return node;
+            return MakeColumn(*found, *found_in, level->depth);
         }
     }
     if (scope == nullptr && name.parts.size() == 1) {

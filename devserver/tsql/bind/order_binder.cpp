@@ -69,11 +69,11 @@ std::string OrderBinder::ByExpression(const ast::Expr& expr, const SelectParts& 
     if (!parts.keys.empty()) {
         CheckGrouped(*value, parts.keys, parts.scope.depth, "ORDER BY");
     }
-    if (parts.grouping == ast::GroupingSets::One) {
+    if (!parts.rollup) {
         return NeedsSql(*value) ? emission_.EmitCollated(value) : "NULL";
     }
     if (selected == 0) { // Over a union of grouping sets, an order can only name columns.
-        RaiseError(40517, {"ORDER BY of what is not selected with ROLLUP or CUBE"});
+        RaiseError(40517, {"ORDER BY of what is not selected with ROLLUP"});
     }
     return ByColumn({"", value->type, true, false}, selected);
 }
@@ -133,30 +133,6 @@ std::string OrderBinder::Top(const ast::SelectCore& core, const std::string& cou
         RaiseError(1060);
     }
     return std::to_string(rows);
-}
-
-std::string OrderBinder::WithTies(const ast::SelectCore& core, const ast::Query* whole,
-                                  const SelectParts& parts, const std::string& rows) {
-    if (whole == nullptr || whole->order_by.empty()) {
-        RaiseError(1062);
-    }
-    SelectParts ranked = parts;
-    ranked.order.clear();
-    std::string order;
-    const bool saved = std::exchange(binding_.clause.aggregates, true);
-    for (const ast::OrderItem& item : whole->order_by) {
-        std::size_t position = OutputPosition(*item.expr, parts.columns);
-        if (position == 0) {
-            ranked.items.push_back(binder_.BindValue(*item.expr, &parts.scope));
-            ranked.columns.push_back({"", ranked.items.back()->type, true, false});
-            position = ranked.items.size();
-        }
-        order += (order.empty() ? "c" : ", c") + ByColumn(ranked.columns[position - 1], position) +
-                 (item.descending ? " DESC" : "");
-    }
-    binding_.clause.aggregates = saved;
-    return "(SELECT count(*) FROM (SELECT rank() OVER (ORDER BY " + order + ") AS r FROM (" +
-           EmitSelect(emission_, ranked, core.distinct) + ")) WHERE r <= " + rows + ")";
 }
 
 } // namespace devsql

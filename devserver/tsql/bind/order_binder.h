@@ -21,9 +21,6 @@ class OrderBinder : private BinderPart {
     std::string Offset(const ast::Query& query);
     /// The number of rows of TOP as SQL. `counted` is the query whose rows TOP … PERCENT counts.
     std::string Top(const ast::SelectCore& core, const std::string& counted);
-    /// TOP … WITH TIES: how many rows rank no lower than the last of `rows`.
-    std::string WithTies(const ast::SelectCore& core, const ast::Query* whole, const SelectParts& parts,
-                         const std::string& rows);
 
   private:
     std::string ByColumn(const Column& column, std::size_t position) const;

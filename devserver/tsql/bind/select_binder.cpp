@@ -21,12 +21,15 @@ bool HasAggregate(const Bound& node, int depth) {
     if (node.kind == BoundKind::Sql) {
         return node.aggregate && node.depth == depth;
     }
-    for (const BoundPtr& child : node.children) {
-        if (HasAggregate(*child, depth)) {
-            return true;
-        }
-    }
-    return false;
+    return std::ranges::any_of(node.children,
+                               [&](const BoundPtr& child) { return HasAggregate(*child, depth); });
+}
+
+/// True for GROUP BY, HAVING or an aggregate.
+static bool IsGrouped(const SelectParts& parts) {
+    return !parts.keys.empty() || parts.having || std::ranges::any_of(parts.items, [&](const BoundPtr& item) {
+        return HasAggregate(*item, parts.scope.depth);
+    });
 }
 
 BoundQuery SelectBinder::Select(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole) {
@@ -61,7 +64,7 @@ SelectParts SelectBinder::Parts(const ast::SelectCore& core, const Scope* outer,
     }
     clause.windows = false;
     clause.aggregates = false;
-    CheckGrouping(parts, core);
+    CheckGrouping(parts);
     Limit(core, whole, parts);
     return parts;
 }
@@ -77,7 +80,7 @@ void SelectBinder::Keys(const ast::SelectCore& core, SelectParts& parts) {
         }
         parts.keys.push_back(std::move(bound));
     }
-    parts.grouping = core.grouping;
+    parts.rollup = core.rollup;
 }
 
 void SelectBinder::Limit(const ast::SelectCore& core, const ast::Query* whole, SelectParts& parts) {
@@ -90,8 +93,7 @@ void SelectBinder::Limit(const ast::SelectCore& core, const ast::Query* whole, S
     }
     if (core.top) {
         const std::string counted = core.top->percent ? EmitSelect(emission_, parts, core.distinct) : "";
-        const std::string rows = orders.Top(core, counted);
-        parts.limit = " LIMIT " + (core.top->ties ? orders.WithTies(core, whole, parts, rows) : rows);
+        parts.limit = " LIMIT " + orders.Top(core, counted);
     }
 }
 
@@ -110,13 +112,8 @@ void SelectBinder::ExpandStar(const ast::SelectItem& item, SelectParts& parts) c
                 continue;
             }
             RequireReadable(column);
-            auto node = std::make_shared<Bound>(*MakeSql(column.sql, column.type, column.nullable));
-            node->source = source.exposed;
-            node->column = column.name;
-            node->depth = parts.scope.depth;
-            node->identity = column.identity;
             parts.columns.push_back({column.name, column.type, column.nullable, column.identity});
-            parts.items.push_back(std::move(node));
+            parts.items.push_back(MakeColumn(column, source, parts.scope.depth));
             parts.variables.emplace_back();
         }
     }
@@ -160,25 +157,18 @@ void CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int dept
         RaiseError(8161);
     }
     if (item.kind == BoundKind::Sql && !item.aggregate && !item.column.empty() && item.depth == depth) {
-        if (clause == "ORDER BY") {
-            RaiseError(8127, {item.source, item.column});
-        }
-        if (clause == "HAVING") {
-            RaiseError(8121, {item.source, item.column});
-        }
-        RaiseError(8120, {item.source, item.column});
+        RaiseError(clause == "ORDER BY" ? 8127
+                   : clause == "HAVING" ? 8121
+                                        : 8120,
+                   {item.source, item.column});
     }
     for (const BoundPtr& child : item.children) {
         CheckGrouped(*child, keys, depth, clause);
     }
 }
 
-void SelectBinder::CheckGrouping(const SelectParts& parts, const ast::SelectCore& core) const {
-    bool grouping = !core.group_by.empty() || parts.having != nullptr;
-    for (const BoundPtr& item : parts.items) {
-        grouping = grouping || HasAggregate(*item, parts.scope.depth);
-    }
-    if (!grouping) {
+void SelectBinder::CheckGrouping(const SelectParts& parts) const {
+    if (!IsGrouped(parts)) {
         return;
     }
     for (const BoundPtr& item : parts.items) {
@@ -191,11 +181,8 @@ void SelectBinder::CheckGrouping(const SelectParts& parts, const ast::SelectCore
 
 /// ORDER BY the clustered key, for a query that reads one table and has no order of its own; otherwise empty.
 std::string SelectBinder::ClusteredOrder(const ast::SelectCore& core, const SelectParts& parts) const {
-    const bool grouped = core.distinct || !parts.keys.empty() || parts.having ||
-                         std::ranges::any_of(parts.items, [&](const BoundPtr& item) {
-                             return HasAggregate(*item, parts.scope.depth);
-                         });
-    if (grouped || parts.scope.sources.size() != 1 || !parts.scope.sources[0].table) {
+    if (core.distinct || IsGrouped(parts) || parts.scope.sources.size() != 1 ||
+        !parts.scope.sources[0].table) {
         return {};
     }
     const ScopeSource& source = parts.scope.sources[0];

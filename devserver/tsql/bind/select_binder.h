@@ -23,7 +23,7 @@ class SelectBinder : private BinderPart {
     void Items(const ast::SelectCore& core, SelectParts& parts);
     void ExpandStar(const ast::SelectItem& item, SelectParts& parts) const;
     void Limit(const ast::SelectCore& core, const ast::Query* whole, SelectParts& parts);
-    void CheckGrouping(const SelectParts& parts, const ast::SelectCore& core) const;
+    void CheckGrouping(const SelectParts& parts) const;
     std::string ClusteredOrder(const ast::SelectCore& core, const SelectParts& parts) const;
 };
 

@@ -10,35 +10,28 @@ namespace devsql {
 
 namespace {
 
-/// The expression for a grouping set in which the keys in `absent` are NULL.
-BoundPtr WithoutKeys(const BoundPtr& node, const std::vector<BoundPtr>& keys,
-                     const std::vector<bool>& absent) {
-    const auto find = [&](const Bound& wanted) {
-        std::size_t key = 0;
-        while (key < keys.size() && !SameExpression(wanted, *keys[key])) {
-            ++key;
-        }
-        return key;
-    };
+/// The expression for the grouping set of the first `present` keys; the other keys are NULL.
+BoundPtr WithKeys(const BoundPtr& node, const std::vector<BoundPtr>& keys, std::size_t present) {
+    const Bound& wanted = IsGrouping(*node) ? *node->children[0] : *node;
+    const auto key =
+        std::ranges::find_if(keys, [&](const BoundPtr& known) { return SameExpression(wanted, *known); });
+    const bool absent = key - keys.begin() >= static_cast<std::ptrdiff_t>(present);
     if (IsGrouping(*node)) {
-        return MakeConstant(std::int64_t{absent[find(*node->children[0])]}, node->type);
+        return MakeConstant(std::int64_t{absent}, node->type);
     }
-    if (const std::size_t key = find(*node); key < keys.size()) {
-        return absent[key] ? MakeConstant({}, node->type) : node;
+    if (key != keys.end()) {
+        return absent ? MakeConstant({}, node->type) : node;
     }
     auto copy = std::make_shared<Bound>(*node);
     for (BoundPtr& child : copy->children) {
-        child = WithoutKeys(child, keys, absent);
+        child = WithKeys(child, keys, present);
     }
     return copy;
 }
 
-std::string EmitGroups(Emission& emission, const SelectParts& parts, bool distinct,
-                       const std::vector<bool>& absent) {
-    const bool whole = std::find(absent.begin(), absent.end(), true) == absent.end() &&
-                       parts.grouping == ast::GroupingSets::One;
+std::string EmitGroups(Emission& emission, const SelectParts& parts, bool distinct, std::size_t present) {
     const auto of_set = [&](const BoundPtr& node) {
-        return whole ? node : WithoutKeys(node, parts.keys, absent);
+        return parts.rollup ? WithKeys(node, parts.keys, present) : node;
     };
     std::string sql = distinct ? "SELECT DISTINCT " : "SELECT ";
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
@@ -56,10 +49,8 @@ std::string EmitGroups(Emission& emission, const SelectParts& parts, bool distin
         sql += " WHERE " + emission.EmitCondition(parts.where);
     }
     std::string keys;
-    for (std::size_t i = 0; i < parts.keys.size(); ++i) {
-        if (!absent[i]) {
-            keys += (keys.empty() ? "" : ", ") + emission.EmitCollated(parts.keys[i]);
-        }
+    for (std::size_t i = 0; i < present; ++i) {
+        keys += (i == 0 ? "" : ", ") + emission.EmitCollated(parts.keys[i]);
     }
     // SQLite requires a GROUP BY before HAVING. Without keys all rows are one group.
     if (!parts.keys.empty() || parts.having) {
@@ -79,24 +70,12 @@ bool IsGrouping(const Bound& node) {
 
 std::string EmitSelect(Emission& emission, const SelectParts& parts, bool distinct) {
     const std::size_t keys = parts.keys.size();
-    if (parts.grouping == ast::GroupingSets::One) {
-        return EmitGroups(emission, parts, distinct, std::vector<bool>(keys)) + parts.order + parts.limit;
+    std::string sql = EmitGroups(emission, parts, distinct, keys);
+    if (!parts.rollup) {
+        return sql + parts.order + parts.limit;
     }
-    constexpr std::size_t kMostKeys = 10; // SQL Server's limit.
-    if (keys > kMostKeys) {
-        RaiseError(40517, {"more than 10 keys under ROLLUP or CUBE"});
-    }
-    std::string sql;
-    for (std::size_t set = 0; set < (std::size_t{1} << keys); ++set) {
-        std::vector<bool> absent(keys);
-        bool rolled_up = true; // True if only the last keys are absent.
-        for (std::size_t key = 0; key < keys; ++key) {
-            absent[key] = ((set >> (keys - 1 - key)) & 1) != 0;
-            rolled_up = rolled_up && (key == 0 || !absent[key - 1] || absent[key]);
-        }
-        if (parts.grouping == ast::GroupingSets::Cube || rolled_up) {
-            sql += (sql.empty() ? "" : " UNION ALL ") + EmitGroups(emission, parts, distinct, absent);
-        }
+    for (std::size_t present = keys; present-- > 0;) {
+        sql += " UNION ALL " + EmitGroups(emission, parts, distinct, present);
     }
     return "SELECT * FROM (" + sql + ")" + parts.order + parts.limit;
 }

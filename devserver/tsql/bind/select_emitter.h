@@ -1,4 +1,4 @@
-// A bound SELECT in SQLite's SQL: one query, or under ROLLUP and CUBE one for each grouping set.
+// A bound SELECT in SQLite's SQL: one query, or under ROLLUP one for each grouping set.
 #pragma once
 
 #include <string>
@@ -21,7 +21,7 @@ struct SelectParts {
     std::vector<BoundPtr> items; ///< one for each column
     std::vector<std::string> variables;
     std::vector<bool> untyped_nulls;
-    ast::GroupingSets grouping = ast::GroupingSets::One;
+    bool rollup = false;
     std::string order;
     std::string limit;
 };

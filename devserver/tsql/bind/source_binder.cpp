@@ -3,6 +3,24 @@
 #include "devserver/tsql/bind/binder.h"
 
 namespace devsql {
+namespace {
+
+/// Gives the columns of a derived or common table their names. Raises 8155, 8156, 8158, 8159.
+void NameColumns(std::vector<Column>& columns, const std::vector<std::string>& names,
+                 const std::string& table) {
+    if (!names.empty() && names.size() != columns.size()) {
+        RaiseError(names.size() < columns.size() ? 8158 : 8159, {table});
+    }
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        columns[i].name = names.empty() ? columns[i].name : names[i];
+        if (columns[i].name.empty()) {
+            RaiseError(8155, {std::to_string(i + 1), table});
+        }
+    }
+    RequireDifferentNames(columns, 8156, table);
+}
+
+} // namespace
 
 std::string SourceBinder::From(const std::vector<ast::TableSourcePtr>& sources, Scope& scope) {
     std::string text;
@@ -32,22 +50,8 @@ std::string SourceBinder::Source(const ast::TableSource& source, Scope& scope) {
 std::string SourceBinder::Derived(const ast::DerivedSource& derived, Scope& scope) {
     BoundQuery query = binder_.BindQuery(*derived.query, scope.outer);
     ScopeSource source{derived.alias, {}, binding_.NextAlias(), {}, nullptr};
-    if (!derived.columns.empty() && derived.columns.size() != query.columns.size()) {
-        RaiseError(derived.columns.size() < query.columns.size() ? 8158 : 8159, {derived.alias});
-    }
-    for (std::size_t i = 0; i < query.columns.size(); ++i) {
-        const Column& column = query.columns[i];
-        const std::string& name = derived.columns.empty() ? column.name : derived.columns[i];
-        if (name.empty()) {
-            RaiseError(8155, {std::to_string(i + 1), derived.alias});
-        }
-        source.columns.push_back({name, column.type, column.nullable, column.identity,
-                                  source.sql_alias + ".c" + std::to_string(i + 1)});
-    }
-    for (std::size_t i = 0; i < query.columns.size(); ++i) {
-        query.columns[i].name = source.columns[i].name;
-    }
-    RequireDifferentNames(query.columns, 8156, derived.alias);
+    NameColumns(query.columns, derived.columns, derived.alias);
+    AddColumns(source, query.columns, {});
     std::string sql = "(" + query.sql + ") AS " + source.sql_alias;
     scope.sources.push_back(std::move(source));
     return sql;
@@ -102,18 +106,7 @@ CommonTables::Entry SourceBinder::CommonTable(const ast::CommonTable& table) {
         entry.sql = std::move(query.sql);
         entry.columns = std::move(query.columns);
     }
-    if (!table.columns.empty() && table.columns.size() != entry.columns.size()) {
-        RaiseError(table.columns.size() < entry.columns.size() ? 8158 : 8159, {table.name});
-    }
-    for (std::size_t i = 0; i < entry.columns.size(); ++i) {
-        if (!table.columns.empty()) {
-            entry.columns[i].name = table.columns[i];
-        }
-        if (entry.columns[i].name.empty()) {
-            RaiseError(8155, {std::to_string(i + 1), table.name});
-        }
-    }
-    RequireDifferentNames(entry.columns, 8156, table.name);
+    NameColumns(entry.columns, table.columns, table.name);
     return entry;
 }
 

@@ -30,12 +30,7 @@ void RequireNoTransaction(SessionCore& session, std::string_view statement) {
 }
 
 bool IsSystemDatabase(std::string_view name) {
-    for (const std::string_view system : {"master", "model", "msdb", "tempdb"}) {
-        if (SameText(system, name)) {
-            return true;
-        }
-    }
-    return false;
+    return ListHas("master,model,msdb,tempdb", TrimTrailingBlanks(name));
 }
 
 DatabaseInfo RequireDatabase(SessionCore& session, const std::string& name, std::int32_t error) {
@@ -372,22 +367,22 @@ namespace {
 
 void ModifyFile(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseStatement& alter) {
     const auto file = std::find_if(info.files.begin(), info.files.end(), [&](const DatabaseFile& candidate) {
-        return SameText(candidate.name, alter.name);
+        return SameText(candidate.name, alter.file.name);
     });
     if (file == info.files.end()) {
-        RaiseError(5041, {alter.name});
+        RaiseError(5041, {alter.file.name});
     }
-    if (!alter.new_name.empty()) {
+    const ast::FileSpec& spec = alter.file;
+    if (!spec.new_name.empty()) {
         for (const DatabaseFile& other : info.files) {
-            if (other.id != file->id && SameText(other.name, alter.new_name)) {
-                RaiseError(1828, {alter.new_name});
+            if (other.id != file->id && SameText(other.name, spec.new_name)) {
+                RaiseError(1828, {spec.new_name});
             }
         }
-        file->name = alter.new_name;
-        session.results().Print({5021, 0, 1, "The file name '" + alter.new_name + "' has been set.",
+        file->name = spec.new_name;
+        session.results().Print({5021, 0, 1, "The file name '" + spec.new_name + "' has been set.",
                                  session.calls().frame().procedure, session.status().line});
     }
-    const ast::FileSpec& spec = alter.files[0];
     file->size = InKilobytes(spec.size, file->size);
     file->max_size = InKilobytes(spec.max_size, file->max_size);
     file->growth = InKilobytes(spec.growth, file->growth);
@@ -411,62 +406,15 @@ void ModifyName(SessionCore& session, DatabaseInfo info, const std::string& new_
                              session.calls().frame().procedure, session.status().line});
 }
 
-void AddFiles(SessionCore& session, DatabaseInfo info, const ast::AlterDatabaseStatement& alter) {
-    for (const ast::FileSpec& spec : alter.files) {
-        DatabaseFile file;
-        for (const DatabaseFile& other : info.files) {
-            if (SameText(other.name, spec.name)) {
-                RaiseError(1828, {spec.name});
-            }
-            file.id = std::max(file.id, other.id);
-        }
-        ++file.id;
-        file.name = spec.name;
-        file.client_path = spec.path;
-        file.path = PlaceOfNewFile(session, spec.path);
-        file.log = alter.log_file;
-        file.file_group = alter.log_file ? "" : alter.name.empty() ? "PRIMARY" : alter.name;
-        file.size = InKilobytes(spec.size, "1024 KB");
-        file.max_size = InKilobytes(spec.max_size, "Unlimited");
-        file.growth = InKilobytes(spec.growth, "10%");
-        WriteLogFile(file);
-        info.files.push_back(std::move(file));
-    }
-    UpdateDatabase(session.connection(), info);
-}
-
-/// Sets an option. Options are stored and shown; only those of access have an effect.
-constexpr std::array<std::string_view, 31> kOptions = {"RECOVERY",
-                                                       "AUTO_SHRINK",
-                                                       "AUTO_CLOSE",
-                                                       "AUTO_CREATE_STATISTICS",
-                                                       "AUTO_UPDATE_STATISTICS",
-                                                       "TORN_PAGE_DETECTION",
-                                                       "PAGE_VERIFY",
-                                                       "ANSI_NULL_DEFAULT",
-                                                       "ANSI_NULLS",
-                                                       "ANSI_PADDING",
-                                                       "ANSI_WARNINGS",
-                                                       "ARITHABORT",
-                                                       "CONCAT_NULL_YIELDS_NULL",
-                                                       "NUMERIC_ROUNDABORT",
-                                                       "QUOTED_IDENTIFIER",
-                                                       "RECURSIVE_TRIGGERS",
-                                                       "CURSOR_CLOSE_ON_COMMIT",
-                                                       "CURSOR_DEFAULT",
-                                                       "DB_CHAINING",
-                                                       "TRUSTWORTHY",
-                                                       "COMPATIBILITY_LEVEL",
-                                                       "ALLOW_SNAPSHOT_ISOLATION",
-                                                       "READ_COMMITTED_SNAPSHOT",
-                                                       "PARAMETERIZATION",
-                                                       "AUTO_UPDATE_STATISTICS_ASYNC",
-                                                       "DATE_CORRELATION_OPTIMIZATION",
-                                                       "HONOR_BROKER_PRIORITY",
-                                                       "DISABLE_BROKER",
-                                                       "TARGET_RECOVERY_TIME",
-                                                       "DELAYED_DURABILITY",
-                                                       "MIXED_PAGE_ALLOCATION"};
+/// The options that are stored and shown, but have no effect.
+constexpr std::string_view kOptions =
+    "RECOVERY,AUTO_SHRINK,AUTO_CLOSE,AUTO_CREATE_STATISTICS,AUTO_UPDATE_STATISTICS,TORN_PAGE_DETECTION,"
+    "PAGE_VERIFY,ANSI_NULL_DEFAULT,ANSI_NULLS,ANSI_PADDING,ANSI_WARNINGS,ARITHABORT,"
+    "CONCAT_NULL_YIELDS_NULL,NUMERIC_ROUNDABORT,QUOTED_IDENTIFIER,RECURSIVE_TRIGGERS,"
+    "CURSOR_CLOSE_ON_COMMIT,CURSOR_DEFAULT,DB_CHAINING,TRUSTWORTHY,COMPATIBILITY_LEVEL,"
+    "ALLOW_SNAPSHOT_ISOLATION,READ_COMMITTED_SNAPSHOT,PARAMETERIZATION,AUTO_UPDATE_STATISTICS_ASYNC,"
+    "DATE_CORRELATION_OPTIMIZATION,HONOR_BROKER_PRIORITY,DISABLE_BROKER,TARGET_RECOVERY_TIME,"
+    "DELAYED_DURABILITY,MIXED_PAGE_ALLOCATION";
 
 /// No session uses an offline database, so its files can be copied.
 void SetOffline(SessionCore& session, const DatabaseInfo& info, bool offline, Others others) {
@@ -523,7 +471,7 @@ void SetDatabaseOption(SessionCore& session, const std::string& database, const 
     if (option == "READ_WRITE" || (option == "FILESTREAM" && value == "OFF")) {
         return; // Every database is read-write.
     }
-    if (option == "COLLATE" || std::find(kOptions.begin(), kOptions.end(), option) != kOptions.end()) {
+    if (option == "COLLATE" || ListHas(kOptions, option)) {
         StoreOption(session.connection(), info.id, option, value);
         return;
     }
@@ -541,18 +489,6 @@ void RunAlterDatabase(SessionCore& session, const ast::AlterDatabaseStatement& a
     case ast::AlterDatabaseAction::ModifyFile:
         ModifyFile(session, RequireDatabase(session, name, 5011), alter);
         break;
-    case ast::AlterDatabaseAction::AddFile:
-        AddFiles(session, RequireDatabase(session, name, 5011), alter);
-        break;
-    case ast::AlterDatabaseAction::AddFileGroup: {
-        const DatabaseInfo info = RequireDatabase(session, name, 5011);
-        const std::string option = "FILEGROUP " + Folded(alter.name);
-        if (info.options.contains(option)) {
-            RaiseError(5035, {alter.name});
-        }
-        StoreOption(session.connection(), info.id, option, "ON");
-        break;
-    }
     case ast::AlterDatabaseAction::Owner:
         ChangeOwner(session, RequireDatabase(session, name, 5011), alter.new_name);
         break;

@@ -1,6 +1,5 @@
 // CREATE TABLE, SELECT … INTO and table variables.
 #include <algorithm>
-#include <array>
 
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/parse/parser.h"

@@ -1,7 +1,6 @@
 // Logins, users, roles, schemas and rights. Rights are stored and shown but not enforced: every login may do
 // everything.
 #include <algorithm>
-#include <array>
 
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/scalar/text.h"
@@ -43,30 +42,10 @@ void AddPrincipal(SessionCore& session, const std::string& name, const std::stri
 }
 
 /// The permissions that GRANT accepts.
-constexpr std::array<std::string_view, 24> kPermissions = {"ALL",
-                                                           "ALL PRIVILEGES",
-                                                           "SELECT",
-                                                           "INSERT",
-                                                           "UPDATE",
-                                                           "DELETE",
-                                                           "EXECUTE",
-                                                           "EXEC",
-                                                           "REFERENCES",
-                                                           "CREATE TABLE",
-                                                           "CREATE VIEW",
-                                                           "CREATE PROCEDURE",
-                                                           "CREATE DATABASE",
-                                                           "CREATE DEFAULT",
-                                                           "CREATE FUNCTION",
-                                                           "CREATE RULE",
-                                                           "BACKUP DATABASE",
-                                                           "BACKUP LOG",
-                                                           "CONNECT",
-                                                           "CONTROL",
-                                                           "ALTER",
-                                                           "VIEW DEFINITION",
-                                                           "TAKE OWNERSHIP",
-                                                           "CREATE SCHEMA"};
+constexpr std::string_view kPermissions =
+    "ALL,ALL PRIVILEGES,SELECT,INSERT,UPDATE,DELETE,EXECUTE,EXEC,REFERENCES,CREATE TABLE,CREATE VIEW,"
+    "CREATE PROCEDURE,CREATE DATABASE,CREATE DEFAULT,CREATE FUNCTION,CREATE RULE,BACKUP DATABASE,"
+    "BACKUP LOG,CONNECT,CONTROL,ALTER,VIEW DEFINITION,TAKE OWNERSHIP,CREATE SCHEMA";
 
 } // namespace
 
@@ -229,7 +208,7 @@ void RunGrant(SessionCore& session, const ast::GrantStatement& grant) {
         object = found->id;
     }
     for (const std::string& permission : grant.permissions) {
-        if (std::find(kPermissions.begin(), kPermissions.end(), permission) == kPermissions.end()) {
+        if (!ListHas(kPermissions, permission)) {
             RaiseError(102, {permission});
         }
     }

@@ -143,8 +143,6 @@ struct CreateModuleStatement {
     std::vector<Parameter> parameters; ///< of a function, the last one is its result and has no name
     std::vector<std::string> columns;  ///< of a view
     bool encrypted = false;
-    bool recompile = false;
-    bool check_option = false;
     QueryPtr query;          ///< of a view
     StatementList body;      ///< of a procedure, function or trigger
     Name table;              ///< of a trigger
@@ -154,6 +152,7 @@ struct CreateModuleStatement {
 
 struct FileSpec {
     std::string name;
+    std::string new_name; ///< of ALTER DATABASE
     std::string path;
     std::string size; ///< as written, "5MB"; empty: not given
     std::string max_size;
@@ -166,14 +165,12 @@ struct CreateDatabaseStatement {
     std::vector<FileSpec> logs;
     bool attach = false;
 };
-enum class AlterDatabaseAction : std::uint8_t { ModifyName, ModifyFile, AddFile, AddFileGroup, Set, Owner };
+enum class AlterDatabaseAction : std::uint8_t { ModifyName, ModifyFile, Set, Owner };
 struct AlterDatabaseStatement {
     std::string database;
     AlterDatabaseAction action = AlterDatabaseAction::Set;
-    std::string name;     ///< MODIFY NAME, MODIFY FILE (NAME = …), ADD FILEGROUP
-    std::string new_name; ///< MODIFY FILE (NEWNAME = …); the login that becomes the owner
-    std::vector<FileSpec> files;
-    bool log_file = false;
+    std::string new_name; ///< of the database; the login that becomes the owner
+    FileSpec file;        ///< MODIFY FILE
     std::vector<std::pair<std::string, std::string>> options; ///< upper case; SINGLE_USER has the value ""
     bool rollback_immediate = false;
 };

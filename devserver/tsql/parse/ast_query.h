@@ -67,13 +67,6 @@ struct CompareExpr {
     ExprPtr left;
     ExprPtr right;
 };
-/// x > ALL (SELECT …), x = ANY (SELECT …)
-struct QuantifiedExpr {
-    CompareOp op;
-    bool all;
-    ExprPtr operand;
-    QueryPtr query;
-};
 struct LogicExpr {
     bool conjunction;
     ExprPtr left;
@@ -150,8 +143,8 @@ struct Expr {
     explicit Expr(Node&& from, std::int32_t at)
         : node(std::in_place_type<std::remove_cvref_t<Node>>, std::forward<Node>(from)), line(at) {}
 
-    std::variant<LiteralExpr, VariableExpr, ColumnExpr, UnaryExpr, BinaryExpr, CompareExpr, QuantifiedExpr,
-                 LogicExpr, NotExpr, IsNullExpr, BetweenExpr, InListExpr, InQueryExpr, LikeExpr, ExistsExpr,
+    std::variant<LiteralExpr, VariableExpr, ColumnExpr, UnaryExpr, BinaryExpr, CompareExpr, LogicExpr,
+                 NotExpr, IsNullExpr, BetweenExpr, InListExpr, InQueryExpr, LikeExpr, ExistsExpr,
                  SubqueryExpr, CaseExpr, CastExpr, CallExpr>
         node;
     std::int32_t line = 1;
@@ -198,11 +191,7 @@ struct TableSource {
 struct Top {
     ExprPtr count;
     bool percent = false;
-    bool ties = false; ///< WITH TIES: also the rows that are equal to the last one by ORDER BY
 };
-
-/// GROUP BY … WITH ROLLUP: also each shorter list of the keys from the left; WITH CUBE: each choice of keys.
-enum class GroupingSets : std::uint8_t { One, Rollup, Cube };
 
 struct SelectCore {
     bool distinct = false;
@@ -212,7 +201,7 @@ struct SelectCore {
     std::vector<TableSourcePtr> from;
     ExprPtr where;
     std::vector<ExprPtr> group_by;
-    GroupingSets grouping = GroupingSets::One;
+    bool rollup = false; ///< WITH ROLLUP: also by each shorter list of the keys from the left
     ExprPtr having;
 };
 

@@ -1,5 +1,4 @@
 // CREATE and ALTER DATABASE, users, roles, logins, rights and types.
-#include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
 #include "devserver/tsql/scalar/text.h"
@@ -28,9 +27,7 @@ StatementPtr Parser::ParseCreateDatabase() {
         TakeName();
     }
     if (TakeWord("FOR")) {
-        if (TakeOneOf({"ATTACH", "ATTACH_REBUILD_LOG"}) < 0) {
-            SyntaxError();
-        }
+        ExpectOneOf({"ATTACH", "ATTACH_REBUILD_LOG"});
         create.attach = true;
     }
     if (TakeWords({"WITH", "CATALOG_COLLATION"})) {
@@ -46,46 +43,30 @@ StatementPtr Parser::ParseCreateDatabase() {
 std::vector<FileSpec> Parser::ParseFileSpecs() {
     std::vector<FileSpec> files;
     std::string group;
-    do {
+    CommaSeparated([&] {
         if (TakeWord("FILEGROUP")) {
             group = TakeName();
             TakeWord("DEFAULT");
         }
         FileSpec file = ParseFileSpec();
+        if (!file.new_name.empty()) {
+            Unsupported("NEWNAME");
+        }
         file.file_group = group;
         files.push_back(std::move(file));
-    } while (TakeSymbol(","));
+    });
     return files;
 }
 
 FileSpec Parser::ParseFileSpec() {
+    constexpr std::string FileSpec::*kParts[] = {&FileSpec::name, &FileSpec::new_name, &FileSpec::path,
+                                                 &FileSpec::size, &FileSpec::max_size, &FileSpec::growth};
     FileSpec file;
-    ExpectSymbol("(");
-    do {
-        const int which = TakeOneOf({"NAME", "FILENAME", "SIZE", "MAXSIZE", "FILEGROWTH"});
-        if (which < 0) {
-            SyntaxError();
-        }
+    ListInParentheses([&] {
+        const int which = ExpectOneOf({"NAME", "NEWNAME", "FILENAME", "SIZE", "MAXSIZE", "FILEGROWTH"});
         ExpectSymbol("=");
-        switch (which) {
-        case 0:
-            file.name = TakeNameOrString();
-            break;
-        case 1:
-            file.path = TakeString();
-            break;
-        case 2:
-            file.size = ParseSize();
-            break;
-        case 3:
-            file.max_size = ParseSize();
-            break;
-        default:
-            file.growth = ParseSize();
-            break;
-        }
-    } while (TakeSymbol(","));
-    ExpectSymbol(")");
+        file.*kParts[which] = which < 2 ? TakeNameOrString() : which == 2 ? TakeString() : ParseSize();
+    });
     return file;
 }
 
@@ -113,32 +94,22 @@ std::string Parser::ParseSize() {
 StatementPtr Parser::ParseAlterDatabase() {
     AlterDatabaseStatement alter;
     alter.database = TakeWord("CURRENT") ? std::string() : TakeName();
-    if (TakeWord("MODIFY")) {
-        if (TakeWord("NAME")) {
-            ExpectSymbol("=");
-            alter.action = AlterDatabaseAction::ModifyName;
-            alter.new_name = TakeNameOrString();
-            return Wrap(std::move(alter));
-        }
-        if (!TakeWord("FILE")) {
-            Unsupported("MODIFY " + Peek().text);
-        }
-        return ParseModifyFile(std::move(alter));
+    if (TakeWords({"MODIFY", "NAME"})) {
+        ExpectSymbol("=");
+        alter.action = AlterDatabaseAction::ModifyName;
+        alter.new_name = TakeNameOrString();
+        return Wrap(std::move(alter));
     }
-    if (TakeWord("ADD")) {
-        if (TakeWord("FILEGROUP")) {
-            alter.action = AlterDatabaseAction::AddFileGroup;
-            alter.name = TakeName();
-            return Wrap(std::move(alter));
-        }
-        alter.log_file = TakeWord("LOG");
-        ExpectWord("FILE");
-        alter.action = AlterDatabaseAction::AddFile;
-        alter.files = ParseFileSpecs();
-        if (TakeWords({"TO", "FILEGROUP"})) {
-            alter.name = TakeWord("DEFAULT") ? "PRIMARY" : TakeNameOrString();
+    if (TakeWords({"MODIFY", "FILE"})) {
+        alter.action = AlterDatabaseAction::ModifyFile;
+        alter.file = ParseFileSpec();
+        if (!alter.file.path.empty()) {
+            Unsupported("MODIFY FILE FILENAME");
         }
         return Wrap(std::move(alter));
+    }
+    if (IsOneOf({"MODIFY", "ADD"})) {
+        Unsupported(AsciiUpper(Peek().text) + " " + AsciiUpper(Peek(1).text));
     }
     if (TakeWord("COLLATE")) {
         alter.options.emplace_back("COLLATE", TakeName());
@@ -167,45 +138,9 @@ StatementPtr Parser::ParseAuthorization() {
     return Wrap(std::move(alter));
 }
 
-StatementPtr Parser::ParseModifyFile(AlterDatabaseStatement alter) {
-    alter.action = AlterDatabaseAction::ModifyFile;
-    FileSpec file;
-    ExpectSymbol("(");
-    do {
-        const int which = TakeOneOf({"NAME", "NEWNAME", "SIZE", "MAXSIZE", "FILEGROWTH", "FILENAME"});
-        if (which < 0) {
-            SyntaxError();
-        }
-        if (which == 5) {
-            Unsupported("MODIFY FILE FILENAME");
-        }
-        ExpectSymbol("=");
-        switch (which) {
-        case 0:
-            alter.name = TakeNameOrString();
-            break;
-        case 1:
-            alter.new_name = TakeNameOrString();
-            break;
-        case 2:
-            file.size = ParseSize();
-            break;
-        case 3:
-            file.max_size = ParseSize();
-            break;
-        default:
-            file.growth = ParseSize();
-            break;
-        }
-    } while (TakeSymbol(","));
-    ExpectSymbol(")");
-    alter.files.push_back(std::move(file));
-    return Wrap(std::move(alter));
-}
-
 void Parser::ParseDatabaseOptions(AlterDatabaseStatement& alter) {
     alter.action = AlterDatabaseAction::Set;
-    do {
+    CommaSeparated([&] {
         std::string option = AsciiUpper(Take().text);
         std::string value;
         if (option == "FILESTREAM" && TakeSymbol("(")) { // FILESTREAM (NON_TRANSACTED_ACCESS = OFF)
@@ -214,10 +149,10 @@ void Parser::ParseDatabaseOptions(AlterDatabaseStatement& alter) {
             value = AsciiUpper(Take().text);
             ExpectSymbol(")");
             alter.options.emplace_back(std::move(option), std::move(value));
-            continue;
+            return;
         }
         TakeSymbol("=");
-        if (IsWord("ON") || IsWord("OFF")) {
+        if (IsOneOf({"ON", "OFF"})) {
             value = AsciiUpper(Take().text);
             if (value == "ON" && IsSymbol("(")) {
                 Unsupported(option);
@@ -225,12 +160,12 @@ void Parser::ParseDatabaseOptions(AlterDatabaseStatement& alter) {
         } else if (Peek().kind == TokenKind::Integer) {
             value = Take().text;
             TakeOneOf({"SECONDS", "MINUTES"});
-        } else if (option == "RECOVERY" || option == "CURSOR_DEFAULT" || option == "PAGE_VERIFY" ||
-                   option == "PARAMETERIZATION" || option == "DELAYED_DURABILITY") {
+        } else if (ListHas("RECOVERY,CURSOR_DEFAULT,PAGE_VERIFY,PARAMETERIZATION,DELAYED_DURABILITY",
+                           option)) {
             value = AsciiUpper(Take().text);
         }
         alter.options.emplace_back(std::move(option), std::move(value));
-    } while (TakeSymbol(","));
+    });
     if (TakeWord("WITH")) {
         if (TakeWord("ROLLBACK")) {
             if (TakeWord("AFTER")) {
@@ -251,7 +186,7 @@ void Parser::ParseDatabaseOptions(AlterDatabaseStatement& alter) {
 StatementPtr Parser::ParseGrant(GrantAction action) {
     GrantStatement grant{action, {}, {}, {}, false};
     TakeWords({"GRANT", "OPTION", "FOR"});
-    do {
+    CommaSeparated([&] {
         std::string permission;
         while (Peek().kind == TokenKind::Word && !IsWord("ON") && !IsWord("TO") && !IsWord("FROM")) {
             permission += (permission.empty() ? "" : " ") + AsciiUpper(Take().text);
@@ -263,28 +198,21 @@ StatementPtr Parser::ParseGrant(GrantAction action) {
             Unsupported("column permission");
         }
         grant.permissions.push_back(std::move(permission));
-    } while (TakeSymbol(","));
+    });
     if (TakeWord("ON")) {
-        for (const std::string_view securable : {"OBJECT", "SCHEMA", "TYPE", "DATABASE"}) {
-            if (IsWord(securable) && IsSymbol("::", 1)) {
-                if (securable != "OBJECT") {
-                    Unsupported(std::string(securable) + "::");
-                }
-                Take();
-                Take();
+        if (IsOneOf({"OBJECT", "SCHEMA", "TYPE", "DATABASE"}) && IsSymbol("::", 1)) {
+            if (!IsWord("OBJECT")) {
+                Unsupported(AsciiUpper(Peek().text) + "::");
             }
+            next_ += 2;
         }
         grant.object = TakeObjectName();
         if (IsSymbol("(")) {
             Unsupported("column permission");
         }
     }
-    if (TakeOneOf({"TO", "FROM"}) < 0) {
-        SyntaxError();
-    }
-    do {
-        grant.grantees.push_back(TakeWord("PUBLIC") ? "public" : TakeName());
-    } while (TakeSymbol(","));
+    ExpectOneOf({"TO", "FROM"});
+    CommaSeparated([&] { grant.grantees.push_back(TakeWord("PUBLIC") ? "public" : TakeName()); });
     grant.grant_option = TakeWords({"WITH", "GRANT", "OPTION"});
     if (TakeWord("AS")) { // The grantor is skipped: rights are kept, not enforced.
         TakeName();
@@ -307,14 +235,14 @@ StatementPtr Parser::ParseCreatePrincipal(ObjectKind kind) {
         if (!TakeWord("WITH")) {
             Unsupported("CREATE LOGIN " + Peek().text);
         }
-        do {
+        CommaSeparated([&] {
             const std::string option = AsciiUpper(Take().text);
             ExpectSymbol("=");
             const std::string value = Take().text;
             if (option == "PASSWORD") {
                 create.password = value;
             }
-        } while (TakeSymbol(","));
+        });
     } else if (kind == ObjectKind::User) {
         if (TakeOneOf({"FOR", "FROM"}) >= 0) {
             ExpectWord("LOGIN");
@@ -352,11 +280,7 @@ StatementPtr Parser::ParseCreateType() {
 StatementPtr Parser::ParseAlterRole() {
     AlterRoleStatement alter;
     alter.role = TakeName();
-    const int action = TakeOneOf({"ADD", "DROP"});
-    if (action < 0) {
-        SyntaxError();
-    }
-    alter.add = action == 0;
+    alter.add = ExpectOneOf({"ADD", "DROP"}) == 0;
     ExpectWord("MEMBER");
     alter.member = TakeName();
     return Wrap(std::move(alter));

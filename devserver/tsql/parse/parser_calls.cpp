@@ -1,6 +1,5 @@
 // EXECUTE, messages, waiting, transactions, and the statements that maintain a server.
 #include <algorithm>
-#include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
 #include "devserver/tsql/scalar/sql_error.h"
@@ -11,9 +10,7 @@ namespace devsql {
 using namespace ast;
 
 StatementPtr Parser::ParseExecute() {
-    Take();
-    if (IsSymbol("(")) {
-        Take();
+    if (TakeSymbol("(")) {
         ExecuteStringStatement statement{ParseValue()};
         ExpectSymbol(")");
         if (IsWord("AT")) {
@@ -50,14 +47,12 @@ ExecuteStatement Parser::ParseProcedureCall() {
     }
     const auto begins_argument = [this] {
         if (Peek().kind == TokenKind::Word) {
-            return IsName() ? !IsSymbol(":", 1) : IsWord("NULL") || IsWord("DEFAULT");
+            return IsName() ? !IsSymbol(":", 1) : IsOneOf({"NULL", "DEFAULT"});
         }
         return Peek().kind == TokenKind::Symbol ? IsSymbol("-") || IsSymbol("+") : !AtEnd();
     };
     if (begins_argument()) {
-        do {
-            call.arguments.push_back(ParseArgument());
-        } while (TakeSymbol(","));
+        CommaSeparated([&] { call.arguments.push_back(ParseArgument()); });
     }
     if (TakeWord("WITH")) {
         ExpectWord("RECOMPILE");
@@ -92,7 +87,6 @@ Argument Parser::ParseArgument() {
 // ------------------------------------------------------------------ messages, waiting, transactions
 
 StatementPtr Parser::ParseRaiserror() {
-    ExpectWord("RAISERROR");
     RaiserrorStatement raise;
     const bool parenthesis = TakeSymbol("(");
     raise.message = ParseValue();
@@ -110,15 +104,11 @@ StatementPtr Parser::ParseRaiserror() {
     }
     ExpectSymbol(")");
     if (TakeWord("WITH")) {
-        do {
-            const int option = TakeOneOf({"NOWAIT", "LOG", "SETERROR"});
-            if (option < 0) {
-                SyntaxError();
-            }
-            raise.no_wait = raise.no_wait || option == 0;
-            raise.log = raise.log || option == 1;
-            raise.set_error = raise.set_error || option == 2;
-        } while (TakeSymbol(","));
+        CommaSeparated([&] {
+            constexpr bool RaiserrorStatement::*kOptions[] = {
+                &RaiserrorStatement::no_wait, &RaiserrorStatement::log, &RaiserrorStatement::set_error};
+            raise.*kOptions[ExpectOneOf({"NOWAIT", "LOG", "SETERROR"})] = true;
+        });
     }
     return Wrap(std::move(raise));
 }
@@ -126,11 +116,10 @@ StatementPtr Parser::ParseRaiserror() {
 bool Parser::BeginsStatementOfNames() const {
     const TokenKind next = Peek(1).kind;
     return (IsWord("THROW") && (next == TokenKind::Integer || next == TokenKind::Variable)) ||
-           ((IsWord("DISABLE") || IsWord("ENABLE")) && IsWord("TRIGGER", 1));
+           (IsOneOf({"DISABLE", "ENABLE"}) && IsWord("TRIGGER", 1));
 }
 
 StatementPtr Parser::ParseThrow() {
-    ExpectWord("THROW");
     ThrowStatement statement;
     if (Peek().kind == TokenKind::Integer || Peek().kind == TokenKind::Variable) {
         statement.number = ParseValue();
@@ -143,7 +132,6 @@ StatementPtr Parser::ParseThrow() {
 }
 
 StatementPtr Parser::ParseWaitfor() {
-    ExpectWord("WAITFOR");
     WaitforStatement wait;
     wait.until = TakeWord("TIME");
     if (!wait.until) {
@@ -172,7 +160,6 @@ StatementPtr Parser::ParseTransaction(TransactionAction action) {
 }
 
 StatementPtr Parser::ParseFetch() {
-    ExpectWord("FETCH");
     FetchStatement fetch;
     const int direction = TakeOneOf({"NEXT", "PRIOR", "FIRST", "LAST", "ABSOLUTE", "RELATIVE"});
     if (direction >= 0) {
@@ -185,20 +172,25 @@ StatementPtr Parser::ParseFetch() {
         TakeWord("FROM");
     }
     TakeWord("GLOBAL");
-    fetch.name = Peek().kind == TokenKind::Variable ? TakeVariable() : TakeName();
+    fetch.name = TakeCursorName();
     if (TakeWord("INTO")) {
-        do {
+        CommaSeparated([&] {
             RequireDeclared(Peek().text);
             fetch.into.push_back(TakeVariable());
-        } while (TakeSymbol(","));
+        });
     }
     return Wrap(std::move(fetch));
 }
 
-StatementPtr Parser::ParseMaintenance() {
-    if (TakeWord("CHECKPOINT")) {
-        return Wrap(MaintenanceStatement{"CHECKPOINT"});
+StatementPtr Parser::ParseReconfigure() {
+    if (TakeWord("WITH")) {
+        ExpectWord("OVERRIDE");
     }
+    return Wrap(MaintenanceStatement{"RECONFIGURE"});
+}
+
+/// Statements that more than their first word tells apart from others, labels, and those that are refused.
+StatementPtr Parser::ParseNamedStatement() {
     if (TakeWords({"UPDATE", "STATISTICS"})) {
         TakeObjectName();
         if (IsName() && !IsWord("WITH")) {
@@ -208,51 +200,29 @@ StatementPtr Parser::ParseMaintenance() {
         SkipStatisticsOptions();
         return Wrap(MaintenanceStatement{"UPDATE STATISTICS"});
     }
-    if (TakeWord("RECONFIGURE")) {
-        if (TakeWord("WITH")) {
-            ExpectWord("OVERRIDE");
-        }
-        return Wrap(MaintenanceStatement{"RECONFIGURE"});
+    // DUMP TRANSACTION x WITH NO_LOG, BACKUP LOG x WITH TRUNCATE_ONLY: there is no log to truncate here.
+    if (IsOneOf({"DUMP", "BACKUP"}) && IsOneOf({"TRAN", "TRANSACTION", "LOG"}, 1) && IsWord("WITH", 3) &&
+        IsOneOf({"NO_LOG", "TRUNCATE_ONLY"}, 4)) {
+        next_ += 5;
+        return Wrap(MaintenanceStatement{"BACKUP LOG"});
     }
-    if (TakeWord("KILL")) {
-        return Wrap(KillStatement{TakeInteger()});
-    }
-    if (IsWord("DBCC")) {
-        return ParseDbcc();
-    }
-    if (StatementPtr truncation = ParseLogTruncation()) {
-        return truncation;
-    }
-    constexpr std::array<std::string_view, 11> kRefused = {"BACKUP",   "RESTORE",   "DUMP",       "LOAD",
-                                                           "READTEXT", "WRITETEXT", "UPDATETEXT", "SHUTDOWN",
-                                                           "SETUSER",  "MERGE",     "REVERT"};
-    for (const std::string_view word : kRefused) {
-        if (IsWord(word)) {
-            UnsupportedStatement(word);
-        }
+    constexpr std::string_view kRefused =
+        "BACKUP,RESTORE,DUMP,LOAD,READTEXT,WRITETEXT,UPDATETEXT,SHUTDOWN,SETUSER,MERGE,REVERT";
+    if (Peek().kind == TokenKind::Word && ListHas(kRefused, Peek().text)) {
+        UnsupportedStatement(AsciiUpper(Peek().text));
     }
     if (IsWord("BULK")) {
         UnsupportedStatement("BULK " + AsciiUpper(Peek(1).text));
     }
-    if ((IsWord("ENABLE") || IsWord("DISABLE")) && IsWord("TRIGGER", 1)) {
+    if (IsOneOf({"ENABLE", "DISABLE"}) && IsWord("TRIGGER", 1)) {
         return ParseSwitchTriggers();
     }
-    return nullptr;
-}
-
-/// DUMP TRANSACTION x WITH NO_LOG, BACKUP LOG x WITH TRUNCATE_ONLY: there is no log to truncate here.
-StatementPtr Parser::ParseLogTruncation() {
-    const bool log = (IsWord("DUMP") || IsWord("BACKUP")) &&
-                     (IsWord("TRAN", 1) || IsWord("TRANSACTION", 1) || IsWord("LOG", 1));
-    if (!log || !IsWord("WITH", 3) || !(IsWord("NO_LOG", 4) || IsWord("TRUNCATE_ONLY", 4))) {
-        return nullptr;
+    if (IsName() && IsSymbol(":", 1)) {
+        LabelStatement label{TakeName()};
+        Take();
+        return Wrap(std::move(label));
     }
-    Take();
-    Take();
-    TakeName();
-    Take();
-    Take();
-    return Wrap(MaintenanceStatement{"BACKUP LOG"});
+    SyntaxError();
 }
 
 StatementPtr Parser::ParseCheckIdentity() {
@@ -265,11 +235,7 @@ StatementPtr Parser::ParseCheckIdentity() {
         check.table = TakeObjectName().text();
     }
     if (TakeSymbol(",")) {
-        const int action = TakeOneOf({"RESEED", "NORESEED"});
-        if (action < 0) {
-            SyntaxError();
-        }
-        check.reseed = action == 0;
+        check.reseed = ExpectOneOf({"RESEED", "NORESEED"}) == 0;
         if (check.reseed && TakeSymbol(",")) {
             check.value = ParseValue();
         }
@@ -297,14 +263,13 @@ void Parser::SkipStatisticsOptions() {
     if (!TakeWord("WITH")) {
         return;
     }
-    do {
+    CommaSeparated([&] {
         if (TakeWord("SAMPLE")) {
             TakeInteger();
             TakeOneOf({"PERCENT", "ROWS"});
-        } else if (TakeOneOf({"FULLSCAN", "RESAMPLE", "NORECOMPUTE", "ALL", "COLUMNS", "INDEX"}) < 0) {
-            SyntaxError();
-        }
-    } while (TakeSymbol(","));
+        } else
+            ExpectOneOf({"FULLSCAN", "RESAMPLE", "NORECOMPUTE", "ALL", "COLUMNS", "INDEX"});
+    });
 }
 
 /// CREATE STATISTICS name ON table (columns)
@@ -334,31 +299,29 @@ StatementPtr Parser::ParseAlterIndex() {
 }
 
 StatementPtr Parser::ParseDbcc() {
-    ExpectWord("DBCC");
     const std::int32_t line = Peek().line;
     const std::string name = AsciiUpper(Take().text);
     if (name == "CHECKIDENT") {
         return ParseCheckIdentity();
     }
     // These reorganise or check what needs neither on this server.
-    constexpr std::array<std::string_view, 14> kAccepted = {
-        "CHECKDB",         "CHECKTABLE",       "CHECKALLOC",  "CHECKCATALOG", "SHRINKDATABASE",
-        "SHRINKFILE",      "DBREINDEX",        "INDEXDEFRAG", "UPDATEUSAGE",  "FREEPROCCACHE",
-        "FREESYSTEMCACHE", "DROPCLEANBUFFERS", "TRACEON",     "TRACEOFF"};
-    constexpr std::array<std::string_view, 9> kRefused = {"CHECKCONSTRAINTS", "CLEANTABLE",   "INPUTBUFFER",
-                                                          "OPENTRAN",         "OUTPUTBUFFER", "SHOWCONTIG",
-                                                          "SHOW_STATISTICS",  "SQLPERF",      "USEROPTIONS"};
-    if (std::ranges::find(kAccepted, name) == kAccepted.end()) {
-        const bool known = std::ranges::find(kRefused, name) != kRefused.end();
-        throw LocatedError(known ? ErrorOf(40517, {"DBCC " + name}) : ErrorOf(2526, {}, 3), line);
+    constexpr std::string_view kAccepted =
+        "CHECKDB,CHECKTABLE,CHECKALLOC,CHECKCATALOG,SHRINKDATABASE,SHRINKFILE,DBREINDEX,INDEXDEFRAG,"
+        "UPDATEUSAGE,FREEPROCCACHE,FREESYSTEMCACHE,DROPCLEANBUFFERS,TRACEON,TRACEOFF";
+    constexpr std::string_view kRefused =
+        "CHECKCONSTRAINTS,CLEANTABLE,INPUTBUFFER,OPENTRAN,OUTPUTBUFFER,SHOWCONTIG,SHOW_STATISTICS,SQLPERF,"
+        "USEROPTIONS";
+    if (!ListHas(kAccepted, name)) {
+        throw LocatedError(ListHas(kRefused, name) ? ErrorOf(40517, {"DBCC " + name}) : ErrorOf(2526, {}, 3),
+                           line);
     }
     SkipParenthesized();
     MaintenanceStatement statement{"DBCC " + name, true};
     if (TakeWord("WITH")) {
-        do {
+        CommaSeparated([&] {
             const std::string option = TakeName();
             statement.tells = statement.tells && !AsciiEqual(option, "NO_INFOMSGS");
-        } while (TakeSymbol(","));
+        });
     }
     return Wrap(std::move(statement));
 }

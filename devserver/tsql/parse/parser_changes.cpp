@@ -1,5 +1,4 @@
 // INSERT, UPDATE, DELETE.
-#include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
 
@@ -12,20 +11,13 @@ InsertStatement Parser::ParseInsert() {
     ExpectWord("INSERT");
     insert.top = ParseTop();
     TakeWord("INTO");
-    if (Peek().kind == TokenKind::Variable) {
-        RequireDeclared(Peek().text, 1087);
-        insert.table.parts = {Take().text};
-    } else {
-        insert.table = TakeObjectName();
-    }
+    insert.table = TakeTable();
     SkipTableHints();
     if (IsSymbol("(") && !BeginsQuery(1) && !IsWord("SELECT", 1)) {
-        ExpectSymbol("(");
-        do {
+        ListInParentheses([&] {
             // "t.c" is accepted for the column c.
             insert.columns.push_back(TakeObjectName().last());
-        } while (TakeSymbol(","));
-        ExpectSymbol(")");
+        });
     }
     ParseOutputs(insert.outputs);
     ParseInsertSource(insert);
@@ -39,8 +31,7 @@ InsertBulkStatement Parser::ParseInsertBulk() {
     ExpectWord("INSERT");
     ExpectWord("BULK");
     bulk.table = TakeObjectName();
-    ExpectSymbol("(");
-    do {
+    ListInParentheses([&] {
         bulk.columns.push_back(TakeName());
         ParseType();
         if (TakeWord("COLLATE")) {
@@ -49,8 +40,7 @@ InsertBulkStatement Parser::ParseInsertBulk() {
         if (!TakeWords({"NOT", "NULL"})) {
             TakeWord("NULL");
         }
-    } while (TakeSymbol(","));
-    ExpectSymbol(")");
+    });
     if (TakeWord("WITH")) {
         ParseBulkOptions(bulk);
     }
@@ -58,14 +48,12 @@ InsertBulkStatement Parser::ParseInsertBulk() {
 }
 
 void Parser::ParseBulkOptions(InsertBulkStatement& bulk) {
-    ExpectSymbol("(");
-    do {
-        if (TakeWord("CHECK_CONSTRAINTS")) {
-            bulk.check_constraints = true;
-        } else if (TakeWord("KEEP_NULLS")) {
-            bulk.keep_nulls = true;
-        } else if (TakeWord("FIRE_TRIGGERS")) {
-            bulk.fire_triggers = true;
+    ListInParentheses([&] {
+        constexpr bool InsertBulkStatement::*kOptions[] = {&InsertBulkStatement::check_constraints,
+                                                           &InsertBulkStatement::keep_nulls,
+                                                           &InsertBulkStatement::fire_triggers};
+        if (const int option = TakeOneOf({"CHECK_CONSTRAINTS", "KEEP_NULLS", "FIRE_TRIGGERS"}); option >= 0) {
+            bulk.*kOptions[option] = true;
         } else if (TakeWord("ORDER")) { // The other options affect neither the rows nor their checks.
             SkipParenthesized();
         } else if (TakeWord("ROWS_PER_BATCH") || TakeWord("KILOBYTES_PER_BATCH")) {
@@ -74,24 +62,16 @@ void Parser::ParseBulkOptions(InsertBulkStatement& bulk) {
         } else if (!TakeWord("TABLOCK")) {
             Fail(321, {Peek().text});
         }
-    } while (TakeSymbol(","));
-    ExpectSymbol(")");
+    });
 }
 
 /// OUTPUT … INTO …, and a second OUTPUT that goes to the client.
 void Parser::ParseOutputs(std::vector<OutputClause>& outputs) {
     while (TakeWord("OUTPUT")) {
         OutputClause clause;
-        do {
-            clause.items.push_back(ParseSelectItem());
-        } while (TakeSymbol(","));
+        CommaSeparated([&] { clause.items.push_back(ParseSelectItem()); });
         if (TakeWord("INTO")) {
-            if (Peek().kind == TokenKind::Variable) {
-                RequireDeclared(Peek().text, 1087);
-                clause.into.parts = {Take().text};
-            } else {
-                clause.into = TakeObjectName();
-            }
+            clause.into = TakeTable();
             if (IsSymbol("(")) {
                 clause.columns = ParseNameList();
             }
@@ -104,22 +84,34 @@ void Parser::ParseInsertSource(InsertStatement& insert) {
     if (TakeWords({"DEFAULT", "VALUES"})) {
         insert.default_values = true;
     } else if (TakeWord("VALUES")) {
-        do {
-            ExpectSymbol("(");
+        CommaSeparated([&] {
             std::vector<ExprPtr> row;
-            do {
-                row.push_back(TakeWord("DEFAULT") ? nullptr : ParseValue());
-            } while (TakeSymbol(","));
-            ExpectSymbol(")");
+            ListInParentheses([&] { row.push_back(TakeWord("DEFAULT") ? nullptr : ParseValue()); });
             insert.rows.push_back(std::move(row));
-        } while (TakeSymbol(","));
-    } else if (IsWord("EXEC") || IsWord("EXECUTE")) {
+        });
+    } else if (TakeOneOf({"EXEC", "EXECUTE"}) >= 0) {
         insert.execute = ParseExecute();
     } else if (BeginsQuery() || IsSymbol("(")) {
         insert.query = ParseQuery();
     } else {
         SyntaxError();
     }
+}
+
+/// "=" or an operator such as "+=".
+std::optional<BinaryOperator> Parser::TakeAssignment() {
+    constexpr std::pair<std::string_view, BinaryOperator> kCompound[] = {{"+=", BinaryOperator::Add},
+                                                                         {"-=", BinaryOperator::Subtract},
+                                                                         {"*=", BinaryOperator::Multiply},
+                                                                         {"/=", BinaryOperator::Divide},
+                                                                         {"%=", BinaryOperator::Modulo}};
+    for (const auto& [symbol, op] : kCompound) {
+        if (TakeSymbol(symbol)) {
+            return op;
+        }
+    }
+    ExpectSymbol("=");
+    return std::nullopt;
 }
 
 Assignment Parser::ParseAssignment() {
@@ -136,21 +128,8 @@ Assignment Parser::ParseAssignment() {
         return assignment;
     }
     assignment.column = TakeObjectName().last();
-    constexpr std::array<std::pair<std::string_view, BinaryOperator>, 5> kCompound = {
-        {{"+=", BinaryOperator::Add},
-         {"-=", BinaryOperator::Subtract},
-         {"*=", BinaryOperator::Multiply},
-         {"/=", BinaryOperator::Divide},
-         {"%=", BinaryOperator::Modulo}}};
-    for (const auto& [symbol, op] : kCompound) {
-        if (TakeSymbol(symbol)) {
-            assignment.op = op;
-            assignment.value = ParseValue();
-            return assignment;
-        }
-    }
-    ExpectSymbol("=");
-    assignment.value = TakeWord("DEFAULT") ? nullptr : ParseValue();
+    assignment.op = TakeAssignment();
+    assignment.value = !assignment.op && TakeWord("DEFAULT") ? nullptr : ParseValue();
     return assignment;
 }
 
@@ -160,7 +139,7 @@ void Parser::ParseWhere(ExprPtr& where, std::string& cursor) {
     }
     if (TakeWords({"CURRENT", "OF"})) {
         TakeWord("GLOBAL");
-        cursor = Peek().kind == TokenKind::Variable ? TakeVariable() : TakeName();
+        cursor = TakeCursorName();
     } else {
         where = ParseCondition();
     }
@@ -170,17 +149,10 @@ UpdateStatement Parser::ParseUpdate() {
     UpdateStatement update;
     ExpectWord("UPDATE");
     update.top = ParseTop();
-    if (Peek().kind == TokenKind::Variable) {
-        RequireDeclared(Peek().text, 1087);
-        update.table.parts = {Take().text};
-    } else {
-        update.table = TakeObjectName();
-    }
+    update.table = TakeTable();
     SkipTableHints();
     ExpectWord("SET");
-    do {
-        update.assignments.push_back(ParseAssignment());
-    } while (TakeSymbol(","));
+    CommaSeparated([&] { update.assignments.push_back(ParseAssignment()); });
     ParseOutputs(update.outputs);
     if (TakeWord("FROM")) {
         update.from = ParseFrom();
@@ -195,12 +167,7 @@ DeleteStatement Parser::ParseDelete() {
     ExpectWord("DELETE");
     statement.top = ParseTop();
     TakeWord("FROM");
-    if (Peek().kind == TokenKind::Variable) {
-        RequireDeclared(Peek().text, 1087);
-        statement.table.parts = {Take().text};
-    } else {
-        statement.table = TakeObjectName();
-    }
+    statement.table = TakeTable();
     SkipTableHints();
     ParseOutputs(statement.outputs);
     if (TakeWord("FROM")) {

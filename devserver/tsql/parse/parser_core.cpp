@@ -11,182 +11,22 @@ namespace {
 
 constexpr int kDeepest = 250;
 
-/// The reserved words of SQL Server 2000, which later versions kept. Sorted.
-constexpr std::array<std::string_view, 174> kReservedWords = {"ADD",
-                                                              "ALL",
-                                                              "ALTER",
-                                                              "AND",
-                                                              "ANY",
-                                                              "AS",
-                                                              "ASC",
-                                                              "AUTHORIZATION",
-                                                              "BACKUP",
-                                                              "BEGIN",
-                                                              "BETWEEN",
-                                                              "BREAK",
-                                                              "BROWSE",
-                                                              "BULK",
-                                                              "BY",
-                                                              "CASCADE",
-                                                              "CASE",
-                                                              "CHECK",
-                                                              "CHECKPOINT",
-                                                              "CLOSE",
-                                                              "CLUSTERED",
-                                                              "COALESCE",
-                                                              "COLLATE",
-                                                              "COLUMN",
-                                                              "COMMIT",
-                                                              "COMPUTE",
-                                                              "CONSTRAINT",
-                                                              "CONTAINS",
-                                                              "CONTAINSTABLE",
-                                                              "CONTINUE",
-                                                              "CONVERT",
-                                                              "CREATE",
-                                                              "CROSS",
-                                                              "CURRENT",
-                                                              "CURRENT_DATE",
-                                                              "CURRENT_TIME",
-                                                              "CURRENT_TIMESTAMP",
-                                                              "CURRENT_USER",
-                                                              "CURSOR",
-                                                              "DATABASE",
-                                                              "DBCC",
-                                                              "DEALLOCATE",
-                                                              "DECLARE",
-                                                              "DEFAULT",
-                                                              "DELETE",
-                                                              "DENY",
-                                                              "DESC",
-                                                              "DISK",
-                                                              "DISTINCT",
-                                                              "DISTRIBUTED",
-                                                              "DOUBLE",
-                                                              "DROP",
-                                                              "DUMP",
-                                                              "ELSE",
-                                                              "END",
-                                                              "ERRLVL",
-                                                              "ESCAPE",
-                                                              "EXCEPT",
-                                                              "EXEC",
-                                                              "EXECUTE",
-                                                              "EXISTS",
-                                                              "EXIT",
-                                                              "FETCH",
-                                                              "FILE",
-                                                              "FILLFACTOR",
-                                                              "FOR",
-                                                              "FOREIGN",
-                                                              "FREETEXT",
-                                                              "FREETEXTTABLE",
-                                                              "FROM",
-                                                              "FULL",
-                                                              "FUNCTION",
-                                                              "GOTO",
-                                                              "GRANT",
-                                                              "GROUP",
-                                                              "HAVING",
-                                                              "HOLDLOCK",
-                                                              "IDENTITY",
-                                                              "IDENTITYCOL",
-                                                              "IDENTITY_INSERT",
-                                                              "IF",
-                                                              "IN",
-                                                              "INDEX",
-                                                              "INNER",
-                                                              "INSERT",
-                                                              "INTERSECT",
-                                                              "INTO",
-                                                              "IS",
-                                                              "JOIN",
-                                                              "KEY",
-                                                              "KILL",
-                                                              "LEFT",
-                                                              "LIKE",
-                                                              "LINENO",
-                                                              "LOAD",
-                                                              "MERGE",
-                                                              "NATIONAL",
-                                                              "NOCHECK",
-                                                              "NONCLUSTERED",
-                                                              "NOT",
-                                                              "NULL",
-                                                              "NULLIF",
-                                                              "OF",
-                                                              "OFF",
-                                                              "OFFSETS",
-                                                              "ON",
-                                                              "OPEN",
-                                                              "OPENDATASOURCE",
-                                                              "OPENQUERY",
-                                                              "OPENROWSET",
-                                                              "OPENXML",
-                                                              "OPTION",
-                                                              "OR",
-                                                              "ORDER",
-                                                              "OUTER",
-                                                              "OVER",
-                                                              "PERCENT",
-                                                              "PLAN",
-                                                              "PRECISION",
-                                                              "PRIMARY",
-                                                              "PRINT",
-                                                              "PROC",
-                                                              "PROCEDURE",
-                                                              "PUBLIC",
-                                                              "RAISERROR",
-                                                              "READ",
-                                                              "READTEXT",
-                                                              "RECONFIGURE",
-                                                              "REFERENCES",
-                                                              "REPLICATION",
-                                                              "RESTORE",
-                                                              "RESTRICT",
-                                                              "RETURN",
-                                                              "REVOKE",
-                                                              "RIGHT",
-                                                              "ROLLBACK",
-                                                              "ROWCOUNT",
-                                                              "ROWGUIDCOL",
-                                                              "RULE",
-                                                              "SAVE",
-                                                              "SCHEMA",
-                                                              "SELECT",
-                                                              "SESSION_USER",
-                                                              "SET",
-                                                              "SETUSER",
-                                                              "SHUTDOWN",
-                                                              "SOME",
-                                                              "STATISTICS",
-                                                              "SYSTEM_USER",
-                                                              "TABLE",
-                                                              "TEXTSIZE",
-                                                              "THEN",
-                                                              "TO",
-                                                              "TOP",
-                                                              "TRAN",
-                                                              "TRANSACTION",
-                                                              "TRIGGER",
-                                                              "TRUNCATE",
-                                                              "TSEQUAL",
-                                                              "UNION",
-                                                              "UNIQUE",
-                                                              "UPDATE",
-                                                              "UPDATETEXT",
-                                                              "USE",
-                                                              "USER",
-                                                              "VALUES",
-                                                              "VARYING",
-                                                              "VIEW",
-                                                              "WAITFOR",
-                                                              "WHEN",
-                                                              "WHERE",
-                                                              "WHILE",
-                                                              "WITH",
-                                                              "WRITETEXT"};
-static_assert(std::is_sorted(kReservedWords.begin(), kReservedWords.end()));
+/// The reserved words of SQL Server 2000, which later versions kept.
+constexpr std::string_view kReservedWords =
+    "ADD,ALL,ALTER,AND,ANY,AS,ASC,AUTHORIZATION,BACKUP,BEGIN,BETWEEN,BREAK,BROWSE,BULK,BY,CASCADE,CASE,"
+    "CHECK,CHECKPOINT,CLOSE,CLUSTERED,COALESCE,COLLATE,COLUMN,COMMIT,COMPUTE,CONSTRAINT,CONTAINS,"
+    "CONTAINSTABLE,CONTINUE,CONVERT,CREATE,CROSS,CURRENT,CURRENT_DATE,CURRENT_TIME,CURRENT_TIMESTAMP,"
+    "CURRENT_USER,CURSOR,DATABASE,DBCC,DEALLOCATE,DECLARE,DEFAULT,DELETE,DENY,DESC,DISK,DISTINCT,"
+    "DISTRIBUTED,DOUBLE,DROP,DUMP,ELSE,END,ERRLVL,ESCAPE,EXCEPT,EXEC,EXECUTE,EXISTS,EXIT,FETCH,FILE,"
+    "FILLFACTOR,FOR,FOREIGN,FREETEXT,FREETEXTTABLE,FROM,FULL,FUNCTION,GOTO,GRANT,GROUP,HAVING,HOLDLOCK,"
+    "IDENTITY,IDENTITYCOL,IDENTITY_INSERT,IF,IN,INDEX,INNER,INSERT,INTERSECT,INTO,IS,JOIN,KEY,KILL,"
+    "LEFT,LIKE,LINENO,LOAD,MERGE,NATIONAL,NOCHECK,NONCLUSTERED,NOT,NULL,NULLIF,OF,OFF,OFFSETS,ON,OPEN,"
+    "OPENDATASOURCE,OPENQUERY,OPENROWSET,OPENXML,OPTION,OR,ORDER,OUTER,OVER,PERCENT,PLAN,PRECISION,"
+    "PRIMARY,PRINT,PROC,PROCEDURE,PUBLIC,RAISERROR,READ,READTEXT,RECONFIGURE,REFERENCES,REPLICATION,"
+    "RESTORE,RESTRICT,RETURN,REVOKE,RIGHT,ROLLBACK,ROWCOUNT,ROWGUIDCOL,RULE,SAVE,SCHEMA,SELECT,"
+    "SESSION_USER,SET,SETUSER,SHUTDOWN,SOME,STATISTICS,SYSTEM_USER,TABLE,TEXTSIZE,THEN,TO,TOP,TRAN,"
+    "TRANSACTION,TRIGGER,TRUNCATE,TSEQUAL,UNION,UNIQUE,UPDATE,UPDATETEXT,USE,USER,VALUES,VARYING,VIEW,"
+    "WAITFOR,WHEN,WHERE,WHILE,WITH,WRITETEXT";
 
 } // namespace
 
@@ -199,7 +39,9 @@ std::string ast::Name::text() const {
 }
 
 bool IsReservedWord(std::string_view word) {
-    return std::binary_search(kReservedWords.begin(), kReservedWords.end(), AsciiUpper(word));
+    static const std::vector<std::string_view> list = WordsOf(kReservedWords);
+    static const std::set<std::string_view> words(list.begin(), list.end());
+    return words.contains(AsciiUpper(word));
 }
 
 Parser::Depth::Depth(Parser& parser) : parser_(parser) {
@@ -248,6 +90,10 @@ Token Parser::Take() {
 bool Parser::IsWord(std::string_view word, std::size_t ahead) const {
     const Token& token = Peek(ahead);
     return token.kind == TokenKind::Word && AsciiEqual(token.text, word);
+}
+
+bool Parser::IsOneOf(std::initializer_list<std::string_view> words, std::size_t ahead) const {
+    return std::ranges::any_of(words, [&](std::string_view word) { return IsWord(word, ahead); });
 }
 
 bool Parser::IsSymbol(std::string_view symbol, std::size_t ahead) const {
@@ -310,6 +156,25 @@ int Parser::TakeOneOf(std::initializer_list<std::string_view> words) {
         ++index;
     }
     return -1;
+}
+
+int Parser::ExpectOneOf(std::initializer_list<std::string_view> words) {
+    const int index = TakeOneOf(words);
+    if (index < 0) {
+        SyntaxError();
+    }
+    return index;
+}
+
+void Parser::SkipSemicolons() {
+    while (TakeSymbol(";")) {
+    }
+}
+
+void Parser::ExpectEnd() {
+    if (!AtEnd()) {
+        SyntaxError();
+    }
 }
 
 void Parser::SyntaxError() const {
@@ -386,6 +251,18 @@ ast::Name Parser::TakeObjectName() {
     return name;
 }
 
+ast::Name Parser::TakeTable() {
+    if (Peek().kind != TokenKind::Variable) {
+        return TakeObjectName();
+    }
+    RequireDeclared(Peek().text, 1087);
+    return {{Take().text}};
+}
+
+std::string Parser::TakeCursorName() {
+    return Peek().kind == TokenKind::Variable ? TakeVariable() : TakeName();
+}
+
 std::string Parser::TakeVariable() {
     if (Peek().kind != TokenKind::Variable) {
         SyntaxError();
@@ -414,7 +291,6 @@ std::size_t Parser::PreviousEnd() const {
 }
 
 namespace {
-/// The parentheses after a type's name, with length, precision and scale.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 8> kTwoWordTypes = {{
     {"double", "precision"},
     {"char", "varying"},
@@ -429,7 +305,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 8> kTwoWordT
 
 ast::TypeSpec Parser::ParseType() {
     ast::TypeSpec type;
-    if (IsWord("double") || IsWord("national")) {
+    if (IsOneOf({"double", "national"})) {
         type.name.parts.push_back(Take().text);
     } else if (IsWord("cursor")) {
         Unsupported("cursor");
@@ -466,8 +342,7 @@ ast::TypeSpec Parser::ParseType() {
 Batch Parser::ParseWholeBatch() {
     Batch batch;
     module_allowed_ = true;
-    while (TakeSymbol(";")) {
-    }
+    SkipSemicolons();
     if (!AtEnd() && IsName() && !IsSymbol(":", 1) &&
         !BeginsStatementOfNames()) { // At the beginning of a batch, a procedure's name alone is a call.
         const std::int32_t line = Peek().line;
@@ -477,9 +352,7 @@ Batch Parser::ParseWholeBatch() {
     }
     ast::StatementList rest = ParseStatementsUntilEnd();
     std::move(rest.begin(), rest.end(), std::back_inserter(batch.statements));
-    if (!AtEnd()) {
-        SyntaxError();
-    }
+    ExpectEnd();
     return batch;
 }
 
@@ -487,8 +360,7 @@ ast::CreateModuleStatement Parser::ParseWholeModule() {
     module_allowed_ = true;
     ast::StatementPtr statement = ParseStatement();
     auto* module = statement ? std::get_if<ast::CreateModuleStatement>(&statement->node) : nullptr;
-    while (TakeSymbol(";")) {
-    }
+    SkipSemicolons();
     if (module == nullptr || !AtEnd()) {
         SyntaxError();
     }
@@ -497,9 +369,7 @@ ast::CreateModuleStatement Parser::ParseWholeModule() {
 
 ast::ExprPtr Parser::ParseWholeExpression() {
     ast::ExprPtr expr = ParseExpr();
-    if (!AtEnd()) {
-        SyntaxError();
-    }
+    ExpectEnd();
     return expr;
 }
 
@@ -526,9 +396,7 @@ ast::Name Parser::ParseWholeName() {
 
 ast::TypeSpec Parser::ParseWholeType() {
     ast::TypeSpec type = ParseType();
-    if (!AtEnd()) {
-        SyntaxError();
-    }
+    ExpectEnd();
     return type;
 }
 

@@ -1,5 +1,4 @@
 // CREATE, ALTER and DROP of the objects in a database.
-#include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
 #include "devserver/tsql/scalar/text.h"
@@ -13,122 +12,92 @@ struct KindWord {
     std::string_view word;
     ObjectKind kind;
 };
-constexpr std::array<KindWord, 14> kKinds = {{{"TABLE", ObjectKind::Table},
-                                              {"VIEW", ObjectKind::View},
-                                              {"PROCEDURE", ObjectKind::Procedure},
-                                              {"PROC", ObjectKind::Procedure},
-                                              {"FUNCTION", ObjectKind::Function},
-                                              {"TRIGGER", ObjectKind::Trigger},
-                                              {"DATABASE", ObjectKind::Database},
-                                              {"USER", ObjectKind::User},
-                                              {"ROLE", ObjectKind::Role},
-                                              {"LOGIN", ObjectKind::Login},
-                                              {"SCHEMA", ObjectKind::Schema},
-                                              {"TYPE", ObjectKind::Type},
-                                              {"DEFAULT", ObjectKind::Default},
-                                              {"RULE", ObjectKind::Rule}}};
+constexpr KindWord kKinds[] = {{"TABLE", ObjectKind::Table},         {"VIEW", ObjectKind::View},
+                               {"PROCEDURE", ObjectKind::Procedure}, {"PROC", ObjectKind::Procedure},
+                               {"FUNCTION", ObjectKind::Function},   {"TRIGGER", ObjectKind::Trigger},
+                               {"DATABASE", ObjectKind::Database},   {"USER", ObjectKind::User},
+                               {"ROLE", ObjectKind::Role},           {"LOGIN", ObjectKind::Login},
+                               {"SCHEMA", ObjectKind::Schema},       {"TYPE", ObjectKind::Type},
+                               {"DEFAULT", ObjectKind::Default},     {"RULE", ObjectKind::Rule}};
 } // namespace
 
-StatementPtr Parser::ParseCreate() {
-    ExpectWord("CREATE");
-    const bool or_alter = TakeWords({"OR", "ALTER"});
-    if (IsWord("UNIQUE") || IsWord("CLUSTERED") || IsWord("NONCLUSTERED") || IsWord("INDEX")) {
-        return ParseCreateIndex();
-    }
-    if (TakeWord("STATISTICS")) {
-        return ParseCreateStatistics();
-    }
+/// The word for a kind of object; raises 343 for an unknown one.
+ObjectKind Parser::TakeKind() {
     for (const KindWord& entry : kKinds) {
-        if (!TakeWord(entry.word)) {
-            continue;
-        }
-        switch (entry.kind) {
-        case ObjectKind::Table:
-            return ParseCreateTable();
-        case ObjectKind::View:
-        case ObjectKind::Procedure:
-        case ObjectKind::Function:
-        case ObjectKind::Trigger:
-            return ParseModule(entry.kind, false, or_alter);
-        case ObjectKind::Database:
-            return ParseCreateDatabase();
-        case ObjectKind::User:
-        case ObjectKind::Role:
-        case ObjectKind::Login:
-        case ObjectKind::Schema:
-            return ParseCreatePrincipal(entry.kind);
-        case ObjectKind::Type:
-            return ParseCreateType();
-        default:
-            UnsupportedStatement("CREATE " + std::string(entry.word));
+        if (TakeWord(entry.word)) {
+            return entry.kind;
         }
     }
-    if (Peek().kind == TokenKind::Word && !AtEnd()) {
+    if (Peek().kind == TokenKind::Word) {
         Fail(343, {Peek().text});
     }
     SyntaxError();
 }
 
+StatementPtr Parser::ParseCreate() {
+    const bool or_alter = TakeWords({"OR", "ALTER"});
+    if (IsOneOf({"UNIQUE", "CLUSTERED", "NONCLUSTERED", "INDEX"})) {
+        return ParseCreateIndex();
+    }
+    if (TakeWord("STATISTICS")) {
+        return ParseCreateStatistics();
+    }
+    const std::string word = AsciiUpper(Peek().text);
+    switch (const ObjectKind kind = TakeKind()) {
+    case ObjectKind::Table:
+        return ParseCreateTable();
+    case ObjectKind::View:
+    case ObjectKind::Procedure:
+    case ObjectKind::Function:
+    case ObjectKind::Trigger:
+        return ParseModule(kind, false, or_alter);
+    case ObjectKind::Database:
+        return ParseCreateDatabase();
+    case ObjectKind::Type:
+        return ParseCreateType();
+    case ObjectKind::Default:
+    case ObjectKind::Rule:
+        UnsupportedStatement("CREATE " + word);
+    default:
+        return ParseCreatePrincipal(kind);
+    }
+}
+
 StatementPtr Parser::ParseAlter() {
-    ExpectWord("ALTER");
-    if (TakeWord("TABLE")) {
-        return ParseAlterTable();
+    static constexpr StatementEntry kEntries[] = {
+        {"TABLE", [](Parser& p) { return p.ParseAlterTable(); }},
+        {"DATABASE", [](Parser& p) { return p.ParseAlterDatabase(); }},
+        {"AUTHORIZATION", [](Parser& p) { return p.ParseAuthorization(); }},
+        {"PROCEDURE", [](Parser& p) { return p.ParseModule(ObjectKind::Procedure, true, false); }},
+        {"PROC", [](Parser& p) { return p.ParseModule(ObjectKind::Procedure, true, false); }},
+        {"VIEW", [](Parser& p) { return p.ParseModule(ObjectKind::View, true, false); }},
+        {"FUNCTION", [](Parser& p) { return p.ParseModule(ObjectKind::Function, true, false); }},
+        {"TRIGGER", [](Parser& p) { return p.ParseModule(ObjectKind::Trigger, true, false); }},
+        {"INDEX", [](Parser& p) { return p.ParseAlterIndex(); }},
+        {"ROLE", [](Parser& p) { return p.ParseAlterRole(); }},
+    };
+    for (const StatementEntry& entry : kEntries) {
+        if (TakeWord(entry.word)) {
+            return entry.parse(*this);
+        }
     }
-    if (TakeWord("DATABASE")) {
-        return ParseAlterDatabase();
-    }
-    if (TakeWord("AUTHORIZATION")) {
-        return ParseAuthorization();
-    }
-    if (TakeWord("PROCEDURE") || TakeWord("PROC")) {
-        return ParseModule(ObjectKind::Procedure, true, false);
-    }
-    if (TakeWord("VIEW")) {
-        return ParseModule(ObjectKind::View, true, false);
-    }
-    if (TakeWord("FUNCTION")) {
-        return ParseModule(ObjectKind::Function, true, false);
-    }
-    if (TakeWord("TRIGGER")) {
-        return ParseModule(ObjectKind::Trigger, true, false);
-    }
-    if (TakeWord("INDEX")) {
-        return ParseAlterIndex();
-    }
-    if (TakeWord("ROLE")) {
-        return ParseAlterRole();
-    }
-    if (Peek().kind == TokenKind::Word && !AtEnd()) {
+    if (Peek().kind == TokenKind::Word) {
         UnsupportedStatement("ALTER " + AsciiUpper(Peek().text));
     }
     SyntaxError();
 }
 
 StatementPtr Parser::ParseDrop() {
-    ExpectWord("DROP");
     if (TakeWord("INDEX")) {
         return ParseDropIndex();
     }
     if (TakeWord("STATISTICS")) {
-        do {
-            TakeObjectName();
-        } while (TakeSymbol(","));
+        CommaSeparated([&] { TakeObjectName(); });
         return Wrap(MaintenanceStatement{"DROP STATISTICS"});
     }
-    for (const KindWord& entry : kKinds) {
-        if (!TakeWord(entry.word)) {
-            continue;
-        }
-        DropStatement drop{entry.kind, {}, TakeWords({"IF", "EXISTS"})};
-        do {
-            drop.names.push_back(TakeObjectName());
-        } while (TakeSymbol(","));
-        return Wrap(std::move(drop));
-    }
-    if (Peek().kind == TokenKind::Word && !AtEnd()) {
-        Fail(343, {Peek().text});
-    }
-    SyntaxError();
+    DropStatement drop{TakeKind(), {}, TakeWords({"IF", "EXISTS"})};
+    CommaSeparated([&] { drop.names.push_back(TakeObjectName()); });
+    return Wrap(std::move(drop));
 }
 
 // ------------------------------------------------------------------ tables
@@ -137,7 +106,7 @@ StatementPtr Parser::ParseCreateTable() {
     CreateTableStatement create;
     create.table = TakeObjectName();
     create.definition = ParseTableDefinition();
-    while (IsWord("ON") || IsWord("TEXTIMAGE_ON")) {
+    while (IsOneOf({"ON", "TEXTIMAGE_ON"})) {
         Take();
         SkipFileGroup();
     }
@@ -159,19 +128,16 @@ void Parser::SkipFileGroup() {
 
 TableDefinition Parser::ParseTableDefinition() {
     TableDefinition definition;
-    ExpectSymbol("(");
-    do {
+    ListInParentheses([&] {
         if (IsSymbol(")")) {
-            break; // SQL Server accepts a comma after the last column too.
+            return; // SQL Server accepts a comma after the last column too.
         }
-        if (IsWord("CONSTRAINT") || IsWord("PRIMARY") || IsWord("UNIQUE") || IsWord("FOREIGN") ||
-            IsWord("CHECK")) {
+        if (IsOneOf({"CONSTRAINT", "PRIMARY", "UNIQUE", "FOREIGN", "CHECK"})) {
             definition.constraints.push_back(ParseConstraint(false));
         } else {
             definition.columns.push_back(ParseColumn());
         }
-    } while (TakeSymbol(","));
-    ExpectSymbol(")");
+    });
     return definition;
 }
 
@@ -191,7 +157,7 @@ ColumnDefinition Parser::ParseColumn() {
         return column;
     }
     if (AsciiEqual(column.name, "timestamp") &&
-        (IsSymbol(",") || IsSymbol(")") || IsWord("NOT") || IsWord("NULL"))) {
+        (IsSymbol(",") || IsSymbol(")") || IsOneOf({"NOT", "NULL"}))) {
         column.type.name.parts = {"timestamp"}; // timestamp may be written without a column's name.
     } else {
         column.type = ParseType();
@@ -220,8 +186,7 @@ bool Parser::ParseColumnOption(ColumnDefinition& column) {
         column.row_guid = true;
     } else if (TakeWord("COLLATE")) {
         column.collation = TakeName();
-    } else if (IsWord("CONSTRAINT") || IsWord("PRIMARY") || IsWord("UNIQUE") || IsWord("REFERENCES") ||
-               IsWord("FOREIGN") || IsWord("CHECK") || IsWord("DEFAULT")) {
+    } else if (IsOneOf({"CONSTRAINT", "PRIMARY", "UNIQUE", "REFERENCES", "FOREIGN", "CHECK", "DEFAULT"})) {
         column.constraints.push_back(ParseConstraint(true));
     } else {
         return false;
@@ -234,9 +199,9 @@ Constraint Parser::ParseConstraint(bool of_column) {
     if (TakeWord("CONSTRAINT")) {
         constraint.name = TakeName();
     }
-    if (IsWord("PRIMARY") || IsWord("UNIQUE")) {
+    if (IsOneOf({"PRIMARY", "UNIQUE"})) {
         ParseKeyConstraint(constraint, of_column);
-    } else if (IsWord("FOREIGN") || IsWord("REFERENCES")) {
+    } else if (IsOneOf({"FOREIGN", "REFERENCES"})) {
         constraint.kind = ConstraintKind::ForeignKey;
         if (TakeWords({"FOREIGN", "KEY"}) && IsSymbol("(")) {
             constraint.columns = ParseIndexColumns();
@@ -320,23 +285,17 @@ void Parser::ParseReferences(Constraint& constraint) {
 
 std::vector<IndexColumn> Parser::ParseIndexColumns() {
     std::vector<IndexColumn> columns;
-    ExpectSymbol("(");
-    do {
+    ListInParentheses([&] {
         IndexColumn column{TakeName(), false};
         column.descending = TakeOneOf({"ASC", "DESC"}) == 1;
         columns.push_back(std::move(column));
-    } while (TakeSymbol(","));
-    ExpectSymbol(")");
+    });
     return columns;
 }
 
 std::vector<std::string> Parser::ParseNameList() {
     std::vector<std::string> names;
-    ExpectSymbol("(");
-    do {
-        names.push_back(TakeName());
-    } while (TakeSymbol(","));
-    ExpectSymbol(")");
+    ListInParentheses([&] { names.push_back(TakeName()); });
     return names;
 }
 
@@ -347,17 +306,12 @@ void Parser::SkipIndexOptions() {
     }
     Take();
     const bool parenthesis = TakeSymbol("(");
-    constexpr std::array<std::string_view, 13> kOptions = {
-        "FILLFACTOR",      "PAD_INDEX",        "STATISTICS_NORECOMPUTE", "IGNORE_DUP_KEY",
-        "ALLOW_ROW_LOCKS", "ALLOW_PAGE_LOCKS", "SORT_IN_TEMPDB",         "ONLINE",
-        "MAXDOP",          "DATA_COMPRESSION", "DROP_EXISTING",          "OPTIMIZE_FOR_SEQUENTIAL_KEY",
-        "XML_COMPRESSION"};
-    do {
-        bool known = false;
-        for (const std::string_view option : kOptions) {
-            known = known || IsWord(option);
-        }
-        if (!known) {
+    constexpr std::string_view kOptions =
+        "FILLFACTOR,PAD_INDEX,STATISTICS_NORECOMPUTE,IGNORE_DUP_KEY,ALLOW_ROW_LOCKS,ALLOW_PAGE_LOCKS,"
+        "SORT_IN_TEMPDB,ONLINE,MAXDOP,DATA_COMPRESSION,DROP_EXISTING,OPTIMIZE_FOR_SEQUENTIAL_KEY,"
+        "XML_COMPRESSION";
+    CommaSeparated([&] {
+        if (Peek().kind != TokenKind::Word || !ListHas(kOptions, Peek().text)) {
             SyntaxError();
         }
         const bool ignore_duplicates = AsciiEqual(Take().text, "IGNORE_DUP_KEY");
@@ -368,7 +322,7 @@ void Parser::SkipIndexOptions() {
         if (ignore_duplicates && on) {
             Unsupported("IGNORE_DUP_KEY");
         }
-    } while (TakeSymbol(","));
+    });
     if (parenthesis) {
         ExpectSymbol(")");
     }
@@ -388,14 +342,12 @@ StatementPtr Parser::ParseAlterTable() {
     } else if (TakeWords({"ALTER", "COLUMN"})) {
         alter.action = AlterTableAction::AlterColumn;
         alter.definition.columns.push_back(ParseColumn());
-    } else if (IsWord("CHECK") || IsWord("NOCHECK")) {
+    } else if (IsOneOf({"CHECK", "NOCHECK"})) {
         alter.action = AsciiEqual(Take().text, "CHECK") ? AlterTableAction::EnableConstraint
                                                         : AlterTableAction::DisableConstraint;
         ExpectWord("CONSTRAINT");
-        do {
-            alter.names.push_back(TakeWord("ALL") ? "ALL" : TakeName());
-        } while (TakeSymbol(","));
-    } else if ((IsWord("ENABLE") || IsWord("DISABLE")) && IsWord("TRIGGER", 1)) {
+        CommaSeparated([&] { alter.names.push_back(TakeWord("ALL") ? "ALL" : TakeName()); });
+    } else if (IsOneOf({"ENABLE", "DISABLE"}) && IsWord("TRIGGER", 1)) {
         SwitchTriggersStatement triggers{std::move(alter.table), {}, AsciiEqual(Take().text, "ENABLE")};
         Take();
         triggers.names = ParseTriggerNames();
@@ -409,16 +361,15 @@ StatementPtr Parser::ParseAlterTable() {
 void Parser::ParseAlterTableAdd(AlterTableStatement& alter, bool with_check) {
     alter.action = AlterTableAction::Add;
     TakeWord("COLUMN");
-    do {
-        if (IsWord("CONSTRAINT") || IsWord("PRIMARY") || IsWord("UNIQUE") || IsWord("FOREIGN") ||
-            IsWord("CHECK") || IsWord("DEFAULT")) {
+    CommaSeparated([&] {
+        if (IsOneOf({"CONSTRAINT", "PRIMARY", "UNIQUE", "FOREIGN", "CHECK", "DEFAULT"})) {
             Constraint constraint = ParseConstraint(false);
             constraint.with_check = with_check;
             alter.definition.constraints.push_back(std::move(constraint));
         } else {
             alter.definition.columns.push_back(ParseColumn());
         }
-    } while (TakeSymbol(","));
+    });
 }
 
 void Parser::ParseAlterTableDrop(AlterTableStatement& alter) {
@@ -428,9 +379,7 @@ void Parser::ParseAlterTableDrop(AlterTableStatement& alter) {
         TakeWord("CONSTRAINT");
         alter.action = AlterTableAction::DropConstraint;
     }
-    do {
-        alter.names.push_back(TakeName());
-    } while (TakeSymbol(","));
+    CommaSeparated([&] { alter.names.push_back(TakeName()); });
 }
 
 // ------------------------------------------------------------------ indexes
@@ -463,7 +412,7 @@ StatementPtr Parser::ParseCreateIndex() {
 StatementPtr Parser::ParseDropIndex() {
     DropIndexStatement drop;
     drop.if_exists = TakeWords({"IF", "EXISTS"});
-    do {
+    CommaSeparated([&] {
         Name name = TakeObjectName();
         if (TakeWord("ON")) {
             drop.indexes.emplace_back(TakeObjectName(), name.last());
@@ -475,7 +424,7 @@ StatementPtr Parser::ParseDropIndex() {
             }
             drop.indexes.emplace_back(std::move(name), index);
         }
-    } while (TakeSymbol(","));
+    });
     return Wrap(std::move(drop));
 }
 

@@ -10,17 +10,14 @@ namespace {
 
 using ast::CompareOp;
 
+template <class... Nodes>
+bool IsAnyOf(const ast::Expr& expr) {
+    return (std::holds_alternative<Nodes>(expr.node) || ...);
+}
+
 bool IsPredicate(const ast::Expr& expr) {
-    return std::holds_alternative<ast::CompareExpr>(expr.node) ||
-           std::holds_alternative<ast::QuantifiedExpr>(expr.node) ||
-           std::holds_alternative<ast::LogicExpr>(expr.node) ||
-           std::holds_alternative<ast::NotExpr>(expr.node) ||
-           std::holds_alternative<ast::IsNullExpr>(expr.node) ||
-           std::holds_alternative<ast::BetweenExpr>(expr.node) ||
-           std::holds_alternative<ast::InListExpr>(expr.node) ||
-           std::holds_alternative<ast::InQueryExpr>(expr.node) ||
-           std::holds_alternative<ast::LikeExpr>(expr.node) ||
-           std::holds_alternative<ast::ExistsExpr>(expr.node);
+    return IsAnyOf<ast::CompareExpr, ast::LogicExpr, ast::NotExpr, ast::IsNullExpr, ast::BetweenExpr,
+                   ast::InListExpr, ast::InQueryExpr, ast::LikeExpr, ast::ExistsExpr>(expr);
 }
 
 struct ComparisonSymbol {
@@ -32,36 +29,9 @@ constexpr ComparisonSymbol kComparisons[] = {
     {"<", CompareOp::Less},          {"<=", CompareOp::LessEqual},    {">", CompareOp::Greater},
     {">=", CompareOp::GreaterEqual}, {"!<", CompareOp::GreaterEqual}, {"!>", CompareOp::LessEqual}};
 
-struct OperatorSymbol {
-    std::string_view symbol;
-    BinaryOperator op;
-};
-constexpr OperatorSymbol kAdditive[] = {{"+", BinaryOperator::Add},
-                                        {"-", BinaryOperator::Subtract},
-                                        {"&", BinaryOperator::BitAnd},
-                                        {"|", BinaryOperator::BitOr},
-                                        {"^", BinaryOperator::BitXor}};
-constexpr OperatorSymbol kMultiplicative[] = {
-    {"*", BinaryOperator::Multiply}, {"/", BinaryOperator::Divide}, {"%", BinaryOperator::Modulo}};
-
 /// Reserved words that are called as functions, or used as values without parentheses.
-constexpr std::string_view kFunctionWords[] = {"LEFT",   "RIGHT", "COALESCE", "NULLIF",
-                                               "UPDATE", "USER",  "IDENTITY"};
-constexpr std::string_view kBareFunctions[] = {"CURRENT_TIMESTAMP", "CURRENT_USER", "SESSION_USER",
-                                               "SYSTEM_USER", "USER"};
-
-template <std::size_t Count>
-bool Contains(const std::string_view (&words)[Count], const Token& token) {
-    if (token.kind != TokenKind::Word) {
-        return false;
-    }
-    for (const std::string_view word : words) {
-        if (AsciiEqual(word, token.text)) {
-            return true;
-        }
-    }
-    return false;
-}
+constexpr std::string_view kFunctionWords = "LEFT,RIGHT,COALESCE,NULLIF,UPDATE,USER,IDENTITY";
+constexpr std::string_view kBareFunctions = "CURRENT_TIMESTAMP,CURRENT_USER,SESSION_USER,SYSTEM_USER,USER";
 
 } // namespace
 
@@ -80,9 +50,7 @@ ast::ExprPtr Parser::ParseExpr() {
 
 ast::ExprPtr Parser::ParseCondition() {
     ast::ExprPtr expr = ParseExpr();
-    if (!IsPredicate(*expr)) {
-        Fail(4145, {Peek().text});
-    }
+    RequirePredicate(*expr);
     return expr;
 }
 
@@ -96,36 +64,29 @@ ast::ExprPtr Parser::ParseValue() {
     return expr;
 }
 
-ast::ExprPtr Parser::ParseOr() {
-    ast::ExprPtr left = ParseAnd();
-    for (int links = 0; IsWord("OR"); ++links) {
-        RequireShort(links);
-        if (!IsPredicate(*left)) {
-            Fail(4145, {Peek().text});
-        }
-        Take();
-        ast::ExprPtr right = ParseAnd();
-        if (!IsPredicate(*right)) {
-            Fail(4145, {Peek().text});
-        }
-        left = Make(ast::LogicExpr{false, std::move(left), std::move(right)});
+void Parser::RequirePredicate(const ast::Expr& expr) const {
+    if (!IsPredicate(expr)) {
+        Fail(4145, {Peek().text});
     }
-    return left;
+}
+
+ast::ExprPtr Parser::ParseOr() {
+    return ParseJunction("OR", &Parser::ParseAnd);
 }
 
 ast::ExprPtr Parser::ParseAnd() {
-    ast::ExprPtr left = ParseNot();
-    for (int links = 0; IsWord("AND"); ++links) {
+    return ParseJunction("AND", &Parser::ParseNot);
+}
+
+ast::ExprPtr Parser::ParseJunction(std::string_view word, ast::ExprPtr (Parser::*operand)()) {
+    ast::ExprPtr left = (this->*operand)();
+    for (int links = 0; IsWord(word); ++links) {
         RequireShort(links);
-        if (!IsPredicate(*left)) {
-            Fail(4145, {Peek().text});
-        }
+        RequirePredicate(*left);
         Take();
-        ast::ExprPtr right = ParseNot();
-        if (!IsPredicate(*right)) {
-            Fail(4145, {Peek().text});
-        }
-        left = Make(ast::LogicExpr{true, std::move(left), std::move(right)});
+        ast::ExprPtr right = (this->*operand)();
+        RequirePredicate(*right);
+        left = Make(ast::LogicExpr{word == "AND", std::move(left), std::move(right)});
     }
     return left;
 }
@@ -136,9 +97,7 @@ ast::ExprPtr Parser::ParseNot() {
     }
     const Depth depth(*this);
     ast::ExprPtr operand = ParseNot();
-    if (!IsPredicate(*operand)) {
-        Fail(4145, {Peek().text});
-    }
+    RequirePredicate(*operand);
     return Make(ast::NotExpr{std::move(operand)});
 }
 
@@ -158,16 +117,20 @@ ast::ExprPtr Parser::ParsePredicate() {
         Fail(4147);
     }
     for (const ComparisonSymbol& comparison : kComparisons) {
-        if (TakeSymbol(comparison.symbol)) {
-            return ParseComparison(std::move(left), comparison.op);
+        if (!TakeSymbol(comparison.symbol)) {
+            continue;
         }
+        if (IsOneOf({"ALL", "ANY", "SOME"}) && IsSymbol("(", 1)) {
+            Unsupported(AsciiUpper(Peek().text) + " (subquery)");
+        }
+        return Make(ast::CompareExpr{comparison.op, std::move(left), ParseAdditive()});
     }
     if (TakeWord("IS")) {
         const bool negated = TakeWord("NOT");
         ExpectWord("NULL");
         return Make(ast::IsNullExpr{std::move(left), negated});
     }
-    const bool negated = IsWord("NOT") && (IsWord("IN", 1) || IsWord("LIKE", 1) || IsWord("BETWEEN", 1));
+    const bool negated = IsWord("NOT") && IsOneOf({"IN", "LIKE", "BETWEEN"}, 1);
     if (negated) {
         Take();
     }
@@ -200,67 +163,47 @@ ast::ExprPtr Parser::ParsePredicateTail(ast::ExprPtr left, bool negated) {
     return left;
 }
 
-ast::ExprPtr Parser::ParseComparison(ast::ExprPtr left, CompareOp op) {
-    const bool all = IsWord("ALL");
-    if ((all || IsWord("ANY") || IsWord("SOME")) && IsSymbol("(", 1)) {
-        Take();
-        Take();
-        ast::QueryPtr query = ParseQuery();
-        ExpectSymbol(")");
-        return Make(ast::QuantifiedExpr{op, all, std::move(left), std::move(query)});
-    }
-    return Make(ast::CompareExpr{op, std::move(left), ParseAdditive()});
+ast::ExprPtr Parser::ParseAdditive() {
+    constexpr OperatorSymbol kAdditive[] = {{"+", BinaryOperator::Add},
+                                            {"-", BinaryOperator::Subtract},
+                                            {"&", BinaryOperator::BitAnd},
+                                            {"|", BinaryOperator::BitOr},
+                                            {"^", BinaryOperator::BitXor}};
+    return ParseOperators(kAdditive, &Parser::ParseMultiplicative);
 }
 
-ast::ExprPtr Parser::ParseAdditive() {
-    ast::ExprPtr left = ParseMultiplicative();
+ast::ExprPtr Parser::ParseMultiplicative() {
+    constexpr OperatorSymbol kMultiplicative[] = {
+        {"*", BinaryOperator::Multiply}, {"/", BinaryOperator::Divide}, {"%", BinaryOperator::Modulo}};
+    return ParseOperators(kMultiplicative, &Parser::ParseUnary);
+}
+
+ast::ExprPtr Parser::ParseOperators(std::span<const OperatorSymbol> operators,
+                                    ast::ExprPtr (Parser::*operand)()) {
+    ast::ExprPtr left = (this->*operand)();
     for (int links = 0;; ++links) {
         RequireShort(links);
-        const OperatorSymbol* found = nullptr;
-        for (const OperatorSymbol& candidate : kAdditive) {
-            if (IsSymbol(candidate.symbol)) {
-                found = &candidate;
-            }
-        }
-        if (found == nullptr) {
+        const auto found =
+            std::ranges::find_if(operators, [&](const OperatorSymbol& o) { return IsSymbol(o.symbol); });
+        if (found == operators.end()) {
             return left;
         }
         if (IsPredicate(*left)) {
             SyntaxError();
         }
         Take();
-        left = Make(ast::BinaryExpr{found->op, std::move(left), ParseMultiplicative()});
-    }
-}
-
-ast::ExprPtr Parser::ParseMultiplicative() {
-    ast::ExprPtr left = ParseUnary();
-    for (int links = 0;; ++links) {
-        RequireShort(links);
-        const OperatorSymbol* found = nullptr;
-        for (const OperatorSymbol& candidate : kMultiplicative) {
-            if (IsSymbol(candidate.symbol)) {
-                found = &candidate;
-            }
-        }
-        if (found == nullptr) {
-            return left;
-        }
-        Take();
-        left = Make(ast::BinaryExpr{found->op, std::move(left), ParseUnary()});
+        left = Make(ast::BinaryExpr{found->op, std::move(left), (this->*operand)()});
     }
 }
 
 ast::ExprPtr Parser::ParseUnary() {
     const Depth depth(*this);
-    if (TakeSymbol("-")) {
-        return Make(ast::UnaryExpr{UnaryOperator::Minus, ParseUnary()});
-    }
-    if (TakeSymbol("+")) {
-        return Make(ast::UnaryExpr{UnaryOperator::Plus, ParseUnary()});
-    }
-    if (TakeSymbol("~")) {
-        return Make(ast::UnaryExpr{UnaryOperator::BitNot, ParseUnary()});
+    constexpr std::pair<std::string_view, UnaryOperator> kSigns[] = {
+        {"-", UnaryOperator::Minus}, {"+", UnaryOperator::Plus}, {"~", UnaryOperator::BitNot}};
+    for (const auto& [symbol, op] : kSigns) {
+        if (TakeSymbol(symbol)) {
+            return Make(ast::UnaryExpr{op, ParseUnary()});
+        }
     }
     return ParsePostfix();
 }
@@ -297,13 +240,7 @@ ast::ExprPtr Parser::ParsePrimary() {
         return Make(ast::VariableExpr{Take().text});
     }
     case TokenKind::Symbol:
-        if (IsSymbol("(")) {
-            return ParseParenthesized();
-        }
-        if (IsSymbol("{")) {
-            return ParseOdbcEscape();
-        }
-        SyntaxError();
+        return IsSymbol("{") ? ParseOdbcEscape() : ParseParenthesized();
     default:
         return ParseNamed();
     }
@@ -347,8 +284,7 @@ bool Parser::BeginsQuery(std::size_t ahead) const {
     }
     for (std::size_t open = next_ + ahead; open < first; ++open) {
         const std::size_t after = closing_[open] + 1 - next_;
-        if (!IsSymbol(")", after) && !IsWord("UNION", after) && !IsWord("EXCEPT", after) &&
-            !IsWord("INTERSECT", after)) {
+        if (!IsSymbol(")", after) && !IsOneOf({"UNION", "EXCEPT", "INTERSECT"}, after)) {
             return false;
         }
     }
@@ -377,26 +313,26 @@ ast::ExprPtr Parser::ParseNamed() {
         return ParseCase();
     }
     if (IsSymbol("(", 1) && token.kind == TokenKind::Word) {
-        if (IsWord("CAST") || IsWord("TRY_CAST")) {
+        if (IsOneOf({"CAST", "TRY_CAST"})) {
             return ParseCast(AsciiEqual(Take().text, "TRY_CAST"));
         }
-        if (IsWord("CONVERT") || IsWord("TRY_CONVERT")) {
+        if (IsOneOf({"CONVERT", "TRY_CONVERT"})) {
             return ParseConvert(AsciiEqual(Take().text, "TRY_CONVERT"));
         }
-        if (IsWord(
-                "STRING_AGG")) { // Refused here, because WITHIN GROUP (...) after it would be a syntax error.
+        // Refused here, because WITHIN GROUP (...) after it would be a syntax error.
+        if (IsWord("STRING_AGG")) {
             Unsupported("STRING_AGG");
         }
-        if (!IsReservedWord(token.text) || Contains(kFunctionWords, token)) {
+        if (!IsReservedWord(token.text) || ListHas(kFunctionWords, token.text)) {
             return ParseCall(Take().text);
         }
     }
-    if (Contains(kBareFunctions, token)) {
+    if (token.kind == TokenKind::Word && ListHas(kBareFunctions, token.text)) {
         ast::CallExpr call;
         call.name = Take().text;
         return Make(std::move(call));
     }
-    if (IsWord("IDENTITYCOL") || IsWord("ROWGUIDCOL")) {
+    if (IsOneOf({"IDENTITYCOL", "ROWGUIDCOL"})) {
         Unsupported(token.text);
     }
     const std::size_t begin = token.begin;
@@ -483,7 +419,7 @@ ast::Over Parser::ParseOver() {
     if (IsWord("ORDER")) {
         over.order_by = ParseOrderBy();
     }
-    if (IsWord("ROWS") || IsWord("RANGE")) {
+    if (IsOneOf({"ROWS", "RANGE"})) {
         Unsupported(Peek().text);
     }
     ExpectSymbol(")");
@@ -509,9 +445,7 @@ ast::ExprPtr Parser::ParseOdbcEscape() {
 
 std::vector<ast::ExprPtr> Parser::ParseExprList() {
     std::vector<ast::ExprPtr> list;
-    do {
-        list.push_back(ParseValue());
-    } while (TakeSymbol(","));
+    CommaSeparated([&] { list.push_back(ParseValue()); });
     return list;
 }
 

@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,7 @@ class Parser {
     Token Take();
     bool AtEnd() const { return Peek().kind == TokenKind::End; }
     bool IsWord(std::string_view word, std::size_t ahead = 0) const;
+    bool IsOneOf(std::initializer_list<std::string_view> words, std::size_t ahead = 0) const;
     bool IsSymbol(std::string_view symbol, std::size_t ahead = 0) const;
     bool IsName(std::size_t ahead = 0) const;
     bool TakeWord(std::string_view word);
@@ -52,6 +54,22 @@ class Parser {
     void ExpectSymbol(std::string_view symbol);
     /// Takes the next token if it is one of `words`, and returns its index; otherwise -1.
     int TakeOneOf(std::initializer_list<std::string_view> words);
+    int ExpectOneOf(std::initializer_list<std::string_view> words);
+    void ExpectEnd();
+    void SkipSemicolons();
+    /// Calls `item` for each item of a list.
+    template <class Item>
+    void CommaSeparated(Item item) {
+        do {
+            item();
+        } while (TakeSymbol(","));
+    }
+    template <class Item>
+    void ListInParentheses(Item item) {
+        ExpectSymbol("(");
+        CommaSeparated(item);
+        ExpectSymbol(")");
+    }
     void FindClosings();
     [[noreturn]] void SyntaxError() const;
     [[noreturn]] void Fail(std::int32_t number, std::initializer_list<std::string_view> arguments = {}) const;
@@ -63,6 +81,10 @@ class Parser {
     std::string TakeString();
     std::int64_t TakeInteger();
     ast::Name TakeObjectName();
+    /// A table's name or a table variable.
+    ast::Name TakeTable();
+    /// A cursor's name or a cursor variable.
+    std::string TakeCursorName();
     std::string TakeVariable();
     void Declare(const std::string& variable);
     void RequireDeclared(const std::string& variable, std::int32_t error = 137) const;
@@ -79,7 +101,13 @@ class Parser {
     ast::ExprPtr ParseNot();
     ast::ExprPtr ParsePredicate();
     ast::ExprPtr ParsePredicateTail(ast::ExprPtr left, bool negated);
-    ast::ExprPtr ParseComparison(ast::ExprPtr left, ast::CompareOp op);
+    void RequirePredicate(const ast::Expr& expr) const;
+    ast::ExprPtr ParseJunction(std::string_view word, ast::ExprPtr (Parser::*operand)());
+    struct OperatorSymbol {
+        std::string_view symbol;
+        BinaryOperator op;
+    };
+    ast::ExprPtr ParseOperators(std::span<const OperatorSymbol> operators, ast::ExprPtr (Parser::*operand)());
     ast::ExprPtr ParseAdditive();
     ast::ExprPtr ParseMultiplicative();
     ast::ExprPtr ParseUnary();
@@ -120,6 +148,7 @@ class Parser {
     ast::TableSourcePtr ParseParenthesizedSource();
     ast::QueryPtr ParseValues();
     bool ParseJoinKind(ast::JoinKind& kind);
+    bool IsTableHint(std::size_t ahead) const;
     void SkipTableHints();
     /// OPTION (…), of which MAXRECURSION is kept.
     std::int64_t SkipQueryOptions();
@@ -131,11 +160,19 @@ class Parser {
     void ParseBulkOptions(ast::InsertBulkStatement& bulk);
     void ParseInsertSource(ast::InsertStatement& insert);
     ast::UpdateStatement ParseUpdate();
+    std::optional<BinaryOperator> TakeAssignment();
     ast::Assignment ParseAssignment();
     ast::DeleteStatement ParseDelete();
     void ParseWhere(ast::ExprPtr& where, std::string& cursor);
 
     // ---- statements (parser_statements.cpp)
+    /// A statement by its first word, which is taken before the function is called.
+    struct StatementEntry {
+        std::string_view word;
+        ast::StatementPtr (*parse)(Parser&);
+    };
+    static const StatementEntry kStatements[];
+    ast::StatementPtr ParseTruncate();
     ast::StatementPtr ParseStatement();
     ast::StatementPtr ParseStatementNode();
     ast::StatementList ParseStatementsUntilEnd();
@@ -145,8 +182,9 @@ class Parser {
         return std::make_unique<ast::Statement>(std::forward<Node>(node), 1);
     }
     ast::StatementPtr ParseDataStatement();
-    ast::StatementPtr ParseControlStatement();
-    ast::StatementPtr ParseActionStatement();
+    /// BREAK and CONTINUE; raises `outside` where there is no loop.
+    ast::StatementPtr ParseLoopEnd(auto statement, std::int32_t outside);
+    ast::StatementPtr ParseCursor(ast::CursorAction action);
     ast::StatementPtr ParseBegin();
     ast::StatementPtr ParseTry();
     ast::StatementPtr ParseIf();
@@ -169,16 +207,17 @@ class Parser {
     ast::StatementPtr ParseWaitfor();
     ast::StatementPtr ParseTransaction(ast::TransactionAction action);
     ast::StatementPtr ParseFetch();
-    ast::StatementPtr ParseMaintenance();
+    ast::StatementPtr ParseReconfigure();
+    ast::StatementPtr ParseNamedStatement();
     ast::StatementPtr ParseDbcc();
     ast::StatementPtr ParseCreateStatistics();
     ast::StatementPtr ParseAlterIndex();
     void SkipParenthesized();
     void SkipStatisticsOptions();
     ast::StatementPtr ParseCheckIdentity();
-    ast::StatementPtr ParseLogTruncation();
 
     // ---- definitions (parser_definitions.cpp)
+    ast::ObjectKind TakeKind();
     ast::StatementPtr ParseCreate();
     ast::StatementPtr ParseAlter();
     ast::StatementPtr ParseDrop();
@@ -218,7 +257,6 @@ class Parser {
     std::string ParseSize();
     ast::StatementPtr ParseAlterDatabase();
     void ParseDatabaseOptions(ast::AlterDatabaseStatement& alter);
-    ast::StatementPtr ParseModifyFile(ast::AlterDatabaseStatement alter);
     ast::StatementPtr ParseAuthorization();
     void ParseExecuteAs();
     ast::StatementPtr ParseGrant(ast::GrantAction action);

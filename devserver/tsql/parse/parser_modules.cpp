@@ -34,15 +34,12 @@ CreateModuleStatement Parser::ParseProcedureModule() {
     CreateModuleStatement module;
     module_allowed_ = false;
     module.name = TakeObjectName();
-    if (TakeSymbol(";")) {
-        if (TakeInteger() != 1) {
-            Unsupported("procedure number");
-        }
+    if (TakeSymbol(";") && TakeInteger() != 1) {
+        Unsupported("procedure number");
     }
     const bool parenthesis = TakeSymbol("(");
     while (Peek().kind == TokenKind::Variable) {
-        Parameter parameter = ParseParameter();
-        module.parameters.push_back(std::move(parameter));
+        module.parameters.push_back(ParseParameter());
         if (!TakeSymbol(",")) {
             break;
         }
@@ -51,18 +48,15 @@ CreateModuleStatement Parser::ParseProcedureModule() {
         ExpectSymbol(")");
     }
     if (TakeWord("WITH")) {
-        do {
-            const int option = TakeOneOf({"RECOMPILE", "ENCRYPTION"});
-            if (option < 0) {
+        CommaSeparated([&] {
+            if (TakeWord("ENCRYPTION")) {
+                module.encrypted = true;
+            } else if (!TakeWord("RECOMPILE")) {
                 ParseExecuteAs();
             }
-            module.recompile = module.recompile || option == 0;
-            module.encrypted = module.encrypted || option == 1;
-        } while (TakeSymbol(","));
+        });
     }
-    if (TakeWords({"FOR", "REPLICATION"})) {
-        // FOR REPLICATION has no effect: the procedure runs like any other.
-    }
+    TakeWords({"FOR", "REPLICATION"}); // No effect: the procedure runs like any other.
     ExpectWord("AS");
     module.body = ParseStatementsUntilEnd();
     return module;
@@ -74,9 +68,7 @@ CreateModuleStatement Parser::ParseFunctionModule() {
     module.name = TakeObjectName();
     ExpectSymbol("(");
     if (!IsSymbol(")")) {
-        do {
-            module.parameters.push_back(ParseParameter());
-        } while (TakeSymbol(","));
+        CommaSeparated([&] { module.parameters.push_back(ParseParameter()); });
     }
     ExpectSymbol(")");
     ExpectWord("RETURNS");
@@ -88,36 +80,30 @@ CreateModuleStatement Parser::ParseFunctionModule() {
     result.output = true;
     module.parameters.push_back(std::move(result));
     if (TakeWord("WITH")) {
-        do {
+        CommaSeparated([&] {
             if (TakeWord("ENCRYPTION")) {
                 module.encrypted = true;
             } else if (!TakeWord("SCHEMABINDING") && !TakeWords({"CALLED", "ON", "NULL", "INPUT"})) {
                 ParseExecuteAs();
             }
-        } while (TakeSymbol(","));
+        });
     }
     TakeWord("AS");
     if (!IsWord("BEGIN")) {
         SyntaxError();
     }
     module.body.push_back(ParseStatement());
-    while (TakeSymbol(";")) {
-    }
-    if (!AtEnd()) {
-        SyntaxError();
-    }
+    SkipSemicolons();
+    ExpectEnd();
     return module;
 }
 
 /// WITH EXECUTE AS CALLER, OWNER or SELF: no effect, because every login may do everything.
 void Parser::ParseExecuteAs() {
-    if (!(IsWord("EXECUTE") || IsWord("EXEC")) || !IsWord("AS", 1) ||
-        !(IsWord("CALLER", 2) || IsWord("OWNER", 2) || IsWord("SELF", 2))) {
+    if (!IsOneOf({"EXECUTE", "EXEC"}) || !IsWord("AS", 1) || !IsOneOf({"CALLER", "OWNER", "SELF"}, 2)) {
         Unsupported(Peek().text);
     }
-    Take();
-    Take();
-    Take();
+    next_ += 3;
 }
 
 Parameter Parser::ParseParameter() {
@@ -150,19 +136,13 @@ CreateModuleStatement Parser::ParseViewModule() {
         module.columns = ParseNameList();
     }
     if (TakeWord("WITH")) {
-        do {
-            const int option = TakeOneOf({"ENCRYPTION", "SCHEMABINDING", "VIEW_METADATA"});
-            if (option < 0) {
-                SyntaxError();
-            }
-            module.encrypted = module.encrypted || option == 0;
-        } while (TakeSymbol(","));
+        CommaSeparated([&] {
+            module.encrypted |= ExpectOneOf({"ENCRYPTION", "SCHEMABINDING", "VIEW_METADATA"}) == 0;
+        });
     }
     ExpectWord("AS");
     module.query = ParseQuery();
-    if (TakeWords({"WITH", "CHECK", "OPTION"})) {
-        module.check_option = true;
-    }
+    TakeWords({"WITH", "CHECK", "OPTION"}); // No view is written through.
     return module;
 }
 

@@ -1,5 +1,4 @@
 // SELECT in all its forms.
-#include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
 #include "devserver/tsql/scalar/text.h"
@@ -10,21 +9,27 @@ using namespace ast;
 
 namespace {
 /// Hints about reading and locking. They don't change a result, so they have no effect here.
-constexpr std::array<std::string_view, 19> kTableHints = {
-    "NOLOCK",   "READUNCOMMITTED", "READCOMMITTED", "REPEATABLEREAD",   "SERIALIZABLE",
-    "HOLDLOCK", "UPDLOCK",         "XLOCK",         "ROWLOCK",          "PAGLOCK",
-    "TABLOCK",  "TABLOCKX",        "READPAST",      "FASTFIRSTROW",     "NOEXPAND",
-    "NOWAIT",   "INDEX",           "FORCESEEK",     "READCOMMITTEDLOCK"};
+constexpr std::string_view kTableHints =
+    "NOLOCK,READUNCOMMITTED,READCOMMITTED,REPEATABLEREAD,SERIALIZABLE,HOLDLOCK,UPDLOCK,XLOCK,ROWLOCK,PAGLOCK,"
+    "TABLOCK,TABLOCKX,READPAST,FASTFIRSTROW,NOEXPAND,NOWAIT,INDEX,FORCESEEK,READCOMMITTEDLOCK";
 
-bool IsTableHint(std::string_view word) {
-    for (const std::string_view hint : kTableHints) {
-        if (AsciiEqual(word, hint)) {
-            return true;
-        }
-    }
-    return false;
+TableSourcePtr MakeSource(auto node) {
+    auto source = std::make_unique<TableSource>();
+    source->node = std::move(node);
+    return source;
 }
+
+QueryTermPtr MakeTerm(auto node) {
+    auto term = std::make_unique<QueryTerm>();
+    term->node = std::move(node);
+    return term;
+}
+
 } // namespace
+
+bool Parser::IsTableHint(std::size_t ahead) const {
+    return Peek(ahead).kind == TokenKind::Word && ListHas(kTableHints, Peek(ahead).text);
+}
 
 QueryPtr Parser::ParseQuery() {
     const Depth depth(*this);
@@ -43,10 +48,8 @@ QueryPtr Parser::ParseQuery() {
     if (IsWord("COMPUTE")) {
         Unsupported("COMPUTE");
     }
-    if (TakeWord("FOR")) {
-        if (!TakeWord("BROWSE")) { // FOR BROWSE would add key columns; it is not supported.
-            Unsupported("FOR " + AsciiUpper(Peek().text));
-        }
+    if (TakeWord("FOR") && !TakeWord("BROWSE")) { // Without the key columns that BROWSE adds.
+        Unsupported("FOR " + AsciiUpper(Peek().text));
     }
     query->max_recursion = SkipQueryOptions();
     return query;
@@ -55,7 +58,7 @@ QueryPtr Parser::ParseQuery() {
 std::vector<CommonTable> Parser::ParseWith() {
     std::vector<CommonTable> tables;
     ExpectWord("WITH");
-    do {
+    CommaSeparated([&] {
         CommonTable table;
         table.name = TakeName();
         if (IsSymbol("(")) {
@@ -66,21 +69,19 @@ std::vector<CommonTable> Parser::ParseWith() {
         table.query = ParseQuery();
         ExpectSymbol(")");
         tables.push_back(std::move(table));
-    } while (TakeSymbol(","));
+    });
     return tables;
 }
 
 QueryTermPtr Parser::ParseUnion() {
     QueryTermPtr left = ParseIntersect();
-    for (int links = 0; IsWord("UNION") || IsWord("EXCEPT"); ++links) {
+    for (int links = 0; IsOneOf({"UNION", "EXCEPT"}); ++links) {
         RequireShort(links);
         SetOp op = SetOp::Except;
         if (AsciiEqual(Take().text, "UNION")) {
             op = TakeWord("ALL") ? SetOp::UnionAll : SetOp::Union;
         }
-        auto term = std::make_unique<QueryTerm>();
-        term->node = SetOperation{op, std::move(left), ParseIntersect()};
-        left = std::move(term);
+        left = MakeTerm(SetOperation{op, std::move(left), ParseIntersect()});
     }
     return left;
 }
@@ -88,9 +89,7 @@ QueryTermPtr Parser::ParseUnion() {
 QueryTermPtr Parser::ParseIntersect() {
     QueryTermPtr left = ParseQueryPrimary();
     while (TakeWord("INTERSECT")) {
-        auto term = std::make_unique<QueryTerm>();
-        term->node = SetOperation{SetOp::Intersect, std::move(left), ParseQueryPrimary()};
-        left = std::move(term);
+        left = MakeTerm(SetOperation{SetOp::Intersect, std::move(left), ParseQueryPrimary()});
     }
     return left;
 }
@@ -102,9 +101,7 @@ QueryTermPtr Parser::ParseQueryPrimary() {
         ExpectSymbol(")");
         return term;
     }
-    auto term = std::make_unique<QueryTerm>();
-    term->node = ParseSelectCore();
-    return term;
+    return MakeTerm(ParseSelectCore());
 }
 
 SelectCore Parser::ParseSelectCore() {
@@ -115,12 +112,10 @@ SelectCore Parser::ParseSelectCore() {
         TakeWord("ALL");
     }
     core.top = ParseTop();
-    if (core.top) {
-        core.top->ties = TakeWords({"WITH", "TIES"});
+    if (IsWord("WITH") && IsWord("TIES", 1)) {
+        Unsupported("WITH TIES");
     }
-    do {
-        core.items.push_back(ParseSelectItem());
-    } while (TakeSymbol(","));
+    CommaSeparated([&] { core.items.push_back(ParseSelectItem()); });
     if (TakeWord("INTO")) {
         core.into = TakeObjectName();
     }
@@ -140,24 +135,25 @@ SelectCore Parser::ParseSelectCore() {
     return core;
 }
 
-/// Keys; "keys WITH ROLLUP", "ROLLUP (keys)", and the same with CUBE.
+/// Keys; "keys WITH ROLLUP", "ROLLUP (keys)".
 void Parser::ParseGroupBy(SelectCore& core) {
-    const auto grouping = [](int word) { return word == 0 ? GroupingSets::Rollup : GroupingSets::Cube; };
-    if ((IsWord("ROLLUP") || IsWord("CUBE")) && IsSymbol("(", 1)) {
-        core.grouping = grouping(TakeOneOf({"ROLLUP", "CUBE"}));
-        ExpectSymbol("(");
-        core.group_by = ParseExprList();
-        ExpectSymbol(")");
+    if ((IsWord("CUBE") && IsSymbol("(", 1)) || (IsWord("GROUPING") && IsWord("SETS", 1))) {
+        Unsupported(AsciiUpper(Peek().text));
+    }
+    if (IsWord("ROLLUP") && IsSymbol("(", 1)) {
+        Take();
+        core.rollup = true;
+        ListInParentheses([&] { core.group_by.push_back(ParseValue()); });
         if (IsSymbol(",")) {
             Unsupported("several grouping sets");
         }
         return;
     }
     core.group_by = ParseExprList();
-    if (IsWord("WITH") && (IsWord("ROLLUP", 1) || IsWord("CUBE", 1))) {
-        Take();
-        core.grouping = grouping(TakeOneOf({"ROLLUP", "CUBE"}));
+    if (IsWord("WITH") && IsWord("CUBE", 1)) {
+        Unsupported("CUBE");
     }
+    core.rollup = TakeWords({"WITH", "ROLLUP"});
 }
 
 std::optional<Top> Parser::ParseTop() {
@@ -225,42 +221,28 @@ void Parser::ParseAlias(std::string& alias) {
 
 std::vector<TableSourcePtr> Parser::ParseFrom() {
     std::vector<TableSourcePtr> sources;
-    do {
-        sources.push_back(ParseJoined());
-    } while (TakeSymbol(","));
+    CommaSeparated([&] { sources.push_back(ParseJoined()); });
     return sources;
 }
 
 bool Parser::ParseJoinKind(JoinKind& kind) {
-    const auto hint = [this] { // INNER HASH JOIN and similar hints
-        TakeOneOf({"LOOP", "HASH", "MERGE", "REMOTE"});
-    };
-    if (TakeWord("JOIN")) {
-        kind = JoinKind::Inner;
-        return true;
+    if ((IsWord("CROSS") || IsWord("OUTER")) && (IsWord("OUTER") || IsWord("APPLY", 1))) {
+        Unsupported(AsciiUpper(Peek().text) + " APPLY");
     }
-    if (IsWord("CROSS")) {
-        Take();
-        if (IsWord("APPLY")) {
-            Unsupported("CROSS APPLY");
-        }
-        ExpectWord("JOIN");
-        kind = JoinKind::Cross;
-        return true;
-    }
-    if (IsWord("OUTER")) {
-        Unsupported("OUTER APPLY");
-    }
-    const int which = TakeOneOf({"INNER", "LEFT", "RIGHT", "FULL"});
+    constexpr JoinKind kKinds[] = {JoinKind::Inner, JoinKind::Inner, JoinKind::Left,
+                                   JoinKind::Right, JoinKind::Full,  JoinKind::Cross};
+    const int which = TakeOneOf({"JOIN", "INNER", "LEFT", "RIGHT", "FULL", "CROSS"});
     if (which < 0) {
         return false;
     }
-    constexpr std::array<JoinKind, 4> kKinds = {JoinKind::Inner, JoinKind::Left, JoinKind::Right,
-                                                JoinKind::Full};
-    kind = kKinds[static_cast<std::size_t>(which)];
-    TakeWord("OUTER");
-    hint();
-    ExpectWord("JOIN");
+    kind = kKinds[which];
+    if (which > 0) {
+        if (kind != JoinKind::Cross) {
+            TakeWord("OUTER");
+            TakeOneOf({"LOOP", "HASH", "MERGE", "REMOTE"}); // how to join, as in INNER HASH JOIN
+        }
+        ExpectWord("JOIN");
+    }
     return true;
 }
 
@@ -272,10 +254,8 @@ TableSourcePtr Parser::ParseJoined() {
         JoinSource join;
         join.kind = kind;
         join.left = std::move(left);
-        if (kind == JoinKind::Cross) {
-            join.right = ParseTableSource();
-        } else { // "a JOIN b JOIN c ON … ON …" nests to the right
-            join.right = ParseTableSource();
+        join.right = ParseTableSource();
+        if (kind != JoinKind::Cross) { // "a JOIN b JOIN c ON … ON …" nests to the right
             while (!IsWord("ON")) {
                 JoinSource inner;
                 if (!ParseJoinKind(inner.kind)) {
@@ -287,14 +267,12 @@ TableSourcePtr Parser::ParseJoined() {
                     ExpectWord("ON");
                     inner.on = ParseCondition();
                 }
-                join.right = std::make_unique<TableSource>();
-                join.right->node = std::move(inner);
+                join.right = MakeSource(std::move(inner));
             }
             ExpectWord("ON");
             join.on = ParseCondition();
         }
-        left = std::make_unique<TableSource>();
-        left->node = std::move(join);
+        left = MakeSource(std::move(join));
     }
     return left;
 }
@@ -304,23 +282,14 @@ QueryPtr Parser::ParseValues() {
     auto query = std::make_unique<Query>();
     query->line = Peek().line;
     ExpectWord("VALUES");
-    do {
-        ExpectSymbol("(");
+    CommaSeparated([&] {
         SelectCore row;
-        for (ExprPtr& value : ParseExprList()) {
-            row.items.emplace_back();
-            row.items.back().expr = std::move(value);
-        }
-        ExpectSymbol(")");
-        auto term = std::make_unique<QueryTerm>();
-        term->node = std::move(row);
-        if (query->body) {
-            auto both = std::make_unique<QueryTerm>();
-            both->node = SetOperation{SetOp::UnionAll, std::move(query->body), std::move(term)};
-            term = std::move(both);
-        }
-        query->body = std::move(term);
-    } while (TakeSymbol(","));
+        ListInParentheses([&] { row.items.emplace_back().expr = ParseValue(); });
+        QueryTermPtr term = MakeTerm(std::move(row));
+        query->body = query->body
+                          ? MakeTerm(SetOperation{SetOp::UnionAll, std::move(query->body), std::move(term)})
+                          : std::move(term);
+    });
     return query;
 }
 
@@ -341,9 +310,7 @@ TableSourcePtr Parser::ParseParenthesizedSource() {
     if (IsSymbol("(")) {
         derived.columns = ParseNameList();
     }
-    auto source = std::make_unique<TableSource>();
-    source->node = std::move(derived);
-    return source;
+    return MakeSource(std::move(derived));
 }
 
 TableSourcePtr Parser::ParseTableSource() {
@@ -355,29 +322,25 @@ TableSourcePtr Parser::ParseTableSource() {
         RequireDeclared(Peek().text, 1087);
         named.name.parts = {Take().text};
     } else {
-        for (const std::string_view function :
-             {"OPENQUERY", "OPENROWSET", "OPENDATASOURCE", "OPENXML", "CONTAINSTABLE", "FREETEXTTABLE"}) {
-            if (IsWord(function)) {
-                Unsupported(function);
-            }
+        if (IsOneOf(
+                {"OPENQUERY", "OPENROWSET", "OPENDATASOURCE", "OPENXML", "CONTAINSTABLE", "FREETEXTTABLE"})) {
+            Unsupported(AsciiUpper(Peek().text));
         }
         named.name = TakeObjectName();
     }
-    if (IsSymbol("(") && !(Peek(1).kind == TokenKind::Word && IsTableHint(Peek(1).text))) {
+    if (IsSymbol("(") && !IsTableHint(1)) {
         Unsupported(named.name.text() + "() (table-valued function)");
     }
     if (!IsSymbol("(")) {
         ParseAlias(named.alias);
     }
     SkipTableHints();
-    auto source = std::make_unique<TableSource>();
-    source->node = std::move(named);
-    return source;
+    return MakeSource(std::move(named));
 }
 
 void Parser::SkipTableHints() {
     const bool with = IsWord("WITH") && IsSymbol("(", 1);
-    if (!with && !(IsSymbol("(") && Peek(1).kind == TokenKind::Word && IsTableHint(Peek(1).text))) {
+    if (!with && !(IsSymbol("(") && IsTableHint(1))) {
         return;
     }
     if (with) {
@@ -385,7 +348,7 @@ void Parser::SkipTableHints() {
     }
     ExpectSymbol("(");
     do {
-        if (Peek().kind != TokenKind::Word || !IsTableHint(Peek().text)) {
+        if (!IsTableHint(0)) {
             Fail(321, {Peek().text});
         }
         Take();
@@ -426,17 +389,11 @@ std::int64_t Parser::SkipQueryOptions() {
 
 /// OFFSET n ROWS [FETCH NEXT m ROWS ONLY]
 void Parser::ParseOffset(Query& query) {
-    const auto rows = [this] {
-        if (TakeOneOf({"ROW", "ROWS"}) < 0) {
-            SyntaxError();
-        }
-    };
+    const auto rows = [this] { ExpectOneOf({"ROW", "ROWS"}); };
     query.offset = ParseValue();
     rows();
     if (TakeWord("FETCH")) {
-        if (TakeOneOf({"FIRST", "NEXT"}) < 0) {
-            SyntaxError();
-        }
+        ExpectOneOf({"FIRST", "NEXT"});
         query.fetch = ParseValue();
         rows();
         ExpectWord("ONLY");
@@ -447,12 +404,12 @@ std::vector<OrderItem> Parser::ParseOrderBy() {
     ExpectWord("ORDER");
     ExpectWord("BY");
     std::vector<OrderItem> items;
-    do {
+    CommaSeparated([&] {
         OrderItem item;
         item.expr = ParseValue();
         item.descending = TakeOneOf({"ASC", "DESC"}) == 1;
         items.push_back(std::move(item));
-    } while (TakeSymbol(","));
+    });
     return items;
 }
 

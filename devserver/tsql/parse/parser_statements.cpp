@@ -1,6 +1,5 @@
 // Control flow, variables, procedure calls and other statements that are not queries.
 #include <algorithm>
-#include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
 #include "devserver/tsql/scalar/text.h"
@@ -19,8 +18,7 @@ constexpr std::string_view kValueWords[] = {
 StatementList Parser::ParseStatementsUntilEnd() {
     StatementList list;
     while (true) {
-        while (TakeSymbol(";")) {
-        }
+        SkipSemicolons();
         if (AtEnd() || IsWord("END")) {
             return list;
         }
@@ -41,119 +39,106 @@ StatementPtr Parser::ParseStatement() {
     return statement;
 }
 
+const Parser::StatementEntry Parser::kStatements[] = {
+    {"DECLARE", [](Parser& p) { return p.ParseDeclare(); }},
+    {"SET", [](Parser& p) { return p.ParseSet(); }},
+    {"IF", [](Parser& p) { return p.ParseIf(); }},
+    {"BEGIN", [](Parser& p) { return p.ParseBegin(); }},
+    {"EXEC", [](Parser& p) { return p.ParseExecute(); }},
+    {"EXECUTE", [](Parser& p) { return p.ParseExecute(); }},
+    {"CREATE", [](Parser& p) { return p.ParseCreate(); }},
+    {"ALTER", [](Parser& p) { return p.ParseAlter(); }},
+    {"DROP", [](Parser& p) { return p.ParseDrop(); }},
+    {"FETCH", [](Parser& p) { return p.ParseFetch(); }},
+    {"WAITFOR", [](Parser& p) { return p.ParseWaitfor(); }},
+    {"RAISERROR", [](Parser& p) { return p.ParseRaiserror(); }},
+    {"WHILE", [](Parser& p) { return p.ParseWhile(); }},
+    {"RETURN", [](Parser& p) { return p.ParseReturn(); }},
+    {"THROW", [](Parser& p) { return p.ParseThrow(); }},
+    {"BREAK", [](Parser& p) { return p.ParseLoopEnd(BreakStatement{}, 135); }},
+    {"CONTINUE", [](Parser& p) { return p.ParseLoopEnd(ContinueStatement{}, 136); }},
+    {"GOTO", [](Parser& p) { return Wrap(GotoStatement{p.TakeName()}); }},
+    {"PRINT", [](Parser& p) { return Wrap(PrintStatement{p.ParseValue()}); }},
+    {"USE", [](Parser& p) { return Wrap(UseStatement{p.TakeName()}); }},
+    {"COMMIT", [](Parser& p) { return p.ParseTransaction(TransactionAction::Commit); }},
+    {"ROLLBACK", [](Parser& p) { return p.ParseTransaction(TransactionAction::Rollback); }},
+    {"SAVE", [](Parser& p) { return p.ParseTransaction(TransactionAction::Save); }},
+    {"OPEN", [](Parser& p) { return p.ParseCursor(CursorAction::Open); }},
+    {"CLOSE", [](Parser& p) { return p.ParseCursor(CursorAction::Close); }},
+    {"DEALLOCATE", [](Parser& p) { return p.ParseCursor(CursorAction::Deallocate); }},
+    {"GRANT", [](Parser& p) { return p.ParseGrant(GrantAction::Grant); }},
+    {"DENY", [](Parser& p) { return p.ParseGrant(GrantAction::Deny); }},
+    {"REVOKE", [](Parser& p) { return p.ParseGrant(GrantAction::Revoke); }},
+    {"CHECKPOINT", [](Parser&) { return Wrap(MaintenanceStatement{"CHECKPOINT"}); }},
+    {"RECONFIGURE", [](Parser& p) { return p.ParseReconfigure(); }},
+    {"KILL", [](Parser& p) { return Wrap(KillStatement{p.TakeInteger()}); }},
+    {"DBCC", [](Parser& p) { return p.ParseDbcc(); }},
+    {"TRUNCATE", [](Parser& p) { return p.ParseTruncate(); }},
+};
+
 StatementPtr Parser::ParseStatementNode() {
     if (StatementPtr statement = ParseDataStatement()) {
         return statement;
     }
-    if (StatementPtr statement = ParseControlStatement()) {
-        return statement;
+    for (const StatementEntry& entry : kStatements) {
+        if (TakeWord(entry.word)) {
+            return entry.parse(*this);
+        }
     }
-    if (StatementPtr statement = ParseMaintenance()) {
-        return statement;
-    }
-    if (IsName() && IsSymbol(":", 1)) {
-        LabelStatement label{TakeName()};
-        Take();
-        return Wrap(std::move(label));
-    }
-    SyntaxError();
+    return ParseNamedStatement();
 }
 
 StatementPtr Parser::ParseDataStatement() {
-    if (IsWord("SELECT") || IsSymbol("(")) {
-        return Wrap(ParseQuery());
-    }
+    std::vector<CommonTable> with;
     if (IsWord("WITH")) {
-        std::vector<CommonTable> with = ParseWith();
-        if (IsWord("UPDATE")) {
-            UpdateStatement update = ParseUpdate();
-            update.with = std::move(with);
-            return Wrap(std::move(update));
-        }
-        if (IsWord("DELETE")) {
-            DeleteStatement statement = ParseDelete();
-            statement.with = std::move(with);
-            return Wrap(std::move(statement));
-        }
-        if (IsWord("INSERT")) {
-            InsertStatement insert = ParseInsert();
-            if (!insert.query) {
-                SyntaxError();
-            }
-            insert.query->with = std::move(with);
-            return Wrap(std::move(insert));
-        }
+        with = ParseWith();
+    }
+    if (IsWord("SELECT") || IsSymbol("(")) {
         QueryPtr query = ParseQuery();
         query->with = std::move(with);
         return Wrap(std::move(query));
     }
     if (IsWord("INSERT")) {
-        if (IsWord("BULK", 1)) {
-            return Wrap(ParseInsertBulk());
+        if (with.empty()) {
+            return IsWord("BULK", 1) ? Wrap(ParseInsertBulk()) : Wrap(ParseInsert());
         }
-        return Wrap(ParseInsert());
+        InsertStatement insert = ParseInsert();
+        if (!insert.query) {
+            SyntaxError();
+        }
+        insert.query->with = std::move(with);
+        return Wrap(std::move(insert));
     }
-    if (IsWord("UPDATE")) {
-        if (IsWord("STATISTICS", 1)) {
-            return nullptr;
-        }
-        return Wrap(ParseUpdate());
+    if (IsWord("UPDATE") && !IsWord("STATISTICS", 1)) {
+        UpdateStatement update = ParseUpdate();
+        update.with = std::move(with);
+        return Wrap(std::move(update));
     }
     if (IsWord("DELETE")) {
-        return Wrap(ParseDelete());
+        DeleteStatement statement = ParseDelete();
+        statement.with = std::move(with);
+        return Wrap(std::move(statement));
     }
-    if (TakeWord("TRUNCATE")) {
-        ExpectWord("TABLE");
-        return Wrap(TruncateStatement{TakeObjectName()});
+    if (!with.empty()) {
+        SyntaxError();
     }
     return nullptr;
 }
 
-StatementPtr Parser::ParseControlStatement() {
-    const Token& token = Peek();
-    if (token.kind != TokenKind::Word) {
-        return nullptr;
+StatementPtr Parser::ParseTruncate() {
+    ExpectWord("TABLE");
+    return Wrap(TruncateStatement{TakeObjectName()});
+}
+
+StatementPtr Parser::ParseLoopEnd(auto statement, std::int32_t outside) {
+    if (loops_ == 0) {
+        --next_;
+        Fail(outside);
     }
-    struct Entry {
-        std::string_view word;
-        StatementPtr (Parser::*parse)();
-    };
-    // Each function takes the first word itself.
-    static constexpr Entry kEntries[] = {
-        {"DECLARE", &Parser::ParseDeclare}, {"SET", &Parser::ParseSet},
-        {"IF", &Parser::ParseIf},           {"BEGIN", &Parser::ParseBegin},
-        {"EXEC", &Parser::ParseExecute},    {"EXECUTE", &Parser::ParseExecute},
-        {"CREATE", &Parser::ParseCreate},   {"ALTER", &Parser::ParseAlter},
-        {"DROP", &Parser::ParseDrop},       {"FETCH", &Parser::ParseFetch},
-        {"WAITFOR", &Parser::ParseWaitfor}, {"RAISERROR", &Parser::ParseRaiserror},
-        {"WHILE", &Parser::ParseWhile},     {"RETURN", &Parser::ParseReturn},
-        {"THROW", &Parser::ParseThrow},
-    };
-    for (const Entry& entry : kEntries) {
-        if (IsWord(entry.word)) {
-            return (this->*entry.parse)();
-        }
-    }
-    if (IsWord("BREAK") || IsWord("CONTINUE")) {
-        if (loops_ == 0) {
-            Fail(IsWord("BREAK") ? 135 : 136);
-        }
-        return AsciiEqual(Take().text, "BREAK") ? Wrap(BreakStatement{}) : Wrap(ContinueStatement{});
-    }
-    if (TakeWord("GOTO")) {
-        return Wrap(GotoStatement{TakeName()});
-    }
-    if (TakeWord("PRINT")) {
-        return Wrap(PrintStatement{ParseValue()});
-    }
-    if (TakeWord("USE")) {
-        return Wrap(UseStatement{TakeName()});
-    }
-    return ParseActionStatement();
+    return Wrap(std::move(statement));
 }
 
 StatementPtr Parser::ParseWhile() {
-    ExpectWord("WHILE");
     WhileStatement loop;
     loop.condition = ParseCondition();
     ++loops_;
@@ -163,7 +148,6 @@ StatementPtr Parser::ParseWhile() {
 }
 
 StatementPtr Parser::ParseReturn() {
-    ExpectWord("RETURN");
     const bool word = std::ranges::any_of(kValueWords, [&](std::string_view w) { return IsWord(w); });
     const bool value =
         !AtEnd() && !IsSymbol(";") &&
@@ -171,47 +155,19 @@ StatementPtr Parser::ParseReturn() {
     return Wrap(ReturnStatement{value ? ParseValue() : nullptr});
 }
 
-/// Statements whose first word is an action on something named: a transaction, a cursor, a right.
-StatementPtr Parser::ParseActionStatement() {
-    constexpr std::array<std::pair<std::string_view, TransactionAction>, 3> kTransactions = {
-        {{"COMMIT", TransactionAction::Commit},
-         {"ROLLBACK", TransactionAction::Rollback},
-         {"SAVE", TransactionAction::Save}}};
-    for (const auto& [word, action] : kTransactions) {
-        if (TakeWord(word)) {
-            return ParseTransaction(action);
-        }
-    }
-    constexpr std::array<std::pair<std::string_view, CursorAction>, 3> kCursors = {
-        {{"OPEN", CursorAction::Open},
-         {"CLOSE", CursorAction::Close},
-         {"DEALLOCATE", CursorAction::Deallocate}}};
-    for (const auto& [word, action] : kCursors) {
-        if (TakeWord(word)) {
-            TakeWord("GLOBAL");
-            return Wrap(
-                CursorStatement{action, Peek().kind == TokenKind::Variable ? TakeVariable() : TakeName()});
-        }
-    }
-    constexpr std::array<std::pair<std::string_view, GrantAction>, 3> kGrants = {
-        {{"GRANT", GrantAction::Grant}, {"DENY", GrantAction::Deny}, {"REVOKE", GrantAction::Revoke}}};
-    for (const auto& [word, action] : kGrants) {
-        if (TakeWord(word)) {
-            return ParseGrant(action);
-        }
-    }
-    return nullptr;
+StatementPtr Parser::ParseCursor(CursorAction action) {
+    TakeWord("GLOBAL");
+    return Wrap(CursorStatement{action, TakeCursorName()});
 }
 
 StatementPtr Parser::ParseBegin() {
-    ExpectWord("BEGIN");
     if (TakeWord("TRY")) {
         return ParseTry();
     }
     if (IsWord("DISTRIBUTED")) {
         Unsupported("DISTRIBUTED TRANSACTION");
     }
-    if (IsWord("TRAN") || IsWord("TRANSACTION")) {
+    if (IsOneOf({"TRAN", "TRANSACTION"})) {
         return ParseTransaction(TransactionAction::Begin);
     }
     TakeSymbol(";");
@@ -244,7 +200,6 @@ StatementPtr Parser::ParseTry() {
 }
 
 StatementPtr Parser::ParseIf() {
-    ExpectWord("IF");
     IfStatement statement;
     statement.condition = ParseCondition();
     statement.then = ParseStatement();
@@ -257,14 +212,11 @@ StatementPtr Parser::ParseIf() {
 // ------------------------------------------------------------------ DECLARE, SET
 
 StatementPtr Parser::ParseDeclare() {
-    ExpectWord("DECLARE");
     if (Peek().kind != TokenKind::Variable) {
         return ParseCursorDeclaration(TakeName());
     }
     DeclareStatement declare;
-    do {
-        declare.declarations.push_back(ParseDeclaration());
-    } while (TakeSymbol(","));
+    CommaSeparated([&] { declare.declarations.push_back(ParseDeclaration()); });
     return Wrap(std::move(declare));
 }
 
@@ -299,9 +251,8 @@ StatementPtr Parser::ParseCursorDeclaration(std::string name) {
             cursor.local = true;
         } else if (TakeWord("READ_ONLY") || TakeWord("FAST_FORWARD")) {
             cursor.read_only = true;
-        } else if (TakeOneOf({"GLOBAL", "FORWARD_ONLY", "OPTIMISTIC", "SCROLL_LOCKS", "TYPE_WARNING"}) < 0) {
-            SyntaxError();
-        }
+        } else
+            ExpectOneOf({"GLOBAL", "FORWARD_ONLY", "OPTIMISTIC", "SCROLL_LOCKS", "TYPE_WARNING"});
     }
     ExpectWord("FOR");
     // ParseQuery would take "FOR UPDATE" and "FOR READ ONLY" for a clause that it refuses.
@@ -319,16 +270,13 @@ StatementPtr Parser::ParseCursorDeclaration(std::string name) {
         cursor.read_only = true;
     } else if (TakeWords({"FOR", "UPDATE"})) {
         if (TakeWord("OF")) {
-            do {
-                TakeName();
-            } while (TakeSymbol(","));
+            CommaSeparated([&] { TakeName(); });
         }
     }
     return Wrap(std::move(cursor));
 }
 
 StatementPtr Parser::ParseSet() {
-    ExpectWord("SET");
     return Peek().kind == TokenKind::Variable ? ParseSetVariable() : ParseSetOption();
 }
 
@@ -336,23 +284,8 @@ StatementPtr Parser::ParseSetVariable() {
     SetVariableStatement set;
     set.name = TakeVariable();
     RequireDeclared(set.name);
-    constexpr std::array<std::pair<std::string_view, BinaryOperator>, 5> kCompound = {
-        {{"+=", BinaryOperator::Add},
-         {"-=", BinaryOperator::Subtract},
-         {"*=", BinaryOperator::Multiply},
-         {"/=", BinaryOperator::Divide},
-         {"%=", BinaryOperator::Modulo}}};
-    for (const auto& [symbol, op] : kCompound) {
-        if (TakeSymbol(symbol)) {
-            set.op = op;
-            set.value = ParseValue();
-            return Wrap(std::move(set));
-        }
-    }
-    ExpectSymbol("=");
-    if (IsWord("CURSOR")) {
-        --next_; // ParseCursorDeclaration takes the keyword itself.
-        Take();
+    set.op = TakeAssignment();
+    if (!set.op && IsWord("CURSOR")) {
         return ParseCursorDeclaration(set.name);
     }
     set.value = ParseValue();
@@ -389,14 +322,14 @@ StatementPtr Parser::ParseSetOption() {
     } else if (TakeWord("STATISTICS")) {
         set.options = {"STATISTICS " + AsciiUpper(Take().text)};
     } else {
-        do {
+        CommaSeparated([&] {
             if (Peek().kind != TokenKind::Word) {
                 SyntaxError();
             }
             set.options.push_back(AsciiUpper(Take().text));
-        } while (TakeSymbol(","));
+        });
     }
-    if (IsWord("ON") || IsWord("OFF") || Peek().kind == TokenKind::Word) {
+    if (IsOneOf({"ON", "OFF"}) || Peek().kind == TokenKind::Word) {
         set.value = AsciiUpper(Take().text);
     } else {
         set.expr = ParseValue();

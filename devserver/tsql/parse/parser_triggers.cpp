@@ -18,20 +18,18 @@ CreateModuleStatement Parser::ParseTriggerModule() {
     }
     module.table = TakeObjectName();
     if (TakeWord("WITH")) {
-        do {
+        CommaSeparated([&] {
             if (TakeWord("ENCRYPTION")) {
                 module.encrypted = true;
             } else {
                 ParseExecuteAs();
             }
-        } while (TakeSymbol(","));
+        });
     }
     if (IsWord("INSTEAD") && IsWord("OF", 1)) {
         Unsupported("INSTEAD OF trigger");
     }
-    if (TakeOneOf({"FOR", "AFTER"}) < 0) {
-        SyntaxError();
-    }
+    ExpectOneOf({"FOR", "AFTER"});
     module.events = ParseTriggerEvents();
     TakeWords({"WITH", "APPEND"}); // Several triggers for one statement are the rule.
     TakeWords({"NOT", "FOR", "REPLICATION"});
@@ -47,26 +45,21 @@ CreateModuleStatement Parser::ParseTriggerModule() {
 std::uint8_t Parser::ParseTriggerEvents() {
     constexpr std::array kEvents = {kOnInsert, kOnUpdate, kOnDelete};
     std::uint8_t events = 0;
-    do {
-        const int event = TakeOneOf({"INSERT", "UPDATE", "DELETE"});
-        if (event < 0) {
-            SyntaxError();
-        }
+    CommaSeparated([&] {
+        const int event = ExpectOneOf({"INSERT", "UPDATE", "DELETE"});
         const std::uint8_t bit = kEvents[static_cast<std::size_t>(event)];
         if ((events & bit) != 0) { // Each event stands once.
             --next_;
             SyntaxError();
         }
         events = static_cast<std::uint8_t>(events | bit);
-    } while (TakeSymbol(","));
+    });
     return events;
 }
 
 std::vector<std::string> Parser::ParseTriggerNames() {
     std::vector<std::string> names;
-    do {
-        names.push_back(TakeWord("ALL") ? "ALL" : TakeObjectName().last());
-    } while (TakeSymbol(","));
+    CommaSeparated([&] { names.push_back(TakeWord("ALL") ? "ALL" : TakeObjectName().last()); });
     return names;
 }
 

@@ -1,7 +1,6 @@
 #include "devserver/tsql/procedures/system_procedures.h"
 
 #include <algorithm>
-#include <array>
 
 #include "devserver/storage/databases.h"
 #include "devserver/storage/linked_servers.h"
@@ -16,8 +15,7 @@ constexpr std::string_view kOwnProduct = "SQL Server";
 constexpr std::string_view kOwnProvider = "SQLOLEDB";
 
 /// Providers of SQL Server. The server cannot reach data of any other provider.
-constexpr std::array<std::string_view, 6> kProviders = {"SQLOLEDB",  "SQLNCLI",    "SQLNCLI10",
-                                                        "SQLNCLI11", "MSOLEDBSQL", "MSDASQL"};
+constexpr std::string_view kProviders = "SQLOLEDB,SQLNCLI,SQLNCLI10,SQLNCLI11,MSOLEDBSQL,MSDASQL";
 
 void RequireNoTransaction(SystemCall& call, std::string_view procedure) {
     if (call.session().transactions().count() > 0) {
@@ -80,8 +78,7 @@ void RequireProvider(LinkedServer& server, bool has_details) {
         }
         RaiseError(15427, {server.product});
     }
-    if (std::ranges::none_of(kProviders,
-                             [&](std::string_view p) { return AsciiEqual(p, server.provider); })) {
+    if (!ListHas(kProviders, server.provider)) {
         RaiseError(7403, {server.provider});
     }
 }
@@ -182,19 +179,10 @@ std::int32_t DropLinkedLogin(SystemCall& call) {
 }
 
 /// The options that take "true" and "false", and those that take a text or a number.
-constexpr std::array<std::string_view, 12> kSwitches = {"collation compatible",
-                                                        "data access",
-                                                        "dist",
-                                                        "dpub",
-                                                        "lazy schema validation",
-                                                        "pub",
-                                                        "rpc",
-                                                        "rpc out",
-                                                        "sub",
-                                                        "system",
-                                                        "use remote collation",
-                                                        "remote proc transaction promotion"};
-constexpr std::array<std::string_view, 3> kTexts = {"collation name", "connect timeout", "query timeout"};
+constexpr std::string_view kSwitches =
+    "collation compatible,data access,dist,dpub,lazy schema validation,pub,rpc,rpc out,sub,system,"
+    "use remote collation,remote proc transaction promotion";
+constexpr std::string_view kTexts = "collation name,connect timeout,query timeout";
 
 std::int32_t ServerOption(SystemCall& call) {
     LinkedServer server = Require(call, "@server");
@@ -202,9 +190,9 @@ std::int32_t ServerOption(SystemCall& call) {
     std::ranges::transform(name, name.begin(),
                            [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
     const std::string value = call.Text("@optvalue");
-    if (std::ranges::find(kTexts, name) != kTexts.end()) {
+    if (ListHas(kTexts, name)) {
         server.options[name] = value;
-    } else if (std::ranges::find(kSwitches, name) != kSwitches.end()) {
+    } else if (ListHas(kSwitches, name)) {
         const bool on = AsciiEqual(value, "true") || AsciiEqual(value, "on");
         if (!on && !AsciiEqual(value, "false") && !AsciiEqual(value, "off")) {
             RaiseError(15600, {"sp_serveroption"});

@@ -233,4 +233,17 @@ bool AsciiEqual(std::string_view a, std::string_view b) {
     return a.size() == b.size() && AsciiUpper(a) == AsciiUpper(b);
 }
 
+std::vector<std::string_view> WordsOf(std::string_view list) {
+    std::vector<std::string_view> words;
+    while (!list.empty()) {
+        words.push_back(list.substr(0, list.find(',')));
+        list.remove_prefix(std::min(words.back().size() + 1, list.size()));
+    }
+    return words;
+}
+
+bool ListHas(std::string_view list, std::string_view word) {
+    return std::ranges::any_of(WordsOf(list), [&](std::string_view item) { return AsciiEqual(item, word); });
+}
+
 } // namespace devsql

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace devsql {
 
@@ -54,5 +55,9 @@ std::string Folded(std::string_view name);
 std::string AsciiUpper(std::string_view text);
 /// Equal but for the case of ASCII letters.
 bool AsciiEqual(std::string_view a, std::string_view b);
+/// The words of a list such as "NOLOCK,HOLDLOCK".
+std::vector<std::string_view> WordsOf(std::string_view list);
+/// True if such a list has the word, but for the case of ASCII letters.
+bool ListHas(std::string_view list, std::string_view word);
 
 } // namespace devsql
