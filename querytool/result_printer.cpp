@@ -10,10 +10,10 @@
 namespace querytool {
 namespace {
 
-using platform::odbc::Bytes;
-using platform::odbc::Guid;
-using platform::odbc::SqlType;
-using platform::odbc::Timestamp;
+using odbc::Bytes;
+using odbc::Guid;
+using odbc::SqlType;
+using odbc::Timestamp;
 
 constexpr std::string_view kNull = "NULL";
 /// The width of a long column; a longer value is printed in full all the same.

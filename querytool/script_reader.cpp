@@ -16,11 +16,11 @@ namespace {
 std::string FromUtf8(std::string_view bytes) {
     std::string text;
     while (!bytes.empty()) {
-        const auto character = platform::TakeUtf8(bytes);
+        const auto character = text::TakeUtf8(bytes);
         if (!character) {
             bytes.remove_prefix(1);
         }
-        text += character ? platform::NarrowCharacter(*character).value_or('?') : '?';
+        text += character ? text::NarrowCharacter(*character).value_or('?') : '?';
     }
     return text;
 }
@@ -36,7 +36,7 @@ std::string_view Trim(std::string_view text) {
 }
 
 bool BeginsWithWord(std::string_view text, std::string_view word) {
-    return kv::SameIgnoringCase(text.substr(0, word.size()), word);
+    return text::SameIgnoringCase(text.substr(0, word.size()), word);
 }
 
 struct WordRow {
@@ -93,10 +93,10 @@ std::string ToCodePage(std::string content) {
         return FromUtf8(view.substr(3));
     }
     if (view.starts_with("\xFF\xFE")) {
-        return platform::Narrow(platform::FromUtf16Bytes(view.substr(2), std::endian::little));
+        return text::Narrow(text::FromUtf16Bytes(view.substr(2), std::endian::little));
     }
     if (view.starts_with("\xFE\xFF")) {
-        return platform::Narrow(platform::FromUtf16Bytes(view.substr(2), std::endian::big));
+        return text::Narrow(text::FromUtf16Bytes(view.substr(2), std::endian::big));
     }
     return content;
 }
@@ -195,7 +195,7 @@ LineMeaning MeaningOf(std::string_view line, std::string_view terminator) {
         return *exit;
     }
     for (const WordRow& row : kWords) {
-        if (kv::SameIgnoringCase(text, row.word)) {
+        if (text::SameIgnoringCase(text, row.word)) {
             return {row.kind, 1, row.word};
         }
     }

@@ -11,9 +11,9 @@
 
 namespace querytool {
 
-using platform::odbc::Column;
-using platform::odbc::Diagnostic;
-using platform::odbc::Value;
+using odbc::Column;
+using odbc::Diagnostic;
+using odbc::Value;
 
 /// Receives the results and messages of a batch, in the order in which they come.
 class ResultSink {

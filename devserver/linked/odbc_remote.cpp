@@ -11,8 +11,6 @@
 namespace devsql {
 namespace {
 
-namespace odbc = platform::odbc;
-
 constexpr std::uint8_t kErrorSeverity = 16;
 constexpr std::string_view kTimedOut = "HYT00";
 constexpr std::string_view kCancelled = "HY008";

@@ -11,7 +11,6 @@
 namespace devsql {
 namespace {
 
-namespace odbc = platform::odbc;
 using odbc::SqlType;
 
 /// The length of a type for which ODBC reports none.
@@ -118,11 +117,11 @@ struct ToValue {
 
 } // namespace
 
-Column ColumnOfOdbc(const platform::odbc::Column& column) {
+Column ColumnOfOdbc(const odbc::Column& column) {
     return {FromCodePage1252(column.name), TypeOf(column), column.nullable, false};
 }
 
-Value ValueOfOdbc(const platform::odbc::Value& value, const Type& type) {
+Value ValueOfOdbc(const odbc::Value& value, const Type& type) {
     return std::visit(ToValue{type}, value);
 }
 

@@ -7,8 +7,8 @@
 namespace devsql {
 
 /// A type that the server does not have becomes nvarchar(max).
-Column ColumnOfOdbc(const platform::odbc::Column& column);
+Column ColumnOfOdbc(const odbc::Column& column);
 /// Of the type that ColumnOfOdbc gave.
-Value ValueOfOdbc(const platform::odbc::Value& value, const Type& type);
+Value ValueOfOdbc(const odbc::Value& value, const Type& type);
 
 } // namespace devsql

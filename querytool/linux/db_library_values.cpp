@@ -12,10 +12,10 @@
 namespace querytool {
 namespace {
 
-using platform::odbc::Bytes;
-using platform::odbc::Guid;
-using platform::odbc::SqlType;
-using platform::odbc::Timestamp;
+using odbc::Bytes;
+using odbc::Guid;
+using odbc::SqlType;
+using odbc::Timestamp;
 
 /// What a column's size is counted in, and how wide it is printed.
 enum class Measure : std::uint8_t { Fixed, Characters, Bytes, Digits, Long };
@@ -215,12 +215,12 @@ Value LibraryText(DBPROCESS* process, int type, std::string_view bytes) {
 } // namespace
 
 std::string FromLibrary(std::string_view utf8) {
-    const auto wide = platform::FromUtf8(utf8);
-    return wide ? platform::Narrow(*wide) : std::string(utf8);
+    const auto wide = text::FromUtf8(utf8);
+    return wide ? text::Narrow(*wide) : std::string(utf8);
 }
 
 std::string ToLibrary(std::string_view text) {
-    return platform::ToUtf8(platform::Widen(text));
+    return text::ToUtf8(text::Widen(text));
 }
 
 Column ColumnAt(DBPROCESS* process, int number) {

@@ -11,9 +11,9 @@
 namespace querytool {
 namespace {
 
-using platform::odbc::OdbcError;
-using platform::odbc::RowReader;
-using platform::odbc::Statement;
+using odbc::OdbcError;
+using odbc::RowReader;
+using odbc::Statement;
 
 /// Encloses a value of a connection string in braces, but only if it would otherwise end early or lose its
 /// blanks: FreeTDS does not read a doubled "}" as one, so a value that needs braces and contains "}" works
@@ -41,7 +41,7 @@ constexpr std::size_t kStock = 8;
 bool AsksForLastBatch(std::string_view batch) {
     constexpr std::array<std::string_view, 2> kVariables = {"@@ERROR", "@@ROWCOUNT"};
     return std::ranges::any_of(kVariables, [&](std::string_view variable) {
-        return kv::FindIgnoringCase(batch, variable) != std::string_view::npos;
+        return text::FindIgnoringCase(batch, variable) != std::string_view::npos;
     });
 }
 
@@ -50,7 +50,7 @@ constexpr std::string_view kTimeOut = "HYT00";
 
 void Send(std::vector<Diagnostic> diagnostics, ResultSink& sink) {
     for (Diagnostic& diagnostic : diagnostics) {
-        diagnostic.message = platform::odbc::WithoutOrigin(diagnostic.message);
+        diagnostic.message = odbc::WithoutOrigin(diagnostic.message);
         sink.Message(diagnostic);
         if (diagnostic.sql_state == kTimeOut) {
             return; // The records after it only report its consequences: no connection or no result.

@@ -19,14 +19,14 @@ class OdbcServer : public Server {
     bool Run(const std::string& batch, ResultSink& sink) override;
 
   private:
-    platform::odbc::Statement NextStatement(const std::string& batch);
-    void TakeResult(platform::odbc::Statement& statement, ResultSink& sink);
+    odbc::Statement NextStatement(const std::string& batch);
+    void TakeResult(odbc::Statement& statement, ResultSink& sink);
     template <class Step>
     bool Try(ResultSink& sink, Step&& step);
 
-    std::optional<platform::odbc::Environment> environment_;
-    std::optional<platform::odbc::Connection> connection_;
-    std::vector<platform::odbc::Statement> stock_; ///< destroyed before the connection
+    std::optional<odbc::Environment> environment_;
+    std::optional<odbc::Connection> connection_;
+    std::vector<odbc::Statement> stock_; ///< destroyed before the connection
     unsigned query_timeout_ = 0;
 };
 

@@ -6,7 +6,7 @@ namespace kv {
 namespace {
 
 std::string TrimmedText(const ado::Recordset& rows, std::int32_t column) {
-    return std::string(Trim(rows.Fields().Item(column).Value().ToString()));
+    return std::string(text::Trim(rows.Fields().Item(column).Value().ToString()));
 }
 
 } // namespace

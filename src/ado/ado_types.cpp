@@ -6,7 +6,7 @@
 namespace ado {
 namespace {
 
-using platform::odbc::SqlType;
+using odbc::SqlType;
 
 /// Type numbers of ODBC 2, which drivers report to programs of that version.
 constexpr auto kDate2 = static_cast<SqlType>(9);

@@ -46,7 +46,7 @@ enum class TypeKind : std::uint8_t {
 
 struct AdoType {
     DataType number = adEmpty;
-    platform::odbc::SqlType sql_type = platform::odbc::SqlType::Unknown;
+    odbc::SqlType sql_type = odbc::SqlType::Unknown;
     std::string_view server_name; ///< the server's own name for the type
     TypeKind kind = TypeKind::Fixed;
     std::uint8_t precision = 0; ///< of a fixed type; 0 for types that are not numbers
@@ -56,7 +56,7 @@ struct AdoType {
 /// ADO's type for a column of the catalogue. It follows from the driver's type, except for money: ODBC
 /// reports it as a decimal, so the server's name of the type decides. A type that is not in the table becomes
 /// text, since every value can be shown as text.
-const AdoType& AdoTypeOf(platform::odbc::SqlType sql_type, std::string_view type_name);
+const AdoType& AdoTypeOf(odbc::SqlType sql_type, std::string_view type_name);
 /// The row for one of ADO's numbers; the row of text for an unknown number.
 const AdoType& AdoTypeOf(std::int32_t number);
 

@@ -18,8 +18,6 @@
 namespace ado {
 namespace {
 
-namespace odbc = platform::odbc;
-
 constexpr char kSource[] = "ADODB.Command";
 
 // ------------------------------------------------------------------ the catalogue of parameters
@@ -68,9 +66,9 @@ class CatalogueRow {
         const std::string listed = Text(kProcedureName);
         const std::size_t end = listed.rfind(';');
         const std::string number = end == std::string::npos ? "1" : listed.substr(end + 1);
-        return kv::SameIgnoringCase(listed.substr(0, end), wanted.name) &&
+        return text::SameIgnoringCase(listed.substr(0, end), wanted.name) &&
                (number == "0" ? "1" : number) == wanted.number &&
-               (wanted.owner.empty() || kv::SameIgnoringCase(Text(kOwner), wanted.owner));
+               (wanted.owner.empty() || text::SameIgnoringCase(Text(kOwner), wanted.owner));
     }
 
   private:

@@ -12,8 +12,6 @@
 namespace ado {
 namespace {
 
-namespace odbc = platform::odbc;
-
 constexpr char kSource[] = "ADODB.Connection";
 
 /// Names for the first columns of ODBC's catalogue of procedures. The driver's own names depend on its

@@ -11,14 +11,14 @@ namespace ado {
 
 /// Exists from Open to Close.
 struct Session {
-    platform::odbc::Environment environment;
-    platform::odbc::Connection connection{environment};
+    odbc::Environment environment;
+    odbc::Connection connection{environment};
     bool drops_results_after_error = false;
 };
 
 /// The work of one statement.
 struct Work {
-    using Step = std::function<void(platform::odbc::Statement&)>;
+    using Step = std::function<void(odbc::Statement&)>;
 
     std::int32_t timeout = 0; ///< seconds; 0: no limit
     /// True if the results after an error are read too. A call of the catalogue has only one result.
@@ -43,7 +43,7 @@ struct Connection::Impl {
     /// what was reported in `errors`. Throws CallError. The connection must be open.
     std::unique_ptr<Recordset> Run(const Work& work, std::int64_t& records_affected);
     /// Stores what the database reported in `errors` and throws the first of them.
-    [[noreturn]] void Fail(const platform::odbc::OdbcError& error);
+    [[noreturn]] void Fail(const odbc::OdbcError& error);
 };
 
 } // namespace ado

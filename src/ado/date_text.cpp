@@ -145,7 +145,7 @@ bool TakeNumber(std::string_view& text, std::size_t least, std::size_t most, Num
 }
 
 bool TakeWord(std::string_view& text, const std::string& word) {
-    if (word.empty() || kv::LowerCase(text.substr(0, word.size())) != kv::LowerCase(word)) {
+    if (word.empty() || text::LowerCase(text.substr(0, word.size())) != text::LowerCase(word)) {
         return false;
     }
     text.remove_prefix(word.size());
@@ -193,7 +193,7 @@ bool TakeElement(const Element& element, const LocaleForms& forms, Reading& read
         reading.afternoon = TakeWord(reading.text, forms.pm);
         return reading.afternoon || TakeWord(reading.text, forms.am);
     default:
-        return TakeWord(reading.text, kv::ReplaceAll(element.text, kNoBreakSpace, " "));
+        return TakeWord(reading.text, text::ReplaceAll(element.text, kNoBreakSpace, " "));
     }
 }
 
@@ -367,7 +367,7 @@ std::string ShowDate(const Date& date, const LocaleForms& forms) {
 }
 
 std::optional<DateText> ReadDate(std::string_view given, const LocaleForms& forms) {
-    const std::string text = kv::ReplaceAll(WithoutBlanks(given), kNoBreakSpace, " ");
+    const std::string text = text::ReplaceAll(WithoutBlanks(given), kNoBreakSpace, " ");
     // A text in the form of ISO 8601 is read as such and in no other way: in the locale's order it could be
     // another day.
     if (HasShape(text, "0000-00-00")) {

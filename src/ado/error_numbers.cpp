@@ -17,11 +17,11 @@ constexpr std::int32_t kRaisedMessage = 265946;      // 0x00040EDA: success with
 /// Numbers from here on belong to scripts and procedures (RAISERROR), those below to the server.
 constexpr std::int32_t kFirstRaised = 50000;
 
-std::int32_t NumberOf(const platform::odbc::Diagnostic& diagnostic) {
+std::int32_t NumberOf(const odbc::Diagnostic& diagnostic) {
     if (!diagnostic.error) {
         return diagnostic.native_error >= kFirstRaised ? kRaisedMessage : 0;
     }
-    return platform::odbc::ErrorNumberOf(diagnostic.sql_state);
+    return odbc::ErrorNumberOf(diagnostic.sql_state);
 }
 
 /// The groups of the collection's entries, in the order in which the groups are sorted.
@@ -33,7 +33,7 @@ Rank RankOf(std::int32_t number) {
 
 /// The last of the bracketed names before a message: "SQL Server" for "[FreeTDS][SQL Server]...".
 std::string SourceOf(std::string_view message) {
-    const std::string_view text = platform::odbc::WithoutOrigin(message);
+    const std::string_view text = odbc::WithoutOrigin(message);
     std::string_view origin = message.substr(0, message.size() - text.size());
     if (origin.empty()) {
         return "ODBC";
@@ -44,7 +44,7 @@ std::string SourceOf(std::string_view message) {
 
 } // namespace
 
-Error ErrorOf(const platform::odbc::Diagnostic& diagnostic) {
+Error ErrorOf(const odbc::Diagnostic& diagnostic) {
     Error error;
     error.Number = NumberOf(diagnostic);
     error.Description = diagnostic.message;
@@ -64,14 +64,14 @@ Error NoCommandText() {
 
 Error RefusalOf(const char* sql_state, const std::string& text) {
     Error error;
-    error.Number = platform::odbc::ErrorNumberOf(sql_state);
+    error.Number = odbc::ErrorNumberOf(sql_state);
     error.Description = text;
     error.Source = "ADODB.Command";
     error.SQLState = sql_state;
     return error;
 }
 
-Errors ErrorsOf(const std::vector<platform::odbc::Diagnostic>& diagnostics) {
+Errors ErrorsOf(const std::vector<odbc::Diagnostic>& diagnostics) {
     std::vector<Error> entries;
     std::ranges::transform(diagnostics, std::back_inserter(entries), ErrorOf);
     std::ranges::stable_sort(entries, {}, [](const Error& entry) { return RankOf(entry.Number); });

@@ -7,8 +7,6 @@
 namespace ado {
 namespace {
 
-namespace odbc = platform::odbc;
-
 struct ToVariant {
     odbc::SqlType type; ///< of the column
 

@@ -10,14 +10,14 @@ namespace ado {
 
 /// The layer's value for a value of the driver, whose text is moved out of it. `type` is the column's: the
 /// driver gives singles as doubles and decimals as text.
-Variant VariantOf(platform::odbc::SqlType type, platform::odbc::Value& value);
+Variant VariantOf(odbc::SqlType type, odbc::Value& value);
 
 /// True for the types whose text is an exact number.
-bool IsExact(platform::odbc::SqlType type);
+bool IsExact(odbc::SqlType type);
 /// In braces, as ADO shows it.
-std::string GuidText(const platform::odbc::Guid& guid);
+std::string GuidText(const odbc::Guid& guid);
 
 /// The driver's value for a value of the layer. Empty and Null become NULL.
-platform::odbc::Value OdbcValueOf(const Variant& value);
+odbc::Value OdbcValueOf(const Variant& value);
 
 } // namespace ado

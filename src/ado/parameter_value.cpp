@@ -18,8 +18,6 @@
 namespace ado {
 namespace {
 
-namespace odbc = platform::odbc;
-
 /// Why a value does not fit, with its SQLSTATE. The conversions throw it; TypedValue catches it and adds the
 /// value and the parameter to the text.
 struct Reason {
@@ -106,12 +104,12 @@ odbc::Value ToBit(const Given& given) {
     if (const auto* const value = given.As<bool>()) {
         return *value;
     }
-    const std::string word = kv::LowerCase(WithoutBlanks(given.text));
+    const std::string word = text::LowerCase(WithoutBlanks(given.text));
     for (const auto& [name, value] : {std::pair{given.forms.true_word, true},
                                       {given.forms.false_word, false},
                                       {std::string("true"), true},
                                       {std::string("false"), false}}) {
-        if (word == kv::LowerCase(name)) {
+        if (word == text::LowerCase(name)) {
             return value;
         }
     }

@@ -30,6 +30,6 @@ std::string DeclarationOf(const Parameter& parameter);
 /// The parameter's value as it is passed to the driver; Empty and Null become NULL. Numbers and dates in text
 /// are read in the forms of the locale, as Variant::ToString writes them; dates may also be in ISO 8601.
 /// Throws ValueRefused if the value does not fit the type exactly.
-platform::odbc::Value TypedValue(const Parameter& parameter, const platform::LocaleForms& forms);
+odbc::Value TypedValue(const Parameter& parameter, const platform::LocaleForms& forms);
 
 } // namespace ado

@@ -11,8 +11,6 @@
 namespace ado {
 namespace {
 
-namespace odbc = platform::odbc;
-
 /// The size of the buffer for an output value of a type without a limit, in characters or bytes.
 constexpr std::int32_t kMaxOutput = 1024 * 1024;
 

@@ -23,16 +23,16 @@ class ProcedureCall {
     /// no entries.
     const std::vector<Error>& Refusals() const { return refusals_; }
     /// Binds the values and runs the statement. Throws OdbcError.
-    void Start(platform::odbc::Statement& statement) const;
+    void Start(odbc::Statement& statement) const;
     /// Stores the output values in `parameters`. Must be called after the last result was read, since the
     /// driver has the values only then.
-    void TakeOutput(const platform::odbc::Statement& statement) const;
+    void TakeOutput(const odbc::Statement& statement) const;
 
   private:
     /// A parameter that is passed, and the value that is bound to its marker.
     struct Marked {
         Parameter* parameter;
-        platform::odbc::Parameter bound;
+        odbc::Parameter bound;
     };
 
     std::string CallText(const std::string& procedure, std::vector<Parameter>& parameters) const;
@@ -42,7 +42,7 @@ class ProcedureCall {
     void Mark(Parameter& parameter, const platform::LocaleForms& forms);
 
     std::string text_;
-    std::vector<platform::odbc::Parameter> leading_; ///< the arguments of sp_executesql before the parameters
+    std::vector<odbc::Parameter> leading_; ///< the arguments of sp_executesql before the parameters
     std::vector<Marked> marked_;
     std::vector<Error> refusals_;
 };

@@ -38,7 +38,7 @@ Field Fields::Item(std::int32_t index) const {
 Field Fields::Item(std::string_view name) const {
     const std::vector<std::string>& names = recordset_->field_names_;
     const auto found = std::ranges::find_if(
-        names, [&](const std::string& candidate) { return kv::SameIgnoringCase(candidate, name); });
+        names, [&](const std::string& candidate) { return text::SameIgnoringCase(candidate, name); });
     if (found == names.end()) {
         RaiseOwnError(kItemNotFound, "ADODB.Fields", std::string(name));
     }

@@ -240,7 +240,7 @@ void RowStore::PutWideSized(std::size_t kind, std::u16string_view text) {
     const std::size_t begin = values.size();
     PutCounted(values, kind, text.size());
     const std::size_t text_begin = values.size();
-    platform::AppendNarrow(values, text);
+    text::AppendNarrow(values, text);
     const std::size_t size = values.size() - text_begin;
     if (size != text.size()) { // a character of two UTF-16 units became one byte
         const std::string narrow = values.substr(text_begin);

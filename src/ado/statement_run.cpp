@@ -9,8 +9,6 @@
 namespace ado {
 namespace {
 
-namespace odbc = platform::odbc;
-
 /// Stores a value directly from the driver's buffer. `type` is the type of its column.
 void Put(RowStore& store, odbc::SqlType type, const odbc::CellView& cell) {
     switch (cell.kind) {

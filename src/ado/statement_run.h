@@ -15,7 +15,7 @@ namespace ado {
 class StatementRun {
   public:
     /// The statement is one of the connection's; both must outlive the run.
-    StatementRun(platform::odbc::Statement& statement, platform::odbc::Connection& connection)
+    StatementRun(odbc::Statement& statement, odbc::Connection& connection)
         : statement_(statement), connection_(connection) {}
 
     /// Calls `start`, which executes the statement, and reads all its results. Errors of the database are
@@ -26,7 +26,7 @@ class StatementRun {
     bool Failed() const { return failed_; }
     /// The number of rows that the first result touched; -1 if the server did not count them.
     std::int64_t RecordsAffected() const { return records_affected_; }
-    const std::vector<platform::odbc::Diagnostic>& Diagnostics() const { return diagnostics_; }
+    const std::vector<odbc::Diagnostic>& Diagnostics() const { return diagnostics_; }
     /// The first result; a closed recordset if it has no columns or if there is no result.
     std::unique_ptr<Recordset> TakeRecordset();
 
@@ -36,9 +36,9 @@ class StatementRun {
     void TakeMessages();
     void TakeResult();
 
-    platform::odbc::Statement& statement_;
-    platform::odbc::Connection& connection_;
-    std::vector<platform::odbc::Diagnostic> diagnostics_;
+    odbc::Statement& statement_;
+    odbc::Connection& connection_;
+    std::vector<odbc::Diagnostic> diagnostics_;
     std::unique_ptr<Recordset> rows_; ///< of the first result, if it has columns and has been read
     bool has_result_ = false;
     bool failed_ = false;

@@ -83,7 +83,7 @@ struct ToText {
     std::string operator()(const Decimal& value) const { return ShowExact(value.digits, forms); }
     std::string operator()(const Date& value) const { return ShowDate(value, forms); }
     std::string operator()(const std::string& value) const { return value; }
-    std::string operator()(const ByteArray& value) const { return platform::odbc::TextOf(value); }
+    std::string operator()(const ByteArray& value) const { return odbc::TextOf(value); }
 };
 
 struct ToNumber {

@@ -28,8 +28,8 @@ struct Decimal {
 };
 
 /// A date and a time of day.
-using Date = platform::odbc::Timestamp;
-using ByteArray = platform::odbc::Bytes;
+using Date = odbc::Timestamp;
+using ByteArray = odbc::Bytes;
 
 class Variant {
   public:

@@ -5,8 +5,8 @@
 
 namespace kv::registry_locations {
 
-using platform::kHkeyCurrentUser;
-using platform::kHkeyLocalMachine;
+using registry::kHkeyCurrentUser;
+using registry::kHkeyLocalMachine;
 
 /// HKEY_LOCAL_MACHINE, the key's default value: the folder of the error log.
 inline constexpr const char* kLogKey = R"(SOFTWARE\ORVIK\QUORLEN\Log)";

@@ -8,16 +8,16 @@
 namespace kv {
 namespace {
 
-namespace registry_error = platform::registry_error;
+namespace registry_error = registry::error;
 
 constexpr std::size_t kValueBuffer = 400;   // bytes
 constexpr std::size_t kMessageBuffer = 200; // characters
 
 /// The raised number is the length of the system's text, not the system's number, as the log has always shown
 /// it. An error for which the system has no text is raised as an invalid call.
-[[noreturn]] void RaiseRegistryFailure(const platform::RegistryError& error, const char* source) {
+[[noreturn]] void RaiseRegistryFailure(const registry::RegistryError& error, const char* source) {
     constexpr std::size_t kLineEnd = 2; // the text's CR LF
-    const std::string text = platform::SystemMessage(error, kMessageBuffer);
+    const std::string text = registry::SystemMessage(error, kMessageBuffer);
     if (text.size() < kLineEnd) {
         RaiseRunTimeFailure(run_time::kInvalidProcedureCall);
     }
@@ -48,18 +48,18 @@ std::string TextInBuffer(const std::string& buffer) {
 
 } // namespace
 
-std::string GetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey,
+std::string GetStringKey(registry::RegistryHandle lngRoot, const std::string& strSubKey,
                          const std::string& strValueName, const std::string& strDefault) {
     constexpr const char* kSource = "mRegistry::GetStringKey";
     std::string result;
     WithFailureHandler(
         [&] {
-            const auto opened = platform::OpenKey(lngRoot, strSubKey, platform::kKeyQueryValue);
+            const auto opened = registry::OpenKey(lngRoot, strSubKey, registry::kKeyQueryValue);
             if (opened.error != registry_error::kSuccess) {
                 RaiseRegistryFailure(opened.error, kSource);
             }
             std::string buffer(kValueBuffer, ' ');
-            const platform::RegistryError error = platform::QueryValue(opened.key, strValueName, buffer);
+            const registry::RegistryError error = registry::QueryValue(opened.key, strValueName, buffer);
             if (error == registry_error::kSuccess) {
                 result = TextInBuffer(buffer);
             } else if (error == registry_error::kFileNotFound) {
@@ -67,7 +67,7 @@ std::string GetStringKey(platform::RegistryHandle lngRoot, const std::string& st
             } else {
                 RaiseRegistryFailure(error, kSource); // the key stays open
             }
-            platform::CloseKey(opened.key);
+            registry::CloseKey(opened.key);
         },
         [&](const Failure& failure) {
             LogFailure(CallText("GetStringKey", strSubKey, strValueName), failure);
@@ -76,7 +76,7 @@ std::string GetStringKey(platform::RegistryHandle lngRoot, const std::string& st
     return result;
 }
 
-bool SetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey,
+bool SetStringKey(registry::RegistryHandle lngRoot, const std::string& strSubKey,
                   const std::string& strValueName, const std::string& strValue) {
     constexpr const char* kSource = "mRegistry::SetStringKey";
     bool written = false;
@@ -84,16 +84,16 @@ bool SetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey
         [&] {
             // The class of a new key is the value's name, as in all keys that this program makes.
             const auto created =
-                platform::CreateKey(lngRoot, strSubKey, strValueName, platform::kKeyAllAccess);
+                registry::CreateKey(lngRoot, strSubKey, strValueName, registry::kKeyAllAccess);
             if (created.error != registry_error::kSuccess) {
                 RaiseRegistryFailure(created.error, kSource);
             }
-            const platform::RegistryError error =
-                platform::SetValue(created.key, strValueName, platform::kRegSz, strValue);
+            const registry::RegistryError error =
+                registry::SetValue(created.key, strValueName, registry::kRegSz, strValue);
             if (error != registry_error::kSuccess) {
                 RaiseRegistryFailure(error, kSource); // the key stays open
             }
-            platform::CloseKey(created.key);
+            registry::CloseKey(created.key);
             written = true;
         },
         [&](const Failure& failure) {
@@ -134,7 +134,7 @@ std::string GetRemoteSetting(const std::string& strComputer, std::int32_t lngHiv
     WithFailureHandler(
         [&] {
             // Never closed: each call makes its own connection, which lasts until the program ends.
-            const auto root = platform::ConnectRegistry(strComputer, lngHive);
+            const auto root = registry::ConnectRegistry(strComputer, lngHive);
             if (root.error != registry_error::kSuccess) {
                 RaiseRegistryFailure(root.error, "mRegistry::GetRemoteSetting");
             }

@@ -29,10 +29,10 @@ bool SaveLocalSetting(std::int32_t lngHive, const std::string& strSubKey, const 
 // opened. The number of a raised failure is the length of the system's text for it, and not the system's
 // number.
 
-std::string GetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey,
+std::string GetStringKey(registry::RegistryHandle lngRoot, const std::string& strSubKey,
                          const std::string& strValueName, const std::string& strDefault);
 
-bool SetStringKey(platform::RegistryHandle lngRoot, const std::string& strSubKey,
+bool SetStringKey(registry::RegistryHandle lngRoot, const std::string& strSubKey,
                   const std::string& strValueName, const std::string& strValue);
 
 } // namespace kv

@@ -98,13 +98,13 @@ void frmMain::Load() {
 }
 
 void frmMain::LookForDomain() {
-    const platform::OpenedKey key =
-        platform::OpenKey(location::kHkeyLocalMachine, location::kInstallationKey, platform::kKeyQueryValue);
-    if (key.error != platform::registry_error::kSuccess) {
+    const registry::OpenedKey key =
+        registry::OpenKey(location::kHkeyLocalMachine, location::kInstallationKey, registry::kKeyQueryValue);
+    if (key.error != registry::error::kSuccess) {
         form_.Get<ui::TextBox>("edtDomainName").Enabled(false);
         return;
     }
-    platform::CloseKey(key.key);
+    registry::CloseKey(key.key);
     // The value is not used. The read stays because a failed one is logged.
     GetLocalSetting(location::kHkeyLocalMachine, location::kInstallationKey, location::kSqlDomainValue,
                     location::kNoDefault);
@@ -130,7 +130,7 @@ void frmMain::SaveSettings(std::span<const ui::ControlName> entries) {
 }
 
 void frmMain::LoadControlSetting(ui::Control& control) {
-    const std::string text = platform::ReadUserSetting(kApplication, kSection, KeyOf(control), "");
+    const std::string text = registry::ReadUserSetting(kApplication, kSection, KeyOf(control), "");
     try {
         if (control.Kind() == ui::Kind::TextBox) {
             static_cast<ui::TextBox&>(control).Text(text);
@@ -146,7 +146,7 @@ void frmMain::SaveControlSetting(const ui::Control& control) {
     const std::string& text = control.Kind() == ui::Kind::TextBox
                                   ? static_cast<const ui::TextBox&>(control).Text()
                                   : static_cast<const ui::ComboBox&>(control).Text();
-    platform::WriteUserSetting(kApplication, kSection, KeyOf(control), text);
+    registry::WriteUserSetting(kApplication, kSection, KeyOf(control), text);
 }
 
 void frmMain::tabMain_Click() {

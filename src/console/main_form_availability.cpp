@@ -25,8 +25,9 @@ constexpr std::array kPackageControls = {
 };
 
 bool SqlServerInstalled() {
-    return UpperCase(GetLocalSetting(location::kHkeyLocalMachine, location::kCustomFunctionsKey,
-                                     location::kSqlServerInstalledValue, location::kNoDefault)) == "TRUE";
+    return text::UpperCase(GetLocalSetting(location::kHkeyLocalMachine, location::kCustomFunctionsKey,
+                                           location::kSqlServerInstalledValue, location::kNoDefault)) ==
+           "TRUE";
 }
 
 } // namespace

@@ -50,7 +50,7 @@ void ReplicationTab::ShowSwitch() {
     const std::string value =
         GetLocalSetting(location::kHkeyLocalMachine, location::kCustomFunctionsKey,
                         location::kUseTransactionalReplicationValue, location::kNoDefault);
-    chkUseSQLServerReplication_.Value(UpperCase(value) == "TRUE" ? 1 : 0);
+    chkUseSQLServerReplication_.Value(text::UpperCase(value) == "TRUE" ? 1 : 0);
 }
 
 void ReplicationTab::chkUseSQLServerReplication_Click() {

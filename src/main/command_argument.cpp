@@ -9,8 +9,8 @@ constexpr auto kNotFound = std::string::npos;
 
 /// The position of "/" and the text or, if the line does not contain that, of "-" and the text.
 std::size_t FindPrefixed(const std::string& line, const std::string& text) {
-    const auto slash = FindIgnoringCase(line, "/" + text);
-    return slash != kNotFound ? slash : FindIgnoringCase(line, "-" + text);
+    const auto slash = text::FindIgnoringCase(line, "/" + text);
+    return slash != kNotFound ? slash : text::FindIgnoringCase(line, "-" + text);
 }
 
 bool StandsAlone(const std::string& line, std::size_t at, std::size_t name_length) {
@@ -33,14 +33,14 @@ std::string ValueAt(const std::string& line, std::size_t begin) {
     if (end != kNotFound) {
         piece = piece.substr(0, end - begin + 1);
     }
-    piece = Trim(piece);
+    piece = text::Trim(piece);
     if (!piece.empty() && piece.front() == '"') {
         piece.remove_prefix(1);
     }
     if (!piece.empty() && piece.back() == '"') {
         piece.remove_suffix(1);
     }
-    return std::string(Trim(piece));
+    return std::string(text::Trim(piece));
 }
 
 } // namespace

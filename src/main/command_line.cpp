@@ -19,7 +19,7 @@ std::optional<std::size_t> WordOf(const std::string& argument) {
     if (!HasPrefix(argument)) {
         return std::nullopt;
     }
-    const std::string name = LowerCase(argument.substr(1));
+    const std::string name = text::LowerCase(argument.substr(1));
     const auto* const row = std::find_if(known.begin(), known.end(),
                                          [&](const CommandArgument& word) { return word.Name == name; });
     return row == known.end() ? std::nullopt : std::optional(static_cast<std::size_t>(row - known.begin()));

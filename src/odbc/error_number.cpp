@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace platform::odbc {
+namespace odbc {
 namespace {
 
 constexpr std::int32_t kErrorsInCommand = -2147217900; // 0x80040E14
@@ -39,4 +39,4 @@ std::int32_t ErrorNumberOf(std::string_view sql_state) {
     return row != kNumbers.end() ? row->number : kUnspecified;
 }
 
-} // namespace platform::odbc
+} // namespace odbc

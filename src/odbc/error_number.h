@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <string_view>
 
-namespace platform::odbc {
+namespace odbc {
 
 /// The number of a SQLSTATE; that of an unspecified error, -2147467259, for a state without a number of its
 /// own.
 std::int32_t ErrorNumberOf(std::string_view sql_state);
 
-} // namespace platform::odbc
+} // namespace odbc

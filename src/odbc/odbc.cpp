@@ -10,7 +10,7 @@
 #include "odbc/odbc_driver.h"
 #include "odbc/odbc_types.h"
 
-namespace platform::odbc {
+namespace odbc {
 namespace {
 
 static_assert(static_cast<SQLSMALLINT>(HandleKind::Environment) == SQL_HANDLE_ENV);
@@ -277,12 +277,6 @@ std::string Connection::Info(std::uint16_t type) {
     return text.Text();
 }
 
-void Connection::Disconnect() {
-    if (std::exchange(connected_, false)) {
-        handle_.Check("SQLDisconnect", SQLDisconnect(handle_.Get()));
-    }
-}
-
 bool Connection::Dead() {
     SQLUINTEGER dead = SQL_CD_FALSE;
     const SQLRETURN code =
@@ -290,4 +284,4 @@ bool Connection::Dead() {
     return SQL_SUCCEEDED(code) && dead == SQL_CD_TRUE;
 }
 
-} // namespace platform::odbc
+} // namespace odbc

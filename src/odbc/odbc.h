@@ -11,7 +11,7 @@
 #include <variant>
 #include <vector>
 
-namespace platform::odbc {
+namespace odbc {
 
 /// One diagnostic record. Fields that the driver does not provide are empty.
 struct Diagnostic {
@@ -134,10 +134,6 @@ class Connection {
     void SetPacketSize(unsigned bytes);
     /// The value of an information type that is text (SQL_SERVER_NAME and so on).
     std::string Info(std::uint16_t type);
-    /// Its statements must have been destroyed: ODBC frees them with the connection.
-    void Disconnect();
-    /// True between DriverConnect and Disconnect, also after the connection is lost.
-    bool Connected() const { return connected_; }
     /// True if the driver has noticed that the connection is lost.
     bool Dead();
     /// True if the results after a failed first statement of a batch are lost, and the server's work on them
@@ -275,4 +271,4 @@ class Statement {
     std::vector<std::unique_ptr<BoundParameter>> parameters_;
 };
 
-} // namespace platform::odbc
+} // namespace odbc

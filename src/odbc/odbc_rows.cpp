@@ -9,7 +9,7 @@
 
 #include "odbc/odbc_types.h"
 
-namespace platform::odbc {
+namespace odbc {
 namespace {
 
 /// The size of a block in bytes, and the largest number of rows in a block.
@@ -229,4 +229,4 @@ bool RowReader::Next(std::vector<Value>& row) {
     return true;
 }
 
-} // namespace platform::odbc
+} // namespace odbc

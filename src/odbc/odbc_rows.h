@@ -10,7 +10,7 @@
 
 #include "odbc/odbc.h"
 
-namespace platform::odbc {
+namespace odbc {
 
 /// The type of a value in the driver's buffer.
 enum class CellKind : std::uint8_t {
@@ -69,4 +69,4 @@ class RowReader {
     std::unique_ptr<State> state_;
 };
 
-} // namespace platform::odbc
+} // namespace odbc

@@ -8,7 +8,7 @@
 #include "odbc/odbc_api.h"
 #include "odbc/odbc_types.h"
 
-namespace platform::odbc {
+namespace odbc {
 namespace {
 
 std::size_t NumericAttribute(Handle& handle, SQLUSMALLINT column, SQLUSMALLINT field) {
@@ -177,4 +177,4 @@ void Statement::ProcedureColumns(const std::string& procedure) {
                                        name.Size<SQLSMALLINT>(), nullptr, 0));
 }
 
-} // namespace platform::odbc
+} // namespace odbc

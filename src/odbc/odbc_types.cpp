@@ -6,7 +6,7 @@
 #include <cstring>
 #include <type_traits>
 
-namespace platform::odbc {
+namespace odbc {
 namespace {
 
 struct TypeRow {
@@ -67,7 +67,7 @@ struct Encode {
     void operator()(std::int64_t value) const { Fixed(SQL_C_SBIGINT, value); }
     void operator()(double value) const { Fixed(SQL_C_DOUBLE, value); }
     void operator()(const std::string& value) const {
-        const std::u16string wide = Widen(value);
+        const std::u16string wide = text::Widen(value);
         Varying(SQL_C_WCHAR, {reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(char16_t)});
     }
     void operator()(const Bytes& value) const { Varying(SQL_C_BINARY, value.data); }
@@ -169,7 +169,7 @@ Value ReadValue(const CellView& view) {
     case CellKind::Text:
         break;
     }
-    return Narrow(view.Text());
+    return text::Narrow(view.Text());
 }
 
 ValueBuffer MakeParameterBuffer(const Parameter& parameter) {
@@ -214,4 +214,4 @@ bool Column::IsLong() const {
            (varies && (size == 0 || size > kMaxInRow));
 }
 
-} // namespace platform::odbc
+} // namespace odbc

@@ -12,7 +12,7 @@
 #include "odbc/odbc_rows.h"
 #include "text/code_page.h"
 
-namespace platform::odbc {
+namespace odbc {
 
 static_assert(sizeof(SQLWCHAR) == sizeof(char16_t));
 
@@ -25,7 +25,7 @@ inline SQLPOINTER AttributeValue(std::uintptr_t number) {
 /// functions read bytes depends on the driver manager, the driver and the locale (docs/odbc.md).
 class TextArgument {
   public:
-    explicit TextArgument(std::string_view text) : wide_(Widen(text)) {}
+    explicit TextArgument(std::string_view text) : wide_(text::Widen(text)) {}
     SQLWCHAR* Data() { return reinterpret_cast<SQLWCHAR*>(wide_.data()); }
     /// In characters.
     template <class Length>
@@ -52,7 +52,7 @@ class TextBuffer {
         return static_cast<Length>(wide_.size() * sizeof(char16_t));
     }
     /// Up to the NUL.
-    std::string Text() const { return Narrow(wide_.c_str()); }
+    std::string Text() const { return text::Narrow(wide_.c_str()); }
 
   private:
     std::u16string wide_;
@@ -85,4 +85,4 @@ struct ParameterShape {
 };
 ParameterShape ShapeOf(const Parameter& parameter, const ValueBuffer& buffer);
 
-} // namespace platform::odbc
+} // namespace odbc

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-namespace platform::odbc {
+namespace odbc {
 
 std::string TextOf(const Guid& guid) {
     std::array<char, 37> text{};
@@ -27,4 +27,4 @@ std::string TextOf(const Bytes& bytes) {
     return text;
 }
 
-} // namespace platform::odbc
+} // namespace odbc

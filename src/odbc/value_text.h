@@ -5,11 +5,11 @@
 
 #include "odbc/odbc.h"
 
-namespace platform::odbc {
+namespace odbc {
 
 /// Upper-case hexadecimal digits in five groups with "-" between them, without braces.
 std::string TextOf(const Guid& guid);
 /// "0x" and two upper-case hexadecimal digits for each byte.
 std::string TextOf(const Bytes& bytes);
 
-} // namespace platform::odbc
+} // namespace odbc

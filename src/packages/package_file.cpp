@@ -10,7 +10,7 @@
 #include "packages/packages.h"
 #include "platform/files.h"
 
-namespace platform {
+namespace packages {
 namespace {
 
 constexpr std::int32_t StorageError(std::uint32_t code) {
@@ -32,18 +32,18 @@ constexpr std::size_t kLongestDescription = 255;
     throw PackageError(kDamagedFile, kSource, "The package file " + path + " is damaged: " + what);
 }
 
-std::int32_t NumberOf(FileFault fault) {
+std::int32_t NumberOf(platform::FileFault fault) {
     switch (fault) {
-    case FileFault::NotFound:
+    case platform::FileFault::NotFound:
         return kFileNotFound;
-    case FileFault::PathNotFound:
+    case platform::FileFault::PathNotFound:
         return kPathNotFound;
-    case FileFault::AccessDenied:
-    case FileFault::InUse:
+    case platform::FileFault::AccessDenied:
+    case platform::FileFault::InUse:
         return kAccessDenied;
-    case FileFault::AlreadyExists:
-    case FileFault::DiskFull:
-    case FileFault::Other:
+    case platform::FileFault::AlreadyExists:
+    case platform::FileFault::DiskFull:
+    case platform::FileFault::Other:
         break;
     }
     return kReadFault;
@@ -154,12 +154,12 @@ PackageFile ParsePackageFile(const std::string& path, std::string content) {
 PackageFile ReadPackageFile(const std::string& path) {
     std::string content;
     try {
-        content = ReadWholeFile(path);
-    } catch (const FileError& error) {
+        content = platform::ReadWholeFile(path);
+    } catch (const platform::FileError& error) {
         throw PackageError(NumberOf(error.Fault()), kSource,
                            std::string("The package file can't be read: ") + error.what());
     }
     return ParsePackageFile(path, std::move(content));
 }
 
-} // namespace platform
+} // namespace packages

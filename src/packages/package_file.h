@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace platform {
+namespace packages {
 
 /// The content of a package file, such as this one:
 ///
@@ -32,4 +32,4 @@ PackageFile ParsePackageFile(const std::string& path, std::string content);
 /// Reads and parses the file at `path`. Throws PackageError, which names the file.
 PackageFile ReadPackageFile(const std::string& path);
 
-} // namespace platform
+} // namespace packages

@@ -12,7 +12,7 @@
 #include "odbc/odbc_rows.h"
 #include "odbc/value_text.h"
 
-namespace platform {
+namespace packages {
 namespace {
 
 constexpr unsigned kLoginSeconds = 60;
@@ -112,7 +112,7 @@ const Alternative& Get(const std::vector<odbc::Value>& row, std::size_t column) 
     return *value;
 }
 
-LocalTime ToLocalTime(const odbc::Timestamp& stamp) {
+platform::LocalTime ToLocalTime(const odbc::Timestamp& stamp) {
     return {stamp.year, stamp.month, stamp.day, stamp.hour, stamp.minute, stamp.second};
 }
 
@@ -160,7 +160,7 @@ std::string PatternOf(const std::string& name) {
 
 using CreationTime = std::tuple<int, int, int, int, int, int>;
 CreationTime TimeOf(const StoredPackage& package) {
-    const LocalTime& time = package.info.creation_date;
+    const platform::LocalTime& time = package.info.creation_date;
     return {time.year, time.month, time.day, time.hour, time.minute, time.second};
 }
 
@@ -229,4 +229,4 @@ void PackageStore::List(const std::function<void(const StoredPackage&)>& take) {
     });
 }
 
-} // namespace platform
+} // namespace packages

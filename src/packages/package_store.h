@@ -9,7 +9,7 @@
 #include "packages/package_file.h"
 #include "packages/packages.h"
 
-namespace platform {
+namespace packages {
 
 /// How to reach a server. The texts are put into the connection string unchanged.
 struct PackageServer {
@@ -43,4 +43,4 @@ class PackageStore {
     PackageServer server_;
 };
 
-} // namespace platform
+} // namespace packages

@@ -11,7 +11,7 @@
 #include "base/reported_error.h"
 #include "platform/clock.h"
 
-namespace platform {
+namespace packages {
 
 /// A call on one of the two objects failed. The number is the HRESULT on Windows. On Linux it is the number
 /// that ADO over ODBC gives for the SQLSTATE; for a package file it is the HRESULT that Windows gives for the
@@ -24,7 +24,7 @@ class PackageError : public kv::ReportedError {
 struct PackageInfo {
     std::string name;
     std::string description;
-    LocalTime creation_date;
+    platform::LocalTime creation_date;
 };
 
 /// One package. Every member throws PackageError.
@@ -53,4 +53,4 @@ class DtsApplication {
 std::unique_ptr<DtsPackage> CreateDtsPackage();
 std::unique_ptr<DtsApplication> CreateDtsApplication();
 
-} // namespace platform
+} // namespace packages

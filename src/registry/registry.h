@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-namespace platform {
+namespace registry {
 
 /// An open key, or a hive. Not closed automatically: callers close keys with CloseKey, and the program leaves
 /// some open on purpose.
@@ -26,7 +26,7 @@ inline constexpr std::uint32_t kKeyAllAccess = 0xF003F;
 inline constexpr std::uint32_t kRegSz = 1;
 
 /// The system's error numbers that callers and tests distinguish.
-namespace registry_error {
+namespace error {
 inline constexpr std::int32_t kSuccess = 0;
 inline constexpr std::int32_t kFileNotFound = 2;
 inline constexpr std::int32_t kAccessDenied = 5;
@@ -39,12 +39,12 @@ inline constexpr std::int32_t kBadDb = 1009; ///< the store is damaged
 inline constexpr std::int32_t kCantOpen = 1011;
 inline constexpr std::int32_t kCantRead = 1012;
 inline constexpr std::int32_t kCantWrite = 1013;
-} // namespace registry_error
+} // namespace error
 
 /// The outcome of a call: the system's number, and details that are added to the system's text for it.
 struct RegistryError {
     // Implicit on purpose: most calls return a number alone.
-    RegistryError(std::int32_t number_ = registry_error::kSuccess, std::string detail_ = {})
+    RegistryError(std::int32_t number_ = error::kSuccess, std::string detail_ = {})
         : number(number_), detail(std::move(detail_)) {}
 
     std::int32_t number;
@@ -84,4 +84,4 @@ OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive);
 /// no text for it or the text does not fit into `buffer_size` characters.
 std::string SystemMessage(const RegistryError& error, std::size_t buffer_size);
 
-} // namespace platform
+} // namespace registry

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace platform {
+namespace registry {
 
 /// The text; `otherwise` if there is no such setting or it cannot be read.
 std::string ReadUserSetting(const std::string& application, const std::string& section,
@@ -15,4 +15,4 @@ std::string ReadUserSetting(const std::string& application, const std::string& s
 bool WriteUserSetting(const std::string& application, const std::string& section, const std::string& key,
                       const std::string& value);
 
-} // namespace platform
+} // namespace registry

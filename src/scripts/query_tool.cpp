@@ -53,7 +53,7 @@ std::string PathOf(const QueryTool& tool) {
         path += '\\';
     }
     path += tool.tool;
-    return *tool.removed == '\0' ? path : ReplaceAll(path, tool.removed, "");
+    return *tool.removed == '\0' ? path : text::ReplaceAll(path, tool.removed, "");
 }
 
 std::string PathForVersion(const std::string& major_version) {

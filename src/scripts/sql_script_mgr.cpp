@@ -59,17 +59,17 @@ std::string CSQLScriptMgr::ReplaceFileContent(std::string_view strFileContent) c
     // rely on both.
     return ReplaceTokens(strFileContent,
                          {
-                             {"###SERVER###", false, UpperCase(Selected().server)},
-                             {"###server###", false, LowerCase(Selected().server)},
+                             {"###SERVER###", false, text::UpperCase(Selected().server)},
+                             {"###server###", false, text::LowerCase(Selected().server)},
                              {"###USERID###", true, Selected().user},
                              {"###PASSWORD###", true, Selected().password},
                              {"###DATAPATH###", true, Selected().sql_data_path},
                              {"###UNCREPLDATAPATH###", true, Selected().sql_unc_repl_data_path},
-                             {"###DOMAIN###", false, UpperCase(domain_)},
-                             {"###SERVERA###", false, UpperCase(ServerA())},
-                             {"###SERVERB###", false, UpperCase(ServerB())},
-                             {"###servera###", false, LowerCase(ServerA())},
-                             {"###serverb###", false, LowerCase(ServerB())},
+                             {"###DOMAIN###", false, text::UpperCase(domain_)},
+                             {"###SERVERA###", false, text::UpperCase(ServerA())},
+                             {"###SERVERB###", false, text::UpperCase(ServerB())},
+                             {"###servera###", false, text::LowerCase(ServerA())},
+                             {"###serverb###", false, text::LowerCase(ServerB())},
                              {"###USERIDA###", true, UserA()},
                              {"###USERIDB###", true, UserB()},
                              {"###PASSWORDA###", true, PasswordA()},
@@ -136,7 +136,7 @@ bool CSQLScriptMgr::InstallDTSPackage(eDTSPackage package) const {
             if (script_folder_.empty() || !platform::FolderHoldsFile(script_folder_)) {
                 RaiseFailure(kProgramFailure, kClassName, "No valid script folder was specified!");
             }
-            const std::unique_ptr<platform::DtsPackage> object = platform::CreateDtsPackage();
+            const std::unique_ptr<packages::DtsPackage> object = packages::CreateDtsPackage();
             if (!object) {
                 RaiseFailure(kProgramFailure, kClassName,
                              "Installing SQL DTS package failed! Can not create DTS.Package object.");
@@ -158,13 +158,13 @@ bool CSQLScriptMgr::GetInstalledDTSPackages(std::vector<DTSPackageInfo>& arrPack
     WithFailureHandler(
         [&] {
             arrPackages.assign(1, {});
-            const std::unique_ptr<platform::DtsApplication> object = platform::CreateDtsApplication();
+            const std::unique_ptr<packages::DtsApplication> object = packages::CreateDtsApplication();
             if (!object) {
                 RaiseRunTimeFailure(run_time::kCannotCreateObject);
             }
             object->EnumPackageInfos(
                 Selected().server, Selected().user, Selected().password,
-                [&](const platform::PackageInfo& info) {
+                [&](const packages::PackageInfo& info) {
                     arrPackages.push_back({info.name, info.description, info.creation_date});
                 });
             result = true;

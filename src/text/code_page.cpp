@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace platform {
+namespace text {
 namespace {
 
 /// The characters of the bytes 0x80 to 0x9F. The five bytes to which the code page gives no character are the
@@ -71,4 +71,4 @@ void AppendNarrow(std::string& to, std::u16string_view text) {
     to.resize(static_cast<std::size_t>(next - to.data()));
 }
 
-} // namespace platform
+} // namespace text

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform {
+namespace text {
 
 /// The character of a byte.
 char16_t WidenCharacter(char byte);
@@ -19,4 +19,4 @@ std::string Narrow(std::u16string_view text);
 /// The same, appended to `to`.
 void AppendNarrow(std::string& to, std::u16string_view text);
 
-} // namespace platform
+} // namespace text

@@ -7,7 +7,7 @@
 #include "text/code_page.h"
 #include "text/utf8.h"
 
-namespace platform {
+namespace text {
 namespace {
 
 constexpr char kBegin = '\x81';
@@ -179,4 +179,4 @@ bool HoldsEscape(std::string_view text) {
     return false;
 }
 
-} // namespace platform
+} // namespace text

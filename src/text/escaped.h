@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform {
+namespace text {
 
 /// One to one: Utf8FromEscaped gives the same bytes back, whatever they are.
 std::string EscapedFromUtf8(std::string_view bytes);
@@ -23,4 +23,4 @@ std::u16string Utf16FromEscaped(std::string_view text);
 /// True if the text contains an escape.
 bool HoldsEscape(std::string_view text);
 
-} // namespace platform
+} // namespace text

@@ -5,7 +5,7 @@
 
 #include "text/code_page.h"
 
-namespace kv {
+namespace text {
 namespace {
 
 using CaseTable = std::array<unsigned char, 256>;
@@ -61,9 +61,8 @@ bool SameLetter(char one, char other) {
 }
 
 char32_t MappedCharacter(char32_t character, const CaseTable& table) {
-    const auto byte = platform::NarrowCharacter(character);
-    return byte ? platform::WidenCharacter(static_cast<char>(table[static_cast<unsigned char>(*byte)]))
-                : character;
+    const auto byte = NarrowCharacter(character);
+    return byte ? WidenCharacter(static_cast<char>(table[static_cast<unsigned char>(*byte)])) : character;
 }
 
 } // namespace
@@ -131,4 +130,4 @@ std::string ReplaceAll(std::string_view text, std::string_view wanted, std::stri
     }
 }
 
-} // namespace kv
+} // namespace text

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace kv {
+namespace text {
 
 /// Letter case of code page 1252; a letter whose other case is not in the code page stays as it is.
 std::string UpperCase(std::string_view text);
@@ -26,4 +26,4 @@ std::string_view Trim(std::string_view text);
 /// Replaces every occurrence of `wanted`, which must not be empty, from left to right.
 std::string ReplaceAll(std::string_view text, std::string_view wanted, std::string_view replacement);
 
-} // namespace kv
+} // namespace text

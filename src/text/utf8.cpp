@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-namespace platform {
+namespace text {
 namespace {
 
 constexpr char32_t kFirstPair = 0x10000; ///< the first character of two UTF-16 units
@@ -131,4 +131,4 @@ std::string ToUtf16Bytes(std::u16string_view characters) {
     return bytes;
 }
 
-} // namespace platform
+} // namespace text

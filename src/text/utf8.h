@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform {
+namespace text {
 
 /// Takes one well-formed character from the front of `bytes`, which must not be empty. Returns nothing, and
 /// takes nothing, if there is no such character.
@@ -27,4 +27,4 @@ std::u16string FromUtf16Bytes(std::string_view bytes, std::endian order = std::e
 /// Little-endian.
 std::string ToUtf16Bytes(std::u16string_view characters);
 
-} // namespace platform
+} // namespace text

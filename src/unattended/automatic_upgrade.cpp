@@ -52,7 +52,7 @@ Locks LockOutOtherUpgrades(const std::string& server, frmStatus& status) {
     }
     Locks locks;
     for (const std::string& name : names) {
-        auto lock = platform::TryLock("Lotkeeper upgrade: " + LowerCase(name));
+        auto lock = platform::TryLock("Lotkeeper upgrade: " + text::LowerCase(name));
         if (!lock) {
             Refuse(status, "Another upgrade is running. Nothing was changed.");
         }

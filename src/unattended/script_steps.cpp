@@ -15,7 +15,7 @@ void Refuse(frmStatus& status, const std::string& text) {
 }
 
 void RequireCodePage(frmStatus& status, const std::string& name, const std::string& value) {
-    if (platform::HoldsEscape(value)) {
+    if (text::HoldsEscape(value)) {
         Refuse(status, name + " has characters that code page 1252 lacks. Nothing was changed.");
     }
 }

@@ -18,7 +18,7 @@ using fakes::Counting;
 using fakes::LaidOut;
 using fakes::OdbcCell;
 using fakes::OdbcResult;
-using platform::odbc::SqlType;
+using odbc::SqlType;
 
 constexpr char kCatalogueKinds[] = "tttnnntnnnnn";
 

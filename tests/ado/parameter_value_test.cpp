@@ -17,7 +17,6 @@ namespace {
 using fakes::American;
 using fakes::German;
 using fakes::Swedish;
-namespace odbc = platform::odbc;
 
 Parameter Of(std::int32_t type, std::int32_t size = 0, int precision = 0, int scale = 0) {
     Parameter parameter;

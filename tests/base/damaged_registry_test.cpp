@@ -16,7 +16,7 @@
 namespace {
 
 using namespace kv;
-using platform::kHkeyLocalMachine;
+using registry::kHkeyLocalMachine;
 namespace fs = std::filesystem;
 
 const std::string kDamaged = "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\A]\r\n\"V\"=\"half a val";

@@ -183,7 +183,7 @@ TEST_P(UnreadableLogKey, EndsTheRecursionAtTheSecondEntry) {
     fakes::FakeFiles files;
     fakes::FakeRegistry registry;
     registry.AddText(places::kHkeyLocalMachine, places::kLogKey, "", "D:\\Log");
-    registry.Fail(GetParam(), platform::registry_error::kAccessDenied);
+    registry.Fail(GetParam(), registry::error::kAccessDenied);
     WriteErrorLog("a");
     // The folder is read once, and only the outer call writes a line. A folder that cannot be read counts as
     // empty.

@@ -71,7 +71,7 @@ TEST_F(FailureTest, AnErrorOfTheSystemBecomesAFailureOfTheRunTime) {
         EXPECT_EQ(seen.Description(), run_time::Description(c.number));
     }
     EXPECT_EQ(Caught([] { throw std::bad_alloc(); }).Number(), run_time::kOutOfMemory);
-    const Failure package = Caught([] { throw platform::PackageError(-2147217843, "ODBC", "Login failed"); });
+    const Failure package = Caught([] { throw packages::PackageError(-2147217843, "ODBC", "Login failed"); });
     EXPECT_EQ(package.Number(), -2147217843);
     EXPECT_EQ(package.Source(), "ODBC");
     EXPECT_EQ(package.Description(), "Login failed");

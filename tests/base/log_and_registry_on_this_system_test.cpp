@@ -17,8 +17,8 @@
 namespace {
 
 using namespace kv;
-using platform::kHkeyCurrentUser;
-using platform::kHkeyLocalMachine;
+using registry::kHkeyCurrentUser;
+using registry::kHkeyLocalMachine;
 namespace fs = std::filesystem;
 
 constexpr const char* kLine = "2006-05-12 14:03:22 : Error in ";
@@ -35,8 +35,8 @@ class ThisSystem : public testing::Test {
         fs::create_directories(folder_ / "Current");
         fs::current_path(folder_ / "Current");
         const auto key =
-            platform::CreateKey(kHkeyLocalMachine, registry_locations::kLogKey, "", platform::kKeyAllAccess);
-        platform::CloseKey(key.key);
+            registry::CreateKey(kHkeyLocalMachine, registry_locations::kLogKey, "", registry::kKeyAllAccess);
+        registry::CloseKey(key.key);
     }
     ~ThisSystem() override {
         fs::current_path(start_);
@@ -85,7 +85,7 @@ TEST_F(ThisSystem, GetsTheDefaultForAMissingValueAndNothingForAMissingKey) {
     EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "Missing", "x"), "x");
     EXPECT_EQ(Log(), "");
     EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("B"), "Missing", "x"), "");
-    const std::string text = platform::SystemMessage(platform::registry_error::kFileNotFound, 200);
+    const std::string text = registry::SystemMessage(registry::error::kFileNotFound, 200);
     const std::string tail =
         "'" + registry_.Key("B") + "', 'Missing'): " + std::to_string(text.size()) + " - " + text;
     EXPECT_EQ(Log(), std::string(kLine) + "mRegistry::GetStringKey(" + tail + kLine +
@@ -102,7 +102,7 @@ TEST_F(ThisSystem, GetsAValueOf399CharactersWholeAndFailsAt400) {
 TEST_F(ThisSystem, KeepsTheBlanksOfAValueWithANulAndTrimsOneThatFillsTheBuffer) {
     EXPECT_TRUE(SaveLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "V", " a  "));
     EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "V", "x"), " a  ");
-    registry_.Put(kHkeyLocalMachine, registry_.Key("A"), "W", platform::kRegSz, " a" + std::string(398, ' '));
+    registry_.Put(kHkeyLocalMachine, registry_.Key("A"), "W", registry::kRegSz, " a" + std::string(398, ' '));
     EXPECT_EQ(GetLocalSetting(kHkeyLocalMachine, registry_.Key("A"), "W", "x"), " a");
 }
 

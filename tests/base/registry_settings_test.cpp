@@ -15,9 +15,9 @@ namespace {
 
 using namespace kv;
 using fakes::RegistryCall;
-using platform::kHkeyCurrentUser;
-using platform::kHkeyLocalMachine;
-using namespace platform::registry_error;
+using registry::kHkeyCurrentUser;
+using registry::kHkeyLocalMachine;
+using namespace registry::error;
 
 constexpr const char* kKey = R"(SOFTWARE\Key)";
 // The text has 22 characters with its line end and 20 without it: the logged number is 22.

@@ -67,7 +67,6 @@ constexpr std::array<SQLSMALLINT, 8> kBoundAs = {SQL_C_SLONG,          SQL_C_SLO
                                                  SQL_C_TYPE_TIMESTAMP, SQL_C_CHAR,  SQL_C_DOUBLE, SQL_C_CHAR};
 
 Outcome ReadByBareLoop(const Place& place) {
-    namespace odbc = platform::odbc;
     constexpr std::size_t kBlock = 512;
     constexpr std::size_t kWidth = 256;
     odbc::Environment environment;

@@ -277,7 +277,7 @@ TEST_F(ScriptTabTest, AMissingPackageFileIsLogged) {
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
     Tick("chkStandardSynchronize");
-    packages_.failures.emplace("LoadFromStorageFile", platform::PackageError(1, "DTS", "no such file"));
+    packages_.failures.emplace("LoadFromStorageFile", packages::PackageError(1, "DTS", "no such file"));
     Run();
     EXPECT_EQ(SavedMembers(), (Lines{"RemoveFromSQLServer", "LoadFromStorageFile"}))
         << "the old package was removed first";
@@ -426,7 +426,7 @@ TEST_F(PackageList, WithoutPackagesNoBoxIsShown) {
 }
 
 TEST_F(PackageList, IfThePackagesCannotBeReadABoxSaysSo) {
-    packages_.failures.emplace("EnumPackageInfos", platform::PackageError(1, "DTS", "refused"));
+    packages_.failures.emplace("EnumPackageInfos", packages::PackageError(1, "DTS", "refused"));
     EXPECT_EQ(Listed(), "[none] KVLSQLDbMgr: Information about installed packages could not be read from the "
                         "SQL Server installation!");
     EXPECT_EQ(LogLines(), Lines{"CSQLScriptMgr::GetInstalledDTSPackages()"});

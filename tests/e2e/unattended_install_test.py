@@ -13,7 +13,7 @@ from test_machine import (PACKAGES, PASSWORD, TEMPLATES, USER, DevServer, Machin
                    install_by_pymssql, wait_for)
 
 
-class WholeWay(unittest.TestCase):
+class UnattendedTestCase(unittest.TestCase):
     dev_server = binaries = None
     wine = False
 
@@ -69,7 +69,7 @@ class WholeWay(unittest.TestCase):
 
 
 
-class Installation(WholeWay):
+class Installation(UnattendedTestCase):
     def test_the_database_and_its_procedures_stand_as_the_templates_say(self):
         self.install("/installdb")
         self.assert_quiet()
@@ -205,7 +205,7 @@ class Installation(WholeWay):
         self.assertEqual(self.packages(), sorted(set(PACKAGES) - {"BatchOverviewExport"}))
 
 
-class BadInput(WholeWay):
+class BadInput(UnattendedTestCase):
     ABORT = " : Error in modMain::DoAutomaticUpgrade"
     PACKAGE_FAILURES = [f" : Error in CSQLScriptMgr::InstallDTSPackage({number})" for number in range(6)]
 
@@ -372,7 +372,7 @@ class BadInput(WholeWay):
         self.assertIn("third", self.machine.output("Create_Batch_Stored_Procedures"))
 
 
-class CommandLine(WholeWay):
+class CommandLine(UnattendedTestCase):
     NO_WINDOW = "The console cannot show its window here."
 
     def test_lines_that_ask_for_nothing_open_the_window_and_touch_nothing(self):
@@ -395,9 +395,9 @@ class CommandLine(WholeWay):
 
 
 if __name__ == "__main__":
-    WholeWay.dev_server, WholeWay.binaries = map(os.path.abspath, sys.argv[1:3])
+    UnattendedTestCase.dev_server, UnattendedTestCase.binaries = map(os.path.abspath, sys.argv[1:3])
     rest = sys.argv[3:]
     if "--wine" in rest:
         rest.remove("--wine")
-        WholeWay.wine = True
+        UnattendedTestCase.wine = True
     unittest.main(argv=[sys.argv[0], *rest], verbosity=2)

@@ -11,11 +11,11 @@ import sys
 import unittest
 
 from test_machine import DevServer, Machine, PACKAGES, PASSWORD, USER, contents
-from unattended_install_test import WholeWay
-from unattended_upgrade_test import OLD_FILES, OWN_LINE, TEMPORARY, TEMPORARY_FILES, UPGRADE_LINE, UpgradeWay
+from unattended_install_test import UnattendedTestCase
+from unattended_upgrade_test import OLD_FILES, OWN_LINE, TEMPORARY, TEMPORARY_FILES, UPGRADE_LINE, UpgradeTestCase
 
 
-class SlashPaths(UpgradeWay):
+class SlashPaths(UpgradeTestCase):
     """As every SQL Server on Linux reports its paths."""
 
     def attach_old_database(self):
@@ -58,7 +58,7 @@ class SlashPaths(UpgradeWay):
         self.assert_old_data_under("Batch")
 
 
-class Arguments(WholeWay):
+class Arguments(UnattendedTestCase):
     HELP = "The following command arguments can be defined:"
 
     def test_a_word_after_a_path_argument_is_that_word(self):
@@ -72,7 +72,7 @@ class Arguments(WholeWay):
         self.assertTrue(self.batch_exists())
 
 
-class Text(WholeWay):
+class Text(UnattendedTestCase):
     def test_a_password_whose_bytes_happen_to_be_utf8_arrives_as_it_was_typed(self):
         for locale in ("C", "C.UTF-8", "de_DE.ISO-8859-1"):
             self.machine.environment.update(LANG=locale, LC_ALL=locale)
@@ -95,7 +95,7 @@ class Text(WholeWay):
         self.assertEqual((self.packages(), self.machine.data_files()), ([], []))
 
 
-class HomeOfAnotherAlphabet(WholeWay):
+class HomeOfAnotherAlphabet(UnattendedTestCase):
     """Everything of the machine but the server's data lies in a folder that code page 1252 cannot name."""
 
     def setUp(self):
@@ -123,7 +123,7 @@ class HomeOfAnotherAlphabet(WholeWay):
         self.assertEqual(self.machine.log_lines(), [OWN_LINE])
 
 
-class RegistryFile(WholeWay):
+class RegistryFile(UnattendedTestCase):
     def setUp(self):
         super().setUp()
         self.path = self.machine.environment["KVLSQLDBMGR_REGISTRY"]
@@ -171,7 +171,7 @@ def small_files():
     resource.setrlimit(resource.RLIMIT_FSIZE, (2048, 2048))
 
 
-class LimitedFiles(WholeWay):
+class LimitedFiles(UnattendedTestCase):
     """As after `ulimit -f`."""
 
     def run_limited(self, *what):
@@ -199,5 +199,5 @@ class LimitedFiles(WholeWay):
 
 
 if __name__ == "__main__":
-    WholeWay.dev_server, WholeWay.binaries = map(os.path.abspath, sys.argv[1:3])
+    UnattendedTestCase.dev_server, UnattendedTestCase.binaries = map(os.path.abspath, sys.argv[1:3])
     unittest.main(argv=[sys.argv[0], *sys.argv[3:]], verbosity=2)

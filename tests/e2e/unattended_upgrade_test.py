@@ -12,7 +12,7 @@ import pymssql
 
 from test_machine import (PACKAGES, PASSWORD, TEMPLATES, TOP, USER, DevServer, Machine, contents, fresh_folder,
                           wait_for)
-from unattended_install_test import WholeWay
+from unattended_install_test import UnattendedTestCase
 
 sys.path.insert(0, os.path.join(TOP, "tests", "samples"))
 from upgraded_samples_test import RENAMED, USE_OF_VERSION_1  # noqa: E402
@@ -26,7 +26,7 @@ RENAME_LINE = f" : Error in CUpgradeDbMgr::RenameDatabase('Batch', '{TEMPORARY}'
 UPGRADE_LINE = f" : Error in CUpgradeDbMgr::UpgradeDatabase('Batch', '{TEMPORARY}')"
 
 
-class UpgradeWay(WholeWay):
+class UpgradeTestCase(UnattendedTestCase):
     """Each test begins with version 1, installed by the program and in use, and with version 2's scripts at hand. The
     database is installed once for all tests of a class; each gets its files anew."""
 
@@ -103,7 +103,7 @@ class UpgradeWay(WholeWay):
         self.machine.write_template(name, text.replace(old, new).replace("\n", "\r\n").encode("cp1252"))
 
 
-class Upgrade(UpgradeWay):
+class Upgrade(UpgradeTestCase):
     def test_version_1_goes_out_of_the_way_and_version_2_has_its_data(self):
         self.assertEqual((self.upgradable(), self.files()), ({"Batch": "1"}, OLD_FILES))
         self.upgrade()
@@ -155,7 +155,7 @@ class Upgrade(UpgradeWay):
         self.assertEqual(self.server.ask("SELECT COUNT(*) FROM Batches", "Batch"), [(4,)])
 
 
-class AtOnce(UpgradeWay):
+class AtOnce(UpgradeTestCase):
     """Two runs at a time. The second would delete what the first has put aside, the only copy of the old data."""
 
     WAITING = "USE [master]\nWAITFOR DELAY '00:00:08'\nGO"
@@ -193,7 +193,7 @@ class AtOnce(UpgradeWay):
         self.assert_old_data_under(TEMPORARY)
 
 
-class Aborted(UpgradeWay):
+class Aborted(UpgradeTestCase):
     def assert_untouched(self, log):
         self.assertEqual(self.machine.log_lines(), log)
         self.assertEqual((self.upgradable(), self.files()), ({"Batch": "1"}, OLD_FILES))
@@ -240,7 +240,7 @@ class Aborted(UpgradeWay):
         self.assertEqual((self.databases(), self.files()), (databases, []))
 
 
-class NotAborted(UpgradeWay):
+class NotAborted(UpgradeTestCase):
     """Failures that the run goes past."""
 
     def test_a_file_in_the_way_detaches_the_old_database_and_its_files_stay(self):
@@ -310,9 +310,9 @@ class NotAborted(UpgradeWay):
 
 
 if __name__ == "__main__":
-    WholeWay.dev_server, WholeWay.binaries = map(os.path.abspath, sys.argv[1:3])
+    UnattendedTestCase.dev_server, UnattendedTestCase.binaries = map(os.path.abspath, sys.argv[1:3])
     rest = sys.argv[3:]
     if "--wine" in rest:
         rest.remove("--wine")
-        WholeWay.wine = True
+        UnattendedTestCase.wine = True
     unittest.main(argv=[sys.argv[0], *rest], verbosity=2)

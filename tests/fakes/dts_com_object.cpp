@@ -17,7 +17,7 @@ const RecordedObject::Member* Find(const std::vector<RecordedObject::Member>& me
 }
 
 std::string Narrow(const wchar_t* text) {
-    return platform::Bstr(SysAllocString(text)).Text();
+    return packages::Bstr(SysAllocString(text)).Text();
 }
 
 } // namespace
@@ -43,11 +43,11 @@ ULONG CountedObject::ReleaseReference() {
 }
 
 std::string ReceivedArguments::Text(std::size_t index) const {
-    platform::Variant copy;
-    platform::RequireSuccess(
+    packages::Variant copy;
+    packages::RequireSuccess(
         VariantCopyInd(copy.Receive(), &parameters_.rgvarg[parameters_.cArgs - 1 - index]), "argument");
     if (V_VT(&copy.Raw()) != VT_BSTR) {
-        throw platform::PackageError(DISP_E_TYPEMISMATCH, "argument",
+        throw packages::PackageError(DISP_E_TYPEMISMATCH, "argument",
                                      "Argument " + std::to_string(index + 1) + " is no string");
     }
     return copy.ToText("argument");
@@ -115,12 +115,12 @@ HRESULT RecordedObject::Invoke(DISPID id, REFIID /*riid*/, LCID /*locale*/, WORD
         return Fail(exception, failure->code, name_, failure->description);
     }
     try {
-        platform::Variant value = Run(id, ReceivedArguments(*parameters));
+        packages::Variant value = Run(id, ReceivedArguments(*parameters));
         if (result != nullptr) {
             return VariantCopy(result, value.Receive());
         }
         return S_OK;
-    } catch (const platform::PackageError& error) {
+    } catch (const packages::PackageError& error) {
         Record(name_ + " failed: " + error.what());
         return Fail(exception, error.Number(), error.Source(), error.what());
     } catch (const std::exception& error) {
@@ -128,8 +128,8 @@ HRESULT RecordedObject::Invoke(DISPID id, REFIID /*riid*/, LCID /*locale*/, WORD
     }
 }
 
-platform::Variant Holding(IDispatch* object) {
-    platform::Variant variant;
+packages::Variant Holding(IDispatch* object) {
+    packages::Variant variant;
     V_VT(variant.Receive()) = VT_DISPATCH;
     V_DISPATCH(variant.Receive()) = object;
     return variant;

@@ -74,7 +74,7 @@ class RecordedObject : public IDispatch, public CountedObject {
 
   protected:
     /// Executes the member and returns its result. May throw PackageError.
-    virtual platform::Variant Run(DISPID id, const ReceivedArguments& arguments) = 0;
+    virtual packages::Variant Run(DISPID id, const ReceivedArguments& arguments) = 0;
 
   private:
     std::string name_;
@@ -82,6 +82,6 @@ class RecordedObject : public IDispatch, public CountedObject {
 };
 
 /// A variant with the only reference to a new object.
-platform::Variant Holding(IDispatch* object);
+packages::Variant Holding(IDispatch* object);
 
 } // namespace fakes

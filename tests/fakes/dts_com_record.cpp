@@ -20,7 +20,7 @@ std::string Quoted(BSTR text) {
     if (text == nullptr) {
         return "null";
     }
-    const platform::Bstr copy(SysAllocStringLen(text, SysStringLen(text)));
+    const packages::Bstr copy(SysAllocStringLen(text, SysStringLen(text)));
     return "\"" + copy.Text() + "\"";
 }
 
@@ -154,8 +154,8 @@ HRESULT Fail(EXCEPINFO* info, HRESULT code, std::string_view source, std::string
     if (info != nullptr) {
         *info = {};
         info->scode = code;
-        info->bstrSource = platform::Bstr(source).Release();
-        info->bstrDescription = platform::Bstr(description).Release();
+        info->bstrSource = packages::Bstr(source).Release();
+        info->bstrDescription = packages::Bstr(description).Release();
     }
     return DISP_E_EXCEPTION;
 }

@@ -31,15 +31,15 @@
 namespace fakes {
 namespace {
 
-using platform::PackageInfo;
-using platform::Variant;
+using packages::PackageInfo;
+using packages::Variant;
 using Member = RecordedObject::Member;
 
 bool StoresForReal() {
     return !Setting("KV_DTS_STORE").empty();
 }
 
-platform::PackageServer ServerOf(const ReceivedArguments& arguments) {
+packages::PackageServer ServerOf(const ReceivedArguments& arguments) {
     return {arguments.Text(0), arguments.Text(1), arguments.Text(2)};
 }
 
@@ -58,19 +58,19 @@ class Package final : public RecordedObject {
             return {};
         }
         if (id == kLoad) {
-            file_ = platform::ReadPackageFile(arguments.Text(0));
+            file_ = packages::ReadPackageFile(arguments.Text(0));
         } else if (id == kRemove) {
-            platform::PackageStore(ServerOf(arguments)).RemoveNewest(arguments.Text(6));
+            packages::PackageStore(ServerOf(arguments)).RemoveNewest(arguments.Text(6));
         } else if (file_.content.empty()) {
-            throw platform::PackageError(E_UNEXPECTED, "DTS.Package",
+            throw packages::PackageError(E_UNEXPECTED, "DTS.Package",
                                          "No package is loaded that could be saved");
         } else {
-            platform::PackageStore(ServerOf(arguments)).Add(file_);
+            packages::PackageStore(ServerOf(arguments)).Add(file_);
         }
         return {};
     }
 
-    platform::PackageFile file_;
+    packages::PackageFile file_;
 };
 
 class Info final : public RecordedObject {
@@ -99,7 +99,7 @@ class Info final : public RecordedObject {
         Variant date;
         V_VT(date.Receive()) = VT_DATE;
         if (SystemTimeToVariantTime(&time, &V_DATE(date.Receive())) == FALSE) {
-            throw platform::PackageError(DISP_E_OVERFLOW, "PackageInfo", "The date can't be told");
+            throw packages::PackageError(DISP_E_OVERFLOW, "PackageInfo", "The date can't be told");
         }
         return date;
     }
@@ -183,7 +183,7 @@ std::vector<PackageInfo> MadeUpPackages() {
 
 class Server final : public RecordedObject {
   public:
-    explicit Server(platform::PackageServer server)
+    explicit Server(packages::PackageServer server)
         : RecordedObject("PackageSQLServer", {Member{L"EnumPackageInfos", 1, 3}}),
           server_(std::move(server)) {}
 
@@ -193,12 +193,12 @@ class Server final : public RecordedObject {
             return Holding(Make<Infos>(MadeUpPackages()));
         }
         std::vector<PackageInfo> infos;
-        platform::PackageStore(server_).List(
-            [&infos](const platform::StoredPackage& package) { infos.push_back(package.info); });
+        packages::PackageStore(server_).List(
+            [&infos](const packages::StoredPackage& package) { infos.push_back(package.info); });
         return Holding(Make<Infos>(std::move(infos)));
     }
 
-    platform::PackageServer server_;
+    packages::PackageServer server_;
 };
 
 class Application final : public RecordedObject {
@@ -259,7 +259,7 @@ class Factory final : public IClassFactory, public CountedObject {
         if (const auto failure = TakeFailure(class_.program_name)) {
             return failure->code;
         }
-        const platform::ComPointer<IDispatch> made(class_.make());
+        const packages::ComPointer<IDispatch> made(class_.make());
         return made->QueryInterface(id, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL /*lock*/) override { return S_OK; }
@@ -307,7 +307,7 @@ STDAPI DllGetClassObject(REFCLSID class_id, REFIID id, void** object) {
     *object = nullptr;
     for (const fakes::Class& known : fakes::kClasses) {
         if (IsEqualCLSID(known.id, class_id)) {
-            const platform::ComPointer<IClassFactory> factory(
+            const packages::ComPointer<IClassFactory> factory(
                 fakes::CountedObject::Make<fakes::Factory>(known));
             return factory->QueryInterface(id, object);
         }

@@ -30,7 +30,7 @@ ScriptedOdbc& ScriptedOdbc::Current() {
 
 } // namespace fakes
 
-namespace platform::odbc {
+namespace odbc {
 namespace {
 
 void ThrowIfAny(const char* function, const std::vector<Diagnostic>& diagnostics) {
@@ -124,4 +124,4 @@ bool RowReader::Next(std::vector<Value>& row) {
     return true;
 }
 
-} // namespace platform::odbc
+} // namespace odbc

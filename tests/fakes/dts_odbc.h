@@ -12,10 +12,10 @@ namespace fakes {
 
 /// The result of one executed statement.
 struct OdbcAnswer {
-    std::vector<platform::odbc::Column> columns;
-    std::vector<std::vector<platform::odbc::Value>> rows;
-    std::vector<platform::odbc::Diagnostic> error;      ///< of the execution; empty: it succeeds
-    std::vector<platform::odbc::Diagnostic> late_error; ///< after the first result
+    std::vector<odbc::Column> columns;
+    std::vector<std::vector<odbc::Value>> rows;
+    std::vector<odbc::Diagnostic> error;      ///< of the execution; empty: it succeeds
+    std::vector<odbc::Diagnostic> late_error; ///< after the first result
 };
 
 class ScriptedOdbc {
@@ -28,11 +28,11 @@ class ScriptedOdbc {
 
     struct Executed {
         std::string sql;
-        std::vector<platform::odbc::Parameter> parameters;
+        std::vector<odbc::Parameter> parameters;
     };
 
     /// Empty: connecting succeeds.
-    std::vector<platform::odbc::Diagnostic> connect_error;
+    std::vector<odbc::Diagnostic> connect_error;
     /// One for each execution; a further execution succeeds without a result.
     std::deque<OdbcAnswer> answers;
 

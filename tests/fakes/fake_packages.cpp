@@ -26,7 +26,7 @@ FakePackages& FakePackages::Current() {
 
 } // namespace fakes
 
-namespace platform {
+namespace packages {
 namespace {
 
 constexpr auto kFailure = static_cast<std::int32_t>(0x80004005U);
@@ -112,4 +112,4 @@ std::unique_ptr<DtsApplication> CreateDtsApplication() {
     return std::make_unique<RecordedApplication>();
 }
 
-} // namespace platform
+} // namespace packages

@@ -31,10 +31,10 @@ class FakePackages {
     bool has_package_class = true;
     bool has_application_class = true;
     /// The members that fail, with their failures.
-    std::map<std::string, platform::PackageError> failures;
+    std::map<std::string, packages::PackageError> failures;
 
     /// The packages of the enumeration, which fails after `enumerated_before_failure` of them.
-    std::vector<platform::PackageInfo> installed;
+    std::vector<packages::PackageInfo> installed;
     std::size_t enumerated_before_failure = std::numeric_limits<std::size_t>::max();
 
     /// Called after every recorded call.

@@ -9,8 +9,8 @@
 namespace fakes {
 namespace {
 
-using platform::RegistryHandle;
-using namespace platform::registry_error;
+using registry::RegistryHandle;
+using namespace registry::error;
 
 struct Key {
     std::string key_class;
@@ -39,10 +39,10 @@ std::string Lower(std::string text) {
 }
 
 std::string HiveName(RegistryHandle hive) {
-    if (hive == platform::kHkeyLocalMachine) {
+    if (hive == registry::kHkeyLocalMachine) {
         return "HKLM";
     }
-    return hive == platform::kHkeyCurrentUser ? "HKCU" : "";
+    return hive == registry::kHkeyCurrentUser ? "HKCU" : "";
 }
 
 /// "computer|hkcu\software\name"
@@ -107,7 +107,7 @@ void Note(std::string call) {
     TheWorld().calls.push_back(std::move(call));
 }
 
-platform::OpenedKey Opened(std::string path) {
+registry::OpenedKey Opened(std::string path) {
     const RegistryHandle handle = ++TheWorld().last_handle;
     TheWorld().open[handle] = std::move(path);
     return {kSuccess, handle};
@@ -182,9 +182,9 @@ const std::vector<std::string>& FakeRegistry::Calls() const {
 
 } // namespace fakes
 
-namespace platform {
+namespace registry {
 
-using namespace registry_error;
+using namespace error;
 using fakes::RegistryCall;
 
 OpenedKey OpenKey(RegistryHandle root, const std::string& subkey, std::uint32_t access) {
@@ -277,4 +277,4 @@ std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     return text.size() < buffer_size ? text : std::string{};
 }
 
-} // namespace platform
+} // namespace registry

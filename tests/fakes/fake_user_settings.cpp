@@ -28,7 +28,7 @@ FakeUserSettings& FakeUserSettings::Current() {
 
 } // namespace fakes
 
-namespace platform {
+namespace registry {
 
 using fakes::FakeUserSettings;
 
@@ -53,4 +53,4 @@ bool WriteUserSetting(const std::string& application, const std::string& section
     return true;
 }
 
-} // namespace platform
+} // namespace registry

@@ -94,7 +94,7 @@ OdbcCell Stored(int c_type, const char* data, SQLLEN indicator) {
         return std::to_string(number);
     }
     const auto size = static_cast<std::size_t>(indicator);
-    return c_type == SQL_C_WCHAR ? platform::Narrow({reinterpret_cast<const char16_t*>(data), size / 2})
+    return c_type == SQL_C_WCHAR ? text::Narrow({reinterpret_cast<const char16_t*>(data), size / 2})
                                  : std::string(data, size);
 }
 
@@ -110,7 +110,7 @@ void Store(const OdbcCell& cell, int c_type, char* to, SQLLEN room, SQLLEN& indi
         indicator = sizeof number;
         return;
     }
-    const std::u16string text = platform::Widen(*cell);
+    const std::u16string text = text::Widen(*cell);
     const std::size_t size = std::min(text.size(), static_cast<std::size_t>(room) / sizeof(char16_t) - 1);
     std::memcpy(to, text.data(), size * sizeof(char16_t));
     std::memset(to + size * sizeof(char16_t), 0, sizeof(char16_t));
@@ -169,13 +169,13 @@ SQLRETURN RunCatalogue(FakeHandle& fake) {
 
 std::string Narrowed(const SQLWCHAR* text, SQLINTEGER length) {
     const auto* const wide = reinterpret_cast<const char16_t*>(text);
-    return platform::Narrow(length == SQL_NTS ? std::u16string_view(wide)
-                                              : std::u16string_view(wide, static_cast<std::size_t>(length)));
+    return text::Narrow(length == SQL_NTS ? std::u16string_view(wide)
+                                          : std::u16string_view(wide, static_cast<std::size_t>(length)));
 }
 
 /// Writes a text as ODBC does: cut to the buffer, always with a NUL. `room` and the result are in characters.
 SQLRETURN WriteText(const std::string& text, SQLWCHAR* to, SQLSMALLINT room, SQLSMALLINT* length) {
-    const std::u16string wide = platform::Widen(text);
+    const std::u16string wide = text::Widen(text);
     if (length != nullptr) {
         *length = static_cast<SQLSMALLINT>(wide.size());
     }
@@ -193,7 +193,7 @@ const OdbcRecord* RecordOf(void* handle, SQLSMALLINT number, const char* functio
 }
 
 std::u16string CellText(std::size_t row) {
-    return platform::Widen("row " + std::to_string(row) + " \x80");
+    return text::Widen("row " + std::to_string(row) + " \x80");
 }
 
 void WriteCell(const Binding& binding, std::size_t at, std::size_t row, const OdbcCell* laid_out) {

@@ -15,13 +15,13 @@ constexpr std::size_t kIdLength = 38;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(bytes), size);
     try {
-        const platform::PackageFile package = platform::ParsePackageFile("a.dts", text);
+        const packages::PackageFile package = packages::ParsePackageFile("a.dts", text);
         fuzz::Require(!package.name.empty() && package.name.size() <= kLongestName, "a name fits");
         fuzz::Require(package.description.size() <= kLongestDescription, "a description fits");
         fuzz::Require(package.package_id.size() == kIdLength && package.version_id.size() == kIdLength,
                       "both identifiers are whole");
         fuzz::Require(package.content == text, "the content is the whole file");
-    } catch (const platform::PackageError& error) {
+    } catch (const packages::PackageError& error) {
         fuzz::Require(error.what()[0] != '\0', "an error has its text");
     }
     return 0;

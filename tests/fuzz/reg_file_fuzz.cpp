@@ -8,13 +8,13 @@ namespace {
 constexpr char kValue[] = "PWD";
 constexpr std::uint32_t kText = 1;
 
-void ChangeAndReadAgain(platform::RegFile file) {
-    const auto key = platform::MakeRegPath(u"HKEY_LOCAL_MACHINE", "SOFTWARE\\Orvik");
+void ChangeAndReadAgain(registry::RegFile file) {
+    const auto key = registry::MakeRegPath(u"HKEY_LOCAL_MACHINE", "SOFTWARE\\Orvik");
     file.AddKey(key, "");
     file.SetValue(key, kValue, kText, "a \\ \" text");
-    const platform::RegFile again(file.Bytes());
+    const registry::RegFile again(file.Bytes());
     fuzz::Require(again.HasKey(key), "a key that was made is there");
-    const platform::RegValue* const value = again.Find(key, kValue);
+    const registry::RegValue* const value = again.Find(key, kValue);
     fuzz::Require(value != nullptr && value->type == kText, "a value that was set is there");
     fuzz::Require(value->bytes == std::string("a \\ \" text") + '\0', "and holds its text");
 }
@@ -24,10 +24,10 @@ void ChangeAndReadAgain(platform::RegFile file) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);
     try {
-        const platform::RegFile file(text);
+        const registry::RegFile file(text);
         fuzz::Require(file.Bytes() == text, "an unchanged file is written as it was");
         ChangeAndReadAgain(file);
-    } catch (const platform::RegDamage& damage) {
+    } catch (const registry::RegDamage& damage) {
         fuzz::Require(damage.what()[0] != '\0', "a damage has its text");
     }
     return 0;

@@ -16,7 +16,7 @@ std::string OneAfterTheOther(std::string text, const std::vector<kv::TokenPass>&
         std::size_t from = 0;
         for (;;) {
             const std::size_t at =
-                pass.any_case ? kv::FindIgnoringCase(text, pass.token, from) : text.find(pass.token, from);
+                pass.any_case ? text::FindIgnoringCase(text, pass.token, from) : text.find(pass.token, from);
             if (at == std::string::npos) {
                 break;
             }

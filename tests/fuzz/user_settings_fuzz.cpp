@@ -38,12 +38,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     static const Folder folder;
     std::ofstream(folder.File(), std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(size));
-    const std::string before = platform::ReadUserSetting(kApplication, kSection, "other", "none");
-    fuzz::Require(platform::WriteUserSetting(kApplication, kSection, "edtPassword0", "a=[b]"),
+    const std::string before = registry::ReadUserSetting(kApplication, kSection, "other", "none");
+    fuzz::Require(registry::WriteUserSetting(kApplication, kSection, "edtPassword0", "a=[b]"),
                   "a setting can be written");
-    fuzz::Require(platform::ReadUserSetting(kApplication, kSection, "edtPassword0", "none") == "a=[b]",
+    fuzz::Require(registry::ReadUserSetting(kApplication, kSection, "edtPassword0", "none") == "a=[b]",
                   "what was written comes back");
-    fuzz::Require(platform::ReadUserSetting(kApplication, kSection, "other", "none") == before,
+    fuzz::Require(registry::ReadUserSetting(kApplication, kSection, "other", "none") == before,
                   "the other settings stay");
     return 0;
 }

@@ -26,7 +26,7 @@ Lines TestedManager::Reported() const {
     for (std::int32_t i = 1; i <= db_errors_.UpperBound(); ++i) {
         const DbError& error = db_errors_[i];
         lines.push_back(std::to_string(error.NativeError) + " " +
-                        std::string(platform::odbc::WithoutOrigin(error.Description)));
+                        std::string(odbc::WithoutOrigin(error.Description)));
     }
     return lines;
 }

@@ -9,7 +9,7 @@ import unittest
 
 from remedy_fixture import HERE, ConsoleCommands, repair, stopped_at, wire_to
 from test_machine import PASSWORD, USER, DevServer, Machine, contents, fresh_folder
-from unattended_install_test import WholeWay
+from unattended_install_test import UnattendedTestCase
 
 SYNCHRONIZE = ("synchronize", "Batch", "Batch")
 SYNCHRONIZE_LINE = " : Error in CSynchronizeDbMgr::Synchronize('Batch', 'Batch')"
@@ -19,7 +19,7 @@ UNINSTALL_LINE = " : Error in CSQLReplicationMgr::UninstallReplication('Batch')"
 OWN_TABLES = ("LKConfig",)
 
 
-class PairRemedy(WholeWay):
+class PairRemedy(UnattendedTestCase):
     """Two servers with version 1, and the replication procedures on Server A; each test makes its own pair."""
 
     def setUp(self):
@@ -151,5 +151,5 @@ class AfterAStoppedSwitchOfReplication(PairRemedy):
 
 
 if __name__ == "__main__":
-    WholeWay.dev_server, WholeWay.binaries = map(os.path.abspath, sys.argv[1:3])
+    UnattendedTestCase.dev_server, UnattendedTestCase.binaries = map(os.path.abspath, sys.argv[1:3])
     unittest.main(argv=[sys.argv[0], *sys.argv[3:]], verbosity=2)

@@ -11,7 +11,7 @@ import unittest
 
 from remedy_fixture import HERE, REPAIRS, RENAMED_FILES, TEMPORARY, TEMPORARY_FILES, ConsoleCommands, Remedy, stopped_at, wire_to
 from test_machine import PASSWORD, USER
-from unattended_install_test import WholeWay
+from unattended_install_test import UnattendedTestCase
 from unattended_upgrade_test import OLD_FILES, RENAME_LINE, UPGRADE_LINE
 
 
@@ -191,5 +191,5 @@ class TheManual(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    WholeWay.dev_server, WholeWay.binaries = map(os.path.abspath, sys.argv[1:3])
+    UnattendedTestCase.dev_server, UnattendedTestCase.binaries = map(os.path.abspath, sys.argv[1:3])
     unittest.main(argv=[sys.argv[0], *sys.argv[3:]], verbosity=2)

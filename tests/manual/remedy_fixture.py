@@ -11,7 +11,7 @@ TOP = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = [os.path.join(TOP, "tests", "e2e")]
 from console_wire import HERE, Wire  # noqa: E402
 from test_machine import PASSWORD, USER  # noqa: E402
-from unattended_upgrade_test import TEMPORARY, TEMPORARY_FILES, UpgradeWay  # noqa: E402
+from unattended_upgrade_test import TEMPORARY, TEMPORARY_FILES, UpgradeTestCase  # noqa: E402
 
 MANUAL = os.path.join(TOP, "docs", "manual")
 RENAMED_FILES = ["Batch_old_data.mdf", "Batch_old_log.ldf"]
@@ -84,7 +84,7 @@ def stopped_at(test, server, wire, statement, action):
     return results[0]
 
 
-class Remedy(UpgradeWay):
+class Remedy(UpgradeTestCase):
     """One server with a used version 1 database; the scripts of version 2 are in the script folder."""
 
     def repair(self, name, database="master", change=lambda line: line):

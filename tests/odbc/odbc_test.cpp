@@ -13,7 +13,7 @@
 
 namespace {
 
-using namespace platform::odbc;
+using namespace odbc;
 using fakes::Counting;
 using fakes::OdbcRecord;
 using fakes::OdbcResult;
@@ -66,7 +66,6 @@ void RunWholeSession() {
         catalogue.Procedures();
         catalogue.ProcedureColumns("spOne");
     }
-    connection.Disconnect();
 }
 
 std::vector<OdbcResult> SessionResults() {
@@ -119,7 +118,7 @@ TEST_F(Odbc, AMovedFromHandleFreesNothing) {
     Connection first(environment);
     first.DriverConnect("x", 0);
     Connection second(std::move(first));
-    EXPECT_TRUE(second.Connected());
+    EXPECT_EQ(Counting().open_connections, 1U);
     Connection third(environment);
     third.DriverConnect("y", 0);
     third = std::move(second);
@@ -317,7 +316,7 @@ TEST_F(OdbcFailure, OnlyTheDriversOwnRecordsOfClass08AreALostConnection) {
     EXPECT_EQ(Fail({{.state = "08004", .native = 911, .line = 1, .severity = 16}}).front().sql_state,
               "08004");
     EXPECT_FALSE(lost_);
-    connection_.Disconnect();
+    connection_ = Connection(environment_);
     Fail({{.state = "08S01", .native = 11, .message = "General network error"}});
     EXPECT_TRUE(lost_);
 }
@@ -388,12 +387,12 @@ TEST(CodePage, EveryByteComesBack) {
     for (int i = 0; i < 256; ++i) {
         bytes += static_cast<char>(i);
     }
-    EXPECT_EQ(platform::Narrow(platform::Widen(bytes)), bytes);
-    EXPECT_EQ(platform::Widen("\x80\x9F\xE4"), u"\u20AC\u0178\u00E4");
+    EXPECT_EQ(text::Narrow(text::Widen(bytes)), bytes);
+    EXPECT_EQ(text::Widen("\x80\x9F\xE4"), u"\u20AC\u0178\u00E4");
 }
 
 TEST(CodePage, ACharacterThatTheCodePageLacksIsOneQuestionMark) {
-    EXPECT_EQ(platform::Narrow(u"a\u0416\U0001F600b\u0080"), "a??b?");
+    EXPECT_EQ(text::Narrow(u"a\u0416\U0001F600b\u0080"), "a??b?");
 }
 
 } // namespace

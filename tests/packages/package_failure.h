@@ -11,10 +11,10 @@ namespace package_tests {
 
 /// Runs the call and returns its failure. A call that succeeds fails the test.
 template <class Call>
-platform::PackageError FailureOf(Call&& call) {
+packages::PackageError FailureOf(Call&& call) {
     try {
         std::forward<Call>(call)();
-    } catch (const platform::PackageError& error) {
+    } catch (const packages::PackageError& error) {
         return error;
     }
     ADD_FAILURE() << "the call did not fail";

@@ -11,10 +11,10 @@
 
 namespace {
 
-using platform::PackageError;
-using platform::PackageFile;
-using platform::ParsePackageFile;
-using platform::ReadPackageFile;
+using packages::PackageError;
+using packages::PackageFile;
+using packages::ParsePackageFile;
+using packages::ReadPackageFile;
 
 constexpr auto kDamaged = static_cast<std::int32_t>(0x80030109U);
 constexpr const char* kHead = "LKDTS 1\r\n"

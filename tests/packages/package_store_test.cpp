@@ -15,17 +15,17 @@
 namespace {
 
 using fakes::OdbcAnswer;
+using odbc::Bytes;
+using odbc::Guid;
+using odbc::SqlType;
+using odbc::Timestamp;
+using odbc::Value;
 using package_tests::FailureOf;
+using packages::PackageError;
+using packages::PackageFile;
+using packages::PackageStore;
+using packages::StoredPackage;
 using platform::LocalTime;
-using platform::PackageError;
-using platform::PackageFile;
-using platform::PackageStore;
-using platform::StoredPackage;
-using platform::odbc::Bytes;
-using platform::odbc::Guid;
-using platform::odbc::SqlType;
-using platform::odbc::Timestamp;
-using platform::odbc::Value;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -52,9 +52,8 @@ std::vector<Value> Row(const std::string& name, const Guid& version, const Times
             true,    std::int64_t{0}};
 }
 
-platform::odbc::Diagnostic Error(const std::string& sql_state, std::int32_t native_error,
-                                 const std::string& message) {
-    platform::odbc::Diagnostic diagnostic;
+odbc::Diagnostic Error(const std::string& sql_state, std::int32_t native_error, const std::string& message) {
+    odbc::Diagnostic diagnostic;
     diagnostic.sql_state = sql_state;
     diagnostic.native_error = native_error;
     diagnostic.message = message;
@@ -138,7 +137,7 @@ TEST_F(ScriptedStore, ListsEveryVersionInTheServersOrder) {
     ASSERT_EQ(packages.size(), 3U);
     EXPECT_EQ(packages[0].info.name, "B");
     EXPECT_EQ(packages[0].info.description, "about B");
-    EXPECT_EQ(packages[0].info.creation_date, (LocalTime{2026, 2, 28, 23, 59, 58}));
+    EXPECT_EQ(packages[0].info.creation_date, (platform::LocalTime{2026, 2, 28, 23, 59, 58}));
     EXPECT_EQ(packages[0].package_id, "{8F14E45F-CEEA-467F-A8B6-2C1F1B7A9D01}");
     EXPECT_EQ(packages[0].version_id, "{00000001-0002-0003-0405-060708090A0B}");
     EXPECT_EQ(packages[1].info.name, "A");

@@ -9,10 +9,10 @@ namespace {
 
 using namespace querytool;
 using namespace querytool_tests;
-using platform::odbc::Bytes;
-using platform::odbc::Guid;
-using platform::odbc::SqlType;
-using platform::odbc::Timestamp;
+using odbc::Bytes;
+using odbc::Guid;
+using odbc::SqlType;
+using odbc::Timestamp;
 
 Column Named(std::string name, SqlType type, std::size_t display, bool nullable = false) {
     Column column;

@@ -102,7 +102,7 @@ TEST_F(Tool, QuitAndExitEndWithoutRunningTheBatch) {
 TEST_F(Tool, ExitWithAQueryRunsTheBatchAndGivesItsFirstValue) {
     server.answers["a\nSELECT 7"] = [](ResultSink& sink) {
         Column column;
-        column.type = platform::odbc::SqlType::Integer;
+        column.type = odbc::SqlType::Integer;
         column.display_size = 11;
         sink.ResultBegin({column});
         sink.Row({std::int64_t{7}});

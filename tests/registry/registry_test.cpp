@@ -9,8 +9,8 @@
 
 namespace {
 
-using namespace platform;
-using namespace platform::registry_error;
+using namespace registry;
+using namespace registry::error;
 using registry_tests::TestRegistry;
 
 constexpr std::uint32_t kExpandText = 2;

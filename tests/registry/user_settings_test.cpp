@@ -9,11 +9,11 @@ namespace {
 class UserSettings : public ::testing::Test {
   protected:
     std::string Read(const std::string& key, const std::string& section = "Settings") const {
-        return platform::ReadUserSetting(settings_.Application(), section, key, "none");
+        return registry::ReadUserSetting(settings_.Application(), section, key, "none");
     }
     bool Write(const std::string& key, const std::string& value,
                const std::string& section = "Settings") const {
-        return platform::WriteUserSetting(settings_.Application(), section, key, value);
+        return registry::WriteUserSetting(settings_.Application(), section, key, value);
     }
 
     settings_tests::TestSettings settings_;

@@ -214,7 +214,7 @@ TEST_P(SampleFiles, PackagesCanBeReadAndAreNamedLikeTheirFiles) {
     std::set<std::string> ids;
     for (const eDTSPackage package : kDtsPackages) {
         const std::string path = GetParam().path + "/" + PackageFileName(package);
-        const platform::PackageFile file = platform::ReadPackageFile(path);
+        const packages::PackageFile file = packages::ReadPackageFile(path);
         EXPECT_EQ(file.name, PackageName(package));
         EXPECT_NE(file.description, "");
         EXPECT_EQ(FormFault(file.content), "") << path;

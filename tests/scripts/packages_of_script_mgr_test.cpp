@@ -82,7 +82,7 @@ TEST_F(PackagesOfScriptMgr, ServerBIsUsedIfItIsSelected) {
 TEST_F(PackagesOfScriptMgr, AFailingRemovalIsIgnored) {
     UseFolderWithPackages();
     packages_.failures.insert(
-        {"RemoveFromSQLServer", platform::PackageError(-2147217843, "ODBC", "Login failed")});
+        {"RemoveFromSQLServer", packages::PackageError(-2147217843, "ODBC", "Login failed")});
     EXPECT_TRUE(scripts_.InstallDTSPackage(dtsBatchSummaryExport));
     EXPECT_EQ(packages_.calls.size(), 3U);
     EXPECT_TRUE(LogLines().empty());
@@ -91,7 +91,7 @@ TEST_F(PackagesOfScriptMgr, AFailingRemovalIsIgnored) {
 TEST_F(PackagesOfScriptMgr, AFailingSaveIsLogged) {
     UseFolderWithPackages();
     packages_.failures.insert(
-        {"SaveToSQLServer", platform::PackageError(-2147217843, "ODBC", "Login failed")});
+        {"SaveToSQLServer", packages::PackageError(-2147217843, "ODBC", "Login failed")});
     EXPECT_FALSE(scripts_.InstallDTSPackage(dtsBatchSummaryExport));
     EXPECT_EQ(LogLines(), std::vector<std::string>{"CSQLScriptMgr::InstallDTSPackage(4)"});
     EXPECT_EQ(packages_.open_objects, 0);
@@ -100,7 +100,7 @@ TEST_F(PackagesOfScriptMgr, AFailingSaveIsLogged) {
 TEST_F(PackagesOfScriptMgr, AMissingFileFailsAfterTheOldCopyWasRemoved) {
     UseFolderWithPackages();
     packages_.failures.insert(
-        {"LoadFromStorageFile", platform::PackageError(-2147287038, "DTS", "not found")});
+        {"LoadFromStorageFile", packages::PackageError(-2147287038, "DTS", "not found")});
     EXPECT_FALSE(scripts_.InstallDTSPackage(dtsStdSynchronize));
     ASSERT_EQ(packages_.calls.size(), 2U);
     EXPECT_EQ(packages_.calls[0].member, "RemoveFromSQLServer");

@@ -121,7 +121,7 @@ TEST_F(SqlScriptMgr, UserPasswordAndPathTokensMatchInAnyLetterCase) {
           "###UNCREPLDATAPATHA###", "###UNCREPLDATAPATHB###"}) {
         const std::string value = scripts.ReplaceFileContent(token);
         ASSERT_NE(value, token);
-        EXPECT_EQ(scripts.ReplaceFileContent(LowerCase(token)), value) << token;
+        EXPECT_EQ(scripts.ReplaceFileContent(text::LowerCase(token)), value) << token;
     }
     EXPECT_EQ(scripts.ReplaceFileContent("###userid### ###UserId###"), "UserOne UserOne");
     EXPECT_EQ(scripts.ReplaceFileContent("###Password### ###dataPathB### ###uncREPLDataPathA###"),

@@ -19,7 +19,7 @@ std::string ReplaceOneAfterTheOther(std::string text, const std::vector<TokenPas
         std::size_t from = 0;
         for (;;) {
             const std::size_t at =
-                pass.any_case ? FindIgnoringCase(text, pass.token, from) : text.find(pass.token, from);
+                pass.any_case ? text::FindIgnoringCase(text, pass.token, from) : text.find(pass.token, from);
             if (at == std::string::npos) {
                 break;
             }

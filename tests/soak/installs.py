@@ -7,7 +7,7 @@ import subprocess
 
 import processes
 from test_machine import PACKAGES, PASSWORD, RUNNER, USER, DevServer, Machine, wait_for
-from unattended_install_test import WholeWay
+from unattended_install_test import UnattendedTestCase
 from upgraded_samples_test import USE_OF_VERSION_1
 
 TEMPORARY = "TmpBatchUpgradeDb"
@@ -62,12 +62,12 @@ def package_classes(settings, wanted):
     if not wanted:
         yield
         return
-    WholeWay.binaries = settings.windows
-    WholeWay.register_packages("/s")
+    UnattendedTestCase.binaries = settings.windows
+    UnattendedTestCase.register_packages("/s")
     try:
         yield
     finally:
-        WholeWay.register_packages("/s", "/u")
+        UnattendedTestCase.register_packages("/s", "/u")
 
 
 def expect(part, what, seen, wanted):

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace platform {
+namespace text {
 namespace {
 
 TEST(CodePage, EveryByteIsConvertedToACharacterAndBack) {
@@ -29,4 +29,4 @@ TEST(CodePage, ACharacterThatItLacksBecomesOneQuestionMarkAlsoAsAPair) {
 }
 
 } // namespace
-} // namespace platform
+} // namespace text

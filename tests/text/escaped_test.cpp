@@ -11,7 +11,7 @@
 #include "text/code_page.h"
 #include "text/utf8.h"
 
-namespace platform {
+namespace text {
 namespace {
 
 std::string AllBytes() {
@@ -117,4 +117,4 @@ TEST(EscapedText, OfUtf16ComesBackWithHalvesOfPairsToo) {
 }
 
 } // namespace
-} // namespace platform
+} // namespace text

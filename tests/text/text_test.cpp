@@ -4,7 +4,7 @@
 
 #include "text/code_page.h"
 
-namespace kv {
+namespace text {
 namespace {
 
 TEST(Text, UpperAndLowerCaseFollowCodePage1252) {
@@ -12,7 +12,7 @@ TEST(Text, UpperAndLowerCaseFollowCodePage1252) {
     const std::string upper = "AZ\x8A\x8C\x8E\x9F\xC0\xC4\xD6\xD8\xDC\xDE";
     const std::string lower = "az\x9A\x9C\x9E\xFF\xE0\xE4\xF6\xF8\xFC\xFE";
     EXPECT_EQ(UpperCase(lower), upper);
-    EXPECT_EQ(UpperCase(platform::Widen(lower)), platform::Widen(upper));
+    EXPECT_EQ(UpperCase(Widen(lower)), Widen(upper));
     // Letters with an upper case that is not in the code page.
     EXPECT_EQ(UpperCase(u"\u0142\u00B5"), u"\u0142\u00B5");
     EXPECT_EQ(LowerCase(upper), lower);
@@ -29,11 +29,9 @@ TEST(Text, ACharacterWithoutAnotherCaseInTheCodePageStays) {
 TEST(Text, ACharacterChangesItsCaseAsItsByteDoes) {
     for (int i = 0; i < 256; ++i) {
         const char byte = static_cast<char>(i);
-        const char32_t character = platform::WidenCharacter(byte);
-        EXPECT_EQ(platform::NarrowCharacter(UpperCharacter(character)), UpperCase(std::string(1, byte))[0])
-            << i;
-        EXPECT_EQ(platform::NarrowCharacter(LowerCharacter(character)), LowerCase(std::string(1, byte))[0])
-            << i;
+        const char32_t character = WidenCharacter(byte);
+        EXPECT_EQ(NarrowCharacter(UpperCharacter(character)), UpperCase(std::string(1, byte))[0]) << i;
+        EXPECT_EQ(NarrowCharacter(LowerCharacter(character)), LowerCase(std::string(1, byte))[0]) << i;
     }
     EXPECT_EQ(UpperCharacter(0x142), 0x142U) << "a letter that the code page lacks";
     EXPECT_EQ(LowerCharacter(0x1F600), 0x1F600U);
@@ -81,4 +79,4 @@ TEST(Text, ReplaceAllGoesFromTheLeftWithoutOverlap) {
 }
 
 } // namespace
-} // namespace kv
+} // namespace text

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace platform {
+namespace text {
 namespace {
 
 TEST(Utf8, SequencesOfEachLengthAreConvertedAndBack) {
@@ -40,4 +40,4 @@ TEST(Utf16Bytes, ALastOddByteIsLeftOut) {
 }
 
 } // namespace
-} // namespace platform
+} // namespace text

@@ -182,7 +182,7 @@ TEST_F(AutomaticInstall, AToolThatDoesNotStartDoesNotEndTheRun) {
 }
 
 TEST_F(AutomaticInstall, APackageThatCannotBeInstalledIsLoggedAndTheNextOneFollows) {
-    packages_.failures.insert({"SaveToSQLServer", platform::PackageError(-2147467259, "ODBC", "gone")});
+    packages_.failures.insert({"SaveToSQLServer", packages::PackageError(-2147467259, "ODBC", "gone")});
     Run(false, false, true);
     Lines wanted;
     for (int i = 0; i < 6; ++i) {

@@ -107,7 +107,7 @@ class AutomaticUpgradeWithoutLogin : public ScriptMgrTest {
 };
 
 TEST_F(AutomaticUpgradeWithoutLogin, LogsTheThreeReadsAndEnds) {
-    registry_.SetSystemMessage(platform::registry_error::kFileNotFound, "Not there.\r\n");
+    registry_.SetSystemMessage(registry::error::kFileNotFound, "Not there.\r\n");
     DoAutomaticUpgrade("S:\\Scripts");
     const Lines log = LogLines();
     ASSERT_EQ(log.size(), 8U);
@@ -229,7 +229,7 @@ TEST_F(AutomaticUpgradeAbort, AModifiedScriptThatCannotBeWrittenEndsTheRun) {
 // The results of scripts and packages are ignored. So while the new database is built, the run can only fail
 // if the log cannot be written.
 TEST_F(AutomaticUpgradeAbort, AFailureWhileTheNewDatabaseIsBuiltLeavesTheOldDataInTheTemporaryDatabase) {
-    packages_.failures.insert({"SaveToSQLServer", platform::PackageError(-2147467259, "ODBC", "gone")});
+    packages_.failures.insert({"SaveToSQLServer", packages::PackageError(-2147467259, "ODBC", "gone")});
     files_.FailNext("append", kLogFile, FileFault::AccessDenied);
     RunToTheEnd();
     EXPECT_EQ(Files(), "--xx");
@@ -242,7 +242,7 @@ TEST_F(AutomaticUpgradeAbort, AFailureWhileTheNewDatabaseIsBuiltLeavesTheOldData
 
 TEST_F(AutomaticUpgradeAbort, AToolThatDoesNotStartAndPackagesThatCannotBeInstalledDoNotEndTheRun) {
     processes_.on_start = [](const platform::ShellExecuteInfo&) { return false; };
-    packages_.failures.insert({"LoadFromStorageFile", platform::PackageError(-2147467259, "DTS", "bad")});
+    packages_.failures.insert({"LoadFromStorageFile", packages::PackageError(-2147467259, "DTS", "bad")});
     RunToTheEnd();
     Lines wanted;
     for (int i = 0; i < 6; ++i) {

@@ -66,7 +66,7 @@ char32_t DecodeUtf8(std::string_view text, std::size_t& position) {
         return byte;
     }
     std::string_view rest = text.substr(position);
-    const std::optional<char32_t> character = platform::TakeUtf8(rest);
+    const std::optional<char32_t> character = text::TakeUtf8(rest);
     if (const char32_t half = character ? 0 : HalfOfPair(rest); half != 0) {
         position += 3;
         return half;
@@ -79,18 +79,18 @@ void AppendUtf8(std::string& text, char32_t character) {
     if (IsLowSurrogate(character)) {
         if (const char32_t high = LastHighSurrogate(text); high != 0) {
             text.resize(text.size() - 3);
-            platform::AppendUtf8(text, 0x10000 + ((high - 0xD800) << 10) + (character - 0xDC00));
+            text::AppendUtf8(text, 0x10000 + ((high - 0xD800) << 10) + (character - 0xDC00));
             return;
         }
     }
-    platform::AppendUtf8(text, character);
+    text::AppendUtf8(text, character);
 }
 
 std::u16string ToUtf16(std::string_view text) {
     std::u16string result;
     result.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
-        platform::AppendUtf16(result, DecodeUtf8(text, i));
+        text::AppendUtf16(result, DecodeUtf8(text, i));
     }
     return result;
 }
@@ -131,7 +131,7 @@ std::string ToCodePage1252(std::string_view text) {
     bytes.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
         const char32_t c = DecodeUtf8(text, i);
-        bytes += platform::NarrowCharacter(c).value_or('?');
+        bytes += text::NarrowCharacter(c).value_or('?');
         if (c >= 0x10000) {
             bytes += '?';
         }
@@ -146,7 +146,7 @@ std::string FromCodePage1252(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size() * 2);
     for (const char byte : bytes) {
-        platform::AppendUtf8(text, platform::WidenCharacter(byte));
+        text::AppendUtf8(text, text::WidenCharacter(byte));
     }
     return text;
 }
@@ -200,19 +200,19 @@ std::string_view TrimTrailingBlanks(std::string_view text) {
 }
 
 char32_t ToUpper(char32_t character) {
-    return kv::UpperCharacter(character);
+    return text::UpperCharacter(character);
 }
 
 char32_t ToLower(char32_t character) {
-    return kv::LowerCharacter(character);
+    return text::LowerCharacter(character);
 }
 
 std::string ToUpper(std::string_view text) {
-    return MapText(text, kv::UpperCharacter);
+    return MapText(text, text::UpperCharacter);
 }
 
 std::string ToLower(std::string_view text) {
-    return MapText(text, kv::LowerCharacter);
+    return MapText(text, text::LowerCharacter);
 }
 
 std::string Folded(std::string_view name) {

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-namespace platform::odbc {
+namespace odbc {
 
 void PrepareDriver() {
     // Without a given version of the protocol FreeTDS 1.3 tries one after the other. With a server that
@@ -12,4 +12,4 @@ void PrepareDriver() {
     ::setenv("TDSVER", "7.4", kKeep);
 }
 
-} // namespace platform::odbc
+} // namespace odbc

@@ -1,7 +1,7 @@
 #include "odbc/odbc_driver.h"
 
-namespace platform::odbc {
+namespace odbc {
 
 void PrepareDriver() {} // the system's own driver needs no preparation
 
-} // namespace platform::odbc
+} // namespace odbc

@@ -6,7 +6,7 @@
 
 #include "packages/package_store.h"
 
-namespace platform {
+namespace packages {
 namespace {
 
 constexpr auto kInvalidParameter = static_cast<std::int32_t>(0x80030057U);
@@ -59,4 +59,4 @@ std::unique_ptr<DtsApplication> CreateDtsApplication() {
     return std::make_unique<StoredDtsApplication>();
 }
 
-} // namespace platform
+} // namespace packages

@@ -7,13 +7,13 @@
 #include "packages/packages.h"
 #include "text/code_page.h"
 
-namespace platform {
+namespace packages {
 namespace {
 
 static_assert(sizeof(wchar_t) == sizeof(char16_t));
 
 std::string FromWide(std::wstring_view wide) {
-    return Narrow({reinterpret_cast<const char16_t*>(wide.data()), wide.size()});
+    return text::Narrow({reinterpret_cast<const char16_t*>(wide.data()), wide.size()});
 }
 
 struct FreeLocal {
@@ -84,7 +84,7 @@ void RequireSuccess(HRESULT result, const std::string& what) {
 }
 
 Bstr::Bstr(std::string_view text) {
-    const std::u16string wide = Widen(text);
+    const std::u16string wide = text::Widen(text);
     value_ = SysAllocStringLen(reinterpret_cast<const wchar_t*>(wide.data()), static_cast<UINT>(wide.size()));
     if (value_ == nullptr) {
         throw std::bad_alloc();
@@ -147,7 +147,7 @@ std::string Variant::ToText(const std::string& what) const {
     return FromWide(std::wstring_view(text, SysStringLen(text)));
 }
 
-LocalTime Variant::ToLocalTime(const std::string& what) const {
+platform::LocalTime Variant::ToLocalTime(const std::string& what) const {
     const Variant converted = Converted(value_, VT_DATE, what);
     SYSTEMTIME time{};
     if (VariantTimeToSystemTime(V_DATE(&converted.value_), &time) == FALSE) {
@@ -237,4 +237,4 @@ std::string AutomationObject::Named(const wchar_t* member) const {
     return name_ + "." + FromWide(member);
 }
 
-} // namespace platform
+} // namespace packages

@@ -15,7 +15,7 @@
 
 #include "platform/clock.h"
 
-namespace platform {
+namespace packages {
 
 /// Owns a BSTR. One that was made from text is never null, not even for an empty text: callees may
 /// distinguish the two.
@@ -71,7 +71,7 @@ class Variant {
     /// The value, converted as automation converts on assignment to a string, a date or an object. Each
     /// throws PackageError, which names `what`, if there is no such conversion.
     std::string ToText(const std::string& what) const;
-    LocalTime ToLocalTime(const std::string& what) const;
+    platform::LocalTime ToLocalTime(const std::string& what) const;
     template <class Interface>
     ComPointer<Interface> ToInterface(REFIID id, const std::string& what) const {
         return ComPointer<Interface>(static_cast<Interface*>(QueryInterface(id, what)));
@@ -131,4 +131,4 @@ class AutomationObject {
 /// Throws PackageError with `result` and the system's text for it if it is a failure.
 void RequireSuccess(HRESULT result, const std::string& what);
 
-} // namespace platform
+} // namespace packages

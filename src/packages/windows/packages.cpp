@@ -8,7 +8,7 @@
 
 #include "packages/windows/automation.h"
 
-namespace platform {
+namespace packages {
 namespace {
 
 constexpr short kNoFlags = 0;
@@ -106,4 +106,4 @@ std::unique_ptr<DtsApplication> CreateDtsApplication() {
     return application ? std::make_unique<ComApplication>(std::move(application)) : nullptr;
 }
 
-} // namespace platform
+} // namespace packages

@@ -49,7 +49,7 @@ constexpr Directive kDirectives[] = {
 
 /// The locale's text in the code page; `otherwise` if the code page lacks a character of it.
 std::string InCodePage(const char* text, const std::string& otherwise) {
-    auto characters = FromUtf8(text);
+    auto characters = text::FromUtf8(text);
     if (!characters) {
         return text; // the locale has an 8-bit code page
     }
@@ -61,8 +61,8 @@ std::string InCodePage(const char* text, const std::string& otherwise) {
             character = kNoBreakSpace;
         }
     }
-    std::string narrow = Narrow(*characters);
-    return Widen(narrow) == *characters ? narrow : otherwise;
+    std::string narrow = text::Narrow(*characters);
+    return text::Widen(narrow) == *characters ? narrow : otherwise;
 }
 
 /// A locale, made category by category; categories that the machine does not have are "C".

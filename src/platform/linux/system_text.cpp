@@ -6,11 +6,11 @@
 namespace platform {
 
 std::string FromSystemText(std::string_view text) {
-    return EscapedFromUtf8(text);
+    return text::EscapedFromUtf8(text);
 }
 
 std::string ToSystemText(std::string_view text) {
-    return Utf8FromEscaped(text);
+    return text::Utf8FromEscaped(text);
 }
 
 } // namespace platform

@@ -21,8 +21,8 @@ std::string InCodePage(const wchar_t* text, const std::string& otherwise) {
             character = kNoBreakSpace;
         }
     }
-    std::string narrow = Narrow(characters);
-    return Widen(narrow) == characters ? narrow : otherwise;
+    std::string narrow = text::Narrow(characters);
+    return text::Widen(narrow) == characters ? narrow : otherwise;
 }
 
 std::string Info(LCID locale, LCTYPE type, const std::string& otherwise) {

@@ -5,7 +5,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
-namespace platform {
+namespace registry {
 
 std::string ConfigFolder() {
     const char* configured = std::getenv("XDG_CONFIG_HOME");
@@ -20,4 +20,4 @@ std::string ConfigFolder() {
     return home == nullptr ? std::string{} : std::string(home) + "/.config";
 }
 
-} // namespace platform
+} // namespace registry

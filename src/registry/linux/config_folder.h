@@ -3,9 +3,9 @@
 
 #include <string>
 
-namespace platform {
+namespace registry {
 
 /// $XDG_CONFIG_HOME if that is an absolute path, otherwise ~/.config. Empty if the user has no home folder.
 std::string ConfigFolder();
 
-} // namespace platform
+} // namespace registry

@@ -9,7 +9,7 @@
 #include "text/text.h"
 #include "text/utf8.h"
 
-namespace platform {
+namespace registry {
 namespace {
 
 struct Hive {
@@ -62,13 +62,13 @@ bool FitsInQuotes(std::string_view data) {
 
 std::u16string DataText(bool version5, std::uint32_t type, std::string_view data) {
     if (type == kRegTypeText && FitsInQuotes(data)) {
-        return Quoted(Utf16FromEscaped(data));
+        return Quoted(text::Utf16FromEscaped(data));
     }
     std::string bytes(data);
     if (IsRegText(type)) {
         bytes += '\0';
         if (version5) {
-            bytes = ToUtf16Bytes(Utf16FromEscaped(bytes));
+            bytes = text::ToUtf16Bytes(text::Utf16FromEscaped(bytes));
         }
     }
     return Hex(type, bytes);
@@ -77,7 +77,7 @@ std::u16string DataText(bool version5, std::uint32_t type, std::string_view data
 } // namespace
 
 std::u16string_view HiveName(std::u16string_view name) {
-    const std::u16string folded = kv::UpperCase(name);
+    const std::u16string folded = text::UpperCase(name);
     const auto* hive = std::find_if(kHives.begin(), kHives.end(), [&](const Hive& h) {
         return folded == h.name || folded == h.short_name;
     });
@@ -87,7 +87,7 @@ std::u16string_view HiveName(std::u16string_view name) {
 RegPath MakeRegPath(std::u16string_view hive, std::string_view subkey) {
     RegPath path(hive);
     bool separated = false;
-    for (const char16_t c : Utf16FromEscaped(subkey)) {
+    for (const char16_t c : text::Utf16FromEscaped(subkey)) {
         if (c == u'\\') {
             separated = true;
             continue;
@@ -115,16 +115,16 @@ void RegFile::Index() {
 }
 
 bool RegFile::HasKey(const RegPath& key) const {
-    return keys_.contains(kv::UpperCase(key));
+    return keys_.contains(text::UpperCase(key));
 }
 
 const RegValue* RegFile::Find(const RegPath& key, std::string_view name) const {
-    const auto found = keys_.find(kv::UpperCase(key));
+    const auto found = keys_.find(text::UpperCase(key));
     if (found == keys_.end()) {
         return nullptr;
     }
     const auto& values = found->second.values;
-    const auto value = values.find(kv::UpperCase(Utf16FromEscaped(name)));
+    const auto value = values.find(text::UpperCase(text::Utf16FromEscaped(name)));
     return value == values.end() ? nullptr : &value->second.value;
 }
 
@@ -135,14 +135,14 @@ void RegFile::AddKey(const RegPath& key, std::string_view key_class) {
 }
 
 void RegFile::SetValue(const RegPath& key, std::string_view name, std::uint32_t type, std::string_view data) {
-    const std::u16string folded = kv::UpperCase(key);
+    const std::u16string folded = text::UpperCase(key);
     if (!keys_[folded].last_line_end) {
         AppendSection(key, {});
     }
     const Key& section = keys_[folded];
-    const std::u16string wide_name = Utf16FromEscaped(name);
+    const std::u16string wide_name = text::Utf16FromEscaped(name);
     const std::u16string text = DataText(version5_, type, data);
-    const auto value = section.values.find(kv::UpperCase(wide_name));
+    const auto value = section.values.find(text::UpperCase(wide_name));
     if (value != section.values.end()) {
         Splice(value->second.begin, value->second.end, text);
         return;
@@ -169,7 +169,7 @@ void RegFile::AppendSection(const RegPath& key, std::string_view key_class) {
     }
     section += line_end;
     if (!key_class.empty() && FitsInQuotes(key_class)) {
-        section += u"; class " + Quoted(Utf16FromEscaped(key_class)) + line_end;
+        section += u"; class " + Quoted(text::Utf16FromEscaped(key_class)) + line_end;
     }
     section += u'[' + key + u']' + line_end;
     Splice(text_.characters.size(), text_.characters.size(), section);
@@ -188,4 +188,4 @@ std::u16string RegFile::LineEnd() const {
     return pair ? u"\r\n" : std::u16string(1, text_.characters[end]);
 }
 
-} // namespace platform
+} // namespace registry

@@ -11,7 +11,7 @@
 
 #include "registry/linux/reg_text.h"
 
-namespace platform {
+namespace registry {
 
 /// The hive's full name and the key below it, with one "\" between names: "HKEY_LOCAL_MACHINE\SOFTWARE".
 /// Letter case is ignored in comparisons.
@@ -77,4 +77,4 @@ class RegFile {
 /// The full name of a hive, given in full or abbreviated, in any letter case; empty if it is not a hive.
 std::u16string_view HiveName(std::u16string_view name);
 
-} // namespace platform
+} // namespace registry

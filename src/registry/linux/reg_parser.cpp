@@ -7,7 +7,7 @@
 #include "text/text.h"
 #include "text/utf8.h"
 
-namespace platform {
+namespace registry {
 namespace {
 
 struct Header {
@@ -122,7 +122,7 @@ std::u16string RegParser::SectionPath(std::u16string_view name) const {
         }
         begin = end + 1;
     }
-    return kv::UpperCase(path);
+    return text::UpperCase(path);
 }
 
 void RegParser::OpenSection(std::u16string_view name) {
@@ -158,7 +158,7 @@ void RegParser::ReadValue() {
     if (AtChar(u'@')) {
         ++position_;
     } else {
-        name = kv::UpperCase(ReadQuoted());
+        name = text::UpperCase(ReadQuoted());
     }
     SkipBlanks();
     if (!AtChar(u'=')) {
@@ -189,7 +189,7 @@ void RegParser::ReadValue() {
 
 RegValue RegParser::ReadData() {
     if (AtChar(u'"')) {
-        return {kRegTypeText, EscapedFromUtf16(ReadQuoted()) + '\0'};
+        return {kRegTypeText, text::EscapedFromUtf16(ReadQuoted()) + '\0'};
     }
     if (TakeWord(u"dword:")) {
         return ReadNumber();
@@ -248,7 +248,7 @@ RegValue RegParser::ReadHex() {
     }
     if (file_.version5_ && IsRegText(value.type)) {
         // Version 5.00 writes the bytes of a text as UTF-16; the 8-bit calls give it in the code page.
-        value.bytes = EscapedFromUtf16(FromUtf16Bytes(value.bytes));
+        value.bytes = text::EscapedFromUtf16(text::FromUtf16Bytes(value.bytes));
     }
     return value;
 }
@@ -287,7 +287,7 @@ unsigned RegParser::ReadHexDigits(std::size_t most) {
 }
 
 bool RegParser::TakeWord(std::u16string_view word) {
-    if (kv::UpperCase(text_.substr(position_, word.size())) != kv::UpperCase(word)) {
+    if (text::UpperCase(text_.substr(position_, word.size())) != text::UpperCase(word)) {
         return false;
     }
     position_ += word.size();
@@ -336,4 +336,4 @@ void RegParser::FailAt(std::size_t position, const char* what) const {
     throw RegDamage(line, what);
 }
 
-} // namespace platform
+} // namespace registry

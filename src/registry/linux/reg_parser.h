@@ -8,7 +8,7 @@
 
 #include "registry/linux/reg_file.h"
 
-namespace platform {
+namespace registry {
 
 /// Value types whose bytes are text.
 inline constexpr std::uint32_t kRegTypeText = 1;
@@ -60,4 +60,4 @@ class RegParser {
     RegFile::Key* key_ = nullptr; ///< null in a section that deletes its key
 };
 
-} // namespace platform
+} // namespace registry

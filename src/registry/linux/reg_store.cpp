@@ -23,7 +23,7 @@
 #include "registry/linux/config_folder.h"
 #include "text/text.h"
 
-namespace platform {
+namespace registry {
 namespace {
 
 constexpr mode_t kFolderMode = 0700; // the registry contains passwords in clear text
@@ -34,11 +34,11 @@ std::int32_t NumberOf(int system_error, std::int32_t otherwise) {
     case EACCES:
     case EPERM:
     case EROFS:
-        return registry_error::kAccessDenied;
+        return error::kAccessDenied;
     case ENOSPC:
     case EDQUOT:
     case EFBIG:
-        return registry_error::kDiskFull;
+        return error::kDiskFull;
     default:
         return otherwise;
     }
@@ -56,7 +56,7 @@ template <class Step>
 auto InStep(std::int32_t otherwise, Step&& step) {
     try {
         return step();
-    } catch (const SystemFault& fault) {
+    } catch (const platform::SystemFault& fault) {
         throw StepFailure{NumberOf(fault.error, otherwise), std::strerror(fault.error)};
     }
 }
@@ -79,20 +79,20 @@ void MakeFolders(const std::string& folder) {
         MakeFolders(parent);
     }
     if (::mkdir(folder.c_str(), kFolderMode) != 0 && errno != EEXIST) {
-        ThrowSystemFault();
+        platform::ThrowSystemFault();
     }
 }
 
 /// Returns nothing if there is no such file. Does not wait for a pipe, and refuses everything but a plain
 /// file.
-std::optional<Descriptor> OpenIfThere(const std::string& path) {
+std::optional<platform::Descriptor> OpenIfThere(const std::string& path) {
     try {
-        Descriptor file(path, O_RDONLY | O_NONBLOCK);
+        platform::Descriptor file(path, O_RDONLY | O_NONBLOCK);
         if (!S_ISREG(file.Status().st_mode)) {
-            throw StepFailure{registry_error::kCantOpen, "it is not a plain file"};
+            throw StepFailure{error::kCantOpen, "it is not a plain file"};
         }
         return file;
-    } catch (const SystemFault& fault) {
+    } catch (const platform::SystemFault& fault) {
         if (fault.error == ENOENT) {
             return std::nullopt;
         }
@@ -100,12 +100,12 @@ std::optional<Descriptor> OpenIfThere(const std::string& path) {
     }
 }
 
-std::optional<Descriptor> OpenRegistry(const std::string& path) {
-    return InStep(registry_error::kCantOpen, [&] { return OpenIfThere(path); });
+std::optional<platform::Descriptor> OpenRegistry(const std::string& path) {
+    return InStep(error::kCantOpen, [&] { return OpenIfThere(path); });
 }
 
-std::string ReadRegistry(const Descriptor& file) {
-    return InStep(registry_error::kCantRead, [&] { return file.ReadAll(); });
+std::string ReadRegistry(const platform::Descriptor& file) {
+    return InStep(error::kCantRead, [&] { return file.ReadAll(); });
 }
 
 /// Identifies the state of a file: a file with another stamp has changed.
@@ -152,15 +152,15 @@ class LoadedRegistries {
     /// file.
     RegistryError Report(const std::string& path, std::int32_t number, const std::string& reason,
                          const std::string& place) {
-        const std::string shown = FromSystemText(path);
+        const std::string shown = platform::FromSystemText(path);
         const std::string line = "registry file " + shown + place + ": " + reason + "\n";
         if (reported_.insert(line).second) {
-            WriteToTerminal(ExecutableName() + ": " + line);
+            platform::WriteToTerminal(platform::ExecutableName() + ": " + line);
         }
         return {number, place.empty() ? shown : shown + place + ": " + reason};
     }
     RegistryError Report(const std::string& path, const RegDamage& damage) {
-        return Report(path, registry_error::kBadDb, damage.what(), ", line " + std::to_string(damage.Line()));
+        return Report(path, error::kBadDb, damage.what(), ", line " + std::to_string(damage.Line()));
     }
 
   private:
@@ -170,8 +170,8 @@ class LoadedRegistries {
         LoadedRegistry registry;
     };
 
-    LoadedRegistry LoadFrom(const std::string& path, const Descriptor& file) {
-        const Stamp stamp = StampOf(InStep(registry_error::kCantRead, [&] { return file.Status(); }));
+    LoadedRegistry LoadFrom(const std::string& path, const platform::Descriptor& file) {
+        const Stamp stamp = StampOf(InStep(error::kCantRead, [&] { return file.Status(); }));
         const auto known = loaded_.find(path);
         if (known != loaded_.end() && known->second.settled && known->second.stamp == stamp) {
             return known->second.registry;
@@ -179,7 +179,7 @@ class LoadedRegistries {
         Entry entry{stamp, IsSettled(stamp), {}};
         try {
             entry.registry.file = std::make_shared<const RegFile>(ReadRegistry(file));
-            entry.registry.missing_key = registry_error::kFileNotFound;
+            entry.registry.missing_key = error::kFileNotFound;
         } catch (const RegDamage& damage) {
             entry.registry.error = Report(path, damage);
         }
@@ -188,8 +188,7 @@ class LoadedRegistries {
 
     LoadedRegistry Missing(const std::string& path) {
         const char* const reason = path.empty() ? "the user has no home folder" : "it does not exist";
-        return {
-            {}, std::make_shared<const RegFile>(), Report(path, registry_error::kFileNotFound, reason, {})};
+        return {{}, std::make_shared<const RegFile>(), Report(path, error::kFileNotFound, reason, {})};
     }
 
     std::map<std::string, Entry> loaded_;
@@ -201,21 +200,21 @@ LoadedRegistries& TheRegistries() {
     return registries;
 }
 
-Descriptor Locked(const std::string& path) {
-    Descriptor lock(path + ".lock", O_RDWR | O_CREAT, kFileMode);
+platform::Descriptor Locked(const std::string& path) {
+    platform::Descriptor lock(path + ".lock", O_RDWR | O_CREAT, kFileMode);
     while (::flock(lock.Get(), LOCK_EX) != 0) {
         if (errno != EINTR) {
-            ThrowSystemFault();
+            platform::ThrowSystemFault();
         }
     }
     return lock;
 }
 
 void Replace(const std::string& path, const std::string& bytes) {
-    FileReplacement replacement(path, kFileMode);
+    platform::FileReplacement replacement(path, kFileMode);
     replacement.KeepRights();
     replacement.File().Write(bytes);
-    replacement.Place(FileReplacement::Durability::OnTheDisk);
+    replacement.Place(platform::FileReplacement::Durability::OnTheDisk);
 }
 
 /// The file's content after the change; nothing if the change changes nothing. Throws RegDamage for a damaged
@@ -229,15 +228,15 @@ std::optional<std::string> Changed(const std::string& path, const std::function<
         std::string after = file.Bytes();
         return after == before ? std::nullopt : std::optional(std::move(after));
     } catch (const RegDamage& damage) {
-        throw StepFailure{registry_error::kInvalidParameter, damage.what()};
+        throw StepFailure{error::kInvalidParameter, damage.what()};
     }
 }
 
 void Change(const std::string& named, const std::function<void(RegFile&)>& change) {
-    const auto write = [](auto&& step) { return InStep(registry_error::kCantWrite, step); };
+    const auto write = [](auto&& step) { return InStep(error::kCantWrite, step); };
     write([&] { MakeFolders(FolderOf(named)); });
-    const std::string path = Resolved(named); // two names of one file have one lock
-    const Descriptor lock = write([&] { return Locked(path); });
+    const std::string path = platform::Resolved(named); // two names of one file have one lock
+    const platform::Descriptor lock = write([&] { return Locked(path); });
     if (const auto bytes = Changed(path, change)) {
         write([&] { Replace(path, *bytes); });
     }
@@ -266,7 +265,7 @@ std::optional<std::string> RemoteRegistryPath(const std::string& computer) {
         return std::nullopt;
     }
     while (const dirent* entry = ::readdir(stream.get())) {
-        if (kv::SameIgnoringCase(FromSystemText(entry->d_name), wanted)) {
+        if (text::SameIgnoringCase(platform::FromSystemText(entry->d_name), wanted)) {
             return folder + "/" + entry->d_name;
         }
     }
@@ -281,12 +280,12 @@ RegistryError ChangeRegistry(const std::string& path, const std::function<void(R
     TheRegistries().Forget(path);
     try {
         Change(path, change);
-        return registry_error::kSuccess;
+        return error::kSuccess;
     } catch (const RegDamage& damage) {
         return TheRegistries().Report(path, damage);
     } catch (const StepFailure& failure) {
-        return {failure.number, FromSystemText(path)};
+        return {failure.number, platform::FromSystemText(path)};
     }
 }
 
-} // namespace platform
+} // namespace registry

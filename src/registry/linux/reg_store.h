@@ -11,7 +11,7 @@
 #include "registry/linux/reg_file.h"
 #include "registry/registry.h"
 
-namespace platform {
+namespace registry {
 
 /// The file of this computer: $KVLSQLDBMGR_REGISTRY, else KVLSQLDbMgr/registry.reg in $XDG_CONFIG_HOME or
 /// ~/.config. Empty if the user has no home folder.
@@ -35,4 +35,4 @@ LoadedRegistry LoadRegistry(const std::string& path);
 /// stays as it is unless the result is 0.
 RegistryError ChangeRegistry(const std::string& path, const std::function<void(RegFile&)>& change);
 
-} // namespace platform
+} // namespace registry

@@ -5,7 +5,7 @@
 #include "text/code_page.h"
 #include "text/utf8.h"
 
-namespace platform {
+namespace registry {
 namespace {
 
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
@@ -18,7 +18,7 @@ std::size_t LinesIn(std::u16string_view text) {
 }
 
 std::u16string FromUtf16(std::string_view bytes) {
-    std::u16string characters = FromUtf16Bytes(bytes);
+    std::u16string characters = text::FromUtf16Bytes(bytes);
     if (bytes.size() % 2 != 0) {
         throw RegDamage(LinesIn(characters), "half a character at the end");
     }
@@ -35,36 +35,36 @@ RegText DecodeRegText(std::string_view bytes) {
         throw RegDamage(1, "big-endian UTF-16");
     }
     if (bytes.starts_with(kUtf8Mark)) {
-        auto characters = FromUtf8(bytes.substr(kUtf8Mark.size()));
+        auto characters = text::FromUtf8(bytes.substr(kUtf8Mark.size()));
         if (!characters) {
             throw RegDamage(1, "marked as UTF-8 and is not");
         }
         return {RegEncoding::Utf8WithMark, std::move(*characters)};
     }
     if (!bytes.starts_with(kRegedit4)) {
-        if (auto characters = FromUtf8(bytes)) {
+        if (auto characters = text::FromUtf8(bytes)) {
             return {RegEncoding::Utf8, std::move(*characters)};
         }
     }
-    return {RegEncoding::CodePage1252, Widen(bytes)};
+    return {RegEncoding::CodePage1252, text::Widen(bytes)};
 }
 
 std::string EncodeRegText(const RegText& text) {
     switch (text.encoding) {
     case RegEncoding::Utf16:
-        return std::string(kUtf16Mark) + ToUtf16Bytes(text.characters);
+        return std::string(kUtf16Mark) + text::ToUtf16Bytes(text.characters);
     case RegEncoding::Utf8:
-        return ToUtf8(text.characters);
+        return text::ToUtf8(text.characters);
     case RegEncoding::Utf8WithMark:
-        return std::string(kUtf8Mark) + ToUtf8(text.characters);
+        return std::string(kUtf8Mark) + text::ToUtf8(text.characters);
     case RegEncoding::CodePage1252:
         break;
     }
-    std::string bytes = Narrow(text.characters);
-    if (Widen(bytes) != text.characters) {
+    std::string bytes = text::Narrow(text.characters);
+    if (text::Widen(bytes) != text.characters) {
         throw RegDamage(0, "a character that the file's code page lacks");
     }
     return bytes;
 }
 
-} // namespace platform
+} // namespace registry

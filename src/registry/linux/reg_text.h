@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace platform {
+namespace registry {
 
 /// A .reg file is damaged.
 class RegDamage : public std::exception {
@@ -41,4 +41,4 @@ RegText DecodeRegText(std::string_view bytes);
 /// Throws RegDamage for a character that the encoding lacks.
 std::string EncodeRegText(const RegText& text);
 
-} // namespace platform
+} // namespace registry

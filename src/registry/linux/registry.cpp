@@ -14,10 +14,10 @@
 #include "registry/linux/reg_store.h"
 #include "text/text.h"
 
-namespace platform {
+namespace registry {
 namespace {
 
-using namespace registry_error;
+using namespace error;
 
 struct Hive {
     RegistryHandle handle;
@@ -71,7 +71,7 @@ bool IsHive(const RegPath& path) {
 bool IsThisComputer(std::string_view name) {
     std::array<char, HOST_NAME_MAX + 1> own{};
     return name.empty() ||
-           (::gethostname(own.data(), own.size() - 1) == 0 && kv::SameIgnoringCase(name, own.data()));
+           (::gethostname(own.data(), own.size() - 1) == 0 && text::SameIgnoringCase(name, own.data()));
 }
 
 struct Message {
@@ -219,4 +219,4 @@ std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     return text.append(kLineEnd);
 }
 
-} // namespace platform
+} // namespace registry

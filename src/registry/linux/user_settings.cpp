@@ -14,7 +14,7 @@
 #include "platform/linux/file_replacement.h"
 #include "registry/linux/config_folder.h"
 
-namespace platform {
+namespace registry {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -91,11 +91,11 @@ bool ReplaceFile(const std::filesystem::path& file, const Lines& lines) {
         content += line + '\n';
     }
     try {
-        FileReplacement replacement(file.string(), kOwnerOnly);
+        platform::FileReplacement replacement(file.string(), kOwnerOnly);
         replacement.File().Write(content);
-        replacement.Place(FileReplacement::Durability::AsTheSystemLikes);
+        replacement.Place(platform::FileReplacement::Durability::AsTheSystemLikes);
         return true;
-    } catch (const SystemFault&) {
+    } catch (const platform::SystemFault&) {
         return false;
     }
 }
@@ -129,4 +129,4 @@ bool WriteUserSetting(const std::string& application, const std::string& section
     return ReplaceFile(file, *lines);
 }
 
-} // namespace platform
+} // namespace registry

@@ -3,7 +3,7 @@
 
 #include "platform/windows/lean_windows.h"
 
-namespace platform {
+namespace registry {
 namespace {
 
 HKEY Native(RegistryHandle key) {
@@ -66,4 +66,4 @@ std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     return buffer;
 }
 
-} // namespace platform
+} // namespace registry

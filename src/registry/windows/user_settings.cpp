@@ -2,7 +2,7 @@
 
 #include "registry/registry.h"
 
-namespace platform {
+namespace registry {
 namespace {
 
 constexpr std::size_t kLongestText = 4096; // bytes, including the NUL
@@ -16,13 +16,13 @@ std::string KeyOf(const std::string& application, const std::string& section) {
 std::string ReadUserSetting(const std::string& application, const std::string& section,
                             const std::string& key, const std::string& otherwise) {
     const OpenedKey opened = OpenKey(kHkeyCurrentUser, KeyOf(application, section), kKeyQueryValue);
-    if (opened.error != registry_error::kSuccess) {
+    if (opened.error != error::kSuccess) {
         return otherwise;
     }
     std::string buffer(kLongestText, '\0');
     const RegistryError error = QueryValue(opened.key, key, buffer);
     CloseKey(opened.key);
-    return error == registry_error::kSuccess ? buffer.substr(0, buffer.find('\0')) : otherwise;
+    return error == error::kSuccess ? buffer.substr(0, buffer.find('\0')) : otherwise;
 }
 
 bool WriteUserSetting(const std::string& application, const std::string& section, const std::string& key,
@@ -32,12 +32,12 @@ bool WriteUserSetting(const std::string& application, const std::string& section
     }
     const OpenedKey opened =
         CreateKey(kHkeyCurrentUser, KeyOf(application, section), "", kKeyQueryValue | kKeySetValue);
-    if (opened.error != registry_error::kSuccess) {
+    if (opened.error != error::kSuccess) {
         return false;
     }
     const RegistryError error = SetValue(opened.key, key, kRegSz, value);
     CloseKey(opened.key);
-    return error == registry_error::kSuccess;
+    return error == error::kSuccess;
 }
 
-} // namespace platform
+} // namespace registry

@@ -31,11 +31,11 @@ class SystemConversions : public ::testing::TestWithParam<Case> {
     static std::string Text(Call call) {
         BSTR text = nullptr;
         EXPECT_EQ(call(&text), S_OK);
-        std::string narrow = platform::Narrow(reinterpret_cast<const char16_t*>(text));
+        std::string narrow = text::Narrow(reinterpret_cast<const char16_t*>(text));
         ::SysFreeString(text);
         return narrow;
     }
-    static std::u16string Wide(const std::string& text) { return platform::Widen(text); }
+    static std::u16string Wide(const std::string& text) { return text::Widen(text); }
     static wchar_t* Pointer(std::u16string& text) { return reinterpret_cast<wchar_t*>(text.data()); }
 };
 

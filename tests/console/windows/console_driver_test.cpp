@@ -7,8 +7,8 @@
 
 #include "console/main_form_design.h"
 #include "ui/form.h"
-#include "ui/windows/other_process_controls.h"
-#include "ui/windows/screen_input.h"
+#include "ui/windows/remote_controls.h"
+#include "ui/windows/ui_automation.h"
 
 #include <commctrl.h>
 
@@ -43,13 +43,13 @@ class Program {
     /// Waits for its window and activates it; null if there is none.
     HWND Window() const {
         HWND window = nullptr;
-        hands::WaitFor([this, &window] {
+        ui_automation::WaitFor([this, &window] {
             window = ::FindWindowA("KVForm", nullptr);
             DWORD owner = 0;
             ::GetWindowThreadProcessId(window, &owner);
             return window != nullptr && owner == process_.dwProcessId && ::IsWindowVisible(window) != 0;
         });
-        return hands::Activate(window) ? window : nullptr;
+        return ui_automation::Activate(window) ? window : nullptr;
     }
 
   private:
@@ -72,7 +72,7 @@ class Console : public ::testing::Test {
     }
 
     HWND Native(const char* name, int index = ui::kNoIndex) const {
-        return hands::Child(window_, tree_.Find(name, index)->Id());
+        return ui_automation::Child(window_, tree_.Find(name, index)->Id());
     }
     void Fill(const char* name, int index, const std::string& text) {
         const HWND box = Native(name, index);
@@ -80,24 +80,25 @@ class Console : public ::testing::Test {
         bool focused = false;
         // A window that was just shown may miss a click.
         for (int click = 0; click < 10 && !focused; ++click) {
-            far_controls::Click(box);
-            focused = hands::WaitFor([this, box] { return hands::FocusIn(window_) == box; }, kMoment);
+            remote_controls::Click(box);
+            focused = ui_automation::WaitFor([this, box] { return ui_automation::FocusIn(window_) == box; },
+                                             kMoment);
         }
         ASSERT_TRUE(focused) << name;
-        hands::Type(text);
-        EXPECT_TRUE(hands::WaitFor([&] { return hands::Text(box) == text; }))
-            << name << ": " << hands::Text(box);
+        ui_automation::Type(text);
+        EXPECT_TRUE(ui_automation::WaitFor([&] { return ui_automation::Text(box) == text; }))
+            << name << ": " << ui_automation::Text(box);
     }
     int Tab() const { return static_cast<int>(::SendMessageA(Native("tabMain"), TCM_GETCURSEL, 0, 0)); }
     /// Waits for the page: its window is created when it is first shown.
     bool PageIsShown(int page) const {
-        return hands::WaitFor([&] {
+        return ui_automation::WaitFor([&] {
             const HWND frame = Native("fraMainTab", page);
             return ::IsWindowVisible(frame) != 0 && ::IsWindowEnabled(frame) != 0;
         });
     }
     void Close() {
-        far_controls::ClickButton(Native("cmdClose"));
+        remote_controls::ClickButton(Native("cmdClose"));
         EXPECT_TRUE(program_->Ends());
     }
 
@@ -107,26 +108,26 @@ class Console : public ::testing::Test {
 };
 
 TEST_F(Console, ShowsItsVersionInItsTitleAndEndsByItsButton) {
-    EXPECT_EQ(hands::Text(window_), "Halvane Vindrel SQL Database Manager [Version 6.G4 Build 31]");
-    EXPECT_EQ(hands::Text(Native("lblStatus")), "");
+    EXPECT_EQ(ui_automation::Text(window_), "Halvane Vindrel SQL Database Manager [Version 6.G4 Build 31]");
+    EXPECT_EQ(ui_automation::Text(Native("lblStatus")), "");
     EXPECT_TRUE(PageIsShown(kv::kGeneralTab));
     Close();
 }
 
 TEST_F(Console, OpensOnlyTheTabsThatItsFieldsAllow) {
-    hands::Press(VK_TAB, {VK_CONTROL}); // no other tab can be used, so this one stays open
+    ui_automation::Press(VK_TAB, {VK_CONTROL}); // no other tab can be used, so this one stays open
     Fill("edtServerName", 0, "SRVA");
     EXPECT_EQ(Tab(), kv::kGeneralTab);
     Fill("edtUserID", 0, "sa");
     Fill("edtPassword", 0, "secret");
     Fill("edtSQLDataPath", 0, "C:\\MSSQL\\Data");
-    EXPECT_TRUE(hands::WaitFor(
-        [this] { return hands::Text(Native("edtSQLUNCReplDataPath", 0)) == "C$\\MSSQL\\ReplData"; }));
-    hands::Press(VK_TAB, {VK_CONTROL});
+    EXPECT_TRUE(ui_automation::WaitFor(
+        [this] { return ui_automation::Text(Native("edtSQLUNCReplDataPath", 0)) == "C$\\MSSQL\\ReplData"; }));
+    ui_automation::Press(VK_TAB, {VK_CONTROL});
     EXPECT_TRUE(PageIsShown(kv::kScriptTab));
-    EXPECT_TRUE(
-        hands::WaitFor([this] { return hands::Text(Native("optScriptCurrentServer", 0)) == "SRVA"; }));
-    EXPECT_EQ(hands::Text(Native("optScriptCurrentServer", 1)), "N/A");
+    EXPECT_TRUE(ui_automation::WaitFor(
+        [this] { return ui_automation::Text(Native("optScriptCurrentServer", 0)) == "SRVA"; }));
+    EXPECT_EQ(ui_automation::Text(Native("optScriptCurrentServer", 1)), "N/A");
     EXPECT_FALSE(::IsWindowEnabled(Native("optScriptCurrentServer", 1)));
     Close();
 }
@@ -136,9 +137,9 @@ TEST_F(Console, RemembersTypedTexts) {
     Fill("edtScriptFolder", ui::kNoIndex, "C:\\scripts");
     Close();
     Start();
-    EXPECT_EQ(hands::Text(Native("edtServerName", 1)), "SRVB");
-    EXPECT_EQ(hands::Text(Native("edtScriptFolder")), "C:\\scripts");
-    hands::Press(VK_F4, {VK_MENU});
+    EXPECT_EQ(ui_automation::Text(Native("edtServerName", 1)), "SRVB");
+    EXPECT_EQ(ui_automation::Text(Native("edtScriptFolder")), "C:\\scripts");
+    ui_automation::Press(VK_F4, {VK_MENU});
     EXPECT_TRUE(program_->Ends());
 }
 
@@ -147,20 +148,20 @@ TEST_F(Console, RefusesARunWithNothingTicked) {
     Fill("edtUserID", 0, "sa");
     Fill("edtPassword", 0, "secret");
     Fill("edtSQLDataPath", 0, "C:\\Data");
-    hands::Press(VK_TAB, {VK_CONTROL});
+    ui_automation::Press(VK_TAB, {VK_CONTROL});
     ASSERT_TRUE(PageIsShown(kv::kScriptTab));
     EXPECT_FALSE(::IsWindowEnabled(Native("chkCreateInstallScriptFile"))); // no file is named
-    hands::Press('R', {VK_MENU});
+    ui_automation::Press('R', {VK_MENU});
     HWND box = nullptr;
-    EXPECT_TRUE(hands::WaitFor([&] {
+    EXPECT_TRUE(ui_automation::WaitFor([&] {
         box = ::FindWindowA("#32770", "KVLSQLDbMgr");
         return box != nullptr && ::IsWindowVisible(box) != 0;
     }));
-    EXPECT_EQ(hands::Text(hands::Child(box, 0xFFFF)), "No scripts or DTS packages selected!");
-    EXPECT_TRUE(hands::Activate(box));
-    hands::Press(VK_RETURN);
-    EXPECT_TRUE(hands::WaitFor([&] { return ::IsWindow(box) == 0; }));
-    EXPECT_EQ(hands::Text(Native("lblStatus")), "Initializing..."); // kept until the next command
+    EXPECT_EQ(ui_automation::Text(ui_automation::Child(box, 0xFFFF)), "No scripts or DTS packages selected!");
+    EXPECT_TRUE(ui_automation::Activate(box));
+    ui_automation::Press(VK_RETURN);
+    EXPECT_TRUE(ui_automation::WaitFor([&] { return ::IsWindow(box) == 0; }));
+    EXPECT_EQ(ui_automation::Text(Native("lblStatus")), "Initializing..."); // kept until the next command
     EXPECT_TRUE(::IsWindowEnabled(Native("cmdCreateInstall")));
     Close();
 }

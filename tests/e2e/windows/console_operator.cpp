@@ -17,8 +17,8 @@
 #include "console/main_form_design.h"
 #include "console/procedures_form_design.h"
 #include "ui/form.h"
-#include "ui/windows/other_process_controls.h"
-#include "ui/windows/screen_input.h"
+#include "ui/windows/remote_controls.h"
+#include "ui/windows/ui_automation.h"
 
 #include <commctrl.h>
 
@@ -96,7 +96,7 @@ class Program {
     }
     HWND Await(const char* window_class, const std::string& what) const {
         HWND window = nullptr;
-        Require(hands::WaitFor(
+        Require(ui_automation::WaitFor(
                     [&] {
                         window = Find(window_class);
                         return window != nullptr;
@@ -117,7 +117,7 @@ class Program {
         DWORD owner = 0;
         ::GetWindowThreadProcessId(window, &owner);
         if (owner == search.process && ::IsWindowVisible(window) != 0 && ::IsWindowEnabled(window) != 0 &&
-            hands::ClassOf(window) == search.window_class) {
+            ui_automation::ClassOf(window) == search.window_class) {
             search.found = window;
             return FALSE;
         }
@@ -155,7 +155,7 @@ class Operator {
         const int index = dot == std::string::npos ? ui::kNoIndex : std::stoi(name.substr(dot + 1));
         const ui::Control* control = tree_->Find(name.substr(0, dot), index);
         Require(control != nullptr, "no such control: " + name);
-        return hands::Child(window_, control->Id());
+        return ui_automation::Child(window_, control->Id());
     }
     HWND Native(const std::string& name) const {
         const HWND native = Look(name);
@@ -167,29 +167,29 @@ class Operator {
     std::string TakeForm(const Words& words) {
         tree_ = words.at(0) == "dialog" ? &dialog_ : &main_;
         const bool wants_dialog = tree_ == &dialog_;
-        Require(hands::WaitFor(
+        Require(ui_automation::WaitFor(
                     [&] {
                         // Neither messages nor haste: asked for its text each millisecond, the dialog stayed
                         // hidden and unclosed in each of the three runs that were looked at.
                         ::Sleep(50);
                         window_ = program_.Find(kFormClass);
                         return window_ != nullptr &&
-                               (hands::Caption(window_).rfind("Run ", 0) == 0) == wants_dialog;
+                               (ui_automation::Caption(window_).rfind("Run ", 0) == 0) == wants_dialog;
                     },
                     kLongest) &&
-                    hands::Activate(window_),
+                    ui_automation::Activate(window_),
                 "the form does not come to the front: " + words.at(0) + ", in front is \"" +
-                    hands::Caption(::GetForegroundWindow()) + "\"");
-        return hands::Caption(window_);
+                    ui_automation::Caption(::GetForegroundWindow()) + "\"");
+        return ui_automation::Caption(window_);
     }
-    std::string Caption(const Words& /*none*/) { return hands::Text(window_); }
+    std::string Caption(const Words& /*none*/) { return ui_automation::Text(window_); }
 
     std::string Tab(const Words& words) {
         const int tab = std::stoi(words.at(0));
         const HWND tabs = Native("tabMain");
-        const RECT place = far_controls::TabPlace(program_.Process(), tabs, tab);
+        const RECT place = remote_controls::TabPlace(program_.Process(), tabs, tab);
         const auto click = [&] {
-            far_controls::ClickAt(tabs, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
+            remote_controls::ClickAt(tabs, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
         };
         const auto open = [&] {
             return ::SendMessageA(tabs, TCM_GETCURSEL, 0, 0) == tab &&
@@ -207,7 +207,7 @@ class Operator {
         do {
             Require(std::chrono::steady_clock::now() < end, what);
             click();
-        } while (!hands::WaitFor(condition, kMoment));
+        } while (!ui_automation::WaitFor(condition, kMoment));
     }
 
     /// The program shows the tab and fills its lists only then; while it fills them, it answers nobody.
@@ -222,30 +222,30 @@ class Operator {
     /// A button and the milliseconds between the two clicks. Answers how many it were.
     std::string ClickTwice(const Words& words) {
         const std::chrono::milliseconds between(std::stoi(words.at(1)));
-        return std::to_string(far_controls::ClickTwice(Native(words.at(0)), between).count());
+        return std::to_string(remote_controls::ClickTwice(Native(words.at(0)), between).count());
     }
     std::string Click(const Words& words) {
         const HWND native = Native(words.at(0));
-        Require(hands::WaitFor([native] { return ::IsWindowEnabled(native) != 0; }, kLongest),
+        Require(ui_automation::WaitFor([native] { return ::IsWindowEnabled(native) != 0; }, kLongest),
                 "cannot be used: " + words.at(0));
-        far_controls::ClickButton(native);
+        remote_controls::ClickButton(native);
         return "";
     }
 
     std::string Fill(const Words& words) {
         const HWND box = Native(words.at(0));
         const auto has_focus = [&] {
-            const HWND focus = hands::FocusIn(window_);
+            const HWND focus = ui_automation::FocusIn(window_);
             return focus == box || ::GetParent(focus) == box;
         };
-        RequireAfter([box] { far_controls::Click(box); }, has_focus,
+        RequireAfter([box] { remote_controls::Click(box); }, has_focus,
                      "does not take the focus: " + words.at(0));
-        hands::Press(VK_HOME);
-        hands::Press(VK_END, {VK_SHIFT});
-        hands::Press(VK_DELETE);
-        hands::Type(words.at(1));
-        Require(hands::WaitFor([&] { return hands::Text(box) == words.at(1); }),
-                "the text is \"" + hands::Text(box) + "\" and not \"" + words.at(1) + "\"");
+        ui_automation::Press(VK_HOME);
+        ui_automation::Press(VK_END, {VK_SHIFT});
+        ui_automation::Press(VK_DELETE);
+        ui_automation::Type(words.at(1));
+        Require(ui_automation::WaitFor([&] { return ui_automation::Text(box) == words.at(1); }),
+                "the text is \"" + ui_automation::Text(box) + "\" and not \"" + words.at(1) + "\"");
         return "";
     }
 
@@ -261,10 +261,10 @@ class Operator {
         return "";
     }
     bool TryToChoose(HWND native, const std::string& text) const {
-        const bool is_combo = hands::ClassOf(native) == "ComboBox";
+        const bool is_combo = ui_automation::ClassOf(native) == "ComboBox";
         const UINT find = is_combo ? UINT{CB_FINDSTRINGEXACT} : UINT{LB_FINDSTRINGEXACT};
         LRESULT item = -1;
-        if (!hands::WaitFor(
+        if (!ui_automation::WaitFor(
                 [&] {
                     item = ::SendMessageA(native, find, static_cast<WPARAM>(-1),
                                           reinterpret_cast<LPARAM>(text.c_str()));
@@ -281,10 +281,10 @@ class Operator {
             return false;
         }
         const UINT ask = is_combo ? UINT{CB_GETCURSEL} : UINT{LB_GETCURSEL};
-        return hands::WaitFor(
+        return ui_automation::WaitFor(
             [&] {
                 return ::SendMessageA(native, ask, 0, 0) == item &&
-                       (!is_combo || (::IsWindowVisible(list) == 0 && hands::Text(native) == text));
+                       (!is_combo || (::IsWindowVisible(list) == 0 && ui_automation::Text(native) == text));
             },
             kMoment);
     }
@@ -294,8 +294,8 @@ class Operator {
         if (list == nullptr) {
             RECT client{};
             ::GetClientRect(combo, &client);
-            far_controls::ClickAt(combo, client.right - 8, client.bottom / 2);
-            hands::WaitFor(
+            remote_controls::ClickAt(combo, client.right - 8, client.bottom / 2);
+            ui_automation::WaitFor(
                 [&] {
                     list = program_.Find(kDropDownClass);
                     return list != nullptr;
@@ -313,11 +313,11 @@ class Operator {
         if (place.top < 0 || place.bottom > client.bottom || place.bottom <= place.top) {
             return false;
         }
-        far_controls::ClickAt(list, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
+        remote_controls::ClickAt(list, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
         return true;
     }
 
-    std::string Text(const Words& words) { return Joined({hands::Text(Native(words.at(0)))}); }
+    std::string Text(const Words& words) { return Joined({ui_automation::Text(Native(words.at(0)))}); }
     std::string Shown(const Words& words) {
         const HWND native = Look(words.at(0));
         return native != nullptr && ::IsWindowVisible(native) != 0 ? "yes" : "no";
@@ -325,8 +325,9 @@ class Operator {
     /// Of a label that a running command writes to.
     std::string Await(const Words& words) {
         const HWND label = Native(words.at(0));
-        Require(hands::WaitFor([&] { return hands::Caption(label) == words.at(1); }, kLongest),
-                "does not become " + words.at(1) + ": " + words.at(0));
+        Require(
+            ui_automation::WaitFor([&] { return ui_automation::Caption(label) == words.at(1); }, kLongest),
+            "does not become " + words.at(1) + ": " + words.at(0));
         return "";
     }
     std::string Enabled(const Words& words) {
@@ -336,12 +337,12 @@ class Operator {
         return ::SendMessageA(Native(words.at(0)), BM_GETCHECK, 0, 0) == BST_CHECKED ? "yes" : "no";
     }
     std::string HasFocus(const Words& words) {
-        return hands::FocusIn(window_) == Native(words.at(0)) ? "yes" : "no";
+        return ui_automation::FocusIn(window_) == Native(words.at(0)) ? "yes" : "no";
     }
 
     std::string Items(const Words& words) {
         const HWND native = Native(words.at(0));
-        const bool is_combo = hands::ClassOf(native) == "ComboBox";
+        const bool is_combo = ui_automation::ClassOf(native) == "ComboBox";
         const LRESULT count = ::SendMessageA(native, is_combo ? UINT{CB_GETCOUNT} : UINT{LB_GETCOUNT}, 0, 0);
         Words texts;
         for (LRESULT i = 0; i < count; ++i) {
@@ -357,27 +358,27 @@ class Operator {
     }
 
     std::string Headers(const Words& words) {
-        return Joined(far_controls::Headers(program_.Process(), Native(words.at(0))));
+        return Joined(remote_controls::Headers(program_.Process(), Native(words.at(0))));
     }
     std::string Rows(const Words& words) {
         return std::to_string(::SendMessageA(Native(words.at(0)), LVM_GETITEMCOUNT, 0, 0));
     }
     std::string Row(const Words& words) {
         const HWND list = Native(words.at(0));
-        const auto columns = static_cast<int>(far_controls::Headers(program_.Process(), list).size());
-        return Joined(far_controls::Row(program_.Process(), list, std::stoi(words.at(1)), columns));
+        const auto columns = static_cast<int>(remote_controls::Headers(program_.Process(), list).size());
+        return Joined(remote_controls::Row(program_.Process(), list, std::stoi(words.at(1)), columns));
     }
 
     /// The title and the text of the message box that comes.
     std::string Box(const Words& /*none*/) {
         const HWND box = program_.Await(kBoxClass, "a message box");
-        return Joined({hands::Text(box), hands::Text(hands::Child(box, kBoxTextId))});
+        return Joined({ui_automation::Text(box), ui_automation::Text(ui_automation::Child(box, kBoxTextId))});
     }
     std::string Answer(const Words& /*none*/) {
         const HWND box = program_.Await(kBoxClass, "a message box");
-        Require(hands::Activate(box), "the message box does not come to the front");
-        hands::Press(VK_RETURN);
-        Require(hands::WaitFor([box] { return ::IsWindow(box) == 0; }, kLongest), "the box stays");
+        Require(ui_automation::Activate(box), "the message box does not come to the front");
+        ui_automation::Press(VK_RETURN);
+        Require(ui_automation::WaitFor([box] { return ::IsWindow(box) == 0; }, kLongest), "the box stays");
         return "";
     }
 
@@ -385,7 +386,8 @@ class Operator {
     std::string Picture(const Words& words) {
         ::SetCursorPos(0, 0); // where it brings up no tool tip
         const HWND box = program_.Find(kBoxClass);
-        Require(hands::TakePicture(box != nullptr ? box : window_, words.at(0)), "no picture can be taken");
+        Require(ui_automation::TakePicture(box != nullptr ? box : window_, words.at(0)),
+                "no picture can be taken");
         return "";
     }
 
@@ -400,42 +402,43 @@ class Operator {
         constexpr std::size_t kHeld = 2;
         Require(names.size() <= kHeld, "too many keys at once: " + words.at(0));
         if (names.empty()) {
-            hands::Press(key);
+            ui_automation::Press(key);
         } else if (names.size() < kHeld) {
-            hands::Press(key, {keys.at(names[0])});
+            ui_automation::Press(key, {keys.at(names[0])});
         } else {
-            hands::Press(key, {keys.at(names[0]), keys.at(names[1])});
+            ui_automation::Press(key, {keys.at(names[0]), keys.at(names[1])});
         }
         return "";
     }
     /// Where the focus is.
     std::string Type(const Words& words) {
-        hands::Type(words.at(0));
+        ui_automation::Type(words.at(0));
         return "";
     }
 
     /// The folder at which the dialog for a folder stands.
     std::string Folder(const Words& /*none*/) {
         constexpr int kTreeId = 0x3741;
-        const HWND tree = hands::Child(program_.Await(kBoxClass, "the dialog for a folder"), kTreeId);
-        return far_controls::SelectedInTree(program_.Process(), tree);
+        const HWND tree = ui_automation::Child(program_.Await(kBoxClass, "the dialog for a folder"), kTreeId);
+        return remote_controls::SelectedInTree(program_.Process(), tree);
     }
     /// Waits for the dialog for a folder or a file.
     std::string Picker(const Words& /*none*/) {
-        Require(hands::Activate(program_.Await(kBoxClass, "a dialog for a folder or a file")),
+        Require(ui_automation::Activate(program_.Await(kBoxClass, "a dialog for a folder or a file")),
                 "the dialog does not come to the front");
         return "";
     }
     /// Takes the choice of a dialog for a folder or a file.
     std::string Pick(const Words& /*none*/) {
         const HWND dialog = program_.Await(kBoxClass, "a dialog to choose in");
-        far_controls::ClickButton(::GetDlgItem(dialog, IDOK));
-        Require(hands::WaitFor([dialog] { return ::IsWindow(dialog) == 0; }, kLongest), "the dialog stays");
+        remote_controls::ClickButton(::GetDlgItem(dialog, IDOK));
+        Require(ui_automation::WaitFor([dialog] { return ::IsWindow(dialog) == 0; }, kLongest),
+                "the dialog stays");
         return "";
     }
 
     std::string Close(const Words& words) {
-        far_controls::ClickButton(Native("cmdClose"));
+        remote_controls::ClickButton(Native("cmdClose"));
         return End(words);
     }
     std::string End(const Words& /*none*/) {

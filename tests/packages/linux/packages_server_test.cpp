@@ -20,10 +20,10 @@
 namespace {
 
 using package_tests::FailureOf;
-using platform::CreateDtsApplication;
-using platform::CreateDtsPackage;
-using platform::PackageError;
-using platform::PackageInfo;
+using packages::CreateDtsApplication;
+using packages::CreateDtsPackage;
+using packages::PackageError;
+using packages::PackageInfo;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -78,7 +78,7 @@ class PackagesOnServer : public testing::Test {
 
     /// The stored bytes of the only package.
     std::string StoredBytes() {
-        using namespace platform::odbc;
+        using namespace odbc;
         const Environment environment;
         Connection connection(environment);
         connection.DriverConnect("Driver={SQL Server};Server=" + server_.Name() +

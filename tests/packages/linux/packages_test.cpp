@@ -14,9 +14,9 @@
 namespace {
 
 using package_tests::FailureOf;
-using platform::CreateDtsApplication;
-using platform::CreateDtsPackage;
-using platform::PackageError;
+using packages::CreateDtsApplication;
+using packages::CreateDtsPackage;
+using packages::PackageError;
 using testing::HasSubstr;
 using testing::SizeIs;
 
@@ -45,7 +45,7 @@ TEST_F(LinuxPackages, SavesWhatWasLoadedOnTheServerThatIsNamed) {
     package->SaveToSQLServer("SRV", "sa", "pw");
     EXPECT_THAT(odbc_.connection_strings,
                 testing::ElementsAre("Driver={SQL Server};Server=SRV;Database=msdb;Uid=sa;Pwd=pw;"));
-    EXPECT_EQ(std::get<platform::odbc::Bytes>(odbc_.executed.at(0).parameters.at(6).value).data, kContent);
+    EXPECT_EQ(std::get<odbc::Bytes>(odbc_.executed.at(0).parameters.at(6).value).data, kContent);
 }
 
 TEST_F(LinuxPackages, NothingCanBeSavedBeforeAPackageIsLoaded) {
@@ -79,7 +79,7 @@ TEST_F(LinuxPackages, AServerWithoutPackagesListsNothing) {
     odbc_.answers.emplace_back();
     odbc_.answers.back().columns.resize(10);
     int taken = 0;
-    CreateDtsApplication()->EnumPackageInfos("S", "u", "p", [&](const platform::PackageInfo&) { ++taken; });
+    CreateDtsApplication()->EnumPackageInfos("S", "u", "p", [&](const packages::PackageInfo&) { ++taken; });
     EXPECT_EQ(taken, 0);
     EXPECT_THAT(odbc_.executed, SizeIs(1));
 }

@@ -17,11 +17,11 @@
 namespace {
 
 using package_tests::FailureOf;
-using platform::CreateDtsApplication;
-using platform::CreateDtsPackage;
+using packages::CreateDtsApplication;
+using packages::CreateDtsPackage;
+using packages::PackageError;
+using packages::PackageInfo;
 using platform::LocalTime;
-using platform::PackageError;
-using platform::PackageInfo;
 using testing::Test;
 
 struct FreeModule {
@@ -176,14 +176,14 @@ TEST_F(ComPackages, ListsEveryVersionWithItsTextsAndDatesInTheServersOrder) {
     ASSERT_EQ(infos.size(), 3U);
     EXPECT_EQ(infos[0].name, "StdSynchronize");
     EXPECT_EQ(infos[0].description, "Second version");
-    EXPECT_EQ(infos[0].creation_date, (LocalTime{2004, 2, 29, 23, 59, 58}));
+    EXPECT_EQ(infos[0].creation_date, (platform::LocalTime{2004, 2, 29, 23, 59, 58}));
     EXPECT_EQ(infos[1].name, "StdSynchronize");
     EXPECT_EQ(infos[1].description, "");
-    EXPECT_EQ(infos[1].creation_date, (LocalTime{1999, 12, 31, 0, 0, 0}));
+    EXPECT_EQ(infos[1].creation_date, (platform::LocalTime{1999, 12, 31, 0, 0, 0}));
     EXPECT_EQ(infos[2].name, "\xDC"
                              "bersicht");
     EXPECT_EQ(infos[2].description, "Preis \x80 5");
-    EXPECT_EQ(infos[2].creation_date, (LocalTime{2026, 1, 1, 12, 30, 1}));
+    EXPECT_EQ(infos[2].creation_date, (platform::LocalTime{2026, 1, 1, 12, 30, 1}));
 }
 
 TEST_F(ComPackages, AServerWithoutPackagesListsNothing) {

@@ -8,7 +8,7 @@
 
 namespace {
 
-using namespace platform;
+using namespace registry;
 
 struct Damage {
     const char* name;

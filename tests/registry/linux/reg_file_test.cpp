@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace platform;
+using namespace registry;
 
 const std::string kRegedit4 = "REGEDIT4\r\n\r\n";
 const std::string kVersion5 = "Windows Registry Editor Version 5.00\r\n\r\n";
@@ -23,7 +23,7 @@ std::string Utf16(const std::u16string& text) {
 }
 
 std::u16string Wide(const std::string& text) {
-    return Utf16FromEscaped(text);
+    return text::Utf16FromEscaped(text);
 }
 
 /// The stored bytes; the text "none" if there is no such value.

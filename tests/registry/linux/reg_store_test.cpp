@@ -27,8 +27,8 @@
 
 namespace {
 
-using namespace platform;
-using namespace platform::registry_error;
+using namespace registry;
+using namespace registry::error;
 namespace fs = std::filesystem;
 
 constexpr const char* kKey = R"(SOFTWARE\Orvik\Test)";
@@ -272,7 +272,7 @@ TEST_F(RegStore, EscapesCharactersThatTheCodePageLacksAndSavesThemUnchanged) {
     Put("Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\" + std::string(kKey) + "]\n\"v\"=\"" +
         path + "\"\n");
     const std::string text = Read("v");
-    EXPECT_EQ(ToSystemText(text), path);
+    EXPECT_EQ(platform::ToSystemText(text), path);
     EXPECT_EQ(Save("w", text), kSuccess);
     EXPECT_EQ(Read("w"), text);
     EXPECT_NE(Get(File()).find("\"w\"=\"" + path + "\""), std::string::npos);
@@ -280,7 +280,7 @@ TEST_F(RegStore, EscapesCharactersThatTheCodePageLacksAndSavesThemUnchanged) {
 
 TEST_F(RegStore, RefusesATextThatTheFilesEncodingLacks) {
     Put(Sample("old"));
-    EXPECT_EQ(Save("v", FromSystemText("\xC5\x81")), kInvalidParameter);
+    EXPECT_EQ(Save("v", platform::FromSystemText("\xC5\x81")), kInvalidParameter);
     EXPECT_EQ(Get(File()), Sample("old"));
 }
 

@@ -21,7 +21,7 @@ std::filesystem::path File() {
 }
 
 std::string HiveName(std::int32_t hive) {
-    return hive == platform::kHkeyCurrentUser ? "HKEY_CURRENT_USER" : "HKEY_LOCAL_MACHINE";
+    return hive == registry::kHkeyCurrentUser ? "HKEY_CURRENT_USER" : "HKEY_LOCAL_MACHINE";
 }
 
 } // namespace

@@ -9,7 +9,7 @@ namespace registry_tests {
 namespace {
 
 HKEY Native(std::int32_t hive) {
-    return reinterpret_cast<HKEY>(static_cast<platform::RegistryHandle>(hive));
+    return reinterpret_cast<HKEY>(static_cast<registry::RegistryHandle>(hive));
 }
 
 void Must(LSTATUS error) {
@@ -19,7 +19,7 @@ void Must(LSTATUS error) {
 }
 
 void Clear(const std::string& key) {
-    for (const auto hive : {platform::kHkeyCurrentUser, platform::kHkeyLocalMachine}) {
+    for (const auto hive : {registry::kHkeyCurrentUser, registry::kHkeyLocalMachine}) {
         // The key's content is deleted first: the call that deletes both is not in every version of the
         // system's library.
         ::RegDeleteTreeA(Native(hive), key.c_str());

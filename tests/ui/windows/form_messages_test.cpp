@@ -8,7 +8,7 @@
 
 #include "ui/on_screen.h"
 #include "ui/windows/native_form.h"
-#include "ui/windows/screen_input.h"
+#include "ui/windows/ui_automation.h"
 
 namespace {
 
@@ -80,12 +80,12 @@ TEST_F(SentMessages, EndsADialogThatIsClosedByAMessageThatIsSent) {
     screen::Click(Native("cmdClose"));
     const std::jthread pressing([&dialog] {
         HWND window = nullptr;
-        hands::WaitFor([&] {
+        ui_automation::WaitFor([&] {
             window = ::FindWindowA("KVForm", "Stored Procedures");
             return window != nullptr && ::IsWindowVisible(window) != 0;
         });
-        ::PostMessageA(hands::Child(window, dialog.Get<ui::CommandButton>("cmdExecute").Id()), BM_CLICK, 0,
-                       0);
+        ::PostMessageA(ui_automation::Child(window, dialog.Get<ui::CommandButton>("cmdExecute").Id()),
+                       BM_CLICK, 0, 0);
     });
     window_->RunUntilClosed();
     EXPECT_TRUE(dialog.Unloaded());

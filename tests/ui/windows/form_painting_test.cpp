@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "ui/on_screen.h"
-#include "ui/windows/screen_input.h"
+#include "ui/windows/ui_automation.h"
 
 #include <commctrl.h>
 
@@ -184,7 +184,7 @@ TEST_F(PaintedForm, TheTextOfABoxWithoutTheFocusIsNotMarked) {
 // --- tool tips
 
 BOOL CALLBACK TakeToolTips(HWND window, LPARAM found) {
-    if (hands::ClassOf(window) == TOOLTIPS_CLASSA) {
+    if (ui_automation::ClassOf(window) == TOOLTIPS_CLASSA) {
         *reinterpret_cast<HWND*>(found) = window;
         return FALSE;
     }

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "ui/windows/answer.h"
-#include "ui/windows/screen_input.h"
+#include "ui/windows/ui_automation.h"
 
 #include <shlobj.h>
 
@@ -87,9 +87,9 @@ TEST(FilePicker, HasItsOwnerTitleAndFilterAndNoBoxForReadOnly) {
     {
         const Answer look([&](HWND dialog) {
             above = ::GetWindow(dialog, GW_OWNER);
-            title = hands::Text(dialog);
-            filter = hands::Text(hands::Child(dialog, kFilterBox));
-            const HWND box = hands::Child(dialog, kReadOnlyBox);
+            title = ui_automation::Text(dialog);
+            filter = ui_automation::Text(ui_automation::Child(dialog, kFilterBox));
+            const HWND box = ui_automation::Child(dialog, kReadOnlyBox);
             read_only = box != nullptr && ::IsWindowVisible(box) != 0;
             Answer::Press(dialog, IDCANCEL);
         });

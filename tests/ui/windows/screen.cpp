@@ -8,7 +8,7 @@
 #include "platform/pending_events.h"
 #include "platform/windows/desktop.h"
 #include "ui/windows/native_form.h"
-#include "ui/windows/screen_input.h"
+#include "ui/windows/ui_automation.h"
 
 #include <commctrl.h>
 
@@ -34,7 +34,7 @@ LRESULT Ask(Part part, UINT message, WPARAM first, T* second) {
 }
 
 bool IsComboBox(Part part) {
-    return hands::ClassOf(Of(part)) == "ComboBox";
+    return ui_automation::ClassOf(Of(part)) == "ComboBox";
 }
 
 Box ToBox(const RECT& rect) {
@@ -84,7 +84,7 @@ int SpaceBesideCaption(ui::Kind kind) {
 }
 
 BOOL CALLBACK TakeShownTip(HWND window, LPARAM found) {
-    if (hands::ClassOf(window) == TOOLTIPS_CLASSA && ::IsWindowVisible(window) != 0) {
+    if (ui_automation::ClassOf(window) == TOOLTIPS_CLASSA && ::IsWindowVisible(window) != 0) {
         *reinterpret_cast<HWND*>(found) = window;
         return FALSE;
     }
@@ -137,7 +137,7 @@ bool IsThere() {
 }
 
 bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
-    return hands::WaitFor(condition, limit);
+    return ui_automation::WaitFor(condition, limit);
 }
 
 Meanwhile::Meanwhile(std::function<bool()> step) {
@@ -158,7 +158,7 @@ Part WindowOf(const ui::Form& form) {
 
 Part Find(const ui::Form& form, const ui::Control& control) {
     Part window = WindowOf(form);
-    return window == nullptr ? nullptr : hands::Child(Of(window), control.Id());
+    return window == nullptr ? nullptr : ui_automation::Child(Of(window), control.Id());
 }
 
 Part ParentOf(Part part) {
@@ -170,7 +170,7 @@ const ui::Control* Focused(const ui::Form& form) {
     if (focus == nullptr || ::GetAncestor(focus, GA_ROOT) != WindowOf(form)) {
         return nullptr;
     }
-    if (hands::ClassOf(::GetParent(focus)) == "ComboBox") {
+    if (ui_automation::ClassOf(::GetParent(focus)) == "ComboBox") {
         focus = ::GetParent(focus); // its text field has an identifier that is another's on the form
     }
     for (const auto& control : form.Controls()) {
@@ -198,7 +198,7 @@ bool IsOfKind(Part part, ui::Kind kind) {
         {ui::Kind::ProgressBar, "msctls_progress32"},
         {ui::Kind::TabControl, "SysTabControl32"},
     };
-    return hands::ClassOf(Of(part)) == classes.at(kind);
+    return ui_automation::ClassOf(Of(part)) == classes.at(kind);
 }
 
 bool IsShown(Part part) {
@@ -210,11 +210,11 @@ bool IsEnabled(Part part) {
 }
 
 std::string Text(Part part) {
-    return hands::Text(Of(part));
+    return ui_automation::Text(Of(part));
 }
 
 std::string ShownCaption(Part part) {
-    const bool plain = hands::ClassOf(Of(part)) == "Static" && (StyleOf(part) & SS_NOPREFIX) != 0;
+    const bool plain = ui_automation::ClassOf(Of(part)) == "Static" && (StyleOf(part) & SS_NOPREFIX) != 0;
     return plain ? Text(part) : WithoutMnemonic(Text(part));
 }
 
@@ -323,7 +323,7 @@ int RoomForCaption(Part part, ui::Kind kind) {
 }
 
 Box PlaceIn(Part part, Part other) {
-    return ToBox(hands::PlaceIn(Of(part), Of(other)));
+    return ToBox(ui_automation::PlaceIn(Of(part), Of(other)));
 }
 
 Box FrameOf(Part window) {
@@ -373,7 +373,7 @@ Pointer PointerOver(Part part) {
 
 std::string ToolTip() {
     const HWND tip = ShownTip();
-    return tip == nullptr ? "" : hands::Text(tip);
+    return tip == nullptr ? "" : ui_automation::Text(tip);
 }
 
 int ToolTipWidth() {
@@ -432,7 +432,7 @@ std::vector<Colour> Pixels(Part part, const Box& box) {
 bool TakePicture(Part window, const std::string& path) {
     ::RedrawWindow(Of(window), nullptr, nullptr,
                    RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_ERASE);
-    return hands::TakePicture(Of(window), path + ".bmp");
+    return ui_automation::TakePicture(Of(window), path + ".bmp");
 }
 
 std::vector<int> Sizes() {
@@ -473,7 +473,7 @@ std::vector<HWND> ShownChildren(Part dialog, const std::string& window_class) {
     std::vector<HWND> children;
     for (HWND child = ::GetWindow(Of(dialog), GW_CHILD); child != nullptr;
          child = ::GetWindow(child, GW_HWNDNEXT)) {
-        if (hands::ClassOf(child) == window_class && (StyleOf(child) & WS_VISIBLE) != 0) {
+        if (ui_automation::ClassOf(child) == window_class && (StyleOf(child) & WS_VISIBLE) != 0) {
             children.push_back(child);
         }
     }
@@ -496,7 +496,7 @@ BoxIcon IconOf(Part message_box) {
 
 std::string MessageOf(Part message_box) {
     constexpr int kMessage = 0xFFFF; // the system's identifier of the text
-    return hands::Text(hands::Child(Of(message_box), kMessage));
+    return ui_automation::Text(ui_automation::Child(Of(message_box), kMessage));
 }
 
 /// The dialog fills its tree after it has come up.
@@ -505,7 +505,7 @@ bool HasChosen(Part dialog, const std::string& name) {
     ::EnumChildWindows(
         Of(dialog),
         [](HWND child, LPARAM found) -> BOOL {
-            if (hands::ClassOf(child) != WC_TREEVIEWA) {
+            if (ui_automation::ClassOf(child) != WC_TREEVIEWA) {
                 return TRUE;
             }
             *reinterpret_cast<HWND*>(found) = child;
@@ -524,14 +524,15 @@ bool HasChosen(Part dialog, const std::string& name) {
 
 bool Says(Part dialog, const std::string& text) {
     const std::vector<HWND> texts = ShownChildren(dialog, "Static");
-    return Text(dialog) == text ||
-           std::any_of(texts.begin(), texts.end(), [&text](HWND part) { return hands::Text(part) == text; });
+    return Text(dialog) == text || std::any_of(texts.begin(), texts.end(), [&text](HWND part) {
+               return ui_automation::Text(part) == text;
+           });
 }
 
 std::vector<std::string> ButtonsOf(Part dialog) {
     std::vector<std::string> captions;
     for (HWND button : ShownChildren(dialog, "Button")) {
-        captions.push_back(WithoutMnemonic(hands::Text(button)));
+        captions.push_back(WithoutMnemonic(ui_automation::Text(button)));
     }
     return captions;
 }
@@ -544,15 +545,15 @@ void Dismiss(Part dialog) {
 // --- working
 
 bool Activate(Part window) {
-    return hands::Activate(Of(window));
+    return ui_automation::Activate(Of(window));
 }
 
 void Click(Part part) {
-    hands::Click(Of(part));
+    ui_automation::Click(Of(part));
 }
 
 void ClickAt(Part part, int x, int y) {
-    hands::ClickAt(Of(part), x, y);
+    ui_automation::ClickAt(Of(part), x, y);
 }
 
 Spot MiddleOf(Part part) {
@@ -561,11 +562,11 @@ Spot MiddleOf(Part part) {
 }
 
 void ClickAt(Spot spot) {
-    hands::ClickAt(::GetDesktopWindow(), spot.x, spot.y);
+    ui_automation::ClickAt(::GetDesktopWindow(), spot.x, spot.y);
 }
 
 void Type(const std::string& text) {
-    hands::Type(text);
+    ui_automation::Type(text);
 }
 
 void Press(Key key, std::initializer_list<Held> held) {
@@ -573,17 +574,17 @@ void Press(Key key, std::initializer_list<Held> held) {
     for (const Held one : held) {
         codes.push_back(KeyCode(one));
     }
-    hands::Press(KeyCode(key), codes);
+    ui_automation::Press(KeyCode(key), codes);
 }
 
 void Hold(Key key, int repeats) {
-    hands::Hold(KeyCode(key), repeats);
+    ui_automation::Hold(KeyCode(key), repeats);
 }
 
 /// F24 does nothing, and its toggle changes when this thread has taken it from its queue.
 bool InputArrived() {
     const int before = ::GetKeyState(VK_F24) & 1;
-    hands::Press(VK_F24);
+    ui_automation::Press(VK_F24);
     return WaitFor([before] { return (::GetKeyState(VK_F24) & 1) != before; });
 }
 

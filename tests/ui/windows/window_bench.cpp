@@ -15,7 +15,7 @@
 #include "ui/toolkit.h"
 #include "ui/windows/bare_window.h"
 #include "ui/windows/native_form.h"
-#include "ui/windows/screen_input.h"
+#include "ui/windows/ui_automation.h"
 
 #include <commctrl.h>
 
@@ -113,9 +113,9 @@ void MeasureList() {
     form.Get<ui::TabControl>("tabMain").Tab(kv::kViewDataTab);
     window->Show();
     auto& list = form.Get<ui::ListView>("lvwViewData");
-    const HWND native = hands::Child(ui::NativeForm::HandleOf(form), list.Id());
+    const HWND native = ui_automation::Child(ui::NativeForm::HandleOf(form), list.Id());
     const HWND bare = MakeBareList();
-    hands::WaitFor([] { return true; });
+    ui_automation::WaitFor([] { return true; });
     std::vector<double> ours;
     std::vector<double> theirs;
     for (int time = 0; time < kFills; ++time) {
@@ -165,7 +165,7 @@ double StartOf(const std::string& command, const char* window_class) {
     bool shown = false;
     const double time = Milliseconds([&] {
         started.emplace(command);
-        shown = hands::WaitFor(
+        shown = ui_automation::WaitFor(
             [window_class] {
                 const HWND window = ::FindWindowA(window_class, nullptr);
                 return window != nullptr && ::IsWindowVisible(window) != 0;

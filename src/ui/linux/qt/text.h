@@ -11,7 +11,7 @@
 namespace ui {
 
 inline QString ToQt(std::string_view text) {
-    return QString::fromStdU16String(platform::Widen(text));
+    return QString::fromStdU16String(text::Widen(text));
 }
 
 /// A caption as it is painted: "&&" is one sign, and a single "&" is not seen.
@@ -23,7 +23,7 @@ inline QString WithoutMnemonic(std::string_view caption) {
 
 /// A character that the code page lacks becomes "?", as in a text box of Windows.
 inline std::string FromQt(const QString& text) {
-    return platform::Narrow(text.toStdU16String());
+    return text::Narrow(text.toStdU16String());
 }
 
 } // namespace ui

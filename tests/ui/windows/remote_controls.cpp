@@ -1,13 +1,13 @@
-#include "ui/windows/other_process_controls.h"
+#include "ui/windows/remote_controls.h"
 
 #include <stdexcept>
 #include <thread>
 
-#include "ui/windows/screen_input.h"
+#include "ui/windows/ui_automation.h"
 
 #include <commctrl.h>
 
-namespace far_controls {
+namespace remote_controls {
 namespace {
 
 constexpr std::size_t kLongestText = 260;
@@ -51,7 +51,7 @@ void MoveTo(HWND window, int x, int y, std::chrono::milliseconds rest = std::chr
     ::ClientToScreen(window, &place);
     auto since = std::chrono::steady_clock::now();
     ::SetCursorPos(place.x, place.y);
-    const bool rests = hands::WaitFor([&] {
+    const bool rests = ui_automation::WaitFor([&] {
         POINT now{};
         ::GetCursorPos(&now);
         if (now.x != place.x || now.y != place.y) {
@@ -78,7 +78,7 @@ POINT MiddleOf(HWND window) {
 
 void ClickAt(HWND window, int x, int y) {
     MoveTo(window, x, y);
-    hands::ClickAt(window, x, y);
+    ui_automation::ClickAt(window, x, y);
 }
 
 void Click(HWND window) {
@@ -90,9 +90,9 @@ std::chrono::milliseconds ClickTwice(HWND button, std::chrono::milliseconds betw
     const POINT middle = MiddleOf(button);
     MoveTo(button, middle.x, middle.y, kSight);
     const auto start = std::chrono::steady_clock::now();
-    hands::ClickAt(button, middle.x, middle.y);
+    ui_automation::ClickAt(button, middle.x, middle.y);
     std::this_thread::sleep_for(between);
-    hands::ClickAt(button, middle.x, middle.y);
+    ui_automation::ClickAt(button, middle.x, middle.y);
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
 }
 
@@ -102,10 +102,10 @@ void ClickButton(HWND button) {
     const POINT middle = MiddleOf(button);
     for (int press = 0; press < kPresses; ++press) {
         MoveTo(button, middle.x, middle.y, kSight);
-        hands::PressAt(button, middle.x, middle.y);
-        const bool down = hands::WaitFor(
+        ui_automation::PressAt(button, middle.x, middle.y);
+        const bool down = ui_automation::WaitFor(
             [button] { return (::SendMessageA(button, BM_GETSTATE, 0, 0) & BST_PUSHED) != 0; }, kNoticed);
-        hands::ReleaseAt(button, middle.x, middle.y);
+        ui_automation::ReleaseAt(button, middle.x, middle.y);
         if (down) {
             return;
         }
@@ -163,4 +163,4 @@ std::string SelectedInTree(HANDLE process, HWND tree) {
     return piece.Text();
 }
 
-} // namespace far_controls
+} // namespace remote_controls

@@ -9,7 +9,7 @@
 
 #include "platform/windows/lean_windows.h"
 
-namespace hands {
+namespace ui_automation {
 
 /// Waits until the condition holds, letting this thread's windows run meanwhile; false if it takes too long.
 bool WaitFor(const std::function<bool()>& condition,
@@ -48,4 +48,4 @@ void Hold(WORD key, int repeats);
 /// Writes what the screen shows of the window with its frame into a bitmap file.
 bool TakePicture(HWND window, const std::string& path);
 
-} // namespace hands
+} // namespace ui_automation

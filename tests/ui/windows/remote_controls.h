@@ -9,7 +9,7 @@
 
 #include "platform/windows/lean_windows.h"
 
-namespace far_controls {
+namespace remote_controls {
 
 /// Clicks there, in the window's client area, once the pointer has come to rest: the display tells the other
 /// process of a move late, and of the one before it as well. Throws if the pointer does not come to rest.
@@ -37,4 +37,4 @@ std::vector<std::string> Row(HANDLE process, HWND list_view, int row, int column
 /// The text of the item that is selected in a tree; "" if nothing is selected.
 std::string SelectedInTree(HANDLE process, HWND tree);
 
-} // namespace far_controls
+} // namespace remote_controls

@@ -1,11 +1,11 @@
-#include "ui/windows/screen_input.h"
+#include "ui/windows/ui_automation.h"
 
 #include <fstream>
 #include <thread>
 
 #include "platform/pending_events.h"
 
-namespace hands {
+namespace ui_automation {
 namespace {
 
 struct Search {
@@ -231,4 +231,4 @@ bool TakePicture(HWND window, const std::string& path) {
     return copied != 0 && canvas.Write(path);
 }
 
-} // namespace hands
+} // namespace ui_automation
