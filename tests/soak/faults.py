@@ -16,7 +16,12 @@ def run(part, settings):
     for suite, tests in (SHORT if settings.short else SUITES).items():
         done = subprocess.run([os.path.join(settings.fault_binaries, suite), "--gtest_filter=" + tests],
                               env=environment, stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", timeout=LONGEST)
-        part.check(done.returncode == 0, f"{suite}: {done.stdout[-3000:]}{done.stderr[-1000:]}")
+        log = os.path.join(settings.sources, "build", "soak", suite + ".log")
+        os.makedirs(os.path.dirname(log), exist_ok=True)
+        with open(log, "w", encoding="utf-8") as file:
+            file.write(done.stdout + done.stderr)
+        failed = re.findall(r"^.*: Failure\n(?:.*\n){1,8}", done.stdout, re.MULTILINE)
+        part.check(done.returncode == 0, f"{suite}, whose output is {log}: {''.join(failed)[:3000] or done.stderr[-1000:]}")
         for name, count, steps in re.findall(r"^(.+): (\d+) faults tried at (?:its )?(\w+) ", done.stdout, re.MULTILINE):
             part.say(f"{name}: {count} faults at {steps} steps")
             part.count("faults", int(count))
