@@ -104,7 +104,7 @@ def install(node):
     procedures = node.in_template("Create_Batch_Stored_Procedures", "PROCEDURE")
     check(f"{node.name}: it has the {len(procedures)} stored procedures of the template",
           server.column("SELECT name FROM sysobjects WHERE xtype = 'P'", "Batch") == procedures)
-    check(f"{node.name}: LKConfig says DatabaseVersion 1", node.version() == "1")
+    check(f"{node.name}: DatabaseVersion in LKConfig is 1", node.version() == "1")
     check(f"{node.name}: the {len(PACKAGES)} packages are stored", sorted(node.packages()) == sorted(PACKAGES))
     check(f"{node.name}: it has the default data", node.count("LKConfig") > 1 and node.count("Units") == 4)
 
@@ -237,7 +237,7 @@ def main():
         for node in (a, b):
             print(f"   {node.name}: {node.server.name}, login {USER}")
         print("   " + " ".join(a.server.ask_bsqldb("SELECT @@VERSION\n"))[:110])
-        heading("The unattended installation of version 1 on both (asked by bsqldb and pymssql)")
+        heading("The unattended installation of version 1 on both (checked with bsqldb and pymssql)")
         for node in (a, b):
             install(node)
         heading("Server A is used for a while")

@@ -19,10 +19,10 @@ SETTINGS = "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMg
 DISPLAYS = ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")
 
 WHAT_TO_TRY = """
-   General      the fields of both servers are filled in; empty a user's name and tabs become grey
+   General      the fields of both servers are filled in; empty a user's name and the other tabs are disabled
    Script       tick "Create Batch Database", choose "Create and Install script files", press Run
    Synchronize  source and destination "Batch": Server A's rows go to Server B
-   Upgrade      rename "Batch" to another name, or remove it: it does not ask first
+   Upgrade      rename "Batch" to another name, or remove it: no question is asked
    Replication  choose "Batch", install and uninstall
    View Data    choose "Batch", then a table: "Units" has an identity column, marked with a star
    Stored Proc. choose "Batch" and "spStartBatch"; the green arrow opens the dialog that runs it

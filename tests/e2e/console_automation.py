@@ -1,8 +1,8 @@
-# The console on a screen with the two servers that it is given: what the tests of the console by clicks and keys share.
-# The same tests run on Linux and, with --wine, on Windows: each toolkit has a program that works at the console as an
-# operator does (linux/console_operator.py, windows/console_operator.cpp) and takes the same orders.
+# The fixture of the tests that operate the console on a screen by mouse and keyboard, with two servers. The same tests run
+# on Linux and, with --wine, on Windows: each toolkit has an operator program (linux/console_operator.py,
+# windows/console_operator.cpp). Both accept the same orders.
 #
-# With KV_PICTURES set to a folder, pictures of the screen are put there.
+# KV_PICTURES names a folder for pictures of the screen; without it no pictures are taken.
 import os
 import select
 import shlex
@@ -17,14 +17,14 @@ from test_machine import (PASSWORD, RUNNER, TEMPLATES, TOP, USER, DevServer, Mac
                           wait_for)
 
 GENERAL, SCRIPT, SYNCHRONIZE, UPGRADE, REPLICATION, VIEW_DATA, STORED_PROC = range(7)
-LONGEST = 60  # seconds that anything may take to be seen; a busy machine takes a tenth of it
-FIRST_ANSWER = 300  # others may have the screen until then
+LONGEST = 60  # seconds that a change on the screen may take; a busy machine needs a tenth of that
+FIRST_ANSWER = 300  # seconds until the first answer: other tests may use the screen before
 ESCAPES = {"\\n": "\n", "\\r": "\r", "\\t": "\t", "\\\\": "\\"}
 LOTKEEPER = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper"
 
 
 def end_group(process):
-    """Ends the leader of a group and whatever it has started: none of them may keep the screen."""
+    """Kills the process group of this process: none of its programs may stay on the screen."""
     try:
         os.killpg(process.pid, signal.SIGKILL)
     except ProcessLookupError:
@@ -42,23 +42,23 @@ def unescaped(text):
 
 
 def operator_command(machine, before, after):
-    """For the shell on a screen: the program that works at the machine's console."""
+    """A shell command that starts the operator of the machine's console, to be run on a screen."""
     if machine.wine:
         operator = shlex.join([RUNNER, os.path.join(machine.binaries, "console_operator.exe"),
                                machine.native(machine.program)])
         return machine.with_registry(f"{before} && {{ {operator}; {after} < /dev/null; }}")
     operator = shlex.join(["/usr/bin/python3", os.path.join(TOP, "tests", "e2e", "linux", "console_operator.py"),
                            machine.program, os.path.join(machine.binaries, "form_controls")])
-    # The session bus and what it starts write lines of their own to both streams.
+    # The session bus and its services write to both streams too; those lines go to a file.
     session = shlex.join(["dbus-run-session", "--", "sh", "-c", f"exec {operator} >&3 2>&4"])
     return f"{session} 3>&1 4>&2 > {shlex.quote(os.path.join(machine.folder, 'session.log'))} 2>&1"
 
 
 class Console:
-    """An open console: each order is carried out by mouse and keyboard, and answered by what was seen."""
+    """An open console. The operator carries out each order by mouse and keyboard and answers with what the screen shows."""
 
     def __init__(self, machine, before="true", after="true"):
-        """`before` and `after` are lines of the shell that run around it under Wine, with its registry."""
+        """`before` and `after` are shell commands that run before and after it under Wine, with its registry."""
         self.machine, self.closed = machine, False
         environment = machine.environment_on_screen()
         screen = [os.path.join(TOP, "tests", "with-screen")] + ([] if machine.wine else ["--no-wine"])
@@ -71,23 +71,23 @@ class Console:
         self.answer_of("the start", FIRST_ANSWER)
 
     def answer_of(self, order, seconds=2 * LONGEST):
-        # One line follows each order, so no part of an answer can wait unseen in this side's buffer.
+        # The operator writes one line for each order, so nothing is left in this process's buffer, which select ignores.
         if not select.select([self.process.stdout], [], [], seconds)[0]:
             end_group(self.process)
-            raise AssertionError(f"{order}: no answer, the program does not take messages")
+            raise AssertionError(f"{order}: no answer, the program handles no messages")
         line = self.process.stdout.readline().rstrip("\r\n")
         if not line.startswith("= "):
             raise AssertionError(f"{order}: {unescaped(line) or 'the operator has ended'}")
         return line[2:]
 
     def begin(self, *words):
-        """Gives an order and does not wait for its end; finish() must come before the next."""
+        """Gives an order and does not wait for the answer. finish() must be called before the next order."""
         self.process.stdin.write("\t".join(map(str, words)) + "\n")
         self.process.stdin.flush()
         return words
 
     def finish(self, words):
-        """The texts of the answer."""
+        """Waits for the answer and returns its texts."""
         line = self.answer_of(words)
         return [unescaped(text) for text in line.split("\t")] if line else []
 
@@ -113,7 +113,7 @@ class Console:
     def take_picture(self, target):
         bitmap = os.path.join(self.machine.folder, "picture.bmp")
         before, shown = None, b""
-        while before != shown:  # until nothing is left to paint
+        while before != shown:  # until the window is painted completely
             before = shown
             time.sleep(0.3)
             self.do("picture", self.machine.native(bitmap))
@@ -132,7 +132,7 @@ class Console:
         self.closed = True
 
     def leave(self):
-        """Ends the operator and the screen: the next console under Wine waits for it."""
+        """Ends the operator and its screen, which the next console under Wine needs."""
         if self.process.stdin.closed:
             return
         self.process.stdin.close()
@@ -144,21 +144,22 @@ class Console:
         finally:
             self.process.stdout.close()
 
-# Between two errors in a box.
+
+# Stands between two errors in a message box.
 SEPARATOR = "\r\n----------------------------------------------\r\n\r\n"
 
 
 def record(text, native, state, number=-2147467259):
-    """An error of a connection, as the box for errors shows it."""
+    """An error of a connection as the message box shows it."""
     return f"Error:\t{number}\r\nDesc:\t[FreeTDS][SQL Server]{text}\r\n\t{native}\r\n\tSQL Server\r\n\t{state}\r\n"
 
 
 class ConsoleTest(unittest.TestCase):
-    """Two servers, and a machine with the program beside them."""
+    """A machine with the program, and two servers, `a` and `b`."""
 
     dev_server = binaries = None
     wine = False
-    # With this in its registry the Replication tab can be used.
+    # The Replication tab can only be used if the registry has these values.
     SERVER_INSTALLED = (f"[{LOTKEEPER}\\CustomFunctions]\n"
                         '"SqlServerInstalled"="TRUE"\n"UseTransactionalReplication"="FALSE"\n')
 
@@ -169,6 +170,7 @@ class ConsoleTest(unittest.TestCase):
         self.machine.add_to_registry(self.SERVER_INSTALLED)
         self.data = {}
         self.a, self.b = (self.start_server(name) for name in ("a", "b"))
+
     def start_server(self, name):
         server = DevServer(self.dev_server, os.path.join(self.folder, name), self.machine.drives()).start()
         self.addCleanup(server.stop)
@@ -203,11 +205,11 @@ class ConsoleTest(unittest.TestCase):
         return console
 
     def picture_of_a_failure(self, console):
-        """What is on the screen when a test ends before it has closed the console."""
+        """Takes a picture if a test ends before it has closed the console."""
         console.picture(self.id().rpartition(".")[2] + "-failed")
 
     def open_console(self):
-        """A console whose General tab names both servers."""
+        """Opens the console and fills in both servers on its General tab."""
         console = self.open()
         for index, server in enumerate((self.a, self.b)):
             for box, text in (("edtServerName", self.address_of(server)), ("edtUserID", USER),
@@ -216,7 +218,7 @@ class ConsoleTest(unittest.TestCase):
         return console
 
     def becomes(self, ask, wanted):
-        """Fails if the console does not show this within a generous time."""
+        """Waits until `ask` returns `wanted`; fails after LONGEST."""
         seen = []
         try:
             wait_for(lambda: seen.append(ask()) or seen[-1] == wanted, LONGEST)
@@ -229,11 +231,11 @@ class ConsoleTest(unittest.TestCase):
         self.becomes(lambda: console.do("focus", button), ["yes"])
 
     def in_box(self, text):
-        """A text of the program as a message box shows it."""
+        """A text of the program as a message box shows it on this system."""
         return text if self.wine else text.replace("\r\n", "\n")
 
     def log(self):
-        """The log's lines, without those on what is not in the registry."""
+        """The log's lines, without those about missing registry keys."""
         return [line for line in self.machine.log_lines() if " : Error in mRegistry::" not in line]
 
     def files(self, server):
@@ -241,7 +243,7 @@ class ConsoleTest(unittest.TestCase):
 
 
 def main(test_class, **options):
-    """For a file of tests: DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]"""
+    """Runs the tests of a file. The arguments are DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]."""
     test_class.dev_server, test_class.binaries = map(os.path.abspath, sys.argv[1:3])
     rest = sys.argv[3:]
     if "--wine" in rest:

@@ -1,5 +1,5 @@
-# The console while its server is killed at work: each command by clicks on a screen. The message box shows
-# what the connection reported, the button comes back, and once the server runs again so does the command.
+# The console on a screen while its server is killed in the middle of each command. The message box shows the connection's
+# errors, the button can be used again, and the command works once the server is restarted.
 #
 #   console_kill_test.py DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]
 from console_automation import (LONGEST, REPLICATION, SEPARATOR, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA,
@@ -7,7 +7,7 @@ from console_automation import (LONGEST, REPLICATION, SEPARATOR, STORED_PROC, SY
 from console_wire import HERE, Wire
 from test_machine import wait_for
 
-# A procedure that tells in a table that it runs, and does not end when it is called for the first time.
+# A procedure that records each call in a table. Its first call does not end.
 ENDLESS = ("CREATE PROCEDURE {0} {1} AS INSERT INTO dbo.Calls VALUES (N'{0}') "
            "IF (SELECT COUNT(*) FROM dbo.Calls WHERE Name = N'{0}') = 1 WAITFOR DELAY '01:00:00' {2}")
 VERSIONED = [
@@ -33,7 +33,7 @@ SPARE = ["CREATE DATABASE Spare ON (NAME = Spare_data, FILENAME = '{0}Spare_data
          "LOG ON (NAME = Spare_log, FILENAME = '{0}Spare_log.ldf')"]
 
 
-# What a connection reports that ends, and one that cannot be made.
+# The errors of a connection that is lost, and of one that cannot be opened.
 LOST = record("Unexpected EOF from the server", 20017, "08S01")
 REFUSED = SEPARATOR.join([
     record("Unable to connect: Adaptive Server is unavailable or does not exist", 20009, "08S01"),
@@ -64,14 +64,14 @@ class ConsoleKill(ConsoleTest):
         return lambda: self.called(database, procedure, 1)
 
     def at(self, statement):
-        """Waits until the program has sent the statement, which does not reach the server."""
+        """Waits until the program has sent the statement, which is held back from the server."""
         held = self.wire.hold(statement)
         return lambda: self.assertTrue(held.wait(LONGEST), f"not sent: {statement}")
 
-    def killed(self, at_work, order, boxes=(LOST,)):
-        """Gives the order and kills the server once it is at work on it; answers the boxes that come."""
+    def killed(self, wait_until_busy, order, boxes=(LOST,)):
+        """Gives the order, kills the server during its work, and closes the message boxes that are expected then."""
         words = self.console.begin(*order)
-        at_work()
+        wait_until_busy()
         self.wire.down()
         self.a.kill()
         self.console.finish(words)
@@ -92,7 +92,7 @@ class ConsoleKill(ConsoleTest):
     def databases_become(self, name, known):
         self.becomes(lambda: "Older" in self.console.do("items", name), known)
 
-    def test_EachCommandOutlivesItsServer(self):
+    def test_EachCommandSurvivesTheLossOfItsServer(self):
         self.synchronize()
         self.upgrade()
         self.replicate()
@@ -112,7 +112,7 @@ class ConsoleKill(ConsoleTest):
         self.comes_back(console, "cmdSynchronize")
 
     def upgrade(self):
-        """Rename, upgrade and remove; each refreshes the lists at its end, which are empty without a server."""
+        """Rename, upgrade and remove. Each command reads the lists again when it ends; without a server they are empty."""
         console = self.console
         console.do("tab", UPGRADE)
         console.do("choose", "cboRenameDatabase", "Spare")
@@ -144,7 +144,8 @@ class ConsoleKill(ConsoleTest):
         self.assertEqual(self.files(self.a), [])
 
     def lists_come_back(self, button):
-        """After a kill on the Upgrade tab: the button at once; the lists once the server runs and the tab is opened."""
+        """After a kill on the Upgrade tab, the button can be used at once. The lists are filled again when the server runs
+        and the tab is opened again."""
         self.comes_back(self.console, button)
         self.items_become("cboRemoveDatabase", [])
         self.run_again()
@@ -154,7 +155,7 @@ class ConsoleKill(ConsoleTest):
 
     def replicate(self):
         self.console.do("tab", REPLICATION)
-        # The tab asks for the status as well, and the label tells when it has done so.
+        # Opening the tab reads the status; the label shows when that has ended.
         self.becomes(lambda: "activated for" in self.console.text("lblSQLServerReplicationStatus"), True)
         self.killed(self.at("sysjobs"), ("choose", "cboSQLReplicationDatabase", "Older"))
         self.status_comes_back("not ")
@@ -172,7 +173,7 @@ class ConsoleKill(ConsoleTest):
         self.becomes(lambda: self.console.text("lblSQLServerReplicationStatus"), text)
 
     def status_comes_back(self, word):
-        """After a kill on the Replication tab: no button can be used before the status is known again."""
+        """After a kill on the Replication tab, no button can be used before the status is known again."""
         console = self.console
         self.status_becomes("Replication status for database 'Older' could not be retieved from the SQL Server!")
         self.cannot_be_used("cmdInstallReplication")

@@ -1,5 +1,5 @@
-# The console between two running servers, by clicks and keys on a screen: what it shows, and what is on
-# the servers, in their files and in the log afterwards.
+# The console with two running servers, operated by mouse and keyboard on a screen. Checks what it shows, and what is on the
+# servers, in their files and in the log afterwards.
 #
 #   console_pair_test.py DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]
 import time
@@ -9,8 +9,8 @@ from test_machine import wait_for
 
 FIRST_BATCH = "EXEC dbo.spStartBatch N'B-1', 1, 1, 500, 'A-17', N'Müller', 2"
 
-# What is browsed and run: two columns with an identity among them, NULLs, no rows, and the numbers of rows around the
-# highest that a 16-bit counter holds.
+# The database that is browsed: a table with an identity column and NULLs, an empty one, and tables whose row counts are
+# around the highest 16-bit number; and the procedures that are run.
 PROBE = [
     "CREATE DATABASE Probe",
     "USE Probe",
@@ -117,7 +117,7 @@ class ConsolePair(ConsoleTest):
         self.assertEqual(self.log(), [])
 
     def remove_by_double_clicks(self, console):
-        """Of three databases the one that is chosen goes, and no other one with it."""
+        """A double click on Remove removes only the chosen one of three databases."""
         names = ("Alpha", "Beta", "Gamma")
 
         def there():
@@ -127,13 +127,14 @@ class ConsolePair(ConsoleTest):
             if not intervals:
                 break
             self.prepare([f"CREATE DATABASE [{name}]" for name in names if name not in there()])
-            console.do("tab", UPGRADE)  # a click on the active tab reads the lists anew
+            console.do("tab", UPGRADE)  # a click on the active tab reads the lists again
             console.do("choose", "cboRemoveDatabase", "Beta")
             took = int(console.do("twice", "cmdRemove", intervals[0])[0])
             self.becomes(lambda: "Beta" in console.do("items", "cboRemoveDatabase"), False)
             self.comes_back(console, "cmdRemove")
-            time.sleep(1)  # whatever a second click would do
-            if took < 470:  # else the machine was too busy for a double click, which is one within 500 ms
+            time.sleep(1)  # time for the effect that the second click must not have
+            # Two clicks are a double click within 500 ms. If the machine was too busy for that, try again.
+            if took < 470:
                 self.assertEqual(there(), ["Alpha", "Gamma"], f"{intervals.pop(0)} ms between the clicks")
         self.assertEqual(intervals, [])
         self.prepare([f"DROP DATABASE [{name}]" for name in there()])
@@ -174,7 +175,7 @@ class ConsolePair(ConsoleTest):
         console.picture("pair-stored-proc")
         with self.subTest("directions"):
             self.run_with_parameters(console)
-        # The rows of the first result; what comes in a box; whether the list can be used.
+        # The headers and the row of the first result, and the text of the message box. The list can be used if it has a row.
         for name, headers, row, message in (("spEqualNames", ["Same", "Same", ""], ["1", "2", "3"], None),
                                             ("spFails", [], None, "The valve is stuck."),
                                             ("spNothing", [], None, None),
@@ -189,7 +190,7 @@ class ConsolePair(ConsoleTest):
                     console.do("answer")
                 self.becomes(lambda: console.do("headers", "lvwViewData"), headers)
                 self.becomes(lambda: console.can_use("lvwViewData"), row is not None)
-                if name == "spNothing":  # nothing shows that it ran but the log, which tells of a missing result
+                if name == "spNothing":  # only the log shows that it ran: it reports the missing result
                     self.becomes(lambda: any("'spNothing')" in line for line in self.log()), True)
                 if row:
                     self.becomes(lambda: console.do("rows", "lvwViewData"), ["1"])
@@ -215,20 +216,21 @@ class ConsolePair(ConsoleTest):
             console.do("choose", "lstParameters", name)
             self.becomes(lambda: (console.text("edtDirection"), console.text("edtDataType")), (direction, kind))
             console.do("fill", "edtValue", value)
-        # Choosing another one takes over what the box holds: done now, it does not hide what comes back of the call.
+        # Choosing another parameter takes over the typed value. Do that before the call, so that it does not overwrite a
+        # value that the call returns.
         console.do("choose", "lstParameters", parameters[0])
         self.becomes(lambda: console.text("edtDirection"), "Return value")
         console.do("click", "cmdExecute")
         self.becomes(lambda: console.do("rows", "lvwViewData"), ["1"])
         self.assertEqual(console.do("headers", "lvwViewData"), ["Given", "Said", "Doubled"])
         self.becomes(lambda: console.row(0), ["12", "Valve 3", "42"])
-        # What came out of the call is seen, and goes into the next one with what was put in.
+        # The returned values are shown, and are the input values of the next call.
         for name, direction, value in (("@Double", "Input/Output", "42"), (parameters[0], "Return value", "7")):
             console.do("choose", "lstParameters", name)
             self.becomes(lambda: (console.text("edtDirection"), console.text("edtValue")), (direction, value))
         console.do("click", "cmdExecute")
         self.becomes(lambda: console.row(0), ["12", "Valve 3", "84"])
-        # A value that does not fit is refused in a box, and nothing is shown of a call.
+        # A value that does not fit is refused with a message box, and no result is shown.
         console.do("choose", "lstParameters", "@In")
         self.becomes(lambda: console.text("edtValue"), "12")
         console.do("fill", "edtValue", "5.7")
@@ -245,4 +247,4 @@ class ConsolePair(ConsoleTest):
 
 
 if __name__ == "__main__":
-    main(ConsolePair, failfast=True)  # what follows a failure would wait in vain)
+    main(ConsolePair, failfast=True)  # each step needs the one before it

@@ -1,5 +1,5 @@
-# Takes the pictures of every tab and of the procedure dialog for README and the manual: an operator works at the real
-# console on a pair of development servers. tools/take-pictures runs it.
+# Takes the pictures of every tab and of the procedure dialog for README and the manual, from the real console with two
+# development servers. tools/take-pictures runs it.
 #
 #   console_pictures.py DEVSQLSERVER BIN_FOLDER [--wine]
 #
@@ -9,7 +9,7 @@ import os
 from console_automation import (GENERAL, REPLICATION, SCRIPT, STORED_PROC, SYNCHRONIZE, UPGRADE, VIEW_DATA, ConsoleTest,
                                 main)
 
-# Qt takes its colours from this file in a session of KDE.
+# In a KDE session Qt reads its colours from this file.
 DARK = """[Colors:Window]
 BackgroundNormal=42,46,50
 ForegroundNormal=252,252,252
@@ -59,7 +59,7 @@ class ConsolePictures(ConsoleTest):
         self.becomes(lambda: "'Batch'" in console.text("lblSQLServerReplicationStatus"), True)
         console.picture("console-replication")
         console.do("tab", VIEW_DATA)
-        for database in ("tempdb", "Batch"):  # the one that is shown first is not read before it is chosen
+        for database in ("tempdb", "Batch"):  # a preselected database is only read after another one was chosen
             console.do("choose", "cboViewDataDatabase", database)
         self.becomes(lambda: "Units" in console.do("items", "lstViewDataTables"), True)
         console.do("choose", "lstViewDataTables", "Units")

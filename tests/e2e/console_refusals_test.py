@@ -1,5 +1,5 @@
-# What each command of the console refuses, by the exact text of its box; that the command can be used again afterwards;
-# and the console that is closed while a command runs.
+# What each command of the console refuses: the exact text of its message box, and that the command can be used again
+# afterwards. Also the console that is closed while a command runs.
 #
 #   console_refusals_test.py DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]
 import os
@@ -11,9 +11,7 @@ TITLE = "KVLSQLDbMgr"
 VERSIONED = ["CREATE DATABASE {0}", "USE {0}",
              "CREATE TABLE LKConfig (ParameterName nvarchar(50) NOT NULL, Value nvarchar(50) NULL)",
              "INSERT INTO LKConfig VALUES (N'DatabaseVersion', N'{1}')"]
-
-
-REFUSED = -2147217900  # a statement that the server refuses
+REFUSED = -2147217900  # the error number of a statement that the server refuses
 
 
 def no_procedure(name):
@@ -27,12 +25,12 @@ def no_single_user(database):
 class ConsoleRefusals(ConsoleTest):
     def setUp(self):
         super().setUp()
-        # Packages can be used by hand below version 12 alone.
+        # The console's check boxes for packages can only be used with server versions below 12.
         self.machine.set_registry(version="9.00.1399.06")
         self.machine.add_to_registry(self.SERVER_INSTALLED)
 
     def refused(self, console, button, text):
-        """The click brings up this box and nothing else."""
+        """The click shows this message box and does nothing else."""
         console.do("click", button)
         self.box_comes(console, text)
         self.comes_back(console, button)
@@ -146,9 +144,8 @@ class ConsoleRefusals(ConsoleTest):
             "CUpgradeDbMgr::RenameDatabase", "CSQLReplicationMgr::InstallReplication",
             "CSQLReplicationMgr::IsReplicationInstalled")])
 
-
     def test_closed_while_a_command_runs(self):
-        """The window goes at the next step of the run, which goes on to its end; so does the program then."""
+        """The window closes at the next step of the command. The command runs to its end, and then the program ends."""
         self.machine.set_scripts("v1")
         console = self.open_console()
         console.do("fill", "edtScriptFolder", self.machine.native(self.machine.scripts))
@@ -163,9 +160,9 @@ class ConsoleRefusals(ConsoleTest):
         console.leave()
         self.assertEqual(self.machine.data_files(), ["Create_Batch_Database.sql", "Insert_Default_Data.sql"])
         self.assertEqual(self.log(), [])
-        if not self.wine:  # where each console of a test begins with a fresh registry
+        if not self.wine:  # under Wine each console starts with an empty registry
             console = self.open()
-            self.assertEqual(console.text("edtServerName.1"), self.b.name)  # what was typed is remembered
+            self.assertEqual(console.text("edtServerName.1"), self.b.name)  # typed texts were saved
             console.close()
 
 

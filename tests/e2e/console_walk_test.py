@@ -1,5 +1,5 @@
-# An operator who installs everything by clicks and keys: fetches the local settings, picks the script folder, runs all
-# scripts and packages, lists the packages. Then what is on the server, in the folders and in the log.
+# A complete installation by mouse and keyboard: reads the local settings, picks the script folder, runs all scripts,
+# installs all packages and lists them. Then checks the server, the folders and the log.
 #
 #   console_walk_test.py DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]
 import os
@@ -16,11 +16,11 @@ PACKAGE_BOXES = ("chkStandardSynchronize", "chkUpgradeDatabaseV1ToV2", "chkBatch
 
 class ConsoleWalk(ConsoleTest):
     def open_walk(self):
-        """The console, and the folder of the scripts as it is typed."""
+        """Opens the console. Returns it and the script folder's path in the form to be typed."""
         machine = self.machine
         if not self.wine:
             return self.open(), machine.scripts
-        # Wine's tree of folders opens at a folder of the drive C:, and of the drive Z: at its root alone.
+        # Wine's folder dialog can open at any folder of drive C:, but only at the root of drive Z:.
         name = os.path.basename(self.folder)
         scripts = os.path.join(os.environ.get("WINEPREFIX", os.path.join(TOP, "build", "wine-screen")), "drive_c", name)
         self.addCleanup(shutil.rmtree, scripts, ignore_errors=True)
@@ -29,7 +29,7 @@ class ConsoleWalk(ConsoleTest):
         return self.open(before, set_up(("regsvr32", "/s", "/u", library))), "C:\\" + name
 
     def test_installs_everything_by_clicks(self):
-        # Packages can be chosen by hand below version 12 alone.
+        # The console's check boxes for packages can only be used with server versions below 12.
         self.machine.set_registry(version="9.00.1399.06", login=(self.a.name, USER, PASSWORD))
         console, scripts = self.open_walk()
         self.fetch_settings(console)
@@ -52,7 +52,7 @@ class ConsoleWalk(ConsoleTest):
     def fetch_settings(self, console):
         console.do("click", "cmdGetLocalSettings")
         self.becomes(lambda: console.text("edtServerName.0"), self.a.name)
-        # The box of the data path gets the focus with its text selected: typing is enough.
+        # The text box of the data path gets the focus with its text selected, so typing replaces the text.
         self.becomes(lambda: console.do("focus", "edtSQLDataPath.0"), ["yes"])
         folder = self.machine.native(self.data[self.a])
         console.do("type", folder)
@@ -62,7 +62,7 @@ class ConsoleWalk(ConsoleTest):
         console.do("fill", "edtScriptFolder", folder)
         console.do("click", "cmdBrowseForScriptFolder")
         name = folder.replace("\\", "/").rpartition("/")[2]
-        self.becomes(lambda: console.do("folder"), [name])  # it opens at the folder that is typed
+        self.becomes(lambda: console.do("folder"), [name])  # the dialog opens at the typed folder
         console.do("pick")
         self.becomes(lambda: console.text("edtScriptFolder"), folder)
 

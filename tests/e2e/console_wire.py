@@ -1,5 +1,5 @@
-# Between a client and a server: hands on what they say, stops in front of a chosen statement, and goes down and up with
-# the server. Its port stays the same, whatever the server's is.
+# A TCP proxy between the program and a server. It can hold back a chosen statement, and it can refuse connections while
+# the server is restarted. Its port stays the same when the server's port changes.
 import contextlib
 import select
 import socket
@@ -10,8 +10,8 @@ HERE = "127.0.0.1"
 
 class Wire:
     def __init__(self):
-        # Bound and never listened at, this keeps the port from others while the wire is down, and nobody is refused in
-        # the name of another server.
+        # This socket is bound and never listens. It reserves the port while the proxy is down, so that a client cannot
+        # reach another process there.
         self.keeper = socket.socket()
         self.keeper.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
         self.keeper.bind((HERE, 0))
@@ -23,9 +23,9 @@ class Wire:
         threading.Thread(target=self._accept, args=(self.listener, server_port), daemon=True).start()
 
     def down(self):
-        """Clients are refused from now on; a link that stands ends with its server."""
+        """Refuses new connections. An existing connection ends when the server ends it."""
         if self.listener is not None:
-            self.listener.shutdown(socket.SHUT_RDWR)  # which wakes who waits for clients
+            self.listener.shutdown(socket.SHUT_RDWR)  # wakes the thread in accept()
             self.listener.close()
             self.listener = None
 
@@ -34,7 +34,7 @@ class Wire:
         self.keeper.close()
 
     def hold(self, statement):
-        """The next message of a client that holds this text goes no further; the event that it has come."""
+        """Holds back the next message of a client that contains this text. Returns the event that is set then."""
         self.held, self.statement = threading.Event(), statement.encode("utf-16-le")
         return self.held
 
@@ -54,7 +54,7 @@ class Wire:
                     if not data:
                         return
                     if end is client:
-                        # A statement may come in two pieces.
+                        # A statement may arrive in two pieces.
                         if self.statement and self.statement in before[1 - len(self.statement):] + data:
                             self.statement = None
                             self.held.set()

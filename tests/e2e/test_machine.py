@@ -1,5 +1,5 @@
-# What the whole-way tests stand on: a development server, and a machine with the program installed on it, its
-# registry, its query tool and its packages. Linux, or Windows under Wine: the tests are the same.
+# The fixture of the end-to-end tests: a development server, and a machine on which the program is installed, with its
+# registry, its query tool and its packages. The same tests run on Linux and on Windows under Wine.
 import fcntl
 import os
 import re
@@ -21,7 +21,7 @@ USER, PASSWORD = "lk_admin", "Pass_1!"
 
 
 class DevServer:
-    """A development server of its own; use it in a with statement."""
+    """A development server that one test uses alone. Use it in a with statement."""
 
     def __init__(self, program, folder, drives=()):
         self.program, self.folder, self.drives = program, folder, drives
@@ -37,7 +37,7 @@ class DevServer:
         arguments = [self.program, "--root", self.root, "--port", str(self.port), "--logins", self.logins]
         for drive in self.drives:
             arguments += ["--drive", drive]
-        # It reaches linked servers by the driver of this name, wherever the test runs.
+        # The server connects to linked servers with the ODBC driver that this folder registers.
         environment = dict(os.environ, ODBCSYSINI=os.path.join(TOP, "src", "odbc", "odbc_config"))
         self.process = subprocess.Popen(arguments, stdout=subprocess.PIPE, text=True, env=environment)
         ready = self.process.stdout.readline()
@@ -99,27 +99,28 @@ class DevServer:
 
 
 def set_up(*steps):
-    """For the shell: these programs under Wine, one after the other, each once more if it fails: they make the ground
-    of a test and are not what it shows, and a start can fail (tests/run-under-wine tells how)."""
+    """A shell command that runs these programs under Wine, one after the other. A program that fails is run once more:
+    a start under Wine can fail (tests/run-under-wine explains why), and the programs only prepare a test."""
     lines = (shlex.join([RUNNER, *step]) for step in steps)
     return " && ".join(f"{{ {line} || {{ echo 'once more:' {line} >&2; {line}; }}; }}" for line in lines)
 
 
-# Only tests make these keys: a fresh prefix has no key of these names.
+# Only tests create these keys: a new Wine prefix has none of them.
 REGISTRY_KEYS = ("HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVIK", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Microsoft SQL Server",
                  "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr")
 
 
 class Machine:
-    """A computer with the program on it. `binaries` is the bin folder of a build tree."""
+    """A computer with the program installed. `binaries` is the bin folder of a build tree."""
 
     registry_lock = None
 
     def __init__(self, binaries, folder, wine=False, screen=False):
-        """`screen`: every program of it will run on a screen, where the prefix is another (tests/run-under-wine)."""
+        """`screen`: all its programs run on a screen, with the Wine prefix for screens (tests/run-under-wine)."""
         self.binaries, self.folder, self.wine, self.screen = binaries, folder, wine, screen
         if wine and not screen and not Machine.registry_lock:
-            # The prefix has one registry: one program of such tests has it at a time, to its end.
+            # All tests without a screen share the prefix's registry. The first machine of a process takes this lock, and
+            # the process holds it until it ends.
             Machine.registry_lock = open(os.path.join(TOP, "build", "wine.registry.lock"), "w")
             fcntl.flock(Machine.registry_lock, fcntl.LOCK_EX)
         self.install = os.path.join(folder, "Server")
@@ -152,15 +153,16 @@ class Machine:
         self.set_registry()
 
     def native(self, path):
-        """A path as the program is told it: its own system's."""
+        """The path in the form of the program's own system."""
         return "Z:" + path.replace("/", "\\") if self.wine else path
 
     def drives(self):
-        """The drive letters that a server beside this machine must know."""
+        """The drive letters that a server must map to use this machine's paths."""
         return ("Z=/",) if self.wine else ()
 
     def set_registry(self, version="14.0.1000.169", tools=None, log=None, login=None):
-        """Everything that the program reads. `login` is server, user and password; without it there is no such key."""
+        """Writes every setting that the program reads. `login` is server, user and password; without it there is no
+        login key."""
         def key(name, *values):
             return f"[HKEY_LOCAL_MACHINE\\SOFTWARE\\{name}]\n" + "".join(value + "\n" for value in values) + "\n"
 
@@ -178,14 +180,14 @@ class Machine:
             content += key("Orvik\\Quorlen\\Lotkeeper\\Login", *values)
         path = os.path.join(self.folder, "registry.reg")
         if self.wine:
-            # The prefix has one registry for all tests: what another one left goes first.
+            # All tests share the prefix's registry, so the keys of an earlier test are deleted first.
             wipe = "REGEDIT4\n\n" + "".join(f"[-{key}]\n\n" for key in REGISTRY_KEYS)
             content = content.replace("REGEDIT4\n\n", wipe)
             self.forget_file = os.path.join(self.folder, "forget.reg")
             with open(self.forget_file, "w") as file:
                 file.write(wipe)
         elif not content.isascii():
-            # The other form has no encoding for every text.
+            # REGEDIT4 files have no encoding for all characters.
             content = content.replace("REGEDIT4", "Windows Registry Editor Version 5.00")
         with open(path, "w", encoding="utf-8") as file:
             file.write(content)
@@ -195,14 +197,14 @@ class Machine:
                 self.prepare("regedit.exe", "/S", self.native(file))
 
     def with_registry(self, command, *more_files):
-        """For the shell: the command with this machine's registry, which is gone from the prefix afterwards: a console
-        that is started there later would look for the folders of a machine that is gone."""
+        """A shell command that runs `command` with this machine's registry and then deletes it from the prefix. Otherwise
+        a console that is started there later would look for the folders of a machine that no longer exists."""
         begin = set_up(*(("regedit.exe", "/S", self.native(file)) for file in (*self.registry_files, *more_files)))
         end = set_up(("regedit.exe", "/S", self.native(self.forget_file)))
         return f"{begin} && {{ {command}; }}; ended=$?; {{ {end}; }} < /dev/null; exit $ended"
 
     def add_to_registry(self, text):
-        """More keys, in the form of a REGEDIT4 file without its first line. Under Wine for runs on a screen alone."""
+        """Adds keys, given as a REGEDIT4 file without its first line. Under Wine only for runs on a screen."""
         if self.wine:
             path = os.path.join(self.folder, f"more{len(self.registry_files)}.reg")
             self.registry_files += (path,)
@@ -213,11 +215,12 @@ class Machine:
             file.write(text)
 
     def forget_registry(self):
-        """Leaves the prefix for runs without a screen as it was."""
+        """Deletes the tests' keys from the prefix for runs without a screen."""
         if self.wine and not self.screen:
             self.prepare("regedit.exe", "/S", self.native(self.forget_file))
 
     def prepare(self, *step):
+        """Runs a program under Wine, a second time if it fails."""
         run = subprocess.run(["sh", "-c", set_up(step)], env=self.wine_environment(), stdin=subprocess.DEVNULL,
                              capture_output=True, text=True, errors="replace", timeout=240, cwd=self.install)
         if run.returncode != 0:
@@ -229,12 +232,12 @@ class Machine:
                               timeout=timeout, cwd=self.install)
 
     def wine_environment(self):
-        # Wine's prefix is the project's and not the test's; its own folder is where HOME says.
+        # The Wine prefix belongs to the project and not to the test, and Wine finds its settings below the real HOME.
         environment = dict(self.environment, HOME=os.environ.get("HOME", "/root"))
         return environment
 
     def environment_on_screen(self):
-        """For tests/with-screen and what runs on its screen."""
+        """The environment of tests/with-screen and of the programs on its screen."""
         environment = self.wine_environment() if self.wine else dict(self.environment)
         suppressions = os.path.join(TOP, "tests", "leaks_of_others.txt")
         environment["LSAN_OPTIONS"] = f"suppressions={suppressions}:print_suppressions=0"
@@ -243,20 +246,20 @@ class Machine:
         return environment
 
     def run(self, *arguments, timeout=300, **how):
-        """Runs the program unattended to its end and returns what it wrote to the terminal. `how` goes to
-        subprocess.run, on Linux alone."""
+        """Runs the program unattended to its end and returns the text that it wrote to the terminal. `how` is passed to
+        subprocess.run, on Linux only."""
         if self.wine:
             done = self.under_wine(self.program, *arguments, timeout=timeout)
         else:
             done = subprocess.run([self.program, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
                                   capture_output=True, text=True, errors="replace", timeout=timeout,
                                   cwd=self.install, **how)
-        # The program has no exit code: a run that failed ends as one that worked.
+        # The program's exit code is 0 whether its work failed or succeeded.
         assert done.returncode == 0, f"exit code {done.returncode}: {done.stderr}"
         return done.stderr
 
     def on_a_screen(self, *arguments):
-        """As run(), with a screen; under Wine alone, where runs with a screen have a registry of their own."""
+        """Like run(), on a screen. Only under Wine, where programs on a screen have a registry of their own."""
         command = self.with_registry(shlex.join([RUNNER, self.program, *arguments]))
         return subprocess.run([os.path.join(TOP, "tests", "with-screen"), "sh", "-c", command],
                               env=self.environment_on_screen(), stdin=subprocess.DEVNULL, capture_output=True,
@@ -278,13 +281,13 @@ class Machine:
         return [*self.login(server, **login), "/sqldatapath", self.native(self.data), *what]
 
     def log_lines(self):
-        """The log's lines without their date, which is checked to be one."""
+        """The log's lines without their dates. Fails if a line does not begin with a date."""
         path = os.path.join(self.log_folder, "KVLSQLDbMgr.log")
         if not os.path.exists(path):
             return []
         with open(path, encoding="cp1252", newline="") as file:
             lines = file.read().split("\r\n")
-        assert lines.pop() == "", "the last line has no end"
+        assert lines.pop() == "", "the last line has no line end"
         date = r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d"
         assert all(re.match(date + " : Error in ", line) for line in lines), lines
         return [line[len("2006-05-12 14:03:22"):] for line in lines]
@@ -294,12 +297,12 @@ class Machine:
         return sorted(os.listdir(folder)) if os.path.isdir(folder) else []
 
     def output(self, name):
-        """What the query tool printed for a script."""
+        """The query tool's output for a script."""
         with open(os.path.join(self.install, "Data", name + ".txt"), encoding="cp1252", newline="") as file:
             return file.read()
 
     def set_scripts(self, version):
-        """Puts the sample scripts of a version into the script folder, in the place of what is there."""
+        """Replaces the script folder by the sample scripts of a version."""
         shutil.rmtree(self.scripts, ignore_errors=True)
         shutil.copytree(os.path.join(TOP, "samples", "sqlscripts", version), self.scripts)
 
@@ -320,15 +323,15 @@ def freetds_driver():
         path = os.path.join(folder, "libtdsodbc.so")
         if os.path.exists(path):
             return path
-    raise RuntimeError("libtdsodbc.so was not found; the package tdsodbc brings it")
+    raise RuntimeError("libtdsodbc.so was not found; install the package tdsodbc")
 
 
 def wait_for(condition, seconds=30):
-    """Asks until the condition holds; for what another process brings about."""
+    """Waits until the condition holds; fails if that takes too long. For the effects of another process."""
     end = time.monotonic() + seconds
     while not condition():
         if time.monotonic() > end:
-            raise RuntimeError("waited in vain")
+            raise RuntimeError(f"the condition does not hold after {seconds} seconds")
         time.sleep(0.02)
 
 
@@ -336,7 +339,7 @@ def fresh_folder():
     return tempfile.mkdtemp(prefix="kv-e2e-")
 
 
-# The templates as an independent client would run them: tokens replaced and batches split here, not by the program.
+# The templates as an independent client runs them: tokens are replaced and batches split here, not by the program.
 
 def modified_template(folder, name, values):
     def value(match):
@@ -361,13 +364,13 @@ def install_by_pymssql(server, folder, names, values):
 
 
 def contents(server, database="Batch"):
-    """Everything that a database holds, for comparison: objects, columns, rows, procedure texts."""
+    """The whole content of a database, for comparison: objects, columns, rows, procedure texts."""
     tables = server.column("SELECT name FROM sysobjects WHERE xtype = 'U'", database)
     rows = {}
     for table in tables:
         columns = server.ask("SELECT COLUMN_NAME, DATA_TYPE FROM INFORMATION_SCHEMA.COLUMNS "
                              f"WHERE TABLE_NAME = '{table}' ORDER BY ORDINAL_POSITION", database)
-        # When and under which identifier a row was made differs from run to run.
+        # Times and identifiers of rows differ from run to run.
         steady = [f"[{name}]" for name, kind in columns if kind not in
                   ("timestamp", "uniqueidentifier", "datetime", "smalldatetime", "text", "ntext", "image")]
         rows[table] = sorted(server.ask(f"SELECT {', '.join(steady)} FROM [{table}]", database), key=repr)

@@ -1,5 +1,5 @@
-# The unattended installation, run for real: the program's own command line against a development server, and what
-# stands on the server afterwards asked over the wire by clients that are not ours.
+# The unattended installation from end to end: runs the program against a development server. Other clients then read what
+# is on the server.
 #
 #   unattended_install_test.py DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]
 import os
@@ -14,6 +14,8 @@ from test_machine import (PACKAGES, PASSWORD, TEMPLATES, USER, DevServer, Machin
 
 
 class UnattendedTestCase(unittest.TestCase):
+    """A machine with the program, and a development server."""
+
     dev_server = binaries = None
     wine = False
 
@@ -24,13 +26,14 @@ class UnattendedTestCase(unittest.TestCase):
             cls.addClassCleanup(cls.register_packages, "/s", "/u")
 
     @classmethod
-    def register_packages(cls, *how):
+    def register_packages(cls, *options):
+        """Runs regsvr32 on the tests' COM classes for packages."""
         folder = fresh_folder()
         try:
             machine = Machine(cls.binaries, os.path.join(folder, "m"), wine=True)
             library = machine.native(os.path.join(cls.binaries, "dts_com_server.dll"))
-            machine.prepare("regsvr32", *how, library)
-            machine.forget_registry()  # at the end of the class this is the last thing to be done
+            machine.prepare("regsvr32", *options, library)
+            machine.forget_registry()  # leaves a clean prefix when a class of tests has ended
         finally:
             shutil.rmtree(folder, ignore_errors=True)
 
@@ -70,7 +73,7 @@ class UnattendedTestCase(unittest.TestCase):
 
 
 class Installation(UnattendedTestCase):
-    def test_the_database_and_its_procedures_stand_as_the_templates_say(self):
+    def test_the_database_has_the_objects_of_the_templates(self):
         self.install("/installdb")
         self.assert_quiet()
         self.assertIn("Batch", self.databases())
@@ -87,38 +90,40 @@ class Installation(UnattendedTestCase):
                                                 "Batch"), ["1"])
         self.assertEqual(self.packages(), [])
 
-    def test_it_is_what_an_independent_client_makes_of_the_templates(self):
+    def test_the_database_equals_one_that_an_independent_client_installs(self):
         self.install("/installdb")
         other_folder = os.path.join(self.folder, "other data")
         os.mkdir(other_folder)
         with DevServer(self.dev_server, os.path.join(self.folder, "other"), self.machine.drives()) as other:
-            values = {"server": other.name, "userid": USER, "password": PASSWORD, "datapath": self.told(other_folder)}
+            values = {"server": other.name, "userid": USER, "password": PASSWORD,
+                      "datapath": self.with_backslashes(other_folder)}
             values.update({name + "a": value for name, value in values.items()})
             install_by_pymssql(other, self.machine.scripts, TEMPLATES, values)
             theirs = contents(other)
             other_name = other.name
         ours = contents(self.server)
-        # Each server has a name and a data folder of its own and a time of installation, and the tables say so.
-        self.assertEqual(self.plain(ours["rows"], self.machine.data, self.server.name),
-                         self.plain(theirs["rows"], other_folder, other_name))
+        # The tables contain the server's name, its data folder and the time of installation, which differ.
+        self.assertEqual(self.neutral(ours["rows"], self.machine.data, self.server.name),
+                         self.neutral(theirs["rows"], other_folder, other_name))
         self.assertGreater(sum(len(rows) for rows in ours["rows"].values()), 20)
-        self.assertEqual(self.plain(ours["texts"], self.machine.data, self.server.name),
-                         self.plain(theirs["texts"], other_folder, other_name))
+        self.assertEqual(self.neutral(ours["texts"], self.machine.data, self.server.name),
+                         self.neutral(theirs["texts"], other_folder, other_name))
         for what in ("objects", "columns"):
             self.assertEqual(ours[what], theirs[what])
 
-    def told(self, path):
-        """A path as the program tells it to the server: with backslashes on every system."""
+    def with_backslashes(self, path):
+        """The path as the program sends it to the server, on both systems."""
         return self.machine.native(path).replace("/", "\\")
 
-    def plain(self, lists, data_folder, server_name):
+    def neutral(self, lists, data_folder, server_name):
+        """The rows of each list as text, without what differs between two installations."""
         def without_names(text):
-            text = text.replace(repr(self.told(data_folder))[1:-1], "FOLDER").replace(server_name, "SERVER")
+            text = text.replace(repr(self.with_backslashes(data_folder))[1:-1], "FOLDER").replace(server_name, "SERVER")
             return re.sub(r"\d{4}-\d\d-\d\d[ T]\d\d:\d\d:\d\d", "TIME", text)
 
         return {name: [without_names(repr(row)) for row in rows] for name, rows in lists.items()}
 
-    def test_the_procedures_alone_go_into_a_database_that_stands(self):
+    def test_procedures_are_installed_into_an_existing_database(self):
         self.install("/installdb")
         procedures = self.server.column("SELECT name FROM sysobjects WHERE xtype = 'P'", "Batch")
         for name in procedures:
@@ -129,7 +134,7 @@ class Installation(UnattendedTestCase):
         self.assertEqual(self.server.column("SELECT name FROM sysobjects WHERE xtype = 'P'", "Batch"), procedures)
         self.assertEqual(contents(self.server)["rows"], rows)
 
-    def test_the_packages_alone_are_stored(self):
+    def test_packages_are_stored_without_a_database(self):
         self.machine.run(*self.machine.login(self.server), "/installdts")
         self.assertEqual(self.machine.log_lines(), [])
         self.assertEqual(self.packages(), sorted(PACKAGES))
@@ -141,7 +146,7 @@ class Installation(UnattendedTestCase):
                     self.server.ask(f"SELECT packagedata FROM msdb.dbo.sysdtspackages WHERE name = '{name}'"),
                     [(file.read(),)])
 
-    def test_all_three_together_and_once_more(self):
+    def test_database_procedures_and_packages_are_installed_together_and_installed_again(self):
         self.install("/installdb", "/installsp", "/installdts")
         self.assert_quiet()
         self.assertTrue(self.batch_exists())
@@ -157,16 +162,17 @@ class Installation(UnattendedTestCase):
         self.assertEqual(self.packages(), sorted(PACKAGES))
         self.assertNotEqual(self.server.column("SELECT versionid FROM msdb.dbo.sysdtspackages"), versions)
 
-    def test_progress_is_told_where_there_is_no_display(self):
+    def test_progress_is_written_to_the_terminal_without_a_display(self):
         said = self.install("/installsp")
         self.assertIn("Installing / Upgrading Lotkeeper database\n", said.replace("\r", ""))
         for text in ("[0/4] Initializing installation...", "[1/4] Modifying sql scripts...",
                      "[3/4] Installing batch stored procedures...", "[4/4] Ended."):
             self.assertIn(text, said)
 
-    def test_progress_is_shown_in_a_window_where_there_is_a_display(self):
+    def test_progress_is_shown_in_a_window_if_there_is_a_display(self):
         if not self.wine:
-            self.assertIn("[0/4]", self.install("/installsp"))  # no native window here: the terminal in any case
+            # console_module_test.py shows the window on Linux.
+            self.assertIn("[0/4]", self.install("/installsp"))
             return
         said = self.machine.on_a_screen(*self.machine.install_arguments(self.server, "/installdb"))
         self.assertNotIn("Initializing installation", said)
@@ -178,8 +184,8 @@ class Installation(UnattendedTestCase):
         self.assert_quiet()
         self.assertTrue(self.batch_exists())
 
-    def test_names_beyond_ascii_arrive_as_they_were_typed(self):
-        self.machine.environment["LC_ALL"] = "C.UTF-8"  # how Wine reads what is typed
+    def test_text_outside_ascii_arrives_as_typed(self):
+        self.machine.environment["LC_ALL"] = "C.UTF-8"  # the encoding in which Wine reads the command line
         scripts = self.machine.scripts
         self.machine.scripts = os.path.join(self.folder, "Skripte für €")
         os.rename(scripts, self.machine.scripts)
@@ -215,13 +221,13 @@ class BadInput(UnattendedTestCase):
         self.assertEqual(os.listdir(self.machine.data), [])
 
     def modify(self, content):
-        """What the program makes of a template of this content."""
+        """The script that the program makes from a template with this content."""
         self.machine.write_template("Create_Batch_Stored_Procedures", content)
         self.install("/installsp")
         self.assertEqual(self.machine.log_lines(), [])
         return self.machine.read_modified("Create_Batch_Stored_Procedures")
 
-    def test_every_line_end_becomes_the_systems(self):
+    def test_every_line_end_becomes_cr_lf(self):
         self.assertEqual(self.modify(b"PRINT 1\nPRINT 2\rPRINT 3\r\nPRINT 4\r\r\n"),
                          b"PRINT 1\r\nPRINT 2\r\nPRINT 3\r\nPRINT 4\r\n\r\n\r\n")
 
@@ -229,19 +235,19 @@ class BadInput(UnattendedTestCase):
         self.assertEqual(self.modify(b"PRINT '###SERVER###'"),
                          b"PRINT '" + self.server.name.encode() + b"'\r\n\r\n")
 
-    def test_bytes_above_ascii_stay_and_reach_the_server(self):
+    def test_bytes_outside_ascii_are_kept_and_reach_the_server(self):
         content = b"PRINT '\x80 \xfcber \xb0C \xdf'\r\n"
         self.assertEqual(self.modify(content), content + b"\r\n")
         self.assertIn("\u20ac \xfcber \xb0C \xdf", self.machine.output("Create_Batch_Stored_Procedures"))
 
-    def test_nul_bytes_stay(self):
+    def test_nul_bytes_are_kept(self):
         content = b"PRINT 'a\x00b'\r\n-- \x00\x00\r\n"
         self.assertEqual(self.modify(content), content + b"\r\n")
 
-    def test_an_empty_template_is_an_empty_line(self):
+    def test_an_empty_template_becomes_an_empty_line(self):
         self.assertEqual(self.modify(b""), b"\r\n")
 
-    def test_a_template_of_200_mb_is_replaced_whole(self):
+    def test_tokens_in_a_template_of_200_mb_are_replaced_to_its_end(self):
         self.use_tool("test_tool.EXE")
         line = b"-- ###SERVER### " + b"x" * 80 + b"\r\n"
         count = 200_000_000 // len(line) + 1
@@ -254,21 +260,21 @@ class BadInput(UnattendedTestCase):
         os.remove(self.machine.tool)
         shutil.copy(os.path.join(self.binaries, name), self.machine.tool)
 
-    def test_a_script_folder_that_is_a_file_ends_the_run_before_anything(self):
+    def test_a_script_folder_that_is_a_file_ends_the_run_before_any_change(self):
         self.machine.scripts = os.path.join(self.machine.scripts, "Insert_Default_Data.sql")
         self.install("/installdb", "/installdts")
         self.assertEqual(self.machine.log_lines(), [self.ABORT])
         self.assert_nothing_on_the_server()
 
-    def test_a_missing_template_ends_the_run_before_anything(self):
+    def test_a_missing_template_ends_the_run_before_any_change(self):
         os.remove(os.path.join(self.machine.scripts, "Insert_Default_Data.sql"))
         self.install("/installdb", "/installdts")
         self.assertEqual(self.machine.log_lines(), [self.ABORT])
         self.assert_nothing_on_the_server()
-        # The scripts that were modified before it stay.
+        # The scripts that were written before the failure are kept.
         self.assertEqual(self.machine.data_files(), ["Create_Batch_Database.sql"])
 
-    def test_a_log_folder_that_is_not_there_is_told_by_its_file_and_not_made(self):
+    def test_a_missing_log_folder_is_reported_with_the_log_files_path_and_not_created(self):
         os.rmdir(self.machine.log_folder)
         os.remove(os.path.join(self.machine.scripts, "Create_Batch_Database.sql"))
         said = self.install("/installdb", "/installdts").replace("\r", "")
@@ -277,14 +283,14 @@ class BadInput(UnattendedTestCase):
         self.assertFalse(os.path.exists(self.machine.log_folder))
         self.assert_nothing_on_the_server()
 
-    def test_a_data_folder_that_cannot_be_made_ends_the_run_before_anything(self):
+    def test_a_data_folder_that_cannot_be_created_ends_the_run_before_any_change(self):
         with open(os.path.join(self.machine.install, "Data"), "w"):
             pass
         self.install("/installdb", "/installdts")
         self.assertEqual(self.machine.log_lines(), [self.ABORT])
         self.assert_nothing_on_the_server()
 
-    def test_without_a_query_tool_even_packages_are_not_stored(self):
+    def test_without_a_query_tool_packages_are_not_stored_either(self):
         os.remove(self.machine.tool)
         self.install("/installdb", "/installdts")
         self.assertEqual(self.machine.log_lines(), [self.ABORT])
@@ -299,7 +305,7 @@ class BadInput(UnattendedTestCase):
         self.assertFalse(self.batch_exists())
         self.assertEqual(self.packages(), sorted(PACKAGES))
 
-    def test_a_query_tool_that_ends_with_an_error_is_not_noticed(self):
+    def test_a_query_tool_with_an_error_exit_code_is_not_noticed(self):
         self.use_tool("test_tool.EXE")
         self.install("/installdb", "/installdts", password="x --exit 3")
         self.assertEqual([line for line in self.machine.log_lines() if "InstallDTSPackage" not in line], [])
@@ -313,20 +319,20 @@ class BadInput(UnattendedTestCase):
         self.assertEqual(self.machine.log_lines(), [])
         self.assertEqual(self.machine.data_files(), sorted(name + ".sql" for name in TEMPLATES))
 
-    def test_an_unknown_version_is_told_and_the_run_goes_on_with_the_fallback(self):
+    def test_an_unknown_server_version_is_reported_and_the_run_continues_with_the_default(self):
         self.machine.set_registry(version="11.0.2100.60")
         said = self.install("/installdb")
         self.assertIn("KVLSQLDbMgr (!): Can't determine installed SQL Server version!", said)
         self.assertEqual(self.machine.log_lines(), [])
         self.assertTrue(self.batch_exists())
 
-    def test_a_version_without_a_point_ends_the_run(self):
+    def test_a_server_version_without_a_dot_ends_the_run(self):
         self.machine.set_registry(version="14")
         self.install("/installdb", "/installdts")
         self.assertEqual(self.machine.log_lines(), [self.ABORT])
         self.assert_nothing_on_the_server()
 
-    def test_a_server_that_is_not_there_stands_in_the_tools_output(self):
+    def test_an_unreachable_server_is_reported_in_the_query_tools_output(self):
         self.server.stop()
         self.install("/installdb", "/installdts")
         self.assertEqual(self.machine.log_lines(), self.PACKAGE_FAILURES)
@@ -335,14 +341,14 @@ class BadInput(UnattendedTestCase):
         self.server.start()
         self.assert_nothing_on_the_server()
 
-    def test_a_refused_login_stands_in_the_tools_output(self):
+    def test_a_refused_login_is_reported_in_the_query_tools_output(self):
         self.install("/installdb", "/installdts", password="wrong")
         self.assertEqual(self.machine.log_lines(), self.PACKAGE_FAILURES)
         for name in TEMPLATES:
             self.assertIn(f"Login failed for user '{USER}'", self.machine.output(name))
         self.assert_nothing_on_the_server()
 
-    def test_a_server_that_dies_in_the_middle_of_a_script_changes_nothing_in_the_sequence(self):
+    def test_the_run_continues_when_the_server_dies_during_a_script(self):
         self.install("/installdb")
         before = contents(self.server)
         self.machine.write_template("Create_Batch_Stored_Procedures", b"USE Batch\r\nGO\r\nPRINT 'begun'\r\n"
@@ -354,14 +360,14 @@ class BadInput(UnattendedTestCase):
         program.wait(120)
         self.assertEqual(self.machine.log_lines(), self.PACKAGE_FAILURES)
         self.assertIn("begun", self.machine.output("Create_Batch_Stored_Procedures"))
-        # What was committed before stands, and the rest of the database is untouched.
+        # The committed change is there, and the rest of the database is as before.
         self.server.start()
         self.assertEqual(self.server.ask("SELECT name FROM sysobjects WHERE name = 'Witness'", "Batch"),
                          [("Witness",)])
         self.server.ask("DROP TABLE Witness", "Batch")
         self.assertEqual(contents(self.server), before)
 
-    def test_a_script_that_fails_does_not_keep_the_next_from_running(self):
+    def test_the_next_script_runs_after_one_that_failed(self):
         self.machine.write_template("Create_Batch_Database", b"SELECT * FROM NoSuchTable\r\nGO\r\n")
         self.machine.write_template("Insert_Default_Data", b"PRINT 'second'\r\nGO\r\n")
         self.machine.write_template("Create_Batch_Stored_Procedures", b"PRINT 'third'\r\nGO\r\n")
@@ -375,7 +381,7 @@ class BadInput(UnattendedTestCase):
 class CommandLine(UnattendedTestCase):
     NO_WINDOW = "The console cannot show its window here."
 
-    def test_lines_that_ask_for_nothing_open_the_window_and_touch_nothing(self):
+    def test_a_command_line_without_a_complete_task_opens_the_window_and_changes_nothing(self):
         for arguments in ([], ["/frobnicate"], ["/installdb"], ["/upgradedb"],
                           ["/scriptfolder", self.machine.native(self.machine.scripts)],
                           ["/upgradedb", "/scriptfolder", self.machine.native("/no such folder")],
@@ -387,7 +393,7 @@ class CommandLine(UnattendedTestCase):
         self.assertEqual(self.machine.data_files(), [])
         self.assertFalse(self.batch_exists())
 
-    def test_help_beats_everything(self):
+    def test_help_takes_precedence_over_a_task(self):
         said = self.install("/installdb", "-HELP").replace("\r", "")
         self.assertIn(self.NO_WINDOW, said)
         self.assertIn("The following command arguments can be defined:\n\n/help\n", said)

@@ -1,5 +1,5 @@
-# Unattended runs on Linux where this system differs: paths with "/", split arguments, text in UTF-8, the registry's
-# file, limits of the user's and rights of files.
+# Unattended runs, only what differs on Linux: paths with "/", separate arguments, text in UTF-8, the registry file, the
+# user's resource limits and file permissions.
 #
 #   unattended_linux_test.py DEVSQLSERVER BIN_FOLDER [TEST …]
 import os
@@ -16,13 +16,13 @@ from unattended_upgrade_test import OLD_FILES, OWN_LINE, TEMPORARY, TEMPORARY_FI
 
 
 class SlashPaths(UpgradeTestCase):
-    """As every SQL Server on Linux reports its paths."""
+    """The server reports paths with "/", as an SQL Server on Linux does."""
 
     def attach_old_database(self):
         self.server.ask(f"EXEC sp_attach_db N'Batch', N'{self.machine.data}/{OLD_FILES[0]}', "
                         f"N'{self.machine.data}/{OLD_FILES[1]}'")
 
-    def test_the_old_database_goes_out_of_the_way_and_the_new_one_has_its_data(self):
+    def test_the_old_database_is_renamed_and_the_new_one_gets_its_data(self):
         self.upgrade()
         self.assert_quiet()
         self.assertEqual(self.upgradable(), {"Batch": "2", TEMPORARY: "1"})
@@ -31,13 +31,13 @@ class SlashPaths(UpgradeTestCase):
         self.assertEqual([row[2].strip() for row in self.server.ask("exec sp_helpfile", TEMPORARY)],
                          [f"{self.machine.data}/{name}" for name in TEMPORARY_FILES])
 
-    def test_a_second_run_works_the_same_way(self):
+    def test_a_second_run_renames_the_result_of_the_first(self):
         self.upgrade()
         self.upgrade()
         self.assertEqual(self.upgradable(), {"Batch": "2", TEMPORARY: "2"})
-        self.assertEqual(self.machine.log_lines(), [UPGRADE_LINE])  # no version is upgraded to itself
+        self.assertEqual(self.machine.log_lines(), [UPGRADE_LINE])  # version 2 cannot be upgraded to version 2
 
-    def test_the_files_keep_their_rights(self):
+    def test_the_files_keep_their_permissions(self):
         for name in OLD_FILES:
             os.chmod(os.path.join(self.machine.data, name), 0o600)
         self.upgrade()
@@ -46,7 +46,7 @@ class SlashPaths(UpgradeTestCase):
             mode = stat.S_IMODE(os.stat(os.path.join(self.machine.data, name)).st_mode)
             self.assertEqual(oct(mode), "0o600", name)
 
-    def test_a_data_path_that_the_code_page_lacks_is_refused_before_anything_is_changed(self):
+    def test_a_data_path_outside_the_code_page_is_refused_before_any_change(self):
         folder = os.path.join(self.folder, "Łukasz")
         shutil.copytree(self.machine.data, folder)
         self.drop("Batch")
@@ -61,11 +61,11 @@ class SlashPaths(UpgradeTestCase):
 class Arguments(UnattendedTestCase):
     HELP = "The following command arguments can be defined:"
 
-    def test_a_word_after_a_path_argument_is_that_word(self):
+    def test_help_after_a_path_argument_is_not_taken_as_its_value(self):
         for arguments in (["/scriptfolder", "/help"], ["/sqldatapath", "-Help"]):
             self.assertIn(self.HELP, self.machine.run(*arguments))
 
-    def test_a_password_that_looks_like_an_argument_is_one(self):
+    def test_a_password_that_begins_like_an_argument_is_accepted(self):
         said = self.install("/installdb", user="slash", password="/p-w")
         self.assertNotIn("cannot show its window", said)
         self.assert_quiet()
@@ -73,7 +73,7 @@ class Arguments(UnattendedTestCase):
 
 
 class Text(UnattendedTestCase):
-    def test_a_password_whose_bytes_happen_to_be_utf8_arrives_as_it_was_typed(self):
+    def test_a_password_that_looks_like_misread_utf8_arrives_as_typed(self):
         for locale in ("C", "C.UTF-8", "de_DE.ISO-8859-1"):
             self.machine.environment.update(LANG=locale, LC_ALL=locale)
             if self.batch_exists():
@@ -82,7 +82,7 @@ class Text(UnattendedTestCase):
             self.assert_quiet()
             self.assertTrue(self.batch_exists(), locale)
 
-    def test_a_value_that_the_code_page_lacks_is_refused_by_name(self):
+    def test_an_argument_outside_the_code_page_is_refused_by_name(self):
         for argument, login in (("/user", {"user": "Łukasz"}), ("/password", {"password": "Łukasz"}),
                                 ("/password", {"password": b"p\xe4".decode(errors="surrogateescape")})):
             said = self.install("/installdb", "/installdts", **login)
@@ -95,8 +95,8 @@ class Text(UnattendedTestCase):
         self.assertEqual((self.packages(), self.machine.data_files()), ([], []))
 
 
-class HomeOfAnotherAlphabet(UnattendedTestCase):
-    """Everything of the machine but the server's data lies in a folder that code page 1252 cannot name."""
+class HomeOutsideTheCodePage(UnattendedTestCase):
+    """The machine is in a folder whose name has characters that code page 1252 lacks; the server's data are not."""
 
     def setUp(self):
         super().setUp()
@@ -117,7 +117,7 @@ class HomeOfAnotherAlphabet(UnattendedTestCase):
         self.assertEqual(self.server.ask("SELECT Value FROM LKConfig WHERE ParameterName = N'DatabaseVersion'",
                                          "Batch"), [("2",)])
 
-    def test_a_failure_is_logged_where_the_registry_says(self):
+    def test_a_failure_is_logged_in_the_folder_that_the_registry_names(self):
         os.remove(os.path.join(self.machine.scripts, "Insert_Default_Data.sql"))
         self.install("/installdb")
         self.assertEqual(self.machine.log_lines(), [OWN_LINE])
@@ -134,57 +134,57 @@ class RegistryFile(UnattendedTestCase):
         self.assertEqual(said.count("registry file"), 1, said)
 
     def run_upgrade(self):
-        # The log cannot be found without the registry, and lands in the root folder: no test writes there.
-        return self.machine.run("/upgradedb", "/scriptfolder", self.machine.scripts, preexec_fn=no_growing_files)
+        # Without the registry, the log would be written to the root folder. The limit prevents that.
+        return self.machine.run("/upgradedb", "/scriptfolder", self.machine.scripts, preexec_fn=forbid_file_writes)
 
-    def test_that_is_missing_is_named_once(self):
+    def test_a_missing_file_is_reported_once(self):
         os.remove(self.path)
         self.assert_one_line(self.run_upgrade(), ": it does not exist")
 
-    def test_that_cannot_be_read_is_named_once(self):
+    def test_an_unreadable_file_is_reported_once(self):
         os.remove(self.path)
         os.mkdir(self.path)
         self.assert_one_line(self.run_upgrade(), ": it is not a plain file")
 
-    def test_that_is_damaged_is_named_once_with_its_line(self):
+    def test_a_damaged_file_is_reported_once_with_the_line(self):
         with open(self.path, "w") as file:
             file.write("REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\A]\nnonsense\n")
         self.assert_one_line(self.run_upgrade(), ", line 4: neither a key nor a value nor a comment")
 
-    def test_that_is_damaged_does_not_end_a_run_whose_terminal_is_gone(self):
+    def test_a_damaged_file_does_not_end_a_run_whose_terminal_is_closed(self):
         with open(self.path, "w") as file:
             file.write("nonsense")
         reader, writer = os.pipe()
         os.close(reader)
         program = subprocess.Popen([self.machine.program, "/upgradedb", "/scriptfolder", self.machine.scripts],
                                    env=self.machine.environment, stdin=subprocess.DEVNULL, stderr=writer,
-                                   cwd=self.machine.install, preexec_fn=no_growing_files)
+                                   cwd=self.machine.install, preexec_fn=forbid_file_writes)
         os.close(writer)
         self.assertEqual(program.wait(120), 0)
 
 
-def no_growing_files():
+def forbid_file_writes():
     resource.setrlimit(resource.RLIMIT_FSIZE, (0, 0))
 
 
-def small_files():
+def limit_file_size():
     resource.setrlimit(resource.RLIMIT_FSIZE, (2048, 2048))
 
 
 class LimitedFiles(UnattendedTestCase):
-    """As after `ulimit -f`."""
+    """Runs as after `ulimit -f`."""
 
     def run_limited(self, *what):
-        return self.machine.run(*self.machine.install_arguments(self.server, *what), preexec_fn=small_files)
+        return self.machine.run(*self.machine.install_arguments(self.server, *what), preexec_fn=limit_file_size)
 
-    def test_a_script_that_does_not_fit_is_not_written_by_half_and_the_failure_is_logged(self):
+    def test_a_script_over_the_limit_is_not_written_in_part_and_the_failure_is_logged(self):
         said = self.run_limited("/installdb")
         self.assertIn("Ended.", said)
         self.assertEqual(self.machine.log_lines(), [OWN_LINE])
         self.assertEqual(self.machine.data_files(), [])
         self.assertFalse(self.batch_exists())
 
-    def test_a_log_without_room_for_a_line_has_no_half_of_it(self):
+    def test_a_log_line_over_the_limit_is_not_written_in_part(self):
         os.remove(os.path.join(self.machine.scripts, "Create_Batch_Database.sql"))
         log = os.path.join(self.machine.log_folder, "KVLSQLDbMgr.log")
         full = "2006-05-12 14:03:22 : Error in a\r\n" * 60

@@ -1,5 +1,5 @@
-# The unattended upgrade, run for real: a version 1 that was in use on a development server, the program's own command
-# line, and what stands on the server and on disk afterwards asked by clients that are not ours.
+# The unattended upgrade from end to end: runs the program against a development server with a version 1 database that has
+# been in use. Other clients then read what is on the server and on disk.
 #
 #   unattended_upgrade_test.py DEVSQLSERVER BIN_FOLDER [--wine] [TEST …]
 import os
@@ -27,8 +27,8 @@ UPGRADE_LINE = f" : Error in CUpgradeDbMgr::UpgradeDatabase('Batch', '{TEMPORARY
 
 
 class UpgradeTestCase(UnattendedTestCase):
-    """Each test begins with version 1, installed by the program and in use, and with version 2's scripts at hand. The
-    database is installed once for all tests of a class; each gets its files anew."""
+    """Each test starts with a version 1 database that has been in use, and with the scripts of version 2. The program
+    installs the database once for each class; each test gets a copy of its files."""
 
     @classmethod
     def setUpClass(cls):
@@ -57,7 +57,7 @@ class UpgradeTestCase(UnattendedTestCase):
         self.machine.set_scripts("v2")
 
     def attach_old_database(self):
-        # As the installation put it: the folder as its data path, the file behind a backslash.
+        # The paths have the form that the installation uses: the data path, a backslash, the file's name.
         folder = self.machine.native(self.machine.data).replace("/", "\\")
         self.server.ask(f"EXEC sp_attach_db N'Batch', N'{folder}\\{OLD_FILES[0]}', N'{folder}\\{OLD_FILES[1]}'")
 
@@ -79,11 +79,11 @@ class UpgradeTestCase(UnattendedTestCase):
         return self.server.ask("SELECT Value FROM LKConfig WHERE ParameterName = N'DatabaseVersion'", database)[0][0]
 
     def upgradable(self):
-        """The databases that an upgrade is about, by name, with their versions."""
+        """The versions of the two databases that an upgrade works on, by name, as far as they exist."""
         return {name: self.version(name) for name in self.databases() if name in ("Batch", TEMPORARY)}
 
     def files(self):
-        """What lies in the data folder; while a database is in use, the server has companions of its data file."""
+        """The names in the data folder, without the files that the server adds while a database is in use."""
         return sorted(name for name in os.listdir(self.machine.data) if not name.endswith(("-wal", "-shm")))
 
     def columns(self, table, database):
@@ -97,14 +97,14 @@ class UpgradeTestCase(UnattendedTestCase):
         self.assertEqual(contents(self.server, database), self.old)
 
     def write_over(self, name, old, new):
-        """Changes version 2's template."""
+        """Replaces a text in a template of version 2."""
         text = self.template(name)
         self.assertEqual(text.count(old), 1)
         self.machine.write_template(name, text.replace(old, new).replace("\n", "\r\n").encode("cp1252"))
 
 
 class Upgrade(UpgradeTestCase):
-    def test_version_1_goes_out_of_the_way_and_version_2_has_its_data(self):
+    def test_version_1_is_renamed_and_version_2_gets_its_data(self):
         self.assertEqual((self.upgradable(), self.files()), ({"Batch": "1"}, OLD_FILES))
         self.upgrade()
         self.assert_quiet()
@@ -121,14 +121,14 @@ class Upgrade(UpgradeTestCase):
                          self.rows("vBatchOverview", ["BatchName", "OrderNo", "CustomerName", "Cost"], TEMPORARY))
         self.assertEqual(self.packages(), sorted(PACKAGES))
 
-    def test_databases_are_called_and_lie_as_the_server_is_told(self):
+    def test_the_files_of_both_databases_are_named_after_them(self):
         self.upgrade()
         for database in ("Batch", TEMPORARY):
             files = [(row[0].strip(), os.path.basename(row[2].strip().replace("\\", "/")))
                      for row in self.server.ask("exec sp_helpfile", database)]
             self.assertEqual(files, [(f"{database}_data", f"{database}_data.mdf"), (f"{database}_log", f"{database}_log.ldf")])
 
-    def test_whoever_is_in_the_old_database_is_thrown_out(self):
+    def test_connections_to_the_old_database_are_ended(self):
         with self.server.connect("Batch") as held, held.cursor() as cursor:
             cursor.execute("SELECT COUNT(*) FROM dbo.Units")
             cursor.fetchall()
@@ -138,16 +138,16 @@ class Upgrade(UpgradeTestCase):
                 cursor.execute("SELECT COUNT(*) FROM dbo.Units")
         self.assert_quiet()
 
-    def test_a_second_run_puts_the_first_ones_result_aside(self):
+    def test_a_second_run_renames_the_result_of_the_first(self):
         self.upgrade()
         first = contents(self.server)
         self.upgrade()
         self.assertEqual(self.upgradable(), {"Batch": "2", TEMPORARY: "2"})
         self.assertEqual(contents(self.server, TEMPORARY), first)
-        self.assertEqual(self.machine.log_lines(), [UPGRADE_LINE])  # no version is upgraded to itself
+        self.assertEqual(self.machine.log_lines(), [UPGRADE_LINE])  # version 2 cannot be upgraded to version 2
         self.assertEqual(self.files(), OLD_FILES + TEMPORARY_FILES)
 
-    def test_without_packages_the_data_are_taken_over_all_the_same(self):
+    def test_data_are_taken_over_without_packages(self):
         for package in PACKAGES:
             os.remove(os.path.join(self.machine.scripts, package + ".dts"))
         self.upgrade()
@@ -155,24 +155,25 @@ class Upgrade(UpgradeTestCase):
         self.assertEqual(self.server.ask("SELECT COUNT(*) FROM Batches", "Batch"), [(4,)])
 
 
-class AtOnce(UpgradeTestCase):
-    """Two runs at a time. The second would delete what the first has put aside, the only copy of the old data."""
+class TwoUpgrades(UpgradeTestCase):
+    """Two runs at the same time. The second would delete the database that the first has renamed, the only copy of the
+    old data."""
 
     WAITING = "USE [master]\nWAITFOR DELAY '00:00:08'\nGO"
 
-    def start_and_wait_in_the_middle(self):
+    def start_and_wait_for_the_create_script(self):
         program = self.machine.start("/upgradedb", "/scriptfolder", self.machine.native(self.machine.scripts))
         self.addCleanup(program.kill)
         wait_for(lambda: "Create_Batch_Database.txt" in self.machine.data_files() or program.poll() is not None, 60)
         self.assertIsNone(program.poll())
         return program
 
-    def test_a_run_beside_another_one_changes_nothing_and_says_so(self):
+    def test_a_second_run_during_the_first_changes_nothing_and_reports_it(self):
         self.write_over("Create_Batch_Database", "USE [master]\nGO", self.WAITING)
-        first = self.start_and_wait_in_the_middle()
+        first = self.start_and_wait_for_the_create_script()
         self.assertEqual((self.upgradable(), self.files()), ({TEMPORARY: "1"}, TEMPORARY_FILES))
         said = self.upgrade()
-        self.assertIsNone(first.poll(), "the first run has ended too early for this test")
+        self.assertIsNone(first.poll(), "the first run ended before the second one")
         self.assertIn("Another upgrade is running. Nothing was changed.", said)
         self.assertEqual(self.machine.log_lines(), [OWN_LINE])
         self.assertEqual(first.wait(120), 0)
@@ -181,10 +182,10 @@ class AtOnce(UpgradeTestCase):
         self.assert_old_data_under(TEMPORARY)
         self.assertEqual(self.server.ask("SELECT COUNT(*) FROM Batches", "Batch"), [(4,)])
 
-    def test_a_run_that_was_killed_does_not_lock_out_the_next(self):
-        # The query tool outlives the program, and does nothing more.
+    def test_a_killed_run_does_not_lock_out_the_next(self):
+        # The query tool continues after the program was killed; this script makes it only wait.
         self.machine.write_template("Create_Batch_Database", self.WAITING.encode())
-        first = self.start_and_wait_in_the_middle()
+        first = self.start_and_wait_for_the_create_script()
         first.kill()
         first.wait(60)
         said = self.upgrade()
@@ -199,12 +200,12 @@ class Aborted(UpgradeTestCase):
         self.assertEqual((self.upgradable(), self.files()), ({"Batch": "1"}, OLD_FILES))
         self.assert_old_data_under("Batch")
 
-    def test_a_login_that_is_refused_changes_nothing(self):
+    def test_a_refused_login_changes_nothing(self):
         self.set_login((self.server.name, USER, "wrong"))
         self.upgrade()
         self.assert_untouched([INFO_LINE, OWN_LINE])
 
-    def test_a_machine_without_the_login_key_changes_nothing(self):
+    def test_a_missing_login_key_changes_nothing(self):
         self.set_login(None)
         self.upgrade()
         lines = self.machine.log_lines()
@@ -214,7 +215,7 @@ class Aborted(UpgradeTestCase):
             self.assertEqual(len([line for line in lines if "mRegistry::" in line and f"'{value}'" in line]), 2, lines)
         self.assert_untouched(lines)
 
-    def test_a_missing_template_leaves_the_old_data_under_the_temporary_name_and_a_second_run_leaves_them_there(self):
+    def test_a_missing_template_leaves_the_old_data_under_the_temporary_name_and_so_does_a_second_run(self):
         os.remove(os.path.join(self.machine.scripts, "Insert_Default_Data.sql"))
         self.upgrade()
         self.assertEqual(self.machine.log_lines(), [OWN_LINE])
@@ -241,21 +242,21 @@ class Aborted(UpgradeTestCase):
 
 
 class NotAborted(UpgradeTestCase):
-    """Failures that the run goes past."""
+    """Failures after which the run continues."""
 
-    def test_a_file_in_the_way_detaches_the_old_database_and_its_files_stay(self):
-        # A folder of that name: no copy replaces it.
+    def test_a_file_that_cannot_be_copied_leaves_the_old_database_detached_with_its_files(self):
+        # A folder with the name of the new file cannot be replaced by a copy.
         os.mkdir(os.path.join(self.machine.data, TEMPORARY_FILES[0]))
         self.upgrade()
         self.assertEqual(self.machine.log_lines(), [RENAME_LINE, UPGRADE_LINE])
         self.assertEqual(self.upgradable(), {})
         self.assertEqual(self.files(), OLD_FILES + TEMPORARY_FILES[:1])
-        # The create script does not write over them, and they can be attached by hand.
+        # The create script does not overwrite the old files, and they can be attached by hand.
         self.assertRegex(self.machine.output("Create_Batch_Database"), r"Msg \d+, Level 1[1-9]")
         self.attach_old_database()
         self.assert_old_data_under("Batch")
 
-    def test_a_file_of_the_temporary_name_is_copied_over(self):
+    def test_a_file_with_the_temporary_name_is_overwritten(self):
         with open(os.path.join(self.machine.data, TEMPORARY_FILES[0]), "w") as file:
             file.write("left from something else")
         self.upgrade()
@@ -274,9 +275,9 @@ class NotAborted(UpgradeTestCase):
         self.assert_old_data_under(TEMPORARY)
         self.assertEqual(self.server.ask("SELECT COUNT(*) FROM Batches", "Batch"), [(0,)])
 
-    # By design, and the one case in which old data are lost: nothing guards the only copy against the run that
-    # follows one which ended without taking them over.
-    def test_a_run_after_one_that_took_nothing_over_deletes_the_only_copy_of_the_old_data(self):
+    # This is intended, and the only case in which old data are lost: if a run did not take the data over, the next run
+    # deletes their only copy.
+    def test_a_run_after_one_that_took_no_data_over_deletes_the_only_copy_of_the_old_data(self):
         self.break_procedure()
         self.upgrade()
         self.assert_old_data_under(TEMPORARY)
@@ -286,8 +287,8 @@ class NotAborted(UpgradeTestCase):
             self.assertEqual(self.server.ask("SELECT COUNT(*) FROM Batches", database), [(0,)])
         self.assertEqual(self.files(), OLD_FILES + TEMPORARY_FILES)
 
-    def test_a_published_database_is_renamed_but_stays_where_it_is_and_no_new_one_is_made(self):
-        # The server detaches no database that is published, and its files keep the names that the new one's would have.
+    def test_a_published_database_is_renamed_but_its_files_are_not_and_no_new_one_is_created(self):
+        # The server does not detach a published database, so its files keep the names that the new database needs.
         self.server.ask(f"EXEC sp_adddistributor @distributor = N'{self.server.name}' "
                         "EXEC sp_adddistributiondb @database = N'distribution' "
                         f"EXEC sp_adddistpublisher @publisher = N'{self.server.name}', @distribution_db = N'distribution'")

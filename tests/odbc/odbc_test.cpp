@@ -157,7 +157,7 @@ class OdbcStatement : public Odbc {
     Connection connection_{environment_};
 };
 
-TEST_F(OdbcStatement, RowsComeInBlocksAndABlockThatIsNotFullIsTheLast) {
+TEST_F(OdbcStatement, RowsAreFetchedInBlocksUntilOneIsNotFull) {
     Statement statement = Run({{.rows = 1300}});
     std::vector<Value> row;
     std::size_t rows = 0;
@@ -174,7 +174,7 @@ TEST_F(OdbcStatement, RowsComeInBlocksAndABlockThatIsNotFullIsTheLast) {
     EXPECT_EQ(Counting().fetches, 3U); // 512, 512, 276
 }
 
-TEST_F(OdbcStatement, AFullLastBlockIsFollowedByOneEmptyFetch) {
+TEST_F(OdbcStatement, AfterAFullLastBlockThereIsOneEmptyFetch) {
     Statement statement = Run({{.rows = 512}});
     RowReader reader(statement);
     std::vector<Value> row;
@@ -206,7 +206,7 @@ TEST_F(OdbcStatement, AnEmptyLongColumnIsAnEmptyText) {
     EXPECT_EQ(std::get<std::string>(row[2]), "");
 }
 
-TEST_F(OdbcStatement, MessagesOfSuccessWaitToBeTaken) {
+TEST_F(OdbcStatement, MessagesOfSuccessfulCallsAreKeptUntilTheyAreTaken) {
     Statement statement = Run({{.columns = false, .records = {{.state = "01000", .message = "one"}}},
                                {.columns = false, .records = {{.state = "01000", .message = "two"}}}});
     EXPECT_TRUE(statement.MoreResults());
@@ -258,18 +258,18 @@ TEST_F(OdbcFailure, EveryRecordIsKeptInOrderWithAllItsFields) {
     EXPECT_FALSE(lost_);
 }
 
-TEST_F(OdbcFailure, AMessageLongerThanTheBufferComesWhole) {
+TEST_F(OdbcFailure, AMessageLongerThanTheBufferIsReadCompletely) {
     const std::string text(5000, '\xE4');
     EXPECT_EQ(Fail({{.message = text}}).front().message, text);
 }
 
-TEST_F(OdbcFailure, ADriverWithoutASeverityFieldGivesTheSeverityAsTheState) {
+TEST_F(OdbcFailure, WithoutASeverityFieldTheStateFieldHasTheSeverity) {
     const auto records = Fail({{.state = "42000", .native = 50000, .server_state = 14}});
     EXPECT_EQ(records.front().severity, 14);
     EXPECT_FALSE(records.front().state.has_value());
 }
 
-TEST_F(OdbcFailure, ARecordOfTheMessageClassAloneIsTheError) {
+TEST_F(OdbcFailure, AFailedCallWithOnlyAMessageReportsItAsTheError) {
     EXPECT_TRUE(Fail({{.state = "01000", .message = "Can't open lib"}}).front().error);
 }
 
@@ -280,16 +280,16 @@ TEST_F(OdbcFailure, AFailureWithoutARecordNamesItsFunction) {
     EXPECT_NE(records.front().message.find("SQLExecDirect"), std::string::npos);
 }
 
-/// A number with which FreeTDS reports a broken connection.
+/// An error number of FreeTDS for a broken connection.
 class OdbcLostByNumber : public OdbcFailure, public ::testing::WithParamInterface<std::int32_t> {};
 
-TEST_P(OdbcLostByNumber, IsAnErrorAlsoWhereTheDriverCallsItSuccess) {
+TEST_P(OdbcLostByNumber, IsAnErrorEvenIfTheDriverReturnsSuccess) {
     const OdbcRecord died = {
         .state = "01000", .native = GetParam(), .message = "gone", .line = 0xFFFF, .severity = 9};
     Statement statement = Run({{.columns = false}, {.columns = false, .records = {died}}});
     try {
         statement.MoreResults();
-        FAIL() << "went on";
+        FAIL() << "did not fail";
     } catch (const OdbcError& error) {
         EXPECT_TRUE(error.ConnectionLost());
         EXPECT_EQ(error.Diagnostics().front().sql_state, "08S01");
@@ -330,7 +330,7 @@ TEST_F(Odbc, AConnectionIsAskedWhetherItIsDead) {
     EXPECT_TRUE(connection.Dead());
 }
 
-TEST_F(Odbc, TextGoesToTheDriverAndComesBackInCodePage1252) {
+TEST_F(Odbc, TextIsSentAndReturnedInCodePage1252) {
     Counting().results = {{.columns = false}};
     Environment environment;
     Connection connection(environment);
@@ -382,7 +382,7 @@ INSTANTIATE_TEST_SUITE_P(
                       OriginCase{"[unixODBC][Driver Manager]Can't open lib", "Can't open lib"},
                       OriginCase{"plain", "plain"}, OriginCase{"", ""}, OriginCase{"[open", "[open"}));
 
-TEST(CodePage, EveryByteComesBack) {
+TEST(CodePage, EveryByteRoundTrips) {
     std::string bytes;
     for (int i = 0; i < 256; ++i) {
         bytes += static_cast<char>(i);
@@ -391,7 +391,7 @@ TEST(CodePage, EveryByteComesBack) {
     EXPECT_EQ(text::Widen("\x80\x9F\xE4"), u"\u20AC\u0178\u00E4");
 }
 
-TEST(CodePage, ACharacterThatTheCodePageLacksIsOneQuestionMark) {
+TEST(CodePage, ACharacterOutsideTheCodePageBecomesOneQuestionMark) {
     EXPECT_EQ(text::Narrow(u"a\u0416\U0001F600b\u0080"), "a??b?");
 }
 

@@ -1,6 +1,6 @@
-// The ODBC layer through the real driver manager and driver, against the development server's protocol with a
-// language of the tests: what arrives, in which order, and what an error, a time-out and a dying server
-// leave.
+// The ODBC layer with the real driver manager and driver, against the development server's protocol with a
+// fake engine: the results and their order, and the state after an error, a time-out and the death of the
+// server.
 #include "odbc/odbc.h"
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ using devsql::TypeId;
 using devsql::fakes::FakeSession;
 using devsql::fakes::RunningServer;
 
-/// What a busy machine may take at the very most for something that is over at once.
+/// The limit for something that ends at once on an idle machine.
 constexpr std::chrono::seconds kLongest{60};
 
 using Answers = std::map<std::string, std::function<void(FakeSession&, ResultSink&)>>;
@@ -51,7 +51,7 @@ void SendRows(ResultSink& sink, int count) {
 
 class OdbcWire : public ::testing::Test {
   protected:
-    // Before the first handle: unixODBC looks the folder up once.
+    // To be set before the first handle: unixODBC reads the folder once.
     static void SetUpTestSuite() { setenv("ODBCSYSINI", KV_ODBC_CONFIG, 1); }
 
     OdbcWire() {
@@ -81,7 +81,7 @@ class OdbcWire : public ::testing::Test {
         return statement;
     }
 
-    /// Everything that a batch gives, in words: "rows 3 | error 208 | message text".
+    /// All results of a batch as text: "rows 3 | error 208 | message text".
     std::string Story(const std::string& sql) {
         Statement statement = Ready();
         std::string story;
@@ -164,10 +164,10 @@ TEST_F(OdbcWire, ResultsAfterAnErrorOfTheFirstStatementAreKept) {
         Print(sink, "end");
     };
     EXPECT_EQ(Story("x"), "error 2627 | rows 3 | error 208 | message end | ");
-    EXPECT_EQ(server_.engine.script.cancels, 0) << "the rest of the batch was cut off on the server";
+    EXPECT_EQ(server_.engine.script.cancels, 0) << "the rest of the batch was cancelled on the server";
 }
 
-TEST_F(OdbcWire, AServersErrorOfClass08IsNoLostConnection) {
+TEST_F(OdbcWire, AnErrorOfTheServerWithClass08IsNotALostConnection) {
     Connect();
     answers_["x"] = [](FakeSession&, ResultSink& sink) {
         SendRows(sink, 1);
@@ -183,7 +183,8 @@ TEST_F(OdbcWire, AServersErrorOfClass08IsNoLostConnection) {
         statement.ExecDirect("first");
         FAIL() << "did not fail";
     } catch (const OdbcError& error) {
-        EXPECT_EQ(error.Diagnostics().front().sql_state, "08004") << "the driver has mended its table";
+        EXPECT_EQ(error.Diagnostics().front().sql_state, "08004")
+            << "the driver has changed its table of states";
         EXPECT_FALSE(error.ConnectionLost());
     }
 }
@@ -202,7 +203,7 @@ TEST_P(MessagesAfterRows, AreKeptWhereverABlockEnds) {
 
 INSTANTIATE_TEST_SUITE_P(Rows, MessagesAfterRows, ::testing::Values(0, 1, 511, 512, 513, 1024));
 
-TEST_F(OdbcWire, WhatGivesNothingIsSuccess) {
+TEST_F(OdbcWire, AStatementWithoutAResultSucceeds) {
     Connect();
     answers_["ddl"] = [](FakeSession&, ResultSink& sink) {
         sink.StatementDone(Command::None, std::nullopt, false);
@@ -242,7 +243,7 @@ TEST_F(OdbcWire, EveryByteOfTheCodePageArrivesBothWays) {
     };
     const std::vector<Value> row = OneRow(text);
     EXPECT_EQ(std::get<std::string>(row[1]), text);
-    // The five bytes that the code page leaves open have no character in the server's single-byte types.
+    // The five undefined bytes of the code page have no character in the server's single-byte types.
     std::string closed;
     for (const char c : text) {
         const bool open = std::string_view("\x81\x8D\x8F\x90\x9D").find(c) != std::string_view::npos;
@@ -255,7 +256,7 @@ TEST_F(OdbcWire, EveryByteOfTheCodePageArrivesBothWays) {
     EXPECT_EQ(varchar, closed);
 }
 
-TEST_F(OdbcWire, AStatementWithANulByteIsRefusedNotCut) {
+TEST_F(OdbcWire, AStatementWithANulByteIsRefused) {
     Connect();
     Statement statement(connection_);
     const std::string sql("DELETE a\0 WHERE id = 1", 22);
@@ -305,7 +306,7 @@ TEST_F(OdbcWire, EveryTypeOfColumnIsRead) {
     EXPECT_EQ(row[12], Value());
 }
 
-TEST_F(OdbcWire, LongColumnsComeWholeAndTheColumnsAfterThemToo) {
+TEST_F(OdbcWire, LongColumnsAndTheColumnsAfterThemAreReadCompletely) {
     Connect();
     const std::string text(200001, 'x');
     answers_["x"] = [&](FakeSession&, ResultSink& sink) {
@@ -322,7 +323,7 @@ TEST_F(OdbcWire, LongColumnsComeWholeAndTheColumnsAfterThemToo) {
     EXPECT_EQ(row[3], Value(std::int64_t{2}));
 }
 
-TEST_F(OdbcWire, ParametersArriveAsWhatTheyAre) {
+TEST_F(OdbcWire, ParametersArriveWithTheirTypes) {
     Connect();
     std::vector<devsql::Value> seen;
     server_.engine.script.on_call = [&](FakeSession&, const RpcCall& call, ResultSink&) {
@@ -354,7 +355,7 @@ TEST_F(OdbcWire, ParametersArriveAsWhatTheyAre) {
     EXPECT_EQ(seen[5], devsql::Value(devsql::DateTime{36524, 300}));
 }
 
-TEST_F(OdbcWire, OutputParametersAreThereWhenAllResultsHaveBeenTaken) {
+TEST_F(OdbcWire, OutputParametersHaveValuesAfterTheLastResult) {
     Connect();
     server_.engine.script.on_call = [&](FakeSession&, const RpcCall& call, ResultSink& sink) {
         SendRows(sink, 2);
@@ -386,7 +387,7 @@ TEST_F(OdbcWire, OutputParametersAreThereWhenAllResultsHaveBeenTaken) {
     EXPECT_EQ(statement.ParameterValue(3), Value(std::int64_t{42}));
 }
 
-TEST_F(OdbcWire, ATimeOutEndsTheStatementAndLeavesTheConnection) {
+TEST_F(OdbcWire, ATimeOutEndsTheStatementButNotTheConnection) {
     Connect();
     answers_["wait"] = [](FakeSession& session, ResultSink&) { session.WaitForCancel(); };
     answers_["x"] = [](FakeSession&, ResultSink& sink) { SendRows(sink, 1); };
@@ -405,7 +406,7 @@ TEST_F(OdbcWire, ATimeOutEndsTheStatementAndLeavesTheConnection) {
     EXPECT_EQ(Story("x"), "rows 1 | ");
 }
 
-TEST_F(OdbcWire, AServerThatDoesNotAnswerTheCancellingEitherIsLost) {
+TEST_F(OdbcWire, TheConnectionIsLostIfTheServerDoesNotAnswerTheCancel) {
     Connect();
     std::promise<void> over;
     answers_["stuck"] = [done = over.get_future().share()](FakeSession&, ResultSink&) {
@@ -423,26 +424,26 @@ TEST_F(OdbcWire, AServerThatDoesNotAnswerTheCancellingEitherIsLost) {
     }
     EXPECT_TRUE(connection_.Dead());
     over.set_value();
-    server_.Stop(); // it still runs the batch, which is the test's own
+    server_.Stop(); // waits for the batch, which uses variables of this test
 }
 
-TEST_F(OdbcWire, AWrongPasswordIsToldByItsNumber) {
+TEST_F(OdbcWire, AWrongPasswordHasItsErrorNumber) {
     try {
         connection_.DriverConnect(Target("wrong"), 10);
-        FAIL() << "was let in";
+        FAIL() << "the connection was opened";
     } catch (const OdbcError& error) {
         EXPECT_EQ(error.Diagnostics().front().native_error, 18456);
         EXPECT_EQ(WithoutOrigin(error.Diagnostics().front().message), "Login failed for user 'sa'.");
     }
 }
 
-TEST_F(OdbcWire, ALoginThatIsNotAnsweredEndsWithItsTimeOut) {
+TEST_F(OdbcWire, AnUnansweredLoginTimesOut) {
     std::promise<void> given_up;
     server_.engine.script.on_login = [done = given_up.get_future().share()] { done.wait_for(kLongest); };
     const auto begin = std::chrono::steady_clock::now();
     try {
         connection_.DriverConnect(Target(), 1);
-        ADD_FAILURE() << "was let in";
+        ADD_FAILURE() << "the connection was opened";
     } catch (const OdbcError& error) {
         EXPECT_EQ(error.Diagnostics().front().sql_state, "HYT00");
     }
@@ -450,16 +451,16 @@ TEST_F(OdbcWire, ALoginThatIsNotAnsweredEndsWithItsTimeOut) {
     given_up.set_value();
 }
 
-TEST_F(OdbcWire, NobodyAtThePortIsAFailureOfClass08) {
+TEST_F(OdbcWire, APortWithoutAServerIsAnErrorOfClass08) {
     try {
         connection_.DriverConnect("Driver={SQL Server};Server=127.0.0.1,1;Uid=sa;Pwd=x;", 10);
-        FAIL() << "was let in";
+        FAIL() << "the connection was opened";
     } catch (const OdbcError& error) {
         EXPECT_TRUE(error.ConnectionLost());
     }
 }
 
-/// A server that goes while it runs a batch. It ends its connections from a thread of its own.
+/// A server that stops while it runs a batch.
 class OdbcDyingServer : public OdbcWire {
   protected:
     std::string Dying(const std::function<void(ResultSink&)>& before) {
@@ -480,12 +481,12 @@ class OdbcDyingServer : public OdbcWire {
     }
 };
 
-TEST_F(OdbcDyingServer, BeforeItAnswersIsALostConnection) {
+TEST_F(OdbcDyingServer, BeforeTheAnswerIsALostConnection) {
     EXPECT_EQ(Dying([](ResultSink&) {}), "error 20017 | lost");
     EXPECT_TRUE(connection_.Dead());
 }
 
-TEST_F(OdbcDyingServer, AmidRowsIsALostConnection) {
+TEST_F(OdbcDyingServer, WithinRowsIsALostConnection) {
     const std::string story = Dying([](ResultSink& sink) {
         sink.Columns({{"id", {TypeId::Int}}});
         for (std::int64_t i = 0; i < 50000; ++i) {

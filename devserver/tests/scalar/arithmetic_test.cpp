@@ -56,7 +56,7 @@ TEST(Integers, OverflowAndDivisionByZeroAreErrors) {
     ExpectAll(cases);
 }
 
-TEST(Bits, AreCombined) {
+TEST(BitOperators, CombineBits) {
     const Case cases[] = {
         {Whole(12), BitAnd, Whole(10), "int 8"},
         {Whole(12), BitOr, Whole(10), "int 14"},
@@ -85,7 +85,7 @@ TEST(Decimals, KeepTheirDigits) {
     ExpectAll(cases);
 }
 
-TEST(MoneyAmounts, CutTheirQuotientsAndRoundTheirProducts) {
+TEST(Money, CutsQuotientsAndRoundsProducts) {
     const Case cases[] = {
         {As("100", kMoney), Divide, As("339", kMoney), "money 0.29"},
         {As("10.5", kMoney), Multiply, Num("2"), "money 21.00"},
@@ -114,7 +114,7 @@ TEST(Floats, ComputeAndOverflow) {
     ExpectAll(cases);
 }
 
-TEST(Dates, AreMovedByDays) {
+TEST(Dates, AreShiftedByDays) {
     const Case cases[] = {
         {Date("2001-02-28"), Add, Num("1"), "datetime 2001-03-01 00:00:00.000"},
         {Date("2001-02-28"), Subtract, Num("0.5"), "datetime 2001-02-27 12:00:00.000"},
@@ -143,7 +143,7 @@ TEST(Texts, AreJoined) {
     EXPECT_EQ(std::get<std::string>(joined).size(), 8000U) << "varchar ends at 8000 bytes";
 }
 
-TEST(Null, MakesEveryResultNull) {
+TEST(Operators, WithNullReturnNull) {
     const Case cases[] = {
         {Null(), Add, Num("1"), "int NULL"},
         {Text("a"), Add, Null(), "varchar(2) NULL"},
@@ -159,7 +159,7 @@ std::string Unary(UnaryOperator op, const Typed& operand) {
     });
 }
 
-TEST(UnaryOperators, TurnSignsAndBits) {
+TEST(UnaryOperators, InvertSignsAndBits) {
     EXPECT_EQ(Unary(UnaryOperator::Minus, Num("5")), "int -5");
     EXPECT_EQ(Unary(UnaryOperator::Minus, Num("1.50")), "numeric(3,2) -1.50");
     EXPECT_EQ(Unary(UnaryOperator::Minus, Whole(5, TypeId::TinyInt)), "smallint -5");
@@ -179,15 +179,15 @@ SumAccumulator SumOf(const Type& type, std::initializer_list<Value> values) {
     return sum;
 }
 
-TEST(Sums, AndAveragesLeaveNullOut) {
+TEST(Sums, AndAveragesIgnoreNull) {
     const Type integer = Simple(TypeId::Int);
     const SumAccumulator sum = SumOf(integer, {std::int64_t{1}, Value(), std::int64_t{2}, std::int64_t{4}});
     EXPECT_EQ(sum.Sum(), Value(std::int64_t{7}));
-    EXPECT_EQ(sum.Average(), Value(std::int64_t{2})) << "whole numbers have a whole average";
+    EXPECT_EQ(sum.Average(), Value(std::int64_t{2})) << "the average of integers is an integer";
     EXPECT_EQ(sum.Count(), 3);
 }
 
-TEST(Sums, OfNothingAreNull) {
+TEST(Sums, OfNoValuesAreNull) {
     const SumAccumulator sum = SumOf(Simple(TypeId::Int), {Value()});
     EXPECT_TRUE(IsNull(sum.Sum()));
     EXPECT_TRUE(IsNull(sum.Average()));

@@ -41,7 +41,7 @@ void ExpectAll(std::span<const Case> cases) {
     }
 }
 
-TEST(ToIntegers, TextIsRead) {
+TEST(ToIntegers, FromText) {
     const Case cases[] = {
         {Text("42"), kInt, "42"},
         {Text("  -42 "), kInt, "-42"},
@@ -74,7 +74,7 @@ TEST(ToIntegers, TextIsRead) {
     ExpectAll(cases);
 }
 
-TEST(ToIntegers, NumbersAreCutOrRounded) {
+TEST(ToIntegers, FromNumbersCutsOrRounds) {
     const Case cases[] = {
         {Num("1.9"), kInt, "1"},
         {As("-1.9", DecimalType(5, 1)), kInt, "-1"},
@@ -115,7 +115,7 @@ TEST(ToDecimals, RoundAndOverflow) {
     ExpectAll(cases);
 }
 
-TEST(ToMoney, TakesCurrencySignsAndCommas) {
+TEST(ToMoney, AcceptsCurrencySignsAndCommas) {
     const Case cases[] = {
         {Text("$1,234.56789"), kMoney, "1234.5679", 2},
         {Text("-£5"), kMoney, "-5.00"},
@@ -140,7 +140,7 @@ TEST(ToMoney, TakesCurrencySignsAndCommas) {
     }
 }
 
-TEST(ToFloats, TextMayHaveAnExponent) {
+TEST(ToFloats, AcceptsAnExponent) {
     const Case cases[] = {
         {Text("1.5e3"), kFloat, "1500"},
         {Text(" +.5 "), kFloat, "0.5"},
@@ -155,7 +155,7 @@ TEST(ToFloats, TextMayHaveAnExponent) {
     ExpectAll(cases);
 }
 
-TEST(ToText, NumbersAreWritten) {
+TEST(ToText, FormatsNumbers) {
     const Case cases[] = {
         {Whole(-5), VarChar(10), "-5"},
         {Num("0.50"), VarChar(10), "0.50"},
@@ -176,7 +176,7 @@ TEST(ToText, NumbersAreWritten) {
     ExpectAll(cases);
 }
 
-TEST(ToText, WhatDoesNotFitIsCutOrRefused) {
+TEST(ToText, CutsOrRefusesALongResult) {
     const Case cases[] = {
         {Text("abcdef"), VarChar(3), "abc"},
         {Text("ab"), Sized(TypeId::Char, 4), "ab  "},
@@ -199,7 +199,7 @@ TEST(ToText, WhatDoesNotFitIsCutOrRefused) {
     ExpectAll(cases);
 }
 
-TEST(ToBinary, NumbersKeepTheirLowestBytes) {
+TEST(ToBinary, KeepsTheLowestBytesOfNumbers) {
     const Case cases[] = {
         {Whole(258), VarBinary(30), "0x00000102"},
         {Whole(258), VarBinary(1), "0x02"},
@@ -211,7 +211,7 @@ TEST(ToBinary, NumbersKeepTheirLowestBytes) {
     ExpectAll(cases);
 }
 
-TEST(ToBinary, NumbersWithAFractionAreRefused) {
+TEST(ToBinary, RefusesNumbersWithAFraction) {
     const Case cases[] = {
         {Num("1.5"), VarBinary(30),
          "529 Explicit conversion from data type numeric to varbinary is not allowed."},
@@ -225,7 +225,7 @@ TEST(ToBinary, NumbersWithAFractionAreRefused) {
     ExpectAll(cases);
 }
 
-TEST(ToBinary, TextAndBytesKeepTheirFirst) {
+TEST(ToBinary, KeepsTheFirstBytesOfTextAndBinary) {
     const Case cases[] = {
         {Text("AB"), VarBinary(30), "0x4142"},
         {NText("AB"), VarBinary(30), "0x41004200"},
@@ -241,7 +241,7 @@ TEST(ToBinary, TextAndBytesKeepTheirFirst) {
     ExpectAll(cases);
 }
 
-TEST(FromBinary, ComesBackWhatWentIn) {
+TEST(FromBinary, ReturnsTheOriginalValue) {
     const Typed values[] = {Whole(-5),
                             Whole(-5, TypeId::SmallInt),
                             Whole(5, TypeId::TinyInt),
@@ -256,7 +256,7 @@ TEST(FromBinary, ComesBackWhatWentIn) {
     }
 }
 
-TEST(FromBinary, MayBeShorterOrLonger) {
+TEST(FromBinary, AcceptsShorterAndLongerData) {
     const Case cases[] = {
         {Hex("0x01"), kInt, "1"},
         {Hex("0xFFFFFFFFFF"), kInt, "-1"},
@@ -271,7 +271,7 @@ TEST(FromBinary, MayBeShorterOrLonger) {
     ExpectAll(cases);
 }
 
-TEST(UniqueIdentifiers, AreReadInTheirForms) {
+TEST(UniqueIdentifiers, AreReadInAllForms) {
     const Case cases[] = {
         {Text("6f9619ff-8b86-d011-b42d-00c04fc964ff"), VarChar(36), "6F9619FF-8B86-D011-B42D-00C04FC964FF"},
         {Text("{6F9619FF-8B86-D011-B42D-00C04FC964FF}"), VarChar(36), "6F9619FF-8B86-D011-B42D-00C04FC964FF"},
@@ -288,7 +288,7 @@ TEST(UniqueIdentifiers, AreReadInTheirForms) {
     }
 }
 
-TEST(Conversions, ThatDoNotExistAreRefusedEvenForNull) {
+TEST(Conversions, BetweenUnrelatedTypesAreRefusedEvenForNull) {
     EXPECT_EQ(Converted(NullOf(kInt), kGuid),
               "529 Explicit conversion from data type int to uniqueidentifier is not allowed.");
     EXPECT_EQ(Converted(Null(), kGuid), "NULL");
@@ -296,7 +296,7 @@ TEST(Conversions, ThatDoNotExistAreRefusedEvenForNull) {
               "529 Explicit conversion from data type int to text is not allowed.");
 }
 
-TEST(TryConversions, GiveNullInsteadOfTheErrorsOfValues) {
+TEST(TryConversions, ReturnNullInsteadOfTheErrorsOfValues) {
     EXPECT_TRUE(IsNull(TryConvert(Value("x"), VarChar(1), kInt)));
     EXPECT_EQ(TryConvert(Value("5"), VarChar(1), kInt), Value(std::int64_t{5}));
     EXPECT_EQ(ErrorOf([] { TryConvert(Value(std::int64_t{1}), kInt, kGuid); }), 529);
@@ -308,7 +308,7 @@ std::string Assigned(const Typed& from, const Type& to) {
 
 TEST(Assignments, RefuseToLoseText) {
     EXPECT_EQ(Assigned(Text("abcd"), VarChar(3)), "8152 String or binary data would be truncated.");
-    EXPECT_EQ(Assigned(Text("abc   "), VarChar(3)), "abc") << "blanks at the end are no loss";
+    EXPECT_EQ(Assigned(Text("abc   "), VarChar(3)), "abc") << "trailing blanks may be lost";
     EXPECT_EQ(Assigned(Text("ab"), Sized(TypeId::Char, 3)), "ab ");
     EXPECT_EQ(Assigned(NText("äöüx"), VarChar(3)), "8152 String or binary data would be truncated.");
     EXPECT_EQ(Assigned(Hex("0x010203"), VarBinary(2)), "8152 String or binary data would be truncated.");
@@ -316,7 +316,7 @@ TEST(Assignments, RefuseToLoseText) {
     EXPECT_EQ(Assigned(Text("abcd"), Simple(TypeId::Text)), "abcd");
 }
 
-TEST(Assignments, TakeImplicitConversionsOnly) {
+TEST(Assignments, AllowOnlyImplicitConversions) {
     EXPECT_EQ(Assigned(Text("5"), kInt), "5");
     EXPECT_EQ(Assigned(Text("a"), VarBinary(5)), "257 Implicit conversion from data type varchar to "
                                                  "varbinary is not allowed. Use the CONVERT function to "
@@ -343,7 +343,7 @@ std::string NumberLiteral(std::string_view text) {
     });
 }
 
-TEST(Literals, OfNumbersHaveTheTypeTheyNeed) {
+TEST(Literals, OfNumbersHaveTheSmallestSuitableType) {
     EXPECT_EQ(NumberLiteral("42"), "int 42");
     EXPECT_EQ(NumberLiteral("0"), "int 0");
     EXPECT_EQ(NumberLiteral("007"), "int 7");
@@ -364,7 +364,7 @@ TEST(Literals, OfNumbersHaveTheTypeTheyNeed) {
     EXPECT_EQ(ParseNumberLiteral("123").type, IntLiteralType(3));
 }
 
-TEST(Literals, OfMoneyBinaryAndText) {
+TEST(Literals, OfMoneyBinaryAndTextHaveTheirTypes) {
     EXPECT_EQ(ParseMoneyLiteral("$1.5").value, Value(Decimal{15000, 4}));
     EXPECT_EQ(ParseMoneyLiteral("$").value, Value(Decimal{0, 4}));
     EXPECT_EQ(ErrorOf([] { ParseMoneyLiteral("$99999999999999999"); }), 151);

@@ -1,4 +1,4 @@
-// Reading, writing and reckoning with dates.
+// Reading, formatting and calculating with dates.
 #include <gtest/gtest.h>
 
 #include "devserver/tests/scalar/typed.h"
@@ -60,7 +60,7 @@ TEST(DateTexts, AreReadInAllForms) {
     }
 }
 
-TEST(DateTexts, RoundMillisecondsToTheThirdOfAHundredth) {
+TEST(DateTexts, RoundToA300thOfASecond) {
     const ReadingCase cases[] = {
         {"2001-02-03 00:00:00.001", "2001-02-03 00:00:00.000"},
         {"2001-02-03 00:00:00.002", "2001-02-03 00:00:00.003"},
@@ -75,7 +75,7 @@ TEST(DateTexts, RoundMillisecondsToTheThirdOfAHundredth) {
     }
 }
 
-TEST(DateTexts, ThatAreNoneAreErrors) {
+TEST(DateTexts, ThatAreNotDatesAreErrors) {
     for (const std::string_view text :
          {"yesterday", "2001-02", "Feb", "Feb 3", "2001-02-03 04:05:06.0071", "1/2/3/4", "2001-02-03 x",
           "1,2,2001", "123", "12345", "2001-02/03", "123456789", "2001-02-03T", "Mai 3 2001"}) {
@@ -83,7 +83,7 @@ TEST(DateTexts, ThatAreNoneAreErrors) {
     }
 }
 
-TEST(DateTexts, OfDaysThatDontExistAreErrors) {
+TEST(DateTexts, OfMissingDaysAreErrors) {
     for (const std::string_view text :
          {"2001-02-29", "2001-13-01", "20010230", "1752-12-31", "13/13/2001", "2001-02-03 24:00",
           "2001-02-03 12:60", "0000-01-01", "9999-12-31 23:59:59.999"}) {
@@ -121,7 +121,7 @@ struct StyleCase {
     std::string_view expected;
 };
 
-TEST(DateStyles, AreWrittenAsConvertWritesThem) {
+TEST(DateStyles, FormatDates) {
     const Typed date = Date("2001-02-03 04:05:06.007");
     const StyleCase cases[] = {
         {0, "Feb  3 2001  4:05AM"},
@@ -167,14 +167,14 @@ TEST(DateStyles, AreWrittenAsConvertWritesThem) {
     }
 }
 
-TEST(DateStyles, TellMorningFromAfternoon) {
+TEST(DateStyles, DistinguishMorningFromAfternoon) {
     const Type text = Sized(TypeId::VarChar, 40);
     EXPECT_EQ(Converted(Date("2001-12-13 00:00"), text), "Dec 13 2001 12:00AM");
     EXPECT_EQ(Converted(Date("2001-12-13 12:00"), text), "Dec 13 2001 12:00PM");
     EXPECT_EQ(Converted(Date("2001-12-13 23:59"), text), "Dec 13 2001 11:59PM");
     EXPECT_EQ(Converted(Date("2001-12-13 00:00"), text, 126), "2001-12-13T00:00:00");
     EXPECT_EQ(Converted(Date("2001-12-13"), Sized(TypeId::VarChar, 11)), "Dec 13 2001")
-        << "dates are cut silently";
+        << "a date is cut without an error";
 }
 
 TEST(DateNumbers, CountDaysSince1900) {
@@ -188,7 +188,7 @@ TEST(DateNumbers, CountDaysSince1900) {
     EXPECT_EQ(Converted(Date("2000-01-01 12:00"), Simple(TypeId::Float)), "36524.5");
 }
 
-TEST(Calendar, GoesThereAndBack) {
+TEST(Calendar, ConvertsInBothDirections) {
     EXPECT_EQ(DaysFromCivil(1753, 1, 1), kFirstDay);
     EXPECT_EQ(DaysFromCivil(9999, 12, 31), kLastDay);
     EXPECT_EQ(DaysFromCivil(2079, 6, 6), kLastSmallDay);
@@ -225,7 +225,7 @@ struct PartCase {
     int expected;
 };
 
-TEST(DateParts, AreTakenByNameAndAbbreviation) {
+TEST(DateParts, HaveNamesAndAbbreviations) {
     const DateTime date = std::get<DateTime>(Date("2001-02-03 04:05:06.007").value);
     const PartCase cases[] = {{"year", 2001}, {"yy", 2001}, {"QQ", 1}, {"month", 2}, {"m", 2},
                               {"dy", 34},     {"dd", 3},    {"wk", 5}, {"dw", 7},    {"hour", 4},
@@ -239,7 +239,7 @@ TEST(DateParts, AreTakenByNameAndAbbreviation) {
     EXPECT_FALSE(FindDatePart("fortnight"));
 }
 
-TEST(DateParts, WeeksOfTheYearBeginOnSunday) {
+TEST(DateParts, WeeksBeginOnSunday) {
     const auto week = [](std::string_view text) {
         return GetDatePart(DatePart::Week, std::get<DateTime>(Date(text).value));
     };

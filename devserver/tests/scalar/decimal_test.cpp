@@ -26,7 +26,7 @@ TEST(Decimals, AreReadAndWritten) {
     EXPECT_EQ(DecimalText(D("007")), "7");
 }
 
-TEST(Decimals, RefuseWhatIsNone) {
+TEST(Decimals, RefuseTextThatIsNotANumber) {
     for (const std::string_view text : {"", ".", "-", "1.2.3", "1e5", "a", "1 2", "--1"}) {
         EXPECT_FALSE(ParseDecimal(text).valid) << text;
     }
@@ -35,7 +35,7 @@ TEST(Decimals, RefuseWhatIsNone) {
     EXPECT_FALSE(large.value);
 }
 
-TEST(Decimals, ReadingRoundsWhatIsTooFine) {
+TEST(Decimals, RoundExcessDigitsWhenRead) {
     EXPECT_EQ(DecimalText(*ParseDecimal("1.2345", 2).value), "1.23");
     EXPECT_EQ(DecimalText(*ParseDecimal("1.235", 2).value), "1.24");
     EXPECT_EQ(DecimalText(*ParseDecimal("-1.2351", 2).value), "-1.24");
@@ -59,7 +59,7 @@ TEST(Decimals, AddSubtractAndOverflow) {
     EXPECT_EQ(Written(AddDecimals(D(kNines), D("-1"), 0)), "99999999999999999999999999999999999998");
 }
 
-TEST(Decimals, MultiplyThrough256Bits) {
+TEST(Decimals, MultiplyWith256Bits) {
     EXPECT_EQ(Written(MultiplyDecimals(D("1.5"), D("-2.5"), 2)), "-3.75");
     EXPECT_EQ(Written(MultiplyDecimals(D("9999999999999999999"), D("9999999999999999999"), 0)),
               "99999999999999999980000000000000000001");
@@ -70,7 +70,7 @@ TEST(Decimals, MultiplyThrough256Bits) {
     EXPECT_EQ(Written(MultiplyDecimals(D(kNines), D(kNines), 0)), "too large");
 }
 
-TEST(Decimals, DivideCutsTheLastDigit) {
+TEST(Decimals, CutTheQuotientsLastDigit) {
     EXPECT_EQ(Written(DivideDecimals(D("2"), D("3"), 6)), "0.666666");
     EXPECT_EQ(Written(DivideDecimals(D("-2"), D("3"), 6)), "-0.666666");
     EXPECT_EQ(Written(DivideDecimals(D("1"), D("0.00000000000000000001"), 0)), "100000000000000000000");
@@ -79,7 +79,7 @@ TEST(Decimals, DivideCutsTheLastDigit) {
     EXPECT_EQ(Written(DivideDecimals(D("12.3456"), D("2"), 1)), "6.1");
 }
 
-TEST(Decimals, RemaindersHaveTheSignOfTheDividend) {
+TEST(Decimals, HaveRemaindersWithTheSignOfTheDividend) {
     EXPECT_EQ(Written(DecimalRemainder(D("7.5"), D("2"), 1)), "1.5");
     EXPECT_EQ(Written(DecimalRemainder(D("-7.5"), D("2"), 1)), "-1.5");
     EXPECT_EQ(Written(DecimalRemainder(D("7.5"), D("-2.25"), 2)), "0.75");
@@ -92,7 +92,7 @@ TEST(Decimals, CompareAcrossScales) {
     EXPECT_EQ(CompareDecimals(D(kNines), D("0.00000000000000000000000000000000000001")), 1);
 }
 
-TEST(Decimals, ComeFromDoublesBySeventeenDigits) {
+TEST(Decimals, HaveSeventeenDigitsOfADouble) {
     EXPECT_EQ(Written(FromDouble(0.1, 1)), "0.1");
     EXPECT_EQ(Written(FromDouble(1.005, 2)), "1.00");
     EXPECT_EQ(Written(FromDouble(-2.5, 0)), "-3");
@@ -104,7 +104,7 @@ TEST(Decimals, ComeFromDoublesBySeventeenDigits) {
     EXPECT_EQ(Written(FromDouble(0, 3)), "0.000");
 }
 
-TEST(Decimals, BecomeDoublesAndIntegers) {
+TEST(Decimals, ConvertToDoublesAndIntegers) {
     EXPECT_EQ(ToDouble(D("-1.25")), -1.25);
     EXPECT_EQ(ToInt64(D("1.9"), Rounding::TowardZero), 1);
     EXPECT_EQ(ToInt64(D("-1.5"), Rounding::HalfUp), -2);

@@ -9,7 +9,7 @@
 namespace devsql {
 namespace {
 
-TEST(Messages, StandInAscendingOrderWithoutDoubles) {
+TEST(Messages, AreInAscendingOrderWithoutDuplicates) {
     const auto all = AllMessages();
     const auto unordered =
         std::adjacent_find(all.begin(), all.end(), [](const MessageTemplate& a, const MessageTemplate& b) {
@@ -18,14 +18,14 @@ TEST(Messages, StandInAscendingOrderWithoutDoubles) {
     EXPECT_EQ(unordered, all.end()) << "after " << (unordered == all.end() ? 0 : unordered->number);
 }
 
-TEST(Messages, HaveTextAndASeverityThatSqlServerKnows) {
+TEST(Messages, HaveATextAndAValidSeverity) {
     for (const MessageTemplate& message : AllMessages()) {
         EXPECT_FALSE(message.text.empty()) << message.number;
         EXPECT_TRUE(message.severity >= 10 && message.severity <= 21) << message.number;
     }
 }
 
-TEST(Messages, TakeTheirArguments) {
+TEST(Messages, InsertTheirArguments) {
     EXPECT_EQ(ErrorOf(208, {"nowhere"}).text(), "Invalid object name 'nowhere'.");
     EXPECT_EQ(
         ErrorOf(515, {"Id", "a.dbo.t", "INSERT"}).text(),
@@ -33,15 +33,15 @@ TEST(Messages, TakeTheirArguments) {
         "fails.");
 }
 
-TEST(Messages, AnArgumentThatIsMissingLeavesNothing) {
+TEST(Messages, ReplaceAMissingArgumentByNothing) {
     EXPECT_EQ(ErrorOf(208).text(), "Invalid object name ''.");
 }
 
-TEST(Messages, AnArgumentMayHoldAPercentSign) {
+TEST(Messages, AcceptAPercentSignInAnArgument) {
     EXPECT_EQ(ErrorOf(208, {"%1"}).text(), "Invalid object name '%1'.");
 }
 
-TEST(Messages, ANumberWithoutTextIsTheCallersFault) {
+TEST(Messages, ThrowALogicErrorForAnUnknownNumber) {
     EXPECT_EQ(FindMessage(99999), nullptr);
     EXPECT_THROW(ErrorOf(99999), std::logic_error);
 }

@@ -18,10 +18,10 @@ void ExpectAll(std::span<const FunctionCase> cases) {
     }
 }
 
-TEST(FunctionTable, IsFoundWithoutRegardToCase) {
+TEST(FunctionTable, IgnoresLetterCase) {
     ASSERT_NE(FindFunction("SubString"), nullptr);
     EXPECT_EQ(FindFunction("SubString")->name, "SUBSTRING");
-    EXPECT_EQ(FindFunction("getdate"), nullptr) << "what asks the session is the engine's";
+    EXPECT_EQ(FindFunction("getdate"), nullptr) << "functions that need the session are not in this table";
     for (const ScalarFunction& function : AllFunctions()) {
         EXPECT_EQ(FindFunction(function.name), &function) << function.name;
         EXPECT_LE(function.min_arguments, function.max_arguments) << function.name;
@@ -62,7 +62,7 @@ TEST(Numbers, KeepTheirType) {
     EXPECT_EQ(Called("CEILING", {Num("123.45")}).type, DecimalType(5, 0, TypeId::Numeric));
 }
 
-TEST(Rounding, GoesBothSidesOfThePoint) {
+TEST(Rounding, WorksOnBothSidesOfTheDecimalPoint) {
     const FunctionCase cases[] = {
         {"ROUND", {Num("123.4567"), Whole(2)}, "123.4600"},
         {"ROUND", {Num("123.4567"), Whole(2), Whole(1)}, "123.4500"},
@@ -88,7 +88,7 @@ TEST(Rounding, GoesBothSidesOfThePoint) {
     ExpectAll(cases);
 }
 
-TEST(Floats, ComputeInFloat) {
+TEST(FloatFunctions, ReturnFloat) {
     const FunctionCase cases[] = {
         {"SQRT", {Whole(16)}, "4"},
         {"SQRT", {Whole(-1)}, "3623 An invalid floating point operation occurred."},
@@ -97,7 +97,7 @@ TEST(Floats, ComputeInFloat) {
     ExpectAll(cases);
 }
 
-TEST(RandomNumbers, FollowFromTheSeedAsPublished) {
+TEST(RandomNumbers, FollowThePublishedSequenceOfASeed) {
     EXPECT_NEAR(RandomSequence(1).Next(), 0.713591993212924, 1e-15);
     RandomSequence sequence(100);
     EXPECT_NEAR(sequence.Next(), 0.715436657367485, 1e-15);
@@ -108,7 +108,7 @@ TEST(RandomNumbers, FollowFromTheSeedAsPublished) {
     EXPECT_GT(RandomSequence(INT32_MIN).Next(), 0.0);
 }
 
-TEST(Dates, AreReckonedByPart) {
+TEST(Dates, AreCalculatedByPart) {
     const FunctionCase cases[] = {
         {"DATEADD", {Text("month"), Whole(1), Date("2001-01-31")}, "2001-02-28 00:00:00.000"},
         {"DATEADD", {Text("DD"), Num("1.9"), Text("2001-01-31")}, "2001-02-01 00:00:00.000"},
@@ -148,7 +148,7 @@ TEST(Dates, AreReckonedByPart) {
     EXPECT_EQ(Called("DATEADD", {Text("dd"), Whole(1), As("2001-02-03", small)}).type, small);
 }
 
-TEST(Choices, TakeTheRightValueInTheRightType) {
+TEST(Choices, ReturnTheRightValueInTheRightType) {
     const FunctionCase cases[] = {
         {"ISNULL", {Null(), Text("abc")}, "abc"},
         {"ISNULL", {NullOf(Sized(TypeId::VarChar, 2)), Text("abc")}, "ab"},
@@ -180,10 +180,10 @@ TEST(Choices, TakeTheRightValueInTheRightType) {
               Sized(TypeId::VarChar, 2));
     EXPECT_EQ(Called("COALESCE", {Whole(1), Num("2.50")}).type.id, TypeId::Numeric);
     EXPECT_EQ(Called("ISNULL", {Num("1"), Num("22")}).type, Simple(TypeId::Int))
-        << "no literal's type leaves";
+        << "a literal's own type is never a result's type";
 }
 
-TEST(NumericTexts, AreWhatAnyNumberTypeTakes) {
+TEST(NumericTexts, AreThoseThatSomeNumberTypeAccepts) {
     struct Case {
         Typed value;
         std::string_view expected;

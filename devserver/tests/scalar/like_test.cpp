@@ -54,23 +54,23 @@ TEST(Like, MatchesTheWholeText) {
     }
 }
 
-TEST(Like, TakesAnEscapeCharacter) {
+TEST(Like, AcceptsAnEscapeCharacter) {
     EXPECT_TRUE(Like("50%", "50!%", U'!'));
     EXPECT_FALSE(Like("500", "50!%", U'!'));
     EXPECT_TRUE(Like("a_b", "a\\_b", U'\\'));
     EXPECT_FALSE(Like("axb", "a\\_b", U'\\'));
     EXPECT_TRUE(Like("a!b", "a!!b", U'!'));
-    EXPECT_FALSE(Like("a", "a!", U'!')) << "nothing is escaped";
+    EXPECT_FALSE(Like("a", "a!", U'!')) << "an escape character at the end matches nothing";
 }
 
-TEST(Like, BlanksAtTheEndCountInUnicodeOnly) {
+TEST(Like, TrailingBlanksCountOnlyInUnicode) {
     EXPECT_TRUE(Like("abc   ", "abc"));
     EXPECT_FALSE(Like("abc   ", "abc", std::nullopt, true));
-    EXPECT_FALSE(Like("abc", "abc ")) << "those of the pattern always count";
+    EXPECT_FALSE(Like("abc", "abc ")) << "trailing blanks of the pattern always count";
     EXPECT_TRUE(Like("abc ", "%c ", std::nullopt, true));
 }
 
-TEST(Like, ManyPercentSignsEndInGoodTime) {
+TEST(Like, ManyPercentSignsDoNotTakeExponentialTime) {
     const std::string text(2000, 'a');
     EXPECT_FALSE(Like(text, "%a%a%a%a%a%a%a%a%a%a%b"));
 }

@@ -23,7 +23,7 @@ struct Case {
     std::string_view expected;
 };
 
-TEST(Raiserror, PutsItsArgumentsIn) {
+TEST(Raiserror, InsertsItsArguments) {
     const Case cases[] = {
         {"no arguments", {}, "no arguments"},
         {"100%% of %s", {Text("it")}, "100% of it"},
@@ -48,7 +48,7 @@ TEST(Raiserror, PutsItsArgumentsIn) {
     }
 }
 
-TEST(Raiserror, RefusesWhatDoesNotFit) {
+TEST(Raiserror, RefusesArgumentsThatDoNotFit) {
     EXPECT_EQ(Formatted("%d", {Text("x")}),
               "2786 The data type of substitution parameter 1 does not match the expected "
               "type of the format specification.");
@@ -70,7 +70,8 @@ TEST(Raiserror, CutsALongMessage) {
     EXPECT_EQ(message, std::string(2044, 'x') + "...");
     EXPECT_EQ(Formatted("%s", {Text(std::string(2047, 'x'))}).size(), 2047U);
     EXPECT_EQ(Formatted("%*d", {Whole(INT64_MIN, TypeId::BigInt), Whole(1)}).size(), 2047U);
-    EXPECT_EQ(Formatted("%2000000000d", {Whole(1)}).size(), 2047U) << "no width takes the server's memory";
+    EXPECT_EQ(Formatted("%2000000000d", {Whole(1)}).size(), 2047U)
+        << "a large width does not use up the memory";
 }
 
 } // namespace

@@ -28,7 +28,7 @@ TEST(Lengths, CountUnitsOrBytes) {
     ExpectAll(cases);
 }
 
-TEST(Pieces, AreCutByPosition) {
+TEST(Substrings, AreCutByPosition) {
     const FunctionCase cases[] = {
         {"LEFT", {Text("abcdef"), Whole(2)}, "ab"},
         {"LEFT", {Text("ab"), Whole(5)}, "ab"},
@@ -57,7 +57,7 @@ TEST(Pieces, AreCutByPosition) {
     ExpectAll(cases);
 }
 
-TEST(Forms, AreChanged) {
+TEST(StringFunctions, ChangeTheText) {
     const FunctionCase cases[] = {
         {"UPPER", {Text("häuser")}, "HÄUSER"},
         {"LOWER", {Text("HÄUSER")}, "häuser"},
@@ -79,14 +79,14 @@ TEST(Forms, AreChanged) {
     ExpectAll(cases);
 }
 
-TEST(Forms, EndAtTheGreatestLengthOfTheType) {
+TEST(StringFunctions, CutAtTheMaximumLengthOfTheType) {
     EXPECT_EQ(std::get<std::string>(Called("REPLICATE", {Text("ab"), Whole(9000)}).value).size(), 8000U);
     const Type max = Sized(TypeId::VarChar, kMaxLength);
     EXPECT_EQ(std::get<std::string>(Called("REPLICATE", {As("ab", max), Whole(9000)}).value).size(), 18000U);
     EXPECT_EQ(ErrorOf([&] { Called("REPLICATE", {As("ab", max), Whole(INT32_MAX)}); }), 7119);
 }
 
-TEST(Positions, AreFoundWithoutRegardToCase) {
+TEST(Positions, AreFoundIgnoringCase) {
     const FunctionCase cases[] = {
         {"CHARINDEX", {Text("C"), Text("abcabc")}, "3"},
         {"CHARINDEX", {Text("c"), Text("abcabc"), Whole(4)}, "6"},
@@ -108,7 +108,7 @@ TEST(Characters, HaveNumbers) {
     ExpectAll(cases);
 }
 
-TEST(NumbersAsText, FillTheirField) {
+TEST(NumbersAsText, HaveTheRequestedWidth) {
     const FunctionCase cases[] = {
         {"STR", {Num("123.45"), Whole(6), Whole(1)}, " 123.5"},
         {"STR", {Num("123.45")}, "       123"},
@@ -140,7 +140,7 @@ TEST(ResultTypes, FollowTheText) {
     EXPECT_EQ(Called("LEN", {As("a", Sized(TypeId::VarChar, kMaxLength))}).type, Simple(TypeId::BigInt));
 }
 
-TEST(OldLobs, GoOnlyIntoTheFunctionsThatTakeThem) {
+TEST(TextNtextAndImage, AreAcceptedOnlyBySomeFunctions) {
     const Typed text = As("abc", Simple(TypeId::Text));
     EXPECT_EQ(Result({"SUBSTRING", {text, Whole(1), Whole(2)}, {}}), "ab");
     EXPECT_EQ(Result({"DATALENGTH", {text}, {}}), "3");

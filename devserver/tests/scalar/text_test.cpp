@@ -15,12 +15,12 @@ TEST(CodePage1252, EveryByteRoundTrips) {
     EXPECT_EQ(ToCodePage1252(FromCodePage1252(all)), all);
 }
 
-TEST(CodePage1252, HasItsOwnCharactersBetween80And9F) {
+TEST(CodePage1252, HasSpecialCharactersBetween80And9F) {
     EXPECT_EQ(FromCodePage1252("\x80\x85\x99\x9F"), "€…™Ÿ");
     EXPECT_EQ(ToCodePage1252("€…™Ÿ"), "\x80\x85\x99\x9F");
 }
 
-TEST(CodePage1252, WhatItLacksBecomesAQuestionMarkForEachUnit) {
+TEST(CodePage1252, AMissingCharacterBecomesAQuestionMarkForEachUnit) {
     EXPECT_EQ(ToCodePage1252("aΩb"), "a?b");
     EXPECT_EQ(ToCodePage1252("😀"), "??");
     EXPECT_EQ(NarrowToCodePage1252("é Ω"), "é ?");
@@ -35,10 +35,10 @@ TEST(Utf16, RoundTripsWithPairsAndLoneSurrogates) {
 TEST(Utf16, BytesAreLittleEndian) {
     EXPECT_EQ(ToUtf16Le("é€"), std::string("\xE9\x00\xAC\x20", 4));
     EXPECT_EQ(FromUtf16Le(std::string("\xE9\x00\xAC\x20", 4)), "é€");
-    EXPECT_EQ(FromUtf16Le(std::string("A\0B", 3)), "A") << "an odd last byte is left away";
+    EXPECT_EQ(FromUtf16Le(std::string("A\0B", 3)), "A") << "an odd last byte is ignored";
 }
 
-TEST(Utf8, BrokenBytesReadAsTheReplacementCharacter) {
+TEST(Utf8, InvalidBytesBecomeTheReplacementCharacter) {
     for (const std::string_view broken : {"\x80", "\xC3", "\xFF", "\xC0\x80", "\xF5\x80\x80\x80"}) {
         const std::u16string units = ToUtf16(broken);
         ASSERT_FALSE(units.empty());
@@ -59,7 +59,7 @@ TEST(Cut, CountsUtf16Units) {
     EXPECT_EQ(SubText("abc", 1), "bc");
 }
 
-TEST(Cut, HalvesOfAPairJoinAgain) {
+TEST(Cut, HalvesOfAPairCanBeJoinedAgain) {
     const std::string high = SubText("😀", 0, 1);
     const std::string low = SubText("😀", 1, 1);
     EXPECT_EQ(TextLength(high), 1U);
@@ -67,34 +67,34 @@ TEST(Cut, HalvesOfAPairJoinAgain) {
     EXPECT_EQ(Concatenate("a", "b"), "ab");
 }
 
-TEST(Case, IsThatOfTheLettersOfTheCodePage) {
+TEST(Case, ChangesTheLettersOfTheCodePage) {
     EXPECT_EQ(ToUpper("straße àéîõü ÿšžœ"), "STRAßE ÀÉÎÕÜ ŸŠŽŒ");
     EXPECT_EQ(ToLower("ÀÉÎÕÜ ŸŠŽŒ"), "àéîõü ÿšžœ");
 }
 
-TEST(Case, LeavesLettersOutsideTheCodePageAlone) {
+TEST(Case, KeepsLettersOutsideTheCodePage) {
     EXPECT_EQ(ToUpper("łα😀щ"), "łα😀щ");
     EXPECT_EQ(ToLower("ŁΑ😀Щ"), "ŁΑ😀Щ");
 }
 
-TEST(Case, LeavesSignsBetweenTheLettersAlone) {
+TEST(Case, KeepsSignsBetweenTheLetters) {
     EXPECT_EQ(ToLower("×"), "×");
     EXPECT_EQ(ToUpper("÷µƒ"), "÷µƒ");
 }
 
-TEST(Blanks, AreTrimmedAtTheEndOnly) {
+TEST(Blanks, AreTrimmedOnlyAtTheEnd) {
     EXPECT_EQ(TrimTrailingBlanks("  a \t  "), "  a \t");
     EXPECT_EQ(TrimTrailingBlanks("   "), "");
 }
 
-TEST(AsciiCase, KnowsNoOtherLetters) {
+TEST(AsciiCase, KeepsOtherLetters) {
     EXPECT_TRUE(AsciiEqual("Select", "sELECT"));
     EXPECT_FALSE(AsciiEqual("é", "É"));
     EXPECT_FALSE(AsciiEqual("a", "ab"));
 }
 
-TEST(Text, GrowsToAQuarterOfAGigabyteAndNoFurther) {
-    // Only its length is looked at.
+TEST(Text, CannotGrowBeyondAQuarterOfAGigabyte) {
+    // Only the length of the text is used.
     const std::string_view longest("x", std::size_t{1} << 28);
     EXPECT_THROW(Concatenate(longest, "y"), SqlError);
     EXPECT_NO_THROW(RequireRoom(longest.size()));

@@ -13,7 +13,7 @@ const Type kFloat = Simple(TypeId::Float);
 const Type kMoney = Simple(TypeId::Money);
 const Type kDateTime = Simple(TypeId::DateTime);
 
-TEST(SystemTypeTable, StandsInTheOrderOfTheIds) {
+TEST(SystemTypeTable, IsInTheOrderOfTheIds) {
     std::set<int> xtypes;
     for (const SystemType& row : SystemTypes()) {
         EXPECT_EQ(SystemTypeOf(row.id).name, row.name);
@@ -35,7 +35,7 @@ TEST(TypeNames, HaveSynonyms) {
     EXPECT_EQ(FindTypeId("blob"), std::nullopt);
 }
 
-TEST(TypeNames, InFullHaveWhatTheyAreDeclaredWith) {
+TEST(TypeNames, InFullIncludeTheDeclaredSize) {
     EXPECT_EQ(FullTypeName(DecimalType(18, 2)), "decimal(18,2)");
     EXPECT_EQ(FullTypeName(Sized(TypeId::VarChar, 30)), "varchar(30)");
     EXPECT_EQ(FullTypeName(Sized(TypeId::VarBinary, kMaxLength)), "varbinary(max)");
@@ -72,7 +72,7 @@ TEST(Declarations, HaveDefaults) {
     EXPECT_EQ(Declared(TypeId::NVarChar, {}, {}, true), "nvarchar(max)");
 }
 
-TEST(Declarations, BeyondTheLimitsAreErrors) {
+TEST(Declarations, OverTheLimitsAreErrors) {
     EXPECT_EQ(Declared(TypeId::VarChar, 0), "1001 Line 1: Length or precision specification 0 is invalid.");
     EXPECT_EQ(Declared(TypeId::VarChar, 8001), "131 The size (8001) given to the type 'varchar' exceeds the "
                                                "maximum allowed for any data type (8000).");
@@ -88,7 +88,7 @@ TEST(Declarations, BeyondTheLimitsAreErrors) {
     EXPECT_EQ(Declared(TypeId::Char, {}, {}, true), "102 Incorrect syntax near 'max'.");
 }
 
-TEST(Declarations, NameTheirPlaceInErrors) {
+TEST(Declarations, NameTheColumnOrParameterInErrors) {
     EXPECT_EQ(Outcome([] {
                   return FullTypeName(DeclaredType(TypeId::Char, 9000, {}, false, 1, {"column", "Note", 3}));
               }),
@@ -96,7 +96,7 @@ TEST(Declarations, NameTheirPlaceInErrors) {
               "(8000).");
 }
 
-TEST(Conversions, AreImplicitExplicitOrRefused) {
+TEST(ConversionTable, IsImplicitExplicitOrRefused) {
     EXPECT_EQ(ConversionAllowed(TypeId::VarChar, TypeId::Int), Allowed::Implicit);
     EXPECT_EQ(ConversionAllowed(TypeId::Int, TypeId::NVarChar), Allowed::Implicit);
     EXPECT_EQ(ConversionAllowed(TypeId::VarChar, TypeId::VarBinary), Allowed::Explicit);
@@ -109,7 +109,7 @@ TEST(Conversions, AreImplicitExplicitOrRefused) {
     EXPECT_EQ(ErrorOf([] { RequireImplicit(TypeId::Int, TypeId::UniqueIdentifier); }), 206);
 }
 
-TEST(Conversions, OfATypeToItselfAreAlwaysAllowed) {
+TEST(ConversionTable, AllowsATypeToItself) {
     for (const SystemType& row : SystemTypes()) {
         EXPECT_EQ(ConversionAllowed(row.id, row.id), Allowed::Implicit) << row.name;
     }
@@ -121,7 +121,7 @@ struct CommonCase {
     std::string_view expected;
 };
 
-TEST(CommonTypes, AreTheStrongerTypeWideEnoughForBoth) {
+TEST(CommonTypes, AreTheStrongerTypeAndFitBoth) {
     const CommonCase cases[] = {
         {kInt, Simple(TypeId::SmallInt), "int"},
         {kInt, Sized(TypeId::VarChar, 20), "int"},
@@ -151,7 +151,7 @@ TEST(CommonTypes, AreTheStrongerTypeWideEnoughForBoth) {
     }
 }
 
-TEST(CommonTypes, DontTellAnIntegerLiteralFromAnInt) {
+TEST(CommonTypes, TreatAnIntegerLiteralAsAnInt) {
     EXPECT_EQ(CommonType(IntLiteralType(1), IntLiteralType(2)), kInt);
     EXPECT_EQ(CommonType(kUntypedNull, IntLiteralType(2)), kInt);
     EXPECT_EQ(Settled(kUntypedNull), kInt);
@@ -196,7 +196,7 @@ TEST(OperatorTypes, FollowTheRulesOfPrecisionAndScale) {
     }
 }
 
-TEST(OperatorTypes, RefuseWhatDoesNotCompute) {
+TEST(OperatorTypes, RefuseTypesWithoutTheOperator) {
     using enum BinaryOperator;
     const OperatorCase cases[] = {
         {Simple(TypeId::Bit), Add, Simple(TypeId::Bit),

@@ -1,5 +1,5 @@
-// Short ways to write typed values and results in the tests of the scalar library. A result reads as its full
-// type and its text ("numeric(5,2) 1.50"), a failure as its number and text ("8134 Divide by zero …").
+// Short functions for typed values and results in the tests of the scalar library. A result is shown as its
+// full type and its text ("numeric(5,2) 1.50"), an error as its number and text ("8134 Divide by zero …").
 #pragma once
 
 #include <span>
@@ -60,7 +60,7 @@ inline Typed NullOf(const Type& type) {
     return {{}, type};
 }
 
-/// The text alone: dates with milliseconds, bytes in hexadecimal.
+/// The value as text without its type: dates with milliseconds, bytes in hexadecimal.
 inline std::string Shown(const Value& value, const Type& type) {
     if (IsNull(value)) {
         return "NULL";
@@ -79,7 +79,7 @@ inline std::string ShownWithType(const Typed& typed) {
     return FullTypeName(typed.type) + " " + Shown(typed);
 }
 
-/// What `call` returns, or its error.
+/// The result of `call`, or its error.
 template <typename Call>
 std::string Outcome(Call call) {
     try {
@@ -89,7 +89,7 @@ std::string Outcome(Call call) {
     }
 }
 
-/// The number alone of the error that `call` ends with; 0 if it doesn't.
+/// The number of the error that `call` throws; 0 if it throws none.
 template <typename Call>
 int ErrorOf(Call call) {
     try {
@@ -111,7 +111,7 @@ inline std::string Computed(const Typed& left, BinaryOperator op, const Typed& r
     });
 }
 
-/// A function's result, with the checks that the language makes before it calls.
+/// A function's result, after the checks that the T-SQL engine makes before a call.
 inline Typed Called(std::string_view name, const std::vector<Typed>& arguments) {
     const ScalarFunction* function = FindFunction(name);
     if (function == nullptr) {

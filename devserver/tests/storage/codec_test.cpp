@@ -1,4 +1,4 @@
-// Values in SQLite: they come back as they went in, and SQLite sorts them as T-SQL does.
+// Values stored in SQLite are read back unchanged, and SQLite sorts them as T-SQL does.
 #include <gtest/gtest.h>
 
 #include "devserver/storage/codec.h"
@@ -22,7 +22,7 @@ class Codec : public ::testing::Test {
         return back;
     }
 
-    /// `values` put in from the last to the first come back in their order.
+    /// Inserts `values` in reverse order; they must be sorted into the given order.
     void ExpectOrder(const std::vector<Value>& values, const Type& type) {
         for (auto value = values.rbegin(); value != values.rend(); ++value) {
             connection.Prepare("INSERT INTO t VALUES(?1)").Bind(1, *value, type).Run();
@@ -42,7 +42,7 @@ class Codec : public ::testing::Test {
 
 constexpr Int128 kTenTo18 = 1000000000000000000;
 
-TEST_F(Codec, EveryTypeComesBackAsItWentIn) {
+TEST_F(Codec, EveryTypeIsReadBackUnchanged) {
     const std::pair<Type, Value> cases[] = {
         {{TypeId::Bit, 0, 0, 0}, std::int64_t{1}},
         {{TypeId::BigInt, 0, 0, 0}, std::int64_t{INT64_MIN}},
@@ -89,7 +89,7 @@ TEST_F(Codec, UniqueidentifiersSortByTheirLastGroupFirst) {
                 {TypeId::UniqueIdentifier, 0, 0, 0});
 }
 
-TEST_F(Codec, AnErrorOfAFunctionComesThroughSqlite) {
+TEST_F(Codec, AnExceptionOfAFunctionPassesThroughSqlite) {
     connection.AddFunction("fails", [](const FunctionCall&) { throw std::runtime_error("from inside"); });
     SqliteStatement statement = connection.Prepare("SELECT fails()");
     try {

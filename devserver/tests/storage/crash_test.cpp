@@ -1,4 +1,4 @@
-// A server killed at any moment comes back with every row whose commit it has told of.
+// A server that is killed at any moment starts again with every row whose commit it has reported.
 #include <csignal>
 #include <sys/wait.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kKills = 100;
 
-/// A server on the files below `root` and a client in the database Crash, or in master.
+/// A server with the files below `root`, and a session in the given database.
 struct OpenServer {
     explicit OpenServer(const std::filesystem::path& root, const std::string& database = "Crash") {
         EngineOptions options;
@@ -33,17 +33,17 @@ struct OpenServer {
     std::unique_ptr<Session> session;
 };
 
-/// What a server found when it came back, and then the number of each row that it committed.
+/// The first report has the rows that a server found when it started; each later one has a committed row.
 struct Report {
-    std::int32_t number;
-    std::int32_t found; ///< rows that were there, -1 once they were told
+    std::int32_t number; ///< the highest number found, or the number of the committed row
+    std::int32_t found;  ///< the count of rows found; -1 in later reports
 };
 
-/// In a process of its own: opens the server below `root`, tells what it found, inserts the next numbers and
-/// writes each into the pipe once its commit is done.
+/// Runs in a child process: opens the server below `root`, reports the rows that it found, inserts rows with
+/// the next numbers, and reports each after its commit.
 [[noreturn]] void InsertForever(const std::filesystem::path& root, int pipe) {
     const OpenServer server(root);
-    const auto tell = [pipe](const Transcript& row, std::int32_t found) {
+    const auto report_row = [pipe](const Transcript& row, std::int32_t found) {
         const auto number = static_cast<std::int32_t>(std::get<std::int64_t>(row.last_row.at(0)));
         const Report report{number, found};
         if (write(pipe, &report, sizeof report) != sizeof report) {
@@ -52,12 +52,12 @@ struct Report {
     };
     Transcript found;
     server.session->ExecuteBatch("select isnull(max(id), 0), count(*) from t", found);
-    tell(found, static_cast<std::int32_t>(std::get<std::int64_t>(found.last_row.at(1))));
+    report_row(found, static_cast<std::int32_t>(std::get<std::int64_t>(found.last_row.at(1))));
     for (;;) {
         Transcript row;
         server.session->ExecuteBatch(
             "insert t select isnull(max(id), 0) + 1, replicate('x', 500) from t select max(id) from t", row);
-        tell(row, -1);
+        report_row(row, -1);
     }
 }
 
@@ -65,9 +65,9 @@ bool Read(int pipe, Report& report) {
     return read(pipe, &report, sizeof report) == static_cast<ssize_t>(sizeof report);
 }
 
-/// Starts the process that inserts, kills it at some moment, and gives the last number that it told of. What
-/// it found at its start must be all that was told of before, and at most one row more, which was committed
-/// and not yet told.
+/// Starts the process that inserts, kills it after `life`, and returns the last number that it reported. At
+/// its start it must find all rows reported before, and at most one more, which was committed but not yet
+/// reported.
 std::int32_t RunAndKill(const std::filesystem::path& root, std::int32_t committed,
                         std::chrono::microseconds life) {
     int ends[2];
@@ -81,7 +81,7 @@ std::int32_t RunAndKill(const std::filesystem::path& root, std::int32_t committe
     }
     close(ends[1]);
     Report report{};
-    EXPECT_TRUE(Read(ends[0], report)) << "the server did not come back";
+    EXPECT_TRUE(Read(ends[0], report)) << "the server did not start again";
     EXPECT_GE(report.number, committed);
     EXPECT_LE(report.number, committed + 1);
     EXPECT_EQ(report.found, report.number) << "a row is missing";
@@ -96,7 +96,7 @@ std::int32_t RunAndKill(const std::filesystem::path& root, std::int32_t committe
     return committed;
 }
 
-TEST(Crash, EveryCommittedRowIsThereAfterEachOfAHundredKills) {
+TEST(Crash, NoCommittedRowIsLostInAHundredKills) {
     const support::TempFolder folder;
     const std::filesystem::path root = folder.Path();
     {
@@ -112,7 +112,7 @@ TEST(Crash, EveryCommittedRowIsThereAfterEachOfAHundredKills) {
     for (int round = 0; round < kKills && !HasFailure(); ++round) {
         committed = RunAndKill(root, committed, std::chrono::microseconds(random() % 20000));
     }
-    EXPECT_GT(committed, 0) << "the kills came before anything was written";
+    EXPECT_GT(committed, 0) << "every process was killed before its first commit";
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// A disk that can be full: SQLite's default file system while one of these lives, where writes to write-ahead
-// logs fail on demand.
+// A simulated full disk: a file system for SQLite whose writes to write-ahead logs fail on demand. It is
+// SQLite's default file system as long as the object exists.
 #pragma once
 
 #include <sqlite3.h>
@@ -21,7 +21,7 @@ class FullDisk {
         own_.pAppData = real_;
         own_.xOpen = Open;
         if (sqlite3_vfs_register(&own_, 1) != SQLITE_OK) {
-            throw std::runtime_error("SQLite takes no other file system");
+            throw std::runtime_error("SQLite does not accept the file system");
         }
     }
     ~FullDisk() {
@@ -36,13 +36,14 @@ class FullDisk {
     void Free() { full = false; }
 
   private:
-    /// Opens the file as SQLite does, and replaces the write method of a write-ahead log with ours.
+    /// Opens the file as SQLite does. For a write-ahead log, replaces the write method by Write.
     static int Open(sqlite3_vfs* vfs, const char* name, sqlite3_file* file, int flags, int* out) {
         auto* real = static_cast<sqlite3_vfs*>(vfs->pAppData);
         const int code = real->xOpen(real, name, file, flags, out);
         if (code == SQLITE_OK && (flags & SQLITE_OPEN_WAL) != 0) {
             const std::lock_guard lock(mutex);
-            // One table of methods for each that the system has; SQLite keeps pointers to them.
+            // One changed copy of each of SQLite's method tables; it must stay, because SQLite keeps a
+            // pointer to it.
             auto [entry, added] = methods.try_emplace(file->pMethods, *file->pMethods);
             if (added) {
                 real_write = file->pMethods->xWrite;

@@ -1,5 +1,5 @@
-// A disk that is full, at a commit and before it: the client is told, and knows whether its transaction is
-// still there.
+// A full disk, at a commit and before it: the client gets an error, and can find out whether its transaction
+// is still open.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
@@ -15,14 +15,14 @@ class FullDiskTest : public ::testing::Test {
         client.Run("create table t (a int not null, filler varchar(8000))\ninsert t values (1, '')");
     }
 
-    /// What is left of the transaction that the client believes to have.
+    /// The state of the client's transaction, and the rows of the table.
     std::string State() { return Run("print @@trancount print xact_state() select a from t order by a"); }
 
     std::string Run(std::string_view sql) { return "\n" + client.Run(sql); }
 
     const std::string full =
         "Msg 9002.17.1 L1: The transaction log for database 'tempdb' is full due to 'NOTHING'.\n";
-    FullDisk disk; // Before the server: what is opened before it is a disk without end.
+    FullDisk disk; // Constructed before the server: it only affects files that are opened later.
     TestServer server;
     Client client = server.Login("tempdb");
 };
@@ -37,7 +37,7 @@ TEST_F(FullDiskTest, ACommitThatFailsRollsTheTransactionBackAndEndsTheBatch) {
     EXPECT_EQ(Run("begin tran insert t values (3, '') commit select count(*) from t"), "\n(1)\n\n2\n(1)\n");
 }
 
-TEST_F(FullDiskTest, InATryBlockTheTransactionCanOnlyBeRolledBack) {
+TEST_F(FullDiskTest, ACommitThatFailsInATryBlockLeavesATransactionThatCanOnlyBeRolledBack) {
     client.Run("begin tran insert t values (2, '')");
     disk.Fill();
     EXPECT_EQ(Run(R"(
@@ -64,7 +64,7 @@ TEST_F(FullDiskTest, ANestedCommitWritesNothingAndSucceeds) {
     EXPECT_EQ(Run("commit select count(*) from t"), "\n\n2\n(1)\n");
 }
 
-TEST_F(FullDiskTest, AStatementOutsideATransactionFailsAndLeavesNothing) {
+TEST_F(FullDiskTest, AStatementOutsideATransactionFailsAndChangesNothing) {
     disk.Fill();
     client.Run("insert t values (2, '')");
     disk.Free();
@@ -72,8 +72,8 @@ TEST_F(FullDiskTest, AStatementOutsideATransactionFailsAndLeavesNothing) {
     EXPECT_EQ(State(), "\n> 0\n> 0\na\n1\n(1)\n");
 }
 
-/// What does not fit into SQLite's cache is written before the commit. Where the write fails SQLite may roll
-/// the whole transaction back, and then none of the statements after it may run as if it were still open.
+/// SQLite writes before the commit if its cache is full. If that write fails, SQLite may roll back the whole
+/// transaction; then the statements after it must not run as if the transaction were still open.
 TEST_F(FullDiskTest, AStatementThatLosesTheTransactionEndsTheBatch) {
     client.Run("begin tran insert t values (2, '')");
     disk.Fill();
@@ -81,7 +81,7 @@ TEST_F(FullDiskTest, AStatementThatLosesTheTransactionEndsTheBatch) {
                "@i = @i + 1 "
                "end insert t values (4, '')");
     disk.Free();
-    ASSERT_FALSE(client.messages.empty()) << "the disk was not full enough";
+    ASSERT_FALSE(client.messages.empty()) << "nothing was written before the commit";
     EXPECT_EQ(client.messages.at(0).number, 1105);
     EXPECT_EQ(State(), "\n> 0\n> 0\na\n1\n(1)\n");
 }

@@ -1,4 +1,4 @@
-// Where the paths of clients lie.
+// The local paths of paths that clients send.
 #include <gtest/gtest.h>
 
 #include "devserver/storage/paths.h"
@@ -14,17 +14,17 @@ TEST(ClientPath, ADriveLetterIsMappedInEitherCase) {
     EXPECT_EQ(LocalPath(R"(x:\a.mdf)", kDrives), "/data/x/a.mdf");
 }
 
-TEST(ClientPath, SeparatorsMayBeMixedAndDoubled) {
+TEST(ClientPath, SeparatorsCanBeMixedAndDoubled) {
     EXPECT_EQ(LocalPath(R"(/home/user\data\\b.mdf)", kDrives), "/home/user/data/b.mdf");
     EXPECT_EQ(LocalPath(R"(D:\\a\/b.mdf)", kDrives), "/data/d/a/b.mdf");
 }
 
-TEST(ClientPath, AnUnmappedDriveHasNoPlace) {
+TEST(ClientPath, AnUnmappedDriveHasNoLocalPath) {
     EXPECT_EQ(LocalPath(R"(E:\a.mdf)", kDrives), std::nullopt);
     EXPECT_EQ(LocalPath(R"(D:\a.mdf)", {}), std::nullopt);
 }
 
-TEST(ClientPath, ARelativeOrEmptyPathHasNoPlace) {
+TEST(ClientPath, ARelativeOrEmptyPathHasNoLocalPath) {
     EXPECT_EQ(LocalPath("a.mdf", kDrives), std::nullopt);
     EXPECT_EQ(LocalPath("", kDrives), std::nullopt);
     EXPECT_EQ(LocalPath(R"(D:\)", kDrives), std::nullopt);

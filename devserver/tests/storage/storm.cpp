@@ -1,11 +1,11 @@
-// Writers beside a client that detaches, moves, attaches, renames, closes and drops the database that they
-// write to: every row whose insert was answered must be in it at the end, and no file may be left where no
-// database lies.
+// Several clients write to a database while another one detaches, moves, attaches, renames, closes and drops
+// it. At the end the database must have every row whose insert succeeded, and no file may be left that
+// belongs to no database.
 //
 //   devserver_storm [ROUNDS]
 //
-// Prints what was done and exits with 1 when a row is missing, a file has been left or a statement failed in
-// a way that it must not. A writer's statement may fail because the database is away; then its row is not
+// Prints the counts. Exits with 1 if a row is missing, a file is left over or a statement failed with an
+// unexpected error. A writer's statement may fail because the database is unavailable; its row is not
 // counted.
 #include <algorithm>
 #include <array>
@@ -28,14 +28,14 @@ namespace {
 using std::chrono::steady_clock;
 
 constexpr int kWriters = 4;
-/// Between two rounds, so that those who were thrown out come back and write.
+/// The pause between two rounds, in which clients whose connection was ended connect again and write.
 constexpr std::chrono::milliseconds kCalm{20};
 constexpr int kNumbersOfAWriter = 10'000'000;
-/// Far more than the storm takes: only a server that hangs reaches it.
+/// Far more than a round takes: only a server that hangs reaches it.
 constexpr std::chrono::seconds kLongestRound{60};
 
-/// What a writer may be told while the database is away: unknown, in transition, in use by one user, offline;
-/// the session has been ended; refused at the login for one of these reasons.
+/// The errors that a writer may get while the database is unavailable: it is unknown, in transition, in
+/// single-user mode or offline; the session was ended; the login was refused for one of these reasons.
 constexpr std::array<std::int32_t, 8> kAway = {911, 952, 924, 942, 596, 4060, 18456, 208};
 
 class Failures {
@@ -54,7 +54,7 @@ class Failures {
     std::atomic<int> count_ = 0;
 };
 
-/// One client that writes, in a thread of its own.
+/// A client that writes in its own thread.
 class Writer {
   public:
     Writer(TestServer& server, int number, std::atomic<bool>& stop, Failures& failures)
@@ -67,7 +67,7 @@ class Writer {
             if (session == nullptr || session->Ended()) {
                 session = LogIn(random() % 2 == 0 ? "Storm" : "master");
             }
-            // By a name of three parts, by USE and back, and from within: the ways into a database.
+            // By a name of three parts and by USE. Rows of the third way go to Scratch and are not counted.
             const std::string row = "t values (" + std::to_string(next_) + ")";
             const std::array<std::string, 3> ways = {"insert Storm.dbo." + row,
                                                      "use Storm insert dbo." + row + " use master",
@@ -81,7 +81,7 @@ class Writer {
         }
     }
 
-    std::vector<int> written; ///< whose insert was answered as done
+    std::vector<int> written; ///< the rows whose insert succeeded
 
   private:
     std::unique_ptr<Session> LogIn(const std::string& database) {
@@ -109,7 +109,8 @@ class Writer {
             }
             good = false;
             if (std::ranges::find(kAway, message.number) == kAway.end()) {
-                failures_.Add("a writer was told " + std::to_string(message.number) + " " + message.text);
+                failures_.Add("a writer got the error " + std::to_string(message.number) + " " +
+                              message.text);
             }
         }
         return good;
@@ -122,7 +123,7 @@ class Writer {
     int next_ = number_ * kNumbersOfAWriter;
 };
 
-/// The client that moves the databases about.
+/// The client that moves, renames and drops the databases.
 class Storm {
   public:
     Storm(TestServer& server, Failures& failures)
@@ -158,7 +159,7 @@ class Storm {
     std::set<int> Rows() {
         std::set<int> rows;
         Transcript sink;
-        for (bool more = true; more;) { // In portions, since the transcript keeps the last row alone.
+        for (bool more = true; more;) { // In portions of 1000, so that the transcripts stay short.
             Client reader = server_.Login("Storm");
             more = false;
             const std::string text =
@@ -182,7 +183,7 @@ class Storm {
         for (const std::string& name : found) {
             if (name != data + ".mdf" && name != data + ".ldf" && name != "scratch.mdf" &&
                 name != "scratch.ldf") {
-                failures_.Add("left at the end: " + name);
+                failures_.Add("left over at the end: " + name);
             }
         }
     }
@@ -201,7 +202,8 @@ class Storm {
         Must("create table Scratch.dbo.t (n int)");
     }
 
-    /// Runs it until it is not refused because somebody is in the database (3702, 3703, 5030, 5070).
+    /// Repeats the statement as long as it is refused because the database is in use (3702, 3703, 5030,
+    /// 5070).
     void Must(const std::string& text) {
         const auto end = steady_clock::now() + kLongestRound;
         for (;;) {
@@ -214,17 +216,17 @@ class Storm {
             constexpr std::array<std::int32_t, 4> kInUse = {3702, 3703, 5030, 5070};
             if (std::ranges::find(kInUse, error->number) == kInUse.end() || steady_clock::now() > end) {
                 failures_.Add(text + ": " + std::to_string(error->number) + " " + error->text);
-                throw std::runtime_error("the storm can't go on");
+                throw std::runtime_error("the storm cannot continue");
             }
             ++waits;
         }
     }
 
-    /// Where no server holds a database there is no write-ahead log beside its file.
+    /// Checks that a detached file has no write-ahead log.
     void CheckSettled(const std::filesystem::path& stem) {
         for (const char* companion : {".mdf-wal", ".mdf-shm", ".mdf-journal"}) {
             if (std::filesystem::exists(stem.string() + companion)) {
-                failures_.Add("left beside a detached file: " + stem.filename().string() + companion);
+                failures_.Add("left over after a detach: " + stem.filename().string() + companion);
             }
         }
     }
@@ -233,12 +235,12 @@ class Storm {
         CheckSettled(stem);
         for (const char* file : {".mdf", ".ldf"}) {
             if (std::filesystem::exists(stem.string() + file)) {
-                failures_.Add("left after a drop: " + stem.filename().string() + file);
+                failures_.Add("left over after a drop or a move: " + stem.filename().string() + file);
             }
         }
     }
 
-    /// As an upgrade puts a database aside: detached, its files moved, attached again.
+    /// Detaches the database, moves its files and attaches it, as an upgrade does.
     void Move(bool throw_out) {
         if (throw_out) {
             Must("alter database Storm set single_user with rollback immediate");
@@ -316,8 +318,8 @@ int Run(int rounds) {
     }
     storm.CheckNothingLeft();
     std::printf(
-        "%d rounds, %zu rows answered as written, %zu missing, %d refused because of use, %d failures\n",
-        done, written, missing, storm.waits, failures.count());
+        "%d rounds, %zu rows written, %zu missing, %d statements refused because of use, %d failures\n", done,
+        written, missing, storm.waits, failures.count());
     return failures.count() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

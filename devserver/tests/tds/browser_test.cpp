@@ -1,4 +1,4 @@
-// Answers as the SQL Browser gives them.
+// The answers of the SQL Browser.
 #include "devserver/tds/browser.h"
 
 #include <chrono>
@@ -13,7 +13,7 @@ const BrowserEntry kNamed{"NODE1\\KV_BATCH", 5001};
 const std::string kDescription =
     "ServerName;NODE1;InstanceName;KV_BATCH;IsClustered;No;Version;14.0.1000.0;tcp;5001;;";
 
-/// The text after the head of an answer. The length in the head must be that of the text.
+/// The text of an answer without its header. Checks that the length in the header is that of the text.
 std::string Text(const std::optional<std::string>& answer) {
     if (!answer) {
         return "(silence)";
@@ -25,27 +25,27 @@ std::string Text(const std::optional<std::string>& answer) {
     return answer->substr(3);
 }
 
-TEST(Browser, TellsTheInstanceToWhoAsksForAllOrForIt) {
+TEST(Browser, AnswersRequestsForAllInstancesAndForThisOne) {
     EXPECT_EQ(Text(BrowserAnswer("\x02", kNamed)), kDescription);
     EXPECT_EQ(Text(BrowserAnswer("\x03", kNamed)), kDescription);
     EXPECT_EQ(Text(BrowserAnswer("\x04kv_batch\0"s, kNamed)), kDescription);
     EXPECT_EQ(Text(BrowserAnswer("\x04KV_BATCH", kNamed)), kDescription);
 }
 
-TEST(Browser, CallsTheInstanceWithoutANameAsSqlServerDoes) {
+TEST(Browser, ReportsAnUnnamedInstanceAsMssqlserver) {
     EXPECT_EQ(Text(BrowserAnswer("\x04MSSQLSERVER\0"s, {"NODE1", 1433})),
               "ServerName;NODE1;InstanceName;MSSQLSERVER;IsClustered;No;Version;14.0.1000.0;tcp;1433;;");
 }
 
-TEST(Browser, IsSilentToOthersAndToNonsense) {
-    // The last is for the administrator's own connection, which there is none of.
+TEST(Browser, DoesNotAnswerForOtherInstancesOrInvalidRequests) {
+    // The last request is for the dedicated administrator connection, which this server does not have.
     for (const std::string& request : {""s, "\x04other\0"s, "\x04"s, "\x05"s, "\x02more"s,
                                        "\x04KV_BATCHES\0"s, "GET"s, "\x0F\x01KV_BATCH\0"s}) {
         EXPECT_EQ(BrowserAnswer(request, kNamed), std::nullopt) << request;
     }
 }
 
-TEST(Browser, AnswersOverTheWire) {
+TEST(Browser, AnswersByUdp) {
     const Browser browser(kNamed, 0);
     const system::SocketHandle client = system::DatagramsOnLoopback(0);
     system::SendDatagram(client, "\x0Fnonsense", browser.port());
@@ -57,11 +57,11 @@ TEST(Browser, AnswersOverTheWire) {
     EXPECT_EQ(answer->sender_port, browser.port());
 }
 
-TEST(Browser, APortThatIsTakenIsAnErrorThatNamesIt) {
+TEST(Browser, AnErrorNamesAPortThatIsInUse) {
     const Browser browser(kNamed, 0);
     try {
         const Browser second(kNamed, browser.port());
-        ADD_FAILURE() << "taken twice";
+        ADD_FAILURE() << "two servers use the same port";
     } catch (const std::runtime_error& error) {
         EXPECT_NE(std::string(error.what()).find("UDP 127.0.0.1:" + std::to_string(browser.port())),
                   std::string::npos);

@@ -1,4 +1,4 @@
-// Bulk loads as clients write them: the bytes, and the way of a long message through the connection.
+// Bulk loads: the bytes that clients send, and long messages that are read while they arrive.
 #include "devserver/tds/bulk_load.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ using fakes::Utf16;
 using Step = BulkRows::Step;
 using State = PacketChannel::State;
 
-/// An int and an nvarchar(100), not null, as since 7.2.
+/// Two columns, an int and an nvarchar(100), in the form since TDS 7.2.
 std::string Columns() {
     return FromHex("81 0200 00000000 0000 26 04 01") + Utf16("a") +
            FromHex("00000000 0000 E7 C800 0904D00034 01") + Utf16("b");
@@ -34,7 +34,7 @@ std::string Row(std::uint8_t number, std::string_view text) {
 
 class TdsBulkReader : public testing::Test {
   protected:
-    /// Everything that the rows in `data` give, whole rows as "7 x", then how the load ends.
+    /// Reads `data`: each row as "7 x ", then "end", "gone" or an error number.
     std::string ReadAll(const std::string& data, State end = State::Whole, Version version = Version::V74) {
         PacketChannel packets;
         packets.Put(data);
@@ -62,14 +62,14 @@ class TdsBulkReader : public testing::Test {
     }
 };
 
-TEST_F(TdsBulkReader, RowsFollowTheirColumns) {
+TEST_F(TdsBulkReader, ReadsRows) {
     EXPECT_EQ(ReadAll(Columns() + kDone), "end");
     EXPECT_EQ(ReadAll(Columns() + Row(7, "x")), "7 x end"); // FreeTDS writes no end.
     EXPECT_EQ(ReadAll(Columns() + Row(7, "x") + Row(8, "") + FromHex("D1 00 FFFF") + kDone),
               "7 x 8  null null end");
 }
 
-TEST_F(TdsBulkReader, RowsMayBeCutAnywhere) {
+TEST_F(TdsBulkReader, RowsCanBeSplitAnywhere) {
     const std::string data = Columns() + Row(7, "x") + Row(8, std::string(90, 'y')) + kDone;
     for (std::size_t cut = 0; cut <= data.size(); ++cut) {
         PacketChannel packets;
@@ -81,7 +81,8 @@ TEST_F(TdsBulkReader, RowsMayBeCutAnywhere) {
         for (; step == Step::Row; step = reader.Next(row)) {
             ++rows;
         }
-        ASSERT_EQ(step, Step::Waiting) << cut; // Also after DONE: the message may still be taken back.
+        ASSERT_EQ(step, Step::Waiting)
+            << cut; // Also after DONE: the client can still mark the message ignored.
         packets.Put(data.substr(cut));
         packets.End(State::Whole);
         while ((step = reader.Next(row)) == Step::Row) {
@@ -93,12 +94,12 @@ TEST_F(TdsBulkReader, RowsMayBeCutAnywhere) {
     }
 }
 
-TEST_F(TdsBulkReader, TextsOfOldBringAPointerInEachRow) {
+TEST_F(TdsBulkReader, TextValuesHaveATextPointerInEachRow) {
     const std::string head = FromHex("81 0100");
     const std::string tail = FromHex("01") + Utf16("t");
     const std::string row = FromHex("D1 10") + std::string(16, '\0') + std::string(8, '\0') +
                             FromHex("03000000 616263") + FromHex("D1 00");
-    // The table's name is one text in every version.
+    // The table name is a single text in every version.
     EXPECT_EQ(ReadAll(head + FromHex("00000000 0000 23 FFFFFF7F 0904D00034 0100") + Utf16("t") + tail + row +
                       kDone),
               "abc null end");
@@ -108,13 +109,13 @@ TEST_F(TdsBulkReader, TextsOfOldBringAPointerInEachRow) {
         "abc null end");
 }
 
-TEST_F(TdsBulkReader, AMessageThatIsNotWholeGivesNoEnd) {
+TEST_F(TdsBulkReader, AnIncompleteMessageDoesNotEndTheLoad) {
     const std::string rows = Columns() + Row(7, "x");
     EXPECT_EQ(ReadAll(rows + kDone, State::TakenBack), "7 x gone");
     EXPECT_EQ(ReadAll(rows, State::Lost), "7 x gone");
 }
 
-TEST_F(TdsBulkReader, BytesThatAreNoRowsAreTold) {
+TEST_F(TdsBulkReader, InvalidBytesAreErrors) {
     EXPECT_EQ(ReadAll(""), "4002");
     EXPECT_EQ(ReadAll(Row(7, "x") + kDone), "4002");
     EXPECT_EQ(ReadAll(Columns() + Row(7, "x").substr(0, 9)), "4002");
@@ -124,7 +125,7 @@ TEST_F(TdsBulkReader, BytesThatAreNoRowsAreTold) {
     EXPECT_EQ(ReadAll(FromHex("81 0100 00000000 0000 F1 00 01") + Utf16("a")), "40510");
 }
 
-TEST_F(TdsBulkReader, AColumnThatIsWrongIsCalledAColumn) {
+TEST_F(TdsBulkReader, TheErrorOfAWrongColumnNamesTheColumn) {
     PacketChannel packets;
     packets.Put(FromHex("81 0100 00000000 0000 26 09"));
     packets.End(State::Whole);
@@ -145,7 +146,7 @@ class TdsBulkLoad : public testing::Test {
         const std::optional<std::string> answer = client.Receive();
         return answer ? Summary(ParseTokens(*answer)) : "closed";
     }
-    /// More than the connection holds for a load that nobody takes.
+    /// A load of many rows: more than the connection buffers if nobody reads it.
     static std::string Many(int rows) {
         std::string data = Columns();
         for (int i = 0; i < rows; ++i) {
@@ -157,7 +158,7 @@ class TdsBulkLoad : public testing::Test {
     RunningServer server_;
 };
 
-TEST_F(TdsBulkLoad, RowsReachTheEngineWhileTheyCome) {
+TEST_F(TdsBulkLoad, RowsReachTheEngineBeforeTheMessageEnds) {
     TdsClient client = server_.LoggedIn();
     const std::string packets = Packets(7, Many(20000) + kDone);
     const std::size_t half = packets.size() / 2;
@@ -174,7 +175,7 @@ TEST_F(TdsBulkLoad, RowsReachTheEngineWhileTheyCome) {
     EXPECT_EQ(script().bulk_rows.size(), 20000U);
 }
 
-TEST_F(TdsBulkLoad, ALoadThatTheEngineRefusesIsReadToItsEnd) {
+TEST_F(TdsBulkLoad, ALoadThatTheEngineRefusesIsStillReadToItsEnd) {
     script().refuse_bulk = true;
     TdsClient client = server_.LoggedIn();
     client.Send(PacketType::BulkLoad, Many(20000) + kDone);
@@ -184,7 +185,7 @@ TEST_F(TdsBulkLoad, ALoadThatTheEngineRefusesIsReadToItsEnd) {
     EXPECT_EQ(Summarize(client), "DONE(10,1)");
 }
 
-TEST_F(TdsBulkLoad, ALoadThatIsTakenBackOrWrongIsAnErrorAndTheConnectionStays) {
+TEST_F(TdsBulkLoad, AnIgnoredOrInvalidLoadIsAnErrorAndTheConnectionStays) {
     TdsClient client = server_.LoggedIn();
     std::string packets = Packets(7, Columns() + Row(1, "x") + kDone);
     packets[1] = static_cast<char>(packet_status::kEndOfMessage | packet_status::kIgnore);
@@ -204,11 +205,11 @@ TEST_F(TdsBulkLoad, AnAttentionAfterALoadIsAcknowledged) {
     client.Send(PacketType::Attention, "");
     const std::string answer = Summarize(client);
     EXPECT_TRUE(answer == "DONE(02,0)" || answer == "DONE(00,0)")
-        << answer; // As it came before or after the end.
+        << answer; // Depends on whether the attention arrived before or after the load's end.
     EXPECT_EQ(Summarize(client), "DONE(20,0)");
 }
 
-TEST_F(TdsBulkLoad, AClientThatGoesDuringALoadLeavesNoRows) {
+TEST_F(TdsBulkLoad, AClientThatDisconnectsDuringALoadEndsItsSession) {
     for (const bool refused : {false, true}) {
         script().refuse_bulk = refused;
         TdsClient client = server_.LoggedIn();
@@ -219,7 +220,7 @@ TEST_F(TdsBulkLoad, AClientThatGoesDuringALoadLeavesNoRows) {
     }
 }
 
-TEST_F(TdsBulkLoad, TheServerEndsBesideALoadThatStalls) {
+TEST_F(TdsBulkLoad, TheServerStopsDuringAStalledLoad) {
     TdsClient client = server_.LoggedIn();
     const std::string packets = Packets(7, Many(20000));
     client.SendRaw(packets.substr(0, packets.size() / 2));

@@ -1,4 +1,5 @@
-// See tds_client.h. Written apart from the server's own reading and writing, so that a mistake there shows.
+// Uses none of the server's own code for reading and writing the protocol, so that it does not repeat its
+// mistakes.
 #include "devserver/tests/tds/client.h"
 
 #include <arpa/inet.h>
@@ -29,7 +30,7 @@ std::size_t ByteAt(std::string_view data, std::size_t position) {
     return static_cast<std::uint8_t>(data[position]);
 }
 
-/// Walks over the answer.
+/// Reads the bytes of an answer one after the other.
 class Cursor {
   public:
     explicit Cursor(std::string_view data) : data_(data) {}
@@ -131,7 +132,7 @@ std::string Utf16(std::string_view ascii) {
 
 namespace {
 
-/// As a login message hides it: the halves of each byte change places, and its bits are flipped by a pattern.
+/// The password as a login message has it: the halves of each byte swapped, then the byte xored with A5.
 std::string Hidden(const std::string& password) {
     std::string hidden = Utf16(password);
     for (char& character : hidden) {
@@ -160,7 +161,7 @@ std::string LoginMessage(const LoginFields& fields) {
     add(Utf16(fields.server), fields.server.size());
     std::string pointer;
     if (!fields.features.empty()) {
-        // Where the features lie is known only at the end; the pointer is filled in then.
+        // The position of the features is known only at the end; the pointer is set then.
         pointer.assign(4, '\0');
     }
     const std::size_t pointer_at = fixed + texts.size();
@@ -233,7 +234,7 @@ std::string Packets(std::uint8_t type, std::string_view data, std::size_t packet
 
 namespace {
 
-/// Reads a token after its type; `columns` are those that the last token of columns had.
+/// Reads a token after its type. `columns` are those of the last token with columns.
 void ReadToken(Cursor& cursor, bool has72, std::vector<WireColumn>& columns, Token& token) {
     switch (token.type) {
     case 0x81:
@@ -354,7 +355,7 @@ TdsClient TdsClient::Connect(std::uint16_t port) {
                 sizeof address) != 0) {
         throw std::runtime_error("cannot connect to the server of the test");
     }
-    // An attention must be sent right after its batch.
+    // Otherwise an attention would wait until the batch before it is acknowledged.
     const int on = 1;
     setsockopt(static_cast<int>(handle.get()), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return TdsClient(tds::Socket(std::move(handle)));

@@ -1,4 +1,4 @@
-// A small client of the protocol for the tests: sends bytes as it is told, reads answers, takes tokens apart.
+// A small TDS client for the tests: sends any bytes, reads answers and parses their tokens.
 #pragma once
 
 #include <chrono>
@@ -13,7 +13,7 @@
 
 namespace devsql::fakes {
 
-/// The fields of a login message, written as a client of `version` writes them.
+/// The fields of a login message, which has the form of `version`.
 struct LoginFields {
     std::uint32_t version = 0x74000004;
     std::uint32_t packet_size = 4096;
@@ -25,22 +25,22 @@ struct LoginFields {
     std::string application = "tests";
     std::string server = "localhost";
     std::string database;
-    std::string features; ///< the feature extension's data; sent when not empty
+    std::string features; ///< the data of the feature extension, which is only sent if this is not empty
 };
 
 std::string Utf16(std::string_view ascii);
 std::string LoginMessage(const LoginFields& fields);
 std::string PreLoginMessage();
-/// A batch with the headers of 7.2.
+/// A batch with the headers that TDS 7.2 requires.
 std::string BatchMessage(std::string_view sql);
-/// Packets of one message, header and all.
+/// The packets of one message, with their headers.
 std::string Packets(std::uint8_t type, std::string_view data, std::size_t packet_size = 4096,
                     std::uint8_t first_status = 0);
 
-/// One token of an answer, with the fields that the tests look at.
+/// One token of an answer, with the fields that the tests check.
 struct Token {
     std::uint8_t type = 0;
-    std::string body; ///< without the token's byte and, where it has one, its length
+    std::string body; ///< without the token's type and its length
     // ERROR and INFO
     std::int32_t number = 0;
     std::uint8_t severity = 0;
@@ -51,10 +51,10 @@ struct Token {
     std::int64_t rows = 0;
 };
 
-/// Takes an answer apart. Columns may be of the types IntN, NVarChar and BigVarChar, chunked or not. Throws
-/// std::runtime_error for what is no token.
+/// Parses an answer. Columns can have the types IntN, NVarChar and BigVarChar, chunked or not. Throws
+/// std::runtime_error for bytes that are not a token.
 std::vector<Token> ParseTokens(std::string_view data, tds::Version version = tds::Version::V74);
-/// "COLUMNS ROW ROW DONE(0x10,2)": what came, in order, with status and rows of each DONE.
+/// The tokens in order, with status and row count of each DONE: "COLUMNS ROW ROW DONE(10,2)".
 std::string Summary(const std::vector<Token>& tokens);
 
 class TdsClient {
@@ -67,13 +67,15 @@ class TdsClient {
     void Send(tds::PacketType type, std::string_view data) const {
         SendRaw(Packets(static_cast<std::uint8_t>(type), data, packet_size_));
     }
-    /// The data of the next answer; none when the server closed. Throws ConnectionLost after ten seconds.
+    /// The data of the next answer; nothing if the server has closed the connection. Throws ConnectionLost
+    /// after ten seconds.
     std::optional<std::string> Receive();
-    /// Prelogin and login; the answer to the login.
+    /// Sends prelogin and login; returns the answer to the login.
     std::string LogIn(const LoginFields& fields = {});
     std::string Batch(std::string_view sql);
-    /// The lengths of the packets of the last answer, and their header's session id.
+    /// The lengths of the last answer's packets.
     const std::vector<std::size_t>& packet_lengths() const { return packet_lengths_; }
+    /// The session number in the headers of the last answer's packets.
     std::uint16_t session_id() const { return session_id_; }
     void set_packet_size(std::size_t size) { packet_size_ = size; }
     const tds::Socket& socket() const { return socket_; }

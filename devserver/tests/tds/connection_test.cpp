@@ -1,4 +1,5 @@
-// A client's whole way: login, batches, calls, transactions, attention, reset, being thrown out.
+// A client's connection: login, batches, calls, transactions, attention, reset, and a session that the engine
+// ends.
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -23,7 +24,8 @@ std::string Summarize(const std::optional<std::string>& answer, Version version 
     return answer ? Summary(ParseTokens(*answer, version)) : "closed";
 }
 
-/// "rows N" gives N rows of text; "wait" runs until it is cancelled; "end" ends the session; "fail" throws.
+/// "rows N" returns N rows of text; "wait" runs until it is cancelled; "endless" sends rows until then; "end"
+/// ends the session; "fail" throws; "misfit" sends a value that does not fit; "wrong" is a syntax error.
 void RunScript(FakeSession& session, std::string_view sql, ResultSink& sink) {
     if (sql.starts_with("rows ")) {
         const int rows = std::stoi(std::string(sql.substr(5)));
@@ -78,7 +80,7 @@ TEST_F(TdsConnection, ALoginIsAnsweredInEveryVersion) {
     }
 }
 
-TEST_F(TdsConnection, TheEngineIsToldWhoComes) {
+TEST_F(TdsConnection, TheEngineGetsTheLoginsFields) {
     LoginFields fields;
     fields.database = "Batch";
     server_.LoggedIn(fields);
@@ -88,7 +90,7 @@ TEST_F(TdsConnection, TheEngineIsToldWhoComes) {
     EXPECT_EQ(script().logins[0].application, "tests");
 }
 
-TEST_F(TdsConnection, AClientMayLogInWithoutAPrelogin) {
+TEST_F(TdsConnection, AClientCanLogInWithoutAPrelogin) {
     TdsClient client = server_.Connect();
     LoginFields fields;
     fields.version = 0x71000000;
@@ -98,7 +100,7 @@ TEST_F(TdsConnection, AClientMayLogInWithoutAPrelogin) {
     EXPECT_EQ(Summarize(client.Receive(), Version::V71), "COLUMNS ROW DONE(10,1)");
 }
 
-TEST_F(TdsConnection, AWrongLoginIsToldAndTheConnectionClosed) {
+TEST_F(TdsConnection, AWrongLoginIsReportedAndTheConnectionClosed) {
     TdsClient client = server_.Connect();
     LoginFields fields;
     fields.password = "wrong";
@@ -110,13 +112,13 @@ TEST_F(TdsConnection, AWrongLoginIsToldAndTheConnectionClosed) {
     EXPECT_EQ(Summarize(second.LogIn(fields)), "ERROR(4060) DONE(02,0)");
 }
 
-TEST_F(TdsConnection, AnEngineThatThrowsAtTheLoginHarmsNobody) {
+TEST_F(TdsConnection, AnExceptionOfTheEngineAtTheLoginIsReported) {
     script().on_login = [] { throw std::runtime_error("the store is gone"); };
     TdsClient client = server_.Connect();
     EXPECT_EQ(Summarize(client.LogIn()), "ERROR(3624) DONE(02,0)");
 }
 
-TEST_F(TdsConnection, ThePacketSizeIsTheClientsWithinTheLimits) {
+TEST_F(TdsConnection, ThePacketSizeIsTheRequestedOneWithinTheLimits) {
     for (const auto& [asked, got] :
          {std::pair{512U, 512U}, {8192U, 8192U}, {0U, 4096U}, {100U, 512U}, {1000000U, 32767U}}) {
         LoginFields fields;
@@ -128,7 +130,7 @@ TEST_F(TdsConnection, ThePacketSizeIsTheClientsWithinTheLimits) {
     }
 }
 
-TEST_F(TdsConnection, ABatchComesOverManyPackets) {
+TEST_F(TdsConnection, ABatchCanSpanManyPackets) {
     TdsClient client = server_.LoggedIn();
     const std::string sql = "-- " + std::string(100000, 'x');
     client.set_packet_size(512);
@@ -151,9 +153,9 @@ TEST_F(TdsConnection, CallsReachTheEngineWithTheirParameters) {
     EXPECT_TRUE(script().calls[1].parameters.at(0).output);
 }
 
-TEST_F(TdsConnection, OutputParametersAreToldWithTheirPlacesInTheCall) {
+TEST_F(TdsConnection, OutputParametersHaveTheirPositionsInTheCall) {
     script().on_call = [](FakeSession&, const RpcCall& call, ResultSink& sink) {
-        // In the order of the procedure, which is not that of the call.
+        // The order of the procedure's parameters differs from the order in the call.
         sink.OutputParameter("@c", call.parameters.at(2).type, std::int64_t{9});
         sink.OutputParameter("@b", call.parameters.at(1).type, std::int64_t{8});
     };
@@ -187,7 +189,7 @@ TEST_F(TdsConnection, ADefectOfTheEngineIsAnErrorAndTheConnectionStays) {
     EXPECT_EQ(Summarize(client.Batch("rows 1")), "COLUMNS ROW DONE(10,1)");
 }
 
-TEST_F(TdsConnection, AnErrorOfTheBatchEndsWithTheErrorBit) {
+TEST_F(TdsConnection, AnErrorInABatchSetsTheErrorBit) {
     TdsClient client = server_.LoggedIn();
     EXPECT_EQ(Summarize(client.Batch("wrong")), "ERROR(102) DONE(02,0)");
 }
@@ -198,7 +200,7 @@ TEST_F(TdsConnection, AttentionEndsARunningBatch) {
         client.Send(PacketType::SqlBatch, BatchMessage("wait"));
         std::this_thread::sleep_for(std::chrono::milliseconds(i % 4));
         client.Send(PacketType::Attention, "");
-        // Also a batch that had not begun yet has an answer of its own before the acknowledgement.
+        // A batch that has not started yet is answered too, before the acknowledgement.
         EXPECT_EQ(Summarize(client.Receive()), "DONE(00,0)");
         EXPECT_EQ(Summarize(client.Receive()), "DONE(20,0)");
     }
@@ -216,7 +218,7 @@ TEST_F(TdsConnection, AttentionEndsABatchThatIsSendingRows) {
     EXPECT_EQ(Summarize(client.Batch("rows 1")), "COLUMNS ROW DONE(10,1)");
 }
 
-TEST_F(TdsConnection, AttentionIsAcknowledgedWhenNothingRuns) {
+TEST_F(TdsConnection, AttentionIsAcknowledgedIfNothingRuns) {
     TdsClient client = server_.LoggedIn();
     client.Send(PacketType::Attention, "");
     EXPECT_EQ(Summarize(client.Receive()), "DONE(20,0)");
@@ -224,7 +226,7 @@ TEST_F(TdsConnection, AttentionIsAcknowledgedWhenNothingRuns) {
     EXPECT_EQ(script().cancels, 0);
 }
 
-TEST_F(TdsConnection, AMessageThatIsTakenBackIsNotRun) {
+TEST_F(TdsConnection, AnIgnoredMessageIsNotRun) {
     TdsClient client = server_.LoggedIn();
     client.SendRaw(Packets(1, BatchMessage("rows 1"), 4096, packet_status::kIgnore));
     EXPECT_EQ(Summarize(client.Receive()), "DONE(02,0)");
@@ -268,7 +270,7 @@ TEST_F(TdsConnection, ATransactionWhoseIsolationLevelIsRefusedIsNotBegun) {
     EXPECT_EQ(script().batches, expected);
 }
 
-TEST_F(TdsConnection, ATransactionThatABatchEndsIsToldToTheDriver) {
+TEST_F(TdsConnection, ATransactionThatABatchEndsIsReportedToTheDriver) {
     TdsClient client = server_.LoggedIn();
     client.Send(PacketType::TransactionManager, FromHex("04000000 0500 00 00"));
     client.Receive();
@@ -278,7 +280,7 @@ TEST_F(TdsConnection, ATransactionThatABatchEndsIsToldToTheDriver) {
     EXPECT_EQ(Summarize(client.Batch("BEGIN TRAN")), "DONE(00,0)");
 }
 
-TEST_F(TdsConnection, ACommitThatFailsIsToldAsARollback) {
+TEST_F(TdsConnection, AFailedCommitIsReportedAsARollback) {
     TdsClient client = server_.LoggedIn();
     client.Batch("BEGIN TRAN");
     script().on_batch = [](FakeSession& session, std::string_view, ResultSink& sink) {
@@ -289,7 +291,7 @@ TEST_F(TdsConnection, ACommitThatFailsIsToldAsARollback) {
     EXPECT_EQ(Summarize(client.Receive()), "ERROR(9002) ENV(10) DONE(02,0)");
 }
 
-TEST_F(TdsConnection, AClientOf71IsToldOfNoTransactions) {
+TEST_F(TdsConnection, AClientOf71GetsNoTransactionNotices) {
     LoginFields fields;
     fields.version = 0x71000001;
     TdsClient client = server_.LoggedIn(fields);
@@ -297,7 +299,7 @@ TEST_F(TdsConnection, AClientOf71IsToldOfNoTransactions) {
     EXPECT_EQ(Summarize(client.Receive(), Version::V71), "DONE(00,0)");
 }
 
-TEST_F(TdsConnection, ATransactionThatFailsChangesNothingForTheClient) {
+TEST_F(TdsConnection, AFailedTransactionRequestIsReportedOnlyAsAnError) {
     script().on_batch = [](FakeSession&, std::string_view, ResultSink& sink) {
         sink.Send({3902, 16, 1, "no BEGIN TRANSACTION", {}, 1});
     };
@@ -306,7 +308,7 @@ TEST_F(TdsConnection, ATransactionThatFailsChangesNothingForTheClient) {
     EXPECT_EQ(Summarize(client.Receive()), "ERROR(3902) DONE(02,0)");
 }
 
-TEST_F(TdsConnection, DistributedTransactionsAreRefusedByNumber) {
+TEST_F(TdsConnection, DistributedTransactionsAreRefused) {
     TdsClient client = server_.LoggedIn();
     client.Send(PacketType::TransactionManager, FromHex("04000000 0000 0000"));
     EXPECT_EQ(Summarize(client.Receive()), "ERROR(40510) DONE(02,0)");
@@ -322,7 +324,7 @@ TEST_F(TdsConnection, APacketOfAnotherTypeIsRefusedAndTheConnectionClosed) {
     }
 }
 
-TEST_F(TdsConnection, AResetGivesAFreshSession) {
+TEST_F(TdsConnection, AResetGivesANewSession) {
     LoginFields fields;
     fields.database = "Batch";
     TdsClient client = server_.LoggedIn(fields);
@@ -339,20 +341,20 @@ TEST_F(TdsConnection, AResetGivesAFreshSession) {
     EXPECT_EQ(script().open_sessions, 1);
 }
 
-TEST_F(TdsConnection, AnOlderLibraryGetsTextsInDoubleQuotes) {
+TEST_F(TdsConnection, AnOlderLibraryCanUseDoubleQuotesForTexts) {
     LoginFields fields;
     fields.option_flags2 = 0;
     server_.LoggedIn(fields);
     EXPECT_EQ(script().batches, std::vector<std::string>{"SET QUOTED_IDENTIFIER OFF"});
 }
 
-TEST_F(TdsConnection, ASessionThatIsThrownOutLosesItsConnection) {
+TEST_F(TdsConnection, AnEndedSessionLosesItsConnection) {
     TdsClient client = server_.LoggedIn();
     EXPECT_EQ(Summarize(client.Batch("end")), "DONE(00,0)");
     EXPECT_EQ(client.Receive(), std::nullopt);
 }
 
-TEST_F(TdsConnection, ASessionThatIsThrownOutWhileItRestsLosesItsConnectionToo) {
+TEST_F(TdsConnection, ASessionThatEndsWhileIdleLosesItsConnection) {
     FakeSession* resting = nullptr;
     script().on_batch = [&](FakeSession& session, std::string_view, ResultSink&) { resting = &session; };
     TdsClient client = server_.LoggedIn();

@@ -1,10 +1,10 @@
-// A server for the tests of OSQL.EXE: the development server's protocol, and a language of directives, one a
-// line, that gives exactly the results, errors and deaths that a test asks for. Prints its port and serves
-// until it is killed.
+// A server for the tests of OSQL.EXE: it has the development server's protocol, and its batches consist of
+// directives, one on each line, which return exactly the results and errors that a test needs, or end the
+// server. Prints its port and runs until it is killed.
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <functional>
 #include <iostream>
 #include <map>
 #include <sstream>
@@ -22,8 +22,8 @@ class DirectiveSession : public Session {
   public:
     void ExecuteBatch(std::string_view sql, ResultSink& sink) override {
         cancelled_ = false;
-        if (batches_.size() < kMostNoted) {
-            batches_.append(sql.substr(0, kMostNoted)).push_back(';');
+        if (batches_.size() < kBatchesKept) {
+            batches_.append(sql.substr(0, kBatchesKept)).push_back(';');
         }
         std::istringstream lines{std::string(sql)};
         for (std::string line; std::getline(lines, line) && !cancelled_;) {
@@ -46,97 +46,109 @@ class DirectiveSession : public Session {
     std::int32_t TransactionCount() const override { return 0; }
 
   private:
+    /// A line of a batch without its first word, and the whole batch.
     struct Text {
         std::string argument;
         std::string_view batch;
         std::int64_t Number() const { return std::stoll(argument); }
     };
-    using Directive = std::function<void(DirectiveSession&, const Text&, ResultSink&)>;
+    using Directive = void (*)(DirectiveSession&, const Text&, ResultSink&);
+
+    static const std::map<std::string, Directive>& Directives() {
+        static const std::map<std::string, Directive> directives = {
+            {"batches", ReportBatches}, {"die", Die},         {"error", Error},
+            {"length", ReportLength},   {"print", Print},     {"PRINT", Blank},
+            {"raise", Raise},           {"rows", SelectRows}, {"stuck", Hang},
+            {"touched", Count},         {"wait", Wait},
+        };
+        return directives;
+    }
 
     static void Done(ResultSink& sink) { sink.StatementDone(Command::None, std::nullopt, false); }
 
-    static void Rows(std::int64_t count, ResultSink& sink) {
+    static void SendRows(std::int64_t count, ResultSink& sink) {
         sink.Columns({{"id", {TypeId::Int}}, {"name", {TypeId::VarChar, 12}}});
         for (std::int64_t i = 1; i <= count; ++i) {
             sink.Row({i, i % 2 == 0 ? Value() : Value("row " + std::to_string(i))});
         }
     }
 
-    static const std::map<std::string, Directive>& Directives() {
-        static const std::map<std::string, Directive> directives = {
-            {"rows",
-             [](DirectiveSession&, const Text& text, ResultSink& sink) {
-                 Rows(text.Number(), sink);
-                 sink.StatementDone(Command::Select, text.Number(), false);
-             }},
-            {"error",
-             [](DirectiveSession&, const Text& text, ResultSink& sink) {
-                 sink.Send({static_cast<std::int32_t>(text.Number()), 16, 1, "Made to fail.", {}, 1});
-                 Done(sink);
-             }},
-            // The first batches that the session was sent.
-            {"batches",
-             [](DirectiveSession& session, const Text&, ResultSink& sink) {
-                 sink.Send({0, 0, 1, session.batches_, {}, 1});
-                 Done(sink);
-             }},
-            // Severity, state and text, and no end of a statement after it.
-            {"raise",
-             [](DirectiveSession&, const Text& text, ResultSink& sink) {
-                 std::istringstream words(text.argument);
-                 Message message{50000, 0, 0, {}, {}, 1};
-                 int severity = 0;
-                 int state = 0;
-                 words >> severity >> state >> std::ws;
-                 message.severity = static_cast<decltype(message.severity)>(severity);
-                 message.state = static_cast<decltype(message.state)>(state);
-                 std::getline(words, message.text);
-                 sink.Send(message);
-             }},
-            {"print",
-             [](DirectiveSession&, const Text& text, ResultSink& sink) {
-                 sink.Send({0, 0, 1, text.argument, {}, 1});
-                 Done(sink);
-             }},
-            {"PRINT",
-             [](DirectiveSession&, const Text&, ResultSink& sink) {
-                 sink.Send({0, 0, 1, " ", {}, 1});
-                 Done(sink);
-             }},
-            {"touched", [](DirectiveSession&, const Text& text,
-                           ResultSink& sink) { sink.StatementDone(Command::Insert, text.Number(), false); }},
-            {"length",
-             [](DirectiveSession&, const Text& text, ResultSink& sink) {
-                 sink.Columns({{"length", {TypeId::Int}}});
-                 sink.Row({static_cast<std::int64_t>(text.batch.size())});
-                 sink.StatementDone(Command::Select, 1, false);
-             }},
-            {"wait",
-             [](DirectiveSession& session, const Text&, ResultSink&) {
-                 while (!session.cancelled_) {
-                     std::this_thread::sleep_for(std::chrono::milliseconds(5));
-                 }
-             }},
-            {"stuck",
-             [](DirectiveSession&, const Text&, ResultSink&) {
-                 std::this_thread::sleep_for(std::chrono::seconds(300)); // a test kills the server before
-             }},
-            {"die",
-             [](DirectiveSession&, const Text& text, ResultSink& sink) {
-                 Rows(text.Number(), sink); // some of which are on their way by now
-                 std::_Exit(0);
-             }},
-        };
-        return directives;
+    static void SelectRows(DirectiveSession&, const Text& text, ResultSink& sink) {
+        SendRows(text.Number(), sink);
+        sink.StatementDone(Command::Select, text.Number(), false);
     }
 
-    static constexpr std::size_t kMostNoted = 1000;
+    static void Error(DirectiveSession&, const Text& text, ResultSink& sink) {
+        sink.Send({static_cast<std::int32_t>(text.Number()), 16, 1, "Made to fail.", {}, 1});
+        Done(sink);
+    }
+
+    /// Sends a message with severity, state and text, and does not end the statement.
+    static void Raise(DirectiveSession&, const Text& text, ResultSink& sink) {
+        std::istringstream words(text.argument);
+        Message message{50000, 0, 0, {}, {}, 1};
+        int severity = 0;
+        int state = 0;
+        words >> severity >> state >> std::ws;
+        message.severity = static_cast<decltype(message.severity)>(severity);
+        message.state = static_cast<decltype(message.state)>(state);
+        std::getline(words, message.text);
+        sink.Send(message);
+    }
+
+    static void Print(DirectiveSession&, const Text& text, ResultSink& sink) {
+        sink.Send({0, 0, 1, text.argument, {}, 1});
+        Done(sink);
+    }
+
+    /// The statement that the ODBC layer sends before a batch (odbc::Statement::KeepResultsAfterError).
+    static void Blank(DirectiveSession&, const Text&, ResultSink& sink) {
+        sink.Send({0, 0, 1, " ", {}, 1});
+        Done(sink);
+    }
+
+    /// Reports the first batches that this session has received.
+    static void ReportBatches(DirectiveSession& session, const Text&, ResultSink& sink) {
+        sink.Send({0, 0, 1, session.batches_, {}, 1});
+        Done(sink);
+    }
+
+    static void ReportLength(DirectiveSession&, const Text& text, ResultSink& sink) {
+        sink.Columns({{"length", {TypeId::Int}}});
+        sink.Row({static_cast<std::int64_t>(text.batch.size())});
+        sink.StatementDone(Command::Select, 1, false);
+    }
+
+    /// An insert of that many rows.
+    static void Count(DirectiveSession&, const Text& text, ResultSink& sink) {
+        sink.StatementDone(Command::Insert, text.Number(), false);
+    }
+
+    /// Waits until the client cancels the batch.
+    static void Wait(DirectiveSession& session, const Text&, ResultSink&) {
+        while (!session.cancelled_) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+
+    /// Does not react to a cancel. The test kills the server before the time is over.
+    static void Hang(DirectiveSession&, const Text&, ResultSink&) {
+        std::this_thread::sleep_for(std::chrono::seconds(300));
+    }
+
+    /// Ends the server after some rows, which are sent in part.
+    static void Die(DirectiveSession&, const Text& text, ResultSink& sink) {
+        SendRows(text.Number(), sink);
+        std::_Exit(0);
+    }
+
+    static constexpr std::size_t kBatchesKept = 1000;
 
     std::string batches_;
     std::atomic<bool> cancelled_ = false;
 };
 
-/// Lets in who knows the password "secret", and "guest" without one.
+/// Accepts every login with the password "secret", and "guest" without a password.
 class DirectiveEngine : public Engine {
   public:
     std::unique_ptr<Session> Login(const LoginRequest& request, ResultSink& sink) override {

@@ -1,4 +1,5 @@
-// A language for the protocol's tests: it knows one login and does with a batch or a call what the test says.
+// A fake engine for the tests of the protocol: it knows one login, and passes each batch and each call to the
+// test.
 #pragma once
 
 #include <atomic>
@@ -17,7 +18,8 @@ namespace devsql::fakes {
 
 class FakeSession;
 
-/// What the test sets and reads. Shared by all sessions; the hooks are set before clients come.
+/// The hooks that a test sets, and what the sessions record. Shared by all sessions. The hooks must be set
+/// before a client connects.
 struct FakeScript {
     std::function<void(FakeSession&, std::string_view, ResultSink&)> on_batch;
     std::function<void(FakeSession&, const RpcCall&, ResultSink&)> on_call;
@@ -63,7 +65,7 @@ class FakeSession : public Session {
             script_.on_call(*this, call, sink);
         }
     }
-    /// Keeps the rows for the test, or stops at the first.
+    /// Records the rows for the test, or stops at the first row if the test has set `refuse_bulk`.
     void LoadRows(BulkRows& rows, ResultSink& sink) override {
         std::vector<Value> row;
         std::int64_t count = 0;
@@ -92,7 +94,7 @@ class FakeSession : public Session {
     void End() { ended_ = true; }
     void Use(const std::string& database) { database_ = database; }
     void SetTransactions(std::int32_t count) { transactions_ = count; }
-    /// Runs until cancelled; false when that did not happen within ten seconds.
+    /// Waits until the session is cancelled; false after ten seconds.
     bool WaitForCancel() const {
         for (int i = 0; i < 5000 && !cancelled_; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(2));

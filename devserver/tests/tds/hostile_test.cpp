@@ -1,4 +1,4 @@
-// Clients that send nonsense, stop in the middle or do not read: each harms only itself.
+// Clients that send invalid data, disconnect at any point or do not read: other clients are not affected.
 #include <gtest/gtest.h>
 #include <random>
 #include <thread>
@@ -36,7 +36,7 @@ class TdsHostile : public testing::Test {
   protected:
     void SetUp() override { server_.engine.script.on_batch = Answer; }
 
-    /// The server still serves whoever behaves, and every other session has ended.
+    /// Checks that all sessions have ended and that the server still serves a new client.
     void ExpectUnharmed() {
         EXPECT_TRUE(server_.WaitForNoSession());
         TdsClient client = server_.LoggedIn();
@@ -75,7 +75,7 @@ TEST_F(TdsHostile, DisconnectingWithinAResultCancelsTheBatch) {
     EXPECT_GT(server_.engine.script.cancels, 0);
 }
 
-TEST_F(TdsHostile, AClientThatDoesNotReadHoldsNobodyUp) {
+TEST_F(TdsHostile, AClientThatDoesNotReadDoesNotBlockOthers) {
     const TdsClient deaf = server_.LoggedIn();
     deaf.Send(PacketType::SqlBatch, BatchMessage("much"));
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -92,7 +92,7 @@ TEST_F(TdsHostile, AClientThatSendsRequestsWithoutReadingIsClosed) {
             client.Send(PacketType::SqlBatch, BatchMessage("wait"));
         }
     } catch (const ConnectionLost&) {
-        // Closed while it was still sending: all the better.
+        // The server may close the connection while the client is still sending.
     }
     ExpectUnharmed();
 }
@@ -147,7 +147,7 @@ TEST_F(TdsHostile, HugeLengthsAllocateNothing) {
     ExpectUnharmed();
 }
 
-TEST_F(TdsHostile, AMessageWithoutEndIsCutAtTheLimitAndToldSo) {
+TEST_F(TdsHostile, AMessageOverTheLimitIsRefused) {
     TdsClient client = server_.LoggedIn();
     const std::string packet =
         FromHex("01 00 7F FF 00 00 01 00") + std::string(kLargestPacket - kHeaderSize, 'x');

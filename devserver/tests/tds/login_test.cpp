@@ -1,4 +1,4 @@
-// Prelogin and login messages, whole and damaged.
+// Prelogin and login messages: valid, truncated and damaged.
 #include "devserver/tds/login.h"
 
 #include <gtest/gtest.h>
@@ -65,7 +65,7 @@ TEST(TdsLogin, EveryFieldIsRead) {
     EXPECT_TRUE(login.odbc);
 }
 
-TEST(TdsLogin, TheVersionIsTheLatestThatBothSpeak) {
+TEST(TdsLogin, TheVersionIsTheLatestThatBothSupport) {
     const std::vector<std::pair<std::uint32_t, Version>> versions{
         {0x71000000, Version::V71},  {0x71000001, Version::V71Revision1}, {0x72090002, Version::V72},
         {0x730A0003, Version::V73A}, {0x730B0003, Version::V73B},         {0x74000004, Version::V74},
@@ -78,7 +78,7 @@ TEST(TdsLogin, TheVersionIsTheLatestThatBothSpeak) {
     }
 }
 
-TEST(TdsLogin, ANulWithinTheServerNameIsBorne) {
+TEST(TdsLogin, ANulInTheServerNameIsAccepted) {
     LoginFields fields;
     fields.server = std::string("127.0.0.1\0"
                                 "21000",
@@ -89,7 +89,7 @@ TEST(TdsLogin, ANulWithinTheServerNameIsBorne) {
 }
 
 TEST(TdsLogin, APasswordMayHaveAnyCharacter) {
-    // "pä€" scrambled by hand: each byte of 70 00 E4 00 AC 20 turned by four bits, combined with A5.
+    // "pä€" encoded by hand: each byte of 70 00 E4 00 AC 20 with its halves swapped, xored with A5.
     LoginFields fields;
     fields.password = "abc";
     std::string message = LoginMessage(fields);
@@ -98,7 +98,7 @@ TEST(TdsLogin, APasswordMayHaveAnyCharacter) {
     EXPECT_EQ(Parse(message).password, "p\xC3\xA4\xE2\x82\xAC");
 }
 
-TEST(TdsLogin, FeaturesAreWalkedOverAndAFederatedLoginIsRefused) {
+TEST(TdsLogin, FeaturesAreSkippedAndAFederatedLoginIsRefused) {
     LoginFields fields;
     fields.option_flags3 = 0x10;
     fields.features = fakes::FromHex("01 00000000 0A 01000000 01 FF");
@@ -111,7 +111,7 @@ TEST(TdsLogin, FeaturesAreWalkedOverAndAFederatedLoginIsRefused) {
     EXPECT_EQ(ErrorOf(LoginMessage(fields)), 17832);
 }
 
-TEST(TdsLogin, ALoginByTheOperatingSystemIsRefused) {
+TEST(TdsLogin, AWindowsLoginIsRefused) {
     LoginFields fields;
     fields.option_flags2 = 0x82;
     EXPECT_EQ(ErrorOf(LoginMessage(fields)), 18452);
@@ -129,14 +129,14 @@ TEST(TdsLogin, AnOlderVersionIsRefused) {
     EXPECT_EQ(ErrorOf(LoginMessage(fields)), 17832);
 }
 
-TEST(TdsLogin, ALoginCutShortAnywhereIsRefused) {
+TEST(TdsLogin, ATruncatedLoginIsRefused) {
     const std::string whole = LoginMessage({});
     for (std::size_t length = 0; length < whole.size(); ++length) {
         EXPECT_EQ(ErrorOf(whole.substr(0, length)), 17832) << length;
     }
 }
 
-TEST(TdsLogin, AnyByteMayBeAnyOtherWithoutHarm) {
+TEST(TdsLogin, ADamagedByteIsAcceptedOrRefused) {
     LoginFields fields;
     fields.option_flags3 = 0x10;
     fields.features = fakes::FromHex("01 00000000 FF");
@@ -152,7 +152,7 @@ TEST(TdsLogin, AnyByteMayBeAnyOtherWithoutHarm) {
     }
 }
 
-TEST(TdsLogin, ATextLongerThanItMayBeIsRefused) {
+TEST(TdsLogin, ATextOverTheLimitIsRefused) {
     LoginFields fields;
     fields.user = std::string(129, 'x');
     EXPECT_EQ(ErrorOf(LoginMessage(fields)), 17832);

@@ -1,4 +1,4 @@
-// Messages over packets, in both directions.
+// Messages and their packets, in both directions.
 #include "devserver/tds/packets.h"
 
 #include <gtest/gtest.h>
@@ -40,7 +40,7 @@ std::int32_t ErrorOf(const std::string& bytes, std::size_t limit = kLargestMessa
     return 0;
 }
 
-TEST(TdsPackets, AMessageIsPutTogetherFromItsPackets) {
+TEST(TdsPackets, AMessageIsAssembledFromItsPackets) {
     const std::string data(1500, 'x');
     const auto message = Read(Packets(1, data, 512, packet_status::kResetConnection));
     ASSERT_TRUE(message);
@@ -50,42 +50,42 @@ TEST(TdsPackets, AMessageIsPutTogetherFromItsPackets) {
     EXPECT_FALSE(message->ignore);
 }
 
-TEST(TdsPackets, AMessageMayBeEmptyAndMayBeTakenBack) {
+TEST(TdsPackets, AMessageCanBeEmptyAndCanBeMarkedIgnored) {
     EXPECT_EQ(Read(Packets(6, ""))->type, PacketType::Attention);
     EXPECT_TRUE(Read(Packets(1, "x", 4096, packet_status::kIgnore))->ignore);
 }
 
-TEST(TdsPackets, TheEndBetweenMessagesIsNoError) {
+TEST(TdsPackets, AConnectionThatEndsBetweenMessagesIsNotAnError) {
     EXPECT_FALSE(Read(""));
 }
 
-TEST(TdsPackets, TheEndWithinAMessageIs) {
+TEST(TdsPackets, AConnectionThatEndsWithinAMessageIsAnError) {
     const std::string whole = Packets(1, std::string(1000, 'x'), 512);
     for (const std::size_t length : {1U, 7U, 8U, 9U, 512U, 515U, 1015U}) {
         EXPECT_THROW(Read(whole.substr(0, length)), ConnectionLost) << length;
     }
 }
 
-TEST(TdsPackets, HeadersThatCannotBeAreRefused) {
+TEST(TdsPackets, InvalidHeadersAreRefused) {
     EXPECT_EQ(ErrorOf(fakes::FromHex("01 01 00 07 00 00 01 00")), 17836); // shorter than itself
     EXPECT_EQ(ErrorOf(fakes::FromHex("01 01 80 00 00 00 01 00")), 17836); // 32768
     EXPECT_EQ(ErrorOf("GET / HTTP/1.1\r\n"), 17836);
     EXPECT_EQ(ErrorOf(fakes::FromHex("01 00 00 09 00 00 01 00 41 03 01 00 08 00 00 02 00")), 17836);
 }
 
-TEST(TdsPackets, AMessageBeyondTheLimitIsRefused) {
+TEST(TdsPackets, AMessageOverTheLimitIsRefused) {
     EXPECT_EQ(ErrorOf(Packets(1, std::string(1000, 'x'), 512), 999), 17836);
     EXPECT_EQ(ErrorOf(Packets(1, std::string(1000, 'x'), 512), 1000), 0);
 }
 
-TEST(TdsPackets, ASilentPeerIsGivenUp) {
+TEST(TdsPackets, ReadingEndsAtTheDeadline) {
     const auto [client, server] = SocketPair();
     client.Write(std::string_view("\x12\x01", 2));
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(30);
     EXPECT_THROW(ReadMessage(server, 100, deadline), ConnectionLost);
 }
 
-TEST(TdsPacketWriter, AnAnswerIsCutIntoFullPacketsAndALastOne) {
+TEST(TdsPacketWriter, AnAnswerIsSplitIntoFullPacketsAndALastOne) {
     const auto [client, server] = SocketPair();
     PacketWriter writer(server);
     writer.SetPacketSize(512);
@@ -99,7 +99,7 @@ TEST(TdsPacketWriter, AnAnswerIsCutIntoFullPacketsAndALastOne) {
     EXPECT_EQ(Hex(sent.substr(512)), "04 01 00 09 01 34 02 00 78");
 }
 
-TEST(TdsPacketWriter, AnAnswerThatFillsAPacketEndsWithIt) {
+TEST(TdsPacketWriter, AnAnswerThatFillsAPacketHasNoFurtherPacket) {
     const auto [client, server] = SocketPair();
     PacketWriter writer(server);
     writer.SetPacketSize(512);
@@ -124,7 +124,7 @@ TEST(TdsPacketWriter, TheSizeStaysWithinTheProtocolsLimits) {
     EXPECT_EQ(Hex(ReadAll(client).substr(2, 2)), "02 00");
 }
 
-TEST(TdsPacketWriter, AClientThatIsGoneIsAnErrorAndNoSignal) {
+TEST(TdsPacketWriter, ADisconnectedClientIsAnErrorAndNotASignal) {
     auto [client, server] = SocketPair();
     client.Shutdown();
     PacketWriter writer(server);

@@ -1,4 +1,4 @@
-// The bodies of batches, procedure calls and transaction requests.
+// The content of batches, procedure calls and transaction requests.
 #include "devserver/tds/requests.h"
 
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ TEST(TdsBatch, HeadersAreSkippedFrom72On) {
     EXPECT_EQ(ParseBatch(FromHex("04000000 16 04"), Version::V74), "\xD0\x96");
 }
 
-TEST(TdsBatch, LengthsThatCannotBeAreRefused) {
+TEST(TdsBatch, InvalidLengthsAreRefused) {
     for (const char* hex : {"", "04", "03000000", "05000000", "FFFFFFFF 4100", "04000000 41", "00000000"}) {
         EXPECT_THROW(ParseBatch(FromHex(hex), Version::V74), ProtocolError) << hex;
     }
@@ -60,7 +60,7 @@ TEST(TdsRpc, AProcedureIsCalledByItsName) {
     EXPECT_FALSE(call.parameters[1].use_default);
 }
 
-TEST(TdsRpc, AParameterWithoutATypeIsRefusedUnlessItsDefaultIsAskedFor) {
+TEST(TdsRpc, AParameterWithoutATypeIsRefusedUnlessItRequestsTheDefault) {
     const auto request = [](const char* flags) {
         return ParseRpc(FromHex(kHeaders) + FromHex("0100") + Utf16("p") + FromHex("0000") +
                             FromHex(std::string("00 ") + flags + " 1F") + FromHex("00 00 26 04 04 05000000"),
@@ -74,7 +74,7 @@ TEST(TdsRpc, AParameterWithoutATypeIsRefusedUnlessItsDefaultIsAskedFor) {
     EXPECT_FALSE(with_default.calls[0].parameters[1].use_default);
 }
 
-TEST(TdsRpc, NumbersStandForTheProceduresOfTheSystem) {
+TEST(TdsRpc, SystemProceduresAreCalledByNumber) {
     const auto name = [](const char* number) {
         const RpcRequest request = ParseRpc(FromHex(std::string("FFFF") + number + "0000"), Version::V71);
         return request.calls.empty() ? std::string() : request.calls[0].procedure;
@@ -93,31 +93,31 @@ TEST(TdsRpc, NumbersStandForTheProceduresOfTheSystem) {
     EXPECT_EQ(ErrorOf(ParseRpc(FromHex("FFFF 1000 0000"), Version::V71)), 2812);
 }
 
-TEST(TdsRpc, SeveralCallsStandInOneMessage) {
+TEST(TdsRpc, AMessageCanHaveSeveralCalls) {
     const std::string one = FromHex("0100") + Utf16("p") + FromHex("0000");
     EXPECT_EQ(ParseRpc(one + "\x80" + one, Version::V71).calls.size(), 2U);
     EXPECT_EQ(ParseRpc(FromHex(kHeaders) + one + "\xFF" + one + "\xFF", Version::V74).calls.size(), 2U);
     EXPECT_EQ(ErrorOf(ParseRpc(FromHex(kHeaders) + one + "\xFE" + one, Version::V74)), 40510);
 }
 
-TEST(TdsRpc, AWrongCallLeavesThoseBeforeIt) {
+TEST(TdsRpc, TheCallsBeforeAWrongOneAreKept) {
     const std::string one = FromHex("0100") + Utf16("p") + FromHex("0000");
     const RpcRequest request = ParseRpc(one + "\x80" + one + FromHex("00 00 99"), Version::V71);
     EXPECT_EQ(request.calls.size(), 1U);
     EXPECT_EQ(ErrorOf(request), 8009);
 }
 
-TEST(TdsRpc, ACallCutShortIsRefusedAndNeverReadBeyond) {
+TEST(TdsRpc, ATruncatedCallIsRefused) {
     const std::string whole = FromHex("0300") + Utf16("abc") + FromHex("0000") + FromHex("02") + Utf16("@a") +
                               FromHex("00 26 04 04 05000000");
     for (std::size_t length = 0; length < whole.size(); ++length) {
-        const bool complete = length == 2 + 6 + 2; // the name and its options are a call without parameters
+        const bool complete = length == 2 + 6 + 2; // name and options alone are a call without parameters
         EXPECT_EQ(ErrorOf(ParseRpc(std::string_view(whole).substr(0, length), Version::V71)) == 0, complete)
             << length;
     }
 }
 
-TEST(TdsTransaction, StepsBecomeStatements) {
+TEST(TdsTransaction, RequestsBecomeStatements) {
     const auto parse = [](const char* hex) { return ParseTransaction(FromHex(hex), Version::V71); };
     EXPECT_EQ(parse("0500 00 00").statement, "BEGIN TRANSACTION");
     EXPECT_EQ(parse("0500 00 00").isolation, "");

@@ -1,4 +1,5 @@
-// Which DONE tokens an answer has: more to come, error, count, and what ends a procedure.
+// The DONE tokens of an answer: their bits for more results, errors and row counts, and the end of a
+// procedure.
 #include "devserver/tds/response.h"
 
 #include <functional>
@@ -16,7 +17,7 @@ const Message kPrint{0, 0, 1, "printed", "", 1};
 
 class TdsResponse : public testing::Test {
   protected:
-    /// What the client gets of one part of a request.
+    /// The answer that the client receives for one part of a request.
     std::string Answer(Response::Kind kind, const std::function<void(Response&)>& run,
                        bool interrupted = false) {
         Response response(tokens_, packets_, cancelled_, [this] { ++stops_; });
@@ -50,11 +51,11 @@ class TdsResponse : public testing::Test {
     int stops_ = 0;
 };
 
-TEST_F(TdsResponse, ABatchThatGivesNothingEndsWithADone) {
+TEST_F(TdsResponse, ABatchWithoutResultsEndsWithADone) {
     EXPECT_EQ(Batch([](Response&) {}), "DONE(00,0)");
 }
 
-TEST_F(TdsResponse, TheLastDoneSaysThatNothingFollows) {
+TEST_F(TdsResponse, OnlyTheLastDoneHasNoMoreBit) {
     EXPECT_EQ(Batch([](Response& r) { Rows(r, 2); }), "COLUMNS ROW ROW DONE(10,2)");
     EXPECT_EQ(Batch([](Response& r) {
                   Rows(r, 1);
@@ -86,7 +87,7 @@ TEST_F(TdsResponse, AnErrorEndsWithTheErrorBit) {
               "ERROR(208) DONE(02,0)");
 }
 
-TEST_F(TdsResponse, AnErrorWithinRowsMarksTheirDone) {
+TEST_F(TdsResponse, AnErrorWithinRowsSetsTheErrorBitOfTheirDone) {
     EXPECT_EQ(Batch([](Response& r) {
                   r.Columns({kColumn});
                   r.Row(kRow);
@@ -96,7 +97,7 @@ TEST_F(TdsResponse, AnErrorWithinRowsMarksTheirDone) {
               "COLUMNS ROW ERROR(208) DONE(02,0)");
 }
 
-TEST_F(TdsResponse, TheStatementAfterAFailedOneIsNotMarked) {
+TEST_F(TdsResponse, TheStatementAfterAFailedOneHasNoErrorBit) {
     EXPECT_EQ(Batch([](Response& r) {
                   r.Send(kError);
                   Rows(r, 1);
@@ -123,7 +124,7 @@ TEST_F(TdsResponse, AProcedureInABatchEndsWithItsStatus) {
               "COLUMNS ROW DONEINPROC(11,1) STATUS DONEPROC(01,0) COLUMNS ROW DONE(10,1)");
 }
 
-TEST_F(TdsResponse, ABatchNeverEndsWithinAProcedure) {
+TEST_F(TdsResponse, ABatchDoesNotEndWithDoneInProc) {
     EXPECT_EQ(Batch([](Response& r) { Rows(r, 1, true); }), "COLUMNS ROW DONEINPROC(11,1) DONE(00,0)");
 }
 
@@ -141,7 +142,7 @@ TEST_F(TdsResponse, AFailedCallEndsWithTheErrorBit) {
     EXPECT_EQ(Call([](Response& r) { r.Send(kError); }), "ERROR(208) DONEPROC(02,0)");
 }
 
-TEST_F(TdsResponse, SeveralCallsEachEndTheirProcedure) {
+TEST_F(TdsResponse, EachOfSeveralCallsEndsWithDoneProc) {
     EXPECT_EQ(Call([](Response& r) {
                   r.ReturnStatus(0);
                   r.End();
@@ -151,7 +152,7 @@ TEST_F(TdsResponse, SeveralCallsEachEndTheirProcedure) {
               "STATUS DONEPROC(01,0) STATUS DONEPROC(00,0)");
 }
 
-TEST_F(TdsResponse, TheLanguagesChangeOfDatabaseIsTold) {
+TEST_F(TdsResponse, AChangeOfDatabaseIsReported) {
     EXPECT_EQ(Batch([](Response& r) {
                   r.DatabaseChanged("a", "b");
                   r.StatementDone(Command::None, std::nullopt, false);
@@ -159,7 +160,7 @@ TEST_F(TdsResponse, TheLanguagesChangeOfDatabaseIsTold) {
               "ENV(1) DONE(00,0)");
 }
 
-TEST_F(TdsResponse, AfterAnAttentionOutputIsDroppedAndTheLanguageAskedToStop) {
+TEST_F(TdsResponse, AfterAnAttentionOutputIsDroppedAndTheEngineIsAskedToStop) {
     EXPECT_EQ(Answer(
                   Response::Kind::Batch,
                   [this](Response& r) {
@@ -174,7 +175,7 @@ TEST_F(TdsResponse, AfterAnAttentionOutputIsDroppedAndTheLanguageAskedToStop) {
     EXPECT_GT(stops_, 0);
 }
 
-TEST_F(TdsResponse, AnAnswerThatWasInterruptedEndsBeforeTheAcknowledgement) {
+TEST_F(TdsResponse, AnInterruptedAnswerEndsBeforeTheAcknowledgement) {
     Response response(tokens_, packets_, cancelled_, [this] { ++stops_; });
     response.Begin(Response::Kind::Batch);
     Rows(response, 1);
@@ -185,7 +186,7 @@ TEST_F(TdsResponse, AnAnswerThatWasInterruptedEndsBeforeTheAcknowledgement) {
     EXPECT_EQ(fakes::Summary(fakes::ParseTokens(client_.Receive().value_or(""))), "DONE(20,0)");
 }
 
-TEST_F(TdsResponse, AClientThatIsGoneStopsTheLanguageWithoutAnException) {
+TEST_F(TdsResponse, ADisconnectedClientStopsTheEngineWithoutAnException) {
     client_.socket().Shutdown();
     Response response(tokens_, packets_, cancelled_, [this] { ++stops_; });
     response.Begin(Response::Kind::Batch);

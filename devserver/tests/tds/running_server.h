@@ -1,4 +1,4 @@
-// A server on a free port that speaks for the language of the tests, for as long as the object lives.
+// A server with the fake engine on a free port. It runs as long as the object exists.
 #pragma once
 
 #include <memory>
@@ -34,7 +34,7 @@ class RunningServer {
             thread_.join();
         }
     }
-    /// Waits until no session is open; false when one still is after ten seconds.
+    /// Waits until no session is open; false after ten seconds.
     bool WaitForNoSession() const {
         for (int i = 0; i < 1000 && engine.script.open_sessions != 0; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -49,7 +49,7 @@ class RunningServer {
     std::thread thread_;
 };
 
-/// The two ends of a stream within the process.
+/// Two connected sockets within the process.
 inline std::pair<tds::Socket, tds::Socket> SocketPair() {
     int ends[2] = {-1, -1};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {

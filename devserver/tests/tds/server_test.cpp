@@ -1,4 +1,4 @@
-// Many clients at once, the limit, and the end.
+// Many clients at the same time, the limit of connections, and stopping the server.
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -24,7 +24,7 @@ void Answer(FakeSession& session, std::string_view sql, ResultSink& sink) {
     sink.StatementDone(Command::Select, 1, false);
 }
 
-TEST(TdsServer, ManyClientsAreServedAtOnce) {
+TEST(TdsServer, ManyClientsAreServedAtTheSameTime) {
     RunningServer server;
     server.engine.script.on_batch = Answer;
     std::atomic<int> good = 0;
@@ -44,7 +44,7 @@ TEST(TdsServer, ManyClientsAreServedAtOnce) {
     EXPECT_EQ(good, 1000);
 }
 
-TEST(TdsServer, AClientThatWaitsDoesNotStopAnother) {
+TEST(TdsServer, AWaitingClientDoesNotBlockAnother) {
     RunningServer server;
     server.engine.script.on_batch = Answer;
     TdsClient waiting = server.LoggedIn();
@@ -56,7 +56,7 @@ TEST(TdsServer, AClientThatWaitsDoesNotStopAnother) {
     EXPECT_EQ(Summary(ParseTokens(waiting.Receive().value())), "DONE(20,0)");
 }
 
-TEST(TdsServer, ClientsBeyondTheLimitAreToldAndPlacesBecomeFree) {
+TEST(TdsServer, ClientsOverTheLimitAreRefusedUntilOneDisconnects) {
     ServerOptions options;
     options.connection_limit = 2;
     RunningServer server(options);
@@ -75,7 +75,7 @@ TEST(TdsServer, ClientsBeyondTheLimitAreToldAndPlacesBecomeFree) {
     EXPECT_NE(answer.find("LOGINACK"), std::string::npos);
 }
 
-TEST(TdsServer, AClientThatDoesNotLogInGivesItsPlaceToANewcomer) {
+TEST(TdsServer, AClientThatDoesNotLogInIsClosedForANewClient) {
     ServerOptions options;
     options.connection_limit = 2;
     options.login_time = std::chrono::hours(1);
@@ -90,7 +90,7 @@ TEST(TdsServer, AClientThatDoesNotLogInGivesItsPlaceToANewcomer) {
     EXPECT_EQ(Summary(ParseTokens(working.Batch("x"))), "COLUMNS ROW DONE(10,1)");
 }
 
-TEST(TdsServer, AClientThatDoesNotLogInIsDropped) {
+TEST(TdsServer, AClientThatDoesNotLogInInTimeIsClosed) {
     ServerOptions options;
     options.login_time = std::chrono::milliseconds(50);
     RunningServer server(options);
@@ -98,7 +98,7 @@ TEST(TdsServer, AClientThatDoesNotLogInIsDropped) {
     EXPECT_EQ(silent.Receive(), std::nullopt);
 }
 
-TEST(TdsServer, StoppingEndsRestingAndRunningClients) {
+TEST(TdsServer, StoppingEndsIdleAndRunningSessions) {
     RunningServer server;
     server.engine.script.on_batch = Answer;
     TdsClient resting = server.LoggedIn();
@@ -110,7 +110,7 @@ TEST(TdsServer, StoppingEndsRestingAndRunningClients) {
     EXPECT_EQ(resting.Receive(), std::nullopt);
 }
 
-TEST(TdsServer, APortThatIsTakenIsAnError) {
+TEST(TdsServer, APortInUseIsAnError) {
     const Listener taken(0);
     EXPECT_THROW(Listener{taken.port()}, std::runtime_error);
 }

@@ -1,4 +1,4 @@
-// The tokens of an answer, byte for byte, in the old and the new widths.
+// The bytes of an answer's tokens, before and since TDS 7.2.
 #include "devserver/tds/tokens.h"
 
 #include <functional>
@@ -22,7 +22,7 @@ std::string Written(Version version, const std::function<void(TokenWriter&)>& wr
     return fakes::Hex(*reader.Receive());
 }
 
-TEST(TdsTokens, ErrorsHaveANarrowLineBefore72AndAWideOneSince) {
+TEST(TdsTokens, LineNumbersHaveTwoBytesBefore72AndFourSince) {
     const auto write = [](TokenWriter& tokens) { tokens.WriteMessage({208, 16, 2, "ab", "p", 70000}); };
     EXPECT_EQ(Written(Version::V71, write),
               "AA 14 00 D0 00 00 00 02 10 02 00 61 00 62 00 01 53 00 01 70 00 FF FF");
@@ -43,7 +43,7 @@ TEST(TdsTokens, AMessageUpToSeverityTenIsInformation) {
     EXPECT_EQ(first(11), "AA");
 }
 
-TEST(TdsTokens, SeverityTenIsGivenAsZero) {
+TEST(TdsTokens, SeverityTenIsSentAsZero) {
     const auto severity = [](std::uint8_t given) {
         constexpr std::size_t kPlace = 3 * (1 + 2 + 4 + 1); // after token, length, number and state
         return Written(Version::V74,
@@ -57,14 +57,14 @@ TEST(TdsTokens, SeverityTenIsGivenAsZero) {
     EXPECT_EQ(severity(11), "0B");
 }
 
-TEST(TdsTokens, ALongMessageIsCutToWhatATokenHolds) {
+TEST(TdsTokens, ALongMessageIsCutToTheLimitOfAToken) {
     const std::string hex = Written(Version::V74, [](TokenWriter& tokens) {
         tokens.WriteMessage({50000, 16, 1, std::string(100000, 'x'), std::string(1000, 'p'), 1});
     });
     EXPECT_EQ(hex.size() / 3 + 1, 3U + 4 + 2 + 2 + 64000 + 1 + 2 + 1 + 256 + 4);
 }
 
-TEST(TdsTokens, LoginAckNamesTheVersionOfTheProtocol) {
+TEST(TdsTokens, LoginAckHasTheProtocolVersion) {
     const auto version = [](Version v) {
         return Written(v, [](TokenWriter& tokens) { tokens.WriteLoginAck(); }).substr(9, 14);
     };
@@ -76,7 +76,7 @@ TEST(TdsTokens, LoginAckNamesTheVersionOfTheProtocol) {
     EXPECT_EQ(version(Version::V74), "01 74 00 00 04");
 }
 
-TEST(TdsTokens, EnvironmentChangesHaveNewBeforeOld) {
+TEST(TdsTokens, EnvironmentChangesHaveTheNewValueBeforeTheOldOne) {
     EXPECT_EQ(Written(Version::V74, [](TokenWriter& t) { t.WriteDatabaseChange("a", "b"); }),
               "E3 07 00 01 01 62 00 01 61 00");
     EXPECT_EQ(Written(Version::V74, [](TokenWriter& t) { t.WriteLanguage("e"); }), "E3 05 00 02 01 65 00 00");
@@ -93,7 +93,7 @@ TEST(TdsTokens, EnvironmentChangesHaveNewBeforeOld) {
     EXPECT_EQ(Written(Version::V74, [](TokenWriter& t) { t.WriteResetAcknowledged(); }), "E3 03 00 12 00 00");
 }
 
-TEST(TdsTokens, ColumnsHaveTheirUserTypeInTheWidthOfTheVersion) {
+TEST(TdsTokens, TheUserTypeOfAColumnHasTheWidthOfTheVersion) {
     const auto write = [](TokenWriter& tokens) {
         tokens.WriteColumns({{"a", {TypeId::Int}, false, true}, {"", {TypeId::Timestamp}}});
     };
@@ -102,13 +102,13 @@ TEST(TdsTokens, ColumnsHaveTheirUserTypeInTheWidthOfTheVersion) {
               "81 02 00 00 00 00 00 18 00 26 04 01 61 00 50 00 00 00 09 00 AD 08 00 00");
 }
 
-TEST(TdsTokens, TextColumnsNameATableThatIsEmpty) {
+TEST(TdsTokens, TextColumnsHaveAnEmptyTableName) {
     const auto write = [](TokenWriter& tokens) { tokens.WriteColumns({{"a", {TypeId::Image}}}); };
     EXPECT_EQ(Written(Version::V71, write), "81 01 00 00 00 09 00 22 FF FF FF 7F 00 00 01 61 00");
     EXPECT_EQ(Written(Version::V72, write), "81 01 00 00 00 00 00 09 00 22 FF FF FF 7F 00 01 61 00");
 }
 
-TEST(TdsTokens, RowsAreWrittenAsTheirColumns) {
+TEST(TdsTokens, RowsAreEncodedByTheirColumns) {
     EXPECT_EQ(Written(Version::V74,
                       [](TokenWriter& tokens) {
                           tokens.WriteColumns({{"", {TypeId::TinyInt}}});
@@ -120,7 +120,7 @@ TEST(TdsTokens, RowsAreWrittenAsTheirColumns) {
               "81 01 00 00 00 00 00 09 00 26 01 00 D1 01 07 D1 00");
 }
 
-TEST(TdsTokens, DoneHasFourBytesOfRowsBefore72AndEightSince) {
+TEST(TdsTokens, TheRowCountHasFourBytesBefore72AndEightSince) {
     const auto write = [](TokenWriter& tokens) {
         tokens.WriteDone(DoneToken::DoneInProcedure, 0x11, Command::Select, 3);
     };

@@ -1,4 +1,4 @@
-// Parameters as clients write them, byte for byte, and the ones that are wrong.
+// Reading the bytes of parameters, valid and invalid.
 #include "devserver/tds/type_decoder.h"
 
 #include <gtest/gtest.h>
@@ -39,7 +39,7 @@ struct Case {
     Value value;
 };
 
-TEST(TdsTypeDecoder, NumbersComeInTheirNullableAndTheirFixedForms) {
+TEST(TdsTypeDecoder, NumbersAreReadInNullableAndFixedForms) {
     const std::vector<Case> cases{
         {"26 01 01 FF", Make(TypeId::TinyInt), std::int64_t{255}},
         {"26 02 02 FE FF", Make(TypeId::SmallInt), std::int64_t{-2}},
@@ -67,7 +67,7 @@ TEST(TdsTypeDecoder, NumbersComeInTheirNullableAndTheirFixedForms) {
     }
 }
 
-TEST(TdsTypeDecoder, TextsAndBinariesComeCountedLongAndChunked) {
+TEST(TdsTypeDecoder, TextsAndBinariesAreReadInAllForms) {
     const std::vector<Case> cases{
         {"A7 05 00 0904D00034 02 00 80 61", Make(TypeId::VarChar, 5),
          std::string("\xE2\x82\xAC"
@@ -107,13 +107,13 @@ TEST(TdsTypeDecoder, DatesAndGuids) {
     EXPECT_EQ(Decode("24 10 00").value, Value{});
 }
 
-TEST(TdsTypeDecoder, TheDatesOf73BecomeDatetime) {
+TEST(TdsTypeDecoder, DateTypesOf73BecomeDatetime) {
     // 693595 days after 0001-01-01 is 1900-01-01.
     EXPECT_EQ(Decode("28 03 5B 95 0A").value, Value(DateTime{0, 0}));
     EXPECT_EQ(Decode("29 00 03 01 00 00").value, Value(DateTime{0, 300}));
     // 23:59:59.9999999 rounds to the next midnight.
     EXPECT_EQ(Decode("2A 07 08 FF BF 69 2A C9 5B 95 0A").value, Value(DateTime{1, 0}));
-    // 23:00 at +02:00 is one o'clock of the next day there.
+    // 23:00 UTC is 01:00 of the next day at +02:00.
     EXPECT_EQ(Decode("2B 00 08 70 43 01 5B 95 0A 78 00").value, Value(DateTime{1, 300 * 3600}));
     EXPECT_EQ(Decode("2B 00 08 00 00 00 5B 95 0A C4 FF").value, Value(DateTime{-1, 300 * 3600 * 23}));
     EXPECT_EQ(Decode("28 00").type.id, TypeId::DateTime);
@@ -149,7 +149,7 @@ TEST(TdsTypeDecoder, EveryTypeThatIsSentCanBeReadBack) {
     }
 }
 
-TEST(TdsTypeDecoder, WhatIsWrongHasItsNumber) {
+TEST(TdsTypeDecoder, InvalidDataIsRefusedWithItsErrorNumber) {
     EXPECT_EQ(ErrorOf("99"), 8009);
     EXPECT_EQ(ErrorOf("62 00"), 40510); // sql_variant
     EXPECT_EQ(ErrorOf("F1 00"), 40510); // xml
@@ -173,7 +173,7 @@ TEST(TdsTypeDecoder, WhatIsWrongHasItsNumber) {
     EXPECT_EQ(ErrorOf("E7 FF FF 0904D00034 05 00 00 00 00 00 00 00 02 00 00 00 61 00 00 00 00 00"), 8016);
 }
 
-TEST(TdsTypeDecoder, DataThatEndsTooEarlyIsNeverReadBeyond) {
+TEST(TdsTypeDecoder, TruncatedDataIsRefused) {
     const std::vector<std::string> whole{
         "26 04 04 FE FF FF FF",
         "A7 05 00 0904D00034 02 00 80 61",

@@ -1,4 +1,4 @@
-// What each type looks like on the wire, byte for byte.
+// The bytes of each type and its values on the wire.
 #include "devserver/tds/type_encoder.h"
 
 #include <gtest/gtest.h>
@@ -93,7 +93,7 @@ std::vector<Case> OtherCases() {
     };
 }
 
-TEST(TdsTypeEncoder, NumbersHaveTheirBytes) {
+TEST(TdsTypeEncoder, NumbersAreEncoded) {
     for (const Case& c : NumberCases()) {
         EXPECT_EQ(TypeInfo(c.type), c.type_info) << c.what;
         EXPECT_EQ(Encoded(c.type, c.value), c.bytes) << c.what;
@@ -101,7 +101,7 @@ TEST(TdsTypeEncoder, NumbersHaveTheirBytes) {
     }
 }
 
-TEST(TdsTypeEncoder, DatesTextsAndBinariesHaveTheirBytes) {
+TEST(TdsTypeEncoder, DatesTextsAndBinariesAreEncoded) {
     for (const Case& c : OtherCases()) {
         EXPECT_EQ(TypeInfo(c.type), c.type_info) << c.what;
         EXPECT_EQ(TypeInfo(c.type, Version::V71), c.type_info) << c.what << ", 7.1";
@@ -109,7 +109,7 @@ TEST(TdsTypeEncoder, DatesTextsAndBinariesHaveTheirBytes) {
     }
 }
 
-TEST(TdsTypeEncoder, NullOfACountedTypeIsAllOnes) {
+TEST(TdsTypeEncoder, NullHasTheMarkerOfItsType) {
     for (const TypeId id : {TypeId::Char, TypeId::VarChar, TypeId::NChar, TypeId::NVarChar, TypeId::Binary,
                             TypeId::VarBinary, TypeId::Timestamp}) {
         EXPECT_EQ(Encoded(Sized(id, 5), Value{}), "FF FF") << static_cast<int>(id);
@@ -120,7 +120,7 @@ TEST(TdsTypeEncoder, NullOfACountedTypeIsAllOnes) {
     }
 }
 
-TEST(TdsTypeEncoder, DecimalsReachThirtyEightDigits) {
+TEST(TdsTypeEncoder, DecimalsHaveUpToThirtyEightDigits) {
     const Type type = Digits(TypeId::Decimal, 38, 0);
     Int128 largest = 1;
     for (int i = 0; i < 38; ++i) {
@@ -165,14 +165,14 @@ TEST(TdsTypeEncoder, MaxTypesAreTextNTextAndImageBefore72) {
     EXPECT_FALSE(TypeEncoder(Sized(TypeId::VarBinary, kMaxLength), Version::V72).HasTableName());
 }
 
-TEST(TdsTypeEncoder, TextsOfTheOldTypesCarryAPointerAndMayBeEmpty) {
+TEST(TdsTypeEncoder, TextValuesHaveATextPointerAndCanBeEmpty) {
     const std::string empty = Encoded({TypeId::Text}, std::string());
     EXPECT_EQ(empty.substr(0, 5), "10 00");
     EXPECT_EQ(empty.substr(empty.size() - 11), "00 00 00 00");
     EXPECT_EQ(empty.size(), (1 + 16 + 8 + 4) * 3 - 1U);
 }
 
-TEST(TdsTypeEncoder, ATypeLongerThanTheLimitBecomesMax) {
+TEST(TdsTypeEncoder, ATypeOverTheLengthLimitBecomesMax) {
     EXPECT_EQ(TypeInfo(Sized(TypeId::VarChar, 8000)).substr(0, 8), "A7 40 1F");
     EXPECT_EQ(TypeInfo(Sized(TypeId::VarChar, 8001)).substr(0, 8), "A7 FF FF");
     EXPECT_EQ(TypeInfo(Sized(TypeId::NVarChar, 4000)).substr(0, 8), "E7 40 1F");
@@ -184,7 +184,7 @@ TEST(TdsTypeEncoder, OnlyATimestampHasAUserType) {
     EXPECT_EQ(TypeEncoder(Sized(TypeId::Binary, 8), Version::V74).UserType(), 0U);
 }
 
-TEST(TdsTypeEncoder, AValueThatDoesNotFitItsTypeIsAnErrorAndNeverCut) {
+TEST(TdsTypeEncoder, AValueThatDoesNotFitItsTypeIsAnError) {
     EXPECT_THROW(Encoded({TypeId::TinyInt}, std::int64_t{256}), EncodingError);
     EXPECT_THROW(Encoded({TypeId::TinyInt}, std::int64_t{-1}), EncodingError);
     EXPECT_THROW(Encoded({TypeId::Int}, std::int64_t{1} << 31), EncodingError);

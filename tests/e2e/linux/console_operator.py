@@ -1,10 +1,10 @@
 #!/usr/bin/python3
-# Works at the console on an X screen as an operator does: reads orders, one a line, carries them out by mouse and
-# keyboard, and answers each with one line: "= " and what was seen, or "! " and what went wrong.
-# windows/console_operator.cpp takes the same orders under Wine. What to do, and what must come of it, is up to the tests.
+# Operates the console on an X screen: reads orders, one on each line, carries them out by mouse and keyboard, and answers
+# each with one line: "= " and what the screen shows, or "! " and an error. windows/console_operator.cpp accepts the same
+# orders under Wine. The tests give the orders and check the answers.
 #
-# It reads the screen from the accessibility tree, as a screen reader does: the program has no interface for tests. The
-# session bus that this needs should be its own (dbus-run-session).
+# It reads the screen from the accessibility tree, as a screen reader does: the program has no interface for tests. Run it
+# with a session bus of its own (dbus-run-session).
 #
 #   console_operator.py PROGRAM FORM_CONTROLS
 import os
@@ -22,23 +22,23 @@ import Xlib.XK
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
-LONGEST = 60  # seconds that anything may take to be seen
+LONGEST = 60  # seconds that a change on the screen may take
 MOMENT = 3  # seconds after which a click without effect is repeated
 DOUBLE_CLICK = 0.6  # seconds between two clicks that are not one double click
-REACTION = 0.3  # seconds from the end of a command until an operator presses its button again
+REACTION = 0.3  # seconds between the end of a command and the next click on its button, as a person needs
 ESCAPES = {"\n": "\\n", "\r": "\\r", "\t": "\\t", "\\": "\\\\"}
 ROLES = {
     "frame": "panel", "picture box": "filler", "label": "label", "text box": "text", "command button": "push button",
     "check box": "check box", "option button": "radio button", "combo box": "combo box", "list box": "list",
     "list view": "table", "progress bar": "progress bar", "tab control": "filler"}
-PASSWORD = "password text"  # the role of a text box that gives its text to nobody
+PASSWORD = "password text"  # the role of a text box whose text cannot be read
 FORMS = {"main": "frmMain", "dialog": "frmStoredProcedures"}
 HELD_KEYS = {"Alt": "Alt_L", "Control": "Control_L", "Shift": "Shift_L"}
 State = Atspi.StateType
 
 
 class NotSeen(Exception):
-    """The screen does not show what the order asks for."""
+    """The screen does not show what the order requires."""
 
 
 def require(condition, what):
@@ -47,7 +47,7 @@ def require(condition, what):
 
 
 def wait_for(condition, seconds=LONGEST, pause=0.02):
-    """Asks until the answer is true, for so long at most; the last answer."""
+    """Calls `condition` until it returns a true value or the time is over. Returns its last value."""
     end = time.monotonic() + seconds
     while True:
         answer = condition()
@@ -57,7 +57,7 @@ def wait_for(condition, seconds=LONGEST, pause=0.02):
 
 
 def require_after(click, condition, what):
-    """Repeats a click that does no harm when it comes twice, until it has done what it should."""
+    """Clicks until the condition holds. Only for a click that may be done twice."""
     end = time.monotonic() + LONGEST
     while True:
         require(time.monotonic() < end, what)
@@ -75,19 +75,19 @@ def children(part):
 
 
 def text_of(part):
-    """All the text of a text box, the name of anything else."""
+    """The text of a text box; the name of any other part."""
     if part.get_role_name() != "text":
         return part.get_name()
     return Atspi.Text.get_text(part, 0, Atspi.Text.get_character_count(part))
 
 
 def joined(texts):
-    """Texts in one line: between them tabs, inside them escapes."""
+    """The texts in one line: separated by tabs, special characters as escapes."""
     return "\t".join("".join(ESCAPES.get(character, character) for character in text) for text in texts)
 
 
 class Input:
-    """Mouse and keyboard, by the X server's extension for tests."""
+    """Mouse and keyboard, by the X server's XTEST extension."""
 
     def __init__(self):
         self.display = Xlib.display.Display()
@@ -105,23 +105,24 @@ class Input:
 
     def click(self, part):
         place = part.get_extents(Atspi.CoordType.SCREEN)
-        require(place.width > 0 and place.height > 0, "is out of sight: " + part.get_name())
+        require(place.width > 0 and place.height > 0, "is not visible: " + part.get_name())
         self.click_at(place.x + place.width // 2, place.y + place.height // 2)
 
     def open(self, combo):
-        """By the arrow at its end."""
+        """Opens the list of a combo box by a click on its arrow."""
         place = combo.get_extents(Atspi.CoordType.SCREEN)
         self.click_at(place.x + place.width - 8, place.y + place.height // 2)
 
     def click_at(self, x, y):
-        """Waits until the place can be seen: the frame of a closed dialog goes when the window manager takes it away,
-        and takes the clicks until then."""
+        """Clicks when no other window covers the place: the frame of a closed dialog stays, and gets the clicks, until the
+        window manager removes it."""
         self.move_to(x, y)
         require(wait_for(self.is_on_window_in_front), f"another window covers {x}, {y}")
         self.click_here()
 
     def is_on_window_in_front(self):
-        """True also for a list that a combo box has opened: the program's window without a frame."""
+        """True if the pointer is on the window in front, or on the open list of a combo box, which is a window without a
+        frame."""
         try:
             below = self.display.screen().root.query_pointer().child
             if below != Xlib.X.NONE and below.get_wm_class():
@@ -134,12 +135,12 @@ class Input:
             return False  # the window in front has just been closed
 
     def press(self, *names):
-        """All of them together, in this order."""
+        """Presses keys together, in this order."""
         self._press_code(*(self._code(Xlib.XK.string_to_keysym(name)) for name in names))
 
     def type(self, text):
         for character in text:
-            symbol = ord(character)  # those of Latin 1 are their own symbols
+            symbol = ord(character)  # in Latin 1 the key symbol is the character's number
             code = self._code(symbol)
             if self.display.keycode_to_keysym(code, 0) == symbol:
                 self._press_code(code)
@@ -166,7 +167,7 @@ class Program:
     """The program, and its windows in the accessibility tree."""
 
     def __init__(self, path):
-        # Qt builds its tree once somebody asks for it; with this from the start.
+        # Makes Qt build its accessibility tree at the start, and not only when it is first read.
         environment = os.environ | {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
         self.process = subprocess.Popen([path], env=environment, stdin=subprocess.DEVNULL, stdout=sys.stderr)
         self.root = wait_for(self._find)
@@ -180,19 +181,19 @@ class Program:
                 if part.get_process_id() == self.process.pid and part.get_child_count():
                     return part
             except GLib.Error:
-                pass  # a program that has just ended
+                pass  # this program has just ended
         return None
 
     def windows(self):
-        """Those on show."""
+        """The visible windows."""
         return [part for part in children(self.root) if has(part, State.SHOWING)]
 
     def box(self):
-        """The message box on show; None if there is none."""
+        """The visible message box, or None."""
         return next((window for window in self.windows() if window.get_role_name() == "alert"), None)
 
     def picker(self):
-        """The dialog for a folder or a file on show; None if there is none."""
+        """The visible dialog for a folder or a file, or None."""
         return next((window for window in self.windows() if window.get_role_name() == "dialog"), None)
 
     def ends(self):
@@ -208,7 +209,7 @@ class Program:
 
 
 class Design:
-    """Where each control is in the tree: on each part of a form the controls come in the order of the design."""
+    """Where each control is in the accessibility tree: below its parent, in the order of the form's design."""
 
     def __init__(self, form_controls):
         self.kinds, self.parents, self.places, self.captions = {}, {}, {}, {}
@@ -226,8 +227,8 @@ class Operator:
         self.input, self.design = Input(), Design(form_controls)
         self.program = Program(program)
         self.form = self.window = None
-        self.found = {}  # the parts of the tree, by the name of the control
-        self.clicked = {}  # when, by the name of the control
+        self.found = {}  # the part of the tree, by the control's name
+        self.clicked = {}  # the time of the last click, by the control's name
         self.take_form("main")
 
     def do(self, line):
@@ -238,7 +239,8 @@ class Operator:
     # --- finding
 
     def look(self, name):
-        """None as long as the form has not made it: a page's controls are made when its tab is first shown."""
+        """The part of a control, or None if it does not exist yet: a page's controls are created when its tab is first
+        shown."""
         if name not in self.found:
             part = self.search(name)
             if part is None:
@@ -261,24 +263,24 @@ class Operator:
         return part
 
     def page(self, caption):
-        """The pages lie on the form itself, in the order in which their tabs were first opened."""
+        """The page of a tab. Pages are children of the form, in the order in which their tabs were first opened."""
         return next((part for part in children(self.window)
                      if part.get_role_name() == "panel" and part.get_name() == caption), None)
 
     def native(self, name):
         part = self.look(name)
-        require(part is not None, "was not shown yet: " + name)
+        require(part is not None, "has not been shown yet: " + name)
         return part
 
     def is_combo(self, part):
         return part.get_role_name() == "combo box"
 
     def items_of(self, part):
-        """Of a list box, or of the list that a combo box opens."""
+        """The items of a list box, or of the list of a combo box."""
         return children(part.get_child_at_index(0) if self.is_combo(part) else part)
 
     def edit_of(self, part):
-        """Where a text box or a combo box with free text takes its text; None for any other."""
+        """The part of a text box or combo box that accepts text; None for other controls."""
         parts = [part, *children(part)] if self.is_combo(part) else [part]
         return next((one for one in parts if one.get_role_name() in ("text", PASSWORD)), None)
 
@@ -288,7 +290,7 @@ class Operator:
     # --- orders
 
     def take_form(self, name):
-        """Works in "main" or in "dialog" from then on, once that form is in front and takes input."""
+        """Waits until the form, "main" or "dialog", is in front; the next orders apply to it."""
         def in_front():
             self.window = next((window for window in self.program.windows() if has(window, State.ACTIVE)
                                 and window.get_name().startswith("Run ") == (name == "dialog")), None)
@@ -302,14 +304,13 @@ class Operator:
 
     def tab(self, number):
         tab = self.native("tabMain").get_child_at_index(0).get_child_at_index(int(number))
-
         page = "fraMainTab." + number
         require_after(lambda: self.input.click(tab), lambda: self.page_is_shown(page) == "yes",
                       "the tab does not open: " + number)
         self.settle()
 
     def settle(self):
-        """The program shows the tab and fills its lists only then; while it fills them, it answers nobody."""
+        """Waits until the program has filled the lists of a new tab: until then it answers no question."""
         for _ in range(4):
             time.sleep(0.03)
             self.window.get_name()
@@ -317,17 +318,17 @@ class Operator:
     def click(self, name):
         part = self.native(name)
         require(wait_for(lambda: has(part, State.ENABLED)), "cannot be used: " + name)
-        self.let_the_last_click_pass(name)
+        self.wait_since_last_click(name)
         self.input.click(part)
         self.clicked[name] = time.monotonic()
 
-    def let_the_last_click_pass(self, name):
-        """A button refuses a click that follows the last one, or its command's end, sooner than an operator could."""
+    def wait_since_last_click(self, name):
+        """A button ignores a click that follows the last click, or the end of its command, faster than a person could."""
         if name in self.clicked:
             time.sleep(max(REACTION, self.clicked[name] + DOUBLE_CLICK - time.monotonic()))
 
     def click_twice(self, name, milliseconds):
-        self.let_the_last_click_pass(name)
+        self.wait_since_last_click(name)
         self.input.click(self.native(name))
         begun = time.monotonic()
         time.sleep(int(milliseconds) / 1000)
@@ -348,8 +349,7 @@ class Operator:
         require(wait_for(lambda: text_of(edit) == text), f'the text is "{text_of(edit)}" and not "{text}"')
 
     def choose(self, name, text):
-        """A list that is filled anew closes, and a click that comes while the program works opens it too early: then
-        the operator opens it once more."""
+        """Repeats the choice until it succeeds: the list closes if the program fills it again meanwhile."""
         part = self.native(name)
         end = time.monotonic() + LONGEST
         while not self.try_to_choose(part, text):
@@ -375,8 +375,8 @@ class Operator:
         return text_of(self.edit_of(part) or part)
 
     def await_caption(self, name, caption):
-        """Of a label that a running command writes to: the program answers between the steps of its command alone, so
-        one question must always be waiting for it."""
+        """Waits for the caption of a label that a running command changes. The program only answers between the steps of
+        the command, so the label is read without a pause."""
         label = self.native(name)
         require(wait_for(lambda: label.get_name() == caption, pause=0), f"does not become {caption}: {name}")
 
@@ -413,11 +413,11 @@ class Operator:
 
     def await_box(self):
         box = wait_for(self.program.box)
-        require(box is not None, "a message box does not come")
+        require(box is not None, "no message box appears")
         return box
 
     def box(self):
-        """The title and the text of the message box that comes."""
+        """Waits for a message box; returns its title and its text."""
         box = self.await_box()
         text = next(part for part in children(box) if part.get_role_name() == "label" and part.get_name())
         return joined([box.get_name(), text.get_name()])
@@ -426,49 +426,50 @@ class Operator:
         box = self.await_box()
         require(wait_for(lambda: has(box, State.ACTIVE)), "the message box does not come to the front")
         self.input.press("Return")
-        require(wait_for(lambda: box not in self.program.windows()), "the box stays")
+        require(wait_for(lambda: box not in self.program.windows()), "the message box does not close")
 
     def picture(self, path):
-        """Of the window in front with its frame."""
-        self.input.move_to(0, 0)  # where it brings up no tool tip
+        """Takes a picture of the window in front with its frame."""
+        self.input.move_to(0, 0)  # there the pointer shows no tool tip
         subprocess.run(["import", "-frame", "-window", hex(self.input.window_in_front()), path], check=True)
 
     def press(self, keys):
-        """Keys that are pressed together: "Control+Shift+Tab"."""
+        """Presses keys together, for example "Control+Shift+Tab"."""
         self.input.press(*(HELD_KEYS.get(key, key) for key in keys.split("+")))
 
     def type(self, text):
-        """Where the focus is."""
+        """Types into the control that has the focus."""
         self.input.type(text)
 
     def await_picker(self):
         dialog = wait_for(self.program.picker)
-        require(dialog is not None, "a dialog for a folder or a file does not come")
+        require(dialog is not None, "no dialog for a folder or a file appears")
         return dialog
 
     def picker(self):
-        """Waits for the dialog for a folder or a file to come to the front."""
+        """Waits until a dialog for a folder or a file is in front."""
         dialog = self.await_picker()
         require(wait_for(lambda: has(dialog, State.ACTIVE)), "the dialog does not come to the front")
 
     def folder(self):
-        """The folder at which the dialog for a folder stands."""
+        """The folder that the folder dialog shows."""
         look_in = next(part for part in children(self.await_picker()) if self.is_combo(part))
         return os.path.basename(look_in.get_name())
 
     def pick(self):
-        """Takes the choice of the dialog for a folder or a file."""
+        """Accepts the choice in the dialog for a folder or a file."""
         dialog = self.await_picker()
-        # Below a typed name Qt opens a list of names, sooner or later. While it is open, it is the active window and not
-        # the dialog, and it takes the next Return.
-        require_after(lambda: self.input.press("Return"), lambda: dialog not in self.program.windows(), "the dialog stays")
+        # Qt may show a list of names below a typed name. While it is shown, it is the active window instead of the dialog,
+        # and the next Return closes only the list.
+        require_after(lambda: self.input.press("Return"), lambda: dialog not in self.program.windows(),
+                      "the dialog does not close")
 
     def close(self):
         self.click("cmdClose")
         self.end()
 
     def end(self):
-        require(self.program.ends(), f"the program does not end, or not well: {self.program.process.returncode}")
+        require(self.program.ends(), f"the program does not end with exit code 0: {self.program.process.returncode}")
 
     ORDERS = {
         "form": take_form, "caption": caption, "tab": tab, "click": click, "twice": click_twice, "fill": fill,
@@ -486,7 +487,7 @@ def answer(order):
 
 
 def main():
-    Atspi.set_timeout(LONGEST * 1000, LONGEST * 1000)  # the program answers nobody while it waits for a server
+    Atspi.set_timeout(LONGEST * 1000, LONGEST * 1000)  # the program does not answer while it waits for a server
     operators = []
 
     def begin():

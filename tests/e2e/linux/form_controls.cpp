@@ -1,6 +1,6 @@
-// Prints the controls of the console's forms in the order of their design, one a line: form, name and index,
-// kind, name and index of the control that it lies on, caption. console_operator.py finds a control in the
-// accessibility tree by it.
+// Prints the controls of the console's forms in the order of their design, one on each line: form, name and
+// index, kind, name and index of the parent control, caption. console_operator.py uses the list to find
+// controls in the accessibility tree.
 #include <cstdio>
 #include <string>
 

@@ -1,7 +1,7 @@
-// Works at the console under Wine as an operator does: reads orders, one a line, carries them out by mouse
-// and keyboard, and answers each with one line: "= " and what was seen, or "! " and what went wrong.
-// linux/console_operator.py takes the same orders on Linux. What to do, and what must come of it, is up to
-// the tests (console_automation.py).
+// Operates the console under Wine: reads orders, one on each line, carries them out by mouse and keyboard,
+// and answers each with one line: "= " and what the screen shows, or "! " and an error.
+// linux/console_operator.py accepts the same orders on Linux. The tests (console_automation.py) give the
+// orders and check the answers.
 //
 //   console_operator PROGRAM
 #include <algorithm>
@@ -49,7 +49,7 @@ Words Split(const std::string& line, char separator) {
     return words;
 }
 
-/// Texts in one line: between them tabs, inside them escapes.
+/// The texts in one line: separated by tabs, special characters as escapes.
 std::string Joined(const Words& texts) {
     static const std::map<char, std::string> escapes = {
         {'\n', "\\n"}, {'\r', "\\r"}, {'\t', "\\t"}, {'\\', "\\\\"}};
@@ -77,7 +77,7 @@ class Program {
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
     ~Program() {
-        ::TerminateProcess(process_.hProcess, 1); // after a failure alone: else it has ended
+        ::TerminateProcess(process_.hProcess, 1); // it is still running only after a failure
         ::WaitForSingleObject(process_.hProcess, 10000);
         ::CloseHandle(process_.hProcess);
         ::CloseHandle(process_.hThread);
@@ -88,7 +88,7 @@ class Program {
         const std::chrono::milliseconds longest = kLongest;
         return ::WaitForSingleObject(process_.hProcess, static_cast<DWORD>(longest.count())) == WAIT_OBJECT_0;
     }
-    /// Its topmost visible window of this class that takes input; null if there is none.
+    /// Its topmost visible and enabled window of this class, or null.
     HWND Find(const char* window_class) const {
         Search search{window_class, process_.dwProcessId, nullptr};
         ::EnumWindows(TakeIfWanted, reinterpret_cast<LPARAM>(&search));
@@ -102,7 +102,7 @@ class Program {
                         return window != nullptr;
                     },
                     kLongest),
-                what + " does not come");
+                what + " does not appear");
         return window;
     }
 
@@ -149,7 +149,7 @@ class Operator {
     }
 
   private:
-    /// Null as long as the form has not made it: a page's controls are made when its tab is first shown.
+    /// Null if the control does not exist yet: a page's controls are created when its tab is first shown.
     HWND Look(const std::string& name) const {
         const std::size_t dot = name.find('.');
         const int index = dot == std::string::npos ? ui::kNoIndex : std::stoi(name.substr(dot + 1));
@@ -159,18 +159,18 @@ class Operator {
     }
     HWND Native(const std::string& name) const {
         const HWND native = Look(name);
-        Require(native != nullptr, "was not shown yet: " + name);
+        Require(native != nullptr, "has not been shown yet: " + name);
         return native;
     }
 
-    /// Works in "main" or in "dialog" from now on, once that form is in front and takes input.
+    /// Waits until the form, "main" or "dialog", is in front; the next orders apply to it.
     std::string TakeForm(const Words& words) {
         tree_ = words.at(0) == "dialog" ? &dialog_ : &main_;
         const bool wants_dialog = tree_ == &dialog_;
         Require(ui_automation::WaitFor(
                     [&] {
-                        // Neither messages nor haste: asked for its text each millisecond, the dialog stayed
-                        // hidden and unclosed in each of the three runs that were looked at.
+                        // Do not send messages here, and not often: when its text was read every
+                        // millisecond, the dialog stayed hidden in three of three runs.
                         ::Sleep(50);
                         window_ = program_.Find(kFormClass);
                         return window_ != nullptr &&
@@ -200,7 +200,7 @@ class Operator {
         return "";
     }
 
-    /// Repeats a click that does no harm when it comes twice, until it has done what it should.
+    /// Clicks until the condition holds. Only for a click that may be done twice.
     static void RequireAfter(const std::function<void()>& click, const std::function<bool()>& condition,
                              const std::string& what) {
         const auto end = std::chrono::steady_clock::now() + kLongest;
@@ -210,7 +210,7 @@ class Operator {
         } while (!ui_automation::WaitFor(condition, kMoment));
     }
 
-    /// The program shows the tab and fills its lists only then; while it fills them, it answers nobody.
+    /// Waits until the program has filled the lists of a new tab: until then it answers no message.
     static void Settle(HWND window) {
         constexpr int kAnswers = 4;
         for (int answer = 0; answer < kAnswers; ++answer) {
@@ -219,7 +219,7 @@ class Operator {
         }
     }
 
-    /// A button and the milliseconds between the two clicks. Answers how many it were.
+    /// A button and the milliseconds between two clicks. Answers with the milliseconds that it took.
     std::string ClickTwice(const Words& words) {
         const std::chrono::milliseconds between(std::stoi(words.at(1)));
         return std::to_string(remote_controls::ClickTwice(Native(words.at(0)), between).count());
@@ -249,8 +249,7 @@ class Operator {
         return "";
     }
 
-    /// A list that is filled anew closes, and a click that comes while the program works opens it too early:
-    /// then the operator opens it once more.
+    /// Repeats the choice until it succeeds: the list closes if the program fills it again meanwhile.
     std::string Choose(const Words& words) {
         const HWND native = Native(words.at(0));
         const auto end = std::chrono::steady_clock::now() + kLongest;
@@ -304,7 +303,7 @@ class Operator {
         }
         return list;
     }
-    /// False if the item is out of sight.
+    /// False if the item is not visible.
     static bool ClickItem(HWND list, LRESULT item) {
         RECT place{};
         RECT client{};
@@ -322,7 +321,7 @@ class Operator {
         const HWND native = Look(words.at(0));
         return native != nullptr && ::IsWindowVisible(native) != 0 ? "yes" : "no";
     }
-    /// Of a label that a running command writes to.
+    /// Waits for the caption of a label that a running command changes.
     std::string Await(const Words& words) {
         const HWND label = Native(words.at(0));
         Require(
@@ -346,7 +345,7 @@ class Operator {
         const LRESULT count = ::SendMessageA(native, is_combo ? UINT{CB_GETCOUNT} : UINT{LB_GETCOUNT}, 0, 0);
         Words texts;
         for (LRESULT i = 0; i < count; ++i) {
-            // Asked for 8-bit text, Wine answers for another process's list in 16 bits all the same.
+            // For a list of another process, Wine returns 16-bit text even if 8-bit text is requested.
             wchar_t text[260] = L"";
             ::SendMessageW(native, is_combo ? UINT{CB_GETLBTEXT} : UINT{LB_GETTEXT}, static_cast<WPARAM>(i),
                            reinterpret_cast<LPARAM>(text));
@@ -369,7 +368,7 @@ class Operator {
         return Joined(remote_controls::Row(program_.Process(), list, std::stoi(words.at(1)), columns));
     }
 
-    /// The title and the text of the message box that comes.
+    /// Waits for a message box; answers with its title and its text.
     std::string Box(const Words& /*none*/) {
         const HWND box = program_.Await(kBoxClass, "a message box");
         return Joined({ui_automation::Text(box), ui_automation::Text(ui_automation::Child(box, kBoxTextId))});
@@ -378,20 +377,21 @@ class Operator {
         const HWND box = program_.Await(kBoxClass, "a message box");
         Require(ui_automation::Activate(box), "the message box does not come to the front");
         ui_automation::Press(VK_RETURN);
-        Require(ui_automation::WaitFor([box] { return ::IsWindow(box) == 0; }, kLongest), "the box stays");
+        Require(ui_automation::WaitFor([box] { return ::IsWindow(box) == 0; }, kLongest),
+                "the message box does not close");
         return "";
     }
 
-    /// Of the message box if there is one, else of the form.
+    /// Takes a picture of the message box if there is one, else of the form.
     std::string Picture(const Words& words) {
-        ::SetCursorPos(0, 0); // where it brings up no tool tip
+        ::SetCursorPos(0, 0); // there the pointer shows no tool tip
         const HWND box = program_.Find(kBoxClass);
         Require(ui_automation::TakePicture(box != nullptr ? box : window_, words.at(0)),
                 "no picture can be taken");
         return "";
     }
 
-    /// Keys that are pressed together: "Control+Shift+Tab".
+    /// Presses keys together, for example "Control+Shift+Tab".
     std::string Press(const Words& words) {
         static const std::map<std::string, WORD> keys = {
             {"End", VK_END},       {"Alt", VK_MENU}, {"Control", VK_CONTROL}, {"Shift", VK_SHIFT},
@@ -410,30 +410,30 @@ class Operator {
         }
         return "";
     }
-    /// Where the focus is.
+    /// Types into the control that has the focus.
     std::string Type(const Words& words) {
         ui_automation::Type(words.at(0));
         return "";
     }
 
-    /// The folder at which the dialog for a folder stands.
+    /// The folder that the folder dialog shows.
     std::string Folder(const Words& /*none*/) {
         constexpr int kTreeId = 0x3741;
         const HWND tree = ui_automation::Child(program_.Await(kBoxClass, "the dialog for a folder"), kTreeId);
         return remote_controls::SelectedInTree(program_.Process(), tree);
     }
-    /// Waits for the dialog for a folder or a file.
+    /// Waits for a dialog for a folder or a file.
     std::string Picker(const Words& /*none*/) {
         Require(ui_automation::Activate(program_.Await(kBoxClass, "a dialog for a folder or a file")),
                 "the dialog does not come to the front");
         return "";
     }
-    /// Takes the choice of a dialog for a folder or a file.
+    /// Accepts the choice in a dialog for a folder or a file.
     std::string Pick(const Words& /*none*/) {
         const HWND dialog = program_.Await(kBoxClass, "a dialog to choose in");
         remote_controls::ClickButton(::GetDlgItem(dialog, IDOK));
         Require(ui_automation::WaitFor([dialog] { return ::IsWindow(dialog) == 0; }, kLongest),
-                "the dialog stays");
+                "the dialog does not close");
         return "";
     }
 

@@ -42,10 +42,7 @@ class RemoteMemory {
     char* place_;
 };
 
-} // namespace
-
-namespace {
-
+/// Moves the pointer there and waits until it has stayed there for `rest`.
 void MoveTo(HWND window, int x, int y, std::chrono::milliseconds rest = std::chrono::milliseconds(30)) {
     POINT place{x, y};
     ::ClientToScreen(window, &place);
@@ -65,8 +62,8 @@ void MoveTo(HWND window, int x, int y, std::chrono::milliseconds rest = std::chr
     }
 }
 
-/// A press that comes sooner after the end of a command is dropped as a second click on it.
-constexpr std::chrono::milliseconds kSight{300};
+/// A button ignores a click that follows the end of its command sooner than this, as a double click's second.
+constexpr std::chrono::milliseconds kReaction{300};
 
 POINT MiddleOf(HWND window) {
     RECT client{};
@@ -88,7 +85,7 @@ void Click(HWND window) {
 
 std::chrono::milliseconds ClickTwice(HWND button, std::chrono::milliseconds between) {
     const POINT middle = MiddleOf(button);
-    MoveTo(button, middle.x, middle.y, kSight);
+    MoveTo(button, middle.x, middle.y, kReaction);
     const auto start = std::chrono::steady_clock::now();
     ui_automation::ClickAt(button, middle.x, middle.y);
     std::this_thread::sleep_for(between);
@@ -98,10 +95,10 @@ std::chrono::milliseconds ClickTwice(HWND button, std::chrono::milliseconds betw
 
 void ClickButton(HWND button) {
     constexpr int kPresses = 6;
-    constexpr std::chrono::seconds kNoticed{10}; // of a program that answers, and so takes its input as well
+    constexpr std::chrono::seconds kNoticed{10}; // a program that answers messages also handles its input
     const POINT middle = MiddleOf(button);
     for (int press = 0; press < kPresses; ++press) {
-        MoveTo(button, middle.x, middle.y, kSight);
+        MoveTo(button, middle.x, middle.y, kReaction);
         ui_automation::PressAt(button, middle.x, middle.y);
         const bool down = ui_automation::WaitFor(
             [button] { return (::SendMessageA(button, BM_GETSTATE, 0, 0) & BST_PUSHED) != 0; }, kNoticed);

@@ -58,7 +58,7 @@ void Send(std::vector<INPUT> inputs) {
     ::SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
 }
 
-/// A picture in memory that a device context can paint on.
+/// A bitmap in memory with a device context to paint on it.
 class Canvas {
   public:
     Canvas(HDC screen, int width, int height) : paper_(::CreateCompatibleDC(screen)) {

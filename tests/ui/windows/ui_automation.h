@@ -1,5 +1,5 @@
-// Real mouse and keyboard input for tests on a screen, windows found by their identifiers, and pictures of
-// the screen. It knows no program and no toolkit.
+// Real mouse and keyboard input for tests on a screen. Also finds windows by their identifiers, and takes
+// pictures. It knows no program and no toolkit.
 #pragma once
 
 #include <chrono>
@@ -11,41 +11,41 @@
 
 namespace ui_automation {
 
-/// Waits until the condition holds, letting this thread's windows run meanwhile; false if it takes too long.
+/// Waits until the condition holds, and handles this thread's messages meanwhile. False after `limit`.
 bool WaitFor(const std::function<bool()>& condition,
              std::chrono::milliseconds limit = std::chrono::minutes(1));
 
 /// The window below `top`, at any depth, with this identifier; null if there is no such window.
 HWND Child(HWND top, int id);
 std::string Text(HWND window);
-/// The text of a label or a window, without asking the thread that it belongs to, which may be at work.
+/// The text of a label or a window, read without a message to its thread, which may be busy.
 std::string Caption(HWND window);
 std::string ClassOf(HWND window);
-/// Where the window is in the client area of another.
+/// The window's rectangle in the client area of another window.
 RECT PlaceIn(HWND window, HWND other);
 
-/// Brings the window to the front and waits until the keyboard goes to it.
+/// Brings the window to the front and waits until it has the keyboard's input.
 bool Activate(HWND window);
 
-/// The control that has the focus in the thread of that window, of whatever process.
+/// The control that has the focus in the thread of that window, which may belong to another process.
 HWND FocusIn(HWND top);
 
-/// Presses the left button down there, in the window's client area.
+/// Presses the left mouse button at a point in the window's client area.
 void PressAt(HWND window, int x, int y);
-/// Lets it go again.
+/// Releases the left mouse button there.
 void ReleaseAt(HWND window, int x, int y);
-/// Both at once.
+/// Presses and releases the left mouse button there.
 void ClickAt(HWND window, int x, int y);
-/// In the middle of the window.
+/// Clicks in the middle of the window.
 void Click(HWND window);
-/// The keys of these characters: letters, digits, blanks and the signs of a US keyboard.
+/// Types characters of a US keyboard: letters, digits, blanks and signs.
 void Type(const std::string& text);
-/// Presses a key while others are held.
+/// Presses and releases a key while the `held` keys are down.
 void Press(WORD key, const std::vector<WORD>& held = {});
-/// Presses a key, lets it come down `repeats` times more as a keyboard does, and lets it go.
+/// Presses a key, repeats it `repeats` times as a held key does, and releases it.
 void Hold(WORD key, int repeats);
 
-/// Writes what the screen shows of the window with its frame into a bitmap file.
+/// Writes a bitmap file with what the screen shows of the window and its frame.
 bool TakePicture(HWND window, const std::string& path);
 
 } // namespace ui_automation
