@@ -33,6 +33,8 @@ ROLES = {
     "list view": "table", "progress bar": "progress bar", "tab control": "filler"}
 PASSWORD = "password text"  # the role of a text box whose text cannot be read
 FORMS = {"main": "frmMain", "dialog": "frmStoredProcedures"}
+WINDOW_ROLES = {"main": "frame", "dialog": "dialog"}
+DIALOG_CAPTION = "Run "  # how the caption of the program's own dialog begins
 HELD_KEYS = {"Alt": "Alt_L", "Control": "Control_L", "Shift": "Shift_L"}
 State = Atspi.StateType
 
@@ -194,7 +196,8 @@ class Program:
 
     def picker(self):
         """The visible dialog for a folder or a file, or None."""
-        return next((window for window in self.windows() if window.get_role_name() == "dialog"), None)
+        return next((window for window in self.windows() if window.get_role_name() == "dialog"
+                     and not window.get_name().startswith(DIALOG_CAPTION)), None)
 
     def ends(self):
         try:
@@ -293,9 +296,11 @@ class Operator:
         """Waits until the form, "main" or "dialog", is in front; the next orders apply to it."""
         def in_front():
             self.window = next((window for window in self.program.windows() if has(window, State.ACTIVE)
-                                and window.get_name().startswith("Run ") == (name == "dialog")), None)
+                                and window.get_name().startswith(DIALOG_CAPTION) == (name == "dialog")), None)
             return self.window
         require(wait_for(in_front), "the form does not come to the front: " + name)
+        role = self.window.get_role_name()
+        require(role == WINDOW_ROLES[name], f"the form is a {role} and not a {WINDOW_ROLES[name]}: {name}")
         self.form, self.found = FORMS[name], {}
         return self.window.get_name()
 

@@ -1,7 +1,12 @@
-// Shows one of the console's forms until it is closed, for accessible_form_test.py. Writes a line for each
-// control on the terminal: tab (-1 outside the tabs), kind, identifier, caption, tool tip, separated by tabs.
+// Shows one of the console's forms until it is closed, for the tests that read it as assistive technology
+// does (accessible_tree.py). Writes a line for each control on the terminal: tab (-1 outside the tabs), kind,
+// identifier, caption, tool tip, separated by tabs. Later it writes a line for each text that is entered into
+// the domain's name or the dialog's value, and for each click on "Create and Install script files".
 //
-//   shown_form main|dialog
+//   shown_form main|grey|dialog
+//
+// "grey" is the main form with the Upgrade tab disabled until "Standard Synchronize" on the Script tab is
+// clicked. "dialog" is the dialog above the main form.
 #include <cstdio>
 #include <string>
 
@@ -38,30 +43,73 @@ void Describe(const ui::Form& form) {
     std::fflush(stdout);
 }
 
-/// States that the test looks for.
+void ReportText(ui::Form& form, const char* name) {
+    auto& box = form.Get<ui::TextBox>(name);
+    box.on_change = [&box, name] {
+        std::printf("%s %s\n", name, box.Text().c_str());
+        std::fflush(stdout);
+    };
+}
+
+void ReportClick(ui::OptionButton& button) {
+    button.on_click = [&button] {
+        std::printf("%s clicked\n", button.Name());
+        std::fflush(stdout);
+    };
+}
+
+void CloseByButton(ui::Form& form) {
+    form.Get<ui::CommandButton>("cmdClose").on_click = [&form] { form.Unload(); };
+}
+
+/// States that the tests look for.
 void Fill(ui::Form& form) {
-    if (form.Find("tabMain") == nullptr) {
-        return;
-    }
     form.Get<ui::TextBox>("edtUserID", 0).Text("a user");
     form.Get<ui::TextBox>("edtPassword", 0).Text("Geheim1");
     form.Get<ui::CheckBox>("chkStandardSynchronize").Value(1);
     form.Get<ui::CommandButton>("cmdRename").Enabled(false);
 }
 
+void DisableUpgradeTab(ui::Form& form) {
+    auto& tabs = form.Get<ui::TabControl>("tabMain");
+    tabs.TabEnabled(kv::kUpgradeTab, false);
+    form.Get<ui::CheckBox>("chkStandardSynchronize").on_click = [&tabs] {
+        tabs.TabEnabled(kv::kUpgradeTab, true);
+    };
+}
+
+/// Until it is closed.
+void ShowDialog(ui::Form& owner) {
+    ui::Form dialog(kv::ProceduresFormDesign());
+    ReportText(dialog, "edtValue");
+    CloseByButton(dialog);
+    Describe(dialog);
+    ui::ShowModally(dialog, owner);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    const bool dialog = argc > 1 && std::string(argv[1]) == "dialog";
-    ui::Form form(dialog ? kv::ProceduresFormDesign() : kv::MainFormDesign());
+    const std::string which = argc > 1 ? argv[1] : "main";
+    ui::Form form(kv::MainFormDesign());
     const auto window = ui::MakeWindow(form);
     if (!window) {
         std::fputs("there is no screen\n", stderr);
         return 1;
     }
     Fill(form);
+    if (which == "grey") {
+        DisableUpgradeTab(form);
+    }
+    ReportText(form, "edtDomainName");
+    ReportClick(form.Get<ui::OptionButton>("optCreateInstallScriptFiles", 1));
+    CloseByButton(form);
     window->Show();
-    Describe(form);
+    if (which == "dialog") {
+        ShowDialog(form);
+    } else {
+        Describe(form);
+    }
     window->RunUntilClosed();
     return 0;
 }

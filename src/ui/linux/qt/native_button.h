@@ -1,9 +1,11 @@
-// A command button that knows whether a click came from the keyboard or mouse, and an option button whose
-// caption is data, which may be too long for its place.
+// A command button that knows whether a click came from the keyboard or mouse, check boxes and option buttons
+// that know whether a click changes them, and an option button whose caption is data, which may be too long
+// for its place.
 #pragma once
 
 #include <utility>
 
+#include <QCheckBox>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -45,11 +47,33 @@ class NativeButton final : public QPushButton {
     bool by_input_ = false;
 };
 
+/// Assistive technology changes a check box or an option button without a click.
+class ClickWitness {
+  public:
+    bool IsBeingClicked() const { return being_clicked_; }
+
+  protected:
+    bool being_clicked_ = false;
+};
+
+template <typename Button>
+class NativeToggle : public Button, public ClickWitness {
+  public:
+    using Button::Button;
+
+  protected:
+    void nextCheckState() override {
+        being_clicked_ = true;
+        Button::nextCheckState();
+        being_clicked_ = false;
+    }
+};
+
 /// Shows its caption with every "&". A caption that is too long has an ellipsis in its middle, and the whole
 /// caption is the tool tip.
-class NativeDataOption final : public QRadioButton {
+class NativeDataOption final : public NativeToggle<QRadioButton> {
   public:
-    using QRadioButton::QRadioButton;
+    using NativeToggle::NativeToggle;
 
     void SetCaption(const QString& caption);
 

@@ -1,7 +1,6 @@
 #include "ui/linux/qt/native_control.h"
 
 #include <QAbstractItemView>
-#include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
@@ -10,9 +9,9 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 
+#include "ui/linux/qt/accessible.h"
 #include "ui/linux/qt/native_button.h"
 #include "ui/linux/qt/native_list_view.h"
-#include "ui/linux/qt/secret_line.h"
 #include "ui/linux/qt/text.h"
 
 namespace ui {
@@ -65,14 +64,14 @@ QWidget* MakeCommandButton(const Control& control, QWidget* parent) {
 }
 
 QWidget* MakeCheckBox(const Control& control, QWidget* parent) {
-    return new QCheckBox(ToQt(control.Design().caption), parent);
+    return new NativeToggle<QCheckBox>(ToQt(control.Design().caption), parent);
 }
 
 QWidget* MakeOptionButton(const Control& control, QWidget* parent) {
     if ((control.Design().traits & kData) != 0) {
         return new NativeDataOption(parent);
     }
-    return new QRadioButton(parent);
+    return new NativeToggle<QRadioButton>(parent);
 }
 
 QWidget* MakeComboBox(const Control& control, QWidget* parent) {

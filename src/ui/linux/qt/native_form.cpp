@@ -1,6 +1,7 @@
 #include "ui/linux/qt/native_form.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include <QApplication>
 #include <QLabel>
@@ -40,6 +41,16 @@ QString CaptionAround(const Control& control) {
 
 bool TakesText(Kind kind) {
     return kind == Kind::TextBox || kind == Kind::ComboBox || kind == Kind::ListBox;
+}
+
+bool Browses(const Control& control) {
+    return control.Kind() == Kind::CommandButton && std::string_view(control.Design().caption) == "...";
+}
+
+/// With the frame: both servers have a box of the same name.
+QString NameOfBrowseButton(const Control& button, QString box) {
+    const QString around = CaptionAround(button);
+    return "Browse: " + (box.isEmpty() ? around : box.remove(':') + ", " + around);
 }
 
 } // namespace
@@ -181,10 +192,12 @@ void NativeForm::OrderTabKey() {
     }
 }
 
-/// Gives each control its name for screen readers. A label names the box that comes next; a control with
-/// neither label nor caption is called by its tool tip, else by the caption of its frame.
+/// Gives each control its name for screen readers. A label names the box that comes next, and the button that
+/// browses for the box's value; a control with neither label nor caption is called by its tool tip, else by
+/// the caption of its frame.
 void NativeForm::NameBoxes() {
     const Control* label = nullptr;
+    QString box; // the label's text of the box that came last
     for (NativeControl& native : natives_) {
         if (native.widget == nullptr) {
             continue;
@@ -198,8 +211,12 @@ void NativeForm::NameBoxes() {
             label != nullptr && label->Parent() == control.Parent() && TakesText(control.Kind());
         if (labelled) {
             static_cast<QLabel*>(NativeOf(*label).widget)->setBuddy(native.widget);
-            // Qt names a line of text by its label, but not a list.
-            native.widget->setAccessibleName(WithoutMnemonic(label->Design().caption));
+            box = WithoutMnemonic(label->Design().caption);
+            native.widget->setAccessibleName(box); // Qt names a line of text by its label, but not a list
+        } else if (TakesText(control.Kind())) {
+            box.clear();
+        } else if (Browses(control)) {
+            native.widget->setAccessibleName(NameOfBrowseButton(control, box));
         }
         label = nullptr;
         const bool captioned = control.Design().caption[0] != '\0';

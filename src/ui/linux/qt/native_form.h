@@ -56,9 +56,11 @@ class NativeForm final : public Window, private Mirror, private QObject {
     void Listen(NativeControl& native);
     void ListenToText(NativeControl& native);
     void ListenToButton(NativeControl& native);
+    void ListenToToggle(NativeControl& native);
     void ListenToComboBox(NativeControl& native);
     void ListenToListBox(NativeControl& native);
     void ListenToTabs(NativeControl& native);
+    void ReportClick(NativeControl& native);
     /// Runs `act`, which reports to the form, unless this class itself changed the native control. An
     /// exception is kept for RunUntilClosed: it may not pass through Qt's functions.
     void Report(const std::function<void()>& act);

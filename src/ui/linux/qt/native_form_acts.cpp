@@ -34,7 +34,8 @@ void NativeForm::Report(const std::function<void()>& act) {
 void NativeForm::ListenToText(NativeControl& native) {
     auto& box = static_cast<TextBox&>(*native.control);
     if (auto* line = qobject_cast<QLineEdit*>(native.widget)) {
-        QObject::connect(line, &QLineEdit::textEdited, line, [this, &native, &box](const QString& text) {
+        // Not textEdited, which is not sent for a text that assistive technology enters.
+        QObject::connect(line, &QLineEdit::textChanged, line, [this, &native, &box](const QString& text) {
             Stale(native, Property::Text);
             Report([&] { Edit(box, FromQt(text)); });
         });
@@ -46,21 +47,36 @@ void NativeForm::ListenToText(NativeControl& native) {
     });
 }
 
+void NativeForm::ReportClick(NativeControl& native) {
+    Stale(native, Property::Value);
+    Report([&] {
+        if (native.control->Kind() == Kind::CheckBox) {
+            Click(static_cast<CheckBox&>(*native.control));
+        } else if (native.control->Kind() == Kind::OptionButton) {
+            Click(static_cast<OptionButton&>(*native.control));
+        } else {
+            const bool by_input = static_cast<NativeButton*>(native.widget)->TakeByInput();
+            Click(static_cast<CommandButton&>(*native.control),
+                  by_input ? std::optional(last_press_) : std::nullopt);
+        }
+    });
+}
+
 void NativeForm::ListenToButton(NativeControl& native) {
     auto* widget = static_cast<QAbstractButton*>(native.widget);
-    QObject::connect(widget, &QAbstractButton::clicked, widget, [this, &native] {
-        Stale(native, Property::Value);
-        Report([&] {
-            if (native.control->Kind() == Kind::CheckBox) {
-                Click(static_cast<CheckBox&>(*native.control));
-            } else if (native.control->Kind() == Kind::OptionButton) {
-                Click(static_cast<OptionButton&>(*native.control));
-            } else {
-                const bool by_input = static_cast<NativeButton*>(native.widget)->TakeByInput();
-                Click(static_cast<CommandButton&>(*native.control),
-                      by_input ? std::optional(last_press_) : std::nullopt);
-            }
-        });
+    QObject::connect(widget, &QAbstractButton::clicked, widget, [this, &native] { ReportClick(native); });
+}
+
+/// Of two option buttons, the one that is cleared is not reported.
+void NativeForm::ListenToToggle(NativeControl& native) {
+    ListenToButton(native);
+    auto* widget = static_cast<QAbstractButton*>(native.widget);
+    const auto* witness = dynamic_cast<const ClickWitness*>(native.widget);
+    const bool option = native.control->Kind() == Kind::OptionButton;
+    QObject::connect(widget, &QAbstractButton::toggled, widget, [=, this, &native](bool checked) {
+        if (!showing_ && !witness->IsBeingClicked() && (checked || !option)) {
+            ReportClick(native);
+        }
     });
 }
 
@@ -119,9 +135,11 @@ void NativeForm::Listen(NativeControl& native) {
         ListenToText(native);
         break;
     case Kind::CommandButton:
+        ListenToButton(native);
+        break;
     case Kind::CheckBox:
     case Kind::OptionButton:
-        ListenToButton(native);
+        ListenToToggle(native);
         break;
     case Kind::ComboBox:
         ListenToComboBox(native);

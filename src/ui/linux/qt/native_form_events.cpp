@@ -112,16 +112,12 @@ void NativeForm::BringAllInLine() {
 void NativeForm::BringTabsInLine(NativeControl& native) {
     const auto& tabs = static_cast<const TabControl&>(*native.control);
     native.stale = 0;
-    QTabBar& bar = tabs_->Bar();
     // A disabled tab cannot be the current one in Qt, and the form's may be: it goes on being shown until
     // another is chosen.
     for (int tab = 0; tab < tabs.Tabs(); ++tab) {
-        const bool enabled = tabs.TabEnabled(tab) || tab == tabs.Tab();
-        if (bar.isTabEnabled(tab) != enabled) {
-            bar.setTabEnabled(tab, enabled);
-        }
+        tabs_->EnableTab(tab, tabs.TabEnabled(tab) || tab == tabs.Tab());
     }
-    bar.setCurrentIndex(tabs.Tab());
+    tabs_->Bar().setCurrentIndex(tabs.Tab());
     tabs_->update();
     for (const NativeControl& page : natives_) {
         if (page.control->Parent() == native.control && page.widget != nullptr) {

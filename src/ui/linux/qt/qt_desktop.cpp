@@ -13,7 +13,7 @@
 #include <QScreen>
 
 #include "platform/pending_events.h"
-#include "ui/linux/qt/secret_line.h"
+#include "ui/linux/qt/accessible.h"
 #include "ui/linux/qt/text.h"
 
 namespace ui {
@@ -127,7 +127,7 @@ QtDesktop::QtDesktop(const std::string& qt_platform) : application_(OpenApplicat
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setQuitLockEnabled(false);
     QApplication::setWindowIcon(QIcon(":/icons/program.ico"));
-    SecretLine::HideFromAssistiveTechnology();
+    CorrectAccessibleInterfaces();
 }
 
 void QtDesktop::ShowMessageBox(const std::string& text, platform::MessageIcon icon,

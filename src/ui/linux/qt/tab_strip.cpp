@@ -1,5 +1,6 @@
 #include "ui/linux/qt/tab_strip.h"
 
+#include <QAccessible>
 #include <QStyleOptionTabWidgetFrame>
 #include <QStylePainter>
 
@@ -17,6 +18,20 @@ TabStrip::TabStrip(const TabControl& tabs, QWidget* parent) : QWidget(parent), b
     bar_->setUsesScrollButtons(false);
     bar_->setExpanding(false);
     bar_->setFocusPolicy(Qt::TabFocus);
+}
+
+void TabStrip::EnableTab(int index, bool enabled) {
+    if (bar_->isTabEnabled(index) == enabled) {
+        return;
+    }
+    bar_->setTabEnabled(index, enabled);
+    if (QAccessible::isActive()) {
+        QAccessible::State changed;
+        changed.disabled = true;
+        QAccessibleStateChangeEvent event(bar_, changed);
+        event.setChild(index);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 void TabStrip::ChooseNext(int direction, bool around) {

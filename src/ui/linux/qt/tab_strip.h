@@ -16,6 +16,8 @@ class TabStrip final : public QWidget {
     TabStrip(const TabControl& tabs, QWidget* parent);
 
     QTabBar& Bar() { return *bar_; }
+    /// Also reports the change to assistive technology, which Qt does not.
+    void EnableTab(int index, bool enabled);
     /// Chooses the next tab in that direction (1 or -1) that can be chosen, as the operator does; `around`
     /// goes on at the other end. Does nothing if there is no such tab.
     void ChooseNext(int direction, bool around);
