@@ -11,7 +11,7 @@ BUILD_PACKAGES="build-essential cmake ninja-build ccache libgtest-dev libgmock-d
 # python3-pkg-resources: python3-tds looks for its own version with it and does not depend on it.
 RUN_PACKAGES="tdsodbc freetds-bin python3 python3-pymssql python3-pyodbc python3-tds python3-pkg-resources"
 # The programs that work at the console on Linux read its windows as a screen reader does.
-SCREEN_PACKAGES="xvfb openbox xdotool imagemagick dbus-daemon at-spi2-core gir1.2-atspi-2.0 python3-gi python3-pyatspi python3-xlib"
+SCREEN_PACKAGES="xvfb openbox weston qt6-wayland xdotool imagemagick dbus-daemon at-spi2-core gir1.2-atspi-2.0 python3-gi python3-pyatspi python3-xlib"
 WINDOWS_PACKAGES="g++-mingw-w64-x86-64 g++-mingw-w64-i686 lld wine wine64 tcl $SCREEN_PACKAGES"
 STYLE_PACKAGES="clang-format clang-tidy"
 PACKAGING_PACKAGES="msitools wixl faketime pandoc xz-utils dpkg-dev"

@@ -58,6 +58,7 @@ PACKAGES = {
                  "This package holds the program, its query tool and sample scripts."]},
     "kvlsqldbmgr-console": {
         "fill": _console, "section": "database", "depends": f"kvlsqldbmgr (= {VERSION})",
+        "recommends": "qt6-wayland",
         "about": "window of the Lotkeeper database manager",
         "more": ["The console of the database manager of the Lotkeeper server: one window with",
                  "seven tabs for scripts, synchronisation, upgrade, replication, tables and",

@@ -55,6 +55,10 @@ class Packages(unittest.TestCase):
         self.assertNotIn("qt", control.lower())
         self.assertNotIn("libx11", control.lower())
 
+    def test_the_console_recommends_the_plugin_for_wayland(self):
+        control = run(["dpkg-deb", "--field", package("kvlsqldbmgr-console_{version}_amd64.deb"), "Recommends"])
+        self.assertEqual(control.strip(), "qt6-wayland")
+
 
 class CleanRoot(unittest.TestCase):
     @classmethod
