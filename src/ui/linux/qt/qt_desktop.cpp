@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <clocale>
+#include <thread>
 
 #include <QCloseEvent>
 #include <QIcon>
@@ -11,6 +12,9 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QTimer>
+
+#include <fontconfig/fontconfig.h>
 
 #include "platform/pending_events.h"
 #include "ui/linux/qt/accessible.h"
@@ -39,6 +43,16 @@ void TakeMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QS
     }
 }
 
+/// Reads the configuration of the fonts, which Qt would do at the first text. It takes as long as opening the
+/// display. Qt sets the process's locale meanwhile, so this has a locale of its own: it reads numbers.
+void ReadFontConfiguration() {
+    const locale_t own = ::newlocale(LC_ALL_MASK, "C", nullptr);
+    ::uselocale(own);
+    ::FcInit();
+    ::uselocale(LC_GLOBAL_LOCALE);
+    ::freelocale(own);
+}
+
 std::unique_ptr<QApplication> OpenApplication(const std::string& qt_platform) {
     // Qt keeps references to both for as long as it lives.
     static std::string name = program_invocation_short_name;
@@ -47,6 +61,7 @@ std::unique_ptr<QApplication> OpenApplication(const std::string& qt_platform) {
     static std::array arguments = {name.data(), option.data(), value.data(), static_cast<char*>(nullptr)};
     static int count = static_cast<int>(arguments.size()) - 1;
     const KeepLocale keep;
+    const std::jthread fonts(ReadFontConfiguration); // at the same time
     qInstallMessageHandler(TakeMessage);
     return std::make_unique<QApplication>(count, arguments.data());
 }
@@ -126,7 +141,8 @@ QtDesktop::QtDesktop(const std::string& qt_platform) : application_(OpenApplicat
     // Each window ends its own loop; the program does not end when a message box closes.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setQuitLockEnabled(false);
-    QApplication::setWindowIcon(QIcon(":/icons/program.ico"));
+    // While the display brings up the first window: reading pictures loads several plugins.
+    QTimer::singleShot(0, qApp, [] { QApplication::setWindowIcon(QIcon(":/icons/program.ico")); });
     CorrectAccessibleInterfaces();
 }
 
