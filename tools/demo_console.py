@@ -2,9 +2,11 @@
 # what can be tried. When the window is closed, the servers are stopped and all files deleted.
 #
 #   demo_console.py SERVER_BIN_FOLDER PROGRAM_BIN_FOLDER [--windows]
+import contextlib
 import os
 import shlex
 import shutil
+import signal
 import subprocess
 import sys
 
@@ -16,6 +18,7 @@ from upgraded_samples_test import USE_OF_VERSION_1  # noqa: E402
 FOLDER = os.path.join(TOP, "build", "demo-console")
 LOTKEEPER = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper\\CustomFunctions"
 SETTINGS = "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr\\Settings"
+INTERRUPTED = 130  # the exit code of a program that Ctrl+C ended
 DISPLAYS = ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")
 
 WHAT_TO_TRY = """
@@ -76,7 +79,14 @@ def open_console(machine, more):
     return subprocess.run([machine.program], env=machine.environment | displays, cwd=machine.install, check=False).returncode
 
 
+def stop_as_by_ctrl_c():
+    """Also when the terminal is closed or the process is told to end: the folder holds passwords."""
+    for number in (signal.SIGTERM, signal.SIGHUP):
+        signal.signal(number, signal.default_int_handler)
+
+
 def main():
+    stop_as_by_ctrl_c()
     servers_bin, program_bin = (os.path.abspath(argument) for argument in sys.argv[1:3])
     wine = "--windows" in sys.argv[3:]
     shutil.rmtree(FOLDER, ignore_errors=True)
@@ -93,9 +103,13 @@ def main():
             more = remember(console, settings(console, (a, b), console.scripts, [node.data for node in nodes]))
             print(WHAT_TO_TRY, flush=True)
             code = open_console(console, more)
+        how = "the window is closed"
+    except KeyboardInterrupt:
+        how, code = "interrupted", INTERRUPTED
     finally:
         shutil.rmtree(FOLDER, ignore_errors=True)
-    print("demo: the window is closed, the servers are stopped.")
+    with contextlib.suppress(OSError):  # the terminal may be closed
+        print(f"demo: {how}, the servers are stopped and their files deleted.", flush=True)
     sys.exit(code)
 
 
