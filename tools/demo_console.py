@@ -69,13 +69,22 @@ def install(machine, server):
         server.ask(statement, "Batch")
 
 
+def open_under_wine(machine, more, displays):
+    """In a Wine prefix of its own, whose registry with the passwords is deleted with the folder."""
+    environment = machine.wine_environment() | displays | {"WINEPREFIX": os.path.join(FOLDER, "wine")}
+    command = machine.with_registry(shlex.join([RUNNER, machine.program]), more)
+    try:
+        return subprocess.run(["sh", "-c", command], env=environment, cwd=machine.install, check=False).returncode
+    finally:
+        for end in ("-k", "-w"):  # Wine's own processes would stay for an hour
+            subprocess.run(["wineserver", end], env=environment, check=False, timeout=60)
+
+
 def open_console(machine, more):
     """Returns when the window is closed."""
     displays = {name: os.environ[name] for name in DISPLAYS if name in os.environ}
     if machine.wine:
-        command = machine.with_registry(shlex.join([RUNNER, machine.program]), more)
-        return subprocess.run(["sh", "-c", command], env=machine.wine_environment() | displays, cwd=machine.install,
-                              check=False).returncode
+        return open_under_wine(machine, more, displays)
     return subprocess.run([machine.program], env=machine.environment | displays, cwd=machine.install, check=False).returncode
 
 
