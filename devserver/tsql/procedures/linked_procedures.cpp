@@ -9,6 +9,12 @@
 #include "devserver/tsql/session/server.h"
 
 namespace devsql {
+
+namespace embedded { // The .sql files of this folder.
+extern const std::string_view kHelpServer;
+extern const std::string_view kListLinkedServers;
+} // namespace embedded
+
 namespace {
 
 constexpr std::string_view kOwnProduct = "SQL Server";
@@ -209,9 +215,7 @@ std::int32_t ServerOption(SystemCall& call) {
 }
 
 std::int32_t ListLinkedServers(SystemCall& call) {
-    call.Run("SELECT srvname AS SRV_NAME, providername AS SRV_PROVIDERNAME, srvproduct AS SRV_PRODUCT, "
-             "datasource AS SRV_DATASOURCE, providerstring AS SRV_PROVIDERSTRING, location AS SRV_LOCATION, "
-             "catalog AS SRV_CAT FROM master.dbo.sysservers ORDER BY srvname");
+    call.Run(embedded::kListLinkedServers);
     return 0;
 }
 
@@ -219,14 +223,7 @@ std::int32_t HelpServer(SystemCall& call) {
     if (!call.IsNull("@server")) {
         Require(call, "@server");
     }
-    call.Run("SELECT srvname AS name, srvnetname AS network_name, CONVERT(varchar(100), "
-             "CASE rpc WHEN 1 THEN 'rpc,' ELSE '' END + CASE rpcout WHEN 1 THEN 'rpc out,' ELSE '' END + "
-             "CASE pub WHEN 1 THEN 'pub,' ELSE '' END + CASE sub WHEN 1 THEN 'sub,' ELSE '' END + "
-             "CASE dist WHEN 1 THEN 'dist,' ELSE '' END + CASE dataaccess WHEN 1 THEN 'data access,' ELSE '' "
-             "END) AS status, CONVERT(char(4), srvid) AS id, CONVERT(sysname, NULL) AS collation_name, "
-             "connecttimeout AS connect_timeout, querytimeout AS query_timeout FROM master.dbo.sysservers "
-             "WHERE @p1 = N'' OR srvname = @p1 ORDER BY srvname",
-             {call.Text("@server")});
+    call.Run(embedded::kHelpServer, {call.Text("@server")});
     return 0;
 }
 

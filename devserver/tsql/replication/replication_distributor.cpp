@@ -12,21 +12,21 @@
 
 namespace devsql {
 
+namespace embedded { // The .sql files of this folder.
+extern const std::string_view kAddAgentJob;
+extern const std::string_view kDropAgentJob;
+} // namespace embedded
+
 bool SaysTrue(const std::string& text) {
     return AsciiEqual(TrimTrailingBlanks(text), "true");
 }
 
 void AddAgentJob(SystemCall& call, const std::string& name, const std::string& category) {
-    call.Run("IF NOT EXISTS (SELECT * FROM msdb.dbo.sysjobs WHERE name = @p1) EXEC msdb.dbo.sp_add_job "
-             "@job_name = @p1, @enabled = 1, @category_name = @p2, @description = N'No description "
-             "available.'",
-             {name, category});
+    call.Run(embedded::kAddAgentJob, {name, category});
 }
 
 void DropAgentJob(SystemCall& call, const std::string& name) {
-    call.Run("IF EXISTS (SELECT * FROM msdb.dbo.sysjobs WHERE name = @p1) EXEC msdb.dbo.sp_delete_job "
-             "@job_name = @p1",
-             {name});
+    call.Run(embedded::kDropAgentJob, {name});
 }
 
 namespace {
