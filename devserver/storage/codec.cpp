@@ -158,27 +158,43 @@ Value DecodeValue(sqlite3_value* value, const Type& type) {
     if (sqlite3_value_type(value) == SQLITE_NULL) {
         return {};
     }
-    if (IsApproximate(type.id)) {
+    using enum TypeId;
+    switch (type.id) { // Not by the kinds of type_rules.h: every value of every row is read here.
+    case Real:
+    case Float:
         return sqlite3_value_double(value);
-    }
-    if (IsDecimal(type.id)) {
+    case TypeId::Decimal:
+    case Numeric:
         return DecodeDecimal(value, type.scale);
-    }
-    if (IsMoney(type.id)) {
+    case Money:
+    case SmallMoney:
         return DecodeDecimal(value, 4);
-    }
-    if (IsDateTime(type.id)) {
+    case TypeId::DateTime:
+    case SmallDateTime:
+    case Date:
         return DecodeDateTime(sqlite3_value_int64(value));
-    }
-    if (IsCharacter(type.id)) {
+    case Char:
+    case VarChar:
+    case Text:
+    case NChar:
+    case NVarChar:
+    case NText: {
         const unsigned char* text = sqlite3_value_text(value);
         return std::string(text, text + sqlite3_value_bytes(value));
     }
-    if (IsBinary(type.id)) {
+    case Binary:
+    case VarBinary:
+    case Image:
+    case Timestamp:
         return Bytes{BlobOf(value)};
-    }
-    if (type.id == TypeId::UniqueIdentifier) {
+    case UniqueIdentifier:
         return DecodeGuid(value);
+    case Bit:
+    case TinyInt:
+    case SmallInt:
+    case Int:
+    case BigInt:
+        break;
     }
     return sqlite3_value_int64(value);
 }

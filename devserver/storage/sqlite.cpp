@@ -13,6 +13,11 @@ namespace devsql {
 namespace {
 
 constexpr std::size_t kCachedStatements = 100;
+/// How much of each file SQLite keeps in memory. Rows in the order of a key lie all over the file: with the 2
+/// MB that are SQLite's own, nearly each of them costs a call of the system.
+constexpr std::string_view kCachePragma = "cache_size=-131072"; // KiB
+/// Beyond this the connections of the server, all together, use their pages again instead of taking more.
+constexpr std::int64_t kMostMemory = std::int64_t{256} * 1024 * 1024;
 
 int Compare(void*, int left_size, const void* left, int right_size, const void* right) {
     return CompareText({static_cast<const char*>(left), static_cast<std::size_t>(left_size)},
@@ -189,6 +194,9 @@ void FinishAggregate(sqlite3_context* context) {
 // ------------------------------------------------------------------ connections
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& file) {
+    static const std::int64_t limit_before =
+        sqlite3_soft_heap_limit64(kMostMemory); // Once: it is the process's.
+    static_cast<void>(limit_before);
     const int code =
         sqlite3_open_v2(Utf8(file).c_str(), &handle_,
                         SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
@@ -208,7 +216,8 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file) {
         // A file takes its journal mode once, when it is made and there is nothing to lose: eight waits for
         // the disk at each start and each CREATE DATABASE otherwise.
         Execute("PRAGMA synchronous=OFF; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
-                "PRAGMA temp_store=FILE");
+                "PRAGMA temp_store=FILE; PRAGMA " +
+                std::string(kCachePragma));
     } catch (...) {
         sqlite3_close_v2(handle_);
         throw;
@@ -284,6 +293,7 @@ void SqliteConnection::Attach(const std::filesystem::path& file, const std::stri
     }
     Execute("ATTACH " + QuoteText(Utf8(file)) + " AS " + QuoteName(alias));
     try {
+        Execute("PRAGMA " + QuoteName(alias) + "." + std::string(kCachePragma));
         if (!InTransaction()) { // Within one, neither can be changed; the file has its journal mode already.
             Execute("PRAGMA " + QuoteName(alias) + ".journal_mode=WAL; PRAGMA " + QuoteName(alias) +
                     ".synchronous=NORMAL");
