@@ -2,6 +2,7 @@
 // Knows no message in particular.
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -14,9 +15,11 @@ namespace devsql::tds {
 
 template <std::unsigned_integral T>
 void AppendLe(std::string& out, T value) {
+    std::array<char, sizeof(T)> bytes{};
     for (std::size_t i = 0; i < sizeof(T); ++i) {
-        out.push_back(static_cast<char>(static_cast<std::uint8_t>(value >> (8 * i))));
+        bytes[i] = static_cast<char>(static_cast<std::uint8_t>(value >> (8 * i)));
     }
+    out.append(bytes.data(), bytes.size());
 }
 
 inline void AppendByte(std::string& out, std::uint8_t value) {

@@ -91,7 +91,7 @@ void Connection::Refuse(const ProtocolError& error) {
 bool Connection::Enter() {
     try {
         const std::optional<ClientMessage> message =
-            ReadLogin(std::chrono::steady_clock::now() + login_time_);
+            ReadLogin(Until(std::chrono::steady_clock::now() + login_time_));
         return message && LogIn(*message);
     } catch (const ProtocolError& error) {
         Refuse(error);
@@ -103,14 +103,14 @@ bool Connection::Enter() {
     return false;
 }
 
-std::optional<ClientMessage> Connection::ReadLogin(std::chrono::steady_clock::time_point deadline) {
-    std::optional<ClientMessage> message = ReadMessage(socket_, kLargestLoginMessage, deadline);
+std::optional<ClientMessage> Connection::ReadLogin(const ReadWait& wait) {
+    std::optional<ClientMessage> message = ReadMessage(socket_, kLargestLoginMessage, wait);
     // A client of 7.1 may begin with its login.
     if (message && message->type == PacketType::PreLogin) {
         ParsePreLogin(message->data);
         packets_.Append(PreLoginAnswer());
         packets_.EndMessage();
-        message = ReadMessage(socket_, kLargestLoginMessage, deadline);
+        message = ReadMessage(socket_, kLargestLoginMessage, wait);
     }
     if (message && message->type == PacketType::OldLogin) {
         // A client of before 7.0 would read an error in another layout: it gets the end and no answer.
@@ -169,12 +169,10 @@ void Connection::AnswerLogin(const Login& login, Response& response) {
 
 void Connection::ReadRequests() {
     try {
-        while (WaitForInput()) {
-            std::optional<ClientPacket> first = ReadPacket(socket_, std::nullopt);
-            if (!first || !ReadRequest(std::move(*first))) {
-                return;
-            }
-        }
+        std::optional<ClientPacket> first;
+        do {
+            first = ReadPacket(socket_, wait_);
+        } while (first && ReadRequest(std::move(*first)));
     } catch (const ConnectionLost&) {
         return;
     } catch (const ProtocolError& error) {
@@ -188,7 +186,7 @@ bool Connection::ReadRequest(ClientPacket first) {
     if (first.type == PacketType::BulkLoad) {
         return ReadBulk(std::move(first));
     }
-    return Deliver(ReadRest(socket_, std::move(first), kLargestMessage, std::nullopt));
+    return Deliver(ReadRest(socket_, std::move(first), kLargestMessage, wait_));
 }
 
 bool Connection::ReadBulk(ClientPacket first) {
@@ -201,7 +199,7 @@ bool Connection::ReadBulk(ClientPacket first) {
     }
     try {
         for (ClientPacket packet = std::move(first);;
-             packet = ReadNextPacket(socket_, PacketType::BulkLoad, std::nullopt)) {
+             packet = ReadNextPacket(socket_, PacketType::BulkLoad, wait_)) {
             packets->Put(packet.data);
             if (packet.IsLast()) {
                 packets->End(packet.IsIgnored() ? State::TakenBack : State::Whole);

@@ -39,7 +39,7 @@ class Connection {
   private:
     /// Reads and answers the prelogin and the login. False if the client is not logged in.
     bool Enter();
-    std::optional<ClientMessage> ReadLogin(std::chrono::steady_clock::time_point deadline);
+    std::optional<ClientMessage> ReadLogin(const ReadWait& wait);
     bool LogIn(const ClientMessage& message);
     void AnswerLogin(const Login& login, Response& response);
     /// Logs in as the client asked, with the settings that its kind expects; null when refused.
@@ -50,7 +50,7 @@ class Connection {
 
     // Called by the reading thread.
     void ReadRequests();
-    /// Waits for bytes; false when the connection is to end.
+    /// Waits for bytes; false when the connection is to end, be it within a message.
     bool WaitForInput();
     /// Reads the message that begins with `first` and hands it to the working thread. False when the
     /// connection is to end.
@@ -90,6 +90,7 @@ class Connection {
     Engine& engine_;
     const bool refused_;
     const std::chrono::milliseconds login_time_;
+    const ReadWait wait_ = [this](const Socket&) { return WaitForInput(); };
     PacketWriter packets_;
     TokenWriter tokens_;
     LoginRequest login_request_;

@@ -127,8 +127,13 @@ void Connection::RunBulk(const ClientMessage& message, Response& response) {
     response.Begin(Response::Kind::Batch);
     BulkReader rows(*message.rows, tokens_.version());
     session_->LoadRows(rows, response);
-    // The client writes to the end before it reads: what a load that failed has left is dropped first.
-    if (message.rows->Drain() == PacketChannel::State::TakenBack) {
+    // The client writes to the end before it reads: what a load that failed has left is dropped first. A
+    // session that was thrown out does not wait for a client that may never write again.
+    auto state = PacketChannel::State::Open;
+    while (state == PacketChannel::State::Open && !session_->Ended()) {
+        state = message.rows->Drain();
+    }
+    if (state == PacketChannel::State::TakenBack) {
         response.Fail();
     } else if (rows.error()) {
         throw ProtocolError(*rows.error());

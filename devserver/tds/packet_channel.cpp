@@ -36,7 +36,7 @@ PacketChannel::State PacketChannel::Take(std::string& bytes) {
 PacketChannel::State PacketChannel::Drain() {
     Close();
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return state_ != State::Open; });
+    changed_.wait_for(lock, kMoment, [this] { return state_ != State::Open; });
     return state_;
 }
 

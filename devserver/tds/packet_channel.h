@@ -27,8 +27,8 @@ class PacketChannel {
     /// Adds to `bytes` what has come, waiting for a moment where nothing has. Open when more may follow; else
     /// how the message ended, once all its bytes have been taken.
     State Take(std::string& bytes);
-    /// Drops everything up to the message's end, which it waits for; how it ended. None of it is taken any
-    /// more.
+    /// Drops what has come and what still comes, and waits for a moment for the message's end. Open where it
+    /// has not come, else how the message ended.
     State Drain();
     /// The reading side is finished: Put does not wait.
     void Close();

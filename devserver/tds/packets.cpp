@@ -11,6 +11,12 @@ namespace devsql::tds {
 
 namespace {
 
+/// Bytes of full packets that are sent by one call of the system.
+constexpr std::size_t kSentTogether = std::size_t{64} * 1024;
+/// A full packet is not kept back when this time has passed since the last call: the rows come slowly then,
+/// and the client can work on those that are there.
+constexpr std::chrono::milliseconds kLongestKept{20};
+
 struct Header {
     PacketType type;
     std::uint8_t status;
@@ -46,25 +52,23 @@ Header ParseHeader(const std::array<char, kHeaderSize>& bytes) {
 
 } // namespace
 
-std::optional<ClientPacket> ReadPacket(const Socket& socket,
-                                       std::optional<std::chrono::steady_clock::time_point> deadline) {
+std::optional<ClientPacket> ReadPacket(const Socket& socket, const ReadWait& wait) {
     std::array<char, kHeaderSize> bytes{};
-    if (!socket.ReadExactly(bytes.data(), bytes.size(), deadline)) {
+    if (!socket.ReadExactly(bytes.data(), bytes.size(), wait)) {
         return std::nullopt;
     }
     const Header header = ParseHeader(bytes);
     ClientPacket packet{header.type, header.status, std::string(header.payload, '\0')};
-    if (header.payload > 0 && !socket.ReadExactly(packet.data.data(), header.payload, deadline)) {
-        throw ConnectionLost("the peer closed in the middle of a packet");
+    if (header.payload > 0 && !socket.ReadExactly(packet.data.data(), header.payload, wait)) {
+        throw ConnectionLost("the end came in the middle of a packet");
     }
     return packet;
 }
 
-ClientPacket ReadNextPacket(const Socket& socket, PacketType type,
-                            std::optional<std::chrono::steady_clock::time_point> deadline) {
-    std::optional<ClientPacket> packet = ReadPacket(socket, deadline);
+ClientPacket ReadNextPacket(const Socket& socket, PacketType type, const ReadWait& wait) {
+    std::optional<ClientPacket> packet = ReadPacket(socket, wait);
     if (!packet) {
-        throw ConnectionLost("the peer closed in the middle of a message");
+        throw ConnectionLost("the end came in the middle of a message");
     }
     if (packet->type != type) {
         throw BadPacket("a packet of another type within a message");
@@ -72,10 +76,9 @@ ClientPacket ReadNextPacket(const Socket& socket, PacketType type,
     return std::move(*packet);
 }
 
-ClientMessage ReadRest(const Socket& socket, ClientPacket first, std::size_t limit,
-                       std::optional<std::chrono::steady_clock::time_point> deadline) {
+ClientMessage ReadRest(const Socket& socket, ClientPacket first, std::size_t limit, const ReadWait& wait) {
     ClientMessage message{first.type, first.status, false, {}};
-    for (ClientPacket packet = std::move(first);; packet = ReadNextPacket(socket, message.type, deadline)) {
+    for (ClientPacket packet = std::move(first);; packet = ReadNextPacket(socket, message.type, wait)) {
         if (message.data.size() + packet.data.size() > limit) {
             throw BadPacket("a message of more than " + std::to_string(limit) + " bytes");
         }
@@ -87,14 +90,14 @@ ClientMessage ReadRest(const Socket& socket, ClientPacket first, std::size_t lim
     }
 }
 
-std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit,
-                                         std::optional<std::chrono::steady_clock::time_point> deadline) {
-    std::optional<ClientPacket> first = ReadPacket(socket, deadline);
-    return first ? std::optional(ReadRest(socket, std::move(*first), limit, deadline)) : std::nullopt;
+std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit, const ReadWait& wait) {
+    std::optional<ClientPacket> first = ReadPacket(socket, wait);
+    return first ? std::optional(ReadRest(socket, std::move(*first), limit, wait)) : std::nullopt;
 }
 
-void PacketWriter::Begin() {
-    packet_.assign(kHeaderSize, '\0');
+void PacketWriter::BeginPacket() {
+    packet_ = buffer_.size();
+    buffer_.append(kHeaderSize, '\0');
 }
 
 void PacketWriter::SetPacketSize(std::size_t size) {
@@ -103,38 +106,49 @@ void PacketWriter::SetPacketSize(std::size_t size) {
 
 void PacketWriter::Append(std::string_view bytes) {
     while (!bytes.empty()) {
-        // A full packet is sent only when more follows: the last one has to say that it is the last.
-        if (packet_.size() >= packet_size_) {
-            SendPacket(false);
+        // A full packet is completed only when more follows: the last one has to say that it is the last.
+        if (PacketBytes() >= packet_size_) {
+            EndPacket(false);
+            if (packet_ >= kSentTogether || std::chrono::steady_clock::now() - sent_ >= kLongestKept) {
+                Send();
+            }
         }
-        const std::size_t fits = std::min(bytes.size(), packet_size_ - packet_.size());
-        packet_.append(bytes.substr(0, fits));
+        const std::size_t fits = std::min(bytes.size(), packet_size_ - PacketBytes());
+        buffer_.append(bytes.substr(0, fits));
         bytes.remove_prefix(fits);
     }
 }
 
 void PacketWriter::Flush() {
-    if (packet_.size() > kHeaderSize) {
-        SendPacket(false);
+    if (PacketBytes() > kHeaderSize) {
+        EndPacket(false);
     }
+    Send();
 }
 
 void PacketWriter::EndMessage() {
-    SendPacket(true);
+    EndPacket(true);
     packet_number_ = 1;
+    Send();
 }
 
-void PacketWriter::SendPacket(bool last) {
+void PacketWriter::EndPacket(bool last) {
     std::string header;
     AppendByte(header, static_cast<std::uint8_t>(PacketType::Response));
     AppendByte(header, last ? packet_status::kEndOfMessage : std::uint8_t{0});
-    AppendBe(header, static_cast<std::uint16_t>(packet_.size()));
+    AppendBe(header, static_cast<std::uint16_t>(PacketBytes()));
     AppendBe(header, session_id_);
     AppendByte(header, packet_number_++);
     AppendByte(header, 0);
-    packet_.replace(0, kHeaderSize, header);
-    socket_.Write(packet_);
-    Begin();
+    buffer_.replace(packet_, kHeaderSize, header);
+    BeginPacket();
+}
+
+void PacketWriter::Send() {
+    socket_.Write(std::string_view(buffer_).substr(0, packet_));
+    buffer_.erase(0, packet_);
+    packet_ = 0;
+    sent_ = std::chrono::steady_clock::now();
 }
 
 } // namespace devsql::tds

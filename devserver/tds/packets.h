@@ -40,42 +40,46 @@ struct ClientMessage {
     std::shared_ptr<PacketChannel> rows{};
 };
 
-/// Reads the next packet. None when the peer closed before it. Throws ConnectionLost as the socket does, and
-/// when `deadline` passed; ProtocolError (fatal) for a packet that can't be, after which the stream makes no
-/// sense any more.
-std::optional<ClientPacket> ReadPacket(const Socket& socket,
-                                       std::optional<std::chrono::steady_clock::time_point> deadline);
+/// Reads the next packet. Returns nothing when the peer closed, or was given up, before it. Throws
+/// ConnectionLost as the socket does; ProtocolError (fatal) for a packet that can't be, after which the
+/// stream makes no sense any more.
+std::optional<ClientPacket> ReadPacket(const Socket& socket, const ReadWait& wait = {});
 /// Reads the rest of the message that begins with `first`. Throws as ReadPacket does, and ProtocolError
 /// (fatal) for a message longer than `limit`.
 ClientMessage ReadRest(const Socket& socket, ClientPacket first, std::size_t limit,
-                       std::optional<std::chrono::steady_clock::time_point> deadline);
+                       const ReadWait& wait = {});
 /// The packet of a message that has begun with another of `type`. Throws as ReadPacket does.
-ClientPacket ReadNextPacket(const Socket& socket, PacketType type,
-                            std::optional<std::chrono::steady_clock::time_point> deadline);
-/// Both: the next message, none when the peer closed between two messages.
-std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit,
-                                         std::optional<std::chrono::steady_clock::time_point> deadline);
+ClientPacket ReadNextPacket(const Socket& socket, PacketType type, const ReadWait& wait = {});
+/// Both: the next message, nothing when the peer closed between two messages.
+std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit, const ReadWait& wait = {});
 
-/// Cuts an answer into packets and sends each when it is full. Throws ConnectionLost.
+/// Cuts an answer into packets. Full packets are gathered, so that one call of the system sends many of them
+/// and the client is not woken for each; those that fill slowly are sent one by one. Throws ConnectionLost.
 class PacketWriter {
   public:
-    explicit PacketWriter(const Socket& socket) : socket_(socket) { Begin(); }
+    explicit PacketWriter(const Socket& socket) : socket_(socket) { BeginPacket(); }
 
     void Append(std::string_view bytes);
     /// Sends what is there now; more of the answer follows.
     void Flush();
-    /// Sends what is there as the last packet of the answer; the next one starts with packet number 1.
+    /// Sends what is there, with the last packet of the answer; the next one starts with packet number 1.
     void EndMessage();
     /// Bytes of a packet, header and all, from the next packet on. Nothing may stand in the current one.
     void SetPacketSize(std::size_t size);
     void SetSessionId(std::int32_t id) { session_id_ = static_cast<std::uint16_t>(id); }
 
   private:
-    void Begin();
-    void SendPacket(bool last);
+    std::size_t PacketBytes() const { return buffer_.size() - packet_; }
+    void BeginPacket();
+    /// Completes the header of the current packet and begins the next one.
+    void EndPacket(bool last);
+    /// Sends the packets before the current one.
+    void Send();
 
     const Socket& socket_;
-    std::string packet_;
+    std::string buffer_;     ///< full packets, then the current one
+    std::size_t packet_ = 0; ///< where the current packet begins
+    std::chrono::steady_clock::time_point sent_{};
     std::size_t packet_size_ = kLoginPacket;
     std::uint16_t session_id_ = 0;
     std::uint8_t packet_number_ = 1;

@@ -27,9 +27,9 @@ bool Wait(const system::SocketHandle& handle, std::chrono::milliseconds timeout)
 }
 
 /// True when something can be read before `deadline`.
-bool WaitUntil(const system::SocketHandle& handle, Clock::time_point deadline) {
+bool WaitUntil(const Socket& socket, Clock::time_point deadline) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-    return Wait(handle, std::max(left, std::chrono::milliseconds(0)));
+    return socket.WaitReadable(std::max(left, std::chrono::milliseconds(0)));
 }
 
 system::SocketHandle ListenOn(std::uint16_t port) {
@@ -46,15 +46,23 @@ bool Socket::WaitReadable(std::chrono::milliseconds timeout) const {
     return Wait(handle_, timeout);
 }
 
-bool Socket::ReadExactly(char* buffer, std::size_t size, std::optional<Clock::time_point> deadline) const {
-    std::size_t done = 0;
-    while (done < size) {
-        if (deadline && !WaitUntil(handle_, *deadline)) {
+ReadWait Until(Clock::time_point deadline) {
+    return [deadline](const Socket& socket) {
+        if (!WaitUntil(socket, deadline)) {
             throw ConnectionLost("the peer was silent for too long");
         }
+        return true;
+    };
+}
+
+bool Socket::ReadExactly(char* buffer, std::size_t size, const ReadWait& wait) const {
+    std::size_t done = 0;
+    while (done < size) {
         std::size_t got = 0;
         try {
-            got = system::Receive(handle_, buffer + done, size - done);
+            if (!wait || wait(*this)) {
+                got = system::Receive(handle_, buffer + done, size - done);
+            }
         } catch (const SocketError& error) {
             throw ConnectionLost(error.what());
         }
@@ -62,7 +70,7 @@ bool Socket::ReadExactly(char* buffer, std::size_t size, std::optional<Clock::ti
             if (done == 0) {
                 return false;
             }
-            throw ConnectionLost("the peer closed in the middle of a packet");
+            throw ConnectionLost("the end came in the middle of a packet");
         }
         done += got;
     }
@@ -88,7 +96,7 @@ void Socket::FinishWriting() const {
     const auto deadline = Clock::now() + kLinger;
     std::array<char, 4096> dropped{};
     try {
-        while (Clock::now() < deadline && WaitUntil(handle_, deadline)) {
+        while (Clock::now() < deadline && WaitUntil(*this, deadline)) {
             if (system::Receive(handle_, dropped.data(), dropped.size()) == 0) {
                 return;
             }

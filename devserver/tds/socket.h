@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -19,6 +20,15 @@ class ConnectionLost : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+class Socket;
+
+/// Called before each part that is read: returns true when something has come, and false to give the peer up.
+/// May throw ConnectionLost.
+using ReadWait = std::function<bool(const Socket&)>;
+
+/// Throws ConnectionLost when `deadline` passes.
+ReadWait Until(std::chrono::steady_clock::time_point deadline);
+
 /// A connected stream. Reading and writing may be done by two threads at a time, one each; Shutdown by any.
 class Socket {
   public:
@@ -26,10 +36,10 @@ class Socket {
 
     /// True when bytes (or the end) can be read within `timeout`.
     bool WaitReadable(std::chrono::milliseconds timeout) const;
-    /// Fills `buffer`. False when the peer closed before the first byte; ConnectionLost when it closed
-    /// within, when the network failed, or when `deadline` passed.
-    bool ReadExactly(char* buffer, std::size_t size,
-                     std::optional<std::chrono::steady_clock::time_point> deadline) const;
+    /// Fills `buffer`. Returns false when the peer closed, or was given up, before the first byte; throws
+    /// ConnectionLost when that happened within, or when the network failed. Without `wait` it waits for
+    /// ever.
+    bool ReadExactly(char* buffer, std::size_t size, const ReadWait& wait = {}) const;
     /// Writes all, waiting as long as the peer takes to read. Throws ConnectionLost.
     void Write(std::string_view bytes) const;
     /// Ends both directions: a thread that waits in a read or a write returns.

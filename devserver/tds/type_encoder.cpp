@@ -76,10 +76,11 @@ void AppendInteger(std::string& out, const WireForm& form, const Value& value) {
     if (number < low || number > high) {
         ThrowOutOfRange("an integer type");
     }
-    AppendByte(out, static_cast<std::uint8_t>(form.size));
-    for (int shift = 0; shift < bits; shift += 8) {
-        AppendByte(out, static_cast<std::uint8_t>(number >> shift));
+    std::array<char, 1 + sizeof(number)> bytes{static_cast<char>(form.size)};
+    for (std::uint32_t i = 0; i < form.size; ++i) {
+        bytes[i + 1] = static_cast<char>(static_cast<std::uint8_t>(number >> (i * 8)));
     }
+    out.append(bytes.data(), form.size + 1);
 }
 
 void AppendBit(std::string& out, const WireForm&, const Value& value) {
@@ -151,10 +152,12 @@ void AppendDecimal(std::string& out, const WireForm& form, const Value& value) {
     Int128 magnitude = unscaled < 0 ? -unscaled : unscaled;
     AppendByte(out, static_cast<std::uint8_t>(form.size));
     AppendByte(out, unscaled < 0 ? 0 : 1);
-    for (std::uint32_t i = 1; i < form.size; ++i) {
-        AppendByte(out, static_cast<std::uint8_t>(magnitude & 0xFF));
+    std::array<char, sizeof(Int128)> bytes{};
+    for (char& byte : bytes) {
+        byte = static_cast<char>(static_cast<std::uint8_t>(magnitude & 0xFF));
         magnitude >>= 8;
     }
+    out.append(bytes.data(), form.size - 1);
 }
 
 void AppendGuid(std::string& out, const WireForm& form, const Value& value) {

@@ -9,6 +9,7 @@ import pathlib
 import shutil
 import subprocess
 import sys
+import time
 import unittest
 
 import pymssql
@@ -56,6 +57,16 @@ def query(sql):
     with connect_pytds() as connection, connection.cursor() as cursor:
         cursor.execute(sql)
         return cursor.fetchall() if cursor.description else None
+
+
+def ends_within(seconds, count):
+    """Whether the count becomes 0 in time."""
+    end = time.monotonic() + seconds
+    while query(count) != [(0,)]:
+        if time.monotonic() > end:
+            return False
+        time.sleep(0.05)
+    return True
 
 
 def fresh_table(name, columns=COLUMNS):
@@ -143,6 +154,29 @@ class Pytds(unittest.TestCase):
                 self.assertEqual(caught.exception.number, 547)
                 cursor.execute("SELECT COUNT(*) FROM target")
                 self.assertEqual(cursor.fetchall(), [(3,)])
+
+    def test_a_load_that_is_thrown_out_ends_at_once(self):
+        """The server does not wait for the rows that the client has not written yet."""
+        fresh_table("target", "id int")
+        gone = []
+
+        def rows(number):
+            for i in range(5000):
+                yield (i,)
+            query(f"KILL {number}")
+            gone.append(ends_within(20, f"SELECT COUNT(*) FROM sysprocesses WHERE spid = {number}"))
+            for i in range(5000):
+                yield (i,)
+
+        connection = connect_pytds()
+        cursor = connection.cursor()
+        cursor.execute("SELECT @@SPID")
+        number = cursor.fetchall()[0][0]
+        with self.assertRaises((pytds.Error, OSError)):
+            cursor.copy_to(data=rows(number), table_or_view="target",
+                           columns=[pytds.Column("id", type=pytds.tds_types.IntType())])
+        self.assertEqual(gone, [True])
+        self.assertEqual(query("SELECT COUNT(*) FROM target"), [(0,)])
 
 
 if __name__ == "__main__":

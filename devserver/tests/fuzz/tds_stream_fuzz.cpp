@@ -37,13 +37,13 @@ void Echo(fakes::FakeSession&, const RpcCall& call, ResultSink& sink) {
 void DropAnswer(const tds::Socket& client) {
     std::array<char, tds::kHeaderSize> header{};
     for (bool last = false; !last && client.WaitReadable(kPatience);) {
-        if (!client.ReadExactly(header.data(), header.size(), std::nullopt)) {
+        if (!client.ReadExactly(header.data(), header.size())) {
             return;
         }
         const auto high = static_cast<std::uint8_t>(header[2]);
         const auto low = static_cast<std::uint8_t>(header[3]);
         std::string body(static_cast<std::size_t>(high << 8 | low) - tds::kHeaderSize, '\0');
-        client.ReadExactly(body.data(), body.size(), std::nullopt);
+        client.ReadExactly(body.data(), body.size());
         last = (static_cast<std::uint8_t>(header[1]) & tds::packet_status::kEndOfMessage) != 0;
     }
 }

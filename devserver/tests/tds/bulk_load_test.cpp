@@ -220,6 +220,30 @@ TEST_F(TdsBulkLoad, AClientThatDisconnectsDuringALoadEndsItsSession) {
     }
 }
 
+/// The client stops in the middle of a packet and sends nothing more, so the server must end the connection
+/// by itself.
+TEST_F(TdsBulkLoad, ASessionThatIsThrownOutDuringALoadLosesItsConnection) {
+    for (const bool refused : {false, true}) {
+        script().refuse_bulk = refused;
+        fakes::FakeSession* loading = nullptr;
+        script().on_batch = [&](fakes::FakeSession& session, std::string_view, ResultSink&) {
+            loading = &session;
+        };
+        TdsClient client = server_.LoggedIn();
+        client.Batch("insert bulk");
+        const std::string packets = Packets(7, Many(20000));
+        const int before = script().loads;
+        client.SendRaw(packets.substr(0, packets.size() - 100));
+        for (int i = 0; i < 1000 && script().loads == before; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        loading->End();
+        EXPECT_EQ(Summarize(client), "DONE(00,0)");
+        EXPECT_EQ(Summarize(client), "closed");
+        EXPECT_TRUE(server_.WaitForNoSession());
+    }
+}
+
 TEST_F(TdsBulkLoad, TheServerStopsDuringAStalledLoad) {
     TdsClient client = server_.LoggedIn();
     const std::string packets = Packets(7, Many(20000));

@@ -362,12 +362,12 @@ TdsClient TdsClient::Connect(std::uint16_t port) {
 }
 
 std::optional<std::string> TdsClient::Receive() {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const tds::ReadWait wait = tds::Until(std::chrono::steady_clock::now() + std::chrono::seconds(10));
     std::string data;
     packet_lengths_.clear();
     for (bool last = false; !last;) {
         std::array<char, 8> header{};
-        if (!socket_.ReadExactly(header.data(), header.size(), deadline)) {
+        if (!socket_.ReadExactly(header.data(), header.size(), wait)) {
             return std::nullopt;
         }
         const std::string_view view(header.data(), header.size());
@@ -380,7 +380,7 @@ std::optional<std::string> TdsClient::Receive() {
         packet_lengths_.push_back(length);
         const std::size_t before = data.size();
         data.resize(before + length - 8);
-        if (length > 8 && !socket_.ReadExactly(data.data() + before, length - 8, deadline)) {
+        if (length > 8 && !socket_.ReadExactly(data.data() + before, length - 8, wait)) {
             throw std::runtime_error("the server closed within a packet");
         }
     }

@@ -31,6 +31,7 @@ struct FakeScript {
     std::vector<RpcCall> calls;
     std::vector<std::vector<Value>> bulk_rows;
     std::atomic<bool> refuse_bulk = false;
+    std::atomic<int> loads = 0; ///< bulk loads that have begun
     std::atomic<int> open_sessions = 0;
     std::atomic<int> cancels = 0;
 };
@@ -65,12 +66,14 @@ class FakeSession : public Session {
             script_.on_call(*this, call, sink);
         }
     }
-    /// Records the rows for the test, or stops at the first row if the test has set `refuse_bulk`.
+    /// Records the rows for the test. Stops at the first row if the test has set `refuse_bulk`, and when the
+    /// session has been ended.
     void LoadRows(BulkRows& rows, ResultSink& sink) override {
+        ++script_.loads;
         std::vector<Value> row;
         std::int64_t count = 0;
         for (BulkRows::Step step = rows.Next(row); step != BulkRows::Step::End; step = rows.Next(row)) {
-            if (step == BulkRows::Step::Gone || script_.refuse_bulk) {
+            if (step == BulkRows::Step::Gone || script_.refuse_bulk || ended_) {
                 return;
             }
             if (step == BulkRows::Step::Row) {

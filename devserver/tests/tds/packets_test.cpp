@@ -17,7 +17,7 @@ using fakes::SocketPair;
 std::string ReadAll(const Socket& socket) {
     std::string all;
     char byte = 0;
-    while (socket.ReadExactly(&byte, 1, std::chrono::steady_clock::now() + std::chrono::seconds(5))) {
+    while (socket.ReadExactly(&byte, 1, Until(std::chrono::steady_clock::now() + std::chrono::seconds(5)))) {
         all += byte;
     }
     return all;
@@ -27,7 +27,7 @@ std::optional<ClientMessage> Read(const std::string& bytes, std::size_t limit = 
     const auto [client, server] = SocketPair();
     client.Write(bytes);
     client.Shutdown();
-    return ReadMessage(server, limit, std::nullopt);
+    return ReadMessage(server, limit);
 }
 
 std::int32_t ErrorOf(const std::string& bytes, std::size_t limit = kLargestMessage) {
@@ -82,7 +82,7 @@ TEST(TdsPackets, ReadingEndsAtTheDeadline) {
     const auto [client, server] = SocketPair();
     client.Write(std::string_view("\x12\x01", 2));
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(30);
-    EXPECT_THROW(ReadMessage(server, 100, deadline), ConnectionLost);
+    EXPECT_THROW(ReadMessage(server, 100, Until(deadline)), ConnectionLost);
 }
 
 TEST(TdsPacketWriter, AnAnswerIsSplitIntoFullPacketsAndALastOne) {
@@ -97,6 +97,36 @@ TEST(TdsPacketWriter, AnAnswerIsSplitIntoFullPacketsAndALastOne) {
     ASSERT_EQ(sent.size(), 512U + 9U);
     EXPECT_EQ(Hex(sent.substr(0, 8)), "04 00 02 00 01 34 01 00");
     EXPECT_EQ(Hex(sent.substr(512)), "04 01 00 09 01 34 02 00 78");
+}
+
+TEST(TdsPacketWriter, FullPacketsAreGatheredUpToALimit) {
+    const auto [client, server] = SocketPair();
+    PacketWriter writer(server);
+    const std::string packet(kLoginPacket - kHeaderSize, 'x');
+    std::string sent;
+    std::size_t appended = 0;
+    // A packet that was filled slowly is sent alone, so a busy machine may need several attempts.
+    bool kept = false;
+    for (int i = 0; i < 1000 && !kept; ++i) {
+        writer.Append(packet);
+        ++appended;
+        kept = i > 0 && !client.WaitReadable(std::chrono::milliseconds(0));
+        for (char byte = 0; client.WaitReadable(std::chrono::milliseconds(0)); sent += byte) {
+            client.ReadExactly(&byte, 1);
+        }
+    }
+    EXPECT_TRUE(kept);
+    for (int i = 0; i < 20; ++i, ++appended) {
+        writer.Append(packet);
+    }
+    EXPECT_TRUE(client.WaitReadable(std::chrono::seconds(5)));
+    writer.EndMessage();
+    server.Shutdown();
+    sent += ReadAll(client);
+    ASSERT_EQ(sent.size(), appended * kLoginPacket);
+    for (std::size_t i = 1; i <= appended; ++i) {
+        EXPECT_EQ(Hex(sent.substr((i - 1) * kLoginPacket, 4)), i < appended ? "04 00 10 00" : "04 01 10 00");
+    }
 }
 
 TEST(TdsPacketWriter, AnAnswerThatFillsAPacketHasNoFurtherPacket) {
