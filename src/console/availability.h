@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "console/main_form_design.h"
+#include "console/form_designs.h"
 
 namespace kv {
 

@@ -2,8 +2,8 @@
 
 #include "base/error_log.h"
 #include "base/failure.h"
+#include "console/form_designs.h"
 #include "console/list_views.h"
-#include "console/procedures_form_design.h"
 #include "console/wait_cursor.h"
 
 namespace kv {

@@ -12,8 +12,7 @@
 #include "platform/message_box.h"
 #include "platform/terminal.h"
 #include "ui/toolkit.h"
-#include "unattended/automatic_install.h"
-#include "unattended/automatic_upgrade.h"
+#include "unattended/automatic_runs.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "unattended/automatic_install.h"
+#include "unattended/automatic_runs.h"
 
 #include <memory>
 

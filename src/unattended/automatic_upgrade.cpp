@@ -1,4 +1,4 @@
-#include "unattended/automatic_upgrade.h"
+#include "unattended/automatic_runs.h"
 
 #include <memory>
 #include <string>

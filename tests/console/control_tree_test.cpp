@@ -8,8 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "console/control_rows.h"
-#include "console/main_form_design.h"
-#include "console/procedures_form_design.h"
+#include "console/form_designs.h"
 #include "ui/form.h"
 
 namespace kv {

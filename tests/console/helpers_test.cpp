@@ -3,8 +3,8 @@
 
 #include "console/dialogs.h"
 
+#include "console/form_designs.h"
 #include "console/list_views.h"
-#include "console/main_form_design.h"
 #include "fakes/fake_files.h"
 #include "fakes/fake_screen.h"
 #include "fakes/fake_toolkit.h"

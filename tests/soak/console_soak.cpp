@@ -15,8 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include "console/form_designs.h"
 #include "console/main_form.h"
-#include "console/procedures_form_design.h"
 #include "platform/files.h"
 #include "platform/pending_events.h"
 #include "soak/own_figures.h"

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "console/main_form_design.h"
-#include "console/procedures_form_design.h"
+#include "console/form_designs.h"
 #include "ui/screen.h"
 #include "ui/toolkit.h"
 

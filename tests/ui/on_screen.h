@@ -10,8 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "console/main_form_design.h"
-#include "console/procedures_form_design.h"
+#include "console/form_designs.h"
 #include "platform/pending_events.h"
 #include "ui/screen.h"
 #include "ui/toolkit.h"

@@ -1,5 +1,5 @@
 // The unattended installation: its order, its progress bar and its failures.
-#include "unattended/automatic_install.h"
+#include "unattended/automatic_runs.h"
 
 #include "fakes/fake_packages.h"
 #include "scripts/script_mgr_fixture.h"

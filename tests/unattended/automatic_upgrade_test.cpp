@@ -1,5 +1,5 @@
 // The unattended upgrade without failures: its order, its settings and its progress bar.
-#include "unattended/automatic_upgrade.h"
+#include "unattended/automatic_runs.h"
 
 #include <algorithm>
 #include <set>

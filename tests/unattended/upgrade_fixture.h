@@ -10,7 +10,7 @@
 #include "fakes/fake_packages.h"
 #include "scripts/script_mgr_fixture.h"
 #include "support/program_statements.h"
-#include "unattended/automatic_upgrade.h"
+#include "unattended/automatic_runs.h"
 
 namespace kv {
 

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "ui/windows/container.h"
-#include "ui/windows/dimmed_tick.h"
+#include "ui/windows/control_procedures.h"
 
 #include <commctrl.h>
 

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "console/main_form_design.h"
+#include "console/form_designs.h"
 #include "ui/form.h"
 #include "ui/windows/remote_controls.h"
 #include "ui/windows/ui_automation.h"

@@ -4,8 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "console/main_form_design.h"
-#include "console/procedures_form_design.h"
+#include "console/form_designs.h"
 
 namespace {
 

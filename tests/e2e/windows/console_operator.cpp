@@ -14,8 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "console/main_form_design.h"
-#include "console/procedures_form_design.h"
+#include "console/form_designs.h"
 #include "ui/form.h"
 #include "ui/windows/remote_controls.h"
 #include "ui/windows/ui_automation.h"

@@ -10,8 +10,7 @@
 #include <cstdio>
 #include <string>
 
-#include "console/main_form_design.h"
-#include "console/procedures_form_design.h"
+#include "console/form_designs.h"
 #include "ui/toolkit.h"
 
 namespace {

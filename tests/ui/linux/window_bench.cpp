@@ -16,7 +16,7 @@
 
 #include <QTableWidget>
 
-#include "console/main_form_design.h"
+#include "console/form_designs.h"
 #include "platform/files.h"
 #include "platform/pending_events.h"
 #include "support/temp_folder.h"

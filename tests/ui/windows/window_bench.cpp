@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "console/main_form_design.h"
+#include "console/form_designs.h"
 #include "ui/toolkit.h"
 #include "ui/windows/bare_window.h"
 #include "ui/windows/native_form.h"

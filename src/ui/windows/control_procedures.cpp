@@ -1,4 +1,4 @@
-#include "ui/windows/dimmed_tick.h"
+#include "ui/windows/control_procedures.h"
 
 #include "ui/windows/dialog_font.h"
 
@@ -6,6 +6,35 @@
 
 namespace ui {
 namespace {
+
+LRESULT CALLBACK ContainerProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                                    DWORD_PTR /*data*/) {
+    switch (message) {
+    case WM_COMMAND:
+    case WM_NOTIFY:
+    case WM_NOTIFYFORMAT:
+    case WM_NEXTDLGCTL:
+    case WM_CTLCOLORBTN:
+    case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORLISTBOX:
+    case WM_CTLCOLORSTATIC:
+        return ::SendMessageA(::GetParent(window), message, wparam, lparam);
+    case WM_ERASEBKGND: {
+        RECT client{};
+        ::GetClientRect(window, &client);
+        ::FillRect(reinterpret_cast<HDC>(wparam), &client, ::GetSysColorBrush(COLOR_BTNFACE));
+        return 1;
+    }
+    case WM_CLOSE: // a text box of several lines sends it to its parent for Escape
+        return 0;
+    case WM_NCDESTROY:
+        ::RemoveWindowSubclass(window, ContainerProcedure, id);
+        break;
+    default:
+        break;
+    }
+    return ::DefSubclassProc(window, message, wparam, lparam);
+}
 
 constexpr int kTickWidth = 16; // with its margin, at the design's scale
 constexpr BYTE kPaleness = 160;
@@ -54,6 +83,10 @@ LRESULT CALLBACK TickProcedure(HWND button, UINT message, WPARAM wparam, LPARAM 
 }
 
 } // namespace
+
+void MakeContainer(HWND window) {
+    ::SetWindowSubclass(window, ContainerProcedure, 0, 0);
+}
 
 void DimTickWhileDisabled(HWND button) {
     ::SetWindowSubclass(button, TickProcedure, 0, 0);

@@ -1,5 +1,5 @@
-// The tree of frmMain's controls, the one place of their names, kinds, captions, tool tips and positions. The
-// window and the model are both made from it; the handlers of the controls are in the files of the tabs.
+// The tables of the controls of frmMain and frmStoredProcedures: names, kinds, captions, tool tips and
+// positions. A form's window and its model are both made from its table.
 #pragma once
 
 #include <array>
@@ -33,5 +33,8 @@ inline constexpr std::array<const char*, kMainTabs> kServerOptions = {
 };
 
 const ui::FormDesign& MainFormDesign();
+
+/// The dialog that runs a stored procedure.
+const ui::FormDesign& ProceduresFormDesign();
 
 } // namespace kv

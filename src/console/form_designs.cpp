@@ -1,4 +1,4 @@
-#include "console/main_form_design.h"
+#include "console/form_designs.h"
 
 #include <array>
 
@@ -11,7 +11,7 @@ using ui::Pixels;
 
 constexpr ui::ControlName kForm{};
 constexpr ui::ControlName kTabs{"tabMain"};
-constexpr std::uint32_t kShownPath = ui::kReadOnly | ui::kButtonFace;
+constexpr std::uint32_t kShownText = ui::kReadOnly | ui::kButtonFace;
 constexpr ui::Place kPage = Pixels(9, 29, 608, 424);
 
 constexpr std::array kTabCaptions = {"General",     "Script",    "Synchronize", "Upgrade",
@@ -21,7 +21,7 @@ static_assert(kTabCaptions.size() == kMainTabs);
 // Kind, name and index, caption, tool tip, parent, position, traits. The misspelt texts are the product's,
 // and so is the tool tip of Server B's data path, which names Server A's token. One row is one line.
 // clang-format off
-constexpr std::array kControls = std::to_array<ControlDesign>({
+constexpr std::array kMainControls = std::to_array<ControlDesign>({
     {Kind::TabControl, {"tabMain"}, "", "", kForm, Pixels(8, 8, 626, 462)},
     {Kind::Frame, {"fraMainTab", 0}, "General Settings", "", kTabs, kPage},
     {Kind::Label, {"Label1"}, "Script folder &path:", "", {"fraMainTab", 0}, Pixels(12, 26, 112, 15)},
@@ -40,7 +40,7 @@ constexpr std::array kControls = std::to_array<ControlDesign>({
     {Kind::TextBox, {"edtSQLDataPath", 0}, "", "Replaces ###DATAPATHA### and ###DATAPATH###", {"fraServer", 0}, Pixels(12, 189, 230, 23)},
     {Kind::CommandButton, {"cmdBrowseForSQLDataPath", 0}, "...", "", {"fraServer", 0}, Pixels(248, 189, 28, 23)},
     {Kind::Label, {"lblSQLUNCReplDataPath", 0}, "SQL UNC &Replication Data path:", "", {"fraServer", 0}, Pixels(12, 222, 264, 15)},
-    {Kind::TextBox, {"edtSQLUNCReplDataPath", 0}, "", "Replaces ###UNCREPLDATAPATHA### and ###UNCREPLDATAPATH###", {"fraServer", 0}, Pixels(12, 239, 264, 23), kShownPath},
+    {Kind::TextBox, {"edtSQLUNCReplDataPath", 0}, "", "Replaces ###UNCREPLDATAPATHA### and ###UNCREPLDATAPATH###", {"fraServer", 0}, Pixels(12, 239, 264, 23), kShownText},
     {Kind::CommandButton, {"cmdGetLocalSettings"}, "Get Local Settings", "", {"fraServer", 0}, Pixels(132, 284, 144, 25)},
     {Kind::Frame, {"fraServer", 1}, "Server B", "", {"fraMainTab", 0}, Pixels(308, 86, 288, 326)},
     {Kind::Label, {"lblServerName", 1}, "&Server name:", "", {"fraServer", 1}, Pixels(12, 22, 264, 15)},
@@ -53,7 +53,7 @@ constexpr std::array kControls = std::to_array<ControlDesign>({
     {Kind::TextBox, {"edtSQLDataPath", 1}, "", "Replaces ###DATAPATHA### (and ###DATAPATH###)", {"fraServer", 1}, Pixels(12, 189, 230, 23)},
     {Kind::CommandButton, {"cmdBrowseForSQLDataPath", 1}, "...", "", {"fraServer", 1}, Pixels(248, 189, 28, 23)},
     {Kind::Label, {"lblSQLUNCReplDataPath", 1}, "SQL UNC &Replication Data path:", "", {"fraServer", 1}, Pixels(12, 222, 264, 15)},
-    {Kind::TextBox, {"edtSQLUNCReplDataPath", 1}, "", "Replaces ###UNCREPLDATAPATHB### (and ###UNCREPLDATAPATH###)", {"fraServer", 1}, Pixels(12, 239, 264, 23), kShownPath},
+    {Kind::TextBox, {"edtSQLUNCReplDataPath", 1}, "", "Replaces ###UNCREPLDATAPATHB### (and ###UNCREPLDATAPATH###)", {"fraServer", 1}, Pixels(12, 239, 264, 23), kShownText},
     {Kind::CommandButton, {"cmdGetRemoteSettings"}, "Get Remote Settings", "", {"fraServer", 1}, Pixels(132, 284, 144, 25)},
     {Kind::Frame, {"fraMainTab", 1}, "Script && Package Management", "", kTabs, kPage},
     {Kind::Label, {"lblScriptCurrentServer"}, "Server:", "", {"fraMainTab", 1}, Pixels(12, 26, 110, 15)},
@@ -139,19 +139,43 @@ constexpr std::array kControls = std::to_array<ControlDesign>({
     {Kind::Label, {"lblStatus"}, "", "", kForm, Pixels(176, 485, 354, 15), ui::kData},
     {Kind::CommandButton, {"cmdClose"}, "&Close", "", kForm, Pixels(538, 480, 96, 25)},
 });
+
+constexpr std::array kProceduresControls = std::to_array<ControlDesign>({
+    {Kind::Label, {"lblParameters"}, "&Parameters:", "", kForm, Pixels(12, 12, 220, 15)},
+    {Kind::ListBox, {"lstParameters"}, "", "", kForm, Pixels(12, 30, 220, 130)},
+    {Kind::Label, {"lblDataType"}, "Data type:", "", kForm, Pixels(244, 12, 344, 15)},
+    {Kind::TextBox, {"edtDataType"}, "", "", kForm, Pixels(244, 30, 344, 23), kShownText},
+    {Kind::Label, {"lblDirection"}, "Direction:", "", kForm, Pixels(244, 64, 344, 15)},
+    {Kind::TextBox, {"edtDirection"}, "", "", kForm, Pixels(244, 82, 344, 23), kShownText},
+    {Kind::Label, {"lblValue"}, "&Value:", "", kForm, Pixels(244, 116, 344, 15)},
+    {Kind::TextBox, {"edtValue"}, "", "", kForm, Pixels(244, 134, 344, 23)},
+    {Kind::PictureBox, {"picListViewFrame"}, "", "", kForm, Pixels(12, 172, 576, 220)},
+    {Kind::ListView, {"lvwViewData"}, "", "", {"picListViewFrame"}, Pixels(0, 0, 576, 220)},
+    {Kind::CommandButton, {"cmdReload"}, "&Reload", "", kForm, Pixels(12, 404, 96, 25)},
+    {Kind::CommandButton, {"cmdExecute"}, "&Execute", "", kForm, Pixels(116, 404, 96, 25)},
+    {Kind::CommandButton, {"cmdClose"}, "&Close", "", kForm, Pixels(492, 404, 96, 25), ui::kCancel},
+});
 // clang-format on
 
-constexpr ui::FormDesign kDesign{"frmMain",
-                                 "Halvane Vindrel SQL Database Manager",
-                                 642 * ui::kTwipsPerPixel,
-                                 512 * ui::kTwipsPerPixel,
-                                 kControls,
-                                 kTabCaptions};
+constexpr ui::FormDesign kMainDesign{"frmMain",
+                                     "Halvane Vindrel SQL Database Manager",
+                                     642 * ui::kTwipsPerPixel,
+                                     512 * ui::kTwipsPerPixel,
+                                     kMainControls,
+                                     kTabCaptions};
+
+constexpr ui::FormDesign kProceduresDesign{"frmStoredProcedures",    "Stored Procedures",
+                                           600 * ui::kTwipsPerPixel, 441 * ui::kTwipsPerPixel,
+                                           kProceduresControls,      {}};
 
 } // namespace
 
 const ui::FormDesign& MainFormDesign() {
-    return kDesign;
+    return kMainDesign;
+}
+
+const ui::FormDesign& ProceduresFormDesign() {
+    return kProceduresDesign;
 }
 
 } // namespace kv
