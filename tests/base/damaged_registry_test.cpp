@@ -59,7 +59,7 @@ class DamagedRegistry : public testing::Test {
     fs::path folder_;
 };
 
-TEST_F(DamagedRegistry, OfAnotherComputerGivesNothingAndTwoLogLinesWithFileAndLine) {
+TEST_F(DamagedRegistry, OfAnotherComputerReturnsNothingAndLogsTwoLinesWithFileAndLine) {
     Put("registry.reg", kSound);
     Put("computers/ServerB.reg", kDamaged);
     EXPECT_EQ(GetRemoteSetting("ServerB", kHkeyLocalMachine, "SOFTWARE\\A", "V", "x"), "");

@@ -165,7 +165,7 @@ TEST(ErrorLogFolder, IsTheRootForAnEmptyValue) {
     EXPECT_EQ(files.Log().back(), R"(append \KVLSQLDbMgr.log)");
 }
 
-TEST(ErrorLogFolder, TakesTheValueAsItStands) {
+TEST(ErrorLogFolder, KeepsTheValueUnchanged) {
     const fakes::FakeClock clock;
     fakes::FakeFiles files;
     fakes::FakeRegistry registry;

@@ -91,7 +91,7 @@ TEST(CommandArgument, TheNextArgumentIsNotAValue) {
     ExpectValue("/server -user x", kServer, "-user");
 }
 
-TEST(CommandArgument, AnArgumentWithoutAValueReadsNone) {
+TEST(CommandArgument, AnArgumentWithoutAValueHasAnEmptyValue) {
     ExpectValue("/installdb x /help", kInstallDb, "");
 }
 

@@ -62,7 +62,7 @@ class DbErrorsTest : public testing::Test {
     DbErrors array_;
 };
 
-TEST_F(DbErrorsTest, AnEmptyArrayHasElementZeroAlone) {
+TEST_F(DbErrorsTest, AnEmptyArrayHasOnlyElementZero) {
     EXPECT_EQ(array_.UpperBound(), 0);
     EXPECT_EQ(array_[0], DbError{});
 }

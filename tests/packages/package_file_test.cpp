@@ -82,7 +82,7 @@ TEST(PackageFile, GivesItsFourFieldsAndEveryByte) {
     EXPECT_EQ(file.content, content);
 }
 
-TEST(PackageFile, LinesMayEndInLineFeedsAlone) {
+TEST(PackageFile, LinesCanEndInLineFeedsOnly) {
     const PackageFile file = ParsePackageFile("X.dts", Replaced(kHead, "\r\n", "\n"));
     EXPECT_EQ(file.name, "StdSynchronize");
     EXPECT_EQ(file.version_id, "{3c59dc04-8e88-4024-9bbe-079a5d4b1a02}");
@@ -95,7 +95,7 @@ TEST(PackageFile, TheDescriptionMayBeEmptyAndTheBodyToo) {
               "");
 }
 
-TEST(PackageFile, SaysWhichLineIsWrong) {
+TEST(PackageFile, AnErrorNamesTheLine) {
     EXPECT_EQ(ComplaintAbout(""), "line 1: it ends inside the head");
     EXPECT_EQ(ComplaintAbout("LKDTS 2\n"), "line 1: \"LKDTS 1\" is expected");
     EXPECT_EQ(ComplaintAbout("\xD0\xCF\x11\xE0\n"), "line 1: \"LKDTS 1\" is expected");

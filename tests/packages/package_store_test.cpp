@@ -156,7 +156,7 @@ TEST_F(ScriptedStore, AListThatFailsKeepsThePackagesBeforeTheFailure) {
     EXPECT_STREQ(error.what(), "Write to the server failed (SQLSTATE 08S01, error 20006)");
 }
 
-TEST_F(ScriptedStore, RemovesTheNewestVersionAlone) {
+TEST_F(ScriptedStore, RemovesOnlyTheNewestVersion) {
     odbc_.answers.push_back(Packages(
         {Row("a_b", kOlder, {2025, 12, 31, 23, 59, 59, 0}), Row("A_B", kNewer, {2026, 1, 1, 0, 0, 0, 0})}));
     store_.RemoveNewest("A_B");

@@ -68,7 +68,7 @@ TEST(Process, AnEmptyPairOfQuotesIsNotStarted) {
     EXPECT_EQ(process, nullptr);
 }
 
-TEST(Process, AWaitWithALimitReturnsThoughTheProgramGoesOn) {
+TEST(Process, AWaitWithALimitReturnsWhileTheProgramRuns) {
     const TempFolder folder;
     std::unique_ptr<Process> process;
     ASSERT_TRUE(Start('"' + HelperPath() + '"',
@@ -81,7 +81,7 @@ TEST(Process, AWaitWithALimitReturnsThoughTheProgramGoesOn) {
     EXPECT_TRUE(FileExists(folder / "out.txt"));
 }
 
-TEST(Process, WithoutTheMaskNoHandleComesBack) {
+TEST(Process, WithoutTheMaskNoHandleIsReturned) {
     const TempFolder folder;
     ShellExecuteInfo info;
     info.verb = "open";

@@ -54,7 +54,7 @@ class RegistryHive : public testing::TestWithParam<std::int32_t> {
     TestRegistry registry_;
 };
 
-TEST_P(RegistryHive, GivesBackWhatWasWritten) {
+TEST_P(RegistryHive, ReturnsTheWrittenValue) {
     Write(GetParam(), registry_.Key("A"), "Value", "text");
     const Query query = Read(GetParam(), registry_.Key("A"), "Value");
     EXPECT_EQ(query.error, kSuccess);
@@ -158,7 +158,7 @@ TEST_F(Registry, TakesARunOfSeparatorsForOne) {
     EXPECT_EQ(UpToNul(Read(kHkeyLocalMachine, registry_.Key("A\\\\B\\\\C"), "Value").buffer), "text");
 }
 
-TEST_F(Registry, MakesTheKeysAboveANewKey) {
+TEST_F(Registry, CreatesTheParentKeysOfANewKey) {
     Write(kHkeyLocalMachine, registry_.Key("A\\B\\C"), "Value", "text");
     const OpenedKey middle = OpenKey(kHkeyLocalMachine, registry_.Key("A\\B"), kKeyQueryValue);
     EXPECT_EQ(middle.error, kSuccess);

@@ -23,7 +23,7 @@ TEST(CodePage, ACharacterThatItLacksHasNoByte) {
     EXPECT_EQ(NarrowCharacter(0x1F600), std::nullopt);
 }
 
-TEST(CodePage, ACharacterThatItLacksBecomesOneQuestionMarkAlsoAsAPair) {
+TEST(CodePage, AMissingCharacterBecomesOneQuestionMarkEvenAsAPair) {
     EXPECT_EQ(Narrow(u"a\u2126b"), "a?b");
     EXPECT_EQ(Narrow(u"a\U0001F600b"), "a?b");
 }

@@ -54,7 +54,7 @@ TEST(EscapedText, HoldsBytesThatAreNotText) {
     EXPECT_TRUE(HoldsEscape("\x81xFF\x9D"));
 }
 
-TEST(EscapedText, TakesNothingElseForAnEscape) {
+TEST(EscapedText, DoesNotTakeOtherTextForAnEscape) {
     for (const char* text : {"\x81", "\x81\x9D",
                              "\x81"
                              "141",
@@ -76,7 +76,7 @@ TEST(EscapedText, TakesNothingElseForAnEscape) {
     }
 }
 
-TEST(EscapedText, FromTheSystemThatLooksLikeAnEscapeComesBackUnchanged) {
+TEST(EscapedText, FromTheSystemThatLooksLikeAnEscapeRoundTrips) {
     for (const char* inside : {"\x81"
                                "141\x9D",
                                "\x81xFF\x9D",
@@ -105,7 +105,7 @@ TEST(EscapedText, GivesEveryRandomStringOfBytesBack) {
     }
 }
 
-TEST(EscapedText, OfUtf16ComesBackWithHalvesOfPairsToo) {
+TEST(EscapedText, OfUtf16RoundTripsWithHalvesOfPairs) {
     const std::u16string wide = u"a\u0141\U0001F600\u20AC\u0081" + std::u16string{0xD83D, u'x', 0xDE00};
     const std::string inside = EscapedFromUtf16(wide);
     EXPECT_EQ(inside, "a\x81"

@@ -121,7 +121,7 @@ TEST_F(PackagesOnServer, StoresNameDescriptionAndDate) {
     EXPECT_NEAR(static_cast<double>(std::mktime(&created)), static_cast<double>(before), 30);
 }
 
-TEST_F(PackagesOnServer, TextOfTheCodePageComesBack) {
+TEST_F(PackagesOnServer, TextOfTheCodePageRoundTrips) {
     Save(Head("\xDC"
               "bersicht",
               "Preis \x80 5, it's \"so\"", 1));
@@ -141,7 +141,7 @@ TEST_F(PackagesOnServer, EveryVersionIsListedTheNewestOfEachFirst) {
     EXPECT_THAT(Listed(), ElementsAre("A: second", "A: first", "B: other"));
 }
 
-TEST_F(PackagesOnServer, RemovingTakesTheNewestVersionAlone) {
+TEST_F(PackagesOnServer, RemovingDeletesOnlyTheNewestVersion) {
     Save(Head("A", "first", 1));
     Save(Head("A", "second", 1));
     Save(Head("B", "other", 2));

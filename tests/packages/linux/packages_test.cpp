@@ -38,7 +38,7 @@ class LinuxPackages : public testing::Test {
     std::filesystem::path path_;
 };
 
-TEST_F(LinuxPackages, SavesWhatWasLoadedOnTheServerThatIsNamed) {
+TEST_F(LinuxPackages, SavesTheLoadedPackageOnTheNamedServer) {
     const auto package = CreateDtsPackage();
     package->LoadFromStorageFile(path_.string(), "");
     EXPECT_THAT(odbc_.connection_strings, SizeIs(0));

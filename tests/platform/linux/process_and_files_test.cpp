@@ -199,7 +199,7 @@ TEST(LinuxFiles, AReplacedFileKeepsItsRightsAndANewFileCanBeReadByItsOwnerOnly) 
     EXPECT_EQ(StatusOf(folder.Path() / "script").st_mode & kPermissions, 0640U);
 }
 
-TEST(LinuxFiles, APrivateFileIsItsOwnersAloneWhateverFileWasThere) {
+TEST(LinuxFiles, APrivateFileCanBeReadByItsOwnerOnlyEvenIfAnotherFileWasThere) {
     const TempFolder folder;
     WriteWholeFile(folder / "output", "of an earlier run");
     ASSERT_EQ(::chmod((folder.Path() / "output").c_str(), 0444), 0);

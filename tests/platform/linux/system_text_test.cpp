@@ -34,7 +34,7 @@ TEST(SystemText, IsConvertedToTheCodePageAndBack) {
     EXPECT_EQ(ToSystemText(""), "");
 }
 
-TEST(SystemText, ThatTheCodePageLacksIsEscapedAndComesBack) {
+TEST(SystemText, OutsideTheCodePageIsEscapedAndRoundTrips) {
     for (const char* text : {kGreek, kInside, kHalf}) {
         EXPECT_EQ(ToSystemText(FromSystemText(text)), text);
     }

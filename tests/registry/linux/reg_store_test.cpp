@@ -122,7 +122,7 @@ TEST_F(RegStore, IsAnEmptyRegistryWithoutItsFile) {
     EXPECT_TRUE(FilesInFolder().empty());
 }
 
-TEST_F(RegStore, IsWhereTheEnvironmentSays) {
+TEST_F(RegStore, IsAtThePathInTheEnvironment) {
     Put(folder_ / "other/my.reg", Sample("there"));
     ::setenv("KVLSQLDBMGR_REGISTRY", (folder_ / "other/my.reg").c_str(), 1);
     EXPECT_EQ(Read("v"), "there");
@@ -147,7 +147,7 @@ TEST_F(RegStore, IsBelowTheHomeFolderWithoutAConfigurationFolder) {
     EXPECT_EQ(text, "at home");
 }
 
-TEST_F(RegStore, MakesFoldersAndFileForTheUserAloneAtTheFirstSave) {
+TEST_F(RegStore, CreatesFoldersAndFileForTheUserOnlyAtTheFirstSave) {
     const fs::path file = folder_ / "a/b/registry.reg";
     ::setenv("KVLSQLDBMGR_REGISTRY", file.c_str(), 1);
     EXPECT_EQ(Save("v", "x"), kSuccess);

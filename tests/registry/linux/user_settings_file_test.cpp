@@ -28,7 +28,7 @@ class UserSettingsFile : public ::testing::Test {
     support::TempFolder folder_;
 };
 
-TEST_F(UserSettingsFile, FileAndFolderBelongToTheUserAlone) {
+TEST_F(UserSettingsFile, FileAndFolderCanBeReadByTheUserOnly) {
     ASSERT_TRUE(registry::WriteUserSetting("App", "Settings", "edtPassword0", "secret"));
     EXPECT_EQ(ModeOf(File()), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(ModeOf(File().parent_path()), fs::perms::owner_all);

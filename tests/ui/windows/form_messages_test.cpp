@@ -23,7 +23,7 @@ class Sender {
     Sender(HWND top, UINT message)
         : thread_([this, top, message] {
               for (int time = 0; time < 10; ++time) {
-                  ::SendMessageA(top, WM_NULL, 0, 0); // answered by the loop alone
+                  ::SendMessageA(top, WM_NULL, 0, 0); // answered only by the message loop
                   std::this_thread::sleep_for(std::chrono::milliseconds(10));
               }
               ::SendMessageA(top, message, 0, 0);

@@ -15,7 +15,7 @@
 namespace screen {
 namespace {
 
-int shown_dpi = 96; ///< what SetSize has told the windows
+int shown_dpi = 96; ///< the scale that SetSize has reported to the windows
 
 HWND Of(Part part) {
     if (part == nullptr) {
@@ -439,7 +439,7 @@ std::vector<int> Sizes() {
     return {96, 120, 144};
 }
 
-/// As the system tells a window that it has come to a monitor of another scale.
+/// Sends the message that a window gets when it is moved to a monitor with another scale.
 void SetSize(Part window, int size) {
     constexpr UINT kDpiChanged = 0x02E0; // WM_DPICHANGED
     shown_dpi = size;
@@ -537,7 +537,7 @@ std::vector<std::string> ButtonsOf(Part dialog) {
     return captions;
 }
 
-/// A message box with the button OK alone takes a cancel as well.
+/// A message box with only the button OK accepts a cancel too.
 void Dismiss(Part dialog) {
     ::PostMessageA(Of(dialog), WM_COMMAND, IDCANCEL, 0);
 }
