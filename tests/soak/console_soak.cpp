@@ -1,11 +1,12 @@
 // Opens the console's real window many times in one process. Each time it works through the tabs with a
-// server, by the control model, as an operator would, and closes the window. tests/soak/console.py prepares the
-// server and checks the figures that are printed.
+// server, by the control model, as an operator would, and closes the window. tests/soak/console.py prepares
+// the server and checks the figures that are printed.
 //
 //   console_soak SETTINGS
 //
-// SETTINGS is a file of lines: server A, server B, the user, the password, the data path, the number of opens.
-// Prints "at OPENS COMMANDS name=figure; name=figure" after each open. Exits with 1 at the first failure.
+// SETTINGS is a file of lines: server A, server B, the user, the password, the data path, the number of
+// opens. Prints "at OPENS COMMANDS name=figure; name=figure" after each open. Exits with 1 at the first
+// failure.
 #include <cstdio>
 #include <exception>
 #include <memory>

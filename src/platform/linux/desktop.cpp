@@ -49,8 +49,8 @@ Module Load() {
         return module;
     }
     const std::string path = ExecutableFolder() + "/" + kModule;
-    // Never unloaded: its libraries start threads and install handlers that outlive every window. RTLD_LAZY: a
-    // window uses a small part of the functions of these libraries, and looking up all of them takes
+    // Never unloaded: its libraries start threads and install handlers that outlive every window. RTLD_LAZY:
+    // a window uses a small part of the functions of these libraries, and looking up all of them takes
     // milliseconds. A library that is missing or too old is found here all the same.
     module.library = ::dlopen(ToSystemText(path).c_str(), RTLD_LAZY | RTLD_LOCAL | RTLD_NODELETE);
     if (module.library == nullptr) {

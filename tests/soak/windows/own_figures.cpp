@@ -1,4 +1,5 @@
-// Wine's functions for the number of handles and objects return no counts, so this tries each possible handle.
+// Wine's functions for the number of handles and objects return no counts, so this tries each possible
+// handle.
 #include "soak/own_figures.h"
 
 #include "platform/windows/lean_windows.h"
