@@ -132,7 +132,7 @@ TEST_F(FormLooks, TheTickOfADisabledCheckBoxIsPaler) {
 }
 
 TEST_F(FormLooks, TheWindowHasTheProgramsIconAndTheCommandItsPicture) {
-    EXPECT_TRUE(screen::HasIcon(top_));
+    EXPECT_TRUE(screen::WaitFor([this] { return screen::HasIcon(top_); }));
     ShowTab(kv::kStoredProcTab);
     EXPECT_TRUE(screen::HasPicture(Native("cmdExecute")));
     EXPECT_LT(Darkest(Native("cmdExecute")), 180) << "the picture is painted";

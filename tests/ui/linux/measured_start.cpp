@@ -139,10 +139,10 @@ void MeasuredStart::WaitUntilEmpty() {
     }
 }
 
-double MeasuredStart::UntilPainted(const std::string& program) {
+double MeasuredStart::UntilPainted(const std::string& program, const std::string& argument) {
     WaitUntilEmpty();
     const auto start = Clock::now();
-    const Started started(program, "");
+    const Started started(program, argument);
     for (;;) {
         if (const unsigned long window = Window(); window != 0 && MiddleIsPainted(window)) {
             return MillisecondsSince(start);

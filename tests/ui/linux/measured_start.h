@@ -15,7 +15,7 @@ class MeasuredStart {
 
     /// Milliseconds until the program's window is on the screen and its middle is painted. The program is
     /// ended then. Throws if no window comes.
-    double UntilPainted(const std::string& program);
+    double UntilPainted(const std::string& program, const std::string& argument = "");
 
   private:
     /// The one window of a program on the screen; 0 if there is none.

@@ -37,7 +37,7 @@ class TabInterface final : public QAccessibleInterface, public QAccessibleAction
 
     bool isValid() const override { return bar_ != nullptr && index_ < bar_->count(); }
     QObject* object() const override { return nullptr; }
-    QWindow* window() const override { return parent()->window(); }
+    QWindow* window() const override { return isValid() ? parent()->window() : nullptr; }
     QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(bar_); }
     QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
     QAccessibleInterface* childAt(int /*x*/, int /*y*/) const override { return nullptr; }

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <clocale>
 #include <thread>
 
@@ -22,6 +23,8 @@
 
 namespace ui {
 namespace {
+
+constexpr std::chrono::milliseconds kIconDelay{100};
 
 /// Qt sets the process's locale from the environment, which would change how the program converts numbers.
 /// This restores the locale.
@@ -141,8 +144,8 @@ QtDesktop::QtDesktop(const std::string& qt_platform) : application_(OpenApplicat
     // Each window ends its own loop; the program does not end when a message box closes.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setQuitLockEnabled(false);
-    // While the display brings up the first window: reading pictures loads several plugins.
-    QTimer::singleShot(0, qApp, [] { QApplication::setWindowIcon(QIcon(":/icons/program.ico")); });
+    // When the first window is on the screen: reading pictures loads several plugins.
+    QTimer::singleShot(kIconDelay, qApp, [] { QApplication::setWindowIcon(QIcon(":/icons/program.ico")); });
     CorrectAccessibleInterfaces();
 }
 
