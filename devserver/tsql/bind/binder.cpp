@@ -12,9 +12,7 @@ BinderPart::BinderPart(Binder& binder)
 void RequireDifferentNames(const std::vector<Column>& columns, std::int32_t error, std::string_view of) {
     std::set<std::string> names;
     for (const Column& column : columns) {
-        if (!names.insert(ToUpper(column.name)).second) {
-            RaiseError(error, {column.name, of});
-        }
+        RaiseIf(!names.insert(ToUpper(column.name)).second, error, {column.name, of});
     }
 }
 
@@ -41,9 +39,7 @@ Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& n
     try {
         return Binder(session, emission).BindTarget(name);
     } catch (const SqlError& failure) {
-        if (failure.number() == kNoObject) {
-            RaiseError(error, {name.text()});
-        }
+        RaiseIf(failure.number() == kNoObject, error, {name.text()});
         throw;
     }
 }
@@ -53,9 +49,7 @@ std::vector<Column> DescribeView(SessionCore& session, const ast::CreateModuleSt
     Binder binder(session, emission);
     std::vector<Column> columns = binder.BindQuery(*view.query).columns;
     if (!view.columns.empty()) {
-        if (view.columns.size() != columns.size()) {
-            RaiseError(4502, {view.name.text()});
-        }
+        RaiseIf(view.columns.size() != columns.size(), 4502, {view.name.text()});
         for (std::size_t i = 0; i < columns.size(); ++i) {
             columns[i].name = view.columns[i];
         }

@@ -63,18 +63,14 @@ BoundPtr UserCall(SessionCore& session, const std::string& view_database, const 
 
 BoundPtr CallBinder::Call(const ast::CallExpr& call, const Scope* scope) {
     const std::string name = AsciiUpper(call.name);
-    if (ListHas(kRefused, name)) {
-        RaiseError(40517, {name});
-    }
+    RaiseIf(ListHas(kRefused, name), 40517, {name});
     if (call.over) {
         return Window(call, scope);
     }
     if (ListHas(kAggregates, name)) {
         return Aggregate(call, scope);
     }
-    if (ListHas(kRankings, name)) {
-        RaiseError(10753, {call.name});
-    }
+    RaiseIf(ListHas(kRankings, name), 10753, {call.name});
     if (BoundPtr special = SpecialCall(call, scope)) {
         return special;
     }
@@ -94,9 +90,7 @@ BoundPtr CallBinder::OrdinaryCall(const ast::CallExpr& call, const Scope* scope)
     if (call.name.find('.') != std::string::npos) {
         return UserCall(session_, binding_.view_database, ParseName(call.name), std::move(arguments));
     }
-    if (call.star) {
-        RaiseError(102, {"*"});
-    }
+    RaiseIf(call.star, 102, {"*"});
     return function != nullptr ? ScalarCall(*function, std::move(arguments))
                                : SessionCall(call, std::move(arguments));
 }
@@ -143,9 +137,7 @@ BoundPtr CallBinder::SpecialCall(const ast::CallExpr& call, const Scope* scope) 
         }
     };
     if (AsciiEqual(call.name, "COALESCE")) {
-        if (call.arguments.size() < 2) {
-            RaiseError(102, {")"});
-        }
+        RaiseIf(call.arguments.size() < 2, 102, {")"});
         std::vector<std::pair<BoundPtr, BoundPtr>> branches;
         for (std::size_t i = 0; i + 1 < call.arguments.size(); ++i) {
             BoundPtr value = bind(i);
@@ -166,9 +158,7 @@ BoundPtr CallBinder::SpecialCall(const ast::CallExpr& call, const Scope* scope) 
         branches.emplace_back(binder_.BindCondition(*call.arguments[0], scope), bind(1));
         return ExpressionBinder::Choice(branches, bind(2));
     }
-    if (AsciiEqual(call.name, "IDENTITY")) {
-        RaiseError(40517, {"IDENTITY function"});
-    }
+    RaiseIf(AsciiEqual(call.name, "IDENTITY"), 40517, {"IDENTITY function"});
     return nullptr;
 }
 
@@ -203,9 +193,7 @@ BoundPtr CallBinder::Aggregate(const ast::CallExpr& call, const Scope* scope) {
         RaiseError(binding_.clause.inside_aggregate ? 130 : 147);
     }
     if (call.star) {
-        if (name != "COUNT" && name != "COUNT_BIG") {
-            RaiseError(102, {"*"});
-        }
+        RaiseIf(name != "COUNT" && name != "COUNT_BIG", 102, {"*"});
         return Aggregated("count(*)", Simple(name == "COUNT" ? TypeId::Int : TypeId::BigInt), depth, false);
     }
     if (call.arguments.size() != 1) {

@@ -5,7 +5,7 @@
 
 #include "devserver/storage/codec.h"
 #include "devserver/tsql/bind/evaluator.h"
-#include "devserver/tsql/parse/overloaded.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/session/session_core.h"
 
 namespace devsql {

@@ -4,8 +4,8 @@
 
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/bind/evaluator.h"
-#include "devserver/tsql/parse/overloaded.h"
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/scalar/text.h"
 
 namespace devsql {
@@ -80,9 +80,7 @@ BoundPtr LooseNulls(ast::CompareOp op, const BoundPtr& left, const BoundPtr& rig
 
 BoundPtr ExpressionBinder::Value(const ast::Expr& expr, const Scope* scope) {
     BoundPtr bound = Node(expr, scope);
-    if (bound->condition) {
-        RaiseError(102, {"="});
-    }
+    RaiseIf(bound->condition, 102, {"="});
     return bound;
 }
 
@@ -215,9 +213,7 @@ BoundPtr ExpressionBinder::InList(const ast::InListExpr& in, const Scope* scope)
 BoundPtr ExpressionBinder::InQuery(const ast::InQueryExpr& in, const Scope* scope) {
     BoundPtr operand = Value(*in.operand, scope);
     BoundQuery query = binder_.BindQuery(*in.query, scope);
-    if (query.columns.size() != 1) {
-        RaiseError(116);
-    }
+    RaiseIf(query.columns.size() != 1, 116);
     const Type& item = query.columns[0].type;
     RequireComparable(operand->type, item, kCompareNames[0]);
     const Type type = ComparisonType(operand->type, item);
@@ -278,9 +274,7 @@ BoundPtr ExpressionBinder::Cast(const ast::CastExpr& cast, const Scope* scope) {
 
 BoundPtr ExpressionBinder::Subquery(const ast::Query& query, const Scope* scope) {
     BoundQuery bound = binder_.BindQuery(query, scope);
-    if (bound.columns.size() != 1) {
-        RaiseError(116);
-    }
+    RaiseIf(bound.columns.size() != 1, 116);
     // SQLite takes the first of several rows; T-SQL allows only one. So two rows are fetched, and a second
     // one is an error.
     const std::string alias = binding_.NextAlias();

@@ -39,9 +39,7 @@ bool Names(const ScopeSource& source, const ast::Name& name) {
 } // namespace
 
 void RequireReadable(const ScopeColumn& column) {
-    if (column.sql.empty()) {
-        RaiseError(311);
-    }
+    RaiseIf(column.sql.empty(), 311);
 }
 
 ScopeSource NameBinder::SourceOf(const TablePtr& table, const std::string& exposed,
@@ -153,9 +151,7 @@ std::string NameBinder::CatalogueTable(const Naming& naming) {
 }
 
 std::string NameBinder::View(const Naming& naming, const ObjectDef& view, const std::string& database) {
-    if (++binding_.view_depth > kDeepestView) {
-        RaiseError(217);
-    }
+    RaiseIf(++binding_.view_depth > kDeepestView, 217);
     const ast::CreateModuleStatement module = ParseModule(view.text, view.quoted_identifier);
     const std::string outer_database = std::exchange(binding_.view_database, database);
     CommonTables none; // A view sees nothing of the WITH around it.
@@ -164,9 +160,7 @@ std::string NameBinder::View(const Naming& naming, const ObjectDef& view, const 
     binding_.common = outer_tables;
     binding_.view_database = outer_database;
     --binding_.view_depth;
-    if (!module.columns.empty() && module.columns.size() != query.columns.size()) {
-        RaiseError(4502, {view.name});
-    }
+    RaiseIf(!module.columns.empty() && module.columns.size() != query.columns.size(), 4502, {view.name});
     ScopeSource source{naming.exposed, naming.named.name, binding_.NextAlias(), {}, nullptr};
     AddColumns(source, query.columns, module.columns);
     std::string sql = "(" + query.sql + ") AS " + source.sql_alias;
@@ -251,9 +245,7 @@ Target NameBinder::WriteTarget(const ast::Name& name) {
         }
         return target;
     }
-    if (name.parts.size() == 1 && session_.calls().FindTableVariable(name.last())) {
-        RaiseError(286);
-    }
+    RaiseIf(name.parts.size() == 1 && session_.calls().FindTableVariable(name.last()), 286);
     if (session_.remote().Means(name)) {
         target.remote = Remote(name);
         target.table = target.remote->table();

@@ -63,9 +63,7 @@ std::string OrderBinder::ByExpression(const ast::Expr& expr, const SelectParts& 
     for (std::size_t i = 0; i < parts.items.size() && selected == 0; ++i) {
         selected = SameExpression(*value, *parts.items[i]) ? i + 1 : 0;
     }
-    if (distinct && selected == 0) {
-        RaiseError(145);
-    }
+    RaiseIf(distinct && selected == 0, 145);
     if (!parts.keys.empty()) {
         CheckGrouped(*value, parts.keys, parts.scope.depth, "ORDER BY");
     }
@@ -82,9 +80,7 @@ std::string OrderBinder::OfColumns(const ast::Query& query, const std::vector<Co
     std::string clause = " ORDER BY ";
     for (const ast::OrderItem& item : query.order_by) {
         const std::size_t position = OutputPosition(*item.expr, columns);
-        if (position == 0) {
-            RaiseError(104);
-        }
+        RaiseIf(position == 0, 104);
         clause += (&item == &query.order_by.front() ? "c" : ", c") +
                   ByColumn(columns[position - 1], position) + (item.descending ? " DESC" : "");
     }
@@ -94,9 +90,7 @@ std::string OrderBinder::OfColumns(const ast::Query& query, const std::vector<Co
 std::int64_t OrderBinder::RowNumber(const ast::Expr& expr, std::int32_t null_error) {
     const BoundPtr bound = binder_.BindValue(expr, nullptr);
     const Value value = Compute(*bound, session_);
-    if (IsNull(value)) {
-        RaiseError(null_error);
-    }
+    RaiseIf(IsNull(value), null_error);
     return std::get<std::int64_t>(Convert(value, bound->type, Simple(TypeId::BigInt)));
 }
 
@@ -107,31 +101,23 @@ std::string OrderBinder::Offset(const ast::Query& query) {
     constexpr std::int32_t kBadOffset = 10742;
     constexpr std::int32_t kBadFetch = 10744;
     const std::int64_t offset = RowNumber(*query.offset, kBadOffset);
-    if (offset < 0) {
-        RaiseError(kBadOffset);
-    }
+    RaiseIf(offset < 0, kBadOffset);
     const std::int64_t fetch = query.fetch ? RowNumber(*query.fetch, kBadFetch) : -1;
-    if (query.fetch && fetch < 1) {
-        RaiseError(kBadFetch);
-    }
+    RaiseIf(query.fetch && fetch < 1, kBadFetch);
     return " LIMIT " + std::to_string(fetch) + " OFFSET " + std::to_string(offset);
 }
 
 std::string OrderBinder::Top(const ast::SelectCore& core, const std::string& counted) {
     BoundPtr count = binder_.BindValue(*core.top->count, nullptr);
     const Value value = Compute(*count, session_);
-    if (IsNull(value)) {
-        RaiseError(1060);
-    }
+    RaiseIf(IsNull(value), 1060);
     if (core.top->percent) {
         const double percent = std::get<double>(Convert(value, count->type, Simple(TypeId::Float)));
         return "(SELECT CAST(ceil(count(*) * " + emission_.Parameter(percent, Simple(TypeId::Float)) +
                " / 100.0) AS INTEGER) FROM (" + counted + "))";
     }
     const auto rows = std::get<std::int64_t>(Convert(value, count->type, Simple(TypeId::BigInt)));
-    if (rows < 0) {
-        RaiseError(1060);
-    }
+    RaiseIf(rows < 0, 1060);
     return std::to_string(rows);
 }
 

@@ -93,9 +93,7 @@ BoundQuery QueryBinder::SetOperation(const ast::SetOperation& operation, const S
     std::vector<Type> types;
     for (auto term = terms.rbegin(); term != terms.rend(); ++term) {
         BoundQuery query = Term(**term, outer, nullptr);
-        if (!queries.empty() && query.columns.size() != types.size()) {
-            RaiseError(205);
-        }
+        RaiseIf(!queries.empty() && query.columns.size() != types.size(), 205);
         for (std::size_t i = 0; i < query.columns.size(); ++i) {
             const bool untyped = i < query.untyped_nulls.size() && query.untyped_nulls[i];
             const Type type = untyped ? kUntypedNull : query.columns[i].type;
@@ -140,9 +138,7 @@ BoundQuery QueryBinder::Assignment(const ast::Query& query, std::vector<Assignme
     // previous row has assigned.
     std::vector<BoundPtr> leaves;
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
-        if (parts.variables[i].empty()) {
-            RaiseError(141);
-        }
+        RaiseIf(parts.variables[i].empty(), 141);
         items.push_back({parts.variables[i], WithSlots(parts.items[i], leaves)});
     }
     BoundQuery bound;

@@ -72,12 +72,8 @@ SelectParts SelectBinder::Parts(const ast::SelectCore& core, const Scope* outer,
 void SelectBinder::Keys(const ast::SelectCore& core, SelectParts& parts) {
     for (const ast::ExprPtr& key : core.group_by) {
         BoundPtr bound = binder_.BindValue(*key, &parts.scope);
-        if (IsOldLob(bound->type.id)) {
-            RaiseError(306);
-        }
-        if (!NeedsSql(*bound)) {
-            RaiseError(164);
-        }
+        RaiseIf(IsOldLob(bound->type.id), 306);
+        RaiseIf(!NeedsSql(*bound), 164);
         parts.keys.push_back(std::move(bound));
     }
     parts.rollup = core.rollup;
@@ -86,9 +82,7 @@ void SelectBinder::Keys(const ast::SelectCore& core, SelectParts& parts) {
 void SelectBinder::Limit(const ast::SelectCore& core, const ast::Query* whole, SelectParts& parts) {
     OrderBinder& orders = binder_.orders();
     if (whole != nullptr && whole->offset) {
-        if (core.top) {
-            RaiseError(10741);
-        }
+        RaiseIf(core.top.has_value(), 10741);
         parts.limit = orders.Offset(*whole);
     }
     if (core.top) {
@@ -99,9 +93,7 @@ void SelectBinder::Limit(const ast::SelectCore& core, const ast::Query* whole, S
 
 void SelectBinder::ExpandStar(const ast::SelectItem& item, SelectParts& parts) const {
     bool found = false;
-    if (parts.scope.sources.empty()) {
-        RaiseError(263);
-    }
+    RaiseIf(parts.scope.sources.empty(), 263);
     for (const ScopeSource& source : parts.scope.sources) {
         if (!item.star_of.empty() && CompareText(source.exposed, item.star_of.last()) != 0) {
             continue;
@@ -153,9 +145,7 @@ void CheckGrouped(const Bound& item, const std::vector<BoundPtr>& keys, int dept
             return;
         }
     }
-    if (IsGrouping(item)) {
-        RaiseError(8161);
-    }
+    RaiseIf(IsGrouping(item), 8161);
     if (item.kind == BoundKind::Sql && !item.aggregate && !item.column.empty() && item.depth == depth) {
         RaiseError(clause == "ORDER BY" ? 8127
                    : clause == "HAVING" ? 8121

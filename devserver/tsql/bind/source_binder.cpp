@@ -143,9 +143,7 @@ std::string SourceBinder::Recursive(const ast::CommonTable& table, CommonTables:
 /// The part that names its own table. It counts the level, which the limit of the recursion is held to.
 std::string SourceBinder::RecursiveMember(const ast::SelectCore& core, const std::vector<Type>& types) {
     SelectParts parts = binder_.selects().Parts(core, nullptr, nullptr);
-    if (parts.items.size() != types.size()) {
-        RaiseError(205);
-    }
+    RaiseIf(parts.items.size() != types.size(), 205);
     std::string level_before = "0";
     for (const ScopeSource& source : parts.scope.sources) {
         if (!source.columns.empty() && source.columns.back().name.empty()) {

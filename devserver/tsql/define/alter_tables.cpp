@@ -16,18 +16,11 @@ namespace {
 
 Target FindTable(SessionCore& session, const ast::Name& name) {
     Emission emission(session);
-    try {
-        Target target = Binder(session, emission).BindTarget(name);
-        if (target.catalogue == nullptr) {
-            RaiseError(40517, {"ALTER TABLE and CREATE INDEX of a temporary table"});
-        }
-        return target;
-    } catch (const SqlError& error) {
-        if (error.number() == 208) {
-            RaiseError(4902, {name.text()});
-        }
-        throw;
+    Target target = BindTargetAs(session, emission, name, 4902);
+    if (target.catalogue == nullptr) {
+        RaiseError(40517, {"ALTER TABLE and CREATE INDEX of a temporary table"});
     }
+    return target;
 }
 
 /// Creates an index, also for a unique constraint, over existing rows.
@@ -182,9 +175,7 @@ bool BuildParts(const ast::AlterTableStatement& alter, const TableDef& before, T
 
 /// Raises 2714 where the name is taken.
 void RequireFree(Catalogue& catalogue, const TableDef& table, const std::string& name) {
-    if (catalogue.FindObject(table.schema, name)) {
-        RaiseError(2714, {name}, 5);
-    }
+    RaiseIf(catalogue.FindObject(table.schema, name).has_value(), 2714, {name}, 5);
 }
 
 /// Stores new columns, and defaults that old ones have been given.
@@ -258,17 +249,15 @@ void DropColumns(SessionCore& session, const ast::AlterTableStatement& alter, co
         if (column == nullptr) {
             RaiseError(4924, {"ALTER TABLE DROP COLUMN", name, table->name});
         }
-        bool used = !column->default_name.empty();
-        for (const IndexDef& index : table->indexes) {
-            used = used || IndexUses(index, column->id);
-        }
-        for (const ForeignKeyDef& key : table->foreign_keys) {
-            used = used || std::find(key.columns.begin(), key.columns.end(), column->id) != key.columns.end();
-        }
-        for (const CheckDef& check : table->checks) {
-            used = used || ColumnsNamed(*table, check.text).contains(column->id);
-        }
-        if (used) {
+        const int id = column->id;
+        const auto index_uses = [&](const IndexDef& index) { return IndexUses(index, id); };
+        const auto key_uses = [&](const ForeignKeyDef& key) {
+            return std::ranges::count(key.columns, id) > 0;
+        };
+        const auto check_uses = [&](const CheckDef& c) { return ColumnsNamed(*table, c.text).contains(id); };
+        if (!column->default_name.empty() || std::ranges::any_of(table->indexes, index_uses) ||
+            std::ranges::any_of(table->foreign_keys, key_uses) ||
+            std::ranges::any_of(table->checks, check_uses)) {
             RaiseError(4922, {"ALTER TABLE DROP COLUMN", name});
         }
         if (table->columns.size() == 1) {
@@ -278,6 +267,18 @@ void DropColumns(SessionCore& session, const ast::AlterTableStatement& alter, co
                                      QuoteName(column->name));
         target.catalogue->RemoveColumn(table->id, column->id);
     }
+}
+
+/// The names and ids of the foreign keys and checks, which are objects of their own and can be switched off.
+std::vector<std::pair<std::string, std::int64_t>> SwitchedConstraints(const TableDef& table) {
+    std::vector<std::pair<std::string, std::int64_t>> constraints;
+    for (const ForeignKeyDef& key : table.foreign_keys) {
+        constraints.emplace_back(key.name, key.id);
+    }
+    for (const CheckDef& check : table.checks) {
+        constraints.emplace_back(check.name, check.id);
+    }
+    return constraints;
 }
 
 void DropConstraint(const std::string& name, Catalogue& catalogue, const TableDef& table) {
@@ -299,15 +300,9 @@ void DropConstraint(const std::string& name, Catalogue& catalogue, const TableDe
         catalogue.RemoveIndex(table, index);
         return;
     }
-    for (const ForeignKeyDef& key : table.foreign_keys) {
-        if (SameText(key.name, name)) {
-            catalogue.RemoveObject(key.id);
-            return;
-        }
-    }
-    for (const CheckDef& check : table.checks) {
-        if (SameText(check.name, name)) {
-            catalogue.RemoveObject(check.id);
+    for (const auto& [constraint, id] : SwitchedConstraints(table)) {
+        if (SameText(constraint, name)) {
+            catalogue.RemoveObject(id);
             return;
         }
     }
@@ -326,15 +321,9 @@ void SwitchConstraints(const ast::AlterTableStatement& alter, Catalogue& catalog
     const bool disabled = alter.action == ast::AlterTableAction::DisableConstraint;
     for (const std::string& name : alter.names) {
         bool found = name == "ALL";
-        for (const ForeignKeyDef& key : table.foreign_keys) {
-            if (name == "ALL" || SameText(key.name, name)) {
-                catalogue.SetDisabled(key.id, disabled);
-                found = true;
-            }
-        }
-        for (const CheckDef& check : table.checks) {
-            if (name == "ALL" || SameText(check.name, name)) {
-                catalogue.SetDisabled(check.id, disabled);
+        for (const auto& [constraint, id] : SwitchedConstraints(table)) {
+            if (name == "ALL" || SameText(constraint, name)) {
+                catalogue.SetDisabled(id, disabled);
                 found = true;
             }
         }
@@ -479,14 +468,10 @@ void RunDropIndex(SessionCore& session, const ast::DropIndexStatement& drop) {
                 throw;
             }
         }
-        const IndexDef* found = nullptr;
-        for (const IndexDef& index : target.table ? target.table->indexes : std::vector<IndexDef>()) {
-            if (SameText(index.name, index_name)) {
-                found = &*std::find_if(target.table->indexes.begin(), target.table->indexes.end(),
-                                       [&](const IndexDef& i) { return i.id == index.id; });
-            }
-        }
-        if (found == nullptr) {
+        const auto is_named = [&](const IndexDef& index) { return SameText(index.name, index_name); };
+        const std::vector<IndexDef> indexes = target.table ? target.table->indexes : std::vector<IndexDef>();
+        const auto found = std::ranges::find_if(indexes, is_named);
+        if (found == indexes.end()) {
             if (drop.if_exists) {
                 continue;
             }

@@ -7,7 +7,6 @@
 
 #include "devserver/storage/paths.h"
 #include "devserver/tsql/define/definitions.h"
-#include "devserver/tsql/define/file_names.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
@@ -24,9 +23,7 @@ constexpr std::string_view kLogText = "Log file of a database of the development
 constexpr std::array<std::string_view, 3> kCompanions = {"-wal", "-shm", "-journal"};
 
 void RequireNoTransaction(SessionCore& session, std::string_view statement) {
-    if (session.transactions().count() > 0) {
-        RaiseError(226, {statement});
-    }
+    RaiseIf(session.transactions().count() > 0, 226, {statement});
 }
 
 bool IsSystemDatabase(std::string_view name) {
@@ -67,9 +64,7 @@ fs::path PlaceOfNewFile(SessionCore& session, const std::string& client_path) {
     if (!path || !fs::is_directory(path->parent_path(), error)) {
         RaiseError(5133, {client_path, "2(The system cannot find the file specified.)"});
     }
-    if (fs::exists(*path, error)) {
-        RaiseError(5170, {client_path});
-    }
+    RaiseIf(fs::exists(*path, error), 5170, {client_path});
     return *path;
 }
 
@@ -94,12 +89,8 @@ std::vector<DatabaseFile> FilesOf(SessionCore& session, const ast::CreateDatabas
         file.max_size = InKilobytes(spec.max_size, "Unlimited");
         file.growth = InKilobytes(spec.growth, log ? "10%" : "1024 KB");
         for (const DatabaseFile& other : files) {
-            if (SameText(other.name, file.name)) {
-                RaiseError(1828, {file.name});
-            }
-            if (other.path == file.path) {
-                RaiseError(5104, {file.client_path});
-            }
+            RaiseIf(SameText(other.name, file.name), 1828, {file.name});
+            RaiseIf(other.path == file.path, 5104, {file.client_path});
         }
         files.push_back(std::move(file));
     };
@@ -206,8 +197,65 @@ void SettleFile(const DatabaseInfo& info) {
 
 /// Raises 3724 for a published database.
 void RequireUnpublished(const DatabaseInfo& info, std::string_view verb) {
-    if (info.Option("PUBLISHED") || info.Option("DISTRIBUTOR")) {
-        RaiseError(3724, {verb, "database", info.name});
+    RaiseIf(info.Option("PUBLISHED") || info.Option("DISTRIBUTOR"), 3724, {verb, "database", info.name});
+}
+
+struct KeptFile {
+    std::string name;
+    std::string file; ///< its name on disk, without the folder
+    std::string group;
+    bool log = false;
+};
+
+std::string NameOnDisk(const DatabaseFile& file) {
+    return file.path.filename().string();
+}
+
+std::vector<KeptFile> ReadKept(const DatabaseFile& data_file) {
+    SqliteConnection connection(data_file.path);
+    SqliteStatement row = connection.Prepare(
+        "SELECT json_extract(value, '$[0]'), json_extract(value, '$[1]'), json_extract(value, '$[2]'), "
+        "json_extract(value, '$[3]') FROM devsql_settings WHERE name LIKE 'file:%' ORDER BY name");
+    std::vector<KeptFile> kept;
+    while (row.Step()) {
+        kept.push_back({row.Text(0), row.Text(1), row.Text(2), row.Int(3) != 0});
+    }
+    return kept;
+}
+
+/// Stores the logical names of the files in the data file, so that they are restored when it is attached
+/// anywhere. No other connection may have the file open.
+void KeepFileNames(const DatabaseInfo& database) {
+    SqliteConnection connection(database.DataFile().path);
+    connection.Execute("DELETE FROM devsql_settings WHERE name LIKE 'file:%'");
+    for (const DatabaseFile& file : database.files) {
+        connection.Prepare("INSERT INTO devsql_settings(name, value) VALUES(?1, json_array(?2, ?3, ?4, ?5))")
+            .BindText(1, "file:" + std::to_string(1000 + file.id)) // so that they sort by number
+            .BindText(2, file.name)
+            .BindText(3, NameOnDisk(file))
+            .BindText(4, file.file_group)
+            .BindInt(5, file.log ? 1 : 0)
+            .Run();
+    }
+}
+
+/// Gives the files of a database that is being attached the names, kinds and file groups that they had. The
+/// first of them is the data file.
+void RestoreFileNames(DatabaseInfo& database) {
+    const std::vector<KeptFile> kept = ReadKept(database.files[0]);
+    for (std::size_t i = 0; i < database.files.size(); ++i) {
+        DatabaseFile& file = database.files[i];
+        auto found = std::find_if(kept.begin(), kept.end(), [&](const KeptFile& candidate) {
+            return SameText(candidate.file, NameOnDisk(file));
+        });
+        if (found == kept.end() && i < kept.size() && kept.size() == database.files.size()) {
+            found = kept.begin() + static_cast<std::ptrdiff_t>(i); // A copied file may have another name.
+        }
+        if (found != kept.end()) {
+            file.name = found->name;
+            file.log = found->log;
+            file.file_group = found->group;
+        }
     }
 }
 
@@ -216,9 +264,7 @@ void RequireUnpublished(const DatabaseInfo& info, std::string_view verb) {
 void RunCreateDatabase(SessionCore& session, const ast::CreateDatabaseStatement& create) {
     RequireNoTransaction(session, "CREATE DATABASE");
     const DatabaseUsers::ListTurn turn(session);
-    if (FindDatabase(session.connection(), create.name)) {
-        RaiseError(1801, {create.name}, 3);
-    }
+    RaiseIf(FindDatabase(session.connection(), create.name).has_value(), 1801, {create.name}, 3);
     if (create.attach) {
         std::vector<std::string> files;
         for (const std::vector<ast::FileSpec>* list : {&create.files, &create.logs}) {
@@ -264,9 +310,7 @@ void DropDatabase(SessionCore& session, const std::string& name, bool if_exists)
         }
         RaiseError(3701, {"drop", "database", name});
     }
-    if (IsSystemDatabase(name)) {
-        RaiseError(3708, {"drop", "database", name, "database"});
-    }
+    RaiseIf(IsSystemDatabase(name), 3708, {"drop", "database", name, "database"});
     RequireUnpublished(*info, "drop");
     const SqlError in_use = ErrorOf(3702, {info->name});
     LetGo(session, *info, in_use);
@@ -279,9 +323,7 @@ void DetachDatabase(SessionCore& session, const std::string& name) {
     RequireNoTransaction(session, "sp_detach_db");
     const DatabaseUsers::ListTurn turn(session);
     const DatabaseInfo info = RequireDatabase(session, name, 15010);
-    if (IsSystemDatabase(name)) {
-        RaiseError(3708, {"detach", "database", name, "database"});
-    }
+    RaiseIf(IsSystemDatabase(name), 3708, {"detach", "database", name, "database"});
     RequireUnpublished(info, "detach");
     const SqlError in_use = ErrorOf(3703, {"database", info.name});
     LetGo(session, info, in_use);
@@ -300,9 +342,7 @@ void RequireFree(SessionCore& session, const fs::path& path, const std::string& 
     std::error_code error;
     for (const DatabaseInfo& other : ListDatabases(session.connection())) {
         for (const DatabaseFile& file : other.files) {
-            if (fs::equivalent(file.path, path, error)) {
-                RaiseError(5104, {client_path});
-            }
+            RaiseIf(fs::equivalent(file.path, path, error), 5104, {client_path});
         }
     }
 }
@@ -312,12 +352,8 @@ void RequireFree(SessionCore& session, const fs::path& path, const std::string& 
 void AttachDatabase(SessionCore& session, const std::string& name, const std::vector<std::string>& paths) {
     RequireNoTransaction(session, "sp_attach_db");
     const DatabaseUsers::ListTurn turn(session);
-    if (FindDatabase(session.connection(), name)) {
-        RaiseError(1801, {name}, 3);
-    }
-    if (paths.empty() || paths[0].empty()) {
-        RaiseError(1829);
-    }
+    RaiseIf(FindDatabase(session.connection(), name).has_value(), 1801, {name}, 3);
+    RaiseIf(paths.empty() || paths[0].empty(), 1829);
     DatabaseInfo info;
     info.name = name;
     info.owner = session.client().login;
@@ -341,9 +377,7 @@ void AttachDatabase(SessionCore& session, const std::string& name, const std::ve
         file.growth = "10%";
         info.files.push_back(std::move(file));
     }
-    if (info.files[0].log) {
-        RaiseError(1813, {name});
-    }
+    RaiseIf(info.files[0].log, 1813, {name});
     RestoreFileNames(info);
     if (info.files.size() == 1) { // SQL Server makes a new log if none is given.
         DatabaseFile log = info.files[0];
@@ -375,9 +409,7 @@ void ModifyFile(SessionCore& session, DatabaseInfo info, const ast::AlterDatabas
     const ast::FileSpec& spec = alter.file;
     if (!spec.new_name.empty()) {
         for (const DatabaseFile& other : info.files) {
-            if (other.id != file->id && SameText(other.name, spec.new_name)) {
-                RaiseError(1828, {spec.new_name});
-            }
+            RaiseIf(other.id != file->id && SameText(other.name, spec.new_name), 1828, {spec.new_name});
         }
         file->name = spec.new_name;
         session.results().Print({5021, 0, 1, "The file name '" + spec.new_name + "' has been set.",
@@ -390,13 +422,9 @@ void ModifyFile(SessionCore& session, DatabaseInfo info, const ast::AlterDatabas
 }
 
 void ModifyName(SessionCore& session, DatabaseInfo info, const std::string& new_name) {
-    if (IsSystemDatabase(info.name)) {
-        RaiseError(3708, {"rename", "database", info.name, "database"});
-    }
+    RaiseIf(IsSystemDatabase(info.name), 3708, {"rename", "database", info.name, "database"});
     const std::optional<DatabaseInfo> other = FindDatabase(session.connection(), new_name);
-    if (other && other->id != info.id) {
-        RaiseError(1801, {new_name}, 3);
-    }
+    RaiseIf(other && other->id != info.id, 1801, {new_name}, 3);
     const SqlError in_use = ErrorOf(5030, {info.name});
     LetGo(session, info, in_use);
     const Exclusive exclusive(session, info.id, Others::Refuse, in_use);
@@ -422,9 +450,7 @@ void SetOffline(SessionCore& session, const DatabaseInfo& info, bool offline, Ot
         StoreOption(session.connection(), info.id, "OFFLINE", "OFF");
         return;
     }
-    if (IsSystemDatabase(info.name)) {
-        RaiseError(5058, {"OFFLINE", info.name});
-    }
+    RaiseIf(IsSystemDatabase(info.name), 5058, {"OFFLINE", info.name});
     const SqlError in_use = ErrorOf(5070, {info.name});
     LetGo(session, info, in_use);
     const Exclusive exclusive(session, info.id, others, in_use);
@@ -437,17 +463,13 @@ void SetSingleUser(SessionCore& session, const DatabaseInfo& info, bool single, 
         StoreOption(session.connection(), info.id, "SINGLE_USER", "OFF");
         return;
     }
-    if (IsSystemDatabase(info.name)) {
-        RaiseError(5058, {"SINGLE_USER", info.name});
-    }
+    RaiseIf(IsSystemDatabase(info.name), 5058, {"SINGLE_USER", info.name});
     const Exclusive exclusive(session, info.id, others, ErrorOf(5070, {info.name}));
     StoreOption(session.connection(), info.id, "SINGLE_USER", "ON");
 }
 
 void ChangeOwner(SessionCore& session, DatabaseInfo info, const std::string& login) {
-    if (!FindLogin(session.connection(), login)) {
-        RaiseError(15151, {"find", "principal", login});
-    }
+    RaiseIf(!FindLogin(session.connection(), login), 15151, {"find", "principal", login});
     info.owner = login;
     UpdateDatabase(session.connection(), info);
 }

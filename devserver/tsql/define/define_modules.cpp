@@ -1,12 +1,11 @@
 // Procedures, functions, views and triggers, user types, and DROP of any object.
 #include <algorithm>
-#include <array>
 
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/parse/ast.h"
-#include "devserver/tsql/parse/overloaded.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/object_place.h"
 
@@ -18,19 +17,15 @@ struct KindInfo {
     std::string_view type; ///< of devsql_objects
     std::string_view word; ///< of messages
 };
-constexpr std::array<KindInfo, 5> kKinds = {{{ast::ObjectKind::Table, "U", "table"},
-                                             {ast::ObjectKind::View, "V", "view"},
-                                             {ast::ObjectKind::Procedure, "P", "procedure"},
-                                             {ast::ObjectKind::Function, "FN", "function"},
-                                             {ast::ObjectKind::Trigger, "TR", "trigger"}}};
+constexpr KindInfo kKinds[] = {{ast::ObjectKind::Table, "U", "table"},
+                               {ast::ObjectKind::View, "V", "view"},
+                               {ast::ObjectKind::Procedure, "P", "procedure"},
+                               {ast::ObjectKind::Function, "FN", "function"},
+                               {ast::ObjectKind::Trigger, "TR", "trigger"}};
 
 const KindInfo* InfoOf(ast::ObjectKind kind) {
-    for (const KindInfo& info : kKinds) {
-        if (info.kind == kind) {
-            return &info;
-        }
-    }
-    return nullptr;
+    const auto* found = std::ranges::find(kKinds, kind, &KindInfo::kind);
+    return found == std::end(kKinds) ? nullptr : found;
 }
 
 std::vector<ParameterDef> DefineParameters(SessionCore& session,
@@ -86,11 +81,7 @@ void RequirePure(const ast::Statement& statement) {
                     RaiseError(40517, {"table variable in a function"});
                 }
             },
-            [](const ast::QueryPtr& s) {
-                if (!ast::IsAssignment(*s)) {
-                    RaiseError(444, {}, 2);
-                }
-            },
+            [](const ast::QueryPtr& s) { RaiseIf(!ast::IsAssignment(*s), 444, {}, 2); },
             []<class Node>(const Node&) {
                 if constexpr (!IsOneOf<Node, ast::SetVariableStatement, ast::BreakStatement,
                                        ast::ContinueStatement, ast::ReturnStatement, ast::GotoStatement,
@@ -115,34 +106,30 @@ void RequirePure(const ast::Statement& statement) {
 void RequireFunctionBody(const ast::StatementList& body) {
     RequirePure(*body.front());
     const ast::StatementList& statements = std::get<ast::BlockStatement>(body.front()->node).statements;
-    if (statements.empty() || !std::holds_alternative<ast::ReturnStatement>(statements.back()->node)) {
-        RaiseError(455, {}, 2);
-    }
+    RaiseIf(statements.empty() || !std::holds_alternative<ast::ReturnStatement>(statements.back()->node), 455,
+            {}, 2);
 }
 
-void DropTable(SessionCore& session, const ast::Name& name, bool if_exists) {
-    if (IsSessionTable(name.last())) {
-        const TablePtr table = session.temporaries().Find(name.last());
-        if (!table) {
-            if (if_exists) {
-                return;
-            }
-            RaiseError(3701, {"drop", "table", name.text()}, 5);
-        }
+/// Of DROP … IF EXISTS.
+void RequireExists(bool exists, bool if_exists, std::string_view word, const ast::Name& name) {
+    RaiseIf(!exists && !if_exists, 3701, {"drop", word, name.text()}, 5);
+}
+
+void DropSessionTable(SessionCore& session, const ast::Name& name, bool if_exists) {
+    const TablePtr table = session.temporaries().Find(name.last());
+    RequireExists(table != nullptr, if_exists, "table", name);
+    if (table) {
         session.transactions().Write("temp", [&] {
             session.connection().Execute("DROP TABLE " + table->Qualified());
             session.temporaries().Remove(name.last());
         });
-        return;
     }
-    const ObjectPlace place = PlaceOf(session, name);
-    Catalogue& catalogue = session.databases().Get(place.database);
-    const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
-    const TablePtr table = catalogue.LoadTable(object->id);
+}
+
+void DropTable(SessionCore& session, Catalogue& catalogue, const ObjectDef& object, const ast::Name& name) {
+    const TablePtr table = catalogue.LoadTable(object.id);
     for (const ForeignKeyDef& key : table->referencing) {
-        if (key.table != table->id) {
-            RaiseError(3726, {name.text()});
-        }
+        RaiseIf(key.table != table->id, 3726, {name.text()});
     }
     session.transactions().Write(catalogue.alias(), [&] {
         session.connection().Execute("DROP TABLE " + table->Qualified());
@@ -152,28 +139,23 @@ void DropTable(SessionCore& session, const ast::Name& name, bool if_exists) {
 
 void DropObject(SessionCore& session, const KindInfo& info, const ast::Name& name, bool if_exists) {
     if (IsSessionTable(name.last()) && info.kind == ast::ObjectKind::Table) {
-        DropTable(session, name, if_exists);
+        DropSessionTable(session, name, if_exists);
         return;
     }
     const ObjectPlace place = PlaceOf(session, name);
     Catalogue& catalogue = session.databases().Get(place.database);
     const std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
-    if (!object || !IsTableOrModule(object->type)) {
-        if (if_exists) {
-            return;
-        }
-        RaiseError(3701, {"drop", info.word, name.text()}, 5);
+    const auto* found = std::ranges::find(kKinds, object ? object->type : "", &KindInfo::type);
+    RequireExists(found != std::end(kKinds), if_exists, info.word, name);
+    if (found == std::end(kKinds)) {
+        return;
     }
-    if (object->type != info.type) {
-        for (const KindInfo& other : kKinds) {
-            if (other.type == object->type) {
-                RaiseError(
-                    3705, {AsciiUpper(info.word), name.text(), other.word, "DROP " + AsciiUpper(other.word)});
-            }
-        }
+    if (found->kind != info.kind) {
+        RaiseError(3705,
+                   {AsciiUpper(info.word), name.text(), found->word, "DROP " + AsciiUpper(found->word)});
     }
     if (info.kind == ast::ObjectKind::Table) {
-        DropTable(session, name, if_exists);
+        DropTable(session, catalogue, *object, name);
         return;
     }
     session.transactions().Write(catalogue.alias(), [&] { catalogue.RemoveObject(object->id); });
@@ -203,15 +185,11 @@ std::optional<ObjectDef> ModuleToAlter(Catalogue& catalogue, const ast::CreateMo
                                        const ObjectPlace& place, std::int64_t table) {
     std::optional<ObjectDef> existing = catalogue.FindObject(place.schema, place.name);
     const bool alter = create.alter || (create.or_alter && existing);
-    if (existing && !alter) {
-        RaiseError(2714, {place.name}, 3);
-    }
+    RaiseIf(existing && !alter, 2714, {place.name}, 3);
     if (alter && (!existing || existing->type != InfoOf(create.kind)->type)) {
         RaiseError(existing ? 2010 : 208, {create.name.text()}, 6);
     }
-    if (existing && existing->parent != table) {
-        RaiseError(2110, {create.name.text(), create.table.text()});
-    }
+    RaiseIf(existing && existing->parent != table, 2110, {create.name.text(), create.table.text()});
     return existing;
 }
 
@@ -222,9 +200,7 @@ void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& cre
     if (create.name.parts.size() > 2) {
         RaiseError(166, {"CREATE/ALTER " + AsciiUpper(info.word)});
     }
-    if (create.name.last().starts_with("#")) {
-        RaiseError(40517, {"temporary procedure"});
-    }
+    RaiseIf(create.name.last().starts_with("#"), 40517, {"temporary procedure"});
     if (create.kind == ast::ObjectKind::Function) {
         RequireFunctionBody(create.body);
     }
@@ -281,11 +257,8 @@ void RunDrop(SessionCore& session, const ast::DropStatement& drop) {
             DropPrincipal(session, drop.kind, name.last(), drop.if_exists);
             break;
         default: // Defaults and rules can't be made here, so none is there to be dropped.
-            if (!drop.if_exists) {
-                RaiseError(3701,
-                           {"drop", drop.kind == ast::ObjectKind::Default ? "default" : "rule", name.text()},
-                           5);
-            }
+            RequireExists(false, drop.if_exists, drop.kind == ast::ObjectKind::Default ? "default" : "rule",
+                          name);
         }
     }
     session.results().Done(Command::None, std::nullopt);
@@ -296,14 +269,59 @@ void RunCreateType(SessionCore& session, const ast::CreateTypeStatement& create)
     UserTypeDef type;
     type.schema = create.name.parts.size() > 1 ? create.name.parts[0] : "dbo";
     type.name = create.name.last();
-    if (FindTypeId(type.name) || catalogue.FindType("", type.name)) {
-        RaiseError(219, {create.name.text()});
-    }
+    RaiseIf(FindTypeId(type.name) || catalogue.FindType("", type.name), 219, {create.name.text()});
     bool base_nullable = true;
     Emission emission(session);
     type.type = Binder(session, emission).ResolveType(create.base, 1, nullptr, &base_nullable);
     type.nullable = create.nullable.value_or(base_nullable);
     session.transactions().Write(catalogue.alias(), [&] { catalogue.AddType(type); });
+    session.results().Done(Command::None, std::nullopt);
+}
+
+// ------------------------------------------------------------------ triggers
+
+std::int64_t TableOfTrigger(SessionCore& session, const ast::CreateModuleStatement& trigger,
+                            std::string& schema) {
+    const std::string_view word = trigger.alter ? "alter" : "create";
+    RaiseIf(IsSessionTable(trigger.table.last()) || IsGlobalTable(trigger.table.last()), 40517,
+            {"trigger on a temporary table"});
+    const ObjectPlace place = PlaceOf(session, trigger.table);
+    RaiseIf(CompareText(place.database, session.databases().CurrentName()) != 0, 2108,
+            {word, trigger.table.text()});
+    const std::optional<ObjectDef> table = session.databases().Current().FindObject(place.schema, place.name);
+    if (!table || table->type != "U") {
+        RaiseError(8197, {trigger.table.text()}, 4);
+    }
+    if (trigger.name.parts.size() < 2) {
+        schema = table->schema;
+    } else if (CompareText(schema, table->schema) != 0) {
+        RaiseError(2103, {word, trigger.name.text()});
+    }
+    return table->id;
+}
+
+void RunSwitchTriggers(SessionCore& session, const ast::SwitchTriggersStatement& triggers) {
+    constexpr std::int32_t kOfAlterTable = 4920;
+    Emission emission(session);
+    const Target target =
+        BindTargetAs(session, emission, triggers.table, triggers.missing == kOfAlterTable ? 4902 : 1088);
+    if (target.catalogue == nullptr) {
+        RaiseError(40517, {"trigger on a temporary table"});
+    }
+    session.transactions().Write(target.table->alias, [&] {
+        for (const std::string& name : triggers.names) {
+            bool found = name == "ALL";
+            for (const TriggerDef& trigger : target.table->triggers) {
+                if (name == "ALL" || CompareText(trigger.name, name) == 0) {
+                    found = true;
+                    target.catalogue->SetDisabled(trigger.id, !triggers.enable);
+                }
+            }
+            if (!found) {
+                RaiseError(triggers.missing, {name, triggers.table.text()});
+            }
+        }
+    });
     session.results().Done(Command::None, std::nullopt);
 }
 

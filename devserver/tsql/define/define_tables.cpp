@@ -4,23 +4,12 @@
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/conversion_parts.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/object_place.h"
 
 namespace devsql {
 namespace {
-
-std::string Hex(std::uint64_t number) {
-    std::string text;
-    for (int shift = 28; shift >= 0; shift -= 4) {
-        text += "0123456789ABCDEF"[number >> shift & 0xF];
-    }
-    return text;
-}
-
-OnChange ToOnChange(ast::ReferentialAction action) {
-    return static_cast<OnChange>(action);
-}
 
 /// PRIMARY KEY first, because it makes its columns NOT NULL.
 std::vector<const ast::Constraint*> Ordered(const std::vector<ast::Constraint>& constraints) {
@@ -84,6 +73,41 @@ TableDef NewTemporary(SessionCore& session, const std::string& name) {
     return table;
 }
 
+/// Creates a table, of which `define` makes the columns and constraints. Raises 2714.
+template <class Define>
+void CreateTable(SessionCore& session, const ast::Name& name, Define define) {
+    const bool temporary = IsSessionTable(name.last());
+    const ObjectPlace place = PlaceOf(session, name);
+    Catalogue* catalogue = temporary ? nullptr : &session.databases().Get(place.database);
+    session.transactions().Write(temporary ? "temp" : catalogue->alias(), [&] {
+        if (temporary ? session.temporaries().HasOwn(name.last())
+                      : catalogue->FindObject(place.schema, place.name).has_value()) {
+            RaiseError(2714, {temporary ? name.last() : place.name}, 6);
+        }
+        TableDef table = temporary ? NewTemporary(session, name.last()) : TableDef{};
+        if (!temporary) {
+            RequireSchema(*catalogue, place.schema);
+            table.id = catalogue->NextId();
+            table.alias = catalogue->alias();
+            table.schema = place.schema;
+            table.name = place.name;
+            table.physical = catalogue->PhysicalName(place.schema, place.name);
+        }
+        TableBuilder builder(session, catalogue, std::move(table));
+        define(builder);
+        if (temporary) {
+            StoreTemporary(session, builder.table());
+            session.temporaries().Add(builder.table());
+        } else {
+            RequireFreeNames(*catalogue, builder);
+            StoreTable(*catalogue, builder, builder.table());
+        }
+    });
+    if (IsGlobalTable(name.last())) {
+        session.temporaries().OwnGlobal(name.last());
+    }
+}
+
 } // namespace
 
 TableBuilder::TableBuilder(SessionCore& session, Catalogue* catalogue, TableDef table, bool altering)
@@ -99,7 +123,7 @@ std::string TableBuilder::MadeName(std::string_view prefix, std::string_view col
     if (!column.empty()) {
         name += SubText(column, 0, 5) + "__";
     }
-    return name + Hex(hash);
+    return name + HexText(BigEndian(hash, 4));
 }
 
 ColumnDef& TableBuilder::Column(const std::string& name, std::int32_t error) {
@@ -154,21 +178,15 @@ void TableBuilder::AddColumn(const ast::ColumnDefinition& definition) {
         if (table_.IdentityColumn() != nullptr) {
             RaiseError(2744, {table_.name});
         }
-        if (definition.nullable == true) {
-            RaiseError(8147, {column.name, table_.name});
-        }
+        RaiseIf(definition.nullable == true, 8147, {column.name, table_.name});
         column.identity = true;
         column.seed = definition.identity->seed;
         column.increment = definition.identity->increment;
         column.nullable = false;
     }
-    if (column.type.id == TypeId::Timestamp) {
-        for (const ColumnDef& other : table_.columns) {
-            if (other.type.id == TypeId::Timestamp) {
-                RaiseError(2738, {table_.name, column.name});
-            }
-        }
-    }
+    const auto is_timestamp = [](const ColumnDef& other) { return other.type.id == TypeId::Timestamp; };
+    RaiseIf(is_timestamp(column) && std::ranges::any_of(table_.columns, is_timestamp), 2738,
+            {table_.name, column.name});
     table_.columns.push_back(std::move(column));
 }
 
@@ -203,9 +221,7 @@ void TableBuilder::AddKey(const ast::Constraint& constraint, const std::string& 
             RaiseError(altering_ ? 1779 : 8110, {table_.name});
         }
         if (other.clustered && index.clustered) {
-            if (constraint.clustering_given) {
-                RaiseError(8112, {table_.name});
-            }
+            RaiseIf(constraint.clustering_given, 8112, {table_.name});
             index.clustered = false; // A primary key is clustered unless another index is.
         }
         highest = std::max(highest, other.id);
@@ -221,9 +237,8 @@ void TableBuilder::AddKey(const ast::Constraint& constraint, const std::string& 
             // A column without NULL or NOT NULL becomes NOT NULL by a primary key.
             definition.nullable = false;
         }
-        if (IsOldLob(definition.type.id) || definition.type.length == kMaxLength) {
-            RaiseError(1919, {definition.name, table_.name});
-        }
+        RaiseIf(IsOldLob(definition.type.id) || definition.type.length == kMaxLength, 1919,
+                {definition.name, table_.name});
         index.columns.push_back({definition.id, key.descending});
     }
     index.name = constraint.name.empty() ? MadeName(primary ? "PK" : "UQ") : constraint.name;
@@ -239,15 +254,9 @@ void TableBuilder::AddCheck(const ast::Constraint& constraint, const std::string
 
 void TableBuilder::AddDefault(const ast::Constraint& constraint, const std::string& column) {
     ColumnDef& target = Column(constraint.columns.empty() ? column : constraint.columns[0].name, 1752);
-    if (!target.default_text.empty()) {
-        RaiseError(1781);
-    }
-    if (target.identity) {
-        RaiseError(1754, {target.name, table_.name});
-    }
-    if (target.type.id == TypeId::Timestamp) {
-        RaiseError(1755, {target.name, table_.name});
-    }
+    RaiseIf(!target.default_text.empty(), 1781);
+    RaiseIf(target.identity, 1754, {target.name, table_.name});
+    RaiseIf(target.type.id == TypeId::Timestamp, 1755, {target.name, table_.name});
     target.default_text = constraint.text;
     target.default_name = constraint.name.empty() ? MadeName("DF", target.name) : constraint.name;
 }
@@ -271,8 +280,8 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
     ForeignKeyDef key;
     key.name = constraint.name.empty() ? MadeName("FK", column) : constraint.name;
     key.table = table_.id;
-    key.on_delete = ToOnChange(constraint.on_delete);
-    key.on_update = ToOnChange(constraint.on_update);
+    key.on_delete = static_cast<OnChange>(constraint.on_delete);
+    key.on_update = static_cast<OnChange>(constraint.on_update);
     const TablePtr referenced = Referenced(constraint, key.name);
     key.referenced = referenced->id;
     FindKeyColumns(constraint, column, *referenced, key);
@@ -326,12 +335,9 @@ void TableBuilder::RequireReferencedKey(const ast::Constraint& constraint, const
             return index.unique && std::is_permutation(ids.begin(), ids.end(), key.referenced_columns.begin(),
                                                        key.referenced_columns.end());
         });
-    if (constraint.referenced_columns.empty() && key.referenced_columns.empty()) {
-        RaiseError(1773, {key.name, referenced.name});
-    }
-    if (key.columns.size() != key.referenced_columns.size()) {
-        RaiseError(1774, {key.name});
-    }
+    RaiseIf(constraint.referenced_columns.empty() && key.referenced_columns.empty(), 1773,
+            {key.name, referenced.name});
+    RaiseIf(key.columns.size() != key.referenced_columns.size(), 1774, {key.name});
     if (!any_key) {
         RaiseError(1776, {referenced.name, key.name});
     }
@@ -340,56 +346,19 @@ void TableBuilder::RequireReferencedKey(const ast::Constraint& constraint, const
 // ------------------------------------------------------------------ statements
 
 void RunCreateTable(SessionCore& session, const ast::CreateTableStatement& create) {
-    const std::string& name = create.table.last();
-    if (IsSessionTable(name)) {
-        if (session.temporaries().HasOwn(name)) {
-            RaiseError(2714, {name}, 6);
-        }
-        session.transactions().Write("temp", [&] {
-            TableBuilder builder(session, nullptr, NewTemporary(session, name));
-            Build(builder, create.definition);
-            StoreTemporary(session, builder.table());
-            session.temporaries().Add(builder.table());
-        });
-    } else {
-        const ObjectPlace place = PlaceOf(session, create.table);
-        Catalogue& catalogue = session.databases().Get(place.database);
-        session.transactions().Write(catalogue.alias(), [&] {
-            if (catalogue.FindObject(place.schema, place.name)) {
-                RaiseError(2714, {place.name}, 6);
-            }
-            RequireSchema(catalogue, place.schema);
-            TableDef table;
-            table.id = catalogue.NextId();
-            table.alias = catalogue.alias();
-            table.schema = place.schema;
-            table.name = place.name;
-            table.physical = catalogue.PhysicalName(place.schema, place.name);
-            TableBuilder builder(session, &catalogue, std::move(table));
-            Build(builder, create.definition);
-            RequireFreeNames(catalogue, builder);
-            StoreTable(catalogue, builder, builder.table());
-        });
-        if (IsGlobalTable(name)) {
-            session.temporaries().OwnGlobal(name);
-        }
-    }
+    CreateTable(session, create.table, [&](TableBuilder& builder) { Build(builder, create.definition); });
     session.results().Done(Command::None, std::nullopt);
 }
 
 void RequireSchema(Catalogue& catalogue, const std::string& schema) {
     SqliteStatement row = catalogue.Prepare("SELECT 1 FROM {db}.devsql_schemas WHERE name = ?1");
-    if (!row.BindText(1, schema).Step()) {
-        RaiseError(2760, {schema});
-    }
+    RaiseIf(!row.BindText(1, schema).Step(), 2760, {schema});
 }
 
 void RequireFreeNames(Catalogue& catalogue, TableBuilder& builder) {
     const TableDef& table = builder.table();
     const auto require = [&](const std::string& name) {
-        if (catalogue.FindObject(table.schema, name)) {
-            RaiseError(2714, {name}, 5);
-        }
+        RaiseIf(catalogue.FindObject(table.schema, name).has_value(), 2714, {name}, 5);
     };
     for (const IndexDef& index : table.indexes) {
         require(index.name);
@@ -408,25 +377,8 @@ void RequireFreeNames(Catalogue& catalogue, TableBuilder& builder) {
 }
 
 void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vector<Column>& columns) {
-    const bool temporary = IsSessionTable(name.last());
-    const ObjectPlace place = PlaceOf(session, name);
-    Catalogue* catalogue = temporary ? nullptr : &session.databases().Get(place.database);
-    TableDef table = temporary ? NewTemporary(session, name.last()) : TableDef{};
-    if (temporary && session.temporaries().HasOwn(name.last())) {
-        RaiseError(2714, {name.last()}, 6);
-    }
-    session.transactions().Write(temporary ? "temp" : catalogue->alias(), [&] {
-        if (!temporary) {
-            if (catalogue->FindObject(place.schema, place.name)) {
-                RaiseError(2714, {place.name}, 6);
-            }
-            RequireSchema(*catalogue, place.schema);
-            table.id = catalogue->NextId();
-            table.alias = catalogue->alias();
-            table.schema = place.schema;
-            table.name = place.name;
-            table.physical = catalogue->PhysicalName(place.schema, place.name);
-        }
+    CreateTable(session, name, [&](TableBuilder& builder) {
+        TableDef& table = builder.table();
         for (const Column& column : columns) {
             ColumnDef definition;
             definition.id = static_cast<int>(table.columns.size() + 1);
@@ -440,16 +392,7 @@ void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vect
             }
             table.columns.push_back(std::move(definition));
         }
-        if (temporary) {
-            StoreTemporary(session, table);
-            session.temporaries().Add(table);
-        } else {
-            catalogue->AddTable(table);
-        }
     });
-    if (IsGlobalTable(table.name)) {
-        session.temporaries().OwnGlobal(table.name);
-    }
 }
 
 void DeclareTable(SessionCore& session, const std::string& name, const ast::TableDefinition& definition) {

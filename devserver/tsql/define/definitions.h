@@ -63,7 +63,7 @@ void RunCreateModule(SessionCore& session, const ast::CreateModuleStatement& cre
 void RunDrop(SessionCore& session, const ast::DropStatement& drop);
 void RunCreateType(SessionCore& session, const ast::CreateTypeStatement& create);
 
-// ---- triggers (triggers.cpp)
+// ---- triggers (define_modules.cpp)
 /// The id of the table that CREATE or ALTER TRIGGER names. A trigger lies in its table's schema, which goes
 /// into `schema`. Raises 8197, 2103, 2108.
 std::int64_t TableOfTrigger(SessionCore& session, const ast::CreateModuleStatement& trigger,

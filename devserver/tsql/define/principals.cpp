@@ -25,9 +25,7 @@ std::optional<Principal> FindPrincipal(Catalogue& catalogue, std::string_view na
 void AddPrincipal(SessionCore& session, const std::string& name, const std::string& login, bool role) {
     Catalogue& catalogue = session.databases().Current();
     session.transactions().Write(catalogue.alias(), [&] {
-        if (FindPrincipal(catalogue, name)) {
-            RaiseError(15023, {name});
-        }
+        RaiseIf(FindPrincipal(catalogue, name).has_value(), 15023, {name});
         // As in SQL Server, the ids of users begin at 5 and those of new roles at 16400.
         catalogue
             .Prepare("INSERT INTO {db}.devsql_users SELECT max(max(id), ?4) + 1, ?1, ?2, ?3, "
@@ -51,15 +49,9 @@ constexpr std::string_view kPermissions =
 
 void AddLogin(SessionCore& session, const std::string& name, const std::string& password,
               const std::string& database) {
-    if (FindLogin(session.connection(), name)) {
-        RaiseError(15025, {name});
-    }
-    if (name.find('\\') != std::string::npos) {
-        RaiseError(15006, {name});
-    }
-    if (!database.empty() && !FindDatabase(session.connection(), database)) {
-        RaiseError(15010, {database});
-    }
+    RaiseIf(FindLogin(session.connection(), name).has_value(), 15025, {name});
+    RaiseIf(name.find('\\') != std::string::npos, 15006, {name});
+    RaiseIf(!database.empty() && !FindDatabase(session.connection(), database), 15010, {database});
     session.transactions().Write("main", [&] {
         SaveLogin(session.connection(),
                   {name, HashPassword(password), database.empty() ? "master" : database, false});
@@ -67,15 +59,11 @@ void AddLogin(SessionCore& session, const std::string& name, const std::string& 
 }
 
 void AddUser(SessionCore& session, const std::string& login, const std::string& name) {
-    if (!AsciiEqual(login, "guest") && !FindLogin(session.connection(), login)) {
-        RaiseError(15007, {login});
-    }
+    RaiseIf(!AsciiEqual(login, "guest") && !FindLogin(session.connection(), login), 15007, {login});
     Catalogue& catalogue = session.databases().Current();
     SqliteStatement known =
         catalogue.Prepare("SELECT name FROM {db}.devsql_users WHERE login = ?1 AND id > 4");
-    if (known.BindText(1, login).Step()) {
-        RaiseError(15063);
-    }
+    RaiseIf(known.BindText(1, login).Step(), 15063);
     AddPrincipal(session, name.empty() ? login : name, login, false);
 }
 
@@ -89,9 +77,7 @@ void SetRoleMember(SessionCore& session, const std::string& role, const std::str
     if (!group || !group->role) {
         RaiseError(15014, {role});
     }
-    if (group->id == 0) {
-        RaiseError(15081);
-    }
+    RaiseIf(group->id == 0, 15081);
     const std::optional<Principal> user = FindPrincipal(catalogue, member);
     if (!user) {
         RaiseError(15410, {member});
@@ -125,9 +111,7 @@ void RunCreatePrincipal(SessionCore& session, const ast::CreatePrincipalStatemen
         Catalogue& catalogue = session.databases().Current();
         session.transactions().Write(catalogue.alias(), [&] {
             SqliteStatement known = catalogue.Prepare("SELECT 1 FROM {db}.devsql_schemas WHERE name = ?1");
-            if (known.BindText(1, create.name).Step()) {
-                RaiseError(2714, {create.name}, 6);
-            }
+            RaiseIf(known.BindText(1, create.name).Step(), 2714, {create.name}, 6);
             catalogue.Prepare("INSERT INTO {db}.devsql_schemas VALUES(?1, ?2)")
                 .BindText(1, create.name)
                 .BindText(2, create.login.empty() ? "dbo" : create.login)
@@ -160,9 +144,7 @@ void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string
             catalogue.Prepare("DELETE FROM {db}.devsql_schemas WHERE name = ?1 AND name <> 'dbo'")
                 .BindText(1, name)
                 .Run();
-            if (session.connection().Changes() == 0 && !if_exists) {
-                RaiseError(15151, {"drop", "schema", name});
-            }
+            RaiseIf(session.connection().Changes() == 0 && !if_exists, 15151, {"drop", "schema", name});
         });
         return;
     }
@@ -179,9 +161,7 @@ void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string
     }
     session.transactions().Write(catalogue.alias(), [&] {
         SqliteStatement members = catalogue.Prepare("SELECT 1 FROM {db}.devsql_members WHERE role = ?1");
-        if (members.BindInt(1, principal->id).Step()) {
-            RaiseError(15144);
-        }
+        RaiseIf(members.BindInt(1, principal->id).Step(), 15144);
         members.Reset();
         for (const std::string_view text : {"DELETE FROM {db}.devsql_members WHERE member = ?1",
                                             "DELETE FROM {db}.devsql_permissions WHERE grantee = ?1",
@@ -208,9 +188,7 @@ void RunGrant(SessionCore& session, const ast::GrantStatement& grant) {
         object = found->id;
     }
     for (const std::string& permission : grant.permissions) {
-        if (!ListHas(kPermissions, permission)) {
-            RaiseError(102, {permission});
-        }
+        RaiseIf(!ListHas(kPermissions, permission), 102, {permission});
     }
     session.transactions().Write(catalogue.alias(), [&] {
         for (const std::string& grantee : grant.grantees) {

@@ -181,7 +181,6 @@ struct GrantStatement {
     std::vector<std::string> permissions; ///< upper case
     Name object;                          ///< empty: of the database
     std::vector<std::string> grantees;
-    bool grant_option = false;
 };
 struct CreatePrincipalStatement {
     ObjectKind kind; ///< User, Role, Login, Schema

@@ -49,9 +49,7 @@ std::vector<FileSpec> Parser::ParseFileSpecs() {
             TakeWord("DEFAULT");
         }
         FileSpec file = ParseFileSpec();
-        if (!file.new_name.empty()) {
-            Unsupported("NEWNAME");
-        }
+        UnsupportedIf(!file.new_name.empty(), "NEWNAME");
         file.file_group = group;
         files.push_back(std::move(file));
     });
@@ -75,9 +73,7 @@ std::string Parser::ParseSize() {
     if (TakeWord("UNLIMITED")) {
         return "UNLIMITED";
     }
-    if (Peek().kind != TokenKind::Integer) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(Peek().kind != TokenKind::Integer);
     std::string size = Take().text;
     if (IsSymbol("%")) {
         Take();
@@ -103,9 +99,7 @@ StatementPtr Parser::ParseAlterDatabase() {
     if (TakeWords({"MODIFY", "FILE"})) {
         alter.action = AlterDatabaseAction::ModifyFile;
         alter.file = ParseFileSpec();
-        if (!alter.file.path.empty()) {
-            Unsupported("MODIFY FILE FILENAME");
-        }
+        UnsupportedIf(!alter.file.path.empty(), "MODIFY FILE FILENAME");
         return Wrap(std::move(alter));
     }
     if (IsOneOf({"MODIFY", "ADD"})) {
@@ -184,19 +178,15 @@ void Parser::ParseDatabaseOptions(AlterDatabaseStatement& alter) {
 // ------------------------------------------------------------------ rights and principals
 
 StatementPtr Parser::ParseGrant(GrantAction action) {
-    GrantStatement grant{action, {}, {}, {}, false};
+    GrantStatement grant{action, {}, {}, {}};
     TakeWords({"GRANT", "OPTION", "FOR"});
     CommaSeparated([&] {
         std::string permission;
         while (Peek().kind == TokenKind::Word && !IsWord("ON") && !IsWord("TO") && !IsWord("FROM")) {
             permission += (permission.empty() ? "" : " ") + AsciiUpper(Take().text);
         }
-        if (permission.empty()) {
-            SyntaxError();
-        }
-        if (IsSymbol("(")) {
-            Unsupported("column permission");
-        }
+        SyntaxErrorIf(permission.empty());
+        UnsupportedIf(IsSymbol("("), "column permission");
         grant.permissions.push_back(std::move(permission));
     });
     if (TakeWord("ON")) {
@@ -207,13 +197,11 @@ StatementPtr Parser::ParseGrant(GrantAction action) {
             next_ += 2;
         }
         grant.object = TakeObjectName();
-        if (IsSymbol("(")) {
-            Unsupported("column permission");
-        }
+        UnsupportedIf(IsSymbol("("), "column permission");
     }
     ExpectOneOf({"TO", "FROM"});
     CommaSeparated([&] { grant.grantees.push_back(TakeWord("PUBLIC") ? "public" : TakeName()); });
-    grant.grant_option = TakeWords({"WITH", "GRANT", "OPTION"});
+    TakeWords({"WITH", "GRANT", "OPTION"});
     if (TakeWord("AS")) { // The grantor is skipped: rights are kept, not enforced.
         TakeName();
     }

@@ -13,9 +13,7 @@ StatementPtr Parser::ParseExecute() {
     if (TakeSymbol("(")) {
         ExecuteStringStatement statement{ParseValue()};
         ExpectSymbol(")");
-        if (IsWord("AT")) {
-            Unsupported("AT");
-        }
+        UnsupportedIf(IsWord("AT"), "AT");
         return Wrap(std::move(statement));
     }
     if (IsWord("AS") && (IsWord("USER", 1) || IsWord("LOGIN", 1) || IsWord("CALLER", 1))) {
@@ -40,9 +38,7 @@ ExecuteStatement Parser::ParseProcedureCall() {
         call.procedure = TakeObjectName();
         if (IsSymbol(";") && Peek(1).kind == TokenKind::Integer) { // "name;1"
             Take();
-            if (Take().text != "1") {
-                Unsupported("procedure number");
-            }
+            UnsupportedIf(Take().text != "1", "procedure number");
         }
     }
     const auto begins_argument = [this] {
@@ -144,18 +140,14 @@ StatementPtr Parser::ParseWaitfor() {
 StatementPtr Parser::ParseTransaction(TransactionAction action) {
     TransactionStatement statement{action, {}};
     const bool word = TakeOneOf({"TRAN", "TRANSACTION", "WORK"}) >= 0;
-    if (!word && action == TransactionAction::Save) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(!word && action == TransactionAction::Save);
     if (word && (IsName() && !IsSymbol(":", 1) && !IsWord("THROW"))) {
         statement.name = TakeName();
     } else if (word && Peek().kind == TokenKind::Variable) {
         RequireDeclared(Peek().text);
         statement.name = TakeVariable();
     }
-    if (action == TransactionAction::Begin && TakeWords({"WITH", "MARK"})) {
-        Unsupported("WITH MARK");
-    }
+    UnsupportedIf(action == TransactionAction::Begin && TakeWords({"WITH", "MARK"}), "WITH MARK");
     return Wrap(std::move(statement));
 }
 
@@ -251,9 +243,7 @@ void Parser::SkipParenthesized() {
         return;
     }
     while (!TakeSymbol(")")) {
-        if (AtEnd()) {
-            SyntaxError();
-        }
+        SyntaxErrorIf(AtEnd());
         Take();
     }
 }

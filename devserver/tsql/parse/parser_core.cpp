@@ -136,15 +136,11 @@ bool Parser::TakeSymbol(std::string_view symbol) {
 }
 
 void Parser::ExpectWord(std::string_view word) {
-    if (!TakeWord(word)) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(!TakeWord(word));
 }
 
 void Parser::ExpectSymbol(std::string_view symbol) {
-    if (!TakeSymbol(symbol)) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(!TakeSymbol(symbol));
 }
 
 int Parser::TakeOneOf(std::initializer_list<std::string_view> words) {
@@ -160,9 +156,7 @@ int Parser::TakeOneOf(std::initializer_list<std::string_view> words) {
 
 int Parser::ExpectOneOf(std::initializer_list<std::string_view> words) {
     const int index = TakeOneOf(words);
-    if (index < 0) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(index < 0);
     return index;
 }
 
@@ -172,9 +166,7 @@ void Parser::SkipSemicolons() {
 }
 
 void Parser::ExpectEnd() {
-    if (!AtEnd()) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(!AtEnd());
 }
 
 void Parser::SyntaxError() const {
@@ -198,14 +190,24 @@ void Parser::Unsupported(std::string_view what) const {
     Fail(40517, {what});
 }
 
+void Parser::SyntaxErrorIf(bool condition) const {
+    if (condition) {
+        SyntaxError();
+    }
+}
+
+void Parser::UnsupportedIf(bool condition, std::string_view what) const {
+    if (condition) {
+        Unsupported(what);
+    }
+}
+
 void Parser::UnsupportedStatement(std::string_view what) const {
     Fail(40510, {what});
 }
 
 std::string Parser::TakeName() {
-    if (!IsName()) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(!IsName());
     return Take().text;
 }
 
@@ -224,9 +226,7 @@ std::string Parser::TakeNameOrString() {
 
 std::int64_t Parser::TakeInteger() {
     const bool negative = TakeSymbol("-");
-    if (Peek().kind != TokenKind::Integer || Peek().text.size() > 18) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(Peek().kind != TokenKind::Integer || Peek().text.size() > 18);
     const std::int64_t number = std::stoll(Take().text);
     return negative ? -number : number;
 }
@@ -264,9 +264,7 @@ std::string Parser::TakeCursorName() {
 }
 
 std::string Parser::TakeVariable() {
-    if (Peek().kind != TokenKind::Variable) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(Peek().kind != TokenKind::Variable);
     return Take().text;
 }
 
@@ -361,9 +359,7 @@ ast::CreateModuleStatement Parser::ParseWholeModule() {
     ast::StatementPtr statement = ParseStatement();
     auto* module = statement ? std::get_if<ast::CreateModuleStatement>(&statement->node) : nullptr;
     SkipSemicolons();
-    if (module == nullptr || !AtEnd()) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(module == nullptr || !AtEnd());
     return std::move(*module);
 }
 
@@ -404,9 +400,7 @@ std::vector<ast::Parameter> Parser::ParseWholeParameters() {
     std::vector<ast::Parameter> parameters;
     while (!AtEnd()) {
         parameters.push_back(ParseParameter());
-        if (!TakeSymbol(",") && !AtEnd()) {
-            SyntaxError();
-        }
+        SyntaxErrorIf(!TakeSymbol(",") && !AtEnd());
     }
     return parameters;
 }

@@ -121,9 +121,7 @@ void Parser::SkipFileGroup() {
     if (!TakeWord("DEFAULT")) {
         TakeNameOrString();
     }
-    if (IsSymbol("(")) {
-        Unsupported("partition scheme");
-    }
+    UnsupportedIf(IsSymbol("("), "partition scheme");
 }
 
 TableDefinition Parser::ParseTableDefinition() {
@@ -311,17 +309,13 @@ void Parser::SkipIndexOptions() {
         "SORT_IN_TEMPDB,ONLINE,MAXDOP,DATA_COMPRESSION,DROP_EXISTING,OPTIMIZE_FOR_SEQUENTIAL_KEY,"
         "XML_COMPRESSION";
     CommaSeparated([&] {
-        if (Peek().kind != TokenKind::Word || !ListHas(kOptions, Peek().text)) {
-            SyntaxError();
-        }
+        SyntaxErrorIf(Peek().kind != TokenKind::Word || !ListHas(kOptions, Peek().text));
         const bool ignore_duplicates = AsciiEqual(Take().text, "IGNORE_DUP_KEY");
         bool on = true;
         if (TakeSymbol("=")) {
             on = !AsciiEqual(Take().text, "OFF");
         }
-        if (ignore_duplicates && on) {
-            Unsupported("IGNORE_DUP_KEY");
-        }
+        UnsupportedIf(ignore_duplicates && on, "IGNORE_DUP_KEY");
     });
     if (parenthesis) {
         ExpectSymbol(")");
@@ -396,9 +390,7 @@ StatementPtr Parser::ParseCreateIndex() {
     if (TakeWord("INCLUDE")) {
         create.included = ParseNameList();
     }
-    if (IsWord("WHERE")) {
-        Unsupported("filtered index");
-    }
+    UnsupportedIf(IsWord("WHERE"), "filtered index");
     for (std::size_t ahead = 0; IsWord("WITH") && ahead < 60; ++ahead) {
         create.drop_existing = create.drop_existing || IsWord("DROP_EXISTING", ahead);
     }
@@ -419,9 +411,7 @@ StatementPtr Parser::ParseDropIndex() {
         } else { // "table.index"
             const std::string index = name.last();
             name.parts.pop_back();
-            if (name.empty()) {
-                SyntaxError();
-            }
+            SyntaxErrorIf(name.empty());
             drop.indexes.emplace_back(std::move(name), index);
         }
     });

@@ -188,9 +188,7 @@ ast::ExprPtr Parser::ParseOperators(std::span<const OperatorSymbol> operators,
         if (found == operators.end()) {
             return left;
         }
-        if (IsPredicate(*left)) {
-            SyntaxError();
-        }
+        SyntaxErrorIf(IsPredicate(*left));
         Take();
         left = Make(ast::BinaryExpr{found->op, std::move(left), (this->*operand)()});
     }
@@ -212,9 +210,7 @@ ast::ExprPtr Parser::ParsePostfix() {
     ast::ExprPtr expr = ParsePrimary();
     while (TakeWord("COLLATE")) {
         // All text has one collation, so COLLATE has no effect on an expression.
-        if (!IsName()) {
-            SyntaxError();
-        }
+        SyntaxErrorIf(!IsName());
         const std::string collation = ToUpper(Take().text);
         if (collation.find("_BIN") != std::string::npos || collation.find("_CS") != std::string::npos) {
             Unsupported("COLLATE " + collation);
@@ -320,9 +316,7 @@ ast::ExprPtr Parser::ParseNamed() {
             return ParseConvert(AsciiEqual(Take().text, "TRY_CONVERT"));
         }
         // Refused here, because WITHIN GROUP (...) after it would be a syntax error.
-        if (IsWord("STRING_AGG")) {
-            Unsupported("STRING_AGG");
-        }
+        UnsupportedIf(IsWord("STRING_AGG"), "STRING_AGG");
         if (!IsReservedWord(token.text) || ListHas(kFunctionWords, token.text)) {
             return ParseCall(Take().text);
         }
@@ -355,9 +349,7 @@ ast::ExprPtr Parser::ParseCase() {
         ExpectWord("THEN");
         expr.branches.emplace_back(std::move(when), ParseValue());
     }
-    if (expr.branches.empty()) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(expr.branches.empty());
     if (TakeWord("ELSE")) {
         expr.otherwise = ParseValue();
     }

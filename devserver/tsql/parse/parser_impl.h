@@ -74,6 +74,8 @@ class Parser {
     [[noreturn]] void SyntaxError() const;
     [[noreturn]] void Fail(std::int32_t number, std::initializer_list<std::string_view> arguments = {}) const;
     [[noreturn]] void Unsupported(std::string_view what) const;
+    void SyntaxErrorIf(bool condition) const;
+    void UnsupportedIf(bool condition, std::string_view what) const;
     [[noreturn]] void UnsupportedStatement(std::string_view what) const;
     std::string TakeName();
     /// A name or a string: a login, a file's logical name, an option's value.
@@ -242,7 +244,6 @@ class Parser {
     ast::CreateModuleStatement ParseProcedureModule();
     ast::CreateModuleStatement ParseViewModule();
     ast::CreateModuleStatement ParseFunctionModule();
-    // parser_triggers.cpp
     ast::CreateModuleStatement ParseTriggerModule();
     std::uint8_t ParseTriggerEvents();
     std::vector<std::string> ParseTriggerNames();

@@ -1,8 +1,10 @@
-// CREATE and ALTER of procedures, functions and views, each of which must be alone in its batch. Triggers are
-// in parser_triggers.cpp.
+// CREATE and ALTER of procedures, functions, views and triggers, each of which must be alone in its batch.
+// ENABLE and DISABLE TRIGGER, and UPDATE(column), which stands in triggers alone.
 #include <algorithm>
+#include <array>
 
 #include "devserver/tsql/parse/parser_impl.h"
+#include "devserver/tsql/scalar/text.h"
 
 namespace devsql {
 
@@ -72,9 +74,7 @@ CreateModuleStatement Parser::ParseFunctionModule() {
     }
     ExpectSymbol(")");
     ExpectWord("RETURNS");
-    if (IsWord("TABLE") || Peek().kind == TokenKind::Variable) {
-        Unsupported("table-valued function");
-    }
+    UnsupportedIf(IsWord("TABLE") || Peek().kind == TokenKind::Variable, "table-valued function");
     Parameter result;
     result.type = ParseType();
     result.output = true;
@@ -89,9 +89,7 @@ CreateModuleStatement Parser::ParseFunctionModule() {
         });
     }
     TakeWord("AS");
-    if (!IsWord("BEGIN")) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(!IsWord("BEGIN"));
     module.body.push_back(ParseStatement());
     SkipSemicolons();
     ExpectEnd();
@@ -112,9 +110,7 @@ Parameter Parser::ParseParameter() {
     Declare(parameter.name);
     TakeWord("AS");
     parameter.type = ParseType();
-    if (TakeWord("VARYING")) {
-        Unsupported("cursor parameter");
-    }
+    UnsupportedIf(TakeWord("VARYING"), "cursor parameter");
     if (TakeSymbol("=")) {
         const std::size_t begin = Peek().begin;
         if (IsName() && Peek().kind != TokenKind::DoubleQuoted) {
@@ -144,6 +140,85 @@ CreateModuleStatement Parser::ParseViewModule() {
     module.query = ParseQuery();
     TakeWords({"WITH", "CHECK", "OPTION"}); // No view is written through.
     return module;
+}
+
+// ------------------------------------------------------------------ triggers
+
+CreateModuleStatement Parser::ParseTriggerModule() {
+    CreateModuleStatement module;
+    module_allowed_ = false;
+    module.name = TakeObjectName();
+    ExpectWord("ON");
+    UnsupportedIf(IsWord("DATABASE") || (IsWord("ALL") && IsWord("SERVER", 1)), "DDL trigger");
+    module.table = TakeObjectName();
+    if (TakeWord("WITH")) {
+        CommaSeparated([&] {
+            if (TakeWord("ENCRYPTION")) {
+                module.encrypted = true;
+            } else {
+                ParseExecuteAs();
+            }
+        });
+    }
+    UnsupportedIf(IsWord("INSTEAD") && IsWord("OF", 1), "INSTEAD OF trigger");
+    ExpectOneOf({"FOR", "AFTER"});
+    module.events = ParseTriggerEvents();
+    TakeWords({"WITH", "APPEND"}); // Several triggers for one statement are the rule.
+    TakeWords({"NOT", "FOR", "REPLICATION"});
+    ExpectWord("AS");
+    in_trigger_ = true;
+    module.body = ParseStatementsUntilEnd();
+    SyntaxErrorIf(module.body.empty());
+    return module;
+}
+
+std::uint8_t Parser::ParseTriggerEvents() {
+    constexpr std::array kEvents = {kOnInsert, kOnUpdate, kOnDelete};
+    std::uint8_t events = 0;
+    CommaSeparated([&] {
+        const int event = ExpectOneOf({"INSERT", "UPDATE", "DELETE"});
+        const std::uint8_t bit = kEvents[static_cast<std::size_t>(event)];
+        if ((events & bit) != 0) { // Each event stands once.
+            --next_;
+            SyntaxError();
+        }
+        events = static_cast<std::uint8_t>(events | bit);
+    });
+    return events;
+}
+
+std::vector<std::string> Parser::ParseTriggerNames() {
+    std::vector<std::string> names;
+    CommaSeparated([&] { names.push_back(TakeWord("ALL") ? "ALL" : TakeObjectName().last()); });
+    return names;
+}
+
+/// ENABLE | DISABLE TRIGGER name, … | ALL ON table
+StatementPtr Parser::ParseSwitchTriggers() {
+    constexpr std::int32_t kNoObject = 1088;
+    SwitchTriggersStatement triggers;
+    triggers.enable = AsciiEqual(Take().text, "ENABLE");
+    triggers.missing = kNoObject;
+    ExpectWord("TRIGGER");
+    triggers.names = ParseTriggerNames();
+    ExpectWord("ON");
+    UnsupportedIf(IsWord("DATABASE") || (IsWord("ALL") && IsWord("SERVER", 1)), "DDL trigger");
+    triggers.table = TakeObjectName();
+    return Wrap(std::move(triggers));
+}
+
+/// UPDATE(column) becomes the comparison of a function of the same name, which no call can name, with 1.
+ExprPtr Parser::ParseUpdatedColumn() {
+    if (!in_trigger_) {
+        Fail(140);
+    }
+    Take();
+    Take();
+    CallExpr call{"UPDATE", {}, false, false, {}};
+    call.arguments.push_back(Make(LiteralExpr{Sized(TypeId::NVarChar, 128), Value(TakeName())}));
+    ExpectSymbol(")");
+    return Make(CompareExpr{CompareOp::Equal, Make(std::move(call)),
+                            Make(LiteralExpr{Simple(TypeId::Int), Value(std::int64_t{1})})});
 }
 
 } // namespace devsql

@@ -45,9 +45,7 @@ QueryPtr Parser::ParseQuery() {
     if (!query->order_by.empty() && TakeWord("OFFSET")) {
         ParseOffset(*query);
     }
-    if (IsWord("COMPUTE")) {
-        Unsupported("COMPUTE");
-    }
+    UnsupportedIf(IsWord("COMPUTE"), "COMPUTE");
     if (TakeWord("FOR") && !TakeWord("BROWSE")) { // Without the key columns that BROWSE adds.
         Unsupported("FOR " + AsciiUpper(Peek().text));
     }
@@ -112,9 +110,7 @@ SelectCore Parser::ParseSelectCore() {
         TakeWord("ALL");
     }
     core.top = ParseTop();
-    if (IsWord("WITH") && IsWord("TIES", 1)) {
-        Unsupported("WITH TIES");
-    }
+    UnsupportedIf(IsWord("WITH") && IsWord("TIES", 1), "WITH TIES");
     CommaSeparated([&] { core.items.push_back(ParseSelectItem()); });
     if (TakeWord("INTO")) {
         core.into = TakeObjectName();
@@ -144,15 +140,11 @@ void Parser::ParseGroupBy(SelectCore& core) {
         Take();
         core.rollup = true;
         ListInParentheses([&] { core.group_by.push_back(ParseValue()); });
-        if (IsSymbol(",")) {
-            Unsupported("several grouping sets");
-        }
+        UnsupportedIf(IsSymbol(","), "several grouping sets");
         return;
     }
     core.group_by = ParseExprList();
-    if (IsWord("WITH") && IsWord("CUBE", 1)) {
-        Unsupported("CUBE");
-    }
+    UnsupportedIf(IsWord("WITH") && IsWord("CUBE", 1), "CUBE");
     core.rollup = TakeWords({"WITH", "ROLLUP"});
 }
 
@@ -210,9 +202,7 @@ bool Parser::BeginsAlias() const {
 
 void Parser::ParseAlias(std::string& alias) {
     if (TakeWord("AS")) {
-        if (!BeginsAlias()) {
-            SyntaxError();
-        }
+        SyntaxErrorIf(!BeginsAlias());
         alias = Take().text;
     } else if (BeginsAlias() && !(IsName() && IsSymbol(":", 1))) {
         alias = Take().text;
@@ -258,9 +248,7 @@ TableSourcePtr Parser::ParseJoined() {
         if (kind != JoinKind::Cross) { // "a JOIN b JOIN c ON … ON …" nests to the right
             while (!IsWord("ON")) {
                 JoinSource inner;
-                if (!ParseJoinKind(inner.kind)) {
-                    SyntaxError();
-                }
+                SyntaxErrorIf(!ParseJoinKind(inner.kind));
                 inner.left = std::move(join.right);
                 inner.right = ParseTableSource();
                 if (inner.kind != JoinKind::Cross) {
@@ -304,9 +292,7 @@ TableSourcePtr Parser::ParseParenthesizedSource() {
     derived.query = IsWord("VALUES") ? ParseValues() : ParseQuery();
     ExpectSymbol(")");
     ParseAlias(derived.alias);
-    if (derived.alias.empty()) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(derived.alias.empty());
     if (IsSymbol("(")) {
         derived.columns = ParseNameList();
     }
@@ -372,9 +358,7 @@ std::int64_t Parser::SkipQueryOptions() {
     Take();
     ExpectSymbol("(");
     while (!TakeSymbol(")")) {
-        if (AtEnd()) {
-            SyntaxError();
-        }
+        SyntaxErrorIf(AtEnd());
         if (TakeWord("MAXRECURSION")) {
             max_recursion = TakeInteger();
             if (max_recursion > kHighest) {

@@ -103,9 +103,7 @@ StatementPtr Parser::ParseDataStatement() {
             return IsWord("BULK", 1) ? Wrap(ParseInsertBulk()) : Wrap(ParseInsert());
         }
         InsertStatement insert = ParseInsert();
-        if (!insert.query) {
-            SyntaxError();
-        }
+        SyntaxErrorIf(!insert.query);
         insert.query->with = std::move(with);
         return Wrap(std::move(insert));
     }
@@ -119,9 +117,7 @@ StatementPtr Parser::ParseDataStatement() {
         statement.with = std::move(with);
         return Wrap(std::move(statement));
     }
-    if (!with.empty()) {
-        SyntaxError();
-    }
+    SyntaxErrorIf(!with.empty());
     return nullptr;
 }
 
@@ -164,9 +160,7 @@ StatementPtr Parser::ParseBegin() {
     if (TakeWord("TRY")) {
         return ParseTry();
     }
-    if (IsWord("DISTRIBUTED")) {
-        Unsupported("DISTRIBUTED TRANSACTION");
-    }
+    UnsupportedIf(IsWord("DISTRIBUTED"), "DISTRIBUTED TRANSACTION");
     if (IsOneOf({"TRAN", "TRANSACTION"})) {
         return ParseTransaction(TransactionAction::Begin);
     }
@@ -323,9 +317,7 @@ StatementPtr Parser::ParseSetOption() {
         set.options = {"STATISTICS " + AsciiUpper(Take().text)};
     } else {
         CommaSeparated([&] {
-            if (Peek().kind != TokenKind::Word) {
-                SyntaxError();
-            }
+            SyntaxErrorIf(Peek().kind != TokenKind::Word);
             set.options.push_back(AsciiUpper(Take().text));
         });
     }

@@ -96,9 +96,7 @@ Owner OwnerOf(SystemCall& call) {
 enum class Change : std::uint8_t { Add, Update, Drop };
 
 std::int32_t ChangeProperty(SystemCall& call, Change change) {
-    if (call.IsNull("@name")) {
-        RaiseError(15600, {"sp_addextendedproperty"});
-    }
+    RaiseIf(call.IsNull("@name"), 15600, {"sp_addextendedproperty"});
     const Owner owner = OwnerOf(call);
     const std::string name = call.Text("@name");
     const std::string key = std::string(kPrefix) + "[" + std::to_string(owner.kind) + "," +

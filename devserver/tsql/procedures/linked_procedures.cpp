@@ -4,6 +4,7 @@
 
 #include "devserver/storage/databases.h"
 #include "devserver/storage/linked_servers.h"
+#include "devserver/tsql/procedures/procedure_table.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
@@ -24,9 +25,7 @@ constexpr std::string_view kOwnProvider = "SQLOLEDB";
 constexpr std::string_view kProviders = "SQLOLEDB,SQLNCLI,SQLNCLI10,SQLNCLI11,MSOLEDBSQL,MSDASQL";
 
 void RequireNoTransaction(SystemCall& call, std::string_view procedure) {
-    if (call.session().transactions().count() > 0) {
-        RaiseError(15002, {procedure});
-    }
+    RaiseIf(call.session().transactions().count() > 0, 15002, {procedure});
 }
 
 LinkedLogins Logins(SystemCall& call) {
@@ -72,21 +71,15 @@ std::string Attribute(const std::string& text, std::initializer_list<std::string
 /// alone. Raises 15426, 15427, 15428, 7403.
 void RequireProvider(LinkedServer& server, bool has_details) {
     if (AsciiEqual(server.product, kOwnProduct)) {
-        if (has_details) {
-            RaiseError(15428, {server.product});
-        }
+        RaiseIf(has_details, 15428, {server.product});
         server.product = kOwnProduct;
         server.provider = kOwnProvider;
         server.source = server.name;
     } else if (server.provider.empty()) {
-        if (server.product.empty()) {
-            RaiseError(15426);
-        }
+        RaiseIf(server.product.empty(), 15426);
         RaiseError(15427, {server.product});
     }
-    if (!ListHas(kProviders, server.provider)) {
-        RaiseError(7403, {server.provider});
-    }
+    RaiseIf(!ListHas(kProviders, server.provider), 7403, {server.provider});
 }
 
 std::int32_t AddLinkedServer(SystemCall& call) {
@@ -98,14 +91,10 @@ std::int32_t AddLinkedServer(SystemCall& call) {
     server.source = call.Text("@datasrc");
     const std::string provider_string = call.Text("@provstr");
     const std::string catalog = call.Text("@catalog");
-    if (server.name.empty()) {
-        RaiseError(15600, {"sp_addlinkedserver"});
-    }
+    RaiseIf(server.name.empty(), 15600, {"sp_addlinkedserver"});
     RequireProvider(server, !server.provider.empty() || !server.source.empty() || !provider_string.empty() ||
                                 !catalog.empty());
-    if (FindServer(call.session().connection(), server.name)) {
-        RaiseError(15028, {server.name});
-    }
+    RaiseIf(FindServer(call.session().connection(), server.name).has_value(), 15028, {server.name});
     if (server.source.empty()) {
         server.source = Attribute(provider_string, {"server", "data source", "address", "addr"});
     }
@@ -132,18 +121,15 @@ std::int32_t DropServer(SystemCall& call) {
     RequireNoTransaction(call, "sp_dropserver");
     const LinkedServer server = Require(call, "@server");
     const std::string with_logins = call.Text("@droplogins");
-    if (server.id == 0 || (!call.IsNull("@droplogins") && !AsciiEqual(with_logins, "droplogins"))) {
-        RaiseError(15600, {"sp_dropserver"});
-    }
+    RaiseIf(server.id == 0 || (!call.IsNull("@droplogins") && !AsciiEqual(with_logins, "droplogins")), 15600,
+            {"sp_dropserver"});
     if (server.publisher || server.subscriber || server.distributor) {
         RaiseError(20584, {server.name, server.subscriber ? "Subscriber" : "Distributor"});
     }
     const std::vector<LinkedLogin> logins = Logins(call).List(server.id);
     const bool mapped = std::ranges::any_of(
         logins, [](const LinkedLogin& login) { return !login.own || !login.local.empty(); });
-    if (mapped && with_logins.empty()) {
-        RaiseError(15190, {server.name});
-    }
+    RaiseIf(mapped && with_logins.empty(), 15190, {server.name});
     Change(call, server.name, [&] { RemoveServer(call.session().connection(), server.id); });
     return 0;
 }
@@ -154,13 +140,10 @@ std::int32_t AddLinkedLogin(SystemCall& call) {
     LinkedLogin login;
     login.local = call.Text("@locallogin");
     const std::string own = AsciiUpper(call.Text("@useself"));
-    if (own != "TRUE" && own != "FALSE" && !call.IsNull("@useself")) {
-        RaiseError(15600, {"sp_addlinkedsrvlogin"});
-    }
+    RaiseIf(own != "TRUE" && own != "FALSE" && !call.IsNull("@useself"), 15600, {"sp_addlinkedsrvlogin"});
     login.own = own != "FALSE";
-    if (!login.local.empty() && !FindLogin(call.session().connection(), login.local)) {
-        RaiseError(15007, {login.local});
-    }
+    RaiseIf(!login.local.empty() && !FindLogin(call.session().connection(), login.local), 15007,
+            {login.local});
     if (!login.own) {
         login.remote_user = call.Text("@rmtuser");
         login.password = call.Text("@rmtpassword");
@@ -173,14 +156,10 @@ std::int32_t DropLinkedLogin(SystemCall& call) {
     RequireNoTransaction(call, "sp_droplinkedsrvlogin");
     const LinkedServer server = Require(call, "@rmtsrvname");
     const std::string local = call.Text("@locallogin");
-    if (!local.empty() && !FindLogin(call.session().connection(), local)) {
-        RaiseError(15007, {local});
-    }
+    RaiseIf(!local.empty() && !FindLogin(call.session().connection(), local), 15007, {local});
     bool removed = false;
     Change(call, server.name, [&] { removed = Logins(call).Remove(server.id, local); });
-    if (!removed && !local.empty()) {
-        RaiseError(15185, {"(null)", local, server.name});
-    }
+    RaiseIf(!removed && !local.empty(), 15185, {"(null)", local, server.name});
     return 0;
 }
 
@@ -192,17 +171,13 @@ constexpr std::string_view kTexts = "collation name,connect timeout,query timeou
 
 std::int32_t ServerOption(SystemCall& call) {
     LinkedServer server = Require(call, "@server");
-    std::string name = AsciiUpper(call.Text("@optname"));
-    std::ranges::transform(name, name.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    const std::string name = ToLower(call.Text("@optname"));
     const std::string value = call.Text("@optvalue");
     if (ListHas(kTexts, name)) {
         server.options[name] = value;
     } else if (ListHas(kSwitches, name)) {
         const bool on = AsciiEqual(value, "true") || AsciiEqual(value, "on");
-        if (!on && !AsciiEqual(value, "false") && !AsciiEqual(value, "off")) {
-            RaiseError(15600, {"sp_serveroption"});
-        }
+        RaiseIf(!on && !AsciiEqual(value, "false") && !AsciiEqual(value, "off"), 15600, {"sp_serveroption"});
         server.publisher = name == "pub" ? on : server.publisher;
         server.subscriber = name == "sub" ? on : server.subscriber;
         server.distributor = name == "dist" ? on : server.distributor;
@@ -234,26 +209,22 @@ std::int32_t HelpLinkedLogin(SystemCall& call) {
     SessionCore& session = call.session();
     const std::string server_name = call.Text("@rmtsrvname");
     const std::string local = call.Text("@locallogin");
-    constexpr Type kName = Sized(TypeId::NVarChar, 128);
-    session.results().sink().Columns({{"Linked Server", kName, true, false},
-                                      {"Local Login", kName, true, false},
-                                      {"Is Self Mapping", Simple(TypeId::SmallInt), true, false},
-                                      {"Remote Login", kName, true, false}});
-    std::int64_t rows = 0;
-    const auto or_null = [](const std::string& text) { return text.empty() ? Value() : Value(text); };
+    ProcedureTable table(session, {{"Linked Server", kSysName, true, false},
+                                   {"Local Login", kSysName, true, false},
+                                   {"Is Self Mapping", Simple(TypeId::SmallInt), true, false},
+                                   {"Remote Login", kSysName, true, false}});
     for (const LinkedServer& server : ListServers(session.connection())) {
         if (!server_name.empty() && Folded(server.name) != Folded(server_name)) {
             continue;
         }
         for (const LinkedLogin& login : Logins(call).List(server.id)) {
             if (local.empty() || Folded(login.local) == Folded(local)) {
-                session.results().sink().Row(
-                    {server.name, or_null(login.local), std::int64_t{login.own}, or_null(login.remote_user)});
-                ++rows;
+                table.Row({server.name, TextOrNull(login.local), std::int64_t{login.own},
+                           TextOrNull(login.remote_user)});
             }
         }
     }
-    session.results().Done(Command::Select, rows);
+    table.End();
     return 0;
 }
 

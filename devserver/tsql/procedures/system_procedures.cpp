@@ -3,7 +3,6 @@
 #include "devserver/tsql/procedures/system_procedures.h"
 
 #include <algorithm>
-#include <array>
 
 #include "devserver/tsql/bind/binder.h"
 #include "devserver/tsql/define/definitions.h"
@@ -72,9 +71,7 @@ std::int32_t RunParameterized(SystemCall& call, const std::string& text, const s
 
 std::int32_t ExecuteSql(SystemCall& call) {
     const std::vector<ActualArgument>& actual = call.actual();
-    if (actual.empty()) {
-        RaiseError(201, {"sp_executesql", "@statement"}, 4);
-    }
+    RaiseIf(actual.empty(), 201, {"sp_executesql", "@statement"}, 4);
     for (std::size_t i = 0; i < actual.size() && i < 2; ++i) {
         if (!IsUnicode(actual[i].type.id) && !IsNull(actual[i].value)) {
             RaiseError(214, {i == 0 ? "@statement" : "@parameters", "ntext/nchar/nvarchar"}, 2);
@@ -85,9 +82,7 @@ std::int32_t ExecuteSql(SystemCall& call) {
 
 std::int32_t Prepare(SystemCall& call) {
     const std::vector<ActualArgument>& actual = call.actual();
-    if (actual.size() < 3) {
-        RaiseError(201, {"sp_prepare", "@stmt"}, 4);
-    }
+    RaiseIf(actual.size() < 3, 201, {"sp_prepare", "@stmt"}, 4);
     const std::int32_t handle = call.session().prepared().Add({TextOf(actual[1]), TextOf(actual[2])});
     call.outputs.emplace_back(Variable{Simple(TypeId::Int), std::int64_t{handle}});
     return 0;
@@ -109,9 +104,7 @@ std::int32_t ExecutePrepared(SystemCall& call) {
 
 std::int32_t PrepareAndExecute(SystemCall& call) {
     const std::vector<ActualArgument>& actual = call.actual();
-    if (actual.size() < 3) {
-        RaiseError(201, {"sp_prepexec", "@stmt"}, 4);
-    }
+    RaiseIf(actual.size() < 3, 201, {"sp_prepexec", "@stmt"}, 4);
     const std::int32_t handle = call.session().prepared().Add({TextOf(actual[1]), TextOf(actual[2])});
     const std::int32_t status = RunParameterized(call, TextOf(actual[2]), TextOf(actual[1]), 3);
     call.outputs[0] = Variable{Simple(TypeId::Int), std::int64_t{handle}};
@@ -131,9 +124,7 @@ std::int32_t Execute(SystemCall& call) {
 // ------------------------------------------------------------------ databases
 
 std::int32_t DetachDb(SystemCall& call) {
-    if (call.IsNull("@dbname")) {
-        RaiseError(15010, {"NULL"});
-    }
+    RaiseIf(call.IsNull("@dbname"), 15010, {"NULL"});
     DetachDatabase(call.session(), call.Text("@dbname"));
     return 0;
 }
@@ -158,24 +149,24 @@ struct DbOption {
     std::string_view name;   ///< of sp_dboption
     std::string_view option; ///< of ALTER DATABASE
 };
-constexpr std::array<DbOption, 18> kDbOptions = {{{"autoclose", "AUTO_CLOSE"},
-                                                  {"auto create statistics", "AUTO_CREATE_STATISTICS"},
-                                                  {"auto update statistics", "AUTO_UPDATE_STATISTICS"},
-                                                  {"autoshrink", "AUTO_SHRINK"},
-                                                  {"ANSI null default", "ANSI_NULL_DEFAULT"},
-                                                  {"ANSI nulls", "ANSI_NULLS"},
-                                                  {"ANSI warnings", "ANSI_WARNINGS"},
-                                                  {"arithabort", "ARITHABORT"},
-                                                  {"concat null yields null", "CONCAT_NULL_YIELDS_NULL"},
-                                                  {"cursor close on commit", "CURSOR_CLOSE_ON_COMMIT"},
-                                                  {"numeric roundabort", "NUMERIC_ROUNDABORT"},
-                                                  {"quoted identifier", "QUOTED_IDENTIFIER"},
-                                                  {"recursive triggers", "RECURSIVE_TRIGGERS"},
-                                                  {"torn page detection", "TORN_PAGE_DETECTION"},
-                                                  {"single user", "SINGLE_USER"},
-                                                  {"trunc. log on chkpt.", "RECOVERY"},
-                                                  {"select into/bulkcopy", "RECOVERY"},
-                                                  {"published", "PUBLISHED"}}};
+constexpr DbOption kDbOptions[] = {{"autoclose", "AUTO_CLOSE"},
+                                   {"auto create statistics", "AUTO_CREATE_STATISTICS"},
+                                   {"auto update statistics", "AUTO_UPDATE_STATISTICS"},
+                                   {"autoshrink", "AUTO_SHRINK"},
+                                   {"ANSI null default", "ANSI_NULL_DEFAULT"},
+                                   {"ANSI nulls", "ANSI_NULLS"},
+                                   {"ANSI warnings", "ANSI_WARNINGS"},
+                                   {"arithabort", "ARITHABORT"},
+                                   {"concat null yields null", "CONCAT_NULL_YIELDS_NULL"},
+                                   {"cursor close on commit", "CURSOR_CLOSE_ON_COMMIT"},
+                                   {"numeric roundabort", "NUMERIC_ROUNDABORT"},
+                                   {"quoted identifier", "QUOTED_IDENTIFIER"},
+                                   {"recursive triggers", "RECURSIVE_TRIGGERS"},
+                                   {"torn page detection", "TORN_PAGE_DETECTION"},
+                                   {"single user", "SINGLE_USER"},
+                                   {"trunc. log on chkpt.", "RECOVERY"},
+                                   {"select into/bulkcopy", "RECOVERY"},
+                                   {"published", "PUBLISHED"}};
 
 bool IsOn(const DatabaseInfo& info, const DbOption& option) {
     const auto found = info.options.find(std::string(option.option));
@@ -200,18 +191,16 @@ std::int32_t DbOptionProcedure(SystemCall& call) {
         ListOptions(session, "Settable database options:", nullptr);
         return 0;
     }
-    if (!FindDatabase(session.connection(), database)) {
-        RaiseError(15010, {database});
-    }
+    RaiseIf(!FindDatabase(session.connection(), database), 15010, {database});
     if (call.IsNull("@optname")) {
         const DatabaseInfo info = *FindDatabase(session.connection(), database);
         ListOptions(session, "The following options are set:", &info);
         return 0;
     }
     const std::string name = call.Text("@optname");
-    const auto found = std::find_if(kDbOptions.begin(), kDbOptions.end(),
-                                    [&](const DbOption& option) { return AsciiEqual(option.name, name); });
-    if (found == kDbOptions.end()) {
+    const auto* found = std::ranges::find_if(
+        kDbOptions, [&](const DbOption& option) { return AsciiEqual(option.name, name); });
+    if (found == std::end(kDbOptions)) {
         RaiseError(40517, {"sp_dboption '" + name + "'"});
     }
     const DatabaseInfo info = *FindDatabase(session.connection(), database);
@@ -222,9 +211,7 @@ std::int32_t DbOptionProcedure(SystemCall& call) {
         return 0;
     }
     const std::string value = AsciiUpper(call.Text("@optvalue"));
-    if (value != "TRUE" && value != "FALSE" && value != "ON" && value != "OFF") {
-        RaiseError(15241);
-    }
+    RaiseIf(value != "TRUE" && value != "FALSE" && value != "ON" && value != "OFF", 15241);
     const bool on = value == "TRUE" || value == "ON";
     if (found->option == "SINGLE_USER") {
         SetDatabaseOption(session, database, on ? "SINGLE_USER" : "MULTI_USER", "", false);
@@ -246,9 +233,7 @@ std::int32_t AddType(SystemCall& call) {
     create.base = ParseTypeSpec(call.Text("@phystype"));
     if (!call.IsNull("@nulltype")) {
         const std::string nulls = AsciiUpper(call.Text("@nulltype"));
-        if (nulls != "NULL" && nulls != "NOT NULL" && nulls != "NONULL") {
-            RaiseError(15021, {"@nulltype"});
-        }
+        RaiseIf(nulls != "NULL" && nulls != "NOT NULL" && nulls != "NONULL", 15021, {"@nulltype"});
         create.nullable = nulls == "NULL";
     }
     RunCreateType(call.session(), create);
@@ -276,9 +261,7 @@ std::int32_t RenameDb(SystemCall& call) {
 }
 
 void RenameObject(Catalogue& catalogue, const ObjectDef& object, const std::string& new_name) {
-    if (catalogue.FindObject(object.schema, new_name)) {
-        RaiseError(15335, {new_name, "OBJECT"});
-    }
+    RaiseIf(catalogue.FindObject(object.schema, new_name).has_value(), 15335, {new_name, "OBJECT"});
     catalogue.RenameObject(object.id, new_name);
 }
 
@@ -360,9 +343,7 @@ std::int32_t HelpText(SystemCall& call) {
         RaiseError(15009, {text, session.databases().CurrentName()});
     }
     const ObjectPlace place = PlaceOf(session, name);
-    if (CompareText(place.database, session.databases().CurrentName()) != 0) {
-        RaiseError(15250);
-    }
+    RaiseIf(CompareText(place.database, session.databases().CurrentName()) != 0, 15250);
     Catalogue& catalogue = session.databases().Current();
     std::optional<ObjectDef> object = catalogue.FindObject(place.schema, place.name);
     if (!object && ToLower(place.name).starts_with("sp_")) {
@@ -371,33 +352,38 @@ std::int32_t HelpText(SystemCall& call) {
     if (!object) {
         RaiseError(15009, {text, session.databases().CurrentName()});
     }
-    if (object->text.empty()) {
-        RaiseError(15197, {text});
-    }
+    RaiseIf(object->text.empty(), 15197, {text});
     if (object->encrypted) {
         session.results().Info(15471, {text});
         return 0;
     }
-    session.results().sink().Columns({{"Text", Sized(TypeId::NVarChar, 255), true, false}});
-    std::size_t begin = 0;
-    std::int64_t rows = 0;
-    while (begin < object->text.size()) {
-        const std::size_t line = object->text.find('\n', begin);
-        const std::size_t end = line == std::string::npos ? object->text.size() : line + 1;
-        std::string rest = object->text.substr(begin, end - begin);
-        while (!rest.empty()) {
-            const std::string piece = SubText(rest, 0, 255);
-            session.results().sink().Row({piece});
-            rest.erase(0, piece.size());
-            ++rows;
-        }
-        begin = end;
+    ProcedureTable table(session, {{"Text", Sized(TypeId::NVarChar, 255), true, false}});
+    for (std::size_t begin = 0; begin < object->text.size();) {
+        const std::size_t line =
+            std::min(object->text.find('\n', begin), object->text.size() - 1) + 1 - begin;
+        const std::string piece = SubText(object->text.substr(begin, line), 0, 255);
+        table.Row({piece});
+        begin += piece.size();
     }
-    session.results().Done(Command::Select, rows);
+    table.End();
     return 0;
 }
 
 // ------------------------------------------------------------------ principals
+
+/// The login that an argument names. Raises 15007.
+LoginInfo RequireLogin(SystemCall& call, const std::string& name) {
+    std::optional<LoginInfo> login = FindLogin(call.session().connection(), name);
+    if (!login) {
+        RaiseError(15007, {name});
+    }
+    return *std::move(login);
+}
+
+std::int32_t Save(SystemCall& call, const LoginInfo& login) {
+    call.session().transactions().Write("main", [&] { SaveLogin(call.session().connection(), login); });
+    return 0;
+}
 
 std::int32_t AddLoginProcedure(SystemCall& call) {
     AddLogin(call.session(), call.Text("@loginame"), call.Text("@passwd"), call.Text("@defdb"));
@@ -405,49 +391,28 @@ std::int32_t AddLoginProcedure(SystemCall& call) {
 }
 
 std::int32_t DropLoginProcedure(SystemCall& call) {
-    const std::string name = call.Text("@loginame");
-    if (!FindLogin(call.session().connection(), name)) {
-        RaiseError(15007, {name});
-    }
-    DropPrincipal(call.session(), ast::ObjectKind::Login, name, false);
+    const LoginInfo login = RequireLogin(call, call.Text("@loginame"));
+    DropPrincipal(call.session(), ast::ObjectKind::Login, login.name, false);
     return 0;
 }
 
 std::int32_t Password(SystemCall& call) {
-    const std::string name =
-        call.IsNull("@loginame") ? call.session().client().login : call.Text("@loginame");
-    std::optional<LoginInfo> login = FindLogin(call.session().connection(), name);
-    if (!login) {
-        RaiseError(15007, {name});
-    }
-    if (login->password_hash.empty()) {
-        RaiseError(40517, {"sp_password for a login of the logins file"});
-    }
-    login->password_hash = HashPassword(call.Text("@new"));
-    call.session().transactions().Write("main", [&] { SaveLogin(call.session().connection(), *login); });
-    return 0;
+    LoginInfo login =
+        RequireLogin(call, call.IsNull("@loginame") ? call.session().client().login : call.Text("@loginame"));
+    RaiseIf(login.password_hash.empty(), 40517, {"sp_password for a login of the logins file"});
+    login.password_hash = HashPassword(call.Text("@new"));
+    return Save(call, login);
 }
 
 std::int32_t DefaultDb(SystemCall& call) {
-    std::optional<LoginInfo> login = FindLogin(call.session().connection(), call.Text("@loginame"));
-    if (!login) {
-        RaiseError(15007, {call.Text("@loginame")});
-    }
-    if (!FindDatabase(call.session().connection(), call.Text("@defdb"))) {
-        RaiseError(15010, {call.Text("@defdb")});
-    }
-    login->database = call.Text("@defdb");
-    call.session().transactions().Write("main", [&] { SaveLogin(call.session().connection(), *login); });
-    return 0;
+    LoginInfo login = RequireLogin(call, call.Text("@loginame"));
+    login.database = call.Text("@defdb");
+    RaiseIf(!FindDatabase(call.session().connection(), login.database), 15010, {login.database});
+    return Save(call, login);
 }
 
 std::int32_t GrantDbAccess(SystemCall& call) {
     AddUser(call.session(), call.Text("@loginame"), call.Text("@name_in_db"));
-    return 0;
-}
-
-std::int32_t RevokeDbAccess(SystemCall& call) {
-    DropPrincipal(call.session(), ast::ObjectKind::User, call.Text("@name_in_db"), false);
     return 0;
 }
 
@@ -456,39 +421,33 @@ std::int32_t AddRoleProcedure(SystemCall& call) {
     return 0;
 }
 
+std::int32_t RevokeDbAccess(SystemCall& call) {
+    DropPrincipal(call.session(), ast::ObjectKind::User, call.Text("@name_in_db"), false);
+    return 0;
+}
+
 std::int32_t DropRoleProcedure(SystemCall& call) {
     DropPrincipal(call.session(), ast::ObjectKind::Role, call.Text("@rolename"), false);
     return 0;
 }
 
-std::int32_t AddRoleMember(SystemCall& call) {
-    SetRoleMember(call.session(), call.Text("@rolename"), call.Text("@membername"), true);
-    return 0;
-}
-
-std::int32_t DropRoleMember(SystemCall& call) {
-    SetRoleMember(call.session(), call.Text("@rolename"), call.Text("@membername"), false);
+template <bool Add>
+std::int32_t RoleMember(SystemCall& call) {
+    SetRoleMember(call.session(), call.Text("@rolename"), call.Text("@membername"), Add);
     return 0;
 }
 
 std::int32_t AddServerRoleMember(SystemCall& call) {
-    std::optional<LoginInfo> login = FindLogin(call.session().connection(), call.Text("@loginame"));
-    if (!login) {
-        RaiseError(15007, {call.Text("@loginame")});
-    }
-    login->administrator = login->administrator || AsciiEqual(call.Text("@rolename"), "sysadmin");
-    call.session().transactions().Write("main", [&] { SaveLogin(call.session().connection(), *login); });
-    return 0;
+    LoginInfo login = RequireLogin(call, call.Text("@loginame"));
+    login.administrator = login.administrator || AsciiEqual(call.Text("@rolename"), "sysadmin");
+    return Save(call, login);
 }
 
 std::int32_t ChangeDbOwner(SystemCall& call) {
     std::optional<DatabaseInfo> info =
         FindDatabase(call.session().connection(), call.session().databases().CurrentName());
-    const std::string login = call.Text("@loginame");
-    if (!FindLogin(call.session().connection(), login)) {
-        RaiseError(15007, {login});
-    }
-    info->owner = login;
+    info->owner = call.Text("@loginame");
+    RequireLogin(call, info->owner);
     UpdateDatabase(call.session().connection(), *info);
     return 0;
 }
@@ -526,8 +485,8 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_dropuser", RevokeDbAccess},
     {"sp_addrole", AddRoleProcedure},
     {"sp_droprole", DropRoleProcedure},
-    {"sp_addrolemember", AddRoleMember},
-    {"sp_droprolemember", DropRoleMember},
+    {"sp_addrolemember", RoleMember<true>},
+    {"sp_droprolemember", RoleMember<false>},
     {"sp_addsrvrolemember", AddServerRoleMember},
     {"sp_changedbowner", ChangeDbOwner},
     {"sp_configure", Configure},

@@ -6,7 +6,7 @@
 
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/parse/located_error.h"
-#include "devserver/tsql/parse/overloaded.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/run/bulk_insert.h"
 #include "devserver/tsql/run/statements.h"

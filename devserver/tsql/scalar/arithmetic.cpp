@@ -41,49 +41,16 @@ Decimal ExactOperand(const Operand& operand, const Type& other) {
 }
 
 Int128 ComputeInteger(BinaryOperator op, Int128 a, Int128 b) {
-    switch (op) {
-    case BinaryOperator::Add:
-        return a + b;
-    case BinaryOperator::Subtract:
-        return a - b;
-    case BinaryOperator::Multiply:
-        return a * b;
-    case BinaryOperator::Divide:
-        return a / b;
-    case BinaryOperator::Modulo:
-        return a % b;
-    case BinaryOperator::BitAnd:
-        return a & b;
-    case BinaryOperator::BitOr:
-        return a | b;
-    default:
-        return a ^ b;
-    }
-}
-
-struct Range {
-    Int128 least;
-    Int128 most;
-};
-
-Range IntegerRange(TypeId id) {
-    switch (id) {
-    case TypeId::Bit:
-        return {0, 1};
-    case TypeId::TinyInt:
-        return {0, 255};
-    case TypeId::SmallInt:
-        return {INT16_MIN, INT16_MAX};
-    case TypeId::Int:
-        return {INT32_MIN, INT32_MAX};
-    default:
-        return {INT64_MIN, INT64_MAX};
-    }
+    constexpr Int128 (*kOperators[])(Int128, Int128) = {
+        [](Int128 x, Int128 y) { return x + y; }, [](Int128 x, Int128 y) { return x - y; },
+        [](Int128 x, Int128 y) { return x * y; }, [](Int128 x, Int128 y) { return x / y; },
+        [](Int128 x, Int128 y) { return x % y; }, [](Int128 x, Int128 y) { return x & y; },
+        [](Int128 x, Int128 y) { return x | y; }, [](Int128 x, Int128 y) { return x ^ y; }};
+    return kOperators[static_cast<std::size_t>(op)](a, b);
 }
 
 Value IntegerResult(Int128 value, TypeId id) {
-    const Range range = IntegerRange(id);
-    if (value < range.least || value > range.most) {
+    if (!RangeOf(id).Holds(value)) {
         Overflow(id);
     }
     return static_cast<std::int64_t>(value);
@@ -96,9 +63,7 @@ bool Divides(BinaryOperator op) {
 Value EvaluateInteger(BinaryOperator op, const Operand& left, const Operand& right, const Type& type) {
     const auto a = std::get<std::int64_t>(Convert(left.value, left.type, type));
     const auto b = std::get<std::int64_t>(Convert(right.value, right.type, type));
-    if (Divides(op) && b == 0) {
-        RaiseError(8134);
-    }
+    RaiseIf(Divides(op) && b == 0, 8134);
     return IntegerResult(ComputeInteger(op, a, b), type.id);
 }
 
@@ -118,9 +83,7 @@ std::optional<Decimal> ComputeDecimal(BinaryOperator op, const Decimal& a, const
 }
 
 Value EvaluateDecimal(BinaryOperator op, const Decimal& a, const Decimal& b, const Type& type) {
-    if (Divides(op) && b.unscaled == 0) {
-        RaiseError(8134);
-    }
+    RaiseIf(Divides(op) && b.unscaled == 0, 8134);
     const bool money = IsMoney(type.id);
     const auto result = ComputeDecimal(op, a, b, money ? kMoneyScale : type.scale);
     const bool fits = result && (money ? MoneyInRange(result->unscaled, type.id)
@@ -152,9 +115,7 @@ Value EvaluateFloat(BinaryOperator op, const Operand& left, const Operand& right
     case BinaryOperator::Multiply:
         return FloatResult(a * b, type.id);
     default:
-        if (b == 0) {
-            RaiseError(8134);
-        }
+        RaiseIf(b == 0, 8134);
         return FloatResult(a / b, type.id);
     }
 }
@@ -176,9 +137,7 @@ Value EvaluateDate(BinaryOperator op, const Operand& left, const Operand& right,
     const double b = DateTicks(right);
     const double ticks = op == BinaryOperator::Add ? a + b : a - b;
     const double days = std::floor(ticks / kTicksPerDay);
-    if (!(days >= kFirstDay && days <= kLastDay)) {
-        RaiseError(517, {TypeName(type.id)});
-    }
+    RaiseIf(!(days >= kFirstDay && days <= kLastDay), 517, {TypeName(type.id)});
     const DateTime sum{static_cast<std::int32_t>(days),
                        static_cast<std::int32_t>(ticks - days * kTicksPerDay)};
     if (type.id == TypeId::DateTime) {

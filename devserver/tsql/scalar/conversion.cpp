@@ -1,7 +1,12 @@
-// CAST and CONVERT: checks that the conversion is allowed, and calls the conversion to the target type.
+// CAST and CONVERT: checks that the conversion is allowed, and calls the conversion to the target type. Reads
+// literals.
 #include "devserver/tsql/scalar/conversion.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "devserver/tsql/scalar/conversion_parts.h"
+#include "devserver/tsql/scalar/decimal.h"
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
@@ -11,9 +16,8 @@ namespace devsql {
 namespace {
 
 void RequireConvertible(const Type& from, const Type& to) {
-    if (!IsUntypedNull(from) && ConversionAllowed(from.id, to.id) == Allowed::Never) {
-        RaiseError(529, {TypeName(from.id), TypeName(to.id)});
-    }
+    RaiseIf(!IsUntypedNull(from) && ConversionAllowed(from.id, to.id) == Allowed::Never, 529,
+            {TypeName(from.id), TypeName(to.id)});
 }
 
 void RequireAssignable(const Type& from, const Type& to) {
@@ -68,6 +72,21 @@ bool LosesBytes(const std::string& bytes, const Type& to) {
     return last != std::string::npos && last >= static_cast<std::size_t>(to.length);
 }
 
+Literal FloatLiteral(std::string_view text) {
+    // "1e" and "1e+" are 1: the server takes a missing exponent for 0.
+    std::string number(text);
+    if (std::string_view("eE+-").find(number.back()) != std::string_view::npos) {
+        number += '0';
+        const std::size_t mark = number.find_first_of("eE");
+        number.erase(mark + 1, number.size() - mark - 2);
+    }
+    const auto value = ParseFloat(number);
+    if (!value || !std::isfinite(*value)) {
+        RaiseError(168, {text, "8"});
+    }
+    return {Simple(TypeId::Float), *value};
+}
+
 } // namespace
 
 Value Convert(const Value& value, const Type& from, const Type& to, std::optional<int> style) {
@@ -97,14 +116,10 @@ Value Assign(const Value& value, const Type& from, const Type& to) {
         return {};
     }
     if (const auto* text = std::get_if<std::string>(&value); text != nullptr && IsCharacter(to.id)) {
-        if (LosesText(*text, to)) {
-            RaiseError(8152);
-        }
+        RaiseIf(LosesText(*text, to), 8152);
     }
     if (const auto* bytes = std::get_if<Bytes>(&value); bytes != nullptr && IsBinary(to.id)) {
-        if (LosesBytes(bytes->data, to)) {
-            RaiseError(8152);
-        }
+        RaiseIf(LosesBytes(bytes->data, to), 8152);
     }
     if (std::holds_alternative<DateTime>(value) && IsCharacter(to.id) &&
         LosesText(ValueText(value, from), to)) {
@@ -120,6 +135,55 @@ Value AssignVariable(const Value& value, const Type& from, const Type& to) {
 
 std::string ValueText(const Value& value, const Type& type) {
     return IsNull(value) ? "NULL" : WriteText(value, type, std::nullopt);
+}
+
+// ------------------------------------------------------------------ literals
+
+Literal ParseNumberLiteral(std::string_view text) {
+    if (text.find_first_of("eE") != std::string_view::npos) {
+        return FloatLiteral(text);
+    }
+    // Zeros in front are no digits of the number.
+    const std::size_t first = std::min(text.find_first_not_of('0'), text.size() - 1);
+    const std::string_view digits = text.substr(first);
+    const ParsedDecimal parsed = ParseDecimal(digits);
+    if (!parsed.valid) {
+        RaiseError(102, {text});
+    }
+    const auto count = std::count_if(digits.begin(), digits.end(), [](char c) { return c != '.'; });
+    RaiseIf(!parsed.value || count > kMaxDigits, 1007, {"number", text});
+    const Decimal value = *parsed.value;
+    const bool whole = text.find('.') == std::string_view::npos;
+    if (whole && value.unscaled <= INT32_MAX) {
+        return {IntLiteralType(DigitCount(value.unscaled)), static_cast<std::int64_t>(value.unscaled)};
+    }
+    const int precision = std::max({DigitCount(value.unscaled), static_cast<int>(value.scale), 1});
+    return {DecimalType(precision, value.scale, TypeId::Numeric), value};
+}
+
+Literal ParseMoneyLiteral(std::string_view text) {
+    const ParsedMoney parsed = ParseMoney(text);
+    const auto value = parsed.value ? Rescale(*parsed.value, 4) : std::nullopt;
+    if (!value || !MoneyInRange(value->unscaled, TypeId::Money)) {
+        RaiseError(151, {text});
+    }
+    return {Simple(TypeId::Money), *value};
+}
+
+Literal ParseBinaryLiteral(std::string_view text) {
+    const auto bytes = BytesFromHex(text.substr(2), true);
+    if (!bytes) {
+        RaiseError(102, {text});
+    }
+    const Type type = FittedLength(TypeId::VarBinary, std::max<std::int64_t>(1, std::ssize(*bytes)));
+    return {type, Bytes{*bytes}};
+}
+
+Literal TextLiteral(std::string_view text, bool national) {
+    const TypeId id = national ? TypeId::NVarChar : TypeId::VarChar;
+    std::string value = national ? std::string(text) : NarrowToCodePage1252(text);
+    const auto length = static_cast<std::int64_t>(TextLength(value));
+    return {FittedLength(id, std::max<std::int64_t>(1, length)), std::move(value)};
 }
 
 } // namespace devsql

@@ -4,6 +4,7 @@
 
 #include "devserver/tsql/scalar/conversion_parts.h"
 #include "devserver/tsql/scalar/date_time.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
@@ -63,27 +64,20 @@ std::string FitNumber(std::string bytes, const Type& to) {
 
 Value ToBinary(const Value& value, const Type& from, const Type& target, Style style) {
     const Type to = target.id == TypeId::Timestamp ? Sized(TypeId::Binary, 8) : target;
-    struct Visitor {
-        const Type& from;
-        const Type& to;
-        Style style;
-
-        std::string operator()(std::monostate) const { return {}; }
-        std::string operator()(std::int64_t v) const {
-            const auto width = static_cast<std::size_t>(SystemTypeOf(from.id).storage_length);
-            return FitNumber(BigEndian(static_cast<std::uint64_t>(v), width), to);
-        }
-        // Numbers with a fraction do not convert to binary (type_rules.cpp).
-        std::string operator()(double) const { return {}; }
-        std::string operator()(const Decimal&) const { return {}; }
-        std::string operator()(const DateTime& v) const { return FitNumber(DateBytes(v, from), to); }
-        std::string operator()(const std::string& v) const {
-            return FitBytes(TextBytes(v, from, to, style), to);
-        }
-        std::string operator()(const Bytes& v) const { return FitBytes(v.data, to); }
-        std::string operator()(const Guid& v) const { return FitBytes(GuidBytes(v), to); }
-    };
-    return Bytes{std::visit(Visitor{from, to, style}, value)};
+    return Bytes{
+        std::visit(Overloaded{
+                       [&](std::int64_t v) {
+                           const auto width = static_cast<std::size_t>(SystemTypeOf(from.id).storage_length);
+                           return FitNumber(BigEndian(static_cast<std::uint64_t>(v), width), to);
+                       },
+                       [&](const DateTime& v) { return FitNumber(DateBytes(v, from), to); },
+                       [&](const std::string& v) { return FitBytes(TextBytes(v, from, to, style), to); },
+                       [&](const Bytes& v) { return FitBytes(v.data, to); },
+                       [&](const Guid& v) { return FitBytes(GuidBytes(v), to); },
+                       // Numbers with a fraction do not convert to binary (type_rules.cpp).
+                       [](const auto&) { return std::string(); },
+                   },
+                   value)};
 }
 
 Value ToGuid(const Value& value, const Type&) {

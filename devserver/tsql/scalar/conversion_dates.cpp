@@ -1,11 +1,11 @@
 // Conversions to datetime and smalldatetime, and the styles in which CONVERT writes them.
 #include <algorithm>
-#include <array>
 
 #include "devserver/tsql/scalar/conversion_parts.h"
-#include "devserver/tsql/scalar/date_settings.h"
+#include "devserver/tsql/scalar/date_parser.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/decimal.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/type_rules.h"
 
@@ -16,9 +16,9 @@ namespace {
 /// A style of CONVERT: how it is written, and in which order a date in digits is read under it.
 struct DateStyle {
     int number;
-    /// Y yyyy, y yy, M mm, N mon, d dd, D day with a blank, H hh of 24, h hour of 12 with a blank, i minutes,
-    /// s seconds, f milliseconds, F "." and milliseconds if there are any, p AM or PM. "T" and marks stand
-    /// for themselves.
+    /// Y yyyy, y yyyy or yy, M mm, N mon, d dd, D day with a blank, H hh of 24, h hour of 12 with a blank, i
+    /// minutes, s seconds, f milliseconds, F "." and milliseconds if there are any, p AM or PM. "T" and marks
+    /// stand for themselves.
     std::string_view pattern;
     DateOrder order = DateOrder::MonthDayYear;
 };
@@ -26,53 +26,40 @@ struct DateStyle {
 constexpr DateOrder kDmy = DateOrder::DayMonthYear;
 constexpr DateOrder kYmd = DateOrder::YearMonthDay;
 
-constexpr std::array kStyles = {
-    DateStyle{0, "N D Y h:ip"},
-    DateStyle{1, "M/d/y"},
-    DateStyle{2, "y.M.d", kYmd},
-    DateStyle{3, "d/M/y", kDmy},
-    DateStyle{4, "d.M.y", kDmy},
-    DateStyle{5, "d-M-y", kDmy},
-    DateStyle{6, "d N y", kDmy},
-    DateStyle{7, "N d, y"},
-    DateStyle{8, "H:i:s"},
-    DateStyle{9, "N D Y h:i:s:fp"},
-    DateStyle{10, "M-d-y"},
-    DateStyle{11, "y/M/d", kYmd},
-    DateStyle{12, "yMd", kYmd},
-    DateStyle{13, "d N Y H:i:s:f", kDmy},
-    DateStyle{14, "H:i:s:f"},
-    DateStyle{20, "Y-M-d H:i:s", kYmd},
-    DateStyle{21, "Y-M-d H:i:s.f", kYmd},
-    DateStyle{22, "M/d/y h:i:s p"},
-    DateStyle{23, "Y-M-d", kYmd},
-    DateStyle{24, "H:i:s"},
-    DateStyle{25, "Y-M-d H:i:s.f", kYmd},
-    DateStyle{100, "N D Y h:ip"},
-    DateStyle{101, "M/d/Y"},
-    DateStyle{102, "Y.M.d", kYmd},
-    DateStyle{103, "d/M/Y", kDmy},
-    DateStyle{104, "d.M.Y", kDmy},
-    DateStyle{105, "d-M-Y", kDmy},
-    DateStyle{106, "d N Y", kDmy},
-    DateStyle{107, "N d, Y"},
-    DateStyle{108, "H:i:s"},
-    DateStyle{109, "N D Y h:i:s:fp"},
-    DateStyle{110, "M-d-Y"},
-    DateStyle{111, "Y/M/d", kYmd},
-    DateStyle{112, "YMd", kYmd},
-    DateStyle{113, "d N Y H:i:s:f", kDmy},
-    DateStyle{114, "H:i:s:f"},
-    DateStyle{120, "Y-M-d H:i:s", kYmd},
-    DateStyle{121, "Y-M-d H:i:s.f", kYmd},
-    DateStyle{126, "Y-M-dTH:i:sF", kYmd},
-    DateStyle{127, "Y-M-dTH:i:sF", kYmd},
-};
+// Those from 100 to 121 are the same with four digits for the year.
+constexpr DateStyle kStyles[] = {{0, "N D Y h:ip"},
+                                 {1, "M/d/y"},
+                                 {2, "y.M.d", kYmd},
+                                 {3, "d/M/y", kDmy},
+                                 {4, "d.M.y", kDmy},
+                                 {5, "d-M-y", kDmy},
+                                 {6, "d N y", kDmy},
+                                 {7, "N d, y"},
+                                 {8, "H:i:s"},
+                                 {9, "N D Y h:i:s:fp"},
+                                 {10, "M-d-y"},
+                                 {11, "y/M/d", kYmd},
+                                 {12, "yMd", kYmd},
+                                 {13, "d N Y H:i:s:f", kDmy},
+                                 {14, "H:i:s:f"},
+                                 {20, "Y-M-d H:i:s", kYmd},
+                                 {21, "Y-M-d H:i:s.f", kYmd},
+                                 {22, "M/d/y h:i:s p"},
+                                 {23, "Y-M-d", kYmd},
+                                 {24, "H:i:s"},
+                                 {25, "Y-M-d H:i:s.f", kYmd},
+                                 {126, "Y-M-dTH:i:sF", kYmd},
+                                 {127, "Y-M-dTH:i:sF", kYmd}};
 
+bool HasCentury(int style) {
+    return style >= 100 && style <= 121;
+}
+
+/// Null for an unknown one.
 const DateStyle* FindStyle(int number) {
-    const auto* found = std::find_if(kStyles.begin(), kStyles.end(),
-                                     [number](const DateStyle& style) { return style.number == number; });
-    return found == kStyles.end() ? nullptr : found;
+    const auto* found =
+        std::ranges::find(kStyles, HasCentury(number) ? number - 100 : number, &DateStyle::number);
+    return found == std::end(kStyles) ? nullptr : found;
 }
 
 std::string Padded(std::int32_t number, std::size_t width, char fill = '0') {
@@ -80,13 +67,13 @@ std::string Padded(std::int32_t number, std::size_t width, char fill = '0') {
     return std::string(width - std::min(width, digits.size()), fill) + digits;
 }
 
-std::string WritePart(char part, const CivilTime& time) {
+std::string WritePart(char part, const CivilTime& time, bool century) {
     const std::int32_t milliseconds = MillisecondsOf(time.ticks);
     switch (part) {
     case 'Y':
         return Padded(time.year, 4);
     case 'y':
-        return Padded(time.year % 100, 2);
+        return century ? Padded(time.year, 4) : Padded(time.year % 100, 2);
     case 'M':
         return Padded(time.month, 2);
     case 'N':
@@ -115,9 +102,7 @@ std::string WritePart(char part, const CivilTime& time) {
 }
 
 [[noreturn]] void OutOfRange(const Type& from, TypeId to) {
-    if (to == TypeId::Date) {
-        RaiseError(241);
-    }
+    RaiseIf(to == TypeId::Date, 241);
     throw ErrorOf(242, {TypeName(from.id), TypeName(to)}, 3);
 }
 
@@ -154,12 +139,8 @@ Value DateFromBytes(std::string_view bytes, TypeId to) {
     all.insert(0, 2 * half - all.size(), '\0');
     const std::uint64_t days = FromBigEndian(std::string_view(all).substr(0, half));
     const std::uint64_t time = FromBigEndian(std::string_view(all).substr(half));
-    DateTime value;
-    if (to == TypeId::DateTime) {
-        value = {static_cast<std::int32_t>(days), static_cast<std::int32_t>(time)};
-    } else {
-        value = {static_cast<std::int32_t>(days), static_cast<std::int32_t>(time * 60 * kTicksPerSecond)};
-    }
+    const std::uint64_t unit = to == TypeId::DateTime ? 1 : 60 * kTicksPerSecond;
+    const DateTime value{static_cast<std::int32_t>(days), static_cast<std::int32_t>(time * unit)};
     const bool valid =
         value.days >= kFirstDay && value.days <= kLastDay && value.ticks >= 0 && value.ticks < kTicksPerDay;
     if (!valid) {
@@ -176,9 +157,7 @@ Value DayFromBytes(std::string_view bytes) {
         days = days * 256 + static_cast<unsigned char>(bytes[i]);
     }
     days -= kDaysTo1900;
-    if (days < kFirstDay || days > kLastDay) {
-        RaiseError(241);
-    }
+    RaiseIf(days < kFirstDay || days > kLastDay, 241);
     return DateTime{static_cast<std::int32_t>(days), 0};
 }
 
@@ -210,29 +189,25 @@ std::string WriteDate(const DateTime& value, const Type& type, int style) {
     const CivilTime time = ToCivil(value);
     std::string text;
     for (const char part : day ? DayPattern(found->pattern) : found->pattern) {
-        text += WritePart(part, time);
+        text += WritePart(part, time, HasCentury(style));
     }
     return text;
 }
 
 Value ToDate(const Value& value, const Type& from, TypeId to, Style style) {
-    struct Visitor {
-        const Type& from;
-        TypeId to;
-        Style style;
-
-        Value operator()(std::monostate) const { return {}; }
-        Value operator()(std::int64_t v) const { return DateFromNumber(static_cast<double>(v), to); }
-        Value operator()(double v) const { return DateFromNumber(v, to); }
-        Value operator()(const Decimal& v) const { return DateFromNumber(ToDouble(v), to); }
-        Value operator()(const DateTime& v) const { return v; }
-        Value operator()(const std::string& v) const { return DateFromText(v, from, to, style); }
-        Value operator()(const Bytes& v) const {
-            return to == TypeId::Date ? DayFromBytes(v.data) : DateFromBytes(v.data, to);
-        }
-        Value operator()(const Guid&) const { return {}; }
-    };
-    const Value result = std::visit(Visitor{from, to, style}, value);
+    const Value result =
+        std::visit(Overloaded{
+                       [&](std::int64_t v) { return DateFromNumber(static_cast<double>(v), to); },
+                       [&](double v) { return DateFromNumber(v, to); },
+                       [&](const Decimal& v) { return DateFromNumber(ToDouble(v), to); },
+                       [](const DateTime& v) { return Value(v); },
+                       [&](const std::string& v) { return DateFromText(v, from, to, style); },
+                       [&](const Bytes& v) {
+                           return to == TypeId::Date ? DayFromBytes(v.data) : DateFromBytes(v.data, to);
+                       },
+                       [](const auto&) { return Value(); },
+                   },
+                   value);
     if (to == TypeId::DateTime) {
         return result;
     }

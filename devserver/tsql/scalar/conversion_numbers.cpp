@@ -1,6 +1,5 @@
 // Conversions to integers, decimals, money and floats, with the overflow error that each pair of types has.
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -8,6 +7,7 @@
 #include "devserver/tsql/scalar/conversion_parts.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/decimal.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
@@ -17,31 +17,6 @@ namespace devsql {
 namespace {
 
 constexpr int kMoneyScale = 4;
-
-struct IntegerRange {
-    TypeId id;
-    std::int64_t least;
-    std::int64_t most;
-    std::size_t bytes;
-    std::string_view column; ///< how message 244 calls the type
-};
-
-constexpr std::array kIntegerRanges = {
-    IntegerRange{TypeId::Bit, 0, 1, 1, "BIT"},
-    IntegerRange{TypeId::TinyInt, 0, 255, 1, "INT1"},
-    IntegerRange{TypeId::SmallInt, -32768, 32767, 2, "INT2"},
-    IntegerRange{TypeId::Int, INT32_MIN, INT32_MAX, 4, ""},
-    IntegerRange{TypeId::BigInt, INT64_MIN, INT64_MAX, 8, ""},
-};
-
-const IntegerRange& RangeOf(TypeId id) {
-    return *std::find_if(kIntegerRanges.begin(), kIntegerRanges.end(),
-                         [id](const IntegerRange& range) { return range.id == id; });
-}
-
-bool InRange(std::int64_t value, const IntegerRange& range) {
-    return value >= range.least && value <= range.most;
-}
 
 /// Messages call decimal numeric.
 std::string_view MessageName(TypeId id) {
@@ -62,10 +37,7 @@ std::string_view MessageName(TypeId id) {
 }
 
 Value IntegerFromInteger(std::int64_t value, const IntegerRange& range) {
-    if (range.id == TypeId::Bit) {
-        return std::int64_t{value != 0};
-    }
-    if (!InRange(value, range)) {
+    if (!range.Holds(value)) {
         if (range.bytes < 4) {
             RaiseError(220, {TypeName(range.id), std::to_string(value)});
         }
@@ -75,63 +47,41 @@ Value IntegerFromInteger(std::int64_t value, const IntegerRange& range) {
 }
 
 Value IntegerFromDecimal(const Decimal& value, const Type& from, const IntegerRange& range) {
-    if (range.id == TypeId::Bit) {
-        return std::int64_t{value.unscaled != 0};
-    }
     // numeric loses its fraction, money is rounded.
     const auto whole = ToInt64(value, IsMoney(from.id) ? Rounding::HalfUp : Rounding::TowardZero);
-    if (!whole || !InRange(*whole, range)) {
+    if (!whole || !range.Holds(*whole)) {
         Overflow(IsMoney(from.id) ? "expression" : "numeric", range.id);
     }
     return *whole;
 }
 
 Value IntegerFromDouble(double value, const IntegerRange& range) {
-    if (range.id == TypeId::Bit) {
-        return std::int64_t{value != 0};
-    }
     // The doubles next to the limits of bigint are whole numbers; 2^63 itself is already too large.
     const double whole = std::trunc(value);
     constexpr double limit = 9223372036854775808.0;
-    if (!(whole >= -limit && whole < limit)) {
-        if (range.id == TypeId::BigInt) {
-            Overflow("expression", range.id);
-        }
-        RaiseError(232, {TypeName(range.id), FixedText(value, 6)});
+    const bool in_range = whole >= -limit && whole < limit;
+    if (!in_range && range.id == TypeId::BigInt) {
+        Overflow("expression", range.id);
     }
-    if (!InRange(static_cast<std::int64_t>(whole), range)) {
+    if (!in_range || !range.Holds(static_cast<std::int64_t>(whole))) {
         RaiseError(232, {TypeName(range.id), FixedText(value, 6)});
     }
     return static_cast<std::int64_t>(whole);
 }
 
-Value IntegerFromDate(const DateTime& value, const IntegerRange& range) {
-    const std::int64_t days = value.days + (value.ticks >= kTicksPerDay / 2 ? 1 : 0);
-    if (range.id == TypeId::Bit) {
-        return std::int64_t{days != 0};
-    }
-    if (!InRange(days, range)) {
-        Overflow("expression", range.id);
-    }
-    return days;
+/// The nearest day.
+std::int64_t WholeDays(const DateTime& value) {
+    return value.days + (value.ticks >= kTicksPerDay / 2 ? 1 : 0);
 }
 
-Value BitFromText(const std::string& text, const Type& from) {
-    const std::string_view word = TrimBlanks(text);
-    if (AsciiEqual(word, "true") || AsciiEqual(word, "false")) {
-        return std::int64_t{AsciiEqual(word, "true")};
+Value IntegerFromDate(const DateTime& value, const IntegerRange& range) {
+    if (!range.Holds(WholeDays(value))) {
+        Overflow("expression", range.id);
     }
-    const ParsedInteger parsed = ParseInteger(text);
-    if (!parsed.valid) {
-        RaiseError(245, {TypeName(from.id), text, "bit"});
-    }
-    return std::int64_t{!parsed.value || *parsed.value != 0};
+    return WholeDays(value);
 }
 
 Value IntegerFromText(const std::string& text, const Type& from, const IntegerRange& range) {
-    if (range.id == TypeId::Bit) {
-        return BitFromText(text, from);
-    }
     const ParsedInteger parsed = ParseInteger(text);
     if (!parsed.valid) {
         if (range.id == TypeId::BigInt) {
@@ -139,31 +89,47 @@ Value IntegerFromText(const std::string& text, const Type& from, const IntegerRa
         }
         RaiseError(245, {TypeName(from.id), text, TypeName(range.id)});
     }
-    if (!parsed.value || !InRange(*parsed.value, range)) {
+    if (!parsed.value || !range.Holds(*parsed.value)) {
         if (range.id == TypeId::BigInt) {
             Overflow("expression", range.id);
         }
-        if (range.id == TypeId::Int) {
-            RaiseError(248, {TypeName(from.id), text});
-        }
+        RaiseIf(range.id == TypeId::Int, 248, {TypeName(from.id), text});
         RaiseError(244, {TypeName(from.id), text, range.column});
     }
     return *parsed.value;
 }
 
 Value IntegerFromBytes(std::string_view bytes, const IntegerRange& range) {
-    const std::string_view last = bytes.substr(bytes.size() - std::min(bytes.size(), range.bytes));
-    const std::uint64_t raw = FromBigEndian(last);
-    switch (range.id) {
-    case TypeId::Bit:
-        return std::int64_t{raw != 0};
-    case TypeId::SmallInt:
-        return std::int64_t{static_cast<std::int16_t>(raw)};
-    case TypeId::Int:
-        return std::int64_t{static_cast<std::int32_t>(raw)};
-    default:
-        return static_cast<std::int64_t>(raw);
+    const std::uint64_t raw = FromBigEndian(bytes.substr(bytes.size() - std::min(bytes.size(), range.bytes)));
+    return range.id == TypeId::SmallInt ? std::int64_t{static_cast<std::int16_t>(raw)}
+           : range.id == TypeId::Int    ? std::int64_t{static_cast<std::int32_t>(raw)}
+                                        : static_cast<std::int64_t>(raw);
+}
+
+bool BitFromText(const std::string& text, const Type& from) {
+    const std::string_view word = TrimBlanks(text);
+    if (AsciiEqual(word, "true") || AsciiEqual(word, "false")) {
+        return AsciiEqual(word, "true");
     }
+    const ParsedInteger parsed = ParseInteger(text);
+    if (!parsed.valid) {
+        RaiseError(245, {TypeName(from.id), text, "bit"});
+    }
+    return !parsed.value || *parsed.value != 0;
+}
+
+/// Everything but zero is 1.
+bool BitOf(const Value& value, const Type& from) {
+    return std::visit(Overloaded{
+                          [](std::int64_t v) { return v != 0; },
+                          [](double v) { return v != 0; },
+                          [](const Decimal& v) { return v.unscaled != 0; },
+                          [](const DateTime& v) { return WholeDays(v) != 0; },
+                          [&](const std::string& v) { return BitFromText(v, from); },
+                          [](const Bytes& v) { return !v.data.empty() && v.data.back() != 0; },
+                          [](const auto&) { return false; },
+                      },
+                      value);
 }
 
 // ------------------------------------------------------------------ decimals
@@ -190,43 +156,51 @@ Exact ExactFromText(const std::string& text, const Type& from, const Type& to) {
 }
 
 Exact ExactOf(const Value& value, const Type& from, const Type& to, int scale) {
-    struct Visitor {
-        const Type& from;
-        const Type& to;
-        int scale;
-
-        Exact operator()(std::monostate) const { return {}; }
-        Exact operator()(std::int64_t v) const { return {Decimal{v, 0}, MessageName(from.id)}; }
-        Exact operator()(double v) const { return {FromDouble(v, scale), MessageName(from.id)}; }
-        Exact operator()(const Decimal& v) const { return {v, MessageName(from.id)}; }
-        Exact operator()(const DateTime& v) const {
-            return {FromDouble(ToDayNumber(v), scale), "expression"};
-        }
-        Exact operator()(const std::string& v) const { return ExactFromText(v, from, to); }
-        Exact operator()(const Bytes&) const { return {}; } // never converts (type_rules.cpp)
-        Exact operator()(const Guid&) const { return {}; }
-    };
-    return std::visit(Visitor{from, to, scale}, value);
+    return std::visit(Overloaded{
+                          [&](std::int64_t v) {
+                              return Exact{Decimal{v, 0}, MessageName(from.id)};
+                          },
+                          [&](double v) {
+                              return Exact{FromDouble(v, scale), MessageName(from.id)};
+                          },
+                          [&](const Decimal& v) {
+                              return Exact{v, MessageName(from.id)};
+                          },
+                          [&](const DateTime& v) {
+                              return Exact{FromDouble(ToDayNumber(v), scale), "expression"};
+                          },
+                          [&](const std::string& v) { return ExactFromText(v, from, to); },
+                          [](const auto&) { return Exact{}; }, // never converts (type_rules.cpp)
+                      },
+                      value);
 }
 
 } // namespace
 
-Value ToInteger(const Value& value, const Type& from, TypeId to) {
-    const IntegerRange& range = RangeOf(to);
-    struct Visitor {
-        const Type& from;
-        const IntegerRange& range;
+const IntegerRange& RangeOf(TypeId id) {
+    static constexpr IntegerRange kRanges[] = {{TypeId::Bit, 0, 1, 1, "BIT"},
+                                               {TypeId::TinyInt, 0, 255, 1, "INT1"},
+                                               {TypeId::SmallInt, INT16_MIN, INT16_MAX, 2, "INT2"},
+                                               {TypeId::Int, INT32_MIN, INT32_MAX, 4, ""},
+                                               {TypeId::BigInt, INT64_MIN, INT64_MAX, 8, ""}};
+    return *std::ranges::find(kRanges, id, &IntegerRange::id);
+}
 
-        Value operator()(std::monostate) const { return {}; }
-        Value operator()(std::int64_t v) const { return IntegerFromInteger(v, range); }
-        Value operator()(double v) const { return IntegerFromDouble(v, range); }
-        Value operator()(const Decimal& v) const { return IntegerFromDecimal(v, from, range); }
-        Value operator()(const DateTime& v) const { return IntegerFromDate(v, range); }
-        Value operator()(const std::string& v) const { return IntegerFromText(v, from, range); }
-        Value operator()(const Bytes& v) const { return IntegerFromBytes(v.data, range); }
-        Value operator()(const Guid&) const { return {}; }
-    };
-    return std::visit(Visitor{from, range}, value);
+Value ToInteger(const Value& value, const Type& from, TypeId to) {
+    if (to == TypeId::Bit) {
+        return std::int64_t{BitOf(value, from)};
+    }
+    const IntegerRange& range = RangeOf(to);
+    return std::visit(Overloaded{
+                          [&](std::int64_t v) { return IntegerFromInteger(v, range); },
+                          [&](double v) { return IntegerFromDouble(v, range); },
+                          [&](const Decimal& v) { return IntegerFromDecimal(v, from, range); },
+                          [&](const DateTime& v) { return IntegerFromDate(v, range); },
+                          [&](const std::string& v) { return IntegerFromText(v, from, range); },
+                          [&](const Bytes& v) { return IntegerFromBytes(v.data, range); },
+                          [](const auto&) { return Value(); },
+                      },
+                      value);
 }
 
 Value ToDecimalOrMoney(const Value& value, const Type& from, const Type& to) {

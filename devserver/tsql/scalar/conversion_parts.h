@@ -53,6 +53,18 @@ std::optional<std::string> BytesFromHex(std::string_view digits, bool odd);
 
 // ------------------------------------------------------------------ numbers and dates
 
+/// The numbers that bit or an integer type holds.
+struct IntegerRange {
+    TypeId id;
+    std::int64_t least;
+    std::int64_t most;
+    std::size_t bytes;
+    std::string_view column; ///< how message 244 calls the type
+
+    bool Holds(Int128 value) const { return value >= least && value <= most; }
+};
+const IntegerRange& RangeOf(TypeId id);
+
 /// The whole number that a text holds: sign, digits, blanks around; an empty text is 0.
 struct ParsedInteger {
     bool valid = false;

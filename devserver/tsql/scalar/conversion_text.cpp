@@ -6,6 +6,7 @@
 
 #include "devserver/tsql/scalar/conversion_parts.h"
 #include "devserver/tsql/scalar/decimal.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/scalar/type_rules.h"
@@ -59,9 +60,7 @@ std::string Crowded(const Value& value, const Type& from, const Type& to) {
     if (IsApproximate(from.id)) {
         RaiseError(232, {target, FixedText(std::get<double>(value), 6)});
     }
-    if (from.id == TypeId::UniqueIdentifier) {
-        RaiseError(8170);
-    }
+    RaiseIf(from.id == TypeId::UniqueIdentifier, 8170);
     if (IsDecimal(from.id)) {
         throw ErrorOf(8115, {TypeName(TypeId::Numeric), target}, 5);
     }
@@ -75,10 +74,9 @@ std::string Crowded(const Value& value, const Type& from, const Type& to) {
 
 std::string FloatText(double value, int digits, bool scientific) {
     std::array<char, 64> buffer{};
-    const auto end = scientific ? std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                                std::chars_format::scientific, digits - 1)
-                                : std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                                std::chars_format::general, digits);
+    const auto format = scientific ? std::chars_format::scientific : std::chars_format::general;
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format,
+                                   scientific ? digits - 1 : digits);
     std::string text(buffer.data(), end.ptr);
     // SQL Server writes an exponent with three digits; to_chars writes at least two.
     if (const std::size_t mark = text.find('e'); mark != std::string::npos) {
@@ -97,24 +95,21 @@ std::string FixedText(double value, int digits_after_point) {
 }
 
 std::string WriteText(const Value& value, const Type& type, Style style) {
-    struct Visitor {
-        const Type& type;
-        int style;
-
-        std::string operator()(std::monostate) const { return {}; }
-        std::string operator()(std::int64_t v) const { return std::to_string(v); }
-        std::string operator()(double v) const { return FloatStyleText(v, type, style); }
-        std::string operator()(const Decimal& v) const {
-            return IsMoney(type.id) ? MoneyText(v, type, style) : DecimalText(v);
-        }
-        std::string operator()(const DateTime& v) const { return WriteDate(v, type, style); }
-        std::string operator()(const std::string& v) const { return v; }
-        std::string operator()(const Bytes& v) const {
-            return style == 1 || style == 2 ? BinaryText(v.data, style) : FromCodePage1252(v.data);
-        }
-        std::string operator()(const Guid& v) const { return GuidText(v); }
-    };
-    return std::visit(Visitor{type, style.value_or(0)}, value);
+    const int number = style.value_or(0);
+    return std::visit(
+        Overloaded{
+            [](std::monostate) { return std::string(); },
+            [](std::int64_t v) { return std::to_string(v); },
+            [&](double v) { return FloatStyleText(v, type, number); },
+            [&](const Decimal& v) { return IsMoney(type.id) ? MoneyText(v, type, number) : DecimalText(v); },
+            [&](const DateTime& v) { return WriteDate(v, type, number); },
+            [](const std::string& v) { return v; },
+            [&](const Bytes& v) {
+                return number == 1 || number == 2 ? BinaryText(v.data, number) : FromCodePage1252(v.data);
+            },
+            [](const Guid& v) { return GuidText(v); },
+        },
+        value);
 }
 
 std::string FitText(std::string text, const Type& to) {

@@ -1,6 +1,6 @@
 // Date functions. The word for a date part comes as a text in the first argument.
 #include "devserver/tsql/scalar/conversion.h"
-#include "devserver/tsql/scalar/date_settings.h"
+#include "devserver/tsql/scalar/date_parser.h"
 #include "devserver/tsql/scalar/date_time.h"
 #include "devserver/tsql/scalar/function_tables.h"
 #include "devserver/tsql/scalar/sql_error.h"
@@ -49,9 +49,7 @@ Value DateDiff(Values values, Types types) {
         return {};
     }
     const std::int64_t count = CountDateParts(part, DateOf(values[1], types[1]), DateOf(values[2], types[2]));
-    if (count > INT32_MAX || count < INT32_MIN) {
-        RaiseError(535, {"datediff"});
-    }
+    RaiseIf(count > INT32_MAX || count < INT32_MIN, 535, {"datediff"});
     return count;
 }
 
@@ -111,35 +109,20 @@ Value EndOfMonth(Values values, Types types) {
 
 /// DATEFROMPARTS, DATETIMEFROMPARTS: numbers that make no date are error 289.
 Value FromParts(Values values, Types types) {
-    CivilTime civil;
-    std::int64_t parts[] = {1900, 1, 1, 0, 0, 0, 0};
+    std::int32_t parts[] = {1900, 1, 1, 0, 0, 0, 0};
+    constexpr std::int32_t kLeast[] = {1753, 1, 1, 0, 0, 0, 0};
+    std::int32_t most[] = {9999, 12, 31, 23, 59, 59, 999};
     for (std::size_t i = 0; i < values.size(); ++i) {
-        parts[i] = IntOf(values[i], types[i]);
+        parts[i] = static_cast<std::int32_t>(IntOf(values[i], types[i]));
+        most[2] = i == 2 ? DaysInMonth(parts[0], parts[1]) : most[2];
+        if (parts[i] < kLeast[i] || parts[i] > most[i]) {
+            RaiseError(289, {values.size() == 3 ? "date" : "datetime"});
+        }
     }
-    constexpr std::int64_t kFirstYear = 1753;
-    constexpr std::int64_t kLastYear = 9999;
-    const bool valid =
-        parts[0] >= kFirstYear && parts[0] <= kLastYear && parts[1] >= 1 && parts[1] <= 12 && parts[2] >= 1 &&
-        parts[2] <= DaysInMonth(static_cast<std::int32_t>(parts[0]), static_cast<std::int32_t>(parts[1])) &&
-        parts[3] >= 0 && parts[3] < 24 && parts[4] >= 0 && parts[4] < 60 && parts[5] >= 0 && parts[5] < 60 &&
-        parts[6] >= 0 && parts[6] < 1000;
-    if (!valid) {
-        RaiseError(289, {values.size() == 3 ? "date" : "datetime"});
-    }
-    civil.year = static_cast<std::int32_t>(parts[0]);
-    civil.month = static_cast<std::int32_t>(parts[1]);
-    civil.day = static_cast<std::int32_t>(parts[2]);
-    civil.hour = static_cast<std::int32_t>(parts[3]);
-    civil.minute = static_cast<std::int32_t>(parts[4]);
-    civil.second = static_cast<std::int32_t>(parts[5]);
-    civil.ticks = static_cast<std::int32_t>((parts[6] * kTicksPerSecond + 500) / 1000);
-    if (civil.ticks == kTicksPerSecond) { // .999 is the next second
-        const auto next = AddDatePart(
-            DatePart::Second, 1,
-            FromCivil({civil.year, civil.month, civil.day, civil.hour, civil.minute, civil.second}));
-        return next ? Value(*next) : Value();
-    }
-    return FromCivil(civil);
+    const DateTime second =
+        FromCivil({parts[0], parts[1], parts[2], parts[3], parts[4], parts[5], 0}); // .999 is the next second
+    const auto result = AddDatePart(DatePart::Millisecond, parts[6], second);
+    return result ? Value(*result) : Value();
 }
 
 constexpr ScalarFunction kFunctions[] = {

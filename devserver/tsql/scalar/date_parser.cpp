@@ -6,6 +6,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "devserver/tsql/scalar/date_time.h"
@@ -286,6 +287,9 @@ bool Exists(const Date& date) {
            date.day <= DaysInMonth(date.year, date.month);
 }
 
+constexpr DateSettings kUsEnglish;
+thread_local const DateSettings* current = &kUsEnglish;
+
 } // namespace
 
 DateReading ParseDateTime(std::string_view text, DateOrder order, DateTime& value) {
@@ -317,6 +321,17 @@ DateReading ParseDateTime(std::string_view text, DateOrder order, DateTime& valu
     }
     value = result;
     return DateReading::Good;
+}
+
+const DateSettings& CurrentDateSettings() {
+    return *current;
+}
+
+DateSettingsScope::DateSettingsScope(const DateSettings& settings)
+    : outer_(std::exchange(current, &settings)) {}
+
+DateSettingsScope::~DateSettingsScope() {
+    current = outer_;
 }
 
 } // namespace devsql

@@ -1,4 +1,4 @@
-// Reading dates and times as SQL Server reads them under us_english.
+// Reading dates and times as SQL Server reads them under us_english, and the settings that it depends on.
 #pragma once
 
 #include <cstdint>
@@ -21,5 +21,29 @@ enum class DateReading : std::uint8_t {
 /// milliseconds and AM/PM before or after the date. An empty text is 1900-01-01; two digits of a year below
 /// 50 are in the 2000s. Writes to `value` only when Good.
 DateReading ParseDateTime(std::string_view text, DateOrder order, DateTime& value);
+
+// The settings of SET DATEFIRST and SET DATEFORMAT. The functions of this library get values alone, so the
+// settings of a session belong to the thread that runs its statements.
+
+struct DateSettings {
+    std::int32_t first_day = 7; ///< of the week: 1 Monday to 7 Sunday
+    DateOrder order = DateOrder::MonthDayYear;
+};
+
+/// The settings of the innermost scope of this thread; those of us_english outside of any scope.
+const DateSettings& CurrentDateSettings();
+
+/// While it lives, the thread has these settings. They are read when they are needed, so a change counts at
+/// once.
+class DateSettingsScope {
+  public:
+    explicit DateSettingsScope(const DateSettings& settings);
+    DateSettingsScope(const DateSettingsScope&) = delete;
+    DateSettingsScope& operator=(const DateSettingsScope&) = delete;
+    ~DateSettingsScope();
+
+  private:
+    const DateSettings* outer_;
+};
 
 } // namespace devsql

@@ -20,30 +20,11 @@ constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
 /// The day of 1900-01-01 in the count of the C++ calendar (from 1970).
 constexpr std::int32_t kEpoch = -25567;
 
-struct PartName {
-    std::string_view name;
-    DatePart part;
-};
-
-constexpr std::array kPartNames = {
-    PartName{"year", DatePart::Year},       PartName{"yyyy", DatePart::Year},
-    PartName{"yy", DatePart::Year},         PartName{"quarter", DatePart::Quarter},
-    PartName{"qq", DatePart::Quarter},      PartName{"q", DatePart::Quarter},
-    PartName{"month", DatePart::Month},     PartName{"mm", DatePart::Month},
-    PartName{"m", DatePart::Month},         PartName{"dayofyear", DatePart::DayOfYear},
-    PartName{"dy", DatePart::DayOfYear},    PartName{"y", DatePart::DayOfYear},
-    PartName{"day", DatePart::Day},         PartName{"dd", DatePart::Day},
-    PartName{"d", DatePart::Day},           PartName{"week", DatePart::Week},
-    PartName{"wk", DatePart::Week},         PartName{"ww", DatePart::Week},
-    PartName{"weekday", DatePart::Weekday}, PartName{"dw", DatePart::Weekday},
-    PartName{"w", DatePart::Weekday},       PartName{"hour", DatePart::Hour},
-    PartName{"hh", DatePart::Hour},         PartName{"minute", DatePart::Minute},
-    PartName{"mi", DatePart::Minute},       PartName{"n", DatePart::Minute},
-    PartName{"second", DatePart::Second},   PartName{"ss", DatePart::Second},
-    PartName{"s", DatePart::Second},        PartName{"millisecond", DatePart::Millisecond},
-    PartName{"ms", DatePart::Millisecond},  PartName{"iso_week", DatePart::IsoWeek},
-    PartName{"isowk", DatePart::IsoWeek},   PartName{"isoww", DatePart::IsoWeek},
-};
+/// The names and abbreviations, in the order of DatePart.
+constexpr std::string_view kPartNames[] = {"year,yyyy,yy",   "quarter,qq,q",   "month,mm,m",
+                                           "dayofyear,dy,y", "day,dd,d",       "week,wk,ww",
+                                           "weekday,dw,w",   "hour,hh",        "minute,mi,n",
+                                           "second,ss,s",    "millisecond,ms", "iso_week,isowk,isoww"};
 
 constexpr std::array<std::string_view, 12> kMonths = {"January",   "February", "March",    "April",
                                                       "May",       "June",     "July",     "August",
@@ -210,12 +191,10 @@ DateTime UtcNow() {
 }
 
 std::optional<DatePart> FindDatePart(std::string_view name) {
-    for (const PartName& part : kPartNames) {
-        if (AsciiEqual(part.name, name)) {
-            return part.part;
-        }
-    }
-    return std::nullopt;
+    const auto* found =
+        std::ranges::find_if(kPartNames, [&](std::string_view names) { return ListHas(names, name); });
+    return found == std::end(kPartNames) ? std::nullopt
+                                         : std::optional(static_cast<DatePart>(found - kPartNames));
 }
 
 std::int32_t GetDatePart(DatePart part, const DateTime& value, int datefirst) {

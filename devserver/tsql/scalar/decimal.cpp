@@ -52,10 +52,6 @@ bool Less(const UInt256& a, const UInt256& b) {
     return a.high != b.high ? a.high < b.high : a.low < b.low;
 }
 
-UInt256 Subtract(const UInt256& a, const UInt256& b) {
-    return {a.high - b.high - (a.low < b.low ? 1 : 0), a.low - b.low};
-}
-
 UInt256 ShiftLeft(const UInt256& a) {
     return {(a.high << 1) | (a.low >> 127), a.low << 1};
 }
@@ -179,29 +175,20 @@ std::optional<Decimal> DivideDecimals(const Decimal& a, const Decimal& b, int sc
     const bool negative = (a.unscaled < 0) != (b.unscaled < 0);
     const UInt128 divisor = Magnitude(b.unscaled);
     UInt128 quotient = Magnitude(a.unscaled) / divisor;
-    UInt256 remainder{0, Magnitude(a.unscaled) % divisor};
+    UInt128 remainder = Magnitude(a.unscaled) % divisor;
     // How many digits the quotient of the unscaled numbers lacks; if negative, how many it has too many.
     int digits = scale + b.scale - a.scale;
-    for (; digits > 0; --digits) {
-        // remainder * 10 = remainder * 2 + remainder * 8
-        const UInt256 twice = ShiftLeft(remainder);
-        const UInt256 eight = ShiftLeft(ShiftLeft(twice));
-        remainder = {eight.high + twice.high, eight.low + twice.low};
-        remainder.high += remainder.low < eight.low ? 1 : 0;
-        unsigned digit = 0;
-        while (!Less(remainder, {0, divisor})) {
-            remainder = Subtract(remainder, {0, divisor});
-            ++digit;
-        }
-        if (!InRange(quotient)) {
+    while (digits > 0) { // As many further digits as 256 bits hold.
+        const int step = std::min(digits, kMaxDigits);
+        const auto power = static_cast<UInt128>(PowerOfTen(step));
+        const UInt256 shifted = Multiply(quotient, power);
+        const Quotient next = Divide(Multiply(remainder, power), divisor);
+        if (shifted.high != 0 || !InRange(shifted.low)) {
             return std::nullopt;
         }
-        // The quotient is below 10^38; ten times as much may need more than 128 bits.
-        const UInt256 next = Multiply(quotient, 10);
-        if (next.high != 0) {
-            return std::nullopt;
-        }
-        quotient = next.low + digit;
+        quotient = shifted.low + next.quotient.low;
+        remainder = next.remainder;
+        digits -= step;
     }
     return MakeDecimal(DropDigits({0, quotient}, -digits, Rounding::TowardZero), negative, scale);
 }

@@ -14,8 +14,6 @@ using Values = std::span<const Value>;
 using Types = std::span<const Type>;
 
 std::span<const ScalarFunction> StringFunctions();
-std::span<const ScalarFunction> StringSearchFunctions();
-std::span<const ScalarFunction> CharacterFunctions();
 std::span<const ScalarFunction> MathFunctions();
 std::span<const ScalarFunction> DateFunctions();
 std::span<const ScalarFunction> GeneralFunctions();

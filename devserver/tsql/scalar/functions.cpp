@@ -15,12 +15,10 @@ namespace {
 
 std::vector<ScalarFunction> JoinTables() {
     std::vector<ScalarFunction> all;
-    for (const auto& part : {StringFunctions(), StringSearchFunctions(), CharacterFunctions(),
-                             MathFunctions(), DateFunctions(), GeneralFunctions()}) {
+    for (const auto& part : {StringFunctions(), MathFunctions(), DateFunctions(), GeneralFunctions()}) {
         all.insert(all.end(), part.begin(), part.end());
     }
-    std::sort(all.begin(), all.end(),
-              [](const ScalarFunction& a, const ScalarFunction& b) { return a.name < b.name; });
+    std::ranges::sort(all, {}, &ScalarFunction::name);
     return all;
 }
 
@@ -39,9 +37,7 @@ std::span<const ScalarFunction> AllFunctions() {
 const ScalarFunction* FindFunction(std::string_view name) {
     const std::string upper = AsciiUpper(name);
     const auto all = AllFunctions();
-    const auto found =
-        std::lower_bound(all.begin(), all.end(), upper,
-                         [](const ScalarFunction& f, const std::string& n) { return f.name < n; });
+    const auto found = std::ranges::lower_bound(all, std::string_view(upper), {}, &ScalarFunction::name);
     return found != all.end() && found->name == upper ? &*found : nullptr;
 }
 

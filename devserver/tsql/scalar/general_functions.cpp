@@ -27,9 +27,7 @@ Value IsNullOr(Values values, Types types) {
 
 /// Raises 4151 if the first argument is the constant NULL, which has no type.
 Type NullIfType(Types types) {
-    if (IsUntypedNull(types[0])) {
-        RaiseError(4151);
-    }
+    RaiseIf(IsUntypedNull(types[0]), 4151);
     RequireComparable(types[0], types[1], "equal to");
     return Settled(types[0]);
 }
@@ -44,9 +42,7 @@ Value NullIf(Values values, Types types) {
 /// Raises 4127 if all arguments are the constant NULL.
 Type CoalesceType(Types types) {
     const Type type = CommonType(types);
-    if (IsUntypedNull(type)) {
-        RaiseError(4127);
-    }
+    RaiseIf(IsUntypedNull(type), 4127);
     return type;
 }
 
@@ -64,9 +60,7 @@ Value Coalesce(Values values, Types types) {
 /// Raises 8133 if all of them are the constant NULL.
 Type ChosenType(Types types) {
     const Type type = CommonType(types.subspan(1));
-    if (IsUntypedNull(type)) {
-        RaiseError(8133);
-    }
+    RaiseIf(IsUntypedNull(type), 8133);
     return type;
 }
 

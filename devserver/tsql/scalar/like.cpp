@@ -181,9 +181,7 @@ std::optional<char32_t> EscapeCharacter(std::string_view text) {
     if (text.empty()) {
         return std::nullopt;
     }
-    if (TextLength(text) != 1) {
-        RaiseError(506, {text, "LIKE"});
-    }
+    RaiseIf(TextLength(text) != 1, 506, {text, "LIKE"});
     std::size_t position = 0;
     return DecodeUtf8(text, position);
 }

@@ -1,11 +1,11 @@
 // Number functions. SQRT and SQUARE compute in float; the others keep the type of their argument.
-#include <array>
 #include <cmath>
 
 #include "devserver/tsql/scalar/arithmetic.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/decimal.h"
 #include "devserver/tsql/scalar/function_tables.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/scalar/sql_error.h"
 
 namespace devsql {
@@ -42,12 +42,8 @@ Type PowerType(Types types) {
 }
 
 Value Float(double value) {
-    if (std::isnan(value)) {
-        RaiseError(kInvalidFloatOperation);
-    }
-    if (std::isinf(value)) {
-        RaiseError(8115, {"expression", TypeName(TypeId::Float)}, 2);
-    }
+    RaiseIf(std::isnan(value), kInvalidFloatOperation);
+    RaiseIf(std::isinf(value), 8115, {"expression", TypeName(TypeId::Float)}, 2);
     return value;
 }
 
@@ -65,43 +61,32 @@ Value Working(Values values, Types types) {
     return Convert(values[0], types[0], WorkingType(types[0]));
 }
 
-bool IsNegative(const Value& value) {
-    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
-        return *integer < 0;
-    }
-    const auto* number = std::get_if<double>(&value);
-    return number != nullptr ? *number < 0 : std::get<Decimal>(value).unscaled < 0;
+/// -1, 0 or 1.
+std::int64_t SignOf(const Value& value) {
+    return std::visit(Overloaded{
+                          [](const Decimal& v) { return std::int64_t{v.unscaled > 0} - (v.unscaled < 0); },
+                          [](std::int64_t v) { return std::int64_t{v > 0} - (v < 0); },
+                          [](double v) { return std::int64_t{v > 0} - (v < 0); },
+                          [](const auto&) { return std::int64_t{0}; },
+                      },
+                      value);
 }
 
 Value Abs(Values values, Types types) {
     const Value value = Working(values, types);
-    return IsNegative(value) ? Evaluate(UnaryOperator::Minus, value, WorkingType(types[0])) : value;
+    return SignOf(value) < 0 ? Evaluate(UnaryOperator::Minus, value, WorkingType(types[0])) : value;
 }
 
 Value Sign(Values values, Types types) {
-    const Type type = WorkingType(types[0]);
-    const Value value = Working(values, types);
-    const bool zero = std::visit(
-        [](const auto& v) {
-            using T = std::decay_t<decltype(v)>;
-            if constexpr (std::is_arithmetic_v<T>) {
-                return v == 0;
-            } else if constexpr (std::is_same_v<T, Decimal>) {
-                return v.unscaled == 0;
-            } else {
-                return false;
-            }
-        },
-        value);
-    const std::int64_t sign = IsNegative(value) ? -1 : static_cast<std::int64_t>(!zero);
-    return Convert(sign, Simple(TypeId::Int), type);
+    return Convert(SignOf(Working(values, types)), Simple(TypeId::Int), WorkingType(types[0]));
 }
 
 /// Down for FLOOR, up for CEILING.
-Value Whole(Values values, Types types, bool up) {
+template <bool Up>
+Value Whole(Values values, Types types) {
     const Value value = Working(values, types);
     if (const auto* number = std::get_if<double>(&value)) {
-        return up ? std::ceil(*number) : std::floor(*number);
+        return Up ? std::ceil(*number) : std::floor(*number);
     }
     const auto* decimal = std::get_if<Decimal>(&value);
     if (decimal == nullptr) {
@@ -109,18 +94,10 @@ Value Whole(Values values, Types types, bool up) {
     }
     Decimal whole = *Rescale(*decimal, 0, Rounding::TowardZero);
     const bool exact = CompareDecimals(whole, *decimal) == 0;
-    if (!exact && (decimal->unscaled > 0) == up) {
-        whole.unscaled += up ? 1 : -1;
+    if (!exact && (decimal->unscaled > 0) == Up) {
+        whole.unscaled += Up ? 1 : -1;
     }
     return Convert(whole, DecimalType(kMaxDigits, 0), WholeType(types));
-}
-
-Value Ceiling(Values values, Types types) {
-    return Whole(values, types, true);
-}
-
-Value Floor(Values values, Types types) {
-    return Whole(values, types, false);
 }
 
 Value RoundFloat(double value, int digits, bool cut) {
@@ -191,8 +168,8 @@ constexpr auto kFloatType = Always<TypeId::Float>;
 constexpr ScalarFunction kFunctions[] = {
     {"ABS", 1, 1, WorkingTypeOfFirst, NullIfAnyNull<Abs>},
     {"SIGN", 1, 1, WorkingTypeOfFirst, NullIfAnyNull<Sign>},
-    {"CEILING", 1, 1, WholeType, NullIfAnyNull<Ceiling>},
-    {"FLOOR", 1, 1, WholeType, NullIfAnyNull<Floor>},
+    {"CEILING", 1, 1, WholeType, NullIfAnyNull<Whole<true>>},
+    {"FLOOR", 1, 1, WholeType, NullIfAnyNull<Whole<false>>},
     {"ROUND", 2, 3, WorkingTypeOfFirst, NullIfAnyNull<Round>},
     {"POWER", 2, 2, PowerType, NullIfAnyNull<Power>},
     {"SQRT", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::sqrt>>},

@@ -1,6 +1,6 @@
 // The placeholders of RAISERROR: "%", flags, width, precision, size and kind, as printf has them.
 #include <algorithm>
-#include <array>
+#include <cstdio>
 #include <cstdlib>
 
 #include "devserver/tsql/scalar/functions.h"
@@ -18,17 +18,13 @@ constexpr std::size_t kParametersBefore = 3;
 /// A longer message is cut to kCutLength and three points.
 constexpr std::size_t kMostLength = 2047;
 constexpr std::size_t kCutLength = 2044;
-constexpr std::size_t kMostWidth = 8000;
+constexpr int kMostWidth = 8000;
 
 struct Placeholder {
-    bool left = false;
-    bool plus = false;
-    bool zeros = false;
-    bool alternate = false;
-    bool blank = false;
+    std::string flags; ///< of printf
     bool wide = false; ///< I64: bigint
-    std::size_t width = 0;
-    std::optional<std::size_t> precision;
+    int width = 0;
+    std::optional<int> precision;
     char kind = 0;
 };
 
@@ -63,38 +59,20 @@ class Formatter {
         return true;
     }
 
-    bool TakeFlag(Placeholder& p) {
-        struct Flag {
-            char sign;
-            bool Placeholder::*member;
-        };
-        constexpr std::array flags = {Flag{'-', &Placeholder::left}, Flag{'+', &Placeholder::plus},
-                                      Flag{'0', &Placeholder::zeros}, Flag{'#', &Placeholder::alternate},
-                                      Flag{' ', &Placeholder::blank}};
-        for (const Flag& flag : flags) {
-            if (Take(flag.sign)) {
-                p.*flag.member = true;
-                return true;
-            }
-        }
-        return false;
-    }
-
     /// Digits, or "*" and an argument.
-    std::size_t ReadCount(Placeholder& p) {
+    int ReadCount(Placeholder& p) {
         if (Take('*')) {
             const FormatArgument* argument = NextArgument();
             const auto* number = argument == nullptr ? nullptr : std::get_if<std::int64_t>(&argument->value);
             if (number == nullptr) {
                 RefuseType();
             }
-            p.left = p.left || *number < 0;
-            const auto most = static_cast<std::int64_t>(kMostWidth);
-            return static_cast<std::size_t>(std::abs(std::clamp(*number, -most, most)));
+            p.flags += *number < 0 ? "-" : "";
+            return static_cast<int>(std::abs(std::clamp<std::int64_t>(*number, -kMostWidth, kMostWidth)));
         }
-        std::size_t count = 0;
+        int count = 0;
         while (Peek() >= '0' && Peek() <= '9') {
-            count = std::min(count * 10 + static_cast<std::size_t>(text_[at_++] - '0'), kMostWidth);
+            count = std::min(count * 10 + (text_[at_++] - '0'), kMostWidth);
         }
         return count;
     }
@@ -102,7 +80,8 @@ class Formatter {
     Placeholder ReadPlaceholder() {
         const std::size_t start = at_++;
         Placeholder p;
-        while (TakeFlag(p)) {
+        while (Peek() != '\0' && std::string_view("-+0# ").find(Peek()) != std::string_view::npos) {
+            p.flags += text_[at_++];
         }
         p.width = ReadCount(p);
         if (Take('.')) {
@@ -137,7 +116,7 @@ class Formatter {
             if (p.kind != 's') {
                 RefuseType();
             }
-            return Pad(p.precision ? SubText(*text, 0, *p.precision) : *text, p);
+            return Pad(p.precision ? SubText(*text, 0, static_cast<std::size_t>(*p.precision)) : *text, p);
         }
         const auto* number = std::get_if<std::int64_t>(&argument->value);
         if (number == nullptr || p.kind == 's' || (argument->type.id == TypeId::BigInt && !p.wide)) {
@@ -146,44 +125,22 @@ class Formatter {
         return FormatNumber(p, *number);
     }
 
-    static std::string Digits(std::uint64_t value, unsigned base, bool upper) {
-        const std::string_view signs = upper ? "0123456789ABCDEF" : "0123456789abcdef";
-        std::string digits;
-        do {
-            digits.insert(digits.begin(), signs[value % base]);
-            value /= base;
-        } while (value != 0);
-        return digits;
-    }
-
     static std::string FormatNumber(const Placeholder& p, std::int64_t value) {
-        std::string sign;
-        std::uint64_t magnitude = 0;
-        unsigned base = 10;
-        if (p.kind == 'd' || p.kind == 'i') {
-            sign = value < 0 ? "-" : p.plus ? "+" : p.blank ? " " : "";
-            magnitude = value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-        } else {
-            // Without sign, in as many bits as the argument has.
-            magnitude = p.wide ? static_cast<std::uint64_t>(value) : static_cast<std::uint32_t>(value);
-            base = p.kind == 'u' ? 10 : p.kind == 'o' ? 8 : 16;
-            if (p.alternate && magnitude != 0) {
-                sign = p.kind == 'o' ? "0" : p.kind == 'u' ? "" : p.kind == 'x' ? "0x" : "0X";
-            }
-        }
-        std::string digits = Digits(magnitude, base, p.kind == 'X');
-        std::size_t least = p.precision.value_or(1);
-        if (p.zeros && !p.left && !p.precision && p.width > sign.size()) {
-            least = p.width - sign.size();
-        }
-        digits.insert(0, least - std::min(least, digits.size()), '0');
-        return Pad(sign + digits, p);
+        // Without sign, it has as many bits as the argument.
+        const bool narrow = p.kind != 'd' && p.kind != 'i' && !p.wide;
+        const auto number = static_cast<long long>(narrow ? static_cast<std::uint32_t>(value) : value);
+        const std::string format = "%" + p.flags + "*.*ll" + p.kind;
+        std::string text(2 * kMostWidth, '\0');
+        const int length = std::snprintf(text.data(), text.size(), format.c_str(), p.width,
+                                         p.precision.value_or(-1), number);
+        text.resize(static_cast<std::size_t>(length));
+        return text;
     }
 
     static std::string Pad(const std::string& text, const Placeholder& p) {
-        const std::size_t length = TextLength(text);
-        const std::string blanks(p.width - std::min(p.width, length), ' ');
-        return p.left ? text + blanks : blanks + text;
+        const auto width = static_cast<std::size_t>(p.width);
+        const std::string blanks(width - std::min(width, TextLength(text)), ' ');
+        return p.flags.find('-') != std::string::npos ? text + blanks : blanks + text;
     }
 
     std::string_view text_;

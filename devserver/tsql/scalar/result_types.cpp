@@ -176,25 +176,16 @@ Type OperatorType(UnaryOperator op, const Type& operand) {
 }
 
 Type SumType(const Type& type) {
-    switch (type.id) {
-    case TinyInt:
-    case SmallInt:
-    case Int:
-        return Simple(Int);
-    case BigInt:
-        return Simple(BigInt);
-    case TypeId::Decimal:
-    case Numeric:
-        return DecimalType(kMaxPrecision, type.scale, type.id);
-    case Money:
-    case SmallMoney:
-        return Simple(Money);
-    case Real:
-    case Float:
-        return Simple(Float);
-    default:
+    if (!IsNumber(type.id) || type.id == Bit) {
         InvalidOperand(type, "sum");
     }
+    if (IsDecimal(type.id)) {
+        return DecimalType(kMaxPrecision, type.scale, type.id);
+    }
+    return Simple(IsMoney(type.id)         ? Money
+                  : IsApproximate(type.id) ? Float
+                  : type.id == BigInt      ? BigInt
+                                           : Int);
 }
 
 Type AverageType(const Type& type) {

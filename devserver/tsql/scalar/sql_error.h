@@ -55,5 +55,12 @@ SqlError ErrorOf(std::int32_t number, std::initializer_list<std::string_view> ar
 /// Throws ErrorOf(number, arguments, state).
 [[noreturn]] void RaiseError(std::int32_t number, std::initializer_list<std::string_view> arguments = {},
                              std::uint8_t state = 1);
+/// The same where the condition holds.
+inline void RaiseIf(bool condition, std::int32_t number,
+                    std::initializer_list<std::string_view> arguments = {}, std::uint8_t state = 1) {
+    if (condition) {
+        RaiseError(number, arguments, state);
+    }
+}
 
 } // namespace devsql

@@ -1,10 +1,11 @@
-// String functions that cut, join and repeat. Positions and lengths count UTF-16 units.
+// String functions. Positions and lengths count UTF-16 units.
 #include <algorithm>
 #include <cmath>
 
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/conversion_parts.h"
 #include "devserver/tsql/scalar/function_tables.h"
+#include "devserver/tsql/scalar/like.h"
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 
@@ -52,17 +53,13 @@ Value DataLength(Values values, Types types) {
 
 Value Left(Values values, Types types) {
     const std::int64_t count = IntOf(values[1], types[1]);
-    if (count < 0) {
-        RaiseError(kInvalidLeftLength);
-    }
+    RaiseIf(count < 0, kInvalidLeftLength);
     return SubText(TextOf(values[0], types[0]), 0, CountOf(count));
 }
 
 Value Right(Values values, Types types) {
     const std::int64_t count = IntOf(values[1], types[1]);
-    if (count < 0) {
-        RaiseError(kInvalidLength, {"right"});
-    }
+    RaiseIf(count < 0, kInvalidLength, {"right"});
     const std::string text = TextOf(values[0], types[0]);
     const std::size_t length = TextLength(text);
     return SubText(text, length - std::min(length, CountOf(count)));
@@ -78,9 +75,7 @@ Type SubstringType(Types types) {
 Value Substring(Values values, Types types) {
     const std::int64_t start = IntOf(values[1], types[1]);
     const std::int64_t count = IntOf(values[2], types[2]);
-    if (count < 0) {
-        RaiseError(kInvalidLeftLength);
-    }
+    RaiseIf(count < 0, kInvalidLeftLength);
     // Positions before the first character count, but no character is there.
     const std::int64_t first = std::max<std::int64_t>(start, 1);
     const std::size_t room = CountOf(std::max<std::int64_t>(0, start + count - first));
@@ -99,21 +94,11 @@ Value Lower(Values values, Types types) {
     return ToLower(TextOf(values[0], types[0]));
 }
 
-std::string WithoutLeadingBlanks(const std::string& text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    return first == std::string::npos ? std::string() : text.substr(first);
-}
-
-Value LTrim(Values values, Types types) {
-    return WithoutLeadingBlanks(TextOf(values[0], types[0]));
-}
-
-Value RTrim(Values values, Types types) {
-    return std::string(TrimTrailingBlanks(TextOf(values[0], types[0])));
-}
-
+template <bool Left, bool Right>
 Value Trim(Values values, Types types) {
-    return std::string(TrimTrailingBlanks(WithoutLeadingBlanks(TextOf(values[0], types[0]))));
+    const std::string text = TextOf(values[0], types[0]);
+    const std::string rest = Left ? text.substr(std::min(text.find_first_not_of(' '), text.size())) : text;
+    return Right ? std::string(TrimTrailingBlanks(rest)) : rest;
 }
 
 Value Replicate(Values values, Types types) {
@@ -219,6 +204,113 @@ Value Str(Values values, Types types) {
     return text.size() > room ? std::string(room, '*') : std::string(room - text.size(), ' ') + text;
 }
 
+// ------------------------------------------------------------------ looking for something
+
+/// In one case, so that equal units are equal letters.
+std::u16string Folded(const std::string& text) {
+    std::u16string units = ToUtf16(text);
+    for (char16_t& unit : units) {
+        unit = static_cast<char16_t>(ToLower(static_cast<char32_t>(unit)));
+    }
+    return units;
+}
+
+Value CharIndex(Values values, Types types) {
+    const std::u16string what = Folded(TextOf(values[0], types[0]));
+    const std::u16string text = Folded(TextOf(values[1], types[1]));
+    const std::int64_t start = values.size() > 2 ? IntOf(values[2], types[2]) : 1;
+    const auto from = static_cast<std::size_t>(std::max<std::int64_t>(start, 1) - 1);
+    if (what.empty()) {
+        return std::int64_t{0};
+    }
+    const std::size_t found = text.find(what, from);
+    return found == std::u16string::npos ? std::int64_t{0} : static_cast<std::int64_t>(found) + 1;
+}
+
+Value PatIndexOf(Values values, Types types) {
+    return PatIndex(TextOf(values[0], types[0]), TextOf(values[1], types[1]));
+}
+
+Type ReplaceType(Types types) {
+    Type type = WideTextTypeOf(types[0]);
+    for (const Type& other : types.subspan(1)) {
+        type = CommonType(type, WideTextTypeOf(other));
+    }
+    return type;
+}
+
+Value Replace(Values values, Types types) {
+    const std::string text = TextOf(values[0], types[0]);
+    const std::u16string units = ToUtf16(text);
+    const std::u16string folded = Folded(text);
+    const std::u16string what = Folded(TextOf(values[1], types[1]));
+    const std::u16string with = ToUtf16(TextOf(values[2], types[2]));
+    if (what.empty()) {
+        return text;
+    }
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = folded.find(what, at)) != std::u16string::npos; at += what.size()) {
+        ++count;
+    }
+    RequireRoom(units.size() - count * what.size() + count * with.size());
+    std::u16string result;
+    std::size_t at = 0;
+    for (std::size_t found = 0; (found = folded.find(what, at)) != std::u16string::npos;
+         at = found + what.size()) {
+        result.append(units, at, found - at).append(with);
+    }
+    return FitText(FromUtf16(result + units.substr(at)), ReplaceType(types));
+}
+
+Value QuoteName(Values values, Types types) {
+    // The mark that may be given, at the same place the mark that opens, and the one that closes.
+    constexpr std::string_view kGiven = "[]'\"()<>{}`";
+    constexpr std::string_view kOpening = "[['\"((<<{{`";
+    constexpr std::string_view kClosing = "]]'\"))>>}}`";
+    const std::string name = TextOf(values[0], types[0]);
+    const std::string mark = values.size() > 1 ? TextOf(values[1], types[1]) : "[";
+    constexpr std::size_t most = 128;
+    const std::size_t found = mark.empty() ? std::string_view::npos : kGiven.find(mark[0]);
+    if (TextLength(name) > most || found == std::string_view::npos) {
+        return {};
+    }
+    std::string quoted(1, kOpening[found]);
+    for (const char c : name) {
+        quoted.append(c == kClosing[found] ? 2 : 1, c);
+    }
+    return quoted + kClosing[found];
+}
+
+// ------------------------------------------------------------------ single characters
+
+Value Char(Values values, Types types) {
+    const std::int64_t code = IntOf(values[0], types[0]);
+    if (code < 0 || code > 255) {
+        return {};
+    }
+    return FromCodePage1252(std::string(1, static_cast<char>(code)));
+}
+
+Value Ascii(Values values, Types types) {
+    const std::string bytes = ToCodePage1252(TextOf(values[0], types[0]));
+    return bytes.empty() ? Value{} : Value(std::int64_t{static_cast<unsigned char>(bytes.front())});
+}
+
+Value NChar(Values values, Types types) {
+    const std::int64_t code = IntOf(values[0], types[0]);
+    if (code < 0 || code > 0xFFFF) {
+        return {};
+    }
+    std::string text;
+    AppendUtf8(text, static_cast<char32_t>(code));
+    return text;
+}
+
+Value Unicode(Values values, Types types) {
+    const std::u16string units = ToUtf16(TextOf(values[0], types[0]));
+    return units.empty() ? Value{} : Value(std::int64_t{units.front()});
+}
+
 constexpr ScalarFunction kFunctions[] = {
     {"LEN", 1, 1, LengthType, NullIfAnyNull<Len>},
     {"DATALENGTH", 1, 1, LengthType, NullIfAnyNull<DataLength>, true},
@@ -227,15 +319,23 @@ constexpr ScalarFunction kFunctions[] = {
     {"SUBSTRING", 3, 3, SubstringType, NullIfAnyNull<Substring>, true},
     {"UPPER", 1, 1, TextOfFirst, NullIfAnyNull<Upper>},
     {"LOWER", 1, 1, TextOfFirst, NullIfAnyNull<Lower>},
-    {"LTRIM", 1, 1, TextOfFirst, NullIfAnyNull<LTrim>},
-    {"RTRIM", 1, 1, TextOfFirst, NullIfAnyNull<RTrim>},
-    {"TRIM", 1, 1, TextOfFirst, NullIfAnyNull<Trim>},
+    {"LTRIM", 1, 1, TextOfFirst, NullIfAnyNull<Trim<true, false>>},
+    {"RTRIM", 1, 1, TextOfFirst, NullIfAnyNull<Trim<false, true>>},
+    {"TRIM", 1, 1, TextOfFirst, NullIfAnyNull<Trim<true, true>>},
     {"REPLICATE", 2, 2, WideTextOfFirst, NullIfAnyNull<Replicate>},
     {"SPACE", 1, 1, Always<TypeId::VarChar, 8000>, NullIfAnyNull<Space>},
     {"REVERSE", 1, 1, TextOfFirst, NullIfAnyNull<Reverse>},
     {"STUFF", 4, 4, StuffType, Stuff},
     {"CONCAT", 2, kAnyNumber, ConcatType, Concat},
     {"STR", 1, 3, Always<TypeId::VarChar, 8000>, NullIfAnyNull<Str>},
+    {"CHARINDEX", 2, 3, Always<TypeId::Int>, NullIfAnyNull<CharIndex>, true},
+    {"PATINDEX", 2, 2, Always<TypeId::Int>, NullIfAnyNull<PatIndexOf>, true},
+    {"REPLACE", 3, 3, ReplaceType, NullIfAnyNull<Replace>},
+    {"QUOTENAME", 1, 2, Always<TypeId::NVarChar, 258>, NullIfAnyNull<QuoteName>},
+    {"CHAR", 1, 1, Always<TypeId::Char, 1>, NullIfAnyNull<Char>},
+    {"ASCII", 1, 1, Always<TypeId::Int>, NullIfAnyNull<Ascii>},
+    {"NCHAR", 1, 1, Always<TypeId::NChar, 1>, NullIfAnyNull<NChar>},
+    {"UNICODE", 1, 1, Always<TypeId::Int>, NullIfAnyNull<Unicode>},
 };
 
 } // namespace

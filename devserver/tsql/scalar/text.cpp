@@ -105,22 +105,11 @@ std::string FromUtf16(std::u16string_view text) {
 }
 
 std::string ToUtf16Le(std::string_view text) {
-    std::string bytes;
-    bytes.reserve(text.size() * 2);
-    for (const char16_t unit : ToUtf16(text)) {
-        bytes += static_cast<char>(unit & 0xFF);
-        bytes += static_cast<char>(unit >> 8);
-    }
-    return bytes;
+    return text::ToUtf16Bytes(ToUtf16(text));
 }
 
 std::string FromUtf16Le(std::string_view bytes) {
-    std::string result;
-    result.reserve(bytes.size());
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        AppendUtf8(result, static_cast<char32_t>(ByteAt(bytes, i) | (ByteAt(bytes, i + 1) << 8)));
-    }
-    return result;
+    return FromUtf16(text::FromUtf16Bytes(bytes));
 }
 
 std::string ToCodePage1252(std::string_view text) {
@@ -243,7 +232,13 @@ std::vector<std::string_view> WordsOf(std::string_view list) {
 }
 
 bool ListHas(std::string_view list, std::string_view word) {
-    return std::ranges::any_of(WordsOf(list), [&](std::string_view item) { return AsciiEqual(item, word); });
+    for (std::size_t begin = 0, end = 0; begin <= list.size(); begin = end + 1) {
+        end = std::min(list.find(',', begin), list.size());
+        if (AsciiEqual(list.substr(begin, end - begin), word)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace devsql

@@ -77,67 +77,13 @@ Type CommonDecimal(const Type& a, const Type& b) {
 
 } // namespace
 
-bool IsInteger(TypeId id) {
-    return id == TinyInt || id == SmallInt || id == Int || id == BigInt;
-}
-
-bool IsDecimal(TypeId id) {
-    return id == TypeId::Decimal || id == Numeric;
-}
-
-bool IsMoney(TypeId id) {
-    return id == Money || id == SmallMoney;
-}
-
-bool IsApproximate(TypeId id) {
-    return id == Real || id == Float;
-}
-
-bool IsNumber(TypeId id) {
-    return id == Bit || IsInteger(id) || IsDecimal(id) || IsMoney(id) || IsApproximate(id);
-}
-
-bool IsDateTime(TypeId id) {
-    return id == TypeId::DateTime || id == SmallDateTime || id == Date;
-}
-
-bool IsCharacter(TypeId id) {
-    return id == Char || id == VarChar || id == Text || IsUnicode(id);
-}
-
-bool IsUnicode(TypeId id) {
-    return id == NChar || id == NVarChar || id == NText;
-}
-
-bool IsBinary(TypeId id) {
-    return id == Binary || id == VarBinary || id == Image || id == Timestamp;
-}
-
-bool IsFixedLength(TypeId id) {
-    return id == Char || id == NChar || id == Binary;
-}
-
-bool IsOldLob(TypeId id) {
-    return id == Text || id == NText || id == Image;
-}
-
-bool HasLength(TypeId id) {
-    return IsFixedLength(id) || id == VarChar || id == NVarChar || id == VarBinary;
-}
-
 Type Settled(const Type& type) {
     return type.id == Int ? Simple(Int) : type;
 }
 
 Allowed ConversionAllowed(TypeId from, TypeId to) {
-    switch (kConversions.at(KindOf(from)).at(KindOf(to))) {
-    case 'i':
-        return Allowed::Implicit;
-    case 'e':
-        return Allowed::Explicit;
-    default:
-        return Allowed::Never;
-    }
+    const char allowed = kConversions.at(KindOf(from)).at(KindOf(to));
+    return allowed == 'i' ? Allowed::Implicit : allowed == 'e' ? Allowed::Explicit : Allowed::Never;
 }
 
 void RequireImplicit(TypeId from, TypeId to) {
@@ -193,9 +139,7 @@ Type CommonType(std::span<const Type> types) {
 }
 
 void RequireComparable(const Type& left, const Type& right, std::string_view op) {
-    if (IsOldLob(left.id) || IsOldLob(right.id)) {
-        RaiseError(402, {TypeName(left.id), TypeName(right.id), op});
-    }
+    RaiseIf(IsOldLob(left.id) || IsOldLob(right.id), 402, {TypeName(left.id), TypeName(right.id), op});
     CommonType(left, right);
 }
 

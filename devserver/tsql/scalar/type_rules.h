@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <span>
 #include <string>
@@ -15,18 +16,39 @@ namespace devsql {
 
 // ------------------------------------------------------------------ kinds of types
 
-bool IsInteger(TypeId id);     ///< tinyint, smallint, int, bigint (not bit)
-bool IsDecimal(TypeId id);     ///< decimal, numeric
-bool IsMoney(TypeId id);       ///< money, smallmoney
-bool IsApproximate(TypeId id); ///< real, float
-bool IsNumber(TypeId id);      ///< all of the above and bit
-bool IsDateTime(TypeId id);    ///< datetime, smalldatetime, date
-bool IsCharacter(TypeId id);   ///< char, varchar, nchar, nvarchar, text, ntext
-bool IsUnicode(TypeId id);     ///< nchar, nvarchar, ntext
-bool IsBinary(TypeId id);      ///< binary, varbinary, image, timestamp
-bool IsFixedLength(TypeId id); ///< char, nchar, binary: padded to their length
-bool IsOldLob(TypeId id);      ///< text, ntext, image: neither compared nor computed with
-bool HasLength(TypeId id);     ///< declared with a length
+/// A kind of types. It is called with a TypeId, as a function is.
+class TypeSet {
+  public:
+    constexpr TypeSet(std::initializer_list<TypeId> ids) {
+        for (const TypeId id : ids) {
+            bits_ |= std::uint64_t{1} << static_cast<unsigned>(id);
+        }
+    }
+    constexpr bool operator()(TypeId id) const { return (bits_ >> static_cast<unsigned>(id) & 1) != 0; }
+    constexpr TypeSet operator|(TypeSet other) const {
+        other.bits_ |= bits_;
+        return other;
+    }
+
+  private:
+    std::uint64_t bits_ = 0;
+};
+
+inline constexpr TypeSet IsInteger{TypeId::TinyInt, TypeId::SmallInt, TypeId::Int, TypeId::BigInt}; // not bit
+inline constexpr TypeSet IsDecimal{TypeId::Decimal, TypeId::Numeric};
+inline constexpr TypeSet IsMoney{TypeId::Money, TypeId::SmallMoney};
+inline constexpr TypeSet IsApproximate{TypeId::Real, TypeId::Float};
+inline constexpr TypeSet IsNumber = IsInteger | IsDecimal | IsMoney | IsApproximate | TypeSet{TypeId::Bit};
+inline constexpr TypeSet IsDateTime{TypeId::DateTime, TypeId::SmallDateTime, TypeId::Date};
+inline constexpr TypeSet IsUnicode{TypeId::NChar, TypeId::NVarChar, TypeId::NText};
+inline constexpr TypeSet IsCharacter = IsUnicode | TypeSet{TypeId::Char, TypeId::VarChar, TypeId::Text};
+inline constexpr TypeSet IsBinary{TypeId::Binary, TypeId::VarBinary, TypeId::Image, TypeId::Timestamp};
+inline constexpr TypeSet IsFixedLength{TypeId::Char, TypeId::NChar, TypeId::Binary}; // padded to their length
+inline constexpr TypeSet IsOldLob{TypeId::Text, TypeId::NText,
+                                  TypeId::Image}; // not compared or computed with
+/// Declared with a length.
+inline constexpr TypeSet HasLength =
+    IsFixedLength | TypeSet{TypeId::VarChar, TypeId::NVarChar, TypeId::VarBinary};
 
 // ------------------------------------------------------------------ making types
 

@@ -106,9 +106,7 @@ Type DeclaredDecimal(TypeId id, std::int64_t precision, std::int64_t scale, cons
     if (precision > kMaxPrecision) {
         RefusePrecision(place, precision, kMaxPrecision);
     }
-    if (scale < 0 || scale > precision) {
-        RaiseError(192);
-    }
+    RaiseIf(scale < 0 || scale > precision, 192);
     return DecimalType(static_cast<int>(precision), static_cast<int>(scale), id);
 }
 
@@ -162,9 +160,7 @@ std::optional<TypeId> FindTypeId(std::string_view name) {
 Type DeclaredType(TypeId id, std::optional<std::int64_t> first, std::optional<std::int64_t> second, bool max,
                   std::int32_t default_length, const DeclarationPlace& place) {
     if (max) {
-        if (id != VarChar && id != NVarChar && id != VarBinary) {
-            RaiseError(102, {"max"});
-        }
+        RaiseIf(id != VarChar && id != NVarChar && id != VarBinary, 102, {"max"});
         return Sized(id, kMaxLength);
     }
     if (IsDecimal(id)) {

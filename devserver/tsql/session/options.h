@@ -5,7 +5,7 @@
 #include <map>
 #include <string>
 
-#include "devserver/tsql/scalar/date_settings.h"
+#include "devserver/tsql/scalar/date_parser.h"
 
 namespace devsql {
 
