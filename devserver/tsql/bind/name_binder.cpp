@@ -19,6 +19,17 @@ bool IsTransitionTable(const TableDef& table) {
            table.physical == table.name + std::to_string(table.id);
 }
 
+/// A table variable or a temporary table. Raises 1087, 208.
+TablePtr LocalTable(SessionCore& session, const ast::Name& name) {
+    const bool variable = name.last().starts_with("@");
+    TablePtr table =
+        variable ? session.calls().FindTableVariable(name.last()) : session.temporaries().Find(name.last());
+    if (!table) {
+        RaiseError(variable ? 1087 : 208, {variable ? name.last() : name.text()});
+    }
+    return table;
+}
+
 /// True if a name such as "b.BatchId" or "dbo.Batches.BatchId" may mean a column of this source.
 bool Names(const ScopeSource& source, const ast::Name& name) {
     const std::size_t qualifiers = name.parts.size() - 1;
@@ -78,7 +89,7 @@ std::string NameBinder::Source(const ast::NamedSource& named, Scope& scope) {
         }
     }
     if (last.starts_with("@") || IsSessionTable(last)) {
-        return LocalTable(naming);
+        return AddTable(naming, LocalTable(session_, named.name));
     }
     if (named.name.parts.size() == 1) {
         if (const CommonTables::Entry* entry = FindCommon(last)) {
@@ -95,18 +106,6 @@ std::string NameBinder::AddTable(const Naming& naming, const TablePtr& table) {
     naming.scope.sources.push_back(SourceOf(table, naming.exposed, naming.alias));
     naming.scope.sources.back().name = naming.named.name;
     return table->Qualified() + " AS " + naming.alias;
-}
-
-/// A table variable or a temporary table.
-std::string NameBinder::LocalTable(const Naming& naming) {
-    const std::string& name = naming.named.name.last();
-    const bool variable = name.starts_with("@");
-    const TablePtr table =
-        variable ? session_.calls().FindTableVariable(name) : session_.temporaries().Find(name);
-    if (!table) {
-        RaiseError(variable ? 1087 : 208, {variable ? name : naming.named.name.text()});
-    }
-    return AddTable(naming, table);
 }
 
 std::string NameBinder::CommonTable(const Naming& naming, const CommonTables::Entry& entry) {
@@ -231,18 +230,8 @@ std::shared_ptr<RemoteTable> NameBinder::Remote(const ast::Name& name) {
 
 Target NameBinder::WriteTarget(const ast::Name& name) {
     Target target;
-    if (name.last().starts_with("@")) {
-        target.table = session_.calls().FindTableVariable(name.last());
-        if (!target.table) {
-            RaiseError(1087, {name.last()});
-        }
-        return target;
-    }
-    if (IsSessionTable(name.last())) {
-        target.table = session_.temporaries().Find(name.last());
-        if (!target.table) {
-            RaiseError(208, {name.text()});
-        }
+    if (name.last().starts_with("@") || IsSessionTable(name.last())) {
+        target.table = LocalTable(session_, name);
         return target;
     }
     RaiseIf(name.parts.size() == 1 && session_.calls().FindTableVariable(name.last()), 286);

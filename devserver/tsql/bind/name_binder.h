@@ -34,7 +34,6 @@ class NameBinder : private BinderPart {
         Scope& scope;
     };
     std::string AddTable(const Naming& naming, const TablePtr& table);
-    std::string LocalTable(const Naming& naming);
     std::string CommonTable(const Naming& naming, const CommonTables::Entry& entry);
     std::string LinkedTable(const Naming& naming);
     std::string CatalogueTable(const Naming& naming);

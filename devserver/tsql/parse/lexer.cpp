@@ -1,7 +1,7 @@
 // Splits T-SQL text into tokens; see lexer.h.
 #include "devserver/tsql/parse/lexer.h"
 
-#include <array>
+#include <algorithm>
 
 #include "devserver/tsql/parse/located_error.h"
 #include "devserver/tsql/scalar/text.h"
@@ -30,11 +30,9 @@ bool IsBlank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r') || c == '\x1A';
 }
 
-/// Longest first, so that the first match is the right one.
-constexpr std::array<std::string_view, 27> kSymbols = {
-    "<=", ">=", "<>", "!=", "!<", "!>", "+=", "-=", "*=", "/=", "%=", "::", "=", "<",
-    ">",  "+",  "-",  "*",  "/",  "%",  "&",  "|",  "^",  "~",  "(",  ")",  ","};
-constexpr std::string_view kLoneSymbols = ".;:{}";
+constexpr std::string_view kPairs[] = {"<=", ">=", "<>", "!=", "!<", "!>",
+                                       "+=", "-=", "*=", "/=", "%=", "::"};
+constexpr std::string_view kLoneSymbols = "=<>+-*/%&|^~(),.;:{}";
 
 class Lexer {
   public:
@@ -221,26 +219,18 @@ class Lexer {
         }
         if (At() == '.') {
             Advance();
-            while (IsDigit(At())) {
-                Advance();
-            }
+            Digits();
         }
         Add(TokenKind::Money, std::string(source_.substr(begin_, position_ - begin_)));
     }
 
     void Symbol() {
-        for (const std::string_view symbol : kSymbols) {
-            if (source_.substr(position_, symbol.size()) == symbol) {
-                Advance(symbol.size());
-                Add(TokenKind::Symbol, std::string(symbol));
-                return;
-            }
-        }
-        const std::string text(1, At());
-        if (kLoneSymbols.find(At()) == std::string_view::npos) {
+        const bool pair = std::ranges::count(kPairs, source_.substr(position_, 2)) != 0;
+        const std::string text(source_.substr(position_, pair ? 2 : 1));
+        if (!pair && kLoneSymbols.find(At()) == std::string_view::npos) {
             RaiseError(102, {text});
         }
-        Advance();
+        Advance(text.size());
         Add(TokenKind::Symbol, text);
     }
 

@@ -241,6 +241,8 @@ class Parser {
     ast::StatementPtr ParseCreateIndex();
     ast::StatementPtr ParseDropIndex();
     ast::StatementPtr ParseModule(ast::ObjectKind kind, bool alter, bool or_alter);
+    void ParseModuleOptions(ast::CreateModuleStatement& module,
+                            std::initializer_list<std::string_view> others);
     ast::CreateModuleStatement ParseProcedureModule();
     ast::CreateModuleStatement ParseViewModule();
     ast::CreateModuleStatement ParseFunctionModule();

@@ -49,15 +49,7 @@ CreateModuleStatement Parser::ParseProcedureModule() {
     if (parenthesis) {
         ExpectSymbol(")");
     }
-    if (TakeWord("WITH")) {
-        CommaSeparated([&] {
-            if (TakeWord("ENCRYPTION")) {
-                module.encrypted = true;
-            } else if (!TakeWord("RECOMPILE")) {
-                ParseExecuteAs();
-            }
-        });
-    }
+    ParseModuleOptions(module, {"RECOMPILE"});
     TakeWords({"FOR", "REPLICATION"}); // No effect: the procedure runs like any other.
     ExpectWord("AS");
     module.body = ParseStatementsUntilEnd();
@@ -79,21 +71,30 @@ CreateModuleStatement Parser::ParseFunctionModule() {
     result.type = ParseType();
     result.output = true;
     module.parameters.push_back(std::move(result));
-    if (TakeWord("WITH")) {
-        CommaSeparated([&] {
-            if (TakeWord("ENCRYPTION")) {
-                module.encrypted = true;
-            } else if (!TakeWord("SCHEMABINDING") && !TakeWords({"CALLED", "ON", "NULL", "INPUT"})) {
-                ParseExecuteAs();
-            }
-        });
-    }
+    ParseModuleOptions(module, {"SCHEMABINDING", "CALLED"});
     TakeWord("AS");
     SyntaxErrorIf(!IsWord("BEGIN"));
     module.body.push_back(ParseStatement());
     SkipSemicolons();
     ExpectEnd();
     return module;
+}
+
+/// WITH ENCRYPTION, EXECUTE AS and the options in `others`, which have no effect.
+void Parser::ParseModuleOptions(CreateModuleStatement& module,
+                                std::initializer_list<std::string_view> others) {
+    if (!TakeWord("WITH")) {
+        return;
+    }
+    CommaSeparated([&] {
+        if (TakeWord("ENCRYPTION")) {
+            module.encrypted = true;
+        } else if (const int other = TakeOneOf(others); other < 0) {
+            ParseExecuteAs();
+        } else if (*(others.begin() + other) == "CALLED" && !TakeWords({"ON", "NULL", "INPUT"})) {
+            SyntaxError();
+        }
+    });
 }
 
 /// WITH EXECUTE AS CALLER, OWNER or SELF: no effect, because every login may do everything.
@@ -151,15 +152,7 @@ CreateModuleStatement Parser::ParseTriggerModule() {
     ExpectWord("ON");
     UnsupportedIf(IsWord("DATABASE") || (IsWord("ALL") && IsWord("SERVER", 1)), "DDL trigger");
     module.table = TakeObjectName();
-    if (TakeWord("WITH")) {
-        CommaSeparated([&] {
-            if (TakeWord("ENCRYPTION")) {
-                module.encrypted = true;
-            } else {
-                ParseExecuteAs();
-            }
-        });
-    }
+    ParseModuleOptions(module, {});
     UnsupportedIf(IsWord("INSTEAD") && IsWord("OF", 1), "INSTEAD OF trigger");
     ExpectOneOf({"FOR", "AFTER"});
     module.events = ParseTriggerEvents();

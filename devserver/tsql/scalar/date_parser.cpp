@@ -219,23 +219,16 @@ std::optional<Date> SeparatedDate(const Tokens& t, DateOrder order) {
     if (!form) {
         return std::nullopt;
     }
-    const Token& a = t[0];
-    const Token& b = t[2];
-    const Token& c = t[4];
-    const auto is_year = [](const Token& token) { return token.Digits() == 4; };
-    if (is_year(a)) {
-        return order == DateOrder::DayMonthYear ? Date{a.number, c.number, b.number}
-                                                : Date{a.number, b.number, c.number};
-    }
-    if (is_year(b)) {
-        return order == DateOrder::DayMonthYear ? Date{b.number, c.number, a.number}
-                                                : Date{b.number, a.number, c.number};
-    }
-    if (is_year(c) || order != DateOrder::YearMonthDay) {
-        return order == DateOrder::DayMonthYear ? Date{FullYear(c), b.number, a.number}
-                                                : Date{FullYear(c), a.number, b.number};
-    }
-    return Date{FullYear(a), b.number, c.number};
+    // Four digits are a year. The other two numbers come in the order that is set.
+    const std::array parts = {&t[0], &t[2], &t[4]};
+    const auto found = std::ranges::find_if(parts, [](const Token* part) { return part->Digits() == 4; });
+    const std::size_t year = found != parts.end() ? static_cast<std::size_t>(found - parts.begin())
+                             : order == DateOrder::YearMonthDay ? 0
+                                                                : 2;
+    const std::int32_t first = parts[year == 0 ? 1 : 0]->number;
+    const std::int32_t second = parts[year == 2 ? 1 : 2]->number;
+    return order == DateOrder::DayMonthYear ? Date{FullYear(*parts[year]), second, first}
+                                            : Date{FullYear(*parts[year]), first, second};
 }
 
 /// A month by name with a year and perhaps a day, in any order.
