@@ -6,12 +6,12 @@
 
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/parse/located_error.h"
-#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/run/bulk_insert.h"
 #include "devserver/tsql/run/statements.h"
 #include "devserver/tsql/run/system_call.h"
 #include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/overloaded.h"
 #include "devserver/tsql/session/server.h"
 
 namespace devsql {
