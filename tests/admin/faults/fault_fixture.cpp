@@ -108,7 +108,6 @@ const std::string& StateBefore(const FaultyOperation& operation, std::size_t ste
 void RunWithoutFault(const FaultyOperation& operation, const std::filesystem::path& model) {
     FaultFixture fixture(model);
     EXPECT_EQ(operation.state(fixture), operation.state_before);
-    support::TakeTimeOuts(); // drops those of the preparation
     EXPECT_TRUE(operation.run(fixture));
     EXPECT_EQ(support::TakeTimeOuts(), std::set<std::uintptr_t>{300});
     EXPECT_EQ(EventsOf(fixture), EventsUpTo(operation.steps, operation.steps.size() - 1));
@@ -212,6 +211,7 @@ ado::Connection FaultFixture::Connect(const std::string& database) const {
 }
 
 Lines FaultFixture::Ask(const std::string& database, const std::string& statement) const {
+    const support::FullTimeOuts full;
     std::optional<ado::Connection> own;
     std::optional<ado::Connection>& connection = database == "master" ? master_ : own;
     if (!connection) {
