@@ -10,5 +10,5 @@ namespace {
 /// The C library (2.36) leaks its list of the folders in LOCPATH whenever a locale is made. The leak
 /// sanitizer calls this function by its name.
 extern "C" const char* __lsan_default_suppressions() {
-    return "leak:__argz_add_sep";
+    return "leak:argz_add_sep";
 }
