@@ -11,7 +11,8 @@ namespace devsql::tds {
 
 namespace {
 
-/// Bytes of full packets that are sent by one call of the system.
+/// Bytes of full packets that are sent by one call of the system. The first so many of an answer are sent one
+/// by one: a statement that then waits or works for long must not keep them from the client.
 constexpr std::size_t kSentTogether = std::size_t{64} * 1024;
 /// A full packet is not kept back when this time has passed since the last call: the rows come slowly then,
 /// and the client can work on those that are there.
@@ -109,7 +110,8 @@ void PacketWriter::Append(std::string_view bytes) {
         // A full packet is completed only when more follows: the last one has to say that it is the last.
         if (PacketBytes() >= packet_size_) {
             EndPacket(false);
-            if (packet_ >= kSentTogether || std::chrono::steady_clock::now() - sent_ >= kLongestKept) {
+            if (answered_ < kSentTogether || packet_ >= kSentTogether ||
+                std::chrono::steady_clock::now() - sent_ >= kLongestKept) {
                 Send();
             }
         }
@@ -130,6 +132,7 @@ void PacketWriter::EndMessage() {
     EndPacket(true);
     packet_number_ = 1;
     Send();
+    answered_ = 0;
 }
 
 void PacketWriter::EndPacket(bool last) {
@@ -146,6 +149,7 @@ void PacketWriter::EndPacket(bool last) {
 
 void PacketWriter::Send() {
     socket_.Write(std::string_view(buffer_).substr(0, packet_));
+    answered_ += packet_;
     buffer_.erase(0, packet_);
     packet_ = 0;
     sent_ = std::chrono::steady_clock::now();

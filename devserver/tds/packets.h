@@ -53,8 +53,9 @@ ClientPacket ReadNextPacket(const Socket& socket, PacketType type, const ReadWai
 /// Both: the next message, nothing when the peer closed between two messages.
 std::optional<ClientMessage> ReadMessage(const Socket& socket, std::size_t limit, const ReadWait& wait = {});
 
-/// Cuts an answer into packets. Full packets are gathered, so that one call of the system sends many of them
-/// and the client is not woken for each; those that fill slowly are sent one by one. Throws ConnectionLost.
+/// Cuts an answer into packets. The full packets of a long answer are gathered, so that one call of the
+/// system sends many of them and the client is not woken for each; the first ones, and those that fill
+/// slowly, are sent one by one. Throws ConnectionLost.
 class PacketWriter {
   public:
     explicit PacketWriter(const Socket& socket) : socket_(socket) { BeginPacket(); }
@@ -77,8 +78,9 @@ class PacketWriter {
     void Send();
 
     const Socket& socket_;
-    std::string buffer_;     ///< full packets, then the current one
-    std::size_t packet_ = 0; ///< where the current packet begins
+    std::string buffer_;       ///< full packets, then the current one
+    std::size_t packet_ = 0;   ///< where the current packet begins
+    std::size_t answered_ = 0; ///< bytes of the current answer that were sent
     std::chrono::steady_clock::time_point sent_{};
     std::size_t packet_size_ = kLoginPacket;
     std::uint16_t session_id_ = 0;

@@ -99,6 +99,24 @@ TEST(TdsPacketWriter, AnAnswerIsSplitIntoFullPacketsAndALastOne) {
     EXPECT_EQ(Hex(sent.substr(512)), "04 01 00 09 01 34 02 00 78");
 }
 
+TEST(TdsPacketWriter, TheFirstFullPacketsOfAnAnswerAreSentOneByOne) {
+    const auto [client, server] = SocketPair();
+    PacketWriter writer(server);
+    const std::string packet(kLoginPacket - kHeaderSize, 'x');
+    for (int answer = 0; answer < 2; ++answer) {
+        writer.Append(packet);
+        for (int i = 0; i < 16; ++i) {
+            writer.Append(packet);
+            ASSERT_TRUE(client.WaitReadable(std::chrono::seconds(5))) << i;
+            std::string sent(kLoginPacket, '\0');
+            client.ReadExactly(sent.data(), sent.size());
+        }
+        writer.EndMessage();
+        std::string last(kLoginPacket, '\0');
+        client.ReadExactly(last.data(), last.size());
+    }
+}
+
 TEST(TdsPacketWriter, FullPacketsAreGatheredUpToALimit) {
     const auto [client, server] = SocketPair();
     PacketWriter writer(server);
