@@ -468,7 +468,9 @@ void RunDropIndex(SessionCore& session, const ast::DropIndexStatement& drop) {
                 throw;
             }
         }
-        const auto is_named = [&](const IndexDef& index) { return SameText(index.name, index_name); };
+        const auto is_named = [&wanted = index_name](const IndexDef& index) {
+            return SameText(index.name, wanted);
+        };
         const std::vector<IndexDef> indexes = target.table ? target.table->indexes : std::vector<IndexDef>();
         const auto found = std::ranges::find_if(indexes, is_named);
         if (found == indexes.end()) {

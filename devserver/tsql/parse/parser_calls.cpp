@@ -257,8 +257,9 @@ void Parser::SkipStatisticsOptions() {
         if (TakeWord("SAMPLE")) {
             TakeInteger();
             TakeOneOf({"PERCENT", "ROWS"});
-        } else
+        } else {
             ExpectOneOf({"FULLSCAN", "RESAMPLE", "NORECOMPUTE", "ALL", "COLUMNS", "INDEX"});
+        }
     });
 }
 

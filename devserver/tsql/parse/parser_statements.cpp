@@ -245,8 +245,9 @@ StatementPtr Parser::ParseCursorDeclaration(std::string name) {
             cursor.local = true;
         } else if (TakeWord("READ_ONLY") || TakeWord("FAST_FORWARD")) {
             cursor.read_only = true;
-        } else
+        } else {
             ExpectOneOf({"GLOBAL", "FORWARD_ONLY", "OPTIMISTIC", "SCROLL_LOCKS", "TYPE_WARNING"});
+        }
     }
     ExpectWord("FOR");
     // ParseQuery would take "FOR UPDATE" and "FOR READ ONLY" for a clause that it refuses.
