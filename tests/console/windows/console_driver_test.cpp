@@ -14,6 +14,10 @@
 
 namespace {
 
+/// Without a folder in the registry the log is in the root of the current drive. That is this drive, because
+/// an ordinary user of the machine may not write to the root of the one that the tests are on.
+constexpr char kDrive[] = "C:\\";
+constexpr char kLog[] = "C:\\KVLSQLDbMgr.log";
 constexpr char kSettings[] = "Software\\VB and VBA Program Settings\\KVLSQLDbMgr";
 
 /// A running KVLSQLDbMgr.exe, from the folder of this test.
@@ -25,7 +29,7 @@ class Program {
         path = path.substr(0, path.rfind('\\')) + "\\KVLSQLDbMgr.exe";
         STARTUPINFOA start{};
         start.cb = sizeof start;
-        ::CreateProcessA(path.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+        ::CreateProcessA(path.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, kDrive, &start,
                          &process_);
     }
     Program(const Program&) = delete;
@@ -62,7 +66,11 @@ class Console : public ::testing::Test {
         ::RegDeleteTreeA(HKEY_CURRENT_USER, kSettings);
         Start();
     }
-    void TearDown() override { ::RegDeleteTreeA(HKEY_CURRENT_USER, kSettings); }
+    void TearDown() override {
+        program_.reset();
+        ::DeleteFileA(kLog);
+        ::RegDeleteTreeA(HKEY_CURRENT_USER, kSettings);
+    }
 
     void Start() {
         program_.reset();
