@@ -105,7 +105,7 @@ def set_up(*steps):
     return " && ".join(f"{{ {line} || {{ echo 'once more:' {line} >&2; {line}; }}; }}" for line in lines)
 
 
-# Only tests create these keys: a new Wine prefix has none of them.
+# Only tests create these keys: a new Wine prefix does not have them.
 REGISTRY_KEYS = ("HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVIK", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Microsoft SQL Server",
                  "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\KVLSQLDbMgr")
 
