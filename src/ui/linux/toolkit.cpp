@@ -1,5 +1,5 @@
-// The program's side of the toolkit: hands everything to the module of windows, which is loaded when the
-// first window is made. Without a display every function returns the result for that.
+// Implements ui/toolkit.h on Linux: passes every call on to the Qt module, which is loaded when the first
+// window is made. Without a display each function returns what toolkit.h says for "no window can be shown".
 #include "ui/toolkit.h"
 
 #include <thread>
@@ -10,7 +10,7 @@
 namespace ui {
 namespace {
 
-/// Null without a desktop.
+/// Returns null until a desktop has been opened.
 WindowToolkit* Toolkit() {
     if (platform::OpenedDesktop() == nullptr) {
         return nullptr;

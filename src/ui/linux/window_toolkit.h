@@ -1,5 +1,5 @@
-// What the module of windows does for ui/toolkit.h; each member is the function of that header of the same
-// name.
+// The interface through which the program calls the Qt module (libkvconsole.so). Each member implements the
+// function of the same name in ui/toolkit.h.
 #pragma once
 
 #include "ui/toolkit.h"
@@ -20,7 +20,8 @@ class WindowToolkit {
     ~WindowToolkit() = default;
 };
 
-/// The name of the module's function that gives it; it asks for an opened desktop.
+/// The name of the module's function that returns the toolkit, which the module owns. The desktop must be
+/// open before it is called.
 inline constexpr char kWindowToolkitFunction[] = "KvWindowToolkit";
 using WindowToolkitFunction = WindowToolkit* (*)();
 

@@ -13,8 +13,8 @@
 namespace ui {
 namespace {
 
-/// Has a name, a role and a state, but neither a value nor the interface for texts; without that Qt reports
-/// no typing either.
+/// It has a name, a role and a state, but no value and no text interface. Without a text interface Qt does
+/// not report what is typed either.
 class SecretLineInterface final : public QAccessibleWidget {
   public:
     explicit SecretLineInterface(SecretLine* line) : QAccessibleWidget(line, QAccessible::EditableText) {}
@@ -30,7 +30,7 @@ QString CaptionOf(const QTabBar& bar, int index) {
     return WithoutMnemonic(FromQt(bar.tabText(index)));
 }
 
-/// One tab. Qt's own says that each is enabled and that none is selected.
+/// The accessible interface of one tab. Qt's own says that every tab is enabled and that none is selected.
 class TabInterface final : public QAccessibleInterface, public QAccessibleActionInterface {
   public:
     TabInterface(QTabBar* bar, int index) : bar_(bar), index_(index) {}
@@ -112,7 +112,7 @@ class TabBarInterface final : public QAccessibleWidget {
         const auto [place, fresh] = tabs_.try_emplace(index);
         if (fresh) {
             place->second = QAccessible::registerAccessibleInterface(
-                std::make_unique<TabInterface>(&Bar(), index).release()); // Qt's now
+                std::make_unique<TabInterface>(&Bar(), index).release()); // Qt owns it
         }
         return QAccessible::accessibleInterface(place->second);
     }
@@ -131,10 +131,12 @@ class TabBarInterface final : public QAccessibleWidget {
   private:
     QTabBar& Bar() const { return *static_cast<QTabBar*>(widget()); }
 
-    mutable std::map<int, QAccessible::Id> tabs_; ///< made when they are first asked for
+    /// The interfaces of the tabs, by the tab's number. Each is made when Qt first asks for it.
+    mutable std::map<int, QAccessible::Id> tabs_;
 };
 
-/// A window that is a plain QWidget. Qt would give it the role of a part that only holds others.
+/// The accessible interface of a form's window, which is a plain QWidget. Qt would give it the role of a
+/// container instead of that of a window.
 class WindowInterface final : public QAccessibleWidget {
   public:
     explicit WindowInterface(QWidget* window)
@@ -144,10 +146,10 @@ class WindowInterface final : public QAccessibleWidget {
 
 template <typename Interface, typename Part>
 QAccessibleInterface* Make(Part* part) {
-    return std::make_unique<Interface>(part).release(); // Qt's now
+    return std::make_unique<Interface>(part).release(); // Qt owns it
 }
 
-/// Null for what Qt's own interface is right for.
+/// Returns null if Qt's own interface is right for the object.
 QAccessibleInterface* MakeInterface(const QString& /*class_name*/, QObject* object) {
     if (auto* line = dynamic_cast<SecretLine*>(object)) {
         return Make<SecretLineInterface>(line);

@@ -1,19 +1,19 @@
-// The sides of controls and windows that assistive technology sees, where Qt's own are wrong: a password, the
-// tabs, a window.
+// Corrects what Qt tells assistive technology, such as screen readers, about a password box, the tabs and a
+// window.
 #pragma once
 
 #include <QLineEdit>
 
 namespace ui {
 
-/// A text box with a password that the screen shows and assistive technology is not given.
+/// A text box with a password. The screen shows the password; assistive technology cannot read it.
 class SecretLine final : public QLineEdit {
   public:
     using QLineEdit::QLineEdit;
 };
 
-/// To be called once, before the first window is made: Qt asks a list of functions for the accessible side of
-/// a control.
+/// Registers a factory with Qt that makes the accessible interfaces of these controls. Must be called once,
+/// before the first window is made.
 void CorrectAccessibleInterfaces();
 
 } // namespace ui

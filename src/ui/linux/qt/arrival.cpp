@@ -4,9 +4,9 @@
 
 namespace ui {
 
-/// A display on this machine counts by the same clock as this process, in 32 bits on X11. Then the stamp is
-/// the time, however late the event comes. Any other display's clock is set by the event that came with the
-/// least delay: most come while the program waits.
+/// A display on this machine uses the same clock as this process (on X11 only its low 32 bits). Its stamp is
+/// then the time of arrival, however late the event is delivered. The clock of any other display is compared
+/// with ours by the event that was delivered with the least delay: most events come while the program waits.
 InputClock::time_point ArrivalClock::ArrivalOf(std::uint64_t stamp, InputClock::time_point now) {
     using std::chrono::milliseconds;
     if (stamp == 0) {

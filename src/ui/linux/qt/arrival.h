@@ -1,4 +1,4 @@
-// When input arrived, by the program's own clock.
+// Works out when input arrived, on the program's own clock.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace ui {
 
-/// Turns the display's time stamps into times of this process.
+/// Converts the display's time stamps to times of InputClock.
 class ArrivalClock {
   public:
     /// `stamp` is in milliseconds of the display's clock, and 0 for an event that a program made. `now` is
@@ -15,8 +15,8 @@ class ArrivalClock {
     InputClock::time_point ArrivalOf(std::uint64_t stamp, InputClock::time_point now = InputClock::now());
 
   private:
-    /// For the clock of a display on another machine: the least time that an event was seen to come after its
-    /// stamp.
+    /// Used for a display on another machine, whose clock differs from this one: the smallest difference seen
+    /// between the time at which an event reached the program and its stamp.
     InputClock::duration apart_ = InputClock::duration::max();
 };
 

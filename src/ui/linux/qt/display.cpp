@@ -15,6 +15,7 @@
 namespace ui {
 namespace {
 
+/// Returns the value of an environment variable; "" if it is not set.
 std::string Variable(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? "" : value;
@@ -43,7 +44,8 @@ bool SocketAnswers(const std::string& path) {
     return answers;
 }
 
-/// The plugin is in a separate package on Debian.
+/// True if a Wayland display answers and Qt's plugin for it is installed. Debian has the plugin in a separate
+/// package.
 bool WaylandAnswers() {
     const std::string display = Variable("WAYLAND_DISPLAY");
     const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
@@ -62,7 +64,7 @@ std::string PlatformOfDisplay() {
         const bool wayland = wanted.starts_with("wayland");
         return (x11 && !X11Answers()) || (wayland && !WaylandAnswers()) ? "" : wanted;
     }
-    // A session of Wayland mostly has an X server too, for programs that know no other.
+    // A Wayland session usually has an X server too, for programs that only know X11.
     if (Variable("XDG_SESSION_TYPE") != "x11" && WaylandAnswers()) {
         return "wayland";
     }

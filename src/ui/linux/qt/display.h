@@ -1,12 +1,13 @@
-// Which display the program can open its windows on. To be called before Qt is used, which ends the program
-// if there is no display.
+// Finds the display on which the program can open its windows. This is done before Qt is used, because Qt
+// ends the program if there is no display.
 #pragma once
 
 #include <string>
 
 namespace ui {
 
-/// The name of Qt's plugin for the display; "" if no display answers. QT_QPA_PLATFORM takes precedence.
+/// Returns the name of Qt's plugin for the display, "xcb" (X11) or "wayland"; "" if no display answers. The
+/// environment variable QT_QPA_PLATFORM takes precedence.
 std::string PlatformOfDisplay();
 
 } // namespace ui

@@ -18,9 +18,10 @@
 namespace ui {
 namespace {
 
-/// What is free left and right of a push button's caption.
+/// The free space left and right of a push button's caption, together, in pixels.
 constexpr int kButtonMargins = 12;
 
+/// A control's upper left corner on the form, in twips; (0, 0) for null.
 QPoint CornerOf(const Control* control) {
     QPoint corner;
     for (; control != nullptr; control = control->Parent()) {
@@ -29,7 +30,8 @@ QPoint CornerOf(const Control* control) {
     return corner;
 }
 
-/// The sizes that the style asks for controls, which do not depend on their contents.
+/// Measures sample controls: the sizes, in pixels, that the desktop's style needs whatever a control
+/// contains.
 class Samples {
   public:
     explicit Samples(const QFont& font) : metrics_(font) {
@@ -59,7 +61,8 @@ class Samples {
                      .top();
     }
 
-    /// What the control needs to show its caption or a line of text.
+    /// The size that the control needs to show its caption or a line of text; 0 for a direction in which it
+    /// needs none.
     QSize Of(const Control& control) const {
         const int text = metrics_.horizontalAdvance(WithoutMnemonic(control.Design().caption));
         switch (control.Kind()) {
@@ -79,7 +82,7 @@ class Samples {
         }
     }
 
-    /// How far below its upper edge a frame's controls may begin.
+    /// How far below a frame's upper edge its controls may begin.
     int Title() const { return title_; }
 
   private:
@@ -123,6 +126,7 @@ int TopOfPages(const Form& form, const Control& tabs) {
     return tabs.Design().place.height;
 }
 
+/// The scale at which `twips` become at least `pixels`.
 double Ratio(int pixels, int twips) {
     return twips == 0 ? 1 : static_cast<double>(pixels) * kTwipsPerPixel / twips;
 }

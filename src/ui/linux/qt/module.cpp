@@ -1,4 +1,5 @@
-// The entry of the module of windows: the two functions by which the program reaches it.
+// The two functions that the Qt module (libkvconsole.so) exports: one opens the desktop, the other returns
+// the toolkit.
 #include <memory>
 #include <optional>
 
@@ -40,7 +41,8 @@ class QtToolkit final : public WindowToolkit {
     }
 };
 
-/// Never destroyed: at the program's exit, statics of Qt that were made after it would be gone before it.
+/// It is never destroyed: at the program's exit, Qt's statics that were made later are destroyed earlier, and
+/// it still uses them.
 QtDesktop* desktop = nullptr;
 
 } // namespace

@@ -20,6 +20,7 @@ class NativeButton final : public QPushButton {
     /// True once for a click by mouse or keyboard, which has a time of arrival; false for a click by a screen
     /// reader.
     bool TakeByInput() { return std::exchange(by_input_, false); }
+    /// Clicks the button for a key, such as its mnemonic or Escape.
     void ClickByInput() {
         by_input_ = true;
         click();
@@ -47,7 +48,8 @@ class NativeButton final : public QPushButton {
     bool by_input_ = false;
 };
 
-/// Assistive technology changes a check box or an option button without a click.
+/// Says whether a change of a check box or an option button comes from a click. Assistive technology changes
+/// it without a click.
 class ClickWitness {
   public:
     bool IsBeingClicked() const { return being_clicked_; }
@@ -69,8 +71,8 @@ class NativeToggle : public Button, public ClickWitness {
     }
 };
 
-/// Shows its caption with every "&". A caption that is too long has an ellipsis in its middle, and the whole
-/// caption is the tool tip.
+/// An option button whose caption is data: an "&" is shown as it is. A caption that is too long is shown with
+/// an ellipsis in its middle, and the whole caption is the tool tip.
 class NativeDataOption final : public NativeToggle<QRadioButton> {
   public:
     using NativeToggle::NativeToggle;
@@ -82,6 +84,7 @@ class NativeDataOption final : public NativeToggle<QRadioButton> {
     void changeEvent(QEvent* event) override;
 
   private:
+    /// Shows as much of the caption as fits.
     void Fit();
 
     QString caption_;

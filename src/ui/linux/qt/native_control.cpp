@@ -17,7 +17,7 @@
 namespace ui {
 namespace {
 
-constexpr int kShownListItems = 12;
+constexpr int kShownListItems = 12; // rows of a combo box's open list
 
 QWidget* MakeFrame(const Control& control, QWidget* parent) {
     auto* frame = new QGroupBox(ToQt(control.Design().caption), parent);
@@ -77,13 +77,13 @@ QWidget* MakeOptionButton(const Control& control, QWidget* parent) {
 QWidget* MakeComboBox(const Control& control, QWidget* parent) {
     auto* box = new QComboBox(parent);
     box->setMaxVisibleItems(kShownListItems);
-    box->setFocusPolicy(Qt::StrongFocus); // the wheel changes nothing that was not chosen first
+    box->setFocusPolicy(Qt::StrongFocus); // the mouse wheel does not give it the focus
     if (!static_cast<const ComboBox&>(control).IsDropDownList()) {
         box->setEditable(true);
         box->setInsertPolicy(QComboBox::NoInsert);
         box->setCompleter(nullptr);
-        // Typing the name of an item chooses it when the box is left or Enter is pressed; in a box of the
-        // program only a choice from the list is one.
+        // In Qt, typing the name of an item chooses the item when the box is left or Enter is pressed. In the
+        // model only a choice from the list does.
         QObject::disconnect(box->lineEdit(), &QLineEdit::editingFinished, box, nullptr);
         QObject::disconnect(box->lineEdit(), &QLineEdit::returnPressed, box, nullptr);
     }

@@ -1,4 +1,4 @@
-// One native control for each control of a form: how each kind is made and shown as its control stands. It
+// Makes a Qt widget, the native control, for a control of a form, and shows the control's state in it. It
 // knows nothing of the window around it.
 #pragma once
 
@@ -20,11 +20,11 @@ constexpr std::uint32_t Bit(Property property) {
     return std::uint32_t{1} << static_cast<unsigned>(property);
 }
 
-/// Makes the native control of a control of any kind but a tab control, with the control's identifier for a
-/// name.
+/// Makes the native control of a control of any kind but a tab control. Its objectName is the control's
+/// identifier. `parent` owns it.
 QWidget* MakeNativeControl(const Control& control, QWidget* parent);
 
-/// "edtServerName(1)", "cmdClose": the control's identifier, the native control's objectName.
+/// Returns the control's name with its index, if it has one: "edtServerName(1)", "cmdClose".
 QString IdentifierOf(const Control& control);
 
 /// Updates the stale properties that the native control does not show already. Not for a tab control.

@@ -43,11 +43,13 @@ bool TakesText(Kind kind) {
     return kind == Kind::TextBox || kind == Kind::ComboBox || kind == Kind::ListBox;
 }
 
+/// True for a button that opens a folder or file dialog.
 bool Browses(const Control& control) {
     return control.Kind() == Kind::CommandButton && std::string_view(control.Design().caption) == "...";
 }
 
-/// With the frame: both servers have a box of the same name.
+/// Returns "Browse: ", the label of the box and the caption of the frame around both. The frame's caption is
+/// needed because both servers have a box with the same label.
 QString NameOfBrowseButton(const Control& button, QString box) {
     const QString around = CaptionAround(button);
     return "Browse: " + (box.isEmpty() ? around : box.remove(':') + ", " + around);
@@ -98,7 +100,7 @@ void NativeForm::MakeFrame(QWidget* owner) {
     }
 }
 
-/// All except the controls on the pages of a tab control.
+/// Makes all native controls except those on the pages of a tab control.
 void NativeForm::MakeControls() {
     showing_ = true;
     natives_.reserve(form_.Controls().size());
@@ -120,8 +122,8 @@ void NativeForm::MakeControls() {
     showing_ = false;
 }
 
-/// The page that is to be shown and the controls on it, when it is shown first: a window spends most of its
-/// start on making controls, and only one page is seen.
+/// Makes the page that is to be shown and the controls on it, unless they exist. A window spends most of its
+/// start on making controls, so a page is made only when it is first shown.
 void NativeForm::MakePage() {
     if (tabs_ == nullptr) {
         return;
@@ -149,7 +151,7 @@ void NativeForm::Make(NativeControl& native) {
     native.widget = MakeNativeControl(control, ParentOf(control));
     Settle(native);
     Listen(native);
-    // A page comes up when everything on it is up to date.
+    // A page stays hidden until everything on it is up to date.
     native.widget->setVisible(!is_page);
 }
 
@@ -163,7 +165,7 @@ void NativeForm::MakeTabs(NativeControl& native) {
     Listen(native);
 }
 
-/// A page of the tab control is native to the form.
+/// The native parent of a page of the tab control is the form's window.
 QWidget* NativeForm::ParentOf(const Control& control) const {
     const Control* parent = control.Parent();
     if (parent == nullptr || parent->Kind() == Kind::TabControl) {
@@ -178,7 +180,7 @@ void NativeForm::Settle(const NativeControl& native) {
     native.widget->setGeometry(scale_.PlaceIn(control, on_form ? nullptr : control.Parent()));
 }
 
-/// The order of the design, which is a ring.
+/// Gives the Tab key the order of the design.
 void NativeForm::OrderTabKey() {
     QWidget* before = nullptr;
     for (const NativeControl& native : natives_) {
@@ -192,12 +194,12 @@ void NativeForm::OrderTabKey() {
     }
 }
 
-/// Gives each control its name for screen readers. A label names the box that comes next, and the button that
-/// browses for the box's value; a control with neither label nor caption is called by its tool tip, else by
-/// the caption of its frame.
+/// Gives each control its name for screen readers. A label names the box after it, and the button that opens
+/// a dialog for that box. A control with neither label nor caption is named after its tool tip, or if it has
+/// none, after the caption of its frame.
 void NativeForm::NameBoxes() {
     const Control* label = nullptr;
-    QString box; // the label's text of the box that came last
+    QString box; // the label's text of the last box
     for (NativeControl& native : natives_) {
         if (native.widget == nullptr) {
             continue;
@@ -227,7 +229,7 @@ void NativeForm::NameBoxes() {
     }
 }
 
-/// On another screen, or with another font or style: everything is placed anew.
+/// Places everything again after the font or style has changed.
 void NativeForm::LayOut() {
     scale_ = LayoutScale(form_, window_->font());
     window_->setFixedSize(scale_.ClientSize(form_.Design()));
@@ -243,7 +245,7 @@ void NativeForm::LayOut() {
     MoveWithin(window_->screen()->availableGeometry(), window_->pos()); // it may have grown
 }
 
-/// On the owner, or in the middle of the screen; wholly on the screen where it fits.
+/// Centres the window on its owner, or on the screen if it has none, wholly on the screen if it fits.
 void NativeForm::CentreOn(const QWidget* owner) {
     const QRect work = (owner == nullptr ? window_.get() : owner)->screen()->availableGeometry();
     const QRect middle = owner == nullptr ? work : owner->frameGeometry();
@@ -252,7 +254,7 @@ void NativeForm::CentreOn(const QWidget* owner) {
     MoveWithin(work, own.topLeft());
 }
 
-/// The frame's corner; its size is known when the window has been shown.
+/// The size of the window's frame is known only after the window has been shown.
 void NativeForm::MoveWithin(const QRect& work, QPoint corner) {
     const QSize frame = window_->frameGeometry().size();
     const int left = std::min(corner.x(), work.x() + work.width() - frame.width());

@@ -22,7 +22,8 @@ namespace ui {
 
 class NativeForm final : public Window, private Mirror, private QObject {
   public:
-    /// With an owner it is a dialog above that. The window is hidden until Show.
+    /// With an owner it is a dialog above the owner; null makes a main window. The window is hidden until
+    /// Show. The form must outlive it.
     NativeForm(Form& form, QWidget* owner);
     NativeForm(const NativeForm&) = delete;
     NativeForm& operator=(const NativeForm&) = delete;
@@ -49,7 +50,8 @@ class NativeForm final : public Window, private Mirror, private QObject {
     void LayOut();
     void Settle(const NativeControl& native);
     void CentreOn(const QWidget* owner);
-    /// Wholly within that part of the screen, if it fits.
+    /// Moves the window's upper left corner to `corner`, or nearer, so that the window lies wholly within
+    /// `work`, a part of the screen, if it fits.
     void MoveWithin(const QRect& work, QPoint corner);
 
     // native_form_acts.cpp: the operator's acts on native controls
@@ -61,8 +63,8 @@ class NativeForm final : public Window, private Mirror, private QObject {
     void ListenToListBox(NativeControl& native);
     void ListenToTabs(NativeControl& native);
     void ReportClick(NativeControl& native);
-    /// Runs `act`, which reports to the form, unless this class itself changed the native control. An
-    /// exception is kept for RunUntilClosed: it may not pass through Qt's functions.
+    /// Runs `act`, which reports the operator's act to the form. Does nothing while this class itself changes
+    /// native controls. An exception is kept for RunUntilClosed: it must not pass through Qt's functions.
     void Report(const std::function<void()>& act);
 
     // native_form_events.cpp: updating and listening
@@ -84,7 +86,7 @@ class NativeForm final : public Window, private Mirror, private QObject {
     NativeControl* Find(const QObject* object);
     NativeControl& NativeOf(const Control& control);
 
-    // native_form_keys.cpp: the keys of a dialog
+    // native_form_keys.cpp: the keys of a dialog. With `asked` a function only says whether it uses the key.
     bool FilterKey(QWidget& widget, const QKeyEvent& key, bool asked);
     bool TakeTabKey(const QKeyEvent& key, bool asked);
     bool TakeMnemonic(const QKeyEvent& key, bool asked);
@@ -101,15 +103,15 @@ class NativeForm final : public Window, private Mirror, private QObject {
     LayoutScale scale_;
     std::vector<NativeControl> natives_;
     ArrivalClock clock_;
-    InputClock::time_point
-        last_press_{}; ///< when the key or the mouse's button that was last let through arrived
+    /// When the last press of a key or of the mouse's button arrived that was passed on to its control.
+    InputClock::time_point last_press_{};
     TabStrip* tabs_ = nullptr;
-    int tabs_index_ = -1;       ///< the tab control's place among the controls
-    bool told_ = false;         ///< an event that updates the window is in the queue
-    bool showing_ = false;      ///< changes of native controls are made by this class and not reported
-    bool focus_wanted_ = false; ///< the form has moved the focus, and the window has not yet
-    QEventLoop* loop_ = nullptr;
-    std::exception_ptr thrown_;
+    int tabs_index_ = -1;        ///< the tab control's place among the controls
+    bool told_ = false;          ///< an event that updates the window is in the queue
+    bool showing_ = false;       ///< this class is changing native controls; their signals are not reported
+    bool focus_wanted_ = false;  ///< the form has moved the focus, and the window has not yet
+    QEventLoop* loop_ = nullptr; ///< the loop that RunUntilClosed runs; null outside it
+    std::exception_ptr thrown_;  ///< thrown by a handler of the form, for RunUntilClosed
 };
 
 } // namespace ui

@@ -1,6 +1,6 @@
-// What the operator does to the native controls, reported to the form. Their changes by the program have
-// other signals, or come while `showing_` is set. A native control shows the act at once, whatever the form
-// makes of it; so it is stale.
+// Reports to the form what the operator does to the native controls. Changes that the program makes cause
+// other signals, or signals while `showing_` is set. A native control shows an act at once, although the form
+// may refuse it; so the property is marked stale, and the control is compared with the form afterwards.
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
@@ -21,7 +21,7 @@ void NativeForm::Report(const std::function<void()>& act) {
         TrackFocus();
         act();
         if (told_) {
-            BringAllInLine(); // ahead of the input that came meanwhile, which may be for where the focus goes
+            BringAllInLine(); // before the next input, which may be for the control that gets the focus
         }
     } catch (...) {
         thrown_ = std::current_exception();
@@ -67,7 +67,7 @@ void NativeForm::ListenToButton(NativeControl& native) {
     QObject::connect(widget, &QAbstractButton::clicked, widget, [this, &native] { ReportClick(native); });
 }
 
-/// Of two option buttons, the one that is cleared is not reported.
+/// When one option button of a group is selected another is cleared; only the selected one is reported.
 void NativeForm::ListenToToggle(NativeControl& native) {
     ListenToButton(native);
     auto* widget = static_cast<QAbstractButton*>(native.widget);
@@ -102,7 +102,8 @@ void NativeForm::ListenToListBox(NativeControl& native) {
     auto* widget = static_cast<QListWidget*>(native.widget);
     QObject::connect(widget, &QListWidget::currentRowChanged, widget, [this, widget, &native](int row) {
         Report([&] {
-            // Of a click Qt reports the current row before it selects it, and the handler may run for long.
+            // For a click, Qt reports the current row before it selects the row. The handler may run for a
+            // long time, so the row is selected here.
             widget->selectionModel()->select(widget->currentIndex(), QItemSelectionModel::ClearAndSelect);
             widget->viewport()->repaint();
             Stale(native, Property::ListIndex);
@@ -111,7 +112,7 @@ void NativeForm::ListenToListBox(NativeControl& native) {
     });
 }
 
-/// A click on the active tab is one too, and changes nothing that the bar would report.
+/// A click on the active tab is reported too. The bar has no signal of a change for it.
 void NativeForm::ListenToTabs(NativeControl& native) {
     auto& tabs = static_cast<TabControl&>(*native.control);
     QTabBar* bar = &tabs_->Bar();

@@ -13,11 +13,11 @@
 namespace ui {
 namespace {
 
-/// In the queue when something is not shown yet.
+/// The event that updates the window. It is in the queue while something is not shown yet.
 constexpr auto kBringInLine = static_cast<QEvent::Type>(QEvent::User);
 
-/// The one window of the program whose painting is locked, as there is one on Windows: a second one is not
-/// locked, and whoever unlocks, unlocks it.
+/// The window whose painting is locked; null if none is. As on Windows, only one window of the program can be
+/// locked: a second one is not locked, and unlocking any form unlocks the locked window.
 QWidget* locked_window = nullptr;
 
 } // namespace
@@ -112,8 +112,8 @@ void NativeForm::BringAllInLine() {
 void NativeForm::BringTabsInLine(NativeControl& native) {
     const auto& tabs = static_cast<const TabControl&>(*native.control);
     native.stale = 0;
-    // A disabled tab cannot be the current one in Qt, and the form's may be: it goes on being shown until
-    // another is chosen.
+    // In Qt a disabled tab cannot be the active one; in the form it can. So the active tab is enabled here
+    // until another one is chosen.
     for (int tab = 0; tab < tabs.Tabs(); ++tab) {
         tabs_->EnableTab(tab, tabs.TabEnabled(tab) || tab == tabs.Tab());
     }
@@ -139,7 +139,7 @@ void NativeForm::ShowPage(const NativeControl& page, bool shown) {
 
 // --- the focus
 
-/// As the Tab key does it: the text of a box is selected.
+/// Gives the focus as the Tab key does, which also selects the text of a box.
 void NativeForm::GiveFocus() {
     if (!window_->isVisible() || !std::exchange(focus_wanted_, false)) {
         return;
@@ -175,7 +175,8 @@ NativeControl* NativeForm::Find(const QObject* object) {
 
 // --- the operator's acts
 
-/// Asked once for each press, also for one on a disabled control.
+/// True if the press must not reach its control (see operator.h). Is called once for each press, also for one
+/// on a disabled control.
 bool NativeForm::RefusesMouse(QWidget& widget, const QInputEvent& press) {
     const NativeControl* native = Find(&widget);
     if (native == nullptr) {
@@ -190,7 +191,8 @@ bool NativeForm::RefusesMouse(QWidget& widget, const QInputEvent& press) {
     return false;
 }
 
-/// For keys that go to the control that has the focus: a mnemonic's control is another.
+/// True if a key must not reach the control that has the focus. Mnemonics are for other controls; they are
+/// not checked here.
 bool NativeForm::RefusesKey(QWidget& widget, const QKeyEvent& key) {
     const NativeControl* native = Find(&widget);
     if (native == nullptr) {
@@ -246,7 +248,7 @@ bool NativeForm::eventFilter(QObject* object, QEvent* event) {
     switch (event->type()) {
     case QEvent::MouseButtonDblClick:
         if (tabs_ != nullptr && &widget == &tabs_->Bar()) {
-            return true; // the bar would take it for a second click on the tab
+            return true; // otherwise the bar would report a second click on the tab
         }
         [[fallthrough]];
     case QEvent::MouseButtonPress:
@@ -281,8 +283,8 @@ bool NativeForm::event(QEvent* event) {
 
 void NativeForm::Show() {
     BringAllInLine();
-    focus_wanted_ =
-        form_.Focused() != nullptr; // not the one that Qt gives the focus to when the window comes up
+    // The form's focus, not that of the control to which Qt gives it when the window is shown.
+    focus_wanted_ = form_.Focused() != nullptr;
     window_->show();
     if (focus_wanted_) {
         BringAllInLine();

@@ -1,5 +1,5 @@
-// The keys of a dialog, as on Windows: mnemonics, tabs, Escape. Before Qt looks at its own shortcuts it asks
-// whether a key is wanted here; then `asked` is true, and the key is only answered and not acted on.
+// The keys of a dialog, as on Windows: mnemonics, tabs, Escape. Before Qt uses a key for its own shortcuts it
+// asks whether the key is used here: then `asked` is true, and the functions only return the answer.
 #include "ui/linux/qt/native_button.h"
 #include "ui/linux/qt/native_form.h"
 #include "ui/linux/qt/text.h"
@@ -55,8 +55,8 @@ bool NativeForm::FilterKey(QWidget& widget, const QKeyEvent& key, bool asked) {
     return false;
 }
 
-/// Ctrl+Tab and Ctrl+Page Down, with Shift and Page Up backwards, from wherever the focus is; Home and End on
-/// the tabs.
+/// Ctrl+Tab and Ctrl+Page Down choose the next tab, Ctrl+Shift+Tab and Ctrl+Page Up the one before, wherever
+/// the focus is. Home and End choose the first and the last tab while the tabs have the focus.
 bool NativeForm::TakeTabKey(const QKeyEvent& key, bool asked) {
     if (tabs_ == nullptr) {
         return false;
@@ -79,8 +79,8 @@ bool NativeForm::TakeTabKey(const QKeyEvent& key, bool asked) {
     return act != nullptr;
 }
 
-/// Alt and a letter: the next control after the focus with that mnemonic gets the focus, and where there is
-/// one alone, a button is pressed.
+/// Alt and a letter: the next control after the focus with that mnemonic gets the focus. If it is a button
+/// and no other control has the mnemonic, it is pressed.
 bool NativeForm::TakeMnemonic(const QKeyEvent& key, bool asked) {
     if (key.modifiers() != Qt::AltModifier || key.key() < Qt::Key_Space || key.key() > Qt::Key_ydiaeresis) {
         return false;
@@ -106,7 +106,8 @@ void NativeForm::Press(QAbstractButton& button) {
     }
 }
 
-/// The first after the focus, around the end; `found` says how many there are.
+/// The first control with the mnemonic after the focus; the search goes on at the beginning. Null if there is
+/// none. `found` is set to the number of such controls; it must be 0 before.
 NativeControl* NativeForm::NextWithMnemonic(QChar letter, int& found) {
     const NativeControl* focused = Find(window_->focusWidget());
     NativeControl* first = nullptr;
@@ -126,7 +127,8 @@ NativeControl* NativeForm::NextWithMnemonic(QChar letter, int& found) {
     return next == nullptr ? first : next;
 }
 
-/// A label's or a frame's mnemonic leads to the next control that takes the focus.
+/// The control to which a mnemonic leads: for a label or a frame the next control that takes the focus, else
+/// the control itself. Null if it cannot be used.
 NativeControl* NativeForm::Bearer(NativeControl& label) {
     const Kind kind = label.control->Kind();
     if (kind != Kind::Label && kind != Kind::Frame) {

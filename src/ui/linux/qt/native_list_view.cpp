@@ -10,14 +10,14 @@
 namespace ui {
 namespace {
 
-constexpr int kNewColumnWidth = 96; // an inch, at the design's scale
-constexpr int kRowMargins = 4;      // above and below the text of a row
+constexpr int kNewColumnWidth = 96; // pixels: an inch at the design's scale
+constexpr int kRowMargins = 4;      // pixels above and below the text of a row, together
 
 using CharacterWidths = std::array<int, 256>;
 
-/// The widths of the font's characters, in 64ths of a pixel. A text is as wide as its characters, or narrower
-/// where the font draws pairs of them together; a table of 327,660 cells is measured in a hundredth of the
-/// time that as many questions to the font take.
+/// The widths of the font's characters, in 64ths of a pixel. A text is as wide as its characters together, or
+/// narrower if the font has kerning. Adding them measures a table of 327,660 cells in a hundredth of the time
+/// that it takes to ask the font for each text.
 CharacterWidths WidthsOf(const QFont& font) {
     const QFontMetricsF metrics(font);
     CharacterWidths widths{};
@@ -71,7 +71,7 @@ QVariant ListViewModel::headerData(int section, Qt::Orientation orientation, int
     return role == Qt::DisplayRole ? ToQt(list_.ColumnAt(section).text) : QVariant();
 }
 
-/// Without full row selection the item alone is selected, which is the first column.
+/// Without full row selection only the first column, the item, can be selected.
 Qt::ItemFlags ListViewModel::flags(const QModelIndex& index) const {
     const bool whole_row = (list_.ExtendedStyle() & kFullRowSelect) != 0;
     return index.column() == 0 || whole_row ? Qt::ItemIsEnabled | Qt::ItemIsSelectable

@@ -9,12 +9,13 @@
 
 namespace ui {
 
-/// Qt's view of the rows. Its row count changes only when it announces the change to the native control,
-/// which would otherwise ask for rows that were never announced.
+/// The rows and columns of a ListView as Qt's views read them. Its counts change only in TakeOver, which
+/// announces the change: a native control must not see a count that was not announced to it.
 class ListViewModel final : public QAbstractTableModel {
   public:
     explicit ListViewModel(const ListView& list) : list_(list) {}
 
+    /// Takes over the counts of the ListView and has the native control read everything again.
     void TakeOver();
 
     int rowCount(const QModelIndex& parent) const override { return parent.isValid() ? 0 : rows_; }
@@ -31,12 +32,15 @@ class ListViewModel final : public QAbstractTableModel {
 
 class NativeListView final : public QTableView {
   public:
+    /// `list` must outlive it.
     NativeListView(const ListView& list, QWidget* parent);
 
     void ShowExtendedStyle();
-    /// The rows as they are now; with `columns` also the columns, each of the width of a new one.
+    /// Shows the list's present rows and columns. If `columns` is true, every column gets the width of a new
+    /// one.
     void ShowTable(bool columns);
-    /// Makes the columns that the list says are sized so as wide as their headers and their cells need.
+    /// Makes each column of ListView::AutoSized as wide as its header and its cells need, but no wider than
+    /// the window.
     void SizeColumns();
 
   private:

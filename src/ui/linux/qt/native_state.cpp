@@ -23,7 +23,8 @@ bool Stale(const NativeControl& native, Property property) {
     return (native.stale & Bit(property)) != 0;
 }
 
-/// System colours come from the palette, which may change to a dark one while the program runs.
+/// The widget's palette with this colour for this role. System colours come from the desktop's palette, which
+/// may change to a dark one while the program runs.
 QPalette PaletteOf(const QWidget& widget, QPalette::ColorRole role, Colour colour) {
     QPalette palette;
     switch (colour) {
@@ -53,7 +54,8 @@ void ShowLabel(const NativeControl& native) {
     }
 }
 
-/// One line or several; the native text of several has line feeds alone.
+/// The box may have one line or several. The native text of several lines ends its lines with a line feed
+/// only, the model's with a carriage return and a line feed.
 void ShowTextBox(const NativeControl& native) {
     const auto& box = static_cast<const TextBox&>(*native.control);
     if (Stale(native, Property::BackColor)) {
@@ -162,8 +164,7 @@ void ShowProgressBar(const NativeControl& native) {
     const auto& bar = static_cast<const ProgressBar&>(*native.control);
     auto& widget = static_cast<QProgressBar&>(*native.widget);
     const int min = static_cast<int>(bar.Min());
-    widget.setRange(min,
-                    std::max(static_cast<int>(bar.Max()), min + 1)); // without a range it would only move
+    widget.setRange(min, std::max(static_cast<int>(bar.Max()), min + 1)); // an empty range means "busy" to Qt
     widget.setValue(static_cast<int>(bar.Value()));
 }
 
@@ -194,7 +195,7 @@ ShowFunction ShowFunctionOf(Kind kind) {
     case Kind::TabControl:
         break;
     }
-    return nullptr; // only whether they are enabled changes
+    return nullptr; // of these kinds only Enabled changes, or NativeForm shows the change
 }
 
 } // namespace

@@ -8,7 +8,8 @@
 namespace ui {
 namespace {
 
-/// Paths of the program may have either separator, and escapes for characters that its code page lacks.
+/// The program's paths may have "/" or "\", and escapes (text/escaped.h) for characters that its code page
+/// lacks.
 QString PathToQt(const std::string& path) {
     return QString::fromUtf8(platform::ToSystemText(path)).replace('\\', '/');
 }
@@ -20,8 +21,8 @@ std::optional<std::string> PathFromQt(const QString& path) {
     return platform::FromSystemText(path.toStdString());
 }
 
-/// "Script Files (*.sql)|*.sql" becomes "Script Files (*.sql)": the name holds the pattern in parentheses,
-/// where Qt looks for it. A name without it gets it.
+/// "Script Files (*.sql)|*.sql" becomes "Script Files (*.sql)": Qt reads the pattern from the parentheses in
+/// the name. A name without the pattern gets it.
 QString FilterToQt(const std::string& filter) {
     const QStringList parts = ToQt(filter).split('|');
     QStringList filters;

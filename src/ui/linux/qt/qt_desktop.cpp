@@ -24,6 +24,7 @@
 namespace ui {
 namespace {
 
+/// How long after the start the program's icon is loaded.
 constexpr std::chrono::milliseconds kIconDelay{100};
 
 /// Qt sets the process's locale from the environment, which would change how the program converts numbers.
@@ -46,8 +47,9 @@ void TakeMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QS
     }
 }
 
-/// Reads the configuration of the fonts, which Qt would do at the first text. It takes as long as opening the
-/// display. Qt sets the process's locale meanwhile, so this has a locale of its own: it reads numbers.
+/// Reads the configuration of the fonts in a second thread; Qt would otherwise read it for the first text. It
+/// takes as long as opening the display. Qt sets the process's locale at the same time, so this thread has a
+/// locale of its own, which decides how it reads numbers.
 void ReadFontConfiguration() {
     const locale_t own = ::newlocale(LC_ALL_MASK, "C", nullptr);
     ::uselocale(own);
@@ -57,7 +59,7 @@ void ReadFontConfiguration() {
 }
 
 std::unique_ptr<QApplication> OpenApplication(const std::string& qt_platform) {
-    // Qt keeps references to both for as long as it lives.
+    // Qt keeps references to these as long as the application lives.
     static std::string name = program_invocation_short_name;
     static std::string option = "-platform";
     static std::string value = qt_platform;
@@ -85,7 +87,8 @@ QMessageBox::Icon IconOf(platform::MessageIcon icon) {
     return QMessageBox::NoIcon;
 }
 
-/// Lays twips out as Qt's pixels (96 to the inch), larger where the font is higher than the design's.
+/// The progress window of an unattended run. Its layout in twips becomes Qt's pixels (96 to the inch), and is
+/// enlarged if the font is higher than the label of the layout.
 class QtStatusWindow final : public QWidget, public platform::StatusWindow {
   public:
     explicit QtStatusWindow(const platform::StatusWindowLayout& layout)
@@ -110,7 +113,7 @@ class QtStatusWindow final : public QWidget, public platform::StatusWindow {
 
     void SetBar(float min, float max, float value) override {
         const int low = static_cast<int>(min);
-        bar_->setRange(low, std::max(static_cast<int>(max), low + 1)); // without a range it would only move
+        bar_->setRange(low, std::max(static_cast<int>(max), low + 1)); // an empty range means "busy" to Qt
         bar_->setValue(static_cast<int>(value));
         bar_->repaint();
     }
@@ -123,7 +126,7 @@ class QtStatusWindow final : public QWidget, public platform::StatusWindow {
     void Show() override { show(); }
 
   protected:
-    void closeEvent(QCloseEvent* event) override { event->ignore(); } // the run ends the window
+    void closeEvent(QCloseEvent* event) override { event->ignore(); } // only the end of the run closes it
 
   private:
     static double Pixels(int twips) { return static_cast<double>(twips) / platform::kTwipsPerPixel; }
@@ -135,7 +138,7 @@ class QtStatusWindow final : public QWidget, public platform::StatusWindow {
 
     QLabel* label_;
     QProgressBar* bar_;
-    double height_;
+    double height_; ///< the factor by which everything is enlarged, at least 1
 };
 
 } // namespace
@@ -144,19 +147,20 @@ QtDesktop::QtDesktop(const std::string& qt_platform) : application_(OpenApplicat
     // Each window ends its own loop; the program does not end when a message box closes.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setQuitLockEnabled(false);
-    // When the first window is on the screen: reading pictures loads several plugins.
+    // The icon is loaded after the first window is on the screen, because reading pictures loads several
+    // plugins.
     QTimer::singleShot(kIconDelay, qApp, [] { QApplication::setWindowIcon(QIcon(":/icons/program.ico")); });
     CorrectAccessibleInterfaces();
 }
 
 void QtDesktop::ShowMessageBox(const std::string& text, platform::MessageIcon icon,
                                const std::string& title) {
-    // Above the window in use; without an owner if the program shows no window.
+    // The box is above the active window; it has no owner if the program shows no window.
     QMessageBox box(IconOf(icon), ToQt(title), LinesOf(text), QMessageBox::Ok, QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
     box.setObjectName("message");
     const bool waiting = QGuiApplication::overrideCursor() != nullptr;
-    SetMousePointer(platform::kDefaultPointer); // the operator is asked now
+    SetMousePointer(platform::kDefaultPointer); // no hourglass while the operator is asked
     box.exec();
     SetMousePointer(waiting ? platform::kHourglassPointer : platform::kDefaultPointer);
 }

@@ -1,4 +1,5 @@
-// The services of platform/ that need windows: message boxes, the status window, pending events, the pointer.
+// Implements with Qt the services of platform/ that need windows: message boxes, the status window, pending
+// events and the mouse pointer.
 #pragma once
 
 #include <memory>
@@ -11,7 +12,8 @@ namespace ui {
 
 class QtDesktop final : public platform::Desktop {
   public:
-    /// Opens the display by that plugin, which must be there.
+    /// Opens the display with this Qt plugin, which must exist (see display.h). Qt ends the program if it
+    /// cannot.
     explicit QtDesktop(const std::string& qt_platform);
     QtDesktop(const QtDesktop&) = delete;
     QtDesktop& operator=(const QtDesktop&) = delete;

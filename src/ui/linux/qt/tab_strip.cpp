@@ -40,7 +40,7 @@ void TabStrip::ChooseNext(int direction, bool around) {
         if (around) {
             index = (index + bar_->count()) % bar_->count();
         }
-        if (bar_->isTabEnabled(index)) { // false for one that is not there
+        if (bar_->isTabEnabled(index)) { // false for an index outside the bar
             bar_->setCurrentIndex(index);
             return;
         }

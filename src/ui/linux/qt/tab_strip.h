@@ -1,4 +1,4 @@
-// The native tab bar and the area below it for the pages. The pages are not its children: the form places
+// The native tab bar and the area below it for the pages. The pages are not its children: NativeForm places
 // them. A disabled tab is grey and cannot be chosen.
 #pragma once
 
@@ -13,15 +13,17 @@ namespace ui {
 
 class TabStrip final : public QWidget {
   public:
+    /// `parent` owns it.
     TabStrip(const TabControl& tabs, QWidget* parent);
 
     QTabBar& Bar() { return *bar_; }
-    /// Also reports the change to assistive technology, which Qt does not.
+    /// Enables or disables a tab, counted from 0. Also reports the change to assistive technology, which Qt
+    /// does not do.
     void EnableTab(int index, bool enabled);
-    /// Chooses the next tab in that direction (1 or -1) that can be chosen, as the operator does; `around`
+    /// Chooses the next enabled tab in `direction` (1 or -1), as the operator does. With `around` the search
     /// goes on at the other end. Does nothing if there is no such tab.
     void ChooseNext(int direction, bool around);
-    /// The first tab from `index` on, in that direction, that can be chosen.
+    /// Chooses the first enabled tab from `index` on in `direction`. Does nothing if there is no such tab.
     void ChooseFrom(int index, int direction);
 
   protected:
