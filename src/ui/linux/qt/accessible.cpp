@@ -1,3 +1,4 @@
+// The accessible interfaces that replace Qt's own.
 #include "ui/linux/qt/accessible.h"
 
 #include <map>

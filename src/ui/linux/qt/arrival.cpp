@@ -1,3 +1,4 @@
+// Compares the display's clock with InputClock.
 #include "ui/linux/qt/arrival.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Tries to reach an X11 or Wayland display without Qt.
 #include "ui/linux/qt/display.h"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// Compares the sizes that the desktop's font and style need with those of a form's design.
 #include "ui/linux/qt/layout_scale.h"
 
 #include <algorithm>

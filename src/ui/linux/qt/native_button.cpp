@@ -1,3 +1,4 @@
+// Fits the caption of an option button into its place.
 #include "ui/linux/qt/native_button.h"
 
 #include <QStyle>

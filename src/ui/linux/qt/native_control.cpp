@@ -1,3 +1,4 @@
+// Makes the Qt widgets. native_state.cpp shows the state of controls in them.
 #include "ui/linux/qt/native_control.h"
 
 #include <QAbstractItemView>

@@ -1,3 +1,4 @@
+// Makes the window of a form and its native controls, and places and names them.
 #include "ui/linux/qt/native_form.h"
 
 #include <algorithm>

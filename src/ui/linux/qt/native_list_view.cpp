@@ -1,3 +1,4 @@
+// Gives Qt the cells of a ListView, and sizes its columns.
 #include "ui/linux/qt/native_list_view.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Opens Qt's dialogs and converts the program's paths and filters for them.
 #include "ui/linux/qt/pickers.h"
 
 #include <QFileDialog>

@@ -1,3 +1,4 @@
+// Starts Qt, and shows message boxes and the progress window of unattended runs.
 #include "ui/linux/qt/qt_desktop.h"
 
 #include <array>

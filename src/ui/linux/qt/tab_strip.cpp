@@ -1,3 +1,4 @@
+// Chooses and paints the tabs.
 #include "ui/linux/qt/tab_strip.h"
 
 #include <QAccessible>
