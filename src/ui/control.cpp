@@ -1,3 +1,4 @@
+// What all controls have: their name, whether they are enabled, and the notification of the form's mirror.
 #include "ui/control.h"
 
 #include "ui/form.h"

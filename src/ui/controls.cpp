@@ -1,3 +1,5 @@
+// The properties of the controls. A setter notifies the mirror; it fires only the events that controls.h
+// names.
 #include "ui/controls.h"
 
 #include <algorithm>

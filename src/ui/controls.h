@@ -1,5 +1,5 @@
-// The kinds of controls except lists. The members are for the program, but for those marked as operator.h's,
-// through which the operator's acts come.
+// The kinds of controls except lists (lists.h, list_view.h). The program uses their members. The members
+// Take... are for operator.h only: they make the changes that the operator asks for.
 #pragma once
 
 #include <string>
@@ -53,7 +53,8 @@ class TextBox : public Control {
     Colour BackColor() const { return back_color_; }
     void BackColor(Colour value);
 
-    /// In characters; the selection ends where the text ends.
+    /// The start and the length of the selected text, in characters. They are reduced if the text is shorter.
+    /// Setting the start makes the length 0.
     std::size_t SelStart() const { return sel_start_; }
     void SelStart(std::size_t value);
     std::size_t SelLength() const { return sel_length_; }
@@ -61,9 +62,8 @@ class TextBox : public Control {
 
     Handler on_change;
 
-    /// For operator.h: the text as the operator has changed it, and the place of the selection then.
+    /// Takes over the text and the position of the caret. A different text fires Change.
     void TakeEdit(std::string text, std::size_t sel_start);
-    /// For operator.h: the operator's selection.
     void TakeSelection(std::size_t start, std::size_t length);
 
   private:
@@ -84,12 +84,13 @@ class CommandButton : public Control {
 
     /// True while on_click runs.
     bool Running() const { return running_; }
-    /// When on_click returned last.
+    /// When on_click last returned or threw; the clock's epoch before that.
     InputClock::time_point EndedAt() const { return ended_at_; }
 
-    /// For operator.h.
+    /// Fires Click.
     void TakeClick();
-    /// For operator.h: notes a press of the mouse's button and returns when the one before it was.
+    /// Stores the time of a press of the mouse's button. Returns that of the press before it; the clock's
+    /// epoch if there was none.
     InputClock::time_point TakePress(InputClock::time_point at) { return std::exchange(pressed_at_, at); }
 
   private:
@@ -110,14 +111,14 @@ class CheckBox : public Control {
 
     Handler on_click;
 
-    /// For operator.h: the tick turns over, and Click fires.
+    /// Ticks or clears the box, then fires Click.
     void TakeClick();
 
   private:
     int value_ = 0;
 };
 
-/// The option buttons with the same parent are a group, of which one at most is selected.
+/// A radio button. The option buttons with the same parent are a group, of which at most one is selected.
 class OptionButton : public Control {
   public:
     static constexpr ui::Kind kKind = ui::Kind::OptionButton;
@@ -125,13 +126,13 @@ class OptionButton : public Control {
 
     const std::string& Caption() const { return caption_; }
     void Caption(const std::string& value);
-    /// Selecting one clears the others of its group. Setting it fires nothing.
+    /// True if the button is selected. Selecting it clears the others of its group. Setting it fires nothing.
     bool Value() const { return value_; }
     void Value(bool value);
 
     Handler on_click;
 
-    /// For operator.h: selected, and Click fires.
+    /// Selects the button, then fires Click.
     void TakeClick();
 
   private:
@@ -139,6 +140,7 @@ class OptionButton : public Control {
     bool value_;
 };
 
+/// Values outside Min to Max are stored as they are.
 class ProgressBar : public Control {
   public:
     static constexpr ui::Kind kKind = ui::Kind::ProgressBar;
@@ -162,9 +164,11 @@ class TabControl : public Control {
     static constexpr ui::Kind kKind = ui::Kind::TabControl;
     TabControl(Form& form, const ControlDesign& design, int id, Control* parent);
 
+    /// The number of tabs. A tab is given by its number, from 0.
     int Tabs() const { return static_cast<int>(enabled_tabs_.size()); }
     const char* TabCaption(int tab) const;
-    /// The active tab, from 0. The program may activate a disabled one; setting it fires nothing.
+    /// The active tab. The program may activate a disabled one; setting it fires nothing. Throws Refusal if
+    /// there is no such tab.
     int Tab() const { return tab_; }
     void Tab(int value);
     bool TabEnabled(int tab) const { return enabled_tabs_.at(static_cast<std::size_t>(tab)); }
@@ -172,7 +176,7 @@ class TabControl : public Control {
 
     Handler on_click;
 
-    /// For operator.h: the tab is active, and Click fires.
+    /// Activates the tab, then fires Click.
     void TakeChoice(int tab);
 
   private:

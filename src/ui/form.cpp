@@ -1,3 +1,4 @@
+// Makes a form's controls from its design, and keeps the state of the form itself.
 #include "ui/form.h"
 
 #include <array>
@@ -7,7 +8,7 @@
 namespace ui {
 namespace {
 
-constexpr int kFirstId = 1000;
+constexpr int kFirstId = 1000; // the identifier of the first control
 
 using Maker = std::unique_ptr<Control> (*)(Form&, const ControlDesign&, int, Control*);
 

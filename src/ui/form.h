@@ -1,18 +1,20 @@
-// A form: the controls of its design, its title, its focus, and whether its painting is locked.
+// A form is the model of a window: the controls of its design, its title, its focus, and whether its painting
+// is locked.
 //
-// How a toolkit attaches:
-//  1. MakeWindow (toolkit.h) gets a form, which may still be loading. It walks Form::Controls(), which are
-//     in the order of the Tab key and parents before children, makes one native control for each by its Kind,
-//     at Design().place, with the identifier Id(), and fills it from the control's present state. A child of
-//     the tab control belongs to the tab of its index and is seen while TabControl::Tab() is that; it and
-//     its children need not be made before.
-//  2. It attaches its Mirror with Form::Attach and updates the native controls on each Changed.
+// How a toolkit shows a form:
+//  1. MakeWindow (toolkit.h) gets a form, which may still be loading. It makes one native control for each of
+//     Form::Controls(), which come in the order of the Tab key and parents before children. The native
+//     control has the control's Kind, place (Design().place), identifier (Id()) and present state. A child of
+//     the tab control is a page: it is visible while TabControl::Tab() equals its index. A page and the
+//     controls on it may be made when the page is first shown.
+//  2. The toolkit attaches its Mirror with Form::Attach and updates the native controls after each Changed.
 //  3. It reports the operator's acts by the functions of operator.h: Edit for a changed text, Choose for a
-//     list item or a tab, Click for buttons, FocusMoved, Close for the frame's own button. These fire the
-//     handlers. A handler may throw: a toolkit carries the exception past its native callbacks (a
-//     std::exception_ptr) and throws it again from RunUntilClosed or ShowModally.
-//  4. Property::Unloaded is the end of the window. The form and its controls live on: a handler that let
-//     pending events run may still be using them.
+//     list item or a tab, Click for buttons, FocusMoved, Close for the window's close button. These fire the
+//     handlers. A handler may throw: the toolkit keeps the exception (std::exception_ptr) while it returns
+//     from native callbacks, and throws it again from RunUntilClosed or ShowModally.
+//  4. After Property::Unloaded the toolkit closes the window. The form and its controls still exist: a
+//  handler
+//     that ran pending events may still be using them.
 #pragma once
 
 #include <memory>
@@ -36,7 +38,7 @@ class Form {
 
     const FormDesign& Design() const { return design_; }
     const std::vector<std::unique_ptr<Control>>& Controls() const { return controls_; }
-    /// Null if there is no such control.
+    /// Returns null if there is no such control.
     Control* Find(const std::string& name, int index = kNoIndex) const;
     /// The control of this name and type. Throws Refusal if the design has no such control.
     template <class T>
@@ -52,12 +54,13 @@ class Form {
     const std::string& Caption() const { return caption_; }
     void Caption(const std::string& value);
 
-    /// The program gives the focus; a control that cannot be used does not take it, and nothing happens.
+    /// Gives the control the focus. Does nothing if the control cannot be used (CanBeUsed in operator.h).
     void SetFocus(Control& control);
-    /// Null while no control has it.
+    /// The control with the focus; null if there is none.
     Control* Focused() const { return focused_; }
 
-    /// Stops the painting of the window until UnlockPainting, however often it is called.
+    /// Stops the painting of the window. One call of UnlockPainting starts it again, however often it was
+    /// locked.
     void LockPainting();
     void UnlockPainting();
     bool PaintingLocked() const { return painting_locks_ != 0; }
@@ -69,13 +72,14 @@ class Form {
     bool Unloaded() const { return unloaded_; }
     Handler on_unload;
 
-    /// One mirror at most; null detaches it. It must be detached before it is destroyed.
+    /// Sets the one mirror, which the form does not own; null detaches it. It must be detached before it is
+    /// destroyed.
     void Attach(Mirror* mirror) { mirror_ = mirror; }
-    /// For the controls. A form's own changes come with Root() as the control.
+    /// Called by the controls to notify the mirror. For a change of the form itself `control` is Root().
     void Notify(const Control& control, Property property) const;
     /// Stands for the form itself in Mirror::Changed; its Kind is Form.
     const Control& Root() const { return *root_; }
-    /// For operator.h: where the operator has moved the focus.
+    /// For operator.h: the operator has moved the focus to this control; null if to none.
     void TakeFocus(Control* control) { focused_ = control; }
 
   private:
@@ -89,7 +93,7 @@ class Form {
     Control* focused_ = nullptr;
     int painting_locks_ = 0;
     bool unloaded_ = false;
-    Mirror* mirror_ = nullptr;
+    Mirror* mirror_ = nullptr; ///< not owned
 };
 
 } // namespace ui

@@ -1,3 +1,4 @@
+// The columns, rows and keys of a list view.
 #include "ui/list_view.h"
 
 namespace ui {

@@ -1,7 +1,9 @@
-// The list view: columns, and rows of texts under them.
+// The list view: a table of texts with column headers.
 //
-// RowCount and Cell take constant time, so that a toolkit can show it as a virtual list. Each row and each
-// cell that is added causes one notification; 32,767 rows of ten cells are added in a few milliseconds.
+// RowCount and Cell take constant time, so that a toolkit can read the cells only when it paints them. Each
+// row and each cell that is added causes one notification; 32,767 rows of ten cells are added in a few
+// milliseconds. Rows and columns are numbered from 0; the number of a row that does not exist throws
+// std::out_of_range.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +15,7 @@
 
 namespace ui {
 
-/// The bits of the extended style that the program uses.
+/// The bits of the extended style that the program uses. The values are those of Windows.
 inline constexpr std::int32_t kGridLines = 0x1;
 inline constexpr std::int32_t kFullRowSelect = 0x20;
 
@@ -23,12 +25,11 @@ class ListView : public Control {
     using Control::Control;
 
     struct Column {
-        std::string key;
-        std::string text;
+        std::string key;  ///< identifies the column; not shown
+        std::string text; ///< the header
     };
 
     int ColumnCount() const { return static_cast<int>(columns_.size()); }
-    /// The first has the number 0.
     const Column& ColumnAt(int column) const { return columns_.at(static_cast<std::size_t>(column)); }
     /// Adds a column after the last. Throws Refusal if another column has the key; any number of columns may
     /// have the empty key.
@@ -37,7 +38,7 @@ class ListView : public Control {
 
     int RowCount() const { return static_cast<int>(rows_.size()); }
     const std::string& RowKey(int row) const { return RowAt(row).key; }
-    /// Rows and columns are numbered from 0; column 0 is the item's own text. Empty if nothing was set.
+    /// The text of a cell; empty if it was never set. Column 0 is the text of the row itself.
     const std::string& Cell(int row, int column) const;
     /// Adds a row after the last, with the text of its column 0, and returns its number. Throws Refusal if
     /// another row has the key; any number of rows may have the empty key.

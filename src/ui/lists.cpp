@@ -1,3 +1,4 @@
+// The items, the selection and the text of list boxes and combo boxes.
 #include "ui/lists.h"
 
 #include <algorithm>
@@ -6,7 +7,7 @@
 namespace ui {
 namespace {
 
-/// -1 is accepted: no item is selected.
+/// Throws Refusal for an index outside the list; -1, which selects nothing, is accepted.
 void RefuseOutside(int index, const ListItems& items) {
     if (index < -1 || index >= items.Count()) {
         throw Refusal("the list has no item " + std::to_string(index));

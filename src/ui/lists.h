@@ -1,4 +1,5 @@
-// Combo boxes and list boxes.
+// Combo boxes and list boxes. Items are numbered from 0; the index -1 means that no item is selected. An
+// index outside the list throws Refusal.
 #pragma once
 
 #include <cstdint>
@@ -9,19 +10,18 @@
 
 namespace ui {
 
-/// The items of a list. An item's data is the program's own number for it.
+/// The items of a list.
 class ListItems {
   public:
     struct Item {
         std::string text;
-        std::int32_t data = 0;
+        std::int32_t data = 0; ///< a number for the program's own use; not shown
     };
 
     int Count() const { return static_cast<int>(items_.size()); }
-    /// Refuses an index outside the list.
     const Item& At(int index) const;
     Item& At(int index);
-    /// -1 if no item has exactly this text.
+    /// Returns the index of the first item with exactly this text, or -1.
     int Find(const std::string& text) const;
     void Add(const std::string& text) { items_.push_back({text}); }
     void Clear() { items_.clear(); }
@@ -42,9 +42,8 @@ class ListBox : public Control {
     void AddItem(const std::string& text);
     void Clear();
 
-    /// -1 if nothing is selected.
     int ListIndex() const { return list_index_; }
-    /// Fires Click, also for the same index. Refuses one outside the list; -1 is in it.
+    /// Selects an item, or nothing (-1). Fires Click, also if the index is the same.
     void ListIndex(int value);
     /// The selected item's text; empty if nothing is selected.
     std::string Text() const;
@@ -61,30 +60,30 @@ class ComboBox : public Control {
     static constexpr ui::Kind kKind = ui::Kind::ComboBox;
     using Control::Control;
 
-    /// True: only texts of the list. False: any text, with a list to choose from.
+    /// True for a drop-down list: the text is always one of the list. False for a box with free text, in
+    /// which the operator types any text or chooses one.
     bool IsDropDownList() const { return Has(kDropDownList); }
 
     int ListCount() const { return items_.Count(); }
     const std::string& List(int index) const { return items_.At(index).text; }
     void AddItem(const std::string& text);
-    /// Empties the list and the text. Free text: fires Change if there was a text.
+    /// Empties the list and the text. With free text, fires Change if there was a text.
     void Clear();
 
     const std::string& Text() const { return text_; }
-    /// Free text: a different text fires Change. Drop-down list: fires nothing, and a text that is not in the
-    /// list is refused.
+    /// With free text, a different text fires Change. A drop-down list fires nothing, and throws Refusal if
+    /// the text is not in the list.
     void Text(const std::string& value);
 
     /// -1 if the text was not taken from the list.
     int ListIndex() const { return list_index_; }
-    /// Takes the item's text and fires Click, also for the same index. Refuses one outside the list; -1 is in
-    /// it and leaves no text.
+    /// Takes the item's text, or none for -1. Fires Click, also if the index is the same.
     void ListIndex(int value);
 
     Handler on_click;
-    Handler on_change; ///< free text only
+    Handler on_change; ///< only with free text
 
-    /// For operator.h: the text as the operator has changed it.
+    /// For operator.h: the operator has changed the text to this. A different text fires Change.
     void TakeEdit(const std::string& text);
 
   private:

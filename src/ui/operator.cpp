@@ -1,3 +1,5 @@
+// The operator's acts: each checks that its control can be used, then changes the control and fires its
+// events.
 #include "ui/operator.h"
 
 namespace ui {

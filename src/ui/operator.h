@@ -1,16 +1,17 @@
-// What an operator does to a form. A toolkit reports through these, and tests press the same buttons.
-// An act fires the events that Windows would. On a control that cannot be used it does nothing and returns
-// false.
+// The operator's acts on a form, one function for each. A toolkit calls them when the operator uses the
+// native controls; tests call them to play the operator. An act fires the events that Windows would fire. On
+// a control that cannot be used it does nothing and returns false; otherwise it returns true. What a handler
+// throws goes to the caller.
 //
 // Input can wait in the system's queue while a handler runs. It is judged by the state that its control had
-// when it arrived, and not by the state at its delivery: a second click on a command must not start the
-// command again. So for each press of a key or of the mouse's button a toolkit
-//  - asks Accepts or AcceptsPress before the native control sees it, and gives the native control no press
-//    that is refused (for the mouse also the press on a disabled control, which the system may deliver to its
-//    parent; for a command button that has the focus only the keys that press it: Tab leads on);
-//  - gives a command button no repeats of a key that is held down;
-//  - reports a click of a command button with the time at which the input arrived: a mnemonic's, Enter's and
-//    Escape's button is not known before.
+// when it arrived, not when it is delivered: a second click on a command must not start the command again. So
+// for each press of a key or of the mouse's button a toolkit
+//  - asks Accepts or AcceptsPress first, and passes the press on to the native control only if the answer is
+//    true. It asks for a mouse press on a disabled control too, which the system may deliver to the parent.
+//    For a command button that has the focus it asks only for the keys that press the button, not for Tab;
+//  - passes no repeats of a key that is held down on to a command button;
+//  - reports a click of a command button with the time at which the input arrived: which button a mnemonic,
+//    Enter or Escape presses is known only after the key was delivered.
 #pragma once
 
 #include <chrono>
@@ -27,19 +28,20 @@ bool CanBeUsed(const Control& control);
 /// True if the form is not unloaded and the control's tab is active, whether or not the control is enabled.
 bool IsShown(const Control& control);
 
-/// Presses of a command button that follow each other within this time are one double click; Windows' own
-/// setting is the same by default. A toolkit takes the system's setting where that is longer.
+/// Presses of a command button that follow each other within this time are one double click. It is the
+/// default of Windows. A toolkit uses the system's setting if that is longer.
 inline constexpr std::chrono::milliseconds kDoubleClickTime{500};
 
-/// Nobody sees that a command has ended and presses its button again within this time: such a press was meant
-/// for the command that ran.
+/// A press of a button within this time after its command has ended is refused: nobody reacts so quickly, so
+/// the press was made before the operator saw the end.
 inline constexpr std::chrono::milliseconds kReactionTime{200};
 
-/// True for input that arrived at that time and may reach the control: since then nothing that it lies on was
-/// disabled, and if it is a command button, its command neither ran nor had just ended.
+/// True if input that arrived at that time may reach the control: it can be used, it and all that it lies on
+/// have been enabled since then, and if it is a command button, its command was not running then and had not
+/// just ended.
 bool Accepts(const Control& control, InputClock::time_point arrived);
-/// The same for a press of the mouse's button, which must be reported once. Of a double click a command
-/// button takes the first press only.
+/// The same for a press of the mouse's button. Must be called exactly once for each press. Of a double click
+/// a command button accepts only the first press.
 bool AcceptsPress(Control& control, InputClock::time_point arrived,
                   std::chrono::milliseconds double_click = kDoubleClickTime);
 
@@ -62,17 +64,17 @@ bool Choose(ListBox& box, int index);
 /// disabled tab is refused.
 bool Choose(TabControl& tabs, int tab);
 
-/// The operator presses the button by mouse, space bar, Enter or a mnemonic. Refused while the button's
+/// The operator presses the button by mouse, space bar, Enter or a mnemonic. Returns false while the button's
 /// command runs, and if Accepts refuses input that arrived at that time. A click without a time comes from a
-/// program, not from the input queue.
+/// program such as a screen reader, not from the input queue.
 bool Click(CommandButton& button, std::optional<InputClock::time_point> arrived = std::nullopt);
 bool Click(CheckBox& box);
 /// Fires Click also if the button is selected already.
 bool Click(OptionButton& button);
 
-/// The focus is on this control now; null if it is on no control of the form.
+/// The operator has moved the focus to this control; null if to no control of the form.
 void FocusMoved(Form& form, Control* control);
-/// The frame's close button, Alt+F4: unloads the form.
+/// The operator presses the window's close button or Alt+F4: unloads the form.
 void Close(Form& form);
 
 } // namespace ui

@@ -1,7 +1,7 @@
-// All that the program knows of the toolkit that shows its forms. The build chooses the implementation:
-// ui/windows/ or ui/linux/; a test links tests/fakes/fake_toolkit.cpp.
+// The functions by which the program shows forms in windows. The build chooses the implementation:
+// ui/windows/ (Win32) or ui/linux/ (Qt); a test links tests/fakes/fake_toolkit.cpp.
 //
-// Message boxes, pending events and the mouse pointer are needed without any form as well: they are in
+// Message boxes, pending events and the mouse pointer are also needed without a form: they are in
 // platform/message_box.h and platform/pending_events.h.
 #pragma once
 
@@ -18,30 +18,34 @@ namespace ui {
 class Window {
   public:
     virtual ~Window() = default;
-    /// Non-modally.
+    /// Shows the window and returns at once.
     virtual void Show() = 0;
-    /// Runs the window's events until the form is unloaded. Throws the exception of a handler of the form.
+    /// Runs events until the form is unloaded. If a handler of the form throws, its exception comes from
+    /// here.
     virtual void RunUntilClosed() = 0;
 };
 
-/// Makes the window of a loaded form without showing it. Null where no window can be shown.
+/// Makes the window of a form without showing it. Returns null if no window can be shown.
 std::unique_ptr<Window> MakeWindow(Form& form);
 
-/// Shows the form above its owner, which takes no input meanwhile, and returns when the form is unloaded.
-/// Throws the exception of a handler of the form. Where no window can be shown it returns at once.
+/// Shows the form as a dialog above `owner`, which accepts no input meanwhile, and returns when the form is
+/// unloaded. If a handler of the form throws, its exception comes from here. Returns at once if no window can
+/// be shown.
 void ShowModally(Form& form, Form& owner);
 
-/// Blocks; no event runs meanwhile.
+/// Sleeps; no event runs meanwhile.
 void Wait(std::chrono::milliseconds time);
 
-/// The system's tree of folders, opened at `start_folder`, at the top if that is empty. Returns nothing
-/// if it was cancelled or the choice is not in the file system.
+/// Lets the operator choose a folder in the system's dialog, which opens at `start_folder`; an empty
+/// `start_folder` leaves the place to the system. Returns nothing if the dialog is cancelled or the choice is
+/// not in the file system.
 std::optional<std::string> PickFolder(const Form& owner, const std::string& title,
                                       const std::string& start_folder);
 
-/// The system's dialog for one existing file, without the box "read-only". `filter` holds a name and a
-/// pattern with "|" between; the first of them is selected. An empty `start_folder` leaves the choice to the
-/// system. Returns nothing if it was cancelled.
+/// Lets the operator choose one existing file in the system's dialog, without the box "read-only", and
+/// returns its full path. `filter` holds pairs of a name and a pattern, all separated by "|"
+/// ("Script Files (*.sql)|*.sql"); the first pair is selected. An empty `start_folder` leaves the place to
+/// the system. Returns nothing if the dialog is cancelled.
 std::optional<std::string> PickFile(const Form& owner, const std::string& title, const std::string& filter,
                                     const std::string& start_folder);
 

@@ -1,3 +1,4 @@
+// Subclasses native controls, so that containers pass on notifications and disabled ticks look disabled.
 #include "ui/windows/control_procedures.h"
 
 #include "ui/windows/dialog_font.h"
@@ -36,8 +37,8 @@ LRESULT CALLBACK ContainerProcedure(HWND window, UINT message, WPARAM wparam, LP
     return ::DefSubclassProc(window, message, wparam, lparam);
 }
 
-constexpr int kTickWidth = 16; // with its margin, at the design's scale
-constexpr BYTE kPaleness = 160;
+constexpr int kTickWidth = 16;  // pixels with its margin, at 96 DPI
+constexpr BYTE kPaleness = 160; // how much of the background's colour is mixed in, of 255
 
 /// Lays the colour of a button's face over the tick.
 void Dim(HWND button) {

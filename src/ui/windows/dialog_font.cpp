@@ -1,3 +1,4 @@
+// Reads the dialogs' font and the DPI from the system.
 #include "ui/windows/dialog_font.h"
 
 namespace ui {
@@ -15,7 +16,8 @@ LONG TextHeightOf(HFONT font) {
 
 using DpiFunction = UINT(WINAPI*)(HWND);
 
-/// Windows 10 and later have a scale for each monitor; the call is looked up because Windows 7 has it not.
+/// Returns GetDpiForWindow, or null before Windows 10. It is looked up because Windows 7 lacks it, and a
+/// program that is linked with it would not start there.
 DpiFunction FindDpiFunction() {
     const HMODULE user = ::GetModuleHandleA("user32.dll");
     return reinterpret_cast<DpiFunction>(reinterpret_cast<void*>(::GetProcAddress(user, "GetDpiForWindow")));

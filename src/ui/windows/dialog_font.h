@@ -1,4 +1,4 @@
-// The system's font for dialogs and the scale of a monitor. It knows no control.
+// The system's font for dialogs, and the scale of a monitor in DPI (pixels per inch). Knows no control.
 #pragma once
 
 #include <utility>
@@ -9,15 +9,16 @@ namespace ui {
 
 using platform::kDesignDpi;
 
-/// Pixels per inch of the whole desktop at the start of the process.
+/// The DPI of the desktop when the process started.
 int SystemDpi();
-/// Pixels per inch of the monitor that the window is on; SystemDpi where the system has no scale for each
-/// monitor.
+/// The DPI of the monitor that the window is on. Before Windows 10, which has a scale for each monitor, it is
+/// SystemDpi.
 int DpiOf(HWND window);
 
-/// The font of the system's own dialogs, for a monitor of that many pixels per inch. Owns the font.
+/// Owns the font of the system's dialogs in the size for one DPI.
 class DialogFont {
   public:
+    /// If the system cannot make the font, Get returns null, which Windows takes for its own font.
     explicit DialogFont(int dpi);
     DialogFont(DialogFont&& other) noexcept
         : font_(std::exchange(other.font_, nullptr)), text_height_(other.text_height_) {}
@@ -30,8 +31,9 @@ class DialogFont {
     DialogFont& operator=(const DialogFont&) = delete;
     ~DialogFont();
 
+    /// The font, which lives as long as this object.
     HFONT Get() const { return font_; }
-    /// Of a line, in pixels.
+    /// The height of a line of text, in pixels.
     LONG TextHeight() const { return text_height_; }
 
   private:

@@ -1,3 +1,4 @@
+// Makes and places the windows of controls. native_state.cpp shows their state.
 #include "ui/windows/native_control.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// One native control for each control of a form: makes each kind, places it and shows the control's state.
-// It knows nothing of the window around it.
+// Makes the window of a control, the native control, places it and shows the control's state in it. It knows
+// nothing of the form's window around it.
 #pragma once
 
 #include <cstdint>
@@ -21,14 +21,14 @@ constexpr std::uint32_t Bit(Property property) {
     return std::uint32_t{1} << static_cast<unsigned>(property);
 }
 
-/// Makes the window of a control of any kind but a tab control, at its place in its parent, in pixels, and
-/// with all of the control's state that a window can be made with: on Wine, a control that is made first and
-/// changed then costs twice. BringInLine does the rest.
-/// `style` is added to the style of the kind; WS_VISIBLE may be in it.
+/// Makes the window of a control of any kind but a tab control. `place` is in pixels, relative to `parent`,
+/// which owns the window. `style` is added to the style of the kind, for example WS_VISIBLE. The window is
+/// made with as much of the control's state as possible, because on Wine a change after that takes as long
+/// again; BringInLine shows the rest.
 void MakeNativeControl(NativeControl& native, HWND parent, const RECT& place, DWORD style,
                        const DialogFont& font);
 
-/// Gives it a font and a place in its parent, in pixels.
+/// Gives the native control a font and a place, in pixels relative to its parent.
 void PlaceNativeControl(const NativeControl& native, const RECT& place, const DialogFont& font);
 
 /// Updates the stale properties that the native control does not show already. Not for a tab control.
@@ -37,9 +37,9 @@ void BringInLine(NativeControl& native);
 /// The text of a native control.
 std::string WindowText(HWND window);
 
-/// A colour as the program writes it.
+/// Converts a colour of the model. A system colour becomes its present value.
 COLORREF ToColorRef(Colour colour);
-/// The brush of a system colour, owned by the system; that of a button's face for any other colour.
+/// The brush of a system colour; for any other colour the brush of a button's face. The system owns it.
 HBRUSH SystemBrush(Colour colour);
 
 } // namespace ui

@@ -1,3 +1,4 @@
+// Makes the window of a form and its native controls, and places them for the monitor's DPI.
 #include "ui/windows/native_form.h"
 
 #include <algorithm>
@@ -10,9 +11,9 @@ namespace ui {
 namespace {
 
 constexpr char kClassName[] = "KVForm";
-constexpr int kProgramIcon = 1; // the icon's number among the resources
-constexpr int kToolTipWidth = 480;
-constexpr int kTabPadding = 8;
+constexpr int kProgramIcon = 1;    // the icon's number among the resources
+constexpr int kToolTipWidth = 480; // pixels at 96 DPI
+constexpr int kTabPadding = 8;     // pixels at 96 DPI
 
 constexpr DWORD kMainStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX;
 constexpr DWORD kMainExtendedStyle = WS_EX_CONTROLPARENT;
@@ -28,7 +29,7 @@ void RegisterFormClass(WNDPROC procedure) {
     WNDCLASSEXA form_class{};
     form_class.cbSize = sizeof form_class;
     form_class.lpfnWndProc = procedure;
-    form_class.cbWndExtra = DLGWINDOWEXTRA; // DefDlgProc keeps the focus and the default button there
+    form_class.cbWndExtra = DLGWINDOWEXTRA; // where DefDlgProc stores the focus and the default button
     form_class.hInstance = ::GetModuleHandleA(nullptr);
     form_class.hIcon = ProgramIcon(::GetSystemMetrics(SM_CXICON), ::GetSystemMetrics(SM_CYICON));
     form_class.hIconSm = ProgramIcon(::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON));
@@ -43,7 +44,7 @@ void LoadCommonControls() {
     ::InitCommonControlsEx(&controls);
 }
 
-/// The part of the screen that the taskbar leaves, of the monitor that the window is on.
+/// The part of the window's monitor that the taskbar does not cover.
 RECT WorkArea(HWND window) {
     MONITORINFO monitor{};
     monitor.cbSize = sizeof monitor;
@@ -80,7 +81,7 @@ const Control* PageOf(const Control& control) {
     return nullptr;
 }
 
-/// To the beginning or the end of the order of the Tab key.
+/// Moves the control to the beginning (HWND_TOP) or the end (HWND_BOTTOM) of the order of the Tab key.
 void MoveInOrder(HWND control, HWND where) {
     ::SetWindowPos(control, where, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
@@ -145,7 +146,7 @@ HWND NativeForm::MakeFrame(const Form& form, HWND owner) {
                              nullptr, ::GetModuleHandleA(nullptr), nullptr);
 }
 
-/// All except the controls on the pages of a tab control.
+/// Makes all native controls except those on the pages of a tab control.
 void NativeForm::MakeControls() {
     showing_ = true;
     natives_.reserve(form_.Controls().size());
@@ -163,15 +164,15 @@ void NativeForm::MakeControls() {
         }
     }
     if (tabs_) {
-        // The pages lie on the tab control, so it is the last in the order of the Tab key, and they come
-        // first; that order is a ring.
+        // A window in front is earlier in the order of the Tab key. The pages are in front of the tab
+        // control, so they come first and it comes last; the order starts again after the last.
         MoveInOrder(tabs_->Window(), HWND_BOTTOM);
     }
     showing_ = false;
 }
 
-/// The page that is to be shown and the controls on it, when it is shown first: a window spends most of its
-/// start on making controls, and only one page is seen.
+/// Makes the page that is to be shown and the controls on it, unless they exist. A window spends most of its
+/// start on making controls, so a page is made only when it is first shown.
 void NativeForm::MakePage() {
     if (!tabs_) {
         return;
@@ -195,7 +196,7 @@ void NativeForm::Make(NativeControl& native) {
     const Control& control = *native.control;
     const bool is_page = control.Parent() != nullptr && control.Parent()->Kind() == Kind::TabControl;
     const DWORD group = BeginsGroup(static_cast<std::size_t>(&native - natives_.data())) ? WS_GROUP : 0;
-    const DWORD visible = is_page ? 0 : WS_VISIBLE; // a page comes up when everything on it is up to date
+    const DWORD visible = is_page ? 0 : WS_VISIBLE; // a page is hidden until everything on it is up to date
     MakeNativeControl(native, ParentOf(control), PlaceOf(control), group | visible, font_);
     if (is_page) {
         MoveInOrder(native.window, HWND_TOP);
@@ -213,8 +214,8 @@ void NativeForm::MakeTabs(NativeControl& native) {
     Settle(native);
 }
 
-/// A page of the tab control is native to the form: a tab control that is the parent of others would not
-/// itself be reached by the Tab key.
+/// The native parent of a page is the form's window: the Tab key would not reach a tab control that is the
+/// parent of others.
 HWND NativeForm::ParentOf(const Control& control) const {
     const Control* parent = control.Parent();
     if (parent == nullptr || parent->Kind() == Kind::TabControl) {
@@ -223,8 +224,8 @@ HWND NativeForm::ParentOf(const Control& control) const {
     return natives_.at(static_cast<std::size_t>(parent->Id() - form_.Controls().front()->Id())).window;
 }
 
-/// The arrow keys move within a group. Adjacent option buttons of one name are a group; every other control
-/// is a group alone.
+/// True if the control is the first of a group, within which the arrow keys move. Adjacent option buttons
+/// with the same parent are a group; every other control is a group of its own.
 bool NativeForm::BeginsGroup(std::size_t index) const {
     const Control& control = *natives_[index].control;
     if (index == 0 || control.Kind() != Kind::OptionButton) {
@@ -279,7 +280,7 @@ RECT NativeForm::PlaceOf(const Control& control) const {
             platform::TwipsToPixels(origin.y + design.top + design.height, dpi_) - top};
 }
 
-/// The font and the place of an existing control.
+/// Gives an existing native control its font and its place.
 void NativeForm::Settle(const NativeControl& native) {
     if (native.control->Kind() == Kind::TabControl) {
         const int padding = ::MulDiv(kTabPadding, dpi_, kDesignDpi);
@@ -290,12 +291,12 @@ void NativeForm::Settle(const NativeControl& native) {
 
 void NativeForm::LayOut(int dpi) {
     DialogFont before(dpi);
-    std::swap(font_, before); // the old one is let go only when no control uses it
+    std::swap(font_, before); // the old font must exist until no control uses it
     dpi_ = dpi;
     for (NativeControl& native : natives_) {
         if (native.window != nullptr) {
             Settle(native);
-            native.stale |= Bit(Property::Caption); // another part of it fits
+            native.stale |= Bit(Property::Caption); // a different part of a long caption fits
         }
     }
     BringAllInLine();
@@ -305,7 +306,8 @@ void NativeForm::LayOut(int dpi) {
     FitClient();
 }
 
-/// How thick a frame is depends on the monitor; so the client area is set, measured, and set again.
+/// Gives the window the size at which its client area has the form's size. How thick the frame is depends on
+/// the monitor; so the client area is set, measured, and set again.
 void NativeForm::FitClient() {
     const int width = platform::TwipsToPixels(form_.Design().client_width, dpi_);
     const int height = platform::TwipsToPixels(form_.Design().client_height, dpi_);
@@ -323,7 +325,7 @@ void NativeForm::FitClient() {
     }
 }
 
-/// On the owner, or in the middle of the screen; wholly on the screen where it fits.
+/// Centres the window on its owner, or on the screen if it has none, wholly on the screen if it fits.
 void NativeForm::CentreOn(HWND owner) {
     const RECT work = WorkArea(owner == nullptr ? window_ : owner);
     RECT middle = work;

@@ -18,7 +18,8 @@ namespace ui {
 
 class NativeForm final : public Window, private Mirror {
   public:
-    /// With an owner it is a dialog above that. The window is hidden until Show.
+    /// With an owner it is a dialog above the owner; null makes a main window. The window is hidden until
+    /// Show. The form must outlive it.
     NativeForm(Form& form, HWND owner);
     NativeForm(const NativeForm&) = delete;
     NativeForm& operator=(const NativeForm&) = delete;
@@ -76,7 +77,7 @@ class NativeForm final : public Window, private Mirror {
     void PressCancel();
     void TakeDpi(int dpi, const RECT& place);
 
-    /// All that exist, the oldest first.
+    /// All that exist, the oldest first. Not owned.
     static std::vector<NativeForm*>& All();
 
     Form& form_;
@@ -86,13 +87,13 @@ class NativeForm final : public Window, private Mirror {
     HWND tool_tips_ = nullptr; ///< made when the window is shown
     std::vector<NativeControl> natives_;
     std::unique_ptr<TabStrip> tabs_;
-    int tabs_index_ = -1;       ///< the tab control's place among the controls
-    bool told_ = false;         ///< a message that updates the window is in the queue
-    bool showing_ = false;      ///< changes of native controls are made by this class and not reported
+    int tabs_index_ = -1;  ///< the tab control's place among the controls
+    bool told_ = false;    ///< a message that updates the window is in the queue
+    bool showing_ = false; ///< this class is changing native controls; their notifications are not reported
     bool focus_wanted_ = false; ///< the form has moved the focus, and the window has not yet
-    /// When the input arrived that is being delivered, to whatever form.
+    /// When the input arrived that is being delivered to any of the forms; nothing if none is.
     static std::optional<InputClock::time_point> arrived_;
-    std::exception_ptr thrown_;
+    std::exception_ptr thrown_; ///< thrown by a handler of the form, for RunUntilClosed
 };
 
 } // namespace ui

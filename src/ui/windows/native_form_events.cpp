@@ -1,4 +1,4 @@
-// The events of a form's window: changes of the form are shown, the operator's acts are reported to the form.
+// The events of a form's window: shows changes of the form, and reports the operator's acts to the form.
 #include <algorithm>
 
 #include "platform/pending_events.h"
@@ -11,7 +11,8 @@
 namespace ui {
 namespace {
 
-/// In the queue when something is not shown yet. Posted messages come before input and painting.
+/// The message that updates the window. It is in the queue while something is not shown yet. Posted messages
+/// are delivered before input and painting.
 constexpr UINT kBringInLine = WM_APP;
 constexpr UINT kDpiChanged = 0x02E0; // WM_DPICHANGED, which headers for Windows 7 do not have
 
@@ -24,14 +25,14 @@ bool IsInput(const MSG& message) {
            (message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST);
 }
 
-/// On the model's clock. The system counts in steps of up to 16 ms, so the result may be that much off, and
-/// later than now.
+/// When the message arrived. The system counts in steps of up to 16 ms, so the result may be wrong by as
+/// much.
 InputClock::time_point ArrivalOf(const MSG& message) {
     const auto age = static_cast<std::int32_t>(::GetTickCount() - message.time);
     return InputClock::now() - std::chrono::milliseconds(std::max(age, 0));
 }
 
-/// The key was down already.
+/// True if the message is a repeat of a key that is held down.
 bool IsRepeat(const MSG& message) {
     constexpr LPARAM kWasDown = LPARAM{1} << 30;
     return (message.lParam & kWasDown) != 0;
@@ -98,8 +99,8 @@ void NativeForm::TakeFormChange(Property property) {
     }
 }
 
-/// The loop checks for its end when GetMessage returns. GetMessage does not return for a message that another
-/// thread or process sends, such as WM_CLOSE, so one is posted.
+/// Makes RunUntilClosed check whether it is to end, which it does when GetMessage returns. GetMessage does
+/// not return for a message that another thread or process sends, such as WM_CLOSE; so this posts one.
 void NativeForm::WakeLoop() const {
     ::PostMessageA(window_, WM_NULL, 0, 0);
 }
@@ -119,7 +120,7 @@ void NativeForm::BringAllInLine() {
         BringTabsInLine(natives_[static_cast<std::size_t>(tabs_index_)]);
     }
     showing_ = before;
-    // A window below a message box takes no focus. WM_ENABLE comes when the box has closed.
+    // A window below a message box is disabled and accepts no focus. WM_ENABLE comes when the box has closed.
     if (::IsWindowEnabled(window_) != 0 && std::exchange(focus_wanted_, false) &&
         form_.Focused() != nullptr && IsShown(*form_.Focused())) {
         GiveFocus(FindById(form_.Focused()->Id())->window);
@@ -143,8 +144,7 @@ void NativeForm::BringTabsInLine(NativeControl& native) {
         const bool shown = page.control->Index() == tabs.Tab();
         if (shown != ((::GetWindowLongPtrA(page.window, GWL_STYLE) & WS_VISIBLE) != 0)) {
             ::ShowWindow(page.window, shown ? SW_SHOWNA : SW_HIDE);
-            // Wine looks for mnemonics on hidden pages too, as long as they say that they are parents of
-            // controls.
+            // Wine looks for mnemonics on hidden pages too if they have the style of a parent of controls.
             ::SetWindowLongPtrA(page.window, GWL_EXSTYLE, shown ? WS_EX_CONTROLPARENT : 0);
         }
         if (!shown && focus != nullptr && ::IsChild(page.window, focus) != 0) {
@@ -155,12 +155,14 @@ void NativeForm::BringTabsInLine(NativeControl& native) {
 
 // --- the focus
 
-/// As the Tab key does it: the text of a box is selected, and a button becomes the one that Enter presses.
+/// Gives the focus as the Tab key does, which also selects the text of a box and makes a button the one that
+/// Enter presses.
 void NativeForm::GiveFocus(HWND control) const {
     ::SendMessageA(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
 }
 
-/// A control that is disabled loses the focus, and with it the keyboard would be dead.
+/// Gives the focus to the next control if the window has lost it. That happens when the control with the
+/// focus is disabled; the keyboard would then have no effect.
 void NativeForm::GiveFocusToSomeone() const {
     if (::GetActiveWindow() != window_ || ::GetFocus() != nullptr) {
         return;
@@ -198,7 +200,7 @@ void NativeForm::TrackFocus() {
 
 NativeControl* NativeForm::Find(HWND window) {
     if (window == nullptr) {
-        return nullptr; // and not a control that is not made yet
+        return nullptr; // a control whose native control is not made yet has a null window too
     }
     const auto found = std::find_if(natives_.begin(), natives_.end(), [window](const NativeControl& native) {
         return native.window == window;
@@ -257,7 +259,7 @@ void NativeForm::Report(NativeControl& native, WORD code) {
         break;
     case Kind::CheckBox:
         if (code == BN_CLICKED) {
-            Stale(index, Property::Value); // the native tick has turned, whatever the form makes of it
+            Stale(index, Property::Value); // the native tick has changed; the form may refuse the click
             Click(static_cast<CheckBox&>(control));
         }
         break;
@@ -274,7 +276,7 @@ void NativeForm::Report(NativeControl& native, WORD code) {
         } else if (code == CBN_EDITCHANGE) {
             Edit(static_cast<ComboBox&>(control), WindowText(native.window));
         } else if (code == CBN_KILLFOCUS) {
-            ::SendMessageA(native.window, CB_SETEDITSEL, 0, MAKELPARAM(-1, 0)); // the mark would stay
+            ::SendMessageA(native.window, CB_SETEDITSEL, 0, MAKELPARAM(-1, 0)); // clears the selection
         }
         break;
     case Kind::ListBox:
@@ -288,10 +290,10 @@ void NativeForm::Report(NativeControl& native, WORD code) {
     }
 }
 
-/// The whole of a caption that does not fit; no tip for another.
+/// Gives the tool tip of an option button: the whole caption if it does not fit, otherwise no text.
 void NativeForm::GiveToolTip(const NativeControl& native, NMTTDISPINFOA& wanted) const {
     const auto& button = static_cast<const OptionButton&>(*native.control);
-    static std::string shown; // until the tip is gone
+    static std::string shown; // must exist as long as the tip is shown
     shown = FittingCaption(button, native.window) == button.Caption() ? std::string() : button.Caption();
     wanted.lpszText = shown.data();
 }
@@ -391,8 +393,8 @@ LRESULT NativeForm::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     return ::DefDlgProcA(window_, message, wparam, lparam);
 }
 
-/// An exception may not pass through functions of the system: it is kept for the loop that delivered the
-/// message.
+/// The window procedure. An exception must not pass through functions of the system, so it is kept for
+/// RunUntilClosed.
 LRESULT CALLBACK NativeForm::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     NativeForm* form = OfWindow(window);
     if (form == nullptr) {
@@ -407,7 +409,8 @@ LRESULT CALLBACK NativeForm::Procedure(HWND window, UINT message, WPARAM wparam,
     }
 }
 
-/// Ctrl+Tab and Ctrl+Page Down, with Shift and Page Up backwards, from wherever the focus is.
+/// Ctrl+Tab and Ctrl+Page Down choose the next tab, Ctrl+Shift+Tab and Ctrl+Page Up the one before, wherever
+/// the focus is.
 bool NativeForm::FilterKey(const MSG& message) {
     if (!tabs_ || message.message != WM_KEYDOWN || !IsPressed(VK_CONTROL)) {
         return false;
@@ -427,8 +430,8 @@ bool NativeForm::FilterKey(const MSG& message) {
     }
 }
 
-/// The control that a point of the screen lies on, also if it is disabled: the system gives the mouse's
-/// messages for such a one to its parent.
+/// Returns the control at a point of the screen, also a disabled one, whose mouse messages the system sends
+/// to its parent. Null if there is none.
 NativeControl* NativeForm::FindUnder(POINT place) {
     HWND window = window_;
     for (;;) {
@@ -444,14 +447,14 @@ NativeControl* NativeForm::FindUnder(POINT place) {
     return native != nullptr ? native : Find(::GetParent(window));
 }
 
-/// True for input that does not go to its control; operator.h has the rules.
+/// True for input that must not reach its control, by the rules in operator.h.
 bool NativeForm::DropsInput(const MSG& message) {
     if (message.message == WM_LBUTTONDOWN || message.message == WM_LBUTTONDBLCLK) {
         NativeControl* pressed = FindUnder(message.pt);
         return pressed != nullptr && !AcceptsPress(*pressed->control, *arrived_, DoubleClickTime());
     }
     if (message.message == WM_SYSCHAR) {
-        return IsRepeat(message); // the mnemonic of a button
+        return IsRepeat(message); // a mnemonic, which may press a button
     }
     if (message.message != WM_KEYDOWN) {
         return false;
@@ -488,8 +491,8 @@ bool NativeForm::Filter(MSG& message) {
 
 void NativeForm::Show() {
     BringAllInLine();
-    focus_wanted_ = form_.Focused() !=
-                    nullptr; // not the one that the system gives the focus to when it activates the window
+    // The form's focus, not that of the control to which the system gives it when it activates the window.
+    focus_wanted_ = form_.Focused() != nullptr;
     ::ShowWindow(window_, SW_SHOWNORMAL);
     if (focus_wanted_) {
         BringAllInLine();

@@ -1,3 +1,4 @@
+// Shows the columns and the visible rows of a ListView, and sizes its columns.
 #include "ui/windows/native_list_view.h"
 
 #include <algorithm>
@@ -11,15 +12,15 @@ namespace ui {
 namespace {
 
 constexpr std::size_t kPaintedCharacters = 259; // the control's own buffer for a text holds no more
-constexpr int kNewColumnWidth = 96;             // an inch, at the design's scale
-constexpr int kCellMargins = 14;                // free space left and right of a text, with the grid line
-constexpr int kHeaderMargins = 24;              // the same of a header
+constexpr int kNewColumnWidth = 96;             // pixels at 96 DPI
+constexpr int kCellMargins = 14;   // pixels left and right of a text, with the grid line, at 96 DPI
+constexpr int kHeaderMargins = 24; // the same for a header
 
 using CharacterWidths = std::array<INT, 256>;
 
-/// The widths of the font's characters. Without kerning, which the control's painting does not do, a text is
-/// as wide as its characters, and a table of 327,660 cells is measured in a hundredth of the time of that
-/// many calls of GetTextExtentPoint32.
+/// The widths of the font's characters, in pixels. The control paints without kerning, so a text is as wide
+/// as its characters together. Adding them measures a table of 327,660 cells in a hundredth of the time that
+/// as many calls of GetTextExtentPoint32 take.
 CharacterWidths WidthsOfFont(HWND window) {
     CharacterWidths widths{};
     const HDC screen = ::GetDC(window);
@@ -31,7 +32,7 @@ CharacterWidths WidthsOfFont(HWND window) {
     return widths;
 }
 
-/// Of as much of the text as the control paints.
+/// The width of the part of the text that the control paints, in pixels.
 int WidthOf(std::string_view text, const CharacterWidths& widths) {
     int width = 0;
     for (const char character : text.substr(0, kPaintedCharacters)) {
@@ -51,7 +52,7 @@ int WidestCell(const ListView& list, int column, const CharacterWidths& widths) 
 } // namespace
 
 void ShowExtendedStyle(HWND window, const ListView& list) {
-    // Painting into memory first is ours: without it a long list flickers when it is scrolled.
+    // The program does not ask for double buffering; without it a long list flickers when it is scrolled.
     ::SendMessageA(window, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, list.ExtendedStyle() | LVS_EX_DOUBLEBUFFER);
 }
 
@@ -76,9 +77,9 @@ void ShowRows(HWND window, const ListView& list) {
 }
 
 void SizeColumns(HWND window, const ListView& list) {
-    // The control holds no rows, so it would measure only those on the screen; on Wine it also makes a header
-    // too narrow. So it is asked while it has no rows, which lets the last column reach the edge, and the
-    // texts are measured here.
+    // The control holds no texts, so it can measure only the rows on the screen; on Wine it also makes a
+    // header too narrow. So the texts are measured here. The control is still asked, with no rows, because it
+    // makes the last column reach the window's edge.
     const CharacterWidths widths = WidthsOfFont(window);
     const int cell_margins = ::MulDiv(kCellMargins, DpiOf(window), kDesignDpi);
     const int header_margins = ::MulDiv(kHeaderMargins, DpiOf(window), kDesignDpi);
@@ -96,7 +97,7 @@ void SizeColumns(HWND window, const ListView& list) {
         const auto given = static_cast<int>(::SendMessageA(window, LVM_GETCOLUMNWIDTH, index, 0));
         const int wanted = std::max({given, WidestCell(list, column, widths) + cell_margins,
                                      WidthOf(list.ColumnAt(column).text, widths) + header_margins});
-        // A wider one would leave no room for any other column, and its end could hardly be found.
+        // A column wider than the window would hide all others.
         const int fitting = std::min(wanted, static_cast<int>(view.right));
         if (fitting != given) {
             ::SendMessageA(window, LVM_SETCOLUMNWIDTH, index, fitting);

@@ -64,7 +64,8 @@ void ShowOptionButton(const NativeControl& native) {
     ShowTick(native.window, button.Value());
 }
 
-/// The system selects the text that comes from the list, and shows the selection also without the focus.
+/// Clears the selection in the text field. The system selects a text that comes from the list, and shows the
+/// selection although the box does not have the focus.
 void Unmark(HWND combo_box) {
     ::SendMessageA(combo_box, CB_SETEDITSEL, 0, 0);
 }
@@ -91,7 +92,7 @@ void ShowComboBox(const NativeControl& native) {
     }
 }
 
-/// As wide as the longest item, so that the list can be scrolled to its end.
+/// The width of the longest item, in pixels, so that the list can be scrolled to its end.
 int WidestItem(const ListBox& box, HWND window) {
     const HDC screen = ::GetDC(window);
     const HGDIOBJ before =
@@ -178,7 +179,7 @@ ShowFunction ShowFunctionOf(Kind kind) {
     case Kind::TabControl:
         break;
     }
-    return nullptr; // only whether they are enabled changes
+    return nullptr; // of these kinds only Enabled changes, or NativeForm shows the change
 }
 
 } // namespace

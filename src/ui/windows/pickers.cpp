@@ -1,3 +1,4 @@
+// Opens the shell's dialogs for folders and files.
 #include "ui/windows/pickers.h"
 
 #include <algorithm>
@@ -36,7 +37,8 @@ struct FreeLocal {
     void operator()(char* block) const { ::LocalFree(block); }
 };
 
-/// A copy whose address the dialog's callback gets.
+/// Returns a copy of the text in memory that LocalFree frees; null if there is no memory. The dialog's
+/// callback gets its address.
 std::unique_ptr<char, FreeLocal> LocalCopy(const std::string& text) {
     std::unique_ptr<char, FreeLocal> copy(static_cast<char*>(::LocalAlloc(LPTR, text.size() + 1)));
     if (copy) {
@@ -52,18 +54,18 @@ int CALLBACK BrowseCallback(HWND window, UINT message, LPARAM /*lparam*/, LPARAM
     return 0;
 }
 
-/// The size by which the dialog knows the record that ends in the template's name; on x86 these are the 76
-/// bytes that every version of the dialog has taken. On x64 it is the whole record.
+/// The size of the dialog's record. On x86 it is 76 bytes, up to and with the template's name, which every
+/// version of the dialog accepts. On x64 it is the whole record.
 constexpr std::size_t kUpToTemplateName = offsetof(OPENFILENAMEA, lpTemplateName) + sizeof(LPCSTR);
 constexpr DWORD kOpenRecordSize = sizeof(void*) == 4 ? kUpToTemplateName : sizeof(OPENFILENAMEA);
 static_assert(sizeof(void*) != 4 || kOpenRecordSize == 76);
 
 using OpenFunction = BOOL(WINAPI*)(OPENFILENAMEA*);
 
-/// Looked up when a file is wanted first: the library brings the system's printing with it, which on Wine is
-/// a tenth of the program's start.
+/// Returns GetOpenFileName, or null if its library is missing. The library is loaded only for the first
+/// dialog: it loads the system's printing too, which on Wine takes a tenth of the program's start.
 OpenFunction FindOpenFunction() {
-    const HMODULE dialogs = ::LoadLibraryA("comdlg32.dll"); // stays: the dialog may be wanted again
+    const HMODULE dialogs = ::LoadLibraryA("comdlg32.dll"); // never unloaded: it may be needed again
     return reinterpret_cast<OpenFunction>(
         reinterpret_cast<void*>(::GetProcAddress(dialogs, "GetOpenFileNameA")));
 }

@@ -1,3 +1,4 @@
+// Measures a caption in the font of its native control and cuts it if it is too long.
 #include "ui/windows/shown_caption.h"
 
 #include "ui/windows/dialog_font.h"
@@ -5,8 +6,9 @@
 namespace ui {
 namespace {
 
-constexpr int kBesideCaption = 18; // the tick and its margin, at the design's scale
+constexpr int kBesideCaption = 18; // the width of the tick and its margin, in pixels at 96 DPI
 
+/// Measures texts in the font of a window.
 class Ruler {
   public:
     explicit Ruler(HWND window)
@@ -33,7 +35,7 @@ class Ruler {
     HGDIOBJ before_;
 };
 
-/// Keeps that many characters of the text.
+/// Returns the text with three dots instead of its middle. `kept` characters of it remain.
 std::string CutInTheMiddle(const std::string& text, std::size_t kept) {
     return text.substr(0, kept - kept / 2) + "..." + text.substr(text.size() - kept / 2);
 }

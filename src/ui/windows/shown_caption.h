@@ -1,5 +1,5 @@
-// The text by which a native control shows a caption that is data: with every "&", and cut in its middle if
-// it is too long.
+// Turns a caption that is data (a server's name) into the text that a native control shows: every "&" is
+// shown, and a caption that is too long is cut in its middle.
 #pragma once
 
 #include <string>
@@ -10,11 +10,11 @@
 
 namespace ui {
 
-/// The caption as it fits on the native button: if it is too long, with three dots in its middle, so that
-/// both of a server's names, the computer's and the instance's, can be read.
+/// Returns as much of the caption as fits on the native button `window`. A caption that is too long has three
+/// dots in its middle, so that both ends can be read: the names of the server's computer and of its instance.
 std::string FittingCaption(const OptionButton& button, HWND window);
 
-/// A text in which the system will see no mnemonic.
+/// Doubles every "&", so that the system sees no mnemonic in the text.
 std::string WithoutMnemonic(const std::string& text);
 
 } // namespace ui

@@ -1,3 +1,4 @@
+// Handles the input and the painting of the tab control.
 #include "ui/windows/tab_strip.h"
 
 #include <commctrl.h>
@@ -59,7 +60,7 @@ void TabStrip::ChooseNext(int direction, bool around) {
     }
 }
 
-/// The first tab from `index` on, in that direction, that can be chosen.
+/// Chooses the first enabled tab from `index` on in `direction` (1 or -1). Does nothing if there is none.
 void TabStrip::ChooseFrom(int index, int direction) {
     while (index >= 0 && index < Count() && !IsEnabled(index)) {
         index += direction;
@@ -69,13 +70,14 @@ void TabStrip::ChooseFrom(int index, int direction) {
     }
 }
 
-/// -1 if there is no tab.
+/// The tab at a point of the window (as in a mouse message's LPARAM); -1 if there is none.
 int TabStrip::TabAt(LPARAM point) const {
     TCHITTESTINFO hit{{GET_X_LPARAM(point), GET_Y_LPARAM(point)}, 0};
     return static_cast<int>(::SendMessageA(window_, TCM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
 }
 
-/// The control itself reports a tab only when it was not selected before.
+/// Handles a press of the mouse's button. The control itself reports only a tab that was not selected before;
+/// this also reports a click on the selected one.
 LRESULT TabStrip::TakePress(UINT message, WPARAM wparam, LPARAM lparam) {
     const int tab = TabAt(lparam);
     if (tab >= 0 && !IsEnabled(tab)) {
@@ -90,7 +92,7 @@ LRESULT TabStrip::TakePress(UINT message, WPARAM wparam, LPARAM lparam) {
     return result;
 }
 
-/// The control's own keys would stop at a tab that is grey.
+/// Handles the keys that choose a tab. The control's own handling would stop at a disabled tab.
 bool TabStrip::HandlesKey(WPARAM key) {
     switch (key) {
     case VK_LEFT:
@@ -175,7 +177,7 @@ void TabStrip::Paint(HDC paper) const {
     ::SelectObject(paper, before);
 }
 
-/// On memory first, so that nothing flickers.
+/// Paints into memory first, so that nothing flickers.
 void TabStrip::PaintBuffered() const {
     PAINTSTRUCT painting{};
     const HDC screen = ::BeginPaint(window_, &painting);

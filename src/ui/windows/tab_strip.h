@@ -1,7 +1,7 @@
-// The native tab control, with tabs that can be disabled: these are grey and cannot be chosen.
-// The system's tab control cannot disable a tab. This one paints itself in the colour of the pages: the
-// system's themes give the body and the selected tab another colour, and draw a second focus rectangle. It
-// knows no pages.
+// The native tab control, with tabs that can be disabled, which the system's control does not offer: a
+// disabled tab is grey and cannot be chosen. The control paints itself in the colour of the pages, because
+// the system's themes give the body and the selected tab another colour and draw a second focus rectangle. It
+// knows nothing of the pages.
 #pragma once
 
 #include <string>
@@ -21,15 +21,16 @@ class TabStrip {
     ~TabStrip() = default;
 
     HWND Window() const { return window_; }
+    /// The selected tab; -1 if there is none. Tabs are numbered from 0.
     int Selected() const;
-    /// Notifies nobody.
+    /// Selects a tab without notifying the parent.
     void Select(int index);
     void Enable(int index, bool enabled);
-    /// Chooses the next tab in that direction (1 or -1) that can be chosen, as the operator does; `around`
+    /// Chooses the next enabled tab in `direction` (1 or -1), as the operator does. With `around` the search
     /// goes on at the other end. Does nothing if there is no such tab.
     void ChooseNext(int direction, bool around);
-    /// Free space left and right, above and below of each caption, in pixels. Before a font is set, which is
-    /// when the tabs take their size.
+    /// Sets the free space left and right (`across`) and above and below (`down`) of each caption, in pixels.
+    /// Call it before the font is set, because the tabs take their size then.
     void Pad(int across, int down);
 
   private:

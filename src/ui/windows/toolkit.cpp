@@ -1,4 +1,4 @@
-// The toolkit of the control model on Windows: Win32 and the common controls.
+// Implements ui/toolkit.h on Windows, with Win32 and the common controls.
 #include "ui/toolkit.h"
 
 #include "platform/windows/desktop.h"
