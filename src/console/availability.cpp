@@ -1,3 +1,4 @@
+// The rules by which tabs and servers are enabled.
 #include "console/availability.h"
 
 namespace kv {

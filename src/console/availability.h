@@ -1,4 +1,5 @@
-// Works out which tabs and servers can be used, from the General tab's fields alone. Knows no control.
+// Works out which tabs of the console can be used, and with which of the two servers, from the fields of the
+// General tab. Knows no control.
 #pragma once
 
 #include <array>
@@ -9,7 +10,8 @@
 
 namespace kv {
 
-/// The General tab's fields of one server.
+/// The General tab's fields of one server. The server's login is complete if the first three are not empty;
+/// the server is complete if none is empty.
 struct ServerFields {
     std::string name;
     std::string user;
@@ -25,14 +27,17 @@ struct TabAvailability {
 };
 
 struct Availability {
-    /// The entry of the General tab is unused: that tab can always be used.
+    /// One entry for each MainTab. That of the General tab is unused: the tab can always be used.
     std::array<TabAvailability, kMainTabs> tabs{};
+    /// Whether the check box for the replication scripts (Script tab) is enabled.
     bool replication_scripts_enabled = false;
-    /// True only if Server B is incomplete. If only Server A is, the disabled check box keeps its tick.
+    /// Whether that check box is cleared: true only if Server B is incomplete. If only Server A is
+    /// incomplete, the disabled check box keeps its tick.
     bool replication_scripts_cleared = false;
 };
 
-/// `sql_server_installed` is called only if both servers are complete.
+/// `servers` holds Server A and Server B. `sql_server_installed` is called only if both are complete; it says
+/// whether the Replication tab is enabled.
 Availability WorkOutAvailability(const std::array<ServerFields, 2>& servers,
                                  const std::function<bool()>& sql_server_installed);
 

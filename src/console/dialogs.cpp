@@ -1,3 +1,4 @@
+// The pickers swallow failures: the field then keeps its value or becomes empty.
 #include "console/dialogs.h"
 
 #include "base/failure.h"

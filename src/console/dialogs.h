@@ -1,4 +1,5 @@
-// The small dialogs that the tabs show: a refusal, and the folder and file pickers of modFolderBrowser.
+// The small dialogs that the tabs show: a message box that refuses a command, and the folder and file
+// pickers.
 #pragma once
 
 #include <string>
@@ -7,7 +8,8 @@
 
 namespace kv {
 
-/// Refuses a command: a box with the exclamation icon, one OK button and the default title.
+/// Shows why a command is refused: a box with the exclamation icon, one OK button and the executable's name
+/// as its title. Returns when the operator closes it.
 void ShowExclamation(const std::string& text);
 
 /// Returns the chosen folder, or `strStartFolder` if the dialog is cancelled, fails, or returns something
@@ -15,7 +17,8 @@ void ShowExclamation(const std::string& text);
 std::string BrowseForFolder(const ui::Form& owner, const std::string& strTitle,
                             const std::string& strStartFolder);
 
-/// Returns the full path of the chosen file; empty if the dialog is cancelled or fails.
+/// Returns the full path of the chosen file; empty if the dialog is cancelled or fails. `strFilter` is that
+/// of ui::PickFile.
 std::string BrowseForFile(const std::string& strTitle, const std::string& strFilter, const ui::Form& owner,
                           const std::string& strStartFolder);
 

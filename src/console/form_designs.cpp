@@ -1,3 +1,4 @@
+// The rows of the two forms.
 #include "console/form_designs.h"
 
 #include <array>
@@ -9,9 +10,10 @@ using ui::ControlDesign;
 using ui::Kind;
 using ui::Pixels;
 
-constexpr ui::ControlName kForm{};
-constexpr ui::ControlName kTabs{"tabMain"};
-constexpr std::uint32_t kShownText = ui::kReadOnly | ui::kButtonFace;
+constexpr ui::ControlName kForm{};          // the parent of a control on the form itself
+constexpr ui::ControlName kTabs{"tabMain"}; // the parent of a page
+constexpr std::uint32_t kShownText =
+    ui::kReadOnly | ui::kButtonFace; // a text that the operator cannot change
 constexpr ui::Place kPage = Pixels(9, 29, 608, 424);
 
 constexpr std::array kTabCaptions = {"General",     "Script",    "Synchronize", "Upgrade",

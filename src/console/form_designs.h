@@ -21,7 +21,8 @@ enum MainTab : int {
     kStoredProcTab = 6,
 };
 
-/// The option buttons for Server A (index 0) and Server B (index 1) of each tab except General.
+/// By MainTab: the name of the tab's two option buttons, which choose Server A (index 0) or Server B (index
+/// 1). The General tab has none.
 inline constexpr std::array<const char*, kMainTabs> kServerOptions = {
     nullptr,
     "optScriptCurrentServer",
@@ -32,9 +33,10 @@ inline constexpr std::array<const char*, kMainTabs> kServerOptions = {
     "optStoredProcCurrentServer",
 };
 
+/// The design of frmMain, the console's main window. Both designs are constants.
 const ui::FormDesign& MainFormDesign();
 
-/// The dialog that runs a stored procedure.
+/// The design of frmStoredProcedures, the dialog that runs a stored procedure.
 const ui::FormDesign& ProceduresFormDesign();
 
 } // namespace kv

@@ -1,3 +1,4 @@
+// The handlers of the General tab.
 #include "console/general_tab.h"
 
 #include "base/registry_locations.h"
@@ -11,8 +12,8 @@ namespace {
 namespace location = registry_locations;
 
 struct LoginField {
-    const char* box;
-    const char* value;
+    const char* box;   ///< the text box
+    const char* value; ///< the registry value from which the button "Get ... Settings" fills it
 };
 
 constexpr std::array kLoginFields = {
@@ -21,7 +22,8 @@ constexpr std::array kLoginFields = {
     LoginField{"edtPassword", location::kPasswordValue},
 };
 
-/// Derives the share part of a server's replication path from its data path.
+/// Derives a server's replication path from its data path: "C:\SQL\Data" becomes "C$\SQL\ReplData". Only the
+/// first ":" and the part after the last "\" change.
 std::string DeriveReplicationPath(const std::string& data_path) {
     std::string path = data_path;
     if (const auto colon = path.find(':'); colon != std::string::npos) {

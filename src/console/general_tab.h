@@ -1,5 +1,5 @@
-// The General tab: script folder, domain and the two servers with which every tab works. Its text boxes are
-// the only store of these values.
+// The General tab: script folder, domain and the two servers with which every tab works. These values are
+// stored only in the tab's text boxes.
 #pragma once
 
 #include <cstdint>
@@ -13,6 +13,8 @@ class frmMain;
 
 class GeneralTab {
   public:
+    /// Sets the handlers of the tab's controls. `main` must outlive the tab; the same holds for the other
+    /// tabs.
     explicit GeneralTab(frmMain& main);
 
   private:
@@ -21,8 +23,8 @@ class GeneralTab {
     void edtSQLDataPath_Change(int Index);
 
     ui::TextBox& Box(const char* name, int index = ui::kNoIndex) const;
-    /// Selects the data path's text, so that the operator can type the path, which the registry does not
-    /// hold.
+    /// Gives the box of the data path the focus and selects its text, so that the operator can type the path.
+    /// The registry does not hold it.
     void SelectDataPath(int index) const;
 
     frmMain& main_;

@@ -1,3 +1,4 @@
+// Fills list views, with the 16-bit counters that list_views.h describes.
 #include "console/list_views.h"
 
 #include "platform/pending_events.h"
@@ -35,7 +36,8 @@ void FillResultList(
     }
     if (table.RowUpperBound() >= 1) {
         const Int16 last_row(table.RowUpperBound());
-        // After the last row the counter is stepped once more: it overflows if the row's number was 32,767.
+        // The loop increments the counter after the last row too: it overflows if that row's number was
+        // 32,767.
         for (Int16 r(1); r <= last_row; ++r) {
             const int row = list.AddRow("row_" + std::to_string(r.Value()), table(1, r.Value()));
             for (Int16 i(2); i <= last_column; ++i) {

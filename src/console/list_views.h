@@ -1,5 +1,4 @@
-// What both windows of the console do with a list view: show a manager's table of texts in it, and the two
-// helpers of modListView.
+// Functions with which both windows of the console show a table of texts in a list view.
 #pragma once
 
 #include <cstdint>
@@ -19,12 +18,14 @@ bool SetExtendedStyle(ui::ListView& objListView, std::int32_t lngStyle, bool bln
 /// Makes each column as wide as its header and its cells need.
 void AutoSizeColumns(ui::ListView& objListView);
 
-/// Removes columns and rows and disables the list until it is filled again.
+/// Removes all columns and rows, disables the list, paints it and runs pending events.
 void EmptyResultList(ui::ListView& list);
 
-/// Adds the table's columns, then its rows, and sizes the columns. `column` returns key and text of a column.
-/// Bounds and counters are signed 16-bit. With more than 32,767 rows the columns are added and no row; with
-/// exactly 32,767 all rows are added and the columns keep their first width. Both raise run_time::kOverflow.
+/// Adds the table's columns and rows and sizes the columns. `column` returns the key and the header of a
+/// column, given its number, from 1, and its name. Bounds and counters are signed 16-bit integers, so tables
+/// with 32,767 rows or more raise run_time::kOverflow: with more than 32,767 rows after the columns were
+/// added and before the first row; with exactly 32,767 after all rows were added and before the columns are
+/// sized.
 void FillResultList(ui::ListView& list, const TextTable& table,
                     const std::function<ui::ListView::Column(Int16 number, const std::string& name)>& column);
 

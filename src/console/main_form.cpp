@@ -1,3 +1,4 @@
+// frmMain: loading, saving and the tabs.
 #include "console/main_form.h"
 
 #include "base/error_log.h"
@@ -29,7 +30,7 @@ constexpr std::array kGeneralEntries = std::to_array<ui::ControlName>({
     {"edtUserID", 0},
     {"edtPassword", 0},
     {"edtSQLDataPath", 0},
-    {"edtSQLUNCReplDataPath", 0}, // after the data path, whose Change event derives another one
+    {"edtSQLUNCReplDataPath", 0}, // after the data path, whose Change event overwrites it
     {"edtServerName", 1},
     {"edtUserID", 1},
     {"edtPassword", 1},
@@ -189,7 +190,7 @@ bool frmMain::ServerASelected(int tab) const {
 
 void frmMain::RefreshTab(int tab) {
     if (tab == kReplicationTab) {
-        replication_.ShowSwitch();
+        replication_.ShowReplicationSetting();
     }
     if (tab != kGeneralTab && tab != kScriptTab) {
         UpdateDatabaseLists(tab, ServerASelected(tab));

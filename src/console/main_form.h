@@ -1,6 +1,6 @@
-// frmMain: the main window of the interactive console. Contains what its tabs share: the entries remembered
-// from run to run, which tabs and servers can be used, the database lists and the status line. The handlers
-// of each tab are in the tab's file.
+// frmMain: the main window of the interactive console. This class contains the parts that the tabs share: the
+// entries that are remembered from run to run, which tabs and servers can be used, the database lists and the
+// status line. The handlers of each tab are in the tab's class.
 #pragma once
 
 #include <array>
@@ -25,7 +25,7 @@ namespace kv {
 
 class frmMain {
   public:
-    /// The window with the texts of its design; nothing is loaded yet.
+    /// Makes the form with the texts of its design, and sets the handlers. Load does the rest.
     frmMain();
     frmMain(const frmMain&) = delete;
     frmMain& operator=(const frmMain&) = delete;
@@ -45,18 +45,26 @@ class frmMain {
     /// Enables the controls of the DTS packages if the installed server version has DTS.
     void DisableDTSOptions();
 
-    /// The status line: a bar and a text, shown at once. Each of the three then runs pending events.
+    // The status line: a progress bar and a text. Each of the three shows the text at once and runs pending
+    // events.
+
+    /// Empties the bar and gives it `intMax` steps; a negative number counts as 1.
     void InitStatus(Int16 intMax, const std::string& strText);
+    /// Advances the bar by one step unless it is full.
     void StepStatus(const std::string& strText);
+    /// Empties the bar.
     void ResetStatus(const std::string& strText);
 
-    /// Refills the database lists of one tab. Logs a failure and shows the server's errors.
+    /// Refills the database lists of a tab (MainTab) from Server A or Server B. Logs a failure and shows the
+    /// server's errors. Does nothing during Load.
     void UpdateDatabaseLists(int intTab, bool blnUseServerA);
 
-    /// Makes the tab's two server options refill its database lists when one is chosen.
+    /// Sets the handlers of the tab's two option buttons for the servers: choosing one refills the tab's
+    /// database lists.
     void RefillOnServerChoice(int intTab);
 
-    /// Copies the fields of the General tab into a manager's settings.
+    /// Copies the fields of the General tab into a manager's settings. `blnUseServerA` selects the server on
+    /// which the manager works.
     void FillSettings(ServerPairSettings& settings, bool blnUseServerA) const;
 
     /// Ends a command: enables its button again and gives it the focus.
@@ -68,27 +76,36 @@ class frmMain {
     void RefreshTab(int tab);
     bool ServerASelected(int tab) const;
 
+    /// Enables the page of the active tab and disables the others.
     void UpdateTabStatus();
+    /// Shows the servers' names on the tab's two option buttons, and selects a server that can be used.
     void UpdateServerOptions(int intTab);
+    /// Shows the name, or "N/A" if the server cannot be used. UpdateServerAvailability stores in the button's
+    /// Tag whether it can.
     void SetServerOption(ui::OptionButton& option, const std::string& strCaption);
     /// The General tab's fields of Server A (index 0) or Server B (index 1).
     ServerFields FieldsOf(int index) const;
 
+    /// Load and save the texts of these controls in the user's settings.
     void LoadSettings(std::span<const ui::ControlName> entries);
     void SaveSettings(std::span<const ui::ControlName> entries);
     void LoadControlSetting(ui::Control& control);
     void SaveControlSetting(const ui::Control& control);
+    /// Saves all remembered entries.
     void Unload();
+    /// Disables the box of the domain if the registry lacks the installation key.
     void LookForDomain();
 
     void ShowStatusText(const std::string& strText);
+    /// Replaces the items by the databases. The text stays if `keep_text`, else if it is one of them;
+    /// otherwise the first database is selected.
     void FillDatabaseCombo(ui::ComboBox& combo, const std::vector<std::string>& arrDatabase, bool keep_text);
 
     ui::Form form_;
     ui::TabControl& tabMain_;
     ui::ProgressBar& prbStatus_;
     ui::Label& lblStatus_;
-    bool loading_ = false;
+    bool loading_ = false; ///< Load is running: handlers that the entries fire do nothing
 
     GeneralTab general_;
     ScriptTab script_;

@@ -1,4 +1,5 @@
-// frmMain: which tabs, servers and packages can be used, from the fields of the General tab and the registry.
+// frmMain: enables the tabs, servers and packages that can be used, according to the fields of the General
+// tab and the registry.
 #include "ado/variant.h"
 #include "base/error_log.h"
 #include "base/failure.h"
@@ -12,10 +13,11 @@ namespace {
 
 namespace location = registry_locations;
 
+// The Tag of a server's option button: whether the server can be used on the tab.
 constexpr char kTrue[] = "True";
 constexpr char kFalse[] = "False";
 
-/// This version of the server is the first without DTS.
+/// The first major version of SQL Server without DTS.
 constexpr std::int16_t kFirstVersionWithoutDts = 12;
 
 constexpr std::array kPackageControls = {

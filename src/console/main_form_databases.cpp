@@ -1,4 +1,4 @@
-// frmMain's database lists: which combo boxes of which tab show the databases of a server.
+// frmMain: the combo boxes that list the databases of a server.
 #include "admin/upgrade_db_mgr.h"
 #include "base/error_log.h"
 #include "base/failure.h"
@@ -9,14 +9,14 @@ namespace kv {
 namespace {
 
 struct DatabaseList {
-    int tab;
+    int tab; ///< MainTab
     const char* combo;
-    bool keep_text;
+    bool keep_text;    ///< the text stays, even if there is no such database
     bool other_server; ///< shows the databases of the server that is not selected
 };
 
-/// In the order of filling. A name typed as the destination of an upgrade is kept, since that database need
-/// not exist yet.
+/// In the order in which they are filled. The destination of an upgrade keeps its text because that database
+/// need not exist yet.
 constexpr std::array kDatabaseLists = {
     DatabaseList{kSynchronizeTab, "cboSynchronizeSourceDatabase", false, false},
     DatabaseList{kSynchronizeTab, "cboSynchronizeDestDatabase", false, true},

@@ -1,4 +1,4 @@
-// frmMain's status line: a bar and a text.
+// frmMain: the status line, which is a progress bar and a text.
 #include "console/main_form.h"
 #include "platform/pending_events.h"
 

@@ -8,9 +8,9 @@
 
 namespace kv {
 
-/// Calls `found` with each name until it returns true; true if it did. The counter is signed 16-bit: an array
-/// with more than 32,767 names raises run_time::kOverflow before the first name, one with exactly that many
-/// after the last.
+/// Calls `found` with each name until it returns true. Returns false if it never did. The counter is a signed
+/// 16-bit integer: an array with more than 32,767 names raises run_time::kOverflow before the first name; an
+/// array with exactly 32,767 raises it after the last.
 template <class Found>
 bool AnyName(const std::vector<std::string>& names, const Found& found) {
     const Int16 last(static_cast<std::int64_t>(names.size()) - 1);
@@ -22,7 +22,7 @@ bool AnyName(const std::vector<std::string>& names, const Found& found) {
     return false;
 }
 
-/// Calls `take` with every name; overflows as AnyName does.
+/// Calls `take` with every name. Raises the same overflows as AnyName.
 template <class Take>
 void ForEachName(const std::vector<std::string>& names, const Take& take) {
     AnyName(names, [&take](const std::string& name) {

@@ -6,7 +6,7 @@
 namespace kv {
 namespace {
 
-struct Named {
+struct Named { // an ADO number (DataTypeEnum, ParameterDirectionEnum) and the name that is shown for it
     std::int32_t number;
     const char* name;
 };

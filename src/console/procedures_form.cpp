@@ -1,3 +1,4 @@
+// The handlers of the dialog that runs a stored procedure.
 #include "console/procedures_form.h"
 
 #include "base/error_log.h"
@@ -10,7 +11,7 @@ namespace kv {
 namespace {
 
 /// True for a parameter whose value the operator enters; the others are only shown.
-bool GoesIn(const ado::Parameter& parameter) {
+bool IsInput(const ado::Parameter& parameter) {
     return parameter.Direction() == ado::adParamInput || parameter.Direction() == ado::adParamInputOutput;
 }
 
@@ -98,7 +99,7 @@ void frmStoredProcedures::SaveParameter() {
         return;
     }
     ado::Parameter& parameter = ParameterAt(in_box);
-    if (GoesIn(parameter)) {
+    if (IsInput(parameter)) {
         // An empty box means that no value was given, which is neither an empty text nor NULL.
         parameter.Value(edtValue_.Text().empty() ? ado::Variant() : ado::Variant(edtValue_.Text()));
     }
@@ -107,7 +108,7 @@ void frmStoredProcedures::SaveParameter() {
 void frmStoredProcedures::LoadParameter() {
     const int index = lstParameters_.ItemData(lstParameters_.ListIndex());
     const ado::Parameter& parameter = ParameterAt(index);
-    if (GoesIn(parameter)) {
+    if (IsInput(parameter)) {
         edtValue_.BackColor(ui::kWindowBackground);
         edtValue_.Locked(false);
     } else {
@@ -116,17 +117,17 @@ void frmStoredProcedures::LoadParameter() {
     }
     edtDataType_.Text(GetDataTypeName(parameter.Type()));
     edtDirection_.Text(GetDirectionName(parameter.Direction()));
-    // NULL fails here: the box then still shows the previous parameter, and its Tag says so.
+    // A NULL value raises a failure here. The box and its Tag then still belong to the previous parameter.
     edtValue_.Text(parameter.Value().ToString());
     edtValue_.Tag(std::to_string(index));
 }
 
 void frmStoredProcedures::cmdExecute_Click() {
     const CWaitCursor wait;
-    bool left_at_once = false;
-    WithFailureHandler([&] { left_at_once = !Execute(); },
+    bool returned_early = false;
+    WithFailureHandler([&] { returned_early = !Execute(); },
                        [](const Failure&) { WriteErrorLog("frmStoredProcedures::cmdExecute_Click"); });
-    if (left_at_once) {
+    if (returned_early) {
         return;
     }
     form_.UnlockPainting();
@@ -135,8 +136,8 @@ void frmStoredProcedures::cmdExecute_Click() {
 
 bool frmStoredProcedures::Execute() {
     form_.LockPainting();
-    // Unlike a click in the list: only the last parameter is saved here, whatever its direction, and an empty
-    // box gives an empty text.
+    // This differs from a click in the list: only the last parameter is saved here, whatever its direction,
+    // and an empty box gives an empty text.
     if (const int in_box = ParameterInBox(); in_box > 0 && in_box >= LastParameter()) {
         ParameterAt(in_box).Value(edtValue_.Text());
     }
@@ -149,7 +150,7 @@ bool frmStoredProcedures::Execute() {
     if (arrData.ColumnUpperBound() == 0) {
         return false;
     }
-    // The number makes the keys of equal and of empty names different.
+    // Columns may have equal or empty names; the number makes their keys different.
     FillResultList(lvwViewData_, arrData, [](Int16 number, const std::string& name) {
         return ui::ListView::Column{std::to_string(number.Value()) + "_" + name, name};
     });

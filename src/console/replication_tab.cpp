@@ -1,3 +1,4 @@
+// The handlers of the Replication tab.
 #include "console/replication_tab.h"
 
 #include "admin/sql_replication_mgr.h"
@@ -46,7 +47,7 @@ void ReplicationTab::Fill(CSQLReplicationMgr& manager) const {
     main_.FillSettings(manager, main_.Form().Get<ui::OptionButton>("optUpgradeCurrentServer", 0).Value());
 }
 
-void ReplicationTab::ShowSwitch() {
+void ReplicationTab::ShowReplicationSetting() {
     const std::string value =
         GetLocalSetting(location::kHkeyLocalMachine, location::kCustomFunctionsKey,
                         location::kUseTransactionalReplicationValue, location::kNoDefault);
@@ -57,7 +58,7 @@ void ReplicationTab::chkUseSQLServerReplication_Click() {
     const char* value = chkUseSQLServerReplication_.Value() == 1 ? "TRUE" : "FALSE";
     if (!SaveLocalSetting(location::kHkeyLocalMachine, location::kCustomFunctionsKey,
                           location::kUseTransactionalReplicationValue, value)) {
-        ShowSwitch();
+        ShowReplicationSetting();
     }
 }
 

@@ -16,7 +16,7 @@ class ReplicationTab {
     explicit ReplicationTab(frmMain& main);
 
     /// Shows the site's registry setting in its check box.
-    void ShowSwitch();
+    void ShowReplicationSetting();
     /// Asks the server whether replication is installed, and sets the two buttons and the status label.
     void UpdatedReplicationStatus();
 
@@ -24,10 +24,14 @@ class ReplicationTab {
     using Operation = bool (CSQLReplicationMgr::*)(const std::string&);
 
     void chkUseSQLServerReplication_Click();
+    /// Runs the manager's operation on the chosen database and shows the new status. A failure is logged
+    /// under `log_source`.
     void RunCommand(const char* log_source, Operation operation);
+    /// Shows whether replication is installed. `known` is false if the server could not be asked.
     void ShowStatus(bool known, bool installed);
-    /// Uses the server that is selected on the Upgrade tab, not on this one: the option here only chooses the
-    /// server whose databases fill the list. Sites rely on it.
+    /// Copies the settings of the server that is selected on the Upgrade tab, not on this one, into the
+    /// manager. The option buttons here only choose the server whose databases fill the list. Sites rely on
+    /// it.
     void Fill(CSQLReplicationMgr& manager) const;
 
     frmMain& main_;

@@ -1,3 +1,4 @@
+// The handlers of the Script tab.
 #include "console/script_tab.h"
 
 #include <algorithm>
@@ -17,19 +18,20 @@
 namespace kv {
 namespace {
 
+// Pauses, so that the operator can read the status line: after each script, and at the end of a run.
 constexpr std::chrono::milliseconds kScriptWait{2000};
 constexpr std::chrono::milliseconds kEndWait{3000};
 
 struct ScriptStep {
     const char* check_box;
     eSQLScript script;
-    const char* text;
+    const char* text; ///< the status line during the step
 };
 
 struct PackageStep {
     const char* check_box;
     eDTSPackage package;
-    const char* text;
+    const char* text; ///< the status line during the step
 };
 
 constexpr std::array kCreateSteps = {
@@ -44,7 +46,7 @@ constexpr std::array kCreateSteps = {
     ScriptStep{"chkCreateInstallScriptFile", sqlUserDefinedScript, "Create modified user defined script..."},
 };
 
-/// Not in the order in which they are created: the default data need the stored procedures.
+/// The order differs from that of kCreateSteps because the default data need the stored procedures.
 constexpr std::array kInstallSteps = {
     ScriptStep{"chkCreateInstallBatchDatabase", sqlCreateBatchDatabase, "Install batch database..."},
     ScriptStep{"chkCreateInstallBatchStoredProcedures", sqlCreateBatchStoredProcedures,
@@ -69,8 +71,8 @@ constexpr std::array kPackageSteps = {
                 "Install Batch Summary Recalculation Export DTS package..."},
 };
 
-/// In the format of the user's locale, like every date that the program shows; only the log has its own
-/// format.
+/// Formats the time by the user's locale, like every date that the program shows; only the log has a format
+/// of its own.
 std::string TextOf(const platform::LocalTime& time) {
     ado::Date date{};
     date.year = static_cast<decltype(date.year)>(time.year);
@@ -220,7 +222,7 @@ bool ScriptTab::CreateScripts(const CSQLScriptMgr& manager) {
 }
 
 bool ScriptTab::AnyPackageExists(const CSQLScriptMgr& manager) const {
-    // Every ticked package is looked for, also after the first one was found.
+    // Every ticked package is looked for, even after one was found.
     return std::count_if(kPackageSteps.begin(), kPackageSteps.end(), [&](const PackageStep& step) {
                return Ticked(step.check_box) && manager.DTSPackageExist(step.package);
            }) > 0;
@@ -230,8 +232,8 @@ void ScriptTab::InstallScripts(const CSQLScriptMgr& manager) {
     for (const ScriptStep& step : kInstallSteps) {
         if (Ticked(step.check_box)) {
             main_.StepStatus(step.text);
-            // The tool's output file says whether it worked. A script whose template was missing is run too:
-            // an older modified script may still be there.
+            // The result is ignored; the query tool's output file shows what happened. A script is run even
+            // if its template was missing: an older modified script may still be there.
             manager.ExecuteSQLScript(step.script, FileOf(step.script));
             ui::Wait(kScriptWait);
         }

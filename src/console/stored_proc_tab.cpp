@@ -1,3 +1,4 @@
+// The handlers of the Stored Proc. tab.
 #include "console/stored_proc_tab.h"
 
 #include <optional>

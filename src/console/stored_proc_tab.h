@@ -15,9 +15,12 @@ class StoredProcTab {
 
   private:
     void loadStoredProcedures();
+    /// Fills the list of procedures and selects the first. The list stays empty and disabled if they cannot
+    /// be read.
     void ListProcedures(CViewDataMgr& manager);
     void cboStoredProcedure_Click();
     void cmdExecute_Click();
+    /// Copies the settings of the selected server into the manager.
     void Fill(CViewDataMgr& manager) const;
 
     frmMain& main_;

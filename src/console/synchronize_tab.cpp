@@ -1,3 +1,4 @@
+// The handler of the Synchronize tab.
 #include "console/synchronize_tab.h"
 
 #include "admin/synchronize_db_mgr.h"
@@ -46,7 +47,7 @@ bool SynchronizeTab::Synchronize(CSynchronizeDbMgr& manager) {
     }
     main_.StepStatus("Synchronizing databases...");
     manager.Synchronize(source_.Text(), dest_.Text());
-    // Shown whether or not it succeeded.
+    // This text is shown whether or not the synchronization succeeded.
     main_.StepStatus("Synchronization completed...");
     return true;
 }

@@ -14,7 +14,7 @@ class SynchronizeTab {
 
   private:
     void cmdSynchronize_Click();
-    /// Returns false if the command was refused: the handler then ends without its exit steps.
+    /// Returns false if the command was refused. Then the exit steps have been done already.
     bool Synchronize(CSynchronizeDbMgr& manager);
 
     frmMain& main_;

@@ -1,3 +1,4 @@
+// The handlers of the Upgrade tab.
 #include "console/upgrade_tab.h"
 
 #include <vector>
@@ -63,7 +64,7 @@ void UpgradeTab::RunCommand(ui::CommandButton& button, const char* log_source, c
 
 bool UpgradeTab::Rename(CUpgradeDbMgr& manager) {
     const std::string& new_name = edtRenameNewDatabase_.Text();
-    // If the names cannot be read there is nothing to compare with, and the server decides.
+    // If the names cannot be read, the array is empty and the server decides whether the name is free.
     std::vector<std::string> arrDatabase;
     manager.GetDatabases(arrDatabase);
     if (AnyName(arrDatabase, [&](const std::string& name) { return name == new_name; })) {

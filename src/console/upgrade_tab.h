@@ -16,14 +16,16 @@ class UpgradeTab {
     explicit UpgradeTab(frmMain& main);
 
   private:
-    /// Returns false if the command was refused: the handler then ends without its exit steps.
+    /// The work of a command. Returns false if the command was refused; then the lists are not refreshed and
+    /// no errors are shown.
     using Work = std::function<bool(CUpgradeDbMgr&)>;
 
-    /// The steps that the three commands share: disables the button, makes the manager, does the work,
-    /// refreshes the lists and enables the button.
+    /// Runs one of the three commands: disables the button, makes the manager, does the work, refreshes the
+    /// lists, enables the button and shows the server's errors. A failure is logged under `log_source`.
     void RunCommand(ui::CommandButton& button, const char* log_source, const Work& work);
     bool Rename(CUpgradeDbMgr& manager);
 
+    /// The text of a combo box.
     const std::string& Chosen(const char* combo) const;
 
     frmMain& main_;

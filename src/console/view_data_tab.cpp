@@ -1,3 +1,4 @@
+// The handlers of the View Data tab.
 #include "console/view_data_tab.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ void ViewDataTab::Fill(CViewDataMgr& manager) const {
 void ViewDataTab::cboViewDataDatabase_Click() {
     const CWaitCursor wait;
     CViewDataMgr manager;
-    // The log line names another event than this one: readers of the log know it by that name.
+    // The log line names the event Change, although this is Click: readers of the log know it by that name.
     WithFailureHandler([&] { ListTables(manager); },
                        [](const Failure&) { WriteErrorLog("frmMain::cboViewDataDatabase_Change"); });
     main_.Form().UnlockPainting();
@@ -56,10 +57,10 @@ void ViewDataTab::ListTables(CViewDataMgr& manager) {
 void ViewDataTab::lstViewDataTables_Click() {
     const CWaitCursor wait;
     std::unique_ptr<CViewDataMgr> manager;
-    bool left_at_once = false;
-    WithFailureHandler([&] { left_at_once = !ShowTable(manager); },
+    bool returned_early = false;
+    WithFailureHandler([&] { returned_early = !ShowTable(manager); },
                        [](const Failure&) { WriteErrorLog("frmMain::lstViewDataTables_Click"); });
-    if (left_at_once) {
+    if (returned_early) {
         return;
     }
     main_.Form().UnlockPainting();

@@ -18,9 +18,14 @@ class ViewDataTab {
   private:
     void cboViewDataDatabase_Click();
     void lstViewDataTables_Click();
+    /// Fills the list of tables and selects the first. The list stays empty and disabled if they cannot be
+    /// read.
     void ListTables(CViewDataMgr& manager);
-    /// Returns false if the handler must return at once: painting stays locked and the list disabled.
+    /// Shows the selected table. Sets `manager` if a table is selected. Returns false if no table is selected
+    /// or it has no columns. Then the handler must return without its last steps: painting stays locked and
+    /// the list disabled.
     bool ShowTable(std::unique_ptr<CViewDataMgr>& manager);
+    /// Copies the settings of the selected server into the manager.
     void Fill(CViewDataMgr& manager) const;
 
     frmMain& main_;

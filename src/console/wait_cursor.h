@@ -10,6 +10,7 @@ namespace kv {
 /// Objects can be nested: each restores the mouse pointer that it found.
 class CWaitCursor {
   public:
+    /// Also runs pending events, so that the hourglass is shown at once.
     CWaitCursor() : pointer_(platform::MousePointer()) {
         platform::SetMousePointer(platform::kHourglassPointer);
         platform::RunPendingEvents();
@@ -19,7 +20,7 @@ class CWaitCursor {
     ~CWaitCursor() { platform::SetMousePointer(pointer_); }
 
   private:
-    std::int16_t pointer_;
+    std::int16_t pointer_; ///< the pointer to restore
 };
 
 } // namespace kv
