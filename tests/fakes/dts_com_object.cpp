@@ -1,3 +1,4 @@
+// Counts references and dispatches recorded calls by name.
 #include "fakes/dts_com_object.h"
 
 #include "packages/packages.h"

@@ -1,5 +1,5 @@
-// The base of the replacement's COM objects: IDispatch over a table of member names, with a record of each
-// call. Knows nothing of packages.
+// The base of the COM objects in dts_com_server.dll: implements IDispatch over a table of member names and
+// records each call. Knows nothing of packages.
 #pragma once
 
 #include <memory>
@@ -10,10 +10,10 @@
 
 namespace fakes {
 
-/// The number of objects: while there are any, the DLL must stay loaded.
+/// The number of objects that exist. While there are any, the DLL must stay loaded.
 long LiveObjects();
 
-/// Counts references; the creator has the first. The object lives until the last reference is released.
+/// Counts references as COM does. The object is destroyed when the last reference is released.
 class CountedObject {
   public:
     CountedObject();
@@ -24,7 +24,7 @@ class CountedObject {
     ULONG AddReference() { return ++references_; }
     ULONG ReleaseReference();
 
-    /// A new object with one reference, which the caller owns.
+    /// Makes an object with one reference, which the caller owns.
     template <class Object, class... Arguments>
     static Object* Make(Arguments&&... arguments) {
         const auto object = std::make_shared<Object>(std::forward<Arguments>(arguments)...);
@@ -37,7 +37,7 @@ class CountedObject {
     std::shared_ptr<CountedObject> self_;
 };
 
-/// The arguments of a call in reading order.
+/// The arguments of a call, from left to right as they are written. Refers to the parameters of the call.
 class ReceivedArguments {
   public:
     explicit ReceivedArguments(const DISPPARAMS& parameters) : parameters_(parameters) {}
@@ -55,10 +55,10 @@ class RecordedObject : public IDispatch, public CountedObject {
     struct Member {
         const wchar_t* name;
         DISPID id;
-        std::size_t arguments;
+        std::size_t arguments; ///< how many the member takes
     };
 
-    /// `name` is the beginning of each of its lines in the record.
+    /// `name` begins each line of the object in the record.
     RecordedObject(std::string name, std::vector<Member> members);
     ~RecordedObject() override;
 
@@ -81,7 +81,7 @@ class RecordedObject : public IDispatch, public CountedObject {
     std::vector<Member> members_;
 };
 
-/// A variant with the only reference to a new object.
+/// Returns a variant that takes over the caller's reference to the object.
 packages::Variant Holding(IDispatch* object);
 
 } // namespace fakes

@@ -1,3 +1,4 @@
+// Writes the record and reads the rules for failures.
 #include "fakes/dts_com_record.h"
 
 #include <algorithm>
@@ -94,7 +95,8 @@ Rule ParseRule(const std::string& entry) {
     return rule;
 }
 
-/// The rules of the variable. Calls are counted from the beginning whenever its text changes.
+/// The rules of KV_DTS_FAIL and the calls counted so far. A change of the variable's text starts the counts
+/// again.
 std::vector<Rule>& Rules() {
     static std::string read_from;
     static std::vector<Rule> rules;
@@ -113,7 +115,7 @@ std::vector<Rule>& Rules() {
 } // namespace
 
 std::string Setting(const char* name) {
-    // Read from the system: the C library of this DLL made its copy when it was loaded.
+    // This asks the system, because the C library of this DLL copied the environment when it was loaded.
     std::array<char, 32767> value{};
     const DWORD length = GetEnvironmentVariableA(name, value.data(), static_cast<DWORD>(value.size()));
     return {value.data(), length};

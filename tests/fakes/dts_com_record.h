@@ -1,5 +1,5 @@
-// The record of the calls of the replaced package classes, and the failures that a test has set for them.
-// Both are controlled by environment variables, which are read at each call: see dts_com_server.cpp.
+// The record of the calls of dts_com_server.dll, and the failures that a test has set for them. Both are
+// controlled by environment variables (see dts_com_server.cpp), which are read at each call.
 #pragma once
 
 #include <optional>
@@ -16,18 +16,20 @@ std::string Setting(const char* name);
 /// Appends a line to the file named by KV_DTS_RECORD, if there is one.
 void Record(const std::string& line);
 
-/// A call in the form of the record: flags, then each argument's type and value in reading order.
+/// Returns a call as a line of the record: the member, the flags, then each argument's type and value from
+/// left to right.
 std::string DescribeCall(std::string_view member, WORD flags, const DISPPARAMS& parameters,
                          bool result_wanted);
 
+/// A failure that a test has set.
 struct OrderedFailure {
     HRESULT code = E_FAIL;
-    /// If empty, the code is the result of the call. Otherwise the result is DISP_E_EXCEPTION and the code is
-    /// in the exception's record.
+    /// If it is empty, the call returns the code. Otherwise the call returns DISP_E_EXCEPTION, and the code
+    /// and the description are in the exception's record (EXCEPINFO).
     std::string description;
 };
 
-/// The failure that KV_DTS_FAIL sets for this call of the member, if any.
+/// Counts a call of the member, and returns the failure that KV_DTS_FAIL sets for it, if any.
 std::optional<OrderedFailure> TakeFailure(std::string_view member);
 
 /// Fills in an exception's record, which may be null, and returns the result of the call.

@@ -1,6 +1,6 @@
-// A replacement of the COM classes "DTS.Package" and "DTS.Application" for machines without them: an
-// in-process server (dts_com_server.dll) that records its calls, and on demand fails or really stores
-// packages. It is controlled by environment variables of the calling process, which are read at each call:
+// A fake of the COM classes "DTS.Package" and "DTS.Application" for machines without them: an in-process
+// server (dts_com_server.dll) that records its calls. On demand it fails, or really stores packages. It is
+// controlled by environment variables of the calling process, which are read at each call:
 //
 //   KV_DTS_RECORD=FILE  appends a line for each object made and destroyed, each GetIDsOfNames and each Invoke
 //   KV_DTS_FAIL=RULES   "Member[@n]:code[:description]", several separated by ";". The member (every call of
@@ -11,13 +11,13 @@
 //                       msdb of the server that the caller names, over the ODBC driver "SQL Server"
 //   KV_DTS_PACKAGES=N   without KV_DTS_STORE: only the first N of the three packages of the made-up list
 //
-// A whole run of the Windows executable registers it once, in the prefix and as the user that it runs with:
+// Before a run of the Windows executable it is registered once, in the same Wine prefix and by the same user:
 //
 //   tests/run-under-wine regsvr32 /s build/windows/bin/dts_com_server.dll     (/u to unregister it)
 //   KV_DTS_STORE=1 KV_DTS_RECORD=Z:/tmp/calls.txt tests/run-under-wine build/windows/bin/KVLSQLDbMgr.exe …
 //
-// Registering is refused where the names already belong to other classes. Tests that register it hold the
-// ctest resource "dts_classes".
+// Registering is refused if other classes have these names. Tests that register it hold the ctest resource
+// "dts_classes", so that they do not run at the same time.
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -164,8 +164,8 @@ class Infos final : public RecordedObject {
     std::vector<PackageInfo> infos_;
 };
 
-/// Two versions of one package, an empty description, 8-bit text, and dates with the smallest and largest
-/// parts.
+/// The made-up list: it has two versions of one package, an empty description, text outside ASCII, and the
+/// smallest and largest parts of a date.
 std::vector<PackageInfo> MadeUpPackages() {
     std::vector<PackageInfo> infos = {
         {"StdSynchronize", "Second version", {2004, 2, 29, 23, 59, 58}},
@@ -282,7 +282,7 @@ bool WriteClassText(const std::string& key, const char* name, const std::string&
                            static_cast<DWORD>(text.size() + 1)) == ERROR_SUCCESS;
 }
 
-/// The id of the class with the program name; empty if there is no such class.
+/// The text of the class id that is registered for the name; empty if there is none.
 std::string RegisteredId(const Class& known) {
     std::array<char, 64> text{};
     auto size = static_cast<DWORD>(text.size());

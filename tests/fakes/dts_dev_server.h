@@ -1,4 +1,4 @@
-// A development server for one test: started on a free port in a fresh folder, then stopped and deleted.
+// A development server for one test, started on a free port and with a new folder. Linux only.
 #pragma once
 
 #include <filesystem>
@@ -8,26 +8,29 @@
 
 namespace fakes {
 
-/// One login: sa, with the password "Test-1".
+/// Owns the server's process and its folder; the destructor ends the one and deletes the other. The server
+/// has one login: sa, with the password "Test-1".
 class DevServer {
   public:
-    /// Throws std::runtime_error when the server is not ready after a minute.
+    /// Throws std::runtime_error if the server is not ready after a minute.
     DevServer();
-    /// Starts on a copy of a stopped server's folder, which takes a quarter of the time of an empty one.
+    /// Starts on a copy of the folder of a stopped server, which takes a quarter of the time of an empty
+    /// folder.
     explicit DevServer(const std::filesystem::path& model);
     DevServer(const DevServer&) = delete;
     DevServer& operator=(const DevServer&) = delete;
     ~DevServer();
 
-    /// "127.0.0.1,port", as a connection string names it.
+    /// The name in a connection string, "127.0.0.1,port".
     std::string Name() const { return "127.0.0.1," + std::to_string(port_); }
     int Port() const { return port_; }
     /// A folder for the test beside the server's root, deleted with the server.
     const std::filesystem::path& Folder() const { return folder_; }
+    /// Ends the server in order and waits for its end.
     void Stop();
-    /// Kills the server. To be called once for each start, from any thread.
+    /// Kills the server. May be called from any thread, but only once after each start.
     void Kill();
-    /// Starts the server again after Stop or Kill, with the data that it left and on a new port.
+    /// Starts the server again after Stop or Kill, with its data and on a new port.
     void StartAgain();
 
   private:

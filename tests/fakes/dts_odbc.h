@@ -1,5 +1,5 @@
-// A fake of the ODBC layer with scripted answers, for tests of the package store. Has only the functions that
-// the package store uses.
+// A fake of the ODBC layer (odbc/odbc.h) with scripted answers, linked instead of it in tests of the package
+// store. It has only the functions that the package store uses.
 #pragma once
 
 #include <deque>
@@ -14,8 +14,8 @@ namespace fakes {
 struct OdbcAnswer {
     std::vector<odbc::Column> columns;
     std::vector<std::vector<odbc::Value>> rows;
-    std::vector<odbc::Diagnostic> error;      ///< of the execution; empty: it succeeds
-    std::vector<odbc::Diagnostic> late_error; ///< after the first result
+    std::vector<odbc::Diagnostic> error;      ///< the execution fails with these; empty if it succeeds
+    std::vector<odbc::Diagnostic> late_error; ///< reading on after the first result fails with these
 };
 
 class ScriptedOdbc {
@@ -24,6 +24,7 @@ class ScriptedOdbc {
     ScriptedOdbc(const ScriptedOdbc&) = delete;
     ScriptedOdbc& operator=(const ScriptedOdbc&) = delete;
     ~ScriptedOdbc();
+    /// The instance that the functions use.
     static ScriptedOdbc& Current();
 
     struct Executed {
@@ -31,9 +32,9 @@ class ScriptedOdbc {
         std::vector<odbc::Parameter> parameters;
     };
 
-    /// Empty: connecting succeeds.
+    /// Connecting fails with these; empty if it succeeds.
     std::vector<odbc::Diagnostic> connect_error;
-    /// One for each execution; a further execution succeeds without a result.
+    /// Each execution takes the next answer; after the last one executions succeed without a result.
     std::deque<OdbcAnswer> answers;
 
     std::vector<std::string> connection_strings;

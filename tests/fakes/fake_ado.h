@@ -1,5 +1,5 @@
-// A fake connection of the database layer, linked in place of the one over ODBC: records its calls, and
-// answers each statement as the test has set.
+// A fake of the database layer's connections and commands, linked instead of those over ODBC. It records
+// their calls and answers each statement as the test has set.
 #pragma once
 
 #include <cstddef>
@@ -18,26 +18,27 @@ using AdoRow = std::vector<ado::Variant>;
 
 /// The answer to a call. The default is a closed recordset and no errors.
 struct AdoAnswer {
-    std::vector<std::string> fields{}; ///< empty: a statement without columns
+    std::vector<std::string> fields{}; ///< the names of the columns; empty for a statement without columns
     std::vector<AdoRow> rows{};
     std::vector<ado::Error> errors{}; ///< the connection's Errors after the call
     bool fails = false;               ///< the call fails, with the first of `errors` if there is one
-    bool no_recordset = false;
-    bool no_columns = false;                  ///< an open recordset without columns, which no driver gives
+    bool no_recordset = false;        ///< the call returns no recordset
+    bool no_columns = false;          ///< the recordset is open but has no columns, which no driver returns
     std::vector<ado::Parameter> parameters{}; ///< the collection after Refresh
     /// The output values of a procedure's call, by the parameter's name.
     std::map<std::string, ado::Variant> output{};
 };
 
-/// Rows without names of fields: the fields are called column0 and so on.
+/// An answer with these rows. The columns are called column0, column1 and so on.
 AdoAnswer Rows(std::vector<AdoRow> rows);
-/// The call fails with the server's error.
+/// The call fails with this ADO error number; the default is that of an error which the server reports.
 AdoAnswer Failing(std::int32_t number = -2147217900, const std::string& description = "refused");
 /// The call fails as a call on a lost connection does.
 AdoAnswer LostConnection();
 /// A closed recordset with errors of these numbers, in this order.
 AdoAnswer WithErrors(const std::vector<std::int32_t>& numbers);
 
+/// A test makes one; all connections and commands use it.
 class FakeAdo {
   public:
     FakeAdo();
@@ -48,32 +49,33 @@ class FakeAdo {
     static FakeAdo& Current();
 
     /// Adds an answer for a statement, or for "Open", "Close", "OpenSchema 16", "Refresh" and "call NAME".
-    /// Each call gets the next answer; a call after the last answer succeeds without a result.
+    /// Each call takes the next answer for it; a call after the last answer succeeds without a result.
     void Answer(const std::string& statement, AdoAnswer answer);
-    /// The statements alone, in order.
+    /// The executed statements, in order.
     std::vector<std::string> Statements() const;
 
     /// Removes all answers that have not been given yet.
     void Forget() { answers_.clear(); }
 
-    /// The server is lost after so many further calls: each later call fails, until it is back.
+    /// After `more` further calls the server is lost: each later call fails until ServerIsBack.
     void LoseServerAfter(std::size_t more) { calls_before_loss_ = more; }
     void ServerIsBack() { calls_before_loss_.reset(); }
     /// The number of calls that failed because the server was lost.
     std::size_t missed = 0;
 
-    /// Every call in order, as "CommandTimeout 300", "ConnectionString Driver=...", "Open '' '' '' -1",
-    /// "Execute 1 text", "Close"; of commands "Command.CommandText name" and so on, "Refresh", and
-    /// "call name -1 @a=1 @b=(Empty)" with the values that go in.
+    /// Every call in order: "CommandTimeout 300", "ConnectionString Driver=...", "Open '' '' '' -1",
+    /// "Execute 1 text", "Close"; for commands "Command.CommandText name" and so on, "Refresh", and
+    /// "call name -1 @a=1 @b=(Empty)" with the input values.
     std::vector<std::string> calls;
-    std::size_t connections = 0;          ///< objects alive
-    std::size_t open_connections = 0;     ///< opened, and neither closed nor destroyed
-    std::size_t destroyed_while_open = 0; ///< objects that were destroyed while they were open
-    std::size_t commands = 0;             ///< objects alive
+    std::size_t connections = 0;          ///< connection objects that exist
+    std::size_t open_connections = 0;     ///< of these, the open ones
+    std::size_t destroyed_while_open = 0; ///< connection objects that were destroyed while they were open
+    std::size_t commands = 0;             ///< command objects that exist
 
     /// Called whenever a connection's Errors are read.
     std::function<void()> on_errors_read;
 
+    /// For the fake's own functions: returns the next answer for a call.
     AdoAnswer Take(const std::string& call);
 
   private:

@@ -1,4 +1,4 @@
-// A clock that stands still, linked in place of the system's. A test creates one.
+// A clock that stands still, linked instead of the system's (platform/clock.h). A test creates one.
 #pragma once
 
 #include "platform/clock.h"
@@ -7,7 +7,7 @@ namespace fakes {
 
 class FakeClock {
   public:
-    /// Stands at 2006-05-12 14:03:22.
+    /// The time is 2006-05-12 14:03:22 until Set is called.
     FakeClock();
     void Set(const platform::LocalTime& time);
 };

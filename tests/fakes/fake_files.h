@@ -1,4 +1,4 @@
-// The file services in memory, linked in place of the system's. Fails on demand.
+// The file services (platform/files.h) in memory, linked instead of the system's. They fail on demand.
 #pragma once
 
 #include <functional>
@@ -27,21 +27,24 @@ class FakeFiles {
     void AddFile(const std::string& path, const std::string& content);
     bool HasFolder(const std::string& path) const;
     bool HasFile(const std::string& path) const;
+    /// Throws std::out_of_range if there is no such file.
     const std::string& Content(const std::string& path) const;
 
     /// The next call of the operation ("read", "write", "append", "delete", "copy", "create folder") on the
     /// path fails.
     void FailNext(const std::string& operation, const std::string& path, platform::FileFault fault);
 
-    /// Every changing call as "operation path", in order.
+    /// Every call that changes files or folders, as "operation path", in order.
     const std::vector<std::string>& Log() const { return log_; }
 
+    /// The form in which paths are stored.
     static std::string Plain(std::string path);
+    // For the services: Check throws the failure that a test has set, Record adds a line to the log.
     void Check(const std::string& operation, const std::string& path);
     void Record(const std::string& operation, const std::string& path);
 
-    /// Runs whenever the existence of a folder is checked. The log does that first of all, so here a test can
-    /// see the current error of a failure handler.
+    /// Called whenever the existence of a folder is checked. Writing the log begins with that check, so here
+    /// a test can read the current error of a failure handler.
     std::function<void()> on_folder_asked;
     std::string executable_folder = R"(C:\Lotkeeper\Server)";
     std::string executable_name = "KVLSQLDbMgr";

@@ -1,15 +1,16 @@
-// A user's locale that a test chooses, the same on every system, and the forms of three locales.
+// A user's locale (platform/locale.h) that a test chooses, linked instead of the system's.
 #pragma once
 
 #include "platform/locale.h"
 
 namespace fakes {
 
+// How numbers and dates are written in three locales.
 platform::LocaleForms American();
 platform::LocaleForms German();
 platform::LocaleForms Swedish();
 
-/// The user's locale for as long as the object lives; otherwise it is the American one.
+/// Sets the user's locale as long as the object lives. Without one it is American.
 class FakeLocale {
   public:
     explicit FakeLocale(const platform::LocaleForms& forms);

@@ -1,4 +1,4 @@
-// The computer's named locks in memory, linked in place of the system's.
+// The computer's named locks (platform/named_lock.h) in memory, linked instead of the system's.
 #pragma once
 
 #include <set>
@@ -16,11 +16,11 @@ class FakeNamedLocks {
     /// The instance that the service uses. Ends the test program if there is no instance.
     static FakeNamedLocks& Current();
 
-    /// Locks that another process has, by a part of their names.
+    /// A lock whose name contains one of these texts is held by another process.
     std::set<std::string> held_elsewhere;
-    /// Every name that was asked for, in order.
+    /// The name of every lock that the program tried to take, in order.
     std::vector<std::string> asked;
-    /// The locks that the program has.
+    /// The locks that the program holds.
     std::multiset<std::string> held;
 };
 

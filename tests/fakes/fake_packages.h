@@ -1,4 +1,5 @@
-// The package classes, linked in place of the system's: calls are recorded and not executed.
+// A fake of the package classes (packages/packages.h), linked instead of the real ones: calls are recorded
+// and not executed.
 #pragma once
 
 #include <cstddef>
@@ -25,15 +26,16 @@ class FakePackages {
     FakePackages(const FakePackages&) = delete;
     FakePackages& operator=(const FakePackages&) = delete;
     ~FakePackages();
+    /// The instance that the classes use. Ends the test program if there is no instance.
     static FakePackages& Current();
 
-    /// False: the system has no such class, and creating an object returns null.
+    /// If false, the system has no such class and creating an object returns null.
     bool has_package_class = true;
     bool has_application_class = true;
-    /// The members that fail, with their failures.
+    /// The members that fail, by name, with their failures.
     std::map<std::string, packages::PackageError> failures;
 
-    /// The packages of the enumeration, which fails after `enumerated_before_failure` of them.
+    /// The packages on the server. Reading the list fails after `enumerated_before_failure` of them.
     std::vector<packages::PackageInfo> installed;
     std::size_t enumerated_before_failure = std::numeric_limits<std::size_t>::max();
 
@@ -43,7 +45,7 @@ class FakePackages {
     std::vector<PackageCall> calls;
     int packages_created = 0;
     int applications_created = 0;
-    int open_objects = 0;
+    int open_objects = 0; ///< created and not destroyed
 };
 
 } // namespace fakes

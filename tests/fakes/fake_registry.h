@@ -1,4 +1,5 @@
-// A registry in memory, linked in place of the system's. Fails on demand and counts the keys that stay open.
+// A registry (registry/registry.h) in memory, linked instead of the system's. It fails on demand and counts
+// the keys that stay open.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +13,8 @@ namespace fakes {
 
 enum class RegistryCall : std::uint8_t { Open, Create, Query, Set, Connect };
 
-/// One for each test. Its constructor and its destructor empty the registry.
+/// A test makes one. Its constructor and its destructor empty the registry. `hive` is a root key, such as
+/// registry_locations::kHkeyLocalMachine.
 class FakeRegistry {
   public:
     FakeRegistry();
@@ -20,11 +22,11 @@ class FakeRegistry {
     FakeRegistry& operator=(const FakeRegistry&) = delete;
     ~FakeRegistry();
 
-    // The content. The empty name is a key's default value; letter case is ignored, and a run of "\" in a key
-    // counts as one.
+    // The content. The empty name is a key's default value. Letter case is ignored, and several "\" in a row
+    // count as one.
 
     void AddKey(std::int32_t hive, const std::string& key);
-    /// Stores a text with its NUL, as Windows does. The key is made if it is absent.
+    /// Stores a text with a NUL at its end, as Windows does. Makes the key if it does not exist.
     void AddText(std::int32_t hive, const std::string& key, const std::string& name, const std::string& text);
     /// Stores the bytes of a value that is not text.
     void AddBytes(std::int32_t hive, const std::string& key, const std::string& name,
@@ -39,9 +41,9 @@ class FakeRegistry {
     /// The class that the key was made with.
     std::string ClassOf(std::int32_t hive, const std::string& key) const;
 
-    /// Every call of this kind fails with `error` until it is 0 again.
+    /// Every call of this kind fails with the Win32 error `error`; 0 ends that.
     void Fail(RegistryCall call, std::int32_t error);
-    /// The system's text for an error, CR LF included; empty for a system without such a text.
+    /// Sets the system's text for an error, with CR LF at its end; empty means that the system has no text.
     void SetSystemMessage(std::int32_t error, const std::string& text);
 
     /// The number of keys and remote roots that were opened and not closed.

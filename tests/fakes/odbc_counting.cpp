@@ -61,7 +61,8 @@ FakeHandle* Find(void* handle, const char* function) {
     return found->second.get();
 }
 
-/// Begins a call. Returns null if it must fail; `code` is then its return code.
+/// Begins a call: counts it and finds its handle. Returns null if the call must fail; `code` is then its
+/// return code.
 FakeHandle* Begin(void* handle, const char* function, SQLRETURN& code) {
     FakeHandle* const fake = Find(handle, function);
     code = SQL_INVALID_HANDLE;

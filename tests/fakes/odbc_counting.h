@@ -1,5 +1,5 @@
-// A fake driver manager, linked in place of the system's: counts open handles, fails the call that a test
-// names, and answers every statement with the results that the test has set.
+// A fake ODBC driver manager, linked instead of the system's. It counts open handles, fails the call that a
+// test chooses by its number, and answers every statement with the results that the test has set.
 #pragma once
 
 #include <cstddef>
@@ -22,21 +22,22 @@ struct OdbcRecord {
     std::optional<std::int32_t> server_state{};
 };
 
-/// A cell of a result with given cells; without a value it is NULL.
+/// A cell as text; no value means NULL.
 using OdbcCell = std::optional<std::string>;
 
-/// A result. It has no column; or a number, a text of at most 20 characters and, if it is long, a long text;
-/// or the cells that the test has set.
+/// A result of one of three kinds: without columns; with made-up rows of a number, a text of at most 20
+/// characters and, if `with_long_column`, a long text; or with the cells that the test has set (`kinds` and
+/// `cells`).
 struct OdbcResult {
     bool columns = true;
     bool with_long_column = false;
     std::size_t rows = 0;
     std::int64_t row_count = -1;
     std::size_t long_size = 0;         ///< characters of each long text
-    std::vector<OdbcRecord> records{}; ///< returned with it, with SQL_SUCCESS_WITH_INFO
+    std::vector<OdbcRecord> records{}; ///< returned with the result, and with SQL_SUCCESS_WITH_INFO
     /// Returned in the same way with the fetch that reaches the last row.
     std::vector<OdbcRecord> fetch_records{};
-    bool no_data = false; ///< returned with SQL_NO_DATA, as for a statement that touches no row
+    bool no_data = false; ///< the call returns SQL_NO_DATA, as for a statement that changes no row
     bool fails = false;   ///< the call that would return it fails, with its records
     /// The columns of a result with given cells: 'n' is a whole number, 't' a text of at most 20 characters.
     std::string kinds{};
@@ -52,7 +53,7 @@ inline OdbcResult LaidOut(std::string kinds, std::vector<std::vector<OdbcCell>> 
     return result;
 }
 
-/// The binding of a marker at the time when its statement was run.
+/// How a parameter marker was bound when its statement was run. The numbers are those of ODBC.
 struct OdbcParameter {
     int direction = 0;
     int c_type = 0;
@@ -64,20 +65,20 @@ struct OdbcParameter {
 
 /// The state of the fake. There is one for the process, since ODBC's functions have no other context.
 struct OdbcCounting {
-    std::vector<OdbcResult> results;   ///< of each statement, in order
-    std::vector<OdbcResult> catalogue; ///< of each call of a catalogue; if empty, `results` are used
+    std::vector<OdbcResult> results;   ///< every statement returns these, in order
+    std::vector<OdbcResult> catalogue; ///< every catalogue function returns these; if empty, `results`
     std::vector<OdbcCell> output;      ///< the output values of a statement's markers after its last result
-    std::vector<OdbcParameter> parameters; ///< of the last statement that was run
+    std::vector<OdbcParameter> parameters; ///< the bound markers of the last statement that was run
 
-    /// The call, counted from 1, that fails; 0: no call fails. Freeing handles and reading records is not
-    /// counted.
+    /// The number of the call that fails, from 1; 0 if no call fails. Calls that free handles or read records
+    /// are not counted.
     std::size_t failing_call = 0;
-    std::size_t calls = 0;
-    std::string failed_function; ///< the function that has failed
-    std::size_t fetches = 0;
+    std::size_t calls = 0;       ///< calls so far
+    std::string failed_function; ///< the name of the function that has failed
+    std::size_t fetches = 0;     ///< calls that fetched rows
 
     std::size_t open_handles = 0;
-    std::size_t most_handles = 0;
+    std::size_t most_handles = 0; ///< the largest number of open handles
     std::size_t open_connections = 0;
     /// Violations of the order of calls: a parent freed before its child, a handle freed twice and so on.
     std::vector<std::string> violations;
@@ -90,7 +91,7 @@ struct OdbcCounting {
 };
 
 OdbcCounting& Counting();
-/// Forgets everything.
+/// Sets the state to its initial values.
 void ResetCounting();
 
 } // namespace fakes

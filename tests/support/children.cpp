@@ -1,3 +1,4 @@
+// Forks a child for each case and collects the failures.
 #include "support/children.h"
 
 #include <array>
@@ -19,10 +20,10 @@ constexpr unsigned kSecondsForACase = 60;
 
 struct Child {
     std::string name;
-    int output = -1;
+    int output = -1; ///< the file in memory that receives the child's output
 };
 
-/// Never returns.
+/// Runs the case in the child process and ends the process.
 [[noreturn]] void BeChild(const Case& one, int output) {
     setpgid(0, 0);           // processes that the case starts can be ended with it
     alarm(kSecondsForACase); // ends a case that hangs

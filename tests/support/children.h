@@ -1,5 +1,5 @@
-// Runs cases in parallel, each in its own process: for tests that wait more than they compute, and for code
-// with global state. Linux only.
+// Runs the cases of a test in parallel, each in its own child process. This is for cases that wait more than
+// they compute, and for code with global state. Linux only.
 #pragma once
 
 #include <cstddef>
@@ -11,13 +11,14 @@ namespace support {
 
 struct Case {
     std::string name;
-    /// Runs in the child. Its failed expectations are failures of the test. Processes that it starts end with
-    /// it.
+    /// Runs in the child process. Expectations that fail in it are failures of the test. Processes that it
+    /// starts are killed when it ends.
     std::function<void()> run;
 };
 
-/// Runs all cases, `at_once` at a time. A case that fails, dies or takes more than a minute is one failure of
-/// the running test, with the child's output. The calling process must have one thread.
+/// Runs all cases, `at_once` at a time, and returns when all have ended. A case that fails, crashes or takes
+/// more than a minute adds one failure to the running test, with the child's output. The calling process must
+/// have only one thread, because it is forked.
 void RunInChildren(const std::vector<Case>& cases, std::size_t at_once);
 
 } // namespace support

@@ -1,3 +1,4 @@
+// Reads the packets of TDS only as far as it must: their kind, their length and the text of a batch.
 #include "support/fault_proxy.h"
 
 #include <array>
@@ -15,6 +16,8 @@
 namespace support {
 namespace {
 
+// The header of a TDS packet: its size, the kinds of messages (byte 0), and the flag of the last packet (byte
+// 1).
 constexpr std::size_t kHeaderSize = 8;
 constexpr unsigned char kBatch = 0x01;
 constexpr unsigned char kCall = 0x03;
@@ -22,9 +25,9 @@ constexpr unsigned char kAttention = 0x06;
 constexpr unsigned char kLogin = 0x10;
 constexpr unsigned char kEndOfMessage = 0x01;
 constexpr std::chrono::milliseconds kSlow{50};
-constexpr int kPollMilliseconds = 50; ///< after this time at most a link sees that the proxy ends
+constexpr int kPollMilliseconds = 50; ///< how often a link checks whether the proxy is being destroyed
 
-/// A socket, closed by its owner.
+/// Owns a socket.
 class Socket {
   public:
     explicit Socket(int fd) : fd_(fd) {}
@@ -38,7 +41,7 @@ class Socket {
         }
     }
     int Get() const { return fd_; }
-    /// The other end finds its connection reset and not ended.
+    /// Closing the socket will reset the connection instead of ending it in order.
     void ResetWhenClosed() const {
         const linger at_once{1, 0};
         setsockopt(fd_, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
@@ -111,7 +114,7 @@ unsigned char KindOf(const std::string& message) {
     return static_cast<unsigned char>(message.front());
 }
 
-/// The text of a batch, one byte for each UTF-16 unit: the statements of the tests have no other characters.
+/// The text of a batch: the low byte of each UTF-16 unit, because the statements of the tests are ASCII.
 std::string TextOf(const std::string& message) {
     std::string body;
     for (std::size_t at = 0; at + kHeaderSize <= message.size();) {
@@ -120,7 +123,7 @@ std::string TextOf(const std::string& message) {
         body.append(message, at + kHeaderSize, length - kHeaderSize);
         at += length;
     }
-    // From version 7.2 of the protocol on there are headers before the text; their total length comes first.
+    // From version 7.2 of TDS on, headers come before the text; they begin with their total length.
     const std::size_t headers = body.size() >= 4 ? static_cast<unsigned char>(body[0]) : 0;
     std::string text;
     for (std::size_t at = headers; at + 1 < body.size(); at += 2) {
@@ -135,8 +138,8 @@ void Put(std::string& bytes, std::uint64_t number, int size) {
     }
 }
 
-/// The answer of a server that refuses a message: an error and the end of the answer, as version 7.2 of the
-/// protocol and later ones have them.
+/// The answer of a server that refuses a message: an error and the end of the answer, as in TDS 7.2 and
+/// later.
 std::string Refusal(Fault fault, unsigned char kind) {
     struct Error {
         std::uint32_t number;
@@ -251,7 +254,7 @@ class FaultProxy::Link {
     bool FromServer() {
         switch (fault_) {
         case Fault::HangAfter:
-            return true; // is kept
+            return true; // the answer stays in `pending`
         case Fault::CutAfter:
         case Fault::KillAfter:
         case Fault::ResetAfter:
@@ -296,7 +299,8 @@ class FaultProxy::Link {
         }
     }
 
-    /// The client has given up waiting: messages that were held back are dropped.
+    /// The client cancels its message, so the message or answer that the fault held back is not needed any
+    /// more.
     bool Cancelled(const std::string& message) {
         if (std::exchange(fault_, Fault::None) == Fault::HangAfter &&
             !client_.socket.Send(std::exchange(server_.pending, {}))) {

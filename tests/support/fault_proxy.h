@@ -1,5 +1,5 @@
-// A proxy between the program and a development server, which splits the connection into the protocol's
-// messages and injects a fault at a chosen message.
+// A TCP proxy between the program and a development server. It splits the data into the messages of TDS, the
+// protocol between client and server, and injects a fault at a chosen message. Linux only.
 #pragma once
 
 #include <atomic>
@@ -14,33 +14,34 @@
 
 namespace support {
 
-/// The fault of a message. "Before": the server never receives it. "After": the server executes it, and its
-/// answer does not arrive.
+/// The fault that is injected at a message. "Before": the server never receives the message. "After": the
+/// server executes it, but its answer does not reach the client.
 enum class Fault : std::uint8_t {
     None,
     Slow,      ///< passed on after a delay
     CutBefore, ///< both connections are closed
     CutAfter,
-    HangBefore, ///< nothing happens until the client gives up: it cancels or closes the connection
+    HangBefore, ///< no answer comes until the client cancels the message or closes the connection
     HangAfter,
-    KillBefore, ///< the server is killed
+    KillBefore, ///< the server's process is killed
     KillAfter,
     ResetBefore, ///< both connections are reset
     ResetAfter,
     KillProgramBefore, ///< the process that sent the message is killed
     KillProgramAfter,
     KillStarter, ///< the process that started the sender is killed; the message is passed on
-    RefuseRight, ///< answered in the server's place: the login lacks the right
-    RefuseRoom,  ///< the same: the server's disk is full
+    RefuseRight, ///< the proxy answers: the login lacks the right
+    RefuseRoom,  ///< the proxy answers: the server's disk is full
 };
 
 const char* NameOf(Fault fault);
 
-/// Accepts connections on a free port of loopback and passes their data on. Each login and each batch is an
-/// event; events are counted over all connections.
+/// Accepts connections on a free port of loopback and passes their data on. Each login, each batch and each
+/// call of a procedure is an event. Events are counted over all connections.
 class FaultProxy {
   public:
-    /// `kill_server` ends the server's process at once; it is called from a thread of the proxy.
+    /// `kill_server` must kill the server's process; it is called from a thread of the proxy. Throws
+    /// std::runtime_error if no port is free.
     FaultProxy(int server_port, std::function<void()> kill_server);
     FaultProxy(const FaultProxy&) = delete;
     FaultProxy& operator=(const FaultProxy&) = delete;
@@ -48,25 +49,25 @@ class FaultProxy {
     ~FaultProxy();
 
     int Port() const { return port_; }
-    /// `kill_program` ends a process of the program at once, for the faults that kill one; it is called from
-    /// a thread of the proxy. To be set before the program connects.
+    /// For the faults that kill a process of the program: `kill_program` must kill it. It is called from a
+    /// thread of the proxy. Must be set before the program connects.
     void KillProgramBy(std::function<void()> kill_program) { kill_program_ = std::move(kill_program); }
-    /// Injects the fault at the event with this number, counted from 0. To be called before that event.
+    /// Injects the fault at the event with this number, counted from 0. Must be called before that event.
     void Arm(std::size_t event, Fault fault) { Arm(event, event, fault); }
-    /// Injects the fault at all events of a range.
+    /// Injects the fault at all events from `first` to `last`.
     void Arm(std::size_t first, std::size_t last, Fault fault);
-    /// Batches with this text are not events from now on.
+    /// After this call batches with this text are not counted as events.
     void Ignore(std::string text);
-    /// "login", "call", or the text of the batch; in the order in which they came.
+    /// All events in the order in which they arrived: "login", "call", or the text of the batch.
     std::vector<std::string> Events() const;
-    /// True if the fault has happened.
+    /// True if an event with the fault has arrived.
     bool Struck() const { return struck_; }
 
   private:
     class Link;
 
     void Accept();
-    /// Counts an event and returns its fault.
+    /// Counts an event and returns the fault to inject at it.
     Fault Note(std::string event);
 
     std::function<void()> kill_server_;

@@ -1,4 +1,4 @@
-// The lines of the program's log, for the tests of every suite.
+// Splits the program's log into lines, for the tests of every suite.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace support {
 
-/// The lines without their beginning, "2006-05-12 14:03:22 : Error in ". A line with another beginning is
-/// returned whole, so that a comparison fails.
+/// Returns the lines without their beginning, such as "2006-05-12 14:03:22 : Error in ". A line that begins
+/// in another way is returned whole, so that a comparison fails.
 inline std::vector<std::string> LogLines(std::string_view log) {
     constexpr std::size_t kDateLength = std::string_view("2006-05-12 14:03:22").size();
     constexpr std::string_view kHead = " : Error in ";

@@ -4,9 +4,10 @@
 //
 //   server_pair_tool SETTINGS a|b COMMAND [ARGUMENT...]
 //
-// SETTINGS is a file of lines "Member=value", the members as ServerPairSettings names them and ScriptFolder;
-// a or b is the selected server. Exit code 0: the operation succeeded. 1: it failed; the errors that the
-// server reported are written to the terminal. 2: wrong arguments.
+// SETTINGS is a file of lines "Member=value". The members are those of ServerPairSettings, and ScriptFolder.
+// "a" or "b" selects the server. COMMAND is one of Commands() below. Exits with 0 if the operation succeeded,
+// with 1 if it failed (the errors that the server reported are written to the terminal), and with 2 for wrong
+// arguments.
 #include <cstdio>
 #include <exception>
 #include <functional>
@@ -94,7 +95,7 @@ bool UninstallReplication(const Pair& pair, const Arguments& arguments) {
         pair, [&](kv::CSQLReplicationMgr& manager) { return manager.UninstallReplication(arguments[0]); });
 }
 
-/// Prints the answer to the question.
+/// Prints "installed" or "not installed".
 bool IsReplicationInstalled(const Pair& pair, const Arguments& arguments) {
     return Run<kv::CSQLReplicationMgr>(pair, [&](kv::CSQLReplicationMgr& manager) {
         bool installed = false;
@@ -135,7 +136,7 @@ bool RemoveDatabase(const Pair& pair, const Arguments& arguments) {
 }
 
 struct Command {
-    std::size_t arguments;
+    std::size_t arguments; ///< how many it takes
     bool (*run)(const Pair& pair, const Arguments& arguments);
 };
 

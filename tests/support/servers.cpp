@@ -1,3 +1,4 @@
+// Reads the servers' names from the environment and asks them through the database layer.
 #include "support/servers.h"
 
 #include <stdexcept>

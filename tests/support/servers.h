@@ -1,4 +1,6 @@
-// Access to the two development servers that with_servers.py starts for a test program, on Linux and Windows.
+// Gives a test program access to the two development servers that with_servers.py has started for it. For
+// Linux and Windows. A failed connection or statement throws the failure of the database layer
+// (base/failure.h).
 #pragma once
 
 #include <cstdint>
@@ -14,7 +16,7 @@ namespace support {
 /// The value of an environment variable that with_servers.py sets. Throws std::logic_error if it is not set.
 std::string FromServers(const char* name);
 
-/// The servers' names as a connection string takes them.
+/// The servers' names as in a connection string, "host,port".
 inline std::string ServerA() {
     return FromServers("KV_SERVER_A");
 }
@@ -22,8 +24,8 @@ inline std::string ServerB() {
     return FromServers("KV_SERVER_B");
 }
 
-/// The path of a file in the folder that the program and the servers share, with the separator of the system
-/// that the program runs on.
+/// The path of a file in the folder that the program and the servers share, in the form of the system that
+/// the program runs on.
 std::string SharedPath(const std::string& name);
 
 /// Opens a connection to the database with the tests' login. Connecting and each statement may take ten

@@ -1,6 +1,6 @@
-// Replaces functions of the driver manager and makes every time-out that a program sets two seconds long, so
-// that a test need not wait five minutes. Linked into the test's executable, whose functions are found before
-// those of a library.
+// Replaces two functions of the ODBC driver manager, so that every time-out that the program sets is two
+// seconds long and a test need not wait five minutes. It works because the functions of the executable are
+// found before those of a shared library.
 #include "support/short_time_outs.h"
 
 #include <cstdlib>
@@ -19,6 +19,7 @@ std::set<std::uintptr_t>& Seen() {
     return seen;
 }
 
+/// The driver manager's own function of this name.
 template <class Function>
 Function Next(const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
@@ -29,7 +30,7 @@ int& FullTimeOutsInUse() {
     return count;
 }
 
-/// Two seconds, if there is a limit.
+/// Records a time-out and returns two seconds; 0, which means no limit, stays 0.
 SQLPOINTER Shortened(SQLPOINTER value) {
     if (FullTimeOutsInUse() > 0) {
         return value;

@@ -1,4 +1,5 @@
-// The time-outs that the program set, before short_time_outs.cpp reduced them to two seconds. Linux only.
+// Linking short_time_outs.cpp into a test reduces every time-out that the program sets to two seconds. This
+// header tells the test which time-outs the program asked for. Linux only.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +7,8 @@
 
 namespace support {
 
-/// While one exists, time-outs are neither reduced nor recorded. For a test's own statements, which may take
-/// longer than two seconds on a busy machine. To be used by one thread.
+/// While an object of this class exists, time-outs are neither reduced nor recorded. It is for a test's own
+/// statements, which may take longer than two seconds on a busy machine. Only one thread may use it.
 class FullTimeOuts {
   public:
     FullTimeOuts();
@@ -16,7 +17,7 @@ class FullTimeOuts {
     ~FullTimeOuts();
 };
 
-/// The limits in seconds that were set since the last call of this, for statements and for connecting.
+/// Returns the time-outs, in seconds, that were set for statements and for connecting since the last call.
 std::set<std::uintptr_t> TakeTimeOuts();
 
 } // namespace support

@@ -1,4 +1,4 @@
-// A fresh folder for one test, which is deleted with its content when the test ends.
+// A new folder for one test.
 #pragma once
 
 #include <atomic>
@@ -8,6 +8,8 @@
 
 namespace support {
 
+/// Makes a new, empty folder and deletes it with its content when the object is destroyed. The constructor
+/// throws std::filesystem::filesystem_error if the folder cannot be made.
 class TempFolder {
   public:
     TempFolder() {
@@ -26,7 +28,7 @@ class TempFolder {
     }
 
     const std::filesystem::path& Path() const { return path_; }
-    /// A path below the folder, with "\" as the separator.
+    /// The path of a file in the folder, as the program writes paths: with "\" before the name.
     std::string operator/(const std::string& name) const { return path_.string() + "\\" + name; }
 
   private:

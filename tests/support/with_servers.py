@@ -2,9 +2,12 @@
 #
 #   with_servers.py DEVSQLSERVER PROGRAM [--wine] [ARGUMENT …]
 #
-# The program finds in its environment: KV_SERVER_A and KV_SERVER_B, names as a connection string has them; KV_USER and
-# KV_PASSWORD; KV_SILENT, a server that accepts connections and never answers; KV_FOLDER, a fresh folder that the
-# program and both servers share, in the form of the program's system; and the driver "SQL Server".
+# Exits with the program's exit code. The program gets these environment variables:
+#   KV_SERVER_A, KV_SERVER_B   the servers' names as in a connection string
+#   KV_USER, KV_PASSWORD       the login of both
+#   KV_SILENT                  the name of a server that accepts connections and never answers
+#   KV_FOLDER                  a new folder that the program and both servers can reach, in the form of the program's system
+#   ODBCSYSINI                 a folder that registers the ODBC driver "SQL Server"
 import os
 import shutil
 import socket
@@ -31,7 +34,7 @@ def main(server_program, program, *arguments):
             environment = dict(os.environ, ODBCSYSINI=folder, KV_SERVER_A=a.name, KV_SERVER_B=b.name, KV_USER=USER,
                                KV_PASSWORD=PASSWORD, KV_SILENT=f"127.0.0.1,{silent.getsockname()[1]}",
                                KV_FOLDER="Z:" + folder.replace("/", "\\") if wine else folder)
-            environment["LC_ALL"] = "C.UTF-8"  # values are shown and read in the forms that the tests write
+            environment["LC_ALL"] = "C.UTF-8"  # the locale whose forms of numbers and dates the tests expect
             command = [program, *arguments]
             if wine:
                 environment.pop("DISPLAY", None)
