@@ -1,3 +1,4 @@
+// Implements ado::Connection and ado::Command on the answers of FakeAdo.
 #include "fakes/fake_ado.h"
 
 #include <cstdio>

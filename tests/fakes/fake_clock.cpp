@@ -1,3 +1,4 @@
+// Implements platform/clock.h.
 #include "fakes/fake_clock.h"
 
 namespace {

@@ -1,3 +1,4 @@
+// Implements platform/files.h on maps in memory.
 #include "fakes/fake_files.h"
 
 #include <algorithm>

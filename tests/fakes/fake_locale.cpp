@@ -1,3 +1,4 @@
+// Implements platform/locale.h, and has the forms of three locales.
 #include "fakes/fake_locale.h"
 
 namespace {

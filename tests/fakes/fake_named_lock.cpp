@@ -1,3 +1,4 @@
+// Implements platform/named_lock.h.
 #include "fakes/fake_named_lock.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Implements packages/packages.h.
 #include "fakes/fake_packages.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// Implements platform/process.h.
 #include "fakes/fake_process.h"
 
 #include <cstdio>

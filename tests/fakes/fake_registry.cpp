@@ -1,3 +1,4 @@
+// Implements registry/registry.h on maps in memory.
 #include "fakes/fake_registry.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Implements platform/message_box.h, status_window.h and pending_events.h.
 #include "fakes/fake_screen.h"
 
 #include <cstdio>

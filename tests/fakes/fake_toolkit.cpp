@@ -1,3 +1,4 @@
+// Implements ui/toolkit.h.
 #include "fakes/fake_toolkit.h"
 
 #include <cstdio>

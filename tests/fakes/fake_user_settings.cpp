@@ -1,3 +1,4 @@
+// Implements registry/user_settings.h.
 #include "fakes/fake_user_settings.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// Implements the functions of ODBC that the program uses.
 #include "fakes/odbc_counting.h"
 
 #include <algorithm>

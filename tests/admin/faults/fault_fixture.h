@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "ado/connection.h"
-#include "fakes/dts_dev_server.h"
+#include "fakes/dev_server.h"
 #include "support/children.h"
 #include "support/fault_proxy.h"
 

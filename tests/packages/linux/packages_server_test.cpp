@@ -12,7 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "fakes/dts_dev_server.h"
+#include "fakes/dev_server.h"
 #include "odbc/odbc.h"
 #include "odbc/odbc_rows.h"
 #include "packages/package_failure.h"

@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "fakes/dts_odbc.h"
+#include "fakes/scripted_odbc.h"
 #include "packages/package_failure.h"
 
 namespace {

@@ -1,4 +1,5 @@
-#include "fakes/dts_dev_server.h"
+// Starts, stops and kills the server's process.
+#include "fakes/dev_server.h"
 
 #include <array>
 #include <csignal>

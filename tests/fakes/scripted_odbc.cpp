@@ -1,4 +1,5 @@
-#include "fakes/dts_odbc.h"
+// Implements the functions of odbc/odbc.h that the package store uses.
+#include "fakes/scripted_odbc.h"
 
 #include <algorithm>
 #include <cstdio>
