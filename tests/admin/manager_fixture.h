@@ -1,5 +1,5 @@
-// The fixture of the managers' tests: a system in memory with a log, and a database that answers as the test
-// says.
+// The fixture of the managers' tests. All services are fakes in memory: a log, and a database that answers as
+// the test says.
 #pragma once
 
 #include <string>
@@ -44,8 +44,8 @@ class ManagerTest : public ::testing::Test {
     ManagerTest() {
         registry_.AddText(registry_locations::kHkeyLocalMachine, registry_locations::kLogKey, "", "L:\\Log");
         files_.AddFolder("L:\\Log");
-        // The failure path first reads the connection's errors, if there is a connection, and then writes the
-        // log.
+        // When an operation fails, the manager first reads the connection's errors, if there is a connection,
+        // and then writes the log. At both places the current error is the failure of the operation.
         const auto note = [this] {
             if (CurrentError().number != 0) {
                 failure_ = CurrentError();
@@ -66,7 +66,7 @@ class ManagerTest : public ::testing::Test {
     static std::string ConnectionStringB(const std::string& database) {
         return "Driver={SQL Server};Server=NodeB;Database=" + database + ";Uid=saB;Pwd=pwB;";
     }
-    /// The calls of an operation that opens by the standard sequence and runs these statements.
+    /// The calls of an operation that opens a connection, runs these statements and closes it.
     static Lines StandardCalls(const std::string& connection_string, const Lines& statements) {
         Lines calls = {"CursorLocation 3", "ConnectionString " + connection_string, "CommandTimeout 300",
                        "ConnectionTimeout 300", "Open '' '' '' -1"};
@@ -80,7 +80,7 @@ class ManagerTest : public ::testing::Test {
     Lines LogLines() const {
         return files_.HasFile(kLogFile) ? support::LogLines(files_.Content(kLogFile)) : Lines{};
     }
-    /// Checks the last failure that reached a failure path. Its text is neither shown nor logged.
+    /// Checks the last failure of an operation. Its text is neither shown nor logged.
     void ExpectRaised(const char* class_name, const std::string& description) {
         EXPECT_EQ(failure_.number, kProgramFailure);
         EXPECT_EQ(failure_.source, class_name);

@@ -1,4 +1,4 @@
-// Which tabs and servers can be used, depending on the General tab's fields.
+// Tests which tabs and servers can be used, depending on the General tab's fields.
 #include "console/availability.h"
 
 #include <gtest/gtest.h>
@@ -29,8 +29,8 @@ std::array<bool, kMainTabs> Open(const Availability& availability) {
     return open;
 }
 
-// General, which is always false here, then Script, Synchronize, Upgrade, Replication, View Data, Stored
-// Proc.
+// The columns are the tabs: General (always false here), Script, Synchronize, Upgrade, Replication, View
+// Data, Stored Proc.
 using Tabs = std::array<bool, kMainTabs>;
 
 TEST(AvailabilityTable, FromNothingToTwoCompleteServers) {

@@ -1,5 +1,5 @@
-// The order of the steps that an operator can see: for each command and each choice the sequence of
-// hourglass, buttons, questions to the server, lists, status line and boxes.
+// Tests the order of the steps that an operator can see. For each command and each choice this is the
+// sequence of hourglass, buttons, requests to the server, lists, status line and message boxes.
 #include <tuple>
 
 #include "console/console_fixture.h"
@@ -8,7 +8,8 @@
 namespace kv {
 namespace {
 
-/// As long as it lives, records the changes of a form as lines among the recorded calls of the screen:
+/// While an object of this class exists, it adds the changes of a form as lines to the recorded calls of the
+/// screen:
 ///   "lock", "unlock"                painting of the window is locked or unlocked
 ///   "NAME on", "NAME off"           a control is enabled or disabled
 ///   "NAME locked", "NAME unlocked"  a text box is made read-only or writable
@@ -125,7 +126,7 @@ class CommandOrder : public ConsoleTest {
     void ServerFails(const std::string& description) {
         ado_.Answer("Open", fakes::Failing(-2147467259, description));
     }
-    /// The lines recorded while the act runs.
+    /// Runs the act and returns the lines recorded meanwhile.
     template <class Act>
     const Lines& Recorded(ui::Form& form, const Act& act) {
         const Trace trace(form, screen_, ado_);

@@ -1,5 +1,5 @@
-// The fixture of the console's tests: a system in memory with a registry, a log, a query tool and a database
-// that answers as the test says; the tests use the main window's controls as an operator does.
+// The fixture of the console's tests. All services are fakes in memory: a registry, a log, a query tool, and
+// a database that answers as the test says. The tests use the main window's controls as an operator does.
 #pragma once
 
 #include <algorithm>
@@ -52,9 +52,11 @@ class ConsoleTest : public ::testing::Test {
         files_.AddFile(kTool, "");
     }
 
+    /// Sets a text below HKEY_LOCAL_MACHINE in the registry.
     void Text(const std::string& key, const std::string& name, const std::string& text) {
         registry_.AddText(registry_locations::kHkeyLocalMachine, key, name, text);
     }
+    /// Sets the installed version of SQL Server.
     void Version(const std::string& version) {
         Text(registry_locations::kCurrentVersionKey, registry_locations::kCurrentVersionValue, version);
     }
@@ -62,6 +64,7 @@ class ConsoleTest : public ::testing::Test {
         Text(registry_locations::kCustomFunctionsKey, registry_locations::kSqlServerInstalledValue, text);
     }
 
+    /// Sets an entry that an earlier run has saved. `key` is the control's name and index.
     void Remember(const std::string& key, const std::string& text) {
         remembered_.texts["KVLSQLDbMgr/Settings/" + key] = text;
     }
@@ -120,7 +123,7 @@ class ConsoleTest : public ::testing::Test {
         ui::Type(box, text);
     }
 
-    /// The answer to the next `times` questions for the databases of a server.
+    /// Sets the answer to the next `times` requests for the databases of a server.
     void Databases(const std::vector<std::string>& names, int times = 1) {
         std::vector<fakes::AdoRow> rows;
         for (const std::string& name : names) {
@@ -137,6 +140,7 @@ class ConsoleTest : public ::testing::Test {
         }
         return items;
     }
+    /// The message boxes so far, each as "[icon] title: text".
     Lines Boxes() const { return screen_.After("box "); }
     /// The connections in order, each as "server database".
     Lines Connections() const {

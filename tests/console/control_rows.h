@@ -1,5 +1,5 @@
-// The controls of the main window's pages, written a second time and independently of the program's own
-// table. A test compares the two.
+// The controls of the main window's pages. This table is written independently of the program's own
+// (src/console/form_designs.cpp), and a test compares the two.
 #pragma once
 
 namespace console_tests {
@@ -28,8 +28,8 @@ struct ControlRow {
     const char* kind;
     const char* caption;
     const char* tool_tip;
-    const char* inside;  ///< empty: directly on the page
-    const char* remarks;
+    const char* inside;  ///< the parent; empty if it is the page
+    const char* remarks; ///< its traits in words, such as "read-only"
 };
 
 inline constexpr ControlRow kControlRows[] = {

@@ -1,5 +1,5 @@
-// Compares the program's table of the main window's controls with the tests' own, and checks the arrangement
-// of both windows.
+// Compares the program's table of the main window's controls with the tests' own (control_rows.h), and checks
+// the arrangement of both windows.
 #include <map>
 #include <set>
 #include <string>
@@ -192,8 +192,8 @@ TEST(ControlTree, ALabelWithAMnemonicIsFollowedByItsTextBox) {
     }
 }
 
-/// The list of parameters is on the left, the fields of one parameter on its right, the result below both,
-/// and the buttons in a row at the bottom, Close on the right.
+/// The list of parameters is on the left, the fields of one parameter are on its right, the result is below
+/// both, and the buttons are in a row at the bottom, with Close on the right.
 TEST(ControlTree, TheControlsOfTheDialogAreArranged) {
     const ui::FormDesign& design = ProceduresFormDesign();
     const ui::Form form(design);

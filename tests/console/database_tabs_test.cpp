@@ -1,4 +1,4 @@
-// The commands of the Synchronize, Upgrade and Replication tabs.
+// Tests the commands of the Synchronize, Upgrade and Replication tabs.
 #include "console/console_fixture.h"
 
 namespace kv {
@@ -16,7 +16,7 @@ class DatabaseTabs : public ConsoleTest {
         Start();
         Databases({"master", "Batch"}, 2);
         Open(tab);
-        // The command must not use the answer that opening the tab has left.
+        // The command must not get an answer that was set for opening the tab.
         ado_.Take("exec sp_helpdb");
         screen_.calls.clear();
         ado_.calls.clear();
@@ -99,7 +99,7 @@ TEST_F(SynchronizeTabTest, WithServerBAsTheSourceServerAIsTheDestination) {
     EXPECT_EQ(Connections().front(), "NodeB ofB");
 }
 
-TEST_F(SynchronizeTabTest, AnotherDatabaseOfTheSameServerPasses) {
+TEST_F(SynchronizeTabTest, AnotherDatabaseOfTheSameServerIsAccepted) {
     StartOn(kSynchronizeTab);
     Edit("edtServerName", 1).Text("NodeA");
     ui::Choose(Combo("cboSynchronizeDestDatabase"), 1);
@@ -137,7 +137,7 @@ TEST_F(UpgradeTabTest, RemoveRemovesAtOnceAndRefreshesTheLists) {
     ExpectButtonBack("cmdRemove");
 }
 
-TEST_F(UpgradeTabTest, AnEmptyListRemovesTheEmptyNameWithSuccess) {
+TEST_F(UpgradeTabTest, WithAnEmptyListRemovingTheEmptyNameSucceeds) {
     Start();
     Open(kUpgradeTab);
     ado_.calls.clear();
@@ -155,7 +155,7 @@ TEST_F(UpgradeTabTest, AnExistingNewNameIsRefusedWithoutARefresh) {
     ExpectButtonBack("cmdRename");
 }
 
-TEST_F(UpgradeTabTest, ANewNameInAnotherCasePasses) {
+TEST_F(UpgradeTabTest, ANewNameInAnotherCaseIsAccepted) {
     StartOn(kUpgradeTab);
     TypeInto(Edit("edtRenameNewDatabase"), "BATCH");
     ui::Choose(Combo("cboRenameDatabase"), 1);
@@ -203,7 +203,7 @@ TEST_F(UpgradeTabTest, TheCommandsWorkOnTheSelectedServer) {
     EXPECT_EQ(Connections(), (Lines{"NodeB master", "NodeB master"}));
 }
 
-TEST_F(ReplicationTabTest, OpeningShowsTheSwitchTheListAndTheStatus) {
+TEST_F(ReplicationTabTest, OpeningShowsTheSettingTheListAndTheStatus) {
     Text(registry_locations::kCustomFunctionsKey, "UseTransactionalReplication", "true");
     Start();
     Databases({"master", "Batch"});
@@ -262,7 +262,7 @@ TEST_F(ReplicationTabTest, AListThatBecomesEmptyShowsTheStatusAsUnknown) {
     EXPECT_FALSE(Button("cmdUninstallReplication").Enabled());
 }
 
-TEST_F(ReplicationTabTest, TheStatusIsOfTheUpgradeTabsServerAndTheListOfThisTabs) {
+TEST_F(ReplicationTabTest, TheStatusIsThatOfTheUpgradeTabsServerAndTheListThatOfThisTabs) {
     StartOn(kReplicationTab);
     Databases({"ofB"});
     ui::Click(Option("optSQLReplCurrentServer", 1));
@@ -304,7 +304,7 @@ TEST_F(ReplicationTabTest, AFailedInstallIsReportedAfterTheStatus) {
     EXPECT_TRUE(Button("cmdInstallReplication").Enabled());
 }
 
-TEST_F(ReplicationTabTest, TheSwitchIsSavedAndShowsTheRegistryIfSavingFails) {
+TEST_F(ReplicationTabTest, TheSettingIsSavedAndShowsTheRegistryIfSavingFails) {
     StartOn(kReplicationTab);
     const auto stored = [this] {
         return registry_.TextOf(registry_locations::kHkeyLocalMachine,

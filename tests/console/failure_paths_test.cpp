@@ -1,5 +1,5 @@
-// Failures that a working system does not have: the server is lost at any call of a command, and a handler's
-// own code fails at each place where a failure is caught.
+// Tests failures that a working system does not have: the server is lost at any call of a command, and a
+// handler's own code fails at each place where a failure is caught.
 #include "console/console_fixture.h"
 #include "console/procedures_form.h"
 
@@ -89,9 +89,9 @@ class FailurePaths : public ConsoleTest {
         ado_.calls.clear();
         files_.files.erase(fakes::FakeFiles::Plain(kLogFile));
     }
-    /// Runs a command with the server lost after no call, after one call and so on, until the command ends
-    /// before that call. Each time the form must be usable, a box must report the loss, and the same command
-    /// must work with the server back.
+    /// Runs a command repeatedly. The server is lost after no call, then after one call and so on, until the
+    /// command ends before the loss. Each time the form must stay usable, a message box must report the loss,
+    /// and the same command must work when the server is back.
     void LoseTheServerAtEachCall(ui::Form& form, const std::function<void()>& press,
                                  const std::function<bool()>& usable) {
         std::size_t call = 0;

@@ -1,4 +1,5 @@
-// The General tab: fetching logins from the registry, choosing folders, and the derived replication path.
+// Tests the General tab: fetching logins from the registry, choosing folders, and the derived replication
+// path.
 #include "console/console_fixture.h"
 
 namespace kv {

@@ -1,4 +1,4 @@
-// The helpers of modListView and modFolderBrowser.
+// Tests the functions of list_views.h and the folder and file dialogs of dialogs.h.
 #include <gtest/gtest.h>
 
 #include "console/dialogs.h"
@@ -22,7 +22,7 @@ class ConsoleHelpers : public ::testing::Test {
     ui::ListView& view_ = form_.Get<ui::ListView>("lvwViewData");
 };
 
-TEST_F(ConsoleHelpers, StylesAreAddedAndTheResultSaysIfThereWasOneBefore) {
+TEST_F(ConsoleHelpers, StylesAreAddedAndTheResultSaysIfAStyleWasSetBefore) {
     EXPECT_FALSE(SetExtendedStyle(view_, 0x20, true));
     EXPECT_TRUE(SetExtendedStyle(view_, 1, true));
     EXPECT_EQ(view_.ExtendedStyle(), 0x21);

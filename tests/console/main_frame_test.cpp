@@ -1,5 +1,5 @@
-// What frmMain's tabs share: load and unload, remembered entries, which tabs and servers can be used,
-// database lists and status line.
+// Tests the parts of frmMain that its tabs share: load and unload, remembered entries, which tabs and servers
+// can be used, database lists and status line.
 #include "console/console_fixture.h"
 #include "platform/version_record.h"
 
@@ -32,7 +32,7 @@ const Lines kRememberedKeys = {
 
 class MainFrame : public ConsoleTest {
   protected:
-    /// The numbers of the enabled tabs, as one text.
+    /// The numbers of the enabled tabs as one text, such as "0136".
     std::string OpenTabs() {
         std::string open;
         for (int tab = 0; tab < Tabs().Tabs(); ++tab) {

@@ -1,4 +1,4 @@
-// The Script tab: creating and running scripts, installing packages and listing the installed ones.
+// Tests the Script tab: creating and running scripts, installing packages and listing the installed ones.
 #include "console/console_fixture.h"
 #include "fakes/fake_locale.h"
 #include "scripts/executed_scripts.h"
@@ -103,7 +103,7 @@ class ScriptTabTest : public ConsoleTest {
     bool button_disabled_ = false;
 };
 
-TEST_F(ScriptTabTest, WithNothingTickedItIsRefusedAndKeepsTheStatusLine) {
+TEST_F(ScriptTabTest, WithNothingTickedTheRunIsRefusedAndKeepsTheStatusLine) {
     StartOnTab();
     Run();
     EXPECT_EQ(Boxes(), Lines{"[exclamation] KVLSQLDbMgr: No scripts or DTS packages selected!"});
@@ -113,7 +113,7 @@ TEST_F(ScriptTabTest, WithNothingTickedItIsRefusedAndKeepsTheStatusLine) {
     EXPECT_TRUE(files_.Log().empty());
 }
 
-TEST_F(ScriptTabTest, OnlyTheValueOneIsATick) {
+TEST_F(ScriptTabTest, OnlyTheValueOneCountsAsTicked) {
     StartOnTab();
     Check("chkCreateInstallBatchDatabase").Value(2);
     Check("chkStandardSynchronize").Value(2);
@@ -153,7 +153,7 @@ TEST_F(ScriptTabTest, AnEmptyFolderTextMeansTheRootOfTheDrive) {
     EXPECT_EQ(Steps().at(1), "Create modified batch database script...");
 }
 
-TEST_F(ScriptTabTest, IfNothingIsFoundItIsRefusedAfterTheWaits) {
+TEST_F(ScriptTabTest, IfNothingIsFoundTheRunIsRefusedAfterTheWaits) {
     files_.AddFile("S:\\Scripts\\other.txt", "");
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");
@@ -238,7 +238,7 @@ TEST_F(ScriptTabTest, TheBarNeverQuiteFills) {
     EXPECT_FALSE(bar_full_);
 }
 
-TEST_F(ScriptTabTest, CreatingInstallsNothingAndSaysItIsCompleted) {
+TEST_F(ScriptTabTest, CreatingScriptsInstallsNothingAndReportsCompletion) {
     AddTemplates();
     StartOnTab();
     Tick("chkCreateInstallBatchDatabase");

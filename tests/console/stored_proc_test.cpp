@@ -1,4 +1,4 @@
-// The Stored Proc. tab and the dialog that runs a procedure.
+// Tests the Stored Proc. tab and the dialog that runs a procedure.
 #include "console/console_fixture.h"
 #include "console/procedures_form.h"
 #include "fakes/fake_locale.h"

@@ -1,5 +1,5 @@
-// The View Data tab: choosing a database lists its tables and shows the first one; and the failures of each
-// step.
+// Tests the View Data tab: choosing a database lists its tables and shows the first one. Also tests the
+// failures of each step.
 #include "console/console_fixture.h"
 
 namespace kv {

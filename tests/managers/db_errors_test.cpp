@@ -1,3 +1,5 @@
+// Tests the array in which a manager collects the server's errors, with its 16-bit index, and the message box
+// that shows them.
 #include "managers/db_errors.h"
 
 #include <functional>
@@ -46,7 +48,7 @@ std::vector<std::int32_t> NumbersIn(const DbErrors& array) {
 
 using Numbers = std::vector<std::int32_t>;
 
-/// A manager with one operation, as those of the program are built.
+/// A manager with one operation, built like those of the program.
 class Manager : public ManagerErrors {
   public:
     void Operation(const ado::Errors& reported) {

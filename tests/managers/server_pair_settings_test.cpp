@@ -1,4 +1,4 @@
-// The settings of the pair of servers, which are the same in every manager class.
+// Tests the settings of the pair of servers, which are the same in every manager class.
 #include <gtest/gtest.h>
 
 #include "admin/sql_replication_mgr.h"

@@ -1,4 +1,5 @@
-// Controls without a toolkit: their state, and the events that assignments by the program fire.
+// Tests the controls without a toolkit: their state, and the events that fire when the program sets a
+// property.
 #include <gtest/gtest.h>
 
 #include "ui/operator.h"
@@ -54,7 +55,7 @@ TEST_F(ControlModel, ATextBoxFiresChangeForADifferentTextOnly) {
     EXPECT_EQ(mirror_.Count(text_, Property::Text), 2);
 }
 
-TEST_F(ControlModel, ChangeFindsTheNewText) {
+TEST_F(ControlModel, TheHandlerOfChangeReadsTheNewText) {
     std::string seen;
     text_.on_change = [&] { seen = text_.Text(); };
     text_.Text("new");
@@ -75,7 +76,7 @@ TEST_F(ControlModel, AFreeComboFiresChangeForADifferentTextOnly) {
     EXPECT_EQ(free_.Text(), "not in the list");
 }
 
-TEST_F(ControlModel, ADropDownListTakesWhatIsInItWithoutAnEvent) {
+TEST_F(ControlModel, SettingADropDownListToAnItemFiresNothing) {
     int events = 0;
     CountIn(list_.on_change, events);
     CountIn(list_.on_click, events);
@@ -86,7 +87,7 @@ TEST_F(ControlModel, ADropDownListTakesWhatIsInItWithoutAnEvent) {
     EXPECT_EQ(events, 0);
 }
 
-TEST_F(ControlModel, ADropDownListRefusesAnyOtherText) {
+TEST_F(ControlModel, ADropDownListRefusesATextThatIsNotInItsList) {
     EXPECT_THROW(list_.Text("a"), ui::Refusal);
     EXPECT_THROW(list_.Text(""), ui::Refusal);
     list_.AddItem("a");
@@ -135,7 +136,7 @@ TEST_F(ControlModel, ItemDataStaysWithItsItem) {
     EXPECT_EQ(box_.ItemData(1), 7);
 }
 
-TEST_F(ControlModel, ClearEmptiesAListAndItsTextAndIsAChangeOfAFreeText) {
+TEST_F(ControlModel, ClearEmptiesAListAndItsTextAndFiresChangeForFreeText) {
     int events = 0;
     int changes = 0;
     free_.on_change = [&] {
@@ -167,7 +168,7 @@ TEST_F(ControlModel, ClearEmptiesAListAndItsTextAndIsAChangeOfAFreeText) {
     EXPECT_EQ(events, 0);
 }
 
-TEST_F(ControlModel, ATypedTextIsNotTakenFromTheList) {
+TEST_F(ControlModel, ATypedTextHasNoListIndex) {
     free_.AddItem("a");
     free_.ListIndex(0);
     free_.Text("typed");
@@ -187,7 +188,7 @@ TEST_F(ControlModel, CheckBoxesAndOptionsFireNothingWhenTheyAreSet) {
     EXPECT_EQ(mirror_.Count(check, Property::Value), 1);
 }
 
-TEST_F(ControlModel, OfAGroupOneOptionIsSelected) {
+TEST_F(ControlModel, OnlyOneOptionOfAGroupIsSelected) {
     form_.Get<ui::OptionButton>("option", 1).Value(true);
     EXPECT_FALSE(form_.Get<ui::OptionButton>("option", 0).Value());
     EXPECT_TRUE(form_.Get<ui::OptionButton>("other", 0).Value()) << "another frame is another group";
@@ -195,7 +196,7 @@ TEST_F(ControlModel, OfAGroupOneOptionIsSelected) {
     EXPECT_FALSE(form_.Get<ui::OptionButton>("option", 0).Value()) << "none may be selected";
 }
 
-TEST_F(ControlModel, TheActiveTabFiresNothingWhenItIsSet) {
+TEST_F(ControlModel, SettingTheActiveTabFiresNothing) {
     int clicks = 0;
     auto& tabs = form_.Get<ui::TabControl>("tabs");
     CountIn(tabs.on_click, clicks);
@@ -205,7 +206,7 @@ TEST_F(ControlModel, TheActiveTabFiresNothingWhenItIsSet) {
     EXPECT_THROW(tabs.Tab(3), ui::Refusal);
 }
 
-TEST_F(ControlModel, ASelectionEndsWhereTheTextEnds) {
+TEST_F(ControlModel, ASelectionIsCutAtTheEndOfTheText) {
     text_.Text("abc");
     text_.SelStart(1);
     text_.SelLength(9);
@@ -216,7 +217,7 @@ TEST_F(ControlModel, ASelectionEndsWhereTheTextEnds) {
     EXPECT_EQ(text_.SelLength(), 0U);
 }
 
-TEST_F(ControlModel, TheMirrorHearsOfChangesOnly) {
+TEST_F(ControlModel, TheMirrorIsNotifiedOfChangesOnly) {
     auto& label = form_.Get<ui::Label>("label");
     label.Caption("Text");
     label.Enabled(true);
@@ -235,7 +236,7 @@ TEST_F(ControlModel, TheMirrorHearsOfChangesOnly) {
     EXPECT_EQ(mirror_.Count(label, Property::Caption), 1);
 }
 
-TEST_F(ControlModel, FocusGoesOnlyWhereItCanBeUsed) {
+TEST_F(ControlModel, OnlyAControlThatCanBeUsedGetsTheFocus) {
     auto& button = form_.Get<ui::CommandButton>("button");
     form_.SetFocus(button);
     EXPECT_EQ(form_.Focused(), &button);
@@ -292,7 +293,7 @@ TEST_F(ControlModel, AListViewHoldsColumnsAndRows) {
     EXPECT_EQ(view_.RowCount(), 0);
 }
 
-TEST_F(ControlModel, AListViewRefusesAKeyTwice) {
+TEST_F(ControlModel, AListViewRefusesAKeyThatIsInUse) {
     view_.AddColumn("Id", "");
     EXPECT_THROW(view_.AddColumn("Id", ""), ui::Refusal);
     view_.AddColumn("", "");
@@ -308,7 +309,7 @@ TEST_F(ControlModel, AListViewRefusesAKeyTwice) {
     view_.AddRow("row_1", "");
 }
 
-TEST_F(ControlModel, AFullListTellsTheMirrorOfEachRowAndCell) {
+TEST_F(ControlModel, TheMirrorIsNotifiedOfEachRowAndCellOfAFullList) {
     constexpr int kRows = 32'767;
     constexpr int kColumns = 10;
     for (int column = 0; column < kColumns; ++column) {

@@ -1,4 +1,4 @@
-// Answers the dialogs that a modal call brings up, one after another, while the call runs.
+// Answers the system's dialogs that a modal call opens, one after another, while the call runs.
 #pragma once
 
 #include <chrono>
@@ -11,17 +11,18 @@
 
 #include "ui/screen.h"
 
-/// For screen::Meanwhile. Each act answers the dialog that comes to the front next, by input. It returns
-/// false to be called again, and may not wait: a dialog gets its input only when its own loop runs. A dialog
-/// that is still in front long after its act, or that no act is left for, is dismissed, so that a test that
-/// fails ends.
+/// The step of a screen::Meanwhile. Each act answers one dialog by mouse or keyboard input, in the order in
+/// which the dialogs come to the front. An act returns true when it has answered, or false to be called
+/// again. It must not wait, because a dialog gets its input only while its own loop runs. A dialog that is
+/// still in front 30 seconds later, or for which no act is left, is a failure and is dismissed, so that the
+/// test ends.
 class DialogAnswers {
   public:
     using Act = std::function<bool(screen::Part dialog)>;
 
     explicit DialogAnswers(std::vector<Act> acts) : acts_(std::move(acts)) {}
 
-    /// Returns false: the next dialog may be on its way.
+    /// Always returns false, because another dialog may follow.
     bool operator()() {
         screen::Part front = screen::DialogInFront();
         const auto now = std::chrono::steady_clock::now();
@@ -45,8 +46,8 @@ class DialogAnswers {
     }
 
   private:
-    static constexpr std::chrono::milliseconds kToComeUp{200}; ///< its list is filled
-    static constexpr std::chrono::seconds kLongest{30};
+    static constexpr std::chrono::milliseconds kToComeUp{200}; ///< after this time a dialog's list is filled
+    static constexpr std::chrono::seconds kLongest{30};        ///< how long a dialog may stay in front
 
     std::vector<Act> acts_;
     std::size_t next_ = 0;

@@ -1,4 +1,5 @@
-// Second clicks on commands by real mouse and keyboard input: the command runs once, whenever they arrive.
+// Tests that a second click on a command button, by real mouse or keyboard input, does not run the command
+// again, whenever the click arrives.
 #include <chrono>
 #include <string>
 #include <thread>
@@ -14,7 +15,7 @@ using screen::Key;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-/// The commands that disable their own button while they run.
+/// True for the commands that disable their own button while they run.
 bool DisablesItself(const std::string& name) {
     for (const char* other : {"cmdCreateInstall", "cmdSynchronize", "cmdRename", "cmdUpgrade", "cmdRemove"}) {
         if (name == other) {
@@ -27,11 +28,11 @@ bool DisablesItself(const std::string& name) {
 class SecondClicks : public OnScreen {
   protected:
     using OnScreen::OnScreen;
-    static constexpr milliseconds kWork{80};
-    static constexpr int kEnough = 3; // runs, in a test where each run would cause the next
+    static constexpr milliseconds kWork{80}; // how long a command runs
+    static constexpr int kEnough = 3; // runs after which a test stops in which each run could cause another
 
-    /// As the console's commands run: pending events once, then the server's time, and the button is back
-    /// with the focus.
+    /// Does what the console's commands do: runs pending events once, waits for a server, then enables the
+    /// button and gives it the focus.
     void RunFor(ui::CommandButton& button) {
         const kv::CWaitCursor wait;
         const bool disables = DisablesItself(button.Name());
@@ -55,17 +56,19 @@ class SecondClicks : public OnScreen {
             }
         }
     }
-    /// Longer than a double click after whatever was pressed before.
+    /// Waits longer than the time of a double click, so that the next press is not taken for a second one.
     static void Rest() {
         const auto end = steady_clock::now() + ui::kDoubleClickTime + milliseconds(100);
         EXPECT_TRUE(screen::WaitFor([end] { return steady_clock::now() > end; }));
     }
-    /// False if the machine was so busy that the clicks came further apart than those of a double click.
+    /// Returns false if the machine was so busy that the time between the clicks was too long for a double
+    /// click.
     bool ClickTwice(screen::Part native, milliseconds between) {
-        constexpr milliseconds kSteps{32}; // of the system's clock, of both clicks
+        // The system's clock counts in steps of 16 ms and may be wrong by one for each click.
+        constexpr milliseconds kSteps{32};
         auto took = ui::kDoubleClickTime;
         {
-            // A thread apart: the second click comes while the command keeps this one busy.
+            // Clicks in another thread, because the command keeps this one busy when the second click comes.
             const std::jthread clicking([spot = screen::MiddleOf(native), between, &took] {
                 const auto start = steady_clock::now();
                 screen::ClickAt(spot);
@@ -126,7 +129,7 @@ TEST_F(SecondClicks, DoNotRunACommandOfAnyTabAgain) {
         ShowTab(tab);
         std::vector<ui::CommandButton*> buttons = ButtonsOnShow();
         if (tab != 0) {
-            std::erase(buttons, &Get<ui::CommandButton>("cmdClose")); // the same on each
+            std::erase(buttons, &Get<ui::CommandButton>("cmdClose")); // the same button on each tab
         }
         commands += buttons.size();
         ExpectOneRunEach(buttons);
@@ -140,7 +143,7 @@ TEST_F(SecondClicksInTheDialog, DoNotRunACommandOfTheDialogAgain) {
     ExpectOneRunEach(ButtonsOnShow());
 }
 
-TEST_F(SecondClicks, AreNewCommandsOnceTheOperatorHasSeenTheEnd) {
+TEST_F(SecondClicks, AfterARestRunTheCommandAgain) {
     Arm();
     ShowTab(kv::kUpgradeTab);
     for (int time = 1; time <= 3; ++time) {
@@ -150,8 +153,9 @@ TEST_F(SecondClicks, AreNewCommandsOnceTheOperatorHasSeenTheEnd) {
     }
 }
 
-/// The second key is pressed when the command has let events run for the last time, and so waits for its end.
-TEST_F(SecondClicks, ByKeysThatWaitDoNotRunACommandAgain) {
+/// The second key is pressed after the command has run events for the last time, so it waits in the queue
+/// until the command has ended.
+TEST_F(SecondClicks, ByAKeyInTheQueueDoNotRunACommandAgain) {
     ShowTab(kv::kUpgradeTab);
     auto& remove = Get<ui::CommandButton>("cmdRemove");
     for (const bool disables : {true, false}) {
@@ -179,7 +183,7 @@ TEST_F(SecondClicks, ByKeysThatWaitDoNotRunACommandAgain) {
     }
 }
 
-TEST_F(SecondClicks, ByKeysThatLeadElsewhereAreNotDropped) {
+TEST_F(SecondClicks, ByKeysThatMoveTheFocusAreNotDropped) {
     Arm();
     ShowTab(kv::kUpgradeTab);
     auto& remove = Get<ui::CommandButton>("cmdRemove");
@@ -192,7 +196,7 @@ TEST_F(SecondClicks, ByKeysThatLeadElsewhereAreNotDropped) {
     EXPECT_EQ(runs_, 1);
 }
 
-TEST_F(SecondClicks, ByAMnemonicThatWaitsDoNotRunACommandAgain) {
+TEST_F(SecondClicks, ByAMnemonicInTheQueueDoNotRunACommandAgain) {
     ShowTab(kv::kScriptTab);
     auto& run = Get<ui::CommandButton>("cmdCreateInstall");
     run.on_click = [&] {
@@ -210,8 +214,8 @@ TEST_F(SecondClicks, ByAMnemonicThatWaitsDoNotRunACommandAgain) {
     EXPECT_EQ(runs_, 1);
 }
 
-/// A key that is held comes down again and again.
-TEST_F(SecondClicks, ByAKeyThatIsHeldDoNotRunACommandAgain) {
+/// A key that is held down is pressed again and again.
+TEST_F(SecondClicks, ByAKeyThatIsHeldDownDoNotRunACommandAgain) {
     ShowTab(kv::kUpgradeTab);
     auto& remove = Get<ui::CommandButton>("cmdRemove");
     remove.on_click = [this] { ++runs_; };
@@ -225,7 +229,7 @@ TEST_F(SecondClicks, ByAKeyThatIsHeldDoNotRunACommandAgain) {
     EXPECT_TRUE(screen::WaitFor([this] { return runs_ == 2; })) << "the key is pressed anew";
 }
 
-/// The first press meets the disabled button, which the system gives to the page below it.
+/// The first press hits the disabled button; the system delivers it to the page below the button.
 TEST_F(SecondClicks, OfADoubleClickThatBeganOnADisabledButtonRunNothing) {
     Arm();
     ShowTab(kv::kUpgradeTab);

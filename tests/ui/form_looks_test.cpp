@@ -1,4 +1,4 @@
-// Colours, pictures and captions of the native window, as the screen shows them.
+// Tests the colours, pictures and captions that the screen shows of the native window.
 #include <algorithm>
 #include <vector>
 
@@ -10,7 +10,8 @@ using screen::Colour;
 using screen::Look;
 
 constexpr Colour kRed = 0xFF0000;
-/// Less than the difference between a colour and its dimmed one, and more than the edges of letters make.
+/// A difference in brightness, of 255: less than that between a colour and its dimmed form, more than that
+/// which the edges of letters cause.
 constexpr int kClearlyPaler = 30;
 
 int Brightness(Colour colour) {
@@ -37,7 +38,7 @@ class FormLooks : public OnScreen {
         const std::vector<Colour> pixels = screen::Pixels(part, All(part));
         return std::find(pixels.begin(), pixels.end(), colour) != pixels.end();
     }
-    /// The background of a text box, right of its text.
+    /// The colour of a text box right of its text.
     Colour BackgroundOf(const char* box, int index = ui::kNoIndex) {
         const screen::Box all = All(Native(box, index));
         const int middle = all.Height() / 2;
@@ -81,13 +82,13 @@ TEST_F(FormLooks, ALabelHasTheColourOfItsModelAndIsPaintedAtOnce) {
     const int black = Darkest(native);
     EXPECT_FALSE(Shows(native, kRed));
     status.ForeColor(ui::kRed);
-    status.Refresh(); // with no event run before the screen is looked at
+    status.Refresh(); // no event runs before the screen is read
     EXPECT_TRUE(Shows(native, kRed));
     EXPECT_GE(Darkest(native), Brightness(kRed) - 5);
     EXPECT_LT(black, Brightness(kRed) - kClearlyPaler);
 }
 
-TEST_F(FormLooks, ABoxThatNobodyTypesInHasTheColourOfTheForm) {
+TEST_F(FormLooks, AReadOnlyBoxHasTheColourOfTheForm) {
     const Colour face = screen::ColourOf(Look::Face);
     const Colour text = screen::ColourOf(Look::TextBackground);
     ASSERT_NE(face, text);
@@ -99,7 +100,7 @@ TEST_F(FormLooks, ABoxThatNobodyTypesInHasTheColourOfTheForm) {
     EXPECT_EQ(BackgroundOf("edtStoredProcedure"), text) << "a text to be read";
 }
 
-TEST_F(DialogLooks, TheBoxOfAnOutputTurnsGreyAndThatOfAnInputWhite) {
+TEST_F(DialogLooks, TheValueBoxIsGreyForAnOutputAndWhiteForAnInput) {
     const Colour face = screen::ColourOf(Look::Face);
     const Colour text = screen::ColourOf(Look::TextBackground);
     EXPECT_EQ(BackgroundOf("edtDataType"), face);
@@ -153,7 +154,7 @@ TEST_F(FormLooks, AnAmpersandInDataIsShown) {
     EXPECT_EQ(screen::ShownCaption(Native("lblUserID", 0)), "UserID:") << "a mnemonic is not";
 }
 
-TEST_F(FormLooks, ALongNameOfAServerIsCutInItsMiddle) {
+TEST_F(FormLooks, ALongServerNameIsCutInItsMiddle) {
     ShowTab(kv::kScriptTab);
     const std::string name = "A-COMPUTER-WITH-A-LONG-NAME\\AN_INSTANCE_WITH_ANOTHER";
     Get<ui::OptionButton>("optScriptCurrentServer", 0).Caption(name);

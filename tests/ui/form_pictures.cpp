@@ -1,7 +1,8 @@
-// Shows the console's forms, each tab, at every size that they must fit at, and writes what the screen shows
-// of them into files, to be looked at after a change of a place or a text. The scripts take-pictures run it.
+// Writes pictures of the console's forms, of each tab at every size, for a developer to look at after a
+// position or a text was changed. The scripts take-pictures run it.
 //
-//   form_pictures FOLDER [SIZE …]     by default all of screen::Sizes; 0 is the size of the desktop
+//   form_pictures FOLDER [SIZE …]     SIZE is one of screen::Sizes, or 0 for that of the desktop; all sizes
+//   if not given
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -38,7 +39,8 @@ void Fill(ui::ListBox& list) {
     list.ListIndex(2);
 }
 
-/// Texts with descenders and umlauts, captions of data with "&", one that is too long for its place.
+/// Gives the control a text that may not fit: with descenders and umlauts, with an "&" in captions that are
+/// data, and one that is too long for its place.
 void Fill(ui::Control& control) {
     const bool is_data = (control.Design().traits & ui::kData) != 0;
     switch (control.Kind()) {
@@ -76,7 +78,7 @@ void Fill(ui::Control& control) {
 
 bool Take(screen::Part window, const std::string& path) {
     int turns = 0;
-    screen::WaitFor([&turns] { return ++turns > 150; }); // until the screen itself has drawn it
+    screen::WaitFor([&turns] { return ++turns > 150; }); // until the screen has drawn it
     return screen::TakePicture(window, path);
 }
 

@@ -1,4 +1,4 @@
-// What the native window shows of its form.
+// Tests that the native window shows the state of its form.
 #include <algorithm>
 #include <tuple>
 #include <utility>
@@ -20,7 +20,7 @@ TEST_F(ShownForm, HasTheSystemsOwnControlForEachOfItsControls) {
     }
 }
 
-TEST_F(ShownForm, MakesTheControlsOfAPageWhenItIsShownFirst) {
+TEST_F(ShownForm, MakesTheControlsOfAPageWhenItIsFirstShown) {
     const auto on_page = [](const ui::Control& control, int page) {
         const ui::Control* part = &control;
         while (part->Parent() != nullptr && part->Parent()->Kind() != Kind::TabControl) {
@@ -43,7 +43,7 @@ TEST_F(ShownForm, MakesTheControlsOfAPageWhenItIsShownFirst) {
     }
 }
 
-/// The model is changed before the page has native controls.
+/// Here the model is changed before the page has native controls.
 TEST_F(ShownForm, FillsAPageWithTheEarlierChangesOfTheModel) {
     auto& rename = Get<ui::TextBox>("edtRenameNewDatabase");
     rename.Text("Batch2");
@@ -95,7 +95,7 @@ TEST_F(ShownForm, FiresNothingWhenAPageIsMade) {
     EXPECT_EQ(events, 0);
 }
 
-TEST_F(ShownForm, GivesNoFocusToAPageThatHasGoneAgain) {
+TEST_F(ShownForm, GivesNoFocusToAPageThatIsHiddenAgain) {
     Get<ui::TabControl>("tabMain").Tab(kv::kUpgradeTab);
     form_.SetFocus(Get<ui::TextBox>("edtRenameNewDatabase"));
     Get<ui::TabControl>("tabMain").Tab(kv::kGeneralTab);
@@ -105,7 +105,7 @@ TEST_F(ShownForm, GivesNoFocusToAPageThatHasGoneAgain) {
     EXPECT_TRUE(screen::IsShown(Native(*screen::Focused(form_))));
 }
 
-TEST_F(ShownForm, ShowsWhatTheProgramChanges) {
+TEST_F(ShownForm, ShowsTheChangesThatTheProgramMakes) {
     ShowAllTabs();
     Get<ui::Label>("lblStatus").Caption("Step 1");
     Get<ui::TextBox>("edtServerName", 1).Text("SRVB\\KV_BATCH");
@@ -139,11 +139,11 @@ TEST_F(ShownForm, ShowsWhatTheProgramChanges) {
     EXPECT_EQ(screen::Text(top_), "Another title");
 }
 
-TEST_F(ShownForm, ShowsAtOnceWhatIsRefreshed) {
+TEST_F(ShownForm, ShowsARefreshedControlAtOnce) {
     auto& status = Get<ui::Label>("lblStatus");
     status.Caption("Step 2");
     status.Refresh();
-    EXPECT_EQ(screen::Text(Native("lblStatus")), "Step 2"); // with no event run between
+    EXPECT_EQ(screen::Text(Native("lblStatus")), "Step 2"); // no event has run between
 }
 
 TEST_F(ShownForm, KeepsTheSelectionOfATextThatTheProgramSelects) {
@@ -157,7 +157,7 @@ TEST_F(ShownForm, KeepsTheSelectionOfATextThatTheProgramSelects) {
     EXPECT_EQ(FocusName(), "edtSQLDataPath0");
 }
 
-TEST_F(ShownForm, ShowsAChoiceThatHasMovedToAnotherPlaceOfTheList) {
+TEST_F(ShownForm, ShowsASelectedItemWhosePlaceInTheListHasChanged) {
     ShowTab(kv::kUpgradeTab);
     auto& box = Get<ui::ComboBox>("cboRemoveDatabase");
     box.AddItem("Batch");
@@ -175,7 +175,7 @@ TEST_F(ShownForm, ShowsAChoiceThatHasMovedToAnotherPlaceOfTheList) {
     EXPECT_EQ(screen::Text(native), "Batch");
 }
 
-TEST_F(ShownForm, GivesTheBarBothItsEnds) {
+TEST_F(ShownForm, ShowsTheMinimumAndMaximumOfTheBar) {
     auto& bar = Get<ui::ProgressBar>("prbStatus");
     bar.Min(3);
     bar.Max(14);
@@ -186,7 +186,7 @@ TEST_F(ShownForm, GivesTheBarBothItsEnds) {
     EXPECT_EQ(screen::BarValue(Native("prbStatus")), 5);
 }
 
-TEST_F(ShownForm, ShowsThePageOfItsTabAlone) {
+TEST_F(ShownForm, ShowsOnlyThePageOfTheActiveTab) {
     for (int tab = 0; tab < kv::kMainTabs; ++tab) {
         Get<ui::TabControl>("tabMain").Tab(tab);
         Settle();
@@ -201,7 +201,7 @@ class ShownAtSize : public OnScreen,
                     public ::testing::WithParamInterface<std::tuple<int, const ui::FormDesign*>> {
   protected:
     ShownAtSize() : OnScreen(*std::get<1>(GetParam())) {}
-    /// Some of the pages are there when the size changes, and some come after it.
+    /// Makes some of the pages before the size changes and some after it.
     void ResizeAmongTabs() {
         if (form_.Find("tabMain") != nullptr) {
             ShowTab(kv::kScriptTab);
@@ -233,11 +233,11 @@ TEST_P(ShownAtSize, CutsOffNoCaption) {
     }
 }
 
-TEST_P(ShownAtSize, KeepsEveryControlWithinItsParentAndClearOfItsNeighbours) {
+TEST_P(ShownAtSize, KeepsEveryControlWithinItsParentAndApartFromOthers) {
     ResizeAmongTabs();
     for (const auto& control : form_.Controls()) {
         if (IsPage(*control) || IsTabs(*control)) {
-            continue; // the pages lie on one another
+            continue; // all pages have the same place
         }
         screen::Part native = Native(*control);
         ASSERT_NE(native, nullptr) << Name(*control);
@@ -275,7 +275,7 @@ TEST_F(ShownForm, FitsTheScreenAtEverySize) {
     for (const int size : screen::Sizes()) {
         SetSize(size);
         const auto fits = [&] { return area.Holds(screen::FrameOf(top_)); };
-        EXPECT_TRUE(screen::WaitFor(fits, std::chrono::seconds(10))) // the window manager moves it
+        EXPECT_TRUE(screen::WaitFor(fits, std::chrono::seconds(10))) // the window manager may have to move it
             << size << ": " << screen::FrameOf(top_).Width() << " x " << screen::FrameOf(top_).Height();
     }
 }
@@ -317,7 +317,7 @@ TEST_F(ShownList, ShowsTheRowsAndColumnsOfTheModel) {
     EXPECT_EQ(screen::ColumnCount(native_), 2);
 }
 
-TEST_F(ShownList, MakesAColumnAsWideAsItsWidestCellWhereverThatIs) {
+TEST_F(ShownList, MakesAColumnAsWideAsItsWidestCellInAnyRow) {
     Fill(2000);
     const std::string wide = "a text that is wider than all others";
     ui::ListView& list = Get<ui::ListView>("lvwViewData");

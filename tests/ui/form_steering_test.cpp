@@ -1,4 +1,4 @@
-// A form that is operated by real mouse and keyboard input.
+// Tests a form that is operated by real mouse and keyboard input.
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -31,7 +31,7 @@ class SteeredForm : public OnScreen {
         EXPECT_TRUE(there) << "the focus is on '" << FocusName() << "' and not on '" << name << "'";
         return there;
     }
-    /// Longer than a double click after the press before.
+    /// Waits longer than the time of a double click.
     static void Rest() {
         const auto end = ui::InputClock::now() + ui::kDoubleClickTime + std::chrono::milliseconds(100);
         EXPECT_TRUE(screen::WaitFor([end] { return ui::InputClock::now() > end; }));
@@ -61,7 +61,7 @@ TEST_F(SteeredForm, LetsTheOperatorTypeInTheMiddleOfAText) {
     EXPECT_EQ(folder.Text(), "abcd");
 }
 
-TEST_F(SteeredForm, TakesNoTextForALockedBox) {
+TEST_F(SteeredForm, AcceptsNoTextInALockedBox) {
     screen::Click(Native("edtSQLUNCReplDataPath", 0));
     ASSERT_TRUE(FocusBecomes("edtSQLUNCReplDataPath0"));
     screen::Type("x");
@@ -111,7 +111,7 @@ TEST_F(SteeredForm, DoesNotChooseADisabledTabByMouse) {
     EXPECT_EQ(screen::ShownTab(Native("tabMain")), 0);
 }
 
-TEST_F(SteeredForm, PassesOverDisabledTabsByKeyboard) {
+TEST_F(SteeredForm, SkipsDisabledTabsByKeyboard) {
     for (const int tab : {1, 2, 4, 6}) {
         Tabs().TabEnabled(tab, false);
     }
@@ -138,7 +138,7 @@ TEST_F(SteeredForm, PassesOverDisabledTabsByKeyboard) {
     EXPECT_TRUE(TabBecomes(3));
 }
 
-TEST_F(SteeredForm, WalksByTheTabKeyInTheOrderOfTheDesign) {
+TEST_F(SteeredForm, MovesTheFocusByTheTabKeyInTheOrderOfTheDesign) {
     std::vector<std::string> expected;
     for (const auto& control : form_.Controls()) {
         const bool stops = control->Kind() == ui::Kind::TextBox ||
@@ -162,14 +162,14 @@ TEST_F(SteeredForm, WalksByTheTabKeyInTheOrderOfTheDesign) {
     EXPECT_TRUE(FocusBecomes(expected[expected.size() - 2]));
 }
 
-TEST_F(SteeredForm, ReachesABoxByTheMnemonicOfItsLabel) {
+TEST_F(SteeredForm, GivesABoxTheFocusByTheMnemonicOfItsLabel) {
     screen::Press(Key::U, {Held::Alt});
     EXPECT_TRUE(FocusBecomes("edtUserID0"));
     screen::Press(Key::U, {Held::Alt});
     EXPECT_TRUE(FocusBecomes("edtUserID1"));
 }
 
-TEST_F(SteeredForm, ReachesWhatLiesOnAPageJustShownByItsMnemonicAndNothingOnTheOthers) {
+TEST_F(SteeredForm, FindsMnemonicsOnTheShownPageOnly) {
     int packages = 0;
     Get<ui::CommandButton>("cmdGetInstalledPackages").on_click = [&] { ++packages; };
     int runs = 0;
@@ -219,7 +219,7 @@ TEST_F(SteeredForm, ShowsTheHourglassWhileACommandRunsWhereverThePointerIs) {
 
 // --- tool tips
 
-TEST_F(SteeredForm, ShowsTheToolTipOfWhatThePointerRestsOn) {
+TEST_F(SteeredForm, ShowsTheToolTipOfTheControlUnderThePointer) {
     const auto tip_becomes = [](const std::string& text) {
         return screen::WaitFor([&] { return screen::ToolTip() == text; });
     };
@@ -229,13 +229,13 @@ TEST_F(SteeredForm, ShowsTheToolTipOfWhatThePointerRestsOn) {
     EXPECT_GT(screen::ToolTipWidth(), 100);
     screen::PointerOver(Native("lblStatus")); // a label without a tool tip
     EXPECT_TRUE(tip_becomes("")) << screen::ToolTip();
-    ShowTab(kv::kScriptTab); // made later than the others
+    ShowTab(kv::kScriptTab); // its controls are made now
     const auto& package = Get<ui::CheckBox>("chkStandardSynchronize");
     screen::PointerOver(Native("chkStandardSynchronize"));
     EXPECT_TRUE(tip_becomes(package.Design().tool_tip)) << screen::ToolTip();
 }
 
-TEST_F(SteeredForm, ShowsTheWholeNameOfAServerThatIsCutAsItsToolTip) {
+TEST_F(SteeredForm, ShowsAServerNameThatIsCutAsAWholeInItsToolTip) {
     const auto tip_becomes = [](const std::string& text) {
         return screen::WaitFor([&] { return screen::ToolTip() == text; });
     };
@@ -258,7 +258,7 @@ TEST_F(SteeredForm, PressesAButtonByMouseSpaceEnterAndMnemonic) {
     button.on_click = [&] { ++clicks; };
     const auto becomes = [&](int wanted) {
         const bool pressed = screen::WaitFor([&] { return clicks == wanted; });
-        // Sooner, a press would count as one of the command that has just ended.
+        // An earlier press would be refused as one that was meant for the command which has just ended.
         return pressed && screen::WaitFor([&] {
                    return ui::InputClock::now() > button.EndedAt() + 2 * ui::kReactionTime;
                });
@@ -348,7 +348,7 @@ TEST_F(SteeredForm, ChoosesFromADropDownListByKeyAndMouse) {
     EXPECT_TRUE(screen::WaitFor([&] { return databases.Text() == "pubs"; }));
 }
 
-TEST_F(SteeredForm, TakesFreeTextInAComboBoxThatAllowsIt) {
+TEST_F(SteeredForm, AcceptsTypedTextInAComboBoxWithFreeText) {
     Tabs().Tab(kv::kUpgradeTab);
     auto& destination = Get<ui::ComboBox>("cboUpgradeDatabaseDest");
     destination.AddItem("Batch");
@@ -379,7 +379,7 @@ TEST_F(SteeredForm, ChoosesFromAListBox) {
     EXPECT_EQ(clicks, 1);
 }
 
-TEST_F(SteeredForm, DoesNotPressWhatIsDisabled) {
+TEST_F(SteeredForm, DoesNotPressADisabledButton) {
     auto& button = Get<ui::CommandButton>("cmdGetLocalSettings");
     int clicks = 0;
     button.on_click = [&] { ++clicks; };
@@ -390,20 +390,20 @@ TEST_F(SteeredForm, DoesNotPressWhatIsDisabled) {
     EXPECT_EQ(clicks, 0);
 }
 
-TEST_F(SteeredForm, ThrowsAgainWhatAHandlerHasThrown) {
+TEST_F(SteeredForm, ThrowsTheExceptionOfAHandlerAgain) {
     Get<ui::CommandButton>("cmdClose").on_click = [] { throw std::runtime_error("out of a handler"); };
     screen::Click(Native("cmdClose"));
     EXPECT_THROW(RunUntilClosed(), std::runtime_error);
 }
 
-TEST_F(SteeredForm, MovesTheFocusOnWhenItsControlIsDisabled) {
+TEST_F(SteeredForm, MovesTheFocusToTheNextControlIfItsControlIsDisabled) {
     auto& button = Get<ui::CommandButton>("cmdGetLocalSettings");
     button.on_click = [&] { button.Enabled(false); };
     Get<ui::TextBox>("edtServerName", 1).on_change = [this] { form_.Unload(); };
     form_.SetFocus(button);
     ASSERT_TRUE(FocusBecomes("cmdGetLocalSettings"));
     screen::Press(Key::Space);
-    screen::Type("z"); // arrives where the focus has gone
+    screen::Type("z"); // arrives at the control that has the focus now
     RunUntilClosed();
     EXPECT_EQ(Get<ui::TextBox>("edtServerName", 1).Text(), "z");
 }
@@ -420,11 +420,11 @@ TEST_F(SteeredForm, FollowsTheFocusThatAHandlerGives) {
         screen::Type("q");
         return true;
     }));
-    window_->RunUntilClosed(); // its loop follows the operator's focus, and may not take the handler's away
+    window_->RunUntilClosed(); // its loop tracks the operator's focus, but must not undo the handler's
     EXPECT_EQ(path.Text(), "q");
 }
 
-TEST_F(SteeredForm, IsUnloadedByItsFrame) {
+TEST_F(SteeredForm, IsUnloadedByTheWindowsCloseButton) {
     bool unloaded = false;
     form_.on_unload = [&] { unloaded = true; };
     screen::Press(Key::F4, {Held::Alt});
@@ -435,7 +435,7 @@ TEST_F(SteeredForm, IsUnloadedByItsFrame) {
 
 // --- the dialog
 
-TEST_F(SteeredForm, TakesNoInputWhileADialogIsAboveIt) {
+TEST_F(SteeredForm, AcceptsNoInputWhileADialogIsAboveIt) {
     ui::Form dialog(kv::ProceduresFormDesign());
     int below = 0;
     Tabs().on_click = [&] { ++below; };

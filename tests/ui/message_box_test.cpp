@@ -1,4 +1,4 @@
-// The real message boxes: text, title, icon and button.
+// Tests the system's message boxes: their text, title, icon and button.
 #include "platform/message_box.h"
 
 #include <string>
@@ -35,14 +35,14 @@ TEST(MessageBoxes, ShowTheirTextUnderTheirTitle) {
     EXPECT_EQ(seen.title, "KVLSQLDbMgr");
 }
 
-TEST(MessageBoxes, HaveTheSystemsIconOfTheirKind) {
+TEST(MessageBoxes, HaveTheSystemsIconForTheirKind) {
     ASSERT_TRUE(screen::IsThere());
     EXPECT_EQ(Show(platform::MessageIcon::None).icon, screen::BoxIcon::None);
     EXPECT_EQ(Show(platform::MessageIcon::Exclamation).icon, screen::BoxIcon::Exclamation);
     EXPECT_EQ(Show(platform::MessageIcon::Critical).icon, screen::BoxIcon::Critical);
 }
 
-TEST(MessageBoxes, HaveOneButtonThatEscapePressesToo) {
+TEST(MessageBoxes, HaveOneButtonWhichEscapePresses) {
     ASSERT_TRUE(screen::IsThere());
     EXPECT_EQ(Show(platform::MessageIcon::Critical, screen::Key::Escape).buttons,
               std::vector<std::string>{"OK"});

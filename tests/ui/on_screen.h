@@ -1,4 +1,5 @@
-// A fixture with a form in its native window, which is in front.
+// The fixture of the tests that need a screen: shows a form in its native window and brings the window to the
+// front.
 #pragma once
 
 #include <chrono>
@@ -41,7 +42,7 @@ class OnScreen : public ::testing::Test {
     screen::Part Native(const char* name, int index = ui::kNoIndex) {
         return Native(*form_.Find(name, index));
     }
-    /// Null as long as the control has no native one.
+    /// The native control of a control; null until it is made.
     screen::Part Native(const ui::Control& control) {
         screen::Part& native = natives_[control.Id()]; // the search is slow, and a native control stays
         if (native == nullptr) {
@@ -49,30 +50,32 @@ class OnScreen : public ::testing::Test {
         }
         return native;
     }
-    /// Lets the posted events run.
+    /// Runs pending events, and those that they post.
     static void Settle() {
         platform::RunPendingEvents();
         platform::RunPendingEvents();
     }
-    /// A page's native controls are made when it is shown first.
+    /// Activates a tab. The native controls of a page are made when it is first shown.
     void ShowTab(int tab) {
         Get<ui::TabControl>("tabMain").Tab(tab);
         Settle();
     }
-    /// Every page, and the first one again; nothing on a form without tabs.
+    /// Shows every page, so that all native controls are made, then the first page. Does nothing on a form
+    /// without tabs.
     void ShowAllTabs() {
         auto* tabs = static_cast<ui::TabControl*>(form_.Find("tabMain"));
         for (int tab = 0; tabs != nullptr && tab <= tabs->Tabs(); ++tab) {
             ShowTab(tab % tabs->Tabs());
         }
     }
+    /// Lays the window out at one of screen::Sizes. The test's end restores the usual size.
     void SetSize(int size) {
         resized_ = true;
         screen::SetSize(top_, size);
         Settle();
     }
-    /// For screen::Meanwhile: the step, and after a minute the end of the form, so that a test that fails
-    /// ends.
+    /// The step for a screen::Meanwhile: calls `step` until it returns true. If the form is not closed after
+    /// a minute, the test fails and the form is unloaded, so that the test ends.
     static std::function<bool()> WithEnd(ui::Form& form, std::function<bool()> step) {
         const auto end = ui::InputClock::now() + std::chrono::minutes(1);
         return [&form, step = std::move(step), end, done = false]() mutable {
@@ -85,6 +88,7 @@ class OnScreen : public ::testing::Test {
             return true;
         };
     }
+    /// Runs the window's events until the form is unloaded, at most a minute.
     void RunUntilClosed() {
         const screen::Meanwhile end(WithEnd(form_, [] { return true; }));
         window_->RunUntilClosed();
@@ -97,6 +101,7 @@ class OnScreen : public ::testing::Test {
     static std::string Name(const ui::Control& control) {
         return control.Name() + (control.Index() ? std::to_string(*control.Index()) : std::string());
     }
+    /// Waits until the window has handled all input that was sent.
     static void ExpectInputArrives() {
         EXPECT_TRUE(screen::InputArrived());
         Settle();

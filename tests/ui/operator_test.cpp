@@ -1,4 +1,4 @@
-// What an operator's act fires, and where it does nothing.
+// Tests the operator's acts (ui/operator.h): which events they fire, and when they do nothing.
 #include "ui/operator.h"
 
 #include <gtest/gtest.h>
@@ -28,7 +28,7 @@ TEST_F(Operator, TypingFiresChangeForEachCharacter) {
     EXPECT_EQ(seen.size(), 5U);
 }
 
-TEST_F(Operator, TypingTakesThePlaceOfTheSelection) {
+TEST_F(Operator, TypingReplacesTheSelection) {
     text_.Text("old text");
     ui::SelectAll(text_);
     ui::Type(text_, "new");
@@ -38,7 +38,7 @@ TEST_F(Operator, TypingTakesThePlaceOfTheSelection) {
     EXPECT_EQ(text_.Text(), "a new");
 }
 
-TEST_F(Operator, AnEditIsOneChangeAndNoneWhereTheTextIsTheSame) {
+TEST_F(Operator, AnEditFiresOneChangeAndNoneIfTheTextIsTheSame) {
     int changes = 0;
     text_.on_change = [&] { ++changes; };
     EXPECT_TRUE(ui::Edit(text_, "pasted"));
@@ -48,7 +48,7 @@ TEST_F(Operator, AnEditIsOneChangeAndNoneWhereTheTextIsTheSame) {
     EXPECT_EQ(text_.Text(), "pasted!") << "the operator stands behind it";
 }
 
-TEST_F(Operator, WhatIsLockedOrDisabledOrADropDownListTakesNoText) {
+TEST_F(Operator, ALockedOrDisabledBoxAndADropDownListAcceptNoText) {
     EXPECT_FALSE(ui::Type(form_.Get<ui::TextBox>("locked"), "a"));
     EXPECT_FALSE(ui::Edit(form_.Get<ui::TextBox>("locked"), "a"));
     EXPECT_FALSE(ui::Type(list_, "a"));
@@ -57,7 +57,7 @@ TEST_F(Operator, WhatIsLockedOrDisabledOrADropDownListTakesNoText) {
     EXPECT_EQ(text_.Text(), "");
 }
 
-TEST_F(Operator, TypingStopsWhereAHandlerDisablesTheBox) {
+TEST_F(Operator, TypingStopsIfAHandlerDisablesTheBox) {
     text_.on_change = [&] { text_.Enabled(text_.Text().size() < 2); };
     EXPECT_FALSE(ui::Type(text_, "abc"));
     EXPECT_EQ(text_.Text(), "ab");
@@ -82,7 +82,7 @@ TEST_F(Operator, ChoosingFiresClickAndNoChange) {
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(Operator, ACheckBoxTurnsOverAndAnOptionIsSelected) {
+TEST_F(Operator, AClickTogglesACheckBoxAndSelectsAnOption) {
     auto& check = form_.Get<ui::CheckBox>("check");
     std::vector<int> values;
     check.on_click = [&] { values.push_back(check.Value()); };
@@ -98,7 +98,7 @@ TEST_F(Operator, ACheckBoxTurnsOverAndAnOptionIsSelected) {
     EXPECT_EQ(clicks, 2);
 }
 
-TEST_F(Operator, ATabIsClickedAlsoWhereItIsActiveAndADisabledOneNotAtAll) {
+TEST_F(Operator, TheActiveTabCanBeClickedAndADisabledTabCannot) {
     int clicks = 0;
     tabs_.on_click = [&] { ++clicks; };
     tabs_.TabEnabled(2, false);
@@ -109,7 +109,7 @@ TEST_F(Operator, ATabIsClickedAlsoWhereItIsActiveAndADisabledOneNotAtAll) {
     EXPECT_EQ(clicks, 2);
 }
 
-TEST_F(Operator, AControlCanBeUsedOnlyWithAllItLiesOn) {
+TEST_F(Operator, AControlCanBeUsedOnlyIfItsParentsCan) {
     int clicks = 0;
     button_.on_click = [&] { ++clicks; };
     EXPECT_TRUE(ui::Click(button_));
@@ -125,7 +125,7 @@ TEST_F(Operator, AControlCanBeUsedOnlyWithAllItLiesOn) {
     EXPECT_EQ(clicks, 1);
 }
 
-TEST_F(Operator, AClickBringsTheFocusWithIt) {
+TEST_F(Operator, AClickMovesTheFocus) {
     ui::Click(button_);
     EXPECT_EQ(form_.Focused(), &button_);
     ui::Click(form_.Get<ui::CheckBox>("check"));
@@ -134,7 +134,7 @@ TEST_F(Operator, AClickBringsTheFocusWithIt) {
     EXPECT_EQ(form_.Focused(), form_.Find("option", 1));
 }
 
-TEST_F(Operator, ClosingUnloadsAndNothingCanBeUsedAfterwards) {
+TEST_F(Operator, AfterClosingNothingCanBeUsed) {
     bool unloaded = false;
     form_.on_unload = [&] { unloaded = true; };
     ui::Close(form_);
@@ -142,7 +142,7 @@ TEST_F(Operator, ClosingUnloadsAndNothingCanBeUsedAfterwards) {
     EXPECT_FALSE(ui::Click(button_));
 }
 
-TEST_F(Operator, AFailureOfAHandlerGoesToWhoReportedTheAct) {
+TEST_F(Operator, AnExceptionOfAHandlerGoesToTheCallerOfTheAct) {
     button_.on_click = [] { throw ui::Refusal("failed"); };
     EXPECT_THROW(ui::Click(button_), ui::Refusal);
 }
@@ -162,7 +162,7 @@ class WaitingInput : public Operator {
     int clicks_ = 0;
 };
 
-TEST_F(WaitingInput, IsDroppedWhereItsControlOrWhatThatLiesOnWasDisabled) {
+TEST_F(WaitingInput, IsDroppedIfItsControlOrAParentWasDisabled) {
     const auto before = Ago(1);
     for (ui::Control* control : {static_cast<ui::Control*>(&button_), form_.Find("inner"),
                                  form_.Find("page", 0), static_cast<ui::Control*>(&tabs_)}) {
@@ -183,7 +183,7 @@ TEST_F(WaitingInput, IsDroppedWhereItsControlOrWhatThatLiesOnWasDisabled) {
     EXPECT_TRUE(ui::Accepts(text_, In(1)));
 }
 
-TEST_F(WaitingInput, IsTakenOnAControlThatWasNeverDisabled) {
+TEST_F(WaitingInput, IsAcceptedByAControlThatWasNeverDisabled) {
     EXPECT_TRUE(ui::Accepts(button_, Ago(60000)));
     EXPECT_TRUE(ui::Click(button_, Ago(60000)));
     button_.Enabled(true);
@@ -191,7 +191,7 @@ TEST_F(WaitingInput, IsTakenOnAControlThatWasNeverDisabled) {
     EXPECT_EQ(clicks_, 1);
 }
 
-TEST_F(WaitingInput, OfACommandThatRanOrHasJustEndedIsDropped) {
+TEST_F(WaitingInput, ForACommandThatRanOrHasJustEndedIsDropped) {
     const auto before = Ago(1);
     EXPECT_TRUE(ui::Click(button_, Ago(0)));
     EXPECT_FALSE(ui::Accepts(button_, before));
@@ -203,7 +203,7 @@ TEST_F(WaitingInput, OfACommandThatRanOrHasJustEndedIsDropped) {
     EXPECT_TRUE(ui::Accepts(text_, before)) << "only the command's own button";
 }
 
-TEST_F(WaitingInput, ThatRunsWithinACommandDoesNotStartItAgain) {
+TEST_F(WaitingInput, DeliveredDuringACommandDoesNotStartItAgain) {
     button_.on_click = [this] {
         ++clicks_;
         EXPECT_TRUE(button_.Running());
@@ -216,14 +216,14 @@ TEST_F(WaitingInput, ThatRunsWithinACommandDoesNotStartItAgain) {
     EXPECT_EQ(clicks_, 1);
 }
 
-TEST_F(WaitingInput, OfACommandThatFailedIsDroppedToo) {
+TEST_F(WaitingInput, ForACommandThatFailedIsDroppedToo) {
     button_.on_click = [] { throw ui::Refusal("failed"); };
     EXPECT_THROW(ui::Click(button_), ui::Refusal);
     EXPECT_FALSE(button_.Running());
     EXPECT_FALSE(ui::Click(button_, In(0)));
 }
 
-TEST_F(WaitingInput, ADoubleClickOfACommandButtonIsItsFirstPress) {
+TEST_F(WaitingInput, OfADoubleClickOnlyTheFirstPressIsAccepted) {
     const auto first = ui::InputClock::now();
     EXPECT_TRUE(ui::AcceptsPress(button_, first));
     EXPECT_FALSE(ui::AcceptsPress(button_, first)) << "both at once";
@@ -234,7 +234,7 @@ TEST_F(WaitingInput, ADoubleClickOfACommandButtonIsItsFirstPress) {
         << "where the system's time is longer";
 }
 
-TEST_F(WaitingInput, ADoubleClickIsOneAlsoWhereItsFirstPressWasRefused) {
+TEST_F(WaitingInput, TheSecondPressIsRefusedEvenIfTheFirstWasRefused) {
     const auto first = ui::InputClock::now();
     button_.Enabled(false);
     EXPECT_FALSE(ui::AcceptsPress(button_, first));
@@ -242,7 +242,7 @@ TEST_F(WaitingInput, ADoubleClickIsOneAlsoWhereItsFirstPressWasRefused) {
     EXPECT_FALSE(ui::AcceptsPress(button_, first + milliseconds(400)));
 }
 
-TEST_F(WaitingInput, OtherControlsTakeEachPress) {
+TEST_F(WaitingInput, OtherControlsAcceptEachPress) {
     const auto first = ui::InputClock::now();
     EXPECT_TRUE(ui::AcceptsPress(*form_.Find("check"), first));
     EXPECT_TRUE(ui::AcceptsPress(*form_.Find("check"), first));

@@ -1,4 +1,4 @@
-// The system's dialogs for a folder and a file, answered as a person does it.
+// Tests the system's dialogs for a folder and a file, answered by mouse and keyboard input.
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -39,7 +39,7 @@ class Pickers : public OnScreen {
         screen::Press(Key::Enter);
         return true;
     }
-    /// The keyboard goes to the name when the dialog comes up.
+    /// Types into the field for the name, which has the focus when the dialog opens.
     static Act TypeName(const std::string& name) {
         return [name](screen::Part /*dialog*/) {
             screen::Type(name);
@@ -62,18 +62,18 @@ class Pickers : public OnScreen {
     }
 };
 
-TEST_F(Pickers, GiveNoFolderWhenTheyAreCancelled) {
+TEST_F(Pickers, ReturnNoFolderWhenTheyAreCancelled) {
     const support::TempFolder folder;
     EXPECT_EQ(PickFolder(Start(folder), Cancel), std::nullopt);
     EXPECT_TRUE(asked_);
 }
 
-TEST_F(Pickers, GiveNoFileWhenTheyAreCancelled) {
+TEST_F(Pickers, ReturnNoFileWhenTheyAreCancelled) {
     EXPECT_EQ(PickFile("", {Cancel}), std::nullopt);
     EXPECT_TRUE(asked_);
 }
 
-TEST_F(Pickers, OpenAtTheStartFolderAndGiveIt) {
+TEST_F(Pickers, OpenAtTheStartFolderAndReturnIt) {
     const support::TempFolder folder;
     const auto accept = [&folder](screen::Part dialog) {
         return screen::HasChosen(dialog, folder.Path().filename().string()) && Accept(dialog);
@@ -81,8 +81,8 @@ TEST_F(Pickers, OpenAtTheStartFolderAndGiveIt) {
     ExpectSamePath(PickFolder(Start(folder), accept), folder.Path());
 }
 
-/// Twice, in different folders: the system remembers where the last file was.
-TEST_F(Pickers, GiveTheFileThatIsTypedInTheStartFolder) {
+/// Chooses a file twice, in different folders, because the system remembers the last folder.
+TEST_F(Pickers, ReturnTheFileWhoseNameIsTyped) {
     for (const char* name : {"kv pick a file.sql", "kv another file.sql"}) {
         const support::TempFolder folder;
         const std::filesystem::path file = folder.Path() / name;
@@ -91,7 +91,7 @@ TEST_F(Pickers, GiveTheFileThatIsTypedInTheStartFolder) {
     }
 }
 
-TEST_F(Pickers, TakeNoFileThatIsNotThere) {
+TEST_F(Pickers, AcceptNoFileThatDoesNotExist) {
     const support::TempFolder folder;
     bool refused = false;
     const auto see_box = [&refused](screen::Part box) {

@@ -1,4 +1,4 @@
-// A small form with every kind of control, and a mirror that records its notifications.
+// A small form with every kind of control, and a mirror (ui/control.h) that records its notifications.
 #pragma once
 
 #include <array>
