@@ -1,5 +1,5 @@
-// Commands with a counting driver manager: the parameters read from the catalogue, the calls of the driver,
-// and the output values.
+// Tests commands with the fake driver manager (fakes/odbc_counting.h): the parameters that are read from the
+// catalogue, the calls of the driver, and the output values.
 #include "ado/command.h"
 
 #include <gtest/gtest.h>
@@ -22,12 +22,13 @@ using odbc::SqlType;
 
 constexpr char kCatalogueKinds[] = "tttnnntnnnnn";
 
-/// A row of the catalogue of parameters. The kind of a column is 1 for input, 2 for both directions, 4 for
-/// output, 5 for the return value.
+/// A row of the result of SQLProcedureColumns. `kind` is 1 for an input parameter, 2 for both directions, 3
+/// for a column of a result, 4 for output, 5 for the return value.
 std::vector<OdbcCell> Row(const std::string& procedure, const std::string& name, int kind, int type,
                           const std::string& type_name, int size = 0, int digits = 0, int nullable = 1,
                           const std::string& owner = "dbo") {
-    // The fourth column is the name; the letters above say which columns are text.
+    // The fourth column is the name. The letters above say which columns are text ('t') and which numbers
+    // ('n').
     return {"Batch",
             owner,
             procedure,
@@ -87,7 +88,7 @@ class AdoCommand : public ::testing::Test {
         }
         return 0;
     }
-    /// The statement of a call with these values; "-" is Empty.
+    /// Calls the procedure with these values ("-" is Empty) and returns the statement that was sent.
     std::string CallWith(const std::vector<std::string>& values) {
         std::vector<std::vector<OdbcCell>> rows = {ReturnValue("sp")};
         for (std::size_t i = 0; i < values.size(); ++i) {

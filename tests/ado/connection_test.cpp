@@ -1,5 +1,5 @@
-// The connection with a counting driver manager: the results and errors for each answer of the driver, and
-// that no handle is left open whichever call fails.
+// Tests the connection with the fake driver manager (fakes/odbc_counting.h): the results and errors for each
+// answer of the driver, and that no handle is left open whichever call fails.
 #include "ado/connection.h"
 
 #include <gtest/gtest.h>
@@ -16,15 +16,17 @@ using fakes::Counting;
 using fakes::OdbcRecord;
 using fakes::OdbcResult;
 
-/// A record of the server has a severity; a record of the driver itself has no severity.
+// The diagnostic records of an ODBC driver. A record that comes from the server has a severity; one of the
+// driver itself has none.
 OdbcRecord ServerError(const std::string& state, std::int32_t native, const std::string& text) {
     return {.state = state, .native = native, .message = "[Fake][SQL Server]" + text, .severity = 16};
 }
-/// FreeTDS's own records have the line -1 and a severity without meaning.
+/// The driver FreeTDS gives its own records the line -1 and a severity without meaning.
 OdbcRecord DriversError(const std::string& state, const std::string& text) {
     return {.state = state, .message = "[Fake]" + text, .line = 0xFFFF, .severity = 9};
 }
-/// A message with success: 0 is PRINT, numbers from 50000 are raised messages.
+/// A record that comes with success: 0 is the number of PRINT, messages that a procedure raises have 50000 or
+/// more.
 OdbcRecord Raised(std::int32_t native, const std::string& text) {
     return {.state = "01000", .native = native, .message = "[Fake][SQL Server]" + text, .severity = 10};
 }
@@ -58,7 +60,8 @@ class AdoConnection : public ::testing::Test {
         Counting().results = std::move(results);
         return connection_.Execute("run", affected_, adCmdText);
     }
-    /// The number of a call that must fail, with the first entry of Errors as its failure.
+    /// Runs a call that must fail with the first entry of Errors as its failure, and returns the failure's
+    /// number.
     void ExpectFailure(std::vector<OdbcResult> results) {
         try {
             Execute(std::move(results));
@@ -72,7 +75,7 @@ class AdoConnection : public ::testing::Test {
         }
         EXPECT_EQ(connection_.State(), adStateOpen);
     }
-    /// "number/native" of every entry.
+    /// Every entry of Errors as "number/native error".
     std::string Errors() const {
         std::string text;
         for (std::int16_t i = 0; i < connection_.Errors().Count(); ++i) {
@@ -118,7 +121,7 @@ TEST_F(AdoConnection, AFirstResultWithColumnsIsTheRecordset) {
     EXPECT_EQ(rows->Fields().Item(2).Value(), Variant(std::string(100000, 'x')));
     rows->MoveNext();
     EXPECT_TRUE(rows->Eof());
-    EXPECT_EQ(Counting().open_handles, 2U); // the statement is gone
+    EXPECT_EQ(Counting().open_handles, 2U); // the statement's handle is freed
 }
 
 TEST_F(AdoConnection, ARecordsetOutlivesItsConnection) {
@@ -213,7 +216,7 @@ TEST_F(AdoConnection, AnErrorAfterAResultWithColumnsStaysInErrors) {
 }
 
 TEST_F(AdoConnection, AnErrorThatComesWithSuccessFailsTheCall) {
-    // A driver may report a batch that went on after a failed statement in this way.
+    // A driver may report a batch in this way if the batch continued after a failed statement.
     Open();
     const OdbcRecord failed = ServerError("42000", 1, "no");
     ExpectFailure({{.columns = false, .row_count = 2, .records = {failed}}, {.rows = 1}});

@@ -1,3 +1,4 @@
+// Tests how dates are shown as text and read from text, in the forms of different locales.
 #include "ado/date_text.h"
 
 #include <gtest/gtest.h>
@@ -13,8 +14,8 @@ using fakes::Swedish;
 
 constexpr Date kAfternoon{2024, 2, 29, 14, 3, 5, 0};
 
-/// "2024-02-29 14:03:05.000000000", with "date" or "time" before it if the text had only one of them; "-" if
-/// the text is refused.
+/// Reads the text as a date and returns it as "2024-02-29 14:03:05.000000000", with "date" or "time" before
+/// it if the text had only one of them; "-" if the text is refused.
 std::string Read(const std::string& text, const platform::LocaleForms& forms = American()) {
     const auto read = ReadDate(text, forms);
     if (!read) {

@@ -1,3 +1,4 @@
+// Tests how numbers are shown as text and read from text, in the forms of different locales.
 #include "ado/number_text.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +12,7 @@ using fakes::American;
 using fakes::German;
 using fakes::Swedish;
 
-/// The number that was read, in plain digits; "-" for a text that is not a number.
+/// Reads the text as a number and returns it in plain digits; "-" if the text is not a number.
 std::string Read(const std::string& text, const platform::LocaleForms& forms = American()) {
     const auto number = ReadNumber(text, forms);
     return number ? number->Plain() : "-";

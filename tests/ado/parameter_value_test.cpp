@@ -1,5 +1,5 @@
-// The conversion of values to the types of parameters: the texts and limits of each type, and that shown
-// values can be read again.
+// Tests the conversion of values to the types of parameters: the texts and limits of each type, and that a
+// value which is shown can be read again.
 #include "ado/parameter_value.h"
 
 #include <gtest/gtest.h>
@@ -56,7 +56,7 @@ odbc::Value Typed(Parameter parameter, const Variant& value,
     return TypedValue(parameter, forms);
 }
 
-/// The SQLSTATE of the refusal; empty if the value is accepted.
+/// Converts the value and returns the SQLSTATE with which it is refused; empty if it is accepted.
 std::string Refused(Parameter parameter, const Variant& value,
                     const platform::LocaleForms& forms = American()) {
     try {

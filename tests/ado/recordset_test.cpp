@@ -1,3 +1,4 @@
+// Tests reading a recordset: its position, its fields, and its two ends.
 #include "ado/recordset.h"
 
 #include <gtest/gtest.h>

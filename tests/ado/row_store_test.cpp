@@ -1,3 +1,4 @@
+// Tests the store that packs the values of a recordset into chunks of memory.
 #include "ado/row_store.h"
 
 #include <gtest/gtest.h>

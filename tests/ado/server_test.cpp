@@ -1,5 +1,6 @@
-// The layer with a development server and the system's driver manager and driver: every type, every
-// diagnostic of every result, the numbers of errors, and time-outs that end statements and logins.
+// Tests the database layer with a development server and the system's ODBC driver manager and driver: every
+// type, every diagnostic of every result, the numbers of errors, and time-outs that end statements and
+// logins.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -11,7 +12,7 @@
 namespace ado {
 namespace {
 
-/// "number/native" of every entry.
+/// Every entry of the errors as "number/native error".
 std::string ErrorsOf(const Errors& errors) {
     std::string text;
     for (std::int16_t i = 0; i < errors.Count(); ++i) {
@@ -30,7 +31,7 @@ class OnAServer : public ::testing::Test {
         const auto rows = Execute("SELECT " + expression);
         return rows->Fields().Item(0).Value();
     }
-    /// The number of the failure; 0 if there was no failure.
+    /// Runs the statement and returns the number of its failure; 0 if it succeeds.
     std::int32_t NumberOf(const std::string& statement) {
         try {
             Execute(statement);
@@ -177,7 +178,7 @@ TEST_F(OnAServer, AnErrorAmongTheRowsFailsAtEveryRow) {
     Execute(
         "DECLARE @n int SET @n = 0 WHILE @n < 1100 BEGIN INSERT #numbers VALUES (@n, CAST(@n AS varchar(9))) "
         "SET @n = @n + 1 END");
-    // In the first row, after some rows, at the end of a block and in a later block.
+    // The error comes in the first row, after some rows, at the end of a block of rows, and in a later block.
     for (const char* row : {"0", "5", "511", "512", "1099"}) {
         Execute(std::string("UPDATE #numbers SET t = 'x' WHERE n = ") + row);
         EXPECT_NE(NumberOf("SELECT n, CAST(t AS int) FROM #numbers"), 0) << row;
@@ -291,7 +292,7 @@ TEST_F(OnAServer, ErrorsHaveTheNumbersOfTheirState) {
 
 class Refused : public ::testing::Test {
   protected:
-    /// Opens with this connection string and returns the errors.
+    /// Opens a connection with this string and returns the errors.
     static ado::Errors Open(const std::string& connection_string, std::int32_t seconds = 10) {
         Connection connection;
         connection.CursorLocation(adUseClient);
@@ -326,7 +327,7 @@ TEST_F(Refused, AnUnknownDatabaseAnUnknownDriverAndAnEmptyString) {
 class TimeOut : public OnAServer {
   protected:
     using Clock = std::chrono::steady_clock;
-    /// Enough for a slow machine, and much less than the statement waits.
+    /// A limit that is long enough for a slow machine and much shorter than the statement's wait.
     static constexpr std::chrono::seconds kSoon{20};
 };
 

@@ -1,3 +1,5 @@
+// Tests the conversions of a Variant to text and to 16-bit integers, and that the row store keeps every kind
+// of value.
 #include "ado/variant.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// The ODBC layer with a counting driver manager: no handle stays open, whichever call fails, and every report
-// of the driver is kept.
+// Tests the ODBC layer with the fake driver manager (fakes/odbc_counting.h): no handle stays open, whichever
+// call fails, and every diagnostic record of the driver is kept.
 #include "odbc/odbc.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ class Odbc : public ::testing::Test {
     }
 };
 
-/// A session that uses every function of the layer once.
+/// Runs a session that uses every function of the layer once.
 void RunWholeSession() {
     Environment environment;
     Connection connection(environment);
@@ -142,7 +142,7 @@ TEST_F(Odbc, AMovedConnectionStillKnowsItsDriver) {
     EXPECT_TRUE(third.UsesFreeTds());
 }
 
-/// A connection whose statement has run with `results`.
+/// Has a connection whose statement was run and returned `results`.
 class OdbcStatement : public Odbc {
   protected:
     Statement Run(std::vector<OdbcResult> results) {
@@ -171,7 +171,7 @@ TEST_F(OdbcStatement, RowsAreFetchedInBlocksUntilOneIsNotFull) {
         EXPECT_FALSE(reader.Next(row));
     }
     EXPECT_EQ(rows, 1300U);
-    EXPECT_EQ(Counting().fetches, 3U); // 512, 512, 276
+    EXPECT_EQ(Counting().fetches, 3U); // 512, 512 and 276 rows
 }
 
 TEST_F(OdbcStatement, AfterAFullLastBlockThereIsOneEmptyFetch) {
@@ -219,7 +219,7 @@ TEST_F(OdbcStatement, MessagesOfSuccessfulCallsAreKeptUntilTheyAreTaken) {
     EXPECT_TRUE(statement.TakeMessages().empty());
 }
 
-/// The records that the layer passes on when a statement fails.
+/// Runs a statement that fails and returns the records that the layer passes on.
 class OdbcFailure : public OdbcStatement {
   protected:
     std::vector<Diagnostic> Fail(std::vector<OdbcRecord> records) {
@@ -280,7 +280,7 @@ TEST_F(OdbcFailure, AFailureWithoutARecordNamesItsFunction) {
     EXPECT_NE(records.front().message.find("SQLExecDirect"), std::string::npos);
 }
 
-/// An error number of FreeTDS for a broken connection.
+/// The parameter is an error number of FreeTDS for a broken connection.
 class OdbcLostByNumber : public OdbcFailure, public ::testing::WithParamInterface<std::int32_t> {};
 
 TEST_P(OdbcLostByNumber, IsAnErrorEvenIfTheDriverReturnsSuccess) {

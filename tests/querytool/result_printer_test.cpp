@@ -1,4 +1,4 @@
-// The printed form of results and messages.
+// Tests how results and messages are printed.
 #include "querytool/result_printer.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Lines, batches and the encodings of input files.
+// Tests the reading of scripts: lines, batches and the encodings of input files.
 #include "querytool/script_reader.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
-// A fake server: sends the answer that a test has set for each batch, and records what it receives.
+// Fakes for the tests of the query tool: a server that sends the answer which a test has set for each batch
+// and records the batches, and an output that keeps the text.
 #pragma once
 
 #include <functional>
@@ -25,20 +26,20 @@ class ScriptedServer : public querytool::Server {
         return refusals.empty();
     }
 
-    /// Sends the complete answer of a batch: the printer must not print anything after the end.
+    /// Sends the whole answer, even after the sink has asked for the end: the sink must ignore the rest.
     bool Run(const std::string& batch, querytool::ResultSink& sink) override {
         batches.push_back(batch);
         const auto answer = answers.find(batch);
         return answer == answers.end() || answer->second(sink);
     }
 
-    std::map<std::string, Answer> answers; ///< a batch without an answer has no results
-    std::vector<querytool::Diagnostic> refusals;
+    std::map<std::string, Answer> answers;       ///< a batch without an answer has no results
+    std::vector<querytool::Diagnostic> refusals; ///< connecting fails with these; empty if it succeeds
     std::vector<std::string> batches;
     querytool::LoginSettings login;
 };
 
-/// Keeps the written text.
+/// Stores the written text.
 class TextOutput : public querytool::Output {
   public:
     void Write(std::string_view text) override { written += text; }

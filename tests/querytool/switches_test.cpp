@@ -1,4 +1,4 @@
-// The query tool's command line.
+// Tests the reading of the query tool's command line.
 #include "querytool/switches.h"
 
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ TEST(Switches, ValuesFollowTheirSwitchOrAreAttached) {
 }
 
 TEST(Switches, APasswordSwitchBeforeAnotherSwitchMeansTheEmptyPassword) {
-    // As the program calls it: -S host,port -U user -P  -i "script" -o "output"
+    // This is how the database manager calls the tool: -S host,port -U user -P  -i "script" -o "output"
     const Switches switches =
         Parse({"-S", "h,1", "-U", "u", "-P", "-i", "D:\\Data\\a.sql", "-o", "D:\\Data\\a.txt"});
     EXPECT_EQ(switches.password, "");

@@ -1,4 +1,4 @@
-// Runs of the query tool with a fake server.
+// Tests whole runs of the query tool with a fake server.
 #include "querytool/tool.h"
 
 #include <gtest/gtest.h>
@@ -168,7 +168,7 @@ TEST_F(Tool, State127EndsItAlsoInALowMessageThatIsNotShown) {
         Diagnostic last = Message(50002, "enough");
         last.state = 127;
         sink.Message(last);
-        return false; // the server may close the connection as well, which is not reported then
+        return false; // the server may also close the connection; that must not be reported
     };
     EXPECT_EQ(Run("a\nGO\nb\nGO\n"), 50002);
     ExpectBatches({"a\n"});
