@@ -1,4 +1,4 @@
-# Functions of ./demo, ./check and ./bench: progress messages, packages, builds, steps.
+# Functions of the commands at the root: progress messages, installing packages, builds, and the table of ./check's steps.
 # Source it from the root of the checkout.
 
 export DEBIAN_FRONTEND=noninteractive

@@ -22,6 +22,7 @@ def heading(text):
 
 
 def check(claim, holds):
+    """Prints a result that was checked; ends the run if it does not hold."""
     print(f"   {'ok    ' if holds else 'FAILED'} {claim}", flush=True)
     if not holds:
         sys.exit(1)
@@ -80,12 +81,14 @@ class Node:
             print("   | " + line, flush=True)
 
     def check_quiet(self, lines=()):
+        """Checks that the log has only these lines and that the query tool reported no error."""
         check(f"{self.name}: the program logged no failure", self.machine.log_lines() == list(lines))
         for name in TEMPLATES:
             check(f"{self.name}: the query tool reported no error for {name}.sql",
                   not re.search(r"Msg \d+, Level 1[1-9]", self.machine.output(name)))
 
     def in_template(self, name, kind):
+        """The names of the objects of this kind that a script template creates."""
         with open(os.path.join(self.machine.scripts, name + ".sql"), encoding="cp1252") as file:
             return sorted(re.findall(rf"(?mi)\bCREATE {kind} \[?dbo\]?\.\[?(\w+)\]?", file.read()))
 
@@ -110,7 +113,7 @@ def install(node):
 
 
 def use(node):
-    """Makes the batches of some days, so that there are data to upgrade."""
+    """Adds the batches of some days, so that there are data to upgrade."""
     for statement in USE_OF_VERSION_1:
         node.server.ask(statement, "Batch")
     for table in node.tables():
@@ -182,7 +185,7 @@ class Pair:
 
 
 def differing(a, b):
-    """The tables whose rows differ."""
+    """The tables whose rows differ on two nodes."""
     return [table for table in a.tables() if table not in OWN_TABLES and
             a.rows(table, a.columns(table)) != b.rows(table, b.columns(table))]
 

@@ -70,18 +70,19 @@ def install(machine, server):
 
 
 def open_under_wine(machine, more, displays):
-    """In a Wine prefix of its own, whose registry with the passwords is deleted with the folder."""
+    """Opens the console in a Wine prefix of its own, whose registry with the passwords is deleted with the folder. Returns the
+    program's exit code when the window is closed. `more` is a registry file."""
     environment = machine.wine_environment() | displays | {"WINEPREFIX": os.path.join(FOLDER, "wine")}
     command = machine.with_registry(shlex.join([RUNNER, machine.program]), more)
     try:
         return subprocess.run(["sh", "-c", command], env=environment, cwd=machine.install, check=False).returncode
     finally:
-        for end in ("-k", "-w"):  # Wine's own processes would stay for an hour
+        for end in ("-k", "-w"):  # otherwise Wine's own processes stay for an hour
             subprocess.run(["wineserver", end], env=environment, check=False, timeout=60)
 
 
 def open_console(machine, more):
-    """Returns when the window is closed."""
+    """Opens the console and returns the program's exit code when the window is closed."""
     displays = {name: os.environ[name] for name in DISPLAYS if name in os.environ}
     if machine.wine:
         return open_under_wine(machine, more, displays)
@@ -89,7 +90,7 @@ def open_console(machine, more):
 
 
 def stop_as_by_ctrl_c():
-    """Also when the terminal is closed or the process is told to end: the folder holds passwords."""
+    """Makes a closed terminal and a request to end work like Ctrl+C, so that the folder, which holds passwords, is deleted."""
     for number in (signal.SIGTERM, signal.SIGHUP):
         signal.signal(number, signal.default_int_handler)
 

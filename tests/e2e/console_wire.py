@@ -9,6 +9,8 @@ HERE = "127.0.0.1"
 
 
 class Wire:
+    """The proxy. `port` is the port that the program connects to; up() starts passing data on, down() stops it."""
+
     def __init__(self):
         # This socket is bound and never listens. It reserves the port while the proxy is down, so that a client cannot
         # reach another process there.

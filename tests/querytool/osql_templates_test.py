@@ -1,5 +1,5 @@
 # Runs the complete sample templates with OSQL.EXE on a development server, and checks the result with the tool itself
-# and with a client of another maker.
+# and with an independent client.
 #
 #   osql_templates_test.py DEVSQLSERVER OSQL.EXE SCRIPT_FOLDER [--wine]
 import datetime

@@ -1,5 +1,5 @@
-# OSQL.EXE as a program: its command line, its files and its exit code, with a server that sends the results that a test
-# asks for, dies or does not answer. The second argument is the tool; a third, "--wine", runs it under Wine.
+# Tests OSQL.EXE as a program: its command line, its files and its exit code. The server (devserver/tests) sends the results
+# that a test asks for, dies, or does not answer. --wine runs the tool under Wine.
 #
 #   osql_test.py DIRECTIVE_SERVER OSQL.EXE [--wine]
 import os
@@ -15,8 +15,8 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 TOP = os.path.dirname(os.path.dirname(HERE))
 
 
-class Plant:
-    """The server, and a folder for the tool's files."""
+class ToolRunner:
+    """Runs the tool: has a server, and a folder for the tool's files."""
 
     def __init__(self, server, tool, wine):
         self.tool, self.wine = tool, wine
@@ -35,7 +35,7 @@ class Plant:
         return "Z:" + path.replace("/", "\\") if self.wine else path
 
     def run(self, *arguments, user="sa", password=("-Psecret",), port=None, stdin=b""):
-        """Exit code and standard output."""
+        """Runs the tool and returns its exit code and standard output."""
         command = [os.path.join(TOP, "tests", "run-under-wine")] if self.wine else []
         command += [self.tool, "-S", f"127.0.0.1,{port or self.port}", "-U", user, *password, *arguments]
         done = subprocess.run(command, input=stdin, stdout=subprocess.PIPE, env=self.environment, timeout=120,
@@ -57,23 +57,23 @@ class Plant:
         shutil.rmtree(self.folder)
 
 
-class PlantTest(unittest.TestCase):
+class ToolTest(unittest.TestCase):
     def setUp(self):
-        self.plant = Plant(*ARGUMENTS)
+        self.runner = ToolRunner(*ARGUMENTS)
 
     def tearDown(self):
-        self.plant.stop()
+        self.runner.stop()
 
     def script(self, content, *switches, **how):
-        """Runs a script file with an output file: exit code and content of the output file."""
-        self.plant.write("a.sql", content)
-        code, printed = self.plant.run("-i", self.plant.native("a.sql"), "-o", self.plant.native("a.txt"), *switches,
+        """Runs a script file with an output file, and returns the exit code and the content of the output file."""
+        self.runner.write("a.sql", content)
+        code, printed = self.runner.run("-i", self.runner.native("a.sql"), "-o", self.runner.native("a.txt"), *switches,
                                        **how)
         self.assertEqual(printed, b"")
-        return code, self.plant.read("a.txt")
+        return code, self.runner.read("a.txt")
 
 
-class Osql(PlantTest):
+class Osql(ToolTest):
     def test_a_script_runs_whole_and_its_output_stands_in_the_file(self):
         code, output = self.script(b"rows 2\r\nprint hello\r\nGO\r\nerror 50000\r\nrows 1\r\nGO\r\ntouched 1\r\ngo")
         self.assertEqual(code, 0)
@@ -86,7 +86,7 @@ class Osql(PlantTest):
             "(2 rows affected)",
             "hello",
             # Under Wine the driver is FreeTDS's for ODBC, which does not give the state.
-            f"1> 2> 3> Msg 50000, Level 16, {'' if self.plant.wine else 'State 1, '}Server DIRECT, Line 1",
+            f"1> 2> 3> Msg 50000, Level 16, {'' if self.runner.wine else 'State 1, '}Server DIRECT, Line 1",
             "Made to fail.",
             " id          name         ",
             " ----------- ------------ ",
@@ -163,12 +163,12 @@ class Osql(PlantTest):
         self.assertEqual((code, output), (0, b"Timeout expired\r\nnext\r\n"))
 
     def test_a_script_that_is_not_there_is_named_in_the_output_file(self):
-        code, _ = self.plant.run("-i", self.plant.native("nosuch.sql"), "-o", self.plant.native("a.txt"))
+        code, _ = self.runner.run("-i", self.runner.native("nosuch.sql"), "-o", self.runner.native("a.txt"))
         self.assertEqual(code, 1)
-        self.assertIn(b"nosuch.sql", self.plant.read("a.txt"))
+        self.assertIn(b"nosuch.sql", self.runner.read("a.txt"))
 
     def test_an_output_file_that_cannot_be_made_is_a_failure(self):
-        code, printed = self.plant.run("-Q", "print a", "-o", self.plant.native("nosuch/a.txt"))
+        code, printed = self.runner.run("-Q", "print a", "-o", self.runner.native("nosuch/a.txt"))
         self.assertEqual((code, printed), (1, b""))
 
     def test_a_wrong_switch_is_named_in_the_output_file(self):
@@ -185,28 +185,28 @@ class Osql(PlantTest):
         self.assertNotIn(b"never", output)
 
     def test_a_query_runs_and_its_output_is_printed(self):
-        self.assertEqual(self.plant.run("-n", "-Q", "print *"), (0, b"*\n"))
+        self.assertEqual(self.runner.run("-n", "-Q", "print *"), (0, b"*\n"))
 
     def test_without_a_script_the_standard_input_is_read(self):
-        self.assertEqual(self.plant.run("-n", stdin=b"print a\nGO\nprint b"), (0, b"a\nb\n"))
+        self.assertEqual(self.runner.run("-n", stdin=b"print a\nGO\nprint b"), (0, b"a\nb\n"))
 
     def test_errors_go_to_the_error_channel_as_the_help_writes_it(self):
         for switches in (("-r", "0"), ("-r0",), ("-r",)):
-            code, printed = self.plant.run("-n", *switches, stdin=b"error 50000\nprint a\n")
+            code, printed = self.runner.run("-n", *switches, stdin=b"error 50000\nprint a\n")
             self.assertEqual((code, printed), (0, b"a\n"), switches)
-        self.assertEqual(self.plant.run("-n", "-r", "1", stdin=b"error 50000\nprint a\n"), (0, b""))
+        self.assertEqual(self.runner.run("-n", "-r", "1", stdin=b"error 50000\nprint a\n"), (0, b""))
 
     def test_exit_gives_a_querys_value_as_exit_code(self):
-        code, _ = self.plant.run("-n", stdin=b"print a\nEXIT(length)\n")
+        code, _ = self.runner.run("-n", stdin=b"print a\nEXIT(length)\n")
         self.assertEqual(code, len("print a\nlength"))
 
     def test_the_help_names_the_version(self):
-        code, printed = self.plant.run("-?")
+        code, printed = self.runner.run("-?")
         self.assertEqual(code, 0)
         self.assertIn(b"version", printed)
 
 
-class OsqlByDbLibrary(PlantTest):
+class OsqlByDbLibrary(ToolTest):
     """Order and state of messages with FreeTDS's DB-Library. Not under Wine: there the tool has FreeTDS's
     driver for ODBC, which sorts the messages of a statement and gives no state."""
 
