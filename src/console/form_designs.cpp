@@ -10,10 +10,11 @@ using ui::ControlDesign;
 using ui::Kind;
 using ui::Pixels;
 
-constexpr ui::ControlName kForm{};          // the parent of a control on the form itself
-constexpr ui::ControlName kTabs{"tabMain"}; // the parent of a page
-constexpr std::uint32_t kShownText =
-    ui::kReadOnly | ui::kButtonFace; // a text that the operator cannot change
+// The parents of a control that lies on the form itself, and of a page.
+constexpr ui::ControlName kForm{};
+constexpr ui::ControlName kTabs{"tabMain"};
+/// A text that the operator can read and not change.
+constexpr std::uint32_t kShownText = ui::kReadOnly | ui::kButtonFace;
 constexpr ui::Place kPage = Pixels(9, 29, 608, 424);
 
 constexpr std::array kTabCaptions = {"General",     "Script",    "Synchronize", "Upgrade",

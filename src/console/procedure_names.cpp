@@ -6,7 +6,8 @@
 namespace kv {
 namespace {
 
-struct Named { // an ADO number (DataTypeEnum, ParameterDirectionEnum) and the name that is shown for it
+/// A number of ADO (DataTypeEnum or ParameterDirectionEnum) and the name that is shown for it.
+struct Named {
     std::int32_t number;
     const char* name;
 };

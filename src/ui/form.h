@@ -12,9 +12,8 @@
 //     list item or a tab, Click for buttons, FocusMoved, Close for the window's close button. These fire the
 //     handlers. A handler may throw: the toolkit keeps the exception (std::exception_ptr) while it returns
 //     from native callbacks, and throws it again from RunUntilClosed or ShowModally.
-//  4. After Property::Unloaded the toolkit closes the window. The form and its controls still exist: a
-//  handler
-//     that ran pending events may still be using them.
+//  4. After Property::Unloaded the toolkit closes the window. The form and its controls still exist, because
+//     a handler that ran pending events may still be using them.
 #pragma once
 
 #include <memory>

@@ -108,6 +108,7 @@ std::string BoxOf(const std::string& description) {
            "\r\n\t50000\r\n\tSQL Server\r\n\t42000\r\n";
 }
 
+/// Starts with a script folder and with all fields of both servers filled in.
 class CommandOrder : public ConsoleTest {
   protected:
     CommandOrder() {
@@ -117,12 +118,14 @@ class CommandOrder : public ConsoleTest {
         RememberServer(1);
         SqlServerInstalled("TRUE");
     }
+    /// Loads the window and opens a tab, with two databases on each server.
     void StartOn(MainTab tab) {
         Start();
         Databases({"master", "Batch"}, 2);
         Open(tab);
         ado_.Forget();
     }
+    /// Makes the next connection fail.
     void ServerFails(const std::string& description) {
         ado_.Answer("Open", fakes::Failing(-2147467259, description));
     }

@@ -48,6 +48,7 @@ class FailurePaths : public ConsoleTest {
         RememberServer(1);
         SqlServerInstalled("TRUE");
     }
+    /// Sets the answers that every command of these tests needs.
     void AnswerAll() {
         ado_.Forget();
         Databases({"master", "Batch"}, 4);
@@ -67,6 +68,7 @@ class FailurePaths : public ConsoleTest {
         ado_.Answer("sp_helptext 'spOne'", fakes::Rows({{"text"}}));
         ado_.Answer("call spOne", fakes::Rows({{1}}));
     }
+    /// Sets the answers to reading the table "Lots".
     void HasData(const fakes::AdoAnswer& answer = fakes::Rows({{1}})) {
         ado_.Answer(IdentityQuery("Lots"), fakes::Rows({}));
         ado_.Answer("SELECT * FROM Lots", answer);
@@ -119,6 +121,7 @@ class FailurePaths : public ConsoleTest {
         }
         EXPECT_GT(call, 2U) << "the command did not ask the server";
     }
+    /// Does this for the command of a button, which must be enabled and have the focus each time.
     void PressAtEachLoss(MainTab tab, const char* button) {
         StartOn(tab);
         LoseTheServerAtEachCall(

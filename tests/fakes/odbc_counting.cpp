@@ -12,32 +12,34 @@
 namespace fakes {
 namespace {
 
-constexpr std::size_t kTextSize = 20;
+constexpr std::size_t kTextSize = 20; // characters of a text column
 
+/// A column's buffer, as SQLBindCol got it. The caller owns the memory.
 struct Binding {
     SQLSMALLINT c_type = 0;
     char* data = nullptr;
-    SQLLEN width = 0;
+    SQLLEN width = 0; ///< bytes of one row's value
     SQLLEN* indicators = nullptr;
 };
 
+/// A parameter marker's buffer, as SQLBindParameter got it. The caller owns the memory.
 struct BoundMarker {
     OdbcParameter shape;
     char* data = nullptr;
-    SQLLEN room = 0;
+    SQLLEN room = 0; ///< bytes
     SQLLEN* indicator = nullptr;
 };
 
 struct FakeHandle {
-    SQLSMALLINT kind = 0;
+    SQLSMALLINT kind = 0; ///< SQL_HANDLE_ENV, SQL_HANDLE_DBC or SQL_HANDLE_STMT
     FakeHandle* parent = nullptr;
-    std::size_t children = 0;
+    std::size_t children = 0; ///< open handles that were made from this one
     bool connected = false;
-    std::vector<OdbcRecord> records;
-    std::size_t result = 0; ///< of the statement; equal to the number of results after the last one
+    std::vector<OdbcRecord> records; ///< of the last call
+    std::size_t result = 0; ///< the statement's present result; the number of results after the last one
     bool has_result = false;
     std::size_t next_row = 0;
-    std::size_t long_read = 0;
+    std::size_t long_read = 0; ///< characters of the long text that were read
     SQLULEN array_size = 1;
     SQLULEN* rows_fetched = nullptr;
     SQLUSMALLINT* row_status = nullptr;
@@ -85,7 +87,7 @@ const OdbcResult& ResultOf(const FakeHandle& fake) {
     return fake.results->at(fake.result);
 }
 
-/// The cell in a buffer.
+/// Reads a cell from a buffer.
 OdbcCell Stored(int c_type, const char* data, SQLLEN indicator) {
     if (indicator == SQL_NULL_DATA) {
         return {};
@@ -119,7 +121,7 @@ void Store(const OdbcCell& cell, int c_type, char* to, SQLLEN room, SQLLEN& indi
     indicator = static_cast<SQLLEN>(text.size() * sizeof(char16_t));
 }
 
-/// The values of the markers of a statement that is run.
+/// Records the values of the markers of a statement that is run.
 void NoteParameters(FakeHandle& fake) {
     counting.parameters.clear();
     for (auto& [number, marker] : fake.markers) {

@@ -54,6 +54,7 @@ class Pickers : public OnScreen {
     bool asked_ = false; ///< the last dialog had the title that it was given
 
   private:
+    /// The act, which first checks the dialog's title.
     Act Checked(const char* title, const Act& act) {
         return [this, title, act](screen::Part dialog) {
             asked_ = screen::Says(dialog, title);
