@@ -9,7 +9,9 @@ import shutil
 import signal
 import subprocess
 import tempfile
+import time
 
+LONGEST = 120  # seconds that only a failure waits for
 USER = "sa"
 PASSWORD = "pass:word with blanks"
 
@@ -51,7 +53,17 @@ class DevServer:
         """Ends the server as an operator does; its exit code."""
         self.process.send_signal(by)
         try:
-            return self.process.wait(timeout=30)
+            return self.process.wait(timeout=LONGEST)
         finally:
             self.kill()
             shutil.rmtree(self.folder)
+
+
+def becomes_true(condition):
+    """Asks until it is so; whether it was in time."""
+    end = time.monotonic() + LONGEST
+    while not condition():
+        if time.monotonic() > end:
+            return False
+        time.sleep(0.02)
+    return True

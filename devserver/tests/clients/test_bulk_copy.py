@@ -9,13 +9,12 @@ import pathlib
 import shutil
 import subprocess
 import sys
-import time
 import unittest
 
 import pymssql
 import pytds
 
-from dev_server import PASSWORD, USER, DevServer
+from dev_server import LONGEST, PASSWORD, USER, DevServer, becomes_true
 
 PROGRAM = ""
 SERVER = None
@@ -50,23 +49,13 @@ def tearDownModule():
 
 def connect_pytds(version="7.4"):
     return pytds.connect("127.0.0.1", port=SERVER.port, user=USER, password=PASSWORD, database="master",
-                         tds_version=PYTDS_VERSIONS[version], autocommit=True)
+                         tds_version=PYTDS_VERSIONS[version], autocommit=True, login_timeout=LONGEST)
 
 
 def query(sql):
     with connect_pytds() as connection, connection.cursor() as cursor:
         cursor.execute(sql)
         return cursor.fetchall() if cursor.description else None
-
-
-def ends_within(seconds, count):
-    """Whether the count becomes 0 in time."""
-    end = time.monotonic() + seconds
-    while query(count) != [(0,)]:
-        if time.monotonic() > end:
-            return False
-        time.sleep(0.05)
-    return True
 
 
 def fresh_table(name, columns=COLUMNS):
@@ -80,7 +69,7 @@ class Freebcp(unittest.TestCase):
         self.assertIsNotNone(program, "freebcp is not installed")
         return subprocess.run(
             [program, *arguments, "-S", f"127.0.0.1:{SERVER.port}", "-U", USER, "-P", PASSWORD], capture_output=True,
-            text=True, timeout=60, env={**os.environ, "TDSVER": version, "LC_ALL": "C.UTF-8"},
+            text=True, timeout=LONGEST, env={**os.environ, "TDSVER": version, "LC_ALL": "C.UTF-8"},
         )
 
     def file(self, name):
@@ -164,7 +153,8 @@ class Pytds(unittest.TestCase):
             for i in range(5000):
                 yield (i,)
             query(f"KILL {number}")
-            gone.append(ends_within(20, f"SELECT COUNT(*) FROM sysprocesses WHERE spid = {number}"))
+            count = f"SELECT COUNT(*) FROM sysprocesses WHERE spid = {number}"
+            gone.append(becomes_true(lambda: query(count) == [(0,)]))
             for i in range(5000):
                 yield (i,)
 

@@ -14,7 +14,7 @@ import unittest
 import pyodbc
 
 import odbc
-from dev_server import PASSWORD, USER, DevServer
+from dev_server import LONGEST, PASSWORD, USER, DevServer
 
 PROGRAM = ""
 SERVER = None
@@ -54,7 +54,7 @@ def connect(database="shop", password=PASSWORD, version="7.4"):
     return pyodbc.connect(
         f"DRIVER={{FreeTDS}};SERVER=127.0.0.1;PORT={SERVER.port};UID={USER};PWD={{{password}}};DATABASE={database};"
         f"TDS_Version={version}",
-        autocommit=True, timeout=20,
+        autocommit=True, timeout=LONGEST,
     )
 
 
@@ -198,7 +198,7 @@ class Scripts(unittest.TestCase):
         text = (SCRIPTS / "order_entry.sql").read_text(encoding="utf-8")
         done = subprocess.run(
             ["bsqldb", "-S", f"127.0.0.1:{SERVER.port}", "-U", USER, "-P", PASSWORD], input=text,
-            capture_output=True, text=True, timeout=60,
+            capture_output=True, text=True, timeout=LONGEST,
         )
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertIn("Gardenware is ready", done.stderr)

@@ -8,14 +8,13 @@ import datetime
 import decimal
 import sys
 import threading
-import time
 import unittest
 import uuid
 
 import pyodbc
 import pytds
 
-from dev_server import PASSWORD, USER, DevServer
+from dev_server import LONGEST, PASSWORD, USER, DevServer, becomes_true
 
 PROGRAM = ""
 SERVER = None
@@ -37,7 +36,7 @@ def tearDownModule():
 def connect_pytds(version="7.4", **more):
     return pytds.connect(
         "127.0.0.1", port=SERVER.port, user=USER, password=PASSWORD, database=more.pop("database", "master"),
-        tds_version=TDS_VERSIONS[version], autocommit=True, **more,
+        tds_version=TDS_VERSIONS[version], autocommit=True, login_timeout=LONGEST, **more,
     )
 
 
@@ -171,19 +170,22 @@ class Pyodbc(unittest.TestCase):
         for version in TDS_VERSIONS:
             victim, other = connect_pyodbc(version), connect_pyodbc(version)
             number = victim.execute("SELECT @@SPID").fetchval()
+            other.execute("IF OBJECT_ID('ToThrowOut') IS NOT NULL DROP TABLE ToThrowOut CREATE TABLE ToThrowOut (a int)")
             caught = []
 
             def wait():
                 try:
-                    caught.append(victim.execute("WAITFOR DELAY '00:00:50' SELECT 'done'").fetchall())
+                    statement = "SET NOCOUNT ON INSERT ToThrowOut VALUES (1) WAITFOR DELAY '00:05:00' SELECT 'done'"
+                    caught.append(victim.execute(statement).fetchall())
                 except pyodbc.Error as error:
                     caught.append(error.args[1])
 
             thread = threading.Thread(target=wait)
             thread.start()
-            time.sleep(0.2)  # until the server has it
+            count = "SELECT COUNT(*) FROM ToThrowOut"
+            self.assertTrue(becomes_true(lambda: other.execute(count).fetchval() == 1), version)
             other.execute(f"KILL {number}")
-            thread.join(30)
+            thread.join(LONGEST)
             self.assertFalse(thread.is_alive(), version)
             self.assertIn("(596)", caught[0], version)
             with self.assertRaises(pyodbc.Error):
