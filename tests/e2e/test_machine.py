@@ -6,9 +6,11 @@ import re
 import shlex
 import shutil
 import signal
+import socket
 import subprocess
 import tempfile
 import time
+import weakref
 
 import pymssql
 
@@ -27,7 +29,13 @@ class DevServer:
         self.program, self.folder, self.drives = program, folder, drives
         self.root = os.path.join(folder, "server")
         self.logins = os.path.join(folder, "logins")
-        self.port = 0
+        # This socket is bound and never listens. It reserves the port while the server is down, so that no other process
+        # gets it before the server starts again.
+        keeper = socket.socket()
+        keeper.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+        keeper.bind(("127.0.0.1", 0))
+        weakref.finalize(self, keeper.close)
+        self.port = keeper.getsockname()[1]
         self.process = None
         os.makedirs(folder, exist_ok=True)
         with open(os.open(self.logins, os.O_CREAT | os.O_WRONLY, 0o600), "w", encoding="utf-8") as file:
@@ -52,7 +60,7 @@ class DevServer:
         if self.process is not None and self.process.poll() is None:
             self.process.send_signal(signal_number)
             try:
-                self.process.wait(20)
+                self.process.wait(60)
             except subprocess.TimeoutExpired:
                 self.process.kill()
                 self.process.wait()
@@ -74,7 +82,7 @@ class DevServer:
 
     def connect(self, database="master"):
         return pymssql.connect(server="127.0.0.1", port=str(self.port), user=USER, password=PASSWORD,
-                               database=database, autocommit=True, login_timeout=10, timeout=60)
+                               database=database, autocommit=True, login_timeout=60, timeout=60)
 
     def ask(self, statement, database="master"):
         """The rows of the first result, read by pymssql."""
@@ -326,7 +334,7 @@ def freetds_driver():
     raise RuntimeError("libtdsodbc.so was not found; install the package tdsodbc")
 
 
-def wait_for(condition, seconds=30):
+def wait_for(condition, seconds=60):
     """Waits until the condition holds; fails if that takes too long. For the effects of another process."""
     end = time.monotonic() + seconds
     while not condition():

@@ -159,7 +159,12 @@ class TwoUpgrades(UpgradeTestCase):
     """Two runs at the same time. The second would delete the database that the first has renamed, the only copy of the
     old data."""
 
-    WAITING = "USE [master]\nWAITFOR DELAY '00:00:08'\nGO"
+    WAITING = ("USE [master]\n"
+               "WHILE NOT EXISTS (SELECT * FROM sysobjects WHERE name = 'GoOn') WAITFOR DELAY '00:00:00.100'\nGO")
+
+    def go_on(self):
+        """Lets the script end that waits."""
+        self.server.ask("CREATE TABLE GoOn (a int)")
 
     def start_and_wait_for_the_create_script(self):
         program = self.machine.start("/upgradedb", "/scriptfolder", self.machine.native(self.machine.scripts))
@@ -176,6 +181,7 @@ class TwoUpgrades(UpgradeTestCase):
         self.assertIsNone(first.poll(), "the first run ended before the second one")
         self.assertIn("Another upgrade is running. Nothing was changed.", said)
         self.assertEqual(self.machine.log_lines(), [OWN_LINE])
+        self.go_on()
         self.assertEqual(first.wait(120), 0)
         self.assertEqual(self.machine.log_lines(), [OWN_LINE])
         self.assertEqual(self.upgradable(), {"Batch": "2", TEMPORARY: "1"})
