@@ -92,18 +92,19 @@ class Templates(unittest.TestCase):
 
     def test_a_batch_that_is_thrown_out_is_a_failure(self):
         done = []
-        thread = threading.Thread(
-            target=lambda: done.append(self.tool("-b", "-Q", "waitfor delay '00:00:50' print 'the end'")))
-        thread.start()
+        batch = "set nocount on insert Running values (@@spid) waitfor delay '00:05:00' print 'the end'"
         with self.server.connect("master") as connection, connection.cursor() as cursor:
-            number, end = None, time.monotonic() + 30
-            while number is None and time.monotonic() < end:
-                cursor.execute("SELECT max(spid) FROM sysprocesses WHERE spid > 50 AND spid <> @@SPID")
-                number = cursor.fetchone()[0]
-            self.assertIsNotNone(number, "the tool did not log in")
-            time.sleep(0.3)  # until its batch runs
-            cursor.execute(f"KILL {number}")
-        thread.join(60)
+            cursor.execute("CREATE TABLE Running (number int)")
+            thread = threading.Thread(target=lambda: done.append(self.tool("-b", "-d", "master", "-Q", batch)))
+            thread.start()
+            numbers, end = [], time.monotonic() + 120
+            while not numbers and time.monotonic() < end:
+                cursor.execute("SELECT number FROM Running")
+                numbers = cursor.fetchall()
+                time.sleep(0.02)
+            self.assertEqual(len(numbers), 1, "the batch does not run")
+            cursor.execute(f"KILL {numbers[0][0]}")
+        thread.join(120)
         self.assertFalse(thread.is_alive())
         self.assertNotEqual(done[0].returncode, 0)
         self.assertIn(b"Msg 596, Level 21", done[0].stdout)

