@@ -91,7 +91,7 @@ class BulkRows {
   public:
     enum class Step : std::uint8_t {
         Row,
-        Waiting, ///< nothing came for a moment; the caller can check whether it must end
+        Waiting, ///< the row has not come whole yet; the caller can check whether it must end
         End,
         Gone, ///< the client has cancelled the load, or has sent something malformed: no row is kept
     };

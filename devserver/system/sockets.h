@@ -66,8 +66,8 @@ std::optional<SocketHandle> AcceptClient(const SocketHandle& listener);
 /// may be null. Throws SocketError.
 Readable WaitReadable(const SocketHandle& first, const SocketHandle* second,
                       std::optional<std::chrono::milliseconds> timeout);
-/// 0 at the end of the stream. Throws SocketError.
-std::size_t Receive(const SocketHandle& socket, char* buffer, std::size_t size);
+/// 0 at the end of the stream. With `keep` the bytes stay to be received again. Throws SocketError.
+std::size_t Receive(const SocketHandle& socket, char* buffer, std::size_t size, bool keep = false);
 /// How much the system took, at least one byte. Throws SocketError.
 std::size_t Send(const SocketHandle& socket, std::string_view bytes);
 /// Ends sending, or both directions; a thread that waits in a call returns. Throws nothing.

@@ -33,10 +33,10 @@ void SkipTableName(ByteReader& reader) {
 BulkRows::Step BulkReader::Next(std::vector<Value>& row) {
     while (!ended_) {
         if (buffer_.size() - position_ < wanted_ && !More()) {
-            if (state_ == PacketChannel::State::Open) {
+            if (state_ == State::Open) {
                 return Step::Waiting;
             }
-            if (state_ != PacketChannel::State::Whole) {
+            if (state_ != State::Whole) {
                 return Step::Gone;
             }
             if (columns_ && position_ == buffer_.size()) {
@@ -47,7 +47,7 @@ BulkRows::Step BulkReader::Next(std::vector<Value>& row) {
         ByteReader reader(std::string_view(buffer_).substr(position_));
         try {
             const Step step = Read(reader, row);
-            if (step == Step::End && state_ != PacketChannel::State::Whole) {
+            if (step == Step::End && state_ != State::Whole) {
                 // The last packet of the message says whether the client cancels it.
                 wanted_ = buffer_.size() - position_ + 1;
                 continue;
@@ -60,8 +60,7 @@ BulkRows::Step BulkReader::Next(std::vector<Value>& row) {
             }
         } catch (const ProtocolError& error) {
             const std::size_t had = buffer_.size() - position_;
-            if (error.number() != error_number::kStreamEnded || state_ != PacketChannel::State::Open ||
-                had > kLongestRow) {
+            if (error.number() != error_number::kStreamEnded || state_ != State::Open || had > kLongestRow) {
                 error_ = error;
                 return Step::Gone;
             }
@@ -74,13 +73,35 @@ BulkRows::Step BulkReader::Next(std::vector<Value>& row) {
 }
 
 bool BulkReader::More() {
-    if (state_ != PacketChannel::State::Open) {
-        return false;
-    }
     buffer_.erase(0, position_);
     position_ = 0;
-    state_ = packets_.Take(buffer_);
+    if (state_ == State::Open) {
+        TakePacket();
+    }
     return buffer_.size() >= wanted_;
+}
+
+void BulkReader::TakePacket() {
+    try {
+        const ClientPacket packet = next_packet_();
+        buffer_ += packet.data;
+        if (packet.IsLast()) {
+            state_ = packet.IsIgnored() ? State::TakenBack : State::Whole;
+        }
+    } catch (const ConnectionLost&) {
+        state_ = State::Lost;
+    } catch (const ProtocolError& error) {
+        state_ = State::Lost;
+        error_ = error;
+    }
+}
+
+BulkReader::State BulkReader::Drain() {
+    while (state_ == State::Open) {
+        buffer_.clear();
+        TakePacket();
+    }
+    return state_;
 }
 
 BulkRows::Step BulkReader::Read(ByteReader& reader, std::vector<Value>& row) {

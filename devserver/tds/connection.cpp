@@ -1,8 +1,7 @@
-// The two threads of a connection and the way into it. What requests do is in connection_requests.cpp.
+// The way into a connection, and how it is watched and ended. What requests do is in connection_requests.cpp.
 #include "devserver/tds/connection.h"
 
 #include <algorithm>
-#include <thread>
 
 #include "devserver/tds/prelogin.h"
 
@@ -10,12 +9,8 @@ namespace devsql::tds {
 
 namespace {
 
-/// How often the reading thread checks, while nothing arrives, whether the session was ended by another.
+/// How often a connection that waits for its client checks whether its session was ended by another.
 constexpr std::chrono::milliseconds kIdleTick{250};
-/// How often a running call is asked again to end: it may have begun just after the last request.
-constexpr std::chrono::milliseconds kCancelTick{20};
-/// How long a call that was told to end may still write before the connection is cut.
-constexpr std::chrono::milliseconds kCancelPatience{1000};
 constexpr const char* kLanguage = "us_english";
 
 std::size_t PacketSizeFor(std::uint32_t asked) {
@@ -46,26 +41,40 @@ Connection::Connection(Socket socket, Engine& engine, bool refused, std::chrono:
 void Connection::Run() {
     try {
         if (Enter()) {
-            std::thread worker([this] { Work(); });
-            ReadRequests();
-            EndWork();
-            worker.join();
+            ServeRequests();
         }
         socket_.FinishWriting();
     } catch (const std::exception&) {
-        // The client is gone, or the system has no thread left for it: nobody would get an error.
+        // The client is gone: nobody would get an error.
         socket_.Shutdown();
     }
+    std::unique_ptr<Session> session; // Ended without the lock, because that may take long.
     const std::lock_guard lock(mutex_);
-    session_.reset();
+    session = std::move(session_);
+}
+
+bool Connection::Watch() {
+    const std::lock_guard lock(mutex_);
+    if (closing_ || (watched_ && IsCancelled())) {
+        cancelled_ = true;
+        CancelRunning();
+    }
+    return watched_;
+}
+
+bool Connection::IsCancelled() const {
+    try {
+        return socket_.Peek() == static_cast<char>(PacketType::Attention);
+    } catch (const ConnectionLost&) {
+        // The request's thread may be waiting for the client to read.
+        socket_.Shutdown();
+        return true;
+    }
 }
 
 void Connection::Stop() {
-    const std::lock_guard lock(mutex_);
     closing_ = true;
-    CancelRunning();
     socket_.Shutdown();
-    changed_.notify_all();
 }
 
 void Connection::CancelRunning() {
@@ -167,102 +176,27 @@ void Connection::AnswerLogin(const Login& login, Response& response) {
     packets_.SetPacketSize(packet_size);
 }
 
-void Connection::ReadRequests() {
+void Connection::ServeRequests() {
     try {
         std::optional<ClientPacket> first;
         do {
             first = ReadPacket(socket_, wait_);
-        } while (first && ReadRequest(std::move(*first)));
+        } while (first && Serve(std::move(*first)));
     } catch (const ConnectionLost&) {
         return;
     } catch (const ProtocolError& error) {
-        // The stream has no next message. What runs is ended first: only then nobody else writes.
-        EndWork();
+        // The stream has no next message.
         Refuse(error);
     }
 }
 
-bool Connection::ReadRequest(ClientPacket first) {
-    if (first.type == PacketType::BulkLoad) {
-        return ReadBulk(std::move(first));
-    }
-    return Deliver(ReadRest(socket_, std::move(first), kLargestMessage, wait_));
-}
-
-bool Connection::ReadBulk(ClientPacket first) {
-    using State = PacketChannel::State;
-    const auto packets = std::make_shared<PacketChannel>();
-    // The message's end of the channel: once the message is gone, served or not, nobody waits for its rows.
-    std::shared_ptr<PacketChannel> taken(packets.get(), [packets](PacketChannel* rows) { rows->Close(); });
-    if (!Deliver({first.type, first.status, false, {}, std::move(taken)})) {
-        return false;
-    }
-    try {
-        for (ClientPacket packet = std::move(first);;
-             packet = ReadNextPacket(socket_, PacketType::BulkLoad, wait_)) {
-            packets->Put(packet.data);
-            if (packet.IsLast()) {
-                packets->End(packet.IsIgnored() ? State::TakenBack : State::Whole);
-                return true;
-            }
-        }
-    } catch (...) {
-        packets->End(State::Lost);
-        throw;
-    }
-}
-
 bool Connection::WaitForInput() {
-    for (;;) {
-        std::chrono::milliseconds tick = kIdleTick;
-        {
-            const std::lock_guard lock(mutex_);
-            if (closing_ || (!busy_ && session_ && session_->Ended())) {
-                return false;
-            }
-            if (attention_ && busy_) {
-                CancelRunning();
-                tick = kCancelTick;
-            }
+    do {
+        if (closing_ || session_->Ended()) {
+            return false;
         }
-        if (socket_.WaitReadable(tick)) {
-            return true;
-        }
-    }
-}
-
-bool Connection::Deliver(ClientMessage message) {
-    const std::lock_guard lock(mutex_);
-    if (message.type == PacketType::Attention) {
-        attention_ = true;
-        cancelled_ = true;
-        if (busy_) {
-            CancelRunning();
-        }
-    } else if (waiting_.empty()) {
-        waiting_.push_back(std::move(message));
-    } else {
-        // One request may arrive early. A client that sends more without reading would fill the memory.
-        return false;
-    }
-    changed_.notify_all();
+    } while (!socket_.WaitReadable(kIdleTick));
     return true;
-}
-
-void Connection::EndWork() {
-    const auto patience = std::chrono::steady_clock::now() + kCancelPatience;
-    std::unique_lock lock(mutex_);
-    closing_ = true;
-    cancelled_ = true;
-    changed_.notify_all();
-    while (!changed_.wait_for(lock, kCancelTick, [this] { return work_ended_; })) {
-        CancelRunning();
-        if (std::chrono::steady_clock::now() > patience) {
-            // The worker may be waiting for a client that does not read.
-            socket_.Shutdown();
-        }
-    }
-    cancelled_ = false;
 }
 
 } // namespace devsql::tds

@@ -1,13 +1,11 @@
 // Serves one client from its first packet to its last: the login, then requests until the client goes.
-// There are two threads: one reads, so that it notices an attention or the end of the client while the other
-// runs a request.
+// One thread reads a request and runs it. While it runs, another one asks from time to time whether the
+// client has sent an attention or has gone.
 #pragma once
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -31,7 +29,11 @@ class Connection {
 
     /// Serves the client until it goes or is thrown out. Throws nothing.
     void Run();
-    /// Ends the connection soon, even while it runs a request. May be called from any thread.
+    /// Cancels the running request if the client has sent an attention or has gone, or after Stop. Must be
+    /// repeated, because the request may have begun just after it was cancelled. Returns true if a request is
+    /// running. May be called from any thread.
+    bool Watch();
+    /// Ends the connection soon. A request that is running is ended by Watch. May be called from any thread.
     void Stop();
     /// True after the login. May be called from any thread.
     bool logged_in() const { return logged_in_; }
@@ -48,40 +50,32 @@ class Connection {
     /// as long as the client's version is not known.
     void Refuse(const ProtocolError& error);
 
-    // Called by the reading thread.
-    void ReadRequests();
+    void ServeRequests();
     /// Waits for bytes; false when the connection is to end, be it within a message.
     bool WaitForInput();
-    /// Reads the message that begins with `first` and hands it to the working thread. False when the
-    /// connection is to end.
-    bool ReadRequest(ClientPacket first);
-    /// As ReadRequest, for the rows of a bulk load: the working thread gets them packet by packet.
-    bool ReadBulk(ClientPacket first);
-    /// Hands a message to the working thread; an attention cancels the running request. False when the
-    /// connection is to end.
-    bool Deliver(ClientMessage message);
-    /// Ends the running request and the working thread, and waits for the thread's end. A worker that does
-    /// not stop in time is freed by shutting the socket down.
-    void EndWork();
-
-    // Called by the working thread.
-    void Work();
-    /// Answers one message. False when the connection is to end.
-    bool Serve(const ClientMessage& message);
-    void RunRequest(const ClientMessage& message, Response& response);
+    /// Reads the message that begins with `first` and answers it. False when the connection is to end.
+    bool Serve(ClientPacket first);
+    void RunRequest(ClientPacket first, Response& response);
     void RunBatch(const ClientMessage& message, Response& response);
     void RunCalls(const ClientMessage& message, Response& response);
-    void RunBulk(const ClientMessage& message, Response& response);
+    void RunBulk(ClientPacket first, Response& response);
     void RunTransaction(const ClientMessage& message, Response& response);
     /// Sets the isolation level for the next transaction. Returns false if that fails; the error has then
     /// been sent to the client.
     bool SetIsolation(const std::string& statement, Response& response);
-    bool ResetSession(Response& response);
+    /// Gives the client a new session if `first_status` asks for it. Returns false if that fails; the error
+    /// has then been sent.
+    bool ResetIfAsked(std::uint8_t first_status, Response& response);
     /// Tells the client that a transaction has begun or ended, if it does not know: its driver sends commit
     /// and rollback only while it knows of a transaction. `ended_by` says how it ended, if it ended.
     void TellTransaction(Response& response, Environment ended_by);
+    /// The message has been read to its end: what comes next is an attention, or the end of the client.
+    void BeginWatch();
+    /// Ends the answer. False when the connection is to end.
     bool FinishRequest(Response& response);
 
+    /// The client has sent an attention or has gone.
+    bool IsCancelled() const;
     /// Asks the running call to end. `mutex_` is held.
     void CancelRunning();
     Response MakeResponse();
@@ -99,15 +93,10 @@ class Connection {
     std::uint64_t known_transaction_ = 0; ///< the number of the transaction the client believes open, or 0
 
     std::mutex mutex_;
-    std::condition_variable changed_;
-    /// The working thread uses it without the lock. `mutex_` is held to replace it, to cancel it and to ask
-    /// whether it has ended.
+    /// The thread of Run uses it without the lock. `mutex_` is held to replace it and to cancel it.
     std::unique_ptr<Session> session_;
-    std::deque<ClientMessage> waiting_; ///< at most one
-    bool busy_ = false;                 ///< a request is being run
-    bool attention_ = false;            ///< an attention of the client is not acknowledged yet
-    bool closing_ = false;
-    bool work_ended_ = false;
+    bool watched_ = false; ///< a request is being run, and nobody reads; under `mutex_`
+    std::atomic<bool> closing_ = false;
     std::atomic<bool> logged_in_ = false;
     std::atomic<bool> cancelled_ = false; ///< the running request's output is not wanted any more
 };

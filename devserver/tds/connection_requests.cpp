@@ -1,4 +1,4 @@
-// The working thread of a connection: takes requests one by one and runs them. See connection.h.
+// The requests of a client: each is read, run and answered. See connection.h.
 #include "devserver/tds/bulk_load.h"
 #include "devserver/tds/connection.h"
 #include "devserver/tds/quiet_sink.h"
@@ -15,44 +15,18 @@ ProtocolError NotServed(PacketType type) {
 
 } // namespace
 
-void Connection::Work() {
-    std::unique_lock lock(mutex_);
-    while (!closing_) {
-        if (attention_) {
-            // Nothing runs. A request that was waiting is cancelled, and still gets an answer.
-            const bool taken_back = !waiting_.empty();
-            waiting_.clear();
-            attention_ = false;
-            cancelled_ = false;
-            lock.unlock();
-            Response response = MakeResponse();
-            if (taken_back) {
-                response.Finish(true);
-            }
-            response.Acknowledge();
-            lock.lock();
-        } else if (!waiting_.empty()) {
-            const ClientMessage message = std::move(waiting_.front());
-            waiting_.pop_front();
-            busy_ = true;
-            lock.unlock();
-            const bool stays = Serve(message);
-            lock.lock();
-            closing_ = closing_ || !stays;
-        } else {
-            changed_.wait(lock);
-        }
-    }
-    waiting_.clear();
-    work_ended_ = true;
-    changed_.notify_all();
-}
-
-bool Connection::Serve(const ClientMessage& message) {
+bool Connection::Serve(ClientPacket first) {
     Response response = MakeResponse();
+    if (first.type == PacketType::Attention) {
+        // The request that it was to end has ended and has been answered.
+        response.Acknowledge();
+        return !response.lost();
+    }
     bool stays = true;
     try {
-        RunRequest(message, response);
+        RunRequest(std::move(first), response);
+    } catch (const ConnectionLost&) {
+        return false;
     } catch (const ProtocolError& error) {
         response.Send(ErrorMessage(error));
         stays = error.severity() < kFatalSeverity;
@@ -64,28 +38,34 @@ bool Connection::Serve(const ClientMessage& message) {
     return FinishRequest(response) && stays;
 }
 
-bool Connection::FinishRequest(Response& response) {
-    bool interrupted = false;
-    bool ended = false;
-    {
-        const std::lock_guard lock(mutex_);
-        busy_ = false;
-        interrupted = attention_; // Acknowledged after this answer, see Work.
-        cancelled_ = closing_;
-        ended = session_ == nullptr || session_->Ended();
-    }
-    response.Finish(interrupted);
-    return !ended && !response.lost();
+void Connection::BeginWatch() {
+    const std::lock_guard lock(mutex_);
+    watched_ = true;
 }
 
-void Connection::RunRequest(const ClientMessage& message, Response& response) {
+bool Connection::FinishRequest(Response& response) {
+    bool interrupted = false;
+    {
+        const std::lock_guard lock(mutex_);
+        watched_ = false;
+        interrupted = cancelled_.exchange(false);
+    }
+    response.Finish(interrupted);
+    return !response.lost() && session_ != nullptr && !session_->Ended();
+}
+
+void Connection::RunRequest(ClientPacket first, Response& response) {
+    if (first.type == PacketType::BulkLoad) {
+        return RunBulk(std::move(first), response);
+    }
+    const ClientMessage message = ReadRest(socket_, std::move(first), kLargestMessage, wait_);
+    BeginWatch();
     if (message.ignore) {
         // Taken back by the client before it was whole; it waits for a DONE that says so.
         response.Fail();
         return;
     }
-    constexpr std::uint8_t kReset = packet_status::kResetConnection | packet_status::kResetKeepTransaction;
-    if ((message.first_status & kReset) != 0 && !ResetSession(response)) {
+    if (!ResetIfAsked(message.first_status, response)) {
         return;
     }
     switch (message.type) {
@@ -93,8 +73,6 @@ void Connection::RunRequest(const ClientMessage& message, Response& response) {
         return RunBatch(message, response);
     case PacketType::Rpc:
         return RunCalls(message, response);
-    case PacketType::BulkLoad:
-        return RunBulk(message, response);
     case PacketType::TransactionManager:
         return RunTransaction(message, response);
     default:
@@ -123,17 +101,24 @@ void Connection::RunCalls(const ClientMessage& message, Response& response) {
     }
 }
 
-void Connection::RunBulk(const ClientMessage& message, Response& response) {
-    response.Begin(Response::Kind::Batch);
-    BulkReader rows(*message.rows, tokens_.version());
-    session_->LoadRows(rows, response);
-    // The client writes to the end before it reads: what a load that failed has left is dropped first. A
-    // session that was thrown out does not wait for a client that may never write again.
-    auto state = PacketChannel::State::Open;
-    while (state == PacketChannel::State::Open && !session_->Ended()) {
-        state = message.rows->Drain();
+void Connection::RunBulk(ClientPacket first, Response& response) {
+    if (!ResetIfAsked(first.status, response)) {
+        return;
     }
-    if (state == PacketChannel::State::TakenBack) {
+    std::optional<ClientPacket> next = std::move(first);
+    const auto next_packet = [&] {
+        ClientPacket packet = next ? std::move(*next) : ReadNextPacket(socket_, PacketType::BulkLoad, wait_);
+        next.reset();
+        if (packet.IsLast()) {
+            BeginWatch();
+        }
+        return packet;
+    };
+    response.Begin(Response::Kind::Batch);
+    BulkReader rows(next_packet, tokens_.version());
+    session_->LoadRows(rows, response);
+    // The client writes to the end before it reads: what a load that failed has left is dropped first.
+    if (rows.Drain() == BulkReader::State::TakenBack) {
         response.Fail();
     } else if (rows.error()) {
         throw ProtocolError(*rows.error());
@@ -185,7 +170,11 @@ void Connection::TellTransaction(Response& response, Environment ended_by) {
     });
 }
 
-bool Connection::ResetSession(Response& response) {
+bool Connection::ResetIfAsked(std::uint8_t first_status, Response& response) {
+    constexpr std::uint8_t kReset = packet_status::kResetConnection | packet_status::kResetKeepTransaction;
+    if ((first_status & kReset) == 0) {
+        return true;
+    }
     std::unique_ptr<Session> old;
     {
         const std::lock_guard lock(mutex_);

@@ -5,12 +5,10 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "devserver/tds/packet_channel.h"
 #include "devserver/tds/socket.h"
 #include "devserver/tds/wire.h"
 
@@ -36,8 +34,6 @@ struct ClientMessage {
     std::uint8_t first_status = 0; ///< of the first packet, which is where a reset is asked for
     bool ignore = false;           ///< the client took the message back with its last packet
     std::string data;
-    /// The rows of a bulk load, which stand in no `data`: they still come while the message is worked on.
-    std::shared_ptr<PacketChannel> rows{};
 };
 
 /// Reads the next packet. Returns nothing when the peer closed, or was given up, before it. Throws

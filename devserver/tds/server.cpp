@@ -1,8 +1,8 @@
-// A thread for each client. See server.h.
+// A thread for each client, and one that listens and watches the requests of all. See server.h.
 #include "devserver/tds/server.h"
 
 #include <algorithm>
-#include <optional>
+#include <iterator>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -15,6 +15,10 @@ namespace {
 
 /// Clients beyond the limit that get an error at the same time; further clients are closed without one.
 constexpr std::size_t kRefusedAtATime = 32;
+/// How often the clients are watched while one of their requests runs, and while none does. So a request is
+/// cancelled at most so long after its client has asked for it.
+constexpr std::chrono::milliseconds kBusyTick{20};
+constexpr std::chrono::milliseconds kIdleTick{100};
 
 } // namespace
 
@@ -40,17 +44,28 @@ Server::Server(Engine& engine, const ServerOptions& options)
 Server::~Server() = default;
 
 void Server::Run() {
-    while (std::optional<Socket> socket = listener_.Accept()) {
-        Serve(std::move(*socket));
+    while (!stopped_) {
+        if (std::optional<Socket> socket = listener_.Accept(Watch())) {
+            Serve(std::move(*socket));
+        }
     }
-    for (const std::unique_ptr<Client>& client : clients_) {
-        client->connection.Stop();
-    }
-    clients_.clear();
+    End(clients_.begin(), clients_.end());
 }
 
 void Server::Stop() {
+    stopped_ = true;
     listener_.Wake();
+}
+
+std::optional<std::chrono::milliseconds> Server::Watch() {
+    if (Reap() == 0) {
+        return std::nullopt;
+    }
+    bool busy = false;
+    for (const std::unique_ptr<Client>& client : clients_) {
+        busy = client->connection.Watch() || busy;
+    }
+    return busy ? kBusyTick : kIdleTick;
 }
 
 void Server::Serve(Socket socket) {
@@ -83,9 +98,21 @@ bool Server::MakeRoom() {
     if (silent == clients_.end()) {
         return false;
     }
-    (*silent)->connection.Stop();
-    clients_.erase(silent); // Waits for its thread, which has nothing more to do.
+    End(silent, std::next(silent));
     return true;
+}
+
+void Server::End(Clients::iterator first, Clients::iterator last) {
+    for (auto client = first; client != last; ++client) {
+        (*client)->connection.Stop();
+    }
+    for (auto client = first; client != last; ++client) {
+        while (!(*client)->ended) {
+            (*client)->connection.Watch();
+            std::this_thread::sleep_for(kBusyTick);
+        }
+    }
+    clients_.erase(first, last);
 }
 
 } // namespace devsql::tds

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
-#include <mutex>
+#include <optional>
 
 #include "devserver/engine/engine.h"
 #include "devserver/tds/socket.h"
@@ -41,17 +41,24 @@ class Server {
 
   private:
     struct Client;
+    using Clients = std::list<std::unique_ptr<Client>>;
 
     void Serve(Socket socket);
+    /// Watches the clients' requests. Returns after which time that is to be repeated: nothing if there is no
+    /// client.
+    std::optional<std::chrono::milliseconds> Watch();
     /// Forgets the clients that are gone. Returns how many are left.
     std::size_t Reap();
     /// Ends a client that holds a place and does not log in. Returns false if there is no such client.
     bool MakeRoom();
+    /// Ends these clients, also one that runs a request, and forgets them.
+    void End(Clients::iterator first, Clients::iterator last);
 
     Engine& engine_;
     ServerOptions options_;
     Listener listener_;
-    std::list<std::unique_ptr<Client>> clients_; ///< touched by the thread in Run alone
+    std::atomic<bool> stopped_ = false;
+    Clients clients_; ///< touched by the thread in Run alone
 };
 
 } // namespace devsql::tds

@@ -77,6 +77,21 @@ bool Socket::ReadExactly(char* buffer, std::size_t size, const ReadWait& wait) c
     return true;
 }
 
+std::optional<char> Socket::Peek() const {
+    if (!WaitReadable(std::chrono::milliseconds(0))) {
+        return std::nullopt;
+    }
+    char byte = 0;
+    try {
+        if (system::Receive(handle_, &byte, 1, true) == 1) {
+            return byte;
+        }
+    } catch (const SocketError& error) {
+        throw ConnectionLost(error.what());
+    }
+    throw ConnectionLost("the peer has closed the connection");
+}
+
 void Socket::Write(std::string_view bytes) const {
     try {
         while (!bytes.empty()) {
@@ -109,16 +124,15 @@ void Socket::FinishWriting() const {
 
 Listener::Listener(std::uint16_t port) : handle_(ListenOn(port)), port_(system::PortOf(handle_)) {}
 
-std::optional<Socket> Listener::Accept() const {
-    for (;;) {
-        if (system::WaitReadable(handle_, &wake_.handle(), std::nullopt) == Readable::Second) {
-            return std::nullopt;
-        }
-        if (std::optional<system::SocketHandle> client = system::AcceptClient(handle_)) {
-            return Socket(std::move(*client));
-        }
-        std::this_thread::sleep_for(kAcceptPause);
+std::optional<Socket> Listener::Accept(std::optional<std::chrono::milliseconds> patience) const {
+    if (system::WaitReadable(handle_, &wake_.handle(), patience) != Readable::First) {
+        return std::nullopt;
     }
+    if (std::optional<system::SocketHandle> client = system::AcceptClient(handle_)) {
+        return Socket(std::move(*client));
+    }
+    std::this_thread::sleep_for(kAcceptPause);
+    return std::nullopt;
 }
 
 } // namespace devsql::tds

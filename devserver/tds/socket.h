@@ -30,6 +30,7 @@ using ReadWait = std::function<bool(const Socket&)>;
 ReadWait Until(std::chrono::steady_clock::time_point deadline);
 
 /// A connected stream. Reading and writing may be done by two threads at a time, one each; Shutdown by any.
+/// While nobody reads, any thread may peek.
 class Socket {
   public:
     explicit Socket(system::SocketHandle handle) : handle_(std::move(handle)) {}
@@ -40,6 +41,9 @@ class Socket {
     /// ConnectionLost when that happened within, or when the network failed. Without `wait` it waits for
     /// ever.
     bool ReadExactly(char* buffer, std::size_t size, const ReadWait& wait = {}) const;
+    /// The next byte that has come, which stays to be read; nothing if none has. Does not wait. Throws
+    /// ConnectionLost, also when the peer has closed.
+    std::optional<char> Peek() const;
     /// Writes all, waiting as long as the peer takes to read. Throws ConnectionLost.
     void Write(std::string_view bytes) const;
     /// Ends both directions: a thread that waits in a read or a write returns.
@@ -73,9 +77,10 @@ class Listener {
     explicit Listener(std::uint16_t port);
 
     std::uint16_t port() const { return port_; }
-    /// The next client; nothing after Wake. Failures that pass (no descriptors left) are waited out.
-    std::optional<Socket> Accept() const;
-    /// Makes Accept return nothing, also later. May be called from any thread.
+    /// The next client; nothing after Wake, when none comes within `patience` (without one it waits for
+    /// ever), or when the client could not be taken: it has gone already, or no descriptor is left.
+    std::optional<Socket> Accept(std::optional<std::chrono::milliseconds> patience) const;
+    /// Makes Accept return at once, also later. May be called from any thread.
     void Wake() const { wake_.Wake(); }
 
   private:

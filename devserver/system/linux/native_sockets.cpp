@@ -62,9 +62,9 @@ Readable WaitReadable(const SocketHandle& first, const SocketHandle* second,
     }
 }
 
-std::size_t Receive(const SocketHandle& socket, char* buffer, std::size_t size) {
+std::size_t Receive(const SocketHandle& socket, char* buffer, std::size_t size, bool keep) {
     for (;;) {
-        const ssize_t got = recv(native::Of(socket), buffer, size, 0);
+        const ssize_t got = recv(native::Of(socket), buffer, size, keep ? MSG_PEEK : 0);
         if (got >= 0) {
             return static_cast<std::size_t>(got);
         }

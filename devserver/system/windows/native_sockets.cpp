@@ -71,8 +71,8 @@ Readable WaitReadable(const SocketHandle& first, const SocketHandle* second,
     return count == 2 && entries[1].revents != 0 ? Readable::Second : Readable::First;
 }
 
-std::size_t Receive(const SocketHandle& socket, char* buffer, std::size_t size) {
-    const int got = recv(native::Of(socket), buffer, native::Length(size), 0);
+std::size_t Receive(const SocketHandle& socket, char* buffer, std::size_t size, bool keep) {
+    const int got = recv(native::Of(socket), buffer, native::Length(size), keep ? MSG_PEEK : 0);
     if (got == SOCKET_ERROR) {
         native::Fail("recv");
     }

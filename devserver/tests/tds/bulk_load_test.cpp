@@ -17,7 +17,7 @@ using fakes::Summary;
 using fakes::TdsClient;
 using fakes::Utf16;
 using Step = BulkRows::Step;
-using State = PacketChannel::State;
+using State = BulkReader::State;
 
 /// Two columns, an int and an nvarchar(100), in the form since TDS 7.2.
 std::string Columns() {
@@ -34,12 +34,25 @@ std::string Row(std::uint8_t number, std::string_view text) {
 
 class TdsBulkReader : public testing::Test {
   protected:
+    /// The packets of a message that has these parts and ends so.
+    static std::function<ClientPacket()> Message(std::vector<std::string> parts, State end = State::Whole) {
+        return [parts = std::move(parts), end, next = std::size_t{0}]() mutable -> ClientPacket {
+            if (next == parts.size()) {
+                throw ConnectionLost("gone");
+            }
+            const bool last = next + 1 == parts.size() && end != State::Lost;
+            const int status = (last ? packet_status::kEndOfMessage : 0) |
+                               (last && end == State::TakenBack ? packet_status::kIgnore : 0);
+            return {PacketType::BulkLoad, static_cast<std::uint8_t>(status), parts[next++]};
+        };
+    }
+
     /// Reads `data`: each row as "7 x ", then "end", "gone" or an error number.
     std::string ReadAll(const std::string& data, State end = State::Whole, Version version = Version::V74) {
-        PacketChannel packets;
-        packets.Put(data);
-        packets.End(end);
-        BulkReader reader(packets, version);
+        return ReadAll(Message({data}, end), version);
+    }
+    static std::string ReadAll(std::function<ClientPacket()> packets, Version version = Version::V74) {
+        BulkReader reader(std::move(packets), version);
         std::string text;
         std::vector<Value> row;
         for (;;) {
@@ -72,25 +85,10 @@ TEST_F(TdsBulkReader, ReadsRows) {
 TEST_F(TdsBulkReader, RowsCanBeSplitAnywhere) {
     const std::string data = Columns() + Row(7, "x") + Row(8, std::string(90, 'y')) + kDone;
     for (std::size_t cut = 0; cut <= data.size(); ++cut) {
-        PacketChannel packets;
-        packets.Put(data.substr(0, cut));
-        BulkReader reader(packets, Version::V74);
-        std::vector<Value> row;
-        std::size_t rows = 0;
-        Step step = reader.Next(row);
-        for (; step == Step::Row; step = reader.Next(row)) {
-            ++rows;
-        }
-        ASSERT_EQ(step, Step::Waiting)
-            << cut; // Also after DONE: the client can still mark the message ignored.
-        packets.Put(data.substr(cut));
-        packets.End(State::Whole);
-        while ((step = reader.Next(row)) == Step::Row) {
-            ++rows;
-        }
-        ASSERT_EQ(step, Step::End) << cut;
-        ASSERT_EQ(rows, 2U) << cut;
-        ASSERT_EQ(row[1], Value(std::string(90, 'y'))) << cut;
+        const std::vector<std::string> parts{data.substr(0, cut), data.substr(cut)};
+        ASSERT_EQ(ReadAll(Message(parts)), "7 x 8 " + std::string(90, 'y') + " end") << cut;
+        // Also after DONE the client can still take the message back.
+        ASSERT_TRUE(ReadAll(Message({parts[0], parts[1], ""}, State::TakenBack)).ends_with("gone")) << cut;
     }
 }
 
@@ -115,6 +113,16 @@ TEST_F(TdsBulkReader, AnIncompleteMessageDoesNotEndTheLoad) {
     EXPECT_EQ(ReadAll(rows, State::Lost), "7 x gone");
 }
 
+TEST_F(TdsBulkReader, APacketThatCannotBeIsTheLoadsError) {
+    const auto packets = [first = true, rows = Columns() + Row(7, "x")]() mutable -> ClientPacket {
+        if (!std::exchange(first, false)) {
+            throw ProtocolError(error_number::kPacketLength, kFatalSeverity, "too long");
+        }
+        return {PacketType::BulkLoad, 0, rows};
+    };
+    EXPECT_EQ(ReadAll(packets), "7 x 17836");
+}
+
 TEST_F(TdsBulkReader, InvalidBytesAreErrors) {
     EXPECT_EQ(ReadAll(""), "4002");
     EXPECT_EQ(ReadAll(Row(7, "x") + kDone), "4002");
@@ -126,10 +134,7 @@ TEST_F(TdsBulkReader, InvalidBytesAreErrors) {
 }
 
 TEST_F(TdsBulkReader, TheErrorOfAWrongColumnNamesTheColumn) {
-    PacketChannel packets;
-    packets.Put(FromHex("81 0100 00000000 0000 26 09"));
-    packets.End(State::Whole);
-    BulkReader reader(packets, Version::V74);
+    BulkReader reader(Message({FromHex("81 0100 00000000 0000 26 09")}), Version::V74);
     std::vector<Value> row;
     EXPECT_EQ(reader.Next(row), Step::Gone);
     ASSERT_TRUE(reader.error());
