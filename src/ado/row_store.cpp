@@ -11,8 +11,12 @@
 namespace ado {
 namespace {
 
-/// A chunk of this size takes no further row.
-constexpr std::size_t kChunkBytes = std::size_t{1024} * 1024;
+/// The memory of a chunk, and of the first one at its beginning: a small result stays small.
+constexpr std::size_t kChunkBytes = platform::kLargePageBytes;
+constexpr std::size_t kFirstBytes = 256;
+/// A chunk with less room than this takes no further row, so that a chunk seldom has to grow for its last
+/// row.
+constexpr std::size_t kRowBytes = kChunkBytes / 64;
 
 /// The lower four bits of a value's first byte are its kind: the index of its type in the variant.
 template <class T, std::size_t Index = 0>
@@ -38,19 +42,24 @@ char FirstByte(std::size_t kind, std::uint64_t number = 0) {
 // Whole numbers are packed into as few bytes as they need: seven bits to a byte, the lowest first; the top
 // bit says that another byte follows.
 
-void PutNumber(std::string& to, std::uint64_t number) {
+/// The most bytes that a number takes.
+constexpr std::size_t kLongestNumber = (64 + 6) / 7;
+
+/// Each of these functions returns the end of the written bytes.
+char* PutNumber(char* to, std::uint64_t number) {
     while (number >= 0x80) {
-        to += static_cast<char>((number & 0x7F) | 0x80);
+        *to++ = static_cast<char>((number & 0x7F) | 0x80);
         number >>= 7U;
     }
-    to += static_cast<char>(number);
+    *to++ = static_cast<char>(number);
+    return to;
 }
 
-/// The number at `offset`, which is moved to the byte after it.
-std::uint64_t TakeNumber(const std::string& from, std::size_t& offset) {
+/// The number at `from`, which is moved to the byte after it.
+std::uint64_t TakeNumber(const char*& from) {
     std::uint64_t number = 0;
     for (unsigned shift = 0;; shift += 7) {
-        const auto byte = static_cast<unsigned char>(from[offset++]);
+        const auto byte = static_cast<unsigned char>(*from++);
         number |= std::uint64_t{byte & 0x7FU} << shift;
         if (byte < 0x80) {
             return number;
@@ -68,22 +77,24 @@ std::int64_t FromZigzag(std::uint64_t bits) {
 }
 
 template <class T>
-void PutRaw(std::string& to, std::size_t kind, const T& value) {
+char* PutRaw(char* to, std::size_t kind, const T& value) {
     static_assert(std::is_trivially_copyable_v<T>);
-    char packed[1 + sizeof value];
-    packed[0] = FirstByte(kind);
-    std::memcpy(packed + 1, &value, sizeof value);
-    to.append(packed, sizeof packed);
+    *to++ = FirstByte(kind);
+    std::memcpy(to, &value, sizeof value);
+    return to + sizeof value;
 }
 
-/// Appends the first byte of a value, with the number in it or after it.
-void PutCounted(std::string& to, std::size_t kind, std::uint64_t number) {
+/// The most bytes that a value takes before its text.
+constexpr std::size_t kLongestHead = 1 + kLongestNumber;
+
+/// Writes the first byte of a value, with the number in it or after it.
+char* PutCounted(char* to, std::size_t kind, std::uint64_t number) {
     if (number < kFollows) {
-        to += FirstByte(kind, number);
-    } else {
-        to += FirstByte(kind, kFollows);
-        PutNumber(to, number);
+        *to++ = FirstByte(kind, number);
+        return to;
     }
+    *to++ = FirstByte(kind, kFollows);
+    return PutNumber(to, number);
 }
 
 struct Putter {
@@ -104,32 +115,32 @@ struct Putter {
 /// Reads the values of a row, one after the other.
 class Reader {
   public:
-    Reader(const std::string& from, std::size_t& offset) : from_(from), offset_(offset) {}
+    explicit Reader(const char* at) : at_(at) {}
 
     Variant Next() {
         static constexpr std::array<Variant (Reader::*)(), std::variant_size_v<Variant::Storage>> kKinds = {
             &Reader::Empty,       &Reader::Nothing, &Reader::Boolean,   &Reader::Whole,  &Reader::Raw<float>,
             &Reader::Raw<double>, &Reader::Exact,   &Reader::Raw<Date>, &Reader::String, &Reader::Bytes};
-        const auto byte = static_cast<unsigned char>(from_[offset_++]);
+        const auto byte = static_cast<unsigned char>(*at_++);
         number_ = byte >> kKindBits;
         return (this->*kKinds.at(byte & kKindMask))();
     }
 
     void Skip() {
-        const auto byte = static_cast<unsigned char>(from_[offset_++]);
+        const auto byte = static_cast<unsigned char>(*at_++);
         number_ = byte >> kKindBits;
         switch (byte & kKindMask) {
         case KindOf<std::int64_t>():
             Number();
             break;
         case KindOf<float>():
-            offset_ += sizeof(float);
+            at_ += sizeof(float);
             break;
         case KindOf<double>():
-            offset_ += sizeof(double);
+            at_ += sizeof(double);
             break;
         case KindOf<Date>():
-            offset_ += sizeof(Date);
+            at_ += sizeof(Date);
             break;
         case KindOf<Decimal>():
         case KindOf<std::string>():
@@ -140,6 +151,9 @@ class Reader {
             break;
         }
     }
+
+    /// The byte after the last value.
+    const char* At() const { return at_; }
 
   private:
     Variant Empty() { return {}; }
@@ -152,19 +166,18 @@ class Reader {
     template <class T>
     Variant Raw() {
         T value;
-        std::memcpy(&value, from_.data() + offset_, sizeof value);
-        offset_ += sizeof value;
+        std::memcpy(&value, at_, sizeof value);
+        at_ += sizeof value;
         return value;
     }
 
-    std::uint64_t Number() { return number_ < kFollows ? number_ : TakeNumber(from_, offset_); }
+    std::uint64_t Number() { return number_ < kFollows ? number_ : TakeNumber(at_); }
     std::string_view Text() {
         const auto size = static_cast<std::size_t>(Number());
-        return std::string_view(from_).substr(std::exchange(offset_, offset_ + size), size);
+        return {std::exchange(at_, at_ + size), size};
     }
 
-    const std::string& from_;
-    std::size_t& offset_;
+    const char* at_;
     std::uint64_t number_ = 0; ///< of the value's first byte
 };
 
@@ -177,42 +190,60 @@ void RowStore::Append(const std::vector<Variant>& row) {
     }
 }
 
+RowStore::Chunk::Chunk(std::size_t row, std::size_t bytes)
+    : first_row(row), values(platform::AllocateBlock(bytes)), capacity(bytes) {}
+
+void RowStore::Chunk::Reserve(std::size_t bytes) {
+    platform::MemoryBlock larger = platform::AllocateBlock(bytes);
+    std::copy_n(values.get(), size, larger.get());
+    values = std::move(larger);
+    capacity = bytes;
+}
+
 void RowStore::BeginRow() {
-    if (chunks_.empty() || Values().size() >= kChunkBytes) {
-        const bool first = chunks_.empty();
-        if (!first) {
-            chunks_.back().row_starts.shrink_to_fit();
-        }
-        Chunk& chunk = chunks_.emplace_back();
-        chunk.first_row = row_count_;
-        if (!first) { // the first chunk grows as needed: a small result stays small
-            chunk.values.reserve(kChunkBytes + kChunkBytes / 64);
-        }
+    if (chunks_.empty()) {
+        chunks_.emplace_back(row_count_, kFirstBytes);
+    } else if (chunks_.back().size + kRowBytes > kChunkBytes) {
+        chunks_.back().row_starts.shrink_to_fit();
+        chunks_.emplace_back(row_count_, kChunkBytes);
     }
-    chunks_.back().row_starts.push_back(static_cast<std::uint32_t>(Values().size()));
+    chunks_.back().row_starts.push_back(static_cast<std::uint32_t>(chunks_.back().size));
     ++row_count_;
 }
 
+char* RowStore::Room(std::size_t bytes) {
+    Chunk& chunk = chunks_.back();
+    if (chunk.capacity - chunk.size < bytes) {
+        chunk.Reserve(std::max(chunk.capacity * 2, chunk.size + bytes));
+    }
+    return chunk.values.get() + chunk.size;
+}
+
+void RowStore::Wrote(const char* end) {
+    Chunk& chunk = chunks_.back();
+    chunk.size = static_cast<std::size_t>(end - chunk.values.get());
+}
+
 void RowStore::PutEmpty() {
-    Values() += FirstByte(KindOf<std::monostate>());
+    Wrote(PutCounted(Room(1), KindOf<std::monostate>(), 0));
 }
 void RowStore::PutNull() {
-    Values() += FirstByte(KindOf<Null>());
+    Wrote(PutCounted(Room(1), KindOf<Null>(), 0));
 }
 void RowStore::PutBoolean(bool value) {
-    Values() += FirstByte(KindOf<bool>(), value ? 1 : 0);
+    Wrote(PutCounted(Room(1), KindOf<bool>(), value ? 1 : 0));
 }
 void RowStore::PutWhole(std::int64_t value) {
-    PutCounted(Values(), KindOf<std::int64_t>(), Zigzag(value));
+    Wrote(PutCounted(Room(kLongestHead), KindOf<std::int64_t>(), Zigzag(value)));
 }
 void RowStore::PutSingle(float value) {
-    PutRaw(Values(), KindOf<float>(), value);
+    Wrote(PutRaw(Room(1 + sizeof value), KindOf<float>(), value));
 }
 void RowStore::PutDouble(double value) {
-    PutRaw(Values(), KindOf<double>(), value);
+    Wrote(PutRaw(Room(1 + sizeof value), KindOf<double>(), value));
 }
 void RowStore::PutDate(const Date& value) {
-    PutRaw(Values(), KindOf<Date>(), value);
+    Wrote(PutRaw(Room(1 + sizeof value), KindOf<Date>(), value));
 }
 void RowStore::PutDecimal(std::string_view digits) {
     PutSized(KindOf<Decimal>(), digits);
@@ -231,39 +262,41 @@ void RowStore::PutWideText(std::u16string_view text) {
 }
 
 void RowStore::PutSized(std::size_t kind, std::string_view bytes) {
-    PutCounted(Values(), kind, bytes.size());
-    Values() += bytes;
+    char* const at = PutCounted(Room(kLongestHead + bytes.size()), kind, bytes.size());
+    Wrote(std::copy(bytes.begin(), bytes.end(), at));
 }
 
 void RowStore::PutWideSized(std::size_t kind, std::u16string_view text) {
-    std::string& values = Values();
-    const std::size_t begin = values.size();
-    PutCounted(values, kind, text.size());
-    const std::size_t text_begin = values.size();
-    text::AppendNarrow(values, text);
-    const std::size_t size = values.size() - text_begin;
-    if (size != text.size()) { // a character of two UTF-16 units became one byte
-        const std::string narrow = values.substr(text_begin);
-        values.resize(begin);
-        PutSized(kind, narrow);
+    char* const begin = Room(kLongestHead + text.size());
+    char* const narrow = PutCounted(begin, kind, text.size());
+    const char* const end = text::NarrowTo(narrow, text);
+    const auto size = static_cast<std::size_t>(end - narrow);
+    if (size == text.size()) {
+        Wrote(end);
+        return;
     }
+    // A character of two UTF-16 units became one byte. The smaller number may take fewer bytes.
+    char* const moved = PutCounted(begin, kind, size);
+    std::memmove(moved, narrow, size);
+    Wrote(moved + size);
 }
 
 void RowStore::Read(Place& place, std::vector<Variant>& row) const {
-    if (place.offset == chunks_[place.chunk].values.size()) {
+    if (place.offset == chunks_[place.chunk].size) {
         ++place.chunk;
         place.offset = 0;
     }
-    Reader reader(chunks_[place.chunk].values, place.offset);
+    const char* const values = chunks_[place.chunk].values.get();
+    Reader reader(values + place.offset);
     for (Variant& value : row) {
         value = reader.Next();
     }
+    place.offset = static_cast<std::size_t>(reader.At() - values);
 }
 
 Variant RowStore::Value(std::size_t row, std::size_t column) const {
     const Chunk& chunk = *(std::ranges::upper_bound(chunks_, row, {}, &Chunk::first_row) - 1);
-    std::size_t offset = chunk.row_starts[row - chunk.first_row];
-    Reader reader(chunk.values, offset);
+    Reader reader(chunk.values.get() + chunk.row_starts[row - chunk.first_row]);
     for (; column > 0; --column) {
         reader.Skip();
     }
@@ -273,7 +306,7 @@ Variant RowStore::Value(std::size_t row, std::size_t column) const {
 std::size_t RowStore::Bytes() const {
     std::size_t bytes = chunks_.capacity() * sizeof(Chunk);
     for (const Chunk& chunk : chunks_) {
-        bytes += chunk.values.capacity() + chunk.row_starts.capacity() * sizeof(std::uint32_t);
+        bytes += chunk.capacity + chunk.row_starts.capacity() * sizeof(std::uint32_t);
     }
     return bytes;
 }

@@ -5,11 +5,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "ado/variant.h"
+#include "platform/memory_block.h"
 
 namespace ado {
 
@@ -56,12 +56,20 @@ class RowStore {
     /// Each row lies in one chunk. A buffer that grows is held twice while it is copied; with chunks only the
     /// last one is.
     struct Chunk {
-        std::size_t first_row = 0;
+        Chunk(std::size_t first_row, std::size_t bytes);
+
+        std::size_t first_row;
         std::vector<std::uint32_t> row_starts;
-        std::string values;
+        platform::MemoryBlock values;
+        std::size_t size = 0; ///< of the values, in bytes
+        std::size_t capacity;
+
+        void Reserve(std::size_t bytes);
     };
 
-    std::string& Values() { return chunks_.back().values; }
+    /// Where the next value of the current row is written; there is room for `bytes`. Wrote ends the writing.
+    char* Room(std::size_t bytes);
+    void Wrote(const char* end);
     void PutSized(std::size_t kind, std::string_view bytes);
     void PutWideSized(std::size_t kind, std::u16string_view text);
 

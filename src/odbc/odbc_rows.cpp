@@ -51,6 +51,7 @@ struct RowReader::State {
     Statement* statement = nullptr;
     std::vector<Column> columns;
     std::vector<BoundColumn> bound; ///< of the columns before the first long one
+    std::vector<CellView> cells;    ///< the current row's values in them
     std::vector<SQLUSMALLINT> row_status;
     std::vector<char> piece;
     std::string whole; ///< the long value that was read last
@@ -64,7 +65,8 @@ struct RowReader::State {
     void BindAll();
     bool BlockFailed() const;
     bool FetchBlock();
-    CellView BoundView(std::size_t column, std::size_t row) const;
+    void ReadCells();
+    [[noreturn]] void FailCut(std::size_t column, SQLLEN indicator) const;
     CellView LongView(std::size_t column);
     void Release() noexcept;
 };
@@ -94,6 +96,7 @@ void RowReader::State::Layout() {
         column.indicators.resize(block_rows);
     }
     row_status.resize(block_rows);
+    cells.resize(bound.size());
 }
 
 void RowReader::State::BindAll() {
@@ -137,25 +140,30 @@ bool RowReader::State::FetchBlock() {
     return got;
 }
 
-CellView RowReader::State::BoundView(std::size_t column, std::size_t row) const {
-    const BoundColumn& buffer = bound[column];
-    const SQLLEN indicator = buffer.indicators[row];
-    if (indicator == SQL_NULL_DATA) {
-        return {};
+void RowReader::State::ReadCells() {
+    const std::size_t row = next;
+    CellView* cell = cells.data();
+    for (const BoundColumn& column : bound) {
+        const SQLLEN indicator = column.indicators[row];
+        if (indicator == SQL_NULL_DATA) {
+            *cell++ = {};
+            continue;
+        }
+        // A negative indicator becomes a size that is too large.
+        const std::size_t size = column.varies ? static_cast<std::size_t>(indicator) : column.width;
+        if (size > column.room) {
+            FailCut(static_cast<std::size_t>(cell - cells.data()), indicator);
+        }
+        *cell++ = {column.kind, column.data.data() + row * column.width, size};
     }
-    const char* const data = buffer.data.data() + row * buffer.width;
-    if (!buffer.varies) {
-        return {buffer.kind, data, buffer.width};
-    }
-    if (indicator < 0 || static_cast<std::size_t>(indicator) > buffer.room) {
-        Diagnostic cut;
-        cut.sql_state = "01004";
-        cut.message = "The column '" + columns[column].name + "' holds a value of " +
-                      std::to_string(indicator) + " bytes, more than the " + std::to_string(buffer.room) +
-                      " of its description";
-        throw OdbcError("SQLFetch", {std::move(cut)});
-    }
-    return {buffer.kind, data, static_cast<std::size_t>(indicator)};
+}
+
+void RowReader::State::FailCut(std::size_t column, SQLLEN indicator) const {
+    Diagnostic cut;
+    cut.sql_state = "01004";
+    cut.message = "The column '" + columns[column].name + "' holds a value of " + std::to_string(indicator) +
+                  " bytes, more than the " + std::to_string(bound[column].room) + " of its description";
+    throw OdbcError("SQLFetch", {std::move(cut)});
 }
 
 CellView RowReader::State::LongView(std::size_t column) {
@@ -199,6 +207,8 @@ RowReader::RowReader(Statement& statement) : state_(std::make_unique<State>()) {
     state_->ended = statement.KnownEmpty();
     state_->Layout();
     state_->BindAll();
+    cells_ = state_->cells.data();
+    bound_ = state_->cells.size();
 }
 
 RowReader::RowReader(RowReader&&) noexcept = default;
@@ -211,11 +221,15 @@ const std::vector<Column>& RowReader::Columns() const {
 bool RowReader::NextRow() {
     State& state = *state_;
     ++state.next;
-    return state.next < state.fetched || (!state.ended && state.FetchBlock());
+    if (state.next >= state.fetched && (state.ended || !state.FetchBlock())) {
+        return false;
+    }
+    state.ReadCells();
+    return true;
 }
 
-CellView RowReader::View(std::size_t column) {
-    return column < state_->bound.size() ? state_->BoundView(column, state_->next) : state_->LongView(column);
+CellView RowReader::LongView(std::size_t column) {
+    return state_->LongView(column);
 }
 
 bool RowReader::Next(std::vector<Value>& row) {

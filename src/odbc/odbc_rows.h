@@ -62,11 +62,17 @@ class RowReader {
     /// The same without a copy. NextRow goes to the next row; View then returns its values, each once and in
     /// the order of the columns. A view is valid until the next call.
     bool NextRow();
-    CellView View(std::size_t column);
+    CellView View(std::size_t column) { return column < bound_ ? cells_[column] : LongView(column); }
 
   private:
     struct State;
+
+    CellView LongView(std::size_t column);
+
     std::unique_ptr<State> state_;
+    // The current row's values in the bound columns. They are here because View is called for each value.
+    const CellView* cells_ = nullptr;
+    std::size_t bound_ = 0;
 };
 
 } // namespace odbc

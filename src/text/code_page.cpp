@@ -44,31 +44,28 @@ std::u16string Widen(std::string_view text) {
 }
 
 std::string Narrow(std::u16string_view text) {
-    std::string narrow;
-    AppendNarrow(narrow, text);
+    std::string narrow(text.size(), '\0');
+    narrow.resize(static_cast<std::size_t>(NarrowTo(narrow.data(), text) - narrow.data()));
     return narrow;
 }
 
-void AppendNarrow(std::string& to, std::u16string_view text) {
-    const std::size_t begin = to.size();
-    to.resize(begin + text.size());
-    char* next = to.data() + begin;
+char* NarrowTo(char* to, std::u16string_view text) {
+    const char16_t* const __restrict from = text.data();
+    char* const __restrict ascii = to;
     char16_t seen = 0;
-    for (const char16_t unit : text) {
-        seen |= unit;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        seen |= from[i];
+        ascii[i] = static_cast<char>(from[i]);
     }
     if (seen < kFirstOdd) { // most text is ASCII and needs no conversion
-        for (const char16_t unit : text) {
-            *next++ = static_cast<char>(unit);
-        }
-        return;
+        return to + text.size();
     }
     for (const char16_t unit : text) {
         if (!IsLowSurrogate(unit)) { // the high surrogate before it has become the "?"
-            *next++ = NarrowCharacter(unit).value_or('?');
+            *to++ = NarrowCharacter(unit).value_or('?');
         }
     }
-    to.resize(static_cast<std::size_t>(next - to.data()));
+    return to;
 }
 
 } // namespace text

@@ -16,7 +16,7 @@ std::optional<char> NarrowCharacter(char32_t character);
 std::u16string Widen(std::string_view text);
 /// A character that the code page lacks becomes one "?", also if it takes two UTF-16 units.
 std::string Narrow(std::u16string_view text);
-/// The same, appended to `to`.
-void AppendNarrow(std::string& to, std::u16string_view text);
+/// The same, written to `to`, which has room for text.size() bytes. Returns the end of the written bytes.
+char* NarrowTo(char* to, std::u16string_view text);
 
 } // namespace text

@@ -57,6 +57,22 @@ TEST(RowStore, WideTextIsConvertedToTheCodePage) {
     EXPECT_EQ(store.Value(0, 3), Variant(Decimal{"-1.50"}));
 }
 
+TEST(RowStore, WideTextThatBecomesShorterIsKeptAtEverySize) {
+    // The number of its UTF-16 units takes more bytes than the number of its characters.
+    for (const std::size_t characters : {8U, 14U, 15U, 64U, 127U, 128U, 20000U}) {
+        std::u16string wide;
+        for (std::size_t i = 0; i < characters; ++i) {
+            wide += u"\U0001F600";
+        }
+        RowStore store;
+        store.BeginRow();
+        store.PutWideText(wide + u"end");
+        store.PutWhole(7);
+        EXPECT_EQ(store.Value(0, 0), Variant(std::string(characters, '?') + "end")) << characters;
+        EXPECT_EQ(store.Value(0, 1), Variant(7)) << characters;
+    }
+}
+
 TEST(RowStore, PositionsReachAllChunks) {
     RowStore store;
     const std::string big(3000000, 'x');
