@@ -90,6 +90,7 @@ Parameter ParameterOf(const CatalogueRow& row) {
     parameter.Name(row.Text(kColumnName));
     parameter.Direction(row.Direction());
     parameter.Type(type.number);
+    parameter.ServerType(row.Text(kTypeName));
     parameter.Attributes((type.is_signed ? adParamSigned : 0) |
                          (row.Number(kNullable) != 0 ? adParamNullable : 0) |
                          (type.kind == TypeKind::Long ? adParamLong : 0));

@@ -39,6 +39,9 @@ class Parameter {
     /// Digits after the decimal point.
     std::uint8_t NumericScale() const { return numeric_scale_; }
     void NumericScale(std::uint8_t value) { numeric_scale_ = value; }
+    /// The server's name for the type; empty if it is not known. Type has one number for several types.
+    const std::string& ServerType() const { return server_type_; }
+    void ServerType(const std::string& value) { server_type_ = value; }
     /// Digits in all.
     std::uint8_t Precision() const { return precision_; }
     void Precision(std::uint8_t value) { precision_ = value; }
@@ -59,6 +62,7 @@ class Parameter {
     std::string name_;
     std::uint8_t numeric_scale_ = 0;
     std::uint8_t precision_ = 0;
+    std::string server_type_;
     std::int32_t size_ = 0;
     std::int32_t type_ = 0;
     Variant value_;

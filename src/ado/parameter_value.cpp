@@ -199,11 +199,16 @@ constexpr DateRange kDateRanges[] = {
      }},
 };
 
+/// datetime2(3) has the precision of datetime, so the name is needed to tell them apart.
+bool IsDateTime2(const Parameter& parameter) {
+    return text::SameIgnoringCase(parameter.ServerType(), "datetime2");
+}
+
 /// A type that is not in the table (datetime2) holds every date; the parameter's NumericScale is the number
 /// of decimals of a second that it holds.
 void CheckRange(const Date& date, const Parameter& parameter) {
     for (const DateRange& range : kDateRanges) {
-        if (range.precision == parameter.Precision()) {
+        if (range.precision == parameter.Precision() && !IsDateTime2(parameter)) {
             const std::tuple<int, int, int> day = {date.year, date.month, date.day};
             if (day < range.first || day > range.last) {
                 throw kDateOutOfRange;
@@ -407,6 +412,9 @@ std::string Shortened(const std::string& text) {
 std::string DeclarationOf(const Parameter& parameter) {
     const AdoType& type = AdoTypeOf(parameter.Type());
     std::string text(type.server_name);
+    if (IsDateTime2(parameter)) {
+        return "datetime2(" + std::to_string(parameter.NumericScale()) + ")";
+    }
     if (type.number == adCurrency || type.number == adDBTimeStamp) {
         const bool small = parameter.Precision() ==
                            (type.number == adCurrency ? kSmallMoneyPrecision : kSmallDateTimePrecision);

@@ -108,6 +108,18 @@ class AdoCommand : public ::testing::Test {
     Command command_;
 };
 
+TEST_F(AdoCommand, AYearBefore1753IsPassedToADatetime2AndRefusedForADatetime) {
+    constexpr int kTimestamp = 93;
+    const auto call = [&](const std::string& type) {
+        Refresh({ReturnValue("sp"), Row("sp", "@at", 1, kTimestamp, type, 23, 3)})
+            .Item(1)
+            .Value("1600-02-29");
+        return NumberOf([&] { Execute({}); });
+    };
+    EXPECT_EQ(call("datetime2"), 0);
+    EXPECT_NE(call("datetime"), 0);
+}
+
 TEST_F(AdoCommand, RefreshTakesTheProceduresRowsOfTheCatalogue) {
     Parameters& parameters =
         Refresh({ReturnValue("sp;1"), Row("sp;1", "@n", 1, 3, "decimal", 12, 4),

@@ -234,6 +234,21 @@ TEST(ParameterValue, DatesThatTheTypeCannotHoldAreRefused) {
     EXPECT_EQ(Refused(Of(adDBTimeStamp, 0, 19, 0), "2024-02-29 12:34:57.5"), "22008");
 }
 
+TEST(ParameterValue, ADatetime2OfThreeDecimalsHoldsMoreThanADatetimeOfTheSamePrecision) {
+    Parameter three = Of(adDBTimeStamp, 0, 23, 3);
+    three.ServerType("datetime2");
+    EXPECT_EQ(Typed(three, "0001-01-01"), odbc::Value(Date{1, 1, 1, 0, 0, 0, 0}));
+    EXPECT_EQ(Typed(three, "12/31/1752"), odbc::Value(Date{1752, 12, 31, 0, 0, 0, 0}));
+    EXPECT_EQ(Typed(three, "9999-12-31 23:59:59.999"),
+              odbc::Value(Date{9999, 12, 31, 23, 59, 59, 999000000}));
+    EXPECT_EQ(Refused(three, "2024-02-29 12:34:57.1234"), "22008");
+    EXPECT_EQ(DeclarationOf(three), "datetime2(3)");
+    Parameter named = DateTime();
+    named.ServerType("datetime");
+    EXPECT_EQ(Refused(named, "12/31/1752"), "22008");
+    EXPECT_EQ(DeclarationOf(named), "datetime");
+}
+
 TEST(ParameterValue, ADateFromTheServerIsPassedBackWithItsFraction) {
     EXPECT_EQ(Typed(DateTime(), Date{2024, 2, 29, 12, 34, 57, 996666600}),
               odbc::Value(Date{2024, 2, 29, 12, 34, 57, 997000000}));
