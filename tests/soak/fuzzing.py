@@ -82,5 +82,6 @@ class UnderLibfuzzer:
         minutes, seconds = divmod(self.seconds, 60)
         self.part.count(f"harnesses run for {minutes} minutes" if seconds == 0 else f"harnesses run for {self.seconds} s")
         self.part.count("inputs tried", tried)
+        self.part.count(f"inputs tried by {self.harness}", tried)
         self.part.check(tried > 0, f"{self.harness}: its log has no number of inputs")
         self.part.say(f"{self.harness}: {tried:,} inputs tried in {self.seconds} s")

@@ -64,6 +64,11 @@ def figures(result):
     return "\n".join(lines) + "\n"
 
 
+def took(result):
+    minutes = result["seconds"] // 60
+    return f"{minutes} minutes" if minutes > 1 else f"{result['seconds']} seconds"
+
+
 def is_full(result):
     return all(result["counts"].get(what, 0) >= count for what, count in result["wanted"].items())
 
@@ -73,7 +78,7 @@ def section(result):
     title, text = TITLES[name]
     failures = len(result["failures"])
     lines = [f"## {title}", "", text, "",
-             f"`./soak {name}`, {result['date']}, {result['seconds'] // 60} minutes: "
+             f"`./soak {name}`, {result['date']}, {took(result)}: "
              f"{'no failure' if failures == 0 else f'**{failures} failures**'}. Machine: {machine()}.", ""]
     lines += [f"- {count:,} {what}" for what, count in result["counts"].items()]
     if not is_full(result):
