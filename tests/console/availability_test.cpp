@@ -8,6 +8,7 @@ namespace {
 
 using Fields = std::array<ServerFields, 2>;
 
+/// A server with only its login filled in.
 ServerFields Login() {
     return {"N", "u", "p", "", ""};
 }
@@ -20,13 +21,13 @@ Availability Decide(const Fields& fields, bool installed = true) {
     return WorkOutAvailability(fields, [installed] { return installed; });
 }
 
-std::array<bool, kMainTabs> Open(const Availability& availability) {
-    std::array<bool, kMainTabs> open{};
+std::array<bool, kMainTabs> EnabledTabs(const Availability& availability) {
+    std::array<bool, kMainTabs> enabled{};
     for (int tab = 0; tab < kMainTabs; ++tab) {
         const auto place = static_cast<std::size_t>(tab);
-        open.at(place) = availability.tabs.at(place).enabled;
+        enabled.at(place) = availability.tabs.at(place).enabled;
     }
-    return open;
+    return enabled;
 }
 
 // The columns are the tabs: General (always false here), Script, Synchronize, Upgrade, Replication, View
@@ -35,15 +36,16 @@ using Tabs = std::array<bool, kMainTabs>;
 
 TEST(AvailabilityTable, FromNothingToTwoCompleteServers) {
     const ServerFields none;
-    EXPECT_EQ(Open(Decide({none, none})), (Tabs{}));
-    EXPECT_EQ(Open(Decide({Login(), none})), (Tabs{false, false, false, true, false, true, true}));
-    EXPECT_EQ(Open(Decide({none, Login()})), (Tabs{false, false, false, true, false, true, true}));
-    EXPECT_EQ(Open(Decide({Login(), Login()})), (Tabs{false, false, true, true, false, true, true}));
-    EXPECT_EQ(Open(Decide({Complete(), none})), (Tabs{false, true, false, true, false, true, true}));
-    EXPECT_EQ(Open(Decide({none, Complete()})), (Tabs{false, true, false, true, false, true, true}));
-    EXPECT_EQ(Open(Decide({Complete(), Login()})), (Tabs{false, true, true, true, false, true, true}));
-    EXPECT_EQ(Open(Decide({Complete(), Complete()})), (Tabs{false, true, true, true, true, true, true}));
-    EXPECT_EQ(Open(Decide({Complete(), Complete()}, false)),
+    EXPECT_EQ(EnabledTabs(Decide({none, none})), (Tabs{}));
+    EXPECT_EQ(EnabledTabs(Decide({Login(), none})), (Tabs{false, false, false, true, false, true, true}));
+    EXPECT_EQ(EnabledTabs(Decide({none, Login()})), (Tabs{false, false, false, true, false, true, true}));
+    EXPECT_EQ(EnabledTabs(Decide({Login(), Login()})), (Tabs{false, false, true, true, false, true, true}));
+    EXPECT_EQ(EnabledTabs(Decide({Complete(), none})), (Tabs{false, true, false, true, false, true, true}));
+    EXPECT_EQ(EnabledTabs(Decide({none, Complete()})), (Tabs{false, true, false, true, false, true, true}));
+    EXPECT_EQ(EnabledTabs(Decide({Complete(), Login()})), (Tabs{false, true, true, true, false, true, true}));
+    EXPECT_EQ(EnabledTabs(Decide({Complete(), Complete()})),
+              (Tabs{false, true, true, true, true, true, true}));
+    EXPECT_EQ(EnabledTabs(Decide({Complete(), Complete()}, false)),
               (Tabs{false, true, true, true, false, true, true}));
 }
 
@@ -53,14 +55,14 @@ TEST(AvailabilityTable, EachFieldCounts) {
     for (const auto field : login_fields) {
         ServerFields server = Complete();
         (server.*field).clear();
-        EXPECT_EQ(Open(Decide({server, ServerFields{}})), (Tabs{}));
+        EXPECT_EQ(EnabledTabs(Decide({server, ServerFields{}})), (Tabs{}));
     }
     std::string ServerFields::*const path_fields[] = {&ServerFields::data_path,
                                                       &ServerFields::replication_path};
     for (const auto field : path_fields) {
         ServerFields server = Complete();
         (server.*field).clear();
-        EXPECT_EQ(Open(Decide({server, ServerFields{}})),
+        EXPECT_EQ(EnabledTabs(Decide({server, ServerFields{}})),
                   (Tabs{false, false, false, true, false, true, true}));
     }
 }

@@ -11,7 +11,7 @@ class DatabaseTabs : public ConsoleTest {
         RememberServer(1);
         SqlServerInstalled("TRUE");
     }
-    /// Opens the tab of a running window with these databases on both servers.
+    /// Loads the window and opens a tab, with the databases "master" and "Batch" on both servers.
     void StartOn(MainTab tab) {
         Start();
         Databases({"master", "Batch"}, 2);
@@ -22,6 +22,7 @@ class DatabaseTabs : public ConsoleTest {
         ado_.calls.clear();
     }
     Lines Statements() const { return ado_.Statements(); }
+    /// Checks that a command has ended: its button is enabled and has the focus, and the hourglass is gone.
     void ExpectButtonBack(const char* name) {
         EXPECT_TRUE(Button(name).Enabled());
         EXPECT_EQ(Form().Focused(), &Button(name));

@@ -51,6 +51,7 @@ class ScriptTabTest : public ConsoleTest {
             Tick(name);
         }
     }
+    /// Chooses that scripts are run after they have been created.
     void AlsoInstall() { ASSERT_TRUE(ui::Click(Option("optCreateInstallScriptFiles", 1))); }
 
     /// Presses the button and records the texts of the status line.
@@ -71,12 +72,14 @@ class ScriptTabTest : public ConsoleTest {
         }
         return calls;
     }
+    /// Checks that the command has ended: its button is enabled and has the focus, and the hourglass is gone.
     void ExpectButtonBack() {
         EXPECT_TRUE(Button("cmdCreateInstall").Enabled());
         EXPECT_EQ(Form().Focused(), &Button("cmdCreateInstall"));
         EXPECT_EQ(screen_.pointer, 0);
     }
 
+    /// Calls Record for each change of the form.
     class Watch final : public ui::Mirror {
       public:
         explicit Watch(ScriptTabTest& test) : test_(test) {}

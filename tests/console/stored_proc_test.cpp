@@ -9,8 +9,9 @@ namespace {
 using ado::Null;
 using fakes::AdoAnswer;
 
-ado::Parameter Live(const std::string& name, std::int32_t direction = ado::adParamInput,
-                    ado::Variant value = {}) {
+/// A parameter as the server lists it, of the type VarChar.
+ado::Parameter Listed(const std::string& name, std::int32_t direction = ado::adParamInput,
+                      ado::Variant value = {}) {
     ado::Parameter parameter;
     parameter.Name(name);
     parameter.Direction(direction);
@@ -19,7 +20,7 @@ ado::Parameter Live(const std::string& name, std::int32_t direction = ado::adPar
     return parameter;
 }
 
-AdoAnswer List(std::vector<ado::Parameter> parameters) {
+AdoAnswer ParameterList(std::vector<ado::Parameter> parameters) {
     AdoAnswer answer;
     answer.parameters = std::move(parameters);
     return answer;
@@ -43,6 +44,7 @@ class StoredProc : public ConsoleTest {
         screen_.calls.clear();
         ado_.calls.clear();
     }
+    // Set the answers to reading a database's procedures and the text of one.
     void HasProcedures(const Lines& names) {
         AdoAnswer answer;
         answer.fields = {"PROCEDURE_CATALOG", "PROCEDURE_NAME"};
@@ -123,7 +125,7 @@ TEST_F(StoredProc, ExecuteOpensTheDialogWithoutTheHourglass) {
     HasText("spOne", "text");
     ui::Choose(Combo("cboStoredProcDatabase"), 1);
     screen_.calls.clear();
-    ado_.Answer("Refresh", List({Live("@a")}));
+    ado_.Answer("Refresh", ParameterList({Listed("@a")}));
     std::string caption;
     int parameters = 0;
     toolkit_.on_modal = [&](ui::Form& dialog) {
@@ -177,7 +179,7 @@ class ProcedureDialog : public ConsoleTest {
   protected:
     void OpenDialog(std::vector<ado::Parameter> parameters) {
         SelectServerA(manager_);
-        ado_.Answer("Refresh", List(std::move(parameters)));
+        ado_.Answer("Refresh", ParameterList(std::move(parameters)));
         dialog_.Init(manager_, "Batch", "spOne");
         screen_.calls.clear();
         ado_.calls.clear();
@@ -185,9 +187,9 @@ class ProcedureDialog : public ConsoleTest {
     /// Sets the answers to one execution: the parameters before the call, the call, and the parameters after
     /// it.
     void Answers(const std::vector<ado::Parameter>& parameters, AdoAnswer answer) {
-        ado_.Answer("Refresh", List(parameters));
+        ado_.Answer("Refresh", ParameterList(parameters));
         ado_.Answer("call spOne", std::move(answer));
-        ado_.Answer("Refresh", List(parameters));
+        ado_.Answer("Refresh", ParameterList(parameters));
     }
     void Execute() { ASSERT_TRUE(ui::Click(dialog_.Form().Get<ui::CommandButton>("cmdExecute"))); }
     /// The recorded call of the procedure with its values.
@@ -206,7 +208,7 @@ class ProcedureDialog : public ConsoleTest {
 };
 
 TEST_F(ProcedureDialog, TheFirstParameterIsShownWhenItOpens) {
-    OpenDialog({Live("@RETURN_VALUE", ado::adParamReturnValue), Live("@a", ado::adParamInput, "x")});
+    OpenDialog({Listed("@RETURN_VALUE", ado::adParamReturnValue), Listed("@a", ado::adParamInput, "x")});
     EXPECT_EQ(dialog_.Form().Caption(), "Run spOne in [Batch]");
     EXPECT_EQ(Parameters().Text(), "@RETURN_VALUE");
     EXPECT_TRUE(Parameters().Enabled());
@@ -244,7 +246,7 @@ TEST_F(ProcedureDialog, AProcedureWithoutParametersCanBeRun) {
 }
 
 TEST_F(ProcedureDialog, ExecuteSavesTheLastParameterOnly) {
-    const std::vector<ado::Parameter> list = {Live("@a"), Live("@b")};
+    const std::vector<ado::Parameter> list = {Listed("@a"), Listed("@b")};
     OpenDialog(list);
     ui::Type(Box("edtValue"), "lost");
     Answers(list, Result({"A"}, {}));
@@ -259,8 +261,8 @@ TEST_F(ProcedureDialog, ExecuteSavesTheLastParameterOnly) {
 }
 
 TEST_F(ProcedureDialog, AnEmptyBoxIsNoValueForAChoiceAndAnEmptyTextForExecute) {
-    const std::vector<ado::Parameter> list = {Live("@a", ado::adParamInput, "x"),
-                                              Live("@b", ado::adParamInput, "y")};
+    const std::vector<ado::Parameter> list = {Listed("@a", ado::adParamInput, "x"),
+                                              Listed("@b", ado::adParamInput, "y")};
     OpenDialog(list);
     ui::Edit(Box("edtValue"), "");
     ui::Choose(Parameters(), 1);
@@ -271,13 +273,13 @@ TEST_F(ProcedureDialog, AnEmptyBoxIsNoValueForAChoiceAndAnEmptyTextForExecute) {
 }
 
 TEST_F(ProcedureDialog, ExecuteSavesTheLastParameterWhateverItsDirection) {
-    const std::vector<ado::Parameter> list = {Live("@a", ado::adParamOutput, "before")};
+    const std::vector<ado::Parameter> list = {Listed("@a", ado::adParamOutput, "before")};
     OpenDialog(list);
     Box("edtValue").Text("written by the test");
     ui::Choose(Parameters(), 0);
     EXPECT_EQ(Box("edtValue").Text(), "before") << "a choice does not save an output parameter";
     Box("edtValue").Text("saved");
-    ado_.Answer("Refresh", List(list));
+    ado_.Answer("Refresh", ParameterList(list));
     ado_.Answer("call spOne", fakes::Failing());
     Execute();
     ui::Choose(Parameters(), 0);
@@ -285,7 +287,7 @@ TEST_F(ProcedureDialog, ExecuteSavesTheLastParameterWhateverItsDirection) {
 }
 
 TEST_F(ProcedureDialog, AnInputOutputParameterCanBeEnteredAndIsSaved) {
-    const std::vector<ado::Parameter> list = {Live("@both", ado::adParamInputOutput, "x"), Live("@b")};
+    const std::vector<ado::Parameter> list = {Listed("@both", ado::adParamInputOutput, "x"), Listed("@b")};
     OpenDialog(list);
     EXPECT_FALSE(Box("edtValue").Locked());
     EXPECT_EQ(Box("edtDirection").Text(), "Input/Output");
@@ -297,7 +299,7 @@ TEST_F(ProcedureDialog, AnInputOutputParameterCanBeEnteredAndIsSaved) {
 }
 
 TEST_F(ProcedureDialog, AParameterOfUnknownDirectionIsShownAndNotSaved) {
-    OpenDialog({Live("@odd", 9, "x"), Live("@b")});
+    OpenDialog({Listed("@odd", 9, "x"), Listed("@b")});
     EXPECT_TRUE(Box("edtValue").Locked());
     EXPECT_EQ(Box("edtDirection").Text(), "Unknown");
     Box("edtValue").Text("written by the test");
@@ -307,7 +309,7 @@ TEST_F(ProcedureDialog, AParameterOfUnknownDirectionIsShownAndNotSaved) {
 }
 
 TEST_F(ProcedureDialog, ATagAfterTheLastParameterIsIgnoredByAChoiceAndFailsExecute) {
-    OpenDialog({Live("@a", ado::adParamInput, "x")});
+    OpenDialog({Listed("@a", ado::adParamInput, "x")});
     Box("edtValue").Tag("2");
     ui::Choose(Parameters(), 0);
     EXPECT_EQ(LogLines(), Lines{});
@@ -320,7 +322,7 @@ TEST_F(ProcedureDialog, ATagAfterTheLastParameterIsIgnoredByAChoiceAndFailsExecu
 }
 
 TEST_F(ProcedureDialog, ChoosingAnEntryWithoutAParameterFails) {
-    OpenDialog({Live("@a", ado::adParamInput, "x")});
+    OpenDialog({Listed("@a", ado::adParamInput, "x")});
     for (const int index : {0, 2}) {
         Parameters().ItemData(0, index);
         ui::Choose(Parameters(), 0);
@@ -331,8 +333,8 @@ TEST_F(ProcedureDialog, ChoosingAnEntryWithoutAParameterFails) {
 }
 
 TEST_F(ProcedureDialog, AnOutputValueIsShownWhenItsParameterIsChosen) {
-    const std::vector<ado::Parameter> list = {Live("@both", ado::adParamInputOutput),
-                                              Live("@out", ado::adParamOutput)};
+    const std::vector<ado::Parameter> list = {Listed("@both", ado::adParamInputOutput),
+                                              Listed("@out", ado::adParamOutput)};
     OpenDialog(list);
     ui::Type(Box("edtValue"), "typed");
     AdoAnswer result = Result({"A"}, {});
@@ -347,8 +349,8 @@ TEST_F(ProcedureDialog, AnOutputValueIsShownWhenItsParameterIsChosen) {
 }
 
 TEST_F(ProcedureDialog, ASecondRunUsesTheValuesOfTheFirstUntilReload) {
-    const std::vector<ado::Parameter> list = {Live("@RETURN_VALUE", ado::adParamReturnValue), Live("@a"),
-                                              Live("@b")};
+    const std::vector<ado::Parameter> list = {Listed("@RETURN_VALUE", ado::adParamReturnValue), Listed("@a"),
+                                              Listed("@b")};
     OpenDialog(list);
     ui::Choose(Parameters(), 1);
     ui::Type(Box("edtValue"), "one");
@@ -368,7 +370,7 @@ TEST_F(ProcedureDialog, ASecondRunUsesTheValuesOfTheFirstUntilReload) {
     EXPECT_EQ(Box("edtValue").Text(), "42");
     ui::Choose(Parameters(), 1);
     EXPECT_EQ(Box("edtValue").Text(), "one");
-    ado_.Answer("Refresh", List(list));
+    ado_.Answer("Refresh", ParameterList(list));
     ui::Click(dialog_.Form().Get<ui::CommandButton>("cmdReload"));
     ado_.calls.clear();
     Answers(list, result);
@@ -377,10 +379,10 @@ TEST_F(ProcedureDialog, ASecondRunUsesTheValuesOfTheFirstUntilReload) {
 }
 
 TEST_F(ProcedureDialog, ARefusedValueIsReportedAndStaysInTheBox) {
-    const std::vector<ado::Parameter> list = {Live("@a")};
+    const std::vector<ado::Parameter> list = {Listed("@a")};
     OpenDialog(list);
     ui::Type(Box("edtValue"), "5.7");
-    ado_.Answer("Refresh", List(list));
+    ado_.Answer("Refresh", ParameterList(list));
     ado_.Answer("call spOne",
                 fakes::Failing(-2147217833, "The value '5.7' cannot be given to the parameter @a"));
     Execute();
@@ -391,9 +393,9 @@ TEST_F(ProcedureDialog, ARefusedValueIsReportedAndStaysInTheBox) {
 
 TEST_F(ProcedureDialog, ValuesAreShownInTheUsersLocale) {
     const fakes::FakeLocale german(fakes::German());
-    OpenDialog({Live("@out", ado::adParamOutput, 1.5),
-                Live("@when", ado::adParamOutput, ado::Date{2024, 2, 29, 14, 3, 5, 0}),
-                Live("@is", ado::adParamOutput, true)});
+    OpenDialog({Listed("@out", ado::adParamOutput, 1.5),
+                Listed("@when", ado::adParamOutput, ado::Date{2024, 2, 29, 14, 3, 5, 0}),
+                Listed("@is", ado::adParamOutput, true)});
     EXPECT_EQ(Box("edtValue").Text(), "1,5");
     ui::Choose(Parameters(), 1);
     EXPECT_EQ(Box("edtValue").Text(), "29.02.2024 14:03:05");
@@ -402,7 +404,7 @@ TEST_F(ProcedureDialog, ValuesAreShownInTheUsersLocale) {
 }
 
 TEST_F(ProcedureDialog, ChoosingAParameterWhoseValueIsNullFails) {
-    OpenDialog({Live("@a", ado::adParamInput, "x"), Live("@b", ado::adParamOutput, Null{})});
+    OpenDialog({Listed("@a", ado::adParamInput, "x"), Listed("@b", ado::adParamOutput, Null{})});
     ui::Choose(Parameters(), 1);
     EXPECT_EQ(LogLines(), Lines{"frmStoredProcedures::lstParameters_Click - Load parameter"});
     EXPECT_EQ(Box("edtDirection").Text(), "Output");
@@ -411,12 +413,12 @@ TEST_F(ProcedureDialog, ChoosingAParameterWhoseValueIsNullFails) {
 }
 
 TEST_F(ProcedureDialog, ReloadClearsTypedTextAndRowsButNotColumns) {
-    const std::vector<ado::Parameter> list = {Live("@a")};
+    const std::vector<ado::Parameter> list = {Listed("@a")};
     OpenDialog(list);
     Answers(list, Result({"A"}, {{1}}));
     Execute();
     ui::Type(Box("edtValue"), "typed");
-    ado_.Answer("Refresh", List(list));
+    ado_.Answer("Refresh", ParameterList(list));
     ui::Click(dialog_.Form().Get<ui::CommandButton>("cmdReload"));
     EXPECT_EQ(Box("edtValue").Text(), "");
     EXPECT_EQ(View().RowCount(), 0);

@@ -21,6 +21,7 @@ class ViewData : public ConsoleTest {
         screen_.calls.clear();
         ado_.calls.clear();
     }
+    // Set the answers to reading a database's tables and the data of one.
     void HasTables(const Lines& tables) {
         std::vector<AdoRow> rows;
         for (const std::string& table : tables) {
@@ -36,7 +37,7 @@ class ViewData : public ConsoleTest {
         answer.rows = std::move(rows);
         ado_.Answer("SELECT * FROM " + table, std::move(answer));
     }
-    /// Answers with a table of two columns and `count` rows.
+    /// The data are two columns and `count` rows.
     void HasRows(const std::string& table, int count) {
         HasData(table, {"Id", "Name"}, std::vector<AdoRow>(static_cast<std::size_t>(count), {1, "n"}));
     }
@@ -51,6 +52,7 @@ class ViewData : public ConsoleTest {
         }
         return headers;
     }
+    /// True if every column was sized to its content.
     bool Sized() {
         return std::count(View().AutoSized().begin(), View().AutoSized().end(), true) == View().ColumnCount();
     }

@@ -15,15 +15,17 @@ namespace kv {
 namespace {
 
 template <class Manager>
-class ServerPairBlock : public ::testing::Test {
+class ServerPairSettingsTest : public ::testing::Test {
   protected:
     using Reader = const std::string& (ServerPairSettings::*)() const;
     using Writer = void (ServerPairSettings::*)(const std::string&);
+    /// A setting's two accessors.
     struct Member {
         Reader reader;
         Writer writer;
     };
 
+    /// Sets the value and reads it again.
     std::string Written(const Member& member, const std::string& value) {
         (manager_.*member.writer)(value);
         return (manager_.*member.reader)();
@@ -51,11 +53,11 @@ class ServerPairBlock : public ::testing::Test {
     };
 };
 
-using Carriers =
+using Managers =
     ::testing::Types<CUpgradeDbMgr, CSQLReplicationMgr, CSynchronizeDbMgr, CViewDataMgr, CSQLScriptMgr>;
-TYPED_TEST_SUITE(ServerPairBlock, Carriers);
+TYPED_TEST_SUITE(ServerPairSettingsTest, Managers);
 
-TYPED_TEST(ServerPairBlock, IsEmptyAndOnServerBAtFirst) {
+TYPED_TEST(ServerPairSettingsTest, IsEmptyAndOnServerBAtFirst) {
     EXPECT_FALSE(this->manager_.UseServerA());
     for (const auto& members : {this->plain_, this->paths_}) {
         for (const auto& member : members) {
@@ -64,7 +66,7 @@ TYPED_TEST(ServerPairBlock, IsEmptyAndOnServerBAtFirst) {
     }
 }
 
-TYPED_TEST(ServerPairBlock, KeepsEachMemberAsItWasSet) {
+TYPED_TEST(ServerPairSettingsTest, KeepsEachMemberAsItWasSet) {
     int number = 0;
     for (const auto& members : {this->plain_, this->paths_}) {
         for (const auto& member : members) {
@@ -84,7 +86,7 @@ TYPED_TEST(ServerPairBlock, KeepsEachMemberAsItWasSet) {
     EXPECT_FALSE(this->manager_.UseServerA());
 }
 
-TYPED_TEST(ServerPairBlock, CutsOneBackslashFromTheEndOfAPath) {
+TYPED_TEST(ServerPairSettingsTest, CutsOneBackslashFromTheEndOfAPath) {
     for (const auto& member : this->paths_) {
         EXPECT_EQ(this->Written(member, "D:\\Data\\"), "D:\\Data");
         EXPECT_EQ(this->Written(member, "D:\\Data"), "D:\\Data");

@@ -48,6 +48,7 @@ class SecondClicks : public OnScreen {
         }
         form_.SetFocus(button);
     }
+    /// Makes RunFor the handler of every command button.
     void Arm() {
         for (const auto& control : form_.Controls()) {
             if (control->Kind() == ui::Kind::CommandButton) {

@@ -105,7 +105,7 @@ bool TakeAll(const ui::FormDesign& design, int size, const std::string& folder) 
     }
     bool taken = true;
     for (int tab = 0; tab < tabs->Tabs(); ++tab) {
-        tabs->TabEnabled(4, tab == 4);
+        tabs->TabEnabled(4, tab == 4); // so that most pictures show a disabled tab
         tabs->Tab(tab);
         taken = Take(top, begin + std::to_string(tab)) && taken;
     }

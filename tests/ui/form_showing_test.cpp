@@ -197,6 +197,7 @@ TEST_F(ShownForm, ShowsOnlyThePageOfTheActiveTab) {
     }
 }
 
+/// Runs for each form at each of screen::Sizes.
 class ShownAtSize : public OnScreen,
                     public ::testing::WithParamInterface<std::tuple<int, const ui::FormDesign*>> {
   protected:
@@ -269,7 +270,7 @@ TEST_P(ShownAtSize, ShowsEveryTabBesideItsPage) {
     }
 }
 
-/// The frame included.
+/// The window's frame counts too.
 TEST_F(ShownForm, FitsTheScreenAtEverySize) {
     const screen::Box area = screen::WorkArea();
     for (const int size : screen::Sizes()) {

@@ -12,9 +12,9 @@ namespace {
 using screen::Held;
 using screen::Key;
 
-class SteeredForm : public OnScreen {
+class OperatedForm : public OnScreen {
   protected:
-    /// A place on the first tab that the dialog does not cover.
+    /// Pixels from the left and upper edges of the tabs: a place that the dialog does not cover.
     static constexpr int kBesideDialog = 8;
 
     ui::TabControl& Tabs() { return Get<ui::TabControl>("tabMain"); }
@@ -38,7 +38,7 @@ class SteeredForm : public OnScreen {
     }
 };
 
-TEST_F(SteeredForm, FiresAChangeForEachKeyThatIsTyped) {
+TEST_F(OperatedForm, FiresAChangeForEachKeyThatIsTyped) {
     auto& folder = Get<ui::TextBox>("edtScriptFolder");
     std::string seen;
     folder.on_change = [&] { seen += folder.Text() + "|"; };
@@ -49,7 +49,7 @@ TEST_F(SteeredForm, FiresAChangeForEachKeyThatIsTyped) {
     EXPECT_EQ(seen, "C|C:|C:\\|C:\\x|");
 }
 
-TEST_F(SteeredForm, LetsTheOperatorTypeInTheMiddleOfAText) {
+TEST_F(OperatedForm, LetsTheOperatorTypeInTheMiddleOfAText) {
     auto& folder = Get<ui::TextBox>("edtScriptFolder");
     folder.Text("ad");
     form_.SetFocus(folder);
@@ -61,7 +61,7 @@ TEST_F(SteeredForm, LetsTheOperatorTypeInTheMiddleOfAText) {
     EXPECT_EQ(folder.Text(), "abcd");
 }
 
-TEST_F(SteeredForm, AcceptsNoTextInALockedBox) {
+TEST_F(OperatedForm, AcceptsNoTextInALockedBox) {
     screen::Click(Native("edtSQLUNCReplDataPath", 0));
     ASSERT_TRUE(FocusBecomes("edtSQLUNCReplDataPath0"));
     screen::Type("x");
@@ -69,7 +69,7 @@ TEST_F(SteeredForm, AcceptsNoTextInALockedBox) {
     EXPECT_EQ(screen::Text(Native("edtSQLUNCReplDataPath", 0)), "");
 }
 
-TEST_F(SteeredForm, ChoosesATabByMouse) {
+TEST_F(OperatedForm, ChoosesATabByMouse) {
     int clicks = 0;
     Tabs().on_click = [&] { ++clicks; };
     ClickTab(3);
@@ -78,7 +78,7 @@ TEST_F(SteeredForm, ChoosesATabByMouse) {
     EXPECT_TRUE(screen::WaitFor([this] { return screen::IsShown(Native("fraMainTab", 3)); }));
 }
 
-TEST_F(SteeredForm, ClicksTheActiveTabAgainByMouse) {
+TEST_F(OperatedForm, ClicksTheActiveTabAgainByMouse) {
     int clicks = 0;
     Tabs().on_click = [&] { ++clicks; };
     ClickTab(3);
@@ -92,7 +92,7 @@ TEST_F(SteeredForm, ClicksTheActiveTabAgainByMouse) {
     EXPECT_EQ(Tabs().Tab(), 3);
 }
 
-TEST_F(SteeredForm, DoesNotClickTheActiveTabWhenItIsDisabled) {
+TEST_F(OperatedForm, DoesNotClickTheActiveTabWhenItIsDisabled) {
     int clicks = 0;
     Tabs().TabEnabled(0, false);
     Tabs().on_click = [&] { ++clicks; };
@@ -102,7 +102,7 @@ TEST_F(SteeredForm, DoesNotClickTheActiveTabWhenItIsDisabled) {
     EXPECT_EQ(clicks, 0);
 }
 
-TEST_F(SteeredForm, DoesNotChooseADisabledTabByMouse) {
+TEST_F(OperatedForm, DoesNotChooseADisabledTabByMouse) {
     Tabs().TabEnabled(2, false);
     Settle();
     ClickTab(2);
@@ -111,7 +111,7 @@ TEST_F(SteeredForm, DoesNotChooseADisabledTabByMouse) {
     EXPECT_EQ(screen::ShownTab(Native("tabMain")), 0);
 }
 
-TEST_F(SteeredForm, SkipsDisabledTabsByKeyboard) {
+TEST_F(OperatedForm, SkipsDisabledTabsByKeyboard) {
     for (const int tab : {1, 2, 4, 6}) {
         Tabs().TabEnabled(tab, false);
     }
@@ -138,7 +138,7 @@ TEST_F(SteeredForm, SkipsDisabledTabsByKeyboard) {
     EXPECT_TRUE(TabBecomes(3));
 }
 
-TEST_F(SteeredForm, MovesTheFocusByTheTabKeyInTheOrderOfTheDesign) {
+TEST_F(OperatedForm, MovesTheFocusByTheTabKeyInTheOrderOfTheDesign) {
     std::vector<std::string> expected;
     for (const auto& control : form_.Controls()) {
         const bool stops = control->Kind() == ui::Kind::TextBox ||
@@ -162,14 +162,14 @@ TEST_F(SteeredForm, MovesTheFocusByTheTabKeyInTheOrderOfTheDesign) {
     EXPECT_TRUE(FocusBecomes(expected[expected.size() - 2]));
 }
 
-TEST_F(SteeredForm, GivesABoxTheFocusByTheMnemonicOfItsLabel) {
+TEST_F(OperatedForm, GivesABoxTheFocusByTheMnemonicOfItsLabel) {
     screen::Press(Key::U, {Held::Alt});
     EXPECT_TRUE(FocusBecomes("edtUserID0"));
     screen::Press(Key::U, {Held::Alt});
     EXPECT_TRUE(FocusBecomes("edtUserID1"));
 }
 
-TEST_F(SteeredForm, FindsMnemonicsOnTheShownPageOnly) {
+TEST_F(OperatedForm, FindsMnemonicsOnTheShownPageOnly) {
     int packages = 0;
     Get<ui::CommandButton>("cmdGetInstalledPackages").on_click = [&] { ++packages; };
     int runs = 0;
@@ -192,7 +192,7 @@ TEST_F(SteeredForm, FindsMnemonicsOnTheShownPageOnly) {
 
 // --- the mouse pointer
 
-TEST_F(SteeredForm, ShowsTheHourglassWhileACommandRunsWhereverThePointerIs) {
+TEST_F(OperatedForm, ShowsTheHourglassWhileACommandRunsWhereverThePointerIs) {
     const auto becomes = [](screen::Part part, screen::Pointer wanted) {
         return screen::WaitFor([&] { return screen::PointerOver(part) == wanted; });
     };
@@ -219,7 +219,7 @@ TEST_F(SteeredForm, ShowsTheHourglassWhileACommandRunsWhereverThePointerIs) {
 
 // --- tool tips
 
-TEST_F(SteeredForm, ShowsTheToolTipOfTheControlUnderThePointer) {
+TEST_F(OperatedForm, ShowsTheToolTipOfTheControlUnderThePointer) {
     const auto tip_becomes = [](const std::string& text) {
         return screen::WaitFor([&] { return screen::ToolTip() == text; });
     };
@@ -235,7 +235,7 @@ TEST_F(SteeredForm, ShowsTheToolTipOfTheControlUnderThePointer) {
     EXPECT_TRUE(tip_becomes(package.Design().tool_tip)) << screen::ToolTip();
 }
 
-TEST_F(SteeredForm, ShowsAServerNameThatIsCutAsAWholeInItsToolTip) {
+TEST_F(OperatedForm, ShowsAServerNameThatIsCutAsAWholeInItsToolTip) {
     const auto tip_becomes = [](const std::string& text) {
         return screen::WaitFor([&] { return screen::ToolTip() == text; });
     };
@@ -252,7 +252,7 @@ TEST_F(SteeredForm, ShowsAServerNameThatIsCutAsAWholeInItsToolTip) {
 
 // --- buttons
 
-TEST_F(SteeredForm, PressesAButtonByMouseSpaceEnterAndMnemonic) {
+TEST_F(OperatedForm, PressesAButtonByMouseSpaceEnterAndMnemonic) {
     int clicks = 0;
     auto& button = Get<ui::CommandButton>("cmdClose");
     button.on_click = [&] { ++clicks; };
@@ -273,7 +273,7 @@ TEST_F(SteeredForm, PressesAButtonByMouseSpaceEnterAndMnemonic) {
     EXPECT_TRUE(becomes(4));
 }
 
-TEST_F(SteeredForm, DoesNothingOnEnterInATextBoxAndOnEscape) {
+TEST_F(OperatedForm, DoesNothingOnEnterInATextBoxAndOnEscape) {
     int clicks = 0;
     for (const auto& control : form_.Controls()) {
         if (control->Kind() == ui::Kind::CommandButton) {
@@ -289,7 +289,7 @@ TEST_F(SteeredForm, DoesNothingOnEnterInATextBoxAndOnEscape) {
     EXPECT_FALSE(form_.Unloaded());
 }
 
-TEST_F(SteeredForm, DoesNothingOnEnterInATextBoxAfterAButtonWasPressed) {
+TEST_F(OperatedForm, DoesNothingOnEnterInATextBoxAfterAButtonWasPressed) {
     ShowTab(kv::kUpgradeTab);
     int clicks = 0;
     Get<ui::CommandButton>("cmdRename").on_click = [&] {
@@ -308,7 +308,7 @@ TEST_F(SteeredForm, DoesNothingOnEnterInATextBoxAfterAButtonWasPressed) {
     }
 }
 
-TEST_F(SteeredForm, TicksABoxAndSelectsAnOption) {
+TEST_F(OperatedForm, TicksABoxAndSelectsAnOption) {
     Tabs().Tab(kv::kScriptTab);
     Settle();
     auto& box = Get<ui::CheckBox>("chkCreateInstallBatchDatabase");
@@ -327,7 +327,7 @@ TEST_F(SteeredForm, TicksABoxAndSelectsAnOption) {
         screen::WaitFor([&] { return Get<ui::OptionButton>("optCreateInstallScriptFiles", 0).Value(); }));
 }
 
-TEST_F(SteeredForm, ChoosesFromADropDownListByKeyAndMouse) {
+TEST_F(OperatedForm, ChoosesFromADropDownListByKeyAndMouse) {
     Tabs().Tab(kv::kUpgradeTab);
     auto& databases = Get<ui::ComboBox>("cboRemoveDatabase");
     for (const char* name : {"master", "Batch", "pubs"}) {
@@ -348,7 +348,7 @@ TEST_F(SteeredForm, ChoosesFromADropDownListByKeyAndMouse) {
     EXPECT_TRUE(screen::WaitFor([&] { return databases.Text() == "pubs"; }));
 }
 
-TEST_F(SteeredForm, AcceptsTypedTextInAComboBoxWithFreeText) {
+TEST_F(OperatedForm, AcceptsTypedTextInAComboBoxWithFreeText) {
     Tabs().Tab(kv::kUpgradeTab);
     auto& destination = Get<ui::ComboBox>("cboUpgradeDatabaseDest");
     destination.AddItem("Batch");
@@ -364,7 +364,7 @@ TEST_F(SteeredForm, AcceptsTypedTextInAComboBoxWithFreeText) {
     EXPECT_EQ(destination.ListIndex(), -1);
 }
 
-TEST_F(SteeredForm, ChoosesFromAListBox) {
+TEST_F(OperatedForm, ChoosesFromAListBox) {
     Tabs().Tab(kv::kViewDataTab);
     auto& tables = Get<ui::ListBox>("lstViewDataTables");
     for (int table = 0; table < 5; ++table) {
@@ -379,7 +379,7 @@ TEST_F(SteeredForm, ChoosesFromAListBox) {
     EXPECT_EQ(clicks, 1);
 }
 
-TEST_F(SteeredForm, DoesNotPressADisabledButton) {
+TEST_F(OperatedForm, DoesNotPressADisabledButton) {
     auto& button = Get<ui::CommandButton>("cmdGetLocalSettings");
     int clicks = 0;
     button.on_click = [&] { ++clicks; };
@@ -390,13 +390,13 @@ TEST_F(SteeredForm, DoesNotPressADisabledButton) {
     EXPECT_EQ(clicks, 0);
 }
 
-TEST_F(SteeredForm, ThrowsTheExceptionOfAHandlerAgain) {
+TEST_F(OperatedForm, ThrowsTheExceptionOfAHandlerAgain) {
     Get<ui::CommandButton>("cmdClose").on_click = [] { throw std::runtime_error("out of a handler"); };
     screen::Click(Native("cmdClose"));
     EXPECT_THROW(RunUntilClosed(), std::runtime_error);
 }
 
-TEST_F(SteeredForm, MovesTheFocusToTheNextControlIfItsControlIsDisabled) {
+TEST_F(OperatedForm, MovesTheFocusToTheNextControlIfItsControlIsDisabled) {
     auto& button = Get<ui::CommandButton>("cmdGetLocalSettings");
     button.on_click = [&] { button.Enabled(false); };
     Get<ui::TextBox>("edtServerName", 1).on_change = [this] { form_.Unload(); };
@@ -408,7 +408,7 @@ TEST_F(SteeredForm, MovesTheFocusToTheNextControlIfItsControlIsDisabled) {
     EXPECT_EQ(Get<ui::TextBox>("edtServerName", 1).Text(), "z");
 }
 
-TEST_F(SteeredForm, FollowsTheFocusThatAHandlerGives) {
+TEST_F(OperatedForm, FollowsTheFocusThatAHandlerGives) {
     auto& path = Get<ui::TextBox>("edtSQLDataPath", 0);
     Get<ui::CommandButton>("cmdGetLocalSettings").on_click = [&] { form_.SetFocus(path); };
     path.on_change = [this] { form_.Unload(); };
@@ -424,7 +424,7 @@ TEST_F(SteeredForm, FollowsTheFocusThatAHandlerGives) {
     EXPECT_EQ(path.Text(), "q");
 }
 
-TEST_F(SteeredForm, IsUnloadedByTheWindowsCloseButton) {
+TEST_F(OperatedForm, IsUnloadedByTheWindowsCloseButton) {
     bool unloaded = false;
     form_.on_unload = [&] { unloaded = true; };
     screen::Press(Key::F4, {Held::Alt});
@@ -435,7 +435,7 @@ TEST_F(SteeredForm, IsUnloadedByTheWindowsCloseButton) {
 
 // --- the dialog
 
-TEST_F(SteeredForm, AcceptsNoInputWhileADialogIsAboveIt) {
+TEST_F(OperatedForm, AcceptsNoInputWhileADialogIsAboveIt) {
     ui::Form dialog(kv::ProceduresFormDesign());
     int below = 0;
     Tabs().on_click = [&] { ++below; };
