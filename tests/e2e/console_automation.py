@@ -42,7 +42,7 @@ def unescaped(text):
 
 
 def operator_command(machine, before, after):
-    """A shell command that starts the operator of the machine's console, to be run on a screen."""
+    """A shell command that starts the machine's console and the program that operates it. It must be run on a screen."""
     if machine.wine:
         operator = shlex.join([RUNNER, os.path.join(machine.binaries, "console_operator.exe"),
                                machine.native(machine.program)])
@@ -71,6 +71,7 @@ class Console:
         self.answer_of("the start", FIRST_ANSWER)
 
     def answer_of(self, order, seconds=2 * LONGEST):
+        """Reads the operator's answer to an order. Fails if it reports a failure, has ended or does not answer."""
         # The operator writes one line for each order, so nothing is left in this process's buffer, which select ignores.
         if not select.select([self.process.stdout], [], [], seconds)[0]:
             end_group(self.process)
@@ -92,6 +93,7 @@ class Console:
         return [unescaped(text) for text in line.split("\t")] if line else []
 
     def do(self, *words):
+        """Gives an order and returns the texts of the answer."""
         return self.finish(self.begin(*words))
 
     def text(self, name):
@@ -107,6 +109,7 @@ class Console:
         return self.do("row", "lvwViewData", number)
 
     def picture(self, name):
+        """Takes a picture if KV_PICTURES is set."""
         if os.environ.get("KV_PICTURES") and not self.closed:
             self.take_picture(os.path.join(os.environ["KV_PICTURES"], name + ".png"))
 
@@ -179,6 +182,7 @@ class ConsoleTest(unittest.TestCase):
         return server
 
     def install(self, server, version):
+        """Installs the sample database of a version ("v1", "v2"), without the program."""
         def path(which):
             return self.machine.native(self.data[which])
         values = {"server": server.name, "servera": self.a.name, "serverb": self.b.name, "userid": USER,
@@ -189,6 +193,7 @@ class ConsoleTest(unittest.TestCase):
         install_by_pymssql(server, folder, (*TEMPLATES, "Create_Replication_Stored_Procedures"), values)
 
     def prepare(self, statements):
+        """Runs these statements on server `a`."""
         with self.a.connect() as connection, connection.cursor() as cursor:
             for statement in statements:
                 cursor.execute(statement)
@@ -198,6 +203,7 @@ class ConsoleTest(unittest.TestCase):
         return server.name
 
     def open(self, *around):
+        """Opens the console; `around` are Console's `before` and `after`. It is closed when the test ends."""
         console = Console(self.machine, *around)
         self.addCleanup(console.leave)
         console.wait_until_open()

@@ -42,6 +42,7 @@ class DevServer:
             file.write(f"{USER}:{PASSWORD}\nempty:\nmüller:pä€\nslash:/p-w\nmojibake:Ã¤\n")
 
     def start(self):
+        """Starts the server, again on the same port after the first time; returns when it accepts connections."""
         arguments = [self.program, "--root", self.root, "--port", str(self.port), "--logins", self.logins]
         for drive in self.drives:
             arguments += ["--drive", drive]
@@ -78,6 +79,7 @@ class DevServer:
 
     @property
     def name(self):
+        """The server's name as in a connection string."""
         return f"127.0.0.1,{self.port}"
 
     def connect(self, database="master"):
@@ -235,6 +237,7 @@ class Machine:
             raise RuntimeError(f"{' '.join(step)}: exit code {run.returncode}: {run.stdout}{run.stderr}")
 
     def under_wine(self, *arguments, timeout=120):
+        """Runs a program under Wine without a screen to its end."""
         return subprocess.run([RUNNER, *arguments], env=self.wine_environment(),
                               stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace",
                               timeout=timeout, cwd=self.install)
@@ -274,6 +277,7 @@ class Machine:
                               text=True, errors="replace", timeout=600, cwd=self.install).stderr
 
     def start(self, *arguments):
+        """Starts the program without a screen and does not wait for its end; returns the process."""
         command = [self.program, *arguments]
         if self.wine:
             command.insert(0, RUNNER)
@@ -282,10 +286,13 @@ class Machine:
                                 cwd=self.install)
 
     def login(self, server, user=USER, password=PASSWORD):
+        """The arguments of the program for the script folder and the login."""
         return ["/scriptfolder", self.native(self.scripts), "/server", server.name, "/user", user, "/password",
                 password]
 
     def install_arguments(self, server, *what, **login):
+        """The arguments of an installation; `what` are /installdb, /installsp, /installdts. The data folder is this
+        machine's."""
         return [*self.login(server, **login), "/sqldatapath", self.native(self.data), *what]
 
     def log_lines(self):
@@ -301,6 +308,7 @@ class Machine:
         return [line[len("2006-05-12 14:03:22"):] for line in lines]
 
     def data_files(self):
+        """The files that the program has written into the folder Data beside it."""
         folder = os.path.join(self.install, "Data")
         return sorted(os.listdir(folder)) if os.path.isdir(folder) else []
 
@@ -315,10 +323,12 @@ class Machine:
         shutil.copytree(os.path.join(TOP, "samples", "sqlscripts", version), self.scripts)
 
     def write_template(self, name, content):
+        """Writes a script template; `content` is bytes."""
         with open(os.path.join(self.scripts, name + ".sql"), "wb") as file:
             file.write(content)
 
     def read_modified(self, name):
+        """The bytes of the script that the program made from a template."""
         with open(os.path.join(self.install, "Data", name + ".sql"), "rb") as file:
             return file.read()
 
@@ -327,6 +337,7 @@ class Machine:
 
 
 def freetds_driver():
+    """The path of FreeTDS's ODBC driver."""
     for folder in ("/usr/lib/x86_64-linux-gnu/odbc", "/usr/lib/odbc", "/usr/lib64"):
         path = os.path.join(folder, "libtdsodbc.so")
         if os.path.exists(path):
@@ -347,7 +358,8 @@ def fresh_folder():
     return tempfile.mkdtemp(prefix="kv-e2e-")
 
 
-# The templates as an independent client runs them: tokens are replaced and batches split here, not by the program.
+# The next two functions install the templates with another client than the program: they replace the tokens and split the
+# batches themselves, so that a test can compare the results.
 
 def modified_template(folder, name, values):
     def value(match):
@@ -362,6 +374,7 @@ def modified_template(folder, name, values):
 
 
 def install_by_pymssql(server, folder, names, values):
+    """Runs the templates of these names. `values` maps each token in lower case, without "###", to its text."""
     with server.connect() as connection, connection.cursor() as cursor:
         for name in names:
             for batch in re.split(r"(?mi)^GO\r?$\n?", modified_template(folder, name, values)):
