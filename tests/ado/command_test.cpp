@@ -120,7 +120,7 @@ TEST_F(AdoCommand, AYearBefore1753IsPassedToADatetime2AndRefusedForADatetime) {
     EXPECT_NE(call("datetime"), 0);
 }
 
-TEST_F(AdoCommand, RefreshTakesTheProceduresRowsOfTheCatalogue) {
+TEST_F(AdoCommand, RefreshReadsTheProceduresRowsOfTheCatalogue) {
     Parameters& parameters =
         Refresh({ReturnValue("sp;1"), Row("sp;1", "@n", 1, 3, "decimal", 12, 4),
                  Row("sp;1", "@t", 2, 12, "varchar", 30), Row("sp;1", "@o", 4, 4, "int", 10),
@@ -252,7 +252,7 @@ TEST_F(AdoCommand, ACallByNameNeedsNoReturnValue) {
     EXPECT_EQ(Counting().parameters.at(1).value, "@p1 int");
 }
 
-TEST_F(AdoCommand, AnEmptyParameterOfBothDirectionsGoesInAsNull) {
+TEST_F(AdoCommand, AnEmptyParameterOfBothDirectionsIsSentAsNull) {
     Refresh({ReturnValue("sp"), Row("sp", "@both", 2, 4, "int", 10)});
     Execute({}, {"0", "7"});
     EXPECT_EQ(Counting().last_statement, "{? = call sp(?)}");

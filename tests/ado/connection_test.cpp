@@ -131,7 +131,7 @@ TEST_F(AdoConnection, ARecordsetOutlivesItsConnection) {
     EXPECT_EQ(rows->Fields().Item(0).Value(), Variant(0));
 }
 
-TEST_F(AdoConnection, AResultWithACountAloneIsAClosedRecordset) {
+TEST_F(AdoConnection, AResultWithOnlyACountIsAClosedRecordset) {
     Open();
     EXPECT_EQ(Execute({{.columns = false, .row_count = 7}, {.rows = 3}})->State(), adStateClosed);
     EXPECT_EQ(affected_, 7);
@@ -229,7 +229,7 @@ TEST_F(AdoConnection, AnErrorThatComesWithSuccessFailsTheCall) {
     EXPECT_EQ(Errors(), "-2147217900/1 ");
 }
 
-TEST_F(AdoConnection, WarningsOfTheDriversOwnAreMessages) {
+TEST_F(AdoConnection, WarningsOfTheDriverAreMessages) {
     Open();
     const auto rows = Execute({{.rows = 2,
                                 .records = {{.state = "01S02", .message = "[Fake]Option value changed"},
@@ -283,7 +283,7 @@ TEST_F(AdoConnection, ADriverThatFailsForEverEndsTheStatement) {
     EXPECT_EQ(Errors(), "-2147467259/0 ");
 }
 
-TEST_F(AdoConnection, AServersErrorOfClass08LeavesTheResultsAfterIt) {
+TEST_F(AdoConnection, AfterAServersErrorOfClass08TheOtherResultsAreRead) {
     Open();
     const std::vector<OdbcResult> results = {{.rows = 1},
                                              Failed({ServerError("08004", 911, "no such database")}),

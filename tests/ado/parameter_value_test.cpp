@@ -254,7 +254,7 @@ TEST(ParameterValue, ADateFromTheServerIsPassedBackWithItsFraction) {
               odbc::Value(Date{2024, 2, 29, 12, 34, 57, 997000000}));
 }
 
-TEST(ParameterValue, DaysAndTimesAlone) {
+TEST(ParameterValue, DatesAndTimesOfDay) {
     EXPECT_EQ(Typed(Of(adDBDate), "2/9/2024"), odbc::Value("2024-02-09"));
     EXPECT_EQ(Refused(Of(adDBDate), "2/9/2024 1:00 PM"), "22008");
     EXPECT_EQ(Refused(Of(adDBDate), "1:00 PM"), "22007");
@@ -290,7 +290,7 @@ TEST(ParameterValue, BytesAreHexadecimalDigits) {
     }
 }
 
-TEST(ParameterValue, Guids) {
+TEST(ParameterValue, GuidsAreAcceptedWithAndWithoutBraces) {
     const odbc::Value guid =
         odbc::Guid{0x6F9619FF, 0x8B86, 0xD011, {0xB4, 0x2D, 0x00, 0xC0, 0x4F, 0xC9, 0x64, 0xFF}};
     EXPECT_EQ(Typed(Of(adGUID), "{6F9619FF-8B86-D011-B42D-00C04FC964FF}"), guid);

@@ -80,7 +80,7 @@ TEST(VariantAsInt16, RoundsAHalfToTheEvenNeighbour) {
     EXPECT_EQ(Variant(Decimal{"3.5000"}).ToInt16(), 4);
 }
 
-TEST(VariantAsInt16, TakesEveryKindOfNumber) {
+TEST(VariantAsInt16, AcceptsEveryKindOfNumber) {
     EXPECT_EQ(Variant().ToInt16(), 0);
     EXPECT_EQ(Variant(true).ToInt16(), -1);
     EXPECT_EQ(Variant(32767).ToInt16(), 32767);
@@ -118,7 +118,7 @@ TEST(VariantAsInt16, RefusesANumberThatDoesNotFit) {
     EXPECT_EQ(RunTimeNumberOf([] { Variant(Null()).ToInt16(); }), kv::run_time::kInvalidUseOfNull);
 }
 
-TEST(RowStore, GivesBackEveryKindOfValueAsItWas) {
+TEST(RowStore, ReturnsEveryKindOfValueUnchanged) {
     const std::vector<Variant> first = {Variant(),
                                         Null(),
                                         true,

@@ -58,7 +58,7 @@ ERROR = "Msg {} Level {} State {} Line {}: {}"
 
 
 def osql_lines(text):
-    """The tool's output: one line for an error, cells parted by single blanks."""
+    """The tool's output in the form that is compared: one line for each error, cells separated by single blanks."""
     text = re.sub(r"Msg (\d+), Level (\d+), State (\d+), Server [^,\n]+(?:, Procedure [^,\n]+)?, Line (\d+)\n(.*)",
                   lambda match: ERROR.format(*match.groups()), text)
     # fisql shows no heading for a result without rows.
@@ -67,6 +67,7 @@ def osql_lines(text):
 
 
 def fisql_lines(text):
+    """The output of fisql in the same form."""
     text = re.sub(r"Msg (\d+), Level (\d+), State (\d+):\nServer '[^']*'(?:, Procedure '[^']*')?, Line (\d+):\n(.*)",
                   lambda match: ERROR.format(*match.groups()), text)
     # It shows changes of database and language, and the return status, alone or beside the count.
@@ -76,12 +77,13 @@ def fisql_lines(text):
 
 
 def squeezed(text):
+    """The lines that are not empty, with single blanks."""
     lines = [" ".join(line.split()) for line in text.splitlines()]
     return [line for line in lines if line]
 
 
 def messages(lines):
-    """Without results: their headings, rows and counts."""
+    """Only the lines of errors, without headings, rows and counts."""
     return [line for line in lines if line.startswith("Msg ")]
 
 
@@ -146,8 +148,8 @@ class Order(unittest.TestCase):
             self.setUp()
         self.assertEqual(said[0], said[1])
 
-    def test_within_a_procedure_a_message_stands_after_the_count_of_the_rows_before_it(self):
-        """fisql counts only when the procedure is over."""
+    def test_within_a_procedure_a_message_comes_after_the_count_of_the_rows_before_it(self):
+        """fisql prints the counts only at the end of the procedure, so the output is compared with fixed lines."""
         script = self.write("procedure.sql", "use tempdb\nGO\ncreate procedure p as print 'a' select 1 as one "
                             "raiserror('low', 5, 1) select 2 as two raiserror('no', 16, 1) print 'z'\nGO\nexec p\nGO\n")
         self.assertEqual(self.osql(script), [
@@ -155,7 +157,7 @@ class Order(unittest.TestCase):
             "Msg 50000 Level 16 State 1 Line 1: no", "z"])
         self.assertEqual(messages(self.osql(script)), self.tsql_errors(script))
 
-    def test_a_guard_ends_ours_where_the_others_go_on(self):
+    def test_state_127_ends_osql_while_fisql_continues(self):
         script = self.write("guard.sql", "print 'a' raiserror('stop', 16, 127) print 'b'\nGO\nprint 'c'\nGO\n")
         theirs = self.fisql(script)
         self.assertEqual(theirs[-2:], ["b", "c"])

@@ -81,7 +81,7 @@ TEST_F(Printed, WithoutACountNoCountIsPrinted) {
     EXPECT_EQ(Counted(-1), "");
 }
 
-TEST_F(Printed, NullIsAlignedAsTheValuesOfItsColumn) {
+TEST_F(Printed, NullIsAlignedLikeTheValuesOfItsColumn) {
     EXPECT_EQ(Table({Named("n", SqlType::Integer, 11, true), Named("t", SqlType::Char, 1, true)},
                     {{Value(), Value()}}),
               " n           t    \n"
@@ -95,7 +95,7 @@ TEST_F(Printed, ANameWiderThanItsValuesWidensTheColumn) {
                                                                         "           1 \n");
 }
 
-TEST_F(Printed, AnotherSeparatorStandsBetweenTheColumns) {
+TEST_F(Printed, TheSeparatorOfTheColumnsCanBeChosen) {
     switches.separator = ";";
     switches.header_rows = -1;
     EXPECT_EQ(Table({Named("a", SqlType::VarChar, 1), Named("b", SqlType::VarChar, 1)},
@@ -103,7 +103,7 @@ TEST_F(Printed, AnotherSeparatorStandsBetweenTheColumns) {
               " x;y \n");
 }
 
-TEST_F(Printed, HeadingsComeAgainAfterSoManyRows) {
+TEST_F(Printed, HeadingsAreRepeatedAfterTheChosenNumberOfRows) {
     switches.header_rows = 2;
     EXPECT_EQ(Table({Named("a", SqlType::VarChar, 1)},
                     {{std::string("1")}, {std::string("2")}, {std::string("3")}}),

@@ -48,7 +48,7 @@ TEST(Switches, AnEmptyArgumentIsTheEmptyPassword) {
     EXPECT_TRUE(switches.no_prompts);
 }
 
-TEST(Switches, APasswordThatBeginsWithADashIsTakenWhenAttached) {
+TEST(Switches, APasswordThatBeginsWithADashIsAcceptedIfAttached) {
     EXPECT_EQ(Parse({"-P-secret"}).password, "-secret");
 }
 
@@ -78,7 +78,7 @@ TEST(Switches, TheDefaultsAreTheToolsOwn) {
     EXPECT_FALSE(switches.error_level.has_value());
 }
 
-TEST(Switches, EverySwitchWithoutAValueIsTaken) {
+TEST(Switches, EverySwitchWithoutAValueIsAccepted) {
     const Switches switches = Parse({"-n", "-e", "-b", "-I", "-r1", "-?"});
     EXPECT_TRUE(switches.no_prompts && switches.echo && switches.stop_on_error &&
                 switches.quoted_identifiers && switches.errors_to_stderr && switches.messages_to_stderr &&
@@ -125,7 +125,7 @@ TEST(Switches, ABadLineStillSetsTheOutputFile) {
     EXPECT_EQ(line.switches.output_file, "out.txt");
 }
 
-TEST(Switches, TheHelpNamesTheVersionAndEverySwitchThatIsTaken) {
+TEST(Switches, TheHelpNamesTheVersionAndEverySwitch) {
     const std::string help = HelpText();
     EXPECT_NE(help.find("version " KV_VERSION), std::string::npos);
     for (const char* name : {"-S ", "-U ", "-P ", "-d ", "-i ", "-o ", "-q ", "-Q ", "-n ", "-w ", "-h ",

@@ -79,7 +79,7 @@ TEST_F(Tool, PromptsNumberTheLinesOfABatch) {
     EXPECT_EQ(output.written, "1> 2> 3> (1 row affected)\n1> ");
 }
 
-TEST_F(Tool, EchoShowsTheLinesAfterTheirPrompts) {
+TEST_F(Tool, EchoPrintsTheLinesAfterTheirPrompts) {
     switches.no_prompts = false;
     switches.echo = true;
     Run("a\nGO\n");
@@ -99,7 +99,7 @@ TEST_F(Tool, QuitAndExitEndWithoutRunningTheBatch) {
     ExpectBatches({});
 }
 
-TEST_F(Tool, ExitWithAQueryRunsTheBatchAndGivesItsFirstValue) {
+TEST_F(Tool, ExitWithAQueryRunsTheBatchAndReturnsItsFirstValue) {
     server.answers["a\nSELECT 7"] = [](ResultSink& sink) {
         Column column;
         column.type = odbc::SqlType::Integer;
@@ -162,7 +162,7 @@ TEST_F(Tool, AMessageWithState127EndsTheScriptAtOnce) {
               "1> 2> before\nMsg 50001, Level 16, State 127, Server SRV, Line 3\nno database\n");
 }
 
-TEST_F(Tool, State127EndsItAlsoInALowMessageThatIsNotShown) {
+TEST_F(Tool, State127EndsTheScriptAlsoInAMessageThatIsNotShown) {
     switches.error_level = 17;
     server.answers["a\n"] = [](ResultSink& sink) {
         Diagnostic last = Message(50002, "enough");
@@ -186,7 +186,7 @@ TEST_F(Tool, AnotherStateEndsNothing) {
     ExpectBatches({"a\n", "b\n"});
 }
 
-TEST_F(Tool, QuotedIdentifiersAreLeftAsTheServerHasThem) {
+TEST_F(Tool, QuotedIdentifiersKeepTheServersSetting) {
     switches.quoted_identifiers = true;
     Run("a\n");
     EXPECT_EQ(server.batches, std::vector<std::string>{"a\n"});
@@ -270,7 +270,7 @@ TEST_F(ToolFiles, AnEmptyScriptRunsNothing) {
     ExpectBatches({});
 }
 
-TEST_F(ToolFiles, AScriptThatIsNotThereIsNamedAndNobodyLogsIn) {
+TEST_F(ToolFiles, AMissingScriptIsNamedAndTheToolDoesNotLogIn) {
     switches.input_file = Path("nosuch.sql");
     EXPECT_EQ(Run(""), kFailed);
     EXPECT_NE(output.written.find("nosuch.sql"), std::string::npos);
@@ -289,7 +289,7 @@ TEST_F(ToolFiles, AnOutputFileExistsFromTheStartAndItsLinesEndInCrLf) {
     EXPECT_EQ(platform::ReadWholeFile(Path("a.txt")), "one\r\ntwo \x80\r\nthree");
 }
 
-TEST_F(ToolFiles, AnOutputFileThatCantBeMadeIsAFailure) {
+TEST_F(ToolFiles, AnOutputFileThatCannotBeMadeIsAFailure) {
     EXPECT_THROW(FileOutput(Path("nosuch/a.txt")), platform::FileError);
 }
 

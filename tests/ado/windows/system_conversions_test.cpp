@@ -1,5 +1,5 @@
-// Compares shown values with the system's own conversions for the same locale, which must also read them
-// back.
+// Compares the layer's conversions of values to text with those of Windows for the same locale. Windows must
+// also read the layer's texts as the same values.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -40,7 +40,8 @@ class SystemConversions : public ::testing::TestWithParam<Case> {
 };
 
 TEST_P(SystemConversions, NumbersAreShownAndReadAlike) {
-    // Numbers of at most 15 digits: with more, the two round a half in the last digit differently.
+    // The numbers have at most 15 digits: with more, the two conversions round a half in the last digit
+    // differently.
     std::uniform_int_distribution<std::int64_t> digits(-999'999'999'999'999, 999'999'999'999'999);
     std::uniform_int_distribution<int> exponent(-30, 20);
     for (int i = 0; i < 2000; ++i) {
@@ -48,7 +49,7 @@ TEST_P(SystemConversions, NumbersAreShownAndReadAlike) {
                                        "E" + std::to_string(exponent(random_)));
         const std::string shown = ShowFloating(value, 15, forms_);
         std::string systems = Text([&](BSTR* to) { return ::VarBstrFromR8(value, locale_, 0, to); });
-        // Wine 8 writes the point of the C library in a number with an exponent.
+        // In a number with an exponent Wine 8 writes the C library's decimal point instead of the locale's.
         if (const std::size_t point = systems.find('.');
             point != std::string::npos && systems.find('E') != std::string::npos) {
             systems.replace(point, 1, forms_.decimal_point);

@@ -1,4 +1,4 @@
-// The query tool's connection string for ODBC.
+// Tests the query tool's connection string for ODBC.
 #include "querytool/windows/odbc_server.h"
 
 #include <gtest/gtest.h>

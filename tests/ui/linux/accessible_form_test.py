@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""The console's forms as assistive technology sees them (AT-SPI): on each tab every control has its role, its name and
-its state, and a password is given away neither as a text nor by an event while it is typed.
+"""Tests the console's forms through AT-SPI, as assistive technology sees them: on each tab every control has its role, its
+name and its state, and a password can be read neither as a text nor from events while it is typed.
 
 Usage: tests/with-screen tests/ui/linux/accessible_form_test.py SHOWN_FORM [TEST ...]
 """
@@ -19,7 +19,7 @@ SECRET = 'Geheim1'
 
 
 def expected(form, tab, title):
-    """Role and name of each control of that tab and of what lies beside the tabs."""
+    """The expected kind, name and identifier of each control on that tab and outside the tabs."""
     label = frame = None
     wanted = []
     for control in form.controls:
@@ -70,12 +70,12 @@ class AccessibleForm(unittest.TestCase):
                 self.assertTrue(names)
                 self.assertEqual(sorted(set(names)), sorted(names), caption)
 
-    def test_a_window_has_the_role_of_one(self):
+    def test_a_window_has_the_role_of_a_window(self):
         with ShownForm('dialog', DIALOG_TITLE) as form:
             self.assertEqual(form.window.getRoleName(), 'dialog')
             self.assertEqual(form.find_window(TITLE).getRoleName(), 'frame')
 
-    def test_the_selected_tab_and_the_disabled_one_are_told_from_the_others(self):
+    def test_the_states_of_the_selected_and_of_the_disabled_tab_are_reported(self):
         with ShownForm('grey', TITLE) as form:
             def having(state):
                 return [caption for caption in TABS if form.find('page tab', caption).getState().contains(state)]
@@ -112,7 +112,7 @@ class AccessibleForm(unittest.TestCase):
         with ShownForm('dialog', DIALOG_TITLE) as form:
             self.check_names(form, -1, DIALOG_TITLE)
 
-    def test_states_are_told(self):
+    def test_the_states_of_controls_are_reported(self):
         with ShownForm('main', TITLE) as form:
             def has(role, name, state):
                 return form.find(role, name).getState().contains(state)
@@ -127,7 +127,7 @@ class AccessibleForm(unittest.TestCase):
             self.assertFalse(has('button', 'Rename', pyatspi.STATE_ENABLED))
             self.assertTrue(has('button', 'Upgrade', pyatspi.STATE_ENABLED))
 
-    def test_a_text_is_given_and_a_password_is_not(self):
+    def test_a_text_can_be_read_and_a_password_cannot(self):
         with ShownForm('main', TITLE) as form:
             user = form.find('text box', 'UserID:').queryText()
             self.assertEqual(user.getText(0, user.characterCount), 'a user')
@@ -136,16 +136,16 @@ class AccessibleForm(unittest.TestCase):
             self.assertNotIn('EditableText', pyatspi.listInterfaces(password))
             self.assertNotIn(SECRET, [part.name + part.description for part in parts(form.window)])
 
-    def test_what_assistive_technology_enters_or_chooses_reaches_the_program(self):
+    def test_input_from_assistive_technology_reaches_the_program(self):
         with ShownForm('main', TITLE) as form:
             form.enter('Domain name:', 'PLANT')
-            self.assertEqual(form.told(), 'edtDomainName PLANT')
+            self.assertEqual(form.next_report(), 'edtDomainName PLANT')
             form.choose_tab('Script')
             form.press(form.find('option button', 'Create and Install script files'), 'Toggle')
-            self.assertEqual(form.told(), 'optCreateInstallScriptFiles clicked')
+            self.assertEqual(form.next_report(), 'optCreateInstallScriptFiles clicked')
             self.assertFalse(form.find('option button', 'Create script files').getState().contains(pyatspi.STATE_CHECKED))
 
-    def test_typing_is_reported_but_for_a_password(self):
+    def test_typing_is_reported_except_in_a_password(self):
         with ShownForm('main', TITLE) as form:
             heard = []
 

@@ -1,5 +1,5 @@
-"""A form of the console as assistive technology sees it (AT-SPI). Importing this restarts the script on a message bus
-of its own, with the registry of AT-SPI on it. The script's first argument is shown_form."""
+"""Reads a form of the console through AT-SPI, as assistive technology does. Importing this module restarts the script on a
+message bus of its own, so that the registry of AT-SPI is there. The script's first argument is the program shown_form."""
 import os
 import select
 import subprocess
@@ -16,7 +16,7 @@ import pyatspi  # noqa: E402
 from gi.repository import GLib  # noqa: E402
 
 SHOWN_FORM = sys.argv.pop(1)
-LIMIT = 60  # seconds, for whatever is waited for
+LIMIT = 60  # seconds that each wait may take
 TITLE = 'Halvane Vindrel SQL Database Manager'
 DIALOG_TITLE = 'Stored Procedures'
 ROLES = {
@@ -45,17 +45,18 @@ def wait_for(condition, what):
             if found:
                 return found
         except (GLib.GError, LookupError, AttributeError):
-            pass  # a part that has gone meanwhile
+            pass  # a part that does not exist any more
         time.sleep(0.05)
     raise AssertionError(f'{what}: not within {LIMIT} seconds')
 
 
 def plain(caption):
+    """The caption as it is shown: without the "&" of a mnemonic."""
     return caption.replace('&&', '\1').replace('&', '').replace('\1', '&')
 
 
 def parts(node):
-    """The node and all that is below it and on the screen."""
+    """The node and all nodes below it that are on the screen."""
     found = [node]
     for child in node:
         if child is not None and child.getState().contains(pyatspi.STATE_SHOWING):
@@ -64,7 +65,7 @@ def parts(node):
 
 
 class ShownForm:
-    """The program that shows a form, and the form's window as AT-SPI has it."""
+    """Runs the program that shows a form, and has the form's window in the tree of AT-SPI."""
 
     def __init__(self, which, title):
         self.process = subprocess.Popen([SHOWN_FORM, which], stdout=subprocess.PIPE, text=True)
@@ -92,6 +93,7 @@ class ShownForm:
         self.process.stdout.close()
 
     def find(self, role, name):
+        """The part with this role and name, or None."""
         for part in parts(self.window):
             if part.getRoleName() in ROLES.get(role, {role}) and part.name == name:
                 return part
@@ -99,6 +101,7 @@ class ShownForm:
 
     @staticmethod
     def press(part, name):
+        """Carries out the part's action of this name."""
         action = part.queryAction()
         names = [action.getName(number) for number in range(action.nActions)]
         action.doAction(names.index(name))
@@ -109,11 +112,11 @@ class ShownForm:
         wait_for(lambda: self.find('frame', plain(page['caption'])), caption)
 
     def enter(self, label, text):
-        """As assistive technology does that writes for its user."""
+        """Sets the text of a box, as assistive technology does that writes for its user."""
         self.find('text box', label).queryEditableText().setTextContents(text)
 
-    def told(self):
-        """The next line of the program, which reports what is entered into some boxes."""
+    def next_report(self):
+        """Waits for the next line of the program, which reports what is entered into some boxes."""
         ready, _, _ = select.select([self.process.stdout], [], [], LIMIT)
         if not ready:
             raise AssertionError(f'the program reports nothing within {LIMIT} seconds')

@@ -1,4 +1,4 @@
-// The display's time stamps as times of this process.
+// Tests the conversion of the display's time stamps (milliseconds) to times of InputClock.
 #include "ui/linux/qt/arrival.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@ namespace {
 using std::chrono::milliseconds;
 using ui::InputClock;
 
-/// More than 49 days after the start, so that 32 bits have wrapped.
+/// More than 49 days, so that a count of milliseconds in 32 bits has started again from 0.
 constexpr std::uint64_t kNow = 5'000'000'000;
 constexpr InputClock::time_point At(std::uint64_t stamp) {
     return InputClock::time_point(milliseconds(stamp));
@@ -24,7 +24,7 @@ TEST(ArrivalOfInput, IsTheStampWhenTheDisplayCountsIn32Bits) {
     EXPECT_EQ(clock.ArrivalOf(static_cast<std::uint32_t>(kNow - 300), At(kNow)), At(kNow - 300));
 }
 
-TEST(ArrivalOfInput, OfAnotherMachinesDisplayIsSetByTheLeastDelay) {
+TEST(ArrivalOfInput, OnAnotherMachinesDisplayIsFoundByTheLeastDelay) {
     constexpr std::uint64_t kTheirs = 700'000;
     ui::ArrivalClock clock;
     EXPECT_EQ(clock.ArrivalOf(kTheirs, At(kNow)), At(kNow)) << "nothing is known yet";

@@ -1,6 +1,6 @@
-// A program that shows an empty window of Qt: the least that a program with a window of these libraries takes
-// to start. With an argument the window has that text: Qt reads the fonts at the first text. window_bench.cpp
-// starts it.
+// A program that shows an empty window of Qt. Its start takes the shortest time that a program with a window
+// of Qt can take. With an argument the window shows that text; Qt reads the fonts for the first text.
+// window_bench.cpp starts it.
 #include <QApplication>
 #include <QLabel>
 #include <QWidget>

@@ -1,4 +1,5 @@
-// The desktop's colours and text direction, which may change while the program runs.
+// Tests that the windows follow the desktop's colours when they change while the program runs, and that they
+// do not follow its text direction.
 #include <algorithm>
 #include <cstdlib>
 #include <vector>
@@ -41,7 +42,7 @@ class DarkDesktop : public OnScreen {
     QPalette before_;
 };
 
-TEST_F(DarkDesktop, IsFollowedByEveryColourThatIsTheSystemsOwn) {
+TEST_F(DarkDesktop, ChangesEverySystemColour) {
     auto& status = Get<ui::Label>("lblSQLServerReplicationStatus");
     auto& user = Get<ui::TextBox>("edtUserID", 0);
     user.BackColor(ui::kButtonFaceBackground);
@@ -65,7 +66,7 @@ TEST_F(DarkDesktop, IsFollowedByEveryColourThatIsTheSystemsOwn) {
     }
 }
 
-TEST_F(DarkDesktop, IsLeftForALightOneAgain) {
+TEST_F(DarkDesktop, CanTurnLightAgain) {
     ShowTab(kv::kReplicationTab);
     auto& status = Get<ui::Label>("lblSQLServerReplicationStatus");
     auto& user = Get<ui::TextBox>("edtUserID", 0);
@@ -84,7 +85,7 @@ TEST_F(DarkDesktop, IsLeftForALightOneAgain) {
 class DesktopFromRightToLeft : public OnScreen {
   protected:
     void TearDown() override { QApplication::setLayoutDirection(Qt::LeftToRight); }
-    /// Whether there is anything dark in that half of a label.
+    /// True if something dark is painted in that half of a label.
     bool IsPainted(const char* label, int index, bool right_half) {
         constexpr screen::Colour kDark = 100;
         screen::Part native = Native(label, index);
@@ -97,15 +98,16 @@ class DesktopFromRightToLeft : public OnScreen {
     }
 };
 
-/// The program's texts are English: they are read from left to right on every desktop, beside their boxes.
-TEST_F(DesktopFromRightToLeft, LeavesEnglishLabelsAtTheirLeft) {
+/// The program's texts are English, so they are beside their boxes and read from left to right on every
+/// desktop.
+TEST_F(DesktopFromRightToLeft, DoesNotMoveEnglishLabels) {
     ASSERT_TRUE(IsPainted("lblUserID", 0, false));
     ASSERT_FALSE(IsPainted("lblUserID", 0, true));
     QApplication::setLayoutDirection(Qt::RightToLeft);
     Settle();
     EXPECT_TRUE(IsPainted("lblUserID", 0, false));
     EXPECT_FALSE(IsPainted("lblUserID", 0, true));
-    ShowTab(kv::kReplicationTab); // made after the change
+    ShowTab(kv::kReplicationTab); // its controls are made after the change
     EXPECT_TRUE(IsPainted("lblSQLReplicationDatabase", ui::kNoIndex, false));
 }
 

@@ -1,5 +1,5 @@
-// Native controls that stay when their form or page goes. They still have an owner, so a leak checker does
-// not find them.
+// Tests that no native controls are left when their page or form is closed. A leak checker does not find such
+// controls, because they still have an owner.
 #include <QApplication>
 #include <QWidget>
 
@@ -24,8 +24,8 @@ class ShownFormOfQt : public OnScreen {
     }
 };
 
-TEST_F(ShownFormOfQt, LeavesNothingBehindInTwoHundredTabSwitches) {
-    SwitchTabs(2 * kv::kMainTabs); // pages are made when they are shown first
+TEST_F(ShownFormOfQt, HasNoMoreControlsAfterTwoHundredTabSwitches) {
+    SwitchTabs(2 * kv::kMainTabs); // so that all pages are made
     const qsizetype widgets = Widgets();
     const qsizetype objects = Objects(top_);
     ASSERT_GT(widgets, 100);
@@ -35,7 +35,7 @@ TEST_F(ShownFormOfQt, LeavesNothingBehindInTwoHundredTabSwitches) {
     EXPECT_EQ(Objects(top_), objects);
 }
 
-TEST_F(ShownFormOfQt, TakesAllItsNativeControlsAlongWhenItGoes) {
+TEST_F(ShownFormOfQt, DestroysItsNativeControlsWhenItIsDestroyed) {
     const auto show_once = [] {
         ui::Form form(kv::ProceduresFormDesign());
         const auto window = ui::MakeWindow(form);
@@ -49,9 +49,9 @@ TEST_F(ShownFormOfQt, TakesAllItsNativeControlsAlongWhenItGoes) {
     EXPECT_EQ(Widgets(), widgets);
 }
 
-/// A table as long as the program's counters allow is shown at once: the view asks for the cells that it
-/// paints.
-TEST_F(ShownFormOfQt, HoldsNoRowsOfItsOwn) {
+/// The longest table that the program's counters allow is shown at once, because the view only asks for the
+/// cells that it paints.
+TEST_F(ShownFormOfQt, HasNoObjectsForTheRowsOfAList) {
     ShowTab(kv::kViewDataTab);
     const qsizetype objects = Objects(Native("lvwViewData"));
     auto& list = Get<ui::ListView>("lvwViewData");

@@ -1,3 +1,4 @@
+// Starts programs and asks the X server for their windows.
 #include "ui/linux/measured_start.h"
 
 #include <array>
@@ -18,7 +19,7 @@
 #include <X11/Xutil.h>
 
 extern "C" {
-#include <sys/pidfd.h> // of glibc 2.36, which declares it for C alone
+#include <sys/pidfd.h> // glibc 2.36 declares its functions only for C
 }
 
 namespace screen {
@@ -64,7 +65,7 @@ class Started {
         }
     }
 
-    /// Whether the program ends within that time.
+    /// Waits for the end of the program; false if it does not end within that time.
     bool EndsWithin(std::chrono::milliseconds time) const {
         const int handle = ::pidfd_open(process_, 0);
         pollfd ended{handle, POLLIN, 0};
@@ -73,7 +74,7 @@ class Started {
         return ends;
     }
 
-    /// Of a program that has ended; -1 if it was killed.
+    /// The exit code of a program that has ended; -1 if it was killed.
     int ExitCode() {
         int status = 0;
         ::waitpid(std::exchange(process_, -1), &status, 0);
@@ -110,7 +111,8 @@ unsigned long MeasuredStart::Window() {
     return window;
 }
 
-/// The screen is black where nothing is painted yet: a window of Qt has no background of its own.
+/// True if the pixel in the middle of the window is not black. Until Qt has painted a window the screen is
+/// black there.
 bool MeasuredStart::MiddleIsPainted(unsigned long window) {
     ::XWindowAttributes attributes{};
     int x = 0;

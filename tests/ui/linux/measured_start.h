@@ -1,5 +1,5 @@
-// How long a program takes from its start to its window, or to its end. Needs an X screen with a window
-// manager and no window on it.
+// Measures how long a program takes from its start until its window is shown, or until its end. It needs an X
+// screen with a window manager and without other windows.
 #pragma once
 
 #include <string>
@@ -13,20 +13,22 @@ class MeasuredStart {
     MeasuredStart& operator=(const MeasuredStart&) = delete;
     ~MeasuredStart();
 
-    /// Milliseconds until the program's window is on the screen and its middle is painted. The program is
-    /// ended then. Throws if no window comes.
+    /// Starts the program and returns the milliseconds until its window is on the screen and the window's
+    /// middle is painted. Then kills the program. Throws std::runtime_error if it shows no window within 20
+    /// seconds.
     double UntilPainted(const std::string& program, const std::string& argument = "");
 
   private:
-    /// The one window of a program on the screen; 0 if there is none.
+    /// The X window of the only program on the screen; 0 if there is none.
     unsigned long Window();
     bool MiddleIsPainted(unsigned long window);
     void WaitUntilEmpty();
 
-    void* display_; ///< of Xlib, whose header has macros with names that Qt uses
+    void* display_; ///< Xlib's Display; its header is not included here: it has macros with names of Qt
 };
 
-/// Milliseconds from the start of a program to its end. Throws unless its exit code is 0.
+/// Starts a program and returns the milliseconds until its end. Throws std::runtime_error if it does not end
+/// within 20 seconds or its exit code is not 0.
 double UntilEnd(const std::string& program, const std::string& argument);
 
 } // namespace screen

@@ -1,4 +1,4 @@
-// What the files of this screen share: the widget that a part of a window is.
+// Functions for the files that implement ui/screen.h with Qt: they turn a Part into its widget.
 #pragma once
 
 #include <stdexcept>
@@ -11,7 +11,7 @@
 
 namespace screen {
 
-/// Fails for a part that is not there, or that As finds to be of another kind.
+/// The widget of a part. Throws std::runtime_error if the part is null.
 inline QWidget& Of(Part part) {
     if (part == nullptr) {
         throw std::runtime_error("there is no such native control");
@@ -19,6 +19,7 @@ inline QWidget& Of(Part part) {
     return *static_cast<QWidget*>(part);
 }
 
+/// The widget of a part as a T. Throws std::runtime_error if it is not a T.
 template <class T>
 T& As(Part part) {
     auto* widget = qobject_cast<T*>(&Of(part));

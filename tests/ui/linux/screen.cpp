@@ -1,3 +1,4 @@
+// Implements ui/screen.h with Qt and an X server.
 #include "ui/screen.h"
 
 #include <memory>
@@ -46,7 +47,7 @@ QPoint OnScreen(QWidget& widget, QPoint point) {
     return {qRound(place.x() * scale), qRound(place.y() * scale)};
 }
 
-/// The part of a native control that is clicked on.
+/// The widget that receives a click on a native control: for a list its viewport.
 QWidget& Surface(QWidget& widget) {
     auto* area = qobject_cast<QAbstractScrollArea*>(&widget);
     return area == nullptr ? widget : *area->viewport();
@@ -57,7 +58,7 @@ XInput& Input() {
     return input;
 }
 
-/// Counts the keys that do nothing, and the moves of the pointer.
+/// Counts the presses of XInput::PressNothing and the moves of the pointer that arrive.
 class InputCounter : public QObject {
   public:
     InputCounter() { qApp->installEventFilter(this); }
@@ -362,8 +363,8 @@ Box ItemPlace(Part list_box, int item) {
     return ToBox(list.visualItemRect(list.item(item)));
 }
 
-/// The shape that Qt has set for the window below the pointer: the shape on the display has no name without a
-/// theme.
+/// Returns the shape that Qt has set for the window below the pointer. The display itself could be asked only
+/// if it had a theme, which gives the shapes names.
 Pointer PointerOver(Part part) {
     QWidget& surface = Surface(Of(part));
     const QPoint middle = surface.rect().center();
@@ -469,7 +470,7 @@ Box WorkArea() {
 
 // --- working
 
-/// Whether the display has the window where Qt takes it to be. With a scale such as 1.25, Qt's place is
+/// True if the display has the window at the place that Qt reports. With a scale such as 1.25 Qt's place is
 /// rounded.
 bool IsAtPlace(QWidget& widget) {
     constexpr int kRounding = 2; // points, one in each direction
@@ -477,8 +478,8 @@ bool IsAtPlace(QWidget& widget) {
 }
 
 /// The window manager places the window, frames it and gives it the keyboard's focus some time after it was
-/// asked. So a key is pressed and the pointer moved onto the window until both arrive, and the display is
-/// asked whether the window is where Qt takes it to be: a click before that would miss it.
+/// asked. So this presses a key and moves the pointer onto the window until both arrive and the window is at
+/// the place that Qt reports. An earlier click could miss it.
 bool Activate(Part window) {
     constexpr int kTries = 300;
     Of(window).raise();
@@ -539,8 +540,9 @@ void Hold(Key key, int repeats) {
     Input().Hold(XInput::SymbolOf(key), repeats);
 }
 
-/// A press may come later than a key that was sent after it: the window manager looks at it first. It is
-/// followed by the next move of the pointer, if that is over one of the program's windows.
+/// A press of the mouse's button may be delivered later than a key that was sent after it, because the window
+/// manager handles it first. A move of the pointer that was sent after the press is delivered after it. So
+/// this waits for a key and, if the pointer is over one of the program's windows, also for a move.
 bool InputArrived() {
     const InputCounter counter;
     const QWidget* below = QApplication::widgetAt(QCursor::pos());

@@ -1,4 +1,4 @@
-// The message boxes and pickers on the screen, as Qt shows them.
+// Implements the part of ui/screen.h about message boxes and file dialogs, with Qt.
 #include <QApplication>
 #include <QDialog>
 #include <QDir>

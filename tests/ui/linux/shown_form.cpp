@@ -61,7 +61,7 @@ void CloseByButton(ui::Form& form) {
     form.Get<ui::CommandButton>("cmdClose").on_click = [&form] { form.Unload(); };
 }
 
-/// States that the tests look for.
+/// Sets the state that the tests expect.
 void Fill(ui::Form& form) {
     form.Get<ui::TextBox>("edtUserID", 0).Text("a user");
     form.Get<ui::TextBox>("edtPassword", 0).Text("Geheim1");
@@ -77,7 +77,7 @@ void DisableUpgradeTab(ui::Form& form) {
     };
 }
 
-/// Until it is closed.
+/// Shows the dialog until it is closed.
 void ShowDialog(ui::Form& owner) {
     ui::Form dialog(kv::ProceduresFormDesign());
     ReportText(dialog, "edtValue");

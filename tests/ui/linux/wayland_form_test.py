@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""The console's forms on a Wayland screen: both come up, a box is filled in, and they close. The screen has neither
-keyboard nor mouse, so all is done as assistive technology does it.
+"""Tests the console's forms on a Wayland screen: both open, a box is filled in, and they close. The screen has neither
+keyboard nor mouse, so the test uses AT-SPI, as assistive technology does.
 
 Usage: tests/with-wayland tests/ui/linux/wayland_form_test.py SHOWN_FORM [TEST ...]
 """
@@ -12,11 +12,11 @@ import unittest
 
 from accessible_tree import DIALOG_TITLE, TABS, TITLE, ShownForm, wait_for
 
-FORM_PIXELS = 642 * 512  # of the main form, at the least
+FORM_PIXELS = 642 * 512  # the smallest size of the main form
 
 
 class Screen:
-    """Pictures of the whole screen."""
+    """Takes pictures of the whole screen and compares them."""
 
     def __init__(self, folder):
         self.folder = folder
@@ -33,13 +33,13 @@ class Screen:
         return path
 
     def background_is_painted(self):
-        """The screen is black before."""
+        """True if the shell has painted its background; before that the screen is black."""
         run = subprocess.run(['identify', '-format', '%[fx:mean]', self.picture('background')], capture_output=True,
                              text=True, timeout=60)
         return float(run.stdout) > 0.1
 
     def changed_pixels(self):
-        """How many differ from the empty screen."""
+        """The number of pixels that differ from the empty screen."""
         run = subprocess.run(['compare', '-metric', 'AE', self.empty, self.picture('now'), 'null:'], capture_output=True,
                              text=True, timeout=60)
         return float(re.match(r'[\d.e+]+', run.stderr).group())
@@ -63,12 +63,12 @@ class FormOnWayland(unittest.TestCase):
     def test_a_box_is_filled_in(self):
         with ShownForm('main', TITLE) as form:
             form.enter('Domain name:', 'PLANT')
-            self.assertEqual(form.told(), 'edtDomainName PLANT')
+            self.assertEqual(form.next_report(), 'edtDomainName PLANT')
 
     def test_the_dialog_opens_above_the_form_and_closes(self):
         with ShownForm('dialog', DIALOG_TITLE) as form:
             form.enter('Value:', '42')
-            self.assertEqual(form.told(), 'edtValue 42')
+            self.assertEqual(form.next_report(), 'edtValue 42')
             form.press(form.find('button', 'Close'), 'Press')
             wait_for(lambda: form.find_window(DIALOG_TITLE) is None, 'the end of the dialog')
             self.assertIsNotNone(form.find_window(TITLE))

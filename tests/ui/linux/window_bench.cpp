@@ -1,11 +1,8 @@
-// Three measurements, each compared with simpler programs in the same run:
-//  - the start of the console until its window is painted, against an empty window of Qt, and against one
-//  with
-//    a line of text, for which Qt reads the fonts;
-//  - a list of 32,766 rows of ten columns, with the sizing of columns, against a table of Qt that is filled
-//  by
-//    a loop;
-//  - /help without a display, against the same program without the code that loads the module of windows.
+// Measures three things, each compared with a simpler program in the same run:
+//  - the start of the console until its window is painted, with an empty window of Qt and with one that has a
+//    line of text, for which Qt reads the fonts;
+//  - filling a list with 32,766 rows of ten columns and sizing its columns, with a table of Qt;
+//  - /help without a display, with the same program without the code that loads the Qt module.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -29,6 +26,7 @@ namespace {
 
 constexpr int kRows = 32766;
 constexpr int kColumns = 10;
+// How often each thing is measured.
 constexpr int kFills = 5;
 constexpr int kStarts = 15;
 constexpr int kHelps = 60;
@@ -39,7 +37,8 @@ double Milliseconds(const std::function<void()>& work) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// With the fastest: other work of the machine can only make a run slower.
+/// Prints the fastest and the median times and their ratios. The fastest are printed because other work of
+/// the machine can only make a run slower.
 void Print(const char* what, std::vector<double> ours, const char* peer, std::vector<double> theirs) {
     std::sort(ours.begin(), ours.end());
     std::sort(theirs.begin(), theirs.end());
@@ -99,7 +98,7 @@ void FillBare(QTableWidget& table) {
     for (int row = 0; row < kRows; ++row) {
         for (int column = 0; column < kColumns; ++column) {
             auto item = std::make_unique<QTableWidgetItem>(QString::fromStdString(CellText(row, column)));
-            table.setItem(row, column, item.release()); // the table's now
+            table.setItem(row, column, item.release()); // the table owns it
         }
     }
     table.resizeColumnsToContents();
@@ -128,7 +127,7 @@ void MeasureList() {
     Print("32,766 rows of ten columns", ours, "a table of Qt", theirs);
 }
 
-/// Without a display /help writes to the terminal.
+/// Measures /help without a display: then it writes to the terminal.
 void MeasureHelp() {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
         ::unsetenv(name);
@@ -146,7 +145,7 @@ void MeasureHelp() {
 
 int main() {
     try {
-        const support::TempFolder settings; // not what the person who runs this has entered in the console
+        const support::TempFolder settings; // instead of the settings of the user who runs this
         ::setenv("XDG_CONFIG_HOME", settings.Path().c_str(), 1);
         MeasureWindow(); // before this program has windows of its own
         MeasureList();

@@ -1,3 +1,4 @@
+// Sends the events of XTEST.
 #include "ui/linux/x_input.h"
 
 #include <map>
@@ -94,7 +95,7 @@ void XInput::Hold(Symbol key, int repeats) {
     ::XSync(Of(display_), False);
 }
 
-/// A key's symbol is the character's code in Latin 1. What is on a key's second level needs Shift.
+/// A key's symbol is the character's code in Latin 1. A character on a key's second level needs Shift.
 void XInput::Type(char character) {
     const auto symbol = static_cast<Symbol>(static_cast<unsigned char>(character));
     const KeyCode code = ::XKeysymToKeycode(Of(display_), symbol);
@@ -104,7 +105,7 @@ void XInput::Type(char character) {
 
 void XInput::PressNothing() {
     if (::XKeysymToKeycode(Of(display_), XK_F24) == 0) {
-        constexpr int kFree = 248; // no key of a usual keyboard has it
+        constexpr int kFree = 248; // a key code that no usual keyboard has
         KeySym symbol = XK_F24;
         ::XChangeKeyboardMapping(Of(display_), kFree, 1, &symbol, 1);
         ::XSync(Of(display_), False);

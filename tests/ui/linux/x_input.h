@@ -1,5 +1,6 @@
-// Mouse and keyboard input of an X server, sent by its extension for tests (XTEST) over a connection apart
-// from Qt's: it reaches the program as a person's input does. Its members may be called from any thread.
+// Sends mouse and keyboard input to the X server, with its extension for tests (XTEST) and over a connection
+// of its own, so that the input reaches the program like that of a person. The members may be called from any
+// thread.
 #pragma once
 
 #include <vector>
@@ -19,19 +20,21 @@ class XInput {
     XInput& operator=(const XInput&) = delete;
     ~XInput();
 
-    /// How many windows of programs the window manager has on the screen.
+    /// The number of program windows that the window manager has on the screen.
     int ManagedWindows();
-    /// Where the display has a window's contents. In pixels of the screen, as below.
+    /// The upper left corner of a window's contents, as the display reports it. Places are in pixels of the
+    /// screen.
     QPoint CornerOf(unsigned long window);
     void MoveTo(QPoint point);
-    /// By one pixel, to and fro.
+    /// Moves the pointer by one pixel, alternately to the right and to the left.
     void Nudge();
     void Click();
     void Type(char character);
     void Press(Symbol key, const std::vector<Symbol>& held = {});
-    /// Presses a key, lets it come down `repeats` times more as a keyboard does, and lets it go.
+    /// Presses a key, sends `repeats` more presses, as a keyboard does while a key is held down, and releases
+    /// the key.
     void Hold(Symbol key, int repeats);
-    /// A key that no program has a use for: F24.
+    /// Presses a key that no program uses, F24.
     void PressNothing();
 
     static Symbol SymbolOf(Key key);
@@ -41,7 +44,8 @@ class XInput {
     void Send(Symbol key, bool down);
 
     int nudge_ = -1;
-    void* display_ = nullptr; ///< of Xlib, whose header has macros with names that Qt uses
+    void* display_ =
+        nullptr; ///< Xlib's Display; its header is not included here: it has macros with names of Qt
 };
 
 } // namespace screen
