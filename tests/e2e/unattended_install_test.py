@@ -57,7 +57,7 @@ class UnattendedTestCase(unittest.TestCase):
         return self.server.column("SELECT name FROM msdb.dbo.sysdtspackages")
 
     def assert_quiet(self):
-        """No failure was logged, and the server reported none."""
+        """Checks that no failure was logged and that the server reported no error."""
         self.assertEqual(self.machine.log_lines(), [])
         for name in TEMPLATES:
             if name + ".txt" in self.machine.data_files():

@@ -60,9 +60,11 @@ class NativeForm final : public Window, private Mirror {
     LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
     bool FilterKey(const MSG& message);
     void WakeLoop() const;
+    /// Shows everything that has changed since it was last called, and gives the focus that the form wants.
     void BringAllInLine();
     void BringTabsInLine(NativeControl& native);
     void TakeFormChange(Property property);
+    /// Notes that a native control may not show a property, and posts a message that leads to BringAllInLine.
     void Stale(std::size_t index, Property property);
     void GiveFocus(HWND control) const;
     void GiveFocusToSomeone() const;

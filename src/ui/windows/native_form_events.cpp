@@ -85,7 +85,7 @@ void NativeForm::TakeFormChange(Property property) {
         ::LockWindowUpdate(form_.PaintingLocked() ? window_ : nullptr);
         return;
     case Property::Unloaded:
-        // The owner takes input again before this window goes: else the focus would go to another program.
+        // The owner is enabled before this window is hidden. Otherwise another program would get the focus.
         if (const HWND owner = ::GetWindow(window_, GW_OWNER); owner != nullptr) {
             ::EnableWindow(owner, TRUE);
         }
@@ -115,7 +115,7 @@ void NativeForm::BringAllInLine() {
             BringInLine(natives_[index]);
         }
     }
-    // Last, so that everything on a page is up to date when it comes up.
+    // Last, so that everything on a page is up to date when the page is shown.
     if (tabs_ && natives_[static_cast<std::size_t>(tabs_index_)].stale != 0) {
         BringTabsInLine(natives_[static_cast<std::size_t>(tabs_index_)]);
     }

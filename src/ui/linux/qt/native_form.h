@@ -74,12 +74,15 @@ class NativeForm final : public Window, private Mirror, private QObject {
     bool RefusesMouse(QWidget& widget, const QInputEvent& press);
     bool RefusesKey(QWidget& widget, const QKeyEvent& key);
     bool TakeKey(QWidget& widget, const QKeyEvent& key);
+    /// Posts an event that leads to BringAllInLine, unless one is in the queue.
     void AskToBringInLine();
+    /// Shows everything that has changed since it was last called, and gives the focus that the form wants.
     void BringAllInLine();
     void BringTabsInLine(NativeControl& native);
     void ShowPage(const NativeControl& page, bool shown);
     void TakeFormChange(Property property);
     void LockPainting();
+    /// Notes that a native control may not show a property, and calls AskToBringInLine.
     void Stale(NativeControl& native, Property property);
     void GiveFocus();
     void TrackFocus();

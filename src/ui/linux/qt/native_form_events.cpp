@@ -101,7 +101,7 @@ void NativeForm::BringAllInLine() {
             BringInLine(native);
         }
     }
-    // Last, so that everything on a page is up to date when it comes up.
+    // Last, so that everything on a page is up to date when the page is shown.
     if (tabs_ != nullptr && natives_[static_cast<std::size_t>(tabs_index_)].stale != 0) {
         BringTabsInLine(natives_[static_cast<std::size_t>(tabs_index_)]);
     }
