@@ -1,7 +1,7 @@
-// The operator's acts on a form, one function for each. A toolkit calls them when the operator uses the
-// native controls; tests call them to play the operator. An act fires the events that Windows would fire. On
-// a control that cannot be used it does nothing and returns false; otherwise it returns true. What a handler
-// throws goes to the caller.
+// The acts of the operator, the person who uses the program, one function for each. A toolkit calls them when
+// the operator uses the native controls; tests call them instead of an operator. An act fires the events that
+// Windows would fire. On a control that cannot be used it does nothing and returns false; otherwise it
+// returns true. What a handler throws goes to the caller.
 //
 // Input can wait in the system's queue while a handler runs. It is judged by the state that its control had
 // when it arrived, not when it is delivered: a second click on a command must not start the command again. So
