@@ -16,7 +16,7 @@
 namespace support {
 namespace {
 
-constexpr unsigned kSecondsForACase = 60;
+constexpr unsigned kSecondsForACase = 300;
 
 struct Child {
     std::string name;

@@ -17,8 +17,8 @@ struct Case {
 };
 
 /// Runs all cases, `at_once` at a time, and returns when all have ended. A case that fails, crashes or takes
-/// more than a minute adds one failure to the running test, with the child's output. The calling process must
-/// have only one thread, because it is forked.
+/// more than five minutes adds one failure to the running test, with the child's output. The calling process
+/// must have only one thread, because it is forked.
 void RunInChildren(const std::vector<Case>& cases, std::size_t at_once);
 
 } // namespace support

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <chrono>
+#include <fstream>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -300,11 +301,19 @@ class FaultProxy::Link {
     }
 
     /// The client cancels its message, so the message or answer that the fault held back is not needed any
-    /// more.
+    /// more. After HangAfter the server has executed the message: its answer is awaited before the server is
+    /// told, however long it takes.
     bool Cancelled(const std::string& message) {
-        if (std::exchange(fault_, Fault::None) == Fault::HangAfter &&
-            !client_.socket.Send(std::exchange(server_.pending, {}))) {
-            return false;
+        if (std::exchange(fault_, Fault::None) == Fault::HangAfter) {
+            std::optional<std::string> answer = server_.TakeMessage();
+            for (; !answer; answer = server_.TakeMessage()) {
+                if (!server_.Read()) {
+                    return false;
+                }
+            }
+            if (!client_.socket.Send(*answer)) {
+                return false;
+            }
         }
         return server_.socket.Send(message);
     }
@@ -373,6 +382,7 @@ void FaultProxy::Arm(std::size_t first, std::size_t last, Fault fault) {
     first_armed_ = first;
     last_armed_ = last;
     armed_fault_ = fault;
+    AnnounceHang();
 }
 
 std::vector<std::string> FaultProxy::Events() const {
@@ -385,12 +395,29 @@ void FaultProxy::Ignore(std::string text) {
     ignored_ = std::move(text);
 }
 
+void FaultProxy::AnnounceHangs(std::filesystem::path file) {
+    const std::lock_guard lock(mutex_);
+    announcement_ = std::move(file);
+}
+
+void FaultProxy::AnnounceHang() const {
+    if (announcement_.empty() || (armed_fault_ != Fault::HangBefore && armed_fault_ != Fault::HangAfter)) {
+        return;
+    }
+    if (events_.size() == first_armed_) {
+        std::ofstream(announcement_, std::ios::binary) << ignored_;
+    } else {
+        std::filesystem::remove(announcement_);
+    }
+}
+
 Fault FaultProxy::Note(std::string event) {
     const std::lock_guard lock(mutex_);
     if (event == ignored_) {
         return Fault::None;
     }
     events_.push_back(std::move(event));
+    AnnounceHang();
     const std::size_t number = events_.size() - 1;
     if (number < first_armed_ || number > last_armed_ || armed_fault_ == Fault::None) {
         return Fault::None;

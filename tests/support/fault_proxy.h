@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -56,8 +57,11 @@ class FaultProxy {
     void Arm(std::size_t event, Fault fault) { Arm(event, event, fault); }
     /// Injects the fault at all events from `first` to `last`.
     void Arm(std::size_t first, std::size_t last, Fault fault);
-    /// After this call batches with this text are not counted as events.
+    /// After this call batches with this text are not counted as events. Must be called before Arm.
     void Ignore(std::string text);
+    /// The proxy creates this file when the next event is one that hangs, and removes it when that event has
+    /// arrived. The file contains the text that Ignore has set. Must be called before Arm.
+    void AnnounceHangs(std::filesystem::path file);
     /// All events in the order in which they arrived: "login", "call", or the text of the batch.
     std::vector<std::string> Events() const;
     /// True if an event with the fault has arrived.
@@ -69,6 +73,7 @@ class FaultProxy {
     void Accept();
     /// Counts an event and returns the fault to inject at it.
     Fault Note(std::string event);
+    void AnnounceHang() const;
 
     std::function<void()> kill_server_;
     std::function<void()> kill_program_;
@@ -77,8 +82,9 @@ class FaultProxy {
     int port_ = 0;
     std::atomic<bool> ending_ = false;
     std::atomic<bool> struck_ = false;
-    mutable std::mutex mutex_; ///< guards the next six
+    mutable std::mutex mutex_; ///< guards the next seven
     std::string ignored_;
+    std::filesystem::path announcement_;
     std::vector<std::string> events_;
     std::size_t first_armed_ = 0;
     std::size_t last_armed_ = 0;

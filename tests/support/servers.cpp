@@ -20,7 +20,7 @@ std::string SharedPath(const std::string& name) {
 }
 
 ado::Connection Connect(const std::string& server, const std::string& database) {
-    constexpr std::int32_t kSeconds = 10;
+    constexpr std::int32_t kSeconds = 60;
     ado::Connection connection;
     connection.CursorLocation(ado::adUseClient);
     connection.CommandTimeout(kSeconds);

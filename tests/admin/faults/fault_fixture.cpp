@@ -25,6 +25,7 @@ using support::Fault;
 // The ends of the names of a database's files.
 constexpr char kDataEnd[] = "_dat.mdf";
 constexpr char kLogEnd[] = "_lg.ldf";
+constexpr std::int32_t kLongest = 300;      ///< seconds for a statement of the test itself
 constexpr char kPreparation[] = "PRINT ''"; // the database layer runs it before every statement
 
 struct FaultKind {
@@ -108,6 +109,7 @@ const std::string& StateBefore(const FaultyOperation& operation, std::size_t ste
 void RunWithoutFault(const FaultyOperation& operation, const std::filesystem::path& model) {
     FaultFixture fixture(model);
     EXPECT_EQ(operation.state(fixture), operation.state_before);
+    support::TakeTimeOuts(); // of the test's own statements
     EXPECT_TRUE(operation.run(fixture));
     EXPECT_EQ(support::TakeTimeOuts(), std::set<std::uintptr_t>{300});
     EXPECT_EQ(EventsOf(fixture), EventsUpTo(operation.steps, operation.steps.size() - 1));
@@ -177,6 +179,9 @@ void FaultFixture::SetUp() {
     std::ofstream(registry) << "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\ORVIK\\QUORLEN\\Log]\n@=\""
                             << (Folder() / "Log").string() << "\"\n";
     setenv("KVLSQLDBMGR_REGISTRY", registry.c_str(), 1);
+    const std::filesystem::path hang_ahead = Folder() / "hang_ahead";
+    setenv(support::kHangAheadVariable, hang_ahead.c_str(), 1);
+    proxy_.AnnounceHangs(hang_ahead);
 }
 
 void FaultFixture::SaveAs(const std::filesystem::path& model) {
@@ -204,6 +209,8 @@ void FaultFixture::RestartServer() {
 ado::Connection FaultFixture::Connect(const std::string& database) const {
     ado::Connection connection;
     connection.CursorLocation(ado::adUseClient);
+    connection.CommandTimeout(kLongest);
+    connection.ConnectionTimeout(kLongest);
     connection.Open("Driver={SQL Server};Server=" + server_.Name() + ";Database=" + database +
                         ";Uid=sa;Pwd=Test-1;",
                     "", "", ado::adOptionUnspecified);
@@ -211,7 +218,6 @@ ado::Connection FaultFixture::Connect(const std::string& database) const {
 }
 
 Lines FaultFixture::Ask(const std::string& database, const std::string& statement) const {
-    const support::FullTimeOuts full;
     std::optional<ado::Connection> own;
     std::optional<ado::Connection>& connection = database == "master" ? master_ : own;
     if (!connection) {
