@@ -15,7 +15,7 @@ RUNS, SHORT_RUNS = 1000, 4  # of the program; an installation and an upgrade are
 WINDOWS_RUNS = 100
 LONGEST_RUN = 300
 BATCHES = 4  # in the database after the use of version 1
-QUIET_SECONDS = 10  # in which a server closes the files of its last clients
+QUIET_SECONDS = 60  # in which a server closes the files of its last clients
 SAME = 10  # equal figures in a row, 20 ms apart
 
 

@@ -356,25 +356,37 @@ class Operator:
     def choose(self, name, text):
         """Repeats the choice until it succeeds: the list closes if the program fills it again meanwhile."""
         part = self.native(name)
-        end = time.monotonic() + LONGEST
-        while not self.try_to_choose(part, text):
-            require(time.monotonic() < end, f"{text} cannot be chosen in {name}")
+
+        def is_chosen():
+            try:
+                return self.try_to_choose(part, text)
+            except (NotSeen, GLib.Error):
+                return False  # the list closed just before the click
+        require(wait_for(is_chosen), f"{text} cannot be chosen in {name}")
 
     def try_to_choose(self, part, text):
         def item():
             items = self.items_of(part) if has(part, State.ENABLED) else []
             return next((one for one in items if one.get_name() == text), None)
+
+        def click_item():
+            one = item()  # it is gone while the program fills the list again
+            if one is not None:
+                self.input.click(one)
+            return one is not None
+
+        def is_selected():
+            one = item()
+            return one is not None and has(one, State.SELECTED)
         if not wait_for(item, MOMENT):
             return False
         if not self.is_combo(part):
-            self.input.click(item())
-            return wait_for(lambda: has(item(), State.SELECTED), MOMENT)
+            return click_item() and wait_for(is_selected, MOMENT)
         if not has(part, State.EXPANDED):
             self.input.open(part)
             if not wait_for(lambda: has(part, State.EXPANDED), MOMENT):
                 return False
-        self.input.click(item())
-        return wait_for(lambda: not has(part, State.EXPANDED) and self.shown(part) == text, MOMENT)
+        return click_item() and wait_for(lambda: not has(part, State.EXPANDED) and self.shown(part) == text, MOMENT)
 
     def shown(self, part):
         return text_of(self.edit_of(part) or part)
