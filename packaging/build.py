@@ -72,7 +72,9 @@ def build_source():
     target = os.path.join(TARGET, name + ".tar.xz")
     if not os.path.exists(os.path.join(TOP, ".git")):
         raise RuntimeError("the source archive is made from a checkout: this tree is not one")
-    tar = subprocess.check_output(["git", "-C", TOP, "archive", "--format=tar", f"--prefix={name}/", "HEAD"])
+    # The modes of the files do not depend on the settings of who makes the archive.
+    tar = subprocess.check_output(["git", "-C", TOP, "-c", "tar.umask=0022", "archive", "--format=tar", f"--prefix={name}/",
+                                   "HEAD"])
     with open(target, "wb") as file:
         subprocess.run(["xz", "--threads=1", "-9", "--stdout"], input=tar, stdout=file, check=True)
     report(target)
