@@ -29,20 +29,21 @@ class Program {
         path = path.substr(0, path.rfind('\\')) + "\\KVLSQLDbMgr.exe";
         STARTUPINFOA start{};
         start.cb = sizeof start;
-        ::CreateProcessA(path.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, kDrive, &start,
-                         &process_);
+        EXPECT_TRUE(::CreateProcessA(path.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, kDrive,
+                                     &start, &process_));
     }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
     ~Program() {
         ::TerminateProcess(process_.hProcess, 1); // it still runs only after a failed test
-        ::WaitForSingleObject(process_.hProcess, 10000);
+        ::WaitForSingleObject(process_.hProcess, kLongest);
         ::CloseHandle(process_.hProcess);
         ::CloseHandle(process_.hThread);
     }
 
+    bool HasEnded() const { return ::WaitForSingleObject(process_.hProcess, 0) == WAIT_OBJECT_0; }
     /// Waits for its end.
-    bool Ends() const { return ::WaitForSingleObject(process_.hProcess, 60000) == WAIT_OBJECT_0; }
+    bool Ends() const { return ::WaitForSingleObject(process_.hProcess, kLongest) == WAIT_OBJECT_0; }
 
     /// Waits for its window and activates it; null if there is none.
     HWND Window() const {
@@ -57,6 +58,7 @@ class Program {
     }
 
   private:
+    static constexpr DWORD kLongest = 60000; ///< milliseconds
     PROCESS_INFORMATION process_{};
 };
 
@@ -83,19 +85,7 @@ class Console : public ::testing::Test {
         return ui_automation::Child(window_, tree_.Find(name, index)->Id());
     }
     void Fill(const char* name, int index, const std::string& text) {
-        const HWND box = Native(name, index);
-        constexpr std::chrono::seconds kMoment{5};
-        bool focused = false;
-        // A window that was just shown may miss a click.
-        for (int click = 0; click < 10 && !focused; ++click) {
-            remote_controls::Click(box);
-            focused = ui_automation::WaitFor([this, box] { return ui_automation::FocusIn(window_) == box; },
-                                             kMoment);
-        }
-        ASSERT_TRUE(focused) << name;
-        ui_automation::Type(text);
-        EXPECT_TRUE(ui_automation::WaitFor([&] { return ui_automation::Text(box) == text; }))
-            << name << ": " << ui_automation::Text(box);
+        remote_controls::Fill(Native(name, index), text);
     }
     int Tab() const { return static_cast<int>(::SendMessageA(Native("tabMain"), TCM_GETCURSEL, 0, 0)); }
     /// Waits for the page: its window is created when it is first shown.
@@ -104,6 +94,12 @@ class Console : public ::testing::Test {
             const HWND frame = Native("fraMainTab", page);
             return ::IsWindowVisible(frame) != 0 && ::IsWindowEnabled(frame) != 0;
         });
+    }
+    /// Once too often, Ctrl+Tab leads on to the other tabs and round to this one.
+    void OpenNextTab(int tab) const {
+        const auto opens = [this, tab] { return Tab() == tab; };
+        ASSERT_TRUE(remote_controls::PressUntil(window_, opens, VK_TAB, {VK_CONTROL}));
+        ASSERT_TRUE(PageIsShown(tab));
     }
     void Close() {
         remote_controls::ClickButton(Native("cmdClose"));
@@ -123,7 +119,7 @@ TEST_F(Console, ShowsItsVersionInItsTitleAndEndsByItsButton) {
 }
 
 TEST_F(Console, OpensOnlyTheTabsThatItsFieldsAllow) {
-    ui_automation::Press(VK_TAB, {VK_CONTROL}); // no other tab can be used, so this one stays open
+    remote_controls::Press(window_, VK_TAB, {VK_CONTROL}); // no other tab can be used: this one stays open
     Fill("edtServerName", 0, "SRVA");
     EXPECT_EQ(Tab(), kv::kGeneralTab);
     Fill("edtUserID", 0, "sa");
@@ -131,8 +127,7 @@ TEST_F(Console, OpensOnlyTheTabsThatItsFieldsAllow) {
     Fill("edtSQLDataPath", 0, "C:\\MSSQL\\Data");
     EXPECT_TRUE(ui_automation::WaitFor(
         [this] { return ui_automation::Text(Native("edtSQLUNCReplDataPath", 0)) == "C$\\MSSQL\\ReplData"; }));
-    ui_automation::Press(VK_TAB, {VK_CONTROL});
-    EXPECT_TRUE(PageIsShown(kv::kScriptTab));
+    OpenNextTab(kv::kScriptTab);
     EXPECT_TRUE(ui_automation::WaitFor(
         [this] { return ui_automation::Text(Native("optScriptCurrentServer", 0)) == "SRVA"; }));
     EXPECT_EQ(ui_automation::Text(Native("optScriptCurrentServer", 1)), "N/A");
@@ -147,8 +142,8 @@ TEST_F(Console, RemembersTypedTexts) {
     Start();
     EXPECT_EQ(ui_automation::Text(Native("edtServerName", 1)), "SRVB");
     EXPECT_EQ(ui_automation::Text(Native("edtScriptFolder")), "C:\\scripts");
-    ui_automation::Press(VK_F4, {VK_MENU});
-    EXPECT_TRUE(program_->Ends());
+    EXPECT_TRUE(
+        remote_controls::PressUntil(window_, [this] { return program_->HasEnded(); }, VK_F4, {VK_MENU}));
 }
 
 TEST_F(Console, RefusesARunWithNothingTicked) {
@@ -156,21 +151,21 @@ TEST_F(Console, RefusesARunWithNothingTicked) {
     Fill("edtUserID", 0, "sa");
     Fill("edtPassword", 0, "secret");
     Fill("edtSQLDataPath", 0, "C:\\Data");
-    ui_automation::Press(VK_TAB, {VK_CONTROL});
-    ASSERT_TRUE(PageIsShown(kv::kScriptTab));
+    OpenNextTab(kv::kScriptTab);
     EXPECT_FALSE(::IsWindowEnabled(Native("chkCreateInstallScriptFile"))); // no file is named
-    ui_automation::Press('R', {VK_MENU});
     HWND box = nullptr;
-    EXPECT_TRUE(ui_automation::WaitFor([&] {
+    const auto refused = [&box] {
         box = ::FindWindowA("#32770", "KVLSQLDbMgr");
         return box != nullptr && ::IsWindowVisible(box) != 0;
-    }));
+    };
+    ASSERT_TRUE(remote_controls::PressUntil(window_, refused, 'R', {VK_MENU}));
     EXPECT_EQ(ui_automation::Text(ui_automation::Child(box, 0xFFFF)), "No scripts or DTS packages selected!");
-    EXPECT_TRUE(ui_automation::Activate(box));
-    ui_automation::Press(VK_RETURN);
-    EXPECT_TRUE(ui_automation::WaitFor([&] { return ::IsWindow(box) == 0; }));
+    EXPECT_TRUE(remote_controls::PressUntil(
+        box, [box] { return ::IsWindow(box) == 0; }, VK_RETURN));
+    // The button can be used again when the command has ended.
+    EXPECT_TRUE(
+        ui_automation::WaitFor([this] { return ::IsWindowEnabled(Native("cmdCreateInstall")) != 0; }));
     EXPECT_EQ(ui_automation::Text(Native("lblStatus")), "Initializing..."); // kept until the next command
-    EXPECT_TRUE(::IsWindowEnabled(Native("cmdCreateInstall")));
     Close();
 }
 

@@ -30,7 +30,7 @@ constexpr char kBoxClass[] = "#32770";
 constexpr char kDropDownClass[] = "ComboLBox";
 constexpr int kBoxTextId = 0xFFFF;
 constexpr std::chrono::seconds kLongest{60};
-constexpr std::chrono::seconds kMoment{3};
+constexpr std::chrono::seconds kMoment{5};
 
 void Require(bool condition, const std::string& what) {
     if (!condition) {
@@ -77,7 +77,7 @@ class Program {
     Program& operator=(const Program&) = delete;
     ~Program() {
         ::TerminateProcess(process_.hProcess, 1); // it is still running only after a failure
-        ::WaitForSingleObject(process_.hProcess, 10000);
+        Ends();
         ::CloseHandle(process_.hProcess);
         ::CloseHandle(process_.hThread);
     }
@@ -232,19 +232,7 @@ class Operator {
     }
 
     std::string Fill(const Words& words) {
-        const HWND box = Native(words.at(0));
-        const auto has_focus = [&] {
-            const HWND focus = ui_automation::FocusIn(window_);
-            return focus == box || ::GetParent(focus) == box;
-        };
-        RequireAfter([box] { remote_controls::Click(box); }, has_focus,
-                     "does not take the focus: " + words.at(0));
-        ui_automation::Press(VK_HOME);
-        ui_automation::Press(VK_END, {VK_SHIFT});
-        ui_automation::Press(VK_DELETE);
-        ui_automation::Type(words.at(1));
-        Require(ui_automation::WaitFor([&] { return ui_automation::Text(box) == words.at(1); }),
-                "the text is \"" + ui_automation::Text(box) + "\" and not \"" + words.at(1) + "\"");
+        remote_controls::Fill(Native(words.at(0)), words.at(1));
         return "";
     }
 
@@ -374,9 +362,8 @@ class Operator {
     }
     std::string Answer(const Words& /*none*/) {
         const HWND box = program_.Await(kBoxClass, "a message box");
-        Require(ui_automation::Activate(box), "the message box does not come to the front");
-        ui_automation::Press(VK_RETURN);
-        Require(ui_automation::WaitFor([box] { return ::IsWindow(box) == 0; }, kLongest),
+        Require(remote_controls::PressUntil(
+                    box, [box] { return ::IsWindow(box) == 0; }, VK_RETURN),
                 "the message box does not close");
         return "";
     }
@@ -384,12 +371,15 @@ class Operator {
     /// Takes a picture of the message box if there is one, else of the form.
     std::string Picture(const Words& words) {
         ::SetCursorPos(0, 0); // there the pointer shows no tool tip
-        const HWND box = program_.Find(kBoxClass);
-        Require(ui_automation::TakePicture(box != nullptr ? box : window_, words.at(0)),
-                "no picture can be taken");
+        Require(ui_automation::TakePicture(Front(), words.at(0)), "no picture can be taken");
         return "";
     }
 
+    /// The dialog or message box if there is one, else the form.
+    HWND Front() const {
+        const HWND box = program_.Find(kBoxClass);
+        return box != nullptr ? box : window_;
+    }
     /// Presses keys together, for example "Control+Shift+Tab".
     std::string Press(const Words& words) {
         static const std::map<std::string, WORD> keys = {
@@ -398,20 +388,16 @@ class Operator {
         Words names = Split(words.at(0), '+');
         const WORD key = keys.at(names.back());
         names.pop_back();
-        constexpr std::size_t kHeld = 2;
-        Require(names.size() <= kHeld, "too many keys at once: " + words.at(0));
-        if (names.empty()) {
-            ui_automation::Press(key);
-        } else if (names.size() < kHeld) {
-            ui_automation::Press(key, {keys.at(names[0])});
-        } else {
-            ui_automation::Press(key, {keys.at(names[0]), keys.at(names[1])});
+        std::vector<WORD> held;
+        for (const std::string& name : names) {
+            held.push_back(keys.at(name));
         }
+        remote_controls::Press(Front(), key, held);
         return "";
     }
     /// Types into the control that has the focus.
     std::string Type(const Words& words) {
-        ui_automation::Type(words.at(0));
+        remote_controls::Type(Front(), words.at(0));
         return "";
     }
 

@@ -42,6 +42,62 @@ class RemoteMemory {
     char* place_;
 };
 
+void Require(bool condition, const std::string& what) {
+    if (!condition) {
+        throw std::runtime_error(what);
+    }
+}
+
+/// What an input that may be repeated gets to have its effect.
+constexpr std::chrono::seconds kMoment{10};
+constexpr int kTries = 6;
+
+/// Returns when the window's thread has handled what the display had sent it before, at the latest after a
+/// second: the thread may be busy.
+void LetItHandleEvents(HWND window) {
+    constexpr UINT kLongest = 1000;
+    // The thread answers the first message before it looks at the display's events, and the second one after.
+    for (int message = 0; message < 2; ++message) {
+        DWORD_PTR answer = 0;
+        ::SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL, kLongest, &answer);
+    }
+}
+
+/// Returns when the key is held and stays so: an event of the display may set its state back.
+void HoldDown(HWND window, WORD key) {
+    const bool held = ui_automation::WaitFor([window, key] {
+        if (!ui_automation::IsDown(key)) {
+            ui_automation::PressDown(key);
+        }
+        LetItHandleEvents(window);
+        return ui_automation::IsDown(key);
+    });
+    Require(held, "a key does not stay down");
+}
+
+void PressHolding(HWND window, WORD key, const std::vector<WORD>& held) {
+    for (const WORD other : held) {
+        HoldDown(window, other);
+    }
+    ui_automation::Press(key);
+    for (auto other = std::rbegin(held); other != std::rend(held); ++other) {
+        ui_automation::Release(*other);
+    }
+}
+
+/// A window with a frame is brought to the front; an open list of a combo box never is.
+void BringToFront(HWND window) {
+    const HWND top = ::GetAncestor(window, GA_ROOT);
+    if ((::GetWindowLongPtrA(top, GWL_STYLE) & WS_CAPTION) == WS_CAPTION && ::GetForegroundWindow() != top) {
+        ui_automation::Activate(top, kMoment);
+    }
+}
+
+bool HasFocus(HWND box) {
+    const HWND focus = ui_automation::FocusIn(box);
+    return focus == box || ::GetParent(focus) == box; // the text field of a combo box
+}
+
 /// Moves the pointer there and waits until it has stayed there for `rest`.
 void MoveTo(HWND window, int x, int y, std::chrono::milliseconds rest = std::chrono::milliseconds(30)) {
     POINT place{x, y};
@@ -57,9 +113,8 @@ void MoveTo(HWND window, int x, int y, std::chrono::milliseconds rest = std::chr
         }
         return std::chrono::steady_clock::now() - since > rest;
     });
-    if (!rests) {
-        throw std::runtime_error("the pointer does not come to rest");
-    }
+    Require(rests, "the pointer does not come to rest");
+    LetItHandleEvents(window);
 }
 
 /// A button ignores a click that follows the end of its command sooner than this, as a double click's second.
@@ -71,9 +126,59 @@ POINT MiddleOf(HWND window) {
     return {client.right / 2, client.bottom / 2};
 }
 
+/// True as long as the button would be clicked if the mouse's button were released now.
+bool IsPressed(HWND button) {
+    return (::SendMessageA(button, BM_GETSTATE, 0, 0) & BST_PUSHED) != 0 &&
+           ui_automation::CaptureIn(button) == button;
+}
+
 } // namespace
 
+void Press(HWND window, WORD key, const std::vector<WORD>& held) {
+    Require(ui_automation::Activate(window), "the window does not get the keyboard");
+    PressHolding(window, key, held);
+}
+
+bool PressUntil(HWND window, const std::function<bool()>& effect, WORD key, const std::vector<WORD>& held) {
+    for (int time = 0; time < kTries; ++time) {
+        if (effect()) {
+            return true;
+        }
+        if (ui_automation::Activate(window, kMoment)) {
+            PressHolding(window, key, held);
+        }
+        if (ui_automation::WaitFor(effect, kMoment)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void Type(HWND window, const std::string& text) {
+    Require(ui_automation::Activate(window), "the window does not get the keyboard");
+    ui_automation::TypeCharacters(text);
+}
+
+void Fill(HWND box, const std::string& text) {
+    const HWND window = ::GetAncestor(box, GA_ROOT);
+    for (int time = 0; time < kTries; ++time) {
+        Click(box);
+        if (!ui_automation::WaitFor([box] { return HasFocus(box); }, kMoment)) {
+            continue;
+        }
+        Press(window, VK_HOME);
+        PressHolding(window, VK_END, {VK_SHIFT});
+        PressHolding(window, VK_DELETE, {});
+        ui_automation::TypeCharacters(text);
+        if (ui_automation::WaitFor([&] { return ui_automation::Text(box) == text; }, kMoment)) {
+            return;
+        }
+    }
+    throw std::runtime_error("the text is \"" + ui_automation::Text(box) + "\" and not \"" + text + "\"");
+}
+
 void ClickAt(HWND window, int x, int y) {
+    BringToFront(window);
     MoveTo(window, x, y);
     ui_automation::ClickAt(window, x, y);
 }
@@ -85,6 +190,7 @@ void Click(HWND window) {
 
 std::chrono::milliseconds ClickTwice(HWND button, std::chrono::milliseconds between) {
     const POINT middle = MiddleOf(button);
+    BringToFront(button);
     MoveTo(button, middle.x, middle.y, kReaction);
     const auto start = std::chrono::steady_clock::now();
     ui_automation::ClickAt(button, middle.x, middle.y);
@@ -94,14 +200,12 @@ std::chrono::milliseconds ClickTwice(HWND button, std::chrono::milliseconds betw
 }
 
 void ClickButton(HWND button) {
-    constexpr int kPresses = 6;
-    constexpr std::chrono::seconds kNoticed{10}; // a program that answers messages also handles its input
     const POINT middle = MiddleOf(button);
-    for (int press = 0; press < kPresses; ++press) {
+    for (int press = 0; press < kTries; ++press) {
+        BringToFront(button);
         MoveTo(button, middle.x, middle.y, kReaction);
         ui_automation::PressAt(button, middle.x, middle.y);
-        const bool down = ui_automation::WaitFor(
-            [button] { return (::SendMessageA(button, BM_GETSTATE, 0, 0) & BST_PUSHED) != 0; }, kNoticed);
+        const bool down = ui_automation::WaitFor([button] { return IsPressed(button); }, kMoment);
         ui_automation::ReleaseAt(button, middle.x, middle.y);
         if (down) {
             return;

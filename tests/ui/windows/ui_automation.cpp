@@ -1,7 +1,9 @@
 #include "ui/windows/ui_automation.h"
 
+#include <algorithm>
 #include <fstream>
 #include <thread>
+#include <utility>
 
 #include "platform/pending_events.h"
 
@@ -52,6 +54,18 @@ POINT OnScreen(HWND window, int x, int y) {
     POINT point{x, y};
     ::ClientToScreen(window, &point);
     return point;
+}
+
+/// The state of the thread that the window belongs to.
+GUITHREADINFO StateOf(HWND window) {
+    GUITHREADINFO state{};
+    state.cbSize = sizeof state;
+    ::GetGUIThreadInfo(::GetWindowThreadProcessId(window, nullptr), &state);
+    return state;
+}
+
+bool IsIn(HWND window, HWND part) {
+    return part == window || ::IsChild(window, part) != 0;
 }
 
 void Send(std::vector<INPUT> inputs) {
@@ -107,13 +121,17 @@ class Canvas {
 } // namespace
 
 bool WaitFor(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
-    const auto end = std::chrono::steady_clock::now() + limit;
-    for (;;) {
+    // While this program or the one that the condition asks stands still, nothing can change.
+    constexpr std::chrono::steady_clock::duration kLongestLook = std::chrono::milliseconds(100);
+    std::chrono::steady_clock::duration waited{};
+    for (auto before = std::chrono::steady_clock::now();;) {
         platform::RunPendingEvents();
         if (condition()) {
             return true;
         }
-        if (std::chrono::steady_clock::now() > end) {
+        const auto now = std::chrono::steady_clock::now();
+        waited += std::min(now - std::exchange(before, now), kLongestLook);
+        if (waited > limit) {
             return false;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -154,16 +172,37 @@ RECT PlaceIn(HWND window, HWND other) {
     return place;
 }
 
-bool Activate(HWND window) {
-    ::SetForegroundWindow(window);
-    return WaitFor([window] { return ::GetForegroundWindow() == window; });
+bool Activate(HWND window, std::chrono::milliseconds limit) {
+    constexpr std::chrono::milliseconds kBetween{10};
+    constexpr int kEnough = 5;    // looks at a window in front, with the focus
+    constexpr int kPatience = 50; // the same without it, while a command has disabled the control that had it
+    int kept = 0;
+    int missed = 0;
+    const auto has_keyboard = [&] {
+        if (::GetForegroundWindow() != window) {
+            kept = 0;
+            if (missed++ % kPatience == 0) {
+                ::SetForegroundWindow(window);
+            }
+            return false;
+        }
+        missed = 0;
+        ++kept;
+        return kept >= (IsIn(window, FocusIn(window)) ? kEnough : kPatience);
+    };
+    const auto gone_or_ready = [&] {
+        std::this_thread::sleep_for(kBetween);
+        return ::IsWindow(window) == 0 || has_keyboard();
+    };
+    return WaitFor(gone_or_ready, limit) && ::IsWindow(window) != 0;
 }
 
 HWND FocusIn(HWND top) {
-    GUITHREADINFO info{};
-    info.cbSize = sizeof info;
-    ::GetGUIThreadInfo(::GetWindowThreadProcessId(top, nullptr), &info);
-    return info.hwndFocus;
+    return StateOf(top).hwndFocus;
+}
+
+HWND CaptureIn(HWND top) {
+    return StateOf(top).hwndCapture;
 }
 
 void PressAt(HWND window, int x, int y) {
@@ -198,6 +237,32 @@ void Type(const std::string& text) {
             Press(LOBYTE(key));
         }
     }
+}
+
+void TypeCharacters(const std::string& text) {
+    std::vector<INPUT> inputs;
+    for (const char character : text) {
+        INPUT input{};
+        input.type = INPUT_KEYBOARD;
+        input.ki.wScan = static_cast<unsigned char>(character);
+        input.ki.dwFlags = KEYEVENTF_UNICODE;
+        inputs.push_back(input);
+        input.ki.dwFlags |= KEYEVENTF_KEYUP;
+        inputs.push_back(input);
+    }
+    Send(std::move(inputs));
+}
+
+void PressDown(WORD key) {
+    Send({KeyInput(key, false)});
+}
+
+void Release(WORD key) {
+    Send({KeyInput(key, true)});
+}
+
+bool IsDown(WORD key) {
+    return ::GetAsyncKeyState(key) < 0;
 }
 
 void Press(WORD key, const std::vector<WORD>& held) {

@@ -11,7 +11,8 @@
 
 namespace ui_automation {
 
-/// Waits until the condition holds, and handles this thread's messages meanwhile. False after `limit`.
+/// Waits until the condition holds, and handles this thread's messages meanwhile. False after `limit`, of
+/// which a look at the condition uses up a tenth of a second at most, however long it takes.
 bool WaitFor(const std::function<bool()>& condition,
              std::chrono::milliseconds limit = std::chrono::minutes(1));
 
@@ -24,11 +25,14 @@ std::string ClassOf(HWND window);
 /// The window's rectangle in the client area of another window.
 RECT PlaceIn(HWND window, HWND other);
 
-/// Brings the window to the front and waits until it has the keyboard's input.
-bool Activate(HWND window);
+/// Brings the window to the front and waits until it or a control in it has had the keyboard's input for some
+/// time. False after `limit`, and if the window goes.
+bool Activate(HWND window, std::chrono::milliseconds limit = std::chrono::minutes(1));
 
 /// The control that has the focus in the thread of that window, which may belong to another process.
 HWND FocusIn(HWND top);
+/// The window that gets the mouse's input while a button is held, in the same thread.
+HWND CaptureIn(HWND top);
 
 /// Presses the left mouse button at a point in the window's client area.
 void PressAt(HWND window, int x, int y);
@@ -40,8 +44,14 @@ void ClickAt(HWND window, int x, int y);
 void Click(HWND window);
 /// Types characters of a US keyboard: letters, digits, blanks and signs.
 void Type(const std::string& text);
+/// The same without keys, as an on-screen keyboard does it: no Shift has to be held for it.
+void TypeCharacters(const std::string& text);
 /// Presses and releases a key while the `held` keys are down.
 void Press(WORD key, const std::vector<WORD>& held = {});
+void PressDown(WORD key);
+void Release(WORD key);
+/// True as long as the key is held.
+bool IsDown(WORD key);
 /// Presses a key, repeats it `repeats` times as a held key does, and releases it.
 void Hold(WORD key, int repeats);
 
