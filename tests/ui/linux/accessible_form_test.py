@@ -145,6 +145,16 @@ class AccessibleForm(unittest.TestCase):
             self.assertEqual(form.next_report(), 'optCreateInstallScriptFiles clicked')
             self.assertFalse(form.find('option button', 'Create script files').getState().contains(pyatspi.STATE_CHECKED))
 
+    def test_a_text_entered_into_a_combo_box_reaches_the_program(self):
+        with ShownForm('main', TITLE) as form:
+            form.choose_tab('Replication')
+            box = form.find('combo box', 'Database:')
+            line = next(part for part in box if part.getRoleName() in ROLES['text box'])
+            for text in ('Batch', 'Batch2'):
+                line.queryEditableText().setTextContents(text)
+                self.assertEqual(form.next_report(), f'cboSQLReplicationDatabase {text}')
+            self.assertEqual(line.queryText().getText(0, -1), 'Batch2')
+
     def test_typing_is_reported_except_in_a_password(self):
         with ShownForm('main', TITLE) as form:
             heard = []

@@ -1,7 +1,8 @@
 // Shows one of the console's forms until it is closed, for the tests that read it as assistive technology
 // does (accessible_tree.py). Writes a line for each control on the terminal: tab (-1 outside the tabs), kind,
 // identifier, caption, tool tip, separated by tabs. Later it writes a line for each text that is entered into
-// the domain's name or the dialog's value, and for each click on "Create and Install script files".
+// the domain's name, the database of the Replication tab or the dialog's value, and for each click on "Create
+// and Install script files".
 //
 //   shown_form main|grey|dialog
 //
@@ -42,8 +43,9 @@ void Describe(const ui::Form& form) {
     std::fflush(stdout);
 }
 
+template <typename Box>
 void ReportText(ui::Form& form, const char* name) {
-    auto& box = form.Get<ui::TextBox>(name);
+    auto& box = form.Get<Box>(name);
     box.on_change = [&box, name] {
         std::printf("%s %s\n", name, box.Text().c_str());
         std::fflush(stdout);
@@ -80,7 +82,7 @@ void DisableUpgradeTab(ui::Form& form) {
 /// Shows the dialog until it is closed.
 void ShowDialog(ui::Form& owner) {
     ui::Form dialog(kv::ProceduresFormDesign());
-    ReportText(dialog, "edtValue");
+    ReportText<ui::TextBox>(dialog, "edtValue");
     CloseByButton(dialog);
     Describe(dialog);
     ui::ShowModally(dialog, owner);
@@ -100,7 +102,8 @@ int main(int argc, char** argv) {
     if (which == "grey") {
         DisableUpgradeTab(form);
     }
-    ReportText(form, "edtDomainName");
+    ReportText<ui::TextBox>(form, "edtDomainName");
+    ReportText<ui::ComboBox>(form, "cboSQLReplicationDatabase");
     ReportClick(form.Get<ui::OptionButton>("optCreateInstallScriptFiles", 1));
     CloseByButton(form);
     window->Show();

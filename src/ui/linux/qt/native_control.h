@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
+#include <QString>
 #include <QWidget>
 
 #include "ui/form.h"
@@ -14,6 +16,8 @@ struct NativeControl {
     Control* control = nullptr;
     QWidget* widget = nullptr; ///< owned by the form's window; null until it is made
     std::uint32_t stale = 0;   ///< one bit for each Property that the native control may not show yet
+    /// Of a combo box: a text that was not typed, until it is known whether it comes from a choice.
+    std::optional<QString> entered;
 };
 
 constexpr std::uint32_t Bit(Property property) {

@@ -60,6 +60,7 @@ class NativeForm final : public Window, private Mirror, private QObject {
     void ListenToButton(NativeControl& native);
     void ListenToToggle(NativeControl& native);
     void ListenToComboBox(NativeControl& native);
+    void ListenToEnteredText(NativeControl& native);
     void ListenToListBox(NativeControl& native);
     void ListenToTabs(NativeControl& native);
     void ReportClick(NativeControl& native);

@@ -1,6 +1,9 @@
 // Reports to the form what the operator does to the native controls. Changes that the program makes cause
 // other signals, or signals while `showing_` is set. A native control shows an act at once, although the form
 // may refuse it; so the property is marked stale, and the control is compared with the form afterwards.
+#include <optional>
+#include <utility>
+
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
@@ -84,6 +87,7 @@ void NativeForm::ListenToComboBox(NativeControl& native) {
     auto& box = static_cast<ComboBox&>(*native.control);
     auto* widget = static_cast<QComboBox*>(native.widget);
     QObject::connect(widget, &QComboBox::activated, widget, [this, &native, &box](int index) {
+        native.entered.reset();
         Stale(native, Property::ListIndex);
         if (index != box.ListIndex()) {
             Report([&] { Choose(box, index); });
@@ -95,7 +99,28 @@ void NativeForm::ListenToComboBox(NativeControl& native) {
                              Stale(native, Property::Text);
                              Report([&] { Edit(box, FromQt(text)); });
                          });
+        ListenToEnteredText(native);
     }
+}
+
+/// A text that is neither typed nor chosen is one that assistive technology enters. A choice sets the text
+/// before it is reported, so such a text is reported from the queue, when no choice has been.
+void NativeForm::ListenToEnteredText(NativeControl& native) {
+    auto& box = static_cast<ComboBox&>(*native.control);
+    const QLineEdit* line = static_cast<QComboBox*>(native.widget)->lineEdit();
+    const auto report = [this, &native, &box] {
+        if (const auto text = std::exchange(native.entered, std::nullopt)) {
+            Stale(native, Property::Text);
+            Report([&] { Edit(box, FromQt(*text)); });
+        }
+    };
+    QObject::connect(line, &QLineEdit::textChanged, native.widget, [=, this, &native](const QString& text) {
+        native.entered.reset();
+        if (!showing_ && !line->isModified()) { // a typed text is modified
+            native.entered = text;
+            QMetaObject::invokeMethod(native.widget, report, Qt::QueuedConnection);
+        }
+    });
 }
 
 void NativeForm::ListenToListBox(NativeControl& native) {
