@@ -1,3 +1,4 @@
+// Builds the lines of the error log and appends them to its file.
 #include "base/error_log.h"
 
 #include <array>
@@ -22,7 +23,8 @@ class WritingMark {
     ~WritingMark() { writing = false; }
 };
 
-/// Makes nothing if a plain file has that name. Another process may make the folder after the lookup.
+/// Makes the folder Data beside the program. Does nothing if a folder or a plain file has that name. Another
+/// process may make the folder after the lookup, so AlreadyExists is not an error.
 void MakeDataFolder() {
     const std::string folder = platform::ExecutableFolder() + "\\Data";
     if (platform::FolderExists(folder) || platform::FileExists(folder)) {

@@ -1,4 +1,4 @@
-// The error log: one text file to which any routine appends one line when its failure handler runs.
+// The error log: one text file. A routine whose failure handler runs appends one line to it.
 #pragma once
 
 #include <string>
@@ -8,15 +8,16 @@
 
 namespace kv {
 
-/// The line without its line end. It has number and description only if there is a current error, which
-/// WriteErrorLog has cleared before it writes its line.
+/// Returns the text of one line of the log, without its line end. `strSource` names the routine that failed.
+/// The error's number and description are added only if `error.number` is not 0.
 std::string ErrorLogLine(const platform::LocalTime& time, const std::string& strSource,
                          const ErrorState& error);
 
-/// Appends one line that begins with the local date and time, " : Error in " and `strSource`, to the
-/// program's log. The log folder is the default value of the log key (registry_locations.h); reading it
-/// clears the current error. Makes the folder Data beside the program as a side effect. Failures go to the
-/// caller. A nested call, made while the log folder is being read, does nothing.
+/// Appends a line to the log, for the failure of the routine `strSource`. The log is the file "<program's
+/// name>.log" in the folder that the registry names (registry_locations.h, kLogKey). Reading that folder
+/// clears the current error, so the line has no number and no description. Also makes the folder Data beside
+/// the program if it is missing. Throws platform::FileError if the folder or the file cannot be written. A
+/// nested call, made while the log folder is being read, does nothing.
 void WriteErrorLog(const std::string& strSource);
 
 } // namespace kv

@@ -1,3 +1,4 @@
+// Keeps the current error and converts exceptions to failures: the table of file errors is here.
 #include "base/failure.h"
 
 #include <new>
@@ -34,6 +35,7 @@ Failure RunTimeFailure(std::int32_t number) {
     return {number, platform::ExecutableName(), run_time::Description(number)};
 }
 
+/// Returns the exception that is being handled as a Failure.
 Failure FailureInFlight() {
     try {
         throw;

@@ -1,5 +1,5 @@
-// Failures: the exception that a routine raises, the current error that it leaves, and the one way to arm a
-// handler. Knows no log, no window and no database.
+// Failures: the exception that a routine raises, the current error that the exception leaves, and the one way
+// to set a failure handler. Knows no log, no window and no database.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace kv {
 /// The number of every failure that the program raises for itself, 0x80040001.
 inline constexpr std::int32_t kProgramFailure = static_cast<std::int32_t>(0x80040001U);
 
-/// A raised failure. Three fields, as the current error has them.
+/// The program's exception. It has the same three fields as ErrorState.
 class Failure : public std::exception {
   public:
     Failure(std::int32_t number, std::string source, std::string description)
@@ -31,31 +31,31 @@ class Failure : public std::exception {
     std::string description_;
 };
 
-/// The state that a raised failure leaves; number 0 means no error. A routine that arms a handler clears it
-/// when it arms the handler and again when it returns.
+/// The current error: what the last raised failure has left. WithFailureHandler clears it when it starts and
+/// when it returns.
 struct ErrorState {
-    std::int32_t number = 0;
-    std::string source;
-    std::string description;
+    std::int32_t number = 0; ///< of run_time, of the database layer or kProgramFailure; 0 means no error
+    std::string source;      ///< the name of the program or the component that failed
+    std::string description; ///< the text for people
 };
 
-/// The current error of the one thread that the program has.
+/// Returns the current error. There is one for the whole program, which has one thread.
 const ErrorState& CurrentError();
 void ClearCurrentError();
 
 /// Sets the current error and throws the Failure.
 [[noreturn]] void RaiseFailure(std::int32_t number, std::string source, std::string description);
-/// Raises one of run_time's numbers with its text, the program's name as the source.
+/// Does the same with one of run_time's numbers and its text; the source is the program's name.
 [[noreturn]] void RaiseRunTimeFailure(std::int32_t number);
 
-/// To be called inside a catch (...): returns the exception in flight as a Failure and makes it the current
-/// error. The system's errors (a file error, no memory) become the failure of the run time with the same
-/// meaning, here and nowhere else.
+/// Must be called inside a catch block. Converts the exception that is being handled to a Failure, makes it
+/// the current error and returns it. Errors of the system (a file error, no memory) become the run time's
+/// failure with the same meaning; this is the only place that does so.
 Failure TranslateInFlight();
 
-/// Runs `body` with a failure handler armed. A failure goes to `handler` (which takes a const Failure&); then
-/// the routine goes on at its exit label: this function returns. The current error is cleared when the
-/// handler is armed and again on return. A failure inside `handler` goes to the caller.
+/// Runs `body`. If it throws anything, calls `handler` with the exception as a const Failure&. Returns
+/// normally in both cases, and clears the current error at the start and at the end. A failure inside
+/// `handler` goes to the caller.
 template <class Body, class Handler>
 void WithFailureHandler(Body&& body, Handler&& handler) {
     ClearCurrentError();

@@ -1,4 +1,4 @@
-// The signed 16-bit integer of the program's counters: a value that does not fit fails as an overflow.
+// A signed 16-bit integer for the program's counters. A value that does not fit raises an overflow failure.
 #pragma once
 
 #include <compare>
@@ -9,7 +9,7 @@
 
 namespace kv {
 
-/// Arithmetic raises run_time::kOverflow where the result does not fit; nothing wraps around.
+/// Every operation raises run_time::kOverflow if its result does not fit; nothing wraps around.
 class Int16 {
   public:
     constexpr Int16() = default;

@@ -1,4 +1,6 @@
-// Every place in the registry that the program reads or writes, and the defaults that its callers pass.
+// The names of every key and value in the registry that the program reads or writes, and the defaults that
+// its callers pass. The comment above each key names its hive and says what its values hold; all values are
+// text.
 #pragma once
 
 #include "registry/registry.h"
@@ -8,37 +10,39 @@ namespace kv::registry_locations {
 using registry::kHkeyCurrentUser;
 using registry::kHkeyLocalMachine;
 
-/// HKEY_LOCAL_MACHINE, the key's default value: the folder of the error log.
+/// In HKEY_LOCAL_MACHINE. The key's default value is the folder of the error log.
 inline constexpr const char* kLogKey = R"(SOFTWARE\ORVIK\QUORLEN\Log)";
 inline constexpr const char* kLogValue = "";
 inline constexpr const char* kLogDefault = R"(..\Log)";
 
-/// HKEY_LOCAL_MACHINE, here and on the backup node: how to reach the database server.
+/// In HKEY_LOCAL_MACHINE of this computer and of the backup node. The values are the database server's name
+/// and the login's user and password, in clear text.
 inline constexpr const char* kLoginKey = R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\Login)";
 inline constexpr const char* kServerNameValue = "ServerName";
 inline constexpr const char* kUserIdValue = "UserID";
 inline constexpr const char* kPasswordValue = "PWD";
 
-/// HKEY_CURRENT_USER, unlike all the others: the other computer of the pair.
+/// In HKEY_CURRENT_USER, unlike all the others. BackupNode is the name of the other computer of the redundant
+/// pair.
 inline constexpr const char* kRedundancyKey = R"(SOFTWARE\Orvik\Quorlen\Redundancy\Lotkeeper)";
 inline constexpr const char* kBackupNodeValue = "BackupNode";
 
-/// HKEY_LOCAL_MACHINE. UseTransactionalReplication is the only value that the program writes.
+/// In HKEY_LOCAL_MACHINE. UseTransactionalReplication is the only value that the program writes.
 inline constexpr const char* kCustomFunctionsKey = R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\CustomFunctions)";
 inline constexpr const char* kUseTransactionalReplicationValue = "UseTransactionalReplication";
 inline constexpr const char* kSqlServerInstalledValue = "SqlServerInstalled";
 
-/// HKEY_LOCAL_MACHINE. The main window opens this key itself before it reads the value.
+/// In HKEY_LOCAL_MACHINE. The main window opens this key itself before it reads the value.
 inline constexpr const char* kInstallationKey = R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\Installation)";
 inline constexpr const char* kSqlDomainValue = "SqlDomain";
 
-/// HKEY_LOCAL_MACHINE: the version of the database server. The doubled separators are the key's text as the
-/// program has always written it; the registry takes a run of them as one.
+/// In HKEY_LOCAL_MACHINE. The value is the version of the database server. The separators are doubled in the
+/// key's text as it is laid down; the registry takes a run of them as one.
 inline constexpr const char* kCurrentVersionKey =
     R"(SOFTWARE\\Microsoft\\Microsoft SQL Server\\KV_BATCH\\MSSQLServer\\CurrentVersion)";
 inline constexpr const char* kCurrentVersionValue = "CurrentVersion";
 
-/// HKEY_LOCAL_MACHINE: the folder of each version of the server's client tools.
+/// In HKEY_LOCAL_MACHINE, one key for each version of the server's client tools. SQLPath is their folder.
 inline constexpr const char* kClientSetup80Key =
     R"(SOFTWARE\Microsoft\Microsoft SQL Server\80\Tools\ClientSetup)";
 inline constexpr const char* kClientSetup90Key =

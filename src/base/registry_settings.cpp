@@ -1,3 +1,4 @@
+// Reads and writes string values of the registry, and logs failures.
 #include "base/registry_settings.h"
 
 #include <cstddef>
@@ -13,8 +14,8 @@ namespace registry_error = registry::error;
 constexpr std::size_t kValueBuffer = 400;   // bytes
 constexpr std::size_t kMessageBuffer = 200; // characters
 
-/// The raised number is the length of the system's text, not the system's number, as the log has always shown
-/// it. An error for which the system has no text is raised as an invalid call.
+/// The raised number is the length of the system's text, not the system's number: the log must show it so. If
+/// the system has no text for the error, an invalid call is raised.
 [[noreturn]] void RaiseRegistryFailure(const registry::RegistryError& error, const char* source) {
     constexpr std::size_t kLineEnd = 2; // the text's CR LF
     const std::string text = registry::SystemMessage(error, kMessageBuffer);
@@ -24,7 +25,7 @@ constexpr std::size_t kMessageBuffer = 200; // characters
     RaiseFailure(static_cast<std::int32_t>(text.size()), source, text.substr(0, text.size() - kLineEnd));
 }
 
-/// The log's name for a call: "mRegistry::" and the routine, the arguments in quotes.
+/// Returns the call as the log names it: "mRegistry::Routine('first', 'second')".
 template <class... Arguments>
 std::string CallText(const char* routine, const std::string& first, const Arguments&... others) {
     std::string text = std::string("mRegistry::") + routine + "('" + first;
@@ -36,8 +37,8 @@ void LogFailure(const std::string& call, const Failure& failure) {
     WriteErrorLog(call + ": " + std::to_string(failure.Number()) + " - " + failure.Description());
 }
 
-/// Up to the first NUL. Without a NUL the value filled the buffer or is not text, and loses the blanks at its
-/// end.
+/// Returns the text before the first NUL. If there is no NUL, the value has filled the buffer or is not text;
+/// then the blanks at its end are cut.
 std::string TextInBuffer(const std::string& buffer) {
     const auto nul = buffer.find('\0');
     if (nul != std::string::npos) {

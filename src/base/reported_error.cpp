@@ -1,3 +1,4 @@
+// The table of the run time's texts.
 #include "base/reported_error.h"
 
 #include <array>

@@ -1,5 +1,5 @@
-// The exceptions of the layers below the managers, which a failure handler understands without knowing those
-// layers: an error that a server, a driver or a COM object reported, and a failure of the run time.
+// The exceptions of the layers below the managers. failure.h converts them to failures without knowing those
+// layers.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,8 @@
 
 namespace kv {
 
-/// The failures of the run time, with the numbers and texts that its documentation gives them.
+/// The failures of the run time: errors of the program's own operations, such as a missing file or an
+/// overflow. Operators see these numbers and texts in message boxes and in the log.
 namespace run_time {
 inline constexpr std::int32_t kInvalidProcedureCall = 5;
 inline constexpr std::int32_t kOverflow = 6;
@@ -28,7 +29,8 @@ inline constexpr std::int32_t kObjectVariableNotSet = 91;
 inline constexpr std::int32_t kInvalidUseOfNull = 94;
 inline constexpr std::int32_t kCannotCreateObject = 429;
 
-/// The text of one of the numbers above; "Application-defined or object-defined error" for any other number.
+/// Returns the text of one of the numbers above; "Application-defined or object-defined error" for any other
+/// number.
 const char* Description(std::int32_t number);
 } // namespace run_time
 
@@ -39,7 +41,7 @@ class ReportedError : public std::exception {
         : number_(number), source_(std::move(source)), description_(std::move(description)) {}
 
     std::int32_t Number() const { return number_; }
-    /// The name of the component that reports it.
+    /// The name of the component that reported the error, such as "ADODB.Command".
     const std::string& Source() const { return source_; }
     const char* what() const noexcept override { return description_.c_str(); }
 

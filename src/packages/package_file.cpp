@@ -1,5 +1,5 @@
-// Reads package files. The numbers of its errors are those that structured storage gives for the same faults,
-// since that is what a package's storage file is on Windows.
+// Reads package files. The numbers of its errors are those that the structured storage of Windows gives for
+// the same faults, since a package's file on Windows is such a storage.
 #include "packages/package_file.h"
 
 #include <array>
@@ -25,11 +25,12 @@ constexpr std::int32_t kDamagedFile = StorageError(0x80030109U);
 
 constexpr const char* kSource = "Package file";
 constexpr std::string_view kFirstLine = "LKDTS 1";
-constexpr std::size_t kLongestName = 128; // sysname
-constexpr std::size_t kLongestDescription = 255;
+// In characters; the server stores a name as sysname.
+constexpr std::size_t kMaxName = 128;
+constexpr std::size_t kMaxDescription = 255;
 
-[[noreturn]] void Refuse(const std::string& path, const std::string& what) {
-    throw PackageError(kDamagedFile, kSource, "The package file " + path + " is damaged: " + what);
+[[noreturn]] void FailDamaged(const std::string& path, const std::string& reason) {
+    throw PackageError(kDamagedFile, kSource, "The package file " + path + " is damaged: " + reason);
 }
 
 std::int32_t NumberOf(platform::FileFault fault) {
@@ -49,11 +50,13 @@ std::int32_t NumberOf(platform::FileFault fault) {
     return kReadFault;
 }
 
-/// Reads the lines of the head, one after the other.
+/// Reads the lines of the head, one after the other. Throws PackageError with the number of the line. Both
+/// arguments must outlive it.
 class HeadReader {
   public:
     HeadReader(const std::string& path, std::string_view content) : path_(path), rest_(content) {}
 
+    /// Returns the next line without its line end.
     std::string_view NextLine() {
         ++line_;
         const std::size_t end = rest_.find('\n');
@@ -68,11 +71,11 @@ class HeadReader {
         return line;
     }
 
-    /// The value of the line "label: value".
+    /// Reads the next line, which must be "label: value", and returns the value.
     std::string Field(std::string_view label) {
         std::string_view line = NextLine();
         if (!line.starts_with(label) || !line.substr(label.size()).starts_with(':')) {
-            Expect(std::string(label).append(": "));
+            FailExpecting(std::string(label).append(": "));
         }
         line.remove_prefix(label.size() + 1);
         if (line.starts_with(' ')) {
@@ -84,12 +87,13 @@ class HeadReader {
         return std::string(line);
     }
 
-    [[noreturn]] void Expect(std::string_view text) const {
+    /// Fails because the current line is not `text`.
+    [[noreturn]] void FailExpecting(std::string_view text) const {
         Fail(std::string("\"").append(text).append("\" is expected"));
     }
 
-    [[noreturn]] void Fail(const std::string& what) const {
-        Refuse(path_, "line " + std::to_string(line_) + ": " + what);
+    [[noreturn]] void Fail(const std::string& reason) const {
+        FailDamaged(path_, "line " + std::to_string(line_) + ": " + reason);
     }
 
   private:
@@ -135,13 +139,13 @@ PackageFile ParsePackageFile(const std::string& path, std::string content) {
     PackageFile file;
     HeadReader head(path, content);
     if (head.NextLine() != kFirstLine) {
-        head.Expect(kFirstLine);
+        head.FailExpecting(kFirstLine);
     }
-    file.name = ReadText(head, "Name", kLongestName);
+    file.name = ReadText(head, "Name", kMaxName);
     if (file.name.empty()) {
         head.Fail("Name is empty");
     }
-    file.description = ReadText(head, "Description", kLongestDescription);
+    file.description = ReadText(head, "Description", kMaxDescription);
     file.package_id = ReadId(head, "PackageId");
     file.version_id = ReadId(head, "VersionId");
     if (!head.NextLine().empty()) {

@@ -1,5 +1,5 @@
-// The file in which a package is delivered: a head of five lines, an empty line, and a body that is stored
-// without being read. Knows nothing of servers.
+// Reads the file in which a DTS package is delivered: a head of five lines, an empty line, and a body that is
+// stored without being read. Knows nothing of servers.
 #pragma once
 
 #include <string>

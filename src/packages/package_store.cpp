@@ -17,8 +17,8 @@ namespace {
 
 constexpr unsigned kLoginSeconds = 60;
 constexpr unsigned kQuerySeconds = 300;
-constexpr std::size_t kLongestName = 128; // sysname
-/// sp_enum_dtspackages: the newest version of each package only.
+constexpr std::size_t kMaxPattern = 128; // characters; the procedure's parameter is a sysname
+/// The flag of sp_enum_dtspackages for listing only the newest version of each package.
 constexpr std::int64_t kNewestOnly = 1;
 /// The columns of sp_enum_dtspackages that are used, by position.
 enum EnumColumn : std::size_t { kName, kPackageId, kVersionId, kDescription, kCreateDate, kEnumColumns };
@@ -26,7 +26,8 @@ enum EnumColumn : std::size_t { kName, kPackageId, kVersionId, kDescription, kCr
 constexpr auto kInvalidParameter = static_cast<std::int32_t>(0x80070057U);
 constexpr const char* kSource = "Package store";
 
-[[noreturn]] void Rethrow(const odbc::OdbcError& error) {
+/// Throws the first record of a failed call as a PackageError.
+[[noreturn]] void ThrowAsPackageError(const odbc::OdbcError& error) {
     const odbc::Diagnostic& first = error.Diagnostics().front();
     throw PackageError(odbc::ErrorNumberOf(first.sql_state), kSource,
                        std::string(odbc::WithoutOrigin(first.message)) + " (SQLSTATE " + first.sql_state +
@@ -42,7 +43,7 @@ class MsdbConnection {
                                   kLoginSeconds);
     }
 
-    /// A statement that has run "{call …}" with the parameters.
+    /// Runs "{call …}" with the parameters and returns the statement, at its first result.
     odbc::Statement Call(const std::string& call, const std::vector<odbc::Parameter>& parameters) {
         odbc::Statement statement(connection_);
         statement.SetQueryTimeout(kQuerySeconds);
@@ -60,11 +61,13 @@ class MsdbConnection {
     odbc::Connection connection_;
 };
 
-/// Reads all further results: an error may come after the first one.
+/// Goes to the end of all results, since an error may come after the first one.
 void Drain(odbc::Statement& statement) {
     while (statement.MoreResults()) {
     }
 }
+
+// Values of parameters.
 
 odbc::Parameter Text(std::string text) {
     return {.type = odbc::SqlType::VarChar, .value = std::move(text)};
@@ -74,7 +77,7 @@ odbc::Parameter Null() {
     return {.type = odbc::SqlType::VarChar, .value = {}, .size = 1};
 }
 
-/// The id as text without its braces, which the server converts.
+/// Passes an id as text without braces, which the server converts.
 odbc::Parameter Id(std::string_view braced) {
     return Text(std::string(braced.substr(1, braced.size() - 2)));
 }
@@ -83,7 +86,7 @@ std::string Braced(const odbc::Guid& id) {
     return "{" + odbc::TextOf(id) + "}";
 }
 
-/// A random id (version 4).
+/// Makes a random id, a GUID of version 4.
 std::string NewId() {
     std::random_device random;
     odbc::Guid id;
@@ -103,8 +106,9 @@ std::string NewId() {
                            std::to_string(column + 1));
 }
 
+/// Returns the value of a column. Throws PackageError if it has another type.
 template <class Alternative>
-const Alternative& Get(const std::vector<odbc::Value>& row, std::size_t column) {
+const Alternative& ValueAs(const std::vector<odbc::Value>& row, std::size_t column) {
     const auto* value = std::get_if<Alternative>(&row[column]);
     if (value == nullptr) {
         RefuseColumn(column);
@@ -118,13 +122,13 @@ platform::LocalTime ToLocalTime(const odbc::Timestamp& stamp) {
 
 StoredPackage ReadPackage(const std::vector<odbc::Value>& row) {
     StoredPackage package;
-    package.info.name = Get<std::string>(row, kName);
-    package.package_id = Braced(Get<odbc::Guid>(row, kPackageId));
-    package.version_id = Braced(Get<odbc::Guid>(row, kVersionId));
+    package.info.name = ValueAs<std::string>(row, kName);
+    package.package_id = Braced(ValueAs<odbc::Guid>(row, kPackageId));
+    package.version_id = Braced(ValueAs<odbc::Guid>(row, kVersionId));
     if (!std::holds_alternative<std::monostate>(row[kDescription])) {
-        package.info.description = Get<std::string>(row, kDescription);
+        package.info.description = ValueAs<std::string>(row, kDescription);
     }
-    package.info.creation_date = ToLocalTime(Get<odbc::Timestamp>(row, kCreateDate));
+    package.info.creation_date = ToLocalTime(ValueAs<odbc::Timestamp>(row, kCreateDate));
     return package;
 }
 
@@ -142,7 +146,7 @@ void ForEachPackage(odbc::Statement& statement, const std::function<void(const S
     Drain(statement);
 }
 
-/// A LIKE pattern that only this name matches.
+/// Returns a LIKE pattern that only this name matches.
 std::string PatternOf(const std::string& name) {
     std::string pattern;
     for (const char character : name) {
@@ -152,7 +156,7 @@ std::string PatternOf(const std::string& name) {
             pattern += character;
         }
     }
-    if (pattern.size() > kLongestName) {
+    if (pattern.size() > kMaxPattern) {
         throw PackageError(kInvalidParameter, kSource, "The package name " + name + " is too long");
     }
     return pattern;
@@ -164,7 +168,7 @@ CreationTime TimeOf(const StoredPackage& package) {
     return {time.year, time.month, time.day, time.hour, time.minute, time.second};
 }
 
-/// The newest version of all packages with this name: several packages may have the same name.
+/// Finds the newest version of all packages with this name; several packages may have the same name.
 std::optional<StoredPackage> FindNewest(MsdbConnection& connection, const std::string& name) {
     odbc::Statement statement = connection.Call(
         "{call sp_enum_dtspackages(?, ?, ?, ?)}",
@@ -178,19 +182,20 @@ std::optional<StoredPackage> FindNewest(MsdbConnection& connection, const std::s
     return newest;
 }
 
+/// Runs `work`. An OdbcError in it becomes a PackageError.
 template <class Work>
-void ReportingErrors(Work&& work) {
+void WithPackageErrors(Work&& work) {
     try {
         std::forward<Work>(work)();
     } catch (const odbc::OdbcError& error) {
-        Rethrow(error);
+        ThrowAsPackageError(error);
     }
 }
 
 } // namespace
 
 void PackageStore::Add(const PackageFile& file) {
-    ReportingErrors([&] {
+    WithPackageErrors([&] {
         MsdbConnection connection(server_);
         odbc::Statement statement =
             connection.Call("{call sp_add_dtspackage(?, ?, ?, ?, ?, ?, ?)}",
@@ -206,7 +211,7 @@ void PackageStore::Add(const PackageFile& file) {
 }
 
 void PackageStore::RemoveNewest(const std::string& package_name) {
-    ReportingErrors([&] {
+    WithPackageErrors([&] {
         MsdbConnection connection(server_);
         const std::optional<StoredPackage> newest = FindNewest(connection, package_name);
         if (!newest) {
@@ -222,7 +227,7 @@ void PackageStore::RemoveNewest(const std::string& package_name) {
 }
 
 void PackageStore::List(const std::function<void(const StoredPackage&)>& take) {
-    ReportingErrors([&] {
+    WithPackageErrors([&] {
         MsdbConnection connection(server_);
         odbc::Statement statement = connection.Call("{call sp_enum_dtspackages}", {});
         ForEachPackage(statement, take);

@@ -1,5 +1,5 @@
-// The package store of a server's msdb, reached through the server's own procedures over ODBC: add, drop,
-// list. Text is code page 1252.
+// The DTS packages that a server keeps in its database msdb. They are added, removed and listed by the
+// server's own procedures, over ODBC. Text is in code page 1252.
 #pragma once
 
 #include <functional>
@@ -11,7 +11,7 @@
 
 namespace packages {
 
-/// How to reach a server. The texts are put into the connection string unchanged.
+/// The server and the login. The texts are put into the connection string unchanged.
 struct PackageServer {
     std::string server;
     std::string user;
@@ -21,11 +21,11 @@ struct PackageServer {
 /// One stored version of a package.
 struct StoredPackage {
     PackageInfo info;
-    std::string package_id; ///< "{…}"
-    std::string version_id; ///< "{…}"
+    std::string package_id; ///< the form of PackageFile::package_id
+    std::string version_id; ///< the same form
 };
 
-/// The packages of one server. Each call makes its own connection and throws PackageError.
+/// The packages of one server. Each call makes its own connection. Every failure is a PackageError.
 class PackageStore {
   public:
     explicit PackageStore(PackageServer server) : server_(std::move(server)) {}
@@ -33,8 +33,8 @@ class PackageStore {
     /// Stores the file's whole content under its package id as a new version. Each call makes a new version
     /// id, so a package that is saved twice is in the store twice.
     void Add(const PackageFile& file);
-    /// Removes the newest version of the package with this name, letter case ignored. Throws PackageError if
-    /// there is no such package.
+    /// Removes the version that was created last of all packages with this name, letter case ignored. Throws
+    /// PackageError if there is no such package.
     void RemoveNewest(const std::string& package_name);
     /// Calls `take` for every stored version of every package, in the server's order.
     void List(const std::function<void(const StoredPackage&)>& take);

@@ -1,3 +1,4 @@
+// Asks for a password by means of the terminal's functions; the same on every system.
 #include <iostream>
 
 #include "platform/terminal.h"
@@ -5,7 +6,7 @@
 namespace platform {
 namespace {
 
-/// While it lives, the terminal does not show what is typed.
+/// Turns the terminal's echo off until it is destroyed.
 class WithoutEcho {
   public:
     WithoutEcho() : before_(SetEcho(false)) {}

@@ -1,3 +1,4 @@
+// The parts of the command line service that are the same on every system.
 #include "platform/command_line.h"
 
 #include "platform/system_text.h"
@@ -5,10 +6,10 @@
 namespace platform {
 namespace {
 
-/// The number of backslashes at a place in the text, and whether a quote follows them.
+/// A run of backslashes in a text.
 struct Backslashes {
     std::size_t count = 0;
-    bool before_quote = false;
+    bool before_quote = false; ///< a double quote follows them
 };
 
 Backslashes CountBackslashes(const std::string& text, std::size_t at) {

@@ -1,4 +1,5 @@
-// The command line that the process was started with, and how a string of parameters is split into arguments.
+// Reads the command line with which the process was started, and splits strings of parameters into arguments.
+// Text is in code page 1252.
 #pragma once
 
 #include <optional>
@@ -7,15 +8,16 @@
 
 namespace platform {
 
-/// The command line after the program's name as one string, quotes included, as it was typed. Nothing on a
-/// system that provides only the split arguments.
+/// Returns the command line after the program's name as it was typed: one string, quotes included. Returns
+/// nothing on Linux, which provides only the split arguments.
 std::optional<std::string> RawCommandLine();
 
-/// The arguments of main without the program's name, in the code page.
+/// Converts the arguments of main from the system's text and leaves out the first, the program's name.
 std::vector<std::string> ProgramArguments(int argc, const char* const* argv);
 
-/// Splits a parameter string as a Windows program splits its command line: blanks and tabs separate, double
-/// quotes group, \" is a quote, backslashes are special only before a quote, "" inside quotes is a quote.
+/// Splits a string of parameters as a Windows program splits its command line. Blanks and tabs separate
+/// arguments, except between double quotes. \" stands for a quote, and so does "" between quotes. Backslashes
+/// are special only before a quote.
 std::vector<std::string> SplitArguments(const std::string& parameters);
 
 } // namespace platform

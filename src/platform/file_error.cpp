@@ -1,3 +1,4 @@
+// The texts of file errors.
 #include "platform/files.h"
 
 namespace platform {

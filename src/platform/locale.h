@@ -1,5 +1,5 @@
-// How the user's locale writes numbers, dates and truth values. The service only provides these forms;
-// callers convert.
+// Reads how a locale writes numbers, dates and truth values. Converts nothing: callers do that with the forms
+// that they get here.
 #pragma once
 
 #include <array>
@@ -8,17 +8,18 @@
 
 namespace platform {
 
-/// Text is in the program's code page. The initial values are the forms of English (United States). They are
-/// also used for a locale that the machine does not have, and for a form that the code page cannot hold.
+/// The forms of one locale, in code page 1252. The initial values are those of English (United States). They
+/// are also used for a locale that the machine does not have, and for a form that has a character which the
+/// code page lacks.
 struct LocaleForms {
     using MonthNames = std::array<std::string, 12>;
 
     std::string decimal_point = ".";
-    /// Between groups of digits; empty if the locale does not group. Every kind of space is given as a
-    /// no-break space.
+    /// The text between groups of digits; empty if the locale does not group digits. Every kind of space is
+    /// given as a no-break space (0xA0).
     std::string group_separator = ",";
-    /// The sizes of the groups, from the decimal point to the left; the last one applies to all further
-    /// groups.
+    /// The numbers of digits in the groups, from the decimal point to the left. The last one applies to all
+    /// further groups.
     std::vector<std::size_t> group_sizes = {3};
     std::string currency_symbol = "$";
     std::string true_word = "True";
@@ -37,11 +38,11 @@ struct LocaleForms {
     friend bool operator==(const LocaleForms&, const LocaleForms&) = default;
 };
 
-/// The forms of the user's locale, read once.
+/// Returns the forms of the user's locale, which are read at the first call. Valid until the program ends.
 const LocaleForms& UserLocale();
 
-/// The forms of a locale with a name such as "de-DE"; the empty name is the user's locale. The initial values
-/// if the machine does not have the locale.
+/// Reads the forms of a locale with a name such as "de-DE"; an empty name means the user's locale. Returns
+/// the initial values if the machine does not have the locale.
 LocaleForms NamedLocale(const std::string& name);
 
 } // namespace platform

@@ -4,8 +4,9 @@
 
 namespace platform {
 
-/// After this call a crash of this process writes no dump of its memory. On Linux the same holds for the
-/// processes that it starts, and only root can attach to it.
+/// After this call a crash of this process writes no dump of its memory; on Windows the system's error report
+/// leaves out the heap. On Linux the same holds for the processes that it starts, and only root can attach a
+/// debugger to it. A failure is ignored.
 void KeepMemoryOutOfCrashes();
 
 } // namespace platform

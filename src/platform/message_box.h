@@ -1,4 +1,4 @@
-// A message box with a text, an icon and an OK button.
+// Shows a message box with a text, an icon and an OK button. Text is in code page 1252.
 #pragma once
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// Message boxes as lines on the terminal.
 #include "platform/message_text.h"
 
 #include "platform/terminal.h"

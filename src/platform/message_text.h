@@ -1,4 +1,4 @@
-// Message boxes as text on a terminal.
+// Writes message boxes as text on a terminal, for runs without windows.
 #pragma once
 
 #include <string>
@@ -7,7 +7,8 @@
 
 namespace platform {
 
-/// "title: text" in lines of the terminal, marked with "!" for an exclamation and "X" for a critical message.
+/// Returns "title: text" with "\n" after each line. After the title comes " (!)" for an exclamation and "
+/// (X)" for a critical message.
 std::string MessageAsLines(const std::string& text, MessageIcon icon, const std::string& title);
 
 /// Writes the message to the terminal, and waits for Enter if the terminal is interactive.

@@ -1,5 +1,5 @@
-// Converts 8-bit text of code page 1252 to and from the text of the system's 8-bit calls: arguments, names of
-// files, the terminal.
+// Converts the program's text (code page 1252) to and from the text that the system's 8-bit calls use for
+// arguments, names of files and the terminal.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace platform {
 
-/// Converts text of the system. On Windows the two are the same. On Linux the system's text is UTF-8: a
-/// character that the code page lacks becomes an escape (text/escaped.h), so that a file with such a name can
-/// still be opened.
+/// Converts text of the system to text of the program. On Windows the two are the same. On Linux the system's
+/// text is UTF-8: a character that the code page lacks becomes an escape (text/escaped.h), so that a file
+/// with such a name can still be opened.
 std::string FromSystemText(std::string_view text);
-/// The reverse: ToSystemText(FromSystemText(text)) is `text`.
+/// Converts in the other direction: ToSystemText(FromSystemText(text)) is `text`.
 std::string ToSystemText(std::string_view text);
 
 } // namespace platform

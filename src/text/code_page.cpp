@@ -1,3 +1,4 @@
+// Code page 1252: the table of its characters and the conversions.
 #include "text/code_page.h"
 
 #include <algorithm>
@@ -6,11 +7,10 @@
 namespace text {
 namespace {
 
-/// The characters of the bytes 0x80 to 0x9F. The five bytes to which the code page gives no character are the
-/// control characters with the same number, as on Windows. Every other byte is the character with the same
-/// number.
-constexpr unsigned char kFirstOdd = 0x80;
-constexpr std::array<char16_t, 32> kOdd = {
+/// The characters of the bytes 0x80 to 0x9F. Every other byte is the character with the same number. So are
+/// the five bytes of this range to which the code page gives no character, as on Windows.
+constexpr unsigned char kFirstSpecial = 0x80;
+constexpr std::array<char16_t, 32> kSpecial = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
@@ -24,17 +24,17 @@ bool IsLowSurrogate(char16_t unit) {
 
 char16_t WidenCharacter(char byte) {
     const auto code = static_cast<unsigned char>(byte);
-    const bool odd = code >= kFirstOdd && code < kFirstOdd + kOdd.size();
-    return odd ? kOdd[code - kFirstOdd] : static_cast<char16_t>(code);
+    const bool special = code >= kFirstSpecial && code < kFirstSpecial + kSpecial.size();
+    return special ? kSpecial[code - kFirstSpecial] : static_cast<char16_t>(code);
 }
 
 std::optional<char> NarrowCharacter(char32_t character) {
-    if (character < kFirstOdd || (character >= kFirstOdd + kOdd.size() && character <= 0xFF)) {
+    if (character < kFirstSpecial || (character >= kFirstSpecial + kSpecial.size() && character <= 0xFF)) {
         return static_cast<char>(character);
     }
-    const auto* const at = std::ranges::find(kOdd, character);
-    return at != kOdd.end() ? std::optional(static_cast<char>(kFirstOdd + (at - kOdd.begin())))
-                            : std::nullopt;
+    const auto* const at = std::ranges::find(kSpecial, character);
+    return at != kSpecial.end() ? std::optional(static_cast<char>(kFirstSpecial + (at - kSpecial.begin())))
+                                : std::nullopt;
 }
 
 std::u16string Widen(std::string_view text) {
@@ -57,7 +57,7 @@ char* NarrowTo(char* to, std::u16string_view text) {
         seen |= from[i];
         ascii[i] = static_cast<char>(from[i]);
     }
-    if (seen < kFirstOdd) { // most text is ASCII and needs no conversion
+    if (seen < kFirstSpecial) { // most text is ASCII and needs no conversion
         return to + text.size();
     }
     for (const char16_t unit : text) {

@@ -1,3 +1,4 @@
+// Writes and reads escaped text; escaped.h describes its form.
 #include "text/escaped.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ constexpr char kBegin = '\x81';
 constexpr char kEnd = '\x9D';
 constexpr char kByteMark = 'x';
 constexpr std::string_view kDigits = "0123456789ABCDEF";
-constexpr std::size_t kMostDigits = 6;
+constexpr std::size_t kMaxDigits = 6;
 constexpr char32_t kLastCharacter = 0x10FFFF;
 
 std::string Hex(char32_t number) {
@@ -34,14 +35,14 @@ std::string EscapeOfByte(char byte) {
 }
 
 struct Escape {
-    std::size_t length;
+    std::size_t length; ///< in bytes, with its first and last byte
     bool is_byte;
-    char32_t number;
+    char32_t number; ///< of the character or the byte
 };
 
-/// The number in hexadecimal digits; nothing if Hex would write it in another way.
-std::optional<char32_t> NumberOf(std::string_view digits) {
-    if (digits.empty() || digits.size() > kMostDigits || digits.front() == '0') {
+/// Parses hexadecimal digits. Returns nothing unless they are exactly those that Hex would write.
+std::optional<char32_t> ParseHex(std::string_view digits) {
+    if (digits.empty() || digits.size() > kMaxDigits || digits.front() == '0') {
         return std::nullopt;
     }
     char32_t number = 0;
@@ -61,7 +62,7 @@ std::optional<Escape> EscapeAt(std::string_view text) {
     if (text.empty() || text.front() != kBegin) {
         return std::nullopt;
     }
-    const auto end = text.substr(0, kMostDigits + 2).find(kEnd);
+    const auto end = text.substr(0, kMaxDigits + 2).find(kEnd);
     if (end == std::string_view::npos) {
         return std::nullopt;
     }
@@ -70,20 +71,22 @@ std::optional<Escape> EscapeAt(std::string_view text) {
     if (is_byte) {
         digits.remove_prefix(1);
     }
-    const auto number = NumberOf(digits);
-    const auto is_meant = [&] {
+    const auto number = ParseHex(digits);
+    // True if EscapedFromUtf8 would write this escape.
+    const auto is_valid = [&] {
         constexpr char32_t kLastAscii = 0x7F;
         constexpr char32_t kLastByte = 0xFF;
         if (is_byte) {
             return *number > kLastAscii && *number <= kLastByte;
         }
-        // The byte that begins an escape is itself escaped where the text after it would make it one.
+        // A plain kBegin is escaped if it and the text after it would otherwise look like an escape.
         return *number <= kLastCharacter &&
                (!NarrowCharacter(*number) || *number == static_cast<unsigned char>(kBegin));
     };
-    return number && is_meant() ? std::optional(Escape{end + 1, is_byte, *number}) : std::nullopt;
+    return number && is_valid() ? std::optional(Escape{end + 1, is_byte, *number}) : std::nullopt;
 }
 
+/// Builds escaped text from characters and bytes.
 class Escaper {
   public:
     void Append(char32_t character) {
@@ -99,8 +102,9 @@ class Escaper {
     }
     void AppendByte(char byte) { text_ += EscapeOfByte(byte); }
 
+    /// Returns the text. The object must not be used afterwards.
     std::string Take() {
-        // From the last to the first, so that the remaining places stay valid.
+        // Replaces from the last to the first, so that the remaining positions stay valid.
         std::for_each(plain_begins_.rbegin(), plain_begins_.rend(), [&](std::size_t place) {
             if (EscapeAt(std::string_view(text_).substr(place))) {
                 text_.replace(place, 1, EscapeOf(static_cast<unsigned char>(kBegin)));
@@ -111,7 +115,7 @@ class Escaper {
 
   private:
     std::string text_;
-    std::vector<std::size_t> plain_begins_; ///< where the byte that begins an escape is a plain character
+    std::vector<std::size_t> plain_begins_; ///< positions of kBegin that are plain characters
 };
 
 /// Hands every character of the text to `take_character` and every escaped byte to `take_byte`.

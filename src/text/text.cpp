@@ -1,3 +1,4 @@
+// Letter case by tables that are made at compile time, and plain searching.
 #include "text/text.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Encodes and decodes UTF-8 and UTF-16.
 #include "text/utf8.h"
 
 #include <algorithm>
@@ -11,7 +12,7 @@ constexpr char32_t kFirstPair = 0x10000; ///< the first character of two UTF-16 
 constexpr char32_t kFirstHigh = 0xD800;
 constexpr char32_t kFirstLow = 0xDC00;
 constexpr char32_t kLastLow = 0xDFFF;
-constexpr unsigned kHalf = 10; ///< bits of a character in each of its two units
+constexpr unsigned kHalf = 10; ///< the number of a character's bits in each of its two units
 constexpr char32_t kHalfMask = 0x3FF;
 
 } // namespace

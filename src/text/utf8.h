@@ -1,4 +1,4 @@
-// UTF-8 to and from UTF-16, and UTF-16 to and from bytes.
+// Converts UTF-8 to and from UTF-16, and UTF-16 to and from bytes.
 #pragma once
 
 #include <bit>
@@ -8,23 +8,25 @@
 
 namespace text {
 
-/// Takes one well-formed character from the front of `bytes`, which must not be empty. Returns nothing, and
-/// takes nothing, if there is no such character.
+/// Removes one character from the front of `bytes`, which must not be empty, and returns it. If the bytes
+/// there are not valid UTF-8, returns nothing and removes nothing.
 std::optional<char32_t> TakeUtf8(std::string_view& bytes);
-/// Half of a surrogate pair is encoded like any other number.
+/// Appends the character as UTF-8. Half of a surrogate pair is encoded like any other number.
 void AppendUtf8(std::string& bytes, char32_t character);
-/// Appends one unit, or two from U+10000 on.
+/// Appends the character as UTF-16: one unit, or two from U+10000 on.
 void AppendUtf16(std::u16string& characters, char32_t character);
-/// Takes one character of one or two units from the front of `characters`, which must not be empty.
+/// Removes one character of one or two units from the front of `characters`, which must not be empty, and
+/// returns it. Half of a surrogate pair is returned as it is.
 char32_t TakeUtf16(std::u16string_view& characters);
 
-/// Returns nothing if the bytes are not well-formed UTF-8.
+/// Converts UTF-8 to UTF-16. Returns nothing if the bytes are not valid UTF-8.
 std::optional<std::u16string> FromUtf8(std::string_view bytes);
+/// Converts UTF-16 to UTF-8, as AppendUtf8 does for each character.
 std::string ToUtf8(std::u16string_view characters);
 
-/// The UTF-16 characters of their bytes in this order; a last odd byte is left out.
+/// Reads UTF-16 from its bytes, which have the byte order `order`. A single byte at the end is ignored.
 std::u16string FromUtf16Bytes(std::string_view bytes, std::endian order = std::endian::little);
-/// Little-endian.
+/// Returns the bytes of UTF-16 in little-endian order.
 std::string ToUtf16Bytes(std::u16string_view characters);
 
 } // namespace text

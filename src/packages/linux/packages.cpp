@@ -1,5 +1,4 @@
-// The two objects on a system without COM, by means of the package file and the package store of the server's
-// msdb.
+// The two objects on Linux, which has no COM. They use the package file and the server's package store.
 #include "packages/packages.h"
 
 #include <optional>

@@ -1,5 +1,5 @@
-// Late bound calls over IDispatch. COM is initialised by the first object and uninitialised at the end of the
-// process: the program has one thread.
+// Calls by name over IDispatch. The first object initialises COM for the program's one thread; it stays so
+// until the process ends.
 #include "packages/windows/automation.h"
 
 #include <objbase.h>
@@ -20,6 +20,7 @@ struct FreeLocal {
     void operator()(wchar_t* text) const { LocalFree(text); }
 };
 
+/// Returns the system's text for the number, without its line end.
 std::string SystemText(HRESULT result) {
     wchar_t* raw = nullptr;
     const DWORD length = FormatMessageW(
@@ -34,7 +35,7 @@ std::string SystemText(HRESULT result) {
 }
 
 /// Throws the failure that an object reported. The code is in `scode` or, with older objects, in `wCode`.
-[[noreturn]] void ThrowException(EXCEPINFO& info, const std::string& what) {
+[[noreturn]] void ThrowException(EXCEPINFO& info, const std::string& call_name) {
     if (info.pfnDeferredFillIn != nullptr) {
         info.pfnDeferredFillIn(&info);
     }
@@ -44,11 +45,12 @@ std::string SystemText(HRESULT result) {
     const std::int32_t number = info.wCode != 0 ? info.wCode : info.scode;
     std::string text = description.Text();
     if (text.empty()) {
-        text = what + ": " + SystemText(number);
+        text = call_name + ": " + SystemText(number);
     }
     throw PackageError(number, source.Text(), std::move(text));
 }
 
+/// Initialises COM, and uninitialises it in the destructor.
 class Apartment {
   public:
     Apartment() : entered_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
@@ -68,18 +70,19 @@ void EnterApartment() {
     static const Apartment apartment;
 }
 
-Variant Converted(const VARIANT& value, VARTYPE type, const std::string& what) {
+/// Returns the value, converted to another type. Throws PackageError.
+Variant Converted(const VARIANT& value, VARTYPE type, const std::string& value_name) {
     Variant converted;
     VARIANT borrowed = value; // the call only reads it, but takes no const pointer
-    RequireSuccess(VariantChangeType(converted.Receive(), &borrowed, 0, type), what);
+    RequireSuccess(VariantChangeType(converted.Receive(), &borrowed, 0, type), value_name);
     return converted;
 }
 
 } // namespace
 
-void RequireSuccess(HRESULT result, const std::string& what) {
+void RequireSuccess(HRESULT result, const std::string& call_name) {
     if (FAILED(result)) {
-        throw PackageError(result, "", what + ": " + SystemText(result));
+        throw PackageError(result, "", call_name + ": " + SystemText(result));
     }
 }
 
@@ -134,44 +137,44 @@ Variant Variant::Boolean(bool value) {
     return variant;
 }
 
-Variant Variant::LeftOut() {
+Variant Variant::Omitted() {
     Variant variant;
     V_VT(&variant.value_) = VT_ERROR;
     V_ERROR(&variant.value_) = DISP_E_PARAMNOTFOUND;
     return variant;
 }
 
-std::string Variant::ToText(const std::string& what) const {
-    const Variant converted = Converted(value_, VT_BSTR, what);
+std::string Variant::ToText(const std::string& value_name) const {
+    const Variant converted = Converted(value_, VT_BSTR, value_name);
     const BSTR text = V_BSTR(&converted.value_);
     return FromWide(std::wstring_view(text, SysStringLen(text)));
 }
 
-platform::LocalTime Variant::ToLocalTime(const std::string& what) const {
-    const Variant converted = Converted(value_, VT_DATE, what);
+platform::LocalTime Variant::ToLocalTime(const std::string& value_name) const {
+    const Variant converted = Converted(value_, VT_DATE, value_name);
     SYSTEMTIME time{};
     if (VariantTimeToSystemTime(V_DATE(&converted.value_), &time) == FALSE) {
-        RequireSuccess(DISP_E_TYPEMISMATCH, what);
+        RequireSuccess(DISP_E_TYPEMISMATCH, value_name);
     }
     return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
 }
 
-void* Variant::QueryInterface(REFIID id, const std::string& what) const {
-    const Variant converted = Converted(value_, VT_UNKNOWN, what);
+void* Variant::QueryInterface(REFIID id, const std::string& value_name) const {
+    const Variant converted = Converted(value_, VT_UNKNOWN, value_name);
     IUnknown* const object = V_UNKNOWN(&converted.value_);
     if (object == nullptr) {
-        RequireSuccess(E_POINTER, what);
+        RequireSuccess(E_POINTER, value_name);
     }
     void* wanted = nullptr;
-    RequireSuccess(object->QueryInterface(id, &wanted), what);
+    RequireSuccess(object->QueryInterface(id, &wanted), value_name);
     return wanted;
 }
 
-AutomationObject AutomationObject::Create(const wchar_t* program_name, std::string name) {
+AutomationObject AutomationObject::Create(const wchar_t* program_id, std::string name) {
     EnterApartment();
     CLSID id{};
     void* object = nullptr;
-    if (FAILED(CLSIDFromProgID(program_name, &id)) ||
+    if (FAILED(CLSIDFromProgID(program_id, &id)) ||
         FAILED(CoCreateInstance(id, nullptr, CLSCTX_ALL, IID_IDispatch, &object))) {
         return {};
     }
@@ -182,7 +185,7 @@ void AutomationObject::Call(const wchar_t* member, const Arguments& arguments) c
     Invoke(IdOf(member), member, DISPATCH_METHOD, arguments, nullptr);
 }
 
-Variant AutomationObject::Ask(const wchar_t* member, const Arguments& arguments) const {
+Variant AutomationObject::CallForValue(const wchar_t* member, const Arguments& arguments) const {
     Variant result;
     // A caller without a type library can't tell a method from a property with arguments, and sets both
     // flags.
@@ -190,9 +193,10 @@ Variant AutomationObject::Ask(const wchar_t* member, const Arguments& arguments)
     return result;
 }
 
-AutomationObject AutomationObject::AskObject(const wchar_t* member, const Arguments& arguments,
-                                             std::string name) const {
-    return {Ask(member, arguments).ToInterface<IDispatch>(IID_IDispatch, Named(member)), std::move(name)};
+AutomationObject AutomationObject::CallForObject(const wchar_t* member, const Arguments& arguments,
+                                                 std::string name) const {
+    return {CallForValue(member, arguments).ToInterface<IDispatch>(IID_IDispatch, FullName(member)),
+            std::move(name)};
 }
 
 Variant AutomationObject::Property(const wchar_t* member) const {
@@ -204,14 +208,14 @@ Variant AutomationObject::Property(const wchar_t* member) const {
 ComPointer<IEnumVARIANT> AutomationObject::Enumerator() const {
     Variant result;
     Invoke(DISPID_NEWENUM, L"_NewEnum", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {}, result.Receive());
-    return result.ToInterface<IEnumVARIANT>(IID_IEnumVARIANT, Named(L"_NewEnum"));
+    return result.ToInterface<IEnumVARIANT>(IID_IEnumVARIANT, FullName(L"_NewEnum"));
 }
 
 DISPID AutomationObject::IdOf(const wchar_t* member) const {
     Bstr name(FromWide(member));
     BSTR names[] = {name.Get()};
     DISPID id = DISPID_UNKNOWN;
-    RequireSuccess(object_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), Named(member));
+    RequireSuccess(object_->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), FullName(member));
     return id;
 }
 
@@ -228,12 +232,12 @@ void AutomationObject::Invoke(DISPID id, const wchar_t* member, WORD flags, cons
     const HRESULT code =
         object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, &info, nullptr);
     if (code == DISP_E_EXCEPTION) {
-        ThrowException(info, Named(member));
+        ThrowException(info, FullName(member));
     }
-    RequireSuccess(code, Named(member));
+    RequireSuccess(code, FullName(member));
 }
 
-std::string AutomationObject::Named(const wchar_t* member) const {
+std::string AutomationObject::FullName(const wchar_t* member) const {
     return name_ + "." + FromWide(member);
 }
 

@@ -23,17 +23,18 @@ class ComPackage final : public DtsPackage {
         Bstr user_text(user);
         Bstr password_text(password);
         Bstr name_text(package_name);
-        // Left out: flags, package identifier, version identifier.
-        package_.Call(L"RemoveFromSQLServer",
-                      InOrder(Variant::StringReference(server_text), Variant::StringReference(user_text),
-                              Variant::StringReference(password_text), Variant::LeftOut(), Variant::LeftOut(),
-                              Variant::LeftOut(), Variant::StringReference(name_text)));
+        // Omitted: flags, package identifier, version identifier.
+        package_.Call(
+            L"RemoveFromSQLServer",
+            MakeArguments(Variant::StringReference(server_text), Variant::StringReference(user_text),
+                          Variant::StringReference(password_text), Variant::Omitted(), Variant::Omitted(),
+                          Variant::Omitted(), Variant::StringReference(name_text)));
     }
 
     void LoadFromStorageFile(const std::string& path, const std::string& password) override {
         Bstr path_text(path);
         package_.Call(L"LoadFromStorageFile",
-                      InOrder(Variant::StringReference(path_text), Variant::String(password)));
+                      MakeArguments(Variant::StringReference(path_text), Variant::String(password)));
     }
 
     void SaveToSQLServer(const std::string& server, const std::string& user,
@@ -42,8 +43,9 @@ class ComPackage final : public DtsPackage {
         Bstr user_text(user);
         Bstr password_text(password);
         package_.Call(L"SaveToSQLServer",
-                      InOrder(Variant::StringReference(server_text), Variant::StringReference(user_text),
-                              Variant::StringReference(password_text), Variant::Short(kNoFlags)));
+                      MakeArguments(Variant::StringReference(server_text),
+                                    Variant::StringReference(user_text),
+                                    Variant::StringReference(password_text), Variant::Short(kNoFlags)));
     }
 
   private:
@@ -67,15 +69,15 @@ class ComApplication final : public DtsApplication {
         Bstr server_text(server);
         Bstr user_text(user);
         Bstr password_text(password);
-        const AutomationObject package_server = application_.AskObject(
+        const AutomationObject package_server = application_.CallForObject(
             L"GetPackageSQLServer",
-            InOrder(Variant::StringReference(server_text), Variant::StringReference(user_text),
-                    Variant::StringReference(password_text), Variant::Short(kNoFlags)),
+            MakeArguments(Variant::StringReference(server_text), Variant::StringReference(user_text),
+                          Variant::StringReference(password_text), Variant::Short(kNoFlags)),
             "PackageSQLServer");
         // No package name, not the latest versions only, no package identifier: every stored version.
-        const AutomationObject infos = package_server.AskObject(
-            L"EnumPackageInfos", InOrder(Variant::String(""), Variant::Boolean(false), Variant::String("")),
-            "PackageInfos");
+        const AutomationObject infos = package_server.CallForObject(
+            L"EnumPackageInfos",
+            MakeArguments(Variant::String(""), Variant::Boolean(false), Variant::String("")), "PackageInfos");
         const ComPointer<IEnumVARIANT> enumerator = infos.Enumerator();
         while (true) {
             Variant item;

@@ -1,3 +1,4 @@
+// The clock on Linux.
 #include "platform/clock.h"
 
 #include <ctime>

@@ -1,3 +1,4 @@
+// On Linux a program gets split arguments, so there is no raw command line.
 #include "platform/command_line.h"
 
 namespace platform {

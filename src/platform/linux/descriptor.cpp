@@ -1,3 +1,4 @@
+// The system's calls on a descriptor, repeated when a signal interrupts them.
 #include "platform/linux/descriptor.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Loads the module for windows and reports on the terminal if it is missing.
 #include "platform/linux/desktop.h"
 
 #include <array>

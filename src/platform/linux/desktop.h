@@ -1,5 +1,5 @@
-// The module for windows: a shared library beside the program, which is loaded when the first window is
-// needed. A run without windows does not need its libraries. Nothing here depends on the toolkit.
+// Loads the module for windows: a shared library beside the program, which is loaded when the first window is
+// needed. So a run without windows does not need the libraries of the toolkit. Knows nothing of the toolkit.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace platform {
 
-/// The functions of the module that the services of this folder use.
+/// The functions of the module that the services of this folder use. The module owns the object.
 class Desktop {
   public:
     virtual void ShowMessageBox(const std::string& text, MessageIcon icon, const std::string& title) = 0;
@@ -23,16 +23,17 @@ class Desktop {
     ~Desktop() = default;
 };
 
-/// The name of the module's function that opens the desktop. The function returns null if no display answers.
+/// The name of the module's function that connects to the display. The function returns null if no display
+/// answers.
 inline constexpr char kOpenDesktopFunction[] = "KvOpenDesktop";
 using OpenDesktopFunction = Desktop* (*)();
 
-/// The desktop, which stays open as long as the program runs. The first call loads the module. Null if there
-/// is no display or no module; a missing module is reported once, on the terminal.
+/// Returns the desktop, which stays open as long as the program runs. The first call loads the module.
+/// Returns null if there is no display or no module; a missing module is reported once, on the terminal.
 Desktop* OpenDesktop();
-/// The desktop that OpenDesktop has returned; null before that.
+/// Returns the desktop if OpenDesktop has opened it, otherwise null. Never loads the module.
 Desktop* OpenedDesktop();
-/// A function of the module by its name; null if there is no desktop.
+/// Returns the address of the module's function `name`; null if there is no desktop or no such function.
 void* FindInModule(const char* name);
 
 } // namespace platform

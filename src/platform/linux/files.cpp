@@ -1,4 +1,4 @@
-// The file services on Linux. A backslash in a path separates folders, as the program writes it.
+// The file services on Linux. A backslash in a path separates folders, as the program writes paths.
 #include "platform/files.h"
 
 #include <algorithm>
@@ -67,9 +67,9 @@ FileFault FaultOf(int error, const std::string& native) {
     throw FileError(FaultOf(error, NativePath(path)), path, error);
 }
 
-/// Runs `steps`; a failure in them becomes a FileError about `path`.
+/// Runs `steps`. A SystemFault in them becomes a FileError about `path`.
 template <class Steps>
-auto About(const std::string& path, Steps&& steps) {
+auto WithErrorsAbout(const std::string& path, Steps&& steps) {
     try {
         return steps();
     } catch (const SystemFault& fault) {
@@ -146,22 +146,22 @@ void CreateFolder(const std::string& path) {
 }
 
 void CopyFileOver(const std::string& from, const std::string& to) {
-    const Descriptor source = About(from, [&] { return Descriptor(NativePath(from), O_RDONLY); });
-    const struct stat rights = About(from, [&] { return source.Status(); });
+    const Descriptor source = WithErrorsAbout(from, [&] { return Descriptor(NativePath(from), O_RDONLY); });
+    const struct stat rights = WithErrorsAbout(from, [&] { return source.Status(); });
     struct stat old {};
     if (::stat(NativePath(to).c_str(), &old) == 0 && rights.st_dev == old.st_dev &&
         rights.st_ino == old.st_ino) {
         throw FileError(FileFault::InUse, to, EBUSY); // copying a file to itself is an error of the caller
     }
-    About(to, [&] {
-        FileReplacement copy(NativePath(to), kOwnerOnly); // until it has the source's rights
+    WithErrorsAbout(to, [&] {
+        FileReplacement copy(NativePath(to), kOwnerOnly); // SetRights below gives it the source's rights
         std::string buffer(std::size_t{1} << 20U, '\0');
         while (const std::size_t count =
-                   About(from, [&] { return source.Read(buffer.data(), buffer.size()); })) {
+                   WithErrorsAbout(from, [&] { return source.Read(buffer.data(), buffer.size()); })) {
             copy.File().Write({buffer.data(), count});
         }
-        copy.TakeRights(rights);
-        copy.Place(FileReplacement::Durability::OnTheDisk); // the caller may delete the source next
+        copy.SetRights(rights);
+        copy.Commit(FileReplacement::Durability::Synced); // the caller may delete the source next
     });
 }
 
@@ -172,11 +172,11 @@ void DeleteFileAt(const std::string& path) {
 }
 
 std::string ReadWholeFile(const std::string& path) {
-    return About(path, [&] { return Descriptor(NativePath(path), O_RDONLY).ReadAll(); });
+    return WithErrorsAbout(path, [&] { return Descriptor(NativePath(path), O_RDONLY).ReadAll(); });
 }
 
 void WriteWholeFile(const std::string& path, std::string_view content, std::string_view tail) {
-    About(path, [&] {
+    WithErrorsAbout(path, [&] {
         Descriptor file(NativePath(path), O_WRONLY | O_CREAT | O_TRUNC);
         file.Write(content);
         file.Write(tail);
@@ -185,12 +185,12 @@ void WriteWholeFile(const std::string& path, std::string_view content, std::stri
 }
 
 void ReplaceWholeFile(const std::string& path, std::string_view content, std::string_view tail) {
-    About(path, [&] {
+    WithErrorsAbout(path, [&] {
         FileReplacement file(NativePath(path), kOwnerOnly);
         file.File().Write(content);
         file.File().Write(tail);
-        file.KeepRights();
-        file.Place(FileReplacement::Durability::AsTheSystemLikes);
+        file.CopyOldRights();
+        file.Commit(FileReplacement::Durability::Unsynced);
     });
 }
 
@@ -201,18 +201,18 @@ void MakePrivateFile(const std::string& path) {
     if (::lstat(native.c_str(), &old) == 0 && S_ISREG(old.st_mode)) {
         ::unlink(native.c_str()); // if this fails, the user may still be allowed to write the file
     }
-    About(path, [&] { Descriptor(native, O_WRONLY | O_CREAT | O_TRUNC, kOwnerOnly).Close(); });
+    WithErrorsAbout(path, [&] { Descriptor(native, O_WRONLY | O_CREAT | O_TRUNC, kOwnerOnly).Close(); });
 }
 
 void AppendToFile(const std::string& path, std::string_view content) {
-    About(path, [&] {
+    WithErrorsAbout(path, [&] {
         const Descriptor file(NativePath(path), O_WRONLY | O_CREAT | O_APPEND);
         LockWhileOpen(file);
         const struct stat before = file.Status();
         try {
             file.Write(content);
         } catch (const SystemFault&) {
-            // After half a line the next line would be joined to it.
+            // The part that was written is removed; otherwise the next line would be joined to it.
             if (S_ISREG(before.st_mode) && ::ftruncate(file.Get(), before.st_size) != 0) {
                 ThrowSystemFault();
             }

@@ -1,3 +1,4 @@
+// Blocks signals, and drops those that came meanwhile.
 #include "platform/linux/held_signals.h"
 
 #include <cerrno>
@@ -10,12 +11,12 @@ HeldSignals::HeldSignals() {
     sigset_t held{};
     sigset_t pending{};
     ::sigemptyset(&held);
-    ::sigemptyset(&fresh_);
+    ::sigemptyset(&to_drop_);
     ::sigpending(&pending);
     for (const int signal : {SIGPIPE, SIGXFSZ}) {
         ::sigaddset(&held, signal);
         if (::sigismember(&pending, signal) == 0) {
-            ::sigaddset(&fresh_, signal);
+            ::sigaddset(&to_drop_, signal);
         }
     }
     ::pthread_sigmask(SIG_BLOCK, &held, &mask_before_);
@@ -23,7 +24,7 @@ HeldSignals::HeldSignals() {
 
 HeldSignals::~HeldSignals() {
     constexpr timespec kNow{};
-    while (::sigtimedwait(&fresh_, nullptr, &kNow) > 0 || errno == EINTR) {
+    while (::sigtimedwait(&to_drop_, nullptr, &kNow) > 0 || errno == EINTR) {
     }
     ::pthread_sigmask(SIG_SETMASK, &mask_before_, nullptr);
 }

@@ -1,13 +1,13 @@
-// Blocks the signals by which the system ends a program that cannot write, so that the write fails with an
-// error instead. Started programs are not affected.
+// Blocks the signals by which the system ends a program whose write fails, so that the write returns an error
+// instead. Programs that this program starts are not affected.
 #pragma once
 
 #include <csignal>
 
 namespace platform {
 
-/// Holds back SIGPIPE (nobody reads the pipe any more) and SIGXFSZ (the file is as long as the user's limit
-/// allows).
+/// Blocks SIGPIPE (nobody reads the pipe any more) and SIGXFSZ (the file is as long as the user's limit
+/// allows) in this thread. The destructor drops the signals that came meanwhile and unblocks them.
 class HeldSignals {
   public:
     HeldSignals();
@@ -16,7 +16,7 @@ class HeldSignals {
     ~HeldSignals();
 
   private:
-    sigset_t fresh_{}; ///< signals that were not pending before
+    sigset_t to_drop_{}; ///< those of the two that were not pending before
     sigset_t mask_before_{};
 };
 

@@ -21,7 +21,7 @@ struct FreeLocale {
 };
 using OwnedLocale = std::unique_ptr<std::remove_pointer_t<locale_t>, FreeLocale>;
 
-/// The words for True and False, which the C library does not have, by the locale's language.
+/// The words for True and False by language, since the C library does not have them.
 struct TruthWords {
     std::string_view language;
     const char* true_word;
@@ -34,8 +34,9 @@ constexpr TruthWords kTruthWords[] = {
     {"pt", "Verdadeiro", "Falso"}, {"sv", "Sant", "Falskt"},
 };
 
-/// The element of a picture for each directive of strftime. A year always has four digits, since two would
-/// lose the century. Directives that are not in the table, such as the time zone, are left out.
+/// The element of a picture (platform/locale.h) for each directive of strftime. A year always has four
+/// digits, since two would lose the century. Directives that are not in the table, such as the time zone, are
+/// left out.
 struct Directive {
     char letter;
     const char* element;
@@ -47,7 +48,7 @@ constexpr Directive kDirectives[] = {
     {'P', "tt"},   {'D', "MM/dd/yyyy"}, {'F', "yyyy-MM-dd"}, {'T', "HH:mm:ss"}, {'R', "HH:mm"},
 };
 
-/// The locale's text in the code page; `otherwise` if the code page lacks a character of it.
+/// Converts a text of the locale to the code page. Returns `otherwise` if the code page lacks a character.
 std::string InCodePage(const char* text, const std::string& otherwise) {
     auto characters = text::FromUtf8(text);
     if (!characters) {
@@ -65,10 +66,11 @@ std::string InCodePage(const char* text, const std::string& otherwise) {
     return text::Widen(narrow) == *characters ? narrow : otherwise;
 }
 
-/// A locale, made category by category; categories that the machine does not have are "C".
-class System {
+/// One of the system's locales. It is made category by category; a category that the machine does not have is
+/// "C".
+class SystemLocale {
   public:
-    explicit System(const char* name) {
+    explicit SystemLocale(const char* name) {
         for (const int mask :
              {LC_CTYPE_MASK, LC_NUMERIC_MASK, LC_TIME_MASK, LC_MONETARY_MASK, LC_MESSAGES_MASK}) {
             if (const locale_t made = ::newlocale(mask, name, locale_.get()); made != nullptr) {
@@ -79,8 +81,9 @@ class System {
         }
     }
 
+    /// Returns an item of nl_langinfo, such as RADIXCHAR; empty if no category could be made.
     const char* Text(nl_item item) const { return locale_ ? ::nl_langinfo_l(item, locale_.get()) : ""; }
-    /// As in "de_DE.UTF-8"; empty for "C", "POSIX" and "C.UTF-8".
+    /// Returns the name of one category, as in "de_DE.UTF-8"; empty for "C", "POSIX" and "C.UTF-8".
     std::string_view NameOf(int category) const {
         const std::string_view name = Text(_NL_LOCALE_NAME(category));
         return name == "C" || name == "POSIX" || name.starts_with("C.") ? std::string_view() : name;
@@ -90,7 +93,8 @@ class System {
     OwnedLocale locale_;
 };
 
-std::string PictureOf(const System& system, std::string_view format) {
+/// Converts a format of strftime to a picture.
+std::string PictureOf(const SystemLocale& system, std::string_view format) {
     std::string picture;
     for (std::size_t i = 0; i < format.size(); ++i) {
         if (format[i] != '%') {
@@ -122,7 +126,7 @@ bool HasAll(std::string_view picture, std::string_view letters) {
     return letters.find_first_not_of(picture) == std::string_view::npos;
 }
 
-void ReadNumbers(const System& system, LocaleForms& forms) {
+void ReadNumbers(const SystemLocale& system, LocaleForms& forms) {
     if (system.NameOf(LC_NUMERIC).empty()) {
         return;
     }
@@ -139,15 +143,15 @@ void ReadNumbers(const System& system, LocaleForms& forms) {
     }
 }
 
-void ReadCurrency(const System& system, LocaleForms& forms) {
-    const std::string_view symbol =
-        system.Text(CRNCYSTR); // the first character says where the symbol is placed
+void ReadCurrency(const SystemLocale& system, LocaleForms& forms) {
+    // The first character says on which side the symbol is written.
+    const std::string_view symbol = system.Text(CRNCYSTR);
     if (!system.NameOf(LC_MONETARY).empty() && symbol.size() > 1) {
         forms.currency_symbol = InCodePage(symbol.data() + 1, forms.currency_symbol);
     }
 }
 
-void ReadDates(const System& system, LocaleForms& forms) {
+void ReadDates(const SystemLocale& system, LocaleForms& forms) {
     if (system.NameOf(LC_TIME).empty()) {
         return;
     }
@@ -167,7 +171,7 @@ void ReadDates(const System& system, LocaleForms& forms) {
     }
 }
 
-void ReadTruthWords(const System& system, LocaleForms& forms) {
+void ReadTruthWords(const SystemLocale& system, LocaleForms& forms) {
     const std::string_view name = system.NameOf(LC_MESSAGES);
     for (const TruthWords& words : kTruthWords) {
         if (name.substr(0, name.find_first_of("_.@")) == words.language) {
@@ -178,7 +182,7 @@ void ReadTruthWords(const System& system, LocaleForms& forms) {
 }
 
 LocaleForms FormsOf(const char* name) {
-    const System system(name);
+    const SystemLocale system(name);
     LocaleForms forms;
     ReadNumbers(system, forms);
     ReadCurrency(system, forms);
@@ -196,13 +200,13 @@ const LocaleForms& UserLocale() {
 
 LocaleForms NamedLocale(const std::string& name) {
     if (name.empty()) {
-        return FormsOf(""); // the environment's
+        return FormsOf(""); // newlocale takes "" for the environment's locale
     }
-    std::string systems = name + ".UTF-8";
+    std::string system_name = name + ".UTF-8"; // "de_DE.UTF-8" for "de-DE"
     if (const std::size_t dash = name.find('-'); dash != std::string::npos) {
-        systems[dash] = '_';
+        system_name[dash] = '_';
     }
-    return FormsOf(systems.c_str());
+    return FormsOf(system_name.c_str());
 }
 
 } // namespace platform

@@ -1,3 +1,4 @@
+// Prevents core dumps on Linux.
 #include "platform/memory_secrecy.h"
 
 #include <sys/prctl.h>

@@ -1,3 +1,4 @@
+// Shows message boxes by the module for windows, or on the terminal without it.
 #include "platform/message_box.h"
 
 #include "platform/linux/desktop.h"

@@ -25,8 +25,8 @@ class SocketLock : public NamedLock {
     Descriptor socket_;
 };
 
-/// An abstract name begins with a NUL and has a limited length: of a long name the beginning and a hash of
-/// the whole are used.
+/// Returns the socket's abstract name: a NUL and `name`. The length is limited, so of a long name the
+/// beginning and a hash of the whole are used.
 std::string AbstractName(const std::string& name) {
     constexpr std::size_t kMost = sizeof(sockaddr_un::sun_path) - 1;
     if (name.size() <= kMost) {

@@ -1,4 +1,5 @@
-// Before the first window is opened there is no queue, and the pointer is only remembered.
+// Passes events and the mouse pointer on to the module for windows. Before the first window is opened there
+// is no queue, and the pointer is only remembered.
 #include "platform/pending_events.h"
 
 #include "platform/linux/desktop.h"

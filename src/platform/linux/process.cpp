@@ -1,3 +1,4 @@
+// Starts programs by posix_spawn, without a console.
 #include "platform/process.h"
 
 #include <algorithm>
@@ -60,6 +61,7 @@ class HiddenConsole {
     posix_spawn_file_actions_t actions_{};
 };
 
+/// Returns the program's path for the system: without double quotes and with "/" between folders.
 std::string NativeProgram(std::string file) {
     file.erase(std::remove(file.begin(), file.end(), '"'), file.end());
     std::replace(file.begin(), file.end(), '\\', '/');

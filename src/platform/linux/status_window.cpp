@@ -1,3 +1,4 @@
+// Makes the status window by the module for windows, or on the terminal without it.
 #include "platform/status_window.h"
 
 #include "platform/linux/desktop.h"

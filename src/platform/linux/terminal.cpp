@@ -1,3 +1,4 @@
+// The terminal on Linux, by the descriptors of the standard input and the error channel.
 #include "platform/terminal.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// The clock on Windows.
 #include "platform/clock.h"
 
 #include "platform/windows/lean_windows.h"

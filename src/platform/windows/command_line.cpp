@@ -1,3 +1,4 @@
+// Cuts the program's name from the raw command line that Windows provides.
 #include "platform/command_line.h"
 
 #include "platform/windows/lean_windows.h"

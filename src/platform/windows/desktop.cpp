@@ -1,3 +1,4 @@
+// Asks the window station, and tries to create a window.
 #include "platform/windows/desktop.h"
 
 namespace platform {

@@ -1,4 +1,4 @@
-// Whether a window can be shown at all.
+// Finds out whether a window can be shown at all.
 #pragma once
 
 #include "platform/windows/lean_windows.h"

@@ -1,4 +1,5 @@
-// The owner of a handle of the system's that CloseHandle closes.
+// Owns a handle of the system that is closed by CloseHandle. An empty owner is null, so this type is not for
+// handles whose invalid value is INVALID_HANDLE_VALUE.
 #pragma once
 
 #include <memory>

@@ -10,7 +10,7 @@
 namespace platform {
 namespace {
 
-/// The text in the code page; `otherwise` if the code page lacks a character of it.
+/// Converts a text to the code page. Returns `otherwise` if the code page lacks a character.
 std::string InCodePage(const wchar_t* text, const std::string& otherwise) {
     static_assert(sizeof(wchar_t) == sizeof(char16_t));
     std::u16string characters(reinterpret_cast<const char16_t*>(text));
@@ -25,6 +25,7 @@ std::string InCodePage(const wchar_t* text, const std::string& otherwise) {
     return text::Widen(narrow) == characters ? narrow : otherwise;
 }
 
+/// Returns an item of the locale, such as LOCALE_SDECIMAL; `otherwise` if it cannot be read.
 std::string Info(LCID locale, LCTYPE type, const std::string& otherwise) {
     wchar_t text[128];
     return ::GetLocaleInfoW(locale, type, text, 128) > 0 ? InCodePage(text, otherwise) : otherwise;
@@ -40,7 +41,7 @@ std::string TruthWord(LCID locale, VARIANT_BOOL value, const std::string& otherw
     return text;
 }
 
-/// Windows writes them as "3;0" or "3;2;0".
+/// Reads the sizes of the groups of digits, which Windows writes as "3;0" or "3;2;0".
 std::vector<std::size_t> GroupSizes(const std::string& text) {
     std::vector<std::size_t> sizes;
     for (const char c : text) {

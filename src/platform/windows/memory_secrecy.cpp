@@ -1,8 +1,9 @@
+// Keeps the heap out of the error reports of Windows.
 #include "platform/memory_secrecy.h"
 
 #include "platform/windows/lean_windows.h"
 
-// As <werapi.h> has it, which mingw-w64 cannot compile.
+// Declared as in <werapi.h>, which mingw-w64 cannot compile.
 extern "C" HRESULT WINAPI WerSetFlags(DWORD flags);
 
 namespace platform {

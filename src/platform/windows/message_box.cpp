@@ -1,3 +1,4 @@
+// Shows message boxes of Windows, or lines on the terminal without a desktop.
 #include "platform/message_box.h"
 
 #include "platform/message_text.h"

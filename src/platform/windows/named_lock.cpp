@@ -19,8 +19,8 @@ class MutexLock : public NamedLock {
     OwnedHandle mutex_;
 };
 
-/// A name has no backslash after its name space and at most MAX_PATH characters: of a long name the beginning
-/// and a hash of the whole are used.
+/// Returns the mutex's name. It may have at most MAX_PATH characters and no backslash after its name space,
+/// so of a long name the beginning and a hash of the whole are used, and each backslash becomes "/".
 std::string SystemName(std::string name) {
     constexpr std::size_t kMost = 200;
     if (name.size() > kMost) {

@@ -1,3 +1,4 @@
+// Takes messages from the thread's queue, passes them to the filter and the windows, and sets the pointer.
 #include "platform/pending_events.h"
 
 #include "platform/windows/message_queue.h"

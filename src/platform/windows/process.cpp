@@ -1,3 +1,4 @@
+// Starts programs by ShellExecuteEx.
 #include "platform/process.h"
 
 #include <utility>

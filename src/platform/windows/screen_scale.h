@@ -1,4 +1,4 @@
-// The scale of the screen, for the status window and the windows of the forms.
+// The scale of the screen. The status window and the windows of the forms use it.
 #pragma once
 
 #include "platform/twips.h"
@@ -6,7 +6,7 @@
 
 namespace platform {
 
-/// Pixels per inch of the whole desktop, as the system reported them when the process started.
+/// Returns the pixels per inch of the whole desktop, as they were when the process started.
 inline int ScreenDpi() {
     const HDC screen = ::GetDC(nullptr);
     const int dpi = ::GetDeviceCaps(screen, LOGPIXELSX);
@@ -14,6 +14,7 @@ inline int ScreenDpi() {
     return dpi;
 }
 
+/// Rounds to the nearest pixel. `dpi` is in pixels per inch.
 inline int TwipsToPixels(int twips, int dpi) {
     return ::MulDiv(twips, dpi, kTwipsPerInch);
 }

@@ -1,3 +1,4 @@
+// The status window as a Win32 window with a label and a progress bar.
 #include "platform/status_window.h"
 
 #include "platform/windows/desktop.h"
@@ -16,6 +17,7 @@ HICON ProgramIcon(int width, int height) {
                                            IMAGE_ICON, width, height, LR_SHARED));
 }
 
+/// Owns the font that the system uses in message boxes.
 class Font {
   public:
     Font() {

@@ -1,3 +1,4 @@
+// The terminal on Windows: the console of this program or of the program that started it.
 #include "platform/terminal.h"
 
 #include "platform/windows/lean_windows.h"
@@ -5,8 +6,8 @@
 namespace platform {
 namespace {
 
-/// A program of the window subsystem has no console of its own, but it can attach to that of the program that
-/// started it.
+/// Returns the handle of a standard channel, or null. A program of the window subsystem has no console of its
+/// own, but it can attach to that of the program that started it.
 HANDLE Channel(DWORD which) {
     HANDLE handle = ::GetStdHandle(which);
     if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {

@@ -9,7 +9,7 @@
 namespace platform {
 namespace {
 
-/// The path of the executable. If it does not fit the buffer, no version record is found.
+/// Returns the path of the executable. If it does not fit the buffer, no version record is found.
 std::string OwnPath() {
     std::string path(32768, '\0');
     const DWORD length = ::GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));

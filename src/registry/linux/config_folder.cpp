@@ -1,3 +1,4 @@
+// Finds the user's configuration folder from the environment.
 #include "registry/linux/config_folder.h"
 
 #include <cstdlib>

@@ -1,11 +1,12 @@
-// The folder in which this system keeps a user's configuration.
+// Finds the folder in which Linux keeps a user's configuration.
 #pragma once
 
 #include <string>
 
 namespace registry {
 
-/// $XDG_CONFIG_HOME if that is an absolute path, otherwise ~/.config. Empty if the user has no home folder.
+/// Returns $XDG_CONFIG_HOME if that is an absolute path, otherwise ~/.config, in the system's encoding. Empty
+/// if the user has no home folder.
 std::string ConfigFolder();
 
 } // namespace registry

@@ -1,3 +1,4 @@
+// Finds keys and values, and changes the text of the file in place.
 #include "registry/linux/reg_file.h"
 
 #include <algorithm>
@@ -36,6 +37,7 @@ char16_t HexCharacter(unsigned digit) {
     return u"0123456789abcdef"[digit & 0xFU];
 }
 
+/// Returns the bytes as the file writes them, "hex(7):61,00".
 std::u16string Hex(std::uint32_t type, std::string_view bytes) {
     std::u16string text = u"hex";
     if (type != kRegTypeBinary) {
@@ -55,11 +57,13 @@ std::u16string Hex(std::uint32_t type, std::string_view bytes) {
     return text;
 }
 
-/// Between quotes, a control character would end the line or be lost in an editor.
+/// True if the text can be written between quotes. A control character there would end the line or be lost in
+/// an editor.
 bool FitsInQuotes(std::string_view data) {
     return std::none_of(data.begin(), data.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; });
 }
 
+/// Returns the text after the "=" of a value.
 std::u16string DataText(bool version5, std::uint32_t type, std::string_view data) {
     if (type == kRegTypeText && FitsInQuotes(data)) {
         return Quoted(text::Utf16FromEscaped(data));
@@ -106,10 +110,10 @@ RegFile::RegFile() {
 }
 
 RegFile::RegFile(std::string_view bytes) : text_(DecodeRegText(bytes)) {
-    Index();
+    Parse();
 }
 
-void RegFile::Index() {
+void RegFile::Parse() {
     keys_.clear();
     RegParser(*this).Run();
 }
@@ -144,21 +148,21 @@ void RegFile::SetValue(const RegPath& key, std::string_view name, std::uint32_t 
     const std::u16string text = DataText(version5_, type, data);
     const auto value = section.values.find(text::UpperCase(wide_name));
     if (value != section.values.end()) {
-        Splice(value->second.begin, value->second.end, text);
+        ReplaceText(value->second.data_begin, value->second.data_end, text);
         return;
     }
-    const std::u16string left = name.empty() ? u"@" : Quoted(wide_name);
+    const std::u16string name_text = name.empty() ? u"@" : Quoted(wide_name);
     const std::size_t end = *section.last_line_end;
-    Splice(end, end, LineEnd() + left + u'=' + text);
+    ReplaceText(end, end, LineEnd() + name_text + u'=' + text);
 }
 
 std::string RegFile::Bytes() const {
     return EncodeRegText(text_);
 }
 
-void RegFile::Splice(std::size_t begin, std::size_t end, std::u16string_view replacement) {
+void RegFile::ReplaceText(std::size_t begin, std::size_t end, std::u16string_view replacement) {
     text_.characters.replace(begin, end - begin, replacement);
-    Index();
+    Parse();
 }
 
 void RegFile::AppendSection(const RegPath& key, std::string_view key_class) {
@@ -172,13 +176,12 @@ void RegFile::AppendSection(const RegPath& key, std::string_view key_class) {
         section += u"; class " + Quoted(text::Utf16FromEscaped(key_class)) + line_end;
     }
     section += u'[' + key + u']' + line_end;
-    Splice(text_.characters.size(), text_.characters.size(), section);
+    ReplaceText(text_.characters.size(), text_.characters.size(), section);
     if (!HasKey(key)) {
         throw RegDamage(0, "a key's name that the file cannot hold");
     }
 }
 
-/// The line end of the file's first line.
 std::u16string RegFile::LineEnd() const {
     const auto end = text_.characters.find_first_of(u"\r\n");
     if (end == std::u16string::npos) {

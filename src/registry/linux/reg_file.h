@@ -1,5 +1,5 @@
-// The content of a .reg file, as Windows exports it and people edit it: its keys and values, and changes to
-// them that leave every other line as it is. Reads and writes no files.
+// The content of a .reg file, as Windows exports it and people edit it. Finds keys and values, and changes
+// them so that every other line stays as it is. Reads and writes no files.
 #pragma once
 
 #include <cstddef>
@@ -13,68 +13,78 @@
 
 namespace registry {
 
-/// The hive's full name and the key below it, with one "\" between names: "HKEY_LOCAL_MACHINE\SOFTWARE".
-/// Letter case is ignored in comparisons.
+/// The path of a key: the hive's full name and the names of the keys below it, with one "\" between two
+/// names, as in "HKEY_LOCAL_MACHINE\SOFTWARE". Letter case is ignored in comparisons.
 using RegPath = std::u16string;
 
-/// `hive` is the hive's full name; a run of "\" in `subkey` counts as one, and those at its ends are ignored.
+/// Joins a hive's full name and a key's name. A run of "\" in `subkey` counts as one, and "\" at its ends is
+/// ignored.
 RegPath MakeRegPath(std::u16string_view hive, std::string_view subkey);
 
+/// The content of a value.
 struct RegValue {
-    std::uint32_t type = 0;
-    /// Text in code page 1252, with escapes for other characters (text/escaped.h) and with its NUL; all other
-    /// types as they are stored.
+    std::uint32_t type = 0; ///< the system's number, such as kRegSz
+    /// Text is in code page 1252, with escapes for other characters (text/escaped.h) and with its NUL. The
+    /// bytes of all other types are as they are stored.
     std::string bytes;
 };
 
 class RegFile {
   public:
-    /// A file without keys, in the format that Windows exports: "Version 5.00" in UTF-16.
+    /// Makes a file without keys, in the format that Windows exports: "Version 5.00" in UTF-16.
     RegFile();
-    /// Throws RegDamage if the text is not that of a .reg file.
+    /// Parses the content of a file. Throws RegDamage if it is not that of a .reg file.
     explicit RegFile(std::string_view bytes);
 
     bool HasKey(const RegPath& key) const;
-    /// Null if there is no such value; the empty name is the key's default value. Valid until the next
-    /// change.
+    /// Returns the value, which is valid until the next change; null if there is no such value. An empty name
+    /// means the key's default value.
     const RegValue* Find(const RegPath& key, std::string_view name) const;
 
-    // Both changes throw RegDamage for a name that the file cannot hold; the object must not be used
-    // afterwards.
+    // Both changes throw RegDamage for a name that cannot be written in this format; the object must not be
+    // used afterwards.
 
-    /// The format has no place for the class, so it is written as a comment above the key.
+    /// Adds the key unless it exists. The format has no place for the class, so it is written as a comment
+    /// above the key.
     void AddKey(const RegPath& key, std::string_view key_class);
-    /// `data` of a text has no NUL. The key is made if it is absent.
+    /// Sets the value, and adds the key if it is missing. The `data` of a text has no NUL.
     void SetValue(const RegPath& key, std::string_view name, std::uint32_t type, std::string_view data);
 
-    /// The content of the file. Throws RegDamage for a text that the file's encoding cannot hold.
+    /// Returns the content of the file. Throws RegDamage if the file's encoding lacks a character.
     std::string Bytes() const;
 
   private:
     friend class RegParser;
 
+    // Positions are indexes into text_.characters.
+
     struct Entry {
         RegValue value;
-        std::size_t begin = 0; ///< where its data begins in the text
-        std::size_t end = 0;
+        std::size_t data_begin = 0; ///< where the text of the data begins, after the "="
+        std::size_t data_end = 0;
     };
     struct Key {
-        std::map<std::u16string, Entry> values;
+        std::map<std::u16string, Entry> values; ///< by name in upper case
         /// The end of the last line about this key; nothing if the file only names keys below it.
         std::optional<std::size_t> last_line_end;
     };
 
-    void Index();
-    void Splice(std::size_t begin, std::size_t end, std::u16string_view replacement);
+    /// Fills keys_ from the text. Throws RegDamage.
+    void Parse();
+    /// Replaces the text from `begin` to before `end`, and parses the whole text again.
+    void ReplaceText(std::size_t begin, std::size_t end, std::u16string_view replacement);
+    /// Adds an empty section for the key at the end of the text.
     void AppendSection(const RegPath& key, std::string_view key_class);
+    /// Returns the line end of the file's first line.
     std::u16string LineEnd() const;
 
     RegText text_;
-    bool version5_ = true;
+    bool version5_ = true;               ///< false for a file of the older format REGEDIT4
     std::map<std::u16string, Key> keys_; ///< by path in upper case
 };
 
-/// The full name of a hive, given in full or abbreviated, in any letter case; empty if it is not a hive.
+/// Returns the full name of a hive. `name` may be the full name or the abbreviation, such as HKLM, in any
+/// letter case. Empty if it is not a hive.
 std::u16string_view HiveName(std::u16string_view name);
 
 } // namespace registry

@@ -1,3 +1,4 @@
+// Reads a .reg file line by line into keys and values. A line that it cannot read is an error.
 #include "registry/linux/reg_parser.h"
 
 #include <array>
@@ -78,7 +79,8 @@ void RegParser::ReadLine() {
     SkipLineEnd();
 }
 
-/// A key's name may contain "]": it ends at the first "]" that only blanks or a comment follow in the line.
+/// Reads a line "[name]". The name may contain "]": it ends at the first "]" after which the line has only
+/// blanks or a comment.
 void RegParser::ReadSection() {
     const std::size_t begin = position_ + 1;
     for (;;) {
@@ -167,14 +169,14 @@ void RegParser::ReadValue() {
     ++position_;
     SkipBlanks();
     RegFile::Entry entry;
-    entry.begin = position_;
+    entry.data_begin = position_;
     const bool deleted = AtChar(u'-');
     if (deleted) {
         ++position_;
     } else {
         entry.value = ReadData();
     }
-    entry.end = position_;
+    entry.data_end = position_;
     EndLine();
     if (key_ == nullptr) {
         return;
@@ -247,14 +249,15 @@ RegValue RegParser::ReadHex() {
         position_ = more ? position_ + 1 : end;
     }
     if (file_.version5_ && IsRegText(value.type)) {
-        // Version 5.00 writes the bytes of a text as UTF-16; the 8-bit calls give it in the code page.
+        // Version 5.00 writes the bytes of a text as UTF-16; RegValue has text in the code page.
         value.bytes = text::EscapedFromUtf16(text::FromUtf16Bytes(value.bytes));
     }
     return value;
 }
 
-/// Windows writes the line ends of a text as they are, so a text may span several lines. A text without its
-/// closing quote ends at the quote of the next value, and the text after that is found to be wrong.
+/// Reads a text between quotes. Windows writes the line ends of a text as they are, so a text may span
+/// several lines. A text without its closing quote ends at the first quote of the next value, and what
+/// follows there is then reported as an error.
 std::u16string RegParser::ReadQuoted() {
     const std::size_t begin = position_++;
     std::u16string content;
@@ -271,11 +274,11 @@ std::u16string RegParser::ReadQuoted() {
     return content;
 }
 
-unsigned RegParser::ReadHexDigits(std::size_t most) {
+unsigned RegParser::ReadHexDigits(std::size_t max_count) {
     unsigned number = 0;
     std::size_t count = 0;
     while (!AtEnd() && HexDigit(text_[position_]) >= 0) {
-        if (++count > most) {
+        if (++count > max_count) {
             Fail("too many hexadecimal digits");
         }
         number = number * 16U + static_cast<unsigned>(HexDigit(text_[position_++]));
@@ -325,7 +328,7 @@ void RegParser::EndLine() {
     }
 }
 
-void RegParser::FailAt(std::size_t position, const char* what) const {
+void RegParser::FailAt(std::size_t position, const char* problem) const {
     std::size_t line = 1;
     for (std::size_t i = 0; i < position; ++i) {
         const bool pair = text_[i] == u'\r' && i + 1 < text_.size() && text_[i + 1] == u'\n';
@@ -333,7 +336,7 @@ void RegParser::FailAt(std::size_t position, const char* what) const {
             ++line;
         }
     }
-    throw RegDamage(line, what);
+    throw RegDamage(line, problem);
 }
 
 } // namespace registry

@@ -1,3 +1,4 @@
+// Finds, reads, caches, locks and replaces .reg files.
 #include "registry/linux/reg_store.h"
 
 #include <cerrno>
@@ -29,6 +30,7 @@ namespace {
 constexpr mode_t kFolderMode = 0700; // the registry contains passwords in clear text
 constexpr mode_t kFileMode = 0600;
 
+/// Returns the registry's number for an errno; `otherwise` for an errno without a number of its own.
 std::int32_t NumberOf(int system_error, std::int32_t otherwise) {
     switch (system_error) {
     case EACCES:
@@ -50,8 +52,7 @@ struct StepFailure {
     std::string reason;
 };
 
-/// Runs a step. A system error in it becomes a StepFailure with the number `otherwise`, unless NumberOf has
-/// another one.
+/// Runs a step. A SystemFault in it becomes a StepFailure with the number that NumberOf gives.
 template <class Step>
 auto InStep(std::int32_t otherwise, Step&& step) {
     try {
@@ -83,8 +84,8 @@ void MakeFolders(const std::string& folder) {
     }
 }
 
-/// Returns nothing if there is no such file. Does not wait for a pipe, and refuses everything but a plain
-/// file.
+/// Opens the file for reading. Returns nothing if there is no such file. Refuses everything but a plain file,
+/// and does not wait for a pipe.
 std::optional<platform::Descriptor> OpenIfThere(const std::string& path) {
     try {
         platform::Descriptor file(path, O_RDONLY | O_NONBLOCK);
@@ -108,7 +109,7 @@ std::string ReadRegistry(const platform::Descriptor& file) {
     return InStep(error::kCantRead, [&] { return file.ReadAll(); });
 }
 
-/// Identifies the state of a file: a file with another stamp has changed.
+/// Identifies the state of a file: a file whose stamp differs has changed.
 struct Stamp {
     dev_t device = 0;
     ino_t inode = 0;
@@ -127,8 +128,8 @@ Stamp StampOf(const struct stat& info) {
     return {info.st_dev, info.st_ino, info.st_size, SinceEpoch(info.st_mtim), SinceEpoch(info.st_ctim)};
 }
 
-/// A file that has just been changed may change again without a new time stamp, since file systems count time
-/// in steps.
+/// True if the file's last change is so old that a further change would change its stamp. File systems count
+/// time in steps, so a file that has just been changed may change again without a new time.
 bool IsSettled(const Stamp& stamp) {
     constexpr std::chrono::seconds kLongestStep(2);
     return std::chrono::system_clock::now().time_since_epoch() - stamp.changed > kLongestStep;
@@ -145,11 +146,12 @@ class LoadedRegistries {
             return {Report(path, failure.number, failure.reason, {}), nullptr, {}};
         }
     }
+    /// Makes the next Load of this file read it again.
     void Forget(const std::string& path) { loaded_.erase(path); }
 
-    /// Reports a file that cannot be used on the terminal, once for each file and reason: the log's folder is
-    /// a setting of the registry, so the log may not be available. `place` is the place of the error in the
-    /// file.
+    /// Writes to the terminal that a file cannot be used, once for each file and reason. The log is not used,
+    /// since its folder is a setting of the registry. `place` is the position of the error in the file, such
+    /// as ", line 3"; it may be empty. Returns the error for the caller.
     RegistryError Report(const std::string& path, std::int32_t number, const std::string& reason,
                          const std::string& place) {
         const std::string shown = platform::FromSystemText(path);
@@ -166,7 +168,7 @@ class LoadedRegistries {
   private:
     struct Entry {
         Stamp stamp;
-        bool settled = false; ///< it was settled when it was read
+        bool settled = false; ///< IsSettled was true when the file was read
         LoadedRegistry registry;
     };
 
@@ -200,7 +202,8 @@ LoadedRegistries& TheRegistries() {
     return registries;
 }
 
-platform::Descriptor Locked(const std::string& path) {
+/// Waits until no other process has the file's lock, and takes the lock until the result is destroyed.
+platform::Descriptor TakeLock(const std::string& path) {
     platform::Descriptor lock(path + ".lock", O_RDWR | O_CREAT, kFileMode);
     while (::flock(lock.Get(), LOCK_EX) != 0) {
         if (errno != EINTR) {
@@ -212,13 +215,13 @@ platform::Descriptor Locked(const std::string& path) {
 
 void Replace(const std::string& path, const std::string& bytes) {
     platform::FileReplacement replacement(path, kFileMode);
-    replacement.KeepRights();
+    replacement.CopyOldRights();
     replacement.File().Write(bytes);
-    replacement.Place(platform::FileReplacement::Durability::OnTheDisk);
+    replacement.Commit(platform::FileReplacement::Durability::Synced);
 }
 
-/// The file's content after the change; nothing if the change changes nothing. Throws RegDamage for a damaged
-/// file and StepFailure for a change that the file cannot hold.
+/// Returns the file's content after the change; nothing if the change changes nothing. Throws RegDamage for a
+/// damaged file and StepFailure for a change that the file's format or encoding cannot represent.
 std::optional<std::string> Changed(const std::string& path, const std::function<void(RegFile&)>& change) {
     const auto open = OpenRegistry(path);
     RegFile file = open ? RegFile(ReadRegistry(*open)) : RegFile();
@@ -235,8 +238,8 @@ std::optional<std::string> Changed(const std::string& path, const std::function<
 void Change(const std::string& named, const std::function<void(RegFile&)>& change) {
     const auto write = [](auto&& step) { return InStep(error::kCantWrite, step); };
     write([&] { MakeFolders(FolderOf(named)); });
-    const std::string path = platform::Resolved(named); // two names of one file have one lock
-    const platform::Descriptor lock = write([&] { return Locked(path); });
+    const std::string path = platform::ResolveLinks(named); // so that two names of one file have one lock
+    const platform::Descriptor lock = write([&] { return TakeLock(path); });
     if (const auto bytes = Changed(path, change)) {
         write([&] { Replace(path, *bytes); });
     }

@@ -1,6 +1,6 @@
-// The .reg files of this computer and of others: where they are, how a file is read, and how a change is
-// saved so that neither a full disk nor a change by another process loses anything. Errors are the registry's
-// numbers.
+// Finds, reads and changes the .reg files of this computer and of others. Neither a full disk nor a change by
+// another process at the same time loses anything. Errors are the registry's numbers (registry.h). Paths are
+// in the system's encoding.
 #pragma once
 
 #include <functional>
@@ -13,26 +13,29 @@
 
 namespace registry {
 
-/// The file of this computer: $KVLSQLDBMGR_REGISTRY, else KVLSQLDbMgr/registry.reg in $XDG_CONFIG_HOME or
-/// ~/.config. Empty if the user has no home folder.
+/// Returns the path of this computer's file: $KVLSQLDBMGR_REGISTRY if that is set, otherwise
+/// KVLSQLDbMgr/registry.reg in $XDG_CONFIG_HOME or ~/.config. Empty if the user has no home folder.
 std::string LocalRegistryPath();
-/// The file of another computer, computers/<name>.reg beside this computer's file, letter case ignored.
-/// Nothing if there is no such file.
+/// Returns the path of another computer's file, which is computers/<name>.reg beside this computer's file,
+/// letter case ignored. Returns nothing if there is no such file.
 std::optional<std::string> RemoteRegistryPath(const std::string& computer);
 
-/// The content of a file at the time of the call. It is never changed: a change makes a new one.
+/// The content of a file at the time of a call. It does not change when the file changes.
 struct LoadedRegistry {
     RegistryError error;
-    std::shared_ptr<const RegFile> file; ///< not null if error is 0; a missing file is an empty registry
-    RegistryError missing_key; ///< the error for a key that is not in the file; it reports a missing file
+    std::shared_ptr<const RegFile> file; ///< not null if error is 0; empty for a missing file
+    /// The error to return for a key that is not in the file. Its detail names the file if the file is
+    /// missing.
+    RegistryError missing_key;
 };
 
-/// Reads the file, or returns the result of the last call if the file has not changed since. A file that is
-/// missing or cannot be used is reported on the terminal, once.
+/// Reads the file, or returns the result of the last call if the file has not changed since then. A file that
+/// is missing or cannot be used is reported on the terminal, once.
 LoadedRegistry LoadRegistry(const std::string& path);
 
-/// Reads the file, changes it and replaces it in one step, while no other process can change it. The file
-/// stays as it is unless the result is 0.
+/// Reads the file, calls `change` with its content and replaces the file in one step. A lock keeps other
+/// processes from changing it meanwhile. Makes the file and its folders if they are missing. After an error
+/// the file is as it was.
 RegistryError ChangeRegistry(const std::string& path, const std::function<void(RegFile&)>& change);
 
 } // namespace registry

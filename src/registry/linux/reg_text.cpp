@@ -1,3 +1,4 @@
+// The encodings of .reg files.
 #include "registry/linux/reg_text.h"
 
 #include <algorithm>

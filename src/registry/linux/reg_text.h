@@ -9,12 +9,12 @@
 
 namespace registry {
 
-/// A .reg file is damaged.
+/// Thrown for a .reg file that cannot be read, and for a change that cannot be written.
 class RegDamage : public std::exception {
   public:
     RegDamage(std::size_t line, std::string what) : line_(line), what_(std::move(what)) {}
 
-    /// The first line is 1.
+    /// The line of the error, counted from 1; 0 for a change that cannot be written.
     std::size_t Line() const { return line_; }
     const char* what() const noexcept override { return what_.c_str(); }
 
@@ -30,15 +30,16 @@ enum class RegEncoding : unsigned char {
     CodePage1252 ///< as Windows exports REGEDIT4
 };
 
+/// The text of a file without its byte order mark.
 struct RegText {
     RegEncoding encoding = RegEncoding::Utf16;
     std::u16string characters;
 };
 
-/// Throws RegDamage if the bytes are not text in any of the encodings. EncodeRegText writes every character
-/// back as it was, half surrogate pairs included.
+/// Finds the encoding and decodes the text. Throws RegDamage if the bytes are not text in any of the
+/// encodings. EncodeRegText converts the result back to the same bytes, also half surrogate pairs.
 RegText DecodeRegText(std::string_view bytes);
-/// Throws RegDamage for a character that the encoding lacks.
+/// Encodes the text. Throws RegDamage for a character that the encoding lacks.
 std::string EncodeRegText(const RegText& text);
 
 } // namespace registry

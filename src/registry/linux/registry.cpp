@@ -27,8 +27,9 @@ struct Hive {
 constexpr std::array kHives = {Hive{kHkeyCurrentUser, u"HKEY_CURRENT_USER"},
                                Hive{kHkeyLocalMachine, u"HKEY_LOCAL_MACHINE"}};
 
+/// The key behind a handle.
 struct Key {
-    std::string file;
+    std::string file; ///< the path of its .reg file
     RegPath path;
     std::uint32_t access = kKeyAllAccess;
 };
@@ -38,14 +39,15 @@ std::map<RegistryHandle, Key>& OpenKeys() {
     return keys;
 }
 
+/// Gives the key a new handle.
 OpenedKey Open(Key key) {
     static RegistryHandle last = 0x100;
     OpenKeys().emplace(++last, std::move(key));
     return {kSuccess, last};
 }
 
-/// Texts end at their first NUL, as in the calls of Windows.
-std::string_view Text(const std::string& text) {
+/// Returns the text before its first NUL, as far as the calls of Windows read it.
+std::string_view UpToNul(const std::string& text) {
     return text.c_str();
 }
 
@@ -55,6 +57,7 @@ std::u16string_view HiveOf(RegistryHandle handle) {
     return hive == kHives.end() ? std::u16string_view{} : hive->name;
 }
 
+/// Returns the key of a handle, which may be a hive; nothing if the handle is invalid.
 std::optional<Key> Find(RegistryHandle handle) {
     const std::u16string_view hive = HiveOf(handle);
     if (!hive.empty()) {
@@ -93,7 +96,7 @@ constexpr std::array kMessages = {
     Message{kCantWrite, "The configuration registry key could not be written."},
 };
 
-/// Cuts the beginning: the end names the file and the line.
+/// Shortens the text to `most` characters. The beginning is cut, since the end names the file and the line.
 std::string Shortened(std::string text, std::size_t most) {
     constexpr std::string_view kLeftOut = "...";
     if (text.size() > most) {
@@ -109,7 +112,7 @@ OpenedKey OpenKey(RegistryHandle root, const std::string& subkey, std::uint32_t 
     if (!parent) {
         return {kInvalidHandle};
     }
-    Key key{parent->file, MakeRegPath(parent->path, Text(subkey)), access};
+    Key key{parent->file, MakeRegPath(parent->path, UpToNul(subkey)), access};
     const LoadedRegistry registry = LoadRegistry(key.file);
     if (registry.error != kSuccess) {
         return {registry.error};
@@ -126,10 +129,10 @@ OpenedKey CreateKey(RegistryHandle root, const std::string& subkey, const std::s
     if (!parent) {
         return {kInvalidHandle};
     }
-    Key key{parent->file, MakeRegPath(parent->path, Text(subkey)), access};
+    Key key{parent->file, MakeRegPath(parent->path, UpToNul(subkey)), access};
     const RegistryError error = ChangeRegistry(key.file, [&](RegFile& file) {
         if (!IsHive(key.path)) {
-            file.AddKey(key.path, Text(key_class));
+            file.AddKey(key.path, UpToNul(key_class));
         }
     });
     return error == kSuccess ? Open(std::move(key)) : OpenedKey{error};
@@ -147,7 +150,7 @@ RegistryError QueryValue(RegistryHandle key, const std::string& name, std::strin
     if (registry.error != kSuccess) {
         return registry.error;
     }
-    const RegValue* value = registry.file->Find(open->path, Text(name));
+    const RegValue* value = registry.file->Find(open->path, UpToNul(name));
     if (value == nullptr) {
         return kFileNotFound;
     }
@@ -174,7 +177,7 @@ RegistryError SetValue(RegistryHandle key, const std::string& name, std::uint32_
         return kAccessDenied;
     }
     return ChangeRegistry(open->file,
-                          [&](RegFile& file) { file.SetValue(open->path, Text(name), type, data); });
+                          [&](RegFile& file) { file.SetValue(open->path, UpToNul(name), type, data); });
 }
 
 std::int32_t CloseKey(RegistryHandle key) {
@@ -189,7 +192,7 @@ OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive) {
     if (hive_name.empty()) {
         return {kInvalidHandle};
     }
-    std::string_view name = Text(computer);
+    std::string_view name = UpToNul(computer);
     name.remove_prefix(std::min(name.find_first_not_of('\\'), name.size()));
     if (const auto file = RemoteRegistryPath(std::string(name))) {
         return Open({*file, RegPath(hive_name), kKeyAllAccess});
@@ -202,7 +205,7 @@ OpenedKey ConnectRegistry(const std::string& computer, RegistryHandle hive) {
 
 std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     constexpr std::string_view kLineEnd = "\r\n";
-    constexpr std::size_t kFixed = 3; // the line end, and the NUL for which the buffer needs space too
+    constexpr std::size_t kFixed = 3; // characters for the line end and the NUL
     const auto* message = std::find_if(kMessages.begin(), kMessages.end(),
                                        [&](const Message& m) { return m.error == error.number; });
     if (message == kMessages.end() || message->text.size() + kFixed > buffer_size) {
@@ -210,8 +213,8 @@ std::string SystemMessage(const RegistryError& error, std::size_t buffer_size) {
     }
     std::string text(message->text);
     const std::size_t room = buffer_size - kFixed - text.size();
-    constexpr std::size_t kLeast = 20; // a shorter detail would be of no use
-    if (!error.detail.empty() && room > kLeast) {
+    constexpr std::size_t kMinDetail = 20; // a shorter detail would be of no use
+    if (!error.detail.empty() && room > kMinDetail) {
         text.back() = ':';
         text += ' ';
         text += Shortened(error.detail, room - 1);

@@ -24,7 +24,8 @@ std::filesystem::path FolderOf(const std::string& application) {
     return folder.empty() ? std::filesystem::path() : std::filesystem::path(folder) / application;
 }
 
-/// A missing file has no lines. Returns nothing if a file cannot be read to its end.
+/// Reads the lines of the file; a missing file has no lines. Returns nothing if a file cannot be read to its
+/// end.
 std::optional<Lines> ReadLines(const std::filesystem::path& file) {
     Lines lines;
     std::error_code error;
@@ -82,8 +83,8 @@ void SetLine(Lines& lines, const std::string& section, const std::string& key, c
     }
 }
 
-/// The file contains passwords in clear text. So only its user can read it, from its first byte on, whatever
-/// the rights of the file that it replaces.
+/// Replaces the file; false if that fails. The file contains passwords in clear text, so only its user can
+/// read it, from its first byte on, whatever the rights of the file that it replaces.
 bool ReplaceFile(const std::filesystem::path& file, const Lines& lines) {
     constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
     std::string content;
@@ -93,7 +94,7 @@ bool ReplaceFile(const std::filesystem::path& file, const Lines& lines) {
     try {
         platform::FileReplacement replacement(file.string(), kOwnerOnly);
         replacement.File().Write(content);
-        replacement.Place(platform::FileReplacement::Durability::AsTheSystemLikes);
+        replacement.Commit(platform::FileReplacement::Durability::Unsynced);
         return true;
     } catch (const platform::SystemFault&) {
         return false;
@@ -123,7 +124,7 @@ bool WriteUserSetting(const std::string& application, const std::string& section
     const std::filesystem::path file = folder / "settings.ini";
     auto lines = ReadLines(file);
     if (!lines) {
-        return false; // a new file would hold this one text in place of all
+        return false; // a new file would lose all other settings
     }
     SetLine(*lines, section, key, value);
     return ReplaceFile(file, *lines);

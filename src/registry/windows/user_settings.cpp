@@ -1,3 +1,4 @@
+// The user's settings in the registry of Windows.
 #include "registry/user_settings.h"
 
 #include "registry/registry.h"
