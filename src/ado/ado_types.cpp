@@ -1,3 +1,4 @@
+// The table of types.
 #include "ado/ado_types.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// ADO's data types and the ODBC types that correspond to them, in one table for both directions. Everything
-// but the enumeration of data types is internal to the layer.
+// Maps ADO's data types to ODBC's types and back. Everything but the enumeration of data types is internal to
+// the layer.
 #pragma once
 
 #include <cstdint>
@@ -36,28 +36,29 @@ enum DataType : std::int32_t {
     adLongVarBinary = 205,
 };
 
-/// The meaning of a parameter's Size and Precision.
+/// Says what a parameter's Size and Precision mean.
 enum class TypeKind : std::uint8_t {
-    Fixed,   ///< the precision follows from the type
+    Fixed,   ///< the type alone determines the precision
     Decimal, ///< each parameter has its own precision and scale
     Sized,   ///< the size is the largest number of characters or bytes
     Long,    ///< as Sized; the parameter also has the attribute adParamLong
 };
 
+/// One of ADO's types.
 struct AdoType {
     DataType number = adEmpty;
     odbc::SqlType sql_type = odbc::SqlType::Unknown;
     std::string_view server_name; ///< the server's own name for the type
     TypeKind kind = TypeKind::Fixed;
-    std::uint8_t precision = 0; ///< of a fixed type; 0 for types that are not numbers
-    bool is_signed = false;
+    std::uint8_t precision = 0; ///< the Precision of a Fixed type; 0 for other types
+    bool is_signed = false;     ///< a number that may be negative
 };
 
-/// ADO's type for a column of the catalogue. It follows from the driver's type, except for money: ODBC
-/// reports it as a decimal, so the server's name of the type decides. A type that is not in the table becomes
-/// text, since every value can be shown as text.
+/// Returns ADO's type for an ODBC type. `type_name` is the server's name of the type: it decides for money,
+/// which ODBC reports as a decimal. A type that is not in the table becomes text, since every value can be
+/// shown as text.
 const AdoType& AdoTypeOf(odbc::SqlType sql_type, std::string_view type_name);
-/// The row for one of ADO's numbers; the row of text for an unknown number.
+/// Returns ADO's type with this number; text for an unknown number.
 const AdoType& AdoTypeOf(std::int32_t number);
 
 } // namespace ado

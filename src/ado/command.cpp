@@ -46,6 +46,7 @@ class CatalogueRow {
   public:
     explicit CatalogueRow(const Recordset& rows) : rows_(rows) {}
 
+    /// Empty for NULL.
     std::string Text(CatalogueColumn column) const {
         const Variant& value = Value(column);
         return value.IsNull() ? std::string() : value.ToString();
@@ -62,7 +63,7 @@ class CatalogueRow {
     }
     /// True if the row belongs to the procedure with this name. Most drivers append the procedure's number,
     /// as in "name;1". The catalogue lists functions too, with the number 0.
-    bool IsOf(const ProcedureName& wanted) const {
+    bool BelongsTo(const ProcedureName& wanted) const {
         const std::string listed = Text(kProcedureName);
         const std::size_t end = listed.rfind(';');
         const std::string number = end == std::string::npos ? "1" : listed.substr(end + 1);
@@ -77,12 +78,14 @@ class CatalogueRow {
     const Recordset& rows_;
 };
 
-/// A number that is too large for the field becomes the field's largest value.
+/// Converts the number to a field's type. A number that is too large becomes the type's largest value; a
+/// negative one becomes 0.
 template <class Field>
-Field Fitted(std::int64_t number) {
+Field Clamped(std::int64_t number) {
     return static_cast<Field>(std::clamp<std::int64_t>(number, 0, std::numeric_limits<Field>::max()));
 }
 
+/// Makes the parameter that the row describes.
 Parameter ParameterOf(const CatalogueRow& row) {
     const AdoType& type = AdoTypeOf(static_cast<odbc::SqlType>(row.Number(kDataType)), row.Text(kTypeName));
     const bool sized = type.kind == TypeKind::Sized || type.kind == TypeKind::Long;
@@ -96,12 +99,12 @@ Parameter ParameterOf(const CatalogueRow& row) {
                          (type.kind == TypeKind::Long ? adParamLong : 0));
     parameter.Precision(type.precision);
     if (type.kind == TypeKind::Decimal) {
-        parameter.Precision(Fitted<std::uint8_t>(row.Number(kColumnSize)));
-        parameter.NumericScale(Fitted<std::uint8_t>(row.Number(kDecimalDigits)));
+        parameter.Precision(Clamped<std::uint8_t>(row.Number(kColumnSize)));
+        parameter.NumericScale(Clamped<std::uint8_t>(row.Number(kDecimalDigits)));
     }
     if (sized) {
         const std::int64_t size = row.Number(kColumnSize); // 0: no limit
-        parameter.Size(Fitted<std::int32_t>(size > 0 ? size : std::numeric_limits<std::int32_t>::max()));
+        parameter.Size(Clamped<std::int32_t>(size > 0 ? size : std::numeric_limits<std::int32_t>::max()));
     }
     return parameter;
 }
@@ -113,7 +116,7 @@ ByOwner ParametersByOwner(Recordset& rows, const ProcedureName& name) {
     ByOwner procedures;
     for (; !rows.Eof(); rows.MoveNext()) {
         const CatalogueRow row(rows);
-        if (!row.IsOf(name) || row.Direction() == kNoParameter) {
+        if (!row.BelongsTo(name) || row.Direction() == kNoParameter) {
             continue;
         }
         const std::string owner = row.Text(kOwner);
@@ -126,7 +129,8 @@ ByOwner ParametersByOwner(Recordset& rows, const ProcedureName& name) {
     return procedures;
 }
 
-/// A query for the procedure that a call without an owner would run: its index in `procedures`, or NULL.
+/// Returns a query that finds the procedure that a call without an owner would run. Its answer is the index
+/// in `procedures`, or NULL.
 std::string OwnerQuery(const ByOwner& procedures, const std::string& name) {
     std::string query = "SELECT CASE OBJECT_ID(N'" + InBrackets(name) + "')";
     for (std::size_t i = 0; i < procedures.size(); ++i) {
@@ -136,8 +140,8 @@ std::string OwnerQuery(const ByOwner& procedures, const std::string& name) {
     return query + " END";
 }
 
-/// The index in the answer to OwnerQuery; 0 if the server finds no procedure.
-std::size_t OwnerIn(const Recordset& answer, std::size_t count) {
+/// Returns the index in the answer to OwnerQuery; 0 if the server finds no procedure.
+std::size_t OwnerIndex(const Recordset& answer, std::size_t count) {
     if (answer.Eof()) {
         return 0;
     }
@@ -171,7 +175,7 @@ void Command::CommandTimeout(std::int32_t seconds) {
     command_timeout_ = seconds;
 }
 
-Connection& Command::Ready() const {
+Connection& Command::RequireReady() const {
     if (connection_ == nullptr || connection_->State() == adStateClosed) {
         RaiseOwnError(kInvalidConnection, kSource);
     }
@@ -187,7 +191,7 @@ Connection& Command::Ready() const {
 }
 
 std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std::int32_t options) {
-    Connection& connection = Ready();
+    Connection& connection = RequireReady();
     if (options != adOptionUnspecified) {
         RaiseOwnError(kArgumentsInConflict, kSource, "option " + std::to_string(options));
     }
@@ -206,7 +210,7 @@ std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std:
 
 void Parameters::Refresh() {
     const std::vector<Parameter> before = Take();
-    Connection& connection = command_->Ready();
+    Connection& connection = command_->RequireReady();
     const ProcedureName name = ParseProcedureName(command_->command_text_);
     if (!name.database.empty()) {
         RaiseOwnError(kFeatureNotAvailable, kSource, "the parameters of a procedure of another database");
@@ -225,7 +229,7 @@ void Parameters::Refresh() {
             connection.impl_->Run({.timeout = command_->command_timeout_,
                                    .start = [&](odbc::Statement& statement) { statement.ExecDirect(query); }},
                                   ignored);
-        found = OwnerIn(*answer, procedures.size());
+        found = OwnerIndex(*answer, procedures.size());
     }
     Fill(procedures.empty() ? std::vector<Parameter>() : std::move(procedures[found].second), before);
 }

@@ -1,4 +1,4 @@
-// A stored procedure, its parameters and its execution, with the interface of ADO. Callers do not see ODBC.
+// Calls stored procedures, with the interface of ADO's Command. Callers do not see ODBC.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +12,9 @@ namespace ado {
 
 inline constexpr std::int32_t adCmdStoredProc = 4;
 
-/// Every failure is a CallError. What the server or the driver reported is in the connection's Errors, as
-/// after a call of the connection itself.
+/// The call of one stored procedure: its name, its parameters and its time-out. Every failure is a CallError.
+/// Errors and messages of the server or the driver are in the connection's Errors, as after a call of the
+/// connection itself.
 class Command {
   public:
     Command();
@@ -21,31 +22,33 @@ class Command {
     Command& operator=(const Command&) = delete;
     ~Command();
 
-    /// The connection must outlive the command's last call.
+    /// Sets the connection, which must live as long as members of the command are called.
     void ActiveConnection(Connection& connection);
-    /// The procedure's name as the server accepts it, optionally with an owner before it and ";number" after
-    /// it.
+    /// Sets the procedure's name as the server accepts it, optionally with an owner before it and ";number"
+    /// after it.
     void CommandText(const std::string& value);
     const std::string& CommandText() const { return command_text_; }
-    /// adCmdStoredProc; anything else is refused with kFeatureNotAvailable.
+    /// Must be set to adCmdStoredProc. Any other value fails with kFeatureNotAvailable.
     void CommandType(std::int32_t value);
-    /// Seconds; 0: no limit.
+    /// Sets how long Execute may take; 0 means no limit.
     void CommandTimeout(std::int32_t seconds);
 
     ado::Parameters& Parameters() { return parameters_; }
 
     /// Calls the procedure with the values of Parameters and returns the first result, as Connection::Execute
-    /// does. An input parameter that is Empty is left out of the call, so that the procedure's default
-    /// applies; an Empty parameter of both directions is passed as NULL. Afterwards the return value and the
-    /// output parameters have the values that the server returned. `options` must be adOptionUnspecified.
-    /// Never returns null.
+    /// does; never returns null. An input parameter that is Empty is left out of the call, so that the
+    /// procedure's default applies; an input/output parameter that is Empty is passed as NULL. After the call
+    /// the return value and the output parameters have the values that the server returned.
+    /// `records_affected` receives the same number as with Connection::Execute. `options` must be
+    /// adOptionUnspecified.
     std::unique_ptr<Recordset> Execute(std::int64_t& records_affected, std::int32_t options);
 
   private:
     friend class ado::Parameters;
 
-    /// The connection. Throws if it is not open or if the command lacks something that it needs.
-    Connection& Ready() const;
+    /// Returns the connection. Throws CallError if it is not set or not open, if the command's type is not
+    /// set or if its text is empty.
+    Connection& RequireReady() const;
 
     Connection* connection_ = nullptr;
     std::string command_text_;

@@ -1,5 +1,5 @@
-// Connections over ODBC. Each has its own environment of the driver manager, so that closing it frees
-// everything.
+// Connections over ODBC. Each connection has its own environment of the driver manager, so that closing it
+// frees everything.
 #include "ado/connection.h"
 
 #include <string>
@@ -34,9 +34,15 @@ void RefuseOptions(std::int32_t options, bool text_allowed) {
 
 } // namespace
 
-void Connection::Impl::CheckOpen(bool wanted) const {
-    if ((session != nullptr) != wanted) {
-        RaiseOwnError(wanted ? kObjectClosed : kObjectOpen, kSource);
+void Connection::Impl::RequireOpen() const {
+    if (session == nullptr) {
+        RaiseOwnError(kObjectClosed, kSource);
+    }
+}
+
+void Connection::Impl::RequireClosed() const {
+    if (session != nullptr) {
+        RaiseOwnError(kObjectOpen, kSource);
     }
 }
 
@@ -82,7 +88,7 @@ Connection& Connection::operator=(Connection&&) noexcept = default;
 Connection::~Connection() = default;
 
 void Connection::CursorLocation(std::int32_t value) {
-    impl_->CheckOpen(false);
+    impl_->RequireClosed();
     if (value != adUseClient) {
         RaiseOwnError(kFeatureNotAvailable, kSource, "cursor location " + std::to_string(value));
     }
@@ -90,12 +96,12 @@ void Connection::CursorLocation(std::int32_t value) {
 }
 
 void Connection::ConnectionString(const std::string& value) {
-    impl_->CheckOpen(false);
+    impl_->RequireClosed();
     impl_->connection_string = value;
 }
 
 void Connection::ConnectionTimeout(std::int32_t seconds) {
-    impl_->CheckOpen(false);
+    impl_->RequireClosed();
     impl_->connection_timeout = seconds;
 }
 
@@ -105,7 +111,7 @@ void Connection::CommandTimeout(std::int32_t seconds) {
 
 void Connection::Open(const std::string& connection_string, const std::string& user,
                       const std::string& password, std::int32_t options) {
-    impl_->CheckOpen(false);
+    impl_->RequireClosed();
     RefuseOptions(options, false);
     if (!user.empty() || !password.empty()) {
         RaiseOwnError(kFeatureNotAvailable, kSource, "a user or password beside the connection string");
@@ -127,7 +133,7 @@ void Connection::Open(const std::string& connection_string, const std::string& u
 
 std::unique_ptr<Recordset> Connection::Execute(const std::string& command_text,
                                                std::int64_t& records_affected, std::int32_t options) {
-    impl_->CheckOpen(true);
+    impl_->RequireOpen();
     RefuseOptions(options, true);
     return impl_->Run({.timeout = impl_->command_timeout,
                        .results_after_error = true,
@@ -136,7 +142,7 @@ std::unique_ptr<Recordset> Connection::Execute(const std::string& command_text,
 }
 
 std::unique_ptr<Recordset> Connection::OpenSchema(std::int32_t schema) {
-    impl_->CheckOpen(true);
+    impl_->RequireOpen();
     if (schema != adSchemaProcedures) {
         RaiseOwnError(kFeatureNotAvailable, kSource, "schema " + std::to_string(schema));
     }
@@ -161,7 +167,7 @@ std::int32_t Connection::State() const {
 }
 
 void Connection::Close() {
-    impl_->CheckOpen(true);
+    impl_->RequireOpen();
     impl_->session.reset();
 }
 

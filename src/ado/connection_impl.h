@@ -1,4 +1,4 @@
-// The state of a connection. Internal to the layer, for the sources that run statements on a connection.
+// The state of a connection, for the sources that run statements on it. Internal to the layer.
 #pragma once
 
 #include <functional>
@@ -9,20 +9,21 @@
 
 namespace ado {
 
-/// Exists from Open to Close.
+/// The handles of an open connection. Exists from Open to Close.
 struct Session {
     odbc::Environment environment;
     odbc::Connection connection{environment};
-    bool drops_results_after_error = false;
+    bool drops_results_after_error = false; ///< odbc::Connection::DropsResultsAfterError
 };
 
-/// The work of one statement.
+/// Says how one statement is run.
 struct Work {
     using Step = std::function<void(odbc::Statement&)>;
 
-    std::int32_t timeout = 0; ///< seconds; 0: no limit
-    /// True if the results after an error are read too. A call of the catalogue has only one result.
+    std::int32_t timeout = 0; ///< in seconds; 0 means no limit
+    /// True if the results after an error are to be read too. A call of the catalogue has only one result.
     bool results_after_error = false;
+    /// Executes the statement.
     Step start;
     /// Called when all results have been read, unless the work has failed.
     Step finish{};
@@ -31,18 +32,21 @@ struct Work {
 struct Connection::Impl {
     std::int32_t cursor_location = adUseServer;
     std::string connection_string;
-    std::int32_t connection_timeout = 15; // seconds, as is the next one; both are ADO's defaults
-    std::int32_t command_timeout = 30;
+    std::int32_t connection_timeout = 15; ///< in seconds; ADO's default
+    std::int32_t command_timeout = 30;    ///< in seconds; ADO's default
     ado::Errors errors;
-    std::unique_ptr<Session> session;
+    std::unique_ptr<Session> session; ///< null if the connection is closed
 
-    /// Throws kObjectClosed or kObjectOpen unless the connection is open (true) or closed (false) as wanted.
-    void CheckOpen(bool wanted) const;
+    /// Throws kObjectClosed unless the connection is open.
+    void RequireOpen() const;
+    /// Throws kObjectOpen unless the connection is closed.
+    void RequireClosed() const;
+    /// Throws OdbcError.
     std::unique_ptr<Session> Connect() const;
-    /// Does the work on a new statement, to the end of its last result. Returns the first result and stores
-    /// what was reported in `errors`. Throws CallError. The connection must be open.
+    /// Does the work on a new statement, to the end of its last result, and returns the first result. Stores
+    /// all reported errors and messages in `errors`. Throws CallError. The connection must be open.
     std::unique_ptr<Recordset> Run(const Work& work, std::int64_t& records_affected);
-    /// Stores what the database reported in `errors` and throws the first of them.
+    /// Stores the records of the error in `errors` and throws the first as a CallError.
     [[noreturn]] void Fail(const odbc::OdbcError& error);
 };
 

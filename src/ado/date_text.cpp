@@ -1,3 +1,4 @@
+// Shows and reads dates by the pictures of a locale, and reads dates in ISO 8601.
 #include "ado/date_text.h"
 
 #include <algorithm>
@@ -14,18 +15,19 @@ namespace {
 
 using platform::LocaleForms;
 
-/// A piece of a picture: an element, given by its letter and the number of its letters, or literal text.
+/// A piece of a picture (platform/locale.h): an element such as "MM", or literal text.
 struct Element {
-    char letter = '\0'; ///< one of d M y h H m s t; NUL for literal text
-    std::size_t count = 0;
-    std::string text{};
+    char letter = '\0';    ///< one of d M y h H m s t; NUL for literal text
+    std::size_t count = 0; ///< the number of letters of an element
+    std::string text{};    ///< the literal text
 };
 using Picture = std::vector<Element>;
 
-/// Some locales write it where an operator types a space.
+/// A no-break space. Some locales write it where an operator types a space.
 constexpr std::string_view kNoBreakSpace = "\xA0";
 
-/// Weekdays and eras are left out, with the text that follows them: the date is complete without them.
+/// True for weekdays and eras. They are left out together with the text that follows them, since the date is
+/// complete without them.
 bool IsLeftOut(char letter, std::size_t count) {
     return letter == 'g' || (letter == 'd' && count > 2);
 }
@@ -129,14 +131,16 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Takes a number of `least` to `most` digits from the front of the text.
+// The functions Take… remove something from the front of a text. They return false if it is not there.
+
+/// Takes a number of `min_digits` to `max_digits` digits.
 template <class Number>
-bool TakeNumber(std::string_view& text, std::size_t least, std::size_t most, Number& number) {
+bool TakeNumber(std::string_view& text, std::size_t min_digits, std::size_t max_digits, Number& number) {
     std::size_t size = 0;
     while (size < text.size() && IsDigit(text[size])) {
         ++size;
     }
-    if (size < least || size > most) {
+    if (size < min_digits || size > max_digits) {
         return false;
     }
     std::from_chars(text.data(), text.data() + size, number);
@@ -168,8 +172,8 @@ bool TakeMonth(std::string_view& text, const LocaleForms& forms, std::uint16_t& 
 struct Reading {
     std::string_view text;
     Date date = kDayZero;
-    bool twelve_hours = false;
-    bool afternoon = false;
+    bool twelve_hours = false; ///< the text has AM or PM
+    bool afternoon = false;    ///< the text has PM
 };
 
 bool TakeElement(const Element& element, const LocaleForms& forms, Reading& reading) {
@@ -202,8 +206,8 @@ bool TakePicture(const Picture& picture, const LocaleForms& forms, Reading& read
                                [&](const Element& element) { return TakeElement(element, forms, reading); });
 }
 
-/// Converts the hour to a clock of 24 hours. False if there is no such hour.
-bool SettleHour(Reading& reading) {
+/// Converts the hour to a clock of 24 hours. Returns false if there is no such hour.
+bool ConvertTo24Hours(Reading& reading) {
     std::uint16_t& hour = reading.date.hour;
     if (!reading.twelve_hours) {
         return hour < 24;
@@ -221,8 +225,8 @@ bool IsValid(const Date& date) {
     return date.year >= 1 && day.ok() && date.hour < 24 && date.minute < 60 && date.second < 60;
 }
 
-/// The picture without the element and the literal text on its left, or on its right if the element is the
-/// first.
+/// Returns the picture without an element and without the literal text before it, or after it if the element
+/// is the first piece.
 Picture Without(Picture picture, char letter) {
     const auto found = std::ranges::find(picture, letter, &Element::letter);
     if (found == picture.end()) {
@@ -239,20 +243,22 @@ Picture Without(Picture picture, char letter) {
     return picture;
 }
 
-/// The locale's time; the same without seconds; without AM and PM, for a clock of 24 hours; and without both.
+/// Returns the locale's picture of a time; the same without seconds; without AM and PM, for a clock of 24
+/// hours; and without both.
 std::vector<Picture> TimePictures(const LocaleForms& forms) {
     const Picture whole = PictureOf(forms.time_picture);
     return {whole, Without(whole, 's'), Without(whole, 't'), Without(Without(whole, 's'), 't')};
 }
 
+/// Returns the date that was read; nothing if text is left or the date does not exist.
 std::optional<DateText> Finished(Reading reading, bool has_date, bool has_time) {
-    if (!reading.text.empty() || !SettleHour(reading) || !IsValid(reading.date)) {
+    if (!reading.text.empty() || !ConvertTo24Hours(reading) || !IsValid(reading.date)) {
         return std::nullopt;
     }
     return DateText{reading.date, has_date, has_time};
 }
 
-std::optional<DateText> ReadOfLocale(std::string_view text, const LocaleForms& forms) {
+std::optional<DateText> ReadLocaleDate(std::string_view text, const LocaleForms& forms) {
     Reading start{text};
     const bool has_date = TakePicture(PictureOf(forms.date_picture), forms, start);
     if (!has_date) {
@@ -336,7 +342,7 @@ Date RoundedToSecond(const Date& date) {
         return rounded;
     }
     const sys_days day = year_month_day(year(date.year), month(date.month), std::chrono::day(date.day));
-    // Not counted in nanoseconds, since these reach from 1677 to 2262 only.
+    // Counted in seconds: a clock of nanoseconds reaches from 1677 to 2262 only.
     const sys_seconds next =
         sys_seconds(day) + hours(date.hour) + minutes(date.minute) + seconds(date.second + 1);
     const sys_days midnight = floor<days>(next);
@@ -368,12 +374,11 @@ std::string ShowDate(const Date& date, const LocaleForms& forms) {
 
 std::optional<DateText> ReadDate(std::string_view given, const LocaleForms& forms) {
     const std::string text = text::ReplaceAll(WithoutBlanks(given), kNoBreakSpace, " ");
-    // A text in the form of ISO 8601 is read as such and in no other way: in the locale's order it could be
-    // another day.
+    // A text in the form of ISO 8601 is never read in the locale's order, in which it could be another day.
     if (HasShape(text, "0000-00-00")) {
         return ReadIsoDate(text);
     }
-    if (auto read = ReadOfLocale(text, forms)) {
+    if (auto read = ReadLocaleDate(text, forms)) {
         return read;
     }
     return ReadIsoTime(Reading{text}, false);

@@ -1,4 +1,4 @@
-// Dates and times of day as text, in the forms of a locale, and back. Internal to the layer.
+// Converts dates and times of day to text in the forms of a locale, and back. Internal to the layer.
 #pragma once
 
 #include <optional>
@@ -10,22 +10,22 @@
 
 namespace ado {
 
-/// The day that a Date holds if it stands for a time of day only.
+/// The day of a Date that has only a time of day.
 inline constexpr Date kDayZero{1899, 12, 30, 0, 0, 0, 0};
 
-/// Rounds to a whole second, since the text shows no fraction. The last second of the year 9999 is not
-/// rounded up.
+/// Rounds to the nearest second, since the text shows no fraction. The last second of the year 9999 is
+/// rounded down.
 Date RoundedToSecond(const Date& date);
 
-/// The text of a date and time, rounded to a second. The date is left out if it is day zero, and the time if
-/// it is midnight. Midnight of day zero is shown as a time.
+/// Returns the text of a date and time, rounded to a second. The date is left out if it is kDayZero, and the
+/// time is left out if it is midnight. Midnight of kDayZero is shown as a time.
 std::string ShowDate(const Date& date, const platform::LocaleForms& forms);
 
 /// A date that was read from a text.
 struct DateText {
     Date date = kDayZero;
-    bool has_date = false;
-    bool has_time = false;
+    bool has_date = false; ///< the text has a date
+    bool has_time = false; ///< the text has a time of day
 };
 
 /// Reads a date, a time of day, or a date followed by a time. Two forms are accepted:

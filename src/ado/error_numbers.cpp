@@ -1,3 +1,4 @@
+// Gives each diagnostic record its number and its source, and sorts the entries.
 #include "ado/error_numbers.h"
 
 #include <algorithm>
@@ -14,7 +15,8 @@ namespace {
 constexpr std::int32_t kNoCommandText = -2147217908; // 0x80040E0C
 constexpr std::int32_t kRaisedMessage = 265946;      // 0x00040EDA: success with a message
 
-/// Numbers from here on belong to scripts and procedures (RAISERROR), those below to the server.
+/// Scripts and procedures raise errors with this number and higher ones (RAISERROR). Lower ones are the
+/// server's.
 constexpr std::int32_t kFirstRaised = 50000;
 
 std::int32_t NumberOf(const odbc::Diagnostic& diagnostic) {
@@ -24,14 +26,17 @@ std::int32_t NumberOf(const odbc::Diagnostic& diagnostic) {
     return odbc::ErrorNumberOf(diagnostic.sql_state);
 }
 
-/// The groups of the collection's entries, in the order in which the groups are sorted.
-enum class Rank : std::uint8_t { Error, Raised, Message };
+/// The groups of the collection's entries, in the order in which they are sorted.
+enum class EntryGroup : std::uint8_t { Error, RaisedMessage, ServerMessage };
 
-Rank RankOf(std::int32_t number) {
-    return number == 0 ? Rank::Message : number == kRaisedMessage ? Rank::Raised : Rank::Error;
+EntryGroup GroupOf(std::int32_t number) {
+    if (number == 0) {
+        return EntryGroup::ServerMessage;
+    }
+    return number == kRaisedMessage ? EntryGroup::RaisedMessage : EntryGroup::Error;
 }
 
-/// The last of the bracketed names before a message: "SQL Server" for "[FreeTDS][SQL Server]...".
+/// Returns the last of the bracketed names before a message: "SQL Server" for "[FreeTDS][SQL Server]...".
 std::string SourceOf(std::string_view message) {
     const std::string_view text = odbc::WithoutOrigin(message);
     std::string_view origin = message.substr(0, message.size() - text.size());
@@ -74,7 +79,7 @@ Error RefusalOf(const char* sql_state, const std::string& text) {
 Errors ErrorsOf(const std::vector<odbc::Diagnostic>& diagnostics) {
     std::vector<Error> entries;
     std::ranges::transform(diagnostics, std::back_inserter(entries), ErrorOf);
-    std::ranges::stable_sort(entries, {}, [](const Error& entry) { return RankOf(entry.Number); });
+    std::ranges::stable_sort(entries, {}, [](const Error& entry) { return GroupOf(entry.Number); });
     return Errors(std::move(entries));
 }
 

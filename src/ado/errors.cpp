@@ -1,3 +1,4 @@
+// The texts of the failures that the layer finds itself.
 #include "ado/errors.h"
 
 #include <algorithm>

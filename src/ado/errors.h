@@ -1,5 +1,5 @@
-// The errors and messages that the last call on a connection left, as ADO presents them, and the exceptions
-// of failing calls. Plain data; knows no driver.
+// The errors and messages that the last call of a connection has left, as ADO presents them, and the
+// exceptions of failed calls. Knows no driver.
 #pragma once
 
 #include <cstdint>
@@ -17,12 +17,12 @@ namespace ado {
 struct Error {
     std::int32_t Number = 0;
     std::string Description;
-    std::string Source;
-    std::int32_t NativeError = 0;
-    std::string SQLState;
+    std::string Source;           ///< the component that reported it
+    std::int32_t NativeError = 0; ///< the number that the server or the driver gives
+    std::string SQLState;         ///< five characters; empty if there is no state
 };
 
-/// The collection of a connection. Entries with a number other than 0 come first.
+/// A connection's collection of errors. Entries with a number other than 0 come first.
 class Errors {
   public:
     Errors() = default;
@@ -30,7 +30,8 @@ class Errors {
 
     std::int32_t Count() const { return static_cast<std::int32_t>(errors_.size()); }
 
-    /// The first has the index 0. Throws std::out_of_range for an index outside the collection.
+    /// Returns an entry. The first has the index 0. Throws std::out_of_range for an index outside the
+    /// collection.
     const Error& Item(std::int16_t index) const {
         if (index < 0 || index >= Count()) {
             throw std::out_of_range("Item cannot be found in the collection corresponding to the requested "
@@ -45,13 +46,15 @@ class Errors {
     std::vector<Error> errors_;
 };
 
-/// A failing call: the first error that the server or the driver reported, or one of the numbers below.
+/// A failed call. Its number is that of the first error that the server or the driver reported, or one of the
+/// numbers below.
 class CallError : public kv::ReportedError {
   public:
     using ReportedError::ReportedError;
 };
 
-/// Numbers of the failures that this layer finds itself. They are not added to a connection's Errors.
+/// ADO's numbers for wrong calls, which this layer finds itself. Such failures are not added to a
+/// connection's Errors.
 inline constexpr std::int32_t kArgumentsInConflict = 3001;
 inline constexpr std::int32_t kNoCurrentRecord = 3021;
 inline constexpr std::int32_t kFeatureNotAvailable = 3251;
@@ -60,9 +63,9 @@ inline constexpr std::int32_t kObjectClosed = 3704;
 inline constexpr std::int32_t kObjectOpen = 3705;
 inline constexpr std::int32_t kInvalidConnection = 3709;
 
-/// Throws a CallError with one of these numbers and ADO's text for that number. `source` is the class of the
-/// object that was called, as in "ADODB.Command". `detail` names the value or the object that was refused; it
-/// is added to the text if it is not empty.
+/// Throws a CallError with one of these numbers and ADO's text for it. `source` is the class of the object
+/// that was called, as in "ADODB.Command". If `detail` is not empty, it is added to the text; it names the
+/// refused value.
 [[noreturn]] void RaiseOwnError(std::int32_t number, const char* source, const std::string& detail = {});
 
 /// Thrown for a value that cannot be converted. Its number is kOverflow, kTypeMismatch or kInvalidUseOfNull

@@ -1,3 +1,4 @@
+// Shows and reads numbers in the forms of a locale.
 #include "ado/number_text.h"
 
 #include <algorithm>
@@ -17,13 +18,13 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Takes pieces from the front of a text.
+/// Removes pieces from the front of a text.
 class Scanner {
   public:
     explicit Scanner(std::string_view text) : rest_(text) {}
 
     bool AtEnd() const { return rest_.empty(); }
-    /// True if the text began with the piece. All kinds of space are equal.
+    /// Removes the piece. Returns false if the text does not begin with it. All kinds of space are equal.
     bool Take(std::string_view piece) {
         const auto same = [](char one, char other) {
             return one == other || (IsBlank(one) && IsBlank(other));
@@ -47,8 +48,8 @@ class Scanner {
     std::string_view rest_;
 };
 
-/// Each group must have the locale's size; the first group may be smaller.
-bool SizesFit(const std::vector<std::string>& groups, const std::vector<std::size_t>& sizes) {
+/// True if each group of digits has the locale's size; the first group may be smaller.
+bool GroupSizesFit(const std::vector<std::string>& groups, const std::vector<std::size_t>& sizes) {
     for (std::size_t i = 0; i < groups.size(); ++i) {
         const std::size_t from_right = groups.size() - 1 - i;
         const std::size_t wanted = sizes[std::min(from_right, sizes.size() - 1)];
@@ -60,10 +61,11 @@ bool SizesFit(const std::vector<std::string>& groups, const std::vector<std::siz
     return true;
 }
 
-/// The digits before the decimal point, without separators.
+/// Takes the digits before the decimal point and returns them without separators. Returns nothing if a group
+/// has a wrong size.
 std::optional<std::string> TakeWhole(Scanner& scanner, const platform::LocaleForms& forms) {
     std::vector<std::string> groups = {scanner.TakeDigits()};
-    // A space that no digits follow is not a separator: it may stand before the currency's symbol.
+    // A space without digits after it is not a separator; the currency's symbol may follow it.
     for (Scanner next = scanner; next.Take(forms.group_separator); next = scanner) {
         std::string group = next.TakeDigits();
         if (group.empty()) {
@@ -72,7 +74,7 @@ std::optional<std::string> TakeWhole(Scanner& scanner, const platform::LocaleFor
         groups.push_back(std::move(group));
         scanner = next;
     }
-    if (groups.size() > 1 && !SizesFit(groups, forms.group_sizes)) {
+    if (groups.size() > 1 && !GroupSizesFit(groups, forms.group_sizes)) {
         return std::nullopt;
     }
     std::string whole;
@@ -82,7 +84,7 @@ std::optional<std::string> TakeWhole(Scanner& scanner, const platform::LocaleFor
     return whole;
 }
 
-/// The exponent; 0 if the text has no exponent. Returns nothing for an "E" without digits.
+/// Takes the exponent; returns 0 if the text has none. Returns nothing for an "E" without digits.
 std::optional<std::int64_t> TakeExponent(Scanner& scanner) {
     if (!scanner.Take("E") && !scanner.Take("e")) {
         return 0;
@@ -102,6 +104,7 @@ std::optional<std::int64_t> TakeExponent(Scanner& scanner) {
     return negative ? -exponent : exponent;
 }
 
+/// Removes the zeros at both ends of the digits.
 ExactNumber Normalised(bool negative, std::string digits, std::int64_t scale) {
     digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
     const std::size_t end = digits.find_last_not_of('0') + 1; // 0 if there is no other digit
@@ -120,7 +123,7 @@ std::string ShowFloating(double value, int digits, const platform::LocaleForms& 
         return "0"; // also for a zero with a sign
     }
     char buffer[64];
-    // As printf's %G, and several times as fast.
+    // The same as printf's %G, and several times as fast.
     const std::to_chars_result end =
         std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, digits);
     std::replace(buffer, end.ptr, 'e', 'E');

@@ -1,4 +1,4 @@
-// Numbers as text, in the forms of a locale, and back. Internal to the layer.
+// Converts numbers to text in the forms of a locale, and back. Internal to the layer.
 #pragma once
 
 #include <cstdint>
@@ -10,25 +10,28 @@
 
 namespace ado {
 
-/// Shows at most `digits` significant digits, with an exponent where that is shorter.
+/// Returns the number with at most `digits` significant digits. Very large and very small numbers have an
+/// exponent, as with printf's %G.
 std::string ShowFloating(double value, int digits, const platform::LocaleForms& forms);
-/// Shows an exact number, which is given in digits with "." as the decimal point: without the zeros that a
-/// column's scale adds at the end, and with the zero before the point that some drivers leave out.
+/// Returns an exact number in the locale's form. `digits` is the number with "." as the decimal point. The
+/// zeros that a column's scale adds at the end are removed, and the zero before the point that some drivers
+/// leave out is added.
 std::string ShowExact(std::string_view digits, const platform::LocaleForms& forms);
 
-/// A number with all its digits: `digits` * 10^-`scale`. `digits` has no zero at either end; the number 0 has
-/// no digits.
+/// A number with all its digits: `digits` as a whole number times 10 to the power of -`scale`. `digits` has
+/// no zero at either end; the number 0 has no digits.
 struct ExactNumber {
     bool negative = false;
     std::string digits;
     std::int64_t scale = 0;
 
-    /// The number of digits before the decimal point; 0 or negative for a number below 1.
+    /// Returns the number of digits before the decimal point; 0 or a negative number for a number below 1.
     std::int64_t WholeDigits() const { return static_cast<std::int64_t>(digits.size()) - scale; }
     bool HasFraction() const { return scale > 0; }
-    /// As in "-12.5". For numbers of a moderate size.
+    /// Returns all digits, as in "-12.5". Must not be called for a number with a huge exponent, which would
+    /// have as many zeros.
     std::string Plain() const;
-    /// As in "-125E-1", which the functions of the C++ library read.
+    /// Returns the form "-125E-1", which the functions of the C++ library read.
     std::string Scientific() const;
 };
 
@@ -37,7 +40,7 @@ struct ExactNumber {
 /// be meant as the decimal point of another locale.
 std::optional<ExactNumber> ReadNumber(std::string_view text, const platform::LocaleForms& forms);
 
-/// The text without spaces, tabs and no-break spaces at both ends.
+/// Returns the text without spaces, tabs and no-break spaces at both ends. The result refers to `text`.
 std::string_view WithoutBlanks(std::string_view text);
 
 } // namespace ado

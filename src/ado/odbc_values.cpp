@@ -1,3 +1,4 @@
+// Converts each kind of value; decimals and singles are recognised by the column's type.
 #include "ado/odbc_values.h"
 
 #include <utility>
@@ -17,7 +18,7 @@ struct ToVariant {
         return type == odbc::SqlType::Real ? Variant(static_cast<float>(value)) : Variant(value);
     }
     Variant operator()(std::string& value) const {
-        return IsExact(type) ? Variant(Decimal{std::move(value)}) : Variant(std::move(value));
+        return IsExactNumber(type) ? Variant(Decimal{std::move(value)}) : Variant(std::move(value));
     }
     Variant operator()(odbc::Bytes& value) const { return std::move(value); }
     Variant operator()(const odbc::Timestamp& value) const { return value; }
@@ -37,7 +38,7 @@ struct ToOdbc {
 
 } // namespace
 
-bool IsExact(odbc::SqlType type) {
+bool IsExactNumber(odbc::SqlType type) {
     return type == odbc::SqlType::Decimal || type == odbc::SqlType::Numeric;
 }
 

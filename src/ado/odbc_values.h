@@ -1,4 +1,4 @@
-// Converts values between the layer and the driver. Internal to the layer.
+// Converts values between this layer (Variant) and the driver (odbc::Value). Internal to the layer.
 #pragma once
 
 #include <string>
@@ -8,16 +8,16 @@
 
 namespace ado {
 
-/// The layer's value for a value of the driver, whose text is moved out of it. `type` is the column's: the
-/// driver gives singles as doubles and decimals as text.
+/// Converts a value of the driver; its text is moved out of it. `type` is the column's type, which is needed
+/// because the driver gives singles as doubles and decimals as text.
 Variant VariantOf(odbc::SqlType type, odbc::Value& value);
 
-/// True for the types whose text is an exact number.
-bool IsExact(odbc::SqlType type);
-/// In braces, as ADO shows it.
+/// True for types whose values are exact numbers, which the driver gives as text.
+bool IsExactNumber(odbc::SqlType type);
+/// Returns the text in braces, as ADO shows it.
 std::string GuidText(const odbc::Guid& guid);
 
-/// The driver's value for a value of the layer. Empty and Null become NULL.
+/// Converts a value of this layer. Empty and Null become NULL.
 odbc::Value OdbcValueOf(const Variant& value);
 
 } // namespace ado

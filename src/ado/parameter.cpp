@@ -1,3 +1,4 @@
+// The collection of parameters; command.cpp reads them from the catalogue.
 #include "ado/parameter.h"
 
 #include <algorithm>

@@ -1,5 +1,4 @@
-// The parameters of a stored procedure and a command's collection of them. A Parameter is plain data: it
-// refers to no command or connection and may outlive both. Knows no driver.
+// The parameters of a stored procedure, with the interface of ADO. Knows no driver.
 #pragma once
 
 #include <cstdint>
@@ -11,23 +10,24 @@
 
 namespace ado {
 
-/// Values of Direction. adParamUnknown: the catalogue does not give the direction.
+/// The values of Parameter::Direction.
 enum ParameterDirection : std::int32_t {
-    adParamUnknown = 0,
+    adParamUnknown = 0, ///< the server's catalogue does not give the direction
     adParamInput = 1,
     adParamOutput = 2,
     adParamInputOutput = 3,
     adParamReturnValue = 4,
 };
 
-/// The bits of Attributes.
+/// The bits of Parameter::Attributes.
 enum ParameterAttributes : std::int32_t {
-    adParamSigned = 16,
-    adParamNullable = 64,
-    adParamLong = 128,
+    adParamSigned = 16,   ///< a number that may be negative
+    adParamNullable = 64, ///< NULL is accepted
+    adParamLong = 128,    ///< long text or binary data
 };
 
-/// A value is kept as it was assigned, and converted to the parameter's type when the command runs.
+/// One parameter. It refers to no command and may outlive its command. The value is kept as it was assigned,
+/// and converted to the parameter's type when the command runs.
 class Parameter {
   public:
     std::int32_t Attributes() const { return attributes_; }
@@ -36,16 +36,16 @@ class Parameter {
     void Direction(std::int32_t value) { direction_ = value; }
     const std::string& Name() const { return name_; }
     void Name(const std::string& value) { name_ = value; }
-    /// Digits after the decimal point.
+    /// The number of digits after the decimal point.
     std::uint8_t NumericScale() const { return numeric_scale_; }
     void NumericScale(std::uint8_t value) { numeric_scale_ = value; }
     /// The server's name for the type; empty if it is not known. Type has one number for several types.
     const std::string& ServerType() const { return server_type_; }
     void ServerType(const std::string& value) { server_type_ = value; }
-    /// Digits in all.
+    /// The number of all digits.
     std::uint8_t Precision() const { return precision_; }
     void Precision(std::uint8_t value) { precision_ = value; }
-    /// Characters or bytes at most; 0 for types whose size does not vary.
+    /// The largest number of characters or bytes; 0 for types whose size does not vary.
     std::int32_t Size() const { return size_; }
     void Size(std::int32_t value) { size_ = value; }
     /// A DataType of ado_types.h.
@@ -74,13 +74,13 @@ class Command;
 class Parameters {
   public:
     std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
-    /// The first has the index 0. The reference is valid until the next Refresh. Throws CallError with
-    /// kItemNotFound for an index outside the collection.
+    /// Returns a parameter. The first has the index 0. The reference is valid until the next Refresh. Throws
+    /// CallError with kItemNotFound for an index outside the collection.
     Parameter& Item(std::int32_t index);
     /// Asks the server for the parameters of the command's procedure and rebuilds the collection from its
     /// answer. If the previous collection was of the same procedure, each parameter takes over the value of
-    /// the previous one with the same name. The values of all other parameters are Empty. A procedure that
-    /// the server does not know has no parameters. Throws CallError; the collection is then empty.
+    /// the previous one with the same name. The values of all other parameters are Empty. If the server does
+    /// not know the procedure, the collection is empty. Throws CallError; the collection is then empty too.
     void Refresh();
 
   private:
@@ -89,13 +89,12 @@ class Parameters {
 
     /// Empties the collection and returns its items.
     std::vector<Parameter> Take();
-    /// Fills the empty collection with the parameters of the command's procedure. `before` are the previous
-    /// parameters.
+    /// Fills the empty collection. `before` has the previous parameters, whose values are taken over.
     void Fill(std::vector<Parameter> items, const std::vector<Parameter>& before);
 
-    const Command* command_;
+    const Command* command_; ///< the owner of this collection
     std::vector<Parameter> items_;
-    std::string procedure_; ///< the command's text when `items_` were read
+    std::string procedure_; ///< the command's text when `items_` was read
 };
 
 } // namespace ado

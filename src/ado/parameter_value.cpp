@@ -1,3 +1,5 @@
+// One conversion for each type. A value that does not fit its type is refused; only floating-point types
+// round.
 #include "ado/parameter_value.h"
 
 #include <algorithm>
@@ -18,7 +20,7 @@
 namespace ado {
 namespace {
 
-/// Why a value does not fit, with its SQLSTATE. The conversions throw it; TypedValue catches it and adds the
+/// The reason why a value does not fit its type. The conversions throw it; TypedValue catches it and adds the
 /// value and the parameter to the text.
 struct Reason {
     const char* sql_state;
@@ -51,6 +53,7 @@ struct Given {
 
 // ------------------------------------------------------------------ numbers
 
+/// Returns the value as a number. Throws kNotANumber.
 ExactNumber NumberOf(const Given& given) {
     const platform::LocaleForms neutral;
     std::optional<ExactNumber> number;
@@ -67,7 +70,8 @@ ExactNumber NumberOf(const Given& given) {
     return *number;
 }
 
-/// The number times 10 to the power of `decimals`, as a whole number.
+/// Returns the number times 10 to the power of `decimals`. Throws a Reason if that is not a whole number of
+/// 64 bits.
 std::int64_t ToWhole(const ExactNumber& number, std::int64_t decimals) {
     ExactNumber scaled = number;
     scaled.scale -= decimals;
@@ -139,8 +143,8 @@ odbc::Value ToFloating(const Given& given) {
     return double{number};
 }
 
-/// The number as text with all its digits and a "." as the decimal point, which the driver accepts in every
-/// locale.
+/// Returns the number as text with all its digits and "." as the decimal point, which the driver accepts in
+/// every locale.
 odbc::Value ToDecimal(const Given& given) {
     const ExactNumber number = NumberOf(given);
     constexpr std::int64_t kMostDigits = 38;
@@ -173,13 +177,13 @@ constexpr std::uint8_t kSmallDateTimePrecision = 16;
 constexpr std::uint8_t kDateTimePrecision = 23;
 constexpr std::uint32_t kMillisecond = 1'000'000; // nanoseconds
 
-/// The first and the last day of a type, and whether it can hold a time of day exactly. ADO has one number
-/// for all types with a date and a time, so the parameter's precision tells them apart.
+/// The range of one of the server's types with a date and a time. ADO has one number for all these types, so
+/// the parameter's precision says which of them it is.
 struct DateRange {
     std::uint8_t precision;
     std::tuple<int, int, int> first;
     std::tuple<int, int, int> last;
-    bool (*holds_time)(const Date& date);
+    bool (*holds_time)(const Date& date); ///< true if the type can hold the time of day exactly
 };
 
 constexpr DateRange kDateRanges[] = {
@@ -199,13 +203,13 @@ constexpr DateRange kDateRanges[] = {
      }},
 };
 
-/// datetime2(3) has the precision of datetime, so the name is needed to tell them apart.
+/// True for a datetime2. The name is needed because datetime2(3) has the precision of datetime.
 bool IsDateTime2(const Parameter& parameter) {
     return text::SameIgnoringCase(parameter.ServerType(), "datetime2");
 }
 
-/// A type that is not in the table (datetime2) holds every date; the parameter's NumericScale is the number
-/// of decimals of a second that it holds.
+/// Throws a Reason if the type cannot hold the date. A type that is not in the table (datetime2) holds every
+/// date, and the parameter's NumericScale is the number of digits of a second's fraction.
 void CheckRange(const Date& date, const Parameter& parameter) {
     for (const DateRange& range : kDateRanges) {
         if (range.precision == parameter.Precision() && !IsDateTime2(parameter)) {
@@ -251,7 +255,7 @@ odbc::Value ToTimestamp(const Given& given) {
     return date;
 }
 
-/// A date alone, as text that the driver accepts in every locale.
+/// Returns a date without a time, as text that the driver accepts in every locale.
 odbc::Value ToDay(const Given& given) {
     const DateText read = DateOf(given);
     if (!read.has_date || read.has_time) {
@@ -263,8 +267,8 @@ odbc::Value ToDay(const Given& given) {
     return std::string(text);
 }
 
-/// A time of day alone, as text that the driver accepts in every locale: with up to seven decimals of a
-/// second, without zeros at the end.
+/// Returns a time of day without a date, as text that the driver accepts in every locale: with up to seven
+/// digits of a second's fraction, without zeros at the end.
 odbc::Value ToTime(const Given& given) {
     const DateText read = DateOf(given);
     if (!read.has_time || read.has_date) {
@@ -284,7 +288,7 @@ odbc::Value ToTime(const Given& given) {
 
 // ------------------------------------------------------------------ text and bytes
 
-/// `size` is in bytes, which for text are characters. A parameter's size of 0 means no limit.
+/// Throws kTooLong if `size`, the value's number of bytes, exceeds the parameter's Size; 0 means no limit.
 void CheckSize(const Given& given, std::size_t size) {
     if (given.parameter.Size() > 0 && size > static_cast<std::size_t>(given.parameter.Size())) {
         throw kTooLong;
@@ -401,7 +405,7 @@ constexpr std::array kConversions = {
     Conversion{adVariant, ToAny},
 };
 
-/// The beginning of a long text, for a message.
+/// Shortens a long text for a message.
 std::string Shortened(const std::string& text) {
     constexpr std::size_t kMost = 100;
     return text.size() > kMost ? text.substr(0, kMost) + "..." : text;

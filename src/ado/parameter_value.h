@@ -16,7 +16,7 @@ class ValueRefused : public std::exception {
     /// `sql_state` is a literal; it is not copied.
     ValueRefused(const char* sql_state, std::string text) : sql_state_(sql_state), text_(std::move(text)) {}
     const char* SqlState() const { return sql_state_; }
-    /// Names the parameter, its type and the value.
+    /// A text that names the parameter, its type and the value.
     const char* what() const noexcept override { return text_.c_str(); }
 
   private:
@@ -24,12 +24,12 @@ class ValueRefused : public std::exception {
     std::string text_;
 };
 
-/// The parameter's type as it is declared in T-SQL: "varchar(30)", "decimal(12,4)".
+/// Returns the parameter's type as T-SQL declares it: "varchar(30)", "decimal(12,4)".
 std::string DeclarationOf(const Parameter& parameter);
 
-/// The parameter's value as it is passed to the driver; Empty and Null become NULL. Numbers and dates in text
-/// are read in the forms of the locale, as Variant::ToString writes them; dates may also be in ISO 8601.
-/// Throws ValueRefused if the value does not fit the type exactly.
+/// Returns the parameter's value, converted to the parameter's type, for the driver. Empty and Null become
+/// NULL. Text is read in the forms of the locale, in which Variant::ToString writes numbers and dates; dates
+/// may also be in ISO 8601. Throws ValueRefused if the value does not fit the type exactly.
 odbc::Value TypedValue(const Parameter& parameter, const platform::LocaleForms& forms);
 
 } // namespace ado

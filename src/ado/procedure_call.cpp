@@ -1,3 +1,4 @@
+// Makes the text of a call and binds its values.
 #include "ado/procedure_call.h"
 
 #include <algorithm>
@@ -32,7 +33,7 @@ odbc::Direction DirectionOf(const Parameter& parameter) {
                                                        : odbc::Direction::Output;
 }
 
-/// The binding of a parameter, without its value.
+/// Returns the description of a parameter for the driver, without the value.
 odbc::Parameter Bound(const Parameter& parameter) {
     const AdoType& type = AdoTypeOf(parameter.Type());
     odbc::Parameter bound;
@@ -66,21 +67,21 @@ ProcedureCall::ProcedureCall(const std::string& procedure, std::vector<Parameter
                              const platform::LocaleForms& forms) {
     for (Parameter& parameter : parameters) {
         if (!IsLeftToDefault(parameter)) {
-            Mark(parameter, forms);
+            AddMarker(parameter, forms);
         }
     }
-    // The return value's marker is the first one in every form of a call.
+    // In every form of a call the marker of the return value comes first.
     std::stable_partition(marked_.begin(), marked_.end(), [](const Marked& marked) {
         return marked.parameter->Direction() == adParamReturnValue;
     });
     if (HasGap(parameters)) {
-        CallByName(procedure);
+        MakeCallByName(procedure);
     } else {
         text_ = CallText(procedure, parameters);
     }
 }
 
-void ProcedureCall::Mark(Parameter& parameter, const platform::LocaleForms& forms) {
+void ProcedureCall::AddMarker(Parameter& parameter, const platform::LocaleForms& forms) {
     Marked marked{&parameter, Bound(parameter)};
     try {
         if (marked.bound.direction != odbc::Direction::Output) {
@@ -103,11 +104,10 @@ std::string ProcedureCall::CallText(const std::string& procedure, std::vector<Pa
            (markers.empty() ? "" : "(" + markers + ")") + "}";
 }
 
-/// Passes the parameters by name. ODBC's own form for a parameter that is left out before another one is
-/// "(?,,?)", but FreeTDS sends it as a parameter of the type without data, which a server may refuse (8009),
-/// and it ignores names of parameters. So the call is run by sp_executesql, which also brings back output and
-/// the return value.
-void ProcedureCall::CallByName(const std::string& procedure) {
+/// ODBC's own form for a parameter that is left out before another one is "(?,,?)". But FreeTDS sends it as a
+/// parameter of the type without data, which a server may refuse (8009), and it ignores names of parameters.
+/// So the call is run by sp_executesql, which also returns output values and the return value.
+void ProcedureCall::MakeCallByName(const std::string& procedure) {
     std::string result;
     std::string arguments;
     std::string declarations;

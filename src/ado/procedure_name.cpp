@@ -1,3 +1,4 @@
+// Reads and writes names of procedures.
 #include "ado/procedure_name.h"
 
 #include <algorithm>
@@ -6,7 +7,8 @@
 namespace ado {
 namespace {
 
-/// The character that closes a name enclosed by `opening`; NUL if `opening` does not begin an enclosed name.
+/// Returns the character that closes a name enclosed by `opening`; NUL if `opening` does not begin an
+/// enclosed name.
 char ClosingOf(char opening) {
     return opening == '[' ? ']' : opening == '"' ? '"' : '\0';
 }

@@ -7,23 +7,24 @@
 
 namespace ado {
 
+/// The parts of a name, without brackets or quotes.
 struct ProcedureName {
-    std::string database; ///< empty: the current one
-    std::string owner;    ///< empty: the one that the server finds
+    std::string database; ///< empty: the current database
+    std::string owner;    ///< empty: the server chooses among the owners
     std::string name;
-    std::string number = "1"; ///< tells apart procedures that share the name
+    std::string number = "1"; ///< distinguishes procedures that share the name
 };
 
 /// Reads "database.owner.name;number". All parts but the name are optional; names may be plain, in brackets
 /// or in double quotes.
 ProcedureName ParseProcedureName(std::string_view text);
 
-/// A pattern that finds the name in the catalogue. It may also match other names: each character that a
-/// driver may take for a wildcard, an escape or a quotation mark is replaced by "_", which matches any
-/// character.
+/// Returns a pattern that finds the name in the catalogue (Statement::ProcedureColumns). It may also match
+/// other names: each character that a driver may take for a wildcard, an escape or a quotation mark is
+/// replaced by "_", which matches any character.
 std::string CataloguePattern(std::string_view name);
 
-/// The name in brackets, for use inside a string literal of T-SQL: both "]" and "'" are doubled.
+/// Returns the name in brackets, for use inside a string literal of T-SQL: both "]" and "'" are doubled.
 std::string InBrackets(std::string_view name);
 
 } // namespace ado

@@ -1,3 +1,4 @@
+// Moves through the rows of a result.
 #include "ado/recordset.h"
 
 #include <algorithm>
@@ -53,7 +54,7 @@ Recordset::Recordset(std::vector<std::string> field_names, RowStore rows)
     ReadRow();
 }
 
-void Recordset::CheckOpen() const {
+void Recordset::RequireOpen() const {
     if (!open_) {
         RaiseOwnError(kObjectClosed, kSource);
     }
@@ -66,12 +67,12 @@ void Recordset::ReadRow() {
 }
 
 bool Recordset::Eof() const {
-    CheckOpen();
+    RequireOpen();
     return position_ >= rows_.RowCount();
 }
 
 bool Recordset::Bof() const {
-    CheckOpen();
+    RequireOpen();
     return rows_.RowCount() == 0; // moving before the first row is not possible
 }
 
@@ -93,7 +94,7 @@ void Recordset::MoveNext() {
 }
 
 RowStore Recordset::GetRows() {
-    CheckOpen();
+    RequireOpen();
     position_ = 0;
     next_ = {};
     return std::exchange(rows_, {});

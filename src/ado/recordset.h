@@ -1,4 +1,5 @@
-// A client-side result: its fields, its rows in memory, and the current row. Needs no connection.
+// A result in memory, with the interface of ADO's Recordset: its fields, its rows and the current row. Needs
+// no connection.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +12,7 @@
 
 namespace ado {
 
-/// Values of State, of a recordset and of a connection.
+/// The values of State of a recordset and of a connection.
 enum ObjectState : std::int32_t { adStateClosed = 0, adStateOpen = 1 };
 
 class Recordset;
@@ -21,7 +22,8 @@ class Field {
   public:
     Field(const Recordset& recordset, std::size_t index) : recordset_(&recordset), index_(index) {}
     const std::string& Name() const;
-    /// Throws kNoCurrentRecord if there is no current row.
+    /// Returns the value in the current row, valid until the recordset moves. Throws CallError with
+    /// kNoCurrentRecord if there is no current row.
     const Variant& Value() const;
 
   private:
@@ -34,31 +36,38 @@ class Fields {
   public:
     explicit Fields(const Recordset& recordset) : recordset_(&recordset) {}
     std::int32_t Count() const;
-    /// The first has the index 0. Throws kItemNotFound.
+    /// Returns the field at a position; the first has the index 0. Throws CallError with kItemNotFound.
     Field Item(std::int32_t index) const;
-    /// The field with this name, letter case ignored. Throws kItemNotFound.
+    /// Returns the field with this name, letter case ignored. Throws CallError with kItemNotFound.
     Field Item(std::string_view name) const;
 
   private:
     const Recordset* recordset_;
 };
 
-/// Every failure is a CallError.
+/// A result. Every failure is a CallError: kObjectClosed for a closed recordset, kNoCurrentRecord for a move
+/// that is not possible.
 class Recordset {
   public:
-    /// A closed recordset, as a statement without columns returns it.
+    /// Makes a closed recordset, as a statement without columns returns it.
     Recordset() = default;
-    /// An open recordset, on its first row if it has rows. Each row of `rows` has a value for each field.
+    /// Makes an open recordset, on its first row if it has rows. Each row of `rows` has a value for each
+    /// field.
     Recordset(std::vector<std::string> field_names, RowStore rows);
 
     std::int32_t State() const { return open_ ? adStateOpen : adStateClosed; }
-    /// Both are true for a result without rows. Not spelled EOF, which is a macro of the C library.
+    // Both are true for a result without rows. The name is not EOF because that is a macro of the C library.
+
+    /// True after the last row.
     bool Eof() const;
+    /// True before the first row, which only happens if there are no rows.
     bool Bof() const;
+    /// Goes to the first row. Fails if there are no rows.
     void MoveFirst();
+    /// Goes to the next row, or past the last one. Fails if Eof is true.
     void MoveNext();
-    /// Moves all rows out of the recordset, which is then empty. For callers that keep the whole result, so
-    /// that its rows are not held twice.
+    /// Moves all rows out of the recordset, which is then empty. A caller that keeps the whole result uses
+    /// it, so that the rows are not in memory twice.
     RowStore GetRows();
     ado::Fields Fields() const { return ado::Fields(*this); }
 
@@ -66,15 +75,17 @@ class Recordset {
     friend class ado::Field;
     friend class ado::Fields;
 
-    void CheckOpen() const;
+    /// Throws kObjectClosed unless the recordset is open.
+    void RequireOpen() const;
+    /// Reads the row at position_ into current_, if there is one.
     void ReadRow();
 
     bool open_ = false;
     std::vector<std::string> field_names_;
     RowStore rows_;
-    std::vector<Variant> current_;
-    RowStore::Place next_;
-    std::size_t position_ = 0; ///< of the current row, from 0; at the end it is the number of rows
+    std::vector<Variant> current_; ///< the values of the current row
+    RowStore::Place next_;         ///< the place of the row after it
+    std::size_t position_ = 0;     ///< of the current row, from 0; at the end it is the number of rows
 };
 
 } // namespace ado

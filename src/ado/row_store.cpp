@@ -1,3 +1,4 @@
+// Packs and unpacks values.
 #include "ado/row_store.h"
 
 #include <algorithm>
@@ -18,7 +19,8 @@ constexpr std::size_t kFirstBytes = 256;
 /// row.
 constexpr std::size_t kRowBytes = kChunkBytes / 64;
 
-/// The lower four bits of a value's first byte are its kind: the index of its type in the variant.
+/// The kind of a value: the index of its type in the variant. It is in the lower four bits of the value's
+/// first byte.
 template <class T, std::size_t Index = 0>
 constexpr std::size_t KindOf() {
     if constexpr (std::is_same_v<std::variant_alternative_t<Index, Variant::Storage>, T>) {
@@ -31,9 +33,9 @@ constexpr unsigned kKindBits = 4;
 constexpr unsigned kKindMask = (1U << kKindBits) - 1;
 static_assert(std::variant_size_v<Variant::Storage> <= kKindMask);
 
-/// The upper four bits are a number whose meaning depends on the kind. This value means that the number
-/// follows in packed form.
-constexpr std::size_t kFollows = 15;
+/// The upper four bits are a number whose meaning depends on the kind: the value itself, or a size. This
+/// value means that the number follows in packed form.
+constexpr std::size_t kNumberFollows = 15;
 
 char FirstByte(std::size_t kind, std::uint64_t number = 0) {
     return static_cast<char>(kind | (number << kKindBits));
@@ -55,7 +57,7 @@ char* PutNumber(char* to, std::uint64_t number) {
     return to;
 }
 
-/// The number at `from`, which is moved to the byte after it.
+/// Returns the number at `from`, and moves `from` past it.
 std::uint64_t TakeNumber(const char*& from) {
     std::uint64_t number = 0;
     for (unsigned shift = 0;; shift += 7) {
@@ -67,7 +69,7 @@ std::uint64_t TakeNumber(const char*& from) {
     }
 }
 
-/// The sign becomes the lowest bit, so that small negative numbers are short too.
+/// Makes the sign the lowest bit, so that small negative numbers are short too.
 std::uint64_t Zigzag(std::int64_t value) {
     return (static_cast<std::uint64_t>(value) << 1U) ^ (value < 0 ? ~std::uint64_t{0} : 0);
 }
@@ -76,6 +78,7 @@ std::int64_t FromZigzag(std::uint64_t bits) {
     return static_cast<std::int64_t>((bits >> 1U) ^ ((bits & 1U) != 0 ? ~std::uint64_t{0} : 0));
 }
 
+/// Appends the first byte of a value and the value's bytes as memory holds them.
 template <class T>
 char* PutRaw(char* to, std::size_t kind, const T& value) {
     static_assert(std::is_trivially_copyable_v<T>);
@@ -84,20 +87,21 @@ char* PutRaw(char* to, std::size_t kind, const T& value) {
     return to + sizeof value;
 }
 
-/// The most bytes that a value takes before its text.
+/// The largest number of bytes that a value takes before its text.
 constexpr std::size_t kLongestHead = 1 + kLongestNumber;
 
 /// Writes the first byte of a value, with the number in it or after it.
 char* PutCounted(char* to, std::size_t kind, std::uint64_t number) {
-    if (number < kFollows) {
+    if (number < kNumberFollows) {
         *to++ = FirstByte(kind, number);
         return to;
     }
-    *to++ = FirstByte(kind, kFollows);
+    *to++ = FirstByte(kind, kNumberFollows);
     return PutNumber(to, number);
 }
 
-struct Putter {
+/// Adds a value of a Variant to the store.
+struct ValuePutter {
     RowStore& store;
 
     void operator()(std::monostate) const { store.PutEmpty(); }
@@ -171,14 +175,14 @@ class Reader {
         return value;
     }
 
-    std::uint64_t Number() { return number_ < kFollows ? number_ : TakeNumber(at_); }
+    std::uint64_t Number() { return number_ < kNumberFollows ? number_ : TakeNumber(at_); }
     std::string_view Text() {
         const auto size = static_cast<std::size_t>(Number());
         return {std::exchange(at_, at_ + size), size};
     }
 
-    const char* at_;
-    std::uint64_t number_ = 0; ///< of the value's first byte
+    const char* at_;           ///< the next byte to read
+    std::uint64_t number_ = 0; ///< the number in the first byte of the value
 };
 
 } // namespace
@@ -186,7 +190,7 @@ class Reader {
 void RowStore::Append(const std::vector<Variant>& row) {
     BeginRow();
     for (const Variant& value : row) {
-        std::visit(Putter{*this}, value.Get());
+        std::visit(ValuePutter{*this}, value.Get());
     }
 }
 

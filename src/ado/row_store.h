@@ -1,6 +1,6 @@
-// The rows of a client-side result in packed form, one after the other. Each value begins with a byte for its
-// kind, which also holds its size if that is small; the bytes of the value follow. Written once, then read
-// forwards or by position.
+// Keeps the rows of a result in packed form, one after the other. Each value begins with a byte for its kind,
+// which also holds its size if that is small; the bytes of the value follow. The rows are written once, then
+// read forwards or by position.
 #pragma once
 
 #include <cstddef>
@@ -13,18 +13,19 @@
 
 namespace ado {
 
+/// The rows of one result.
 class RowStore {
   public:
-    /// Where the next row begins. A new Place is the beginning of the first row.
+    /// A position in the rows: where the next row begins. A new Place is the beginning of the first row.
     struct Place {
         std::size_t chunk = 0;
         std::size_t offset = 0;
     };
 
-    /// Every row has as many values as the first.
+    /// Adds a row. Every row must have as many values as the first.
     void Append(const std::vector<Variant>& row);
 
-    // The same in steps: BeginRow, then a call for each value.
+    // These do the same in steps: BeginRow, then one call for each value of the row.
 
     void BeginRow();
     void PutEmpty();
@@ -36,33 +37,35 @@ class RowStore {
     void PutDecimal(std::string_view digits);
     void PutDate(const Date& value);
     void PutText(std::string_view text);
-    /// UTF-16, which is converted to code page 1252.
+    // These two take UTF-16 and convert it to code page 1252.
+
     void PutWideDecimal(std::u16string_view digits);
     void PutWideText(std::u16string_view text);
+
     void PutBytes(std::string_view bytes);
 
     std::size_t RowCount() const { return row_count_; }
 
-    /// Reads the row at `place` into `row`, which has the size of a row, and moves `place` to the next row.
-    /// There must be a row at `place`.
+    /// Reads the row at `place` into `row` and moves `place` to the next row. There must be a row at `place`,
+    /// and `row` must have as many elements as a row has values.
     void Read(Place& place, std::vector<Variant>& row) const;
-    /// The value in a column of a row, both counted from 0. The value must exist.
+    /// Returns the value in a column of a row, both counted from 0. The value must exist.
     Variant Value(std::size_t row, std::size_t column) const;
 
-    /// The memory that the rows take, in bytes.
+    /// Returns the memory that the rows take, in bytes.
     std::size_t Bytes() const;
 
   private:
-    /// Each row lies in one chunk. A buffer that grows is held twice while it is copied; with chunks only the
-    /// last one is.
+    /// A part of the rows; each row lies in one chunk. A buffer that grows needs its memory twice while it is
+    /// copied. With chunks only the last chunk does.
     struct Chunk {
         Chunk(std::size_t first_row, std::size_t bytes);
 
-        std::size_t first_row;
-        std::vector<std::uint32_t> row_starts;
-        platform::MemoryBlock values;
-        std::size_t size = 0; ///< of the values, in bytes
-        std::size_t capacity;
+        std::size_t first_row;                 ///< the index of its first row
+        std::vector<std::uint32_t> row_starts; ///< for each row its offset in `values`
+        platform::MemoryBlock values;          ///< the packed values
+        std::size_t size = 0;                  ///< the number of bytes of the values
+        std::size_t capacity;                  ///< the number of bytes for which `values` has space
 
         void Reserve(std::size_t bytes);
     };

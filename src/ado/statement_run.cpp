@@ -1,3 +1,4 @@
+// Reads all results of a statement, and decides after an error whether further results can be read.
 #include "ado/statement_run.h"
 
 #include <algorithm>
@@ -28,7 +29,7 @@ void Put(RowStore& store, odbc::SqlType type, const odbc::CellView& cell) {
     case odbc::CellKind::Binary:
         return store.PutBytes({cell.data, cell.size});
     case odbc::CellKind::Text:
-        return IsExact(type) ? store.PutWideDecimal(cell.Text()) : store.PutWideText(cell.Text());
+        return IsExactNumber(type) ? store.PutWideDecimal(cell.Text()) : store.PutWideText(cell.Text());
     }
 }
 
@@ -53,7 +54,7 @@ std::unique_ptr<Recordset> ReadRows(odbc::Statement& statement) {
 /// True if the server itself reported the failure: further results may follow. A failure that the driver
 /// reports (a time-out, a lost connection) ends the statement, since the driver would fail at every further
 /// call.
-bool ServerGoesOn(const odbc::OdbcError& error, odbc::Connection& connection) {
+bool ResultsMayFollow(const odbc::OdbcError& error, odbc::Connection& connection) {
     return !error.ConnectionLost() && !connection.Dead() &&
            std::ranges::any_of(error.Diagnostics(), [](const odbc::Diagnostic& diagnostic) {
                return diagnostic.severity.has_value();
@@ -62,16 +63,15 @@ bool ServerGoesOn(const odbc::OdbcError& error, odbc::Connection& connection) {
 
 } // namespace
 
-/// Makes one call and collects what it reports. False if no result can follow.
 template <class Call>
-bool StatementRun::Step(Call call) {
+bool StatementRun::RunCall(Call call) {
     bool more = false;
     try {
         more = call();
     } catch (const odbc::OdbcError& error) {
         diagnostics_.insert(diagnostics_.end(), error.Diagnostics().begin(), error.Diagnostics().end());
         failed_ = failed_ || !rows_;
-        more = ServerGoesOn(error, connection_);
+        more = ResultsMayFollow(error, connection_);
     }
     TakeMessages();
     return more;
@@ -86,10 +86,10 @@ void StatementRun::TakeMessages() {
     }
 }
 
-void StatementRun::TakeResult() {
+void StatementRun::ReadResult() {
     TakeMessages(); // an error that came with the result counts as one before it
     if (statement_.ColumnCount() != 0) {
-        // Rows are kept of the first result only; of the others only errors and messages are.
+        // Only the rows of the first result are kept, and the errors and messages of all.
         if (!std::exchange(has_result_, true)) {
             rows_ = ReadRows(statement_);
         }
@@ -103,16 +103,16 @@ void StatementRun::TakeResult() {
 }
 
 void StatementRun::Run(const std::function<void()>& start) {
-    bool more = Step([&] {
+    bool more = RunCall([&] {
         start();
-        TakeResult();
+        ReadResult();
         return true;
     });
     while (more) {
-        more = Step([&] {
+        more = RunCall([&] {
             const bool found = statement_.MoreResults();
             if (found) {
-                TakeResult();
+                ReadResult();
             }
             return found;
         });

@@ -1,3 +1,4 @@
+// Converts values to text and to 16-bit integers.
 #include "ado/variant.h"
 
 #include <charconv>
@@ -14,7 +15,7 @@
 namespace ado {
 namespace {
 
-/// Days since day zero, the time of day as the fraction.
+/// Returns the number of days since kDayZero, with the time of day as the fraction.
 double SerialNumber(const Date& date) {
     using namespace std::chrono;
     const auto day_of = [](const Date& one) {

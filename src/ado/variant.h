@@ -21,7 +21,7 @@ struct Null {
     friend bool operator==(Null, Null) = default;
 };
 
-/// An exact number in decimal digits, perhaps with a sign before them and a point.
+/// An exact number as text: decimal digits, optionally with a sign before them and a "." in them.
 struct Decimal {
     std::string digits;
     friend bool operator==(const Decimal&, const Decimal&) = default;
@@ -31,9 +31,11 @@ struct Decimal {
 using Date = odbc::Timestamp;
 using ByteArray = odbc::Bytes;
 
+/// A value of one of several types. The value Empty (std::monostate) means that no value has been assigned;
+/// Null is the database's NULL.
 class Variant {
   public:
-    /// Whole numbers of every width are one kind. The first alternative is Empty: no value has been assigned.
+    /// Whole numbers of every width are int64.
     using Storage = std::variant<std::monostate, Null, bool, std::int64_t, float, double, Decimal, Date,
                                  std::string, ByteArray>;
 
@@ -54,14 +56,16 @@ class Variant {
     bool IsNull() const { return std::holds_alternative<Null>(storage_); }
     const Storage& Get() const { return storage_; }
 
-    /// The text of the value, in the forms of the user's locale (platform/locale.h); bytes as 0x and
-    /// hexadecimal digits. Throws ConversionError (InvalidUseOfNull).
+    /// Returns the value as text, in the forms of the user's locale (platform/locale.h). Empty becomes an
+    /// empty text; bytes become "0x" and hexadecimal digits. Throws ConversionError with kInvalidUseOfNull
+    /// for Null.
     std::string ToString() const;
-    /// The same in the forms of a given locale.
+    /// Does the same in the forms of a given locale.
     std::string ToString(const platform::LocaleForms& forms) const;
-    /// The signed 16-bit integer nearest to the value, a half going to the even neighbour; True is -1. Text
-    /// is read as a number, perhaps with blanks around it, a sign, a point and an exponent. Throws
-    /// ConversionError.
+    /// Returns the nearest 16-bit integer; a half is rounded to the even neighbour. Empty is 0, True is -1, a
+    /// date is the number of days since kDayZero (date_text.h). Text is read as a number, optionally with
+    /// blanks around it, a sign, a point and an exponent. Throws ConversionError for a value that is no
+    /// number or does not fit.
     std::int16_t ToInt16() const;
 
     friend bool operator==(const Variant&, const Variant&) = default;

@@ -1,3 +1,4 @@
+// The table of ADO's numbers.
 #include "odbc/error_number.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-// The numbers by which ADO reports the SQLSTATEs of ODBC: one table for every layer that reports errors.
+// Maps the SQLSTATEs of ODBC to the numbers with which ADO reports them. Every layer that reports errors uses
+// this table.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +7,8 @@
 
 namespace odbc {
 
-/// The number of a SQLSTATE; that of an unspecified error, -2147467259, for a state without a number of its
-/// own.
+/// Returns ADO's number for a SQLSTATE. A state that has no number of its own gets that of an unspecified
+/// error, -2147467259.
 std::int32_t ErrorNumberOf(std::string_view sql_state);
 
 } // namespace odbc

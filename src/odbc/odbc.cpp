@@ -1,4 +1,4 @@
-// Handles, diagnostics and connections.
+// Handles, diagnostic records and connections.
 #include "odbc/odbc.h"
 
 #include <algorithm>
@@ -27,6 +27,7 @@ constexpr std::string_view kFreeTdsLibrary = "libtdsodbc";
 constexpr std::string_view kConnectionClass = "08";
 constexpr const char* kCommunicationFailure = "08S01";
 
+/// Returns a field of a record, counted from 1; empty if the driver does not provide it.
 std::string DiagnosticText(HandleKind kind, void* handle, SQLSMALLINT record, SQLSMALLINT field) {
     TextBuffer text(512);
     SQLSMALLINT length = 0;
@@ -35,8 +36,8 @@ std::string DiagnosticText(HandleKind kind, void* handle, SQLSMALLINT record, SQ
     return SQL_SUCCEEDED(code) ? text.Text() : std::string();
 }
 
-/// Drivers write these fields as 16 or as 32 bits; the buffer is zeroed, so that both read alike. unixODBC's
-/// own records have zeros.
+/// Returns a field of a record; nothing if the driver does not provide it or it is 0, as in unixODBC's own
+/// records. Drivers write these fields as 16 or as 32 bits; the buffer is zeroed, so that both read alike.
 std::optional<std::int32_t> DiagnosticNumber(HandleKind kind, void* handle, SQLSMALLINT record,
                                              SQLSMALLINT field) {
     std::int32_t number = 0;
@@ -46,23 +47,24 @@ std::optional<std::int32_t> DiagnosticNumber(HandleKind kind, void* handle, SQLS
     return SQL_SUCCEEDED(code) && number != 0 ? std::optional(number) : std::nullopt;
 }
 
-/// FreeTDS's own messages have their own numbers and the line -1, which no message of a server has. Seen with
-/// FreeTDS 1.3: if a server dies after the first result of a batch, the driver answers success with the
-/// message 20017, and every call from then on fails with "Unknown error".
+/// Corrects a record of FreeTDS itself, which has a number of FreeTDS and the line -1, as no record of a
+/// server has. Seen with FreeTDS 1.3: if a server dies after the first result of a batch, the driver returns
+/// success with the message 20017, and every call from then on fails with "Unknown error".
 void CorrectFreeTdsRecord(Diagnostic& diagnostic) {
     constexpr std::int32_t kNoLine = 0xFFFF;
-    constexpr std::array kLost = {20004, 20006, 20017,
-                                  20047}; // reading, writing, end of data, dead connection
+    // Reading failed, writing failed, unexpected end of data, dead connection.
+    constexpr std::array kLostNumbers = {20004, 20006, 20017, 20047};
     if (diagnostic.line != kNoLine) {
         return;
     }
     diagnostic.line.reset();
     diagnostic.severity.reset();
-    if (std::ranges::find(kLost, diagnostic.native_error) != kLost.end()) {
+    if (std::ranges::find(kLostNumbers, diagnostic.native_error) != kLostNumbers.end()) {
         diagnostic.sql_state = kCommunicationFailure;
     }
 }
 
+/// Reads a record, counted from 1. Returns false if there is no such record.
 bool ReadRecord(HandleKind kind, void* handle, SQLSMALLINT record, Diagnostic& diagnostic) {
     constexpr std::size_t kStateRoom = SQL_SQLSTATE_SIZE + 1;
     TextBuffer state(kStateRoom);
@@ -100,8 +102,8 @@ bool ReadRecord(HandleKind kind, void* handle, SQLSMALLINT record, Diagnostic& d
     return true;
 }
 
-/// An error without a record gets a placeholder, so that every error has a text.
-std::vector<Diagnostic> OrPlaceholder(const char* function, std::vector<Diagnostic> diagnostics) {
+/// Adds a record if there are none, so that every error has a text.
+std::vector<Diagnostic> WithPlaceholder(const char* function, std::vector<Diagnostic> diagnostics) {
     if (diagnostics.empty()) {
         Diagnostic placeholder;
         placeholder.sql_state = "HY000";
@@ -111,9 +113,10 @@ std::vector<Diagnostic> OrPlaceholder(const char* function, std::vector<Diagnost
     return diagnostics;
 }
 
-/// Only the driver can report a lost connection. If the server reports something, the connection works,
-/// whatever SQLSTATE the driver gives the message: FreeTDS gives 08004 to 911, an unknown database in USE.
-bool IsLost(const std::vector<Diagnostic>& diagnostics) {
+/// True if a record says that the connection is lost. Only the driver can report that. If the server reports
+/// something, the connection works, whatever SQLSTATE the driver gives the message: FreeTDS gives 08004 to
+/// 911, an unknown database in USE.
+bool SayConnectionIsLost(const std::vector<Diagnostic>& diagnostics) {
     return std::ranges::any_of(diagnostics, [](const Diagnostic& diagnostic) {
         return !diagnostic.severity && diagnostic.sql_state.starts_with(kConnectionClass);
     });
@@ -140,10 +143,10 @@ std::string_view WithoutOrigin(std::string_view message) {
 }
 
 OdbcError::OdbcError(const char* function, std::vector<Diagnostic> diagnostics)
-    : function_(function), diagnostics_(OrPlaceholder(function, std::move(diagnostics))) {}
+    : function_(function), diagnostics_(WithPlaceholder(function, std::move(diagnostics))) {}
 
 bool OdbcError::ConnectionLost() const {
-    return IsLost(diagnostics_);
+    return SayConnectionIsLost(diagnostics_);
 }
 
 std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle, bool failed) {
@@ -206,7 +209,7 @@ bool Handle::Check(const char* function, int return_code) {
     }
     const bool succeeded = return_code == SQL_SUCCESS_WITH_INFO || return_code == SQL_NO_DATA;
     std::vector<Diagnostic> diagnostics = ReadDiagnostics(kind_, handle_, !succeeded);
-    if (!succeeded || IsLost(diagnostics)) {
+    if (!succeeded || SayConnectionIsLost(diagnostics)) {
         throw OdbcError(function, std::move(diagnostics));
     }
     for (Diagnostic& diagnostic : diagnostics) {

@@ -1,5 +1,6 @@
-// A thin layer over ODBC: owners of its three handles, its calls, and what they report. Text is 8-bit, code
-// page 1252. Callers decide what an error means to them.
+// A thin layer over ODBC: owners of its three kinds of handle, its calls, and the errors and messages that
+// the calls report. Text is in code page 1252. Every failed call throws OdbcError; callers decide what it
+// means.
 #pragma once
 
 #include <cstdint>
@@ -15,26 +16,28 @@ namespace odbc {
 
 /// One diagnostic record. Fields that the driver does not provide are empty.
 struct Diagnostic {
-    std::string sql_state; ///< five characters
-    bool error = true;     ///< false for a message: SQLSTATE class "01" or "00"
-    std::int32_t native_error = 0;
-    std::string message; ///< after the components that it passed: "[FreeTDS][SQL Server]..."
-    std::string server;
-    std::string procedure;
-    std::optional<std::int32_t> line; ///< within the batch or the procedure, from 1
-    std::optional<std::int32_t> severity;
-    std::optional<std::int32_t> state; ///< FreeTDS does not provide it
+    std::string sql_state;                ///< five characters
+    bool error = true;                    ///< false for a message: SQLSTATE class "01" or "00"
+    std::int32_t native_error = 0;        ///< the number that the server or the driver gives
+    std::string message;                  ///< as in "[FreeTDS][SQL Server]text": see WithoutOrigin
+    std::string server;                   ///< the name of the server that reported it
+    std::string procedure;                ///< the name of the procedure that was running
+    std::optional<std::int32_t> line;     ///< in the batch or the procedure, counted from 1
+    std::optional<std::int32_t> severity; ///< the server's, 0 to 25; records of the driver have no severity
+    std::optional<std::int32_t> state;    ///< the server's; FreeTDS does not provide it
 };
 
-/// The message without the names of the components before it. Brackets that the server wrote stay.
+/// Returns the message without the bracketed names of the components at its beginning, such as "[FreeTDS][SQL
+/// Server]". Brackets in the server's own text stay. The result refers to `message`.
 std::string_view WithoutOrigin(std::string_view message);
 
-/// A call failed. Carries every record of that call, in ODBC's order: errors before messages.
+/// A failed call. Has every record of that call, in ODBC's order: errors before messages.
 class OdbcError : public std::exception {
   public:
+    /// `function` is a literal; it is not copied. Without records the error gets one with the SQLSTATE HY000.
     OdbcError(const char* function, std::vector<Diagnostic> diagnostics);
 
-    /// The ODBC function that failed; a literal.
+    /// The name of the ODBC function that failed.
     const char* Function() const { return function_; }
     /// Never empty, even if the driver left no record.
     const std::vector<Diagnostic>& Diagnostics() const { return diagnostics_; }
@@ -48,7 +51,8 @@ class OdbcError : public std::exception {
     std::vector<Diagnostic> diagnostics_;
 };
 
-/// The standard's type numbers; a driver's own numbers (xml, sql_variant) occur as values without a name.
+/// The type numbers of the ODBC standard, and Variant for sql_variant. A driver's other numbers, such as that
+/// of xml, occur as values without a name.
 enum class SqlType : std::int16_t {
     Unknown = 0,
     Char = 1,
@@ -79,13 +83,14 @@ enum class SqlType : std::int16_t {
 
 enum class HandleKind : std::int16_t { Environment = 1, Connection = 2, Statement = 3 };
 
-/// Every record that the handle holds; may be empty. `failed`: the call that left them has failed.
+/// Returns every record that the last call has left at the handle; may be empty. `failed` says whether that
+/// call failed: then all its records are errors if none of them has the SQLSTATE of an error.
 std::vector<Diagnostic> ReadDiagnostics(HandleKind kind, void* handle, bool failed);
 
-/// The one owner of an ODBC handle, and the messages that came with its successful calls.
+/// Owns an ODBC handle, and collects the messages of its successful calls.
 class Handle {
   public:
-    /// Throws OdbcError with the parent's records.
+    /// Allocates the handle. Throws OdbcError with the parent's records.
     Handle(HandleKind kind, HandleKind parent_kind, void* parent);
     Handle(Handle&& other) noexcept;
     Handle& operator=(Handle&& other) noexcept;
@@ -93,12 +98,13 @@ class Handle {
     Handle& operator=(const Handle&) = delete;
     ~Handle();
 
-    /// SQLHENV, SQLHDBC or SQLHSTMT. The handle remains owned by this object.
+    /// Returns the SQLHENV, SQLHDBC or SQLHSTMT, which this object still owns.
     void* Get() const { return handle_; }
-    /// Checks a call's return code: collects the messages of a success, throws OdbcError on failure. False if
-    /// the code was SQL_NO_DATA.
+    /// Checks the return code of a call. After a success it collects the messages; it throws OdbcError after
+    /// a failure or if a record says that the connection is lost. Returns false if the code was SQL_NO_DATA.
+    /// `function` is the called function's name, a literal.
     bool Check(const char* function, int return_code);
-    /// The messages since the last call of TakeMessages, oldest first.
+    /// Returns and forgets the messages since the last call of TakeMessages, oldest first.
     std::vector<Diagnostic> TakeMessages();
 
   private:
@@ -109,17 +115,18 @@ class Handle {
     std::vector<Diagnostic> messages_;
 };
 
-/// An environment of the driver manager, for ODBC 3. Must outlive its connections.
+/// An environment of the driver manager, with the behaviour of ODBC 3. Must outlive its connections.
 class Environment {
   public:
     Environment();
+    /// Returns the SQLHENV, which this object still owns.
     void* Get() const { return handle_.Get(); }
 
   private:
     Handle handle_;
 };
 
-/// One connection. Its destructor disconnects; its statements must be destroyed before.
+/// One connection. The destructor disconnects; the connection's statements must be destroyed before that.
 class Connection {
   public:
     explicit Connection(const Environment& environment);
@@ -127,12 +134,12 @@ class Connection {
     Connection& operator=(Connection&& other) noexcept;
     ~Connection();
 
-    /// Connects without prompting for missing values. The driver gives up after `login_timeout` seconds; 0
-    /// means no limit.
+    /// Connects, without asking the user for missing values. Fails after `login_timeout` seconds; 0 means no
+    /// limit.
     void DriverConnect(const std::string& connection_string, unsigned login_timeout);
-    /// The size of the protocol's packets in bytes. To be called before connecting.
+    /// Sets the size of the protocol's packets. Must be called before DriverConnect.
     void SetPacketSize(unsigned bytes);
-    /// The value of an information type that is text (SQL_SERVER_NAME and so on).
+    /// Returns an item of SQLGetInfo that is text, such as SQL_SERVER_NAME.
     std::string Info(std::uint16_t type);
     /// True if the driver has noticed that the connection is lost.
     bool Dead();
@@ -143,9 +150,11 @@ class Connection {
     /// True if the driver is FreeTDS, which differs from the system's driver in several places.
     bool UsesFreeTds() const { return free_tds_; }
     std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
+    /// Returns the SQLHDBC, which this object still owns.
     void* Get() const { return handle_.Get(); }
 
   private:
+    /// Disconnects if it is connected.
     void Close() noexcept;
 
     Handle handle_;
@@ -153,7 +162,7 @@ class Connection {
     bool free_tds_ = false;
 };
 
-/// Binary data. A type of its own, since text is a std::string as well.
+/// Binary data. It has a type of its own, since text is a std::string as well.
 struct Bytes {
     std::string data;
     friend bool operator==(const Bytes&, const Bytes&) = default;
@@ -163,8 +172,8 @@ struct Bytes {
 struct Timestamp {
     std::int16_t year = 0;
     std::uint16_t month = 0; ///< 1 to 12
-    std::uint16_t day = 0;
-    std::uint16_t hour = 0;
+    std::uint16_t day = 0;   ///< 1 to 31
+    std::uint16_t hour = 0;  ///< 0 to 23
     std::uint16_t minute = 0;
     std::uint16_t second = 0;
     std::uint32_t nanosecond = 0;
@@ -180,37 +189,40 @@ struct Guid {
     friend bool operator==(const Guid&, const Guid&) = default;
 };
 
-/// A value; std::monostate is NULL. Whole numbers of every width are int64. Decimals and money are text, as
-/// are types that the standard does not define.
+/// A value of a column or a parameter; std::monostate is NULL. Whole numbers of every width are int64.
+/// Decimals and money are text, and so are values of types that the standard does not define.
 using Value = std::variant<std::monostate, bool, std::int64_t, double, std::string, Bytes, Timestamp, Guid>;
 
 enum class Direction : std::uint8_t { Input, InputOutput, Output };
 
-/// The value of a parameter marker.
+/// A parameter marker ("?") of a statement and its value.
 struct Parameter {
-    SqlType type = SqlType::VarChar; ///< the type that the server is told; the driver converts the value
-    Value value{};                   ///< the input value
+    SqlType type =
+        SqlType::VarChar; ///< the type of the parameter on the server; the driver converts the value
+    Value value{};        ///< the input value
     Direction direction = Direction::Input;
-    /// Characters or bytes at most; digits for decimals. 0: as long as the value.
+    /// The largest number of characters or bytes; for decimals the number of digits. 0 means the value's
+    /// length.
     std::size_t size = 0;
-    std::int16_t decimal_digits = 0;
+    std::int16_t decimal_digits = 0; ///< after the decimal point
 };
 
 /// One column of the current result.
 struct Column {
     std::string name;
     SqlType type = SqlType::Unknown;
-    std::size_t size = 0; ///< characters, bytes or digits; 0 where there is no limit
-    std::int16_t decimal_digits = 0;
+    std::size_t size = 0;            ///< in characters, bytes or digits; 0 if there is no limit
+    std::int16_t decimal_digits = 0; ///< after the decimal point, or of a second
     bool nullable = true;
-    std::size_t display_size = 0; ///< characters that the widest value takes; 0 where there is no limit
+    std::size_t display_size = 0; ///< characters of the longest value as text; 0 if there is no limit
 
-    /// True for a column that is not bound but read in pieces.
+    /// True for a column whose values may be so long that RowReader reads them in pieces.
     bool IsLong() const;
 };
 
-/// One statement of a connection, which must outlive it. Every call throws OdbcError. After a failed Execute
-/// or MoreResults the following results can still be read by further calls of MoreResults.
+/// One statement of a connection, which must outlive it. Every member may throw OdbcError. After a failed
+/// ExecDirect, Execute or MoreResults the following results can still be read by further calls of MoreResults
+/// (but see Connection::DropsResultsAfterError).
 class Statement {
   public:
     explicit Statement(const Connection& connection);
@@ -218,7 +230,7 @@ class Statement {
     Statement& operator=(Statement&& other) noexcept;
     ~Statement();
 
-    /// Seconds that a call may take before it fails with HYT00; 0 means no limit.
+    /// Sets how long a call may take before it fails with HYT00; 0 means no limit.
     void SetQueryTimeout(unsigned seconds);
 
     /// Asks the driver to end the running call, which then fails with HY008. The only member that another
@@ -230,44 +242,50 @@ class Statement {
     /// between this and the ExecDirect.
     void KeepResultsAfterError();
 
-    /// Runs the text. A statement without a result (DDL, statements under NOCOUNT) succeeds. A text with a
-    /// NUL byte is refused.
+    /// Runs the text and goes to its first result. A statement without a result (DDL, statements under
+    /// NOCOUNT) succeeds. Fails if the text has a NUL byte.
     void ExecDirect(const std::string& sql);
+    /// Prepares the text for Execute. Fails if the text has a NUL byte.
     void Prepare(const std::string& sql);
     /// Binds a copy of `parameter` to the marker at `position`, counted from 1.
     void Bind(std::uint16_t position, const Parameter& parameter);
+    /// Runs the prepared text with the bound parameters.
     void Execute();
-    /// The value of a bound parameter. An output parameter has its value after MoreResults has returned
-    /// false.
+    /// Returns the value of a bound parameter. An output parameter has its value only after MoreResults has
+    /// returned false.
     Value ParameterValue(std::uint16_t position) const;
 
-    /// Goes to the next result and drops the rest of the current one. False if there is no further result.
+    /// Goes to the next result and drops the rest of the current one. Returns false if there is no further
+    /// result.
     bool MoreResults();
-    /// 0 for a result without columns.
+    /// Returns the number of columns of the current result; it may be 0.
     std::uint16_t ColumnCount();
-    /// The columns of the current result; empty for a result without columns.
+    /// Describes the columns of the current result, which may have none.
     std::vector<Column> Columns();
-    /// The number of rows that a result without columns touched; -1 if the server did not count them, and for
-    /// most results with columns until their last row has been read.
+    /// Returns the number of rows that a result without columns has changed. Returns -1 if the server did not
+    /// count them, and for most results with columns until their last row has been read.
     std::int64_t RowCount();
 
-    /// The catalogue of all stored procedures, as a result of this statement.
+    /// Asks for the catalogue of all stored procedures, which becomes the result of this statement.
     void Procedures();
-    /// The catalogue of the parameters of all procedures whose names match, as a result of this statement.
-    /// The name has no ";1"; "_" and "%" in it are wildcards.
+    /// Asks for the parameters of all procedures whose names match, which become the result of this
+    /// statement. `procedure` has no ";1"; "_" and "%" in it are wildcards.
     void ProcedureColumns(const std::string& procedure);
 
     std::vector<Diagnostic> TakeMessages() { return handle_.TakeMessages(); }
-    Handle& Owner() { return handle_; }
+    /// Returns the handle, for calls that this class does not have.
+    Handle& OwnedHandle() { return handle_; }
+    /// Returns the SQLHSTMT, which this object still owns.
     void* Get() const { return handle_.Get(); }
-    /// True if the current result has columns, and it is already known that it has no row.
+    /// True if it is known before any fetch that the current result has no row. To be called for a result
+    /// with columns.
     bool KnownEmpty();
 
   private:
     struct BoundParameter;
 
     Handle handle_;
-    bool counts_no_rows_ = false; ///< a row count of 0 means that the result is empty
+    bool zero_means_empty_ = false; ///< a row count of 0 says that the result has no rows (FreeTDS)
     std::vector<std::unique_ptr<BoundParameter>> parameters_;
 };
 

@@ -12,7 +12,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
-/// Diagnostic fields and column types that the drivers for this server add to the standard's.
+/// The diagnostic fields that the drivers for this server add to those of the standard.
 inline constexpr SQLSMALLINT kDiagServerState = -1150;
 inline constexpr SQLSMALLINT kDiagServerSeverity = -1151;
 inline constexpr SQLSMALLINT kDiagServerName = -1152;

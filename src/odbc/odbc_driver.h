@@ -1,9 +1,9 @@
-// Prepares the system's driver for its first use.
+// Prepares the driver of this system for its first use.
 #pragma once
 
 namespace odbc {
 
-/// To be called before the first connection; may be called again.
+/// Must be called before the first connection is made; further calls change nothing.
 void PrepareDriver();
 
 } // namespace odbc

@@ -1,5 +1,6 @@
-// Rows of a result. The array size is set when the statement has run: set before, the drivers of this server
-// open a cursor on the server instead of sending the rows.
+// Reads the rows of a result. The number of rows in a block (the array size) is set only after the statement
+// has run: if it is set before, the drivers of this server open a cursor on the server instead of sending the
+// rows.
 #include "odbc/odbc_rows.h"
 
 #include <algorithm>
@@ -22,13 +23,14 @@ constexpr std::size_t kPieceBytes = 64 * 1024;
 struct BoundColumn {
     SQLSMALLINT c_type = SQL_C_WCHAR;
     CellKind kind = CellKind::Text;
-    bool varies = false;   ///< in length, up to `room` bytes
-    std::size_t width = 0; ///< bytes reserved for a value
-    std::size_t room = 0;
-    std::vector<char> data;
-    std::vector<SQLLEN> indicators;
+    bool varies = false;            ///< the values have different lengths
+    std::size_t width = 0;          ///< the number of bytes reserved for a value
+    std::size_t room = 0;           ///< the number of bytes of the longest value that fits
+    std::vector<char> data;         ///< `width` bytes for each row
+    std::vector<SQLLEN> indicators; ///< for each row the value's length in bytes, or SQL_NULL_DATA
 };
 
+/// Returns the number of bytes to reserve for a value of the column.
 std::size_t WidthOf(const Column& column, SQLSMALLINT c_type) {
     const std::size_t fixed = FixedSize(c_type);
     if (fixed != 0) {
@@ -40,7 +42,8 @@ std::size_t WidthOf(const Column& column, SQLSMALLINT c_type) {
                                   : (std::max(column.size, column.display_size) + 1) * sizeof(char16_t);
 }
 
-/// The length in bytes of the longest value that a buffer of `size` bytes can hold: text has a NUL after it.
+/// Returns the length in bytes of the longest value that fits into a buffer of `size` bytes. Text is followed
+/// by a NUL.
 std::size_t RoomFor(SQLSMALLINT c_type, std::size_t size) {
     return c_type == SQL_C_WCHAR ? size - sizeof(char16_t) : size;
 }
@@ -50,28 +53,30 @@ std::size_t RoomFor(SQLSMALLINT c_type, std::size_t size) {
 struct RowReader::State {
     Statement* statement = nullptr;
     std::vector<Column> columns;
-    std::vector<BoundColumn> bound; ///< of the columns before the first long one
-    std::vector<CellView> cells;    ///< the current row's values in them
-    std::vector<SQLUSMALLINT> row_status;
-    std::vector<char> piece;
-    std::string whole; ///< the long value that was read last
-    std::size_t block_rows = 1;
-    SQLULEN fetched = 0;
-    std::size_t next = 0; ///< the current row of the block
-    bool ended = false;   ///< the last block has been fetched
+    std::vector<BoundColumn> bound;       ///< the columns before the first long one
+    std::vector<CellView> cells;          ///< the current row's values in them
+    std::vector<SQLUSMALLINT> row_status; ///< written by the driver for each row of the block
+    std::vector<char> piece;              ///< a part of a long value
+    std::string whole;                    ///< the long value that was read last
+    std::size_t block_rows = 1;           ///< the number of rows for which a block has space
+    SQLULEN fetched = 0;                  ///< the number of rows in the current block
+    std::size_t current = 0;              ///< the current row of the block
+    bool ended = false;                   ///< the last block has been fetched
 
-    ~State() { Release(); }
-    void Layout();
+    ~State() { Unbind(); }
+    /// Chooses which columns to bind and how many rows make a block, and makes the buffers.
+    void MakeBuffers();
     void BindAll();
     bool BlockFailed() const;
+    /// Returns false if there is no further row.
     bool FetchBlock();
     void ReadCells();
     [[noreturn]] void FailCut(std::size_t column, SQLLEN indicator) const;
     CellView LongView(std::size_t column);
-    void Release() noexcept;
+    void Unbind() noexcept;
 };
 
-void RowReader::State::Layout() {
+void RowReader::State::MakeBuffers() {
     std::size_t row_bytes = 0;
     for (const Column& column : columns) {
         // The drivers of this server read columns in pieces only after the last bound one, and only from
@@ -100,7 +105,7 @@ void RowReader::State::Layout() {
 }
 
 void RowReader::State::BindAll() {
-    Handle& handle = statement->Owner();
+    Handle& handle = statement->OwnedHandle();
     handle.Check("SQLSetStmtAttr", SQLSetStmtAttrW(handle.Get(), SQL_ATTR_ROW_ARRAY_SIZE,
                                                    AttributeValue(block_rows), SQL_IS_UINTEGER));
     handle.Check("SQLSetStmtAttr",
@@ -126,8 +131,8 @@ bool RowReader::State::BlockFailed() const {
 }
 
 bool RowReader::State::FetchBlock() {
-    Handle& handle = statement->Owner();
-    next = 0;
+    Handle& handle = statement->OwnedHandle();
+    current = 0;
     fetched = 0;
     const SQLRETURN code = SQLFetch(handle.Get());
     if (code == SQL_SUCCESS_WITH_INFO && BlockFailed()) {
@@ -141,7 +146,7 @@ bool RowReader::State::FetchBlock() {
 }
 
 void RowReader::State::ReadCells() {
-    const std::size_t row = next;
+    const std::size_t row = current;
     CellView* cell = cells.data();
     for (const BoundColumn& column : bound) {
         const SQLLEN indicator = column.indicators[row];
@@ -167,7 +172,7 @@ void RowReader::State::FailCut(std::size_t column, SQLLEN indicator) const {
 }
 
 CellView RowReader::State::LongView(std::size_t column) {
-    Handle& handle = statement->Owner();
+    Handle& handle = statement->OwnedHandle();
     const SQLSMALLINT c_type = BufferType(columns[column].type);
     piece.resize(kPieceBytes);
     const std::size_t room = RoomFor(c_type, piece.size());
@@ -192,7 +197,7 @@ CellView RowReader::State::LongView(std::size_t column) {
     return ViewOf(c_type, whole.data(), static_cast<SQLLEN>(whole.size()));
 }
 
-void RowReader::State::Release() noexcept {
+void RowReader::State::Unbind() noexcept {
     // Return codes are ignored: the buffers are freed now, and the statement must not refer to them.
     SQLFreeStmt(statement->Get(), SQL_UNBIND);
     SQLSetStmtAttrW(statement->Get(), SQL_ATTR_ROW_STATUS_PTR, nullptr, SQL_IS_POINTER);
@@ -203,9 +208,9 @@ void RowReader::State::Release() noexcept {
 RowReader::RowReader(Statement& statement) : state_(std::make_unique<State>()) {
     state_->statement = &statement;
     state_->columns = statement.Columns();
-    // FreeTDS has read an empty result to its end, and a fetch would read past it, as after a last block.
+    // FreeTDS has already read an empty result to its end, and a fetch would read past it (see FetchBlock).
     state_->ended = statement.KnownEmpty();
-    state_->Layout();
+    state_->MakeBuffers();
     state_->BindAll();
     cells_ = state_->cells.data();
     bound_ = state_->cells.size();
@@ -220,8 +225,8 @@ const std::vector<Column>& RowReader::Columns() const {
 
 bool RowReader::NextRow() {
     State& state = *state_;
-    ++state.next;
-    if (state.next >= state.fetched && (state.ended || !state.FetchBlock())) {
+    ++state.current;
+    if (state.current >= state.fetched && (state.ended || !state.FetchBlock())) {
         return false;
     }
     state.ReadCells();

@@ -1,4 +1,4 @@
-// Statements: running, results, columns and parameters.
+// Statements: runs them and describes their results, columns and parameters.
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -11,6 +11,7 @@
 namespace odbc {
 namespace {
 
+/// Returns a numeric attribute of a column, counted from 1; 0 for a negative one.
 std::size_t NumericAttribute(Handle& handle, SQLUSMALLINT column, SQLUSMALLINT field) {
     SQLLEN number = 0;
     handle.Check("SQLColAttribute",
@@ -38,7 +39,7 @@ Column DescribeColumn(Handle& handle, SQLUSMALLINT number) {
     return column;
 }
 
-/// FreeTDS takes a NUL for the end of a statement's text and would run the part before it.
+/// Throws OdbcError if the text has a NUL. FreeTDS would take it for the end and run the part before it.
 void RefuseNul(const char* function, const std::string& sql) {
     if (sql.find('\0') != std::string::npos) {
         Diagnostic refusal;
@@ -58,13 +59,13 @@ struct Statement::BoundParameter {
 
 Statement::Statement(const Connection& connection)
     : handle_(HandleKind::Statement, HandleKind::Connection, connection.Get()),
-      counts_no_rows_(connection.UsesFreeTds()) {}
+      zero_means_empty_(connection.UsesFreeTds()) {}
 Statement::Statement(Statement&&) noexcept = default;
 // The handle is replaced before the buffers that are bound to it.
 Statement& Statement::operator=(Statement&& other) noexcept {
     handle_ = std::move(other.handle_);
     parameters_ = std::move(other.parameters_);
-    counts_no_rows_ = other.counts_no_rows_;
+    zero_means_empty_ = other.zero_means_empty_;
     return *this;
 }
 Statement::~Statement() = default;
@@ -79,9 +80,10 @@ void Statement::Cancel() noexcept {
 }
 
 void Statement::KeepResultsAfterError() {
-    // unixODBC 2.3 treats a statement whose execution failed as one without results, unless the statement has
-    // a cursor. It assumes a cursor after every successful execution. A message serves because it is the only
-    // success that FreeTDS does not report as SQL_NO_DATA and that leaves nothing to be fetched.
+    // unixODBC 2.3 treats a statement whose execution has failed as one without results, unless the statement
+    // has a cursor. It assumes a cursor after every execution that returned success. PRINT is used because
+    // FreeTDS returns success for it and leaves nothing to be fetched; other statements without rows return
+    // SQL_NO_DATA.
     ExecDirect("PRINT ''");
     TakeMessages();
 }
@@ -163,7 +165,7 @@ std::int64_t Statement::RowCount() {
 }
 
 bool Statement::KnownEmpty() {
-    return counts_no_rows_ && RowCount() == 0;
+    return zero_means_empty_ && RowCount() == 0;
 }
 
 void Statement::Procedures() {

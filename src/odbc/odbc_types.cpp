@@ -33,9 +33,10 @@ constexpr std::array kBufferTypes = {
 
 /// The least space for an output value whose length varies, in characters or bytes. It is enough for a
 /// decimal of 38 digits with sign and point.
-constexpr std::size_t kNumberText = 64;
+constexpr std::size_t kMinOutput = 64;
+/// The largest number of digits of a decimal.
 constexpr std::size_t kMaxPrecision = 38;
-/// In characters or bytes. A column whose values may be longer is read in pieces.
+/// A column whose values may be longer than this number of characters or bytes is read in pieces.
 constexpr std::size_t kMaxInRow = 8000;
 
 template <class T>
@@ -177,9 +178,9 @@ ValueBuffer MakeParameterBuffer(const Parameter& parameter) {
     buffer.c_type = BufferType(parameter.type);
     std::visit(Encode{buffer}, parameter.value);
     const std::size_t fixed = FixedSize(buffer.c_type);
-    std::size_t room = std::max<std::size_t>(fixed, 1); // in bytes; for text in characters
+    std::size_t room = std::max<std::size_t>(fixed, 1); // in characters for text, in bytes for other types
     if (fixed == 0 && parameter.direction != Direction::Input) {
-        room = std::max(parameter.size, kNumberText);
+        room = std::max(parameter.size, kMinOutput);
     }
     if (buffer.c_type == SQL_C_WCHAR) {
         room = (room + 1) * sizeof(char16_t); // in bytes, with the NUL that the driver appends

@@ -1,4 +1,5 @@
-// How values are stored in the buffers that ODBC reads and writes. Internal to this folder.
+// The types of the buffers that ODBC reads and writes, and the conversion of values to and from them.
+// Internal to this folder.
 #pragma once
 
 #include <cstddef>
@@ -16,18 +17,18 @@ namespace odbc {
 
 static_assert(sizeof(SQLWCHAR) == sizeof(char16_t));
 
-/// ODBC takes a small number as an attribute value in place of a pointer to it.
+/// Passes a number as the value of an attribute: ODBC takes it in place of a pointer.
 inline SQLPOINTER AttributeValue(std::uintptr_t number) {
     return reinterpret_cast<SQLPOINTER>(number); // NOLINT(performance-no-int-to-ptr): the call requires it
 }
 
-/// A text argument of a call. The wide functions are used and the text is converted here: how the narrow
-/// functions read bytes depends on the driver manager, the driver and the locale (docs/odbc.md).
+/// A text argument of a call, converted to UTF-16. The layer calls ODBC's wide functions only: how the narrow
+/// ones read bytes depends on the driver manager, the driver and the locale (docs/odbc.md).
 class TextArgument {
   public:
     explicit TextArgument(std::string_view text) : wide_(text::Widen(text)) {}
     SQLWCHAR* Data() { return reinterpret_cast<SQLWCHAR*>(wide_.data()); }
-    /// In characters.
+    /// Returns the number of UTF-16 units.
     template <class Length>
     Length Size() const {
         return static_cast<Length>(wide_.size());
@@ -37,7 +38,7 @@ class TextArgument {
     std::u16string wide_;
 };
 
-/// A buffer for a text that a call writes.
+/// A buffer into which a call writes UTF-16 text. Its size is counted in UTF-16 units.
 class TextBuffer {
   public:
     explicit TextBuffer(std::size_t characters) : wide_(characters, u'\0') {}
@@ -51,34 +52,37 @@ class TextBuffer {
     Length ByteCount() const {
         return static_cast<Length>(wide_.size() * sizeof(char16_t));
     }
-    /// Up to the NUL.
+    /// Returns the text before the NUL, in code page 1252.
     std::string Text() const { return text::Narrow(wide_.c_str()); }
 
   private:
     std::u16string wide_;
 };
 
-/// The buffer type for columns of the type; SQL_C_WCHAR if no other fits.
+// A buffer type (`c_type`) is one of ODBC's constants SQL_C_….
+
+/// Returns the buffer type for columns of the type; SQL_C_WCHAR if no other fits.
 SQLSMALLINT BufferType(SqlType type);
-/// Bytes that one value of the buffer type takes; 0 for text and bytes, whose length varies.
+/// Returns the number of bytes of one value; 0 for text and bytes, whose length varies.
 std::size_t FixedSize(SQLSMALLINT c_type);
 CellKind KindOf(SQLSMALLINT c_type);
-/// The value at `data`; `indicator` is its length in bytes or SQL_NULL_DATA.
+/// Returns a view of the value at `data`. `indicator` is its length in bytes or SQL_NULL_DATA.
 CellView ViewOf(SQLSMALLINT c_type, const char* data, SQLLEN indicator);
+/// Copies the value that the view shows.
 Value ReadValue(const CellView& view);
 
 /// The buffer of a parameter marker.
 struct ValueBuffer {
     SQLSMALLINT c_type = SQL_C_WCHAR;
     std::vector<char> data; ///< never empty
-    std::size_t length = 0; ///< of the input value, in bytes
-    bool null = false;
+    std::size_t length = 0; ///< the number of bytes of the input value
+    bool null = false;      ///< the input value is NULL
 };
 
-/// A buffer that holds the parameter's value and is large enough for its output value.
+/// Makes a buffer with the parameter's input value. It is large enough for the output value too.
 ValueBuffer MakeParameterBuffer(const Parameter& parameter);
 
-/// What SQLBindParameter calls the column size and the decimal digits.
+/// The arguments of SQLBindParameter that it calls the column size and the decimal digits.
 struct ParameterShape {
     SQLULEN size = 0;
     SQLSMALLINT decimal_digits = 0;

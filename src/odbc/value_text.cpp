@@ -1,3 +1,4 @@
+// Prints GUIDs and bytes.
 #include "odbc/value_text.h"
 
 #include <array>

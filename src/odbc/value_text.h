@@ -1,4 +1,4 @@
-// Values that every reader of a result shows in the same way. Needs no driver.
+// The text of values that the database layer and the query tool show in the same way. Needs no driver.
 #pragma once
 
 #include <string>
@@ -7,9 +7,9 @@
 
 namespace odbc {
 
-/// Upper-case hexadecimal digits in five groups with "-" between them, without braces.
+/// Returns upper-case hexadecimal digits in five groups with "-" between them, without braces.
 std::string TextOf(const Guid& guid);
-/// "0x" and two upper-case hexadecimal digits for each byte.
+/// Returns "0x" and two upper-case hexadecimal digits for each byte.
 std::string TextOf(const Bytes& bytes);
 
 } // namespace odbc

@@ -249,7 +249,7 @@ void Command::CommandTimeout(std::int32_t seconds) {
     command_timeout_ = seconds;
 }
 
-Connection& Command::Ready() const {
+Connection& Command::RequireReady() const {
     if (connection_ == nullptr || connection_->State() == adStateClosed) {
         RaiseOwnError(kInvalidConnection, "fake");
     }
@@ -263,7 +263,7 @@ std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std:
         values += " " + parameter.Name() + "=" + Shown(parameter.Value());
     }
     FakeAdo::Current().calls.push_back(call + values);
-    AdoAnswer answer = Ready().impl_->Take(call);
+    AdoAnswer answer = RequireReady().impl_->Take(call);
     for (Parameter& parameter : parameters_.items_) {
         const auto given = answer.output.find(parameter.Name());
         if (given != answer.output.end()) {
@@ -277,7 +277,7 @@ std::unique_ptr<Recordset> Command::Execute(std::int64_t& records_affected, std:
 void Parameters::Refresh() {
     FakeAdo::Current().calls.emplace_back("Refresh");
     const std::vector<Parameter> before = Take();
-    Fill(command_->Ready().impl_->Take("Refresh").parameters, before);
+    Fill(command_->RequireReady().impl_->Take("Refresh").parameters, before);
 }
 
 } // namespace ado

@@ -1,3 +1,4 @@
+// The driver on Windows needs no preparation.
 #include "odbc/odbc_driver.h"
 
 namespace odbc {
