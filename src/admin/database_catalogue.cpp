@@ -1,3 +1,4 @@
+// Asks a server for its databases and their files.
 #include "admin/database_catalogue.h"
 
 #include "text/text.h"
@@ -23,7 +24,7 @@ bool CatalogueManager::ListDatabases(const char* statement, std::vector<std::str
             operation.Fail("No information about available databases could be found!");
         }
         while (!rows->Eof()) {
-            // The element is added first, so a name that cannot be read leaves it empty after the others.
+            // The element is added first: if the name cannot be read, an empty element stays at the end.
             arrDatabase.emplace_back();
             arrDatabase.back() = rows->Fields().Item(0).Value().ToString();
             rows->MoveNext();

@@ -1,5 +1,5 @@
-// The base of the managers that list databases: the steps of GetDatabases and GetDatabaseInfo, which
-// CUpgradeDbMgr and CSynchronizeDbMgr both have.
+// The base of CUpgradeDbMgr and CSynchronizeDbMgr: lists databases and finds their files. Both classes have
+// these operations, under the names GetDatabases and GetDatabaseInfo.
 #pragma once
 
 #include <string>
@@ -9,8 +9,8 @@
 
 namespace kv {
 
-/// Where to store the logical names and full physical paths of a database's first two files. The first is
-/// taken to be the data file and the second the log, without checking.
+/// The variables that receive the logical names and the full physical paths of a database's first two files.
+/// The first file counts as the data file and the second as the log; this is not checked.
 struct DatabaseFiles {
     std::string& data_file_name;
     std::string& data_file_path;
@@ -18,13 +18,16 @@ struct DatabaseFiles {
     std::string& log_file_path;
 };
 
+/// The shared operations. They return true if they ran to their end; a failure is logged.
 class CatalogueManager : public DatabaseManager {
   protected:
     using DatabaseManager::DatabaseManager;
     ~CatalogueManager() = default;
 
-    /// Fills the array with the databases that `statement` lists, from element 1 on; element 0 stays empty.
+    /// Fills the array with the names of the databases that `statement` lists, from element 1 on; element 0
+    /// is empty.
     bool ListDatabases(const char* statement, std::vector<std::string>& arrDatabase);
+    /// Finds the files of the database. After a failure the variables keep the values that were already read.
     bool ReadDatabaseInfo(const std::string& strDbName, const DatabaseFiles& files);
 };
 

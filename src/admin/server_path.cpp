@@ -1,3 +1,4 @@
+// Takes apart and makes paths of a database server.
 #include "admin/server_path.h"
 
 #include <algorithm>
@@ -7,7 +8,7 @@
 namespace kv {
 namespace {
 
-/// The position of the separator before the file's name.
+/// Returns the position of the separator before the file's name; npos if there is none.
 std::size_t LastSeparator(const std::string& path) {
     return path.find_last_of("\\/");
 }
@@ -32,7 +33,7 @@ std::string ServerPath(std::string folder, const std::string& file, const std::s
     return folder.ends_with('/') ? folder + file : folder + '/' + file;
 }
 
-bool IsGuessed(const std::string& path) {
+bool HasLostCharacter(const std::string& path) {
     return path.find('?') != std::string::npos && !platform::FileExists(path);
 }
 

@@ -1,5 +1,5 @@
-// Paths on the computer of a database server, whose system may differ from this program's. The paths that the
-// server reports show which separator it uses.
+// Paths on the computer of a database server, whose system may differ from this program's. The separator in
+// the paths that the server reports shows which one it uses.
 #pragma once
 
 #include <string>
@@ -11,11 +11,12 @@ namespace kv {
 /// path without a separator is returned unchanged.
 std::string FolderOnServer(const std::string& path);
 
-/// Returns the path of a new file in `folder`. If `reported`, a path from the server, is written with "/", so
-/// is the whole new path.
+/// Returns the path of a new file in `folder`. `reported` is a path from the server: if it is written with
+/// "/", the new path is written with "/" too, also in `folder`.
 std::string ServerPath(std::string folder, const std::string& file, const std::string& reported);
 
-/// True for a path in which a "?" replaces a character that the code page lacks: such a path finds no file.
-bool IsGuessed(const std::string& path);
+/// True if the path contains a "?" and names no file on this computer. Then the "?" has replaced a character
+/// that the code page lacks, and the file cannot be found under this path.
+bool HasLostCharacter(const std::string& path);
 
 } // namespace kv

@@ -1,3 +1,4 @@
+// The statements about replication.
 #include "admin/sql_replication_mgr.h"
 
 namespace kv {

@@ -1,5 +1,5 @@
-// CSQLReplicationMgr: installs and uninstalls transactional replication and reports whether it is installed.
-// The work is done by stored procedures of the database.
+// CSQLReplicationMgr: installs and uninstalls transactional replication, and finds out whether it is
+// installed. Stored procedures of the database do the work.
 #pragma once
 
 #include <string>
@@ -8,10 +8,11 @@
 
 namespace kv {
 
+/// The statements that install and uninstall replication.
 inline constexpr char kInstallReplication[] = "exec spInstallReplication";
 inline constexpr char kUninstallReplication[] = "exec spUninstallReplication";
 
-/// True if the server has a distribution job, for whichever database.
+/// True if the server has a job that distributes a database's changes, whichever database that is.
 bool ServerHasReplicationJob(Operation& operation);
 
 /// Every operation returns true if it ran to its end. A failure is logged as one line, and the server's
@@ -20,8 +21,8 @@ class CSQLReplicationMgr : public DatabaseManager {
   public:
     CSQLReplicationMgr() : DatabaseManager("CSQLReplicationMgr") {}
 
-    /// `blnReplicationIsInstalled` is the answer if the result is true, and false otherwise. It is about the
-    /// whole server: the database is only the one that the connection opens.
+    /// Stores in `blnReplicationIsInstalled` whether the server replicates any database; false if the
+    /// operation fails. `strDbName` is only the database that the connection opens.
     bool IsReplicationInstalled(const std::string& strDbName, bool& blnReplicationIsInstalled);
     bool InstallReplication(const std::string& strDbName);
     bool UninstallReplication(const std::string& strDbName);

@@ -1,3 +1,4 @@
+// The statements of a synchronisation and their order.
 #include "admin/synchronize_db_mgr.h"
 
 #include <array>

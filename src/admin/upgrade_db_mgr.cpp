@@ -1,3 +1,4 @@
+// The statements that remove, rename and upgrade a database. Their texts and their order are laid down.
 #include "admin/upgrade_db_mgr.h"
 
 #include "admin/server_path.h"
@@ -8,9 +9,10 @@ namespace kv {
 namespace {
 
 constexpr char kVersionQuery[] = "SELECT Value FROM LKConfig WHERE ParameterName like N'DatabaseVersion'";
-/// A database without a version entry counts as this.
+/// The version of a database that has no entry for its version.
 constexpr std::int16_t kFirstVersion = 1;
 
+/// Returns the text as a Unicode literal of T-SQL. Quotes in it are not doubled.
 std::string Unicode(const std::string& text) {
     return "N'" + text + "'";
 }
@@ -60,7 +62,7 @@ bool CUpgradeDbMgr::RenameDatabase(const std::string& strDbName, const std::stri
         if (!GetDatabaseInfo(strDbName, data_name, data_path, log_name, log_path)) {
             operation.Fail("Database information could not be found for '" + strDbName + "'!");
         }
-        if (IsGuessed(data_path) || IsGuessed(log_path)) {
+        if (HasLostCharacter(data_path) || HasLostCharacter(log_path)) {
             operation.Fail("The path of a file of '" + strDbName +
                            "' has characters that the code page lacks!");
         }

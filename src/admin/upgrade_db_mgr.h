@@ -14,19 +14,21 @@ class CUpgradeDbMgr : public CatalogueManager {
   public:
     CUpgradeDbMgr() : CatalogueManager("CUpgradeDbMgr") {}
 
-    /// The names of all databases, in the server's order, from element 1 on; element 0 is empty.
+    /// Returns the names of all databases, in the server's order, from element 1 on; element 0 is empty.
     bool GetDatabases(std::vector<std::string>& arrDatabase);
-    /// Reads logical names and full paths of the database's first two files. After a failure the arguments
-    /// keep what was already read.
+    /// Returns the logical names and the full paths of the database's first two files. After a failure the
+    /// arguments keep the values that were already read.
     bool GetDatabaseInfo(const std::string& strDbName, std::string& strDataFileName,
                          std::string& strDataFilePath, std::string& strLogFileName,
                          std::string& strLogFilePath);
     /// Disconnects every user of the database and drops it. Succeeds if the database does not exist.
     bool RemoveDatabase(const std::string& strDbName);
     /// Renames the database and its logical files, and moves its physical files to new names in the data path
-    /// of the selected server. Works only if this machine can reach the server's paths.
+    /// (SQLDataPath) of the selected server. Works only if this machine can reach the server's paths.
     bool RenameDatabase(const std::string& strDbName, const std::string& strNewDbName);
-    /// Makes the newer database `strDbName` take over the data of the older `strSourceDBName`.
+    /// Copies the data of the older database `strSourceDBName` into the newer database `strDbName`. Fails
+    /// unless the version of `strDbName` is higher than that of `strSourceDBName`. A stored procedure does
+    /// the copying.
     bool UpgradeDatabase(const std::string& strDbName, const std::string& strSourceDBName);
 };
 

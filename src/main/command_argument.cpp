@@ -1,3 +1,4 @@
+// Looks for arguments in the raw command line.
 #include "main/command_argument.h"
 
 #include "text/text.h"
@@ -7,12 +8,15 @@ namespace {
 
 constexpr auto kNotFound = std::string::npos;
 
-/// The position of "/" and the text or, if the line does not contain that, of "-" and the text.
+/// Returns the position of "/" and the text or, if the line does not contain that, of "-" and the text;
+/// kNotFound if it contains neither.
 std::size_t FindPrefixed(const std::string& line, const std::string& text) {
     const auto slash = text::FindIgnoringCase(line, "/" + text);
     return slash != kNotFound ? slash : text::FindIgnoringCase(line, "-" + text);
 }
 
+/// True if the argument at `at` has a blank or an end of the line on both sides. `name_length` is without the
+/// "/".
 bool StandsAlone(const std::string& line, std::size_t at, std::size_t name_length) {
     if (at != 0 && line[at - 1] != ' ') {
         return false;
@@ -21,7 +25,7 @@ bool StandsAlone(const std::string& line, std::size_t at, std::size_t name_lengt
     return after == line.size() || line[after] == ' ';
 }
 
-/// The value that begins at `begin`, without its quotes.
+/// Returns the value that begins at `begin`, without its quotes; empty if there is no value.
 std::string ValueAt(const std::string& line, std::size_t begin) {
     const bool at_end = begin >= line.size();
     if (at_end || line[begin] == '/') {

@@ -1,4 +1,4 @@
-// The known arguments of the command line, and the routine that looks for one of them in the raw line.
+// The program's arguments, and the function that looks for one of them in the raw command line.
 #pragma once
 
 #include <array>
@@ -7,14 +7,15 @@
 
 namespace kv {
 
+/// One argument and the result of looking for it.
 struct CommandArgument {
-    std::string Name; ///< without prefix, lower case
-    bool HasValue = false;
-    bool Found = false;
-    std::string Value; ///< empty for an argument without value
+    std::string Name;      ///< in lower case, without "/"
+    bool HasValue = false; ///< the argument takes a value
+    bool Found = false;    ///< the command line has the argument
+    std::string Value;     ///< without quotes; empty for an argument without a value
 };
 
-/// The rows of the table of arguments.
+/// The positions of the arguments in CommandArguments.
 enum ArgumentIndex : std::size_t {
     kHelp,
     kScriptFolder,
@@ -31,16 +32,16 @@ enum ArgumentIndex : std::size_t {
 
 using CommandArguments = std::array<CommandArgument, kArgumentCount>;
 
-/// The table with every row's name, nothing looked up yet.
+/// Returns the table with the names of all arguments. Nothing has been looked up yet.
 CommandArguments KnownArguments();
 
-/// Looks for the argument of row `Index` in the line and sets the row's Found and Value; no other row
-/// changes.
+/// Looks for the argument at `Index` in the line and sets its Found and Value; the other arguments do not
+/// change.
 ///
-/// Only the first occurrence of the name counts. One with "/" is looked for first, then one with "-". A blank
-/// or the line's start must precede it, and a blank or the line's end must follow it. A value in double
-/// quotes keeps its blanks. A value without quotes ends at the first blank. A text that begins with "/" is
-/// the next argument, not a value.
+/// Only the first occurrence of the name counts. The name with "/" is looked for first, then the name with
+/// "-". The argument counts as found only if a blank or the line's start is before it and a blank or the
+/// line's end is after it. A value in double quotes keeps its blanks. A value without quotes ends at the
+/// first blank. Text that begins with "/" is the next argument, not a value.
 void ParseCommandArgument(const std::string& CommandLine, std::size_t Index, CommandArguments& Arguments);
 
 } // namespace kv

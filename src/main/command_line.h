@@ -1,5 +1,5 @@
-// Joins split arguments to one command line, the form that the program's parser reads. Needed on systems that
-// pass a program split arguments.
+// Joins split arguments to one command line, which the program's parser reads. Needed on Linux, where a
+// program gets split arguments.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// The entry of the program: the one place that knows both the console and the unattended runs.
+// The program's main function. It is the one place that knows both the console and the unattended runs.
 #include <memory>
 #include <string>
 
@@ -33,7 +33,7 @@ class Console {
         window_->Show();
     }
 
-    /// Returns when the window is closed; at once if there is none.
+    /// Returns when the window is closed, or at once if there is no window.
     void RunUntilClosed() {
         if (window_) {
             window_->RunUntilClosed();
@@ -70,9 +70,10 @@ void Run(const kv::MainDecision& decision) {
     }
 }
 
-/// The path of the file that the current exception is about, as further lines of the box: the run time's
-/// texts do not name it. Mostly it is the log, so the box is the only place that can name it.
-std::string FileInFlight() {
+/// Must be called inside a catch block. If the exception is a file error, returns the file's path as further
+/// lines for the box, since the run time's texts do not name the file. Mostly it is the log, so only the box
+/// can name it.
+std::string PathOfFileError() {
     try {
         throw;
     } catch (const platform::FileError& error) {
@@ -82,15 +83,15 @@ std::string FileInFlight() {
     }
 }
 
-/// Shows the run time's fatal error box for a failure that no handler caught.
+/// Must be called inside a catch block. Shows the exception, which no handler has caught, in a message box.
 void ShowFatalError() {
     const kv::Failure failure = kv::TranslateInFlight();
     platform::ShowMessageBox("Run-time error '" + std::to_string(failure.Number()) + "':\r\n\r\n" +
-                                 failure.Description() + FileInFlight(),
+                                 failure.Description() + PathOfFileError(),
                              platform::MessageIcon::Critical, platform::ExecutableName());
 }
 
-/// The command line as it was typed or, if the system passes split arguments, put together again.
+/// Returns the command line as it was typed or, on Linux, joined from the split arguments.
 std::string CommandLine(int argc, const char* const* argv) {
     const auto typed = platform::RawCommandLine();
     return typed ? *typed : kv::JoinArguments(platform::ProgramArguments(argc, argv));

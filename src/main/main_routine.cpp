@@ -1,3 +1,4 @@
+// The order in which arguments are parsed, and the help text.
 #include "main/main_routine.h"
 
 #include <array>
@@ -31,6 +32,7 @@ class Lookup {
     CommandArguments arguments_;
 };
 
+/// True if the line has a server, a user and a password; the password may be empty.
 bool LoginIsComplete(const Lookup& lookup) {
     return lookup.Found(kServer) && !lookup.Value(kServer).empty() && lookup.Found(kUser) &&
            !lookup.Value(kUser).empty() && lookup.Found(kPassword);
@@ -51,7 +53,7 @@ struct HelpEntry {
     const char* description;
 };
 
-// The odd wording of /upgradedb is the product's text.
+// The odd wording of /upgradedb is laid down.
 constexpr std::array kHelpEntries = {
     HelpEntry{"/help", "Shows this command help information."},
     HelpEntry{"/scriptfolder", "Path to the folder with sql scripts and dts storage files."},

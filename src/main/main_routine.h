@@ -1,5 +1,5 @@
-// The main routine's decision: reads the command line once and says what this run of the program does. Knows
-// neither the unattended sequences nor the console: main.cpp carries the decision out.
+// Reads the command line and decides what this run of the program does. Knows neither the unattended runs nor
+// the console: main.cpp carries the decision out.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,8 @@ namespace kv {
 
 enum class MainAction : std::uint8_t { Upgrade, Install, ShowWindow };
 
-/// What the command line asks for. Fields that the action does not use are empty.
+/// The decision, and the values of the arguments that it needs. Fields that the action does not use are
+/// empty.
 struct MainDecision {
     MainAction action = MainAction::ShowWindow;
     bool show_help = false; ///< with ShowWindow only
@@ -18,16 +19,16 @@ struct MainDecision {
     std::string user;
     std::string password;
     std::string sql_data_path;
-    bool install_db = false;
-    bool install_sp = false;
-    bool install_dts = false;
+    bool install_db = false;  ///< the database
+    bool install_sp = false;  ///< the stored procedures
+    bool install_dts = false; ///< the DTS packages
 };
 
-/// Reads the line and asks the file system whether the folders that it names exist; changes nothing. If the
-/// line is empty, wrong or incomplete, the action is ShowWindow, without a message.
+/// Parses the line and checks that the folders which it names exist. Changes nothing. If the line is empty,
+/// wrong or incomplete, the action is ShowWindow, without a message.
 MainDecision DecideAction(const std::string& CommandLine);
 
-/// The help text; lines end in CR LF.
+/// Returns the help text. Its lines end in CR LF.
 std::string HelpText();
 
 } // namespace kv

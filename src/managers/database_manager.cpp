@@ -1,3 +1,4 @@
+// Opens connections, runs statements and handles their failures.
 #include "managers/database_manager.h"
 
 #include <array>
@@ -39,24 +40,24 @@ void Operation::Close() {
 std::unique_ptr<ado::Recordset> Operation::Execute(const std::string& statement, std::int32_t options) {
     std::int64_t records_affected = 0; // the call requires it; not used
     std::unique_ptr<ado::Recordset> recordset = connection_->Execute(statement, records_affected, options);
-    Collect();
+    CollectErrors();
     return recordset;
 }
 
 std::unique_ptr<ado::Recordset> Operation::OpenSchema(std::int32_t schema) {
     std::unique_ptr<ado::Recordset> recordset = connection_->OpenSchema(schema);
-    Collect();
+    CollectErrors();
     return recordset;
 }
 
 std::unique_ptr<ado::Recordset> Operation::Execute(ado::Command& command) {
     std::int64_t records_affected = 0;
     std::unique_ptr<ado::Recordset> recordset = command.Execute(records_affected, ado::adOptionUnspecified);
-    Collect();
+    CollectErrors();
     return recordset;
 }
 
-void Operation::Collect() {
+void Operation::CollectErrors() {
     CollectDbErrors(manager_.db_errors_, connection_->Errors());
 }
 
@@ -68,8 +69,8 @@ void Operation::CleanUp() {
     if (!connection_) {
         return;
     }
-    // If the order of the errors made Collect fail in a step, it fails here again.
-    Collect();
+    // If the order of the errors has made CollectErrors fail in a step, it fails here again.
+    CollectErrors();
     if (connection_->State() != ado::adStateClosed) {
         connection_->Close();
     }

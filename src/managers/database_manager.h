@@ -1,5 +1,6 @@
-// The base of the manager classes that use a connection: the connection string, the standard open sequence,
-// how a statement is run, and the standard failure path. Contains no operation.
+// The base of the manager classes that use a connection: it builds the connection string, opens the
+// connection in the standard order, runs statements and handles failures in the standard way. Contains no
+// operation itself.
 #pragma once
 
 #include <cstdint>
@@ -14,70 +15,77 @@
 
 namespace kv {
 
-/// Seconds for a statement and for connecting, unless an operation says otherwise.
+/// The time in seconds that a statement or connecting may take, unless an operation sets another.
 inline constexpr std::int32_t kTimeoutSeconds = 300;
 
 class DatabaseManager;
 
-/// A running operation and its one connection. A failure in one of its steps starts its failure path.
+/// A running operation of a manager and its one connection. Every member may throw a Failure or an exception
+/// of the database layer; RunOperation handles it.
 class Operation {
   public:
     explicit Operation(DatabaseManager& manager) : manager_(manager) {}
 
-    /// The standard open sequence. `seconds` is both time-outs.
+    /// Makes a connection and opens it for the database, in the standard order. `seconds` is the time-out of
+    /// connecting and of each statement.
     void OpenStandard(const std::string& strDatabase, std::int32_t seconds = kTimeoutSeconds);
 
-    // The steps of that sequence, for operations that need another order.
+    // The steps of OpenStandard, for operations that need another order.
 
-    /// A new connection with its results on the client's side.
+    /// Makes a closed connection with client-side results.
     void Create();
     void SetTimeouts(std::int32_t seconds);
+    /// Sets the connection string for the database on the manager's selected server.
     void SetDatabase(const std::string& strDatabase);
     void Open();
     void Close();
 
-    // Each collects the errors that the server reported, and returns null if there is no recordset.
+    // Each of these asks the server, adds its errors to the manager's errors and returns the first result.
+    // The operations check the recordset for null, although the database layer always returns one.
 
     std::unique_ptr<ado::Recordset> Execute(const std::string& statement,
                                             std::int32_t options = ado::adCmdText);
     std::unique_ptr<ado::Recordset> OpenSchema(std::int32_t schema);
-    /// Runs the command, whose connection is this operation's.
+    /// Runs the command, which must use this operation's connection.
     std::unique_ptr<ado::Recordset> Execute(ado::Command& command);
 
-    /// The connection, for a command. It exists after OpenStandard or Create.
+    /// Returns the connection, for a command. It exists after OpenStandard or Create.
     ado::Connection& Connection() { return *connection_; }
 
-    /// Raises a failure with the class as its source.
+    /// Raises a kProgramFailure whose source is the manager's class.
     [[noreturn]] void Fail(const std::string& description) const;
 
   private:
     friend class DatabaseManager;
 
-    void Collect();
-    /// Collects the errors, then closes and releases the connection, if there is one.
+    /// Adds the errors of the last call to the manager's errors.
+    void CollectErrors();
+    /// If there is a connection, collects its errors, closes it and releases it.
     void CleanUp();
 
     DatabaseManager& manager_;
     std::unique_ptr<ado::Connection> connection_;
 };
 
-/// The base of the four manager classes. Not used as a type of its own.
+/// The base of the four manager classes that use a connection. Not used as a type of its own.
 class DatabaseManager : public ManagerErrors, public ServerPairSettings {
   protected:
-    /// `class_name` is a literal: the source of raised failures and the beginning of every log line.
+    /// `class_name` is a literal; it is not copied. It is the source of raised failures and the beginning of
+    /// every log line.
     explicit DatabaseManager(const char* class_name);
     ~DatabaseManager() = default;
 
     using Steps = std::function<void(Operation&)>;
 
-    /// Runs the steps of an operation and closes its connection. If a step fails, runs the standard failure
-    /// path, which writes the class's name and `error_source` to the log. True if all steps succeeded. A
-    /// failure inside the failure path goes to the caller; the connection is then released without being
-    /// closed first.
+    /// Forgets earlier errors, runs the steps of an operation and closes its connection. Returns true if all
+    /// steps succeeded. If a step fails, it collects the errors, closes the connection, writes a log line
+    /// with the class's name and `error_source`, and returns false. A failure in that goes to the caller; the
+    /// connection is then released without being closed first.
     bool RunOperation(const std::string& error_source, const Steps& steps);
 
-    /// The connection string for the database on the selected server; empty if that server has no name or no
-    /// user. Nothing is escaped: a "#" in a value is replaced by the next value, and a ";" ends the value.
+    /// Returns the connection string for the database on the selected server; empty if that server has no
+    /// name or no user. Nothing is escaped: a "#" in a value is replaced by the next value, and a ";" ends
+    /// the value.
     std::string BuildConnectionString(const std::string& strDatabase) const;
 
   private:
@@ -86,7 +94,7 @@ class DatabaseManager : public ManagerErrors, public ServerPairSettings {
     const char* class_name_;
 };
 
-/// "::Operation('one')" and "::Operation('one', 'two')", as log lines name an operation.
+/// Return "::Operation('one')" and "::Operation('one', 'two')", as log lines name an operation.
 std::string ErrorSource(const char* operation, const std::string& argument);
 std::string ErrorSource(const char* operation, const std::string& first, const std::string& second);
 

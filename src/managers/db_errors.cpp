@@ -1,3 +1,4 @@
+// Collects errors and makes the text that shows them.
 #include "managers/db_errors.h"
 
 #include "platform/files.h"

@@ -1,5 +1,5 @@
-// The errors that the database reported to a manager: collected after each statement, shown in one message
-// box at the end of a command. Knows no connection and no window.
+// The errors that the database has reported to a manager. They are collected after each statement and shown
+// in one message box at the end of a command. Knows no connection and no window.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace kv {
 
-/// One collected error.
+/// One collected error; its fields are those of ado::Error.
 struct DbError {
     std::int32_t Number = 0;
     std::string Description;
@@ -28,7 +28,7 @@ class DbErrors {
   public:
     std::int32_t UpperBound() const { return static_cast<std::int32_t>(records_.size()) - 1; }
 
-    /// Raises run_time::kSubscriptOutOfRange outside 0 to UpperBound().
+    /// Raises run_time::kSubscriptOutOfRange unless `index` is from 0 to UpperBound().
     DbError& operator[](std::int32_t index);
     const DbError& operator[](std::int32_t index) const;
 
@@ -41,29 +41,29 @@ class DbErrors {
     std::vector<DbError> records_{1};
 };
 
-/// Drops every record.
+/// Removes every error.
 void ResetDbErrors(DbErrors& arrErrors);
 
-/// Appends the entries of `errors` whose number is not 0. The index of an entry is the upper bound before the
-/// call plus its position in `errors`, counted from 1 and including entries with number 0. The array grows
-/// for stored entries only, so an entry with number 0 before another one fails with
-/// run_time::kSubscriptOutOfRange.
+/// Appends the entries of `errors` whose number is not 0. The index of an entry in the array is the upper
+/// bound before the call plus the entry's position in `errors`, where entries with the number 0 count too.
+/// But the array grows for stored entries only. So if an entry with the number 0 comes before a stored one,
+/// the call raises run_time::kSubscriptOutOfRange.
 void CollectDbErrors(DbErrors& arrErrors, const ado::Errors& errors);
 
-/// The text that the operator sees; empty if there is nothing to show.
+/// Returns the text that the operator sees; empty if there are no errors.
 std::string FormatDbErrors(const DbErrors& arrErrors);
 
-/// The base of every manager class: its errors and the members that show them. A manager derives from it and
-/// fills db_errors_ with the routines above.
+/// The base of every manager class: its errors and the members that show them. A derived class fills
+/// db_errors_ with the functions above.
 class ManagerErrors {
   public:
-    /// Shows all errors in one message box, or nothing if there are no errors. The errors stay: a second call
-    /// shows them again.
+    /// Shows all errors in one message box; does nothing if there are no errors. The errors stay: a second
+    /// call shows them again.
     void ShowDbError() const;
-    /// The number of errors held.
+    /// Returns the number of errors.
     Int16 ErrorCount() const;
-    /// Always fails with run_time::kSubscriptOutOfRange: its bound test asks for a second dimension, which
-    /// the array does not have.
+    /// Always raises run_time::kSubscriptOutOfRange. That is laid down: the check of the index asks for the
+    /// bound of a second dimension, which the array does not have.
     DbError DbErrorAt(Int16 intIndex) const;
 
   protected:

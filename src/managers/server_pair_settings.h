@@ -1,5 +1,5 @@
-// The settings of the redundant pair of servers that every manager class carries. Validates nothing and reads
-// no settings by itself: the caller that makes a manager sets what its operations need.
+// The settings of the redundant pair of servers. Every manager class has them. They are not checked and not
+// read from anywhere: the caller that makes a manager sets those that the manager's operations need.
 #pragma once
 
 #include <string>
@@ -8,17 +8,18 @@ namespace kv {
 
 /// The settings of one server of the pair.
 struct ServerSettings {
-    std::string server; ///< the name as typed; it may name an instance
+    std::string server; ///< the name as typed, optionally with an instance: "host\instance"
     std::string user;
     std::string password;               ///< in clear text
     std::string sql_data_path;          ///< the folder for data and log files
     std::string sql_unc_repl_data_path; ///< the UNC path of the folder for replication data
 };
 
-/// Each setter of a path cuts one trailing "\".
+/// The settings of Server A and Server B. A function without an argument returns the setting, one with an
+/// argument sets it. Each setter of a path cuts one "\" at its end.
 class ServerPairSettings {
   public:
-    /// True: the object works on Server A. False: on Server B.
+    /// True if the manager works on Server A, false if it works on Server B.
     bool UseServerA() const { return use_server_a_; }
     void UseServerA(bool value) { use_server_a_ = value; }
 
@@ -51,7 +52,8 @@ class ServerPairSettings {
         b_.sql_unc_repl_data_path = WithoutTrailingBackslash(value);
     }
 
-    /// The settings of the server that UseServerA selects, and those of the other one.
+    // The settings of the server that UseServerA selects, and those of the other server.
+
     const ServerSettings& Selected() const { return use_server_a_ ? a_ : b_; }
     const ServerSettings& Other() const { return use_server_a_ ? b_ : a_; }
 

@@ -1,3 +1,4 @@
+// Keeps the position of the progress bar and passes it on to the window.
 #include "status/status_form.h"
 
 #include "platform/pending_events.h"
@@ -5,6 +6,7 @@
 namespace kv {
 namespace {
 
+/// Returns the window's layout; all numbers are in twips.
 const platform::StatusWindowLayout& Layout() {
     static const platform::StatusWindowLayout layout{
         "Installing / Upgrading Lotkeeper database", 5565, 870, {120, 120, 5295, 255}, {60, 420, 5415, 375}};

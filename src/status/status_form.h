@@ -9,19 +9,21 @@
 
 namespace kv {
 
+/// The window: a label and a progress bar. The destructor closes it.
 class frmStatus {
   public:
-    /// Loads the window without showing it.
+    /// Makes the window without showing it.
     frmStatus();
 
-    /// Non-modal.
+    /// Shows the window and returns; the window is not modal.
     void Show();
 
-    /// Sets the bar's Min, then its Max, then its Value.
+    /// Sets the ends of the bar and its position.
     void InitProgressBar(float sngMin, float sngMax, float sngValue);
-    /// Moves the bar; it stops at either end and never fails. The misspelt name is the product's.
+    /// Moves the bar by `intStep`, which may be negative. The bar stops at either end. The misspelt name is
+    /// laid down.
     void StepProgessBar(Int16 intStep);
-    /// Shows the text at once and runs pending events.
+    /// Shows the text in the label at once and runs pending events.
     void StatusText(const std::string& strText);
 
   private:

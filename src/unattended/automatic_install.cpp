@@ -1,3 +1,4 @@
+// The unattended installation.
 #include "unattended/automatic_runs.h"
 
 #include <memory>
@@ -10,19 +11,20 @@
 namespace kv {
 namespace {
 
-struct Flags {
-    bool db;
-    bool sp;
-    bool dts;
+/// The parts that are installed.
+struct Parts {
+    bool db;  ///< the database
+    bool sp;  ///< its stored procedures
+    bool dts; ///< the DTS packages
 };
 
-/// The number of steps that the sequence makes.
-float StepCount(const Flags& install) {
+/// Returns the number of steps by which RunSequence moves the progress bar.
+float StepCount(const Parts& install) {
     return 2.0F + (install.db ? 4.0F : 0.0F) + (install.sp ? 2.0F : 0.0F) + (install.dts ? 6.0F : 0.0F);
 }
 
-void RunSequence(const CSQLScriptMgr& scripts, frmStatus& status, const Flags& install) {
-    StepBar(status);
+void RunSequence(const CSQLScriptMgr& scripts, frmStatus& status, const Parts& install) {
+    AdvanceBar(status);
     status.StatusText("Modifying sql scripts...");
     if (install.db) {
         ModifyScript(scripts, status, kCreateBatchDatabase);
@@ -53,17 +55,17 @@ void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Serv
     std::unique_ptr<frmStatus> status;
     WithFailureHandler(
         [&] {
-            const Flags install{InstallDb, InstallSp, InstallDts};
+            const Parts install{InstallDb, InstallSp, InstallDts};
             status = std::make_unique<frmStatus>();
             status->InitProgressBar(0.0F, StepCount(install), 0.0F);
             status->StatusText("Initializing installation...");
             status->Show();
             platform::RunPendingEvents();
 
-            RequireCodePage(*status, "/server", Server);
-            RequireCodePage(*status, "/user", User);
-            RequireCodePage(*status, "/password", Password);
-            RequireCodePage(*status, "/sqldatapath", SQLDataPath);
+            RequireCodePageText(*status, "/server", Server);
+            RequireCodePageText(*status, "/user", User);
+            RequireCodePageText(*status, "/password", Password);
+            RequireCodePageText(*status, "/sqldatapath", SQLDataPath);
             CSQLScriptMgr scripts;
             scripts.UseServerA(true);
             scripts.ServerA(Server);
@@ -73,7 +75,7 @@ void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Serv
             scripts.ScriptFolder(ScriptFolder);
             RunSequence(scripts, *status, install);
         },
-        // The product logs the name of the upgrade routine here.
+        // The name of the upgrade routine is laid down for the installation's log line too.
         [](const Failure&) { WriteErrorLog("modMain::DoAutomaticUpgrade"); });
 }
 

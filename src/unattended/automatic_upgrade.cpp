@@ -1,3 +1,4 @@
+// The unattended upgrade.
 #include "unattended/automatic_runs.h"
 
 #include <memory>
@@ -22,13 +23,13 @@ namespace {
 
 constexpr char kBatchDb[] = "Batch";
 constexpr char kTemporaryDb[] = "TmpBatchUpgradeDb";
-/// The number of steps that the sequence makes.
+/// The number of steps by which the run moves the progress bar.
 constexpr float kStepCount = 17.0F;
 
 std::string LoginSetting(frmStatus& status, const char* value) {
     using namespace registry_locations;
     std::string text = GetLocalSetting(kHkeyLocalMachine, kLoginKey, value, kNoDefault);
-    RequireCodePage(status, std::string("The registry's ") + value, text);
+    RequireCodePageText(status, std::string("The registry's ") + value, text);
     return text;
 }
 
@@ -42,9 +43,9 @@ void ReadLogin(CUpgradeDbMgr& databases, frmStatus& status) {
 
 using Locks = std::vector<std::unique_ptr<platform::NamedLock>>;
 
-/// Makes sure that no other upgrade runs: the second of two would delete the temporary database of the first,
-/// the only copy of the old data. There is a lock for the server's name and, because a server can have
-/// several names, one for the program's folder.
+/// Returns locks that keep other upgrades from running; fails if one is running already. A second upgrade
+/// would delete the temporary database of the first, the only copy of the old data. There is a lock for the
+/// server's name and, because a server can have several names, one for the program's folder.
 Locks LockOutOtherUpgrades(const std::string& server, frmStatus& status) {
     std::vector<std::string> names = {"program " + platform::ExecutableFolder()};
     if (!server.empty()) {
@@ -54,14 +55,14 @@ Locks LockOutOtherUpgrades(const std::string& server, frmStatus& status) {
     for (const std::string& name : names) {
         auto lock = platform::TryLock("Lotkeeper upgrade: " + text::LowerCase(name));
         if (!lock) {
-            Refuse(status, "Another upgrade is running. Nothing was changed.");
+            ShowAndFail(status, "Another upgrade is running. Nothing was changed.");
         }
         locks.push_back(std::move(lock));
     }
     return locks;
 }
 
-/// The files of the new database go into the folder of the old data file.
+/// Sets the data path, in which the new database's files are made: the folder of the old data file.
 void FindDataPath(CUpgradeDbMgr& databases, frmStatus& status) {
     std::string strDataFileName;
     std::string strDataFilePath;
@@ -72,9 +73,9 @@ void FindDataPath(CUpgradeDbMgr& databases, frmStatus& status) {
         RaiseFailure(kProgramFailure, kUnattendedModule,
                      std::string("Database information could not be found for '") + kBatchDb + "'!");
     }
-    if (IsGuessed(strDataFilePath)) {
-        Refuse(status, "The path '" + strDataFilePath +
-                           "' has characters that code page 1252 lacks. Nothing was changed.");
+    if (HasLostCharacter(strDataFilePath)) {
+        ShowAndFail(status, "The path '" + strDataFilePath +
+                                "' has characters that code page 1252 lacks. Nothing was changed.");
     }
     databases.SQLDataPathA(FolderOnServer(strDataFilePath));
 }
@@ -90,17 +91,17 @@ void CopySettings(const CUpgradeDbMgr& databases, CSQLScriptMgr& scripts) {
 /// The results are ignored: at a first upgrade there is no temporary database to remove, and after a failed
 /// rename the create script is run on the existing database.
 void RenameOldDatabase(CUpgradeDbMgr& databases, frmStatus& status) {
-    StepBar(status);
+    AdvanceBar(status);
     status.StatusText("Deleting existing temporary database...");
     databases.RemoveDatabase(kTemporaryDb);
-    StepBar(status);
+    AdvanceBar(status);
     status.StatusText("Renaming existing database...");
     databases.RenameDatabase(kBatchDb, kTemporaryDb);
 }
 
 /// The stored procedures are run before the default data; an installation runs them after.
 void BuildNewDatabase(const CSQLScriptMgr& scripts, frmStatus& status) {
-    StepBar(status);
+    AdvanceBar(status);
     status.StatusText("Modifying sql scripts...");
     ModifyScript(scripts, status, kCreateBatchDatabase);
     ModifyScript(scripts, status, kInsertDefaultData);
@@ -138,7 +139,7 @@ void DoAutomaticUpgrade(const std::string& strScriptFolder) {
             status->StatusText(std::string("Upgrading database '") + kBatchDb + "' from '" + kTemporaryDb +
                                "'...");
             databases.UpgradeDatabase(kBatchDb, kTemporaryDb); // the result is ignored
-            StepBar(*status);
+            AdvanceBar(*status);
         },
         [](const Failure&) { WriteErrorLog("modMain::DoAutomaticUpgrade"); });
 }

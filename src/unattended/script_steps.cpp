@@ -1,3 +1,4 @@
+// The shared steps of the unattended runs.
 #include "unattended/script_steps.h"
 
 #include "base/failure.h"
@@ -5,18 +6,18 @@
 
 namespace kv {
 
-void StepBar(frmStatus& status) {
+void AdvanceBar(frmStatus& status) {
     status.StepProgessBar(Int16(1));
 }
 
-void Refuse(frmStatus& status, const std::string& text) {
+void ShowAndFail(frmStatus& status, const std::string& text) {
     status.StatusText(text);
     RaiseFailure(kProgramFailure, kUnattendedModule, text);
 }
 
-void RequireCodePage(frmStatus& status, const std::string& name, const std::string& value) {
+void RequireCodePageText(frmStatus& status, const std::string& name, const std::string& value) {
     if (text::HoldsEscape(value)) {
-        Refuse(status, name + " has characters that code page 1252 lacks. Nothing was changed.");
+        ShowAndFail(status, name + " has characters that code page 1252 lacks. Nothing was changed.");
     }
 }
 
@@ -25,20 +26,20 @@ void ModifyScript(const CSQLScriptMgr& scripts, frmStatus& status, const Unatten
         RaiseFailure(kProgramFailure, kUnattendedModule,
                      std::string("The script '") + script.name + "' could not be modified!");
     }
-    StepBar(status);
+    AdvanceBar(status);
 }
 
 void RequireQueryTool(const CSQLScriptMgr& scripts, frmStatus& status) {
     if (!scripts.IsOSQLAvailable()) {
         RaiseFailure(kProgramFailure, kUnattendedModule, "The query tool OSQL.EXE was not found!");
     }
-    StepBar(status);
+    AdvanceBar(status);
 }
 
 void RunScript(const CSQLScriptMgr& scripts, frmStatus& status, const UnattendedScript& script) {
-    status.StatusText(script.running);
+    status.StatusText(script.running_text);
     scripts.ExecuteSQLScript(script.script, "");
-    StepBar(status);
+    AdvanceBar(status);
 }
 
 void InstallPackages(const CSQLScriptMgr& scripts, frmStatus& status) {
@@ -47,7 +48,7 @@ void InstallPackages(const CSQLScriptMgr& scripts, frmStatus& status) {
         if (scripts.DTSPackageExist(package)) {
             scripts.InstallDTSPackage(package);
         }
-        StepBar(status);
+        AdvanceBar(status);
     }
 }
 

@@ -1,5 +1,5 @@
-// The steps that the unattended installation and the unattended upgrade share; each runs them in its own
-// order. Knows neither sequence.
+// The steps that the unattended installation and the unattended upgrade share. Each run calls them in its own
+// order. A step moves the progress bar when it is done; a step that fails raises a Failure.
 #pragma once
 
 #include <string>
@@ -9,14 +9,14 @@
 
 namespace kv {
 
-/// The source of the failures that both sequences raise.
+/// The source of the failures that both runs raise.
 inline constexpr char kUnattendedModule[] = "modMain";
 
-/// A script of an unattended run: its name in a failure, and the status window's text while it runs.
+/// A script of an unattended run.
 struct UnattendedScript {
     eSQLScript script;
-    const char* name;
-    const char* running;
+    const char* name;         ///< in the text of a failure
+    const char* running_text; ///< in the status window while the script runs
 };
 
 inline constexpr UnattendedScript kCreateBatchDatabase = {sqlCreateBatchDatabase, "Create Batch Database",
@@ -28,26 +28,26 @@ inline constexpr UnattendedScript kCreateStoredProcedures = {sqlCreateBatchStore
                                                              "Installing batch stored procedures..."};
 
 /// Moves the progress bar by one step.
-void StepBar(frmStatus& status);
+void AdvanceBar(frmStatus& status);
 
 /// Shows the text in the status window and raises it as a failure.
-[[noreturn]] void Refuse(frmStatus& status, const std::string& text);
+[[noreturn]] void ShowAndFail(frmStatus& status, const std::string& text);
 
-/// Refuses a value with characters that the code page lacks: the server would get a different value. `name`
-/// is the value's name in the message.
-void RequireCodePage(frmStatus& status, const std::string& name, const std::string& value);
+/// Fails if the value has characters that the code page lacks: the server would get a different value. `name`
+/// is the value's name in the text of the failure.
+void RequireCodePageText(frmStatus& status, const std::string& name, const std::string& value);
 
-/// Writes the modified script and moves the bar. Raises a failure if its template is missing.
+/// Makes the script from its template, with all tokens replaced. Fails if the template is missing.
 void ModifyScript(const CSQLScriptMgr& scripts, frmStatus& status, const UnattendedScript& script);
 
-/// Moves the bar, or raises a failure if there is no query tool.
+/// Fails if there is no query tool.
 void RequireQueryTool(const CSQLScriptMgr& scripts, frmStatus& status);
 
-/// Runs the modified script and moves the bar; the result is ignored.
+/// Runs the modified script with the query tool. The result is ignored.
 void RunScript(const CSQLScriptMgr& scripts, frmStatus& status, const UnattendedScript& script);
 
-/// Installs every package whose file exists. The bar moves once for each of the six, whether it exists or
-/// not; the results are ignored.
+/// Installs every package whose file exists. The bar moves once for each of the six packages, whether its
+/// file exists or not. The results are ignored.
 void InstallPackages(const CSQLScriptMgr& scripts, frmStatus& status);
 
 } // namespace kv

@@ -31,13 +31,13 @@ TEST(ServerPath, ANewPathHasTheSeparatorOfTheReportedPath) {
     EXPECT_EQ(ServerPath("D:", "x.mdf", "Batch.mdf"), R"(D:\x.mdf)");
 }
 
-TEST(ServerPath, APathWithAQuestionMarkIsGuessedUnlessThereIsSuchAFile) {
+TEST(ServerPath, APathWithAQuestionMarkHasLostACharacterUnlessThereIsSuchAFile) {
     fakes::FakeFiles files;
     files.AddFolder("/data");
     files.AddFile("/data/really?.mdf", "");
-    EXPECT_TRUE(IsGuessed("/home/?ukasz/Batch.mdf"));
-    EXPECT_FALSE(IsGuessed("/data/really?.mdf"));
-    EXPECT_FALSE(IsGuessed("/nowhere/Batch.mdf"));
+    EXPECT_TRUE(HasLostCharacter("/home/?ukasz/Batch.mdf"));
+    EXPECT_FALSE(HasLostCharacter("/data/really?.mdf"));
+    EXPECT_FALSE(HasLostCharacter("/nowhere/Batch.mdf"));
 }
 
 } // namespace
