@@ -17,6 +17,7 @@ namespace {
 
 using namespace querytool;
 
+/// Makes the output file before anything else is done, so that it has every error.
 std::unique_ptr<Output> OpenOutput(const Switches& switches) {
     if (switches.output_file.empty()) {
         return std::make_unique<StandardOutput>();
@@ -24,8 +25,8 @@ std::unique_ptr<Output> OpenOutput(const Switches& switches) {
     return std::make_unique<FileOutput>(switches.output_file);
 }
 
-/// Called if the command line has no password. Takes it from the environment or asks for it; returns an empty
-/// password if there is no terminal to ask at.
+/// Returns the password if the command line has none: takes it from the environment or asks for it. Returns
+/// an empty password if the standard input is not a terminal.
 std::string FindPassword() {
     if (const char* const password = std::getenv("OSQLPASSWORD")) {
         return platform::FromSystemText(password);

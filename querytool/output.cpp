@@ -1,3 +1,4 @@
+// Writes to the standard channels or, in large pieces, to a file.
 #include "querytool/output.h"
 
 #include <iostream>
@@ -7,7 +8,7 @@
 namespace querytool {
 namespace {
 
-/// The file is appended to when this much text is pending.
+/// Pending text of this size is written to the file.
 constexpr std::size_t kPendingBytes = 256 * 1024;
 
 } // namespace

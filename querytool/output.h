@@ -1,5 +1,4 @@
-// Where the tool writes: the standard output and error, or a file. The file is made before anything else is
-// done, so that every error is in it.
+// The output of the tool: the standard channels, or a file. Text is in code page 1252.
 #pragma once
 
 #include <string>
@@ -7,17 +6,19 @@
 
 namespace querytool {
 
+/// Receives the tool's text. Lines end in "\n".
 class Output {
   public:
     virtual ~Output() = default;
-    /// Lines end in "\n".
+    /// Writes results, messages and errors.
     virtual void Write(std::string_view text) = 0;
-    /// Writes errors and messages that -r sends to the error channel.
+    /// Writes the errors and messages that the switch -r sends to the standard error channel.
     virtual void WriteError(std::string_view text) = 0;
-    /// Passes on everything that was written so far.
+    /// Writes text that is still in a buffer.
     virtual void Flush() = 0;
 };
 
+/// The standard output and error channels.
 class StandardOutput : public Output {
   public:
     void Write(std::string_view text) override;
@@ -25,10 +26,12 @@ class StandardOutput : public Output {
     void Flush() override;
 };
 
-/// A file of 8-bit text whose lines end in CR LF.
+/// A file of 8-bit text whose lines end in CR LF. WriteError still writes to the standard error channel.
+/// Every failure is a platform::FileError. Text that has not been flushed is lost when the object is
+/// destroyed.
 class FileOutput : public Output {
   public:
-    /// Makes or empties the file. Throws platform::FileError, as the other members do.
+    /// Makes or empties the file.
     explicit FileOutput(std::string path);
     void Write(std::string_view text) override;
     void WriteError(std::string_view text) override;
@@ -36,7 +39,7 @@ class FileOutput : public Output {
 
   private:
     std::string path_;
-    std::string pending_;
+    std::string pending_; ///< text that is not in the file yet
 };
 
 } // namespace querytool

@@ -1,3 +1,4 @@
+// The layout of results and messages.
 #include "querytool/result_printer.h"
 
 #include <algorithm>
@@ -16,14 +17,14 @@ using odbc::SqlType;
 using odbc::Timestamp;
 
 constexpr std::string_view kNull = "NULL";
-/// The width of a long column; a longer value is printed in full all the same.
+/// The width of a long column in characters. A longer value is printed in full.
 constexpr std::size_t kLongWidth = 256;
-/// Errors begin at this level. An error without a level counts as one of level 16.
+/// Errors have this level (severity) or a higher one. An error without a level counts as one of level 16.
 constexpr int kFirstErrorLevel = 11;
 constexpr int kCommonErrorLevel = 16;
-/// "Changed database context" and "Changed language setting" are not printed.
+/// The numbers of messages that are not printed: "Changed database context" and "Changed language setting".
 constexpr std::array kNotPrinted = {5701, 5703};
-/// A message with this state ends the tool, so that a script can end it by RAISERROR(..., 127).
+/// A message with this state ends the tool. So a script can end it by RAISERROR(..., 127).
 constexpr std::int32_t kEndingState = 127;
 
 bool IsNumber(SqlType type) {
@@ -40,7 +41,8 @@ std::string Format(const char* format, Arguments... arguments) {
     return {text.data(), static_cast<std::size_t>(std::max(length, 0))};
 }
 
-/// The fraction has as many digits as the column: datetime has three, smalldatetime no fraction.
+/// Returns the date and time. The fraction has as many digits as the column: datetime has three,
+/// smalldatetime none.
 std::string Text(const Column& column, const Timestamp& value) {
     std::string text =
         Format("%04d-%02u-%02u %02u:%02u:%02u", value.year, unsigned{value.month}, unsigned{value.day},
@@ -52,13 +54,13 @@ std::string Text(const Column& column, const Timestamp& value) {
     return text;
 }
 
-/// Makes a value's text.
+/// Converts a value to text.
 struct ToText {
     const Column& column;
     std::string operator()(std::monostate) const { return std::string(kNull); }
     std::string operator()(bool value) const { return value ? "1" : "0"; }
     std::string operator()(std::int64_t value) const { return std::to_string(value); }
-    // All digits of the type, as the system's own driver gives them: 0.1 is 0.10000000000000001.
+    // Prints all digits of the type, as the driver of Windows does: 0.1 is 0.10000000000000001.
     std::string operator()(double value) const {
         return Format(column.type == SqlType::Real ? "%.8g" : "%.17g", value);
     }
@@ -68,6 +70,7 @@ struct ToText {
     std::string operator()(const Guid& value) const { return TextOf(value); }
 };
 
+/// Returns the column's width in characters.
 std::size_t WidthOf(const Column& column) {
     std::size_t width = column.IsLong() || column.display_size == 0 ? kLongWidth : column.display_size;
     if (column.type == SqlType::Binary || column.type == SqlType::VarBinary) {
@@ -85,6 +88,7 @@ class LineBuilder {
   public:
     LineBuilder(std::size_t limit, std::string_view separator) : limit_(limit), separator_(separator) {}
 
+    /// Adds a padded cell.
     void Add(std::string_view cell) {
         if (used_ > 1 && used_ + separator_.size() + cell.size() > limit_) {
             Break();
@@ -105,6 +109,7 @@ class LineBuilder {
         Put(cell);
     }
 
+    /// Returns the lines. The object must not be used afterwards.
     std::string Finish() {
         text_ += " \n";
         return std::move(text_);
@@ -123,15 +128,16 @@ class LineBuilder {
     std::size_t limit_;
     std::string_view separator_;
     std::string text_ = " ";
-    std::size_t used_ = 1;
-    std::size_t cells_ = 0;
+    std::size_t used_ = 1;  ///< the number of characters in the current line
+    std::size_t cells_ = 0; ///< the number of cells so far
 };
 
 int LevelOf(const Diagnostic& diagnostic) {
     return diagnostic.severity.value_or(diagnostic.error ? kCommonErrorLevel : 0);
 }
 
-/// "Msg 208, Level 16, State 1, Server X, Procedure p, Line 1", as far as the driver provides the fields.
+/// Returns "Msg 208, Level 16, State 1, Server X, Procedure p, Line 1", with the fields that the driver
+/// provides.
 std::string HeadOf(const Diagnostic& diagnostic) {
     std::string head = "Msg " + std::to_string(diagnostic.native_error);
     const auto number = [&head](const char* name, const std::optional<std::int32_t>& value) {
@@ -244,7 +250,7 @@ void ResultPrinter::Message(const Diagnostic& diagnostic) {
         (switches_.error_level && level < *switches_.error_level)) {
         return;
     }
-    // PRINT has no number, and messages of the driver itself have no line.
+    // A message of PRINT has no number; a message of the driver itself has neither severity nor line.
     const bool from_batch = diagnostic.native_error != 0 && (diagnostic.severity || diagnostic.line);
     const bool numbered = from_batch && (error || switches_.error_level);
     std::string text = numbered ? HeadOf(diagnostic) : std::string();

@@ -1,4 +1,4 @@
-// Prints results and messages. Knows neither servers nor files.
+// Prints results and messages as OSQL does. Knows neither servers nor files.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,11 @@
 
 namespace querytool {
 
-/// The text of a value in its column, without padding; "NULL" for NULL.
+/// Returns the text of a value of the column, without padding; "NULL" for NULL.
 std::string CellText(const Column& column, const Value& value);
 
-/// Prints the results and messages of a batch, and keeps the values that the exit code depends on. Prints
-/// nothing after a message that ends the tool.
+/// Prints the results and messages of batches, and keeps the values on which the exit code depends. Prints
+/// nothing after a message that ends the tool (state 127).
 class ResultPrinter : public ResultSink {
   public:
     /// Both must outlive the printer.
@@ -28,19 +28,21 @@ class ResultPrinter : public ResultSink {
     void Message(const Diagnostic& diagnostic) override;
 
     bool Ended() const override { return ending_number_.has_value(); }
-    /// The number of the message that ended the tool.
+    /// Returns the number of the message that ended the tool, which is the exit code; nothing if there was no
+    /// such message.
     std::optional<std::int32_t> EndingNumber() const { return ending_number_; }
 
     /// True if there was an error since the last call of ForgetErrors.
     bool ErrorSeen() const { return error_seen_; }
     void ForgetErrors() { error_seen_ = false; }
-    /// The first value of the last result, as text; empty if it had no row.
+    /// Returns the first value of the last result, as text; empty if the result had no row.
     const std::string& FirstValue() const { return first_value_; }
 
   private:
+    /// The form of a column on paper.
     struct Field {
-        std::size_t width = 0;
-        bool right = false; ///< numbers are aligned right
+        std::size_t width = 0; ///< in characters
+        bool right = false;    ///< aligned right, as numbers are
     };
 
     void WriteHeading();
@@ -50,7 +52,7 @@ class ResultPrinter : public ResultSink {
     Output& output_;
     std::vector<Column> columns_;
     std::vector<Field> fields_;
-    std::int64_t rows_ = 0;
+    std::int64_t rows_ = 0; ///< the number of printed rows of the current result
     std::string first_value_;
     bool error_seen_ = false;
     std::optional<std::int32_t> ending_number_;

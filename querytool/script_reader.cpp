@@ -1,3 +1,4 @@
+// Splits the input into lines and recognises the commands of the tool.
 #include "querytool/script_reader.h"
 
 #include <algorithm>
@@ -12,7 +13,8 @@
 namespace querytool {
 namespace {
 
-/// A byte that is not UTF-8 becomes "?", as a character that the code page lacks does.
+/// Converts UTF-8 to the code page. A byte that is not valid UTF-8 becomes "?", and so does a character that
+/// the code page lacks.
 std::string FromUtf8(std::string_view bytes) {
     std::string text;
     while (!bytes.empty()) {
@@ -44,7 +46,7 @@ struct WordRow {
     LineKind kind;
 };
 
-/// Commands that are the whole line.
+/// Commands without arguments, which are the whole line.
 constexpr std::array kWords = {
     WordRow{"RESET", LineKind::Reset},
     WordRow{"QUIT", LineKind::Quit},
@@ -52,10 +54,10 @@ constexpr std::array kWords = {
     WordRow{"ED", LineKind::Refused},
 };
 
-/// Commands with arguments that are not supported.
+/// The beginnings of commands with arguments that are not supported.
 constexpr std::array<std::string_view, 2> kRefusedPrefixes = {":r", "!!"};
 
-/// GO, or GO and a number.
+/// Reads GO, or GO and a number. Returns nothing for any other line.
 std::optional<LineMeaning> AsTerminator(std::string_view line, std::string_view terminator) {
     if (!BeginsWithWord(line, terminator)) {
         return std::nullopt;
@@ -68,11 +70,11 @@ std::optional<LineMeaning> AsTerminator(std::string_view line, std::string_view 
     LineMeaning meaning{LineKind::Run, 1, {}};
     const char* const end = number.data() + number.size();
     const auto [stop, error] = std::from_chars(number.data(), end, meaning.count);
-    const bool parted = kBlanks.find(rest.front()) != std::string_view::npos;
-    return parted && error == std::errc() && stop == end ? std::optional(meaning) : std::nullopt;
+    const bool blank_before = kBlanks.find(rest.front()) != std::string_view::npos;
+    return blank_before && error == std::errc() && stop == end ? std::optional(meaning) : std::nullopt;
 }
 
-/// EXIT(query), with or without a query.
+/// Reads EXIT(query) or EXIT(). Returns nothing for any other line.
 std::optional<LineMeaning> AsExitRun(std::string_view line) {
     constexpr std::string_view kExit = "EXIT";
     if (!BeginsWithWord(line, kExit)) {
@@ -120,8 +122,8 @@ std::optional<std::string_view> TextLines::Next() {
     const std::size_t length = end + (both ? 2 : 1);
     at_ += length;
     if (carriage_return && !both) {
-        mended_.assign(rest.substr(0, length)).push_back('\n');
-        return mended_;
+        line_with_crlf_.assign(rest.substr(0, length)).push_back('\n');
+        return line_with_crlf_;
     }
     return rest.substr(0, length);
 }
@@ -135,7 +137,7 @@ std::optional<std::string_view> StreamLines::Next() {
     return line_;
 }
 
-void BatchLexer::Take(std::string_view line) {
+void BatchLexer::Advance(std::string_view line) {
     for (std::size_t at = 0; at < line.size();) {
         Step(line, at);
     }
@@ -177,7 +179,8 @@ void BatchLexer::Step(std::string_view line, std::size_t& at) {
             state_ = quote.state;
             break;
         }
-        // A doubled quote inside a text ends the text and begins a new one, which has the same effect.
+        // A doubled quote is read as the end of one string and the beginning of the next. The result is the
+        // same.
         if (state_ == quote.state && rest.front() == quote.closes) {
             state_ = State::Plain;
             break;
@@ -186,7 +189,7 @@ void BatchLexer::Step(std::string_view line, std::size_t& at) {
     ++at;
 }
 
-LineMeaning MeaningOf(std::string_view line, std::string_view terminator) {
+LineMeaning ClassifyLine(std::string_view line, std::string_view terminator) {
     const std::string_view text = Trim(line);
     if (const auto run = AsTerminator(text, terminator)) {
         return *run;

@@ -1,5 +1,5 @@
-// Reads lines of input and finds what each of them is: a part of the batch, its end, or a command. Knows
-// nothing of servers.
+// Reads the input line by line, and finds out whether a line belongs to the batch, ends it, or is a command
+// of the tool. Knows nothing of servers.
 #pragma once
 
 #include <cstdint>
@@ -10,21 +10,21 @@
 
 namespace querytool {
 
-/// The content of a script as 8-bit text, code page 1252. A file that begins with the mark of UTF-8 or UTF-16
-/// is converted: a character that the code page lacks, and a byte that is not UTF-8, becomes "?". All other
-/// files stay as they are, byte for byte.
+/// Converts the content of a script file to code page 1252 if it begins with the byte order mark of UTF-8 or
+/// UTF-16. A character that the code page lacks, and a byte that is not valid UTF-8, becomes "?". The content
+/// of all other files is returned unchanged.
 std::string ToCodePage(std::string content);
 
-/// Where lines come from.
+/// Provides the lines of the input. NUL bytes in them are replaced by blanks.
 class LineSource {
   public:
     virtual ~LineSource() = default;
-    /// The next line with its line end, valid until the next call; nothing at the end of the input.
+    /// Returns the next line with its line end, valid until the next call; nothing at the end of the input.
     virtual std::optional<std::string_view> Next() = 0;
 };
 
-/// The lines of a text. CR LF, LF and CR alone all end a line. A CR alone becomes CR LF: the server does not
-/// accept it as a line end, and a comment would continue to the end of the batch.
+/// Provides the lines of a text. CR LF, LF and a single CR end a line. A single CR becomes CR LF: the server
+/// does not accept it as a line end, so a comment would continue to the end of the batch.
 class TextLines : public LineSource {
   public:
     explicit TextLines(std::string text);
@@ -32,13 +32,14 @@ class TextLines : public LineSource {
 
   private:
     std::string text_;
-    std::size_t at_ = 0;
-    std::string mended_;
+    std::size_t at_ = 0;         ///< the position of the next line
+    std::string line_with_crlf_; ///< the last line if its CR became CR LF
 };
 
-/// The lines of a stream, each read when it is needed. NUL bytes become blanks, as in TextLines.
+/// Provides the lines of a stream, each read when it is needed. LF ends a line.
 class StreamLines : public LineSource {
   public:
+    /// The stream must outlive this object.
     explicit StreamLines(std::istream& stream) : stream_(stream) {}
     std::optional<std::string_view> Next() override;
 
@@ -47,43 +48,47 @@ class StreamLines : public LineSource {
     std::string line_;
 };
 
+/// The kinds of lines.
 enum class LineKind : std::uint8_t {
-    Text,    ///< belongs to the batch
-    Run,     ///< GO: run the batch `count` times
-    Reset,   ///< drop the batch
-    Quit,    ///< end without running the batch
-    ExitRun, ///< EXIT(query): add the query, run, and end with its first value as exit code
-    Refused, ///< a command of the tool that is not supported
+    Text,    ///< a part of the batch
+    Run,     ///< GO: runs the batch
+    Reset,   ///< RESET: drops the batch
+    Quit,    ///< QUIT or EXIT: ends the tool without running the batch
+    ExitRun, ///< EXIT(query): adds the query to the batch, runs it and ends the tool with its first value as
+             ///< exit code
+    Refused, ///< a command of OSQL that is not supported
 };
 
+/// The kind of a line and the command's arguments.
 struct LineMeaning {
     LineKind kind = LineKind::Text;
-    unsigned count = 1;
-    std::string_view text; ///< the query of EXIT(...), or the name of a refused command
+    unsigned count = 1;    ///< of GO: how many times the batch is run
+    std::string_view text; ///< the query of EXIT(query), or the name of a refused command
 };
 
 /// Follows the strings, quoted names and comments of a batch. A line inside one of them is not a command: a
 /// GO in a string or in a comment belongs to the batch.
 class BatchLexer {
   public:
-    /// True if the next line begins outside all of them.
-    bool AtCommands() const { return state_ == State::Plain; }
-    /// Moves past a line of the batch, which is given with its line end.
-    void Take(std::string_view line);
+    /// True if the next line begins outside all of them, so that it can be a command.
+    bool NextMayBeCommand() const { return state_ == State::Plain; }
+    /// Reads a line of the batch, which must have its line end.
+    void Advance(std::string_view line);
     /// Begins a new batch. A string or comment that the last batch left open does not continue in it.
     void Reset() { *this = BatchLexer(); }
 
   private:
     enum class State : std::uint8_t { Plain, String, DoubleQuoted, Bracketed, Comment };
 
-    /// Handles the character or characters at `at`, and moves `at` past them.
+    /// Reads the character, or the two characters that belong together, at `at`, and moves `at` past them.
     void Step(std::string_view line, std::size_t& at);
 
     State state_ = State::Plain;
-    unsigned comment_depth_ = 0; ///< comments can be nested
+    unsigned comment_depth_ = 0; ///< the number of open comments, which can be nested
 };
 
-/// `terminator` is the word that ends a batch. Blanks around commands are ignored.
-LineMeaning MeaningOf(std::string_view line, std::string_view terminator);
+/// Finds the kind of a line that begins outside strings and comments. `terminator` is the word that ends a
+/// batch, usually GO. Blanks around commands and letter case are ignored. The result may refer to `line`.
+LineMeaning ClassifyLine(std::string_view line, std::string_view terminator);
 
 } // namespace querytool

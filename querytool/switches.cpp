@@ -1,3 +1,4 @@
+// The table of switches, from which the parser and the help text are made.
 #include "querytool/switches.h"
 
 #include <algorithm>
@@ -9,25 +10,25 @@
 namespace querytool {
 namespace {
 
-/// How a switch takes its value from the next argument.
-enum class Takes : std::uint8_t {
-    Nothing,
-    Optional,   ///< the next argument, unless it begins with "-"; it may have no value
-    Text,       ///< the next argument, unless it begins with "-"
-    TextOrNone, ///< the same; without such an argument the value is empty
-    Anything,   ///< the next argument, whatever it begins with
-    Refused,
+/// Says which argument after a switch is its value, if no value is attached to the switch.
+enum class ValueRule : std::uint8_t {
+    None,         ///< the switch has no value
+    Text,         ///< the next argument, which must not begin with "-"
+    OptionalText, ///< the same; without such an argument the value is empty
+    Anything,     ///< the next argument, whatever it begins with
+    Refused,      ///< the switch is not supported
 };
 
-/// Applies the value. Returns what is wrong with it; empty if it is right.
-using Apply = std::string (*)(Switches&, const std::string&);
+/// Stores the value of a switch. Returns the text of an error; empty if the value is valid.
+using Setter = std::string (*)(Switches&, const std::string&);
 
+/// One switch.
 struct Row {
     char letter;
-    Takes takes;
-    Apply apply;
-    const char* value; ///< as the help names it
-    const char* about; ///< for a refused switch: why
+    ValueRule rule;
+    Setter set;
+    const char* value_name;  ///< the value's name in the help
+    const char* description; ///< the line in the help; for a refused switch the reason
 };
 
 template <std::string Switches::*Member>
@@ -48,7 +49,7 @@ std::string Set(Switches& switches, const std::string&) {
     return {};
 }
 
-/// Reads a whole number within limits; false if the value is not such a number.
+/// Reads a whole number from `low` to `high`. Returns false if the value is not such a number.
 bool ReadNumber(const std::string& value, int low, int high, int& number) {
     const char* const end = value.data() + value.size();
     const auto [stop, error] = std::from_chars(value.data(), end, number);
@@ -116,40 +117,43 @@ std::string SetErrorChannel(Switches& switches, const std::string& value) {
 }
 
 constexpr std::array kRows = {
-    Row{'S', Takes::Text, Set<&Switches::server>, "server", "the server: name, name\\instance or name,port"},
-    Row{'U', Takes::Text, Set<&Switches::user>, "login", "the login"},
-    Row{'P', Takes::TextOrNone, Set<&Switches::password>, "password",
+    Row{'S', ValueRule::Text, Set<&Switches::server>, "server",
+        "the server: name, name\\instance or name,port"},
+    Row{'U', ValueRule::Text, Set<&Switches::user>, "login", "the login"},
+    Row{'P', ValueRule::OptionalText, Set<&Switches::password>, "password",
         "its password; without a value, or with a switch after it: empty"},
-    Row{'d', Takes::Text, Set<&Switches::database>, "database", "the database to begin in"},
-    Row{'H', Takes::Text, Set<&Switches::workstation>, "name", "the name of this computer for the server"},
-    Row{'i', Takes::Text, Set<&Switches::input_file>, "file", "run the batches of this file"},
-    Row{'o', Takes::Text, Set<&Switches::output_file>, "file", "write the output to this file"},
-    Row{'q', Takes::Anything, SetQuery<false>, "query", "run this query, then go on at the prompt"},
-    Row{'Q', Takes::Anything, SetQuery<true>, "query", "run this query and exit"},
-    Row{'c', Takes::Anything, SetTerminator, "word", "the line that ends a batch, in place of GO"},
-    Row{'n', Takes::Nothing, Set<&Switches::no_prompts>, "", "no line numbers and prompts"},
-    Row{'e', Takes::Nothing, Set<&Switches::echo>, "", "write the input lines to the output"},
-    Row{'h', Takes::Anything, SetHeaderRows, "rows", "rows between column headings; -1: no headings"},
-    Row{'s', Takes::Anything, SetSeparator, "char", "the character between the columns"},
-    Row{'w', Takes::Anything, SetNumber<&Switches::width, 9, 32767>, "chars", "width of an output line"},
-    Row{'m', Takes::Anything, SetErrorLevel, "level",
+    Row{'d', ValueRule::Text, Set<&Switches::database>, "database", "the database to begin in"},
+    Row{'H', ValueRule::Text, Set<&Switches::workstation>, "name",
+        "the name of this computer for the server"},
+    Row{'i', ValueRule::Text, Set<&Switches::input_file>, "file", "run the batches of this file"},
+    Row{'o', ValueRule::Text, Set<&Switches::output_file>, "file", "write the output to this file"},
+    Row{'q', ValueRule::Anything, SetQuery<false>, "query", "run this query, then go on at the prompt"},
+    Row{'Q', ValueRule::Anything, SetQuery<true>, "query", "run this query and exit"},
+    Row{'c', ValueRule::Anything, SetTerminator, "word", "the line that ends a batch, in place of GO"},
+    Row{'n', ValueRule::None, Set<&Switches::no_prompts>, "", "no line numbers and prompts"},
+    Row{'e', ValueRule::None, Set<&Switches::echo>, "", "write the input lines to the output"},
+    Row{'h', ValueRule::Anything, SetHeaderRows, "rows", "rows between column headings; -1: no headings"},
+    Row{'s', ValueRule::Anything, SetSeparator, "char", "the character between the columns"},
+    Row{'w', ValueRule::Anything, SetNumber<&Switches::width, 9, 32767>, "chars", "width of an output line"},
+    Row{'m', ValueRule::Anything, SetErrorLevel, "level",
         "show messages from this level on, with their numbers; -1: all"},
-    Row{'b', Takes::Nothing, Set<&Switches::stop_on_error>, "", "stop at the first error, with exit code 1"},
-    Row{'r', Takes::Optional, SetErrorChannel, "0|1", "errors (1: messages too) to the error channel"},
-    Row{'t', Takes::Anything, SetNumber<&Switches::query_timeout, 0, 65534>, "seconds",
+    Row{'b', ValueRule::None, Set<&Switches::stop_on_error>, "", "stop at the first error, with exit code 1"},
+    Row{'r', ValueRule::OptionalText, SetErrorChannel, "0|1",
+        "errors (1: messages too) to the error channel"},
+    Row{'t', ValueRule::Anything, SetNumber<&Switches::query_timeout, 0, 65534>, "seconds",
         "time that a batch may take"},
-    Row{'l', Takes::Anything, SetNumber<&Switches::login_timeout, 0, 65534>, "seconds",
+    Row{'l', ValueRule::Anything, SetNumber<&Switches::login_timeout, 0, 65534>, "seconds",
         "time that the login may take"},
-    Row{'a', Takes::Anything, SetNumber<&Switches::packet_size, 512, 32767>, "bytes", "size of a packet"},
-    Row{'I', Takes::Nothing, Set<&Switches::quoted_identifiers>, "", "double quotes enclose identifiers"},
-    Row{'?', Takes::Nothing, Set<&Switches::help>, "", "this text"},
-    Row{'E', Takes::Refused, nullptr, "", "trusted connections are not supported; use -U and -P"},
-    Row{'L', Takes::Refused, nullptr, "", "listing the servers of the network is not supported"},
-    Row{'D', Takes::Refused, nullptr, "name", "data sources are not supported; use -S"},
-    Row{'p', Takes::Refused, nullptr, "", "performance figures are not supported"},
-    Row{'O', Takes::Refused, nullptr, "", "the behaviour of the older tool is not supported"},
-    Row{'R', Takes::Refused, nullptr, "", "the client's regional settings are not supported"},
-    Row{'u', Takes::Refused, nullptr, "", "Unicode output is not supported; it is 8-bit text"},
+    Row{'a', ValueRule::Anything, SetNumber<&Switches::packet_size, 512, 32767>, "bytes", "size of a packet"},
+    Row{'I', ValueRule::None, Set<&Switches::quoted_identifiers>, "", "double quotes enclose identifiers"},
+    Row{'?', ValueRule::None, Set<&Switches::help>, "", "this text"},
+    Row{'E', ValueRule::Refused, nullptr, "", "trusted connections are not supported; use -U and -P"},
+    Row{'L', ValueRule::Refused, nullptr, "", "listing the servers of the network is not supported"},
+    Row{'D', ValueRule::Refused, nullptr, "name", "data sources are not supported; use -S"},
+    Row{'p', ValueRule::Refused, nullptr, "", "performance figures are not supported"},
+    Row{'O', ValueRule::Refused, nullptr, "", "the behaviour of the older tool is not supported"},
+    Row{'R', ValueRule::Refused, nullptr, "", "the client's regional settings are not supported"},
+    Row{'u', ValueRule::Refused, nullptr, "", "Unicode output is not supported; it is 8-bit text"},
 };
 
 bool LooksLikeSwitch(const std::string& argument) {
@@ -161,7 +165,7 @@ const Row* FindRow(char letter) {
     return row != kRows.end() ? row : nullptr;
 }
 
-/// Walks through the arguments.
+/// Reads the arguments one after the other.
 class Parser {
   public:
     explicit Parser(const std::vector<std::string>& arguments) : arguments_(arguments) {}
@@ -171,7 +175,7 @@ class Parser {
             TakeArgument(arguments_[at_]);
         }
         if (!parsed_.switches.input_file.empty() && parsed_.switches.query) {
-            Complain("The switch -i can't be used with -q or -Q.");
+            ReportError("The switch -i can't be used with -q or -Q.");
         }
         return std::move(parsed_);
     }
@@ -179,43 +183,44 @@ class Parser {
   private:
     void TakeArgument(const std::string& argument) {
         if (argument.size() < 2 || !LooksLikeSwitch(argument)) {
-            return Complain("'" + argument + "' is not a switch. -? lists them.");
+            return ReportError("'" + argument + "' is not a switch. -? lists them.");
         }
         const Row* const row = FindRow(argument[1]);
         if (row == nullptr) {
-            return Complain("The switch -" + argument.substr(1) + " is not known. -? lists the switches.");
+            return ReportError("The switch -" + argument.substr(1) + " is not known. -? lists the switches.");
         }
         const std::string name = std::string("-") + row->letter;
-        if (row->takes == Takes::Refused) {
-            return Complain("The switch " + name + " is refused: " + row->about + ".");
+        if (row->rule == ValueRule::Refused) {
+            return ReportError("The switch " + name + " is refused: " + row->description + ".");
         }
         std::string value = argument.substr(2);
-        if (row->takes == Takes::Nothing && !value.empty()) {
-            return Complain("The switch " + argument + " is not known: " + name + " takes no value.");
+        if (row->rule == ValueRule::None && !value.empty()) {
+            return ReportError("The switch " + argument + " is not known: " + name + " takes no value.");
         }
-        if (value.empty() && !NextValue(row->takes, value)) {
-            return Complain("The switch " + name + " needs a value (" + row->value + ").");
+        if (value.empty() && !TakeNextAsValue(row->rule, value)) {
+            return ReportError("The switch " + name + " needs a value (" + row->value_name + ").");
         }
-        if (const std::string wrong = row->apply(parsed_.switches, value); !wrong.empty()) {
-            Complain("The switch " + name + ": " + wrong + ".");
+        if (const std::string error = row->set(parsed_.switches, value); !error.empty()) {
+            ReportError("The switch " + name + ": " + error + ".");
         }
     }
 
-    /// Takes the next argument as the value if the switch may have it; false if a value is missing.
-    bool NextValue(Takes takes, std::string& value) {
-        if (takes == Takes::Nothing) {
+    /// Takes the next argument as the value if the rule allows it. Returns false if the switch needs a value
+    /// and has none.
+    bool TakeNextAsValue(ValueRule rule, std::string& value) {
+        if (rule == ValueRule::None) {
             return true;
         }
-        const bool there = at_ + 1 < arguments_.size() &&
-                           (takes == Takes::Anything || !LooksLikeSwitch(arguments_[at_ + 1]));
-        if (there) {
+        const bool found = at_ + 1 < arguments_.size() &&
+                           (rule == ValueRule::Anything || !LooksLikeSwitch(arguments_[at_ + 1]));
+        if (found) {
             value = arguments_[++at_];
         }
-        return there || takes == Takes::TextOrNone || takes == Takes::Optional;
+        return found || rule == ValueRule::OptionalText;
     }
 
-    /// Only the first error is reported.
-    void Complain(std::string text) {
+    /// Keeps the text if it is the first error.
+    void ReportError(std::string text) {
         if (!parsed_.error) {
             parsed_.error = std::move(text);
         }
@@ -236,12 +241,12 @@ std::string HelpText() {
     std::string text = "OSQL, query tool of the Lotkeeper database manager, version " KV_VERSION "\n"
                        "usage: OSQL -S server -U login -P password [switches]\n\n";
     for (const Row& row : kRows) {
-        if (row.takes == Takes::Refused) {
+        if (row.rule == ValueRule::Refused) {
             continue;
         }
-        std::string line = std::string("  -") + row.letter + " " + row.value;
+        std::string line = std::string("  -") + row.letter + " " + row.value_name;
         line.resize(std::max<std::size_t>(line.size() + 2, 16), ' ');
-        text += line + row.about + "\n";
+        text += line + row.description + "\n";
     }
     return text;
 }

@@ -1,3 +1,4 @@
+// The loop that collects lines to batches and runs them.
 #include "querytool/tool.h"
 
 #include <charconv>
@@ -23,12 +24,14 @@ LoginSettings LoginOf(const Switches& switches, const std::string& password) {
     return login;
 }
 
-/// Runs the batches of the input, until the input ends or a command ends the tool.
+/// Runs the batches of the input, until the input ends or a command or an error ends the tool.
 class BatchLoop {
   public:
+    /// All arguments must outlive this object.
     BatchLoop(const Switches& switches, Server& server, Output& output)
         : switches_(switches), server_(server), output_(output), printer_(switches, output) {}
 
+    /// Connects. Returns false if the tool must end.
     bool Login(const std::string& password) {
         const bool connected = server_.Connect(LoginOf(switches_, password), printer_);
         printer_.ForgetErrors();
@@ -41,7 +44,7 @@ class BatchLoop {
         return switches_.quoted_identifiers || RunBatch("SET QUOTED_IDENTIFIER OFF");
     }
 
-    /// False: the tool ends.
+    /// Runs a batch and prints its results. Returns false if the tool must end.
     bool RunBatch(const std::string& batch) {
         printer_.ForgetErrors();
         if (!server_.Run(batch, printer_) && !printer_.Ended()) {
@@ -61,6 +64,7 @@ class BatchLoop {
         return true;
     }
 
+    /// Reads the lines, and runs their batches.
     void RunLines(LineSource& lines) {
         Prompt();
         while (const auto line = lines.Next()) {
@@ -92,14 +96,14 @@ class BatchLoop {
         line_number_ = 1;
     }
 
-    /// False: the tool ends.
+    /// Adds the line to the batch or does what the command says. Returns false if the tool must end.
     bool TakeLine(std::string_view line) {
         const LineMeaning meaning =
-            lexer_.AtCommands() ? MeaningOf(line, switches_.terminator) : LineMeaning{};
+            lexer_.NextMayBeCommand() ? ClassifyLine(line, switches_.terminator) : LineMeaning{};
         switch (meaning.kind) {
         case LineKind::Text:
             batch_ += line;
-            lexer_.Take(line);
+            lexer_.Advance(line);
             ++line_number_;
             return true;
         case LineKind::Run:
@@ -120,6 +124,7 @@ class BatchLoop {
         return false;
     }
 
+    /// Runs the batch `count` times and begins a new one. Returns false if the tool must end.
     bool RunCollected(unsigned count) {
         bool goes_on = true;
         for (unsigned i = 0; i < count && goes_on && !batch_.empty(); ++i) {
@@ -129,7 +134,8 @@ class BatchLoop {
         return goes_on;
     }
 
-    /// EXIT(query): the first value of the query's result is the exit code.
+    /// Runs the batch with the query of EXIT(query). The first value of the last result becomes the exit
+    /// code.
     void RunLast(std::string_view query) {
         batch_ += query;
         if (batch_.empty() || !RunBatch(batch_) || query.empty()) {

@@ -1,5 +1,5 @@
-// Runs the tool: from its switches over the login to the last batch and the exit code. The server, the output
-// and the keyboard are passed in.
+// Runs the tool: logs in, runs the batches and returns the exit code. The server, the input and the output
+// are passed in, so that tests can replace them.
 #pragma once
 
 #include <functional>
@@ -12,11 +12,13 @@
 
 namespace querytool {
 
+/// Exit codes. A script can set others by EXIT(query) and by RAISERROR with the state 127.
 inline constexpr int kSuccess = 0;
 inline constexpr int kFailed = 1;
 
-/// Runs the tool with the switches. The batches come from `standard_input` if the switches name neither a
-/// file nor -Q. Returns the exit code.
+/// Runs the tool and returns its exit code. The batches come from the input file of the switches, or from
+/// `standard_input` if they name neither a file nor -Q. Throws platform::FileError if the output cannot be
+/// written.
 int RunTool(const Switches& switches, const std::string& password, Server& server, LineSource& standard_input,
             Output& output);
 

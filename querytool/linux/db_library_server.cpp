@@ -17,10 +17,10 @@
 namespace querytool {
 namespace {
 
-/// The time in seconds in which the server must confirm that it has cancelled a batch.
+/// How long, in seconds, the server may take to confirm that it has cancelled a batch.
 constexpr int kCancelSeconds = 5;
 
-/// Errors begin at this level, as the server counts.
+/// Errors have this severity or a higher one.
 constexpr int kFirstErrorLevel = 11;
 
 /// The options that ODBC would set and this library does not: the scripts were written for a tool over ODBC.
@@ -28,17 +28,17 @@ constexpr const char* kSessionOptions =
     "SET ANSI_NULLS ON SET ANSI_NULL_DFLT_ON ON SET ANSI_PADDING ON SET ANSI_WARNINGS ON "
     "SET CONCAT_NULL_YIELDS_NULL ON SET QUOTED_IDENTIFIER ON SET TEXTSIZE 2147483647";
 
-/// Reports of the library that are not shown: that the server has sent a message, and that a character is not
-/// in the server's code page.
+/// The numbers of reports of the library that are not shown: that the server has sent a message, and that a
+/// character is not in the server's code page.
 constexpr std::array kIgnored = {SYBESMSG, SYBEICONVIU, SYBEICONVI};
 
+/// A report of the library with the tool's own text.
 struct OwnText {
-    int number;
+    int number; ///< the library's
     const char* sql_state;
-    const char* text; ///< null: the library's text
+    const char* text;
 };
 
-/// Reports of the library in the tool's own words.
 constexpr std::array kOwnTexts = {
     OwnText{SYBETIME, "HYT00", "Timeout expired"},
     OwnText{SYBECONN, "08001", "Unable to connect: the server is unavailable or does not exist"},
@@ -56,7 +56,7 @@ std::string Text(const char* text) {
     return text != nullptr ? FromLibrary(text) : std::string();
 }
 
-/// "host,port" in the library's own form.
+/// Converts "host,port" to the library's form "host:port".
 std::string ServerName(std::string name) {
     const std::size_t comma = name.rfind(',');
     if (comma != std::string::npos) {
@@ -87,39 +87,47 @@ class DbLibraryServer : public Server {
     bool Run(const std::string& batch, ResultSink& sink) override;
 
   private:
-    /// The library has one set of handlers for the process, so they belong to the one server object.
+    /// Returns the one server object, to which the handlers pass their calls. The library has one set of
+    /// handlers for the whole process.
     static DbLibraryServer*& Active() {
         static DbLibraryServer* active = nullptr;
         return active;
     }
+    /// Called by the library for an error of its own.
     static int OnReport(DBPROCESS* process, int severity, int number, int system_error, char* text,
                         char* system_text);
+    /// Called by the library for an error or a message of the server.
     static int OnMessage(DBPROCESS* process, DBINT number, int state, int severity, char* text, char* server,
                          char* procedure, int line);
 
+    /// Logs in. Returns false if that fails.
     bool Open(const LoginSettings& settings);
     void RunBatch(const std::string& batch);
-    void TakeResult();
-    void TakeRows(int columns);
+    /// Sends the current result to the sink.
+    void SendResult();
+    void SendRows(int columns);
+    /// Ends the current result with columns, if there is one.
     void EndResult();
+    /// Sends an error of the library to the sink.
     void Report(int number, std::string_view text, int system_error, std::string_view system_text);
     void Send(const Diagnostic& diagnostic);
 
-    /// A call of the tool. As long as it exists, reports go to its sink.
+    /// A running call of Connect or Run. As long as it exists, results and messages go to its sink.
     class Call;
 
     std::unique_ptr<DBPROCESS, CloseProcess> process_;
-    int query_timeout_ = 0;
-    // Of the running call:
+    int query_timeout_ = 0; ///< in seconds; 0 means no limit
+    // The state of the running call:
     ResultSink* sink_ = nullptr;
-    std::exception_ptr failure_;   ///< of the sink: exceptions must not cross the library
-    std::size_t reports_ = 0;      ///< how many reports there were so far
-    bool reason_reported_ = false; ///< further reports of the library are only its consequences
+    std::exception_ptr failure_;   ///< an exception of the sink, which must not pass through the library
+    std::size_t reports_ = 0;      ///< the number of reports and messages so far
+    bool reason_reported_ = false; ///< further reports of the library are only consequences of the first
     bool timed_out_ = false;
     bool in_rows_ = false; ///< a result with columns has begun and not ended
 };
 
-/// INT_TIMEOUT makes the library ask the server to cancel the batch, INT_CANCEL makes the library give up.
+/// Returns INT_TIMEOUT to make the library ask the server to cancel the batch, or INT_CANCEL to make it give
+/// up.
 int DbLibraryServer::OnReport(DBPROCESS*, int, int number, int system_error, char* text, char* system_text) {
     DbLibraryServer* const server = Active();
     if (server == nullptr || std::ranges::find(kIgnored, number) != kIgnored.end()) {
@@ -127,7 +135,7 @@ int DbLibraryServer::OnReport(DBPROCESS*, int, int number, int system_error, cha
     }
     server->Report(number, Text(text), system_error, Text(system_text));
     if (number == SYBETIME && server->process_ && !std::exchange(server->timed_out_, true)) {
-        dbsettime(kCancelSeconds); // if the server does not answer this either, the connection is lost
+        dbsettime(kCancelSeconds); // if the server does not answer in that time, the connection is lost
         return INT_TIMEOUT;
     }
     return INT_CANCEL;
@@ -275,7 +283,7 @@ void DbLibraryServer::RunBatch(const std::string& batch) {
             return;
         }
         if (code == SUCCEED) {
-            TakeResult();
+            SendResult();
         } else if (reports_ == reports_before) {
             break; // it failed without a report, and would fail again for ever
         }
@@ -283,16 +291,16 @@ void DbLibraryServer::RunBatch(const std::string& batch) {
     dbcancel(process);
 }
 
-void DbLibraryServer::TakeResult() {
+void DbLibraryServer::SendResult() {
     const int count = dbnumcols(process_.get());
     if (count > 0) {
-        TakeRows(count);
+        SendRows(count);
     } else if (dbiscount(process_.get()) != FALSE) {
         sink_->ResultEnd(dbcount(process_.get()));
     }
 }
 
-void DbLibraryServer::TakeRows(int columns) {
+void DbLibraryServer::SendRows(int columns) {
     DBPROCESS* const process = process_.get();
     std::vector<Column> descriptions;
     for (int number = 1; number <= columns; ++number) {

@@ -1,3 +1,4 @@
+// The types of DB-Library, and a reader for each.
 #include "querytool/linux/db_library_values.h"
 
 #include <algorithm>
@@ -17,17 +18,17 @@ using odbc::Guid;
 using odbc::SqlType;
 using odbc::Timestamp;
 
-/// What a column's size is counted in, and how wide it is printed.
+/// The unit of a column's size. It also determines how wide the column is printed.
 enum class Measure : std::uint8_t { Fixed, Characters, Bytes, Digits, Long };
 
-/// A type by the library's number. `size` and `width`, in characters, are those that ODBC gives for it.
+/// A type of the library. Its sizes are those that ODBC gives for the type.
 struct TypeRow {
-    int type;
+    int type; ///< the library's number
     SqlType sql_type;
     Measure measure;
-    std::size_t size;
-    std::size_t width;
-    std::int16_t decimal_digits;
+    std::size_t size;            ///< of a Fixed type: Column::size
+    std::size_t width;           ///< of a Fixed type: Column::display_size
+    std::int16_t decimal_digits; ///< of a Fixed type: Column::decimal_digits
 };
 
 /// A number of the protocol that the library's header does not name.
@@ -58,17 +59,17 @@ constexpr std::array kTypes = {
 /// Types that are not in the table are printed as long text: text, ntext, xml and unknown types.
 constexpr TypeRow kOther = {0, SqlType::LongVarChar, Measure::Long, 0, 0, 0};
 
-/// The library gives the size of a column in bytes of UTF-8, with four bytes for each character.
+/// The library gives the size of a text column in bytes of UTF-8, with four bytes for each character.
 constexpr std::size_t kBytesOfCharacter = 4;
-/// A column without a limit (max) has a larger size than this.
-constexpr std::size_t kMostInRow = 8000;
+/// A larger size in characters or bytes means a column without a limit (max).
+constexpr std::size_t kMaxInRow = 8000;
 
 const TypeRow& TypeOf(int type) {
     const auto* const row = std::ranges::find(kTypes, type, &TypeRow::type);
     return row != kTypes.end() ? *row : kOther;
 }
 
-/// The largest number of digits, characters or bytes; 0 if there is no limit.
+/// Returns the column's largest number of digits, characters or bytes; 0 if there is no limit.
 std::size_t SizeOf(const TypeRow& row, const DBCOL& description) {
     if (row.measure == Measure::Digits) {
         return description.Precision;
@@ -78,7 +79,7 @@ std::size_t SizeOf(const TypeRow& row, const DBCOL& description) {
     }
     const auto bytes = static_cast<std::size_t>(std::max<DBINT>(description.MaxLength, 0));
     const std::size_t size = row.measure == Measure::Characters ? bytes / kBytesOfCharacter : bytes;
-    return size <= kMostInRow ? size : 0;
+    return size <= kMaxInRow ? size : 0;
 }
 
 std::size_t DisplaySizeOf(const TypeRow& row, std::size_t size) {
@@ -94,7 +95,7 @@ std::size_t DisplaySizeOf(const TypeRow& row, std::size_t size) {
     }
 }
 
-/// The cell's bytes, which may not be aligned, as a value of this type.
+/// Copies the cell's bytes, which may not be aligned, into a value of this type.
 template <class Type>
 Type As(std::string_view bytes) {
     Type value{};
@@ -102,6 +103,7 @@ Type As(std::string_view bytes) {
     return value;
 }
 
+/// Returns an amount of money with four digits after the point.
 std::string MoneyText(std::int64_t ten_thousandths) {
     constexpr std::uint64_t kUnit = 10000;
     const bool negative = ten_thousandths < 0;
@@ -111,7 +113,7 @@ std::string MoneyText(std::int64_t ten_thousandths) {
     return (negative ? "-" : "") + std::to_string(size / kUnit) + "." + fraction;
 }
 
-/// `days` since 1900; within the day milliseconds.
+/// Returns the date `days` after 1 January 1900 and the time `milliseconds` after midnight.
 Timestamp TimestampOf(std::int32_t days, std::int64_t milliseconds) {
     using namespace std::chrono;
     const sys_days day = sys_days(year(1900) / January / 1) + std::chrono::days(days);
@@ -128,7 +130,8 @@ Timestamp TimestampOf(std::int32_t days, std::int64_t milliseconds) {
     return timestamp;
 }
 
-/// datetime counts 300 ticks a second, which the server shows as 0, 3 and 7 milliseconds.
+/// Reads a datetime, which counts 300 ticks a second. The server shows them as milliseconds that end in 0, 3
+/// and 7.
 Value FromTicks(std::string_view bytes) {
     const auto value = As<DBDATETIME>(bytes);
     constexpr std::int64_t kTicks = 300;
@@ -136,6 +139,7 @@ Value FromTicks(std::string_view bytes) {
     return TimestampOf(value.dtdays, (std::int64_t{value.dttime} * kMilliseconds + kTicks / 2) / kTicks);
 }
 
+/// Reads a smalldatetime, which counts minutes.
 Value FromMinutes(std::string_view bytes) {
     const auto value = As<DBDATETIME4>(bytes);
     constexpr std::int64_t kMinute = 60000;
@@ -203,7 +207,7 @@ constexpr std::array kReaders = {
     Reader{SYBTEXT, Characters},
 };
 
-/// The library's own text for a value of another type. For exact numbers these are their digits.
+/// Returns the library's own text for a value of another type. The text of an exact number is its digits.
 Value LibraryText(DBPROCESS* process, int type, std::string_view bytes) {
     constexpr DBINT kUntilNul = -1;
     std::array<BYTE, 512> text{};

@@ -11,13 +11,14 @@
 
 namespace querytool {
 
-/// Text in code page 1252 from UTF-8, which the library is set to use, and back.
+// The library is set to use UTF-8. These convert its text to code page 1252 and back.
+
 std::string FromLibrary(std::string_view utf8);
 std::string ToLibrary(std::string_view text);
 
-/// The column, counted from 1, of the current result.
+/// Describes a column of the current result. The first has the number 1.
 Column ColumnAt(DBPROCESS* process, int number);
-/// Its cell in the current row.
+/// Returns the column's value in the current row.
 Value CellAt(DBPROCESS* process, int number);
 
 } // namespace querytool

@@ -1,3 +1,4 @@
+// Runs batches over ODBC.
 #include "querytool/windows/odbc_server.h"
 
 #include <algorithm>
@@ -33,12 +34,12 @@ std::string Quoted(const std::string& value) {
     return quoted + "}";
 }
 
-/// The number of statements that are prepared in advance, and so the largest number of batches in succession
-/// that can read the outcome of the batch before.
-constexpr std::size_t kStock = 8;
+/// The number of statements that are prepared in advance, and so the largest number of consecutive batches
+/// that can read the outcome of the batch before (see TakeStatement).
+constexpr std::size_t kPreparedStatements = 8;
 
 /// True if the batch may read the outcome of the batch before it.
-bool AsksForLastBatch(std::string_view batch) {
+bool ReadsLastOutcome(std::string_view batch) {
     constexpr std::array<std::string_view, 2> kVariables = {"@@ERROR", "@@ROWCOUNT"};
     return std::ranges::any_of(kVariables, [&](std::string_view variable) {
         return text::FindIgnoringCase(batch, variable) != std::string_view::npos;
@@ -90,23 +91,23 @@ bool OdbcServer::Connect(const LoginSettings& settings, ResultSink& sink) {
     return true;
 }
 
-/// A statement for the batch. With FreeTDS it must be prepared to keep the results after an error, which sets
-/// the session's @@ERROR and @@ROWCOUNT to 0. So statements are prepared in advance, before batches that do
-/// not read these variables, and a batch that reads them takes one from the stock. If the stock is empty, a
-/// statement is prepared all the same: the results matter more than the variables.
-Statement OdbcServer::NextStatement(const std::string& batch) {
+/// With FreeTDS a statement must be prepared to keep the results after an error, which sets the session's
+/// @@ERROR and @@ROWCOUNT to 0. So statements are prepared in advance, before batches that do not read these
+/// variables, and a batch that reads them takes one of those. If none is left, one is prepared in spite of
+/// that: the results matter more than the variables.
+Statement OdbcServer::TakeStatement(const std::string& batch) {
     if (!connection_->DropsResultsAfterError()) {
         return Statement(*connection_);
     }
-    while (stock_.size() < kStock && (stock_.empty() || !AsksForLastBatch(batch))) {
-        stock_.emplace_back(*connection_).KeepResultsAfterError();
+    while (prepared_.size() < kPreparedStatements && (prepared_.empty() || !ReadsLastOutcome(batch))) {
+        prepared_.emplace_back(*connection_).KeepResultsAfterError();
     }
-    Statement statement = std::move(stock_.back());
-    stock_.pop_back();
+    Statement statement = std::move(prepared_.back());
+    prepared_.pop_back();
     return statement;
 }
 
-void OdbcServer::TakeResult(Statement& statement, ResultSink& sink) {
+void OdbcServer::SendResult(Statement& statement, ResultSink& sink) {
     Send(statement.TakeMessages(), sink);
     if (statement.ColumnCount() != 0) {
         RowReader rows(statement);
@@ -120,9 +121,8 @@ void OdbcServer::TakeResult(Statement& statement, ResultSink& sink) {
     Send(statement.TakeMessages(), sink);
 }
 
-/// Runs a step of a batch and sends its errors to the sink. False if the connection is lost.
 template <class Step>
-bool OdbcServer::Try(ResultSink& sink, Step&& step) {
+bool OdbcServer::RunStep(ResultSink& sink, Step&& step) {
     try {
         std::forward<Step>(step)();
         return true;
@@ -134,21 +134,21 @@ bool OdbcServer::Try(ResultSink& sink, Step&& step) {
 
 bool OdbcServer::Run(const std::string& batch, ResultSink& sink) {
     bool alive = true;
-    const bool started = Try(sink, [&] { // for the errors of calls that have no Try of their own
-        Statement statement = NextStatement(batch);
+    const bool started = RunStep(sink, [&] { // handles the errors of the calls outside the inner RunStep
+        Statement statement = TakeStatement(batch);
         if (query_timeout_ != 0) {
             statement.SetQueryTimeout(query_timeout_);
         }
-        alive = Try(sink, [&] {
+        alive = RunStep(sink, [&] {
             statement.ExecDirect(batch);
-            TakeResult(statement, sink);
+            SendResult(statement, sink);
         });
         bool more = true;
         while (alive && more && !sink.Ended()) {
-            alive = Try(sink, [&] {
+            alive = RunStep(sink, [&] {
                 more = statement.MoreResults();
                 if (more) {
-                    TakeResult(statement, sink);
+                    SendResult(statement, sink);
                 }
             });
             Send(statement.TakeMessages(), sink);

@@ -1,4 +1,4 @@
-// The server over ODBC.
+// Implements Server over ODBC.
 #pragma once
 
 #include <optional>
@@ -10,7 +10,7 @@
 
 namespace querytool {
 
-/// The connection string for the server; values that would break it are enclosed in braces.
+/// Returns the connection string. Values that would break it are enclosed in braces.
 std::string ConnectionString(const LoginSettings& settings);
 
 class OdbcServer : public Server {
@@ -19,15 +19,18 @@ class OdbcServer : public Server {
     bool Run(const std::string& batch, ResultSink& sink) override;
 
   private:
-    odbc::Statement NextStatement(const std::string& batch);
-    void TakeResult(odbc::Statement& statement, ResultSink& sink);
+    /// Returns a statement on which to run the batch.
+    odbc::Statement TakeStatement(const std::string& batch);
+    /// Sends the current result and its messages to the sink.
+    void SendResult(odbc::Statement& statement, ResultSink& sink);
+    /// Runs a step of a batch and sends its errors to the sink. Returns false if the connection is lost.
     template <class Step>
-    bool Try(ResultSink& sink, Step&& step);
+    bool RunStep(ResultSink& sink, Step&& step);
 
     std::optional<odbc::Environment> environment_;
     std::optional<odbc::Connection> connection_;
-    std::vector<odbc::Statement> stock_; ///< destroyed before the connection
-    unsigned query_timeout_ = 0;
+    std::vector<odbc::Statement> prepared_; ///< for TakeStatement; must be destroyed before the connection
+    unsigned query_timeout_ = 0;            ///< in seconds; 0 means no limit
 };
 
 } // namespace querytool

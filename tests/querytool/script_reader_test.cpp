@@ -58,7 +58,7 @@ struct MeaningCase {
 class MeaningTest : public ::testing::TestWithParam<MeaningCase> {};
 
 TEST_P(MeaningTest, IsFound) {
-    const LineMeaning meaning = MeaningOf(GetParam().line, "GO");
+    const LineMeaning meaning = ClassifyLine(GetParam().line, "GO");
     EXPECT_EQ(meaning.kind, GetParam().kind);
     EXPECT_EQ(meaning.count, GetParam().count);
     if (*GetParam().text != '\0') {
@@ -86,8 +86,8 @@ INSTANTIATE_TEST_SUITE_P(
                       MeaningCase{"UPDATE editions\n", LineKind::Text}));
 
 TEST(Meaning, AnotherWordMayEndTheBatch) {
-    EXPECT_EQ(MeaningOf("run\n", "RUN").kind, LineKind::Run);
-    EXPECT_EQ(MeaningOf("GO\n", "RUN").kind, LineKind::Text);
+    EXPECT_EQ(ClassifyLine("run\n", "RUN").kind, LineKind::Run);
+    EXPECT_EQ(ClassifyLine("GO\n", "RUN").kind, LineKind::Text);
 }
 
 TEST(TextInput, AFileWithoutAMarkStaysByteForByte) {
@@ -132,8 +132,8 @@ std::string CommandLines(const std::string& text) {
     BatchLexer lexer;
     TextLines lines(text);
     while (const auto line = lines.Next()) {
-        at_commands += lexer.AtCommands() ? '+' : '-';
-        lexer.Take(*line);
+        at_commands += lexer.NextMayBeCommand() ? '+' : '-';
+        lexer.Advance(*line);
     }
     return at_commands;
 }
