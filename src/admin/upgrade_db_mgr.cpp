@@ -1,4 +1,5 @@
-// The statements that remove, rename and upgrade a database. Their texts and their order are laid down.
+// The statements that remove, rename and upgrade a database. Their texts and their
+// order are part of the product and must not change.
 #include "admin/upgrade_db_mgr.h"
 
 #include "admin/server_path.h"

@@ -16,7 +16,7 @@ inline constexpr const char* kLogValue = "";
 inline constexpr const char* kLogDefault = R"(..\Log)";
 
 /// In HKEY_LOCAL_MACHINE of this computer and of the backup node. The values are the database server's name
-/// and the login's user and password, in clear text.
+/// and the login's user and password; the password is used as it is stored.
 inline constexpr const char* kLoginKey = R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\Login)";
 inline constexpr const char* kServerNameValue = "ServerName";
 inline constexpr const char* kUserIdValue = "UserID";
@@ -27,17 +27,20 @@ inline constexpr const char* kPasswordValue = "PWD";
 inline constexpr const char* kRedundancyKey = R"(SOFTWARE\Orvik\Quorlen\Redundancy\Lotkeeper)";
 inline constexpr const char* kBackupNodeValue = "BackupNode";
 
-/// In HKEY_LOCAL_MACHINE. UseTransactionalReplication is the only value that the program writes.
+/// In HKEY_LOCAL_MACHINE. Each value is a switch that is on if its text is "TRUE" in any letter case.
+/// UseTransactionalReplication is the only value that the program writes; SqlServerInstalled opens the
+/// console's tab for replication.
 inline constexpr const char* kCustomFunctionsKey = R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\CustomFunctions)";
 inline constexpr const char* kUseTransactionalReplicationValue = "UseTransactionalReplication";
 inline constexpr const char* kSqlServerInstalledValue = "SqlServerInstalled";
 
-/// In HKEY_LOCAL_MACHINE. The main window opens this key itself before it reads the value.
+/// In HKEY_LOCAL_MACHINE. The main window opens this key itself to see whether it exists, and only then reads
+/// the value.
 inline constexpr const char* kInstallationKey = R"(SOFTWARE\Orvik\Quorlen\Lotkeeper\Installation)";
 inline constexpr const char* kSqlDomainValue = "SqlDomain";
 
-/// In HKEY_LOCAL_MACHINE. The value is the version of the database server. The separators are doubled in the
-/// key's text as it is laid down; the registry takes a run of them as one.
+/// In HKEY_LOCAL_MACHINE. The value is the version of the database server. The separators are doubled on
+/// purpose: the key's text is part of the product, and the registry takes a run of them as one.
 inline constexpr const char* kCurrentVersionKey =
     R"(SOFTWARE\\Microsoft\\Microsoft SQL Server\\KV_BATCH\\MSSQLServer\\CurrentVersion)";
 inline constexpr const char* kCurrentVersionValue = "CurrentVersion";

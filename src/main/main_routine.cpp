@@ -53,7 +53,7 @@ struct HelpEntry {
     const char* description;
 };
 
-// The odd wording of /upgradedb is laid down.
+// The odd wording of /upgradedb is part of the product and must not change.
 constexpr std::array kHelpEntries = {
     HelpEntry{"/help", "Shows this command help information."},
     HelpEntry{"/scriptfolder", "Path to the folder with sql scripts and dts storage files."},

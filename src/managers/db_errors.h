@@ -62,8 +62,8 @@ class ManagerErrors {
     void ShowDbError() const;
     /// Returns the number of errors.
     Int16 ErrorCount() const;
-    /// Always raises run_time::kSubscriptOutOfRange. That is laid down: the check of the index asks for the
-    /// bound of a second dimension, which the array does not have.
+    /// Always raises run_time::kSubscriptOutOfRange; this is part of the product. Its check of the index asks
+    /// for the bound of a second dimension, which the array does not have.
     DbError DbErrorAt(Int16 intIndex) const;
 
   protected:

@@ -21,7 +21,7 @@ class frmStatus {
     /// Sets the ends of the bar and its position.
     void InitProgressBar(float sngMin, float sngMax, float sngValue);
     /// Moves the bar by `intStep`, which may be negative. The bar stops at either end. The misspelt name is
-    /// laid down.
+    /// part of the product and must not change.
     void StepProgessBar(Int16 intStep);
     /// Shows the text in the label at once and runs pending events.
     void StatusText(const std::string& strText);

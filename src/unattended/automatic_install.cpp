@@ -75,7 +75,8 @@ void DoAutomaticInstall(const std::string& ScriptFolder, const std::string& Serv
             scripts.ScriptFolder(ScriptFolder);
             RunSequence(scripts, *status, install);
         },
-        // The name of the upgrade routine is laid down for the installation's log line too.
+        // The log line of an installation has the upgrade's name too; it is part of the product and must not
+        // change.
         [](const Failure&) { WriteErrorLog("modMain::DoAutomaticUpgrade"); });
 }
 
