@@ -19,7 +19,7 @@ class RowStore {
     /// A position in the rows: where the next row begins. A new Place is the beginning of the first row.
     struct Place {
         std::size_t chunk = 0;
-        std::size_t offset = 0;
+        std::size_t offset = 0; ///< in the chunk's bytes
     };
 
     /// Adds a row. Every row must have as many values as the first.
@@ -37,6 +37,7 @@ class RowStore {
     void PutDecimal(std::string_view digits);
     void PutDate(const Date& value);
     void PutText(std::string_view text);
+
     // These two take UTF-16 and convert it to code page 1252.
 
     void PutWideDecimal(std::u16string_view digits);

@@ -15,14 +15,14 @@ namespace odbc {
 
 /// The type of a value in the driver's buffer.
 enum class CellKind : std::uint8_t {
-    Null,
-    Bit,
+    Null,      ///< no data
+    Bit,       ///< one byte, 0 or 1
     Whole,     ///< std::int64_t
     Double,    ///< double
     Timestamp, ///< see TimestampAt
     Guid,      ///< Guid
-    Binary,
-    Text, ///< UTF-16
+    Binary,    ///< bytes as they are
+    Text,      ///< UTF-16
 };
 
 /// A value in a reader's buffers, which own the bytes.
@@ -38,7 +38,7 @@ struct CellView {
         std::memcpy(&value, data, sizeof value);
         return value;
     }
-    /// For a Text.
+    /// Returns the characters of a value of the kind Text.
     std::u16string_view Text() const {
         return {reinterpret_cast<const char16_t*>(data), size / sizeof(char16_t)};
     }

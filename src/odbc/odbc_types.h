@@ -87,6 +87,7 @@ struct ParameterShape {
     SQLULEN size = 0;
     SQLSMALLINT decimal_digits = 0;
 };
+/// Returns the shape for a parameter whose value is in `buffer`.
 ParameterShape ShapeOf(const Parameter& parameter, const ValueBuffer& buffer);
 
 } // namespace odbc

@@ -29,6 +29,7 @@ struct RegValue {
     std::string bytes;
 };
 
+/// The text of a file, and the keys and values in it.
 class RegFile {
   public:
     /// Makes a file without keys, in the format that Windows exports: "Version 5.00" in UTF-16.
