@@ -62,11 +62,14 @@ class SecondClicks : public OnScreen {
         const auto end = steady_clock::now() + ui::kDoubleClickTime + milliseconds(100);
         EXPECT_TRUE(screen::WaitFor([end] { return steady_clock::now() > end; }));
     }
+    /// The system's clock counts in steps of 16 ms and may be wrong by one for each click.
+    static constexpr milliseconds kSteps{32};
+    /// How often a double click is tried: on a busy machine the time between the clicks may be too long.
+    static constexpr int kTries = 100;
+
     /// Returns false if the machine was so busy that the time between the clicks was too long for a double
     /// click.
     bool ClickTwice(screen::Part native, milliseconds between) {
-        // The system's clock counts in steps of 16 ms and may be wrong by one for each click.
-        constexpr milliseconds kSteps{32};
         auto took = ui::kDoubleClickTime;
         {
             // Clicks in another thread, because the command keeps this one busy when the second click comes.
@@ -86,7 +89,6 @@ class SecondClicks : public OnScreen {
         SCOPED_TRACE(Name(button) + ", " + std::to_string(between.count()) + " ms between the clicks");
         screen::Part native = Native(button);
         ASSERT_NE(native, nullptr);
-        constexpr int kTries = 20;
         for (int time = 0; time < kTries; ++time) {
             runs_ = 0;
             if (ClickTwice(native, between)) {
@@ -98,7 +100,7 @@ class SecondClicks : public OnScreen {
         ADD_FAILURE() << "the machine is too busy for a double click";
     }
     void ExpectOneRunEach(const std::vector<ui::CommandButton*>& buttons) {
-        for (const int between : {0, 50, 120, 400}) {
+        for (const int between : {0, 50, 120, 350}) {
             Rest();
             for (const ui::CommandButton* button : buttons) {
                 ExpectOneRunOfTwoClicks(*button, milliseconds(between));
@@ -235,15 +237,25 @@ TEST_F(SecondClicks, OfADoubleClickThatBeganOnADisabledButtonRunNothing) {
     Arm();
     ShowTab(kv::kUpgradeTab);
     auto& remove = Get<ui::CommandButton>("cmdRemove");
-    remove.Enabled(false);
-    Settle();
-    screen::Click(Native(remove));
-    ExpectInputArrives();
-    remove.Enabled(true);
-    Settle();
-    screen::Click(Native(remove));
-    ExpectInputArrives();
-    EXPECT_EQ(runs_, 0);
+    for (int time = 0; time < kTries; ++time) {
+        Rest();
+        runs_ = 0;
+        remove.Enabled(false);
+        Settle();
+        const auto start = steady_clock::now();
+        screen::Click(Native(remove));
+        ExpectInputArrives();
+        remove.Enabled(true);
+        Settle();
+        screen::Click(Native(remove));
+        const auto took = steady_clock::now() - start;
+        ExpectInputArrives();
+        if (took < ui::kDoubleClickTime - kSteps) {
+            EXPECT_EQ(runs_, 0);
+            return;
+        }
+    }
+    ADD_FAILURE() << "the machine is too busy for a double click";
 }
 
 } // namespace

@@ -276,7 +276,7 @@ TEST_F(ShownForm, FitsTheScreenAtEverySize) {
     for (const int size : screen::Sizes()) {
         SetSize(size);
         const auto fits = [&] { return area.Holds(screen::FrameOf(top_)); };
-        EXPECT_TRUE(screen::WaitFor(fits, std::chrono::seconds(10))) // the window manager may have to move it
+        EXPECT_TRUE(screen::WaitFor(fits)) // the window manager may have to move it
             << size << ": " << screen::FrameOf(top_).Width() << " x " << screen::FrameOf(top_).Height();
     }
 }

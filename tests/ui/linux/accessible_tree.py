@@ -13,10 +13,11 @@ import gi  # noqa: E402
 
 gi.require_version('Atspi', '2.0')
 import pyatspi  # noqa: E402
-from gi.repository import GLib  # noqa: E402
+from gi.repository import Atspi, GLib  # noqa: E402
 
 SHOWN_FORM = sys.argv.pop(1)
 LIMIT = 60  # seconds that each wait may take
+Atspi.set_timeout(LIMIT * 1000, LIMIT * 1000)  # otherwise a question is given up after 800 ms
 TITLE = 'Halvane Vindrel SQL Database Manager'
 DIALOG_TITLE = 'Stored Procedures'
 ROLES = {

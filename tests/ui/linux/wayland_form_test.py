@@ -20,7 +20,7 @@ class Screen:
 
     def __init__(self, folder):
         self.folder = folder
-        wait_for(self.background_is_painted, 'the background')
+        wait_for(self.background_is_complete, 'the background')
         self.empty = self.picture('empty')
 
     def picture(self, name):
@@ -32,16 +32,19 @@ class Screen:
         os.rename(os.path.join(self.folder, taken[0]), path)
         return path
 
-    def background_is_painted(self):
-        """True if the shell has painted its background; before that the screen is black."""
-        run = subprocess.run(['identify', '-format', '%[fx:mean]', self.picture('background')], capture_output=True,
-                             text=True, timeout=60)
-        return float(run.stdout) > 0.1
+    def background_is_complete(self):
+        """True if the shell has painted its background: the screen is black at first, and then it is faded in."""
+        before, now = self.picture('before'), self.picture('background')
+        run = subprocess.run(['identify', '-format', '%[fx:mean]', now], capture_output=True, text=True, timeout=60)
+        return float(run.stdout) > 0.1 and self.different_pixels(before, now) == 0
 
     def changed_pixels(self):
         """The number of pixels that differ from the empty screen."""
-        run = subprocess.run(['compare', '-metric', 'AE', self.empty, self.picture('now'), 'null:'], capture_output=True,
-                             text=True, timeout=60)
+        return self.different_pixels(self.empty, self.picture('now'))
+
+    @staticmethod
+    def different_pixels(one, other):
+        run = subprocess.run(['compare', '-metric', 'AE', one, other, 'null:'], capture_output=True, text=True, timeout=60)
         return float(re.match(r'[\d.e+]+', run.stderr).group())
 
 
