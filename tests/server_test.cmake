@@ -19,5 +19,5 @@ function(kv_server_test name)
     endif()
     add_test(NAME ${name} COMMAND /usr/bin/python3 "${PROJECT_SOURCE_DIR}/tests/support/with_servers.py" "${server}"
                                   $<TARGET_FILE:${name}_test> ${how})
-    set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 300)
+    set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT 600)
 endfunction()

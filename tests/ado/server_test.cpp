@@ -293,7 +293,7 @@ TEST_F(OnAServer, ErrorsHaveTheNumbersOfTheirState) {
 class Refused : public ::testing::Test {
   protected:
     /// Opens a connection with this string and returns the errors.
-    static ado::Errors Open(const std::string& connection_string, std::int32_t seconds = 10) {
+    static ado::Errors Open(const std::string& connection_string, std::int32_t seconds = 60) {
         Connection connection;
         connection.CursorLocation(adUseClient);
         connection.ConnectionTimeout(seconds);
@@ -328,13 +328,16 @@ class TimeOut : public OnAServer {
   protected:
     using Clock = std::chrono::steady_clock;
     /// A limit that is long enough for a slow machine and much shorter than the statement's wait.
-    static constexpr std::chrono::seconds kSoon{20};
+    static constexpr std::chrono::seconds kSoon{120};
+    /// Seconds, for all statements of the connection and for the answer to a cancel. Long enough for those
+    /// that must not reach it.
+    static constexpr std::int32_t kLimit = 5;
 };
 
 TEST_F(TimeOut, EndsAStatementThatHangsAndLeavesTheConnectionGood) {
-    connection_.CommandTimeout(1);
+    connection_.CommandTimeout(kLimit);
     const auto begin = Clock::now();
-    EXPECT_EQ(NumberOf("WAITFOR DELAY '00:01:00'"), -2147217871);
+    EXPECT_EQ(NumberOf("WAITFOR DELAY '00:10:00'"), -2147217871);
     EXPECT_LT(Clock::now() - begin, kSoon);
     EXPECT_EQ(connection_.Errors().Item(0).SQLState, "HYT00");
     EXPECT_EQ(connection_.State(), adStateOpen);
@@ -343,8 +346,8 @@ TEST_F(TimeOut, EndsAStatementThatHangsAndLeavesTheConnectionGood) {
 
 TEST_F(TimeOut, RollsBackNothingThatWasDoneBefore) {
     Execute("CREATE TABLE #t (a int)");
-    connection_.CommandTimeout(1);
-    EXPECT_EQ(NumberOf("INSERT #t VALUES (1) WAITFOR DELAY '00:01:00'"), -2147217871);
+    connection_.CommandTimeout(kLimit);
+    EXPECT_EQ(NumberOf("INSERT #t VALUES (1) WAITFOR DELAY '00:10:00'"), -2147217871);
     EXPECT_EQ(Execute("SELECT COUNT(*) FROM #t")->Fields().Item(0).Value(), Variant(1));
 }
 

@@ -45,7 +45,7 @@ class Server:
 
     def connect(self, database="master"):
         return pymssql.connect(server="127.0.0.1", port=str(self.port), user=USER, password=PASSWORD,
-                               database=database, autocommit=True, login_timeout=10, timeout=60)
+                               database=database, autocommit=True, login_timeout=60, timeout=60)
 
     def stop(self):
         if self.process.poll() is None:

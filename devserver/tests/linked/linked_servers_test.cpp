@@ -293,10 +293,10 @@ TEST_F(LinkedServers, ALinkToTheServerItselfReadsAndWritesButTakesPartInNoTransa
 }
 
 TEST_F(LinkedServers, ACancelledStatementEndsAtTheOtherServerToo) {
-    other.Run("create procedure slow as insert Lots (id) values (99) waitfor delay '00:02:00'");
+    other.Run("create procedure slow as insert Lots (id) values (99) waitfor delay '00:10:00'");
     std::thread cancel([this] {
         // Once the row is there, the procedure runs.
-        for (int i = 0; i < 1000 && other.Run("select id from Lots where id = 99") != "id\n99\n(1)\n"; ++i) {
+        for (int i = 0; i < 3000 && other.Run("select id from Lots where id = 99") != "id\n99\n(1)\n"; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
         near.session().Cancel();
@@ -304,7 +304,7 @@ TEST_F(LinkedServers, ACancelledStatementEndsAtTheOtherServerToo) {
     const auto begun = std::chrono::steady_clock::now();
     near.Run("exec FAR.Batch.dbo.slow");
     cancel.join();
-    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::minutes(1));
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::minutes(5));
     EXPECT_EQ(Near("select count(*) from FAR.Batch.dbo.Lots"), "\n\n3\n(1)\n");
 }
 

@@ -169,7 +169,7 @@ TEST_F(TdsBulkLoad, RowsReachTheEngineBeforeTheMessageEnds) {
     const std::size_t half = packets.size() / 2;
     client.SendRaw(packets.substr(0, half));
     std::size_t seen = 0;
-    for (int i = 0; i < 1000 && seen < 9000; ++i) {
+    for (int i = 0; i < 6000 && seen < 9000; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
         const std::lock_guard lock(script().mutex);
         seen = script().bulk_rows.size();
@@ -239,7 +239,7 @@ TEST_F(TdsBulkLoad, ASessionThatIsThrownOutDuringALoadLosesItsConnection) {
         const std::string packets = Packets(7, Many(20000));
         const int before = script().loads;
         client.SendRaw(packets.substr(0, packets.size() - 100));
-        for (int i = 0; i < 1000 && script().loads == before; ++i) {
+        for (int i = 0; i < 6000 && script().loads == before; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
         loading->End();

@@ -362,7 +362,7 @@ TdsClient TdsClient::Connect(std::uint16_t port) {
 }
 
 std::optional<std::string> TdsClient::Receive() {
-    const tds::ReadWait wait = tds::Until(std::chrono::steady_clock::now() + std::chrono::seconds(10));
+    const tds::ReadWait wait = tds::Until(std::chrono::steady_clock::now() + std::chrono::minutes(1));
     std::string data;
     packet_lengths_.clear();
     for (bool last = false; !last;) {

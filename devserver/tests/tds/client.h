@@ -68,7 +68,7 @@ class TdsClient {
         SendRaw(Packets(static_cast<std::uint8_t>(type), data, packet_size_));
     }
     /// The data of the next answer; nothing if the server has closed the connection. Throws ConnectionLost
-    /// after ten seconds.
+    /// after a minute.
     std::optional<std::string> Receive();
     /// Sends prelogin and login; returns the answer to the login.
     std::string LogIn(const LoginFields& fields = {});

@@ -97,9 +97,9 @@ class FakeSession : public Session {
     void End() { ended_ = true; }
     void Use(const std::string& database) { database_ = database; }
     void SetTransactions(std::int32_t count) { transactions_ = count; }
-    /// Waits until the session is cancelled; false after ten seconds.
+    /// Waits until the session is cancelled; false after a minute.
     bool WaitForCancel() const {
-        for (int i = 0; i < 5000 && !cancelled_; ++i) {
+        for (int i = 0; i < 30000 && !cancelled_; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
         return cancelled_;

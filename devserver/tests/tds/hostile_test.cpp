@@ -44,6 +44,20 @@ class TdsHostile : public testing::Test {
         EXPECT_EQ(Summary(ParseTokens(client.Batch("x"))), "COLUMNS ROW DONE(10,1)");
     }
 
+    /// Waits until this number of batches has begun; false after a minute.
+    bool BeginsBatches(std::size_t count) {
+        for (int i = 0; i < 30000; ++i) {
+            {
+                const std::lock_guard lock(server_.engine.script.mutex);
+                if (server_.engine.script.batches.size() >= count) {
+                    return true;
+                }
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        return false;
+    }
+
     RunningServer server_;
 };
 
@@ -67,10 +81,10 @@ TEST_F(TdsHostile, DisconnectingAnywhereInABatch) {
 }
 
 TEST_F(TdsHostile, DisconnectingWithinAResultCancelsTheBatch) {
-    for (int i = 0; i < 5; ++i) {
+    for (std::size_t i = 0; i < 5; ++i) {
         const TdsClient client = server_.LoggedIn();
         client.Send(PacketType::SqlBatch, BatchMessage(i % 2 == 0 ? "much" : "wait"));
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_TRUE(BeginsBatches(i + 1));
     }
     ExpectUnharmed();
     EXPECT_GT(server_.engine.script.cancels, 0);

