@@ -8,6 +8,7 @@
 #include "devserver/tsql/rows/row_writer.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/check_columns.h"
 
@@ -17,9 +18,7 @@ namespace {
 Target FindTable(SessionCore& session, const ast::Name& name) {
     Emission emission(session);
     Target target = BindTargetAs(session, emission, name, 4902);
-    if (target.catalogue == nullptr) {
-        RaiseError(40517, {"ALTER TABLE and CREATE INDEX of a temporary table"});
-    }
+    RaiseIf(target.catalogue == nullptr, 40517, {"ALTER TABLE and CREATE INDEX of a temporary table"});
     return target;
 }
 
@@ -137,9 +136,8 @@ void FillColumns(SessionCore& session, const Target& target, std::size_t first,
         }
         writer.Complete(row.values);
         for (std::size_t i = first; i < columns.size(); ++i) {
-            if (IsNull(row.values[i]) && !columns[i].nullable && columns[i].computed.empty()) {
-                RaiseError(4901, {columns[i].name, target.table->name});
-            }
+            RaiseIf(IsNull(row.values[i]) && !columns[i].nullable && columns[i].computed.empty(), 4901,
+                    {columns[i].name, target.table->name});
             update.Bind(static_cast<int>(i - first + 1), row.values[i], columns[i].type);
         }
         update.BindInt(static_cast<int>(columns.size() - first + 1), row.row_id).Run();
@@ -165,9 +163,7 @@ bool BuildParts(const ast::AlterTableStatement& alter, const TableDef& before, T
         }
         for (const ast::IndexColumn& key : constraint.columns) {
             const ColumnDef* column = before.Find(key.name);
-            if (column != nullptr && column->nullable) {
-                RaiseError(8111, {before.name});
-            }
+            RaiseIf(column != nullptr && column->nullable, 8111, {before.name});
         }
     }
     return check;
@@ -245,27 +241,22 @@ bool IndexUses(const IndexDef& index, int column) {
 void DropColumns(SessionCore& session, const ast::AlterTableStatement& alter, const Target& target) {
     for (const std::string& name : alter.names) {
         const TablePtr table = target.catalogue->LoadTable(target.table->id);
-        const ColumnDef* column = table->Find(name);
-        if (column == nullptr) {
-            RaiseError(4924, {"ALTER TABLE DROP COLUMN", name, table->name});
-        }
-        const int id = column->id;
+        const ColumnDef& column =
+            Required(table->Find(name), 4924, {"ALTER TABLE DROP COLUMN", name, table->name});
+        const int id = column.id;
         const auto index_uses = [&](const IndexDef& index) { return IndexUses(index, id); };
         const auto key_uses = [&](const ForeignKeyDef& key) {
             return std::ranges::count(key.columns, id) > 0;
         };
         const auto check_uses = [&](const CheckDef& c) { return ColumnsNamed(*table, c.text).contains(id); };
-        if (!column->default_name.empty() || std::ranges::any_of(table->indexes, index_uses) ||
-            std::ranges::any_of(table->foreign_keys, key_uses) ||
-            std::ranges::any_of(table->checks, check_uses)) {
-            RaiseError(4922, {"ALTER TABLE DROP COLUMN", name});
-        }
-        if (table->columns.size() == 1) {
-            RaiseError(4923, {name, table->name});
-        }
+        RaiseIf(!column.default_name.empty() || std::ranges::any_of(table->indexes, index_uses) ||
+                    std::ranges::any_of(table->foreign_keys, key_uses) ||
+                    std::ranges::any_of(table->checks, check_uses),
+                4922, {"ALTER TABLE DROP COLUMN", name});
+        RaiseIf(table->columns.size() == 1, 4923, {name, table->name});
         session.connection().Execute("ALTER TABLE " + table->Qualified() + " DROP COLUMN " +
-                                     QuoteName(column->name));
-        target.catalogue->RemoveColumn(table->id, column->id);
+                                     QuoteName(column.name));
+        target.catalogue->RemoveColumn(table->id, id);
     }
 }
 
@@ -327,22 +318,17 @@ void SwitchConstraints(const ast::AlterTableStatement& alter, Catalogue& catalog
                 found = true;
             }
         }
-        if (!found) {
-            RaiseError(4917, {name});
-        }
+        RaiseIf(!found, 4917, {name});
     }
 }
 
 void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, const Target& target) {
     const TablePtr table = target.catalogue->LoadTable(target.table->id);
-    const ColumnDef* found = table->Find(definition.name);
-    if (found == nullptr) {
-        RaiseError(4924, {"ALTER TABLE ALTER COLUMN", definition.name, table->name});
-    }
-    if (found->type.id == TypeId::Timestamp || !found->computed.empty()) {
-        RaiseError(4928, {found->name, found->computed.empty() ? "timestamp" : "COMPUTED"});
-    }
-    ColumnDef column = *found;
+    const ColumnDef& found = Required(table->Find(definition.name), 4924,
+                                      {"ALTER TABLE ALTER COLUMN", definition.name, table->name});
+    RaiseIf(found.type.id == TypeId::Timestamp || !found.computed.empty(), 4928,
+            {found.name, found.computed.empty() ? "timestamp" : "COMPUTED"});
+    ColumnDef column = found;
     column.user_type.clear();
     bool type_nullable = true;
     Emission emission(session);
@@ -350,17 +336,16 @@ void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, 
         Binder(session, emission).ResolveType(definition.type, 1, &column.user_type, &type_nullable);
     column.nullable = definition.nullable.value_or(type_nullable);
     for (const IndexDef& index : table->indexes) {
-        if (IndexUses(index, column.id) &&
-            ((index.primary_key && column.nullable) || column.type.id != found->type.id)) {
-            RaiseError(4922, {"ALTER TABLE ALTER COLUMN", found->name});
-        }
+        RaiseIf(IndexUses(index, column.id) &&
+                    ((index.primary_key && column.nullable) || column.type.id != found.type.id),
+                4922, {"ALTER TABLE ALTER COLUMN", found.name});
     }
     SqliteStatement update =
         session.connection().Prepare("UPDATE " + table->Qualified() + " SET " + QuoteName(column.name) +
                                      " = ?1 WHERE " + RowIdName(*table) + " = ?2");
     const std::size_t position = table->IndexOf(column.id);
     for (const StoredRow& row : RowWriter::Read(session, *table, "1", {})) {
-        const Value value = Assign(row.values[position], found->type, column.type);
+        const Value value = Assign(row.values[position], found.type, column.type);
         if (IsNull(value) && !column.nullable) {
             RaiseError(515,
                        {column.name,
@@ -371,8 +356,8 @@ void AlterColumn(SessionCore& session, const ast::ColumnDefinition& definition, 
         update.Bind(1, value, column.type).BindInt(2, row.row_id).Run();
     }
     target.catalogue->UpdateColumn(table->id, column);
-    if (column.nullable !=
-        found->nullable) { // A unique index handles nullable columns differently, so it is made again.
+    if (column.nullable != found.nullable) {
+        // A unique index handles nullable columns differently, so it is made again.
         const TablePtr after = target.catalogue->LoadTable(table->id);
         for (const IndexDef& index : after->indexes) {
             if (index.unique && IndexUses(index, column.id)) {
@@ -424,9 +409,8 @@ void RunCreateIndex(SessionCore& session, const ast::CreateIndexStatement& creat
         int highest = 1;
         for (const IndexDef& other : table.indexes) {
             if (SameText(other.name, create.name)) {
-                if (!create.drop_existing || target.catalogue == nullptr) {
-                    RaiseError(1913, {create.name, "table", table.name});
-                }
+                RaiseIf(!create.drop_existing || target.catalogue == nullptr, 1913,
+                        {create.name, "table", table.name});
                 target.catalogue->RemoveIndex(table, other);
             } else if (other.clustered && index.clustered) {
                 RaiseError(1902, {"table", table.name, other.name});
@@ -435,14 +419,9 @@ void RunCreateIndex(SessionCore& session, const ast::CreateIndexStatement& creat
         }
         index.id = index.clustered ? 1 : highest + 1;
         for (const ast::IndexColumn& key : create.columns) {
-            const ColumnDef* column = table.Find(key.name);
-            if (column == nullptr) {
-                RaiseError(1911, {key.name});
-            }
-            if (IsOldLob(column->type.id)) {
-                RaiseError(1919, {column->name, table.name});
-            }
-            index.columns.push_back({column->id, key.descending});
+            const ColumnDef& column = Required(table.Find(key.name), 1911, {key.name});
+            RaiseIf(IsOldLob(column.type.id), 1919, {column.name, table.name});
+            index.columns.push_back({column.id, key.descending});
         }
         if (target.catalogue != nullptr) {
             AddIndexChecked(session, *target.catalogue, table, index);
@@ -479,13 +458,9 @@ void RunDropIndex(SessionCore& session, const ast::DropIndexStatement& drop) {
             }
             RaiseError(3701, {"drop", "index", name.text() + "." + index_name}, 7);
         }
-        if (found->constraint) {
-            RaiseError(3723,
-                       {name.text() + "." + index_name, found->primary_key ? "PRIMARY KEY" : "UNIQUE KEY"});
-        }
-        if (target.catalogue == nullptr) {
-            RaiseError(40517, {"DROP INDEX of a temporary table"});
-        }
+        RaiseIf(found->constraint, 3723,
+                {name.text() + "." + index_name, found->primary_key ? "PRIMARY KEY" : "UNIQUE KEY"});
+        RaiseIf(target.catalogue == nullptr, 40517, {"DROP INDEX of a temporary table"});
         session.transactions().Write(target.table->alias,
                                      [&] { target.catalogue->RemoveIndex(*target.table, *found); });
     }

@@ -8,6 +8,7 @@
 #include "devserver/storage/paths.h"
 #include "devserver/tsql/define/definitions.h"
 #include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
 
@@ -31,11 +32,7 @@ bool IsSystemDatabase(std::string_view name) {
 }
 
 DatabaseInfo RequireDatabase(SessionCore& session, const std::string& name, std::int32_t error) {
-    std::optional<DatabaseInfo> info = FindDatabase(session.connection(), name);
-    if (!info) {
-        RaiseError(error, {name});
-    }
-    return std::move(*info);
+    return Required(FindDatabase(session.connection(), name), error, {name});
 }
 
 /// "20MB" becomes "20480 KB"; "10%" and "Unlimited" stay as they are.

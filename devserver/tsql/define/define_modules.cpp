@@ -6,6 +6,7 @@
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
 #include "devserver/tsql/scalar/overloaded.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/object_place.h"
 
@@ -77,9 +78,9 @@ void RequirePure(const ast::Statement& statement) {
                 }
             },
             [](const ast::DeclareStatement& s) {
-                if (std::ranges::any_of(s.declarations, [](const auto& d) { return d.table.has_value(); })) {
-                    RaiseError(40517, {"table variable in a function"});
-                }
+                RaiseIf(
+                    std::ranges::any_of(s.declarations, [](const auto& d) { return d.table.has_value(); }),
+                    40517, {"table variable in a function"});
             },
             [](const ast::QueryPtr& s) { RaiseIf(!ast::IsAssignment(*s), 444, {}, 2); },
             []<class Node>(const Node&) {
@@ -164,11 +165,9 @@ void DropObject(SessionCore& session, const KindInfo& info, const ast::Name& nam
 void DropType(SessionCore& session, const ast::Name& name, bool if_exists) {
     Catalogue& catalogue = session.databases().Current();
     const std::optional<UserTypeDef> type = catalogue.FindType("", name.last());
+    RaiseIf(!type && !if_exists, 218, {name.text()});
     if (!type) {
-        if (if_exists) {
-            return;
-        }
-        RaiseError(218, {name.text()});
+        return;
     }
     SqliteStatement used =
         catalogue.Prepare("SELECT o.name FROM {db}.devsql_columns c JOIN {db}.devsql_objects o ON o.id = "
@@ -288,16 +287,14 @@ std::int64_t TableOfTrigger(SessionCore& session, const ast::CreateModuleStateme
     const ObjectPlace place = PlaceOf(session, trigger.table);
     RaiseIf(CompareText(place.database, session.databases().CurrentName()) != 0, 2108,
             {word, trigger.table.text()});
-    const std::optional<ObjectDef> table = session.databases().Current().FindObject(place.schema, place.name);
-    if (!table || table->type != "U") {
-        RaiseError(8197, {trigger.table.text()}, 4);
-    }
+    const ObjectDef table = Required(session.databases().Current().FindObject(place.schema, place.name), 8197,
+                                     {trigger.table.text()}, 4);
+    RaiseIf(table.type != "U", 8197, {trigger.table.text()}, 4);
     if (trigger.name.parts.size() < 2) {
-        schema = table->schema;
-    } else if (CompareText(schema, table->schema) != 0) {
-        RaiseError(2103, {word, trigger.name.text()});
+        schema = table.schema;
     }
-    return table->id;
+    RaiseIf(!SameText(schema, table.schema), 2103, {word, trigger.name.text()});
+    return table.id;
 }
 
 void RunSwitchTriggers(SessionCore& session, const ast::SwitchTriggersStatement& triggers) {
@@ -305,9 +302,7 @@ void RunSwitchTriggers(SessionCore& session, const ast::SwitchTriggersStatement&
     Emission emission(session);
     const Target target =
         BindTargetAs(session, emission, triggers.table, triggers.missing == kOfAlterTable ? 4902 : 1088);
-    if (target.catalogue == nullptr) {
-        RaiseError(40517, {"trigger on a temporary table"});
-    }
+    RaiseIf(target.catalogue == nullptr, 40517, {"trigger on a temporary table"});
     session.transactions().Write(target.table->alias, [&] {
         for (const std::string& name : triggers.names) {
             bool found = name == "ALL";
@@ -317,9 +312,7 @@ void RunSwitchTriggers(SessionCore& session, const ast::SwitchTriggersStatement&
                     target.catalogue->SetDisabled(trigger.id, !triggers.enable);
                 }
             }
-            if (!found) {
-                RaiseError(triggers.missing, {name, triggers.table.text()});
-            }
+            RaiseIf(!found, triggers.missing, {name, triggers.table.text()});
         }
     });
     session.results().Done(Command::None, std::nullopt);

@@ -5,6 +5,7 @@
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion_parts.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/object_place.h"
 
@@ -36,9 +37,7 @@ void Build(TableBuilder& builder, const ast::TableDefinition& definition) {
     for (const ast::Constraint* constraint : Ordered(definition.constraints)) {
         builder.AddConstraint(*constraint, "");
     }
-    if (builder.table().columns.empty()) {
-        RaiseError(1753, {"", builder.table().name});
-    }
+    RaiseIf(builder.table().columns.empty(), 1753, {"", builder.table().name});
 }
 
 void StoreTemporary(SessionCore& session, const TableDef& table) {
@@ -80,10 +79,9 @@ void CreateTable(SessionCore& session, const ast::Name& name, Define define) {
     const ObjectPlace place = PlaceOf(session, name);
     Catalogue* catalogue = temporary ? nullptr : &session.databases().Get(place.database);
     session.transactions().Write(temporary ? "temp" : catalogue->alias(), [&] {
-        if (temporary ? session.temporaries().HasOwn(name.last())
-                      : catalogue->FindObject(place.schema, place.name).has_value()) {
-            RaiseError(2714, {temporary ? name.last() : place.name}, 6);
-        }
+        RaiseIf(temporary ? session.temporaries().HasOwn(name.last())
+                          : catalogue->FindObject(place.schema, place.name).has_value(),
+                2714, {temporary ? name.last() : place.name}, 6);
         TableDef table = temporary ? NewTemporary(session, name.last()) : TableDef{};
         if (!temporary) {
             RequireSchema(*catalogue, place.schema);
@@ -145,13 +143,10 @@ Type TableBuilder::TypeOfComputed(const std::string& text) {
 }
 
 void TableBuilder::AddColumn(const ast::ColumnDefinition& definition) {
-    if (table_.Find(definition.name) != nullptr) {
-        RaiseError(2705, {definition.name, table_.name});
-    }
+    RaiseIf(table_.Find(definition.name) != nullptr, 2705, {definition.name, table_.name});
     constexpr std::size_t kMostColumns = 1024;
-    if (table_.columns.size() >= kMostColumns) {
-        RaiseError(1702, {definition.name, table_.name, std::to_string(kMostColumns)});
-    }
+    RaiseIf(table_.columns.size() >= kMostColumns, 1702,
+            {definition.name, table_.name, std::to_string(kMostColumns)});
     ColumnDef column;
     column.name = definition.name;
     for (const ColumnDef& other : table_.columns) {
@@ -172,12 +167,8 @@ void TableBuilder::AddColumn(const ast::ColumnDefinition& definition) {
     column.row_guid = definition.row_guid;
     if (definition.identity) {
         const bool whole = IsInteger(column.type.id) || (IsDecimal(column.type.id) && column.type.scale == 0);
-        if (!whole) {
-            RaiseError(2749, {column.name});
-        }
-        if (table_.IdentityColumn() != nullptr) {
-            RaiseError(2744, {table_.name});
-        }
+        RaiseIf(!whole, 2749, {column.name});
+        RaiseIf(table_.IdentityColumn() != nullptr, 2744, {table_.name});
         RaiseIf(definition.nullable == true, 8147, {column.name, table_.name});
         column.identity = true;
         column.seed = definition.identity->seed;
@@ -217,9 +208,7 @@ void TableBuilder::AddKey(const ast::Constraint& constraint, const std::string& 
     index.clustered = constraint.clustered;
     int highest = 1;
     for (const IndexDef& other : table_.indexes) {
-        if (primary && other.primary_key) {
-            RaiseError(altering_ ? 1779 : 8110, {table_.name});
-        }
+        RaiseIf(primary && other.primary_key, altering_ ? 1779 : 8110, {table_.name});
         if (other.clustered && index.clustered) {
             RaiseIf(constraint.clustering_given, 8112, {table_.name});
             index.clustered = false; // A primary key is clustered unless another index is.
@@ -263,14 +252,13 @@ void TableBuilder::AddDefault(const ast::Constraint& constraint, const std::stri
 
 TablePtr TableBuilder::Referenced(const ast::Constraint& constraint, const std::string& name) {
     const ObjectPlace place = PlaceOf(session_, constraint.references);
-    const std::optional<ObjectDef> object = catalogue_->FindObject(place.schema, place.name);
     if (SameText(place.name, table_.name) && SameText(place.schema, table_.schema)) {
         return std::make_shared<TableDef>(table_);
     }
-    if (!object || object->type != "U") {
-        RaiseError(1767, {name, constraint.references.text()});
-    }
-    return catalogue_->LoadTable(object->id);
+    const ObjectDef object = Required(catalogue_->FindObject(place.schema, place.name), 1767,
+                                      {name, constraint.references.text()});
+    RaiseIf(object.type != "U", 1767, {name, constraint.references.text()});
+    return catalogue_->LoadTable(object.id);
 }
 
 void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::string& column) {
@@ -290,9 +278,9 @@ void TableBuilder::AddForeignKey(const ast::Constraint& constraint, const std::s
         const ColumnDef& own = table_.ById(key.columns[i]);
         const ColumnDef& other = referenced->ById(key.referenced_columns[i]);
         const bool texts = IsCharacter(own.type.id) && IsCharacter(other.type.id);
-        if (own.type.id != other.type.id && !texts && !(IsDecimal(own.type.id) && IsDecimal(other.type.id))) {
-            RaiseError(1778, {referenced->name, other.name, table_.name, own.name, key.name});
-        }
+        const bool decimals = IsDecimal(own.type.id) && IsDecimal(other.type.id);
+        RaiseIf(own.type.id != other.type.id && !texts && !decimals, 1778,
+                {referenced->name, other.name, table_.name, own.name, key.name});
     }
     foreign_keys_.push_back(std::move(key));
 }
@@ -305,18 +293,11 @@ void TableBuilder::FindKeyColumns(const ast::Constraint& constraint, const std::
         columns.push_back({column, false});
     }
     for (const ast::IndexColumn& own : columns) {
-        const ColumnDef* definition = table_.Find(own.name);
-        if (definition == nullptr) {
-            RaiseError(1769, {key.name, own.name, table_.name});
-        }
-        key.columns.push_back(definition->id);
+        key.columns.push_back(Required(table_.Find(own.name), 1769, {key.name, own.name, table_.name}).id);
     }
     for (const std::string& name : constraint.referenced_columns) {
-        const ColumnDef* definition = referenced.Find(name);
-        if (definition == nullptr) {
-            RaiseError(1770, {key.name, name, referenced.name});
-        }
-        key.referenced_columns.push_back(definition->id);
+        key.referenced_columns.push_back(
+            Required(referenced.Find(name), 1770, {key.name, name, referenced.name}).id);
     }
 }
 
@@ -338,9 +319,7 @@ void TableBuilder::RequireReferencedKey(const ast::Constraint& constraint, const
     RaiseIf(constraint.referenced_columns.empty() && key.referenced_columns.empty(), 1773,
             {key.name, referenced.name});
     RaiseIf(key.columns.size() != key.referenced_columns.size(), 1774, {key.name});
-    if (!any_key) {
-        RaiseError(1776, {referenced.name, key.name});
-    }
+    RaiseIf(!any_key, 1776, {referenced.name, key.name});
 }
 
 // ------------------------------------------------------------------ statements
@@ -387,9 +366,7 @@ void CreateTableFor(SessionCore& session, const ast::Name& name, const std::vect
             definition.nullable = column.nullable;
             definition.identity = column.identity && table.IdentityColumn() == nullptr;
             definition.seed = definition.increment = definition.identity ? 1 : 0;
-            if (table.Find(column.name) != nullptr) {
-                RaiseError(2705, {column.name, table.name});
-            }
+            RaiseIf(table.Find(column.name) != nullptr, 2705, {column.name, table.name});
             table.columns.push_back(std::move(definition));
         }
     });

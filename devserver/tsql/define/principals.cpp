@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "devserver/tsql/define/definitions.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/object_place.h"
 #include "devserver/tsql/session/server.h"
@@ -73,21 +74,16 @@ void AddRole(SessionCore& session, const std::string& name) {
 
 void SetRoleMember(SessionCore& session, const std::string& role, const std::string& member, bool add) {
     Catalogue& catalogue = session.databases().Current();
-    const std::optional<Principal> group = FindPrincipal(catalogue, role);
-    if (!group || !group->role) {
-        RaiseError(15014, {role});
-    }
-    RaiseIf(group->id == 0, 15081);
-    const std::optional<Principal> user = FindPrincipal(catalogue, member);
-    if (!user) {
-        RaiseError(15410, {member});
-    }
+    const Principal group = Required(FindPrincipal(catalogue, role), 15014, {role});
+    RaiseIf(!group.role, 15014, {role});
+    RaiseIf(group.id == 0, 15081);
+    const Principal user = Required(FindPrincipal(catalogue, member), 15410, {member});
     session.transactions().Write(catalogue.alias(), [&] {
         catalogue
             .Prepare(add ? "INSERT OR IGNORE INTO {db}.devsql_members VALUES(?1, ?2)"
                          : "DELETE FROM {db}.devsql_members WHERE role = ?1 AND member = ?2")
-            .BindInt(1, group->id)
-            .BindInt(2, user->id)
+            .BindInt(1, group.id)
+            .BindInt(2, user.id)
             .Run();
     });
 }
@@ -156,9 +152,8 @@ void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string
         }
         RaiseError(15151, {"drop", role ? "role" : "user", name});
     }
-    if (principal->id <= 4 || (principal->id >= 16384 && principal->id < 16400)) {
-        RaiseError(15150, {role ? "role" : "user", name});
-    }
+    RaiseIf(principal->id <= 4 || (principal->id >= 16384 && principal->id < 16400), 15150,
+            {role ? "role" : "user", name});
     session.transactions().Write(catalogue.alias(), [&] {
         SqliteStatement members = catalogue.Prepare("SELECT 1 FROM {db}.devsql_members WHERE role = ?1");
         RaiseIf(members.BindInt(1, principal->id).Step(), 15144);
@@ -181,35 +176,31 @@ void RunGrant(SessionCore& session, const ast::GrantStatement& grant) {
     std::int64_t object = 0;
     if (!grant.object.empty()) {
         const ObjectPlace place = PlaceOf(session, grant.object);
-        const std::optional<ObjectDef> found = catalogue.FindObject(place.schema, place.name);
-        if (!found) {
-            RaiseError(15151, {"find", "object", grant.object.text()});
-        }
-        object = found->id;
+        object = Required(catalogue.FindObject(place.schema, place.name), 15151,
+                          {"find", "object", grant.object.text()})
+                     .id;
     }
     for (const std::string& permission : grant.permissions) {
         RaiseIf(!ListHas(kPermissions, permission), 102, {permission});
     }
     session.transactions().Write(catalogue.alias(), [&] {
         for (const std::string& grantee : grant.grantees) {
-            const std::optional<Principal> principal = FindPrincipal(catalogue, grantee);
-            if (!principal) {
-                RaiseError(15151, {"find", "user", grantee});
-            }
+            const Principal principal =
+                Required(FindPrincipal(catalogue, grantee), 15151, {"find", "user", grantee});
             for (const std::string& permission : grant.permissions) {
                 if (grant.action == ast::GrantAction::Revoke) {
                     catalogue
                         .Prepare("DELETE FROM {db}.devsql_permissions WHERE object = ?1 AND grantee = ?2 AND "
                                  "permission = ?3")
                         .BindInt(1, object)
-                        .BindInt(2, principal->id)
+                        .BindInt(2, principal.id)
                         .BindText(3, permission)
                         .Run();
                     continue;
                 }
                 catalogue.Prepare("INSERT OR REPLACE INTO {db}.devsql_permissions VALUES(?1, ?2, ?3, ?4)")
                     .BindInt(1, object)
-                    .BindInt(2, principal->id)
+                    .BindInt(2, principal.id)
                     .BindText(3, permission == "EXEC" ? "EXECUTE" : permission)
                     .BindText(4, grant.action == ast::GrantAction::Deny ? "DENY" : "GRANT")
                     .Run();

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "devserver/engine/cancelled.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 
@@ -55,11 +56,9 @@ bool RemoteServers::Means(const ast::Name& name) const {
 }
 
 LinkedServer RemoteServers::Find(const std::string& name) const {
-    std::optional<LinkedServer> server = FindServer(owner_.connection(), name);
-    if (!server || server->id == 0) {
-        RaiseError(7202, {name}, 2);
-    }
-    return *std::move(server);
+    LinkedServer server = Required(FindServer(owner_.connection(), name), 7202, {name}, 2);
+    RaiseIf(server.id == 0, 7202, {name}, 2);
+    return server;
 }
 
 std::string RemoteServers::Key(const std::string& name) {
@@ -69,16 +68,13 @@ std::string RemoteServers::Key(const std::string& name) {
 RemoteSource RemoteServers::SourceOf(const LinkedServer& server) const {
     constexpr unsigned kConnectSeconds = 15;
     constexpr unsigned kQuerySeconds = 600;
-    const std::optional<LinkedLogin> login = owner_.Logins().Find(server.id, owner_.login());
-    if (!login) {
-        RaiseError(7416, {}, 2);
-    }
+    const LinkedLogin login = Required(owner_.Logins().Find(server.id, owner_.login()), 7416, {}, 2);
     RemoteSource source;
     source.address = server.source;
     source.provider_string = server.Option("provider string");
     source.catalog = server.Option("catalog");
-    source.user = login->own ? owner_.login() : login->remote_user;
-    source.password = login->own ? owner_.password() : login->password;
+    source.user = login.own ? owner_.login() : login.remote_user;
+    source.password = login.own ? owner_.password() : login.password;
     source.application = UniqueApplication();
     source.connect_seconds = Seconds(server, "connect timeout", kConnectSeconds);
     source.query_seconds = Seconds(server, "query timeout", kQuerySeconds);
@@ -91,9 +87,7 @@ RemoteServers::Link& RemoteServers::Connect(const LinkedServer& server) {
         return found->second;
     }
     const RemoteConnector& connect = owner_.connector();
-    if (!connect) {
-        RaiseError(7403, {server.provider}, 2);
-    }
+    RaiseIf(!connect, 7403, {server.provider}, 2);
     const RemoteSource source = SourceOf(server);
     Link link;
     try {
@@ -174,12 +168,8 @@ void RemoteServers::Join(const LinkedServer& server) {
     if (!owner_.InTransaction() || link.in_transaction) {
         return;
     }
-    if (link.loopback) {
-        RaiseError(3910, {}, 2);
-    }
-    if (owner_.HasSavepoints()) {
-        RaiseError(3933);
-    }
+    RaiseIf(link.loopback, 3910, {}, 2);
+    RaiseIf(owner_.HasSavepoints(), 3933);
     Execute(server, "BEGIN TRANSACTION");
     links_.at(Key(server.name)).in_transaction = true;
 }

@@ -77,9 +77,7 @@ void AddNew(const std::string& statement, std::set<std::string>& seen, std::vect
 
 RemoteTable::RemoteTable(RemoteServers& servers, const ast::Name& name)
     : servers_(servers), name_(name), server_(servers.Find(name.parts[0])) {
-    if (!server_.Is("data access")) {
-        RaiseError(7411, {server_.name, "DATA ACCESS"});
-    }
+    RaiseIf(!server_.Is("data access"), 7411, {server_.name, "DATA ACCESS"});
     const std::string& schema = name.parts[2];
     qualified_ = Prefix() + (schema.empty() ? std::string() : BracketName(schema)) +
                  (schema.empty() && Prefix().empty() ? "" : ".") + BracketName(name.last());

@@ -105,9 +105,7 @@ std::int32_t ChangeProperty(SystemCall& call, Change change) {
     Catalogue& catalogue = call.session().databases().Current();
     const bool known =
         catalogue.Prepare("SELECT 1 FROM {db}.devsql_settings WHERE name = ?1").BindText(1, key).Step();
-    if (known == (change == Change::Add)) {
-        RaiseError(known ? 15233 : 15217, {name, owner.name});
-    }
+    RaiseIf(known == (change == Change::Add), known ? 15233 : 15217, {name, owner.name});
     call.session().transactions().Write(catalogue.alias(), [&] {
         catalogue.Prepare("DELETE FROM {db}.devsql_settings WHERE name = ?1").BindText(1, key).Run();
         if (change != Change::Drop) {

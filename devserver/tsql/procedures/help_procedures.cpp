@@ -104,9 +104,7 @@ std::int32_t HelpFile(SystemCall& call) {
         std::erase_if(one.files, [&](const DatabaseFile& f) {
             return Folded(f.name) != Folded(call.Text("@filename"));
         });
-        if (one.files.empty()) {
-            RaiseError(15325, {call.Text("@filename")});
-        }
+        RaiseIf(one.files.empty(), 15325, {call.Text("@filename")});
         FileRows(table, one);
     }
     table.End();

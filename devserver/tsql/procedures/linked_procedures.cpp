@@ -6,6 +6,7 @@
 #include "devserver/storage/linked_servers.h"
 #include "devserver/tsql/procedures/procedure_table.h"
 #include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
 
@@ -35,11 +36,7 @@ LinkedLogins Logins(SystemCall& call) {
 /// Raises 15015.
 LinkedServer Require(SystemCall& call, std::string_view parameter) {
     const std::string name = call.Text(parameter);
-    std::optional<LinkedServer> server = FindServer(call.session().connection(), name);
-    if (!server) {
-        RaiseError(15015, {name});
-    }
-    return *std::move(server);
+    return Required(FindServer(call.session().connection(), name), 15015, {name});
 }
 
 /// Writes to master, and closes the session's connection that was made with the old settings.
@@ -123,9 +120,8 @@ std::int32_t DropServer(SystemCall& call) {
     const std::string with_logins = call.Text("@droplogins");
     RaiseIf(server.id == 0 || (!call.IsNull("@droplogins") && !AsciiEqual(with_logins, "droplogins")), 15600,
             {"sp_dropserver"});
-    if (server.publisher || server.subscriber || server.distributor) {
-        RaiseError(20584, {server.name, server.subscriber ? "Subscriber" : "Distributor"});
-    }
+    RaiseIf(server.publisher || server.subscriber || server.distributor, 20584,
+            {server.name, server.subscriber ? "Subscriber" : "Distributor"});
     const std::vector<LinkedLogin> logins = Logins(call).List(server.id);
     const bool mapped = std::ranges::any_of(
         logins, [](const LinkedLogin& login) { return !login.own || !login.local.empty(); });

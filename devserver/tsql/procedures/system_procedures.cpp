@@ -10,6 +10,7 @@
 #include "devserver/tsql/procedures/procedure_table.h"
 #include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/conversion.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/object_place.h"
 #include "devserver/tsql/session/server.h"
@@ -73,9 +74,8 @@ std::int32_t ExecuteSql(SystemCall& call) {
     const std::vector<ActualArgument>& actual = call.actual();
     RaiseIf(actual.empty(), 201, {"sp_executesql", "@statement"}, 4);
     for (std::size_t i = 0; i < actual.size() && i < 2; ++i) {
-        if (!IsUnicode(actual[i].type.id) && !IsNull(actual[i].value)) {
-            RaiseError(214, {i == 0 ? "@statement" : "@parameters", "ntext/nchar/nvarchar"}, 2);
-        }
+        RaiseIf(!IsUnicode(actual[i].type.id) && !IsNull(actual[i].value), 214,
+                {i == 0 ? "@statement" : "@parameters", "ntext/nchar/nvarchar"}, 2);
     }
     return RunParameterized(call, TextOf(actual[0]), actual.size() > 1 ? TextOf(actual[1]) : "", 2);
 }
@@ -94,11 +94,8 @@ std::int32_t ExecutePrepared(SystemCall& call) {
         actual.empty() || IsNull(actual[0].value)
             ? 0
             : std::get<std::int64_t>(Convert(actual[0].value, actual[0].type, Simple(TypeId::BigInt)));
-    const auto* prepared = call.session().prepared().Find(static_cast<std::int32_t>(handle));
-    if (prepared == nullptr) {
-        RaiseError(8179, {std::to_string(handle)}, 2);
-    }
-    const auto [declarations, text] = *prepared;
+    const auto [declarations, text] = Required(
+        call.session().prepared().Find(static_cast<std::int32_t>(handle)), 8179, {std::to_string(handle)}, 2);
     return RunParameterized(call, text, declarations, 1);
 }
 
@@ -267,13 +264,9 @@ void RenameObject(Catalogue& catalogue, const ObjectDef& object, const std::stri
 
 void RenameColumn(SessionCore& session, Catalogue& catalogue, const TablePtr& table, const std::string& name,
                   const std::string& new_name) {
-    const ColumnDef* column = table ? table->Find(name) : nullptr;
-    if (column == nullptr) {
-        RaiseError(15248, {"COLUMN"});
-    }
+    ColumnDef renamed = Required(table ? table->Find(name) : nullptr, 15248, {"COLUMN"});
     session.connection().Execute("ALTER TABLE " + table->Qualified() + " RENAME COLUMN " +
-                                 QuoteName(column->name) + " TO " + QuoteName(new_name));
-    ColumnDef renamed = *column;
+                                 QuoteName(renamed.name) + " TO " + QuoteName(new_name));
     renamed.name = new_name;
     catalogue.UpdateColumn(table->id, renamed);
 }
@@ -283,9 +276,7 @@ void RenameIndex(Catalogue& catalogue, const TablePtr& table, const std::string&
     const bool known =
         table && std::any_of(table->indexes.begin(), table->indexes.end(),
                              [&](const IndexDef& i) { return CompareText(i.name, name) == 0; });
-    if (!known) {
-        RaiseError(15248, {"INDEX"});
-    }
+    RaiseIf(!known, 15248, {"INDEX"});
     catalogue.Prepare("UPDATE {db}.devsql_indexes SET name = ?3 WHERE object = ?1 AND name = ?2")
         .BindInt(1, table->id)
         .BindText(2, name)
@@ -339,9 +330,7 @@ std::int32_t HelpText(SystemCall& call) {
     SessionCore& session = call.session();
     const std::string text = call.Text("@objname");
     const ast::Name name = ParseName(text);
-    if (name.empty()) {
-        RaiseError(15009, {text, session.databases().CurrentName()});
-    }
+    RaiseIf(name.empty(), 15009, {text, session.databases().CurrentName()});
     const ObjectPlace place = PlaceOf(session, name);
     RaiseIf(CompareText(place.database, session.databases().CurrentName()) != 0, 15250);
     Catalogue& catalogue = session.databases().Current();
@@ -373,11 +362,7 @@ std::int32_t HelpText(SystemCall& call) {
 
 /// The login that an argument names. Raises 15007.
 LoginInfo RequireLogin(SystemCall& call, const std::string& name) {
-    std::optional<LoginInfo> login = FindLogin(call.session().connection(), name);
-    if (!login) {
-        RaiseError(15007, {name});
-    }
-    return *std::move(login);
+    return Required(FindLogin(call.session().connection(), name), 15007, {name});
 }
 
 std::int32_t Save(SystemCall& call, const LoginInfo& login) {

@@ -7,6 +7,7 @@
 #include "devserver/tsql/linked/remote_values.h"
 #include "devserver/tsql/replication/replication_procedures.h"
 #include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
 
@@ -19,6 +20,13 @@ extern const std::string_view kDropAgentJob;
 
 bool SaysTrue(const std::string& text) {
     return AsciiEqual(TrimTrailingBlanks(text), "true");
+}
+
+LinkedServer RequireRole(SystemCall& call, const std::string& name, bool LinkedServer::*role,
+                         std::int32_t error) {
+    LinkedServer server = Required(FindServer(call.session().connection(), name), error, {name});
+    RaiseIf(!(server.*role), error, {name});
+    return server;
 }
 
 void AddAgentJob(SystemCall& call, const std::string& name, const std::string& category) {
@@ -80,11 +88,14 @@ std::vector<std::string> DistributionDatabases(SystemCall& call) {
 
 /// Raises 14071.
 LinkedServer RequireDistributor(SystemCall& call) {
-    std::optional<LinkedServer> server = FindServer(Connection(call), kDistributor);
-    if (!server) {
-        RaiseError(14071);
-    }
-    return *std::move(server);
+    return Required(FindServer(Connection(call), kDistributor), 14071);
+}
+
+/// A distribution database. Raises 14117.
+DatabaseInfo RequireDistributionDb(SystemCall& call, const std::string& name) {
+    DatabaseInfo info = Required(FindDatabase(Connection(call), name), 14117, {name});
+    RaiseIf(!info.Option(kDistributionOption), 14117, {name});
+    return info;
 }
 
 std::int32_t AddDistributor(SystemCall& call) {
@@ -119,9 +130,7 @@ std::int32_t AddDistributionDb(SystemCall& call) {
     RequireDistributor(call);
     const std::string name = call.Text("@database");
     std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
-    if (info && info->Option(kDistributionOption)) {
-        RaiseError(14119, {name});
-    }
+    RaiseIf(info && info->Option(kDistributionOption), 14119, {name});
     if (!info) {
         std::string sql = "CREATE DATABASE " + BracketName(name);
         const std::string data = FolderPrefix(call.Text("@data_folder"));
@@ -151,29 +160,21 @@ std::int32_t AddDistributionDb(SystemCall& call) {
 
 std::int32_t AddDistPublisher(SystemCall& call) {
     RequireDistributor(call);
-    const std::string database = call.Text("@distribution_db");
-    const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), database);
-    if (!info || !info->Option(kDistributionOption)) {
-        RaiseError(14117, {database});
-    }
+    const DatabaseInfo info = RequireDistributionDb(call, call.Text("@distribution_db"));
     LinkedServer server = ServerRow(call, call.Text("@publisher"));
     server.publisher = true;
-    server.options[kDistributionDb] = info->name;
+    server.options[kDistributionDb] = info.name;
     server.options["working directory"] = call.Text("@working_directory");
     Save(call, server);
     return 0;
 }
 
 std::int32_t DropDistPublisher(SystemCall& call) {
-    const std::string name = call.Text("@publisher");
-    std::optional<LinkedServer> server = FindServer(Connection(call), name);
-    if (!server || !server->publisher) {
-        RaiseError(14080, {name});
-    }
-    server->publisher = false;
-    server->options.erase(kDistributionDb);
-    server->options.erase("working directory");
-    DropRole(call, *server);
+    LinkedServer server = RequireRole(call, call.Text("@publisher"), &LinkedServer::publisher, 14080);
+    server.publisher = false;
+    server.options.erase(kDistributionDb);
+    server.options.erase("working directory");
+    DropRole(call, server);
     return 0;
 }
 
@@ -186,29 +187,19 @@ void DropDistributionDatabase(SystemCall& call, const std::string& name) {
 }
 
 std::int32_t DropDistributionDb(SystemCall& call) {
-    const std::string name = call.Text("@database");
-    const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
-    if (!info || !info->Option(kDistributionOption)) {
-        RaiseError(14117, {name});
-    }
+    const DatabaseInfo info = RequireDistributionDb(call, call.Text("@database"));
     for (const LinkedServer& server : ListServers(Connection(call))) {
-        if (Folded(server.Option(kDistributionDb)) == Folded(name)) {
-            RaiseError(14120, {name});
-        }
+        RaiseIf(Folded(server.Option(kDistributionDb)) == Folded(info.name), 14120, {info.name});
     }
-    DropDistributionDatabase(call, info->name);
+    DropDistributionDatabase(call, info.name);
     return 0;
 }
 
 std::int32_t DropDistributor(SystemCall& call) {
-    const std::optional<LinkedServer> distributor = FindServer(Connection(call), kDistributor);
-    if (!distributor) {
-        RaiseError(14114, {call.session().server().name()});
-    }
+    const LinkedServer distributor =
+        Required(FindServer(Connection(call), kDistributor), 14114, {call.session().server().name()});
     const std::vector<std::string> databases = DistributionDatabases(call);
-    if (!databases.empty() && call.Int("@no_checks") == 0) {
-        RaiseError(14121, {distributor->source});
-    }
+    RaiseIf(!databases.empty() && call.Int("@no_checks") == 0, 14121, {distributor.source});
     for (const DatabaseInfo& info : ListDatabases(Connection(call))) {
         if (info.Option("PUBLISHED")) {
             UnpublishDatabase(call, info.name);
@@ -224,7 +215,7 @@ std::int32_t DropDistributor(SystemCall& call) {
     for (const std::string& name : databases) {
         DropDistributionDatabase(call, name);
     }
-    call.session().transactions().Write("main", [&] { RemoveServer(Connection(call), distributor->id); });
+    call.session().transactions().Write("main", [&] { RemoveServer(Connection(call), distributor.id); });
     return 0;
 }
 
@@ -237,9 +228,7 @@ std::int32_t ChangeDistributorPassword(SystemCall& call) {
 std::int32_t AddSubscriber(SystemCall& call) {
     const std::string name = call.Text("@subscriber");
     LinkedServer server = ServerRow(call, name);
-    if (server.subscriber) {
-        RaiseError(14040, {name});
-    }
+    RaiseIf(server.subscriber, 14040, {name});
     server.subscriber = true;
     server.options["rpc"] = "true";
     Save(call, server);
@@ -256,42 +245,29 @@ std::int32_t AddSubscriber(SystemCall& call) {
 
 std::int32_t DropSubscriber(SystemCall& call) {
     const std::string name = call.Text("@subscriber");
-    std::optional<LinkedServer> server = FindServer(Connection(call), name);
-    if (!server || !server->subscriber) {
-        RaiseError(14048, {name});
-    }
-    if (HasSubscriptions(Connection(call), name)) {
-        RaiseError(14144, {name, call.session().databases().CurrentName()});
-    }
-    server->subscriber = false;
-    DropRole(call, *server);
+    LinkedServer server = RequireRole(call, name, &LinkedServer::subscriber, 14048);
+    RaiseIf(HasSubscriptions(Connection(call), name), 14144,
+            {name, call.session().databases().CurrentName()});
+    server.subscriber = false;
+    DropRole(call, server);
     return 0;
 }
 
 std::int32_t ReplicationDbOption(SystemCall& call) {
     const std::string name = call.Text("@dbname");
-    const std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
-    if (!info) {
-        RaiseError(15010, {name});
-    }
+    const DatabaseInfo info = Required(FindDatabase(Connection(call), name), 15010, {name});
     const std::string option = AsciiUpper(call.Text("@optname"));
-    if (option == "MERGE PUBLISH" || option == "SUBSCRIBE" || option == "SYNC WITH BACKUP") {
-        RaiseError(40517, {"sp_replicationdboption '" + call.Text("@optname") + "'"});
-    }
-    if (option != "PUBLISH") {
-        RaiseError(14137, {call.Text("@optname")});
-    }
+    RaiseIf(ListHas("MERGE PUBLISH,SUBSCRIBE,SYNC WITH BACKUP", option), 40517,
+            {"sp_replicationdboption '" + call.Text("@optname") + "'"});
+    RaiseIf(option != "PUBLISH", 14137, {call.Text("@optname")});
     const bool on = SaysTrue(call.Text("@value"));
-    if (!on && !AsciiEqual(TrimTrailingBlanks(call.Text("@value")), "false")) {
-        RaiseError(14148, {"@value"});
-    }
-    if (on && (!FindServer(Connection(call), kDistributor) || DistributionDatabases(call).empty())) {
-        RaiseError(20028);
-    }
+    RaiseIf(!on && !AsciiEqual(TrimTrailingBlanks(call.Text("@value")), "false"), 14148, {"@value"});
+    RaiseIf(on && (!FindServer(Connection(call), kDistributor) || DistributionDatabases(call).empty()),
+            20028);
     if (!on) {
-        UnpublishDatabase(call, info->name);
+        UnpublishDatabase(call, info.name);
     }
-    SetOption(call, *info, "PUBLISHED", on);
+    SetOption(call, info, "PUBLISHED", on);
     return 0;
 }
 

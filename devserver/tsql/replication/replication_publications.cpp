@@ -7,6 +7,7 @@
 #include "devserver/storage/publications.h"
 #include "devserver/tsql/replication/replication_procedures.h"
 #include "devserver/tsql/scalar/compare.h"
+#include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
 
@@ -25,23 +26,16 @@ bool IsAll(const std::string& text) {
 
 /// The current database. Raises 14013 where it is not published.
 DatabaseInfo RequirePublished(SystemCall& call) {
-    const std::optional<DatabaseInfo> info =
-        FindDatabase(Connection(call), call.session().databases().CurrentName());
-    if (!info || !info->Option("PUBLISHED")) {
-        RaiseError(14013);
-    }
-    return *info;
+    DatabaseInfo info =
+        Required(FindDatabase(Connection(call), call.session().databases().CurrentName()), 14013);
+    RaiseIf(!info.Option("PUBLISHED"), 14013);
+    return info;
 }
 
 /// Raises 14013, 20026.
 Publication RequirePublication(SystemCall& call) {
     const std::string name = call.Text("@publication");
-    const DatabaseInfo info = RequirePublished(call);
-    std::optional<Publication> publication = FindPublication(Connection(call), info.id, name);
-    if (!publication) {
-        RaiseError(20026, {name});
-    }
-    return *std::move(publication);
+    return Required(FindPublication(Connection(call), RequirePublished(call).id, name), 20026, {name});
 }
 
 /// The article of that name, or all articles for "all". Raises 20027.
@@ -50,9 +44,7 @@ std::vector<Article> RequireArticles(SystemCall& call, const Publication& public
     std::vector<Article> articles = ListArticles(Connection(call), publication.id);
     if (!IsAll(name)) {
         std::erase_if(articles, [&](const Article& article) { return Folded(article.name) != Folded(name); });
-        if (articles.empty()) {
-            RaiseError(20027, {name});
-        }
+        RaiseIf(articles.empty(), 20027, {name});
     }
     return articles;
 }
@@ -73,21 +65,16 @@ void DropUnusedJob(SystemCall& call, const std::string& job) {
 std::int32_t AddPublicationProcedure(SystemCall& call) {
     Publication publication;
     publication.name = call.Text("@publication");
-    if (IsAll(publication.name)) {
-        RaiseError(14034);
-    }
+    RaiseIf(IsAll(publication.name), 14034);
     const DatabaseInfo info = RequirePublished(call);
-    if (FindPublication(Connection(call), info.id, publication.name)) {
-        RaiseError(14016, {publication.name});
-    }
+    RaiseIf(FindPublication(Connection(call), info.id, publication.name).has_value(), 14016,
+            {publication.name});
     const std::string frequency = call.Text("@repl_freq");
     const std::string status = call.Text("@status");
-    if (!AsciiEqual(frequency, "continuous") && !AsciiEqual(frequency, "snapshot")) {
-        RaiseError(20587, {"@repl_freq", "sp_addpublication"});
-    }
-    if (!AsciiEqual(status, "active") && !AsciiEqual(status, "inactive")) {
-        RaiseError(20587, {"@status", "sp_addpublication"});
-    }
+    RaiseIf(!AsciiEqual(frequency, "continuous") && !AsciiEqual(frequency, "snapshot"), 20587,
+            {"@repl_freq", "sp_addpublication"});
+    RaiseIf(!AsciiEqual(status, "active") && !AsciiEqual(status, "inactive"), 20587,
+            {"@status", "sp_addpublication"});
     publication.database = info.id;
     publication.description = call.Text("@description");
     publication.snapshot = AsciiEqual(frequency, "snapshot");
@@ -143,9 +130,7 @@ std::int32_t DropPublication(SystemCall& call) {
         all ? ListPublications(Connection(call), info.id) : std::vector{RequirePublication(call)};
     for (const Publication& publication : publications) {
         for (const Article& article : ListArticles(Connection(call), publication.id)) {
-            if (!ListSubscriptions(Connection(call), article.id).empty()) {
-                RaiseError(14005);
-            }
+            RaiseIf(!ListSubscriptions(Connection(call), article.id).empty(), 14005);
         }
         RemovePublicationAndJobs(call, publication, info.name);
     }
@@ -160,19 +145,16 @@ ObjectDef RequireTable(SystemCall& call, const Publication& publication) {
     const std::string owner = call.Text("@source_owner");
     const std::string name =
         call.IsNull("@source_object") ? call.Text("@source_table") : call.Text("@source_object");
-    const std::optional<ObjectDef> object = catalogue.FindObject(owner.empty() ? "dbo" : owner, name);
-    if (!object || !(object->type == "U" || object->type == "P")) {
-        RaiseError(14027, {name});
-    }
-    if (object->type == "U" && !publication.snapshot) {
-        const TablePtr table = call.session().databases().Table(catalogue, object->id);
+    const ObjectDef object =
+        Required(catalogue.FindObject(owner.empty() ? "dbo" : owner, name), 14027, {name});
+    RaiseIf(object.type != "U" && object.type != "P", 14027, {name});
+    if (object.type == "U" && !publication.snapshot) {
+        const TablePtr table = call.session().databases().Table(catalogue, object.id);
         const bool key =
             std::ranges::any_of(table->indexes, [](const IndexDef& index) { return index.primary_key; });
-        if (!key) {
-            RaiseError(14088, {name});
-        }
+        RaiseIf(!key, 14088, {name});
     }
-    return *object;
+    return object;
 }
 
 std::int32_t AddArticleProcedure(SystemCall& call) {
@@ -181,9 +163,7 @@ std::int32_t AddArticleProcedure(SystemCall& call) {
     article.publication = publication.id;
     article.name = call.Text("@article");
     for (const Article& other : ListArticles(Connection(call), publication.id)) {
-        if (Folded(other.name) == Folded(article.name)) {
-            RaiseError(14030, {article.name, publication.name});
-        }
+        RaiseIf(Folded(other.name) == Folded(article.name), 14030, {article.name, publication.name});
     }
     const ObjectDef table = RequireTable(call, publication);
     article.object = table.id;
@@ -197,9 +177,7 @@ std::int32_t AddArticleProcedure(SystemCall& call) {
 std::int32_t DropArticle(SystemCall& call) {
     const Publication publication = RequirePublication(call);
     for (const Article& article : RequireArticles(call, publication)) {
-        if (!ListSubscriptions(Connection(call), article.id).empty()) {
-            RaiseError(14046);
-        }
+        RaiseIf(!ListSubscriptions(Connection(call), article.id).empty(), 14046);
         call.session().transactions().Write("main", [&] { RemoveArticle(Connection(call), article.id); });
     }
     return 0;
@@ -209,35 +187,27 @@ std::int32_t DropArticle(SystemCall& call) {
 
 std::int32_t AddSubscriptionProcedure(SystemCall& call) {
     const Publication publication = RequirePublication(call);
-    const std::string subscriber = call.Text("@subscriber");
-    const std::optional<LinkedServer> server = FindServer(Connection(call), subscriber);
-    if (!server || !server->subscriber) {
-        RaiseError(14010, {subscriber});
-    }
+    const LinkedServer server = RequireRole(call, call.Text("@subscriber"), &LinkedServer::subscriber, 14010);
     const std::string type = call.Text("@subscription_type");
-    if (!AsciiEqual(type, "push") && !AsciiEqual(type, "pull")) {
-        RaiseError(20587, {"@subscription_type", "sp_addsubscription"});
-    }
+    RaiseIf(!AsciiEqual(type, "push") && !AsciiEqual(type, "pull"), 20587,
+            {"@subscription_type", "sp_addsubscription"});
     const std::string database = call.session().databases().CurrentName();
     Subscription subscription;
-    subscription.server = server->name;
+    subscription.server = server.name;
     subscription.database = call.IsNull("@destination_db") ? database : call.Text("@destination_db");
     subscription.push = AsciiEqual(type, "push");
     if (subscription.push) {
         const std::string given = call.Text("@distribution_job_name");
         subscription.job =
-            given.empty() ? AgentName(call, database, publication.name + "-" + server->name) : given;
+            given.empty() ? AgentName(call, database, publication.name + "-" + server.name) : given;
     }
     const std::vector<Article> articles = RequireArticles(call, publication);
-    if (articles.empty()) {
-        RaiseError(20027, {std::string(kAll)});
-    }
+    RaiseIf(articles.empty(), 20027, {kAll});
     for (const Article& article : articles) {
         for (const Subscription& other : ListSubscriptions(Connection(call), article.id)) {
-            if (Folded(other.server) == Folded(subscription.server) &&
-                Folded(other.database) == Folded(subscription.database)) {
-                RaiseError(14058);
-            }
+            RaiseIf(Folded(other.server) == Folded(subscription.server) &&
+                        Folded(other.database) == Folded(subscription.database),
+                    14058);
         }
     }
     call.session().transactions().Write("main", [&] {
@@ -275,9 +245,7 @@ std::int32_t AddPushAgent(SystemCall& call) {
     const std::vector<Subscription> subscriptions =
         Matching(call, ListArticles(Connection(call), publication.id), call.Text("@subscriber"),
                  call.Text("@subscriber_db"));
-    if (subscriptions.empty() || !subscriptions[0].push) {
-        RaiseError(14055);
-    }
+    RaiseIf(subscriptions.empty() || !subscriptions[0].push, 14055);
     AddAgentJob(call, subscriptions[0].job, "REPL-Distribution");
     return 0;
 }
@@ -298,9 +266,7 @@ std::int32_t DropSubscription(SystemCall& call) {
             dropped.push_back(std::move(subscription));
         }
     }
-    if (dropped.empty() && !every && !IsAll(subscriber)) {
-        RaiseError(14055);
-    }
+    RaiseIf(dropped.empty() && !every && !IsAll(subscriber), 14055);
     call.session().transactions().Write("main", [&] {
         for (const Subscription& subscription : dropped) {
             RemoveSubscription(Connection(call), subscription);

@@ -121,10 +121,9 @@ Value Assign(const Value& value, const Type& from, const Type& to) {
     if (const auto* bytes = std::get_if<Bytes>(&value); bytes != nullptr && IsBinary(to.id)) {
         RaiseIf(LosesBytes(bytes->data, to), 8152);
     }
-    if (std::holds_alternative<DateTime>(value) && IsCharacter(to.id) &&
-        LosesText(ValueText(value, from), to)) {
-        RaiseError(8152);
-    }
+    RaiseIf(std::holds_alternative<DateTime>(value) && IsCharacter(to.id) &&
+                LosesText(ValueText(value, from), to),
+            8152);
     return ConvertValue(value, from, to, std::nullopt);
 }
 
@@ -147,9 +146,7 @@ Literal ParseNumberLiteral(std::string_view text) {
     const std::size_t first = std::min(text.find_first_not_of('0'), text.size() - 1);
     const std::string_view digits = text.substr(first);
     const ParsedDecimal parsed = ParseDecimal(digits);
-    if (!parsed.valid) {
-        RaiseError(102, {text});
-    }
+    RaiseIf(!parsed.valid, 102, {text});
     const auto count = std::count_if(digits.begin(), digits.end(), [](char c) { return c != '.'; });
     RaiseIf(!parsed.value || count > kMaxDigits, 1007, {"number", text});
     const Decimal value = *parsed.value;

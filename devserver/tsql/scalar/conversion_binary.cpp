@@ -94,10 +94,9 @@ Value ToGuid(const Value& value, const Type&) {
     }
     std::string hex(digits.substr(0, kGuidLength));
     for (auto dash = kGuidDashes.rbegin(); dash != kGuidDashes.rend(); ++dash) {
-        if (hex.size() != kGuidLength - static_cast<std::size_t>(dash - kGuidDashes.rbegin()) ||
-            hex[*dash] != '-') {
-            RaiseError(8169);
-        }
+        RaiseIf(hex.size() != kGuidLength - static_cast<std::size_t>(dash - kGuidDashes.rbegin()) ||
+                    hex[*dash] != '-',
+                8169);
         hex.erase(*dash, 1);
     }
     const auto bytes = BytesFromHex(hex, false);

@@ -143,9 +143,7 @@ Value DateFromBytes(std::string_view bytes, TypeId to) {
     const DateTime value{static_cast<std::int32_t>(days), static_cast<std::int32_t>(time * unit)};
     const bool valid =
         value.days >= kFirstDay && value.days <= kLastDay && value.ticks >= 0 && value.ticks < kTicksPerDay;
-    if (!valid) {
-        RaiseError(210);
-    }
+    RaiseIf(!valid, 210);
     return value;
 }
 

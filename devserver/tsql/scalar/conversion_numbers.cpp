@@ -112,9 +112,7 @@ bool BitFromText(const std::string& text, const Type& from) {
         return AsciiEqual(word, "true");
     }
     const ParsedInteger parsed = ParseInteger(text);
-    if (!parsed.valid) {
-        RaiseError(245, {TypeName(from.id), text, "bit"});
-    }
+    RaiseIf(!parsed.valid, 245, {TypeName(from.id), text, "bit"});
     return !parsed.value || *parsed.value != 0;
 }
 

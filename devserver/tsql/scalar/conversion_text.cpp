@@ -54,9 +54,7 @@ std::string BinaryText(std::string_view bytes, int style) {
 /// value's type. Returns "*", without an error, for an int, smallint, tinyint or bit as char or varchar.
 std::string Crowded(const Value& value, const Type& from, const Type& to) {
     const std::string_view target = TypeName(to.id);
-    if (IsMoney(from.id)) {
-        RaiseError(from.id == TypeId::Money ? 234 : 292, {target});
-    }
+    RaiseIf(IsMoney(from.id), from.id == TypeId::Money ? 234 : 292, {target});
     if (IsApproximate(from.id)) {
         RaiseError(232, {target, FixedText(std::get<double>(value), 6)});
     }

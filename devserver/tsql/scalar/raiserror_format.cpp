@@ -150,9 +150,7 @@ class Formatter {
 };
 
 void RequireTypes(std::span<const FormatArgument> arguments) {
-    if (arguments.size() > kMostArguments) {
-        RaiseError(2747, {std::to_string(kMostArguments)});
-    }
+    RaiseIf(arguments.size() > kMostArguments, 2747, {std::to_string(kMostArguments)});
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const TypeId id = arguments[i].type.id;
         const bool allowed = IsInteger(id) || (IsCharacter(id) && !IsOldLob(id));

@@ -88,9 +88,8 @@ Allowed ConversionAllowed(TypeId from, TypeId to) {
 
 void RequireImplicit(TypeId from, TypeId to) {
     const Allowed allowed = ConversionAllowed(from, to);
-    if (allowed != Allowed::Implicit) {
-        RaiseError(allowed == Allowed::Never ? 206 : 257, {TypeName(from), TypeName(to)});
-    }
+    RaiseIf(allowed != Allowed::Implicit, allowed == Allowed::Never ? 206 : 257,
+            {TypeName(from), TypeName(to)});
 }
 
 int Precedence(TypeId id) {

@@ -31,9 +31,7 @@ std::vector<TablePtr> CallStack::TableVariables() const {
 
 void CallStack::Push(Frame& frame) {
     constexpr int kMostCalls = 32;
-    if (nesting_ >= kMostCalls) {
-        RaiseError(217, {std::to_string(kMostCalls)});
-    }
+    RaiseIf(nesting_ >= kMostCalls, 217, {std::to_string(kMostCalls)});
     frame.caller = frame_;
     frame_ = &frame;
     temporaries_.SetNesting(++nesting_);

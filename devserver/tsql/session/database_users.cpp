@@ -173,9 +173,7 @@ void DatabaseUsers::Kill(std::int32_t id, const SessionCore& by) {
         if (session == sessions_.end()) {
             RaiseError(6106, {std::to_string(id)});
         }
-        if (session->second == &by) {
-            RaiseError(6104);
-        }
+        RaiseIf(session->second == &by, 6104);
         found = session->second;
         ending_.insert(found);
     }

@@ -45,9 +45,7 @@ SqliteFunctions::SqliteFunctions(SessionCore& session) : session_(session) {
 void SqliteFunctions::AddChecks() {
     SqliteConnection& connection = session_.connection();
     connection.AddFunction("tsql_single", [](const FunctionCall& call) {
-        if (call.Int(1) > 1) {
-            RaiseError(512);
-        }
+        RaiseIf(call.Int(1) > 1, 512);
         call.PassOn(0);
     });
     connection.AddFunction("tsql_level", [](const FunctionCall& call) {

@@ -242,12 +242,8 @@ void Transactions::Begin(const std::string& name) {
 }
 
 void Transactions::Commit() {
-    if (count_ == 0) {
-        RaiseError(3902);
-    }
-    if (doomed_) {
-        RaiseError(3930);
-    }
+    RaiseIf(count_ == 0, 3902);
+    RaiseIf(doomed_, 3930);
     if (count_ > 1) {
         --count_;
         return;
@@ -266,9 +262,7 @@ void Transactions::Commit() {
 }
 
 void Transactions::Rollback(const std::string& name) {
-    if (count_ == 0) {
-        RaiseError(3903);
-    }
+    RaiseIf(count_ == 0, 3903);
     const std::string folded = Folded(name);
     if (name.empty() || folded == name_) {
         Abandon();
@@ -287,12 +281,8 @@ void Transactions::Rollback(const std::string& name) {
 }
 
 void Transactions::Save(const std::string& name) {
-    if (count_ == 0) {
-        RaiseError(628);
-    }
-    if (session_.remote().InTransaction()) {
-        RaiseError(627);
-    }
+    RaiseIf(count_ == 0, 628);
+    RaiseIf(session_.remote().InTransaction(), 627);
     BeginStorage();
     session_.connection().Execute("SAVEPOINT user_" + std::to_string(savepoints_.size()));
     savepoints_.push_back({Folded(name), session_.temporaries().list()});
