@@ -131,12 +131,6 @@ void RemoveSubscription(SqliteConnection& connection, const Subscription& subscr
         .Run();
 }
 
-bool HasSubscriptions(SqliteConnection& connection, std::string_view server) {
-    SqliteStatement row = connection.Prepare("SELECT 1 FROM devsql_subscriptions WHERE server = ?1");
-    row.BindText(1, server);
-    return row.Step();
-}
-
 bool UsesJob(SqliteConnection& connection, std::string_view job) {
     SqliteStatement row = connection.Prepare("SELECT 1 FROM devsql_subscriptions WHERE job = ?1");
     row.BindText(1, job);

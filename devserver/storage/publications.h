@@ -56,8 +56,6 @@ void RemoveArticle(SqliteConnection& connection, std::int64_t id);
 std::vector<Subscription> ListSubscriptions(SqliteConnection& connection, std::int64_t article);
 void AddSubscription(SqliteConnection& connection, const Subscription& subscription);
 void RemoveSubscription(SqliteConnection& connection, const Subscription& subscription);
-/// True if that server subscribes to an article of any database.
-bool HasSubscriptions(SqliteConnection& connection, std::string_view server);
 /// True if any subscription has the job of that name.
 bool UsesJob(SqliteConnection& connection, std::string_view job);
 

@@ -275,8 +275,6 @@ TEST_F(LinkedServers, AServerThatCutsTheLoginIsNotTakenForAMissingDriver) {
 TEST_F(LinkedServers, AServerWithLoginsGoesWithThemOrNotAtAll) {
     near.Run("exec sp_dropserver N'FAR'");
     EXPECT_EQ(near.messages.at(0).number, 15190);
-    EXPECT_EQ(Near("exec sp_helplinkedsrvlogin N'FAR'"),
-              "\nLinked Server|Local Login|Is Self Mapping|Remote Login\nFAR|NULL|0|sa\n(1)\n");
     EXPECT_EQ(Near("exec sp_dropserver N'FAR', 'droplogins' select srvname from master.dbo.sysservers"),
               "\nsrvname\nSERVERA\n(1)\n");
 }

@@ -49,13 +49,6 @@ TEST(Numbers, KeepTheirType) {
         {"FLOOR", {As("-123.45", DecimalType(5, 2))}, "-124"},
         {"FLOOR", {Real(-1.5)}, "-2"},
         {"FLOOR", {Whole(7)}, "7"},
-        {"POWER", {Whole(2), Whole(10)}, "1024"},
-        {"POWER",
-         {Whole(2), Whole(31)},
-         "232 Arithmetic overflow error for type int, value = 2147483648.000000."},
-        {"POWER", {Whole(2), Num("-1.0")}, "0"},
-        {"POWER", {Num("2.5"), Whole(2)}, "6.3"},
-        {"POWER", {Real(2), Real(0.5)}, "1.41421"},
     };
     ExpectAll(cases);
     EXPECT_EQ(Called("ABS", {Whole(5, TypeId::TinyInt)}).type, Simple(TypeId::Int));
@@ -86,26 +79,6 @@ TEST(Rounding, WorksOnBothSidesOfTheDecimalPoint) {
         {"ROUND", {Null(), Whole(2)}, "NULL"},
     };
     ExpectAll(cases);
-}
-
-TEST(FloatFunctions, ReturnFloat) {
-    const FunctionCase cases[] = {
-        {"SQRT", {Whole(16)}, "4"},
-        {"SQRT", {Whole(-1)}, "3623 An invalid floating point operation occurred."},
-        {"SQUARE", {Num("1.5")}, "2.25"},
-    };
-    ExpectAll(cases);
-}
-
-TEST(RandomNumbers, FollowThePublishedSequenceOfASeed) {
-    EXPECT_NEAR(RandomSequence(1).Next(), 0.713591993212924, 1e-15);
-    RandomSequence sequence(100);
-    EXPECT_NEAR(sequence.Next(), 0.715436657367485, 1e-15);
-    EXPECT_NEAR(sequence.Next(), 0.28463380767982, 1e-15);
-    EXPECT_NEAR(sequence.Next(), 0.0131039082850364, 1e-15);
-    EXPECT_NEAR(std::get<double>(Called("RAND", {Whole(100)}).value), 0.715436657367485, 1e-15);
-    EXPECT_GT(RandomSequence(0).Next(), 0.0);
-    EXPECT_GT(RandomSequence(INT32_MIN).Next(), 0.0);
 }
 
 TEST(Dates, AreCalculatedByPart) {

@@ -296,10 +296,9 @@ exec sp_detach_db 'Kept'
 exec sp_attach_db 'Again', 'D:\kept.mdf', 'D:\kept.ldf'
 select rtrim(name) as name, groupid, rtrim(filename) as filename from Again..sysfiles
 exec sp_dboption 'Again', 'autoshrink', 'true'
-exec sp_dboption 'Again'
-exec sp_dboption 'Again', 'autoshrink'
+select databasepropertyex('Again', 'IsAutoShrink'), databasepropertyex('Again', 'IsAutoClose')
 alter database Again set offline with rollback immediate
-select state_desc from sys.databases where name = 'Again'
+select state_desc, databasepropertyex('Again', 'Status') status from sys.databases where name = 'Again'
 GO
 use Again
 GO
@@ -310,14 +309,11 @@ name|groupid|filename
 first|1|D:\kept.mdf
 second|0|D:\kept.ldf
 (2)
-The following options are set:
-autoshrink
+|
+1|0
 (1)
-OptionName|CurrentSetting
-autoshrink|ON
-(1)
-state_desc
-OFFLINE
+state_desc|status
+OFFLINE|OFFLINE
 (1)
 Msg 942.14.1 L1: Database 'Again' cannot be opened because it is offline.
 )");

@@ -102,8 +102,6 @@ select count(*) n, max(len(definition)) from sys.sql_modules where object_id in 
 select objectproperty(object_id('hidden'), 'IsTrigger') t, objectproperty(object_id('hidden'), 'ExecIsDeleteTrigger') d,
     objectproperty(object_id('hidden'), 'ExecIsInsertTrigger') i, objectproperty(object_id('hidden'), 'ExecIsTriggerDisabled') o,
     objectproperty(object_id('hidden'), 'ExecIsAfterTrigger') a, objectproperty(object_id('hidden'), 'IsConstraint') c
-select objectproperty(object_id('lot'), 'TableHasDeleteTrigger') d, objectproperty(object_id('lot'), 'TableDeleteTriggerCount') c,
-    object_name(objectproperty(object_id('lot'), 'TableInsertTrigger')) i, objectproperty(object_id('journal'), 'TableHasInsertTrigger') j
 exec sp_helptrigger 'lot'
 exec sp_helptrigger 'lot', 'insert'
 exec sp_helptrigger 'nosuch'
@@ -148,9 +146,6 @@ n|
 (1)
 t|d|i|o|a|c
 1|1|0|1|1|0
-(1)
-d|c|i|j
-1|2|lot_journal|0
 (1)
 trigger_name|trigger_owner|isupdate|isdelete|isinsert|isafter|isinsteadof|trigger_schema
 hidden|dbo|0|1|0|1|0|dbo

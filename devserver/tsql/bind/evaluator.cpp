@@ -174,8 +174,7 @@ bool NeedsSql(const Bound& node) {
 
 bool IsConstant(const Bound& node) {
     const bool varies = node.kind == BoundKind::Sql || node.kind == BoundKind::Slot ||
-                        node.kind == BoundKind::Variable || node.kind == BoundKind::Session ||
-                        (node.kind == BoundKind::Function && node.function->name == "RAND");
+                        node.kind == BoundKind::Variable || node.kind == BoundKind::Session;
     return !varies &&
            std::ranges::all_of(node.children, [](const BoundPtr& child) { return IsConstant(*child); });
 }

@@ -22,10 +22,6 @@ CREATE PROCEDURE sp_attach_db
     @filename16 nvarchar(260) = NULL
 GO
 
-CREATE PROCEDURE sp_attach_single_file_db
-    @dbname sysname, @physname nvarchar(260)
-GO
-
 CREATE PROCEDURE sp_dboption
     @dbname sysname = NULL, @optname varchar(35) = NULL, @optvalue varchar(10) = NULL
 GO
@@ -57,10 +53,6 @@ GO
 
 CREATE PROCEDURE sp_droplogin
     @loginame sysname
-GO
-
-CREATE PROCEDURE sp_password
-    @old sysname = NULL, @new sysname, @loginame sysname = NULL
 GO
 
 CREATE PROCEDURE sp_defaultdb
@@ -166,14 +158,6 @@ CREATE PROCEDURE sp_helpserver
     @server sysname = NULL, @optname varchar(35) = NULL, @show_topology varchar(1) = NULL
 GO
 
-CREATE PROCEDURE sp_helplinkedsrvlogin
-    @rmtsrvname sysname = NULL, @locallogin sysname = NULL
-GO
-
-CREATE PROCEDURE sp_testlinkedserver
-    @servername sysname
-GO
-
 CREATE PROCEDURE sp_adddistributor
     @distributor sysname, @heartbeat_interval int = 10, @password sysname = NULL, @from_scripting bit = 0
 GO
@@ -192,20 +176,8 @@ CREATE PROCEDURE sp_adddistpublisher
     @encrypted_password bit = 0, @thirdparty_flag bit = 0, @publisher_type sysname = NULL
 GO
 
-CREATE PROCEDURE sp_dropdistpublisher
-    @publisher sysname, @no_checks bit = 0, @ignore_distributor bit = 0
-GO
-
-CREATE PROCEDURE sp_dropdistributiondb
-    @database sysname
-GO
-
 CREATE PROCEDURE sp_dropdistributor
     @no_checks bit = 0, @ignore_distributor bit = 0
-GO
-
-CREATE PROCEDURE sp_changedistributor_password
-    @password sysname
 GO
 
 CREATE PROCEDURE sp_addsubscriber
@@ -217,10 +189,6 @@ CREATE PROCEDURE sp_addsubscriber
     @active_end_time_of_day int = NULL, @active_start_date int = NULL, @active_end_date int = NULL,
     @description nvarchar(255) = NULL, @security_mode int = 1, @encrypted_password bit = 0,
     @publisher sysname = NULL
-GO
-
-CREATE PROCEDURE sp_dropsubscriber
-    @subscriber sysname, @reserved nvarchar(50) = NULL, @ignore_distributor bit = 0, @publisher sysname = NULL
 GO
 
 CREATE PROCEDURE sp_replicationdboption
@@ -259,12 +227,6 @@ CREATE PROCEDURE sp_addpublication_snapshot
     @job_password sysname = NULL, @publisher sysname = NULL
 GO
 
-CREATE PROCEDURE sp_addlogreader_agent
-    @job_login nvarchar(257) = NULL, @job_password sysname = NULL, @job_name sysname = NULL,
-    @publisher_security_mode smallint = 1, @publisher_login sysname = NULL, @publisher_password sysname = NULL,
-    @publisher sysname = NULL
-GO
-
 CREATE PROCEDURE sp_droppublication
     @publication sysname, @ignore_distributor bit = 0, @publisher sysname = NULL, @from_backup bit = 0
 GO
@@ -284,11 +246,6 @@ CREATE PROCEDURE sp_addarticle
     @fire_triggers_on_snapshot nvarchar(5) = 'false'
 GO
 
-CREATE PROCEDURE sp_droparticle
-    @publication sysname, @article sysname, @ignore_distributor bit = 0, @force_invalidate_snapshot bit = 0,
-    @publisher sysname = NULL, @from_drop_publication bit = 0
-GO
-
 CREATE PROCEDURE sp_addsubscription
     @publication sysname, @article sysname = 'all', @subscriber sysname = NULL, @destination_db sysname = NULL,
     @sync_type nvarchar(255) = 'automatic', @status sysname = NULL, @subscription_type nvarchar(4) = 'push',
@@ -304,22 +261,6 @@ CREATE PROCEDURE sp_addsubscription
     @backupdevicetype nvarchar(20) = NULL, @backupdevicename nvarchar(1000) = NULL,
     @mediapassword sysname = NULL, @password sysname = NULL, @fileidhint int = NULL, @unload bit = 1,
     @subscriptionlsn binary(10) = NULL, @subscriptionstreams tinyint = NULL, @subscriber_type tinyint = 0
-GO
-
-CREATE PROCEDURE sp_addpushsubscription_agent
-    @publication sysname, @subscriber sysname, @subscriber_db sysname = NULL,
-    @subscriber_security_mode smallint = 1, @subscriber_login sysname = NULL,
-    @subscriber_password sysname = NULL, @job_login nvarchar(257) = NULL, @job_password sysname = NULL,
-    @job_name sysname = NULL, @frequency_type int = NULL, @frequency_interval int = NULL,
-    @frequency_relative_interval int = NULL, @frequency_recurrence_factor int = NULL,
-    @frequency_subday int = NULL, @frequency_subday_interval int = NULL, @active_start_time_of_day int = NULL,
-    @active_end_time_of_day int = NULL, @active_start_date int = NULL, @active_end_date int = NULL,
-    @dts_package_name sysname = NULL, @dts_package_password sysname = NULL,
-    @dts_package_location nvarchar(12) = NULL, @enabled_for_syncmgr nvarchar(5) = 'false',
-    @distribution_job_name sysname = NULL, @publisher sysname = NULL, @subscriber_provider sysname = NULL,
-    @subscriber_datasrc nvarchar(4000) = NULL, @subscriber_location nvarchar(4000) = NULL,
-    @subscriber_provider_string nvarchar(4000) = NULL, @subscriber_catalog sysname = NULL,
-    @subscriber_type tinyint = 0
 GO
 
 CREATE PROCEDURE sp_dropsubscription

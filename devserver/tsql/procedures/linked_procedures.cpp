@@ -4,8 +4,6 @@
 
 #include "devserver/storage/databases.h"
 #include "devserver/storage/linked_servers.h"
-#include "devserver/tsql/procedures/procedure_table.h"
-#include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
@@ -198,40 +196,6 @@ std::int32_t HelpServer(SystemCall& call) {
     return 0;
 }
 
-std::int32_t HelpLinkedLogin(SystemCall& call) {
-    if (!call.IsNull("@rmtsrvname")) {
-        Require(call, "@rmtsrvname");
-    }
-    SessionCore& session = call.session();
-    const std::string server_name = call.Text("@rmtsrvname");
-    const std::string local = call.Text("@locallogin");
-    ProcedureTable table(session, {{"Linked Server", kSysName, true, false},
-                                   {"Local Login", kSysName, true, false},
-                                   {"Is Self Mapping", Simple(TypeId::SmallInt), true, false},
-                                   {"Remote Login", kSysName, true, false}});
-    for (const LinkedServer& server : ListServers(session.connection())) {
-        if (!server_name.empty() && Folded(server.name) != Folded(server_name)) {
-            continue;
-        }
-        for (const LinkedLogin& login : Logins(call).List(server.id)) {
-            if (local.empty() || Folded(login.local) == Folded(local)) {
-                table.Row({server.name, TextOrNull(login.local), std::int64_t{login.own},
-                           TextOrNull(login.remote_user)});
-            }
-        }
-    }
-    table.End();
-    return 0;
-}
-
-std::int32_t TestLinkedServer(SystemCall& call) {
-    const std::string name = call.Text("@servername");
-    RemoteServers& remote = call.session().remote();
-    remote.Forget(name); // An open connection would pass the test without a login.
-    remote.Execute(remote.Find(name), "SELECT 1");
-    return 0;
-}
-
 constexpr SystemProcedure kProcedures[] = {
     {"sp_addlinkedserver", AddLinkedServer},
     {"sp_dropserver", DropServer},
@@ -240,8 +204,6 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_serveroption", ServerOption},
     {"sp_linkedservers", ListLinkedServers},
     {"sp_helpserver", HelpServer},
-    {"sp_helplinkedsrvlogin", HelpLinkedLogin},
-    {"sp_testlinkedserver", TestLinkedServer},
 };
 
 } // namespace

@@ -137,11 +137,6 @@ std::int32_t AttachDb(SystemCall& call) {
     return 0;
 }
 
-std::int32_t AttachSingleFileDb(SystemCall& call) {
-    AttachDatabase(call.session(), call.Text("@dbname"), {call.Text("@physname")});
-    return 0;
-}
-
 struct DbOption {
     std::string_view name;   ///< of sp_dboption
     std::string_view option; ///< of ALTER DATABASE
@@ -162,51 +157,17 @@ constexpr DbOption kDbOptions[] = {{"autoclose", "AUTO_CLOSE"},
                                    {"torn page detection", "TORN_PAGE_DETECTION"},
                                    {"single user", "SINGLE_USER"},
                                    {"trunc. log on chkpt.", "RECOVERY"},
-                                   {"select into/bulkcopy", "RECOVERY"},
-                                   {"published", "PUBLISHED"}};
-
-bool IsOn(const DatabaseInfo& info, const DbOption& option) {
-    const auto found = info.options.find(std::string(option.option));
-    return found != info.options.end() && (found->second == "ON" || found->second == "SIMPLE");
-}
-
-/// All options, or those that are set in a database.
-void ListOptions(SessionCore& session, const std::string& heading, const DatabaseInfo* info) {
-    ProcedureTable table(session, {{heading, Sized(TypeId::VarChar, 35), true, false}});
-    for (const DbOption& option : kDbOptions) {
-        if (info == nullptr || IsOn(*info, option)) {
-            table.Row({std::string(option.name)});
-        }
-    }
-    table.End();
-}
+                                   {"select into/bulkcopy", "RECOVERY"}};
 
 std::int32_t DbOptionProcedure(SystemCall& call) {
     SessionCore& session = call.session();
     const std::string database = call.Text("@dbname");
-    if (call.IsNull("@dbname")) {
-        ListOptions(session, "Settable database options:", nullptr);
-        return 0;
-    }
+    RaiseIf(call.IsNull("@optname") || call.IsNull("@optvalue"), 40517, {"sp_dboption without @optvalue"});
     RaiseIf(!FindDatabase(session.connection(), database), 15010, {database});
-    if (call.IsNull("@optname")) {
-        const DatabaseInfo info = *FindDatabase(session.connection(), database);
-        ListOptions(session, "The following options are set:", &info);
-        return 0;
-    }
     const std::string name = call.Text("@optname");
     const auto* found = std::ranges::find_if(
         kDbOptions, [&](const DbOption& option) { return AsciiEqual(option.name, name); });
-    if (found == std::end(kDbOptions)) {
-        RaiseError(40517, {"sp_dboption '" + name + "'"});
-    }
-    const DatabaseInfo info = *FindDatabase(session.connection(), database);
-    if (call.IsNull("@optvalue")) {
-        const bool on = IsOn(info, *found);
-        call.Run("SELECT @p1 AS OptionName, CASE @p2 WHEN N'1' THEN 'ON' ELSE 'OFF' END AS CurrentSetting",
-                 {std::string(found->name), on ? "1" : "0"});
-        return 0;
-    }
+    RaiseIf(found == std::end(kDbOptions), 40517, {"sp_dboption '" + name + "'"});
     const std::string value = AsciiUpper(call.Text("@optvalue"));
     RaiseIf(value != "TRUE" && value != "FALSE" && value != "ON" && value != "OFF", 15241);
     const bool on = value == "TRUE" || value == "ON";
@@ -214,8 +175,6 @@ std::int32_t DbOptionProcedure(SystemCall& call) {
         SetDatabaseOption(session, database, on ? "SINGLE_USER" : "MULTI_USER", "", false);
     } else if (found->option == "RECOVERY") {
         SetDatabaseOption(session, database, "RECOVERY", on ? "SIMPLE" : "FULL", false);
-    } else if (found->option == "PUBLISHED") {
-        RaiseError(40517, {"sp_dboption 'published'"});
     } else {
         SetDatabaseOption(session, database, std::string(found->option), on ? "ON" : "OFF", false);
     }
@@ -381,14 +340,6 @@ std::int32_t DropLoginProcedure(SystemCall& call) {
     return 0;
 }
 
-std::int32_t Password(SystemCall& call) {
-    LoginInfo login =
-        RequireLogin(call, call.IsNull("@loginame") ? call.session().client().login : call.Text("@loginame"));
-    RaiseIf(login.password_hash.empty(), 40517, {"sp_password for a login of the logins file"});
-    login.password_hash = HashPassword(call.Text("@new"));
-    return Save(call, login);
-}
-
 std::int32_t DefaultDb(SystemCall& call) {
     LoginInfo login = RequireLogin(call, call.Text("@loginame"));
     login.database = call.Text("@defdb");
@@ -453,7 +404,6 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_sqlexec", Execute},
     {"sp_detach_db", DetachDb},
     {"sp_attach_db", AttachDb},
-    {"sp_attach_single_file_db", AttachSingleFileDb},
     {"sp_dboption", DbOptionProcedure},
     {"sp_renamedb", RenameDb},
     {"sp_addtype", AddType},
@@ -462,7 +412,6 @@ constexpr SystemProcedure kProcedures[] = {
     {"sp_helptext", HelpText},
     {"sp_addlogin", AddLoginProcedure},
     {"sp_droplogin", DropLoginProcedure},
-    {"sp_password", Password},
     {"sp_defaultdb", DefaultDb},
     {"sp_grantdbaccess", GrantDbAccess},
     {"sp_adduser", GrantDbAccess},

@@ -6,7 +6,6 @@
 #include "devserver/storage/publications.h"
 #include "devserver/tsql/linked/remote_values.h"
 #include "devserver/tsql/replication/replication_procedures.h"
-#include "devserver/tsql/scalar/compare.h"
 #include "devserver/tsql/scalar/required.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
@@ -17,17 +16,6 @@ namespace embedded { // The .sql files of this folder.
 extern const std::string_view kAddAgentJob;
 extern const std::string_view kDropAgentJob;
 } // namespace embedded
-
-bool SaysTrue(const std::string& text) {
-    return AsciiEqual(TrimTrailingBlanks(text), "true");
-}
-
-LinkedServer RequireRole(SystemCall& call, const std::string& name, bool LinkedServer::*role,
-                         std::int32_t error) {
-    LinkedServer server = Required(FindServer(call.session().connection(), name), error, {name});
-    RaiseIf(!(server.*role), error, {name});
-    return server;
-}
 
 void AddAgentJob(SystemCall& call, const std::string& name, const std::string& category) {
     call.Run(embedded::kAddAgentJob, {name, category});
@@ -89,13 +77,6 @@ std::vector<std::string> DistributionDatabases(SystemCall& call) {
 /// Raises 14071.
 LinkedServer RequireDistributor(SystemCall& call) {
     return Required(FindServer(Connection(call), kDistributor), 14071);
-}
-
-/// A distribution database. Raises 14117.
-DatabaseInfo RequireDistributionDb(SystemCall& call, const std::string& name) {
-    DatabaseInfo info = Required(FindDatabase(Connection(call), name), 14117, {name});
-    RaiseIf(!info.Option(kDistributionOption), 14117, {name});
-    return info;
 }
 
 std::int32_t AddDistributor(SystemCall& call) {
@@ -160,21 +141,14 @@ std::int32_t AddDistributionDb(SystemCall& call) {
 
 std::int32_t AddDistPublisher(SystemCall& call) {
     RequireDistributor(call);
-    const DatabaseInfo info = RequireDistributionDb(call, call.Text("@distribution_db"));
+    const std::string name = call.Text("@distribution_db");
+    const DatabaseInfo info = Required(FindDatabase(Connection(call), name), 14117, {name});
+    RaiseIf(!info.Option(kDistributionOption), 14117, {name});
     LinkedServer server = ServerRow(call, call.Text("@publisher"));
     server.publisher = true;
     server.options[kDistributionDb] = info.name;
     server.options["working directory"] = call.Text("@working_directory");
     Save(call, server);
-    return 0;
-}
-
-std::int32_t DropDistPublisher(SystemCall& call) {
-    LinkedServer server = RequireRole(call, call.Text("@publisher"), &LinkedServer::publisher, 14080);
-    server.publisher = false;
-    server.options.erase(kDistributionDb);
-    server.options.erase("working directory");
-    DropRole(call, server);
     return 0;
 }
 
@@ -184,15 +158,6 @@ void DropDistributionDatabase(SystemCall& call, const std::string& name) {
     std::optional<DatabaseInfo> info = FindDatabase(Connection(call), name);
     SetOption(call, *info, kDistributionOption, false);
     call.Run("DROP DATABASE " + BracketName(name));
-}
-
-std::int32_t DropDistributionDb(SystemCall& call) {
-    const DatabaseInfo info = RequireDistributionDb(call, call.Text("@database"));
-    for (const LinkedServer& server : ListServers(Connection(call))) {
-        RaiseIf(Folded(server.Option(kDistributionDb)) == Folded(info.name), 14120, {info.name});
-    }
-    DropDistributionDatabase(call, info.name);
-    return 0;
 }
 
 std::int32_t DropDistributor(SystemCall& call) {
@@ -219,12 +184,6 @@ std::int32_t DropDistributor(SystemCall& call) {
     return 0;
 }
 
-std::int32_t ChangeDistributorPassword(SystemCall& call) {
-    // No agent logs in with the password, so it is not kept.
-    RequireDistributor(call);
-    return 0;
-}
-
 std::int32_t AddSubscriber(SystemCall& call) {
     const std::string name = call.Text("@subscriber");
     LinkedServer server = ServerRow(call, name);
@@ -243,16 +202,6 @@ std::int32_t AddSubscriber(SystemCall& call) {
     return 0;
 }
 
-std::int32_t DropSubscriber(SystemCall& call) {
-    const std::string name = call.Text("@subscriber");
-    LinkedServer server = RequireRole(call, name, &LinkedServer::subscriber, 14048);
-    RaiseIf(HasSubscriptions(Connection(call), name), 14144,
-            {name, call.session().databases().CurrentName()});
-    server.subscriber = false;
-    DropRole(call, server);
-    return 0;
-}
-
 std::int32_t ReplicationDbOption(SystemCall& call) {
     const std::string name = call.Text("@dbname");
     const DatabaseInfo info = Required(FindDatabase(Connection(call), name), 15010, {name});
@@ -260,8 +209,9 @@ std::int32_t ReplicationDbOption(SystemCall& call) {
     RaiseIf(ListHas("MERGE PUBLISH,SUBSCRIBE,SYNC WITH BACKUP", option), 40517,
             {"sp_replicationdboption '" + call.Text("@optname") + "'"});
     RaiseIf(option != "PUBLISH", 14137, {call.Text("@optname")});
-    const bool on = SaysTrue(call.Text("@value"));
-    RaiseIf(!on && !AsciiEqual(TrimTrailingBlanks(call.Text("@value")), "false"), 14148, {"@value"});
+    const std::string value = AsciiUpper(TrimTrailingBlanks(call.Text("@value")));
+    RaiseIf(value != "TRUE" && value != "FALSE", 14148, {"@value"});
+    const bool on = value == "TRUE";
     RaiseIf(on && (!FindServer(Connection(call), kDistributor) || DistributionDatabases(call).empty()),
             20028);
     if (!on) {
@@ -272,16 +222,9 @@ std::int32_t ReplicationDbOption(SystemCall& call) {
 }
 
 constexpr SystemProcedure kProcedures[] = {
-    {"sp_adddistributor", AddDistributor},
-    {"sp_adddistributiondb", AddDistributionDb},
-    {"sp_adddistpublisher", AddDistPublisher},
-    {"sp_dropdistpublisher", DropDistPublisher},
-    {"sp_dropdistributiondb", DropDistributionDb},
-    {"sp_dropdistributor", DropDistributor},
-    {"sp_changedistributor_password", ChangeDistributorPassword},
-    {"sp_addsubscriber", AddSubscriber},
-    {"sp_dropsubscriber", DropSubscriber},
-    {"sp_replicationdboption", ReplicationDbOption},
+    {"sp_adddistributor", AddDistributor},     {"sp_adddistributiondb", AddDistributionDb},
+    {"sp_adddistpublisher", AddDistPublisher}, {"sp_dropdistributor", DropDistributor},
+    {"sp_addsubscriber", AddSubscriber},       {"sp_replicationdboption", ReplicationDbOption},
 };
 
 } // namespace

@@ -4,7 +4,6 @@
 
 #include <span>
 
-#include "devserver/storage/linked_servers.h"
 #include "devserver/tsql/run/system_call.h"
 
 namespace devsql {
@@ -15,11 +14,6 @@ std::span<const SystemProcedure> DistributorProcedures();
 std::span<const SystemProcedure> PublicationProcedures();
 
 // ---- shared by the two
-/// The row of a server that has the role. Raises `error` for any other server.
-LinkedServer RequireRole(SystemCall& call, const std::string& name, bool LinkedServer::*role,
-                         std::int32_t error);
-/// True for the text "true" in any case.
-bool SaysTrue(const std::string& text);
 void AddAgentJob(SystemCall& call, const std::string& name, const std::string& category);
 /// Does nothing if there is no such job.
 void DropAgentJob(SystemCall& call, const std::string& name);

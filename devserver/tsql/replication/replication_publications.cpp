@@ -97,12 +97,6 @@ std::int32_t AddSnapshot(SystemCall& call) {
     return 0;
 }
 
-std::int32_t AddLogReader(SystemCall& call) {
-    const DatabaseInfo info = RequirePublished(call);
-    AddAgentJob(call, LogReaderJob(call, info.name), "REPL-LogReader");
-    return 0;
-}
-
 /// Removes a publication with its snapshot job, and after the last publication the log reader's job.
 void RemovePublicationAndJobs(SystemCall& call, const Publication& publication, const std::string& database) {
     std::set<std::string> jobs;
@@ -174,20 +168,13 @@ std::int32_t AddArticleProcedure(SystemCall& call) {
     return 0;
 }
 
-std::int32_t DropArticle(SystemCall& call) {
-    const Publication publication = RequirePublication(call);
-    for (const Article& article : RequireArticles(call, publication)) {
-        RaiseIf(!ListSubscriptions(Connection(call), article.id).empty(), 14046);
-        call.session().transactions().Write("main", [&] { RemoveArticle(Connection(call), article.id); });
-    }
-    return 0;
-}
-
 // ------------------------------------------------------------------ subscriptions
 
 std::int32_t AddSubscriptionProcedure(SystemCall& call) {
     const Publication publication = RequirePublication(call);
-    const LinkedServer server = RequireRole(call, call.Text("@subscriber"), &LinkedServer::subscriber, 14010);
+    const std::string subscriber = call.Text("@subscriber");
+    const LinkedServer server = Required(FindServer(Connection(call), subscriber), 14010, {subscriber});
+    RaiseIf(!server.subscriber, 14010, {subscriber});
     const std::string type = call.Text("@subscription_type");
     RaiseIf(!AsciiEqual(type, "push") && !AsciiEqual(type, "pull"), 20587,
             {"@subscription_type", "sp_addsubscription"});
@@ -239,17 +226,6 @@ std::vector<Subscription> Matching(SystemCall& call, const std::vector<Article>&
     return found;
 }
 
-/// sp_addsubscription has made the job already. Raises an error if there is no such subscription.
-std::int32_t AddPushAgent(SystemCall& call) {
-    const Publication publication = RequirePublication(call);
-    const std::vector<Subscription> subscriptions =
-        Matching(call, ListArticles(Connection(call), publication.id), call.Text("@subscriber"),
-                 call.Text("@subscriber_db"));
-    RaiseIf(subscriptions.empty() || !subscriptions[0].push, 14055);
-    AddAgentJob(call, subscriptions[0].job, "REPL-Distribution");
-    return 0;
-}
-
 std::int32_t DropSubscription(SystemCall& call) {
     const DatabaseInfo info = RequirePublished(call);
     const bool every = IsAll(call.Text("@publication"));
@@ -284,10 +260,8 @@ std::int32_t DropSubscription(SystemCall& call) {
 
 constexpr SystemProcedure kProcedures[] = {
     {"sp_addpublication", AddPublicationProcedure},   {"sp_addpublication_snapshot", AddSnapshot},
-    {"sp_addlogreader_agent", AddLogReader},          {"sp_droppublication", DropPublication},
-    {"sp_addarticle", AddArticleProcedure},           {"sp_droparticle", DropArticle},
-    {"sp_addsubscription", AddSubscriptionProcedure}, {"sp_addpushsubscription_agent", AddPushAgent},
-    {"sp_dropsubscription", DropSubscription},
+    {"sp_droppublication", DropPublication},          {"sp_addarticle", AddArticleProcedure},
+    {"sp_addsubscription", AddSubscriptionProcedure}, {"sp_dropsubscription", DropSubscription},
 };
 
 } // namespace

@@ -37,20 +37,7 @@ void CheckArgumentCount(const ScalarFunction& function, std::size_t count);
 /// The type of the function's result. Raises 8116 for a type that the function doesn't take.
 Type ResultType(const ScalarFunction& function, std::span<const Type> arguments);
 
-/// The generator that RAND uses: RAND(seed) begins a sequence, RAND() of the session continues it.
-class RandomSequence {
-  public:
-    explicit RandomSequence(std::int32_t seed);
-
-    /// Above 0 and below 1.
-    double Next();
-
-  private:
-    std::int64_t first_;
-    std::int64_t second_;
-};
-
-/// An argument of RAISERROR or FORMATMESSAGE.
+/// An argument of RAISERROR.
 struct FormatArgument {
     Value value;
     Type type;

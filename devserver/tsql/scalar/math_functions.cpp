@@ -1,4 +1,4 @@
-// Number functions. SQRT and SQUARE compute in float; the others keep the type of their argument.
+// Number functions. They keep the type of their argument.
 #include <cmath>
 
 #include "devserver/tsql/scalar/arithmetic.h"
@@ -6,13 +6,10 @@
 #include "devserver/tsql/scalar/decimal.h"
 #include "devserver/tsql/scalar/function_tables.h"
 #include "devserver/tsql/scalar/overloaded.h"
-#include "devserver/tsql/scalar/sql_error.h"
 
 namespace devsql {
 
 namespace {
-
-constexpr std::int32_t kInvalidFloatOperation = 3623;
 
 /// The type in which a function computes: small integers become int, bit and text float, smallmoney money.
 Type WorkingType(const Type& type) {
@@ -33,27 +30,6 @@ Type WorkingTypeOfFirst(Types types) {
 Type WholeType(Types types) {
     const Type type = WorkingType(types[0]);
     return IsDecimal(type.id) ? DecimalType(type.precision, 0, type.id) : type;
-}
-
-/// Powers of decimals need all digits.
-Type PowerType(Types types) {
-    const Type type = WorkingType(types[0]);
-    return IsDecimal(type.id) ? DecimalType(kMaxDigits, type.scale, type.id) : type;
-}
-
-Value Float(double value) {
-    RaiseIf(std::isnan(value), kInvalidFloatOperation);
-    RaiseIf(std::isinf(value), 8115, {"expression", TypeName(TypeId::Float)}, 2);
-    return value;
-}
-
-template <double (*Function)(double)>
-Value OfFloat(Values values, Types types) {
-    return Float(Function(FloatOf(values[0], types[0])));
-}
-
-double Square(double x) {
-    return x * x;
 }
 
 /// The argument in the type in which the function computes.
@@ -154,59 +130,15 @@ Value Round(Values values, Types types) {
     return Convert(rounded, DecimalType(kMaxDigits, rounded.scale), type);
 }
 
-Value Power(Values values, Types types) {
-    const double result = std::pow(FloatOf(values[0], types[0]), FloatOf(values[1], types[1]));
-    return Convert(Float(result), Simple(TypeId::Float), PowerType(types));
-}
-
-Value Rand(Values values, Types types) {
-    return RandomSequence(static_cast<std::int32_t>(IntOf(values[0], types[0]))).Next();
-}
-
-constexpr auto kFloatType = Always<TypeId::Float>;
-
 constexpr ScalarFunction kFunctions[] = {
     {"ABS", 1, 1, WorkingTypeOfFirst, NullIfAnyNull<Abs>},
     {"SIGN", 1, 1, WorkingTypeOfFirst, NullIfAnyNull<Sign>},
     {"CEILING", 1, 1, WholeType, NullIfAnyNull<Whole<true>>},
     {"FLOOR", 1, 1, WholeType, NullIfAnyNull<Whole<false>>},
     {"ROUND", 2, 3, WorkingTypeOfFirst, NullIfAnyNull<Round>},
-    {"POWER", 2, 2, PowerType, NullIfAnyNull<Power>},
-    {"SQRT", 1, 1, kFloatType, NullIfAnyNull<OfFloat<std::sqrt>>},
-    {"SQUARE", 1, 1, kFloatType, NullIfAnyNull<OfFloat<Square>>},
-    {"RAND", 1, 1, kFloatType, NullIfAnyNull<Rand>},
 };
 
-// Two multiplicative generators, combined: P. L'Ecuyer, Efficient and Portable Combined Random Number
-// Generators, 1988. That the server uses it shows in the published results of RAND(100): 0.715436657367485,
-// then 0.28463380767982, then 0.0131039082850364.
-constexpr std::int64_t kFirstModulus = 2147483563;
-constexpr std::int64_t kSecondModulus = 2147483399;
-constexpr std::int64_t kFirstFactor = 40014;
-constexpr std::int64_t kSecondFactor = 40692;
-constexpr std::int64_t kSecondSeed = 67890;
-/// 1 / kFirstModulus to seven digits, as in the paper; the published results show that it was not made finer.
-constexpr double kScale = 4.656613e-10;
-
 } // namespace
-
-RandomSequence::RandomSequence(std::int32_t seed) : first_(seed), second_(kSecondSeed) {
-    // A generator of this kind never leaves 0, so no seed may begin there.
-    first_ = ((first_ % kFirstModulus) + kFirstModulus) % kFirstModulus;
-    if (first_ == 0) {
-        first_ = 12345;
-    }
-}
-
-double RandomSequence::Next() {
-    first_ = first_ * kFirstFactor % kFirstModulus;
-    second_ = second_ * kSecondFactor % kSecondModulus;
-    std::int64_t difference = first_ - second_;
-    if (difference < 1) {
-        difference += kFirstModulus - 1;
-    }
-    return static_cast<double>(difference) * kScale;
-}
 
 std::span<const ScalarFunction> MathFunctions() {
     return kFunctions;

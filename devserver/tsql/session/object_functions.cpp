@@ -4,6 +4,7 @@
 
 #include "devserver/storage/databases.h"
 #include "devserver/tsql/parse/parser.h"
+#include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/object_place.h"
 #include "devserver/tsql/session/session_function_parts.h"
@@ -55,13 +56,15 @@ Value ObjectName(SessionCore& session, Values values, Types types) {
     return object ? Value(object->name) : Value();
 }
 
-bool HasIndex(const TableDef& table, bool (*test)(const IndexDef&)) {
-    for (const IndexDef& index : table.indexes) {
-        if (test(index)) {
-            return true;
+/// The number of a property in a list; NULL for a property that is not in it, as in SQL Server.
+template <class Properties>
+Value NumberOf(const Properties& properties, std::string_view property) {
+    for (const auto& [name, value] : properties) {
+        if (name == property) {
+            return std::int64_t{value};
         }
     }
-    return false;
+    return {};
 }
 
 struct EventProperty {
@@ -92,66 +95,23 @@ Value TriggerProperty(SessionCore& session, const ObjectDef& trigger, std::strin
     return {};
 }
 
-/// The properties of OBJECTPROPERTY that count a table's triggers or name the first of them.
-Value TriggersOfTable(SessionCore& session, const TableDef& table, std::string_view property) {
-    constexpr std::pair<std::string_view, std::uint8_t> kEvents[] = {
-        {"INSERT", ast::kOnInsert}, {"UPDATE", ast::kOnUpdate}, {"DELETE", ast::kOnDelete}};
-    for (const auto& [word, event] : kEvents) {
-        std::int64_t count = 0;
-        std::int64_t first = 0;
-        for (const TriggerDef& trigger : table.triggers) {
-            const ObjectDef object = session.databases().Current().FindObject(trigger.id).value();
-            if ((EventsOfTrigger(session, session.databases().Current(), object) & event) != 0) {
-                first = count++ == 0 ? trigger.id : first;
-            }
-        }
-        const std::string name = std::string(word) + "TRIGGER";
-        if (property == "TABLEHAS" + name) {
-            return std::int64_t{count > 0};
-        }
-        if (property == "TABLE" + name + "COUNT") {
-            return count;
-        }
-        if (property == "TABLE" + name) {
-            return first;
-        }
-    }
-    return {};
-}
-
 /// The properties of OBJECTPROPERTY that only tables have.
-Value TableProperty(const TableDef& table, std::string_view property) {
-    if (property == "TABLEHASPRIMARYKEY") {
-        return std::int64_t{HasIndex(table, [](const IndexDef& index) { return index.primary_key; })};
-    }
-    if (property == "TABLEHASINDEX") {
-        return std::int64_t{!table.indexes.empty()};
-    }
-    if (property == "TABLEHASCLUSTINDEX") {
-        return std::int64_t{HasIndex(table, [](const IndexDef& index) { return index.clustered; })};
-    }
-    if (property == "TABLEHASUNIQUECNST") {
-        return std::int64_t{
-            HasIndex(table, [](const IndexDef& index) { return index.constraint && !index.primary_key; })};
-    }
-    if (property == "TABLEHASIDENTITY") {
-        return std::int64_t{table.IdentityColumn() != nullptr};
-    }
-    if (property == "TABLEHASFOREIGNKEY") {
-        return std::int64_t{!table.foreign_keys.empty()};
-    }
-    if (property == "TABLEHASFOREIGNREF") {
-        return std::int64_t{!table.referencing.empty()};
-    }
-    if (property == "TABLEHASCHECKCNST") {
-        return std::int64_t{!table.checks.empty()};
-    }
-    if (property == "TABLEHASTIMESTAMP") {
-        return std::int64_t{
-            std::any_of(table.columns.begin(), table.columns.end(),
-                        [](const ColumnDef& column) { return column.type.id == TypeId::Timestamp; })};
-    }
-    return {};
+Value TableProperty(const TableDef& table, const std::string& property) {
+    RaiseIf(property.starts_with("TABLE") && property.find("TRIGGER") != std::string::npos, 40517,
+            {"OBJECTPROPERTY '" + property + "'"});
+    const auto unique = [](const IndexDef& index) { return index.constraint && !index.primary_key; };
+    const auto timestamp = [](const ColumnDef& column) { return column.type.id == TypeId::Timestamp; };
+    const std::pair<std::string_view, bool> properties[] = {
+        {"TABLEHASPRIMARYKEY", std::ranges::any_of(table.indexes, &IndexDef::primary_key)},
+        {"TABLEHASINDEX", !table.indexes.empty()},
+        {"TABLEHASCLUSTINDEX", std::ranges::any_of(table.indexes, &IndexDef::clustered)},
+        {"TABLEHASUNIQUECNST", std::ranges::any_of(table.indexes, unique)},
+        {"TABLEHASIDENTITY", table.IdentityColumn() != nullptr},
+        {"TABLEHASFOREIGNKEY", !table.foreign_keys.empty()},
+        {"TABLEHASFOREIGNREF", !table.referencing.empty()},
+        {"TABLEHASCHECKCNST", !table.checks.empty()},
+        {"TABLEHASTIMESTAMP", std::ranges::any_of(table.columns, timestamp)}};
+    return NumberOf(properties, property);
 }
 
 /// The properties of OBJECTPROPERTY that ask for the kind of object; empty for any other property.
@@ -221,8 +181,7 @@ Value ObjectProperty(SessionCore& session, Values values, Types types) {
     if (!table) {
         return {};
     }
-    const Value of_table = TableProperty(*table, property);
-    return IsNull(of_table) ? TriggersOfTable(session, *table, property) : of_table;
+    return TableProperty(*table, property);
 }
 
 TablePtr TableById(SessionCore& session, Values values, Types types, std::size_t index) {
@@ -239,42 +198,38 @@ Value ColumnProperty(SessionCore& session, Values values, Types types) {
         return {};
     }
     const std::string property = AsciiUpper(TextOf(values, types, 2));
-    if (property == "ISIDENTITY") {
-        return std::int64_t{column->identity};
-    }
-    if (property == "ALLOWSNULL") {
-        return std::int64_t{column->nullable};
-    }
-    if (property == "ISCOMPUTED") {
-        return std::int64_t{!column->computed.empty()};
-    }
-    if (property == "ISROWGUIDCOL") {
-        return std::int64_t{column->row_guid};
-    }
-    if (property == "COLUMNID") {
-        return std::int64_t{column->id};
-    }
-    if (property == "PRECISION") {
-        return std::int64_t{TypePrecision(column->type)};
-    }
     if (property == "SCALE") {
         const std::optional<std::int32_t> scale = TypeScale(column->type);
         return scale ? Value(std::int64_t{*scale}) : Value();
     }
-    if (property == "ISIDNOTFORREPL" || property == "ISOUTPARAM" || property == "ISINDEXABLE") {
-        return std::int64_t{property == "ISINDEXABLE" && !IsOldLob(column->type.id)};
+    const std::pair<std::string_view, std::int64_t> properties[] = {
+        {"ISIDENTITY", column->identity},
+        {"ALLOWSNULL", column->nullable},
+        {"ISCOMPUTED", !column->computed.empty()},
+        {"ISROWGUIDCOL", column->row_guid},
+        {"COLUMNID", column->id},
+        {"PRECISION", TypePrecision(column->type)},
+        {"ISINDEXABLE", !IsOldLob(column->type.id)},
+        {"ISIDNOTFORREPL", 0},
+        {"ISOUTPARAM", 0},
+        {"USESANSITRIM", 1}};
+    return NumberOf(properties, property);
+}
+
+/// The table of that name, with its catalogue; null for any other object.
+TablePtr TableNamed(SessionCore& session, const std::string& name, Catalogue** catalogue = nullptr) {
+    const std::optional<Found> found = FindNamed(session, name);
+    if (!found || found->object.type != "U") {
+        return nullptr;
     }
-    if (property == "USESANSITRIM") {
-        return std::int64_t{1};
+    if (catalogue != nullptr) {
+        *catalogue = found->catalogue;
     }
-    return {};
+    return session.databases().Table(*found->catalogue, found->object.id);
 }
 
 Value ColLength(SessionCore& session, Values values, Types types) {
-    const std::optional<Found> found = FindNamed(session, TextOf(values, types, 0));
-    const TablePtr table = found && found->object.type == "U"
-                               ? session.databases().Table(*found->catalogue, found->object.id)
-                               : nullptr;
+    const TablePtr table = TableNamed(session, TextOf(values, types, 0));
     const ColumnDef* column = table ? table->Find(TextOf(values, types, 1)) : nullptr;
     return column == nullptr ? Value() : Value(std::int64_t{StorageBytes(column->type)});
 }
@@ -290,73 +245,16 @@ Value ColName(SessionCore& session, Values values, Types types) {
     return {};
 }
 
-/// The index for which `test` is true; null if there is none, or no table.
-const IndexDef* FindIndex(const TablePtr& table, bool (*test)(const IndexDef&, const std::string&),
-                          const std::string& wanted) {
-    for (const IndexDef& index :
-         table ? std::span<const IndexDef>(table->indexes) : std::span<const IndexDef>()) {
-        if (test(index, wanted)) {
-            return &index;
-        }
-    }
-    return nullptr;
-}
-
-Value IndexProperty(SessionCore& session, Values values, Types types) {
-    const TablePtr table = TableById(session, values, types, 0);
-    const IndexDef* index = FindIndex(
-        table, [](const IndexDef& i, const std::string& name) { return SameText(i.name, name); },
-        TextOf(values, types, 1));
-    if (index == nullptr) {
-        return {};
-    }
-    const std::string property = AsciiUpper(TextOf(values, types, 2));
-    const std::pair<std::string_view, std::int64_t> properties[] = {
-        {"INDEXID", index->id},      {"ISCLUSTERED", index->clustered},
-        {"ISUNIQUE", index->unique}, {"INDEXDEPTH", 1},
-        {"INDEXFILLFACTOR", 0},      {"ISAUTOSTATISTICS", 0},
-        {"ISDISABLED", 0},           {"ISFULLTEXTKEY", 0},
-        {"ISHYPOTHETICAL", 0},       {"ISPADINDEX", 0},
-        {"ISSTATISTICS", 0},         {"ISPAGELOCKDISALLOWED", 0},
-        {"ISROWLOCKDISALLOWED", 0}};
-    for (const auto& [name, value] : properties) {
-        if (name == property) {
-            return value;
-        }
-    }
-    return {};
-}
-
-/// INDEX_COL(table, index id, key): the key's column.
-Value IndexColumn(SessionCore& session, Values values, Types types) {
-    const std::optional<Found> found = FindNamed(session, TextOf(values, types, 0));
-    const TablePtr table = found && found->object.type == "U"
-                               ? session.databases().Table(*found->catalogue, found->object.id)
-                               : nullptr;
-    const IndexDef* index = FindIndex(
-        table, [](const IndexDef& i, const std::string& id) { return std::to_string(i.id) == id; },
-        TextOf(values, types, 1));
-    const std::optional<std::int64_t> key = IntOf(values, types, 2);
-    if (index == nullptr || !key || *key < 1 || *key > std::ssize(index->columns)) {
-        return {};
-    }
-    const int wanted = index->columns[static_cast<std::size_t>(*key - 1)].column;
-    const auto column = std::ranges::find(table->columns, wanted, &ColumnDef::id);
-    return column == table->columns.end() ? Value() : Value(column->name);
-}
-
 Value IdentityInfo(SessionCore& session, const std::string& name, int what) {
-    const std::optional<Found> found = FindNamed(session, name);
-    const TablePtr table = found && found->object.type == "U"
-                               ? session.databases().Table(*found->catalogue, found->object.id)
-                               : nullptr;
+    Catalogue* catalogue = nullptr;
+    const TablePtr table = TableNamed(session, name, &catalogue);
     const ColumnDef* column = table ? table->IdentityColumn() : nullptr;
     if (column == nullptr) {
         return {};
     }
     std::int64_t value = what == 1 ? column->seed : column->increment;
     if (what == 0) {
-        value = found->catalogue->IdentityValue(table->id).value_or(column->seed);
+        value = catalogue->IdentityValue(table->id).value_or(column->seed);
     }
     return Decimal{value, 0};
 }
@@ -367,8 +265,6 @@ constexpr SessionFunction kFunctions[] = {
     {"OBJECTPROPERTY", 2, 2, kInt, ObjectProperty, false},
     {"OBJECTPROPERTYEX", 2, 2, kInt, ObjectProperty, false},
     {"COLUMNPROPERTY", 3, 3, kInt, ColumnProperty, false},
-    {"INDEXPROPERTY", 3, 3, kInt, IndexProperty, false},
-    {"INDEX_COL", 3, 3, kName, IndexColumn, false},
     {"COL_LENGTH", 2, 2, Simple(TypeId::SmallInt), ColLength, false},
     {"COL_NAME", 2, 2, kName, ColName, false},
     {"IDENT_CURRENT", 1, 1, DecimalType(38, 0),

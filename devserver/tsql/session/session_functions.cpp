@@ -5,13 +5,11 @@
 
 #include "devserver/tsql/parse/parser.h"
 #include "devserver/tsql/scalar/date_time.h"
-#include "devserver/tsql/scalar/functions.h"
 #include "devserver/tsql/scalar/sql_error.h"
 #include "devserver/tsql/scalar/text.h"
 #include "devserver/tsql/session/server.h"
 #include "devserver/tsql/session/session_function_parts.h"
 #include "devserver/tsql/session/triggers.h"
-#include "devserver/tsql/session/user_messages.h"
 #include "devserver/tsql/session/version.h"
 
 namespace devsql {
@@ -79,6 +77,20 @@ Value ServerProperty(SessionCore& session, Values values, Types types) {
     return {};
 }
 
+/// The options of ALTER DATABASE that properties show.
+constexpr std::pair<std::string_view, const char*> kOptionProperties[] = {
+    {"ISANSINULLDEFAULT", "ANSI_NULL_DEFAULT"},
+    {"ISANSINULLSENABLED", "ANSI_NULLS"},
+    {"ISAUTOCLOSE", "AUTO_CLOSE"},
+    {"ISAUTOCREATESTATISTICS", "AUTO_CREATE_STATISTICS"},
+    {"ISAUTOSHRINK", "AUTO_SHRINK"},
+    {"ISAUTOUPDATESTATISTICS", "AUTO_UPDATE_STATISTICS"},
+    {"ISCLOSECURSORSONCOMMITENABLED", "CURSOR_CLOSE_ON_COMMIT"},
+    {"ISPUBLISHED", "PUBLISHED"},
+    {"ISQUOTEDIDENTIFIERSENABLED", "QUOTED_IDENTIFIER"},
+    {"ISRECURSIVETRIGGERSENABLED", "RECURSIVE_TRIGGERS"},
+    {"ISTORNPAGEDETECTIONENABLED", "TORN_PAGE_DETECTION"}};
+
 Value DatabasePropertyEx(SessionCore& session, Values values, Types types) {
     const std::optional<DatabaseInfo> info = FindDatabase(session.connection(), TextOf(values, types, 0));
     if (!info) {
@@ -89,31 +101,24 @@ Value DatabasePropertyEx(SessionCore& session, Values values, Types types) {
         const auto found = info->options.find(name);
         return found == info->options.end() ? otherwise : found->second;
     };
-    if (property == "STATUS") {
-        return std::string("ONLINE");
+    const std::pair<std::string_view, std::string> properties[] = {
+        {"STATUS", info->Option("OFFLINE") ? "OFFLINE" : "ONLINE"},
+        {"COLLATION", option("COLLATE", "SQL_Latin1_General_CP1_CI_AS")},
+        {"RECOVERY", option("RECOVERY", "FULL")},
+        {"USERACCESS", info->Option("SINGLE_USER") ? "SINGLE_USER" : "MULTI_USER"},
+        {"UPDATEABILITY", "READ_WRITE"},
+        {"VERSION", "539"}};
+    for (const auto& [name, value] : properties) {
+        if (name == property) {
+            return value;
+        }
     }
-    if (property == "COLLATION") {
-        return option("COLLATE", "SQL_Latin1_General_CP1_CI_AS");
+    for (const auto& [name, shown] : kOptionProperties) {
+        if (name == property) {
+            return std::string(info->Option(shown) ? "1" : "0");
+        }
     }
-    if (property == "RECOVERY") {
-        return option("RECOVERY", "FULL");
-    }
-    if (property == "USERACCESS") {
-        return std::string(info->Option("SINGLE_USER") ? "SINGLE_USER" : "MULTI_USER");
-    }
-    if (property == "UPDATEABILITY") {
-        return std::string("READ_WRITE");
-    }
-    if (property == "ISPUBLISHED") {
-        return std::string(info->Option("PUBLISHED") ? "1" : "0");
-    }
-    if (property == "VERSION") {
-        return std::string("539");
-    }
-    if (property.starts_with("IS")) {
-        return std::string(info->Option(property.substr(2)) ? "1" : "0");
-    }
-    return {};
+    return property.starts_with("IS") ? Value(std::string("0")) : Value();
 }
 
 Value HasDbAccess(SessionCore& session, Values values, Types types) {
@@ -169,25 +174,14 @@ Value IsMember(SessionCore& session, Values values, Types types) {
            std::int64_t{!CurrentUser(session).empty() && AsciiEqual(role, "dbcreator")};
 }
 
-/// FORMATMESSAGE: a message by number or a text, with its arguments put in. NULL for an unknown number.
-Value FormatMessage(SessionCore& session, Values values, Types types) {
-    std::vector<FormatArgument> arguments;
-    for (std::size_t i = 1; i < values.size(); ++i) {
-        arguments.push_back({values[i], types[i]});
-    }
-    if (IsNull(values[0])) {
-        return {};
-    }
-    if (IsCharacter(types[0].id)) {
-        return FormatRaiserror(TextOf(values, types, 0), arguments);
-    }
-    const auto number = static_cast<std::int32_t>(IntOf(values, types, 0).value_or(0));
-    const std::optional<NumberedMessage> found = FindMessageText(session, number, arguments);
-    return found ? Value(found->text) : Value();
-}
-
 const Message* Caught(const SessionCore& session) {
     return session.status().caught.empty() ? nullptr : &session.status().caught.back();
+}
+
+template <auto Field>
+Value OfCaught(SessionCore& session, Values, Types) {
+    const Message* caught = Caught(session);
+    return caught == nullptr ? Value() : Value(std::int64_t{caught->*Field});
 }
 
 constexpr std::int64_t kSysNameType = 256;
@@ -226,6 +220,14 @@ Value TypeNameOf(SessionCore& session, Values values, Types types) {
     return {};
 }
 
+Value LocalTime(SessionCore&, Values, Types) {
+    return Now();
+}
+
+Value Utc(SessionCore&, Values, Types) {
+    return UtcNow();
+}
+
 /// A random identifier, version 4.
 Value NewId(SessionCore&, Values, Types) {
     static thread_local std::mt19937_64 random{std::random_device{}()};
@@ -241,17 +243,12 @@ Value NewId(SessionCore&, Values, Types) {
 // ------------------------------------------------------------------ the table
 
 constexpr SessionFunction kFunctions[] = {
-    {"GETDATE", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); },
-     true},
-    {"CURRENT_TIMESTAMP", 0, 0, Simple(TypeId::DateTime),
-     [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
-    {"NOW", 0, 0, Simple(TypeId::DateTime), [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
-    {"SYSDATETIME", 0, 0, Simple(TypeId::DateTime),
-     [](SessionCore&, Values, Types) -> Value { return Now(); }, true},
-    {"SYSUTCDATETIME", 0, 0, Simple(TypeId::DateTime),
-     [](SessionCore&, Values, Types) -> Value { return UtcNow(); }, true},
-    {"GETUTCDATE", 0, 0, Simple(TypeId::DateTime),
-     [](SessionCore&, Values, Types) -> Value { return UtcNow(); }, true},
+    {"GETDATE", 0, 0, Simple(TypeId::DateTime), LocalTime, true},
+    {"CURRENT_TIMESTAMP", 0, 0, Simple(TypeId::DateTime), LocalTime, true},
+    {"NOW", 0, 0, Simple(TypeId::DateTime), LocalTime, true},
+    {"SYSDATETIME", 0, 0, Simple(TypeId::DateTime), LocalTime, true},
+    {"SYSUTCDATETIME", 0, 0, Simple(TypeId::DateTime), Utc, true},
+    {"GETUTCDATE", 0, 0, Simple(TypeId::DateTime), Utc, true},
     {"NEWID", 0, 0, Simple(TypeId::UniqueIdentifier), NewId, false},
     {"NEWSEQUENTIALID", 0, 0, Simple(TypeId::UniqueIdentifier), NewId, false},
     {"SCOPE_IDENTITY", 0, 0, DecimalType(38, 0),
@@ -260,7 +257,6 @@ constexpr SessionFunction kFunctions[] = {
                                                      : Value();
      },
      true},
-    {"FORMATMESSAGE", 1, 21, Sized(TypeId::NVarChar, 4000), FormatMessage, false},
     {"DB_ID", 0, 1, Simple(TypeId::SmallInt), DbId, false},
     {"DB_NAME", 0, 1, kName, DbName, false},
     {"SERVERPROPERTY", 1, 1, Sized(TypeId::NVarChar, 256), ServerProperty, false},
@@ -297,26 +293,10 @@ constexpr SessionFunction kFunctions[] = {
      true},
     {"TYPE_ID", 1, 1, kInt, TypeIdOf, false},
     {"TYPE_NAME", 1, 1, kName, TypeNameOf, false},
-    {"ERROR_NUMBER", 0, 0, kInt,
-     [](SessionCore& s, Values, Types) -> Value {
-         return Caught(s) ? Value(std::int64_t{Caught(s)->number}) : Value();
-     },
-     true},
-    {"ERROR_SEVERITY", 0, 0, kInt,
-     [](SessionCore& s, Values, Types) -> Value {
-         return Caught(s) ? Value(std::int64_t{Caught(s)->severity}) : Value();
-     },
-     true},
-    {"ERROR_STATE", 0, 0, kInt,
-     [](SessionCore& s, Values, Types) -> Value {
-         return Caught(s) ? Value(std::int64_t{Caught(s)->state}) : Value();
-     },
-     true},
-    {"ERROR_LINE", 0, 0, kInt,
-     [](SessionCore& s, Values, Types) -> Value {
-         return Caught(s) ? Value(std::int64_t{Caught(s)->line}) : Value();
-     },
-     true},
+    {"ERROR_NUMBER", 0, 0, kInt, OfCaught<&Message::number>, true},
+    {"ERROR_SEVERITY", 0, 0, kInt, OfCaught<&Message::severity>, true},
+    {"ERROR_STATE", 0, 0, kInt, OfCaught<&Message::state>, true},
+    {"ERROR_LINE", 0, 0, kInt, OfCaught<&Message::line>, true},
     {"ERROR_MESSAGE", 0, 0, Sized(TypeId::NVarChar, 4000),
      [](SessionCore& s, Values, Types) -> Value { return Caught(s) ? Value(Caught(s)->text) : Value(); },
      true},
@@ -358,7 +338,6 @@ constexpr GlobalEntry kGlobals[] = {
     {"@@LOCK_TIMEOUT", kInt, [](SessionCore& s) -> Value { return s.options().lock_timeout; }},
     {"@@MAX_PRECISION", Simple(TypeId::TinyInt), [](SessionCore&) -> Value { return std::int64_t{38}; }},
     {"@@MAX_CONNECTIONS", kInt, [](SessionCore&) -> Value { return std::int64_t{32767}; }},
-    {"@@CURSOR_ROWS", kInt, [](SessionCore&) -> Value { return std::int64_t{0}; }},
     {"@@OPTIONS", kInt,
      [](SessionCore& s) -> Value {
          return std::int64_t{(s.options().nocount ? 512 : 0) | (s.options().quoted_identifier ? 256 : 0) |
