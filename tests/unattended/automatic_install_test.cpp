@@ -7,8 +7,6 @@
 namespace kv {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 class AutomaticInstall : public ScriptMgrTest {
   protected:
     AutomaticInstall() {

@@ -15,7 +15,6 @@
 namespace kv {
 
 using support::kVersionQuery;
-using Lines = std::vector<std::string>;
 
 class AutomaticUpgrade : public ScriptMgrTest {
   protected:
