@@ -1,8 +1,11 @@
 // Tests the system's dialogs for a folder and a file, answered by mouse and keyboard input.
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -30,7 +33,10 @@ class Pickers : public OnScreen {
         const screen::Meanwhile answering(DialogAnswers(std::move(acts)));
         return ui::PickFile(form_, kTitle, "Script Files (*.sql)|*.sql", start_folder);
     }
-    static std::string Start(const support::TempFolder& folder) { return folder.Path().string(); }
+    static std::string Start(const support::TempFolder& folder) {
+        ReadOnce(folder.Path());
+        return folder.Path().string();
+    }
     static bool Cancel(screen::Part /*dialog*/) {
         screen::Press(Key::Escape);
         return true;
@@ -54,6 +60,18 @@ class Pickers : public OnScreen {
     bool asked_ = false; ///< the last dialog had the title that it was given
 
   private:
+    /// Reads a folder and those above it. Wine's dialog finds the start folder in its tree by comparing the
+    /// times of each folder on the way, the time of the last access too, to two seconds. Linux sets that time
+    /// when a changed folder is read for the first time; the dialog itself would be that reader.
+    static void ReadOnce(const std::filesystem::path& folder) {
+        std::this_thread::sleep_for(
+            std::chrono::milliseconds(50)); // the access is to be later than the change
+        for (std::filesystem::path read = folder; read != read.parent_path(); read = read.parent_path()) {
+            std::error_code unreadable;
+            const std::filesystem::directory_iterator entries(read, unreadable);
+        }
+    }
+
     /// The act, which first checks the dialog's title.
     Act Checked(const char* title, const Act& act) {
         return [this, title, act](screen::Part dialog) {
