@@ -1,6 +1,6 @@
 -- What msdb and master consist of beside the catalogue: the package store and the job tables of msdb with their procedures,
 -- and procedures of master about users, logins and databases. GO ends each batch. They run at the first start of a
--- version of the server: kBootstrapVersion in sql_texts.h rises when a file changes.
+-- version of the server: kBootstrapVersion in embedded_sql.h rises when a file changes.
 
 USE msdb
 GO
