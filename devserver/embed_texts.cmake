@@ -1,5 +1,5 @@
-# Writes a C++ source that holds the texts of files, so that the program carries them: for a/system_tables.sql a constant
-# kSystemTables in the namespace devsql::embedded.
+# Writes a C++ source with the texts of files, so that they are part of the program: a/system_tables.sql becomes the
+# constant kSystemTables in the namespace devsql::embedded.
 #
 #   cmake -DOUTPUT=FILE -P embed_texts.cmake FILE.sql… FILE.txt…
 set(source "#include <string_view>\n\nnamespace devsql::embedded {\n")

@@ -1,5 +1,5 @@
-// devsqlserver: opens the engine, serves it on loopback, ends when the system asks it to.
-// Knows of protocol and language only that they exist.
+// The program devsqlserver: opens the engine, serves it on loopback, and ends when the operator or the system
+// asks it to. It starts the protocol and the language and knows nothing of how they work.
 #include <exception>
 #include <iostream>
 #include <optional>
@@ -16,9 +16,11 @@
 
 namespace {
 
+// The exit codes: wrong usage, and any other failure.
 constexpr int kUsageFailure = 2;
 constexpr int kFailure = 1;
 
+/// Runs the server until an end signal comes. Throws std::exception if it cannot start.
 void Serve(devsql::ProgramOptions options) {
     devsql::system::TakeEndSignals();
     const auto engine = devsql::OpenEngine(std::move(options.engine));

@@ -18,7 +18,7 @@ namespace devsql {
 
 namespace {
 
-/// What an instance may be called, as SQL Server's setup has it.
+/// The most characters in the name of an instance, as in SQL Server's setup.
 constexpr std::size_t kLongestInstance = 16;
 
 std::uint16_t ParsePort(const char* argument, const std::string& text) {
@@ -85,10 +85,12 @@ void TakeDrive(ProgramOptions& options, const std::string& value) {
     }
 }
 
+/// One argument of the command line. `take` checks its value and stores it in the options; it throws
+/// UsageError.
 struct Argument {
     const char* name;
     bool required;
-    bool repeats;
+    bool repeats; ///< may be given more than once
     bool has_value;
     void (*take)(ProgramOptions& options, const std::string& value);
 };

@@ -1,5 +1,5 @@
-// The command line of devsqlserver and its file of logins.
-// Knows nothing of what is done with them.
+// Reads the command line of devsqlserver and its file of logins.
+// Knows nothing of the server that uses them.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@
 
 namespace devsql {
 
-/// A command line or a file of logins that cannot be used; what() tells the operator why.
+/// A command line or a file of logins that cannot be used; what() is the message for the operator.
 class UsageError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -35,11 +35,11 @@ struct ProgramOptions {
 ProgramOptions ParseArguments(const std::vector<std::string>& arguments);
 
 /// A line `name:password` for each login; the password is everything after the first colon. Blank lines and
-/// lines that begin with "#" are passed over. Throws UsageError, naming `file_name` and the line.
+/// lines that begin with "#" are ignored. Throws UsageError, which names `file_name` and the line.
 std::map<std::string, std::string> ParseLogins(std::istream& lines, const std::string& file_name);
 
-/// The same from a file, which is refused where others than its owner may read it: it holds passwords. Throws
-/// UsageError.
+/// Reads the same from a file. Throws UsageError if the file cannot be read or if anybody but its owner may
+/// read it, because it holds passwords.
 std::map<std::string, std::string> ReadLogins(const std::filesystem::path& file);
 
 std::string HelpText();

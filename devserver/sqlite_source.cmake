@@ -1,4 +1,5 @@
-# Sets KV_DEVSERVER: whether the development server can be built; and for Windows KV_SQLITE_SOURCE, where SQLite's source is.
+# Sets KV_DEVSERVER to ON if the development server can be built, and for Windows KV_SQLITE_SOURCE to the folder of SQLite's
+# source.
 # The development server counts in 128 bits, so it is built for 64-bit systems.
 set(KV_DEVSERVER ON)
 if(WIN32)
@@ -9,7 +10,7 @@ if(WIN32)
     if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8)
         set(KV_DEVSERVER OFF)
     elseif(NOT EXISTS "${KV_SQLITE_SOURCE}/sqlite3.c")
-        # Its test under Wine stays and fails.
+        # The server's test under Wine is still added, and fails.
         message(WARNING "tools/sqlite-source could not bring SQLite's source: devsqlserver.exe is not built.")
         set(KV_DEVSERVER OFF)
     endif()

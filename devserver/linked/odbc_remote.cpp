@@ -1,3 +1,4 @@
+// Runs batches at another server through ODBC and passes its results and messages on. See odbc_remote.h.
 #include "devserver/linked/odbc_remote.h"
 
 #include <algorithm>
@@ -21,7 +22,8 @@ bool IsServers(const odbc::Diagnostic& diagnostic) {
     return diagnostic.severity.has_value() || diagnostic.line.has_value();
 }
 
-/// The same before there is a connection, when FreeTDS reports neither severity nor line.
+/// True for an error of the server that refuses the login. FreeTDS reports neither severity nor line then, so
+/// the SQLSTATE decides.
 bool IsRefusal(const odbc::Diagnostic& diagnostic) {
     return IsServers(diagnostic) || diagnostic.sql_state.starts_with("28") ||
            diagnostic.sql_state.starts_with("42");
@@ -39,8 +41,8 @@ Message MessageOf(const odbc::Diagnostic& diagnostic) {
     return message;
 }
 
-/// A value of a connection string. Braces only where they are needed: drivers differ in what they take
-/// within.
+/// The value as a connection string needs it. Braces are put around it only if they are needed, because
+/// drivers differ in what they accept between them.
 std::string Quoted(const std::string& value) {
     const bool plain = value.find(';') == std::string::npos && !value.starts_with('{') &&
                        !value.starts_with(' ') && !value.ends_with(' ');
@@ -111,7 +113,7 @@ class OdbcRemote : public RemoteConnection {
     }
 
   private:
-    /// The statement that Cancel means, for as long as it runs.
+    /// As long as it exists, Cancel cancels this statement.
     class Running {
       public:
         Running(OdbcRemote& remote, odbc::Statement& statement) : remote_(remote) {
@@ -136,8 +138,8 @@ class OdbcRemote : public RemoteConnection {
             return {RemoteFailure::Kind::Refused, MessageOf(*server)};
         }
         const bool no_driver = std::ranges::any_of(records, [](const odbc::Diagnostic& record) {
-            // IM002, IM003: the driver manager finds no driver of the name; 01000: it can't load the file. A
-            // driver that is there says 01000 of a connection that is cut while it logs in.
+            // IM002, IM003: the driver manager finds no driver of this name; 01000: it cannot load the
+            // driver's file. A driver itself reports 01000 if the connection is cut while it logs in.
             return record.sql_state.starts_with("IM") ||
                    (record.sql_state == "01000" &&
                     record.message.find("[Driver Manager]") != std::string::npos);
@@ -163,6 +165,8 @@ class OdbcRemote : public RemoteConnection {
         return more;
     }
 
+    /// Passes the server's errors on. Throws RemoteFailure if the connection is lost or the driver itself has
+    /// failed. Returns true, because further results may follow.
     static bool PassOn(const odbc::OdbcError& error, RemoteSink& sink) {
         const std::vector<odbc::Diagnostic>& records = error.Diagnostics();
         for (const odbc::Diagnostic& record : records) {
@@ -170,7 +174,7 @@ class OdbcRemote : public RemoteConnection {
                 sink.Said(MessageOf(record));
             }
         }
-        // An error of the server may have the class "08" (911 has), and does not end the connection.
+        // An error of the server may have the class "08", as 911 has; it does not end the connection.
         const bool lost = std::ranges::any_of(records, [](const odbc::Diagnostic& record) {
             return record.sql_state.starts_with("08") && !IsServers(record);
         });
@@ -213,7 +217,7 @@ class OdbcRemote : public RemoteConnection {
     odbc::Connection connection_;
     unsigned query_seconds_;
     std::mutex mutex_;
-    odbc::Statement* running_ = nullptr;
+    odbc::Statement* running_ = nullptr; ///< the running statement; guarded by `mutex_`
 };
 
 } // namespace

@@ -5,7 +5,7 @@
 
 namespace devsql {
 
-/// Connects to the other server. Throws RemoteFailure.
+/// Connects to the other server. Throws RemoteFailure. It is the RemoteConnector of the program.
 std::unique_ptr<RemoteConnection> ConnectByOdbc(const RemoteSource& source);
 
 } // namespace devsql

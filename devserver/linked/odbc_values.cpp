@@ -1,3 +1,4 @@
+// The table of ODBC's types and the conversion of each kind of value. See odbc_values.h.
 #include "devserver/linked/odbc_values.h"
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace {
 
 using odbc::SqlType;
 
-/// The length of a type for which ODBC reports none.
+/// Which parts of ODBC's description a type takes: none, the length, or the digits and the scale.
 enum class Shape : std::uint8_t { Plain, Sized, Exact };
 
 struct TypeRow {
@@ -68,7 +69,7 @@ Type TypeOf(const odbc::Column& column) {
                  kMaxLength);
 }
 
-/// Drivers give the milliseconds that SQL Server prints; the ticks are the nearest to them.
+/// Drivers return the milliseconds that SQL Server prints. The nearest tick (1/300 s) is the original value.
 DateTime DateTimeOf(const odbc::Timestamp& time) {
     constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
     DateTime value;
@@ -84,7 +85,8 @@ DateTime DateTimeOf(const odbc::Timestamp& time) {
     return value;
 }
 
-/// Memory holds three numbers in front of the bytes; print has them with the highest byte first.
+/// In ODBC's structure the first three groups are numbers; a Guid of the server has the bytes as printed,
+/// with the highest one first.
 Guid GuidOf(const odbc::Guid& from) {
     Guid guid;
     for (std::size_t i = 0; i < 4; ++i) {

@@ -1,4 +1,4 @@
-// Columns and values as ODBC hands them over, in the server's own form. Knows nothing of connections.
+// Converts columns and values of ODBC to those of the server. Knows nothing of connections.
 #pragma once
 
 #include "devserver/engine/engine.h"
@@ -6,9 +6,10 @@
 
 namespace devsql {
 
-/// A type that the server does not have becomes nvarchar(max).
+/// The column with the server's type. A type that the server does not have becomes nvarchar(max).
 Column ColumnOfOdbc(const odbc::Column& column);
-/// Of the type that ColumnOfOdbc gave.
+/// The value as one of `type`, the type that ColumnOfOdbc has returned. Throws SqlError if it cannot be
+/// converted.
 Value ValueOfOdbc(const odbc::Value& value, const Type& type);
 
 } // namespace devsql

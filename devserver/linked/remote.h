@@ -32,9 +32,9 @@ class RemoteSink {
     /// Begins a result set.
     virtual void Columns(const std::vector<Column>& columns) = 0;
     virtual void Row(const std::vector<Value>& values) = 0;
-    /// A statement without result set has touched so many rows.
+    /// The number of rows that a statement without a result set has changed.
     virtual void Count(std::int64_t rows) = 0;
-    /// An error or a message of the other server.
+    /// Takes an error or a message of the other server.
     virtual void Said(const Message& message) = 0;
 };
 
@@ -42,9 +42,9 @@ class RemoteSink {
 class RemoteFailure : public std::exception {
   public:
     enum class Kind : std::uint8_t {
-        NoDriver,    ///< nothing on this system leads to such a server
+        NoDriver,    ///< this system has no driver for such a server
         Refused,     ///< the server refused the login: `message` is its error
-        Unreachable, ///< nobody answered, or not in time
+        Unreachable, ///< no server answered, or it did not answer in time
         Lost,        ///< the connection broke while it was used
         TimedOut,    ///< a batch took too long, or was cancelled; the connection can still be used
     };
@@ -62,14 +62,14 @@ class RemoteFailure : public std::exception {
 class RemoteConnection {
   public:
     virtual ~RemoteConnection() = default;
-    /// Runs a batch to its end. Errors of the other server go to the sink. Throws RemoteFailure, and what the
-    /// sink throws, which ends the batch there.
+    /// Runs a batch to its end. Errors of the other server go to the sink. Throws RemoteFailure. An exception
+    /// of the sink is passed on and ends the batch at the other server.
     virtual void Run(const std::string& sql, RemoteSink& sink) = 0;
-    /// Asks the running batch to end soon; from any thread, at any time.
+    /// Asks the running batch to end soon. May be called from any thread, at any time.
     virtual void Cancel() = 0;
 };
 
-/// Throws RemoteFailure.
+/// Connects to a server. Throws RemoteFailure.
 using RemoteConnector = std::function<std::unique_ptr<RemoteConnection>(const RemoteSource&)>;
 
 } // namespace devsql

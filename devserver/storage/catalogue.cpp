@@ -1,4 +1,5 @@
-// The catalogue's tables, and the reading and writing of definitions.
+// Makes the catalogue's tables in SQLite, and reads and writes objects, parameters and user types. Tables and
+// their columns are in catalogue_tables.cpp.
 #include "devserver/storage/catalogue.h"
 
 #include <algorithm>
@@ -53,6 +54,7 @@ INSERT INTO {db}.devsql_users VALUES(0, 'public', NULL, 1, 0), (1, 'dbo', 'sa', 
 INSERT INTO {db}.devsql_members VALUES(16384, 1);
 )";
 
+/// Replaces each "{db}" by the quoted alias.
 std::string WithAlias(std::string_view text, const std::string& alias) {
     const std::string quoted = QuoteName(alias);
     std::string result;
@@ -66,6 +68,7 @@ std::string WithAlias(std::string_view text, const std::string& alias) {
     return result += text.substr(at);
 }
 
+/// The local time in the form of a datetime, see codec.h.
 std::int64_t NowTicks() {
     const DateTime now = Now();
     return std::int64_t{now.days} * kTicksPerDay + now.ticks;

@@ -1,4 +1,4 @@
-// The catalogue's tables of tables: columns, indexes, keys, checks, identities.
+// The part of the catalogue that describes tables: columns, indexes, keys, checks, identities.
 #include "devserver/storage/catalogue.h"
 #include "devserver/storage/catalogue_rows.h"
 #include "devserver/tsql/scalar/text.h"

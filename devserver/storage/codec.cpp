@@ -1,4 +1,4 @@
-// The forms of values in SQLite.
+// Converts values to the forms that they have in SQLite, and back. See codec.h.
 #include "devserver/storage/codec.h"
 
 #include <array>
@@ -17,6 +17,7 @@ constexpr std::array<std::size_t, 16> kGuidOrder = {10, 11, 12, 13, 14, 15, 8, 9
 __extension__ typedef unsigned __int128 Bits128;
 using Int128Bytes = std::array<unsigned char, 16>;
 
+/// Big-endian with the sign bit inverted: the order of the bytes is then the order of the numbers.
 Int128Bytes LongDecimal(Int128 number) {
     auto bits = static_cast<Bits128>(number);
     Int128Bytes bytes{};
@@ -36,6 +37,7 @@ Int128 FromLongDecimal(std::span<const unsigned char> bytes) {
     return static_cast<Int128>(bits);
 }
 
+/// The unscaled number at `scale`; digits that do not fit are cut off.
 Int128 Scaled(const Decimal& decimal, int scale) {
     Int128 number = decimal.unscaled;
     for (int have = decimal.scale; have < scale; ++have) {
@@ -47,7 +49,8 @@ Int128 Scaled(const Decimal& decimal, int scale) {
     return number;
 }
 
-/// Gives the value to one of SQLite's two families of calls: binding a parameter, returning a result.
+/// Passes the value to SQLite by one of two families of calls: BindTarget binds a parameter, ResultTarget
+/// returns the result of a function.
 template <class Target>
 void Encode(Target&& target, const Value& value, const Type& type) {
     if (IsNull(value)) {
@@ -106,6 +109,7 @@ struct ResultTarget {
         sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     }
     void Blob(const void* data, std::size_t size) const {
+        // As in BindTarget: a null pointer would return NULL.
         sqlite3_result_blob64(context, size == 0 ? "" : data, size, SQLITE_TRANSIENT);
     }
 };
@@ -159,7 +163,8 @@ Value DecodeValue(sqlite3_value* value, const Type& type) {
         return {};
     }
     using enum TypeId;
-    switch (type.id) { // Not by the kinds of type_rules.h: every value of every row is read here.
+    switch (
+        type.id) { // Every value of every row is read here: one switch is faster than type_rules.h's tests.
     case Real:
     case Float:
         return sqlite3_value_double(value);

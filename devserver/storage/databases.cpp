@@ -1,3 +1,4 @@
+// The tables of databases, files, options and logins in master's file. See databases.h.
 #include "devserver/storage/databases.h"
 
 #include <random>
@@ -44,6 +45,7 @@ DatabaseInfo ReadDatabase(SqliteConnection& connection, const SqliteStatement& r
     return info;
 }
 
+/// The local time in the form of a datetime, see codec.h.
 std::int64_t NowTicks() {
     const DateTime now = Now();
     return std::int64_t{now.days} * kTicksPerDay + now.ticks;

@@ -1,3 +1,4 @@
+// The tables of linked servers and their logins in master's file. See linked_servers.h.
 #include "devserver/storage/linked_servers.h"
 
 #include <fstream>

@@ -15,7 +15,7 @@
 namespace devsql {
 
 struct LinkedServer {
-    int id = -1; ///< 0 this server itself; -1 not yet in the list
+    int id = -1; ///< 0 for this server itself; -1 for a server that is not in the list yet
     std::string name;
     std::string product;
     std::string provider;
@@ -67,6 +67,8 @@ class LinkedLogins {
     bool Remove(int server, std::string_view local);
 
   private:
+    /// Reads the key; makes the file with a new key first if there is none. Throws std::runtime_error if it
+    /// cannot be written.
     std::string Key();
     std::string Apply(const std::string& salt, std::string text);
 

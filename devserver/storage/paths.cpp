@@ -1,3 +1,4 @@
+// See paths.h.
 #include "devserver/storage/paths.h"
 
 #include <algorithm>

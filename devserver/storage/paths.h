@@ -9,17 +9,17 @@
 
 namespace devsql {
 
-/// Upper-case drive letter ("D") to the folder that replaces its root.
+/// Maps an upper-case drive letter ("D") to the folder that replaces the drive's root.
 using DriveMap = std::map<std::string, std::filesystem::path>;
 
-/// The place of a client's path: "D:\x\y.mdf" below the folder of drive D, "\srv\x" and "/srv/x" as they are.
-/// Returns nothing for a drive that is not mapped, for a relative path and for an empty one. On Windows a
-/// drive that is not mapped is the drive of the machine.
+/// This machine's path for a client's path: "D:\x\y.mdf" lies below the folder of drive D; "\srv\x" and
+/// "/srv/x" are both /srv/x. Returns nothing for a relative path, for an empty one and, except on Windows,
+/// for a drive that is not mapped. On Windows such a drive is the drive of the machine.
 std::optional<std::filesystem::path> LocalPath(std::string_view client_path, const DriveMap& drives);
 
-/// A path as UTF-8, which is what SQLite, the catalogue and clients take.
+/// The path in UTF-8, for SQLite, the catalogue and clients.
 std::string Utf8(const std::filesystem::path& path);
-/// A path of UTF-8.
+/// The path that this UTF-8 text describes.
 std::filesystem::path PathOf(std::string_view utf8);
 
 } // namespace devsql

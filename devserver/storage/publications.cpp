@@ -1,3 +1,4 @@
+// The tables of publications, articles and subscriptions in master's file. See publications.h.
 #include "devserver/storage/publications.h"
 
 namespace devsql {

@@ -16,25 +16,27 @@ struct Publication {
     int database = 0; ///< the id of the published database
     std::string name;
     std::string description;
-    bool snapshot = false; ///< the frequency is "snapshot", otherwise "continuous"
-    bool active = false;
+    bool snapshot = false;    ///< the frequency is "snapshot", otherwise "continuous"
+    bool active = false;      ///< its status is "active"
     std::string snapshot_job; ///< the name of the job in msdb; empty if there is no job
 };
 
+/// A published table or procedure.
 struct Article {
     std::int64_t id = 0;
-    std::int64_t publication = 0;
+    std::int64_t publication = 0; ///< the publication's id
     std::string name;
     std::int64_t object = 0; ///< the id of the published table or procedure in its database
     std::string destination; ///< the object's name at the subscriber
 };
 
+/// The subscription of one subscriber's database to one article.
 struct Subscription {
-    std::int64_t article = 0;
-    std::string server;   ///< the subscriber
-    std::string database; ///< at the subscriber
-    bool push = true;     ///< otherwise a pull subscription
-    std::string job;      ///< the name of the job in msdb; empty for a pull subscription
+    std::int64_t article = 0; ///< the article's id
+    std::string server;       ///< the subscriber
+    std::string database;     ///< the database at the subscriber
+    bool push = true;         ///< otherwise a pull subscription
+    std::string job;          ///< the name of the job in msdb; empty for a pull subscription
 };
 
 /// Makes the tables in master's file if they do not exist.

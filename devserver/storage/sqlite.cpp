@@ -1,4 +1,4 @@
-// SQLite's C interface.
+// Calls SQLite's C interface. See sqlite.h.
 #include "devserver/storage/sqlite.h"
 
 #include <chrono>
@@ -12,11 +12,13 @@
 namespace devsql {
 namespace {
 
+/// Prepared statements that a connection keeps for use again.
 constexpr std::size_t kCachedStatements = 100;
-/// How much of each file SQLite keeps in memory. Rows in the order of a key lie all over the file: with the 2
-/// MB that are SQLite's own, nearly each of them costs a call of the system.
+/// The most memory that SQLite uses for each file's pages. Rows in the order of a key lie all over the file:
+/// with SQLite's default of 2 MB, reading nearly each of them needs a call of the system.
 constexpr std::string_view kCachePragma = "cache_size=-131072"; // KiB
-/// Beyond this the connections of the server, all together, use their pages again instead of taking more.
+/// Bytes. If all connections of the server together use more, SQLite frees pages that it could read again
+/// before it takes more memory.
 constexpr std::int64_t kMostMemory = std::int64_t{256} * 1024 * 1024;
 
 int Compare(void*, int left_size, const void* left, int right_size, const void* right) {
@@ -156,6 +158,7 @@ void CallFunction(sqlite3_context* context, int count, sqlite3_value** arguments
     }
 }
 
+/// The object of the group that SQLite is working on; made at the group's first row.
 template <class Maker>
 Aggregate* Group(sqlite3_context* context, Maker& maker) {
     auto** slot = static_cast<Aggregate**>(sqlite3_aggregate_context(context, sizeof(void*)));
@@ -195,7 +198,7 @@ void FinishAggregate(sqlite3_context* context) {
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& file) {
     static const std::int64_t limit_before =
-        sqlite3_soft_heap_limit64(kMostMemory); // Once: it is the process's.
+        sqlite3_soft_heap_limit64(kMostMemory); // Set once, because the limit is the process's.
     static_cast<void>(limit_before);
     const int code =
         sqlite3_open_v2(Utf8(file).c_str(), &handle_,
@@ -213,8 +216,9 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& file) {
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     try {
-        // A file takes its journal mode once, when it is made and there is nothing to lose: eight waits for
-        // the disk at each start and each CREATE DATABASE otherwise.
+        // A file gets its journal mode when it is made, and holds no rows then that could be lost. So this
+        // step does not wait for the disk; otherwise each start and each CREATE DATABASE would wait eight
+        // times.
         Execute("PRAGMA synchronous=OFF; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
                 "PRAGMA temp_store=FILE; PRAGMA " +
                 std::string(kCachePragma));
@@ -229,6 +233,8 @@ SqliteConnection::~SqliteConnection() {
     sqlite3_close_v2(handle_);
 }
 
+/// SQLite calls this when a lock is taken; `count` is the number of earlier calls for the same lock. Waits
+/// and returns 1 to try again, or returns 0 to give up: after ten seconds, if OnBusy has set no handler.
 int SqliteConnection::Busy(void* self, int count) {
     auto& connection = *static_cast<SqliteConnection*>(self);
     const int pause = count < 10 ? 1 : 5;

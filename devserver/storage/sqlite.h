@@ -21,12 +21,13 @@
 
 namespace devsql {
 
-/// An error of SQLite: `code` is the extended result code, the text its message.
+/// An error of SQLite: `code` is the extended result code, what() is SQLite's message.
 class StorageError : public std::runtime_error {
   public:
     StorageError(int code, const std::string& message) : std::runtime_error(message), code_(code) {}
 
     int code() const noexcept { return code_; }
+    /// The general code, such as SQLITE_CONSTRAINT.
     int primary_code() const noexcept { return code_ & 0xFF; }
 
   private:
@@ -35,7 +36,8 @@ class StorageError : public std::runtime_error {
 
 class SqliteConnection;
 
-/// A prepared statement. Goes back to its connection's cache when it ends; must not outlive the connection.
+/// A prepared statement. Its destructor returns it to the connection's cache; it must not outlive the
+/// connection.
 class SqliteStatement {
   public:
     SqliteStatement(SqliteStatement&& other) noexcept;
@@ -44,19 +46,20 @@ class SqliteStatement {
     SqliteStatement& operator=(const SqliteStatement&) = delete;
     ~SqliteStatement();
 
-    // Parameters, from 1.
+    // Parameters, counted from 1.
     SqliteStatement& Bind(int index, const Value& value, const Type& type);
     SqliteStatement& BindInt(int index, std::int64_t value);
     SqliteStatement& BindText(int index, std::string_view value);
 
-    /// Returns true if there is a row. Throws StorageError, or the exception of a function that SQLite called
-    /// back.
+    /// Runs to the next row. Returns false after the last one. Throws StorageError, or the exception of a
+    /// function that SQLite called back.
     bool Step();
-    /// Runs to the end and drops the rows.
+    /// Runs to the end, drops the rows, and resets. Throws as Step does.
     void Run();
+    /// Prepares the statement for another run. The parameters keep their values.
     void Reset();
 
-    // Columns of the row, from 0.
+    // Columns of the current row, counted from 0.
     Value Column(int index, const Type& type) const;
     std::int64_t Int(int index) const;
     std::string Text(int index) const;
@@ -71,10 +74,11 @@ class SqliteStatement {
 
     SqliteConnection* connection_ = nullptr;
     sqlite3_stmt* handle_ = nullptr;
-    Idle::node_type own_; ///< goes back with it
+    Idle::node_type own_; ///< the entry of the cache, which the destructor puts back
 };
 
-/// The arguments and the result of a function that SQLite calls back.
+/// One call of a function by SQLite: its arguments, counted from 0, and its result. Valid during the call
+/// only.
 class FunctionCall {
   public:
     FunctionCall(sqlite3_context* context, std::span<sqlite3_value*> arguments)
@@ -92,7 +96,8 @@ class FunctionCall {
     std::span<sqlite3_value*> arguments_;
 };
 
-/// An aggregate: one object for each group.
+/// An aggregate function; there is one object for each group. Step is called for each row, then Finish, which
+/// sets the result.
 class Aggregate {
   public:
     virtual ~Aggregate() = default;
@@ -100,7 +105,8 @@ class Aggregate {
     virtual void Finish(const FunctionCall& call) = 0;
 };
 
-/// A connection to one main file; used by one thread at a time, except Interrupt.
+/// A connection to one main file, to which further files can be attached. Used by one thread at a time,
+/// except Interrupt. Every call throws StorageError when SQLite fails.
 class SqliteConnection {
   public:
     /// Opens or makes `file`. Throws StorageError.
@@ -109,29 +115,35 @@ class SqliteConnection {
     SqliteConnection(const SqliteConnection&) = delete;
     SqliteConnection& operator=(const SqliteConnection&) = delete;
 
+    /// Returns a statement of this text from the cache, or compiles one.
     SqliteStatement Prepare(const std::string& text);
-    /// One or more statements without results and parameters.
+    /// Runs one or more statements that have neither results nor parameters.
     void Execute(const std::string& text);
-    /// Attaches `file` under `alias` and brings it into the server's journal mode.
+    /// Attaches `file`, which must exist, under `alias`, and sets the server's journal mode in it.
     void Attach(const std::filesystem::path& file, const std::string& alias);
     void Detach(const std::string& alias);
-    /// True between BEGIN and the end of a transaction, also when SQLite has ended it by itself.
+    /// True from BEGIN to the end of the transaction. After some errors SQLite rolls back
+    /// by itself; the result is then false.
     bool InTransaction() const;
     /// True while the connection holds the write lock of the database with that alias.
     bool Writes(const std::string& alias) const;
+    /// The rows that the last INSERT, UPDATE or DELETE changed.
     std::int64_t Changes() const;
     std::int64_t LastRowId() const;
-    /// May be called from any thread.
+    /// Makes the running statement fail with SQLITE_INTERRUPT. May be called from any thread.
     void Interrupt();
-    /// Called while a lock is waited for, with the milliseconds so far: false gives up.
+    /// Sets a function that is called again and again while a statement waits for a lock, with the
+    /// milliseconds that it has waited. If it returns false, the statement fails with SQLITE_BUSY.
     void OnBusy(std::function<bool(int waited)> handler) { busy_ = std::move(handler); }
 
     using Function = std::function<void(const FunctionCall&)>;
     using MakeAggregate = std::function<std::unique_ptr<Aggregate>()>;
+    /// Adds a function with any number of arguments to SQLite's SQL. It is kept as long as the connection.
     void AddFunction(const std::string& name, Function function);
     void AddAggregate(const std::string& name, MakeAggregate make);
 
-    /// Keeps the exception of a callback until the statement that called it has failed.
+    /// Keeps an exception that a callback has caught, because it must not pass through SQLite's C code. It is
+    /// thrown again when the statement that made the call fails.
     void Keep(std::exception_ptr error) { pending_ = std::move(error); }
 
   private:
@@ -141,13 +153,15 @@ class SqliteConnection {
         MakeAggregate make;
     };
 
+    /// Throws the exception that Keep has kept, else StorageError.
     [[noreturn]] void Fail(int code);
+    /// Takes a statement back into the cache.
     void Release(SqliteStatement::Idle::node_type own);
     void ClearCache();
     static int Busy(void* self, int count);
 
     sqlite3* handle_ = nullptr;
-    SqliteStatement::Idle idle_;
+    SqliteStatement::Idle idle_; ///< the cache: statements that nobody uses at the moment
     std::exception_ptr pending_;
     std::function<bool(int)> busy_;
     std::vector<std::unique_ptr<std::pair<SqliteConnection*, Function>>> functions_;

@@ -1,11 +1,11 @@
-// How an operator or a service manager asks the program to end: SIGTERM and SIGINT, or the console's events.
-// Knows nothing of what ends.
+// Waits until an operator or a service manager asks the program to end: by SIGTERM or SIGINT, on Windows by
+// the console's events. Knows nothing of the program.
 #pragma once
 
 namespace devsql::system {
 
-/// From here on these signals do not end the program. Called once, before any thread begins, so that all
-/// threads leave the signal to the thread that waits for it.
+/// After this call the signals do not end the program by themselves. Must be called once, before any thread
+/// begins, because a thread inherits the blocked signals of the thread that starts it.
 void TakeEndSignals();
 /// Returns when the program is asked to end.
 void WaitForEndSignal();

@@ -1,4 +1,4 @@
-// The sockets of the operating system, on loopback alone. Each system has a folder with its implementation.
+// The sockets of the operating system, on loopback only. Each system has a folder with its implementation.
 // Knows nothing of the protocols.
 #pragma once
 
@@ -13,13 +13,13 @@
 
 namespace devsql::system {
 
-/// A call of the system failed; what() names the call and says why.
+/// A call of the system has failed; what() has the call's name and the reason.
 class SocketError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-/// Owns one of the system's sockets, or nothing (-1).
+/// Owns one of the system's sockets, and closes it. A handle without a socket has the value -1.
 class SocketHandle {
   public:
     using Native = std::intptr_t;
@@ -42,41 +42,44 @@ class SocketHandle {
     Native native_ = -1;
 };
 
-/// One packet of UDP and where an answer goes.
+/// One packet of UDP, and the port to which an answer must be sent.
 struct Datagram {
     std::string bytes;
     std::uint16_t sender_port = 0;
 };
 
+/// Which of the two sockets that WaitReadable was given can be read; Nothing after the timeout.
 enum class Readable : std::uint8_t { Nothing, First, Second };
 
 /// Listens on 127.0.0.1; port 0 takes a free one. Throws SocketError.
 SocketHandle ListenOnLoopback(std::uint16_t port);
-/// A socket of UDP on 127.0.0.1; port 0 takes a free one. Throws SocketError.
+/// Returns a UDP socket on 127.0.0.1; port 0 takes a free one. Throws SocketError.
 SocketHandle DatagramsOnLoopback(std::uint16_t port);
-/// A socket that nobody but this process can send to: it is its own peer. Throws SocketError.
+/// Returns a UDP socket that is connected to itself, so that only this process can send to it. Throws
+/// SocketError.
 SocketHandle SelfConnected();
-/// The port that the system gave. Throws SocketError.
+/// The local port of the socket. Throws SocketError.
 std::uint16_t PortOf(const SocketHandle& socket);
 
-/// The next client; nothing when it has gone already or when the system has no socket left.
+/// Returns the next client; nothing if it has gone already or if the system has no socket left.
 std::optional<SocketHandle> AcceptClient(const SocketHandle& listener);
 
-/// Waits until bytes (or an end, or a client) can be taken, at most `timeout`; without one for ever. `second`
-/// may be null. Throws SocketError.
+/// Waits until a socket has bytes to read (or its end, or a client to accept), at most for `timeout`; without
+/// it, for ever. `second` may be null. Throws SocketError.
 Readable WaitReadable(const SocketHandle& first, const SocketHandle* second,
                       std::optional<std::chrono::milliseconds> timeout);
-/// 0 at the end of the stream. With `keep` the bytes stay to be received again. Throws SocketError.
+/// Waits for bytes and returns how many were received; 0 at the end of the stream. With `keep` the bytes stay
+/// to be received again. Throws SocketError.
 std::size_t Receive(const SocketHandle& socket, char* buffer, std::size_t size, bool keep = false);
-/// How much the system took, at least one byte. Throws SocketError.
+/// Returns how many bytes the system has accepted, at least one. Waits for room. Throws SocketError.
 std::size_t Send(const SocketHandle& socket, std::string_view bytes);
-/// Ends sending, or both directions; a thread that waits in a call returns. Throws nothing.
+/// Ends sending, or both directions. A thread that waits in a call of that direction returns.
 void EndSending(const SocketHandle& socket) noexcept;
 void EndBoth(const SocketHandle& socket) noexcept;
 
 /// Returns nothing if no packet was there. Longer packets are cut to `longest` bytes.
 std::optional<Datagram> ReceiveDatagram(const SocketHandle& socket, std::size_t longest);
-/// To a port of 127.0.0.1. An answer that can't be sent is lost, as any datagram may be.
+/// Sends a packet to a port of 127.0.0.1. If it cannot be sent it is lost, as any datagram may be.
 void SendDatagram(const SocketHandle& socket, std::string_view bytes, std::uint16_t port) noexcept;
 
 } // namespace devsql::system

@@ -1,4 +1,4 @@
-// The resolution protocol's few messages. See browser.h.
+// Reads and answers the few messages of the resolution protocol. See browser.h.
 #include "devserver/tds/browser.h"
 
 #include "devserver/tds/bytes.h"

@@ -12,6 +12,7 @@
 
 namespace devsql::tds {
 
+/// The UDP port at which clients ask the SQL Browser.
 inline constexpr std::uint16_t kBrowserPort = 1434;
 
 /// The instance that the answers describe.
@@ -20,14 +21,16 @@ struct BrowserEntry {
     std::uint16_t port = 0;
 };
 
-/// The answer to one request. Empty for other bytes, for another instance, and for the dedicated
-/// administrator connection, which this server does not have: the protocol then asks for silence.
+/// Returns the answer to one request. Returns nothing, since the protocol then asks for silence, for bytes
+/// that are not a request, for another instance, and for the dedicated administrator connection, which this
+/// server does not have.
 std::optional<std::string> BrowserAnswer(std::string_view request, const BrowserEntry& entry);
 
+/// Answers requests in a thread of its own.
 class Browser {
   public:
-    /// Answers on 127.0.0.1 from here on, until destroyed. `port` 0 takes a free one. Throws
-    /// std::runtime_error when the port is taken: only one program on a machine can be the browser.
+    /// Answers on 127.0.0.1 until the object is destroyed. `port` 0 takes a free one. Throws
+    /// std::runtime_error if the port is taken: only one program on a machine can be the browser.
     Browser(BrowserEntry entry, std::uint16_t port);
     ~Browser();
     Browser(const Browser&) = delete;

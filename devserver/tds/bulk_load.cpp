@@ -1,4 +1,4 @@
-// Reads the rows while they arrive. See bulk_load.h.
+// Reads the rows of a bulk load while their packets arrive. See bulk_load.h.
 #include "devserver/tds/bulk_load.h"
 
 #include <utility>
@@ -9,7 +9,7 @@ namespace devsql::tds {
 
 namespace {
 
-/// A row that is longer than this ends the load.
+/// Bytes. A row that is longer than this ends the load.
 constexpr std::size_t kLongestRow = kLargestMessage;
 constexpr std::uint16_t kNoColumns = 0xFFFF;
 constexpr std::size_t kTimestampSize = 8;
@@ -23,7 +23,8 @@ std::string ReadShortText(ByteReader& reader) {
     return FromUtf16Le(reader.Take(std::size_t{reader.Byte()} * 2));
 }
 
-/// The table of a text column: one name in every version, where an answer has its parts since 7.2.
+/// Skips the name of the table that the description of a text column has. It is a single text in every
+/// version; in an answer it is a list of parts since 7.2.
 void SkipTableName(ByteReader& reader) {
     reader.Take(std::size_t{reader.Le<std::uint16_t>()} * 2);
 }
@@ -42,7 +43,7 @@ BulkRows::Step BulkReader::Next(std::vector<Value>& row) {
             if (columns_ && position_ == buffer_.size()) {
                 break; // FreeTDS writes no DONE after its rows.
             }
-            wanted_ = buffer_.size() - position_; // All there is.
+            wanted_ = buffer_.size() - position_; // No more bytes come.
         }
         ByteReader reader(std::string_view(buffer_).substr(position_));
         try {

@@ -1,5 +1,5 @@
-// The rows of a bulk load as the client writes them: a description of the columns, rows, an end.
-// Knows nothing of the table that they are for.
+// Reads the message of a bulk load: a description of the columns, rows, an end.
+// Knows nothing of the table that the rows are for.
 #pragma once
 
 #include <cstdint>
@@ -17,14 +17,16 @@
 
 namespace devsql::tds {
 
+/// Gives the session the rows one by one, and reads a packet of the message whenever it needs more bytes. So
+/// a load of any length is never in memory as a whole.
 class BulkReader : public BulkRows {
   public:
-    /// How far the message has come.
+    /// How much of the message has been read.
     enum class State : std::uint8_t {
-        Open,
-        Whole,
-        TakenBack, ///< the client has cancelled it with its last packet
-        Lost,      ///< the connection ends within it
+        Open,      ///< its last packet has not been read yet
+        Whole,     ///< all of it
+        TakenBack, ///< all of it, and the client has cancelled it with the last packet
+        Lost,      ///< the connection has ended within it, or a packet was invalid
     };
 
     /// `next_packet` waits for the next packet of the message. It may throw ConnectionLost and ProtocolError,
@@ -45,22 +47,24 @@ class BulkReader : public BulkRows {
     Step Read(ByteReader& reader, std::vector<Value>& row);
     void ReadColumns(ByteReader& reader);
     void ReadRow(ByteReader& reader, std::vector<Value>& row) const;
-    /// Takes the next packet. Returns false if there are not `wanted_` bytes yet.
+    /// Drops the bytes that were read, and takes the next packet. Returns false if there are still less than
+    /// `wanted_` bytes.
     bool More();
+    /// Waits for the next packet and appends it to the buffer.
     void TakePacket();
 
     const std::function<ClientPacket()> next_packet_;
     const Version version_;
-    std::string buffer_;       ///< not read yet
-    std::size_t position_ = 0; ///< of the next token in it
-    std::size_t wanted_ = 1;   ///< bytes from there on before it is tried again
+    std::string buffer_;       ///< bytes of the message; those before `position_` have been read
+    std::size_t position_ = 0; ///< where the next token begins
+    std::size_t wanted_ = 1;   ///< how many bytes of the next token must be there before it is read
     State state_ = State::Open;
-    bool ended_ = false;
+    bool ended_ = false; ///< Next has returned End
     struct BulkColumn {
         WireFormat format;
         ValuePlace place;
     };
-    std::optional<std::vector<BulkColumn>> columns_;
+    std::optional<std::vector<BulkColumn>> columns_; ///< nothing before their description has come
     std::vector<Type> types_;
     std::optional<ProtocolError> error_;
 };

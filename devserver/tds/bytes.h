@@ -1,5 +1,4 @@
-// Little-endian numbers and counted strings to and from byte strings. Every read is checked against the end.
-// Knows no message in particular.
+// Appends numbers to a string of bytes and reads them from one. Knows nothing of messages.
 #pragma once
 
 #include <array>
@@ -13,6 +12,7 @@
 
 namespace devsql::tds {
 
+/// Appends the number with its lowest byte first.
 template <std::unsigned_integral T>
 void AppendLe(std::string& out, T value) {
     std::array<char, sizeof(T)> bytes{};
@@ -26,6 +26,7 @@ inline void AppendByte(std::string& out, std::uint8_t value) {
     out.push_back(static_cast<char>(value));
 }
 
+/// Appends the number with its highest byte first.
 template <std::unsigned_integral T>
 void AppendBe(std::string& out, T value) {
     for (std::size_t i = sizeof(T); i-- > 0;) {
@@ -33,7 +34,8 @@ void AppendBe(std::string& out, T value) {
     }
 }
 
-/// Walks over bytes that it does not own. A read past the end throws ProtocolError (StreamEnded).
+/// Reads bytes one after the other. It does not own them. A read past the end throws ProtocolError
+/// (StreamEnded).
 class ByteReader {
   public:
     explicit ByteReader(std::string_view data) : data_(data) {}
@@ -53,6 +55,7 @@ class ByteReader {
 
     std::uint8_t Byte() { return static_cast<std::uint8_t>(Take(1).front()); }
 
+    /// A number with its lowest byte first.
     template <std::unsigned_integral T>
     T Le() {
         const std::string_view bytes = Take(sizeof(T));
@@ -63,12 +66,13 @@ class ByteReader {
         return static_cast<T>(value);
     }
 
+    /// A number with its highest byte first.
     std::uint16_t Be16() {
         const std::uint8_t high = Byte();
         return static_cast<std::uint16_t>(high << 8 | Byte());
     }
 
-    /// The next byte, without moving past it. Throws ProtocolError at the end.
+    /// The next byte, which stays to be read.
     std::uint8_t Peek() {
         if (AtEnd()) {
             throw StreamEnded();

@@ -1,4 +1,5 @@
-// The way into a connection, and how it is watched and ended. What requests do is in connection_requests.cpp.
+// The login of a client, and how its connection is watched and ended. Requests are in
+// connection_requests.cpp.
 #include "devserver/tds/connection.h"
 
 #include <algorithm>
@@ -45,7 +46,7 @@ void Connection::Run() {
         }
         socket_.FinishWriting();
     } catch (const std::exception&) {
-        // The client is gone: nobody would get an error.
+        // The client is gone, so nobody would get an error.
         socket_.Shutdown();
     }
     std::unique_ptr<Session> session; // Ended without the lock, because that may take long.
@@ -122,7 +123,7 @@ std::optional<ClientMessage> Connection::ReadLogin(const ReadWait& wait) {
         message = ReadMessage(socket_, kLargestLoginMessage, wait);
     }
     if (message && message->type == PacketType::OldLogin) {
-        // A client of before 7.0 would read an error in another layout: it gets the end and no answer.
+        // A client of a version before 7.0 expects errors in another layout, so it gets no answer.
         return std::nullopt;
     }
     if (message && message->type != PacketType::Login) {
@@ -185,7 +186,7 @@ void Connection::ServeRequests() {
     } catch (const ConnectionLost&) {
         return;
     } catch (const ProtocolError& error) {
-        // The stream has no next message.
+        // Where the next message would begin is not known, so the connection ends.
         Refuse(error);
     }
 }

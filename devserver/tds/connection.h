@@ -1,6 +1,6 @@
 // Serves one client from its first packet to its last: the login, then requests until the client goes.
-// One thread reads a request and runs it. While it runs, another one asks from time to time whether the
-// client has sent an attention or has gone.
+// The thread of Run reads a request, runs it and answers it. While a request runs, the server's listening
+// thread calls Watch again and again, which notices an attention or the end of the client.
 #pragma once
 
 #include <atomic>
@@ -20,6 +20,7 @@
 
 namespace devsql::tds {
 
+/// One client. It owns the client's socket and session.
 class Connection {
   public:
     /// `refused`: the client gets as far as its login, which fails because there are too many clients.
@@ -39,22 +40,30 @@ class Connection {
     bool logged_in() const { return logged_in_; }
 
   private:
-    /// Reads and answers the prelogin and the login. False if the client is not logged in.
+    /// Reads and answers the prelogin and the login. Returns false if the client is not logged in; it has
+    /// then got the error, unless it has gone.
     bool Enter();
+    /// Returns nothing if the client has gone, or logs in as before TDS 7.0. Throws ProtocolError.
     std::optional<ClientMessage> ReadLogin(const ReadWait& wait);
+    /// Returns false if the engine refuses the login; its error has then been sent. Throws ProtocolError.
     bool LogIn(const ClientMessage& message);
+    /// Sends the answer to a login that has succeeded.
     void AnswerLogin(const Login& login, Response& response);
-    /// Logs in as the client asked, with the settings that its kind expects; null when refused.
+    /// Logs in at the engine as the client asked, with the settings that clients of its kind expect. Returns
+    /// null if the login is refused; `sink` has then got the error.
     std::unique_ptr<Session> OpenSession(ResultSink& sink);
-    /// Sends an answer that holds this error alone. It is written in the latest protocol version
-    /// as long as the client's version is not known.
+    /// Sends an answer that has only this error. Before the client's version is known, it is written in the
+    /// latest version of the protocol.
     void Refuse(const ProtocolError& error);
 
+    /// Reads and answers requests until the connection is to end.
     void ServeRequests();
-    /// Waits for bytes; false when the connection is to end, be it within a message.
+    /// Waits for bytes of the client. Returns false if the connection is to end, also in the middle of a
+    /// message.
     bool WaitForInput();
-    /// Reads the message that begins with `first` and answers it. False when the connection is to end.
+    /// Reads the message that begins with `first`, and answers it. Returns false if the connection is to end.
     bool Serve(ClientPacket first);
+    /// Reads the rest of the message and runs it. Throws ProtocolError and ConnectionLost.
     void RunRequest(ClientPacket first, Response& response);
     void RunBatch(const ClientMessage& message, Response& response);
     void RunCalls(const ClientMessage& message, Response& response);
@@ -69,14 +78,16 @@ class Connection {
     /// Tells the client that a transaction has begun or ended, if it does not know: its driver sends commit
     /// and rollback only while it knows of a transaction. `ended_by` says how it ended, if it ended.
     void TellTransaction(Response& response, Environment ended_by);
-    /// The message has been read to its end: what comes next is an attention, or the end of the client.
+    /// Lets Watch look at the socket. Called when a message has been read to its end: this thread reads
+    /// nothing more before the answer is finished, so the next byte can be that of an attention.
     void BeginWatch();
-    /// Ends the answer. False when the connection is to end.
+    /// Ends the watch and the answer. Returns false if the connection is to end.
     bool FinishRequest(Response& response);
 
-    /// The client has sent an attention or has gone.
+    /// True if the client has sent an attention or has gone. Looks at the next byte and leaves it in the
+    /// socket.
     bool IsCancelled() const;
-    /// Asks the running call to end. `mutex_` is held.
+    /// Asks the running call to end. The caller holds `mutex_`.
     void CancelRunning();
     Response MakeResponse();
 
@@ -84,10 +95,11 @@ class Connection {
     Engine& engine_;
     const bool refused_;
     const std::chrono::milliseconds login_time_;
+    /// The wait of every read after the login.
     const ReadWait wait_ = [this](const Socket&) { return WaitForInput(); };
     PacketWriter packets_;
     TokenWriter tokens_;
-    LoginRequest login_request_;
+    LoginRequest login_request_;          ///< kept because a reset logs in again
     bool ansi_ = true;                    ///< the client expects the ANSI settings, as ODBC drivers do
     std::uint64_t last_transaction_ = 0;  ///< the number of the last transaction; they count from 1
     std::uint64_t known_transaction_ = 0; ///< the number of the transaction the client believes open, or 0
@@ -95,10 +107,10 @@ class Connection {
     std::mutex mutex_;
     /// The thread of Run uses it without the lock. `mutex_` is held to replace it and to cancel it.
     std::unique_ptr<Session> session_;
-    bool watched_ = false; ///< a request is being run, and nobody reads; under `mutex_`
-    std::atomic<bool> closing_ = false;
+    bool watched_ = false; ///< a request is running, and its thread does not read; guarded by `mutex_`
+    std::atomic<bool> closing_ = false; ///< Stop has been called
     std::atomic<bool> logged_in_ = false;
-    std::atomic<bool> cancelled_ = false; ///< the running request's output is not wanted any more
+    std::atomic<bool> cancelled_ = false; ///< the rest of the running request's answer is dropped
 };
 
 } // namespace devsql::tds

@@ -1,4 +1,4 @@
-// The requests of a client: each is read, run and answered. See connection.h.
+// Reads, runs and answers the requests of a client. See connection.h.
 #include "devserver/tds/bulk_load.h"
 #include "devserver/tds/connection.h"
 #include "devserver/tds/quiet_sink.h"
@@ -18,7 +18,7 @@ ProtocolError NotServed(PacketType type) {
 bool Connection::Serve(ClientPacket first) {
     Response response = MakeResponse();
     if (first.type == PacketType::Attention) {
-        // The request that it was to end has ended and has been answered.
+        // The request that it should cancel has ended and has been answered.
         response.Acknowledge();
         return !response.lost();
     }
@@ -61,7 +61,7 @@ void Connection::RunRequest(ClientPacket first, Response& response) {
     const ClientMessage message = ReadRest(socket_, std::move(first), kLargestMessage, wait_);
     BeginWatch();
     if (message.ignore) {
-        // Taken back by the client before it was whole; it waits for a DONE that says so.
+        // The client has taken the message back with its last packet. It waits for a DONE with the error bit.
         response.Fail();
         return;
     }
@@ -117,7 +117,8 @@ void Connection::RunBulk(ClientPacket first, Response& response) {
     response.Begin(Response::Kind::Batch);
     BulkReader rows(next_packet, tokens_.version());
     session_->LoadRows(rows, response);
-    // The client writes to the end before it reads: what a load that failed has left is dropped first.
+    // The client reads no answer before it has written all rows. So if the load has failed, the rest of the
+    // rows is read and dropped first.
     if (rows.Drain() == BulkReader::State::TakenBack) {
         response.Fail();
     } else if (rows.error()) {
@@ -143,7 +144,7 @@ bool Connection::SetIsolation(const std::string& statement, Response& response) 
     if (statement.empty()) {
         return true;
     }
-    QuietSink quiet; // The client has asked for one step and reads one end.
+    QuietSink quiet; // The client has asked for one step, so it expects a single DONE.
     session_->ExecuteBatch(statement, quiet);
     if (quiet.error()) {
         response.Send(*quiet.error());
@@ -152,8 +153,8 @@ bool Connection::SetIsolation(const std::string& statement, Response& response) 
 }
 
 void Connection::TellTransaction(Response& response, Environment ended_by) {
-    // Only 7.2 and later know of it. What is not told now, since nobody listens, is told after the next
-    // request.
+    // Clients before 7.2 do not know this message. If the request was cancelled, its answer is dropped; the
+    // client is then told after its next request.
     if (!Has72(tokens_.version()) || session_ == nullptr || cancelled_.load()) {
         return;
     }
@@ -181,8 +182,8 @@ bool Connection::ResetIfAsked(std::uint8_t first_status, Response& response) {
         old = std::move(session_);
     }
     const std::string database = old->Database();
-    // The old session's temporary tables and transaction go before the new one comes, as if the client had
-    // gone and come again.
+    // The old session's temporary tables and transaction must end before the new session begins, as if the
+    // client had connected again.
     old.reset();
     QuietSink sink;
     std::unique_ptr<Session> fresh = OpenSession(sink);
@@ -209,7 +210,7 @@ bool Connection::ResetIfAsked(std::uint8_t first_status, Response& response) {
 std::unique_ptr<Session> Connection::OpenSession(ResultSink& sink) {
     std::unique_ptr<Session> session = engine_.Login(login_request_, sink);
     if (session && !ansi_) {
-        // Clients of the older library expect "text" in double quotes to be a text.
+        // Clients that use db-lib write string literals in double quotes.
         QuietSink quiet;
         session->ExecuteBatch("SET QUOTED_IDENTIFIER OFF", quiet);
     }

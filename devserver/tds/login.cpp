@@ -1,4 +1,4 @@
-// The login message: a fixed part, a table of offsets and lengths, and the texts. See login.h.
+// Parses the login message: a fixed part, a table of offsets and lengths, and the texts. See login.h.
 #include "devserver/tds/login.h"
 
 #include <array>
@@ -92,8 +92,8 @@ std::string Descramble(std::string_view scrambled) {
     return clear;
 }
 
-/// Walks over the feature extension. None of its features is acknowledged, which tells the client that they
-/// are not there; only a login by a federated token can't be answered so.
+/// Reads the list of features that the client asks for. No feature is acknowledged, so the client knows that
+/// the server does not have them. Only a login by a federated token must be refused. Throws ProtocolError.
 void CheckFeatures(std::string_view data, std::size_t pointer_offset) {
     if (pointer_offset > data.size()) {
         throw BadLogin("the extension lies outside");
@@ -114,8 +114,8 @@ void CheckFeatures(std::string_view data, std::size_t pointer_offset) {
 }
 
 struct Flags {
-    std::uint8_t second;
-    std::uint8_t third;
+    std::uint8_t second; ///< OptionFlags2
+    std::uint8_t third;  ///< OptionFlags3
 };
 
 void RefuseWhatIsNotOffered(const Flags& flags) {
@@ -131,14 +131,14 @@ void RefuseWhatIsNotOffered(const Flags& flags) {
     }
 }
 
-/// The table of texts, from the host name on.
+/// Reads the table of texts, which begins with the host name, into `login`.
 void ParseTexts(ByteReader& table, std::string_view data, const Flags& flags, Login& login) {
     const Texts texts(data);
     login.host_name = texts.Text(table, "the host name");
     login.user = texts.Text(table, "the user name");
     login.password = FromUtf16Le(Descramble(texts.Bytes(table, "the password")));
     login.application = texts.Text(table, "the application name");
-    // FreeTDS passes "HOST,PORT" on with a NUL inside; nothing hangs on the name.
+    // FreeTDS sends "HOST,PORT" with a NUL inside. The name is not used, so this does no harm.
     login.server = texts.Text(table, "the server name", kLongestFileName);
     const std::size_t extension = table.Le<std::uint16_t>();
     const std::size_t extension_length = table.Le<std::uint16_t>();

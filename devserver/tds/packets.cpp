@@ -1,4 +1,4 @@
-// The packet layer: see packets.h.
+// Reads and writes packets. See packets.h.
 #include "devserver/tds/packets.h"
 
 #include <algorithm>
@@ -11,11 +11,12 @@ namespace devsql::tds {
 
 namespace {
 
-/// Bytes of full packets that are sent by one call of the system. The first so many of an answer are sent one
-/// by one: a statement that then waits or works for long must not keep them from the client.
+/// Full packets are gathered until they have this many bytes, and then sent by one call of the system. As
+/// long as an answer is shorter, its packets are sent one by one: if a statement then waits or works for
+/// long, the client already has its first rows.
 constexpr std::size_t kSentTogether = std::size_t{64} * 1024;
-/// A full packet is not kept back when this time has passed since the last call: the rows come slowly then,
-/// and the client can work on those that are there.
+/// If this time has passed since the last call, a full packet is sent at once: the rows come slowly, and the
+/// client can work on those that are there.
 constexpr std::chrono::milliseconds kLongestKept{20};
 
 struct Header {
@@ -41,7 +42,7 @@ Header ParseHeader(const std::array<char, kHeaderSize>& bytes) {
     const auto type = static_cast<PacketType>(reader.Byte());
     const std::uint8_t status = reader.Byte();
     const std::size_t length = reader.Be16();
-    // Refused at once: a client of another protocol would wait for an answer.
+    // Refused before the rest is read: a client of another protocol would wait for an answer.
     if (!IsKnown(type)) {
         throw BadPacket("the type " + std::to_string(static_cast<unsigned>(type)));
     }
@@ -107,7 +108,8 @@ void PacketWriter::SetPacketSize(std::size_t size) {
 
 void PacketWriter::Append(std::string_view bytes) {
     while (!bytes.empty()) {
-        // A full packet is completed only when more follows: the last one has to say that it is the last.
+        // A full packet is ended only when more bytes follow, because the last packet must say that it is the
+        // last one.
         if (PacketBytes() >= packet_size_) {
             EndPacket(false);
             if (answered_ < kSentTogether || packet_ >= kSentTogether ||

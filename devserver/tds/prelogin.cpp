@@ -1,4 +1,5 @@
-// The prelogin message: a table of options (token, offset, length), ended by 0xFF, and then their values.
+// Reads and writes the prelogin message: a table of options (token, offset, length) that ends with 0xFF, and
+// then the options' values. See prelogin.h.
 #include "devserver/tds/prelogin.h"
 
 #include <array>

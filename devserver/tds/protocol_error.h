@@ -1,4 +1,4 @@
-// What is wrong with what a client sent, as the numbered error that it gets for it.
+// The errors that the protocol itself reports to a client, each with a number, a severity and a text.
 // Knows nothing of sockets.
 #pragma once
 
@@ -10,14 +10,14 @@
 
 namespace devsql::tds {
 
-/// Numbers and texts are those that SQL Server's documentation gives for the same mistakes.
+/// The numbers and texts are those that SQL Server's documentation gives for the same mistakes.
 class ProtocolError : public std::runtime_error {
   public:
     ProtocolError(std::int32_t number, std::uint8_t severity, const std::string& text)
         : std::runtime_error(text), number_(number), severity_(severity) {}
 
     std::int32_t number() const { return number_; }
-    /// From 20 on the connection is to be closed.
+    /// If it is 20 or more, the connection must be closed.
     std::uint8_t severity() const { return severity_; }
 
   private:
@@ -45,14 +45,15 @@ inline constexpr std::int32_t kLoginFailed = 18456;
 inline constexpr std::uint8_t kRequestSeverity = 16;
 inline constexpr std::uint8_t kFatalSeverity = 20;
 
-/// A request whose inside is shorter than what it announces.
+/// The error for a request that has fewer bytes than its lengths announce.
 inline ProtocolError StreamEnded() {
     return {error_number::kStreamEnded, kRequestSeverity,
             "The incoming tabular data stream (TDS) protocol stream is incorrect. The stream ended "
             "unexpectedly."};
 }
 
-/// An exception out of the language is a defect of this server; the client is told what it says.
+/// The error for an exception that the language throws. That is a defect of this server; the client gets the
+/// exception's text.
 inline ProtocolError InternalError(const std::exception& error) {
     return {error_number::kInternal, kRequestSeverity,
             std::string("A system assertion check has failed: ") + error.what()};

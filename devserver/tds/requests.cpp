@@ -1,4 +1,4 @@
-// The bodies of requests. See requests.h.
+// Parses the bodies of requests. See requests.h.
 #include "devserver/tds/requests.h"
 
 #include <array>
@@ -11,6 +11,7 @@ namespace devsql::tds {
 
 namespace {
 
+/// Stands in the place of a name's length if the procedure is called by its number.
 constexpr std::uint16_t kNumberedProcedure = 0xFFFF;
 constexpr std::uint8_t kSeparator71 = 0x80;
 constexpr std::uint8_t kSeparator72 = 0xFF;
@@ -19,13 +20,13 @@ constexpr std::uint8_t kByReference = 0x01;
 constexpr std::uint8_t kDefaultValue = 0x02;
 constexpr std::size_t kLongestProcedureName = 1046;
 
-/// By number, from 1.
+/// The procedures that clients call by number. The first one has the number 1.
 constexpr std::array<const char*, 15> kProcedures{
     "sp_cursor",          "sp_cursoropen",  "sp_cursorprepare", "sp_cursorexecute", "sp_cursorprepexec",
     "sp_cursorunprepare", "sp_cursorfetch", "sp_cursoroption",  "sp_cursorclose",   "sp_executesql",
     "sp_prepare",         "sp_execute",     "sp_prepexec",      "sp_prepexecrpc",   "sp_unprepare"};
 
-/// 7.2 put headers (transaction, notification) before each request; the server has a use for none of them.
+/// Since 7.2 headers (transaction, notification) stand before each request. The server does not use them.
 void SkipHeaders(ByteReader& reader, Version version) {
     if (!Has72(version)) {
         return;
@@ -84,7 +85,7 @@ RpcParameter ReadParameter(ByteReader& reader, Version version, int ordinal) {
 RpcCall ReadCall(ByteReader& reader, Version version) {
     RpcCall call;
     call.procedure = ReadProcedureName(reader);
-    reader.Le<std::uint16_t>(); // recompile, no metadata: hints
+    reader.Le<std::uint16_t>(); // the options "recompile" and "no metadata", which have no effect here
     while (!reader.AtEnd() && !AtSeparator(reader, version)) {
         call.parameters.push_back(
             ReadParameter(reader, version, static_cast<int>(call.parameters.size()) + 1));
@@ -92,17 +93,17 @@ RpcCall ReadCall(ByteReader& reader, Version version) {
     return call;
 }
 
-// The steps of the transaction manager's request.
+// The kinds of requests to the transaction manager.
 constexpr std::uint16_t kBegin = 5;
 constexpr std::uint16_t kCommit = 7;
 constexpr std::uint16_t kRollback = 8;
 constexpr std::uint16_t kSave = 9;
 
-/// The isolation levels by number; 0 leaves it as it is.
+/// The isolation levels by number; 0 means no change.
 constexpr std::array<const char*, 6> kIsolationLevels{
     "", "READ UNCOMMITTED", "READ COMMITTED", "REPEATABLE READ", "SERIALIZABLE", "SNAPSHOT"};
 
-/// A blank and the bracketed name that follows; nothing for an empty one.
+/// Reads a name and returns it in brackets, with a blank before it; returns "" for an empty name.
 std::string ReadName(ByteReader& reader) {
     const std::size_t bytes = reader.Byte();
     if (bytes == 0) {
@@ -129,7 +130,7 @@ void ReadBegin(ByteReader& reader, std::string& isolation, std::string& statemen
     statement = "BEGIN TRANSACTION" + ReadName(reader);
 }
 
-/// Commit and rollback may begin the next transaction in the same step.
+/// A commit or a rollback may ask to begin the next transaction at once.
 void ReadNext(ByteReader& reader, TransactionRequest& request) {
     if (!reader.AtEnd() && (reader.Byte() & 1) != 0) {
         ReadBegin(reader, request.next_isolation, request.next_statement);

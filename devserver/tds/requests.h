@@ -1,4 +1,4 @@
-// What a logged-in client may ask: a batch, calls of procedures, a step of a transaction. Only reading it.
+// Parses the requests of a client that has logged in: a batch, calls of procedures, a step of a transaction.
 // Knows nothing of sessions.
 #pragma once
 
@@ -19,26 +19,28 @@ std::string ParseBatch(std::string_view data, Version version);
 
 struct RpcRequest {
     std::vector<RpcCall> calls;
-    /// The error of the call after the last of these. A wrong call does not undo the calls before it.
+    /// The error of the call that follows them, if it could not be parsed. The calls before it are run all
+    /// the same.
     std::optional<ProtocolError> error;
 };
 
-/// The calls of an RPC message. The procedures that clients name by number come with their names.
+/// The calls of an RPC message. Procedures that the client calls by number get their names here. If a
+/// call cannot be parsed, its error is in the result and is not thrown.
 RpcRequest ParseRpc(std::string_view data, Version version);
 
-/// A step of a transaction as drivers ask for it without a statement.
+/// A step of a transaction that a driver asks for by a message of its own and not by a statement.
 struct TransactionRequest {
-    /// Sets the isolation level that the new transaction asks for; may be empty. A statement of its own:
-    /// where it fails, no transaction is begun, since the client believes that there is none.
+    /// The T-SQL that sets the isolation level of the new transaction; may be empty. It is run as a statement
+    /// of its own: if it fails, no transaction is begun, because the client then assumes that there is none.
     std::string isolation;
-    std::string statement; ///< the same in T-SQL
-    /// What the client is to be told when the transaction has ended by it.
+    std::string statement; ///< the T-SQL of the step itself
+    /// How the transaction has ended, for the client, if the step ends it.
     Environment ended_by = Environment::RollbackTransaction;
-    std::string next_isolation;
-    std::string next_statement; ///< begins the transaction that is to follow at once; may be empty
+    std::string next_isolation; ///< as `isolation`, for the next transaction
+    std::string next_statement; ///< begins the next transaction at once; may be empty
 };
 
-/// Throws ProtocolError: 4002, 40510 for what is not supported (distributed transactions).
+/// Throws ProtocolError: 4002 if the message is too short, 40510 for distributed transactions.
 TransactionRequest ParseTransaction(std::string_view data, Version version);
 
 } // namespace devsql::tds

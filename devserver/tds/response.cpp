@@ -1,4 +1,4 @@
-// The order of tokens in an answer. See response.h.
+// Writes the tokens of an answer in their order. See response.h.
 #include "devserver/tds/response.h"
 
 #include <utility>
@@ -14,7 +14,7 @@ constexpr std::uint8_t kFirstError = 11;
 template <class Writing>
 void Response::Guarded(Writing write) {
     if (lost_ || cancelled_.load()) {
-        // Asked again with every token: a call that began just after the first request must end too.
+        // Repeated with every token: the call may have begun just after it was first asked to end.
         stop_();
         return;
     }
@@ -81,8 +81,8 @@ void Response::Row(const std::vector<Value>& values) {
 
 void Response::StatementDone(Command command, std::optional<std::int64_t> rows, bool in_procedure) {
     Guarded([&] {
-        // Rows that were counted outside a result set belong to a statement that went well: the error before
-        // it was one that a procedure of the server has reported and gone on.
+        // A count of rows without a result set belongs to a statement that has succeeded. So the error before
+        // it was that of another statement: a procedure of the server has reported it and has gone on.
         if (statement_error_ && !rows_open_ && rows.value_or(0) > 0) {
             EndFailedStatement();
         }
@@ -196,7 +196,7 @@ void Response::Write(const std::function<void(TokenWriter&)>& write) {
 
 void Response::Finish(bool interrupted) {
     EndMessage([&] {
-        // The state in which the inside of a procedure ended does not end the answer.
+        // The DONEINPROC of a statement in a procedure cannot be the last token of an answer.
         if (interrupted || !pending_ || pending_->token == DoneToken::DoneInProcedure) {
             Hold(DoneToken::Done, done_status::kFinal, Command::None, 0);
         }

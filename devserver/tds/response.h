@@ -1,5 +1,6 @@
-// What a request gives, in the order and with the DONE tokens that clients expect: more to come, error,
-// count. Knows nothing of requests.
+// Writes the results of a request in the order and with the DONE tokens that clients expect. A DONE ends each
+// statement and says whether more results follow, whether it failed, and how many rows it had. Knows nothing
+// of how requests are run.
 #pragma once
 
 #include <atomic>
@@ -36,25 +37,29 @@ class Response : public ResultSink {
 
     /// Begins a part of the request: the batch, or one of its procedure calls.
     void Begin(Kind kind);
-    /// Begins a call: its output parameters are told with their places in it.
+    /// Begins a call. Remembers the places of its output parameters, because they are sent with the values.
     void BeginCall(const RpcCall& call);
-    /// Ends the part: return status, output parameters and the token that ends a procedure.
+    /// Ends the part. For a call, writes the return status, the output parameters and the token that ends a
+    /// procedure.
     void End();
     /// Marks the next DONE as failed, for an error without a message.
     void Fail() { statement_error_ = true; }
-    /// A token that belongs to the statement whose DONE may be held back, such as an environment change.
+    /// Writes a token that belongs to the statement whose DONE may be held back, such as an environment
+    /// change.
     void Write(const std::function<void(TokenWriter&)>& write);
-    /// Ends the answer. One that the client has `interrupted` ends without the error bit: jTDS would report
-    /// an error of the server instead of the end that its user asked for.
+    /// Ends the answer. If the client has `interrupted` it, the last DONE has no error bit: jTDS would report
+    /// an error of the server instead of the cancel that its user asked for.
     void Finish(bool interrupted = false);
-    /// Acknowledges an attention. The answer before it must be finished: drivers read that to its end, and
-    /// then wait for a message that says nothing else.
+    /// Acknowledges an attention. The answer that it interrupted must be finished before: drivers read that
+    /// to its end, and then wait for a message with nothing but the acknowledgement.
     void Acknowledge();
-    /// True when an error was sent since Begin.
+    /// True if an error was sent since Begin.
     bool failed() const { return failed_; }
+    /// True if the connection was lost while the answer was written.
     bool lost() const { return lost_; }
 
   private:
+    /// A DONE that is held back until it is known whether more follows.
     struct PendingDone {
         DoneToken token;
         std::uint16_t status;
@@ -70,7 +75,7 @@ class Response : public ResultSink {
     /// A parameter of the call that was passed for output.
     struct Passed {
         std::string name;
-        std::uint16_t place;
+        std::uint16_t place; ///< among all parameters of the call, from 0
     };
 
     /// Runs `write` unless the client is gone or has asked to stop.
@@ -79,13 +84,14 @@ class Response : public ResultSink {
     /// Runs `write` and ends the message, unless the client is gone.
     template <class Writing>
     void EndMessage(Writing write);
-    /// Writes the DONE that was held back because nobody knew whether more follows.
+    /// Writes the DONE that is held back, if there is one; `more` says whether more follows.
     void WritePending(bool more);
+    /// Holds a DONE back; writes the one that was held back before.
     void Hold(DoneToken token, std::uint16_t status, Command command, std::int64_t rows);
-    /// A statement that failed without a DONE of its own gets one before something else begins.
+    /// If a statement has failed and has had no DONE yet, gives it one. Called before something else begins.
     void EndFailedStatement();
     DoneToken StatementToken(bool in_procedure) const;
-    /// The place in the call of the output parameter that comes as the `ordinal`th.
+    /// The place in the call of the output parameter that the language reports as number `ordinal`, from 0.
     std::uint16_t PlaceOf(const std::string& name, std::size_t ordinal) const;
     void WriteProcedureEnd();
 
@@ -100,7 +106,7 @@ class Response : public ResultSink {
     std::vector<Output> outputs_;
     std::optional<std::int32_t> return_status_;
     bool rows_open_ = false;       ///< a result set has begun and has not ended
-    bool statement_error_ = false; ///< an error that no DONE has told of yet
+    bool statement_error_ = false; ///< an error was sent that no DONE has reported yet
     bool failed_ = false;
     bool lost_ = false;
 };

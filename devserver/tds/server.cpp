@@ -1,4 +1,4 @@
-// A thread for each client, and one that listens and watches the requests of all. See server.h.
+// A thread for each client, and one that listens and watches the requests of all clients. See server.h.
 #include "devserver/tds/server.h"
 
 #include <algorithm>
@@ -13,15 +13,17 @@ namespace devsql::tds {
 
 namespace {
 
-/// Clients beyond the limit that get an error at the same time; further clients are closed without one.
+/// The number of clients beyond the limit that are served at the same time, only to tell them the error. The
+/// connections of further clients are closed without an answer.
 constexpr std::size_t kRefusedAtATime = 32;
-/// How often the clients are watched while one of their requests runs, and while none does. So a request is
-/// cancelled at most so long after its client has asked for it.
+/// The time between two looks at the clients: while a request of any of them runs, and while none runs. So a
+/// request is cancelled at most this long after its client has asked for it.
 constexpr std::chrono::milliseconds kBusyTick{20};
 constexpr std::chrono::milliseconds kIdleTick{100};
 
 } // namespace
 
+/// A client and its thread. The destructor waits for the thread's end.
 struct Server::Client {
     Client(Socket socket, Engine& engine, bool refused, std::chrono::milliseconds login_time)
         : connection(std::move(socket), engine, refused, login_time), thread([this] {
@@ -33,7 +35,7 @@ struct Server::Client {
     Client& operator=(const Client&) = delete;
 
     const std::chrono::steady_clock::time_point since = std::chrono::steady_clock::now();
-    std::atomic<bool> ended = false;
+    std::atomic<bool> ended = false; ///< the thread has finished with the connection
     Connection connection;
     std::thread thread; ///< last, since it uses the members above
 };

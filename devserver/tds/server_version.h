@@ -1,5 +1,5 @@
-// The version number that the server gives in the prelogin answer and in LOGINACK, by which clients choose
-// their catalogue queries and statements.
+// The version number that the server sends in the prelogin answer, in LOGINACK and as SQL Browser. Clients
+// choose their catalogue queries and statements by it.
 #pragma once
 
 #include <cstdint>

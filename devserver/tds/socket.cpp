@@ -14,8 +14,10 @@ using Clock = std::chrono::steady_clock;
 using system::Readable;
 using system::SocketError;
 
+/// The longest time that FinishWriting waits for the peer's end.
 constexpr std::chrono::milliseconds kLinger{1000};
-/// How long the listener rests when the system has no descriptor left for a client.
+/// How long Accept waits if the system has no descriptor left for a client; otherwise the listening thread
+/// would try again without end.
 constexpr std::chrono::milliseconds kAcceptPause{50};
 
 bool Wait(const system::SocketHandle& handle, std::chrono::milliseconds timeout) {
@@ -117,7 +119,7 @@ void Socket::FinishWriting() const {
             }
         }
     } catch (const SocketError&) {
-        // The peer has closed the connection, which was waited for.
+        // The peer has closed the connection, which is what this waits for.
         return;
     }
 }

@@ -14,7 +14,7 @@
 
 namespace devsql::tds {
 
-/// The peer is gone, or the network failed.
+/// The peer has gone, or the network has failed.
 class ConnectionLost : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -22,34 +22,34 @@ class ConnectionLost : public std::runtime_error {
 
 class Socket;
 
-/// Called before each part that is read: returns true when something has come, and false to give the peer up.
-/// May throw ConnectionLost.
+/// Called before each read of a socket. Returns true when bytes or the end can be read, and false to stop
+/// reading. May throw ConnectionLost.
 using ReadWait = std::function<bool(const Socket&)>;
 
-/// Throws ConnectionLost when `deadline` passes.
+/// A wait that throws ConnectionLost when `deadline` has passed.
 ReadWait Until(std::chrono::steady_clock::time_point deadline);
 
-/// A connected stream. Reading and writing may be done by two threads at a time, one each; Shutdown by any.
-/// While nobody reads, any thread may peek.
+/// A connected stream, which it closes. One thread may read while another one writes; any thread may call
+/// Shutdown. While no thread reads, any thread may call Peek.
 class Socket {
   public:
     explicit Socket(system::SocketHandle handle) : handle_(std::move(handle)) {}
 
-    /// True when bytes (or the end) can be read within `timeout`.
+    /// Returns true as soon as bytes (or the end) can be read, and false after `timeout`.
     bool WaitReadable(std::chrono::milliseconds timeout) const;
-    /// Fills `buffer`. Returns false when the peer closed, or was given up, before the first byte; throws
-    /// ConnectionLost when that happened within, or when the network failed. Without `wait` it waits for
-    /// ever.
+    /// Fills `buffer`. Returns false if the peer has closed the connection, or `wait` has returned false,
+    /// before the first byte. Throws ConnectionLost if that happens later, or if the network fails. Without
+    /// `wait` it waits for ever.
     bool ReadExactly(char* buffer, std::size_t size, const ReadWait& wait = {}) const;
-    /// The next byte that has come, which stays to be read; nothing if none has. Does not wait. Throws
-    /// ConnectionLost, also when the peer has closed.
+    /// The next byte, which stays to be read; nothing if no byte has come. Does not wait. Throws
+    /// ConnectionLost, also if the peer has closed the connection.
     std::optional<char> Peek() const;
-    /// Writes all, waiting as long as the peer takes to read. Throws ConnectionLost.
+    /// Writes all bytes. Waits for as long as the peer does not read. Throws ConnectionLost.
     void Write(std::string_view bytes) const;
-    /// Ends both directions: a thread that waits in a read or a write returns.
+    /// Ends both directions. A thread that waits in a read or a write returns.
     void Shutdown() const;
-    /// Ends writing and drops what the peer still sends, for at most a second: a close with unread bytes
-    /// would reset the connection, and the peer would lose the error that was sent last.
+    /// Ends writing, then reads and drops the peer's bytes until its end, for at most a second. A close with
+    /// unread bytes would reset the connection, and the peer would lose the error that was sent last.
     void FinishWriting() const;
 
   private:
@@ -61,8 +61,8 @@ class WakeUp {
   public:
     WakeUp() : handle_(system::SelfConnected()) {}
 
-    /// Stays in effect. May be called from any thread; throws nothing, since a socket that is its own
-    /// peer takes every datagram or drops it.
+    /// Wakes the thread, and every later wait too. May be called from any thread. Throws nothing, because a
+    /// socket that is its own peer accepts every datagram or drops it.
     void Wake() const { system::Send(handle_, "w"); }
     const system::SocketHandle& handle() const { return handle_; }
 
@@ -77,10 +77,11 @@ class Listener {
     explicit Listener(std::uint16_t port);
 
     std::uint16_t port() const { return port_; }
-    /// The next client; nothing after Wake, when none comes within `patience` (without one it waits for
-    /// ever), or when the client could not be taken: it has gone already, or no descriptor is left.
+    /// Returns the next client. Returns nothing after Wake, if no client comes within `patience` (without it,
+    /// waits for ever), or if the client could not be accepted: it has gone already, or no descriptor is
+    /// left.
     std::optional<Socket> Accept(std::optional<std::chrono::milliseconds> patience) const;
-    /// Makes Accept return at once, also later. May be called from any thread.
+    /// Makes Accept return at once, and every later Accept too. May be called from any thread.
     void Wake() const { wake_.Wake(); }
 
   private:

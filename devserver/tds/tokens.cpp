@@ -1,4 +1,4 @@
-// The layout of each token. See tokens.h.
+// Writes each token in its layout. See tokens.h.
 #include "devserver/tds/tokens.h"
 
 #include <algorithm>
@@ -11,10 +11,11 @@ namespace devsql::tds {
 
 namespace {
 
-/// What a message's text may have, so that the token with its names stays below its 65535 bytes.
+/// The most UTF-16 units of a message's text. The whole token, with the names in it, is then below its limit
+/// of 65535 bytes.
 constexpr std::size_t kLongestMessage = 32000;
 constexpr std::size_t kLongestName = 128;
-/// Clients tell the dialect they have to send by this name and no other.
+/// Clients choose the dialect that they send by this name, so it must be exactly this one.
 constexpr std::string_view kProgramName = "Microsoft SQL Server";
 constexpr std::uint8_t kTransactSql = 1;
 constexpr std::uint16_t kNullableFlag = 0x0001;
@@ -22,7 +23,7 @@ constexpr std::uint16_t kUpdatableUnknownFlag = 0x0008;
 constexpr std::uint16_t kIdentityFlag = 0x0010;
 constexpr std::uint8_t kOutputParameter = 0x01;
 
-/// UTF-16 with the count of its units in a byte before it.
+/// Appends the text in UTF-16, with the number of its units in one byte before it.
 void AppendShortText(std::string& out, std::string_view text, std::size_t longest = kLongestName) {
     const std::string wide = ToUtf16Le(text);
     const std::size_t units = std::min(wide.size() / 2, longest);
@@ -30,7 +31,7 @@ void AppendShortText(std::string& out, std::string_view text, std::size_t longes
     out.append(wide, 0, units * 2);
 }
 
-/// The same with two bytes of count.
+/// The same with the number in two bytes.
 void AppendLongText(std::string& out, std::string_view text, std::size_t longest) {
     const std::string wide = ToUtf16Le(text);
     const std::size_t units = std::min(wide.size() / 2, longest);
@@ -44,7 +45,7 @@ std::string ShortText(std::string_view text) {
     return out;
 }
 
-/// Bytes with their count in a byte before them.
+/// The bytes with their number in one byte before them.
 std::string ShortBytes(std::string_view bytes) {
     std::string out;
     AppendByte(out, static_cast<std::uint8_t>(bytes.size()));
@@ -52,7 +53,7 @@ std::string ShortBytes(std::string_view bytes) {
     return out;
 }
 
-/// As LOGINACK names the version: not in the order of the login message.
+/// The number of the version in LOGINACK, whose bytes are not in the order of the login message.
 std::uint32_t VersionNumber(Version version) {
     switch (version) {
     case Version::V71:
@@ -92,7 +93,7 @@ void TokenWriter::WriteEnvironment(Environment change, std::string_view new_valu
 
 void TokenWriter::WriteMessage(const Message& message) {
     constexpr std::uint8_t kFirstErrorSeverity = 11;
-    // For clients' sake SQL Server gives severity 10 as 0; some take 10 for an error.
+    // Severity 10 is sent as 0, as SQL Server does, because some clients take 10 for an error.
     constexpr std::uint8_t kInformation = 10;
     std::string body;
     AppendLe(body, static_cast<std::uint32_t>(message.number));
@@ -170,7 +171,7 @@ void TokenWriter::WriteColumns(const std::vector<Column>& columns) {
                                             (column.identity ? kIdentityFlag : 0) | kUpdatableUnknownFlag));
         encoder.AppendTypeInfo(buffer_);
         if (encoder.HasTableName()) {
-            // The table is not known. Before 7.2 it is an empty name, since 7.2 a count of 0 parts.
+            // The table is not known here. Before 7.2 that is an empty name, since 7.2 a list of 0 parts.
             if (Has72(version_)) {
                 AppendByte(buffer_, 0);
             } else {

@@ -27,18 +27,20 @@ constexpr std::int32_t kTicksPerMinute = 300 * 60;
 /// Days from 0001-01-01, where the types of 7.3 begin, to 1900-01-01.
 constexpr std::int32_t kDaysTo1900 = 693595;
 
-/// How the description of a type and the length of its values are written.
+/// How a type is written. Each comment says which bytes follow the type's number in the description; then,
+/// after the semicolon, how the length of a value is written.
 enum class Shape : std::uint8_t {
-    Fixed,   ///< nothing; as many bytes as the type has
-    Byte,    ///< a byte; a byte, 0 for NULL
-    Numeric, ///< a byte, digits, scale; a byte, 0 for NULL
+    Fixed,   ///< nothing; no length, because the type has a fixed one
+    Byte,    ///< the size in a byte; a byte, 0 for NULL
+    Numeric, ///< the size in a byte, the digits, the scale; a byte, 0 for NULL
     Scaled,  ///< the scale; a byte, 0 for NULL
     Plain,   ///< nothing; a byte, 0 for NULL
-    Short,   ///< two bytes; two bytes, 0xFFFF for NULL; or chunks
-    Long,    ///< four bytes; four bytes, 0xFFFFFFFF for NULL
+    Short,   ///< the size in two bytes; two bytes, 0xFFFF for NULL, or chunks for a (max) type
+    Long,    ///< the size in four bytes; four bytes, 0xFFFFFFFF for NULL
 };
 
-/// The description of a parameter, for turning its bytes into a value.
+/// The description of a type, and the parameter or column that it belongs to. Passed to the readers of
+/// values.
 struct Context : WireFormat {
     const ValuePlace& place;
 };
@@ -76,7 +78,7 @@ T Number(std::string_view bytes) {
     return ByteReader(bytes).Le<T>();
 }
 
-/// Up to eight bytes, little-endian.
+/// A number of at most eight bytes, with its lowest byte first.
 std::uint64_t AnyNumber(std::string_view bytes) {
     std::uint64_t value = 0;
     for (std::size_t i = bytes.size(); i-- > 0;) {
@@ -200,7 +202,7 @@ Value ReadDecimal(const Context& context, std::string_view bytes) {
     for (int i = 0; i < context.type.precision; ++i) {
         limit *= 10;
     }
-    // 16 bytes hold up to 3.4 * 10^38, twice what the signed type does.
+    // 16 bytes can hold up to 3.4 * 10^38, twice as much as the signed type Int128.
     const std::uint64_t high = digits.size() > 8 ? AnyNumber(digits.substr(8)) : 0;
     if (high >> 63 != 0) {
         throw InvalidValue(context);
@@ -243,7 +245,7 @@ struct Entry {
     WireType wire;
     Shape shape;
     std::size_t size; ///< bytes of a fixed type
-    bool collation;
+    bool collation;   ///< a collation follows in the description
     TypeId type;
     Read read;
 };
@@ -326,7 +328,7 @@ struct Sized {
     TypeId type;
 };
 
-/// The nullable types that are several types by their size.
+/// The nullable types that stand for several types, which differ in size.
 constexpr std::array<Sized, 12> kSized{{
     {WireType::IntN, 1, TinyInt},
     {WireType::IntN, 2, SmallInt},
@@ -347,7 +349,8 @@ bool IsOld(WireType wire) {
            wire == WireType::OldBinary;
 }
 
-/// Settles the type of a Byte shape by its size; true when values have that very size.
+/// Sets the type of a description of the shape Byte by its size. Throws ProtocolError (8016) for an
+/// impossible size.
 void SettleByteType(Context& context) {
     if (IsOld(context.wire)) {
         context.type.length = std::max(1, static_cast<int>(context.size));
@@ -447,7 +450,7 @@ std::optional<std::string> ReadByteCounted(ByteReader& reader, const Context& co
     return std::string(reader.Take(size));
 }
 
-/// The bytes of the value; nothing for NULL.
+/// Reads the bytes of a value; returns nothing for NULL.
 std::optional<std::string> ReadContent(ByteReader& reader, const Entry& entry, const Context& context) {
     switch (entry.shape) {
     case Shape::Fixed:
@@ -485,7 +488,7 @@ WireFormat ReadFormat(ByteReader& reader, Version version, const ValuePlace& pla
     const Entry& entry = FindEntry(wire, place);
     Context context{{wire, Type{entry.type}, 0, 0}, place};
     ReadTypeInfo(reader, entry, version, context);
-    const WireFormat& format = context; // without the place, which was for errors
+    const WireFormat& format = context; // without the place, which was only needed for errors
     return format;
 }
 

@@ -1,5 +1,5 @@
-// How a parameter of a procedure call comes from the client: the description of its type, then its value.
-// Knows nothing of the call around it.
+// Reads values that a client sends: the description of the type, then the values. They are the parameters of
+// procedure calls and the columns of a bulk load. Knows nothing of the messages around them.
 #pragma once
 
 #include <string>
@@ -10,13 +10,13 @@
 
 namespace devsql::tds {
 
-/// A type as a client has described it; values follow it, one for a parameter, one in each row of a bulk
+/// A type as a client has described it. One value follows it for a parameter, and one in each row of a bulk
 /// load.
 struct WireFormat {
     WireType wire = WireType::IntN;
     Type type;
-    std::size_t size = 0;   ///< bytes that a value has, or may have
-    std::uint8_t scale = 0; ///< of a time
+    std::size_t size = 0;   ///< bytes of a value, or the most that a value can have
+    std::uint8_t scale = 0; ///< digits of the fraction of a second, for the types of date and time of 7.3
 };
 
 struct TypedValue {
@@ -24,20 +24,21 @@ struct TypedValue {
     Value value;
 };
 
-/// Which parameter, or column of a bulk load, an error is about.
+/// The parameter of a call, or the column of a bulk load; for the texts of errors.
 struct ValuePlace {
-    int ordinal = 1;
+    int ordinal = 1; ///< from 1
     std::string name;
-    bool column = false;
+    bool column = false; ///< a column of a bulk load, otherwise a parameter
 };
 
 /// Reads the description of a type. Throws ProtocolError: 8009 for a type that does not exist, 40510 for one
 /// that is not supported, 8016 for an impossible length, 4002 when the data ends.
 WireFormat ReadFormat(ByteReader& reader, Version version, const ValuePlace& place);
-/// Reads a value. Throws ProtocolError: 8016, 8023 for an invalid value, 4002.
+/// Reads a value. Throws ProtocolError: 8016 for an impossible length, 8023 for an invalid value, 4002 when
+/// the data ends.
 Value ReadValue(ByteReader& reader, const WireFormat& format, const ValuePlace& place);
-/// Reads both. date, time, datetime2 and datetimeoffset of TDS 7.3, which the server has no types
-/// for, are taken as datetime (a time on 1900-01-01; an offset's local time).
+/// Reads a description and the value after it. date, time, datetime2 and datetimeoffset of TDS 7.3 become
+/// datetime: a time gets the day 1900-01-01, and a datetimeoffset becomes its local time.
 TypedValue ReadTypedValue(ByteReader& reader, Version version, const ValuePlace& place);
 
 } // namespace devsql::tds

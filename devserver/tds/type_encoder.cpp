@@ -1,4 +1,4 @@
-// One table of all types and a writer for each kind of value. See type_encoder.h.
+// A table of all types, and a writer for each kind of value. See type_encoder.h.
 #include "devserver/tds/type_encoder.h"
 
 #include <algorithm>
@@ -22,7 +22,8 @@ constexpr std::uint32_t kTimestampUserType = 80;
 constexpr std::uint8_t kMoneyScale = 4;
 constexpr int kMaxDigits = 38;
 constexpr std::int32_t kTicksPerMinute = 300 * 60;
-/// Clients hand a text pointer back only to write to it, which this server has no statement for.
+/// Clients send a text pointer back only to write by it, and this server has no statement for that. So the
+/// pointer that it sends has no meaning.
 constexpr std::size_t kTextPointerSize = 16;
 constexpr std::size_t kTextTimestampSize = 8;
 
@@ -70,7 +71,7 @@ Int128 Rescale(const Decimal& value, std::uint8_t scale, const char* what) {
 void AppendInteger(std::string& out, const WireForm& form, const Value& value) {
     const std::int64_t number = Get<std::int64_t>(value, "integer");
     const int bits = static_cast<int>(form.size) * 8;
-    // tinyint is the one without a sign.
+    // tinyint is the only integer type without a sign.
     const std::int64_t low = form.size == 1 ? 0 : std::numeric_limits<std::int64_t>::min() >> (64 - bits);
     const std::int64_t high = form.size == 1 ? 255 : std::numeric_limits<std::int64_t>::max() >> (64 - bits);
     if (number < low || number > high) {
@@ -161,7 +162,8 @@ void AppendDecimal(std::string& out, const WireForm& form, const Value& value) {
 }
 
 void AppendGuid(std::string& out, const WireForm& form, const Value& value) {
-    // As printed the first three groups read from their high end; on the wire each is a little-endian number.
+    // The first three groups are numbers: printed with the highest byte first, sent with the lowest byte
+    // first.
     static constexpr std::array<std::uint8_t, 16> kOrder{3, 2, 1,  0,  5,  4,  7,  6,
                                                          8, 9, 10, 11, 12, 13, 14, 15};
     const Guid& guid = Get<Guid>(value, "uniqueidentifier");
@@ -195,7 +197,7 @@ void AppendWide(std::string& out, std::string_view text) {
     }
 }
 
-/// Writes what `append_content` appends, with the length that the form puts before it.
+/// Appends the bytes that `append_content` appends, with their length before them as the form asks.
 template <class AppendContent>
 void AppendCounted(std::string& out, const WireForm& form, AppendContent append_content) {
     const bool pointer =
@@ -215,7 +217,7 @@ void AppendCounted(std::string& out, const WireForm& form, AppendContent append_
     }
     std::string counted;
     if (form.chunked) {
-        // The whole as one chunk; an empty value has none.
+        // All bytes are sent as one chunk; an empty value has no chunk.
         AppendLe(counted, static_cast<std::uint64_t>(length));
         AppendLe(counted, static_cast<std::uint32_t>(length));
         out.replace(start, prefix, counted);
@@ -231,7 +233,7 @@ void AppendCounted(std::string& out, const WireForm& form, AppendContent append_
     }
 }
 
-/// char, nchar and binary have their full length always.
+/// Fills a value of char, nchar or binary up to its full length.
 void Pad(std::string& out, std::size_t start, const WireForm& form, std::string_view filler) {
     while (out.size() - start < form.size) {
         out.append(filler);
@@ -256,7 +258,7 @@ void AppendNVarChar(std::string& out, const WireForm& form, const Value& value) 
     AppendCounted(out, form, [&] { AppendWide(out, text); });
 }
 
-/// Clients of before 7.3 get a date as the text that it is written in.
+/// Clients of a version before 7.3 have no date, so they get it as text.
 void AppendDateText(std::string& out, const WireForm& form, const Value& value) {
     const Type date{TypeId::Date, 0, 0, 0};
     const Type text{TypeId::NVarChar, 10, 0, 0};
@@ -309,11 +311,11 @@ bool HasShortLength(WireType type) {
 struct TypeEncoder::Entry {
     TypeId id;
     WireType wire;
-    /// Bytes of the value; 0 where the type's own length says it.
+    /// Bytes of a value; 0 if the type's own length gives them.
     std::uint32_t size;
-    /// Bytes of each unit of the type's length.
+    /// Bytes for each unit of the type's length: 2 for UTF-16.
     std::uint32_t unit;
-    /// What the type becomes at (max) before 7.2.
+    /// The type that replaces it at (max) before 7.2.
     WireType large;
     Append append;
 };
@@ -379,11 +381,12 @@ TypeEncoder::TypeEncoder(const Type& type, Version version)
     }
     const std::int32_t longest = entry.unit == 2 ? kLongestUnits : kLongestBytes;
     if (type.length != kMaxLength && type.length <= longest) {
-        // A type of length 0, as '' has it, is announced with 1: clients take 0 for no type at all.
+        // A type of length 0, such as that of '', is announced with 1, because clients take 0 for no type at
+        // all.
         form_.size = static_cast<std::uint32_t>(std::max(type.length, 1)) * entry.unit;
         return;
     }
-    // There is no char(max): a chunked value is as long as it is.
+    // There is no char(max), so a chunked value is never filled up.
     form_.size = entry.unit == 2 ? 0x7FFFFFFE : 0x7FFFFFFF;
     form_.chunked = Has72(version);
     append_ = entry.large == WireType::Text    ? AppendVarChar
@@ -404,7 +407,7 @@ bool TypeEncoder::HasTableName() const {
 
 void TypeEncoder::AppendTypeInfo(std::string& out) const {
     AppendByte(out, static_cast<std::uint8_t>(form_.type));
-    if (form_.type == WireType::DateN) { // The one type of fixed length that doesn't say it.
+    if (form_.type == WireType::DateN) { // The only nullable type whose description has no size.
         return;
     }
     if (HasLongLength(form_.type)) {

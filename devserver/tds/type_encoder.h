@@ -1,5 +1,5 @@
-// How a value of the server goes to the client: its type's description and the value itself, NULL or not.
-// Knows nothing of tokens.
+// Writes values for the client: the description of the type, then the values.
+// Knows nothing of the tokens around them.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,8 @@
 
 namespace devsql::tds {
 
-/// A value that does not fit the type it was announced with: a mistake of the server, never of the client.
+/// A value does not fit the type that was announced for it. This is a defect of the server, never of the
+/// client.
 class EncodingError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -20,10 +21,10 @@ class EncodingError : public std::runtime_error {
 /// The form that a type has on the wire.
 struct WireForm {
     WireType type = WireType::IntN;
-    std::uint32_t size = 0; ///< bytes; the longest value of a type of variable length
+    std::uint32_t size = 0; ///< bytes of a value; for a type of variable length, of the longest value
     std::uint8_t precision = 0;
     std::uint8_t scale = 0;
-    /// One of the (max) types of 7.2, sent in chunks. Before 7.2 these travel as text, ntext and image.
+    /// The values are sent in chunks: a (max) type since 7.2. Before 7.2 it is sent as text, ntext or image.
     bool chunked = false;
 };
 
@@ -32,12 +33,14 @@ class TypeEncoder {
   public:
     TypeEncoder(const Type& type, Version version);
 
+    /// Appends the description of the type.
     void AppendTypeInfo(std::string& out) const;
-    /// Throws EncodingError.
+    /// Appends a value, which may be NULL. Throws EncodingError.
     void AppendValue(std::string& out, const Value& value) const;
-    /// text, ntext and image: a column's description also names the table.
+    /// True for text, ntext and image: the description of such a column also names the table.
     bool HasTableName() const;
-    /// Tells a timestamp from a binary; 0 for all others.
+    /// The user type in a column's description, which distinguishes a timestamp from a binary; 0 for other
+    /// types.
     std::uint32_t UserType() const { return user_type_; }
 
   private:

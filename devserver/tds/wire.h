@@ -20,16 +20,18 @@ enum class PacketType : std::uint8_t {
     PreLogin = 0x12,
 };
 
+/// Bytes of a packet's header, and the limits for a whole packet.
 inline constexpr std::size_t kHeaderSize = 8;
 inline constexpr std::size_t kSmallestPacket = 512;
 inline constexpr std::size_t kLargestPacket = 32767;
-/// What both sides use until the login has settled another size.
+/// Bytes of a packet, on both sides, until the login sets another size.
 inline constexpr std::size_t kLoginPacket = 4096;
-/// A request longer than this is an error that ends the connection.
+/// Bytes. A longer request is an error that ends the connection.
 inline constexpr std::size_t kLargestMessage = std::size_t{64} * 1024 * 1024;
-/// Before the login nobody is trusted with more.
+/// The same limit before the login: a client that has not logged in must not be able to fill the memory.
 inline constexpr std::size_t kLargestLoginMessage = std::size_t{128} * 1024;
 
+/// The bits of the status in a packet's header.
 namespace packet_status {
 inline constexpr std::uint8_t kEndOfMessage = 0x01;
 inline constexpr std::uint8_t kIgnore = 0x02;
@@ -40,12 +42,13 @@ inline constexpr std::uint8_t kResetKeepTransaction = 0x10;
 /// Ordered: later versions compare greater.
 enum class Version : std::uint8_t { V71, V71Revision1, V72, V73A, V73B, V74 };
 
-/// 7.2 widened user types, line numbers and row counts, and brought PLP and the headers before a request.
+/// Since 7.2 user types, line numbers and row counts are wider, the (max) types are sent in chunks, and
+/// headers stand before a request.
 constexpr bool Has72(Version version) {
     return version >= Version::V72;
 }
 
-/// 7.3 brought date and the other types of time.
+/// 7.3 has added date and the other types of date and time.
 constexpr bool Has73(Version version) {
     return version >= Version::V73A;
 }
@@ -61,9 +64,10 @@ inline constexpr std::uint8_t kRow = 0xD1;
 inline constexpr std::uint8_t kEnvironmentChange = 0xE3;
 } // namespace token
 
-/// Which token ends a statement, a procedure's statement, a procedure.
+/// The tokens that end a statement, a procedure, and a statement within a procedure.
 enum class DoneToken : std::uint8_t { Done = 0xFD, DoneProcedure = 0xFE, DoneInProcedure = 0xFF };
 
+/// The bits of the status in a DONE token.
 namespace done_status {
 inline constexpr std::uint16_t kFinal = 0x0000;
 inline constexpr std::uint16_t kMore = 0x0001;
@@ -72,7 +76,7 @@ inline constexpr std::uint16_t kCount = 0x0010;
 inline constexpr std::uint16_t kAttention = 0x0020;
 } // namespace done_status
 
-/// What an environment change tells of.
+/// The kinds of changes that the server reports to the client's driver.
 enum class Environment : std::uint8_t {
     Database = 1,
     Language = 2,
@@ -135,7 +139,7 @@ enum class WireType : std::uint8_t {
 /// 1252.
 inline constexpr std::uint8_t kCollation[5] = {0x09, 0x04, 0xD0, 0x00, 0x34};
 
-/// The longest (var)char and (var)binary in bytes; beyond it stands (max).
+/// The longest (var)char and (var)binary in bytes; longer columns have the length (max).
 inline constexpr std::int32_t kLongestBytes = 8000;
 /// The longest n(var)char in UTF-16 units.
 inline constexpr std::int32_t kLongestUnits = 4000;

@@ -1,4 +1,4 @@
-// SIGTERM and SIGINT, blocked in every thread and waited for in one.
+// Blocks SIGTERM and SIGINT in every thread, and waits for them in one.
 #include "devserver/system/end_signal.h"
 
 #include <csignal>
@@ -29,7 +29,7 @@ void WaitForEndSignal() {
 }
 
 void TellEnded() {
-    // Nobody waits for it.
+    // Only Windows needs this call.
 }
 
 } // namespace devsql::system

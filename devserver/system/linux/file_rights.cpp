@@ -1,4 +1,4 @@
-// The rights of group and others.
+// Reads the rights of group and others.
 #include "devserver/system/file_rights.h"
 
 namespace devsql::system {

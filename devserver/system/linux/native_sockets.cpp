@@ -1,4 +1,4 @@
-// POSIX sockets: calls that a signal may break off are made again.
+// POSIX sockets. Calls that a signal interrupts are made again.
 #include "native_sockets.h"
 
 #include <algorithm>
@@ -18,8 +18,8 @@ void Fail(const char* call) {
 SocketHandle Open(int kind) {
     SocketHandle socket(::socket(AF_INET, kind | SOCK_CLOEXEC, 0));
     if (socket.valid() && kind == SOCK_STREAM) {
-        // A server that was just stopped leaves the port in TIME_WAIT; without this its successor could not
-        // start.
+        // A server that has just ended leaves its port in TIME_WAIT for a while. Without this option the next
+        // server could not listen on the port.
         SetOption(socket, SOL_SOCKET, SO_REUSEADDR);
     }
     return socket;

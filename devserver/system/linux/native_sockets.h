@@ -1,5 +1,5 @@
-// POSIX's socket calls by the names that sockets.cpp has for what the systems do differently. Known to the
-// files of this service alone.
+// The differences between POSIX and Winsock, for Linux: both systems' headers declare the same names, and
+// sockets.cpp uses them. Only the files of this service include it.
 #pragma once
 
 #include <arpa/inet.h>
@@ -12,7 +12,7 @@
 
 namespace devsql::system::native {
 
-/// A client that goes while it is written to is an error of that write, not a signal to the process.
+/// If a client goes while it is written to, the write fails; without the flag a signal would end the process.
 inline constexpr int kSendFlags = MSG_NOSIGNAL;
 inline constexpr int kNoWaitFlags = MSG_DONTWAIT;
 inline constexpr int kSendingEnd = SHUT_WR;
@@ -21,18 +21,20 @@ inline constexpr int kBothEnds = SHUT_RDWR;
 inline int Of(const SocketHandle& socket) {
     return static_cast<int>(socket.get());
 }
-/// What the calls count bytes in.
+/// The size in the type that the socket calls expect.
 inline std::size_t Length(std::size_t size) {
     return size;
 }
 
-/// The call's own reason, as SocketError.
+/// Throws SocketError with the name of the failed call and the system's reason.
 [[noreturn]] void Fail(const char* call);
-/// A socket of IPv4 that is ready to be bound; no valid one where the system refuses.
+/// Returns an IPv4 socket that is ready to be bound. `kind` is SOCK_STREAM or SOCK_DGRAM. The handle is not
+/// valid if the system refuses.
 SocketHandle Open(int kind);
 void Close(SocketHandle::Native socket) noexcept;
-/// No valid one where there is no client, or no socket for it.
+/// Returns the next client. The handle is not valid if there is no client, or no socket left for it.
 SocketHandle Accept(const SocketHandle& listener);
+/// Switches the option on.
 void SetOption(const SocketHandle& socket, int level, int option) noexcept;
 
 } // namespace devsql::system::native

@@ -28,7 +28,7 @@ struct DestroyHash {
     void operator()(void* handle) const { BCryptDestroyHash(handle); }
 };
 
-/// What the calls take as bytes they read, although they change none.
+/// The bytes in the type of BCrypt's parameters, which is not const although the calls only read them.
 UCHAR* BytesOf(std::string_view bytes) {
     return reinterpret_cast<UCHAR*>(const_cast<char*>(bytes.data()));
 }

@@ -1,4 +1,4 @@
-// The console's events: Ctrl-C, Ctrl-Break, its closing, the end of the Windows session.
+// Waits for the console's events: Ctrl-C, Ctrl-Break, its closing, the end of the Windows session.
 #include "devserver/system/end_signal.h"
 
 #include <windows.h>
@@ -7,16 +7,18 @@ namespace devsql::system {
 
 namespace {
 
-/// The system gives a program five seconds after its console was closed.
+/// Milliseconds that the handler waits for the program's end. The system itself ends the program five seconds
+/// after its console was closed.
 constexpr DWORD kEndTime = 10000;
 
-/// A handle of an event for the life of the process: the handler runs in a thread of the system and may come
-/// at any time.
+/// The event that a request to end sets. Its handle is never closed, because the system calls the handler in
+/// a thread of its own, at any time.
 HANDLE Asked() {
     static const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     return event;
 }
 
+/// The event that TellEnded sets.
 HANDLE Ended() {
     static const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     return event;

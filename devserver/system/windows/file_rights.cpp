@@ -1,4 +1,4 @@
-// The file's access list.
+// Reads the file's access list.
 #include "devserver/system/file_rights.h"
 
 #include <windows.h>
@@ -25,13 +25,13 @@ bool IsWellKnown(PSID account, WELL_KNOWN_SID_TYPE kind) {
     return IsWellKnownSid(account, kind) != FALSE;
 }
 
-/// Those who may read every file of the machine anyway.
+/// True for an account that may read every file of the machine anyway.
 bool Administers(PSID account) {
     return IsWellKnown(account, WinLocalSystemSid) || IsWellKnown(account, WinBuiltinAdministratorsSid) ||
            IsWellKnown(account, WinCreatorOwnerSid);
 }
 
-/// What an entry allows, and to whom; none for an entry that allows nothing.
+/// The entry at `index` if it allows something to an account; null if it denies, or cannot be read.
 const ACCESS_ALLOWED_ACE* Allowing(PACL list, DWORD index) {
     void* entry = nullptr;
     if (GetAce(list, index, &entry) == FALSE) {

@@ -1,5 +1,5 @@
-// Winsock's calls by the names that sockets.cpp has for what the systems do differently. Known to the files
-// of this service alone.
+// The differences between POSIX and Winsock, for Windows: both systems' headers declare the same names, and
+// sockets.cpp uses them. Only the files of this service include it.
 #pragma once
 
 #include <winsock2.h>
@@ -14,7 +14,7 @@
 namespace devsql::system::native {
 
 inline constexpr int kSendFlags = 0;
-/// There is no flag of that kind; whoever asks has waited for bytes before.
+/// Winsock has no such flag. The caller has waited until bytes are there.
 inline constexpr int kNoWaitFlags = 0;
 inline constexpr int kSendingEnd = SD_SEND;
 inline constexpr int kBothEnds = SD_BOTH;
@@ -22,18 +22,20 @@ inline constexpr int kBothEnds = SD_BOTH;
 inline SOCKET Of(const SocketHandle& socket) {
     return static_cast<SOCKET>(socket.get());
 }
-/// What the calls count bytes in.
+/// The size in the type that the socket calls expect.
 inline int Length(std::size_t size) {
     return static_cast<int>(std::min<std::size_t>(size, std::numeric_limits<int>::max()));
 }
 
-/// The call's own reason, as SocketError.
+/// Throws SocketError with the name of the failed call and the system's reason.
 [[noreturn]] void Fail(const char* call);
-/// A socket of IPv4 that is ready to be bound; no valid one where the system refuses.
+/// Returns an IPv4 socket that is ready to be bound. `kind` is SOCK_STREAM or SOCK_DGRAM. The handle is not
+/// valid if the system refuses.
 SocketHandle Open(int kind);
 void Close(SocketHandle::Native socket) noexcept;
-/// No valid one where there is no client, or no socket for it.
+/// Returns the next client. The handle is not valid if there is no client, or no socket left for it.
 SocketHandle Accept(const SocketHandle& listener);
+/// Switches the option on.
 void SetOption(const SocketHandle& socket, int level, int option) noexcept;
 
 } // namespace devsql::system::native
