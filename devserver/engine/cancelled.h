@@ -3,8 +3,8 @@
 
 namespace devsql {
 
-/// Thrown where a running statement notices that the client has asked for its end, or that another session
-/// has ended this one.
+/// Thrown when a running statement notices that the client has cancelled it (Session::Cancel), or that
+/// another session has ended this one.
 struct Cancelled {};
 
 } // namespace devsql

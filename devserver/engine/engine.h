@@ -1,5 +1,5 @@
-// What the protocol sees of the language: an engine that logs clients in, sessions that run what they send,
-// and a sink that takes the results in order. Knows nothing of TDS.
+// The interface between the protocol and the language: an engine that logs clients in, sessions that run the
+// statements of clients, and a sink that takes the results in order. Knows nothing of TDS.
 #pragma once
 
 #include <cstdint>
@@ -77,10 +77,11 @@ struct RpcParameter {
     std::string name; ///< with its "@"; empty when passed by position
     Type type;
     Value value;
-    bool output = false;
-    bool use_default = false;
+    bool output = false;      ///< the client wants the value back: ResultSink::OutputParameter
+    bool use_default = false; ///< the parameter gets its default; `value` is ignored
 };
 
+/// A call of a procedure that a client sends by itself and not as T-SQL (RPC).
 struct RpcCall {
     std::string procedure; ///< as sent: one to four parts, brackets allowed; a ";1" may follow
     std::vector<RpcParameter> parameters;
@@ -91,7 +92,7 @@ class BulkRows {
   public:
     enum class Step : std::uint8_t {
         Row,
-        Waiting, ///< the row has not come whole yet; the caller can check whether it must end
+        Waiting, ///< the row has not arrived completely; the caller checks for a cancel and calls Next again
         End,
         Gone, ///< the client has cancelled the load, or has sent something malformed: no row is kept
     };
@@ -132,17 +133,19 @@ class Session {
 struct LoginRequest {
     std::string user;
     std::string password;
-    std::string database; ///< empty: the login's default, master
-    std::string host_name;
-    std::string application;
+    std::string database;    ///< empty: the login's default database, or master if it has none
+    std::string host_name;   ///< HOST_NAME()
+    std::string application; ///< APP_NAME()
 };
 
 class RemoteConnection;
 struct RemoteSource;
 
+/// How a server is started.
 struct EngineOptions {
-    std::filesystem::path root;                ///< holds the system databases; made if absent
-    std::map<std::string, std::string> logins; ///< name, password; names compare without case
+    std::filesystem::path root; ///< holds the system databases; made if absent
+    /// Names and passwords that are known at the start; names compare without case. CREATE LOGIN adds others.
+    std::map<std::string, std::string> logins;
     /// Maps an upper-case drive letter ("D") to the folder that is its root.
     std::map<std::string, std::filesystem::path> drives;
     std::string server_name = "DEVSQLSERVER"; ///< @@SERVERNAME
@@ -150,6 +153,7 @@ struct EngineOptions {
     std::function<std::unique_ptr<RemoteConnection>(const RemoteSource&)> connect_remote{};
 };
 
+/// A running server. It must outlive its sessions.
 class Engine {
   public:
     virtual ~Engine() = default;

@@ -53,6 +53,7 @@ struct Type {
     friend bool operator==(const Type&, const Type&) = default;
 };
 
+/// GCC's integer of 128 bits; __extension__ allows it under -Wpedantic.
 __extension__ typedef __int128 Int128;
 
 /// A decimal, numeric, money or smallmoney: `unscaled` / 10^`scale`. |unscaled| < 10^38. Money has the

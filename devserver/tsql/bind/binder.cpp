@@ -1,3 +1,4 @@
+// The functions of the binder that belong to none of its parts.
 #include "devserver/tsql/bind/binder.h"
 
 #include <set>

@@ -21,6 +21,8 @@
 
 namespace devsql {
 
+/// Binds one statement. It must not outlive `session` and `emission`, which collects the statement's
+/// parameters.
 class Binder {
   public:
     Binder(SessionCore& session, Emission& emission) : session_(session), emission_(emission) {}
@@ -39,7 +41,8 @@ class Binder {
     OrderBinder& orders() { return orders_; }
     QueryBinder& queries() { return queries_; }
 
-    // What statements ask for, by their parts.
+    // The functions that statements call; each is a part's function. `scope` holds the sources whose columns
+    // an expression may name; it is null outside a query.
 
     BoundPtr BindValue(const ast::Expr& expr, const Scope* scope) { return expressions_.Value(expr, scope); }
     BoundPtr BindCondition(const ast::Expr& expr, const Scope* scope) {
@@ -84,7 +87,7 @@ class Binder {
 void RequireReadable(const ScopeColumn& column);
 /// As Binder::BindTarget, with `error` (1088, 4701) instead of 208.
 Target BindTargetAs(SessionCore& session, Emission& emission, const ast::Name& name, std::int32_t error);
-/// The view's columns, for the catalogue.
+/// The view's columns, for the catalogue. Raises 4502, 4506, 4511 and the errors of its query.
 std::vector<Column> DescribeView(SessionCore& session, const ast::CreateModuleStatement& view);
 
 } // namespace devsql

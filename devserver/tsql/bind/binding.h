@@ -15,22 +15,23 @@ class Emission;
 class SessionCore;
 
 struct Binding {
+    /// A new name for a source in SQLite's SQL: t1, t2, …
     std::string NextAlias() { return "t" + std::to_string(++aliases); }
 
-    /// What the clause that is being bound may contain.
+    /// The constructs that the clause which is being bound may contain.
     struct Clause {
         bool aggregates = false;
-        bool windows = false;
-        bool inside_aggregate = false;
+        bool windows = false;          ///< window functions (OVER)
+        bool inside_aggregate = false; ///< an aggregate's argument is being bound
     };
     Clause clause;
-    CommonTables root;
-    CommonTables* common = &root;
+    CommonTables root;                ///< the WITH of UPDATE and DELETE; a query keeps its own (QueryBinder)
+    CommonTables* common = &root;     ///< the innermost WITH, in which names are looked up first; never null
     std::int64_t max_recursion = 100; ///< of the query whose WITH is being bound
-    bool outermost = false;           ///< the next SELECT is the one whose rows are delivered
+    bool outermost = false;           ///< the next SELECT to be bound delivers the statement's rows
     std::string view_database;        ///< of the view being bound; empty: the frame's
-    int view_depth = 0;
-    int aliases = 0;
+    int view_depth = 0;               ///< how many views are being bound, one inside the other
+    int aliases = 0;                  ///< how many names NextAlias has returned
     std::vector<std::shared_ptr<RemoteTable>> remote_tables; ///< each fetched once in a statement
 };
 

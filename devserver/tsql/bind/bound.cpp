@@ -1,3 +1,4 @@
+// Makes and compares the nodes of bound expressions.
 #include "devserver/tsql/bind/bound.h"
 
 #include <algorithm>

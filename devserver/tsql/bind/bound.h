@@ -38,11 +38,12 @@ enum class BoundKind : std::uint8_t {
     Like,   ///< children: operand, pattern and perhaps the escape character
 };
 
+/// A node of an expression. If a field's comment begins with a kind, only nodes of that kind use it.
 struct Bound {
     BoundKind kind = BoundKind::Constant;
     Type type;
     bool nullable = true;
-    bool condition = false; ///< true, false or unknown instead of a value
+    bool condition = false; ///< its result is true, false or unknown, not a value
     std::vector<BoundPtr> children;
 
     Value constant;           ///< Constant
@@ -56,17 +57,19 @@ struct Bound {
     BinaryOperator binary{};  ///< Binary
     UnaryOperator unary{};    ///< Unary
     ast::CompareOp compare{}; ///< Compare
-    bool attempt = false;     ///< Convert: TRY_CAST
+    bool attempt = false;     ///< Convert: TRY_CAST, which returns NULL instead of an error
     bool assignment = false;  ///< Convert: an implicit conversion, such as that of a comparison
-    const ScalarFunction* function = nullptr;
-    const SessionFunction* session = nullptr;
+    const ScalarFunction* function = nullptr; ///< Function
+    const SessionFunction* session = nullptr; ///< Session
 };
 
-// The nodes that are not const may get the values of their kind before they go into a tree.
+// These make nodes. The caller of one that returns a node that is not const sets the remaining fields of its
+// kind, before the node becomes a part of an expression; after that no node changes.
 
 std::shared_ptr<Bound> MakeConstant(Value value, const Type& type);
 std::shared_ptr<Bound> MakeSql(std::string text, const Type& type, bool nullable = true);
 std::shared_ptr<Bound> MakeSqlCondition(std::string text);
+/// The value at position `slot` of the current row.
 std::shared_ptr<Bound> MakeSlot(std::size_t slot, const Type& type);
 /// `operand` as `type`; the operand itself where nothing changes.
 BoundPtr MakeConvert(BoundPtr operand, const Type& type);

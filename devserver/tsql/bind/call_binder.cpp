@@ -1,3 +1,4 @@
+// Binds calls: aggregates, window functions, scalar functions, functions of the session and of users.
 #include "devserver/tsql/bind/call_binder.h"
 
 #include <algorithm>

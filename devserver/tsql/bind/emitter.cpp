@@ -1,3 +1,4 @@
+// Writes bound expressions as SQLite's SQL, and collects the parameters and operations that the SQL uses.
 #include "devserver/tsql/bind/emitter.h"
 
 #include <array>

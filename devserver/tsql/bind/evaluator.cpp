@@ -1,3 +1,4 @@
+// Computes bound expressions and tests bound conditions in C++.
 #include "devserver/tsql/bind/evaluator.h"
 
 #include <algorithm>

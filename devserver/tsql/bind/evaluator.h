@@ -10,10 +10,10 @@ namespace devsql {
 
 class SessionCore;
 
-/// The value of `expression`, of its type; `slots` are the values of its Slot nodes. Throws std::logic_error
-/// for a leaf of SQL, which can't be computed here.
+/// The value of `expression`, of its type; `slots` are the values of its Slot nodes. Raises the errors of its
+/// functions and conversions. Throws std::logic_error for a leaf of SQL, which can't be computed here.
 Value Compute(const Bound& expression, SessionCore& session, std::span<const Value> slots = {});
-/// A condition; empty for unknown.
+/// Whether the condition is true; returns nothing for unknown. Errors as in Compute.
 std::optional<bool> Test(const Bound& condition, SessionCore& session, std::span<const Value> slots = {});
 
 /// True if the expression has a leaf of SQL anywhere.

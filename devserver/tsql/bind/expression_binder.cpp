@@ -1,3 +1,4 @@
+// Binds expressions: finds their types and makes implicit conversions explicit.
 #include "devserver/tsql/bind/expression_binder.h"
 
 #include <array>

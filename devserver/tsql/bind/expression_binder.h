@@ -9,11 +9,12 @@ class ExpressionBinder : private BinderPart {
   public:
     explicit ExpressionBinder(Binder& binder) : BinderPart(binder) {}
 
-    /// Raises 102 for a condition.
+    /// An expression that has a value. Raises 102 for a condition.
     BoundPtr Value(const ast::Expr& expr, const Scope* scope);
     BoundPtr Condition(const ast::Expr& expr, const Scope* scope) { return Node(expr, scope); }
     BoundPtr Compare(ast::CompareOp op, const BoundPtr& left, const BoundPtr& right) const;
-    /// A CASE whose values all take the type of the strongest.
+    /// A CASE: conditions with their values, and the value of ELSE. All values are converted to their common
+    /// type. Raises 8133 if all of them are the literal NULL.
     static BoundPtr Choice(const std::vector<std::pair<BoundPtr, BoundPtr>>& branches,
                            const BoundPtr& otherwise);
 

@@ -1,3 +1,4 @@
+// Finds the column, table, view, linked server's table or type that a name means.
 #include "devserver/tsql/bind/name_binder.h"
 
 #include "devserver/tsql/bind/binder.h"

@@ -1,3 +1,4 @@
+// Writes ORDER BY, TOP, OFFSET and FETCH as SQLite's ORDER BY and LIMIT.
 #include "devserver/tsql/bind/order_binder.h"
 
 #include "devserver/tsql/bind/binder.h"

@@ -1,3 +1,4 @@
+// Binds whole queries: WITH, set operations, SELECT @v = …, and cursors.
 #include "devserver/tsql/bind/query_binder.h"
 
 #include <algorithm>

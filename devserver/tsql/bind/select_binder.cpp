@@ -1,3 +1,4 @@
+// Binds the clauses of one SELECT and checks the rules of grouping.
 #include "devserver/tsql/bind/select_binder.h"
 
 #include <algorithm>

@@ -16,6 +16,7 @@ class SelectBinder : private BinderPart {
 
     /// `whole` is the query whose order and limit the SELECT takes; null for a part of a set operation.
     BoundQuery Select(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole);
+    /// The same, before it is written as SQL.
     SelectParts Parts(const ast::SelectCore& core, const Scope* outer, const ast::Query* whole);
 
   private:

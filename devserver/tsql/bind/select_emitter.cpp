@@ -1,3 +1,4 @@
+// Writes a bound SELECT as SQLite's SQL.
 #include "devserver/tsql/bind/select_emitter.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Binds FROM and WITH: joins, derived tables and common tables, also recursive ones.
 #include "devserver/tsql/bind/source_binder.h"
 
 #include "devserver/tsql/bind/binder.h"

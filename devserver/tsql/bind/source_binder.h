@@ -12,8 +12,9 @@ class SourceBinder : private BinderPart {
   public:
     explicit SourceBinder(Binder& binder) : BinderPart(binder) {}
 
-    /// FROM with its sources put into `scope`.
+    /// Adds the sources of a FROM clause to `scope`. Returns the clause's SQL without the word FROM.
     std::string From(const std::vector<ast::TableSourcePtr>& sources, Scope& scope);
+    /// Binds the tables of a WITH clause and adds them to the innermost level (Binding::common).
     void With(const std::vector<ast::CommonTable>& tables);
 
   private:

@@ -1,3 +1,4 @@
+// Splits the embedded .sql files into batches.
 #include "devserver/tsql/catalogue/embedded_sql.h"
 
 namespace devsql::embedded {

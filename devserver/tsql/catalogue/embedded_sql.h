@@ -20,8 +20,8 @@ extern const std::string_view kServerViews;
 extern const std::string_view kMsdbProcedures;
 extern const std::string_view kMasterProcedures;
 extern const std::string_view kDriverProcedures;
-/// Must rise when one of these files changes: a server whose files are of another version runs them
-/// again.
+/// To be raised when one of these three files changes: a server whose databases were made with another
+/// version runs them again.
 inline constexpr int kBootstrapVersion = 8;
 
 /// The batches of a file. A line "GO" ends each.

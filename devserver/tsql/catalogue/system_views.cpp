@@ -1,3 +1,4 @@
+// Loads the catalogue's views from the embedded .sql files, and writes them as queries over one database.
 #include "devserver/tsql/catalogue/system_views.h"
 
 #include "devserver/storage/sqlite.h"

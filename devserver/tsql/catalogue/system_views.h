@@ -1,5 +1,5 @@
-// The catalogue as clients ask for it: sysobjects, sys.tables, INFORMATION_SCHEMA and so on, as queries over
-// the tables that storage keeps.
+// The views in which clients read the catalogue: sysobjects, sys.tables, INFORMATION_SCHEMA and so on. Each
+// is a query over the tables of storage.
 #pragma once
 
 #include <string>
@@ -18,13 +18,15 @@ struct SystemColumn {
 };
 
 struct SystemView {
-    std::string_view schema; ///< "sys", "INFORMATION_SCHEMA"; empty: found under any owner, as sysobjects is
+    /// "sys", "INFORMATION_SCHEMA"; empty for a view that is found without a schema, in dbo and in sys.
+    std::string_view schema;
     std::string_view name;
     std::vector<SystemColumn> columns;
     std::string text; ///< SQLite's SQL with the names that fragments.sql lists
 };
 
-/// `schema` is empty if the statement names no schema. Returns null for an unknown name.
+/// `schema` is empty if the statement names no schema. Returns null for an unknown name. The view lives until
+/// the program ends.
 const SystemView* FindSystemView(std::string_view schema, std::string_view name);
 /// The view of that database, as a query for the session's connection.
 std::string SystemViewText(const SystemView& view, SessionCore& session, const std::string& database);

@@ -1,5 +1,5 @@
 // Runs the statements that define databases and the objects in them: tables, indexes, views, procedures,
-// types, users, roles, rights.
+// types, users, roles, rights. Each function raises the errors of its statement as SqlError.
 #pragma once
 
 #include "devserver/tsql/bind/binder.h"
@@ -18,10 +18,12 @@ void DeclareTable(SessionCore& session, const std::string& name, const ast::Tabl
 /// Builds the definition of one table from its parts, for a new table and for one that is altered.
 class TableBuilder {
   public:
-    /// `catalogue` is null for a temporary table.
+    /// `catalogue` is null for a temporary table. `altering` is true for ALTER TABLE, which has an error
+    /// number of its own.
     TableBuilder(SessionCore& session, Catalogue* catalogue, TableDef table, bool altering = false);
 
     void AddColumn(const ast::ColumnDefinition& column);
+    /// `column` is the column that the constraint follows; empty for a constraint of the table.
     void AddConstraint(const ast::Constraint& constraint, const std::string& column);
     TableDef& table() { return table_; }
     const std::vector<ForeignKeyDef>& foreign_keys() const { return foreign_keys_; }
@@ -48,9 +50,9 @@ class TableBuilder {
     std::vector<ForeignKeyDef> foreign_keys_;
 };
 
-/// Raises 2760.
+/// Raises 2760 if the database does not have the schema.
 void RequireSchema(Catalogue& catalogue, const std::string& schema);
-/// Raises 2714 where a constraint's name is taken.
+/// Raises 2714 if the name of one of the table's constraints is taken.
 void RequireFreeNames(Catalogue& catalogue, TableBuilder& builder);
 
 // ---- changing and dropping (alter_tables.cpp)
@@ -64,8 +66,8 @@ void RunDrop(SessionCore& session, const ast::DropStatement& drop);
 void RunCreateType(SessionCore& session, const ast::CreateTypeStatement& create);
 
 // ---- triggers (define_modules.cpp)
-/// The id of the table that CREATE or ALTER TRIGGER names. A trigger lies in its table's schema, which goes
-/// into `schema`. Raises 8197, 2103, 2108.
+/// The id of the table that CREATE or ALTER TRIGGER names. Sets `schema` to the table's schema, which is the
+/// trigger's too. Raises 8197, 2103, 2108.
 std::int64_t TableOfTrigger(SessionCore& session, const ast::CreateModuleStatement& trigger,
                             std::string& schema);
 void RunSwitchTriggers(SessionCore& session, const ast::SwitchTriggersStatement& triggers);
@@ -75,7 +77,9 @@ void RunGrant(SessionCore& session, const ast::GrantStatement& grant);
 void RunCreatePrincipal(SessionCore& session, const ast::CreatePrincipalStatement& create);
 void RunAlterRole(SessionCore& session, const ast::AlterRoleStatement& alter);
 void DropPrincipal(SessionCore& session, ast::ObjectKind kind, const std::string& name, bool if_exists);
-/// Each raises the errors of its procedure: 15007, 15023, 15025, 15401, 15410, ...
+// Shared by CREATE LOGIN, USER and ROLE, ALTER ROLE and the procedures for the same (sp_addlogin, …). Each
+// raises the procedure's errors: 15007, 15023, 15025, 15401, 15410, ...
+
 void AddLogin(SessionCore& session, const std::string& name, const std::string& password,
               const std::string& database);
 void AddUser(SessionCore& session, const std::string& login, const std::string& name);

@@ -1,3 +1,4 @@
+// Opens connections to linked servers, runs batches on them, and commits or rolls back their transactions.
 #include "devserver/tsql/linked/remote_servers.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// A session's connections to linked servers, and their part in its transaction. Knows nothing of tables and
-// procedures there.
+// A session's connections to linked servers, and how they take part in its transaction. Knows nothing of
+// tables and procedures on these servers.
 #pragma once
 
 #include <functional>
@@ -18,24 +18,25 @@
 
 namespace devsql {
 
-/// What the connections ask of the session that they belong to.
+/// The session that the connections belong to, as they need it.
 class RemoteServersOwner {
   public:
     virtual ~RemoteServersOwner() = default;
 
-    /// Its main file is master.
+    /// The session's connection to SQLite; its main file is master.
     virtual SqliteConnection& connection() = 0;
     virtual const std::string& server_name() const = 0;
-    /// As the client logged in.
+    /// The name and the password with which the client logged in.
     virtual const std::string& login() const = 0;
     virtual const std::string& password() const = 0;
-    /// Empty where other servers can't be reached.
+    /// Opens connections; empty if this server can't reach others.
     virtual const RemoteConnector& connector() const = 0;
     virtual LinkedLogins Logins() = 0;
     /// True if a client with that application name is connected to this server.
     virtual bool HasSession(const std::string& application) = 0;
     /// The id of the next temporary table.
     virtual std::int64_t NextTableId() = 0;
+    /// Throws Cancelled once a stop of the running call has been requested.
     virtual void CheckCancelled() const = 0;
     /// Sends a message of the message table to the client.
     virtual void Inform(std::int32_t number, std::initializer_list<std::string_view> arguments) = 0;
@@ -62,6 +63,7 @@ class RemoteAnswer : public RemoteSink {
     std::optional<Message> error;
 };
 
+/// The connections of one session. A connection is opened when it is first needed and kept until Release.
 class RemoteServers {
   public:
     explicit RemoteServers(RemoteServersOwner& owner) : owner_(owner) {}
@@ -70,7 +72,7 @@ class RemoteServers {
 
     /// True for a name of four parts whose first is another server than this one.
     bool Means(const ast::Name& name) const;
-    /// Raises 7202.
+    /// The settings of a linked server. Raises 7202 if there is none of that name.
     LinkedServer Find(const std::string& name) const;
 
     /// Runs a batch there, connecting first where needed. Errors of the other server go to the sink. Raises
@@ -89,9 +91,11 @@ class RemoteServers {
     bool InTransaction() const;
     /// Raises the error of the first server that cannot commit; the others are then rolled back.
     void Commit();
+    /// Closes the connections that take part in the transaction, which rolls their changes back.
     void Rollback() noexcept;
     /// Closes the connections that no transaction holds.
     void Release();
+    /// Closes the connection to that server, if there is one.
     void Forget(const std::string& name) { links_.erase(Key(name)); }
     /// Ends the batch that runs at another server; from any thread.
     void Cancel();
@@ -99,8 +103,8 @@ class RemoteServers {
   private:
     struct Link {
         std::unique_ptr<RemoteConnection> connection;
-        bool loopback = false;
-        bool in_transaction = false;
+        bool loopback = false;       ///< the other server is this one
+        bool in_transaction = false; ///< takes part in the session's transaction
     };
 
     static std::string Key(const std::string& name);
@@ -108,12 +112,13 @@ class RemoteServers {
     RemoteSource SourceOf(const LinkedServer& server) const;
     void RunOn(Link& link, const LinkedServer& server, const std::string& sql, RemoteSink& sink);
     [[noreturn]] void RaiseRemote(const LinkedServer& server, const RemoteFailure& failure);
+    /// Dooms the session's transaction if an error has ended the transaction at the other server.
     void NoticeEnd(Link& link, const LinkedServer& server);
 
     RemoteServersOwner& owner_;
-    std::map<std::string, Link> links_;
+    std::map<std::string, Link> links_; ///< by folded name of the server
     std::mutex mutex_;
-    RemoteConnection* running_ = nullptr;
+    RemoteConnection* running_ = nullptr; ///< runs a batch at the moment, else null; under `mutex_`
 };
 
 } // namespace devsql

@@ -1,3 +1,4 @@
+// Reads the columns and rows of a linked server's table, and sends changes as batches of T-SQL.
 #include "devserver/tsql/linked/remote_tables.h"
 
 #include <algorithm>

@@ -25,10 +25,11 @@ class RemoteTable {
 
     const ast::Name& name() const { return name_; }
     const TablePtr& table() const { return table_; }
-    /// Fetches the rows, once.
+    /// Makes the temporary table and fetches the rows into it; a second call does nothing.
     void Fill();
 
-    // Each sends whole rows, a value for each column, and raises the errors of the other server.
+    // Each of these takes whole rows, with a value for each column, and raises the errors of the other
+    // server.
 
     /// An empty value means the default of the column.
     void Insert(const std::vector<std::vector<std::optional<Value>>>& rows);
@@ -51,7 +52,7 @@ class RemoteTable {
     std::string qualified_; ///< the table's name at the other server
     TablePtr table_;
     std::vector<std::size_t> key_; ///< positions of the columns that identify a row
-    bool made_ = false;
+    bool made_ = false;            ///< the temporary table exists; the destructor drops it
 };
 
 } // namespace devsql

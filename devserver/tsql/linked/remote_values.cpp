@@ -1,3 +1,4 @@
+// Writes values as literals of T-SQL, and carries values of types that would not arrive unchanged.
 #include "devserver/tsql/linked/remote_values.h"
 
 #include <array>

@@ -9,7 +9,7 @@
 
 namespace devsql {
 
-/// The value as another server reads it: N'…', 0x…, CONVERT(…). ASCII but for characters of code page 1252.
+/// The value as another server reads it: N'…', 0x…, CONVERT(…). ASCII, except characters of code page 1252.
 std::string RemoteLiteral(const Value& value, const Type& type);
 /// Converts `expression` of the given type so that its value arrives unchanged: Unicode as bytes, money as
 /// decimal.

@@ -23,8 +23,8 @@ struct Declaration {
     std::string name;
     TypeSpec type;
     ExprPtr value;                        ///< may be null
-    std::optional<TableDefinition> table; ///< a table variable
-    bool cursor = false;
+    std::optional<TableDefinition> table; ///< of a table variable; `type` is then not used
+    bool cursor = false;                  ///< a cursor variable
 };
 struct DeclareStatement {
     std::vector<Declaration> declarations;
@@ -72,9 +72,9 @@ struct RaiserrorStatement {
     ExprPtr severity;
     ExprPtr state;
     std::vector<ExprPtr> arguments;
-    bool set_error = false;
-    bool log = false;     ///< WITH LOG: required for a severity above 18
-    bool no_wait = false; ///< WITH NOWAIT: goes to the client at once
+    bool set_error = false; ///< WITH SETERROR: @@ERROR gets the number whatever the severity
+    bool log = false;       ///< WITH LOG: required for a severity above 18
+    bool no_wait = false;   ///< WITH NOWAIT: goes to the client at once
 };
 struct ThrowStatement {
     ExprPtr number; ///< null for THROW without arguments
@@ -82,7 +82,7 @@ struct ThrowStatement {
     ExprPtr state;
 };
 struct WaitforStatement {
-    bool until = false;
+    bool until = false; ///< WAITFOR TIME: until that time of day; otherwise WAITFOR DELAY
     ExprPtr time;
 };
 struct TryStatement {
@@ -96,11 +96,12 @@ struct Argument {
     bool output = false;
 };
 struct ExecuteStatement {
-    std::string return_variable;
+    std::string return_variable; ///< EXEC @status = name; empty: none
     Name procedure;
     std::string procedure_variable; ///< EXEC @name
     std::vector<Argument> arguments;
 };
+/// EXEC ('text').
 struct ExecuteStringStatement {
     ExprPtr text;
 };
@@ -108,7 +109,7 @@ struct ExecuteStringStatement {
 enum class TransactionAction : std::uint8_t { Begin, Commit, Rollback, Save };
 struct TransactionStatement {
     TransactionAction action;
-    std::string name;
+    std::string name; ///< of the transaction or savepoint; may be empty
 };
 struct UseStatement {
     std::string database;
@@ -124,9 +125,9 @@ struct InsertStatement {
     Name table;
     std::vector<std::string> columns;
     std::vector<std::vector<ExprPtr>> rows; ///< VALUES; a null item is DEFAULT
-    QueryPtr query;
-    StatementPtr execute;
-    bool default_values = false;
+    QueryPtr query;                         ///< INSERT … SELECT; may be null
+    StatementPtr execute;                   ///< INSERT … EXEC; may be null
+    bool default_values = false;            ///< DEFAULT VALUES
     std::optional<Top> top;
     std::vector<OutputClause> outputs;
 };
@@ -149,7 +150,7 @@ struct UpdateStatement {
     std::vector<Assignment> assignments;
     std::vector<TableSourcePtr> from;
     ExprPtr where;
-    std::string cursor; ///< WHERE CURRENT OF
+    std::string cursor; ///< WHERE CURRENT OF; `where` is then null
     std::optional<Top> top;
     std::vector<CommonTable> with;
     std::vector<OutputClause> outputs;
@@ -158,7 +159,7 @@ struct DeleteStatement {
     Name table;
     std::vector<TableSourcePtr> from;
     ExprPtr where;
-    std::string cursor;
+    std::string cursor; ///< as in UpdateStatement
     std::optional<Top> top;
     std::vector<CommonTable> with;
     std::vector<OutputClause> outputs;
@@ -184,9 +185,9 @@ struct CursorStatement {
 enum class FetchDirection : std::uint8_t { Next, Prior, First, Last, Absolute, Relative };
 struct FetchStatement {
     FetchDirection direction = FetchDirection::Next;
-    ExprPtr offset;
+    ExprPtr offset; ///< of ABSOLUTE and RELATIVE; null for the others
     std::string name;
-    std::vector<std::string> into;
+    std::vector<std::string> into; ///< variables; empty: the row goes to the client
 };
 
 // ------------------------------------------------------------------ the server
@@ -195,7 +196,7 @@ struct FetchStatement {
 /// DBCC that devserver/docs lists.
 struct MaintenanceStatement {
     std::string name;
-    bool tells = false; ///< sends the message 2528 when it is done
+    bool tells = false; ///< sends the message 2528 at its end
 };
 /// DBCC CHECKIDENT ('table' [, RESEED [, value] | NORESEED])
 struct CheckIdentityStatement {
@@ -205,7 +206,7 @@ struct CheckIdentityStatement {
     ExprPtr value;       ///< may be null
 };
 struct KillStatement {
-    std::int64_t session = 0;
+    std::int64_t session = 0; ///< @@SPID of the session that ends
 };
 
 // ------------------------------------------------------------------ any of them
@@ -230,7 +231,7 @@ struct Statement {
                  CreateTypeStatement, AlterRoleStatement, CursorDeclareStatement, CursorStatement,
                  FetchStatement, MaintenanceStatement, CheckIdentityStatement, KillStatement>
         node;
-    std::int32_t line = 1;
+    std::int32_t line = 1; ///< on which the statement begins, from 1
 };
 
 } // namespace devsql::ast

@@ -1,5 +1,5 @@
-// The tree of T-SQL, the statements that define: tables, indexes, modules, databases, principals and their
-// rights. Knows nothing of how they are stored.
+// The tree of T-SQL: the statements that define tables, indexes, modules (views, procedures, functions,
+// triggers), databases, principals and their rights. Knows nothing of how they are stored.
 #pragma once
 
 #include <cstdint>
@@ -32,13 +32,13 @@ struct Constraint {
     std::string name; ///< empty: the server makes one
     std::vector<IndexColumn> columns;
     bool clustered = false;
-    bool clustering_given = false;
-    Name references;
+    bool clustering_given = false; ///< CLUSTERED or NONCLUSTERED is written
+    Name references;               ///< the table that a foreign key refers to
     std::vector<std::string> referenced_columns;
     ReferentialAction on_delete = ReferentialAction::NoAction;
     ReferentialAction on_update = ReferentialAction::NoAction;
-    std::string text; ///< CHECK and DEFAULT: the expression as written, in parentheses
-    bool with_check = true;
+    std::string text;         ///< CHECK and DEFAULT: the expression as written, in parentheses
+    bool with_check = true;   ///< existing rows are checked; false for ALTER TABLE … WITH NOCHECK
     bool with_values = false; ///< DEFAULT … WITH VALUES: existing rows get it too when the column is new
 };
 
@@ -50,11 +50,11 @@ struct Identity {
 struct ColumnDefinition {
     std::string name;
     TypeSpec type;
-    std::optional<bool> nullable;
+    std::optional<bool> nullable; ///< empty: neither NULL nor NOT NULL is written
     std::optional<Identity> identity;
-    bool row_guid = false;
+    bool row_guid = false; ///< ROWGUIDCOL
     std::string collation;
-    std::string computed; ///< the text of a computed column's expression
+    std::string computed; ///< the text of a computed column's expression; empty for other columns
     std::vector<Constraint> constraints;
 };
 
@@ -108,7 +108,7 @@ struct CreateIndexStatement {
     bool clustered = false;
     bool drop_existing = false;
     std::vector<IndexColumn> columns;
-    std::vector<std::string> included;
+    std::vector<std::string> included; ///< INCLUDE (columns)
 };
 struct DropIndexStatement {
     std::vector<std::pair<Name, std::string>> indexes; ///< table, index
@@ -169,7 +169,7 @@ enum class AlterDatabaseAction : std::uint8_t { ModifyName, ModifyFile, Set, Own
 struct AlterDatabaseStatement {
     std::string database;
     AlterDatabaseAction action = AlterDatabaseAction::Set;
-    std::string new_name; ///< of the database; the login that becomes the owner
+    std::string new_name; ///< ModifyName: the database's new name; Owner: the login that becomes its owner
     FileSpec file;        ///< MODIFY FILE
     std::vector<std::pair<std::string, std::string>> options; ///< upper case; SINGLE_USER has the value ""
     bool rollback_immediate = false;
@@ -179,14 +179,14 @@ enum class GrantAction : std::uint8_t { Grant, Deny, Revoke };
 struct GrantStatement {
     GrantAction action;
     std::vector<std::string> permissions; ///< upper case
-    Name object;                          ///< empty: of the database
+    Name object;                          ///< empty for permissions on the database itself
     std::vector<std::string> grantees;
 };
 struct CreatePrincipalStatement {
     ObjectKind kind; ///< User, Role, Login, Schema
     std::string name;
-    std::string login; ///< CREATE USER … FOR LOGIN; CREATE SCHEMA … AUTHORIZATION
-    std::string password;
+    std::string login;    ///< CREATE USER … FOR LOGIN; CREATE SCHEMA … AUTHORIZATION
+    std::string password; ///< of a login
 };
 struct CreateTypeStatement {
     Name name;
@@ -196,7 +196,7 @@ struct CreateTypeStatement {
 struct AlterRoleStatement {
     std::string role;
     std::string member;
-    bool add = true;
+    bool add = true; ///< ADD MEMBER; otherwise DROP MEMBER
 };
 
 } // namespace devsql::ast

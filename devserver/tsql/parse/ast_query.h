@@ -1,4 +1,4 @@
-// The tree of T-SQL, its smallest parts: names, types, expressions and queries, as they are written.
+// The tree of T-SQL: its smallest parts, which are names, types, expressions and queries as they are written.
 // Knows nothing of statements, of the catalogue and of execution.
 #pragma once
 
@@ -16,7 +16,8 @@
 
 namespace devsql::ast {
 
-/// One to four parts, the last one the object's; parts between may be empty ("db..t").
+/// A name of one to four parts: server, database, schema, object. The last part is the object's; those before
+/// it may be empty ("db..t").
 struct Name {
     std::vector<std::string> parts;
 
@@ -29,9 +30,9 @@ struct Name {
 /// A type as written: "varchar(20)", "decimal(18, 2)", "nvarchar(max)", "dbo.telephone".
 struct TypeSpec {
     Name name;
-    std::optional<std::int64_t> first;
-    std::optional<std::int64_t> second;
-    bool max = false;
+    std::optional<std::int64_t> first;  ///< the length or precision
+    std::optional<std::int64_t> second; ///< the scale
+    bool max = false;                   ///< "(max)" instead of a length
 };
 
 struct Expr;
@@ -68,7 +69,7 @@ struct CompareExpr {
     ExprPtr right;
 };
 struct LogicExpr {
-    bool conjunction;
+    bool conjunction; ///< AND; otherwise OR
     ExprPtr left;
     ExprPtr right;
 };
@@ -77,7 +78,7 @@ struct NotExpr {
 };
 struct IsNullExpr {
     ExprPtr operand;
-    bool negated;
+    bool negated; ///< IS NOT NULL; here and below the NOT of the predicate itself
 };
 struct BetweenExpr {
     ExprPtr operand;
@@ -108,9 +109,9 @@ struct SubqueryExpr {
     QueryPtr query;
 };
 struct CaseExpr {
-    ExprPtr operand; ///< null: a searched CASE
-    std::vector<std::pair<ExprPtr, ExprPtr>> branches;
-    ExprPtr otherwise; ///< may be null
+    ExprPtr operand;                                   ///< null: a searched CASE
+    std::vector<std::pair<ExprPtr, ExprPtr>> branches; ///< WHEN, THEN
+    ExprPtr otherwise;                                 ///< ELSE; may be null
 };
 struct CastExpr {
     ExprPtr operand;
@@ -130,7 +131,7 @@ struct CallExpr {
     std::string name; ///< as written
     std::vector<ExprPtr> arguments;
     bool distinct = false;
-    bool star = false;
+    bool star = false; ///< COUNT(*); `arguments` is then empty
     std::optional<Over> over;
 };
 
@@ -197,7 +198,7 @@ struct SelectCore {
     bool distinct = false;
     std::optional<Top> top;
     std::vector<SelectItem> items;
-    Name into;
+    Name into; ///< SELECT … INTO; empty: none
     std::vector<TableSourcePtr> from;
     ExprPtr where;
     std::vector<ExprPtr> group_by;

@@ -30,8 +30,8 @@ struct Token {
     TokenKind kind = TokenKind::End;
     std::string text; ///< the content without quotes, with doubled quotes made single; for numbers the digits
     std::int32_t line = 1;
-    std::size_t begin = 0; ///< bytes in the source
-    std::size_t end = 0;
+    std::size_t begin = 0; ///< the token's first byte in the source
+    std::size_t end = 0;   ///< the byte after its last
 };
 
 /// The tokens of `source`, the last one of kind End. Throws LocatedError 105 (open quotation mark), 113 (open

@@ -16,16 +16,17 @@ struct ParseOptions {
     std::vector<std::string> variables;
 };
 
+/// The statements of a text that is run as one. Owns the tree.
 struct Batch {
     ast::StatementList statements;
 };
 
 // All of them throw LocatedError: 102 and 156 (syntax), 105, 113, 103 (tokens), 137 and 134 (variables), 111
-// (CREATE PROCEDURE or VIEW not first), 191 (nested too deeply), 40510 and 40517 (what this server doesn't
+// (CREATE of a module not first), 191 (nested too deeply), 40510 and 40517 (what this server doesn't
 // support), and others that need no catalogue.
 
 Batch ParseBatch(std::string_view sql, const ParseOptions& options = {});
-/// The text of a CREATE or ALTER statement of a procedure or view.
+/// The text of one CREATE or ALTER statement of a view, procedure, function or trigger.
 ast::CreateModuleStatement ParseModule(std::string_view sql, bool quoted_identifier);
 /// The expression of a default, a check or a computed column.
 ast::ExprPtr ParseExpression(std::string_view text, bool quoted_identifier = true);

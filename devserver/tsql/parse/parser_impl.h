@@ -40,6 +40,9 @@ class Parser {
     };
 
     // ---- tokens (parser_core.cpp)
+    // Peek and Is… look at a token without taking it; `ahead` 0 is the next one. Take takes any token. A
+    // Take… that returns bool takes a token only if it fits; the others and Expect… raise a syntax error if
+    // it does not fit.
     const Token& Peek(std::size_t ahead = 0) const;
     Token Take();
     bool AtEnd() const { return Peek().kind == TokenKind::End; }
@@ -52,7 +55,8 @@ class Parser {
     bool TakeSymbol(std::string_view symbol);
     void ExpectWord(std::string_view word);
     void ExpectSymbol(std::string_view symbol);
-    /// Takes the next token if it is one of `words`, and returns its index; otherwise -1.
+    /// Takes the next token if it is one of `words`, and returns its index; otherwise takes nothing and
+    /// returns -1.
     int TakeOneOf(std::initializer_list<std::string_view> words);
     int ExpectOneOf(std::initializer_list<std::string_view> words);
     void ExpectEnd();
@@ -70,12 +74,16 @@ class Parser {
         CommaSeparated(item);
         ExpectSymbol(")");
     }
+    /// Fills `closing_`.
     void FindClosings();
     [[noreturn]] void SyntaxError() const;
+    /// Throws a LocatedError at the next token.
     [[noreturn]] void Fail(std::int32_t number, std::initializer_list<std::string_view> arguments = {}) const;
+    /// Raises 40517.
     [[noreturn]] void Unsupported(std::string_view what) const;
     void SyntaxErrorIf(bool condition) const;
     void UnsupportedIf(bool condition, std::string_view what) const;
+    /// Raises 40510.
     [[noreturn]] void UnsupportedStatement(std::string_view what) const;
     std::string TakeName();
     /// A name or a string: a login, a file's logical name, an option's value.
@@ -88,12 +96,16 @@ class Parser {
     /// A cursor's name or a cursor variable.
     std::string TakeCursorName();
     std::string TakeVariable();
+    /// Raises 134 if the variable is declared already.
     void Declare(const std::string& variable);
     void RequireDeclared(const std::string& variable, std::int32_t error = 137) const;
+    /// The source between two positions in bytes.
     std::string Text(std::size_t begin, std::size_t end) const;
+    /// The position in bytes after the token that was taken last.
     std::size_t PreviousEnd() const;
 
     // ---- expressions (parser_expressions.cpp)
+    /// Raises 191 for a chain of too many operators.
     void RequireShort(int links) const;
     ast::ExprPtr ParseExpr();
     ast::ExprPtr ParseCondition();
@@ -271,13 +283,13 @@ class Parser {
     std::vector<Token> tokens_;
     /// For each "(" the position of its ")"; 0 for other tokens and for a parenthesis that is never closed.
     std::vector<std::size_t> closing_;
-    std::size_t next_ = 0;
+    std::size_t next_ = 0; ///< the position in `tokens_` of the next token
     bool quoted_identifier_;
     std::set<std::string> declared_; ///< upper case
-    int depth_ = 0;
-    int loops_ = 0;
-    bool module_allowed_ = false;
-    bool in_trigger_ = false;
+    int depth_ = 0;                  ///< see Depth
+    int loops_ = 0;                  ///< the WHILE loops around the statement that is being parsed
+    bool module_allowed_ = false;    ///< no statement stands before: CREATE PROCEDURE and the like may follow
+    bool in_trigger_ = false;        ///< UPDATE(column) is allowed
 };
 
 } // namespace devsql

@@ -1,3 +1,4 @@
+// The system procedures that define linked servers, their logins and their options.
 #include "devserver/tsql/procedures/system_procedures.h"
 
 #include <algorithm>

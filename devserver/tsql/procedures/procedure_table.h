@@ -10,6 +10,7 @@
 
 namespace devsql {
 
+/// The constructor sends the columns, Row a row, End the end of the result set. Call End once, at last.
 class ProcedureTable {
   public:
     ProcedureTable(SessionCore& session, const std::vector<Column>& columns) : session_(session) {
@@ -26,6 +27,7 @@ class ProcedureTable {
     std::int64_t rows_ = 0;
 };
 
+/// The type of names: sysname.
 inline constexpr Type kSysName = Sized(TypeId::NVarChar, 128);
 
 /// NULL for an empty text.

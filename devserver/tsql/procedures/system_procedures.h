@@ -1,4 +1,4 @@
-// The system procedures that are written in C++, by topic.
+// The system procedures that are written in C++: a table for each topic.
 #pragma once
 
 #include <span>

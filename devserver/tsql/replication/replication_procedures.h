@@ -14,6 +14,7 @@ std::span<const SystemProcedure> DistributorProcedures();
 std::span<const SystemProcedure> PublicationProcedures();
 
 // ---- shared by the two
+/// Makes an agent's job in msdb. No agent runs it.
 void AddAgentJob(SystemCall& call, const std::string& name, const std::string& category);
 /// Does nothing if there is no such job.
 void DropAgentJob(SystemCall& call, const std::string& name);

@@ -1,3 +1,4 @@
+// Writes rows into one table, enforces its definition, and cascades to the rows that refer to them.
 #include "devserver/tsql/rows/row_writer.h"
 
 #include <algorithm>

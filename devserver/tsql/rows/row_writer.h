@@ -18,10 +18,12 @@ namespace devsql {
 using RowValues = std::vector<Value>;
 
 struct StoredRow {
-    std::int64_t row_id = 0;
+    std::int64_t row_id = 0; ///< SQLite's number of the row
     RowValues values;
 };
 
+/// Writes the rows of one statement to one table. The caller calls Insert, Update or Delete, then Finish,
+/// then FireTriggers.
 class RowWriter {
   public:
     /// `statement` is named in messages: INSERT, UPDATE, DELETE.
@@ -48,6 +50,7 @@ class RowWriter {
     using Observer = std::function<void(const RowValues* before, const RowValues* after)>;
     void Observe(Observer observer) { observer_ = std::move(observer); }
 
+    /// The identity value of the row inserted last; nothing if no row has got one.
     std::optional<std::int64_t> last_identity() const { return identity_given_; }
     /// The default's value, of the column's type.
     Value DefaultOf(const ColumnDef& column);
@@ -69,6 +72,7 @@ class RowWriter {
     void BindExpressions();
     void PrepareFiring();
     BoundPtr BindOverRow(const std::string& text);
+    /// Gives an identity column its value, or moves the counter to a value that the statement has given.
     void FillIdentity(std::size_t column, std::optional<Value>& value);
     void CheckRow(const RowValues& row);
     void Store(const RowValues& row, std::optional<std::int64_t> row_id);
@@ -78,7 +82,10 @@ class RowWriter {
     /// The statement that updates a row: parameter 1 is the row's number, the columns follow.
     SqliteStatement PrepareUpdate();
     bool UniqueKeyChanged(const RowValues& before, const RowValues& after) const;
+    /// Raises 547 if the row that `row` refers to does not exist.
     void RequireParent(const ForeignKeyDef& key, const RowValues& row);
+    /// Applies ON DELETE or ON UPDATE to the rows that refer to the key of `before`. `after` is the changed
+    /// row; null for a deleted one. Raises 547 for NO ACTION.
     void ReleaseChildren(const ForeignKeyDef& key, const RowValues& before, const RowValues* after);
     void Cascade(const ForeignKeyDef& key, const TablePtr& child, const std::vector<StoredRow>& rows,
                  const RowValues* after);
@@ -103,18 +110,19 @@ class RowWriter {
     std::optional<SqliteStatement> insert_;
     std::vector<RowValues> new_rows_;                            ///< for the foreign keys at the end
     std::vector<std::vector<std::optional<Value>>> remote_rows_; ///< sent together, at the end
+    /// A row whose old key may have gone, for the rows that refer to it.
     struct Removed {
         RowValues before;
         std::optional<RowValues> after;
     };
     std::vector<Removed> removed_;
-    std::optional<Firing> firing_;                 ///< what the triggers get to see; nothing where none fires
+    std::optional<Firing> firing_;                 ///< the rows for the triggers; empty if no trigger fires
     std::shared_ptr<std::vector<Firing>> firings_; ///< of the statement: cascades first, the target last
-    std::optional<std::int64_t> identity_;         ///< the counter
-    bool identity_loaded_ = false;
-    bool identity_dirty_ = false;
-    bool ignores_keys_ = false; ///< foreign ones
-    std::optional<std::int64_t> identity_given_;
+    std::optional<std::int64_t> identity_;       ///< the table's identity counter; empty before the first row
+    bool identity_loaded_ = false;               ///< `identity_` has been read
+    bool identity_dirty_ = false;                ///< `identity_` must be stored by Finish
+    bool ignores_keys_ = false;                  ///< does not check foreign keys
+    std::optional<std::int64_t> identity_given_; ///< of the row inserted last
 };
 
 } // namespace devsql

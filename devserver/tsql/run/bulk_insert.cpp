@@ -1,3 +1,4 @@
+// INSERT BULK: checks the statement, converts the client's rows and writes them.
 #include "devserver/tsql/run/bulk_insert.h"
 
 #include <algorithm>

@@ -8,8 +8,8 @@ namespace devsql {
 
 /// Checks the statement and keeps it for the rows. Raises 208, 207, 264, 271.
 void BeginBulkInsert(SessionCore& session, const ast::InsertBulkStatement& bulk);
-/// Writes the rows, all or none. NOT NULL and unique keys hold; CHECK and foreign keys hold where the
-/// statement asks for it.
+/// Writes the rows, all or none. NOT NULL and unique keys are enforced; CHECK constraints and foreign keys
+/// only if the statement asks for it. Throws Cancelled if the client cancels the load.
 void RunBulkInsert(SessionCore& session, const ast::InsertBulkStatement& bulk, BulkRows& rows);
 
 } // namespace devsql

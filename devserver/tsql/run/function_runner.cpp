@@ -1,3 +1,4 @@
+// Runs the body of a user's function in an interpreter of its own.
 #include "devserver/tsql/run/function_runner.h"
 
 namespace devsql {

@@ -1,6 +1,6 @@
-// Runs the scalar functions that users define: an interpreter of their own runs the body, in the middle of
-// the statement that calls. A function sends nothing and changes nothing; its definition has been checked for
-// that.
+// Runs the scalar functions that users define. Each call gets an interpreter of its own, because it comes in
+// the middle of a statement. A function sends nothing and changes nothing; its definition has been checked
+// for that.
 #pragma once
 
 #include "devserver/tsql/run/interpreter.h"

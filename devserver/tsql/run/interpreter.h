@@ -1,4 +1,5 @@
-// Runs the tree: control flow, variables, procedures, errors and what they end.
+// Runs the tree: control flow, variables, procedures. Decides whether an error ends the statement, the
+// procedure or the batch.
 #pragma once
 
 #include <functional>
@@ -15,7 +16,7 @@ namespace devsql {
 struct Firing;
 struct SystemProcedure;
 class SystemCall;
-/// Null for a name that is no system procedure.
+/// Finds a system procedure, which lives until the program ends. Returns null for an unknown name.
 using SystemProcedureFinder = const SystemProcedure* (*)(std::string_view name);
 
 /// What a caller passes for a parameter.
@@ -24,11 +25,11 @@ struct ActualArgument {
     Value value;
     Type type;
     bool output = false;
-    bool use_default = false;
+    bool use_default = false; ///< the parameter gets its default; `value` is ignored
 };
 
 struct CallResult {
-    std::int32_t status = 0;
+    std::int32_t status = 0; ///< of RETURN
     /// For each argument that was passed as OUTPUT, the value that came back; empty for the others.
     std::vector<std::optional<Variable>> outputs;
 };
@@ -49,6 +50,7 @@ struct RaisedMessage {
     std::string text;
 };
 
+/// Runs one request of a client, or one call of a user's function. The session must outlive it.
 class Interpreter {
   public:
     Interpreter(SessionCore& session, SystemProcedureFinder find_system_procedure)
@@ -74,10 +76,12 @@ class Interpreter {
     SessionCore& session() { return session_; }
 
   private:
+    /// Where the batch or procedure continues after a statement. For Goto, at the label in `goto_label_`.
     enum class Flow : std::uint8_t { Next, Break, Continue, Return, Goto };
 
     // interpreter.cpp
     std::int32_t RunSystem(const SystemProcedure& procedure, SystemCall& call);
+    /// Runs `work` and sends the client an error that it throws.
     void RunGuarded(const std::function<void()>& work);
     void EndCancelled();
     /// Runs a batch or a procedure. Reports 133 for a GOTO to an unknown label.
@@ -123,8 +127,10 @@ class Interpreter {
     // calls.cpp
     void ExecuteCall(const ast::ExecuteStatement& call);
     void ExecuteString(const ast::ExecuteStringStatement& statement);
+    /// Runs the EXEC of INSERT … EXEC and returns its rows.
     RowSet Capture(const ast::Statement& statement);
     // remote_calls.cpp
+    /// Calls a procedure of a linked server.
     CallResult CallRemote(const ast::Name& name, const std::vector<ActualArgument>& arguments);
     // calls.cpp
     std::vector<ActualArgument> Arguments(const ast::ExecuteStatement& call);
@@ -145,7 +151,7 @@ class Interpreter {
     Variable* function_result_ = nullptr; ///< the result of the running function; null outside functions
     bool changes_rows_ = false;           ///< the running statement is INSERT, UPDATE or DELETE
     int tries_ = 0;                       ///< TRY blocks that are open, in all frames
-    std::map<int, int> tries_at_;         ///< the same by nesting
+    std::map<int, int> tries_at_;         ///< the same for each nesting level of calls
 };
 
 /// Makes the variables of a call from its arguments. Returns the position of the parameter for each argument.

@@ -1,3 +1,4 @@
+// Computes the items of OUTPUT clauses for each changed row, and sends or stores the rows that result.
 #include "devserver/tsql/run/output_rows.h"
 
 #include <algorithm>

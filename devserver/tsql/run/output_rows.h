@@ -15,12 +15,12 @@ namespace devsql {
 
 class OutputRows {
   public:
-    /// Whether the statement has inserted rows, deleted rows, or both.
+    /// The bits of `rows`: whether the statement inserts rows, deletes rows, or does both.
     static constexpr unsigned kInserted = 1;
     static constexpr unsigned kDeleted = 2;
 
-    /// Raises what binding raises: 4104, 207, 10705, ..., and 334 where rows would go to the client in spite
-    /// of triggers.
+    /// Raises the errors of binding: 4104, 207, 10705, ..., and 334 if rows would go to the client although
+    /// the table has triggers. `clauses` must outlive this object.
     OutputRows(SessionCore& session, const std::vector<ast::OutputClause>& clauses, const Target& target,
                unsigned rows);
     OutputRows(const OutputRows&) = delete;

@@ -6,8 +6,9 @@
 
 namespace devsql {
 
-/// An expression outside a query; it may hold subqueries.
+/// The value of an expression outside a query; it may hold subqueries. Sets `type`, unless it is null.
 Value ComputeExpression(SessionCore& session, const ast::Expr& expr, Type* type = nullptr);
+/// True if the condition is true; false if it is false or unknown.
 bool TestExpression(SessionCore& session, const ast::Expr& condition);
 /// SET @v = …, and every other assignment to a variable.
 void AssignTo(SessionCore& session, std::string_view variable, const Value& value, const Type& type);
@@ -18,7 +19,7 @@ void RunSelect(SessionCore& session, const ast::Query& query);
 RowSet FetchAll(SessionCore& session, const ast::Query& query);
 /// Fills a cursor, with the row numbers of its table where WHERE CURRENT OF can use them.
 void OpenRows(SessionCore& session, Cursor& cursor);
-/// Runs the EXEC of an INSERT and returns its rows; the interpreter passes it.
+/// Runs the EXEC of an INSERT and returns its rows. It is the interpreter's, which this file does not know.
 using RunNested = std::function<RowSet(const ast::Statement&)>;
 void RunInsert(SessionCore& session, const ast::InsertStatement& insert, const RunNested& execute);
 /// Inserts the rows of another statement (OUTPUT … INTO). They are not counted.

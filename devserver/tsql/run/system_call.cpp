@@ -1,3 +1,4 @@
+// Gives a system procedure its parameters, and runs T-SQL for it.
 #include "devserver/tsql/run/system_call.h"
 
 #include "devserver/tsql/scalar/compare.h"

@@ -11,7 +11,8 @@
 
 namespace devsql {
 
-/// A call of a system procedure: its parameters by name, results by the session's sink.
+/// A call of a system procedure, as the procedure's function sees it: it reads its parameters by name, with
+/// "@", and sends its results to the session's sink. It lives for the call.
 class SystemCall {
   public:
     SystemCall(Interpreter& interpreter, Frame& frame, const std::vector<ActualArgument>& actual)
@@ -24,7 +25,9 @@ class SystemCall {
     bool IsNull(std::string_view name) const;
     /// The parameter's text; empty for NULL.
     std::string Text(std::string_view name) const;
+    /// The parameter as a number; `otherwise` for NULL.
     std::int64_t Int(std::string_view name, std::int64_t otherwise = 0) const;
+    /// Sets an output parameter.
     void Set(std::string_view name, Value value);
     /// Runs T-SQL in a frame of its own; `values` are its parameters @p1, @p2, … as nvarchar.
     void Run(std::string_view sql, const std::vector<std::string>& values = {});
@@ -41,8 +44,8 @@ class SystemCall {
 
 struct SystemProcedure {
     std::string_view name;
-    std::int32_t (*run)(SystemCall& call);
-    std::string_view parameters = "..."; ///< of procedure_parameters.sql; "..." takes any arguments
+    std::int32_t (*run)(SystemCall& call); ///< returns the procedure's status; raises its errors
+    std::string_view parameters = "...";   ///< from procedure_parameters.sql; "...": any arguments
 };
 
 } // namespace devsql

@@ -1,5 +1,5 @@
-// The server's one collation, after SQL_Latin1_General_CP1_CI_AS: letters compare without case, accents
-// count, blanks at the end don't. And the comparison of values of any two types.
+// The server's one collation, modelled on SQL_Latin1_General_CP1_CI_AS: letters compare without case, accents
+// count, blanks at the end do not. Also the comparison of values of any two types.
 //
 // The order: blank, control characters, punctuation and symbols (as in code page 1252), digits, Latin
 // letters, everything else by lower-case code point. Accents decide only between texts whose letters are

@@ -1,5 +1,6 @@
-// The conversions by their target, and the small tools that they and the functions share. Values are never
-// NULL here, and the pair of types is known to be convertible.
+// The conversions, one for each kind of target type, and the small functions that they and the scalar
+// functions share. Values are never NULL here; the caller has checked that the source type converts to the
+// target type.
 #pragma once
 
 #include <cstdint>
@@ -43,12 +44,13 @@ std::string GuidText(const Guid& guid);
 
 /// The lowest `count` bytes, the highest first.
 std::string BigEndian(std::uint64_t value, std::size_t count);
-/// The last eight bytes at most, the first highest.
+/// The number that the bytes are, the highest first; of more than eight bytes, the last eight.
 std::uint64_t FromBigEndian(std::string_view bytes);
-/// As it lies in memory: the first three groups with the lowest byte first.
+/// The 16 bytes as binary holds them: the first three groups with the lowest byte first.
 std::string GuidBytes(const Guid& guid);
 Guid GuidFromBytes(std::string_view bytes);
-/// Pairs of hexadecimal digits; an odd count is refused unless `odd` allows it.
+/// The bytes of pairs of hexadecimal digits. Returns nothing for other characters, and for an odd count of
+/// digits unless `odd` allows it.
 std::optional<std::string> BytesFromHex(std::string_view digits, bool odd);
 
 // ------------------------------------------------------------------ numbers and dates
@@ -71,7 +73,7 @@ struct ParsedInteger {
     std::optional<std::int64_t> value; ///< empty if it does not fit 64 bits
 };
 ParsedInteger ParseInteger(std::string_view text);
-/// A float in a text; nothing if it holds something else. Infinite beyond the range.
+/// The float in a text, infinite beyond its range; returns nothing if the text holds something else.
 std::optional<double> ParseFloat(std::string_view text);
 /// A money amount with currency sign and commas; see ParsedDecimal.
 struct ParsedMoney {

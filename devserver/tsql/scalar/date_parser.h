@@ -1,4 +1,4 @@
-// Reading dates and times as SQL Server reads them under us_english, and the settings that it depends on.
+// Reads dates and times in texts as SQL Server does under us_english, by the session's date settings.
 #pragma once
 
 #include <cstdint>
@@ -33,8 +33,8 @@ struct DateSettings {
 /// The settings of the innermost scope of this thread; those of us_english outside of any scope.
 const DateSettings& CurrentDateSettings();
 
-/// While it lives, the thread has these settings. They are read when they are needed, so a change counts at
-/// once.
+/// While it lives, the thread has these settings. It keeps a reference to them, so a change of them has
+/// effect at once, and they must outlive it.
 class DateSettingsScope {
   public:
     explicit DateSettingsScope(const DateSettings& settings);

@@ -1,5 +1,5 @@
-// The function table is put together from these parts. They share the functions below, which read arguments
-// and compute results and their types.
+// The parts of the table of scalar functions, and the functions that they share to read arguments and to
+// compute results and their types.
 #pragma once
 
 #include <span>

@@ -1,5 +1,6 @@
 // The built-in scalar functions whose result follows from their arguments alone, as one table, and the
-// formatting of RAISERROR. Functions that ask the session (GETDATE, SUSER_NAME, OBJECT_ID) are the engine's.
+// formatting of RAISERROR. Functions that ask the session (GETDATE, SUSER_NAME, OBJECT_ID) are in
+// tsql/session.
 #pragma once
 
 #include <cstdint>

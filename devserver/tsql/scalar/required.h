@@ -1,4 +1,4 @@
-// A value that must be there: an error by number if it is not.
+// Takes a value that must be there. Raises an error by its number if it is not.
 #pragma once
 
 #include <optional>

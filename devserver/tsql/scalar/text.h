@@ -11,7 +11,7 @@
 namespace devsql {
 
 // All texts are UTF-8 in which a lone surrogate may stand in three bytes (WTF-8), so that any UTF-16 text
-// round trips. Bytes that are no UTF-8 read as U+FFFD.
+// round trips. Bytes that are not UTF-8 read as U+FFFD.
 
 /// Reads the character at `position` and moves past it; `position` < `text.size()`.
 char32_t DecodeUtf8(std::string_view text, std::size_t& position);
@@ -22,9 +22,9 @@ std::u16string ToUtf16(std::string_view text);
 std::string FromUtf16(std::u16string_view text);
 /// The bytes of the UTF-16LE form, without mark.
 std::string ToUtf16Le(std::string_view text);
-/// From the bytes of UTF-16LE; an odd last byte is left away.
+/// From the bytes of UTF-16LE; an odd last byte is left out.
 std::string FromUtf16Le(std::string_view bytes);
-/// A byte for each UTF-16 unit; "?" for what code page 1252 lacks.
+/// A byte for each UTF-16 unit; "?" for a unit that code page 1252 lacks.
 std::string ToCodePage1252(std::string_view text);
 std::string FromCodePage1252(std::string_view bytes);
 /// `text` with "?" for each UTF-16 unit that a varchar could not hold.

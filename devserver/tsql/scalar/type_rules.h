@@ -1,4 +1,4 @@
-// What follows from types alone: names, catalogue ids, precedence, result types of operators and of the
+// The rules that need types alone: names, catalogue ids, precedence, the result types of operators and of the
 // constructs that choose one of several values, and which conversions are allowed.
 // Knows nothing of values.
 #pragma once
@@ -77,9 +77,9 @@ constexpr Type IntLiteralType(int digits) {
     return Type{TypeId::Int, 0, static_cast<std::uint8_t>(digits), 0};
 }
 
-/// `type` without what only the two types above carry. Every type that leaves an expression (columns, SELECT
-/// INTO, parameters) goes through it; OperatorType and CommonType give settled types, unless all that
-/// CommonType was given is the untyped NULL.
+/// `type` without the marks of the two types above. Every type that leaves an expression (columns, SELECT
+/// INTO, parameters) goes through it. OperatorType and CommonType return settled types, except CommonType of
+/// untyped NULLs alone.
 Type Settled(const Type& type);
 
 /// The literal's or declared length fitted to its kind: more than 8000 bytes or 4000 characters become (max).
@@ -121,10 +121,10 @@ struct DeclarationPlace {
     int ordinal = 1;                ///< of the column or parameter, from 1
 };
 
-/// The type of a declaration. `first` and `second` are what stands in the parentheses; `max` for (max);
-/// `default_length` what char types and binary have without length: 1 in declarations, 30 in CAST and
-/// CONVERT. float(1) to float(24) is real. Raises 102, 131, 192, 1001, 2716, 2717, 2750 as CREATE TABLE and
-/// DECLARE do.
+/// The type of a declaration. `first` and `second` are the numbers in the parentheses; `max` is true for
+/// (max); `default_length` is the length of char types and binary without parentheses: 1 in declarations, 30
+/// in CAST and CONVERT. float(1) to float(24) is real. Raises 102, 131, 192, 1001, 2716, 2717, 2750 as CREATE
+/// TABLE and DECLARE do.
 Type DeclaredType(TypeId id, std::optional<std::int64_t> first, std::optional<std::int64_t> second, bool max,
                   std::int32_t default_length, const DeclarationPlace& place = {});
 
@@ -170,7 +170,8 @@ void RequireComparable(const Type& left, const Type& right, std::string_view op)
 
 /// The decimal that holds every value of an integer, bit, money or decimal type.
 Type AsDecimalType(const Type& type);
-/// Digits cut to the 38 there are: the scale gives way, but not below 6 nor below what it was.
+/// A decimal type with at most 38 digits. The scale is reduced for it, but not below 6, or below the given
+/// scale if that is smaller.
 Type ReducedDecimal(int precision, int scale);
 
 // Result types of aggregates. Each raises 8117 for types it doesn't take.

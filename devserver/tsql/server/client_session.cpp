@@ -1,3 +1,4 @@
+// Runs the requests of one client, one at a time.
 #include "devserver/tsql/server/client_session.h"
 
 #include <utility>

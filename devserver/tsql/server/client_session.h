@@ -1,4 +1,4 @@
-// The session that the protocol drives: one core, one interpreter, one request at a time.
+// The session that the protocol drives: keeps the session's state, and makes an interpreter for each request.
 #pragma once
 
 #include <functional>
@@ -26,8 +26,11 @@ class ClientSession : public Session {
     void Enter(const std::string& database, ResultSink& sink);
 
   private:
+    /// Runs a request whose results go to `sink`. Sends the message 596 instead if the session has been
+    /// ended.
     void Run(ResultSink& sink, const std::function<void()>& work);
-    /// A request that is not the rows that INSERT BULK has announced.
+    /// As Run, for any request but LoadRows. Sends the error 4022 instead if an INSERT BULK still waits for
+    /// its rows.
     void RunOther(ResultSink& sink, const std::function<void()>& work);
 
     SessionCore core_;

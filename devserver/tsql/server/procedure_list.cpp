@@ -1,3 +1,4 @@
+// Joins the tables of system procedures, and takes each one's parameters from procedure_parameters.sql.
 #include "devserver/tsql/server/procedure_list.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Makes the files and the lists of the system databases, and runs the T-SQL that belongs in master and msdb.
 #include "devserver/tsql/server/system_databases.h"
 
 #include <array>

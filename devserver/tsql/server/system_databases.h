@@ -15,7 +15,8 @@ void CreateSystemDatabases(const EngineOptions& options);
 /// Runs the T-SQL that belongs in master and msdb, once for each version of it.
 void RunBootstrap(Server& server);
 
-/// Brings every write-ahead log back into its file: two sessions that close a file at once both leave it.
+/// Writes every write-ahead log that is left over back into its database file. SQLite does it when the last
+/// connection closes a file, but not when two close at the same moment.
 void SettleFiles(const std::filesystem::path& master);
 
 } // namespace devsql

@@ -1,3 +1,4 @@
+// Opens and closes calls, and finds variables and cursors in them.
 #include "devserver/tsql/session/call_stack.h"
 
 #include "devserver/tsql/scalar/sql_error.h"

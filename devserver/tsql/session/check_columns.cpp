@@ -1,3 +1,4 @@
+// Finds names of columns among the tokens of an expression.
 #include "devserver/tsql/session/check_columns.h"
 
 #include <vector>

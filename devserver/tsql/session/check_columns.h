@@ -1,4 +1,4 @@
-// The columns that an expression kept in the catalogue names, found in its text.
+// Finds the columns that an expression of the catalogue (a CHECK constraint) names, by its text.
 #pragma once
 
 #include <set>
@@ -8,9 +8,9 @@
 
 namespace devsql {
 
-/// The columns, by id, that an expression over the table's row names.
+/// The ids of the columns that the expression names.
 std::set<int> ColumnsNamed(const TableDef& table, std::string_view expression);
-/// The one column that a CHECK constraint concerns; null where it names several.
+/// The one column that a CHECK constraint names; null unless it names exactly one.
 const ColumnDef* ColumnOfCheck(const TableDef& table, std::string_view expression);
 
 } // namespace devsql

@@ -1,4 +1,4 @@
-// Who is connected.
+// The client of a session, as it has logged in.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ struct ClientInfo {
     std::string login;
     std::string host_name;
     std::string application;
-    std::string password; ///< as the client logged in with it; linked servers are logged in to with it
+    std::string password; ///< the client's own, which the session also uses to log in to linked servers
 };
 
 } // namespace devsql

@@ -1,3 +1,4 @@
+// Enters sessions into databases, closes databases to other sessions, and ends sessions.
 #include "devserver/tsql/session/database_users.h"
 
 #include <algorithm>

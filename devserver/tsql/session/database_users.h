@@ -24,6 +24,7 @@ class DatabaseUsers {
     /// `master` is the file that holds the list of databases.
     explicit DatabaseUsers(const std::filesystem::path& master) : list_(master) {}
 
+    /// A number that no session has, from 51 to 32767.
     std::int32_t NewSessionId();
     void Register(SessionCore& session);
     /// The session is ending by itself: no other session ends it from now on. It is still counted as a user
@@ -78,7 +79,7 @@ class DatabaseUsers {
     struct Usage {
         std::string name; ///< folded
         std::set<const SessionCore*> sessions;
-        const SessionCore* closed_by = nullptr;
+        const SessionCore* closed_by = nullptr; ///< keeps all others out; null while the database is open
 
         bool OthersThan(const SessionCore& session) const {
             return sessions.size() > (sessions.contains(&session) ? 1U : 0U);
@@ -91,6 +92,7 @@ class DatabaseUsers {
                  std::chrono::milliseconds limit, Done done);
     /// The other users of the database that can be ended, marked so that none of them is destroyed meanwhile.
     std::vector<SessionCore*> TakeOthers(int database, const SessionCore& session);
+    /// Ends a session: interrupts its call, rolls back its transaction and releases its databases.
     void End(SessionCore& session, const SessionCore& by);
 
     std::mutex mutex_;
@@ -100,9 +102,9 @@ class DatabaseUsers {
     std::map<std::int32_t, SessionCore*> sessions_;
     std::int32_t next_session_ = kFirstSession;
     std::multiset<const SessionCore*>
-        ending_; ///< being ended by another session; must not be destroyed meanwhile
-    const SessionCore* turn_ = nullptr;
-    int turns_ = 0; ///< how many turns the session holds
+        ending_;                        ///< being ended by another session; must not be destroyed meanwhile
+    const SessionCore* turn_ = nullptr; ///< the session that holds a ListTurn; null for none
+    int turns_ = 0;                     ///< how many turns the session holds
 };
 
 } // namespace devsql

@@ -1,3 +1,4 @@
+// The identity values of a session, by table.
 #include "devserver/tsql/session/identities.h"
 
 namespace devsql {

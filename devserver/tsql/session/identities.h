@@ -1,4 +1,4 @@
-// The identity values that a session has given.
+// The identity values that a session has given to rows.
 #pragma once
 
 #include <cstdint>
@@ -12,15 +12,16 @@ namespace devsql {
 
 class Identities {
   public:
-    /// The last value that this session has given in the table, or the counter of a temporary table.
+    /// The last value that this session has given in the table; nothing if it has given none.
     std::optional<std::int64_t> Given(const TableDef& table) const;
+    /// The counter of a temporary table, by the table's id; nothing before its first row.
     std::optional<std::int64_t> Temporary(std::int64_t table) const;
     /// A rollback does not take it back.
     void SetGiven(const TableDef& table, std::int64_t value) { given_[Key(table)] = value; }
     void ForgetGiven(const TableDef& table) { given_.erase(Key(table)); }
-    /// For a database that has been made under an alias which stood for another one before.
+    /// Forgets the values of a database. For a new database that gets the alias of one that is gone.
     void ForgetDatabase(const std::string& alias);
-    /// Nothing removes the counter.
+    /// Sets the counter of a temporary table; an empty `value` removes it.
     void SetTemporary(std::int64_t table, std::optional<std::int64_t> value);
 
     /// The value of the last INSERT: @@IDENTITY.

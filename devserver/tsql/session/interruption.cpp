@@ -1,3 +1,4 @@
+// Requests and checks the stop of a session's running call.
 #include "devserver/tsql/session/interruption.h"
 
 #include "devserver/storage/sqlite.h"

@@ -1,4 +1,4 @@
-// How a session is made to stop: by its client, or by another session that ends it.
+// Stops the running call of a session, for its client or for another session that ends it.
 #pragma once
 
 #include <atomic>
@@ -16,13 +16,13 @@ class Interruption {
 
     /// Makes the running call stop soon. From any thread.
     void Request();
-    /// A new call begins: what was asked of the one before does not concern it.
+    /// To be called when a call begins: a request that was meant for the previous call does not stop it.
     void Reset() { requested_ = false; }
     bool requested() const { return requested_; }
     /// Throws Cancelled once a stop has been requested.
     void Check() const;
 
-    /// The session is not to be used any more. From any thread.
+    /// Marks the session as ended: it refuses every further call. From any thread.
     void EndSession() { session_ended_ = true; }
     bool session_ended() const { return session_ended_; }
 
@@ -39,7 +39,8 @@ class Interruption {
         Interruption& interruption_;
     };
 
-    /// Held while a call runs. Whoever ends the session takes it to close what the session holds.
+    /// Held while a call runs. A session that ends this one takes it before it rolls back this one's
+    /// transaction and releases its databases.
     std::mutex& running() { return running_; }
 
   private:

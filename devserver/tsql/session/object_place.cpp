@@ -1,3 +1,4 @@
+// Fills in the parts that a name leaves out.
 #include "devserver/tsql/session/object_place.h"
 
 #include "devserver/tsql/session/session_core.h"

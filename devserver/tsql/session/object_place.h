@@ -1,4 +1,4 @@
-// Where the name of an object leads.
+// Finds the database and the schema in which a name looks for its object.
 #pragma once
 
 #include <string>
@@ -15,8 +15,8 @@ struct ObjectPlace {
     std::string name;
 };
 
-/// A name of four parts means this server where the first is its own name. Raises 7202 for an unknown server,
-/// 117 for a linked one.
+/// Parts that the name leaves out are filled in: the database is the current one. The first of four parts
+/// must be this server's own name. Raises 7202 for an unknown server, 117 for a linked one.
 ObjectPlace PlaceOf(SessionCore& session, const ast::Name& name);
 
 } // namespace devsql

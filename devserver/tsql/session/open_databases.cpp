@@ -1,3 +1,4 @@
+// Attaches databases to the session's connection, and keeps the definitions that are read from them.
 #include "devserver/tsql/session/open_databases.h"
 
 #include <stdexcept>

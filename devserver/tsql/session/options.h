@@ -21,10 +21,10 @@ struct Options {
     bool noexec = false;
     bool parseonly = false;
     bool fmtonly = false;
-    std::int16_t isolation_level = 2; ///< by the catalogue's number; kept and shown, without effect
-    std::int64_t rowcount = 0;
-    std::int64_t textsize = 2147483647;
-    std::int64_t lock_timeout = -1;
+    std::int16_t isolation_level = 2;   ///< by the catalogue's number; kept and shown, without effect
+    std::int64_t rowcount = 0;          ///< the most rows of a statement; 0: no limit
+    std::int64_t textsize = 2147483647; ///< bytes
+    std::int64_t lock_timeout = -1;     ///< milliseconds; -1: not set (Transactions::LockTime)
     DateSettings dates;
     std::map<std::string, std::string> others; ///< accepted and kept, without effect
 };

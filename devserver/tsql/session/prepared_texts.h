@@ -15,7 +15,7 @@ struct PreparedText {
 
 class PreparedTexts {
   public:
-    /// Gives the handle.
+    /// Keeps the text until Remove, and returns its handle.
     std::int32_t Add(PreparedText text) {
         texts_[next_] = std::move(text);
         return next_++;

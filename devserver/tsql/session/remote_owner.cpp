@@ -1,3 +1,4 @@
+// Passes each question of the connections to linked servers on to the part of the session that answers it.
 #include "devserver/tsql/session/remote_owner.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// What the connections to linked servers ask of the session that they belong to.
+// Gives the connections to linked servers access to the session that they belong to.
 #pragma once
 
 #include "devserver/tsql/linked/remote_servers.h"

@@ -1,3 +1,4 @@
+// Sends messages and the ends of statements to the client.
 #include "devserver/tsql/session/results.h"
 
 #include "devserver/tsql/scalar/sql_error.h"

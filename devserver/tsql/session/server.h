@@ -1,4 +1,5 @@
-// What all sessions share: the server's options, the list of who uses which database, and where files lie.
+// The state that all sessions share: the server's options, the sessions and the databases that they use, and
+// the places of files.
 #pragma once
 
 #include <atomic>
@@ -15,7 +16,7 @@ class UserFunctions;
 
 class Server {
   public:
-    /// master must be there. `functions` must outlive the server.
+    /// The file of master must exist. `functions` must outlive the server.
     Server(EngineOptions options, const UserFunctions& functions)
         : options_(std::move(options)), functions_(functions), users_(MasterFile()) {}
 

@@ -1,3 +1,4 @@
+// The beginning and the end of a session.
 #include "devserver/tsql/session/session_core.h"
 
 #include "devserver/tsql/session/server.h"

@@ -40,7 +40,7 @@ class SessionCore {
     Server& server() const { return server_; }
     const ClientInfo& client() const { return client_; }
     std::int32_t id() const { return client_.id; }
-    /// Its main file is master.
+    /// The connection's main file is master; other databases are attached to it.
     SqliteConnection& connection() { return connection_; }
 
     Options& options() { return options_; }
@@ -48,7 +48,7 @@ class SessionCore {
     /// Replaces all options, as at the end of a procedure.
     void SetOptions(const Options& options);
     void SetIsolationLevel(std::int16_t level);
-    /// That of the options. From any thread.
+    /// The isolation level of the options. From any thread.
     std::int16_t isolation_level() const { return isolation_level_; }
 
     Status& status() { return status_; }
@@ -76,6 +76,7 @@ class SessionCore {
     void Cancel();
 
   private:
+    /// Drops the ## tables that the session owns.
     void DropGlobalTables();
 
     Server& server_;

@@ -18,7 +18,7 @@ struct SessionFunction {
     int max_arguments;
     Type type;
     Value (*evaluate)(SessionCore& session, std::span<const Value> arguments, std::span<const Type> types);
-    bool constant; ///< the same for all rows of a statement
+    bool constant; ///< the same for all rows of a statement: computed once, if it has no arguments
 };
 
 /// Null for an unknown name.

@@ -1,3 +1,4 @@
+// The SQL functions and aggregates that a session adds to its connection to SQLite.
 #include "devserver/tsql/session/sqlite_functions.h"
 
 #include <stdexcept>

@@ -27,10 +27,11 @@ class SqliteFunctions {
   public:
     explicit SqliteFunctions(SessionCore& session);
 
-    /// Gives the number under which SQL calls it.
+    /// Keeps the operation until Remove, and returns the number n by which SQL calls it: tsql(n, …).
     std::int64_t Add(Operation operation);
     void Remove(std::int64_t number) { operations_.erase(number); }
-    /// SQLite's name of SUM or AVG over that type.
+    /// The name in SQLite's SQL of SUM or AVG over that type; the aggregate is made when it is first asked
+    /// for.
     std::string SumFunction(const Type& type, bool average);
 
   private:

@@ -1,3 +1,4 @@
+// Finds temporary tables by name and nesting level, and drops those of calls that end.
 #include "devserver/tsql/session/temporary_tables.h"
 
 #include <algorithm>

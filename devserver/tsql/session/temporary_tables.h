@@ -35,9 +35,10 @@ class TemporaryTables {
     /// The id of the next temporary table; below 0, so that no stored table has it.
     std::int64_t NextId() { return next_id_--; }
 
-    /// Tables named ## are in tempdb, for all sessions. They are dropped with the session that made them.
+    /// Makes the session the owner of a ## table, which is in tempdb for all sessions. The table is dropped
+    /// when its owner ends.
     void OwnGlobal(const std::string& name);
-    /// Their folded names; from now on the session owns none.
+    /// Returns the folded names of the ## tables that the session owns, and forgets them.
     std::set<std::string> TakeGlobals() { return std::exchange(globals_, {}); }
 
     /// How many calls are open. What a call makes is dropped at its end.
@@ -53,7 +54,8 @@ class TemporaryTables {
     void Restore(const List& before);
 
   private:
-    /// Where a table made now belongs: 0, the session, in a batch; else the running call.
+    /// The level of a table that is made now: 0 in a batch, whose tables live as long as the session;
+    /// otherwise the number of open calls.
     int Level() const { return nesting_ > 1 ? nesting_ : 0; }
     void DropFrom(int level);
 

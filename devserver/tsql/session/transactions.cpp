@@ -1,3 +1,5 @@
+// Maps the session's transaction, its savepoints and its single statements to transactions and savepoints of
+// SQLite.
 #include "devserver/tsql/session/transactions.h"
 
 #include <algorithm>

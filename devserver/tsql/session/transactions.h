@@ -1,5 +1,5 @@
-// A session's transaction: SQLite's begins with the first write of T-SQL's, so that one that only reads sees
-// every commit of others, as READ COMMITTED does, and holds no lock.
+// A session's transaction. SQLite's transaction begins with the first write in it: a transaction that has
+// only read sees every commit of others, as under READ COMMITTED, and holds no lock.
 #pragma once
 
 #include <chrono>
@@ -21,21 +21,27 @@ class Transactions {
     explicit Transactions(SessionCore& session);
 
     void Begin(const std::string& name);
+    /// Raises 3902 without a transaction, 3930 for a doomed one, and the errors of linked servers and of the
+    /// disk.
     void Commit();
+    /// Rolls back the transaction, or to the savepoint of that name. Raises 3903 without a transaction, 6401
+    /// for an unknown name.
     void Rollback(const std::string& name);
+    /// Sets a savepoint. Raises 628 without a transaction, 627 if a linked server takes part in it.
     void Save(const std::string& name);
     /// @@TRANCOUNT
     int count() const { return count_; }
-    /// Another number whenever a transaction has ended.
+    /// Changes whenever a transaction ends, so that a caller can notice an end.
     std::int64_t ended() const { return ended_; }
-    /// Ends what was begun around the triggers of a statement outside transactions: the statement itself is
-    /// then committed or undone by Write.
+    /// Ends the transaction that was begun for the triggers of a statement outside transactions. It commits
+    /// nothing: Write commits or undoes the statement.
     void EndForTriggers() { Clear(); }
     bool has_savepoints() const { return !savepoints_.empty(); }
     /// Rolls back whatever is open; for the end of a session and for errors that end the batch.
     void Abandon();
 
-    /// Runs one statement that writes to `alias`, whole or not at all; commits it outside a transaction.
+    /// Runs `work`, one statement that writes to the database of that alias in SQLite, whole or not at all.
+    /// Outside a transaction it is committed. An error of `work` is thrown on after its writes are undone.
     void Write(const std::string& alias, const std::function<void()>& work);
 
     /// An error has made the transaction unfit for anything but a rollback (XACT_STATE() = -1). Without a
@@ -58,12 +64,13 @@ class Transactions {
         Temporaries temporary;
     };
 
+    // …Storage: SQLite's own transaction.
     void BeginStorage();
     void CommitStorage();
     void LockForWriting(const std::string& alias);
     bool WaitForLock(int waited) const;
-    /// Rolls back by SQLite's `text`. Table variables keep their rows, unless it is their own statement that
-    /// has failed.
+    /// Runs `text`, a rollback in SQLite's SQL, and restores the temporary tables. Table variables keep their
+    /// rows if `keep_variables`; they do not if their own statement has failed.
     void RollbackAround(const std::string& text, const Temporaries& temporary, bool keep_variables);
     void UndoWrite(const std::string& savepoint, bool own, bool saved, const Temporaries& before);
     void EmptyTransitionTables();

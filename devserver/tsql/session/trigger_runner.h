@@ -1,4 +1,5 @@
-// How a statement that has written rows has triggers run, for the rooms below the interpreter that runs them.
+// Lets a statement that has written rows run triggers. Only the interpreter can run them, and the rooms below
+// it do not know it.
 #pragma once
 
 #include <functional>
@@ -13,7 +14,7 @@ class TriggerRunner {
   public:
     using Function = std::function<void(const std::vector<Firing>&)>;
 
-    /// While one lives, it is what runs the triggers: the interpreter of a request.
+    /// While one lives, its function runs the triggers. The interpreter makes one for each request.
     class Use {
       public:
         Use(TriggerRunner& runner, Function function) : runner_(runner) {
@@ -27,8 +28,8 @@ class TriggerRunner {
         TriggerRunner& runner_;
     };
 
-    /// Inside the statement's Transactions::Write. Raises 3609 and 3616 where a trigger has ended the
-    /// transaction or made it unfit.
+    /// Must be called inside the statement's Transactions::Write. Raises 3609 if a trigger has ended the
+    /// transaction, 3616 if it has made it unfit.
     void Run(const std::vector<Firing>& firings) { function_(firings); }
 
   private:

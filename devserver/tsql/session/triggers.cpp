@@ -1,3 +1,4 @@
+// Finds the triggers that fire, and the functions that a trigger's body calls.
 #include "devserver/tsql/session/triggers.h"
 
 #include <algorithm>

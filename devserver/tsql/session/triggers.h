@@ -1,5 +1,5 @@
-// What a statement has done to a table, as the table's triggers see it, and what the session knows of the
-// triggers that run. Knows nothing of how they are run.
+// The rows that a statement has written to a table, for the table's triggers, and the triggers that are
+// running. Knows nothing of how they are run.
 #pragma once
 
 #include <cstdint>
@@ -41,11 +41,10 @@ bool HasTrigger(SessionCore& session, Catalogue* catalogue, const TableDef& tabl
 /// The innermost trigger among the running calls; null outside triggers.
 const TriggerRun* InnermostTrigger(const SessionCore& session);
 
-/// Adds what was written to a table. A cascade comes to the same table once for each row that it starts from,
-/// and its triggers fire once.
+/// Adds the rows that were written to a table to those that the statement has written to it before. A cascade
+/// reaches the same table once for each row that it starts from, but the table's triggers fire once.
 void AddFiring(std::vector<Firing>& firings, Firing firing);
-/// True where a trigger would be fired by what it does itself, and the database does not have the option for
-/// it (RECURSIVE_TRIGGERS).
+/// True if the running trigger would fire itself and the database does not allow it (RECURSIVE_TRIGGERS).
 bool IsOwnFiring(SessionCore& session, const Firing& firing, std::int64_t trigger);
 
 /// UPDATE (of a column), COLUMNS_UPDATED, TRIGGER_NESTLEVEL.

@@ -1,3 +1,4 @@
+// Passes the call of a user's function on to the interpreter, which the server knows as UserFunctions.
 #include "devserver/tsql/session/user_functions.h"
 
 #include "devserver/tsql/session/server.h"

@@ -20,8 +20,8 @@ class UserFunctions {
                        std::span<const Value> arguments, std::span<const Type> types) const = 0;
 };
 
-/// What an expression calls for any of them: its arguments are the database, the object's number, and those
-/// of the call.
+/// The session function that stands in an expression for a call of any user's function. Its arguments are the
+/// database's name, the function's object id, and the arguments of the call.
 const SessionFunction& UserFunctionCall();
 
 } // namespace devsql

@@ -1,3 +1,4 @@
+// Finds messages by number, in the server's table and in master.
 #include "devserver/tsql/session/user_messages.h"
 
 #include <vector>

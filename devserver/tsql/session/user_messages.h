@@ -17,7 +17,7 @@ struct NumberedMessage {
     std::string text; ///< with the arguments put in
 };
 
-/// Empty for a number without message.
+/// Returns nothing for a number that has no message.
 std::optional<NumberedMessage> FindMessageText(SessionCore& session, std::int32_t number,
                                                std::span<const FormatArgument> arguments);
 
