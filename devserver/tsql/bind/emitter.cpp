@@ -165,7 +165,7 @@ std::string Emission::EmitOperation(const BoundPtr& expression) {
         try {
             return Parameter(Compute(*expression, session_), expression->type);
         } catch (const SqlError&) {
-            // It must fail only if a row needs it.
+            // The error must come only if a row needs the value.
         }
     }
     std::vector<BoundPtr> leaves;
@@ -185,7 +185,7 @@ std::string Emission::EmitListed(const BoundPtr& expression) {
                 return *literal;
             }
         } catch (const SqlError&) {
-            // It must fail only if a row needs it.
+            // The error must come only if a row needs the value.
         }
     }
     return Emit(expression);

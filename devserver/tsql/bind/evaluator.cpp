@@ -61,7 +61,7 @@ std::optional<bool> TestCompare(const Bound& node, SessionCore& session, Slots s
         return std::nullopt;
     }
     const int order = CompareValues(a, left.type, b, right.type);
-    // In the order of CompareOp: for less, equal and greater.
+    // A row for each CompareOp: the result if the left value is less, equal, greater.
     constexpr bool kResults[][3] = {{false, true, false}, {true, false, true},  {true, false, false},
                                     {true, true, false},  {false, false, true}, {false, true, true}};
     return kResults[static_cast<std::size_t>(node.compare)][order < 0 ? 0 : order == 0 ? 1 : 2];

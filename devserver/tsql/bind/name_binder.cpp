@@ -97,7 +97,7 @@ std::string NameBinder::Source(const ast::NamedSource& named, Scope& scope) {
             return CommonTable(naming, *entry);
         }
         if (binding_.view_database.empty() && session_.calls().FindTableVariable(last)) {
-            return AddTable(naming, session_.calls().FindTableVariable(last)); // of a trigger
+            return AddTable(naming, session_.calls().FindTableVariable(last)); // INSERTED or DELETED
         }
     }
     return session_.remote().Means(named.name) ? LinkedTable(naming) : CatalogueTable(naming);
@@ -112,7 +112,7 @@ std::string NameBinder::AddTable(const Naming& naming, const TablePtr& table) {
 std::string NameBinder::CommonTable(const Naming& naming, const CommonTables::Entry& entry) {
     ScopeSource source{naming.exposed, {}, naming.alias, {}, nullptr};
     AddColumns(source, entry.columns, {});
-    if (entry.recursive) { // The row's depth, under no name.
+    if (entry.recursive) { // The level of the recursion; RecursiveMember knows it by its empty name.
         source.columns.push_back({"", Simple(TypeId::BigInt), false, false, naming.alias + ".level"});
     }
     naming.scope.sources.push_back(std::move(source));
@@ -154,7 +154,7 @@ std::string NameBinder::View(const Naming& naming, const ObjectDef& view, const 
     RaiseIf(++binding_.view_depth > kDeepestView, 217);
     const ast::CreateModuleStatement module = ParseModule(view.text, view.quoted_identifier);
     const std::string outer_database = std::exchange(binding_.view_database, database);
-    CommonTables none; // A view sees nothing of the WITH around it.
+    CommonTables none; // A view does not see the WITH tables of the query that names it.
     CommonTables* const outer_tables = std::exchange(binding_.common, &none);
     const BoundQuery query = binder_.BindQuery(*module.query);
     binding_.common = outer_tables;

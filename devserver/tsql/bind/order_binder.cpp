@@ -71,7 +71,7 @@ std::string OrderBinder::ByExpression(const ast::Expr& expr, const SelectParts& 
     if (!parts.rollup) {
         return NeedsSql(*value) ? emission_.EmitCollated(value) : "NULL";
     }
-    if (selected == 0) { // Over a union of grouping sets, an order can only name columns.
+    if (selected == 0) { // ROLLUP becomes a UNION ALL, whose ORDER BY can only name columns.
         RaiseError(40517, {"ORDER BY of what is not selected with ROLLUP"});
     }
     return ByColumn({"", value->type, true, false}, selected);

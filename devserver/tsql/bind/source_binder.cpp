@@ -141,7 +141,8 @@ std::string SourceBinder::Recursive(const ast::CommonTable& table, CommonTables:
            ") UNION ALL " + member + ") SELECT " + names + " FROM " + name;
 }
 
-/// The part that names its own table. It counts the level, which the limit of the recursion is held to.
+/// The member that names its own table. Its last column is the level of the recursion, which tsql_level holds
+/// to MAXRECURSION.
 std::string SourceBinder::RecursiveMember(const ast::SelectCore& core, const std::vector<Type>& types) {
     SelectParts parts = binder_.selects().Parts(core, nullptr, nullptr);
     RaiseIf(parts.items.size() != types.size(), 205);

@@ -183,7 +183,7 @@ void LetGo(SessionCore& session, const DatabaseInfo& info, const SqlError& refus
     session.databases().Release(info.name);
 }
 
-/// Brings the write-ahead log back into the file. SQLite does that when the last connection closes, but not
+/// Writes the write-ahead log back into the file. SQLite does that when the last connection closes, but not
 /// when two close at the same moment.
 void SettleFile(const DatabaseInfo& info) {
     if (std::error_code error; fs::exists(info.DataFile().path, error)) {
@@ -197,6 +197,7 @@ void RequireUnpublished(const DatabaseInfo& info, std::string_view verb) {
     RaiseIf(info.Option("PUBLISHED") || info.Option("DISTRIBUTOR"), 3724, {verb, "database", info.name});
 }
 
+/// A file of a database, as KeepFileNames has stored it.
 struct KeptFile {
     std::string name;
     std::string file; ///< its name on disk, without the folder
@@ -431,7 +432,7 @@ void ModifyName(SessionCore& session, DatabaseInfo info, const std::string& new_
                              session.calls().frame().procedure, session.status().line});
 }
 
-/// The options that are stored and shown, but have no effect.
+/// The options that are stored and shown. Only RECURSIVE_TRIGGERS has an effect (IsOwnFiring).
 constexpr std::string_view kOptions =
     "RECOVERY,AUTO_SHRINK,AUTO_CLOSE,AUTO_CREATE_STATISTICS,AUTO_UPDATE_STATISTICS,TORN_PAGE_DETECTION,"
     "PAGE_VERIFY,ANSI_NULL_DEFAULT,ANSI_NULLS,ANSI_PADDING,ANSI_WARNINGS,ARITHABORT,"

@@ -111,7 +111,7 @@ void RequireFunctionBody(const ast::StatementList& body) {
             {}, 2);
 }
 
-/// Of DROP … IF EXISTS.
+/// Raises 3701 for DROP of an object that does not exist, unless it is DROP … IF EXISTS.
 void RequireExists(bool exists, bool if_exists, std::string_view word, const ast::Name& name) {
     RaiseIf(!exists && !if_exists, 3701, {"drop", word, name.text()}, 5);
 }

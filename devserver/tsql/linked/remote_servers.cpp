@@ -137,7 +137,7 @@ void RemoteServers::RunOn(Link& link, const LinkedServer& server, const std::str
     } catch (const RemoteFailure& failure) {
         set_running(nullptr);
         if (failure.kind() == RemoteFailure::Kind::Lost) {
-            // Its changes there in the transaction are lost.
+            // The changes that the transaction has made at that server are lost.
             if (link.in_transaction) {
                 owner_.DoomTransaction();
             }
@@ -175,7 +175,8 @@ void RemoteServers::Join(const LinkedServer& server) {
     links_.at(Key(server.name)).in_transaction = true;
 }
 
-/// An error there may have ended the transaction, which then cannot be committed here either.
+/// An error at the other server may have ended the transaction there. It cannot be committed here then
+/// either.
 void RemoteServers::NoticeEnd(Link& link, const LinkedServer& server) {
     RemoteAnswer answer;
     RunOn(link, server, "SELECT @@TRANCOUNT", answer);

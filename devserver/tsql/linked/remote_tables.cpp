@@ -13,7 +13,7 @@
 namespace devsql {
 namespace {
 
-/// The approximate limit of a batch for the other server, in characters. A single longer row still goes.
+/// The approximate limit of a batch for the other server, in bytes. A single statement may be longer.
 constexpr std::size_t kBatchLength = 60000;
 constexpr std::size_t kRowsOfInsert = 500; ///< servers take 1000
 
@@ -67,7 +67,7 @@ Type TypeOfColumn(std::int64_t xtype, std::int64_t length, std::int64_t precisio
     return Sized(TypeId::NVarChar, kMaxLength);
 }
 
-/// Equal rows are changed by one statement.
+/// Adds a statement that is not there yet: one statement changes all equal rows.
 void AddNew(const std::string& statement, std::set<std::string>& seen, std::vector<std::string>& statements) {
     if (seen.insert(statement).second) {
         statements.push_back(statement);

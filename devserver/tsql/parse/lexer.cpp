@@ -53,7 +53,7 @@ class Lexer {
         }
     }
 
-    /// The position at which the current token begins.
+    /// The line on which the current token begins.
     std::int32_t line() const { return begin_line_; }
 
   private:

@@ -22,7 +22,7 @@ enum class TokenKind : std::uint8_t {
     Float,   ///< with an exponent
     Money,   ///< $1.50
     Binary,  ///< 0x1F
-    Symbol,  ///< operators and punctuation, one to three characters
+    Symbol,  ///< operators and punctuation, one or two characters
     End,
 };
 

@@ -181,7 +181,7 @@ StatementPtr Parser::ParseReconfigure() {
     return Wrap(MaintenanceStatement{"RECONFIGURE"});
 }
 
-/// Statements that more than their first word tells apart from others, labels, and those that are refused.
+/// Labels, statements that are not known by their first word alone, and statements that are refused.
 StatementPtr Parser::ParseNamedStatement() {
     if (TakeWords({"UPDATE", "STATISTICS"})) {
         TakeObjectName();
@@ -295,7 +295,7 @@ StatementPtr Parser::ParseDbcc() {
     if (name == "CHECKIDENT") {
         return ParseCheckIdentity();
     }
-    // These reorganise or check what needs neither on this server.
+    // These reorganise or check a server's files and memory, which this server does not need.
     constexpr std::string_view kAccepted =
         "CHECKDB,CHECKTABLE,CHECKALLOC,CHECKCATALOG,SHRINKDATABASE,SHRINKFILE,DBREINDEX,INDEXDEFRAG,"
         "UPDATEUSAGE,FREEPROCCACHE,FREESYSTEMCACHE,DROPCLEANBUFFERS,TRACEON,TRACEOFF";

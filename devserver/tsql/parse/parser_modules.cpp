@@ -1,5 +1,5 @@
 // CREATE and ALTER of procedures, functions, views and triggers, each of which must be alone in its batch.
-// ENABLE and DISABLE TRIGGER, and UPDATE(column), which stands in triggers alone.
+// ENABLE and DISABLE TRIGGER, and UPDATE(column), which is allowed in triggers only.
 #include <algorithm>
 #include <array>
 
@@ -156,7 +156,7 @@ CreateModuleStatement Parser::ParseTriggerModule() {
     UnsupportedIf(IsWord("INSTEAD") && IsWord("OF", 1), "INSTEAD OF trigger");
     ExpectOneOf({"FOR", "AFTER"});
     module.events = ParseTriggerEvents();
-    TakeWords({"WITH", "APPEND"}); // Several triggers for one statement are the rule.
+    TakeWords({"WITH", "APPEND"}); // No effect: a table always takes several triggers.
     TakeWords({"NOT", "FOR", "REPLICATION"});
     ExpectWord("AS");
     in_trigger_ = true;
@@ -171,7 +171,7 @@ std::uint8_t Parser::ParseTriggerEvents() {
     CommaSeparated([&] {
         const int event = ExpectOneOf({"INSERT", "UPDATE", "DELETE"});
         const std::uint8_t bit = kEvents[static_cast<std::size_t>(event)];
-        if ((events & bit) != 0) { // Each event stands once.
+        if ((events & bit) != 0) { // An event may be given only once.
             --next_;
             SyntaxError();
         }
@@ -200,7 +200,7 @@ StatementPtr Parser::ParseSwitchTriggers() {
     return Wrap(std::move(triggers));
 }
 
-/// UPDATE(column) becomes the comparison of a function of the same name, which no call can name, with 1.
+/// UPDATE(column) becomes UPDATE('column') = 1, a comparison with the session function of that name.
 ExprPtr Parser::ParseUpdatedColumn() {
     if (!in_trigger_) {
         Fail(140);

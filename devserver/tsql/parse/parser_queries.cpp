@@ -46,7 +46,7 @@ QueryPtr Parser::ParseQuery() {
         ParseOffset(*query);
     }
     UnsupportedIf(IsWord("COMPUTE"), "COMPUTE");
-    if (TakeWord("FOR") && !TakeWord("BROWSE")) { // Without the key columns that BROWSE adds.
+    if (TakeWord("FOR") && !TakeWord("BROWSE")) { // FOR BROWSE has no effect: it would add key columns.
         Unsupported("FOR " + AsciiUpper(Peek().text));
     }
     query->max_recursion = SkipQueryOptions();
@@ -131,7 +131,7 @@ SelectCore Parser::ParseSelectCore() {
     return core;
 }
 
-/// Keys; "keys WITH ROLLUP", "ROLLUP (keys)".
+/// The list after GROUP BY: "keys", "keys WITH ROLLUP" or "ROLLUP (keys)".
 void Parser::ParseGroupBy(SelectCore& core) {
     if ((IsWord("CUBE") && IsSymbol("(", 1)) || (IsWord("GROUPING") && IsWord("SETS", 1))) {
         Unsupported(AsciiUpper(Peek().text));

@@ -24,9 +24,9 @@ std::string JsonText(const std::string& text) {
 
 /// The object that a property describes, in the numbers of sys.extended_properties.
 struct Owner {
-    std::int64_t kind = 0; ///< 0 the database, 1 an object or column, 3 a schema, 7 an index
-    std::int64_t major = 0;
-    std::int64_t minor = 0;
+    std::int64_t kind = 0;                 ///< 0 the database, 1 an object or column, 3 a schema, 7 an index
+    std::int64_t major = 0;                ///< the id of the object or schema
+    std::int64_t minor = 0;                ///< the id of the column or index; 0 for the object itself
     std::string name = "object specified"; ///< for messages
 };
 

@@ -1,5 +1,5 @@
-// sp_helpdb and sp_helpfile, which read the files of databases, and procedures that are refused whatever they
-// are given.
+// sp_helpdb and sp_helpfile, which read the files of databases, and the procedures that this server refuses
+// whatever their arguments are.
 #include <algorithm>
 
 #include "devserver/storage/databases.h"

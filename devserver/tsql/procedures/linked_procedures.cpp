@@ -32,7 +32,7 @@ LinkedLogins Logins(SystemCall& call) {
     return call.session().remote().owner().Logins();
 }
 
-/// Raises 15015.
+/// The server that a parameter names. Raises 15015 for an unknown one.
 LinkedServer Require(SystemCall& call, std::string_view parameter) {
     const std::string name = call.Text(parameter);
     return Required(FindServer(call.session().connection(), name), 15015, {name});
@@ -63,7 +63,7 @@ std::string Attribute(const std::string& text, std::initializer_list<std::string
     return {};
 }
 
-/// Holds a new server's product and provider to each other: a server of this kind is named by its product
+/// Checks that a new server's product and provider agree: a server of this kind is named by its product
 /// alone. Raises 15426, 15427, 15428, 7403.
 void RequireProvider(LinkedServer& server, bool has_details) {
     if (AsciiEqual(server.product, kOwnProduct)) {

@@ -28,9 +28,9 @@ void DropAgentJob(SystemCall& call, const std::string& name) {
 namespace {
 
 constexpr const char* kDistributor = "repl_distributor";
-constexpr const char* kDistributionOption = "DISTRIBUTOR"; ///< of a distribution database
-constexpr const char* kDistributionDb = "distribution db"; ///< of a publisher's server
-constexpr const char* kMadeHere = "made by replication";   ///< of a server's row that came with its role
+constexpr const char* kDistributionOption = "DISTRIBUTOR"; ///< option of a distribution database
+constexpr const char* kDistributionDb = "distribution db"; ///< option of a publisher's server
+constexpr const char* kMadeHere = "made by replication";   ///< option of a server that replication has added
 
 SqliteConnection& Connection(SystemCall& call) {
     return call.session().connection();
@@ -74,7 +74,7 @@ std::vector<std::string> DistributionDatabases(SystemCall& call) {
     return names;
 }
 
-/// Raises 14071.
+/// The distributor's row in the list of servers. Raises 14071 if there is no distributor.
 LinkedServer RequireDistributor(SystemCall& call) {
     return Required(FindServer(Connection(call), kDistributor), 14071);
 }

@@ -32,7 +32,8 @@ DatabaseInfo RequirePublished(SystemCall& call) {
     return info;
 }
 
-/// Raises 14013, 20026.
+/// The publication that @publication names. Raises 14013 if the current database is not published, 20026 for
+/// an unknown name.
 Publication RequirePublication(SystemCall& call) {
     const std::string name = call.Text("@publication");
     return Required(FindPublication(Connection(call), RequirePublished(call).id, name), 20026, {name});

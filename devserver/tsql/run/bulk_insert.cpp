@@ -36,8 +36,8 @@ std::vector<std::size_t> Positions(const ast::InsertBulkStatement& bulk, const T
     return positions;
 }
 
-/// A row of the client for the row writer: a column is empty where its default or a value of the server's is
-/// stored.
+/// Converts a row of the client for the row writer. A value is empty if the column gets its default or a
+/// value that the server makes.
 std::vector<std::optional<Value>> GivenRow(const ast::InsertBulkStatement& bulk, const TableDef& table,
                                            const std::vector<std::size_t>& positions,
                                            const std::vector<Type>& types, const std::vector<Value>& row) {

@@ -17,9 +17,9 @@
 namespace devsql {
 namespace {
 
-/// Ends the batch; its message has been sent.
+/// Thrown to end the batch, after the error has been sent.
 struct BatchAborted {};
-/// Ends the procedure, or the batch that has no procedure around it.
+/// Thrown to end the procedure, or the batch if no procedure runs, after the error has been sent.
 struct ScopeAborted {};
 
 constexpr std::uint8_t kFirstError = 11;
@@ -156,8 +156,8 @@ void Interpreter::RunGuarded(const std::function<void()>& work) {
     }
 }
 
-/// A client that has cancelled gets no error. A client whose session was ended by another one must not take
-/// the batch for finished.
+/// A client that has cancelled gets no error. A client whose session was ended by another session gets 596,
+/// so that it does not take the batch for finished.
 void Interpreter::EndCancelled() {
     session_.transactions().Abandon();
     if (session_.interruption().session_ended()) {

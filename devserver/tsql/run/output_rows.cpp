@@ -17,7 +17,8 @@ struct RowName {
 };
 constexpr RowName kRowNames[] = {{OutputRows::kInserted, "inserted"}, {OutputRows::kDeleted, "deleted"}};
 
-/// The two rows as sources. A column's SQL is "inserted.3": the row, and the column's position in it.
+/// The row "inserted" or "deleted" as a source. A column's SQL is "inserted.3": the row, and the column's
+/// position in it.
 ScopeSource SourceOfRow(const TableDef& table, std::string_view name) {
     ScopeSource source{std::string(name), {{std::string(name)}}, std::string(name), {}, nullptr};
     for (std::size_t i = 0; i < table.columns.size(); ++i) {

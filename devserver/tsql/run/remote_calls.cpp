@@ -65,8 +65,8 @@ std::string OutputName(std::size_t number) {
     return "@devsql_" + std::to_string(number);
 }
 
-/// The type of the variable that takes the value at the other server: there are no variables of text, ntext
-/// and image.
+/// The type of the variable that holds the value at the other server: the same type, but a (max) type for
+/// text, ntext and image, of which there are no variables.
 Type VariableType(const Type& type) {
     const Type settled = Settled(type);
     return !IsOldLob(settled.id)         ? settled
@@ -84,7 +84,8 @@ std::string QualifiedName(const ast::Name& name) {
     return text;
 }
 
-/// The batch that makes the call there.
+/// The batch that makes the call at the other server. Its last SELECT returns the return value and the output
+/// parameters.
 std::string CallText(const ast::Name& name, const std::vector<ActualArgument>& arguments) {
     std::string declarations = "DECLARE @devsql_status int\n";
     std::string actual;

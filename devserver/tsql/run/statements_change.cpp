@@ -18,7 +18,7 @@ namespace {
 struct Selection {
     Target target;
     Scope scope;
-    std::string alias; ///< of the target in `sql`
+    std::string alias; ///< of the target in `from` and `where`
     std::string from;
     std::string where;
 };
@@ -300,8 +300,8 @@ void RunDelete(SessionCore& session, const ast::DeleteStatement& statement) {
 
 namespace {
 
-/// The last identity given in a table. A value that this session has given comes before the stored counter,
-/// which a rollback may have set back.
+/// The last identity given in a table. A value that this session has given takes precedence over the stored
+/// counter, which a rollback may have set back.
 std::optional<std::int64_t> LastIdentity(SessionCore& session, const Target& target) {
     if (const std::optional<std::int64_t> given = session.identities().Given(*target.table)) {
         return given;

@@ -79,7 +79,7 @@ void Interpreter::RunTrigger(const Firing& firing, std::int64_t id) {
     const std::optional<ObjectDef> object = catalogue.FindObject(id);
     if (!object || (EventsOfTrigger(session_, catalogue, *object) & firing.event) == 0 ||
         IsOwnFiring(session_, firing, id)) {
-        return; // One before it may have dropped it.
+        return; // A trigger that ran before may have dropped it.
     }
     const TriggerRun run{firing, id, session_.transactions().ended()};
     Frame frame;

@@ -36,7 +36,7 @@ Decimal ExactOperand(const Operand& operand, const Type& other) {
     if (const auto* decimal = std::get_if<Decimal>(&operand.value)) {
         return *decimal;
     }
-    // A text or binary is read as the decimal that stands beside it.
+    // A text or binary is converted to the type that ReadAs has chosen.
     return std::get<Decimal>(Convert(operand.value, operand.type, other));
 }
 
@@ -163,7 +163,7 @@ Value EvaluateBytes(const Operand& left, const Operand& right, const Type& type)
                           Sized(TypeId::VarBinary, type.length))};
 }
 
-/// The type that a text or binary beside an exact number is read as.
+/// The type to which a text or binary is converted if the other operand is an exact number.
 Type ReadAs(const Type& other, const Type& result) {
     if (IsMoney(result.id)) {
         return result;
@@ -207,7 +207,7 @@ Value Evaluate(UnaryOperator op, const Value& operand, const Type& operand_type)
     }
     if (op == UnaryOperator::BitNot) {
         const auto value = std::get<std::int64_t>(operand);
-        // bit and tinyint have no sign: only their own bits turn.
+        // bit and tinyint have no sign: only the bits of the type are inverted.
         const std::int64_t mask = type.id == TypeId::Bit ? 1 : 255;
         return type.id == TypeId::Bit || type.id == TypeId::TinyInt ? ~value & mask : ~value;
     }

@@ -45,7 +45,7 @@ constexpr std::array kAccented = {
 constexpr char kSeparator = 1;
 constexpr unsigned char kFirstWeight = 2;
 constexpr unsigned char kPlainAccent = 2;
-/// Leads the code point of a character that has no weight of its own; above all weights.
+/// Begins the key of a character that has no weight of its own; its code point follows. Above all weights.
 constexpr unsigned char kByCodePoint = 0xF8;
 
 constexpr bool IsLowerLetter(unsigned c) {

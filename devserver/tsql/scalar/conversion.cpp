@@ -142,7 +142,7 @@ Literal ParseNumberLiteral(std::string_view text) {
     if (text.find_first_of("eE") != std::string_view::npos) {
         return FloatLiteral(text);
     }
-    // Zeros in front are no digits of the number.
+    // Leading zeros do not count as digits.
     const std::size_t first = std::min(text.find_first_not_of('0'), text.size() - 1);
     const std::string_view digits = text.substr(first);
     const ParsedDecimal parsed = ParseDecimal(digits);

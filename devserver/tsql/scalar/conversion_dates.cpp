@@ -132,7 +132,8 @@ Value DateFromNumber(double days, TypeId to) {
     return *value;
 }
 
-/// Days and 1/300 seconds, four bytes each; of smalldatetime days and minutes, two each.
+/// A datetime has four bytes of days and four of 1/300 seconds, a smalldatetime two of days and two of
+/// minutes.
 Value DateFromBytes(std::string_view bytes, TypeId to) {
     const std::size_t half = to == TypeId::DateTime ? 4 : 2;
     std::string all(bytes.substr(bytes.size() - std::min(bytes.size(), 2 * half)));

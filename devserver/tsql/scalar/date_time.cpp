@@ -88,7 +88,8 @@ std::int32_t WeekOfYear(std::int32_t days, int datefirst) {
     return (day_of_year - 1 + (january_first - datefirst % 7 + 7) % 7) / 7 + 1;
 }
 
-/// The week of the Thursday near the day: ISO 8601 counts weeks from Monday, and the first has four days.
+/// The week by ISO 8601: weeks begin on Monday, and the first has at least four days of the year. So a week
+/// has the number that its Thursday has in the Thursday's year.
 std::int32_t IsoWeekOfYear(std::int32_t days) {
     const std::int32_t since_monday = (DayOfWeek(days) + 6) % 7;
     return (DayOfYear(days - since_monday + 3) - 1) / 7 + 1;

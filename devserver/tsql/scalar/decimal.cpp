@@ -245,7 +245,7 @@ std::optional<Decimal> FromDouble(double value, int scale) {
     if (!std::isfinite(value)) {
         return std::nullopt;
     }
-    // From "d.dddddddddddddddde±xx" this reads the 17 digits as a whole number, and where its point belongs.
+    // Reads the 17 digits of "d.dddddddddddddddde±xx" as a whole number, and the place of its point.
     std::array<char, 40> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
                                    std::chars_format::scientific, 16);

@@ -1,4 +1,5 @@
-// A pattern is cut into steps; the match walks text and steps side by side and goes back to the last "%".
+// Matches texts with patterns. A pattern is cut into steps; the match walks text and steps side by side, and
+// goes back to the last "%" where they do not fit.
 #include "devserver/tsql/scalar/like.h"
 
 #include <algorithm>
@@ -19,6 +20,7 @@ struct CharacterRange {
 };
 
 struct Step {
+    /// Any is "%", One is "_"; Never is a part of a malformed pattern, which matches nothing.
     enum class Kind : std::uint8_t { Any, One, Character, Set, Never };
 
     Kind kind = Kind::Never;
@@ -64,7 +66,7 @@ class PatternReader {
         Step step;
         const char32_t c = pattern_[at_++];
         if (escape_ && c == *escape_) {
-            // Nothing follows the escape character: such a pattern matches nothing.
+            // A pattern that ends with the escape character matches nothing.
             return at_ < pattern_.size() ? Literal(pattern_[at_++]) : step;
         }
         if (c == U'%' || c == U'_') {

@@ -206,7 +206,7 @@ Value Str(Values values, Types types) {
 
 // ------------------------------------------------------------------ looking for something
 
-/// In one case, so that equal units are equal letters.
+/// The units in lower case, so that letters are found whatever their case.
 std::u16string Folded(const std::string& text) {
     std::u16string units = ToUtf16(text);
     for (char16_t& unit : units) {
@@ -263,7 +263,7 @@ Value Replace(Values values, Types types) {
 }
 
 Value QuoteName(Values values, Types types) {
-    // The mark that may be given, at the same place the mark that opens, and the one that closes.
+    // For each mark that may be given, the marks at the same place of the other two open and close the name.
     constexpr std::string_view kGiven = "[]'\"()<>{}`";
     constexpr std::string_view kOpening = "[['\"((<<{{`";
     constexpr std::string_view kClosing = "]]'\"))>>}}`";

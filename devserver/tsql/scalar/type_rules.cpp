@@ -12,7 +12,8 @@ namespace {
 
 using enum TypeId;
 
-// What converts to what: a row for each kind of source, a column for each kind of target.
+// The kinds of types that convert alike: a row of the table below for a kind of source, a column for a kind
+// of target.
 enum Kind : std::uint8_t {
     kBinary,
     kChar,
@@ -122,7 +123,7 @@ Type CommonType(const Type& a, const Type& b) {
     if (!HasLength(strong.id) || !(both_text || both_binary)) {
         return Settled(strong);
     }
-    // nchar meets varchar: of Unicode because of the one, of varying length because of the other.
+    // nchar and varchar give nvarchar: Unicode like the one, of varying length like the other.
     const bool varying = !IsFixedLength(a.id) || !IsFixedLength(b.id);
     const TypeId id = strong.id == NChar && varying ? NVarChar : strong.id;
     const std::int32_t length = Longer(a.length, b.length);

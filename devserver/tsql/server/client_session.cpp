@@ -11,7 +11,9 @@ namespace devsql {
 
 void ClientSession::Run(ResultSink& sink, const std::function<void()>& work) {
     const std::lock_guard lock(core_.interruption().running());
-    core_.interruption().Reset(); // Before the next line: whoever ends the session says so first.
+    // Reset must come before session_ended() is read. A session that ends this one calls EndSession first and
+    // requests the stop after it, so a request that Reset drops is noticed below.
+    core_.interruption().Reset();
     core_.results().Exchange(&sink);
     if (core_.interruption().session_ended()) {
         core_.status().line = 1;

@@ -44,7 +44,7 @@ Catalogue& OpenDatabases::Get(const std::string& name) {
     return *entries_.emplace(folded, std::move(entry)).first->second.catalogue;
 }
 
-/// Attaches what the session has entered, and gives its name in SQLite's SQL.
+/// Attaches a database that the session has entered. Returns its alias in SQLite's SQL.
 std::string OpenDatabases::Attach(const DatabaseInfo& info) {
     MakeRoom();
     const std::string alias = "db" + std::to_string(info.id);
@@ -62,7 +62,8 @@ std::string OpenDatabases::Attach(const DatabaseInfo& info) {
     return alias;
 }
 
-/// For one more attached database: leaves those that were used longest ago.
+/// Makes room for one more attached database: leaves those that were used longest ago. Does nothing inside a
+/// transaction of SQLite.
 void OpenDatabases::MakeRoom() {
     while (entries_.size() >= kAttachedDatabases && !session_.connection().InTransaction()) {
         auto oldest = entries_.end();
@@ -129,7 +130,7 @@ void OpenDatabases::ReleaseAll() {
     Release(std::exchange(own_, kMaster));
 }
 
-/// What has been read of a database, emptied if its catalogue has changed.
+/// The definitions that have been read from a database; none of them if its catalogue has changed since.
 OpenDatabases::Entry& OpenDatabases::Read(Catalogue& catalogue) {
     for (auto& [name, entry] : entries_) {
         if (entry.catalogue.get() != &catalogue) {

@@ -42,7 +42,8 @@ SqliteFunctions::SqliteFunctions(SessionCore& session) : session_(session) {
     AddCatalogueFunctions();
 }
 
-/// What a query must not exceed.
+/// tsql_single raises 512 if a subquery that stands for a value has several rows. tsql_level counts the
+/// levels of a recursion and raises 530 above the limit.
 void SqliteFunctions::AddChecks() {
     SqliteConnection& connection = session_.connection();
     connection.AddFunction("tsql_single", [](const FunctionCall& call) {

@@ -17,7 +17,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Two sessions that wait for each other end so: one of them gives up.
+/// Ends a deadlock: of two sessions that wait for each other, one gives up after this time.
 constexpr milliseconds kLongestWait(20000);
 
 /// The rows of one table variable, kept while a rollback takes them away.
@@ -128,7 +128,7 @@ void Transactions::Write(const std::string& alias, const std::function<void()>& 
     };
     try {
         LockForWriting(alias);
-        if (!own) { // A statement of its own is undone with its transaction.
+        if (!own) { // Otherwise the transaction is the statement's own, and is rolled back whole.
             connection.Prepare("SAVEPOINT " + savepoint).Run();
             saved = true;
         }

@@ -53,7 +53,7 @@ bool IsOwnFiring(SessionCore& session, const Firing& firing, std::int64_t id) {
 
 namespace {
 
-/// UPDATE(column): every column of a row that is inserted, and those that SET names.
+/// UPDATE(column): true for every column after an INSERT, and for those that SET names after an UPDATE.
 Value Updated(SessionCore& session, Values values, Types types) {
     const Firing& firing = session.calls().frame().trigger->firing;
     const ColumnDef* column = firing.table->Find(TextOf(values, types, 0));
