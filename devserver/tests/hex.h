@@ -1,4 +1,4 @@
-// Bytes as people compare them: "26 04 00".
+// Converts bytes to text that a person can compare, such as "26 04 00", and back.
 #pragma once
 
 #include <cstdio>
@@ -18,7 +18,7 @@ inline std::string Hex(std::string_view bytes) {
     return text;
 }
 
-/// The other way: pairs of hexadecimal digits, blanks between them as one likes.
+/// Converts pairs of hexadecimal digits to bytes. Blanks are ignored.
 inline std::string FromHex(std::string_view text) {
     const auto digit = [](char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; };
     std::string bytes;

@@ -1,6 +1,6 @@
-# Reads every #include of the development server and fails on one that devserver/docs/devserver.md does not draw: the
-# table there says which room may use which. A room of the table that uses nothing, or is not there, fails as well. So
-# does a function that does not fit on a screen, and a file that is too long to be one thing.
+# Reads every #include of the development server and fails on one that devserver/docs/devserver.md does not allow: the
+# table there says which room may use which. It also fails on an entry of the table that is not used, on a function of
+# more than 50 lines, and on a file of more than 600 lines.
 #
 #   rooms_test.py
 import os
@@ -28,7 +28,7 @@ class Rooms(arrows.ArrowTests, unittest.TestCase):
 
 
 def functions(path):
-    """The name and the length of every function: the lines between its braces. clang-format puts the first line of a
+    """Yields the name of every function and the number of lines between its braces. clang-format puts the first line of a
     function, and the brace that ends it, at the same indentation."""
     begin = None
     with open(os.path.join(arrows.TOP, path), encoding="utf-8") as file:

@@ -1,6 +1,7 @@
-// Lists a server's databases again and again as the program does, each time over a connection of its own, and
-// prints how many there are and the seconds that one listing took. Usage: catalogue_bench SERVER USER
-// PASSWORD COUNT
+// Lists a server's databases COUNT times as the program does, each time over a new connection. Prints the
+// number of databases and the mean seconds of a listing.
+//
+//   catalogue_bench SERVER USER PASSWORD COUNT
 #include <charconv>
 #include <chrono>
 #include <cstdio>

@@ -1,5 +1,5 @@
-# What the program adds to the work of a server: 200 databases listed, against pymssql; the unattended upgrade, against the
-# same scripts run by hand.
+# Measures how much time the program adds to the work of a server. Listing 200 databases is compared with pymssql, and the
+# unattended upgrade with the same scripts run by hand.
 #
 #   database_bench.py DEVSQLSERVER BIN_FOLDER
 import os
@@ -27,7 +27,8 @@ def timed(work):
 
 
 def listings(server, machine, binaries):
-    """The best of several rounds in turn: whatever else the machine does makes a round slower, never faster."""
+    """Lists the databases in both ways by turns, and prints the best round of each: other work of the machine only makes a
+    round slower, never faster."""
     for number in range(DATABASES):
         server.ask(f"CREATE DATABASE [Database {number:03}]")
     command = [os.path.join(binaries, "catalogue_bench"), server.name, USER, PASSWORD, str(LISTINGS)]
@@ -50,7 +51,7 @@ def listings(server, machine, binaries):
 
 
 class Upgrade:
-    """Version 1, put back for every run, and the ways to version 2."""
+    """A database of version 1, which is restored before every run, and the ways to upgrade it to version 2."""
 
     def __init__(self, server, machine):
         self.server, self.machine = server, machine
@@ -84,7 +85,7 @@ class Upgrade:
         self.machine.run("/upgradedb", "/scriptfolder", self.machine.scripts)
 
     def osql(self, *script, statements=""):
-        """The tool, with a script or with statements of its own."""
+        """Runs the query tool with a script or with these statements."""
         if statements:
             script = (os.path.join(self.machine.install, "Data", "by hand.sql"),)
             with open(script[0], "w", encoding="cp1252") as file:
@@ -99,9 +100,9 @@ class Upgrade:
         self.server.ask_bsqldb(statements)
 
     def by_hand(self, tool):
-        """What an operator would do with the tool: one start of it for each script, as the program has modified them, and
-        one for the statements on either side of the files' move and behind the scripts. Gives the tool's seconds on the
-        scripts."""
+        """Upgrades as an operator would with the tool. The tool is started for the statements before the move of the files,
+        for those after it, for each script that the program has modified, and for the statements after the scripts.
+        Returns the seconds that the scripts took."""
         batch, temporary = "Batch", TEMPORARY
         run = getattr(self, tool)
         run(statements="\nGO\n".join((
@@ -124,8 +125,8 @@ class Upgrade:
         return scripts
 
     def round(self, first):
-        """Each way once, one right behind the other, so that a busy moment of the machine meets all of them, beginning with
-        another in each round: seconds of each, and of the scripts in it."""
+        """Runs each way once, one right after the other, so that a busy time of the machine affects all of them. `first` is
+        the way to begin with. Returns for each way its seconds, and the seconds of the scripts in it."""
         ways = {"program": self.whole, "osql": lambda: self.by_hand("osql"), "bsqldb": lambda: self.by_hand("bsqldb")}
         names = list(ways)
         taken = {}
@@ -140,11 +141,12 @@ class Upgrade:
 
 def upgrades(server, machine):
     upgrade = Upgrade(server, machine)
-    upgrade.round(0)  # what is read from the disk for the first time
+    upgrade.round(0)  # not measured: files are read from the disk for the first time
     rounds = [upgrade.round(number % 3) for number in range(UPGRADES)]
     print(f"/upgradedb, medians of {UPGRADES} rounds: {1000 * statistics.median(taken['program'][0] for taken in rounds):.0f} ms")
     for tool in ("osql", "bsqldb"):
-        # The program uses osql, and what its tool takes for the scripts is told by the run by hand beside it.
+        # The program runs the scripts with osql, so the time of its scripts is that of the run by hand with osql in the
+        # same round.
         added = sorted((taken["program"][0] - taken["osql"][1] - (taken[tool][0] - taken[tool][1])) / taken["program"][0]
                        for taken in rounds)
         seconds, scripts = (1000 * statistics.median(taken[tool][part] for taken in rounds) for part in (0, 1))

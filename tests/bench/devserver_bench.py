@@ -27,7 +27,7 @@ TABLE = (
     "CREATE TABLE dbo.t (id int NOT NULL PRIMARY KEY, batch int NOT NULL, name varchar(40) NOT NULL, note nvarchar(60), "
     "amount decimal(12, 3), weight float, stamp datetime, state smallint)"
 )
-# All ways to put six digits together.
+# Inserts a row for each combination of six digits: a million rows.
 FILL = """SET NOCOUNT ON
 CREATE TABLE #n (n int NOT NULL)
 INSERT #n SELECT 0 UNION ALL SELECT 1 UNION ALL SELECT 2 UNION ALL SELECT 3 UNION ALL SELECT 4 UNION ALL SELECT 5
@@ -89,7 +89,7 @@ class Bench:
                 sys.exit("rows are missing")
 
     def insert_into_sqlite(self):
-        """The same statements, each compiled for itself, in the same process and over no wire."""
+        """Runs the same statements, each one compiled, in this process and without a network."""
         file = self.server.folder / "peer.db"
         connection = sqlite3.connect(file, isolation_level=None, cached_statements=0)
         connection.execute("CREATE TABLE i (id INTEGER PRIMARY KEY, name TEXT NOT NULL)")
@@ -101,7 +101,7 @@ class Bench:
         file.unlink()
 
     def work(self, connections):
-        """All of CLIENTS * REQUESTS requests, over these connections at once."""
+        """Sends CLIENTS * REQUESTS requests, divided among these connections, which work at the same time."""
         share = CLIENTS * REQUESTS // len(connections)
         failures = []
 
@@ -132,7 +132,7 @@ class Bench:
 
 
 def compare(what, repeats, mine, peer, wanted):
-    """The best of each, taken in turns, so that a load of the machine meets both."""
+    """Measures both by turns, so that other work of the machine affects both, and prints the best time of each."""
     pairs = [(mine(), peer()) for _ in range(repeats)]
     best, other = (min(column) for column in zip(*pairs))
     print(f"{what}: {best:.3f} s, peer {other:.3f} s, ratio {best / other:.2f}{wanted}")

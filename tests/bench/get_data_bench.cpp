@@ -1,5 +1,6 @@
-// One reading of a large table, timed: as the console's manager does it, or by a bare loop over ODBC with
-// bound buffers, which keeps nothing. Prints what it took; get_data_bench.py runs it beside other clients.
+// Measures one reading of a large table: by the console's manager, or by a bare loop over ODBC with bound
+// buffers, which keeps no rows. Prints the rows, the time and the memory. get_data_bench.py runs it and
+// compares it with other clients.
 //
 //   get_data_bench manager|bare SERVER USER PASSWORD DATABASE TABLE
 #include <array>
@@ -17,6 +18,7 @@
 
 namespace {
 
+/// The table, and the server and login to reach it.
 struct Place {
     std::string server;
     std::string user;
@@ -27,10 +29,10 @@ struct Place {
 
 struct Outcome {
     std::int64_t rows = 0;
-    std::int64_t text_bytes = 0; ///< of all cells; 0 where none are kept
+    std::int64_t text_bytes = 0; ///< of all cells; 0 if they are not kept
 };
 
-/// What getrusage counts in, taken for kilobytes.
+/// The most memory that the process has used. On Linux getrusage counts it in kilobytes.
 long PeakKilobytes() {
     rusage usage{};
     ::getrusage(RUSAGE_SELF, &usage);
@@ -61,8 +63,8 @@ std::int64_t TextBytes(const kv::TextTable& data) {
     return bytes;
 }
 
-/// Bound as the columns of the table are: two whole numbers, two texts, a date, a decimal as text, a double
-/// and a text.
+/// The types of the buffers for the table's columns: two integers, two texts, a date, a decimal as text, a
+/// double and a text.
 constexpr std::array<SQLSMALLINT, 8> kBoundAs = {SQL_C_SLONG,          SQL_C_SLONG, SQL_C_CHAR,   SQL_C_CHAR,
                                                  SQL_C_TYPE_TIMESTAMP, SQL_C_CHAR,  SQL_C_DOUBLE, SQL_C_CHAR};
 
@@ -118,8 +120,8 @@ int main(int argc, char** argv) {
         outcome.text_bytes = TextBytes(data);
     }
     const std::chrono::duration<double> reading = std::chrono::steady_clock::now() - begin - taken;
-    // Rows, seconds, peak in kilobytes; of the manager's array its text, its bytes, seconds to read every
-    // cell.
+    // Rows, seconds, peak memory in kilobytes. Then of the manager's array: the bytes of its text, all of its
+    // bytes, and the seconds to read every cell.
     std::printf("%lld %.6f %ld %lld %lld %.6f\n", static_cast<long long>(outcome.rows), taken.count(), peak,
                 static_cast<long long>(outcome.text_bytes), static_cast<long long>(data.Bytes()),
                 reading.count());

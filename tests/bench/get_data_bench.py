@@ -58,7 +58,8 @@ def fill(server):
 
 
 class Readers:
-    """Each reads a table once and gives seconds and peak kilobytes; what it keeps is its own affair."""
+    """The clients that are compared. Each reads a table once and returns the seconds and the peak memory in kilobytes. Some
+    keep the rows and some do not."""
 
     def __init__(self, server, program):
         self.server, self.program = server, program
@@ -109,8 +110,8 @@ def main(server_program, program, repeats="3"):
         }
         size = SIZES[-1]
         best = dict.fromkeys(names, (float("inf"), 0))
-        # In turn, so that a busy moment of the machine hits all of them; the two that are compared most closely more
-        # often than the others.
+        # By turns, so that a busy time of the machine affects all of them. The two that are compared most closely run
+        # more often than the others.
         for turn in range(3 * int(repeats)):
             for name, read in names.items():
                 if turn % 3 == 0 or name in ("GetData", "bare ODBC loop"):

@@ -1,5 +1,5 @@
-# Runs every benchmark several times and writes docs/benchmarks.md: the medians of ours and of the peer that each benchmark
-# measures in the same run, side by side.
+# Runs every benchmark several times and writes docs/benchmarks.md: the median of our figures next to that of the peer, the
+# other program that the benchmark measures in the same run.
 #
 #   report.py ROUNDS LINUX_BIN WINDOWS_BIN WINDOWS_X86_BIN
 import os
@@ -21,7 +21,8 @@ NUMBER = r"(\d[\d.,]*)"
 
 
 class Figures:
-    """Ours and the peer's of each comparison, over the rounds; in the order in which they first came."""
+    """The figures of all rounds, ours and the peer's, for each comparison. The comparisons stay in the order in which they
+    came first."""
 
     def __init__(self):
         self.taken = {}
@@ -38,7 +39,7 @@ class Figures:
 
 
 def digits(figure):
-    """Four digits, and all of a larger number."""
+    """The number with four significant digits; from 1000 on, all digits before the point."""
     return f"{figure:,.0f}" if figure >= 1000 else f"{figure:.4g}"
 
 
@@ -80,7 +81,7 @@ def get_data(figures, binaries):
     for peer, (seconds, _) in rows.items():
         figures.take("A million rows by GetData", "s", own_seconds, peer, seconds,
                      "at most 1.20" if peer == "bare ODBC loop" else "below 1.00")
-    for peer in ("pyodbc fetchall", "pymssql fetchall"):  # the others keep no row
+    for peer in ("pyodbc fetchall", "pymssql fetchall"):  # the other clients do not keep the rows
         figures.take("A million rows by GetData: memory at its peak", "MB", own_megabytes, peer, rows[peer][1], "below 1.00")
     array, text = re.search(rf"the array takes {NUMBER} MB for {NUMBER} MB of text", said).groups()
     figures.take("A million rows by GetData: the array", "MB", number(array), "its text", number(text), "at most 2.00")
@@ -183,7 +184,7 @@ def main(rounds, linux, windows_folder, windows_x86):
             print(f"round {turn + 1} of {rounds}: {bench.__name__}", flush=True)
             loads.append(os.getloadavg()[0])
             bench(figures, folder)
-        # After each round, so that a run that is stopped leaves the rounds that it did.
+        # Written after each round, so that a run that is stopped leaves the figures of its rounds.
         write(figures, turn + 1, loads, (linux, windows_folder, windows_x86))
     print("docs/benchmarks.md is written")
 

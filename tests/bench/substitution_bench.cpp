@@ -1,6 +1,6 @@
-// The substitution of a large template, side by side with sed doing the same nineteen replacements in the
-// same run: template read, tokens replaced, modified script written. Prints both, the ratio, and the peak of
-// memory.
+// Measures the substitution of tokens in a large template: the template is read, the tokens are replaced, and
+// the modified script is written. sed does the same nineteen replacements in the same run. Prints both times,
+// their ratio, and the peak memory.
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -66,7 +66,7 @@ void FillSettings(kv::CSQLScriptMgr& scripts) {
     scripts.Domain("Plant");
 }
 
-/// Lines as of an insert script, about every second one with a token.
+/// Writes lines like those of an insert script; every second one has a token.
 void WriteTemplate(const std::filesystem::path& path) {
     std::ofstream file(path, std::ios::binary);
     std::mt19937 random(1);
@@ -98,7 +98,7 @@ std::string SedScript() {
     return script;
 }
 
-/// Everything that the runs share, made once.
+/// The template, the registry and sed's script, which all runs share.
 class Bench {
   public:
     Bench() {
@@ -129,7 +129,7 @@ class Bench {
         return scripts.CreateModifiedScript(kv::sqlUserDefinedScript, path);
     }
 
-    /// The modified script is what sed made, and the line end that the program adds.
+    /// True if the modified script is sed's output with the line end that the program adds.
     bool ResultsAgree() const {
         return platform::ReadWholeFile(SedOutput().string()) + "\r\n" ==
                platform::ReadWholeFile(Modified().string());

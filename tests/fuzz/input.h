@@ -13,6 +13,7 @@
 
 namespace fuzz {
 
+/// Ends the process if the condition does not hold, which the fuzzer reports with the input.
 inline void Require(bool holds, const char* condition) {
     if (!holds) {
         std::fprintf(stderr, "not met: %s\n", condition);
@@ -45,6 +46,7 @@ class Input {
         rest_.remove_prefix(1);
         return byte;
     }
+    /// Four bytes, the highest one first.
     std::int32_t Number() {
         std::uint32_t number = 0;
         for (int i = 0; i < 4; ++i) {
@@ -52,13 +54,14 @@ class Input {
         }
         return static_cast<std::int32_t>(number);
     }
-    /// Up to the next NUL.
+    /// The text up to the next NUL, which is skipped.
     std::string Text() {
         const std::size_t end = std::min(rest_.find('\0'), rest_.size());
         std::string text(rest_.substr(0, end));
         rest_.remove_prefix(std::min(end + 1, rest_.size()));
         return text;
     }
+    /// All bytes that were not read yet.
     std::string_view Rest() const { return rest_; }
 
   private:

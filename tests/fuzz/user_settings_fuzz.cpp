@@ -13,8 +13,8 @@ namespace {
 constexpr char kApplication[] = "Program";
 constexpr char kSection[] = "Settings";
 
-/// In memory where the system has a place for that. Each input replaces the file, and on a disk most of the
-/// time would be spent there.
+/// The folder of the settings file: in memory if the system has a file system for that, because each input
+/// replaces the file, and writing to a disk would take most of the time.
 std::filesystem::path FastFolder() {
     const std::filesystem::path memory = "/dev/shm";
     return ::access(memory.c_str(), W_OK) == 0 ? memory : std::filesystem::temp_directory_path();

@@ -106,7 +106,7 @@ class Remedy(UpgradeTestCase):
         self.repair("attach-old", change=self.with_paths_of_this_test)
 
     def with_paths_of_this_test(self, line):
-        """A statement of the manual with the paths of this test instead of the example's."""
+        """A line of the manual, in which the example's paths are replaced by those of this test."""
         folder = self.machine.native(self.machine.data).replace("/", "\\")
         return line.replace("D:\\SQLData", folder)
 

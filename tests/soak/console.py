@@ -22,7 +22,7 @@ PROBE = ["CREATE DATABASE Probe", "USE Probe", "CREATE TABLE Few (Number int)", 
          "CREATE PROCEDURE spProbe AS SELECT 42"]
 
 
-# Without these keys the Replication tab cannot be used, and each opening of it is logged.
+# Without these keys the Replication tab cannot be used, and a line is logged each time that it is opened.
 REPLICATION_KEYS = ("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Orvik\\Quorlen\\Lotkeeper\\CustomFunctions]\n"
                     '"SqlServerInstalled"="TRUE"\n"UseTransactionalReplication"="FALSE"\n')
 

@@ -32,6 +32,7 @@ void Require(bool condition, const std::string& what) {
     }
 }
 
+/// The lines of the settings file.
 struct Settings {
     std::string server_a;
     std::string server_b;
@@ -61,7 +62,7 @@ int IndexOf(const ui::ComboBox& list, const std::string& text) {
     throw std::runtime_error(text + " is not in " + list.Name());
 }
 
-/// One console from its opening to its closing.
+/// One console, from the opening of its window to its closing. Each act of the operator raises `commands`.
 class Session {
   public:
     explicit Session(int& commands) : commands_(commands), window_(ui::MakeWindow(main_.Form())) {
@@ -104,7 +105,7 @@ class Session {
         Open(kv::kGeneralTab);
     }
 
-    /// A second window, as the dialog for stored procedures is one.
+    /// Opens and closes a second window: that of the dialog for stored procedures.
     void OpenDialog() {
         ui::Form dialog(kv::ProceduresFormDesign());
         const auto window = ui::MakeWindow(dialog);
@@ -124,6 +125,7 @@ class Session {
         return main_.Form().Get<T>(name, index);
     }
 
+    /// Lets the toolkit handle its events, and counts a command.
     void Done() {
         platform::RunPendingEvents();
         ++commands_;

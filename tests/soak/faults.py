@@ -1,13 +1,13 @@
-# Every operation with every fault at each of its statements. The suites print the number of faults that they tried, and
-# compare the state and the log with the expected ones; this runs them and adds up the numbers.
+# Tries every fault at each statement of every operation. The test suites do that: they compare the state and the log with
+# the expected ones and print the number of faults that they tried. This runs the suites and adds up the numbers.
 import os
 import re
 import subprocess
 
 SUITES = {"admin_faults_test": "*", "unattended_test": "AutomaticUpgradeAbort*"}
 SHORT = {"admin_faults_test": "RemoveDatabaseFaults.*"}
-FAULTS = 1000
-LONGEST = 3600
+FAULTS = 1000  # of a full run, at least
+LONGEST = 3600  # seconds of one suite
 
 
 def run(part, settings):

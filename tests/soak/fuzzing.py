@@ -1,5 +1,5 @@
-# Fuzzing of every reader of foreign input. The short round runs the harnesses over their kept inputs only, as their tests
-# do; the long one runs each harness under libFuzzer, several at a time.
+# Fuzzes every reader of foreign input. A short round runs the harnesses over their saved inputs only, as their tests do; a
+# full one runs each harness under libFuzzer, several at a time.
 import os
 import re
 import subprocess
@@ -10,8 +10,8 @@ from console_automation import end_group
 HARNESSES = ("command_line", "templates", "reg_file", "user_settings", "package_file", "script", "switches", "odbc_rows",
              "server_messages")
 SECONDS = 600  # of each harness
-KEPT_INPUTS_TAKE = 120
-REDUCING_TAKES = 1800  # seconds after a run, in which tools/fuzz reduces the inputs to the ones to keep
+KEPT_INPUTS_TAKE = 120  # seconds, at most
+REDUCING_TAKES = 1800  # seconds after a run, at most, in which tools/fuzz selects the inputs to keep
 
 
 def run(part, settings):
@@ -71,7 +71,7 @@ class UnderLibfuzzer:
         end_group(self.process)
 
     def count(self):
-        """What the run has done, after its end."""
+        """Counts the inputs that the run has tried, after its end."""
         with open(self.path(".out"), encoding="utf-8", errors="replace") as file:
             output = file.read()
         if not self.part.check(self.process.returncode == 0, f"{self.harness}: {output[-2500:]}"):

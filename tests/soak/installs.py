@@ -13,10 +13,10 @@ from upgraded_samples_test import USE_OF_VERSION_1
 TEMPORARY = "TmpBatchUpgradeDb"
 RUNS, SHORT_RUNS = 1000, 4  # of the program; an installation and an upgrade are two
 WINDOWS_RUNS = 100
-LONGEST_RUN = 300
+LONGEST_RUN = 300  # seconds
 BATCHES = 4  # in the database after the use of version 1
-QUIET_SECONDS = 60  # in which a server closes the files of its last clients
-SAME = 10  # equal figures in a row, 20 ms apart
+QUIET_SECONDS = 60  # the longest time in which a server closes the files of its last clients
+SAME = 10  # equal figures in a row that show that it has closed them; they are taken 20 ms apart
 
 
 class Node:
@@ -49,7 +49,7 @@ class Node:
 
 
 def open_files_at_rest(process):
-    """The number once it stays the same: a server closes the files of its last client a little later."""
+    """The number of open files, once it stays the same: a server closes the files of a client a little after it has gone."""
     seen = []
     wait_for(lambda: seen.append(processes.open_files(process)) or
              (len(seen) > SAME and len(set(seen[-SAME:])) == 1), QUIET_SECONDS)
@@ -109,7 +109,7 @@ def left_in_temporary_folder():
 
 
 def wine_server(part):
-    """Wine's server, which runs longer than the programs. What it does not free of them shows in its figures."""
+    """The process of Wine's server. It outlives the programs, so anything of theirs that is not freed shows in its figures."""
     for process, words in processes.running():
         if words and os.path.basename(words[0]).startswith(b"wineserver") and \
                 processes.with_prefix(process, wine_prefix()):
@@ -123,7 +123,7 @@ def wine_prefix():
 
 
 def rounds(settings):
-    """The system of each round, which is an installation and an upgrade. One round in ten is on Windows, if it is there."""
+    """The system of each round; a round is an installation and an upgrade. One in ten is on Windows, if there is one."""
     count = (SHORT_RUNS if settings.short else RUNS) // 2
     windows = 0 if settings.short or not settings.windows else WINDOWS_RUNS // 2
     every = count // windows if windows else 0

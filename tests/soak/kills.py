@@ -11,8 +11,8 @@ from test_machine import DevServer, wait_for
 
 WRITERS = 4
 KILLS, SHORT_KILLS = 1000, 8
-LONGEST_LIFE = 0.25  # seconds that a server lives after the first rows
-BIG = 3  # rows of one transaction
+LONGEST_LIFE = 0.25  # seconds from the first rows to the kill, at most
+BIG = 3  # rows of a transaction
 END_OF_WRITER = 60  # seconds in which a writer must notice that its server is gone
 
 
@@ -51,7 +51,8 @@ class Writer(threading.Thread):
 
 
 def check_life(part, server, life, writers):
-    """Compares the rows of the server's last life with the answers that the writers received."""
+    """Compares the rows of the server's last life, which is the time from its start to its kill, with the answers that the
+    writers received."""
     found = {writer.number: set() for writer in writers}
     for number, row in server.ask(f"SELECT Writer, Number FROM Written WHERE Life = {life}", "Kills"):
         found[number].add(row)
@@ -104,7 +105,7 @@ def run(part, settings):
 
 
 def check_all_at_the_end(part, server):
-    """No later kill has touched the rows of an earlier life."""
+    """Checks that no kill has removed rows that earlier lives had."""
     rows = server.ask("SELECT COUNT(*) FROM Written", "Kills")[0][0]
     part.check(part.counts.get("acknowledged rows", 0) > 0, "the kills came before anything was written")
     part.check(rows >= part.counts.get("acknowledged rows", 0), f"{rows} rows are there at the end")

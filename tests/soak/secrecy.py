@@ -14,7 +14,7 @@ from test_machine import DevServer, Machine
 # No other file or process contains these texts.
 USER, PASSWORD = "soak_user", "Zq8-Secret-Vy4"
 WRONG = "Zq8-Wrong-Vy4"
-LONGEST_RUN = 300
+LONGEST_RUN = 300  # seconds
 OTHERS = stat.S_IRWXG | stat.S_IRWXO
 
 

@@ -26,7 +26,7 @@ MODULES = {"console-windows": "console", "fuzz": "fuzzing", "secrets": "secrecy"
 
 
 class Stopped(Exception):
-    """The soak was told to end. What it did is reported, and no server and no folder is left."""
+    """The soak was told to end. Its counts so far are reported, and all servers and folders are removed."""
 
 
 def stop(*_):
@@ -34,7 +34,7 @@ def stop(*_):
 
 
 class Settings:
-    """Where the programs are, and how long the run is."""
+    """The folders of the programs, and the length of the run."""
 
     def __init__(self, arguments):
         self.short = arguments.short

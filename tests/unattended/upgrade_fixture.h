@@ -54,11 +54,13 @@ class AutomaticUpgrade : public ScriptMgrTest {
         EXPECT_EQ(packages_.open_objects, 0);
     }
 
+    /// Stores the server's name and the login in the registry.
     void Login(const char* server, const char* user, const char* password) {
         Text(registry_locations::kLoginKey, registry_locations::kServerNameValue, server);
         Text(registry_locations::kLoginKey, registry_locations::kUserIdValue, user);
         Text(registry_locations::kLoginKey, registry_locations::kPasswordValue, password);
     }
+    /// Puts the files of the old database on the disk.
     void AddOldFiles() {
         files_.AddFolder(R"(D:\Old Data)");
         files_.AddFile(kOldData, "old rows");
@@ -116,6 +118,7 @@ class AutomaticUpgrade : public ScriptMgrTest {
         EXPECT_TRUE(packages_.calls.empty());
         ExpectQuietEnd();
     }
+    /// Removes the log and all records of a run, so that a second run can be checked alone.
     void ForgetRun() {
         files_.files.erase(fakes::FakeFiles::Plain(kLogFile));
         ado_.calls.clear();

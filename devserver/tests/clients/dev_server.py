@@ -1,4 +1,4 @@
-"""A development server of its own for a test: fresh folder, free port, one login; ended and checked at the end.
+"""Starts a development server for a test, with a new folder, a free port and one login, and ends it.
 
 Knows nothing of the clients that talk to it.
 """
@@ -11,14 +11,15 @@ import subprocess
 import tempfile
 import time
 
-LONGEST = 120  # seconds that only a failure waits for
+LONGEST = 120  # seconds to wait for something; only a failure takes so long
 USER = "sa"
 PASSWORD = "pass:word with blanks"
 
 
 class DevServer:
     def __init__(self, program, *more):
-        """`program` may be a list: what runs it stands before it. `more` are further arguments."""
+        """Starts `program`, the path of the server, or a list of a command that runs it and its path. `more` are further
+        arguments of the server."""
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="devsqlserver-"))
         self.logins = self.folder / "logins"
         self.logins.write_text(f"# logins of the test\n\n{USER}:{PASSWORD}\n")
@@ -34,7 +35,7 @@ class DevServer:
             raise
 
     def start(self):
-        """Starts it, again after kill: on the same folder, at a port that may be another."""
+        """Starts the server, also again after kill: with the same folder, but perhaps another port."""
         self.process = subprocess.Popen(self.command, stdout=subprocess.PIPE, text=True)
         ready = self.process.stdout.readline()
         match = re.fullmatch(r"devsqlserver: ready on 127\.0\.0\.1:(\d+)\n", ready)
@@ -44,13 +45,13 @@ class DevServer:
         self.port = int(match[1])
 
     def kill(self):
-        """Ends it without a word, as a crash does."""
+        """Kills the process, as a crash does."""
         self.process.kill()
         self.process.wait()
         self.process.stdout.close()
 
     def stop(self, by=signal.SIGTERM):
-        """Ends the server as an operator does; its exit code."""
+        """Ends the server as an operator does, and removes its folder. Returns the exit code."""
         self.process.send_signal(by)
         try:
             return self.process.wait(timeout=LONGEST)
@@ -60,7 +61,7 @@ class DevServer:
 
 
 def becomes_true(condition):
-    """Asks until it is so; whether it was in time."""
+    """Calls the condition until it returns True. Returns False if that takes too long."""
     end = time.monotonic() + LONGEST
     while not condition():
         if time.monotonic() > end:

@@ -1,4 +1,4 @@
-"""Just enough of ODBC, by way of unixODBC's library and the FreeTDS driver, to speak as a driver does."""
+"""The few calls of ODBC that the tests need, made through unixODBC's library and the FreeTDS driver."""
 
 import ctypes
 
@@ -9,7 +9,7 @@ _NTS = -3
 
 
 class OdbcError(Exception):
-    """`records` holds (SQLSTATE, native number, text) of each diagnostic."""
+    """A call has failed. `records` has (SQLSTATE, native number, text) for each diagnostic."""
 
     def __init__(self, records):
         super().__init__(records)
@@ -66,7 +66,8 @@ class Connection:
         )
 
     def execute(self, sql, parameter=None, timeout=None):
-        """Runs `sql`, prepared when it has an int `parameter`; all rows of the first result, as texts."""
+        """Runs `sql`, as a prepared statement if it has a `parameter` (an int). `timeout` is in seconds. Returns all rows of
+        the first result, as texts."""
         statement = self._allocate(_STATEMENT, self._connection)
         try:
             if timeout is not None:

@@ -127,7 +127,7 @@ class Catalogue(unittest.TestCase):
         self.assertEqual([row.type_name for row in self.cursor.getTypeInfo(pyodbc.SQL_INTEGER)], ["int"])
 
     def test_parameters_of_time(self):
-        # FreeTDS sends whole seconds of a parameter that it has no description of.
+        # FreeTDS sends whole seconds only for a parameter that it has no description of.
         moment = datetime.datetime(2020, 2, 29, 10, 11, 12)
         row = self.cursor.execute("SELECT ?, ?, ?", moment, moment.date(), decimal.Decimal("1.50")).fetchone()
         self.assertEqual([row[0], row[2]], [moment, decimal.Decimal("1.50")])
@@ -138,7 +138,7 @@ class Catalogue(unittest.TestCase):
         self.cursor.execute("DELETE parent WHERE id = 7")
 
 
-# Statement, number, SQLSTATE, as SQL Server's numbers reach a client of ODBC.
+# Statement, error number and the SQLSTATE that a client of ODBC gets for it.
 MISTAKES = (
     ("SELECT * FROM parent WHERE", 102, "42000"),
     ("SELECT 'abc", 105, "42000"),

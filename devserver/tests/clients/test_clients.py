@@ -40,7 +40,7 @@ def tearDownModule():
 def connect(version="7.3", **more):
     """A pymssql connection. pymssql names no version above 7.3; FreeTDS takes 7.4 from the environment."""
     arguments = {"server": "127.0.0.1", "port": str(SERVER.port), "user": USER, "password": PASSWORD, "autocommit": True}
-    # db-lib's timeout is one for the whole process: whoever sets none would have the last one set.
+    # db-lib has one timeout for the whole process: a connection that sets none would get the one set last.
     arguments["timeout"] = 60
     if version == "7.4":
         os.environ["TDSVER"] = version
@@ -58,7 +58,7 @@ def connect_odbc(version):
 
 
 def has_rows(cursor, table):
-    """Whether the table exists and has rows: how a batch shows that it runs."""
+    """True if the table exists and has rows. A batch inserts into it to show that it is running."""
     cursor.execute(f"IF OBJECT_ID('{table}') IS NULL SELECT 0 ELSE EXEC('SELECT COUNT(*) FROM {table}')")
     return cursor.fetchall() != [(0,)]
 
@@ -259,7 +259,7 @@ class Pymssql(unittest.TestCase):
                 cursor.execute("IF OBJECT_ID('echo') IS NOT NULL DROP PROCEDURE echo")
                 cursor.execute("CREATE PROCEDURE echo @a int, @b varchar(20) AS SELECT @a AS a, @b AS b SELECT 1")
                 cursor.callproc("echo", (5, "x"))
-                cursor.nextset()  # pymssql stands before the first result after a call
+                cursor.nextset()  # after a call pymssql is positioned before the first result
                 self.assertEqual(cursor.fetchall(), [(5, "x")])
                 self.assertTrue(cursor.nextset())
                 self.assertEqual(cursor.fetchall(), [(1,)])
@@ -423,7 +423,7 @@ class Browser(unittest.TestCase):
             self.assertEqual(server.stop(), 0)
 
     def test_clients_find_the_instance_by_its_name(self):
-        # Clients ask at this one port, and one program on a machine has it: another run of this test may.
+        # Clients ask at this port only, and only one program on a machine can have it: another run of this test may.
         for _ in range(120):
             try:
                 server = DevServer(PROGRAM, "--name", "localhost", "--instance", "KV_BATCH", "--browser")

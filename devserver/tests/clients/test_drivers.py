@@ -48,7 +48,7 @@ def connect_pyodbc(version="7.4", **more):
     )
 
 
-# Values that a program binds, and what must come back of them.
+# Values that a program binds, and the values that must be returned for them.
 VALUES = [
     None, True, 42, -(2**40), 2.5, D("-1234567.8901"), D("9" * 30), "", "h\u00e9llo \u20ac \u0416", "x" * 5000,
     b"\0\xff", b"y" * 9000, datetime.datetime(2017, 3, 4, 5, 6, 7, 890000),
@@ -141,7 +141,7 @@ class Pyodbc(unittest.TestCase):
                 cursor = connection.cursor()
                 for value in VALUES:
                     got = cursor.execute("SELECT ? AS v", value).fetchone().v
-                    # Without a type of its own on this wire, a uniqueidentifier goes as text.
+                    # Here a uniqueidentifier has no type of its own, so it is sent as text.
                     wanted = str(value).upper() if isinstance(value, uuid.UUID) else value
                     self.assertEqual(str(got).upper() if isinstance(value, uuid.UUID) else got, wanted, repr(value)[:60])
                 connection.close()
@@ -199,7 +199,7 @@ class Pyodbc(unittest.TestCase):
         results = [cursor.fetchall()]
         while cursor.nextset():
             results.append(cursor.fetchall() if cursor.description else cursor.rowcount)
-        # CREATE TABLE counts nothing; a driver tells -1 for it or passes it over.
+        # CREATE TABLE has no count of rows; a driver reports -1 for it or skips it.
         shown = [[tuple(row) for row in r] if isinstance(r, list) else r for r in results if r != -1]
         self.assertEqual(shown, [[(1,), (2,)], 1, [(5,)]])
         connection.close()

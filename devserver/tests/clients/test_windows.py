@@ -52,7 +52,7 @@ class Windows(unittest.TestCase):
             self.assertEqual(done.returncode, 2)
             self.assertIn("holds passwords", done.stderr)
         finally:
-            # Wine makes Ctrl-C of it.
+            # Wine passes it on as Ctrl-C.
             self.assertEqual(server.stop(signal.SIGINT), 0)
 
 

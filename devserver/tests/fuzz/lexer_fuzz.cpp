@@ -1,5 +1,5 @@
-// libFuzzer's way into the lexer. Only errors of the language may come out, and every token lies where it
-// says.
+// Fuzzes the lexer. The input is the text. Only SqlError may be thrown, and the tokens' positions must lie in
+// the text and in order.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

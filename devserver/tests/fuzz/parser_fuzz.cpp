@@ -1,5 +1,5 @@
-// libFuzzer's way into the parser, by all of its doors; the first byte chooses one. Only errors of the
-// language may come out.
+// Fuzzes the parser. The first byte of the input chooses one of the parser's functions, the rest is the text.
+// Only SqlError may be thrown.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -33,7 +33,7 @@ void Small(std::string_view text) {
     try {
         ParseTypeSpec(text);
     } catch (const SqlError&) {
-        // The same text is tried as another thing.
+        // The same text is then parsed as parameters.
     }
     ParseParameters(text);
 }

@@ -1,5 +1,5 @@
-// libFuzzer's way into everything that takes a client's message apart. The first byte chooses message and
-// version. Only ProtocolError may come out.
+// Fuzzes the functions that parse a client's messages. The first byte of the input chooses the kind of
+// message and the version, the rest is the message. Only ProtocolError may be thrown.
 #include <array>
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,6 @@
-// libFuzzer's way into a whole connection: the input is what a client sends, packets and all, before or
-// after its login. The language is that of the tests.
+// Fuzzes a whole connection. The first byte of the input chooses the version and whether the client logs in
+// before; the rest is the bytes that the client sends, with their packet headers. The engine is the fake of
+// the tests.
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -15,9 +16,10 @@ namespace {
 
 using namespace devsql;
 
-/// What a client may send before it waits for an answer; more than a socket's buffer would stop the harness.
+/// The most bytes of an input. All are sent before an answer is read, so more than a socket's buffer would
+/// block.
 constexpr std::size_t kLongest = 32768;
-/// An answer comes within microseconds; bytes that are no whole message get none.
+/// How long to wait for an answer. It comes within microseconds, and an incomplete message gets no answer.
 constexpr std::chrono::milliseconds kPatience{3};
 
 void Answer(fakes::FakeSession&, std::string_view sql, ResultSink& sink) {
@@ -26,7 +28,7 @@ void Answer(fakes::FakeSession&, std::string_view sql, ResultSink& sink) {
     sink.StatementDone(Command::Select, 1, false);
 }
 
-/// Every parameter comes back as an output parameter, so that what was decoded is encoded again.
+/// Returns every parameter as an output parameter, so that every decoded value is also encoded.
 void Echo(fakes::FakeSession&, const RpcCall& call, ResultSink& sink) {
     for (const RpcParameter& parameter : call.parameters) {
         sink.OutputParameter(parameter.name, parameter.type, parameter.value);
@@ -72,7 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         client.Write({reinterpret_cast<const char*>(bytes + 1), size - 1});
         DropAnswer(client);
     } catch (const tds::ConnectionLost&) {
-        // The server has had enough of this client.
+        // The server has closed the connection.
     }
     client.Shutdown();
     running.join();

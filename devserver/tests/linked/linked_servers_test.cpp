@@ -1,5 +1,5 @@
-// Linked servers: two servers in this process, the one reaching the other over the wire, by ODBC and the
-// driver that is registered as "SQL Server".
+// Linked servers: two servers in this process. One reaches the other over TCP, by ODBC and the driver that is
+// registered as "SQL Server".
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -213,7 +213,7 @@ TEST_F(LinkedServers, WhatIsNotThereIsToldByItsNumber) {
                      "FAR.Batch.dbo.Lots"),
               18456);
     EXPECT_EQ(number("exec sp_droplinkedsrvlogin N'FAR', NULL select * from FAR.Batch.dbo.Lots"), 7416);
-    // Port 1: nobody is there, and the system says so at once.
+    // Nothing listens at port 1, so the connection is refused at once.
     EXPECT_EQ(number("exec sp_addlinkedserver N'DEAD', N'', N'SQLOLEDB', N'127.0.0.1,1' select * from "
                      "DEAD.Batch.dbo.Lots"),
               7303);
@@ -225,7 +225,7 @@ TEST_F(LinkedServers, WhatIsNotThereIsToldByItsNumber) {
     EXPECT_EQ(number("exec sp_addlinkedserver N'X', N'Other'"), 15427);
 }
 
-/// A port whose connections are cut as soon as they have said something.
+/// A server that closes each connection after the first byte.
 class CuttingServer {
   public:
     CuttingServer() : listener_(socket(AF_INET, SOCK_STREAM, 0)) {
@@ -293,7 +293,7 @@ TEST_F(LinkedServers, ALinkToTheServerItselfReadsAndWritesButTakesPartInNoTransa
 TEST_F(LinkedServers, ACancelledStatementEndsAtTheOtherServerToo) {
     other.Run("create procedure slow as insert Lots (id) values (99) waitfor delay '00:10:00'");
     std::thread cancel([this] {
-        // Once the row is there, the procedure runs.
+        // When the row is there, the procedure is running.
         for (int i = 0; i < 3000 && other.Run("select id from Lots where id = 99") != "id\n99\n(1)\n"; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }

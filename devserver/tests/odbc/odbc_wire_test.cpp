@@ -26,7 +26,7 @@ using devsql::TypeId;
 using devsql::fakes::FakeSession;
 using devsql::fakes::RunningServer;
 
-/// The limit for something that ends at once on an idle machine.
+/// A limit for an action that takes no time on an idle machine; only a failure reaches it.
 constexpr std::chrono::seconds kLongest{60};
 
 using Answers = std::map<std::string, std::function<void(FakeSession&, ResultSink&)>>;
@@ -51,7 +51,7 @@ void SendRows(ResultSink& sink, int count) {
 
 class OdbcWire : public ::testing::Test {
   protected:
-    // To be set before the first handle: unixODBC reads the folder once.
+    // Must be set before the first handle is made, because unixODBC reads the variable once.
     static void SetUpTestSuite() { setenv("ODBCSYSINI", KV_ODBC_CONFIG, 1); }
 
     OdbcWire() {

@@ -32,12 +32,14 @@ inline Typed As(std::string_view text, const Type& type) {
     const Type source = Sized(TypeId::NVarChar, kMaxLength);
     return {Convert(std::string(text), source, type), type};
 }
+/// A value of an integer type.
 inline Typed Whole(std::int64_t value, TypeId id = TypeId::Int) {
     return {value, Simple(id)};
 }
 inline Typed Real(double value, TypeId id = TypeId::Float) {
     return {value, Simple(id)};
 }
+/// The literals 'text', N'text' and 0x12AB.
 inline Typed Text(std::string_view text) {
     const Literal l = TextLiteral(text, false);
     return {l.value, l.type};
@@ -53,6 +55,7 @@ inline Typed Hex(std::string_view text) {
 inline Typed Date(std::string_view text) {
     return As(text, Simple(TypeId::DateTime));
 }
+/// NULL as a literal, which has no type, and NULL of a type.
 inline Typed Null() {
     return {{}, kUntypedNull};
 }
@@ -60,7 +63,7 @@ inline Typed NullOf(const Type& type) {
     return {{}, type};
 }
 
-/// The value as text without its type: dates with milliseconds, bytes in hexadecimal.
+/// The value as text, without its type: dates with milliseconds, bytes in hexadecimal digits.
 inline std::string Shown(const Value& value, const Type& type) {
     if (IsNull(value)) {
         return "NULL";
@@ -100,10 +103,12 @@ int ErrorOf(Call call) {
     }
 }
 
+/// The result of CONVERT as text, or its error.
 inline std::string Converted(const Typed& from, const Type& to, std::optional<int> style = std::nullopt) {
     return Outcome([&] { return Shown(Convert(from.value, from.type, to, style), to); });
 }
 
+/// The result of an operator with its type, or its error.
 inline std::string Computed(const Typed& left, BinaryOperator op, const Typed& right) {
     return Outcome([&] {
         return ShownWithType({Evaluate(op, left.value, left.type, right.value, right.type),

@@ -32,6 +32,7 @@ class FullDisk {
     FullDisk(const FullDisk&) = delete;
     FullDisk& operator=(const FullDisk&) = delete;
 
+    /// After Fill all writes to write-ahead logs fail, until Free.
     void Fill() { full = true; }
     void Free() { full = false; }
 

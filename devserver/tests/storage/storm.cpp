@@ -30,6 +30,7 @@ using std::chrono::steady_clock;
 constexpr int kWriters = 4;
 /// The pause between two rounds, in which clients whose connection was ended connect again and write.
 constexpr std::chrono::milliseconds kCalm{20};
+/// Writer n inserts the numbers from n times this number on, so that no two writers insert the same.
 constexpr int kNumbersOfAWriter = 10'000'000;
 /// Far more than a round takes: only a server that hangs reaches it.
 constexpr std::chrono::seconds kLongestRound{60};
@@ -38,6 +39,7 @@ constexpr std::chrono::seconds kLongestRound{60};
 /// single-user mode or offline; the session was ended; the login was refused for one of these reasons.
 constexpr std::array<std::int32_t, 8> kAway = {911, 952, 924, 942, 596, 4060, 18456, 208};
 
+/// Counts the failures and prints the first ones. Used by all threads.
 class Failures {
   public:
     void Add(const std::string& text) {
@@ -95,12 +97,14 @@ class Writer {
         return session;
     }
 
+    /// Returns true if the insert has succeeded.
     bool Insert(Session& session, const std::string& text) {
         Transcript sink;
         session.ExecuteBatch(text, sink);
         return Check(sink) && sink.text.find("(1)\n") != std::string::npos;
     }
 
+    /// Returns false if there was an error. An error that is not in kAway is a failure of the run.
     bool Check(const Transcript& sink) {
         bool good = true;
         for (const Message& message : sink.messages) {
@@ -273,7 +277,7 @@ class Storm {
     TestServer& server_;
     Failures& failures_;
     Client client_;
-    int place_ = 0;
+    int place_ = 0; ///< the number in the names of the database's files; each move raises it
 };
 
 int Run(int rounds) {

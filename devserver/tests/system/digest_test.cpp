@@ -1,3 +1,4 @@
+// SHA-256 of known texts.
 #include "devserver/system/digest.h"
 
 #include <gtest/gtest.h>

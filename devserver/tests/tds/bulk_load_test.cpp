@@ -34,7 +34,8 @@ std::string Row(std::uint8_t number, std::string_view text) {
 
 class TdsBulkReader : public testing::Test {
   protected:
-    /// The packets of a message that has these parts and ends so.
+    /// A function that returns the packets of a message one by one: a packet for each part. `end` says how
+    /// the message ends.
     static std::function<ClientPacket()> Message(std::vector<std::string> parts, State end = State::Whole) {
         return [parts = std::move(parts), end, next = std::size_t{0}]() mutable -> ClientPacket {
             if (next == parts.size()) {
@@ -47,7 +48,7 @@ class TdsBulkReader : public testing::Test {
         };
     }
 
-    /// Reads `data`: each row as "7 x ", then "end", "gone" or an error number.
+    /// Reads a message and describes it: each row as "7 x ", then "end", "gone" or the number of the error.
     std::string ReadAll(const std::string& data, State end = State::Whole, Version version = Version::V74) {
         return ReadAll(Message({data}, end), version);
     }
@@ -151,7 +152,8 @@ class TdsBulkLoad : public testing::Test {
         const std::optional<std::string> answer = client.Receive();
         return answer ? Summary(ParseTokens(*answer)) : "closed";
     }
-    /// A load of many rows: more than the connection buffers if nobody reads it.
+    /// A load of many rows. It has more bytes than the sockets' buffers hold, so the client can send it only
+    /// if the server reads it.
     static std::string Many(int rows) {
         std::string data = Columns();
         for (int i = 0; i < rows; ++i) {

@@ -1,5 +1,5 @@
-// Uses none of the server's own code for reading and writing the protocol, so that it does not repeat its
-// mistakes.
+// A TDS client for the tests. It uses none of the server's own code for reading and writing the protocol, so
+// that it does not repeat the server's mistakes.
 #include "devserver/tests/tds/client.h"
 
 #include <arpa/inet.h>

@@ -28,7 +28,9 @@ struct LoginFields {
     std::string features; ///< the data of the feature extension, which is only sent if this is not empty
 };
 
+/// ASCII text in UTF-16, as the protocol has its texts.
 std::string Utf16(std::string_view ascii);
+// The data of messages, without packet headers.
 std::string LoginMessage(const LoginFields& fields);
 std::string PreLoginMessage();
 /// A batch with the headers that TDS 7.2 requires.
@@ -72,6 +74,7 @@ class TdsClient {
     std::optional<std::string> Receive();
     /// Sends prelogin and login; returns the answer to the login.
     std::string LogIn(const LoginFields& fields = {});
+    /// Sends a batch; returns its answer.
     std::string Batch(std::string_view sql);
     /// The lengths of the last answer's packets.
     const std::vector<std::size_t>& packet_lengths() const { return packet_lengths_; }

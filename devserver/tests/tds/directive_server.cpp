@@ -64,6 +64,7 @@ class DirectiveSession : public Session {
         return directives;
     }
 
+    /// Ends a statement that has no count of rows.
     static void Done(ResultSink& sink) { sink.StatementDone(Command::None, std::nullopt, false); }
 
     static void SendRows(std::int64_t count, ResultSink& sink) {
@@ -142,9 +143,9 @@ class DirectiveSession : public Session {
         std::_Exit(0);
     }
 
-    static constexpr std::size_t kBatchesKept = 1000;
+    static constexpr std::size_t kBatchesKept = 1000; ///< bytes
 
-    std::string batches_;
+    std::string batches_; ///< the first batches that were received, each with ";" after it
     std::atomic<bool> cancelled_ = false;
 };
 

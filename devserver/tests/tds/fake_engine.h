@@ -25,15 +25,15 @@ struct FakeScript {
     std::function<void(FakeSession&, const RpcCall&, ResultSink&)> on_call;
     std::function<void()> on_login;
 
-    std::mutex mutex;
+    std::mutex mutex; ///< guards the lists below
     std::vector<LoginRequest> logins;
     std::vector<std::string> batches;
     std::vector<RpcCall> calls;
     std::vector<std::vector<Value>> bulk_rows;
-    std::atomic<bool> refuse_bulk = false;
-    std::atomic<int> loads = 0; ///< bulk loads that have begun
+    std::atomic<bool> refuse_bulk = false; ///< LoadRows stops at the first row
+    std::atomic<int> loads = 0;            ///< bulk loads that have begun
     std::atomic<int> open_sessions = 0;
-    std::atomic<int> cancels = 0;
+    std::atomic<int> cancels = 0; ///< calls of Cancel
 };
 
 class FakeSession : public Session {

@@ -113,7 +113,8 @@ TEST_F(TdsHostile, RequestsThatAreSentEarlyAreAnsweredInTurn) {
     ExpectUnharmed();
 }
 
-/// It has ended its sending, so it can have no further wish, but its socket is open and full.
+/// The client has ended its sending, so it can ask for nothing more. But its socket is open, and it does not
+/// read, so the server's answer would wait for ever.
 TEST_F(TdsHostile, AClientThatSendsNothingMoreAndDoesNotReadIsLeft) {
     int ends[2] = {-1, -1};
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);

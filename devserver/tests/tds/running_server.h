@@ -49,7 +49,7 @@ class RunningServer {
     std::thread thread_;
 };
 
-/// Two connected sockets within the process.
+/// Two sockets that are connected with each other.
 inline std::pair<tds::Socket, tds::Socket> SocketPair() {
     int ends[2] = {-1, -1};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {

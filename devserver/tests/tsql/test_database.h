@@ -9,8 +9,8 @@ namespace devsql::test {
 
 class TsqlTest : public ::testing::Test {
   protected:
-    /// The transcript of a batch, or of several that are divided by lines with GO. It begins with a line end,
-    /// as the raw strings do that it is compared with.
+    /// Runs a batch, or several that are separated by lines with GO, and returns the transcript. It begins
+    /// with a line end, because the raw strings that it is compared with do.
     std::string Run(std::string_view sql) { return "\n" + client.Run(sql); }
 
     TestServer server;

@@ -23,6 +23,7 @@
 
 namespace devsql::test {
 
+/// Writes the results of calls to `text`, and keeps messages, changes of the database and statuses in lists.
 class Transcript : public ResultSink {
   public:
     void Columns(const std::vector<Column>& columns) override {
@@ -72,7 +73,7 @@ class Transcript : public ResultSink {
 
     std::string text;
     std::vector<Message> messages;
-    std::vector<std::string> changes;
+    std::vector<std::string> changes; ///< changes of the database: "master>Batch"
     std::vector<std::int32_t> statuses;
     std::vector<Value> last_row;
 
@@ -97,7 +98,7 @@ class Transcript : public ResultSink {
     std::vector<Column> columns_;
 };
 
-/// A temporary folder, removed at the end.
+/// Makes a temporary folder. The destructor removes it with all files.
 class TemporaryFolder {
   public:
     TemporaryFolder() {
@@ -124,7 +125,7 @@ class Client {
   public:
     explicit Client(std::unique_ptr<Session> session) : session_(std::move(session)) {}
 
-    /// Runs batches that are divided by lines with GO, and returns the transcript of all.
+    /// Runs batches that are separated by lines with GO, and returns the transcript of all of them.
     std::string Run(std::string_view sql) {
         Transcript transcript;
         std::string batch;
@@ -145,6 +146,7 @@ class Client {
         return transcript.text;
     }
 
+    /// Calls a procedure as a driver does, and returns the transcript.
     std::string Call(const RpcCall& call) {
         Transcript transcript;
         session_->ExecuteProcedure(call, transcript);
@@ -153,6 +155,7 @@ class Client {
     }
 
     Session& session() { return *session_; }
+    /// Ends the session, as a client that disconnects.
     void Leave() { session_.reset(); }
 
     std::vector<Message> messages;
@@ -162,11 +165,12 @@ class Client {
     std::unique_ptr<Session> session_;
 };
 
-/// A server in a temporary folder, with the login sa.
+/// A server in a temporary folder, with the logins sa and operator, and with the drive D.
 class TestServer {
   public:
     TestServer() { Start(); }
 
+    /// Starts the server, or ends it and starts it again with the same files.
     void Start() {
         engine_.reset();
         EngineOptions options;
@@ -194,7 +198,7 @@ class TestServer {
     }
 
     TemporaryFolder folder;
-    std::string login_text;
+    std::string login_text; ///< the transcript of the last login
 
   private:
     std::unique_ptr<Engine> engine_;

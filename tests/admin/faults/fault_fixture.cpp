@@ -1,3 +1,4 @@
+// The fixture, and the table of faults that are tried at each step. See fault_fixture.h.
 #include "admin/faults/fault_fixture.h"
 
 #include <array>
@@ -30,9 +31,9 @@ constexpr char kPreparation[] = "PRINT ''"; // the database layer runs it before
 
 struct FaultKind {
     Fault fault;
-    bool before;           ///< the step is not done
-    bool always;           ///< not only where every fault is wanted
-    bool in_front = false; ///< also at the database layer's own statement before the step
+    bool before;           ///< it happens before the server does the step
+    bool always;           ///< tried always; others are tried only if EveryFault() is true
+    bool in_front = false; ///< tried also at the database layer's own statement before the step
 };
 
 /// The driver ends a login that hangs by closing the connection, and a statement that hangs by cancelling it.
@@ -117,7 +118,8 @@ void RunWithoutFault(const FaultyOperation& operation, const std::filesystem::pa
     EXPECT_EQ(fixture.LogLines(), Lines());
 }
 
-/// The fault happens `ahead` events before the step's own event.
+/// Runs the operation with one fault, `ahead` events before the step's own event, and checks the events, the
+/// log and the state.
 void RunWithFault(const FaultyOperation& operation, const std::filesystem::path& model, std::size_t step,
                   const FaultKind& kind, std::size_t ahead) {
     const Fault fault = kind.fault;

@@ -59,6 +59,7 @@ class FaultFixture {
     std::string AskOne(const std::string& database, const std::string& statement) const;
     bool HasDatabase(const std::string& name) const;
 
+    /// The lines of the program's log; none if there is no log.
     Lines LogLines() const;
 
   private:
@@ -70,7 +71,7 @@ class FaultFixture {
     fakes::DevServer server_;
     support::FaultProxy proxy_;
     mutable std::optional<ado::Connection>
-        master_; ///< used by Ask: opening one each time would take most of a test's time
+        master_; ///< a connection that Ask keeps: opening one each time would take most of a test's time
 };
 
 /// A step of an operation as the server sees it.
@@ -86,7 +87,9 @@ struct Step {
 
 /// An operation, its steps and its expected states.
 struct FaultyOperation {
+    /// Makes the databases that the operation needs.
     std::function<void(FaultFixture&)> prepare;
+    /// Runs the operation. Returns true if it has succeeded.
     std::function<bool(FaultFixture&)> run;
     /// Describes the databases on the server and their files.
     std::function<std::string(FaultFixture&)> state;
@@ -96,7 +99,8 @@ struct FaultyOperation {
     std::function<Lines(std::size_t)> log_lines;
 };
 
-/// Many, because most faults only wait.
+/// How many faults are tried at the same time. It may be more than the processor's cores, because most of
+/// them only wait.
 inline constexpr std::size_t kFaultsAtOnce = 16;
 
 /// True if the environment variable KV_EVERY_FAULT asks for every fault, as the soak does. Otherwise only

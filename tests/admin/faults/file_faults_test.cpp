@@ -53,7 +53,7 @@ class WithoutPrivileges {
     }
 
   private:
-    /// Makes all permitted privileges of the calling thread effective, or none.
+    /// Switches all privileges that the calling thread is permitted to have on or off.
     static void KeepPrivileges(bool all) {
         __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
         std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> sets{};
@@ -69,7 +69,8 @@ struct FileFaultCase {
     const char* name;
     /// Causes the fault; without it everything can be written.
     void (*cause)(const FaultFixture& fixture);
-    /// Which of four files remain: old data, old log, new data, new log; see FileState.
+    /// The state of four files afterwards: old data, old log, new data, new log; a character each, see
+    /// FileState.
     const char* remains;
     /// The server, which this process has started, needs the right that the program must not have: only root
     /// can arrange that.

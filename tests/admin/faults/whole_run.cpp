@@ -1,3 +1,4 @@
+// The runs of whole_run.h: their scripts and processes, and the outcome that is expected for each fault.
 #include "admin/faults/whole_run.h"
 
 #include <algorithm>
@@ -52,12 +53,13 @@ constexpr char kInsertData[] =
 GO
 )";
 
+/// The steps at which a fault is tried: all, those of the query tool, or those that have a time limit.
 enum class Steps : std::uint8_t { All, OfQueryTool, WithLimit };
 
 struct RunFault {
     Fault fault;
     Steps steps;
-    bool always; ///< not only where every fault is wanted
+    bool always; ///< tried always; others are tried only if EveryFault() is true
 };
 
 constexpr RunFault kRunFaults[] = {{Fault::CutBefore, Steps::All, true},
@@ -87,7 +89,7 @@ bool HappensAt(const RunFault& fault, const RunStep& step) {
     case Steps::OfQueryTool:
         return IsOfTool(step);
     case Steps::WithLimit:
-        // The query tool's own limit is eight seconds long.
+        // The query tool's limit for a login is eight seconds, so that is tried only with every fault.
         return !IsOfTool(step) || (IsLogin(step) && EveryFault());
     default:
         return true;
@@ -166,15 +168,16 @@ class RunProcesses {
   private:
     std::promise<pid_t> started_;
     std::shared_future<pid_t> program_ = started_.get_future().share();
-    std::atomic<pid_t> tool_ = 0; ///< that runs on without the program
+    std::atomic<pid_t> tool_ = 0; ///< the query tool that still runs after the program was killed; 0: none
 };
 
+/// True if the fault at this step kills the program itself.
 bool KillsTheProgram(Fault fault, const RunStep& step) {
     return fault == Fault::KillStarter ||
            (!IsOfTool(step) && (fault == Fault::KillProgramBefore || fault == Fault::KillProgramAfter));
 }
 
-/// Runs the program to its end.
+/// Runs the program to its end and checks how it has ended.
 void Run(const WholeRun& run, FaultFixture& fixture, const fs::path& common, bool kills_program) {
     prctl(PR_SET_CHILD_SUBREAPER, 1); // so that a query tool without its program can be waited for
     RunProcesses processes;
@@ -213,11 +216,12 @@ void TrySlow(const WholeRun& run, const fs::path& common) {
     ExpectEvents(fixture, run.steps);
 }
 
-/// The state when the server or the program is gone before the step.
+/// The state if the server or the program ends before the step.
 const std::string& StateAt(const WholeRun& run, std::size_t step) {
     return step < run.steps.size() ? run.steps[step].ends.state : run.good.state;
 }
 
+/// The outcome if the step fails; after the last step, that of a good run.
 const Outcome& FailureOf(const WholeRun& run, std::size_t step) {
     return step < run.steps.size() ? run.steps[step].fails : run.good;
 }
@@ -257,6 +261,7 @@ Outcome WantedOutcome(const WholeRun& run, std::size_t number, Fault fault) {
     }
 }
 
+/// Runs once with the fault at the step, and compares the state and the log with the expected ones.
 void Try(const WholeRun& run, const fs::path& common, std::size_t step, Fault fault) {
     FaultFixture fixture(common / "model");
     fixture.Proxy().Ignore("PRINT ''");

@@ -1,5 +1,5 @@
 // A whole unattended run on a development server, with a fault at each statement that is sent to the server.
-// As at a plant, the program and its query tool are processes of their own, in a folder of their own.
+// As in real use, the program and its query tool are processes of their own, in a folder of their own.
 #pragma once
 
 #include <cstdint>
@@ -26,10 +26,10 @@ enum class Sender : std::uint8_t {
 
 /// A statement that is sent to the server, and the outcomes of faults at it.
 struct RunStep {
-    const char* event; ///< the beginning of the statement
-    Outcome fails;     ///< if this statement fails and the server keeps running
-    Outcome ends;      ///< if the server ends before the statement
-    Sender sender = Sender::Program;
+    const char* event;               ///< the beginning of the statement
+    Outcome fails;                   ///< if this statement fails and the server keeps running
+    Outcome ends;                    ///< if the server ends before the statement
+    Sender sender = Sender::Program; ///< the process that sends it
     /// The outcome if the statement runs and its answer is lost. If it is not set, it is the outcome of a
     /// failure of the next step.
     std::optional<Outcome> unanswered{};
@@ -42,6 +42,7 @@ struct WholeRun {
     const char* name;
     /// The words of the command line.
     std::function<Lines(const FaultFixture&)> arguments;
+    /// Describes the state of the server.
     std::function<std::string(FaultFixture&)> state;
     Outcome good; ///< of a run without a fault
     std::vector<RunStep> steps;

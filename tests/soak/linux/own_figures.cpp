@@ -1,3 +1,4 @@
+// Reads the figures from /proc.
 #include "soak/own_figures.h"
 
 #include <filesystem>

@@ -1,5 +1,5 @@
-// Wine's functions for the number of handles and objects return no counts, so this tries each possible
-// handle.
+// Counts handles, GDI objects and windows. Wine's functions for these numbers return no counts, so this tries
+// each possible handle.
 #include "soak/own_figures.h"
 
 #include "platform/windows/lean_windows.h"
