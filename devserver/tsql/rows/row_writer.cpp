@@ -124,7 +124,7 @@ BoundPtr RowWriter::BindOverRow(const std::string& text) {
                     return QuoteName(c.name) == leaves[node->slot]->text;
                 });
             if (column == table_.columns.end()) {
-                RaiseError(1046); // A subquery.
+                RaiseError(1046); // The leaf is a subquery.
             }
             copy->slot = table_.IndexOf(column->id);
         }

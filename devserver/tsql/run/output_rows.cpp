@@ -40,7 +40,7 @@ std::pair<unsigned, std::size_t> PlaceOfLeaf(const std::string& text) {
             }
         }
     }
-    RaiseError(10705); // Not a column, so it is a subquery.
+    RaiseError(10705); // The leaf is no column, so it is a subquery, which OUTPUT may not contain.
 }
 
 } // namespace

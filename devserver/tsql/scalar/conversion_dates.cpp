@@ -1,4 +1,4 @@
-// Conversions to datetime and smalldatetime, and the styles in which CONVERT writes them.
+// Conversions to datetime, smalldatetime and date, and the styles in which CONVERT writes them.
 #include <algorithm>
 
 #include "devserver/tsql/scalar/conversion_parts.h"

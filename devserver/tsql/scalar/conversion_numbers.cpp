@@ -69,7 +69,7 @@ Value IntegerFromDouble(double value, const IntegerRange& range) {
     return static_cast<std::int64_t>(whole);
 }
 
-/// The nearest day.
+/// The days since 1900-01-01, with the time rounded to the nearest day.
 std::int64_t WholeDays(const DateTime& value) {
     return value.days + (value.ticks >= kTicksPerDay / 2 ? 1 : 0);
 }

@@ -1,5 +1,5 @@
-// A text is cut into numbers, words and marks; the time is found by its colons and AM/PM, and what is left is
-// the date.
+// Reads a date and time in a text. The text is cut into numbers, words and marks; the time is found by its
+// colons and AM/PM, and the rest is the date.
 #include "devserver/tsql/scalar/date_parser.h"
 
 #include <algorithm>

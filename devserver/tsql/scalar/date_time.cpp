@@ -62,7 +62,8 @@ std::optional<DateTime> AddMonths(const DateTime& value, std::int64_t count) {
     return FromCivil(civil);
 }
 
-/// Ticks of the units that have a fixed length; 0 for milliseconds, which have none, and for the others.
+/// The ticks of a unit that is always the same whole number of ticks; 0 for other units. A millisecond is no
+/// whole number of ticks.
 std::int64_t TicksOf(DatePart part) {
     switch (part) {
     case DatePart::DayOfYear:

@@ -1,4 +1,4 @@
-// Number functions. They keep the type of their argument.
+// Functions on numbers. Most results have the type in which the function computes (WorkingType).
 #include <cmath>
 
 #include "devserver/tsql/scalar/arithmetic.h"
