@@ -28,7 +28,8 @@ class Connection {
     Connection(Socket socket, Engine& engine, bool refused,
                std::chrono::milliseconds login_time = std::chrono::seconds(30));
 
-    /// Serves the client until it goes or is thrown out. Throws nothing.
+    /// Serves the client until it goes, or its session is ended by another one, or Stop is called. Throws
+    /// nothing.
     void Run();
     /// Cancels the running request if the client has sent an attention or has gone, or after Stop. Must be
     /// repeated, because the request may have begun just after it was cancelled. Returns true if a request is

@@ -70,8 +70,8 @@ RpcParameter ReadParameter(ByteReader& reader, Version version, int ordinal) {
     const std::uint8_t flags = reader.Byte();
     parameter.output = (flags & kByReference) != 0;
     parameter.use_default = (flags & kDefaultValue) != 0;
-    // The type that holds no data may stand for a default alone. Without the flag it is refused, as SQL
-    // Server does; FreeTDS sends it so for a place that a call leaves empty: {call p(?,,?)}.
+    // The type without data is accepted only with the flag for a default. Without the flag it is refused, as
+    // SQL Server does; FreeTDS sends it so for a place that a call leaves empty: {call p(?,,?)}.
     if (parameter.use_default && reader.Peek() == static_cast<std::uint8_t>(WireType::Null)) {
         reader.Byte();
         return parameter;

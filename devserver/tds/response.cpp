@@ -171,7 +171,7 @@ void Response::BeginCall(const RpcCall& call) {
 }
 
 std::uint16_t Response::PlaceOf(const std::string& name, std::size_t ordinal) const {
-    // Parameters passed by name may stand in another order than the procedure has them.
+    // Parameters that are passed by name can be in another order than in the procedure.
     for (const Passed& passed : passed_) {
         if (passed.name == name && !name.empty()) {
             return passed.place;

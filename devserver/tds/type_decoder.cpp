@@ -20,6 +20,7 @@ constexpr std::uint32_t kLongNull = 0xFFFFFFFF;
 constexpr std::uint64_t kChunkedNull = 0xFFFFFFFFFFFFFFFFU;
 constexpr std::uint64_t kChunkedUnknown = 0xFFFFFFFFFFFFFFFEU;
 constexpr std::uint8_t kMaxDigits = 38;
+// The range of datetime, 1753-01-01 to 9999-12-31, in days since 1900-01-01; a tick is 1/300 s.
 constexpr std::int32_t kFirstDay = -53690;
 constexpr std::int32_t kLastDay = 2958463;
 constexpr std::int32_t kTicksPerDay = 25'920'000;
@@ -49,6 +50,7 @@ const char* KindOf(const ValuePlace& place) {
     return place.column ? "Column" : "Parameter";
 }
 
+/// The beginning of an error's text: the parameter or column, and its type.
 std::string Where(const ValuePlace& place, WireType wire) {
     std::array<char, 8> hex{};
     std::snprintf(hex.data(), hex.size(), "0x%02X", static_cast<unsigned>(wire));
@@ -73,6 +75,7 @@ ProtocolError InvalidValue(const Context& context) {
                 "is not a valid instance of its type. Check the source data for invalid values."};
 }
 
+/// A number of T's size, with its lowest byte first.
 template <std::unsigned_integral T>
 T Number(std::string_view bytes) {
     return ByteReader(bytes).Le<T>();
@@ -114,10 +117,11 @@ Value ReadMoney(const Context&, std::string_view bytes) {
     if (bytes.size() == 4) {
         return Decimal{static_cast<std::int32_t>(Number<std::uint32_t>(bytes)), 4};
     }
-    const std::uint64_t high = Number<std::uint32_t>(bytes.substr(0, 4));
+    const std::uint64_t high = Number<std::uint32_t>(bytes.substr(0, 4)); // the upper half comes first
     return Decimal{static_cast<std::int64_t>(high << 32 | Number<std::uint32_t>(bytes.substr(4))), 4};
 }
 
+/// Throws ProtocolError (8023) for a day out of the range of datetime.
 Value CheckedDateTime(const Context& context, std::int64_t days, std::int64_t ticks) {
     if (days < kFirstDay || days > kLastDay || ticks < 0 || ticks >= kTicksPerDay) {
         throw InvalidValue(context);
@@ -147,6 +151,7 @@ std::int64_t TicksOfTime(const Context& context, std::string_view bytes) {
     return static_cast<std::int64_t>((count * 300 + unit / 2) / unit);
 }
 
+/// As CheckedDateTime, but `ticks` may lie in the day before or after.
 Value DateTimeOf(const Context& context, std::int64_t days, std::int64_t ticks) {
     const std::int64_t carried = ticks >= 0 ? ticks / kTicksPerDay : -1;
     return CheckedDateTime(context, days + carried, ticks - carried * kTicksPerDay);
@@ -159,6 +164,7 @@ Value ReadDate(const Context& context, std::string_view bytes) {
     return DateTimeOf(context, static_cast<std::int64_t>(AnyNumber(bytes)) - kDaysTo1900, 0);
 }
 
+/// Bytes of a time of 7.3.
 std::size_t TimeSize(std::uint8_t scale) {
     return scale <= 2 ? 3 : scale <= 4 ? 4 : 5;
 }
@@ -194,7 +200,7 @@ Value ReadDateTimeOffset(const Context& context, std::string_view bytes) {
 }
 
 Value ReadDecimal(const Context& context, std::string_view bytes) {
-    const std::string_view digits = bytes.substr(1);
+    const std::string_view digits = bytes.substr(1); // after the byte of the sign
     if (digits.empty() || digits.size() > 16) {
         throw InvalidLength(context);
     }
@@ -241,6 +247,8 @@ Value ReadBinary(const Context&, std::string_view bytes) {
 
 using Read = Value (*)(const Context& context, std::string_view bytes);
 
+/// A type that a client may send, and the function that reads its values. `type` is the type that the value
+/// gets here; its length, precision and scale come from the description.
 struct Entry {
     WireType wire;
     Shape shape;
@@ -293,6 +301,7 @@ constexpr std::array<Entry, 38> kEntries{{
     {WireType::Image, Shape::Long, 0, false, Image, ReadBinary},
 }};
 
+/// A type that exists in the protocol and is refused by its name.
 struct Refused {
     WireType wire;
     const char* name;
@@ -305,6 +314,7 @@ constexpr std::array<Refused, 4> kRefused{{
     {WireType::Table, "a table type"},
 }};
 
+/// Throws ProtocolError: 40510 for a type that is refused, 8009 for an unknown one.
 const Entry& FindEntry(WireType wire, const ValuePlace& place) {
     for (const Refused& refused : kRefused) {
         if (refused.wire == wire) {
@@ -344,6 +354,7 @@ constexpr std::array<Sized, 12> kSized{{
     {WireType::Guid, 16, UniqueIdentifier},
 }};
 
+/// True for the types of text and binary that versions before 7.0 had.
 bool IsOld(WireType wire) {
     return wire == WireType::OldVarChar || wire == WireType::OldChar || wire == WireType::OldVarBinary ||
            wire == WireType::OldBinary;
@@ -423,6 +434,7 @@ void ReadTypeInfo(ByteReader& reader, const Entry& entry, Version version, Conte
     }
 }
 
+/// Reads a value that is sent in chunks and joins them. Returns nothing for NULL.
 std::optional<std::string> ReadChunks(ByteReader& reader, const Context& context) {
     const auto total = reader.Le<std::uint64_t>();
     if (total == kChunkedNull) {
@@ -438,6 +450,7 @@ std::optional<std::string> ReadChunks(ByteReader& reader, const Context& context
     return joined;
 }
 
+/// Reads a value whose length stands before it in one byte. Returns nothing for NULL.
 std::optional<std::string> ReadByteCounted(ByteReader& reader, const Context& context, const Entry& entry) {
     const std::size_t size = reader.Byte();
     if (size == 0) {

@@ -27,6 +27,7 @@ constexpr std::int32_t kTicksPerMinute = 300 * 60;
 constexpr std::size_t kTextPointerSize = 16;
 constexpr std::size_t kTextTimestampSize = 8;
 
+/// The value as a T. Throws EncodingError if it is another kind of value; `what` is the name of the kind.
 template <class T>
 const T& Get(const Value& value, const char* what) {
     const T* held = std::get_if<T>(&value);
@@ -48,7 +49,8 @@ Int128 PowerOfTen(int exponent) {
     return power;
 }
 
-/// The unscaled value at `scale`, which must hold it exactly.
+/// The unscaled number of the value at another scale. Throws EncodingError if digits would be lost or it does
+/// not fit.
 Int128 Rescale(const Decimal& value, std::uint8_t scale, const char* what) {
     if (value.scale == scale) {
         return value.unscaled;
@@ -288,6 +290,7 @@ void AppendBinary(std::string& out, const WireForm& form, const Value& value) {
     });
 }
 
+/// Bytes of a decimal with its sign.
 std::uint32_t DecimalSize(std::uint8_t precision) {
     return precision <= 9 ? 5 : precision <= 19 ? 9 : precision <= 28 ? 13 : 17;
 }
@@ -308,6 +311,7 @@ bool HasShortLength(WireType type) {
 
 } // namespace
 
+/// How the values of a type are written. The table has the entries in the order of TypeId.
 struct TypeEncoder::Entry {
     TypeId id;
     WireType wire;

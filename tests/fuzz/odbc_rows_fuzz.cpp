@@ -137,7 +137,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             }
         });
     }
-    fakes::ResetCounting(); // what is left after an input, libFuzzer takes for a leak, and tries the input
-                            // again
+    // libFuzzer takes memory that stays allocated after an input for a leak, and tries the input again.
+    fakes::ResetCounting();
     return 0;
 }

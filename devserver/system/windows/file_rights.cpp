@@ -64,7 +64,7 @@ bool OthersHaveRights(const std::filesystem::path& file) {
         if (ace == nullptr || (ace->Mask & kReadOrChange) == 0) {
             continue;
         }
-        // The account stands in the entry from this member on.
+        // The account's SID begins at this member of the entry.
         PSID account = const_cast<DWORD*>(&ace->SidStart);
         if (EqualSid(account, owner) == FALSE && !Administers(account)) {
             return true;

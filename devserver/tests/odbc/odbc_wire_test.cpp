@@ -73,6 +73,7 @@ class OdbcWire : public ::testing::Test {
 
     void Connect() { connection_.DriverConnect(Target(), 10); }
 
+    /// A statement that is prepared as the product's layers above ODBC prepare it.
     Statement Ready() {
         Statement statement(connection_);
         if (connection_.DropsResultsAfterError()) {
@@ -81,7 +82,8 @@ class OdbcWire : public ::testing::Test {
         return statement;
     }
 
-    /// All results of a batch as text: "rows 3 | error 208 | message text".
+    /// Runs a batch and returns its results and messages as text, in order: "rows 3 | error 208 | message
+    /// text | ". It ends with "lost" if the connection was lost, and with "and so on" after 20 results.
     std::string Story(const std::string& sql) {
         Statement statement = Ready();
         std::string story;

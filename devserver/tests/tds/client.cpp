@@ -58,6 +58,7 @@ class Cursor {
     std::size_t position_ = 0;
 };
 
+/// UTF-16 to text; the tests use only ASCII.
 std::string Narrow(const std::string& wide) {
     std::string text;
     for (std::size_t i = 0; i + 1 < wide.size(); i += 2) {
@@ -66,6 +67,7 @@ std::string Narrow(const std::string& wide) {
     return text;
 }
 
+/// A column of the current result set: its type on the wire, and whether its values are sent in chunks.
 struct WireColumn {
     std::uint8_t type;
     bool chunked;
@@ -355,7 +357,8 @@ TdsClient TdsClient::Connect(std::uint16_t port) {
                 sizeof address) != 0) {
         throw std::runtime_error("cannot connect to the server of the test");
     }
-    // Otherwise an attention would wait until the batch before it is acknowledged.
+    // Without this option the system would hold an attention back until the server has acknowledged the bytes
+    // before it.
     const int on = 1;
     setsockopt(static_cast<int>(handle.get()), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return TdsClient(tds::Socket(std::move(handle)));

@@ -4,6 +4,8 @@
 namespace devsql::test {
 namespace {
 
+/// The rows of a client that is slow: before every second row it returns Waiting once. `end` is returned
+/// after the last row.
 class Rows : public BulkRows {
   public:
     Rows(std::vector<Type> types, std::vector<std::vector<Value>> rows, Step end = Step::End)
@@ -11,7 +13,7 @@ class Rows : public BulkRows {
 
     Step Next(std::vector<Value>& row) override {
         if (next_ % 2 == 1 && std::exchange(waits_, false)) {
-            return Step::Waiting; // A client that is slow.
+            return Step::Waiting;
         }
         if (next_ == rows_.size()) {
             return end_;
