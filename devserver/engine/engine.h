@@ -67,8 +67,8 @@ class ResultSink {
     virtual void OutputParameter(const std::string& name, const Type& type, const Value& value) = 0;
     /// The return status of a procedure.
     virtual void ReturnStatus(std::int32_t status) = 0;
-    /// Sends to the client what has been kept back so far (RAISERROR … WITH NOWAIT). A sink that keeps
-    /// nothing back does nothing.
+    /// Sends to the client the results that have been kept back so far (RAISERROR … WITH NOWAIT). A sink that
+    /// keeps nothing back does nothing.
     virtual void Flush() {}
 };
 
@@ -166,7 +166,7 @@ class Engine {
 };
 
 /// Opens the server's databases below `options.root`, making master, model, msdb and tempdb at the first
-/// start. Throws std::runtime_error, saying what and where, when that can't be done.
+/// start. Throws std::runtime_error with the reason and the folder if it cannot.
 std::unique_ptr<Engine> OpenEngine(EngineOptions options);
 
 } // namespace devsql

@@ -76,7 +76,7 @@ class RemoteServers {
     LinkedServer Find(const std::string& name) const;
 
     /// Runs a batch there, connecting first where needed. Errors of the other server go to the sink. Raises
-    /// 7303, 7399, 7403, 7416 and what the other server says to a login.
+    /// 7303, 7399, 7403, 7416 and the error with which the other server refuses a login.
     void Run(const LinkedServer& server, const std::string& sql, RemoteSink& sink);
     /// Runs a batch and raises its first error under its own number. Returns the number of rows touched.
     std::int64_t Execute(const LinkedServer& server, const std::string& sql);

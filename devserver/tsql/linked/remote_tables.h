@@ -17,7 +17,7 @@ class RemoteServers;
 
 class RemoteTable {
   public:
-    /// Asks the other server for the columns. Raises 7202, 7314, 7411 and what RemoteServers raises.
+    /// Asks the other server for the columns. Raises 7202, 7314, 7411 and the errors of RemoteServers::Run.
     RemoteTable(RemoteServers& servers, const ast::Name& name);
     ~RemoteTable();
     RemoteTable(const RemoteTable&) = delete;

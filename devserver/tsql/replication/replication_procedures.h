@@ -1,5 +1,5 @@
-// The procedures of replication: they keep what is published and to whom, and make and remove the jobs that a
-// real server's agents would run. No row is replicated.
+// The procedures of replication: they keep publications and their subscribers, and make and remove the jobs
+// that a real server's agents would run. No row is replicated.
 #pragma once
 
 #include <span>

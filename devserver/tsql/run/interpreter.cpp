@@ -1,4 +1,4 @@
-// Control flow, and what an error ends: the statement, the procedure or the batch.
+// Control flow, and errors: whether one ends the statement, the procedure or the batch.
 #include "devserver/tsql/run/interpreter.h"
 
 #include <algorithm>

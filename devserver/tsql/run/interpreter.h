@@ -19,7 +19,7 @@ class SystemCall;
 /// Finds a system procedure, which lives until the program ends. Returns null for an unknown name.
 using SystemProcedureFinder = const SystemProcedure* (*)(std::string_view name);
 
-/// What a caller passes for a parameter.
+/// An argument of a call, as the caller passes it.
 struct ActualArgument {
     std::string name; ///< with "@"; empty: by position
     Value value;

@@ -41,7 +41,7 @@ constexpr std::array kAccented = {
     Accented{u'ÿ', 'y', 5},       Accented{u'œ', 'o', 10, 'e'}, Accented{u'š', 's', 8},
     Accented{u'ž', 'z', 8},       Accented{u'ƒ', 'f', 10}};
 
-// Bytes of a sort key. The separator is below every weight, so that a text sorts before what it begins.
+// Bytes of a sort key. The separator is below every weight, so that "áb" sorts before "abc".
 constexpr char kSeparator = 1;
 constexpr unsigned char kFirstWeight = 2;
 constexpr unsigned char kPlainAccent = 2;

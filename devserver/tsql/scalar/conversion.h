@@ -45,7 +45,7 @@ Literal ParseNumberLiteral(std::string_view text);
 Literal ParseMoneyLiteral(std::string_view text);
 /// "0x", "0xAB", "0xABC" (0x0ABC): varbinary.
 Literal ParseBinaryLiteral(std::string_view text);
-/// The type of 'text' (varchar) and N'text' (nvarchar); `text` is what stands between the quotes.
+/// The type of 'text' (varchar) and N'text' (nvarchar); `text` stands between the quotes.
 Literal TextLiteral(std::string_view text, bool national);
 
 } // namespace devsql

@@ -132,7 +132,7 @@ bool BitOf(const Value& value, const Type& from) {
 
 // ------------------------------------------------------------------ decimals
 
-/// The number to be fitted into the target, and what an overflow calls its source.
+/// The number to be fitted into the target type, and the name that the overflow error gives to its source.
 struct Exact {
     std::optional<Decimal> value;
     std::string_view source;
@@ -276,7 +276,7 @@ std::optional<double> ParseFloat(std::string_view text) {
         return std::nullopt;
     }
     if (end.ec == std::errc::result_out_of_range) {
-        // Too small reads as 0, too large as infinite; the sign of the exponent tells which.
+        // A number too small is read as 0, one too large as infinite. The sign of the exponent decides.
         const std::size_t exponent = text.find_first_of("eE");
         const bool tiny =
             exponent != std::string_view::npos && exponent + 1 < text.size() && text[exponent + 1] == '-';

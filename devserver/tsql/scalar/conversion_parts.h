@@ -30,7 +30,7 @@ Value ToGuid(const Value& value, const Type& from);
 std::string WriteText(const Value& value, const Type& type, Style style);
 /// A datetime in one of CONVERT's styles; raises 281 for others.
 std::string WriteDate(const DateTime& value, const Type& type, int style);
-/// Cut to the length of `to`, padded if it is fixed, with "?" for what a char can't hold.
+/// Cut to the length of `to`, padded if it is fixed, with "?" for a character that a char can't hold.
 std::string FitText(std::string text, const Type& to);
 std::string FitBytes(std::string bytes, const Type& to);
 /// "1.5", "1e+020": with so many digits, as SQL Server writes floats.

@@ -1,4 +1,5 @@
-// Conversions to text: how each type is written, and what happens when it doesn't fit.
+// Conversions to text: writes each type, and cuts, pads or refuses a text that does not have the target's
+// length.
 #include <algorithm>
 #include <array>
 #include <charconv>

@@ -20,7 +20,7 @@ DatePart PartOf(Values values, std::string_view function) {
     return *part;
 }
 
-/// A smalldatetime and a date stay what they are; everything else is read as a datetime.
+/// A smalldatetime and a date keep their type; everything else is converted to datetime.
 Type DateAddType(Types types) {
     return Simple(types[2].id == TypeId::SmallDateTime || types[2].id == TypeId::Date ? types[2].id
                                                                                       : TypeId::DateTime);

@@ -1,4 +1,4 @@
-// Finding functions, and what they share.
+// Finds scalar functions by name, and has the functions that they share.
 #include "devserver/tsql/scalar/functions.h"
 
 #include <algorithm>

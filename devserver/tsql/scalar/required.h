@@ -18,7 +18,7 @@ T Required(std::optional<T> value, std::int32_t number,
     return *std::move(value);
 }
 
-/// What the pointer points to. Raises the error if it is null.
+/// The object that the pointer points to. Raises the error if it is null.
 template <class T>
 T& Required(T* value, std::int32_t number, std::initializer_list<std::string_view> arguments = {},
             std::uint8_t state = 1) {

@@ -11,7 +11,7 @@
 
 namespace devsql {
 
-/// An error on its way to the client: what SQL Server would report, without procedure and line.
+/// An error on its way to the client, as SQL Server would report it, but without procedure and line.
 class SqlError : public std::exception {
   public:
     SqlError(std::int32_t number, std::uint8_t severity, std::uint8_t state, std::string text)

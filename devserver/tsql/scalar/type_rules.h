@@ -87,7 +87,7 @@ Type FittedLength(TypeId id, std::int64_t length);
 
 // ------------------------------------------------------------------ names and catalogue
 
-/// One row of systypes: what the catalogue, INFORMATION_SCHEMA and ODBC call a type.
+/// One row of systypes: the names and numbers of a type in the catalogue, INFORMATION_SCHEMA and ODBC.
 struct SystemType {
     TypeId id;
     std::string_view name;       ///< "int", as users write it
@@ -114,7 +114,7 @@ std::string FullTypeName(const Type& type);
 /// sysname, since it is a user type.
 std::optional<TypeId> FindTypeId(std::string_view name);
 
-/// What a declaration is for, as its errors name it.
+/// The column or parameter that a declaration is for, as its errors name it.
 struct DeclarationPlace {
     std::string_view kind = "type"; ///< "column", "parameter", "convert specification"
     std::string_view name;          ///< of the column or parameter; empty: the type's own

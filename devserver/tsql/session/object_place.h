@@ -11,7 +11,7 @@ class SessionCore;
 
 struct ObjectPlace {
     std::string database;
-    std::string schema; ///< "dbo" where none is given
+    std::string schema; ///< "dbo" if the name has no schema
     std::string name;
 };
 

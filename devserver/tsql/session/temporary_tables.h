@@ -41,9 +41,9 @@ class TemporaryTables {
     /// Returns the folded names of the ## tables that the session owns, and forgets them.
     std::set<std::string> TakeGlobals() { return std::exchange(globals_, {}); }
 
-    /// How many calls are open. What a call makes is dropped at its end.
+    /// How many calls are open. A table that a call makes is dropped when the call ends.
     void SetNesting(int nesting) { nesting_ = nesting; }
-    /// Drops what the running call has made, and its table variables.
+    /// Drops the tables that the running call has made, and its table variables.
     void EndCall(const std::map<std::string, TablePtr, std::less<>>& variables);
 
     /// By folded name and the number of calls that were open.
