@@ -7,8 +7,8 @@ get_filename_component(KV_ROOT "${CMAKE_CURRENT_LIST_DIR}/.." ABSOLUTE)
 add_library(kv_options INTERFACE)
 target_compile_options(kv_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor
                                             -Wold-style-cast -Wconversion -Wno-sign-conversion -fno-strict-aliasing)
-# At -O2 GCC 12 wrongly warns of overlapping copies in "literal" + std::string. clang, which compiles the trees with
-# sanitizers, does not know that warning and would fail on its name.
+# At -O2 GCC 12 wrongly warns of overlapping copies in "literal" + std::string. clang, which clang-tidy and the fuzzers
+# use, does not know that warning and would fail on its name.
 target_compile_options(kv_options INTERFACE -Wno-restrict -Wno-unknown-warning-option)
 if(KV_UNITY)
     # In a batch a source is an included file. GCC then warns of its classes with members of types from an unnamed
@@ -16,8 +16,8 @@ if(KV_UNITY)
     target_compile_options(kv_options INTERFACE -Wno-subobject-linkage)
 endif()
 if(KV_SANITIZE)
-    # Compiling takes most of the time of a test run. clang (CMakePresets.json) takes half of GCC's time for a file with
-    # sanitizers; their reports need only line numbers of the debug information; optimising takes more time than it saves.
+    # Compiling takes most of the time of a test run. The sanitizers' reports need only line numbers of the debug
+    # information, and optimising takes more time than it saves, except for the development server, which sets it itself.
     # Four checks at every access to an object would take a quarter of the compile time and find nothing more: the
     # processor stops at a null pointer, the address sanitizer finds accesses outside an object, the processor accepts
     # every alignment, and a downcast follows a test of the object's kind.

@@ -8,8 +8,6 @@ export CCACHE_DIR="${CCACHE_DIR:-${XDG_CACHE_HOME:-$HOME/.cache}/ccache}" CCACHE
 export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 
 BUILD_PACKAGES="build-essential cmake ninja-build ccache libgtest-dev libgmock-dev libbenchmark-dev unixodbc-dev freetds-dev libsqlite3-dev libssl-dev locales qt6-base-dev libfontconfig-dev libxcb1-dev libxtst-dev"
-# llvm: names the functions in the sanitizers' reports, by which known leaks of libraries are left out.
-SANITIZE_PACKAGES="clang libclang-rt-14-dev llvm"
 # python3-pkg-resources: python3-tds looks for its own version with it and does not depend on it.
 RUN_PACKAGES="tdsodbc freetds-bin python3 python3-pymssql python3-pyodbc python3-tds python3-pkg-resources"
 # The programs that work at the console on Linux read its windows as a screen reader does.

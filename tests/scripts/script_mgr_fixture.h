@@ -20,8 +20,6 @@
 
 namespace kv {
 
-using Lines = std::vector<std::string>;
-
 class ScriptMgrTest : public ::testing::Test {
   protected:
     static constexpr char kDataFolder[] = R"(C:\Lotkeeper\Server\Data)";

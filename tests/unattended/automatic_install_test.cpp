@@ -7,6 +7,8 @@
 namespace kv {
 namespace {
 
+using Lines = std::vector<std::string>;
+
 class AutomaticInstall : public ScriptMgrTest {
   protected:
     AutomaticInstall() {

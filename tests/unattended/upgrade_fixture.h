@@ -15,6 +15,7 @@
 namespace kv {
 
 using support::kVersionQuery;
+using Lines = std::vector<std::string>;
 
 class AutomaticUpgrade : public ScriptMgrTest {
   protected:

@@ -55,7 +55,11 @@ namespace {
 
 /// UPDATE(column): true for every column after an INSERT, and for those that SET names after an UPDATE.
 Value Updated(SessionCore& session, Values values, Types types) {
-    const Firing& firing = session.calls().frame().trigger->firing;
+    const TriggerRun* const run = session.calls().frame().trigger;
+    if (run == nullptr) { // within an expression; the parser refuses only a predicate
+        RaiseError(140);
+    }
+    const Firing& firing = run->firing;
     const ColumnDef* column = firing.table->Find(TextOf(values, types, 0));
     if (column == nullptr) {
         RaiseError(207, {TextOf(values, types, 0)});
