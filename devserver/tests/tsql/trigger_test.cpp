@@ -97,7 +97,7 @@ bits
     EXPECT_EQ(Run("if update(qty) print 'x'"),
               "\nMsg 140.15.1 L1: Can only use IF UPDATE within a CREATE TRIGGER statement.\n");
     EXPECT_EQ(Run("select 1 + update('qty')"),
-              "\nMsg 140.15.1 L1: Can only use IF UPDATE within a CREATE TRIGGER statement.\n");
+              "\n\nMsg 140.15.1 L1: Can only use IF UPDATE within a CREATE TRIGGER statement.\n");
 }
 
 TEST_F(Triggers, OfOneTableRunInTheOrderInWhichTheyWereMadeAndThoseSwitchedOffDoNot) {
