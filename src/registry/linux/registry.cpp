@@ -27,7 +27,7 @@ struct Hive {
 constexpr std::array kHives = {Hive{kHkeyCurrentUser, u"HKEY_CURRENT_USER"},
                                Hive{kHkeyLocalMachine, u"HKEY_LOCAL_MACHINE"}};
 
-/// The key behind a handle.
+/// An open key, to which a handle refers.
 struct Key {
     std::string file; ///< the path of its .reg file
     RegPath path;
